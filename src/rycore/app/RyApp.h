@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+class RyActionMgr;
+class RyMainWindow;
+class RyPluginManager;
+
+/// The application's services. All calls come on the GUI thread.
+class RyApp
+{
+public:
+    /// The main window, null when there is none.
+    static RyMainWindow *getInterface();
+    /// Folder with the host's scripts and samples: RYHOST_HOME, else beside the program or in the source tree.
+    static QString getHomePath();
+    /// Parent for message boxes and dialogs; may be null.
+    static QWidget *getDialogParent();
+
+    /// Busy cursor, counted.
+    static void startBusyCursor();
+    static void endBusyCursor();
+    static int busyCursorDepth();
+
+    static void setInterface(RyMainWindow *window);
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QMainWindow>
+
+#include <memory>
+
+class RyActionMgr;
+class RyPluginManager;
+class RyScene;
+class RyScriptEngine;
+class RyViewportMgr;
+
+/// The main window as plug-ins know it: services, no panes.
+class RyMainWindow : public QMainWindow
+{
+    Q_OBJECT
+public:
+    explicit RyMainWindow(RyScene *scene, QWidget *parent = nullptr);
+    ~RyMainWindow() override;
+
+    RyViewportMgr *getViewportMgr() const;
+    RyActionMgr *getActionMgr() const;
+    RyPluginManager *getPluginManager() const;
+    RyScene *getScene() const;
+
+    /// Loads the plug-ins of a folder: their tools and actions are created in order of the factories, classes are
+    /// registered with scripts, and the messages of refused libraries are in the log.
+    int loadPlugins(const QString &folder);
+    /// Deletes actions and tools and unloads; called by the destructor.
+    void unloadPlugins();
+
+private:
+    struct Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "rycore/base/RyError.h"
+#include "rycore/base/RyFloatProperty.h"
+
+/// A link from a controller property to a controlled one, additive with scale 1: (controller value minus controller
+/// default) is added to the controlled property's resulting value. A change of the controller is announced by the
+/// controlled property too. The link goes when either property goes.
+class RyERCLink
+{
+public:
+    /// Makes and attaches a link. Null and `InvalidArgument` for null properties or a link that would close a cycle;
+    /// null and Success when the same link exists already. Undoable where a hold is open.
+    static RyERCLink *create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error = nullptr);
+    static void remove(RyERCLink *link);
+
+    RyFloatProperty *getController() const { return m_controller; }
+    RyFloatProperty *getControlled() const { return m_controlled; }
+    float contribution() const;
+
+private:
+    friend class RyFloatProperty;
+    friend class RyERCLinkChange;
+    RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled);
+    ~RyERCLink();
+
+    RyFloatProperty *m_controller;
+    RyFloatProperty *m_controlled;
+};

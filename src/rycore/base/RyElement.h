@@ -1,0 +1,57 @@
+#pragma once
+
+#include "rycore/base/RyBase.h"
+
+#include <memory>
+
+class RyFloatProperty;
+class RyPropertyGroup;
+
+/// Something with a label and with properties in groups. Property groups are owned by the element.
+class RyElement : public RyBase
+{
+    Q_OBJECT
+public:
+    explicit RyElement(QObject *parent = nullptr);
+    ~RyElement() override;
+
+    /// The label, or the name while none was set.
+    QString getLabel() const;
+    /// Undoable where a hold is open.
+    void setLabel(const QString &label);
+    bool hasOwnLabel() const { return !m_label.isNull(); }
+
+    /// Root of the tree of groups that panes show; null when there are none.
+    RyPropertyGroup *getPropertyGroups() const { return m_publicGroups.get(); }
+    /// Root of the tree of groups with the rigging values; null for elements without rigging.
+    RyPropertyGroup *getPrivatePropertyGroups() const { return m_privateGroups.get(); }
+
+    /// Edits nest. The outermost begin takes a snapshot, the outermost finish announces the edit once, cancel restores
+    /// the snapshot unrecorded and closes all levels. Finish or cancel without begin does nothing.
+    void beginEdit();
+    void finishEdit();
+    void cancelEdit();
+    int editLevel() const { return m_editLevel; }
+
+    /// Called by a property of this element after its value (raw or by a link) changed.
+    virtual void propertyChanged(RyFloatProperty *property);
+
+signals:
+    void labelChanged(const QString &label);
+
+protected:
+    /// Adds the root of a tree of groups; the getters above return it.
+    RyPropertyGroup *createPublicGroups(const QString &name);
+    RyPropertyGroup *createPrivateGroups(const QString &name);
+
+    virtual void editBegun() {}
+    virtual void editFinished() {}
+    /// Restores what editBegun kept. Runs under an undo lock.
+    virtual void editCancelled() {}
+
+private:
+    QString m_label; // null: never set
+    std::unique_ptr<RyPropertyGroup> m_publicGroups;
+    std::unique_ptr<RyPropertyGroup> m_privateGroups;
+    int m_editLevel = 0;
+};

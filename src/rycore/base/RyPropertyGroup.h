@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class RyProperty;
+
+/// A named group of properties with sub-groups. Owns both.
+class RyPropertyGroup
+{
+public:
+    explicit RyPropertyGroup(const QString &name);
+    ~RyPropertyGroup();
+
+    const QString &getName() const { return m_name; }
+    RyPropertyGroup *getParent() const { return m_parent; }
+    RyPropertyGroup *getFirstChild() const;
+    RyPropertyGroup *getNextSibling() const;
+    RyPropertyGroup *addChild(const QString &name);
+
+    int getNumProperties() const { return int(m_properties.size()); }
+    RyProperty *getProperty(int index) const { return m_properties[size_t(index)].get(); }
+    template<typename P>
+    P *addProperty(std::unique_ptr<P> property)
+    {
+        P *added = property.get();
+        adopt(std::move(property));
+        return added;
+    }
+
+private:
+    void adopt(std::unique_ptr<RyProperty> property);
+
+    QString m_name;
+    RyPropertyGroup *m_parent = nullptr;
+    size_t m_indexInParent = 0;
+    std::vector<std::unique_ptr<RyPropertyGroup>> m_children;
+    std::vector<std::unique_ptr<RyProperty>> m_properties;
+};

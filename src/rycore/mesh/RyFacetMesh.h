@@ -1,0 +1,57 @@
+#pragma once
+
+#include "rycore/mesh/RyFaceGroup.h"
+#include "rycore/mesh/RyFacet.h"
+#include "rycore/mesh/RyVertexMesh.h"
+
+#include <memory>
+
+/// A mesh of triangles and quads with face groups.
+class RyFacetMesh : public RyVertexMesh
+{
+    Q_OBJECT
+public:
+    explicit RyFacetMesh(QObject *parent = nullptr);
+    ~RyFacetMesh() override;
+
+    /// A deep copy: positions, facets, groups, selection.
+    RyFacetMesh *copy() const;
+
+    int getNumFacets() const { return int(m_facets.size()); }
+    const RyFacet &getFacet(int index) const { return m_facets[size_t(index)]; }
+    const std::vector<RyFacet> &getFacets() const { return m_facets; }
+    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups.
+    void setFacets(std::vector<RyFacet> facets);
+
+    int getNumFaceGroups() const { return int(m_groups.size()); }
+    RyFaceGroup *getFaceGroup(int index) const;
+    /// The group of that name, null when there is none.
+    RyFaceGroup *findFaceGroup(const QString &name) const;
+    int findFaceGroupIndex(const QString &name) const;
+    /// Does nothing when the group exists; undoable where a hold is open.
+    void createFaceGroup(const QString &name);
+    void removeFaceGroup(const QString &name);
+    void deselectAllFacets();
+    void selectFacetsByIndexList(const RyIndexList &facets, bool select);
+    bool isFacetSelected(int facet) const { return m_selected[size_t(facet)]; }
+    /// Selected facets leave their group and enter this one; an unknown name does nothing.
+    void addSelectedFacetsToGroup(const QString &name);
+    /// Sets the group of every facet at once: `groupOfFacet[i]` indexes the groups or is -1.
+    void setGroupsOfFacets(const std::vector<int> &groupOfFacet);
+
+    /// The facet on the other side of edge `edge` (from corner `edge` to the next one) of a facet; -1 when there is none.
+    /// Of several facets that share an edge the pairing is by order; built at first use.
+    int getNeighbour(int facet, int edge) const;
+    /// Smooth normals of the given positions (one per vertex, unit; zero for a vertex without facets).
+    std::vector<RyVec3> computeNormals(const std::vector<RyVec3> &positions) const;
+
+private:
+    friend class RyFaceGroupsChange;
+    void buildNeighbours() const;
+    void recordGroups();
+
+    std::vector<RyFacet> m_facets;
+    std::vector<std::unique_ptr<RyFaceGroup>> m_groups;
+    std::vector<bool> m_selected;
+    mutable std::vector<int> m_neighbours; // four per facet, empty until asked for
+};

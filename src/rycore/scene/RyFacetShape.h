@@ -1,0 +1,30 @@
+#pragma once
+
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyMeshPart.h"
+#include "rycore/scene/RyShape.h"
+
+/// A shape made of facets.
+class RyFacetShape : public RyShape
+{
+    Q_OBJECT
+public:
+    explicit RyFacetShape(RyFacetMesh *mesh = nullptr);
+
+    RyVertexMesh *getGeometry() const override { return m_mesh.get(); }
+    RyFacetMesh *getFacetMesh() const { return m_mesh.get(); }
+    /// Undoable where a hold is open.
+    virtual void setFacetMesh(RyFacetMesh *mesh);
+
+    /// Parts as the file had them; null when the shape did not come from one.
+    const std::shared_ptr<const RyMeshParts> &getParts() const { return m_parts; }
+    void setParts(std::shared_ptr<const RyMeshParts> parts) { m_parts = std::move(parts); }
+
+signals:
+    void facetMeshChanged();
+
+private:
+    friend class RyFacetMeshExchange;
+    RyRef<RyFacetMesh> m_mesh;
+    std::shared_ptr<const RyMeshParts> m_parts;
+};

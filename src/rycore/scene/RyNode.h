@@ -1,0 +1,204 @@
+#pragma once
+
+#include "rycore/base/RyElement.h"
+#include "rycore/base/RyRefCounted.h"
+#include "rycore/math/RyAffine.h"
+#include "rycore/math/RyBox3.h"
+#include "rycore/math/RyMatrix3.h"
+#include "rycore/math/RyMatrix4.h"
+#include "rycore/math/RyRotationOrder.h"
+#include "rycore/math/RyTime.h"
+
+#include <memory>
+#include <vector>
+
+class RyFloatProperty;
+class RyObject;
+class RyScene;
+class RySelectionMap;
+class RySkeleton;
+
+/// A node of the scene: parent, ordered children, rigging values (default and current), pose controls, an object.
+///
+/// Origin and end point are absolute points in figure space (the rest space of the figure), in centimetres. The orientation
+/// maps bone axes to figure axes: bone axis k points along `orientation.multVec(e_k)`. Pose controls turn about the bone
+/// axes, in degrees, right-handed. Nodes live on the heap and are counted: parents, the scene and undo steps hold them.
+class RyNode : public RyElement, public RyRefCountedItem
+{
+    Q_OBJECT
+public:
+    enum class Rigging { None, Full };
+    explicit RyNode(Rigging rigging = Rigging::Full);
+    ~RyNode() override;
+
+    void setName(const QString &name) override;
+
+    // --- Tree. Children keep the order in which they were added.
+    RyNode *getNodeParent() const { return m_parent; }
+    int getNumNodeChildren() const { return int(m_children.size()); }
+    /// Null outside the range.
+    RyNode *getNodeChild(int index) const;
+    /// A copy of the list of children: stable against changes during a walk.
+    std::vector<RyNode *> nodeChildrenIterator() const { return m_children; }
+    /// Direct children, or all descendants in pre-order; the node itself is not included.
+    void getNodeChildren(std::vector<RyNode *> &list, bool recursive) const;
+    /// Detaches the child from its old parent and appends it (or inserts it at `index`). Refuses null, itself and a cycle.
+    /// `keepWorld` rewrites the child's pose controls so that it stays in the world as far as they can say it.
+    bool addNodeChild(RyNode *child, bool keepWorld = false, int index = -1);
+    bool removeNodeChild(RyNode *child, bool keepWorld = false);
+    bool isDescendantOf(const RyNode *node) const;
+    /// The node itself when it is a skeleton, else the nearest skeleton above it, else null.
+    RySkeleton *getSkeleton() const;
+    RyScene *getScene() const { return m_scene; }
+
+    // --- Selection and visibility.
+    /// True appends to the selection and makes primary (selecting again moves to the end); false removes.
+    void select(bool onOff);
+    bool isSelected() const;
+    bool isHidden() const { return m_hidden; }
+    void setHidden(bool hidden);
+    /// Neither the node nor an ancestor is hidden.
+    bool isVisible() const;
+    bool isSelectable() const { return m_selectable; }
+    void setSelectable(bool selectable);
+    bool isSelectionPromoted() const { return m_promoteSelection; }
+    void setPromoteSelection(bool promote);
+    bool inheritsScale() const { return m_inheritScale; }
+    void setInheritScale(bool inherit);
+
+    // --- Rigging. `byDefault` reads the default (rest) value instead of the current one. (0,0,0) and the identity without rigging.
+    RyVec3 getOrigin(bool byDefault = false) const;
+    RyVec3 getEndPoint(bool byDefault = false) const;
+    RyQuat getOrientation(bool byDefault = false) const;
+    /// `asDefault`: default := v and current := v; otherwise current := v.
+    void setOrigin(const RyVec3 &v, bool asDefault = false);
+    void setEndPoint(const RyVec3 &v, bool asDefault = false);
+    void setOrientation(const RyQuat &q, bool asDefault = false);
+    /// The resulting current value becomes v, also where links add to it; defaults stay; children are not moved.
+    void adjustOrigin(const RyVec3 &v);
+    void adjustEndPoint(const RyVec3 &v);
+    void adjustOrientation(const RyQuat &q);
+    /// The float property or null. Orientation in degrees, fixed XYZ whatever the rotation order.
+    RyFloatProperty *getOriginXControl() const { return m_rigging[0]; }
+    RyFloatProperty *getOriginYControl() const { return m_rigging[1]; }
+    RyFloatProperty *getOriginZControl() const { return m_rigging[2]; }
+    RyFloatProperty *getEndXControl() const { return m_rigging[3]; }
+    RyFloatProperty *getEndYControl() const { return m_rigging[4]; }
+    RyFloatProperty *getEndZControl() const { return m_rigging[5]; }
+    RyFloatProperty *getOrientXControl() const { return m_rigging[6]; }
+    RyFloatProperty *getOrientYControl() const { return m_rigging[7]; }
+    RyFloatProperty *getOrientZControl() const { return m_rigging[8]; }
+
+    // --- Pose.
+    RyFloatProperty *getXTransControl() const { return m_pose[0]; }
+    RyFloatProperty *getYTransControl() const { return m_pose[1]; }
+    RyFloatProperty *getZTransControl() const { return m_pose[2]; }
+    RyFloatProperty *getXRotControl() const { return m_pose[3]; }
+    RyFloatProperty *getYRotControl() const { return m_pose[4]; }
+    RyFloatProperty *getZRotControl() const { return m_pose[5]; }
+    RyFloatProperty *getScaleControl() const { return m_pose[6]; }
+    RyFloatProperty *getXScaleControl() const { return m_pose[7]; }
+    RyFloatProperty *getYScaleControl() const { return m_pose[8]; }
+    RyFloatProperty *getZScaleControl() const { return m_pose[9]; }
+    RyRotationOrder getRotationOrder() const { return m_rotationOrder; }
+    /// Undoable. Centre, end, orientation and the numbers of the pose controls stay.
+    void setRotationOrder(const RyRotationOrder &order);
+    /// All pose controls at their defaults.
+    void clearPose();
+    bool isPosed() const;
+
+    /// orientation^-1 * pose * orientation.
+    RyQuat getLocalRot() const;
+    /// M(orientation^-1) * diag(scale * general scale) * M(orientation).
+    RyMatrix3 getLocalScale() const;
+    void getLocalTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale, float &generalScale) const;
+    /// Sets all pose controls, within their limits. `scale` is taken without the general scale.
+    void setLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale, float generalScale);
+
+    // --- World.
+    /// Maps `p - origin` (figure axes, p in figure space) to the world: T(origin) * X. Unposed it is T(origin).
+    RyMatrix4 getWSTransform() const;
+    /// The same in parts: position, rotation and scale with `linear = scale * M(rotation)`.
+    void getWSTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale) const;
+    /// At a time; with `defaultPose` default origin and orientation and pose controls at their defaults, a skeleton's own transform kept.
+    RyMatrix4 getWSTransform(const RyTime &time, bool defaultPose) const;
+    RyVec3 getWSPos() const;
+    RyQuat getWSRot() const;
+    /// X: maps points of figure space (rest) to the world.
+    const RyAffine &worldMap() const;
+    /// The same without the transform of the node's skeleton (and what is above it): figure space to figure space.
+    const RyAffine &figureMap() const;
+    /// Grows whenever figureMap may have changed.
+    quint64 mapRevision() const { return m_mapRevision; }
+    /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.
+    RyVec3 getWSEndPoint() const;
+
+    /// Box in figure space, pose not applied: the vertices of the node's face group when its skeleton's selection map pairs one
+    /// with it, otherwise those of the whole object; empty without geometry.
+    virtual RyBox3 getBoundingBox() const;
+    virtual RyOrientedBox3 getOrientedBoundingBox() const;
+
+    /// Null when the node has none. Setting takes a reference.
+    RyObject *getObject() const { return m_object.get(); }
+    void setObject(RyObject *object);
+
+    void propertyChanged(RyFloatProperty *property) override;
+
+signals:
+    void aboutToBeRemoved();
+    /// Once per outermost finishEdit, and after each set or adjust call outside an edit.
+    void riggingChanged();
+    /// A pose control, the rotation order or scale inheritance changed.
+    void poseChanged();
+    void hiddenChanged(bool hidden);
+    void promoteSelectionChanged(bool promote);
+    void inheritScaleChanged();
+    void rotationOrderChanged();
+    void childrenChanged();
+
+protected:
+    void editBegun() override;
+    void editFinished() override;
+    void editCancelled() override;
+
+private:
+    friend class RyScene;
+    friend class RyNodeParentChange;
+    friend class RyNodeFlagChange;
+    friend class RyNodeOrderChange;
+    friend class RyNodeObjectChange;
+
+    struct MapCache;
+    void makeRiggingProperties();
+    void makePoseProperties();
+    void attachChild(RyNode *child, int index);
+    void detachChild(RyNode *child);
+    void setFlag(bool RyNode::*flag, bool value);
+    void announceFlag(bool RyNode::*flag);
+    void applyRotationOrder(const RyRotationOrder &order);
+    void applyObject(RyObject *object);
+    void writeTriple(int first, const RyVec3 &v, bool asDefault, bool adjust);
+    RyAffine localMap(bool byDefault) const;
+    RyQuat poseRotation(bool byDefault) const;
+    void invalidateMaps();
+    void updateMaps() const;
+
+    RyNode *m_parent = nullptr;
+    std::vector<RyNode *> m_children; // each counted once
+    RyScene *m_scene = nullptr;
+    RyFloatProperty *m_rigging[9] = {};
+    RyFloatProperty *m_pose[10] = {};
+    RyRotationOrder m_rotationOrder;
+    RyRef<RyObject> m_object;
+    bool m_hidden = false;
+    bool m_selectable = true;
+    bool m_promoteSelection = false;
+    bool m_inheritScale = true;
+    bool m_riggingTouched = false; // within an edit
+    std::vector<float> m_editSnapshot;
+    mutable RyQuat m_worldRotation;
+    mutable RyAffine m_worldMap;
+    mutable RyAffine m_figureMap;
+    mutable bool m_mapsValid = false;
+    quint64 m_mapRevision = 1;
+};

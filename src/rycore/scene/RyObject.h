@@ -1,0 +1,61 @@
+#pragma once
+
+#include "rycore/base/RyElement.h"
+#include "rycore/base/RyRefCounted.h"
+#include "rycore/math/RyVec3.h"
+
+#include <vector>
+
+class RyModifier;
+class RyNode;
+class RyShape;
+
+/// What a node shows: shapes, of which one is current, and the modifiers that deform it.
+class RyObject : public RyElement, public RyRefCountedItem
+{
+    Q_OBJECT
+public:
+    RyObject();
+    ~RyObject() override;
+
+    /// The node that has this object, null when none.
+    RyNode *getNode() const { return m_node; }
+    /// The first shape added becomes current.
+    void addShape(RyShape *shape);
+    RyShape *getCurrentShape() const { return m_current; }
+    const std::vector<RyShape *> &getShapes() const { return m_shapes; }
+
+    /// Undoable where a hold is open.
+    void addModifier(RyModifier *modifier);
+    void removeModifier(RyModifier *modifier);
+    const std::vector<RyModifier *> &getModifiers() const { return m_modifiers; }
+    template<typename M>
+    M *findModifier() const
+    {
+        for (RyModifier *modifier : m_modifiers) {
+            if (M *found = dynamic_cast<M *>(modifier))
+                return found;
+        }
+        return nullptr;
+    }
+
+    /// The current shape's positions after all modifiers, in figure space without the figure's own transform; one entry per
+    /// vertex. Valid until the next call; empty without a shape.
+    const std::vector<RyVec3> &getDeformedPositions();
+
+signals:
+    void modifiersChanged();
+    void shapesChanged();
+
+private:
+    friend class RyNode;
+    friend class RyModifierChange;
+    void insertModifier(RyModifier *modifier, int index);
+    void takeModifier(RyModifier *modifier);
+
+    RyNode *m_node = nullptr;
+    std::vector<RyShape *> m_shapes;       // each counted once
+    std::vector<RyModifier *> m_modifiers; // each counted once
+    RyShape *m_current = nullptr;
+    std::vector<RyVec3> m_positions[2];
+};

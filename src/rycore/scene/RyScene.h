@@ -1,0 +1,97 @@
+#pragma once
+
+#include "rycore/base/RyError.h"
+#include "rycore/math/RyTime.h"
+#include "rycore/scene/RySceneDocument.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+#include <vector>
+
+class RyNode;
+class RySkeleton;
+
+/// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the document it came from.
+class RyScene : public QObject
+{
+    Q_OBJECT
+public:
+    explicit RyScene(QObject *parent = nullptr);
+    ~RyScene() override;
+
+    // --- Nodes.
+    /// Registers the node and its subtree; does not touch its parent, so it goes in any order with addNodeChild.
+    Q_INVOKABLE RyError addNode(RyNode *node);
+    /// Emits the node's aboutToBeRemoved before anything else, deselects, detaches; its children go with it. An unknown node
+    /// gives an error.
+    Q_INVOKABLE RyError removeNode(RyNode *node);
+    /// All registered nodes in order of registration.
+    const std::vector<RyNode *> &getNodes() const { return m_nodes; }
+    /// Those without a parent.
+    std::vector<RyNode *> getTopLevelNodes() const;
+    /// Top-level nodes each followed by their subtrees in pre-order.
+    std::vector<RyNode *> getNodesInTreeOrder() const;
+    std::vector<RySkeleton *> getSkeletons() const;
+    Q_INVOKABLE RyNode *findNode(const QString &name) const;
+    /// Removes everything, the document included. The undo history is the caller's.
+    void clear();
+
+    // --- Selection.
+    Q_INVOKABLE RyNode *getPrimarySelection() const;
+    /// In order of selection; a copy, stable against changes during the walk.
+    std::vector<RyNode *> selectedNodeListIterator() const { return m_selection; }
+    Q_INVOKABLE int getNumSelectedNodes() const { return int(m_selection.size()); }
+    Q_INVOKABLE void selectAllNodes(bool onOff);
+    /// Replaces the selection in one go; the last one is primary.
+    void setSelection(const std::vector<RyNode *> &nodes);
+    bool isSelected(const RyNode *node) const;
+
+    RyTime getTime() const { return m_time; }
+    void setTime(const RyTime &time);
+
+    // --- Names.
+    /// Trailing ASCII digits; empty when there are none or the whole text is digits.
+    static QString getNameNumber(const QString &name);
+    /// The text without them and without trailing blanks.
+    static QString stripNameNumber(const QString &name);
+    /// The same, also without an enclosing pair of parentheses: "Bone (3)" gives "Bone".
+    static QString stripLabelNumber(const QString &label);
+    /// Unique among the top-level nodes; a free text comes back unchanged. `ignore` does not count as taken.
+    static QString getUniqueTopLevelName(const QString &name, const RyNode *ignore = nullptr);
+    static QString getUniqueTopLevelLabel(const QString &label, const RyNode *ignore = nullptr);
+
+    /// The file that the scene came from, with what the scene does not hold; null for a scene made here.
+    RySceneDocument *getDocument() const { return m_document.get(); }
+    void setDocument(std::unique_ptr<RySceneDocument> document);
+
+signals:
+    void primarySelectionChanged(RyNode *node);
+    void nodeSelectionListChanged();
+    void nodeListChanged();
+    void nodeAdded(RyNode *node);
+    void nodeRemoved(RyNode *node);
+    /// Something that is drawn changed: rigging, pose, visibility, meshes. Not coalesced.
+    void drawnDataChanged();
+    void timeChanged();
+    void documentChanged();
+
+private:
+    friend class RyNode;
+    friend class RyNodeRegistration;
+    void registerNode(RyNode *node, int index);
+    void unregisterNode(RyNode *node);
+    void selectNode(RyNode *node, bool onOff);
+    void changeSelection(std::vector<RyNode *> selection);
+
+    std::vector<RyNode *> m_nodes; // each counted once
+    std::vector<RyNode *> m_selection;
+    RyTime m_time;
+    std::unique_ptr<RySceneDocument> m_document;
+};
+
+/// The application's scene, made at first use.
+RyScene *ryScene();
+/// Deletes it; must come before the QCoreApplication goes.
+void ryDestroyScene();

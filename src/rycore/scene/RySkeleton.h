@@ -1,0 +1,46 @@
+#pragma once
+
+#include "rycore/scene/RyNode.h"
+
+#include <QPointer>
+
+class RyBone;
+class RySelectionMap;
+
+/// The root of a hierarchy of bones. Its `getSkeleton()` is itself.
+class RySkeleton : public RyNode
+{
+    Q_OBJECT
+public:
+    RySkeleton();
+    ~RySkeleton() override;
+
+    /// All bones below, pre-order in child order, the skeleton not included. Bone ids are positions in this list.
+    void getAllBones(std::vector<RyBone *> &list) const;
+    std::vector<RyBone *> getAllBones() const;
+    /// Exact, case-sensitive; the first in getAllBones order, else null.
+    RyBone *findBone(const QString &name) const;
+    RyBone *findBoneByLabel(const QString &label) const;
+    /// A free text comes back unchanged; otherwise its number is stripped and the first free one from 2 is appended
+    /// ("Bone2", label "Bone 2"). The name of `ignore` does not count as taken.
+    QString getUniqueBoneName(const QString &name, const RyNode *ignore = nullptr) const;
+    QString getUniqueBoneLabel(const QString &label, const RyNode *ignore = nullptr) const;
+
+    RySkeleton *getFollowTarget() const { return m_followTarget; }
+    void setFollowTarget(RySkeleton *target);
+    bool drawsGLBones() const { return m_drawGLBones; }
+    void setDrawGLBones(bool draw);
+
+    /// May be null. Setting takes ownership and is undoable.
+    RySelectionMap *getSelectionMap() const { return m_selectionMap.get(); }
+    void setSelectionMap(RySelectionMap *map);
+
+signals:
+    void selectionMapChanged();
+
+private:
+    friend class RySelectionMapExchange;
+    RyRef<RySelectionMap> m_selectionMap;
+    QPointer<RySkeleton> m_followTarget;
+    bool m_drawGLBones = false;
+};

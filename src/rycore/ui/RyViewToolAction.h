@@ -1,0 +1,23 @@
+#pragma once
+
+#include "rycore/ui/RyAction.h"
+
+/// Activates the view tool of a class; checked while that tool is active. Its text is the tool's object name.
+class RyViewToolAction : public RyAction
+{
+    Q_OBJECT
+public:
+    explicit RyViewToolAction(const QString &toolClassName);
+
+    void init() override;
+    const QString &getToolClassName() const { return m_toolClassName; }
+
+public slots:
+    void executeAction() override;
+
+private slots:
+    void toolChanged();
+
+private:
+    QString m_toolClassName;
+};

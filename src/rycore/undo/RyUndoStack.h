@@ -1,0 +1,77 @@
+#pragma once
+
+#include "rycore/undo/RyUndoItem.h"
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+/// The undo history. It records only while a hold is open, no lock is held and no undo or redo runs; edits at other
+/// times are applied and not recorded, and older steps survive them.
+class RyUndoStack : public QObject
+{
+    Q_OBJECT
+public:
+    explicit RyUndoStack(QObject *parent = nullptr);
+    ~RyUndoStack() override;
+
+    /// The application's stack, made at first use; null after `destroyGlobal`.
+    static RyUndoStack *global();
+    static void destroyGlobal();
+
+    bool isRecording() const;
+    bool isInUndoRedo() const;
+    bool isLocked() const;
+    bool isHoldOpen() const;
+
+    /// Keeps a change that is about to happen (or has just happened); drops it when nothing records or when the innermost hold
+    /// already has one with its key. Structural items are recorded through the same call.
+    void record(std::unique_ptr<RyUndoItem> item);
+    /// The same, without making the item when it would be dropped.
+    void record(const RyUndoKey &key, const std::function<std::unique_ptr<RyUndoItem>()> &makeItem);
+    template<typename Item, typename... Args>
+    void record(const RyUndoKey &key, Args &&...args)
+    {
+        if (wants(key))
+            append(std::make_unique<Item>(std::forward<Args>(args)...));
+    }
+
+    void undo();
+    void redo();
+    bool canUndo() const;
+    bool canRedo() const;
+    /// Number of steps, undone ones included; `index()` of them are done.
+    int count() const;
+    int index() const;
+    QString caption(int step) const;
+    QString undoText() const;
+    QString redoText() const;
+    /// Number of changes in a step: what a drag of many moves is measured by.
+    int entryCount(int step) const;
+
+    /// Drops all steps, also under a lock and while a hold is open (which stays open, empty).
+    void clearAll();
+
+    /// Marks the present state as saved; `isClean()` until the state differs again, also by an edit that was not recorded.
+    void setClean();
+    bool isClean() const;
+
+signals:
+    void changed();
+    void cleanChanged(bool clean);
+
+private:
+    friend class RyUndoStackHold;
+    friend class RyUndoStackLock;
+    bool wants(const RyUndoKey &key);
+    void append(std::unique_ptr<RyUndoItem> item);
+
+    struct Private;
+    std::unique_ptr<Private> d;
+};
+
+/// The application's stack.
+RyUndoStack *ryUndoStack();

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "rycore/base/RyBase.h"
+#include "rycore/viewport/RyViewMouseModifier.h"
+
+class QMouseEvent;
+class QWidget;
+class Ry3DViewport;
+class RyActionMenu;
+class RyDrawStyle;
+class RyMenu;
+
+/// A tool of the viewports: the active one draws over the scene and gets the mouse.
+class RyViewTool : public RyBase
+{
+    Q_OBJECT
+public:
+    explicit RyViewTool(const QString &name);
+    ~RyViewTool() override;
+
+    virtual void activated();
+    virtual void deactivated();
+    bool isActive() const { return m_active; }
+
+    /// Draws with the current GL context; the modelview matrix maps world to eye.
+    virtual void draw(Ry3DViewport *viewport, const RyDrawStyle &style);
+    /// Each returns true when the tool used the event.
+    virtual bool mousePress(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
+    virtual bool mouseMove(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
+    virtual bool mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
+    /// The mouse moved with no button held.
+    virtual void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
+    /// The mouse left the viewport.
+    virtual void mouseLeave(Ry3DViewport *viewport);
+
+    /// Shown as the tool settings pane; null for none. The tool owns it until the pane's parent does.
+    virtual QWidget *getSettingsWidget();
+    virtual QWidget *getDividerBar();
+    /// Tools are listed by this number.
+    virtual int getToolPriority() const;
+    virtual void addToolMenuItems(RyMenu *menu);
+    virtual void fillToolOptionsMenu(RyActionMenu *menu);
+    /// One line for the status bar on what the mouse will do now; empty for none.
+    virtual QString getStatusText() const;
+
+    /// Asks all viewports for one repaint, coalesced.
+    void drawnDataChanged();
+    /// How often that was asked, for tests.
+    int drawnDataChangeCount() const { return m_drawnDataChanges; }
+
+signals:
+    void drawnDataChangeRequested();
+    void statusTextChanged();
+
+private:
+    bool m_active = false;
+    int m_drawnDataChanges = 0;
+};

@@ -1,0 +1,1 @@
+ry_test(scene LIBS rycore_scene ry_test_core)
