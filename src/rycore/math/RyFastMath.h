@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <limits>
 
 namespace RyFastMath {
 
@@ -12,6 +13,13 @@ inline void sinAndCos(float angle, float &sine, float &cosine)
 {
     sine = std::sin(angle);
     cosine = std::cos(angle);
+}
+
+/// To single precision; what does not fit becomes the largest finite number of its sign.
+inline float toFloat(double value)
+{
+    constexpr double Largest = std::numeric_limits<float>::max();
+    return float(value > Largest ? Largest : value < -Largest ? -Largest : value);
 }
 
 } // namespace RyFastMath

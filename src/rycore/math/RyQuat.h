@@ -25,7 +25,10 @@ public:
     RyQuat operator*(const RyQuat &o) const;
     constexpr bool operator==(const RyQuat &o) const { return x == o.x && y == o.y && z == o.z && w == o.w; }
     constexpr bool operator!=(const RyQuat &o) const { return !(*this == o); }
-    constexpr float dot(const RyQuat &o) const { return x * o.x + y * o.y + z * o.z + w * o.w; }
+    constexpr float dot(const RyQuat &o) const
+    {
+        return float(double(x) * o.x + double(y) * o.y + double(z) * o.z + double(w) * o.w);
+    }
 
     /// The inverse rotation; the identity for a zero quaternion.
     RyQuat inverse() const;

@@ -40,10 +40,12 @@ public:
     constexpr bool operator==(const RyVec3 &o) const { return x == o.x && y == o.y && z == o.z; }
     constexpr bool operator!=(const RyVec3 &o) const { return !(*this == o); }
 
-    constexpr float dot(const RyVec3 &o) const { return x * o.x + y * o.y + z * o.z; }
+    /// Products are formed in double, so that huge components do not cancel to NaN.
+    constexpr float dot(const RyVec3 &o) const { return float(double(x) * o.x + double(y) * o.y + double(z) * o.z); }
     constexpr RyVec3 cross(const RyVec3 &o) const
     {
-        return {y * o.z - z * o.y, z * o.x - x * o.z, x * o.y - y * o.x};
+        return {float(double(y) * o.z - double(z) * o.y), float(double(z) * o.x - double(x) * o.z),
+                float(double(x) * o.y - double(y) * o.x)};
     }
     constexpr float lengthSquared() const { return dot(*this); }
     /// Computed in double, so that neither tiny nor huge vectors lose their length.
