@@ -1,3 +1,12 @@
+# Real characters to test with; tests that want one skip with a message where there are none.
+if(DEFINED ENV{RY_MODELS})
+  set(models $ENV{RY_MODELS})
+else()
+  set(models ${CMAKE_SOURCE_DIR}/../shared/models)
+endif()
+cmake_path(NORMAL_PATH models)
+set(RY_MODELS_PATH ${models} CACHE PATH "Folder of the characters that some tests open")
+
 # ry_test(FOLDER [LIBS library...] [GL] [OFFSCREEN]): every tst_*.cpp of tests/FOLDER becomes one program tst_FOLDER.
 #   GL         the program needs an X server and gets one of its own
 #   OFFSCREEN  the program needs a QApplication but no display
@@ -27,7 +36,7 @@ function(ry_test folder)
     add_test(NAME ${program} COMMAND $<TARGET_FILE:${program}>)
   endif()
   set_property(TEST ${program} APPEND PROPERTY ENVIRONMENT
-    RY_MODELS=${CMAKE_SOURCE_DIR}/../shared/models
+    RY_MODELS=${RY_MODELS_PATH}
     LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp)
   set_tests_properties(${program} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
 endfunction()
