@@ -12,7 +12,7 @@ public:
     void unref()
     {
         if (--m_refs == 0)
-            delete this;
+            destroy();
     }
     int refCount() const { return m_refs; }
 
@@ -23,26 +23,29 @@ protected:
     virtual ~RyRefCountedItem() = default;
 
 private:
+    void destroy(); // out of line: the object's last act
+
     int m_refs = 0;
 };
 
-/// Holds a counted object (a mesh, a removed node). When the object is a QObject that somebody deleted in spite of the
-/// count, the holder reads null and does not touch it.
+/// Holds a counted QObject (a mesh, a removed node). When somebody deleted the object in spite of the count, the holder
+/// reads null and does not touch it. `T` may be incomplete where a holder is only declared.
 template<typename T>
 class RyRef
 {
 public:
     RyRef() = default;
-    RyRef(T *item) : m_item(item)
+    RyRef(T *item) : m_item(item), m_guard(item)
     {
         if (item)
             item->ref();
     }
     RyRef(const RyRef &o) : RyRef(o.get()) {}
-    RyRef(RyRef &&o) noexcept : m_item(std::exchange(o.m_item, Pointer())) {}
+    RyRef(RyRef &&o) noexcept : m_item(std::exchange(o.m_item, nullptr)), m_guard(std::exchange(o.m_guard, nullptr)) {}
     RyRef &operator=(RyRef o)
     {
         std::swap(m_item, o.m_item);
+        std::swap(m_guard, o.m_guard);
         return *this;
     }
     ~RyRef()
@@ -50,13 +53,13 @@ public:
         if (T *item = get())
             item->unref();
     }
-    T *get() const { return m_item; }
+    T *get() const { return m_guard ? m_item : nullptr; }
     T *operator->() const { return get(); }
     T &operator*() const { return *get(); }
     explicit operator bool() const { return get() != nullptr; }
     operator T *() const { return get(); }
 
 private:
-    using Pointer = std::conditional_t<std::is_base_of_v<QObject, T>, QPointer<T>, T *>;
-    Pointer m_item{};
+    T *m_item = nullptr;
+    QPointer<QObject> m_guard;
 };

@@ -168,7 +168,6 @@ private:
     friend class RyNodeOrderChange;
     friend class RyNodeObjectChange;
 
-    struct MapCache;
     void makeRiggingProperties();
     void makePoseProperties();
     void attachChild(RyNode *child, int index);
@@ -180,6 +179,8 @@ private:
     void writeTriple(int first, const RyVec3 &v, bool asDefault, bool adjust);
     RyAffine localMap(bool byDefault) const;
     RyQuat poseRotation(bool byDefault) const;
+    /// Sets the pose controls so that the local map becomes `local`, as far as they can say it.
+    void takePoseFrom(const RyAffine &local);
     void invalidateMaps();
     void updateMaps() const;
 
@@ -197,6 +198,7 @@ private:
     bool m_riggingTouched = false; // within an edit
     std::vector<float> m_editSnapshot;
     mutable RyQuat m_worldRotation;
+    mutable RyQuat m_figureRotation;
     mutable RyAffine m_worldMap;
     mutable RyAffine m_figureMap;
     mutable bool m_mapsValid = false;

@@ -1,0 +1,6 @@
+#include "rycore/base/RyRefCounted.h"
+
+void RyRefCountedItem::destroy()
+{
+    delete this;
+}

@@ -1,0 +1,3 @@
+#include "rycore/scene/RyBone.h"
+
+RyBone::RyBone() = default;

@@ -1,0 +1,280 @@
+#include "rycore/scene/RyNode.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/scene/RyNodeChanges.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <algorithm>
+
+RyNode::RyNode(Rigging rigging)
+{
+    if (rigging == Rigging::Full)
+        makeRiggingProperties();
+    makePoseProperties();
+}
+
+RyNode::~RyNode()
+{
+    if (m_scene)
+        m_scene->unregisterNode(this);
+    if (m_parent)
+        m_parent->detachChild(this);
+    while (!m_children.empty())
+        detachChild(m_children.back());
+    applyObject(nullptr);
+}
+
+void RyNode::makeRiggingProperties()
+{
+    static const struct
+    {
+        const char *name;
+        const char *label;
+    } groups[3] = {{"Center Point", "Center"}, {"End Point", "End"}, {"Orientation", "Orientation"}};
+    static const char *const ids[3] = {"origin", "end", "orient"};
+    RyPropertyGroup *root = createPrivateGroups(QStringLiteral("Rigging"));
+    for (int triple = 0; triple < 3; ++triple) {
+        RyPropertyGroup *group = root->addChild(QLatin1String(groups[triple].name));
+        for (int axis = 0; axis < 3; ++axis) {
+            const QString name = QLatin1String(ids[triple]) + QLatin1Char(char('X' + axis));
+            auto property = std::make_unique<RyFloatProperty>(this, name);
+            property->setLabel(QLatin1String(groups[triple].label) + QLatin1Char(' ') + QLatin1Char(char('X' + axis)));
+            m_rigging[3 * triple + axis] = group->addProperty(std::move(property));
+        }
+    }
+}
+
+void RyNode::makePoseProperties()
+{
+    static const struct
+    {
+        const char *name;
+        const char *label;
+        const char *group;
+        float value;
+    } controls[10] = {
+        {"xtran", "X Translate", "Translation", 0}, {"ytran", "Y Translate", "Translation", 0},
+        {"ztran", "Z Translate", "Translation", 0}, {"xrot", "X Rotate", "Rotation", 0},
+        {"yrot", "Y Rotate", "Rotation", 0},        {"zrot", "Z Rotate", "Rotation", 0},
+        {"scale", "Scale", "Scale", 1},             {"xscale", "X Scale", "Scale", 1},
+        {"yscale", "Y Scale", "Scale", 1},          {"zscale", "Z Scale", "Scale", 1},
+    };
+    RyPropertyGroup *root = createPublicGroups(QStringLiteral("Transforms"));
+    RyPropertyGroup *group = nullptr;
+    for (int i = 0; i < 10; ++i) {
+        const QLatin1String name(controls[i].group);
+        if (!group || group->getName() != name)
+            group = root->addChild(name);
+        auto property = std::make_unique<RyFloatProperty>(this, QLatin1String(controls[i].name), controls[i].value);
+        property->setLabel(QLatin1String(controls[i].label));
+        m_pose[i] = group->addProperty(std::move(property));
+    }
+}
+
+void RyNode::setName(const QString &name)
+{
+    if (name == getName())
+        return;
+    RyElement::setName(name);
+    if (m_scene)
+        emit m_scene->nodeListChanged();
+}
+
+// --- Tree
+
+RyNode *RyNode::getNodeChild(int index) const
+{
+    return index >= 0 && index < int(m_children.size()) ? m_children[size_t(index)] : nullptr;
+}
+
+void RyNode::getNodeChildren(std::vector<RyNode *> &list, bool recursive) const
+{
+    if (!recursive) {
+        list.insert(list.end(), m_children.begin(), m_children.end());
+        return;
+    }
+    std::vector<RyNode *> pending(m_children.rbegin(), m_children.rend());
+    while (!pending.empty()) {
+        RyNode *node = pending.back();
+        pending.pop_back();
+        list.push_back(node);
+        pending.insert(pending.end(), node->m_children.rbegin(), node->m_children.rend());
+    }
+}
+
+bool RyNode::isDescendantOf(const RyNode *node) const
+{
+    for (const RyNode *above = m_parent; above; above = above->m_parent) {
+        if (above == node)
+            return true;
+    }
+    return false;
+}
+
+bool RyNode::addNodeChild(RyNode *child, bool keepWorld, int index)
+{
+    if (!child || child == this || isDescendantOf(child))
+        return false;
+    const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
+    const RyRef<RyNode> guard(child);
+    ryUndoStack()->record<RyNodeParentChange>({}, child);
+    if (child->m_parent)
+        child->m_parent->detachChild(child);
+    attachChild(child, index < 0 ? int(m_children.size()) : std::min(index, int(m_children.size())));
+    if (keepWorld)
+        child->takePoseFrom(before * worldMap().inverse());
+    if (m_scene)
+        emit m_scene->nodeListChanged();
+    else if (child->m_scene)
+        emit child->m_scene->nodeListChanged();
+    return true;
+}
+
+bool RyNode::removeNodeChild(RyNode *child, bool keepWorld)
+{
+    if (!child || child->m_parent != this)
+        return false;
+    const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
+    const RyRef<RyNode> guard(child);
+    ryUndoStack()->record<RyNodeParentChange>({}, child);
+    detachChild(child);
+    if (keepWorld)
+        child->takePoseFrom(before);
+    if (m_scene)
+        emit m_scene->nodeListChanged();
+    return true;
+}
+
+void RyNode::attachChild(RyNode *child, int index)
+{
+    child->ref();
+    child->m_parent = this;
+    m_children.insert(m_children.begin() + index, child);
+    child->invalidateMaps();
+    emit childrenChanged();
+}
+
+void RyNode::detachChild(RyNode *child)
+{
+    const auto place = std::find(m_children.begin(), m_children.end(), child);
+    if (place == m_children.end())
+        return;
+    m_children.erase(place);
+    child->m_parent = nullptr;
+    child->invalidateMaps();
+    emit childrenChanged();
+    child->unref();
+}
+
+RySkeleton *RyNode::getSkeleton() const
+{
+    for (const RyNode *node = this; node; node = node->m_parent) {
+        if (auto *skeleton = qobject_cast<const RySkeleton *>(node))
+            return const_cast<RySkeleton *>(skeleton);
+    }
+    return nullptr;
+}
+
+// --- Selection and visibility
+
+void RyNode::select(bool onOff)
+{
+    if (m_scene)
+        m_scene->selectNode(this, onOff);
+}
+
+bool RyNode::isSelected() const
+{
+    return m_scene && m_scene->isSelected(this);
+}
+
+bool RyNode::isVisible() const
+{
+    for (const RyNode *node = this; node; node = node->m_parent) {
+        if (node->m_hidden)
+            return false;
+    }
+    return true;
+}
+
+void RyNode::setHidden(bool hidden)
+{
+    setFlag(&RyNode::m_hidden, hidden);
+}
+
+void RyNode::setSelectable(bool selectable)
+{
+    setFlag(&RyNode::m_selectable, selectable);
+}
+
+void RyNode::setPromoteSelection(bool promote)
+{
+    setFlag(&RyNode::m_promoteSelection, promote);
+}
+
+void RyNode::setInheritScale(bool inherit)
+{
+    setFlag(&RyNode::m_inheritScale, inherit);
+}
+
+void RyNode::setFlag(bool RyNode::*flag, bool value)
+{
+    if (this->*flag == value)
+        return;
+    const RyNodeAspect aspect = flag == &RyNode::m_hidden             ? RyNodeAspect::Hidden
+                                : flag == &RyNode::m_selectable       ? RyNodeAspect::Selectable
+                                : flag == &RyNode::m_promoteSelection ? RyNodeAspect::PromoteSelection
+                                                                      : RyNodeAspect::InheritScale;
+    ryUndoStack()->record<RyNodeFlagChange>(ryNodeKey(this, aspect), this, flag, aspect);
+    this->*flag = value;
+    announceFlag(flag);
+}
+
+void RyNode::announceFlag(bool RyNode::*flag)
+{
+    if (flag == &RyNode::m_hidden) {
+        emit hiddenChanged(m_hidden);
+    } else if (flag == &RyNode::m_promoteSelection) {
+        emit promoteSelectionChanged(m_promoteSelection);
+    } else if (flag == &RyNode::m_inheritScale) {
+        invalidateMaps();
+        emit inheritScaleChanged();
+        emit poseChanged();
+    }
+    if (m_scene)
+        emit m_scene->drawnDataChanged();
+}
+
+// --- Objects
+
+void RyNode::setObject(RyObject *object)
+{
+    if (m_object.get() == object)
+        return;
+    ryUndoStack()->record<RyNodeObjectChange>(ryNodeKey(this, RyNodeAspect::Object), this);
+    applyObject(object);
+}
+
+void RyNode::applyObject(RyObject *object)
+{
+    if (RyObject *old = m_object.get()) {
+        if (old->m_node == this)
+            old->m_node = nullptr;
+    }
+    m_object = RyRef<RyObject>(object);
+    if (object)
+        object->m_node = this;
+    if (m_scene)
+        emit m_scene->drawnDataChanged();
+}
+
+RyOrientedBox3 RyNode::getOrientedBoundingBox() const
+{
+    RyOrientedBox3 oriented;
+    oriented.box = getBoundingBox();
+    return oriented;
+}

@@ -1,0 +1,330 @@
+#include "rycore/scene/RyScene.h"
+
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+RyScene *g_scene = nullptr;
+
+} // namespace
+
+RyScene *ryScene()
+{
+    if (!g_scene)
+        g_scene = new RyScene;
+    return g_scene;
+}
+
+void ryDestroyScene()
+{
+    delete g_scene;
+    g_scene = nullptr;
+}
+
+/// Whether a node is in the scene, and at which place of its list.
+class RyNodeRegistration : public RyUndoItem
+{
+public:
+    RyNodeRegistration(RyScene *scene, RyNode *node, int index) : m_scene(scene), m_node(node), m_index(index) {}
+    void swap() override
+    {
+        RyNode *node = m_node.get();
+        if (!m_scene || !node)
+            return;
+        const std::vector<RyNode *> &nodes = m_scene->getNodes();
+        const auto place = std::find(nodes.begin(), nodes.end(), node);
+        const int now = place == nodes.end() ? -1 : int(place - nodes.begin());
+        if (now >= 0) {
+            emit node->aboutToBeRemoved();
+            m_scene->selectNode(node, false);
+            m_scene->unregisterNode(node);
+        }
+        if (m_index >= 0)
+            m_scene->registerNode(node, std::min(m_index, int(nodes.size())));
+        m_index = now;
+        emit m_scene->nodeListChanged();
+    }
+
+private:
+    QPointer<RyScene> m_scene;
+    RyRef<RyNode> m_node;
+    int m_index;
+};
+
+RyScene::RyScene(QObject *parent) : QObject(parent) {}
+
+RyScene::~RyScene()
+{
+    clear();
+}
+
+// --- Nodes
+
+void RyScene::registerNode(RyNode *node, int index)
+{
+    node->ref();
+    node->m_scene = this;
+    m_nodes.insert(m_nodes.begin() + index, node);
+    emit nodeAdded(node);
+}
+
+void RyScene::unregisterNode(RyNode *node)
+{
+    const auto place = std::find(m_nodes.begin(), m_nodes.end(), node);
+    if (place == m_nodes.end())
+        return;
+    m_nodes.erase(place);
+    const bool selected = isSelected(node);
+    if (selected) {
+        const bool wasPrimary = m_selection.back() == node;
+        m_selection.erase(std::find(m_selection.begin(), m_selection.end(), node));
+        emit nodeSelectionListChanged();
+        if (wasPrimary)
+            emit primarySelectionChanged(getPrimarySelection());
+    }
+    node->m_scene = nullptr;
+    emit nodeRemoved(node);
+    node->unref();
+}
+
+RyError RyScene::addNode(RyNode *node)
+{
+    if (!node)
+        return RyError::InvalidArgument;
+    std::vector<RyNode *> subtree{node};
+    node->getNodeChildren(subtree, true);
+    bool changed = false;
+    for (RyNode *each : subtree) {
+        if (each->m_scene == this)
+            continue;
+        ryUndoStack()->record<RyNodeRegistration>({}, this, each, -1);
+        registerNode(each, int(m_nodes.size()));
+        changed = true;
+    }
+    if (changed)
+        emit nodeListChanged();
+    return RyError::Success;
+}
+
+RyError RyScene::removeNode(RyNode *node)
+{
+    if (!node || node->m_scene != this)
+        return RyError::NotFound;
+    const RyRef<RyNode> guard(node);
+    std::vector<RyNode *> subtree{node};
+    node->getNodeChildren(subtree, true);
+    for (RyNode *each : subtree)
+        emit each->aboutToBeRemoved();
+    std::vector<RyNode *> selection = m_selection;
+    std::erase_if(selection, [&](RyNode *n) { return std::find(subtree.begin(), subtree.end(), n) != subtree.end(); });
+    changeSelection(std::move(selection));
+    if (node->m_parent)
+        node->m_parent->removeNodeChild(node);
+    for (auto each = subtree.rbegin(); each != subtree.rend(); ++each) {
+        const auto place = std::find(m_nodes.begin(), m_nodes.end(), *each);
+        if (place == m_nodes.end())
+            continue;
+        ryUndoStack()->record<RyNodeRegistration>({}, this, *each, int(place - m_nodes.begin()));
+        unregisterNode(*each);
+    }
+    emit nodeListChanged();
+    emit drawnDataChanged();
+    return RyError::Success;
+}
+
+std::vector<RyNode *> RyScene::getTopLevelNodes() const
+{
+    std::vector<RyNode *> tops;
+    std::copy_if(m_nodes.begin(), m_nodes.end(), std::back_inserter(tops),
+                 [](const RyNode *node) { return !node->getNodeParent(); });
+    return tops;
+}
+
+std::vector<RyNode *> RyScene::getNodesInTreeOrder() const
+{
+    std::vector<RyNode *> list;
+    list.reserve(m_nodes.size());
+    for (RyNode *top : getTopLevelNodes()) {
+        list.push_back(top);
+        top->getNodeChildren(list, true);
+    }
+    return list;
+}
+
+std::vector<RySkeleton *> RyScene::getSkeletons() const
+{
+    std::vector<RySkeleton *> skeletons;
+    for (RyNode *node : m_nodes) {
+        if (auto *skeleton = qobject_cast<RySkeleton *>(node))
+            skeletons.push_back(skeleton);
+    }
+    return skeletons;
+}
+
+RyNode *RyScene::findNode(const QString &name) const
+{
+    for (RyNode *node : getNodesInTreeOrder()) {
+        if (node->getName() == name)
+            return node;
+    }
+    return nullptr;
+}
+
+void RyScene::clear()
+{
+    if (m_nodes.empty() && !m_document)
+        return;
+    const std::vector<RyNode *> tops = getTopLevelNodes();
+    for (RyNode *node : std::vector<RyNode *>(m_nodes))
+        emit node->aboutToBeRemoved();
+    changeSelection({});
+    while (!m_nodes.empty())
+        unregisterNode(m_nodes.back());
+    setDocument(nullptr);
+    emit nodeListChanged();
+    emit drawnDataChanged();
+}
+
+// --- Selection
+
+RyNode *RyScene::getPrimarySelection() const
+{
+    return m_selection.empty() ? nullptr : m_selection.back();
+}
+
+bool RyScene::isSelected(const RyNode *node) const
+{
+    return std::find(m_selection.begin(), m_selection.end(), node) != m_selection.end();
+}
+
+void RyScene::selectNode(RyNode *node, bool onOff)
+{
+    std::vector<RyNode *> selection = m_selection;
+    std::erase(selection, node);
+    if (onOff)
+        selection.push_back(node);
+    changeSelection(std::move(selection));
+}
+
+void RyScene::selectAllNodes(bool onOff)
+{
+    changeSelection(onOff ? getNodesInTreeOrder() : std::vector<RyNode *>());
+}
+
+void RyScene::setSelection(const std::vector<RyNode *> &nodes)
+{
+    std::vector<RyNode *> selection;
+    for (RyNode *node : nodes) {
+        if (!node || node->m_scene != this)
+            continue;
+        std::erase(selection, node);
+        selection.push_back(node);
+    }
+    changeSelection(std::move(selection));
+}
+
+void RyScene::changeSelection(std::vector<RyNode *> selection)
+{
+    if (selection == m_selection)
+        return;
+    const RyNode *oldPrimary = getPrimarySelection();
+    m_selection = std::move(selection);
+    emit nodeSelectionListChanged();
+    if (getPrimarySelection() != oldPrimary)
+        emit primarySelectionChanged(getPrimarySelection());
+    emit drawnDataChanged();
+}
+
+void RyScene::setTime(const RyTime &time)
+{
+    if (int(time) == int(m_time))
+        return;
+    m_time = time;
+    emit timeChanged();
+}
+
+void RyScene::setDocument(std::unique_ptr<RySceneDocument> document)
+{
+    m_document = std::move(document);
+    emit documentChanged();
+}
+
+// --- Names
+
+namespace {
+
+int numberStart(const QString &text)
+{
+    int start = text.size();
+    while (start > 0 && text.at(start - 1) >= QLatin1Char('0') && text.at(start - 1) <= QLatin1Char('9'))
+        --start;
+    return start == 0 ? text.size() : start; // a text of digits alone has no number
+}
+
+QString withoutTrailingBlanks(QString text)
+{
+    while (text.endsWith(QLatin1Char(' ')))
+        text.chop(1);
+    return text;
+}
+
+QString uniqueText(const QString &text, const RyNode *ignore, QString (RyNode::*read)() const,
+                   QString (*strip)(const QString &), const QString &separator)
+{
+    QSet<QString> taken;
+    for (const RyNode *node : ryScene()->getTopLevelNodes()) {
+        if (node != ignore)
+            taken.insert((node->*read)());
+    }
+    if (!taken.contains(text))
+        return text;
+    const QString stem = strip(text);
+    for (int number = 2;; ++number) {
+        const QString candidate = stem + separator + QString::number(number);
+        if (!taken.contains(candidate))
+            return candidate;
+    }
+}
+
+} // namespace
+
+QString RyScene::getNameNumber(const QString &name)
+{
+    return name.mid(numberStart(name));
+}
+
+QString RyScene::stripNameNumber(const QString &name)
+{
+    const int start = numberStart(name);
+    return start == name.size() ? name : withoutTrailingBlanks(name.left(start));
+}
+
+QString RyScene::stripLabelNumber(const QString &label)
+{
+    if (label.endsWith(QLatin1Char(')'))) {
+        const QString inner = label.left(label.size() - 1);
+        const int start = numberStart(inner);
+        if (start < inner.size() && start > 0 && inner.at(start - 1) == QLatin1Char('(')) {
+            const QString stem = withoutTrailingBlanks(inner.left(start - 1));
+            if (!stem.isEmpty())
+                return stem;
+        }
+    }
+    return stripNameNumber(label);
+}
+
+QString RyScene::getUniqueTopLevelName(const QString &name, const RyNode *ignore)
+{
+    return uniqueText(name, ignore, &RyNode::getName, &RyScene::stripNameNumber, QString());
+}
+
+QString RyScene::getUniqueTopLevelLabel(const QString &label, const RyNode *ignore)
+{
+    return uniqueText(label, ignore, &RyNode::getLabel, &RyScene::stripLabelNumber, QStringLiteral(" "));
+}

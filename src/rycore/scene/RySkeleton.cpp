@@ -1,0 +1,122 @@
+#include "rycore/scene/RySkeleton.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QSet>
+
+/// Which selection map a skeleton has.
+class RySelectionMapExchange : public RyUndoItem
+{
+public:
+    explicit RySelectionMapExchange(RySkeleton *skeleton)
+        : m_skeleton(skeleton), m_key(skeleton), m_map(skeleton->getSelectionMap())
+    {
+    }
+    void swap() override
+    {
+        if (!m_skeleton)
+            return;
+        std::swap(m_skeleton->m_selectionMap, m_map);
+        emit m_skeleton->selectionMapChanged();
+    }
+    RyUndoKey key() const override { return {m_key, 100}; }
+
+private:
+    QPointer<RySkeleton> m_skeleton;
+    const RySkeleton *m_key;
+    RyRef<RySelectionMap> m_map;
+};
+
+RySkeleton::RySkeleton() = default;
+RySkeleton::~RySkeleton() = default;
+
+void RySkeleton::getAllBones(std::vector<RyBone *> &list) const
+{
+    std::vector<RyNode *> nodes;
+    getNodeChildren(nodes, true);
+    for (RyNode *node : nodes) {
+        if (auto *bone = qobject_cast<RyBone *>(node))
+            list.push_back(bone);
+    }
+}
+
+std::vector<RyBone *> RySkeleton::getAllBones() const
+{
+    std::vector<RyBone *> list;
+    getAllBones(list);
+    return list;
+}
+
+RyBone *RySkeleton::findBone(const QString &name) const
+{
+    for (RyBone *bone : getAllBones()) {
+        if (bone->getName() == name)
+            return bone;
+    }
+    return nullptr;
+}
+
+RyBone *RySkeleton::findBoneByLabel(const QString &label) const
+{
+    for (RyBone *bone : getAllBones()) {
+        if (bone->getLabel() == label)
+            return bone;
+    }
+    return nullptr;
+}
+
+QString RySkeleton::getUniqueBoneName(const QString &name, const RyNode *ignore) const
+{
+    QSet<QString> taken;
+    for (const RyBone *bone : getAllBones()) {
+        if (bone != ignore)
+            taken.insert(bone->getName());
+    }
+    if (!taken.contains(name))
+        return name;
+    const QString stem = RyScene::stripNameNumber(name);
+    for (int number = 2;; ++number) {
+        const QString candidate = stem + QString::number(number);
+        if (!taken.contains(candidate))
+            return candidate;
+    }
+}
+
+QString RySkeleton::getUniqueBoneLabel(const QString &label, const RyNode *ignore) const
+{
+    QSet<QString> taken;
+    for (const RyBone *bone : getAllBones()) {
+        if (bone != ignore)
+            taken.insert(bone->getLabel());
+    }
+    if (!taken.contains(label))
+        return label;
+    const QString stem = RyScene::stripLabelNumber(label);
+    for (int number = 2;; ++number) {
+        const QString candidate = stem + QLatin1Char(' ') + QString::number(number);
+        if (!taken.contains(candidate))
+            return candidate;
+    }
+}
+
+void RySkeleton::setFollowTarget(RySkeleton *target)
+{
+    m_followTarget = target == this ? nullptr : target;
+}
+
+void RySkeleton::setDrawGLBones(bool draw)
+{
+    m_drawGLBones = draw;
+}
+
+void RySkeleton::setSelectionMap(RySelectionMap *map)
+{
+    if (m_selectionMap.get() == map)
+        return;
+    ryUndoStack()->record<RySelectionMapExchange>({this, 100}, this);
+    m_selectionMap = RyRef<RySelectionMap>(map);
+    emit selectionMapChanged();
+}
