@@ -23,6 +23,7 @@ public:
     static void destroyGlobal();
 
     bool isRecording() const;
+    /// True while undo or redo runs, and while a cancelled hold is being reverted.
     bool isInUndoRedo() const;
     bool isLocked() const;
     bool isHoldOpen() const;
@@ -36,9 +37,10 @@ public:
     void record(const RyUndoKey &key, Args &&...args)
     {
         if (wants(key))
-            append(std::make_unique<Item>(std::forward<Args>(args)...));
+            append(key, std::make_unique<Item>(std::forward<Args>(args)...));
     }
 
+    /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo.
     void undo();
     void redo();
     bool canUndo() const;
@@ -60,6 +62,7 @@ public:
     bool isClean() const;
 
 signals:
+    /// Steps, index, or what can be undone may have changed.
     void changed();
     void cleanChanged(bool clean);
 
@@ -67,7 +70,12 @@ private:
     friend class RyUndoStackHold;
     friend class RyUndoStackLock;
     bool wants(const RyUndoKey &key);
-    void append(std::unique_ptr<RyUndoItem> item);
+    void append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item);
+    void setLocked(bool locked);
+    int openHold();
+    void acceptHold(int id, const QString &caption);
+    void cancelHold(int id);
+    void updateClean();
 
     struct Private;
     std::unique_ptr<Private> d;

@@ -1,12 +1,15 @@
 #pragma once
 
-#include <QString>
+#include "rycore/undo/RyUndoStack.h"
 
-class RyUndoStack;
+#include <QPointer>
+#include <QString>
 
 /// Opens a step. `accept` pushes exactly one step, even an empty one; `cancel` reverts and pushes none; the destructor
 /// cancels what was neither. Holds nest: an inner accept merges into the outer hold, an inner cancel reverts its own
-/// share. A hold may live across events. Accepting or cancelling a second time does nothing.
+/// share. A hold may live across events. Accepting or cancelling a second time does nothing. Holds that end in another
+/// order stay exact: an accepted one joins the hold it was opened in, a cancelled one reverts what came after it too. A
+/// hold opened while undo or redo runs does nothing.
 class RyUndoStackHold
 {
 public:
@@ -19,6 +22,6 @@ public:
     void cancel();
 
 private:
-    RyUndoStack *m_stack;
-    int m_level; // depth of this hold, 0 once it has ended
+    QPointer<RyUndoStack> m_stack;
+    int m_id; // 0 once it has ended
 };

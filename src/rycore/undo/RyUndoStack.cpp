@@ -1,0 +1,319 @@
+#include "rycore/undo/RyUndoStack.h"
+
+#include "rycore/undo/RyUndoStep.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+struct RyUndoStack::Private
+{
+    struct OpenHold
+    {
+        int id;
+        std::shared_ptr<RyUndoStep> step;
+    };
+
+    std::vector<std::shared_ptr<RyUndoStep>> steps;
+    std::vector<OpenHold> holds;
+    int index = 0;
+    int lastHoldId = 0;
+    int locks = 0;
+    int cleanIndex = 0; // -1: no step leads back to the saved state
+    bool lastClean = true;
+    bool swapping = false;   // undo, redo or the revert of a cancelled hold
+    bool discarding = false; // items are being deleted; what dies with them is no edit
+
+    std::vector<OpenHold>::iterator findHold(int id)
+    {
+        return std::find_if(holds.begin(), holds.end(), [id](const OpenHold &hold) { return hold.id == id; });
+    }
+
+    void discard(std::vector<std::shared_ptr<RyUndoStep>> &&dropped)
+    {
+        const QScopedValueRollback<bool> guard(discarding, true);
+        while (!dropped.empty())
+            dropped.pop_back();
+    }
+
+    void push(const std::shared_ptr<RyUndoStep> &step)
+    {
+        std::vector<std::shared_ptr<RyUndoStep>> undone(steps.begin() + index, steps.end());
+        steps.resize(size_t(index));
+        if (cleanIndex > index)
+            cleanIndex = -1;
+        steps.push_back(step);
+        ++index;
+        discard(std::move(undone));
+    }
+
+    // Steps without a change do not lead away from the saved state.
+    bool isClean() const
+    {
+        if (cleanIndex < 0)
+            return false;
+        for (const OpenHold &hold : holds) {
+            if (!hold.step->isEmpty())
+                return false;
+        }
+        for (int i = std::min(cleanIndex, index); i < std::max(cleanIndex, index); ++i) {
+            if (!steps[size_t(i)]->isEmpty())
+                return false;
+        }
+        return true;
+    }
+};
+
+static RyUndoStack *globalStack = nullptr;
+static bool globalStackDestroyed = false;
+
+RyUndoStack::RyUndoStack(QObject *parent) : QObject(parent), d(std::make_unique<Private>()) {}
+
+RyUndoStack::~RyUndoStack()
+{
+    d->discarding = true;
+    while (!d->holds.empty())
+        d->holds.pop_back();
+    while (!d->steps.empty())
+        d->steps.pop_back();
+}
+
+RyUndoStack *RyUndoStack::global()
+{
+    if (!globalStack && !globalStackDestroyed)
+        globalStack = new RyUndoStack;
+    return globalStack;
+}
+
+void RyUndoStack::destroyGlobal()
+{
+    globalStackDestroyed = true;
+    // The stack stays reachable while its items go, since what they delete may ask for it.
+    delete globalStack;
+    globalStack = nullptr;
+}
+
+RyUndoStack *ryUndoStack()
+{
+    return RyUndoStack::global();
+}
+
+bool RyUndoStack::isRecording() const
+{
+    return !d->holds.empty() && d->locks == 0 && !d->swapping && !d->discarding;
+}
+
+bool RyUndoStack::isInUndoRedo() const
+{
+    return d->swapping;
+}
+
+bool RyUndoStack::isLocked() const
+{
+    return d->locks > 0;
+}
+
+bool RyUndoStack::isHoldOpen() const
+{
+    return !d->holds.empty();
+}
+
+bool RyUndoStack::wants(const RyUndoKey &key)
+{
+    if (d->swapping || d->discarding)
+        return false;
+    if (!isRecording()) {
+        d->cleanIndex = -1;
+        updateClean();
+        return false;
+    }
+    return !d->holds.back().step->contains(key);
+}
+
+void RyUndoStack::append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item)
+{
+    d->holds.back().step->append(key, std::move(item));
+    if (d->lastClean)
+        updateClean();
+}
+
+void RyUndoStack::record(std::unique_ptr<RyUndoItem> item)
+{
+    if (!item)
+        return;
+    const RyUndoKey key = item->key();
+    if (wants(key)) {
+        append(key, std::move(item));
+        return;
+    }
+    const QScopedValueRollback<bool> guard(d->discarding, true);
+    item.reset();
+}
+
+void RyUndoStack::record(const RyUndoKey &key, const std::function<std::unique_ptr<RyUndoItem>()> &makeItem)
+{
+    if (!wants(key))
+        return;
+    if (std::unique_ptr<RyUndoItem> item = makeItem())
+        append(key, std::move(item));
+}
+
+void RyUndoStack::undo()
+{
+    if (!canUndo())
+        return;
+    const std::shared_ptr<RyUndoStep> step = d->steps[size_t(--d->index)];
+    {
+        const QScopedValueRollback<bool> guard(d->swapping, true);
+        step->undo();
+    }
+    updateClean();
+    emit changed();
+}
+
+void RyUndoStack::redo()
+{
+    if (!canRedo())
+        return;
+    const std::shared_ptr<RyUndoStep> step = d->steps[size_t(d->index++)];
+    {
+        const QScopedValueRollback<bool> guard(d->swapping, true);
+        step->redo();
+    }
+    updateClean();
+    emit changed();
+}
+
+bool RyUndoStack::canUndo() const
+{
+    return d->index > 0 && d->holds.empty() && !d->swapping && !d->discarding;
+}
+
+bool RyUndoStack::canRedo() const
+{
+    return d->index < count() && d->holds.empty() && !d->swapping && !d->discarding;
+}
+
+int RyUndoStack::count() const
+{
+    return int(d->steps.size());
+}
+
+int RyUndoStack::index() const
+{
+    return d->index;
+}
+
+QString RyUndoStack::caption(int step) const
+{
+    return step >= 0 && step < count() ? d->steps[size_t(step)]->caption : QString();
+}
+
+QString RyUndoStack::undoText() const
+{
+    return caption(d->index - 1);
+}
+
+QString RyUndoStack::redoText() const
+{
+    return caption(d->index);
+}
+
+int RyUndoStack::entryCount(int step) const
+{
+    return step >= 0 && step < count() ? d->steps[size_t(step)]->entryCount() : 0;
+}
+
+void RyUndoStack::clearAll()
+{
+    const bool clean = d->isClean();
+    std::vector<std::shared_ptr<RyUndoStep>> dropped = std::move(d->steps);
+    d->steps.clear();
+    d->index = 0;
+    for (Private::OpenHold &hold : d->holds)
+        dropped.push_back(std::exchange(hold.step, std::make_shared<RyUndoStep>()));
+    d->cleanIndex = clean ? 0 : -1;
+    d->discard(std::move(dropped));
+    updateClean();
+    emit changed();
+}
+
+void RyUndoStack::setClean()
+{
+    // What an open hold has changed so far belongs to the saved state, which no step leads to.
+    const bool inHold = std::any_of(d->holds.begin(), d->holds.end(),
+                                    [](const Private::OpenHold &hold) { return !hold.step->isEmpty(); });
+    d->cleanIndex = inHold ? -1 : d->index;
+    updateClean();
+}
+
+bool RyUndoStack::isClean() const
+{
+    return d->isClean();
+}
+
+void RyUndoStack::updateClean()
+{
+    const bool clean = d->isClean();
+    if (clean == d->lastClean)
+        return;
+    d->lastClean = clean;
+    emit cleanChanged(clean);
+}
+
+void RyUndoStack::setLocked(bool locked)
+{
+    d->locks += locked ? 1 : -1;
+}
+
+int RyUndoStack::openHold()
+{
+    // What a listener does during undo or redo is part of it and makes no step.
+    if (d->swapping)
+        return 0;
+    const int id = ++d->lastHoldId;
+    d->holds.push_back({id, std::make_shared<RyUndoStep>()});
+    if (d->holds.size() == 1)
+        emit changed();
+    return id;
+}
+
+void RyUndoStack::acceptHold(int id, const QString &caption)
+{
+    const auto hold = d->findHold(id);
+    if (hold == d->holds.end())
+        return;
+    const std::shared_ptr<RyUndoStep> step = hold->step;
+    if (hold != d->holds.begin()) {
+        const QScopedValueRollback<bool> guard(d->discarding, true);
+        std::prev(hold)->step->merge(*step);
+        d->holds.erase(hold);
+        return;
+    }
+    d->holds.erase(hold);
+    // A copy of its own: the text may lie in the data of a library that is unloaded before the stack goes.
+    step->caption = QString(caption.constData(), caption.size());
+    d->push(step);
+    updateClean();
+    emit changed();
+}
+
+void RyUndoStack::cancelHold(int id)
+{
+    const auto hold = d->findHold(id);
+    if (hold == d->holds.end())
+        return;
+    std::vector<std::shared_ptr<RyUndoStep>> shares;
+    for (auto it = hold; it != d->holds.end(); ++it)
+        shares.push_back(std::exchange(it->step, std::make_shared<RyUndoStep>()));
+    d->holds.erase(hold);
+    {
+        const QScopedValueRollback<bool> guard(d->swapping, true);
+        for (size_t i = shares.size(); i-- > 0;)
+            shares[i]->undo();
+    }
+    d->discard(std::move(shares));
+    updateClean();
+    if (d->holds.empty())
+        emit changed();
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "rycore/undo/RyUndoItem.h"
+
+#include <QHashFunctions>
+#include <QString>
+
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+/// The changes of one step, or of one hold that is still open, in the order in which they were first made.
+class RyUndoStep
+{
+public:
+    RyUndoStep() = default;
+    RyUndoStep(const RyUndoStep &) = delete;
+    RyUndoStep &operator=(const RyUndoStep &) = delete;
+    ~RyUndoStep();
+
+    /// Whether a living item with that key is here; never for the null key.
+    bool contains(const RyUndoKey &key) const;
+    void append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item);
+    /// Takes over the changes of a later step, keeping the first value of each key.
+    void merge(RyUndoStep &later);
+    /// Drops all items, newest first.
+    void clear();
+
+    void undo();
+    void redo();
+
+    bool isEmpty() const { return m_entries.empty(); }
+    int entryCount() const { return int(m_entries.size()); }
+
+    QString caption;
+
+private:
+    struct Entry
+    {
+        RyUndoKey key;
+        std::unique_ptr<RyUndoItem> item;
+    };
+    struct KeyHash
+    {
+        size_t operator()(const RyUndoKey &key) const { return qHash(quintptr(key.target)) * 31u + qHash(key.aspect); }
+    };
+    void prepare();
+    void settle();
+
+    std::vector<Entry> m_entries;
+    std::unordered_map<RyUndoKey, size_t, KeyHash> m_byKey;
+};
