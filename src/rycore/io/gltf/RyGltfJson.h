@@ -1,0 +1,28 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <QByteArray>
+
+#include <string_view>
+
+/// Text to tree and back. The order of members is kept, also members that stand twice.
+class RyGltfJson
+{
+public:
+    /// Objects and arrays may stand this deep in one another; a deeper text is refused before it costs any stack.
+    static constexpr int maximumDepth = 512;
+
+    /// Throws RyGltfError with line and column of what is wrong. A byte order mark and trailing zeros are passed over.
+    static nlohmann::ordered_json parse(std::string_view text);
+
+    /// How a text is laid out: `width` characters `character` for each level, or -1 for all in one line.
+    struct Layout
+    {
+        int width = -1;
+        char character = ' ';
+    };
+    static Layout layoutOf(std::string_view text);
+    /// Throws RyGltfError when a text in the tree is not UTF-8.
+    static QByteArray dump(const nlohmann::ordered_json &tree, Layout layout);
+};
