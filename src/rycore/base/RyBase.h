@@ -15,4 +15,12 @@ public:
 
 signals:
     void nameChanged(const QString &name);
+
+protected:
+    /// Called after `nameChanged`, also by undo and redo.
+    virtual void nameHasChanged() {}
+
+private:
+    friend class RyBaseNameChange;
+    void applyName(const QString &name);
 };

@@ -3,6 +3,10 @@
 #include "rycore/base/RyError.h"
 #include "rycore/base/RyFloatProperty.h"
 
+#include <QPointer>
+
+#include <memory>
+
 /// A link from a controller property to a controlled one, additive with scale 1: (controller value minus controller
 /// default) is added to the controlled property's resulting value. A change of the controller is announced by the
 /// controlled property too. The link goes when either property goes.
@@ -12,6 +16,7 @@ public:
     /// Makes and attaches a link. Null and `InvalidArgument` for null properties or a link that would close a cycle;
     /// null and Success when the same link exists already. Undoable where a hold is open.
     static RyERCLink *create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error = nullptr);
+    /// Null is ignored. Undoable where a hold is open.
     static void remove(RyERCLink *link);
 
     RyFloatProperty *getController() const { return m_controller; }
@@ -22,8 +27,14 @@ private:
     friend class RyFloatProperty;
     friend class RyERCLinkChange;
     RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled);
-    ~RyERCLink();
+    ~RyERCLink() = default;
+    static bool wouldCloseCycle(const RyFloatProperty *controller, const RyFloatProperty *controlled);
+    bool isAttached() const { return m_self != nullptr; }
+    /// False, and nothing done, where the properties are gone or the link would repeat another or close a cycle.
+    static bool attach(const std::shared_ptr<RyERCLink> &link);
+    void detach();
 
-    RyFloatProperty *m_controller;
-    RyFloatProperty *m_controlled;
+    QPointer<RyFloatProperty> m_controller;
+    QPointer<RyFloatProperty> m_controlled;
+    std::shared_ptr<RyERCLink> m_self; // set while attached: the properties keep the link alive
 };

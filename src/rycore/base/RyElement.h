@@ -17,7 +17,7 @@ public:
 
     /// The label, or the name while none was set.
     QString getLabel() const;
-    /// Undoable where a hold is open.
+    /// Undoable where a hold is open. A null text goes back to the name.
     void setLabel(const QString &label);
     bool hasOwnLabel() const { return !m_label.isNull(); }
 
@@ -33,10 +33,11 @@ public:
     void cancelEdit();
     int editLevel() const { return m_editLevel; }
 
-    /// Called by a property of this element after its value (raw or by a link) changed.
+    /// Called by a property of this element after its value (raw or by a link) changed, before its listeners hear of it.
     virtual void propertyChanged(RyFloatProperty *property);
 
 signals:
+    /// The label changed, or the name that stands for it.
     void labelChanged(const QString &label);
 
 protected:
@@ -44,12 +45,16 @@ protected:
     RyPropertyGroup *createPublicGroups(const QString &name);
     RyPropertyGroup *createPrivateGroups(const QString &name);
 
+    void nameHasChanged() override;
     virtual void editBegun() {}
     virtual void editFinished() {}
     /// Restores what editBegun kept. Runs under an undo lock.
     virtual void editCancelled() {}
 
 private:
+    friend class RyElementLabelChange;
+    void applyLabel(const QString &label);
+
     QString m_label; // null: never set
     std::unique_ptr<RyPropertyGroup> m_publicGroups;
     std::unique_ptr<RyPropertyGroup> m_privateGroups;

@@ -6,7 +6,8 @@
 
 class RyERCLink;
 
-/// A float with default, current and limits. The resulting value is the raw value plus what links add to it.
+/// A float with default, current and limits. The resulting value is the raw value plus what links add to it; the limits
+/// hold for the raw value.
 /// Every change is undoable where a hold is open. A change of the default alone emits nothing but `defaultValueChanged`.
 /// Values that are not finite are refused.
 class RyFloatProperty : public RyProperty
@@ -21,7 +22,7 @@ public:
     float getRawValue() const { return m_raw; }
     /// Writes the raw value, clamped to the limits of the moment where the property is clamped.
     void setValue(float value);
-    /// Writes the raw value such that the resulting value is `value` (clamping included).
+    /// Writes the raw value such that the resulting value is `value`; the raw value is clamped as by `setValue`.
     void adjustValue(float value);
     float getDefaultValue() const { return m_default; }
     void setDefaultValue(float value);
@@ -50,13 +51,18 @@ private:
     {
         float raw, defaultValue, min, max;
         bool clamped;
+        bool operator==(const State &) const = default;
     };
     State state() const { return {m_raw, m_default, m_min, m_max, m_clamped}; }
     void restore(const State &state);
     void recordChange();
-    void announceIfChanged(float before);
+    float linkedShare() const;
+    float clamp(float value) const;
+    void announceIfChanged();
+    void announceControlled();
 
     float m_raw;
+    float m_announced; // the resulting value that listeners know
     float m_default;
     float m_min = -10000.0f;
     float m_max = 10000.0f;

@@ -11,6 +11,7 @@ class RyProperty : public RyElement
 public:
     RyProperty(RyElement *owner, const QString &name);
 
+    /// Null once the owner is being deleted.
     RyElement *getOwner() const { return m_owner; }
     RyPropertyGroup *getGroup() const { return m_group; }
 

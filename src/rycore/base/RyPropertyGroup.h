@@ -31,7 +31,10 @@ public:
     }
 
 private:
+    friend class RyElement;
     void adopt(std::unique_ptr<RyProperty> property);
+    /// The owner is going: its properties no longer call it and fall silent.
+    void forgetOwner();
 
     QString m_name;
     RyPropertyGroup *m_parent = nullptr;

@@ -2,6 +2,8 @@
 
 #include "rycore/base/RyClassFactory.h"
 
+#include <QCoreApplication>
+
 #include <new>
 
 /// Keeps how a script's wrapper owns the objects it makes (a QScriptEngine::ValueOwnership as a number).
@@ -55,6 +57,9 @@ QScriptValue RyTCustomClassFactory<T>::construct(QScriptContext *context, QScrip
     if (!self)
         return QScriptValue();
     QObject *object = self->createInstance(context);
+    // What no script may delete belongs to the application.
+    if (object && self->m_scriptOwnership == QScriptEngine::QtOwnership && !object->parent() && !object->isWidgetType())
+        object->setParent(QCoreApplication::instance());
     QScriptValue value = engine->newQObject(object, QScriptEngine::ValueOwnership(self->m_scriptOwnership));
     RyClassFactory::registerEnumsOnClass(engine, self->metaObject(), value);
     return value;

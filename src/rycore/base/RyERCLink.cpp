@@ -1,0 +1,110 @@
+#include "rycore/base/RyERCLink.h"
+
+#include "rycore/undo/RyUndoItem.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <algorithm>
+#include <utility>
+
+/// Keeps whether a link is in force.
+class RyERCLinkChange : public RyUndoItem
+{
+public:
+    explicit RyERCLinkChange(const std::shared_ptr<RyERCLink> &link) : m_link(link), m_attached(link->isAttached()) {}
+
+    RyUndoKey key() const override { return {m_link.get(), 1}; }
+    void swap() override
+    {
+        const bool inPlace = m_link->isAttached();
+        if (m_attached && !inPlace)
+            RyERCLink::attach(m_link);
+        else if (!m_attached && inPlace)
+            m_link->detach();
+        m_attached = inPlace;
+    }
+
+private:
+    std::shared_ptr<RyERCLink> m_link;
+    bool m_attached;
+};
+
+static RyERCLink *findLink(const RyFloatProperty *controller, const RyFloatProperty *controlled)
+{
+    for (RyERCLink *link : controlled->getControllerLinks()) {
+        if (link->getController() == controller)
+            return link;
+    }
+    return nullptr;
+}
+
+RyERCLink::RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled)
+    : m_controller(controller), m_controlled(controlled)
+{
+}
+
+RyERCLink *RyERCLink::create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error)
+{
+    RyError unused;
+    RyError &result = error ? *error : unused;
+    result = RyError::Success;
+    if (!controller || !controlled || wouldCloseCycle(controller, controlled)) {
+        result = RyError::InvalidArgument;
+        return nullptr;
+    }
+    if (findLink(controller, controlled))
+        return nullptr;
+    const std::shared_ptr<RyERCLink> link(new RyERCLink(controller, controlled), [](RyERCLink *old) { delete old; });
+    if (RyUndoStack *stack = ryUndoStack())
+        stack->record<RyERCLinkChange>(RyUndoKey{link.get(), 1}, link);
+    attach(link);
+    return link.get();
+}
+
+void RyERCLink::remove(RyERCLink *link)
+{
+    if (!link || !link->isAttached())
+        return;
+    const std::shared_ptr<RyERCLink> keep = link->m_self;
+    if (RyUndoStack *stack = ryUndoStack())
+        stack->record<RyERCLinkChange>(RyUndoKey{link, 1}, keep);
+    link->detach();
+}
+
+float RyERCLink::contribution() const
+{
+    return m_controller ? m_controller->getValue() - m_controller->getDefaultValue() : 0.0f;
+}
+
+bool RyERCLink::wouldCloseCycle(const RyFloatProperty *controller, const RyFloatProperty *controlled)
+{
+    if (controller == controlled)
+        return true;
+    for (const RyERCLink *link : controlled->getControlledLinks()) {
+        if (wouldCloseCycle(controller, link->getControlled()))
+            return true;
+    }
+    return false;
+}
+
+bool RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
+{
+    RyFloatProperty *controller = link->m_controller;
+    RyFloatProperty *controlled = link->m_controlled;
+    if (!controller || !controlled || findLink(controller, controlled) || wouldCloseCycle(controller, controlled))
+        return false;
+    link->m_self = link;
+    controller->m_outgoing.push_back(link.get());
+    controlled->m_incoming.push_back(link.get());
+    controlled->announceIfChanged();
+    return true;
+}
+
+void RyERCLink::detach()
+{
+    const std::shared_ptr<RyERCLink> keep = std::exchange(m_self, nullptr);
+    if (!keep)
+        return;
+    std::erase(m_controller->m_outgoing, this);
+    std::erase(m_controlled->m_incoming, this);
+    m_controlled->announceIfChanged();
+}

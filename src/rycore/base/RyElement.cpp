@@ -1,0 +1,109 @@
+#include "rycore/base/RyElement.h"
+
+#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/undo/RyUndoItem.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackLock.h"
+
+#include <QPointer>
+
+#include <utility>
+
+static const char labelAspect = 0;
+
+class RyElementLabelChange : public RyUndoItem
+{
+public:
+    explicit RyElementLabelChange(RyElement *element)
+        : m_element(element), m_key(keyOf(element)), m_label(element->m_label)
+    {
+    }
+
+    static RyUndoKey keyOf(const RyElement *element) { return {element, quintptr(&labelAspect)}; }
+    RyUndoKey key() const override { return m_key; }
+    bool isAlive() const override { return m_element; }
+    void swap() override
+    {
+        if (m_element)
+            m_element->applyLabel(std::exchange(m_label, m_element->m_label));
+    }
+
+private:
+    QPointer<RyElement> m_element;
+    RyUndoKey m_key;
+    QString m_label;
+};
+
+RyElement::RyElement(QObject *parent) : RyBase(parent) {}
+
+RyElement::~RyElement()
+{
+    if (m_publicGroups)
+        m_publicGroups->forgetOwner();
+    if (m_privateGroups)
+        m_privateGroups->forgetOwner();
+}
+
+QString RyElement::getLabel() const
+{
+    return hasOwnLabel() ? m_label : getName();
+}
+
+void RyElement::setLabel(const QString &label)
+{
+    if (label == m_label && label.isNull() == m_label.isNull())
+        return;
+    if (RyUndoStack *stack = ryUndoStack())
+        stack->record<RyElementLabelChange>(RyElementLabelChange::keyOf(this), this);
+    applyLabel(label);
+}
+
+void RyElement::applyLabel(const QString &label)
+{
+    const QString before = getLabel();
+    m_label = label;
+    if (getLabel() != before)
+        emit labelChanged(getLabel());
+}
+
+void RyElement::nameHasChanged()
+{
+    if (!hasOwnLabel())
+        emit labelChanged(getLabel());
+}
+
+void RyElement::beginEdit()
+{
+    if (m_editLevel++ == 0)
+        editBegun();
+}
+
+void RyElement::finishEdit()
+{
+    if (m_editLevel > 0 && --m_editLevel == 0)
+        editFinished();
+}
+
+void RyElement::cancelEdit()
+{
+    if (std::exchange(m_editLevel, 0) == 0)
+        return;
+    const RyUndoStackLock lock;
+    editCancelled();
+}
+
+void RyElement::propertyChanged(RyFloatProperty *) {}
+
+RyPropertyGroup *RyElement::createPublicGroups(const QString &name)
+{
+    if (!m_publicGroups)
+        m_publicGroups = std::make_unique<RyPropertyGroup>(name);
+    return m_publicGroups.get();
+}
+
+RyPropertyGroup *RyElement::createPrivateGroups(const QString &name)
+{
+    if (!m_privateGroups)
+        m_privateGroups = std::make_unique<RyPropertyGroup>(name);
+    return m_privateGroups.get();
+}
