@@ -4,6 +4,8 @@
 #include "rycore/mesh/RyFacet.h"
 #include "rycore/mesh/RyVertexMesh.h"
 
+#include <QStringList>
+
 #include <memory>
 
 /// A mesh of triangles and quads with face groups.
@@ -20,7 +22,8 @@ public:
     int getNumFacets() const { return int(m_facets.size()); }
     const RyFacet &getFacet(int index) const { return m_facets[size_t(index)]; }
     const std::vector<RyFacet> &getFacets() const { return m_facets; }
-    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups.
+    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups and the selection;
+    /// undoable where a hold is open.
     void setFacets(std::vector<RyFacet> facets);
 
     int getNumFaceGroups() const { return int(m_groups.size()); }
@@ -45,8 +48,32 @@ public:
     /// Smooth normals of the given positions (one per vertex, unit; zero for a vertex without facets).
     std::vector<RyVec3> computeNormals(const std::vector<RyVec3> &positions) const;
 
+signals:
+    /// Groups came or went, or facets changed group.
+    void faceGroupsChanged();
+
+protected:
+    void editBegun() override;
+    void editFinished() override;
+    void editCancelled() override;
+
 private:
     friend class RyFaceGroupsChange;
+    friend class RyFacetsChange;
+    /// Names of the groups in order, and the group of every facet.
+    struct Grouping
+    {
+        QStringList names;
+        std::vector<int> groupOfFacet;
+        bool operator==(const Grouping &) const = default;
+    };
+    Grouping grouping() const;
+    /// Groups that stay keep their objects.
+    void restoreGrouping(const Grouping &grouping);
+    void rebuildGroupLists();
+    /// Exchanges the facets, their `group` fields included, and makes the groups of these names.
+    void swapFacets(std::vector<RyFacet> &facets, QStringList &groups);
+    void keepGroups(const QStringList &names);
     void buildNeighbours() const;
     void recordGroups();
 
@@ -54,4 +81,6 @@ private:
     std::vector<std::unique_ptr<RyFaceGroup>> m_groups;
     std::vector<bool> m_selected;
     mutable std::vector<int> m_neighbours; // four per facet, empty until asked for
+    std::vector<RyFacet> m_facetSnapshot;
+    QStringList m_groupSnapshot;
 };

@@ -18,23 +18,31 @@ public:
     const std::vector<RyVec3> &getPositions() const { return m_positions; }
     /// Replaces all positions; undoable where a hold is open.
     void setPositions(std::vector<RyVec3> positions);
+    /// Does nothing for an index out of range.
     void setVertex(int index, const RyVec3 &position);
     RyBox3 getBoundingBox() const;
     /// Grows with every change of positions or facets; caches compare it.
     quint64 revision() const { return m_revision; }
 
 signals:
+    /// Positions or facets changed; once per outermost edit.
     void meshChanged();
 
 protected:
     void editBegun() override;
     void editFinished() override;
     void editCancelled() override;
+    /// Counts a change of positions or facets and announces it, within an edit at its end.
     void touch();
+    /// Exchanges all positions, unrecorded.
+    void swapPositions(std::vector<RyVec3> &positions);
 
 private:
     friend class RyPositionsChange;
+    void recordPositions();
+
     std::vector<RyVec3> m_positions;
     std::vector<RyVec3> m_editSnapshot;
+    quint64 m_revisionBeforeEdit = 0;
     quint64 m_revision = 1;
 };

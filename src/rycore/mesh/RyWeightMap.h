@@ -18,9 +18,11 @@ public:
     /// Sets the count; all weights become zero.
     void setNumWeights(int count);
     int getNumWeights() const { return m_count; }
-    /// The dense array, to read or write; writes belong between beginEdit and finishEdit.
+    /// The dense array, to read or write; writes belong between beginEdit and finishEdit, which record and announce them.
+    /// Null when empty. The pointer holds until the count changes, `compact` runs or an undo step touches the map.
     quint16 *getWeights();
     const quint16 *getWeights() const;
+    /// 0 outside the range.
     quint16 getWeight(int vertex) const;
     float getFloatWeight(int vertex) const { return float(getWeight(vertex)) / 65535.0f; }
     /// No weights at all (count 0).
@@ -30,16 +32,19 @@ public:
     int getNumAffected() const;
     const int *getAffectedIndices() const;
     const quint16 *getAffectedWeights() const;
-    /// Replaces all weights. `indices` ascending, below `count`; zero weights are dropped.
+    /// Replaces all weights. `indices` ascending, below `count`, one weight each; entries that break this and zero weights
+    /// are dropped.
     void setAffected(int count, std::vector<int> indices, std::vector<quint16> weights);
     /// Drops the dense array when there is one.
     void compact();
 
     /// A deep copy with the same name.
     RyWeightMap *copy() const;
+    /// Grows with every change; caches compare it.
     quint64 revision() const { return m_revision; }
 
 signals:
+    /// Once per outermost edit.
     void weightsChanged();
 
 protected:
@@ -49,13 +54,24 @@ protected:
 
 private:
     friend class RyWeightsChange;
+    struct State
+    {
+        int count = 0;
+        std::vector<int> indices;
+        std::vector<quint16> weights;
+    };
+    State state() const;
+    void restore(State state);
     void makeSparse() const;
+    void makeDense() const;
     void recordChange();
+    void touch();
 
     int m_count = 0;
     mutable std::vector<quint16> m_dense; // empty, or m_count entries
     mutable std::vector<int> m_indices;   // valid while m_sparseValid
     mutable std::vector<quint16> m_weights;
     mutable bool m_sparseValid = true;
+    State m_editSnapshot;
     quint64 m_revision = 1;
 };

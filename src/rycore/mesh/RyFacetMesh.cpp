@@ -1,0 +1,276 @@
+#include "rycore/mesh/RyFacetMesh.h"
+
+#include "rycore/mesh/RyFacetMeshChanges.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <algorithm>
+
+RyFacetMesh::RyFacetMesh(QObject *parent) : RyVertexMesh(parent) {}
+
+RyFacetMesh::~RyFacetMesh() = default;
+
+RyFacetMesh *RyFacetMesh::copy() const
+{
+    auto *mesh = new RyFacetMesh;
+    mesh->setObjectName(objectName());
+    std::vector<RyVec3> positions = getPositions();
+    mesh->swapPositions(positions);
+    mesh->m_facets = m_facets;
+    for (const auto &group : m_groups)
+        mesh->m_groups.push_back(std::make_unique<RyFaceGroup>(*group));
+    mesh->m_selected = m_selected;
+    mesh->m_neighbours = m_neighbours;
+    return mesh;
+}
+
+void RyFacetMesh::setFacets(std::vector<RyFacet> facets)
+{
+    ryUndoStack()->record<RyFacetsChange>({this, RyFacetsChange::Aspect}, this);
+    for (RyFacet &facet : facets)
+        facet.group = -1;
+    QStringList names = grouping().names;
+    swapFacets(facets, names);
+}
+
+void RyFacetMesh::swapFacets(std::vector<RyFacet> &facets, QStringList &groups)
+{
+    const QStringList names = grouping().names;
+    m_facets.swap(facets);
+    m_selected.assign(m_facets.size(), false);
+    m_neighbours.clear();
+    keepGroups(groups);
+    rebuildGroupLists();
+    groups = names;
+    touch();
+    emit faceGroupsChanged();
+}
+
+RyFaceGroup *RyFacetMesh::getFaceGroup(int index) const
+{
+    return index >= 0 && index < getNumFaceGroups() ? m_groups[size_t(index)].get() : nullptr;
+}
+
+RyFaceGroup *RyFacetMesh::findFaceGroup(const QString &name) const
+{
+    return getFaceGroup(findFaceGroupIndex(name));
+}
+
+int RyFacetMesh::findFaceGroupIndex(const QString &name) const
+{
+    for (size_t i = 0; i < m_groups.size(); ++i) {
+        if (m_groups[i]->getName() == name)
+            return int(i);
+    }
+    return -1;
+}
+
+void RyFacetMesh::createFaceGroup(const QString &name)
+{
+    if (findFaceGroup(name))
+        return;
+    recordGroups();
+    m_groups.push_back(std::make_unique<RyFaceGroup>(name));
+    emit faceGroupsChanged();
+}
+
+void RyFacetMesh::removeFaceGroup(const QString &name)
+{
+    const int index = findFaceGroupIndex(name);
+    if (index < 0)
+        return;
+    recordGroups();
+    m_groups.erase(m_groups.begin() + index);
+    for (RyFacet &facet : m_facets) {
+        if (facet.group == index)
+            facet.group = -1;
+        else if (facet.group > index)
+            --facet.group;
+    }
+    emit faceGroupsChanged();
+}
+
+void RyFacetMesh::deselectAllFacets()
+{
+    m_selected.assign(m_facets.size(), false);
+}
+
+void RyFacetMesh::selectFacetsByIndexList(const RyIndexList &facets, bool select)
+{
+    for (int i = 0; i < facets.count(); ++i) {
+        const int facet = facets.getIndex(i);
+        if (facet >= 0 && facet < getNumFacets())
+            m_selected[size_t(facet)] = select;
+    }
+}
+
+void RyFacetMesh::addSelectedFacetsToGroup(const QString &name)
+{
+    const int index = findFaceGroupIndex(name);
+    if (index < 0)
+        return;
+    Grouping wanted = grouping();
+    for (size_t i = 0; i < m_facets.size(); ++i) {
+        if (m_selected[i])
+            wanted.groupOfFacet[i] = index;
+    }
+    setGroupsOfFacets(wanted.groupOfFacet);
+}
+
+void RyFacetMesh::setGroupsOfFacets(const std::vector<int> &groupOfFacet)
+{
+    Grouping wanted = grouping();
+    const size_t count = std::min(groupOfFacet.size(), m_facets.size());
+    for (size_t i = 0; i < count; ++i)
+        wanted.groupOfFacet[i] = groupOfFacet[i] < getNumFaceGroups() ? std::max(groupOfFacet[i], -1) : -1;
+    if (wanted == grouping())
+        return;
+    recordGroups();
+    restoreGrouping(wanted);
+}
+
+RyFacetMesh::Grouping RyFacetMesh::grouping() const
+{
+    Grouping result;
+    for (const auto &group : m_groups)
+        result.names.append(group->getName());
+    result.groupOfFacet.reserve(m_facets.size());
+    for (const RyFacet &facet : m_facets)
+        result.groupOfFacet.push_back(facet.group);
+    return result;
+}
+
+void RyFacetMesh::keepGroups(const QStringList &names)
+{
+    std::vector<std::unique_ptr<RyFaceGroup>> groups;
+    for (const QString &name : names) {
+        const int now = findFaceGroupIndex(name);
+        if (now < 0) {
+            groups.push_back(std::make_unique<RyFaceGroup>(name));
+        } else {
+            groups.push_back(std::move(m_groups[size_t(now)]));
+            m_groups.erase(m_groups.begin() + now);
+        }
+    }
+    m_groups = std::move(groups);
+}
+
+void RyFacetMesh::restoreGrouping(const Grouping &wanted)
+{
+    keepGroups(wanted.names);
+    const size_t count = std::min(m_facets.size(), wanted.groupOfFacet.size());
+    for (size_t i = 0; i < count; ++i)
+        m_facets[i].group = wanted.groupOfFacet[i];
+    rebuildGroupLists();
+    emit faceGroupsChanged();
+}
+
+void RyFacetMesh::rebuildGroupLists()
+{
+    for (const auto &group : m_groups)
+        group->facets().clear();
+    for (size_t i = 0; i < m_facets.size(); ++i) {
+        if (m_facets[i].group >= 0)
+            m_groups[size_t(m_facets[i].group)]->facets().append(int(i));
+    }
+}
+
+void RyFacetMesh::recordGroups()
+{
+    ryUndoStack()->record<RyFaceGroupsChange>({this, RyFaceGroupsChange::Aspect}, this);
+}
+
+int RyFacetMesh::getNeighbour(int facet, int edge) const
+{
+    if (facet < 0 || facet >= getNumFacets() || edge < 0 || edge >= m_facets[size_t(facet)].count())
+        return -1;
+    if (m_neighbours.empty())
+        buildNeighbours();
+    return m_neighbours[size_t(4 * facet + edge)];
+}
+
+void RyFacetMesh::buildNeighbours() const
+{
+    struct Side
+    {
+        int low, high, place; // place = 4 * facet + edge
+        bool operator<(const Side &o) const
+        {
+            return low != o.low ? low < o.low : high != o.high ? high < o.high : place < o.place;
+        }
+    };
+    std::vector<Side> sides;
+    sides.reserve(4 * m_facets.size());
+    for (size_t i = 0; i < m_facets.size(); ++i) {
+        const RyFacet &facet = m_facets[i];
+        const int count = facet.count();
+        for (int edge = 0; edge < count; ++edge) {
+            const int a = facet.vertices[edge];
+            const int b = facet.vertices[(edge + 1) % count];
+            if (a != b)
+                sides.push_back({std::min(a, b), std::max(a, b), int(4 * i) + edge});
+        }
+    }
+    std::sort(sides.begin(), sides.end());
+    m_neighbours.assign(4 * m_facets.size(), -1);
+    for (size_t first = 0; first < sides.size();) {
+        size_t end = first;
+        while (end < sides.size() && sides[end].low == sides[first].low && sides[end].high == sides[first].high)
+            ++end;
+        for (size_t k = first; k < end; ++k) {
+            const int place = sides[k].place;
+            if (m_neighbours[size_t(place)] >= 0)
+                continue;
+            for (size_t other = k + 1; other < end; ++other) {
+                const int otherPlace = sides[other].place;
+                if (m_neighbours[size_t(otherPlace)] >= 0 || otherPlace / 4 == place / 4)
+                    continue;
+                m_neighbours[size_t(place)] = otherPlace / 4;
+                m_neighbours[size_t(otherPlace)] = place / 4;
+                break;
+            }
+        }
+        first = end;
+    }
+}
+
+std::vector<RyVec3> RyFacetMesh::computeNormals(const std::vector<RyVec3> &positions) const
+{
+    std::vector<RyVec3> normals(positions.size());
+    const int count = int(positions.size());
+    for (const RyFacet &facet : m_facets) {
+        const int corners = facet.count();
+        if (std::any_of(facet.vertices, facet.vertices + corners, [count](int v) { return v < 0 || v >= count; }))
+            continue;
+        const auto at = [&](int corner) { return positions[size_t(facet.vertices[corner])]; };
+        // Twice the area times the normal, for a quad by its diagonals.
+        const RyVec3 normal = corners == 3 ? (at(1) - at(0)).cross(at(2) - at(0)) : (at(2) - at(0)).cross(at(3) - at(1));
+        for (int corner = 0; corner < corners; ++corner)
+            normals[size_t(facet.vertices[corner])] += normal;
+    }
+    for (RyVec3 &normal : normals)
+        normal.normalize();
+    return normals;
+}
+
+void RyFacetMesh::editBegun()
+{
+    RyVertexMesh::editBegun();
+    m_facetSnapshot = m_facets;
+    m_groupSnapshot = grouping().names;
+}
+
+void RyFacetMesh::editFinished()
+{
+    m_facetSnapshot = {};
+    m_groupSnapshot.clear();
+    RyVertexMesh::editFinished();
+}
+
+void RyFacetMesh::editCancelled()
+{
+    if (m_facets != m_facetSnapshot || grouping().names != m_groupSnapshot)
+        swapFacets(m_facetSnapshot, m_groupSnapshot);
+    m_facetSnapshot = {};
+    m_groupSnapshot.clear();
+    RyVertexMesh::editCancelled();
+}

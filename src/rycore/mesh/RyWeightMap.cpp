@@ -1,0 +1,197 @@
+#include "rycore/mesh/RyWeightMap.h"
+
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QPointer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr quintptr WeightsAspect = 1;
+
+} // namespace
+
+/// Count and weights of a map, kept sparse.
+class RyWeightsChange : public RyUndoItem
+{
+public:
+    explicit RyWeightsChange(RyWeightMap *map) : m_map(map), m_key(map), m_state(map->state()) {}
+    void swap() override
+    {
+        if (!m_map)
+            return;
+        RyWeightMap::State now = m_map->state();
+        m_map->restore(std::move(m_state));
+        m_state = std::move(now);
+    }
+    RyUndoKey key() const override { return {m_key, WeightsAspect}; }
+
+private:
+    QPointer<RyWeightMap> m_map;
+    const void *m_key;
+    RyWeightMap::State m_state;
+};
+
+RyWeightMap::RyWeightMap(const QString &name)
+{
+    setObjectName(name);
+}
+
+void RyWeightMap::setNumWeights(int count)
+{
+    recordChange();
+    m_count = std::max(count, 0);
+    m_dense = {};
+    m_indices.clear();
+    m_weights.clear();
+    m_sparseValid = true;
+    touch();
+}
+
+quint16 *RyWeightMap::getWeights()
+{
+    makeDense();
+    // The caller may write.
+    m_sparseValid = false;
+    ++m_revision;
+    return m_count > 0 ? m_dense.data() : nullptr;
+}
+
+const quint16 *RyWeightMap::getWeights() const
+{
+    makeDense();
+    return m_count > 0 ? m_dense.data() : nullptr;
+}
+
+quint16 RyWeightMap::getWeight(int vertex) const
+{
+    if (vertex < 0 || vertex >= m_count)
+        return 0;
+    if (!m_dense.empty())
+        return m_dense[size_t(vertex)];
+    const auto place = std::lower_bound(m_indices.begin(), m_indices.end(), vertex);
+    return place != m_indices.end() && *place == vertex ? m_weights[size_t(place - m_indices.begin())] : quint16(0);
+}
+
+int RyWeightMap::getNumAffected() const
+{
+    makeSparse();
+    return int(m_indices.size());
+}
+
+const int *RyWeightMap::getAffectedIndices() const
+{
+    makeSparse();
+    return m_indices.data();
+}
+
+const quint16 *RyWeightMap::getAffectedWeights() const
+{
+    makeSparse();
+    return m_weights.data();
+}
+
+void RyWeightMap::setAffected(int count, std::vector<int> indices, std::vector<quint16> weights)
+{
+    recordChange();
+    State state;
+    state.count = std::max(count, 0);
+    const size_t entries = std::min(indices.size(), weights.size());
+    int last = -1;
+    for (size_t i = 0; i < entries; ++i) {
+        if (weights[i] == 0 || indices[i] <= last || indices[i] >= state.count)
+            continue;
+        last = indices[i];
+        state.indices.push_back(indices[i]);
+        state.weights.push_back(weights[i]);
+    }
+    restore(std::move(state));
+}
+
+void RyWeightMap::compact()
+{
+    makeSparse();
+    m_dense = {};
+}
+
+RyWeightMap *RyWeightMap::copy() const
+{
+    auto *map = new RyWeightMap(objectName());
+    map->restore(state());
+    return map;
+}
+
+RyWeightMap::State RyWeightMap::state() const
+{
+    makeSparse();
+    return {m_count, m_indices, m_weights};
+}
+
+void RyWeightMap::restore(State state)
+{
+    m_count = state.count;
+    m_indices = std::move(state.indices);
+    m_weights = std::move(state.weights);
+    m_sparseValid = true;
+    m_dense = {};
+    touch();
+}
+
+void RyWeightMap::makeSparse() const
+{
+    if (m_sparseValid)
+        return;
+    m_indices.clear();
+    m_weights.clear();
+    for (size_t i = 0; i < m_dense.size(); ++i) {
+        if (m_dense[i] != 0) {
+            m_indices.push_back(int(i));
+            m_weights.push_back(m_dense[i]);
+        }
+    }
+    // While an edit runs, more may be written through the pointer.
+    m_sparseValid = editLevel() == 0;
+}
+
+void RyWeightMap::makeDense() const
+{
+    if (!m_dense.empty() || m_count == 0)
+        return;
+    m_dense.assign(size_t(m_count), 0);
+    for (size_t i = 0; i < m_indices.size(); ++i)
+        m_dense[size_t(m_indices[i])] = m_weights[i];
+}
+
+void RyWeightMap::recordChange()
+{
+    ryUndoStack()->record<RyWeightsChange>({this, WeightsAspect}, this);
+}
+
+void RyWeightMap::touch()
+{
+    ++m_revision;
+    if (editLevel() == 0)
+        emit weightsChanged();
+}
+
+void RyWeightMap::editBegun()
+{
+    recordChange();
+    m_editSnapshot = state();
+}
+
+void RyWeightMap::editFinished()
+{
+    m_editSnapshot = {};
+    if (!m_dense.empty())
+        m_sparseValid = false;
+    ++m_revision;
+    emit weightsChanged();
+}
+
+void RyWeightMap::editCancelled()
+{
+    restore(std::move(m_editSnapshot));
+    m_editSnapshot = {};
+}
