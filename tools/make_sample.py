@@ -617,7 +617,7 @@ def make():
     ground = min(p[1] for p in points)
     points = [(p[0], max(p[1] - ground - 0.003, 0.0), p[2]) for p in points]
     partners = mirror_partners(points)
-    points = [tuple(single(value) for value in p) for p in points]
+    points = [tuple(single(round(value, 7)) for value in p) for p in points]
     for v, partner in enumerate(partners):
         if partner == v:
             points[v] = (0.0, points[v][1], points[v][2])
@@ -651,7 +651,7 @@ def make():
     for q, bone in zip(quads, bones):
         a, b, c, d = (points[v] for v in q)
         ac, bd = sub(c, a), sub(d, b)
-        if dot(ac, ac) <= dot(bd, bd):
+        if dot(ac, ac) <= 1.0001 * dot(bd, bd):  # never up to the last bit
             pair = [(q[0], q[1], q[2]), (q[0], q[2], q[3])]
         else:
             pair = [(q[1], q[2], q[3]), (q[1], q[3], q[0])]

@@ -1,0 +1,7 @@
+# The judge of the files we write: shares no code with what it judges.
+add_library(ry_evaluator STATIC ${CMAKE_CURRENT_LIST_DIR}/GltfEvaluator.cpp ${CMAKE_CURRENT_LIST_DIR}/GltfEvaluator.h
+            ${CMAKE_CURRENT_LIST_DIR}/GltfFileReader.cpp ${CMAKE_CURRENT_LIST_DIR}/GltfFileReader.h)
+set_target_properties(ry_evaluator PROPERTIES AUTOMOC OFF)
+target_include_directories(ry_evaluator PUBLIC ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(ry_evaluator PRIVATE ry_compile_options PUBLIC Eigen3::Eigen nlohmann_json::nlohmann_json)
+ry_test(evaluator LIBS ry_evaluator ry_test_core)
