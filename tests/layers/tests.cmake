@@ -1,0 +1,15 @@
+find_program(RY_PYTHON python3 REQUIRED)
+set(layers ${RY_LAYERS})
+list(JOIN layers "," layers)
+set(widget_headers ${Qt5Widgets_INCLUDE_DIRS} ${Qt5OpenGL_INCLUDE_DIRS} ${Qt5Svg_INCLUDE_DIRS})
+list(FILTER widget_headers INCLUDE REGEX "/Qt(Widgets|OpenGL|Svg)$")
+list(REMOVE_DUPLICATES widget_headers)
+add_test(NAME layers_includes COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/check_includes.py ${CMAKE_SOURCE_DIR}/src
+         --layers ${layers} --widgets-from viewport --widget-headers ${widget_headers})
+add_test(NAME layers_planted_includes COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_check_includes.py)
+add_test(NAME layers_planted_calls COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_planted_calls.py)
+# The sanitizers add symbols of their own.
+if(TARGET RyJointTools AND NOT RY_SANITIZE)
+  add_test(NAME layers_exports COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_exports.py
+           $<TARGET_FILE:RyJointTools>)
+endif()
