@@ -1,6 +1,7 @@
 #include "rycore/scene/RySkeleton.h"
 
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyBoneListSlice.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -35,12 +36,14 @@ RySkeleton::~RySkeleton() = default;
 
 void RySkeleton::getAllBones(std::vector<RyBone *> &list) const
 {
+    const std::size_t start = list.size();
     std::vector<RyNode *> nodes;
     getNodeChildren(nodes, true);
     for (RyNode *node : nodes) {
         if (auto *bone = qobject_cast<RyBone *>(node))
             list.push_back(bone);
     }
+    RyBoneListSlice::apply(list, start);
 }
 
 std::vector<RyBone *> RySkeleton::getAllBones() const

@@ -1,5 +1,6 @@
 #include "rycore/undo/RyUndoStack.h"
 
+#include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/RyUndoStep.h"
 
 #include <QScopedValueRollback>
@@ -120,7 +121,7 @@ bool RyUndoStack::isHoldOpen() const
 
 bool RyUndoStack::wants(const RyUndoKey &key)
 {
-    if (d->swapping || d->discarding)
+    if (d->swapping || d->discarding || RyUndoStackSilence::isActive())
         return false;
     if (!isRecording()) {
         d->cleanIndex = -1;

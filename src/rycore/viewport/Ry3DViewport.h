@@ -1,5 +1,8 @@
 #pragma once
 
+#include "rycore/viewport/RyCameraController.h"
+#include "rycore/viewport/RyRenderOptions.h"
+#include "rycore/viewport/RyViewMatrices.h"
 #include "rycore/viewport/RyViewMouseModifier.h"
 
 #include <QGLWidget>
@@ -9,7 +12,6 @@
 class RyCamera;
 class RyNode;
 class RyScene;
-class RySceneRenderer;
 class RyViewTool;
 class RyViewportMgr;
 
@@ -32,7 +34,9 @@ public:
     /// Shown at the cursor; empty clears.
     virtual void setToolTipText(const QString &text);
     QString getToolTipText() const;
-    using QGLWidget::makeCurrent;
+    /// Makes the context that this viewport draws with current and loads its matrices, so that RyGLUtility::pixelToRay
+    /// answers for it. Works without a display too.
+    void makeCurrent();
 
     /// Paints one frame of the given size with whatever context is current (screenshots, tests).
     void renderFrame(int width, int height, float devicePixelRatio);
@@ -43,20 +47,50 @@ public:
     enum class StandardView { Front, Side, Top, Perspective };
     void setStandardView(StandardView view);
 
+    /// Where a point of the world is in the widget (logical pixels); false behind the eye.
+    bool project(const RyVec3 &world, QPointF &pixel) const;
+    /// The matrices for the widget's size in logical pixels.
+    RyViewMatrices matrices() const;
+    RyCameraController cameraController() const;
+    const RyRenderOptions &renderOptions() const;
+    void setRenderOptions(const RyRenderOptions &options);
+    /// Tints the part of the meshes that stands for a node; for tools while they draw.
+    void drawNodeHighlight(RyNode *node);
+    /// True between a press that the tool got and its release.
+    bool isToolDragging() const;
+
+    /// For tests: passes of the pick code so far, pictures of the scene so far (a repaint of the tool alone makes none),
+    /// frames painted, and uploads of positions to the graphics memory.
+    int pickPasses() const;
+    int scenePaints() const;
+    int framePaints() const;
+    int positionUploads() const;
+
 signals:
     void painted();
+    /// A right click that was no drag, no view movement and no cancel.
+    void contextMenuRequested(const QPoint &globalPosition);
 
 protected:
     void initializeGL() override;
     void resizeGL(int width, int height) override;
     void paintGL() override;
+    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void deliverHover(QMouseEvent *event);
+    bool beginViewDrag(QMouseEvent *event);
+    void moveView(QMouseEvent *event);
+    void cancelToolDrag();
+    RyBox3 frameBox(bool selectionOnly) const;
+    void drawSceneCopy(int width, int height) const;
+
     struct Private;
     std::unique_ptr<Private> d;
 };

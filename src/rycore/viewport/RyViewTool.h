@@ -40,6 +40,8 @@ public:
     virtual int getToolPriority() const;
     virtual void addToolMenuItems(RyMenu *menu);
     virtual void fillToolOptionsMenu(RyActionMenu *menu);
+    /// Whether figures are drawn slightly see-through while this tool is active. True unless a tool says otherwise.
+    virtual bool showsInsideFigures() const { return true; }
     /// One line for the status bar on what the mouse will do now; empty for none.
     virtual QString getStatusText() const;
 

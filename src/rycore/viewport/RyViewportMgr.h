@@ -30,13 +30,25 @@ public:
     void deleteTools();
 
     Ry3DViewport *getActiveViewport() const;
+    void setActiveViewport(Ry3DViewport *viewport);
     RyCamera *getActiveCamera() const;
+    const std::vector<Ry3DViewport *> &getViewports() const;
     void addViewport(Ry3DViewport *viewport);
     void removeViewport(Ry3DViewport *viewport);
     /// Asks every viewport for one repaint, coalesced by Qt.
     void updateViewports();
 
+    /// Grows with every change of what is drawn of the scene, the camera and the selection left out.
+    quint64 sceneRevision() const;
+    /// Grows with every change of what the active tool draws but the highlight under the mouse: what an active tool asks
+    /// for between beginHover and endHover is taken for that.
+    quint64 toolRevision() const;
+    void beginHover();
+    void endHover();
+
 signals:
+    void toolListChanged();
+    void viewportAdded(Ry3DViewport *viewport);
     void activeToolChanged(RyViewTool *tool);
 
 private:

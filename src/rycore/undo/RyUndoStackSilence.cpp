@@ -1,0 +1,3 @@
+#include "rycore/undo/RyUndoStackSilence.h"
+
+int RyUndoStackSilence::s_depth = 0;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QPointer>
+
+#include <vector>
+
+class RyFacetMesh;
+class RyNode;
+
+/// Which node each facet of a mesh stands for when it is pointed at: for a figure the node paired with the facet's group
+/// in the selection map, else the bone that weighs most on its vertices; for other nodes the node itself.
+class RyFacetOwners
+{
+public:
+    /// Looks again when `revision` differs from the last call's.
+    void update(RyNode *node, RyFacetMesh *mesh, quint64 revision);
+    RyNode *ownerOf(int facet) const;
+    /// The facets of a node, ascending.
+    std::vector<int> facetsOf(const RyNode *owner) const;
+
+private:
+    void assignBones(const RyNode *node);
+
+    quint64 m_revision = 0;
+    QPointer<RyNode> m_node;
+    QPointer<RyFacetMesh> m_mesh;
+    std::vector<QPointer<RyNode>> m_owners; // index 0: the node itself
+    std::vector<int> m_ownerOfFacet;        // index into m_owners
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// A GL context without a window and without a display server, shared by everything that draws into frame buffer
+/// objects where the platform offers no windows that GL can draw to. Made at first use.
+class RyOffscreenContext
+{
+public:
+    /// The process' context; check `isValid`.
+    static RyOffscreenContext &instance();
+
+    bool isValid() const { return m_context != nullptr; }
+    /// False when there is none.
+    bool makeCurrent();
+    void doneCurrent();
+    /// Some number that tells the current contexts of the process apart, 0 when none is current.
+    static quintptr currentKey();
+
+    RyOffscreenContext(const RyOffscreenContext &) = delete;
+    RyOffscreenContext &operator=(const RyOffscreenContext &) = delete;
+
+private:
+    RyOffscreenContext();
+    ~RyOffscreenContext();
+
+    void *m_display = nullptr;
+    void *m_context = nullptr;
+};

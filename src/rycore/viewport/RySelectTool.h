@@ -1,0 +1,15 @@
+#pragma once
+
+#include "rycore/viewport/RyPickTool.h"
+
+/// Nothing but picking: a click selects what is under the mouse.
+class RySelectTool : public RyPickTool
+{
+    Q_OBJECT
+public:
+    RySelectTool();
+
+    int getToolPriority() const override;
+    bool showsInsideFigures() const override { return false; }
+    QString getStatusText() const override;
+};
