@@ -128,6 +128,8 @@ public:
     const RyAffine &worldMap() const;
     /// The same without the transform of the node's skeleton (and what is above it): figure space to figure space.
     const RyAffine &figureMap() const;
+    /// T(-origin) * linear * T(origin + translation): from figure space to figure space, relative to the parent.
+    RyAffine getLocalMap() const { return localMap(false); }
     /// Grows whenever figureMap may have changed.
     quint64 mapRevision() const { return m_mapRevision; }
     /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.

@@ -153,6 +153,11 @@ RyGltfPrimitive RyGltfMeshReader::readPrimitive(const RyGltfCursor &cursor, cons
     }
     const RyGltfAccessor &positions = model.accessors[std::size_t(primitive.positions)];
     const std::uint64_t count = positions.count;
+    // Where a compressed shape has no plain one beside it, the accessors stand for nothing.
+    for (const char *compression : {"KHR_draco_mesh_compression", "EXT_meshopt_compression"}) {
+        if (positions.bufferView < 0 && !positions.sparse && cursor.object("extensions").has(compression))
+            cursor.refuse(QStringLiteral("the shape is compressed with %1, which is not supported").arg(compression));
+    }
     if (positions.componentCount != 3)
         attributes.refuse(QStringLiteral("POSITION is not made of three numbers"));
     primitive.normals = readOptional(attributes, "NORMAL", model, 3, 3, count);

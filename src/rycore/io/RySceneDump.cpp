@@ -1,0 +1,243 @@
+#include "rycore/io/RySceneDump.h"
+
+#include "rycore/base/RyERCLink.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RyBulgeBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <QTextStream>
+
+#include <cstring>
+
+namespace {
+
+/// FNV-1a over 64 bits.
+class Hash
+{
+public:
+    template<typename T>
+    void add(const T &value)
+    {
+        unsigned char bytes[sizeof(T)];
+        std::memcpy(bytes, &value, sizeof(T));
+        for (const unsigned char byte : bytes)
+            m_value = (m_value ^ byte) * 0x100000001b3ull;
+    }
+    QString text() const { return QString::number(m_value, 16); }
+
+private:
+    quint64 m_value = 0xcbf29ce484222325ull;
+};
+
+QString number(double value)
+{
+    return QString::asprintf("%.9g", value == 0.0 ? 0.0 : value);
+}
+
+QString quoted(QString text)
+{
+    text.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
+    text.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    text.replace(QLatin1Char('\n'), QLatin1String("\\n"));
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+class Dump
+{
+public:
+    explicit Dump(const RyScene &scene) : m_scene(scene), m_out(&m_text) {}
+
+    QString text()
+    {
+        m_out << "scene time " << int(m_scene.getTime()) << '\n';
+        for (const RyNode *node : m_scene.getNodesInTreeOrder())
+            writeNode(*node);
+        m_out << "selection";
+        for (const RyNode *node : m_scene.selectedNodeListIterator())
+            m_out << ' ' << path(node);
+        m_out << '\n';
+        m_out.flush();
+        return m_text;
+    }
+
+private:
+    QString path(const RyNode *node) const
+    {
+        if (!node)
+            return QStringLiteral("none");
+        QString text = quoted(node->getName());
+        for (const RyNode *above = node->getNodeParent(); above; above = above->getNodeParent())
+            text.prepend(quoted(above->getName()) + QLatin1Char('/'));
+        return text;
+    }
+
+    void writeNode(const RyNode &node)
+    {
+        m_out << "node " << path(&node) << ' ' << node.metaObject()->className();
+        if (node.hasOwnLabel())
+            m_out << " label " << quoted(node.getLabel());
+        if (node.isHidden())
+            m_out << " hidden";
+        if (!node.isSelectable())
+            m_out << " unselectable";
+        if (node.isSelectionPromoted())
+            m_out << " promoting";
+        if (!node.inheritsScale())
+            m_out << " unscaled";
+        if (!node.getScene())
+            m_out << " unregistered";
+        m_out << " order " << node.getRotationOrder().name() << '\n';
+        writeGroup(node.getPrivatePropertyGroups());
+        writeGroup(node.getPropertyGroups());
+        if (const auto *camera = qobject_cast<const RyCamera *>(&node)) {
+            m_out << "  lens " << number(camera->fieldOfView()) << ' ' << number(camera->orthographicHeight()) << ' '
+                  << number(camera->focalDistance()) << (camera->isOrthographic() ? " orthographic\n" : " perspective\n");
+        }
+        if (const auto *skeleton = qobject_cast<const RySkeleton *>(&node))
+            writeSkeleton(*skeleton);
+        if (RyObject *object = node.getObject())
+            writeObject(*object);
+    }
+
+    void writeGroup(const RyPropertyGroup *group)
+    {
+        if (!group)
+            return;
+        writeGroup(group->getFirstChild());
+        for (int i = 0; i < group->getNumProperties(); ++i) {
+            if (const auto *property = qobject_cast<const RyFloatProperty *>(group->getProperty(i)))
+                writeProperty(*property);
+        }
+        writeGroup(group->getNextSibling());
+    }
+
+    void writeProperty(const RyFloatProperty &property)
+    {
+        m_out << "  " << quoted(property.getName()) << ' ' << number(property.getRawValue()) << " default "
+              << number(property.getDefaultValue()) << " limits " << number(property.getMin()) << ' '
+              << number(property.getMax()) << (property.isClamped() ? " clamped" : "");
+        if (property.hasOwnLabel())
+            m_out << " label " << quoted(property.getLabel());
+        for (const RyERCLink *link : property.getControllerLinks()) {
+            const auto *owner = qobject_cast<const RyNode *>(link->getController()->getOwner());
+            m_out << " from " << path(owner) << ':' << quoted(link->getController()->getName());
+        }
+        m_out << '\n';
+    }
+
+    void writeSkeleton(const RySkeleton &skeleton)
+    {
+        if (skeleton.getFollowTarget())
+            m_out << "  follows " << path(skeleton.getFollowTarget()) << '\n';
+        if (skeleton.drawsGLBones())
+            m_out << "  draws bones\n";
+        if (const RySelectionMap *map = skeleton.getSelectionMap()) {
+            for (int i = 0; i < map->getNumPairs(); ++i)
+                m_out << "  pair " << quoted(map->getPairGroup(i)) << ' ' << path(map->getPairNode(i)) << '\n';
+        }
+    }
+
+    void writeObject(const RyObject &object)
+    {
+        m_out << "  object " << quoted(object.getName()) << '\n';
+        for (const RyShape *shape : object.getShapes()) {
+            m_out << "  shape " << shape->metaObject()->className()
+                  << (shape == object.getCurrentShape() ? " current\n" : "\n");
+            const auto *facets = qobject_cast<const RyFacetShape *>(shape);
+            if (facets && facets->getFacetMesh())
+                writeMesh(*facets->getFacetMesh());
+        }
+        for (RyModifier *modifier : object.getModifiers()) {
+            m_out << "  modifier " << modifier->metaObject()->className() << '\n';
+            if (const auto *skin = dynamic_cast<const RySkinBinding *>(modifier)) {
+                for (const RyBoneBinding *binding : skin->bindings())
+                    writeBinding(*binding);
+            }
+        }
+    }
+
+    void writeMesh(const RyFacetMesh &mesh)
+    {
+        Hash positions;
+        double sum[3] = {0, 0, 0};
+        for (const RyVec3 &p : mesh.getPositions()) {
+            for (int axis = 0; axis < 3; ++axis) {
+                positions.add(p[axis] == 0.0f ? 0.0f : p[axis]);
+                sum[axis] += double(p[axis]);
+            }
+        }
+        Hash facets;
+        for (const RyFacet &facet : mesh.getFacets()) {
+            for (const int vertex : facet.vertices)
+                facets.add(vertex);
+        }
+        m_out << "    vertices " << mesh.getNumVertices() << " sum " << number(sum[0]) << ' ' << number(sum[1]) << ' '
+              << number(sum[2]) << " hash " << positions.text() << '\n';
+        m_out << "    facets " << mesh.getNumFacets() << " hash " << facets.text() << '\n';
+        for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
+            const RyFaceGroup &group = *mesh.getFaceGroup(g);
+            Hash members;
+            for (int i = 0; i < group.getFacets().count(); ++i)
+                members.add(group.getFacets().getIndex(i));
+            m_out << "    group " << quoted(group.getName()) << ' ' << group.getFacets().count() << " hash "
+                  << members.text() << '\n';
+        }
+    }
+
+    void writeMap(const char *kind, const RyWeightMap *map)
+    {
+        if (!map)
+            return;
+        Hash hash;
+        quint64 sum = 0;
+        for (int i = 0; i < map->getNumAffected(); ++i) {
+            hash.add(map->getAffectedIndices()[i]);
+            hash.add(map->getAffectedWeights()[i]);
+            sum += map->getAffectedWeights()[i];
+        }
+        m_out << ' ' << kind << ' ' << map->getNumAffected() << " of " << map->getNumWeights() << " sum " << sum
+              << " hash " << hash.text();
+    }
+
+    void writeBinding(const RyBoneBinding &binding)
+    {
+        m_out << "    binding " << path(binding.getBone());
+        writeMap("general", binding.getWeights());
+        for (int axis = 0; axis < 3; ++axis)
+            writeMap(axis == 0 ? "x" : axis == 1 ? "y" : "z", binding.getLocalWeights(axis));
+        writeMap("scale", binding.getScaleWeights());
+        for (int axis = 0; axis < 3; ++axis) {
+            const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
+            if (!bulge)
+                continue;
+            m_out << " bulge " << axis;
+            for (const float value : bulge->getBulgeValues())
+                m_out << ' ' << number(value);
+            writeMap("left", bulge->getLeftWeights());
+            writeMap("right", bulge->getRightWeights());
+        }
+        m_out << '\n';
+    }
+
+    const RyScene &m_scene;
+    QString m_text;
+    QTextStream m_out;
+};
+
+} // namespace
+
+QString rySceneDump(const RyScene &scene)
+{
+    return Dump(scene).text();
+}

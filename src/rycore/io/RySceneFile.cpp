@@ -1,0 +1,148 @@
+#include "rycore/io/RySceneFile.h"
+
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/io/RySafeFile.h"
+#include "rycore/io/gltf/RyGltfSceneExporter.h"
+#include "rycore/io/gltf/RyGltfSceneReader.h"
+#include "rycore/io/gltf/RyGltfSceneWriter.h"
+#include "rycore/io/obj/RyObjSceneDocument.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackLock.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+QString endingOf(const QString &path)
+{
+    return QFileInfo(path).suffix().toLower();
+}
+
+bool refuse(QString *error, const QString &message)
+{
+    if (error)
+        *error = message;
+    return false;
+}
+
+void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneDocument> document,
+                  bool merge)
+{
+    if (!merge) {
+        RyUndoStackLock lock;
+        ryUndoStack()->clearAll();
+        scene->clear();
+    }
+    for (const RyRef<RyNode> &top : tops) {
+        if (merge)
+            top->setName(RyScene::getUniqueTopLevelName(top->getName()));
+        scene->addNode(top.get());
+    }
+    if (!merge || !scene->getDocument())
+        scene->setDocument(std::move(document));
+    if (!merge)
+        ryUndoStack()->setClean();
+}
+
+} // namespace
+
+QStringList RySceneFile::readableEndings()
+{
+    return {QStringLiteral("glb"), QStringLiteral("gltf"), QStringLiteral("obj")};
+}
+
+QStringList RySceneFile::writableEndings()
+{
+    return {QStringLiteral("glb"), QStringLiteral("gltf"), QStringLiteral("obj")};
+}
+
+bool RySceneFile::open(RyScene *scene, const QString &path, QString *error, QStringList *messages)
+{
+    return open(scene, path, Options(), error, messages);
+}
+
+bool RySceneFile::open(RyScene *scene, const QString &path, const Options &options, QString *error,
+                       QStringList *messages)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return refuse(error, QStringLiteral("%1: there is no such file").arg(path));
+    if (info.isDir())
+        return refuse(error, QStringLiteral("%1: this is a folder").arg(path));
+    if (!readableEndings().contains(endingOf(path))) {
+        return refuse(error, QStringLiteral("%1: files of this kind cannot be read; the program opens %2")
+                                 .arg(path, readableEndings().join(QStringLiteral(", "))));
+    }
+    if (endingOf(path) == QLatin1String("obj")) {
+        std::vector<RyRef<RyNode>> tops;
+        std::unique_ptr<RyObjSceneDocument> document;
+        {
+            RyUndoStackLock lock;
+            document = RyObjSceneDocument::read(path, options.unit, &tops, error, messages);
+        }
+        if (!document)
+            return false;
+        putIntoScene(scene, tops, std::move(document), options.merge);
+        return true;
+    }
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::read(path, error, messages);
+    if (!document)
+        return false;
+    std::vector<RyRef<RyNode>> tops;
+    std::unique_ptr<RyGltfSceneDocument> sceneDocument;
+    {
+        RyUndoStackLock lock;
+        RyGltfSceneReader reader(std::move(document), path, options.unit);
+        reader.build(messages);
+        tops = reader.topLevelNodes();
+        sceneDocument = reader.takeDocument();
+    }
+    if (tops.empty())
+        return refuse(error, QStringLiteral("%1: the file holds neither joints nor meshes").arg(path));
+    putIntoScene(scene, tops, std::move(sceneDocument), options.merge);
+    return true;
+}
+
+bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStringList *messages)
+{
+    const QString ending = endingOf(path);
+    if (!writableEndings().contains(ending)) {
+        return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")
+                                 .arg(path, writableEndings().join(QStringLiteral(", "))));
+    }
+    if (ending == QLatin1String("obj")) {
+        if (!RyObjSceneDocument::save(*scene, path, error, messages))
+            return false;
+        ryUndoStack()->setClean();
+        return true;
+    }
+    const auto *source = dynamic_cast<const RyGltfSceneDocument *>(scene->getDocument());
+    if (!source) {
+        if (!saveWithoutSource(scene, path, error))
+            return false;
+        ryUndoStack()->setClean();
+        return true;
+    }
+    const std::unique_ptr<RyGltfDocument> document = RyGltfSceneWriter(*source).patch(*scene, messages);
+    // Nodes that the file does not know: merged files, new props.
+    RyGltfSceneExporter exporter(*document, source->unitFactor());
+    for (const RyNode *top : scene->getTopLevelNodes()) {
+        if (!source->findSource(top) && !source->findFigureSource(top))
+            exporter.addTree(*top);
+    }
+    if (!document->write(path, error))
+        return false;
+    ryUndoStack()->setClean();
+    return true;
+}
+
+bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error)
+{
+    const double unit = scene->getDocument() ? scene->getDocument()->unitFactor() : 100.0;
+    if (scene->getTopLevelNodes().empty())
+        return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
+    return RyGltfSceneExporter::exportScene(*scene, unit)->write(path, error);
+}

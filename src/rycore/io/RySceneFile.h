@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+class RyScene;
+
+/// Opens and saves scenes; the format goes by the ending: .glb, .gltf, .obj.
+class RySceneFile
+{
+public:
+    struct Options
+    {
+        double unit = 0.0;  ///< centimetres per file unit; 0: found from the file
+        bool merge = false; ///< add to the scene instead of replacing it
+    };
+
+    /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names the file
+    /// and the reason. A scene that was replaced starts with an empty undo history.
+    static bool open(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
+    static bool open(RyScene *scene, const QString &path, const Options &options, QString *error,
+                     QStringList *messages = nullptr);
+    /// Safe: the old file stays when anything fails. Marks the undo stack clean.
+    static bool save(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
+    /// As a new glTF file from the scene alone, without what the file it came from held besides.
+    static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error);
+
+    static QStringList readableEndings();
+    static QStringList writableEndings();
+};

@@ -1,0 +1,12 @@
+#include "rycore/io/RyUnitFactor.h"
+
+#include <cmath>
+
+double ryUnitFactor(double nominal, double height)
+{
+    const double centimetres = nominal * height;
+    if (!(height > 0.0) || !std::isfinite(centimetres) || (centimetres >= 54.0 && centimetres <= 540.0))
+        return nominal;
+    const double power = std::round(std::log10(170.0 / height));
+    return std::pow(10.0, power);
+}

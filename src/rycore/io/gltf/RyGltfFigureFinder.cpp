@@ -1,0 +1,125 @@
+#include "rycore/io/gltf/RyGltfFigureFinder.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+
+std::vector<int> ryGltfPreOrder(const RyGltfModel &model)
+{
+    std::vector<int> order;
+    order.reserve(model.nodes.size());
+    std::vector<bool> seen(model.nodes.size(), false);
+    const auto visit = [&](int root) {
+        std::vector<int> pending{root};
+        while (!pending.empty()) {
+            const int node = pending.back();
+            pending.pop_back();
+            if (seen[size_t(node)])
+                continue;
+            seen[size_t(node)] = true;
+            order.push_back(node);
+            const std::vector<int> &children = model.nodes[size_t(node)].children;
+            pending.insert(pending.end(), children.rbegin(), children.rend());
+        }
+    };
+    for (const int root : model.sceneRoots)
+        visit(root);
+    for (size_t node = 0; node < model.nodes.size(); ++node) {
+        if (model.nodes[node].parent < 0)
+            visit(int(node));
+    }
+    return order;
+}
+
+std::vector<RyAffine> ryGltfWorldMaps(const RyGltfModel &model, const std::vector<int> &preOrder)
+{
+    std::vector<RyAffine> maps(model.nodes.size());
+    for (const int index : preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(index)];
+        maps[size_t(index)] = node.transform.toAffine();
+        if (node.parent >= 0)
+            maps[size_t(index)] = maps[size_t(index)] * maps[size_t(node.parent)];
+    }
+    return maps;
+}
+
+namespace {
+
+class DisjointSets
+{
+public:
+    explicit DisjointSets(size_t count) : m_above(count) { std::iota(m_above.begin(), m_above.end(), 0); }
+    int find(int item)
+    {
+        while (m_above[size_t(item)] != item) {
+            m_above[size_t(item)] = m_above[size_t(m_above[size_t(item)])];
+            item = m_above[size_t(item)];
+        }
+        return item;
+    }
+    void unite(int a, int b) { m_above[size_t(find(a))] = find(b); }
+
+private:
+    std::vector<int> m_above;
+};
+
+} // namespace
+
+std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder)
+{
+    const size_t count = model.nodes.size();
+    std::vector<bool> isJoint(count, false);
+    std::vector<bool> isBone(count, false);
+    DisjointSets sets(count);
+    for (const RyGltfSkin &skin : model.skins) {
+        for (const int joint : skin.joints) {
+            isJoint[size_t(joint)] = isBone[size_t(joint)] = true;
+            sets.unite(joint, skin.joints.front());
+        }
+    }
+    // The nearest joint above each node, in one walk down.
+    std::vector<int> jointAbove(count, -1);
+    for (const int node : preOrder) {
+        const int parent = model.nodes[size_t(node)].parent;
+        if (parent >= 0)
+            jointAbove[size_t(node)] = isJoint[size_t(parent)] ? parent : jointAbove[size_t(parent)];
+        if (!isJoint[size_t(node)] || jointAbove[size_t(node)] < 0)
+            continue;
+        sets.unite(node, jointAbove[size_t(node)]);
+        for (int between = parent; between >= 0 && !isBone[size_t(between)];
+             between = model.nodes[size_t(between)].parent) {
+            isBone[size_t(between)] = true;
+            sets.unite(between, node);
+        }
+    }
+
+    std::vector<RyGltfJointSet> result;
+    std::map<int, size_t> setOfRoot;
+    std::vector<int> placeInSet(count, -1);
+    for (const int node : preOrder) {
+        if (!isBone[size_t(node)])
+            continue;
+        const auto [entry, isNew] = setOfRoot.try_emplace(sets.find(node), result.size());
+        if (isNew)
+            result.emplace_back();
+        RyGltfJointSet &set = result[entry->second];
+        placeInSet[size_t(node)] = int(set.bones.size());
+        set.bones.push_back(node);
+        const int parent = model.nodes[size_t(node)].parent;
+        set.parents.push_back(parent >= 0 && isBone[size_t(parent)] ? placeInSet[size_t(parent)] : -1);
+    }
+    std::vector<std::pair<int, int>> skinOrder; // topmost joint's place, skin
+    for (size_t skin = 0; skin < model.skins.size(); ++skin) {
+        int top = int(count);
+        for (const int joint : model.skins[skin].joints)
+            top = std::min(top, placeInSet[size_t(joint)]);
+        if (!model.skins[skin].joints.empty())
+            skinOrder.emplace_back(top, int(skin));
+    }
+    std::sort(skinOrder.begin(), skinOrder.end());
+    for (const auto &[top, skin] : skinOrder) {
+        const int joint = model.skins[size_t(skin)].joints.front();
+        result[setOfRoot.at(sets.find(joint))].skins.push_back(skin);
+    }
+    return result;
+}

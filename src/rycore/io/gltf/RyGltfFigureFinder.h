@@ -1,0 +1,20 @@
+#pragma once
+
+#include "rycore/io/gltf/RyGltfModel.h"
+
+#include <vector>
+
+/// A connected set of joints: skins that share a joint, or whose joints stand above one another, belong together. Nodes
+/// on the way between two joints of the set are bones too.
+struct RyGltfJointSet
+{
+    std::vector<int> bones;   ///< node indices, pre-order of the file
+    std::vector<int> parents; ///< in step: index into `bones`, -1 for a root
+    std::vector<int> skins;   ///< in order of their topmost joint
+};
+
+/// Node indices in pre-order, roots of the scene first, then whatever hangs elsewhere.
+std::vector<int> ryGltfPreOrder(const RyGltfModel &model);
+/// Every node's world map in file units.
+std::vector<RyAffine> ryGltfWorldMaps(const RyGltfModel &model, const std::vector<int> &preOrder);
+std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder);

@@ -1,0 +1,258 @@
+#include "rycore/io/gltf/RyGltfSceneExporter.h"
+
+#include "rycore/io/gltf/RyGltfSceneWriter.h"
+#include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+
+namespace {
+
+RyAffine scaleBy(double factor)
+{
+    return RyAffine::fromScale(factor, factor, factor);
+}
+
+const RyFacetMesh *meshOf(const RyNode &node)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    return shape ? shape->getFacetMesh() : nullptr;
+}
+
+RyGltfTransform transformOf(const RyAffine &local)
+{
+    bool exact = true;
+    const RyGltfTransform transform = ryGltfTransformOf(local, false, &exact);
+    return exact ? transform : ryGltfTransformOf(local, true);
+}
+
+/// The bone's frame: joint space in file units to figure space in centimetres.
+RyAffine bindOf(const RyNode &node, double unit)
+{
+    return scaleBy(unit) * RyAffine::fromRotation(node.getOrientation()) * RyAffine::fromTranslation(node.getOrigin());
+}
+
+/// Influences of every vertex, the bones as places in the list of joints.
+struct Influences
+{
+    std::vector<std::vector<std::pair<int, int>>> ofVertex;
+    size_t most = 0;
+};
+
+Influences influencesOf(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &jointOf)
+{
+    Influences result;
+    result.ofVertex.resize(size_t(vertexCount));
+    for (const RyBoneBinding *binding : skin.bindings()) {
+        const RyWeightMap *map = binding->getWeights();
+        const auto joint = jointOf.find(binding->getBone());
+        if (!map || joint == jointOf.end())
+            continue;
+        const int *vertices = map->getAffectedIndices();
+        const quint16 *weights = map->getAffectedWeights();
+        for (int i = 0; i < map->getNumAffected(); ++i) {
+            if (vertices[i] < vertexCount)
+                result.ofVertex[size_t(vertices[i])].emplace_back(joint->second, int(weights[i]));
+        }
+    }
+    for (auto &influences : result.ofVertex) {
+        std::stable_sort(influences.begin(), influences.end(),
+                         [](const auto &a, const auto &b) { return a.second > b.second; });
+        long long sum = 0;
+        for (const auto &influence : influences)
+            sum += influence.second;
+        if (sum > 0 && sum != 65535) {
+            long long total = 0;
+            for (auto &influence : influences) {
+                influence.second = int((influence.second * 65535LL + sum / 2) / sum);
+                total += influence.second;
+            }
+            influences.front().second += int(65535 - total);
+        }
+        result.most = std::max(result.most, influences.size());
+    }
+    return result;
+}
+
+} // namespace
+
+std::unique_ptr<RyGltfDocument> RyGltfSceneExporter::exportScene(const RyScene &scene, double unit)
+{
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    RyGltfSceneExporter exporter(*document, unit);
+    for (const RyNode *top : scene.getTopLevelNodes())
+        exporter.addTree(*top);
+    exporter.storeExtras();
+    return document;
+}
+
+void RyGltfSceneExporter::addTree(const RyNode &top)
+{
+    if (qobject_cast<const RyCamera *>(&top))
+        return;
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
+    if (skeleton) {
+        // The figure node carries the figure's own transform, its joints stand in figure space.
+        const RyAffine own = scaleBy(m_unit) * top.worldMap() * scaleBy(1.0 / m_unit);
+        const int node = m_document.addNode(top.getName(), transformOf(own), -1);
+        m_nodeOf[&top] = node;
+        for (const RyNode *child : top.nodeChildrenIterator())
+            addNode(*child, node, scaleBy(m_unit));
+        addSkinnedMesh(top);
+    } else {
+        addNode(top, -1, scaleBy(m_unit));
+    }
+}
+
+void RyGltfSceneExporter::addNode(const RyNode &root, int rootParent, const RyAffine &rootParentBind)
+{
+    struct Pending
+    {
+        const RyNode *node;
+        int parent;
+        RyAffine parentBind;
+    };
+    std::vector<Pending> pending{{&root, rootParent, rootParentBind}};
+    while (!pending.empty()) {
+        const Pending next = pending.back();
+        pending.pop_back();
+        const RyAffine bind = bindOf(*next.node, m_unit);
+        const RyAffine localPose = next.node->getNodeParent() && !next.node->inheritsScale()
+                                       ? next.node->figureMap() * next.node->getNodeParent()->figureMap().inverse()
+                                       : next.node->getLocalMap();
+        const int index = m_document.addNode(next.node->getName(),
+                                             transformOf(bind * localPose * next.parentBind.inverse()), next.parent);
+        m_nodeOf[next.node] = index;
+        if (meshOf(*next.node))
+            addMeshOf(*next.node, index, bind);
+        const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
+        for (auto child = children.rbegin(); child != children.rend(); ++child)
+            pending.push_back({*child, index, bind});
+    }
+}
+
+int RyGltfSceneExporter::addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals)
+{
+    std::vector<float> points, directions;
+    const std::vector<RyVec3> smooth = mesh.computeNormals(mesh.getPositions());
+    RyAffine stretch;
+    RyQuat turn;
+    toMesh.decomposePolar(stretch, turn);
+    for (int v = 0; v < mesh.getNumVertices(); ++v) {
+        const RyVec3 p = mesh.getVertex(v);
+        const double from[3] = {p.x, p.y, p.z};
+        double at[3];
+        toMesh.mapPoint(from, at);
+        RyVec3 normal = turn.multVec(smooth[size_t(v)]).normalized();
+        if (normal == RyVec3())
+            normal = RyVec3(0, 1, 0);
+        for (int axis = 0; axis < 3; ++axis) {
+            points.push_back(float(at[axis]));
+            directions.push_back(normal[axis]);
+        }
+    }
+    *normals = m_document.addFloatAccessor(directions, 3, 34962);
+    return m_document.addFloatAccessor(points, 3, 34962, true);
+}
+
+int RyGltfSceneExporter::addTriangles(const RyFacetMesh &mesh)
+{
+    std::vector<std::uint32_t> indices;
+    for (const RyFacet &facet : mesh.getFacets()) {
+        for (int corner = 1; corner + 1 < facet.count(); ++corner) {
+            for (const int vertex : {facet.vertices[0], facet.vertices[corner], facet.vertices[corner + 1]})
+                indices.push_back(std::uint32_t(vertex));
+        }
+    }
+    return m_document.addUintAccessor(indices, 1, 5125, 34963);
+}
+
+void RyGltfSceneExporter::addMeshOf(const RyNode &node, int fileNode, const RyAffine &frame)
+{
+    const RyFacetMesh &mesh = *meshOf(node);
+    if (mesh.getNumVertices() == 0 || mesh.getNumFacets() == 0)
+        return;
+    int normals = -1;
+    const int positions = addPositions(mesh, frame.inverse(), &normals);
+    const int index = m_document.addMesh(node.getName());
+    m_document.addPrimitive(index, {{"POSITION", positions}, {"NORMAL", normals}}, addTriangles(mesh), -1);
+    m_document.setNodeMeshAndSkin(fileNode, index, -1);
+    m_figures.push_back(&node);
+}
+
+void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
+{
+    const auto &skeleton = static_cast<const RySkeleton &>(skeletonNode);
+    const RyFacetMesh *mesh = meshOf(skeleton);
+    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    m_figures.push_back(&skeletonNode);
+    if (bones.empty())
+        return;
+    std::vector<int> joints;
+    std::map<const RyNode *, int> jointOf;
+    std::vector<float> inverseBinds;
+    for (const RyBone *bone : bones) {
+        jointOf[bone] = int(joints.size());
+        joints.push_back(m_nodeOf.at(bone));
+        const RyAffine inverse = scaleBy(m_unit) * bindOf(*bone, m_unit).inverse();
+        for (int row = 0; row < 4; ++row) {
+            for (int column = 0; column < 3; ++column)
+                inverseBinds.push_back(float(inverse.m[row][column]));
+            inverseBinds.push_back(row == 3 ? 1.0f : 0.0f);
+        }
+    }
+    const int skin = m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
+    const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
+    if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
+        return;
+
+    int normals = -1;
+    const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
+    std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
+    Influences influences;
+    influences.ofVertex.resize(size_t(mesh->getNumVertices()));
+    if (binding)
+        influences = influencesOf(*binding, mesh->getNumVertices(), jointOf);
+    const size_t sets = std::max<size_t>(1, (influences.most + 3) / 4);
+    for (size_t set = 0; set < sets; ++set) {
+        std::vector<std::uint32_t> jointNumbers, weights;
+        for (const auto &ofVertex : influences.ofVertex) {
+            for (size_t i = 4 * set; i < 4 * set + 4; ++i) {
+                // A vertex that nothing moves is held by the first joint where a file must name one.
+                const bool held = ofVertex.empty() && i == 0;
+                jointNumbers.push_back(i < ofVertex.size() ? std::uint32_t(ofVertex[i].first) : 0u);
+                weights.push_back(i < ofVertex.size() ? std::uint32_t(ofVertex[i].second) : held ? 65535u : 0u);
+            }
+        }
+        attributes.emplace_back("JOINTS_" + std::to_string(set), m_document.addUintAccessor(jointNumbers, 4, 5123, 34962));
+        attributes.emplace_back("WEIGHTS_" + std::to_string(set),
+                                m_document.addUintAccessor(weights, 4, 5123, 34962, true));
+    }
+    const int meshIndex = m_document.addMesh(skeleton.getName());
+    m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
+    const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
+    m_document.setNodeMeshAndSkin(node, meshIndex, skin);
+}
+
+void RyGltfSceneExporter::storeExtras()
+{
+    std::vector<int> indices;
+    std::vector<const RyNode *> nodes;
+    for (const auto &[node, index] : m_nodeOf) {
+        if (!qobject_cast<const RySkeleton *>(node))
+            RyRiggingExtras::storeNode(m_document, index, *node);
+        indices.push_back(index);
+        nodes.push_back(node);
+    }
+    std::stable_partition(m_figures.begin(), m_figures.end(),
+                          [](const RyNode *node) { return qobject_cast<const RySkeleton *>(node) != nullptr; });
+    RyRiggingExtras::storeFile(m_document, m_unit, m_figures, indices, nodes);
+}

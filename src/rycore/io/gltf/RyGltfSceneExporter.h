@@ -1,0 +1,40 @@
+#pragma once
+
+#include "rycore/io/gltf/RyGltfDocument.h"
+
+#include <QStringList>
+
+#include <map>
+#include <vector>
+
+class RyFacetMesh;
+class RyNode;
+class RyScene;
+
+/// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and meshes:
+/// figure space becomes mesh space, all influences are written, 16-bit weights sum to exactly 65535.
+class RyGltfSceneExporter
+{
+public:
+    /// Appends to `document`. `unit`: centimetres per file unit.
+    RyGltfSceneExporter(RyGltfDocument &document, double unit) : m_document(document), m_unit(unit) {}
+
+    /// A top-level node with everything below it.
+    void addTree(const RyNode &top);
+    /// Stores end points, orders, groups and the like in the file's extras; call once at the end.
+    void storeExtras();
+
+    static std::unique_ptr<RyGltfDocument> exportScene(const RyScene &scene, double unit);
+
+private:
+    void addNode(const RyNode &node, int parent, const class RyAffine &parentBind);
+    void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
+    void addSkinnedMesh(const RyNode &skeleton);
+    int addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals);
+    int addTriangles(const RyFacetMesh &mesh);
+
+    RyGltfDocument &m_document;
+    double m_unit;
+    std::map<const RyNode *, int> m_nodeOf;
+    std::vector<const RyNode *> m_figures;
+};

@@ -1,0 +1,549 @@
+#include "rycore/io/gltf/RyGltfSceneReader.h"
+
+#include "rycore/figure/RyFigure.h"
+#include "rycore/io/RyEndPointGuess.h"
+#include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <QFileInfo>
+#include <QImage>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace {
+
+RyAffine scaleBy(double factor)
+{
+    return RyAffine::fromScale(factor, factor, factor);
+}
+
+float heightOf(const std::vector<RyVec3> &positions)
+{
+    RyBox3 box;
+    for (const RyVec3 &p : positions)
+        box.include(p);
+    const RyVec3 extents = box.getExtents();
+    const float largest = std::max({extents.x, extents.y, extents.z});
+    return extents.y > 0.01f * largest ? extents.y : largest;
+}
+
+} // namespace
+
+RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
+    : m_scene(std::make_unique<RyGltfSceneDocument>())
+{
+    m_scene->document = std::move(document);
+    m_scene->filePath = path;
+    m_scene->unit = unit;
+}
+
+RyGltfSceneReader::~RyGltfSceneReader() = default;
+
+void RyGltfSceneReader::say(const QString &message)
+{
+    if (m_messages)
+        m_messages->append(message);
+}
+
+void RyGltfSceneReader::build(QStringList *messages)
+{
+    m_messages = messages;
+    const RyGltfModel &model = m_scene->document->model();
+    m_scene->unitWasChosen = m_scene->unit > 0.0;
+    m_preOrder = ryGltfPreOrder(model);
+    m_worldMaps = ryGltfWorldMaps(model, m_preOrder);
+    m_sceneNodeOf.assign(model.nodes.size(), nullptr);
+    for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder)) {
+        Figure figure;
+        figure.rest = ryGltfFindRest(*m_scene->document, set, m_worldMaps);
+        figure.joints = std::move(set);
+        m_figures.push_back(std::move(figure));
+    }
+    if (!(m_scene->unit > 0.0))
+        m_scene->unit = RyRiggingExtras::storedUnit(*m_scene->document);
+    if (!(m_scene->unit > 0.0))
+        m_scene->unit = findUnit();
+    for (Figure &figure : m_figures)
+        buildFigure(figure);
+    for (Figure &figure : m_figures)
+        m_scene->figures.push_back(std::move(figure.source));
+    buildProps();
+}
+
+double RyGltfSceneReader::findUnit() const
+{
+    const RyGltfModel &model = m_scene->document->model();
+    double largest = 0.0;
+    for (const Figure &figure : m_figures) {
+        double low[3] = {1e300, 1e300, 1e300};
+        double high[3] = {-1e300, -1e300, -1e300};
+        std::map<int, RyAffine> toFigure;
+        for (size_t s = 0; s < figure.joints.skins.size(); ++s)
+            toFigure[figure.joints.skins[s]] = figure.rest.toFigure[s];
+        for (const RyGltfNode &node : model.nodes) {
+            const auto map = toFigure.find(node.skin);
+            if (node.mesh < 0 || map == toFigure.end())
+                continue;
+            for (const RyGltfPrimitive &primitive : model.meshes[size_t(node.mesh)].primitives) {
+                if (primitive.positions < 0)
+                    continue;
+                const std::vector<float> values = m_scene->document->readFloats(primitive.positions);
+                for (size_t i = 0; i + 2 < values.size(); i += 3) {
+                    const double from[3] = {values[i], values[i + 1], values[i + 2]};
+                    double at[3];
+                    map->second.mapPoint(from, at);
+                    for (int axis = 0; axis < 3; ++axis) {
+                        low[axis] = std::min(low[axis], at[axis]);
+                        high[axis] = std::max(high[axis], at[axis]);
+                    }
+                }
+            }
+        }
+        const double extent = std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]});
+        if (extent > 0.0)
+            largest = std::max(largest, high[1] - low[1] > 0.01 * extent ? high[1] - low[1] : extent);
+    }
+    return ryUnitFactor(100.0, largest);
+}
+
+// --- Figures
+
+void RyGltfSceneReader::buildFigure(Figure &figure)
+{
+    const RyGltfModel &model = m_scene->document->model();
+    if (figure.rest.rebound) {
+        say(QStringLiteral("%1: the rest of these joints is taken from their nodes, and the mesh was brought there")
+                .arg(figure.rest.reason));
+    }
+    figure.figure = new RyFigure;
+    figure.figure->setName(uniqueName(figureName(figure), m_topNames));
+    figure.source.sceneNode = figure.figure;
+    m_tops.emplace_back(figure.figure);
+
+    QSet<QString> names;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i) {
+        const int node = figure.joints.bones[i];
+        const QString &fileName = model.nodes[size_t(node)].name;
+        auto *bone = new RyBone;
+        bone->setName(uniqueName(fileName.isEmpty() ? QStringLiteral("joint%1").arg(node) : fileName, names));
+        const int parent = figure.joints.parents[i];
+        RyNode *above = parent < 0 ? static_cast<RyNode *>(figure.figure) : figure.bones[size_t(parent)];
+        above->addNodeChild(bone);
+        figure.bones.push_back(bone);
+        m_sceneNodeOf[size_t(node)] = bone;
+    }
+    buildMesh(figure);
+    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->takeBoneWeights(int(figure.bones.size()));
+    placeBones(figure, weights);
+    attachMesh(figure, std::move(weights));
+    figure.source.loaded = RyNodeValues::of(*figure.figure);
+}
+
+void RyGltfSceneReader::buildMesh(Figure &figure)
+{
+    const RyGltfModel &model = m_scene->document->model();
+    figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_scene->document);
+    std::map<int, int> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = int(i);
+    std::map<int, size_t> skinPlace;
+    std::vector<std::vector<int>> bonesOfJoints;
+    for (size_t s = 0; s < figure.joints.skins.size(); ++s) {
+        const int skin = figure.joints.skins[s];
+        skinPlace[skin] = s;
+        bonesOfJoints.emplace_back();
+        for (const int joint : model.skins[size_t(skin)].joints)
+            bonesOfJoints.back().push_back(boneOfNode.at(joint));
+        figure.source.skins.push_back(
+            {skin, figure.rest.toFigure[s] * scaleBy(m_scene->unit), figure.rest.rebound});
+    }
+    for (const int nodeIndex : m_preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(nodeIndex)];
+        const auto skin = skinPlace.find(node.skin);
+        if (node.mesh < 0 || skin == skinPlace.end())
+            continue;
+        const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
+        for (size_t p = 0; p < primitives.size(); ++p) {
+            figure.mesh->addPart(node.mesh, int(p), partName(node.mesh, int(p)), bonesOfJoints[skin->second],
+                                 figure.source.skins[skin->second].toFigure, int(skin->second));
+            figure.source.parts.push_back({nodeIndex, node.mesh, int(p), node.skin});
+        }
+    }
+    if (figure.mesh->droppedInfluences > 0)
+        say(QStringLiteral("%1 influences that name no joint or are no positive numbers were left out")
+                .arg(figure.mesh->droppedInfluences));
+    if (figure.rest.rebound)
+        bringToNodePose(figure);
+}
+
+void RyGltfSceneReader::bringToNodePose(Figure &figure)
+{
+    // The file's own skinning, once: mesh space to the node pose. A vertex belongs to the parts of one skin.
+    const RyGltfModel &model = m_scene->document->model();
+    std::map<int, size_t> skinPlace;
+    for (size_t s = 0; s < figure.joints.skins.size(); ++s)
+        skinPlace[figure.joints.skins[s]] = s;
+    std::map<int, int> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = int(i);
+    std::vector<RyVec3> &positions = figure.mesh->positions;
+    std::vector<int> skinOfVertex(positions.size(), -1);
+    for (size_t p = 0; p < figure.source.parts.size(); ++p) {
+        for (const int vertex : figure.mesh->parts.parts[p].vertexOfSplit)
+            skinOfVertex[size_t(vertex)] = int(skinPlace.at(figure.source.parts[p].skin));
+    }
+    std::vector<std::vector<RyAffine>> matrices(figure.joints.skins.size());
+    for (size_t s = 0; s < matrices.size(); ++s) {
+        matrices[s].resize(figure.bones.size());
+        const RyGltfSkin &skin = model.skins[size_t(figure.joints.skins[s])];
+        const RyAffine meshUnit = figure.source.skins[s].toFigure.inverse(); // positions already carry the unit
+        for (size_t j = 0; j < skin.joints.size(); ++j) {
+            matrices[s][size_t(boneOfNode.at(skin.joints[j]))] = meshUnit * figure.rest.inverseBinds[s][j] *
+                                                                 m_worldMaps[size_t(skin.joints[j])] *
+                                                                 scaleBy(m_scene->unit);
+        }
+    }
+    std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
+    const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->takeBoneWeights(int(figure.bones.size()));
+    for (size_t bone = 0; bone < weights.size(); ++bone) {
+        for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
+            const size_t vertex = size_t(weights[bone].vertices[i]);
+            const double weight = weights[bone].weights[i] / 65535.0;
+            const double from[3] = {positions[vertex].x, positions[vertex].y, positions[vertex].z};
+            double at[3];
+            matrices[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);
+            for (size_t axis = 0; axis < 3; ++axis)
+                sums[vertex][axis] += weight * at[axis];
+            sums[vertex][3] += weight;
+        }
+    }
+    for (size_t vertex = 0; vertex < positions.size(); ++vertex) {
+        const std::array<double, 4> &sum = sums[vertex];
+        if (sum[3] > 0.0)
+            positions[vertex] = {float(sum[0] / sum[3]), float(sum[1] / sum[3]), float(sum[2] / sum[3])};
+    }
+}
+
+void RyGltfSceneReader::placeBones(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights)
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const size_t count = figure.bones.size();
+    const double unit = m_scene->unit;
+    float height = heightOf(figure.mesh->positions);
+
+    std::vector<RyEndPointBone> bones(count);
+    std::vector<RyGltfNodeSource> sources(count);
+    RyBox3 joints;
+    for (size_t i = 0; i < count; ++i) {
+        RyGltfNodeSource &source = sources[i];
+        source.node = figure.joints.bones[i];
+        source.sceneNode = figure.bones[i];
+        source.isBone = true;
+        source.bind = figure.rest.bind[i] * scaleBy(unit);
+        source.localPose = scaleBy(1.0 / unit) * figure.rest.localPose[i] * scaleBy(unit);
+        bones[i].parent = figure.joints.parents[i];
+        bones[i].origin = source.bind.translation();
+        source.bind.decomposePolar(source.stretch, bones[i].orientation);
+        joints.include(bones[i].origin);
+    }
+    if (!(height > 0.0f))
+        height = std::max(joints.getSize(), 1.0f);
+
+    // Vertices that follow each bone more than any other.
+    std::vector<int> strongest(figure.mesh->positions.size(), -1);
+    std::vector<quint16> strongestWeight(figure.mesh->positions.size(), 0);
+    for (size_t bone = 0; bone < count; ++bone) {
+        for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
+            const size_t vertex = size_t(weights[bone].vertices[i]);
+            if (weights[bone].weights[i] > strongestWeight[vertex]) {
+                strongestWeight[vertex] = weights[bone].weights[i];
+                strongest[vertex] = int(bone);
+            }
+        }
+    }
+    for (size_t vertex = 0; vertex < strongest.size(); ++vertex) {
+        if (strongest[vertex] >= 0)
+            bones[size_t(strongest[vertex])].vertices.push_back(int(vertex));
+    }
+    for (size_t i = 0; i < count; ++i) {
+        for (const int child : model.nodes[size_t(sources[i].node)].children) {
+            const RyGltfNode &node = model.nodes[size_t(child)];
+            const QString &name = node.name;
+            if (name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||
+                name.endsWith(QLatin1String("End Site"))) {
+                bones[i].hasEndMarker = true;
+                bones[i].endMarker = (node.transform.toAffine() * sources[i].bind).translation();
+            }
+        }
+    }
+    const std::vector<RyVec3> ends = ryGuessEndPoints(bones, figure.mesh->positions, height);
+    for (size_t i = 0; i < count; ++i) {
+        RyBone *bone = figure.bones[i];
+        bone->setOrigin(bones[i].origin, true);
+        bone->setOrientation(bones[i].orientation, true);
+        bone->setEndPoint(ends[i], true);
+        // The bone turns first about the axis that runs along it.
+        const RyVec3 along = bones[i].orientation.inverse().multVec(ends[i] - bones[i].origin);
+        int first = 0;
+        for (int axis = 1; axis < 3; ++axis) {
+            if (std::abs(along[axis]) > std::abs(along[first]))
+                first = axis;
+        }
+        bone->setRotationOrder(RyRotationOrder::fromAxes(first, (first + 1) % 3, (first + 2) % 3));
+        RyRiggingExtras::applyToNode(*m_scene->document, sources[i].node, unit, 1e-4f * height, *bone, m_messages);
+        setPose(sources[i], height);
+        sources[i].loaded = RyNodeValues::of(*bone);
+    }
+    std::move(sources.begin(), sources.end(), std::back_inserter(m_scene->nodes));
+}
+
+void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
+{
+    RyNode *node = source.sceneNode;
+    const RyVec3 origin = node->getOrigin();
+    const double from[3] = {origin.x, origin.y, origin.z};
+    double at[3];
+    source.localPose.mapPoint(from, at);
+    RyAffine stretch;
+    RyQuat rotation;
+    source.localPose.decomposePolar(stretch, rotation);
+    RyMatrix3 scale;
+    bool unscaled = true;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            scale[i][j] = float(stretch.m[i][j]);
+            unscaled = unscaled && std::abs(stretch.m[i][j] - (i == j ? 1.0 : 0.0)) < 2e-6;
+        }
+    }
+    RyVec3 translation{float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])};
+    // What is only the noise of single precision is no pose.
+    if (translation.length() < 2e-6f * height)
+        translation = RyVec3();
+    if (std::abs(rotation.w) > 1.0f - 1e-12f || RyVec3(rotation.x, rotation.y, rotation.z).length() < 1e-6f)
+        rotation = RyQuat();
+    if (unscaled)
+        scale = RyMatrix3();
+    if (translation == RyVec3() && rotation == RyQuat() && unscaled)
+        return;
+    node->setLocalTransform(translation, rotation, scale, 1.0f);
+
+    RyVec3 position;
+    RyQuat held;
+    RyMatrix3 heldScale;
+    float general = 1.0f;
+    node->getLocalTransform(position, held, heldScale, general);
+    const RyMatrix3 wanted = scale * RyMatrix3(rotation);
+    const RyMatrix3 got = heldScale * RyMatrix3(held);
+    float worst = 0.0f;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            worst = std::max(worst, std::abs(wanted[i][j] - got[i][j]));
+    }
+    if (worst > 1e-3f) {
+        say(QStringLiteral("The pose of \"%1\" is sheared; the nearest pose without shear is shown, the file's own is kept")
+                .arg(node->getName()));
+    }
+}
+
+void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights)
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const int vertexCount = int(figure.mesh->positions.size());
+    auto *mesh = new RyFacetMesh;
+    mesh->setPositions(std::move(figure.mesh->positions));
+    mesh->setFacets(std::move(figure.mesh->facets));
+    auto parts = std::make_shared<RyMeshParts>(std::move(figure.mesh->parts));
+    fillLooks(*parts);
+    auto *shape = new RyFacetShape(mesh);
+    shape->setParts(parts);
+    auto *object = new RyObject;
+    object->setName(figure.figure->getName());
+    object->addShape(shape);
+    const int number = int(&figure - m_figures.data());
+    if (!RyRiggingExtras::applyFaceGroups(*m_scene->document, number, *mesh, m_messages))
+        addPartGroups(*mesh, *parts);
+
+    std::vector<bool> isJoint(figure.bones.size(), false);
+    std::map<int, size_t> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = i;
+    for (const int skin : figure.joints.skins) {
+        for (const int joint : model.skins[size_t(skin)].joints)
+            isJoint[boneOfNode.at(joint)] = true;
+    }
+    auto *skin = new RySkinBinding;
+    for (size_t i = 0; i < figure.bones.size(); ++i) {
+        if (!isJoint[i])
+            continue;
+        auto *map = new RyWeightMap(figure.bones[i]->getName());
+        map->setAffected(vertexCount, std::move(weights[i].vertices), std::move(weights[i].weights));
+        auto *binding = new RyBoneBinding;
+        binding->setBone(figure.bones[i]);
+        binding->setWeights(map);
+        skin->addBoneBinding(binding);
+    }
+    object->addModifier(skin);
+    figure.figure->setObject(object);
+    figure.source.meshRevision = mesh->revision();
+    figure.source.groupsText = RyRiggingExtras::groupsText(*mesh);
+    RyRiggingExtras::applySelectionMap(*m_scene, number, *figure.figure);
+    figure.source.selectionText = RyRiggingExtras::selectionText(*figure.figure);
+    figure.mesh.reset();
+}
+
+void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)
+{
+    std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
+    std::map<QString, int> groups;
+    for (const RyMeshPart &part : parts.parts) {
+        if (part.facetCount == 0)
+            continue;
+        const auto [group, isNew] = groups.try_emplace(part.name, int(groups.size()));
+        if (isNew)
+            mesh.createFaceGroup(part.name);
+        std::fill_n(groupOfFacet.begin() + part.firstFacet, part.facetCount, group->second);
+    }
+    mesh.setGroupsOfFacets(groupOfFacet);
+}
+
+// --- Props
+
+void RyGltfSceneReader::buildProps()
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const RyAffine unit = scaleBy(m_scene->unit);
+    // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
+    std::vector<bool> wanted(model.nodes.size(), false);
+    for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
+        const RyGltfNode &each = model.nodes[size_t(*node)];
+        if (m_sceneNodeOf[size_t(*node)] || each.skin >= 0)
+            continue;
+        wanted[size_t(*node)] = each.mesh >= 0;
+        for (const int child : each.children)
+            wanted[size_t(*node)] = wanted[size_t(*node)] || (wanted[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
+    }
+    std::map<RyNode *, QSet<QString>> namesBelow;
+    for (const int index : m_preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(index)];
+        if (!wanted[size_t(index)] || m_sceneNodeOf[size_t(index)])
+            continue;
+        RyNode *above = nullptr;
+        for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
+            above = m_sceneNodeOf[size_t(at)];
+        if (node.mesh < 0 && !above)
+            continue; // a plain node above props stays in the file's tree alone
+        const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
+        RyGltfNodeSource source;
+        source.node = index;
+        source.bind = m_worldMaps[size_t(index)] * unit * unposed;
+
+        auto *prop = new RyNode;
+        prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
+                                 above ? namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+        RyQuat orientation;
+        source.bind.decomposePolar(source.stretch, orientation);
+        prop->setOrigin(source.bind.translation(), true);
+        prop->setOrientation(orientation, true);
+        source.sceneNode = prop;
+        m_sceneNodeOf[size_t(index)] = prop;
+        if (above)
+            above->addNodeChild(prop);
+        else
+            m_tops.emplace_back(prop);
+
+        RyVec3 end = prop->getOrigin();
+        if (node.mesh >= 0) {
+            RyGltfMeshBuilder builder(*m_scene->document);
+            RyGltfFigureSource figure;
+            figure.sceneNode = prop;
+            const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
+            for (size_t p = 0; p < primitives.size(); ++p) {
+                builder.addPart(node.mesh, int(p), partName(node.mesh, int(p)), {}, source.bind, 0);
+                figure.parts.push_back({index, node.mesh, int(p), -1});
+            }
+            auto *mesh = new RyFacetMesh;
+            mesh->setPositions(std::move(builder.positions));
+            mesh->setFacets(std::move(builder.facets));
+            auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
+            fillLooks(*parts);
+            if (!RyRiggingExtras::applyFaceGroups(*m_scene->document, int(m_scene->figures.size()), *mesh, m_messages))
+                addPartGroups(*mesh, *parts);
+            auto *shape = new RyFacetShape(mesh);
+            shape->setParts(parts);
+            auto *object = new RyObject;
+            object->setName(prop->getName());
+            object->addShape(shape);
+            prop->setObject(object);
+            end = mesh->getBoundingBox().getCenter();
+            figure.meshRevision = mesh->revision();
+            figure.groupsText = RyRiggingExtras::groupsText(*mesh);
+            m_scene->figures.push_back(std::move(figure));
+        }
+        prop->setEndPoint(end, true);
+        const float size = std::max(1.0f, (end - prop->getOrigin()).length());
+        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, *prop, m_messages);
+        source.loaded = RyNodeValues::of(*prop);
+        m_scene->nodes.push_back(std::move(source));
+    }
+}
+
+// --- Names and looks
+
+QString RyGltfSceneReader::figureName(const Figure &figure) const
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const int above = model.nodes[size_t(figure.joints.bones.front())].parent;
+    if (above >= 0 && !model.nodes[size_t(above)].name.isEmpty())
+        return model.nodes[size_t(above)].name;
+    for (const int skin : figure.joints.skins) {
+        if (!model.skins[size_t(skin)].name.isEmpty())
+            return model.skins[size_t(skin)].name;
+    }
+    const QString base = QFileInfo(m_scene->filePath).completeBaseName();
+    return base.isEmpty() ? QStringLiteral("figure") : base;
+}
+
+QString RyGltfSceneReader::partName(int mesh, int primitive) const
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfMesh &each = model.meshes[size_t(mesh)];
+    QString name = each.name.isEmpty() ? QStringLiteral("mesh%1").arg(mesh) : each.name;
+    const int material = each.primitives[size_t(primitive)].material;
+    if (material >= 0 && each.primitives.size() > 1) {
+        const QString &materialName = model.materials[size_t(material)].name;
+        name += QLatin1Char(' ') + (materialName.isEmpty() ? QStringLiteral("material%1").arg(material) : materialName);
+    }
+    return name;
+}
+
+QString RyGltfSceneReader::uniqueName(const QString &wanted, QSet<QString> &taken) const
+{
+    QString name = wanted;
+    for (int number = 2; taken.contains(name); ++number)
+        name = wanted + QString::number(number);
+    taken.insert(name);
+    return name;
+}
+
+void RyGltfSceneReader::fillLooks(RyMeshParts &parts) const
+{
+    const RyGltfModel &model = m_scene->document->model();
+    for (const RyGltfMaterial &material : model.materials) {
+        RyMaterialLook look;
+        look.name = material.name;
+        look.baseColor = material.baseColor;
+        look.doubleSided = material.doubleSided;
+        if (material.baseColorTexture >= 0)
+            look.texture = QImage::fromData(m_scene->document->imageBytes(material.baseColorTexture));
+        parts.looks.push_back(std::move(look));
+    }
+}

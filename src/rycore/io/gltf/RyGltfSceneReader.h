@@ -1,0 +1,63 @@
+#pragma once
+
+#include "rycore/io/gltf/RyGltfFigureFinder.h"
+#include "rycore/io/gltf/RyGltfMeshBuilder.h"
+#include "rycore/io/gltf/RyGltfRest.h"
+#include "rycore/io/gltf/RyGltfSceneDocument.h"
+
+#include <QSet>
+#include <QStringList>
+
+class RyBone;
+class RyFacetMesh;
+class RyFigure;
+
+/// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is there.
+class RyGltfSceneReader
+{
+public:
+    /// `unit`: centimetres per file unit, 0 to find it.
+    RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit);
+    ~RyGltfSceneReader();
+
+    void build(QStringList *messages);
+    /// Top-level nodes, not yet in a scene.
+    const std::vector<RyRef<RyNode>> &topLevelNodes() const { return m_tops; }
+    std::unique_ptr<RyGltfSceneDocument> takeDocument() { return std::move(m_scene); }
+
+private:
+    struct Figure
+    {
+        RyGltfJointSet joints;
+        RyGltfRest rest;
+        std::vector<RyBone *> bones;
+        RyFigure *figure = nullptr;
+        RyGltfFigureSource source;
+        std::unique_ptr<RyGltfMeshBuilder> mesh;
+    };
+
+    double findUnit() const;
+    void buildFigure(Figure &figure);
+    void buildMesh(Figure &figure);
+    void bringToNodePose(Figure &figure);
+    void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
+    void placeBones(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights);
+    void setRigging(Figure &figure, const std::vector<RyVec3> &ends, float height);
+    void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
+    void buildProps();
+    void fillLooks(RyMeshParts &parts) const;
+    void setPose(RyGltfNodeSource &source, float height);
+    QString figureName(const Figure &figure) const;
+    QString partName(int mesh, int primitive) const;
+    QString uniqueName(const QString &wanted, QSet<QString> &taken) const;
+    void say(const QString &message);
+
+    std::unique_ptr<RyGltfSceneDocument> m_scene;
+    std::vector<int> m_preOrder;
+    std::vector<RyAffine> m_worldMaps; // file units
+    std::vector<Figure> m_figures;
+    std::vector<RyRef<RyNode>> m_tops;
+    std::vector<RyNode *> m_sceneNodeOf; // per file node
+    QSet<QString> m_topNames;
+    QStringList *m_messages = nullptr;
+};

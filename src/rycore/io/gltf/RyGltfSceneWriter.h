@@ -1,0 +1,52 @@
+#pragma once
+
+#include "rycore/io/gltf/RyGltfSceneDocument.h"
+
+#include <QStringList>
+
+#include <map>
+
+/// Brings an edited scene back into the tree that it came from: only what was edited is rewritten, so that no rest vertex
+/// moves and no posed vertex moves except as the edit means. Children keep their place unless the edit moved them.
+class RyGltfSceneWriter
+{
+public:
+    explicit RyGltfSceneWriter(const RyGltfSceneDocument &source) : m_source(source) {}
+
+    /// Whether anything differs from what was read.
+    bool isEdited(const RyScene &scene) const;
+    /// A patched copy of the document. Untouched when nothing was edited.
+    std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QStringList *messages);
+
+private:
+    struct Edit
+    {
+        const RyGltfNodeSource *source = nullptr;
+        RyNodeValues now;
+        RyAffine bind;      // rest frame now
+        bool restChanged = false;
+        bool poseChanged = false;
+    };
+
+    void collectEdits();
+    RyAffine localPoseNow(const Edit &edit) const;
+    void writeNodes();
+    void writeNode(const Edit &edit);
+    void writeUnlistedChildren(const Edit &edit);
+    void setLocal(int node, const RyAffine &local);
+    void writeInverseBinds(const RyGltfFigureSource &figure);
+    void writeRebound(const RyGltfFigureSource &figure);
+    void writeExtras(const RyScene &scene);
+    void reportClips();
+
+    const RyGltfSceneDocument &m_source;
+    std::unique_ptr<RyGltfDocument> m_document;
+    std::map<int, Edit> m_edits; // by node of the file
+    std::vector<bool> m_isAnimated;
+    std::vector<int> m_rewritten;
+    QStringList *m_messages = nullptr;
+};
+
+/// A node transform that holds a map: translation, rotation and scale where they can say it (`exact` tells), otherwise the
+/// nearest, or the matrix itself with `asMatrix`.
+RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact = nullptr);
