@@ -11,6 +11,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <cctype>
 #include <cstring>
 
 static constexpr int lockTimeoutMs = 2000;
@@ -42,10 +43,12 @@ static QString unescape(const QByteArray &text)
 {
     QByteArray plain;
     for (int i = 0; i < text.size(); ++i) {
-        bool ok = false;
-        const int code = text[i] == '%' && i + 2 < text.size() ? text.mid(i + 1, 2).toInt(&ok, 16) : 0;
-        plain += ok ? char(code) : text[i];
-        i += ok ? 2 : 0;
+        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(uchar(text[i + 1])) && std::isxdigit(uchar(text[i + 2]))) {
+            plain += QByteArray::fromHex(text.mid(i + 1, 2));
+            i += 2;
+        } else {
+            plain += text[i];
+        }
     }
     return QString::fromUtf8(plain);
 }

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "rycore/base/RyBase.h"
+
+/// A program of the script language, run in the current script engine. Script files are UTF-8 and end in ".rsx".
+class RyScript : public RyBase
+{
+    Q_OBJECT
+public:
+    explicit RyScript(const QString &name, QObject *parent = nullptr);
+
+    /// False when the file is missing or cannot be read, which is logged unless `quiet`; the program stays what it was.
+    /// A script without a name takes the file's.
+    bool loadFromFile(const QString &path, bool quiet);
+    void setSource(const QString &source);
+    const QString &getSource() const { return m_source; }
+    const QString &getFilePath() const { return m_filePath; }
+
+    /// False when the program failed, which is in the log, or when there is no engine.
+    bool execute();
+
+private:
+    QString m_source;
+    QString m_filePath;
+};

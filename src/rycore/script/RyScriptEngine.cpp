@@ -1,0 +1,94 @@
+#include "rycore/script/RyScriptEngine.h"
+
+#include "rycore/base/RyClassFactory.h"
+#include "rycore/base/RyError.h"
+#include "rycore/base/RyMessageLog.h"
+
+#include <QMetaMethod>
+#include <QScriptContext>
+#include <QStringList>
+
+#include <algorithm>
+
+static std::vector<RyScriptEngine *> engines;
+
+static QScriptValue errorToScript(QScriptEngine *engine, const RyError &error)
+{
+    return QScriptValue(engine, error.code());
+}
+
+static void errorFromScript(const QScriptValue &value, RyError &error)
+{
+    error = RyError(value.toInt32());
+}
+
+static QScriptValue print(QScriptContext *context, QScriptEngine *engine)
+{
+    QStringList words;
+    for (int i = 0; i < context->argumentCount(); ++i)
+        words.append(context->argument(i).toString());
+    RyMessageLog::global().info(words.join(QLatin1Char(' ')));
+    return engine->undefinedValue();
+}
+
+RyScriptEngine::RyScriptEngine(QObject *parent) : QScriptEngine(parent)
+{
+    engines.push_back(this);
+    qScriptRegisterMetaType<RyError>(this, errorToScript, errorFromScript);
+    globalObject().setProperty(QStringLiteral("print"), newFunction(print));
+}
+
+RyScriptEngine::~RyScriptEngine()
+{
+    std::erase(engines, this);
+}
+
+RyScriptEngine *RyScriptEngine::current()
+{
+    return engines.empty() ? nullptr : engines.back();
+}
+
+void RyScriptEngine::registerFactories(const std::vector<RyClassFactory *> &factories)
+{
+    for (RyClassFactory *factory : factories)
+        factory->registerClass(this);
+}
+
+void RyScriptEngine::setGlobal(const QString &name, QObject *object)
+{
+    globalObject().setProperty(name, object ? newQObject(object, QtOwnership) : QScriptValue());
+}
+
+void RyScriptEngine::setGlobalScene(QObject *scene)
+{
+    QScriptValue global = globalObject();
+    for (const QString &name : qAsConst(m_sceneNames))
+        global.setProperty(name, QScriptValue());
+    m_sceneNames.clear();
+    setGlobal(QStringLiteral("Scene"), scene);
+    if (!scene)
+        return;
+    const QScriptValue wrapper = global.property(QStringLiteral("Scene"));
+    const QMetaObject *metaObject = scene->metaObject();
+    for (int i = QObject::staticMetaObject.methodCount(); i < metaObject->methodCount(); ++i) {
+        const QMetaMethod method = metaObject->method(i);
+        const QString name = QString::fromLatin1(method.name());
+        if (method.access() == QMetaMethod::Private || m_sceneNames.contains(name) || global.property(name).isValid())
+            continue;
+        global.setProperty(name, wrapper.property(name));
+        m_sceneNames.append(name);
+    }
+}
+
+QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fileName, int firstLine)
+{
+    const QScriptValue result = QScriptEngine::evaluate(program, fileName, firstLine);
+    m_failed = hasUncaughtException();
+    if (m_failed) {
+        const QString place = fileName.isEmpty() ? tr("script") : fileName;
+        RyMessageLog::global().warning(QStringLiteral("%1(%2): %3").arg(
+            place, QString::number(uncaughtExceptionLineNumber()), uncaughtException().toString()));
+        clearExceptions();
+    }
+    return result;
+}

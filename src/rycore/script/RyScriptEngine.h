@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QScriptEngine>
+
+#include <vector>
+
+class RyClassFactory;
+
+/// The application's script engine: registered classes can be constructed by name, the scene is a global object, and
+/// every error and every `print` goes to the message log. It must be deleted before the plug-ins whose classes it knows
+/// are unloaded.
+class RyScriptEngine : public QScriptEngine
+{
+    Q_OBJECT
+public:
+    explicit RyScriptEngine(QObject *parent = nullptr);
+    ~RyScriptEngine() override;
+
+    /// The engine made last that still lives; null when there is none. Scripts run in it.
+    static RyScriptEngine *current();
+
+    /// Lets every factory register its class, in this order.
+    void registerFactories(const std::vector<RyClassFactory *> &factories);
+    /// Makes an object known to all scripts under a name. The engine does not own it. Null removes the name.
+    void setGlobal(const QString &name, QObject *object);
+    /// The scene is `Scene`, and its own operations and signals can be used without that name too, except where the
+    /// language or a class has the name already.
+    void setGlobalScene(QObject *scene);
+
+    /// Runs a program. An uncaught error is logged with file and line, does not stay pending, and is the result.
+    QScriptValue evaluate(const QString &program, const QString &fileName = QString(), int firstLine = 1);
+    /// Whether the latest `evaluate` ended with an error.
+    bool hasFailed() const { return m_failed; }
+
+private:
+    QStringList m_sceneNames;
+    bool m_failed = false;
+};

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QScriptEngine>
+
+/// Lets pointers to `T` travel between the host and scripts. An object of another class becomes null.
+template<typename T>
+void ryRegisterScriptPointer(QScriptEngine *engine)
+{
+    qScriptRegisterMetaType<T *>(
+        engine,
+        [](QScriptEngine *target, T *const &object) { return target->newQObject(object, QScriptEngine::QtOwnership); },
+        [](const QScriptValue &value, T *&object) {
+            object = static_cast<T *>(T::staticMetaObject.cast(value.toQObject()));
+        });
+}
