@@ -222,8 +222,11 @@ private:
             if (!bulge)
                 continue;
             m_out << " bulge " << axis;
-            for (const float value : bulge->getBulgeValues())
-                m_out << ' ' << number(value);
+            for (const RyFloatProperty *controller :
+                 {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(),
+                  bulge->getPosRightBulgeController(), bulge->getNegRightBulgeController()}) {
+                m_out << ' ' << number(controller->getRawValue()) << " default " << number(controller->getDefaultValue());
+            }
             writeMap("left", bulge->getLeftWeights());
             writeMap("right", bulge->getRightWeights());
         }

@@ -7,6 +7,7 @@
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 
@@ -254,7 +255,7 @@ void RyGltfSceneWriter::writeRebound(const RyGltfFigureSource &figure)
     // The file's bind matrices could not be used. Once a joint's rest was edited, the vertices are written where the scene
     // has them, in figure space, with bind matrices that say so.
     const bool edited = std::any_of(m_edits.begin(), m_edits.end(), [&](const auto &entry) {
-        return entry.second.restChanged && entry.second.source->sceneNode->getSkeleton() == figure.sceneNode;
+        return entry.second.restChanged && entry.second.source->sceneNode->getSkeleton() == figure.sceneNode.data();
     });
     const RyFacetShape *shape = shapeOf(figure.sceneNode);
     if (!edited || !shape || !shape->getParts())
