@@ -1,0 +1,17 @@
+#include "ryhost/HostPlugins.h"
+
+#include "rycore/app/RyMainWindow.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+QString hostPluginFolder()
+{
+    const QString chosen = qEnvironmentVariable("RYHOST_PLUGIN_PATH");
+    return chosen.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../plugins")) : chosen;
+}
+
+int loadHostPlugins(RyMainWindow &window)
+{
+    return window.loadPlugins(hostPluginFolder());
+}

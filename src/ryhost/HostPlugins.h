@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QString>
+
+class RyMainWindow;
+
+/// Folder of plug-in libraries: RYHOST_PLUGIN_PATH, else "plugins" beside the folder of the program.
+QString hostPluginFolder();
+/// Loads them all; what is refused stands in the message log. Returns how many were loaded.
+int loadHostPlugins(RyMainWindow &window);

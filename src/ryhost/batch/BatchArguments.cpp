@@ -1,0 +1,109 @@
+#include "ryhost/batch/BatchArguments.h"
+
+#include <cmath>
+
+namespace {
+
+enum class Value { None, Required, Optional };
+
+struct VerbRow
+{
+    const char *name;
+    BatchStep::Verb verb;
+    Value value;
+};
+
+constexpr VerbRow Verbs[] = {
+    {"--unit", BatchStep::Unit, Value::Required},         {"--merge", BatchStep::Merge, Value::Required},
+    {"--select", BatchStep::Select, Value::Required},     {"--property", BatchStep::Property, Value::Required},
+    {"--pose", BatchStep::Pose, Value::Required},         {"--undo", BatchStep::Undo, Value::None},
+    {"--redo", BatchStep::Redo, Value::None},             {"--save", BatchStep::Save, Value::Required},
+    {"--screenshot", BatchStep::Screenshot, Value::Required}, {"--dump", BatchStep::Dump, Value::Optional},
+    {"--report", BatchStep::Report, Value::Optional},     {"--script", BatchStep::Script, Value::Required},
+};
+
+bool isVerb(const QString &text)
+{
+    return text.startsWith(QLatin1String("--"));
+}
+
+bool fail(QString *error, const QString &message)
+{
+    *error = message;
+    return false;
+}
+
+} // namespace
+
+bool BatchArguments::parse(const QStringList &arguments, QString *error)
+{
+    const int start = arguments.indexOf(QStringLiteral("--batch"));
+    if (start != 0)
+        return fail(error, QStringLiteral("--batch must be the first argument"));
+    if (arguments.size() < 2 || isVerb(arguments.at(1)))
+        return fail(error, QStringLiteral("--batch needs the name of a file"));
+    file = arguments.at(1);
+    for (int at = 2; at < arguments.size();) {
+        if (!parseVerb(arguments, at, error))
+            return false;
+    }
+    int toStandardOutput = 0;
+    for (const BatchStep &step : qAsConst(steps))
+        toStandardOutput += (step.verb == BatchStep::Dump || step.verb == BatchStep::Report) && step.value.isEmpty();
+    if (toStandardOutput > 1)
+        return fail(error, QStringLiteral("only one of --dump and --report can go to standard output; name a file for the others"));
+    return true;
+}
+
+bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *error)
+{
+    const QString &name = arguments.at(at);
+    if (name == QLatin1String("--view") || name == QLatin1String("--size")) {
+        if (steps.isEmpty() || steps.last().verb != BatchStep::Screenshot)
+            return fail(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
+        if (at + 1 >= arguments.size() || isVerb(arguments.at(at + 1)))
+            return fail(error, QStringLiteral("%1 needs a value").arg(name));
+        const QString &value = arguments.at(at + 1);
+        if (name == QLatin1String("--view")) {
+            if (!QStringList{QStringLiteral("front"), QStringLiteral("side"), QStringLiteral("top"),
+                             QStringLiteral("perspective")}.contains(value)) {
+                return fail(error, QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
+            }
+            steps.last().view = value;
+        } else {
+            const QStringList parts = value.split(QLatin1Char('x'));
+            const int width = parts.value(0).toInt();
+            const int height = parts.value(1).toInt();
+            if (parts.size() != 2 || width < 16 || height < 16 || width > 8192 || height > 8192)
+                return fail(error, QStringLiteral("--size: \"%1\" is no size such as 1280x900 (16 to 8192)").arg(value));
+            steps.last().size = QSize(width, height);
+        }
+        at += 2;
+        return true;
+    }
+    for (const VerbRow &row : Verbs) {
+        if (name != QLatin1String(row.name))
+            continue;
+        BatchStep step;
+        step.verb = row.verb;
+        ++at;
+        const bool hasValue = at < arguments.size() && !isVerb(arguments.at(at));
+        if (row.value == Value::Required && !hasValue)
+            return fail(error, QStringLiteral("%1 needs a value").arg(name));
+        if (row.value != Value::None && hasValue)
+            step.value = arguments.at(at++);
+        if (row.verb == BatchStep::Unit) {
+            bool isNumber = false;
+            step.number = step.value.toDouble(&isNumber);
+            if (!isNumber || !std::isfinite(step.number) || step.number < 1e-6 || step.number > 1e6) {
+                return fail(error, QStringLiteral("--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
+                                       .arg(step.value));
+            }
+        }
+        steps.append(step);
+        return true;
+    }
+    if (isVerb(name))
+        return fail(error, QStringLiteral("%1 is no verb of a batch run; --help lists them").arg(name));
+    return fail(error, QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it").arg(name));
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QList>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+/// One verb of a batch run with what belongs to it.
+struct BatchStep
+{
+    enum Verb { Unit, Merge, Select, Property, Pose, Undo, Redo, Save, Screenshot, Dump, Report, Script };
+    Verb verb = Undo;
+    QString value;                           // as written; empty where the verb takes none
+    double number = 0.0;                     // Unit
+    QString view = QStringLiteral("front"); // Screenshot
+    QSize size{1280, 900};                   // Screenshot
+};
+
+/// `--batch FILE [verb...]`: verbs run from left to right and may repeat. Everything is checked before anything runs.
+class BatchArguments
+{
+public:
+    /// `arguments` without the program's name. False with a message on wrong use.
+    bool parse(const QStringList &arguments, QString *error);
+
+    QString file;
+    QList<BatchStep> steps;
+
+private:
+    bool parseVerb(const QStringList &arguments, int &at, QString *error);
+};

@@ -1,0 +1,212 @@
+#include "ryhost/batch/BatchRunner.h"
+
+#include "rycore/app/RyMainWindow.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySafeFile.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/script/RyScript.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/HostPlugins.h"
+#include "ryhost/batch/BatchReport.h"
+#include "ryhost/batch/NodeLookup.h"
+
+#include <QImage>
+#include <QImageWriter>
+#include <QBuffer>
+
+#include <cstdio>
+
+BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window) {}
+
+void BatchRunner::say(const QString &message)
+{
+    m_messages.append(message);
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
+ExitCode BatchRunner::fail(ExitCode code, const QString &message)
+{
+    say(message);
+    return code;
+}
+
+ExitCode BatchRunner::run(const BatchArguments &arguments)
+{
+    // A unit that is said before anything else belongs to the file itself.
+    int next = 0;
+    for (; next < arguments.steps.size() && arguments.steps.at(next).verb == BatchStep::Unit; ++next)
+        m_unit = arguments.steps.at(next).number;
+    ExitCode code = open(arguments.file, false);
+    for (; next < arguments.steps.size() && code == ExitCode::Done; ++next)
+        code = runStep(arguments.steps.at(next));
+    return code;
+}
+
+ExitCode BatchRunner::runStep(const BatchStep &step)
+{
+    switch (step.verb) {
+    case BatchStep::Unit:
+        m_unit = step.number;
+        return ExitCode::Done;
+    case BatchStep::Merge:
+        return open(step.value, true);
+    case BatchStep::Select:
+        return select(step.value);
+    case BatchStep::Property:
+        return writeProperty(step.value, false);
+    case BatchStep::Pose:
+        return writeProperty(step.value, true);
+    case BatchStep::Undo:
+        return undoOrRedo(false);
+    case BatchStep::Redo:
+        return undoOrRedo(true);
+    case BatchStep::Save:
+        return save(step.value);
+    case BatchStep::Screenshot:
+        return screenshot(step);
+    case BatchStep::Dump:
+        return writeText(step.value, rySceneDump(*m_window.getScene()).toUtf8());
+    case BatchStep::Report:
+        return writeText(step.value, batchReport(*m_window.getScene(), m_messages));
+    case BatchStep::Script:
+        return runScript(step.value);
+    }
+    return ExitCode::WrongUse;
+}
+
+ExitCode BatchRunner::open(const QString &path, bool merge)
+{
+    QString error;
+    QStringList messages;
+    RySceneFile::Options options;
+    options.unit = m_unit;
+    options.merge = merge;
+    const bool opened = RySceneFile::open(m_window.getScene(), path, options, &error, &messages);
+    for (const QString &message : qAsConst(messages))
+        say(message);
+    return opened ? ExitCode::Done : fail(ExitCode::FileRefused, error);
+}
+
+ExitCode BatchRunner::select(const QString &names)
+{
+    RyScene &scene = *m_window.getScene();
+    std::vector<RyNode *> nodes;
+    QString error;
+    if (names != QLatin1String("none")) {
+        // A name that holds a comma is tried as it stands first.
+        if (RyNode *whole = NodeLookup::findNode(scene, names, &error)) {
+            nodes.push_back(whole);
+        } else if (!names.contains(QLatin1Char(','))) {
+            return fail(ExitCode::WrongUse, QStringLiteral("--select: ") + error);
+        } else {
+            for (const QString &name : names.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+                RyNode *node = NodeLookup::findNode(scene, name.trimmed(), &error);
+                if (!node)
+                    return fail(ExitCode::WrongUse, QStringLiteral("--select: ") + error);
+                nodes.push_back(node);
+            }
+        }
+    }
+    scene.setSelection(nodes);
+    return ExitCode::Done;
+}
+
+ExitCode BatchRunner::writeProperty(const QString &text, bool poseOnly)
+{
+    const QString verb = poseOnly ? QStringLiteral("--pose: ") : QStringLiteral("--property: ");
+    QString error;
+    float value = 0.0f;
+    RyFloatProperty *property = NodeLookup::findProperty(*m_window.getScene(), text, poseOnly, &value, &error);
+    if (!property)
+        return fail(ExitCode::WrongUse, verb + error);
+    RyUndoStackHold hold;
+    property->adjustValue(value);
+    hold.accept(QStringLiteral("Change %1").arg(property->getLabel()));
+    if (property->getValue() != value)
+        say(QStringLiteral("%1\"%2\" became %3, which is as far as its limits let it").arg(verb, text).arg(double(property->getValue())));
+    return ExitCode::Done;
+}
+
+ExitCode BatchRunner::undoOrRedo(bool redo)
+{
+    RyUndoStack &stack = *ryUndoStack();
+    if (redo ? !stack.canRedo() : !stack.canUndo())
+        return fail(ExitCode::WrongUse, redo ? QStringLiteral("--redo: there is nothing to redo")
+                                             : QStringLiteral("--undo: there is nothing to undo"));
+    redo ? stack.redo() : stack.undo();
+    return ExitCode::Done;
+}
+
+ExitCode BatchRunner::save(const QString &path)
+{
+    QString error;
+    QStringList messages;
+    const bool saved = RySceneFile::save(m_window.getScene(), path, &error, &messages);
+    for (const QString &message : qAsConst(messages))
+        say(message);
+    return saved ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+}
+
+ExitCode BatchRunner::screenshot(const BatchStep &step)
+{
+    RyViewportMgr &manager = *m_window.getViewportMgr();
+    if (RyViewTool *tool = manager.findTool(QStringLiteral("RyJointEditorTool")))
+        manager.setActiveTool(tool);
+    Ry3DViewport viewport(&manager);
+    viewport.resize(step.size);
+    viewport.setStandardView(step.view == QLatin1String("front")  ? Ry3DViewport::StandardView::Front
+                             : step.view == QLatin1String("side") ? Ry3DViewport::StandardView::Side
+                             : step.view == QLatin1String("top")  ? Ry3DViewport::StandardView::Top
+                                                                  : Ry3DViewport::StandardView::Perspective);
+    viewport.frameNodes(false);
+    const QImage picture = viewport.grabPicture(step.size.width(), step.size.height());
+    if (picture.isNull())
+        return fail(ExitCode::CannotWrite, QStringLiteral("%1: no picture could be drawn on this machine").arg(step.value));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, "png");
+    if (!writer.write(picture))
+        return fail(ExitCode::CannotWrite, QStringLiteral("%1: %2").arg(step.value, writer.errorString()));
+    QString error;
+    return RySafeFile::write(step.value, bytes, &error) ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+}
+
+ExitCode BatchRunner::writeText(const QString &path, const QByteArray &text)
+{
+    if (path.isEmpty()) {
+        const size_t written = std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
+        if (written != size_t(text.size()) || std::fflush(stdout) != 0)
+            return fail(ExitCode::CannotWrite, QStringLiteral("standard output could not be written"));
+        return ExitCode::Done;
+    }
+    QString error;
+    return RySafeFile::write(path, text, &error) ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+}
+
+ExitCode BatchRunner::runScript(const QString &path)
+{
+    RyScript script{QString()};
+    if (!script.loadFromFile(path, true))
+        return fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script could not be read").arg(path));
+    return script.execute() ? ExitCode::Done
+                            : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
+}
+
+int runBatch(const QStringList &arguments)
+{
+    BatchArguments parsed;
+    QString error;
+    if (!parsed.parse(arguments, &error)) {
+        std::fprintf(stderr, "%s\n", error.toLocal8Bit().constData());
+        return int(ExitCode::WrongUse);
+    }
+    RyMainWindow window(ryScene());
+    loadHostPlugins(window);
+    return int(BatchRunner(window).run(parsed));
+}

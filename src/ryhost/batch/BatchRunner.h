@@ -1,0 +1,37 @@
+#pragma once
+
+#include "ryhost/batch/BatchArguments.h"
+
+class RyMainWindow;
+
+/// Exit codes of the program.
+enum class ExitCode { Done = 0, FileRefused = 1, WrongUse = 2, ActionRefused = 3, CannotWrite = 4, ScriptFailed = 5 };
+
+/// Runs a batch: opens the file, then each verb in turn; stops at the first that fails. Messages go to standard error.
+class BatchRunner
+{
+public:
+    explicit BatchRunner(RyMainWindow &window);
+
+    ExitCode run(const BatchArguments &arguments);
+
+private:
+    ExitCode runStep(const BatchStep &step);
+    ExitCode open(const QString &path, bool merge);
+    ExitCode select(const QString &names);
+    ExitCode writeProperty(const QString &text, bool poseOnly);
+    ExitCode undoOrRedo(bool redo);
+    ExitCode save(const QString &path);
+    ExitCode screenshot(const BatchStep &step);
+    ExitCode writeText(const QString &path, const QByteArray &text);
+    ExitCode runScript(const QString &path);
+    ExitCode fail(ExitCode code, const QString &message);
+    void say(const QString &message);
+
+    RyMainWindow &m_window;
+    double m_unit = 0.0;
+    QStringList m_messages;
+};
+
+/// The whole of `ryhost --batch ...`; `arguments` without the program's name. Needs a QApplication.
+int runBatch(const QStringList &arguments);

@@ -1,0 +1,112 @@
+#include "ryhost/batch/NodeLookup.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyScene.h"
+
+#include <QStringList>
+
+#include <cmath>
+
+namespace {
+
+bool endsPath(const RyNode *node, const QStringList &names)
+{
+    for (int i = names.size() - 1; i >= 0; --i, node = node->getNodeParent()) {
+        if (!node || node->getName() != names.at(i))
+            return false;
+    }
+    return true;
+}
+
+void collect(const RyPropertyGroup *group, std::vector<RyFloatProperty *> &properties)
+{
+    for (; group; group = group->getNextSibling()) {
+        collect(group->getFirstChild(), properties);
+        for (int i = 0; i < group->getNumProperties(); ++i) {
+            if (auto *property = qobject_cast<RyFloatProperty *>(group->getProperty(i)))
+                properties.push_back(property);
+        }
+    }
+}
+
+} // namespace
+
+QString NodeLookup::pathOf(const RyNode *node)
+{
+    QStringList names;
+    for (; node; node = node->getNodeParent())
+        names.prepend(node->getName());
+    return names.join(QLatin1Char('/'));
+}
+
+RyNode *NodeLookup::findNode(const RyScene &scene, const QString &text, QString *error)
+{
+    std::vector<RyNode *> found;
+    for (RyNode *node : scene.getNodesInTreeOrder()) {
+        if (node->getName() == text)
+            found.push_back(node);
+    }
+    if (found.empty() && text.contains(QLatin1Char('/'))) {
+        const QStringList names = text.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        for (RyNode *node : scene.getNodesInTreeOrder()) {
+            if (!names.isEmpty() && endsPath(node, names))
+                found.push_back(node);
+        }
+    }
+    if (found.empty()) {
+        QStringList near;
+        for (const RyNode *node : scene.getNodesInTreeOrder()) {
+            if (node->getName().compare(text, Qt::CaseInsensitive) == 0)
+                near.append(QLatin1Char('"') + node->getName() + QLatin1Char('"'));
+        }
+        *error = QStringLiteral("no node is called \"%1\"").arg(text);
+        if (!near.isEmpty())
+            *error += QStringLiteral(" (did you mean %1?)").arg(near.join(QStringLiteral(" or ")));
+        return nullptr;
+    }
+    if (found.size() > 1) {
+        QStringList paths;
+        for (const RyNode *node : found)
+            paths.append(pathOf(node));
+        *error = QStringLiteral("\"%1\" is the name of %2 nodes; write one of their paths: %3")
+                     .arg(text).arg(found.size()).arg(paths.join(QStringLiteral(", ")));
+        return nullptr;
+    }
+    return found.front();
+}
+
+RyFloatProperty *NodeLookup::findProperty(const RyScene &scene, const QString &text, bool poseOnly, float *value,
+                                          QString *error)
+{
+    const int equals = text.lastIndexOf(QLatin1Char('='));
+    const int colon = equals < 0 ? -1 : text.lastIndexOf(QLatin1Char(':'), equals);
+    if (colon <= 0 || equals < colon + 2) {
+        *error = QStringLiteral("\"%1\" does not have the form NODE:NAME=VALUE").arg(text);
+        return nullptr;
+    }
+    bool isNumber = false;
+    *value = text.mid(equals + 1).trimmed().toFloat(&isNumber);
+    if (!isNumber || !std::isfinite(*value)) {
+        *error = QStringLiteral("\"%1\" is no number").arg(text.mid(equals + 1));
+        return nullptr;
+    }
+    const RyNode *node = findNode(scene, text.left(colon), error);
+    if (!node)
+        return nullptr;
+    const QString name = text.mid(colon + 1, equals - colon - 1);
+    std::vector<RyFloatProperty *> properties;
+    collect(node->getPropertyGroups(), properties);
+    if (!poseOnly)
+        collect(node->getPrivatePropertyGroups(), properties);
+    QStringList names;
+    for (RyFloatProperty *property : properties) {
+        if (property->getName() == name)
+            return property;
+        names.append(property->getName());
+    }
+    *error = QStringLiteral("\"%1\" has no value called \"%2\"; it has %3")
+                 .arg(node->getName(), name, names.join(QStringLiteral(", ")));
+    return nullptr;
+}
