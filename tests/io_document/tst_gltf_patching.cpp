@@ -1,0 +1,504 @@
+#include "GltfFixture.h"
+#include "support/RyTest.h"
+
+#include "rycore/io/gltf/RyGltfDocument.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <limits>
+
+using Json = nlohmann::ordered_json;
+using namespace GltfFixture;
+
+/// Changes to a document: what was asked for is in the file that is written, and everything else is as it was.
+class RyGltfPatchingTest : public QObject
+{
+Q_OBJECT
+
+private:
+    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(), const QString &name = QStringLiteral("p.glb"))
+    {
+        m_error.clear();
+        return RyGltfDocument::read(put(m_folder, name, bytes), &m_error);
+    }
+    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document, const QString &ending = QStringLiteral("glb"))
+    {
+        return open(document.toBytes(ending), "again." + ending);
+    }
+
+    QTemporaryDir m_folder;
+    QString m_error;
+
+private slots:
+    void undoneChangesLeaveTheBytes();
+    void nodeTransform();
+    void nodeTransformAsMatrix();
+    void nodeName();
+    void nodesMeshesAndSkins();
+    void documentFromNothing();
+    void uintAccessors();
+    void replaceInPlace();
+    void replaceShared();
+    void replaceInterleaved();
+    void replaceExternal();
+    void treeAndRefresh();
+    void cloneIsIndependent();
+    void untouchedMembersStay();
+    void layoutOfTheTextStays();
+    void formsOfWriting();
+    void severalBuffersBecomeOne();
+    void imagesAreTakenIn();
+    void unknownChunksStay();
+    void failedWriteLeavesTheFile();
+};
+
+void RyGltfPatchingTest::undoneChangesLeaveTheBytes()
+{
+    const auto document = open();
+    QVERIFY2(document, qPrintable(m_error));
+    QCOMPARE(document->toBytes("glb"), skinnedGlb());
+    RyGltfTransform moved = document->model().nodes[1].transform;
+    const RyGltfTransform before = moved;
+    moved.translation = {5, 6, 7};
+    document->setNodeTransform(1, moved);
+    QVERIFY(document->toBytes("glb") != skinnedGlb());
+    document->setNodeTransform(1, before);
+    document->setNodeName(0, "x");
+    document->setNodeName(0, "root");
+    std::vector<float> positions = document->readFloats(0);
+    positions[4] += 1.0f;
+    QCOMPARE(document->replaceFloats(0, positions), 0);
+    QVERIFY(document->toBytes("glb") != skinnedGlb());
+    positions[4] -= 1.0f;
+    QCOMPARE(document->replaceFloats(0, positions), 0);
+    QCOMPARE(document->toBytes("glb"), skinnedGlb());
+}
+
+void RyGltfPatchingTest::nodeTransform()
+{
+    const auto document = open();
+    RyGltfTransform t = document->model().nodes[0].transform;
+    t.translation[0] = 2.5;
+    t.scale = {2, 2, 2};
+    document->setNodeTransform(0, t);
+    const Json &node = document->json()["nodes"][0];
+    QCOMPARE(QByteArray::fromStdString(node.dump()),
+             QByteArray(R"({"name":"root","children":[1],"translation":[2.5,0.10000000149011612,0],"scale":[2.0,2.0,2.0]})"));
+    t.translation = {0, 0, 0};
+    t.scale = {1, 1, 1};
+    document->setNodeTransform(0, t);
+    QCOMPARE(QByteArray::fromStdString(node.dump()), QByteArray(R"({"name":"root","children":[1]})"));
+    // A part that is the identity and stands there already stays where it was not changed.
+    RyGltfTransform tip = document->model().nodes[1].transform;
+    tip.translation[1] = 3;
+    document->setNodeTransform(1, tip);
+    QVERIFY(document->json()["nodes"][1].contains("rotation"));
+    const RyGltfTransform good = tip;
+    tip.translation[1] = std::numeric_limits<double>::quiet_NaN();
+    document->setNodeTransform(1, tip);
+    QCOMPARE(document->model().nodes[1].transform.translation, good.translation);
+    QCOMPARE(reopened(*document)->model().nodes[1].transform.translation, good.translation);
+}
+
+void RyGltfPatchingTest::nodeTransformAsMatrix()
+{
+    const auto document = open();
+    RyGltfTransform t;
+    t.hasMatrix = true;
+    t.matrix = {1, 0.5, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 4, 5, 6, 1};
+    document->setNodeTransform(1, t);
+    const Json &node = document->json()["nodes"][1];
+    QVERIFY(node.contains("matrix") && !node.contains("translation") && !node.contains("rotation"));
+    QVERIFY(node.contains("extras"));
+    auto again = reopened(*document);
+    QVERIFY2(again, qPrintable(m_error));
+    QVERIFY(again->model().nodes[1].transform.hasMatrix);
+    QCOMPARE(again->model().nodes[1].transform.matrix, t.matrix);
+    RyGltfTransform parts;
+    parts.translation = {1, 2, 3};
+    again->setNodeTransform(1, parts);
+    QVERIFY(!again->json()["nodes"][1].contains("matrix"));
+    QCOMPARE(reopened(*again)->model().nodes[1].transform.translation, parts.translation);
+}
+
+void RyGltfPatchingTest::nodeName()
+{
+    const auto document = open();
+    const QString odd = QString::fromUtf8("L:Arm \"\xe2\x82\xac\" \xf0\x9f\xa6\x8a\n");
+    document->setNodeName(1, odd);
+    document->setNodeName(2, QString());
+    QVERIFY(!document->json()["nodes"][2].contains("name"));
+    const auto again = reopened(*document);
+    QCOMPARE(again->model().nodes[1].name, odd);
+    QCOMPARE(again->model().nodes[2].name, QString());
+}
+
+void RyGltfPatchingTest::nodesMeshesAndSkins()
+{
+    const auto document = open();
+    RyGltfTransform t;
+    t.translation = {0, 1, 0};
+    const int joint = document->addNode("new joint", t, 1);
+    const int root = document->addNode("holder", {}, -1);
+    QCOMPARE(joint, 3);
+    QCOMPARE(root, 4);
+    const std::vector<float> points{0, 0, 0, 1, 0, 0, 0, 1, 0.5f};
+    const int positions = document->addFloatAccessor(points, 3, 34962, true);
+    const int indices = document->addUintAccessor(std::vector<std::uint32_t>{0, 1, 2}, 1, 5123, 34963);
+    const int joints = document->addUintAccessor(std::vector<std::uint32_t>{0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}, 4, 5121, 34962);
+    const int weights = document->addUintAccessor(
+        std::vector<std::uint32_t>{40000, 25535, 0, 0, 65535, 0, 0, 0, 65535, 0, 0, 0}, 4, 5123, 34962, true);
+    std::vector<float> matrices(32, 0.0f);
+    for (int i = 0; i < 2; ++i)
+        matrices[std::size_t(16 * i)] = matrices[std::size_t(16 * i + 5)] = matrices[std::size_t(16 * i + 10)] =
+            matrices[std::size_t(16 * i + 15)] = 1.0f;
+    const int bind = document->addFloatAccessor(matrices, 16, 0);
+    const int mesh = document->addMesh("added");
+    document->addPrimitive(mesh, {{"POSITION", positions}}, indices, 0);
+    document->setPrimitiveAttribute(mesh, 0, "JOINTS_0", joints);
+    document->setPrimitiveAttribute(mesh, 0, "WEIGHTS_0", weights);
+    const int skin = document->addSkin("second", {1, joint}, -1, 1);
+    document->setSkinInverseBindMatrices(skin, bind);
+    document->setNodeMeshAndSkin(root, mesh, skin);
+
+    const auto again = reopened(*document);
+    QVERIFY2(again, qPrintable(m_error));
+    for (const RyGltfDocument *d : {static_cast<const RyGltfDocument *>(document.get()), static_cast<const RyGltfDocument *>(again.get())}) {
+        const RyGltfModel &model = d->model();
+        QCOMPARE(model.nodes[3].name, QStringLiteral("new joint"));
+        QCOMPARE(model.nodes[3].parent, 1);
+        QCOMPARE(model.nodes[1].children, std::vector<int>{3});
+        QCOMPARE(model.nodes[3].transform.translation, t.translation);
+        QCOMPARE(model.sceneRoots, (std::vector<int>{0, 2, 4}));
+        QCOMPARE(model.nodes[4].mesh, 1);
+        QCOMPARE(model.nodes[4].skin, 1);
+        QCOMPARE(model.skins[1].joints, (std::vector<int>{1, 3}));
+        QCOMPARE(model.skins[1].inverseBindMatrices, bind);
+        QCOMPARE(model.skins[1].skeleton, 1);
+        QCOMPARE(d->readFloats(positions), points);
+        QCOMPARE(d->readUints(indices), (std::vector<std::uint32_t>{0, 1, 2}));
+        QCOMPARE(d->readUints(joints)[1], 1u);
+        QCOMPARE(d->readFloats(weights)[0], float(40000.0 / 65535.0));
+        QCOMPARE(d->readFloats(bind), matrices);
+        QCOMPARE(model.meshes[1].primitives[0].joints, std::vector<int>{joints});
+        QCOMPARE(model.meshes[1].primitives[0].weights, std::vector<int>{weights});
+        QCOMPARE(d->json()["accessors"][std::size_t(positions)]["max"], Json::parse("[1.0,1.0,0.5]"));
+        QCOMPARE(d->json()["accessors"][std::size_t(positions)]["min"], Json::parse("[0.0,0.0,0.0]"));
+    }
+    document->setPrimitiveAttribute(mesh, 0, "WEIGHTS_0", -1);
+    QVERIFY(document->model().meshes[1].primitives[0].joints.empty());
+    document->setNodeMeshAndSkin(root, mesh, -1);
+    QVERIFY(!document->json()["nodes"][4].contains("skin"));
+}
+
+void RyGltfPatchingTest::documentFromNothing()
+{
+    const auto document = RyGltfDocument::create();
+    QVERIFY(document->path().isEmpty());
+    QCOMPARE(document->toBytes("glb"), glb(R"({"asset":{"version":"2.0"},"scene":0,"scenes":[{}]})", {}));
+    const int node = document->addNode("a", {}, -1);
+    const int mesh = document->addMesh({});
+    const int positions = document->addFloatAccessor(std::vector<float>{1, 2, 3}, 3, 34962, true);
+    document->addPrimitive(mesh, {{"POSITION", positions}}, -1, -1);
+    document->setNodeMeshAndSkin(node, mesh, -1);
+    for (const char *ending : {"glb", "gltf"}) {
+        const auto again = reopened(*document, ending);
+        QVERIFY2(again, qPrintable(m_error));
+        QCOMPARE(again->readFloats(positions), (std::vector<float>{1, 2, 3}));
+        QCOMPARE(again->model().sceneRoots, std::vector<int>{0});
+        QCOMPARE(document->toBytes(ending), document->toBytes(ending));
+    }
+    QString error;
+    QVERIFY(document->toBytes("obj", &error).isEmpty());
+    QVERIFY2(error.contains("neither glb nor gltf"), qPrintable(error));
+}
+
+void RyGltfPatchingTest::uintAccessors()
+{
+    const auto document = RyGltfDocument::create();
+    const std::vector<std::uint32_t> three{1, 2, 3, 4, 5, 6};
+    const int accessor = document->addUintAccessor(three, 3, 5121, 34962); // elements of three bytes stand four apart
+    QCOMPARE(document->readUints(accessor), three);
+    QCOMPARE(document->json()["bufferViews"][0]["byteStride"], Json(4));
+    QCOMPARE(document->addUintAccessor(std::vector<std::uint32_t>{256}, 1, 5121, 0), -1);
+    QCOMPARE(document->addUintAccessor(std::vector<std::uint32_t>{65536}, 1, 5123, 0), -1);
+    QCOMPARE(document->addUintAccessor(std::vector<std::uint32_t>{1}, 1, 5126, 0), -1);
+    QCOMPARE(document->addUintAccessor(std::vector<std::uint32_t>{1, 2, 3}, 2, 5123, 0), -1);
+    QCOMPARE(document->addUintAccessor({}, 1, 5123, 0), -1);
+    QCOMPARE(document->addFloatAccessor(std::vector<float>{1, 2, 3, 4, 5}, 5, 0), -1);
+    const int large = document->addUintAccessor(std::vector<std::uint32_t>{4294967295u}, 1, 5125, 34963);
+    QCOMPARE(document->readUints(large), std::vector<std::uint32_t>{4294967295u});
+    QCOMPARE(document->model().accessors.size(), 2u);
+    QCOMPARE(reopened(*document)->readUints(accessor), three);
+}
+
+void RyGltfPatchingTest::replaceInPlace()
+{
+    const auto document = open();
+    std::vector<float> positions = document->readFloats(0);
+    positions[7] = 9.0f;
+    const std::size_t accessorCount = document->model().accessors.size();
+    QCOMPARE(document->replaceFloats(0, positions), 0);
+    QCOMPARE(document->model().accessors.size(), accessorCount);
+    QCOMPARE(document->json()["accessors"][0]["max"], Json::parse("[1,9,0]"));
+    const QByteArray bytes = document->toBytes("glb");
+    QCOMPARE(bytes.size(), skinnedGlb().size() + 12); // "0" became "0.0" in the six bounds
+    const auto again = reopened(*document);
+    QCOMPARE(again->readFloats(0), positions);
+    for (int other = 1; other < 7; ++other)
+        QCOMPARE(again->readFloats(other), open()->readFloats(other));
+}
+
+void RyGltfPatchingTest::replaceShared()
+{
+    // The same accessor twice, a second accessor on the same bytes, an image over them, another count: none is overwritten.
+    const auto check = [this](const std::function<void(Json &)> &change) {
+        Json tree = Json::parse(skinnedJson({}).toStdString());
+        change(tree);
+        const auto document = open(glb(QByteArray::fromStdString(tree.dump()), skinnedBinary()));
+        if (!document)
+            return false;
+        const std::vector<float> before = document->readFloats(3);
+        std::vector<float> values = before;
+        values[0] = 2.0f;
+        const int added = document->replaceFloats(3, values);
+        return added == int(tree["accessors"].size()) && document->readFloats(3) == before
+               && document->readFloats(added) == values && reopened(*document)->readFloats(added) == values;
+    };
+    QVERIFY(check([](Json &t) { t["skins"].push_back(t["skins"][0]); }));
+    QVERIFY(check([](Json &t) { t["accessors"].push_back(t["accessors"][3]); }));
+    QVERIFY(check([](Json &t) {
+        t["accessors"].push_back(Json::parse(R"({"bufferView":3,"byteOffset":124,"componentType":5126,"count":1,"type":"SCALAR"})"));
+    }));
+    QVERIFY(check([](Json &t) { t["images"].push_back({{"bufferView", 3}}); }));
+    QVERIFY(check([](Json &t) { t["bufferViews"][3]["extensions"] = {{"VENDOR_x", Json::object()}}; }));
+    const auto document = open();
+    QCOMPARE(document->replaceFloats(3, std::vector<float>(48, 0.5f)), 7);
+    QCOMPARE(document->model().accessors[7].count, 3u);
+    // Integers cannot take floats.
+    QCOMPARE(document->replaceFloats(1, std::vector<float>(16, 0.25f)), 8);
+    QCOMPARE(document->readFloats(8)[3], 0.25f);
+}
+
+void RyGltfPatchingTest::replaceInterleaved()
+{
+    QByteArray binary;
+    append<float>(binary, {1, 2, 3, 0.25f, 4, 5, 6, 0.5f});
+    const QByteArray json = R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":32}],)"
+                            R"("bufferViews":[{"buffer":0,"byteLength":32,"byteStride":16}],)"
+                            R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"VEC3"},)"
+                            R"({"bufferView":0,"byteOffset":12,"componentType":5126,"count":2,"type":"SCALAR"}]})";
+    const auto document = open(glb(json, binary));
+    QVERIFY2(document, qPrintable(m_error));
+    QCOMPARE(document->replaceFloats(1, std::vector<float>{7, 8}), 1);
+    QCOMPARE(document->replaceFloats(0, std::vector<float>{9, 9, 9, 1, 1, 1}), 0);
+    QCOMPARE(document->readFloats(0), (std::vector<float>{9, 9, 9, 1, 1, 1}));
+    QCOMPARE(document->readFloats(1), (std::vector<float>{7, 8}));
+    // One byte of common ground is enough to keep them apart.
+    QByteArray meeting = json;
+    meeting.replace("\"byteOffset\":12", "\"byteOffset\":8");
+    const auto shared = open(glb(meeting, binary));
+    QVERIFY2(shared, qPrintable(m_error));
+    QCOMPARE(shared->replaceFloats(0, std::vector<float>{9, 9, 9, 1, 1, 1}), 2);
+    QCOMPARE(shared->readFloats(1), (std::vector<float>{3, 6}));
+}
+
+void RyGltfPatchingTest::replaceExternal()
+{
+    put(m_folder, "outside.bin", skinnedBinary());
+    const auto document = open(skinnedJson("\"uri\":\"outside.bin\","), "ext.gltf");
+    QVERIFY2(document, qPrintable(m_error));
+    const std::vector<float> values(12, 3.0f);
+    const int accessor = document->replaceFloats(0, values);
+    QCOMPARE(accessor, 7);
+    QCOMPARE(document->json()["accessors"][7]["max"], Json::parse("[3.0,3.0,3.0]"));
+    document->setPrimitiveAttribute(0, 0, "POSITION", accessor);
+    QVERIFY2(document->write(m_folder.filePath("ext.gltf"), &m_error), qPrintable(m_error));
+    QCOMPARE(contents(m_folder.filePath("outside.bin")), skinnedBinary());
+    const auto again = RyGltfDocument::read(m_folder.filePath("ext.gltf"), &m_error);
+    QVERIFY2(again, qPrintable(m_error));
+    QCOMPARE(again->json()["buffers"][0]["uri"], Json("outside.bin"));
+    QCOMPARE(again->readFloats(again->model().meshes[0].primitives[0].positions), values);
+    // From then on it is ours.
+    QCOMPARE(again->replaceFloats(accessor, std::vector<float>(12, 4.0f)), accessor);
+}
+
+void RyGltfPatchingTest::treeAndRefresh()
+{
+    const auto document = open();
+    document->json()["nodes"].push_back({{"name", "by hand"}});
+    document->json()["nodes"][1]["children"] = {3};
+    QVERIFY2(document->refresh(&m_error), qPrintable(m_error));
+    QCOMPARE(document->model().nodes.size(), 4u);
+    QCOMPARE(document->model().nodes[3].parent, 1);
+    document->json()["nodes"][3]["children"] = {0};
+    QString error;
+    QVERIFY(!document->refresh(&error));
+    QVERIFY2(error.contains("below itself"), qPrintable(error));
+    QCOMPARE(document->model().nodes.size(), 4u);
+    QVERIFY(document->model().nodes[3].children.empty());
+    document->json()["nodes"][3].erase("children");
+    document->json()["buffers"].push_back({{"byteLength", 1}});
+    QVERIFY(!document->refresh(&error));
+    // A text that is not UTF-8 cannot be written; the message says so and nothing is thrown.
+    const auto bad = open();
+    bad->json()["extras"] = std::string("\xff");
+    QVERIFY(bad->toBytes("glb", &error).isEmpty());
+    QVERIFY2(error.contains("UTF-8"), qPrintable(error));
+}
+
+void RyGltfPatchingTest::cloneIsIndependent()
+{
+    auto document = open();
+    const auto copy = document->clone();
+    std::vector<float> positions = document->readFloats(0);
+    positions[0] = 5.0f;
+    document->replaceFloats(0, positions);
+    document->setNodeName(0, "other");
+    document->addFloatAccessor(positions, 3, 0);
+    QCOMPARE(copy->toBytes("glb"), skinnedGlb());
+    QCOMPARE(copy->readFloats(0)[0], 0.0f);
+    const QByteArray changed = document->toBytes("glb");
+    document.reset();
+    QCOMPARE(copy->readFloats(0)[3], 1.0f); // the bytes of the file outlive the document that read them
+    QVERIFY(changed != skinnedGlb());
+}
+
+void RyGltfPatchingTest::untouchedMembersStay()
+{
+    const auto document = open();
+    document->setNodeName(0, "renamed");
+    document->addNode("added", {}, 0);
+    const auto again = reopened(*document);
+    QVERIFY2(again, qPrintable(m_error));
+    Json expected = Json::parse(skinnedJson({}).toStdString());
+    expected["nodes"][0]["name"] = "renamed";
+    expected["nodes"][0]["children"] = {1, 3};
+    expected["nodes"].push_back({{"name", "added"}});
+    QCOMPARE(QByteArray::fromStdString(again->json().dump()), QByteArray::fromStdString(expected.dump()));
+}
+
+void RyGltfPatchingTest::layoutOfTheTextStays()
+{
+    for (const int width : {-1, 0, 1, 3, 4}) {
+        Json tree = Json::parse(R"({"asset":{"version":"2.0"},"nodes":[{"name":"a"}]})");
+        const char filler = width == 1 ? '\t' : ' ';
+        const std::string text = tree.dump(width, filler);
+        const auto document = open(QByteArray::fromStdString(text), "layout.gltf");
+        QVERIFY2(document, qPrintable(m_error));
+        document->setNodeName(0, "b");
+        tree["nodes"][0]["name"] = "b";
+        QCOMPARE(document->toBytes("gltf"), QByteArray::fromStdString(tree.dump(width, filler)));
+    }
+}
+
+void RyGltfPatchingTest::formsOfWriting()
+{
+    // To text and back is the same container again.
+    const auto document = open();
+    const QByteArray text = document->toBytes(".gltf");
+    const auto asText = open(text, "forms.gltf");
+    QVERIFY2(asText, qPrintable(m_error));
+    QCOMPARE(asText->toBytes("gltf"), text);
+    QCOMPARE(asText->toBytes("glb"), skinnedGlb());
+    // A changed buffer in a data URI is written anew.
+    std::vector<float> positions = asText->readFloats(0);
+    positions[0] = -1.0f;
+    QCOMPARE(asText->replaceFloats(0, positions), 0);
+    QCOMPARE(reopened(*asText, "gltf")->readFloats(0), positions);
+    // Into another folder the file takes along what stood beside it; in its own it goes on naming it.
+    put(m_folder, "b.bin", skinnedBinary());
+    const QByteArray external = skinnedJson("\"uri\":\"b.bin\",");
+    const auto beside = open(external, "beside.gltf");
+    QVERIFY(beside->write(m_folder.filePath("copy.gltf"), &m_error));
+    QCOMPARE(contents(m_folder.filePath("copy.gltf")), external);
+    QTemporaryDir other;
+    QVERIFY(beside->write(other.filePath("copy.gltf"), &m_error));
+    const auto moved = RyGltfDocument::read(other.filePath("copy.gltf"), &m_error);
+    QVERIFY2(moved, qPrintable(m_error));
+    QCOMPARE(moved->readFloats(3), beside->readFloats(3));
+    QVERIFY(moved->json()["buffers"][0]["uri"].get<std::string>().starts_with("data:"));
+}
+
+void RyGltfPatchingTest::severalBuffersBecomeOne()
+{
+    QByteArray first, second;
+    append<float>(first, {1, 2});
+    first.append("x"); // nine bytes: the next one begins at twelve
+    append<float>(second, {3, 4, 5});
+    const QByteArray json = R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":9,"name":"kept","uri":"data:;base64,)" + first.toBase64()
+                            + R"("},{"byteLength":12,"uri":"data:;base64,)" + second.toBase64()
+                            + R"("}],"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":1,"byteOffset":4,"byteLength":8,)"
+                              R"("extensions":{"VENDOR_packed":{"buffer":1,"byteLength":2}}}],)"
+                              R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},)"
+                              R"({"bufferView":1,"componentType":5126,"count":2,"type":"SCALAR"}]})";
+    const auto document = open(json, "two.gltf");
+    QVERIFY2(document, qPrintable(m_error));
+    const auto merged = reopened(*document);
+    QVERIFY2(merged, qPrintable(m_error));
+    QCOMPARE(merged->json()["buffers"].dump(), std::string(R"([{"byteLength":24,"name":"kept"}])"));
+    QCOMPARE(merged->readFloats(0), (std::vector<float>{1, 2}));
+    QCOMPARE(merged->readFloats(1), (std::vector<float>{4, 5}));
+    QCOMPARE(merged->json()["bufferViews"][1]["extensions"]["VENDOR_packed"].dump(),
+             std::string(R"({"buffer":0,"byteLength":2,"byteOffset":12})"));
+}
+
+void RyGltfPatchingTest::imagesAreTakenIn()
+{
+    put(m_folder, "skin.png", "\x89PNG\r\n\x1a\nouter");
+    const QByteArray json = R"({"asset":{"version":"2.0"},"images":[{"uri":"skin.png","name":"s"},{"uri":"missing.png"},)"
+                            R"({"uri":"data:image/png;base64,QUJDRA=="}]})";
+    const auto document = open(json, "images.gltf");
+    QVERIFY2(document, qPrintable(m_error));
+    const auto container = reopened(*document);
+    QVERIFY2(container, qPrintable(m_error));
+    QString type;
+    QCOMPARE(container->imageBytes(0, &type), QByteArray("\x89PNG\r\n\x1a\nouter"));
+    QCOMPARE(type, QStringLiteral("image/png"));
+    QCOMPARE(container->imageBytes(2), QByteArray("ABCD"));
+    QCOMPARE(container->json()["images"][1]["uri"], Json("missing.png"));
+    QVERIFY(!container->json()["images"][0].contains("uri"));
+    QCOMPARE(container->json()["images"][0]["name"], Json("s"));
+    QTemporaryDir other;
+    QVERIFY(document->write(other.filePath("images.gltf"), &m_error));
+    QCOMPARE(RyGltfDocument::read(other.filePath("images.gltf"), &m_error)->imageBytes(0), QByteArray("\x89PNG\r\n\x1a\nouter"));
+    QVERIFY(document->write(m_folder.filePath("images2.gltf"), &m_error));
+    QCOMPARE(contents(m_folder.filePath("images2.gltf")), json);
+}
+
+void RyGltfPatchingTest::unknownChunksStay()
+{
+    QByteArray bytes = skinnedGlb();
+    const QByteArray chunk("\x04\0\0\0ABCDwxyz", 12);
+    bytes.append(chunk);
+    const quint32 size = quint32(bytes.size());
+    std::memcpy(bytes.data() + 8, &size, 4);
+    const auto document = open(bytes);
+    QVERIFY2(document, qPrintable(m_error));
+    QCOMPARE(document->toBytes("glb"), bytes);
+    document->setNodeName(0, "r2");
+    QVERIFY(document->toBytes("glb").endsWith(chunk));
+}
+
+void RyGltfPatchingTest::failedWriteLeavesTheFile()
+{
+    const auto document = open();
+    document->setNodeName(0, "changed");
+    QVERIFY2(document->write(m_folder.filePath("p.glb"), &m_error), qPrintable(m_error));
+    QCOMPARE(RyGltfDocument::read(m_folder.filePath("p.glb"), &m_error)->model().nodes[0].name, QStringLiteral("changed"));
+    const QByteArray before = contents(m_folder.filePath("p.glb"));
+    document->json()["extras"] = std::string("\xff");
+    QString error;
+    QVERIFY(!document->write(m_folder.filePath("p.glb"), &error));
+    QVERIFY2(error.contains("p.glb"), qPrintable(error));
+    QCOMPARE(contents(m_folder.filePath("p.glb")), before);
+    document->json().erase("extras");
+    QVERIFY(!document->write(m_folder.filePath("none/p.glb"), &error));
+    QVERIFY2(error.contains("does not exist"), qPrintable(error));
+    QVERIFY(!document->write(m_folder.filePath("p.txt"), &error));
+    QVERIFY(!QFile::exists(m_folder.filePath("p.txt")));
+}
+
+RY_TEST(RyGltfPatchingTest)
+#include "tst_gltf_patching.moc"

@@ -1,0 +1,145 @@
+#include "GltfFixture.h"
+#include "support/RyTest.h"
+
+#include "rycore/io/RySafeFile.h"
+
+#include <QFileInfo>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace GltfFixture;
+
+/// Replacing a file wholly or not at all.
+class RySafeFileTest : public QObject
+{
+Q_OBJECT
+
+private:
+    QStringList entries(const QTemporaryDir &folder) const
+    {
+        return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden);
+    }
+
+private slots:
+    void writes();
+    void keepsPermissions();
+    void followsLinks();
+    void refuses();
+    void protectedFile();
+    void protectedFolder();
+    void noRoom();
+};
+
+void RySafeFileTest::writes()
+{
+    QTemporaryDir folder;
+    QString error;
+    const QString path = folder.filePath(QString::fromUtf8("a b\xc3\xa4.glb"));
+    QVERIFY2(RySafeFile::write(path, "first", &error), qPrintable(error));
+    QCOMPARE(contents(path), QByteArray("first"));
+    const QByteArray large(3000000, 'x');
+    QVERIFY(RySafeFile::write(path, large, nullptr));
+    QCOMPARE(contents(path), large);
+    QVERIFY(RySafeFile::write(path, {}, &error));
+    QCOMPARE(QFileInfo(path).size(), 0);
+    QCOMPARE(entries(folder).size(), 1);
+}
+
+void RySafeFileTest::keepsPermissions()
+{
+    QTemporaryDir folder;
+    const QString path = put(folder, "p", "old");
+    for (const mode_t mode : {0600u, 0640u, 0664u, 0755u}) {
+        QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode), 0);
+        QString error;
+        QVERIFY2(RySafeFile::write(path, "new", &error), qPrintable(error));
+        struct stat status;
+        QCOMPARE(::stat(QFile::encodeName(path).constData(), &status), 0);
+        QCOMPARE(int(status.st_mode & 07777), int(mode));
+    }
+}
+
+void RySafeFileTest::followsLinks()
+{
+    QTemporaryDir folder;
+    const QString path = put(folder, "target", "old");
+    const QString link = folder.filePath("link");
+    QVERIFY(QFile::link(path, link));
+    QString error;
+    QVERIFY2(RySafeFile::write(link, "new", &error), qPrintable(error));
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(contents(path), QByteArray("new"));
+}
+
+void RySafeFileTest::refuses()
+{
+    QTemporaryDir folder;
+    put(folder, "file", "old");
+    QString error;
+    QVERIFY(!RySafeFile::write(folder.filePath("none/file"), "x", &error));
+    QVERIFY2(error.contains("none/file") && error.contains("does not exist"), qPrintable(error));
+    QVERIFY(!RySafeFile::write(folder.filePath("file/below"), "x", &error));
+    QVERIFY2(error.contains("is not a folder"), qPrintable(error));
+    QVERIFY(!RySafeFile::write(folder.path(), "x", &error));
+    QVERIFY2(error.contains("it is a folder"), qPrintable(error));
+    QVERIFY(!RySafeFile::write(QStringLiteral("/dev/full"), "x", &error));
+    QVERIFY2(error.contains("not an ordinary file"), qPrintable(error));
+    QVERIFY(!RySafeFile::write(QString(), "x", &error));
+    QVERIFY(!error.isEmpty());
+    QCOMPARE(entries(folder), QStringList{"file"});
+}
+
+void RySafeFileTest::protectedFile()
+{
+    QTemporaryDir folder;
+    const QString path = put(folder, "file", "old");
+    QCOMPARE(::chmod(QFile::encodeName(path).constData(), 0444), 0);
+    QString error;
+    QVERIFY(!RySafeFile::write(path, "new", &error));
+    QVERIFY2(error.contains("write-protected") && error.contains(path), qPrintable(error));
+    QCOMPARE(contents(path), QByteArray("old"));
+    QCOMPARE(entries(folder).size(), 1);
+}
+
+void RySafeFileTest::protectedFolder()
+{
+    QTemporaryDir folder;
+    const QString path = put(folder, "file", "old");
+    QCOMPARE(::chmod(QFile::encodeName(folder.path()).constData(), 0555), 0);
+    QString error;
+    const bool existing = RySafeFile::write(path, "new", &error);
+    const QString reason = error;
+    const bool fresh = RySafeFile::write(folder.filePath("other"), "new", &error);
+    ::chmod(QFile::encodeName(folder.path()).constData(), 0755);
+    QVERIFY(!existing);
+    QVERIFY(!fresh);
+    QVERIFY2(reason.contains("write-protected") && reason.contains(folder.path()), qPrintable(reason));
+    QCOMPARE(contents(path), QByteArray("old"));
+    QCOMPARE(entries(folder), QStringList{"file"});
+}
+
+void RySafeFileTest::noRoom()
+{
+    // The limit for the size of files stands in for a full disk: a write stops half way with an error.
+    QTemporaryDir folder;
+    const QString path = put(folder, "file", "old");
+    struct rlimit before;
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    struct rlimit low = before;
+    low.rlim_cur = 64 * 1024;
+    ::setrlimit(RLIMIT_FSIZE, &low);
+    QString error;
+    const bool done = RySafeFile::write(path, QByteArray(1000000, 'x'), &error);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, oldHandler);
+    QVERIFY(!done);
+    QVERIFY2(error.contains(path) && error.size() > path.size() + 25, qPrintable(error));
+    QCOMPARE(contents(path), QByteArray("old"));
+    QCOMPARE(entries(folder), QStringList{"file"});
+}
+
+RY_TEST(RySafeFileTest)
+#include "tst_safe_file.moc"
