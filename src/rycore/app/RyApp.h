@@ -3,9 +3,7 @@
 #include <QString>
 
 class QWidget;
-class RyActionMgr;
 class RyMainWindow;
-class RyPluginManager;
 
 /// The application's services. All calls come on the GUI thread.
 class RyApp
@@ -23,5 +21,7 @@ public:
     static void endBusyCursor();
     static int busyCursorDepth();
 
+    /// Where the home is when neither the environment nor the place of the program tells.
+    static void setDefaultHomePath(const QString &folder);
     static void setInterface(RyMainWindow *window);
 };

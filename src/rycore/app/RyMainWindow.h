@@ -21,6 +21,7 @@ public:
     RyViewportMgr *getViewportMgr() const;
     RyActionMgr *getActionMgr() const;
     RyPluginManager *getPluginManager() const;
+    RyScriptEngine *getScriptEngine() const;
     RyScene *getScene() const;
 
     /// Loads the plug-ins of a folder: their tools and actions are created in order of the factories, classes are
@@ -28,6 +29,8 @@ public:
     int loadPlugins(const QString &folder);
     /// Deletes actions and tools and unloads; called by the destructor.
     void unloadPlugins();
+    /// Shows the menu of the active tool; nothing where it adds no items.
+    void showToolMenu(const QPoint &globalPosition);
 
 private:
     struct Private;

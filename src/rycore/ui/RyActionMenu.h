@@ -14,6 +14,8 @@ class RyActionMenu
 public:
     RyActionMenu();
     ~RyActionMenu();
+    RyActionMenu(const RyActionMenu &) = delete;
+    RyActionMenu &operator=(const RyActionMenu &) = delete;
 
     void insertAction(const QString &className, int position);
     void insertSeparator(int position);
@@ -22,9 +24,12 @@ public:
 
     /// Adds the entries to a real menu; unknown class names add nothing.
     void fill(QMenu *menu) const;
+    /// One line per entry, two blanks per level: class names, "-" for a separator, "Title >" for a sub-menu.
     QStringList describe() const;
 
 private:
     struct Entry;
+    void insert(std::unique_ptr<Entry> entry, int position);
+
     std::vector<std::unique_ptr<Entry>> m_entries;
 };

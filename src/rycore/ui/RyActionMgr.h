@@ -1,6 +1,9 @@
 #pragma once
 
+#include "rycore/viewport/RyViewportMgr.h"
+
 #include <QObject>
+#include <QPointer>
 
 #include <vector>
 
@@ -12,7 +15,8 @@ class RyActionMgr : public QObject
 {
     Q_OBJECT
 public:
-    explicit RyActionMgr(QObject *parent = nullptr);
+    /// `viewports` is what the actions that switch tools act on; may be null.
+    explicit RyActionMgr(RyViewportMgr *viewports, QObject *parent = nullptr);
     ~RyActionMgr() override;
 
     /// The application's, null when there is none.
@@ -25,7 +29,12 @@ public:
     RyAction *findAction(const QString &className) const;
     const std::vector<RyAction *> &getActions() const { return m_actions; }
     void deleteActions();
+    RyViewportMgr *getViewportMgr() const { return m_viewports; }
+
+signals:
+    void actionListChanged();
 
 private:
+    QPointer<RyViewportMgr> m_viewports;
     std::vector<RyAction *> m_actions;
 };

@@ -23,5 +23,7 @@ public:
     QStringList describe() const;
 
 private:
+    QMenu *subMenu(int id) const;
+
     std::vector<QMenu *> m_subMenus;
 };

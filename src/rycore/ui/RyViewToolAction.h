@@ -2,6 +2,8 @@
 
 #include "rycore/ui/RyAction.h"
 
+class RyViewTool;
+
 /// Activates the view tool of a class; checked while that tool is active. Its text is the tool's object name.
 class RyViewToolAction : public RyAction
 {
@@ -19,5 +21,7 @@ private slots:
     void toolChanged();
 
 private:
+    RyViewTool *findTool() const;
+
     QString m_toolClassName;
 };

@@ -6,6 +6,7 @@
 
 class RyFacetMesh;
 class RyNode;
+class RySkinBinding;
 
 /// Which node each facet of a mesh stands for when it is pointed at: for a figure the node paired with the facet's group
 /// in the selection map, else the bone that weighs most on its vertices; for other nodes the node itself.
@@ -19,11 +20,14 @@ public:
     std::vector<int> facetsOf(const RyNode *owner) const;
 
 private:
-    void assignBones(const RyNode *node);
+    std::vector<quint64> weightsKey(const RySkinBinding &skin) const;
+    void assignBones();
 
     quint64 m_revision = 0;
     QPointer<RyNode> m_node;
     QPointer<RyFacetMesh> m_mesh;
     std::vector<QPointer<RyNode>> m_owners; // index 0: the node itself
     std::vector<int> m_ownerOfFacet;        // index into m_owners
+    std::vector<quint64> m_weightsKey;      // what the next one was made from
+    std::vector<int> m_boneOfFacet;         // by weights alone
 };

@@ -1,0 +1,123 @@
+#include "rycore/app/RyMainWindow.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyClassFactory.h"
+#include "rycore/base/RyPluginManager.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/script/RyScriptEngine.h"
+#include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyMenu.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+
+#include <QPointer>
+#include <QSet>
+
+struct RyMainWindow::Private
+{
+    QPointer<RyScene> scene;
+    // In this order: what uses the classes of a plug-in goes before the library does.
+    std::unique_ptr<RyPluginManager> plugins = std::make_unique<RyPluginManager>();
+    std::unique_ptr<RyScriptEngine> scripts = std::make_unique<RyScriptEngine>();
+    std::unique_ptr<RyViewportMgr> viewports;
+    std::unique_ptr<RyActionMgr> actions;
+    QSet<QString> registered;
+};
+
+RyMainWindow::RyMainWindow(RyScene *scene, QWidget *parent) : QMainWindow(parent), d(std::make_unique<Private>())
+{
+    d->scene = scene;
+    d->viewports = std::make_unique<RyViewportMgr>(scene);
+    d->actions = std::make_unique<RyActionMgr>(d->viewports.get());
+    d->scripts->setGlobalScene(scene);
+    connect(d->viewports.get(), &RyViewportMgr::viewportAdded, this, [this](Ry3DViewport *viewport) {
+        connect(viewport, &Ry3DViewport::contextMenuRequested, this, &RyMainWindow::showToolMenu);
+    });
+    if (!RyApp::getInterface())
+        RyApp::setInterface(this);
+}
+
+RyMainWindow::~RyMainWindow()
+{
+    unloadPlugins();
+    if (RyApp::getInterface() == this)
+        RyApp::setInterface(nullptr);
+    // Viewports are children of this window and still know their manager.
+    for (Ry3DViewport *viewport : std::vector<Ry3DViewport *>(d->viewports->getViewports()))
+        delete viewport;
+}
+
+RyViewportMgr *RyMainWindow::getViewportMgr() const
+{
+    return d->viewports.get();
+}
+
+RyActionMgr *RyMainWindow::getActionMgr() const
+{
+    return d->actions.get();
+}
+
+RyPluginManager *RyMainWindow::getPluginManager() const
+{
+    return d->plugins.get();
+}
+
+RyScriptEngine *RyMainWindow::getScriptEngine() const
+{
+    return d->scripts.get();
+}
+
+RyScene *RyMainWindow::getScene() const
+{
+    return d->scene;
+}
+
+int RyMainWindow::loadPlugins(const QString &folder)
+{
+    const int loaded = d->plugins->loadFolder(folder);
+    std::vector<RyClassFactory *> fresh;
+    for (RyClassFactory *factory : d->plugins->factories()) {
+        if (d->registered.contains(factory->className()))
+            continue;
+        d->registered.insert(factory->className());
+        fresh.push_back(factory);
+    }
+    // Tools first: an action may look its tool up when it is made.
+    for (RyClassFactory *factory : fresh) {
+        if (!factory->metaObject()->inherits(&RyViewTool::staticMetaObject))
+            continue;
+        if (auto *tool = qobject_cast<RyViewTool *>(factory->createInstance()))
+            d->viewports->addTool(tool);
+    }
+    d->actions->createActions(fresh);
+    d->scripts->registerFactories(fresh);
+    return loaded;
+}
+
+void RyMainWindow::unloadPlugins()
+{
+    if (!d->plugins)
+        return;
+    delete findChild<QWidget *>(QStringLiteral("ToolMenu"));
+    d->actions->deleteActions();
+    d->viewports->deleteTools();
+    d->scripts.reset();
+    d->plugins.reset();
+}
+
+void RyMainWindow::showToolMenu(const QPoint &globalPosition)
+{
+    RyViewTool *tool = d->viewports->getActiveTool();
+    if (!tool)
+        return;
+    auto *menu = new RyMenu(QString(), this);
+    menu->setObjectName(QStringLiteral("ToolMenu"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    tool->addToolMenuItems(menu);
+    if (menu->isEmpty()) {
+        delete menu;
+        return;
+    }
+    menu->popup(globalPosition);
+}

@@ -1,0 +1,223 @@
+#include "rycore/ui/RyFloatPropertyWgt.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/ui/RyNumberExpression.h"
+#include "rycore/ui/RyNumberField.h"
+#include "rycore/ui/RyScrubLabel.h"
+#include "rycore/ui/RyStandardMetrics.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QSlider>
+
+#include <cmath>
+
+namespace {
+constexpr int SliderSteps = 2000;
+}
+
+RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
+    : QWidget(parent), m_label(new RyScrubLabel(this)), m_slider(new QSlider(Qt::Horizontal, this)),
+      m_field(new RyNumberField(this))
+{
+    m_label->setObjectName(QStringLiteral("Label"));
+    m_slider->setObjectName(QStringLiteral("Slider"));
+    m_field->setObjectName(QStringLiteral("Field"));
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(RyStandardMetrics::Spacing);
+    layout->addWidget(m_label, 3);
+    layout->addWidget(m_slider, 4);
+    layout->addWidget(m_field, 0);
+    m_label->setMinimumWidth(24);
+    m_field->setFixedWidth(RyStandardMetrics::FieldWidth);
+    m_slider->setRange(0, SliderSteps);
+    m_slider->setMinimumWidth(40);
+    m_slider->setFocusPolicy(Qt::TabFocus);
+    setFocusProxy(m_field);
+
+    connect(m_field, &RyNumberField::valueEdited, this, &RyFloatPropertyWgt::applyValue);
+    connect(m_field, &RyNumberField::refused, this, [this](const QString &reason) {
+        emit messagePosted(tr("%1: not taken, %2.").arg(m_labelText.isNull() && getFirstProperty() ? getFirstProperty()->getLabel()
+                                                                                                  : m_labelText, reason));
+    });
+    connect(m_label, &RyScrubLabel::scrubStarted, this, &RyFloatPropertyWgt::beginDrag);
+    connect(m_label, &RyScrubLabel::scrubbed, this,
+            [this](double pixels) { dragTo(m_dragStart + pixels * m_field->step() * 0.5); });
+    connect(m_label, &RyScrubLabel::scrubFinished, this, &RyFloatPropertyWgt::endDrag);
+    connect(m_slider, &QSlider::sliderPressed, this, &RyFloatPropertyWgt::beginDrag);
+    connect(m_slider, &QSlider::sliderReleased, this, [this] { endDrag(false); });
+    connect(m_slider, &QSlider::valueChanged, this, [this](int place) {
+        const double value = sliderMin() + (double(sliderMax()) - sliderMin()) * place / SliderSteps;
+        if (m_dragHold)
+            dragTo(value);
+        else
+            applyValue(value);
+    });
+    refresh();
+}
+
+RyFloatPropertyWgt::~RyFloatPropertyWgt() = default;
+
+void RyFloatPropertyWgt::addProperty(RyFloatProperty *property)
+{
+    if (!property)
+        return;
+    m_properties.emplace_back(property);
+    connect(property, &RyFloatProperty::currentValueChanged, this, &RyFloatPropertyWgt::refresh);
+    connect(property, &RyFloatProperty::limitsChanged, this, &RyFloatPropertyWgt::refresh);
+    connect(property, &RyElement::labelChanged, this, &RyFloatPropertyWgt::refresh);
+    connect(property, &QObject::destroyed, this, &RyFloatPropertyWgt::refresh);
+    refresh();
+}
+
+void RyFloatPropertyWgt::clearProperties()
+{
+    endDrag(true);
+    for (const QPointer<RyFloatProperty> &property : m_properties) {
+        if (property)
+            disconnect(property, nullptr, this, nullptr);
+    }
+    m_properties.clear();
+    m_field->setModified(false);
+    refresh();
+}
+
+RyFloatProperty *RyFloatPropertyWgt::getFirstProperty() const
+{
+    for (const QPointer<RyFloatProperty> &property : m_properties) {
+        if (property)
+            return property;
+    }
+    return nullptr;
+}
+
+void RyFloatPropertyWgt::setFullLengthTextEdit(bool fullLength)
+{
+    m_fullLength = fullLength;
+    m_field->setMinimumWidth(fullLength ? 40 : RyStandardMetrics::FieldWidth);
+    m_field->setMaximumWidth(fullLength ? QWIDGETSIZE_MAX : RyStandardMetrics::FieldWidth);
+    refresh();
+}
+
+void RyFloatPropertyWgt::setSliderRange(float min, float max)
+{
+    m_rangeMin = min;
+    m_rangeMax = max;
+    refresh();
+}
+
+void RyFloatPropertyWgt::setStep(float step)
+{
+    m_field->setStep(double(step));
+}
+
+void RyFloatPropertyWgt::setSuffix(const QString &suffix)
+{
+    m_field->setSuffix(suffix);
+}
+
+void RyFloatPropertyWgt::setLabelText(const QString &text)
+{
+    m_labelText = text;
+    refresh();
+}
+
+void RyFloatPropertyWgt::setLabelVisible(bool visible)
+{
+    m_label->setVisible(visible);
+}
+
+float RyFloatPropertyWgt::sliderMin() const
+{
+    const RyFloatProperty *property = getFirstProperty();
+    return property && property->isClamped() ? property->getMin() : m_rangeMin;
+}
+
+float RyFloatPropertyWgt::sliderMax() const
+{
+    const RyFloatProperty *property = getFirstProperty();
+    return property && property->isClamped() ? property->getMax() : m_rangeMax;
+}
+
+QString RyFloatPropertyWgt::caption() const
+{
+    const RyFloatProperty *property = getFirstProperty();
+    return tr("Change %1").arg(!m_labelText.isEmpty() || !property ? m_labelText : property->getLabel());
+}
+
+void RyFloatPropertyWgt::refresh()
+{
+    const RyFloatProperty *property = getFirstProperty();
+    setEnabled(property != nullptr);
+    const QString text = m_labelText.isNull() ? (property ? property->getLabel() : QString()) : m_labelText;
+    m_label->setFullText(text);
+    m_field->setAccessibleName(text);
+    m_slider->setAccessibleName(text);
+    const double value = property ? double(property->getValue()) : 0.0;
+    m_field->setValue(value);
+    const double min = double(sliderMin());
+    const double max = double(sliderMax());
+    m_slider->setVisible(!m_fullLength && property && max > min);
+    if (max > min) {
+        const QSignalBlocker blocker(m_slider);
+        const double place = std::min(std::max((value - min) / (max - min), 0.0), 1.0);
+        m_slider->setValue(int(std::lround(place * SliderSteps)));
+    }
+}
+
+void RyFloatPropertyWgt::writeAll(float value)
+{
+    const std::vector<QPointer<RyFloatProperty>> properties = m_properties;
+    for (const QPointer<RyFloatProperty> &property : properties) {
+        if (property)
+            property->adjustValue(value);
+    }
+}
+
+void RyFloatPropertyWgt::applyValue(double value)
+{
+    const RyFloatProperty *property = getFirstProperty();
+    // What is shown with four decimals must not round the value when it is merely confirmed.
+    if (!property || m_dragHold
+        || RyNumberExpression::format(value) == RyNumberExpression::format(double(property->getValue()))) {
+        refresh();
+        return;
+    }
+    const QString text = caption();
+    RyUndoStackHold hold;
+    writeAll(float(value));
+    hold.accept(text);
+    refresh();
+}
+
+void RyFloatPropertyWgt::beginDrag()
+{
+    if (!getFirstProperty() || m_dragHold)
+        return;
+    m_field->commitText();
+    m_dragStart = double(getFirstProperty()->getValue());
+    m_dragHold = std::make_unique<RyUndoStackHold>();
+}
+
+void RyFloatPropertyWgt::dragTo(double value)
+{
+    if (m_dragHold)
+        writeAll(float(std::round(value * 1e4) / 1e4));
+}
+
+void RyFloatPropertyWgt::endDrag(bool cancelled)
+{
+    if (!m_dragHold)
+        return;
+    const RyFloatProperty *property = getFirstProperty();
+    const bool changed = property && double(property->getValue()) != m_dragStart;
+    const std::unique_ptr<RyUndoStackHold> hold = std::move(m_dragHold);
+    if (cancelled || !changed)
+        hold->cancel();
+    else
+        hold->accept(caption());
+    refresh();
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class QSlider;
+class RyFloatProperty;
+class RyNumberField;
+class RyScrubLabel;
+class RyUndoStackHold;
+
+/// Shows the first of its float properties and writes every edit to all of them. One edit is one undo step: a typed
+/// value, a key step, a whole drag of the slider or of the label.
+class RyFloatPropertyWgt : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit RyFloatPropertyWgt(QWidget *parent = nullptr);
+    ~RyFloatPropertyWgt() override;
+
+    void addProperty(RyFloatProperty *property);
+    void clearProperties();
+    /// Null when there is none.
+    RyFloatProperty *getFirstProperty() const;
+    /// True: no slider, the text field takes the room.
+    void setFullLengthTextEdit(bool fullLength);
+    /// Range of the slider for properties that are not clamped; equal numbers: no slider for those.
+    void setSliderRange(float min, float max);
+    void setStep(float step);
+    void setSuffix(const QString &suffix);
+    /// Instead of the property's label; null goes back to that.
+    void setLabelText(const QString &text);
+    void setLabelVisible(bool visible);
+
+    RyNumberField *numberField() const { return m_field; }
+    RyScrubLabel *label() const { return m_label; }
+    QSlider *slider() const { return m_slider; }
+
+signals:
+    /// A typed text was not taken, and why.
+    void messagePosted(const QString &message);
+
+public slots:
+    void refresh();
+
+private:
+    void applyValue(double value);
+    void writeAll(float value);
+    void beginDrag();
+    void dragTo(double value);
+    void endDrag(bool cancelled);
+    float sliderMin() const;
+    float sliderMax() const;
+    QString caption() const;
+
+    std::vector<QPointer<RyFloatProperty>> m_properties;
+    RyScrubLabel *m_label;
+    QSlider *m_slider;
+    RyNumberField *m_field;
+    std::unique_ptr<RyUndoStackHold> m_dragHold;
+    double m_dragStart = 0.0;
+    float m_rangeMin = 0.0f;
+    float m_rangeMax = 0.0f;
+    QString m_labelText;
+    bool m_fullLength = false;
+};

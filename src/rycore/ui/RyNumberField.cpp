@@ -1,0 +1,132 @@
+#include "rycore/ui/RyNumberField.h"
+
+#include "rycore/ui/RyNumberExpression.h"
+
+#include <QKeyEvent>
+#include <QToolTip>
+#include <QWheelEvent>
+
+RyNumberField::RyNumberField(QWidget *parent) : QLineEdit(parent)
+{
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    showValue();
+}
+
+void RyNumberField::setValue(double value)
+{
+    m_value = value;
+    if (!isModified())
+        showValue();
+}
+
+void RyNumberField::setSuffix(const QString &suffix)
+{
+    m_suffix = suffix;
+    showValue();
+}
+
+void RyNumberField::setMixed(bool mixed)
+{
+    m_mixed = mixed;
+    setPlaceholderText(mixed ? tr("several") : QString());
+    if (!isModified())
+        showValue();
+}
+
+double RyNumberField::stepFactor(Qt::KeyboardModifiers modifiers)
+{
+    return modifiers & Qt::ShiftModifier ? 10.0 : modifiers & Qt::ControlModifier ? 0.1 : 1.0;
+}
+
+void RyNumberField::showValue()
+{
+    const QString text = m_mixed ? QString() : RyNumberExpression::format(m_value) + m_suffix;
+    if (text != this->text()) {
+        const int place = cursorPosition();
+        setText(text);
+        setCursorPosition(hasFocus() ? place : 0);
+    }
+    setModified(false);
+}
+
+void RyNumberField::commitText()
+{
+    if (!isModified())
+        return;
+    QString typed = text().trimmed();
+    if (!m_suffix.isEmpty() && typed.endsWith(m_suffix.trimmed()))
+        typed.chop(m_suffix.trimmed().size());
+    double value = 0.0;
+    QString reason;
+    const bool valid = RyNumberExpression::evaluate(typed, value, &reason);
+    if (valid)
+        m_mixed = false;
+    setModified(false);
+    if (valid) {
+        emit valueEdited(value);
+        showValue();
+        return;
+    }
+    showValue();
+    if (isVisible())
+        QToolTip::showText(mapToGlobal(QPoint(0, height())), tr("Not taken: %1.").arg(reason), this);
+    emit refused(reason);
+}
+
+void RyNumberField::stepBy(double steps)
+{
+    commitText();
+    m_mixed = false;
+    emit valueEdited(m_value + steps * m_step);
+    showValue();
+    selectAll();
+}
+
+void RyNumberField::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Up: stepBy(stepFactor(event->modifiers())); return;
+    case Qt::Key_Down: stepBy(-stepFactor(event->modifiers())); return;
+    case Qt::Key_PageUp: stepBy(10.0); return;
+    case Qt::Key_PageDown: stepBy(-10.0); return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        commitText();
+        selectAll();
+        return;
+    case Qt::Key_Escape:
+        if (isModified()) {
+            setModified(false);
+            showValue();
+            selectAll();
+            return;
+        }
+        break;
+    default: break;
+    }
+    QLineEdit::keyPressEvent(event);
+}
+
+void RyNumberField::focusInEvent(QFocusEvent *event)
+{
+    QLineEdit::focusInEvent(event);
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        selectAll();
+}
+
+void RyNumberField::focusOutEvent(QFocusEvent *event)
+{
+    commitText();
+    QLineEdit::focusOutEvent(event);
+}
+
+void RyNumberField::wheelEvent(QWheelEvent *event)
+{
+    // Only where the user is at work: a pane that scrolls past must not change numbers.
+    if (!hasFocus() || event->angleDelta().y() == 0) {
+        event->ignore();
+        return;
+    }
+    stepBy((event->angleDelta().y() > 0 ? 1.0 : -1.0) * stepFactor(event->modifiers()));
+    event->accept();
+}
