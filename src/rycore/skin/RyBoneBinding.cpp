@@ -1,0 +1,135 @@
+#include "rycore/skin/RyBoneBinding.h"
+
+#include "rycore/skin/RyBindingChanges.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <algorithm>
+
+RyBoneBinding::RyBoneBinding() = default;
+
+RyBoneBinding::~RyBoneBinding()
+{
+    for (const RyRef<RyBulgeBinding> &bulge : m_bulges) {
+        if (bulge)
+            bulge->m_binding = nullptr;
+    }
+}
+
+void RyBoneBinding::setBone(RyBone *bone)
+{
+    if (bone == m_bone)
+        return;
+    ryUndoStack()->record<RyBindingBoneChange>({this, RyBindingBoneChange::Aspect}, this);
+    if (bone && objectName().isEmpty())
+        setObjectName(bone->getName());
+    applyBone(bone);
+}
+
+void RyBoneBinding::applyBone(RyBone *bone)
+{
+    m_bone = bone;
+    touch();
+}
+
+RyWeightMap *RyBoneBinding::getLocalWeights(int axis) const
+{
+    return axis >= 0 && axis < 3 ? m_maps[LocalX + axis].get() : nullptr;
+}
+
+void RyBoneBinding::setLocalWeights(RyWeightMap *map, int axis)
+{
+    if (axis >= 0 && axis < 3)
+        setMap(LocalX + axis, map);
+}
+
+bool RyBoneBinding::hasLocalWeights() const
+{
+    return m_maps[LocalX] || m_maps[LocalY] || m_maps[LocalZ];
+}
+
+std::vector<RyWeightMap *> RyBoneBinding::getAllWeightMaps() const
+{
+    std::vector<RyWeightMap *> maps;
+    for (const RyRef<RyWeightMap> &map : m_maps) {
+        if (map)
+            maps.push_back(map.get());
+    }
+    return maps;
+}
+
+void RyBoneBinding::setMap(int slot, RyWeightMap *map)
+{
+    if (m_maps[slot].get() == map)
+        return;
+    const RyRef<RyWeightMap> guard(map);
+    ryUndoStack()->record<RyBindingMapChange>({this, RyBindingMapChange::FirstAspect + quintptr(slot)}, this, slot);
+    applyMap(slot, guard);
+}
+
+void RyBoneBinding::applyMap(int slot, const RyRef<RyWeightMap> &map)
+{
+    if (RyWeightMap *old = m_maps[slot].get()) {
+        const auto uses = std::count_if(m_maps, m_maps + SlotCount, [old](const auto &held) { return held.get() == old; });
+        if (uses == 1)
+            disconnect(old, &RyWeightMap::weightsChanged, this, &RyBoneBinding::bindingChanged);
+    }
+    m_maps[slot] = map;
+    if (map)
+        connect(map.get(), &RyWeightMap::weightsChanged, this, &RyBoneBinding::bindingChanged, Qt::UniqueConnection);
+    touch();
+}
+
+bool RyBoneBinding::hasBulgeWeights() const
+{
+    return std::any_of(m_bulges, m_bulges + 3, [](const RyRef<RyBulgeBinding> &bulge) {
+        return bulge && (bulge->getLeftWeights() || bulge->getRightWeights());
+    });
+}
+
+RyBulgeBinding *RyBoneBinding::getBulgeBinding(int axis) const
+{
+    return axis >= 0 && axis < 3 ? m_bulges[axis].get() : nullptr;
+}
+
+void RyBoneBinding::setBulgeBinding(int axis, RyBulgeBinding *bulge)
+{
+    if (axis < 0 || axis > 2 || m_bulges[axis].get() == bulge || (bulge && bulge->m_binding))
+        return;
+    const RyRef<RyBulgeBinding> guard(bulge);
+    ryUndoStack()->record<RyBindingBulgeChange>({this, RyBindingBulgeChange::FirstAspect + quintptr(axis)}, this, axis);
+    applyBulge(axis, guard);
+}
+
+void RyBoneBinding::applyBulge(int axis, const RyRef<RyBulgeBinding> &bulge)
+{
+    if (m_bulges[axis])
+        m_bulges[axis]->m_binding = nullptr;
+    m_bulges[axis] = bulge;
+    if (bulge)
+        bulge->m_binding = this;
+    touch();
+}
+
+RyBoneBinding *RyBoneBinding::copyFor(RyBone *bone) const
+{
+    auto *binding = new RyBoneBinding;
+    binding->setObjectName(bone ? bone->getName() : objectName());
+    binding->m_bone = bone;
+    for (int slot = 0; slot < SlotCount; ++slot) {
+        if (m_maps[slot])
+            binding->applyMap(slot, RyRef<RyWeightMap>(m_maps[slot]->copy()));
+    }
+    for (int axis = 0; axis < 3; ++axis) {
+        if (!m_bulges[axis])
+            continue;
+        binding->applyBulge(axis, RyRef<RyBulgeBinding>(m_bulges[axis]->copy()));
+        binding->m_bulges[axis]->updatePropertyNames();
+    }
+    return binding;
+}
+
+void RyBoneBinding::touch()
+{
+    ++m_revision;
+    emit bindingChanged();
+}

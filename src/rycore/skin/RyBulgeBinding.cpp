@@ -1,0 +1,106 @@
+#include "rycore/skin/RyBulgeBinding.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/undo/RyUndoStack.h"
+
+namespace {
+
+constexpr const char *ControllerNames[4] = {"PosLeft", "NegLeft", "PosRight", "NegRight"};
+
+} // namespace
+
+/// One of the two maps.
+class RyBulgeWeightsChange : public RyUndoItem
+{
+public:
+    RyBulgeWeightsChange(RyBulgeBinding *bulge, int side)
+        : m_bulge(bulge), m_key(bulge), m_side(side), m_map(bulge->m_weights[side])
+    {
+    }
+    void swap() override
+    {
+        if (!m_bulge)
+            return;
+        std::swap(m_bulge->m_weights[m_side], m_map);
+        emit m_bulge->weightsChanged();
+    }
+    RyUndoKey key() const override { return {m_key, quintptr(100 + m_side)}; }
+
+private:
+    QPointer<RyBulgeBinding> m_bulge;
+    const void *m_key;
+    int m_side;
+    RyRef<RyWeightMap> m_map;
+};
+
+RyBulgeBinding::RyBulgeBinding(int axis) : m_axis(axis < 0 || axis > 2 ? 0 : axis)
+{
+    RyPropertyGroup *group = createPublicGroups("Bulges");
+    for (int i = 0; i < 4; ++i)
+        m_controllers[i] = group->addProperty(std::make_unique<RyFloatProperty>(this, controllerName(i)));
+}
+
+void RyBulgeBinding::getBulgeValues(float &posLeft, float &negLeft, float &posRight, float &negRight) const
+{
+    posLeft = m_controllers[0]->getValue();
+    negLeft = m_controllers[1]->getValue();
+    posRight = m_controllers[2]->getValue();
+    negRight = m_controllers[3]->getValue();
+}
+
+void RyBulgeBinding::adjustBulgeValues(float posLeft, float negLeft, float posRight, float negRight)
+{
+    beginEdit();
+    m_controllers[0]->adjustValue(posLeft);
+    m_controllers[1]->adjustValue(negLeft);
+    m_controllers[2]->adjustValue(posRight);
+    m_controllers[3]->adjustValue(negRight);
+    finishEdit();
+}
+
+void RyBulgeBinding::setWeights(int side, RyWeightMap *map)
+{
+    if (m_weights[side].get() == map)
+        return;
+    const RyRef<RyWeightMap> guard(map);
+    ryUndoStack()->record<RyBulgeWeightsChange>({this, quintptr(100 + side)}, this, side);
+    m_weights[side] = guard;
+    emit weightsChanged();
+}
+
+QString RyBulgeBinding::controllerName(int index) const
+{
+    const QString own = QString("bulge%1%2").arg(QChar('X' + m_axis)).arg(ControllerNames[index]);
+    const RyBone *bone = m_binding ? m_binding->getBone() : nullptr;
+    return bone ? bone->getName() + '_' + own : own;
+}
+
+void RyBulgeBinding::updatePropertyNames()
+{
+    for (int i = 0; i < 4; ++i)
+        m_controllers[i]->setName(controllerName(i));
+}
+
+RyBulgeBinding *RyBulgeBinding::copy() const
+{
+    auto *bulge = new RyBulgeBinding(m_axis);
+    bulge->setObjectName(objectName());
+    for (int i = 0; i < 4; ++i) {
+        RyFloatProperty *to = bulge->m_controllers[i];
+        const RyFloatProperty *from = m_controllers[i];
+        to->setObjectName(from->objectName());
+        to->setMin(from->getMin());
+        to->setMax(from->getMax());
+        to->setDefaultValue(from->getDefaultValue());
+        to->setValue(from->getValue());
+        to->setIsClamped(from->isClamped());
+    }
+    for (int side = 0; side < 2; ++side) {
+        if (m_weights[side])
+            bulge->m_weights[side] = RyRef<RyWeightMap>(m_weights[side]->copy());
+    }
+    return bulge;
+}

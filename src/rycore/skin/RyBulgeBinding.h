@@ -1,0 +1,57 @@
+#pragma once
+
+#include "rycore/base/RyElement.h"
+#include "rycore/base/RyRefCounted.h"
+#include "rycore/mesh/RyWeightMap.h"
+
+class RyBoneBinding;
+class RyFloatProperty;
+
+/// How a bone bulges when it turns about one of its axes: a map for either side (left and right of the joint), and for
+/// either side how much positive and negative turns bulge. The values and maps are kept, edited and saved with the rig;
+/// the linear blend of the skin does not use them.
+class RyBulgeBinding : public RyElement, public RyRefCountedItem
+{
+    Q_OBJECT
+public:
+    /// Axis 0 (X), 1 (Y) or 2 (Z).
+    explicit RyBulgeBinding(int axis = 0);
+
+    int getAxis() const { return m_axis; }
+    /// The binding that has this one, null when none.
+    RyBoneBinding *getBoneBinding() const { return m_binding; }
+
+    RyFloatProperty *getPosLeftBulgeController() const { return m_controllers[0]; }
+    RyFloatProperty *getNegLeftBulgeController() const { return m_controllers[1]; }
+    RyFloatProperty *getPosRightBulgeController() const { return m_controllers[2]; }
+    RyFloatProperty *getNegRightBulgeController() const { return m_controllers[3]; }
+    /// The four current values.
+    void getBulgeValues(float &posLeft, float &negLeft, float &posRight, float &negRight) const;
+    /// Makes these the resulting current values, also where links add to them; defaults stay.
+    void adjustBulgeValues(float posLeft, float negLeft, float posRight, float negRight);
+
+    /// May be null. Setting takes ownership and is undoable where a hold is open.
+    RyWeightMap *getLeftWeights() const { return m_weights[0].get(); }
+    RyWeightMap *getRightWeights() const { return m_weights[1].get(); }
+    void setLeftWeights(RyWeightMap *map) { setWeights(0, map); }
+    void setRightWeights(RyWeightMap *map) { setWeights(1, map); }
+
+    /// Names the four controllers after the bone, e.g. "hip_bulgeXPosLeft".
+    void updatePropertyNames();
+    /// A deep copy, in no binding.
+    RyBulgeBinding *copy() const;
+
+signals:
+    void weightsChanged();
+
+private:
+    friend class RyBoneBinding;
+    friend class RyBulgeWeightsChange;
+    void setWeights(int side, RyWeightMap *map);
+    QString controllerName(int index) const;
+
+    int m_axis;
+    RyBoneBinding *m_binding = nullptr;
+    RyFloatProperty *m_controllers[4] = {};
+    RyRef<RyWeightMap> m_weights[2];
+};

@@ -1,0 +1,242 @@
+#include "rycore/skin/RySkinBinding.h"
+
+#include "rycore/mesh/RyVertexMesh.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyShape.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyLocalStages.h"
+#include "rycore/skin/RyWeightNormalizer.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <algorithm>
+
+/// A binding's place in a skin: -1 for none.
+class RyBindingListChange : public RyUndoItem
+{
+public:
+    RyBindingListChange(RySkinBinding *skin, RyBoneBinding *binding, int index)
+        : m_skin(skin), m_binding(binding), m_index(index)
+    {
+    }
+    void swap() override
+    {
+        RyBoneBinding *binding = m_binding.get();
+        if (!m_skin || !binding || (binding->getSkin() && binding->getSkin() != m_skin))
+            return;
+        const auto place = std::find(m_skin->m_bindings.begin(), m_skin->m_bindings.end(), binding);
+        const int now = place == m_skin->m_bindings.end() ? -1 : int(place - m_skin->m_bindings.begin());
+        if (now >= 0)
+            m_skin->takeBinding(binding);
+        if (m_index >= 0)
+            m_skin->insertBinding(binding, m_index);
+        m_index = now;
+    }
+
+private:
+    QPointer<RySkinBinding> m_skin;
+    RyRef<RyBoneBinding> m_binding;
+    int m_index;
+};
+
+RySkinBinding::RySkinBinding() = default;
+
+RySkinBinding::~RySkinBinding()
+{
+    for (RyBoneBinding *binding : m_bindings) {
+        binding->m_skin = nullptr;
+        disconnect(binding, nullptr, this, nullptr);
+        binding->unref();
+    }
+}
+
+RySkinBinding *RySkinBinding::findSkinFromNode(const RyNode *node)
+{
+    return findSkin(node ? node->getSkeleton() : nullptr);
+}
+
+RySkinBinding *RySkinBinding::findSkin(const RySkeleton *skeleton, const void *)
+{
+    const RyObject *object = skeleton ? skeleton->getObject() : nullptr;
+    return object ? object->findModifier<RySkinBinding>() : nullptr;
+}
+
+bool RySkinBinding::addBoneBinding(RyBoneBinding *binding)
+{
+    if (!binding || binding->m_skin)
+        return false;
+    const RyRef<RyBoneBinding> guard(binding);
+    ryUndoStack()->record<RyBindingListChange>({}, this, binding, -1);
+    insertBinding(binding, getNumBoneBindings());
+    return true;
+}
+
+bool RySkinBinding::removeBoneBinding(RyBoneBinding *binding)
+{
+    const auto place = std::find(m_bindings.begin(), m_bindings.end(), binding);
+    if (place == m_bindings.end())
+        return false;
+    const RyRef<RyBoneBinding> guard(binding);
+    ryUndoStack()->record<RyBindingListChange>({}, this, binding, int(place - m_bindings.begin()));
+    takeBinding(binding);
+    return true;
+}
+
+void RySkinBinding::insertBinding(RyBoneBinding *binding, int index)
+{
+    binding->ref();
+    binding->m_skin = this;
+    m_bindings.insert(m_bindings.begin() + std::min(index, getNumBoneBindings()), binding);
+    connect(binding, &RyBoneBinding::bindingChanged, this, &RySkinBinding::skinChanged);
+    ++m_listRevision;
+    emit skinChanged();
+}
+
+void RySkinBinding::takeBinding(RyBoneBinding *binding)
+{
+    m_bindings.erase(std::find(m_bindings.begin(), m_bindings.end(), binding));
+    disconnect(binding, nullptr, this, nullptr);
+    binding->m_skin = nullptr;
+    ++m_listRevision;
+    emit skinChanged();
+    binding->unref();
+}
+
+RyBoneBinding *RySkinBinding::findBoneBinding(const RyNode *bone) const
+{
+    const auto place = std::find_if(m_bindings.begin(), m_bindings.end(),
+                                    [bone](const RyBoneBinding *binding) { return binding->getBone() == bone; });
+    return bone && place != m_bindings.end() ? *place : nullptr;
+}
+
+bool RySkinBinding::hasLocalMaps() const
+{
+    return m_localKind || std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->hasLocalWeights(); });
+}
+
+bool RySkinBinding::hasGeneralMaps() const
+{
+    return m_generalKind
+        || std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->getWeights() != nullptr; });
+}
+
+void RySkinBinding::setMapKinds(bool local, bool general)
+{
+    m_localKind = local;
+    m_generalKind = general;
+}
+
+void RySkinBinding::normalize(int, int types, bool)
+{
+    const auto normalizeKind = [this](auto mapOf) {
+        std::vector<RyWeightMap *> maps;
+        for (const RyBoneBinding *binding : m_bindings) {
+            if (RyWeightMap *map = mapOf(binding))
+                maps.push_back(map);
+        }
+        RyWeightNormalizer::normalize(maps);
+    };
+    if (types & GeneralWeights)
+        normalizeKind([](const RyBoneBinding *b) { return b->getWeights(); });
+    for (int axis = 0; axis < 3; ++axis) {
+        if (types & (LocalXWeights << axis))
+            normalizeKind([axis](const RyBoneBinding *b) { return b->getLocalWeights(axis); });
+    }
+    if (types & ScaleWeights)
+        normalizeKind([](const RyBoneBinding *b) { return b->getScaleWeights(); });
+}
+
+void RySkinBinding::reduceWeightMemory()
+{
+    for (const RyBoneBinding *binding : m_bindings) {
+        for (RyWeightMap *map : binding->getAllWeightMaps())
+            map->compact();
+    }
+}
+
+void RySkinBinding::buildGeneralWeightMaps(std::vector<RyRef<RyWeightMap>> &maps, std::vector<RyBoneBinding *> &bindings,
+                                           int option) const
+{
+    for (RyBoneBinding *binding : m_bindings) {
+        bindings.push_back(binding);
+        if (binding->getWeights()) {
+            maps.emplace_back(binding->getWeights());
+        } else if (option == AverageLocalMaps && binding->hasLocalWeights()) {
+            const RyWeightMap *local[3];
+            for (int axis = 0; axis < 3; ++axis)
+                local[axis] = binding->getLocalWeights(axis);
+            maps.emplace_back(RyWeightNormalizer::mean(binding->getName(), local));
+        }
+    }
+}
+
+std::vector<quint64> RySkinBinding::weightsKey() const
+{
+    std::vector<quint64> key{m_listRevision};
+    for (const RyBoneBinding *binding : m_bindings) {
+        key.push_back(binding->revision());
+        for (const RyWeightMap *map : binding->getAllWeightMaps())
+            key.push_back(map->revision());
+    }
+    return key;
+}
+
+bool RySkinBinding::updateInfluences(int vertexCount)
+{
+    std::vector<quint64> key = weightsKey();
+    key.push_back(quint64(vertexCount));
+    if (key == m_influencesKey)
+        return true;
+    for (const RyBoneBinding *binding : m_bindings) {
+        for (const RyWeightMap *map : binding->getAllWeightMaps()) {
+            if (!map->isEmpty() && map->getNumWeights() != vertexCount)
+                return false;
+        }
+    }
+    std::vector<RySkinDeformer::Channel> channels;
+    m_mapSources.clear();
+    for (const RyBoneBinding *binding : m_bindings) {
+        MapSource source;
+        source.firstChannel = int(channels.size());
+        source.local = !binding->getWeights() && binding->hasLocalWeights();
+        if (source.local)
+            RyLocalStages::appendChannels(*binding, channels);
+        else
+            channels.push_back(RySkinDeformer::Channel::fromMap(binding->getWeights()));
+        m_mapSources.push_back(source);
+    }
+    m_maps.assign(channels.size(), RyAffine());
+    m_deformer.setInfluences(vertexCount, channels);
+    m_influencesKey = std::move(key);
+    return true;
+}
+
+void RySkinBinding::updateMaps()
+{
+    for (size_t i = 0; i < m_bindings.size(); ++i) {
+        MapSource &source = m_mapSources[i];
+        const RyBone *bone = m_bindings[i]->getBone();
+        const quint64 revision = bone ? bone->mapRevision() : 0;
+        if (bone == source.bone && revision == source.revision)
+            continue;
+        source.bone = bone;
+        source.revision = revision;
+        RyAffine *maps = &m_maps[size_t(source.firstChannel)];
+        if (source.local)
+            RyLocalStages::fillMaps(bone, maps);
+        else
+            *maps = bone ? bone->figureMap() : RyAffine();
+    }
+}
+
+bool RySkinBinding::deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out)
+{
+    if (!updateInfluences(int(positions.size())))
+        return false;
+    updateMaps();
+    // Positions that are not those of the shape have no revision to go by.
+    const RyShape *shape = getObject() ? getObject()->getCurrentShape() : nullptr;
+    const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;
+    const bool known = mesh && &mesh->getPositions() == &positions;
+    out = m_deformer.deform(positions, m_maps, known ? mesh : nullptr, known ? mesh->revision() : 0);
+    return true;
+}
