@@ -99,12 +99,13 @@ bool RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
     return true;
 }
 
-void RyERCLink::detach()
+void RyERCLink::detach(bool announce)
 {
     const std::shared_ptr<RyERCLink> keep = std::exchange(m_self, nullptr);
     if (!keep)
         return;
     std::erase(m_controller->m_outgoing, this);
     std::erase(m_controlled->m_incoming, this);
-    m_controlled->announceIfChanged();
+    if (announce)
+        m_controlled->announceIfChanged();
 }

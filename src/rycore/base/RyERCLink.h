@@ -32,7 +32,7 @@ private:
     bool isAttached() const { return m_self != nullptr; }
     /// False, and nothing done, where the properties are gone or the link would repeat another or close a cycle.
     static bool attach(const std::shared_ptr<RyERCLink> &link);
-    void detach();
+    void detach(bool announce = true);
 
     QPointer<RyFloatProperty> m_controller;
     QPointer<RyFloatProperty> m_controlled;

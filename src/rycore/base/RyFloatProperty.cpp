@@ -18,7 +18,7 @@ RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float de
 RyFloatProperty::~RyFloatProperty()
 {
     while (!m_incoming.empty())
-        m_incoming.back()->detach();
+        m_incoming.back()->detach(false);
     while (!m_outgoing.empty())
         m_outgoing.back()->detach();
 }
