@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <memory>
 #include <vector>
 
 class RyGltfDocument;
@@ -16,7 +17,8 @@ class RyGltfDocument;
 class RyGltfMeshBuilder
 {
 public:
-    explicit RyGltfMeshBuilder(const RyGltfDocument &document) : m_document(document) {}
+    explicit RyGltfMeshBuilder(const RyGltfDocument &document);
+    ~RyGltfMeshBuilder();
 
     /// Adds a primitive. `bonesOfJoints` maps joint numbers of its skin to bones (empty: not skinned), `toFigure` its mesh
     /// space to figure space in centimetres. Vertices weld only among parts with the same `weldClass`. Influences that
@@ -35,22 +37,39 @@ public:
         std::vector<int> vertices;
         std::vector<quint16> weights;
     };
-    std::vector<BoneWeights> takeBoneWeights(int boneCount);
+    std::vector<BoneWeights> boneWeights(int boneCount) const;
+    /// Per welded vertex the bone with the largest weight, -1 where no bone has any.
+    const std::vector<int> &strongestBones() const { return m_strongest; }
 
 private:
     struct Part;
-    void weld(const Part &part, RyMeshPart &result, int weldClass);
+    void readAttributes(const RyGltfPrimitive &primitive, Part &part);
+    void weld(Part &part, RyMeshPart &result);
+    void shareNormals(const Part &part, int firstVertex, RyMeshPart &result);
+    void readInfluences(int firstVertex);
     void readFacets(const RyGltfPrimitive &primitive, int vertexCount, RyMeshPart &result);
 
     const RyGltfDocument &m_document;
-    // Influences of all welded vertices: entry range of vertex v is m_influenceStart[v] .. m_influenceStart[v + 1].
-    std::vector<int> m_influenceStart{0};
-    std::vector<int> m_influenceBones;
-    std::vector<quint16> m_influenceWeights;
-    // Raw bytes by which vertices weld, kept per weld class while parts of that class are added.
+    /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.
+    std::vector<std::unique_ptr<Part>> m_classParts;
+    struct Origin
+    {
+        int part;
+        int split;
+    };
+    std::vector<Origin> m_origins; // per welded vertex of the class
     int m_weldClass = -1;
-    size_t m_rowSize = 0;
-    std::vector<unsigned char> m_rows;   // one row per welded vertex of the class
     int m_firstOfClass = 0;
-    std::vector<int> m_table;
+    std::vector<int> m_table; // hash table of welded vertices of the class, by position
+    // Influences in runs of welded vertices: a run has `width` places for each vertex, empty ones weigh 0.
+    struct InfluenceRun
+    {
+        int firstVertex;
+        int vertexCount;
+        int width;
+        std::vector<quint16> bones;
+        std::vector<quint16> weights;
+    };
+    std::vector<InfluenceRun> m_runs;
+    std::vector<int> m_strongest;
 };

@@ -97,7 +97,8 @@ double RyGltfSceneReader::findUnit() const
                 if (primitive.positions < 0)
                     continue;
                 const std::vector<float> values = m_scene->document->readFloats(primitive.positions);
-                for (size_t i = 0; i + 2 < values.size(); i += 3) {
+                const size_t step = 3 * (1 + values.size() / 300000); // a sample is enough for a height
+                for (size_t i = 0; i + 2 < values.size(); i += step) {
                     const double from[3] = {values[i], values[i + 1], values[i + 2]};
                     double at[3];
                     map->second.mapPoint(from, at);
@@ -142,8 +143,8 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         m_sceneNodeOf[size_t(node)] = bone;
     }
     buildMesh(figure);
-    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->takeBoneWeights(int(figure.bones.size()));
-    placeBones(figure, weights);
+    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
+    placeBones(figure);
     attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
 }
@@ -213,7 +214,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
         }
     }
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
-    const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->takeBoneWeights(int(figure.bones.size()));
+    const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
     for (size_t bone = 0; bone < weights.size(); ++bone) {
         for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
             const size_t vertex = size_t(weights[bone].vertices[i]);
@@ -233,7 +234,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
     }
 }
 
-void RyGltfSceneReader::placeBones(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights)
+void RyGltfSceneReader::placeBones(Figure &figure)
 {
     const RyGltfModel &model = m_scene->document->model();
     const size_t count = figure.bones.size();
@@ -258,20 +259,15 @@ void RyGltfSceneReader::placeBones(Figure &figure, const std::vector<RyGltfMeshB
     if (!(height > 0.0f))
         height = std::max(joints.getSize(), 1.0f);
 
-    // Vertices that follow each bone more than any other.
-    std::vector<int> strongest(figure.mesh->positions.size(), -1);
-    std::vector<quint16> strongestWeight(figure.mesh->positions.size(), 0);
-    for (size_t bone = 0; bone < count; ++bone) {
-        for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
-            const size_t vertex = size_t(weights[bone].vertices[i]);
-            if (weights[bone].weights[i] > strongestWeight[vertex]) {
-                strongestWeight[vertex] = weights[bone].weights[i];
-                strongest[vertex] = int(bone);
-            }
-        }
+    // Only leaves are measured by the vertices that follow them more than any other bone.
+    std::vector<bool> isLeaf(count, true);
+    for (const RyEndPointBone &bone : bones) {
+        if (bone.parent >= 0)
+            isLeaf[size_t(bone.parent)] = false;
     }
+    const std::vector<int> &strongest = figure.mesh->strongestBones();
     for (size_t vertex = 0; vertex < strongest.size(); ++vertex) {
-        if (strongest[vertex] >= 0)
+        if (strongest[vertex] >= 0 && isLeaf[size_t(strongest[vertex])])
             bones[size_t(strongest[vertex])].vertices.push_back(int(vertex));
     }
     for (size_t i = 0; i < count; ++i) {

@@ -41,8 +41,7 @@ private:
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
-    void placeBones(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights);
-    void setRigging(Figure &figure, const std::vector<RyVec3> &ends, float height);
+    void placeBones(Figure &figure);
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     void buildProps();
     void fillLooks(RyMeshParts &parts) const;
