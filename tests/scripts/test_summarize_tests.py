@@ -19,14 +19,16 @@ GOOD = section("tst_a", "Totals: 5 passed, 0 failed, 1 skipped, 0 blacklisted, 3
 SCRIPT_TEST = section("check", "fine\n", "Test Passed.")
 BAD = section("tst_c", "FAIL!  : C::d()\nTotals: 4 passed, 2 failed, 0 skipped\n", "Test Failed.")
 CRASHED = section("tst_e", "Totals: 3 passed, 0 failed, 0 skipped\nSegmentation fault\n", "Test Failed.")
-MISSING = section("tst_f", "", "Unable to find executable")
+NEVER_RAN = "Unable to find executable: /gone\n" + section("tst_f", "", "Test Passed.")
 
 
-def summarize(*sections):
-    with tempfile.NamedTemporaryFile("w", suffix=".log") as log:
-        log.write("Start testing\n----\n" + "".join(sections))
-        log.flush()
-        done = subprocess.run([sys.executable, str(SCRIPT), log.name], stdout=subprocess.PIPE, text=True, check=False)
+def summarize(*sections, failed=()):
+    with tempfile.TemporaryDirectory() as folder:
+        log = pathlib.Path(folder, "LastTest.log")
+        log.write_text("Start testing\n----\n" + "".join(sections))
+        if failed:
+            pathlib.Path(folder, "LastTestsFailed.log").write_text("".join(f"7:{name}\n" for name in failed))
+        done = subprocess.run([sys.executable, str(SCRIPT), str(log)], stdout=subprocess.PIPE, text=True, check=False)
     return done.returncode, done.stdout.splitlines()
 
 
@@ -37,15 +39,15 @@ class SummarizeTest(unittest.TestCase):
         self.assertIn("    A::b() no file", lines)
 
     def test_failures(self):
-        code, lines = summarize(GOOD, BAD)
+        code, lines = summarize(GOOD, BAD, failed=["tst_c"])
         self.assertEqual((code, lines[-1]), (1, "11 passed, 2 failed"))
 
     def test_crash_counts_as_a_failure(self):
-        code, lines = summarize(CRASHED)
+        code, lines = summarize(CRASHED, failed=["tst_e"])
         self.assertEqual((code, lines[-1]), (1, "3 passed, 1 failed"))
 
     def test_program_that_never_ran_counts_as_a_failure(self):
-        code, lines = summarize(GOOD, MISSING)
+        code, lines = summarize(GOOD, NEVER_RAN, failed=["tst_f"])
         self.assertEqual((code, lines[-1]), (1, "7 passed, 1 failed"))
 
     def test_no_test_is_no_success(self):
