@@ -82,6 +82,13 @@ void RyScriptEngine::setGlobalScene(QObject *scene)
 
 QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fileName, int firstLine)
 {
+    // Called by a native function of a running script: the program does not see that function's variables.
+    const bool nested = currentContext()->parentContext() != nullptr;
+    if (nested) {
+        QScriptContext *context = pushContext();
+        context->setActivationObject(globalObject());
+        context->setThisObject(globalObject());
+    }
     const QScriptValue result = QScriptEngine::evaluate(program, fileName, firstLine);
     m_failed = hasUncaughtException();
     if (m_failed) {
@@ -90,5 +97,7 @@ QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fil
             place, QString::number(uncaughtExceptionLineNumber()), uncaughtException().toString()));
         clearExceptions();
     }
+    if (nested)
+        popContext();
     return result;
 }

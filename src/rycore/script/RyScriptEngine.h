@@ -27,7 +27,7 @@ public:
     /// language or a class has the name already.
     void setGlobalScene(QObject *scene);
 
-    /// Runs a program. An uncaught error is logged with file and line, does not stay pending, and is the result.
+    /// Runs a program in the global scope, also when a running script leads here. An uncaught error is logged with file and line, does not stay pending, and is the result.
     QScriptValue evaluate(const QString &program, const QString &fileName = QString(), int firstLine = 1);
     /// Whether the latest `evaluate` ended with an error.
     bool hasFailed() const { return m_failed; }

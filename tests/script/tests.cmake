@@ -1,0 +1,1 @@
+ry_test(script LIBS rycore_script ry_test_core)
