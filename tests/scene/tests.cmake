@@ -1,1 +1,1 @@
-ry_test(scene LIBS rycore_scene ry_test_core)
+ry_test(scene LIBS rycore_scene Eigen3::Eigen ry_test_core)

@@ -19,12 +19,26 @@ RyNode::RyNode(Rigging rigging)
 
 RyNode::~RyNode()
 {
+    ref(); // somebody deleted it in spite of its holders: letting go of them must not delete it again
     if (m_scene)
         m_scene->unregisterNode(this);
     if (m_parent)
         m_parent->detachChild(this);
-    while (!m_children.empty())
-        detachChild(m_children.back());
+    // Descendants that nobody else holds go one after the other, so that a deep chain does not nest destructors.
+    std::vector<RyRef<RyNode>> orphans;
+    const auto takeChildrenOf = [&orphans](RyNode *node) {
+        while (!node->m_children.empty()) {
+            orphans.emplace_back(node->m_children.back());
+            node->detachChild(node->m_children.back());
+        }
+    };
+    takeChildrenOf(this);
+    while (!orphans.empty()) {
+        const RyRef<RyNode> orphan = std::move(orphans.back());
+        orphans.pop_back();
+        if (orphan && orphan->refCount() == 1)
+            takeChildrenOf(orphan.get());
+    }
     applyObject(nullptr);
 }
 
@@ -117,7 +131,7 @@ bool RyNode::isDescendantOf(const RyNode *node) const
 
 bool RyNode::addNodeChild(RyNode *child, bool keepWorld, int index)
 {
-    if (!child || child == this || isDescendantOf(child))
+    if (!child || child == this || (!child->m_children.empty() && isDescendantOf(child)))
         return false;
     const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
     const RyRef<RyNode> guard(child);

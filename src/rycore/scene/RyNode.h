@@ -198,6 +198,7 @@ private:
     bool m_promoteSelection = false;
     bool m_inheritScale = true;
     bool m_riggingTouched = false; // within an edit
+    bool m_restoringEdit = false;
     std::vector<float> m_editSnapshot;
     mutable RyQuat m_worldRotation;
     mutable RyQuat m_figureRotation;

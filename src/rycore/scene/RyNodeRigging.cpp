@@ -98,7 +98,7 @@ void RyNode::propertyChanged(RyFloatProperty *property)
         if (movesPoints)
             invalidateMaps();
         m_riggingTouched = true;
-        if (editLevel() == 0) {
+        if (editLevel() == 0 && !m_restoringEdit) {
             m_riggingTouched = false;
             emit riggingChanged();
         }
@@ -147,11 +147,12 @@ void RyNode::editCancelled()
         property->setValue(m_editSnapshot[next]);
         next += 2;
     };
-    const std::vector<float> kept = m_editSnapshot;
+    m_restoringEdit = true;
     for (RyFloatProperty *property : m_rigging)
         restore(property);
     for (RyFloatProperty *property : m_pose)
         restore(property);
+    m_restoringEdit = false;
     m_editSnapshot.clear();
     if (m_riggingTouched) {
         m_riggingTouched = false;
@@ -229,11 +230,13 @@ void RyNode::setLocalTransform(const RyVec3 &position, const RyQuat &rotation, c
     const RyQuat pose = orientation * rotation * orientation.inverse();
     const RyMatrix3 inBoneAxes = RyMatrix3(orientation) * scale * RyMatrix3(orientation.inverse());
     const int order[3] = {m_rotationOrder[0], m_rotationOrder[1], m_rotationOrder[2]};
-    const RyVec3 degrees = pose.toEuler(order);
+    // The identity is written as such, not as what rounding leaves of it.
+    const RyVec3 degrees = rotation == RyQuat() ? RyVec3() : pose.toEuler(order);
+    const bool unscaled = scale == RyMatrix3();
     for (int axis = 0; axis < 3; ++axis) {
         m_pose[axis]->adjustValue(position[axis]);
         m_pose[3 + axis]->adjustValue(degrees[axis]);
-        m_pose[7 + axis]->adjustValue(inBoneAxes[axis][axis]);
+        m_pose[7 + axis]->adjustValue(unscaled ? 1.0f : inBoneAxes[axis][axis]);
     }
     m_pose[6]->adjustValue(generalScale);
 }
