@@ -1,0 +1,6 @@
+#include "pluginsource/RyJointTools/pane/RyBindingToSelectionMapBuilder.h"
+
+RyBindingToSelectionMapBuilder::RyBindingToSelectionMapBuilder()
+{
+    setObjectName(QStringLiteral("RyBindingToSelectionMapBuilder"));
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
+
+// Actions that make bones and figures.
+
+class RyJECreateBoneAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJECreateBoneAction();
+};
+
+class RyJECreateSiblingBoneAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJECreateSiblingBoneAction();
+};
+
+class RyJEDuplicateBonesAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJEDuplicateBonesAction();
+};
+
+class RyJESplitBoneAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJESplitBoneAction();
+};
+
+class RyJECreateDonorFigureAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJECreateDonorFigureAction();
+};
+
+class RyJECreateControlBonesAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJECreateControlBonesAction();
+};

@@ -1,0 +1,5 @@
+#include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
+
+RyJEDeleteBoneAction::RyJEDeleteBoneAction() : RyJEToolAction(staticMetaObject) {}
+
+RyJEDeleteUnusedBonesAction::RyJEDeleteUnusedBonesAction() : RyJEToolAction(staticMetaObject) {}

@@ -1,0 +1,3 @@
+#include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
+
+RyJECustomColorsAction::RyJECustomColorsAction() : RyJEToolAction(staticMetaObject) {}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "rycore/math/RyLine3.h"
+#include "rycore/math/RyVec3.h"
+
+#include <QPointer>
+
+#include <memory>
+
+class RyElement;
+class RyNode;
+class RyUndoStackHold;
+
+/// One drag of a handle, made at the press. It records there what it starts from; every move computes from that and never
+/// from the move before. The first move opens the undo step and the edit of the element; both are ended together, by
+/// finish, cancel or the destructor, which cancels.
+class RyHandleDrag
+{
+public:
+    /// What holds during one move.
+    struct Options
+    {
+        bool keepLength = false;
+        bool propagate = false;
+    };
+
+    /// `element` is edited by the drag; null where nothing is.
+    explicit RyHandleDrag(RyElement *element);
+    virtual ~RyHandleDrag();
+    RyHandleDrag(const RyHandleDrag &) = delete;
+    RyHandleDrag &operator=(const RyHandleDrag &) = delete;
+
+    /// Where a ray of the world meets the handle's plane or line, from the handle's anchor.
+    virtual RyVec3 dragVector(const RyLine3 &ray) const;
+    /// Changes the scene by the way from the drag vector at the press to the present one.
+    virtual void apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options);
+    /// Takes over the propagation of a change of the origin that this drag makes: everything is placed from where it was
+    /// at the press. False when the drag does not move that node's origin.
+    virtual bool propagateOrigin(RyNode *node, const RyVec3 &newOrigin);
+
+    bool isOpen() const { return m_hold != nullptr; }
+    void open();
+    void finish(const QString &caption);
+    void cancel();
+
+private:
+    QPointer<RyElement> m_element;
+    std::unique_ptr<RyUndoStackHold> m_hold;
+};

@@ -1,0 +1,20 @@
+#include "pluginsource/RyJointTools/tool/drags/makeDrag.h"
+
+#include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandle.h"
+
+#include "rycore/scene/RyNode.h"
+
+static bool isJointPoint(const RyHandle &handle)
+{
+    return handle.target == RyHandle::Origin || handle.target == RyHandle::EndPoint;
+}
+
+std::unique_ptr<RyHandleDrag> makeDrag(const RyHandle *handle, RyNode *node, RyDragFrame &frame)
+{
+    if (handle && node && isJointPoint(*handle)) {
+        const auto point = handle->target == RyHandle::Origin ? RyPointDrag::Origin : RyPointDrag::EndPoint;
+        return std::make_unique<RyPointDrag>(node, point, handle->axis, frame);
+    }
+    return std::make_unique<RyHandleDrag>(node);
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "pluginsource/RyJointTools/tool/RyBoneIndex.h"
+#include "pluginsource/RyJointTools/tool/RyJointToolDisplay.h"
+
+class Ry3DViewport;
+class RyNode;
+
+/// What holds for one drawing of the tool. In the pick pass handles and bones are drawn in colours that are their ids,
+/// and nothing else is drawn.
+struct RyDrawContext
+{
+    bool pickPass;
+    int hoveredId;
+    const RyJointToolDisplay &display;
+    const RyNode *currentNode;
+    const RyBoneIndex &bones;
+    Ry3DViewport *viewport;
+};

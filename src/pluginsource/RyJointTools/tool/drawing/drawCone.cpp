@@ -1,0 +1,42 @@
+#include "pluginsource/RyJointTools/tool/drawing/drawCone.h"
+
+#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+
+#include "rycore/math/RyFastMath.h"
+#include "rycore/viewport/RyGLUtility.h"
+
+#include <GL/gl.h>
+
+#include <algorithm>
+#include <array>
+
+static constexpr float conePixels = 50.0f;
+static constexpr float maxConeSize = 6.0f;
+static constexpr int rimPoints = 11; // the last one closes the rim
+static constexpr double rimStep = 36.0 * RyFastMath::RadiansPerDegree;
+
+float coneSizeAt(const RyVec3 &place)
+{
+    return std::min(RyGLUtility::displayToPerspectiveSize(conePixels, place), maxConeSize);
+}
+
+void drawCone(const RyVec3 &base, int axis, float size)
+{
+    const RyVec3 sideways = RyVec3::axis((axis + 1) % 3);
+    const RyVec3 upwards = RyVec3::axis((axis + 2) % 3);
+    std::array<RyVec3, rimPoints> rim;
+    for (int i = 0; i < rimPoints; ++i) {
+        float sine, cosine;
+        RyFastMath::sinAndCos(float(i * rimStep), sine, cosine);
+        rim[size_t(i)] = base + (sideways * cosine + upwards * sine) * (size / 10.0f);
+    }
+    glBegin(GL_TRIANGLE_FAN);
+    putVertex(base + RyVec3::axis(axis) * (size / 4.0f));
+    for (const RyVec3 &point : rim)
+        putVertex(point);
+    glEnd();
+    glBegin(GL_POLYGON);
+    for (const RyVec3 &point : rim)
+        putVertex(point);
+    glEnd();
+}

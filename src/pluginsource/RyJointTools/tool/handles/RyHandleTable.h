@@ -1,0 +1,22 @@
+#pragma once
+
+#include "pluginsource/RyJointTools/tool/handles/RyHandle.h"
+
+#include <QString>
+
+#include <span>
+
+/// All handles, in order of their ids; bones are not in it.
+class RyHandleTable
+{
+public:
+    static std::span<const RyHandle> handles();
+    /// Null for ids that are no handle.
+    static const RyHandle *find(int id);
+    static QString toolTip(const RyHandle &handle);
+    /// Rings may not be turned freely while rotation axes are restricted.
+    static Qt::CursorShape cursor(const RyHandle &handle, bool restrictRotationAxes);
+    /// What the mouse will do: "lForearm, end point X: drag to move along X, Ctrl keeps the bone's length".
+    static QString statusText(const RyHandle &handle, const QString &nodeLabel);
+    static QString boneStatusText(const QString &boneLabel);
+};

@@ -1,0 +1,9 @@
+#include "rycore/app/RyMVCCageAdjustRigToShapeAction.h"
+
+RyMVCCageAdjustRigToShapeAction::RyMVCCageAdjustRigToShapeAction()
+    : RyAction(tr("Adjust Rig to Shape"),
+               tr("Moves the center and end points of the bones to follow the current shape of the figure."))
+{
+    setObjectName(QStringLiteral("RyMVCCageAdjustRigToShapeAction"));
+    setEnabled(false);
+}
