@@ -108,7 +108,7 @@ int main()
     RySkinDeformer deformer;
     const double build = milliseconds([&] { deformer.setInfluences(Vertices, scene.channels); });
     RySkinDeformer scalar;
-    scalar.setPath(RySkinDeformer::Path::Scalar);
+    scalar.setPath(RySkinDeformer::Path::Plain);
     scalar.setInfluences(Vertices, scene.channels);
     std::vector<Eigen::Vector3f> peer(Vertices);
 

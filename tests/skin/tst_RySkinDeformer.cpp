@@ -126,7 +126,7 @@ void RySkinDeformerTest::bothPathsMatchDoubles()
     QFETCH(int, influences);
     const Cloud cloud(vertices, channels, influences, ryTestSeed());
     const auto expected = cloud.expected();
-    for (const auto path : {RySkinDeformer::Path::Scalar, RySkinDeformer::Path::Avx2, RySkinDeformer::Path::Best}) {
+    for (const auto path : {RySkinDeformer::Path::Plain, RySkinDeformer::Path::Avx2, RySkinDeformer::Path::Best}) {
         RySkinDeformer deformer;
         deformer.setPath(path);
         deformer.setInfluences(vertices, cloud.channels);
@@ -144,7 +144,7 @@ void RySkinDeformerTest::identityKeepsEveryBit()
     RySkinDeformer deformer;
     deformer.setInfluences(3000, cloud.channels);
     QVERIFY(deformer.deform(cloud.rest, cloud.maps) == cloud.rest);
-    deformer.setPath(RySkinDeformer::Path::Scalar);
+    deformer.setPath(RySkinDeformer::Path::Plain);
     QVERIFY(deformer.deform(cloud.rest, cloud.maps) == cloud.rest);
 }
 

@@ -26,9 +26,9 @@ void RySkinDeformer::setInfluences(int vertexCount, const std::vector<Channel> &
 {
     ++m_builds;
     m_vertexCount = std::max(vertexCount, 0);
-    m_channelCount = int(std::min(channels.size(), size_t(65536)));
+    m_channelCount = int(channels.size());
     m_resultValid = false;
-    m_deltas.assign(16 * size_t(m_channelCount), 0.0f);
+    m_deltas.assign(size_t(m_channelCount), Delta());
     m_classes.clear();
     m_unmoved.clear();
 
@@ -59,7 +59,7 @@ void RySkinDeformer::setInfluences(int vertexCount, const std::vector<Channel> &
         Class added;
         added.influences = count;
         added.vertices.reserve(size);
-        added.channels.resize(size * size_t(count));
+        added.offsets.resize(size * size_t(count));
         added.weights.resize(size * size_t(count));
         m_classes.push_back(std::move(added));
     }
@@ -75,7 +75,7 @@ void RySkinDeformer::setInfluences(int vertexCount, const std::vector<Channel> &
     }
     walk([&](int channel, size_t vertex, float weight) {
         Class &its = m_classes[size_t(classOf[size_t(influences[vertex])])];
-        its.channels[next[vertex]] = quint16(channel);
+        its.offsets[next[vertex]] = quint32(size_t(channel) * sizeof(Delta));
         its.weights[next[vertex]++] = weight;
     });
     makeBlocks();
@@ -95,7 +95,7 @@ void RySkinDeformer::makeBlocks()
             const size_t begin = size_t(first) * size_t(its.influences);
             const size_t end = begin + size_t(block.count) * size_t(its.influences);
             for (size_t i = begin; i < end; ++i) {
-                std::vector<int> &list = m_blocksOfChannel[its.channels[i]];
+                std::vector<int> &list = m_blocksOfChannel[its.offsets[i] / sizeof(Delta)];
                 if (list.empty() || list.back() != number)
                     list.push_back(number);
             }
@@ -107,15 +107,14 @@ bool RySkinDeformer::takeMaps(const std::vector<RyAffine> &maps, std::vector<cha
 {
     bool any = false;
     for (size_t k = 0; k < size_t(m_channelCount); ++k) {
-        float delta[16] = {};
+        Delta delta;
         for (int i = 0; i < 4; ++i) {
             for (int j = 0; j < 3; ++j)
-                delta[4 * i + j] = RyFastMath::toFloat(maps[k].m[i][j] - (i == j ? 1.0 : 0.0));
+                delta.rows[4 * i + j] = RyFastMath::toFloat(maps[k].m[i][j] - (i == j ? 1.0 : 0.0));
         }
-        float *kept = &m_deltas[16 * k];
-        changed[k] = std::memcmp(kept, delta, sizeof delta) != 0;
+        changed[k] = std::memcmp(&m_deltas[k], &delta, sizeof delta) != 0;
         any = any || changed[k];
-        std::memcpy(kept, delta, sizeof delta);
+        m_deltas[k] = delta;
     }
     return any;
 }
@@ -178,16 +177,16 @@ void RySkinDeformer::computeBlock(const Block &block, const RyVec3 *rest)
     const size_t offset = size_t(block.first) * size_t(its.influences);
     const RySkinKernels::Task task{rest,
                                    m_result.data(),
-                                   m_deltas.data(),
+                                   m_deltas.front().rows,
                                    its.vertices.data() + block.first,
-                                   its.channels.data() + offset,
+                                   its.offsets.data() + offset,
                                    its.weights.data() + offset,
                                    block.count,
                                    its.influences};
-    if (m_path != Path::Scalar && RySkinKernels::hasAvx2())
+    if (m_path != Path::Plain && RySkinKernels::hasAvx2())
         RySkinKernels::blendAvx2(task);
     else
-        RySkinKernels::blendScalar(task);
+        RySkinKernels::blendPlain(task);
 }
 
 void RySkinDeformer::setPath(Path path)

@@ -21,7 +21,7 @@ public:
         /// No vertices for null.
         static Channel fromMap(const RyWeightMap *map);
     };
-    enum class Path { Best, Scalar, Avx2 };
+    enum class Path { Best, Plain, Avx2 };
 
     void setInfluences(int vertexCount, const std::vector<Channel> &channels);
     int getNumVertices() const { return m_vertexCount; }
@@ -50,7 +50,7 @@ private:
     {
         int influences = 0;
         std::vector<int> vertices;
-        std::vector<quint16> channels;
+        std::vector<quint32> offsets; // of the channels' deltas, in bytes
         std::vector<float> weights;
     };
     struct Block
@@ -69,7 +69,12 @@ private:
     std::vector<int> m_unmoved;
     std::vector<Block> m_blocks;
     std::vector<std::vector<int>> m_blocksOfChannel;
-    std::vector<float> m_deltas; // X - 1 of every channel, four rows of four floats
+    /// X - 1 of a channel: four rows of four floats, in one cache line.
+    struct alignas(64) Delta
+    {
+        float rows[16] = {};
+    };
+    std::vector<Delta> m_deltas;
     std::vector<RyVec3> m_result;
     const void *m_source = nullptr;
     quint64 m_revision = 0;

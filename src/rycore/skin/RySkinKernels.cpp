@@ -1,28 +1,34 @@
 #include "rycore/skin/RySkinKernels.h"
 
+#include <Eigen/Core>
+
 #if defined(__x86_64__) && defined(__GNUC__)
 #define RY_HAVE_AVX2_KERNEL 1
 #include <immintrin.h>
 #endif
 
-void RySkinKernels::blendScalar(const Task &task)
+void RySkinKernels::blendPlain(const Task &task)
 {
-    const quint16 *channels = task.channels;
+    using Row = Eigen::Array4f;
+    using Rows = Eigen::Map<const Eigen::Array<float, 4, 4>, Eigen::Aligned64>; // a column of it is a row of the map
+    const quint32 *offsets = task.offsets;
     const float *weights = task.weights;
     for (int i = 0; i < task.count; ++i) {
-        float m[12] = {};
+        Row x = Row::Zero();
+        Row y = Row::Zero();
+        Row z = Row::Zero();
+        Row t = Row::Zero();
         for (int k = 0; k < task.influences; ++k) {
-            const float *delta = task.deltas + 16 * size_t(*channels++);
+            const Rows delta(task.deltas + *offsets++ / sizeof(float));
             const float weight = *weights++;
-            for (int row = 0; row < 4; ++row) {
-                for (int column = 0; column < 3; ++column)
-                    m[3 * row + column] += weight * delta[4 * row + column];
-            }
+            x += weight * delta.col(0);
+            y += weight * delta.col(1);
+            z += weight * delta.col(2);
+            t += weight * delta.col(3);
         }
         const RyVec3 v = task.rest[task.vertices[i]];
-        task.out[task.vertices[i]] = {v.x + (v.x * m[0] + v.y * m[3] + v.z * m[6] + m[9]),
-                                      v.y + (v.x * m[1] + v.y * m[4] + v.z * m[7] + m[10]),
-                                      v.z + (v.x * m[2] + v.y * m[5] + v.z * m[8] + m[11])};
+        const Row move = v.x * x + v.y * y + v.z * z + t;
+        task.out[task.vertices[i]] = v + RyVec3(move[0], move[1], move[2]);
     }
 }
 
@@ -35,34 +41,53 @@ template<int Influences>
 __attribute__((target("avx2,fma"))) void blend(const RySkinKernels::Task &task)
 {
     const int influences = Influences > 0 ? Influences : task.influences;
-    const quint16 *channels = task.channels;
+    const int count = task.count;
+    const RyVec3 *const rest = task.rest;
+    RyVec3 *const out = task.out;
+    const char *const deltas = reinterpret_cast<const char *>(task.deltas);
+    const int *const vertices = task.vertices;
+    const quint32 *offsets = task.offsets;
     const float *weights = task.weights;
     const __m128i three = _mm_setr_epi32(-1, -1, -1, 0);
     const __m128 one = _mm_set1_ps(1.0f);
-    for (int i = 0; i < task.count; ++i) {
+    const __m256i pickXy = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
+    const __m256i pickZ1 = _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3);
+    for (int i = 0; i < count; ++i) {
         // Two rows to a register: the images of X and Y, of Z and the translation.
-        const float *delta = task.deltas + 16 * size_t(channels[0]);
-        __m256 weight = _mm256_broadcast_ss(weights);
-        __m256 xy = _mm256_mul_ps(weight, _mm256_loadu_ps(delta));
-        __m256 zt = _mm256_mul_ps(weight, _mm256_loadu_ps(delta + 8));
-        for (int k = 1; k < influences; ++k) {
-            delta = task.deltas + 16 * size_t(channels[k]);
-            weight = _mm256_broadcast_ss(weights + k);
-            xy = _mm256_fmadd_ps(weight, _mm256_loadu_ps(delta), xy);
-            zt = _mm256_fmadd_ps(weight, _mm256_loadu_ps(delta + 8), zt);
+        __m256 xy = _mm256_setzero_ps();
+        __m256 zt = _mm256_setzero_ps();
+        if constexpr (Influences == 4) {
+            // The common case reads all its weights with one load.
+            const __m256 four = _mm256_broadcast_ps(reinterpret_cast<const __m128 *>(weights));
+            const auto add = [&](__m256 weight, quint32 offset) __attribute__((target("avx2,fma"), always_inline)) {
+                const float *delta = reinterpret_cast<const float *>(deltas + offset);
+                xy = _mm256_fmadd_ps(weight, _mm256_load_ps(delta), xy);
+                zt = _mm256_fmadd_ps(weight, _mm256_load_ps(delta + 8), zt);
+            };
+            add(_mm256_permute_ps(four, 0x00), offsets[0]);
+            add(_mm256_permute_ps(four, 0x55), offsets[1]);
+            add(_mm256_permute_ps(four, 0xaa), offsets[2]);
+            add(_mm256_permute_ps(four, 0xff), offsets[3]);
+        } else {
+            for (int k = 0; k < influences; ++k) {
+                const float *delta = reinterpret_cast<const float *>(deltas + offsets[k]);
+                const __m256 weight = _mm256_broadcast_ss(weights + k);
+                xy = _mm256_fmadd_ps(weight, _mm256_load_ps(delta), xy);
+                zt = _mm256_fmadd_ps(weight, _mm256_load_ps(delta + 8), zt);
+            }
         }
-        channels += influences;
+        offsets += influences;
         weights += influences;
 
-        const int vertex = task.vertices[i];
-        const __m128 v = _mm_maskload_ps(&task.rest[vertex].x, three);
-        const __m256 vxy = _mm256_set_m128(_mm_permute_ps(v, 0x55), _mm_permute_ps(v, 0x00));
-        const __m256 vz1 = _mm256_set_m128(one, _mm_permute_ps(v, 0xaa));
-        const __m256 both = _mm256_fmadd_ps(vxy, xy, _mm256_mul_ps(vz1, zt));
+        const size_t vertex = size_t(vertices[i]);
+        const __m128 v = _mm_blend_ps(_mm_maskload_ps(&rest[vertex].x, three), one, 8);
+        const __m256 twice = _mm256_set_m128(v, v);
+        const __m256 both = _mm256_fmadd_ps(_mm256_permutevar_ps(twice, pickXy), xy,
+                                            _mm256_mul_ps(_mm256_permutevar_ps(twice, pickZ1), zt));
         const __m128 moved = _mm_add_ps(v, _mm_add_ps(_mm256_castps256_ps128(both), _mm256_extractf128_ps(both, 1)));
-        float *out = &task.out[vertex].x;
-        _mm_storel_pi(reinterpret_cast<__m64 *>(out), moved);
-        _mm_store_ss(out + 2, _mm_movehl_ps(moved, moved));
+        float *to = &out[vertex].x;
+        _mm_storel_pi(reinterpret_cast<__m64 *>(to), moved);
+        _mm_store_ss(to + 2, _mm_movehl_ps(moved, moved));
     }
 }
 
@@ -91,7 +116,7 @@ bool RySkinKernels::hasAvx2()
 
 void RySkinKernels::blendAvx2(const Task &task)
 {
-    blendScalar(task);
+    blendPlain(task);
 }
 
 bool RySkinKernels::hasAvx2()

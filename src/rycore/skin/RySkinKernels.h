@@ -4,8 +4,8 @@
 
 #include <QtGlobal>
 
-/// Inner loops of the skin deformer. `deltas` holds four rows of four floats per channel, aligned to nothing; `vertices`,
-/// `channels` and `weights` describe `count` vertices with `influences` entries each.
+/// Inner loops of the skin deformer. `deltas` holds four rows of four floats per channel, aligned to 64 bytes; `vertices`,
+/// `offsets` (in bytes, to the channel's rows) and `weights` describe `count` vertices with `influences` entries each.
 namespace RySkinKernels {
 
 struct Task
@@ -14,13 +14,14 @@ struct Task
     RyVec3 *out;
     const float *deltas;
     const int *vertices;
-    const quint16 *channels;
+    const quint32 *offsets;
     const float *weights;
     int count;
     int influences;
 };
 
-void blendScalar(const Task &task);
+/// For any processor.
+void blendPlain(const Task &task);
 /// Only where `hasAvx2()`.
 void blendAvx2(const Task &task);
 bool hasAvx2();
