@@ -1,0 +1,59 @@
+#include "ryhost/CommandLine.h"
+
+CommandLine CommandLine::parse(const QStringList &arguments)
+{
+    CommandLine line;
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
+        line.mode = Help;
+        return line;
+    }
+    if (arguments.contains(QStringLiteral("--batch"))) {
+        line.mode = Batch;
+        line.batchArguments = arguments;
+        return line;
+    }
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (argument == QLatin1String("--demo") && i + 1 < arguments.size()) {
+            line.mode = Demo;
+            line.demoFolder = arguments.at(++i);
+        } else if (argument == QLatin1String("--")) {
+            line.files += arguments.mid(i + 1);
+            break;
+        } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {
+            line.mode = Wrong;
+            line.error = QStringLiteral("there is no option %1").arg(argument);
+            return line;
+        } else {
+            line.files.append(argument);
+        }
+    }
+    return line;
+}
+
+QString CommandLine::helpText()
+{
+    return QStringLiteral(
+        "ryhost [FILE...]                  opens a window; further files are merged into the first\n"
+        "ryhost --batch FILE [verb...]     works without a window; verbs run from left to right and may repeat\n"
+        "\n"
+        "  --unit F                        centimetres in one unit of the file; first, or before --merge\n"
+        "  --merge FILE                    adds another file\n"
+        "  --select NAME[,NAME...]         by name or path (hip/abdomen), the last is primary; \"none\" for none\n"
+        "  --property NODE:NAME=VALUE      sets one value, one undo step\n"
+        "  --pose NODE:xrot=30             the same for a pose control\n"
+        "  --script FILE                   runs a script (.rsx)\n"
+        "  --undo, --redo                  one step\n"
+        "  --save OUT                      by ending .glb, .gltf or .obj; may be the input\n"
+        "  --screenshot PNG [--view front|side|top|perspective] [--size 1280x900]\n"
+        "  --dump [FILE], --report [FILE]  the scene as text, a report as JSON; without a file to standard output\n"
+        "\n"
+        "Examples\n"
+        "  ryhost character.glb\n"
+        "  ryhost --batch in.glb --select lForearm --screenshot before.png --view perspective\n"
+        "  ryhost --batch in.glb --property lForearm:EndX=61.5 --save out.glb --report\n"
+        "\n"
+        "Messages go to standard error. Exit codes: 0 done, 1 a file was refused, 2 wrong use, 3 an action was refused,\n"
+        "4 something could not be written, 5 a script failed.\n"
+        "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR.\n");
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+/// What the program was started for.
+class CommandLine
+{
+public:
+    enum Mode { Window, Batch, Demo, Help, Wrong };
+
+    /// `arguments` without the program's name.
+    static CommandLine parse(const QStringList &arguments);
+    static QString helpText();
+
+    Mode mode = Window;
+    QStringList files;          // Window, Demo: the first is opened, the others are merged
+    QStringList batchArguments; // Batch: everything, "--batch" included
+    QString demoFolder;
+    QString error;
+};

@@ -1,0 +1,298 @@
+#include "ryhost/HostMenus.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/script/RyScript.h"
+#include "rycore/ui/RyActionMenu.h"
+#include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyViewToolAction.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/ActionSearch.h"
+#include "ryhost/GuideWindow.h"
+#include "ryhost/HostFiles.h"
+#include "ryhost/HostIcons.h"
+#include "ryhost/HostWindow.h"
+
+#include <QActionGroup>
+#include <QDirIterator>
+#include <QDockWidget>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMenuBar>
+#include <QMessageBox>
+
+HostMenus::HostMenus(HostWindow *window) : QObject(window), m_window(window)
+{
+    makeFileMenu();
+    makeEditMenu();
+    makeViewMenu();
+    m_tools = window->menuBar()->addMenu(tr("&Tools"));
+    m_tools->setObjectName(QStringLiteral("ToolsMenu"));
+    m_toolOptions = window->menuBar()->addMenu(QString());
+    m_toolOptions->setObjectName(QStringLiteral("ToolOptionsMenu"));
+    m_toolOptions->setToolTipsVisible(true);
+    m_scripts = window->menuBar()->addMenu(tr("&Scripts"));
+    m_scripts->setObjectName(QStringLiteral("ScriptsMenu"));
+    connect(m_scripts, &QMenu::aboutToShow, this, &HostMenus::fillScripts);
+    makeHelpMenu();
+    connect(window->getViewportMgr(), &RyViewportMgr::activeToolChanged, this, &HostMenus::refresh);
+    connect(window->getActionMgr(), &RyActionMgr::actionListChanged, this, &HostMenus::refresh);
+    refresh();
+    fillScripts();
+}
+
+QAction *HostMenus::add(QMenu *menu, const QString &objectName, const QString &text, const QString &icon,
+                        const QKeySequence &keys, const QString &tip)
+{
+    QAction *action = menu->addAction(text);
+    action->setObjectName(objectName);
+    action->setShortcut(keys);
+    action->setStatusTip(tip);
+    if (!icon.isEmpty()) {
+        action->setIcon(HostIcons::icon(icon));
+        m_icons.insert(action, icon);
+    }
+    return action;
+}
+
+void HostMenus::makeFileMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(tr("&File"));
+    menu->setObjectName(QStringLiteral("FileMenu"));
+    HostFiles *files = m_window->files();
+    connect(add(menu, QStringLiteral("FileOpen"), tr("&Open..."), QStringLiteral("open"), QKeySequence::Open,
+                tr("Open a character or a prop in place of this scene")),
+            &QAction::triggered, files, &HostFiles::openWithDialog);
+    m_recent = menu->addMenu(tr("Open &Recent"));
+    m_recent->setObjectName(QStringLiteral("RecentMenu"));
+    connect(m_recent, &QMenu::aboutToShow, this, &HostMenus::fillRecent);
+    connect(files, &HostFiles::recentChanged, this, &HostMenus::fillRecent);
+    fillRecent();
+    connect(add(menu, QStringLiteral("FileMerge"), tr("&Merge..."), QString(), QKeySequence(),
+                tr("Add the contents of another file to this scene")),
+            &QAction::triggered, files, &HostFiles::mergeWithDialog);
+    menu->addSeparator();
+    connect(add(menu, QStringLiteral("FileSave"), tr("&Save"), QStringLiteral("save"), QKeySequence::Save,
+                tr("Save to the file that was opened")),
+            &QAction::triggered, files, [files] { files->save(); });
+    connect(add(menu, QStringLiteral("FileSaveAs"), tr("Save &As..."), QString(), QKeySequence(QStringLiteral("Ctrl+Shift+S")),
+                tr("Save to another file")),
+            &QAction::triggered, files, [files] { files->saveAs(); });
+    menu->addSeparator();
+    connect(add(menu, QStringLiteral("FileQuit"), tr("&Quit"), QString(), QKeySequence(QStringLiteral("Ctrl+Q")), QString()),
+            &QAction::triggered, m_window, &QWidget::close);
+}
+
+void HostMenus::fillRecent()
+{
+    m_recent->clear();
+    const QStringList files = m_window->files()->recentFiles();
+    for (const QString &path : files) {
+        QAction *action = m_recent->addAction(QFileInfo(path).fileName());
+        action->setToolTip(path);
+        action->setStatusTip(path);
+        action->setEnabled(QFileInfo::exists(path));
+        connect(action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); });
+    }
+    m_recent->setToolTipsVisible(true);
+    m_recent->setEnabled(!files.isEmpty());
+    if (files.isEmpty())
+        return;
+    m_recent->addSeparator();
+    connect(m_recent->addAction(tr("Clear List")), &QAction::triggered, m_window->files(), &HostFiles::clearRecent);
+}
+
+void HostMenus::makeEditMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(tr("&Edit"));
+    menu->setObjectName(QStringLiteral("EditMenu"));
+    m_undo = add(menu, QStringLiteral("EditUndo"), tr("&Undo"), QStringLiteral("undo"), QKeySequence::Undo, QString());
+    m_redo = add(menu, QStringLiteral("EditRedo"), tr("&Redo"), QStringLiteral("redo"),
+                 QKeySequence(QStringLiteral("Ctrl+Shift+Z")), QString());
+    connect(m_undo, &QAction::triggered, ryUndoStack(), &RyUndoStack::undo);
+    connect(m_redo, &QAction::triggered, ryUndoStack(), &RyUndoStack::redo);
+    connect(ryUndoStack(), &RyUndoStack::changed, this, &HostMenus::updateUndo);
+    updateUndo();
+    menu->addSeparator();
+    connect(add(menu, QStringLiteral("EditSelectNone"), tr("Select &None"), QString(),
+                QKeySequence(QStringLiteral("Ctrl+Shift+A")), QString()),
+            &QAction::triggered, m_window->getScene(), [this] { m_window->getScene()->selectAllNodes(false); });
+    connect(add(menu, QStringLiteral("EditRestorePose"), tr("Restore &Pose"), QString(), QKeySequence(),
+                tr("Put every node back into its rest pose")),
+            &QAction::triggered, this, &HostMenus::restorePose);
+}
+
+void HostMenus::updateUndo()
+{
+    const RyUndoStack *stack = ryUndoStack();
+    m_undo->setEnabled(stack->canUndo());
+    m_redo->setEnabled(stack->canRedo());
+    m_undo->setText(stack->canUndo() ? tr("&Undo %1").arg(stack->undoText()) : tr("&Undo"));
+    m_redo->setText(stack->canRedo() ? tr("&Redo %1").arg(stack->redoText()) : tr("&Redo"));
+}
+
+void HostMenus::restorePose()
+{
+    std::vector<RyNode *> posed;
+    for (RyNode *node : m_window->getScene()->getNodes()) {
+        if (node->isPosed())
+            posed.push_back(node);
+    }
+    if (posed.empty()) {
+        m_window->showMessage(tr("Everything is in its rest pose already."));
+        return;
+    }
+    RyUndoStackHold hold;
+    for (RyNode *node : posed)
+        node->clearPose();
+    hold.accept(tr("Restore Pose"));
+}
+
+void HostMenus::makeViewMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(tr("&View"));
+    menu->setObjectName(QStringLiteral("ViewMenu"));
+    Ry3DViewport *viewport = m_window->viewport();
+    // The text after the tab shows the viewport's own key.
+    connect(add(menu, QStringLiteral("ViewFrameSelection"), tr("&Frame Selection\tF"), QStringLiteral("frame"), QKeySequence(), QString()),
+            &QAction::triggered, viewport, [viewport] { viewport->frameNodes(true); });
+    connect(add(menu, QStringLiteral("ViewFrameAll"), tr("Frame &All\tA"), QString(), QKeySequence(), QString()),
+            &QAction::triggered, viewport, [viewport] { viewport->frameNodes(false); });
+    menu->addSeparator();
+    using View = Ry3DViewport::StandardView;
+    const auto addView = [&](const char *name, const QString &text, View view) {
+        connect(add(menu, QString::fromLatin1(name), text, QString(), QKeySequence(), QString()), &QAction::triggered, viewport,
+                [viewport, view] { viewport->setStandardView(view); });
+    };
+    addView("ViewFront", tr("F&ront\tNum 1"), View::Front);
+    addView("ViewSide", tr("&Side\tNum 3"), View::Side);
+    addView("ViewTop", tr("&Top\tNum 7"), View::Top);
+    addView("ViewPerspective", tr("&Perspective"), View::Perspective);
+    connect(add(menu, QStringLiteral("ViewProjection"), tr("Perspective or &Orthographic\tNum 5"), QString(), QKeySequence(), QString()),
+            &QAction::triggered, viewport, [viewport] {
+                RyCameraController controller = viewport->cameraController();
+                controller.setOrthographic(!viewport->matrices().isOrthographic());
+            });
+    menu->addSeparator();
+    QAction *wireframe = add(menu, QStringLiteral("ViewWireframe"), tr("&Wireframe"), QStringLiteral("wireframe"),
+                             QKeySequence(QStringLiteral("Ctrl+W")), tr("Draw the edges of all facets over the figure"));
+    wireframe->setCheckable(true);
+    connect(wireframe, &QAction::toggled, m_window, &HostWindow::setWireframe);
+    auto *themes = new QActionGroup(this);
+    for (bool dark : {true, false}) {
+        QAction *theme = add(menu, dark ? QStringLiteral("ViewDark") : QStringLiteral("ViewLight"),
+                             dark ? tr("&Dark Look") : tr("&Light Look"), QString(), QKeySequence(), QString());
+        theme->setCheckable(true);
+        theme->setChecked(dark == m_window->isDark());
+        themes->addAction(theme);
+        connect(theme, &QAction::triggered, m_window, [this, dark] { m_window->setDark(dark); });
+    }
+    menu->addSeparator();
+    for (QDockWidget *dock : m_window->docks())
+        menu->addAction(dock->toggleViewAction());
+    connect(add(menu, QStringLiteral("ViewResetLayout"), tr("Reset La&yout"), QString(), QKeySequence(),
+                tr("Bring all panes back to their first places")),
+            &QAction::triggered, m_window, &HostWindow::resetLayout);
+}
+
+void HostMenus::makeHelpMenu()
+{
+    QMenu *menu = m_window->menuBar()->addMenu(tr("&Help"));
+    menu->setObjectName(QStringLiteral("HelpMenu"));
+    connect(add(menu, QStringLiteral("HelpGuide"), tr("&Guide"), QString(), QKeySequence::HelpContents, QString()),
+            &QAction::triggered, this, &HostMenus::showGuide);
+    QAction *search = add(menu, QStringLiteral("HelpSearch"), tr("&Search Actions"), QStringLiteral("search"), QKeySequence(),
+                          tr("Find any command by its name"));
+    search->setShortcuts({QKeySequence(Qt::Key_F3), QKeySequence(QStringLiteral("Ctrl+Shift+P"))});
+    connect(search, &QAction::triggered, m_window, [this] { m_window->actionSearch()->begin(); });
+}
+
+void HostMenus::showGuide()
+{
+    GuideWindow::open(m_window);
+}
+
+void HostMenus::refresh()
+{
+    fillTools();
+    fillToolMenu();
+}
+
+void HostMenus::refreshIcons()
+{
+    for (auto it = m_icons.constBegin(); it != m_icons.constEnd(); ++it)
+        it.key()->setIcon(HostIcons::icon(it.value()));
+}
+
+void HostMenus::fillTools()
+{
+    m_tools->clear();
+    QStringList withAction;
+    for (RyAction *action : m_window->getActionMgr()->getActions()) {
+        if (auto *toolAction = qobject_cast<RyViewToolAction *>(action)) {
+            withAction.append(toolAction->getToolClassName());
+            m_tools->addAction(toolAction);
+        }
+    }
+    RyViewportMgr *viewports = m_window->getViewportMgr();
+    for (RyViewTool *tool : viewports->getTools()) {
+        if (withAction.contains(QString::fromLatin1(tool->metaObject()->className())))
+            continue;
+        QAction *action = m_tools->addAction(tool->objectName());
+        action->setCheckable(true);
+        action->setChecked(tool == viewports->getActiveTool());
+        const QString className = QString::fromLatin1(tool->metaObject()->className());
+        connect(action, &QAction::triggered, this, [this, className] {
+            RyViewportMgr *manager = m_window->getViewportMgr();
+            manager->setActiveTool(manager->findTool(className));
+        }, Qt::QueuedConnection);
+    }
+}
+
+void HostMenus::fillToolMenu()
+{
+    m_toolOptions->clear();
+    RyViewTool *tool = m_window->getViewportMgr()->getActiveTool();
+    if (tool) {
+        RyActionMenu model;
+        tool->fillToolOptionsMenu(&model);
+        model.fill(m_toolOptions);
+        m_toolOptions->setTitle(tool->objectName());
+    }
+    m_toolOptions->menuAction()->setVisible(!m_toolOptions->isEmpty());
+}
+
+void HostMenus::fillScripts()
+{
+    m_scripts->clear();
+    connect(m_scripts->addAction(tr("&Run Script...")), &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getOpenFileName(m_window, tr("Run Script"), RyApp::getHomePath(), tr("Scripts (*.rsx)"));
+        if (!path.isEmpty())
+            runScript(path);
+    });
+    QStringList paths;
+    QDirIterator walk(RyApp::getHomePath() + QStringLiteral("/scripts"), {QStringLiteral("*.rsx")}, QDir::Files,
+                      QDirIterator::Subdirectories);
+    while (walk.hasNext())
+        paths.append(walk.next());
+    paths.sort();
+    if (!paths.isEmpty())
+        m_scripts->addSeparator();
+    for (const QString &path : paths) {
+        QAction *action = m_scripts->addAction(QFileInfo(path).completeBaseName());
+        action->setStatusTip(path);
+        connect(action, &QAction::triggered, this, [this, path] { runScript(path); });
+    }
+}
+
+void HostMenus::runScript(const QString &path)
+{
+    RyScript script{QString()};
+    if (!script.loadFromFile(path, false) || !script.execute())
+        QMessageBox::warning(m_window, tr("Script Failed"), tr("%1\n\nThe message log says why.").arg(path));
+}

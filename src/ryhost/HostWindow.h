@@ -1,0 +1,74 @@
+#pragma once
+
+#include "rycore/app/RyMainWindow.h"
+
+class ActionSearch;
+class HostFiles;
+class HostMenus;
+class ParametersPane;
+class QLabel;
+class Ry3DViewport;
+class ScenePane;
+class ToolSettingsPane;
+class ToolStrip;
+
+/// The window: the viewport with its panes about it.
+class HostWindow : public RyMainWindow
+{
+    Q_OBJECT
+public:
+    explicit HostWindow(RyScene *scene, QWidget *parent = nullptr);
+    ~HostWindow() override;
+
+    Ry3DViewport *viewport() const { return m_viewport; }
+    HostFiles *files() const { return m_files; }
+    ScenePane *scenePane() const { return m_scenePane; }
+    ParametersPane *parametersPane() const { return m_parametersPane; }
+    ToolSettingsPane *toolSettingsPane() const { return m_toolSettingsPane; }
+    HostMenus *menus() const { return m_menus; }
+    ActionSearch *actionSearch() const { return m_search; }
+    QList<QDockWidget *> docks() const { return m_docks; }
+    QLabel *statusLabel() const { return m_status; }
+
+    /// Loads the plug-ins and activates the joint editor where there is one.
+    void start();
+    bool isDark() const { return m_dark; }
+
+public slots:
+    void setDark(bool dark);
+    void setWireframe(bool onOff);
+    /// A passing line in the status bar.
+    void showMessage(const QString &message);
+    /// Brings docks and toolbars back to their first places.
+    void resetLayout();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    QDockWidget *addDock(const QString &title, const QString &objectName, QWidget *content, Qt::DockWidgetArea area);
+    void makePanes();
+    void makeStatusBar();
+    void saveLayout();
+    void restoreLayout();
+    void updateTitle();
+    void updateStatus();
+    void fileOpened();
+
+    Ry3DViewport *m_viewport;
+    HostFiles *m_files;
+    ScenePane *m_scenePane = nullptr;
+    ParametersPane *m_parametersPane = nullptr;
+    ToolSettingsPane *m_toolSettingsPane = nullptr;
+    ToolStrip *m_toolStrip = nullptr;
+    HostMenus *m_menus = nullptr;
+    ActionSearch *m_search = nullptr;
+    QList<QDockWidget *> m_docks;
+    QLabel *m_status = nullptr;
+    QLabel *m_undoStatus = nullptr;
+    QLabel *m_unitStatus = nullptr;
+    QByteArray m_firstLayout;
+    bool m_dark = true;
+};

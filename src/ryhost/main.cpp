@@ -1,0 +1,76 @@
+#include "rycore/app/RyApp.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "ryhost/CommandLine.h"
+#include "ryhost/DemoSession.h"
+#include "ryhost/HostFiles.h"
+#include "ryhost/HostWindow.h"
+#include "ryhost/batch/BatchRunner.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+int runWindow(const CommandLine &line)
+{
+    HostWindow window(ryScene());
+    window.start();
+    window.show();
+    bool opened = false;
+    for (const QString &path : line.files)
+        opened = (opened ? window.files()->mergePath(path) : window.files()->openPath(path)) || opened;
+    if (line.files.isEmpty())
+        window.files()->openPath(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), false);
+    if (line.mode == CommandLine::Demo) {
+        DemoSession demo(window, line.demoFolder);
+        return demo.run();
+    }
+    return QApplication::exec();
+}
+
+int runApplication(int &argc, char **argv, const CommandLine &line)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("ryhost"));
+    RyApp::setDefaultHomePath(QStringLiteral(RY_RESOURCES_DIR));
+    const int code = line.mode == CommandLine::Batch ? runBatch(line.batchArguments) : runWindow(line);
+    RyUndoStack::destroyGlobal();
+    ryDestroyScene();
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const CommandLine line = CommandLine::parse(arguments);
+    switch (line.mode) {
+    case CommandLine::Help:
+        std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
+        return int(ExitCode::Done);
+    case CommandLine::Wrong:
+        std::fprintf(stderr, "ryhost: %s\nTry ryhost --help.\n", line.error.toLocal8Bit().constData());
+        return int(ExitCode::WrongUse);
+    case CommandLine::Batch:
+        // Nothing is shown, and a machine may have nothing to show it on.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        break;
+    case CommandLine::Window:
+    case CommandLine::Demo:
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
+            && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+            std::fputs("ryhost: there is no display to open a window on. ryhost --batch works without one.\n", stderr);
+            return int(ExitCode::WrongUse);
+        }
+        QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+        QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+        break;
+    }
+    return runApplication(argc, argv, line);
+}
