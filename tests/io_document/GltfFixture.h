@@ -12,8 +12,8 @@ namespace GltfFixture {
 /// A container of these two chunks, padded as the format asks.
 QByteArray glb(QByteArray json, QByteArray binary);
 
-/// Two joints, a quad with two influence sets' worth of places in JOINTS_0/WEIGHTS_0, a clip, an image in a buffer view, and
-/// members that mean nothing to anybody.
+/// Two joints, a quad with two influence sets' worth of places in JOINTS_0/WEIGHTS_0, a clip, an image in a buffer
+/// view, and members that mean nothing to anybody.
 QByteArray skinnedJson(const QByteArray &bufferMember);
 QByteArray skinnedBinary();
 QByteArray skinnedGlb();

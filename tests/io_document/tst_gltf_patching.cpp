@@ -17,12 +17,14 @@ class RyGltfPatchingTest : public QObject
 Q_OBJECT
 
 private:
-    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(), const QString &name = QStringLiteral("p.glb"))
+    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
+                                         const QString &name = QStringLiteral("p.glb"))
     {
         m_error.clear();
         return RyGltfDocument::read(put(m_folder, name, bytes), &m_error);
     }
-    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document, const QString &ending = QStringLiteral("glb"))
+    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document,
+                                             const QString &ending = QStringLiteral("glb"))
     {
         return open(document.toBytes(ending), "again." + ending);
     }
@@ -77,7 +79,8 @@ void RyGltfPatchingTest::nodeTransform()
     document->setNodeTransform(0, t);
     const Json &node = document->json()["nodes"][0];
     QCOMPARE(QByteArray::fromStdString(node.dump()),
-             QByteArray(R"({"name":"root","children":[1],"translation":[2.5,0.10000000149011612,0],"scale":[2.0,2.0,2.0]})"));
+             QByteArray(
+                 R"({"name":"root","children":[1],"translation":[2.5,0.10000000149011612,0],"scale":[2.0,2.0,2.0]})"));
     t.translation = {0, 0, 0};
     t.scale = {1, 1, 1};
     document->setNodeTransform(0, t);
@@ -139,7 +142,8 @@ void RyGltfPatchingTest::nodesMeshesAndSkins()
     const std::vector<float> points{0, 0, 0, 1, 0, 0, 0, 1, 0.5f};
     const int positions = document->addFloatAccessor(points, 3, 34962, true);
     const int indices = document->addUintAccessor(std::vector<std::uint32_t>{0, 1, 2}, 1, 5123, 34963);
-    const int joints = document->addUintAccessor(std::vector<std::uint32_t>{0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}, 4, 5121, 34962);
+    const int joints =
+        document->addUintAccessor(std::vector<std::uint32_t>{0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0}, 4, 5121, 34962);
     const int weights = document->addUintAccessor(
         std::vector<std::uint32_t>{40000, 25535, 0, 0, 65535, 0, 0, 0, 65535, 0, 0, 0}, 4, 5123, 34962, true);
     std::vector<float> matrices(32, 0.0f);
@@ -157,7 +161,8 @@ void RyGltfPatchingTest::nodesMeshesAndSkins()
 
     const auto again = reopened(*document);
     QVERIFY2(again, qPrintable(m_error));
-    for (const RyGltfDocument *d : {static_cast<const RyGltfDocument *>(document.get()), static_cast<const RyGltfDocument *>(again.get())}) {
+    for (const RyGltfDocument *d :
+         {static_cast<const RyGltfDocument *>(document.get()), static_cast<const RyGltfDocument *>(again.get())}) {
         const RyGltfModel &model = d->model();
         QCOMPARE(model.nodes[3].name, QStringLiteral("new joint"));
         QCOMPARE(model.nodes[3].parent, 1);
@@ -245,7 +250,8 @@ void RyGltfPatchingTest::replaceInPlace()
 
 void RyGltfPatchingTest::replaceShared()
 {
-    // The same accessor twice, a second accessor on the same bytes, an image over them, another count: none is overwritten.
+    // The same accessor twice, a second accessor on the same bytes, an image over them, another count: none is
+    // overwritten.
     const auto check = [this](const std::function<void(Json &)> &change) {
         Json tree = Json::parse(skinnedJson({}).toStdString());
         change(tree);
@@ -262,7 +268,8 @@ void RyGltfPatchingTest::replaceShared()
     QVERIFY(check([](Json &t) { t["skins"].push_back(t["skins"][0]); }));
     QVERIFY(check([](Json &t) { t["accessors"].push_back(t["accessors"][3]); }));
     QVERIFY(check([](Json &t) {
-        t["accessors"].push_back(Json::parse(R"({"bufferView":3,"byteOffset":124,"componentType":5126,"count":1,"type":"SCALAR"})"));
+        t["accessors"].push_back(
+            Json::parse(R"({"bufferView":3,"byteOffset":124,"componentType":5126,"count":1,"type":"SCALAR"})"));
     }));
     QVERIFY(check([](Json &t) { t["images"].push_back({{"bufferView", 3}}); }));
     QVERIFY(check([](Json &t) { t["bufferViews"][3]["extensions"] = {{"VENDOR_x", Json::object()}}; }));

@@ -110,8 +110,9 @@ void RyGltfReadingTest::formsAgree()
     for (int accessor = 0; accessor < 7; ++accessor)
         QCOMPARE(document->readFloats(accessor), reference->readFloats(accessor));
     // Written as a container all of them are the same file.
-    QCOMPARE(RyGltfDocument::read(put(m_folder, QStringLiteral("w.glb"), document->toBytes("glb")), &m_error)->readFloats(3),
-             reference->readFloats(3));
+    QCOMPARE(
+        RyGltfDocument::read(put(m_folder, QStringLiteral("w.glb"), document->toBytes("glb")), &m_error)->readFloats(3),
+        reference->readFloats(3));
     if (name.endsWith(QLatin1String("gltf"))) {
         const QByteArray written = document->toBytes(QStringLiteral(".glb"));
         QCOMPARE(written, skinnedGlb());
@@ -128,14 +129,20 @@ void RyGltfReadingTest::componentTypes()
     append<std::uint32_t>(binary, {4294967295u});                    // 16
     append<float>(binary, {-2.5f});                                  // 20
     const auto accessor = [](int offset, int type, int count, bool normalized) {
-        return QStringLiteral("{\"bufferView\":0,\"byteOffset\":%1,\"componentType\":%2,\"count\":%3,\"type\":\"SCALAR\"%4}")
-            .arg(offset).arg(type).arg(count).arg(normalized ? ",\"normalized\":true" : "").toUtf8();
+        return QStringLiteral(
+                   "{\"bufferView\":0,\"byteOffset\":%1,\"componentType\":%2,\"count\":%3,\"type\":\"SCALAR\"%4}")
+            .arg(offset)
+            .arg(type)
+            .arg(count)
+            .arg(normalized ? ",\"normalized\":true" : "")
+            .toUtf8();
     };
-    const QByteArray json = "{\"asset\":{\"version\":\"2.0\"},\"buffers\":[{\"byteLength\":24}],\"bufferViews\":[{\"buffer\":0,"
-                            "\"byteLength\":24}],\"accessors\":["
-                            + accessor(0, 5120, 4, true) + "," + accessor(4, 5121, 4, true) + "," + accessor(8, 5122, 2, true)
-                            + "," + accessor(12, 5123, 2, true) + "," + accessor(16, 5125, 1, false) + ","
-                            + accessor(20, 5126, 1, false) + "," + accessor(0, 5120, 4, false) + "]}";
+    const QByteArray json =
+        "{\"asset\":{\"version\":\"2.0\"},\"buffers\":[{\"byteLength\":24}],\"bufferViews\":[{\"buffer\":0,"
+        "\"byteLength\":24}],\"accessors\":["
+        + accessor(0, 5120, 4, true) + "," + accessor(4, 5121, 4, true) + "," + accessor(8, 5122, 2, true) + ","
+        + accessor(12, 5123, 2, true) + "," + accessor(16, 5125, 1, false) + "," + accessor(20, 5126, 1, false) + ","
+        + accessor(0, 5120, 4, false) + "]}";
     const auto document = open(glb(json, binary));
     QVERIFY2(document, qPrintable(m_error));
     QCOMPARE(document->readFloats(0), (std::vector<float>{-1.0f, 1.0f, float(-1.0 / 127.0), 0.0f}));
@@ -154,9 +161,10 @@ void RyGltfReadingTest::smallMatricesArePadded()
     QByteArray binary;
     append<std::uint8_t>(binary, {1, 2, 9, 9, 3, 4, 9, 9});                           // 2x2, columns of four bytes
     append<std::uint8_t>(binary, {1, 2, 3, 9, 4, 5, 6, 9, 7, 8, 9, 9});               // 3x3
-    const QByteArray json = R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":20}],"bufferViews":[{"buffer":0,"byteLength":20}],)"
-                            R"("accessors":[{"bufferView":0,"componentType":5121,"count":1,"type":"MAT2"},)"
-                            R"({"bufferView":0,"byteOffset":8,"componentType":5121,"count":1,"type":"MAT3"}]})";
+    const QByteArray json =
+        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":20}],"bufferViews":[{"buffer":0,"byteLength":20}],)"
+        R"("accessors":[{"bufferView":0,"componentType":5121,"count":1,"type":"MAT2"},)"
+        R"({"bufferView":0,"byteOffset":8,"componentType":5121,"count":1,"type":"MAT3"}]})";
     const auto document = open(glb(json, binary));
     QVERIFY2(document, qPrintable(m_error));
     QCOMPARE(document->readUints(0), (std::vector<std::uint32_t>{1, 2, 3, 4}));
@@ -170,10 +178,13 @@ void RyGltfReadingTest::sparse()
     append<float>(binary, {1, 2, 3, 4, 5, 6});      // 0: two of VEC3
     append<std::uint16_t>(binary, {1, 3});          // 24
     append<float>(binary, {10, 20, 30, 40, 50, 60}); // 28
-    const QByteArray tail = R"("sparse":{"count":2,"indices":{"bufferView":1,"componentType":5123},"values":{"bufferView":2}})";
-    const QByteArray json = R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":52}],"bufferViews":[{"buffer":0,"byteLength":24},)"
-                            R"({"buffer":0,"byteOffset":24,"byteLength":4},{"buffer":0,"byteOffset":28,"byteLength":24}],)"
-                            R"("accessors":[{"componentType":5126,"count":4,"type":"VEC3",)" + tail + "}]}";
+    const QByteArray tail =
+        R"("sparse":{"count":2,"indices":{"bufferView":1,"componentType":5123},"values":{"bufferView":2}})";
+    const QByteArray json =
+        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":52}],"bufferViews":[{"buffer":0,"byteLength":24},)"
+        R"({"buffer":0,"byteOffset":24,"byteLength":4},{"buffer":0,"byteOffset":28,"byteLength":24}],)"
+        R"("accessors":[{"componentType":5126,"count":4,"type":"VEC3",)"
+        + tail + "}]}";
     auto document = open(glb(json, binary));
     QVERIFY2(document, qPrintable(m_error));
     QCOMPARE(document->readFloats(0), (std::vector<float>{0, 0, 0, 10, 20, 30, 0, 0, 0, 40, 50, 60}));
@@ -183,7 +194,8 @@ void RyGltfReadingTest::sparse()
     QByteArray over = json;
     over.replace("\"count\":4", "\"count\":3");
     QVERIFY(!open(glb(over, binary)));
-    QVERIFY2(m_error.contains("accessors[0].sparse.indices: element 3 does not exist (there are 3)"), qPrintable(m_error));
+    QVERIFY2(m_error.contains("accessors[0].sparse.indices: element 3 does not exist (there are 3)"),
+             qPrintable(m_error));
 }
 
 void RyGltfReadingTest::interleaved()
@@ -252,8 +264,10 @@ void RyGltfReadingTest::image()
 
     const QByteArray head = "{\"asset\":{\"version\":\"2.0\"},\"images\":[{\"uri\":\"";
     put(m_folder, QStringLiteral("tex ture.jpg"), "\xff\xd8\xff here");
-    const auto beside = open(head + "tex%20ture.jpg\"},{\"uri\":\"../up.png\"},{\"uri\":\"data:image/gif;base64,QUJD\"},"
-                                    "{\"uri\":\"gone.png\"}]}", QStringLiteral("i.gltf"));
+    const auto beside = open(head
+                                 + "tex%20ture.jpg\"},{\"uri\":\"../up.png\"},{\"uri\":\"data:image/gif;base64,QUJD\"},"
+                                   "{\"uri\":\"gone.png\"}]}",
+                             QStringLiteral("i.gltf"));
     QVERIFY2(beside, qPrintable(m_error));
     QCOMPARE(beside->imageBytes(0, &type), QByteArray("\xff\xd8\xff here"));
     QCOMPARE(type, QStringLiteral("image/jpeg"));
@@ -276,7 +290,8 @@ void RyGltfReadingTest::transform()
     for (int turn = 0; turn < 2; ++turn) {
         for (int k = 0; k < 3; ++k) {
             for (int i = 0; i < 3; ++i) {
-                const double image = axes[k][0] * map.m[0][i] + axes[k][1] * map.m[1][i] + axes[k][2] * map.m[2][i] + map.m[3][i];
+                const double image =
+                    axes[k][0] * map.m[0][i] + axes[k][1] * map.m[1][i] + axes[k][2] * map.m[2][i] + map.m[3][i];
                 QVERIFY(std::abs(image - images[k][i]) < 1e-12);
             }
         }
@@ -295,7 +310,8 @@ void RyGltfReadingTest::scenes()
     QCOMPARE(open(nodes + "}", "s.gltf")->model().sceneRoots, (std::vector<int>{0, 2}));
     QCOMPARE(open(nodes + R"(,"scenes":[{"nodes":[2]},{"nodes":[0]}],"scene":1})", "s.gltf")->model().sceneRoots,
              std::vector<int>{0});
-    QCOMPARE(open(nodes + R"(,"scenes":[{"nodes":[2]},{"nodes":[0]}]})", "s.gltf")->model().sceneRoots, std::vector<int>{2});
+    QCOMPARE(open(nodes + R"(,"scenes":[{"nodes":[2]},{"nodes":[0]}]})", "s.gltf")->model().sceneRoots,
+             std::vector<int>{2});
     QCOMPARE(open(nodes + R"(,"scenes":[{"nodes":[1,0,2,2]}],"scene":7})", "s.gltf")->model().sceneRoots,
              (std::vector<int>{0, 2}));
     QCOMPARE(m_warnings.size(), 2);

@@ -88,36 +88,56 @@ void RyGltfRefusingTest::refused_data()
     row("own child", [](Json &t) { t["nodes"][1]["children"] = {1}; }, "nodes[1].children[0]: node 1 is its own child");
     row("two parents", [](Json &t) { t["nodes"][2]["children"] = {1}; },
         "nodes[2].children[0]: node 1 is already a child of node 0");
-    row("child", [](Json &t) { t["nodes"][1]["children"] = {99}; }, "nodes[1].children[0]: node 99 does not exist (there are 3)");
-    row("negative child", [](Json &t) { t["nodes"][1]["children"] = {-1}; }, "nodes[1].children[0]: -1 is not the index of a node");
+    row(
+        "child", [](Json &t) { t["nodes"][1]["children"] = {99}; },
+        "nodes[1].children[0]: node 99 does not exist (there are 3)");
+    row(
+        "negative child", [](Json &t) { t["nodes"][1]["children"] = {-1}; },
+        "nodes[1].children[0]: -1 is not the index of a node");
     row("joint", [](Json &t) { t["skins"][0]["joints"][1] = 99; }, "skins[0].joints[1]: node 99 does not exist");
     row("no joints", [](Json &t) { t["skins"][0]["joints"] = Json::array(); }, "skins[0]: has no joints");
-    row("matrices", [](Json &t) { t["skins"][0]["inverseBindMatrices"] = 70; }, "skins[0].inverseBindMatrices: accessor 70");
+    row(
+        "matrices", [](Json &t) { t["skins"][0]["inverseBindMatrices"] = 70; },
+        "skins[0].inverseBindMatrices: accessor 70");
     row("few matrices", [](Json &t) { t["accessors"][3]["count"] = 1; }, "holds 1 matrices for 2 joints");
-    row("kind of matrices", [](Json &t) { t["skins"][0]["inverseBindMatrices"] = 0; }, "accessor 0 does not hold matrices");
+    row(
+        "kind of matrices", [](Json &t) { t["skins"][0]["inverseBindMatrices"] = 0; },
+        "accessor 0 does not hold matrices");
     row("mesh", [](Json &t) { t["nodes"][2]["mesh"] = 1; }, "nodes[2].mesh: mesh 1 does not exist (there are 1)");
     row("skin", [](Json &t) { t["nodes"][2]["skin"] = 1; }, "nodes[2].skin: skin 1 does not exist");
     row("scene root", [](Json &t) { t["scenes"][0]["nodes"] = {5}; }, "scenes[0].nodes[0]: node 5");
     row("huge count", [](Json &t) { t["accessors"][0]["count"] = 4294967295u; }, "accessors[0]: 4294967295 elements");
     row("count overflow", [](Json &t) { t["accessors"][0]["count"] = 1537228672809129302ull; }, "is not a valid size");
-    row("near overflow", [](Json &t) { t["accessors"][0]["count"] = 9007199254740992ull; }, "do not fit in buffer view 0");
+    row(
+        "near overflow", [](Json &t) { t["accessors"][0]["count"] = 9007199254740992ull; },
+        "do not fit in buffer view 0");
     row("offset", [](Json &t) { t["accessors"][0]["byteOffset"] = 4294967288u; }, "accessors[0]: 4 elements");
     row("offset by one", [](Json &t) { t["accessors"][0]["byteOffset"] = 4; }, "do not fit");
-    row("negative count", [](Json &t) { t["accessors"][0]["count"] = -4; }, "accessors[0].count: -4 is not a valid size");
+    row(
+        "negative count", [](Json &t) { t["accessors"][0]["count"] = -4; },
+        "accessors[0].count: -4 is not a valid size");
     row("fraction", [](Json &t) { t["accessors"][0]["count"] = 3.5; }, "accessors[0].count: 3.5 is not a valid size");
     row("no count", [](Json &t) { t["accessors"][0].erase("count"); }, "accessors[0]: has no \"count\"");
     row("many zeros", [](Json &t) { t["accessors"][0].erase("bufferView"); t["accessors"][0]["count"] = 900000000; },
         "900000000 elements without a buffer");
     row("component type", [](Json &t) { t["accessors"][0]["componentType"] = 5124; }, "unknown component type 5124");
     row("type", [](Json &t) { t["accessors"][0]["type"] = "VEC5"; }, "unknown type \"VEC5\"");
-    row("accessor's view", [](Json &t) { t["accessors"][0]["bufferView"] = 8; }, "accessors[0].bufferView: buffer view 8");
+    row(
+        "accessor's view", [](Json &t) { t["accessors"][0]["bufferView"] = 8; },
+        "accessors[0].bufferView: buffer view 8");
     row("view beyond buffer", [](Json &t) { t["bufferViews"][7]["byteLength"] = 13; },
         "bufferViews[7]: bytes 308 to 321 lie outside of buffer 0 of 320 bytes");
-    row("view's offset", [](Json &t) { t["bufferViews"][7]["byteOffset"] = 9007199254740992ull; }, "lie outside of buffer 0");
+    row(
+        "view's offset", [](Json &t) { t["bufferViews"][7]["byteOffset"] = 9007199254740992ull; },
+        "lie outside of buffer 0");
     row("view's buffer", [](Json &t) { t["bufferViews"][0]["buffer"] = 1; }, "bufferViews[0].buffer: buffer 1");
-    row("small stride", [](Json &t) { t["bufferViews"][0]["byteStride"] = 8; }, "elements of 12 bytes at a stride of 8");
+    row(
+        "small stride", [](Json &t) { t["bufferViews"][0]["byteStride"] = 8; },
+        "elements of 12 bytes at a stride of 8");
     row("large stride", [](Json &t) { t["bufferViews"][0]["byteStride"] = 16; }, "do not fit");
-    row("buffer length", [](Json &t) { t["buffers"][0]["byteLength"] = 400; }, "buffers[0]: 400 bytes announced, 320 there");
+    row(
+        "buffer length", [](Json &t) { t["buffers"][0]["byteLength"] = 400; },
+        "buffers[0]: 400 bytes announced, 320 there");
     row("second buffer", [](Json &t) { t["buffers"].push_back({{"byteLength", 4}}); },
         "buffers[1]: has neither a URI nor a binary chunk");
     row("positions", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"]["POSITION"] = 9; },
@@ -129,16 +149,33 @@ void RyGltfRefusingTest::refused_data()
     row("kind of weights", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"]["WEIGHTS_0"] = 0; },
         "WEIGHTS_0 is not made of four weights");
     row("number of weights", [](Json &t) { t["accessors"][2]["count"] = 3; }, "4 joints and 3 weights for 4 vertices");
-    row("index", [](Json &t) { t["accessors"][0]["count"] = 3; t["accessors"][1]["count"] = 3; t["accessors"][2]["count"] = 3; },
+    row(
+        "index",
+        [](Json &t) {
+            t["accessors"][0]["count"] = 3;
+            t["accessors"][1]["count"] = 3;
+            t["accessors"][2]["count"] = 3;
+        },
         "meshes[0].primitives[0].indices: vertex 3 does not exist (there are 3)");
-    row("kind of indices", [](Json &t) { t["meshes"][0]["primitives"][0]["indices"] = 5; }, "accessor 5 does not hold indices");
+    row(
+        "kind of indices", [](Json &t) { t["meshes"][0]["primitives"][0]["indices"] = 5; },
+        "accessor 5 does not hold indices");
     row("mode", [](Json &t) { t["meshes"][0]["primitives"][0]["mode"] = 7; }, "unknown mode 7");
     row("nodes no array", [](Json &t) { t["nodes"] = 5; }, "nodes: is 5, not an array");
     row("node no object", [](Json &t) { t["nodes"][1] = "x"; }, "nodes[1]: is \"x\", not an object");
     row("name no text", [](Json &t) { t["nodes"][1]["name"] = 7; }, "nodes[1].name: 7 is not a text");
-    row("translation", [](Json &t) { t["nodes"][1]["translation"] = {1, 2}; }, "nodes[1].translation: has 2 numbers, not 3");
-    row("translation's kind", [](Json &t) { t["nodes"][1]["translation"][2] = "z"; }, "nodes[1].translation[2]: \"z\" is not a number");
-    row("translation's size", [](Json &t) { t["nodes"][1]["translation"][2] = 1e300; }, "nodes[1].translation[2]: 1e+300 is too large");
+    row(
+        "translation",
+        [](Json &t) {
+            t["nodes"][1]["translation"] = {1, 2};
+        },
+        "nodes[1].translation: has 2 numbers, not 3");
+    row(
+        "translation's kind", [](Json &t) { t["nodes"][1]["translation"][2] = "z"; },
+        "nodes[1].translation[2]: \"z\" is not a number");
+    row(
+        "translation's size", [](Json &t) { t["nodes"][1]["translation"][2] = 1e300; },
+        "nodes[1].translation[2]: 1e+300 is too large");
     row("version", [](Json &t) { t["asset"]["version"] = "1.0"; }, "asset: glTF version \"1.0\" is not supported");
     row("least version", [](Json &t) { t["asset"]["minVersion"] = "2.1"; }, "asset: the file needs glTF version 2.1");
     row("no asset", [](Json &t) { t.erase("asset"); }, "this is not a glTF document");
@@ -186,11 +223,29 @@ void RyGltfRefusingTest::openedWithWarning_data()
     row("normals", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"]["NORMAL"] = 2; }, "is not used");
     row("weights alone", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"]["WEIGHTS_1"] = 2; },
         "WEIGHTS_1 stands without JOINTS_1");
-    row("child twice", [](Json &t) { t["nodes"][0]["children"] = {1, 1}; }, "nodes[0].children[1]: node 1 stands twice");
-    row("no positions", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"].erase("POSITION"); }, "has no positions");
-    row("harmless extension", [](Json &t) { t["extensionsRequired"] = {"KHR_materials_unlit", "KHR_texture_transform"}; }, "");
+    row(
+        "child twice",
+        [](Json &t) {
+            t["nodes"][0]["children"] = {1, 1};
+        },
+        "nodes[0].children[1]: node 1 stands twice");
+    row(
+        "no positions", [](Json &t) { t["meshes"][0]["primitives"][0]["attributes"].erase("POSITION"); },
+        "has no positions");
+    row(
+        "harmless extension",
+        [](Json &t) {
+            t["extensionsRequired"] = {"KHR_materials_unlit", "KHR_texture_transform"};
+        },
+        "");
     row("zero scale", [](Json &t) { t["nodes"][1]["scale"] = {0, 0, 0}; }, "");
-    row("odd names", [](Json &t) { t["nodes"][1]["name"] = "root"; t["nodes"][2]["name"] = "\xe2\x80\xae\n:\xf0\x9f\xa6\x8a"; }, "");
+    row(
+        "odd names",
+        [](Json &t) {
+            t["nodes"][1]["name"] = "root";
+            t["nodes"][2]["name"] = "\xe2\x80\xae\n:\xf0\x9f\xa6\x8a";
+        },
+        "");
     row("sizes as fractions", [](Json &t) { t["accessors"][0]["count"] = 4.0; }, "");
 }
 
@@ -267,7 +322,8 @@ void RyGltfRefusingTest::deepText()
     QVERIFY(!open(nested(512), QStringLiteral("deep.gltf")));
     QVERIFY2(m_error.contains("more than 512 deep"), qPrintable(m_error));
     QVERIFY(!open(nested(2000000), QStringLiteral("deep.gltf")));
-    QVERIFY(!open("{\"asset\":{\"version\":\"2.0\"},\"extras\":" + QByteArray("{\"a\":").repeated(300000), QStringLiteral("deep.gltf")));
+    QVERIFY(!open("{\"asset\":{\"version\":\"2.0\"},\"extras\":" + QByteArray("{\"a\":").repeated(300000),
+                  QStringLiteral("deep.gltf")));
 }
 
 void RyGltfRefusingTest::longChain()
@@ -314,9 +370,10 @@ void RyGltfRefusingTest::hostileModels_data()
     const QString folder = ryModelsPath();
     if (folder.isEmpty())
         QSKIP("the models are not on this machine");
-    static const char *const opens[] = {"no_ibm", "skeleton_not_joint_nonuniform", "two_skins_one_skeleton", "duplicate_joint",
-                                        "zero_weights", "odd_and_equal_names", "deep_5000_nodes", "zero_scale_joint",
-                                        "singular_ibm"};
+    static const char *const opens[] = {
+        "no_ibm",       "skeleton_not_joint_nonuniform", "two_skins_one_skeleton", "duplicate_joint",
+        "zero_weights", "odd_and_equal_names",           "deep_5000_nodes",        "zero_scale_joint",
+        "singular_ibm"};
     static const char *const refuses[] = {"node_cycle", "huge_count", "offset_overflow", "truncated_", "deep_json"};
     const QStringList names = QDir(folder + "/hostile").entryList({"*.glb", "*.gltf"}, QDir::Files);
     for (const QString &name : names) {

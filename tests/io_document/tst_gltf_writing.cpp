@@ -14,12 +14,14 @@ class RyGltfWritingTest : public QObject
 Q_OBJECT
 
 private:
-    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(), const QString &name = QStringLiteral("p.glb"))
+    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
+                                         const QString &name = QStringLiteral("p.glb"))
     {
         m_error.clear();
         return RyGltfDocument::read(put(m_folder, name, bytes), &m_error);
     }
-    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document, const QString &ending = QStringLiteral("glb"))
+    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document,
+                                             const QString &ending = QStringLiteral("glb"))
     {
         return open(document.toBytes(ending), "again." + ending);
     }
@@ -85,12 +87,13 @@ void RyGltfWritingTest::severalBuffersBecomeOne()
     append<float>(first, {1, 2});
     first.append("x"); // nine bytes: the next one begins at twelve
     append<float>(second, {3, 4, 5});
-    const QByteArray json = R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":9,"name":"kept","uri":"data:;base64,)" + first.toBase64()
-                            + R"("},{"byteLength":12,"uri":"data:;base64,)" + second.toBase64()
-                            + R"("}],"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":1,"byteOffset":4,"byteLength":8,)"
-                              R"("extensions":{"VENDOR_packed":{"buffer":1,"byteLength":2}}}],)"
-                              R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},)"
-                              R"({"bufferView":1,"componentType":5126,"count":2,"type":"SCALAR"}]})";
+    const QByteArray json =
+        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":9,"name":"kept","uri":"data:;base64,)" + first.toBase64()
+        + R"("},{"byteLength":12,"uri":"data:;base64,)" + second.toBase64()
+        + R"("}],"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":1,"byteOffset":4,"byteLength":8,)"
+          R"("extensions":{"VENDOR_packed":{"buffer":1,"byteLength":2}}}],)"
+          R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},)"
+          R"({"bufferView":1,"componentType":5126,"count":2,"type":"SCALAR"}]})";
     const auto document = open(json, "two.gltf");
     QVERIFY2(document, qPrintable(m_error));
     const auto merged = reopened(*document);
@@ -105,8 +108,9 @@ void RyGltfWritingTest::severalBuffersBecomeOne()
 void RyGltfWritingTest::imagesAreTakenIn()
 {
     put(m_folder, "skin.png", "\x89PNG\r\n\x1a\nouter");
-    const QByteArray json = R"({"asset":{"version":"2.0"},"images":[{"uri":"skin.png","name":"s"},{"uri":"missing.png"},)"
-                            R"({"uri":"data:image/png;base64,QUJDRA=="}]})";
+    const QByteArray json =
+        R"({"asset":{"version":"2.0"},"images":[{"uri":"skin.png","name":"s"},{"uri":"missing.png"},)"
+        R"({"uri":"data:image/png;base64,QUJDRA=="}]})";
     const auto document = open(json, "images.gltf");
     QVERIFY2(document, qPrintable(m_error));
     const auto container = reopened(*document);
@@ -120,7 +124,8 @@ void RyGltfWritingTest::imagesAreTakenIn()
     QCOMPARE(container->json()["images"][0]["name"], Json("s"));
     QTemporaryDir other;
     QVERIFY(document->write(other.filePath("images.gltf"), &m_error));
-    QCOMPARE(RyGltfDocument::read(other.filePath("images.gltf"), &m_error)->imageBytes(0), QByteArray("\x89PNG\r\n\x1a\nouter"));
+    QCOMPARE(RyGltfDocument::read(other.filePath("images.gltf"), &m_error)->imageBytes(0),
+             QByteArray("\x89PNG\r\n\x1a\nouter"));
     QVERIFY(document->write(m_folder.filePath("images2.gltf"), &m_error));
     QCOMPARE(contents(m_folder.filePath("images2.gltf")), json);
 }
@@ -144,7 +149,8 @@ void RyGltfWritingTest::failedWriteLeavesTheFile()
     const auto document = open();
     document->setNodeName(0, "changed");
     QVERIFY2(document->write(m_folder.filePath("p.glb"), &m_error), qPrintable(m_error));
-    QCOMPARE(RyGltfDocument::read(m_folder.filePath("p.glb"), &m_error)->model().nodes[0].name, QStringLiteral("changed"));
+    QCOMPARE(RyGltfDocument::read(m_folder.filePath("p.glb"), &m_error)->model().nodes[0].name,
+             QStringLiteral("changed"));
     const QByteArray before = contents(m_folder.filePath("p.glb"));
     document->json()["extras"] = std::string("\xff");
     QString error;

@@ -79,8 +79,9 @@ void RyObjFileTest::structure()
 
 void RyObjFileTest::spellings()
 {
-    const auto file = parse("\xef\xbb\xbf# c\r\n  v\t+1.5e1  -.5 2. 1.0\r\nv 1 2 3 0.5 0.5 0.5\r\nv 0 0 0 \\\r\n\r\n"
-                            "v 1 \\\n 2 \\\n 3\nf 1 2\\\n 3\ng n\xe4me\nf 1 2 3 # comment\ns off\nl 1 2\np 1\nunknown 1 2 3");
+    const auto file =
+        parse("\xef\xbb\xbf# c\r\n  v\t+1.5e1  -.5 2. 1.0\r\nv 1 2 3 0.5 0.5 0.5\r\nv 0 0 0 \\\r\n\r\n"
+              "v 1 \\\n 2 \\\n 3\nf 1 2\\\n 3\ng n\xe4me\nf 1 2 3 # comment\ns off\nl 1 2\np 1\nunknown 1 2 3");
     QVERIFY2(file, qPrintable(m_error));
     QCOMPARE(file->positions[0], (std::array<double, 3>{15, -0.5, 2}));
     QCOMPARE(file->positions[3], (std::array<double, 3>{1, 2, 3}));
@@ -97,7 +98,8 @@ void RyObjFileTest::malformed_data()
     QTest::newRow("beyond") << three + "\nf 1 2 4\n" << "line 5: vertex 4 does not exist (there are 3)";
     QTest::newRow("zero") << three + "f 0 1 2\n" << "line 4: vertex 0 does not exist";
     QTest::newRow("too far back") << three + "f -1 -2 -4\n" << "line 4: vertex -4 does not exist";
-    QTest::newRow("huge") << three + "f 1 2 99999999999999999999\n" << "line 4: vertex 99999999999999999999 does not exist";
+    QTest::newRow("huge") << three + "f 1 2 99999999999999999999\n"
+                          << "line 4: vertex 99999999999999999999 does not exist";
     QTest::newRow("large") << three + "f 1 2 2147483648\n" << "line 4: vertex 2147483648 does not exist";
     QTest::newRow("no index") << three + "f 1 2 x\n" << "line 4: \"x\" is not the index of a vertex";
     QTest::newRow("fraction") << three + "f 1 2 3.5\n" << "line 4: \"3.5\" is not the index of a vertex";
@@ -106,7 +108,8 @@ void RyObjFileTest::malformed_data()
     QTest::newRow("too large") << QByteArray("v 0 1e300 0\n") << "line 1: \"1e300\"";
     QTest::newRow("letters") << QByteArray("v 0 0 1.5x\n") << "line 1: \"1.5x\" is not a number";
     QTest::newRow("two numbers") << QByteArray("v 0 0\nv 1 1 1\n") << "line 1: a vertex needs three numbers and has 2";
-    QTest::newRow("cut in a vertex") << QByteArray("v 0 0 0\nv 1 1") << "line 2: a vertex needs three numbers and has 2 (the file is cut off here)";
+    QTest::newRow("cut in a vertex") << QByteArray("v 0 0 0\nv 1 1")
+                                     << "line 2: a vertex needs three numbers and has 2 (the file is cut off here)";
     QTest::newRow("cut in a face") << three + "f 1 2" << "line 4: a face with 2 corners (the file is cut off here)";
     QTest::newRow("empty") << QByteArray() << "no vertices";
     QTest::newRow("something else") << QByteArray("hello\nworld\n") << "no vertices";

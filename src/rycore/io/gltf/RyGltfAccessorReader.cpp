@@ -66,7 +66,8 @@ void RyGltfAccessorReader::readElements(const unsigned char *from, std::uint64_t
     for (std::uint64_t element = 0; element < count; ++element, from += stride) {
         for (int component = 0; component < components; ++component) {
             In value;
-            std::memcpy(&value, from + (component / rows) * m_layout.columnStride + (component % rows) * int(sizeof(In)),
+            std::memcpy(&value,
+                        from + (component / rows) * m_layout.columnStride + (component % rows) * int(sizeof(In)),
                         sizeof(In));
             *out++ = converted<Out, In>(value, normalized);
         }
@@ -98,8 +99,8 @@ void RyGltfAccessorReader::applySparse(std::vector<Out> &values) const
     const RyGltfSparse &sparse = m_layout.sparse;
     const std::size_t components = std::size_t(m_accessor.componentCount);
     std::vector<Out> replaced(std::size_t(sparse.count) * components);
-    readAs(m_storage.viewBytes(sparse.valueView) + sparse.valueOffset, std::uint64_t(m_layout.elementSize), sparse.count,
-           replaced.data());
+    readAs(m_storage.viewBytes(sparse.valueView) + sparse.valueOffset, std::uint64_t(m_layout.elementSize),
+           sparse.count, replaced.data());
     RyGltfAccessor indexAccessor;
     indexAccessor.bufferView = sparse.indexView;
     indexAccessor.byteOffset = sparse.indexOffset;

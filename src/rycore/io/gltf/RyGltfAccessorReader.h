@@ -5,7 +5,8 @@
 
 #include <span>
 
-/// Numbers out of accessors that have been checked. What has no buffer reads as zeros, numbers that are not finite as 0.
+/// Numbers out of accessors that have been checked. What has no buffer reads as zeros, numbers that are not finite as
+/// 0.
 class RyGltfAccessorReader
 {
 public:

@@ -10,6 +10,8 @@ namespace {
 
 /// Accessors without a buffer read as zeros and cost no byte in the file; their number needs a limit of its own.
 constexpr std::uint64_t maximumZeroElements = std::uint64_t(1) << 22;
+/// Many accessors may name the same long list of replaced elements.
+constexpr std::uint64_t maximumSparseElements = 100'000'000;
 
 struct ElementType
 {
@@ -91,8 +93,8 @@ void RyGltfBufferReader::readViews()
     }
 }
 
-void RyGltfBufferReader::checkRange(const RyGltfCursor &cursor, int viewIndex, std::uint64_t offset, std::uint64_t stride,
-                                    std::uint64_t elementSize, std::uint64_t count) const
+void RyGltfBufferReader::checkRange(const RyGltfCursor &cursor, int viewIndex, std::uint64_t offset,
+                                    std::uint64_t stride, std::uint64_t elementSize, std::uint64_t count) const
 {
     if (count == 0)
         return;
@@ -195,6 +197,7 @@ void RyGltfBufferReader::readAccessors(RyGltfModel &model)
     model.accessors.reserve(std::size_t(list.size()));
     m_storage.layouts.clear();
     m_storage.layouts.reserve(std::size_t(list.size()));
+    std::uint64_t sparseElements = 0;
     for (int i = 0; i < list.size(); ++i) {
         const RyGltfCursor cursor = list.objectAt(i);
         RyGltfLayout layout;
@@ -202,6 +205,9 @@ void RyGltfBufferReader::readAccessors(RyGltfModel &model)
         accessor.sparse = cursor.object("sparse").exists();
         if (accessor.sparse)
             readSparse(cursor, accessor, layout);
+        sparseElements += layout.sparse.count;
+        if (sparseElements > maximumSparseElements)
+            cursor.refuse(QStringLiteral("more than %1 elements are replaced in all").arg(maximumSparseElements));
         if (accessor.count == 0)
             m_warnings.add(cursor.path() + QStringLiteral(": has no elements"));
         model.accessors.push_back(accessor);

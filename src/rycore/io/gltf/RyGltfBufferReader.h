@@ -14,8 +14,8 @@ public:
     {
     }
 
-    /// Loads the buffers: the container's chunk (null when there is none, `owner` holds its bytes), data URIs, and files
-    /// in `folder`.
+    /// Loads the buffers: the container's chunk (null when there is none, `owner` holds its bytes), data URIs, and
+    /// files in `folder`.
     void readBuffers(const QByteArray &owner, const QByteArray &chunk, const QString &folder);
     void readViews();
     void readAccessors(RyGltfModel &model);

@@ -259,8 +259,9 @@ QByteArray RyGltfDocument::toBytes(const QString &ending, QString *error) const
 bool RyGltfDocument::write(const QString &path, QString *error) const
 {
     const QFileInfo target(path);
-    const bool elsewhere = d->path.isEmpty()
-                           || QFileInfo(target.absolutePath()).canonicalFilePath() != QFileInfo(d->folder()).canonicalFilePath();
+    const bool elsewhere =
+        d->path.isEmpty()
+        || QFileInfo(target.absolutePath()).canonicalFilePath() != QFileInfo(d->folder()).canonicalFilePath();
     QString reason;
     const QByteArray bytes = RyGltfWriter(*this).toBytes(target.suffix(), elsewhere, &reason);
     if (bytes.isEmpty()) {

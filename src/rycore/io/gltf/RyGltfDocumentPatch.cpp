@@ -180,7 +180,8 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
     const bool own = a.componentType == 5126 && !a.sparse && a.bufferView >= 0 && values.size() == a.count * components
                      && !layout.isPadded();
     const int bufferIndex = own ? d->storage.views[std::size_t(a.bufferView)].buffer : -1;
-    if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External || d->sharesBytes(accessor)) {
+    if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External
+        || d->sharesBytes(accessor)) {
         int target = 0;
         if (a.bufferView >= 0)
             target = d->list("bufferViews")[std::size_t(a.bufferView)].value("target", 0);

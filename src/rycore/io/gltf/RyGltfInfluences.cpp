@@ -24,7 +24,8 @@ std::size_t countNotFinite(const RyGltfDocument &document, int accessor)
 
 } // namespace
 
-RyGltfInfluences RyGltfInfluences::read(const RyGltfDocument &document, const RyGltfPrimitive &primitive, int jointCount)
+RyGltfInfluences RyGltfInfluences::read(const RyGltfDocument &document, const RyGltfPrimitive &primitive,
+                                        int jointCount)
 {
     RyGltfInfluences result;
     if (primitive.positions < 0 || primitive.joints.empty())

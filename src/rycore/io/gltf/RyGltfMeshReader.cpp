@@ -64,8 +64,8 @@ int RyGltfMeshReader::readAttribute(const RyGltfCursor &attributes, const char *
     return attributes.index(name, int(model.accessors.size()), "accessor");
 }
 
-int RyGltfMeshReader::readOptional(const RyGltfCursor &attributes, const char *name, const RyGltfModel &model, int least,
-                                   int most, std::uint64_t count) const
+int RyGltfMeshReader::readOptional(const RyGltfCursor &attributes, const char *name, const RyGltfModel &model,
+                                   int least, int most, std::uint64_t count) const
 {
     const int index = readAttribute(attributes, name, model);
     if (index < 0)
@@ -102,7 +102,8 @@ void RyGltfMeshReader::readInfluences(const RyGltfCursor &attributes, const RyGl
             attributes.refuse(QStringLiteral("%1 is not made of four indices").arg(QString::fromStdString(jointsName)));
         const bool weightsFit = w.componentType == 5126 || w.componentType == 5121 || w.componentType == 5123;
         if (w.componentCount != 4 || !weightsFit)
-            attributes.refuse(QStringLiteral("%1 is not made of four weights").arg(QString::fromStdString(weightsName)));
+            attributes.refuse(
+                QStringLiteral("%1 is not made of four weights").arg(QString::fromStdString(weightsName)));
         if (j.count != count || w.count != count) {
             attributes.refuse(QStringLiteral("%1 joints and %2 weights for %3 vertices")
                                   .arg(j.count).arg(w.count).arg(count));
@@ -121,7 +122,8 @@ void RyGltfMeshReader::checkIndices(const RyGltfCursor &cursor, const RyGltfMode
     if (accessor.componentCount != 1 || accessor.componentType == 5126)
         where.refuse(QStringLiteral("accessor %1 does not hold indices").arg(primitive.indices));
     std::uint32_t most = 0;
-    if (accessor.sparse || accessor.bufferView < 0 || accessor.componentType == 5120 || accessor.componentType == 5122) {
+    if (accessor.sparse || accessor.bufferView < 0 || accessor.componentType == 5120
+        || accessor.componentType == 5122) {
         for (const std::uint32_t index : RyGltfAccessorReader(accessor, layout, m_storage).readUints())
             most = std::max(most, index);
     } else {

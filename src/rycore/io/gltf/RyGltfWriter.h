@@ -8,8 +8,8 @@ class RyGltfWriter
 public:
     explicit RyGltfWriter(const RyGltfDocument &document);
 
-    /// `ending` is "glb" or "gltf", with or without a dot. `elsewhere`: the file goes to another folder than it came from,
-    /// so files beside it are taken in. Empty with a message on failure.
+    /// `ending` is "glb" or "gltf", with or without a dot. `elsewhere`: the file goes to another folder than it came
+    /// from, so files beside it are taken in. Empty with a message on failure.
     QByteArray toBytes(const QString &ending, bool elsewhere, QString *error) const;
 
 private:

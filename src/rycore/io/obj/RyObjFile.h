@@ -49,16 +49,16 @@ public:
     QStringList materialLibraries;
     QStringList warnings; // what was passed over, with line numbers
 
-    /// Null with a message that names file, line and reason: an index that does not exist, a number that is none, a file
-    /// that is cut off, no vertices at all.
+    /// Null with a message that names file, line and reason: an index that does not exist, a number that is none, a
+    /// file that is cut off, no vertices at all.
     static std::unique_ptr<RyObjFile> read(const QString &path, QString *error);
     /// `name` stands for the file in the message.
     static std::unique_ptr<RyObjFile> parse(const QByteArray &text, const QString &name, QString *error);
 
     std::vector<Run> groupRuns() const;
 
-    /// The text that was read with the numbers of the moved vertices replaced; where there is no such text, or its vertices
-    /// are not as many as `positions`, a new text of everything here.
+    /// The text that was read with the numbers of the moved vertices replaced; where there is no such text, or its
+    /// vertices are not as many as `positions`, a new text of everything here.
     QByteArray toBytes() const;
     /// Writes safely; on failure the old file stays.
     bool write(const QString &path, QString *error) const;
