@@ -2,7 +2,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/io/gltf/RyGltfDocument.h"
-#include "rycore/io/gltf/RyGltfInfluences.h"
+#include "rycore/io/gltf/RyGltfMeshBuilder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -29,10 +29,12 @@ void readAll(const RyGltfDocument &document)
         for (const unsigned char byte : document.packedBytes(i))
             sum += byte;
     }
-    for (const RyGltfMesh &mesh : model.meshes) {
-        for (const RyGltfPrimitive &primitive : mesh.primitives)
-            sum += RyGltfInfluences::read(document, primitive, 2).perVertex;
+    RyGltfMeshBuilder builder(document);
+    for (size_t mesh = 0; mesh < model.meshes.size(); ++mesh) {
+        for (size_t primitive = 0; primitive < model.meshes[mesh].primitives.size(); ++primitive)
+            builder.addPart(int(mesh), int(primitive), QString(), {0, 1}, RyAffine(), int(mesh));
     }
+    sum += double(builder.positions.size());
     for (const RyGltfNode &node : model.nodes)
         sum += node.transform.toAffine().m[3][0];
     for (int i = 0; i < 4; ++i)
