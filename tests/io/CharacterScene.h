@@ -1,0 +1,72 @@
+#pragma once
+
+#include "evaluator/GltfEvaluator.h"
+#include "rycore/io/gltf/RyGltfSceneDocument.h"
+#include "rycore/scene/RyScene.h"
+
+#include <Eigen/Core>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <random>
+#include <vector>
+
+class RyBone;
+
+/// A scene opened from a file, beside an independent reading of the same file.
+class CharacterScene
+{
+public:
+    /// Fails the running test when the file cannot be opened.
+    explicit CharacterScene(const QString &path);
+
+    RyScene scene;
+    GltfEvaluator file;
+    QStringList messages;
+    double height = 0.0; ///< of what the file shows, centimetres
+
+    const RyGltfSceneDocument &document() const;
+    double unit() const { return document().unit; }
+    std::vector<RyBone *> bones() const;
+    int nodeOf(const RyNode *node) const;
+
+    /// Where the scene shows the vertices of the file, in centimetres, by node and primitive of the file.
+    using Positions = std::map<std::pair<int, int>, std::vector<Eigen::Vector3d>>;
+    Positions shown() const;
+    /// The same without any pose: the meshes as they stand in the scene.
+    Positions atRest() const;
+};
+
+/// What a file shows, in centimetres.
+CharacterScene::Positions positionsOf(const GltfEvaluator &file, double unit, const GltfPose &pose = {});
+/// Infinite when the two do not hold the same primitives and counts.
+double largestDistance(const CharacterScene::Positions &a, const CharacterScene::Positions &b);
+double heightOf(const CharacterScene::Positions &positions);
+
+/// The rest of a file's joints, derived from its inverse bind matrices alone: for column vectors, in file units.
+struct RestFrames
+{
+    explicit RestFrames(const GltfEvaluator &file);
+
+    std::map<int, Eigen::Matrix4d> world;
+    std::map<int, Eigen::Matrix4d> local;
+    /// What the rest frame of a joint holds besides rotation; acts first.
+    std::map<int, Eigen::Matrix3d> stretch;
+
+    /// All joints at rest.
+    GltfPose pose() const;
+};
+
+/// Clears the pose of the scene and gives some joints random turns; the same for the file, by its own joints.
+GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const std::map<const RyNode *, int> &nodeOf,
+                    std::mt19937 &random);
+
+/// Moves and turns a share of the joints at random, in one step. Gives the bones that were touched.
+std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, std::mt19937 &random);
+
+QByteArray bytesOf(const QString &path);
+/// The characters that hold joints, by file name.
+QStringList characterNames();
