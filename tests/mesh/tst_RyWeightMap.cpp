@@ -75,6 +75,16 @@ void RyWeightMapTest::denseAndSparseAgree()
     QCOMPARE(map.getFloatWeight(1), 1.0f);
     map.compact();
     compareWith(map, {0, 65535, 0, 0, 0, 0});
+    // A pointer that was fetched once serves for the whole edit.
+    map.beginEdit();
+    quint16 *held = map.getWeights();
+    held[3] = 12;
+    compareWith(map, {0, 65535, 0, 12, 0, 0});
+    held[5] = 13;
+    compareWith(map, {0, 65535, 0, 12, 0, 13});
+    held[3] = held[5] = 0;
+    map.finishEdit();
+    compareWith(map, {0, 65535, 0, 0, 0, 0});
     const RyWeightMap &read = map;
     QCOMPARE(read.getWeights()[1], quint16(65535));
     QCOMPARE(map.getWeight(-1), quint16(0));
