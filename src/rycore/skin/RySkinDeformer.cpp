@@ -137,7 +137,7 @@ const std::vector<RyVec3> &RySkinDeformer::deform(const std::vector<RyVec3> &res
     if (sameRest && !moved)
         return m_result;
 
-    std::vector<Block> todo;
+    std::vector<Block> pending;
     if (sameRest) {
         std::vector<char> marked(m_blocks.size(), 0);
         for (size_t k = 0; k < changed.size(); ++k) {
@@ -148,14 +148,14 @@ const std::vector<RyVec3> &RySkinDeformer::deform(const std::vector<RyVec3> &res
         }
         for (size_t i = 0; i < m_blocks.size(); ++i) {
             if (marked[i])
-                todo.push_back(m_blocks[i]);
+                pending.push_back(m_blocks[i]);
         }
     } else {
         m_result.resize(rest.size());
         for (int vertex : m_unmoved)
             m_result[size_t(vertex)] = rest[size_t(vertex)];
     }
-    const std::vector<Block> &blocks = sameRest ? todo : m_blocks;
+    const std::vector<Block> &blocks = sameRest ? pending : m_blocks;
     for (const Block &block : blocks)
         m_lastTouched += block.count;
     m_totalTouched += m_lastTouched;
