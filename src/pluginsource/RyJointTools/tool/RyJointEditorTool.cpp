@@ -19,6 +19,8 @@ static constexpr int toolPriority = 29;
 RyJointEditorTool::RyJointEditorTool() : RyPickTool(QStringLiteral("Joint Editor"))
 {
     setObjectName(QStringLiteral("Joint Editor"));
+    qRegisterMetaType<EditMode>("RyJointEditorTool::EditMode");
+    qRegisterMetaType<BoneDrawMode>("RyJointEditorTool::BoneDrawMode");
     setAlwaysUseDefaultPickMode(true);
     m_display.readSettings();
     auto *toolFrame = new RyJointEditorToolFrame(RyApp::getInterface(), this);

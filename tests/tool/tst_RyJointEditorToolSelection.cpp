@@ -1,0 +1,318 @@
+#include "support/RyTest.h"
+
+#include "RySignalCounter.h"
+#include "RyToolScene.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+#include <QSignalSpy>
+
+/// How the tool follows the selection and the changes of its node.
+class RyJointEditorToolSelectionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void activationTakesTheSelection();
+    void deactivationDropsEverything();
+    void burstsBecomeOneUpdate();
+    void pendingEventDiesWithDeactivation();
+    void announcesEveryNode();
+    void oldNodeIsForgotten();
+    void removedNodeIsDropped();
+    void otherEvents();
+    void followsOriginIncrementally();
+    void propagationOnlyOutsideUndo();
+    void endPointPropagatesNothing();
+    void autoSnap();
+    void autoSnapWithoutBones();
+    void autoAlign();
+    void followUpNeedsAParent();
+    void rotationOrder();
+    void deletedWhileDragging();
+};
+
+void RyJointEditorToolSelectionTest::activationTakesTheSelection()
+{
+    RyToolScene scene;
+    ryScene()->setSelection({scene.lShin});
+    scene.manager->setActiveTool(scene.tool);
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.lShin));
+    QCOMPARE(scene.tool->currentNodeParent(), static_cast<RyNode *>(scene.lThigh));
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3(11, 50, 2));
+    QVERIFY(scene.tool->isActive());
+}
+
+void RyJointEditorToolSelectionTest::deactivationDropsEverything()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    QSignalSpy nodes(scene.tool, &RyJointEditorTool::nodeChanged);
+    scene.manager->setActiveTool(nullptr);
+    QVERIFY(!scene.tool->currentNode());
+    QVERIFY(!scene.tool->currentNodeParent());
+    QVERIFY(!scene.tool->currentParam());
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3());
+    QCOMPARE(nodes.count(), 1);
+    ryScene()->setSelection({scene.hip});
+    QCoreApplication::sendPostedEvents();
+    QVERIFY(!scene.tool->currentNode());
+    QCOMPARE(nodes.count(), 1);
+}
+
+void RyJointEditorToolSelectionTest::burstsBecomeOneUpdate()
+{
+    RyToolScene scene;
+    scene.select(scene.hip);
+    QSignalSpy nodes(scene.tool, &RyJointEditorTool::nodeChanged);
+    for (int burst = 1; burst <= 2; ++burst) {
+        for (int i = 0; i < 5; ++i) {
+            ryScene()->setSelection({scene.lShin});
+            ryScene()->setSelection({scene.lFoot});
+        }
+        QVERIFY(scene.tool->isSelectionEventPending());
+        QCOMPARE(nodes.count(), burst - 1);
+        QCoreApplication::processEvents();
+        QCOMPARE(nodes.count(), burst);
+        QVERIFY(!scene.tool->isSelectionEventPending());
+        QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.lFoot));
+    }
+}
+
+void RyJointEditorToolSelectionTest::pendingEventDiesWithDeactivation()
+{
+    RyToolScene scene;
+    scene.select(scene.hip);
+    ryScene()->setSelection({scene.lShin});
+    QVERIFY(scene.tool->isSelectionEventPending());
+    scene.manager->setActiveTool(nullptr);
+    QVERIFY(!scene.tool->isSelectionEventPending());
+    QCoreApplication::processEvents();
+    QVERIFY(!scene.tool->currentNode());
+    scene.manager->setActiveTool(scene.tool);
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.lShin));
+    ryScene()->setSelection({scene.lFoot});
+    QCoreApplication::processEvents();
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.lFoot));
+}
+
+void RyJointEditorToolSelectionTest::announcesEveryNode()
+{
+    QStringList announced; // outlives the scene, whose end is announced too
+    RyToolScene scene;
+    connect(scene.tool, &RyJointEditorTool::nodeChanged, [&](RyNode *node) {
+        announced.append(node ? node->getName() : QStringLiteral("none"));
+    });
+    RySignalCounter parameters;
+    connect(scene.tool, SIGNAL(paramChanged(RyLegacyJointParam*)), &parameters, SLOT(count()));
+    scene.manager->setActiveTool(scene.tool);
+    scene.select(scene.lShin);
+    scene.select(scene.figure);
+    scene.select(scene.prop);
+    ryScene()->selectAllNodes(false);
+    QCoreApplication::processEvents();
+    // No parameter was ever current, so none is announced.
+    QCOMPARE(parameters.counted, 0);
+    QCOMPARE(announced, QStringList({"none", "lShin", "figure", "prop", "none"}));
+}
+
+void RyJointEditorToolSelectionTest::oldNodeIsForgotten()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.select(scene.prop);
+    scene.tool->setPropagateTranslation(true);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.lShin->setOrigin({1, 2, 3});
+    scene.lShin->setEndPoint({4, 5, 6});
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
+    QCOMPARE(scene.lThigh->getEndPoint(), RyVec3(11, 50, 2));
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3());
+}
+
+void RyJointEditorToolSelectionTest::removedNodeIsDropped()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const RyRef<RyNode> kept(scene.lShin);
+    QSignalSpy nodes(scene.tool, &RyJointEditorTool::nodeChanged);
+    scene.tool->setPropagateTranslation(true);
+    ryScene()->removeNode(scene.lShin);
+    QVERIFY(!scene.tool->currentNode());
+    QCOMPARE(nodes.count(), 0);
+    scene.lShin->setOrigin({0, 0, 0});
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
+    QCoreApplication::processEvents();
+    QCOMPARE(nodes.count(), 1);
+    QVERIFY(!scene.tool->currentNode());
+}
+
+void RyJointEditorToolSelectionTest::otherEvents()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    QSignalSpy nodes(scene.tool, &RyJointEditorTool::nodeChanged);
+    QEvent stranger(QEvent::Type(QEvent::registerEventType(-1)));
+    scene.tool->event(&stranger);
+    QCOMPARE(nodes.count(), 0);
+    // QObject knows the first of these and not the second.
+    QEvent threadChange(QEvent::ThreadChange);
+    QVERIFY(scene.tool->event(&threadChange));
+    QEvent show(QEvent::Show);
+    QVERIFY(!scene.tool->event(&show));
+}
+
+void RyJointEditorToolSelectionTest::followsOriginIncrementally()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setPropagateTranslation(true);
+    scene.lShin->setOrigin({12, 53, 7}); // by (1, 3, 5), announced axis by axis
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(11, 11, 4));
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(11, 11, 4));
+    QCOMPARE(scene.lFoot->getEndPoint(), RyVec3(12, 5, 18));
+    QCOMPARE(scene.lThigh->getEndPoint(), RyVec3(11, 50, 2));
+    QCOMPARE(scene.rThigh->getOrigin(), RyVec3(-10, 95, 0));
+    QCOMPARE(scene.lFoot->getOrigin(true), RyVec3(10, 8, -1));
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3(12, 53, 7));
+    scene.tool->setPropagateTranslation(false);
+    scene.lShin->setOrigin({0, 0, 0});
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(11, 11, 4));
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3(0, 0, 0));
+    scene.tool->setPropagateTranslation(true);
+    scene.lShin->getOriginYControl()->setValue(2.0f);
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(11, 13, 4));
+}
+
+void RyJointEditorToolSelectionTest::propagationOnlyOutsideUndo()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setPropagateTranslation(true);
+    const QString before = scene.dump();
+    {
+        RyUndoStackHold hold;
+        scene.lShin->setOrigin({20, 60, -10});
+        hold.accept(QStringLiteral("move"));
+    }
+    const QString after = scene.dump();
+    QVERIFY(after != before);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3(11, 50, 2));
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), after);
+}
+
+void RyJointEditorToolSelectionTest::endPointPropagatesNothing()
+{
+    RyToolScene scene;
+    scene.select(scene.lThigh);
+    scene.tool->setPropagateTranslation(true);
+    scene.lThigh->setEndPoint({0, 0, 0});
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(11, 50, 2));
+    QCOMPARE(scene.lFoot->getEndPoint(), RyVec3(11, 2, 13));
+}
+
+void RyJointEditorToolSelectionTest::autoSnap()
+{
+    RyToolScene scene;
+    scene.select(scene.lThigh);
+    scene.lThigh->setOrigin({12, 95, 0});
+    QCOMPARE(scene.hip->getEndPoint(), RyVec3(0, 112, 1));
+    scene.tool->setAutoSnapEndPoints(true);
+    QSignalSpy rigging(scene.hip, &RyNode::riggingChanged);
+    scene.lThigh->setOrigin({14, 96, 4});
+    // Mean of (14, 96, 4) and (-10, 95, 0).
+    QCOMPARE(scene.hip->getEndPoint(), RyVec3(2, 95.5f, 2));
+    QCOMPARE(scene.hip->getEndPoint(true), RyVec3(0, 112, 1));
+    QCOMPARE(scene.hip->editLevel(), 0);
+    QVERIFY(rigging.count() > 0);
+    // An end point brings the follow-up too.
+    scene.hip->setEndPoint({0, 0, 0});
+    scene.lThigh->setEndPoint({11, 50, 3});
+    QCOMPARE(scene.hip->getEndPoint(), RyVec3(2, 95.5f, 2));
+}
+
+void RyJointEditorToolSelectionTest::autoSnapWithoutBones()
+{
+    RyToolScene scene;
+    auto *holder = new RyNode;
+    auto *child = new RyNode;
+    holder->setEndPoint({1, 2, 3});
+    holder->addNodeChild(child);
+    ryScene()->addNode(holder);
+    scene.select(child);
+    scene.tool->setAutoSnapEndPoints(true);
+    child->setOrigin({5, 5, 5});
+    QCOMPARE(holder->getEndPoint(), RyVec3(0, 0, 0));
+}
+
+void RyJointEditorToolSelectionTest::autoAlign()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setAutoAlign(true);
+    scene.lShin->setOrigin({15, 52, 9});
+    for (const RyBone *bone : {scene.lThigh, scene.lShin}) {
+        const RyVec3 direction = (bone->getEndPoint() - bone->getOrigin()).normalized();
+        const RyVec3 axis = bone->getOrientation().multVec(RyVec3::axis(0));
+        const float sign = direction.x < 0 ? -1.0f : 1.0f;
+        QVERIFY((axis * sign - direction).length() < 1e-4f);
+        QCOMPARE(bone->editLevel(), 0);
+    }
+    QCOMPARE(scene.lFoot->getOrientation(), RyQuat());
+    QCOMPARE(scene.hip->getOrientation(), RyQuat());
+}
+
+void RyJointEditorToolSelectionTest::followUpNeedsAParent()
+{
+    RyToolScene scene;
+    scene.select(scene.prop);
+    scene.tool->setAutoAlign(true);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.prop->setEndPoint({0, 5, 0});
+    QCOMPARE(scene.prop->getOrientation(), RyQuat());
+}
+
+void RyJointEditorToolSelectionTest::rotationOrder()
+{
+    QList<int> orders; // outlives the scene, whose end is announced too
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    connect(scene.tool, &RyJointEditorTool::nodeChanged,
+            [&](RyNode *node) { orders.append(node ? node->getRotationOrder().order() : -1); });
+    scene.tool->changeRotationOrder(nullptr, RyRotationOrder(3));
+    scene.tool->changeRotationOrder(scene.lShin, RyRotationOrder(0));
+    QCOMPARE(orders, QList<int>());
+    scene.tool->changeRotationOrder(scene.lShin, RyRotationOrder(5));
+    QCOMPARE(scene.lShin->getRotationOrder().order(), 5);
+    QCOMPARE(orders, QList<int>{5});
+    // Another node may be changed; the current one is announced.
+    scene.tool->changeRotationOrder(scene.hip, RyRotationOrder(2));
+    QCOMPARE(scene.hip->getRotationOrder().order(), 2);
+    QCOMPARE(orders, QList<int>({5, 5}));
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(11, 50, 2));
+    QCOMPARE(scene.lShin->getOrientation(), RyQuat());
+}
+
+void RyJointEditorToolSelectionTest::deletedWhileDragging()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const QString before = scene.dump();
+    scene.press(44, {400, 300});
+    scene.move({430, 310});
+    QVERIFY(ryUndoStack()->isHoldOpen());
+    QVERIFY(scene.dump() != before);
+    scene.manager->deleteTools();
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(ryUndoStack()->count(), 0);
+    QCOMPARE(scene.dump(), before);
+    QCOMPARE(scene.lShin->editLevel(), 0);
+}
+
+RY_TEST(RyJointEditorToolSelectionTest)
+
+#include "tst_RyJointEditorToolSelection.moc"

@@ -1,0 +1,442 @@
+#include "support/RyTest.h"
+
+#include "RyToolScene.h"
+
+#include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+#include <QSignalSpy>
+
+#include <array>
+#include <random>
+
+namespace {
+
+/// Plain double precision vectors: what the drags are measured against shares no code with them.
+using Vec = std::array<double, 3>;
+
+Vec toVec(const RyVec3 &v) { return {v.x, v.y, v.z}; }
+Vec operator+(const Vec &a, const Vec &b) { return {a[0] + b[0], a[1] + b[1], a[2] + b[2]}; }
+Vec operator-(const Vec &a, const Vec &b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+Vec operator*(const Vec &a, double s) { return {a[0] * s, a[1] * s, a[2] * s}; }
+double dot(const Vec &a, const Vec &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
+Vec cross(const Vec &a, const Vec &b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+double length(const Vec &a) { return std::sqrt(dot(a, a)); }
+Vec unit(const Vec &a) { return a * (1.0 / length(a)); }
+
+/// The camera of the test scene: eye, target and opening angle as they were given, not as the library keeps them.
+struct Eye
+{
+    Vec place{60, 120, 260};
+    Vec forward = unit(Vec{0, 60, 0} - place);
+    Vec right = unit(cross(forward, Vec{0, 1, 0}));
+    Vec up = cross(right, forward);
+    double fieldOfView = 0.6;
+
+    Vec rayThrough(const QPoint &pixel) const
+    {
+        const double half = std::tan(fieldOfView / 2);
+        const double x = (2.0 * pixel.x() / 800 - 1) * half * 800 / 600;
+        const double y = (1 - 2.0 * pixel.y() / 600) * half;
+        return unit(forward + right * x + up * y);
+    }
+    Vec onPlane(const QPoint &pixel, const Vec &anchor) const
+    {
+        const Vec ray = rayThrough(pixel);
+        return place + ray * (dot(anchor - place, forward) / dot(ray, forward));
+    }
+    /// Distance from the anchor along a unit axis to where the axis is nearest to the ray.
+    double alongAxis(const QPoint &pixel, const Vec &anchor, const Vec &axis) const
+    {
+        const Vec ray = rayThrough(pixel);
+        const Vec between = anchor - place;
+        const double b = dot(axis, ray);
+        return (b * dot(ray, between) - dot(axis, between)) / (1 - b * b);
+    }
+};
+
+double distance(const Vec &a, const Vec &b)
+{
+    return length(a - b);
+}
+
+constexpr double reach = 2e-3; // centimetres, at some 300 from the camera in single precision
+
+} // namespace
+
+/// Drags of origin and end point against analytic geometry.
+class RyPointDragTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void viewPlane_data();
+    void viewPlane();
+    void axes_data();
+    void axes();
+    void originUnposed();
+    void oneAxisChangesOneNumber();
+    void outAndBack_data();
+    void outAndBack();
+    void keepsLength_data();
+    void keepsLength();
+    void keepLengthWithoutDirection();
+    void defaultsStay();
+    void noDriftWithPropagation();
+    void propagatesEndPoint();
+    void propagationIsOneStep();
+    void cancelRestoresDescendants();
+    void autoModesJoinTheStep_data();
+    void autoModesJoinTheStep();
+    void parallelRay();
+    void proposeAndApply();
+    void valuesAreRecordedOnce();
+};
+
+void RyPointDragTest::viewPlane_data()
+{
+    QTest::addColumn<int>("id");
+    QTest::addColumn<bool>("posed");
+    QTest::newRow("end point") << 2 << false;
+    QTest::newRow("end point, posed") << 2 << true;
+    QTest::newRow("origin") << 1 << false;
+}
+
+void RyPointDragTest::viewPlane()
+{
+    QFETCH(int, id);
+    QFETCH(bool, posed);
+    RyToolScene scene;
+    if (posed)
+        scene.pose();
+    const Eye eye;
+    for (RyBone *bone : {scene.hip, scene.lThigh, scene.lShin, scene.lFoot}) {
+        scene.select(bone);
+        const auto place = [&] { return toVec(id == 2 ? bone->getWSEndPoint() : bone->getWSPos()); };
+        const Vec anchor = place();
+        const QPoint from = scene.pixelOf(id == 2 ? bone->getWSEndPoint() : bone->getWSPos());
+        const QPoint to = from + QPoint(37, -21);
+        scene.press(id, from);
+        scene.move(to);
+        const Vec expected = anchor + eye.onPlane(to, anchor) - eye.onPlane(from, anchor);
+        QVERIFY2(distance(place(), expected) < reach, qPrintable(bone->getName()));
+        scene.release();
+    }
+}
+
+void RyPointDragTest::axes_data()
+{
+    QTest::addColumn<int>("id");
+    for (int id = 44; id <= 46; ++id)
+        QTest::addRow("%d", id) << id;
+}
+
+void RyPointDragTest::axes()
+{
+    QFETCH(int, id);
+    RyToolScene scene;
+    scene.pose();
+    const Eye eye;
+    for (RyBone *bone : {scene.hip, scene.lThigh, scene.lShin, scene.lFoot}) {
+        scene.select(bone);
+        const Vec anchor = toVec(bone->getWSEndPoint());
+        // The axis as the figure's points move: where a step of one along it in figure space leads.
+        const RyMatrix4 transform = bone->getWSTransform();
+        const Vec axis = unit(toVec(transform.multDirMatrix(RyVec3::axis(id - 44))));
+        const RyVec3 start = bone->getEndPoint();
+        const QPoint from = scene.pixelOf(bone->getWSEndPoint()) + QPoint(3, 2);
+        const QPoint to = from + QPoint(-25, 18);
+        scene.press(id, from);
+        scene.move(to);
+        const double way = eye.alongAxis(to, anchor, axis) - eye.alongAxis(from, anchor, axis);
+        QVERIFY2(distance(toVec(bone->getWSEndPoint()), anchor + axis * way) < reach * (1 + std::abs(way) / 50),
+                 qPrintable(bone->getName()));
+        RyVec3 expected = start;
+        expected[id - 44] += float(way);
+        QVERIFY(distance(toVec(bone->getEndPoint()), toVec(expected)) < reach * (1 + std::abs(way) / 50));
+        scene.release();
+    }
+}
+
+void RyPointDragTest::originUnposed()
+{
+    RyToolScene scene;
+    // The figure is turned and moved, the bone itself is not posed: the origin follows along the parent's axes.
+    scene.figure->getYRotControl()->setValue(35.0f);
+    scene.figure->getXTransControl()->setValue(12.0f);
+    scene.hip->getZRotControl()->setValue(-20.0f);
+    const Eye eye;
+    for (int id = 41; id <= 43; ++id) {
+        scene.select(scene.lThigh);
+        const Vec anchor = toVec(scene.lThigh->getWSPos());
+        const Vec axis = unit(toVec(scene.hip->getWSTransform().multDirMatrix(RyVec3::axis(id - 41))));
+        const QPoint from = scene.pixelOf(scene.lThigh->getWSPos());
+        const QPoint to = from + QPoint(22, 31);
+        scene.press(id, from);
+        scene.move(to);
+        const double way = eye.alongAxis(to, anchor, axis) - eye.alongAxis(from, anchor, axis);
+        QVERIFY(std::abs(way) > 0.5);
+        QVERIFY(distance(toVec(scene.lThigh->getWSPos()), anchor + axis * way) < reach * (1 + std::abs(way) / 50));
+        scene.release();
+    }
+}
+
+void RyPointDragTest::oneAxisChangesOneNumber()
+{
+    for (int id = 41; id <= 46; ++id) {
+        RyToolScene scene;
+        scene.select(scene.lShin);
+        const RyVec3 origin = scene.lShin->getOrigin();
+        const RyVec3 endPoint = scene.lShin->getEndPoint();
+        scene.drag(id, {400, 300}, {431, 277});
+        const bool ofOrigin = id <= 43;
+        const int axis = (id - 41) % 3;
+        const RyVec3 way = ofOrigin ? scene.lShin->getOrigin() - origin : scene.lShin->getEndPoint() - endPoint;
+        QVERIFY(std::abs(way[axis]) > 0.1f);
+        QCOMPARE(way[(axis + 1) % 3], 0.0f);
+        QCOMPARE(way[(axis + 2) % 3], 0.0f);
+        QCOMPARE(ofOrigin ? scene.lShin->getEndPoint() : scene.lShin->getOrigin(), ofOrigin ? endPoint : origin);
+        QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
+    }
+}
+
+void RyPointDragTest::outAndBack_data()
+{
+    QTest::addColumn<int>("id");
+    for (int id : {1, 2, 41, 42, 43, 44, 45, 46})
+        QTest::addRow("%d", id) << id;
+}
+
+void RyPointDragTest::outAndBack()
+{
+    QFETCH(int, id);
+    RyToolScene scene;
+    scene.pose();
+    scene.tool->setPropagateTranslation(true);
+    scene.select(scene.lThigh);
+    const QString before = scene.dump();
+    scene.press(id, {380, 290});
+    scene.move({500, 90});
+    QVERIFY(scene.dump() != before);
+    scene.move({13, 580});
+    scene.move({380, 290});
+    QCOMPARE(scene.dump(), before);
+    scene.release();
+}
+
+void RyPointDragTest::keepsLength_data()
+{
+    outAndBack_data();
+}
+
+void RyPointDragTest::keepsLength()
+{
+    QFETCH(int, id);
+    RyToolScene scene;
+    scene.pose();
+    scene.select(scene.lShin);
+    const bool ofOrigin = id == 1 || (id >= 41 && id <= 43);
+    const auto moved = [&] { return ofOrigin ? scene.lShin->getOrigin() : scene.lShin->getEndPoint(); };
+    const auto other = [&] { return ofOrigin ? scene.lShin->getEndPoint() : scene.lShin->getOrigin(); };
+    const RyVec3 otherBefore = other();
+    const float boneLength = (moved() - other()).length();
+    scene.press(id, {400, 300});
+    scene.move({470, 260});
+    const RyVec3 freely = moved();
+    scene.move({470, 260}, Qt::ControlModifier);
+    QCOMPARE(other(), otherBefore);
+    QVERIFY(std::abs((moved() - other()).length() - boneLength) < 1e-5f * boneLength);
+    // The direction is that of the free move.
+    QVERIFY(((moved() - other()).normalized() - (freely - other()).normalized()).length() < 1e-5f);
+    scene.move({470, 260});
+    QCOMPARE(moved(), freely);
+    scene.release();
+}
+
+void RyPointDragTest::keepLengthWithoutDirection()
+{
+    RyToolScene scene;
+    scene.lShin->setEndPoint(scene.lShin->getOrigin());
+    RyDragFrame frame;
+    const RyPointDrag drag(scene.lShin, RyPointDrag::EndPoint, -1, frame);
+    QCOMPARE(drag.propose(RyVec3(0, 0, 0), true), RyVec3(11, 50, 2));
+    QCOMPARE(drag.propose(RyVec3(0, 3, 0), true), RyVec3(11, 50, 2)); // a start length of zero
+}
+
+void RyPointDragTest::defaultsStay()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    for (int id : {1, 2, 41, 42, 43, 44, 45, 46})
+        scene.drag(id, {400, 300}, {430, 310});
+    QCOMPARE(scene.lShin->getOrigin(true), RyVec3(11, 50, 2));
+    QCOMPARE(scene.lShin->getEndPoint(true), RyVec3(10, 8, -1));
+    QVERIFY(scene.lShin->getOrigin() != RyVec3(11, 50, 2));
+}
+
+void RyPointDragTest::noDriftWithPropagation()
+{
+    RyToolScene scene;
+    scene.pose();
+    scene.tool->setPropagateTranslation(true);
+    scene.select(scene.lThigh);
+    const RyVec3 start = scene.lThigh->getOrigin();
+    const RyVec3 foot = scene.lFoot->getEndPoint();
+    std::mt19937 random(ryTestSeed());
+    scene.press(1, {400, 300});
+    for (int i = 0; i < 500; ++i)
+        scene.move(QPoint(int(random() % 800), int(random() % 600)));
+    const RyVec3 way = scene.lThigh->getOrigin() - start;
+    QVERIFY(distance(toVec(scene.lFoot->getEndPoint() - foot), toVec(way)) < 1e-4);
+    scene.move({400, 300});
+    QCOMPARE(scene.lFoot->getEndPoint(), foot);
+    scene.release();
+}
+
+void RyPointDragTest::propagatesEndPoint()
+{
+    for (int id : {2, 44, 45, 46}) {
+        RyToolScene scene;
+        scene.tool->setPropagateTranslation(true);
+        scene.select(scene.lThigh);
+        scene.drag(id, {400, 300}, {440, 330});
+        const RyVec3 way = scene.lThigh->getEndPoint() - RyVec3(11, 50, 2);
+        QVERIFY(way.length() > 0.1f);
+        QCOMPARE(scene.lThigh->getOrigin(), RyVec3(10, 95, 0));
+        QCOMPARE(scene.lShin->getOrigin(), RyVec3(11, 50, 2) + way);
+        QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1) + way);
+        QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1) + way);
+        QCOMPARE(scene.lFoot->getEndPoint(), RyVec3(11, 2, 13) + way);
+        QCOMPARE(scene.rThigh->getOrigin(), RyVec3(-10, 95, 0));
+        QCOMPARE(scene.lFoot->getOrigin(true), RyVec3(10, 8, -1));
+    }
+}
+
+void RyPointDragTest::propagationIsOneStep()
+{
+    RyToolScene scene;
+    scene.pose();
+    scene.tool->setPropagateTranslation(true);
+    for (int id : {1, 2, 42, 45}) {
+        scene.select(scene.lThigh);
+        ryUndoStack()->clearAll();
+        const QString before = scene.dump();
+        scene.drag(id, {400, 300}, {440, 330});
+        const QString after = scene.dump();
+        QVERIFY(scene.lFoot->getEndPoint() != RyVec3(11, 2, 13));
+        QCOMPARE(ryUndoStack()->count(), 1);
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        ryUndoStack()->redo();
+        QCOMPARE(scene.dump(), after);
+        ryUndoStack()->undo();
+    }
+}
+
+void RyPointDragTest::cancelRestoresDescendants()
+{
+    RyToolScene scene;
+    scene.pose();
+    scene.tool->setPropagateTranslation(true);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.tool->setAutoAlign(true);
+    scene.select(scene.lThigh);
+    for (int id : {1, 2, 41, 46}) {
+        const QString before = scene.dump();
+        scene.press(id, {400, 300});
+        scene.move({440, 330});
+        scene.move({470, 350});
+        QVERIFY(scene.dump() != before);
+        scene.press(id, {470, 350}, Qt::RightButton);
+        QCOMPARE(scene.dump(), before);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        for (RyNode *node : ryScene()->getNodesInTreeOrder())
+            QCOMPARE(node->editLevel(), 0);
+    }
+}
+
+void RyPointDragTest::autoModesJoinTheStep_data()
+{
+    QTest::addColumn<bool>("snap");
+    QTest::addColumn<bool>("align");
+    QTest::newRow("snap") << true << false;
+    QTest::newRow("align") << false << true;
+    QTest::newRow("both") << true << true;
+}
+
+void RyPointDragTest::autoModesJoinTheStep()
+{
+    QFETCH(bool, snap);
+    QFETCH(bool, align);
+    RyToolScene scene;
+    scene.tool->setAutoSnapEndPoints(snap);
+    scene.tool->setAutoAlign(align);
+    scene.select(scene.lThigh);
+    const QString before = scene.dump();
+    scene.drag(1, {400, 300}, {440, 330});
+    const QString after = scene.dump();
+    if (snap) {
+        const RyVec3 mean = (scene.lThigh->getOrigin() + scene.rThigh->getOrigin()) / 2.0f;
+        QVERIFY(distance(toVec(scene.hip->getEndPoint()), toVec(mean)) < 1e-5);
+    } else {
+        QCOMPARE(scene.hip->getEndPoint(), RyVec3(0, 112, 1));
+    }
+    QCOMPARE(scene.hip->getOrientation() != RyQuat(), align);
+    QCOMPARE(scene.lThigh->getOrientation() != RyQuat(), align);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), after);
+}
+
+void RyPointDragTest::parallelRay()
+{
+    RyToolScene scene;
+    RyDragFrame frame;
+    const RyPointDrag along(scene.lShin, RyPointDrag::EndPoint, 1, frame);
+    // Parallel to the axis: the line's anchor.
+    QCOMPARE(along.dragVector(RyLine3(RyVec3(50, 0, 0), RyVec3(50, 7, 0))), RyVec3(0, 0, 0));
+    // Parallel to the view plane, whose normal is the camera's Z: the ray's origin.
+    const RyPointDrag plane(scene.lShin, RyPointDrag::EndPoint, -1, frame);
+    QCOMPARE(plane.dragVector(RyLine3(RyVec3(50, 0, 3), RyVec3(51, 0, 3))), RyVec3(50, 0, 3) - RyVec3(10, 8, -1));
+}
+
+void RyPointDragTest::proposeAndApply()
+{
+    RyToolScene scene;
+    const QString before = scene.dump();
+    RyDragFrame frame;
+    RyPointDrag drag(scene.lShin, RyPointDrag::Origin, 0, frame);
+    QCOMPARE(frame.axes[0], RyVec3(1, 0, 0));
+    QCOMPARE(frame.jointCenter, RyVec3(11, 50, 2));
+    QCOMPARE(drag.propose(RyVec3(2, 0, 0), false), RyVec3(13, 50, 2));
+    QCOMPARE(scene.dump(), before);
+    drag.open();
+    drag.apply(RyVec3(1, 0, 0), RyVec3(4, 0, 0), {});
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(14, 50, 2));
+    drag.cancel();
+    QCOMPARE(scene.dump(), before);
+    drag.finish(QStringLiteral("too late"));
+    QCOMPARE(ryUndoStack()->count(), 0);
+}
+
+void RyPointDragTest::valuesAreRecordedOnce()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(2, {400, 300});
+    for (int i = 1; i <= 40; ++i)
+        scene.move({400 + i, 300 - i});
+    scene.release();
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QVERIFY2(ryUndoStack()->entryCount(0) <= 3, qPrintable(QString::number(ryUndoStack()->entryCount(0))));
+}
+
+RY_TEST(RyPointDragTest)
+
+#include "tst_RyPointDrag.moc"

@@ -1,0 +1,210 @@
+#include "RyGLRecorder.h"
+
+#include <dlfcn.h>
+
+#include <cmath>
+
+namespace {
+
+RyGLRecorder *recorder = nullptr;
+bool insideBegin = false;
+RyGLRecorder::Color currentColor;
+
+template<typename Function>
+Function *next(const char *name)
+{
+    return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
+}
+
+template<typename... Values>
+void note(const char *name, Values... values)
+{
+    if (recorder)
+        recorder->calls.push_back({name, QVector<double>{double(values)...}});
+}
+
+} // namespace
+
+bool RyGLRecorder::Color::isNear(const Color &o) const
+{
+    const auto near = [](double x, double y) { return std::abs(x - y) < 1e-6; };
+    return near(r, o.r) && near(g, o.g) && near(b, o.b) && near(a, o.a);
+}
+
+RyGLRecorder::RyGLRecorder()
+{
+    recorder = this;
+    insideBegin = false;
+    currentColor = {};
+}
+
+RyGLRecorder::~RyGLRecorder()
+{
+    stop();
+}
+
+void RyGLRecorder::stop()
+{
+    if (recorder == this)
+        recorder = nullptr;
+}
+
+std::vector<RyGLRecorder::Primitive> RyGLRecorder::ofMode(GLenum mode) const
+{
+    std::vector<Primitive> found;
+    for (const Primitive &primitive : primitives) {
+        if (primitive.mode == mode)
+            found.push_back(primitive);
+    }
+    return found;
+}
+
+std::vector<RyGLRecorder::Primitive> RyGLRecorder::ofColor(const Color &color) const
+{
+    std::vector<Primitive> found;
+    for (const Primitive &primitive : primitives) {
+        if (primitive.color() == color)
+            found.push_back(primitive);
+    }
+    return found;
+}
+
+int RyGLRecorder::count(const char *function) const
+{
+    int found = 0;
+    for (const Call &call : calls)
+        found += call.name == function;
+    return found;
+}
+
+bool RyGLRecorder::contains(const char *function, const QVector<double> &arguments) const
+{
+    for (const Call &call : calls) {
+        if (call.is(function, arguments))
+            return true;
+    }
+    return false;
+}
+
+extern "C" {
+
+void glBegin(GLenum mode)
+{
+    note("glBegin", mode);
+    if (recorder) {
+        RyGLRecorder::Primitive primitive;
+        primitive.mode = mode;
+        primitive.firstCall = int(recorder->calls.size()) - 1;
+        glGetFloatv(GL_MODELVIEW_MATRIX, primitive.modelview.data());
+        primitive.lighting = glIsEnabled(GL_LIGHTING);
+        primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
+        primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
+        glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
+        glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
+        recorder->primitives.push_back(primitive);
+        insideBegin = true;
+    }
+    static const auto forward = next<void(GLenum)>("glBegin");
+    forward(mode);
+}
+
+void glEnd()
+{
+    note("glEnd");
+    insideBegin = false;
+    static const auto forward = next<void()>("glEnd");
+    forward();
+}
+
+void glVertex3f(GLfloat x, GLfloat y, GLfloat z)
+{
+    note("glVertex3f", x, y, z);
+    if (recorder && insideBegin) {
+        recorder->primitives.back().vertices.push_back({x, y, z});
+        recorder->primitives.back().colors.push_back(currentColor);
+    }
+    static const auto forward = next<void(GLfloat, GLfloat, GLfloat)>("glVertex3f");
+    forward(x, y, z);
+}
+
+void glColor3ub(GLubyte r, GLubyte g, GLubyte b)
+{
+    note("glColor3ub", r, g, b);
+    currentColor = rgbBytes(r, g, b);
+    static const auto forward = next<void(GLubyte, GLubyte, GLubyte)>("glColor3ub");
+    forward(r, g, b);
+}
+
+void glColor3f(GLfloat r, GLfloat g, GLfloat b)
+{
+    note("glColor3f", r, g, b);
+    currentColor = rgbFloats(double(r), double(g), double(b));
+    static const auto forward = next<void(GLfloat, GLfloat, GLfloat)>("glColor3f");
+    forward(r, g, b);
+}
+
+void glColor4f(GLfloat r, GLfloat g, GLfloat b, GLfloat a)
+{
+    note("glColor4f", r, g, b, a);
+    currentColor = rgbaFloats(double(r), double(g), double(b), double(a));
+    static const auto forward = next<void(GLfloat, GLfloat, GLfloat, GLfloat)>("glColor4f");
+    forward(r, g, b, a);
+}
+
+void glPushMatrix()
+{
+    note("glPushMatrix");
+    static const auto forward = next<void()>("glPushMatrix");
+    forward();
+}
+
+void glPopMatrix()
+{
+    note("glPopMatrix");
+    static const auto forward = next<void()>("glPopMatrix");
+    forward();
+}
+
+void glMultMatrixf(const GLfloat *matrix)
+{
+    note("glMultMatrixf");
+    static const auto forward = next<void(const GLfloat *)>("glMultMatrixf");
+    forward(matrix);
+}
+
+void glPushAttrib(GLbitfield mask)
+{
+    note("glPushAttrib", mask);
+    static const auto forward = next<void(GLbitfield)>("glPushAttrib");
+    forward(mask);
+}
+
+void glPopAttrib()
+{
+    note("glPopAttrib");
+    static const auto forward = next<void()>("glPopAttrib");
+    forward();
+}
+
+void glLineStipple(GLint factor, GLushort pattern)
+{
+    note("glLineStipple", factor, pattern);
+    static const auto forward = next<void(GLint, GLushort)>("glLineStipple");
+    forward(factor, pattern);
+}
+
+void glLineWidth(GLfloat width)
+{
+    note("glLineWidth", width);
+    static const auto forward = next<void(GLfloat)>("glLineWidth");
+    forward(width);
+}
+
+void glPointSize(GLfloat size)
+{
+    note("glPointSize", size);
+    static const auto forward = next<void(GLfloat)>("glPointSize");
+    forward(size);
+}
+
+} // extern "C"
