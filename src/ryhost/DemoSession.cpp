@@ -136,8 +136,8 @@ bool DemoSession::dragEndPoint(RyNode *node)
 void DemoSession::alignNode()
 {
     RyAction *action = m_window.getActionMgr()->findAction(QStringLiteral("RyJEAlignNodeAction"));
-    if (!action) {
-        std::printf("       no plug-in offers an action to align a node\n");
+    if (!action || !action->isEnabled()) {
+        std::printf("       no plug-in offers to align this node\n");
         return;
     }
     const int steps = ryUndoStack()->index();

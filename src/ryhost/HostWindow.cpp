@@ -82,8 +82,10 @@ HostWindow::~HostWindow()
     disconnect(getViewportMgr(), nullptr, this, nullptr);
     disconnect(ryUndoStack(), nullptr, this, nullptr);
     disconnect(getScene(), nullptr, this, nullptr);
+    // What shows actions, tools and panes of the plug-ins goes before they do.
     m_toolSettingsPane->showTool(nullptr);
-    // Menus, search and panes hold actions and widgets of the plug-ins.
+    delete m_toolStrip;
+    delete m_menus;
     unloadPlugins();
 }
 

@@ -3,6 +3,7 @@
 #include "rycore/viewport/RyViewTool.h"
 
 #include <QLabel>
+#include <QScrollBar>
 
 ToolSettingsPane::ToolSettingsPane(QWidget *parent) : QScrollArea(parent)
 {
@@ -30,6 +31,7 @@ void ToolSettingsPane::showTool(RyViewTool *tool)
     if (wanted) {
         setWidget(wanted);
         wanted->show();
+        setMinimumWidth(wanted->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width() + 2);
         return;
     }
     auto *label = new QLabel(tool ? tr("This tool has no settings.") : tr("No tool is active."));

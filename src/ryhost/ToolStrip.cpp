@@ -24,27 +24,38 @@ ToolStrip::ToolStrip(RyViewportMgr *viewports, QWidget *parent)
     setIconSize(QSize(24, 24));
     setOrientation(Qt::Vertical);
     connect(viewports, &RyViewportMgr::toolListChanged, this, &ToolStrip::refresh);
-    connect(viewports, &RyViewportMgr::activeToolChanged, this, &ToolStrip::refresh);
+    connect(viewports, &RyViewportMgr::activeToolChanged, this, &ToolStrip::showActiveTool);
     refresh();
 }
 
 void ToolStrip::refresh()
 {
-    qDeleteAll(m_group->actions());
+    const QList<QAction *> old = m_group->actions();
     clear();
+    for (QAction *action : old) {
+        m_group->removeAction(action);
+        action->deleteLater();
+    }
     if (!m_viewports)
         return;
     for (RyViewTool *tool : m_viewports->getTools()) {
         QAction *action = addAction(HostIcons::icon(iconName(tool)), tool->objectName());
-        action->setObjectName(QStringLiteral("Tool_") + QString::fromLatin1(tool->metaObject()->className()));
+        const QString className = QString::fromLatin1(tool->metaObject()->className());
+        action->setObjectName(QStringLiteral("Tool_") + className);
+        action->setData(className);
         action->setCheckable(true);
-        action->setChecked(tool == m_viewports->getActiveTool());
         m_group->addAction(action);
-        const QPointer<RyViewTool> guard(tool);
-        // The list is made again while the action's signal is still on its way.
-        connect(action, &QAction::triggered, this, [this, guard] {
-            if (guard && m_viewports)
-                m_viewports->setActiveTool(guard);
-        }, Qt::QueuedConnection);
+        connect(action, &QAction::triggered, this, [this, className] {
+            if (m_viewports)
+                m_viewports->setActiveTool(m_viewports->findTool(className));
+        });
     }
+    showActiveTool();
+}
+
+void ToolStrip::showActiveTool()
+{
+    const RyViewTool *tool = m_viewports ? m_viewports->getActiveTool() : nullptr;
+    for (QAction *action : m_group->actions())
+        action->setChecked(tool && action->data().toString() == QLatin1String(tool->metaObject()->className()));
 }

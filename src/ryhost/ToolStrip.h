@@ -14,9 +14,12 @@ public:
     explicit ToolStrip(RyViewportMgr *viewports, QWidget *parent = nullptr);
 
 public slots:
+    /// Makes the buttons again.
     void refresh();
 
 private:
+    void showActiveTool();
+
     QPointer<RyViewportMgr> m_viewports;
     QActionGroup *m_group;
 };

@@ -11,8 +11,33 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QSet>
+
+namespace {
+
+/// Libraries stay loaded until the last widget is gone: texts and classes that came from them lie in their memory.
+std::vector<std::unique_ptr<RyPluginManager>> &retiredPlugins()
+{
+    static std::vector<std::unique_ptr<RyPluginManager>> retired;
+    return retired;
+}
+
+void retire(std::unique_ptr<RyPluginManager> plugins)
+{
+    static bool registered = false;
+    if (!registered) {
+        qAddPostRoutine([] {
+            registered = false;
+            retiredPlugins().clear();
+        });
+    }
+    registered = true;
+    retiredPlugins().push_back(std::move(plugins));
+}
+
+} // namespace
 
 struct RyMainWindow::Private
 {
@@ -103,7 +128,7 @@ void RyMainWindow::unloadPlugins()
     d->actions->deleteActions();
     d->viewports->deleteTools();
     d->scripts.reset();
-    d->plugins.reset();
+    retire(std::move(d->plugins));
 }
 
 void RyMainWindow::showToolMenu(const QPoint &globalPosition)

@@ -98,6 +98,8 @@ void RyFloatPropertyWgt::setFullLengthTextEdit(bool fullLength)
 {
     m_fullLength = fullLength;
     m_field->setMinimumWidth(fullLength ? 40 : RyStandardMetrics::FieldWidth);
+    static_cast<QHBoxLayout *>(layout())->setStretchFactor(m_label, fullLength ? 2 : 3);
+    static_cast<QHBoxLayout *>(layout())->setStretchFactor(m_field, fullLength ? 5 : 0);
     m_field->setMaximumWidth(fullLength ? QWIDGETSIZE_MAX : RyStandardMetrics::FieldWidth);
     refresh();
 }

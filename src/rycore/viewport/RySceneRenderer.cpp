@@ -186,8 +186,11 @@ void RySceneRenderer::drawObjects(const RyScene &scene, const RyViewMatrices &ma
     };
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
-    glEnable(GL_POLYGON_OFFSET_FILL);
-    glPolygonOffset(1.0f, 1.0f);
+    if (options.wireframe) {
+        // Room for the edges. Not at other times: it pushes the outline behind the far side of the figure.
+        glEnable(GL_POLYGON_OFFSET_FILL);
+        glPolygonOffset(0.6f, 1.0f);
+    }
     m_surface->use();
     const RyVec3 up = matrices.view().multDirMatrix(RyVec3(0, 1, 0));
     m_surface->set("up", up.x, up.y, up.z);

@@ -90,7 +90,11 @@ void main()
 {
     vec3 view = normalize(-eye);
     vec3 n = length(normal) > 0.0 ? normalize(normal) : view;
-    if (dot(n, view) < 0.0)
+    // Lit from the side that shows. Which one that is says the facet: the smooth normal alone would flip at the outline.
+    vec3 flatNormal = cross(dFdx(eye), dFdy(eye));
+    if (dot(flatNormal, view) < 0.0)
+        flatNormal = -flatNormal;
+    if (dot(n, flatNormal) < 0.0)
         n = -n;
     vec3 albedo = base.rgb;
     if (textured != 0)

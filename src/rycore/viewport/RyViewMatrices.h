@@ -20,6 +20,7 @@ public:
     double width() const { return m_width; }
     double height() const { return m_height; }
 
+    bool isOrthographic() const { return m_projection[2][3] == 0.0f; }
     /// False when the point is behind the eye.
     bool project(const RyVec3 &world, QPointF &pixel) const;
     RyLine3 ray(const QPointF &pixel) const;
