@@ -5,6 +5,7 @@ if(TARGET RyJointTools)
   target_include_directories(tst_plugin_outdated PRIVATE ${CMAKE_SOURCE_DIR}/src)
   target_link_libraries(tst_plugin_outdated PRIVATE rycore)
   target_compile_definitions(tst_plugin PRIVATE
-    RY_PLUGIN_FILE="$<TARGET_FILE:RyJointTools>" RY_OUTDATED_PLUGIN_FILE="$<TARGET_FILE:tst_plugin_outdated>")
+    RY_PLUGIN_FILE="$<TARGET_FILE:RyJointTools>"
+    RY_OUTDATED_PLUGIN_FILE="$<TARGET_FILE:tst_plugin_outdated>")
   add_dependencies(tst_plugin RyJointTools tst_plugin_outdated)
 endif()

@@ -1,0 +1,239 @@
+#include "support/RyTest.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/ui/RyAction.h"
+#include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyFloatPropertyWgt.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyOffscreenContext.h"
+#include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+
+#include <QComboBox>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+
+/// The plug-in in a main window: its tool and actions where the host keeps them, and an edit with the mouse from the
+/// selection to the undo step.
+class RyJointToolsWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void toolAndActions();
+    void activatingActionActivates();
+    void paneShowsTheNode();
+    void rotationOrderFromThePane();
+    void editWithTheMouse();
+
+private:
+    void select(RyNode *node);
+    void mouse(QEvent::Type type, const QPoint &point, Qt::MouseButton button, Qt::MouseButtons buttons);
+    template<typename W>
+    W *paneWidget(const char *name) const
+    {
+        return m_tool->getSettingsWidget()->findChild<W *>(QString::fromLatin1(name));
+    }
+
+    QTemporaryDir m_settings;
+    std::unique_ptr<RyMainWindow> m_window;
+    Ry3DViewport *m_viewport = nullptr;
+    RyViewTool *m_tool = nullptr;
+    RyBone *m_upper = nullptr;
+    RyBone *m_lower = nullptr;
+};
+
+void RyJointToolsWindowTest::initTestCase()
+{
+    RyAppSettings::setSettingsPath(m_settings.path());
+}
+
+void RyJointToolsWindowTest::init()
+{
+    ryScene()->clear();
+    ryUndoStack()->clearAll();
+    auto *figure = new RyFigure;
+    figure->setName(QStringLiteral("figure"));
+    m_upper = new RyBone;
+    m_upper->setName(QStringLiteral("lUpperArm"));
+    m_upper->setOrigin({0, 100, 0}, true);
+    m_upper->setEndPoint({30, 100, 0}, true);
+    m_lower = new RyBone;
+    m_lower->setName(QStringLiteral("lForearm"));
+    m_lower->setOrigin({30, 100, 0}, true);
+    m_lower->setEndPoint({55, 98, 0}, true);
+    figure->addNodeChild(m_upper);
+    m_upper->addNodeChild(m_lower);
+    ryScene()->addNode(figure);
+
+    m_window = std::make_unique<RyMainWindow>(ryScene());
+    QCOMPARE(RyApp::getInterface(), m_window.get());
+    QCOMPARE(m_window->loadPlugins(QFileInfo(QStringLiteral(RY_PLUGIN_FILE)).path()), 1);
+    m_viewport = new Ry3DViewport(m_window->getViewportMgr(), m_window.get());
+    m_viewport->resize(800, 600);
+    m_tool = m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool"));
+    QVERIFY(m_tool);
+    m_window->getViewportMgr()->setActiveTool(m_tool);
+}
+
+void RyJointToolsWindowTest::cleanup()
+{
+    m_window.reset();
+    ryScene()->clear();
+    ryUndoStack()->clearAll();
+}
+
+void RyJointToolsWindowTest::select(RyNode *node)
+{
+    ryScene()->setSelection({node});
+    QCoreApplication::processEvents();
+}
+
+void RyJointToolsWindowTest::mouse(QEvent::Type type, const QPoint &point, Qt::MouseButton button, Qt::MouseButtons buttons)
+{
+    QMouseEvent event(type, point, button, buttons, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_viewport, &event);
+}
+
+void RyJointToolsWindowTest::toolAndActions()
+{
+    QCOMPARE(m_tool->objectName(), QStringLiteral("Joint Editor"));
+    QCOMPARE(m_tool->getSettingsWidget()->parentWidget(), static_cast<QWidget *>(m_window.get()));
+    QCOMPARE(m_tool->getSettingsWidget()->objectName(), QStringLiteral("Joint Editor Tool Settings"));
+    QCOMPARE(m_tool->getToolPriority(), 29);
+    for (const char *name : {"RyJointEditorToolAction", "RyJECreateBoneAction", "RyJEMirrorAction",
+                             "RyJERotationOrderZYXAction", "RyJECreateControlBonesAction", "RyMVCCageAdjustRigToShapeAction"})
+        QVERIFY2(m_window->getActionMgr()->findAction(QString::fromLatin1(name)), name);
+}
+
+void RyJointToolsWindowTest::activatingActionActivates()
+{
+    m_window->getViewportMgr()->setActiveTool(nullptr);
+    RyAction *action = m_window->getActionMgr()->findAction(QStringLiteral("RyJointEditorToolAction"));
+    QVERIFY(action);
+    QCOMPARE(action->text(), QStringLiteral("Joint Editor"));
+    QVERIFY(!action->isChecked());
+    action->trigger();
+    QCOMPARE(m_window->getViewportMgr()->getActiveTool(), m_tool);
+    QVERIFY(action->isChecked());
+}
+
+void RyJointToolsWindowTest::paneShowsTheNode()
+{
+    QVERIFY(!m_tool->getSettingsWidget()->isEnabled());
+    select(m_lower);
+    QVERIFY(m_tool->getSettingsWidget()->isEnabled());
+    QCOMPARE(paneWidget<QLabel>("JointEditorNodeNameLbl")->text(), QStringLiteral("lForearm"));
+    const std::pair<const char *, RyFloatProperty *> numbers[] = {
+        {"JointEditorCenterPointXWgt", m_lower->getOriginXControl()},
+        {"JointEditorCenterPointYWgt", m_lower->getOriginYControl()},
+        {"JointEditorCenterPointZWgt", m_lower->getOriginZControl()},
+        {"JointEditorEndPointXWgt", m_lower->getEndXControl()},
+        {"JointEditorEndPointYWgt", m_lower->getEndYControl()},
+        {"JointEditorEndPointZWgt", m_lower->getEndZControl()},
+        {"JointEditorOrientationXWgt", m_lower->getOrientXControl()},
+        {"JointEditorOrientationYWgt", m_lower->getOrientYControl()},
+        {"JointEditorOrientationZWgt", m_lower->getOrientZControl()}};
+    for (const auto &[name, property] : numbers) {
+        const auto *number = paneWidget<RyFloatPropertyWgt>(name);
+        QVERIFY2(number, name);
+        QCOMPARE(number->getFirstProperty(), property);
+    }
+    QStringList titles;
+    for (const char *name : {"JointEditorCenterPointLbl", "JointEditorEndPointLbl", "JointEditorOrientationLbl"})
+        titles.append(paneWidget<QLabel>(name)->text());
+    QCOMPARE(titles, QStringList({"Center Point :", "End Point :", "Orientation :"}));
+    ryScene()->selectAllNodes(false);
+    QCoreApplication::processEvents();
+    QVERIFY(!paneWidget<RyFloatPropertyWgt>("JointEditorEndPointXWgt")->getFirstProperty());
+    QVERIFY(paneWidget<QLabel>("JointEditorNodeNameLbl")->text().isEmpty());
+}
+
+void RyJointToolsWindowTest::rotationOrderFromThePane()
+{
+    select(m_lower);
+    auto *orders = paneWidget<QComboBox>("JointEditorRotationOrderCmb");
+    QVERIFY(orders);
+    QStringList texts;
+    for (int i = 0; i < orders->count(); ++i)
+        texts.append(orders->itemText(i));
+    QCOMPARE(texts, QStringList({"XYZ", "XZY", "YXZ", "YZX", "ZXY", "ZYX"}));
+    QCOMPARE(orders->currentIndex(), 0);
+    orders->setCurrentIndex(4);
+    emit orders->activated(4);
+    QCOMPARE(m_lower->getRotationOrder().order(), 4);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Rotation Order Change"));
+    ryUndoStack()->undo();
+    QCOMPARE(m_lower->getRotationOrder().order(), 0);
+    m_upper->setRotationOrder(RyRotationOrder(3));
+    select(m_upper);
+    QCOMPARE(orders->currentIndex(), 3);
+}
+
+void RyJointToolsWindowTest::editWithTheMouse()
+{
+    if (!RyOffscreenContext::instance().makeCurrent())
+        QSKIP("no OpenGL here");
+    select(m_lower);
+    m_viewport->getCamera()->lookAt({45, 110, 90}, {45, 98, 0});
+    const QString before = rySceneDump(*ryScene());
+    const auto *field = paneWidget<RyFloatPropertyWgt>("JointEditorEndPointXWgt");
+    QPointF tip;
+    QVERIFY(m_viewport->project(m_lower->getWSEndPoint() + RyVec3(5.7f, 0, 0), tip));
+    const QPoint handle = tip.toPoint();
+
+    mouse(QEvent::MouseMove, handle, Qt::NoButton, Qt::NoButton);
+    QCOMPARE(m_viewport->getToolTipText(), QStringLiteral("Translate End Point on the X axis."));
+    QCOMPARE(m_viewport->cursor().shape(), Qt::PointingHandCursor);
+    QCOMPARE(m_tool->getStatusText(),
+             QStringLiteral("lForearm, end point X: drag to move along X, Ctrl keeps the bone's length"));
+
+    mouse(QEvent::MouseButtonPress, handle, Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, handle + QPoint(30, 3), Qt::NoButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, handle + QPoint(60, 5), Qt::NoButton, Qt::LeftButton);
+    const RyVec3 endPoint = m_lower->getEndPoint();
+    QVERIFY(endPoint.x > 56.0f);
+    QCOMPARE(endPoint.y, 98.0f);
+    QCOMPARE(endPoint.z, 0.0f);
+    QCOMPARE(field->getFirstProperty()->getValue(), endPoint.x);
+    // The tip went as far as the mouse did.
+    QPointF movedTip;
+    QVERIFY(m_viewport->project(m_lower->getWSEndPoint() + RyVec3(5.7f, 0, 0), movedTip));
+    QVERIFY(std::abs(movedTip.x() - tip.x() - 60) < 3);
+    mouse(QEvent::MouseButtonRelease, handle + QPoint(60, 5), Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Joint Edit"));
+    ryUndoStack()->undo();
+    QCOMPARE(rySceneDump(*ryScene()), before);
+
+    // Cancelled with the other button: no step, nothing changed.
+    ryUndoStack()->clearAll();
+    mouse(QEvent::MouseButtonPress, handle, Qt::LeftButton, Qt::LeftButton);
+    mouse(QEvent::MouseMove, handle + QPoint(30, 3), Qt::NoButton, Qt::LeftButton);
+    QVERIFY(rySceneDump(*ryScene()) != before);
+    mouse(QEvent::MouseButtonPress, handle + QPoint(30, 3), Qt::RightButton, Qt::LeftButton | Qt::RightButton);
+    QCOMPARE(rySceneDump(*ryScene()), before);
+    mouse(QEvent::MouseButtonRelease, handle + QPoint(30, 3), Qt::RightButton, Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, handle + QPoint(30, 3), Qt::LeftButton, Qt::NoButton);
+    QCOMPARE(ryUndoStack()->count(), 0);
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+}
+
+RY_TEST(RyJointToolsWindowTest)
+
+#include "tst_RyJointToolsWindow.moc"
