@@ -1,0 +1,1 @@
+ry_test(viewport GL LIBS rycore)

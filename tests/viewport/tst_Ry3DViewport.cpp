@@ -1,0 +1,404 @@
+#include "support/RyTest.h"
+#include "viewport/ViewportTestScene.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewportMgr.h"
+
+#include <cmath>
+
+class Ry3DViewportTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        m_scene = std::make_unique<RyScene>();
+        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
+        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
+        m_figure = addBoxFigure(*m_scene);
+        m_tool = new SquareTool;
+        m_tool->squares = {{RyVec3(20, 20, 0), 7}, {RyVec3(28, 20, 0), 46}, {RyVec3(-20, 20, 0), 200}};
+        m_manager->addTool(m_tool);
+        m_manager->setActiveTool(m_tool);
+        m_viewport->setStandardView(Ry3DViewport::StandardView::Front);
+        m_viewport->cameraController().frame(RyBox3(RyVec3(-40, -5, -5), RyVec3(40, 45, 5)), QSizeF(640, 480));
+        m_viewport->resize(640, 480);
+        m_viewport->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_viewport.get()));
+        settle();
+        ryUndoStack()->clearAll();
+        ryUndoStack()->setClean();
+    }
+    void cleanup()
+    {
+        m_viewport.reset();
+        m_manager.reset();
+        m_scene.reset();
+    }
+
+    void projectsAndCastsRaysTheSameWay()
+    {
+        for (const RyVec3 &point : {RyVec3(20, 20, 0), RyVec3(-7, 3, 9), RyVec3(0, 44, -20)}) {
+            QPointF pixel;
+            QVERIFY(m_viewport->project(point, pixel));
+            const RyLine3 ray = m_viewport->matrices().ray(pixel);
+            const RyVec3 toPoint = point - ray.getOrigin();
+            QVERIFY((toPoint - ray.getDirection() * toPoint.dot(ray.getDirection())).length() < 1e-3f);
+        }
+        QPointF middle;
+        m_viewport->project(m_viewport->cameraController().target(), middle);
+        QVERIFY(std::abs(middle.x() - 320) < 0.5 && std::abs(middle.y() - 240) < 0.5);
+    }
+
+    void picksTheIdUnderThePoint()
+    {
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(20, 20, 0))), 7);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(28, 20, 0))), 46);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(-20, 20, 0))), 200);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(0, 20, 0))), 0);
+        QCOMPARE(m_viewport->pickOnGizmo(QPoint(-1, 5)), 0);
+        QCOMPARE(m_viewport->pickOnGizmo(QPoint(640, 5)), 0);
+        QVERIFY(m_tool->pickLineWidth >= 10.0f);
+    }
+
+    void picksExactlyAtTheEdges()
+    {
+        // Every pixel of a row across a square: inside gives the id, two pixels outside do not.
+        QPointF left, right;
+        m_viewport->project(RyVec3(18, 20, 0), left);
+        m_viewport->project(RyVec3(22, 20, 0), right);
+        const int y = at(RyVec3(20, 20, 0)).y();
+        for (int x = int(left.x()) - 8; x < int(right.x()) + 8; ++x) {
+            if (x > left.x() + 1 && x < right.x() - 2)
+                QCOMPARE(m_viewport->pickOnGizmo(QPoint(x, y)), 7);
+            else if (x < left.x() - 2 || x > right.x() + 1)
+                QCOMPARE(m_viewport->pickOnGizmo(QPoint(x, y)), 0);
+        }
+    }
+
+    void hoveringNearbyNeedsNoFurtherPass()
+    {
+        ViewportMouse mouse(*m_viewport);
+        const QPoint start = at(RyVec3(20, 20, 0));
+        mouse.move(start);
+        const int passes = m_viewport->pickPasses();
+        QVERIFY(passes >= 1);
+        for (int i = 0; i < 10; ++i)
+            mouse.move(start + QPoint(i % 5, i % 3));
+        QCOMPARE(m_viewport->pickPasses(), passes);
+        QCOMPARE(m_tool->hovered, 7);
+        QCOMPARE(m_viewport->getToolTipText(), QStringLiteral("square 7"));
+        // On to the next square: the highlight changes, the tile stays.
+        mouse.move(at(RyVec3(28, 20, 0)));
+        QCOMPARE(m_tool->hovered, 46);
+        mouse.move(start);
+        QVERIFY(m_viewport->pickPasses() <= passes + 2);
+        const int afterwards = m_viewport->pickPasses();
+        mouse.move(start + QPoint(1, 0));
+        QCOMPARE(m_viewport->pickPasses(), afterwards);
+    }
+
+    void theTileGoesWithEveryOtherChange()
+    {
+        const QPoint point = at(RyVec3(20, 20, 0));
+        const auto passesFor = [&] {
+            const int before = m_viewport->pickPasses();
+            m_viewport->pickOnGizmo(point);
+            return m_viewport->pickPasses() - before;
+        };
+        passesFor();
+        QCOMPARE(passesFor(), 0);
+        m_tool->drawnDataChanged();
+        QCOMPARE(passesFor(), 1);
+        m_figure.upper->getXRotControl()->setValue(10);
+        QCOMPARE(passesFor(), 1);
+        m_figure.upper->select(true);
+        QCOMPARE(passesFor(), 1);
+        m_viewport->cameraController().orbit(QPointF(3, 0));
+        QCOMPARE(passesFor(), 1);
+        m_viewport->resize(650, 480);
+        QCOMPARE(passesFor(), 1);
+        QCOMPARE(passesFor(), 0);
+    }
+
+    void aToolRepaintKeepsThePictureOfTheScene()
+    {
+        const int scenes = m_viewport->scenePaints();
+        const int frames = m_viewport->framePaints();
+        m_tool->drawnDataChanged();
+        settle();
+        QCOMPARE(m_viewport->scenePaints(), scenes);
+        QVERIFY(m_viewport->framePaints() > frames);
+        m_figure.upper->getXRotControl()->setValue(20);
+        settle();
+        QCOMPARE(m_viewport->scenePaints(), scenes + 1);
+        m_viewport->cameraController().orbit(QPointF(9, 0));
+        settle();
+        QCOMPARE(m_viewport->scenePaints(), scenes + 2);
+    }
+
+    void manyRequestsMakeOnePaint()
+    {
+        settle();
+        const int frames = m_viewport->framePaints();
+        for (int i = 0; i < 10; ++i)
+            m_tool->drawnDataChanged();
+        settle();
+        QCOMPARE(m_viewport->framePaints(), frames + 1);
+    }
+
+    void positionsAreUploadedOnlyWhenTheyChange()
+    {
+        settle();
+        const int uploads = m_viewport->positionUploads();
+        QVERIFY(uploads >= 1);
+        m_viewport->cameraController().orbit(QPointF(9, 0));
+        settle();
+        m_figure.figure->getXTransControl()->setValue(5); // moves the figure as a whole
+        settle();
+        QCOMPARE(m_viewport->positionUploads(), uploads);
+        m_figure.upper->getZRotControl()->setValue(25);
+        settle();
+        QCOMPARE(m_viewport->positionUploads(), uploads + 1);
+    }
+
+    void mouseReachesTheTool()
+    {
+        ViewportMouse mouse(*m_viewport);
+        const QPoint point = at(RyVec3(20, 20, 0));
+        mouse.move(point);
+        m_tool->calls.clear();
+        mouse.press(point, Qt::LeftButton, Qt::ControlModifier);
+        mouse.move(point + QPoint(5, 0));
+        mouse.move(point + QPoint(9, 0));
+        mouse.release(point + QPoint(9, 0));
+        mouse.move(point);
+        QCOMPARE(m_tool->calls, QStringList({"press 1 3", "move", "move", "release", "over"}));
+    }
+
+    void rightPressCancelsADragAndOpensNoMenu()
+    {
+        QSignalSpy menu(m_viewport.get(), &Ry3DViewport::contextMenuRequested);
+        ViewportMouse mouse(*m_viewport);
+        const QPoint point = at(RyVec3(20, 20, 0));
+        mouse.press(point);
+        mouse.move(point + QPoint(9, 0));
+        QVERIFY(m_tool->dragging);
+        mouse.press(point + QPoint(9, 0), Qt::RightButton);
+        QVERIFY(!m_tool->dragging);
+        mouse.release(point + QPoint(9, 0), Qt::RightButton);
+        mouse.release(point + QPoint(9, 0));
+        QCOMPARE(menu.count(), 0);
+        QCOMPARE(m_tool->calls.last(), QStringLiteral("release"));
+        // At other times it opens the menu, but not after a drag with it.
+        mouse.press(point, Qt::RightButton);
+        mouse.release(point, Qt::RightButton);
+        QCOMPARE(menu.count(), 1);
+        mouse.press(point, Qt::RightButton);
+        mouse.move(point + QPoint(60, 0));
+        mouse.release(point + QPoint(60, 0), Qt::RightButton);
+        QCOMPARE(menu.count(), 1);
+    }
+
+    void cameraDragsDoNotReachTheToolAndAreNoEdit()
+    {
+        ViewportMouse mouse(*m_viewport);
+        mouse.move(QPoint(300, 200));
+        m_tool->calls.clear();
+        const RyVec3 target = m_viewport->cameraController().target();
+        const RyVec3 eye = m_viewport->getCamera()->getWSPos();
+        mouse.press(QPoint(300, 200), Qt::MiddleButton);
+        mouse.move(QPoint(340, 190));
+        mouse.release(QPoint(340, 190), Qt::MiddleButton);
+        QVERIFY((m_viewport->cameraController().target() - target).length() < 1e-2f);
+        QVERIFY((m_viewport->getCamera()->getWSPos() - eye).length() > 1.0f);
+        // Drawn to the right, the scene turns to the right: the eye goes left.
+        QVERIFY(m_viewport->getCamera()->getWSPos().x < eye.x);
+        mouse.press(QPoint(300, 200), Qt::LeftButton, Qt::AltModifier);
+        mouse.move(QPoint(310, 200), Qt::AltModifier);
+        mouse.release(QPoint(310, 200), Qt::LeftButton, Qt::AltModifier);
+        QVERIFY(m_tool->calls.isEmpty());
+        QVERIFY(ryUndoStack()->isClean());
+        QCOMPARE(ryUndoStack()->count(), 0);
+        // Nor inside a hold: the step holds nothing of it.
+        RyUndoStackHold hold;
+        mouse.wheel(QPoint(300, 200), 120);
+        hold.accept(QStringLiteral("nothing"));
+        QCOMPARE(ryUndoStack()->entryCount(0), 0);
+    }
+
+    void panningFollowsTheMouse()
+    {
+        ViewportMouse mouse(*m_viewport);
+        const RyVec3 target = m_viewport->cameraController().target();
+        QPointF before, after;
+        m_viewport->project(target, before);
+        mouse.press(QPoint(300, 200), Qt::MiddleButton, Qt::ShiftModifier);
+        mouse.move(QPoint(350, 230), Qt::ShiftModifier);
+        mouse.release(QPoint(350, 230), Qt::MiddleButton, Qt::ShiftModifier);
+        m_viewport->project(target, after);
+        QVERIFY(std::abs(after.x() - before.x() - 50) < 0.5);
+        QVERIFY(std::abs(after.y() - before.y() - 30) < 0.5);
+    }
+
+    void theWheelKeepsWhatIsUnderTheCursor_data()
+    {
+        QTest::addColumn<bool>("orthographic");
+        QTest::newRow("perspective") << false;
+        QTest::newRow("orthographic") << true;
+    }
+    void theWheelKeepsWhatIsUnderTheCursor()
+    {
+        QFETCH(bool, orthographic);
+        m_viewport->cameraController().setOrthographic(orthographic);
+        ViewportMouse mouse(*m_viewport);
+        const RyVec3 target = m_viewport->cameraController().target();
+        const RyVec3 place(25, 35, target.z);
+        const float size = m_viewport->matrices().pixelSize(place);
+        QPointF before, after;
+        m_viewport->project(place, before);
+        mouse.wheel(before.toPoint(), 240);
+        m_viewport->project(place, after);
+        QVERIFY(std::abs(after.x() - before.x()) < 1.0);
+        QVERIFY(std::abs(after.y() - before.y()) < 1.0);
+        QVERIFY(m_viewport->matrices().pixelSize(place) < 0.9f * size);
+    }
+
+    void keysFrameAndTurn()
+    {
+        m_viewport->setFocus();
+        m_scene->setSelection({m_figure.upper});
+        QTest::keyClick(m_viewport.get(), Qt::Key_F);
+        QVERIFY((m_viewport->cameraController().target() - RyVec3(0, 30, 0)).length() < 0.5f);
+        QTest::keyClick(m_viewport.get(), Qt::Key_A);
+        QVERIFY((m_viewport->cameraController().target() - RyVec3(0, 20, 0)).length() < 0.5f);
+        QPointF top, bottom;
+        m_viewport->project(RyVec3(0, 40, 5), top);
+        m_viewport->project(RyVec3(0, 0, 5), bottom);
+        QVERIFY(top.y() > 0 && bottom.y() < 480 && bottom.y() - top.y() > 400);
+        QTest::keyClick(m_viewport.get(), Qt::Key_3, Qt::KeypadModifier);
+        QVERIFY((m_viewport->getCamera()->viewDirection() - RyVec3(-1, 0, 0)).length() < 1e-3f);
+        QTest::keyClick(m_viewport.get(), Qt::Key_7, Qt::KeypadModifier);
+        QVERIFY((m_viewport->getCamera()->viewDirection() - RyVec3(0, -1, 0)).length() < 1e-3f);
+        QTest::keyClick(m_viewport.get(), Qt::Key_1, Qt::KeypadModifier);
+        QVERIFY((m_viewport->getCamera()->viewDirection() - RyVec3(0, 0, -1)).length() < 1e-3f);
+        const float size = m_viewport->matrices().pixelSize(RyVec3(0, 20, 0));
+        QTest::keyClick(m_viewport.get(), Qt::Key_5, Qt::KeypadModifier);
+        QVERIFY(m_viewport->getCamera()->isOrthographic());
+        QVERIFY(std::abs(m_viewport->matrices().pixelSize(RyVec3(0, 20, 0)) / size - 1.0f) < 1e-3f);
+    }
+
+    void arrowKeysWalkTheTree()
+    {
+        auto *sibling = new RyBone;
+        sibling->setName(QStringLiteral("sibling"));
+        m_figure.lower->addNodeChild(sibling);
+        m_scene->addNode(sibling);
+        m_scene->setSelection({m_figure.upper});
+        QTest::keyClick(m_viewport.get(), Qt::Key_Right);
+        QCOMPARE(m_scene->getPrimarySelection(), sibling);
+        QTest::keyClick(m_viewport.get(), Qt::Key_Left);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.upper);
+        QTest::keyClick(m_viewport.get(), Qt::Key_Up);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.lower);
+        QTest::keyClick(m_viewport.get(), Qt::Key_Down);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.upper);
+        QTest::keyClick(m_viewport.get(), Qt::Key_Down);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.upper);
+    }
+
+    void clickSelectsTheBoneOfThePart()
+    {
+        ViewportMouse mouse(*m_viewport);
+        const QPoint low = at(RyVec3(0, 6, 5));
+        const QPoint high = at(RyVec3(0, 33, 5));
+        mouse.press(low);
+        mouse.release(low);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.lower);
+        mouse.press(high, Qt::LeftButton, Qt::ControlModifier);
+        mouse.release(high, Qt::LeftButton, Qt::ControlModifier);
+        QCOMPARE(m_scene->getNumSelectedNodes(), 2);
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.upper);
+        mouse.press(high);
+        mouse.release(high);
+        QCOMPARE(m_scene->getNumSelectedNodes(), 1);
+        // Beside the figure nothing changes.
+        mouse.press(QPoint(5, 5));
+        mouse.release(QPoint(5, 5));
+        QCOMPARE(m_scene->getPrimarySelection(), m_figure.upper);
+    }
+
+    void aPairedGroupComesBeforeTheWeights()
+    {
+        RyFacetMesh *mesh = meshOf(m_figure.figure);
+        mesh->createFaceGroup(QStringLiteral("all"));
+        mesh->setGroupsOfFacets(std::vector<int>(size_t(mesh->getNumFacets()), 0));
+        m_figure.figure->setSelectionMap(new RySelectionMap);
+        m_figure.figure->getSelectionMap()->addPair(QStringLiteral("all"), m_figure.upper, true);
+        m_figure.upper->getXRotControl()->setValue(1);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(0, 6, 5))), m_figure.upper);
+    }
+
+    void pickingFollowsPoseAndPromotion()
+    {
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(0, 33, 5))), m_figure.upper);
+        m_figure.figure->getXTransControl()->setValue(25);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(0, 33, 5))), nullptr);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(25, 33, 5))), m_figure.upper);
+        m_figure.upper->setPromoteSelection(true);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(25, 33, 5))), m_figure.lower);
+        m_figure.figure->setHidden(true);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(25, 33, 5))), nullptr);
+    }
+
+    void hoverHighlightsThePart()
+    {
+        ViewportMouse mouse(*m_viewport);
+        mouse.move(at(RyVec3(0, 33, 5)));
+        QCOMPARE(m_tool->getHighlightNode(), m_figure.upper);
+        const int scenes = m_viewport->scenePaints();
+        settle();
+        QCOMPARE(m_viewport->scenePaints(), scenes);
+        mouse.move(at(RyVec3(20, 20, 0)));
+        QCOMPARE(m_tool->getHighlightNode(), nullptr);
+    }
+
+private:
+    static RyFacetMesh *meshOf(RyNode *node)
+    {
+        return static_cast<RyFacetShape *>(node->getObject()->getCurrentShape())->getFacetMesh();
+    }
+    void settle()
+    {
+        for (int i = 0; i < 5; ++i) {
+            QCoreApplication::processEvents();
+            QTest::qWait(5);
+        }
+    }
+    QPoint at(const RyVec3 &world) const
+    {
+        QPointF pixel;
+        m_viewport->project(world, pixel);
+        return QPoint(int(pixel.x()), int(pixel.y()));
+    }
+
+    std::unique_ptr<RyScene> m_scene;
+    std::unique_ptr<RyViewportMgr> m_manager;
+    std::unique_ptr<Ry3DViewport> m_viewport;
+    ViewportTestFigure m_figure;
+    SquareTool *m_tool = nullptr;
+};
+
+RY_TEST(Ry3DViewportTest)
+#include "tst_Ry3DViewport.moc"
