@@ -180,6 +180,9 @@ void RyJointToolsWindowTest::rotationOrderFromThePane()
     QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Rotation Order Change"));
     ryUndoStack()->undo();
     QCOMPARE(m_lower->getRotationOrder().order(), 0);
+    QCOMPARE(orders->currentIndex(), 0);
+    m_lower->setLabel(QStringLiteral("Left Forearm"));
+    QCOMPARE(paneWidget<QLabel>("JointEditorNodeNameLbl")->text(), QStringLiteral("Left Forearm"));
     m_upper->setRotationOrder(RyRotationOrder(3));
     select(m_upper);
     QCOMPARE(orders->currentIndex(), 3);

@@ -149,6 +149,8 @@ void RyBoundaryDrawingTest::wholeMeshWithoutGroup()
     stage.figure->getSelectionMap()->addPair(QStringLiteral("elsewhere"), stage.lFoot, true);
     stage.select(stage.lFoot);
     QCOMPARE(stage.boundary(*stage.draw(), GL_LINES).size(), size_t(24));
+    stage.mesh->setFacets({{{0, 1, 5, -1}, -1}});
+    QCOMPARE(stage.boundary(*stage.draw(), GL_LINES).size(), size_t(6));
     stage.select(stage.prop);
     QCOMPARE(stage.boundary(*stage.draw(), GL_LINES).size(), size_t(0));
 }

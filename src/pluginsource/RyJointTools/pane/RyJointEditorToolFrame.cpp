@@ -118,14 +118,27 @@ QWidget *RyJointEditorToolFrame::makeNumbers()
     return numbers;
 }
 
+void RyJointEditorToolFrame::updateHeader()
+{
+    m_nodeName->setText(m_node ? m_node->getLabel() : QString());
+    if (m_node) {
+        const QSignalBlocker blocker(m_rotationOrder);
+        m_rotationOrder->setCurrentIndex(m_node->getRotationOrder().order());
+    }
+}
+
 void RyJointEditorToolFrame::updateNode(RyNode *node)
 {
-    setEnabled(node != nullptr);
-    m_nodeName->setText(node ? node->getLabel() : QString());
-    if (node) {
-        const QSignalBlocker blocker(m_rotationOrder);
-        m_rotationOrder->setCurrentIndex(node->getRotationOrder().order());
+    if (m_node)
+        disconnect(m_node, nullptr, this, nullptr);
+    m_node = node;
+    if (m_node) {
+        connect(m_node, SIGNAL(nameChanged(QString)), this, SLOT(updateHeader()));
+        connect(m_node, SIGNAL(labelChanged(QString)), this, SLOT(updateHeader()));
+        connect(m_node, SIGNAL(rotationOrderChanged()), this, SLOT(updateHeader()));
     }
+    setEnabled(node != nullptr);
+    updateHeader();
     RyFloatProperty *properties[9] = {};
     if (node) {
         RyFloatProperty *const controls[9] = {

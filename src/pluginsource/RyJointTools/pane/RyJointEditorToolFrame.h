@@ -1,13 +1,15 @@
 #pragma once
 
+#include "rycore/scene/RyNode.h"
+
 #include <QFrame>
+#include <QPointer>
 
 class QComboBox;
 class QGridLayout;
 class QLabel;
 class RyFloatPropertyWgt;
 class RyJointEditorTool;
-class RyNode;
 
 /// The tool settings pane: the current node, its rotation order, and its center point, end point and orientation by
 /// number. Made by the tool, which it does not own.
@@ -23,6 +25,7 @@ public:
 
 private slots:
     void updateNode(RyNode *node);
+    void updateHeader();
     void setRotation(int selection);
 
 private:
@@ -30,6 +33,7 @@ private:
     QWidget *makeNumbers();
 
     RyJointEditorTool *m_tool;
+    QPointer<RyNode> m_node;
     QLabel *m_nodeName = nullptr;
     QComboBox *m_rotationOrder = nullptr;
     RyFloatPropertyWgt *m_numbers[9] = {};

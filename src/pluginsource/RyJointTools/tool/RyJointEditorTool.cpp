@@ -94,7 +94,7 @@ void RyJointEditorTool::draw(Ry3DViewport *viewport, const RyDrawStyle &style)
     }
     RyManipulatorDrawing(context).draw(*m_node);
     if (m_display.drawMeshBoundaries)
-        RyBoundaryDrawing(context).draw(*m_node);
+        RyBoundaryDrawing(context, m_boundaryEdges).draw(*m_node);
 }
 
 void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder &order)

@@ -3,6 +3,7 @@
 #include "pluginsource/RyJointTools/tool/RyBoneIndex.h"
 #include "pluginsource/RyJointTools/tool/RyJointToolDisplay.h"
 #include "pluginsource/RyJointTools/tool/drags/RyDragFrame.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
 
 #include "rycore/math/RyQuat.h"
 #include "rycore/math/RyRotationOrder.h"
@@ -209,6 +210,7 @@ private:
     RyDragFrame m_frame;
     std::unique_ptr<RyHandleDrag> m_drag; // holds the undo step of the drag
     RyBoneIndex m_bones;
+    RyBoundaryEdges m_boundaryEdges;
 
     QPointer<QWidget> m_toolFrame;
     QPointer<QWidget> m_dividerBar;

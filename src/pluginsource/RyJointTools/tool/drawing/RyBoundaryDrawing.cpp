@@ -2,7 +2,6 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
 
-#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -45,6 +44,13 @@ std::vector<int> RyBoundaryDrawing::findEdges(const RyFacetMesh &mesh, const RyF
     return edges;
 }
 
+const std::vector<int> &RyBoundaryDrawing::edgesOfWholeMesh(const RyFacetMesh &mesh) const
+{
+    if (m_wholeMesh.mesh != &mesh || m_wholeMesh.revision != mesh.revision())
+        m_wholeMesh = {&mesh, mesh.revision(), findEdges(mesh, nullptr)};
+    return m_wholeMesh.vertices;
+}
+
 void RyBoundaryDrawing::draw(const RyNode &node) const
 {
     if (m_context.pickPass)
@@ -58,7 +64,9 @@ void RyBoundaryDrawing::draw(const RyNode &node) const
         return;
     const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
     const QString groupName = map ? map->findGroupForNode(&node) : QString();
-    const std::vector<int> edges = findEdges(*mesh, groupName.isEmpty() ? nullptr : mesh->findFaceGroup(groupName));
+    const RyFaceGroup *group = groupName.isEmpty() ? nullptr : mesh->findFaceGroup(groupName);
+    const std::vector<int> groupEdges = group ? findEdges(*mesh, group) : std::vector<int>();
+    const std::vector<int> &edges = group ? groupEdges : edgesOfWholeMesh(*mesh);
     const std::vector<RyVec3> &positions = object->getDeformedPositions();
     if (edges.empty() || positions.size() != size_t(mesh->getNumVertices()))
         return;

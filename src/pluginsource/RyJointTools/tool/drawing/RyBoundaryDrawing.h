@@ -2,18 +2,26 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
 
+#include "rycore/mesh/RyFacetMesh.h"
+
+#include <QPointer>
+
 #include <vector>
 
-class RyFacetMesh;
-class RyFaceGroup;
-class RyObject;
+/// Where a whole mesh ends, kept from one drawing to the next as long as the mesh stays as it is.
+struct RyBoundaryEdges
+{
+    QPointer<const RyFacetMesh> mesh;
+    quint64 revision = 0;
+    std::vector<int> vertices; // two for each edge
+};
 
 /// Draws where the face group of a node ends: edges whose other side has no facet or one of another group. Without a
 /// group it is where the whole mesh ends. The mesh is that of the node, or of its skeleton, as it is posed.
 class RyBoundaryDrawing
 {
 public:
-    explicit RyBoundaryDrawing(const RyDrawContext &context) : m_context(context) {}
+    RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &wholeMesh) : m_context(context), m_wholeMesh(wholeMesh) {}
 
     /// Nothing in the pick pass and for a node without a mesh.
     void draw(const RyNode &node) const;
@@ -22,5 +30,8 @@ public:
     static std::vector<int> findEdges(const RyFacetMesh &mesh, const RyFaceGroup *group);
 
 private:
+    const std::vector<int> &edgesOfWholeMesh(const RyFacetMesh &mesh) const;
+
     const RyDrawContext &m_context;
+    RyBoundaryEdges &m_wholeMesh;
 };
