@@ -42,7 +42,6 @@ Ry3DViewport::Ry3DViewport(RyViewportMgr *manager, QWidget *parent)
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(false);
-    setMinimumSize(64, 64);
     setContextMenuPolicy(Qt::PreventContextMenu);
     setAccessibleName(tr("Viewport"));
     RyCameraController(d->camera).frame(RyBox3(RyVec3(-60, 0, -60), RyVec3(60, 180, 60)), QSizeF(640, 480));

@@ -1,0 +1,3 @@
+if(TARGET ry_ryhost)
+  ry_test(host GL LIBS ry_ryhost rycore)
+endif()

@@ -1,0 +1,44 @@
+#include "support/RyTest.h"
+
+#include "ryhost/CommandLine.h"
+
+class CommandLineTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void filesOpenAWindow()
+    {
+        const CommandLine line = CommandLine::parse({"a.glb", "b.obj"});
+        QCOMPARE(line.mode, CommandLine::Window);
+        QCOMPARE(line.files, QStringList({"a.glb", "b.obj"}));
+        QCOMPARE(CommandLine::parse({}).mode, CommandLine::Window);
+        QCOMPARE(CommandLine::parse({"--", "-odd.glb"}).files, QStringList({"-odd.glb"}));
+    }
+    void optionsThatAreNoneAreRefused()
+    {
+        const CommandLine line = CommandLine::parse({"a.glb", "--frobnicate"});
+        QCOMPARE(line.mode, CommandLine::Wrong);
+        QVERIFY(line.error.contains("--frobnicate"));
+    }
+    void batchKeepsItsArguments()
+    {
+        const CommandLine line = CommandLine::parse({"--batch", "a.glb", "--undo"});
+        QCOMPARE(line.mode, CommandLine::Batch);
+        QCOMPARE(line.batchArguments, QStringList({"--batch", "a.glb", "--undo"}));
+    }
+    void helpFitsOnAPage()
+    {
+        QCOMPARE(CommandLine::parse({"--help"}).mode, CommandLine::Help);
+        const QStringList lines = CommandLine::helpText().split('\n');
+        QVERIFY(lines.size() <= 40);
+        int examples = 0;
+        for (const QString &line : lines) {
+            QVERIFY2(line.size() <= 120, qPrintable(line));
+            examples += line.startsWith("  ryhost ");
+        }
+        QCOMPARE(examples, 3);
+    }
+};
+
+RY_TEST(CommandLineTest)
+#include "tst_CommandLine.moc"

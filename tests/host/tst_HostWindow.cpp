@@ -1,0 +1,362 @@
+#include "support/RyTest.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/ui/RyFloatPropertyWgt.h"
+#include "rycore/ui/RyNumberField.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/ActionSearch.h"
+#include "ryhost/HostFiles.h"
+#include "ryhost/HostMenus.h"
+#include "ryhost/HostWindow.h"
+#include "ryhost/ParametersPane.h"
+#include "ryhost/SceneModel.h"
+#include "ryhost/ScenePane.h"
+#include "ryhost/ToolSettingsPane.h"
+#include "ryhost/ToolStrip.h"
+
+#include <QDockWidget>
+#include <QDropEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QTreeView>
+
+/// The window with the sample figure; plug-ins are left out.
+class HostWindowTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_folder.isValid());
+        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
+        qputenv("RYHOST_PLUGIN_PATH", m_folder.path().toLocal8Bit());
+    }
+    void init()
+    {
+        RyAppSettings::setSettingsPath(m_folder.filePath(QStringLiteral("settings-%1").arg(++m_run)));
+        m_scene = std::make_unique<RyScene>();
+        m_window = std::make_unique<HostWindow>(m_scene.get());
+        m_window->start();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        // There is no window manager that would do it.
+        QApplication::setActiveWindow(m_window.get());
+        QVERIFY(m_window->files()->openPath(sample(), false));
+        settle();
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_scene.reset();
+        ryUndoStack()->clearAll();
+        ryUndoStack()->setClean();
+    }
+
+    void opensReadyToWork()
+    {
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("mannequin.glb[*] - ryhost"));
+        QVERIFY(!m_window->isWindowModified());
+        QVERIFY(m_window->getViewportMgr()->getActiveTool());
+        QVERIFY(!m_window->statusLabel()->text().isEmpty());
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("UnitStatus"))->text(), QStringLiteral("1 file unit = 100 cm"));
+        QPointF head, foot;
+        const RyNode *figure = m_scene->getSkeletons().at(0);
+        QVERIFY(figure);
+        m_window->viewport()->project(m_scene->findNode(QStringLiteral("head"))->getWSEndPoint(), head);
+        m_window->viewport()->project(RyVec3(), foot);
+        QVERIFY(head.y() > 0 && foot.y() < m_window->viewport()->height());
+        QVERIFY2(foot.y() - head.y() > 0.5 * m_window->viewport()->height(), "the figure fills the view");
+        // The sample is no file of the user's.
+        QVERIFY(m_window->files()->recentFiles().isEmpty());
+    }
+
+    void everyWidgetHasAName()
+    {
+        for (const QDockWidget *dock : m_window->docks())
+            QVERIFY(!dock->objectName().isEmpty());
+        for (const char *name : {"SceneTree", "SceneFilter", "ParametersPane", "ToolSettingsPane", "Viewport", "ToolStrip",
+                                 "StatusText", "ActionSearch", "PoseXRotate"})
+            QVERIFY2(m_window->findChild<QWidget *>(QString::fromLatin1(name)), name);
+    }
+
+    void selectionGoesBothWays()
+    {
+        RyNode *forearm = m_scene->findNode(QStringLiteral("lForearm"));
+        RyNode *hip = m_scene->findNode(QStringLiteral("hip"));
+        m_scene->setSelection({hip, forearm});
+        QCOMPARE(tree()->selectionModel()->selectedRows().size(), 2);
+        QCOMPARE(tree()->currentIndex(), indexOf(forearm));
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier, tree()->visualRect(indexOf(hip)).center());
+        QCOMPARE(m_scene->selectedNodeListIterator(), std::vector<RyNode *>{hip});
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::ControlModifier, tree()->visualRect(indexOf(forearm)).center());
+        QCOMPARE(m_scene->getPrimarySelection(), forearm);
+        QCOMPARE(m_scene->getNumSelectedNodes(), 2);
+        m_scene->selectAllNodes(false);
+        QVERIFY(tree()->selectionModel()->selectedRows().isEmpty());
+    }
+
+    void theEyeHidesInOneStep()
+    {
+        RyNode *hip = m_scene->findNode(QStringLiteral("hip"));
+        const QModelIndex eye = indexOf(hip).siblingAtColumn(SceneModel::VisibleColumn);
+        tree()->scrollTo(eye);
+        const QString before = eye.data(Qt::AccessibleTextRole).toString();
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier, tree()->visualRect(eye).center());
+        QVERIFY(hip->isHidden());
+        QVERIFY(eye.data(Qt::AccessibleTextRole).toString() != before);
+        QVERIFY(m_window->isWindowModified());
+        ryUndoStack()->undo();
+        QVERIFY(!hip->isHidden());
+        QVERIFY(!m_window->isWindowModified());
+    }
+
+    void theFilterKeepsTheWayToAMatch()
+    {
+        m_window->scenePane()->filter()->setText(QStringLiteral("LFOREARM"));
+        QVERIFY(indexOf(m_scene->findNode(QStringLiteral("lForearm"))).isValid());
+        QVERIFY(indexOf(m_scene->findNode(QStringLiteral("hip"))).isValid());
+        QVERIFY(!indexOf(m_scene->findNode(QStringLiteral("head"))).isValid());
+        m_window->scenePane()->filter()->clear();
+        QVERIFY(indexOf(m_scene->findNode(QStringLiteral("head"))).isValid());
+    }
+
+    void theTreeFollowsTheScene()
+    {
+        RyNode *hand = m_scene->findNode(QStringLiteral("lHand"));
+        tree()->collapse(indexOf(m_scene->findNode(QStringLiteral("rHand"))));
+        auto *added = new RyBone;
+        added->setName(QStringLiteral("extra"));
+        hand->addNodeChild(added);
+        m_scene->addNode(added);
+        settle();
+        QVERIFY(indexOf(added).isValid());
+        QCOMPARE(indexOf(added).parent(), indexOf(hand));
+        QVERIFY(!tree()->isExpanded(indexOf(m_scene->findNode(QStringLiteral("rHand")))));
+        added->setLabel(QStringLiteral("Extra Bone"));
+        QCOMPARE(indexOf(added).data().toString(), QStringLiteral("Extra Bone"));
+        m_scene->removeNode(added);
+        settle();
+        QCOMPARE(tree()->model()->rowCount(indexOf(hand)), hand->getNumNodeChildren());
+    }
+
+    void poseSlidersWriteThePose()
+    {
+        RyNode *forearm = m_scene->findNode(QStringLiteral("lForearm"));
+        m_scene->setSelection({forearm});
+        auto *row = m_window->findChild<RyFloatPropertyWgt *>(QStringLiteral("PoseZRotate"));
+        QCOMPARE(row->getFirstProperty(), forearm->getZRotControl());
+        row->numberField()->setFocus();
+        row->numberField()->selectAll();
+        QTest::keyClicks(row->numberField(), QStringLiteral("90/2"));
+        QTest::keyClick(row->numberField(), Qt::Key_Return);
+        QCOMPARE(forearm->getZRotControl()->getValue(), 45.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        auto *restore = m_window->findChild<QPushButton *>(QStringLiteral("ParametersRestore"));
+        QVERIFY(restore->isEnabled());
+        QTest::mouseClick(restore, Qt::LeftButton);
+        QCOMPARE(forearm->getZRotControl()->getValue(), 0.0f);
+        QVERIFY(!restore->isEnabled());
+        m_scene->selectAllNodes(false);
+        QCOMPARE(row->getFirstProperty(), nullptr);
+    }
+
+    void undoAndRedoSayWhat()
+    {
+        QAction *undo = action("EditUndo");
+        QAction *redo = action("EditRedo");
+        QVERIFY(!undo->isEnabled() && !redo->isEnabled());
+        edit();
+        QCOMPARE(undo->text(), QStringLiteral("&Undo Bend"));
+        QVERIFY(m_window->findChild<QLabel *>(QStringLiteral("UndoStatus"))->text().contains(QStringLiteral("undo: Bend")));
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!undo->isEnabled());
+        QCOMPARE(redo->text(), QStringLiteral("&Redo Bend"));
+        QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(undo->isEnabled());
+    }
+
+    void restorePoseIsOneStep()
+    {
+        edit();
+        action("EditRestorePose")->trigger();
+        QVERIFY(!m_scene->findNode(QStringLiteral("lForearm"))->isPosed());
+        QCOMPARE(ryUndoStack()->count(), 2);
+        action("EditRestorePose")->trigger();
+        QCOMPARE(ryUndoStack()->count(), 2);
+    }
+
+    void savesAndRemembers()
+    {
+        edit();
+        QVERIFY(m_window->isWindowModified());
+        const QString path = m_folder.filePath(QStringLiteral("saved.glb"));
+        QVERIFY(m_window->files()->savePath(path));
+        QVERIFY(!m_window->isWindowModified());
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("saved.glb[*] - ryhost"));
+        QCOMPARE(m_window->files()->recentFiles(), QStringList{path});
+        QVERIFY(m_window->files()->openPath(path));
+        QCOMPARE(qRound(m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->getValue()), 20);
+        // The sample itself is never written: saving asks for a place, here by Save As being what happens.
+        QVERIFY(m_window->files()->save());
+    }
+
+    void refusedFilesLeaveTheScene()
+    {
+        const QString path = m_folder.filePath(QStringLiteral("broken.glb"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("this is no model");
+        file.close();
+        QString text;
+        answer([&](QMessageBox *box) {
+            text = box->text();
+            box->accept();
+        });
+        QVERIFY(!m_window->files()->openPath(path));
+        QVERIFY2(text.contains(QStringLiteral("broken.glb")), qPrintable(text));
+        QVERIFY(m_scene->findNode(QStringLiteral("lForearm")));
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("mannequin.glb[*] - ryhost"));
+    }
+
+    void asksAboutUnsavedChanges()
+    {
+        QVERIFY(m_window->files()->confirmDiscard());
+        edit();
+        answer([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); });
+        QVERIFY(!m_window->close());
+        QVERIFY(m_window->isVisible());
+        answer([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
+        QVERIFY(m_window->close());
+    }
+
+    void droppedFilesOpen()
+    {
+        const QString path = m_folder.filePath(QStringLiteral("dropped.glb"));
+        QVERIFY(QFile::copy(sample(), path));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(path)});
+        QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        QCoreApplication::sendEvent(m_window.get(), &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_window.get(), &drop);
+        QCOMPARE(m_window->files()->path(), path);
+        QMimeData other;
+        other.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/picture.png"))});
+        QDragEnterEvent refused(QPoint(200, 200), Qt::CopyAction, &other, Qt::LeftButton, Qt::NoModifier);
+        refused.ignore();
+        QCoreApplication::sendEvent(m_window.get(), &refused);
+        QVERIFY(!refused.isAccepted());
+    }
+
+    void layoutAndLookAreRemembered()
+    {
+        QDockWidget *parameters = m_window->findChild<QDockWidget *>(QStringLiteral("ParametersDock"));
+        parameters->close();
+        action("ViewLight")->trigger();
+        QVERIFY(!m_window->isDark());
+        QVERIFY(m_window->viewport()->renderOptions().backgroundTop.lightness() > 150);
+        QVERIFY(m_window->close());
+        HostWindow again(m_scene.get());
+        again.show();
+        QVERIFY(!again.isDark());
+        QVERIFY(!again.findChild<QDockWidget *>(QStringLiteral("ParametersDock"))->isVisible());
+        again.resetLayout();
+        QVERIFY(again.findChild<QDockWidget *>(QStringLiteral("ParametersDock"))->isVisible());
+        again.setDark(true);
+    }
+
+    void wireframeFromTheMenu()
+    {
+        action("ViewWireframe")->trigger();
+        QVERIFY(m_window->viewport()->renderOptions().wireframe);
+    }
+
+    void searchFindsAndRunsCommands()
+    {
+        ActionSearch *search = m_window->actionSearch();
+        const QStringList texts = search->texts();
+        QVERIFY(texts.contains(QStringLiteral("View > Wireframe")));
+        QVERIFY(!texts.contains(QStringLiteral("Edit > Undo")));
+        QTest::keyClick(m_window.get(), Qt::Key_F3);
+        QTRY_VERIFY(search->hasFocus());
+        QTest::keyClicks(search, QStringLiteral("wirefr"));
+        QTest::keyClick(search, Qt::Key_Return);
+        QTRY_VERIFY(m_window->viewport()->renderOptions().wireframe);
+        QVERIFY(search->text().isEmpty());
+    }
+
+    void toolStripShowsAndSwitches()
+    {
+        auto *strip = m_window->findChild<ToolStrip *>();
+        auto *select = strip->findChild<QAction *>(QStringLiteral("Tool_RySelectTool"));
+        QVERIFY(select && select->isChecked());
+        m_window->getViewportMgr()->setActiveTool(nullptr);
+        QVERIFY(!select->isChecked());
+        select->trigger();
+        QCOMPARE(m_window->getViewportMgr()->getActiveTool(),
+                 m_window->getViewportMgr()->findTool(QStringLiteral("RySelectTool")));
+        QVERIFY(m_window->findChild<QLabel *>(QStringLiteral("NoToolSettings")));
+    }
+
+private:
+    static QString sample() { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
+    QTreeView *tree() const { return m_window->scenePane()->tree(); }
+    QModelIndex indexOf(RyNode *node) const
+    {
+        auto *proxy = qobject_cast<QSortFilterProxyModel *>(tree()->model());
+        return proxy->mapFromSource(m_window->scenePane()->model()->indexOf(node));
+    }
+    QAction *action(const char *name) const { return m_window->findChild<QAction *>(QString::fromLatin1(name)); }
+    void edit()
+    {
+        RyUndoStackHold hold;
+        m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->setValue(20);
+        hold.accept(QStringLiteral("Bend"));
+    }
+    void settle()
+    {
+        for (int i = 0; i < 5; ++i) {
+            QCoreApplication::processEvents();
+            QTest::qWait(2);
+        }
+    }
+    /// Acts on the next message box.
+    void answer(const std::function<void(QMessageBox *)> &act)
+    {
+        auto *timer = new QTimer(this);
+        connect(timer, &QTimer::timeout, this, [timer, act] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                timer->deleteLater();
+                timer->stop();
+                act(box);
+            }
+        });
+        timer->start(5);
+    }
+
+    QTemporaryDir m_folder;
+    int m_run = 0;
+    std::unique_ptr<RyScene> m_scene;
+    std::unique_ptr<HostWindow> m_window;
+};
+
+RY_TEST(HostWindowTest)
+#include "tst_HostWindow.moc"

@@ -1,0 +1,1 @@
+ry_test(ui GL LIBS rycore)

@@ -1,0 +1,133 @@
+#include "support/RyTest.h"
+#include "viewport/ViewportTestScene.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewportMgr.h"
+
+#include <QMouseEvent>
+
+/// Pictures and picks of a viewport that no display shows.
+class RyOffscreenContextTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        m_scene = std::make_unique<RyScene>();
+        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
+        m_figure = addBoxFigure(*m_scene);
+        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
+        m_viewport->resize(400, 300);
+        m_viewport->setStandardView(Ry3DViewport::StandardView::Front);
+        m_viewport->cameraController().frame(RyBox3(RyVec3(-40, -5, -5), RyVec3(40, 45, 5)), QSizeF(400, 300));
+    }
+    void cleanup()
+    {
+        m_viewport.reset();
+        m_manager.reset();
+        m_scene.reset();
+    }
+
+    void picturesShowFigureAndBackground()
+    {
+        const QImage picture = m_viewport->grabPicture(400, 300);
+        QCOMPARE(picture.size(), QSize(400, 300));
+        const QColor top = picture.pixelColor(20, 5);
+        const QColor bottom = picture.pixelColor(20, 295);
+        QVERIFY2(top.lightness() > bottom.lightness() + 10, "the background is lighter above");
+        const QColor figure = picture.pixelColor(at(RyVec3(0, 20, 5)));
+        QVERIFY2(figure.lightness() > top.lightness() + 30, "clay is lighter than the background");
+        m_figure.figure->setHidden(true);
+        const QColor gone = m_viewport->grabPicture(400, 300).pixelColor(at(RyVec3(0, 20, 5)));
+        QVERIFY(gone.lightness() < figure.lightness() - 30);
+    }
+
+    void thePictureFollowsThePose()
+    {
+        const QPoint beside = at(RyVec3(12, 28, 0));
+        const QColor before = m_viewport->grabPicture(400, 300).pixelColor(beside);
+        m_figure.upper->getZRotControl()->setValue(-60);
+        const QColor after = m_viewport->grabPicture(400, 300).pixelColor(beside);
+        QVERIFY(after.lightness() > before.lightness() + 30);
+    }
+
+    void theToolIsDrawnAboveAndLetsFiguresShowThrough()
+    {
+        const QPoint place = at(RyVec3(0, 20, 5));
+        const QColor solid = m_viewport->grabPicture(400, 300).pixelColor(place);
+        auto *tool = new SquareTool;
+        tool->squares = {{RyVec3(20, 20, 0), 7}};
+        m_manager->addTool(tool);
+        m_manager->setActiveTool(tool);
+        const QImage picture = m_viewport->grabPicture(400, 300);
+        QCOMPARE(picture.pixelColor(at(RyVec3(20, 20, 0))), QColor(0, 255, 0));
+        QVERIFY(picture.pixelColor(place).lightness() < solid.lightness() - 5);
+    }
+
+    void samePictureTwice()
+    {
+        const QImage first = m_viewport->grabPicture(320, 240);
+        const int paints = m_viewport->scenePaints();
+        QCOMPARE(m_viewport->grabPicture(320, 240), first);
+        QCOMPARE(m_viewport->scenePaints(), paints);
+    }
+
+    void wireframeAddsEdges()
+    {
+        const QImage plain = m_viewport->grabPicture(400, 300);
+        RyRenderOptions options = m_viewport->renderOptions();
+        options.wireframe = true;
+        m_viewport->setRenderOptions(options);
+        const QImage wired = m_viewport->grabPicture(400, 300);
+        // The edge between two rings of quads crosses the middle of the front.
+        int darker = 0;
+        const QPoint edge = at(RyVec3(0, 20, 5));
+        for (int dy = -2; dy <= 2; ++dy) {
+            const QPoint p = edge + QPoint(3, dy);
+            darker += wired.pixelColor(p).lightness() < plain.pixelColor(p).lightness() - 20;
+        }
+        QVERIFY(darker >= 1 && darker <= 3);
+        QVERIFY(qAbs(wired.pixelColor(edge + QPoint(3, 9)).lightness() - plain.pixelColor(edge + QPoint(3, 9)).lightness()) < 5);
+    }
+
+    void picksWithoutADisplay()
+    {
+        auto *tool = new SquareTool;
+        tool->squares = {{RyVec3(20, 20, 0), 7}, {RyVec3(-20, 20, 0), 200}};
+        m_manager->addTool(tool);
+        m_manager->setActiveTool(tool);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(20, 20, 0))), 7);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(-20, 20, 0))), 200);
+        QCOMPARE(m_viewport->pickOnGizmo(at(RyVec3(0, 44, 0))), 0);
+        QCOMPARE(m_viewport->pickNode(at(RyVec3(0, 33, 5))), m_figure.upper);
+    }
+
+    void twoViewportsShareTheContext()
+    {
+        Ry3DViewport other(m_manager.get());
+        other.resize(200, 200);
+        other.setStandardView(Ry3DViewport::StandardView::Side);
+        const QImage first = m_viewport->grabPicture(300, 200);
+        QVERIFY(other.grabPicture(300, 200) != first);
+        QCOMPARE(m_viewport->grabPicture(300, 200), first);
+    }
+
+private:
+    QPoint at(const RyVec3 &world) const
+    {
+        QPointF pixel;
+        m_viewport->project(world, pixel);
+        return QPoint(int(pixel.x()), int(pixel.y()));
+    }
+    std::unique_ptr<RyScene> m_scene;
+    std::unique_ptr<RyViewportMgr> m_manager;
+    std::unique_ptr<Ry3DViewport> m_viewport;
+    ViewportTestFigure m_figure;
+};
+
+RY_TEST(RyOffscreenContextTest)
+#include "tst_RyOffscreenContext.moc"
