@@ -103,7 +103,8 @@ void RyJointToolsWindowTest::select(RyNode *node)
     QCoreApplication::processEvents();
 }
 
-void RyJointToolsWindowTest::mouse(QEvent::Type type, const QPoint &point, Qt::MouseButton button, Qt::MouseButtons buttons)
+void RyJointToolsWindowTest::mouse(QEvent::Type type, const QPoint &point, Qt::MouseButton button,
+                                   Qt::MouseButtons buttons)
 {
     QMouseEvent event(type, point, button, buttons, Qt::NoModifier);
     QCoreApplication::sendEvent(m_viewport, &event);
@@ -115,8 +116,9 @@ void RyJointToolsWindowTest::toolAndActions()
     QCOMPARE(m_tool->getSettingsWidget()->parentWidget(), static_cast<QWidget *>(m_window.get()));
     QCOMPARE(m_tool->getSettingsWidget()->objectName(), QStringLiteral("Joint Editor Tool Settings"));
     QCOMPARE(m_tool->getToolPriority(), 29);
-    for (const char *name : {"RyJointEditorToolAction", "RyJECreateBoneAction", "RyJEMirrorAction",
-                             "RyJERotationOrderZYXAction", "RyJECreateControlBonesAction", "RyMVCCageAdjustRigToShapeAction"})
+    for (const char *name :
+         {"RyJointEditorToolAction", "RyJECreateBoneAction", "RyJEMirrorAction", "RyJERotationOrderZYXAction",
+          "RyJECreateControlBonesAction", "RyMVCCageAdjustRigToShapeAction"})
         QVERIFY2(m_window->getActionMgr()->findAction(QString::fromLatin1(name)), name);
 }
 

@@ -40,7 +40,8 @@ private:
     static void record(const QString &group, const QString &key, const char *access, const char *type)
     {
         if (current())
-            current()->append(QStringLiteral("%1/%2 %3 %4").arg(group, key, QLatin1String(access), QLatin1String(type)));
+            current()->append(
+                QStringLiteral("%1/%2 %3 %4").arg(group, key, QLatin1String(access), QLatin1String(type)));
     }
 };
 

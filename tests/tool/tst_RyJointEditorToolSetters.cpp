@@ -65,8 +65,12 @@ void RyJointEditorToolSettersTest::flagsChangeOnce()
     const RySettingsRecorder recorder;
     const auto flag = [&tool, &slot] {
         const RyJointToolDisplay &d = tool.display();
-        return slot == "setWeightVis" ? d.weightVis : slot == "setAngleVis" ? d.angleVis : slot == "setTwistVis" ? d.twistVis
-            : slot == "setSmoothVis" ? d.smoothVis : slot == "setMatAVis" ? d.matAVis : d.matBVis;
+        return slot == "setWeightVis"   ? d.weightVis
+               : slot == "setAngleVis"  ? d.angleVis
+               : slot == "setTwistVis"  ? d.twistVis
+               : slot == "setSmoothVis" ? d.smoothVis
+               : slot == "setMatAVis"   ? d.matAVis
+                                        : d.matBVis;
     };
     const int redraws = tool.drawnDataChangeCount();
     QVERIFY(QMetaObject::invokeMethod(&tool, slot.constData(), Q_ARG(bool, true)));

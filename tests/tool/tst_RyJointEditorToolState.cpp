@@ -141,8 +141,9 @@ void RyJointEditorToolStateTest::readsStoredValues()
     store.settings.setIntValue("DrawHandles", 2);
     store.settings.setIntValue("BoneVis", 1);
     int channel = 1;
-    for (const char *key : {"DynamicRed", "DynamicGreen", "DynamicBlue", "StaticRed", "StaticGreen", "StaticBlue",
-                            "SelectedRed", "SelectedGreen", "SelectedBlue", "BoundaryRed", "BoundaryGreen", "BoundaryBlue"})
+    for (const char *key :
+         {"DynamicRed", "DynamicGreen", "DynamicBlue", "StaticRed", "StaticGreen", "StaticBlue", "SelectedRed",
+          "SelectedGreen", "SelectedBlue", "BoundaryRed", "BoundaryGreen", "BoundaryBlue"})
         store.settings.setIntValue(QLatin1String(key), channel++);
     store.settings.setIntValue("BoundaryStyle", 0);
     store.settings.setIntValue("BoneColoringStyle", 0);
@@ -184,25 +185,59 @@ void RyJointEditorToolStateTest::takesStoredValuesAsTheyStand()
 
 void RyJointEditorToolStateTest::signalsAndSlotsInOrder()
 {
-    const QStringList expected = {
-        "nodeChanged(RyNode*)", "paramChanged(RyLegacyJointParam*)", "editModeChanged(RyJointEditorTool::EditMode)",
-        "matAVisChanged(bool)", "matBVisChanged(bool)", "boneDrawModeChanged(RyJointEditorTool::BoneDrawMode)",
-        "setEditMode(EditMode)", "setParam(RyLegacyJointParam*)", "setWeightVis(bool)", "setAngleVis(bool)",
-        "setTwistVis(bool)", "setSmoothVis(bool)", "setMatAVis(bool)", "setMatBVis(bool)", "setBoneDrawMode(BoneDrawMode)",
-        "setStaticColor(QColor)", "setDynamicColor(QColor)", "setSelectedColor(QColor)", "setBoundaryColor(QColor)",
-        "setHandleDrawing(int)", "setSphereDrawing(int)", "setSphereOpacity(int)", "setSphereLineDensity(int)",
-        "setWeightMapMode(int)", "setWeightOpacity(int)", "setDrawMeshBoundaries(bool)", "setGhostBones(bool)",
-        "setShowManipulators(bool)", "setBoundaryStyle(int)", "setPushNeighborAngles(bool)", "setShowBoneHierarchy(bool)",
-        "setBoneColoringStyle(int)", "setRestrictRotationAxes(bool)", "setPropagationEnabled(bool)",
-        "setPropagateTranslation(bool)", "setPropagateOrientation(bool)", "performTransPropagation(RyNode*,RyVec3,RyVec3)",
-        "performOrientPropagation(RyNode*,RyQuat)", "translateParam(RyLegacyJointParam*,RyVec3)",
-        "rotateParam(RyLegacyJointParam*,RyQuat)", "performRotPropagation(RyNode*,int,float,bool,bool)",
-        "performChildRotPropagation(RyNode*,int,float,bool,bool,RyVec3&)",
-        "performScalePropagation(RyNode*,int,float,bool,bool)", "performTransPropagation(RyNode*,int,float,bool,bool)",
-        "propagateParamTranslation(RyNode*,RyLegacyJointParam*,float,int)",
-        "propagateSphereTranslation(RyLegacyJointSphere*,float,int)", "setStaticA(float,int)", "setDynamicB(float,int)",
-        "setDynamicC(float,int)", "setStaticD(float,int)", "setBoneCreationActive(bool)", "boneCreationActive()",
-        "setBoneMode(int)"};
+    const QStringList expected = {"nodeChanged(RyNode*)",
+                                  "paramChanged(RyLegacyJointParam*)",
+                                  "editModeChanged(RyJointEditorTool::EditMode)",
+                                  "matAVisChanged(bool)",
+                                  "matBVisChanged(bool)",
+                                  "boneDrawModeChanged(RyJointEditorTool::BoneDrawMode)",
+                                  "setEditMode(EditMode)",
+                                  "setParam(RyLegacyJointParam*)",
+                                  "setWeightVis(bool)",
+                                  "setAngleVis(bool)",
+                                  "setTwistVis(bool)",
+                                  "setSmoothVis(bool)",
+                                  "setMatAVis(bool)",
+                                  "setMatBVis(bool)",
+                                  "setBoneDrawMode(BoneDrawMode)",
+                                  "setStaticColor(QColor)",
+                                  "setDynamicColor(QColor)",
+                                  "setSelectedColor(QColor)",
+                                  "setBoundaryColor(QColor)",
+                                  "setHandleDrawing(int)",
+                                  "setSphereDrawing(int)",
+                                  "setSphereOpacity(int)",
+                                  "setSphereLineDensity(int)",
+                                  "setWeightMapMode(int)",
+                                  "setWeightOpacity(int)",
+                                  "setDrawMeshBoundaries(bool)",
+                                  "setGhostBones(bool)",
+                                  "setShowManipulators(bool)",
+                                  "setBoundaryStyle(int)",
+                                  "setPushNeighborAngles(bool)",
+                                  "setShowBoneHierarchy(bool)",
+                                  "setBoneColoringStyle(int)",
+                                  "setRestrictRotationAxes(bool)",
+                                  "setPropagationEnabled(bool)",
+                                  "setPropagateTranslation(bool)",
+                                  "setPropagateOrientation(bool)",
+                                  "performTransPropagation(RyNode*,RyVec3,RyVec3)",
+                                  "performOrientPropagation(RyNode*,RyQuat)",
+                                  "translateParam(RyLegacyJointParam*,RyVec3)",
+                                  "rotateParam(RyLegacyJointParam*,RyQuat)",
+                                  "performRotPropagation(RyNode*,int,float,bool,bool)",
+                                  "performChildRotPropagation(RyNode*,int,float,bool,bool,RyVec3&)",
+                                  "performScalePropagation(RyNode*,int,float,bool,bool)",
+                                  "performTransPropagation(RyNode*,int,float,bool,bool)",
+                                  "propagateParamTranslation(RyNode*,RyLegacyJointParam*,float,int)",
+                                  "propagateSphereTranslation(RyLegacyJointSphere*,float,int)",
+                                  "setStaticA(float,int)",
+                                  "setDynamicB(float,int)",
+                                  "setDynamicC(float,int)",
+                                  "setStaticD(float,int)",
+                                  "setBoneCreationActive(bool)",
+                                  "boneCreationActive()",
+                                  "setBoneMode(int)"};
     const QMetaObject &metaObject = RyJointEditorTool::staticMetaObject;
     QStringList found;
     for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
@@ -223,9 +258,9 @@ void RyJointEditorToolStateTest::privateSlots()
 {
     const QMetaObject &metaObject = RyJointEditorTool::staticMetaObject;
     for (const char *signature :
-         {"updateSelection(RyNode*)", "nodeRemoved()", "centerPointChange()", "endPointChange()", "updateParamConnections()",
-          "removeParamConnections()", "dynamicMatrixChange()", "staticMatrixChange()", "validateAngleChange()",
-          "postSelectionChangeEvent()"}) {
+         {"updateSelection(RyNode*)", "nodeRemoved()", "centerPointChange()", "endPointChange()",
+          "updateParamConnections()", "removeParamConnections()", "dynamicMatrixChange()", "staticMatrixChange()",
+          "validateAngleChange()", "postSelectionChangeEvent()"}) {
         const int index = metaObject.indexOfSlot(signature);
         QVERIFY2(index >= 0, signature);
         QCOMPARE(metaObject.method(index).access(), QMetaMethod::Private);

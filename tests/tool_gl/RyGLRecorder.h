@@ -18,7 +18,10 @@ public:
     {
         QByteArray name;
         QVector<double> arguments;
-        bool is(const char *function, const QVector<double> &values) const { return name == function && arguments == values; }
+        bool is(const char *function, const QVector<double> &values) const
+        {
+            return name == function && arguments == values;
+        }
     };
     /// A colour as it was given: kind is "3ub", "3f" or "4f".
     struct Color

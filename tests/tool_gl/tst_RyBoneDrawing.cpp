@@ -142,7 +142,8 @@ void RyBoneDrawingTest::tipIsThePosedEndPoint()
         const RyBone *const bones[] = {stage.hip, stage.lThigh, stage.lShin, stage.lFoot, stage.rThigh};
         QCOMPARE(bodies.size(), std::size(bones));
         for (size_t i = 0; i < bodies.size(); ++i) {
-            QVERIFY2(isNear(tipOf(stage, bodies[i]), bones[i]->getWSEndPoint(), 1e-2f), qPrintable(bones[i]->getName()));
+            QVERIFY2(isNear(tipOf(stage, bodies[i]), bones[i]->getWSEndPoint(), 1e-2f),
+                     qPrintable(bones[i]->getName()));
             QVERIFY(isNear(stage.world(bodies[i], 0), bones[i]->getWSPos(), 1e-2f));
         }
     }
@@ -189,7 +190,8 @@ void RyBoneDrawingTest::bodyShape()
                                    body.vertices[size_t(3 * triangle + 2)]};
         QVERIFY(corners[0] == RyVec3(0, 0, 0) || isNear(corners[0], RyVec3(0, 30, 0)));
         for (int corner = 1; corner < 3; ++corner)
-            QVERIFY(std::any_of(std::begin(waist), std::end(waist), [&](const RyVec3 &w) { return isNear(corners[corner], w); }));
+            QVERIFY(std::any_of(std::begin(waist), std::end(waist),
+                                [&](const RyVec3 &w) { return isNear(corners[corner], w); }));
         // Neighbours around the waist, not opposite ones.
         QVERIFY(std::abs((corners[1] - corners[2]).length() - 3 * std::sqrt(2.0f)) < 1e-4f);
     }

@@ -172,7 +172,8 @@ void RyManipulatorDrawingTest::balls()
     QVERIFY(expected < 1.5);
     QVERIFY(std::abs(double(origin.radius) - expected) < 2e-3);
     const Ball end = ballOf(stage, ofId(*recording, GL_TRIANGLE_STRIP, 2));
-    QVERIFY(std::abs(double(end.radius) - std::min(stage.worldSize(40, stage.lShin->getWSEndPoint()) / 12, 1.5)) < 2e-3);
+    QVERIFY(std::abs(double(end.radius) - std::min(stage.worldSize(40, stage.lShin->getWSEndPoint()) / 12, 1.5)) <
+            2e-3);
     QVERIFY(end.strips > 0);
 }
 
@@ -181,7 +182,9 @@ void RyManipulatorDrawingTest::sizesFollowTheCamera()
     RyDrawingStage stage;
     stage.tool->setSphereLineDensity(24);
     stage.select(stage.lShin);
-    const auto radius = [&] { return ballOf(stage, ofId(*stage.draw(RyDrawingStage::PickPass), GL_TRIANGLE_STRIP, 1)).radius; };
+    const auto radius = [&] {
+        return ballOf(stage, ofId(*stage.draw(RyDrawingStage::PickPass), GL_TRIANGLE_STRIP, 1)).radius;
+    };
     const auto coneHeight = [&] {
         const auto fan = ofId(*stage.draw(RyDrawingStage::PickPass), GL_TRIANGLE_FAN, 41).at(0);
         return fan.vertices[0].x - 5.0f;
@@ -321,9 +324,9 @@ void RyManipulatorDrawingTest::stateIsLeftAsItWas()
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     const auto state = [] {
         QVector<float> values;
-        for (GLenum name : {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH,
-                            GL_POINT_SIZE, GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK,
-                            GL_MATRIX_MODE}) {
+        for (GLenum name :
+             {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH, GL_POINT_SIZE,
+              GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK, GL_MATRIX_MODE}) {
             float value = 0;
             glGetFloatv(name, &value);
             values.append(value);

@@ -6,5 +6,6 @@ class RyNode;
 /// or backwards, whichever the bone already goes. Current value only. A bone without length gets the identity. Any kind
 /// of node; false for null only.
 bool alignNode(RyNode *node);
-/// Aligns a bone and all bones below it, depth first; anything that is no bone ends the walk. True when any was aligned.
+/// Aligns a bone and all bones below it, depth first; anything that is no bone ends the walk. True when any was
+/// aligned.
 bool alignBranch(RyNode *node);

@@ -14,8 +14,8 @@ void propagateTranslation(RyNode *node, const RyVec3 &way);
 void propagateTranslation(RyNode *node, int axis, float way, bool recursive);
 /// The orientations of all bones below are turned by `turn`, after their own.
 void propagateOrientation(RyNode *node, const RyQuat &turn);
-/// Turns the node's end point about its origin, right-handed by `angle` radians about a figure axis, and its orientation
-/// with it; with `recursive` all bones below turn about that origin too.
+/// Turns the node's end point about its origin, right-handed by `angle` radians about a figure axis, and its
+/// orientation with it; with `recursive` all bones below turn about that origin too.
 void propagateRotation(RyNode *node, int axis, float angle, bool recursive);
 /// Turns a node about a point: origin, end point and orientation; with `recursive` its bone children too.
 void propagateChildRotation(RyNode *node, int axis, float angle, bool recursive, const RyVec3 &center);

@@ -14,9 +14,9 @@
 #include "rycore/base/RyTClassFactory.h"
 #include "rycore/figure/RyShapeRiggingAdjuster.h"
 
-// What the host learns of this library. All objects here are made when the library is loaded, in the order in which they
-// stand, and go in reverse order when it is unloaded. The host reads the classes in this order, and the identifiers are
-// what stored documents know the classes by: neither may change.
+// What the host learns of this library. All objects here are made when the library is loaded, in the order in which
+// they stand, and go in reverse order when it is unloaded. The host reads the classes in this order, and the
+// identifiers are what stored documents know the classes by: neither may change.
 
 namespace {
 
@@ -26,9 +26,9 @@ const bool described = [] {
     plugin.setAuthor(QLatin1String("Joint Tools Developers"));
     plugin.setVersion(1, 15, 0, 15);
     plugin.setDescription(QLatin1String(
-        "This plug-in provides a viewport tool that allows the manipulation of Joint Parameters on figures and props in "
-        "the scene. Joint Parameters can be accessed in the viewport with mouse interactions or by numeric entry via "
-        "properties in the Tool Settings pane."));
+        "This plug-in provides a viewport tool that allows the manipulation of Joint Parameters on figures and props "
+        "in the scene. Joint Parameters can be accessed in the viewport with mouse interactions or by numeric entry "
+        "via properties in the Tool Settings pane."));
     return true;
 }();
 

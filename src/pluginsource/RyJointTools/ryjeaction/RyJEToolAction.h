@@ -14,7 +14,8 @@ public:
     QString getActionGroup() const override;
 
 protected:
-    /// Takes the texts of the class from the action table and the class name as object name. The action starts disabled.
+    /// Takes the texts of the class from the action table and the class name as object name. The action starts
+    /// disabled.
     explicit RyJEToolAction(const QMetaObject &actionClass);
 
 private:

@@ -31,9 +31,10 @@ void RyBoneIndex::clear()
 
 int RyBoneIndex::find(const RyNode *node) const
 {
-    const auto found = std::lower_bound(m_places.begin(), m_places.end(), node, [](const auto &place, const RyNode *value) {
-        return std::less<const RyNode *>()(place.first, value);
-    });
+    const auto found =
+        std::lower_bound(m_places.begin(), m_places.end(), node, [](const auto &place, const RyNode *value) {
+            return std::less<const RyNode *>()(place.first, value);
+        });
     return found != m_places.end() && found->first == node ? found->second : -1;
 }
 

@@ -22,9 +22,9 @@ class RyJointEditorToolFrame;
 class RyLegacyJointParam;
 class RyLegacyJointSphere;
 
-/// The viewport tool of the joint editor. While it is active it follows the scene's primary selection, draws the rigging
-/// of that node with handles to drag, and owns the tool settings pane. Setters replace values out of range by a fixed
-/// default, write the setting at once and ask for a redraw.
+/// The viewport tool of the joint editor. While it is active it follows the scene's primary selection, draws the
+/// rigging of that node with handles to drag, and owns the tool settings pane. Setters replace values out of range by a
+/// fixed default, write the setting at once and ask for a redraw.
 ///
 /// The order of signals and slots is part of the interface: scripts and panes find them by it.
 class RyJointEditorTool : public RyPickTool
@@ -138,7 +138,8 @@ public slots:
     void translateParam(RyLegacyJointParam *param, RyVec3 delta);
     void rotateParam(RyLegacyJointParam *param, RyQuat delta);
     void performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom);
-    void performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom, RyVec3 &origin);
+    void performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom,
+                                    RyVec3 &origin);
     void performScalePropagation(RyNode *node, int axis, float factor, bool recursive, bool includeGeom);
     void performTransPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom);
     void propagateParamTranslation(RyNode *node, RyLegacyJointParam *param, float value, int axis);

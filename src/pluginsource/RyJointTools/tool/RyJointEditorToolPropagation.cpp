@@ -4,8 +4,8 @@
 
 #include <QScopedValueRollback>
 
-// Edits carried on to other nodes and parameters. Parameters come from parametric joints, which no node of the host has:
-// what concerns them finds nothing to change.
+// Edits carried on to other nodes and parameters. Parameters come from parametric joints, which no node of the host
+// has: what concerns them finds nothing to change.
 
 void RyJointEditorTool::setPropagationEnabled(bool onOff)
 {
@@ -45,7 +45,8 @@ void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delt
     ::propagateRotation(node, axis, delta, recursive);
 }
 
-void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool, RyVec3 &origin)
+void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool,
+                                                   RyVec3 &origin)
 {
     ::propagateChildRotation(node, axis, delta, recursive, origin);
 }

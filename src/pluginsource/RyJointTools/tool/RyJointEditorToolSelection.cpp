@@ -91,8 +91,8 @@ void RyJointEditorTool::updateSelection(RyNode *node)
     emit statusTextChanged();
 }
 
-// Parameters belong to parametric joints, which no node of the host has: whatever is given is none of the current node's
-// parameters and selects none, and as none is current nothing changes.
+// Parameters belong to parametric joints, which no node of the host has: whatever is given is none of the current
+// node's parameters and selects none, and as none is current nothing changes.
 void RyJointEditorTool::setParam(RyLegacyJointParam *) {}
 
 void RyJointEditorTool::updateParamConnections() {}

@@ -11,9 +11,9 @@ class RyElement;
 class RyNode;
 class RyUndoStackHold;
 
-/// One drag of a handle, made at the press. It records there what it starts from; every move computes from that and never
-/// from the move before. The first move opens the undo step and the edit of the element; both are ended together, by
-/// finish, cancel or the destructor, which cancels.
+/// One drag of a handle, made at the press. It records there what it starts from; every move computes from that and
+/// never from the move before. The first move opens the undo step and the edit of the element; both are ended together,
+/// by finish, cancel or the destructor, which cancels.
 class RyHandleDrag
 {
 public:
@@ -34,8 +34,8 @@ public:
     virtual RyVec3 dragVector(const RyLine3 &ray) const;
     /// Changes the scene by the way from the drag vector at the press to the present one.
     virtual void apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options);
-    /// Takes over the propagation of a change of the origin that this drag makes: everything is placed from where it was
-    /// at the press. False when the drag does not move that node's origin.
+    /// Takes over the propagation of a change of the origin that this drag makes: everything is placed from where it
+    /// was at the press. False when the drag does not move that node's origin.
     virtual bool propagateOrigin(RyNode *node, const RyVec3 &newOrigin);
 
     bool isOpen() const { return m_hold != nullptr; }

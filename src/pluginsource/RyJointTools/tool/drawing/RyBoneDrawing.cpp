@@ -66,7 +66,8 @@ void RyBoneDrawing::drawBone(const RyBone &bone) const
         if (m_context.display.ghostBones) {
             const float restLength = (bone.getEndPoint(true) - bone.getOrigin(true)).length();
             glPushMatrix();
-            glMultMatrixf((RyMatrix4(bone.getOrientation(true)) * bone.getWSTransform(ryScene()->getTime(), true)).data());
+            glMultMatrixf(
+                (RyMatrix4(bone.getOrientation(true)) * bone.getWSTransform(ryScene()->getTime(), true)).data());
             drawShape(bone, sign * restLength, Look::Ghost);
             glPopMatrix();
         }

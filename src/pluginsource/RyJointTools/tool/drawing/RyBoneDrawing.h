@@ -7,9 +7,9 @@
 class RyBone;
 class RyRotationOrder;
 
-/// Draws bones as octahedra along the first axis of their rotation order, as long as they are; for an aligned bone the tip
-/// is the posed end point. With ghosts each bone is drawn at its default place too, and dashed lines join bones to the
-/// tips of their parents.
+/// Draws bones as octahedra along the first axis of their rotation order, as long as they are; for an aligned bone the
+/// tip is the posed end point. With ghosts each bone is drawn at its default place too, and dashed lines join bones to
+/// the tips of their parents.
 class RyBoneDrawing
 {
 public:

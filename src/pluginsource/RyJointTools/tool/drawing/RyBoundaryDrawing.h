@@ -21,7 +21,10 @@ struct RyBoundaryEdges
 class RyBoundaryDrawing
 {
 public:
-    RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &wholeMesh) : m_context(context), m_wholeMesh(wholeMesh) {}
+    RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &wholeMesh)
+        : m_context(context), m_wholeMesh(wholeMesh)
+    {
+    }
 
     /// Nothing in the pick pass and for a node without a mesh.
     void draw(const RyNode &node) const;

@@ -213,5 +213,6 @@ QString RyHandleTable::statusText(const RyHandle &handle, const QString &nodeLab
 
 QString RyHandleTable::boneStatusText(const QString &boneLabel)
 {
-    return translated(QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection")).arg(boneLabel);
+    return translated(QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection"))
+        .arg(boneLabel);
 }
