@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -173,7 +174,10 @@ QString Ry3DViewport::getToolTipText() const
 
 void Ry3DViewport::initializeGL() {}
 
-void Ry3DViewport::resizeGL(int, int) {}
+void Ry3DViewport::resizeGL(int, int)
+{
+    d->paintAgain = true;
+}
 
 void Ry3DViewport::paintGL()
 {
@@ -182,6 +186,10 @@ void Ry3DViewport::paintGL()
     d->pictureContext = context;
     renderFrame(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)), float(ratio));
     ++d->framePaints;
+    if (std::exchange(d->paintAgain, false)) {
+        // Some drivers learn of a window's new size only after they have shown a frame in the old one.
+        QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
+    }
     emit painted();
 }
 

@@ -55,6 +55,7 @@ struct Ry3DViewport::Private
 
     int scenePaints = 0;
     int framePaints = 0;
+    bool paintAgain = false; // after a change of size
 
     ViewDrag viewDrag = ViewDrag::None;
     Qt::MouseButton viewDragButton = Qt::NoButton;
