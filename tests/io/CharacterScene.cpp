@@ -251,6 +251,33 @@ std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, st
     return moved;
 }
 
+bool sameDumps(const QString &a, const QString &b)
+{
+    const QStringList lines = a.split(QLatin1Char('\n'));
+    const QStringList others = b.split(QLatin1Char('\n'));
+    int differences = 0;
+    for (int i = 0; i < std::max(lines.size(), others.size()) && differences < 5; ++i) {
+        const QStringList words = lines.value(i).split(QLatin1Char(' '));
+        const QStringList otherWords = others.value(i).split(QLatin1Char(' '));
+        bool same = words.size() == otherWords.size();
+        for (int w = 0; same && w < words.size(); ++w) {
+            bool isNumber = false;
+            bool isOtherNumber = false;
+            const double x = words[w].toDouble(&isNumber);
+            const double y = otherWords[w].toDouble(&isOtherNumber);
+            const bool ofVertices = lines[i].startsWith(QLatin1String("    vertices"));
+            const bool isHash = ofVertices && w > 0 && words[w - 1] == QLatin1String("hash");
+            const double tolerance = (ofVertices ? 0.5 : 1e-3) + 1e-5 * std::abs(x);
+            same = words[w] == otherWords[w] || isHash || (isNumber && isOtherNumber && std::abs(x - y) <= tolerance);
+        }
+        if (!same) {
+            ++differences;
+            qWarning("line %d: %s\n    instead of %s", i + 1, qPrintable(lines.value(i)), qPrintable(others.value(i)));
+        }
+    }
+    return differences == 0;
+}
+
 QByteArray bytesOf(const QString &path)
 {
     QFile file(path);

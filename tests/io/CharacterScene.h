@@ -67,6 +67,10 @@ GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const 
 /// Moves and turns a share of the joints at random, in one step. Gives the bones that were touched.
 std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, std::mt19937 &random);
 
+/// Whether two dumps say the same but for the last digits of numbers, which may have gone through a file's matrices. Prints the
+/// first differences.
+bool sameDumps(const QString &a, const QString &b);
+
 QByteArray bytesOf(const QString &path);
 /// The characters that hold joints, by file name.
 QStringList characterNames();

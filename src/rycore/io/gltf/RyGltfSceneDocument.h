@@ -43,6 +43,7 @@ struct RyGltfNodeSource
     /// The pose as the file says it: figure space to figure space, relative to the parent's.
     RyAffine localPose;
     bool isBone = false;
+    QString riggingText; // what the extras would hold, as it was read
 };
 
 /// A skin of the file: one map brings its mesh space to figure space.

@@ -99,7 +99,7 @@ void RyGltfSceneExporter::addTree(const RyNode &top)
     if (qobject_cast<const RyCamera *>(&top))
         return;
     const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
-    if (skeleton) {
+    if (skeleton && !skeleton->getAllBones().empty()) {
         // The figure node carries the figure's own transform, its joints stand in figure space.
         const RyAffine own = scaleBy(m_unit) * top.worldMap() * scaleBy(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
@@ -194,8 +194,6 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     const RyFacetMesh *mesh = meshOf(skeleton);
     const std::vector<RyBone *> bones = skeleton.getAllBones();
     m_figures.push_back(&skeletonNode);
-    if (bones.empty())
-        return;
     std::vector<int> joints;
     std::map<const RyNode *, int> jointOf;
     std::vector<float> inverseBinds;
@@ -242,17 +240,39 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     m_document.setNodeMeshAndSkin(node, meshIndex, skin);
 }
 
+std::vector<const RyNode *> RyGltfSceneExporter::figures() const
+{
+    std::vector<const RyNode *> sorted = m_figures;
+    std::stable_partition(sorted.begin(), sorted.end(),
+                          [](const RyNode *node) { return qobject_cast<const RySkeleton *>(node) != nullptr; });
+    return sorted;
+}
+
+void RyGltfSceneExporter::storeNodes() const
+{
+    // One skin for each figure: all bones find their place by the first.
+    std::map<const RySkeleton *, const RyNode *> first;
+    const auto anchorOf = [&first](const RyNode &bone) -> const RyNode * {
+        const RySkeleton *skeleton = bone.getSkeleton();
+        const RyNode *&anchor = first[skeleton];
+        if (!anchor)
+            anchor = skeleton ? static_cast<const RyNode *>(skeleton->getAllBones().front()) : &bone;
+        return skeleton ? anchor : &bone;
+    };
+    for (const auto &[node, index] : m_nodeOf) {
+        if (!qobject_cast<const RySkeleton *>(node))
+            RyRiggingExtras::storeNode(m_document, index, *node, anchorOf);
+    }
+}
+
 void RyGltfSceneExporter::storeExtras()
 {
+    storeNodes();
     std::vector<int> indices;
     std::vector<const RyNode *> nodes;
     for (const auto &[node, index] : m_nodeOf) {
-        if (!qobject_cast<const RySkeleton *>(node))
-            RyRiggingExtras::storeNode(m_document, index, *node);
         indices.push_back(index);
         nodes.push_back(node);
     }
-    std::stable_partition(m_figures.begin(), m_figures.end(),
-                          [](const RyNode *node) { return qobject_cast<const RySkeleton *>(node) != nullptr; });
-    RyRiggingExtras::storeFile(m_document, m_unit, m_figures, indices, nodes);
+    RyRiggingExtras::storeFile(m_document, m_unit, figures(), indices, nodes);
 }

@@ -23,6 +23,12 @@ public:
     void addTree(const RyNode &top);
     /// Stores end points, orders, groups and the like in the file's extras; call once at the end.
     void storeExtras();
+    /// The part of it that stands at the nodes.
+    void storeNodes() const;
+
+    const std::map<const RyNode *, int> &nodes() const { return m_nodeOf; }
+    /// Figures with their skins first, then props: the order in which they will be read.
+    std::vector<const RyNode *> figures() const;
 
     static std::unique_ptr<RyGltfDocument> exportScene(const RyScene &scene, double unit);
 

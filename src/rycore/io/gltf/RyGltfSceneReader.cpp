@@ -298,6 +298,7 @@ void RyGltfSceneReader::placeBones(Figure &figure)
         RyRiggingExtras::applyToNode(*m_scene->document, sources[i].node, unit, 1e-4f * height, *bone, m_messages);
         setPose(sources[i], height);
         sources[i].loaded = RyNodeValues::of(*bone);
+        sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
     }
     std::move(sources.begin(), sources.end(), std::back_inserter(m_scene->nodes));
 }
@@ -488,6 +489,7 @@ void RyGltfSceneReader::buildProps()
         const float size = std::max(1.0f, (end - prop->getOrigin()).length());
         RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, *prop, m_messages);
         source.loaded = RyNodeValues::of(*prop);
+        source.riggingText = RyRiggingExtras::nodeText(*prop);
         m_scene->nodes.push_back(std::move(source));
     }
 }
@@ -496,6 +498,9 @@ void RyGltfSceneReader::buildProps()
 
 QString RyGltfSceneReader::figureName(const Figure &figure) const
 {
+    const QString stored = RyRiggingExtras::storedFigureName(*m_scene->document, int(&figure - m_figures.data()));
+    if (!stored.isEmpty())
+        return stored;
     const RyGltfModel &model = m_scene->document->model();
     const int above = model.nodes[size_t(figure.joints.bones.front())].parent;
     if (above >= 0 && !model.nodes[size_t(above)].name.isEmpty())

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/RyGltfSceneWriter.h"
 
 #include "rycore/io/gltf/RyGltfFigureFinder.h"
+#include "rycore/io/gltf/RyGltfSceneExporter.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/math/RyFastMath.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -74,8 +75,10 @@ RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *ex
 bool RyGltfSceneWriter::isEdited(const RyScene &) const
 {
     for (const RyGltfNodeSource &source : m_source.nodes) {
-        if (source.sceneNode && !(RyNodeValues::of(*source.sceneNode) == source.loaded))
+        if (source.sceneNode && (!(RyNodeValues::of(*source.sceneNode) == source.loaded) ||
+                                 RyRiggingExtras::nodeText(*source.sceneNode) != source.riggingText)) {
             return true;
+        }
     }
     for (const RyGltfFigureSource &figure : m_source.figures) {
         const RyNode *node = figure.sceneNode;
@@ -113,7 +116,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
         else
             writeInverseBinds(figure);
     }
-    writeExtras(scene);
+    storeExtras(*m_document);
     reportClips();
     return std::move(m_document);
 }
@@ -302,19 +305,61 @@ void RyGltfSceneWriter::writeRebound(const RyGltfFigureSource &figure)
     }
 }
 
-void RyGltfSceneWriter::writeExtras(const RyScene &)
+std::map<const RyNode *, const RyNode *> RyGltfSceneWriter::findAnchors() const
 {
+    std::map<const RyNode *, const RyNode *> anchors;
+    for (const RyGltfFigureSource &figure : m_source.figures) {
+        for (const RyGltfSkinSource &skinSource : figure.skins) {
+            const std::vector<int> &joints = m_source.document->model().skins[size_t(skinSource.skin)].joints;
+            std::vector<const RyNode *> bones; // topmost first
+            for (const RyGltfNodeSource &source : m_source.nodes) {
+                if (source.sceneNode && std::find(joints.begin(), joints.end(), source.node) != joints.end())
+                    bones.push_back(source.sceneNode);
+            }
+            if (bones.empty())
+                continue;
+            const auto known = std::find_if(bones.begin(), bones.end(),
+                                            [&anchors](const RyNode *bone) { return anchors.count(bone) > 0; });
+            const RyNode *anchor = known == bones.end() ? bones.front() : anchors[*known];
+            for (const RyNode *bone : bones)
+                anchors.emplace(bone, anchor);
+        }
+    }
+    return anchors;
+}
+
+void RyGltfSceneWriter::storeExtras(RyGltfDocument &document, const RyGltfSceneExporter *added)
+{
+    const std::map<const RyNode *, const RyNode *> anchors = findAnchors();
+    const auto anchorOf = [&anchors](const RyNode &bone) {
+        const auto found = anchors.find(&bone);
+        return found == anchors.end() ? &bone : found->second;
+    };
     std::vector<int> nodes;
     std::vector<const RyNode *> sceneNodes;
-    for (const auto &[index, edit] : m_edits) {
-        RyRiggingExtras::storeNode(*m_document, index, *edit.source->sceneNode);
-        nodes.push_back(index);
-        sceneNodes.push_back(edit.source->sceneNode);
+    for (const RyGltfNodeSource &source : m_source.nodes) {
+        if (!source.sceneNode)
+            continue;
+        const RyVec3 place = source.bind.translation();
+        RyRiggingExtras::storeNode(document, source.node, *source.sceneNode, anchorOf, source.isBone ? nullptr : &place);
+        nodes.push_back(source.node);
+        sceneNodes.push_back(source.sceneNode);
     }
-    std::vector<const RyNode *> figures;
+    // In the order in which they will be read: all figures with skins, then all props.
+    std::vector<const RyNode *> figures, props;
     for (const RyGltfFigureSource &figure : m_source.figures)
-        figures.push_back(figure.sceneNode);
-    RyRiggingExtras::storeFile(*m_document, m_source.unit, figures, nodes, sceneNodes);
+        (figure.skins.empty() ? props : figures).push_back(figure.sceneNode);
+    if (added) {
+        added->storeNodes();
+        for (const auto &[node, index] : added->nodes()) {
+            nodes.push_back(index);
+            sceneNodes.push_back(node);
+        }
+        for (const RyNode *figure : added->figures())
+            (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
+    }
+    figures.insert(figures.end(), props.begin(), props.end());
+    RyRiggingExtras::storeFile(document, m_source.unit, figures, nodes, sceneNodes);
 }
 
 void RyGltfSceneWriter::reportClips()

@@ -6,6 +6,8 @@
 
 #include <map>
 
+class RyGltfSceneExporter;
+
 /// Brings an edited scene back into the tree that it came from: only what was edited is rewritten, so that no rest vertex
 /// moves and no posed vertex moves except as the edit means. Children keep their place unless the edit moved them.
 class RyGltfSceneWriter
@@ -17,6 +19,8 @@ public:
     bool isEdited(const RyScene &scene) const;
     /// A patched copy of the document. Untouched when nothing was edited.
     std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QStringList *messages);
+    /// Stores what glTF has no place for, that of nodes which an exporter added to the patched document too.
+    void storeExtras(RyGltfDocument &document, const RyGltfSceneExporter *added = nullptr);
 
 private:
     struct Edit
@@ -36,7 +40,8 @@ private:
     void setLocal(int node, const RyAffine &local);
     void writeInverseBinds(const RyGltfFigureSource &figure);
     void writeRebound(const RyGltfFigureSource &figure);
-    void writeExtras(const RyScene &scene);
+    /// Of each joint the one by which its skin finds its place when the file is read.
+    std::map<const RyNode *, const RyNode *> findAnchors() const;
     void reportClips();
 
     const RyGltfSceneDocument &m_source;

@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -147,7 +148,9 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
     RyVec3 origin, end, orientation;
     if (!rigging[0] || !readVector(find(*ours, "origin"), origin) || !readVector(find(*ours, "end"), end))
         return false;
-    if ((origin * scale - sceneNode.getOrigin()).length() > tolerance) {
+    RyVec3 place = origin;
+    readVector(find(*ours, "place"), place);
+    if ((place * scale - sceneNode.getOrigin()).length() > tolerance) {
         if (messages) {
             messages->append(QStringLiteral("\"%1\" was moved since its end point was stored; the stored values are left out")
                                  .arg(sceneNode.getName()));
@@ -284,21 +287,53 @@ void RyRiggingExtras::applySelectionMap(const RyGltfSceneDocument &scene, int fi
         skeleton->setSelectionMap(map.get());
 }
 
-void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode)
+QString RyRiggingExtras::storedFigureName(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *name = stored ? find(*stored, "name") : nullptr;
+    return name && name->is_string() ? QString::fromStdString(name->get<std::string>()) : QString();
+}
+
+bool RyRiggingExtras::findRestMap(const RyNode &node, const AnchorOf &anchorOf, RyAffine &map)
+{
+    map = RyAffine();
+    bool moved = false;
+    for (const RyNode *at = &node; at; at = at->getNodeParent()) {
+        if (qobject_cast<const RyBone *>(at))
+            at = anchorOf(*at);
+        if (!at->isPosed())
+            continue;
+        map = map * at->getLocalMap();
+        moved = true;
+    }
+    return moved;
+}
+
+static Json nodeJson(const RyNode &sceneNode, const RyAffine *moved, const RyVec3 *place)
 {
     const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
-    if (!rigging[0])
-        return;
     Json ours{{"version", Version}};
     const char *const names[3] = {"origin", "end", "orient"};
     Json defaults = Json::object();
+    const auto toFile = [moved](const RyVec3 &v, int triple) {
+        if (!moved)
+            return v;
+        if (triple < 2)
+            return moved->mapPoint(v);
+        RyAffine stretch;
+        RyQuat turn;
+        (RyAffine::fromRotation(RyQuat::fromEulerXYZ(v)) * *moved).decomposePolar(stretch, turn);
+        return turn.toEulerXYZ();
+    };
     for (int triple = 0; triple < 3; ++triple) {
         const RyVec3 current = readTriple(rigging.data() + 3 * triple, false);
         const RyVec3 byDefault = readTriple(rigging.data() + 3 * triple, true);
-        ours[names[triple]] = vectorJson(current);
+        ours[names[triple]] = vectorJson(toFile(current, triple));
         if (byDefault != current)
-            defaults[names[triple]] = vectorJson(byDefault);
+            defaults[names[triple]] = vectorJson(toFile(byDefault, triple));
     }
+    if (place && *place != readTriple(rigging.data(), false))
+        ours["place"] = vectorJson(toFile(*place, 0));
     if (!defaults.empty())
         ours["defaults"] = std::move(defaults);
     ours["order"] = sceneNode.getRotationOrder().order();
@@ -322,18 +357,33 @@ void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode
     }
     if (!limits.empty())
         ours["limits"] = std::move(limits);
+    return ours;
+}
+
+QString RyRiggingExtras::nodeText(const RyNode &node)
+{
+    return riggingOf(node)[0] ? QString::fromStdString(nodeJson(node, nullptr, nullptr).dump()) : QString();
+}
+
+void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const AnchorOf &anchorOf,
+                                const RyVec3 *place)
+{
+    if (!riggingOf(sceneNode)[0])
+        return;
+    RyAffine map;
+    const bool moved = findRestMap(sceneNode, anchorOf, map);
     Json &extras = document.json()["nodes"][size_t(node)]["extras"];
     if (!extras.is_object())
         extras = Json::object();
-    extras[Key] = std::move(ours);
+    extras[Key] = nodeJson(sceneNode, moved ? &map : nullptr, place);
 }
 
 void RyRiggingExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-                                const std::vector<int> &boneNodes, const std::vector<const RyNode *> &bones)
+                                const std::vector<int> &nodes, const std::vector<const RyNode *> &sceneNodes)
 {
     std::map<const RyNode *, int> nodeOf;
-    for (size_t i = 0; i < bones.size(); ++i)
-        nodeOf[bones[i]] = boneNodes[i];
+    for (size_t i = 0; i < sceneNodes.size(); ++i)
+        nodeOf[sceneNodes[i]] = nodes[i];
     Json list = Json::array();
     for (const RyNode *figure : figures) {
         Json entry = Json::object();
@@ -342,6 +392,8 @@ void RyRiggingExtras::storeFile(RyGltfDocument &document, double unit, const std
             entry["faceGroups"] = groupsJson(*mesh);
         }
         const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
+        if (skeleton)
+            entry["name"] = skeleton->getName().toStdString();
         if (const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
             Json pairs = Json::array();
             for (int i = 0; i < map->getNumPairs(); ++i) {
