@@ -25,6 +25,7 @@ constexpr int EndPointHandle = 2;
 constexpr int EndPointX = 44;
 constexpr int SearchPixels = 40;
 const char *const NodeName = "lForearm";
+const char *const HoveredNode = "lThigh";
 
 QString text(const RyVec3 &v)
 {
@@ -66,6 +67,7 @@ int DemoSession::run()
     if (!check(node != nullptr, QStringLiteral("the file has a node %1").arg(QLatin1String(NodeName))))
         return 1;
     picture(QStringLiteral("opened"));
+    hoverPart();
     if (selectInTree(node) && dragEndPoint(node)) {
         alignNode();
         undoAndRedo(node);
@@ -89,6 +91,19 @@ bool DemoSession::selectInTree(RyNode *node)
     check(selected, QStringLiteral("a click in the scene list selects %1").arg(node->getLabel()));
     picture(QStringLiteral("selected"));
     return selected;
+}
+
+void DemoSession::hoverPart()
+{
+    Ry3DViewport *viewport = m_window.viewport();
+    RyNode *part = m_window.getScene()->findNode(QString::fromLatin1(HoveredNode));
+    QPointF middle;
+    if (!part || !viewport->project((part->getWSPos() + part->getWSEndPoint()) * 0.5f, middle))
+        return;
+    m_pointer.moveTo(viewport, middle.toPoint() + QPoint(40, 0));
+    m_pointer.moveTo(viewport, middle.toPoint());
+    check(viewport->pickNode(middle.toPoint()) == part, QStringLiteral("under the pointer is %1").arg(part->getLabel()));
+    picture(QStringLiteral("pointed"));
 }
 
 bool DemoSession::findHandle(int id, const QPoint &near, QPoint &found) const

@@ -19,6 +19,7 @@ public:
 private:
     void picture(const QString &name);
     bool check(bool ok, const QString &text);
+    void hoverPart();
     bool selectInTree(RyNode *node);
     bool dragEndPoint(RyNode *node);
     /// Where a click finds this handle: the place that shows it nearest to a point; false when it is nowhere near.

@@ -160,7 +160,7 @@ void HostWindow::updateStatus()
     QString text = tool ? tool->getStatusText() : QString();
     if (text.isEmpty() && tool) {
         const RyNode *node = getScene()->getPrimarySelection();
-        text = !node ? tr("Click a bone in the viewport or in the scene list to place its joint.")
+        text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
                      : tr("%1: drag a handle to move its center or end point; middle drag turns the view, the wheel zooms, F frames it.")
                            .arg(node->getLabel());
     }

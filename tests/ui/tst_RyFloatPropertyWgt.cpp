@@ -177,7 +177,7 @@ private slots:
         QCOMPARE(m_widget->getFirstProperty(), nullptr);
         QVERIFY(!m_widget->isEnabled());
         m_second->setValue(4);
-        QCOMPARE(field()->text(), QStringLiteral("0"));
+        QCOMPARE(field()->text(), QString());
         m_widget->addProperty(nullptr);
         m_widget->addProperty(m_second);
         QCOMPARE(field()->text(), QStringLiteral("4"));

@@ -159,6 +159,7 @@ void RyFloatPropertyWgt::refresh()
     m_field->setAccessibleName(text);
     m_slider->setAccessibleName(text);
     const double value = property ? double(property->getValue()) : 0.0;
+    m_field->setBlank(!property);
     m_field->setValue(value);
     const double min = double(sliderMin());
     const double max = double(sliderMax());

@@ -25,10 +25,9 @@ void RyNumberField::setSuffix(const QString &suffix)
     showValue();
 }
 
-void RyNumberField::setMixed(bool mixed)
+void RyNumberField::setBlank(bool blank)
 {
-    m_mixed = mixed;
-    setPlaceholderText(mixed ? tr("several") : QString());
+    m_blank = blank;
     if (!isModified())
         showValue();
 }
@@ -40,7 +39,7 @@ double RyNumberField::stepFactor(Qt::KeyboardModifiers modifiers)
 
 void RyNumberField::showValue()
 {
-    const QString text = m_mixed ? QString() : RyNumberExpression::format(m_value) + m_suffix;
+    const QString text = m_blank ? QString() : RyNumberExpression::format(m_value) + m_suffix;
     if (text != this->text()) {
         const int place = cursorPosition();
         setText(text);
@@ -60,7 +59,7 @@ void RyNumberField::commitText()
     QString reason;
     const bool valid = RyNumberExpression::evaluate(typed, value, &reason);
     if (valid)
-        m_mixed = false;
+        m_blank = false;
     setModified(false);
     if (valid) {
         emit valueEdited(value);
@@ -76,7 +75,7 @@ void RyNumberField::commitText()
 void RyNumberField::stepBy(double steps)
 {
     commitText();
-    m_mixed = false;
+    m_blank = false;
     emit valueEdited(m_value + steps * m_step);
     showValue();
     selectAll();

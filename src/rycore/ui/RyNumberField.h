@@ -18,8 +18,8 @@ public:
     /// Shown after the number; may be typed or left out.
     void setSuffix(const QString &suffix);
     const QString &suffix() const { return m_suffix; }
-    /// Several values differ: shows no number until one is typed.
-    void setMixed(bool mixed);
+    /// Shows no number until one is typed or set.
+    void setBlank(bool blank);
 
     /// Step size for these modifiers.
     static double stepFactor(Qt::KeyboardModifiers modifiers);
@@ -46,5 +46,5 @@ private:
     double m_value = 0.0;
     double m_step = 1.0;
     QString m_suffix;
-    bool m_mixed = false;
+    bool m_blank = false;
 };

@@ -24,6 +24,13 @@ float toLinear(float value)
     return std::pow(std::clamp(value, 0.0f, 1.0f), 2.2f);
 }
 
+/// A colour that says nothing: grey without a texture, as programs write it when nobody chose one.
+bool isNeutral(const std::array<float, 4> &color)
+{
+    const auto [low, high] = std::minmax({color[0], color[1], color[2]});
+    return high - low < 0.02f && high > 0.3f;
+}
+
 bool sameMemory(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
 {
     return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(RyVec3)) == 0);
@@ -232,8 +239,7 @@ void RyObjectDrawing::drawSurfaces(const RyShader &shader, const float clay[3]) 
         const RyMaterialLook *look = m_parts && run.look >= 0 && run.look < int(m_parts->looks.size())
                                          ? &m_parts->looks[size_t(run.look)] : nullptr;
         const unsigned texture = look && m_hasUvs ? m_textures[size_t(run.look)] : 0;
-        const bool plain = !look || (!texture && look->baseColor[0] == 1.0f && look->baseColor[1] == 1.0f
-                                     && look->baseColor[2] == 1.0f);
+        const bool plain = !look || (!texture && isNeutral(look->baseColor));
         if (plain)
             shader.set("base", toLinear(clay[0]), toLinear(clay[1]), toLinear(clay[2]), 1.0f);
         else
