@@ -212,7 +212,6 @@ private slots:
         QCOMPARE(m_window->files()->recentFiles(), QStringList{path});
         QVERIFY(m_window->files()->openPath(path));
         QCOMPARE(qRound(m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->getValue()), 20);
-        // The sample itself is never written: saving asks for a place, here by Save As being what happens.
         QVERIFY(m_window->files()->save());
     }
 
