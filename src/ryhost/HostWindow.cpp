@@ -179,6 +179,10 @@ void HostWindow::fileOpened()
 {
     updateTitle();
     m_viewport->frameNodes(false);
+    // The joint tool shows the bones of what is selected: let a new figure show its bones at once.
+    const std::vector<RySkeleton *> figures = getScene()->getSkeletons();
+    if (!getScene()->getPrimarySelection() && !figures.empty())
+        figures.front()->select(true);
     m_viewport->update();
 }
 

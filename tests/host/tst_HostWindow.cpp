@@ -82,6 +82,9 @@ private slots:
         m_window->viewport()->project(RyVec3(), foot);
         QVERIFY(head.y() > 0 && foot.y() < m_window->viewport()->height());
         QVERIFY2(foot.y() - head.y() > 0.5 * m_window->viewport()->height(), "the figure fills the view");
+        // Its bones are seen at once.
+        QCOMPARE(m_scene->getPrimarySelection(), figure);
+        QVERIFY(!ryUndoStack()->canUndo());
         // The sample is no file of the user's.
         QVERIFY(m_window->files()->recentFiles().isEmpty());
     }

@@ -4,6 +4,8 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
+#include <algorithm>
+
 RyViewToolAction::RyViewToolAction(const QString &toolClassName)
     : RyAction(QString(), QString()), m_toolClassName(toolClassName)
 {
@@ -34,7 +36,13 @@ void RyViewToolAction::executeAction()
     if (!tool)
         return;
     RyViewportMgr *viewports = RyActionMgr::instance()->getViewportMgr();
-    viewports->setActiveTool(tool);
+    RyViewTool *next = tool;
+    if (tool->isActive()) {
+        const std::vector<RyViewTool *> &tools = viewports->getTools();
+        const auto other = std::find_if(tools.begin(), tools.end(), [tool](RyViewTool *each) { return each != tool; });
+        next = other == tools.end() ? tool : *other;
+    }
+    viewports->setActiveTool(next);
     toolChanged();
 }
 
