@@ -51,7 +51,10 @@ void RyBoneDrawing::drawBone(const RyBone &bone) const
     const RyVec3 origin = bone.getOrigin();
     const RyVec3 endPoint = bone.getEndPoint();
     const int first = bone.getRotationOrder()[0];
-    const float sign = origin[first] > endPoint[first] ? -1.0f : 1.0f;
+    // Which way along its first axis a bone goes is asked in its own axes: joints of files turn them anywhere. For a bone
+    // that is aligned or not turned this is the order of the two coordinates.
+    const RyVec3 along = bone.getOrientation().inverse().multVec(endPoint - origin);
+    const float sign = along[first] < 0.0f ? -1.0f : 1.0f;
 
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
     glDisable(GL_LIGHTING);
