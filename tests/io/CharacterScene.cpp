@@ -9,7 +9,6 @@
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <Eigen/Geometry>
-#include <Eigen/SVD>
 
 #include <QFile>
 
@@ -157,6 +156,12 @@ RestFrames::RestFrames(const GltfEvaluator &file)
     for (int skin = 0; skin < file.skinCount(); ++skin) {
         const std::vector<int> &list = file.joints(skin);
         const std::vector<Eigen::Matrix4d> &inverseBinds = file.inverseBindMatrices(skin);
+        if (list.size() > 1 && std::all_of(inverseBinds.begin(), inverseBinds.end(),
+                                           [](const Eigen::Matrix4d &m) { return m.isIdentity(0.0); })) {
+            for (const int joint : list)
+                world.emplace(joint, worlds[size_t(joint)]);
+            continue;
+        }
         // The mesh finds its place by the topmost joint; of several roots by the one that a walk down meets first.
         size_t anchor = 0;
         for (size_t j = 1; j < list.size(); ++j) {
@@ -185,12 +190,6 @@ RestFrames::RestFrames(const GltfEvaluator &file)
         if (joint == world.end())
             continue;
         local[node] = above.inverse() * joint->second;
-        const Eigen::JacobiSVD<Eigen::Matrix3d> svd(joint->second.topLeftCorner<3, 3>(),
-                                                    Eigen::ComputeFullU | Eigen::ComputeFullV);
-        Eigen::Vector3d values = svd.singularValues();
-        if ((svd.matrixU() * svd.matrixV().transpose()).determinant() < 0.0)
-            values[2] = -values[2];
-        stretch[node] = svd.matrixV() * values.asDiagonal() * svd.matrixV().transpose();
     }
 }
 
@@ -220,11 +219,17 @@ GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const 
         const RyRotationOrder order = bone->getRotationOrder();
         const Eigen::Matrix3d turned = turn(order[2], double(degrees[order[2]])) * turn(order[1], double(degrees[order[1]])) *
                                        turn(order[0], double(degrees[order[0]]));
-        const auto stretch = rest.stretch.find(node->second);
-        if (stretch == rest.stretch.end())
-            pose.turn[node->second] = turned; // between two joints: its own axes are those of its place
-        else
-            pose.turn[node->second] = stretch->second.inverse() * turned * stretch->second;
+        // The bone's axes are those of the joint but for a symmetric stretch that acts before them.
+        Eigen::Matrix3d stretch = Eigen::Matrix3d::Identity();
+        if (const auto joint = rest.world.find(node->second); joint != rest.world.end()) {
+            const Eigen::Matrix3d axes = turn(2, double(bone->getOrientZControl()->getValue())) *
+                                         turn(1, double(bone->getOrientYControl()->getValue())) *
+                                         turn(0, double(bone->getOrientXControl()->getValue()));
+            stretch = axes.transpose() * joint->second.topLeftCorner<3, 3>();
+            if ((stretch - stretch.transpose()).norm() > 1e-4 * stretch.norm())
+                throw std::runtime_error("the bone's axes are not those of its joint");
+        }
+        pose.turn[node->second] = stretch.inverse() * turned * stretch;
     }
     return pose;
 }

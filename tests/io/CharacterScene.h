@@ -46,15 +46,14 @@ CharacterScene::Positions positionsOf(const GltfEvaluator &file, double unit, co
 double largestDistance(const CharacterScene::Positions &a, const CharacterScene::Positions &b);
 double heightOf(const CharacterScene::Positions &positions);
 
-/// The rest of a file's joints, derived from its inverse bind matrices alone: for column vectors, in file units.
+/// The rest of a file's joints, derived from its inverse bind matrices (without them from its nodes): for column vectors, in
+/// file units.
 struct RestFrames
 {
     explicit RestFrames(const GltfEvaluator &file);
 
     std::map<int, Eigen::Matrix4d> world;
     std::map<int, Eigen::Matrix4d> local;
-    /// What the rest frame of a joint holds besides rotation; acts first.
-    std::map<int, Eigen::Matrix3d> stretch;
 
     /// All joints at rest.
     GltfPose pose() const;

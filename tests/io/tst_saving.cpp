@@ -91,7 +91,9 @@ private slots:
         const double poses = posesError(reopened, m_random);
         qInfo("%zu joints moved; shown within %.3g, at rest %.3g, joints %.3g, vertices %.3g, five poses %.3g of the height",
               touched.size(), shown, rest, joints, vertices, poses);
-        QVERIFY(std::max({shown, rest, joints, vertices, poses}) <= 1e-5);
+        QVERIFY(std::max({shown, rest, joints, vertices}) <= 1e-5);
+        // Weights have sixteen bits: ten of them, each rounded, add up to more.
+        QVERIFY(poses <= (original.file.counts().maxInfluences > 9 ? 2e-5 : 1e-5));
     }
 
     /// With the pose cleared the saved file shows the rest.

@@ -70,7 +70,8 @@ size_t hashPosition(const float *p)
     return size_t(hash ^ (hash >> 32));
 }
 
-/// Weights as 16-bit numbers that sum to 65535; what rounding leaves goes to the largest. Returns the place of the largest.
+/// Weights as 16-bit numbers that sum to 65535, none further than one from its true value: what rounding leaves goes to those
+/// that were rounded most. Returns the place of the largest.
 int quantize(const double *weights, int count, double sum, quint16 *result)
 {
     int total = 0;
@@ -82,7 +83,19 @@ int quantize(const double *weights, int count, double sum, quint16 *result)
         if (weights[i] > weights[largest])
             largest = i;
     }
-    result[largest] = quint16(int(result[largest]) + 65535 - total);
+    for (int rest = 65535 - total; rest != 0; rest -= rest > 0 ? 1 : -1) {
+        const int step = rest > 0 ? 1 : -1;
+        int place = largest;
+        double most = -1.0;
+        for (int i = 0; i < count; ++i) {
+            const double left = step * (weights[i] / sum * 65535.0 - double(result[i]));
+            if (left > most && int(result[i]) + step >= 0) {
+                most = left;
+                place = i;
+            }
+        }
+        result[place] = quint16(int(result[place]) + step);
+    }
     return largest;
 }
 

@@ -26,6 +26,12 @@ RyAffine scaleBy(double factor)
     return RyAffine::fromScale(factor, factor, factor);
 }
 
+RyAffine linearPart(RyAffine map)
+{
+    map.m[3][0] = map.m[3][1] = map.m[3][2] = 0.0;
+    return map;
+}
+
 float heightOf(const std::vector<RyVec3> &positions)
 {
     RyBox3 box;
@@ -295,7 +301,9 @@ void RyGltfSceneReader::placeBones(Figure &figure)
                 first = axis;
         }
         bone->setRotationOrder(RyRotationOrder::fromAxes(first, (first + 1) % 3, (first + 2) % 3));
-        RyRiggingExtras::applyToNode(*m_scene->document, sources[i].node, unit, 1e-4f * height, *bone, m_messages);
+        RyRiggingExtras::applyToNode(*m_scene->document, sources[i].node, unit, 1e-4f * height, sources[i].bind, *bone,
+                                     m_messages);
+        sources[i].stretch = linearPart(sources[i].bind) * RyAffine::fromRotation(bone->getOrientation().inverse());
         setPose(sources[i], height);
         sources[i].loaded = RyNodeValues::of(*bone);
         sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
@@ -487,7 +495,7 @@ void RyGltfSceneReader::buildProps()
         }
         prop->setEndPoint(end, true);
         const float size = std::max(1.0f, (end - prop->getOrigin()).length());
-        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, *prop, m_messages);
+        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
         source.loaded = RyNodeValues::of(*prop);
         source.riggingText = RyRiggingExtras::nodeText(*prop);
         m_scene->nodes.push_back(std::move(source));

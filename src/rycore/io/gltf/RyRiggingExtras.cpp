@@ -135,8 +135,26 @@ double RyRiggingExtras::storedUnit(const RyGltfDocument &document)
     return std::isfinite(value) && value >= 1e-6 && value <= 1e9 ? value : 0.0;
 }
 
+/// Whether the orientation takes a frame to a symmetric stretch; without a reflection there is one such orientation, that of
+/// the node.
+static bool fitsFrame(const RyAffine &frame, const RyQuat &orientation, const RyQuat &ofNode)
+{
+    if (frame.determinant() > 0.0)
+        return std::abs(ofNode.dot(orientation)) > 0.999999f;
+    const RyAffine stretch = frame * RyAffine::fromRotation(orientation.inverse());
+    double size = 0.0;
+    double skew = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            size = std::max(size, std::abs(stretch.m[i][j]));
+            skew = std::max(skew, std::abs(stretch.m[i][j] - stretch.m[j][i]));
+        }
+    }
+    return skew <= 1e-4 * size;
+}
+
 bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance,
-                                  RyNode &sceneNode, QStringList *messages)
+                                  const RyAffine &bind, RyNode &sceneNode, QStringList *messages)
 {
     const Json *nodes = find(document.json(), "nodes");
     const Json *ours = nodes && size_t(node) < nodes->size() ? ourExtras((*nodes)[size_t(node)]) : nullptr;
@@ -161,8 +179,7 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
     writeTriple(rigging.data(), origin * scale, true);
     writeTriple(rigging.data(), origin * scale, false);
     if (readVector(find(*ours, "orient"), orientation)) {
-        const RyQuat now = sceneNode.getOrientation();
-        if (std::abs(now.dot(RyQuat::fromEulerXYZ(orientation))) > 0.999999f) {
+        if (fitsFrame(bind, RyQuat::fromEulerXYZ(orientation), sceneNode.getOrientation())) {
             writeTriple(rigging.data() + 6, orientation, true);
             writeTriple(rigging.data() + 6, orientation, false);
         }

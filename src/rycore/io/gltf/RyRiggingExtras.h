@@ -18,9 +18,10 @@ double storedUnit(const RyGltfDocument &document);
 bool hasExtras(const RyGltfDocument &document);
 
 /// Applies what is stored for a node whose rigging has just been read. False when nothing is stored; drops what does
-/// not fit with a message. `tolerance` in centimetres.
-bool applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance, RyNode &sceneNode,
-                 QStringList *messages);
+/// not fit with a message. `tolerance` in centimetres. A stored orientation fits where it leaves of `bind`, the rest frame, a
+/// symmetric stretch: a frame with a reflection has several.
+bool applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance, const RyAffine &bind,
+                 RyNode &sceneNode, QStringList *messages);
 /// Face groups of a figure (number in file order); false when none fit.
 bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
 void applySelectionMap(const RyGltfSceneDocument &scene, int figure, RyNode &skeleton);
