@@ -1,3 +1,4 @@
+#include "pluginsource/RyJointTools/operations/createBoneAtClick.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 #include "pluginsource/RyJointTools/tool/drags/RyHandleDrag.h"
 #include "pluginsource/RyJointTools/tool/drags/makeDrag.h"
@@ -89,6 +90,15 @@ bool RyJointEditorTool::mousePress(Ry3DViewport *viewport, QMouseEvent *event, R
     m_drag.reset();
     m_frame.pressCameraRotation = viewport->getCamera() ? viewport->getCamera()->getWSRot() : RyQuat();
     m_frame.pressViewport = viewport;
+
+    if (!m_param && m_node && m_boneCreationActive && modifier == RyViewMouseModifier::Control) {
+        // The handle that happens to be under the mouse must not be dragged by what follows.
+        setHoveredId(HandleId::None);
+        if (viewport->getCamera())
+            createBoneAtClick(m_node, pressViewportRay(event->pos()), m_frame.pressCameraRotation);
+        event->accept();
+        return true;
+    }
 
     if (!m_node || !HandleId::isBone(id)) {
         setHoveredId(id);
