@@ -200,28 +200,34 @@ GltfPose RestFrames::pose() const
     return pose;
 }
 
-GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const std::map<const RyNode *, int> &nodeOf,
-                    std::mt19937 &random)
+void turnRandomly(CharacterScene &character, std::mt19937 &random)
+{
+    for (RyBone *bone : character.bones()) {
+        bone->clearPose();
+        if (number(random, 0, 1) > 0.4)
+            continue;
+        for (RyFloatProperty *control : {bone->getXRotControl(), bone->getYRotControl(), bone->getZRotControl()})
+            control->setValue(float(number(random, -50, 50)));
+    }
+}
+
+GltfPose poseFor(const GltfEvaluator &file, const CharacterScene &character)
 {
     const RestFrames rest(file);
     GltfPose pose = rest.pose();
-    for (RyBone *bone : character.bones()) {
-        bone->clearPose();
-        const auto node = nodeOf.find(bone);
-        if (number(random, 0, 1) > 0.4 || node == nodeOf.end())
+    for (const RyBone *bone : character.bones()) {
+        const double degrees[3] = {double(bone->getXRotControl()->getValue()), double(bone->getYRotControl()->getValue()),
+                                   double(bone->getZRotControl()->getValue())};
+        if (degrees[0] == 0.0 && degrees[1] == 0.0 && degrees[2] == 0.0)
             continue;
-        float degrees[3];
-        RyFloatProperty *const controls[3] = {bone->getXRotControl(), bone->getYRotControl(), bone->getZRotControl()};
-        for (int axis = 0; axis < 3; ++axis) {
-            degrees[axis] = float(number(random, -50, 50));
-            controls[axis]->setValue(degrees[axis]);
-        }
         const RyRotationOrder order = bone->getRotationOrder();
-        const Eigen::Matrix3d turned = turn(order[2], double(degrees[order[2]])) * turn(order[1], double(degrees[order[1]])) *
-                                       turn(order[0], double(degrees[order[0]]));
-        // The bone's axes are those of the joint but for a symmetric stretch that acts before them.
+        const Eigen::Matrix3d turned =
+            turn(order[2], degrees[order[2]]) * turn(order[1], degrees[order[1]]) * turn(order[0], degrees[order[0]]);
+        // The bone's axes are those of the joint but for a symmetric stretch that acts before them. A node between two joints has
+        // no rest of its own; its axes are those of its place.
+        const int node = character.nodeOf(bone);
         Eigen::Matrix3d stretch = Eigen::Matrix3d::Identity();
-        if (const auto joint = rest.world.find(node->second); joint != rest.world.end()) {
+        if (const auto joint = rest.world.find(node); joint != rest.world.end()) {
             const Eigen::Matrix3d axes = turn(2, double(bone->getOrientZControl()->getValue())) *
                                          turn(1, double(bone->getOrientYControl()->getValue())) *
                                          turn(0, double(bone->getOrientXControl()->getValue()));
@@ -229,7 +235,7 @@ GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const 
             if ((stretch - stretch.transpose()).norm() > 1e-4 * stretch.norm())
                 throw std::runtime_error("the bone's axes are not those of its joint");
         }
-        pose.turn[node->second] = stretch.inverse() * turned * stretch;
+        pose.turn[node] = stretch.inverse() * turned * stretch;
     }
     return pose;
 }

@@ -59,9 +59,11 @@ struct RestFrames
     GltfPose pose() const;
 };
 
-/// Clears the pose of the scene and gives some joints random turns; the same for the file, by its own joints.
-GltfPose randomPose(CharacterScene &character, const GltfEvaluator &file, const std::map<const RyNode *, int> &nodeOf,
-                    std::mt19937 &random);
+/// Clears the pose of the scene and gives some joints random turns.
+void turnRandomly(CharacterScene &character, std::mt19937 &random);
+/// The turns of the scene's bones in the nodes of a file, applied about their own axes to its rest. Fails the test when a bone's
+/// axes are not those of its joint.
+GltfPose poseFor(const GltfEvaluator &file, const CharacterScene &character);
 
 /// Moves and turns a share of the joints at random, in one step. Gives the bones that were touched.
 std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, std::mt19937 &random);

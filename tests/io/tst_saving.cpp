@@ -20,12 +20,10 @@ namespace {
 /// The largest error of five random poses: what the scene shows against what the file says for the same turns.
 double posesError(CharacterScene &character, std::mt19937 &random)
 {
-    std::map<const RyNode *, int> nodeOf;
-    for (const RyBone *bone : character.bones())
-        nodeOf[bone] = character.nodeOf(bone);
     double worst = 0.0;
     for (int i = 0; i < 5; ++i) {
-        const GltfPose pose = randomPose(character, character.file, nodeOf, random);
+        turnRandomly(character, random);
+        const GltfPose pose = poseFor(character.file, character);
         worst = std::max(worst, largestDistance(character.shown(), positionsOf(character.file, character.unit(), pose)));
     }
     return worst / character.height;
@@ -135,10 +133,7 @@ private slots:
             QSKIP("the character is not here");
         CharacterScene original(path);
         moveSomeJoints(original, 0.2, m_random);
-        std::map<const RyNode *, int> nodeOf;
-        for (const RyBone *bone : original.bones())
-            nodeOf[bone] = original.nodeOf(bone);
-        randomPose(original, original.file, nodeOf, m_random);
+        turnRandomly(original, m_random);
         QVERIFY(save(original.scene, out("posed")));
         const GltfEvaluator file(out("posed").toStdString());
         const double shown = largestDistance(original.shown(), positionsOf(file, original.unit())) / original.height;
@@ -346,10 +341,7 @@ private:
 
     void copyRandomPose(CharacterScene &a, CharacterScene &b)
     {
-        std::map<const RyNode *, int> nodeOf;
-        for (const RyBone *bone : a.bones())
-            nodeOf[bone] = a.nodeOf(bone);
-        randomPose(a, a.file, nodeOf, m_random);
+        turnRandomly(a, m_random);
         std::map<std::pair<QString, QString>, RyBone *> known;
         for (RyBone *bone : b.bones())
             known[{bone->getSkeleton()->getName(), bone->getName()}] = bone;
