@@ -15,8 +15,8 @@
 #include "rycore/figure/RyShapeRiggingAdjuster.h"
 
 // What the host learns of this library. All objects here are made when the library is loaded, in the order in which
-// they stand, and go in reverse order when it is unloaded. The host reads the classes in this order, and the
-// identifiers are what stored documents know the classes by: neither may change.
+// they stand, and go in reverse order when it is unloaded. The host lists the classes in this order and
+// tells them apart by their identifiers: neither may change.
 
 namespace {
 

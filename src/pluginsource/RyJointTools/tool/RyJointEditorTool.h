@@ -23,8 +23,8 @@ class RyLegacyJointParam;
 class RyLegacyJointSphere;
 
 /// The viewport tool of the joint editor. While it is active it follows the scene's primary selection, draws the
-/// rigging of that node with handles to drag, and owns the tool settings pane. Setters replace values out of range by a
-/// fixed default, write the setting at once and ask for a redraw.
+/// rigging of that node with handles to drag, and owns the tool settings pane. Setters bring values out of range back
+/// into it; values that are kept from run to run are written at once, and what shows asks for a redraw.
 ///
 /// The order of signals and slots is part of the interface: scripts and panes find them by it.
 class RyJointEditorTool : public RyPickTool
@@ -174,7 +174,14 @@ private:
     void disconnectNode(RyNode *node);
     void followPointChange(RyNode *node);
     void setHoveredId(int id);
+    void hideToolTip();
+    /// Ends a press or drag: what it has changed so far is kept as one step. Nothing without one.
+    void finishDrag();
     void cancelDrag();
+    /// Runs an edit of points during which changes of the current node's points are only noted; the follow-up to them
+    /// comes once, after it.
+    template<typename Edit>
+    void placePoints(const Edit &edit);
     RyLine3 pressViewportRay(const QPoint &point) const;
     template<typename T>
     bool changeDisplay(T RyJointToolDisplay::*value, T newValue);
@@ -198,18 +205,20 @@ private:
     bool m_autoSnapEndPoints = false;
     bool m_autoAlign = false;
     bool m_pushNeighborAngles = true;
-    bool m_reserved = true; // read by nobody; part of the tool's recorded state
+    bool m_reserved = true; // read by nobody
     bool m_propagationEnabled = false;
     bool m_propagateTranslation = false;
     bool m_propagateOrientation = false;
     bool m_boneCreationActive = false;
     bool m_selectionEventPending = false;
-    bool m_placingEndPoint = false; // the tool itself moves the current node's end point
+    bool m_placingPoints = false; // the tool itself moves points
+    bool m_pointsPlaced = false;  // and has moved some of the current node's
 
     int m_hoveredId = 0;
     bool m_dragging = false;
     RyDragFrame m_frame;
     std::unique_ptr<RyHandleDrag> m_drag; // holds the undo step of the drag
+    QPointer<Ry3DViewport> m_toolTipViewport; // the one that shows a handle's tool tip
     RyBoneIndex m_bones;
     RyBoundaryEdges m_boundaryEdges;
 

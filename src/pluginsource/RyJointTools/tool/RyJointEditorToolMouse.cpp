@@ -24,12 +24,33 @@ void RyJointEditorTool::setHoveredId(int id)
     emit statusTextChanged();
 }
 
+void RyJointEditorTool::hideToolTip()
+{
+    if (m_toolTipViewport)
+        m_toolTipViewport->setToolTipText(QString());
+    m_toolTipViewport = nullptr;
+}
+
+void RyJointEditorTool::finishDrag()
+{
+    if (!m_drag)
+        return;
+    if (m_dragging)
+        m_drag->finish(tr("Joint Edit"));
+    m_drag.reset();
+    m_dragging = false;
+    m_frame.pressViewport = nullptr;
+    hideToolTip();
+    setHoveredId(HandleId::None);
+}
+
 void RyJointEditorTool::cancelDrag()
 {
     if (m_drag)
         m_drag->cancel();
     m_drag.reset();
     m_dragging = false;
+    hideToolTip();
 }
 
 RyLine3 RyJointEditorTool::pressViewportRay(const QPoint &point) const
@@ -41,6 +62,8 @@ RyLine3 RyJointEditorTool::pressViewportRay(const QPoint &point) const
 
 void RyJointEditorTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
+    // No button is held, so the release was lost, as to a window that came up in the middle of the drag.
+    finishDrag();
     const int id = viewport->pickOnGizmo(event->pos());
     if (id == HandleId::None) {
         if (m_hoveredId != HandleId::None)
@@ -55,6 +78,7 @@ void RyJointEditorTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, Ry
     setHighlightNode(nullptr);
     if (const RyHandle *handle = RyHandleTable::find(id)) {
         viewport->setToolTipText(RyHandleTable::toolTip(*handle));
+        m_toolTipViewport = viewport;
         viewport->setCursor(RyHandleTable::cursor(*handle, m_display.restrictRotationAxes));
     } else if (HandleId::isBone(id) && RyHandleTable::find(m_hoveredId)) {
         viewport->setToolTipText(QString());
@@ -82,6 +106,9 @@ bool RyJointEditorTool::mousePress(Ry3DViewport *viewport, QMouseEvent *event, R
         }
         return false;
     }
+    // Pressed again before it was released: the release was lost.
+    if (event->button() == Qt::LeftButton)
+        finishDrag();
     if (m_dragging) {
         // One step is open, and the button that began it ends it.
         event->accept();
@@ -143,12 +170,10 @@ bool RyJointEditorTool::mouseMove(Ry3DViewport *viewport, QMouseEvent *event, Ry
 bool RyJointEditorTool::mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
     m_frame.pressViewport = nullptr;
-    if (m_hoveredId == HandleId::None)
+    if (!m_drag && m_hoveredId == HandleId::None)
         return RyPickTool::mouseRelease(viewport, event, modifier);
-    if (m_dragging && m_drag)
-        m_drag->finish(tr("Joint Edit"));
-    m_drag.reset();
-    m_dragging = false;
+    finishDrag();
+    hideToolTip();
     setHoveredId(HandleId::None);
     return true;
 }

@@ -4,8 +4,8 @@
 
 #include <QScopedValueRollback>
 
-// Edits carried on to other nodes and parameters. Parameters come from parametric joints, which no node of the host
-// has: what concerns them finds nothing to change.
+// Edits carried on to other nodes and parameters. The host has no parametric joints yet: what concerns their parameters
+// finds nothing to change.
 
 void RyJointEditorTool::setPropagationEnabled(bool onOff)
 {
@@ -22,13 +22,30 @@ void RyJointEditorTool::setPropagateOrientation(bool onOff)
     m_propagateOrientation = onOff;
 }
 
+template<typename Edit>
+void RyJointEditorTool::placePoints(const Edit &edit)
+{
+    if (m_placingPoints) {
+        edit();
+        return;
+    }
+    m_pointsPlaced = false;
+    {
+        const QScopedValueRollback<bool> guard(m_placingPoints, true);
+        edit();
+    }
+    if (m_node && m_pointsPlaced)
+        followPointChange(m_node);
+}
+
 void RyJointEditorTool::performTransPropagation(RyNode *node, RyVec3 origin, RyVec3 newOrigin)
 {
     if (!node)
         return;
-    const QScopedValueRollback<bool> guard(m_placingEndPoint, true);
-    if (!m_drag || !m_drag->propagateOrigin(node, newOrigin))
-        ::propagateTranslation(node, newOrigin - origin);
+    placePoints([&] {
+        if (!m_drag || !m_drag->propagateOrigin(node, newOrigin))
+            ::propagateTranslation(node, newOrigin - origin);
+    });
 }
 
 void RyJointEditorTool::performOrientPropagation(RyNode *node, RyQuat delta)
@@ -42,24 +59,23 @@ void RyJointEditorTool::rotateParam(RyLegacyJointParam *, RyQuat) {}
 
 void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
 {
-    ::propagateRotation(node, axis, delta, recursive);
+    placePoints([&] { ::propagateRotation(node, axis, delta, recursive); });
 }
 
 void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool,
                                                    RyVec3 &origin)
 {
-    ::propagateChildRotation(node, axis, delta, recursive, origin);
+    placePoints([&] { ::propagateChildRotation(node, axis, delta, recursive, origin); });
 }
 
 void RyJointEditorTool::performScalePropagation(RyNode *node, int axis, float factor, bool recursive, bool)
 {
-    ::propagateScale(node, axis, factor, recursive);
+    placePoints([&] { ::propagateScale(node, axis, factor, recursive); });
 }
 
 void RyJointEditorTool::performTransPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
 {
-    const QScopedValueRollback<bool> guard(m_placingEndPoint, true);
-    ::propagateTranslation(node, axis, delta, recursive);
+    placePoints([&] { ::propagateTranslation(node, axis, delta, recursive); });
 }
 
 void RyJointEditorTool::propagateParamTranslation(RyNode *, RyLegacyJointParam *, float, int) {}

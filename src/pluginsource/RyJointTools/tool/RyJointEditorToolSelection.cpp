@@ -76,6 +76,8 @@ void RyJointEditorTool::disconnectNode(RyNode *node)
 
 void RyJointEditorTool::updateSelection(RyNode *node)
 {
+    if (node != m_node)
+        finishDrag();
     if (m_node)
         disconnectNode(m_node);
     m_node = node;
@@ -91,8 +93,8 @@ void RyJointEditorTool::updateSelection(RyNode *node)
     emit statusTextChanged();
 }
 
-// Parameters belong to parametric joints, which no node of the host has: whatever is given is none of the current
-// node's parameters and selects none, and as none is current nothing changes.
+// The host has no parametric joints yet: whatever is given is none of the current node's parameters and selects none,
+// and as none is current nothing changes.
 void RyJointEditorTool::setParam(RyLegacyJointParam *) {}
 
 void RyJointEditorTool::updateParamConnections() {}
@@ -116,15 +118,25 @@ void RyJointEditorTool::validateAngleChange() {}
 
 void RyJointEditorTool::nodeRemoved()
 {
+    // What was dragged so far is a step of its own: the node may go within a hold that was opened later.
+    finishDrag();
+    const bool hadText = !getStatusText().isEmpty();
     if (m_node)
         disconnectNode(m_node);
     m_node = nullptr;
+    if (hadText)
+        emit statusTextChanged();
 }
 
 void RyJointEditorTool::centerPointChange()
 {
     if (!m_node)
         return;
+    if (m_placingPoints) {
+        m_cachedOrigin = m_node->getOrigin();
+        m_pointsPlaced = true;
+        return;
+    }
     followPointChange(m_node);
     const RyVec3 origin = m_node->getOrigin();
     const RyUndoStack *stack = ryUndoStack();
@@ -135,7 +147,9 @@ void RyJointEditorTool::centerPointChange()
 
 void RyJointEditorTool::endPointChange()
 {
-    if (m_node && !m_placingEndPoint)
+    if (m_placingPoints)
+        m_pointsPlaced = true;
+    else if (m_node)
         followPointChange(m_node);
 }
 

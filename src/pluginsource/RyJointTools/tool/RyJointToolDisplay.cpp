@@ -16,9 +16,13 @@ QString channelKey(const char *prefix, const char *channel)
 
 QColor readColor(const RyAppSettings &settings, const char *prefix, const QColor &byDefault)
 {
-    const int red = settings.getIntValue(channelKey(prefix, "Red"), byDefault.red());
-    const int green = settings.getIntValue(channelKey(prefix, "Green"), byDefault.green());
-    const int blue = settings.getIntValue(channelKey(prefix, "Blue"), byDefault.blue());
+    // A colour with a channel out of range would be none at all.
+    const auto readChannel = [&](const char *channel, int value) {
+        return qBound(0, settings.getIntValue(channelKey(prefix, channel), value), 255);
+    };
+    const int red = readChannel("Red", byDefault.red());
+    const int green = readChannel("Green", byDefault.green());
+    const int blue = readChannel("Blue", byDefault.blue());
     return QColor(red, green, blue, 255);
 }
 

@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
 
-#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
+#include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 
 #include "rycore/scene/RyBone.h"

@@ -1,6 +1,6 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
 
-#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"

@@ -1,7 +1,8 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
 
 #include "pluginsource/RyJointTools/tool/drawing/drawCone.h"
-#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
+#include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
 
 #include "rycore/scene/RyNode.h"

@@ -1,6 +1,6 @@
 #include "pluginsource/RyJointTools/tool/drawing/drawCone.h"
 
-#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 
 #include "rycore/math/RyFastMath.h"
 #include "rycore/viewport/RyGLUtility.h"

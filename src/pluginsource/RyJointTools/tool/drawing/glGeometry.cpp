@@ -1,4 +1,4 @@
-#include "pluginsource/RyJointTools/tool/drawing/drawingHelpers.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 
 #include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
 
@@ -6,6 +6,7 @@
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/math/RyFastMath.h"
 #include "rycore/math/RyQuat.h"
+#include "rycore/math/RyVec3.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -14,35 +15,7 @@
 
 #include <algorithm>
 
-static constexpr GLubyte pickMark = 128;
 static constexpr GLfloat maxPickLineWidth = 10.0f;
-
-void setPickColor(int id)
-{
-    glColor3ub(GLubyte(id), 0, pickMark);
-}
-
-void setHandleColor(const RyDrawContext &context, int id, const QColor &color)
-{
-    if (context.pickPass) {
-        setPickColor(id);
-    } else if (id != 0 && id == context.hoveredId) {
-        const QColor &selected = context.display.selectedColor;
-        glColor3f(GLfloat(selected.red()), GLfloat(selected.green()), GLfloat(selected.blue()));
-    } else {
-        glColor3ub(GLubyte(color.red()), GLubyte(color.green()), GLubyte(color.blue()));
-    }
-}
-
-QColor axisColor(int axis)
-{
-    return QColor(axis == 0 ? 255 : 0, axis == 1 ? 255 : 0, axis == 2 ? 255 : 0);
-}
-
-void setColor(const QColor &color, float alpha)
-{
-    glColor4f(GLfloat(color.redF()), GLfloat(color.greenF()), GLfloat(color.blueF()), alpha);
-}
 
 void putVertex(const RyVec3 &point)
 {

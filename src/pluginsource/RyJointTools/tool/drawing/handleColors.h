@@ -1,13 +1,10 @@
 #pragma once
 
-#include "rycore/math/RyVec3.h"
-
 #include <QColor>
 
-class RyQuat;
 struct RyDrawContext;
 
-// Small GL helpers of the tool's drawing. All work on the current context and its modelview matrix.
+// The colours of what the tool draws, for the eye and for the pick pass. All go to the current context.
 
 /// The flat colour that the pick pass reads as an id; ids are cut to 8 bits.
 void setPickColor(int id);
@@ -17,10 +14,3 @@ void setHandleColor(const RyDrawContext &context, int id, const QColor &color);
 /// Red, green, blue for axis 0, 1, 2.
 QColor axisColor(int axis);
 void setColor(const QColor &color, float alpha);
-void putVertex(const RyVec3 &point);
-/// So that what follows is drawn turned by `rotation.multVec`.
-void rotateBy(const RyQuat &rotation);
-/// Thick lines would swallow their neighbours in the pick pass.
-void capLineWidth();
-/// Distance of a place in the world from the camera that looks.
-float distanceFromCamera(const RyDrawContext &context, const RyVec3 &place);

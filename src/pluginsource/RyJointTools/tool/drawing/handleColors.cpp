@@ -1,0 +1,34 @@
+#include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
+
+#include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
+
+#include <GL/gl.h>
+
+static constexpr GLubyte pickMark = 128;
+
+void setPickColor(int id)
+{
+    glColor3ub(GLubyte(id), 0, pickMark);
+}
+
+void setHandleColor(const RyDrawContext &context, int id, const QColor &color)
+{
+    if (context.pickPass) {
+        setPickColor(id);
+    } else if (id != 0 && id == context.hoveredId) {
+        const QColor &selected = context.display.selectedColor;
+        glColor3f(GLfloat(selected.red()), GLfloat(selected.green()), GLfloat(selected.blue()));
+    } else {
+        glColor3ub(GLubyte(color.red()), GLubyte(color.green()), GLubyte(color.blue()));
+    }
+}
+
+QColor axisColor(int axis)
+{
+    return QColor(axis == 0 ? 255 : 0, axis == 1 ? 255 : 0, axis == 2 ? 255 : 0);
+}
+
+void setColor(const QColor &color, float alpha)
+{
+    glColor4f(GLfloat(color.redF()), GLfloat(color.greenF()), GLfloat(color.blueF()), alpha);
+}
