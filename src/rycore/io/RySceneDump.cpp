@@ -122,9 +122,9 @@ private:
         writeGroup(group->getNextSibling());
     }
 
-    void writeProperty(const RyFloatProperty &property)
+    void writeProperty(const RyFloatProperty &property, const char *indent = "  ")
     {
-        m_out << "  " << quoted(property.getName()) << ' ' << number(property.getRawValue()) << " default "
+        m_out << indent << quoted(property.getName()) << ' ' << number(property.getRawValue()) << " default "
               << number(property.getDefaultValue()) << " limits " << number(property.getMin()) << ' '
               << number(property.getMax()) << (property.isClamped() ? " clamped" : "");
         if (property.hasOwnLabel())
@@ -217,20 +217,21 @@ private:
         for (int axis = 0; axis < 3; ++axis)
             writeMap(axis == 0 ? "x" : axis == 1 ? "y" : "z", binding.getLocalWeights(axis));
         writeMap("scale", binding.getScaleWeights());
+        m_out << '\n';
         for (int axis = 0; axis < 3; ++axis) {
             const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
             if (!bulge)
                 continue;
-            m_out << " bulge " << axis;
+            m_out << "      bulge " << axis;
+            writeMap("left", bulge->getLeftWeights());
+            writeMap("right", bulge->getRightWeights());
+            m_out << '\n';
             for (const RyFloatProperty *controller :
                  {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(),
                   bulge->getPosRightBulgeController(), bulge->getNegRightBulgeController()}) {
-                m_out << ' ' << number(controller->getRawValue()) << " default " << number(controller->getDefaultValue());
+                writeProperty(*controller, "        ");
             }
-            writeMap("left", bulge->getLeftWeights());
-            writeMap("right", bulge->getRightWeights());
         }
-        m_out << '\n';
     }
 
     const RyScene &m_scene;
