@@ -15,6 +15,7 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyOffscreenContext.h"
+#include "rycore/viewport/RyPickTool.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
@@ -23,6 +24,14 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QTemporaryDir>
+
+/// Bears the name of the plug-in's tool and is none.
+class RyJointEditorTool : public RyPickTool
+{
+    Q_OBJECT
+public:
+    RyJointEditorTool() : RyPickTool(QStringLiteral("Joint Editor")) {}
+};
 
 /// The plug-in in a main window: its tool and actions where the host keeps them, and an edit with the mouse from the
 /// selection to the undo step.
@@ -38,6 +47,9 @@ private slots:
     void activatingActionActivates();
     void paneShowsTheNode();
     void rotationOrderFromThePane();
+    void rotationOrderFromTheMenu();
+    void interactiveModeFromTheMenu();
+    void anotherToolOfThatName();
     void editWithTheMouse();
 
 private:
@@ -188,6 +200,80 @@ void RyJointToolsWindowTest::rotationOrderFromThePane()
     m_upper->setRotationOrder(RyRotationOrder(3));
     select(m_upper);
     QCOMPARE(orders->currentIndex(), 3);
+}
+
+void RyJointToolsWindowTest::rotationOrderFromTheMenu()
+{
+    RyAction *action = m_window->getActionMgr()->findAction(QStringLiteral("RyJERotationOrderZXYAction"));
+    QVERIFY(action);
+    QVERIFY(!action->isEnabled());
+    select(m_lower);
+    QVERIFY(action->isEnabled());
+    action->trigger();
+    QCOMPARE(m_lower->getRotationOrder().order(), 4);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Rotation Order ZXY"));
+    const auto *orders = paneWidget<QComboBox>("JointEditorRotationOrderCmb");
+    QCOMPARE(orders->currentIndex(), 4);
+    ryUndoStack()->undo();
+    QCOMPARE(orders->currentIndex(), 0);
+}
+
+void RyJointToolsWindowTest::interactiveModeFromTheMenu()
+{
+    if (!RyOffscreenContext::instance().makeCurrent())
+        QSKIP("no OpenGL here");
+    RyAction *action = m_window->getActionMgr()->findAction(QStringLiteral("RyJEToggleViewBoneCreationAction"));
+    QVERIFY(action);
+    QVERIFY(!action->isChecked());
+    action->trigger();
+    bool active = false;
+    QVERIFY(QMetaObject::invokeMethod(m_tool, "boneCreationActive", Q_RETURN_ARG(bool, active)));
+    QVERIFY(active);
+
+    select(m_lower);
+    m_viewport->getCamera()->lookAt({45, 110, 300}, {45, 98, 0});
+    const RyVec3 goal(90, 70, 0);
+    QPointF pixel;
+    QVERIFY(m_viewport->project(goal, pixel));
+    for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        const Qt::MouseButtons held = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+        QMouseEvent event(type, pixel.toPoint(), Qt::LeftButton, held, Qt::ControlModifier);
+        QCoreApplication::sendEvent(m_viewport, &event);
+    }
+    QCOMPARE(m_lower->getNumNodeChildren(), 1);
+    const RyNode *bone = m_lower->getNodeChild(0);
+    QCOMPARE(bone->getName(), QStringLiteral("lForearm2"));
+    QCOMPARE(bone->getOrigin(), m_lower->getEndPoint());
+    // The camera looks slightly down: the plane that faces it passes through the world's origin, not the goal.
+    const RyVec3 toEye = RyVec3(0, 12, 300).normalized();
+    QVERIFY(std::abs(bone->getEndPoint().dot(toEye)) < 1e-2f);
+    QPointF end;
+    QVERIFY(m_viewport->project(bone->getWSEndPoint(), end));
+    QVERIFY((end - pixel).manhattanLength() < 2);
+    QCOMPARE(ryScene()->getPrimarySelection(), static_cast<RyNode *>(m_lower));
+    QCOMPARE(ryUndoStack()->count(), 0);
+}
+
+void RyJointToolsWindowTest::anotherToolOfThatName()
+{
+    m_window->getViewportMgr()->deleteTools();
+    m_window->getViewportMgr()->addTool(new RyJointEditorTool);
+    QVERIFY(m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool")));
+    for (const char *name : {"RyJETogglePropagateTranslationAction", "RyJEToggleViewBoneCreationAction",
+                             "RyJEToggleAutoAlignNodeAction", "RyJEToggleAutoSnapEndPointsAction"}) {
+        RyAction *action = m_window->getActionMgr()->findAction(QString::fromLatin1(name));
+        QVERIFY2(action, name);
+        action->trigger();
+        QVERIFY2(action->isChecked(), name);
+        // Taking a flag over would clear the check mark.
+        action->init();
+        QVERIFY2(action->isChecked(), name);
+    }
+    select(m_lower);
+    m_window->getActionMgr()->findAction(QStringLiteral("RyJERotationOrderYZXAction"))->trigger();
+    QCOMPARE(m_lower->getRotationOrder().order(), 3);
+    QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Rotation Order YZX"));
 }
 
 void RyJointToolsWindowTest::editWithTheMouse()

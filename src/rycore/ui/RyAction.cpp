@@ -4,7 +4,11 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
 {
     setStatusTip(description);
     setToolTip(description.isEmpty() ? text : description);
-    connect(this, &QAction::triggered, this, &RyAction::executeAction);
+    // Qt lets code and scripts trigger a disabled action.
+    connect(this, &QAction::triggered, this, [this] {
+        if (isEnabled())
+            executeAction();
+    });
 }
 
 RyAction::~RyAction() = default;

@@ -1,9 +1,98 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEAlignActions.h"
 
-RyJEAlignNodeAction::RyJEAlignNodeAction() : RyJEToolAction(staticMetaObject) {}
+#include "pluginsource/RyJointTools/operations/alignNode.h"
+#include "pluginsource/RyJointTools/operations/snapPoints.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
+#include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
 
-RyJEAlignAllBonesAction::RyJEAlignAllBonesAction() : RyJEToolAction(staticMetaObject) {}
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStackHold.h"
 
-RyJESnapCenterPointAction::RyJESnapCenterPointAction() : RyJEToolAction(staticMetaObject) {}
+/// One undo step of an operation on the primary selection; none when the operation finds nothing to do.
+static void runOnPrimarySelection(bool (*operation)(RyNode *), const QString &caption)
+{
+    RyNode *node = ryScene()->getPrimarySelection();
+    if (!node) {
+        warnOfSelection(RyJEToolAction::tr("A node in the scene must be selected to continue."));
+        return;
+    }
+    RyUndoStackHold hold;
+    if (operation(node))
+        hold.accept(caption);
+    else
+        hold.cancel();
+}
 
-RyJESnapEndPointAction::RyJESnapEndPointAction() : RyJEToolAction(staticMetaObject) {}
+RyJEAlignNodeAction::RyJEAlignNodeAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJEAlignNodeAction::selectionChanged()
+{
+    enableBy(isAnyNode);
+}
+
+void RyJEAlignNodeAction::executeAction()
+{
+    runOnPrimarySelection(alignNode, RyJEToolAction::tr("Align Node"));
+}
+
+RyJEAlignAllBonesAction::RyJEAlignAllBonesAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJEAlignAllBonesAction::selectionChanged()
+{
+    enableBy(isSkeletonOrBone);
+}
+
+void RyJEAlignAllBonesAction::executeAction()
+{
+    const RyNode *node = ryScene()->getPrimarySelection();
+    const RySkeleton *skeleton = node ? node->getSkeleton() : nullptr;
+    if (!skeleton) {
+        warnOfSelection(RyJEToolAction::tr("A figure in the scene must be selected to continue."));
+        return;
+    }
+    RyUndoStackHold hold;
+    bool aligned = false;
+    for (RyNode *child : skeleton->nodeChildrenIterator())
+        aligned |= alignBranch(child);
+    if (aligned)
+        hold.accept(RyJEToolAction::tr("Align All Bones"));
+    else
+        hold.cancel();
+}
+
+RyJESnapCenterPointAction::RyJESnapCenterPointAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJESnapCenterPointAction::selectionChanged()
+{
+    enableBy(isSkeletonOrBone);
+}
+
+void RyJESnapCenterPointAction::executeAction()
+{
+    runOnPrimarySelection(snapCenterPoint, RyJEToolAction::tr("Snap Center Point"));
+}
+
+RyJESnapEndPointAction::RyJESnapEndPointAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJESnapEndPointAction::selectionChanged()
+{
+    enableBy(isSkeletonOrBone);
+}
+
+void RyJESnapEndPointAction::executeAction()
+{
+    runOnPrimarySelection(snapEndPoint, RyJEToolAction::tr("Snap End Point"));
+}

@@ -9,6 +9,10 @@ class RyJEAlignNodeAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEAlignNodeAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJEAlignAllBonesAction : public RyJEToolAction
@@ -16,6 +20,10 @@ class RyJEAlignAllBonesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEAlignAllBonesAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJESnapCenterPointAction : public RyJEToolAction
@@ -23,6 +31,10 @@ class RyJESnapCenterPointAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJESnapCenterPointAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJESnapEndPointAction : public RyJEToolAction
@@ -30,4 +42,8 @@ class RyJESnapEndPointAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJESnapEndPointAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };

@@ -9,6 +9,10 @@ class RyJERotationOrderXYZAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderXYZAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJERotationOrderXZYAction : public RyJEToolAction
@@ -16,6 +20,10 @@ class RyJERotationOrderXZYAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderXZYAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJERotationOrderYXZAction : public RyJEToolAction
@@ -23,6 +31,10 @@ class RyJERotationOrderYXZAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderYXZAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJERotationOrderYZXAction : public RyJEToolAction
@@ -30,6 +42,10 @@ class RyJERotationOrderYZXAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderYZXAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJERotationOrderZXYAction : public RyJEToolAction
@@ -37,6 +53,10 @@ class RyJERotationOrderZXYAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderZXYAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJERotationOrderZYXAction : public RyJEToolAction
@@ -44,4 +64,8 @@ class RyJERotationOrderZYXAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERotationOrderZYXAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };

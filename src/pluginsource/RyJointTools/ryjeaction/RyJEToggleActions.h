@@ -9,6 +9,12 @@ class RyJETogglePropagateTranslationAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJETogglePropagateTranslationAction();
+
+    void init() override;
+
+protected slots:
+    void toggleAction(bool onOff);
+    void updateActionState(bool onOff);
 };
 
 class RyJEToggleViewBoneCreationAction : public RyJEToolAction
@@ -16,6 +22,12 @@ class RyJEToggleViewBoneCreationAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEToggleViewBoneCreationAction();
+
+    void init() override;
+
+protected slots:
+    void toggleAction(bool onOff);
+    void updateActionState(bool onOff);
 };
 
 class RyJEToggleAutoAlignNodeAction : public RyJEToolAction
@@ -23,6 +35,12 @@ class RyJEToggleAutoAlignNodeAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEToggleAutoAlignNodeAction();
+
+    void init() override;
+
+protected slots:
+    void toggleAction(bool onOff);
+    void updateActionState(bool onOff);
 };
 
 class RyJEToggleAutoSnapEndPointsAction : public RyJEToolAction
@@ -30,4 +48,10 @@ class RyJEToggleAutoSnapEndPointsAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEToggleAutoSnapEndPointsAction();
+
+    void init() override;
+
+protected slots:
+    void toggleAction(bool onOff);
+    void updateActionState(bool onOff);
 };

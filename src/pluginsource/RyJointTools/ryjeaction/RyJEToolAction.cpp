@@ -2,6 +2,8 @@
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEActionTable.h"
 
+#include "rycore/scene/RyScene.h"
+
 RyJEToolAction::RyJEToolAction(const QString &text, const QString &description) : RyAction(text, description)
 {
     setObjectName(QStringLiteral("JointEditorToolAction"));
@@ -16,6 +18,17 @@ RyJEToolAction::RyJEToolAction(const QMetaObject &actionClass) : RyJEToolAction(
 {
     setObjectName(QString::fromLatin1(actionClass.className()));
     setEnabled(false);
+}
+
+void RyJEToolAction::followSelection()
+{
+    QMetaObject::invokeMethod(this, "selectionChanged", Qt::DirectConnection);
+    connect(ryScene(), SIGNAL(nodeSelectionListChanged()), this, SLOT(selectionChanged()));
+}
+
+void RyJEToolAction::enableBy(bool (*rule)(const RyNode *primary))
+{
+    setEnabled(rule(ryScene()->getPrimarySelection()));
 }
 
 QString RyJEToolAction::getActionGroup() const

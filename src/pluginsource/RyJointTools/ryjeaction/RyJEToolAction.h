@@ -2,6 +2,7 @@
 
 #include "rycore/ui/RyAction.h"
 
+class RyNode;
 struct RyJEActionText;
 
 /// Base of every menu action of the joint editor.
@@ -15,8 +16,13 @@ public:
 
 protected:
     /// Takes the texts of the class from the action table and the class name as object name. The action starts
-    /// disabled.
+    /// disabled until its class says otherwise.
     explicit RyJEToolAction(const QMetaObject &actionClass);
+
+    /// Calls the slot selectionChanged() of the class now and whenever the selection changes.
+    void followSelection();
+    /// Enables the action while the rule holds for the primary selection.
+    void enableBy(bool (*rule)(const RyNode *primary));
 
 private:
     explicit RyJEToolAction(const RyJEActionText &row);
