@@ -5,8 +5,8 @@
 #include <QStringList>
 #include <QTimer>
 
-/// Closes the message boxes that open while it lives, and keeps what they said: "title|text|Ok|warning", with "other" for
-/// other buttons or another icon.
+/// Closes the message boxes that open while it lives, and keeps what they said: "title|text|Ok|warning", with
+/// "other" for other buttons or another icon.
 class RyMessageBoxes
 {
 public:

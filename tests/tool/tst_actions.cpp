@@ -1,18 +1,12 @@
 #include "support/RyTest.h"
 
 #include "RyMessageBoxes.h"
-#include "RyToolScene.h"
+#include "RyWindowScene.h"
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEAlignActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJERotationOrderActions.h"
-#include "pluginsource/RyJointTools/ryjeaction/RyJEToggleActions.h"
-#include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
-#include "rycore/ui/RyActionMgr.h"
-
-#include <QSignalSpy>
 
 namespace {
 
@@ -36,62 +30,6 @@ std::unique_ptr<RyAction> makeOrderAction(int order)
     }
 }
 
-struct Toggle
-{
-    const char *name;
-    std::unique_ptr<RyAction> (*make)();
-    bool (*flag)(RyJointEditorTool *);
-    void (*setFlag)(RyJointEditorTool *, bool);
-};
-
-template<typename T>
-std::unique_ptr<RyAction> make()
-{
-    return std::make_unique<T>();
-}
-
-const Toggle toggles[] = {
-    {"translation", make<RyJETogglePropagateTranslationAction>,
-     [](RyJointEditorTool *tool) { return tool->propagateTranslation(); },
-     [](RyJointEditorTool *tool, bool onOff) { tool->setPropagateTranslation(onOff); }},
-    {"creation", make<RyJEToggleViewBoneCreationAction>,
-     [](RyJointEditorTool *tool) { return tool->boneCreationActive(); },
-     [](RyJointEditorTool *tool, bool onOff) { tool->setBoneCreationActive(onOff); }},
-    {"align", make<RyJEToggleAutoAlignNodeAction>, [](RyJointEditorTool *tool) { return tool->autoAlign(); },
-     [](RyJointEditorTool *tool, bool onOff) { tool->setAutoAlign(onOff); }},
-    {"snap", make<RyJEToggleAutoSnapEndPointsAction>,
-     [](RyJointEditorTool *tool) { return tool->autoSnapEndPoints(); },
-     [](RyJointEditorTool *tool, bool onOff) { tool->setAutoSnapEndPoints(onOff); }},
-};
-
-/// All four flags, so that a setter for a wrong one shows.
-QList<bool> flagsOf(RyJointEditorTool *tool)
-{
-    QList<bool> flags;
-    for (const Toggle &toggle : toggles)
-        flags.append(toggle.flag(tool));
-    return flags;
-}
-
-/// The scene of the tool tests and a main window whose viewports have another tool of the same class.
-struct WindowScene : RyToolScene
-{
-    WindowScene() : window(std::make_unique<RyMainWindow>(ryScene())), windowTool(new RyJointEditorTool)
-    {
-        window->getViewportMgr()->addTool(windowTool);
-    }
-    std::unique_ptr<RyMainWindow> window;
-    RyJointEditorTool *windowTool;
-};
-
-/// A tool of another class.
-class OtherTool : public RyPickTool
-{
-    Q_OBJECT
-public:
-    OtherTool() : RyPickTool(QStringLiteral("Joint Editor")) {}
-};
-
 const QString nodeWarning =
     QStringLiteral("Selection Error|A node in the scene must be selected to continue.|Ok|warning");
 const QString figureWarning =
@@ -99,7 +37,7 @@ const QString figureWarning =
 
 } // namespace
 
-/// What the actions that align, snap, set rotation orders and switch the tool's modes do.
+/// What the actions that align, snap and set rotation orders do.
 class RyActionsTest : public QObject
 {
     Q_OBJECT
@@ -126,14 +64,6 @@ private slots:
     void rotationOrders_data();
     void rotationOrders();
     void rotationOrderWithoutSelection();
-    void findsTheTool();
-    void togglesWithTool_data();
-    void togglesWithTool();
-    void togglesWithoutTool_data();
-    void togglesWithoutTool();
-    void togglesTakeTheFlag_data();
-    void togglesTakeTheFlag();
-    void togglesIgnoreTheSelection();
     void metaObjects();
 };
 
@@ -174,8 +104,6 @@ void RyActionsTest::enabling_data()
     QTest::newRow("Snap End Point") << "RyJESnapEndPointAction" << "001111";
     for (const char *order : orderNames)
         QTest::newRow(order) << QStringLiteral("RyJERotationOrder%1Action").arg(QLatin1String(order)) << "011111";
-    for (const Toggle &toggle : toggles)
-        QTest::newRow(toggle.name) << QString::fromLatin1(toggle.make()->metaObject()->className()) << "111111";
 }
 
 void RyActionsTest::enabling()
@@ -196,8 +124,6 @@ void RyActionsTest::enabling()
         all.push_back(std::make_unique<RyJESnapEndPointAction>());
         for (int order = 0; order < 6; ++order)
             all.push_back(makeOrderAction(order));
-        for (const Toggle &toggle : toggles)
-            all.push_back(toggle.make());
         for (std::unique_ptr<RyAction> &each : all) {
             if (action == QLatin1String(each->metaObject()->className()))
                 return std::move(each);
@@ -263,7 +189,7 @@ void RyActionsTest::missingSelection_data()
 void RyActionsTest::missingSelection()
 {
     QFETCH(bool, window);
-    WindowScene scene;
+    RyWindowScene scene;
     if (!window)
         scene.window.reset();
     RyMessageBoxes boxes;
@@ -454,7 +380,7 @@ void RyActionsTest::rotationOrders()
 {
     QFETCH(int, order);
     QFETCH(bool, withTool);
-    WindowScene scene;
+    RyWindowScene scene;
     if (!withTool)
         scene.window.reset();
     RyBone *bone = scene.lShin;
@@ -497,7 +423,7 @@ void RyActionsTest::rotationOrders()
 
 void RyActionsTest::rotationOrderWithoutSelection()
 {
-    WindowScene scene;
+    RyWindowScene scene;
     const QString before = scene.dump();
     RyMessageBoxes boxes;
     for (int order = 0; order < 6; ++order)
@@ -507,132 +433,6 @@ void RyActionsTest::rotationOrderWithoutSelection()
         makeOrderAction(order)->executeAction();
     QCOMPARE(scene.dump(), before);
     QVERIFY(boxes.said.isEmpty());
-}
-
-void RyActionsTest::findsTheTool()
-{
-    QVERIFY(!findJointEditorTool());
-    RyToolScene scene;
-    QVERIFY(!findJointEditorTool());
-    RyMainWindow window(ryScene());
-    QVERIFY(!findJointEditorTool());
-    window.getViewportMgr()->addTool(new OtherTool);
-    QVERIFY(!findJointEditorTool());
-    auto *tool = new RyJointEditorTool;
-    window.getViewportMgr()->addTool(tool);
-    QCOMPARE(findJointEditorTool(), tool);
-    RyApp::setInterface(nullptr);
-    QVERIFY(!findJointEditorTool());
-    RyApp::setInterface(&window);
-    QCOMPARE(findJointEditorTool(), tool);
-    window.getViewportMgr()->deleteTools();
-    QVERIFY(!findJointEditorTool());
-}
-
-static void addToggleRows()
-{
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < int(std::size(toggles)); ++i)
-        QTest::newRow(toggles[i].name) << i;
-}
-
-void RyActionsTest::togglesWithTool_data()
-{
-    addToggleRows();
-}
-
-void RyActionsTest::togglesWithTool()
-{
-    QFETCH(int, index);
-    WindowScene scene;
-    const std::unique_ptr<RyAction> action = toggles[index].make();
-    action->init();
-    QVERIFY(action->isCheckable());
-    QVERIFY(action->isEnabled());
-    QVERIFY(!action->isChecked());
-    QList<bool> expected = {false, false, false, false};
-    QCOMPARE(flagsOf(scene.windowTool), expected);
-    for (bool onOff : {true, false, true}) {
-        action->trigger();
-        expected[index] = onOff;
-        QCOMPARE(action->isChecked(), onOff);
-        QCOMPARE(flagsOf(scene.windowTool), expected);
-        QCOMPARE(flagsOf(scene.tool), QList<bool>({false, false, false, false}));
-    }
-    // A check mark that comes from elsewhere counts as well as a click.
-    action->setChecked(false);
-    QVERIFY(!toggles[index].flag(scene.windowTool));
-    QCOMPARE(ryUndoStack()->count(), 0);
-}
-
-void RyActionsTest::togglesWithoutTool_data()
-{
-    addToggleRows();
-}
-
-void RyActionsTest::togglesWithoutTool()
-{
-    QFETCH(int, index);
-    RyToolScene scene;
-    for (bool window : {false, true}) {
-        const std::unique_ptr<RyMainWindow> empty = window ? std::make_unique<RyMainWindow>(ryScene()) : nullptr;
-        const std::unique_ptr<RyAction> action = toggles[index].make();
-        action->init();
-        QVERIFY(!action->isChecked());
-        action->trigger();
-        QVERIFY(action->isChecked());
-        // Nothing is known of a flag: the check mark stays.
-        action->init();
-        QVERIFY(action->isChecked());
-        QVERIFY(QMetaObject::invokeMethod(action.get(), "toggleAction", Q_ARG(bool, true)));
-        QCOMPARE(flagsOf(scene.tool), QList<bool>({false, false, false, false}));
-    }
-}
-
-void RyActionsTest::togglesTakeTheFlag_data()
-{
-    addToggleRows();
-}
-
-void RyActionsTest::togglesTakeTheFlag()
-{
-    QFETCH(int, index);
-    const Toggle &toggle = toggles[index];
-    WindowScene scene;
-    toggle.setFlag(scene.windowTool, true);
-    const QList<bool> flags = flagsOf(scene.windowTool);
-    const std::unique_ptr<RyAction> action = toggle.make();
-    const QSignalSpy toggled(action.get(), SIGNAL(toggled(bool)));
-    QVERIFY(!action->isChecked());
-    action->init();
-    QVERIFY(action->isChecked());
-    QCOMPARE(flagsOf(scene.windowTool), flags);
-    toggle.setFlag(scene.windowTool, false);
-    action->init();
-    QVERIFY(!action->isChecked());
-    QVERIFY(!toggle.flag(scene.windowTool));
-    QCOMPARE(toggled.count(), 0);
-    // The check mark alone, without the tool.
-    QVERIFY(QMetaObject::invokeMethod(action.get(), "updateActionState", Q_ARG(bool, true)));
-    QVERIFY(action->isChecked());
-    QVERIFY(!toggle.flag(scene.windowTool));
-    // The host's manager initialises what it takes over.
-    toggle.setFlag(scene.windowTool, true);
-    RyAction *managed = toggle.make().release();
-    scene.window->getActionMgr()->addAction(managed);
-    QVERIFY(managed->isChecked());
-}
-
-void RyActionsTest::togglesIgnoreTheSelection()
-{
-    WindowScene scene;
-    for (const Toggle &toggle : toggles) {
-        const std::unique_ptr<RyAction> action = toggle.make();
-        action->setEnabled(false);
-        ryScene()->setSelection({scene.hip});
-        ryScene()->selectAllNodes(false);
-        QVERIFY(!action->isEnabled());
-    }
 }
 
 void RyActionsTest::metaObjects()
@@ -652,17 +452,6 @@ void RyActionsTest::metaObjects()
         QCOMPARE(metaObject->method(slot).access(), QMetaMethod::Public);
         QVERIFY(!action->isCheckable());
         QCOMPARE(action->objectName(), QString::fromLatin1(metaObject->className()));
-    }
-    for (const Toggle &toggle : toggles) {
-        const std::unique_ptr<RyAction> action = toggle.make();
-        const QMetaObject *metaObject = action->metaObject();
-        for (const char *name : {"toggleAction(bool)", "updateActionState(bool)"}) {
-            const int slot = metaObject->indexOfSlot(name);
-            QVERIFY2(slot >= metaObject->methodOffset(), metaObject->className());
-            QCOMPARE(metaObject->method(slot).access(), QMetaMethod::Protected);
-        }
-        QCOMPARE(metaObject->indexOfSlot("selectionChanged()"), -1);
-        QVERIFY(action->isCheckable());
     }
 }
 
