@@ -61,7 +61,7 @@ public:
     ~RyToolScene();
 
     static RyBone *makeBone(RyNode *parent, const char *name, const RyVec3 &origin, const RyVec3 &endPoint);
-    /// Bends all bones and turns, moves and leaves unscaled the figure.
+    /// Moves and turns the figure and bends the hip and the left leg; nothing is scaled.
     void pose();
     QString dump() const { return rySceneDump(*ryScene()); }
     /// Selects the node and lets the active tool take it.

@@ -90,6 +90,12 @@ private slots:
     void rightPressIdle();
     void rightPressCancels();
     void releaseAccepts();
+    void lostRelease();
+    void lostReleaseOfAPress();
+    void pressAfterLostRelease();
+    void releaseWithoutHandle();
+    void toolTipComesBack();
+    void toolTipOfAViewportThatIsGone();
     void pressAndReleaseLeavesNothing();
     void oneHoldOnly();
     void idleHandleStillMakesAStep();
@@ -426,6 +432,121 @@ void RyHandlePickingTest::releaseAccepts()
     QCOMPARE(scene.dump(), before);
     ryUndoStack()->redo();
     QCOMPARE(scene.dump(), after);
+}
+
+void RyHandlePickingTest::lostRelease()
+{
+    for (int next : {0, 42, 48}) {
+        RyToolScene scene;
+        scene.select(scene.lShin);
+        const QString before = scene.dump();
+        scene.press(44, {400, 300});
+        scene.move({450, 310});
+        const QString dragged = scene.dump();
+        QVERIFY(dragged != before);
+        // The mouse comes back with no button held.
+        scene.hover(next);
+        QVERIFY(!scene.tool->isDragging());
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(scene.lShin->editLevel(), 0);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Joint Edit"));
+        QCOMPARE(scene.dump(), dragged);
+        QCOMPARE(scene.tool->hoveredId(), next);
+        QVERIFY(!scene.tool->dragFrame().pressViewport);
+
+        // The next drag is one of its own.
+        scene.drag(45, {400, 300}, {400, 340});
+        QCOMPARE(ryUndoStack()->count(), 2);
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), dragged);
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+    }
+}
+
+void RyHandlePickingTest::lostReleaseOfAPress()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(44, {400, 300});
+    scene.hover(0);
+    QCOMPARE(scene.tool->hoveredId(), 0);
+    QVERIFY(!scene.move({450, 310}));
+    scene.release();
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1));
+    QCOMPARE(ryUndoStack()->count(), 0);
+}
+
+void RyHandlePickingTest::pressAfterLostRelease()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(44, {400, 300});
+    scene.move({450, 310});
+    const RyVec3 dragged = scene.lShin->getEndPoint();
+    QVERIFY(scene.press(42, {400, 300}));
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(scene.tool->hoveredId(), 42);
+    QVERIFY(!scene.tool->isDragging());
+    scene.move({400, 340});
+    QCOMPARE(scene.lShin->getEndPoint(), dragged);
+    QVERIFY(scene.lShin->getOrigin() != RyVec3(11, 50, 2));
+    scene.release();
+    QCOMPARE(ryUndoStack()->count(), 2);
+}
+
+void RyHandlePickingTest::releaseWithoutHandle()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(0, {400, 300});
+    QVERIFY(!scene.release());
+    QCOMPARE(ryUndoStack()->count(), 0);
+}
+
+void RyHandlePickingTest::toolTipComesBack()
+{
+    const QString toolTip = QStringLiteral("Translate End Point on the X axis.");
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.hover(44);
+    scene.drag(44, {400, 300}, {450, 310});
+    QCOMPARE(scene.viewport->toolTip, QString());
+    scene.hover(44);
+    QCOMPARE(scene.viewport->toolTip, toolTip);
+    // A press without motion.
+    scene.press(44, {400, 300});
+    scene.release();
+    QCOMPARE(scene.viewport->toolTip, QString());
+    scene.hover(44);
+    QCOMPARE(scene.viewport->toolTip, toolTip);
+    scene.press(44, {400, 300});
+    scene.move({450, 310});
+    scene.press(44, {450, 310}, Qt::RightButton);
+    QCOMPARE(scene.viewport->toolTip, QString());
+    scene.release();
+    scene.hover(44);
+    QCOMPARE(scene.viewport->toolTip, toolTip);
+    scene.manager->setActiveTool(nullptr);
+    QCOMPARE(scene.viewport->toolTip, QString());
+}
+
+void RyHandlePickingTest::toolTipOfAViewportThatIsGone()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    auto other = std::make_unique<RyScriptedViewport>(scene.manager.get());
+    other->nextId = 44;
+    QMouseEvent event(QEvent::MouseMove, QPoint(5, 5), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    scene.tool->mouseOver(other.get(), &event, RyViewMouseModifier::None);
+    QVERIFY(!other->toolTip.isEmpty());
+    other.reset();
+    const int toolTips = scene.viewport->toolTips;
+    scene.drag(44, {400, 300}, {450, 310});
+    QCOMPARE(scene.viewport->toolTips, toolTips);
+    QCOMPARE(scene.tool->hoveredId(), 0);
+    QCOMPARE(ryUndoStack()->count(), 1);
 }
 
 void RyHandlePickingTest::pressAndReleaseLeavesNothing()

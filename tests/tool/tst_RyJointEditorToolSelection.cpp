@@ -8,6 +8,24 @@
 
 #include <QSignalSpy>
 
+namespace {
+
+std::vector<RyFloatProperty *> pointControls(const RyNode *node)
+{
+    return {node->getOriginXControl(), node->getOriginYControl(), node->getOriginZControl(),
+            node->getEndXControl(),    node->getEndYControl(),    node->getEndZControl()};
+}
+
+/// Whether the first axis lies along the bone.
+bool isAligned(const RyBone &bone)
+{
+    const RyVec3 direction = (bone.getEndPoint() - bone.getOrigin()).normalized();
+    const RyVec3 axis = bone.getOrientation().multVec(RyVec3::axis(0));
+    return (axis * (direction.x < 0 ? -1.0f : 1.0f) - direction).length() < 1e-4f;
+}
+
+} // namespace
+
 /// How the tool follows the selection and the changes of its node.
 class RyJointEditorToolSelectionTest : public QObject
 {
@@ -21,15 +39,22 @@ private slots:
     void announcesEveryNode();
     void oldNodeIsForgotten();
     void removedNodeIsDropped();
+    void removalChangesTheStatusText();
+    void removalEndsTheDrag();
+    void removalWithinALaterHold();
+    void selectionEndsTheDrag();
     void otherEvents();
     void followsOriginIncrementally();
     void propagationOnlyOutsideUndo();
+    void undoPropagatesNothing();
     void endPointPropagatesNothing();
     void autoSnap();
     void autoSnapWithoutBones();
     void autoAlign();
+    void autoAlignAfterPropagation();
     void followUpNeedsAParent();
     void rotationOrder();
+    void toolsDeletedWhileDragging();
     void deletedWhileDragging();
 };
 
@@ -121,14 +146,20 @@ void RyJointEditorToolSelectionTest::oldNodeIsForgotten()
 {
     RyToolScene scene;
     scene.select(scene.lShin);
-    scene.select(scene.prop);
+    // The hip's end point is not where its children begin: any follow-up would move it.
+    scene.select(scene.rThigh);
     scene.tool->setPropagateTranslation(true);
     scene.tool->setAutoSnapEndPoints(true);
-    scene.lShin->setOrigin({1, 2, 3});
-    scene.lShin->setEndPoint({4, 5, 6});
+    for (RyFloatProperty *control : pointControls(scene.lShin)) {
+        control->setValue(control->getValue() + 3.0f);
+        QCOMPARE(scene.hip->getEndPoint(), RyVec3(0, 112, 1));
+    }
     QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
     QCOMPARE(scene.lThigh->getEndPoint(), RyVec3(11, 50, 2));
-    QCOMPARE(scene.tool->cachedOrigin(), RyVec3());
+    QCOMPARE(scene.tool->cachedOrigin(), RyVec3(-10, 95, 0));
+    // The present one is followed.
+    scene.rThigh->getEndXControl()->setValue(-12.0f);
+    QCOMPARE(scene.hip->getEndPoint(), RyVec3(0, 95, 0));
 }
 
 void RyJointEditorToolSelectionTest::removedNodeIsDropped()
@@ -137,15 +168,116 @@ void RyJointEditorToolSelectionTest::removedNodeIsDropped()
     scene.select(scene.lShin);
     const RyRef<RyNode> kept(scene.lShin);
     QSignalSpy nodes(scene.tool, &RyJointEditorTool::nodeChanged);
-    scene.tool->setPropagateTranslation(true);
     ryScene()->removeNode(scene.lShin);
     QVERIFY(!scene.tool->currentNode());
     QCOMPARE(nodes.count(), 0);
-    scene.lShin->setOrigin({0, 0, 0});
-    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
     QCoreApplication::processEvents();
     QCOMPARE(nodes.count(), 1);
     QVERIFY(!scene.tool->currentNode());
+
+    // What the removed node does is no change of the node that comes after it.
+    scene.select(scene.rThigh);
+    scene.tool->setAutoSnapEndPoints(true);
+    for (RyFloatProperty *control : pointControls(kept.get())) {
+        control->setValue(control->getValue() + 3.0f);
+        QCOMPARE(scene.hip->getEndPoint(), RyVec3(0, 112, 1));
+    }
+    emit kept->aboutToBeRemoved();
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.rThigh));
+}
+
+void RyJointEditorToolSelectionTest::removalChangesTheStatusText()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.hover(44);
+    QVERIFY(!scene.tool->getStatusText().isEmpty());
+    QSignalSpy changes(scene.tool, &RyViewTool::statusTextChanged);
+    ryScene()->removeNode(scene.lShin);
+    QCOMPARE(scene.tool->getStatusText(), QString());
+    QCOMPARE(changes.count(), 1);
+}
+
+void RyJointEditorToolSelectionTest::removalEndsTheDrag()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const QString before = scene.dump();
+    const RyRef<RyNode> kept(scene.lShin);
+    scene.press(44, {400, 300});
+    scene.move({430, 310});
+    ryScene()->removeNode(scene.lShin);
+    QVERIFY(!scene.tool->isDragging());
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(scene.tool->hoveredId(), 0);
+    QCOMPARE(scene.lShin->editLevel(), 0);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Joint Edit"));
+    QVERIFY(!scene.move({440, 310}));
+    scene.release();
+    QCOMPARE(ryUndoStack()->count(), 1);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1));
+    QVERIFY(scene.dump() != before); // the removal itself was not recorded
+}
+
+void RyJointEditorToolSelectionTest::removalWithinALaterHold()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const QString before = scene.dump();
+    scene.press(44, {400, 300});
+    scene.move({430, 310});
+    const QString dragged = scene.dump();
+    {
+        RyUndoStackHold hold;
+        ryScene()->removeNode(scene.lShin);
+        hold.accept(QStringLiteral("Remove"));
+    }
+    const QString removed = scene.dump();
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(ryUndoStack()->count(), 2);
+    QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Joint Edit"));
+    QCOMPARE(ryUndoStack()->caption(1), QStringLiteral("Remove"));
+    ryUndoStack()->undo();
+    ryScene()->setSelection({scene.lShin});
+    QCOMPARE(scene.dump(), dragged);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), dragged);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), removed);
+}
+
+void RyJointEditorToolSelectionTest::selectionEndsTheDrag()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(44, {400, 300});
+    scene.move({430, 310});
+    const RyVec3 dragged = scene.lShin->getEndPoint();
+    // The same node once more is no change.
+    ryScene()->setSelection({scene.rThigh});
+    ryScene()->setSelection({scene.lShin});
+    QCoreApplication::processEvents();
+    QVERIFY(scene.tool->isDragging());
+    ryScene()->setSelection({scene.rThigh});
+    QCoreApplication::processEvents();
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.rThigh));
+    QVERIFY(!scene.tool->isDragging());
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(scene.tool->hoveredId(), 0);
+    QCOMPARE(scene.lShin->editLevel(), 0);
+    QCOMPARE(scene.lShin->getEndPoint(), dragged);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    QVERIFY(!scene.move({500, 310}));
+    QCOMPARE(scene.lShin->getEndPoint(), dragged);
+    QCOMPARE(scene.rThigh->getEndPoint(), RyVec3(-11, 50, 2));
+    scene.release();
+    QCOMPARE(ryUndoStack()->count(), 1);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1));
 }
 
 void RyJointEditorToolSelectionTest::otherEvents()
@@ -205,6 +337,29 @@ void RyJointEditorToolSelectionTest::propagationOnlyOutsideUndo()
     QCOMPARE(scene.dump(), after);
 }
 
+void RyJointEditorToolSelectionTest::undoPropagatesNothing()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    {
+        RyUndoStackHold hold;
+        scene.lShin->setOrigin({20, 60, -10});
+        hold.accept(QStringLiteral("move"));
+    }
+    // The step holds the node alone: whatever else moved now would have been propagated.
+    scene.tool->setPropagateTranslation(true);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(11, 50, 2));
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1));
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
+    QCOMPARE(scene.lFoot->getEndPoint(), RyVec3(11, 2, 13));
+    ryUndoStack()->redo();
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(20, 60, -10));
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(10, 8, -1));
+    QCOMPARE(scene.lFoot->getOrigin(), RyVec3(10, 8, -1));
+    QCOMPARE(scene.lFoot->getEndPoint(), RyVec3(11, 2, 13));
+}
+
 void RyJointEditorToolSelectionTest::endPointPropagatesNothing()
 {
     RyToolScene scene;
@@ -256,14 +411,36 @@ void RyJointEditorToolSelectionTest::autoAlign()
     scene.tool->setAutoAlign(true);
     scene.lShin->setOrigin({15, 52, 9});
     for (const RyBone *bone : {scene.lThigh, scene.lShin}) {
-        const RyVec3 direction = (bone->getEndPoint() - bone->getOrigin()).normalized();
-        const RyVec3 axis = bone->getOrientation().multVec(RyVec3::axis(0));
-        const float sign = direction.x < 0 ? -1.0f : 1.0f;
-        QVERIFY((axis * sign - direction).length() < 1e-4f);
+        QVERIFY(isAligned(*bone));
         QCOMPARE(bone->editLevel(), 0);
     }
     QCOMPARE(scene.lFoot->getOrientation(), RyQuat());
     QCOMPARE(scene.hip->getOrientation(), RyQuat());
+}
+
+void RyJointEditorToolSelectionTest::autoAlignAfterPropagation()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setAutoAlign(true);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.tool->setPropagateTranslation(true);
+    const QString before = scene.dump();
+    {
+        RyUndoStackHold hold;
+        scene.lShin->setOrigin({35, 41, -19});
+        hold.accept(QStringLiteral("move"));
+    }
+    const QString after = scene.dump();
+    // The end point went along, and both bones point at their end points as they are now.
+    QVERIFY((scene.lShin->getEndPoint() - RyVec3(34, -1, -22)).length() < 1e-4f);
+    QCOMPARE(scene.lThigh->getEndPoint(), RyVec3(35, 41, -19));
+    QVERIFY(isAligned(*scene.lShin));
+    QVERIFY(isAligned(*scene.lThigh));
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), after);
 }
 
 void RyJointEditorToolSelectionTest::followUpNeedsAParent()
@@ -298,6 +475,27 @@ void RyJointEditorToolSelectionTest::rotationOrder()
 }
 
 void RyJointEditorToolSelectionTest::deletedWhileDragging()
+{
+    RyToolScene scene;
+    ryScene()->setSelection({scene.lShin});
+    const QString before = scene.dump();
+    // A tool of nobody's: nothing deactivates it before it goes.
+    auto tool = std::make_unique<RyJointEditorTool>();
+    tool->activated();
+    RyJointEditorTool *const managed = std::exchange(scene.tool, tool.get());
+    scene.press(44, {400, 300});
+    scene.move({430, 310});
+    QVERIFY(ryUndoStack()->isHoldOpen());
+    QVERIFY(scene.dump() != before);
+    scene.tool = managed;
+    tool.reset();
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(ryUndoStack()->count(), 0);
+    QCOMPARE(scene.dump(), before);
+    QCOMPARE(scene.lShin->editLevel(), 0);
+}
+
+void RyJointEditorToolSelectionTest::toolsDeletedWhileDragging()
 {
     RyToolScene scene;
     scene.select(scene.lShin);

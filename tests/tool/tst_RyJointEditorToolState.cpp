@@ -19,6 +19,8 @@ private slots:
     void readsSettingsInOrder();
     void readsStoredValues();
     void takesStoredValuesAsTheyStand();
+    void storedColorsAreColors();
+    void pointersAreMetaTypes();
     void signalsAndSlotsInOrder();
     void privateSlots();
     void paneAndPriority();
@@ -183,6 +185,30 @@ void RyJointEditorToolStateTest::takesStoredValuesAsTheyStand()
     QCOMPARE(tool.display().weightMapMode, -4);
 }
 
+void RyJointEditorToolStateTest::storedColorsAreColors()
+{
+    RySettingsStoreForTest store;
+    store.settings.setIntValue("DynamicRed", -20);
+    store.settings.setIntValue("DynamicGreen", 256);
+    store.settings.setIntValue("StaticBlue", 100000);
+    store.settings.setIntValue("SelectedRed", 255);
+    store.settings.setIntValue("SelectedGreen", 0);
+    store.settings.setIntValue("BoundaryBlue", -1);
+    RyJointEditorTool tool;
+    QCOMPARE(tool.display().dynamicColor, QColor(0, 255, 0));
+    QCOMPARE(tool.display().staticColor, QColor(255, 0, 255));
+    QCOMPARE(tool.display().selectedColor, QColor(255, 0, 0));
+    QCOMPARE(tool.display().boundaryColor, QColor(255, 255, 0));
+}
+
+void RyJointEditorToolStateTest::pointersAreMetaTypes()
+{
+    const int id = QMetaType::type("RyJointEditorTool*");
+    QVERIFY(id > 0);
+    QCOMPARE(qRegisterMetaType<RyJointEditorTool *>("RyJointEditorTool*"), id);
+    QCOMPARE(qMetaTypeId<RyJointEditorTool *>(), id);
+}
+
 void RyJointEditorToolStateTest::signalsAndSlotsInOrder()
 {
     const QStringList expected = {"nodeChanged(RyNode*)",
@@ -274,12 +300,13 @@ void RyJointEditorToolStateTest::paneAndPriority()
     QPointer<QWidget> pane = tool->getSettingsWidget();
     QVERIFY(qobject_cast<RyJointEditorToolFrame *>(pane));
     QCOMPARE(pane.data(), static_cast<QWidget *>(tool->frame()));
-    QVERIFY(tool->getDividerBar());
-    QCOMPARE(tool->getDividerBar(), tool->frame()->getDividerBar());
-    QCOMPARE(tool->getDividerBar(), tool->getDividerBar());
+    const QPointer<QWidget> bar = tool->frame()->getDividerBar();
+    QVERIFY(bar);
+    QCOMPARE(tool->getDividerBar(), bar.data());
     QCOMPARE(tool->getToolPriority(), 29);
     tool.reset();
     QVERIFY(!pane);
+    QVERIFY(!bar);
 }
 
 void RyJointEditorToolStateTest::valuesSurvive()

@@ -79,6 +79,7 @@ private slots:
     void axes_data();
     void axes();
     void originUnposed();
+    void scaledFigure();
     void oneAxisChangesOneNumber();
     void outAndBack_data();
     void outAndBack();
@@ -92,6 +93,10 @@ private slots:
     void cancelRestoresDescendants();
     void autoModesJoinTheStep_data();
     void autoModesJoinTheStep();
+    void allModesTogether_data();
+    void allModesTogether();
+    void otherViewport();
+    void cameraMovesMeanwhile();
     void parallelRay();
     void proposeAndApply();
     void valuesAreRecordedOnce();
@@ -101,18 +106,27 @@ void RyPointDragTest::viewPlane_data()
 {
     QTest::addColumn<int>("id");
     QTest::addColumn<bool>("posed");
-    QTest::newRow("end point") << 2 << false;
-    QTest::newRow("end point, posed") << 2 << true;
-    QTest::newRow("origin") << 1 << false;
+    QTest::addColumn<bool>("scaled");
+    QTest::newRow("end point") << 2 << false << false;
+    QTest::newRow("end point, posed") << 2 << true << false;
+    QTest::newRow("end point, scaled") << 2 << false << true;
+    QTest::newRow("end point, posed and scaled") << 2 << true << true;
+    QTest::newRow("origin") << 1 << false << false;
 }
 
 void RyPointDragTest::viewPlane()
 {
     QFETCH(int, id);
     QFETCH(bool, posed);
+    QFETCH(bool, scaled);
     RyToolScene scene;
     if (posed)
         scene.pose();
+    if (scaled) {
+        scene.figure->getScaleControl()->setValue(1.25f);
+        scene.lThigh->getXScaleControl()->setValue(0.7f);
+        scene.lShin->getYScaleControl()->setValue(1.3f);
+    }
     const Eye eye;
     for (RyBone *bone : {scene.hip, scene.lThigh, scene.lShin, scene.lFoot}) {
         scene.select(bone);
@@ -183,6 +197,31 @@ void RyPointDragTest::originUnposed()
         QVERIFY(distance(toVec(scene.lThigh->getWSPos()), anchor + axis * way) < reach * (1 + std::abs(way) / 50));
         scene.release();
     }
+}
+
+void RyPointDragTest::scaledFigure()
+{
+    RyToolScene scene;
+    scene.figure->getScaleControl()->setValue(0.8f);
+    scene.figure->getYRotControl()->setValue(35.0f);
+    scene.figure->getXTransControl()->setValue(12.0f);
+    const Eye eye;
+    scene.select(scene.lThigh);
+    const RyVec3 start = scene.lThigh->getOrigin();
+    const Vec anchor = toVec(scene.lThigh->getWSPos());
+    const QPoint from = scene.pixelOf(scene.lThigh->getWSPos());
+    const QPoint to = from + QPoint(37, -21);
+    scene.press(1, from);
+    scene.move(from);
+    QCOMPARE(scene.lThigh->getOrigin(), start);
+    scene.move(to);
+    const Vec expected = anchor + eye.onPlane(to, anchor) - eye.onPlane(from, anchor);
+    QVERIFY(distance(toVec(scene.lThigh->getWSPos()), expected) < reach);
+    // In the figure's own measure the way is longer than in the world.
+    const double wayInWorld = distance(expected, anchor);
+    const double wayInFigure = double((scene.lThigh->getOrigin() - start).length());
+    QVERIFY(std::abs(wayInFigure - wayInWorld / 0.8) < reach);
+    scene.release();
 }
 
 void RyPointDragTest::oneAxisChangesOneNumber()
@@ -392,6 +431,94 @@ void RyPointDragTest::autoModesJoinTheStep()
     QCOMPARE(scene.dump(), before);
     ryUndoStack()->redo();
     QCOMPARE(scene.dump(), after);
+}
+
+void RyPointDragTest::allModesTogether_data()
+{
+    outAndBack_data();
+}
+
+void RyPointDragTest::allModesTogether()
+{
+    QFETCH(int, id);
+    RyToolScene scene;
+    scene.pose();
+    scene.tool->setPropagateTranslation(true);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.tool->setAutoAlign(true);
+    scene.select(scene.lThigh);
+    const QString before = scene.dump();
+    const RyVec3 origin = scene.lThigh->getOrigin();
+    const RyVec3 endPoint = scene.lThigh->getEndPoint();
+    scene.drag(id, {400, 300}, {440, 330});
+    const QString after = scene.dump();
+    const bool ofOrigin = id == 1 || (id >= 41 && id <= 43);
+    const RyVec3 way = ofOrigin ? scene.lThigh->getOrigin() - origin : scene.lThigh->getEndPoint() - endPoint;
+    QVERIFY(way.length() > 0.1f);
+    QVERIFY(distance(toVec(scene.lThigh->getEndPoint()), toVec(endPoint + way)) < 1e-4);
+    QVERIFY(distance(toVec(scene.lFoot->getEndPoint()), toVec(RyVec3(11, 2, 13) + way)) < 1e-4);
+    const RyVec3 mean = (scene.lThigh->getOrigin() + scene.rThigh->getOrigin()) / 2.0f;
+    QVERIFY(distance(toVec(scene.hip->getEndPoint()), toVec(mean)) < 1e-5);
+    for (const RyBone *bone : {scene.hip, scene.lThigh}) {
+        const Vec direction = unit(toVec(bone->getEndPoint() - bone->getOrigin()));
+        const Vec axis = toVec(bone->getOrientation().multVec(RyVec3(1, 0, 0)));
+        QVERIFY2(std::abs(std::abs(dot(axis, direction)) - 1.0) < 1e-6, qPrintable(bone->getName()));
+    }
+    QCOMPARE(ryUndoStack()->count(), 1);
+    for (int i = 0; i < 2; ++i) {
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        ryUndoStack()->redo();
+        QCOMPARE(scene.dump(), after);
+    }
+}
+
+void RyPointDragTest::otherViewport()
+{
+    RyToolScene scene;
+    const Eye eye;
+    scene.select(scene.lShin);
+    // A second view of another size, from behind.
+    RyScriptedViewport other(scene.manager.get());
+    other.resize(300, 500);
+    other.getCamera()->lookAt({-100, 20, -200}, {0, 60, 0});
+    const Vec anchor = toVec(scene.lShin->getWSEndPoint());
+    const QPoint from = scene.pixelOf(scene.lShin->getWSEndPoint());
+    const QPoint to = from + QPoint(37, -21);
+    other.makeCurrent();
+    scene.press(2, from);
+    other.makeCurrent();
+    QMouseEvent event(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QVERIFY(scene.tool->mouseMove(&other, &event, RyViewMouseModifier::None));
+    const Vec expected = anchor + eye.onPlane(to, anchor) - eye.onPlane(from, anchor);
+    QVERIFY(distance(toVec(scene.lShin->getWSEndPoint()), expected) < reach);
+    scene.release();
+}
+
+void RyPointDragTest::cameraMovesMeanwhile()
+{
+    RyToolScene scene;
+    const Eye eye;
+    scene.select(scene.lShin);
+    const Vec anchor = toVec(scene.lShin->getWSEndPoint());
+    const QPoint from = scene.pixelOf(scene.lShin->getWSEndPoint());
+    scene.press(2, from);
+    scene.move(from + QPoint(5, 5));
+    // From then on rays start elsewhere, and still meet the plane that faced the camera at the press.
+    scene.viewport->getCamera()->lookAt({160, 80, 180}, {0, 60, 0});
+    Eye moved;
+    moved.place = {160, 80, 180};
+    moved.forward = unit(Vec{0, 60, 0} - moved.place);
+    moved.right = unit(cross(moved.forward, Vec{0, 1, 0}));
+    moved.up = cross(moved.right, moved.forward);
+    const QPoint to(430, 320);
+    scene.move(to);
+    const Vec ray = moved.rayThrough(to);
+    const Vec hit = moved.place + ray * (dot(anchor - moved.place, eye.forward) / dot(ray, eye.forward));
+    const Vec expected = anchor + hit - eye.onPlane(from, anchor);
+    QVERIFY(distance(toVec(scene.lShin->getWSEndPoint()), expected) < reach);
+    QVERIFY(std::abs(dot(toVec(scene.lShin->getWSEndPoint()) - anchor, eye.forward)) < reach);
+    scene.release();
 }
 
 void RyPointDragTest::parallelRay()

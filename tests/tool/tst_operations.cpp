@@ -44,6 +44,9 @@ private slots:
     void rotation();
     void childRotation();
     void scale();
+    void modesOnBelowTheNode_data();
+    void modesOnBelowTheNode();
+    void followUpOnceAfterPlacing();
     void nothingForNull();
 };
 
@@ -259,6 +262,86 @@ void RyOperationsTest::scale()
     QCOMPARE(scene.lThigh->getOrigin(), RyVec3(10, 95, 0));
 }
 
+void RyOperationsTest::modesOnBelowTheNode_data()
+{
+    QTest::addColumn<int>("operation");
+    const char *names[] = {"rotation", "child rotation", "scale", "translation", "translation by an axis"};
+    for (int i = 0; i < 5; ++i)
+        QTest::newRow(names[i]) << i;
+}
+
+void RyOperationsTest::modesOnBelowTheNode()
+{
+    QFETCH(int, operation);
+    const auto run = [operation](RyToolScene &scene) {
+        RyVec3 center(1, 2, 3);
+        switch (operation) {
+        case 0: scene.tool->performRotPropagation(scene.lThigh, 0, 0.6f, true, false); break;
+        case 1: scene.tool->performChildRotPropagation(scene.lThigh, 2, 0.6f, true, false, center); break;
+        case 2: scene.tool->performScalePropagation(scene.lThigh, 1, 1.5f, true, false); break;
+        case 3: scene.tool->performTransPropagation(scene.lThigh, RyVec3(0, 0, 0), RyVec3(3, 4, 5)); break;
+        default: scene.tool->performTransPropagation(scene.lThigh, 1, 6.0f, true, false); break;
+        }
+    };
+    const auto points = [](const RyToolScene &scene) {
+        std::vector<RyVec3> found;
+        for (const RyBone *bone : {scene.hip, scene.lThigh, scene.lShin, scene.lFoot, scene.rThigh}) {
+            found.push_back(bone->getOrigin());
+            found.push_back(bone->getEndPoint());
+        }
+        return found;
+    };
+    // What the operation does on its own, with nothing selected ...
+    std::vector<RyVec3> expected;
+    {
+        RyToolScene scene;
+        run(scene);
+        expected = points(scene);
+    }
+    // ... it does too while the tool follows a node below and carries on what that node does.
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setPropagateTranslation(true);
+    const QString before = scene.dump();
+    {
+        RyUndoStackHold hold;
+        run(scene);
+        hold.accept(QStringLiteral("edit"));
+    }
+    const QString after = scene.dump();
+    QVERIFY(after != before);
+    const std::vector<RyVec3> found = points(scene);
+    for (size_t i = 0; i < found.size(); ++i)
+        QCOMPARE(found[i], expected[i]);
+    QCOMPARE(scene.tool->cachedOrigin(), scene.lShin->getOrigin());
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), after);
+}
+
+void RyOperationsTest::followUpOnceAfterPlacing()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.tool->setAutoSnapEndPoints(true);
+    scene.tool->setAutoAlign(true);
+    scene.lThigh->setEndPoint({0, 0, 0});
+    QSignalSpy rigging(scene.lThigh, &RyNode::riggingChanged);
+    scene.tool->performScalePropagation(scene.hip, 0, 2.0f, true, false);
+    // The follow-up is that of the new places: the thigh ends where the shin begins, and both are aligned.
+    QCOMPARE(scene.lShin->getOrigin(), RyVec3(22, 50, 2));
+    QCOMPARE(scene.lShin->getEndPoint(), RyVec3(20, 8, -1));
+    QCOMPARE(scene.lThigh->getEndPoint(), RyVec3(22, 50, 2));
+    for (const RyBone *bone : {scene.lThigh, scene.lShin}) {
+        const RyVec3 direction = (bone->getEndPoint() - bone->getOrigin()).normalized();
+        const float sign = direction.x < 0.0f ? -1.0f : 1.0f;
+        QVERIFY(isNear(bone->getOrientation().multVec(RyVec3::axis(0) * sign), direction));
+        QCOMPARE(bone->editLevel(), 0);
+    }
+    QVERIFY(rigging.count() > 0);
+}
+
 void RyOperationsTest::nothingForNull()
 {
     RyToolScene scene;
@@ -271,15 +354,6 @@ void RyOperationsTest::nothingForNull()
     tool->performRotPropagation(nullptr, 0, 1.0f, true, true);
     tool->performChildRotPropagation(nullptr, 0, 1.0f, true, true, center);
     tool->performScalePropagation(nullptr, 0, 2.0f, true, true);
-    tool->translateParam(nullptr, RyVec3(1, 1, 1));
-    tool->rotateParam(nullptr, RyQuat());
-    tool->propagateParamTranslation(nullptr, nullptr, 1.0f, 0);
-    tool->propagateParamTranslation(scene.hip, nullptr, 1.0f, 0);
-    tool->propagateSphereTranslation(nullptr, 1.0f, 0);
-    tool->setStaticA(1.0f, 0);
-    tool->setDynamicB(1.0f, 1);
-    tool->setDynamicC(1.0f, 2);
-    tool->setStaticD(1.0f, 0);
     QCOMPARE(scene.dump(), before);
 }
 
