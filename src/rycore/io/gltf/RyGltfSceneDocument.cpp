@@ -1,8 +1,63 @@
 #include "rycore/io/gltf/RyGltfSceneDocument.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/mesh/RyVertexMesh.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyShape.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+class Hash
+{
+public:
+    void add(const void *data, size_t size)
+    {
+        const auto *bytes = static_cast<const unsigned char *>(data);
+        for (; size > 0; bytes += std::min<size_t>(size, 8), size -= std::min<size_t>(size, 8)) {
+            quint64 word = size;
+            std::memcpy(&word, bytes, std::min<size_t>(size, 8));
+            m_value = (std::rotl(m_value, 23) ^ word) * 0xff51afd7ed558ccdull;
+        }
+    }
+    quint64 value() const { return m_value; }
+
+private:
+    quint64 m_value = 0x9e3779b97f4a7c15ull;
+};
+
+} // namespace
+
+quint64 ryPositionsHash(const RyNode &node)
+{
+    Hash hash;
+    const RyShape *shape = RyShape::getCurrentShapeForNode(&node);
+    if (const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr)
+        hash.add(mesh->getPositions().data(), mesh->getPositions().size() * sizeof(RyVec3));
+    return hash.value();
+}
+
+quint64 ryWeightsHash(const RyNode &node)
+{
+    Hash hash;
+    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&node);
+    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+        const RyBone *bone = binding->getBone();
+        hash.add(&bone, sizeof bone);
+        for (const RyWeightMap *map : binding->getAllWeightMaps()) {
+            const int count = map->getNumAffected();
+            hash.add(&count, sizeof count);
+            hash.add(map->getAffectedIndices(), size_t(count) * sizeof(int));
+            hash.add(map->getAffectedWeights(), size_t(count) * sizeof(quint16));
+        }
+    }
+    return hash.value();
+}
 
 RyNodeValues RyNodeValues::of(const RyNode &node)
 {

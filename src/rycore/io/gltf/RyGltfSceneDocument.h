@@ -66,14 +66,19 @@ struct RyGltfPartSource
 
 struct RyGltfFigureSource
 {
-    QPointer<RyNode> sceneNode; // a figure, or a prop that stands alone
+    QPointer<RyNode> sceneNode; // a figure, or a prop
     RyNodeValues loaded;
     std::vector<RyGltfSkinSource> skins;
     std::vector<RyGltfPartSource> parts;
-    quint64 meshRevision = 0;
+    quint64 positionsHash = 0; // of the mesh and of the skin as they were read
+    quint64 weightsHash = 0;
     QString groupsText; // face groups as they were read, in the text of the extras
     QString selectionText; // likewise the selection map
 };
+
+/// Of the positions of a node's mesh, and of its weights and the bones they belong to; to tell whether they were edited.
+quint64 ryPositionsHash(const RyNode &node);
+quint64 ryWeightsHash(const RyNode &node);
 
 /// The file behind a scene read from glTF: the kept tree, and which of its nodes stand in the scene.
 class RyGltfSceneDocument : public RySceneDocument

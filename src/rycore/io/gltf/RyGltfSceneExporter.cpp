@@ -1,15 +1,14 @@
 #include "rycore/io/gltf/RyGltfSceneExporter.h"
 
+#include "rycore/io/gltf/RyGltfInfluenceWriter.h"
 #include "rycore/io/gltf/RyGltfSceneWriter.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
@@ -38,48 +37,6 @@ RyGltfTransform transformOf(const RyAffine &local)
 RyAffine bindOf(const RyNode &node, double unit)
 {
     return scaleBy(unit) * RyAffine::fromRotation(node.getOrientation()) * RyAffine::fromTranslation(node.getOrigin());
-}
-
-/// Influences of every vertex, the bones as places in the list of joints.
-struct Influences
-{
-    std::vector<std::vector<std::pair<int, int>>> ofVertex;
-    size_t most = 0;
-};
-
-Influences influencesOf(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &jointOf)
-{
-    Influences result;
-    result.ofVertex.resize(size_t(vertexCount));
-    for (const RyBoneBinding *binding : skin.bindings()) {
-        const RyWeightMap *map = binding->getWeights();
-        const auto joint = jointOf.find(binding->getBone());
-        if (!map || joint == jointOf.end())
-            continue;
-        const int *vertices = map->getAffectedIndices();
-        const quint16 *weights = map->getAffectedWeights();
-        for (int i = 0; i < map->getNumAffected(); ++i) {
-            if (vertices[i] < vertexCount)
-                result.ofVertex[size_t(vertices[i])].emplace_back(joint->second, int(weights[i]));
-        }
-    }
-    for (auto &influences : result.ofVertex) {
-        std::stable_sort(influences.begin(), influences.end(),
-                         [](const auto &a, const auto &b) { return a.second > b.second; });
-        long long sum = 0;
-        for (const auto &influence : influences)
-            sum += influence.second;
-        if (sum > 0 && sum != 65535) {
-            long long total = 0;
-            for (auto &influence : influences) {
-                influence.second = int((influence.second * 65535LL + sum / 2) / sum);
-                total += influence.second;
-            }
-            influences.front().second += int(65535 - total);
-        }
-        result.most = std::max(result.most, influences.size());
-    }
-    return result;
 }
 
 } // namespace
@@ -215,25 +172,9 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     int normals = -1;
     const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
     std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
-    Influences influences;
-    influences.ofVertex.resize(size_t(mesh->getNumVertices()));
-    if (binding)
-        influences = influencesOf(*binding, mesh->getNumVertices(), jointOf);
-    const size_t sets = std::max<size_t>(1, (influences.most + 3) / 4);
-    for (size_t set = 0; set < sets; ++set) {
-        std::vector<std::uint32_t> jointNumbers, weights;
-        for (const auto &ofVertex : influences.ofVertex) {
-            for (size_t i = 4 * set; i < 4 * set + 4; ++i) {
-                // A vertex that nothing moves is held by the first joint where a file must name one.
-                const bool held = ofVertex.empty() && i == 0;
-                jointNumbers.push_back(i < ofVertex.size() ? std::uint32_t(ofVertex[i].first) : 0u);
-                weights.push_back(i < ofVertex.size() ? std::uint32_t(ofVertex[i].second) : held ? 65535u : 0u);
-            }
-        }
-        attributes.emplace_back("JOINTS_" + std::to_string(set), m_document.addUintAccessor(jointNumbers, 4, 5123, 34962));
-        attributes.emplace_back("WEIGHTS_" + std::to_string(set),
-                                m_document.addUintAccessor(weights, 4, 5123, 34962, true));
-    }
+    const RyGltfInfluenceWriter influences(binding, mesh->getNumVertices(), jointOf);
+    for (auto &attribute : influences.addTo(m_document))
+        attributes.push_back(std::move(attribute));
     const int meshIndex = m_document.addMesh(skeleton.getName());
     m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
     const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);

@@ -318,9 +318,13 @@ void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
     const double from[3] = {origin.x, origin.y, origin.z};
     double at[3];
     source.localPose.mapPoint(from, at);
+    RyAffine local = source.localPose;
+    const RyNode *parent = node->getNodeParent();
+    if (!node->inheritsScale() && parent) // what it leaves out of its parent's map the file's node holds against it
+        local = linearPart(local * parent->figureMap()) * RyAffine::fromRotation(parent->getWSRot().inverse());
     RyAffine stretch;
     RyQuat rotation;
-    source.localPose.decomposePolar(stretch, rotation);
+    local.decomposePolar(stretch, rotation);
     RyMatrix3 scale;
     bool unscaled = true;
     for (int i = 0; i < 3; ++i) {
@@ -398,7 +402,8 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     }
     object->addModifier(skin);
     figure.figure->setObject(object);
-    figure.source.meshRevision = mesh->revision();
+    figure.source.positionsHash = ryPositionsHash(*figure.figure);
+    figure.source.weightsHash = ryWeightsHash(*figure.figure);
     figure.source.groupsText = RyRiggingExtras::groupsText(*mesh);
     RyRiggingExtras::applySelectionMap(*m_scene, number, *figure.figure);
     figure.source.selectionText = RyRiggingExtras::selectionText(*figure.figure);
@@ -489,7 +494,8 @@ void RyGltfSceneReader::buildProps()
             object->addShape(shape);
             prop->setObject(object);
             end = mesh->getBoundingBox().getCenter();
-            figure.meshRevision = mesh->revision();
+            figure.positionsHash = ryPositionsHash(*prop);
+            figure.weightsHash = ryWeightsHash(*prop);
             figure.groupsText = RyRiggingExtras::groupsText(*mesh);
             m_scene->figures.push_back(std::move(figure));
         }
