@@ -90,9 +90,11 @@ const ActionRow actionRows[] = {
     {"RyJESplitBoneAction", "Split Bone",
      "Splits the currently selected bone.", false},
     {"RyJETogglePropagateTranslationAction", "Propagate Translations",
-     "Enables the propagation of translation for origins and end points that exist further down the bone hierarchy.", true},
+     "Enables the propagation of translation for origins and end points that exist further down the bone "
+     "hierarchy.", true},
     {"RyJEToggleViewBoneCreationAction", "Interactive Mode",
-     "Enables interactive bone creation within the viewport. Hold Ctrl and click in the viewport to create a new child bone.", true},
+     "Enables interactive bone creation within the viewport. Hold Ctrl and click in the viewport to create a new "
+     "child bone.", true},
     {"RyJEConvertPropToFigureAction", "Convert Prop to Figure...",
      "Converts the selected prop to a figure.", false},
     {"RyJEConvertFigureToPropAction", "Convert Figure to Prop...",
@@ -104,7 +106,8 @@ const ActionRow actionRows[] = {
     {"RyJEMirrorAction", "Mirror Joints...",
      "Copies joint parameters from one side of the figure to the other.", false},
     {"RyJEBakeRotationsAction", "Bake Joint Rotations...",
-     "Bakes the current joint rotations of a single skin figure as the new geometry base, and replaces bones accordingly.", false},
+     "Bakes the current joint rotations of a single skin figure as the new geometry base, and replaces bones "
+     "accordingly.", false},
     {"RyJEDeleteBoneAction", "Delete Bone",
      "Removes the selected bone from the scene.", false},
     {"RyJEDeleteUnusedBonesAction", "Delete Unused Bones...",
@@ -124,7 +127,8 @@ const ActionRow actionRows[] = {
     {"RyJEToggleAutoAlignNodeAction", "Auto Align Node",
      "Enables automatic alignment of the center and end points of nodes.", true},
     {"RyJEAlignNodeAction", "Align Node",
-     "Modifies the orientation of the selected node to align the first axis of the rotation order between the center and end points.", false},
+     "Modifies the orientation of the selected node to align the first axis of the rotation order between the center "
+     "and end points.", false},
     {"RyJEAlignAllBonesAction", "Align All Bones",
      "Aligns all bones of the figure.", false},
     {"RyJESnapCenterPointAction", "Snap Center Point",
@@ -142,9 +146,11 @@ const ActionRow actionRows[] = {
     {"RyJERestoreNodeRiggingPropertiesAction", "Restore Selected Node(s) Rigging",
      "Restores the rigging properties for the selected nodes to their default values.", false},
     {"RyJETransferWSRiggingAction", "Transfer Rigging (Figure Space)",
-     "Transfers the bone positions and orientations, in figure space coordinates, from the first selected figure to the second selected figure.", false},
+     "Transfers the bone positions and orientations, in figure space coordinates, from the first selected figure to "
+     "the second selected figure.", false},
     {"RyJECreateDonorFigureAction", "Extract Donor Figure",
-     "Extracts a duplicate of the selected weight mapped skeleton to act as donor for repositioning and transferring.", false},
+     "Extracts a duplicate of the selected weight mapped skeleton to act as donor for repositioning and "
+     "transferring.", false},
     {"RyJESelectedNodesAttributesEditAction", "Selected Node(s) Attributes...",
      "Set the center, end, and orientation values of all selected nodes.", false},
     {"RyJECreateControlBonesAction", "Create Control Bone(s)...",
@@ -183,6 +189,7 @@ private slots:
     void hostClasses();
     void refusesAnotherVersion();
     void unloadsQuietly();
+    void unloadsInAProcessOfItsOwn();
 
 private:
     QTemporaryDir m_settings;
@@ -278,11 +285,18 @@ void RyJointToolsPluginTest::pointersAreMetaTypes()
         const QByteArray pointer = QByteArray(row.name) + '*';
         const int id = QMetaType::type(pointer.constData());
         QVERIFY2(id > 0, row.name);
-        QCOMPARE(QMetaType::type(pointer.constData()), id);
         QCOMPARE(QMetaType::metaObjectForType(id)->className(), row.name);
+        // Asking once more for the registration gives the type that is there.
+        using Pointer = QtMetaTypePrivate::QMetaTypeFunctionHelper<QObject *>;
+        QCOMPARE(QMetaType::registerNormalizedType(pointer, Pointer::Destruct, Pointer::Construct,
+                                                   int(sizeof(QObject *)), QMetaType::typeFlags(id),
+                                                   QMetaType::metaObjectForType(id)),
+                 id);
         ids.insert(id);
     }
     QCOMPARE(ids.size(), 40);
+    QCOMPARE(qRegisterMetaType<RyShapeRiggingAdjuster *>("RyShapeRiggingAdjuster*"),
+             QMetaType::type("RyShapeRiggingAdjuster*"));
 }
 
 void RyJointToolsPluginTest::createsEveryClass()
@@ -452,6 +466,17 @@ void RyJointToolsPluginTest::unloadsQuietly()
     QVERIFY(m_manager->loadLibrary(QStringLiteral(RY_PLUGIN_FILE)));
     QCOMPARE(int(m_manager->factories().size()), 40);
     m_manager.reset();
+}
+
+void RyJointToolsPluginTest::unloadsInAProcessOfItsOwn()
+{
+    QProcess process;
+    process.start(QStringLiteral(RY_UNLOADING_PROGRAM), {QStringLiteral(RY_PLUGIN_FILE)});
+    QVERIFY(process.waitForStarted());
+    QVERIFY(process.waitForFinished(60000));
+    QVERIFY2(process.exitStatus() == QProcess::NormalExit, process.readAllStandardError().constData());
+    QCOMPARE(process.readAllStandardOutput(), QByteArray("loaded 40 classes\nmapped: yes\nmapped: no\n"));
+    QCOMPARE(process.exitCode(), 0);
 }
 
 RY_TEST(RyJointToolsPluginTest)

@@ -254,6 +254,7 @@ void RyJointEditorToolSelectionTest::selectionEndsTheDrag()
 {
     RyToolScene scene;
     scene.select(scene.lShin);
+    scene.hover(44);
     scene.press(44, {400, 300});
     scene.move({430, 310});
     const RyVec3 dragged = scene.lShin->getEndPoint();
@@ -269,6 +270,7 @@ void RyJointEditorToolSelectionTest::selectionEndsTheDrag()
     QVERIFY(!ryUndoStack()->isHoldOpen());
     QCOMPARE(scene.tool->hoveredId(), 0);
     QCOMPARE(scene.lShin->editLevel(), 0);
+    QCOMPARE(scene.viewport->toolTip, QString());
     QCOMPARE(scene.lShin->getEndPoint(), dragged);
     QCOMPARE(ryUndoStack()->count(), 1);
     QVERIFY(!scene.move({500, 310}));

@@ -318,6 +318,13 @@ void RyJointEditorToolStateTest::valuesSurvive()
         tool.setGhostBones(true);
         tool.setSelectedColor(QColor(1, 2, 3));
     }
+    // The file alone, in another place, which nothing was ever written to from here.
+    QTemporaryDir folder;
+    const QStringList files = QDir(store.folder.path()).entryList(QDir::Files);
+    QVERIFY(!files.isEmpty());
+    for (const QString &file : files)
+        QVERIFY(QFile::copy(store.folder.filePath(file), folder.filePath(file)));
+    RyAppSettings::setSettingsPath(folder.path());
     RyJointEditorTool next;
     QCOMPARE(next.display().sphereOpacity, 123);
     QVERIFY(next.display().ghostBones);

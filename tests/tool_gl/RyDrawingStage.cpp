@@ -64,3 +64,24 @@ std::vector<RyGLRecorder::Primitive> RyDrawingStage::bodies(const RyGLRecorder &
     }
     return found;
 }
+
+QVector<float> RyDrawingStage::glState()
+{
+    QVector<float> values;
+    for (GLenum name :
+         {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH, GL_POINT_SIZE,
+          GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK, GL_MATRIX_MODE}) {
+        float value = 0;
+        glGetFloatv(name, &value);
+        values.append(value);
+    }
+    float many[16] = {};
+    glGetFloatv(GL_POLYGON_MODE, many);
+    values << many[0] << many[1];
+    glGetFloatv(GL_MODELVIEW_MATRIX, many);
+    for (float value : many)
+        values.append(value);
+    for (GLenum capability : {GL_LIGHTING, GL_DEPTH_TEST, GL_LINE_STIPPLE, GL_BLEND, GL_CULL_FACE})
+        values.append(float(glIsEnabled(capability)));
+    return values;
+}

@@ -25,6 +25,10 @@ public:
     /// The 24 vertices of bone bodies, in order of drawing.
     static std::vector<RyGLRecorder::Primitive> bodies(const RyGLRecorder &recording);
 
+    /// The state of the context that a drawing has to leave as it was: depths of the stacks, modelview matrix, line, point
+    /// and polygon settings, switches.
+    static QVector<float> glState();
+
     static constexpr int PickPass = 11;
 
 private:

@@ -41,6 +41,9 @@ private slots:
     void tipIsThePosedEndPoint();
     void unalignedBoneMissesItsEnd();
     void backwards();
+    void turnedAxes_data();
+    void turnedAxes();
+    void alignedBonesByTheirCoordinates();
     void bodyShape();
     void stateOfABone();
     void bodyColors();
@@ -174,6 +177,76 @@ void RyBoneDrawingTest::backwards()
     bone->setRotationOrder(RyRotationOrder(2)); // YXZ: backwards along Y
     body = RyDrawingStage::bodies(*stage.draw()).at(0);
     QVERIFY(isNear(body.vertices[3], RyVec3(0, -std::sqrt(425.0f), 0)));
+}
+
+void RyBoneDrawingTest::turnedAxes_data()
+{
+    QTest::addColumn<RyVec3>("about");
+    QTest::addColumn<double>("degrees");
+    QTest::addColumn<RyVec3>("way"); // where the first axis, Y, points then
+    QTest::newRow("half turn about X") << RyVec3(1, 0, 0) << 180.0 << RyVec3(0, -1, 0);
+    QTest::newRow("half turn about Z") << RyVec3(0, 0, 1) << 180.0 << RyVec3(0, -1, 0);
+    QTest::newRow("almost") << RyVec3(0, 0, 1) << 170.0 << RyVec3(0, 0, 0);
+    QTest::newRow("not turned") << RyVec3(1, 0, 0) << 0.0 << RyVec3(0, 1, 0);
+}
+
+void RyBoneDrawingTest::turnedAxes()
+{
+    QFETCH(RyVec3, about);
+    QFETCH(double, degrees);
+    QFETCH(RyVec3, way);
+    RyDrawingStage stage;
+    stage.tool->setBoneDrawMode(RyJointEditorTool::SelectedBone);
+    // Orientations take left-handed angles; half a turn is the same either way round.
+    const double angle = degrees * M_PI / 180.0;
+    const RyQuat turn(about, float(-angle));
+    if (way == RyVec3())
+        way = RyVec3(float(-std::sin(angle)), float(std::cos(angle)), 0);
+    const RyVec3 origin(4, 60, -3);
+    RyBone *bone = RyToolScene::makeBone(stage.figure, "turned", origin, origin + way * 25.0f);
+    bone->setRotationOrder(RyRotationOrder(3)); // YZX
+    bone->setOrientation(turn, true);
+    QVERIFY(isNear(bone->getOrientation().multVec(RyVec3(0, 1, 0)), way, 1e-5f));
+    stage.select(bone);
+    const auto body = RyDrawingStage::bodies(*stage.draw()).at(0);
+    // The end point is below the origin, and so is the tip, since the bone's own axis points down.
+    QVERIFY(isNear(tipOf(stage, body), origin + way * 25.0f, 1e-2f));
+    QVERIFY(isNear(stage.world(body, 0), origin, 1e-2f));
+
+    // The other way round it is drawn against its axis.
+    bone->setEndPoint(origin - way * 25.0f);
+    QVERIFY(isNear(tipOf(stage, RyDrawingStage::bodies(*stage.draw()).at(0)), origin - way * 25.0f, 1e-2f));
+
+    // Posed: the same places through plain matrices, of the figure's turn about Y and its way along X.
+    bone->setEndPoint(origin + way * 25.0f);
+    stage.figure->getYRotControl()->setValue(40.0f);
+    stage.figure->getXTransControl()->setValue(7.0f);
+    const double c = std::cos(40.0 * M_PI / 180.0);
+    const double s = std::sin(40.0 * M_PI / 180.0);
+    const RyVec3 end = origin + way * 25.0f;
+    const RyVec3 expected(float(c * double(end.x) + s * double(end.z) + 7.0), end.y,
+                          float(-s * double(end.x) + c * double(end.z)));
+    QVERIFY(isNear(tipOf(stage, RyDrawingStage::bodies(*stage.draw()).at(0)), expected, 1e-2f));
+}
+
+void RyBoneDrawingTest::alignedBonesByTheirCoordinates()
+{
+    RyDrawingStage stage;
+    stage.tool->setBoneDrawMode(RyJointEditorTool::SelectedBone);
+    RyBone *bone = RyToolScene::makeBone(stage.figure, "aligned", {0, 0, 0}, {1, 0, 0});
+    stage.select(bone);
+    const RyVec3 ends[] = {{20, 5, -3}, {-20, 5, -3}, {3, 20, 9}, {3, -20, 9}, {-5, 7, 20}, {5, 7, -20}};
+    for (int order = 0; order < 6; ++order) {
+        bone->setRotationOrder(RyRotationOrder(order));
+        const int first = bone->getRotationOrder()[0];
+        for (const RyVec3 &end : ends) {
+            bone->setEndPoint(end);
+            alignNode(bone);
+            const auto body = RyDrawingStage::bodies(*stage.draw()).at(0);
+            QVERIFY(body.vertices[3][first] * end[first] > 0.0f);
+            QVERIFY(isNear(tipOf(stage, body), end, 1e-2f));
+        }
+    }
 }
 
 void RyBoneDrawingTest::bodyShape()
@@ -338,7 +411,7 @@ void RyBoneDrawingTest::ghosts()
     QCOMPARE(RyDrawingStage::bodies(*stage.draw(RyDrawingStage::PickPass)).size(), size_t(5));
 
     // Which way a ghost points is taken from the current values: this one is turned round by them.
-    stage.lShin->setEndPoint({12, 10, 0});
+    stage.lShin->setEndPoint({11.5f, 90, 4});
     const auto turned = RyDrawingStage::bodies(*stage.draw()).at(5); // after three pairs of a bone and its ghost
     QVERIFY(turned.color().isNear(ghost));
     const RyVec3 origin = stage.lShin->getOrigin(true);

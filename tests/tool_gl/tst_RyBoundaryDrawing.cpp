@@ -109,6 +109,8 @@ private slots:
     void pointSizes();
     void notInPickPassNorWhenOff();
     void comesLast();
+    void stateIsLeftAsItWas_data();
+    void stateIsLeftAsItWas();
 };
 
 void RyBoundaryDrawingTest::initTestCase()
@@ -236,6 +238,37 @@ void RyBoundaryDrawingTest::comesLast()
     const auto recording = stage.draw();
     QCOMPARE(recording->primitives.back().color(), rgbaFloats(255, 255, 255, double(0.4f)));
     QCOMPARE(recording->primitives.back().vertices.size(), size_t(16));
+}
+
+void RyBoundaryDrawingTest::stateIsLeftAsItWas_data()
+{
+    QTest::addColumn<int>("style");
+    QTest::addColumn<QString>("node");
+    QTest::newRow("lines of the group") << 1 << "lShin";
+    QTest::newRow("points of the group") << 0 << "lShin";
+    QTest::newRow("lines of the mesh") << 1 << "lFoot";
+    QTest::newRow("points of the mesh") << 0 << "lFoot";
+}
+
+void RyBoundaryDrawingTest::stateIsLeftAsItWas()
+{
+    QFETCH(int, style);
+    QFETCH(QString, node);
+    BoundaryStage stage;
+    stage.tool->setBoneDrawMode(RyJointEditorTool::EntireFigure);
+    stage.tool->setBoundaryStyle(style);
+    stage.select(ryScene()->findNode(node));
+    glLineWidth(4.0f);
+    glPointSize(3.0f);
+    glLineStipple(2, 0x0F0F);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    QVERIFY(!stage.boundary(*stage.draw(), style == 1 ? GL_LINES : GL_POINTS).empty());
+    const QVector<float> before = RyDrawingStage::glState();
+    stage.draw();
+    QCOMPARE(RyDrawingStage::glState(), before);
+    QCOMPARE(glGetError(), GLenum(GL_NO_ERROR));
+    glLineWidth(1.0f);
+    glPointSize(1.0f);
 }
 
 RY_TEST(RyBoundaryDrawingTest)

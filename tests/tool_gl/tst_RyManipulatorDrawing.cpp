@@ -55,6 +55,7 @@ private slots:
     void balls();
     void sizesFollowTheCamera();
     void density();
+    void storedDensityOfZero();
     void hiddenManipulators();
     void highlight();
     void colors();
@@ -210,10 +211,27 @@ void RyManipulatorDrawingTest::density()
     };
     QVERIFY(strips(60) > strips(10));
     QVERIFY(strips(1) > 0);
-    // A stored 0 counts as 1, and 1 can be drawn.
-    RyAppSettings(QStringLiteral("Joint Editor Tool")).setIntValue(QStringLiteral("SphereDensity"), 0);
-    RyJointEditorTool second;
-    QCOMPARE(second.display().sphereLineDensity, 1);
+}
+
+void RyManipulatorDrawingTest::storedDensityOfZero()
+{
+    // What the balls are made of, by the density that a new tool finds in the settings.
+    const auto ball = [](int stored) {
+        RyDrawingStage stage;
+        RyAppSettings(QStringLiteral("Joint Editor Tool")).setIntValue(QStringLiteral("SphereDensity"), stored);
+        stage.manager->deleteTools();
+        stage.tool = new RyJointEditorTool;
+        stage.manager->addTool(stage.tool);
+        stage.select(stage.lShin);
+        std::vector<RyVec3> vertices;
+        for (const auto &strip : ofId(*stage.draw(RyDrawingStage::PickPass), GL_TRIANGLE_STRIP, 1))
+            vertices.insert(vertices.end(), strip.vertices.begin(), strip.vertices.end());
+        return vertices;
+    };
+    const std::vector<RyVec3> ofZero = ball(0);
+    QVERIFY(!ofZero.empty());
+    QVERIFY(ofZero == ball(1));
+    QVERIFY(ofZero.size() < ball(12).size());
 }
 
 void RyManipulatorDrawingTest::hiddenManipulators()
@@ -322,30 +340,11 @@ void RyManipulatorDrawingTest::stateIsLeftAsItWas()
     glPointSize(3.0f);
     glLineStipple(2, 0x0F0F);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    const auto state = [] {
-        QVector<float> values;
-        for (GLenum name :
-             {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH, GL_POINT_SIZE,
-              GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK, GL_MATRIX_MODE}) {
-            float value = 0;
-            glGetFloatv(name, &value);
-            values.append(value);
-        }
-        float many[16] = {};
-        glGetFloatv(GL_POLYGON_MODE, many);
-        values << many[0] << many[1];
-        glGetFloatv(GL_MODELVIEW_MATRIX, many);
-        for (float value : many)
-            values.append(value);
-        for (GLenum capability : {GL_LIGHTING, GL_DEPTH_TEST, GL_LINE_STIPPLE, GL_BLEND, GL_CULL_FACE})
-            values.append(float(glIsEnabled(capability)));
-        return values;
-    };
     for (int style : {3, 11}) {
         stage.draw(style); // loads the matrices that the state is compared with
-        const QVector<float> before = state();
+        const QVector<float> before = RyDrawingStage::glState();
         stage.draw(style);
-        QCOMPARE(state(), before);
+        QCOMPARE(RyDrawingStage::glState(), before);
         QCOMPARE(glGetError(), GLenum(GL_NO_ERROR));
     }
     glLineWidth(1.0f);
