@@ -11,8 +11,10 @@
 #include "rycore/undo/RyUndoStackLock.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -28,6 +30,21 @@ bool refuse(QString *error, const QString &message)
     return false;
 }
 
+/// The name, or with the first free number from 2 on when a top-level node of the scene has it.
+QString freeTopLevelName(const RyScene &scene, const QString &name)
+{
+    QSet<QString> taken;
+    for (const RyNode *node : scene.getTopLevelNodes())
+        taken.insert(node->getName());
+    if (!taken.contains(name))
+        return name;
+    const QString stem = RyScene::stripNameNumber(name);
+    int number = 2;
+    while (taken.contains(stem + QString::number(number)))
+        ++number;
+    return stem + QString::number(number);
+}
+
 void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneDocument> document,
                   bool merge)
 {
@@ -38,7 +55,7 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
     }
     for (const RyRef<RyNode> &top : tops) {
         if (merge)
-            top->setName(RyScene::getUniqueTopLevelName(top->getName()));
+            top->setName(freeTopLevelName(*scene, top->getName()));
         scene->addNode(top.get());
     }
     if (!merge || !scene->getDocument())
@@ -95,10 +112,14 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     std::unique_ptr<RyGltfSceneDocument> sceneDocument;
     {
         RyUndoStackLock lock;
-        RyGltfSceneReader reader(std::move(document), path, options.unit);
-        reader.build(messages);
-        tops = reader.topLevelNodes();
-        sceneDocument = reader.takeDocument();
+        try {
+            RyGltfSceneReader reader(std::move(document), path, options.unit);
+            reader.build(messages);
+            tops = reader.topLevelNodes();
+            sceneDocument = reader.takeDocument();
+        } catch (const std::bad_alloc &) {
+            return refuse(error, QStringLiteral("%1: the file needs more memory than this machine has").arg(path));
+        }
     }
     if (tops.empty())
         return refuse(error, QStringLiteral("%1: the file holds neither joints nor meshes").arg(path));
@@ -126,16 +147,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
         ryUndoStack()->setClean();
         return true;
     }
-    RyGltfSceneWriter writer(*source);
-    const std::unique_ptr<RyGltfDocument> document = writer.patch(*scene, messages);
-    // Nodes that the file does not know: merged files, new props.
-    RyGltfSceneExporter exporter(*document, source->unitFactor());
-    for (const RyNode *top : scene->getTopLevelNodes()) {
-        if (!source->findSource(top) && !source->findFigureSource(top))
-            exporter.addTree(*top);
-    }
-    if (!exporter.nodes().empty())
-        writer.storeExtras(*document, &exporter);
+    const std::unique_ptr<RyGltfDocument> document = RyGltfSceneWriter(*source, *scene).patch(messages);
     if (!document->write(path, error))
         return false;
     ryUndoStack()->setClean();

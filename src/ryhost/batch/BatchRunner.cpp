@@ -43,6 +43,7 @@ ExitCode BatchRunner::run(const BatchArguments &arguments)
     for (; next < arguments.steps.size() && arguments.steps.at(next).verb == BatchStep::Unit; ++next)
         m_unit = arguments.steps.at(next).number;
     ExitCode code = open(arguments.file, false);
+    m_unit = 0.0;
     for (; next < arguments.steps.size() && code == ExitCode::Done; ++next)
         code = runStep(arguments.steps.at(next));
     return code;

@@ -93,11 +93,11 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
     rest.bind.resize(boneCount);
     rest.localPose.resize(boneCount);
     std::vector<bool> known(boneCount, false);
-    double reach = 0.0; // how far the joints stand apart, by which positions are compared
+    double reach = 0.0; // how far the joints stand apart and from the world's origin, by which positions are compared
     for (size_t i = 0; i < boneCount; ++i) {
         for (int axis = 0; axis < 3; ++axis) {
-            reach = std::max(reach, std::abs(worldMaps[size_t(set.bones[i])].m[3][axis] -
-                                             worldMaps[size_t(set.bones[0])].m[3][axis]));
+            const double place = worldMaps[size_t(set.bones[i])].m[3][axis];
+            reach = std::max({reach, std::abs(place - worldMaps[size_t(set.bones[0])].m[3][axis]), 0.01 * std::abs(place)});
         }
     }
 
