@@ -147,7 +147,16 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
         ryUndoStack()->setClean();
         return true;
     }
-    const std::unique_ptr<RyGltfDocument> document = RyGltfSceneWriter(*source, *scene).patch(messages);
+    RyGltfSceneWriter writer(*source);
+    const std::unique_ptr<RyGltfDocument> document = writer.patch(*scene, messages);
+    // Nodes that the file does not know: merged files, new props.
+    RyGltfSceneExporter exporter(*document, source->unitFactor());
+    for (const RyNode *top : scene->getTopLevelNodes()) {
+        if (!source->findSource(top) && !source->findFigureSource(top))
+            exporter.addTree(*top);
+    }
+    if (!exporter.nodes().empty())
+        writer.storeExtras(*document, &exporter);
     if (!document->write(path, error))
         return false;
     ryUndoStack()->setClean();
