@@ -85,3 +85,19 @@ QVector<float> RyDrawingStage::glState()
         values.append(float(glIsEnabled(capability)));
     return values;
 }
+
+void RyDrawingStage::setUncommonState()
+{
+    glLineWidth(4.0f);
+    glPointSize(3.0f);
+    glLineStipple(2, 0x0F0F);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+}
+
+void RyDrawingStage::setCommonState()
+{
+    glLineWidth(1.0f);
+    glPointSize(1.0f);
+    glLineStipple(1, 0xFFFF);
+    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+}

@@ -28,6 +28,9 @@ public:
     /// The state of the context that a drawing has to leave as it was: depths of the stacks, modelview matrix, line, point
     /// and polygon settings, switches.
     static QVector<float> glState();
+    /// Line, point and polygon settings that no drawing asks for, and the ones that GL begins with.
+    static void setUncommonState();
+    static void setCommonState();
 
     static constexpr int PickPass = 11;
 

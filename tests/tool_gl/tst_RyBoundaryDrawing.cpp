@@ -258,17 +258,14 @@ void RyBoundaryDrawingTest::stateIsLeftAsItWas()
     stage.tool->setBoneDrawMode(RyJointEditorTool::EntireFigure);
     stage.tool->setBoundaryStyle(style);
     stage.select(ryScene()->findNode(node));
-    glLineWidth(4.0f);
-    glPointSize(3.0f);
-    glLineStipple(2, 0x0F0F);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    // Loads the matrices that the state is compared with; what this leaves behind is set anew.
     QVERIFY(!stage.boundary(*stage.draw(), style == 1 ? GL_LINES : GL_POINTS).empty());
+    RyDrawingStage::setUncommonState();
     const QVector<float> before = RyDrawingStage::glState();
     stage.draw();
     QCOMPARE(RyDrawingStage::glState(), before);
     QCOMPARE(glGetError(), GLenum(GL_NO_ERROR));
-    glLineWidth(1.0f);
-    glPointSize(1.0f);
+    RyDrawingStage::setCommonState();
 }
 
 RY_TEST(RyBoundaryDrawingTest)

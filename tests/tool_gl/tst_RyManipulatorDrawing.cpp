@@ -336,19 +336,16 @@ void RyManipulatorDrawingTest::stateIsLeftAsItWas()
     RyDrawingStage stage;
     stage.tool->setGhostBones(true);
     stage.select(stage.lShin);
-    glLineWidth(4.0f);
-    glPointSize(3.0f);
-    glLineStipple(2, 0x0F0F);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     for (int style : {3, 11}) {
-        stage.draw(style); // loads the matrices that the state is compared with
+        // Loads the matrices that the state is compared with; what this leaves behind is set anew.
+        stage.draw(style);
+        RyDrawingStage::setUncommonState();
         const QVector<float> before = RyDrawingStage::glState();
         stage.draw(style);
         QCOMPARE(RyDrawingStage::glState(), before);
         QCOMPARE(glGetError(), GLenum(GL_NO_ERROR));
     }
-    glLineWidth(1.0f);
-    glPointSize(1.0f);
+    RyDrawingStage::setCommonState();
 }
 
 void RyManipulatorDrawingTest::order()
