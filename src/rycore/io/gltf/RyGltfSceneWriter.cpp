@@ -22,7 +22,14 @@ RyAffine scaleBy(double factor)
     return RyAffine::fromScale(factor, factor, factor);
 }
 
-void appendSixteen(const RyAffine &map, std::vector<float> &values)
+const RyFacetShape *shapeOf(const RyNode *node)
+{
+    return qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
+}
+
+} // namespace
+
+void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values)
 {
     for (int row = 0; row < 4; ++row) {
         for (int column = 0; column < 3; ++column)
@@ -30,13 +37,6 @@ void appendSixteen(const RyAffine &map, std::vector<float> &values)
         values.push_back(row == 3 ? 1.0f : 0.0f);
     }
 }
-
-const RyFacetShape *shapeOf(const RyNode *node)
-{
-    return qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
-}
-
-} // namespace
 
 RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact)
 {
@@ -74,8 +74,11 @@ RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *ex
 
 bool RyGltfSceneWriter::isEdited(const RyScene &) const
 {
+    if (!newNodes().empty())
+        return true;
     for (const RyGltfNodeSource &source : m_source.nodes) {
-        if (source.sceneNode && (!(RyNodeValues::of(*source.sceneNode) == source.loaded) ||
+        if (source.sceneNode && (!source.sceneNode->getScene() ||
+                                 !(RyNodeValues::of(*source.sceneNode) == source.loaded) ||
                                  RyRiggingExtras::nodeText(*source.sceneNode) != source.riggingText)) {
             return true;
         }
@@ -108,6 +111,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
     }
     collectEdits();
     writeNodes();
+    addNewNodes();
     for (const RyGltfFigureSource &figure : m_source.figures) {
         if (!figure.sceneNode || figure.skins.empty())
             continue;
@@ -145,6 +149,19 @@ void RyGltfSceneWriter::collectEdits()
         }
         edit.poseChanged = !edit.now.samePose(source.loaded);
         m_edits[source.node] = edit;
+        if (!source.sceneNode->getScene() && m_messages) {
+            m_messages->append(QStringLiteral("\"%1\" was removed from the scene; the file keeps it")
+                                   .arg(source.sceneNode->getName()));
+        }
+    }
+    // A node that does not inherit scale holds its parent's against it: it changes with every pose above it.
+    for (auto &[index, edit] : m_edits) {
+        if (edit.source->sceneNode->inheritsScale())
+            continue;
+        for (const auto &[otherIndex, other] : m_edits) {
+            if (other.poseChanged && edit.source->sceneNode->isDescendantOf(other.source->sceneNode))
+                edit.poseChanged = true;
+        }
     }
 }
 
@@ -160,7 +177,11 @@ RyAffine RyGltfSceneWriter::localPoseNow(const Edit &edit) const
 
 void RyGltfSceneWriter::writeNodes()
 {
-    for (const auto &[index, edit] : m_edits) {
+    for (const int index : ryGltfPreOrder(m_source.document->model())) { // what stands above is written first
+        const auto found = m_edits.find(index);
+        if (found == m_edits.end())
+            continue;
+        const Edit &edit = found->second;
         writeNode(edit);
         if (edit.now.name != edit.source->loaded.name)
             m_document->setNodeName(index, edit.now.name);
@@ -174,22 +195,43 @@ void RyGltfSceneWriter::writeNode(const Edit &edit)
     const RyNode &node = *edit.source->sceneNode;
     const int fileParent = m_source.document->model().nodes[size_t(edit.source->node)].parent;
     const auto above = m_edits.find(fileParent);
-    if (above != m_edits.end()) {
+    if (above != m_edits.end() && above->second.source->sceneNode == node.getNodeParent()) {
         if (!edit.restChanged && !edit.poseChanged && !above->second.restChanged)
             return;
-        setLocal(edit.source->node, edit.bind * localPoseNow(edit) * above->second.bind.inverse());
+        RyAffine toParent;
+        if (above->second.bind.invert(toParent))
+            setLocal(edit.source->node, edit.bind * localPoseNow(edit) * toParent);
+        else
+            keepSingular(node);
         return;
     }
-    // A root: what the figure's own transform adds comes in here.
+    // A root, or a node that hangs elsewhere in the scene than in the file: it is put where the scene has it in the
+    // world, the figure's own transform included.
+    const bool hangsElsewhere = above != m_edits.end() && above->second.source->isBone && edit.source->isBone;
     const RyNode *parent = node.getNodeParent();
     const RyAffine own = parent ? parent->worldMap() : RyAffine();
-    if (!edit.restChanged && !edit.poseChanged && own == RyAffine())
-        return;
     RyAffine parentWorld;
-    for (int at = fileParent; at >= 0; at = m_source.document->model().nodes[size_t(at)].parent)
-        parentWorld = parentWorld * m_source.document->model().nodes[size_t(at)].transform.toAffine();
-    setLocal(edit.source->node,
-             edit.bind * localPoseNow(edit) * own * scaleBy(1.0 / m_source.unit) * parentWorld.inverse());
+    bool parentWasWritten = false;
+    for (int at = fileParent; at >= 0; at = m_document->model().nodes[size_t(at)].parent) {
+        parentWorld = parentWorld * m_document->model().nodes[size_t(at)].transform.toAffine();
+        parentWasWritten |= std::find(m_rewritten.begin(), m_rewritten.end(), at) != m_rewritten.end();
+    }
+    if (!edit.restChanged && !edit.poseChanged && !hangsElsewhere && !parentWasWritten && own == RyAffine())
+        return;
+    RyAffine toParent;
+    if (parentWorld.invert(toParent))
+        setLocal(edit.source->node, edit.bind * localPoseNow(edit) * own * scaleBy(1.0 / m_source.unit) * toParent);
+    else
+        keepSingular(node);
+}
+
+void RyGltfSceneWriter::keepSingular(const RyNode &node)
+{
+    if (m_messages) {
+        m_messages->append(QStringLiteral("\"%1\" hangs in the file on a node that is scaled to nothing; its place there "
+                                          "stays as it was")
+                               .arg(node.getName()));
+    }
 }
 
 void RyGltfSceneWriter::writeUnlistedChildren(const Edit &edit)
@@ -234,31 +276,33 @@ void RyGltfSceneWriter::writeInverseBinds(const RyGltfFigureSource &figure)
     const RyGltfModel &model = m_source.document->model();
     for (const RyGltfSkinSource &skinSource : figure.skins) {
         const RyGltfSkin &skin = model.skins[size_t(skinSource.skin)];
-        std::vector<float> values = m_source.document->readFloats(skin.inverseBindMatrices);
+        const int accessorNow = m_document->model().skins[size_t(skinSource.skin)].inverseBindMatrices;
+        std::vector<float> values = m_document->readFloats(accessorNow);
         bool changed = false;
         for (size_t j = 0; j < skin.joints.size(); ++j) {
             const auto edit = m_edits.find(skin.joints[j]);
             if (edit == m_edits.end() || !edit->second.restChanged || 16 * j + 16 > values.size())
                 continue;
             std::vector<float> sixteen;
-            appendSixteen(skinSource.toFigure * edit->second.bind.inverse(), sixteen);
+            ryGltfAppendMatrix(skinSource.toFigure * edit->second.bind.inverse(), sixteen);
             std::copy(sixteen.begin(), sixteen.end(), values.begin() + long(16 * j));
             changed = true;
         }
         if (!changed)
             continue;
-        const int accessor = m_document->replaceFloats(skin.inverseBindMatrices, values);
-        if (accessor != skin.inverseBindMatrices)
+        const int accessor = m_document->replaceFloats(accessorNow, values);
+        if (accessor != accessorNow)
             m_document->setSkinInverseBindMatrices(skinSource.skin, accessor);
     }
 }
 
 void RyGltfSceneWriter::writeRebound(const RyGltfFigureSource &figure)
 {
-    // The file's bind matrices could not be used. Once a joint's rest was edited, the vertices are written where the scene
-    // has them, in figure space, with bind matrices that say so.
+    // The file's bind matrices could not be used. Once a joint was edited, the vertices are written where the scene has
+    // them, in figure space, with bind matrices that say so.
     const bool edited = std::any_of(m_edits.begin(), m_edits.end(), [&](const auto &entry) {
-        return entry.second.restChanged && entry.second.source->sceneNode->getSkeleton() == figure.sceneNode.data();
+        return (entry.second.restChanged || entry.second.poseChanged) &&
+               entry.second.source->sceneNode->getSkeleton() == figure.sceneNode.data();
     });
     const RyFacetShape *shape = shapeOf(figure.sceneNode);
     if (!edited || !shape || !shape->getParts())
@@ -269,16 +313,18 @@ void RyGltfSceneWriter::writeRebound(const RyGltfFigureSource &figure)
     std::map<std::pair<int, int>, int> uses;
     for (const RyGltfPartSource &part : figure.parts)
         ++uses[{part.mesh, part.primitive}];
+    for (const auto &[meshAndPrimitive, count] : uses) {
+        if (count == 1)
+            continue;
+        if (m_messages) {
+            m_messages->append(QStringLiteral("The mesh \"%1\" is used by several skins whose bind matrices cannot be used; "
+                                              "its vertices and bind matrices stay as the file has them")
+                                   .arg(model.meshes[size_t(meshAndPrimitive.first)].name));
+        }
+        return;
+    }
     for (size_t p = 0; p < figure.parts.size(); ++p) {
         const RyGltfPartSource &part = figure.parts[p];
-        if (uses[{part.mesh, part.primitive}] > 1) {
-            if (m_messages) {
-                m_messages->append(QStringLiteral("The mesh \"%1\" is used by several skins whose bind matrices cannot be "
-                                                  "used; its vertices stay as the file has them")
-                                       .arg(model.meshes[size_t(part.mesh)].name));
-            }
-            continue;
-        }
         const RyGltfPrimitive &primitive = model.meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
         std::vector<float> points, directions;
         for (const int vertex : shape->getParts()->parts[p].vertexOfSplit) {
@@ -295,11 +341,17 @@ void RyGltfSceneWriter::writeRebound(const RyGltfFigureSource &figure)
         }
     }
     for (const RyGltfSkinSource &skinSource : figure.skins) {
-        std::vector<float> values;
-        for (const int joint : model.skins[size_t(skinSource.skin)].joints) {
-            const auto edit = m_edits.find(joint);
-            appendSixteen(edit == m_edits.end() ? RyAffine() : scaleBy(m_source.unit) * edit->second.bind.inverse(),
-                          values);
+        // New bones have their matrices behind those of the file's joints.
+        const int accessor = m_document->model().skins[size_t(skinSource.skin)].inverseBindMatrices;
+        std::vector<float> values = accessor < 0 ? std::vector<float>() : m_document->readFloats(accessor);
+        const std::vector<int> &joints = model.skins[size_t(skinSource.skin)].joints;
+        values.resize(std::max(values.size(), 16 * joints.size()), 0.0f);
+        for (size_t j = 0; j < joints.size(); ++j) {
+            const auto edit = m_edits.find(joints[j]);
+            std::vector<float> sixteen;
+            ryGltfAppendMatrix(edit == m_edits.end() ? RyAffine() : scaleBy(m_source.unit) * edit->second.bind.inverse(),
+                               sixteen);
+            std::copy(sixteen.begin(), sixteen.end(), values.begin() + long(16 * j));
         }
         m_document->setSkinInverseBindMatrices(skinSource.skin, m_document->addFloatAccessor(values, 16, 0));
     }
@@ -331,9 +383,14 @@ std::map<const RyNode *, const RyNode *> RyGltfSceneWriter::findAnchors() const
 void RyGltfSceneWriter::storeExtras(RyGltfDocument &document, const RyGltfSceneExporter *added)
 {
     const std::map<const RyNode *, const RyNode *> anchors = findAnchors();
-    const auto anchorOf = [&anchors](const RyNode &bone) {
-        const auto found = anchors.find(&bone);
-        return found == anchors.end() ? &bone : found->second;
+    const auto anchorOf = [&anchors](const RyNode &bone) -> const RyNode * {
+        // A bone that was made here became a joint of the skin of those above it.
+        for (const RyNode *node = &bone; node; node = node->getNodeParent()) {
+            const auto found = anchors.find(node);
+            if (found != anchors.end())
+                return found->second;
+        }
+        return &bone;
     };
     std::vector<int> nodes;
     std::vector<const RyNode *> sceneNodes;
@@ -344,6 +401,11 @@ void RyGltfSceneWriter::storeExtras(RyGltfDocument &document, const RyGltfSceneE
         RyRiggingExtras::storeNode(document, source.node, *source.sceneNode, anchorOf, source.isBone ? nullptr : &place);
         nodes.push_back(source.node);
         sceneNodes.push_back(source.sceneNode);
+    }
+    for (const auto &[node, index] : m_added) {
+        RyRiggingExtras::storeNode(document, index, *node, anchorOf);
+        nodes.push_back(index);
+        sceneNodes.push_back(node);
     }
     // In the order in which they will be read: all figures with skins, then all props.
     std::vector<const RyNode *> figures, props;

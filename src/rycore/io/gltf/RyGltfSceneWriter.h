@@ -32,10 +32,15 @@ private:
         bool poseChanged = false;
     };
 
+    /// Nodes below a figure or prop of the file that the file does not hold, parents first.
+    std::vector<const RyNode *> newNodes() const;
     void collectEdits();
     RyAffine localPoseNow(const Edit &edit) const;
     void writeNodes();
     void writeNode(const Edit &edit);
+    void keepSingular(const RyNode &node);
+    void addNewNodes();
+    void addJoints(int skin, const std::vector<const RyNode *> &bones, const std::map<const RyNode *, RyAffine> &binds);
     void writeUnlistedChildren(const Edit &edit);
     void setLocal(int node, const RyAffine &local);
     void writeInverseBinds(const RyGltfFigureSource &figure);
@@ -47,6 +52,8 @@ private:
     const RyGltfSceneDocument &m_source;
     std::unique_ptr<RyGltfDocument> m_document;
     std::map<int, Edit> m_edits; // by node of the file
+    std::map<const RyNode *, int> m_indexOf; // scene node to node of the patched document
+    std::vector<std::pair<const RyNode *, int>> m_added;
     std::vector<bool> m_isAnimated;
     std::vector<int> m_rewritten;
     QStringList *m_messages = nullptr;
@@ -55,3 +62,6 @@ private:
 /// A node transform that holds a map: translation, rotation and scale where they can say it (`exact` tells), otherwise the
 /// nearest, or the matrix itself with `asMatrix`.
 RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact = nullptr);
+
+/// Appends a map as the sixteen numbers of a matrix accessor.
+void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values);
