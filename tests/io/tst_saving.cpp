@@ -143,7 +143,9 @@ private slots:
         const double tips = compareTips(original, reopened);
         QVERIFY(save(reopened.scene, out("again")));
         qInfo("posed within %.3g, reopened %.3g, end points %.3g of the height", shown, again, tips);
-        QVERIFY(std::max({shown, again, tips}) <= 1e-5);
+        // The rounding of ten 16-bit weights adds up.
+        QVERIFY(shown <= (file.counts().maxInfluences > 9 ? 2e-5 : 1e-5));
+        QVERIFY(std::max(again, tips) <= 1e-5);
         QCOMPARE(bytesOf(out("again")), bytesOf(out("posed")));
     }
 

@@ -19,6 +19,7 @@
 #include <QTextStream>
 
 #include <cstring>
+#include <unordered_map>
 
 namespace {
 
@@ -60,8 +61,14 @@ public:
 
     QString text()
     {
-        m_out << "scene time " << int(m_scene.getTime()) << '\n';
-        for (const RyNode *node : m_scene.getNodesInTreeOrder())
+        m_out << "scene time " << int(m_scene.getTime());
+        if (m_scene.getDocument())
+            m_out << " unit " << number(m_scene.getDocument()->unitFactor());
+        m_out << '\n';
+        const std::vector<RyNode *> nodes = m_scene.getNodesInTreeOrder();
+        for (const RyNode *node : nodes)
+            m_numbers.emplace(node, int(m_numbers.size()) + 1);
+        for (const RyNode *node : nodes)
             writeNode(*node);
         m_out << "selection";
         for (const RyNode *node : m_scene.selectedNodeListIterator())
@@ -72,19 +79,20 @@ public:
     }
 
 private:
+    /// The node's number in tree order and its name: paths of deep chains would be as long as the chains.
     QString path(const RyNode *node) const
     {
         if (!node)
             return QStringLiteral("none");
-        QString text = quoted(node->getName());
-        for (const RyNode *above = node->getNodeParent(); above; above = above->getNodeParent())
-            text.prepend(quoted(above->getName()) + QLatin1Char('/'));
-        return text;
+        const auto known = m_numbers.find(node);
+        const QString place = known == m_numbers.end() ? QStringLiteral("?") : QString::number(known->second);
+        return QLatin1Char('#') + place + QLatin1Char(' ') + quoted(node->getName());
     }
 
     void writeNode(const RyNode &node)
     {
-        m_out << "node " << path(&node) << ' ' << node.metaObject()->className();
+        m_out << "node " << path(&node) << " below " << path(node.getNodeParent()) << ' '
+              << node.metaObject()->className();
         if (node.hasOwnLabel())
             m_out << " label " << quoted(node.getLabel());
         if (node.isHidden())
@@ -235,6 +243,7 @@ private:
     }
 
     const RyScene &m_scene;
+    std::unordered_map<const RyNode *, int> m_numbers;
     QString m_text;
     QTextStream m_out;
 };

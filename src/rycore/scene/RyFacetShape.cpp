@@ -15,6 +15,7 @@ public:
         emit m_shape->facetMeshChanged();
     }
     RyUndoKey key() const override { return {m_key, 1}; }
+    bool isAlive() const override { return !m_shape.isNull(); }
 
 private:
     QPointer<RyFacetShape> m_shape;

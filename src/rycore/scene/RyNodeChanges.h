@@ -38,6 +38,7 @@ public:
     }
     void swap() override;
     RyUndoKey key() const override { return ryNodeKey(m_key, m_aspect); }
+    bool isAlive() const override { return !m_node.isNull(); }
 
 private:
     QPointer<RyNode> m_node;
@@ -53,6 +54,7 @@ public:
     explicit RyNodeOrderChange(RyNode *node) : m_node(node), m_key(node), m_order(node->getRotationOrder()) {}
     void swap() override;
     RyUndoKey key() const override { return ryNodeKey(m_key, RyNodeAspect::RotationOrder); }
+    bool isAlive() const override { return !m_node.isNull(); }
 
 private:
     QPointer<RyNode> m_node;
@@ -66,6 +68,7 @@ public:
     explicit RyNodeObjectChange(RyNode *node) : m_node(node), m_key(node), m_object(node->getObject()) {}
     void swap() override;
     RyUndoKey key() const override { return ryNodeKey(m_key, RyNodeAspect::Object); }
+    bool isAlive() const override { return !m_node.isNull(); }
 
 private:
     QPointer<RyNode> m_node;

@@ -16,6 +16,7 @@ public:
         emit m_map->mapChanged();
     }
     RyUndoKey key() const override { return {m_key, 1}; }
+    bool isAlive() const override { return !m_map.isNull(); }
 
 private:
     QPointer<RySelectionMap> m_map;

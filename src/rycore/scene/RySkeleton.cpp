@@ -24,6 +24,7 @@ public:
         emit m_skeleton->selectionMapChanged();
     }
     RyUndoKey key() const override { return {m_key, 100}; }
+    bool isAlive() const override { return !m_skeleton.isNull(); }
 
 private:
     QPointer<RySkeleton> m_skeleton;

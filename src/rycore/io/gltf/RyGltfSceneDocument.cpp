@@ -47,10 +47,12 @@ quint64 ryWeightsHash(const RyNode &node)
     Hash hash;
     const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&node);
     for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        const RyBone *bone = binding->getBone();
-        hash.add(&bone, sizeof bone);
         for (const RyWeightMap *map : binding->getAllWeightMaps()) {
             const int count = map->getNumAffected();
+            if (count == 0)
+                continue; // a bone that moves nothing changes nothing
+            const RyBone *bone = binding->getBone();
+            hash.add(&bone, sizeof bone);
             hash.add(&count, sizeof count);
             hash.add(map->getAffectedIndices(), size_t(count) * sizeof(int));
             hash.add(map->getAffectedWeights(), size_t(count) * sizeof(quint16));

@@ -136,7 +136,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     figure.source.sceneNode = figure.figure;
     m_tops.emplace_back(figure.figure);
 
-    QSet<QString> names;
+    QSet<QString> &names = m_namesBelow[figure.figure];
     for (size_t i = 0; i < figure.joints.bones.size(); ++i) {
         const int node = figure.joints.bones[i];
         const QString &fileName = model.nodes[size_t(node)].name;
@@ -305,6 +305,7 @@ void RyGltfSceneReader::placeBones(Figure &figure)
                                      m_messages);
         sources[i].stretch = linearPart(sources[i].bind) * RyAffine::fromRotation(bone->getOrientation().inverse());
         setPose(sources[i], height);
+        RyRiggingExtras::applyLimits(*m_scene->document, sources[i].node, *bone);
         sources[i].loaded = RyNodeValues::of(*bone);
         sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
     }
@@ -441,7 +442,6 @@ void RyGltfSceneReader::buildProps()
         for (const int child : each.children)
             wanted[size_t(*node)] = wanted[size_t(*node)] || (wanted[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
     }
-    std::map<RyNode *, QSet<QString>> namesBelow;
     for (const int index : m_preOrder) {
         const RyGltfNode &node = model.nodes[size_t(index)];
         if (!wanted[size_t(index)] || m_sceneNodeOf[size_t(index)])
@@ -458,7 +458,7 @@ void RyGltfSceneReader::buildProps()
 
         auto *prop = new RyNode;
         prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
-                                 above ? namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+                                 above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
         RyQuat orientation;
         source.bind.decomposePolar(source.stretch, orientation);
         prop->setOrigin(source.bind.translation(), true);
@@ -502,6 +502,7 @@ void RyGltfSceneReader::buildProps()
         prop->setEndPoint(end, true);
         const float size = std::max(1.0f, (end - prop->getOrigin()).length());
         RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
+        RyRiggingExtras::applyLimits(*m_scene->document, index, *prop);
         source.loaded = RyNodeValues::of(*prop);
         source.riggingText = RyRiggingExtras::nodeText(*prop);
         m_scene->nodes.push_back(std::move(source));
@@ -549,16 +550,18 @@ QString RyGltfSceneReader::uniqueName(const QString &wanted, QSet<QString> &take
     return name;
 }
 
-void RyGltfSceneReader::fillLooks(RyMeshParts &parts) const
+void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
 {
     const RyGltfModel &model = m_scene->document->model();
-    for (const RyGltfMaterial &material : model.materials) {
+    for (size_t i = m_looks.size(); i < model.materials.size(); ++i) { // once; pictures are shared
+        const RyGltfMaterial &material = model.materials[i];
         RyMaterialLook look;
         look.name = material.name;
         look.baseColor = material.baseColor;
         look.doubleSided = material.doubleSided;
         if (material.baseColorTexture >= 0)
             look.texture = QImage::fromData(m_scene->document->imageBytes(material.baseColorTexture));
-        parts.looks.push_back(std::move(look));
+        m_looks.push_back(std::move(look));
     }
+    parts.looks = m_looks;
 }

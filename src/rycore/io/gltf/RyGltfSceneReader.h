@@ -8,6 +8,8 @@
 #include <QSet>
 #include <QStringList>
 
+#include <map>
+
 class RyBone;
 class RyFacetMesh;
 class RyFigure;
@@ -44,7 +46,7 @@ private:
     void placeBones(Figure &figure);
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     void buildProps();
-    void fillLooks(RyMeshParts &parts) const;
+    void fillLooks(RyMeshParts &parts);
     void setPose(RyGltfNodeSource &source, float height);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;
@@ -58,5 +60,7 @@ private:
     std::vector<RyRef<RyNode>> m_tops;
     std::vector<RyNode *> m_sceneNodeOf; // per file node
     QSet<QString> m_topNames;
+    std::map<RyNode *, QSet<QString>> m_namesBelow;
+    std::vector<RyMaterialLook> m_looks;
     QStringList *m_messages = nullptr;
 };

@@ -89,7 +89,8 @@ bool RyGltfSceneWriter::isEdited(const RyScene &) const
             continue;
         const RyFacetShape *shape = shapeOf(node);
         if ((qobject_cast<const RySkeleton *>(node) && !(RyNodeValues::of(*node) == figure.loaded)) ||
-            (shape && RyRiggingExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText) ||
+            (shape && shape->getFacetMesh() &&
+             RyRiggingExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText) ||
             RyRiggingExtras::selectionText(*node) != figure.selectionText) {
             return true;
         }
@@ -102,6 +103,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
 {
     m_messages = messages;
     m_document = m_source.document->clone();
+    reportMeshes();
     if (!isEdited(scene))
         return std::move(m_document);
     m_isAnimated.assign(m_document->model().nodes.size(), false);
@@ -422,6 +424,18 @@ void RyGltfSceneWriter::storeExtras(RyGltfDocument &document, const RyGltfSceneE
     }
     figures.insert(figures.end(), props.begin(), props.end());
     RyRiggingExtras::storeFile(document, m_source.unit, figures, nodes, sceneNodes);
+}
+
+void RyGltfSceneWriter::reportMeshes()
+{
+    for (const RyGltfFigureSource &figure : m_source.figures) {
+        const RyNode *node = figure.sceneNode;
+        if (node && m_messages &&
+            (ryPositionsHash(*node) != figure.positionsHash || ryWeightsHash(*node) != figure.weightsHash)) {
+            m_messages->append(QStringLiteral("The vertices or weights of \"%1\" were changed; the file keeps its own")
+                                   .arg(node->getName()));
+        }
+    }
 }
 
 void RyGltfSceneWriter::reportClips()

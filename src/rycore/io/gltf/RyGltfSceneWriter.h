@@ -47,6 +47,8 @@ private:
     void writeRebound(const RyGltfFigureSource &figure);
     /// Of each joint the one by which its skin finds its place when the file is read.
     std::map<const RyNode *, const RyNode *> findAnchors() const;
+    /// Vertices and weights are not written back into a file that has them; a message says when that loses something.
+    void reportMeshes();
     void reportClips();
 
     const RyGltfSceneDocument &m_source;

@@ -86,9 +86,19 @@ void writeTriple(RyFloatProperty *const *p, const RyVec3 &v, bool asDefault)
     }
 }
 
-/// Runs of facets per group, in the order of the groups.
+/// Number of the first triangle of each facet, and behind them that of all triangles: a file holds quads as two.
+std::vector<int> firstTriangles(const RyFacetMesh &mesh)
+{
+    std::vector<int> first{0};
+    for (const RyFacet &facet : mesh.getFacets())
+        first.push_back(first.back() + facet.count() - 2);
+    return first;
+}
+
+/// Runs of triangles per group, in the order of the groups.
 Json groupsJson(const RyFacetMesh &mesh)
 {
+    const std::vector<int> triangles = firstTriangles(mesh);
     Json groups = Json::array();
     for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
         const RyFaceGroup &group = *mesh.getFaceGroup(g);
@@ -98,7 +108,8 @@ Json groupsJson(const RyFacetMesh &mesh)
             int last = i;
             while (last + 1 < facets.count() && facets.getIndex(last + 1) == facets.getIndex(last) + 1)
                 ++last;
-            runs.push_back(Json::array({facets.getIndex(i), last - i + 1}));
+            const int first = triangles[size_t(facets.getIndex(i))];
+            runs.push_back(Json::array({first, triangles[size_t(facets.getIndex(last)) + 1] - first}));
             i = last + 1;
         }
         groups.push_back(Json{{"name", group.getName().toStdString()}, {"runs", std::move(runs)}});
@@ -211,7 +222,15 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
         sceneNode.setPromoteSelection(flag("promote", false));
         sceneNode.setInheritScale(flag("inheritScale", true));
     }
-    if (const Json *limits = find(*ours, "limits"); limits && limits->is_object()) {
+    return true;
+}
+
+void RyRiggingExtras::applyLimits(const RyGltfDocument &document, int node, RyNode &sceneNode)
+{
+    const Json *nodes = find(document.json(), "nodes");
+    const Json *ours = nodes && size_t(node) < nodes->size() ? ourExtras((*nodes)[size_t(node)]) : nullptr;
+    const Json *limits = ours ? find(*ours, "limits") : nullptr;
+    if (limits && limits->is_object()) {
         for (RyFloatProperty *property : poseOf(sceneNode)) {
             const Json *range = find(*limits, property->getName().toUtf8().constData());
             if (!range || !range->is_array() || range->size() != 2 || !(*range)[0].is_number() || !(*range)[1].is_number())
@@ -221,7 +240,6 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
             property->setIsClamped(true);
         }
     }
-    return true;
 }
 
 bool RyRiggingExtras::applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh,
@@ -405,7 +423,7 @@ void RyRiggingExtras::storeFile(RyGltfDocument &document, double unit, const std
     for (const RyNode *figure : figures) {
         Json entry = Json::object();
         if (const RyFacetMesh *mesh = figure ? meshOf(*figure) : nullptr) {
-            entry["facets"] = mesh->getNumFacets();
+            entry["facets"] = firstTriangles(*mesh).back();
             entry["faceGroups"] = groupsJson(*mesh);
         }
         const auto *skeleton = qobject_cast<const RySkeleton *>(figure);

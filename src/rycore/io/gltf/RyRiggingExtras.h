@@ -22,6 +22,8 @@ bool hasExtras(const RyGltfDocument &document);
 /// symmetric stretch: a frame with a reflection has several.
 bool applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance, const RyAffine &bind,
                  RyNode &sceneNode, QStringList *messages);
+/// Applies the stored limits of the pose controls; after the pose, which is what the file says.
+void applyLimits(const RyGltfDocument &document, int node, RyNode &sceneNode);
 /// Face groups of a figure (number in file order); false when none fit.
 bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
 void applySelectionMap(const RyGltfSceneDocument &scene, int figure, RyNode &skeleton);
