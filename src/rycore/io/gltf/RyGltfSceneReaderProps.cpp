@@ -1,0 +1,92 @@
+#include "rycore/io/gltf/RyGltfSceneReader.h"
+
+#include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <algorithm>
+
+// Props: meshes without a skin, and the nodes that hold them on a bone.
+
+void RyGltfSceneReader::buildProps()
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const RyAffine unit = RyAffine::fromScale(m_scene->unit, m_scene->unit, m_scene->unit);
+    // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
+    std::vector<bool> wanted(model.nodes.size(), false);
+    for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
+        const RyGltfNode &each = model.nodes[size_t(*node)];
+        if (m_sceneNodeOf[size_t(*node)] || each.skin >= 0)
+            continue;
+        wanted[size_t(*node)] = each.mesh >= 0;
+        for (const int child : each.children)
+            wanted[size_t(*node)] = wanted[size_t(*node)] || (wanted[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
+    }
+    for (const int index : m_preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(index)];
+        if (!wanted[size_t(index)] || m_sceneNodeOf[size_t(index)])
+            continue;
+        RyNode *above = nullptr;
+        for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
+            above = m_sceneNodeOf[size_t(at)];
+        if (node.mesh < 0 && !above)
+            continue; // a plain node above props stays in the file's tree alone
+        const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
+        RyGltfNodeSource source;
+        source.node = index;
+        source.bind = m_worldMaps[size_t(index)] * unit * unposed;
+
+        auto *prop = new RyNode;
+        prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
+                                 above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+        RyQuat orientation;
+        source.bind.decomposePolar(source.stretch, orientation);
+        prop->setOrigin(source.bind.translation(), true);
+        prop->setOrientation(orientation, true);
+        source.sceneNode = prop;
+        m_sceneNodeOf[size_t(index)] = prop;
+        if (above)
+            above->addNodeChild(prop);
+        else
+            m_tops.emplace_back(prop);
+
+        RyVec3 end = prop->getOrigin();
+        if (node.mesh >= 0) {
+            RyGltfMeshBuilder builder(*m_scene->document);
+            RyGltfFigureSource figure;
+            figure.sceneNode = prop;
+            const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
+            for (size_t p = 0; p < primitives.size(); ++p) {
+                builder.addPart(node.mesh, int(p), partName(node.mesh, int(p)), {}, source.bind, 0);
+                figure.parts.push_back({index, node.mesh, int(p), -1});
+            }
+            auto *mesh = new RyFacetMesh;
+            mesh->setPositions(std::move(builder.positions));
+            mesh->setFacets(std::move(builder.facets));
+            auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
+            fillLooks(*parts);
+            if (!RyRiggingExtras::applyFaceGroups(*m_scene->document, int(m_scene->figures.size()), *mesh, m_messages))
+                addPartGroups(*mesh, *parts);
+            auto *shape = new RyFacetShape(mesh);
+            shape->setParts(parts);
+            auto *object = new RyObject;
+            object->setName(prop->getName());
+            object->addShape(shape);
+            prop->setObject(object);
+            end = mesh->getBoundingBox().getCenter();
+            figure.positionsHash = ryPositionsHash(*prop);
+            figure.weightsHash = ryWeightsHash(*prop);
+            figure.groupsText = RyRiggingExtras::groupsText(*mesh);
+            m_scene->figures.push_back(std::move(figure));
+        }
+        prop->setEndPoint(end, true);
+        const float size = std::max(1.0f, (end - prop->getOrigin()).length());
+        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
+        RyRiggingExtras::applyLimits(*m_scene->document, index, *prop);
+        source.loaded = RyNodeValues::of(*prop);
+        source.riggingText = RyRiggingExtras::nodeText(*prop);
+        m_scene->nodes.push_back(std::move(source));
+    }
+}
