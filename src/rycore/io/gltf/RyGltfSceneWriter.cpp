@@ -3,14 +3,10 @@
 #include "rycore/io/gltf/RyGltfFigureFinder.h"
 #include "rycore/io/gltf/RyGltfSceneExporter.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
-#include "rycore/math/RyFastMath.h"
 #include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <cmath>

@@ -133,11 +133,6 @@ const Json *figureJson(const RyGltfDocument &document, int figure)
 
 } // namespace
 
-bool RyRiggingExtras::hasExtras(const RyGltfDocument &document)
-{
-    return ourExtras(document.json()) != nullptr;
-}
-
 double RyRiggingExtras::storedUnit(const RyGltfDocument &document)
 {
     const Json *ours = ourExtras(document.json());

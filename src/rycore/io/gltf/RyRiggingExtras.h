@@ -15,7 +15,6 @@ namespace RyRiggingExtras {
 
 /// Centimetres per file unit as stored, 0 when nothing is stored.
 double storedUnit(const RyGltfDocument &document);
-bool hasExtras(const RyGltfDocument &document);
 
 /// Applies what is stored for a node whose rigging has just been read. False when nothing is stored; drops what does
 /// not fit with a message. `tolerance` in centimetres. A stored orientation fits where it leaves of `bind`, the rest frame, a
