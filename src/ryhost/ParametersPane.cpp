@@ -90,8 +90,9 @@ void ParametersPane::showNode(RyNode *node)
     };
     for (size_t i = 0; i < m_rows.size(); ++i) {
         m_rows[i]->clearProperties();
+        const auto control = Rows[i].control; // read apart: GCC 12's bounds checks mistake the index within ->*
         if (node)
-            m_rows[i]->addProperty((node->*Rows[i].control)());
+            m_rows[i]->addProperty((node->*control)());
     }
     if (node) {
         connect(node, &RyNode::poseChanged, this, setTitle);
