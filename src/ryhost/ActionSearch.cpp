@@ -1,5 +1,7 @@
 #include "ryhost/ActionSearch.h"
 
+#include "ryhost/menuText.h"
+
 #include <QAbstractItemView>
 #include <QAction>
 #include <QCompleter>
@@ -13,12 +15,6 @@
 
 namespace {
 
-QString plainText(const QAction *action)
-{
-    QString text = action->text().section(QLatin1Char('\t'), 0, 0);
-    return text.remove(QLatin1Char('&'));
-}
-
 /// Every command below the menu bar with its path.
 std::vector<std::pair<QString, QAction *>> commandsOf(const QMenuBar *bar)
 {
@@ -30,7 +26,7 @@ std::vector<std::pair<QString, QAction *>> commandsOf(const QMenuBar *bar)
         for (QAction *action : actions) {
             if (action->isSeparator() || !action->isVisible())
                 continue;
-            const QString text = path + plainText(action);
+            const QString text = path + plainMenuText(action->text());
             if (action->menu())
                 pending.emplace_back(text + QStringLiteral(" > "), action->menu()->actions());
             else

@@ -4,8 +4,8 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
-#include "rycore/ui/RyActionMenu.h"
 #include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyMenu.h"
 #include "rycore/ui/RyViewToolAction.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
@@ -17,6 +17,7 @@
 #include "ryhost/HostFiles.h"
 #include "ryhost/HostIcons.h"
 #include "ryhost/HostWindow.h"
+#include "ryhost/menuText.h"
 
 #include <QActionGroup>
 #include <QDirIterator>
@@ -33,9 +34,11 @@ HostMenus::HostMenus(HostWindow *window) : QObject(window), m_window(window)
     makeViewMenu();
     m_tools = window->menuBar()->addMenu(tr("&Tools"));
     m_tools->setObjectName(QStringLiteral("ToolsMenu"));
-    m_toolOptions = window->menuBar()->addMenu(QString());
-    m_toolOptions->setObjectName(QStringLiteral("ToolOptionsMenu"));
-    m_toolOptions->setToolTipsVisible(true);
+    m_toolCommands = new RyMenu(QString(), m_tools);
+    m_toolCommands->setObjectName(QStringLiteral("ToolCommandsMenu"));
+    m_toolMenu = new RyMenu(QString(), window->menuBar());
+    m_toolMenu->setObjectName(QStringLiteral("ActiveToolMenu"));
+    window->menuBar()->addMenu(m_toolMenu);
     m_scripts = window->menuBar()->addMenu(tr("&Scripts"));
     m_scripts->setObjectName(QStringLiteral("ScriptsMenu"));
     connect(m_scripts, &QMenu::aboutToShow, this, &HostMenus::fillScripts);
@@ -93,7 +96,7 @@ void HostMenus::fillRecent()
     m_recent->clear();
     const QStringList files = m_window->files()->recentFiles();
     for (const QString &path : files) {
-        QAction *action = m_recent->addAction(QFileInfo(path).fileName());
+        QAction *action = m_recent->addAction(menuTextOf(QFileInfo(path).fileName()));
         action->setToolTip(path);
         action->setStatusTip(path);
         action->setEnabled(QFileInfo::exists(path));
@@ -132,8 +135,8 @@ void HostMenus::updateUndo()
     const RyUndoStack *stack = ryUndoStack();
     m_undo->setEnabled(stack->canUndo());
     m_redo->setEnabled(stack->canRedo());
-    m_undo->setText(stack->canUndo() ? tr("&Undo %1").arg(stack->undoText()) : tr("&Undo"));
-    m_redo->setText(stack->canRedo() ? tr("&Redo %1").arg(stack->redoText()) : tr("&Redo"));
+    m_undo->setText(stack->canUndo() ? tr("&Undo %1").arg(menuTextOf(stack->undoText())) : tr("&Undo"));
+    m_redo->setText(stack->canRedo() ? tr("&Redo %1").arg(menuTextOf(stack->redoText())) : tr("&Redo"));
 }
 
 void HostMenus::restorePose()
@@ -220,7 +223,7 @@ void HostMenus::showGuide()
 void HostMenus::refresh()
 {
     fillTools();
-    fillToolMenu();
+    fillToolMenus();
 }
 
 void HostMenus::refreshIcons()
@@ -243,7 +246,7 @@ void HostMenus::fillTools()
     for (RyViewTool *tool : viewports->getTools()) {
         if (withAction.contains(QString::fromLatin1(tool->metaObject()->className())))
             continue;
-        QAction *action = m_tools->addAction(tool->objectName());
+        QAction *action = m_tools->addAction(menuTextOf(tool->objectName()));
         action->setCheckable(true);
         action->setChecked(tool == viewports->getActiveTool());
         const QString className = QString::fromLatin1(tool->metaObject()->className());
@@ -252,19 +255,24 @@ void HostMenus::fillTools()
             manager->setActiveTool(manager->findTool(className));
         }, Qt::QueuedConnection);
     }
+    m_tools->addSeparator();
+    m_tools->addMenu(m_toolCommands);
 }
 
-void HostMenus::fillToolMenu()
+void HostMenus::fillToolMenus()
 {
-    m_toolOptions->clear();
     RyViewTool *tool = m_window->getViewportMgr()->getActiveTool();
-    if (tool) {
-        RyActionMenu model;
-        tool->fillToolOptionsMenu(&model);
-        model.fill(m_toolOptions);
-        m_toolOptions->setTitle(tool->objectName());
+    for (RyMenu *menu : {m_toolMenu, m_toolCommands}) {
+        menu->clear();
+        if (tool)
+            tool->addToolMenuItems(menu);
+        menu->menuAction()->setVisible(!menu->isEmpty());
     }
-    m_toolOptions->menuAction()->setVisible(!m_toolOptions->isEmpty());
+    m_toolMenu->setTitle(QString());
+    if (tool) {
+        m_toolMenu->setTitle(menuTextOf(tool->objectName(), m_window->menuBar()->actions()));
+        m_toolCommands->setTitle(tr("%1 &Commands").arg(menuTextOf(tool->objectName())));
+    }
 }
 
 void HostMenus::fillScripts()
@@ -284,7 +292,7 @@ void HostMenus::fillScripts()
     if (!paths.isEmpty())
         m_scripts->addSeparator();
     for (const QString &path : paths) {
-        QAction *action = m_scripts->addAction(QFileInfo(path).completeBaseName());
+        QAction *action = m_scripts->addAction(menuTextOf(QFileInfo(path).completeBaseName()));
         action->setStatusTip(path);
         connect(action, &QAction::triggered, this, [this, path] { runScript(path); });
     }

@@ -6,6 +6,7 @@
 class HostWindow;
 class QAction;
 class QMenu;
+class RyMenu;
 
 /// The menus of the window. Those that depend on tools, plug-ins and files are filled when they open.
 class HostMenus : public QObject
@@ -26,7 +27,7 @@ private:
     void makeViewMenu();
     void makeHelpMenu();
     void fillRecent();
-    void fillToolMenu();
+    void fillToolMenus();
     void fillTools();
     void fillScripts();
     void updateUndo();
@@ -37,7 +38,9 @@ private:
     HostWindow *m_window;
     QMenu *m_recent = nullptr;
     QMenu *m_tools = nullptr;
-    QMenu *m_toolOptions = nullptr;
+    // The active tool's menu, at its place in the menu bar and under Tools.
+    RyMenu *m_toolMenu = nullptr;
+    RyMenu *m_toolCommands = nullptr;
     QMenu *m_scripts = nullptr;
     QAction *m_undo = nullptr;
     QAction *m_redo = nullptr;

@@ -6,4 +6,5 @@ RyMVCCageAdjustRigToShapeAction::RyMVCCageAdjustRigToShapeAction()
 {
     setObjectName(QStringLiteral("RyMVCCageAdjustRigToShapeAction"));
     setEnabled(false);
+    setUnavailableReason(tr("Not available yet: no figure has a shape other than its base."));
 }

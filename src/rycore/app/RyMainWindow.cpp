@@ -5,15 +5,17 @@
 #include "rycore/base/RyPluginManager.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScriptEngine.h"
+#include "rycore/ui/RyActionMenu.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/ui/RyMenu.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
 #include <QCoreApplication>
+#include <QMenu>
 #include <QPointer>
 #include <QSet>
+#include <QStatusTipEvent>
 
 namespace {
 
@@ -131,15 +133,27 @@ void RyMainWindow::unloadPlugins()
     retire(std::move(d->plugins));
 }
 
+void RyMainWindow::showStatusTip(const QString &text)
+{
+    QStatusTipEvent event(text);
+    QCoreApplication::sendEvent(this, &event);
+}
+
 void RyMainWindow::showToolMenu(const QPoint &globalPosition)
 {
     RyViewTool *tool = d->viewports->getActiveTool();
     if (!tool)
         return;
-    auto *menu = new RyMenu(QString(), this);
+    RyActionMenu model;
+    tool->fillToolOptionsMenu(&model);
+    auto *menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("ToolMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    tool->addToolMenuItems(menu);
+    menu->setToolTipsVisible(true);
+    model.fill(menu);
+    // A menu that no other widget opened has nobody to show its status tips.
+    connect(menu, &QMenu::hovered, this, [this](const QAction *action) { showStatusTip(action->statusTip()); });
+    connect(menu, &QMenu::aboutToHide, this, [this] { showStatusTip(QString()); });
     if (menu->isEmpty()) {
         delete menu;
         return;

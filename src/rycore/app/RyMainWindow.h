@@ -30,10 +30,12 @@ public:
     /// Deletes actions, tools and scripts; called by the destructor. The libraries themselves are unloaded when the
     /// application object goes, after all widgets.
     void unloadPlugins();
-    /// Shows the menu of the active tool; nothing where it adds no items.
+    /// Shows the context menu of the active tool; nothing where it adds no items.
     void showToolMenu(const QPoint &globalPosition);
 
 private:
+    void showStatusTip(const QString &text);
+
     struct Private;
     std::unique_ptr<Private> d;
 };

@@ -2,8 +2,8 @@
 
 RyAction::RyAction(const QString &text, const QString &description) : QAction(text, nullptr), m_description(description)
 {
-    setStatusTip(description);
-    setToolTip(description.isEmpty() ? text : description);
+    updateTips();
+    connect(this, &QAction::changed, this, &RyAction::updateTips);
     // Qt lets code and scripts trigger a disabled action.
     connect(this, &QAction::triggered, this, [this] {
         if (isEnabled())
@@ -28,6 +28,31 @@ QString RyAction::getDefaultMenuPath() const
 QKeySequence RyAction::getDefaultAccel() const
 {
     return {};
+}
+
+QString RyAction::unavailableReason() const
+{
+    return isEnabled() ? QString() : m_reason;
+}
+
+void RyAction::setDescription(const QString &description)
+{
+    m_description = description;
+    updateTips();
+}
+
+void RyAction::setUnavailableReason(const QString &reason)
+{
+    m_reason = reason;
+    updateTips();
+}
+
+void RyAction::updateTips()
+{
+    const QString reason = unavailableReason();
+    const QString tip = m_description.isEmpty() ? text() : m_description;
+    setStatusTip(reason.isEmpty() ? m_description : reason);
+    setToolTip(reason.isEmpty() ? tip : tip + QLatin1Char('\n') + reason);
 }
 
 void RyAction::executeAction() {}

@@ -7,6 +7,8 @@
 class RyAction : public QAction
 {
     Q_OBJECT
+    Q_PROPERTY(QString description READ getDescription)
+    Q_PROPERTY(QString unavailableReason READ unavailableReason)
 public:
     RyAction(const QString &text, const QString &description);
     ~RyAction() override;
@@ -17,11 +19,23 @@ public:
     /// Path in the main menu, levels parted by "/"; empty for none.
     virtual QString getDefaultMenuPath() const;
     virtual QKeySequence getDefaultAccel() const;
+    /// The tips are made of it.
     QString getDescription() const { return m_description; }
+
+    /// Why the action is disabled and what would help, one sentence; empty while it is enabled and where nobody has said.
+    QString unavailableReason() const;
 
 public slots:
     virtual void executeAction();
 
+protected:
+    void setDescription(const QString &description);
+    /// Told by whoever disables the action. It is kept while the action is enabled, and shown in the tips while it is not.
+    void setUnavailableReason(const QString &reason);
+
 private:
+    void updateTips();
+
     QString m_description;
+    QString m_reason;
 };

@@ -5,6 +5,8 @@
 
 #include <QMenu>
 
+#include <algorithm>
+
 struct RyActionMenu::Entry
 {
     QString text; // class name, or title of a sub-menu; empty for a separator
@@ -44,7 +46,10 @@ void RyActionMenu::fill(QMenu *menu) const
             QMenu *subMenu = menu->addMenu(entry->text);
             subMenu->setToolTipsVisible(true);
             entry->menu->fill(subMenu);
-            subMenu->menuAction()->setVisible(!subMenu->isEmpty());
+            const QList<QAction *> entries = subMenu->actions();
+            subMenu->menuAction()->setVisible(std::any_of(entries.begin(), entries.end(), [](const QAction *action) {
+                return action->isVisible() && !action->isSeparator();
+            }));
         } else if (entry->text.isEmpty()) {
             menu->addSeparator();
         } else if (RyAction *action = manager ? manager->findAction(entry->text) : nullptr) {

@@ -22,7 +22,7 @@ public:
     /// Takes ownership.
     void insertMenu(const QString &title, RyActionMenu *menu, int position);
 
-    /// Adds the entries to a real menu; unknown class names add nothing.
+    /// Adds the entries to a real menu; unknown class names add nothing, sub-menus without actions do not show.
     void fill(QMenu *menu) const;
     /// One line per entry, two blanks per level: class names, "-" for a separator, "Title >" for a sub-menu.
     QStringList describe() const;

@@ -8,6 +8,8 @@ namespace {
 void describeMenu(const QMenu *menu, const QString &indent, QStringList &lines)
 {
     for (const QAction *action : menu->actions()) {
+        if (!action->isVisible())
+            continue;
         if (action->isSeparator()) {
             lines.append(indent + QLatin1Char('-'));
         } else if (action->menu()) {
@@ -27,6 +29,16 @@ RyMenu::RyMenu(const QString &title, QWidget *parent) : QMenu(title, parent)
     setToolTipsVisible(true);
 }
 
+void RyMenu::clear()
+{
+    QMenu::clear();
+    // Later ones may be children of earlier ones.
+    while (!m_subMenus.empty()) {
+        delete m_subMenus.back();
+        m_subMenus.pop_back();
+    }
+}
+
 QMenu *RyMenu::subMenu(int id) const
 {
     return id == 0 ? const_cast<RyMenu *>(this) : id > 0 && id <= int(m_subMenus.size()) ? m_subMenus[size_t(id - 1)] : nullptr;
@@ -36,8 +48,12 @@ void RyMenu::addAction(const QString &className, int subMenuId)
 {
     const RyActionMgr *manager = RyActionMgr::instance();
     RyAction *action = manager ? manager->findAction(className) : nullptr;
-    if (QMenu *menu = subMenu(subMenuId); menu && action)
-        menu->addAction(action);
+    QMenu *menu = subMenu(subMenuId);
+    if (!menu || !action)
+        return;
+    menu->addAction(action);
+    for (; menu && menu != this; menu = qobject_cast<QMenu *>(menu->parentWidget()))
+        menu->menuAction()->setVisible(true);
 }
 
 int RyMenu::addSubMenu(const QString &title, int parentId)
@@ -47,6 +63,7 @@ int RyMenu::addSubMenu(const QString &title, int parentId)
         parent = this;
     QMenu *menu = parent->addMenu(title);
     menu->setToolTipsVisible(true);
+    menu->menuAction()->setVisible(false);
     m_subMenus.push_back(menu);
     return int(m_subMenus.size());
 }

@@ -50,10 +50,10 @@ void RyViewToolAction::toolChanged()
 {
     const RyViewTool *tool = findTool();
     setEnabled(tool != nullptr);
+    setUnavailableReason(tr("The tool is not there: its plug-in has not been loaded."));
     if (tool) {
         setText(tool->objectName());
-        setToolTip(tool->objectName());
-        setStatusTip(tr("Work with the tool %1").arg(tool->objectName()));
+        setDescription(tr("Work with the tool %1").arg(tool->objectName()));
     }
     setChecked(tool && tool->isActive());
 }

@@ -38,7 +38,9 @@ public:
     virtual QWidget *getDividerBar();
     /// Tools are listed by this number.
     virtual int getToolPriority() const;
+    /// Fills the menu of the tool: in the menu bar and beside the tool's settings.
     virtual void addToolMenuItems(RyMenu *menu);
+    /// Fills the context menu of the viewport while the tool is active.
     virtual void fillToolOptionsMenu(RyActionMenu *menu);
     /// Whether figures are drawn slightly see-through while this tool is active. True unless a tool says otherwise.
     virtual bool showsInsideFigures() const { return true; }

@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEActionTable.h"
+#include "pluginsource/RyJointTools/ryjeaction/RySelectionRule.h"
 
 #include "rycore/scene/RyScene.h"
 
@@ -18,6 +19,7 @@ RyJEToolAction::RyJEToolAction(const QMetaObject &actionClass) : RyJEToolAction(
 {
     setObjectName(QString::fromLatin1(actionClass.className()));
     setEnabled(false);
+    setUnavailableReason(tr("Not available yet in this version."));
 }
 
 void RyJEToolAction::followSelection()
@@ -26,8 +28,9 @@ void RyJEToolAction::followSelection()
     connect(ryScene(), SIGNAL(nodeSelectionListChanged()), this, SLOT(selectionChanged()));
 }
 
-void RyJEToolAction::enableBy(bool (*rule)(const RyNode *primary))
+void RyJEToolAction::enableBy(const RySelectionRule &rule)
 {
+    setUnavailableReason(tr(rule.reason));
     setEnabled(rule(ryScene()->getPrimarySelection()));
 }
 

@@ -2,8 +2,8 @@
 
 #include "rycore/ui/RyAction.h"
 
-class RyNode;
 struct RyJEActionText;
+struct RySelectionRule;
 
 /// Base of every menu action of the joint editor.
 class RyJEToolAction : public RyAction
@@ -16,13 +16,13 @@ public:
 
 protected:
     /// Takes the texts of the class from the action table and the class name as object name. The action starts
-    /// disabled until its class says otherwise.
+    /// disabled, and says that it is not available yet, until its class enables it or lets it follow the selection.
     explicit RyJEToolAction(const QMetaObject &actionClass);
 
     /// Calls the slot selectionChanged() of the class now and whenever the selection changes.
     void followSelection();
-    /// Enables the action while the rule holds for the primary selection.
-    void enableBy(bool (*rule)(const RyNode *primary));
+    /// Enables the action while the rule holds for the primary selection; otherwise the rule's reason is shown.
+    void enableBy(const RySelectionRule &rule);
 
 private:
     explicit RyJEToolAction(const RyJEActionText &row);

@@ -1,11 +1,10 @@
 #pragma once
 
-class RyNode;
+#include "pluginsource/RyJointTools/ryjeaction/RySelectionRule.h"
 
-// What an action needs of the primary selection, which may be null, to be enabled.
-
-bool isAnyNode(const RyNode *primary);
-bool isSkeletonOrBone(const RyNode *primary);
-bool isBone(const RyNode *primary);
+extern const RySelectionRule isAnyNode;
+extern const RySelectionRule isSkeletonOrBone;
+extern const RySelectionRule isBone;
 /// A weight-mapped figure, or any node of one.
-bool isOfFigure(const RyNode *primary);
+extern const RySelectionRule isOfFigure;
+extern const RySelectionRule isBoneOfFigure;

@@ -52,6 +52,8 @@ public:
     QWidget *getSettingsWidget() override;
     QWidget *getDividerBar() override;
     int getToolPriority() const override;
+    void addToolMenuItems(RyMenu *menu) override;
+    void fillToolOptionsMenu(RyActionMenu *menu) override;
     QString getStatusText() const override;
 
     // --- State.
