@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QApplication>
-#include <QMessageBox>
+#include "rycore/ui/RyDialogDriver.h"
+
 #include <QStringList>
-#include <QTimer>
 
 /// Closes the message boxes that open while it lives, and keeps what they said: "title|text|Ok|warning", with
 /// "other" for other buttons or another icon.
@@ -12,24 +11,18 @@ class RyMessageBoxes
 public:
     RyMessageBoxes()
     {
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { take(); });
-        m_timer.start(0);
+        QObject::connect(&m_driver, &RyDialogDriver::opened, [this] { note(m_driver.records().back()); });
     }
     QStringList said;
     QList<QWidget *> parents;
 
 private:
-    void take()
+    void note(const RyDialogRecord &box)
     {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box)
-            return;
-        QStringList parts = {box->windowTitle(), box->text()};
-        parts.append(box->standardButtons() == QMessageBox::Ok ? QStringLiteral("Ok") : QStringLiteral("other"));
-        parts.append(box->icon() == QMessageBox::Warning ? QStringLiteral("warning") : QStringLiteral("other"));
+        const QStringList parts{box.title, box.text, box.offersOnlyOk() ? QStringLiteral("Ok") : QStringLiteral("other"),
+                                box.icon == QMessageBox::Warning ? QStringLiteral("warning") : QStringLiteral("other")};
         said.append(parts.join('|'));
-        parents.append(box->parentWidget());
-        box->accept();
+        parents.append(box.parent);
     }
-    QTimer m_timer;
+    RyDialogDriver m_driver;
 };

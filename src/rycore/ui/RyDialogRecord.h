@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QMessageBox>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+/// What a dialog or a message box was when it opened, and what became of it.
+struct RyDialogRecord
+{
+    enum Kind { MessageBox, Dialog };
+    Kind kind = Dialog;
+    QString className;
+    QString objectName;
+    QString title;
+    QString text;            // message boxes
+    QString informativeText; // message boxes
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QStringList buttons; // as on the screen, without mnemonics; standard buttons by their names ("Ok", "Cancel", "YesToAll")
+    QString defaultButton;
+    QString escapeButton;
+    QPointer<QWidget> parent;
+    QString parentClass;
+    QString parentName;
+    QString answered;     // the button; "accept" or "reject" for a dialog that has none for it
+    bool refused = false; // the dialog could not be accepted
+    QString reason;       // why not
+
+    /// "information", "warning", "critical", "question" or "none".
+    QString iconName() const;
+    /// A message box that leaves no choice: it tells why something is not done.
+    bool offersOnlyOk() const;
+    /// Everything in one line, for logs.
+    QString describe() const;
+};
