@@ -79,6 +79,9 @@ const EnablingRow working[] = {
     {"RyJESnapCenterPointAction", "001111", skeletonOrBoneReason},
     {"RyJESnapEndPointAction", "001111", skeletonOrBoneReason},
     {"RyJEToggleAutoSnapEndPointsAction", "111111", ""},
+    {"RyJECreateSiblingBoneAction", "000010", boneOfFigureReason},
+    {"RyJESplitBoneAction", "011111", anyReason},
+    {"RyJEDeleteBoneAction", "000110", boneReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
@@ -86,16 +89,13 @@ const EnablingRow working[] = {
 const EnablingRow notYetWorking[] = {
     {"RyJECustomColorsAction", "111111", ""},
     {"RyJECreateBoneAction", "001111", skeletonOrBoneReason},
-    {"RyJECreateSiblingBoneAction", "000010", boneOfFigureReason},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
-    {"RyJESplitBoneAction", "011111", anyReason},
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJERenameNodeAction", "011111", anyReason},
     {"RyJEReparentBoneAction", "111111", ""},
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
-    {"RyJEDeleteBoneAction", "000110", boneReason},
     {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
     {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},

@@ -1,13 +1,12 @@
 #include "pluginsource/RyJointTools/operations/createBoneAtClick.h"
 
+#include "pluginsource/RyJointTools/operations/bindBone.h"
+
 #include "rycore/figure/RyFigure.h"
 #include "rycore/math/RyLine3.h"
 #include "rycore/math/RyQuat.h"
-#include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/scene/RyShape.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <QCoreApplication>
 
@@ -21,34 +20,6 @@ static void nameAfter(RyBone *bone, const RyNode *node, const RySkeleton *skelet
     }
     bone->setName(skeleton->getUniqueBoneName(name));
     bone->setLabel(skeleton->getUniqueBoneLabel(label));
-}
-
-static RyWeightMap *makeEmptyMap(int vertexCount)
-{
-    auto *map = new RyWeightMap;
-    map->setNumWeights(vertexCount);
-    return map;
-}
-
-static void bindWithoutWeights(RyBone *bone, const RyFigure *figure)
-{
-    RySkinBinding *skin = figure->getSkinBinding();
-    if (!skin)
-        return;
-    auto *binding = new RyBoneBinding;
-    binding->setBone(bone);
-    const RyShape *shape = RyShape::getCurrentShapeForNode(figure);
-    const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;
-    const int vertexCount = mesh ? mesh->getNumVertices() : 0;
-    if (vertexCount > 0 && skin->hasLocalMaps()) {
-        for (int axis = 0; axis < 3; ++axis)
-            binding->setLocalWeights(makeEmptyMap(vertexCount), axis);
-        binding->setScaleWeights(makeEmptyMap(vertexCount));
-    }
-    if (vertexCount > 0 && skin->hasGeneralMaps())
-        binding->setWeights(makeEmptyMap(vertexCount));
-    skin->addBoneBinding(binding);
-    skin->normalize(0, RySkinBinding::AllWeights, false);
 }
 
 RyBone *createBoneAtClick(RyNode *node, const RyLine3 &ray, const RyQuat &cameraRotation)
@@ -66,7 +37,7 @@ RyBone *createBoneAtClick(RyNode *node, const RyLine3 &ray, const RyQuat &camera
     nameAfter(bone, node, skeleton);
     ryScene()->addNode(bone);
     node->addNodeChild(bone);
-    if (const auto *figure = qobject_cast<const RyFigure *>(skeleton))
-        bindWithoutWeights(bone, figure);
+    if (qobject_cast<const RyFigure *>(skeleton))
+        addEmptyBoneBinding(bone, node);
     return bone;
 }

@@ -16,6 +16,10 @@ class RyJECreateSiblingBoneAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJECreateSiblingBoneAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJEDuplicateBonesAction : public RyJEToolAction
@@ -30,6 +34,10 @@ class RyJESplitBoneAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJESplitBoneAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJECreateDonorFigureAction : public RyJEToolAction

@@ -9,6 +9,10 @@ class RyJEDeleteBoneAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEDeleteBoneAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJEDeleteUnusedBonesAction : public RyJEToolAction

@@ -2,5 +2,8 @@
 
 class QString;
 
-/// Says in a box titled "Selection Error" what must be selected for an action to run.
+// What must be selected for an action to run, said in a box titled "Selection Error".
+
 void warnOfSelection(const QString &text);
+/// Without the warning sign, over the main window.
+void informOfSelection(const QString &text);

@@ -1,0 +1,110 @@
+#include "pluginsource/RyJointTools/operations/deleteBone.h"
+
+#include "pluginsource/RyJointTools/operations/bindBone.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+
+static RyBoneBinding *findReceiver(const RySkinBinding *skin, const RyBone *deleted, const RyNode *parent)
+{
+    const RyNode *node = parent;
+    for (; node && !qobject_cast<const RySkeleton *>(node); node = node->getNodeParent()) {
+        RyBoneBinding *binding = qobject_cast<const RyBone *>(node) ? skin->findBoneBinding(node) : nullptr;
+        if (binding)
+            return binding;
+    }
+    if (!node)
+        return nullptr;
+    for (const RyNode *child : deleted->nodeChildrenIterator()) {
+        RyBoneBinding *binding = qobject_cast<const RyBone *>(child) ? skin->findBoneBinding(child) : nullptr;
+        if (binding)
+            return binding;
+    }
+    return nullptr;
+}
+
+void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target)
+{
+    if (!source || !target || source->getNumWeights() != target->getNumWeights() || source->getNumAffected() == 0)
+        return;
+    struct Weights
+    {
+        explicit Weights(const RyWeightMap *map)
+            : index(map->getAffectedIndices()), end(index + map->getNumAffected()), weight(map->getAffectedWeights())
+        {
+        }
+        const int *index;
+        const int *end;
+        const quint16 *weight;
+    };
+    Weights a(target);
+    Weights b(source);
+    std::vector<int> indices;
+    std::vector<quint16> weights;
+    const size_t most = size_t(target->getNumAffected()) + size_t(source->getNumAffected());
+    indices.reserve(most);
+    weights.reserve(most);
+    while (a.index != a.end || b.index != b.end) {
+        const int next = std::min(a.index != a.end ? *a.index : *b.index, b.index != b.end ? *b.index : *a.index);
+        int sum = 0;
+        for (Weights *each : {&a, &b}) {
+            if (each->index != each->end && *each->index == next) {
+                sum += *each->weight++;
+                ++each->index;
+            }
+        }
+        indices.push_back(next);
+        weights.push_back(quint16(std::min(sum, int(RyWeightMap::FullWeight))));
+    }
+    target->beginEdit();
+    target->setAffected(target->getNumWeights(), std::move(indices), std::move(weights));
+    target->finishEdit();
+}
+
+void moveWeightsOfDeletedBone(RyBone *deleted, RyNode *parent)
+{
+    RySkinBinding *skin = RySkinBinding::findSkinFromNode(parent ? parent : deleted);
+    RyBoneBinding *binding = skin ? skin->findBoneBinding(deleted) : nullptr;
+    if (!binding)
+        return;
+    if (const RyBoneBinding *receiver = findReceiver(skin, deleted, parent)) {
+        mergeWeightMap(binding->getWeights(), receiver->getWeights());
+        mergeWeightMap(binding->getScaleWeights(), receiver->getScaleWeights());
+        for (int axis = 0; axis < 3; ++axis)
+            mergeWeightMap(binding->getLocalWeights(axis), receiver->getLocalWeights(axis));
+    }
+    skin->removeBoneBinding(binding);
+    normalizeWeights(skin);
+}
+
+static void removePairs(RySelectionMap *map, const RyBone *bone)
+{
+    for (int pair = map->findPair(bone); pair >= 0; pair = map->findPair(bone))
+        map->removePair(pair);
+}
+
+void deleteBone(RyBone *bone)
+{
+    if (!bone)
+        return;
+    const RyRef<RyBone> guard(bone);
+    RyNode *parent = bone->getNodeParent();
+    const RySkeleton *skeleton = bone->getSkeleton();
+    if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr)
+        removePairs(map, bone);
+    if (parent)
+        parent->removeNodeChild(bone);
+    moveWeightsOfDeletedBone(bone, parent);
+    for (RyNode *child : bone->nodeChildrenIterator()) {
+        const RyRef<RyNode> held(child); // nobody else may hold one that is not in the scene
+        bone->removeNodeChild(child);
+        if (parent)
+            parent->addNodeChild(child);
+    }
+    ryScene()->removeNode(bone);
+}

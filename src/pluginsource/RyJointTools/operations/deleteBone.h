@@ -1,0 +1,18 @@
+#pragma once
+
+class RyBone;
+class RyNode;
+class RyWeightMap;
+
+/// Takes a bone out of the scene: its children go to the end of its parent's, its weights to a neighbour, its pairs of
+/// the selection map go. Children of a bone without a parent become top-level nodes. Leaves undo holds and the selection
+/// of other nodes alone. Nothing for null.
+void deleteBone(RyBone *bone);
+
+/// Adds the weights of `source` to those of `target`, up to full weight, within an edit of it. Nothing unless both are
+/// there and have the same number of weights; works on the affected vertices alone.
+void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target);
+/// Gives all weights of a bone that left its parent to the nearest bound bone from `parent` upwards; when there is none
+/// up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a skeleton. Then the
+/// bone's binding goes and the skin is normalized. Without a parent only the latter is done, in the skin of the bone.
+void moveWeightsOfDeletedBone(RyBone *deleted, RyNode *parent);

@@ -1,0 +1,401 @@
+#include "support/RyTest.h"
+
+#include "RyMessageBoxes.h"
+#include "RySkinnedScene.h"
+
+#include "pluginsource/RyJointTools/operations/deleteBone.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+#include <QSignalSpy>
+
+#include <random>
+
+namespace {
+
+const QString boneMessage =
+    QStringLiteral("information|Selection Error|A bone must be selected to continue.|Ok|Ok|Ok");
+
+/// Replaces the weights of a kind of map: one list per bone, in the order of the skin.
+void setWeights(const RySkinBinding *skin, const std::vector<std::vector<quint16>> &weights)
+{
+    for (size_t i = 0; i < weights.size(); ++i)
+        skin->bindings()[i]->setWeights(weights[i].empty() ? nullptr : ryMapOf(weights[i]));
+}
+
+} // namespace
+
+/// Deleting a bone, and where its weights go.
+class RyDeleteBoneTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void mergeAddsUpToFullWeight();
+    void mergeNeedsEqualCounts();
+    void mergeIsOneEdit();
+    void mergeKeepsMapsSparse();
+    void weightsGoToTheNearestBoneAbove();
+    void weightsGoPastUnboundAndOtherNodes();
+    void weightsOfATopBoneGoToItsBoundChild();
+    void weightsWithoutAReceiver();
+    void weightsWithoutAParent();
+    void weightsWithoutASkeletonAbove();
+    void everyKindGoesToItsOwn();
+    void childrenMoveUp();
+    void deletesInOrder();
+    void pairsGo();
+    void deleteWithoutParentOrSkin_data();
+    void deleteWithoutParentOrSkin();
+    void actionClearsUndoAndSelectsTheParent();
+    void actionNeedsABone_data();
+    void actionNeedsABone();
+    void enabling();
+    void deleteAllOneByOne_data();
+    void deleteAllOneByOne();
+};
+
+void RyDeleteBoneTest::mergeAddsUpToFullWeight()
+{
+    const RyRef<RyWeightMap> source(ryMapOf({0, 5, 40000, 65535, 0, 1}));
+    const RyRef<RyWeightMap> target(ryMapOf({0, 7, 30000, 65535, 9, 0}));
+    mergeWeightMap(source.get(), target.get());
+    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({0, 12, 65535, 65535, 9, 1}));
+    QCOMPARE(ryWeightsOf(source.get()), std::vector<int>({0, 5, 40000, 65535, 0, 1}));
+    QCOMPARE(target->getNumAffected(), 5);
+}
+
+void RyDeleteBoneTest::mergeNeedsEqualCounts()
+{
+    const RyRef<RyWeightMap> source(ryMapOf({1, 2, 3}));
+    const RyRef<RyWeightMap> target(ryMapOf({1, 2}));
+    mergeWeightMap(source.get(), target.get());
+    mergeWeightMap(source.get(), nullptr);
+    mergeWeightMap(nullptr, target.get());
+    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({1, 2}));
+}
+
+void RyDeleteBoneTest::mergeIsOneEdit()
+{
+    const RyRef<RyWeightMap> source(ryMapOf({1, 0}));
+    const RyRef<RyWeightMap> target(ryMapOf({1, 2}));
+    const QSignalSpy spy(target.get(), SIGNAL(weightsChanged()));
+    RyUndoStackHold hold;
+    mergeWeightMap(source.get(), target.get());
+    hold.accept(QString());
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(target->editLevel(), 0);
+    ryUndoStack()->undo();
+    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({1, 2}));
+    ryUndoStack()->redo();
+    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({2, 2}));
+    ryUndoStack()->clearAll();
+}
+
+void RyDeleteBoneTest::mergeKeepsMapsSparse()
+{
+    // So many that dense arrays would not fit into memory.
+    const int count = 2000000000;
+    const RyRef<RyWeightMap> source(new RyWeightMap);
+    source->setAffected(count, {5, 1999999999}, {10, 20});
+    const RyRef<RyWeightMap> target(new RyWeightMap);
+    target->setAffected(count, {4, 5}, {1, 2});
+    mergeWeightMap(source.get(), target.get());
+    QCOMPARE(target->getNumAffected(), 3);
+    QCOMPARE(int(target->getWeight(5)), 12);
+    QCOMPARE(int(target->getWeight(1999999999)), 20);
+}
+
+void RyDeleteBoneTest::weightsGoToTheNearestBoneAbove()
+{
+    RySkinnedScene scene(RySkinnedScene::General, 3);
+    // hip, lThigh, lShin, lFoot, rThigh
+    setWeights(scene.skin, {{100, 0, 0}, {65435, 1, 0}, {0, 60000, 65535}, {0, 5534, 0}, {0, 0, 0}});
+    ryScene()->setSelection({scene.lShin});
+    RyJEDeleteBoneAction().executeAction();
+    QCOMPARE(scene.skin->getNumBoneBindings(), 4);
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lThigh)->getWeights()), std::vector<int>({65435, 60001, 65535}));
+    QCOMPARE(ryWeightsOf(scene.binding(scene.hip)->getWeights()), std::vector<int>({100, 0, 0}));
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lFoot)->getWeights()), std::vector<int>({0, 5534, 0}));
+}
+
+void RyDeleteBoneTest::weightsGoPastUnboundAndOtherNodes()
+{
+    RySkinnedScene scene(RySkinnedScene::General, 1);
+    setWeights(scene.skin, {{35}, {0}, {500}, {65000}, {0}});
+    scene.skin->removeBoneBinding(scene.binding(scene.lThigh));
+    // hip - lThigh (unbound) - group - lShin
+    auto *group = new RyNode;
+    scene.lThigh->addNodeChild(group);
+    group->addNodeChild(scene.lShin);
+    deleteBone(scene.lShin);
+    QCOMPARE(ryWeightsOf(scene.binding(scene.hip)->getWeights()), std::vector<int>({535}));
+    QCOMPARE(scene.lFoot->getNodeParent(), group);
+}
+
+void RyDeleteBoneTest::weightsOfATopBoneGoToItsBoundChild()
+{
+    RySkinnedScene scene(RySkinnedScene::General, 2);
+    scene.hip->addNodeChild(new RyNode, false, 0);
+    setWeights(scene.skin, {{40000, 65535}, {500, 0}, {25035, 0}, {0, 0}, {0, 0}});
+    // The first child of the root bone is no bone, and now its first bone is not bound.
+    scene.skin->removeBoneBinding(scene.binding(scene.lThigh));
+    scene.skin->normalize(0, RySkinBinding::AllWeights, false);
+    const int shin = scene.binding(scene.lShin)->getWeights()->getWeight(0);
+    ryScene()->setSelection({scene.hip});
+    RyJEDeleteBoneAction().executeAction();
+    QCOMPARE(ryWeightsOf(scene.binding(scene.rThigh)->getWeights()), std::vector<int>({65535 - shin, 65535}));
+    QCOMPARE(ryScene()->getPrimarySelection(), static_cast<RyNode *>(scene.figure));
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+void RyDeleteBoneTest::weightsWithoutAReceiver()
+{
+    RySkinnedScene scene(RySkinnedScene::General, 3);
+    setWeights(scene.skin, {{0, 65535, 60000}, {30000, 0, 0}, {0, 0, 5535}, {35535, 0, 0}, {0, 0, 0}});
+    for (RyBone *child : {scene.lThigh, scene.rThigh})
+        scene.skin->removeBoneBinding(scene.binding(child));
+    deleteBone(scene.hip);
+    QCOMPARE(scene.skin->getNumBoneBindings(), 2);
+    // What others move too becomes theirs; what only the bone moved stays unmoved.
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lShin)->getWeights()), std::vector<int>({0, 0, 65535}));
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lFoot)->getWeights()), std::vector<int>({65535, 0, 0}));
+}
+
+void RyDeleteBoneTest::weightsWithoutAParent()
+{
+    RySkinnedScene scene(RySkinnedScene::General, 1);
+    setWeights(scene.skin, {{0}, {5535}, {60000}, {0}, {0}});
+    moveWeightsOfDeletedBone(scene.lShin, nullptr);
+    QVERIFY(!scene.binding(scene.lShin));
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lThigh)->getWeights()), std::vector<int>({65535}));
+    const QString before = scene.dump();
+    moveWeightsOfDeletedBone(nullptr, nullptr);
+    moveWeightsOfDeletedBone(scene.lShin, scene.lThigh);
+    moveWeightsOfDeletedBone(scene.lFoot, scene.prop);
+    QCOMPARE(scene.dump(), before);
+}
+
+void RyDeleteBoneTest::weightsWithoutASkeletonAbove()
+{
+    // The chain above a loose bone ends without a skeleton, and so without a skin: nothing to move.
+    RySkinnedScene scene;
+    auto *loose = new RyBone;
+    ryScene()->addNode(loose);
+    scene.lFoot->getNodeParent()->removeNodeChild(scene.lFoot);
+    loose->addNodeChild(scene.lFoot);
+    const int bindings = scene.skin->getNumBoneBindings();
+    moveWeightsOfDeletedBone(scene.lFoot, loose);
+    QCOMPARE(scene.skin->getNumBoneBindings(), bindings);
+}
+
+void RyDeleteBoneTest::everyKindGoesToItsOwn()
+{
+    RySkinnedScene scene(RySkinnedScene::Both, 2);
+    const auto weightsOf = [](const RyBoneBinding *binding) {
+        std::vector<std::vector<int>> all;
+        for (const RyWeightMap *map : binding->getAllWeightMaps())
+            all.push_back(ryWeightsOf(map));
+        return all;
+    };
+    auto expected = weightsOf(scene.binding(scene.lShin));
+    const auto deleted = weightsOf(scene.binding(scene.lFoot));
+    QCOMPARE(expected.size(), size_t(5));
+    for (size_t kind = 0; kind < 5; ++kind) {
+        for (size_t v = 0; v < 2; ++v)
+            expected[kind][v] += deleted[kind][v];
+    }
+    deleteBone(scene.lFoot);
+    QCOMPARE(weightsOf(scene.binding(scene.lShin)), expected);
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+void RyDeleteBoneTest::childrenMoveUp()
+{
+    RySkinnedScene scene;
+    auto *pinned = new RyNode;
+    pinned->setName(QStringLiteral("pinned"));
+    scene.lThigh->addNodeChild(pinned, false, 0);
+    RyToolScene::makeBone(scene.lThigh, "second", {}, {0, 1, 0});
+    const RyVec3 place = scene.lFoot->getOrigin();
+    deleteBone(scene.lThigh);
+    QStringList children;
+    for (const RyNode *child : scene.hip->nodeChildrenIterator())
+        children.append(child->getName());
+    QCOMPARE(children, QStringList({"rThigh", "pinned", "lShin", "second"}));
+    QCOMPARE(scene.lFoot->getNodeParent(), static_cast<RyNode *>(scene.lShin));
+    QCOMPARE(scene.lFoot->getOrigin(), place);
+    QVERIFY(!ryScene()->findNode(QStringLiteral("lThigh")));
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+void RyDeleteBoneTest::deletesInOrder()
+{
+    RySkinnedScene scene;
+    auto *map = new RySelectionMap;
+    scene.figure->setSelectionMap(map);
+    map->addPair(QStringLiteral("thigh"), scene.lThigh, false);
+    ryScene()->setSelection({scene.lThigh});
+    QStringList calls;
+    QObject listener;
+    const auto note = [&calls](const QString &call) {
+        if (calls.isEmpty() || calls.last() != call)
+            calls.append(call);
+    };
+    connect(map, &RySelectionMap::mapChanged, &listener, [&] { note("pair"); });
+    connect(scene.hip, &RyNode::childrenChanged, &listener,
+            [&] { note(scene.lThigh->getNodeParent() ? "other" : scene.hip->getNumNodeChildren() == 1 ? "off" : "child to parent"); });
+    connect(scene.skin, &RySkinBinding::skinChanged, &listener, [&] { note("skin"); });
+    connect(scene.lThigh, &RyNode::childrenChanged, &listener, [&] { note("child off"); });
+    connect(scene.lThigh, &RyNode::aboutToBeRemoved, &listener, [&] { note("remove"); });
+    connect(ryScene(), &RyScene::nodeSelectionListChanged, &listener,
+            [&] { note("selected " + QString::number(ryScene()->getNumSelectedNodes())); });
+    RyJEDeleteBoneAction().executeAction();
+    QCOMPARE(calls, QStringList({"pair", "off", "skin", "child off", "child to parent", "remove", "selected 0",
+                                 "selected 1"}));
+}
+
+void RyDeleteBoneTest::pairsGo()
+{
+    RySkinnedScene scene;
+    auto *map = new RySelectionMap;
+    scene.figure->setSelectionMap(map);
+    map->addPair(QStringLiteral("a"), scene.lShin, false);
+    map->addPair(QStringLiteral("b"), scene.lFoot, false);
+    map->addPair(QStringLiteral("c"), scene.lShin, false);
+    deleteBone(scene.lShin);
+    QCOMPARE(map->getNumPairs(), 1);
+    QCOMPARE(map->getPairNode(0), static_cast<RyNode *>(scene.lFoot));
+}
+
+void RyDeleteBoneTest::deleteWithoutParentOrSkin_data()
+{
+    QTest::addColumn<bool>("withSkeleton");
+    QTest::addColumn<bool>("withParent");
+    QTest::newRow("no skin") << true << true;
+    QTest::newRow("no skeleton") << false << true;
+    QTest::newRow("no parent") << false << false;
+}
+
+void RyDeleteBoneTest::deleteWithoutParentOrSkin()
+{
+    QFETCH(bool, withSkeleton);
+    QFETCH(bool, withParent);
+    RySkinnedScene scene;
+    RyNode *root = withSkeleton ? new RyFigure : new RyNode;
+    ryScene()->addNode(root);
+    RyBone *bone = RyToolScene::makeBone(root, "bone", {}, {0, 1, 0});
+    const RyBone *child = RyToolScene::makeBone(bone, "child", {}, {0, 1, 0});
+    if (!withParent)
+        root->removeNodeChild(bone);
+    ryScene()->setSelection({bone});
+    RyMessageBoxes boxes;
+    RyJEDeleteBoneAction().executeAction();
+    QCOMPARE(boxes.facts, QStringList());
+    QVERIFY(!ryScene()->findNode(QStringLiteral("bone")));
+    QCOMPARE(child->getScene(), ryScene());
+    QCOMPARE(child->getNodeParent(), withParent ? root : nullptr);
+    QCOMPARE(ryScene()->getPrimarySelection(), withParent ? root : nullptr);
+    QCOMPARE(scene.skin->getNumBoneBindings(), 5);
+    deleteBone(nullptr);
+}
+
+void RyDeleteBoneTest::actionClearsUndoAndSelectsTheParent()
+{
+    RySkinnedScene scene;
+    {
+        RyUndoStackHold hold;
+        scene.rThigh->setEndPoint({1, 2, 3});
+        hold.accept(QStringLiteral("Earlier"));
+    }
+    scene.select(scene.lThigh);
+    ryScene()->setSelection({scene.rThigh, scene.prop, scene.lThigh});
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.lThigh));
+    RyJEDeleteBoneAction action;
+    action.trigger();
+    QCOMPARE(ryUndoStack()->count(), 0);
+    QVERIFY(!ryUndoStack()->isLocked() && !ryUndoStack()->isHoldOpen());
+    QCOMPARE(ryScene()->selectedNodeListIterator(), std::vector<RyNode *>({scene.hip}));
+    QVERIFY(action.isEnabled());
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(scene.tool->currentNode(), static_cast<RyNode *>(scene.hip));
+    // The next edit is recorded again.
+    RyUndoStackHold hold;
+    scene.hip->setEndPoint({1, 1, 1});
+    hold.accept(QStringLiteral("Later"));
+    QCOMPARE(ryUndoStack()->entryCount(0), 2);
+}
+
+void RyDeleteBoneTest::actionNeedsABone_data()
+{
+    QTest::addColumn<QString>("selected");
+    QTest::addColumn<bool>("window");
+    QTest::newRow("nothing") << "" << true;
+    QTest::newRow("a figure") << "figure" << true;
+    QTest::newRow("a prop, without a window") << "prop" << false;
+}
+
+void RyDeleteBoneTest::actionNeedsABone()
+{
+    QFETCH(QString, selected);
+    QFETCH(bool, window);
+    RySkinnedScene scene;
+    if (!window)
+        scene.window.reset();
+    ryScene()->setSelection({selected.isEmpty() ? nullptr : ryScene()->findNode(selected)});
+    {
+        RyUndoStackHold hold;
+        hold.accept(QStringLiteral("Earlier"));
+    }
+    const QString before = scene.dump();
+    RyMessageBoxes boxes;
+    RyJEDeleteBoneAction().executeAction();
+    QCOMPARE(boxes.facts, QStringList({boneMessage}));
+    QCOMPARE(boxes.parents, QList<QWidget *>({RyApp::getInterface()}));
+    QCOMPARE(scene.dump(), before);
+    QCOMPARE(ryUndoStack()->count(), 1);
+}
+
+void RyDeleteBoneTest::enabling()
+{
+    RyToolScene scene;
+    const RyJEDeleteBoneAction action;
+    QString enabled;
+    for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(scene.figure),
+                         static_cast<RyNode *>(scene.lFoot)}) {
+        ryScene()->setSelection({node});
+        enabled += QString::number(action.isEnabled()) + QString::number(RyJEDeleteBoneAction().isEnabled());
+    }
+    QCOMPARE(enabled, QStringLiteral("00000011"));
+}
+
+void RyDeleteBoneTest::deleteAllOneByOne_data()
+{
+    QTest::addColumn<int>("maps");
+    QTest::newRow("general") << int(RySkinnedScene::General);
+    QTest::newRow("local") << int(RySkinnedScene::Local);
+}
+
+void RyDeleteBoneTest::deleteAllOneByOne()
+{
+    QFETCH(int, maps);
+    RySkinnedScene scene{RySkinnedScene::Maps(maps)};
+    std::mt19937 random(ryTestSeed());
+    while (scene.skin->getNumBoneBindings() > 0) {
+        const std::vector<RyBone *> bones = scene.figure->getAllBones();
+        QCOMPARE(size_t(scene.skin->getNumBoneBindings()), bones.size());
+        ryScene()->setSelection({bones[random() % bones.size()]});
+        RyJEDeleteBoneAction().executeAction();
+        QCOMPARE(ryFaultsOf(scene.figure), QString());
+    }
+    QVERIFY(scene.figure->getAllBones().empty());
+    // Unmoved, and nothing breaks.
+    QCOMPARE(ryLargestWay(scene.shown(), scene.object->getCurrentShape()->getGeometry()->getPositions()), 0.0f);
+}
+
+RY_TEST(RyDeleteBoneTest)
+
+#include "tst_deleteBone.moc"
