@@ -1,5 +1,7 @@
 #include "skin/SkinFixture.h"
 
+#include "rycore/base/RyERCLink.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
@@ -13,6 +15,8 @@ private slots:
     void bulgesAreOwnedAndNamed();
     void bulgeValuesAndUndo();
     void copyIsDeep();
+    void duplicateFollowsTheContext();
+    void duplicateForAnotherMesh();
 };
 
 void RyBoneBindingTest::mapsAreOwned()
@@ -151,6 +155,56 @@ void RyBoneBindingTest::copyIsDeep()
     QCOMPARE(copied->getPosLeftBulgeController()->getName(), QString("bone1_bulgeYPosLeft"));
     copy->getWeights()->setNumWeights(3);
     QCOMPARE(from->getWeights()->getWeight(2), quint16(3));
+}
+
+void RyBoneBindingTest::duplicateFollowsTheContext()
+{
+    SkinFixture fixture(2, 3);
+    RyBoneBinding *from = fixture.skin->findBoneBinding(fixture.bones[0]);
+    from->setWeights(fixture.mapOf({1, 2, 3}));
+    auto *bulge = new RyBulgeBinding(2);
+    from->setBulgeBinding(2, bulge);
+    bulge->updatePropertyNames();
+    bulge->getPosLeftBulgeController()->setValue(0.5f);
+    RyERCLink::create(fixture.bones[0]->getXRotControl(), bulge->getPosLeftBulgeController());
+    fixture.bones[0]->getXRotControl()->setValue(2);
+
+    RyElementDuplicateContext context(nullptr);
+    // A binding that comes before its bone stays at the bone until the context resolves.
+    const RyRef<RyBoneBinding> early(qobject_cast<RyBoneBinding *>(from->doDuplicateElement(&context)));
+    QCOMPARE(early->getBone(), fixture.bones[0]);
+    context.setParentNode(fixture.skeleton.get());
+    auto *bone = qobject_cast<RyBone *>(fixture.bones[0]->doDuplicateElement(&context));
+    bone->setName("copy");
+    const RyRef<RyBoneBinding> late(qobject_cast<RyBoneBinding *>(from->doDuplicateElement(&context)));
+    QCOMPARE(late->getBone(), bone);
+    QVERIFY(!late->getSkin() && late->getWeights() != from->getWeights());
+    QCOMPARE(late->getWeights()->getWeight(2), quint16(3));
+    context.createAlaises();
+    context.createERC();
+    context.doResolve();
+    QCOMPARE(early->getBone(), bone);
+    QCOMPARE(early->getName(), QString("copy"));
+    const RyFloatProperty *swell = late->getBulgeBinding(2)->getPosLeftBulgeController();
+    QCOMPARE(swell->getName(), QString("copy_bulgeZPosLeft"));
+    QCOMPARE(int(swell->getControllerLinks().size()), 1);
+    QCOMPARE(swell->getControllerLinks()[0]->getController(), bone->getXRotControl());
+    QCOMPARE(swell->getValue(), 2.5f);
+}
+
+void RyBoneBindingTest::duplicateForAnotherMesh()
+{
+    SkinFixture fixture(1, 3);
+    RyBoneBinding *from = fixture.skin->bindings()[0];
+    from->setWeights(fixture.mapOf({1, 2, 3}));
+    auto *bulge = new RyBulgeBinding(0);
+    bulge->setLeftWeights(fixture.mapOf({4, 0, 0}));
+    from->setBulgeBinding(0, bulge);
+    RyElementDuplicateContext context(nullptr);
+    context.setVertexCompatible(false);
+    const RyRef<RyBoneBinding> copy(qobject_cast<RyBoneBinding *>(from->doDuplicateElement(&context)));
+    QVERIFY(copy->getAllWeightMaps().empty());
+    QVERIFY(copy->getBulgeBinding(0) && !copy->hasBulgeWeights());
 }
 
 RY_TEST(RyBoneBindingTest)

@@ -1,6 +1,7 @@
 #include "rycore/app/RyApp.h"
 
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/scene/RyAssetIOMgr.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -11,6 +12,7 @@
 static QPointer<RyMainWindow> s_interface;
 static QString s_defaultHome;
 static int s_busyDepth = 0;
+static RyAssetIOMgr *s_assetIOMgr = RyApp::defaultAssetIOMgr();
 
 RyMainWindow *RyApp::getInterface()
 {
@@ -39,6 +41,22 @@ QString RyApp::getHomePath()
 void RyApp::setDefaultHomePath(const QString &folder)
 {
     s_defaultHome = folder;
+}
+
+RyAssetIOMgr *RyApp::getAssetIOMgr()
+{
+    return s_assetIOMgr;
+}
+
+void RyApp::setAssetIOMgr(RyAssetIOMgr *manager)
+{
+    s_assetIOMgr = manager;
+}
+
+RyAssetIOMgr *RyApp::defaultAssetIOMgr()
+{
+    static RyAssetIOMgr manager;
+    return &manager;
 }
 
 QWidget *RyApp::getDialogParent()

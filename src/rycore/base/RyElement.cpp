@@ -1,5 +1,6 @@
 #include "rycore/base/RyElement.h"
 
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/undo/RyUndoItem.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -93,6 +94,53 @@ void RyElement::cancelEdit()
 }
 
 void RyElement::propertyChanged(RyFloatProperty *) {}
+
+void RyElement::propertyDefaultChanged(RyFloatProperty *) {}
+
+RyElement *RyElement::doDuplicateElement(RyElementDuplicateContext *)
+{
+    return nullptr;
+}
+
+void RyElement::resolveDuplicate(const RyElement *, const RyElementDuplicateContext &) {}
+
+void RyElement::copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing)
+{
+    for (int i = 0; i < from.getNumProperties(); ++i) {
+        const auto *source = qobject_cast<const RyFloatProperty *>(from.getProperty(i));
+        if (!source)
+            continue;
+        if (i >= to.getNumProperties() && addMissing)
+            to.addProperty(std::make_unique<RyFloatProperty>(this, source->getName()));
+        if (auto *target = i < to.getNumProperties() ? qobject_cast<RyFloatProperty *>(to.getProperty(i)) : nullptr)
+            target->copyFrom(*source);
+    }
+    RyPropertyGroup *target = to.getFirstChild();
+    for (const RyPropertyGroup *source = from.getFirstChild(); source; source = source->getNextSibling()) {
+        if (!target && addMissing)
+            target = to.addChild(source->getName());
+        if (!target)
+            return;
+        copyGroup(*source, *target, addMissing);
+        target = target->getNextSibling();
+    }
+}
+
+void RyElement::copyPropertiesFrom(const RyElement &other, bool addMissing)
+{
+    const std::unique_ptr<RyPropertyGroup> RyElement::*const trees[] = {&RyElement::m_publicGroups,
+                                                                       &RyElement::m_privateGroups};
+    for (const auto tree : trees) {
+        const RyPropertyGroup *from = (other.*tree).get();
+        if (!from)
+            continue;
+        RyPropertyGroup *to = (this->*tree).get();
+        if (!to && addMissing)
+            to = tree == trees[0] ? createPublicGroups(from->getName()) : createPrivateGroups(from->getName());
+        if (to)
+            copyGroup(*from, *to, addMissing);
+    }
+}
 
 RyPropertyGroup *RyElement::createPublicGroups(const QString &name)
 {

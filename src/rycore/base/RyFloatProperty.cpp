@@ -65,7 +65,10 @@ void RyFloatProperty::setDefaultValue(float value)
     recordChange();
     m_default = value;
     const QPointer<RyFloatProperty> guard(this);
-    emit defaultValueChanged();
+    if (RyElement *owner = getOwner())
+        owner->propertyDefaultChanged(this);
+    if (guard)
+        emit defaultValueChanged();
     if (guard)
         announceControlled();
 }
@@ -97,6 +100,16 @@ void RyFloatProperty::setMax(float max)
     emit limitsChanged();
 }
 
+void RyFloatProperty::copyFrom(const RyFloatProperty &other)
+{
+    if (other.hasOwnLabel())
+        setLabel(other.getLabel());
+    if (other.state() == state())
+        return;
+    recordChange();
+    restore(other.state());
+}
+
 void RyFloatProperty::recordChange()
 {
     if (RyUndoStack *stack = ryUndoStack())
@@ -116,6 +129,8 @@ void RyFloatProperty::restore(const State &wanted)
     if (before.min != wanted.min || before.max != wanted.max || before.clamped != wanted.clamped)
         emit limitsChanged();
     const bool defaultChanged = before.defaultValue != wanted.defaultValue;
+    if (guard && defaultChanged && getValue() == m_announced && getOwner())
+        getOwner()->propertyDefaultChanged(this);
     if (guard && defaultChanged)
         emit defaultValueChanged();
     if (guard)

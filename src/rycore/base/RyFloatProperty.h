@@ -34,6 +34,8 @@ public:
     float getMax() const { return m_max; }
     void setMin(float min);
     void setMax(float max);
+    /// Takes the other's raw value, default, limits and label; undoable where a hold is open. Name and links stay.
+    void copyFrom(const RyFloatProperty &other);
 
     const std::vector<RyERCLink *> &getControllerLinks() const { return m_incoming; }
     const std::vector<RyERCLink *> &getControlledLinks() const { return m_outgoing; }

@@ -13,4 +13,7 @@ public:
 
     /// The skin of the figure's object or null.
     RySkinBinding *getSkinBinding() const;
+
+protected:
+    RyNode *makeSameKind() const override { return new RyFigure; }
 };

@@ -8,4 +8,7 @@ class RyBone : public RyNode
     Q_OBJECT
 public:
     RyBone();
+
+protected:
+    RyNode *makeSameKind() const override { return new RyBone; }
 };

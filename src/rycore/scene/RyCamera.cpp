@@ -25,6 +25,16 @@ void RyCamera::lookAt(const RyVec3 &eye, const RyVec3 &target, const RyVec3 &up)
     setFocalDistance((eye - target).length());
 }
 
+RyNode *RyCamera::makeSameKind() const
+{
+    auto *camera = new RyCamera;
+    camera->m_fieldOfView = m_fieldOfView;
+    camera->m_orthographicHeight = m_orthographicHeight;
+    camera->m_focalDistance = m_focalDistance;
+    camera->m_orthographic = m_orthographic;
+    return camera;
+}
+
 RyVec3 RyCamera::viewDirection() const
 {
     return getWSRot().multVec(RyVec3(0, 0, -1));

@@ -24,6 +24,9 @@ public:
     float focalDistance() const { return m_focalDistance; }
     void setFocalDistance(float distance);
 
+protected:
+    RyNode *makeSameKind() const override;
+
 signals:
     void lensChanged();
 

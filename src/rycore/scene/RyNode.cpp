@@ -8,6 +8,8 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
 
+#include <QPointer>
+
 #include <algorithm>
 
 RyNode::RyNode(Rigging rigging)
@@ -89,12 +91,11 @@ void RyNode::makePoseProperties()
     }
 }
 
-void RyNode::setName(const QString &name)
+void RyNode::nameHasChanged()
 {
-    if (name == getName())
-        return;
-    RyElement::setName(name);
-    if (m_scene)
+    const QPointer<RyNode> guard(this);
+    RyElement::nameHasChanged();
+    if (guard && m_scene)
         emit m_scene->nodeListChanged();
 }
 

@@ -31,8 +31,6 @@ public:
     explicit RyNode(Rigging rigging = Rigging::Full);
     ~RyNode() override;
 
-    void setName(const QString &name) override;
-
     // --- Tree. Children keep the order in which they were added.
     RyNode *getNodeParent() const { return m_parent; }
     int getNumNodeChildren() const { return int(m_children.size()); }
@@ -144,7 +142,12 @@ public:
     RyObject *getObject() const { return m_object.get(); }
     void setObject(RyObject *object);
 
+    /// Same class as far as the host knows it, name, label, flags, rotation order, rigging, pose and limits, below the parent
+    /// that the context says; its children as the context's options say. Objects are not copied.
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
+
     void propertyChanged(RyFloatProperty *property) override;
+    void propertyDefaultChanged(RyFloatProperty *property) override;
 
 signals:
     void aboutToBeRemoved();
@@ -159,6 +162,9 @@ signals:
     void childrenChanged();
 
 protected:
+    void nameHasChanged() override;
+    /// An empty node of the same kind, which a duplicate starts as.
+    virtual RyNode *makeSameKind() const;
     void editBegun() override;
     void editFinished() override;
     void editCancelled() override;

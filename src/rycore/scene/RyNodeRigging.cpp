@@ -112,6 +112,21 @@ void RyNode::propertyChanged(RyFloatProperty *property)
         emit m_scene->drawnDataChanged();
 }
 
+void RyNode::propertyDefaultChanged(RyFloatProperty *property)
+{
+    if (std::find(m_rigging, m_rigging + 9, property) != m_rigging + 9) {
+        m_riggingTouched = true;
+        if (editLevel() == 0 && !m_restoringEdit) {
+            m_riggingTouched = false;
+            emit riggingChanged();
+        }
+    } else if (std::find(m_pose, m_pose + 10, property) == m_pose + 10) {
+        return;
+    }
+    if (m_scene)
+        emit m_scene->drawnDataChanged();
+}
+
 // --- Edits
 
 void RyNode::editBegun()

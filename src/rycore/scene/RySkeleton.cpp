@@ -2,6 +2,7 @@
 
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyBoneListSlice.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -104,6 +105,25 @@ QString RySkeleton::getUniqueBoneLabel(const QString &label, const RyNode *ignor
         if (!taken.contains(candidate))
             return candidate;
     }
+}
+
+void RySkeleton::resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context)
+{
+    const auto *from = qobject_cast<const RySkeleton *>(original);
+    if (!from)
+        return;
+    setDrawGLBones(from->drawsGLBones());
+    auto *target = qobject_cast<RySkeleton *>(context.findNewElement(from->getFollowTarget()));
+    setFollowTarget(target ? target : from->getFollowTarget());
+    const RySelectionMap *pairs = from->getSelectionMap();
+    if (!pairs || !context.facetCompatible())
+        return;
+    const RyRef<RySelectionMap> map(new RySelectionMap);
+    for (int i = 0; i < pairs->getNumPairs(); ++i) {
+        if (auto *node = qobject_cast<RyNode *>(context.findNewElement(pairs->getPairNode(i))))
+            map->addPair(pairs->getPairGroup(i), node, false);
+    }
+    setSelectionMap(map.get());
 }
 
 void RySkeleton::setFollowTarget(RySkeleton *target)

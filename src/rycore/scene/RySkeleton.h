@@ -35,6 +35,12 @@ public:
     RySelectionMap *getSelectionMap() const { return m_selectionMap.get(); }
     void setSelectionMap(RySelectionMap *map);
 
+    /// The followed skeleton and the face groups of duplicated bones, pointing at the duplicates.
+    void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context) override;
+
+protected:
+    RyNode *makeSameKind() const override { return new RySkeleton; }
+
 signals:
     void selectionMapChanged();
 

@@ -1,5 +1,6 @@
 #include "rycore/skin/RyBoneBinding.h"
 
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/skin/RyBindingChanges.h"
 #include "rycore/undo/RyUndoStack.h"
 
@@ -110,22 +111,48 @@ void RyBoneBinding::applyBulge(int axis, const RyRef<RyBulgeBinding> &bulge)
     touch();
 }
 
-RyBoneBinding *RyBoneBinding::copyFor(RyBone *bone) const
+RyBoneBinding *RyBoneBinding::copyFor(RyBone *bone, bool withMaps) const
 {
     auto *binding = new RyBoneBinding;
     binding->setObjectName(bone ? bone->getName() : objectName());
     binding->m_bone = bone;
-    for (int slot = 0; slot < SlotCount; ++slot) {
+    for (int slot = 0; slot < SlotCount && withMaps; ++slot) {
         if (m_maps[slot])
             binding->applyMap(slot, RyRef<RyWeightMap>(m_maps[slot]->copy()));
     }
     for (int axis = 0; axis < 3; ++axis) {
         if (!m_bulges[axis])
             continue;
-        binding->applyBulge(axis, RyRef<RyBulgeBinding>(m_bulges[axis]->copy()));
+        binding->applyBulge(axis, RyRef<RyBulgeBinding>(m_bulges[axis]->copy(withMaps)));
         binding->m_bulges[axis]->updatePropertyNames();
     }
     return binding;
+}
+
+RyElement *RyBoneBinding::doDuplicateElement(RyElementDuplicateContext *context)
+{
+    if (!context)
+        return nullptr;
+    auto *bone = qobject_cast<RyBone *>(context->findNewElement(m_bone));
+    RyBoneBinding *binding = copyFor(bone ? bone : m_bone.data(), context->vertexCompatible());
+    context->addDuplicate(this, binding);
+    for (int axis = 0; axis < 3; ++axis)
+        context->addDuplicate(m_bulges[axis].get(), binding->m_bulges[axis].get());
+    return binding;
+}
+
+void RyBoneBinding::resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context)
+{
+    const auto *from = qobject_cast<const RyBoneBinding *>(original);
+    auto *bone = from ? qobject_cast<RyBone *>(context.findNewElement(from->getBone())) : nullptr;
+    if (!bone)
+        return;
+    setBone(bone);
+    setName(bone->getName());
+    for (const RyRef<RyBulgeBinding> &bulge : m_bulges) {
+        if (bulge)
+            bulge->updatePropertyNames();
+    }
 }
 
 void RyBoneBinding::touch()

@@ -46,7 +46,10 @@ public:
     void setBulgeBinding(int axis, RyBulgeBinding *bulge);
 
     /// A deep copy for another bone, with copies of all maps and bulge bindings, in no skin.
-    RyBoneBinding *copyFor(RyBone *bone) const;
+    RyBoneBinding *copyFor(RyBone *bone) const { return copyFor(bone, true); }
+    /// Bound to the duplicate of the bone where the context has one, else to the same bone; in no skin.
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
+    void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context) override;
     /// Grows when another bone or map is put in; caches compare it, and the revisions of the maps.
     quint64 revision() const { return m_revision; }
 
@@ -60,6 +63,7 @@ private:
     friend class RyBindingBulgeChange;
     friend class RyBindingBoneChange;
     enum Slot { General = 0, LocalX, LocalY, LocalZ, Scale, SlotCount };
+    RyBoneBinding *copyFor(RyBone *bone, bool withMaps) const;
     void setMap(int slot, RyWeightMap *map);
     void applyMap(int slot, const RyRef<RyWeightMap> &map);
     void applyBulge(int axis, const RyRef<RyBulgeBinding> &bulge);

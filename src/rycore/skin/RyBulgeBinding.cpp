@@ -84,21 +84,15 @@ void RyBulgeBinding::updatePropertyNames()
         m_controllers[i]->setName(controllerName(i));
 }
 
-RyBulgeBinding *RyBulgeBinding::copy() const
+RyBulgeBinding *RyBulgeBinding::copy(bool withMaps) const
 {
     auto *bulge = new RyBulgeBinding(m_axis);
     bulge->setObjectName(objectName());
     for (int i = 0; i < 4; ++i) {
-        RyFloatProperty *to = bulge->m_controllers[i];
-        const RyFloatProperty *from = m_controllers[i];
-        to->setObjectName(from->objectName());
-        to->setMin(from->getMin());
-        to->setMax(from->getMax());
-        to->setDefaultValue(from->getDefaultValue());
-        to->setValue(from->getValue());
-        to->setIsClamped(from->isClamped());
+        bulge->m_controllers[i]->setObjectName(m_controllers[i]->objectName());
+        bulge->m_controllers[i]->copyFrom(*m_controllers[i]);
     }
-    for (int side = 0; side < 2; ++side) {
+    for (int side = 0; side < 2 && withMaps; ++side) {
         if (m_weights[side])
             bulge->m_weights[side] = RyRef<RyWeightMap>(m_weights[side]->copy());
     }

@@ -38,8 +38,8 @@ public:
 
     /// Names the four controllers after the bone, e.g. "hip_bulgeXPosLeft".
     void updatePropertyNames();
-    /// A deep copy, in no binding.
-    RyBulgeBinding *copy() const;
+    /// A deep copy, in no binding; its maps on demand.
+    RyBulgeBinding *copy(bool withMaps = true) const;
 
 signals:
     void weightsChanged();

@@ -1,0 +1,35 @@
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
+#include "rycore/scene/RyNode.h"
+
+RyNode *RyNode::makeSameKind() const
+{
+    return new RyNode(m_rigging[0] ? Rigging::Full : Rigging::None);
+}
+
+RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
+{
+    if (!context)
+        return nullptr;
+    RyNode *copy = makeSameKind();
+    context->addDuplicate(this, copy);
+    copy->setName(getName());
+    if (hasOwnLabel())
+        copy->setLabel(getLabel());
+    copy->setHidden(m_hidden);
+    copy->setSelectable(m_selectable);
+    copy->setPromoteSelection(m_promoteSelection);
+    copy->setInheritScale(m_inheritScale);
+    copy->setRotationOrder(m_rotationOrder);
+    copy->copyPropertiesFrom(*this, !context->skipNonUserProperties());
+    RyNode *parent = context->getParentNode();
+    if (parent)
+        parent->addNodeChild(copy, false);
+    context->setParentNode(copy);
+    for (RyNode *child : nodeChildrenIterator()) {
+        if (context->takesChild(*child))
+            child->doDuplicateElement(context);
+    }
+    context->setParentNode(parent);
+    return copy;
+}

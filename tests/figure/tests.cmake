@@ -1,0 +1,1 @@
+ry_test(figure LIBS rycore_io ry_test_core)

@@ -1,0 +1,96 @@
+#include "FigureScene.h"
+
+#include "rycore/figure/RyTransferUtility.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "support/RyTest.h"
+
+class RyTransferUtilityTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bonesWithoutUseGo()
+    {
+        FigureScene scene;
+        RyBone *hip = scene.addBone("hip", scene.figure, 0);           // above a used one
+        RyBone *spine = scene.addBone("spine", hip, 100);              // weights
+        RyBone *neck = scene.addBone("neck", spine, 0);                // nothing
+        scene.addBone("nub", neck, -1);                                // no binding
+        RyBone *arm = scene.addBone("arm", hip, 0);                    // a prop hangs two bones further down
+        RyBone *wrist = scene.addBone("wrist", arm, -1);
+        RyBone *tip = scene.addBone("tip", wrist, 0);
+        wrist->addNodeChild(new RyNode);
+        RyBone *leg = scene.addBone("leg", hip, 0);
+        scene.addBone("foot", leg, 0);
+        scene.figure->getSelectionMap()->addPair("legs", leg, true);
+        scene.figure->getSelectionMap()->addPair("body", spine, true);
+        tip->select(true);
+        const QPointer<RyBone> gone(leg);
+
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 5);
+        QCOMPARE(scene.boneNames(), (QStringList{"hip", "spine", "arm", "wrist"}));
+        QCOMPARE(scene.skin->getNumBoneBindings(), 3);
+        for (const RyBoneBinding *binding : scene.skin->bindings())
+            QVERIFY(scene.boneNames().contains(binding->getBone()->getName()));
+        QVERIFY(!gone);
+        QCOMPARE(scene.figure->getSelectionMap()->getNumPairs(), 1);
+        QCOMPARE(scene.figure->getSelectionMap()->findGroupForNode(spine), QString("body"));
+        QVERIFY(!ryScene()->getPrimarySelection());
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 0);
+    }
+
+    void localAndScaleWeightsCountAsUse()
+    {
+        FigureScene scene;
+        RyBone *bones[2] = {scene.addBone("a", scene.figure, -1), scene.addBone("b", scene.figure, -1)};
+        for (int i = 0; i < 2; ++i) {
+            auto *binding = new RyBoneBinding;
+            binding->setBone(bones[i]);
+            auto *map = new RyWeightMap;
+            map->setAffected(4, {2}, {1});
+            if (i == 0)
+                binding->setLocalWeights(map, 2);
+            else
+                binding->setScaleWeights(map);
+            scene.skin->addBoneBinding(binding);
+        }
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 0);
+        QCOMPARE(scene.boneNames(), (QStringList{"a", "b"}));
+    }
+
+    void nothingWithoutFigureOrSkin()
+    {
+        QCOMPARE(RyTransferUtility::removeUnusedBones(nullptr), 0);
+        FigureScene scene;
+        scene.addBone("bone", scene.figure, 0);
+        scene.figure->setObject(nullptr);
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 0);
+        QCOMPARE(scene.boneNames(), QStringList{"bone"});
+    }
+
+    void isNotRecordedAndLeavesOlderSteps()
+    {
+        FigureScene scene;
+        RyBone *used = scene.addBone("used", scene.figure, 7);
+        RyBone *unused = scene.addBone("unused", scene.figure, 0);
+        {
+            RyUndoStackHold hold;
+            used->setLabel("Used");
+            unused->setLabel("Unused");
+            hold.accept("Label");
+        }
+        {
+            RyUndoStackHold hold;
+            QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 1);
+            hold.accept("Nothing");
+        }
+        QCOMPARE(ryUndoStack()->entryCount(1), 0);
+        ryUndoStack()->undo();
+        ryUndoStack()->undo();
+        QCOMPARE(used->getLabel(), QString("used"));
+        QCOMPARE(scene.boneNames(), QStringList{"used"});
+    }
+};
+
+RY_TEST(RyTransferUtilityTest)
+#include "tst_RyTransferUtility.moc"
