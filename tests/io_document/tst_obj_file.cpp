@@ -24,6 +24,8 @@ private:
 private slots:
     void structure();
     void spellings();
+    void statedUnit_data();
+    void statedUnit();
     void malformed_data();
     void malformed();
     void passedOver();
@@ -88,6 +90,29 @@ void RyObjFileTest::spellings()
     QCOMPARE(file->facets.size(), 2u);
     QCOMPARE(file->groups[0], QString::fromUtf8("n\xc3\xa4me")); // Latin-1 where it is no UTF-8
     QVERIFY(parse("v 0 0 0\nf 1 2 3\nv 1 0 0\nv 0 1 0\n")); // vertices may come later
+}
+
+void RyObjFileTest::statedUnit_data()
+{
+    QTest::addColumn<QByteArray>("comment");
+    QTest::addColumn<double>("centimetres");
+    QTest::newRow("plain") << QByteArray("# units: centimeters") << 1.0;
+    QTest::newRow("short") << QByteArray("# Unit mm") << 0.1;
+    QTest::newRow("sentence") << QByteArray("# File units = inches") << 2.54;
+    QTest::newRow("verb") << QByteArray("# The units are (Metres)") << 100.0;
+    QTest::newRow("no blank") << QByteArray("#units: m\n# units: m") << 100.0;
+    QTest::newRow("the first") << QByteArray("# units: feet\n# units: m") << 30.48;
+    QTest::newRow("none") << QByteArray("# made in 5 m") << 0.0;
+    QTest::newRow("unknown") << QByteArray("# units: parsecs") << 0.0;
+    QTest::newRow("nothing after it") << QByteArray("# units:") << 0.0;
+}
+
+void RyObjFileTest::statedUnit()
+{
+    QFETCH(QByteArray, comment);
+    const auto file = parse(comment + "\nv 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+    QVERIFY2(file, qPrintable(m_error));
+    QTEST(file->statedUnit, "centimetres");
 }
 
 void RyObjFileTest::malformed_data()

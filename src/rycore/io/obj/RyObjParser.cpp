@@ -126,8 +126,12 @@ bool RyObjParser::parse()
 bool RyObjParser::readLine(std::string_view line)
 {
     const std::string_view keyword = takeWord(line);
-    if (keyword.empty() || keyword.front() == '#')
+    if (keyword.empty())
         return true;
+    if (keyword.front() == '#') {
+        rememberUnit(line);
+        return true;
+    }
     if (keyword.find('\0') != std::string_view::npos)
         return fail(QStringLiteral("this is not a text"));
     if (keyword == "v")
@@ -250,6 +254,37 @@ bool RyObjParser::readFacet(std::string_view line)
     m_file.facets.push_back(facet);
     m_facetLines.push_back(m_line);
     return true;
+}
+
+void RyObjParser::rememberUnit(std::string_view comment)
+{
+    static const QHash<QByteArray, double> centimetres = {
+        {"mm", 0.1},         {"millimeter", 0.1}, {"millimetre", 0.1}, {"cm", 1.0},   {"centimeter", 1.0},
+        {"centimetre", 1.0}, {"dm", 10.0},        {"decimeter", 10.0}, {"m", 100.0},  {"decimetre", 10.0},
+        {"meter", 100.0},    {"metre", 100.0},    {"in", 2.54},        {"inch", 2.54}, {"ft", 30.48},
+        {"foot", 30.48},     {"yd", 91.44},       {"yard", 91.44},     {"inches", 2.54}, {"feet", 30.48}};
+    bool isAsked = false;
+    while (m_file.statedUnit == 0.0) {
+        const std::string_view word = takeWord(comment);
+        if (word.empty())
+            return;
+        QByteArray plain;
+        for (const char c : word) {
+            if (c != ':' && c != '=' && c != '(' && c != ')' && c != ',')
+                plain.append(c);
+        }
+        plain = plain.toLower();
+        if (plain == "unit" || plain == "units") {
+            isAsked = true;
+            continue;
+        }
+        if (!isAsked || plain.isEmpty() || plain == "are" || plain == "is")
+            continue;
+        if (!centimetres.contains(plain) && plain.endsWith('s'))
+            plain.chop(1);
+        m_file.statedUnit = centimetres.value(plain, 0.0);
+        return;
+    }
 }
 
 void RyObjParser::rememberName(std::string_view line, std::vector<QString> &names, QHash<QString, int> &places,

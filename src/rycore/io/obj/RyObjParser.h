@@ -28,6 +28,8 @@ private:
     bool readFacet(std::string_view line);
     bool readCorner(std::string_view token, RyObjFile::Corner &corner);
     bool readIndex(std::string_view text, std::size_t count, const char *what, int &index);
+    /// The first comment that names a unit of length after the word unit or units.
+    void rememberUnit(std::string_view comment);
     void rememberName(std::string_view line, std::vector<QString> &names, QHash<QString, int> &places, int &current);
     bool checkCorners();
     bool fail(const QString &reason);

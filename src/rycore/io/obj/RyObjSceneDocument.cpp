@@ -103,7 +103,8 @@ std::unique_ptr<RyObjSceneDocument> RyObjSceneDocument::read(const QString &path
     if (!document->m_file)
         return nullptr;
     document->m_path = path;
-    document->m_unit = unit > 0.0 ? unit : ryUnitFactor(1.0, heightOf(*document->m_file));
+    const double stated = document->m_file->statedUnit;
+    document->m_unit = unit > 0.0 ? unit : stated > 0.0 ? stated : ryUnitFactor(1.0, heightOf(*document->m_file));
     int fans = 0;
     auto *mesh = makeMesh(*document->m_file, document->m_unit, &fans);
     auto *shape = new RyFacetShape(mesh);
