@@ -42,6 +42,8 @@ QList<QAbstractButton *> RyDialogButtons::buttonsOf(const QDialog *dialog)
         for (QPushButton *button : dialog->findChildren<QPushButton *>())
             buttons.append(button);
     }
+    const auto isHidden = [](const QAbstractButton *button) { return button->isHidden(); };
+    buttons.erase(std::remove_if(buttons.begin(), buttons.end(), isHidden), buttons.end());
     const auto before = [dialog](const QAbstractButton *a, const QAbstractButton *b) {
         const QPoint placeA = a->mapTo(dialog, QPoint(0, 0));
         const QPoint placeB = b->mapTo(dialog, QPoint(0, 0));

@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 #include <QWidget>
 
 /// What a dialog or a message box was when it opened, and what became of it.
@@ -31,6 +32,11 @@ struct RyDialogRecord
     QString iconName() const;
     /// A message box that leaves no choice: it tells why something is not done.
     bool offersOnlyOk() const;
+    /// `text` with `informativeText`, without mark-up.
+    QString plainText() const;
     /// Everything in one line, for logs.
     QString describe() const;
+    /// For scripts and reports: kind ("box" or "dialog"), name, title, text, icon, buttons, default, escape, parent, answered,
+    /// refused, reason.
+    QVariantMap toMap() const;
 };

@@ -8,7 +8,10 @@
 #include <QListView>
 #include <QTabWidget>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
+#include <vector>
 
 namespace {
 
@@ -70,54 +73,76 @@ QStringList tabTexts(const QTabWidget *tabs)
     return texts;
 }
 
-void walk(const QAbstractItemModel *model, const QModelIndex &parent, const QString &path,
-          const std::function<void(const QModelIndex &, const QString &)> &visit)
+struct Item
 {
-    for (int row = 0; row < model->rowCount(parent); ++row) {
+    QModelIndex index; // of the first column
+    QString name;      // of the node that it stands for, otherwise its text
+    QString namePath;  // from the root
+    QString textPath;
+};
+
+bool isChoosable(const QModelIndex &index)
+{
+    return (index.flags() & Qt::ItemIsEnabled) && (index.flags() & Qt::ItemIsSelectable);
+}
+
+void collect(const QAbstractItemView *view, const QModelIndex &parent, const Item &above, std::vector<Item> &items)
+{
+    const QAbstractItemModel *model = view->model();
+    const auto join = [](const QString &path, const QString &text) { return path.isEmpty() ? text : path + QLatin1Char('/') + text; };
+    for (int row = 0; model && row < model->rowCount(parent); ++row) {
         const QModelIndex index = model->index(row, 0, parent);
         const QString text = index.data().toString();
-        const QString ownPath = path.isEmpty() ? text : path + QLatin1Char('/') + text;
-        visit(index, ownPath);
-        walk(model, index, ownPath, visit);
+        // A tree of nodes shows labels; the tips are names.
+        const QString name = view->inherits("RyNodeTreeWgt") ? index.data(Qt::ToolTipRole).toString() : text;
+        const Item item{index, name, join(above.namePath, name), join(above.textPath, text)};
+        items.push_back(item);
+        collect(view, index, item, items);
     }
 }
 
-/// The item of a text in any column, or of a path; invalid when there is none or more than one.
-QModelIndex findItem(const QAbstractItemView *view, const QString &value)
+std::vector<Item> itemsOf(const QAbstractItemView *view)
 {
-    QModelIndexList byText, byPath;
-    walk(view->model(), view->rootIndex(), QString(), [&](const QModelIndex &index, const QString &path) {
-        bool fits = false;
-        for (int column = 0; column < view->model()->columnCount(index.parent()); ++column)
-            fits = fits || index.sibling(index.row(), column).data().toString() == value;
-        if (fits)
-            byText.append(index);
-        if (path == value || path.endsWith(QLatin1Char('/') + value))
-            byPath.append(index);
-    });
-    if (byText.isEmpty())
-        byText = byPath;
-    return byText.size() == 1 ? byText.first() : QModelIndex();
+    std::vector<Item> items;
+    collect(view, view->rootIndex(), Item(), items);
+    return items;
 }
 
-QStringList viewTexts(const QAbstractItemView *view)
+bool showsText(const Item &item, const QString &value)
 {
-    QStringList texts;
-    if (view->model()) {
-        walk(view->model(), view->rootIndex(), QString(),
-             [&](const QModelIndex &index, const QString &) { texts.append(index.data().toString()); });
+    for (int column = 0; column < item.index.model()->columnCount(item.index.parent()); ++column) {
+        if (item.index.sibling(item.index.row(), column).data().toString() == value)
+            return true;
     }
-    return texts;
+    return false;
 }
 
-QStringList viewPaths(const QAbstractItemView *view, const QString &value)
+/// The items that `value` may mean: by name, else by text in any column, else by the end of a path.
+std::vector<Item> findItems(const std::vector<Item> &items, const QString &value)
 {
-    QStringList paths;
-    walk(view->model(), view->rootIndex(), QString(), [&](const QModelIndex &index, const QString &path) {
-        if (index.data().toString() == value)
-            paths.append(path);
-    });
-    return paths;
+    const auto endsPath = [&](const QString &path) { return path == value || path.endsWith(QLatin1Char('/') + value); };
+    const std::function<bool(const Item &)> rules[] = {
+        [&](const Item &item) { return item.name == value; },
+        [&](const Item &item) { return showsText(item, value); },
+        [&](const Item &item) { return endsPath(item.namePath); },
+        [&](const Item &item) { return endsPath(item.textPath); },
+    };
+    std::vector<Item> found;
+    for (const auto &rule : rules) {
+        if (found.empty())
+            std::copy_if(items.begin(), items.end(), std::back_inserter(found), rule);
+    }
+    return found;
+}
+
+QStringList namesOf(const std::vector<Item> &items)
+{
+    QStringList names;
+    for (const Item &item : items) {
+        if (isChoosable(item.index))
+            names.append(item.name);
+    }
+    return names;
 }
 
 } // namespace
@@ -147,40 +172,38 @@ bool RyWidgetChoices::fillCombo(QComboBox *combo, const QString &value, QString 
 
 bool RyWidgetChoices::fillView(QAbstractItemView *view, const QString &value, QString *error)
 {
-    if (!view->model())
-        return failList(error, value, {});
+    const std::vector<Item> items = itemsOf(view);
     const bool several = view->selectionMode() == QAbstractItemView::MultiSelection
         || view->selectionMode() == QAbstractItemView::ExtendedSelection;
     // A text that holds a comma is tried as it stands first.
     QStringList values{value};
-    if (several && !findItem(view, value).isValid())
+    if (several && findItems(items, value).empty())
         values = value.split(QLatin1Char(','), Qt::SkipEmptyParts);
     QModelIndexList chosen;
     for (const QString &one : qAsConst(values)) {
         const QString text = several ? one.trimmed() : one;
-        const QModelIndex index = findItem(view, text);
-        if (!index.isValid()) {
-            const QStringList paths = viewPaths(view, text);
-            if (paths.size() > 1) {
-                *error = tr("has %1 items \"%2\"; write one of their paths: %3")
-                             .arg(paths.size()).arg(text, paths.join(QStringLiteral(", ")));
-                return false;
-            }
-            return failList(error, text, viewTexts(view));
+        const std::vector<Item> found = findItems(items, text);
+        if (found.empty())
+            return failList(error, text, namesOf(items));
+        if (found.size() > 1) {
+            QStringList paths;
+            for (const Item &item : found)
+                paths.append(item.namePath);
+            *error = tr("has %1 items \"%2\"; write one of their paths: %3").arg(found.size()).arg(text, paths.join(QStringLiteral(", ")));
+            return false;
         }
-        if (!(index.flags() & Qt::ItemIsEnabled) || !(index.flags() & Qt::ItemIsSelectable)) {
+        if (!isChoosable(found.front().index)) {
             *error = tr("cannot take its item \"%1\", which is disabled").arg(text);
             return false;
         }
-        chosen.append(index);
+        chosen.append(found.front().index);
     }
-    QItemSelectionModel *selection = view->selectionModel();
     for (const QModelIndex &index : qAsConst(chosen)) {
         const bool first = index == chosen.first();
         const auto how = first ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::Select;
         view->scrollTo(index);
-        selection->setCurrentIndex(index, how | QItemSelectionModel::Rows);
-        emit view->clicked(index);
+        view->selectionModel()->setCurrentIndex(index, how | QItemSelectionModel::Rows);
+        QMetaObject::invokeMethod(view, "clicked", Q_ARG(QModelIndex, index));
     }
     return true;
 }
@@ -205,7 +228,7 @@ QStringList RyWidgetChoices::choices(const QWidget *widget)
     if (const auto *combo = qobject_cast<const QComboBox *>(widget))
         texts = comboTexts(combo);
     else if (const auto *view = qobject_cast<const QAbstractItemView *>(widget))
-        texts = viewTexts(view);
+        texts = namesOf(itemsOf(view));
     else if (const auto *tabs = qobject_cast<const QTabWidget *>(widget))
         texts = tabTexts(tabs);
     if (texts.size() > MaxListed)

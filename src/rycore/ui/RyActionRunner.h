@@ -1,0 +1,43 @@
+#pragma once
+
+#include "rycore/ui/RyDialogDriver.h"
+
+class RyActionMgr;
+
+/// What running an action came to.
+struct RyActionResult
+{
+    bool ran = false;      // the action did what it was asked
+    bool refused = false;  // it was disabled, told why it does nothing, or its dialog could not be accepted
+    bool wrongUse = false; // no such action, or fields and answers that do not fit its dialogs
+    QString reason;        // why it did not run
+    QStringList notes;     // what did no harm, such as an answer that no message box asked for
+    std::vector<RyDialogRecord> dialogs; // dialogs and message boxes in the order in which they opened
+
+    /// For scripts and reports: ran, refused, reason, boxes (all that opened).
+    QVariantMap toMap() const;
+};
+
+/// Runs actions by class name without a person: `RyDialogDriver` takes what opens.
+class RyActionRunner
+{
+public:
+    /// `manager` must outlive the runner; null: there are no actions.
+    explicit RyActionRunner(const RyActionMgr *manager);
+
+    /// For the next run; see `RyDialogDriver`.
+    void setField(const QString &name, const QString &value);
+    void setAnswer(const QString &title, const QString &button);
+
+    RyActionResult run(const QString &className);
+
+    /// Class names of all actions, sorted.
+    QStringList names() const;
+    /// Those of them that look like `name`.
+    QStringList nearNames(const QString &name) const;
+
+private:
+    const RyActionMgr *m_manager;
+    std::vector<std::pair<QString, QString>> m_fields;
+    std::vector<std::pair<QString, QString>> m_answers;
+};
