@@ -1,5 +1,6 @@
 #include "rycore/undo/RyUndoStack.h"
 
+#include "rycore/undo/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/RyUndoStep.h"
 
@@ -17,6 +18,7 @@ struct RyUndoStack::Private
 
     std::vector<std::shared_ptr<RyUndoStep>> steps;
     std::vector<OpenHold> holds;
+    std::unique_ptr<RyRestorePoints> points;
     int index = 0;
     int lastHoldId = 0;
     int locks = 0;
@@ -68,10 +70,14 @@ struct RyUndoStack::Private
 static RyUndoStack *globalStack = nullptr;
 static bool globalStackDestroyed = false;
 
-RyUndoStack::RyUndoStack(QObject *parent) : QObject(parent), d(std::make_unique<Private>()) {}
+RyUndoStack::RyUndoStack(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
+{
+    d->points = std::make_unique<RyRestorePoints>(this);
+}
 
 RyUndoStack::~RyUndoStack()
 {
+    d->points->clear();
     d->discarding = true;
     while (!d->holds.empty())
         d->holds.pop_back();
@@ -119,20 +125,27 @@ bool RyUndoStack::isHoldOpen() const
     return !d->holds.empty();
 }
 
-bool RyUndoStack::wants(const RyUndoKey &key)
+unsigned RyUndoStack::wants(const RyUndoKey &key)
 {
     if (d->swapping || d->discarding || RyUndoStackSilence::isActive())
-        return false;
+        return 0;
+    unsigned takers = 0;
     if (!isRecording()) {
+        d->points->noteLooseChange();
         d->cleanIndex = -1;
         updateClean();
-        return false;
+    } else if (!d->holds.back().step->contains(key)) {
+        takers |= OpenHold;
     }
-    return !d->holds.back().step->contains(key);
+    return d->points->wants(key) ? takers | RestorePoints : takers;
 }
 
-void RyUndoStack::append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item)
+void RyUndoStack::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers)
 {
+    if (takers & RestorePoints)
+        d->points->capture(key, item);
+    if (!(takers & OpenHold))
+        return;
     d->holds.back().step->append(key, std::move(item));
     if (d->lastClean)
         updateClean();
@@ -143,8 +156,8 @@ void RyUndoStack::record(std::unique_ptr<RyUndoItem> item)
     if (!item)
         return;
     const RyUndoKey key = item->key();
-    if (wants(key)) {
-        append(key, std::move(item));
+    if (const unsigned takers = wants(key)) {
+        append(key, std::move(item), takers);
         return;
     }
     const QScopedValueRollback<bool> guard(d->discarding, true);
@@ -153,10 +166,11 @@ void RyUndoStack::record(std::unique_ptr<RyUndoItem> item)
 
 void RyUndoStack::record(const RyUndoKey &key, const std::function<std::unique_ptr<RyUndoItem>()> &makeItem)
 {
-    if (!wants(key))
+    const unsigned takers = wants(key);
+    if (!takers)
         return;
     if (std::unique_ptr<RyUndoItem> item = makeItem())
-        append(key, std::move(item));
+        append(key, std::move(item), takers);
 }
 
 void RyUndoStack::undo()
@@ -164,6 +178,7 @@ void RyUndoStack::undo()
     if (!canUndo())
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(--d->index)];
+    d->points->noteSwap(step, false);
     {
         const QScopedValueRollback<bool> guard(d->swapping, true);
         step->undo();
@@ -177,6 +192,7 @@ void RyUndoStack::redo()
     if (!canRedo())
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(d->index++)];
+    d->points->noteSwap(step, true);
     {
         const QScopedValueRollback<bool> guard(d->swapping, true);
         step->redo();
@@ -228,6 +244,8 @@ int RyUndoStack::entryCount(int step) const
 void RyUndoStack::clearAll()
 {
     const bool clean = d->isClean();
+    if (!d->steps.empty())
+        d->points->noteClearedHistory();
     std::vector<std::shared_ptr<RyUndoStep>> dropped = std::move(d->steps);
     d->steps.clear();
     d->index = 0;
@@ -245,6 +263,7 @@ void RyUndoStack::setClean()
     const bool inHold = std::any_of(d->holds.begin(), d->holds.end(),
                                     [](const Private::OpenHold &hold) { return !hold.step->isEmpty(); });
     d->cleanIndex = inHold ? -1 : d->index;
+    d->points->noteSaved();
     updateClean();
 }
 
@@ -310,11 +329,48 @@ void RyUndoStack::cancelHold(int id)
     d->holds.erase(hold);
     {
         const QScopedValueRollback<bool> guard(d->swapping, true);
-        for (size_t i = shares.size(); i-- > 0;)
+        for (size_t i = shares.size(); i-- > 0;) {
+            d->points->noteSwap(shares[i], false);
             shares[i]->undo();
+        }
     }
     d->discard(std::move(shares));
     updateClean();
     if (d->holds.empty())
         emit changed();
+}
+
+RyRestorePoints *RyUndoStack::restorePoints() const
+{
+    return d->points.get();
+}
+
+bool RyUndoStack::isIdle() const
+{
+    return d->holds.empty() && !d->swapping && !d->discarding;
+}
+
+RyUndoStack::History RyUndoStack::history() const
+{
+    return {d->steps, d->index, d->cleanIndex};
+}
+
+void RyUndoStack::exchangeHistory(const History &history, const std::function<void()> &swapAll)
+{
+    {
+        const QScopedValueRollback<bool> guard(d->swapping, true);
+        swapAll();
+    }
+    std::vector<std::shared_ptr<RyUndoStep>> dropped = std::exchange(d->steps, history.steps);
+    d->index = history.index;
+    d->cleanIndex = history.cleanIndex;
+    d->discard(std::move(dropped));
+    updateClean();
+    emit changed();
+}
+
+void RyUndoStack::discardIn(const std::function<void()> &drop)
+{
+    const QScopedValueRollback<bool> guard(d->discarding, true);
+    drop();
 }

@@ -9,6 +9,9 @@
 #include <memory>
 #include <vector>
 
+class RyRestorePoints;
+class RyUndoStep;
+
 /// The undo history. It records only while a hold is open, no lock is held and no undo or redo runs; edits at other
 /// times are applied and not recorded, and older steps survive them.
 class RyUndoStack : public QObject
@@ -36,8 +39,8 @@ public:
     template<typename Item, typename... Args>
     void record(const RyUndoKey &key, Args &&...args)
     {
-        if (wants(key))
-            append(key, std::make_unique<Item>(std::forward<Args>(args)...));
+        if (const unsigned takers = wants(key))
+            append(key, std::make_shared<Item>(std::forward<Args>(args)...), takers);
     }
 
     /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo.
@@ -61,16 +64,36 @@ public:
     void setClean();
     bool isClean() const;
 
+    /// Points to go back to where no step leads.
+    RyRestorePoints *restorePoints() const;
+
 signals:
     /// Steps, index, or what can be undone may have changed.
     void changed();
     void cleanChanged(bool clean);
 
 private:
+    friend class RyRestorePoints;
     friend class RyUndoStackHold;
     friend class RyUndoStackLock;
-    bool wants(const RyUndoKey &key);
-    void append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item);
+    /// Who keeps a change.
+    enum Taker : unsigned { OpenHold = 1, RestorePoints = 2 };
+    /// All steps, how many of them are done, and which count of done ones is the saved state (-1: none).
+    struct History
+    {
+        std::vector<std::shared_ptr<RyUndoStep>> steps;
+        int index = 0;
+        int cleanIndex = 0;
+    };
+    unsigned wants(const RyUndoKey &key);
+    void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers);
+    /// Neither a hold is open nor a change being swapped or discarded.
+    bool isIdle() const;
+    History history() const;
+    /// Runs `swapAll`, which leads to the state that the history belongs to, as undo runs, then puts the history in place.
+    void exchangeHistory(const History &history, const std::function<void()> &swapAll);
+    /// Runs `drop`; what dies in it is no edit.
+    void discardIn(const std::function<void()> &drop);
     void setLocked(bool locked);
     int openHold();
     void acceptHold(int id, const QString &caption);

@@ -18,7 +18,7 @@ bool RyUndoStep::contains(const RyUndoKey &key) const
     return found != m_byKey.end() && m_entries[found->second].item->isAlive();
 }
 
-void RyUndoStep::append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item)
+void RyUndoStep::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item)
 {
     if (!key.isNull())
         m_byKey[key] = m_entries.size();

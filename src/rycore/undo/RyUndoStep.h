@@ -20,7 +20,7 @@ public:
 
     /// Whether a living item with that key is here; never for the null key.
     bool contains(const RyUndoKey &key) const;
-    void append(const RyUndoKey &key, std::unique_ptr<RyUndoItem> item);
+    void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item);
     /// Takes over the changes of a later step, keeping the first value of each key.
     void merge(RyUndoStep &later);
     /// Drops all items, newest first.
@@ -38,7 +38,7 @@ private:
     struct Entry
     {
         RyUndoKey key;
-        std::unique_ptr<RyUndoItem> item;
+        std::shared_ptr<RyUndoItem> item; // an open hold and the log of restore points share it
     };
     struct KeyHash
     {
