@@ -1,7 +1,9 @@
 #include "rycore/scene/RyScene.h"
 
 #include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 
 #include <QSet>
@@ -57,10 +59,16 @@ private:
     int m_index;
 };
 
-RyScene::RyScene(QObject *parent) : QObject(parent) {}
+RyScene::RyScene(QObject *parent) : QObject(parent), m_keeper(std::make_unique<RyRestoreKeeper>(this))
+{
+    if (RyRestorePoints *points = ryRestorePoints())
+        points->addKeeper(m_keeper.get());
+}
 
 RyScene::~RyScene()
 {
+    if (RyRestorePoints *points = ryRestorePoints())
+        points->removeKeeper(m_keeper.get());
     clear();
 }
 
@@ -178,6 +186,8 @@ RyNode *RyScene::findNode(const QString &name) const
 
 void RyScene::clear()
 {
+    if (RyRestorePoints *points = ryRestorePoints())
+        points->clear();
     if (m_nodes.empty() && !m_document)
         return;
     const std::vector<RyNode *> tops = getTopLevelNodes();

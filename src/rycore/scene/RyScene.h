@@ -11,6 +11,7 @@
 #include <vector>
 
 class RyNode;
+class RyRestoreKeeper;
 class RySkeleton;
 
 /// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the document it came from.
@@ -35,7 +36,7 @@ public:
     std::vector<RyNode *> getNodesInTreeOrder() const;
     std::vector<RySkeleton *> getSkeletons() const;
     Q_INVOKABLE RyNode *findNode(const QString &name) const;
-    /// Removes everything, the document included. The undo history is the caller's.
+    /// Removes everything, the document included, and drops all restore points. The undo history is the caller's.
     void clear();
 
     // --- Selection.
@@ -89,6 +90,7 @@ private:
     std::vector<RyNode *> m_selection;
     RyTime m_time;
     std::unique_ptr<RySceneDocument> m_document;
+    std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 
 /// The application's scene, made at first use.

@@ -1,13 +1,33 @@
 #include "rycore/ui/RyAction.h"
 
+#include "rycore/undo/RyRestoreGuard.h"
+
+namespace {
+
+/// The text without the mark of its key and without the dots that announce a dialog.
+QString plainText(QString text)
+{
+    const QString escaped(QChar::ObjectReplacementCharacter);
+    text.replace(QLatin1String("&&"), escaped).remove(QLatin1Char('&')).replace(escaped, QLatin1String("&"));
+    text = text.section(QLatin1Char('\t'), 0, 0);
+    while (text.endsWith(QLatin1Char('.')) || text.endsWith(QChar(0x2026)))
+        text.chop(1);
+    return text.trimmed();
+}
+
+} // namespace
+
 RyAction::RyAction(const QString &text, const QString &description) : QAction(text, nullptr), m_description(description)
 {
     updateTips();
     connect(this, &QAction::changed, this, &RyAction::updateTips);
     // Qt lets code and scripts trigger a disabled action.
     connect(this, &QAction::triggered, this, [this] {
-        if (isEnabled())
-            executeAction();
+        if (!isEnabled())
+            return;
+        // What undo does not take back can be gone back to before.
+        const RyRestoreGuard guard(plainText(this->text()));
+        executeAction();
     });
 }
 

@@ -20,9 +20,15 @@ void RyUndoLog::drop(Mark mark)
         m_entries.pop_front();
 }
 
+bool RyUndoLog::canGrow(const Entry &entry)
+{
+    // Not one that going back has logged a second time.
+    return entry.captured && entry.done && entry.step.use_count() == 1;
+}
+
 bool RyUndoLog::isOpen() const
 {
-    return !m_entries.empty() && m_entries.back().captured && m_entries.back().done;
+    return !m_entries.empty() && canGrow(m_entries.back());
 }
 
 bool RyUndoLog::wants(const RyUndoKey &key) const
@@ -53,7 +59,7 @@ void RyUndoLog::join(Mark right)
     if (left->step == right->step && left->done != right->done) {
         m_entries.erase(left);
         join(m_entries.erase(right));
-    } else if (left->captured && right->captured && left->done && right->done) {
+    } else if (canGrow(*left) && canGrow(*right)) {
         left->step->merge(*right->step);
         m_entries.erase(right);
     }

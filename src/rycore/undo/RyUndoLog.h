@@ -38,6 +38,8 @@ public:
     void swapBack(Mark from, Mark mark);
 
 private:
+    static bool canGrow(const Entry &entry);
+    /// Whether captures go to the last entry.
     bool isOpen() const;
     /// Unites the entries before and at `right` where they make one or cancel each other.
     void join(Mark right);

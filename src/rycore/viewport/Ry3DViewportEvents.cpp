@@ -76,8 +76,12 @@ void Ry3DViewport::mousePressEvent(QMouseEvent *event)
     if (!tool || event->button() != Qt::LeftButton)
         return;
     d->toolDrag = true;
+    d->restorePoint.reset();
+    d->restorePoint = std::make_unique<RyPressRestorePoint>(d->scene(), tool->objectName());
     makeCurrent();
     tool->mousePress(this, event, ryViewMouseModifier(event->modifiers()));
+    if (d->restorePoint) // a message box of the tool may have let the release through
+        d->restorePoint->pressed();
     event->accept();
 }
 
@@ -146,6 +150,7 @@ void Ry3DViewport::mouseReleaseEvent(QMouseEvent *event)
         makeCurrent();
         tool->mouseRelease(this, event, ryViewMouseModifier(event->modifiers()));
     }
+    d->restorePoint.reset();
     event->accept();
 }
 

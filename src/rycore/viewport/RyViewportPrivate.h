@@ -6,6 +6,7 @@
 #include "rycore/viewport/RyIdTile.h"
 #include "rycore/viewport/RyNodePicker.h"
 #include "rycore/viewport/RyPickPass.h"
+#include "rycore/viewport/RyPressRestorePoint.h"
 #include "rycore/viewport/RySceneRenderer.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
@@ -62,6 +63,7 @@ struct Ry3DViewport::Private
     QPoint lastMouse;
     QPoint pressMouse;
     bool toolDrag = false;
+    std::unique_ptr<RyPressRestorePoint> restorePoint; // from a press of a tool to its release
     bool menuPending = false;
 
     RyScene *scene() const { return manager ? manager->getScene() : nullptr; }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "rycore/undo/RyUndoKeeper.h"
+
+class RyScene;
+
+/// Keeps for restore points what a scene holds and no undo step records: selection, time, and which figures follow another
+/// one or draw their bones.
+class RyRestoreKeeper : public RyUndoKeeper
+{
+public:
+    explicit RyRestoreKeeper(RyScene *scene) : m_scene(scene) {}
+    std::function<void()> keep() override;
+
+private:
+    RyScene *m_scene;
+};
