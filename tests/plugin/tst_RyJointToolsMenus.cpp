@@ -82,13 +82,13 @@ const EnablingRow working[] = {
     {"RyJECreateSiblingBoneAction", "000010", boneOfFigureReason},
     {"RyJESplitBoneAction", "011111", anyReason},
     {"RyJEDeleteBoneAction", "000110", boneReason},
+    {"RyJECreateBoneAction", "001111", skeletonOrBoneReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
 /// brought to life.
 const EnablingRow notYetWorking[] = {
     {"RyJECustomColorsAction", "111111", ""},
-    {"RyJECreateBoneAction", "001111", skeletonOrBoneReason},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},

@@ -9,6 +9,10 @@ class RyJECreateBoneAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJECreateBoneAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJECreateSiblingBoneAction : public RyJEToolAction

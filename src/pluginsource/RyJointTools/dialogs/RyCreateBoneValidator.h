@@ -1,0 +1,21 @@
+#pragma once
+
+#include "rycore/ui/RyBasicDialogValidator.h"
+
+class RyJEBoneCreationDlg;
+class RySkeleton;
+
+/// Lets the bone creation dialog close when name and label are new to the skeleton of the selected bone. Otherwise it says
+/// so, writes free ones into the fields and keeps the dialog open. Numbers at their ends that differ can be made to agree.
+class RyCreateBoneValidator : public RyBasicDialogValidator
+{
+public:
+    /// False without a message unless a bone of a skeleton is the primary selection.
+    bool validate(RyBasicDialog *dialog) override;
+
+private:
+    /// Whether to go on with the name and the label as they are.
+    static bool agreeOnNumbers(RyJEBoneCreationDlg *dialog, const RySkeleton *skeleton);
+    static void fixNumbers(RyJEBoneCreationDlg *dialog, const RySkeleton *skeleton);
+    static bool areFree(RyJEBoneCreationDlg *dialog, const RySkeleton *skeleton);
+};
