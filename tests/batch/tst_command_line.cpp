@@ -1,24 +1,13 @@
 #include "support/RyTest.h"
 
+#include "RyBatchRun.h"
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
-
-namespace {
-
-struct Result
-{
-    int code = -1;
-    QByteArray out;
-    QByteArray err;
-};
-
-} // namespace
 
 /// The command line: every verb, every exit code, and that nothing is lost when something is refused.
 class CommandLineTest : public QObject
@@ -26,33 +15,13 @@ class CommandLineTest : public QObject
     Q_OBJECT
 
 private:
-    QTemporaryDir m_folder;
+    using Result = RyBatchRun::Result;
+    RyBatchRun m_run;
 
-    QString sample() const { return QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb"); }
-    QString file(const QString &name) const { return m_folder.filePath(name); }
-
-    Result run(const QStringList &arguments)
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("DISPLAY"));
-        environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
-        environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        environment.insert(QStringLiteral("RYHOST_SETTINGS_DIR"), file(QStringLiteral("settings")));
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
-        Result result;
-        if (!process.waitForFinished(120000)) {
-            process.kill();
-            return result;
-        }
-        result.code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-        result.out = process.readAllStandardOutput();
-        result.err = process.readAllStandardError();
-        return result;
-    }
-
-    Result batch(QStringList verbs) { return run(QStringList{QStringLiteral("--batch"), sample()} + verbs); }
+    QString sample() const { return RyBatchRun::sample(); }
+    QString file(const QString &name) const { return m_run.file(name); }
+    Result run(const QStringList &arguments) const { return m_run.run(arguments); }
+    Result batch(const QStringList &verbs) const { return m_run.batch(verbs); }
 
     static QByteArray bytesOf(const QString &path)
     {
@@ -66,7 +35,8 @@ private slots:
         const Result help = run({QStringLiteral("--help")});
         QCOMPARE(help.code, 0);
         QVERIFY(help.out.count('\n') <= 50);
-        for (const char *verb : {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump"})
+        for (const char *verb : {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump", "--run", "--set", "--answer",
+                                 "--script", "--report", "--merge", "--unit", "--redo"})
             QVERIFY2(help.out.contains(verb), verb);
     }
 

@@ -61,7 +61,10 @@ public:
         layout->addWidget(buttons);
         connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
             if (field->value() % 2 == 0)
-                dialog.accept();
+                return dialog.accept();
+            QMessageBox::warning(&dialog, QStringLiteral("Input Error"), QStringLiteral("Even numbers only."));
+            if (field->value() > 50)
+                field->setValue(50);
         });
         connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
         if (dialog.exec() == QDialog::Accepted)
@@ -173,13 +176,22 @@ private slots:
         m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("13"));
         result = run("RyJECountAction");
         QVERIFY(!result.ran && result.refused && !result.wrongUse);
-        QVERIFY2(result.reason.contains(QLatin1String("Count Things")), qPrintable(result.reason));
+        for (const char *words : {"Count Things", "Even numbers only."})
+            QVERIFY2(result.reason.contains(QLatin1String(words)), qPrintable(result.reason));
+        QCOMPARE(result.dialogs.size(), size_t(4));
+
+        // Corrected by the dialog, which then takes it: told, but no refusal.
+        m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("51"));
+        result = run("RyJECountAction");
+        QVERIFY(result.ran && !result.refused);
+        QCOMPARE(result.dialogs.size(), size_t(2));
+        QCOMPARE(m_count->count, 50);
 
         m_runner.setField(QStringLiteral("CountSpin"), QStringLiteral("14"));
         result = run("RyJECountAction");
         QVERIFY(!result.ran && !result.refused && result.wrongUse);
         QVERIFY2(result.reason.contains(QLatin1String("CountSpn (0 to 99)")), qPrintable(result.reason));
-        QCOMPARE(m_count->count, 12);
+        QCOMPARE(m_count->count, 50);
 
         m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("14"));
         result = run("RyJEPlainAction");

@@ -1,6 +1,10 @@
 #include "support/RyTest.h"
 
+#include "rycore/figure/RyFigure.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyDialogDriver.h"
+#include "rycore/ui/RyNodeDlg.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -327,6 +331,44 @@ private slots:
             QCOMPARE(driver.records().size(), size_t(1));
         }
         before.reject();
+    }
+
+    void nodesArePickedByName()
+    {
+        RyScene scene;
+        auto *figure = new RyFigure;
+        figure->setName(QStringLiteral("Figure1"));
+        auto *hip = new RyBone;
+        hip->setName(QStringLiteral("hip"));
+        hip->setLabel(QStringLiteral("The Hip"));
+        auto *thigh = new RyBone;
+        thigh->setName(QStringLiteral("lThigh"));
+        thigh->setLabel(QStringLiteral("hip"));
+        figure->addNodeChild(hip);
+        hip->addNodeChild(thigh);
+        scene.addNode(figure);
+        const auto pick = [&](const char *value, QStringList *errors) {
+            RyDialogDriver driver;
+            driver.setField(QStringLiteral("NodeDlgTree"), QString::fromLatin1(value));
+            RyNodeDlg dialog(nullptr, figure, QStringLiteral("RyNode"), true, true, false);
+            const bool accepted = dialog.exec() == QDialog::Accepted;
+            *errors = driver.errors();
+            return accepted ? dialog.getNode() : nullptr;
+        };
+        QStringList errors;
+        QCOMPARE(pick("hip", &errors), static_cast<RyNode *>(hip));
+        QCOMPARE(pick("lThigh", &errors), static_cast<RyNode *>(thigh));
+        QCOMPARE(pick("hip/lThigh", &errors), static_cast<RyNode *>(thigh));
+        QCOMPARE(pick("The Hip", &errors), static_cast<RyNode *>(hip));
+        QVERIFY(errors.isEmpty());
+        QVERIFY(!pick("head", &errors));
+        QCOMPARE(errors.size(), 1);
+        QVERIFY2(errors.first().contains(QLatin1String("Figure1, hip, lThigh")), qPrintable(errors.first()));
+
+        RyDialogDriver driver;
+        RyNodeDlg nothingPicked(nullptr, figure, QStringLiteral("RyNode"), true, true, false);
+        QCOMPARE(nothingPicked.exec(), int(QDialog::Rejected));
+        QVERIFY(driver.records().front().refused);
     }
 
     void theLatestDriverWorks()

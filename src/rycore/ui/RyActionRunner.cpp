@@ -33,12 +33,11 @@ QString stem(const QString &className)
 void judge(const RyDialogDriver &driver, RyActionResult &result)
 {
     for (const RyDialogRecord &record : driver.records()) {
-        if (!record.offersOnlyOk() && !record.refused)
+        if (!record.tellsOfRefusal() && !record.refused)
             continue;
         result.refused = true;
-        result.reason = record.offersOnlyOk() ? record.plainText() : record.reason;
-        if (!record.offersOnlyOk())
-            result.reason = tr("The dialog \"%1\" was not accepted: %2").arg(record.title, result.reason);
+        result.reason = record.refused ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
+                                       : record.plainText();
         break;
     }
     if (!driver.errors().isEmpty()) {

@@ -264,16 +264,25 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
         }
     }
     const QPointer<QAbstractButton> pressed(button);
+    QString complaint = tr("it did not take what its fields hold");
     m_records[record].answered = button ? ryButtonName(button) : QStringLiteral("accept");
     for (int attempt = 0; attempt < Attempts && guard && guard->isVisible(); ++attempt) {
         if (button && (!pressed || !pressed->isEnabled())) {
             reject(dialog, record, tr("its button %1 is disabled").arg(m_records[record].answered));
             return;
         }
+        const size_t first = m_records.size();
         button ? button->click() : dialog->accept();
+        if (!guard || !guard->isVisible())
+            return;
+        for (size_t i = first; i < m_records.size(); ++i) {
+            m_records[i].corrects = true;
+            if (m_records[i].offersOnlyOk())
+                complaint = m_records[i].plainText();
+        }
     }
     if (guard && guard->isVisible())
-        reject(dialog, record, tr("it did not take what its fields hold"));
+        reject(dialog, record, complaint);
 }
 
 void RyDialogDriver::reject(QDialog *dialog, size_t record, const QString &reason)

@@ -26,12 +26,15 @@ struct RyDialogRecord
     QString parentName;
     QString answered;     // the button; "accept" or "reject" for a dialog that has none for it
     bool refused = false; // the dialog could not be accepted
+    bool corrects = false; // the box came from a dialog that stayed open after it, to be accepted again
     QString reason;       // why not
 
     /// "information", "warning", "critical", "question" or "none".
     QString iconName() const;
-    /// A message box that leaves no choice: it tells why something is not done.
+    /// A message box that leaves no choice.
     bool offersOnlyOk() const;
+    /// It tells why something is not done: only Ok, and no dialog that gets another chance.
+    bool tellsOfRefusal() const { return offersOnlyOk() && !corrects; }
     /// `text` with `informativeText`, without mark-up.
     QString plainText() const;
     /// Everything in one line, for logs.

@@ -20,6 +20,7 @@ constexpr VerbRow Verbs[] = {
     {"--redo", BatchStep::Redo, Value::None},             {"--save", BatchStep::Save, Value::Required},
     {"--screenshot", BatchStep::Screenshot, Value::Required}, {"--dump", BatchStep::Dump, Value::Optional},
     {"--report", BatchStep::Report, Value::Optional},     {"--script", BatchStep::Script, Value::Required},
+    {"--run", BatchStep::Run, Value::Required},
 };
 
 bool isVerb(const QString &text)
@@ -55,31 +56,52 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
     return true;
 }
 
+bool BatchArguments::parsePictureOption(const QString &name, const QString &value, QString *error)
+{
+    if (steps.isEmpty() || steps.last().verb != BatchStep::Screenshot)
+        return fail(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
+    if (name == QLatin1String("--view")) {
+        if (!QStringList{QStringLiteral("front"), QStringLiteral("side"), QStringLiteral("top"),
+                         QStringLiteral("perspective")}.contains(value)) {
+            return fail(error, QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
+        }
+        steps.last().view = value;
+        return true;
+    }
+    const QStringList parts = value.split(QLatin1Char('x'));
+    const int width = parts.value(0).toInt();
+    const int height = parts.value(1).toInt();
+    if (parts.size() != 2 || width < 16 || height < 16 || width > 8192 || height > 8192)
+        return fail(error, QStringLiteral("--size: \"%1\" is no size such as 1280x900 (16 to 8192)").arg(value));
+    steps.last().size = QSize(width, height);
+    return true;
+}
+
+bool BatchArguments::parseDialogOption(const QString &name, const QString &value, QString *error)
+{
+    if (steps.isEmpty() || (steps.last().verb != BatchStep::Run && steps.last().verb != BatchStep::Script))
+        return fail(error, QStringLiteral("%1 belongs after the --run or --script whose dialogs it is for").arg(name));
+    // Values may hold an equals sign, and so may titles.
+    const bool isField = name == QLatin1String("--set");
+    const int equals = isField ? value.indexOf(QLatin1Char('=')) : value.lastIndexOf(QLatin1Char('='));
+    if (equals <= 0) {
+        return fail(error, QStringLiteral("%1: \"%2\" does not have the form %3").arg(name, value,
+            isField ? QStringLiteral("OBJECTNAME=VALUE") : QStringLiteral("TITLE=BUTTON")));
+    }
+    (isField ? steps.last().fields : steps.last().answers).append({value.left(equals), value.mid(equals + 1)});
+    return true;
+}
+
 bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *error)
 {
     const QString &name = arguments.at(at);
-    if (name == QLatin1String("--view") || name == QLatin1String("--size")) {
-        if (steps.isEmpty() || steps.last().verb != BatchStep::Screenshot)
-            return fail(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
+    const bool isPictureOption = name == QLatin1String("--view") || name == QLatin1String("--size");
+    if (isPictureOption || name == QLatin1String("--set") || name == QLatin1String("--answer")) {
         if (at + 1 >= arguments.size() || isVerb(arguments.at(at + 1)))
             return fail(error, QStringLiteral("%1 needs a value").arg(name));
         const QString &value = arguments.at(at + 1);
-        if (name == QLatin1String("--view")) {
-            if (!QStringList{QStringLiteral("front"), QStringLiteral("side"), QStringLiteral("top"),
-                             QStringLiteral("perspective")}.contains(value)) {
-                return fail(error, QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
-            }
-            steps.last().view = value;
-        } else {
-            const QStringList parts = value.split(QLatin1Char('x'));
-            const int width = parts.value(0).toInt();
-            const int height = parts.value(1).toInt();
-            if (parts.size() != 2 || width < 16 || height < 16 || width > 8192 || height > 8192)
-                return fail(error, QStringLiteral("--size: \"%1\" is no size such as 1280x900 (16 to 8192)").arg(value));
-            steps.last().size = QSize(width, height);
-        }
         at += 2;
-        return true;
+        return isPictureOption ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
     }
     for (const VerbRow &row : Verbs) {
         if (name != QLatin1String(row.name))

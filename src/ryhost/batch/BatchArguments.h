@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPair>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -8,12 +9,14 @@
 /// One verb of a batch run with what belongs to it.
 struct BatchStep
 {
-    enum Verb { Unit, Merge, Select, Property, Pose, Undo, Redo, Save, Screenshot, Dump, Report, Script };
+    enum Verb { Unit, Merge, Select, Property, Pose, Undo, Redo, Save, Screenshot, Dump, Report, Script, Run };
     Verb verb = Undo;
     QString value;                           // as written; empty where the verb takes none
     double number = 0.0;                     // Unit
     QString view = QStringLiteral("front"); // Screenshot
     QSize size{1280, 900};                   // Screenshot
+    QList<QPair<QString, QString>> fields;   // Run, Script: object name and value
+    QList<QPair<QString, QString>> answers;  // Run, Script: title and button
 };
 
 /// `--batch FILE [verb...]`: verbs run from left to right and may repeat. Everything is checked before anything runs.
@@ -28,4 +31,6 @@ public:
 
 private:
     bool parseVerb(const QStringList &arguments, int &at, QString *error);
+    bool parsePictureOption(const QString &name, const QString &value, QString *error);
+    bool parseDialogOption(const QString &name, const QString &value, QString *error);
 };

@@ -43,7 +43,7 @@ void addMesh(QJsonObject &entry, const RyNode &node)
 
 } // namespace
 
-QByteArray batchReport(const RyScene &scene, const QStringList &messages)
+QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
 {
     QJsonArray figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
@@ -77,7 +77,9 @@ QByteArray batchReport(const RyScene &scene, const QStringList &messages)
         {QStringLiteral("undoSteps"), steps},
         {QStringLiteral("undoIndex"), ryUndoStack()->index()},
         {QStringLiteral("unsaved"), !ryUndoStack()->isClean()},
-        {QStringLiteral("messages"), QJsonArray::fromStringList(messages)},
+        {QStringLiteral("messages"), QJsonArray::fromStringList(events.messages)},
+        {QStringLiteral("runs"), QJsonArray::fromVariantList(events.runs)},
+        {QStringLiteral("boxes"), QJsonArray::fromVariantList(events.boxes)},
     };
     if (const RySceneDocument *document = scene.getDocument()) {
         report[QStringLiteral("file")] = QFileInfo(document->path()).fileName();

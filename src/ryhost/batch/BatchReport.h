@@ -2,8 +2,17 @@
 
 #include <QByteArray>
 #include <QStringList>
+#include <QVariantList>
 
 class RyScene;
 
-/// What a batch run says of the scene: JSON with figures, bones, undo steps, selection and the messages of the run.
-QByteArray batchReport(const RyScene &scene, const QStringList &messages);
+/// What happened in a batch run.
+struct BatchEvents
+{
+    QStringList messages;
+    QVariantList runs;  // of actions: action, ran, refused, reason
+    QVariantList boxes; // dialogs and message boxes, each with the verb `during` which it opened
+};
+
+/// What a batch run says of the scene: JSON with figures, bones, undo steps, selection and the events of the run.
+QByteArray batchReport(const RyScene &scene, const BatchEvents &events);

@@ -2,12 +2,14 @@
 
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
+#include "rycore/ui/RyActionRunner.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -24,10 +26,15 @@
 
 BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window) {}
 
+void BatchRunner::print(const QString &message)
+{
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
 void BatchRunner::say(const QString &message)
 {
-    m_messages.append(message);
-    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    m_events.messages.append(message);
+    print(message);
 }
 
 ExitCode BatchRunner::fail(ExitCode code, const QString &message)
@@ -38,6 +45,9 @@ ExitCode BatchRunner::fail(ExitCode code, const QString &message)
 
 ExitCode BatchRunner::run(const BatchArguments &arguments)
 {
+    // The log prints by itself.
+    const auto listening = QObject::connect(&RyMessageLog::global(), &RyMessageLog::messageAdded,
+                                            [this](const QString &message) { m_events.messages.append(message); });
     // A unit that is said before anything else belongs to the file itself.
     int next = 0;
     for (; next < arguments.steps.size() && arguments.steps.at(next).verb == BatchStep::Unit; ++next)
@@ -46,10 +56,70 @@ ExitCode BatchRunner::run(const BatchArguments &arguments)
     m_unit = 0.0;
     for (; next < arguments.steps.size() && code == ExitCode::Done; ++next)
         code = runStep(arguments.steps.at(next));
+    for (; next < arguments.steps.size(); ++next) {
+        if (arguments.steps.at(next).verb == BatchStep::Report)
+            runStep(arguments.steps.at(next));
+    }
+    QObject::disconnect(listening);
     return code;
 }
 
+void BatchRunner::note(const QString &during, const std::vector<RyDialogRecord> &boxes)
+{
+    for (const RyDialogRecord &box : boxes) {
+        print(box.describe());
+        QVariantMap entry = box.toMap();
+        entry[QStringLiteral("during")] = during;
+        m_events.boxes.append(entry);
+    }
+}
+
 ExitCode BatchRunner::runStep(const BatchStep &step)
+{
+    return step.verb == BatchStep::Run ? runAction(step) : runWatched(step);
+}
+
+ExitCode BatchRunner::runAction(const BatchStep &step)
+{
+    RyActionRunner runner(m_window.getActionMgr());
+    for (const auto &[name, value] : step.fields)
+        runner.setField(name, value);
+    for (const auto &[title, button] : step.answers)
+        runner.setAnswer(title, button);
+    const RyActionResult result = runner.run(step.value);
+    note(step.value, result.dialogs);
+    for (const QString &message : result.notes)
+        say(QStringLiteral("--run %1: %2").arg(step.value, message));
+    m_events.runs.append(QVariantMap{{QStringLiteral("action"), step.value},
+                                     {QStringLiteral("ran"), result.ran},
+                                     {QStringLiteral("refused"), result.refused},
+                                     {QStringLiteral("reason"), result.reason}});
+    if (result.ran)
+        return ExitCode::Done;
+    return fail(result.wrongUse ? ExitCode::WrongUse : ExitCode::ActionRefused,
+                QStringLiteral("--run %1: %2").arg(step.value, result.reason));
+}
+
+ExitCode BatchRunner::runWatched(const BatchStep &step)
+{
+    RyDialogDriver driver;
+    for (const auto &[name, value] : step.fields)
+        driver.setField(name, value);
+    for (const auto &[title, button] : step.answers)
+        driver.setAnswer(title, button);
+    const ExitCode code = runVerb(step);
+    note(step.value, driver.records());
+    QStringList errors = driver.errors();
+    if (!driver.unusedFields().isEmpty())
+        errors.append(QStringLiteral("no dialog used %1").arg(driver.unusedFields().join(QStringLiteral(", "))));
+    for (const QString &title : driver.unusedAnswers())
+        say(QStringLiteral("%1: no message box \"%2\" asked for its answer").arg(step.value, title));
+    for (const QString &error : qAsConst(errors))
+        say(QStringLiteral("%1: %2").arg(step.value, error));
+    return code == ExitCode::Done && !errors.isEmpty() ? ExitCode::WrongUse : code;
+}
+
+ExitCode BatchRunner::runVerb(const BatchStep &step)
 {
     switch (step.verb) {
     case BatchStep::Unit:
@@ -74,9 +144,11 @@ ExitCode BatchRunner::runStep(const BatchStep &step)
     case BatchStep::Dump:
         return writeText(step.value, rySceneDump(*m_window.getScene()).toUtf8());
     case BatchStep::Report:
-        return writeText(step.value, batchReport(*m_window.getScene(), m_messages));
+        return writeText(step.value, batchReport(*m_window.getScene(), m_events));
     case BatchStep::Script:
         return runScript(step.value);
+    case BatchStep::Run:
+        return runAction(step);
     }
     return ExitCode::WrongUse;
 }

@@ -1,13 +1,17 @@
 #pragma once
 
 #include "ryhost/batch/BatchArguments.h"
+#include "ryhost/batch/BatchReport.h"
 
 class RyMainWindow;
+struct RyDialogRecord;
 
 /// Exit codes of the program.
 enum class ExitCode { Done = 0, FileRefused = 1, WrongUse = 2, ActionRefused = 3, CannotWrite = 4, ScriptFailed = 5 };
 
-/// Runs a batch: opens the file, then each verb in turn; stops at the first that fails. Messages go to standard error.
+/// Runs a batch: opens the file, then each verb in turn; stops at the first that fails, but still writes the reports that
+/// were asked for. Nothing waits for a person: dialogs are filled and accepted, message boxes answered, by what the verb says or
+/// by their own defaults. Messages and what the boxes said go to standard error.
 class BatchRunner
 {
 public:
@@ -25,12 +29,18 @@ private:
     ExitCode screenshot(const BatchStep &step);
     ExitCode writeText(const QString &path, const QByteArray &text);
     ExitCode runScript(const QString &path);
+    ExitCode runAction(const BatchStep &step);
+    /// Runs a step other than an action, with its dialogs taken.
+    ExitCode runWatched(const BatchStep &step);
+    ExitCode runVerb(const BatchStep &step);
+    void note(const QString &during, const std::vector<RyDialogRecord> &boxes);
     ExitCode fail(ExitCode code, const QString &message);
     void say(const QString &message);
+    void print(const QString &message);
 
     RyMainWindow &m_window;
     double m_unit = 0.0;
-    QStringList m_messages;
+    BatchEvents m_events;
 };
 
 /// The whole of `ryhost --batch ...`; `arguments` without the program's name. Needs a QApplication.

@@ -1,0 +1,44 @@
+#include "RyBatchRun.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QProcess>
+
+QJsonObject RyBatchRun::Result::json() const
+{
+    return QJsonDocument::fromJson(out).object();
+}
+
+QString RyBatchRun::sample()
+{
+    return QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb");
+}
+
+QString RyBatchRun::write(const QString &name, const QByteArray &content) const
+{
+    QFile target(file(name));
+    return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() ? target.fileName() : QString();
+}
+
+RyBatchRun::Result RyBatchRun::run(const QStringList &arguments) const
+{
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(QString::fromLatin1(name));
+    environment.insert(QStringLiteral("RYHOST_SETTINGS_DIR"), file(QStringLiteral("settings")));
+    if (!m_plugins.isEmpty())
+        environment.insert(QStringLiteral("RYHOST_PLUGIN_PATH"), m_plugins);
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
+    Result result;
+    if (!process.waitForFinished(120000)) {
+        process.kill();
+        process.waitForFinished();
+        return result;
+    }
+    result.code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+    result.out = process.readAllStandardOutput();
+    result.err = process.readAllStandardError();
+    return result;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// The program, run as a person at a shell would, without a display.
+class RyBatchRun
+{
+public:
+    struct Result
+    {
+        int code = -1; // -2: crashed
+        QByteArray out;
+        QByteArray err;
+        QJsonObject json() const;
+        bool says(const char *words) const { return err.contains(words); }
+    };
+
+    static QString sample();
+    /// A path in the folder of this run.
+    QString file(const QString &name) const { return m_folder.filePath(name); }
+    /// Writes a file there and returns its path.
+    QString write(const QString &name, const QByteArray &content) const;
+    /// Instead of the folder beside the program.
+    void setPlugins(const QString &folder) { m_plugins = folder; }
+
+    Result run(const QStringList &arguments) const;
+    /// With the sample figure.
+    Result batch(const QStringList &verbs) const { return run(QStringList{QStringLiteral("--batch"), sample()} + verbs); }
+
+private:
+    QTemporaryDir m_folder;
+    QString m_plugins;
+};
