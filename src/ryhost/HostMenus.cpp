@@ -17,6 +17,7 @@
 #include "ryhost/HostFiles.h"
 #include "ryhost/HostIcons.h"
 #include "ryhost/HostWindow.h"
+#include "ryhost/RestoreMenu.h"
 #include "ryhost/menuText.h"
 
 #include <QActionGroup>
@@ -121,6 +122,7 @@ void HostMenus::makeEditMenu()
     connect(m_redo, &QAction::triggered, ryUndoStack(), &RyUndoStack::redo);
     connect(ryUndoStack(), &RyUndoStack::changed, this, &HostMenus::updateUndo);
     updateUndo();
+    new RestoreMenu(menu, m_window, this);
     menu->addSeparator();
     connect(add(menu, QStringLiteral("EditSelectNone"), tr("Select &None"), QString(),
                 QKeySequence(QStringLiteral("Ctrl+Shift+A")), QString()),

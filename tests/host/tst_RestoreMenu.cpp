@@ -1,0 +1,256 @@
+#include "support/RyTest.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
+#include "rycore/ui/RyAction.h"
+#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/HostFiles.h"
+#include "ryhost/HostWindow.h"
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <QStatusBar>
+#include <QTemporaryDir>
+
+#include <functional>
+
+namespace {
+
+/// An action that does what it is told.
+class ToyAction : public RyAction
+{
+public:
+    ToyAction(const QString &text, std::function<void()> work) : RyAction(text, QString()), m_work(std::move(work)) {}
+    void executeAction() override { m_work(); }
+
+private:
+    std::function<void()> m_work;
+};
+
+/// A tool that does what it is told.
+class ToyTool : public RyViewTool
+{
+public:
+    ToyTool() : RyViewTool(QStringLiteral("Toy Tool")) {}
+    bool mousePress(Ry3DViewport *, QMouseEvent *, RyViewMouseModifier) override
+    {
+        press();
+        return true;
+    }
+    bool mouseRelease(Ry3DViewport *, QMouseEvent *, RyViewMouseModifier) override
+    {
+        release();
+        return true;
+    }
+    std::function<void()> press = [] {};
+    std::function<void()> release = [] {};
+};
+
+} // namespace
+
+class RestoreMenuTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_folder.isValid());
+        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
+        qputenv("RYHOST_PLUGIN_PATH", m_folder.path().toLocal8Bit());
+    }
+    void init()
+    {
+        RyAppSettings::setSettingsPath(m_folder.filePath(QStringLiteral("settings-%1").arg(++m_run)));
+        m_scene = std::make_unique<RyScene>();
+        m_window = std::make_unique<HostWindow>(m_scene.get());
+        m_window->start();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QVERIFY(m_window->files()->openPath(sample(), false));
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        QCOMPARE(ryRestorePoints()->count(), 0);
+        QCOMPARE(ryRestorePoints()->most(), 0);
+        m_scene.reset();
+        ryUndoStack()->clearAll();
+        ryUndoStack()->setClean();
+    }
+
+    void bringsBackADeletedBone()
+    {
+        bend();
+        bone()->select(true);
+        const QString before = dump();
+        QVERIFY(!latest()->isVisible());
+        ToyAction action(QStringLiteral("Delete && &Bury Bone..."), [this] { deleteBone(); });
+        action.trigger();
+        const QString after = dump();
+        QVERIFY(before != after);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QVERIFY(latest()->isVisible());
+        QCOMPARE(latest()->text(), QStringLiteral("Restore to before Delete && Bury Bone"));
+        QCOMPARE(m_window->statusBar()->currentMessage(),
+                 QStringLiteral("Undo does not take this back; Edit > Restore to before Delete & Bury Bone does."));
+        latest()->trigger();
+        QCOMPARE(dump(), before);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Bend"));
+        QCOMPARE(latest()->text(), QStringLiteral("Undo Restoring to before Delete && Bury Bone"));
+        latest()->trigger();
+        QCOMPARE(dump(), after);
+        latest()->trigger();
+        QCOMPARE(dump(), before);
+        ryUndoStack()->undo();
+        QVERIFY(dump() != before);
+        ryUndoStack()->redo();
+        QCOMPARE(dump(), before);
+    }
+
+    void listsPointsNewestFirst()
+    {
+        ToyAction first(QStringLiteral("Rename"), [this] { bone()->setName(QStringLiteral("other")); });
+        ToyAction second(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
+        ToyAction undoable(QStringLiteral("Bend"), [this] { bend(QStringLiteral("other")); });
+        ToyAction nothing(QStringLiteral("Nothing"), [] {});
+        const QString start = dump();
+        first.trigger();
+        undoable.trigger();
+        nothing.trigger();
+        second.trigger();
+        auto *menu = m_window->findChild<QMenu *>(QStringLiteral("RestoreMenu"));
+        QCOMPARE(menu->actions().size(), 2);
+        QCOMPARE(menu->actions().at(0)->text(), QStringLiteral("Restore to before Hide"));
+        QCOMPARE(menu->actions().at(1)->text(), QStringLiteral("Restore to before Rename"));
+        QVERIFY(menu->actions().at(1)->toolTip().startsWith(QStringLiteral("The scene as it was at ")));
+        menu->actions().at(1)->trigger();
+        QCoreApplication::processEvents();
+        QCOMPARE(dump(), start);
+        QCOMPARE(menu->actions().size(), 2);
+        QCOMPARE(menu->actions().at(0)->text(), QStringLiteral("Undo Restoring to before Rename"));
+    }
+
+    void historyLeadsToAnyStep()
+    {
+        const QString start = dump();
+        QStringList states{start};
+        for (int i = 1; i <= 4; ++i) {
+            RyUndoStackHold hold;
+            bone()->getZRotControl()->setValue(float(10 * i));
+            hold.accept(QStringLiteral("Turn & %1").arg(i));
+            states.append(dump());
+        }
+        auto *menu = m_window->findChild<QMenu *>(QStringLiteral("HistoryMenu"));
+        for (int step : {1, 4, 0, 3}) {
+            emit menu->aboutToShow();
+            QCOMPARE(menu->actions().size(), 5);
+            QCOMPARE(menu->actions().at(0)->text(), QStringLiteral("Beginning"));
+            QCOMPARE(menu->actions().at(2)->text(), QStringLiteral("Turn && 2"));
+            for (int i = 0; i < 5; ++i)
+                QCOMPARE(menu->actions().at(i)->isChecked(), i == ryUndoStack()->index());
+            menu->actions().at(step)->trigger();
+            QCoreApplication::processEvents();
+            QCOMPARE(ryUndoStack()->index(), step);
+            QCOMPARE(dump(), states.at(step));
+        }
+    }
+
+    void pressOfATool()
+    {
+        auto *tool = new ToyTool;
+        m_window->getViewportMgr()->addTool(tool);
+        m_window->getViewportMgr()->setActiveTool(tool);
+        std::unique_ptr<RyUndoStackHold> hold;
+        tool->press = [&] {
+            hold = std::make_unique<RyUndoStackHold>();
+            bone()->getZRotControl()->setValue(33);
+        };
+        tool->release = [&] { hold->accept(QStringLiteral("Drag")); };
+        click();
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Drag"));
+        QCOMPARE(ryRestorePoints()->count(), 0);
+
+        const QString before = dump();
+        tool->press = [&] {
+            auto *fresh = new RyBone;
+            fresh->setName(QStringLiteral("fresh"));
+            bone()->addNodeChild(fresh);
+            m_scene->addNode(fresh);
+            fresh->select(true);
+        };
+        tool->release = [] {};
+        click();
+        QCOMPARE(ryRestorePoints()->captions(), QStringList{QStringLiteral("Create Bone")});
+        latest()->trigger();
+        QCOMPARE(dump(), before);
+
+        tool->press = [] {};
+        tool->release = [&] { figure()->setHidden(true); };
+        click();
+        QCOMPARE(ryRestorePoints()->caption(0), QStringLiteral("Edit with Toy Tool"));
+        tool->release = [] {};
+        click();
+        QCOMPARE(ryRestorePoints()->count(), 2);
+    }
+
+    void openingAFileDropsThem()
+    {
+        ToyAction action(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
+        action.trigger();
+        QCOMPARE(ryRestorePoints()->count(), 1);
+        const QString path = m_folder.filePath(QStringLiteral("saved.glb"));
+        QVERIFY(m_window->files()->savePath(path));
+        QCOMPARE(ryRestorePoints()->count(), 1);
+        latest()->trigger();
+        QVERIFY2(!ryUndoStack()->isClean(), "the file holds the other state");
+        QVERIFY(m_window->files()->openPath(path));
+        QCOMPARE(ryRestorePoints()->count(), 0);
+        QVERIFY(!latest()->isVisible());
+    }
+
+private:
+    static QString sample() { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
+    QString dump() const { return rySceneDump(*m_scene); }
+    RySkeleton *figure() const { return m_scene->getSkeletons().at(0); }
+    RyNode *bone(const QString &name = QStringLiteral("lForearm")) const { return m_scene->findNode(name); }
+    QAction *latest() const { return m_window->findChild<QAction *>(QStringLiteral("EditRestoreLatest")); }
+    void bend(const QString &name = QStringLiteral("lForearm"))
+    {
+        RyUndoStackHold hold;
+        bone(name)->getZRotControl()->setValue(20);
+        hold.accept(QStringLiteral("Bend"));
+    }
+    void deleteBone()
+    {
+        RyUndoStackLock lock;
+        ryUndoStack()->clearAll();
+        RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure());
+        skin->removeBoneBinding(skin->findBoneBinding(bone()));
+        skin->normalize(0, RySkinBinding::GeneralWeights, false);
+        m_scene->removeNode(bone());
+    }
+    void click()
+    {
+        QTest::mousePress(m_window->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+        QTest::mouseRelease(m_window->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+    }
+
+    QTemporaryDir m_folder;
+    int m_run = 0;
+    std::unique_ptr<RyScene> m_scene;
+    std::unique_ptr<HostWindow> m_window;
+};
+
+RY_TEST(RestoreMenuTest)
+#include "tst_RestoreMenu.moc"
