@@ -98,6 +98,9 @@ void RyWeightMap::setAffected(int count, std::vector<int> indices, std::vector<q
     State state;
     state.count = std::max(count, 0);
     const size_t entries = std::min(indices.size(), weights.size());
+    // Maps are many and live long: no slack.
+    state.indices.reserve(entries);
+    state.weights.reserve(entries);
     int last = -1;
     for (size_t i = 0; i < entries; ++i) {
         if (weights[i] == 0 || indices[i] <= last || indices[i] >= state.count)
@@ -144,6 +147,9 @@ void RyWeightMap::makeSparse() const
         return;
     m_indices.clear();
     m_weights.clear();
+    const auto affected = m_dense.size() - size_t(std::count(m_dense.begin(), m_dense.end(), quint16(0)));
+    m_indices.reserve(affected);
+    m_weights.reserve(affected);
     for (size_t i = 0; i < m_dense.size(); ++i) {
         if (m_dense[i] != 0) {
             m_indices.push_back(int(i));
