@@ -83,6 +83,10 @@ const EnablingRow working[] = {
     {"RyJESplitBoneAction", "011111", anyReason},
     {"RyJEDeleteBoneAction", "000110", boneReason},
     {"RyJECreateBoneAction", "001111", skeletonOrBoneReason},
+    {"RyJERenameNodeAction", "011111", anyReason},
+    {"RyJEReparentBoneAction", "111111", ""},
+    {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
+    {"RyJESelectedNodesAttributesEditAction", "111111", ""},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
@@ -92,18 +96,14 @@ const EnablingRow notYetWorking[] = {
     {"RyJEDuplicateBonesAction", "011111", anyReason},
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},
-    {"RyJERenameNodeAction", "011111", anyReason},
-    {"RyJEReparentBoneAction", "111111", ""},
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
-    {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
     {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJERestoreNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJETransferWSRiggingAction", "111111", ""},
     {"RyJECreateDonorFigureAction", "111111", ""},
-    {"RyJESelectedNodesAttributesEditAction", "111111", ""},
     {"RyJECreateControlBonesAction", "111111", ""},
 };
 

@@ -55,6 +55,11 @@ private slots:
     void enabling();
     void deleteAllOneByOne_data();
     void deleteAllOneByOne();
+    void unusedNeedsAFigure_data();
+    void unusedNeedsAFigure();
+    void unusedAsksFirst_data();
+    void unusedAsksFirst();
+    void unusedEnabling();
 };
 
 void RyDeleteBoneTest::mergeAddsUpToFullWeight()
@@ -394,6 +399,84 @@ void RyDeleteBoneTest::deleteAllOneByOne()
     QVERIFY(scene.figure->getAllBones().empty());
     // Unmoved, and nothing breaks.
     QCOMPARE(ryLargestWay(scene.shown(), scene.object->getCurrentShape()->getGeometry()->getPositions()), 0.0f);
+}
+
+void RyDeleteBoneTest::unusedNeedsAFigure_data()
+{
+    QTest::addColumn<QString>("selected");
+    QTest::newRow("nothing") << "";
+    QTest::newRow("a prop") << "prop";
+    QTest::newRow("another skeleton") << "legacy";
+}
+
+void RyDeleteBoneTest::unusedNeedsAFigure()
+{
+    QFETCH(QString, selected);
+    RySkinnedScene scene;
+    auto *legacy = new RySkeleton;
+    legacy->setName(QStringLiteral("legacy"));
+    ryScene()->addNode(legacy);
+    ryScene()->setSelection({selected.isEmpty() ? nullptr : ryScene()->findNode(selected)});
+    const QString before = scene.dump();
+    RyMessageBoxes boxes;
+    RyJEDeleteUnusedBonesAction().executeAction();
+    QCOMPARE(boxes.facts, QStringList(QStringLiteral(
+                              "warning|Selection Error|Please select a Korvex<sup>TM</sup> technology figure.|Ok|Ok|Ok")));
+    QCOMPARE(boxes.parents, QList<QWidget *>({RyApp::getDialogParent()}));
+    QCOMPARE(scene.dump(), before);
+}
+
+void RyDeleteBoneTest::unusedAsksFirst_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("removes");
+    QTest::newRow("the default, Yes") << "" << true;
+    QTest::newRow("Yes") << "Yes" << true;
+    QTest::newRow("No") << "No" << false;
+}
+
+void RyDeleteBoneTest::unusedAsksFirst()
+{
+    QFETCH(QString, answer);
+    QFETCH(bool, removes);
+    RySkinnedScene scene(RySkinnedScene::General, 1);
+    setWeights(scene.skin, {{0}, {0}, {65535}, {0}, {0}});
+    ryScene()->setSelection({scene.lShin});
+    const QString before = scene.dump();
+    RyMessageBoxes boxes;
+    if (!answer.isEmpty())
+        boxes.setAnswer(QStringLiteral("Remove Unused Bones"), answer);
+    RyJEDeleteUnusedBonesAction().executeAction();
+    QCOMPARE(boxes.facts, QStringList(QStringLiteral(
+                              "warning|Remove Unused Bones|This will remove any unused bones in the selected figure.\nThis is "
+                              "not undo-able. Do you want to continue?|Yes,No|Yes|No")));
+    QCOMPARE(boxes.parents, QList<QWidget *>({RyApp::getDialogParent()}));
+    QCOMPARE(ryUndoStack()->count(), 0);
+    if (!removes) {
+        QCOMPARE(scene.dump(), before);
+        return;
+    }
+    // The foot and the other leg do nothing; hip and thigh carry the shin.
+    QStringList left;
+    for (const RyBone *bone : scene.figure->getAllBones())
+        left.append(bone->getName());
+    QCOMPARE(left, QStringList({"hip", "lThigh", "lShin"}));
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+void RyDeleteBoneTest::unusedEnabling()
+{
+    RyToolScene scene;
+    auto *legacy = new RySkeleton;
+    ryScene()->addNode(legacy);
+    RyJEDeleteUnusedBonesAction action;
+    QString enabled;
+    for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(legacy),
+                         static_cast<RyNode *>(scene.figure), static_cast<RyNode *>(scene.lFoot)}) {
+        ryScene()->setSelection({node});
+        enabled += QString::number(action.isEnabled()) + QString::number(RyJEDeleteUnusedBonesAction().isEnabled());
+    }
+    QCOMPARE(enabled, QStringLiteral("0000001111"));
 }
 
 RY_TEST(RyDeleteBoneTest)

@@ -4,6 +4,7 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEEditActions.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJERiggingActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJERotationOrderActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToggleActions.h"

@@ -4,10 +4,15 @@
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
 
+#include "rycore/app/RyApp.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyTransferUtility.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
+
+#include <QMessageBox>
 
 RyJEDeleteBoneAction::RyJEDeleteBoneAction() : RyJEToolAction(staticMetaObject)
 {
@@ -36,4 +41,29 @@ void RyJEDeleteBoneAction::executeAction()
         parent->select(true);
 }
 
-RyJEDeleteUnusedBonesAction::RyJEDeleteUnusedBonesAction() : RyJEToolAction(staticMetaObject) {}
+RyJEDeleteUnusedBonesAction::RyJEDeleteUnusedBonesAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJEDeleteUnusedBonesAction::selectionChanged()
+{
+    enableBy(isOfFigure);
+}
+
+void RyJEDeleteUnusedBonesAction::executeAction()
+{
+    const RyNode *primary = ryScene()->getPrimarySelection();
+    auto *figure = qobject_cast<RyFigure *>(primary ? primary->getSkeleton() : nullptr);
+    if (!figure) {
+        warnOfSelection(RyJEToolAction::tr("Please select a Korvex<sup>TM</sup> technology figure."));
+        return;
+    }
+    const int answer = QMessageBox::warning(
+        RyApp::getDialogParent(), RyJEToolAction::tr("Remove Unused Bones"),
+        RyJEToolAction::tr("This will remove any unused bones in the selected figure.\nThis is not undo-able. Do you want "
+                           "to continue?"),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
+    if (answer == QMessageBox::Yes)
+        RyTransferUtility::removeUnusedBones(figure);
+}

@@ -20,4 +20,8 @@ class RyJEDeleteUnusedBonesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEDeleteUnusedBonesAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };

@@ -4,17 +4,8 @@ RyJEConvertPropToFigureAction::RyJEConvertPropToFigureAction() : RyJEToolAction(
 
 RyJEConvertFigureToPropAction::RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject) {}
 
-RyJERenameNodeAction::RyJERenameNodeAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJEReparentBoneAction::RyJEReparentBoneAction() : RyJEToolAction(staticMetaObject) {}
-
 RyJEMirrorAction::RyJEMirrorAction() : RyJEToolAction(staticMetaObject) {}
 
 RyJEBakeRotationsAction::RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}
 
 RyJETransferWSRiggingAction::RyJETransferWSRiggingAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJESelectedNodesAttributesEditAction::RyJESelectedNodesAttributesEditAction() : RyJEToolAction(staticMetaObject)
-{
-    setObjectName(QStringLiteral("RyJESelectedNodeAttributesEditAction"));
-}

@@ -18,20 +18,6 @@ public:
     RyJEConvertFigureToPropAction();
 };
 
-class RyJERenameNodeAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJERenameNodeAction();
-};
-
-class RyJEReparentBoneAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJEReparentBoneAction();
-};
-
 class RyJEMirrorAction : public RyJEToolAction
 {
     Q_OBJECT
@@ -51,11 +37,4 @@ class RyJETransferWSRiggingAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJETransferWSRiggingAction();
-};
-
-class RyJESelectedNodesAttributesEditAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJESelectedNodesAttributesEditAction();
 };
