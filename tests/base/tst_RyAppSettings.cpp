@@ -245,6 +245,23 @@ private slots:
         QVERIFY(!RyAppSettings::settingsPath().startsWith(folder->path()));
     }
 
+    void whatIsThereIsNotWrittenAgain()
+    {
+        RyAppSettings settings(QStringLiteral("Test"));
+        settings.setIntValue(QStringLiteral("number"), 1);
+        // A time stamp of the past shows every write.
+        QFile stored(file());
+        QVERIFY(stored.open(QIODevice::ReadWrite));
+        const QDateTime past = QDateTime::fromSecsSinceEpoch(1000000000);
+        QVERIFY(stored.setFileTime(past, QFileDevice::FileModificationTime));
+        stored.close();
+        settings.setIntValue(QStringLiteral("number"), 1);
+        QCOMPARE(QFileInfo(file()).lastModified(), past);
+        settings.setStringValue(QStringLiteral("number"), QStringLiteral("1"));
+        QVERIFY(QFileInfo(file()).lastModified() > past);
+        QCOMPARE(settings.getStringValue(QStringLiteral("number"), QString()), QStringLiteral("1"));
+    }
+
     void observerSeesEveryAccess()
     {
         static QStringList seen;

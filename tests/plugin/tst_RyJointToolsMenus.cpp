@@ -87,12 +87,12 @@ const EnablingRow working[] = {
     {"RyJEReparentBoneAction", "111111", ""},
     {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
     {"RyJESelectedNodesAttributesEditAction", "111111", ""},
+    {"RyJECustomColorsAction", "111111", ""},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
 /// brought to life.
 const EnablingRow notYetWorking[] = {
-    {"RyJECustomColorsAction", "111111", ""},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},

@@ -126,6 +126,8 @@ QStringList RySettingsStore::keys(const QString &group)
 
 void RySettingsStore::setValue(const QString &group, const QString &key, const std::optional<RySettingsValue> &value)
 {
+    if (m_unwritten.isEmpty() && this->value(group, key) == value)
+        return;
     refresh();
     // Copies of their own: literals lie in the data of libraries that may be unloaded before the store goes.
     const Key own(QString(group.constData(), group.size()), QString(key.constData(), key.size()));

@@ -16,6 +16,8 @@ struct RySettingsValue
 {
     QByteArray type;
     QString text;
+
+    bool operator==(const RySettingsValue &other) const { return type == other.type && text == other.text; }
 };
 
 /// The settings file behind all groups: sections `[Group]` with lines `key=type:text`. Lines that it does not understand
@@ -30,7 +32,7 @@ public:
     void redirect(const QString &folder);
 
     std::optional<RySettingsValue> value(const QString &group, const QString &key);
-    /// No value removes the key.
+    /// No value removes the key. What the file holds already is not written again.
     void setValue(const QString &group, const QString &key, const std::optional<RySettingsValue> &value);
     QStringList keys(const QString &group);
     /// Logs, once for each key, why a stored value is not used.

@@ -1,6 +1,7 @@
 #include "rycore/ui/RyBasicDialog.h"
 
 #include "rycore/ui/RyBasicDialogValidator.h"
+#include "rycore/ui/RyStandardMetrics.h"
 
 #include <QDialogButtonBox>
 #include <QPushButton>
@@ -24,6 +25,7 @@ RyBasicDialog::RyBasicDialog(QWidget *parent)
     m_apply->setAccessibleDescription(tr("Applies the values and leaves the dialog open"));
     m_ok->setDefault(true);
     m_apply->hide();
+    m_layout->setSpacing(2 * RyStandardMetrics::Margin);
     m_layout->addWidget(m_buttons);
 
     connect(m_buttons, &QDialogButtonBox::accepted, this, &RyBasicDialog::accept);

@@ -4,9 +4,13 @@
 
 // How the tool draws.
 
+/// Opens the tool's drawing options; does nothing without the tool.
 class RyJECustomColorsAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
     RyJECustomColorsAction();
+
+public slots:
+    void executeAction() override;
 };
