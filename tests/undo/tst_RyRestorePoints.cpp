@@ -346,6 +346,26 @@ private slots:
         QCOMPARE(toy.value, 0);
     }
 
+    // Each time must swap as little as the first: this would take forever if ways back were walked again.
+    void goingBackOftenCostsTheSame()
+    {
+        struct Counter : RyUndoItem
+        {
+            explicit Counter(int &count) : swaps(count) {}
+            void swap() override { ++swaps; }
+            int &swaps;
+        };
+        int swaps = 0;
+        QVERIFY(points->take(QStringLiteral("first")));
+        stack->record(std::make_unique<Counter>(swaps));
+        QVERIFY(points->take(QStringLiteral("second")));
+        stack->record(std::make_unique<Counter>(swaps));
+        for (int i = 0; i < 60; ++i)
+            QVERIFY(points->restore(1));
+        QVERIFY2(swaps <= 60 * 2, qPrintable(QString::number(swaps)));
+        QVERIFY(swaps >= 60);
+    }
+
     // Steps that the history has dropped live as long as a point leads through them, and no longer.
     void itemsGoWithThePoints()
     {

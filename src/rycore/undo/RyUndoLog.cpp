@@ -1,6 +1,7 @@
 #include "rycore/undo/RyUndoLog.h"
 
 #include <iterator>
+#include <vector>
 
 RyUndoLog::Mark RyUndoLog::mark()
 {
@@ -67,14 +68,22 @@ void RyUndoLog::join(Mark right)
 
 void RyUndoLog::swapBack(Mark from, Mark mark)
 {
+    // What has been gone back over and forth cancels out, or going back often would double the log each time.
+    std::vector<Entry> way;
     for (Mark entry = from; entry != mark;) {
         --entry;
         if (!entry->step)
             continue;
-        if (entry->done)
-            entry->step->undo();
+        if (!way.empty() && way.back().step == entry->step && way.back().done == entry->done)
+            way.pop_back();
         else
-            entry->step->redo();
-        m_entries.push_back({entry->step, !entry->done, entry->captured});
+            way.push_back({entry->step, !entry->done, entry->captured});
+    }
+    for (const Entry &entry : way) {
+        if (entry.done)
+            entry.step->redo();
+        else
+            entry.step->undo();
+        m_entries.push_back(entry);
     }
 }

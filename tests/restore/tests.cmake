@@ -1,0 +1,3 @@
+if(TARGET ry_jointtools)
+  ry_test(restore OFFSCREEN LIBS ry_jointtools rycore)
+endif()
