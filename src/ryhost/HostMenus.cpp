@@ -21,12 +21,51 @@
 #include "ryhost/menuText.h"
 
 #include <QActionGroup>
+#include <QDir>
 #include <QDirIterator>
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
+
+namespace {
+
+/// What else people call the commands of the window, for the search over actions.
+constexpr struct
+{
+    const char *command;
+    const char *words;
+} searchWords[] = {
+    {"FileOpen", QT_TRANSLATE_NOOP("HostMenus", "import load")},
+    {"FileMerge", QT_TRANSLATE_NOOP("HostMenus", "import append add")},
+    {"FileSaveAs", QT_TRANSLATE_NOOP("HostMenus", "export copy")},
+    {"FileQuit", QT_TRANSLATE_NOOP("HostMenus", "exit close leave")},
+    {"EditUndo", QT_TRANSLATE_NOOP("HostMenus", "back revert")},
+    {"EditRedo", QT_TRANSLATE_NOOP("HostMenus", "repeat again")},
+    {"EditSelectNone", QT_TRANSLATE_NOOP("HostMenus", "deselect unselect clear")},
+    {"EditRestorePose", QT_TRANSLATE_NOOP("HostMenus", "clear transforms reset rest zero bind pose")},
+    {"ViewFrameSelection", QT_TRANSLATE_NOOP("HostMenus", "focus zoom fit center selected")},
+    {"ViewFrameAll", QT_TRANSLATE_NOOP("HostMenus", "home zoom fit everything")},
+    {"ViewProjection", QT_TRANSLATE_NOOP("HostMenus", "ortho camera toggle")},
+    {"ViewWireframe", QT_TRANSLATE_NOOP("HostMenus", "edges lines topology mesh")},
+    {"ViewDark", QT_TRANSLATE_NOOP("HostMenus", "theme style colors colours")},
+    {"ViewLight", QT_TRANSLATE_NOOP("HostMenus", "theme style colors colours")},
+    {"ViewResetLayout", QT_TRANSLATE_NOOP("HostMenus", "workspace docks panes windows default")},
+    {"HelpGuide", QT_TRANSLATE_NOOP("HostMenus", "manual documentation tutorial")},
+    {"HelpSearch", QT_TRANSLATE_NOOP("HostMenus", "find command palette")},
+};
+
+/// Enables or disables an entry; a disabled one says why.
+void setAvailable(QAction *action, bool onOff, const QString &reason, const QString &tip)
+{
+    action->setEnabled(onOff);
+    action->setProperty("unavailableReason", onOff ? QString() : reason);
+    action->setStatusTip(onOff ? tip : reason);
+    action->setToolTip(onOff ? tip : reason);
+}
+
+} // namespace
 
 HostMenus::HostMenus(HostWindow *window) : QObject(window), m_window(window)
 {
@@ -44,6 +83,10 @@ HostMenus::HostMenus(HostWindow *window) : QObject(window), m_window(window)
     m_scripts->setObjectName(QStringLiteral("ScriptsMenu"));
     connect(m_scripts, &QMenu::aboutToShow, this, &HostMenus::fillScripts);
     makeHelpMenu();
+    for (const auto &[command, words] : searchWords)
+        window->findChild<QAction *>(QString::fromLatin1(command))->setProperty("searchWords", tr(words));
+    for (QMenu *menu : window->menuBar()->findChildren<QMenu *>())
+        menu->setToolTipsVisible(true);
     connect(window->getViewportMgr(), &RyViewportMgr::activeToolChanged, this, &HostMenus::refresh);
     connect(window->getActionMgr(), &RyActionMgr::actionListChanged, this, &HostMenus::refresh);
     refresh();
@@ -98,13 +141,11 @@ void HostMenus::fillRecent()
     const QStringList files = m_window->files()->recentFiles();
     for (const QString &path : files) {
         QAction *action = m_recent->addAction(menuTextOf(QFileInfo(path).fileName()));
-        action->setToolTip(path);
-        action->setStatusTip(path);
-        action->setEnabled(QFileInfo::exists(path));
+        setAvailable(action, QFileInfo::exists(path), tr("%1 is not there any more.").arg(QDir::toNativeSeparators(path)),
+                     QDir::toNativeSeparators(path));
         connect(action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); });
     }
-    m_recent->setToolTipsVisible(true);
-    m_recent->setEnabled(!files.isEmpty());
+    setAvailable(m_recent->menuAction(), !files.isEmpty(), tr("No file has been opened or saved yet."), QString());
     if (files.isEmpty())
         return;
     m_recent->addSeparator();
@@ -135,8 +176,8 @@ void HostMenus::makeEditMenu()
 void HostMenus::updateUndo()
 {
     const RyUndoStack *stack = ryUndoStack();
-    m_undo->setEnabled(stack->canUndo());
-    m_redo->setEnabled(stack->canRedo());
+    setAvailable(m_undo, stack->canUndo(), tr("There is nothing to undo."), tr("Take the latest edit back"));
+    setAvailable(m_redo, stack->canRedo(), tr("There is nothing to redo."), tr("Do again what was taken back"));
     m_undo->setText(stack->canUndo() ? tr("&Undo %1").arg(menuTextOf(stack->undoText())) : tr("&Undo"));
     m_redo->setText(stack->canRedo() ? tr("&Redo %1").arg(menuTextOf(stack->redoText())) : tr("&Redo"));
 }

@@ -1,11 +1,10 @@
 #include "ryhost/HostTheme.h"
 
 #include "ryhost/HostIcons.h"
+#include "ryhost/HostStyle.h"
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyle>
-#include <QStyleFactory>
 #include <QToolTip>
 
 namespace {
@@ -52,7 +51,7 @@ QColor HostTheme::accent()
 
 void HostTheme::apply(bool dark)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new HostStyle);
     const QPalette palette = makePalette(dark);
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);

@@ -55,7 +55,7 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
     makePanes();
     makeStatusBar();
     m_menus = new HostMenus(this);
-    m_search = new ActionSearch(menuBar());
+    m_search = new ActionSearch(this);
     menuBar()->setCornerWidget(m_search, Qt::TopRightCorner);
 
     connect(getViewportMgr(), &RyViewportMgr::activeToolChanged, this, [this](RyViewTool *tool) {

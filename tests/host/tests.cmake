@@ -1,3 +1,6 @@
 if(TARGET ry_ryhost)
   ry_test(host GL LIBS ry_ryhost rycore)
+  if(TARGET RyJointTools)
+    add_dependencies(tst_host RyJointTools)
+  endif()
 endif()

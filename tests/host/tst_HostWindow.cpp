@@ -294,9 +294,6 @@ private slots:
     void searchFindsAndRunsCommands()
     {
         ActionSearch *search = m_window->actionSearch();
-        const QStringList texts = search->texts();
-        QVERIFY(texts.contains(QStringLiteral("View > Wireframe")));
-        QVERIFY(!texts.contains(QStringLiteral("Edit > Undo")));
         QTest::keyClick(m_window.get(), Qt::Key_F3);
         QTRY_VERIFY(search->hasFocus());
         QTest::keyClicks(search, QStringLiteral("wirefr"));

@@ -9,6 +9,7 @@ class RyAction : public QAction
     Q_OBJECT
     Q_PROPERTY(QString description READ getDescription)
     Q_PROPERTY(QString unavailableReason READ unavailableReason)
+    Q_PROPERTY(QString searchWords READ getSearchWords)
 public:
     RyAction(const QString &text, const QString &description);
     ~RyAction() override;
@@ -22,6 +23,8 @@ public:
     /// The tips are made of it.
     QString getDescription() const { return m_description; }
 
+    /// What else people call this, words parted by blanks, for a search over actions.
+    QString getSearchWords() const { return m_searchWords; }
     /// Why the action is disabled and what would help, one sentence; empty while it is enabled and where nobody has said.
     QString unavailableReason() const;
 
@@ -30,6 +33,7 @@ public slots:
 
 protected:
     void setDescription(const QString &description);
+    void setSearchWords(const QString &words) { m_searchWords = words; }
     /// Told by whoever disables the action. It is kept while the action is enabled, and shown in the tips while it is not.
     void setUnavailableReason(const QString &reason);
 
@@ -37,5 +41,6 @@ private:
     void updateTips();
 
     QString m_description;
+    QString m_searchWords;
     QString m_reason;
 };

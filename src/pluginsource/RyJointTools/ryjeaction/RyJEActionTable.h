@@ -7,6 +7,7 @@ struct RyJEActionText
     const char *text;
     const char *description;
     bool checkable;
+    const char *searchWords; // what others call it: found by a search, never shown
 };
 
 /// The row of an action class; every joint editor action has one.

@@ -13,6 +13,7 @@ RyJEToolAction::RyJEToolAction(const QString &text, const QString &description) 
 RyJEToolAction::RyJEToolAction(const RyJEActionText &row) : RyJEToolAction(tr(row.text), tr(row.description))
 {
     setCheckable(row.checkable);
+    setSearchWords(tr(row.searchWords));
 }
 
 RyJEToolAction::RyJEToolAction(const QMetaObject &actionClass) : RyJEToolAction(ryJEActionText(actionClass.className()))

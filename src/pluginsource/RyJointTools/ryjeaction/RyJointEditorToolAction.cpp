@@ -1,6 +1,9 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJointEditorToolAction.h"
 
-RyJointEditorToolAction::RyJointEditorToolAction() : RyViewToolAction(QStringLiteral("RyJointEditorTool")) {}
+RyJointEditorToolAction::RyJointEditorToolAction() : RyViewToolAction(QStringLiteral("RyJointEditorTool"))
+{
+    setSearchWords(tr("rig rigging skeleton armature edit mode joints bones"));
+}
 
 QKeySequence RyJointEditorToolAction::getDefaultAccel() const
 {
