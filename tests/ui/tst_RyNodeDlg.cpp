@@ -68,6 +68,8 @@ private slots:
         }
         click("feather");
         expectPick({m_feather});
+        QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier, place("hat"));
+        QVERIFY(m_dialog->isVisible());
         m_scene->removeNode(m_feather);
         QVERIFY(!shown().contains(QStringLiteral("  hat")));
         make("RySkeleton");

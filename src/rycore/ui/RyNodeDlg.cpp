@@ -45,7 +45,10 @@ RyNodeDlg::RyNodeDlg(QWidget *parent, RyNode *root, const QString &className, bo
 
     connect(m_search, &QLineEdit::textChanged, this, &RyNodeDlg::search);
     connect(m_tree, &RyNodeTreeWgt::pickChanged, this, &RyNodeDlg::updatePick);
-    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, &RyNodeDlg::accept);
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem *item) {
+        if (item->isSelected())
+            accept();
+    });
     m_tree->setRoot(root, className, showRoot);
 }
 
