@@ -275,6 +275,24 @@ private slots:
         QCOMPARE(driver.boxes().size(), size_t(2));
     }
 
+    void dialogsBelowADialogAreNotPartOfIt()
+    {
+        RyDialogDriver driver;
+        FormDialog dialog;
+        FormDialog hidden(&dialog);
+        hidden.mirror.setObjectName(QStringLiteral("OtherChk"));
+        dialog.validate = [] { return false; };
+        driver.setField(QStringLiteral("NameLed"), QStringLiteral("hip"));
+        QCOMPARE(dialog.exec(), int(QDialog::Rejected));
+        QCOMPARE(driver.records().front().answered, QStringLiteral("Cancel"));
+        QCOMPARE(driver.records().front().buttons.size(), 3);
+        QVERIFY(hidden.name.text().isEmpty());
+        driver.setField(QStringLiteral("OtherChk"), QStringLiteral("true"));
+        dialog.exec();
+        QCOMPARE(driver.errors().size(), 1);
+        QVERIFY2(!driver.errors().first().contains(QLatin1String("NameLed#2")), qPrintable(driver.errors().first()));
+    }
+
     void rulesCancelDialogs()
     {
         RyDialogDriver driver;

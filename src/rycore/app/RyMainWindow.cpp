@@ -1,6 +1,7 @@
 #include "rycore/app/RyMainWindow.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/app/addScriptServices.h"
 #include "rycore/base/RyClassFactory.h"
 #include "rycore/base/RyPluginManager.h"
 #include "rycore/scene/RyScene.h"
@@ -58,6 +59,7 @@ RyMainWindow::RyMainWindow(RyScene *scene, QWidget *parent) : QMainWindow(parent
     d->viewports = std::make_unique<RyViewportMgr>(scene);
     d->actions = std::make_unique<RyActionMgr>(d->viewports.get());
     d->scripts->setGlobalScene(scene);
+    ryAddScriptServices(d->scripts.get(), d->actions.get());
     connect(d->viewports.get(), &RyViewportMgr::viewportAdded, this, [this](Ry3DViewport *viewport) {
         connect(viewport, &Ry3DViewport::contextMenuRequested, this, &RyMainWindow::showToolMenu);
     });

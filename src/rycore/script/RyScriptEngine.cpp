@@ -3,6 +3,7 @@
 #include "rycore/base/RyClassFactory.h"
 #include "rycore/base/RyError.h"
 #include "rycore/base/RyMessageLog.h"
+#include "rycore/script/prototypes/registerSceneClasses.h"
 
 #include <QMetaMethod>
 #include <QScriptContext>
@@ -36,6 +37,7 @@ RyScriptEngine::RyScriptEngine(QObject *parent) : QScriptEngine(parent)
     engines.push_back(this);
     qScriptRegisterMetaType<RyError>(this, errorToScript, errorFromScript);
     globalObject().setProperty(QStringLiteral("print"), newFunction(print));
+    ryRegisterSceneClasses(this);
 }
 
 RyScriptEngine::~RyScriptEngine()
@@ -56,7 +58,7 @@ void RyScriptEngine::registerFactories(const std::vector<RyClassFactory *> &fact
 
 void RyScriptEngine::setGlobal(const QString &name, QObject *object)
 {
-    globalObject().setProperty(name, object ? newQObject(object, QtOwnership) : QScriptValue());
+    globalObject().setProperty(name, object ? newQObject(object, QtOwnership, ExcludeDeleteLater) : QScriptValue());
 }
 
 void RyScriptEngine::setGlobalScene(QObject *scene)

@@ -94,11 +94,8 @@ RyActionResult RyActionRunner::run(const QString &className)
     RyActionResult result;
     RyAction *action = m_manager ? m_manager->findAction(className) : nullptr;
     if (!action) {
-        const QStringList near = nearNames(className);
         result.wrongUse = true;
-        result.reason = tr("There is no action %1").arg(className);
-        result.reason += near.isEmpty() ? tr("; there is %1.").arg(names().join(QStringLiteral(", ")))
-                                        : tr(" (did you mean %1?).").arg(near.join(tr(" or ")));
+        result.reason = unknownReason(className);
         return result;
     }
     if (!action->isEnabled()) {
@@ -129,6 +126,14 @@ QStringList RyActionRunner::names() const
     }
     names.sort();
     return names;
+}
+
+QString RyActionRunner::unknownReason(const QString &className) const
+{
+    const QStringList near = nearNames(className);
+    return near.isEmpty()
+        ? tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
+        : tr("There is no action %1 (did you mean %2?).").arg(className, near.join(tr(" or ")));
 }
 
 QStringList RyActionRunner::nearNames(const QString &name) const

@@ -33,7 +33,9 @@ public:
 
     /// Class names of all actions, sorted.
     QStringList names() const;
-    /// Those of them that look like `name`.
+    /// What to say of a class that is not there, with those that look like it.
+    QString unknownReason(const QString &className) const;
+    /// Those that look like `name`.
     QStringList nearNames(const QString &name) const;
 
 private:

@@ -11,9 +11,18 @@
 
 namespace {
 
+/// Not those of dialogs that this one is the parent of.
+QList<QDialogButtonBox *> boxesOf(const QDialog *dialog)
+{
+    QList<QDialogButtonBox *> boxes = dialog->findChildren<QDialogButtonBox *>();
+    const auto isOther = [dialog](const QDialogButtonBox *box) { return box->window() != dialog; };
+    boxes.erase(std::remove_if(boxes.begin(), boxes.end(), isOther), boxes.end());
+    return boxes;
+}
+
 QDialogButtonBox::ButtonRole roleOf(const QDialog *dialog, QAbstractButton *button)
 {
-    for (const QDialogButtonBox *box : dialog->findChildren<QDialogButtonBox *>()) {
+    for (const QDialogButtonBox *box : boxesOf(dialog)) {
         const QDialogButtonBox::ButtonRole role = box->buttonRole(button);
         if (role != QDialogButtonBox::InvalidRole)
             return role;
@@ -36,11 +45,13 @@ QList<QAbstractButton *> withRole(const QDialog *dialog, QDialogButtonBox::Butto
 QList<QAbstractButton *> RyDialogButtons::buttonsOf(const QDialog *dialog)
 {
     QList<QAbstractButton *> buttons;
-    for (const QDialogButtonBox *box : dialog->findChildren<QDialogButtonBox *>())
+    for (const QDialogButtonBox *box : boxesOf(dialog))
         buttons += box->buttons();
     if (buttons.isEmpty() && !qobject_cast<const QMessageBox *>(dialog)) {
-        for (QPushButton *button : dialog->findChildren<QPushButton *>())
-            buttons.append(button);
+        for (QPushButton *button : dialog->findChildren<QPushButton *>()) {
+            if (button->window() == dialog)
+                buttons.append(button);
+        }
     }
     const auto isHidden = [](const QAbstractButton *button) { return button->isHidden(); };
     buttons.erase(std::remove_if(buttons.begin(), buttons.end(), isHidden), buttons.end());
@@ -86,7 +97,7 @@ QAbstractButton *RyDialogButtons::escapeButton(const QDialog *dialog)
 
 QAbstractButton *RyDialogButtons::acceptButton(const QDialog *dialog)
 {
-    for (const QDialogButtonBox *box : dialog->findChildren<QDialogButtonBox *>()) {
+    for (const QDialogButtonBox *box : boxesOf(dialog)) {
         for (const auto standard : {QDialogButtonBox::Ok, QDialogButtonBox::Yes, QDialogButtonBox::Save, QDialogButtonBox::Open}) {
             if (box->button(standard))
                 return box->button(standard);
@@ -99,7 +110,7 @@ QAbstractButton *RyDialogButtons::acceptButton(const QDialog *dialog)
     }
     if (QAbstractButton *button = findButton(dialog, QStringLiteral("Ok")))
         return button;
-    return dialog->findChildren<QDialogButtonBox *>().isEmpty() ? defaultButton(dialog) : nullptr;
+    return boxesOf(dialog).isEmpty() ? defaultButton(dialog) : nullptr;
 }
 
 QAbstractButton *RyDialogButtons::findButton(const QDialog *dialog, const QString &name)

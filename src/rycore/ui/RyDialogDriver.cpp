@@ -1,6 +1,7 @@
 #include "rycore/ui/RyDialogDriver.h"
 
 #include "rycore/ui/RyDialogButtons.h"
+#include "rycore/ui/RyScriptForm.h"
 #include "rycore/ui/RyWidgetFilling.h"
 
 #include <QAbstractButton>
@@ -281,8 +282,10 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
                 complaint = m_records[i].plainText();
         }
     }
-    if (guard && guard->isVisible())
-        reject(dialog, record, complaint);
+    if (!guard || !guard->isVisible())
+        return;
+    const auto *form = qobject_cast<RyScriptForm *>(dialog);
+    reject(dialog, record, form && !form->getMessage().isEmpty() ? form->getMessage() : complaint);
 }
 
 void RyDialogDriver::reject(QDialog *dialog, size_t record, const QString &reason)

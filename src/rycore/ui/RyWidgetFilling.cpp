@@ -192,6 +192,15 @@ QList<QWidget *> fillableParts(const QWidget *widget)
     return parts;
 }
 
+/// Not those in windows that this one is the parent of.
+QList<QWidget *> widgetsIn(const QWidget *window, const QString &name = QString())
+{
+    QList<QWidget *> widgets = window->findChildren<QWidget *>(name);
+    const auto isOther = [window](const QWidget *widget) { return widget->window() != window->window(); };
+    widgets.erase(std::remove_if(widgets.begin(), widgets.end(), isOther), widgets.end());
+    return widgets;
+}
+
 bool isBasicKind(const QWidget *widget)
 {
     const auto *spin = qobject_cast<const QAbstractSpinBox *>(widget);
@@ -284,9 +293,9 @@ QWidget *ryFindField(const QWidget *window, const QString &name)
     const int mark = name.lastIndexOf(QLatin1Char('#'));
     bool isNumber = false;
     const int number = mark > 0 ? name.mid(mark + 1).toInt(&isNumber) : 0;
-    QList<QWidget *> found = window->findChildren<QWidget *>(name);
+    const QList<QWidget *> found = widgetsIn(window, name);
     if (found.isEmpty() && isNumber)
-        return window->findChildren<QWidget *>(name.left(mark)).value(number - 1);
+        return widgetsIn(window, name.left(mark)).value(number - 1);
     // A label may carry the name of its field.
     const auto fillable = std::find_if(found.begin(), found.end(), [](QWidget *widget) { return ryCanFillWidget(widget); });
     return fillable != found.end() ? *fillable : found.value(0);
@@ -296,7 +305,7 @@ QStringList ryDescribeFields(const QWidget *window)
 {
     QStringList lines;
     QHash<QString, int> seen;
-    for (const QWidget *widget : window->findChildren<QWidget *>()) {
+    for (const QWidget *widget : widgetsIn(window)) {
         if (isInternal(widget))
             continue;
         const int number = ++seen[widget->objectName()];

@@ -6,7 +6,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "ryhost/batch/NodeLookup.h"
+#include "rycore/scene/RyNodeLookup.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -47,7 +47,7 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
 {
     QJsonArray figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
-        QJsonObject entry{{QStringLiteral("name"), node->getName()}, {QStringLiteral("path"), NodeLookup::pathOf(node)}};
+        QJsonObject entry{{QStringLiteral("name"), node->getName()}, {QStringLiteral("path"), RyNodeLookup::pathOf(node)}};
         if (const auto *skeleton = qobject_cast<const RySkeleton *>(node)) {
             addMesh(entry, *node);
             QJsonArray bones;
@@ -67,7 +67,7 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
     }
     QJsonArray selection, steps;
     for (const RyNode *node : scene.selectedNodeListIterator())
-        selection.append(NodeLookup::pathOf(node));
+        selection.append(RyNodeLookup::pathOf(node));
     for (int step = 0; step < ryUndoStack()->count(); ++step)
         steps.append(ryUndoStack()->caption(step));
     QJsonObject report{

@@ -16,7 +16,7 @@
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/HostPlugins.h"
 #include "ryhost/batch/BatchReport.h"
-#include "ryhost/batch/NodeLookup.h"
+#include "rycore/scene/RyNodeLookup.h"
 
 #include <QImage>
 #include <QImageWriter>
@@ -79,8 +79,17 @@ ExitCode BatchRunner::runStep(const BatchStep &step)
     return step.verb == BatchStep::Run ? runAction(step) : runWatched(step);
 }
 
+void BatchRunner::activateTool()
+{
+    RyViewportMgr &manager = *m_window.getViewportMgr();
+    RyViewTool *tool = manager.findTool(QStringLiteral("RyJointEditorTool"));
+    if (tool && manager.getActiveTool() != tool)
+        manager.setActiveTool(tool);
+}
+
 ExitCode BatchRunner::runAction(const BatchStep &step)
 {
+    activateTool();
     RyActionRunner runner(m_window.getActionMgr());
     for (const auto &[name, value] : step.fields)
         runner.setField(name, value);
@@ -116,7 +125,13 @@ ExitCode BatchRunner::runWatched(const BatchStep &step)
         say(QStringLiteral("%1: no message box \"%2\" asked for its answer").arg(step.value, title));
     for (const QString &error : qAsConst(errors))
         say(QStringLiteral("%1: %2").arg(step.value, error));
-    return code == ExitCode::Done && !errors.isEmpty() ? ExitCode::WrongUse : code;
+    if (code != ExitCode::Done || !errors.isEmpty())
+        return code == ExitCode::Done ? ExitCode::WrongUse : code;
+    for (const RyDialogRecord &record : driver.records()) {
+        if (record.refused)
+            return fail(ExitCode::ActionRefused, QStringLiteral("%1: the dialog \"%2\" was not accepted: %3").arg(step.value, record.title, record.reason));
+    }
+    return ExitCode::Done;
 }
 
 ExitCode BatchRunner::runVerb(const BatchStep &step)
@@ -173,13 +188,13 @@ ExitCode BatchRunner::select(const QString &names)
     QString error;
     if (names != QLatin1String("none")) {
         // A name that holds a comma is tried as it stands first.
-        if (RyNode *whole = NodeLookup::findNode(scene, names, &error)) {
+        if (RyNode *whole = RyNodeLookup::findNode(scene, names, &error)) {
             nodes.push_back(whole);
         } else if (!names.contains(QLatin1Char(','))) {
             return fail(ExitCode::WrongUse, QStringLiteral("--select: ") + error);
         } else {
             for (const QString &name : names.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-                RyNode *node = NodeLookup::findNode(scene, name.trimmed(), &error);
+                RyNode *node = RyNodeLookup::findNode(scene, name.trimmed(), &error);
                 if (!node)
                     return fail(ExitCode::WrongUse, QStringLiteral("--select: ") + error);
                 nodes.push_back(node);
@@ -195,7 +210,7 @@ ExitCode BatchRunner::writeProperty(const QString &text, bool poseOnly)
     const QString verb = poseOnly ? QStringLiteral("--pose: ") : QStringLiteral("--property: ");
     QString error;
     float value = 0.0f;
-    RyFloatProperty *property = NodeLookup::findProperty(*m_window.getScene(), text, poseOnly, &value, &error);
+    RyFloatProperty *property = RyNodeLookup::findProperty(*m_window.getScene(), text, poseOnly, &value, &error);
     if (!property)
         return fail(ExitCode::WrongUse, verb + error);
     RyUndoStackHold hold;
@@ -228,10 +243,8 @@ ExitCode BatchRunner::save(const QString &path)
 
 ExitCode BatchRunner::screenshot(const BatchStep &step)
 {
-    RyViewportMgr &manager = *m_window.getViewportMgr();
-    if (RyViewTool *tool = manager.findTool(QStringLiteral("RyJointEditorTool")))
-        manager.setActiveTool(tool);
-    Ry3DViewport viewport(&manager);
+    activateTool();
+    Ry3DViewport viewport(m_window.getViewportMgr());
     viewport.resize(step.size);
     viewport.setStandardView(step.view == QLatin1String("front")  ? Ry3DViewport::StandardView::Front
                              : step.view == QLatin1String("side") ? Ry3DViewport::StandardView::Side
@@ -264,6 +277,7 @@ ExitCode BatchRunner::writeText(const QString &path, const QByteArray &text)
 
 ExitCode BatchRunner::runScript(const QString &path)
 {
+    activateTool();
     RyScript script{QString()};
     if (!script.loadFromFile(path, true))
         return fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script could not be read").arg(path));

@@ -33,6 +33,8 @@ private:
     /// Runs a step other than an action, with its dialogs taken.
     ExitCode runWatched(const BatchStep &step);
     ExitCode runVerb(const BatchStep &step);
+    /// The joint editor, as in a window where a person would use its actions.
+    void activateTool();
     void note(const QString &during, const std::vector<RyDialogRecord> &boxes);
     ExitCode fail(ExitCode code, const QString &message);
     void say(const QString &message);

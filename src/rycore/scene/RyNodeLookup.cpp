@@ -1,4 +1,4 @@
-#include "ryhost/batch/NodeLookup.h"
+#include "rycore/scene/RyNodeLookup.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
@@ -33,7 +33,7 @@ void collect(const RyPropertyGroup *group, std::vector<RyFloatProperty *> &prope
 
 } // namespace
 
-QString NodeLookup::pathOf(const RyNode *node)
+QString RyNodeLookup::pathOf(const RyNode *node)
 {
     QStringList names;
     for (; node; node = node->getNodeParent())
@@ -41,7 +41,7 @@ QString NodeLookup::pathOf(const RyNode *node)
     return names.join(QLatin1Char('/'));
 }
 
-RyNode *NodeLookup::findNode(const RyScene &scene, const QString &text, QString *error)
+RyNode *RyNodeLookup::findNode(const RyScene &scene, const QString &text, QString *error)
 {
     std::vector<RyNode *> found;
     for (RyNode *node : scene.getNodesInTreeOrder()) {
@@ -77,7 +77,29 @@ RyNode *NodeLookup::findNode(const RyScene &scene, const QString &text, QString 
     return found.front();
 }
 
-RyFloatProperty *NodeLookup::findProperty(const RyScene &scene, const QString &text, bool poseOnly, float *value,
+std::vector<RyFloatProperty *> RyNodeLookup::values(const RyNode &node, bool poseOnly)
+{
+    std::vector<RyFloatProperty *> properties;
+    collect(node.getPropertyGroups(), properties);
+    if (!poseOnly)
+        collect(node.getPrivatePropertyGroups(), properties);
+    return properties;
+}
+
+RyFloatProperty *RyNodeLookup::findValue(const RyNode &node, const QString &name, bool poseOnly, QString *error)
+{
+    QStringList names;
+    for (RyFloatProperty *property : values(node, poseOnly)) {
+        if (property->getName() == name)
+            return property;
+        names.append(property->getName());
+    }
+    *error = QStringLiteral("\"%1\" has no value called \"%2\"; it has %3")
+                 .arg(node.getName(), name, names.join(QStringLiteral(", ")));
+    return nullptr;
+}
+
+RyFloatProperty *RyNodeLookup::findProperty(const RyScene &scene, const QString &text, bool poseOnly, float *value,
                                           QString *error)
 {
     const int equals = text.lastIndexOf(QLatin1Char('='));
@@ -95,18 +117,5 @@ RyFloatProperty *NodeLookup::findProperty(const RyScene &scene, const QString &t
     const RyNode *node = findNode(scene, text.left(colon), error);
     if (!node)
         return nullptr;
-    const QString name = text.mid(colon + 1, equals - colon - 1);
-    std::vector<RyFloatProperty *> properties;
-    collect(node->getPropertyGroups(), properties);
-    if (!poseOnly)
-        collect(node->getPrivatePropertyGroups(), properties);
-    QStringList names;
-    for (RyFloatProperty *property : properties) {
-        if (property->getName() == name)
-            return property;
-        names.append(property->getName());
-    }
-    *error = QStringLiteral("\"%1\" has no value called \"%2\"; it has %3")
-                 .arg(node->getName(), name, names.join(QStringLiteral(", ")));
-    return nullptr;
+    return findValue(*node, text.mid(colon + 1, equals - colon - 1), poseOnly, error);
 }

@@ -1,0 +1,254 @@
+#include "rycore/script/prototypes/RyNodePrototype.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyNodeLookup.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <cmath>
+
+static const RyFacetMesh *meshOf(const RyNode *node)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
+    return shape ? shape->getFacetMesh() : nullptr;
+}
+
+QString RyNodePrototype::className() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? QString::fromLatin1(node->metaObject()->className()) : QString();
+}
+
+bool RyNodePrototype::isA(const QString &className) const
+{
+    const RyNode *node = self<RyNode>();
+    return node && node->inherits(className.toLatin1().constData());
+}
+
+QString RyNodePrototype::getName() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getName() : QString();
+}
+
+void RyNodePrototype::setName(const QString &name)
+{
+    RyNode *node = self<RyNode>();
+    if (node && name.isEmpty())
+        fail(tr("A node cannot be without a name."));
+    else if (node)
+        node->setName(name);
+}
+
+QString RyNodePrototype::getLabel() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getLabel() : QString();
+}
+
+void RyNodePrototype::setLabel(const QString &label)
+{
+    if (RyNode *node = self<RyNode>())
+        node->setLabel(label);
+}
+
+QString RyNodePrototype::getPath() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? RyNodeLookup::pathOf(node) : QString();
+}
+
+RyNode *RyNodePrototype::getNodeParent() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getNodeParent() : nullptr;
+}
+
+int RyNodePrototype::getNumNodeChildren() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getNumNodeChildren() : 0;
+}
+
+RyNode *RyNodePrototype::getNodeChild(int index) const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getNodeChild(index) : nullptr;
+}
+
+QScriptValue RyNodePrototype::getNodeChildren(bool recursive) const
+{
+    std::vector<RyNode *> children;
+    if (const RyNode *node = self<RyNode>())
+        node->getNodeChildren(children, recursive);
+    return toArray(children);
+}
+
+bool RyNodePrototype::addNodeChild(RyNode *child, bool keepWorld)
+{
+    RyNode *node = self<RyNode>();
+    return node && child && node->addNodeChild(child, keepWorld);
+}
+
+bool RyNodePrototype::removeNodeChild(RyNode *child, bool keepWorld)
+{
+    RyNode *node = self<RyNode>();
+    return node && child && node->removeNodeChild(child, keepWorld);
+}
+
+RyNode *RyNodePrototype::getSkeleton() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getSkeleton() : nullptr;
+}
+
+bool RyNodePrototype::isSelected() const
+{
+    const RyNode *node = self<RyNode>();
+    return node && node->isSelected();
+}
+
+void RyNodePrototype::select(bool onOff) const
+{
+    if (RyNode *node = self<RyNode>())
+        node->select(onOff);
+}
+
+RyFloatProperty *RyNodePrototype::value(const QString &name) const
+{
+    const RyNode *node = self<RyNode>();
+    QString error;
+    RyFloatProperty *property = node ? RyNodeLookup::findValue(*node, name, false, &error) : nullptr;
+    if (node && !property)
+        fail(error);
+    return property;
+}
+
+QStringList RyNodePrototype::getValueNames() const
+{
+    QStringList names;
+    if (const RyNode *node = self<RyNode>()) {
+        for (const RyFloatProperty *property : RyNodeLookup::values(*node))
+            names.append(property->getName());
+    }
+    return names;
+}
+
+double RyNodePrototype::getValue(const QString &name) const
+{
+    const RyFloatProperty *property = value(name);
+    return property ? double(property->getValue()) : 0.0;
+}
+
+void RyNodePrototype::setValue(const QString &name, double value) const
+{
+    RyFloatProperty *property = this->value(name);
+    if (!property)
+        return;
+    if (!std::isfinite(value)) {
+        fail(tr("%1 takes a number.").arg(name));
+        return;
+    }
+    property->adjustValue(float(value));
+    if (std::abs(double(property->getValue()) - value) > 1e-4 * std::max(1.0, std::abs(value)))
+        fail(tr("%1 became %2 instead of %3, which is as far as its limits let it.").arg(name).arg(double(property->getValue())).arg(value));
+}
+
+double RyNodePrototype::getDefaultValue(const QString &name) const
+{
+    const RyFloatProperty *property = value(name);
+    return property ? double(property->getDefaultValue()) : 0.0;
+}
+
+void RyNodePrototype::setDefaultValue(const QString &name, double value) const
+{
+    RyFloatProperty *property = this->value(name);
+    if (property && !std::isfinite(value))
+        fail(tr("%1 takes a number.").arg(name));
+    else if (property)
+        property->setDefaultValue(float(value));
+}
+
+QScriptValue RyNodePrototype::getOrigin() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? toObject(node->getOrigin()) : QScriptValue();
+}
+
+void RyNodePrototype::setOrigin(const QScriptValue &place) const
+{
+    RyNode *node = self<RyNode>();
+    RyVec3 v;
+    if (node && toVector(place, &v))
+        node->adjustOrigin(v);
+}
+
+QScriptValue RyNodePrototype::getEndPoint() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? toObject(node->getEndPoint()) : QScriptValue();
+}
+
+void RyNodePrototype::setEndPoint(const QScriptValue &place) const
+{
+    RyNode *node = self<RyNode>();
+    RyVec3 v;
+    if (node && toVector(place, &v))
+        node->adjustEndPoint(v);
+}
+
+QScriptValue RyNodePrototype::getWSPos() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? toObject(node->getWSPos()) : QScriptValue();
+}
+
+QScriptValue RyNodePrototype::getWSEndPoint() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? toObject(node->getWSEndPoint()) : QScriptValue();
+}
+
+QString RyNodePrototype::getRotationOrder() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? node->getRotationOrder().name() : QString();
+}
+
+void RyNodePrototype::setRotationOrder(const QString &order) const
+{
+    RyNode *node = self<RyNode>();
+    for (int code = RyRotationOrder::XYZ; node && code <= RyRotationOrder::ZYX; ++code) {
+        if (RyRotationOrder(code).name() == order) {
+            node->setRotationOrder(RyRotationOrder(code));
+            return;
+        }
+    }
+    if (node)
+        fail(tr("\"%1\" is no rotation order; there is XYZ, XZY, YXZ, YZX, ZXY and ZYX.").arg(order));
+}
+
+int RyNodePrototype::getNumVertices() const
+{
+    const RyNode *node = self<RyNode>();
+    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
+    return mesh ? mesh->getNumVertices() : 0;
+}
+
+int RyNodePrototype::getNumFacets() const
+{
+    const RyNode *node = self<RyNode>();
+    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
+    return mesh ? mesh->getNumFacets() : 0;
+}
+
+QStringList RyNodePrototype::getFaceGroupNames() const
+{
+    const RyNode *node = self<RyNode>();
+    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
+    QStringList names;
+    for (int i = 0; mesh && i < mesh->getNumFaceGroups(); ++i)
+        names.append(mesh->getFaceGroup(i)->getName());
+    return names;
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "rycore/scene/RyNode.h"
+#include "rycore/script/prototypes/RyScriptPrototype.h"
+
+class RyFloatProperty;
+
+/// Nodes in scripts. Values go by the names of the properties: "xrot", "originY".
+class RyNodePrototype : public RyScriptPrototype
+{
+    Q_OBJECT
+public:
+    explicit RyNodePrototype(QObject *parent) : RyScriptPrototype(parent) {}
+
+    Q_INVOKABLE QString className() const;
+    Q_INVOKABLE bool isA(const QString &className) const;
+    Q_INVOKABLE QString getName() const;
+    Q_INVOKABLE void setName(const QString &name);
+    Q_INVOKABLE QString getLabel() const;
+    Q_INVOKABLE void setLabel(const QString &label);
+    /// Names from the top-level node down, parted by "/".
+    Q_INVOKABLE QString getPath() const;
+
+    Q_INVOKABLE RyNode *getNodeParent() const;
+    Q_INVOKABLE int getNumNodeChildren() const;
+    Q_INVOKABLE RyNode *getNodeChild(int index) const;
+    /// An array; all descendants when `recursive`.
+    Q_INVOKABLE QScriptValue getNodeChildren(bool recursive = false) const;
+    Q_INVOKABLE bool addNodeChild(RyNode *child, bool keepWorld = false);
+    Q_INVOKABLE bool removeNodeChild(RyNode *child, bool keepWorld = false);
+    Q_INVOKABLE RyNode *getSkeleton() const;
+    Q_INVOKABLE bool isSelected() const;
+    Q_INVOKABLE void select(bool onOff) const;
+
+    Q_INVOKABLE QStringList getValueNames() const;
+    Q_INVOKABLE double getValue(const QString &name) const;
+    /// Throws where the limits of the value do not let it become `value`.
+    Q_INVOKABLE void setValue(const QString &name, double value) const;
+    Q_INVOKABLE double getDefaultValue(const QString &name) const;
+    Q_INVOKABLE void setDefaultValue(const QString &name, double value) const;
+
+    /// Places in figure space, in centimetres.
+    Q_INVOKABLE QScriptValue getOrigin() const;
+    Q_INVOKABLE void setOrigin(const QScriptValue &place) const;
+    Q_INVOKABLE QScriptValue getEndPoint() const;
+    Q_INVOKABLE void setEndPoint(const QScriptValue &place) const;
+    /// Places in the world, posed.
+    Q_INVOKABLE QScriptValue getWSPos() const;
+    Q_INVOKABLE QScriptValue getWSEndPoint() const;
+    /// "XYZ" and so on.
+    Q_INVOKABLE QString getRotationOrder() const;
+    Q_INVOKABLE void setRotationOrder(const QString &order) const;
+
+    /// Of the node's mesh; 0 without one.
+    Q_INVOKABLE int getNumVertices() const;
+    Q_INVOKABLE int getNumFacets() const;
+    Q_INVOKABLE QStringList getFaceGroupNames() const;
+
+private:
+    RyFloatProperty *value(const QString &name) const;
+};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "rycore/scene/RyNode.h"
+#include "rycore/script/prototypes/RyScriptPrototype.h"
+
+/// The scene in scripts, beside its own slots.
+class RyScenePrototype : public RyScriptPrototype
+{
+    Q_OBJECT
+public:
+    explicit RyScenePrototype(QObject *parent) : RyScriptPrototype(parent) {}
+
+    /// The node of a name or the end of a path ("hip/abdomen"). Throws when there is none or more than one.
+    Q_INVOKABLE RyNode *find(const QString &nameOrPath) const;
+    /// Arrays: all nodes, each before its children; those without a parent; skeletons; the selection, primary last.
+    Q_INVOKABLE QScriptValue getNodes() const;
+    Q_INVOKABLE QScriptValue getTopLevelNodes() const;
+    Q_INVOKABLE QScriptValue getSkeletons() const;
+    Q_INVOKABLE QScriptValue getSelectedNodes() const;
+    /// Takes an array of nodes, names and paths; the last is primary.
+    Q_INVOKABLE void setSelection(const QScriptValue &nodes) const;
+    /// The name itself, or with a number where a top-level node has it.
+    Q_INVOKABLE QString getUniqueTopLevelName(const QString &name) const;
+    /// A canonical text of the scene: equal texts, equal scenes.
+    Q_INVOKABLE QString dump() const;
+};

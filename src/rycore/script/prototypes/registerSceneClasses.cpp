@@ -1,0 +1,45 @@
+#include "rycore/script/prototypes/registerSceneClasses.h"
+
+#include "rycore/figure/RyFigure.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/script/RyScriptEngine.h"
+#include "rycore/script/RyScriptPointer.h"
+#include "rycore/script/prototypes/RyBoneBindingPrototype.h"
+#include "rycore/script/prototypes/RyNodePrototype.h"
+#include "rycore/script/prototypes/RyScenePrototype.h"
+#include "rycore/script/prototypes/RySkeletonPrototype.h"
+#include "rycore/script/prototypes/RySkinPrototype.h"
+#include "rycore/script/prototypes/RyUndoScripting.h"
+#include "rycore/script/prototypes/RyWeightMapPrototype.h"
+#include "rycore/undo/RyRestorePoints.h"
+
+/// Objects of a class, and of classes that derive from it and have no prototype of their own, get the prototype.
+template<typename T>
+static void add(QScriptEngine *engine, const QScriptValue &prototype)
+{
+    ryRegisterScriptPointer<T>(engine);
+    engine->setDefaultPrototype(qMetaTypeId<T *>(), prototype);
+}
+
+void ryRegisterSceneClasses(RyScriptEngine *engine)
+{
+    const auto make = [engine](QObject *prototype) {
+        return engine->newQObject(prototype, QScriptEngine::QtOwnership,
+                                  QScriptEngine::ExcludeSuperClassContents | QScriptEngine::ExcludeDeleteLater);
+    };
+    const QScriptValue nodes = make(new RyNodePrototype(engine));
+    QScriptValue skeletons = make(new RySkeletonPrototype(engine));
+    skeletons.setPrototype(nodes);
+    add<RyNode>(engine, nodes);
+    add<RyBone>(engine, nodes);
+    add<RyCamera>(engine, nodes);
+    add<RySkeleton>(engine, skeletons);
+    add<RyFigure>(engine, skeletons);
+    add<RyScene>(engine, make(new RyScenePrototype(engine)));
+    add<RySkinBinding>(engine, make(new RySkinPrototype(engine)));
+    add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
+    add<RyWeightMap>(engine, make(new RyWeightMapPrototype(engine)));
+    engine->globalObject().setProperty(QStringLiteral("Undo"), make(new RyUndoScripting(engine)));
+    engine->setGlobal(QStringLiteral("RestorePoints"), ryRestorePoints());
+}

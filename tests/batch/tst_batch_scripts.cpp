@@ -1,0 +1,129 @@
+#include "support/RyTest.h"
+
+#include "RyBatchRun.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QRegularExpression>
+
+/// Scripts in batch runs, and the examples of the documentation.
+class BatchScriptsTest : public QObject
+{
+    Q_OBJECT
+
+    RyBatchRun m_run;
+
+    RyBatchRun::Result script(const QByteArray &program, const QStringList &more = {})
+    {
+        return m_run.batch(QStringList{QStringLiteral("--script"), m_run.write(QStringLiteral("test.rsx"), program)} + more);
+    }
+
+private slots:
+    void examplesDoWhatTheySay_data()
+    {
+        QTest::addColumn<QByteArray>("program");
+        QFile document(QStringLiteral(RY_SOURCE_DIR "/docs/scripting.md"));
+        QVERIFY(document.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(document.readAll());
+        auto blocks = QRegularExpression(QStringLiteral("^```js\\n(.*?)^```$"), QRegularExpression::MultilineOption
+                                                                                  | QRegularExpression::DotMatchesEverythingOption)
+                          .globalMatch(text);
+        int number = 0;
+        while (blocks.hasNext()) {
+            const QRegularExpressionMatch block = blocks.next();
+            const int line = text.left(block.capturedStart(1)).count(QLatin1Char('\n')) + 1;
+            QTest::newRow(qPrintable(QStringLiteral("line %1").arg(line))) << block.captured(1).toUtf8();
+            ++number;
+        }
+        QVERIFY2(number >= 7, "the examples of the documentation were not found");
+    }
+
+    void examplesDoWhatTheySay()
+    {
+        QFETCH(QByteArray, program);
+        QStringList expected;
+        auto comments = QRegularExpression(QStringLiteral("//->(.*)$"), QRegularExpression::MultilineOption).globalMatch(QString::fromUtf8(program));
+        while (comments.hasNext())
+            expected.append(comments.next().captured(1).trimmed());
+        QVERIFY2(!expected.isEmpty(), "an example that shows nothing");
+        const auto result = script(program, {QStringLiteral("--report")});
+        QVERIFY2(result.code == 0, result.err.constData());
+        QStringList printed;
+        for (const QJsonValue &message : result.json().value(QStringLiteral("messages")).toArray())
+            printed.append(message.toString());
+        // The file's own messages come first.
+        QCOMPARE(printed.mid(std::max(0, printed.size() - expected.size())), expected);
+    }
+
+    void errorsGiveFive()
+    {
+        const auto result = script("var a = 1;\n\nmissing();\n", {QStringLiteral("--report")});
+        QCOMPARE(result.code, 5);
+        QVERIFY2(result.says("test.rsx(3): "), result.err.constData());
+        const auto syntax = script("var = 1;");
+        QCOMPARE(syntax.code, 5);
+        QVERIFY2(syntax.says("test.rsx(1): "), syntax.err.constData());
+        // Caught errors are the script's own matter.
+        QCOMPARE(script("try { Scene.find('nobody'); } catch (e) {}").code, 0);
+    }
+
+    void boxesOfActionsAreTheScripts()
+    {
+        const auto result = script("Scene.setSelection(['hip']);"
+                                   "var r = Actions.run('RyJERenameNodeAction', {}, {'Rename Node': 'Cancel'});"
+                                   "if (!r.ran || r.boxes[0].answered != 'Cancel') throw new Error(JSON.stringify(r));");
+        QVERIFY2(result.code == 0, result.err.constData());
+    }
+
+    void formsTakeFieldsAndAnswers()
+    {
+        const QByteArray program = "var f = new RyScriptForm('Ask'); f.addText('word', 'Word:', 'none');\n"
+                                   "f.accepting.connect(function() { if (f.value('word') == 'bad') f.setMessage('Not that word.'); });\n"
+                                   "print(f.exec() ? 'took ' + f.value('word') : 'cancelled');";
+        QVERIFY(script(program).says("took none"));
+        QVERIFY(script(program, {QStringLiteral("--set"), QStringLiteral("word=hello")}).says("took hello"));
+        QVERIFY(script(program, {QStringLiteral("--answer"), QStringLiteral("Ask=Cancel")}).says("cancelled"));
+        const auto refused = script(program, {QStringLiteral("--set"), QStringLiteral("word=bad"), QStringLiteral("--report")});
+        QCOMPARE(refused.code, 3);
+        QVERIFY2(refused.says("Not that word.") && refused.says("cancelled"), refused.err.constData());
+        const QJsonObject box = refused.json().value(QStringLiteral("boxes")).toArray().at(0).toObject();
+        QCOMPARE(box.value(QStringLiteral("title")).toString(), QStringLiteral("Ask"));
+        QCOMPARE(box.value(QStringLiteral("reason")).toString(), QStringLiteral("Not that word."));
+        const auto wrong = script(program, {QStringLiteral("--set"), QStringLiteral("wrod=hello")});
+        QCOMPARE(wrong.code, 2);
+        QVERIFY2(wrong.says("word (text)"), wrong.err.constData());
+        QCOMPARE(script("1;", {QStringLiteral("--set"), QStringLiteral("word=hello")}).code, 2);
+    }
+
+    void renamingByTheAction()
+    {
+        const auto renamed = m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                                          QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=pelvis"),
+                                          QStringLiteral("--set"), QStringLiteral("label=The Pelvis"), QStringLiteral("--report")});
+        QVERIFY2(renamed.code == 0, renamed.err.constData());
+        QCOMPARE(renamed.json().value(QStringLiteral("undoSteps")).toArray(), QJsonArray{QStringLiteral("Rename Node")});
+        QCOMPARE(renamed.json().value(QStringLiteral("selection")).toArray(), QJsonArray{QStringLiteral("mannequin/pelvis")});
+        const auto taken = m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                                        QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=head")});
+        QCOMPARE(taken.code, 3);
+        QVERIFY2(taken.says("\"head\" is taken"), taken.err.constData());
+    }
+
+    void bonesByTheirDialog()
+    {
+        const QStringList create{QStringLiteral("--select"), QStringLiteral("lHand"), QStringLiteral("--run"), QStringLiteral("RyJECreateBoneAction")};
+        const auto made = m_run.batch(create + QStringList{QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneNameLEdit=lTip"),
+                                                           QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneLabelLEdit=Left Tip"),
+                                                           QStringLiteral("--report")});
+        QVERIFY2(made.code == 0, made.err.constData());
+        bool found = false;
+        for (const QJsonValue &bone : made.json().value(QStringLiteral("figures")).toArray().at(0).toObject().value(QStringLiteral("bones")).toArray())
+            found = found || (bone[QStringLiteral("name")] == QStringLiteral("lTip") && bone[QStringLiteral("parent")] == QStringLiteral("lHand"));
+        QVERIFY(found);
+        // Without a name it cannot be accepted.
+        QCOMPARE(m_run.batch(create).code, 3);
+    }
+};
+
+RY_TEST(BatchScriptsTest)
+#include "tst_batch_scripts.moc"
