@@ -22,7 +22,6 @@ class RyUndoLog
 public:
     using Mark = std::list<Entry>::iterator;
 
-    bool isEmpty() const { return m_marks == 0; }
     /// A mark for the present state.
     Mark mark();
     /// What lies on both sides of the mark grows together; what lies before all marks goes.
