@@ -4,6 +4,7 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
+#include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyMenu.h"
 #include "rycore/ui/RyViewToolAction.h"
@@ -154,7 +155,7 @@ void HostMenus::fillRecent()
 
 void HostMenus::makeEditMenu()
 {
-    QMenu *menu = m_window->menuBar()->addMenu(tr("&Edit"));
+    QMenu *menu = m_edit = m_window->menuBar()->addMenu(tr("&Edit"));
     menu->setObjectName(QStringLiteral("EditMenu"));
     m_undo = add(menu, QStringLiteral("EditUndo"), tr("&Undo"), QStringLiteral("undo"), QKeySequence::Undo, QString());
     m_redo = add(menu, QStringLiteral("EditRedo"), tr("&Redo"), QStringLiteral("redo"),
@@ -171,6 +172,7 @@ void HostMenus::makeEditMenu()
     connect(add(menu, QStringLiteral("EditRestorePose"), tr("Restore &Pose"), QString(), QKeySequence(),
                 tr("Put every node back into its rest pose")),
             &QAction::triggered, this, &HostMenus::restorePose);
+    menu->addSeparator();
 }
 
 void HostMenus::updateUndo()
@@ -265,6 +267,9 @@ void HostMenus::showGuide()
 
 void HostMenus::refresh()
 {
+    // The host's own actions come with the plug-ins and go with them.
+    if (RyAction *bind = m_window->getActionMgr()->findAction(QStringLiteral("RyBindToNearestBonesAction")))
+        m_edit->addAction(bind);
     fillTools();
     fillToolMenus();
 }

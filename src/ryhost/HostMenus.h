@@ -36,6 +36,7 @@ private:
     void showGuide();
 
     HostWindow *m_window;
+    QMenu *m_edit = nullptr;
     QMenu *m_recent = nullptr;
     QMenu *m_tools = nullptr;
     // The active tool's menu, at its place in the menu bar and under Tools.

@@ -1,6 +1,8 @@
 #include "ryhost/HostPlugins.h"
 
+#include "rycore/app/RyBindToNearestBonesAction.h"
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/ui/RyActionMgr.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -13,5 +15,6 @@ QString hostPluginFolder()
 
 int loadHostPlugins(RyMainWindow &window)
 {
+    window.getActionMgr()->addAction(new RyBindToNearestBonesAction);
     return window.loadPlugins(hostPluginFolder());
 }
