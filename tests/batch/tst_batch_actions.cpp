@@ -94,6 +94,8 @@ private slots:
         const auto raised = dialogs(words("--select hip --run RyTestRaiseAction --set HeightSpn=2 --set UnitCmb=Metres --dump"));
         QVERIFY2(raised.code == 0, raised.err.constData());
         QVERIFY(std::abs(valueOf(raised.out, "hip", "originY").toDouble() - height - 200.0) < 1e-3);
+        // What was printed tells of the dialog, and of nothing else.
+        QVERIFY2(raised.says("Raise Node [") && !raised.says("plugin does not support"), raised.err.constData());
         const auto byItself = dialogs(words("--select hip --run RyTestRaiseAction --dump"));
         QCOMPARE(byItself.code, 0);
         QCOMPARE(valueOf(byItself.out, "hip", "originY").toDouble(), height);

@@ -251,7 +251,7 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
     if (!guard || !guard->isVisible())
         return;
     if (!errors.isEmpty()) {
-        reject(dialog, record, errors.join(QLatin1Char(' ')));
+        reject(dialog, record, tr("its fields could not be filled"));
         return;
     }
     QAbstractButton *button = RyDialogButtons::acceptButton(dialog);
@@ -269,7 +269,9 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
     m_records[record].answered = button ? ryButtonName(button) : QStringLiteral("accept");
     for (int attempt = 0; attempt < Attempts && guard && guard->isVisible(); ++attempt) {
         if (button && (!pressed || !pressed->isEnabled())) {
-            reject(dialog, record, tr("its button %1 is disabled").arg(m_records[record].answered));
+            const QStringList fields = ryDescribeFields(dialog);
+            const QString pressing = tr("its button %1 is disabled").arg(m_records[record].answered);
+            reject(dialog, record, fields.isEmpty() ? pressing : tr("%1; its fields are %2").arg(pressing, fields.join(QStringLiteral(", "))));
             return;
         }
         const size_t first = m_records.size();
