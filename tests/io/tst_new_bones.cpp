@@ -97,20 +97,6 @@ private slots:
         for (size_t v = 0; v < rest.size(); ++v)
             QVERIFY((restAgain[v] - rest[v]).length() < 1e-3f);
     }
-
-    void aRemovedBoneIsSaidToStay()
-    {
-        QTemporaryDir folder;
-        RyScene scene;
-        QString error;
-        QVERIFY2(RySceneFile::open(&scene, sample(), &error), qPrintable(error));
-        RyUndoStackHold hold;
-        QVERIFY(scene.removeNode(scene.findNode(QStringLiteral("lToe"))).isSuccess());
-        hold.accept(QStringLiteral("Remove"));
-        QStringList messages;
-        QVERIFY2(RySceneFile::save(&scene, folder.filePath(QStringLiteral("less.glb")), &error, &messages), qPrintable(error));
-        QVERIFY2(messages.join(QLatin1Char('\n')).contains(QStringLiteral("\"lToe\" was removed")), qPrintable(messages.join(QLatin1Char('\n'))));
-    }
 };
 
 RY_TEST(NewBonesTest)

@@ -254,7 +254,7 @@ private:
             before.tree(), after.tree(),
             {"/nodes/*/translation", "/nodes/*/rotation", "/nodes/*/scale", "/nodes/*/matrix",
              "/nodes/*/extras/RYHOST_rigging", "/extras/RYHOST_rigging", "/nodes/*/extras", "/extras",
-             "/skins/*/inverseBindMatrices", "/accessors", "/bufferViews", "/buffers"});
+             "/skins/*/inverseBindMatrices", "/skins/*/extras", "/accessors", "/bufferViews", "/buffers"});
         for (const std::string &difference : differences)
             qWarning("changed: %s", difference.c_str());
         QVERIFY(differences.empty());
@@ -266,7 +266,7 @@ private:
             if (!binds.count(i))
                 QVERIFY(before.accessorBytes(i) == after.accessorBytes(i));
         }
-        for (const char *holder : {"nodes", "materials", "meshes", "images", "animations"}) {
+        for (const char *holder : {"nodes", "skins", "materials", "meshes", "images", "animations"}) {
             const nlohmann::json &list = before.tree().value(holder, nlohmann::json::array());
             for (size_t i = 0; i < list.size(); ++i) {
                 if (list[i].contains("extras")) {

@@ -147,16 +147,10 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
         ryUndoStack()->setClean();
         return true;
     }
-    RyGltfSceneWriter writer(*source);
-    const std::unique_ptr<RyGltfDocument> document = writer.patch(*scene, messages);
-    // Nodes that the file does not know: merged files, new props.
-    RyGltfSceneExporter exporter(*document, source->unitFactor());
-    for (const RyNode *top : scene->getTopLevelNodes()) {
-        if (!source->findSource(top) && !source->findFigureSource(top))
-            exporter.addTree(*top);
-    }
-    if (!exporter.nodes().empty())
-        writer.storeExtras(*document, &exporter);
+    QString reason;
+    const std::unique_ptr<RyGltfDocument> document = RyGltfSceneWriter(*source).patch(*scene, &reason, messages);
+    if (!document)
+        return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
     if (!document->write(path, error))
         return false;
     ryUndoStack()->setClean();

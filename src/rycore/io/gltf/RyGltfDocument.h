@@ -75,6 +75,8 @@ public:
     /// its buffer, no other accessor overlapping, one user of the accessor at most); otherwise adds a new accessor and
     /// returns its index. Bounds that the accessor has are kept right.
     int replaceFloats(int accessor, std::span<const float> values);
+    /// Likewise groups of four 16-bit numbers of vertices; an accessor of another kind, or -1, gives a new one.
+    int replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized);
 
     /// Bytes of the document in the form of the ending (.glb: one binary chunk; .gltf: buffers embedded as data URIs
     /// when they came so or were made here, otherwise external files keep their names). Two calls give identical bytes.

@@ -202,3 +202,31 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
         d->setBounds(accessor, values);
     return accessor;
 }
+
+int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized)
+{
+    const auto isOwn = [&] {
+        if (accessor < 0)
+            return false;
+        const RyGltfAccessor &a = d->model.accessors.at(std::size_t(accessor));
+        return a.componentType == 5123 && a.componentCount == 4 && a.normalized == normalized && !a.sparse
+               && a.bufferView >= 0 && values.size() == a.count * 4
+               && d->storage.buffers[std::size_t(d->storage.views[std::size_t(a.bufferView)].buffer)].source
+                      != RyGltfBuffer::External
+               && !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor);
+    };
+    if (!isOwn())
+        return addUintAccessor(values, 4, 5123, 34962, normalized);
+    const RyGltfAccessor &a = d->model.accessors[std::size_t(accessor)];
+    const std::uint64_t stride = d->storage.layouts[std::size_t(accessor)].stride;
+    const RyGltfBufferView &view = d->storage.views[std::size_t(a.bufferView)];
+    QByteArray &bytes = d->storage.buffers[std::size_t(view.buffer)].bytes;
+    char *to = bytes.data() + view.offset + a.byteOffset;
+    for (std::uint64_t i = 0; i < a.count; ++i) {
+        std::uint16_t four[4];
+        for (std::size_t k = 0; k < 4; ++k)
+            four[k] = std::uint16_t(values[i * 4 + k]);
+        std::memcpy(to + i * stride, four, sizeof four);
+    }
+    return accessor;
+}

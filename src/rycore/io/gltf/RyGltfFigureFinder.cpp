@@ -65,14 +65,23 @@ private:
 
 } // namespace
 
-std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder)
+bool ryGltfMarksEnd(const QString &name)
 {
+    return name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||
+           name.endsWith(QLatin1String("End Site"));
+}
+
+std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
+                                                const std::vector<bool> &isLeftOut)
+{
+    const auto leftOut = [&isLeftOut](size_t skin) { return skin < isLeftOut.size() && isLeftOut[skin]; };
     const size_t count = model.nodes.size();
     std::vector<bool> isJoint(count, false);
     std::vector<bool> isBone(count, false);
     DisjointSets sets(count);
-    for (const RyGltfSkin &skin : model.skins) {
-        for (const int joint : skin.joints) {
+    for (size_t s = 0; s < model.skins.size(); ++s) {
+        const RyGltfSkin &skin = model.skins[s];
+        for (const int joint : leftOut(s) ? std::vector<int>() : skin.joints) {
             isJoint[size_t(joint)] = isBone[size_t(joint)] = true;
             sets.unite(joint, skin.joints.front());
         }
@@ -110,6 +119,8 @@ std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const 
     }
     std::vector<std::pair<int, int>> skinOrder; // topmost joint's place, skin
     for (size_t skin = 0; skin < model.skins.size(); ++skin) {
+        if (leftOut(skin))
+            continue;
         int top = int(count);
         for (const int joint : model.skins[skin].joints)
             top = std::min(top, placeInSet[size_t(joint)]);

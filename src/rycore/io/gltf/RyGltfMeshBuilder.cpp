@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/RyGltfMeshBuilder.h"
 
 #include "rycore/io/gltf/RyGltfDocument.h"
+#include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
@@ -8,6 +9,8 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <unordered_map>
+#include <unordered_set>
 
 /// A primitive's data as welding needs it: the file's own bytes where they lie packed, otherwise copies.
 struct RyGltfMeshBuilder::Part
@@ -30,13 +33,32 @@ struct RyGltfMeshBuilder::Part
     std::vector<std::vector<float>> morphs;
     std::vector<int> bonesOfJoints;
     RyAffine toFigure;
+    std::unordered_map<int, int> apart; // numbers of splits that are not the vertices they look like
 
+    std::unordered_set<int> free; // splits that nothing moves, whatever holds them in the file
+
+    /// The file has such a vertex held by one joint alone; otherwise somebody gave it weights since.
+    bool isFree(size_t split) const
+    {
+        if (free.empty() || sets.empty() || !free.count(int(split)))
+            return false;
+        double sum = 0.0;
+        for (const InfluenceSet &set : sets)
+            sum += double(set.weights[4 * split] + set.weights[4 * split + 1] + set.weights[4 * split + 2] + set.weights[4 * split + 3]);
+        return double(sets.front().weights[4 * split]) == sum;
+    }
+    int apartOf(int split) const
+    {
+        const auto found = apart.empty() ? apart.end() : apart.find(split);
+        return found == apart.end() ? 0 : found->second;
+    }
     const float *position(int split) const { return positions + 3 * size_t(split); }
     /// Whether two split vertices of parts of one class are the same vertex.
     bool same(int split, const Part &other, int otherSplit) const
     {
         if (std::memcmp(position(split), other.position(otherSplit), 12) != 0 || sets.size() != other.sets.size() ||
-            !other.morphs.empty() != !morphs.empty() || (&other != this && !morphs.empty())) {
+            !other.morphs.empty() != !morphs.empty() || (&other != this && !morphs.empty()) ||
+            apartOf(split) != other.apartOf(otherSplit)) {
             return false;
         }
         for (size_t s = 0; s < sets.size(); ++s) {
@@ -130,6 +152,11 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
             result.uvs = m_document.readFloats(primitive.texcoords);
             result.uvs.resize(part->vertexCount * 2, 0.0f);
         }
+        const std::vector<int> apart = RyTreeExtras::findApart(m_document, meshIndex, primitiveIndex);
+        for (size_t i = 0; i + 1 < apart.size(); i += 2)
+            part->apart[apart[i]] = apart[i + 1];
+        for (const int split : RyTreeExtras::findFree(m_document, meshIndex, primitiveIndex))
+            part->free.insert(split);
         Part &added = *part;
         m_classParts.push_back(std::move(part));
         const int firstVertex = int(positions.size());
@@ -281,7 +308,10 @@ void RyGltfMeshBuilder::readInfluences(int firstVertex)
             quint16 *bones = run.bones.data() + i * size_t(width);
             int used = 0;
             double sum = 0.0;
+            const bool isFree = part.isFree(split);
             for (const Part::InfluenceSet &set : part.sets) {
+                if (isFree)
+                    break;
                 for (size_t k = 4 * split; k < 4 * split + 4; ++k) {
                     const double weight = double(set.weights[k]);
                     if (weight == 0.0)

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/RyGltfRest.h"
 
 #include "rycore/io/gltf/RyGltfDocument.h"
+#include "rycore/io/gltf/RyTreeExtras.h"
 
 #include <algorithm>
 #include <cmath>
@@ -81,7 +82,7 @@ QString whyUnusable(const RyGltfSkin &skin, const std::vector<RyAffine> &inverse
 } // namespace
 
 RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set,
-                          const std::vector<RyAffine> &worldMaps)
+                          const std::vector<RyAffine> &worldMaps, const RyGltfRestOf &restOf)
 {
     const RyGltfModel &model = document.model();
     const size_t boneCount = set.bones.size();
@@ -112,23 +113,15 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
             const size_t next = chain.back();
             const int parent = set.parents[next];
             rest.bind[next] = parent < 0 ? worldMaps[size_t(set.bones[next])] : localOf(next) * rest.bind[size_t(parent)];
+            if (restOf)
+                rest.bind[next] = restOf(set.bones[next], rest.bind[next]);
             known[next] = true;
         }
     };
 
-    for (size_t s = 0; s < set.skins.size() && !rest.rebound; ++s) {
-        const RyGltfSkin &skin = model.skins[size_t(set.skins[s])];
-        rest.inverseBinds.push_back(readInverseBinds(document, skin));
-        const std::vector<RyAffine> &inverseBinds = rest.inverseBinds.back();
-        const QString why = whyUnusable(skin, inverseBinds);
-        const QString skinName = skin.name.isEmpty() ? QStringLiteral("skin %1").arg(set.skins[s])
-                                                     : QStringLiteral("skin \"%1\"").arg(skin.name);
-        if (!why.isEmpty()) {
-            rest.rebound = true;
-            rest.reason = skinName + QLatin1Char(' ') + why;
-            break;
-        }
+    const auto byAnchor = [&](size_t s) {
         // The joint by which the skin finds its place: the topmost whose bind is known, otherwise the topmost of all.
+        const RyGltfSkin &skin = model.skins[size_t(set.skins[s])];
         size_t anchor = 0;
         bool anchorKnown = false;
         int anchorPlace = std::numeric_limits<int>::max();
@@ -141,7 +134,27 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
             }
         }
         derive(size_t(anchorPlace));
-        const RyAffine toFigure = inverseBinds[anchor] * rest.bind[size_t(anchorPlace)];
+        return rest.inverseBinds[s][anchor] * rest.bind[size_t(anchorPlace)];
+    };
+
+    rest.isStored = !set.skins.empty();
+    for (size_t s = 0; s < set.skins.size() && !rest.rebound; ++s) {
+        const RyGltfSkin &skin = model.skins[size_t(set.skins[s])];
+        rest.inverseBinds.push_back(readInverseBinds(document, skin));
+        const std::vector<RyAffine> &inverseBinds = rest.inverseBinds.back();
+        const QString why = whyUnusable(skin, inverseBinds);
+        const QString skinName = skin.name.isEmpty() ? QStringLiteral("skin %1").arg(set.skins[s])
+                                                     : QStringLiteral("skin \"%1\"").arg(skin.name);
+        if (!why.isEmpty()) {
+            rest.rebound = true;
+            rest.reason = skinName + QLatin1Char(' ') + why;
+            break;
+        }
+        RyAffine toFigure;
+        if (!RyTreeExtras::findToFigure(document, set.skins[s], toFigure)) {
+            toFigure = byAnchor(s);
+            rest.isStored = false;
+        }
         rest.toFigure.push_back(toFigure);
         // The bones that this call of derive made known on the way keep their place.
         std::vector<bool> seen(boneCount, false);
@@ -164,6 +177,7 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
     }
 
     if (rest.rebound) {
+        rest.isStored = false;
         rest.inverseBinds.clear();
         rest.toFigure.assign(set.skins.size(), RyAffine());
         for (const int skin : set.skins)

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 class RyGltfDocument;
@@ -19,8 +20,13 @@ struct RyGltfRest
     /// The bind matrices say nothing usable: rest is the node pose, and vertices must be brought there by the file's own
     /// skinning (`toFigure` is then the identity).
     bool rebound = false;
+    bool isStored = false; ///< all of `toFigure` was stored by an earlier save
     QString reason;
 };
 
-RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set,
-                          const std::vector<RyAffine> &worldMaps);
+/// Frame of a node at rest, of which the file says only where it is: from that frame.
+using RyGltfRestOf = std::function<RyAffine(int node, const RyAffine &posed)>;
+
+/// `restOf` may be empty. Maps of mesh spaces to figure space that an earlier save stored are taken as they are.
+RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set, const std::vector<RyAffine> &worldMaps,
+                          const RyGltfRestOf &restOf = {});

@@ -2,14 +2,12 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyVertexMesh.h"
-#include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyShape.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <map>
 
 namespace {
 
@@ -39,25 +37,6 @@ quint64 ryPositionsHash(const RyNode &node)
     const RyShape *shape = RyShape::getCurrentShapeForNode(&node);
     if (const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr)
         hash.add(mesh->getPositions().data(), mesh->getPositions().size() * sizeof(RyVec3));
-    return hash.value();
-}
-
-quint64 ryWeightsHash(const RyNode &node)
-{
-    Hash hash;
-    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&node);
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        for (const RyWeightMap *map : binding->getAllWeightMaps()) {
-            const int count = map->getNumAffected();
-            if (count == 0)
-                continue; // a bone that moves nothing changes nothing
-            const RyBone *bone = binding->getBone();
-            hash.add(&bone, sizeof bone);
-            hash.add(&count, sizeof count);
-            hash.add(map->getAffectedIndices(), size_t(count) * sizeof(int));
-            hash.add(map->getAffectedWeights(), size_t(count) * sizeof(quint16));
-        }
-    }
     return hash.value();
 }
 
@@ -101,6 +80,28 @@ bool RyNodeValues::samePose(const RyNodeValues &o) const
 {
     return pose == o.pose && rotationOrder == o.rotationOrder && inheritScale == o.inheritScale && sameOrigin(o) &&
            sameOrientation(o);
+}
+
+void RyGltfSceneDocument::recordTree()
+{
+    std::map<const RyNode *, int> nodeOf;
+    for (RyGltfNodeSource &source : nodes) {
+        nodeOf[source.sceneNode] = source.node;
+        source.sceneParent = source.sceneNode->getNodeParent();
+        const auto above = nodeOf.find(source.sceneParent);
+        source.parent = above == nodeOf.end() ? -1 : above->second;
+        if (source.parent < 0 && source.sceneParent)
+            source.ownMap = source.sceneParent->worldMap();
+        if (source.isBone && source.parent < 0 && figures[size_t(source.figure)].firstRoot < 0)
+            figures[size_t(source.figure)].firstRoot = source.node;
+    }
+    for (const QPointer<RyNode> &top : tops) {
+        std::vector<RyNode *> below;
+        top->getNodeChildren(below, true);
+        order.emplace_back(top, top->getNodeParent());
+        for (const RyNode *node : below)
+            order.emplace_back(node, node->getNodeParent());
+    }
 }
 
 const RyGltfNodeSource *RyGltfSceneDocument::findSource(const RyNode *node) const

@@ -43,6 +43,10 @@ struct RyGltfNodeSource
     /// The pose as the file says it: figure space to figure space, relative to the parent's.
     RyAffine localPose;
     bool isBone = false;
+    int figure = -1;              // of a bone: its place in `figures`
+    int parent = -1;              // node of the file that stands above it in the scene, -1 below a figure or nothing
+    QPointer<RyNode> sceneParent; // the same in the scene, or the figure
+    RyAffine ownMap;              // world map of the figure above a topmost bone
     QString riggingText; // what the extras would hold, as it was read
 };
 
@@ -64,21 +68,30 @@ struct RyGltfPartSource
     int skin = -1;
 };
 
+/// The general map of a binding as it was read.
+struct RyGltfLoadedWeights
+{
+    QPointer<RyNode> bone;
+    std::vector<int> vertices;
+    std::vector<quint16> weights;
+};
+
 struct RyGltfFigureSource
 {
     QPointer<RyNode> sceneNode; // a figure, or a prop
     RyNodeValues loaded;
     std::vector<RyGltfSkinSource> skins;
     std::vector<RyGltfPartSource> parts;
-    quint64 positionsHash = 0; // of the mesh and of the skin as they were read
-    quint64 weightsHash = 0;
+    quint64 positionsHash = 0; // of the mesh as it was read
+    std::vector<RyGltfLoadedWeights> weights; // in the order of the bindings
+    int firstRoot = -1; // node of the first topmost bone
+    QString riggingText; // of the figure itself, as that of nodes
     QString groupsText; // face groups as they were read, in the text of the extras
     QString selectionText; // likewise the selection map
 };
 
-/// Of the positions of a node's mesh, and of its weights and the bones they belong to; to tell whether they were edited.
+/// Of the positions of a node's mesh, to tell whether they were edited.
 quint64 ryPositionsHash(const RyNode &node);
-quint64 ryWeightsHash(const RyNode &node);
 
 /// The file behind a scene read from glTF: the kept tree, and which of its nodes stand in the scene.
 class RyGltfSceneDocument : public RySceneDocument
@@ -87,6 +100,8 @@ public:
     QString path() const override { return filePath; }
     double unitFactor() const override { return unit; }
 
+    /// Notes how the scene's nodes hang together; at the end of reading.
+    void recordTree();
     const RyGltfNodeSource *findSource(const RyNode *node) const;
     const RyGltfFigureSource *findFigureSource(const RyNode *figure) const;
 
@@ -95,5 +110,8 @@ public:
     std::unique_ptr<RyGltfDocument> document;
     std::vector<RyGltfNodeSource> nodes; // pre-order of the file
     std::vector<RyGltfFigureSource> figures;
+    std::vector<QPointer<RyNode>> tops; // what was read at the top of the scene
+    /// Those with all below them, pre-order, each with its parent: to see whether the tree was edited.
+    std::vector<std::pair<const RyNode *, const RyNode *>> order;
     bool unitWasChosen = false; // by the user, not by the file
 };

@@ -1,8 +1,11 @@
 #include "rycore/io/gltf/RyGltfSceneExporter.h"
 
+#include "rycore/io/gltf/RyFigureExtras.h"
 #include "rycore/io/gltf/RyGltfInfluenceWriter.h"
-#include "rycore/io/gltf/RyGltfSceneWriter.h"
+#include "rycore/io/gltf/RyGltfNodePatch.h"
+#include "rycore/io/gltf/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
@@ -157,14 +160,11 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     for (const RyBone *bone : bones) {
         jointOf[bone] = int(joints.size());
         joints.push_back(m_nodeOf.at(bone));
-        const RyAffine inverse = scaleBy(m_unit) * bindOf(*bone, m_unit).inverse();
-        for (int row = 0; row < 4; ++row) {
-            for (int column = 0; column < 3; ++column)
-                inverseBinds.push_back(float(inverse.m[row][column]));
-            inverseBinds.push_back(row == 3 ? 1.0f : 0.0f);
-        }
+        m_joints.insert(joints.back());
+        ryGltfAppendMatrix(scaleBy(m_unit) * bindOf(*bone, m_unit).inverse(), inverseBinds);
     }
     const int skin = m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
+    RyTreeExtras::storeToFigure(m_document, skin, RyAffine());
     const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
     if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
         return;
@@ -172,8 +172,11 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     int normals = -1;
     const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
     std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
-    const RyGltfInfluenceWriter influences(binding, mesh->getNumVertices(), jointOf);
-    for (auto &attribute : influences.addTo(m_document))
+    const RyGltfInfluenceWriter influences(binding, mesh->getNumVertices());
+    RyGltfInfluenceWriter::Part part;
+    part.places = influences.placesIn(jointOf);
+    part.sets = influences.setsNeeded(nullptr);
+    for (auto &attribute : influences.addTo(m_document, part))
         attributes.push_back(std::move(attribute));
     const int meshIndex = m_document.addMesh(skeleton.getName());
     m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
@@ -191,29 +194,14 @@ std::vector<const RyNode *> RyGltfSceneExporter::figures() const
 
 void RyGltfSceneExporter::storeNodes() const
 {
-    // One skin for each figure: all bones find their place by the first.
-    std::map<const RySkeleton *, const RyNode *> first;
-    const auto anchorOf = [&first](const RyNode &bone) -> const RyNode * {
-        const RySkeleton *skeleton = bone.getSkeleton();
-        const RyNode *&anchor = first[skeleton];
-        if (!anchor)
-            anchor = skeleton ? static_cast<const RyNode *>(skeleton->getAllBones().front()) : &bone;
-        return skeleton ? anchor : &bone;
-    };
     for (const auto &[node, index] : m_nodeOf) {
         if (!qobject_cast<const RySkeleton *>(node))
-            RyRiggingExtras::storeNode(m_document, index, *node, anchorOf);
+            RyRiggingExtras::storeNode(m_document, index, *node);
     }
 }
 
 void RyGltfSceneExporter::storeExtras()
 {
     storeNodes();
-    std::vector<int> indices;
-    std::vector<const RyNode *> nodes;
-    for (const auto &[node, index] : m_nodeOf) {
-        indices.push_back(index);
-        nodes.push_back(node);
-    }
-    RyRiggingExtras::storeFile(m_document, m_unit, figures(), indices, nodes);
+    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints);
 }

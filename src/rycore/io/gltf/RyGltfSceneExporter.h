@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <map>
+#include <set>
 #include <vector>
 
 class RyFacetMesh;
@@ -27,6 +28,8 @@ public:
     void storeNodes() const;
 
     const std::map<const RyNode *, int> &nodes() const { return m_nodeOf; }
+    /// Nodes of all bones.
+    const std::set<int> &joints() const { return m_joints; }
     /// Figures with their skins first, then props: the order in which they will be read.
     std::vector<const RyNode *> figures() const;
 
@@ -43,4 +46,5 @@ private:
     double m_unit;
     std::map<const RyNode *, int> m_nodeOf;
     std::vector<const RyNode *> m_figures;
+    std::set<int> m_joints;
 };

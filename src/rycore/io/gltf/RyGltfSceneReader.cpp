@@ -3,7 +3,9 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RyEndPointGuess.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/gltf/RyFigureExtras.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
@@ -68,14 +70,23 @@ void RyGltfSceneReader::build(QStringList *messages)
     m_preOrder = ryGltfPreOrder(model);
     m_worldMaps = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
-    for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder)) {
+    leaveOutRemoved();
+    std::vector<bool> isLeftOut;
+    for (size_t skin = 0; skin < model.skins.size(); ++skin)
+        isLeftOut.push_back(RyTreeExtras::isRemoved(*m_scene->document, "skins", int(skin)));
+    const auto restOf = [this](int node, const RyAffine &posed) {
+        const double unit = RyFigureExtras::storedUnit(*m_scene->document);
+        return unit > 0.0 ? RyRiggingExtras::restOf(*m_scene->document, node, unit, posed * scaleBy(unit)) * scaleBy(1.0 / unit)
+                          : posed;
+    };
+    for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, isLeftOut)) {
         Figure figure;
-        figure.rest = ryGltfFindRest(*m_scene->document, set, m_worldMaps);
+        figure.rest = ryGltfFindRest(*m_scene->document, set, m_worldMaps, restOf);
         figure.joints = std::move(set);
         m_figures.push_back(std::move(figure));
     }
     if (!(m_scene->unit > 0.0))
-        m_scene->unit = RyRiggingExtras::storedUnit(*m_scene->document);
+        m_scene->unit = RyFigureExtras::storedUnit(*m_scene->document);
     if (!(m_scene->unit > 0.0))
         m_scene->unit = findUnit();
     for (Figure &figure : m_figures)
@@ -83,6 +94,24 @@ void RyGltfSceneReader::build(QStringList *messages)
     for (Figure &figure : m_figures)
         m_scene->figures.push_back(std::move(figure.source));
     buildProps();
+    for (const RyRef<RyNode> &top : m_tops)
+        m_scene->tops.emplace_back(top.get());
+    m_scene->recordTree();
+}
+
+void RyGltfSceneReader::leaveOutRemoved()
+{
+    // What a save removed from the scene hangs nowhere and keeps its place in the file's lists.
+    const RyGltfModel &model = m_scene->document->model();
+    std::vector<bool> isRemoved(model.nodes.size(), false);
+    for (const int node : m_preOrder) {
+        const int parent = model.nodes[size_t(node)].parent;
+        isRemoved[size_t(node)] = parent >= 0 ? isRemoved[size_t(parent)]
+                                              : RyTreeExtras::isRemoved(*m_scene->document, "nodes", node);
+    }
+    m_preOrder.erase(std::remove_if(m_preOrder.begin(), m_preOrder.end(),
+                                    [&isRemoved](int node) { return isRemoved[size_t(node)]; }),
+                     m_preOrder.end());
 }
 
 double RyGltfSceneReader::findUnit() const
@@ -131,9 +160,12 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         say(QStringLiteral("%1: the rest of these joints is taken from their nodes, and the mesh was brought there")
                 .arg(figure.rest.reason));
     }
+    figure.entry = RyFigureExtras::findEntry(*m_scene->document, figure.joints.bones, int(&figure - m_figures.data()));
     figure.figure = new RyFigure;
     figure.figure->setName(uniqueName(figureName(figure), m_topNames));
     figure.source.sceneNode = figure.figure;
+    RyFigureExtras::applyToFigure(*m_scene->document, figure.entry, m_scene->unit, figure.rest.isStored,
+                                  *figure.figure);
     m_tops.emplace_back(figure.figure);
 
     QSet<QString> &names = m_namesBelow[figure.figure];
@@ -153,6 +185,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     placeBones(figure);
     attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
+    figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
 }
 
 void RyGltfSceneReader::buildMesh(Figure &figure)
@@ -255,8 +288,11 @@ void RyGltfSceneReader::placeBones(Figure &figure)
         source.node = figure.joints.bones[i];
         source.sceneNode = figure.bones[i];
         source.isBone = true;
+        source.figure = int(&figure - m_figures.data());
         source.bind = figure.rest.bind[i] * scaleBy(unit);
         source.localPose = scaleBy(1.0 / unit) * figure.rest.localPose[i] * scaleBy(unit);
+        if (figure.joints.parents[i] < 0)
+            source.localPose = source.localPose * figure.figure->worldMap().inverse();
         bones[i].parent = figure.joints.parents[i];
         bones[i].origin = source.bind.translation();
         source.bind.decomposePolar(source.stretch, bones[i].orientation);
@@ -279,9 +315,7 @@ void RyGltfSceneReader::placeBones(Figure &figure)
     for (size_t i = 0; i < count; ++i) {
         for (const int child : model.nodes[size_t(sources[i].node)].children) {
             const RyGltfNode &node = model.nodes[size_t(child)];
-            const QString &name = node.name;
-            if (name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||
-                name.endsWith(QLatin1String("End Site"))) {
+            if (ryGltfMarksEnd(node.name)) {
                 bones[i].hasEndMarker = true;
                 bones[i].endMarker = (node.transform.toAffine() * sources[i].bind).translation();
             }
@@ -305,7 +339,7 @@ void RyGltfSceneReader::placeBones(Figure &figure)
                                      m_messages);
         sources[i].stretch = linearPart(sources[i].bind) * RyAffine::fromRotation(bone->getOrientation().inverse());
         setPose(sources[i], height);
-        RyRiggingExtras::applyLimits(*m_scene->document, sources[i].node, *bone);
+        RyRiggingExtras::applyLimits(*m_scene->document, sources[i].node, unit, *bone);
         sources[i].loaded = RyNodeValues::of(*bone);
         sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
     }
@@ -315,6 +349,8 @@ void RyGltfSceneReader::placeBones(Figure &figure)
 void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
 {
     RyNode *node = source.sceneNode;
+    if (RyRiggingExtras::applyPose(*m_scene->document, source.node, m_scene->unit, source.localPose, 1e-4f * height, *node))
+        return;
     const RyVec3 origin = node->getOrigin();
     const double from[3] = {origin.x, origin.y, origin.z};
     double at[3];
@@ -366,7 +402,6 @@ void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
 
 void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights)
 {
-    const RyGltfModel &model = m_scene->document->model();
     const int vertexCount = int(figure.mesh->positions.size());
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(figure.mesh->positions));
@@ -378,10 +413,22 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     auto *object = new RyObject;
     object->setName(figure.figure->getName());
     object->addShape(shape);
-    const int number = int(&figure - m_figures.data());
-    if (!RyRiggingExtras::applyFaceGroups(*m_scene->document, number, *mesh, m_messages))
+    if (!RyFigureExtras::applyFaceGroups(*m_scene->document, figure.entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
 
+    object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
+    figure.figure->setObject(object);
+    figure.source.positionsHash = ryPositionsHash(*figure.figure);
+    figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
+    RyFigureExtras::applySelectionMap(*m_scene, figure.entry, *figure.figure);
+    figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
+    figure.mesh.reset();
+}
+
+RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
+                                            std::vector<RyGltfMeshBuilder::BoneWeights> weights) const
+{
+    const RyGltfModel &model = m_scene->document->model();
     std::vector<bool> isJoint(figure.bones.size(), false);
     std::map<int, size_t> boneOfNode;
     for (size_t i = 0; i < figure.joints.bones.size(); ++i)
@@ -390,25 +437,29 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
         for (const int joint : model.skins[size_t(skin)].joints)
             isJoint[boneOfNode.at(joint)] = true;
     }
-    auto *skin = new RySkinBinding;
+    bool isStored = false;
+    std::vector<size_t> order; // of the bones that get a binding
+    for (const int node : RyFigureExtras::storedBindings(*m_scene->document, figure.entry, &isStored)) {
+        const auto bone = boneOfNode.find(node);
+        if (bone != boneOfNode.end() && std::find(order.begin(), order.end(), bone->second) == order.end())
+            order.push_back(bone->second);
+    }
     for (size_t i = 0; i < figure.bones.size(); ++i) {
-        if (!isJoint[i])
-            continue;
+        const bool isWanted = isStored ? !weights[i].vertices.empty() : isJoint[i];
+        if (isWanted && std::find(order.begin(), order.end(), i) == order.end())
+            order.push_back(i);
+    }
+    auto *skin = new RySkinBinding;
+    for (const size_t i : order) {
         auto *map = new RyWeightMap(figure.bones[i]->getName());
-        map->setAffected(vertexCount, std::move(weights[i].vertices), std::move(weights[i].weights));
+        map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
         auto *binding = new RyBoneBinding;
         binding->setBone(figure.bones[i]);
         binding->setWeights(map);
         skin->addBoneBinding(binding);
+        figure.source.weights.push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
     }
-    object->addModifier(skin);
-    figure.figure->setObject(object);
-    figure.source.positionsHash = ryPositionsHash(*figure.figure);
-    figure.source.weightsHash = ryWeightsHash(*figure.figure);
-    figure.source.groupsText = RyRiggingExtras::groupsText(*mesh);
-    RyRiggingExtras::applySelectionMap(*m_scene, number, *figure.figure);
-    figure.source.selectionText = RyRiggingExtras::selectionText(*figure.figure);
-    figure.mesh.reset();
+    return skin;
 }
 
 void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)
@@ -430,7 +481,7 @@ void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &part
 
 QString RyGltfSceneReader::figureName(const Figure &figure) const
 {
-    const QString stored = RyRiggingExtras::storedFigureName(*m_scene->document, int(&figure - m_figures.data()));
+    const QString stored = RyFigureExtras::storedFigureName(*m_scene->document, figure.entry);
     if (!stored.isEmpty())
         return stored;
     const RyGltfModel &model = m_scene->document->model();

@@ -13,6 +13,7 @@
 class RyBone;
 class RyFacetMesh;
 class RyFigure;
+class RySkinBinding;
 
 /// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is there.
 class RyGltfSceneReader
@@ -35,17 +36,22 @@ private:
         std::vector<RyBone *> bones;
         RyFigure *figure = nullptr;
         RyGltfFigureSource source;
+        int entry = -1; // of what an earlier save stored
         std::unique_ptr<RyGltfMeshBuilder> mesh;
     };
 
+    void leaveOutRemoved();
     double findUnit() const;
     void buildFigure(Figure &figure);
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
+    RySkinBinding *bindBones(Figure &figure, int vertexCount, std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
     void placeBones(Figure &figure);
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     void buildProps();
+    int placeBelow(const RyNode &above, int node) const;
+    void setPropPose(RyGltfNodeSource &source) const;
     void fillLooks(RyMeshParts &parts);
     void setPose(RyGltfNodeSource &source, float height);
     QString figureName(const Figure &figure) const;

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/RyGltfSceneReader.h"
 
+#include "rycore/io/gltf/RyFigureExtras.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -7,8 +8,47 @@
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
+#include <cmath>
 
 // Props: meshes without a skin, and the nodes that hold them on a bone.
+
+int RyGltfSceneReader::placeBelow(const RyNode &above, int node) const
+{
+    // Children stand in the order of the file, bones and props alike.
+    const RyGltfModel &model = m_scene->document->model();
+    int place = 0;
+    for (const int sibling : model.nodes[size_t(model.nodes[size_t(node)].parent)].children) {
+        if (sibling == node)
+            break;
+        const RyNode *other = m_sceneNodeOf[size_t(sibling)];
+        place += other && other->getNodeParent() == &above;
+    }
+    return place;
+}
+
+void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
+{
+    RyAffine stored;
+    const RyAffine posed = RyRiggingExtras::findStoredPose(*m_scene->document, source.node, m_scene->unit, stored)
+                               ? stored : RyAffine();
+    const RyNode *above = source.sceneNode->getNodeParent();
+    const double unit = m_scene->unit;
+    const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit, unit, unit);
+    const RyAffine said = source.bind * posed * (above ? above->worldMap() : RyAffine());
+    double size = 0.0;
+    double difference = 0.0;
+    for (int row = 0; row < 4; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            size = std::max(size, std::abs(shown.m[row][column]));
+            difference = std::max(difference, std::abs(shown.m[row][column] - said.m[row][column]));
+        }
+    }
+    if (difference > 1e-4 * size ||
+        !RyRiggingExtras::applyPose(*m_scene->document, source.node, unit, posed, 1e-3f, *source.sceneNode)) {
+        return;
+    }
+    source.localPose = source.sceneNode->getLocalMap();
+}
 
 void RyGltfSceneReader::buildProps()
 {
@@ -36,7 +76,8 @@ void RyGltfSceneReader::buildProps()
         const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
         RyGltfNodeSource source;
         source.node = index;
-        source.bind = m_worldMaps[size_t(index)] * unit * unposed;
+        source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit,
+                                              m_worldMaps[size_t(index)] * unit * unposed);
 
         auto *prop = new RyNode;
         prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
@@ -48,7 +89,7 @@ void RyGltfSceneReader::buildProps()
         source.sceneNode = prop;
         m_sceneNodeOf[size_t(index)] = prop;
         if (above)
-            above->addNodeChild(prop);
+            above->addNodeChild(prop, false, placeBelow(*above, index));
         else
             m_tops.emplace_back(prop);
 
@@ -67,7 +108,8 @@ void RyGltfSceneReader::buildProps()
             mesh->setFacets(std::move(builder.facets));
             auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
             fillLooks(*parts);
-            if (!RyRiggingExtras::applyFaceGroups(*m_scene->document, int(m_scene->figures.size()), *mesh, m_messages))
+            const int entry = RyFigureExtras::findEntry(*m_scene->document, {index}, int(m_scene->figures.size()));
+            if (!RyFigureExtras::applyFaceGroups(*m_scene->document, entry, *mesh, m_messages))
                 addPartGroups(*mesh, *parts);
             auto *shape = new RyFacetShape(mesh);
             shape->setParts(parts);
@@ -77,14 +119,15 @@ void RyGltfSceneReader::buildProps()
             prop->setObject(object);
             end = mesh->getBoundingBox().getCenter();
             figure.positionsHash = ryPositionsHash(*prop);
-            figure.weightsHash = ryWeightsHash(*prop);
-            figure.groupsText = RyRiggingExtras::groupsText(*mesh);
+            figure.groupsText = RyFigureExtras::groupsText(*mesh);
             m_scene->figures.push_back(std::move(figure));
         }
         prop->setEndPoint(end, true);
-        const float size = std::max(1.0f, (end - prop->getOrigin()).length());
+        // Far from the origin, and below turned bones, single precision says less.
+        const float size = std::max({1.0f, (end - prop->getOrigin()).length(), 0.1f * prop->getOrigin().length()});
         RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
-        RyRiggingExtras::applyLimits(*m_scene->document, index, *prop);
+        setPropPose(source);
+        RyRiggingExtras::applyLimits(*m_scene->document, index, m_scene->unit, *prop);
         source.loaded = RyNodeValues::of(*prop);
         source.riggingText = RyRiggingExtras::nodeText(*prop);
         m_scene->nodes.push_back(std::move(source));

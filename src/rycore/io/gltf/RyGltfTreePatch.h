@@ -6,14 +6,29 @@
 
 class RyGltfDocument;
 
-/// Changes of a document's tree that its model knows of only after `finish`.
+/// Changes of a document's tree that its model knows of only after `finish`. Nodes, meshes and skins keep their indices.
 class RyGltfTreePatch
 {
 public:
     explicit RyGltfTreePatch(RyGltfDocument &document) : m_document(document) {}
 
-    /// As many as the skin's inverse bind matrices at the time of `finish`.
-    void setSkinJoints(int skin, const std::vector<int> &joints);
+    /// A node that hangs nowhere yet.
+    int addNode(const QString &name);
+    void setChildren(int node, const std::vector<int> &children);
+    /// Roots of a scene of the file.
+    void setSceneRoots(int scene, const std::vector<int> &roots);
+    std::vector<int> sceneRoots(int scene) const;
+    int sceneCount() const;
+    /// The scene that is shown; -1 in a file without scenes, where every node without a parent is shown.
+    int shownScene() const;
+    /// As many as the skin's inverse bind matrices at the time of `finish`. A "skeleton" that `stillAbove` denies is left out.
+    void setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove);
+    /// A copy of a mesh with everything that belongs to it; accessors are shared.
+    int cloneMesh(int mesh);
+    /// Takes a node's mesh and skin away, or gives it others; -1 for none.
+    void setNodeMesh(int node, int mesh, int skin);
+    /// Whether the node holds something by itself: a mesh, a camera, an extension.
+    bool hasContent(int node) const;
     /// False with a reason when the tree is no valid one now.
     bool finish(QString *error);
 

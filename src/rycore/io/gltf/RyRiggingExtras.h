@@ -2,19 +2,13 @@
 
 #include "rycore/io/gltf/RyGltfSceneDocument.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <QStringList>
 
-#include <functional>
-
-class RyFacetMesh;
-
-/// What our key in a file's extras holds, because glTF has no place for it: per node end point, rotation order, defaults
-/// that differ from the current values, limits, labels and flags; per file the unit factor, face groups and selection
-/// maps. It is read back only where it fits what the file says.
+/// What our key in the extras of a node holds, because glTF has no place for it: end point, rotation order, defaults that
+/// differ from the current values, pose, limits, labels and flags. It is read back only where it fits what the file says.
 namespace RyRiggingExtras {
-
-/// Centimetres per file unit as stored, 0 when nothing is stored.
-double storedUnit(const RyGltfDocument &document);
 
 /// Applies what is stored for a node whose rigging has just been read. False when nothing is stored; drops what does
 /// not fit with a message. `tolerance` in centimetres. A stored orientation fits where it leaves of `bind`, the rest frame, a
@@ -22,31 +16,24 @@ double storedUnit(const RyGltfDocument &document);
 bool applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance, const RyAffine &bind,
                  RyNode &sceneNode, QStringList *messages);
 /// Applies the stored limits of the pose controls; after the pose, which is what the file says.
-void applyLimits(const RyGltfDocument &document, int node, RyNode &sceneNode);
-/// Face groups of a figure (number in file order); false when none fit.
-bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
-void applySelectionMap(const RyGltfSceneDocument &scene, int figure, RyNode &skeleton);
+void applyLimits(const RyGltfDocument &document, int node, double unit, RyNode &sceneNode);
 
-/// Name of a figure (number in file order) as it was saved; empty when none is stored.
-QString storedFigureName(const RyGltfDocument &document, int figure);
+/// The map that the stored pose makes, in centimetres; false when none is stored.
+bool findStoredPose(const RyGltfDocument &document, int node, double unit, RyAffine &map);
+/// The rest frame of a node of which the file says only where it is: `posed` without the stored pose, where that brings it to
+/// the stored place.
+RyAffine restOf(const RyGltfDocument &document, int node, double unit, const RyAffine &posed);
+/// Sets the pose controls to the stored numbers, of the many that make one map; false, and nothing done, when they make another.
+bool applyPose(const RyGltfDocument &document, int node, double unit, const RyAffine &localPose, float tolerance,
+               RyNode &sceneNode);
+/// Applies what is stored of a figure itself; `withPlace`: where it stands and is turned to as well.
+void applyFigure(const nlohmann::ordered_json &stored, double unit, bool withPlace, RyNode &figure);
 
-/// The rest of a skin's joints is read back where the topmost of them stands in the world, and that of a prop where it stands on
-/// its bone: their pose becomes rest. Gives the map from the rest in the scene to that one; false when the two are the same.
-/// `anchorOf` finds the joint by which a bone's rest is found.
-using AnchorOf = std::function<const RyNode *(const RyNode &bone)>;
-bool findRestMap(const RyNode &node, const AnchorOf &anchorOf, RyAffine &map);
-
-/// Writes them into a patched document. `place`: the origin as the file says it, where that is not the node's.
-void storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const AnchorOf &anchorOf,
-               const RyVec3 *place = nullptr);
-void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-               const std::vector<int> &nodes, const std::vector<const RyNode *> &sceneNodes);
-
-/// What is stored of a node, to see whether it was edited.
+/// What is stored of a node. `place`: the origin as the file says it, where that is not the node's.
+nlohmann::ordered_json nodeJson(const RyNode &sceneNode, const RyVec3 *place);
+/// The same as a text, to see whether it was edited.
 QString nodeText(const RyNode &node);
-/// The face groups of a mesh as the extras say them, to see whether they were edited.
-QString groupsText(const RyFacetMesh &mesh);
-/// Likewise the selection map of a skeleton; empty without one.
-QString selectionText(const RyNode &node);
+/// Writes it into a patched document.
+void storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place = nullptr);
 
 } // namespace RyRiggingExtras

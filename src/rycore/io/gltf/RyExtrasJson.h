@@ -1,0 +1,28 @@
+#pragma once
+
+#include "rycore/math/RyVec3.h"
+
+#include <nlohmann/json.hpp>
+
+/// Our key in the extras of a glTF file, and careful ways to read below it: members that are not what they should be read as
+/// absent.
+namespace RyExtrasJson {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char *Key = "RYHOST_rigging";
+constexpr int Version = 1;
+
+/// A member of an object; null when there is none.
+const Json *find(const Json &object, const char *key);
+/// What stands under our key in the extras of a holder; null when there is nothing of our version.
+const Json *ours(const Json &holder);
+/// An entry of one of the file's lists; null outside of it.
+const Json *entry(const Json &tree, const char *list, int index);
+/// Puts something under our key; other extras stay. Null takes it away, and extras that are empty then with it.
+void store(Json &holder, Json value);
+/// False for anything but three finite numbers.
+bool readVector(const Json *value, RyVec3 &v);
+Json vectorJson(const RyVec3 &v);
+
+} // namespace RyExtrasJson

@@ -1,0 +1,149 @@
+#include "RigEdits.h"
+
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+
+namespace {
+
+RyBone *makeBone(RyScene &scene, const RyBone &like, RyNode *parent, const RyVec3 &origin, const RyVec3 &end)
+{
+    auto *bone = new RyBone;
+    const RySkeleton *skeleton = like.getSkeleton();
+    bone->setName(skeleton->getUniqueBoneName(like.getName()));
+    bone->setLabel(skeleton->getUniqueBoneLabel(like.getLabel()));
+    bone->setOrigin(origin, true);
+    bone->setEndPoint(end, true);
+    bone->setOrientation(like.getOrientation(), true);
+    bone->setRotationOrder(like.getRotationOrder());
+    scene.addNode(bone);
+    parent->addNodeChild(bone);
+    return bone;
+}
+
+void copyBinding(RyBone *bone, const RyBone &from, bool withWeights)
+{
+    RySkinBinding *skin = RySkinBinding::findSkinFromNode(bone);
+    const RyBoneBinding *source = skin->findBoneBinding(&from);
+    auto *binding = new RyBoneBinding;
+    binding->setBone(bone);
+    auto *map = new RyWeightMap(bone->getName());
+    map->setNumWeights(skin->bindings().empty() ? 0 : skin->bindings().front()->getWeights()->getNumWeights());
+    if (withWeights && source && source->getWeights()) {
+        map->beginEdit();
+        for (int i = 0; i < source->getWeights()->getNumAffected(); ++i)
+            map->getWeights()[source->getWeights()->getAffectedIndices()[i]] = source->getWeights()->getAffectedWeights()[i];
+        map->finishEdit();
+    }
+    binding->setWeights(map);
+    skin->addBoneBinding(binding);
+    skin->normalize(0, RySkinBinding::AllWeights, false);
+}
+
+RyVec3 halfway(const RyBone &bone)
+{
+    return (bone.getOrigin() + bone.getEndPoint()) * 0.5f;
+}
+
+} // namespace
+
+void RigEdits::deleteBone(RyScene &scene, RyBone *bone)
+{
+    RyNode *parent = bone->getNodeParent();
+    const std::vector<RyNode *> children = bone->nodeChildrenIterator();
+    RySkinBinding *skin = RySkinBinding::findSkinFromNode(bone);
+    if (RySelectionMap *map = bone->getSkeleton()->getSelectionMap(); map && map->findPair(bone) >= 0)
+        map->removePair(map->findPair(bone));
+    RyBoneBinding *binding = skin->findBoneBinding(bone);
+    RyBoneBinding *receiver = nullptr;
+    for (RyNode *above = parent; above && above != bone->getSkeleton() && !receiver; above = above->getNodeParent())
+        receiver = skin->findBoneBinding(above);
+    for (size_t i = 0; i < children.size() && !receiver; ++i)
+        receiver = skin->findBoneBinding(children[i]);
+    const RyRef<RyBone> guard(bone);
+    parent->removeNodeChild(bone);
+    if (binding && receiver) {
+        const RyWeightMap &from = *binding->getWeights();
+        RyWeightMap *to = receiver->getWeights();
+        to->beginEdit();
+        for (int i = 0; i < from.getNumAffected(); ++i) {
+            quint16 &weight = to->getWeights()[from.getAffectedIndices()[i]];
+            weight = quint16(std::min(65535, int(weight) + int(from.getAffectedWeights()[i])));
+        }
+        to->finishEdit();
+    }
+    if (binding)
+        skin->removeBoneBinding(binding);
+    skin->normalize(0, RySkinBinding::AllWeights, false);
+    for (RyNode *child : children) {
+        bone->removeNodeChild(child);
+        parent->addNodeChild(child);
+    }
+    scene.removeNode(bone);
+}
+
+RyBone *RigEdits::splitBone(RyScene &scene, RyBone *bone)
+{
+    const RyVec3 middle = halfway(*bone);
+    RyBone *lower = makeBone(scene, *bone, bone, middle, bone->getEndPoint());
+    bone->setEndPoint(middle, true);
+    lower->setInheritScale(false);
+    copyBinding(lower, *bone, true);
+    const std::vector<RyNode *> children = bone->nodeChildrenIterator();
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        if (qobject_cast<RyBone *>(*child) && *child != lower)
+            lower->addNodeChild(*child);
+    }
+    return lower;
+}
+
+RyBone *RigEdits::addSibling(RyScene &scene, RyBone *bone)
+{
+    RyBone *sibling = makeBone(scene, *bone, bone->getNodeParent(), bone->getOrigin(), halfway(*bone));
+    copyBinding(sibling, *bone, true);
+    return sibling;
+}
+
+RyBone *RigEdits::addChild(RyScene &scene, RyBone *bone)
+{
+    RyBone *child = makeBone(scene, *bone, bone, bone->getEndPoint(), bone->getEndPoint() * 2.0f - halfway(*bone));
+    copyBinding(child, *bone, false);
+    return child;
+}
+
+RyBone *RigEdits::duplicateChain(RyScene &scene, RyBone *bone)
+{
+    RyBone *first = nullptr;
+    RyNode *parent = bone->getNodeParent();
+    RyBone *next = bone;
+    for (int links = 0; next && links < 3; ++links) {
+        RyBone *copy = makeBone(scene, *next, parent, next->getOrigin(), next->getEndPoint());
+        RyVec3 position;
+        RyQuat rotation;
+        RyMatrix3 scale;
+        float general = 1.0f;
+        next->getLocalTransform(position, rotation, scale, general);
+        copy->setLocalTransform(position, rotation, scale, general);
+        copyBinding(copy, *next, false);
+        first = first ? first : copy;
+        parent = copy;
+        RyBone *below = nullptr;
+        for (RyNode *child : next->nodeChildrenIterator()) {
+            if (!below)
+                below = qobject_cast<RyBone *>(child);
+        }
+        next = below;
+    }
+    return first;
+}
+
+void RigEdits::reparent(RyBone *bone, RyNode *parent, bool keepWorld)
+{
+    parent->addNodeChild(bone, keepWorld);
+}

@@ -1,0 +1,194 @@
+#include "CharacterScene.h"
+#include "RigEdits.h"
+
+#include "rycore/io/RySceneDump.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+#include "support/RyValidator.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+using Edit = void (*)(CharacterScene &character, RyBone *bone, std::mt19937 &random);
+
+struct NamedEdit
+{
+    const char *name;
+    Edit edit;
+};
+
+RyBone *pick(const std::vector<RyBone *> &bones, std::mt19937 &random)
+{
+    return bones[std::uniform_int_distribution<size_t>(0, bones.size() - 1)(random)];
+}
+
+/// A bone of the same figure that does not hang below it.
+RyNode *otherParent(RyBone *bone, std::mt19937 &random)
+{
+    std::vector<RyBone *> bones = bone->getSkeleton()->getAllBones();
+    bones.erase(std::remove_if(bones.begin(), bones.end(),
+                               [bone](RyBone *other) { return other == bone || other->isDescendantOf(bone); }),
+                bones.end());
+    return bones.empty() ? static_cast<RyNode *>(bone->getSkeleton()) : pick(bones, random);
+}
+
+const NamedEdit edits[] = {
+    {"delete",
+     [](CharacterScene &character, RyBone *bone, std::mt19937 &) {
+         // Where no other bone takes its weights, vertices would follow none; a test of its own sees to that.
+         const bool hasReceiver = qobject_cast<RyBone *>(bone->getNodeParent()) || bone->getNumNodeChildren() > 0;
+         if (hasReceiver && bone->getSkeleton()->getAllBones().size() > 1)
+             RigEdits::deleteBone(character.scene, bone);
+     }},
+    {"split", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::splitBone(character.scene, bone); }},
+    {"sibling", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addSibling(character.scene, bone); }},
+    {"child", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addChild(character.scene, bone); }},
+    {"duplicate",
+     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::duplicateChain(character.scene, bone); }},
+    {"reparent",
+     [](CharacterScene &, RyBone *bone, std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), true); }},
+    {"hang elsewhere",
+     [](CharacterScene &, RyBone *bone, std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), false); }},
+    {"rename",
+     [](CharacterScene &, RyBone *bone, std::mt19937 &) {
+         bone->setName(bone->getSkeleton()->getUniqueBoneName(bone->getName() + QStringLiteral(" again")));
+         bone->setLabel(bone->getName().toUpper());
+     }},
+};
+
+constexpr int BonesPerFile = 6;
+
+} // namespace
+
+/// What artists do to the bones of a character comes back from its file, and nothing else changes there.
+class StructureTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    /// A row can be run again by itself.
+    void init() { m_random.seed(ryTestSeed() + unsigned(qHash(QLatin1String(QTest::currentDataTag()), 0u))); }
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    void oneKind_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("kind");
+        for (const QString &name : characterNames()) {
+            for (int kind = 0; kind < int(std::size(edits)); ++kind)
+                QTest::newRow(qPrintable(name + QLatin1Char(' ') + QLatin1String(edits[kind].name))) << name << kind;
+        }
+    }
+    void oneKind()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, kind);
+        if (ryModel(name).isEmpty())
+            QSKIP("the character is not here");
+        CharacterScene character(ryModel(name));
+        for (int i = 0; i < BonesPerFile; ++i)
+            edits[kind].edit(character, pick(character.bones(), m_random), m_random);
+        check(character, name, false);
+    }
+
+    /// One after the other on the same bones, posed.
+    void allKinds_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const QString &name : characterNames())
+            QTest::newRow(qPrintable(name)) << name;
+    }
+    void allKinds()
+    {
+        QFETCH(QString, name);
+        if (ryModel(name).isEmpty())
+            QSKIP("the character is not here");
+        CharacterScene character(ryModel(name));
+        turnRandomly(character, m_random);
+        for (int i = 0; i < 2 * BonesPerFile; ++i) {
+            const size_t kind = std::uniform_int_distribution<size_t>(0, std::size(edits) - 1)(m_random);
+            edits[kind].edit(character, pick(character.bones(), m_random), m_random);
+        }
+        moveSomeJoints(character, 0.1, m_random);
+        check(character, name, true);
+    }
+
+private:
+    void check(CharacterScene &character, const QString &name, bool withValidator)
+    {
+        const QString ending = name.section(QLatin1Char('.'), -1);
+        const QString saved = m_folder.filePath(QStringLiteral("saved.") + ending);
+        const QString dump = rySceneDump(character.scene);
+        QString error;
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error), qPrintable(error));
+        QCOMPARE(rySceneDump(character.scene), dump);
+
+        // What the file shows is what the scene shows, posed and at rest.
+        const GltfEvaluator file(saved.toStdString());
+        const double tolerance = (file.counts().maxInfluences > 9 ? 2e-5 : 1e-5) * character.height;
+        const double posed = largestDistance(character.shown(), positionsOf(file, character.unit()));
+        QVERIFY2(posed <= tolerance, qPrintable(QString::number(posed / character.height)));
+        keepsTheRest(character.file, file);
+
+        CharacterScene again(saved);
+        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+        QVERIFY2(again.messages.filter(QStringLiteral("left out")).isEmpty(), qPrintable(again.messages.join(QLatin1Char('\n'))));
+        const QString twice = m_folder.filePath(QStringLiteral("twice.") + ending);
+        QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
+        QVERIFY(bytesOf(twice) == bytesOf(saved));
+
+        for (RyBone *bone : again.bones())
+            bone->clearPose();
+        QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
+        const double rest = largestDistance(again.shown(), positionsOf(GltfEvaluator(twice.toStdString()), again.unit()));
+        QVERIFY2(rest <= tolerance, qPrintable(QString::number(rest / character.height)));
+        if (!withValidator)
+            return;
+        const RyValidation before = ryValidate(ryModel(name));
+        const RyValidation after = ryValidate(saved);
+        if (before.available)
+            QVERIFY2(after.errors <= before.errors, qPrintable(after.report));
+    }
+
+    /// Materials, pictures, clips and everything else that the edits have nothing to do with.
+    static void keepsTheRest(const GltfEvaluator &before, const GltfEvaluator &after)
+    {
+        for (const auto &[key, value] : before.tree().items()) {
+            static const std::set<std::string> ours{"nodes", "meshes",      "skins",   "accessors", "bufferViews",
+                                                    "buffers", "scenes", "extras"};
+            if (!ours.count(key))
+                QVERIFY2(after.tree().value(key, nlohmann::json()) == value, key.c_str());
+        }
+        const auto &meshes = before.tree().at("meshes");
+        for (size_t m = 0; m < meshes.size(); ++m) {
+            for (size_t p = 0; p < meshes[m].at("primitives").size(); ++p) {
+                nlohmann::json old = meshes[m]["primitives"][p];
+                nlohmann::json now = after.tree()["meshes"][m]["primitives"][p];
+                for (auto *primitive : {&old, &now}) {
+                    primitive->erase("extras");
+                    auto &attributes = (*primitive)["attributes"];
+                    for (auto attribute = attributes.begin(); attribute != attributes.end();) {
+                        const bool isInfluence = attribute.key().rfind("JOINTS_", 0) == 0 || attribute.key().rfind("WEIGHTS_", 0) == 0;
+                        attribute = isInfluence ? attributes.erase(attribute) : std::next(attribute);
+                    }
+                }
+                QVERIFY(old == now);
+                for (const auto &attribute : old["attributes"])
+                    QVERIFY(before.accessorBytes(attribute) == after.accessorBytes(attribute));
+            }
+        }
+    }
+
+    QTemporaryDir m_folder;
+    std::mt19937 m_random;
+};
+
+RY_TEST(StructureTest)
+#include "tst_structure.moc"
