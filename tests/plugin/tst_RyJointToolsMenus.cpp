@@ -88,12 +88,12 @@ const EnablingRow working[] = {
     {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
     {"RyJESelectedNodesAttributesEditAction", "111111", ""},
     {"RyJECustomColorsAction", "111111", ""},
+    {"RyJEDuplicateBonesAction", "011111", anyReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
 /// brought to life.
 const EnablingRow notYetWorking[] = {
-    {"RyJEDuplicateBonesAction", "011111", anyReason},
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},

@@ -83,6 +83,11 @@ void RyStructuralActionsTest::characters()
         RyJECreateSiblingBoneAction().executeAction();
         QCOMPARE(ryFaultsOf(figure), QString());
     }
+    before = object->getDeformedPositions();
+    ryScene()->setSelection({pick(), pick(), pick(), pick()});
+    RyJEDuplicateBonesAction().executeAction();
+    QCOMPARE(ryFaultsOf(figure), QString());
+    QCOMPARE(ryLargestWay(object->getDeformedPositions(), before), 0.0f);
     while (figure->getAllBones().size() > 1) {
         ryScene()->setSelection({pick()});
         RyJEDeleteBoneAction().executeAction();

@@ -3,10 +3,9 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/RyUniqueNames.h"
 #include "rycore/undo/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
-
-#include <QSet>
 
 #include <algorithm>
 
@@ -284,22 +283,14 @@ QString withoutTrailingBlanks(QString text)
     return text;
 }
 
-QString uniqueText(const QString &text, const RyNode *ignore, QString (RyNode::*read)() const,
-                   QString (*strip)(const QString &), const QString &separator)
+QString uniqueText(const QString &text, const RyNode *ignore, QString (RyNode::*read)() const, RyUniqueNames::Kind kind)
 {
-    QSet<QString> taken;
+    RyUniqueNames names(kind);
     for (const RyNode *node : ryScene()->getTopLevelNodes()) {
         if (node != ignore)
-            taken.insert((node->*read)());
+            names.add((node->*read)());
     }
-    if (!taken.contains(text))
-        return text;
-    const QString stem = strip(text);
-    for (int number = 2;; ++number) {
-        const QString candidate = stem + separator + QString::number(number);
-        if (!taken.contains(candidate))
-            return candidate;
-    }
+    return names.find(text);
 }
 
 } // namespace
@@ -331,10 +322,10 @@ QString RyScene::stripLabelNumber(const QString &label)
 
 QString RyScene::getUniqueTopLevelName(const QString &name, const RyNode *ignore)
 {
-    return uniqueText(name, ignore, &RyNode::getName, &RyScene::stripNameNumber, QString());
+    return uniqueText(name, ignore, &RyNode::getName, RyUniqueNames::Names);
 }
 
 QString RyScene::getUniqueTopLevelLabel(const QString &label, const RyNode *ignore)
 {
-    return uniqueText(label, ignore, &RyNode::getLabel, &RyScene::stripLabelNumber, QStringLiteral(" "));
+    return uniqueText(label, ignore, &RyNode::getLabel, RyUniqueNames::Labels);
 }

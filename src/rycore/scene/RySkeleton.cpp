@@ -5,9 +5,8 @@
 #include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RyUniqueNames.h"
 #include "rycore/undo/RyUndoStack.h"
-
-#include <QSet>
 
 /// Which selection map a skeleton has.
 class RySelectionMapExchange : public RyUndoItem
@@ -75,36 +74,22 @@ RyBone *RySkeleton::findBoneByLabel(const QString &label) const
 
 QString RySkeleton::getUniqueBoneName(const QString &name, const RyNode *ignore) const
 {
-    QSet<QString> taken;
+    RyUniqueNames names(RyUniqueNames::Names);
     for (const RyBone *bone : getAllBones()) {
         if (bone != ignore)
-            taken.insert(bone->getName());
+            names.add(bone->getName());
     }
-    if (!taken.contains(name))
-        return name;
-    const QString stem = RyScene::stripNameNumber(name);
-    for (int number = 2;; ++number) {
-        const QString candidate = stem + QString::number(number);
-        if (!taken.contains(candidate))
-            return candidate;
-    }
+    return names.find(name);
 }
 
 QString RySkeleton::getUniqueBoneLabel(const QString &label, const RyNode *ignore) const
 {
-    QSet<QString> taken;
+    RyUniqueNames labels(RyUniqueNames::Labels);
     for (const RyBone *bone : getAllBones()) {
         if (bone != ignore)
-            taken.insert(bone->getLabel());
+            labels.add(bone->getLabel());
     }
-    if (!taken.contains(label))
-        return label;
-    const QString stem = RyScene::stripLabelNumber(label);
-    for (int number = 2;; ++number) {
-        const QString candidate = stem + QLatin1Char(' ') + QString::number(number);
-        if (!taken.contains(candidate))
-            return candidate;
-    }
+    return labels.find(label);
 }
 
 void RySkeleton::resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context)

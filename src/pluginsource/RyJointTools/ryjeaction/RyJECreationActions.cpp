@@ -2,13 +2,19 @@
 
 #include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
 #include "pluginsource/RyJointTools/operations/copyBone.h"
+#include "pluginsource/RyJointTools/operations/duplicateBones.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
+
+#include <algorithm>
 
 RyJECreateBoneAction::RyJECreateBoneAction() : RyJEToolAction(staticMetaObject)
 {
@@ -47,7 +53,57 @@ void RyJECreateSiblingBoneAction::executeAction()
     createSiblingBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
 }
 
-RyJEDuplicateBonesAction::RyJEDuplicateBonesAction() : RyJEToolAction(staticMetaObject) {}
+namespace {
+
+struct FigureBones
+{
+    RyFigure *figure;
+    std::vector<RyBone *> bones; // in order of selection
+};
+
+std::vector<FigureBones> selectedBonesByFigure()
+{
+    std::vector<FigureBones> list;
+    for (RyNode *node : ryScene()->selectedNodeListIterator()) {
+        auto *bone = qobject_cast<RyBone *>(node);
+        auto *figure = bone ? qobject_cast<RyFigure *>(bone->getSkeleton()) : nullptr;
+        if (!figure)
+            continue;
+        auto place = std::find_if(list.begin(), list.end(), [figure](const FigureBones &each) { return each.figure == figure; });
+        if (place == list.end())
+            place = list.insert(place, {figure, {}});
+        place->bones.push_back(bone);
+    }
+    return list;
+}
+
+} // namespace
+
+RyJEDuplicateBonesAction::RyJEDuplicateBonesAction() : RyJEToolAction(staticMetaObject)
+{
+    followSelection();
+}
+
+void RyJEDuplicateBonesAction::selectionChanged()
+{
+    enableBy(isAnyNode);
+}
+
+void RyJEDuplicateBonesAction::executeAction()
+{
+    RyAssetIOMgr *assets = RyApp::getAssetIOMgr();
+    if (!assets)
+        return;
+    const std::vector<FigureBones> selection = selectedBonesByFigure();
+    if (selection.empty()) {
+        informOfSelection(RyJEToolAction::tr("A bone must be selected to continue."));
+        return;
+    }
+    for (const FigureBones &each : selection) {
+        for (const QString &failure : duplicateBones(each.figure, each.bones, *assets))
+            RyMessageLog::global().warning(ryDeveloperMessage(__FILE__, __LINE__, failure));
+    }
+}
 
 RyJESplitBoneAction::RyJESplitBoneAction() : RyJEToolAction(staticMetaObject)
 {

@@ -31,6 +31,10 @@ class RyJEDuplicateBonesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEDuplicateBonesAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged();
 };
 
 class RyJESplitBoneAction : public RyJEToolAction

@@ -1,0 +1,134 @@
+#include "pluginsource/RyJointTools/operations/duplicateBones.h"
+
+#include "rycore/figure/RyFigure.h"
+#include "rycore/scene/RyAssetIOMgr.h"
+#include "rycore/scene/RyAssetLoadScope.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
+#include "rycore/scene/RyUniqueNames.h"
+#include "rycore/skin/RySkinBinding.h"
+#include "rycore/undo/RyUndoStackLock.h"
+
+#include <algorithm>
+
+namespace {
+
+QString nameAndClass(const RyBone *bone)
+{
+    return QStringLiteral("%1 (%2)").arg(bone->getName(), QLatin1String(bone->metaObject()->className()));
+}
+
+void setOptions(RyElementDuplicateContext &context, const RyAssetLoadScope &scope)
+{
+    context.setDuplicateAssets(scope.getAssets());
+    context.setRemapAliases(true);
+    context.setSkipNonUserProperties(true);
+    context.setDuplicateBoneHierarchy(false);
+    context.setDuplicateFullNodeHierarchy(false);
+    context.setTreatHiddenAndPromotingAsBones(true);
+    context.setFacetCompatible(true);
+    context.setVertexCompatible(true);
+    context.setDuplicateRoot(nullptr);
+}
+
+/// Duplicates one bone after the other, parents first.
+class Duplicator
+{
+public:
+    Duplicator(const RyFigure *figure, RySkinBinding *skin, RyElementDuplicateContext &context)
+        : m_skin(skin), m_context(context)
+    {
+        for (const RyBone *bone : figure->getAllBones()) {
+            m_names.add(bone->getName());
+            m_labels.add(bone->getLabel());
+        }
+    }
+
+    void duplicate(RyBone *bone)
+    {
+        RyNode *parent = bone->getNodeParent();
+        if (auto *newParent = qobject_cast<RyNode *>(m_context.findNewElement(parent)))
+            parent = newParent;
+        m_context.setParentNode(parent);
+        RyElement *element = bone->doDuplicateElement(&m_context);
+        auto *copy = qobject_cast<RyBone *>(element);
+        if (!copy) {
+            delete element;
+            failures.append(QStringLiteral("Could not duplicate bone : ") + nameAndClass(bone));
+            return;
+        }
+        copy->setName(m_names.find(bone->objectName()));
+        copy->setLabel(m_labels.find(bone->getLabel()));
+        m_names.add(copy->getName());
+        m_labels.add(copy->getLabel());
+        if (RyBoneBinding *binding = m_skin->findBoneBinding(bone))
+            duplicateBinding(binding);
+        else
+            failures.append(QStringLiteral("Could not duplicate bone binding : ") + nameAndClass(bone));
+    }
+
+    QStringList failures;
+    bool changedSkin = false;
+
+private:
+    void duplicateBinding(RyBoneBinding *binding)
+    {
+        RyElement *element = binding->doDuplicateElement(&m_context);
+        auto *copy = qobject_cast<RyBoneBinding *>(element);
+        if (!copy) {
+            delete element;
+            return;
+        }
+        // A bone that was just made has no influence yet.
+        for (RyWeightMap *map : copy->getAllWeightMaps()) {
+            map->beginEdit();
+            map->setNumWeights(map->getNumWeights());
+            map->finishEdit();
+        }
+        m_skin->addBoneBinding(copy);
+        changedSkin = true;
+    }
+
+    RySkinBinding *m_skin;
+    RyElementDuplicateContext &m_context;
+    RyUniqueNames m_names{RyUniqueNames::Names};
+    RyUniqueNames m_labels{RyUniqueNames::Labels};
+};
+
+} // namespace
+
+int boneDepth(const RyNode *node)
+{
+    int depth = 1;
+    for (const RyNode *above = node ? node->getNodeParent() : nullptr;
+         above && above->getNodeParent() && !qobject_cast<const RySkeleton *>(above); above = above->getNodeParent())
+        ++depth;
+    return depth;
+}
+
+QStringList duplicateBones(RyFigure *figure, std::vector<RyBone *> bones, RyAssetIOMgr &assets)
+{
+    const RyUndoStackLock lock;
+    RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure);
+    if (!skin)
+        return {QStringLiteral("Figure with no skin")};
+    std::stable_sort(bones.begin(), bones.end(),
+                     [](const RyBone *a, const RyBone *b) { return boneDepth(a) < boneDepth(b); });
+    RyAssetLoadScope scope;
+    assets.doScopedLoad(scope, true);
+    QObject owner;
+    auto *context = new RyElementDuplicateContext(&owner);
+    setOptions(*context, scope);
+    Duplicator duplicator(figure, skin, *context);
+    for (RyBone *bone : bones)
+        duplicator.duplicate(bone);
+    context->createAlaises();
+    context->createERC();
+    context->doResolve();
+    context->doFinalize();
+    context->clearDuplicateAssets();
+    scope.finishLoad();
+    if (duplicator.changedSkin)
+        skin->reduceWeightMemory();
+    return duplicator.failures;
+}
