@@ -13,53 +13,82 @@ quint16 scaled(quint16 weight, quint64 sum)
     return quint16(quint64(weight) * Full / sum);
 }
 
+/// A vertex whose weights have a sum other than full weight.
+struct OpenVertex
+{
+    quint64 sum;
+    quint64 scaledSum = 0;
+    quint16 largest = 0;
+    size_t largestMap = 0;
+
+    void add(size_t map, quint16 weight)
+    {
+        scaledSum += scaled(weight, sum);
+        if (weight > largest) {
+            largest = weight;
+            largestMap = map;
+        }
+    }
+    quint16 normalized(size_t map, quint16 weight) const
+    {
+        return quint16(scaled(weight, sum) + (map == largestMap ? Full - scaledSum : 0));
+    }
+};
+
 } // namespace
 
 void RyWeightNormalizer::normalize(const std::vector<RyWeightMap *> &maps)
 {
-    struct Vertex
-    {
-        quint64 sum = 0;
-        quint64 scaledSum = 0;
-        quint16 largest = 0;
-        size_t largestMap = 0;
-    };
     int count = 0;
     for (const RyWeightMap *map : maps)
         count = std::max(count, map->getNumWeights());
-    std::vector<Vertex> vertices{size_t(count)};
-    const auto walk = [&](auto visit) {
-        for (size_t k = 0; k < maps.size(); ++k) {
-            const int *indices = maps[k]->getAffectedIndices();
-            const quint16 *weights = maps[k]->getAffectedWeights();
-            const int affected = maps[k]->getNumAffected();
-            for (int i = 0; i < affected; ++i)
-                visit(k, vertices[size_t(indices[i])], weights[i]);
-        }
-    };
-    walk([](size_t k, Vertex &vertex, quint16 weight) {
-        vertex.sum += weight;
-        if (weight > vertex.largest) {
-            vertex.largest = weight;
-            vertex.largestMap = k;
-        }
-    });
-    walk([](size_t, Vertex &vertex, quint16 weight) { vertex.scaledSum += scaled(weight, vertex.sum); });
+    std::vector<quint64> sums(size_t(count), 0);
+    for (const RyWeightMap *map : maps) {
+        const int *indices = map->getAffectedIndices();
+        const quint16 *weights = map->getAffectedWeights();
+        const int affected = map->getNumAffected();
+        for (int i = 0; i < affected; ++i)
+            sums[size_t(indices[i])] += weights[i];
+    }
 
+    // After most edits only few vertices need anything: all that follows is about them.
+    std::vector<OpenVertex> open;
+    std::vector<int> places; // of a vertex among them, -1 for none
+    for (size_t v = 0; v < sums.size(); ++v) {
+        if (sums[v] == 0 || sums[v] == Full)
+            continue;
+        places.resize(sums.size(), -1);
+        places[v] = int(open.size());
+        open.push_back({sums[v]});
+    }
+    if (open.empty())
+        return;
+    std::vector<std::vector<int>> touched(maps.size()); // entries of open vertices
     for (size_t k = 0; k < maps.size(); ++k) {
+        const int *indices = maps[k]->getAffectedIndices();
+        const quint16 *weights = maps[k]->getAffectedWeights();
+        const int affected = maps[k]->getNumAffected();
+        for (int i = 0; i < affected; ++i) {
+            const int place = places[size_t(indices[i])];
+            if (place < 0)
+                continue;
+            touched[k].push_back(i);
+            open[size_t(place)].add(k, weights[i]);
+        }
+    }
+    for (size_t k = 0; k < maps.size(); ++k) {
+        if (touched[k].empty())
+            continue;
         RyWeightMap *map = maps[k];
         const int affected = map->getNumAffected();
         std::vector<int> indices(map->getAffectedIndices(), map->getAffectedIndices() + affected);
         std::vector<quint16> weights(map->getAffectedWeights(), map->getAffectedWeights() + affected);
         bool changed = false;
-        for (size_t i = 0; i < indices.size(); ++i) {
-            const Vertex &vertex = vertices[size_t(indices[i])];
-            if (vertex.sum == Full)
-                continue;
-            const quint64 rest = vertex.largestMap == k ? Full - vertex.scaledSum : 0;
-            const quint16 weight = quint16(scaled(weights[i], vertex.sum) + rest);
-            changed = changed || weight != weights[i];
-            weights[i] = weight;
+        for (const int i : touched[k]) {
+            const OpenVertex &vertex = open[size_t(places[size_t(indices[size_t(i)])])];
+            const quint16 weight = vertex.normalized(k, weights[size_t(i)]);
+            changed = changed || weight != weights[size_t(i)];
+            weights[size_t(i)] = weight;
         }
         if (changed)
             map->setAffected(map->getNumWeights(), std::move(indices), std::move(weights));
