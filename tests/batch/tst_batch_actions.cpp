@@ -56,6 +56,17 @@ private slots:
         QCOMPARE(valueOf(snapped.out, "lShldr", "endY").toDouble(), valueOf(before, "lForearm", "originY").toDouble());
     }
 
+    void nodesArePickedByName()
+    {
+        const QStringList reparent = words("--select lForearm --run RyJEReparentBoneAction --set NodeDlgTree=chest --answer")
+            + QStringList{QStringLiteral("Reparenting Warning=Ok"), QStringLiteral("--report")};
+        const auto moved = m_run.batch(reparent);
+        QVERIFY2(moved.code == 0, moved.err.constData());
+        QCOMPARE(moved.json().value(QStringLiteral("selection")).toArray(),
+                 QJsonArray{QStringLiteral("mannequin/hip/abdomen/chest/lForearm")});
+        QCOMPARE(moved.json().value(QStringLiteral("boxes")).toArray().size(), 2);
+    }
+
     void everyRunIsInTheReport()
     {
         const auto result = batch("--select lForearm --run RyJERotationOrderZYXAction --run RyJEAlignNodeAction --report");

@@ -36,7 +36,7 @@ private slots:
             QVERIFY2(line.size() <= 120, qPrintable(line));
             examples += line.startsWith("  ryhost ");
         }
-        QCOMPARE(examples, 3);
+        QVERIFY2(examples >= 3 && examples <= 6, qPrintable(QString::number(examples)));
     }
 };
 
