@@ -60,6 +60,7 @@ private slots:
     void actionAsksAboutLevels();
     void actionLeavesUndoAndBindingsAlone();
     void renameRunsTheScript();
+    void renameWithTheHostsScript();
     void renameWithoutAScript();
     void enabling();
 };
@@ -274,6 +275,30 @@ void RyNodeActionsTest::renameRunsTheScript()
     QVERIFY(!scene.window->getScriptEngine()->hasFailed());
     // Once: a second run would have deselected them.
     QCOMPARE(ryScene()->getNumSelectedNodes(), int(ryScene()->getNodes().size()));
+}
+
+void RyNodeActionsTest::renameWithTheHostsScript()
+{
+    RyWindowScene scene;
+    qputenv("RYHOST_HOME", RY_SOURCE_DIR "/resources");
+    ryScene()->setSelection({scene.prop, scene.lShin});
+    const QString before = scene.dump();
+    RyDialogDriver driver;
+    driver.setField(QStringLiteral("name"), QStringLiteral("calf"));
+    driver.setField(QStringLiteral("label"), QStringLiteral("Left Calf"));
+    RyJERenameNodeAction action;
+    action.trigger();
+    qunsetenv("RYHOST_HOME");
+    QCOMPARE(driver.errors(), QStringList());
+    QCOMPARE(int(driver.records().size()), 1);
+    QCOMPARE(scene.lShin->getName(), QStringLiteral("calf"));
+    QCOMPARE(scene.lShin->getLabel(), QStringLiteral("Left Calf"));
+    QCOMPARE(ryUndoStack()->count(), 1);
+    const QString after = scene.dump();
+    ryUndoStack()->undo();
+    QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), after);
 }
 
 void RyNodeActionsTest::renameWithoutAScript()

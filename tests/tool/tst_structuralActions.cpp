@@ -2,10 +2,15 @@
 
 #include "RySkinnedScene.h"
 
+#include "pluginsource/RyJointTools/operations/copyBone.h"
+#include "pluginsource/RyJointTools/operations/createChildBone.h"
+#include "pluginsource/RyJointTools/operations/deleteBone.h"
+#include "pluginsource/RyJointTools/operations/reparentBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/undo/RyUndoStackHold.h"
 
 #include <random>
 
@@ -15,6 +20,8 @@ class RyStructuralActionsTest : public QObject
     Q_OBJECT
 
 private slots:
+    void undo_data();
+    void undo();
     void characters_data();
     void characters();
 };
@@ -30,6 +37,58 @@ static RyFigure *openFigure(const QString &path)
             return figure;
     }
     return nullptr;
+}
+
+void RyStructuralActionsTest::undo_data()
+{
+    QTest::addColumn<QString>("operation");
+    QTest::newRow("delete") << "delete";
+    QTest::newRow("delete the top bone") << "delete top";
+    QTest::newRow("split") << "split";
+    QTest::newRow("sibling") << "sibling";
+    QTest::newRow("child") << "child";
+    QTest::newRow("reparent") << "reparent";
+}
+
+/// What the operations write is recorded wherever somebody records, though the actions themselves open no hold.
+void RyStructuralActionsTest::undo()
+{
+    QFETCH(QString, operation);
+    RySkinnedScene scene(RySkinnedScene::Both);
+    scene.pose();
+    scene.figure->setSelectionMap(new RySelectionMap);
+    scene.figure->getSelectionMap()->addPair(QStringLiteral("thigh"), scene.lThigh, false);
+    scene.figure->getSelectionMap()->addPair(QStringLiteral("hip"), scene.hip, false);
+    const QString before = scene.dump();
+    const std::vector<RyVec3> shown = scene.shown();
+    RyUndoStackHold hold;
+    if (operation == "delete")
+        deleteBone(scene.lThigh);
+    else if (operation == "delete top")
+        deleteBone(scene.hip);
+    else if (operation == "split")
+        splitBone(scene.lThigh);
+    else if (operation == "sibling")
+        createSiblingBone(scene.lThigh);
+    else if (operation == "child")
+        createChildBone(scene.lThigh, QStringLiteral("new"), QStringLiteral("New"), RyRotationOrder(2));
+    else
+        reparentBone(scene.lThigh, scene.rThigh);
+    hold.accept(operation);
+    const QString after = scene.dump();
+    const std::vector<RyVec3> changed = scene.shown();
+    QVERIFY(after != before);
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+    for (int round = 0; round < 2; ++round) {
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        QCOMPARE(ryLargestWay(scene.shown(), shown), 0.0f);
+        QCOMPARE(ryFaultsOf(scene.figure), QString());
+        ryUndoStack()->redo();
+        QCOMPARE(scene.dump(), after);
+        QCOMPARE(ryLargestWay(scene.shown(), changed), 0.0f);
+        QCOMPARE(ryFaultsOf(scene.figure), QString());
+    }
 }
 
 void RyStructuralActionsTest::characters_data()
