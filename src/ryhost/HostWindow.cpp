@@ -161,7 +161,7 @@ void HostWindow::updateStatus()
     if (text.isEmpty() && tool) {
         const RyNode *node = getScene()->getPrimarySelection();
         text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
-                     : tr("%1: drag a handle to move its center or end point; middle drag turns the view, the wheel zooms, F frames it.")
+                     : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, the wheel zooms, F frames it.")
                            .arg(node->getLabel());
     }
     m_status->setText(text);

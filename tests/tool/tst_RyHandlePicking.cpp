@@ -80,6 +80,8 @@ private slots:
     void hoverBone();
     void leavingClears();
     void statusText();
+    void statusTextWhileDragging();
+    void statusTextInInteractiveMode();
     void pressHandle();
     void pressNothing();
     void pressWithoutNode();
@@ -271,6 +273,49 @@ void RyHandlePickingTest::statusText()
     scene.hover(0);
     QCOMPARE(scene.tool->getStatusText(), QString());
     QCOMPARE(changes.count(), 5);
+}
+
+void RyHandlePickingTest::statusTextWhileDragging()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    scene.press(44, {400, 300});
+    QSignalSpy changes(scene.tool, &RyViewTool::statusTextChanged);
+    scene.move({420, 300});
+    scene.move({440, 300});
+    QCOMPARE(changes.count(), 1);
+    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's "
+                                                         "length; right click or Esc cancels"));
+    scene.release({440, 300});
+    QCOMPARE(scene.tool->getStatusText(), QString());
+}
+
+void RyHandlePickingTest::statusTextInInteractiveMode()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    QSignalSpy changes(scene.tool, &RyViewTool::statusTextChanged);
+    scene.tool->setBoneCreationActive(true);
+    QCOMPARE(changes.count(), 1);
+    const QString creates = QStringLiteral("Ctrl+click creates a child bone of lShin");
+    QCOMPARE(scene.tool->getStatusText(), creates);
+    scene.hover(44);
+    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's length; ") + creates);
+    scene.hover(0);
+    scene.tool->setHighlightNode(scene.hip);
+    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("hip: click to select; ") + creates);
+    scene.tool->setBoneCreationActive(false);
+    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("hip: click to select, Ctrl adds to the selection"));
+    scene.tool->setHighlightNode(scene.lShin);
+    QCOMPARE(scene.tool->getStatusText(), QString());
+    scene.tool->setBoneCreationActive(true);
+    changes.clear();
+    scene.select(scene.hip);
+    QVERIFY(changes.count() > 0);
+    scene.tool->setHighlightNode(nullptr);
+    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("Ctrl+click creates a child bone of hip"));
+    scene.select(nullptr);
+    QCOMPARE(scene.tool->getStatusText(), QString());
 }
 
 void RyHandlePickingTest::pressHandle()

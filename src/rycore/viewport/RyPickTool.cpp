@@ -15,6 +15,7 @@ void RyPickTool::setHighlightNode(RyNode *node)
         return;
     m_highlight = node;
     drawnDataChanged();
+    emit statusTextChanged();
 }
 
 RyNode *RyPickTool::getHighlightNode() const

@@ -57,14 +57,24 @@ int RyJointEditorTool::getToolPriority() const
 
 QString RyJointEditorTool::getStatusText() const
 {
-    if (!m_node || m_hoveredId == HandleId::None)
-        return {};
-    if (HandleId::isBone(m_hoveredId)) {
-        const RyBone *bone = m_bones.boneAt(HandleId::toBoneIndex(m_hoveredId), m_node->getSkeleton());
-        return bone && bone != m_node ? RyHandleTable::boneStatusText(bone->getLabel()) : QString();
+    if (m_dragging && m_node) {
+        const RyHandle *handle = RyHandleTable::find(m_hoveredId);
+        return handle ? tr("%1; right click or Esc cancels").arg(RyHandleTable::statusText(*handle, m_node->getLabel()))
+                      : QString();
     }
-    const RyHandle *handle = RyHandleTable::find(m_hoveredId);
-    return handle ? RyHandleTable::statusText(*handle, m_node->getLabel()) : QString();
+    QStringList hints;
+    if (const RyHandle *handle = m_node ? RyHandleTable::find(m_hoveredId) : nullptr) {
+        hints.append(RyHandleTable::statusText(*handle, m_node->getLabel()));
+    } else {
+        const RyNode *under = m_node && HandleId::isBone(m_hoveredId)
+            ? m_bones.boneAt(HandleId::toBoneIndex(m_hoveredId), m_node->getSkeleton())
+            : getHighlightNode();
+        if (under && under != m_node)
+            hints.append(RyHandleTable::boneStatusText(under->getLabel(), createsBones()));
+    }
+    if (createsBones())
+        hints.append(tr("Ctrl+click creates a child bone of %1").arg(m_node->getLabel()));
+    return hints.join(QStringLiteral("; "));
 }
 
 void RyJointEditorTool::draw(Ry3DViewport *viewport, const RyDrawStyle &style)

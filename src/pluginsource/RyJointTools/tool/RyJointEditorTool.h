@@ -175,6 +175,8 @@ private:
     void connectNode(RyNode *node);
     void disconnectNode(RyNode *node);
     void followPointChange(RyNode *node);
+    /// Whether a click with Ctrl creates a bone, whatever is under the mouse.
+    bool createsBones() const { return !m_param && m_node && m_boneCreationActive; }
     void setHoveredId(int id);
     void hideToolTip();
     /// Ends a press or drag: what it has changed so far is kept as one step. Nothing without one.

@@ -118,7 +118,7 @@ bool RyJointEditorTool::mousePress(Ry3DViewport *viewport, QMouseEvent *event, R
     m_frame.pressCameraRotation = viewport->getCamera() ? viewport->getCamera()->getWSRot() : RyQuat();
     m_frame.pressViewport = viewport;
 
-    if (!m_param && m_node && m_boneCreationActive && modifier == RyViewMouseModifier::Control) {
+    if (createsBones() && modifier == RyViewMouseModifier::Control) {
         // The handle that happens to be under the mouse must not be dragged by what follows.
         setHoveredId(HandleId::None);
         if (viewport->getCamera())
@@ -155,7 +155,10 @@ bool RyJointEditorTool::mouseMove(Ry3DViewport *viewport, QMouseEvent *event, Ry
         return RyPickTool::mouseMove(viewport, event, modifier);
     if (!m_drag)
         m_drag = makeDrag(nullptr, m_node, m_frame);
-    m_dragging = true;
+    if (!m_dragging) {
+        m_dragging = true;
+        emit statusTextChanged();
+    }
     m_drag->open();
     m_frame.currentVector = m_drag->dragVector(pressViewportRay(event->pos()));
     RyHandleDrag::Options options;

@@ -93,6 +93,7 @@ void RyJointEditorTool::setStaticD(float, int) {}
 void RyJointEditorTool::setBoneCreationActive(bool onOff)
 {
     m_boneCreationActive = onOff;
+    emit statusTextChanged();
 }
 
 bool RyJointEditorTool::boneCreationActive()

@@ -83,6 +83,8 @@ void RyJointEditorTool::updateSelection(RyNode *node)
     m_node = node;
     m_parent = node ? node->getNodeParent() : nullptr;
     emit nodeChanged(m_node);
+    if (m_boneCreationActive)
+        emit statusTextChanged();
     m_cachedOrigin = RyVec3();
     if (m_node) {
         connectNode(m_node);

@@ -211,8 +211,10 @@ QString RyHandleTable::statusText(const RyHandle &handle, const QString &nodeLab
     return translated(QT_TRANSLATE_NOOP("RyHandleTable", "%1, %2: %3")).arg(nodeLabel, name, action);
 }
 
-QString RyHandleTable::boneStatusText(const QString &boneLabel)
+QString RyHandleTable::boneStatusText(const QString &boneLabel, bool ctrlCreates)
 {
-    return translated(QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection"))
-        .arg(boneLabel);
+    const char *text = ctrlCreates
+        ? QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select")
+        : QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection");
+    return translated(text).arg(boneLabel);
 }

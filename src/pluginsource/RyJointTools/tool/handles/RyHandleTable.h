@@ -18,5 +18,6 @@ public:
     static Qt::CursorShape cursor(const RyHandle &handle, bool restrictRotationAxes);
     /// What the mouse will do: "lForearm, end point X: drag to move along X, Ctrl keeps the bone's length".
     static QString statusText(const RyHandle &handle, const QString &nodeLabel);
-    static QString boneStatusText(const QString &boneLabel);
+    /// What a click on a bone or a part of the figure will do; `ctrlCreates` while Ctrl is taken by something else.
+    static QString boneStatusText(const QString &boneLabel, bool ctrlCreates);
 };
