@@ -1,10 +1,10 @@
 #include "support/RyTest.h"
 
+#include "RyFilledBoneDialog.h"
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyCreateBoneValidator.h"
-#include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "rycore/app/RyApp.h"
@@ -12,56 +12,11 @@
 #include "rycore/ui/RyNodeNameValidator.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
-#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QStyle>
 
-namespace {
-
-const QString suffixQuestion = QStringLiteral(
-    "question|Name/Label Suffix Mismatch|The suffix of the Name and Label for the new bone do not match. This can lead to "
-    "confusion later. Would you like to continue with the existing values or fix the mismatch?|Yes, Continue,No, Fix "
-    "Mismatch|Yes, Continue|");
-const QString suffixTitle = QStringLiteral("Name/Label Suffix Mismatch");
-const QString one = QStringLiteral("An adjustment has been made. Verify the adjustment and try again.");
-const QString several = QStringLiteral("Adjustments have been made. Verify the adjustments and try again.");
-
-QString inputError(const QStringList &messages)
-{
-    return QStringLiteral("warning|Input Error|%1|Ok|Ok|Ok").arg(messages.join(QStringLiteral("\n\n")));
-}
-
-/// The dialog of a scene with fields at hand.
-struct Dialog : RyJEBoneCreationDlg
-{
-    explicit Dialog(RyJointEditorTool *tool = nullptr)
-        : RyJEBoneCreationDlg(tool), name(findChild<QLineEdit *>("JointEditorCreateBoneNameLEdit")),
-          label(findChild<QLineEdit *>("JointEditorCreateBoneLabelLEdit")),
-          order(findChild<QComboBox *>("JointEditorCreateBoneRotationOrderCmb"))
-    {
-    }
-    void fill(const QString &nameText, const QString &labelText)
-    {
-        name->setText(nameText);
-        label->setText(labelText);
-    }
-    /// Whether accepting closed the dialog.
-    bool accepts()
-    {
-        setResult(-1);
-        accept();
-        return result() == QDialog::Accepted;
-    }
-    QLineEdit *name;
-    QLineEdit *label;
-    QComboBox *order;
-};
-
-} // namespace
-
-/// The action that asks for a child bone, its dialog and what lets that close.
+/// The action that asks for a child bone, and its dialog.
 class RyBoneDialogTest : public QObject
 {
     Q_OBJECT
@@ -73,15 +28,6 @@ private slots:
     void acceptNeedsBothTexts_data();
     void acceptNeedsBothTexts();
     void settersAndUniqueNames();
-    void foreignDialog();
-    void needsASelectedBone_data();
-    void needsASelectedBone();
-    void suffixQuestions_data();
-    void suffixQuestions();
-    void fixesSuffixes_data();
-    void fixesSuffixes();
-    void conflicts_data();
-    void conflicts();
     void applyMakesTheBone_data();
     void applyMakesTheBone();
     void applyBindsWithoutWeights();
@@ -98,7 +44,7 @@ private slots:
 void RyBoneDialogTest::looks()
 {
     RyWindowScene scene;
-    Dialog dialog;
+    RyFilledBoneDialog dialog;
     QCOMPARE(dialog.objectName(), QStringLiteral("JointEditorCreateBoneDlg"));
     QCOMPARE(dialog.windowTitle(), QStringLiteral("Create Child Bone"));
     QCOMPARE(dialog.parentWidget(), static_cast<QWidget *>(scene.window.get()));
@@ -138,7 +84,7 @@ void RyBoneDialogTest::looks()
 void RyBoneDialogTest::orders()
 {
     RyToolScene scene;
-    const Dialog dialog;
+    const RyFilledBoneDialog dialog;
     QStringList items;
     for (int i = 0; i < dialog.order->count(); ++i) {
         items.append(dialog.order->itemText(i) + dialog.order->itemData(i, Qt::UserRole).toString());
@@ -152,7 +98,7 @@ void RyBoneDialogTest::orders()
 void RyBoneDialogTest::nameBecomesTheLabel()
 {
     RyToolScene scene;
-    Dialog dialog;
+    RyFilledBoneDialog dialog;
     QTest::keyClicks(dialog.name, "Tail");
     QCOMPARE(dialog.label->text(), QString());
     emit dialog.name->editingFinished();
@@ -183,7 +129,7 @@ void RyBoneDialogTest::acceptNeedsBothTexts()
     QFETCH(QString, name);
     QFETCH(QString, label);
     RyToolScene scene;
-    Dialog dialog;
+    RyFilledBoneDialog dialog;
     QVERIFY(!dialog.isAcceptEnabled());
     dialog.fill(name, label);
     QTEST(dialog.isAcceptEnabled(), "accepts");
@@ -195,7 +141,7 @@ void RyBoneDialogTest::settersAndUniqueNames()
 {
     RyToolScene scene;
     scene.prop->setLabel(QStringLiteral("A Prop"));
-    Dialog dialog;
+    RyFilledBoneDialog dialog;
     dialog.setBoneName(QStringLiteral("prop"), false);
     dialog.setBoneLabel(QStringLiteral("A Prop"), false);
     QCOMPARE(dialog.getBoneName(), QStringLiteral("prop"));
@@ -210,159 +156,6 @@ void RyBoneDialogTest::settersAndUniqueNames()
     // Names of bones do not count.
     dialog.setBoneName(QStringLiteral("hip"), true);
     QCOMPARE(dialog.getBoneName(), QStringLiteral("hip"));
-}
-
-void RyBoneDialogTest::foreignDialog()
-{
-    RyWindowScene scene;
-    RyMessageBoxes boxes;
-    RyBasicDialog other;
-    RyCreateBoneValidator validator;
-    QVERIFY(!validator.validate(&other));
-    QVERIFY(!validator.validate(nullptr));
-    const QString message = QStringLiteral("warning|Unexpected Error|An unexpected error has occurred.|Ok|Ok|Ok");
-    QCOMPARE(boxes.facts, QStringList({message, message}));
-    QCOMPARE(boxes.parents, QList<QWidget *>({scene.window.get(), scene.window.get()}));
-}
-
-void RyBoneDialogTest::needsASelectedBone_data()
-{
-    QTest::addColumn<QString>("selected");
-    QTest::addColumn<bool>("accepts");
-    QTest::newRow("a bone") << "hip" << true;
-    QTest::newRow("the figure") << "figure" << false;
-    QTest::newRow("a prop") << "prop" << false;
-    QTest::newRow("nothing") << "" << false;
-    QTest::newRow("a bone without a skeleton") << "loose" << false;
-}
-
-void RyBoneDialogTest::needsASelectedBone()
-{
-    QFETCH(QString, selected);
-    RyToolScene scene;
-    auto *loose = new RyBone;
-    loose->setName(QStringLiteral("loose"));
-    ryScene()->addNode(loose);
-    ryScene()->setSelection({selected.isEmpty() ? nullptr : ryScene()->findNode(selected)});
-    const size_t nodes = ryScene()->getNodes().size();
-    RyMessageBoxes boxes;
-    Dialog dialog;
-    dialog.fill(QStringLiteral("Tail"), QStringLiteral("Tail"));
-    const bool closed = dialog.accepts();
-    QTEST(closed, "accepts");
-    QCOMPARE(boxes.facts, QStringList());
-    QCOMPARE(ryScene()->getNodes().size(), nodes + (closed ? 1 : 0));
-}
-
-void RyBoneDialogTest::suffixQuestions_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<bool>("asks");
-    QTest::newRow("none") << "Tail" << "Tail" << false;
-    QTest::newRow("name only") << "Tail2" << "Tail" << false;
-    QTest::newRow("label only") << "Tail" << "Tail 2" << false;
-    QTest::newRow("equal") << "Tail2" << "Tail 2" << false;
-    QTest::newRow("different") << "Tail2" << "Tail 3" << true;
-    QTest::newRow("equal numbers, other digits") << "Tail02" << "Tail 2" << true;
-    QTest::newRow("all digits count as none") << "22" << "Tail 3" << false;
-}
-
-void RyBoneDialogTest::suffixQuestions()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, label);
-    QFETCH(bool, asks);
-    RyToolScene scene;
-    ryScene()->setSelection({scene.hip});
-    RyMessageBoxes boxes;
-    Dialog dialog;
-    dialog.fill(name, label);
-    // The default answer goes on.
-    QVERIFY(dialog.accepts());
-    QCOMPARE(boxes.facts, asks ? QStringList(suffixQuestion) : QStringList());
-    if (asks)
-        QCOMPARE(boxes.parents.first(), static_cast<QWidget *>(&dialog));
-    const RyBone *bone = scene.figure->findBone(name);
-    QVERIFY(bone);
-    QCOMPARE(bone->getLabel(), label);
-}
-
-void RyBoneDialogTest::fixesSuffixes_data()
-{
-    QTest::addColumn<QString>("takenName");
-    QTest::addColumn<QString>("takenLabel");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("label");
-    // Filled in: Tail2 and "The Tail 3".
-    QTest::newRow("nothing taken: by the name") << "x" << "x" << "Tail2" << "The Tail 2";
-    QTest::newRow("label taken: by the label") << "x" << "The Tail 2" << "Tail3" << "The Tail 3";
-    QTest::newRow("name taken: by the label") << "Tail2" << "x" << "Tail3" << "The Tail 3";
-    QTest::newRow("both taken: as they are") << "Tail3" << "The Tail 2" << "Tail2" << "The Tail 3";
-    QTest::newRow("name and its label taken: as they are") << "Tail2" << "The Tail 3" << "Tail2" << "The Tail 3";
-}
-
-void RyBoneDialogTest::fixesSuffixes()
-{
-    QFETCH(QString, takenName);
-    QFETCH(QString, takenLabel);
-    RyToolScene scene;
-    scene.lFoot->setName(takenName);
-    scene.lFoot->setLabel(QStringLiteral("Foot"));
-    scene.lShin->setLabel(takenLabel);
-    // What is unique among top-level nodes does not matter here.
-    scene.prop->setName(QStringLiteral("Tail2"));
-    scene.prop->setLabel(QStringLiteral("The Tail 2"));
-    ryScene()->setSelection({scene.hip});
-    RyMessageBoxes boxes;
-    boxes.setAnswer(suffixTitle, QStringLiteral("No, Fix Mismatch"));
-    Dialog dialog;
-    dialog.fill(QStringLiteral("Tail2"), QStringLiteral("The Tail 3"));
-    QVERIFY(!dialog.accepts());
-    QCOMPARE(boxes.facts, QStringList(suffixQuestion));
-    QTEST(dialog.getBoneName(), "name");
-    QTEST(dialog.getBoneLabel(), "label");
-    QCOMPARE(int(scene.figure->getAllBones().size()), 5);
-}
-
-void RyBoneDialogTest::conflicts_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<QStringList>("messages");
-    QTest::addColumn<QString>("newName");
-    QTest::addColumn<QString>("newLabel");
-    const QString labeled = QStringLiteral("A bone labeled \"Left Shin\" already exists in \"The Figure\". ");
-    const QString named = QStringLiteral("A bone named \"lShin\" already exists in \"The Figure\". ");
-    QTest::newRow("none") << "Tail" << "Tail" << QStringList() << "Tail" << "Tail";
-    QTest::newRow("label") << "Tail" << "Left Shin" << QStringList({labeled, one}) << "Tail" << "Left Shin 2";
-    QTest::newRow("name") << "lShin" << "Tail" << QStringList({named, one}) << "lShin2" << "Tail";
-    QTest::newRow("both") << "lShin" << "Left Shin" << QStringList({labeled, named, several}) << "lShin2" << "Left Shin 2";
-}
-
-void RyBoneDialogTest::conflicts()
-{
-    QFETCH(QString, name);
-    QFETCH(QString, label);
-    QFETCH(QStringList, messages);
-    RyToolScene scene;
-    scene.figure->setLabel(QStringLiteral("The Figure"));
-    scene.lShin->setLabel(QStringLiteral("Left Shin"));
-    ryScene()->setSelection({scene.hip});
-    RyMessageBoxes boxes;
-    Dialog dialog;
-    dialog.fill(name, label);
-    QCOMPARE(dialog.accepts(), messages.isEmpty());
-    QCOMPARE(boxes.facts, messages.isEmpty() ? QStringList() : QStringList(inputError(messages)));
-    QTEST(dialog.getBoneName(), "newName");
-    QTEST(dialog.getBoneLabel(), "newLabel");
-    if (messages.isEmpty())
-        return;
-    QCOMPARE(boxes.parents.first(), static_cast<QWidget *>(&dialog));
-    QCOMPARE(int(scene.figure->getAllBones().size()), 5);
-    // What it wrote is free.
-    QVERIFY(dialog.accepts());
-    QCOMPARE(int(scene.figure->getAllBones().size()), 6);
 }
 
 void RyBoneDialogTest::applyMakesTheBone_data()
@@ -386,7 +179,7 @@ void RyBoneDialogTest::applyMakesTheBone()
     scene.lFoot->setEndPoint({4, 6, 15});
     scene.lFoot->setOrientation(RyQuat(RyVec3(0, 1, 0), 0.5f));
     ryScene()->setSelection({scene.lFoot});
-    Dialog dialog(scene.tool);
+    RyFilledBoneDialog dialog(scene.tool);
     dialog.fill(QStringLiteral("toe"), QStringLiteral("Left Toe"));
     dialog.order->setCurrentIndex(order);
     QVERIFY(dialog.accepts());
@@ -412,7 +205,7 @@ void RyBoneDialogTest::applyBindsWithoutWeights()
         RySkinnedScene scene(maps);
         ryScene()->setSelection({scene.lFoot});
         const std::vector<RyVec3> before = scene.shown();
-        Dialog dialog(scene.tool);
+        RyFilledBoneDialog dialog(scene.tool);
         dialog.fill(QStringLiteral("toe"), QStringLiteral("Left Toe"));
         QVERIFY(dialog.accepts());
         const RyBoneBinding *binding = scene.skin->bindings().back();
@@ -434,7 +227,7 @@ void RyBoneDialogTest::applyClearsUndoAndSelects()
         hold.accept(QStringLiteral("Earlier"));
     }
     ryScene()->setSelection({scene.prop, scene.lFoot});
-    Dialog dialog(scene.tool);
+    RyFilledBoneDialog dialog(scene.tool);
     dialog.fill(QStringLiteral("toe"), QStringLiteral("toe"));
     QCOMPARE(ryUndoStack()->count(), 1);
     QVERIFY(dialog.accepts());
@@ -447,7 +240,7 @@ void RyBoneDialogTest::appliesWithoutATool()
 {
     RyToolScene scene;
     ryScene()->setSelection({scene.lFoot});
-    Dialog dialog;
+    RyFilledBoneDialog dialog;
     dialog.fill(QStringLiteral("toe"), QStringLiteral("toe"));
     QVERIFY(dialog.accepts());
     const RyNode *bone = scene.lFoot->getNodeChild(0);
