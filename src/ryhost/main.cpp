@@ -2,7 +2,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/CommandLine.h"
-#include "ryhost/DemoSession.h"
+#include "ryhost/demo/DemoSession.h"
 #include "ryhost/HostFiles.h"
 #include "ryhost/HostWindow.h"
 #include "ryhost/batch/BatchRunner.h"

@@ -1,15 +1,19 @@
-#include "ryhost/PointerDriver.h"
+#include "ryhost/demo/PointerDriver.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QKeySequence>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QThread>
+#include <QWheelEvent>
 #include <QWidget>
 #include <QWindow>
+
+#include <utility>
 
 PointerDriver::PointerDriver()
 {
@@ -44,7 +48,7 @@ void PointerDriver::send(int type, Qt::MouseButton button)
     if (!native)
         return;
     const QPoint global = m_widget->mapToGlobal(m_point);
-    QMouseEvent event(QEvent::Type(type), native->mapFromGlobal(global), global, button, m_buttons, Qt::NoModifier);
+    QMouseEvent event(QEvent::Type(type), native->mapFromGlobal(global), global, button, m_buttons, m_modifiers);
     QCoreApplication::sendEvent(native->windowHandle(), &event);
     wait(15);
 }
@@ -95,17 +99,61 @@ void PointerDriver::drag(QWidget *widget, const QPoint &from, const QPoint &to, 
     release();
 }
 
+void PointerDriver::hold(Qt::KeyboardModifiers modifiers)
+{
+    if (usesDisplayServer()) {
+        for (const auto &[modifier, name] : {std::pair(Qt::ControlModifier, "ctrl"), std::pair(Qt::ShiftModifier, "shift")}) {
+            if ((modifiers ^ m_modifiers) & modifier)
+                run({modifiers & modifier ? QStringLiteral("keydown") : QStringLiteral("keyup"), QString::fromLatin1(name)});
+        }
+    }
+    m_modifiers = modifiers;
+}
+
+void PointerDriver::wheelBack(QWidget *widget, const QPoint &point, int notches)
+{
+    moveTo(widget, point);
+    for (int i = 0; i < notches; ++i) {
+        if (usesDisplayServer()) {
+            run({QStringLiteral("click"), QStringLiteral("5")});
+            continue;
+        }
+        QWheelEvent event(point, widget->mapToGlobal(point), QPoint(), QPoint(0, -120), Qt::NoButton, m_modifiers,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(widget, &event);
+        wait(15);
+    }
+}
+
+void PointerDriver::sendKey(QWidget *widget, int code, Qt::KeyboardModifiers modifiers, const QString &text)
+{
+    QPointer<QWindow> window = widget->window()->windowHandle();
+    for (QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, code, modifiers, text);
+        if (window)
+            QCoreApplication::sendEvent(window, &event);
+    }
+}
+
 void PointerDriver::key(QWidget *widget, const QString &keys)
 {
     if (usesDisplayServer()) {
         run({QStringLiteral("key"), keys});
-        wait(60);
-        return;
+    } else {
+        const int code = QKeySequence(keys, QKeySequence::PortableText)[0];
+        sendKey(widget, code & ~int(Qt::KeyboardModifierMask), Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask)),
+                QString());
     }
-    const int code = QKeySequence(keys, QKeySequence::PortableText)[0];
-    for (QEvent::Type type : {QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, code & ~int(Qt::KeyboardModifierMask), Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask)));
-        QCoreApplication::sendEvent(widget->window()->windowHandle(), &event);
+    wait(60);
+}
+
+void PointerDriver::type(QWidget *widget, const QString &text)
+{
+    if (usesDisplayServer()) {
+        run({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("20"), text});
+    } else {
+        for (const QChar letter : text)
+            sendKey(widget, letter.toUpper().unicode(), Qt::NoModifier, letter);
     }
     wait(60);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ryhost/demo/DemoStage.h"
+
+/// Plays sessions by itself, each on the sample figure as it comes: a first look, and how a chain of bones is made. Leaves
+/// pictures and the saved files in a folder and says on standard output what happened.
+class DemoSession
+{
+public:
+    DemoSession(HostWindow &window, const QString &folder) : m_stage(window, folder) {}
+    /// 0 when every step did what it should.
+    int run();
+
+private:
+    DemoStage m_stage;
+};

@@ -1,0 +1,142 @@
+#include "ryhost/demo/DemoStage.h"
+
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyScene.h"
+#include "ryhost/HostWindow.h"
+#include "ryhost/SceneModel.h"
+#include "ryhost/ScenePane.h"
+
+#include <QAbstractProxyModel>
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPointer>
+#include <QScreen>
+#include <QTimer>
+#include <QTreeView>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+QString plainText(const QAction *action)
+{
+    return action->text().section(QLatin1Char('\t'), 0, 0).remove(QLatin1Char('&'));
+}
+
+QAction *findEntry(const QList<QAction *> &actions, const QString &text)
+{
+    const auto found = std::find_if(actions.begin(), actions.end(), [&](const QAction *action) {
+        return action->isVisible() && plainText(action).startsWith(text);
+    });
+    return found == actions.end() ? nullptr : *found;
+}
+
+} // namespace
+
+DemoStage::DemoStage(HostWindow &window, const QString &folder) : m_window(window), m_folder(QDir(folder).absolutePath())
+{
+    QDir().mkpath(m_folder);
+}
+
+QString DemoStage::filePath(const QString &name) const
+{
+    return QDir(m_folder).filePath(name);
+}
+
+bool DemoStage::check(bool ok, const QString &what)
+{
+    std::printf("%s %s\n", ok ? "ok    " : "FAILED", what.toLocal8Bit().constData());
+    std::fflush(stdout);
+    m_failures += ok ? 0 : 1;
+    return ok;
+}
+
+void DemoStage::picture(const QString &name)
+{
+    PointerDriver::wait(250);
+    const QString path = filePath(QStringLiteral("%1-%2.png").arg(++m_pictures).arg(name));
+    const QRect place = m_window.frameGeometry();
+    // From the screen, as a person sees it: a widget's own picture leaves the viewport out.
+    QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(0, place.x(), place.y(), place.width(), place.height());
+    check(picture.save(path), QStringLiteral("picture %1").arg(QDir::toNativeSeparators(path)));
+}
+
+RyNode *DemoStage::node(const QString &name)
+{
+    RyNode *node = m_window.getScene()->findNode(name);
+    if (!node)
+        check(false, QStringLiteral("the scene has a node %1").arg(name));
+    return node;
+}
+
+bool DemoStage::selectInTree(RyNode *node)
+{
+    QTreeView *tree = m_window.scenePane()->tree();
+    auto *proxy = qobject_cast<QAbstractProxyModel *>(tree->model());
+    const QModelIndex index = proxy->mapFromSource(m_window.scenePane()->model()->indexOf(node));
+    tree->scrollTo(index, QAbstractItemView::PositionAtCenter);
+    PointerDriver::wait(50);
+    m_pointer.click(tree->viewport(), tree->visualRect(index).center());
+    return check(m_window.getScene()->getPrimarySelection() == node,
+                 QStringLiteral("a click in the scene list selects %1").arg(node->getLabel()));
+}
+
+bool DemoStage::chooseFromMenu(const QStringList &texts, const QString &pictureName)
+{
+    QMenuBar *bar = m_window.menuBar();
+    QAction *entry = findEntry(bar->actions(), texts.value(0));
+    QWidget *place = bar;
+    QRect area = entry ? bar->actionGeometry(entry) : QRect();
+    for (int i = 1; entry && entry->menu() && i < texts.size(); ++i) {
+        m_pointer.click(place, area.center());
+        PointerDriver::wait(150);
+        QMenu *menu = entry->menu();
+        entry = menu->isVisible() ? findEntry(menu->actions(), texts.at(i)) : nullptr;
+        place = menu;
+        area = entry ? menu->actionGeometry(entry) : QRect();
+    }
+    const bool enabled = entry && entry->isEnabled() && !entry->menu();
+    if (!check(enabled, QStringLiteral("the menus offer %1").arg(texts.join(QStringLiteral(" > "))))) {
+        for (int i = 0; i < texts.size(); ++i)
+            m_pointer.key(&m_window, QStringLiteral("Escape"));
+        return false;
+    }
+    if (!pictureName.isEmpty()) {
+        // An entry lights up when the mouse moves over it, not where it came to stand under the mouse.
+        m_pointer.moveTo(place, area.center() - QPoint(area.width() / 4, 0));
+        m_pointer.moveTo(place, area.center());
+        picture(pictureName);
+    }
+    m_pointer.click(place, area.center());
+    PointerDriver::wait(100);
+    return true;
+}
+
+bool DemoStage::withDialog(const std::function<void()> &open, const std::function<void(QWidget *dialog)> &use)
+{
+    // The dialog's own event loop runs inside of what opens it, so what is to be done with it waits for a timer.
+    bool used = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        const QPointer<QWidget> dialog = QApplication::activeModalWidget();
+        if (!dialog || !dialog->isVisible())
+            return;
+        watch.stop();
+        PointerDriver::wait(200);
+        use(dialog);
+        used = true;
+        if (auto *left = qobject_cast<QDialog *>(dialog.data()); left && left->isVisible()) {
+            check(false, QStringLiteral("the dialog \"%1\" closes").arg(left->windowTitle()));
+            left->reject();
+        }
+    });
+    watch.start(50);
+    open();
+    for (int waited = 0; !used && watch.isActive() && waited < 3000; waited += 50)
+        PointerDriver::wait(50);
+    return check(used, QStringLiteral("a dialog opens"));
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "ryhost/demo/DemoStage.h"
+
+/// A first look at the program, on the sample figure: points at a part, selects the left forearm, drags the end of its bone,
+/// aligns it, undoes and redoes, saves.
+class FirstSession
+{
+public:
+    explicit FirstSession(DemoStage &stage) : m_stage(stage) {}
+    void play();
+
+private:
+    void hoverPart();
+    bool dragEndPoint(RyNode *node);
+    /// Where a click finds this handle: the place that shows it nearest to a point; false when it is nowhere near.
+    bool findHandle(int id, const QPoint &near, QPoint &found) const;
+    void alignNode();
+    void undoAndRedo(RyNode *node);
+
+    DemoStage &m_stage;
+};
