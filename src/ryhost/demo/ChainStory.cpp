@@ -73,7 +73,7 @@ bool ChainStory::lookAtTheHead()
     PointerDriver::wait(200);
     QPointF top;
     for (int turns = 0; turns < 20; ++turns) {
-        if (viewport->project(Ends[2], top) && viewport->rect().adjusted(40, 40, -40, -40).contains(top.toPoint()))
+        if (viewport->project(Ends[2], top) && viewport->rect().adjusted(40, 90, -40, -40).contains(top.toPoint()))
             return true;
         m_stage.pointer().wheelBack(viewport, viewport->rect().center(), 1);
     }
