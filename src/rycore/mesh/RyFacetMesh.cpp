@@ -71,6 +71,7 @@ void RyFacetMesh::createFaceGroup(const QString &name)
     recordGroups();
     m_groups.push_back(std::make_unique<RyFaceGroup>(name));
     emit faceGroupsChanged();
+    announceContent();
 }
 
 void RyFacetMesh::removeFaceGroup(const QString &name)
@@ -87,6 +88,7 @@ void RyFacetMesh::removeFaceGroup(const QString &name)
             --facet.group;
     }
     emit faceGroupsChanged();
+    announceContent();
 }
 
 void RyFacetMesh::deselectAllFacets()
@@ -162,6 +164,7 @@ void RyFacetMesh::restoreGrouping(const Grouping &wanted)
         m_facets[i].group = wanted.groupOfFacet[i];
     rebuildGroupLists();
     emit faceGroupsChanged();
+    announceContent();
 }
 
 void RyFacetMesh::rebuildGroupLists()

@@ -20,6 +20,7 @@ public:
             m_mesh->swapFacets(m_facets, m_groups);
     }
     RyUndoKey key() const override { return {m_key, Aspect}; }
+    bool isAlive() const override { return !m_mesh.isNull(); }
 
 private:
     QPointer<RyFacetMesh> m_mesh;
@@ -43,6 +44,7 @@ public:
         m_grouping = now;
     }
     RyUndoKey key() const override { return {m_key, Aspect}; }
+    bool isAlive() const override { return !m_mesh.isNull(); }
 
 private:
     QPointer<RyFacetMesh> m_mesh;

@@ -4,6 +4,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace {
 
 constexpr quintptr PositionsAspect = 1;
@@ -21,6 +23,7 @@ public:
             m_mesh->swapPositions(m_positions);
     }
     RyUndoKey key() const override { return {m_key, PositionsAspect}; }
+    bool isAlive() const override { return !m_mesh.isNull(); }
 
 private:
     QPointer<RyVertexMesh> m_mesh;
@@ -73,12 +76,22 @@ void RyVertexMesh::touch()
     ++m_revision;
     if (editLevel() == 0)
         emit meshChanged();
+    announceContent();
+}
+
+void RyVertexMesh::announceContent()
+{
+    if (editLevel() == 0)
+        emit contentChanged();
+    else
+        m_contentTouched = true;
 }
 
 void RyVertexMesh::editBegun()
 {
     m_editSnapshot = m_positions;
     m_revisionBeforeEdit = m_revision;
+    m_contentTouched = false;
 }
 
 void RyVertexMesh::editFinished()
@@ -86,6 +99,8 @@ void RyVertexMesh::editFinished()
     m_editSnapshot = {};
     if (m_revision != m_revisionBeforeEdit)
         emit meshChanged();
+    if (std::exchange(m_contentTouched, false))
+        emit contentChanged();
 }
 
 void RyVertexMesh::editCancelled()

@@ -27,6 +27,8 @@ public:
 signals:
     /// Positions or facets changed; once per outermost edit.
     void meshChanged();
+    /// The same, and also when face groups changed: whatever of the mesh a file or a picture shows.
+    void contentChanged();
 
 protected:
     void editBegun() override;
@@ -34,6 +36,8 @@ protected:
     void editCancelled() override;
     /// Counts a change of positions or facets and announces it, within an edit at its end.
     void touch();
+    /// Emits contentChanged, within an edit at its end.
+    void announceContent();
     /// Exchanges all positions, unrecorded.
     void swapPositions(std::vector<RyVec3> &positions);
 
@@ -45,4 +49,5 @@ private:
     std::vector<RyVec3> m_editSnapshot;
     quint64 m_revisionBeforeEdit = 0;
     quint64 m_revision = 1;
+    bool m_contentTouched = false; // within an edit
 };

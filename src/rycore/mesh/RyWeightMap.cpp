@@ -26,6 +26,7 @@ public:
         m_state = std::move(now);
     }
     RyUndoKey key() const override { return {m_key, WeightsAspect}; }
+    bool isAlive() const override { return !m_map.isNull(); }
 
 private:
     QPointer<RyWeightMap> m_map;

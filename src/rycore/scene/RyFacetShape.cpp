@@ -2,6 +2,9 @@
 
 #include "rycore/undo/RyUndoStack.h"
 
+static constexpr quintptr MeshAspect = 100;
+static constexpr quintptr PartsAspect = 101;
+
 /// Which mesh a shape holds.
 class RyFacetMeshExchange : public RyUndoItem
 {
@@ -11,10 +14,11 @@ public:
     {
         if (!m_shape)
             return;
-        std::swap(m_shape->m_mesh, m_mesh);
-        emit m_shape->facetMeshChanged();
+        const RyRef<RyFacetMesh> now = m_shape->m_mesh;
+        m_shape->applyMesh(m_mesh);
+        m_mesh = now;
     }
-    RyUndoKey key() const override { return {m_key, 1}; }
+    RyUndoKey key() const override { return {m_key, MeshAspect}; }
     bool isAlive() const override { return !m_shape.isNull(); }
 
 private:
@@ -23,13 +27,58 @@ private:
     RyRef<RyFacetMesh> m_mesh;
 };
 
-RyFacetShape::RyFacetShape(RyFacetMesh *mesh) : m_mesh(mesh) {}
+/// Which parts it has.
+class RyMeshPartsExchange : public RyUndoItem
+{
+public:
+    explicit RyMeshPartsExchange(RyFacetShape *shape) : m_shape(shape), m_key(shape), m_parts(shape->getParts()) {}
+    void swap() override
+    {
+        if (!m_shape)
+            return;
+        std::swap(m_shape->m_parts, m_parts);
+        emit m_shape->geometryChanged();
+    }
+    RyUndoKey key() const override { return {m_key, PartsAspect}; }
+    bool isAlive() const override { return !m_shape.isNull(); }
+
+private:
+    QPointer<RyFacetShape> m_shape;
+    const RyFacetShape *m_key;
+    std::shared_ptr<const RyMeshParts> m_parts;
+};
+
+RyFacetShape::RyFacetShape(RyFacetMesh *mesh)
+{
+    if (mesh)
+        applyMesh(RyRef<RyFacetMesh>(mesh));
+}
+
+void RyFacetShape::applyMesh(const RyRef<RyFacetMesh> &mesh)
+{
+    if (m_mesh)
+        disconnect(m_mesh.get(), nullptr, this, nullptr);
+    m_mesh = mesh;
+    if (m_mesh)
+        connect(m_mesh.get(), &RyFacetMesh::contentChanged, this, &RyShape::geometryChanged);
+    emit facetMeshChanged();
+    emit geometryChanged();
+}
+
+void RyFacetShape::setParts(std::shared_ptr<const RyMeshParts> parts)
+{
+    if (parts == m_parts)
+        return;
+    ryUndoStack()->record<RyMeshPartsExchange>({this, PartsAspect}, this);
+    m_parts = std::move(parts);
+    emit geometryChanged();
+}
 
 void RyFacetShape::setFacetMesh(RyFacetMesh *mesh)
 {
     if (m_mesh.get() == mesh)
         return;
-    ryUndoStack()->record<RyFacetMeshExchange>({this, 1}, this);
-    m_mesh = RyRef<RyFacetMesh>(mesh);
-    emit facetMeshChanged();
+    const RyRef<RyFacetMesh> guard(mesh);
+    ryUndoStack()->record<RyFacetMeshExchange>({this, MeshAspect}, this);
+    applyMesh(guard);
 }

@@ -18,13 +18,16 @@ public:
 
     /// Parts as the file had them; null when the shape did not come from one.
     const std::shared_ptr<const RyMeshParts> &getParts() const { return m_parts; }
-    void setParts(std::shared_ptr<const RyMeshParts> parts) { m_parts = std::move(parts); }
+    /// Undoable where a hold is open.
+    void setParts(std::shared_ptr<const RyMeshParts> parts);
 
 signals:
     void facetMeshChanged();
 
 private:
     friend class RyFacetMeshExchange;
+    friend class RyMeshPartsExchange;
+    void applyMesh(const RyRef<RyFacetMesh> &mesh);
     RyRef<RyFacetMesh> m_mesh;
     std::shared_ptr<const RyMeshParts> m_parts;
 };

@@ -20,6 +20,10 @@ public:
     /// last call left there. False on failure (`out` is then unspecified).
     virtual bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) = 0;
 
+signals:
+    /// What it does to a shape changed.
+    void modifierChanged();
+
 private:
     friend class RyObject;
     RyObject *m_object = nullptr;

@@ -277,12 +277,20 @@ void RyNode::setObject(RyObject *object)
 void RyNode::applyObject(RyObject *object)
 {
     if (RyObject *old = m_object.get()) {
+        disconnect(old, nullptr, this, nullptr);
         if (old->m_node == this)
             old->m_node = nullptr;
     }
     m_object = RyRef<RyObject>(object);
-    if (object)
+    if (object) {
         object->m_node = this;
+        connect(object, &RyObject::contentChanged, this, &RyNode::announceDrawn);
+    }
+    announceDrawn();
+}
+
+void RyNode::announceDrawn()
+{
     if (m_scene)
         emit m_scene->drawnDataChanged();
 }

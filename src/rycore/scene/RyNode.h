@@ -162,6 +162,8 @@ signals:
     void childrenChanged();
 
 protected:
+    /// Tells the scene, where the node is in one, that something drawn changed.
+    void announceDrawn();
     void nameHasChanged() override;
     /// An empty node of the same kind, which a duplicate starts as.
     virtual RyNode *makeSameKind() const;

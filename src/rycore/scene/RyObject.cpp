@@ -36,6 +36,32 @@ private:
     int m_index;
 };
 
+/// A shape's place in an object: -1 for none.
+class RyShapeChange : public RyUndoItem
+{
+public:
+    RyShapeChange(RyObject *object, RyShape *shape, int index) : m_object(object), m_shape(shape), m_index(index) {}
+    void swap() override
+    {
+        RyShape *shape = m_shape.get();
+        if (!m_object || !shape)
+            return;
+        const std::vector<RyShape *> &list = m_object->getShapes();
+        const auto place = std::find(list.begin(), list.end(), shape);
+        const int now = place == list.end() ? -1 : int(place - list.begin());
+        if (now >= 0)
+            m_object->takeShape(shape);
+        if (m_index >= 0)
+            m_object->insertShape(shape, m_index);
+        m_index = now;
+    }
+
+private:
+    QPointer<RyObject> m_object;
+    RyRef<RyShape> m_shape;
+    int m_index;
+};
+
 RyObject::RyObject() = default;
 
 RyObject::~RyObject()
@@ -52,11 +78,31 @@ void RyObject::addShape(RyShape *shape)
 {
     if (!shape || std::find(m_shapes.begin(), m_shapes.end(), shape) != m_shapes.end())
         return;
+    const RyRef<RyShape> guard(shape);
+    ryUndoStack()->record<RyShapeChange>({}, this, shape, -1);
+    insertShape(shape, int(m_shapes.size()));
+}
+
+void RyObject::insertShape(RyShape *shape, int index)
+{
     shape->ref();
-    m_shapes.push_back(shape);
+    m_shapes.insert(m_shapes.begin() + std::min(index, int(m_shapes.size())), shape);
     if (!m_current)
         m_current = shape;
+    connect(shape, &RyShape::geometryChanged, this, &RyObject::contentChanged);
     emit shapesChanged();
+    emit contentChanged();
+}
+
+void RyObject::takeShape(RyShape *shape)
+{
+    m_shapes.erase(std::find(m_shapes.begin(), m_shapes.end(), shape));
+    disconnect(shape, nullptr, this, nullptr);
+    if (m_current == shape)
+        m_current = m_shapes.empty() ? nullptr : m_shapes.front();
+    emit shapesChanged();
+    emit contentChanged();
+    shape->unref();
 }
 
 void RyObject::addModifier(RyModifier *modifier)
@@ -83,14 +129,18 @@ void RyObject::insertModifier(RyModifier *modifier, int index)
     modifier->ref();
     modifier->m_object = this;
     m_modifiers.insert(m_modifiers.begin() + std::min(index, int(m_modifiers.size())), modifier);
+    connect(modifier, &RyModifier::modifierChanged, this, &RyObject::contentChanged);
     emit modifiersChanged();
+    emit contentChanged();
 }
 
 void RyObject::takeModifier(RyModifier *modifier)
 {
     m_modifiers.erase(std::find(m_modifiers.begin(), m_modifiers.end(), modifier));
     modifier->m_object = nullptr;
+    disconnect(modifier, nullptr, this, nullptr);
     emit modifiersChanged();
+    emit contentChanged();
     modifier->unref();
 }
 

@@ -20,7 +20,7 @@ public:
 
     /// The node that has this object, null when none.
     RyNode *getNode() const { return m_node; }
-    /// The first shape added becomes current.
+    /// The first shape added becomes current. Undoable where a hold is open.
     void addShape(RyShape *shape);
     RyShape *getCurrentShape() const { return m_current; }
     const std::vector<RyShape *> &getShapes() const { return m_shapes; }
@@ -46,10 +46,15 @@ public:
 signals:
     void modifiersChanged();
     void shapesChanged();
+    /// Shapes, modifiers, or what is in them; once per finished edit.
+    void contentChanged();
 
 private:
     friend class RyNode;
     friend class RyModifierChange;
+    friend class RyShapeChange;
+    void insertShape(RyShape *shape, int index);
+    void takeShape(RyShape *shape);
     void insertModifier(RyModifier *modifier, int index);
     void takeModifier(RyModifier *modifier);
 

@@ -16,4 +16,8 @@ public:
     virtual RyVertexMesh *getGeometry() const = 0;
     /// The current shape of the node's object; null for null, without object and without shape.
     static RyShape *getCurrentShapeForNode(const RyNode *node);
+
+signals:
+    /// Other geometry, or the geometry's content changed; once per finished edit.
+    void geometryChanged();
 };

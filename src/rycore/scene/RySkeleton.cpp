@@ -20,8 +20,9 @@ public:
     {
         if (!m_skeleton)
             return;
-        std::swap(m_skeleton->m_selectionMap, m_map);
-        emit m_skeleton->selectionMapChanged();
+        const RyRef<RySelectionMap> now = m_skeleton->m_selectionMap;
+        m_skeleton->applySelectionMap(m_map);
+        m_map = now;
     }
     RyUndoKey key() const override { return {m_key, 100}; }
     bool isAlive() const override { return !m_skeleton.isNull(); }
@@ -30,6 +31,32 @@ private:
     QPointer<RySkeleton> m_skeleton;
     const RySkeleton *m_key;
     RyRef<RySelectionMap> m_map;
+};
+
+/// What a skeleton follows and whether it draws its bones.
+class RySkeletonFlagsChange : public RyUndoItem
+{
+public:
+    static constexpr quintptr Aspect = 101;
+    RySkeletonFlagsChange(RySkeleton *skeleton, const RySkeleton::Flags &flags)
+        : m_skeleton(skeleton), m_key(skeleton), m_flags(flags)
+    {
+    }
+    void swap() override
+    {
+        if (!m_skeleton)
+            return;
+        const RySkeleton::Flags now = m_skeleton->m_flags;
+        m_skeleton->applyFlags(m_flags);
+        m_flags = now;
+    }
+    RyUndoKey key() const override { return {m_key, Aspect}; }
+    bool isAlive() const override { return !m_skeleton.isNull(); }
+
+private:
+    QPointer<RySkeleton> m_skeleton;
+    const RySkeleton *m_key;
+    RySkeleton::Flags m_flags;
 };
 
 RySkeleton::RySkeleton() = default;
@@ -113,19 +140,54 @@ void RySkeleton::resolveDuplicate(const RyElement *original, const RyElementDupl
 
 void RySkeleton::setFollowTarget(RySkeleton *target)
 {
-    m_followTarget = target == this ? nullptr : target;
+    Flags flags = m_flags;
+    flags.followTarget = target == this ? nullptr : target;
+    if (flags.followTarget == m_flags.followTarget)
+        return;
+    recordFlags();
+    applyFlags(flags);
 }
 
 void RySkeleton::setDrawGLBones(bool draw)
 {
-    m_drawGLBones = draw;
+    if (draw == m_flags.drawGLBones)
+        return;
+    recordFlags();
+    Flags flags = m_flags;
+    flags.drawGLBones = draw;
+    applyFlags(flags);
+}
+
+void RySkeleton::recordFlags()
+{
+    ryUndoStack()->record<RySkeletonFlagsChange>({this, RySkeletonFlagsChange::Aspect}, this, m_flags);
+}
+
+void RySkeleton::applyFlags(const Flags &flags)
+{
+    const bool otherTarget = flags.followTarget != m_flags.followTarget;
+    m_flags = flags;
+    if (otherTarget)
+        emit followTargetChanged();
+    announceDrawn();
 }
 
 void RySkeleton::setSelectionMap(RySelectionMap *map)
 {
     if (m_selectionMap.get() == map)
         return;
+    const RyRef<RySelectionMap> guard(map);
     ryUndoStack()->record<RySelectionMapExchange>({this, 100}, this);
-    m_selectionMap = RyRef<RySelectionMap>(map);
+    applySelectionMap(guard);
+}
+
+void RySkeleton::applySelectionMap(const RyRef<RySelectionMap> &map)
+{
+    if (m_selectionMap)
+        disconnect(m_selectionMap.get(), nullptr, this, nullptr);
+    m_selectionMap = map;
+    if (m_selectionMap)
+        connect(m_selectionMap.get(), &RySelectionMap::mapChanged, this, &RySkeleton::announceDrawn);
     emit selectionMapChanged();
+    announceDrawn();
 }

@@ -26,9 +26,10 @@ public:
     QString getUniqueBoneName(const QString &name, const RyNode *ignore = nullptr) const;
     QString getUniqueBoneLabel(const QString &label, const RyNode *ignore = nullptr) const;
 
-    RySkeleton *getFollowTarget() const { return m_followTarget; }
+    /// The skeleton that this one follows; null when none. Never itself. This and the flag below are undoable.
+    RySkeleton *getFollowTarget() const { return m_flags.followTarget; }
     void setFollowTarget(RySkeleton *target);
-    bool drawsGLBones() const { return m_drawGLBones; }
+    bool drawsGLBones() const { return m_flags.drawGLBones; }
     void setDrawGLBones(bool draw);
 
     /// May be null. Setting takes ownership and is undoable.
@@ -43,10 +44,19 @@ protected:
 
 signals:
     void selectionMapChanged();
+    void followTargetChanged();
 
 private:
     friend class RySelectionMapExchange;
+    friend class RySkeletonFlagsChange;
+    struct Flags
+    {
+        QPointer<RySkeleton> followTarget;
+        bool drawGLBones = false;
+    };
+    void recordFlags();
+    void applyFlags(const Flags &flags);
+    void applySelectionMap(const RyRef<RySelectionMap> &map);
     RyRef<RySelectionMap> m_selectionMap;
-    QPointer<RySkeleton> m_followTarget;
-    bool m_drawGLBones = false;
+    Flags m_flags;
 };

@@ -18,6 +18,7 @@ public:
         m_bone = now;
     }
     RyUndoKey key() const override { return {m_key, Aspect}; }
+    bool isAlive() const override { return !m_binding.isNull(); }
 
 private:
     QPointer<RyBoneBinding> m_binding;
@@ -43,6 +44,7 @@ public:
         m_map = now;
     }
     RyUndoKey key() const override { return {m_key, FirstAspect + quintptr(m_slot)}; }
+    bool isAlive() const override { return !m_binding.isNull(); }
 
 private:
     QPointer<RyBoneBinding> m_binding;
@@ -69,6 +71,7 @@ public:
         m_bulge = now;
     }
     RyUndoKey key() const override { return {m_key, FirstAspect + quintptr(m_axis)}; }
+    bool isAlive() const override { return !m_binding.isNull(); }
 
 private:
     QPointer<RyBoneBinding> m_binding;

@@ -21,8 +21,8 @@ void RyBoneBinding::setBone(RyBone *bone)
     if (bone == m_bone)
         return;
     ryUndoStack()->record<RyBindingBoneChange>({this, RyBindingBoneChange::Aspect}, this);
-    if (bone && objectName().isEmpty())
-        setObjectName(bone->getName());
+    if (bone && getName().isEmpty())
+        setName(bone->getName());
     applyBone(bone);
 }
 
@@ -103,11 +103,15 @@ void RyBoneBinding::setBulgeBinding(int axis, RyBulgeBinding *bulge)
 
 void RyBoneBinding::applyBulge(int axis, const RyRef<RyBulgeBinding> &bulge)
 {
-    if (m_bulges[axis])
+    if (m_bulges[axis]) {
+        disconnect(m_bulges[axis].get(), nullptr, this, nullptr);
         m_bulges[axis]->m_binding = nullptr;
+    }
     m_bulges[axis] = bulge;
-    if (bulge)
+    if (bulge) {
         bulge->m_binding = this;
+        connect(bulge.get(), &RyBulgeBinding::weightsChanged, this, &RyBoneBinding::bindingChanged);
+    }
     touch();
 }
 

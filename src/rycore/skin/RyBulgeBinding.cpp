@@ -24,10 +24,12 @@ public:
     {
         if (!m_bulge)
             return;
-        std::swap(m_bulge->m_weights[m_side], m_map);
-        emit m_bulge->weightsChanged();
+        const RyRef<RyWeightMap> now = m_bulge->m_weights[m_side];
+        m_bulge->applyWeights(m_side, m_map);
+        m_map = now;
     }
     RyUndoKey key() const override { return {m_key, quintptr(100 + m_side)}; }
+    bool isAlive() const override { return !m_bulge.isNull(); }
 
 private:
     QPointer<RyBulgeBinding> m_bulge;
@@ -67,7 +69,16 @@ void RyBulgeBinding::setWeights(int side, RyWeightMap *map)
         return;
     const RyRef<RyWeightMap> guard(map);
     ryUndoStack()->record<RyBulgeWeightsChange>({this, quintptr(100 + side)}, this, side);
-    m_weights[side] = guard;
+    applyWeights(side, guard);
+}
+
+void RyBulgeBinding::applyWeights(int side, const RyRef<RyWeightMap> &map)
+{
+    if (RyWeightMap *old = m_weights[side].get(); old && old != m_weights[1 - side].get())
+        disconnect(old, nullptr, this, nullptr);
+    m_weights[side] = map;
+    if (map)
+        connect(map.get(), &RyWeightMap::weightsChanged, this, &RyBulgeBinding::weightsChanged, Qt::UniqueConnection);
     emit weightsChanged();
 }
 
@@ -94,7 +105,7 @@ RyBulgeBinding *RyBulgeBinding::copy(bool withMaps) const
     }
     for (int side = 0; side < 2 && withMaps; ++side) {
         if (m_weights[side])
-            bulge->m_weights[side] = RyRef<RyWeightMap>(m_weights[side]->copy());
+            bulge->applyWeights(side, RyRef<RyWeightMap>(m_weights[side]->copy()));
     }
     return bulge;
 }

@@ -42,12 +42,14 @@ public:
     RyBulgeBinding *copy(bool withMaps = true) const;
 
 signals:
+    /// Another map, or other weights.
     void weightsChanged();
 
 private:
     friend class RyBoneBinding;
     friend class RyBulgeWeightsChange;
     void setWeights(int side, RyWeightMap *map);
+    void applyWeights(int side, const RyRef<RyWeightMap> &map);
     QString controllerName(int index) const;
 
     int m_axis;

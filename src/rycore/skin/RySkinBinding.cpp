@@ -8,7 +8,10 @@
 #include "rycore/skin/RyWeightNormalizer.h"
 #include "rycore/undo/RyUndoStack.h"
 
+#include <QPointer>
+
 #include <algorithm>
+#include <utility>
 
 /// A binding's place in a skin: -1 for none.
 class RyBindingListChange : public RyUndoItem
@@ -38,7 +41,37 @@ private:
     int m_index;
 };
 
-RySkinBinding::RySkinBinding() = default;
+/// The declared kinds of maps.
+class RyMapKindsChange : public RyUndoItem
+{
+public:
+    static constexpr quintptr Aspect = 100;
+    explicit RyMapKindsChange(RySkinBinding *skin)
+        : m_skin(skin), m_key(skin), m_local(skin->m_localKind), m_general(skin->m_generalKind)
+    {
+    }
+    void swap() override
+    {
+        if (!m_skin)
+            return;
+        std::swap(m_skin->m_localKind, m_local);
+        std::swap(m_skin->m_generalKind, m_general);
+        m_skin->announce();
+    }
+    RyUndoKey key() const override { return {m_key, Aspect}; }
+    bool isAlive() const override { return !m_skin.isNull(); }
+
+private:
+    QPointer<RySkinBinding> m_skin;
+    const void *m_key;
+    bool m_local;
+    bool m_general;
+};
+
+RySkinBinding::RySkinBinding()
+{
+    connect(this, &RySkinBinding::skinChanged, this, &RyModifier::modifierChanged);
+}
 
 RySkinBinding::~RySkinBinding()
 {
@@ -86,9 +119,9 @@ void RySkinBinding::insertBinding(RyBoneBinding *binding, int index)
     binding->ref();
     binding->m_skin = this;
     m_bindings.insert(m_bindings.begin() + std::min(index, getNumBoneBindings()), binding);
-    connect(binding, &RyBoneBinding::bindingChanged, this, &RySkinBinding::skinChanged);
+    connect(binding, &RyBoneBinding::bindingChanged, this, &RySkinBinding::announce);
     ++m_listRevision;
-    emit skinChanged();
+    announce();
 }
 
 void RySkinBinding::takeBinding(RyBoneBinding *binding)
@@ -97,7 +130,7 @@ void RySkinBinding::takeBinding(RyBoneBinding *binding)
     disconnect(binding, nullptr, this, nullptr);
     binding->m_skin = nullptr;
     ++m_listRevision;
-    emit skinChanged();
+    announce();
     binding->unref();
 }
 
@@ -121,8 +154,26 @@ bool RySkinBinding::hasGeneralMaps() const
 
 void RySkinBinding::setMapKinds(bool local, bool general)
 {
+    if (local == m_localKind && general == m_generalKind)
+        return;
+    ryUndoStack()->record<RyMapKindsChange>({this, RyMapKindsChange::Aspect}, this);
     m_localKind = local;
     m_generalKind = general;
+    announce();
+}
+
+void RySkinBinding::announce()
+{
+    if (editLevel() > 0)
+        m_touched = true;
+    else
+        emit skinChanged();
+}
+
+void RySkinBinding::editFinished()
+{
+    if (std::exchange(m_touched, false))
+        emit skinChanged();
 }
 
 void RySkinBinding::normalize(int, int types, bool)
@@ -135,6 +186,7 @@ void RySkinBinding::normalize(int, int types, bool)
         }
         RyWeightNormalizer::normalize(maps);
     };
+    beginEdit();
     if (types & GeneralWeights)
         normalizeKind([](const RyBoneBinding *b) { return b->getWeights(); });
     for (int axis = 0; axis < 3; ++axis) {
@@ -143,6 +195,7 @@ void RySkinBinding::normalize(int, int types, bool)
     }
     if (types & ScaleWeights)
         normalizeKind([](const RyBoneBinding *b) { return b->getScaleWeights(); });
+    finishEdit();
 }
 
 void RySkinBinding::reduceWeightMemory()

@@ -44,7 +44,7 @@ public:
     /// Any binding has a local (a general) map, or the skin was declared to be of that kind.
     bool hasLocalMaps() const;
     bool hasGeneralMaps() const;
-    /// What kinds of maps new bindings shall get while no binding has maps.
+    /// What kinds of maps new bindings shall get while no binding has maps. Undoable where a hold is open.
     void setMapKinds(bool local, bool general);
 
     // --- Weights.
@@ -67,11 +67,21 @@ public:
     const RySkinDeformer &deformer() const { return m_deformer; }
 
 signals:
-    /// Bindings, maps or weights changed.
+    /// Bindings, maps or weights changed; once per outermost edit of the skin, where one is open.
     void skinChanged();
+
+protected:
+    void editBegun() override { m_touched = false; }
+    void editFinished() override;
+    /// Maps and bindings have snapshots of their own; what was changed stays.
+    void editCancelled() override { editFinished(); }
+
+private slots:
+    void announce();
 
 private:
     friend class RyBindingListChange;
+    friend class RyMapKindsChange;
     void insertBinding(RyBoneBinding *binding, int index);
     void takeBinding(RyBoneBinding *binding);
     std::vector<quint64> weightsKey() const;
@@ -90,6 +100,7 @@ private:
     quint64 m_listRevision = 1;
     bool m_localKind = false;
     bool m_generalKind = false;
+    bool m_touched = false; // within an edit
     RySkinDeformer m_deformer;
     std::vector<quint64> m_influencesKey;
     std::vector<MapSource> m_mapSources;
