@@ -1,0 +1,61 @@
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyModifier.h"
+#include "rycore/scene/RyNodeReplacement.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+namespace {
+
+/// The skeleton and its bones, which go, and what hangs on them and stays.
+void sortNodes(RySkeleton *skeleton, std::vector<RyNode *> &going, std::vector<RyNode *> &staying)
+{
+    going.push_back(skeleton);
+    std::vector<RyNode *> pending = skeleton->nodeChildrenIterator();
+    for (size_t i = 0; i < pending.size(); ++i) {
+        RyNode *node = pending[i];
+        if (!qobject_cast<RyBone *>(node)) {
+            staying.push_back(node);
+            continue;
+        }
+        going.push_back(node);
+        const std::vector<RyNode *> children = node->nodeChildrenIterator();
+        pending.insert(pending.end(), children.begin(), children.end());
+    }
+}
+
+} // namespace
+
+RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &name)
+{
+    if (!skeleton)
+        return nullptr;
+    const RyRef<RySkeleton> guard(skeleton);
+    RyUndoStackHold hold;
+    RyScene *scene = skeleton->getScene();
+    const std::vector<RyNode *> selection = RyNodeReplacement::rememberSelection(scene);
+    std::vector<RyNode *> going;
+    std::vector<RyNode *> staying;
+    sortNodes(skeleton, going, staying);
+
+    const RyRef<RyNode> prop(new RyNode);
+    prop->setName(name);
+    RyNodeReplacement::takePlace(skeleton, prop.get());
+    RyNodeReplacement::cutLinks(going);
+    for (RyNode *node : staying)
+        prop->addNodeChild(node, node->getNodeParent() != skeleton);
+    if (RyObject *object = skeleton->getObject()) {
+        const std::vector<RyModifier *> modifiers = object->getModifiers();
+        for (RyModifier *modifier : modifiers)
+            object->removeModifier(modifier);
+        RyNodeReplacement::moveObject(skeleton, prop.get());
+    }
+    for (RySkeleton *other : scene ? scene->getSkeletons() : std::vector<RySkeleton *>()) {
+        if (other->getFollowTarget() == skeleton)
+            other->setFollowTarget(nullptr);
+    }
+    RyNodeReplacement::removeNode(skeleton, prop.get(), selection);
+    hold.accept(tr("Convert Figure to Prop"));
+    return prop.get();
+}
