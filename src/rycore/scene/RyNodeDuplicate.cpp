@@ -12,7 +12,6 @@ RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
     if (!context)
         return nullptr;
     RyNode *copy = makeSameKind();
-    context->addDuplicate(this, copy);
     copy->setName(getName());
     if (hasOwnLabel())
         copy->setLabel(getLabel());
@@ -22,6 +21,7 @@ RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
     copy->setInheritScale(m_inheritScale);
     copy->setRotationOrder(m_rotationOrder);
     copy->copyPropertiesFrom(*this, !context->skipNonUserProperties());
+    context->addDuplicate(this, copy);
     RyNode *parent = context->getParentNode();
     if (parent)
         parent->addNodeChild(copy, false);
