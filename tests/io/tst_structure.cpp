@@ -4,6 +4,7 @@
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
@@ -118,6 +119,45 @@ private slots:
         }
         moveSomeJoints(character, 0.1, m_random);
         check(character, name, true);
+    }
+
+    /// Vertices that were moved, as a bake of the pose does it, of figures and props.
+    void movedVertices_data() { allKinds_data(); }
+    void movedVertices()
+    {
+        QFETCH(QString, name);
+        if (ryModel(name).isEmpty())
+            QSKIP("the character is not here");
+        CharacterScene character(ryModel(name));
+        std::uniform_real_distribution<float> shift(-0.01f, 0.01f);
+        for (RyNode *node : character.scene.getNodes()) {
+            auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
+            if (!shape || shape->getFacetMesh()->getNumVertices() == 0)
+                continue;
+            std::vector<RyVec3> positions = shape->getFacetMesh()->getPositions();
+            for (size_t v = positions.size() / 3; v < positions.size(); ++v)
+                positions[v] += RyVec3(shift(m_random), shift(m_random), shift(m_random)) * float(character.height);
+            shape->getFacetMesh()->setPositions(std::move(positions));
+        }
+        const QString ending = name.section(QLatin1Char('.'), -1);
+        const QString saved = m_folder.filePath(QStringLiteral("moved.") + ending);
+        const QString dump = rySceneDump(character.scene);
+        QString error;
+        QStringList messages;
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error, &messages), qPrintable(error));
+        QVERIFY2(messages.isEmpty(), qPrintable(messages.join(QLatin1Char('\n'))));
+        const GltfEvaluator file(saved.toStdString());
+        const double shown = largestDistance(character.shown(), positionsOf(file, character.unit()));
+        QVERIFY2(shown <= 2e-5 * character.height, qPrintable(QString::number(shown / character.height)));
+        CharacterScene again(saved);
+        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+        QVERIFY(largestDistance(character.atRest(), again.atRest()) <= 1e-5 * character.height);
+        const QString twice = m_folder.filePath(QStringLiteral("twice.") + ending);
+        QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
+        QVERIFY(bytesOf(twice) == bytesOf(saved));
+        const RyValidation before = ryValidate(ryModel(name));
+        if (before.available)
+            QVERIFY2(ryValidate(saved).errors <= before.errors, qPrintable(ryValidate(saved).report));
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/RyFigureExtras.h"
 
 #include "rycore/io/gltf/RyExtrasJson.h"
+#include "rycore/io/gltf/RyMapExtras.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -188,6 +189,24 @@ std::vector<int> RyFigureExtras::storedBindings(const RyGltfDocument &document, 
     return nodes;
 }
 
+bool RyFigureExtras::hasMaps(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    return stored && find(*stored, "maps");
+}
+
+void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences,
+                               int vertexCount, const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin,
+                               QStringList *messages)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *maps = stored ? find(*stored, "maps") : nullptr;
+    if (maps && !RyMapExtras::apply(*maps, influences, vertexCount, nodeOf, skin) && messages) {
+        messages->append(QStringLiteral("The stored local, scale and bulge maps do not fit the weights of the file and are "
+                                        "left out"));
+    }
+}
+
 void RyFigureExtras::applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node)
 {
     const Json *stored = figureJson(document, figure);
@@ -244,6 +263,11 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             Json bindings = bindingsJson(*skeleton, nodeOf, joints);
             if (!bindings.is_null())
                 entry["bindings"] = std::move(bindings);
+            const RyFacetMesh *mesh = meshOf(*skeleton);
+            const RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
+            Json maps = skin && mesh ? RyMapExtras::toJson(*skin, mesh->getNumVertices(), nodeOf) : Json();
+            if (!maps.is_null())
+                entry["maps"] = std::move(maps);
         }
         if (const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
             Json pairs = Json::array();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/io/gltf/RyGltfSceneDocument.h"
+#include "rycore/io/gltf/RyMapExtras.h"
 
 #include <QStringList>
 
@@ -26,6 +27,11 @@ QString storedFigureName(const RyGltfDocument &document, int figure);
 void applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node);
 /// Nodes of the bones that have bindings, in their order, where they are not simply the joints.
 std::vector<int> storedBindings(const RyGltfDocument &document, int figure, bool *isStored);
+
+bool hasMaps(const RyGltfDocument &document, int figure);
+/// Local, scale and bulge maps, where the influences of the file are those that they were stored with.
+void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
+               const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin, QStringList *messages);
 
 /// Writes all of it. `figures`: null for one that is gone; `joints`: nodes that a reader finds in skins.
 void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,

@@ -2,7 +2,7 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyVertexMesh.h"
-#include "rycore/scene/RyShape.h"
+#include "rycore/scene/RyFacetShape.h"
 
 #include <algorithm>
 #include <bit>
@@ -80,6 +80,18 @@ bool RyNodeValues::samePose(const RyNodeValues &o) const
 {
     return pose == o.pose && rotationOrder == o.rotationOrder && inheritScale == o.inheritScale && sameOrigin(o) &&
            sameOrientation(o);
+}
+
+bool RyGltfFigureSource::hasOtherVertices() const
+{
+    return sceneNode && ryPositionsHash(*sceneNode) != positionsHash;
+}
+
+bool RyGltfFigureSource::canWriteVertices() const
+{
+    const auto *shape = sceneNode ? qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(sceneNode)) : nullptr;
+    return shape && shape->getFacetMesh() && shape->getFacetMesh()->getNumVertices() == vertexCount && !parts.empty() &&
+           shape->getParts() == meshParts && hasOtherVertices();
 }
 
 void RyGltfSceneDocument::recordTree()

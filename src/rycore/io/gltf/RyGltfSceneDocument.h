@@ -11,6 +11,7 @@
 #include <vector>
 
 class RyFigure;
+struct RyMeshParts;
 
 /// The numbers of a node as they were when it was read; what differs from them was edited.
 struct RyNodeValues
@@ -83,11 +84,19 @@ struct RyGltfFigureSource
     std::vector<RyGltfSkinSource> skins;
     std::vector<RyGltfPartSource> parts;
     quint64 positionsHash = 0; // of the mesh as it was read
+    std::shared_ptr<const RyMeshParts> meshParts; // likewise
+    int vertexCount = 0;
     std::vector<RyGltfLoadedWeights> weights; // in the order of the bindings
+    QString mapsText; // local, scale and bulge maps as the extras say them
     int firstRoot = -1; // node of the first topmost bone
     QString riggingText; // of the figure itself, as that of nodes
     QString groupsText; // face groups as they were read, in the text of the extras
     QString selectionText; // likewise the selection map
+
+    /// Whether vertices are elsewhere than they were read.
+    bool hasOtherVertices() const;
+    /// Whether they can go into the file's own meshes: they are still as many, in the same parts.
+    bool canWriteVertices() const;
 };
 
 /// Of the positions of a node's mesh, to tell whether they were edited.

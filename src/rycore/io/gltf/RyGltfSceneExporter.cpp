@@ -2,8 +2,11 @@
 
 #include "rycore/io/gltf/RyFigureExtras.h"
 #include "rycore/io/gltf/RyGltfInfluenceWriter.h"
+#include "rycore/io/gltf/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/RyGltfNodePatch.h"
 #include "rycore/io/gltf/RyGltfSkinPatch.h"
+#include "rycore/io/gltf/RyGltfTreePatch.h"
+#include "rycore/io/gltf/RyGltfVertexPatch.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -34,6 +37,22 @@ RyGltfTransform transformOf(const RyAffine &local)
     bool exact = true;
     const RyGltfTransform transform = ryGltfTransformOf(local, false, &exact);
     return exact ? transform : ryGltfTransformOf(local, true);
+}
+
+/// From the mesh space of a part of the file to figure space in centimetres.
+RyAffine frameOf(const RyGltfSceneDocument &source, const RyGltfPartSource &part)
+{
+    for (const RyGltfFigureSource &figure : source.figures) {
+        for (const RyGltfSkinSource &skin : figure.skins) {
+            if (skin.skin == part.skin)
+                return skin.toFigure;
+        }
+    }
+    for (const RyGltfNodeSource &node : source.nodes) {
+        if (node.node == part.node)
+            return node.bind;
+    }
+    return scaleBy(source.unit);
 }
 
 /// The bone's frame: joint space in file units to figure space in centimetres.
@@ -140,6 +159,11 @@ void RyGltfSceneExporter::addMeshOf(const RyNode &node, int fileNode, const RyAf
     const RyFacetMesh &mesh = *meshOf(node);
     if (mesh.getNumVertices() == 0 || mesh.getNumFacets() == 0)
         return;
+    if (const RyGltfFigureSource *known = knownMesh(node)) {
+        m_document.setNodeMeshAndSkin(fileNode, addKnownMesh(node, *known, frame), -1);
+        m_figures.push_back(&node);
+        return;
+    }
     int normals = -1;
     const int positions = addPositions(mesh, frame.inverse(), &normals);
     const int index = m_document.addMesh(node.getName());
@@ -157,18 +181,27 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     std::vector<int> joints;
     std::map<const RyNode *, int> jointOf;
     std::vector<float> inverseBinds;
+    const RyGltfFigureSource *known = knownMesh(skeletonNode);
+    const RyAffine toFigure = known ? frameOf(*m_source, known->parts.front()) : scaleBy(m_unit);
     for (const RyBone *bone : bones) {
         jointOf[bone] = int(joints.size());
         joints.push_back(m_nodeOf.at(bone));
         m_joints.insert(joints.back());
-        ryGltfAppendMatrix(scaleBy(m_unit) * bindOf(*bone, m_unit).inverse(), inverseBinds);
+        ryGltfAppendMatrix(toFigure * bindOf(*bone, m_unit).inverse(), inverseBinds);
     }
     const int skin = m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
-    RyTreeExtras::storeToFigure(m_document, skin, RyAffine());
+    RyTreeExtras::storeToFigure(m_document, skin, toFigure * scaleBy(1.0 / m_unit));
     const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
     if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
         return;
 
+    if (known) {
+        const int knownIndex = addKnownMesh(skeletonNode, *known, toFigure);
+        bindKnownMesh(skeletonNode, knownIndex, jointOf);
+        const int holder = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
+        m_document.setNodeMeshAndSkin(holder, knownIndex, skin);
+        return;
+    }
     int normals = -1;
     const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
     std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
@@ -182,6 +215,46 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
     m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
     const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
     m_document.setNodeMeshAndSkin(node, meshIndex, skin);
+}
+
+const RyGltfFigureSource *RyGltfSceneExporter::knownMesh(const RyNode &node) const
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    if (!m_source || !shape || !shape->getParts() || !shape->getFacetMesh())
+        return nullptr;
+    for (const RyGltfFigureSource &figure : m_source->figures) {
+        if (figure.meshParts == shape->getParts() && !figure.parts.empty() &&
+            figure.vertexCount == shape->getFacetMesh()->getNumVertices()) {
+            return &figure;
+        }
+    }
+    return nullptr;
+}
+
+int RyGltfSceneExporter::addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure)
+{
+    std::vector<std::pair<int, int>> primitives;
+    for (const RyGltfPartSource &part : known.parts)
+        primitives.emplace_back(part.mesh, part.primitive);
+    RyGltfTreePatch tree(m_document);
+    const int mesh = tree.addMeshOf(node.getName(), primitives);
+    QString error;
+    tree.finish(&error); // copies of what has been checked
+    RyGltfVertexPatch vertices(m_document, *meshOf(node), toFigure);
+    for (size_t p = 0; p < known.parts.size(); ++p)
+        vertices.write(mesh, int(p), known.meshParts->parts[p]);
+    return mesh;
+}
+
+void RyGltfSceneExporter::bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&skeleton));
+    const RyFacetMesh &facets = *shape->getFacetMesh();
+    const RyGltfInfluenceWriter influences(RySkinBinding::findSkinFromNode(&skeleton), facets.getNumVertices());
+    std::vector<RyGltfMeshPatch::Part> parts;
+    for (size_t p = 0; p < shape->getParts()->parts.size(); ++p)
+        parts.push_back({mesh, int(p), &shape->getParts()->parts[p].vertexOfSplit});
+    RyGltfMeshPatch(m_document, influences, facets.getPositions()).writeInfluences(parts, influences.placesIn(jointOf));
 }
 
 std::vector<const RyNode *> RyGltfSceneExporter::figures() const

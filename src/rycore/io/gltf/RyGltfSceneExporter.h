@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/io/gltf/RyGltfDocument.h"
+#include "rycore/io/gltf/RyGltfSceneDocument.h"
 
 #include <QStringList>
 
@@ -18,7 +18,12 @@ class RyGltfSceneExporter
 {
 public:
     /// Appends to `document`. `unit`: centimetres per file unit.
-    RyGltfSceneExporter(RyGltfDocument &document, double unit) : m_document(document), m_unit(unit) {}
+    /// Meshes that came from the file of `source`, which the document is a patched copy of, keep materials, texture coordinates
+    /// and whatever else their primitives have.
+    RyGltfSceneExporter(RyGltfDocument &document, double unit, const RyGltfSceneDocument *source = nullptr)
+        : m_document(document), m_source(source), m_unit(unit)
+    {
+    }
 
     /// A top-level node with everything below it.
     void addTree(const RyNode &top);
@@ -39,10 +44,14 @@ private:
     void addNode(const RyNode &node, int parent, const class RyAffine &parentBind);
     void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
     void addSkinnedMesh(const RyNode &skeleton);
+    const RyGltfFigureSource *knownMesh(const RyNode &node) const;
+    int addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure);
+    void bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf);
     int addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals);
     int addTriangles(const RyFacetMesh &mesh);
 
     RyGltfDocument &m_document;
+    const RyGltfSceneDocument *m_source;
     double m_unit;
     std::map<const RyNode *, int> m_nodeOf;
     std::vector<const RyNode *> m_figures;

@@ -4,6 +4,7 @@
 #include "rycore/io/RyEndPointGuess.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/RyFigureExtras.h"
+#include "rycore/io/gltf/RyGltfInfluenceWriter.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
 #include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -419,6 +420,8 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
+    figure.source.meshParts = parts;
+    figure.source.vertexCount = vertexCount;
     figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
     RyFigureExtras::applySelectionMap(*m_scene, figure.entry, *figure.figure);
     figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
@@ -450,6 +453,9 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
             order.push_back(i);
     }
     auto *skin = new RySkinBinding;
+    const bool hasMaps = RyFigureExtras::hasMaps(*m_scene->document, figure.entry);
+    RyMapExtras::Fingerprint fingerprint;
+    std::map<const RyNode *, int> nodeOf;
     for (const size_t i : order) {
         auto *map = new RyWeightMap(figure.bones[i]->getName());
         map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
@@ -457,8 +463,21 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
         binding->setBone(figure.bones[i]);
         binding->setWeights(map);
         skin->addBoneBinding(binding);
+        const int node = nodeOf[figure.bones[i]] = figure.joints.bones[i];
+        for (size_t k = 0; hasMaps && k < weights[i].vertices.size(); ++k)
+            fingerprint.add(node, weights[i].vertices[k], weights[i].weights[k]);
         figure.source.weights.push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
     }
+    if (hasMaps) {
+        RyFigureExtras::applyMaps(*m_scene->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin, m_messages);
+        for (size_t i = 0; i < skin->bindings().size(); ++i) {
+            // Where only local maps are left, the mean of them is what counts as read.
+            const RyGltfBindingWeights read(*skin->bindings()[i]);
+            figure.source.weights[i].vertices.assign(read.vertices.begin(), read.vertices.end());
+            figure.source.weights[i].weights.assign(read.weights.begin(), read.weights.end());
+        }
+    }
+    figure.source.mapsText = RyMapExtras::text(skin);
     return skin;
 }
 

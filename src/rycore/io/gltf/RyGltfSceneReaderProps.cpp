@@ -119,6 +119,8 @@ void RyGltfSceneReader::buildProps()
             prop->setObject(object);
             end = mesh->getBoundingBox().getCenter();
             figure.positionsHash = ryPositionsHash(*prop);
+            figure.meshParts = parts;
+            figure.vertexCount = mesh->getNumVertices();
             figure.groupsText = RyFigureExtras::groupsText(*mesh);
             m_scene->figures.push_back(std::move(figure));
         }

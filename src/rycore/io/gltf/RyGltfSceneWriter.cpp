@@ -11,6 +11,7 @@
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 
@@ -34,13 +35,16 @@ bool RyGltfSceneWriter::isEdited(const RyScene &scene) const
 bool RyGltfSceneWriter::isFigureEdited(const RyGltfFigureSource &figure) const
 {
     const RyNode &node = *figure.sceneNode;
+    if (figure.canWriteVertices())
+        return true;
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
     if (shape && shape->getFacetMesh() && RyFigureExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText)
         return true;
     if (!qobject_cast<const RySkeleton *>(&node))
         return false;
     return !(RyNodeValues::of(node) == figure.loaded) || RyRiggingExtras::nodeText(node) != figure.riggingText ||
-           RyFigureExtras::selectionText(node) != figure.selectionText || RyGltfSkinPatch::weightsChanged(figure);
+           RyFigureExtras::selectionText(node) != figure.selectionText || RyGltfSkinPatch::weightsChanged(figure) ||
+           RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText;
 }
 
 std::vector<const RyNode *> RyGltfSceneWriter::newTops(const RyScene &scene) const
@@ -73,7 +77,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
         return nullptr;
     }
     // Nodes that the file does not know: merged files, new props and figures.
-    RyGltfSceneExporter exporter(*document, m_source.unit);
+    RyGltfSceneExporter exporter(*document, m_source.unit, &m_source);
     for (const RyNode *top : newTops(scene))
         exporter.addTree(*top);
     exporter.storeNodes();
@@ -110,8 +114,16 @@ void RyGltfSceneWriter::reportMeshes(QStringList *messages) const
 {
     for (const RyGltfFigureSource &figure : m_source.figures) {
         const RyNode *node = figure.sceneNode;
-        if (node && messages && node->getScene() && ryPositionsHash(*node) != figure.positionsHash) {
-            messages->append(QStringLiteral("The vertices of \"%1\" were changed; the file keeps its own")
+        if (!node || !messages || !node->getScene() || !figure.hasOtherVertices())
+            continue;
+        const auto hasMorphs = [&](const RyGltfPartSource &part) {
+            return !m_source.document->model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)].morphPositions.empty();
+        };
+        if (!figure.canWriteVertices()) {
+            messages->append(QStringLiteral("\"%1\" has other vertices than its mesh in the file, which is kept as it is")
+                                 .arg(node->getName()));
+        } else if (std::any_of(figure.parts.begin(), figure.parts.end(), hasMorphs)) {
+            messages->append(QStringLiteral("The vertices of \"%1\" were moved; its morphs in the file stay as they were")
                                  .arg(node->getName()));
         }
     }

@@ -24,7 +24,7 @@ private:
     std::vector<const RyNode *> newTops(const RyScene &scene) const;
     /// Stores what glTF has no place for.
     void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures) const;
-    /// Vertices are not written back into a file that has them; a message says when that loses something.
+    /// Says what the file cannot take of changed vertices.
     void reportMeshes(QStringList *messages) const;
     void reportNewMeshes(const RyGltfScenePatch &patch) const;
 

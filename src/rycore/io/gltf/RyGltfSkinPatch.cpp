@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/RyGltfSkinPatch.h"
 
 #include "rycore/io/gltf/RyGltfMeshPatch.h"
+#include "rycore/io/gltf/RyGltfVertexPatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -77,8 +78,12 @@ bool RyGltfSkinPatch::apply(QString *error)
     }
     std::vector<Figure> figures;
     for (const RyGltfFigureSource &source : m_patch.source.figures) {
-        if (source.sceneNode && source.sceneNode->getScene() && !source.skins.empty())
+        if (!source.sceneNode || !source.sceneNode->getScene())
+            continue;
+        if (!source.skins.empty())
             figures.push_back(plan(source));
+        else if (source.canWriteVertices() && m_patch.edits.count(source.parts.front().node))
+            separateProp(source);
     }
     for (Figure &figure : figures) {
         separateMeshes(figure);
@@ -89,9 +94,11 @@ bool RyGltfSkinPatch::apply(QString *error)
     for (const Figure &figure : figures) {
         writeBinds(figure);
         writeInfluences(figure);
-        if (figure.isRebuilt)
+        if (figure.isRebuilt || figure.isMoved)
             writeVertices(figure);
     }
+    for (const auto &[prop, mesh] : m_props)
+        writeProp(*prop, mesh);
     return true;
 }
 
@@ -111,6 +118,7 @@ RyGltfSkinPatch::Figure RyGltfSkinPatch::plan(const RyGltfFigureSource &source) 
     std::vector<bool> changed(figure.mesh ? size_t(figure.mesh->getNumVertices()) : 0, false);
     const bool weightsAreOther = weightsChanged(source, &changed);
     figure.isRebuilt = figure.mesh && mustBeRebuilt(source, weightsAreOther);
+    figure.isMoved = figure.mesh && source.canWriteVertices();
     keepJoints(figure);
     addJoints(figure);
     if (figure.mesh)
@@ -126,7 +134,7 @@ bool RyGltfSkinPatch::mustBeRebuilt(const RyGltfFigureSource &source, bool weigh
     // them, in figure space, with bind matrices that say so.
     if (!source.skins.front().rebound)
         return false;
-    if (weightsAreOther || !(RyNodeValues::of(*source.sceneNode) == source.loaded))
+    if (weightsAreOther || source.canWriteVertices() || !(RyNodeValues::of(*source.sceneNode) == source.loaded))
         return true;
     for (const RyGltfNodeSource &node : m_patch.source.nodes) {
         if (node.isBone && node.figure == &source - m_patch.source.figures.data() && m_patch.removed.count(node.node))
@@ -358,7 +366,7 @@ void RyGltfSkinPatch::separateMeshes(Figure &figure)
 {
     std::map<std::pair<int, int>, int> copies; // of a mesh for a skin
     for (size_t p = 0; p < figure.isDirty.size(); ++p) {
-        if (!figure.isDirty[p] && !figure.isRebuilt)
+        if (!figure.isDirty[p] && !figure.isRebuilt && !figure.isMoved)
             continue;
         const RyGltfPartSource &part = figure.source->parts[p];
         const auto known = copies.find({part.mesh, part.skin});
@@ -417,24 +425,35 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
 
 void RyGltfSkinPatch::writeVertices(const Figure &figure)
 {
-    const std::vector<RyVec3> &positions = figure.mesh->getPositions();
-    const std::vector<RyVec3> normals = figure.mesh->computeNormals(positions);
-    for (size_t p = 0; p < figure.source->parts.size(); ++p) {
-        const int primitive = figure.source->parts[p].primitive;
-        const int mesh = figure.meshes[p];
-        std::vector<float> points, directions;
-        for (const int vertex : figure.parts->parts[p].vertexOfSplit) {
-            for (int axis = 0; axis < 3; ++axis) {
-                points.push_back(float(double(positions[size_t(vertex)][axis]) / m_patch.source.unit));
-                directions.push_back(normals[size_t(vertex)][axis]);
-            }
-        }
-        const bool hasNormals = m_patch.document.model().meshes[size_t(mesh)].primitives[size_t(primitive)].normals >= 0;
-        m_patch.document.setPrimitiveAttribute(mesh, primitive, "POSITION",
-                                               m_patch.document.addFloatAccessor(points, 3, 34962, true));
-        if (hasNormals) {
-            m_patch.document.setPrimitiveAttribute(mesh, primitive, "NORMAL",
-                                                   m_patch.document.addFloatAccessor(directions, 3, 34962));
+    for (const Skin &skin : figure.skins) {
+        RyGltfVertexPatch vertices(m_patch.document, *figure.mesh, toFigure(figure, skin));
+        std::set<std::pair<int, int>> done; // several nodes may show one mesh
+        for (size_t p = 0; p < figure.source->parts.size(); ++p) {
+            const RyGltfPartSource &part = figure.source->parts[p];
+            if (part.skin == skin.source->skin && done.insert({figure.meshes[p], part.primitive}).second)
+                vertices.write(figure.meshes[p], part.primitive, figure.parts->parts[p]);
         }
     }
+}
+
+void RyGltfSkinPatch::separateProp(const RyGltfFigureSource &source)
+{
+    const int node = source.parts.front().node;
+    std::vector<int> &users = m_users[source.parts.front().mesh];
+    int mesh = source.parts.front().mesh;
+    if (users.size() > 1) {
+        mesh = m_tree.cloneMesh(mesh);
+        m_tree.setNodeMesh(node, mesh, -1);
+        users.erase(std::remove(users.begin(), users.end(), node), users.end());
+        m_users[mesh] = {node};
+    }
+    m_props.emplace_back(&source, mesh);
+}
+
+void RyGltfSkinPatch::writeProp(const RyGltfFigureSource &source, int mesh)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source.sceneNode));
+    RyGltfVertexPatch vertices(m_patch.document, *shape->getFacetMesh(), m_patch.edits.at(source.parts.front().node).bind);
+    for (size_t p = 0; p < source.parts.size(); ++p)
+        vertices.write(mesh, source.parts[p].primitive, shape->getParts()->parts[p]);
 }

@@ -42,6 +42,7 @@ private:
         std::vector<bool> isDirty; // parts whose influences are written
         std::vector<int> meshes;   // where parts are written
         bool isRebuilt = false;    // vertices and bind matrices are written anew
+        bool isMoved = false;      // vertices of the scene are elsewhere than the file's
     };
 
     Figure plan(const RyGltfFigureSource &source) const;
@@ -59,9 +60,12 @@ private:
     void writeBinds(const Figure &figure);
     void writeInfluences(const Figure &figure);
     void writeVertices(const Figure &figure);
+    void separateProp(const RyGltfFigureSource &source);
+    void writeProp(const RyGltfFigureSource &source, int mesh);
 
     RyGltfScenePatch &m_patch;
     RyGltfTreePatch m_tree;
+    std::vector<std::pair<const RyGltfFigureSource *, int>> m_props; // with other vertices, and their meshes
     std::map<int, std::vector<int>> m_users; // nodes by the mesh that they use
 };
 

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/RyGltfTreePatch.h"
 
+#include "rycore/io/gltf/RyExtrasJson.h"
 #include "rycore/io/gltf/RyGltfDocument.h"
 
 #include <nlohmann/json.hpp>
@@ -85,6 +86,29 @@ int RyGltfTreePatch::cloneMesh(int mesh)
     Json &meshes = m_document.json()["meshes"];
     Json copy = meshes[size_t(mesh)];
     meshes.push_back(std::move(copy));
+    return int(meshes.size()) - 1;
+}
+
+int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<int, int>> &primitives)
+{
+    Json &meshes = m_document.json()["meshes"];
+    Json entry = Json::object();
+    if (!name.isEmpty())
+        entry["name"] = name.toStdString();
+    for (const auto &[mesh, primitive] : primitives) {
+        Json copy = meshes[size_t(mesh)]["primitives"][size_t(primitive)];
+        RyExtrasJson::store(copy, Json());
+        Json &attributes = copy["attributes"];
+        for (int set = 0; attributes.contains("JOINTS_" + std::to_string(set)); ++set) {
+            attributes.erase("JOINTS_" + std::to_string(set));
+            attributes.erase("WEIGHTS_" + std::to_string(set));
+        }
+        entry["primitives"].push_back(std::move(copy));
+    }
+    const auto weights = primitives.empty() ? Json::iterator() : meshes[size_t(primitives.front().first)].find("weights");
+    if (!primitives.empty() && weights != meshes[size_t(primitives.front().first)].end())
+        entry["weights"] = *weights;
+    meshes.push_back(std::move(entry));
     return int(meshes.size()) - 1;
 }
 

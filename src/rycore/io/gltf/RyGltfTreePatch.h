@@ -25,6 +25,8 @@ public:
     void setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove);
     /// A copy of a mesh with everything that belongs to it; accessors are shared.
     int cloneMesh(int mesh);
+    /// A mesh of copies of primitives (mesh, primitive) without their influences; accessors and materials are shared.
+    int addMeshOf(const QString &name, const std::vector<std::pair<int, int>> &primitives);
     /// Takes a node's mesh and skin away, or gives it others; -1 for none.
     void setNodeMesh(int node, int mesh, int skin);
     /// Whether the node holds something by itself: a mesh, a camera, an extension.

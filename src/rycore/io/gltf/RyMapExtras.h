@@ -1,0 +1,36 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <QStringList>
+
+#include <map>
+#include <vector>
+
+class RyNode;
+class RySkinBinding;
+
+/// The weight maps that a file has no place for: local and scale maps, and those of bulges with their controllers. Each is kept
+/// as compressed text, and read back only where the file's own weights are those that were written with them.
+namespace RyMapExtras {
+
+/// A number that tells the influences of a file from others, whatever their order.
+class Fingerprint
+{
+public:
+    void add(int node, int vertex, int weight);
+    quint64 value() const { return m_value; }
+
+private:
+    quint64 m_value = 0;
+};
+
+/// Null when the skin has only general maps. `nodeOf`: nodes of bones.
+nlohmann::ordered_json toJson(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &nodeOf);
+/// Gives the bindings their maps. False, and nothing done, when something does not fit.
+bool apply(const nlohmann::ordered_json &stored, const Fingerprint &influences, int vertexCount,
+           const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin);
+/// What is stored, as a text, to see whether it was edited; empty without such maps.
+QString text(const RySkinBinding *skin);
+
+} // namespace RyMapExtras
