@@ -1,0 +1,106 @@
+#include "CharacterScene.h"
+#include "FigureSketch.h"
+#include "RigEdits.h"
+
+#include "rycore/io/RySceneDump.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+#include "support/RyValidator.h"
+
+using nlohmann::json;
+
+/// What stays in a file when bones or their weights go.
+class RemovedBonesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    /// A camera and an empty node on a bone outlive it in their places; a mark of its end does not.
+    void whatHangsOnABone()
+    {
+        FigureSketch sketch;
+        sketch.tree["cameras"] = {{{"type", "perspective"}, {"perspective", {{"yfov", 0.8}, {"znear", 0.1}}}}};
+        sketch.tree["nodes"][2]["children"] = {4, 6};
+        sketch.tree["nodes"].push_back({{"name", "socket"}, {"translation", {0.1, 0.2, 0}}, {"children", {5}}});
+        sketch.tree["nodes"].push_back({{"name", "eye"}, {"translation", {0, 0.3, 0}}, {"camera", 0}});
+        sketch.tree["nodes"].push_back({{"name", "mark_end"}, {"translation", {0, 1, 0}}});
+        CharacterScene scene(sketch.write(path("before")));
+        RigEdits::deleteBone(scene.scene, scene.bones()[1]);
+        save(scene, "after");
+        CharacterScene again(path("after"));
+        QCOMPARE(again.bones().size(), size_t(1));
+        for (const char *name : {"socket", "eye"}) {
+            QVERIFY((again.file.worldPosition(again.file.node(name)) - scene.file.worldPosition(scene.file.node(name))).norm() < 1e-6);
+            int top = again.file.node(name);
+            while (again.file.parent(top) >= 0)
+                top = again.file.parent(top);
+            QCOMPARE(top, 0); // still below the root of the scene
+        }
+    }
+
+    /// Nothing hangs on it: the node hangs nowhere, and clips that drive it stay valid.
+    void aClipOfARemovedBone()
+    {
+        FigureSketch sketch;
+        sketch.tree["animations"] = {
+            {{"name", "wave"},
+             {"samplers", {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
+                            {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
+             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
+        json &times = sketch.tree["accessors"][sketch.tree["animations"][0]["samplers"][0]["input"].get<size_t>()];
+        times["min"] = {0.0};
+        times["max"] = {1.0};
+        CharacterScene scene(sketch.write(path("before")));
+        RigEdits::deleteBone(scene.scene, scene.bones()[1]);
+        const QStringList messages = save(scene, "after");
+        QCOMPARE(messages.filter(QStringLiteral("wave")).size(), 1);
+        const GltfEvaluator file(path("after").toStdString());
+        QCOMPARE(file.tree()["animations"], sketch.tree["animations"]);
+        QVERIFY(!file.tree()["nodes"][1].contains("children"));
+        QCOMPARE(file.joints(0), std::vector<int>({1}));
+    }
+
+    /// A vertex that follows no bone any more.
+    void verticesThatFollowNothing()
+    {
+        FigureSketch sketch;
+        CharacterScene scene(sketch.write(path("before")));
+        RySkinBinding *skin = RySkinBinding::findSkinFromNode(scene.bones()[0]);
+        skin->removeBoneBinding(skin->findBoneBinding(scene.bones()[0]));
+        skin->normalize(0, RySkinBinding::AllWeights, false);
+        QCOMPARE(save(scene, "after").filter(QStringLiteral("follow no bone")).size(), 1);
+    }
+
+private:
+    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
+
+    /// Saves, opens again and compares, saves again and compares. Gives the messages.
+    QStringList save(CharacterScene &scene, const char *name)
+    {
+        QString error;
+        QStringList messages;
+        const QString dump = rySceneDump(scene.scene);
+        [&] {
+            QVERIFY2(RySceneFile::save(&scene.scene, path(name), &error, &messages), qPrintable(error));
+            CharacterScene again(path(name));
+            QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+            QVERIFY2(RySceneFile::save(&again.scene, path("twice"), &error), qPrintable(error));
+            QVERIFY(bytesOf(path("twice")) == bytesOf(path(name)));
+            const RyValidation valid = ryValidate(path(name));
+            if (valid.available)
+                QVERIFY2(valid.errors == 0, qPrintable(valid.report));
+        }();
+        return messages;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+RY_TEST(RemovedBonesTest)
+#include "tst_removed_bones.moc"
