@@ -159,7 +159,10 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
 
 bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error)
 {
-    const double unit = scene->getDocument() ? scene->getDocument()->unitFactor() : 100.0;
+    // What came from another format is written in metres, which is what other programs take a glTF unit for.
+    constexpr double CentimetresPerMetre = 100.0;
+    const auto *source = dynamic_cast<const RyGltfSceneDocument *>(scene->getDocument());
+    const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene->getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
     return RyGltfSceneExporter::exportScene(*scene, unit)->write(path, error);
