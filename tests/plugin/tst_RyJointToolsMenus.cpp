@@ -88,14 +88,14 @@ const EnablingRow working[] = {
     {"RyJEDeleteUnusedBonesAction", "000011", figureReason},
     {"RyJESelectedNodesAttributesEditAction", "111111", ""},
     {"RyJECustomColorsAction", "111111", ""},
+    {"RyJEConvertPropToFigureAction", "111111", ""},
+    {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
 /// brought to life.
 const EnablingRow notYetWorking[] = {
-    {"RyJEConvertPropToFigureAction", "111111", ""},
-    {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
     {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},

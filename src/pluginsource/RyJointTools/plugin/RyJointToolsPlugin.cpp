@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/pane/RyBindingToSelectionMapBuilder.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEAlignActions.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"

@@ -1,9 +1,5 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEEditActions.h"
 
-RyJEConvertPropToFigureAction::RyJEConvertPropToFigureAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJEConvertFigureToPropAction::RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject) {}
-
 RyJEMirrorAction::RyJEMirrorAction() : RyJEToolAction(staticMetaObject) {}
 
 RyJEBakeRotationsAction::RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}

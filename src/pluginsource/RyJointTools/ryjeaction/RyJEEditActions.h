@@ -4,20 +4,6 @@
 
 // Actions that rework skeletons and figures.
 
-class RyJEConvertPropToFigureAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJEConvertPropToFigureAction();
-};
-
-class RyJEConvertFigureToPropAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJEConvertFigureToPropAction();
-};
-
 class RyJEMirrorAction : public RyJEToolAction
 {
     Q_OBJECT

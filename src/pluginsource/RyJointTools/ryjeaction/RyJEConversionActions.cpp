@@ -1,0 +1,66 @@
+#include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
+
+#include "pluginsource/RyJointTools/dialogs/RyConvertPropToFigureDlg.h"
+#include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RyShape.h"
+
+#include <QPointer>
+
+static bool hasGeometry(const RyNode *node)
+{
+    const RyShape *shape = RyShape::getCurrentShapeForNode(node);
+    const auto *mesh = shape ? qobject_cast<const RyFacetMesh *>(shape->getGeometry()) : nullptr;
+    return mesh && mesh->getNumVertices() > 0;
+}
+
+RyJEConvertPropToFigureAction::RyJEConvertPropToFigureAction() : RyJEToolAction(staticMetaObject)
+{
+    setEnabled(true);
+}
+
+void RyJEConvertPropToFigureAction::executeAction()
+{
+    const QPointer<RyNode> prop = ryScene()->getPrimarySelection();
+    if (!prop || qobject_cast<RySkeleton *>(prop) || qobject_cast<RyBone *>(prop) || !hasGeometry(prop)) {
+        warnOfSelection(RyJEToolAction::tr("A simple object in the scene containing geometry must be selected to continue."));
+        return;
+    }
+    // The main window that owns the dialog may go while it is open, and so may the prop.
+    const QPointer<RyConvertPropToFigureDlg> dialog = new RyConvertPropToFigureDlg(RyApp::getInterface());
+    const bool accepted = dialog->exec() == QDialog::Accepted && dialog && prop;
+    if (accepted) {
+        RyApp::startBusyCursor();
+        // Parametric figures cannot be chosen yet.
+        RyFigure::convertPropToFigure(prop, dialog->getRootBoneName(),
+                                      dialog->getRigging() == RyConvertPropToFigureDlg::Rigging::LocalMaps,
+                                      dialog->inheritsParentSkeleton());
+        RyApp::endBusyCursor();
+    }
+    delete dialog;
+}
+
+RyJEConvertFigureToPropAction::RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject)
+{
+    setEnabled(true);
+}
+
+void RyJEConvertFigureToPropAction::executeAction()
+{
+    RyNode *node = ryScene()->getPrimarySelection();
+    const auto *bone = qobject_cast<RyBone *>(node);
+    auto *skeleton = bone ? bone->getSkeleton() : qobject_cast<RySkeleton *>(node);
+    if (!skeleton || !hasGeometry(skeleton)) {
+        warnOfSelection(RyJEToolAction::tr("A figure in the scene must be selected to continue."));
+        return;
+    }
+    RyApp::startBusyCursor();
+    RySkeleton::convertFigureToProp(skeleton, skeleton->getName());
+    RyApp::endBusyCursor();
+}

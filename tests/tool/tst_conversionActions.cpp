@@ -1,0 +1,271 @@
+#include "support/RyTest.h"
+
+#include "RyMessageBoxes.h"
+#include "RyWindowScene.h"
+
+#include "pluginsource/RyJointTools/dialogs/RyConvertPropToFigureDlg.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
+#include "rycore/app/RyApp.h"
+#include "rycore/figure/RyFigure.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+#include "rycore/ui/RyNodeNameValidator.h"
+#include "rycore/ui/RyStandardMetrics.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace {
+
+const QString propWarning =
+    QStringLiteral("Selection Error|A simple object in the scene containing geometry must be selected to continue.|Ok|warning");
+const QString figureWarning = QStringLiteral("Selection Error|A figure in the scene must be selected to continue.|Ok|warning");
+
+void giveMesh(RyNode *node, int vertices)
+{
+    auto *mesh = new RyFacetMesh;
+    std::vector<RyVec3> positions;
+    for (int i = 0; i < vertices; ++i)
+        positions.emplace_back(float(i), float(i * i), 1.0f);
+    mesh->setPositions(positions);
+    if (vertices >= 3)
+        mesh->setFacets({{{0, 1, 2, -1}, -1}});
+    auto *object = new RyObject;
+    object->addShape(new RyFacetShape(mesh));
+    node->setObject(object);
+}
+
+/// The only figure besides the scene's own; null when there is none.
+RyFigure *newFigure(const RyToolScene &scene)
+{
+    for (RySkeleton *skeleton : ryScene()->getSkeletons()) {
+        if (skeleton != scene.figure)
+            return qobject_cast<RyFigure *>(skeleton);
+    }
+    return nullptr;
+}
+
+template<class Widget> Widget *child(const QWidget &dialog, const char *suffix)
+{
+    return dialog.findChild<Widget *>(QStringLiteral("ConvertPropToFigure") + QLatin1String(suffix));
+}
+
+} // namespace
+
+/// Props become figures, figures become props.
+class RyConversionActionsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void looks()
+    {
+        const RyConvertPropToFigureDlg dialog;
+        QCOMPARE(dialog.objectName(), QStringLiteral("ConvertPropToFigureDlg"));
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Convert Prop to Figure"));
+        QCOMPARE(child<QLabel>(dialog, "RootBoneLbl")->text(), QStringLiteral("Root Bone Name :"));
+        QCOMPARE(child<QLabel>(dialog, "WeightModeLbl")->text(), QStringLiteral("Rigging Type :"));
+        const auto *name = child<QLineEdit>(dialog, "RootBoneLEdit");
+        QCOMPARE(name->text(), QStringLiteral("Bone"));
+        QCOMPARE(name->placeholderText(), QStringLiteral("The name of the root bone (e.g., \"hip\")..."));
+        QVERIFY(qobject_cast<const RyNodeNameValidator *>(name->validator()));
+        const auto *modes = child<QWidget>(dialog, "RiggingModeOptionWgt");
+        QVERIFY(qobject_cast<QVBoxLayout *>(modes->layout()));
+        QStringList buttons;
+        for (const QRadioButton *button : modes->findChildren<QRadioButton *>())
+            buttons << button->objectName().mid(19) << button->text() << (button->isChecked() ? "on" : "off");
+        QCOMPARE(buttons, QStringList({"KorvexRBtn", "Korvex Weight Mapping", "on", "GeneralRBtn", "General Weight Mapping", "off",
+                                       "LegacyRBtn", "Parametric Joint Parameters", "off"}));
+        const auto *inherit = child<QCheckBox>(dialog, "InheritParentSkeletonCbx");
+        QCOMPARE(inherit->text(), QStringLiteral("Inherit Skeleton of Parent"));
+        QVERIFY(inherit->isChecked() && !name->isEnabled());
+        const auto *grid = dialog.findChild<QGridLayout *>();
+        QCOMPARE(grid->spacing(), RyStandardMetrics::Spacing);
+        QCOMPARE(grid->contentsMargins(), QMargins(4, 4, 4, 4));
+        QCOMPARE(dialog.minimumWidth(), 300);
+        QCOMPARE(dialog.minimumHeight(), dialog.maximumHeight());
+        QVERIFY(dialog.findChild<QPushButton *>("BasicDialogApplyBtn")->isHidden());
+    }
+
+    void okNeedsANameOnlyForASkeletonOfItsOwn()
+    {
+        RyConvertPropToFigureDlg dialog;
+        auto *name = child<QLineEdit>(dialog, "RootBoneLEdit");
+        auto *inherit = child<QCheckBox>(dialog, "InheritParentSkeletonCbx");
+        name->clear();
+        QVERIFY(dialog.isAcceptEnabled());
+        QCOMPARE(dialog.getRootBoneName(), QStringLiteral("Bone"));
+        inherit->click();
+        QVERIFY(name->isEnabled() && !dialog.isAcceptEnabled());
+        name->setText(QStringLiteral("hip"));
+        QVERIFY(dialog.isAcceptEnabled());
+        name->setText(QStringLiteral("a/b"));
+        QVERIFY(!dialog.isAcceptEnabled());
+        inherit->click();
+        QVERIFY(!name->isEnabled() && dialog.isAcceptEnabled());
+        QVERIFY(dialog.inheritsParentSkeleton());
+    }
+
+    void refusesWhatIsNoPropWithGeometry()
+    {
+        RyWindowScene scene;
+        auto *empty = new RyNode;
+        giveMesh(empty, 0);
+        auto *shapeless = new RyNode;
+        shapeless->setObject(new RyObject);
+        giveMesh(scene.lFoot, 3);
+        for (RyNode *node : {empty, shapeless})
+            ryScene()->addNode(node);
+        RyJEConvertPropToFigureAction action;
+        const QString before = scene.dump();
+        for (RyNode *node : {static_cast<RyNode *>(nullptr), static_cast<RyNode *>(scene.figure),
+                             static_cast<RyNode *>(scene.lFoot), scene.prop, empty, shapeless}) {
+            ryScene()->selectAllNodes(false);
+            if (node)
+                node->select(true);
+            RyMessageBoxes boxes;
+            action.trigger();
+            QCOMPARE(boxes.said, QStringList(propWarning));
+            QCOMPARE(boxes.parents, QList<QWidget *>{RyApp::getDialogParent()});
+        }
+        ryScene()->selectAllNodes(false);
+        QCOMPARE(scene.dump(), before);
+    }
+
+    void convertsAPropAndUndoesIt_data()
+    {
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<bool>("local");
+        QTest::newRow("local maps") << "ConvertPropToFigureKorvexRBtn" << true;
+        QTest::newRow("general map") << "ConvertPropToFigureGeneralRBtn" << false;
+    }
+
+    void convertsAPropAndUndoesIt()
+    {
+        QFETCH(QString, mode);
+        QFETCH(bool, local);
+        RyWindowScene scene;
+        giveMesh(scene.prop, 5);
+        scene.select(scene.prop);
+        ryUndoStack()->clearAll();
+        const QString before = scene.dump();
+        RyJEConvertPropToFigureAction action;
+        int busy = 0;
+        const QObject context;
+        connect(ryScene(), &RyScene::nodeListChanged, &context, [&] { busy = std::max(busy, RyApp::busyCursorDepth()); });
+        {
+            RyDialogDriver driver;
+            driver.setField(QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"), QStringLiteral("false"));
+            driver.setField(QStringLiteral("ConvertPropToFigureRootBoneLEdit"), QStringLiteral("root"));
+            driver.setField(mode, QStringLiteral("true"));
+            action.trigger();
+            QCOMPARE(driver.errors(), QStringList());
+        }
+        QCOMPARE(busy, 1);
+        QCOMPARE(RyApp::busyCursorDepth(), 0);
+        RyFigure *figure = newFigure(scene);
+        QVERIFY(figure);
+        QCOMPARE(int(figure->getAllBones().size()), 1);
+        QCOMPARE(figure->getAllBones().front()->getName(), QStringLiteral("root"));
+        const RyBoneBinding *binding = figure->getSkinBinding()->findBoneBinding(figure->getAllBones().front());
+        QVERIFY(binding);
+        QCOMPARE(binding->getWeights() == nullptr, local);
+        const RyWeightMap *map = local ? binding->getLocalWeights(1) : binding->getWeights();
+        for (int v = 0; v < 5; ++v)
+            QCOMPARE(map->getWeight(v), quint16(65535));
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(ryUndoStack()->count(), 1);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Convert Prop to Figure"));
+        const QString after = scene.dump();
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        ryUndoStack()->redo();
+        QCOMPARE(scene.dump(), after);
+    }
+
+    void boneJoinsTheSkeletonOfTheParent()
+    {
+        RyWindowScene scene;
+        giveMesh(scene.prop, 4);
+        scene.lFoot->addNodeChild(scene.prop, false);
+        scene.select(scene.prop);
+        const size_t bones = scene.figure->getAllBones().size();
+        RyJEConvertPropToFigureAction action;
+        RyDialogDriver driver; // nothing but OK: the box is ticked
+        action.trigger();
+        QCOMPARE(scene.figure->getAllBones().size(), bones + 1);
+        QVERIFY(scene.figure->findBone(QStringLiteral("Bone")));
+    }
+
+    void cancelChangesNothing()
+    {
+        RyWindowScene scene;
+        giveMesh(scene.prop, 4);
+        scene.select(scene.prop);
+        const QString before = scene.dump();
+        RyJEConvertPropToFigureAction action;
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Convert Prop to Figure"), QStringLiteral("Cancel"));
+        action.trigger();
+        QCOMPARE(int(driver.records().size()), 1);
+        QCOMPARE(scene.dump(), before);
+        QVERIFY(!scene.window->findChild<RyConvertPropToFigureDlg *>());
+    }
+
+    void refusesFiguresWithoutGeometry()
+    {
+        RyWindowScene scene;
+        RyJEConvertFigureToPropAction action;
+        giveMesh(scene.prop, 4);
+        for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(scene.lShin),
+                             static_cast<RyNode *>(scene.figure)}) {
+            if (scene.figure->getObject())
+                scene.figure->setObject(nullptr);
+            if (node == scene.figure)
+                giveMesh(scene.figure, 0);
+            ryScene()->selectAllNodes(false);
+            if (node)
+                node->select(true);
+            const QString before = scene.dump();
+            RyMessageBoxes boxes;
+            action.trigger();
+            QCOMPARE(boxes.said, QStringList(figureWarning));
+            QCOMPARE(scene.dump(), before);
+        }
+    }
+
+    void convertsTheFigureOfABone()
+    {
+        RyWindowScene scene;
+        giveMesh(scene.figure, 6);
+        const QString name = scene.figure->getName();
+        scene.select(scene.lShin);
+        ryUndoStack()->clearAll();
+        const QString before = scene.dump();
+        RyJEConvertFigureToPropAction action;
+        action.trigger();
+        QVERIFY(ryScene()->getSkeletons().empty());
+        const RyNode *prop = ryScene()->findNode(name);
+        QVERIFY(prop);
+        QCOMPARE(RyShape::getCurrentShapeForNode(prop)->getGeometry()->getNumVertices(), 6);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Convert Figure to Prop"));
+        QCOMPARE(ryUndoStack()->count(), 1);
+        const QString after = scene.dump();
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        ryUndoStack()->redo();
+        QCOMPARE(scene.dump(), after);
+        ryUndoStack()->undo(); // the scene of the test still knows its nodes
+    }
+};
+
+RY_TEST(RyConversionActionsTest)
+
+#include "tst_conversionActions.moc"
