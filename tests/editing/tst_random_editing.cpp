@@ -1,0 +1,56 @@
+#include "support/RyTest.h"
+
+#include "RandomEdits.h"
+
+#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/viewport/RyOffscreenContext.h"
+
+/// Thousands of edits at random with undo, redo and restore points in between: every state that was left comes back as it was.
+class RandomEditingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        if (!RyOffscreenContext::instance().makeCurrent())
+            QSKIP("no OpenGL here, which clicks and drags need");
+    }
+    void everyStateComesBack_data();
+    void everyStateComesBack();
+};
+
+void RandomEditingTest::everyStateComesBack_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<int>("edits");
+    QTest::newRow("sample") << QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb") << 3400;
+    QTest::newRow("Fox") << ryModel(QStringLiteral("Fox.glb")) << 3300;
+    QTest::newRow("CesiumMan") << ryModel(QStringLiteral("CesiumMan.glb")) << 3300;
+}
+
+void RandomEditingTest::everyStateComesBack()
+{
+    QFETCH(QString, path);
+    QFETCH(int, edits);
+    if (path.isEmpty())
+        QSKIP("the folder of characters is not here");
+    EditingStage stage(path);
+    RandomEdits random(stage, ryTestSeed());
+    for (int i = 0; i < edits; ++i) {
+        const QString wrong = random.next();
+        QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("edit %1 of seed %2: %3").arg(i).arg(ryTestSeed()).arg(wrong)));
+    }
+    const QString wrong = random.unwind();
+    QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(ryTestSeed()).arg(wrong)));
+    qInfo("%d steps, %d restore points taken, %d gone back to, %d actions refused", random.steps(), random.pointsTaken(),
+          random.restored(), random.refused());
+    QVERIFY(random.steps() > edits / 10);
+    QVERIFY(random.pointsTaken() > edits / 50);
+    QVERIFY(random.restored() > edits / 100);
+}
+
+RY_TEST(RandomEditingTest)
+
+#include "tst_random_editing.moc"
