@@ -104,7 +104,7 @@ QString RandomEdits::edit()
         return dragSomething();
     if (kind < 65)
         return runAction(quietActions[size_t(pick(int(std::size(quietActions))))]);
-    if (kind < 65)
+    if (kind < 69)
         return runAction(switches[size_t(pick(int(std::size(switches))))]);
     const QString name = QStringLiteral("bone_%1_").arg(++m_names);
     if (kind < 73) {

@@ -120,7 +120,7 @@ bool RyRestorePoints::restore(int index)
     // Who takes a restoring back is again where the command that it is named after had not been run.
     const Place back = add(wanted->caption, !wanted->wayBack, false);
     m_stack->exchangeHistory(wanted->history, [this, wanted, back] {
-        m_log.swapBack(back->mark, wanted->mark);
+        m_log.swapBack(back->mark, wanted->mark, [this](RyUndoStep &step, bool done) { m_stack->swapStep(step, done); });
         for (const std::function<void()> &putBack : wanted->kept)
             putBack();
     });

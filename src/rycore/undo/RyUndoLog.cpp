@@ -66,7 +66,7 @@ void RyUndoLog::join(Mark right)
     }
 }
 
-void RyUndoLog::swapBack(Mark from, Mark mark)
+void RyUndoLog::swapBack(Mark from, Mark mark, const std::function<void(RyUndoStep &step, bool done)> &swap)
 {
     // What has been gone back over and forth cancels out, or going back often would double the log each time.
     std::vector<Entry> way;
@@ -80,10 +80,7 @@ void RyUndoLog::swapBack(Mark from, Mark mark)
             way.push_back({entry->step, !entry->done, entry->captured});
     }
     for (const Entry &entry : way) {
-        if (entry.done)
-            entry.step->redo();
-        else
-            entry.step->undo();
+        swap(*entry.step, entry.done);
         m_entries.push_back(entry);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "rycore/undo/RyUndoStep.h"
 
+#include <functional>
 #include <list>
 #include <memory>
 
@@ -33,8 +34,9 @@ public:
     /// A step is about to be redone (`done`) or undone.
     void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done);
 
-    /// Swaps everything from `from` back to `mark`, and logs that behind the end.
-    void swapBack(Mark from, Mark mark);
+    /// Has everything from `from` back to `mark` swapped, and logs that behind the end. `swap` is given each step and whether
+    /// it is to be done or undone.
+    void swapBack(Mark from, Mark mark, const std::function<void(RyUndoStep &step, bool done)> &swap);
 
 private:
     static bool canGrow(const Entry &entry);

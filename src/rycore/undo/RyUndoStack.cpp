@@ -25,6 +25,8 @@ struct RyUndoStack::Private
     int cleanIndex = 0; // -1: no step leads back to the saved state
     bool lastClean = true;
     bool swapping = false;   // undo, redo or the revert of a cancelled hold
+    const RyUndoStep *swapped = nullptr; // while one is
+    RyUndoStep aside;        // what listeners write meanwhile and `swapped` does not hold
     bool discarding = false; // items are being deleted; what dies with them is no edit
 
     std::vector<OpenHold>::iterator findHold(int id)
@@ -127,8 +129,10 @@ bool RyUndoStack::isHoldOpen() const
 
 unsigned RyUndoStack::wants(const RyUndoKey &key)
 {
-    if (d->swapping || d->discarding || RyUndoStackSilence::isActive())
+    if (d->discarding || RyUndoStackSilence::isActive())
         return 0;
+    if (d->swapping)
+        return d->swapped && !d->swapped->contains(key) && !d->aside.contains(key) ? unsigned(Aside) : 0u;
     unsigned takers = 0;
     if (!isRecording()) {
         d->points->noteLooseChange();
@@ -142,6 +146,8 @@ unsigned RyUndoStack::wants(const RyUndoKey &key)
 
 void RyUndoStack::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers)
 {
+    if (takers & Aside)
+        d->aside.append(key, item);
     if (takers & RestorePoints)
         d->points->capture(key, item);
     if (!(takers & OpenHold))
@@ -173,16 +179,34 @@ void RyUndoStack::record(const RyUndoKey &key, const std::function<std::unique_p
         append(key, std::move(item), takers);
 }
 
+void RyUndoStack::swapStep(RyUndoStep &step, bool done)
+{
+    const QScopedValueRollback<bool> guard(d->swapping, true);
+    const QScopedValueRollback<const RyUndoStep *> swapped(d->swapped, &step);
+    if (done)
+        step.redo();
+    else
+        step.undo();
+    // A listener that answers every value with another write would never come to rest.
+    for (int pass = 0; pass < 8 && !d->aside.isEmpty(); ++pass) {
+        RyUndoStep written;
+        written.merge(d->aside);
+        written.undo();
+        step.settle();
+        const QScopedValueRollback<bool> dropping(d->discarding, true);
+        written.clear();
+    }
+    const QScopedValueRollback<bool> dropping(d->discarding, true);
+    d->aside.clear();
+}
+
 void RyUndoStack::undo()
 {
     if (!canUndo())
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(--d->index)];
     d->points->noteSwap(step, false);
-    {
-        const QScopedValueRollback<bool> guard(d->swapping, true);
-        step->undo();
-    }
+    swapStep(*step, false);
     updateClean();
     emit changed();
 }
@@ -193,10 +217,7 @@ void RyUndoStack::redo()
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(d->index++)];
     d->points->noteSwap(step, true);
-    {
-        const QScopedValueRollback<bool> guard(d->swapping, true);
-        step->redo();
-    }
+    swapStep(*step, true);
     updateClean();
     emit changed();
 }
@@ -327,12 +348,9 @@ void RyUndoStack::cancelHold(int id)
     for (auto it = hold; it != d->holds.end(); ++it)
         shares.push_back(std::exchange(it->step, std::make_shared<RyUndoStep>()));
     d->holds.erase(hold);
-    {
-        const QScopedValueRollback<bool> guard(d->swapping, true);
-        for (size_t i = shares.size(); i-- > 0;) {
-            d->points->noteSwap(shares[i], false);
-            shares[i]->undo();
-        }
+    for (size_t i = shares.size(); i-- > 0;) {
+        d->points->noteSwap(shares[i], false);
+        swapStep(*shares[i], false);
     }
     d->discard(std::move(shares));
     updateClean();

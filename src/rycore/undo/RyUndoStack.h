@@ -43,7 +43,8 @@ public:
             append(key, std::make_shared<Item>(std::forward<Args>(args)...), takers);
     }
 
-    /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo.
+    /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo. The state comes back
+    /// exactly: what listeners write meanwhile, and the step does not hold, is put back.
     void undo();
     void redo();
     bool canUndo() const;
@@ -77,7 +78,7 @@ private:
     friend class RyUndoStackHold;
     friend class RyUndoStackLock;
     /// Who keeps a change.
-    enum Taker : unsigned { OpenHold = 1, RestorePoints = 2 };
+    enum Taker : unsigned { OpenHold = 1, RestorePoints = 2, Aside = 4 };
     /// All steps, how many of them are done, and which count of done ones is the saved state (-1: none).
     struct History
     {
@@ -86,6 +87,7 @@ private:
         int cleanIndex = 0;
     };
     unsigned wants(const RyUndoKey &key);
+    void swapStep(RyUndoStep &step, bool done);
     void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers);
     /// Neither a hold is open nor a change being swapped or discarded.
     bool isIdle() const;

@@ -28,6 +28,8 @@ public:
 
     void undo();
     void redo();
+    /// Puts the values that the last `undo` or `redo` wrote in place again where a listener has changed them.
+    void settle();
 
     bool isEmpty() const { return m_entries.empty(); }
     int entryCount() const { return int(m_entries.size()); }
@@ -45,7 +47,6 @@ private:
         size_t operator()(const RyUndoKey &key) const { return qHash(quintptr(key.target)) * 31u + qHash(key.aspect); }
     };
     void prepare();
-    void settle();
 
     std::vector<Entry> m_entries;
     std::unordered_map<RyUndoKey, size_t, KeyHash> m_byKey;
