@@ -1,7 +1,7 @@
 # Whole edits with the built plug-in on characters from files.
 if(TARGET RyJointTools)
   ry_test(editing OFFSCREEN LIBS rycore ry_evaluator
-          SOURCES ${CMAKE_CURRENT_LIST_DIR}/../io/CharacterScene.cpp)
+          SOURCES ${CMAKE_CURRENT_LIST_DIR}/../io/CharacterScene.cpp TIMEOUT 2400)
   target_compile_definitions(tst_editing PRIVATE RY_PLUGIN_FILE="$<TARGET_FILE:RyJointTools>")
   add_dependencies(tst_editing RyJointTools)
 endif()

@@ -160,15 +160,16 @@ void StructuralActionsTest::savedAndReopened()
     }
     stage.select({});
     QTemporaryDir folder;
-    const QString out = folder.filePath(QStringLiteral("edited.") + QFileInfo(path).suffix());
+    // A figure without a name is called after its file.
+    const QString out = folder.filePath(QFileInfo(path).fileName());
     QString error;
     QVERIFY2(RySceneFile::save(ryScene(), out, &error), qPrintable(error));
     RyScene again;
     QVERIFY2(RySceneFile::open(&again, out, &error), qPrintable(error));
     QVERIFY(sameDumps(rySceneDump(again), stage.dump()));
-    const QString second = folder.filePath(QStringLiteral("second.") + QFileInfo(path).suffix());
-    QVERIFY2(RySceneFile::save(&again, second, &error), qPrintable(error));
-    QVERIFY(bytesOf(second).size() > 0);
+    const QByteArray bytes = bytesOf(out);
+    QVERIFY2(RySceneFile::save(&again, out, &error), qPrintable(error));
+    QVERIFY(bytes == bytesOf(out));
     const RyValidation validation = ryValidate(out);
     if (!validation.available)
         QSKIP("the glTF validator is not installed here");
