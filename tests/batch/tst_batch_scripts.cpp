@@ -55,6 +55,19 @@ private slots:
         QCOMPARE(printed.mid(std::max(0, printed.size() - expected.size())), expected);
     }
 
+    /// The tool is active, and takes what a script selects by an event that no loop delivers.
+    void actionsKnowWhatTheScriptSelected()
+    {
+        const auto result = script("Scene.setSelection(['head']);\n"
+                                   "var result = Actions.run('RyJECreateBoneAction', {JointEditorCreateBoneNameLEdit: 'horn',\n"
+                                   "    JointEditorCreateBoneLabelLEdit: 'Horn'});\n"
+                                   "if (!result.ran)\n    throw new Error(result.reason);\n",
+                                   {QStringLiteral("--report")});
+        QVERIFY2(result.code == 0, result.err.constData());
+        QCOMPARE(result.json().value(QStringLiteral("selection")).toArray(),
+                 QJsonArray{QStringLiteral("mannequin/hip/abdomen/chest/neck/head/horn")});
+    }
+
     void errorsGiveFive()
     {
         const auto result = script("var a = 1;\n\nmissing();\n", {QStringLiteral("--report")});

@@ -92,6 +92,8 @@ RyActionResult RyActionRunner::run(const QString &className)
     m_fields.clear();
     m_answers.clear();
     RyActionResult result;
+    // Tools take a new selection by an event, which no loop may have delivered yet.
+    QCoreApplication::sendPostedEvents();
     RyAction *action = m_manager ? m_manager->findAction(className) : nullptr;
     if (!action) {
         result.wrongUse = true;

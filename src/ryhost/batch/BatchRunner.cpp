@@ -18,6 +18,7 @@
 #include "ryhost/batch/BatchReport.h"
 #include "rycore/scene/RyNodeLookup.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QImageWriter>
 #include <QBuffer>
@@ -85,6 +86,8 @@ void BatchRunner::activateTool()
     RyViewTool *tool = manager.findTool(QStringLiteral("RyJointEditorTool"));
     if (tool && manager.getActiveTool() != tool)
         manager.setActiveTool(tool);
+    // It takes a new selection by an event.
+    QCoreApplication::sendPostedEvents();
 }
 
 ExitCode BatchRunner::runAction(const BatchStep &step)
