@@ -15,7 +15,7 @@
 #include "ryhost/ActionSearch.h"
 #include "ryhost/HostFiles.h"
 #include "ryhost/HostWindow.h"
-#include "ryhost/PointerDriver.h"
+#include "ryhost/demo/PointerDriver.h"
 #include "ryhost/ToolSettingsPane.h"
 #include "ryhost/menuText.h"
 
