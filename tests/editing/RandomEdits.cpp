@@ -3,6 +3,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 
@@ -25,6 +26,7 @@ const char *const attributeRows[] = {"CenterX", "CenterY", "CenterZ", "EndX", "E
 RandomEdits::RandomEdits(EditingStage &stage, unsigned seed) : m_stage(stage), m_random(seed)
 {
     m_history.dumps = {content(m_stage.dump())};
+    watch();
 }
 
 QString RandomEdits::content(const QString &dump)
@@ -218,6 +220,35 @@ QString RandomEdits::restore(int point)
     return {};
 }
 
+void RandomEdits::watch()
+{
+    const auto add = [this](QObject *object) {
+        QPointer<QObject> &watched = m_watched[object];
+        if (!watched) // new, or another one at the place of one that is gone
+            watched = object;
+    };
+    for (RyNode *node : ryScene()->getNodes())
+        add(node);
+    for (const RySkeleton *skeleton : ryScene()->getSkeletons()) {
+        const RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
+        for (RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+            add(binding);
+            for (RyWeightMap *map : binding->getAllWeightMaps())
+                add(map);
+        }
+    }
+}
+
+QStringList RandomEdits::stillAlive() const
+{
+    QStringList alive;
+    for (const auto &[address, object] : m_watched) {
+        if (object)
+            alive.append(QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(object->metaObject()->className()), object->objectName()));
+    }
+    return alive;
+}
+
 QString RandomEdits::next()
 {
     if (m_points.size() > size_t(MostPoints)) {
@@ -234,6 +265,7 @@ QString RandomEdits::next()
     const auto sums = RigChecks::allWeightSums(*ryScene());
     m_weightsMayGo = false;
     const QString doing = edit();
+    watch();
     const QString wrong = account(doing);
     if (!wrong.isEmpty())
         return wrong;

@@ -3,7 +3,10 @@
 #include "EditingStage.h"
 #include "RigChecks.h"
 
+#include <QPointer>
+
 #include <random>
+#include <unordered_map>
 
 /// Edits at random as a person could make them, with what every state must look like after undo, redo and going back to a
 /// restore point.
@@ -19,6 +22,10 @@ public:
     QString next();
     /// Undoes everything that can be undone and goes back through all restore points, comparing each state.
     QString unwind();
+
+    /// Watches the nodes, bindings and maps that there are now; `stillAlive` names those that live of all that were ever watched.
+    void watch();
+    QStringList stillAlive() const;
 
     int steps() const { return m_steps; }
     int pointsTaken() const { return m_pointsTaken; }
@@ -60,6 +67,7 @@ private:
     QString m_before;            // the dump before the edit
     int m_indexBefore = 0;
     int m_pointsBefore = 0;
+    std::unordered_map<const QObject *, QPointer<QObject>> m_watched;
     bool m_weightsMayGo = false; // of a deleted bone that no other takes them from
     int m_names = 0;
     int m_steps = 0;

@@ -36,8 +36,8 @@ void RandomEditingTest::everyStateComesBack()
     QFETCH(int, edits);
     if (path.isEmpty())
         QSKIP("the folder of characters is not here");
-    EditingStage stage(path);
-    RandomEdits random(stage, ryTestSeed());
+    auto stage = std::make_unique<EditingStage>(path);
+    RandomEdits random(*stage, ryTestSeed());
     for (int i = 0; i < edits; ++i) {
         const QString wrong = random.next();
         QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("edit %1 of seed %2: %3").arg(i).arg(ryTestSeed()).arg(wrong)));
@@ -46,6 +46,9 @@ void RandomEditingTest::everyStateComesBack()
     QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(ryTestSeed()).arg(wrong)));
     qInfo("%d steps, %d restore points taken, %d gone back to, %d actions refused", random.steps(), random.pointsTaken(),
           random.restored(), random.refused());
+    QVERIFY(!random.stillAlive().isEmpty());
+    stage.reset();
+    QCOMPARE(random.stillAlive(), QStringList());
     QVERIFY(random.steps() > edits / 10);
     QVERIFY(random.pointsTaken() > edits / 50);
     QVERIFY(random.restored() > edits / 100);
