@@ -150,6 +150,7 @@ QString RandomEdits::account(const QString &doing)
 {
     RyUndoStack *stack = ryUndoStack();
     const QString after = m_stage.dump();
+    m_present = after;
     const int points = ryRestorePoints()->count();
     if (stack->isHoldOpen())
         return doing + QStringLiteral(" left a hold open");
@@ -255,11 +256,15 @@ QString RandomEdits::next()
         ryRestorePoints()->clear();
         m_points.clear();
     }
-    if (chance(12))
+    if (chance(12)) {
+        m_present.clear();
         return moveInHistory();
-    if (!m_points.empty() && chance(4))
+    }
+    if (!m_points.empty() && chance(4)) {
+        m_present.clear();
         return restore(pick(int(m_points.size())));
-    m_before = m_stage.dump();
+    }
+    m_before = m_present.isEmpty() ? m_stage.dump() : m_present;
     m_indexBefore = ryUndoStack()->index();
     m_pointsBefore = ryRestorePoints()->count();
     const auto sums = RigChecks::allWeightSums(*ryScene());

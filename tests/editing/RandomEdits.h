@@ -65,6 +65,7 @@ private:
     History m_history;
     std::vector<Point> m_points; // newest last, in step with the stack's restore points
     QString m_before;            // the dump before the edit
+    QString m_present;           // the dump now where it is known
     int m_indexBefore = 0;
     int m_pointsBefore = 0;
     std::unordered_map<const QObject *, QPointer<QObject>> m_watched;
