@@ -34,7 +34,6 @@ namespace {
 
 const char *const SettingsGroup = "Window";
 const char *const JointEditorTool = "RyJointEditorTool";
-constexpr int MessageMilliseconds = 6000;
 
 } // namespace
 
@@ -184,11 +183,6 @@ void HostWindow::fileOpened()
     if (!getScene()->getPrimarySelection() && !figures.empty())
         figures.front()->select(true);
     m_viewport->update();
-}
-
-void HostWindow::showMessage(const QString &message)
-{
-    statusBar()->showMessage(message, MessageMilliseconds);
 }
 
 void HostWindow::setDark(bool dark)

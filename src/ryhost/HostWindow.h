@@ -37,8 +37,6 @@ public:
 public slots:
     void setDark(bool dark);
     void setWireframe(bool onOff);
-    /// A passing line in the status bar.
-    void showMessage(const QString &message);
     /// Brings docks and toolbars back to their first places.
     void resetLayout();
 

@@ -16,9 +16,12 @@
 #include <QMenu>
 #include <QPointer>
 #include <QSet>
+#include <QStatusBar>
 #include <QStatusTipEvent>
 
 namespace {
+
+constexpr int MessageMilliseconds = 6000;
 
 /// Libraries stay loaded until the last widget is gone: texts and classes that came from them lie in their memory.
 std::vector<std::unique_ptr<RyPluginManager>> &retiredPlugins()
@@ -133,6 +136,11 @@ void RyMainWindow::unloadPlugins()
     d->viewports->deleteTools();
     d->scripts.reset();
     retire(std::move(d->plugins));
+}
+
+void RyMainWindow::showMessage(const QString &message)
+{
+    statusBar()->showMessage(message, MessageMilliseconds);
 }
 
 void RyMainWindow::showStatusTip(const QString &text)

@@ -33,6 +33,10 @@ public:
     /// Shows the context menu of the active tool; nothing where it adds no items.
     void showToolMenu(const QPoint &globalPosition);
 
+public slots:
+    /// A passing line in the status bar.
+    void showMessage(const QString &message);
+
 private:
     void showStatusTip(const QString &text);
 
