@@ -58,6 +58,64 @@ private slots:
         QCOMPARE(scene.boneNames(), (QStringList{"a", "b"}));
     }
 
+    void bonesOfFiguresBelowAreTheirs()
+    {
+        FigureScene scene;
+        RyBone *hip = scene.addBone("hip", scene.figure, 100);
+        RyBone *moves = scene.addBone("moves", hip, -1);   // bound by the inner skin alone
+        RyBone *idle = scene.addBone("idle", hip, -1);     // bound there without weight
+        auto *inner = new RyFigure;
+        auto *object = new RyObject;
+        auto *innerSkin = new RySkinBinding;
+        object->addModifier(innerSkin);
+        inner->setObject(object);
+        scene.figure->addNodeChild(inner);
+        ryScene()->addNode(inner);
+        auto *own = new RyBone; // nobody binds it
+        own->setName("own");
+        inner->addNodeChild(own);
+        ryScene()->addNode(own);
+        for (RyBone *bone : {moves, idle}) {
+            auto *binding = new RyBoneBinding;
+            binding->setBone(bone);
+            auto *map = new RyWeightMap;
+            map->setAffected(4, {1}, {quint16(bone == moves ? 9 : 0)});
+            binding->setWeights(map);
+            innerSkin->addBoneBinding(binding);
+        }
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 1);
+        QCOMPARE(moves->getNodeParent(), static_cast<RyNode *>(hip));
+        QVERIFY(!ryScene()->findNode("idle"));
+        QCOMPARE(own->getNodeParent(), static_cast<RyNode *>(inner));
+        QCOMPARE(innerSkin->getNumBoneBindings(), 1);
+        QCOMPARE(innerSkin->bindings().front()->getBone(), moves);
+        // Asked for itself, the inner figure has one too many.
+        QCOMPARE(RyTransferUtility::removeUnusedBones(inner), 1);
+        QCOMPARE(inner->getNumNodeChildren(), 0);
+        QCOMPARE(innerSkin->getNumBoneBindings(), 1);
+    }
+
+    void convertedPropKeepsItsBone()
+    {
+        FigureScene scene;
+        RyBone *hip = scene.addBone("hip", scene.figure, 100);
+        auto *prop = new RyNode;
+        prop->setName("belt");
+        auto *mesh = new RyFacetMesh;
+        mesh->setPositions({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+        auto *object = new RyObject;
+        object->addShape(new RyFacetShape(mesh));
+        prop->setObject(object);
+        hip->addNodeChild(prop);
+        ryScene()->addNode(prop);
+        RyFigure *belt = RyFigure::convertPropToFigure(prop, "buckle", true, true);
+        QVERIFY(belt);
+        QCOMPARE(scene.boneNames(), (QStringList{"hip", "buckle"}));
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 0);
+        QCOMPARE(scene.boneNames(), (QStringList{"hip", "buckle"}));
+        QCOMPARE(belt->getSkinBinding()->bindings().front()->getBone(), scene.figure->findBone("buckle"));
+    }
+
     void nothingWithoutFigureOrSkin()
     {
         QCOMPARE(RyTransferUtility::removeUnusedBones(nullptr), 0);

@@ -18,20 +18,35 @@ bool hasWeights(const RyBoneBinding &binding)
     return std::any_of(maps.begin(), maps.end(), [](const RyWeightMap *map) { return map->getNumAffected() > 0; });
 }
 
+/// A figure's own skin, and those of the figures that hang on it: a bone may move the mesh of a figure below.
+std::vector<RySkinBinding *> skinsOf(const RyFigure &figure, const std::vector<RyNode *> &below)
+{
+    std::vector<RySkinBinding *> skins;
+    const auto add = [&skins](const RyNode *node) {
+        RySkinBinding *skin = RySkinBinding::findSkin(qobject_cast<const RySkeleton *>(node));
+        if (skin)
+            skins.push_back(skin);
+    };
+    add(&figure);
+    std::for_each(below.begin(), below.end(), add);
+    return skins;
+}
+
 /// The nodes of the figure's tree that stay: everything that is no bone, bones with weights, and all above either.
-std::unordered_set<const RyNode *> usedNodes(const RyFigure &figure, const RySkinBinding &skin)
+std::unordered_set<const RyNode *> usedNodes(const RyFigure &figure, const std::vector<RyNode *> &below,
+                                             const std::vector<RySkinBinding *> &skins)
 {
     std::unordered_set<const RyNode *> used{&figure};
     const auto keep = [&used](const RyNode *node) {
         for (; node && used.insert(node).second; node = node->getNodeParent()) {
         }
     };
-    for (const RyBoneBinding *binding : skin.bindings()) {
-        if (hasWeights(*binding))
-            keep(binding->getBone());
+    for (const RySkinBinding *skin : skins) {
+        for (const RyBoneBinding *binding : skin->bindings()) {
+            if (hasWeights(*binding))
+                keep(binding->getBone());
+        }
     }
-    std::vector<RyNode *> below;
-    figure.getNodeChildren(below, true);
     for (const RyNode *node : below) {
         if (!qobject_cast<const RyBone *>(node))
             keep(node);
@@ -43,16 +58,17 @@ std::unordered_set<const RyNode *> usedNodes(const RyFigure &figure, const RySki
 
 int RyTransferUtility::removeUnusedBones(RyFigure *figure)
 {
-    RySkinBinding *skin = figure ? figure->getSkinBinding() : nullptr;
-    if (!skin)
+    if (!figure || !figure->getSkinBinding())
         return 0;
-    const std::unordered_set<const RyNode *> used = usedNodes(*figure, *skin);
     std::vector<RyNode *> below;
     figure->getNodeChildren(below, true);
+    const std::vector<RySkinBinding *> skins = skinsOf(*figure, below);
+    const std::unordered_set<const RyNode *> used = usedNodes(*figure, below, skins);
     std::unordered_set<const RyNode *> unused;
     std::vector<RyNode *> tops;
     for (RyNode *node : below) {
-        if (used.count(node))
+        // Bones of a figure below are that figure's.
+        if (used.count(node) || node->getSkeleton() != figure)
             continue;
         unused.insert(node);
         if (used.count(node->getNodeParent()))
@@ -62,12 +78,14 @@ int RyTransferUtility::removeUnusedBones(RyFigure *figure)
         return 0;
 
     const RyUndoStackLock lock;
-    skin->beginEdit();
-    for (RyBoneBinding *binding : skin->boneBindingIterator()) {
-        if (unused.count(binding->getBone()))
-            skin->removeBoneBinding(binding);
+    for (RySkinBinding *skin : skins) {
+        skin->beginEdit();
+        for (RyBoneBinding *binding : skin->boneBindingIterator()) {
+            if (unused.count(binding->getBone()))
+                skin->removeBoneBinding(binding);
+        }
+        skin->finishEdit();
     }
-    skin->finishEdit();
     if (RySelectionMap *map = figure->getSelectionMap()) {
         for (int i = map->getNumPairs() - 1; i >= 0; --i) {
             if (unused.count(map->getPairNode(i)))
