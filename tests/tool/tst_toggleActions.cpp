@@ -71,6 +71,8 @@ private slots:
     void togglesWithoutTool();
     void togglesTakeTheFlag_data();
     void togglesTakeTheFlag();
+    void togglesFollowTheFlag_data();
+    void togglesFollowTheFlag();
     void togglesIgnoreTheSelection();
     void metaObjects();
 };
@@ -187,6 +189,37 @@ void RyToggleActionsTest::togglesTakeTheFlag()
     RyAction *managed = toggle.make().release();
     scene.window->getActionMgr()->addAction(managed);
     QVERIFY(managed->isChecked());
+}
+
+void RyToggleActionsTest::togglesFollowTheFlag_data()
+{
+    addToggleRows();
+}
+
+void RyToggleActionsTest::togglesFollowTheFlag()
+{
+    QFETCH(int, index);
+    const Toggle &toggle = toggles[index];
+    RyWindowScene scene;
+    const std::unique_ptr<RyAction> action = toggle.make();
+    action->init();
+    action->init(); // once more changes nothing
+    const QSignalSpy toggled(action.get(), SIGNAL(toggled(bool)));
+    // A script sets the flag: the check mark shows it, and the next click takes it back.
+    for (bool onOff : {true, false, true}) {
+        toggle.setFlag(scene.windowTool, onOff);
+        QCOMPARE(action->isChecked(), onOff);
+        QCOMPARE(toggled.count(), 0);
+    }
+    action->trigger();
+    QVERIFY(!action->isChecked());
+    QVERIFY(!toggle.flag(scene.windowTool));
+    // The flag of another tool is none of its business.
+    toggle.setFlag(scene.tool, true);
+    QVERIFY(!action->isChecked());
+    scene.window.reset();
+    action->trigger();
+    QVERIFY(action->isChecked());
 }
 
 void RyToggleActionsTest::togglesIgnoreTheSelection()

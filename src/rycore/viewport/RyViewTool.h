@@ -55,6 +55,8 @@ public:
 signals:
     void drawnDataChangeRequested();
     void statusTextChanged();
+    /// A switch that menus show, with a check mark for example, is set.
+    void optionsChanged();
 
 private:
     bool m_active = false;

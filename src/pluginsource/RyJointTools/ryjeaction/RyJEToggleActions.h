@@ -1,57 +1,49 @@
 #pragma once
 
-#include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEToggleAction.h"
 
-// Check actions, each bound to one flag of the tool.
+// Check actions, each bound to one flag of the tool. The slots stand in each class, where the host finds them by name.
 
-class RyJETogglePropagateTranslationAction : public RyJEToolAction
+class RyJETogglePropagateTranslationAction : public RyJEToggleAction
 {
     Q_OBJECT
 public:
     RyJETogglePropagateTranslationAction();
 
-    void init() override;
-
 protected slots:
-    void toggleAction(bool onOff);
-    void updateActionState(bool onOff);
+    void toggleAction(bool onOff) override { setToolFlag(onOff); }
+    void updateActionState(bool onOff) override { showFlag(onOff); }
 };
 
-class RyJEToggleViewBoneCreationAction : public RyJEToolAction
+class RyJEToggleViewBoneCreationAction : public RyJEToggleAction
 {
     Q_OBJECT
 public:
     RyJEToggleViewBoneCreationAction();
 
-    void init() override;
-
 protected slots:
-    void toggleAction(bool onOff);
-    void updateActionState(bool onOff);
+    void toggleAction(bool onOff) override { setToolFlag(onOff); }
+    void updateActionState(bool onOff) override { showFlag(onOff); }
 };
 
-class RyJEToggleAutoAlignNodeAction : public RyJEToolAction
+class RyJEToggleAutoAlignNodeAction : public RyJEToggleAction
 {
     Q_OBJECT
 public:
     RyJEToggleAutoAlignNodeAction();
 
-    void init() override;
-
 protected slots:
-    void toggleAction(bool onOff);
-    void updateActionState(bool onOff);
+    void toggleAction(bool onOff) override { setToolFlag(onOff); }
+    void updateActionState(bool onOff) override { showFlag(onOff); }
 };
 
-class RyJEToggleAutoSnapEndPointsAction : public RyJEToolAction
+class RyJEToggleAutoSnapEndPointsAction : public RyJEToggleAction
 {
     Q_OBJECT
 public:
     RyJEToggleAutoSnapEndPointsAction();
 
-    void init() override;
-
 protected slots:
-    void toggleAction(bool onOff);
-    void updateActionState(bool onOff);
+    void toggleAction(bool onOff) override { setToolFlag(onOff); }
+    void updateActionState(bool onOff) override { showFlag(onOff); }
 };

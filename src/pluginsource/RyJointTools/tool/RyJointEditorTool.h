@@ -86,9 +86,9 @@ public:
     RyJointEditorToolFrame *frame() const;
 
     bool autoAlign() const { return m_autoAlign; }
-    void setAutoAlign(bool onOff) { m_autoAlign = onOff; }
+    void setAutoAlign(bool onOff);
     bool autoSnapEndPoints() const { return m_autoSnapEndPoints; }
-    void setAutoSnapEndPoints(bool onOff) { m_autoSnapEndPoints = onOff; }
+    void setAutoSnapEndPoints(bool onOff);
 
     /// Gives the node another rotation order and announces the current node anew. Nothing for null or the same order.
     void changeRotationOrder(RyNode *node, const RyRotationOrder &order);

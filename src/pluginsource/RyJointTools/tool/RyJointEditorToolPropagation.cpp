@@ -12,9 +12,22 @@ void RyJointEditorTool::setPropagationEnabled(bool onOff)
     m_propagationEnabled = onOff;
 }
 
+void RyJointEditorTool::setAutoAlign(bool onOff)
+{
+    m_autoAlign = onOff;
+    emit optionsChanged();
+}
+
+void RyJointEditorTool::setAutoSnapEndPoints(bool onOff)
+{
+    m_autoSnapEndPoints = onOff;
+    emit optionsChanged();
+}
+
 void RyJointEditorTool::setPropagateTranslation(bool onOff)
 {
     m_propagateTranslation = onOff;
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setPropagateOrientation(bool onOff)
@@ -94,6 +107,7 @@ void RyJointEditorTool::setBoneCreationActive(bool onOff)
 {
     m_boneCreationActive = onOff;
     emit statusTextChanged();
+    emit optionsChanged();
 }
 
 bool RyJointEditorTool::boneCreationActive()
