@@ -1,8 +1,13 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEActionTable.h"
 
-#include <QCoreApplication>
+#include <QtGlobal>
 
 #include <cstring>
+
+static const char *const rotationOrderDescription =
+    QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node.");
+static const char *const rotationOrderWords =
+    QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis");
 
 static const RyJEActionText actionTexts[] = {
     {"RyJECustomColorsAction",
@@ -85,34 +90,34 @@ static const RyJEActionText actionTexts[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "remove clean up cleanup prune optimize optimise empty joints")},
     {"RyJERotationOrderXYZAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "XYZ"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJERotationOrderXZYAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "XZY"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJERotationOrderYXZAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "YXZ"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJERotationOrderYZXAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "YZX"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJERotationOrderZXYAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "ZXY"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJERotationOrderZYXAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "ZYX"),
-     QT_TRANSLATE_NOOP("RyJEToolAction", "Modifies the rotation order of the selected node."),
+     rotationOrderDescription,
      false,
-     QT_TRANSLATE_NOOP("RyJEToolAction", "euler rotation mode rotate order axis")},
+     rotationOrderWords},
     {"RyJEToggleAutoAlignNodeAction",
      QT_TRANSLATE_NOOP("RyJEToolAction", "Auto Align Node"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Enables automatic alignment of the center and end points of nodes."),

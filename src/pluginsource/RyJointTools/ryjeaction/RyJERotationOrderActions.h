@@ -1,71 +1,71 @@
 #pragma once
 
-#include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJERotationOrderAction.h"
 
-// One action for each rotation order.
+// One action for each rotation order. The slots stand in each class, where the host finds them by name.
 
-class RyJERotationOrderXYZAction : public RyJEToolAction
+class RyJERotationOrderXYZAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderXYZAction();
+    RyJERotationOrderXYZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XYZ) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };
 
-class RyJERotationOrderXZYAction : public RyJEToolAction
+class RyJERotationOrderXZYAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderXZYAction();
+    RyJERotationOrderXZYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XZY) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };
 
-class RyJERotationOrderYXZAction : public RyJEToolAction
+class RyJERotationOrderYXZAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderYXZAction();
+    RyJERotationOrderYXZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YXZ) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };
 
-class RyJERotationOrderYZXAction : public RyJEToolAction
+class RyJERotationOrderYZXAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderYZXAction();
+    RyJERotationOrderYZXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YZX) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };
 
-class RyJERotationOrderZXYAction : public RyJEToolAction
+class RyJERotationOrderZXYAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderZXYAction();
+    RyJERotationOrderZXYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZXY) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };
 
-class RyJERotationOrderZYXAction : public RyJEToolAction
+class RyJERotationOrderZYXAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderZYXAction();
+    RyJERotationOrderZYXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZYX) { followSelection(); }
 
 public slots:
-    void executeAction() override;
-    void selectionChanged();
+    void executeAction() override { setOrderOfPrimarySelection(); }
+    void selectionChanged() { enableBy(isAnyNode); }
 };

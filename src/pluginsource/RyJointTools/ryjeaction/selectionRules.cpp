@@ -3,8 +3,6 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 
-#include <QCoreApplication>
-
 const RySelectionRule isAnyNode = {[](const RyNode *primary) { return primary != nullptr; },
                                    QT_TRANSLATE_NOOP("RyJEToolAction", "Select something in the scene first.")};
 
