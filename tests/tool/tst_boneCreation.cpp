@@ -9,8 +9,10 @@
 #include "rycore/scene/RyObject.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/viewport/RyDrawStyle.h"
 
 #include <QSignalSpy>
+#include <QTranslator>
 
 namespace {
 
@@ -64,6 +66,7 @@ private slots:
     void names_data();
     void names();
     void namesUnderTheSkeleton();
+    void nameIsOfNoLanguage();
     void becomesTheLastChild();
     void needsASkeleton();
     void withoutSkin();
@@ -76,6 +79,7 @@ private slots:
     void leavesUndoAndSelectionAlone();
     void joinsAnOpenHold();
     void clickCreates();
+    void clickWithoutACamera();
     void clickUsesItsOwnViewport();
     void clickNeedsEverything_data();
     void clickNeedsEverything();
@@ -172,6 +176,25 @@ void RyBoneCreationTest::namesUnderTheSkeleton()
         names << bone->getName() << bone->getLabel();
     }
     QCOMPARE(names, QStringList({"Bone", "Bone", "Bone2", "Bone 2", "Bone3", "Bone 3"}));
+}
+
+void RyBoneCreationTest::nameIsOfNoLanguage()
+{
+    struct Translator : QTranslator
+    {
+        QString translate(const char *context, const char *text, const char *, int) const override
+        {
+            return qstrcmp(context, "RyJointEditorTool") == 0 && qstrcmp(text, "Bone") == 0 ? QStringLiteral("Knochen")
+                                                                                              : QString();
+        }
+        bool isEmpty() const override { return false; }
+    } translator;
+    RyToolScene scene;
+    QCoreApplication::installTranslator(&translator);
+    const RyBone *bone = createBoneAtClick(scene.figure, rayAt(1, 2), RyQuat());
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(bone->getName(), QStringLiteral("Bone"));
+    QCOMPARE(bone->getLabel(), QStringLiteral("Knochen"));
 }
 
 void RyBoneCreationTest::becomesTheLastChild()
@@ -378,9 +401,24 @@ void RyBoneCreationTest::clickCreates()
     QCOMPARE(scene.viewport->nodePicks, 0);
     QCOMPARE(ryUndoStack()->count(), 0);
     QVERIFY(!ryUndoStack()->isHoldOpen());
-    // It is among the bones that the next picture shows.
-    scene.viewport->grabPicture(80, 60);
-    QCOMPARE(int(scene.figure->getAllBones().size()), 6);
+    // The next pass that asks what lies where knows it.
+    QCOMPARE(scene.tool->bones().find(bone), -1);
+    scene.tool->draw(scene.viewport.get(), RyDrawStyle(RyDrawStyle::PickPass));
+    QVERIFY(scene.tool->bones().find(bone) >= 0);
+    QCOMPARE(scene.tool->bones().count(), 6);
+}
+
+void RyBoneCreationTest::clickWithoutACamera()
+{
+    RyToolScene scene;
+    scene.select(scene.lFoot);
+    scene.tool->setBoneCreationActive(true);
+    delete scene.viewport->getCamera();
+    QVERIFY(!scene.viewport->getCamera());
+    const QString before = scene.dump();
+    // The click is the tool's all the same.
+    QVERIFY(scene.press(0, QPoint(300, 200), Qt::LeftButton, Qt::ControlModifier));
+    QCOMPARE(scene.dump(), before);
 }
 
 void RyBoneCreationTest::clickUsesItsOwnViewport()

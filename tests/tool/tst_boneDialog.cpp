@@ -30,6 +30,9 @@ private slots:
     void settersAndUniqueNames();
     void applyMakesTheBone_data();
     void applyMakesTheBone();
+    void alignsWhileThereIsATool_data();
+    void alignsWhileThereIsATool();
+    void hintWithoutABone();
     void applyBindsWithoutWeights();
     void applyClearsUndoAndSelects();
     void appliesWithoutATool();
@@ -197,6 +200,65 @@ void RyBoneDialogTest::applyMakesTheBone()
     // It lies along its first axis already: aligned means not turned.
     for (int axis = 0; axis < 3; ++axis)
         QVERIFY((bone->getOrientation().multVec(RyVec3::axis(axis)) - RyVec3::axis(axis)).length() < 1e-5f);
+}
+
+void RyBoneDialogTest::alignsWhileThereIsATool_data()
+{
+    QTest::addColumn<bool>("tool");
+    QTest::addColumn<bool>("goes");
+    QTest::newRow("with a tool") << true << false;
+    QTest::newRow("tool that goes") << true << true;
+    QTest::newRow("without a tool") << false << false;
+}
+
+void RyBoneDialogTest::alignsWhileThereIsATool()
+{
+    QFETCH(bool, tool);
+    QFETCH(bool, goes);
+    RyToolScene scene;
+    auto other = std::make_unique<RyJointEditorTool>();
+    ryScene()->setSelection({scene.lFoot});
+    // A new bone lies along its first axis, so that aligning changes no value: it is an edit all the same.
+    int edits = 0;
+    QObject listener;
+    connect(ryScene(), &RyScene::nodeAdded, &listener, [&](RyNode *node) {
+        connect(node, &RyNode::riggingChanged, &listener, [&edits] { ++edits; });
+    });
+    RyFilledBoneDialog dialog(tool ? other.get() : nullptr);
+    dialog.fill(QStringLiteral("toe"), QStringLiteral("Left Toe"));
+    if (goes)
+        other.reset();
+    QVERIFY(dialog.accepts());
+    QCOMPARE(scene.lFoot->getNumNodeChildren(), 1);
+    QCOMPARE(edits, tool && !goes ? 1 : 0);
+}
+
+void RyBoneDialogTest::hintWithoutABone()
+{
+    RyToolScene scene;
+    const auto hintOf = [](const QDialog &dialog) {
+        const auto *hint = dialog.findChild<QLabel *>(QStringLiteral("JointEditorCreateBoneHintLbl"));
+        return hint && hint->isVisibleTo(&dialog) ? hint->text() : QString();
+    };
+    ryScene()->setSelection({scene.lFoot});
+    const RyFilledBoneDialog dialog;
+    const int height = dialog.maximumHeight();
+    QCOMPARE(hintOf(dialog), QString());
+    for (RyNode *node : {static_cast<RyNode *>(scene.figure), scene.prop, static_cast<RyNode *>(nullptr)}) {
+        ryScene()->setSelection({node});
+        const RyFilledBoneDialog other;
+        for (const RyFilledBoneDialog *each : {&dialog, &other}) {
+            QCOMPARE(hintOf(*each), QStringLiteral("Select a bone: the new bone continues it."));
+            QVERIFY(each->minimumHeight() > height);
+            QCOMPARE(each->maximumHeight(), each->minimumSizeHint().height());
+            QCOMPARE(each->minimumHeight(), each->maximumHeight());
+            QCOMPARE(each->minimumWidth(), 310);
+        }
+    }
+    ryScene()->setSelection({scene.lShin});
+    QCOMPARE(hintOf(dialog), QString());
+    QCOMPARE(dialog.minimumHeight(), height);
+    QCOMPARE(dialog.maximumHeight(), height);
 }
 
 void RyBoneDialogTest::applyBindsWithoutWeights()

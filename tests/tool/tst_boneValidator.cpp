@@ -36,6 +36,10 @@ private slots:
     void suffixQuestions();
     void fixesSuffixes_data();
     void fixesSuffixes();
+    void closedQuestionGoesOn();
+    void dialogGoesDuringTheQuestion_data();
+    void dialogGoesDuringTheQuestion();
+    void textsAreShownAsTheyAre();
     void conflicts_data();
     void conflicts();
 };
@@ -153,6 +157,73 @@ void RyCreateBoneValidatorTest::fixesSuffixes()
     QCOMPARE(int(scene.figure->getAllBones().size()), 5);
 }
 
+void RyCreateBoneValidatorTest::closedQuestionGoesOn()
+{
+    RyToolScene scene;
+    ryScene()->setSelection({scene.hip});
+    RyDialogDriver driver;
+    connect(&driver, &RyDialogDriver::opened, &driver, [](QDialog *box) { box->reject(); });
+    RyFilledBoneDialog dialog;
+    dialog.fill(QStringLiteral("Tail2"), QStringLiteral("Tail 3"));
+    QVERIFY(dialog.accepts());
+    QCOMPARE(int(driver.records().size()), 1);
+    QCOMPARE(driver.records()[0].title, suffixTitle);
+    QCOMPARE(scene.figure->findBone(QStringLiteral("Tail2"))->getLabel(), QStringLiteral("Tail 3"));
+}
+
+void RyCreateBoneValidatorTest::dialogGoesDuringTheQuestion_data()
+{
+    QTest::addColumn<QString>("gone");
+    QTest::newRow("the dialog") << "dialog";
+    QTest::newRow("the figure") << "figure";
+    QTest::newRow("the selection") << "selection";
+}
+
+void RyCreateBoneValidatorTest::dialogGoesDuringTheQuestion()
+{
+    QFETCH(QString, gone);
+    RyToolScene scene;
+    ryScene()->setSelection({scene.hip});
+    const QPointer<RyFilledBoneDialog> dialog = new RyFilledBoneDialog;
+    dialog->fill(QStringLiteral("Tail2"), QStringLiteral("Tail 3"));
+    RyDialogDriver driver;
+    driver.setAnswer(suffixTitle, QStringLiteral("No, Fix Mismatch"));
+    connect(&driver, &RyDialogDriver::opened, &driver, [&] {
+        if (gone == "dialog")
+            delete dialog;
+        else if (gone == "figure")
+            ryScene()->removeNode(scene.figure);
+        else
+            ryScene()->setSelection({scene.prop});
+    });
+    dialog->accept();
+    QCOMPARE(int(driver.records().size()), 1);
+    QCOMPARE(dialog.isNull(), gone == "dialog");
+    if (dialog)
+        QCOMPARE(dialog->getBoneLabel(), QStringLiteral("Tail 3"));
+    QVERIFY(!ryScene()->findNode(QStringLiteral("Tail2")));
+    delete dialog;
+}
+
+void RyCreateBoneValidatorTest::textsAreShownAsTheyAre()
+{
+    RyToolScene scene;
+    scene.figure->setLabel(QStringLiteral("<i>The</i> Figure"));
+    scene.lShin->setLabel(QStringLiteral("<b>x</b>"));
+    ryScene()->setSelection({scene.hip});
+    Qt::TextFormat format = Qt::AutoText;
+    RyDialogDriver driver;
+    connect(&driver, &RyDialogDriver::opened, &driver,
+            [&](QDialog *box) { format = qobject_cast<QMessageBox *>(box)->textFormat(); });
+    RyFilledBoneDialog dialog;
+    dialog.fill(QStringLiteral("Tail"), QStringLiteral("<b>x</b>"));
+    QVERIFY(!dialog.accepts());
+    QCOMPARE(int(driver.boxes().size()), 1);
+    QCOMPARE(driver.boxes()[0].text,
+             QStringLiteral("A bone labeled \"<b>x</b>\" already exists in \"<i>The</i> Figure\". \n\n") + one);
+    QCOMPARE(format, Qt::PlainText);
+}
+
 void RyCreateBoneValidatorTest::conflicts_data()
 {
     QTest::addColumn<QString>("name");
@@ -166,6 +237,11 @@ void RyCreateBoneValidatorTest::conflicts_data()
     QTest::newRow("label") << "Tail" << "Left Shin" << QStringList({labeled, one}) << "Tail" << "Left Shin 2";
     QTest::newRow("name") << "lShin" << "Tail" << QStringList({named, one}) << "lShin2" << "Tail";
     QTest::newRow("both") << "lShin" << "Left Shin" << QStringList({labeled, named, several}) << "lShin2" << "Left Shin 2";
+    // What is free among the bones is made unique among the top-level nodes too: there is a prop "lThigh2", "Left Thigh 2".
+    const QString labeledThigh = QStringLiteral("A bone labeled \"Left Thigh\" already exists in \"The Figure\". ");
+    const QString namedThigh = QStringLiteral("A bone named \"lThigh\" already exists in \"The Figure\". ");
+    QTest::newRow("both, and at the top") << "lThigh" << "Left Thigh" << QStringList({labeledThigh, namedThigh, several})
+                                          << "lThigh3" << "Left Thigh 3";
 }
 
 void RyCreateBoneValidatorTest::conflicts()
@@ -176,6 +252,9 @@ void RyCreateBoneValidatorTest::conflicts()
     RyToolScene scene;
     scene.figure->setLabel(QStringLiteral("The Figure"));
     scene.lShin->setLabel(QStringLiteral("Left Shin"));
+    scene.lThigh->setLabel(QStringLiteral("Left Thigh"));
+    scene.prop->setName(QStringLiteral("lThigh2"));
+    scene.prop->setLabel(QStringLiteral("Left Thigh 2"));
     ryScene()->setSelection({scene.hip});
     RyMessageBoxes boxes;
     RyFilledBoneDialog dialog;

@@ -43,6 +43,7 @@ private slots:
     void weightsWithoutAReceiver();
     void weightsWithoutAParent();
     void weightsWithoutASkeletonAbove();
+    void boneThatMovesAnotherFigure();
     void everyKindGoesToItsOwn();
     void childrenMoveUp();
     void deletesInOrder();
@@ -173,27 +174,62 @@ void RyDeleteBoneTest::weightsWithoutAParent()
 {
     RySkinnedScene scene(RySkinnedScene::General, 1);
     setWeights(scene.skin, {{0}, {5535}, {60000}, {0}, {0}});
-    moveWeightsOfDeletedBone(scene.lShin, nullptr);
+    moveWeightsOfDeletedBone(scene.skin, scene.lShin, nullptr);
     QVERIFY(!scene.binding(scene.lShin));
     QCOMPARE(ryWeightsOf(scene.binding(scene.lThigh)->getWeights()), std::vector<int>({65535}));
     const QString before = scene.dump();
-    moveWeightsOfDeletedBone(nullptr, nullptr);
-    moveWeightsOfDeletedBone(scene.lShin, scene.lThigh);
-    moveWeightsOfDeletedBone(scene.lFoot, scene.prop);
+    moveWeightsOfDeletedBone(nullptr, nullptr, nullptr);
+    moveWeightsOfDeletedBone(scene.skin, nullptr, scene.lThigh);
+    moveWeightsOfDeletedBone(scene.skin, scene.lShin, scene.lThigh); // not bound any more
+    moveWeightsOfDeletedBone(nullptr, scene.lFoot, scene.lThigh);
     QCOMPARE(scene.dump(), before);
 }
 
 void RyDeleteBoneTest::weightsWithoutASkeletonAbove()
 {
-    // The chain above a loose bone ends without a skeleton, and so without a skin: nothing to move.
-    RySkinnedScene scene;
+    // A skin goes on binding a bone that was hung below a loose one. It has a child that is bound too, but the chain above
+    // ends without a skeleton: nobody takes the weights.
+    RySkinnedScene scene(RySkinnedScene::General, 2);
+    setWeights(scene.skin, {{0, 0}, {0, 0}, {65535, 30000}, {0, 35535}, {0, 0}});
     auto *loose = new RyBone;
     ryScene()->addNode(loose);
-    scene.lFoot->getNodeParent()->removeNodeChild(scene.lFoot);
-    loose->addNodeChild(scene.lFoot);
-    const int bindings = scene.skin->getNumBoneBindings();
-    moveWeightsOfDeletedBone(scene.lFoot, loose);
-    QCOMPARE(scene.skin->getNumBoneBindings(), bindings);
+    loose->addNodeChild(scene.lShin);
+    QCOMPARE(findSkinsThatBind(scene.lShin), std::vector<RySkinBinding *>({scene.skin}));
+    deleteBone(scene.lShin);
+    QCOMPARE(scene.skin->getNumBoneBindings(), 4);
+    for (const RyBoneBinding *binding : scene.skin->bindings())
+        QVERIFY(binding->getBone());
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lFoot)->getWeights()), std::vector<int>({0, 65535}));
+    QCOMPARE(ryWeightsOf(scene.binding(scene.lThigh)->getWeights()), std::vector<int>({0, 0}));
+}
+
+void RyDeleteBoneTest::boneThatMovesAnotherFigure()
+{
+    // As after a prop became a figure that inherits the skeleton: the foot moves what the boot has for a mesh.
+    RySkinnedScene scene;
+    auto *boot = new RyFigure;
+    auto *object = new RyObject;
+    auto *skin = new RySkinBinding;
+    object->addModifier(skin);
+    boot->setObject(object);
+    scene.figure->addNodeChild(boot);
+    ryScene()->addNode(boot);
+    RyBone *lace = RyToolScene::makeBone(boot, "lace", {}, {0, 1, 0});
+    for (const auto &[bone, weight] : {std::pair(scene.lFoot, 50000), std::pair(lace, 15535), std::pair(scene.lThigh, 0)}) {
+        auto *binding = new RyBoneBinding;
+        binding->setBone(bone);
+        binding->setWeights(ryMapOf({quint16(weight)}));
+        skin->addBoneBinding(binding);
+    }
+    QCOMPARE(findSkinsThatBind(scene.lFoot), std::vector<RySkinBinding *>({scene.skin, skin}));
+    deleteBone(scene.lFoot);
+    QCOMPARE(skin->getNumBoneBindings(), 2);
+    QCOMPARE(ryWeightsOf(skin->findBoneBinding(scene.lThigh)->getWeights()), std::vector<int>({50000}));
+    QCOMPARE(ryWeightsOf(skin->findBoneBinding(lace)->getWeights()), std::vector<int>({15535}));
+    QCOMPARE(ryFaultsOf(scene.figure), QString());
+    deleteBone(lace);
+    QCOMPARE(skin->getNumBoneBindings(), 1);
+    QCOMPARE(ryWeightsOf(skin->findBoneBinding(scene.lThigh)->getWeights()), std::vector<int>({65535}));
 }
 
 void RyDeleteBoneTest::everyKindGoesToItsOwn()

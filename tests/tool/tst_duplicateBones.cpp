@@ -4,6 +4,7 @@
 #include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
+#include "pluginsource/RyJointTools/operations/hierarchyLevel.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyERCLink.h"
@@ -25,8 +26,10 @@ struct NotingAssets : RyAssetIOMgr
     {
         calls.append(QStringLiteral("load %1 locked %2").arg(isolated).arg(ryUndoStack()->isLocked()));
         RyAssetIOMgr::doScopedLoad(scope, isolated);
+        list = scope.getAssets();
     }
     void loadFinished(RyAssetLoadScope &) override { calls.append(QStringLiteral("finish")); }
+    RyAssetList *list = nullptr;
 };
 
 /// The application's asset manager for as long as it lives.
@@ -48,6 +51,7 @@ public:
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override
     {
         owner = context->parent();
+        assets = context->duplicateAssets();
         options = QStringLiteral("%1%2%3%4%5%6%7%8%9")
                       .arg(context->duplicateAssets() != nullptr)
                       .arg(context->remapAliases())
@@ -65,8 +69,13 @@ public:
             });
             connected = true;
         }
-        return fails ? new RyNode : RyBone::doDuplicateElement(context);
+        if (!fails)
+            return RyBone::doDuplicateElement(context);
+        failed = new RyNode;
+        return failed;
     }
+    const void *assets = nullptr;
+    QPointer<RyNode> failed;
     QPointer<QObject> owner;
     QString options;
     bool fails = false;
@@ -110,6 +119,8 @@ private slots:
     void runsInOrder();
     void boneThatCannotBeDuplicated();
     void unboundBone();
+    void bindingOfAnotherClass();
+    void everyFailureHasItsLine();
     void figureWithoutSkin();
     void severalFigures();
     void needsABone_data();
@@ -244,6 +255,8 @@ void RyDuplicateBonesTest::runsInOrder()
     QCOMPARE(calls, QStringList({"load 1 locked 1", "flat below hip", "deep below lFoot", "deeper below deep2",
                                  "AliasesCreated", "ERCCreated", "Resolved", "Finalized", "AssetsCleared", "finish"}));
     QCOMPARE(deep->options, QStringLiteral("111001111"));
+    QVERIFY(assets.list);
+    QCOMPARE(deep->assets, static_cast<const void *>(assets.list));
     QVERIFY(!deep->owner);
     QCOMPARE(assets.getNumOpenScopes(), 0);
     QVERIFY(!ryUndoStack()->isLocked());
@@ -258,6 +271,7 @@ void RyDuplicateBonesTest::boneThatCannotBeDuplicated()
     RyMessageLog::global().clear();
     ryScene()->setSelection({bad, scene.lThigh});
     RyJEDuplicateBonesAction().executeAction();
+    QVERIFY(!calls.filter("bad below").isEmpty() && !bad->failed);
     QCOMPARE(ryScene()->getNodes().size(), nodes + 1);
     QVERIFY(scene.figure->findBone(QStringLiteral("lThigh2")));
     const QStringList warnings = RyMessageLog::global().warnings();
@@ -284,6 +298,58 @@ void RyDuplicateBonesTest::unboundBone()
     QCOMPARE(childNames(thigh), QStringList("lShin2"));
     QVERIFY(scene.binding(thigh->getNodeChild(0)));
     QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+void RyDuplicateBonesTest::bindingOfAnotherClass()
+{
+    struct OddBinding : RyBoneBinding
+    {
+        RyElement *doDuplicateElement(RyElementDuplicateContext *) override
+        {
+            made = new RyNode;
+            ++asked;
+            return made;
+        }
+        QPointer<RyElement> made;
+        int asked = 0;
+    };
+    RySkinnedScene scene;
+    scene.skin->removeBoneBinding(scene.binding(scene.lFoot));
+    auto *odd = new OddBinding;
+    odd->setBone(scene.lFoot);
+    scene.skin->addBoneBinding(odd);
+    bool changed = false;
+    QObject listener;
+    connect(scene.skin, &RySkinBinding::skinChanged, &listener, [&] { changed = true; });
+    RyMessageLog::global().clear();
+    ryScene()->setSelection({scene.lFoot});
+    const int bindings = scene.skin->getNumBoneBindings();
+    RyJEDuplicateBonesAction().executeAction();
+    QVERIFY(scene.figure->findBone(QStringLiteral("lFoot2")));
+    QCOMPARE(odd->asked, 1);
+    QVERIFY(!odd->made);
+    QCOMPARE(scene.skin->getNumBoneBindings(), bindings);
+    QVERIFY(!changed);
+    QCOMPARE(RyMessageLog::global().warnings(), QStringList());
+}
+
+void RyDuplicateBonesTest::everyFailureHasItsLine()
+{
+    RySkinnedScene scene;
+    auto *bare = new RyFigure;
+    ryScene()->addNode(bare);
+    RyBone *its = RyToolScene::makeBone(bare, "its", {}, {0, 1, 0});
+    NotingBone *bad = makeNotingBone(scene.hip, "bad");
+    bad->fails = true;
+    RyBone *unbound = RyToolScene::makeBone(scene.hip, "unbound", {}, {0, 1, 0});
+    RyMessageLog::global().clear();
+    ryScene()->setSelection({its, bad, unbound});
+    RyJEDuplicateBonesAction().executeAction();
+    QSet<QString> lines;
+    for (const QString &warning : RyMessageLog::global().warnings())
+        lines.insert(warning.section('(', 1, 1).section(')', 0, 0));
+    QCOMPARE(RyMessageLog::global().warnings().size(), 3);
+    QCOMPARE(lines.size(), 3);
 }
 
 void RyDuplicateBonesTest::figureWithoutSkin()
@@ -389,8 +455,10 @@ void RyDuplicateBonesTest::manyBonesAtOnce()
     for (int i = 0; i < count; ++i)
         RyToolScene::makeBone(scene.hip, qPrintable(QStringLiteral("finger%1").arg(i + 1)), {}, {0, 1, 0});
     const std::vector<RyBone *> bones = scene.figure->getAllBones();
-    const QStringList failures = duplicateBones(scene.figure, bones, *RyApp::defaultAssetIOMgr());
-    QCOMPARE(failures.size(), count); // the fingers are not bound
+    const std::vector<RyDuplicateFailure> failures = duplicateBones(scene.figure, bones, *RyApp::defaultAssetIOMgr());
+    QCOMPARE(int(failures.size()), count); // the fingers are not bound
+    QCOMPARE(failures.front().reason, RyDuplicateFailure::NoBinding);
+    QCOMPARE(failures.front().bone, QStringLiteral("finger1 (RyBone)"));
     QCOMPARE(int(scene.figure->getAllBones().size()), 2 * (count + 5));
     QVERIFY(scene.figure->findBone(QStringLiteral("finger%1").arg(2 * count)));
     QCOMPARE(ryFaultsOf(scene.figure), QString());

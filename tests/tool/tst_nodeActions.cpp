@@ -3,6 +3,7 @@
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
 
+#include "pluginsource/RyJointTools/operations/hierarchyLevel.h"
 #include "pluginsource/RyJointTools/operations/reparentBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 #include "rycore/app/RyApp.h"
@@ -21,6 +22,8 @@ const QString levelWarning = QStringLiteral(
     "unexpected results. Would you like to continue?|Ok,Cancel|Ok|Cancel");
 const QString loopWarning = QStringLiteral(
     "warning|Reparenting Warning|A bone cannot become a child of itself or of a bone below it.|Ok|Ok|Ok");
+const QString otherFigureWarning = QStringLiteral(
+    "warning|Reparenting Warning|A bone cannot move to another figure: the skin of its own figure moves vertices by it.|Ok|Ok|Ok");
 const QString levelTitle = QStringLiteral("Reparenting Warning");
 
 /// Home folder with a rename script, for as long as it lives.
@@ -53,11 +56,14 @@ private slots:
     void levels();
     void reparents();
     void refusesLoops();
+    void refusesOtherSkeletons();
     void actionNeedsABoneOfAFigure_data();
     void actionNeedsABoneOfAFigure();
     void pickerOffersTheFigure();
     void actionAsksAboutLevels_data();
     void actionAsksAboutLevels();
+    void presentParentChangesNothing();
+    void picksAgainAfterARefusal();
     void actionLeavesUndoAndBindingsAlone();
     void renameRunsTheScript();
     void renameWithTheHostsScript();
@@ -148,6 +154,35 @@ void RyNodeActionsTest::refusesLoops()
     for (RyNode *below : {scene.lThigh, scene.lShin, scene.lFoot})
         reparentBone(scene.lThigh, below);
     QCOMPARE(scene.dump(), before);
+}
+
+/// A figure with a bone that hangs on a bone of the scene's figure.
+static RyBone *addWornBone(RyToolScene &scene)
+{
+    auto *worn = new RyFigure;
+    worn->setName(QStringLiteral("worn"));
+    scene.rThigh->addNodeChild(worn);
+    ryScene()->addNode(worn);
+    return RyToolScene::makeBone(worn, "wornBone", {}, {0, 1, 0});
+}
+
+void RyNodeActionsTest::refusesOtherSkeletons()
+{
+    RySkinnedScene scene;
+    RyBone *wornBone = addWornBone(scene);
+    const QString before = scene.dump();
+    for (RyNode *node : {static_cast<RyNode *>(wornBone), wornBone->getNodeParent(), scene.prop}) {
+        QCOMPARE(findReparentObstacle(scene.lFoot, node), ReparentObstacle::OtherSkeleton);
+        reparentBone(scene.lFoot, node);
+    }
+    reparentBone(wornBone, scene.rThigh);
+    QCOMPARE(scene.dump(), before);
+    // Below itself comes first, and without a skeleton there is nothing to leave.
+    QCOMPARE(findReparentObstacle(scene.rThigh, wornBone), ReparentObstacle::Loop);
+    reparentBone(wornBone, nullptr);
+    QCOMPARE(findReparentObstacle(wornBone, scene.rThigh), ReparentObstacle::None);
+    reparentBone(wornBone, scene.rThigh);
+    QCOMPARE(wornBone->getNodeParent(), static_cast<RyNode *>(scene.rThigh));
 }
 
 void RyNodeActionsTest::actionNeedsABoneOfAFigure_data()
@@ -241,6 +276,44 @@ void RyNodeActionsTest::actionAsksAboutLevels()
     QTEST(moved->getNodeParent()->getName(), "parent");
     if (answer == "Cancel")
         QCOMPARE(scene.dump(), before);
+}
+
+void RyNodeActionsTest::presentParentChangesNothing()
+{
+    RyWindowScene scene;
+    ryScene()->setSelection({scene.lThigh}); // the first of two children
+    const QString before = scene.dump();
+    RyDialogDriver driver;
+    driver.setField(QStringLiteral("NodeDlgSearchLEdit"), QStringLiteral("hip"));
+    RyJEReparentBoneAction().executeAction();
+    QCOMPARE(int(driver.records().size()), 1);
+    QCOMPARE(scene.dump(), before);
+}
+
+void RyNodeActionsTest::picksAgainAfterARefusal()
+{
+    RyWindowScene scene;
+    addWornBone(scene);
+    ryScene()->setSelection({scene.lShin});
+    RyDialogDriver driver;
+    QStringList picks = {QStringLiteral("wornBone"), QStringLiteral("lFoot"), QStringLiteral("rThigh")};
+    connect(&driver, &RyDialogDriver::opened, &driver, [&](QDialog *dialog) {
+        if (qobject_cast<QMessageBox *>(dialog))
+            return;
+        driver.setField(QStringLiteral("NodeDlgSearchLEdit"), picks.takeFirst());
+    });
+    RyJEReparentBoneAction().executeAction();
+    QCOMPARE(driver.errors(), QStringList());
+    QStringList opened;
+    for (const RyDialogRecord &record : driver.records()) {
+        opened.append(record.kind == RyDialogRecord::MessageBox
+                          ? QStringList({record.iconName(), record.title, record.text, record.buttons.join(','),
+                                         record.defaultButton, record.escapeButton})
+                                .join('|')
+                          : record.className);
+    }
+    QCOMPARE(opened, QStringList({"RyNodeDlg", otherFigureWarning, "RyNodeDlg", loopWarning, "RyNodeDlg"}));
+    QCOMPARE(scene.lShin->getNodeParent(), static_cast<RyNode *>(scene.rThigh));
 }
 
 void RyNodeActionsTest::actionLeavesUndoAndBindingsAlone()

@@ -2,10 +2,11 @@
 
 #include "RySkinnedScene.h"
 
-#include "pluginsource/RyJointTools/operations/copyBone.h"
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
+#include "pluginsource/RyJointTools/operations/createSiblingBone.h"
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "pluginsource/RyJointTools/operations/reparentBone.h"
+#include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "rycore/base/RyFloatProperty.h"
@@ -141,6 +142,8 @@ void RyStructuralActionsTest::characters()
         ryScene()->setSelection({pick()});
         RyJECreateSiblingBoneAction().executeAction();
         QCOMPARE(ryFaultsOf(figure), QString());
+        // The sibling is posed as the bone is.
+        QVERIFY(ryLargestWay(object->getDeformedPositions(), before) < size * 1e-5f);
     }
     before = object->getDeformedPositions();
     ryScene()->setSelection({pick(), pick(), pick(), pick()});

@@ -1,44 +1,54 @@
 #include "pluginsource/RyJointTools/dialogs/RyCreateBoneValidator.h"
 
+#include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
 #include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
+#include "pluginsource/RyJointTools/dialogs/runMessageBox.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 
-#include <QMessageBox>
-
-// Which button keeps name and label, and which makes their numbers agree.
-enum Answer { ContinueAnswer = 0, FixAnswer = 1, NoAnswer = -1 };
+#include <QPushButton>
 
 bool RyCreateBoneValidator::validate(RyBasicDialog *dialog)
 {
     auto *creation = qobject_cast<RyJEBoneCreationDlg *>(dialog);
     if (!creation) {
-        QMessageBox::warning(RyApp::getDialogParent(), RyJEBoneCreationDlg::tr("Unexpected Error"),
-                             RyJEBoneCreationDlg::tr("An unexpected error has occurred."), QMessageBox::Ok);
+        runMessageBox(QMessageBox::Warning, RyApp::getDialogParent(), RyJEBoneCreationDlg::tr("Unexpected Error"),
+                      RyJEBoneCreationDlg::tr("An unexpected error has occurred."), QMessageBox::Ok, QMessageBox::Ok);
         return false;
     }
-    const auto *bone = qobject_cast<const RyBone *>(ryScene()->getPrimarySelection());
-    const RySkeleton *skeleton = bone ? bone->getSkeleton() : nullptr;
+    const RyRef<RySkeleton> skeleton(findSkeletonOfSelectedBone());
     return skeleton && agreeOnNumbers(creation, skeleton) && areFree(creation, skeleton);
 }
 
-bool RyCreateBoneValidator::agreeOnNumbers(RyJEBoneCreationDlg *dialog, const RySkeleton *skeleton)
+RySkeleton *RyCreateBoneValidator::findSkeletonOfSelectedBone()
+{
+    const auto *bone = qobject_cast<const RyBone *>(ryScene()->getPrimarySelection());
+    return bone ? bone->getSkeleton() : nullptr;
+}
+
+bool RyCreateBoneValidator::agreeOnNumbers(RyJEBoneCreationDlg *dialog, const RyRef<RySkeleton> &skeleton)
 {
     const QString nameNumber = RyScene::getNameNumber(dialog->getBoneName());
     const QString labelNumber = RyScene::getNameNumber(dialog->getBoneLabel());
     if (nameNumber.isEmpty() || labelNumber.isEmpty() || nameNumber == labelNumber)
         return true;
-    const int answer = QMessageBox::question(
-        dialog, RyJEBoneCreationDlg::tr("Name/Label Suffix Mismatch"),
+    const QPointer<RyJEBoneCreationDlg> asked(dialog);
+    RyGuardedDialog<QMessageBox> box(
+        QMessageBox::Question, RyJEBoneCreationDlg::tr("Name/Label Suffix Mismatch"),
         RyJEBoneCreationDlg::tr("The suffix of the Name and Label for the new bone do not match. This can lead to "
                                 "confusion later. Would you like to continue with the existing values or fix the "
                                 "mismatch?"),
-        RyJEBoneCreationDlg::tr("Yes, Continue"), RyJEBoneCreationDlg::tr("No, Fix Mismatch"), QString(),
-        ContinueAnswer, NoAnswer);
-    if (answer != FixAnswer)
+        QMessageBox::NoButton, dialog);
+    box->setDefaultButton(box->addButton(RyJEBoneCreationDlg::tr("Yes, Continue"), QMessageBox::ActionRole));
+    const QPushButton *fix = box->addButton(RyJEBoneCreationDlg::tr("No, Fix Mismatch"), QMessageBox::ActionRole);
+    box.exec();
+    const RySkeleton *still = findSkeletonOfSelectedBone();
+    if (!asked || !box.get() || !skeleton || still != skeleton)
+        return false;
+    if (box->clickedButton() != fix)
         return true;
     fixNumbers(dialog, skeleton);
     return false;
@@ -80,7 +90,7 @@ bool RyCreateBoneValidator::areFree(RyJEBoneCreationDlg *dialog, const RySkeleto
     messages.append(messages.size() == 1
                         ? RyJEBoneCreationDlg::tr("An adjustment has been made. Verify the adjustment and try again.")
                         : RyJEBoneCreationDlg::tr("Adjustments have been made. Verify the adjustments and try again."));
-    QMessageBox::warning(dialog, RyJEBoneCreationDlg::tr("Input Error"), messages.join(QStringLiteral("\n\n")),
-                         QMessageBox::Ok);
+    runMessageBox(QMessageBox::Warning, dialog, RyJEBoneCreationDlg::tr("Input Error"),
+                  messages.join(QStringLiteral("\n\n")), QMessageBox::Ok, QMessageBox::Ok, Qt::PlainText);
     return false;
 }

@@ -1,8 +1,10 @@
 #include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyCreateBoneValidator.h"
+#include "pluginsource/RyJointTools/dialogs/addLabeledRow.h"
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
+#include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
@@ -18,12 +20,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QStyle>
+#include <QVBoxLayout>
 
 RyJEBoneCreationDlg::RyJEBoneCreationDlg(RyJointEditorTool *tool)
     : RyBasicDialog(RyApp::getInterface()), m_tool(tool),
       m_name(makeField(QStringLiteral("JointEditorCreateBoneNameLEdit"), tr("Enter the internal name..."))),
       m_label(makeField(QStringLiteral("JointEditorCreateBoneLabelLEdit"), tr("Enter the label displayed to users..."))),
-      m_order(new QComboBox(this))
+      m_order(new QComboBox(this)), m_content(new QVBoxLayout)
 {
     setObjectName(QStringLiteral("JointEditorCreateBoneDlg"));
     setWindowTitle(tr("Create Child Bone"));
@@ -38,17 +41,20 @@ RyJEBoneCreationDlg::RyJEBoneCreationDlg(RyJointEditorTool *tool)
     grid->setSpacing(style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));
     grid->setColumnStretch(0, 0);
     grid->setColumnStretch(1, 1);
-    addRow(grid, m_name, tr("Bone Name :"), QStringLiteral("JointEditorCreateBoneNameLbl"));
-    addRow(grid, m_label, tr("Bone Label :"), QStringLiteral("JointEditorCreateBoneLabelLbl"));
-    addRow(grid, m_order, tr("Rotation Order :"), QStringLiteral("JointEditorCreateBoneRotationOrderLbl"));
-    setContentLayout(grid);
+    addLabeledRow(grid, tr("Bone Name :"), QStringLiteral("JointEditorCreateBoneNameLbl"), m_name);
+    addLabeledRow(grid, tr("Bone Label :"), QStringLiteral("JointEditorCreateBoneLabelLbl"), m_label);
+    addLabeledRow(grid, tr("Rotation Order :"), QStringLiteral("JointEditorCreateBoneRotationOrderLbl"), m_order);
+    m_content->addLayout(grid);
+    setContentLayout(m_content);
     setMinimumWidth(310);
     setFixedHeight(minimumSizeHint().height());
 
     connect(m_name, SIGNAL(editingFinished()), this, SLOT(nameEditChanged()));
     connect(m_name, SIGNAL(textChanged(QString)), this, SLOT(updateAcceptState()));
     connect(m_label, SIGNAL(textChanged(QString)), this, SLOT(updateAcceptState()));
+    connect(ryScene(), &RyScene::nodeSelectionListChanged, this, &RyJEBoneCreationDlg::updateHint);
     updateAcceptState();
+    updateHint();
     setValidator(new RyCreateBoneValidator);
 }
 
@@ -60,15 +66,23 @@ QLineEdit *RyJEBoneCreationDlg::makeField(const QString &objectName, const QStri
     return field;
 }
 
-void RyJEBoneCreationDlg::addRow(QGridLayout *grid, QWidget *field, const QString &text, const QString &labelName)
+void RyJEBoneCreationDlg::updateHint()
 {
-    auto *label = new QLabel(text, this);
-    label->setObjectName(labelName);
-    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    label->setBuddy(field);
-    const int row = grid->count() / 2;
-    grid->addWidget(label, row, 0);
-    grid->addWidget(field, row, 1);
+    const bool isNeeded = !RyCreateBoneValidator::findSkeletonOfSelectedBone();
+    if (isNeeded == (m_hint != nullptr))
+        return;
+    if (isNeeded) {
+        m_hint = new QLabel(tr("Select a bone: the new bone continues it."), this);
+        m_hint->setObjectName(QStringLiteral("JointEditorCreateBoneHintLbl"));
+        m_hint->setEnabled(false); // it is no more than a remark
+        m_content->addWidget(m_hint);
+        m_hint->setVisible(true);
+    } else {
+        delete m_hint;
+        m_hint = nullptr;
+    }
+    layout()->invalidate();
+    setFixedHeight(minimumSizeHint().height());
 }
 
 QString RyJEBoneCreationDlg::getBoneName() const

@@ -2,9 +2,12 @@
 
 #include "rycore/ui/RyBasicDialog.h"
 
+#include <QPointer>
+
 class QComboBox;
-class QGridLayout;
+class QLabel;
 class QLineEdit;
+class QVBoxLayout;
 class RyJointEditorTool;
 
 /// Asks for name, label and rotation order of a bone, and on acceptance makes it a child of the primary selection and
@@ -13,7 +16,7 @@ class RyJEBoneCreationDlg : public RyBasicDialog
 {
     Q_OBJECT
 public:
-    /// A tool, which may be null, aligns the new bone.
+    /// A tool, which may be null and may go while the dialog is open, aligns the new bone.
     explicit RyJEBoneCreationDlg(RyJointEditorTool *tool);
 
     QString getBoneName() const;
@@ -32,11 +35,14 @@ private slots:
     void updateAcceptState();
 
 private:
-    void addRow(QGridLayout *grid, QWidget *field, const QString &text, const QString &labelName);
+    /// Says what to select while the primary selection is no bone, which would be refused without a word.
+    void updateHint();
     QLineEdit *makeField(const QString &objectName, const QString &placeholder);
 
-    RyJointEditorTool *m_tool;
+    QPointer<RyJointEditorTool> m_tool;
     QLineEdit *m_name;
     QLineEdit *m_label;
     QComboBox *m_order;
+    QVBoxLayout *m_content;
+    QLabel *m_hint = nullptr; // only while there is something to say
 };

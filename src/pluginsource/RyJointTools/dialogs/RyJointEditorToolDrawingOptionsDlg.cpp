@@ -1,12 +1,13 @@
 #include "pluginsource/RyJointTools/dialogs/RyJointEditorToolDrawingOptionsDlg.h"
 
+#include "pluginsource/RyJointTools/dialogs/addLabeledRow.h"
+
 #include "rycore/app/RyApp.h"
 #include "rycore/ui/RyColorWgt.h"
 #include "rycore/ui/RyIntSlider.h"
 
 #include <QComboBox>
 #include <QGridLayout>
-#include <QLabel>
 
 namespace {
 
@@ -68,13 +69,8 @@ RyJointEditorToolDrawingOptionsDlg::RyJointEditorToolDrawingOptionsDlg(RyJointEd
 void RyJointEditorToolDrawingOptionsDlg::addRow(const QString &label, const char *labelName, const char *name,
                                                 QWidget *control)
 {
-    auto *labelWidget = new QLabel(label, this);
-    labelWidget->setObjectName(QLatin1String(labelName));
-    labelWidget->setBuddy(control);
     control->setObjectName(QLatin1String(name));
-    const int row = m_grid->count() / 2;
-    m_grid->addWidget(labelWidget, row, 0, Qt::AlignRight | Qt::AlignVCenter);
-    m_grid->addWidget(control, row, 1);
+    addLabeledRow(m_grid, label, QLatin1String(labelName), control);
 }
 
 static QString spokenName(const QString &label)

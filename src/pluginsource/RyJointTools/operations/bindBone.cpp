@@ -1,9 +1,14 @@
 #include "pluginsource/RyJointTools/operations/bindBone.h"
 
+#include "pluginsource/RyJointTools/operations/normalizeWeights.h"
+
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyShape.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
+
+#include <map>
+#include <set>
 
 static int vertexCountOf(const RySkeleton *skeleton)
 {
@@ -17,11 +22,6 @@ static RyWeightMap *makeEmptyMap(int vertexCount)
     auto *map = new RyWeightMap;
     map->setNumWeights(vertexCount);
     return map;
-}
-
-static RyWeightMap *copyOf(const RyWeightMap *map)
-{
-    return map ? map->copy() : nullptr;
 }
 
 RyBoneBinding *addEmptyBoneBinding(RyBone *bone, const RyNode *parent)
@@ -47,8 +47,6 @@ RyBoneBinding *addEmptyBoneBinding(RyBone *bone, const RyNode *parent)
 /// Halves all weights of two equal maps; what cannot be halved stays with the first.
 static void shareWeights(RyWeightMap *first, RyWeightMap *second)
 {
-    if (!first)
-        return;
     const int affected = first->getNumAffected();
     const std::vector<int> indices(first->getAffectedIndices(), first->getAffectedIndices() + affected);
     std::vector<quint16> kept(first->getAffectedWeights(), first->getAffectedWeights() + affected);
@@ -66,6 +64,15 @@ RyBoneBinding *copyBoneBinding(RySkinBinding *skin, RyBone *bone, const RyBone *
     const RyBoneBinding *original = skin && bone ? skin->findBoneBinding(source) : nullptr;
     if (!original)
         return nullptr;
+    std::map<const RyWeightMap *, RyWeightMap *> copies;
+    const auto copyOf = [&copies](const RyWeightMap *map) -> RyWeightMap * {
+        if (!map)
+            return nullptr;
+        RyWeightMap *&copy = copies[map];
+        if (!copy)
+            copy = map->copy();
+        return copy;
+    };
     auto *binding = new RyBoneBinding;
     binding->setBone(bone);
     binding->setWeights(copyOf(original->getWeights()));
@@ -82,16 +89,13 @@ RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *s
     if (!binding)
         return nullptr;
     // Two full copies would outweigh the other bones of a vertex, and normalizing would make that last.
-    const RyBoneBinding *original = skin->findBoneBinding(source);
-    shareWeights(original->getWeights(), binding->getWeights());
-    shareWeights(original->getScaleWeights(), binding->getScaleWeights());
-    for (int axis = 0; axis < 3; ++axis)
-        shareWeights(original->getLocalWeights(axis), binding->getLocalWeights(axis));
+    const std::vector<RyWeightMap *> kept = skin->findBoneBinding(source)->getAllWeightMaps();
+    const std::vector<RyWeightMap *> given = binding->getAllWeightMaps();
+    std::set<const RyWeightMap *> shared;
+    for (size_t i = 0; i < kept.size(); ++i) {
+        if (shared.insert(kept[i]).second)
+            shareWeights(kept[i], given[i]);
+    }
     normalizeWeights(skin);
     return binding;
-}
-
-void normalizeWeights(RySkinBinding *skin)
-{
-    skin->normalize(0, RySkinBinding::AllWeights, false);
 }

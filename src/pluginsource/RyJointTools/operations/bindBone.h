@@ -12,13 +12,11 @@ class RySkinBinding;
 ///
 /// Returns the new binding; null without a bone and without a skin.
 RyBoneBinding *addEmptyBoneBinding(RyBone *bone, const RyNode *parent);
-/// Binds a bone with copies of the maps (general, local and scale) of the bone `source`. Bulges are not copied, and the
-/// skin is not normalized.
+/// Binds a bone with copies of the maps (general, local and scale) of the bone `source`; a map that serves as several of them has
+/// one copy, which serves as the same. Bulges are not copied, and the skin is not normalized.
 ///
 /// Returns the new binding; null for nulls and where the skin does not bind `source`.
 RyBoneBinding *copyBoneBinding(RySkinBinding *skin, RyBone *bone, const RyBone *source);
 /// The same, and then the two share what the one had, half each, so that vertices stay where they are as long as the bones
 /// move alike. Normalizes the skin.
 RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *source);
-/// All kinds of maps: where the weights of a vertex have a sum, it becomes that of full weight.
-void normalizeWeights(RySkinBinding *skin);

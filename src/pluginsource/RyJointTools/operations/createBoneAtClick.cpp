@@ -12,8 +12,9 @@
 
 static void nameAfter(RyBone *bone, const RyNode *node, const RySkeleton *skeleton)
 {
-    QString name = QCoreApplication::translate("RyJointEditorTool", "Bone");
-    QString label = name;
+    // Files and scripts know bones by their names: these are of no language.
+    QString name = QStringLiteral("Bone");
+    QString label = QCoreApplication::translate("RyJointEditorTool", "Bone");
     if (node != skeleton) {
         name = RyScene::stripNameNumber(node->objectName());
         label = RyScene::stripNameNumber(node->getLabel());

@@ -1,6 +1,6 @@
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 
-#include "pluginsource/RyJointTools/operations/bindBone.h"
+#include "pluginsource/RyJointTools/operations/normalizeWeights.h"
 
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
@@ -66,9 +66,22 @@ void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target)
     target->finishEdit();
 }
 
-void moveWeightsOfDeletedBone(RyBone *deleted, RyNode *parent)
+std::vector<RySkinBinding *> findSkinsThatBind(const RyBone *bone)
 {
-    RySkinBinding *skin = RySkinBinding::findSkinFromNode(parent ? parent : deleted);
+    std::vector<RySkinBinding *> skins;
+    const auto add = [&](RySkinBinding *skin) {
+        if (skin && skin->findBoneBinding(bone) && std::find(skins.begin(), skins.end(), skin) == skins.end())
+            skins.push_back(skin);
+    };
+    add(RySkinBinding::findSkinFromNode(bone->getNodeParent()));
+    add(RySkinBinding::findSkinFromNode(bone));
+    for (const RySkeleton *skeleton : ryScene()->getSkeletons())
+        add(RySkinBinding::findSkin(skeleton));
+    return skins;
+}
+
+void moveWeightsOfDeletedBone(RySkinBinding *skin, const RyBone *deleted, const RyNode *parent)
+{
     RyBoneBinding *binding = skin ? skin->findBoneBinding(deleted) : nullptr;
     if (!binding)
         return;
@@ -97,9 +110,11 @@ void deleteBone(RyBone *bone)
     const RySkeleton *skeleton = bone->getSkeleton();
     if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr)
         removePairs(map, bone);
+    const std::vector<RySkinBinding *> skins = findSkinsThatBind(bone);
     if (parent)
         parent->removeNodeChild(bone);
-    moveWeightsOfDeletedBone(bone, parent);
+    for (RySkinBinding *skin : skins)
+        moveWeightsOfDeletedBone(skin, bone, parent);
     for (RyNode *child : bone->nodeChildrenIterator()) {
         const RyRef<RyNode> held(child); // nobody else may hold one that is not in the scene
         bone->removeNodeChild(child);

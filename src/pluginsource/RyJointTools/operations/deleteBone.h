@@ -1,7 +1,10 @@
 #pragma once
 
+#include <vector>
+
 class RyBone;
 class RyNode;
+class RySkinBinding;
 class RyWeightMap;
 
 /// Takes a bone out of the scene: its children go to the end of its parent's, its weights to a neighbour, its pairs of
@@ -12,7 +15,10 @@ void deleteBone(RyBone *bone);
 /// Adds the weights of `source` to those of `target`, up to full weight, within an edit of it. Nothing unless both are
 /// there and have the same number of weights; works on the affected vertices alone.
 void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target);
-/// Gives all weights of a bone that left its parent to the nearest bound bone from `parent` upwards; when there is none
-/// up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a skeleton. Then the
-/// bone's binding goes and the skin is normalized. Without a parent only the latter is done, in the skin of the bone.
-void moveWeightsOfDeletedBone(RyBone *deleted, RyNode *parent);
+/// The skins that have a binding of the bone: that of its parent's skeleton first, then that of its own, then those of other
+/// figures in the scene. A figure may be moved by a bone of the skeleton that it hangs on.
+std::vector<RySkinBinding *> findSkinsThatBind(const RyBone *bone);
+/// Gives all weights that a bone, which left `parent`, has in a skin to the nearest bound bone from there upwards; when there is
+/// none up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a skeleton. Then
+/// the bone's binding goes and the skin is normalized. Nothing without a skin that binds the bone.
+void moveWeightsOfDeletedBone(RySkinBinding *skin, const RyBone *deleted, const RyNode *parent);

@@ -1,5 +1,7 @@
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
 
+#include "pluginsource/RyJointTools/operations/hierarchyLevel.h"
+
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyAssetIOMgr.h"
 #include "rycore/scene/RyAssetLoadScope.h"
@@ -54,7 +56,7 @@ public:
         auto *copy = qobject_cast<RyBone *>(element);
         if (!copy) {
             delete element;
-            failures.append(QStringLiteral("Could not duplicate bone : ") + nameAndClass(bone));
+            m_failures.push_back({RyDuplicateFailure::NoBone, nameAndClass(bone)});
             return;
         }
         copy->setName(m_names.find(bone->objectName()));
@@ -64,11 +66,12 @@ public:
         if (RyBoneBinding *binding = m_skin->findBoneBinding(bone))
             duplicateBinding(binding);
         else
-            failures.append(QStringLiteral("Could not duplicate bone binding : ") + nameAndClass(bone));
+            m_failures.push_back({RyDuplicateFailure::NoBinding, nameAndClass(bone)});
     }
 
-    QStringList failures;
-    bool changedSkin = false;
+    const std::vector<RyDuplicateFailure> &failures() const { return m_failures; }
+    /// Whether the skin has new bindings.
+    bool hasChangedSkin() const { return m_changedSkin; }
 
 private:
     void duplicateBinding(RyBoneBinding *binding)
@@ -86,32 +89,25 @@ private:
             map->finishEdit();
         }
         m_skin->addBoneBinding(copy);
-        changedSkin = true;
+        m_changedSkin = true;
     }
 
     RySkinBinding *m_skin;
     RyElementDuplicateContext &m_context;
     RyUniqueNames m_names{RyUniqueNames::Names};
     RyUniqueNames m_labels{RyUniqueNames::Labels};
+    std::vector<RyDuplicateFailure> m_failures;
+    bool m_changedSkin = false;
 };
 
 } // namespace
 
-int boneDepth(const RyNode *node)
-{
-    int depth = 1;
-    for (const RyNode *above = node ? node->getNodeParent() : nullptr;
-         above && above->getNodeParent() && !qobject_cast<const RySkeleton *>(above); above = above->getNodeParent())
-        ++depth;
-    return depth;
-}
-
-QStringList duplicateBones(RyFigure *figure, std::vector<RyBone *> bones, RyAssetIOMgr &assets)
+std::vector<RyDuplicateFailure> duplicateBones(RyFigure *figure, std::vector<RyBone *> bones, RyAssetIOMgr &assets)
 {
     const RyUndoStackLock lock;
     RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure);
     if (!skin)
-        return {QStringLiteral("Figure with no skin")};
+        return {{RyDuplicateFailure::NoSkin, QString()}};
     std::stable_sort(bones.begin(), bones.end(),
                      [](const RyBone *a, const RyBone *b) { return boneDepth(a) < boneDepth(b); });
     RyAssetLoadScope scope;
@@ -128,7 +124,7 @@ QStringList duplicateBones(RyFigure *figure, std::vector<RyBone *> bones, RyAsse
     context->doFinalize();
     context->clearDuplicateAssets();
     scope.finishLoad();
-    if (duplicator.changedSkin)
+    if (duplicator.hasChangedSkin())
         skin->reduceWeightMemory();
-    return duplicator.failures;
+    return duplicator.failures();
 }

@@ -3,35 +3,19 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
-static const RyNode *parentOf(const RyNode *node)
+ReparentObstacle findReparentObstacle(const RyBone *bone, const RyNode *newParent)
 {
-    return node ? node->getNodeParent() : nullptr;
-}
-
-static bool isSkeleton(const RyNode *node)
-{
-    return qobject_cast<const RySkeleton *>(node) != nullptr;
-}
-
-bool areAtTheSameLevel(const RyNode *oldParent, const RyNode *newParent)
-{
-    const RyNode *a = parentOf(oldParent);
-    const RyNode *b = parentOf(newParent);
-    while (a && b && a != b && !isSkeleton(a) && !isSkeleton(b)) {
-        a = parentOf(a);
-        b = parentOf(b);
-    }
-    return a == b;
-}
-
-bool canHangBelow(const RyBone *bone, const RyNode *newParent)
-{
-    return !newParent || (newParent != bone && !newParent->isDescendantOf(bone));
+    if (!newParent)
+        return ReparentObstacle::None;
+    if (newParent == bone || newParent->isDescendantOf(bone))
+        return ReparentObstacle::Loop;
+    const RySkeleton *skeleton = bone->getSkeleton();
+    return skeleton && newParent->getSkeleton() != skeleton ? ReparentObstacle::OtherSkeleton : ReparentObstacle::None;
 }
 
 void reparentBone(RyBone *bone, RyNode *newParent)
 {
-    if (!bone || !canHangBelow(bone, newParent))
+    if (!bone || findReparentObstacle(bone, newParent) != ReparentObstacle::None)
         return;
     const RyRef<RyBone> held(bone); // between its parents nobody else may hold it
     if (RyNode *oldParent = bone->getNodeParent())

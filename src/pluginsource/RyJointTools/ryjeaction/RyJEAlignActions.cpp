@@ -3,7 +3,7 @@
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
-#include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
 
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
@@ -36,7 +36,7 @@ void RyJEAlignNodeAction::selectionChanged()
 
 void RyJEAlignNodeAction::executeAction()
 {
-    runOnPrimarySelection(alignNode, RyJEToolAction::tr("Align Node"));
+    runOnPrimarySelection(alignNode, text());
 }
 
 RyJEAlignAllBonesAction::RyJEAlignAllBonesAction() : RyJEToolAction(staticMetaObject)
@@ -62,7 +62,7 @@ void RyJEAlignAllBonesAction::executeAction()
     for (RyNode *child : skeleton->nodeChildrenIterator())
         aligned |= alignBranch(child);
     if (aligned)
-        hold.accept(RyJEToolAction::tr("Align All Bones"));
+        hold.accept(text());
     else
         hold.cancel();
 }
@@ -79,7 +79,7 @@ void RyJESnapCenterPointAction::selectionChanged()
 
 void RyJESnapCenterPointAction::executeAction()
 {
-    runOnPrimarySelection(snapCenterPoint, RyJEToolAction::tr("Snap Center Point"));
+    runOnPrimarySelection(snapCenterPoint, text());
 }
 
 RyJESnapEndPointAction::RyJESnapEndPointAction() : RyJEToolAction(staticMetaObject)
@@ -94,5 +94,5 @@ void RyJESnapEndPointAction::selectionChanged()
 
 void RyJESnapEndPointAction::executeAction()
 {
-    runOnPrimarySelection(snapEndPoint, RyJEToolAction::tr("Snap End Point"));
+    runOnPrimarySelection(snapEndPoint, text());
 }

@@ -1,7 +1,8 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyConvertPropToFigureDlg.h"
-#include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
+#include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
@@ -33,17 +34,15 @@ void RyJEConvertPropToFigureAction::executeAction()
         return;
     }
     // The main window that owns the dialog may go while it is open, and so may the prop.
-    const QPointer<RyConvertPropToFigureDlg> dialog = new RyConvertPropToFigureDlg(RyApp::getInterface());
-    const bool accepted = dialog->exec() == QDialog::Accepted && dialog && prop;
-    if (accepted) {
-        RyApp::startBusyCursor();
-        // Parametric figures cannot be chosen yet.
-        RyFigure::convertPropToFigure(prop, dialog->getRootBoneName(),
-                                      dialog->getRigging() == RyConvertPropToFigureDlg::Rigging::LocalMaps,
-                                      dialog->inheritsParentSkeleton());
-        RyApp::endBusyCursor();
-    }
-    delete dialog;
+    RyGuardedDialog<RyConvertPropToFigureDlg> dialog(RyApp::getInterface());
+    if (dialog.exec() != QDialog::Accepted || !prop)
+        return;
+    RyApp::startBusyCursor();
+    // Parametric figures cannot be chosen yet.
+    RyFigure::convertPropToFigure(prop, dialog->getRootBoneName(),
+                                  dialog->getRigging() == RyConvertPropToFigureDlg::Rigging::LocalMaps,
+                                  dialog->inheritsParentSkeleton());
+    RyApp::endBusyCursor();
 }
 
 RyJEConvertFigureToPropAction::RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject)

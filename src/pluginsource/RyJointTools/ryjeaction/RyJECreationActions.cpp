@@ -1,14 +1,17 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 
+#include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
 #include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
-#include "pluginsource/RyJointTools/operations/copyBone.h"
+#include "pluginsource/RyJointTools/operations/createSiblingBone.h"
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
+#include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
-#include "pluginsource/RyJointTools/ryjeaction/warnOfSelection.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
@@ -35,7 +38,13 @@ void RyJECreateBoneAction::executeAction()
         informOfSelection(RyJEToolAction::tr("A skeleton or bone must be selected to continue."));
         return;
     }
-    RyJEBoneCreationDlg(tool).exec();
+    RyGuardedDialog<RyJEBoneCreationDlg>(tool).exec();
+}
+
+static void saySkinIsMissing()
+{
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(RyJEToolAction::tr("Nothing done: select a bone of a figure that has a skin."));
 }
 
 RyJECreateSiblingBoneAction::RyJECreateSiblingBoneAction() : RyJEToolAction(staticMetaObject)
@@ -50,7 +59,8 @@ void RyJECreateSiblingBoneAction::selectionChanged()
 
 void RyJECreateSiblingBoneAction::executeAction()
 {
-    createSiblingBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
+    if (!createSiblingBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection())))
+        saySkinIsMissing();
 }
 
 namespace {
@@ -77,6 +87,25 @@ std::vector<FigureBones> selectedBonesByFigure()
     return list;
 }
 
+/// Every reason has its own line of this file.
+void logFailure(const RyDuplicateFailure &failure)
+{
+    const auto log = [](int line, const QString &message) {
+        RyMessageLog::global().warning(ryDeveloperMessage(__FILE__, line, message));
+    };
+    switch (failure.reason) {
+    case RyDuplicateFailure::NoSkin:
+        log(__LINE__, QStringLiteral("Figure with no skin"));
+        break;
+    case RyDuplicateFailure::NoBone:
+        log(__LINE__, QStringLiteral("Could not duplicate bone : ") + failure.bone);
+        break;
+    case RyDuplicateFailure::NoBinding:
+        log(__LINE__, QStringLiteral("Could not duplicate bone binding : ") + failure.bone);
+        break;
+    }
+}
+
 } // namespace
 
 RyJEDuplicateBonesAction::RyJEDuplicateBonesAction() : RyJEToolAction(staticMetaObject)
@@ -100,8 +129,8 @@ void RyJEDuplicateBonesAction::executeAction()
         return;
     }
     for (const FigureBones &each : selection) {
-        for (const QString &failure : duplicateBones(each.figure, each.bones, *assets))
-            RyMessageLog::global().warning(ryDeveloperMessage(__FILE__, __LINE__, failure));
+        for (const RyDuplicateFailure &failure : duplicateBones(each.figure, each.bones, *assets))
+            logFailure(failure);
     }
 }
 
@@ -117,7 +146,8 @@ void RyJESplitBoneAction::selectionChanged()
 
 void RyJESplitBoneAction::executeAction()
 {
-    splitBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
+    if (!splitBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection())))
+        saySkinIsMissing();
 }
 
 RyJECreateDonorFigureAction::RyJECreateDonorFigureAction() : RyJEToolAction(staticMetaObject) {}

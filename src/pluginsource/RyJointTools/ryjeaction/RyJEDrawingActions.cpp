@@ -1,9 +1,8 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
 
+#include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
 #include "pluginsource/RyJointTools/dialogs/RyJointEditorToolDrawingOptionsDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
-
-#include <QPointer>
 
 RyJECustomColorsAction::RyJECustomColorsAction() : RyJEToolAction(staticMetaObject)
 {
@@ -12,11 +11,6 @@ RyJECustomColorsAction::RyJECustomColorsAction() : RyJEToolAction(staticMetaObje
 
 void RyJECustomColorsAction::executeAction()
 {
-    RyJointEditorTool *tool = findJointEditorTool();
-    if (!tool)
-        return;
-    // The main window that owns the dialog may go while it is open.
-    const QPointer<RyJointEditorToolDrawingOptionsDlg> dialog = new RyJointEditorToolDrawingOptionsDlg(tool);
-    dialog->exec();
-    delete dialog;
+    if (RyJointEditorTool *tool = findJointEditorTool())
+        RyGuardedDialog<RyJointEditorToolDrawingOptionsDlg>(tool).exec();
 }

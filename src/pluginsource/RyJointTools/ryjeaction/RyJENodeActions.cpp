@@ -1,7 +1,11 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 
+#include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
 #include "pluginsource/RyJointTools/dialogs/RyJESelectedNodesAttributesEditDlg.h"
+#include "pluginsource/RyJointTools/dialogs/runMessageBox.h"
+#include "pluginsource/RyJointTools/operations/hierarchyLevel.h"
 #include "pluginsource/RyJointTools/operations/reparentBone.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/app/RyApp.h"
@@ -11,8 +15,6 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/ui/RyNodeDlg.h"
-
-#include <QMessageBox>
 
 RyJERenameNodeAction::RyJERenameNodeAction() : RyJEToolAction(staticMetaObject)
 {
@@ -32,47 +34,92 @@ void RyJERenameNodeAction::executeAction()
         script.execute();
 }
 
-/// Whether a bone may go from one parent to the other; asks where that changes its level.
-static bool allowsReparenting(const RyBone *bone, const RyNode *newParent)
-{
-    const QString title = RyJEToolAction::tr("Reparenting Warning");
-    if (!canHangBelow(bone, newParent)) {
-        QMessageBox::warning(RyApp::getInterface(), title,
-                             RyJEToolAction::tr("A bone cannot become a child of itself or of a bone below it."),
-                             QMessageBox::Ok);
-        return false;
-    }
-    if (areAtTheSameLevel(bone->getNodeParent(), newParent))
-        return true;
-    return QMessageBox::warning(RyApp::getInterface(), title,
-                                RyJEToolAction::tr("The bone you have selected is not at the same level in the "
-                                                   "hierarchy. This can have unexpected results. Would you like to "
-                                                   "continue?"),
-                                QMessageBox::Ok | QMessageBox::Cancel)
-        == QMessageBox::Ok;
-}
-
 RyJEReparentBoneAction::RyJEReparentBoneAction() : RyJEToolAction(staticMetaObject)
 {
     setEnabled(true);
 }
 
+namespace {
+
+QMessageBox::StandardButton warnOfReparenting(const QString &text, QMessageBox::StandardButtons buttons)
+{
+    return runMessageBox(QMessageBox::Warning, RyApp::getInterface(), RyJEToolAction::tr("Reparenting Warning"), text,
+                         buttons, QMessageBox::Ok);
+}
+
+/// A bone that gets another parent. While dialogs are open it, its figure and the parent may leave the scene.
+class Reparenting
+{
+public:
+    explicit Reparenting(RyBone *bone) : m_bone(bone), m_skeleton(bone->getSkeleton()) {}
+
+    /// Lets pick again after a parent that cannot be.
+    void run()
+    {
+        while (pickParent()) {
+            if (m_parent == m_bone->getNodeParent())
+                return;
+            const ReparentObstacle obstacle = findReparentObstacle(m_bone, m_parent);
+            if (obstacle == ReparentObstacle::None) {
+                if (agreesToLevel())
+                    reparentBone(m_bone, m_parent);
+                return;
+            }
+            const QString reason = obstacle == ReparentObstacle::Loop
+                ? RyJEToolAction::tr("A bone cannot become a child of itself or of a bone below it.")
+                : RyJEToolAction::tr("A bone cannot move to another figure: the skin of its own figure moves vertices by it.");
+            if (warnOfReparenting(reason, QMessageBox::Ok) != QMessageBox::Ok)
+                return;
+        }
+    }
+
+private:
+    bool isThere() const
+    {
+        return m_bone && m_skeleton && m_bone->getScene() == ryScene() && m_bone->getSkeleton() == m_skeleton;
+    }
+
+    /// False when the picker was cancelled and when what it is about has gone.
+    bool pickParent()
+    {
+        if (!isThere())
+            return false;
+        RyGuardedDialog<RyNodeDlg> picker(RyApp::getInterface(), m_skeleton.get(), QStringLiteral("RyNode"), true, true, false);
+        if (picker.exec() != QDialog::Accepted || !isThere())
+            return false;
+        m_parent = picker->getNode();
+        return isParentThere();
+    }
+
+    bool isParentThere() const { return m_parent && m_parent->getScene() == ryScene(); }
+
+    bool agreesToLevel() const
+    {
+        if (areAtTheSameLevel(m_bone->getNodeParent(), m_parent))
+            return true;
+        const auto answer = warnOfReparenting(
+            RyJEToolAction::tr("The bone you have selected is not at the same level in the hierarchy. This can have "
+                               "unexpected results. Would you like to continue?"),
+            QMessageBox::Ok | QMessageBox::Cancel);
+        return answer == QMessageBox::Ok && isThere() && isParentThere();
+    }
+
+    RyRef<RyBone> m_bone;
+    RyRef<RySkeleton> m_skeleton;
+    RyRef<RyNode> m_parent;
+};
+
+} // namespace
+
 void RyJEReparentBoneAction::executeAction()
 {
     RyNode *primary = ryScene()->getPrimarySelection();
-    auto *bone = qobject_cast<RyBone *>(primary);
-    if (!isBoneOfFigure(primary)) {
-        QMessageBox::warning(RyApp::getInterface(), RyJEToolAction::tr("Selection Error"),
-                             RyJEToolAction::tr("A bone from a weight mapped figure must be selected to continue."),
-                             QMessageBox::Ok);
-        return;
+    if (isBoneOfFigure(primary)) {
+        Reparenting(qobject_cast<RyBone *>(primary)).run();
+    } else {
+        warnOfSelection(RyJEToolAction::tr("A bone from a weight mapped figure must be selected to continue."),
+                        RyApp::getInterface());
     }
-    RyNodeDlg picker(RyApp::getInterface(), bone->getSkeleton(), QStringLiteral("RyNode"), true, true, false);
-    if (picker.exec() != QDialog::Accepted)
-        return;
-    RyNode *newParent = picker.getNode();
-    if (allowsReparenting(bone, newParent))
-        reparentBone(bone, newParent);
 }
 
 RyJESelectedNodesAttributesEditAction::RyJESelectedNodesAttributesEditAction() : RyJEToolAction(staticMetaObject)
@@ -83,5 +130,5 @@ RyJESelectedNodesAttributesEditAction::RyJESelectedNodesAttributesEditAction() :
 
 void RyJESelectedNodesAttributesEditAction::executeAction()
 {
-    RyJESelectedNodesAttributesEditDlg().exec();
+    RyGuardedDialog<RyJESelectedNodesAttributesEditDlg>().exec();
 }

@@ -4,15 +4,17 @@
 #include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/operations/bindBone.h"
-#include "pluginsource/RyJointTools/operations/copyBone.h"
+#include "pluginsource/RyJointTools/operations/createSiblingBone.h"
+#include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <QSignalSpy>
+#include <QStatusBar>
 
 /// Sibling bones and split bones.
-class RyCopyBoneTest : public QObject
+class RySiblingAndSplitTest : public QObject
 {
     Q_OBJECT
 
@@ -20,15 +22,19 @@ private slots:
     void siblingTakesOverEverything();
     void siblingSharesTheWeights_data();
     void siblingSharesTheWeights();
+    void siblingOfAPosedBone_data();
+    void siblingOfAPosedBone();
     void siblingOrder();
     void siblingOfAnUnboundBone();
     void nothingToCopy_data();
     void nothingToCopy();
     void copiesOnlyTheMapsThatAreThere();
+    void sharedMapIsHalvedOnce();
     void splitPlaces();
     void splitMovesBoneChildrenInReverse();
     void splitMovesNoVertex_data();
     void splitMovesNoVertex();
+    void splitOfAScaledBone();
     void splitOfABoneWithoutLength();
     void splitManyTimes();
     void actionsLeaveUndoAndSelectionAlone();
@@ -36,7 +42,7 @@ private slots:
     void enabling();
 };
 
-void RyCopyBoneTest::siblingTakesOverEverything()
+void RySiblingAndSplitTest::siblingTakesOverEverything()
 {
     RySkinnedScene scene;
     RyBone *source = scene.lShin;
@@ -58,7 +64,7 @@ void RyCopyBoneTest::siblingTakesOverEverything()
     QCOMPARE(sibling->getLabel(), QStringLiteral("Left Shin 2"));
     QCOMPARE(sibling->getRotationOrder().order(), 4);
     QVERIFY(!sibling->inheritsScale());
-    QVERIFY(!sibling->isPosed());
+    QCOMPARE(sibling->getXRotControl()->getValue(), 20.0f);
     for (bool byDefault : {false, true}) {
         QCOMPARE(sibling->getOrigin(byDefault), RyVec3(1, 2, 3));
         QCOMPARE(sibling->getEndPoint(byDefault), RyVec3(4, 5, 6));
@@ -69,7 +75,7 @@ void RyCopyBoneTest::siblingTakesOverEverything()
     QCOMPARE(ryFaultsOf(scene.figure), QString());
 }
 
-void RyCopyBoneTest::siblingSharesTheWeights_data()
+void RySiblingAndSplitTest::siblingSharesTheWeights_data()
 {
     QTest::addColumn<int>("maps");
     QTest::newRow("general") << int(RySkinnedScene::General);
@@ -77,7 +83,7 @@ void RyCopyBoneTest::siblingSharesTheWeights_data()
     QTest::newRow("both") << int(RySkinnedScene::Both);
 }
 
-void RyCopyBoneTest::siblingSharesTheWeights()
+void RySiblingAndSplitTest::siblingSharesTheWeights()
 {
     QFETCH(int, maps);
     RySkinnedScene scene{RySkinnedScene::Maps(maps)};
@@ -107,7 +113,41 @@ void RyCopyBoneTest::siblingSharesTheWeights()
     QCOMPARE(ryFaultsOf(scene.figure), QString());
 }
 
-void RyCopyBoneTest::siblingOrder()
+void RySiblingAndSplitTest::siblingOfAPosedBone_data()
+{
+    siblingSharesTheWeights_data();
+}
+
+void RySiblingAndSplitTest::siblingOfAPosedBone()
+{
+    QFETCH(int, maps);
+    RySkinnedScene scene{RySkinnedScene::Maps(maps)};
+    scene.pose();
+    for (RyBone *bone : {scene.hip, scene.lThigh, scene.lFoot}) {
+        bone->getXTransControl()->setValue(3);
+        bone->getYRotControl()->setValue(-25);
+        bone->getScaleControl()->setValue(1.25f);
+        bone->getZScaleControl()->setValue(0.8f);
+        bone->getZRotControl()->setMin(-10);
+        bone->getZRotControl()->setMax(10);
+        bone->getZRotControl()->setIsClamped(true);
+        const std::vector<RyVec3> before = scene.shown();
+        const RyBone *sibling = createSiblingBone(bone);
+        QVERIFY(sibling);
+        QVERIFY(ryLargestWay(scene.shown(), before) < 1e-3f);
+        // It does move vertices: the check above is not one of a bone without weights.
+        sibling->getXRotControl()->setValue(sibling->getXRotControl()->getValue() + 30);
+        QVERIFY(ryLargestWay(scene.shown(), before) > 1.0f);
+        sibling->getXRotControl()->setValue(bone->getXRotControl()->getValue());
+        // Limits stay the bone's own.
+        QVERIFY(!sibling->getZRotControl()->isClamped());
+        const RyRef<RyBone> fresh(new RyBone);
+        QCOMPARE(sibling->getZRotControl()->getMax(), fresh->getZRotControl()->getMax());
+        QCOMPARE(sibling->getXTransControl()->getDefaultValue(), 0.0f);
+    }
+}
+
+void RySiblingAndSplitTest::siblingOrder()
 {
     RySkinnedScene scene;
     QStringList calls;
@@ -123,7 +163,7 @@ void RyCopyBoneTest::siblingOrder()
     QCOMPARE(calls, QStringList({"lShin2 added", "child", "skin"}));
 }
 
-void RyCopyBoneTest::siblingOfAnUnboundBone()
+void RySiblingAndSplitTest::siblingOfAnUnboundBone()
 {
     RySkinnedScene scene;
     scene.skin->removeBoneBinding(scene.binding(scene.lFoot));
@@ -139,7 +179,7 @@ void RyCopyBoneTest::siblingOfAnUnboundBone()
     QCOMPARE(ryFaultsOf(scene.figure), QString());
 }
 
-void RyCopyBoneTest::nothingToCopy_data()
+void RySiblingAndSplitTest::nothingToCopy_data()
 {
     QTest::addColumn<QString>("selected");
     QTest::newRow("nothing") << "";
@@ -149,7 +189,7 @@ void RyCopyBoneTest::nothingToCopy_data()
     QTest::newRow("a bone without skeleton") << "loose";
 }
 
-void RyCopyBoneTest::nothingToCopy()
+void RySiblingAndSplitTest::nothingToCopy()
 {
     QFETCH(QString, selected);
     RySkinnedScene scene;
@@ -164,8 +204,13 @@ void RyCopyBoneTest::nothingToCopy()
         ryScene()->setSelection({ryScene()->findNode(selected)});
     RyMessageBoxes boxes;
     const QString before = scene.dump();
+    // They do nothing, but say what they would need.
+    const QString hint = QStringLiteral("Nothing done: select a bone of a figure that has a skin.");
     RyJECreateSiblingBoneAction().executeAction();
+    QCOMPARE(scene.window->statusBar()->currentMessage(), hint);
+    scene.window->statusBar()->clearMessage();
     RyJESplitBoneAction().executeAction();
+    QCOMPARE(scene.window->statusBar()->currentMessage(), hint);
     QCoreApplication::processEvents();
     QCOMPARE(boxes.facts, QStringList());
     QCOMPARE(scene.dump(), before);
@@ -180,7 +225,7 @@ void RyCopyBoneTest::nothingToCopy()
     QCOMPARE(scene.dump(), before);
 }
 
-void RyCopyBoneTest::copiesOnlyTheMapsThatAreThere()
+void RySiblingAndSplitTest::copiesOnlyTheMapsThatAreThere()
 {
     RySkinnedScene scene(RySkinnedScene::General, 3);
     while (scene.skin->getNumBoneBindings() > 0)
@@ -209,7 +254,28 @@ void RyCopyBoneTest::copiesOnlyTheMapsThatAreThere()
     QCOMPARE(ryWeightsOf(half->getLocalWeights(1)), std::vector<int>({32767, 0, 32767}));
 }
 
-void RyCopyBoneTest::splitPlaces()
+void RySiblingAndSplitTest::sharedMapIsHalvedOnce()
+{
+    RySkinnedScene scene(RySkinnedScene::Local, 2);
+    RyBoneBinding *binding = scene.binding(scene.hip);
+    RyWeightMap *map = ryMapOf({65535, 4001});
+    for (int axis = 0; axis < 3; ++axis)
+        binding->setLocalWeights(map, axis);
+    for (RyBone *bone : {scene.lThigh, scene.lShin, scene.lFoot, scene.rThigh}) {
+        for (int axis = 0; axis < 3; ++axis)
+            scene.binding(bone)->setLocalWeights(ryMapOf({0, quint16(bone == scene.lFoot ? 65535 - 4001 : 0)}), axis);
+    }
+    const RyBoneBinding *sibling = scene.binding(createSiblingBone(scene.hip));
+    QVERIFY(sibling);
+    QCOMPARE(ryWeightsOf(map), std::vector<int>({32768, 2001}));
+    for (int axis = 0; axis < 3; ++axis) {
+        QCOMPARE(binding->getLocalWeights(axis), map);
+        QCOMPARE(ryWeightsOf(sibling->getLocalWeights(axis)), std::vector<int>({32767, 2000}));
+        QCOMPARE(sibling->getLocalWeights(axis), sibling->getLocalWeights(0));
+    }
+}
+
+void RySiblingAndSplitTest::splitPlaces()
 {
     RySkinnedScene scene;
     RyBone *bone = scene.lThigh;
@@ -240,7 +306,7 @@ void RyCopyBoneTest::splitPlaces()
     QCOMPARE(ryFaultsOf(scene.figure), QString());
 }
 
-void RyCopyBoneTest::splitMovesBoneChildrenInReverse()
+void RySiblingAndSplitTest::splitMovesBoneChildrenInReverse()
 {
     RySkinnedScene scene;
     RyToolScene::makeBone(scene.lThigh, "second", {}, {0, 1, 0});
@@ -263,7 +329,7 @@ void RyCopyBoneTest::splitMovesBoneChildrenInReverse()
     QCOMPARE(names(scene.lShin), QStringList({"lFoot"}));
 }
 
-void RyCopyBoneTest::splitMovesNoVertex_data()
+void RySiblingAndSplitTest::splitMovesNoVertex_data()
 {
     QTest::addColumn<int>("maps");
     QTest::addColumn<bool>("posed");
@@ -273,7 +339,7 @@ void RyCopyBoneTest::splitMovesNoVertex_data()
     QTest::newRow("both, posed") << int(RySkinnedScene::Both) << true;
 }
 
-void RyCopyBoneTest::splitMovesNoVertex()
+void RySiblingAndSplitTest::splitMovesNoVertex()
 {
     QFETCH(int, maps);
     QFETCH(bool, posed);
@@ -304,7 +370,28 @@ void RyCopyBoneTest::splitMovesNoVertex()
     }
 }
 
-void RyCopyBoneTest::splitOfABoneWithoutLength()
+void RySiblingAndSplitTest::splitOfAScaledBone()
+{
+    RySkinnedScene scene;
+    scene.lShin->getYScaleControl()->setValue(2);
+    const auto scaleOf = [](const RyBone *bone) {
+        RyVec3 position;
+        RyQuat rotation;
+        RyMatrix3 scale;
+        bone->getWSTransform(position, rotation, scale);
+        return scale.multVec(RyVec3(0, 1, 0)).length();
+    };
+    QVERIFY(std::abs(scaleOf(scene.lShin) - 2) < 1e-4f);
+    QVERIFY(std::abs(scaleOf(scene.lFoot) - 2) < 1e-4f);
+    const std::vector<RyVec3> before = scene.shown();
+    const RyBone *outer = splitBone(scene.lShin);
+    QVERIFY(std::abs(scaleOf(scene.lShin) - 2) < 1e-4f);
+    QVERIFY(std::abs(scaleOf(outer) - 1) < 1e-4f);
+    QVERIFY(std::abs(scaleOf(scene.lFoot) - 1) < 1e-4f);
+    QVERIFY(ryLargestWay(scene.shown(), before) > 1.0f);
+}
+
+void RySiblingAndSplitTest::splitOfABoneWithoutLength()
 {
     RySkinnedScene scene;
     scene.lFoot->setEndPoint(scene.lFoot->getOrigin(), true);
@@ -313,7 +400,7 @@ void RyCopyBoneTest::splitOfABoneWithoutLength()
     QCOMPARE(outer->getEndPoint(), scene.lFoot->getOrigin());
 }
 
-void RyCopyBoneTest::splitManyTimes()
+void RySiblingAndSplitTest::splitManyTimes()
 {
     RySkinnedScene scene;
     RyBone *bone = scene.lThigh;
@@ -326,7 +413,7 @@ void RyCopyBoneTest::splitManyTimes()
     QCOMPARE(ryFaultsOf(scene.figure), QString());
 }
 
-void RyCopyBoneTest::actionsLeaveUndoAndSelectionAlone()
+void RySiblingAndSplitTest::actionsLeaveUndoAndSelectionAlone()
 {
     RySkinnedScene scene;
     {
@@ -352,7 +439,7 @@ void RyCopyBoneTest::actionsLeaveUndoAndSelectionAlone()
     QCOMPARE(scene.rThigh->getEndPoint(), RyVec3(-11, 50, 2));
 }
 
-void RyCopyBoneTest::actionsJoinAnOpenHold()
+void RySiblingAndSplitTest::actionsJoinAnOpenHold()
 {
     RySkinnedScene scene(RySkinnedScene::Both);
     ryScene()->setSelection({scene.lThigh});
@@ -369,7 +456,7 @@ void RyCopyBoneTest::actionsJoinAnOpenHold()
     QCOMPARE(scene.dump(), after);
 }
 
-void RyCopyBoneTest::enabling()
+void RySiblingAndSplitTest::enabling()
 {
     RyToolScene scene;
     auto *skeleton = new RySkeleton;
@@ -392,6 +479,6 @@ void RyCopyBoneTest::enabling()
     QCOMPARE(splits, QStringLiteral("00111111111111"));
 }
 
-RY_TEST(RyCopyBoneTest)
+RY_TEST(RySiblingAndSplitTest)
 
-#include "tst_copyBone.moc"
+#include "tst_siblingAndSplit.moc"

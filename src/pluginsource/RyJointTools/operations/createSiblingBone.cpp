@@ -1,0 +1,35 @@
+#include "pluginsource/RyJointTools/operations/createSiblingBone.h"
+
+#include "pluginsource/RyJointTools/operations/bindBone.h"
+#include "pluginsource/RyJointTools/operations/makeBoneLike.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/skin/RySkinBinding.h"
+
+/// The values that show, which links may have added to; defaults stay.
+static void copyPose(const RyBone *source, const RyBone *target)
+{
+    for (auto control : {&RyNode::getXTransControl, &RyNode::getYTransControl, &RyNode::getZTransControl,
+                         &RyNode::getXRotControl, &RyNode::getYRotControl, &RyNode::getZRotControl,
+                         &RyNode::getScaleControl, &RyNode::getXScaleControl, &RyNode::getYScaleControl,
+                         &RyNode::getZScaleControl}) {
+        (target->*control)()->setValue((source->*control)()->getValue());
+    }
+}
+
+RyBone *createSiblingBone(RyBone *source)
+{
+    RySkinBinding *skin = RySkinBinding::findSkinFromNode(source);
+    if (!skin)
+        return nullptr;
+    RyBone *sibling = makeBoneLike(source, source->getOrigin(), source->getEndPoint());
+    sibling->setInheritScale(source->inheritsScale());
+    copyPose(source, sibling);
+    ryScene()->addNode(sibling);
+    if (RyNode *parent = source->getNodeParent())
+        parent->addNodeChild(sibling);
+    bindWithHalfOf(skin, sibling, source);
+    return sibling;
+}

@@ -1,0 +1,27 @@
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
+
+#include "pluginsource/RyJointTools/dialogs/runMessageBox.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
+
+static void showBox(QMessageBox::Icon icon, const QString &text, QWidget *parent)
+{
+    runMessageBox(icon, parent, RyJEToolAction::tr("Selection Error"), text, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void warnOfSelection(const QString &text)
+{
+    warnOfSelection(text, RyApp::getDialogParent());
+}
+
+void warnOfSelection(const QString &text, QWidget *parent)
+{
+    showBox(QMessageBox::Warning, text, parent);
+}
+
+void informOfSelection(const QString &text)
+{
+    showBox(QMessageBox::Information, text, RyApp::getInterface());
+}
