@@ -2,10 +2,13 @@
 
 #include "RyWindowScene.h"
 
+#include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToggleActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "rycore/app/RyApp.h"
 #include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyDialogDriver.h"
 
 #include <QSignalSpy>
 
@@ -65,6 +68,8 @@ class RyToggleActionsTest : public QObject
 
 private slots:
     void findsTheTool();
+    void nothingOpensForAnotherTool();
+    void baseClassAlone();
     void togglesWithTool_data();
     void togglesWithTool();
     void togglesWithoutTool_data();
@@ -95,6 +100,30 @@ void RyToggleActionsTest::findsTheTool()
     QCOMPARE(findJointEditorTool(), tool);
     window.getViewportMgr()->deleteTools();
     QVERIFY(!findJointEditorTool());
+}
+
+void RyToggleActionsTest::nothingOpensForAnotherTool()
+{
+    RyToolScene scene;
+    RyMainWindow window(ryScene());
+    auto *other = new OtherTool;
+    window.getViewportMgr()->addTool(other);
+    window.getViewportMgr()->setActiveTool(other);
+    ryScene()->setSelection({scene.hip});
+    RyDialogDriver driver;
+    RyJECreateBoneAction().executeAction();
+    RyJECustomColorsAction().executeAction();
+    QCOMPARE(int(driver.records().size()), 0);
+}
+
+void RyToggleActionsTest::baseClassAlone()
+{
+    const RyJEToolAction action(QStringLiteral("Text"), QStringLiteral("What it does."));
+    QCOMPARE(action.objectName(), QStringLiteral("JointEditorToolAction"));
+    QCOMPARE(action.text(), QStringLiteral("Text"));
+    QCOMPARE(action.getDescription(), QStringLiteral("What it does."));
+    QVERIFY(action.isEnabled());
+    QVERIFY(!action.isCheckable());
 }
 
 static void addToggleRows()
