@@ -9,8 +9,6 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
-#include <QSignalSpy>
-
 #include <random>
 
 namespace {
@@ -33,10 +31,6 @@ class RyDeleteBoneTest : public QObject
     Q_OBJECT
 
 private slots:
-    void mergeAddsUpToFullWeight();
-    void mergeNeedsEqualCounts();
-    void mergeIsOneEdit();
-    void mergeKeepsMapsSparse();
     void weightsGoToTheNearestBoneAbove();
     void weightsGoPastUnboundAndOtherNodes();
     void weightsOfATopBoneGoToItsBoundChild();
@@ -62,57 +56,6 @@ private slots:
     void unusedAsksFirst();
     void unusedEnabling();
 };
-
-void RyDeleteBoneTest::mergeAddsUpToFullWeight()
-{
-    const RyRef<RyWeightMap> source(ryMapOf({0, 5, 40000, 65535, 0, 1}));
-    const RyRef<RyWeightMap> target(ryMapOf({0, 7, 30000, 65535, 9, 0}));
-    mergeWeightMap(source.get(), target.get());
-    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({0, 12, 65535, 65535, 9, 1}));
-    QCOMPARE(ryWeightsOf(source.get()), std::vector<int>({0, 5, 40000, 65535, 0, 1}));
-    QCOMPARE(target->getNumAffected(), 5);
-}
-
-void RyDeleteBoneTest::mergeNeedsEqualCounts()
-{
-    const RyRef<RyWeightMap> source(ryMapOf({1, 2, 3}));
-    const RyRef<RyWeightMap> target(ryMapOf({1, 2}));
-    mergeWeightMap(source.get(), target.get());
-    mergeWeightMap(source.get(), nullptr);
-    mergeWeightMap(nullptr, target.get());
-    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({1, 2}));
-}
-
-void RyDeleteBoneTest::mergeIsOneEdit()
-{
-    const RyRef<RyWeightMap> source(ryMapOf({1, 0}));
-    const RyRef<RyWeightMap> target(ryMapOf({1, 2}));
-    const QSignalSpy spy(target.get(), SIGNAL(weightsChanged()));
-    RyUndoStackHold hold;
-    mergeWeightMap(source.get(), target.get());
-    hold.accept(QString());
-    QCOMPARE(spy.count(), 1);
-    QCOMPARE(target->editLevel(), 0);
-    ryUndoStack()->undo();
-    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({1, 2}));
-    ryUndoStack()->redo();
-    QCOMPARE(ryWeightsOf(target.get()), std::vector<int>({2, 2}));
-    ryUndoStack()->clearAll();
-}
-
-void RyDeleteBoneTest::mergeKeepsMapsSparse()
-{
-    // So many that dense arrays would not fit into memory.
-    const int count = 2000000000;
-    const RyRef<RyWeightMap> source(new RyWeightMap);
-    source->setAffected(count, {5, 1999999999}, {10, 20});
-    const RyRef<RyWeightMap> target(new RyWeightMap);
-    target->setAffected(count, {4, 5}, {1, 2});
-    mergeWeightMap(source.get(), target.get());
-    QCOMPARE(target->getNumAffected(), 3);
-    QCOMPARE(int(target->getWeight(5)), 12);
-    QCOMPARE(int(target->getWeight(1999999999)), 20);
-}
 
 void RyDeleteBoneTest::weightsGoToTheNearestBoneAbove()
 {
