@@ -183,6 +183,27 @@ private slots:
         QVERIFY(holds("var sum = 0; s.getBoneBindings().forEach(function(x) { sum += x.getWeights().getWeight(1); }); sum === 65535"));
         QVERIFY(holds("s.findBoneBinding(Scene.find('prop')) === null"));
     }
+
+    void namesStayUnique()
+    {
+        QVERIFY2(errorOf("Scene.find('foot').setName('hip')").contains(QLatin1String("it belongs to figure/hip")), "of one figure");
+        QVERIFY(errorOf("Scene.find('prop').setName('figure')").contains(QLatin1String("taken")));
+        QCOMPARE(m_foot->getName(), QStringLiteral("foot"));
+        QVERIFY(holds("Scene.find('foot').setName('foot'); Scene.find('foot').setName('figure'); true"));
+        QCOMPARE(m_foot->getName(), QStringLiteral("figure"));
+        m_prop->setName(QStringLiteral("hip"));
+        QVERIFY(errorOf("Scene.find('figure/hip').addNodeChild(Scene.getTopLevelNodes()[1])").contains(QLatin1String("taken")));
+        QVERIFY(!m_prop->getNodeParent());
+        m_prop->setName(QStringLiteral("hat"));
+        QVERIFY(holds("Scene.find('hip').addNodeChild(Scene.find('hat'))"));
+    }
+
+    void emptyLabelsFallBackToTheName()
+    {
+        QVERIFY(holds("var n = Scene.find('foot'); n.setLabel('Left Foot'); n.setLabel(' '); n.getLabel() === 'foot'"));
+        m_foot->setName(QStringLiteral("toe"));
+        QCOMPARE(m_foot->getLabel(), QStringLiteral("toe"));
+    }
 };
 
 RY_TEST(SceneScriptingTest)

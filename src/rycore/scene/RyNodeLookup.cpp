@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -118,4 +119,19 @@ RyFloatProperty *RyNodeLookup::findProperty(const RyScene &scene, const QString 
     if (!node)
         return nullptr;
     return findValue(*node, text.mid(colon + 1, equals - colon - 1), poseOnly, error);
+}
+
+bool RyNodeLookup::canBecome(const RyFloatProperty &property, float value, QString *error)
+{
+    if (!property.isClamped())
+        return true;
+    // What links contribute comes on top of the property's own share, which is what has limits.
+    const float links = property.getValue() - property.getRawValue();
+    const float own = value - links;
+    const float tolerance = 1e-4f * std::max(1.0f, std::abs(value));
+    if (own >= property.getMin() - tolerance && own <= property.getMax() + tolerance)
+        return true;
+    *error = QStringLiteral("\"%1\" cannot become %2; its limits are %3 to %4")
+                 .arg(property.getName()).arg(double(value)).arg(double(property.getMin() + links)).arg(double(property.getMax() + links));
+    return false;
 }

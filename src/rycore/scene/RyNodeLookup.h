@@ -21,5 +21,7 @@ std::vector<RyFloatProperty *> values(const RyNode &node, bool poseOnly = false)
 RyFloatProperty *findValue(const RyNode &node, const QString &name, bool poseOnly, QString *error);
 /// "NODE:NAME=VALUE". Null with a message when a part does not fit. `poseOnly`: pose controls alone.
 RyFloatProperty *findProperty(const RyScene &scene, const QString &text, bool poseOnly, float *value, QString *error);
+/// Whether the limits of a value let it become `value`, with what contributes to it from elsewhere; false with a message.
+bool canBecome(const RyFloatProperty &property, float value, QString *error);
 
 } // namespace RyNodeLookup

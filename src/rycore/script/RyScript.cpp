@@ -15,10 +15,20 @@ RyScript::RyScript(const QString &name, QObject *parent) : RyBase(parent)
 bool RyScript::loadFromFile(const QString &path, bool quiet)
 {
     QFile file(path);
-    if (QFileInfo(path).isDir() || !file.open(QIODevice::ReadOnly)) {
+    const QFileInfo info(path);
+    m_error.clear();
+    if (!info.exists())
+        m_error = tr("there is no such file");
+    else if (info.isDir())
+        m_error = tr("this is a folder");
+    else if (!file.open(QIODevice::ReadOnly))
+        m_error = file.errorString();
+    if (!m_error.isEmpty()) {
+        const QString message = tr("The script %1 cannot be read: %2.").arg(QDir::toNativeSeparators(path), m_error);
+        if (RyScriptEngine *engine = RyScriptEngine::current())
+            engine->noteFailure(message);
         if (!quiet)
-            RyMessageLog::global().warning(
-                tr("The script %1 cannot be read: %2.").arg(QDir::toNativeSeparators(path), file.errorString()));
+            RyMessageLog::global().warning(message);
         return false;
     }
     const QByteArray content = file.readAll();

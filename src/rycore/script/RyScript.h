@@ -9,9 +9,11 @@ class RyScript : public RyBase
 public:
     explicit RyScript(const QString &name, QObject *parent = nullptr);
 
-    /// False when the file is missing or cannot be read, which is logged unless `quiet`; the program stays what it was.
-    /// A script without a name takes the file's.
+    /// False when the file is missing or cannot be read, which is logged unless `quiet`; the program stays what it was. The
+    /// engine notes the failure in any case. A script without a name takes the file's.
     bool loadFromFile(const QString &path, bool quiet);
+    /// Why the latest `loadFromFile` failed; empty when it did not.
+    const QString &getError() const { return m_error; }
     void setSource(const QString &source);
     const QString &getSource() const { return m_source; }
     const QString &getFilePath() const { return m_filePath; }
@@ -22,4 +24,5 @@ public:
 private:
     QString m_source;
     QString m_filePath;
+    QString m_error;
 };

@@ -38,6 +38,12 @@ RyScriptEngine::RyScriptEngine(QObject *parent) : QScriptEngine(parent)
     qScriptRegisterMetaType<RyError>(this, errorToScript, errorFromScript);
     globalObject().setProperty(QStringLiteral("print"), newFunction(print));
     ryRegisterSceneClasses(this);
+    // Nobody else would hear of an error in a function that a signal calls.
+    connect(this, &QScriptEngine::signalHandlerException, this, [this](const QScriptValue &error) {
+        const QString message = tr("A function that a signal called failed: %1").arg(error.toString());
+        noteFailure(message);
+        RyMessageLog::global().warning(message);
+    });
 }
 
 RyScriptEngine::~RyScriptEngine()
@@ -91,15 +97,41 @@ QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fil
         context->setActivationObject(globalObject());
         context->setThisObject(globalObject());
     }
+    ++m_running;
     const QScriptValue result = QScriptEngine::evaluate(program, fileName, firstLine);
-    m_failed = hasUncaughtException();
+    --m_running;
+    const QString place = fileName.isEmpty() ? tr("script") : fileName;
+    const bool isStopped = isStopping();
+    m_failed = isStopped || hasUncaughtException();
     if (m_failed) {
-        const QString place = fileName.isEmpty() ? tr("script") : fileName;
-        RyMessageLog::global().warning(QStringLiteral("%1(%2): %3").arg(
-            place, QString::number(uncaughtExceptionLineNumber()), uncaughtException().toString()));
+        const QString message = isStopped ? QStringLiteral("%1: %2").arg(place, m_stopReason)
+                                          : QStringLiteral("%1(%2): %3").arg(place, QString::number(uncaughtExceptionLineNumber()),
+                                                                             uncaughtException().toString());
+        if (!isStopped || m_running == 0) {
+            noteFailure(message);
+            RyMessageLog::global().warning(message);
+        }
         clearExceptions();
     }
     if (nested)
         popContext();
+    if (m_running == 0)
+        m_stopReason.clear();
+    else if (isStopped)
+        abortEvaluation();
     return result;
+}
+
+void RyScriptEngine::stop(const QString &reason)
+{
+    if (m_running == 0 || isStopping())
+        return;
+    m_stopReason = reason;
+    abortEvaluation();
+}
+
+void RyScriptEngine::noteFailure(const QString &message)
+{
+    ++m_failures;
+    m_lastFailure = message;
 }

@@ -27,12 +27,26 @@ public:
     /// language or a class has the name already.
     void setGlobalScene(QObject *scene);
 
-    /// Runs a program in the global scope, also when a running script leads here. An uncaught error is logged with file and line, does not stay pending, and is the result.
+    /// Runs a program in the global scope, also when a running script leads here. An uncaught error is logged with file and
+    /// line, does not stay pending, and is the result. So is, of the outermost program, why it was stopped.
     QScriptValue evaluate(const QString &program, const QString &fileName = QString(), int firstLine = 1);
     /// Whether the latest `evaluate` ended with an error.
     bool hasFailed() const { return m_failed; }
 
+    /// Ends all running programs soon, as by an error that no program catches. Does nothing while none runs.
+    void stop(const QString &reason);
+    bool isStopping() const { return !m_stopReason.isEmpty(); }
+
+    /// How many programs have failed so far, those counted that could not be read, and why the latest did.
+    int failures() const { return m_failures; }
+    const QString &lastFailure() const { return m_lastFailure; }
+    void noteFailure(const QString &message);
+
 private:
     QStringList m_sceneNames;
+    QString m_stopReason;
+    QString m_lastFailure;
+    int m_failures = 0;
+    int m_running = 0;
     bool m_failed = false;
 };

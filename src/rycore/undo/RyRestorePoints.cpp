@@ -63,7 +63,7 @@ QDateTime RyRestorePoints::time(int index) const
     return point ? point->time : QDateTime();
 }
 
-RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack, bool pending)
+RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack, bool pending, bool isSpan)
 {
     std::vector<std::function<void()>> kept;
     for (RyUndoKeeper *keeper : m_keepers)
@@ -71,7 +71,12 @@ RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack
     // A copy of its own: the text may lie in the data of a library that is unloaded before the point goes.
     const QString text(caption.constData(), caption.size());
     return m_points.insert(m_points.end(), {++m_lastId, text, QDateTime::currentDateTime(), m_log.mark(),
-                                            m_stack->history(), std::move(kept), wayBack, pending});
+                                            m_stack->history(), std::move(kept), wayBack, pending, isSpan, m_unkept});
+}
+
+RyRestorePoints::Place RyRestorePoints::find(int id)
+{
+    return std::find_if(m_points.begin(), m_points.end(), [id](const Point &point) { return point.id == id; });
 }
 
 void RyRestorePoints::drop(Place point)
@@ -119,27 +124,33 @@ bool RyRestorePoints::restore(int index)
     const int id = wanted->id;
     // Who takes a restoring back is again where the command that it is named after had not been run.
     const Place back = add(wanted->caption, !wanted->wayBack, false);
-    m_stack->exchangeHistory(wanted->history, [this, wanted, back] {
-        m_log.swapBack(back->mark, wanted->mark, [this](RyUndoStep &step, bool done) { m_stack->swapStep(step, done); });
-        for (const std::function<void()> &putBack : wanted->kept)
-            putBack();
-    });
-    const Place used = std::find_if(m_points.begin(), m_points.end(), [id](const Point &point) { return point.id == id; });
+    swapBack(*back, *wanted);
+    const Place used = find(id);
     if (used != m_points.end())
         drop(used);
     emit changed();
     return true;
 }
 
+void RyRestorePoints::swapBack(const Point &now, const Point &wanted)
+{
+    m_stack->exchangeHistory(wanted.history, [this, &now, &wanted] {
+        m_log.swapBack(now.mark, wanted.mark, [this](RyUndoStep &step, bool done) { m_stack->swapStep(step, done); });
+        for (const std::function<void()> &putBack : wanted.kept)
+            putBack();
+    });
+}
+
 int RyRestorePoints::begin()
 {
-    const bool waiting = std::any_of(m_points.begin(), m_points.end(), [](const Point &point) { return point.pending; });
+    const bool waiting = std::any_of(m_points.begin(), m_points.end(),
+                                     [](const Point &point) { return point.pending && !point.isSpan; });
     return m_most == 0 || waiting || !m_stack->isIdle() ? 0 : add(QString(), false, true)->id;
 }
 
 bool RyRestorePoints::end(int id, bool keep, const QString &caption)
 {
-    const Place point = std::find_if(m_points.begin(), m_points.end(), [id](const Point &each) { return each.id == id; });
+    const Place point = find(id);
     if (point == m_points.end())
         return false;
     if (!keep) {
@@ -151,6 +162,46 @@ bool RyRestorePoints::end(int id, bool keep, const QString &caption)
     dropTooMany();
     emit changed();
     emit taken();
+    return true;
+}
+
+int RyRestorePoints::beginSpan()
+{
+    return m_stack->isIdle() ? add(QString(), false, true, true)->id : 0;
+}
+
+bool RyRestorePoints::endSpan(int id, bool keep, const QString &caption)
+{
+    const Place point = find(id);
+    if (point == m_points.end())
+        return false;
+    keep = keep && m_most > 0;
+    // It stands before all that was taken within it.
+    for (Place inner = std::next(point); keep && inner != m_points.end();) {
+        const Place each = inner++;
+        if (!each->pending)
+            drop(each);
+    }
+    return end(id, keep, caption);
+}
+
+bool RyRestorePoints::goBack(int id)
+{
+    const Place point = find(id);
+    if (point == m_points.end() || !m_stack->isIdle())
+        return false;
+    m_unkept = point->unkept;
+    const Place now = add(QString(), false, true, true);
+    swapBack(*now, *point);
+    const bool hadPoints = std::any_of(point, m_points.end(), [](const Point &each) { return !each.pending; });
+    for (Place inner = std::next(point); inner != m_points.end();) {
+        const Place each = inner++;
+        if (!each->pending || each == now)
+            drop(each);
+    }
+    drop(point);
+    if (hadPoints)
+        emit changed();
     return true;
 }
 

@@ -24,25 +24,25 @@ public:
     ~RyRestorePoints() override;
 
     /// How many points there may be; the oldest goes for a new one. 0, the value at first, takes none and captures nothing.
-    Q_INVOKABLE void setMost(int most);
-    Q_INVOKABLE int most() const { return m_most; }
+    void setMost(int most);
+    int most() const { return m_most; }
 
     /// Points by index, the newest first.
-    Q_INVOKABLE int count() const;
+    int count() const;
     /// What the states came before: "Delete Bone". Empty for an index out of range.
-    Q_INVOKABLE QString caption(int index) const;
-    Q_INVOKABLE QStringList captions() const;
+    QString caption(int index) const;
+    QStringList captions() const;
     /// What going back there is called: "Restore to before Delete Bone".
-    Q_INVOKABLE QString text(int index) const;
+    QString text(int index) const;
     QDateTime time(int index) const;
 
     /// Takes a point for the present state. False when none may be taken, or while a hold is open or undo runs.
-    Q_INVOKABLE bool take(const QString &caption);
+    bool take(const QString &caption);
     /// Brings the state of a point back, and takes a point for the present one, so that this can be taken back. False for an
     /// index out of range, and while a hold is open or undo runs.
-    Q_INVOKABLE bool restore(int index);
+    bool restore(int index);
     /// Drops all points.
-    Q_INVOKABLE void clear();
+    void clear();
 
     /// A keeper lives until it is removed. Removing one drops all points: what they belong to is gone.
     void addKeeper(RyUndoKeeper *keeper);
@@ -55,6 +55,7 @@ signals:
 
 private:
     friend class RyRestoreGuard;
+    friend class RyRestoreSpan;
     friend class RyUndoStack;
     struct Point
     {
@@ -64,8 +65,10 @@ private:
         RyUndoLog::Mark mark;
         RyUndoStack::History history;
         std::vector<std::function<void()>> kept;
-        bool wayBack; // taken by restore
-        bool pending; // of a guard, which has not decided yet
+        bool wayBack;   // taken by restore
+        bool pending;   // of a guard or a span, which has not decided yet
+        bool isSpan;    // lets guards within it decide
+        quint64 unkept; // at that time
     };
     using Place = std::list<Point>::iterator;
 
@@ -74,15 +77,27 @@ private:
     void capture(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item) { m_log.capture(key, std::move(item)); }
     void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done);
     void noteLooseChange() { ++m_unkept; }
-    void noteClearedHistory() { ++m_unkept; }
+    void noteClearedHistory()
+    {
+        ++m_unkept;
+        ++m_cleared;
+    }
     void noteSaved();
     // Of guards: the id, 0 when a point cannot be taken now or a guard waits already.
     int begin();
     bool end(int id, bool keep, const QString &caption);
+    // Of spans: there may be several, and where no point may be taken as well.
+    int beginSpan();
+    bool endSpan(int id, bool keep, const QString &caption);
+    bool goBack(int id);
     /// Grows with every change that no step holds, and when steps are lost.
     quint64 unkept() const { return m_unkept; }
+    /// Grows when steps are lost.
+    quint64 cleared() const { return m_cleared; }
 
-    Place add(const QString &caption, bool wayBack, bool pending);
+    Place add(const QString &caption, bool wayBack, bool pending, bool isSpan = false);
+    Place find(int id);
+    void swapBack(const Point &now, const Point &wanted);
     void drop(Place point);
     void dropTooMany();
     const Point *at(int index) const;
@@ -92,6 +107,7 @@ private:
     std::vector<RyUndoKeeper *> m_keepers;
     RyUndoLog m_log;
     quint64 m_unkept = 0;
+    quint64 m_cleared = 0;
     int m_lastId = 0;
     int m_most = 0;
 };

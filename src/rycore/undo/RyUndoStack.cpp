@@ -265,7 +265,9 @@ int RyUndoStack::entryCount(int step) const
 void RyUndoStack::clearAll()
 {
     const bool clean = d->isClean();
-    if (!d->steps.empty())
+    const bool holdsChanges = std::any_of(d->holds.begin(), d->holds.end(),
+                                          [](const Private::OpenHold &hold) { return !hold.step->isEmpty(); });
+    if (!d->steps.empty() || holdsChanges)
         d->points->noteClearedHistory();
     std::vector<std::shared_ptr<RyUndoStep>> dropped = std::move(d->steps);
     d->steps.clear();
@@ -353,6 +355,23 @@ void RyUndoStack::cancelHold(int id)
         swapStep(*shares[i], false);
     }
     d->discard(std::move(shares));
+    updateClean();
+    if (d->holds.empty())
+        emit changed();
+}
+
+void RyUndoStack::forgetHold(int id)
+{
+    const auto hold = d->findHold(id);
+    if (hold == d->holds.end())
+        return;
+    std::vector<std::shared_ptr<RyUndoStep>> dropped{hold->step};
+    d->holds.erase(hold);
+    if (!dropped.front()->isEmpty()) {
+        d->points->noteLooseChange();
+        d->cleanIndex = -1;
+    }
+    d->discard(std::move(dropped));
     updateClean();
     if (d->holds.empty())
         emit changed();

@@ -100,6 +100,7 @@ private:
     int openHold();
     void acceptHold(int id, const QString &caption);
     void cancelHold(int id);
+    void forgetHold(int id);
     void updateClean();
 
     struct Private;

@@ -22,3 +22,10 @@ void RyUndoStackHold::cancel()
     if (id && m_stack)
         m_stack->cancelHold(id);
 }
+
+void RyUndoStackHold::forget()
+{
+    const int id = std::exchange(m_id, 0);
+    if (id && m_stack)
+        m_stack->forgetHold(id);
+}

@@ -20,6 +20,8 @@ public:
 
     void accept(const QString &caption);
     void cancel();
+    /// Ends it without a step; what it changed stays.
+    void forget();
 
 private:
     QPointer<RyUndoStack> m_stack;

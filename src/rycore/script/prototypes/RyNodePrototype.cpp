@@ -4,14 +4,39 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyNodeLookup.h"
+#include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 
+#include <algorithm>
 #include <cmath>
 
 static const RyFacetMesh *meshOf(const RyNode *node)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
     return shape ? shape->getFacetMesh() : nullptr;
+}
+
+/// The node among whose descendants names are unique: the figure of a bone, or else the top-level node.
+static RyNode *rootOfNames(RyNode *node)
+{
+    RyNode *root = node;
+    while (root->getNodeParent() && (root == node || root != node->getSkeleton()))
+        root = root->getNodeParent();
+    return root;
+}
+
+/// Another node that has the name where it must be unique for `node`; null when there is none.
+static const RyNode *nodeCalled(RyNode *node, const QString &name)
+{
+    RyNode *root = rootOfNames(node);
+    std::vector<RyNode *> others;
+    if (root != node)
+        root->getNodeChildren(others, true);
+    else if (const RyScene *scene = node->getScene())
+        others = scene->getTopLevelNodes();
+    const auto found = std::find_if(others.begin(), others.end(),
+                                    [&](const RyNode *other) { return other != node && other->getName() == name; });
+    return found == others.end() ? nullptr : *found;
 }
 
 QString RyNodePrototype::className() const
@@ -35,9 +60,13 @@ QString RyNodePrototype::getName() const
 void RyNodePrototype::setName(const QString &name)
 {
     RyNode *node = self<RyNode>();
-    if (node && name.isEmpty())
+    if (!node)
+        return;
+    if (name.isEmpty())
         fail(tr("A node cannot be without a name."));
-    else if (node)
+    else if (const RyNode *other = nodeCalled(node, name))
+        fail(tr("The name \"%1\" is taken: it belongs to %2.").arg(name, RyNodeLookup::pathOf(other)));
+    else
         node->setName(name);
 }
 
@@ -49,8 +78,9 @@ QString RyNodePrototype::getLabel() const
 
 void RyNodePrototype::setLabel(const QString &label)
 {
+    // A node without a label of its own shows its name.
     if (RyNode *node = self<RyNode>())
-        node->setLabel(label);
+        node->setLabel(label.trimmed().isEmpty() ? QString() : label);
 }
 
 QString RyNodePrototype::getPath() const
@@ -88,7 +118,21 @@ QScriptValue RyNodePrototype::getNodeChildren(bool recursive) const
 bool RyNodePrototype::addNodeChild(RyNode *child, bool keepWorld)
 {
     RyNode *node = self<RyNode>();
-    return node && child && node->addNodeChild(child, keepWorld);
+    if (!node || !child)
+        return false;
+    RyNode *root = node->getSkeleton() ? static_cast<RyNode *>(node->getSkeleton()) : rootOfNames(node);
+    std::vector<RyNode *> present, coming{child};
+    root->getNodeChildren(present, true);
+    child->getNodeChildren(coming, true);
+    for (const RyNode *each : coming) {
+        for (const RyNode *other : present) {
+            if (each->getName() == other->getName() && std::find(coming.begin(), coming.end(), other) == coming.end()) {
+                fail(tr("The name \"%1\" is taken: it belongs to %2.").arg(each->getName(), RyNodeLookup::pathOf(other)));
+                return false;
+            }
+        }
+    }
+    return node->addNodeChild(child, keepWorld);
 }
 
 bool RyNodePrototype::removeNodeChild(RyNode *child, bool keepWorld)
@@ -150,9 +194,11 @@ void RyNodePrototype::setValue(const QString &name, double value) const
         fail(tr("%1 takes a number.").arg(name));
         return;
     }
-    property->adjustValue(float(value));
-    if (std::abs(double(property->getValue()) - value) > 1e-4 * std::max(1.0, std::abs(value)))
-        fail(tr("%1 became %2 instead of %3, which is as far as its limits let it.").arg(name).arg(double(property->getValue())).arg(value));
+    QString error;
+    if (RyNodeLookup::canBecome(*property, float(value), &error))
+        property->adjustValue(float(value));
+    else
+        fail(error);
 }
 
 double RyNodePrototype::getDefaultValue(const QString &name) const

@@ -15,8 +15,10 @@ public:
     Q_INVOKABLE QString className() const;
     Q_INVOKABLE bool isA(const QString &className) const;
     Q_INVOKABLE QString getName() const;
+    /// Throws for an empty name and for one that another node of the figure has, or another top-level node.
     Q_INVOKABLE void setName(const QString &name);
     Q_INVOKABLE QString getLabel() const;
+    /// An empty label falls back to the name.
     Q_INVOKABLE void setLabel(const QString &label);
     /// Names from the top-level node down, parted by "/".
     Q_INVOKABLE QString getPath() const;
@@ -26,6 +28,7 @@ public:
     Q_INVOKABLE RyNode *getNodeChild(int index) const;
     /// An array; all descendants when `recursive`.
     Q_INVOKABLE QScriptValue getNodeChildren(bool recursive = false) const;
+    /// Throws when the names of the child or of what is below it are taken in the figure it would belong to.
     Q_INVOKABLE bool addNodeChild(RyNode *child, bool keepWorld = false);
     Q_INVOKABLE bool removeNodeChild(RyNode *child, bool keepWorld = false);
     Q_INVOKABLE RyNode *getSkeleton() const;
@@ -34,7 +37,7 @@ public:
 
     Q_INVOKABLE QStringList getValueNames() const;
     Q_INVOKABLE double getValue(const QString &name) const;
-    /// Throws where the limits of the value do not let it become `value`.
+    /// Throws, and changes nothing, where the limits of the value do not let it become `value`.
     Q_INVOKABLE void setValue(const QString &name, double value) const;
     Q_INVOKABLE double getDefaultValue(const QString &name) const;
     Q_INVOKABLE void setDefaultValue(const QString &name, double value) const;

@@ -1,5 +1,7 @@
 #include "rycore/script/prototypes/RyUndoScripting.h"
 
+#include "rycore/script/RyScriptEngine.h"
+#include "rycore/undo/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
@@ -10,12 +12,20 @@ QScriptValue RyUndoScripting::step(const QString &caption, const QScriptValue &f
         return {};
     }
     QScriptEngine *scripts = engine(); // known only until the call
+    const auto *host = qobject_cast<const RyScriptEngine *>(scripts);
+    RyRestoreSpan span(caption);
     RyUndoStackHold hold;
     const QScriptValue result = QScriptValue(function).call();
-    if (scripts->hasUncaughtException())
+    if (scripts->hasUncaughtException() || (host && host->isStopping())) {
         hold.cancel();
-    else
+        if (span.isNeeded())
+            span.goBack();
+    } else if (span.hasLostSteps()) {
+        // A step of what came after would lie: undoing it leads to no state that there was.
+        hold.forget();
+    } else {
         hold.accept(caption);
+    }
     return result;
 }
 

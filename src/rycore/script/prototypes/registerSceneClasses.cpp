@@ -7,12 +7,12 @@
 #include "rycore/script/RyScriptPointer.h"
 #include "rycore/script/prototypes/RyBoneBindingPrototype.h"
 #include "rycore/script/prototypes/RyNodePrototype.h"
+#include "rycore/script/prototypes/RyRestoreScripting.h"
 #include "rycore/script/prototypes/RyScenePrototype.h"
 #include "rycore/script/prototypes/RySkeletonPrototype.h"
 #include "rycore/script/prototypes/RySkinPrototype.h"
 #include "rycore/script/prototypes/RyUndoScripting.h"
 #include "rycore/script/prototypes/RyWeightMapPrototype.h"
-#include "rycore/undo/RyRestorePoints.h"
 
 /// Objects of a class, and of classes that derive from it and have no prototype of their own, get the prototype.
 template<typename T>
@@ -41,5 +41,5 @@ void ryRegisterSceneClasses(RyScriptEngine *engine)
     add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
     add<RyWeightMap>(engine, make(new RyWeightMapPrototype(engine)));
     engine->globalObject().setProperty(QStringLiteral("Undo"), make(new RyUndoScripting(engine)));
-    engine->setGlobal(QStringLiteral("RestorePoints"), ryRestorePoints());
+    engine->globalObject().setProperty(QStringLiteral("RestorePoints"), make(new RyRestoreScripting(engine)));
 }

@@ -1,0 +1,172 @@
+#include "support/RyTest.h"
+#include "undo/UndoToys.h"
+
+#include "rycore/undo/RyRestoreGuard.h"
+#include "rycore/undo/RyRestoreSpan.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/undo/RyUndoStackLock.h"
+
+namespace {
+
+void setInStep(ToyValue &toy, int value, const QString &caption)
+{
+    RyUndoStackHold hold;
+    toy.set(value);
+    hold.accept(caption);
+}
+
+/// What a command does that undo cannot take back.
+void setAndClear(ToyValue &toy, int value)
+{
+    RyUndoStackLock lock;
+    ryUndoStack()->clearAll();
+    toy.set(value);
+}
+
+} // namespace
+
+class RyRestoreSpanTest : public QObject
+{
+    Q_OBJECT
+
+    RyUndoStack *stack = nullptr;
+    RyRestorePoints *points = nullptr;
+
+private slots:
+    void init()
+    {
+        stack = ryUndoStack();
+        points = ryRestorePoints();
+        points->clear();
+        points->setMost(20);
+        stack->clearAll();
+        stack->setClean();
+    }
+    void cleanup()
+    {
+        points->clear();
+        points->setMost(0);
+        stack->clearAll();
+        stack->setClean();
+    }
+
+    void goesBackOverAClearedHistory_data()
+    {
+        QTest::addColumn<int>("most");
+        QTest::newRow("with restore points") << 20;
+        QTest::newRow("without") << 0;
+    }
+
+    void goesBackOverAClearedHistory()
+    {
+        QFETCH(int, most);
+        points->setMost(most);
+        ToyValue a, b;
+        setInStep(a, 1, QStringLiteral("One"));
+        setInStep(a, 2, QStringLiteral("Two"));
+        stack->undo();
+        {
+            RyRestoreSpan span(QStringLiteral("Work"));
+            setInStep(b, 5, QStringLiteral("Five"));
+            QVERIFY(!span.isNeeded() && !span.hasLostSteps());
+            setAndClear(b, 6);
+            QVERIFY(span.isNeeded() && span.hasLostSteps());
+            setInStep(a, 9, QStringLiteral("Nine"));
+            QVERIFY(span.goBack());
+            QVERIFY(!span.goBack());
+        }
+        QCOMPARE(a.value, 1);
+        QCOMPARE(b.value, 0);
+        QCOMPARE(stack->count(), 2);
+        QCOMPARE(stack->index(), 1);
+        QCOMPARE(points->count(), 0);
+        stack->redo();
+        QCOMPARE(a.value, 2);
+        stack->undo();
+        stack->undo();
+        QCOMPARE(a.value, 0);
+        QVERIFY(stack->isClean());
+    }
+
+    void replacesThePointsWithin()
+    {
+        ToyValue a;
+        points->take(QStringLiteral("Before"));
+        {
+            RyRestoreSpan span(QStringLiteral("Run it"));
+            for (int value : {3, 4}) {
+                RyRestoreGuard guard(QStringLiteral("Set %1").arg(value));
+                setAndClear(a, value);
+            }
+            QCOMPARE(points->captions(), QStringList({"Set 4", "Set 3", "Before"}));
+            QVERIFY(points->restore(0));
+            QCOMPARE(a.value, 3);
+            QVERIFY(span.finish());
+        }
+        QCOMPARE(points->captions(), QStringList({"Run it", "Before"}));
+        QVERIFY(points->restore(0));
+        QCOMPARE(a.value, 0);
+    }
+
+    void leavesNothingWhereStepsLeadBack()
+    {
+        ToyValue a;
+        {
+            RyRestoreSpan span(QStringLiteral("Run it"));
+            setInStep(a, 3, QStringLiteral("Three"));
+        }
+        QCOMPARE(points->count(), 0);
+        QCOMPARE(stack->count(), 1);
+        points->setMost(0);
+        {
+            RyRestoreSpan span(QStringLiteral("Run it"));
+            a.set(4);
+            QVERIFY(!span.finish());
+        }
+        QCOMPARE(points->count(), 0);
+    }
+
+    void waitsForNoHold()
+    {
+        ToyValue a;
+        RyUndoStackHold hold;
+        RyRestoreSpan span(QStringLiteral("Run it"));
+        a.set(4);
+        QVERIFY(!span.goBack());
+        QCOMPARE(a.value, 4);
+    }
+
+    void aClearedHoldCountsAsLost()
+    {
+        ToyValue a;
+        RyRestoreGuard guard(QStringLiteral("Set"));
+        RyUndoStackHold hold;
+        stack->clearAll();
+        QVERIFY(!guard.isNeeded());
+        a.set(4);
+        QVERIFY(!guard.isNeeded());
+        stack->clearAll();
+        QVERIFY(guard.isNeeded());
+        hold.accept(QStringLiteral("Set"));
+        guard.finish();
+        QVERIFY(points->restore(0));
+        QCOMPARE(a.value, 0);
+    }
+
+    void aForgottenHoldLeavesNoStep()
+    {
+        ToyValue a;
+        QVERIFY(stack->isClean());
+        RyUndoStackHold hold;
+        a.set(4);
+        hold.forget();
+        hold.accept(QStringLiteral("Set"));
+        QCOMPARE(a.value, 4);
+        QCOMPARE(stack->count(), 0);
+        QVERIFY(!stack->isClean());
+        QVERIFY(!stack->isHoldOpen());
+    }
+};
+
+RY_TEST(RyRestoreSpanTest)
+#include "tst_RyRestoreSpan.moc"
