@@ -1,5 +1,15 @@
 #include "ryhost/CommandLine.h"
 
+#include "ryhost/batch/BatchArguments.h"
+
+static CommandLine wrong(const QString &error)
+{
+    CommandLine line;
+    line.mode = CommandLine::Wrong;
+    line.error = error;
+    return line;
+}
+
 CommandLine CommandLine::parse(const QStringList &arguments)
 {
     CommandLine line;
@@ -14,16 +24,18 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     }
     for (int i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (argument == QLatin1String("--demo") && i + 1 < arguments.size()) {
+        if (argument == QLatin1String("--demo") && i + 1 >= arguments.size())
+            return wrong(QStringLiteral("--demo needs a folder for the pictures"));
+        if (argument == QLatin1String("--demo")) {
             line.mode = Demo;
             line.demoFolder = arguments.at(++i);
         } else if (argument == QLatin1String("--")) {
             line.files += arguments.mid(i + 1);
             break;
         } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {
-            line.mode = Wrong;
-            line.error = QStringLiteral("there is no option %1").arg(argument);
-            return line;
+            return wrong(BatchArguments::isKnownVerb(argument)
+                             ? QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(argument)
+                             : QStringLiteral("there is no option %1").arg(argument));
         } else {
             line.files.append(argument);
         }
@@ -44,7 +56,8 @@ QString CommandLine::helpText()
         "  --pose NODE:xrot=30             the same for a pose control\n"
         "  --run CLASS                     runs an action, such as RyJEAlignNodeAction\n"
         "  --script FILE                   runs a script (.rsx)\n"
-        "  --set OBJECTNAME=VALUE          after --run or --script: fills a field of its dialog before it is accepted\n"
+        "  --set OBJECTNAME=VALUE          after --run or --script: fills a field of its dialog before it is accepted;\n"
+        "                                  DIALOG/OBJECTNAME for a dialog after the first\n"
         "  --answer TITLE=BUTTON           after --run or --script: answers a message box; others get their default button\n"
         "  --undo, --redo                  one step\n"
         "  --save OUT                      by ending .glb, .gltf or .obj; may be the input\n"
@@ -60,6 +73,6 @@ QString CommandLine::helpText()
         "         --answer \"Reparenting Warning=Ok\" --save out.glb\n"
         "\n"
         "Messages go to standard error. Exit codes: 0 done, 1 a file was refused, 2 wrong use, 3 an action was refused,\n"
-        "4 something could not be written, 5 a script failed.\n"
+        "4 something could not be written, 5 a script could not be read or failed.\n"
         "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR.\n");
 }

@@ -29,6 +29,8 @@ RyBatchRun::Result RyBatchRun::run(const QStringList &arguments) const
     environment.insert(QStringLiteral("RYHOST_SETTINGS_DIR"), file(QStringLiteral("settings")));
     if (!m_plugins.isEmpty())
         environment.insert(QStringLiteral("RYHOST_PLUGIN_PATH"), m_plugins);
+    if (!m_home.isEmpty())
+        environment.insert(QStringLiteral("RYHOST_HOME"), m_home);
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
     Result result;

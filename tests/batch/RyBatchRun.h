@@ -25,6 +25,9 @@ public:
     /// Instead of the folder beside the program.
     void setPlugins(const QString &folder) { m_plugins = folder; }
 
+    /// Instead of the folder of scripts and samples in the source tree.
+    void setHome(const QString &folder) { m_home = folder; }
+
     Result run(const QStringList &arguments) const;
     /// With the sample figure.
     Result batch(const QStringList &verbs) const { return run(QStringList{QStringLiteral("--batch"), sample()} + verbs); }
@@ -32,4 +35,5 @@ public:
 private:
     QTemporaryDir m_folder;
     QString m_plugins;
+    QString m_home;
 };

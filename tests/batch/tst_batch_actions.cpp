@@ -91,6 +91,15 @@ private slots:
         QCOMPARE(dialogs(words("--run RyTestDisabledAction")).code, 3);
     }
 
+    void fieldsThatNothingUsedDoNotHideTheRun()
+    {
+        const auto result = batch("--select lForearm --run RyJERotationOrderZYXAction --set A=1 --report");
+        QCOMPARE(result.code, 2);
+        QVERIFY2(result.says("It ran, but: No dialog opened that could use A."), result.err.constData());
+        QCOMPARE(result.json().value(QStringLiteral("runs")).toArray().at(0).toObject().value(QStringLiteral("ran")).toBool(), true);
+        QCOMPARE(result.json().value(QStringLiteral("undoSteps")).toArray().size(), 1);
+    }
+
     void unknownActionsGiveTwo()
     {
         const auto result = batch("--run RyJEAlignNodesAction");
@@ -162,6 +171,11 @@ private slots:
         QVERIFY2(unused.says("\"Other\""), unused.err.constData());
         const auto cancelled = dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("Raise Node=Cancel"), QStringLiteral("--report")});
         QCOMPARE(cancelled.code, 0);
+        QVERIFY2(cancelled.says("--run RyTestRaiseAction: cancelled. \"Raise Node\""), cancelled.err.constData());
+        const QJsonObject run = cancelled.json().value(QStringLiteral("runs")).toArray().at(0).toObject();
+        QCOMPARE(run.value(QStringLiteral("ran")).toBool(), false);
+        QCOMPARE(run.value(QStringLiteral("refused")).toBool(), false);
+        QCOMPARE(run.value(QStringLiteral("cancelled")).toBool(), true);
         QVERIFY(cancelled.json().value(QStringLiteral("undoSteps")).toArray().isEmpty());
     }
 

@@ -2,9 +2,12 @@
 
 #include "RyBatchRun.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 /// Scripts in batch runs, and the examples of the documentation.
 class BatchScriptsTest : public QObject
@@ -84,7 +87,7 @@ private slots:
     {
         const auto result = script("Scene.setSelection(['hip']);"
                                    "var r = Actions.run('RyJERenameNodeAction', {}, {'Rename Node': 'Cancel'});"
-                                   "if (!r.ran || r.boxes[0].answered != 'Cancel') throw new Error(JSON.stringify(r));");
+                                   "if (r.ran || r.refused || !r.cancelled || r.boxes[0].answered != 'Cancel') throw new Error(JSON.stringify(r));");
         QVERIFY2(result.code == 0, result.err.constData());
     }
 
@@ -135,6 +138,85 @@ private slots:
         QVERIFY(found);
         // Without a name it cannot be accepted.
         QCOMPARE(m_run.batch(create).code, 3);
+    }
+
+    void stepsComeBackWhole()
+    {
+        const auto result = script("var arm = Scene.find('lForearm'), before = Scene.dump(), thrown = '';\n"
+                                   "Undo.step('Bend', function() { arm.setValue('yrot', 30); });\n"
+                                   "var bent = Scene.dump();\n"
+                                   "try {\n"
+                                   "    Undo.step('Fails', function() {\n"
+                                   "        arm.setValue('yrot', 40); Scene.setSelection(['rHand']);\n"
+                                   "        if (!Actions.run('RyJEDeleteBoneAction').ran) throw new Error('not deleted');\n"
+                                   "        arm.setValue('yrot', 50); throw new Error('on purpose');\n"
+                                   "    });\n"
+                                   "} catch (error) { thrown = error.message; }\n"
+                                   "print(thrown, Scene.dump() === bent, Undo.captions());\n"
+                                   "Undo.undo();\n"
+                                   "print(Scene.dump() === before);\n");
+        QVERIFY2(result.code == 0, result.err.constData());
+        QVERIFY2(result.says("on purpose true Bend\n") && result.err.trimmed().endsWith("true"), result.err.constData());
+    }
+
+    void pointsOfActionsCanBeGoneBackTo()
+    {
+        const auto result = script("var before = Scene.dump(); Scene.setSelection(['rHand']);\n"
+                                   "var selected = Scene.dump(); Actions.run('RyJEDeleteBoneAction');\n"
+                                   "print(RestorePoints.count(), Scene.dump() !== selected, RestorePoints.restore(0), Scene.dump() === selected);");
+        QVERIFY2(result.code == 0, result.err.constData());
+        QVERIFY2(result.says("1 true true true"), result.err.constData());
+    }
+
+    void whoAsksForeverIsStopped()
+    {
+        const auto result = script("var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name'); var tries = 0;\n"
+                                   "while (!f.exec()) { ++tries; }\nprint('went on');");
+        QCOMPARE(result.code, 5);
+        QVERIFY2(result.says("Name It") && result.says("again and again") && !result.says("went on"), result.err.constData());
+        const auto caught = script("for (;;) { try { var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name');\n"
+                                   "    if (f.exec()) break; throw new Error('no'); } catch (e) {} }");
+        QCOMPARE(caught.code, 5);
+    }
+
+    void whatCannotBeReadSaysWhy()
+    {
+        const auto missing = m_run.batch({QStringLiteral("--script"), m_run.file(QStringLiteral("none.rsx"))});
+        QCOMPARE(missing.code, 5);
+        QVERIFY2(missing.says("none.rsx: the script cannot be read: there is no such file"), missing.err.constData());
+        const auto folder = m_run.batch({QStringLiteral("--script"), m_run.file(QString())});
+        QCOMPARE(folder.code, 5);
+        QVERIFY2(folder.says("this is a folder"), folder.err.constData());
+        const QString locked = m_run.write(QStringLiteral("locked.rsx"), "1;");
+        QVERIFY(QFile::setPermissions(locked, QFileDevice::WriteOwner));
+        if (QFileInfo(locked).isReadable())
+            QSKIP("This user may read every file.");
+        const auto forbidden = m_run.batch({QStringLiteral("--script"), locked});
+        QCOMPARE(forbidden.code, 5);
+        QVERIFY2(forbidden.says("ermission denied"), forbidden.err.constData());
+    }
+
+    void aBrokenLibraryIsNoSuccess()
+    {
+        QTemporaryDir home;
+        const QString folder = home.path() + QStringLiteral("/scripts/support/Velmor/OstraToolkit");
+        QVERIFY(QDir().mkpath(folder));
+        RyBatchRun own;
+        own.setHome(home.path());
+        const QStringList rename{QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"), QStringLiteral("RyJERenameNodeAction"),
+                                 QStringLiteral("--report")};
+        const auto missing = own.batch(rename);
+        QCOMPARE(missing.code, 3);
+        QVERIFY2(missing.err.count("The script library ") == 1 && missing.says("ryRenameNode.rsx cannot be read: there is no such file"),
+                 missing.err.constData());
+        QFile broken(folder + QStringLiteral("/ryRenameNode.rsx"));
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("\n\nmissing();");
+        broken.close();
+        const auto failed = own.batch(rename);
+        QCOMPARE(failed.code, 3);
+        QVERIFY2(!failed.says("The script library ") && failed.says("ryRenameNode.rsx(3): "), failed.err.constData());
+        QCOMPARE(failed.json().value(QStringLiteral("runs")).toArray().at(0).toObject().value(QStringLiteral("ran")).toBool(), false);
     }
 };
 

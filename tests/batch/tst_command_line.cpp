@@ -2,6 +2,12 @@
 
 #include "RyBatchRun.h"
 
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyNodeLookup.h"
+#include "rycore/scene/RyScene.h"
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -61,6 +67,33 @@ private slots:
         QCOMPARE(batch({QStringLiteral("--property"), edit, QStringLiteral("--undo"), QStringLiteral("--dump")}).out, before);
         QCOMPARE(batch({QStringLiteral("--property"), edit, QStringLiteral("--undo"), QStringLiteral("--redo"),
                         QStringLiteral("--dump")}).out, after);
+    }
+
+    void limitsAreKept()
+    {
+        const QString limited = file(QStringLiteral("limited.glb"));
+        {
+            QString error;
+            RyScene scene;
+            QVERIFY2(RySceneFile::open(&scene, sample(), &error), qPrintable(error));
+            RyFloatProperty *scale = RyNodeLookup::findValue(*scene.findNode(QStringLiteral("lForearm")), QStringLiteral("scale"), true, &error);
+            QVERIFY(scale);
+            scale->setMin(0.5f);
+            scale->setMax(2.0f);
+            scale->setIsClamped(true);
+            QVERIFY2(RySceneFile::save(&scene, limited, &error), qPrintable(error));
+        }
+        const QString script = m_run.write(QStringLiteral("limits.rsx"), "var bone = Scene.find('lForearm'), scale = bone.getValue('scale');\n"
+                                                                        "try { bone.setValue('scale', 3); } catch (error) { print(error.message); }\n"
+                                                                        "print(bone.getValue('scale') === scale);");
+        const Result byScript = run({QStringLiteral("--batch"), limited, QStringLiteral("--script"), script});
+        QVERIFY2(byScript.code == 0, byScript.err.constData());
+        const Result byVerb = run({QStringLiteral("--batch"), limited, QStringLiteral("--pose"), QStringLiteral("lForearm:scale=3"), QStringLiteral("--report")});
+        const QByteArray why = "\"scale\" cannot become 3; its limits are 0.5 to 2";
+        QCOMPARE(byVerb.code, 2);
+        QVERIFY2(byVerb.err.contains(why), byVerb.err.constData());
+        QVERIFY2(byScript.err.contains(why) && byScript.says("true"), byScript.err.constData());
+        QVERIFY(byVerb.json().value(QStringLiteral("undoSteps")).toArray().isEmpty());
     }
 
     void reportSaysWhatHappened()
@@ -150,7 +183,11 @@ private slots:
         row("rigging is no pose", {QStringLiteral("--pose"), QStringLiteral("lForearm:endX=3")}, "\"endX\"");
         row("no form", {QStringLiteral("--property"), QStringLiteral("endX")}, "NODE:NAME=VALUE");
         row("nothing to undo", {QStringLiteral("--undo")}, "nothing to undo");
+        row("nothing of a merge to undo", {QStringLiteral("--merge"), sample(), QStringLiteral("--undo")}, "--merge makes no step");
         row("stray word", {QStringLiteral("lForearm")}, "\"lForearm\"");
+        row("second file", {QStringLiteral("b.glb")}, "--merge b.glb");
+        row("no names", {QStringLiteral("--select"), QStringLiteral(",")}, "\",\" names no node");
+        row("unit for nothing", {QStringLiteral("--undo"), QStringLiteral("--unit"), QStringLiteral("2")}, "no file is read after it");
     }
 
     void wrongUseIsExplained()

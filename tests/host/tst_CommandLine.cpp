@@ -19,6 +19,13 @@ private slots:
         const CommandLine line = CommandLine::parse({"a.glb", "--frobnicate"});
         QCOMPARE(line.mode, CommandLine::Wrong);
         QVERIFY(line.error.contains("--frobnicate"));
+        const CommandLine verb = CommandLine::parse({"--select", "hip", "x.glb"});
+        QCOMPARE(verb.mode, CommandLine::Wrong);
+        QVERIFY2(verb.error.contains("--batch FILE --select"), qPrintable(verb.error));
+        QVERIFY(CommandLine::parse({"--set", "a=b"}).error.contains("--batch"));
+        const CommandLine demo = CommandLine::parse({"--demo"});
+        QCOMPARE(demo.mode, CommandLine::Wrong);
+        QVERIFY(demo.error.contains("folder"));
     }
     void batchKeepsItsArguments()
     {

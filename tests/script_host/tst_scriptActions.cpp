@@ -53,7 +53,7 @@ private slots:
                            "r.ran && !r.refused && r.reason === '' && r.boxes.length == 2 && r.boxes[1].title == 'Sure?'"
                            " && r.boxes[1].answered == 'Yes' && r.boxes[1].buttons.length == 2").toBool());
         QCOMPARE(action->said, QStringLiteral("12.5!"));
-        QVERIFY(s.evaluate("Actions.run('RyTestAskAction', null, {'Sure?': 'No', 'Words': 'Cancel'}).ran").toBool());
+        QVERIFY(s.evaluate("Actions.run('RyTestAskAction', null, {'Sure?': 'No', 'Words': 'Cancel'}).cancelled").toBool());
         QCOMPARE(action->said, QStringLiteral("12.5!?"));
         action->setEnabled(false);
         QVERIFY(s.evaluate("r = Actions.run('RyTestAskAction'); !r.ran && r.refused && r.reason != ''").toBool());

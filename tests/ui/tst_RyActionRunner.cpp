@@ -1,5 +1,8 @@
 #include "support/RyTest.h"
 
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/script/RyScript.h"
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyActionRunner.h"
@@ -9,14 +12,22 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <functional>
+
 class RyJEPlainAction : public RyAction
 {
     Q_OBJECT
 public:
     RyJEPlainAction() : RyAction(QStringLiteral("Plain"), QString()) {}
     using RyAction::setUnavailableReason;
-    void executeAction() override { ++runs; }
+    void executeAction() override
+    {
+        ++runs;
+        if (work)
+            work();
+    }
     int runs = 0;
+    std::function<void()> work;
 };
 
 class RyJEAskAction : public RyAction
@@ -195,8 +206,8 @@ private slots:
 
         m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("14"));
         result = run("RyJEPlainAction");
-        QVERIFY(!result.ran && result.wrongUse);
-        QVERIFY2(result.reason.contains(QLatin1String("CountSpn")), qPrintable(result.reason));
+        QVERIFY2(result.ran && result.wrongUse, "the action has run all the same");
+        QVERIFY2(result.reason.startsWith(QLatin1String("It ran, but")) && result.reason.contains(QLatin1String("CountSpn")), qPrintable(result.reason));
 
         m_runner.setField(QStringLiteral("Other/CountSpn"), QStringLiteral("14"));
         result = run("RyJECountAction");
@@ -220,6 +231,43 @@ private slots:
         QCOMPARE(distance("bone", "bones"), 1);
         QCOMPARE(distance("kitten", "sitting"), 3);
         QCOMPARE(distance("align", "snap"), distance("snap", "align"));
+    }
+
+    void answersThatGiveUpAreNoRefusal()
+    {
+        m_runner.setAnswer(QStringLiteral("Count Things"), QStringLiteral("Cancel"));
+        const RyActionResult result = run("RyJECountAction");
+        QVERIFY(result.cancelled && !result.ran && !result.refused && !result.wrongUse);
+        QVERIFY2(result.reason.contains(QLatin1String("Count Things")), qPrintable(result.reason));
+        QCOMPARE(result.toMap().value(QStringLiteral("cancelled")).toBool(), true);
+        // To say no is an answer like any other.
+        m_runner.setAnswer(QStringLiteral("Sure?"), QStringLiteral("No"));
+        QVERIFY(run("RyJEAskAction").ran);
+    }
+
+    void whatTheLogGets()
+    {
+        m_plain->work = [] { RyMessageLog::global().warning(QStringLiteral("The vertex 7 has no weight.")); };
+        RyMessageLog::global().setEcho(false);
+        RyActionResult result = run("RyJEPlainAction");
+        QVERIFY(result.ran);
+        QCOMPARE(result.notes, QStringList(QStringLiteral("The vertex 7 has no weight.")));
+        RyScriptEngine scripts;
+        m_plain->work = [] {
+            RyScript script(QStringLiteral("broken"));
+            script.setSource(QStringLiteral("\nmissing();"));
+            script.execute();
+        };
+        result = run("RyJEPlainAction");
+        QVERIFY(!result.ran && result.refused);
+        QVERIFY2(result.reason.startsWith(QLatin1String("broken(2): ")), qPrintable(result.reason));
+        m_plain->work = [] { RyScript(QString()).loadFromFile(QStringLiteral("/nowhere/at/all.rsx"), true); };
+        result = run("RyJEPlainAction");
+        QVERIFY(!result.ran && result.refused);
+        QVERIFY2(result.reason.contains(QLatin1String("all.rsx")) && result.reason.contains(QLatin1String("no such file")), qPrintable(result.reason));
+        m_plain->work = nullptr;
+        RyMessageLog::global().setEcho(true);
+        QVERIFY(run("RyJEPlainAction").ran);
     }
 };
 

@@ -172,8 +172,8 @@ private slots:
         static_cast<QFormLayout *>(m_first->parentWidget()->layout()->itemAt(0)->layout())->addRow(third);
         m_dialog->setApplyVisible(true);
         show();
-        m_dialog->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_dialog.get()));
+        // There may be no window manager that would do it.
+        QApplication::setActiveWindow(m_dialog.get());
         const QList<QWidget *> order = {m_first, m_second, third, button("Ok"), button("Cancel"), button("Apply")};
         for (QWidget *widget : order) {
             QCOMPARE(m_dialog->focusWidget(), widget);

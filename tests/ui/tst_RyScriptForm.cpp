@@ -75,11 +75,13 @@ private slots:
         m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"), QStringLiteral("name"));
         m_form->addText(QStringLiteral("label"), QStringLiteral("Label :"), QString(), QStringLiteral("label"));
         QVERIFY(!m_form->isAcceptEnabled());
-        QCOMPARE(m_form->getMessage(), QString());
+        QCOMPARE(m_form->getMessage(), QStringLiteral("\"Label\" is empty."));
         edit("label")->setText(QStringLiteral("Hip: left"));
         QVERIFY(m_form->isAcceptEnabled());
+        QCOMPARE(m_form->getMessage(), QString());
         edit("name")->clear();
         QVERIFY(!m_form->isAcceptEnabled());
+        QCOMPARE(m_form->getMessage(), QStringLiteral("\"Name\" is empty."));
         // Blanks at the ends do not count.
         edit("name")->setText(QStringLiteral(" left hip "));
         QVERIFY(m_form->isAcceptEnabled());
@@ -160,6 +162,28 @@ private slots:
         QCOMPARE(result.toString(), QStringLiteral("2,hip2,right,true"));
         QCOMPARE(driver.errors(), QStringList());
         QCOMPARE(driver.records().size(), size_t(1));
+    }
+
+    void staysOpenWhenItsScriptThrows()
+    {
+        QScriptEngine engine;
+        engine.globalObject().setProperty(QStringLiteral("form"), engine.newQObject(m_form.get()));
+        RyDialogDriver driver;
+        const QScriptValue result = engine.evaluate(QStringLiteral(
+            "form.setTitle('Check'); form.addText('name', 'Name :', 'hip');"
+            "form.accepting.connect(function() { missing(); }); form.exec() ? 'accepted' : 'cancelled'"));
+        QVERIFY2(!engine.hasUncaughtException(), qPrintable(engine.uncaughtException().toString()));
+        QCOMPARE(result.toString(), QStringLiteral("cancelled"));
+        QVERIFY(driver.records().at(0).refused);
+        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("missing")), qPrintable(driver.records().at(0).reason));
+    }
+
+    void greyButtonsSayWhy()
+    {
+        m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QString(), QStringLiteral("name"));
+        RyDialogDriver driver;
+        QCOMPARE(m_form->exec(), int(QDialog::Rejected));
+        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("\"Name\" is empty.")), qPrintable(driver.records().at(0).reason));
     }
 
     void scriptErrors_data()

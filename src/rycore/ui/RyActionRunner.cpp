@@ -1,7 +1,10 @@
 #include "rycore/ui/RyActionRunner.h"
 
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyDialogVerdict.h"
 #include "rycore/ui/RyTextDistance.h"
 
 #include <QCoreApplication>
@@ -30,35 +33,25 @@ QString stem(const QString &className)
     return text;
 }
 
-void judge(const RyDialogDriver &driver, RyActionResult &result)
+/// What the log and the script engine get while this lives.
+class LogWatch
 {
-    for (const RyDialogRecord &record : driver.records()) {
-        if (!record.tellsOfRefusal() && !record.refused)
-            continue;
-        result.refused = true;
-        result.reason = record.refused ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
-                                       : record.plainText();
-        break;
+public:
+    LogWatch() : m_warnings(RyMessageLog::global().warnings().size()), m_failures(failures()) {}
+
+    QStringList warnings() const { return RyMessageLog::global().warnings().mid(m_warnings); }
+    /// Why a script within it failed, empty when none did.
+    QString scriptFailure() const { return failures() > m_failures ? RyScriptEngine::current()->lastFailure() : QString(); }
+
+private:
+    static int failures()
+    {
+        const RyScriptEngine *scripts = RyScriptEngine::current();
+        return scripts ? scripts->failures() : 0;
     }
-    if (!driver.errors().isEmpty()) {
-        result.refused = false;
-        result.wrongUse = true;
-        result.reason = driver.errors().join(QLatin1Char(' '));
-    } else if (!driver.unusedFields().isEmpty() && !result.refused) {
-        result.wrongUse = true;
-        QStringList titles;
-        for (const RyDialogRecord &record : driver.records()) {
-            if (record.kind == RyDialogRecord::Dialog)
-                titles.append(QLatin1Char('"') + record.title + QLatin1Char('"'));
-        }
-        result.reason = titles.isEmpty()
-            ? tr("No dialog opened that could use %1.").arg(driver.unusedFields().join(QStringLiteral(", ")))
-            : tr("No dialog used %1; there was %2.").arg(driver.unusedFields().join(QStringLiteral(", ")),
-                                                          titles.join(QStringLiteral(", ")));
-    }
-    for (const QString &title : driver.unusedAnswers())
-        result.notes.append(tr("No message box \"%1\" asked for its answer.").arg(title));
-}
+    int m_warnings;
+    int m_failures;
+};
 
 } // namespace
 
@@ -69,7 +62,9 @@ QVariantMap RyActionResult::toMap() const
         boxes.append(record.toMap());
     return {{QStringLiteral("ran"), ran},
             {QStringLiteral("refused"), refused},
+            {QStringLiteral("cancelled"), cancelled},
             {QStringLiteral("reason"), reason},
+            {QStringLiteral("notes"), notes},
             {QStringLiteral("boxes"), boxes}};
 }
 
@@ -112,9 +107,23 @@ RyActionResult RyActionRunner::run(const QString &className)
         driver.setField(name, value);
     for (const auto &[title, button] : answers)
         driver.setAnswer(title, button);
+    const LogWatch log;
     action->trigger();
-    judge(driver, result);
-    result.ran = !result.refused && !result.wrongUse;
+    const RyDialogVerdict verdict = ryJudgeDialogs(driver);
+    result.refused = verdict.refused;
+    result.cancelled = verdict.cancelled;
+    result.wrongUse = verdict.wrongUse;
+    result.reason = verdict.reason;
+    result.notes = verdict.notes + log.warnings();
+    if (const QString failure = log.scriptFailure(); !failure.isEmpty() && !result.refused && !result.wrongUse) {
+        result.refused = true;
+        result.cancelled = false;
+        result.reason = failure;
+        result.notes.removeAll(failure);
+    }
+    result.ran = !result.refused && !result.cancelled && (!result.wrongUse || verdict.unused);
+    if (result.ran && result.wrongUse)
+        result.reason = tr("It ran, but: %1").arg(result.reason);
     result.dialogs = driver.records();
     return result;
 }

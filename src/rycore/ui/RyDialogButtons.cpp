@@ -113,6 +113,11 @@ QAbstractButton *RyDialogButtons::acceptButton(const QDialog *dialog)
     return boxesOf(dialog).isEmpty() ? defaultButton(dialog) : nullptr;
 }
 
+bool RyDialogButtons::givesUp(const QDialog *dialog, QAbstractButton *button)
+{
+    return button && buttonsOf(dialog).size() > 1 && roleOf(dialog, button) == QDialogButtonBox::RejectRole;
+}
+
 QAbstractButton *RyDialogButtons::findButton(const QDialog *dialog, const QString &name)
 {
     const auto bare = [](QString text) { return text.remove(QLatin1Char('&')).remove(QLatin1Char(' ')); };

@@ -17,6 +17,8 @@ QAbstractButton *defaultButton(const QDialog *dialog);
 QAbstractButton *escapeButton(const QDialog *dialog);
 /// What a person presses to accept a dialog: its Ok button, or one of that kind; null when there is none.
 QAbstractButton *acceptButton(const QDialog *dialog);
+/// Whether that button gives up what the dialog or message box is for: its Cancel or Abort, beside others.
+bool givesUp(const QDialog *dialog, QAbstractButton *button);
 /// By its text without mnemonic or by standard name ("Yes", "YesToAll"), whatever the case; null when there is none.
 QAbstractButton *findButton(const QDialog *dialog, const QString &name);
 

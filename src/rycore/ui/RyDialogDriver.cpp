@@ -1,5 +1,6 @@
 #include "rycore/ui/RyDialogDriver.h"
 
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyDialogButtons.h"
 #include "rycore/ui/RyScriptForm.h"
 #include "rycore/ui/RyWidgetFilling.h"
@@ -49,6 +50,13 @@ bool lookAlike(const RyDialogRecord &a, const RyDialogRecord &b)
 {
     return a.kind == b.kind && a.className == b.className && a.objectName == b.objectName && a.title == b.title
         && a.text == b.text && a.buttons == b.buttons;
+}
+
+/// What a form of a script says of its values.
+QString messageOf(const QDialog *dialog)
+{
+    const auto *form = qobject_cast<const RyScriptForm *>(dialog);
+    return form ? form->getMessage() : QString();
 }
 
 } // namespace
@@ -146,7 +154,7 @@ void RyDialogDriver::take(size_t level)
     emit opened(dialog);
     if (guard && guard->isVisible() && m_records.size() > record) {
         if (loops)
-            reject(dialog, record, tr("it opened again and again"));
+            leaveLoop(dialog, record);
         else if (auto *box = qobject_cast<QMessageBox *>(dialog))
             answerBox(box, record);
         else
@@ -208,6 +216,7 @@ void RyDialogDriver::answerBox(QMessageBox *box, size_t record)
         return;
     }
     m_records[record].answered = ryButtonName(button);
+    m_records[record].cancelled = RyDialogButtons::givesUp(box, button);
     button->click();
 }
 
@@ -267,10 +276,13 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
     const QPointer<QAbstractButton> pressed(button);
     QString complaint = tr("it did not take what its fields hold");
     m_records[record].answered = button ? ryButtonName(button) : QStringLiteral("accept");
+    m_records[record].cancelled = RyDialogButtons::givesUp(dialog, button);
     for (int attempt = 0; attempt < Attempts && guard && guard->isVisible(); ++attempt) {
         if (button && (!pressed || !pressed->isEnabled())) {
             const QStringList fields = ryDescribeFields(dialog);
-            const QString pressing = tr("its button %1 is disabled").arg(m_records[record].answered);
+            QString pressing = tr("its button %1 is disabled").arg(m_records[record].answered);
+            if (const QString why = messageOf(dialog); !why.isEmpty())
+                pressing += tr(" (%1)").arg(why);
             reject(dialog, record, fields.isEmpty() ? pressing : tr("%1; its fields are %2").arg(pressing, fields.join(QStringLiteral(", "))));
             return;
         }
@@ -286,12 +298,23 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
     }
     if (!guard || !guard->isVisible())
         return;
-    const auto *form = qobject_cast<RyScriptForm *>(dialog);
-    reject(dialog, record, form && !form->getMessage().isEmpty() ? form->getMessage() : complaint);
+    const QString why = messageOf(dialog);
+    reject(dialog, record, why.isEmpty() ? complaint : why);
+}
+
+void RyDialogDriver::leaveLoop(QDialog *dialog, size_t record)
+{
+    const QString reason = tr("it opened again and again");
+    // A script that asks in a loop does not notice that nobody is there.
+    RyScriptEngine *scripts = RyScriptEngine::current();
+    if (scripts && qobject_cast<const RyScriptForm *>(dialog))
+        scripts->stop(tr("The form \"%1\" was not accepted: %2.").arg(m_records[record].title, reason));
+    reject(dialog, record, reason);
 }
 
 void RyDialogDriver::reject(QDialog *dialog, size_t record, const QString &reason)
 {
+    m_records[record].cancelled = false;
     m_records[record].refused = true;
     m_records[record].reason = reason;
     const QPointer<QDialog> guard(dialog);

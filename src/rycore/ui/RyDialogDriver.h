@@ -15,7 +15,7 @@ class QTimer;
 /// A message box is answered by the rule for its title, otherwise by its default button, otherwise by the one that Escape
 /// presses. A dialog gets its fields filled and is accepted. One that stays open, because it corrected what was filled in,
 /// is accepted again a few times and then rejected; so is one whose fields do not fit, untouched by acceptance. What a
-/// dialog opens in turn is taken too. Dialogs that were open before are left alone, and so are progress dialogs. Where
+/// dialog opens in turn is taken too. What opens again and again is rejected, and a script whose form does so is stopped. Dialogs that were open before are left alone, and so are progress dialogs. Where
 /// several drivers live, the latest works.
 class RyDialogDriver : public QObject
 {
@@ -73,6 +73,7 @@ private:
     void answerBox(QMessageBox *box, size_t record);
     void acceptDialog(QDialog *dialog, size_t record);
     QStringList fillFields(QDialog *dialog);
+    void leaveLoop(QDialog *dialog, size_t record);
     void reject(QDialog *dialog, size_t record, const QString &reason);
 
     std::vector<std::unique_ptr<QTimer>> m_levels; // one for each event loop within a dialog's own handling

@@ -60,6 +60,7 @@ QVariantMap RyDialogRecord::toMap() const
         {QStringLiteral("parent"), parentName.isEmpty() ? parentClass : parentName},
         {QStringLiteral("answered"), answered},
         {QStringLiteral("refused"), refused},
+        {QStringLiteral("cancelled"), cancelled},
         {QStringLiteral("reason"), reason},
     };
 }

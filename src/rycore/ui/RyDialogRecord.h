@@ -26,6 +26,7 @@ struct RyDialogRecord
     QString parentName;
     QString answered;     // the button; "accept" or "reject" for a dialog that has none for it
     bool refused = false; // the dialog could not be accepted
+    bool cancelled = false; // what was pressed gives the work up
     bool corrects = false; // the box came from a dialog that stayed open after it, to be accepted again
     QString reason;       // why not
 
@@ -40,6 +41,6 @@ struct RyDialogRecord
     /// Everything in one line, for logs.
     QString describe() const;
     /// For scripts and reports: kind ("box" or "dialog"), name, title, text, icon, buttons, default, escape, parent, answered,
-    /// refused, reason.
+    /// refused, cancelled, reason.
     QVariantMap toMap() const;
 };

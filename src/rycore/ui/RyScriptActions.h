@@ -17,7 +17,7 @@ public:
     RyScriptActions(RyActionMgr *manager, QObject *parent);
 
     /// `fields` has values by object name of the dialogs' fields, `answers` buttons by title of the message boxes; both may be
-    /// left out. Returns an object with ran, refused, reason and boxes.
+    /// left out. Returns an object with ran, refused, cancelled, reason, notes and boxes.
     Q_INVOKABLE QScriptValue run(const QString &className, const QScriptValue &fields = QScriptValue(),
                                  const QScriptValue &answers = QScriptValue()) const;
     Q_INVOKABLE QStringList names() const;

@@ -1,5 +1,6 @@
 #include "rycore/ui/RyScriptForm.h"
 
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyBasicDialogValidator.h"
 #include "rycore/ui/RyNodeLabelValidator.h"
 #include "rycore/ui/RyNodeNameValidator.h"
@@ -17,6 +18,11 @@
 #include <QVBoxLayout>
 
 namespace {
+
+QString captionOf(const QLineEdit *field)
+{
+    return field->accessibleName().isEmpty() ? field->objectName() : field->accessibleName();
+}
 
 QValidator::State stateOf(const QLineEdit *field)
 {
@@ -36,8 +42,19 @@ public:
         auto *form = static_cast<RyScriptForm *>(dialog);
         form->setMessage(QString());
         form->m_isAccepting = true;
+        QScriptEngine *scripts = form->engine() ? form->engine() : RyScriptEngine::current();
+        QString failure;
+        const auto listening = !scripts ? QMetaObject::Connection()
+                                        : connect(scripts, &QScriptEngine::signalHandlerException, form,
+                                                  [&](const QScriptValue &error) { failure = error.toString(); });
         emit form->accepting();
+        QObject::disconnect(listening);
         form->m_isAccepting = false;
+        if (!failure.isEmpty()) {
+            // Nobody knows whether the values are good.
+            scripts->clearExceptions();
+            form->setMessage(tr("The script cannot tell whether this is right: %1").arg(failure));
+        }
         return form->getMessage().isEmpty();
     }
 };
@@ -199,8 +216,9 @@ void RyScriptForm::checkRules()
     for (const Rule &rule : m_rules) {
         const QValidator::State state = stateOf(rule.field);
         allKept = allKept && state == QValidator::Acceptable;
-        if (state == QValidator::Invalid)
-            message = rule.explanation;
+        if (state != QValidator::Acceptable && message.isEmpty())
+            message = rule.field->text().trimmed().isEmpty() ? tr("\"%1\" is empty.").arg(captionOf(rule.field))
+                                                             : rule.explanation;
     }
     enableAccept(allKept);
     // What a script says while it corrects the values stays.

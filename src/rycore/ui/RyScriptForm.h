@@ -19,8 +19,8 @@ class QLineEdit;
 ///     form.accepting.connect(function() { if (isTaken(form.value("name"))) form.setMessage("The name is taken."); });
 ///     if (form.exec()) node.setName(form.value("name"));
 ///
-/// The fields have their keys as object names. OK is off while a field holds what its rule does not allow; the form says
-/// why. Mistakes of the script (a key used twice, an unknown rule or key) are script errors.
+/// The fields have their keys as object names. OK is off while a field holds what its rule does not allow, or nothing; the
+/// form says why. It stays open, with the error, when a function connected to `accepting` throws. Mistakes of the script (a key used twice, an unknown rule or key) are script errors.
 class RyScriptForm : public RyBasicDialog, protected QScriptable
 {
     Q_OBJECT

@@ -4,8 +4,6 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
-#include <algorithm>
-
 RyViewToolAction::RyViewToolAction(const QString &toolClassName)
     : RyAction(QString(), QString()), m_toolClassName(toolClassName)
 {
@@ -35,14 +33,8 @@ void RyViewToolAction::executeAction()
     RyViewTool *tool = findTool();
     if (!tool)
         return;
-    RyViewportMgr *viewports = RyActionMgr::instance()->getViewportMgr();
-    RyViewTool *next = tool;
-    if (tool->isActive()) {
-        const std::vector<RyViewTool *> &tools = viewports->getTools();
-        const auto other = std::find_if(tools.begin(), tools.end(), [tool](RyViewTool *each) { return each != tool; });
-        next = other == tools.end() ? tool : *other;
-    }
-    viewports->setActiveTool(next);
+    RyActionMgr::instance()->getViewportMgr()->setActiveTool(tool);
+    // A checkable action has unchecked itself when it was active already.
     toolChanged();
 }
 

@@ -1,6 +1,8 @@
 #include "ryhost/batch/BatchArguments.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -28,6 +30,16 @@ bool isVerb(const QString &text)
     return text.startsWith(QLatin1String("--"));
 }
 
+bool isPictureOption(const QString &name)
+{
+    return name == QLatin1String("--view") || name == QLatin1String("--size");
+}
+
+bool isDialogOption(const QString &name)
+{
+    return name == QLatin1String("--set") || name == QLatin1String("--answer");
+}
+
 bool fail(QString *error, const QString &message)
 {
     *error = message;
@@ -48,11 +60,32 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
         if (!parseVerb(arguments, at, error))
             return false;
     }
+    if (!checkUnits(error))
+        return false;
     int toStandardOutput = 0;
     for (const BatchStep &step : qAsConst(steps))
         toStandardOutput += (step.verb == BatchStep::Dump || step.verb == BatchStep::Report) && step.value.isEmpty();
     if (toStandardOutput > 1)
         return fail(error, QStringLiteral("only one of --dump and --report can go to standard output; name a file for the others"));
+    return true;
+}
+
+bool BatchArguments::isKnownVerb(const QString &name)
+{
+    const auto isIt = [&](const VerbRow &row) { return name == QLatin1String(row.name); };
+    return isPictureOption(name) || isDialogOption(name) || std::any_of(std::begin(Verbs), std::end(Verbs), isIt);
+}
+
+bool BatchArguments::checkUnits(QString *error) const
+{
+    int first = 0;
+    while (first < steps.size() && steps.at(first).verb == BatchStep::Unit)
+        ++first;
+    for (int i = first; i < steps.size(); ++i) {
+        const auto reads = [](const BatchStep &step) { return step.verb == BatchStep::Merge; };
+        if (steps.at(i).verb == BatchStep::Unit && std::none_of(steps.begin() + i, steps.end(), reads))
+            return fail(error, QStringLiteral("--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
+    }
     return true;
 }
 
@@ -95,13 +128,12 @@ bool BatchArguments::parseDialogOption(const QString &name, const QString &value
 bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *error)
 {
     const QString &name = arguments.at(at);
-    const bool isPictureOption = name == QLatin1String("--view") || name == QLatin1String("--size");
-    if (isPictureOption || name == QLatin1String("--set") || name == QLatin1String("--answer")) {
+    if (isPictureOption(name) || isDialogOption(name)) {
         if (at + 1 >= arguments.size() || isVerb(arguments.at(at + 1)))
             return fail(error, QStringLiteral("%1 needs a value").arg(name));
         const QString &value = arguments.at(at + 1);
         at += 2;
-        return isPictureOption ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
+        return isPictureOption(name) ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
     }
     for (const VerbRow &row : Verbs) {
         if (name != QLatin1String(row.name))
@@ -127,5 +159,7 @@ bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *e
     }
     if (isVerb(name))
         return fail(error, QStringLiteral("%1 is no verb of a batch run; --help lists them").arg(name));
+    if (steps.isEmpty())
+        return fail(error, QStringLiteral("\"%1\" stands alone; to add a second file write --merge %1").arg(name));
     return fail(error, QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it").arg(name));
 }

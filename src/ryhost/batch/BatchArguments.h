@@ -25,11 +25,14 @@ class BatchArguments
 public:
     /// `arguments` without the program's name. False with a message on wrong use.
     bool parse(const QStringList &arguments, QString *error);
+    /// Whether a batch run knows the word, an option of a verb included.
+    static bool isKnownVerb(const QString &name);
 
     QString file;
     QList<BatchStep> steps;
 
 private:
+    bool checkUnits(QString *error) const;
     bool parseVerb(const QStringList &arguments, int &at, QString *error);
     bool parsePictureOption(const QString &name, const QString &value, QString *error);
     bool parseDialogOption(const QString &name, const QString &value, QString *error);

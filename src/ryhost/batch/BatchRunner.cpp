@@ -7,25 +7,41 @@
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/ui/RyActionRunner.h"
+#include "rycore/ui/RyDialogVerdict.h"
+#include "rycore/undo/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/HostPlugins.h"
 #include "ryhost/batch/BatchReport.h"
-#include "rycore/scene/RyNodeLookup.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QImage>
 #include <QImageWriter>
-#include <QBuffer>
 
 #include <cstdio>
 
-BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window) {}
+static constexpr int MostPoints = 20;
+
+BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window)
+{
+    // For scripts, which can go back to them.
+    ryRestorePoints()->setMost(MostPoints);
+}
+
+BatchRunner::~BatchRunner()
+{
+    if (RyRestorePoints *points = ryRestorePoints()) {
+        points->clear();
+        points->setMost(0);
+    }
+}
 
 void BatchRunner::print(const QString &message)
 {
@@ -75,11 +91,6 @@ void BatchRunner::note(const QString &during, const std::vector<RyDialogRecord> 
     }
 }
 
-ExitCode BatchRunner::runStep(const BatchStep &step)
-{
-    return step.verb == BatchStep::Run ? runAction(step) : runWatched(step);
-}
-
 void BatchRunner::activateTool()
 {
     RyViewportMgr &manager = *m_window.getViewportMgr();
@@ -105,36 +116,36 @@ ExitCode BatchRunner::runAction(const BatchStep &step)
     m_events.runs.append(QVariantMap{{QStringLiteral("action"), step.value},
                                      {QStringLiteral("ran"), result.ran},
                                      {QStringLiteral("refused"), result.refused},
+                                     {QStringLiteral("cancelled"), result.cancelled},
                                      {QStringLiteral("reason"), result.reason}});
-    if (result.ran)
+    if (result.cancelled && !result.wrongUse)
+        say(QStringLiteral("--run %1: cancelled. %2").arg(step.value, result.reason));
+    if ((result.ran || result.cancelled) && !result.wrongUse)
         return ExitCode::Done;
     return fail(result.wrongUse ? ExitCode::WrongUse : ExitCode::ActionRefused,
                 QStringLiteral("--run %1: %2").arg(step.value, result.reason));
 }
 
-ExitCode BatchRunner::runWatched(const BatchStep &step)
+ExitCode BatchRunner::runStep(const BatchStep &step)
 {
+    // An action takes its fields and answers itself.
     RyDialogDriver driver;
-    for (const auto &[name, value] : step.fields)
-        driver.setField(name, value);
-    for (const auto &[title, button] : step.answers)
-        driver.setAnswer(title, button);
+    if (step.verb == BatchStep::Script) {
+        for (const auto &[name, value] : step.fields)
+            driver.setField(name, value);
+        for (const auto &[title, button] : step.answers)
+            driver.setAnswer(title, button);
+    }
     const ExitCode code = runVerb(step);
     note(step.value, driver.records());
-    QStringList errors = driver.errors();
-    if (!driver.unusedFields().isEmpty())
-        errors.append(QStringLiteral("no dialog used %1").arg(driver.unusedFields().join(QStringLiteral(", "))));
-    for (const QString &title : driver.unusedAnswers())
-        say(QStringLiteral("%1: no message box \"%2\" asked for its answer").arg(step.value, title));
-    for (const QString &error : qAsConst(errors))
-        say(QStringLiteral("%1: %2").arg(step.value, error));
-    if (code != ExitCode::Done || !errors.isEmpty())
-        return code == ExitCode::Done ? ExitCode::WrongUse : code;
-    for (const RyDialogRecord &record : driver.records()) {
-        if (record.refused)
-            return fail(ExitCode::ActionRefused, QStringLiteral("%1: the dialog \"%2\" was not accepted: %3").arg(step.value, record.title, record.reason));
-    }
-    return ExitCode::Done;
+    const RyDialogVerdict verdict = ryJudgeDialogs(driver);
+    for (const QString &message : verdict.notes)
+        say(QStringLiteral("%1: %2").arg(step.value, message));
+    if (verdict.wrongUse || verdict.refused)
+        say(QStringLiteral("%1: %2").arg(step.value, verdict.reason));
+    if (code != ExitCode::Done)
+        return code;
+    return verdict.wrongUse ? ExitCode::WrongUse : verdict.refused ? ExitCode::ActionRefused : ExitCode::Done;
 }
 
 ExitCode BatchRunner::runVerb(const BatchStep &step)
@@ -181,6 +192,8 @@ ExitCode BatchRunner::open(const QString &path, bool merge)
     const bool opened = RySceneFile::open(m_window.getScene(), path, options, &error, &messages);
     for (const QString &message : qAsConst(messages))
         say(message);
+    if (opened && merge)
+        m_merged = true;
     return opened ? ExitCode::Done : fail(ExitCode::FileRefused, error);
 }
 
@@ -202,6 +215,8 @@ ExitCode BatchRunner::select(const QString &names)
                     return fail(ExitCode::WrongUse, QStringLiteral("--select: ") + error);
                 nodes.push_back(node);
             }
+            if (nodes.empty())
+                return fail(ExitCode::WrongUse, QStringLiteral("--select: \"%1\" names no node; \"none\" selects none").arg(names));
         }
     }
     scene.setSelection(nodes);
@@ -216,20 +231,23 @@ ExitCode BatchRunner::writeProperty(const QString &text, bool poseOnly)
     RyFloatProperty *property = RyNodeLookup::findProperty(*m_window.getScene(), text, poseOnly, &value, &error);
     if (!property)
         return fail(ExitCode::WrongUse, verb + error);
+    if (!RyNodeLookup::canBecome(*property, value, &error))
+        return fail(ExitCode::WrongUse, verb + error);
     RyUndoStackHold hold;
     property->adjustValue(value);
     hold.accept(QStringLiteral("Change %1").arg(property->getLabel()));
-    if (property->getValue() != value)
-        say(QStringLiteral("%1\"%2\" became %3, which is as far as its limits let it").arg(verb, text).arg(double(property->getValue())));
     return ExitCode::Done;
 }
 
 ExitCode BatchRunner::undoOrRedo(bool redo)
 {
     RyUndoStack &stack = *ryUndoStack();
-    if (redo ? !stack.canRedo() : !stack.canUndo())
-        return fail(ExitCode::WrongUse, redo ? QStringLiteral("--redo: there is nothing to redo")
-                                             : QStringLiteral("--undo: there is nothing to undo"));
+    if (redo && !stack.canRedo())
+        return fail(ExitCode::WrongUse, QStringLiteral("--redo: there is nothing to redo"));
+    if (!redo && !stack.canUndo()) {
+        return fail(ExitCode::WrongUse, m_merged ? QStringLiteral("--undo: there is nothing to undo; --merge makes no step")
+                                                 : QStringLiteral("--undo: there is nothing to undo"));
+    }
     redo ? stack.redo() : stack.undo();
     return ExitCode::Done;
 }
@@ -283,7 +301,8 @@ ExitCode BatchRunner::runScript(const QString &path)
     activateTool();
     RyScript script{QString()};
     if (!script.loadFromFile(path, true))
-        return fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script could not be read").arg(path));
+        return fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script cannot be read: %2").arg(path, script.getError()));
+    const RyRestoreSpan span(QStringLiteral("Run %1").arg(script.getName()));
     return script.execute() ? ExitCode::Done
                             : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
 }

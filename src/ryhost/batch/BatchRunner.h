@@ -16,10 +16,14 @@ class BatchRunner
 {
 public:
     explicit BatchRunner(RyMainWindow &window);
+    ~BatchRunner();
+    BatchRunner(const BatchRunner &) = delete;
+    BatchRunner &operator=(const BatchRunner &) = delete;
 
     ExitCode run(const BatchArguments &arguments);
 
 private:
+    /// With the dialogs that open taken.
     ExitCode runStep(const BatchStep &step);
     ExitCode open(const QString &path, bool merge);
     ExitCode select(const QString &names);
@@ -30,8 +34,6 @@ private:
     ExitCode writeText(const QString &path, const QByteArray &text);
     ExitCode runScript(const QString &path);
     ExitCode runAction(const BatchStep &step);
-    /// Runs a step other than an action, with its dialogs taken.
-    ExitCode runWatched(const BatchStep &step);
     ExitCode runVerb(const BatchStep &step);
     /// The joint editor, as in a window where a person would use its actions.
     void activateTool();
@@ -42,6 +44,7 @@ private:
 
     RyMainWindow &m_window;
     double m_unit = 0.0;
+    bool m_merged = false;
     BatchEvents m_events;
 };
 
