@@ -19,10 +19,12 @@
 #include <QTimer>
 #include <QTreeView>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int FieldWidth = 220;
-constexpr int ResultsWidth = 620;
+constexpr int ResultsWidth = 820;
 constexpr int VisibleRows = 14;
 constexpr int ReasonMilliseconds = 6000;
 
@@ -101,7 +103,7 @@ void ActionSearch::search()
         for (QStandardItem *item : row) {
             item->setEditable(false);
             item->setEnabled(action->isEnabled());
-            item->setToolTip(action->toolTip());
+            item->setToolTip(reason.isEmpty() || action->toolTip().contains(reason) ? action->toolTip() : reason);
         }
         if (firstEnabled < 0 && action->isEnabled())
             firstEnabled = m_model->rowCount();
@@ -112,7 +114,8 @@ void ActionSearch::search()
         nothing->setEnabled(false);
         m_model->appendRow(nothing);
     }
-    m_completer->complete(QRect(width() - ResultsWidth, 0, ResultsWidth, height()));
+    const int resultsWidth = std::min(ResultsWidth, m_window->width());
+    m_completer->complete(QRect(width() - resultsWidth, 0, resultsWidth, height()));
     QHeaderView *header = m_results->header();
     header->setStretchLastSection(false);
     header->setSectionResizeMode(QHeaderView::ResizeToContents);

@@ -55,7 +55,10 @@ Match matchOf(const CommandList::Command &command, const QString &query)
     const QString description = propertyText(action, "description");
     const QString everything =
         command.name + QLatin1Char('\n') + command.path + QLatin1Char('\n') + (description.isEmpty() ? action->statusTip() : description);
-    for (const QString &word : wordsOf(query)) {
+    const QStringList words = wordsOf(query);
+    if (words.isEmpty())
+        match.rank = NotFound; // signs alone
+    for (const QString &word : words) {
         if (placeOfWord(nameWords, word) >= 0)
             continue;
         const int place = placeOfWord(otherWords, word);

@@ -5,6 +5,7 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStack.h"
 
 #include <QDir>
@@ -126,6 +127,8 @@ bool HostFiles::openPathAsking(const QString &path)
 bool HostFiles::mergePath(const QString &path)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
+    // Opening makes no steps.
+    const RyRestoreGuard guard(tr("Merge %1").arg(QFileInfo(path).fileName()));
     if (!load(absolute, true))
         return false;
     emit opened();

@@ -3,7 +3,6 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/script/RyScript.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyMenu.h"
@@ -19,6 +18,7 @@
 #include "ryhost/HostIcons.h"
 #include "ryhost/HostWindow.h"
 #include "ryhost/RestoreMenu.h"
+#include "ryhost/ScriptRun.h"
 #include "ryhost/menuText.h"
 
 #include <QActionGroup>
@@ -28,7 +28,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenuBar>
-#include <QMessageBox>
 
 namespace {
 
@@ -132,7 +131,7 @@ void HostMenus::makeFileMenu()
                 tr("Save to another file")),
             &QAction::triggered, files, [files] { files->saveAs(); });
     menu->addSeparator();
-    connect(add(menu, QStringLiteral("FileQuit"), tr("&Quit"), QString(), QKeySequence(QStringLiteral("Ctrl+Q")), QString()),
+    connect(add(menu, QStringLiteral("FileQuit"), tr("&Quit"), QString(), QKeySequence(QStringLiteral("Ctrl+Q")), tr("Close the window; unsaved changes are asked about")),
             &QAction::triggered, m_window, &QWidget::close);
 }
 
@@ -144,13 +143,17 @@ void HostMenus::fillRecent()
         QAction *action = m_recent->addAction(menuTextOf(QFileInfo(path).fileName()));
         setAvailable(action, QFileInfo::exists(path), tr("%1 is not there any more.").arg(QDir::toNativeSeparators(path)),
                      QDir::toNativeSeparators(path));
-        connect(action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); });
+        // Queued: opening fills this menu anew, and the action would be gone while it is triggered.
+        connect(action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); }, Qt::QueuedConnection);
     }
-    setAvailable(m_recent->menuAction(), !files.isEmpty(), tr("No file has been opened or saved yet."), QString());
+    setAvailable(m_recent->menuAction(), !files.isEmpty(), tr("No file has been opened or saved yet."),
+                 tr("Open one of the latest files in place of this scene"));
     if (files.isEmpty())
         return;
     m_recent->addSeparator();
-    connect(m_recent->addAction(tr("Clear List")), &QAction::triggered, m_window->files(), &HostFiles::clearRecent);
+    QAction *clear = m_recent->addAction(tr("Clear List"));
+    clear->setStatusTip(tr("Forget which files have been opened; the files stay"));
+    connect(clear, &QAction::triggered, m_window->files(), &HostFiles::clearRecent, Qt::QueuedConnection);
 }
 
 void HostMenus::makeEditMenu()
@@ -167,7 +170,7 @@ void HostMenus::makeEditMenu()
     new RestoreMenu(menu, m_window, this);
     menu->addSeparator();
     connect(add(menu, QStringLiteral("EditSelectNone"), tr("Select &None"), QString(),
-                QKeySequence(QStringLiteral("Ctrl+Shift+A")), QString()),
+                QKeySequence(QStringLiteral("Ctrl+Shift+A")), tr("Select nothing")),
             &QAction::triggered, m_window->getScene(), [this] { m_window->getScene()->selectAllNodes(false); });
     connect(add(menu, QStringLiteral("EditRestorePose"), tr("Restore &Pose"), QString(), QKeySequence(),
                 tr("Put every node back into its rest pose")),
@@ -207,21 +210,22 @@ void HostMenus::makeViewMenu()
     menu->setObjectName(QStringLiteral("ViewMenu"));
     Ry3DViewport *viewport = m_window->viewport();
     // The text after the tab shows the viewport's own key.
-    connect(add(menu, QStringLiteral("ViewFrameSelection"), tr("&Frame Selection\tF"), QStringLiteral("frame"), QKeySequence(), QString()),
+    connect(add(menu, QStringLiteral("ViewFrameSelection"), tr("&Frame Selection\tF"), QStringLiteral("frame"), QKeySequence(), tr("Bring what is selected into view")),
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(true); });
-    connect(add(menu, QStringLiteral("ViewFrameAll"), tr("Frame &All\tA"), QString(), QKeySequence(), QString()),
+    connect(add(menu, QStringLiteral("ViewFrameAll"), tr("Frame &All\tA"), QString(), QKeySequence(), tr("Bring the whole scene into view")),
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(false); });
     menu->addSeparator();
     using View = Ry3DViewport::StandardView;
-    const auto addView = [&](const char *name, const QString &text, View view) {
-        connect(add(menu, QString::fromLatin1(name), text, QString(), QKeySequence(), QString()), &QAction::triggered, viewport,
+    const auto addView = [&](const char *name, const QString &text, View view, const QString &tip) {
+        connect(add(menu, QString::fromLatin1(name), text, QString(), QKeySequence(), tip), &QAction::triggered, viewport,
                 [viewport, view] { viewport->setStandardView(view); });
     };
-    addView("ViewFront", tr("F&ront\tNum 1"), View::Front);
-    addView("ViewSide", tr("&Side\tNum 3"), View::Side);
-    addView("ViewTop", tr("&Top\tNum 7"), View::Top);
-    addView("ViewPerspective", tr("&Perspective"), View::Perspective);
-    connect(add(menu, QStringLiteral("ViewProjection"), tr("Perspective or &Orthographic\tNum 5"), QString(), QKeySequence(), QString()),
+    addView("ViewFront", tr("F&ront\tNum 1"), View::Front, tr("Look from the front"));
+    addView("ViewSide", tr("&Side\tNum 3"), View::Side, tr("Look from the side"));
+    addView("ViewTop", tr("&Top\tNum 7"), View::Top, tr("Look from above"));
+    addView("ViewPerspective", tr("&Perspective"), View::Perspective, tr("Look from the front and a little aside, in perspective"));
+    connect(add(menu, QStringLiteral("ViewProjection"), tr("Perspective or &Orthographic\tNum 5"), QString(), QKeySequence(),
+                tr("Switch between perspective and parallel projection")),
             &QAction::triggered, viewport, [viewport] {
                 RyCameraController controller = viewport->cameraController();
                 controller.setOrthographic(!viewport->matrices().isOrthographic());
@@ -234,15 +238,18 @@ void HostMenus::makeViewMenu()
     auto *themes = new QActionGroup(this);
     for (bool dark : {true, false}) {
         QAction *theme = add(menu, dark ? QStringLiteral("ViewDark") : QStringLiteral("ViewLight"),
-                             dark ? tr("&Dark Look") : tr("&Light Look"), QString(), QKeySequence(), QString());
+                             dark ? tr("&Dark Look") : tr("&Light Look"), QString(), QKeySequence(),
+                             dark ? tr("Bright text on dark panes") : tr("Dark text on bright panes"));
         theme->setCheckable(true);
         theme->setChecked(dark == m_window->isDark());
         themes->addAction(theme);
         connect(theme, &QAction::triggered, m_window, [this, dark] { m_window->setDark(dark); });
     }
     menu->addSeparator();
-    for (QDockWidget *dock : m_window->docks())
+    for (QDockWidget *dock : m_window->docks()) {
+        dock->toggleViewAction()->setStatusTip(tr("Show or hide the pane %1").arg(dock->windowTitle()));
         menu->addAction(dock->toggleViewAction());
+    }
     connect(add(menu, QStringLiteral("ViewResetLayout"), tr("Reset La&yout"), QString(), QKeySequence(),
                 tr("Bring all panes back to their first places")),
             &QAction::triggered, m_window, &HostWindow::resetLayout);
@@ -252,7 +259,8 @@ void HostMenus::makeHelpMenu()
 {
     QMenu *menu = m_window->menuBar()->addMenu(tr("&Help"));
     menu->setObjectName(QStringLiteral("HelpMenu"));
-    connect(add(menu, QStringLiteral("HelpGuide"), tr("&Guide"), QString(), QKeySequence::HelpContents, QString()),
+    connect(add(menu, QStringLiteral("HelpGuide"), tr("&Guide"), QString(), QKeySequence::HelpContents,
+                tr("Read how the program is used")),
             &QAction::triggered, this, &HostMenus::showGuide);
     QAction *search = add(menu, QStringLiteral("HelpSearch"), tr("&Search Actions"), QStringLiteral("search"), QKeySequence(),
                           tr("Find any command by its name"));
@@ -295,6 +303,7 @@ void HostMenus::fillTools()
         if (withAction.contains(QString::fromLatin1(tool->metaObject()->className())))
             continue;
         QAction *action = m_tools->addAction(menuTextOf(tool->objectName()));
+        action->setStatusTip(tr("Work with the tool %1").arg(tool->objectName()));
         action->setCheckable(true);
         action->setChecked(tool == viewports->getActiveTool());
         const QString className = QString::fromLatin1(tool->metaObject()->className());
@@ -326,10 +335,12 @@ void HostMenus::fillToolMenus()
 void HostMenus::fillScripts()
 {
     m_scripts->clear();
-    connect(m_scripts->addAction(tr("&Run Script...")), &QAction::triggered, this, [this] {
+    QAction *choose = m_scripts->addAction(tr("&Run Script..."));
+    choose->setStatusTip(tr("Run a script file"));
+    connect(choose, &QAction::triggered, this, [this] {
         const QString path = QFileDialog::getOpenFileName(m_window, tr("Run Script"), RyApp::getHomePath(), tr("Scripts (*.rsx)"));
         if (!path.isEmpty())
-            runScript(path);
+            ScriptRun(m_window).run(path);
     });
     QStringList paths;
     QDirIterator walk(RyApp::getHomePath() + QStringLiteral("/scripts"), {QStringLiteral("*.rsx")}, QDir::Files,
@@ -341,14 +352,7 @@ void HostMenus::fillScripts()
         m_scripts->addSeparator();
     for (const QString &path : paths) {
         QAction *action = m_scripts->addAction(menuTextOf(QFileInfo(path).completeBaseName()));
-        action->setStatusTip(path);
-        connect(action, &QAction::triggered, this, [this, path] { runScript(path); });
+        action->setStatusTip(tr("Run %1; Escape stops it").arg(QDir::toNativeSeparators(path)));
+        connect(action, &QAction::triggered, this, [this, path] { ScriptRun(m_window).run(path); });
     }
-}
-
-void HostMenus::runScript(const QString &path)
-{
-    RyScript script{QString()};
-    if (!script.loadFromFile(path, false) || !script.execute())
-        QMessageBox::warning(m_window, tr("Script Failed"), tr("%1\n\nThe message log says why.").arg(path));
 }

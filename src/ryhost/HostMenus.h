@@ -32,7 +32,6 @@ private:
     void fillScripts();
     void updateUndo();
     void restorePose();
-    void runScript(const QString &path);
     void showGuide();
 
     HostWindow *m_window;

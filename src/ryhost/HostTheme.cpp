@@ -39,6 +39,7 @@ QPalette makePalette(bool dark)
     for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);
     palette.setColor(QPalette::Disabled, QPalette::Highlight, faint);
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, palette.color(QPalette::HighlightedText));
     return palette;
 }
 

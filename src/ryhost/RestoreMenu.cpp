@@ -73,6 +73,7 @@ void RestoreMenu::fillHistory()
     for (int done = first; done <= last; ++done) {
         QAction *action = m_history->addAction(done == 0 ? tr("Beginning") : menuTextOf(stack->caption(done - 1)));
         action->setObjectName(QStringLiteral("HistoryStep%1").arg(done));
+        action->setStatusTip(done == 0 ? tr("Undo all steps") : tr("Undo or redo up to this step"));
         action->setCheckable(true);
         action->setChecked(done == stack->index());
         connect(action, &QAction::triggered, this, [this, done] { goTo(done); }, Qt::QueuedConnection);

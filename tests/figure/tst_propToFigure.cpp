@@ -202,8 +202,11 @@ private slots:
         RyNode *bare = new RyNode;
         ryScene()->addNode(bare);
         RyNode *empty = makeProp(nullptr, 0);
+        // Nobody would hold the figure.
+        const RyRef<RyNode> loose(makeProp(nullptr));
+        ryScene()->removeNode(loose.get());
         const QString dump = rySceneDump(*ryScene());
-        for (RyNode *node : std::vector<RyNode *>{nullptr, scene.figure, bone, bare, empty})
+        for (RyNode *node : std::vector<RyNode *>{nullptr, scene.figure, bone, bare, empty, loose.get()})
             QVERIFY(!RyFigure::convertPropToFigure(node, QStringLiteral("hip"), true, true));
         QCOMPARE(rySceneDump(*ryScene()), dump);
         QCOMPARE(ryUndoStack()->count(), 0);

@@ -58,6 +58,8 @@ private slots:
         QCOMPARE(names("straighten parent"), QStringList());
         QCOMPARE(names("  rig   edit roll "), QStringList({"Align Node", "Auto Align"}));
         QCOMPARE(names("xyzzy"), QStringList());
+        QCOMPARE(names("?!"), QStringList());
+        QCOMPARE(names("..."), QStringList());
     }
 
     void emptyFindsAllInOrder()

@@ -2,12 +2,17 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
+#include "rycore/ui/RyActionRunner.h"
 #include "rycore/ui/RyMenu.h"
+#include "rycore/ui/RyViewToolAction.h"
+#include "rycore/undo/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
@@ -19,10 +24,12 @@
 #include "ryhost/ToolSettingsPane.h"
 #include "ryhost/menuText.h"
 
+#include <QActionGroup>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QTemporaryDir>
+#include <QToolBar>
 #include <QToolButton>
 #include <QToolTip>
 #include <QTreeView>
@@ -134,10 +141,55 @@ private slots:
                 if (entry->isSeparator() || (entry->menu() && entry->menu()->actions().size() > 0) || !entry->isEnabled())
                     continue;
                 QVERIFY2(doesSomething(entry), what.constData());
+                QVERIFY2(!entry->statusTip().isEmpty(), what.constData());
             }
             QVERIFY2(!previous || !previous->isSeparator(), qPrintable(menu->title()));
         }
         QVERIFY(seen > 100);
+    }
+
+    void theCheckSeesDeadEntries()
+    {
+        QMenu *menu = m_window->findChild<QMenu *>(QStringLiteral("ViewMenu"));
+        QActionGroup group(nullptr);
+        QAction dead(QStringLiteral("Dead")), toggled(QStringLiteral("Toggled")), alive(QStringLiteral("Alive"));
+        RyAction empty(QStringLiteral("Empty"), QString());
+        for (QAction *action : std::initializer_list<QAction *>{&dead, &toggled, &alive, &empty})
+            menu->addAction(action);
+        group.addAction(&dead);
+        QVERIFY(!doesSomething(&dead));
+        QVERIFY(!doesSomething(&empty));
+        connect(&alive, &QAction::triggered, &alive, [] {});
+        connect(&toggled, &QAction::toggled, &toggled, [] {});
+        QVERIFY(doesSomething(&alive));
+        QVERIFY(doesSomething(&toggled));
+    }
+
+    void everyActionHasAnEffect_data()
+    {
+        QTest::addColumn<QString>("className");
+        for (const RyAction *action : m_window->getActionMgr()->getActions()) {
+            // What is to come says so and cannot be run.
+            if (!action->unavailableReason().startsWith(QLatin1String("Not available yet")))
+                QTest::newRow(action->metaObject()->className()) << QString::fromLatin1(action->metaObject()->className());
+        }
+    }
+
+    void everyActionHasAnEffect()
+    {
+        QFETCH(QString, className);
+        const QString figure = ryScene()->getSkeletons().front()->getName();
+        bool isAlive = false;
+        for (const QStringList &selected : {QStringList{QStringLiteral("lForearm")}, QStringList{QStringLiteral("lForearm"), QStringLiteral("rForearm")},
+                                            QStringList{figure}, QStringList{}})
+            isAlive = isAlive || hasEffect(className, selected);
+        if (qobject_cast<RyViewToolAction *>(m_window->getActionMgr()->findAction(className))) {
+            RyViewportMgr *viewports = m_window->getViewportMgr();
+            viewports->setActiveTool(viewports->findTool(QStringLiteral("RySelectTool")));
+            m_window->getActionMgr()->findAction(className)->trigger();
+            isAlive = viewports->getActiveTool() != viewports->findTool(QStringLiteral("RySelectTool"));
+        }
+        QVERIFY(isAlive);
     }
 
     void noKeyTwice()
@@ -286,7 +338,7 @@ private slots:
         QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEnabled));
         QCOMPARE(rows->index(0, 1).data().toString(), QStringLiteral("Joint Editor > Align - Select a bone or a figure first."));
         press(Qt::Key_Return);
-        QTest::qWait(10);
+        QCoreApplication::processEvents();
         QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("Select a bone or a figure first."));
         QCOMPARE(ryUndoStack()->count(), 0);
         QCOMPARE(search->text(), QStringLiteral("align all"));
@@ -329,21 +381,80 @@ private:
         }
         return menus;
     }
-    /// An action runs what its class says; any other must be heard by somebody.
-    static bool doesSomething(const QAction *entry)
+    static int receiversOf(const QAction *action, const char *signal)
     {
         struct Spy : QAction
         {
             using QAction::receivers;
         };
-        const auto receivers = [entry](const char *signal) { return static_cast<const Spy *>(entry)->receivers(signal); };
-        if (receivers(SIGNAL(toggled(bool))) > 0)
+        return static_cast<const Spy *>(action)->receivers(signal);
+    }
+    /// How often somebody listens, those not counted who listen to every action that is put into them.
+    static int listenersOf(const QAction *entry, const char *signal)
+    {
+        const auto listening = [signal](auto &&container) {
+            QAction probe;
+            container.addAction(&probe);
+            return receiversOf(&probe, signal);
+        };
+        int containers = 0;
+        for (const QWidget *widget : entry->associatedWidgets()) {
+            if (qobject_cast<const QMenu *>(widget))
+                containers += listening(QMenu());
+            else if (qobject_cast<const QMenuBar *>(widget))
+                containers += listening(QMenuBar());
+            else if (qobject_cast<const QToolBar *>(widget))
+                containers += listening(QToolBar());
+        }
+        if (entry->actionGroup())
+            containers += listening(QActionGroup(nullptr));
+        return receiversOf(entry, signal) - containers;
+    }
+    /// An action runs what its class says; any other must be heard by somebody.
+    static bool doesSomething(const QAction *entry)
+    {
+        if (listenersOf(entry, SIGNAL(toggled(bool))) > 0)
             return true;
-        if (!qobject_cast<const RyAction *>(entry))
-            return receivers(SIGNAL(triggered(bool))) > 0;
-        const QMetaObject *metaObject = entry->metaObject();
-        const int slot = metaObject->indexOfSlot("executeAction()");
-        return metaObject->method(slot).enclosingMetaObject() != &RyAction::staticMetaObject;
+        if (const auto *action = qobject_cast<const RyAction *>(entry)) {
+            const QMetaObject *metaObject = action->metaObject();
+            return metaObject->method(metaObject->indexOfSlot("executeAction()")).enclosingMetaObject() != &RyAction::staticMetaObject;
+        }
+        return listenersOf(entry, SIGNAL(triggered(bool))) > 0;
+    }
+    /// Everything that an action may change.
+    QString stateOfAll() const
+    {
+        QStringList state{rySceneDump(*ryScene()), QString::number(ryUndoStack()->count())};
+        for (int i = 0; i < ryUndoStack()->count(); ++i)
+            state.append(ryUndoStack()->caption(i));
+        for (const RyAction *action : m_window->getActionMgr()->getActions())
+            state.append(QString::number(action->isChecked()));
+        for (const QAbstractButton *button : m_window->toolSettingsPane()->findChildren<QAbstractButton *>())
+            state.append(QString::number(button->isChecked()));
+        const RyViewTool *tool = m_window->getViewportMgr()->getActiveTool();
+        state.append(tool ? tool->objectName() : QString());
+        return state.join(QLatin1Char('\n'));
+    }
+    /// Whether it changes something, opens a dialog or says something; everything is as before afterwards.
+    bool hasEffect(const QString &className, const QStringList &selected)
+    {
+        std::vector<RyNode *> nodes;
+        for (const QString &name : selected)
+            nodes.push_back(ryScene()->findNode(name));
+        ryScene()->setSelection(nodes);
+        QCoreApplication::sendPostedEvents();
+        RyRestoreSpan span(className);
+        // Posed and moved, for actions that bring the one into the other.
+        RyNode *forearm = ryScene()->findNode(QStringLiteral("lForearm"));
+        forearm->getYRotControl()->setValue(20);
+        forearm->adjustOrigin(forearm->getOrigin() + RyVec3(0, 2, 0));
+        const QString before = stateOfAll();
+        RyActionRunner runner(m_window->getActionMgr());
+        const RyActionResult result = runner.run(className);
+        const bool changed = !result.dialogs.empty() || stateOfAll() != before;
+        RyViewportMgr *viewports = m_window->getViewportMgr();
+        viewports->setActiveTool(viewports->findTool(QStringLiteral("RyJointEditorTool")));
+        return span.goBack() && changed;
     }
     /// Moves the real pointer through the sub-menus to the entry of an action.
     void hover(QMenu *menu, const QString &className)

@@ -27,6 +27,7 @@
 #include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -216,6 +217,28 @@ private slots:
         QVERIFY(m_window->files()->openPath(path));
         QCOMPARE(qRound(m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->getValue()), 20);
         QVERIFY(m_window->files()->save());
+    }
+
+    void recentFilesFromTheirMenu()
+    {
+        const QStringList paths{m_folder.filePath(QStringLiteral("one.glb")), m_folder.filePath(QStringLiteral("two.glb"))};
+        for (const QString &path : paths)
+            QVERIFY(m_window->files()->savePath(path));
+        auto *menu = m_window->findChild<QMenu *>(QStringLiteral("RecentMenu"));
+        // Triggering fills the menu anew: the action must outlive its own signal.
+        const QPointer<QAction> first(menu->actions().at(1));
+        QCOMPARE(first->text(), QStringLiteral("one.glb"));
+        connect(first, &QAction::triggered, this, [&] { QVERIFY(first); });
+        first->trigger();
+        QCoreApplication::processEvents();
+        QCOMPARE(m_window->files()->path(), paths.first());
+        QCOMPARE(menu->actions().first()->text(), QStringLiteral("one.glb"));
+        const QPointer<QAction> clear(menu->actions().last());
+        QCOMPARE(clear->text(), QStringLiteral("Clear List"));
+        connect(clear, &QAction::triggered, this, [&] { QVERIFY(clear); });
+        clear->trigger();
+        QCoreApplication::processEvents();
+        QVERIFY(menu->actions().isEmpty() && !menu->menuAction()->isEnabled());
     }
 
     void refusedFilesLeaveTheScene()

@@ -18,6 +18,7 @@
 #include "ryhost/HostFiles.h"
 #include "ryhost/HostWindow.h"
 
+#include <QFile>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>
@@ -58,6 +59,8 @@ public:
 };
 
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<void(QWidget *)>)
 
 class RestoreMenuTest : public QObject
 {
@@ -204,6 +207,85 @@ private slots:
         QCOMPARE(ryRestorePoints()->count(), 2);
     }
 
+    void aLostReleaseEndsTheDrag_data()
+    {
+        QTest::addColumn<std::function<void(QWidget *)>>("lose");
+        QTest::newRow("a move without buttons") << std::function<void(QWidget *)>([](QWidget *viewport) {
+            QMouseEvent move(QEvent::MouseMove, QPoint(60, 60), viewport->mapToGlobal(QPoint(60, 60)), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &move);
+        });
+        QTest::newRow("hidden") << std::function<void(QWidget *)>([](QWidget *viewport) { viewport->hide(); });
+        QTest::newRow("another press") << std::function<void(QWidget *)>([](QWidget *viewport) {
+            QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier, QPoint(80, 80));
+        });
+    }
+
+    void aLostReleaseEndsTheDrag()
+    {
+        QFETCH(std::function<void(QWidget *)>, lose);
+        auto *tool = new ToyTool;
+        m_window->getViewportMgr()->addTool(tool);
+        m_window->getViewportMgr()->setActiveTool(tool);
+        std::unique_ptr<RyUndoStackHold> hold;
+        int releases = 0;
+        tool->press = [&] {
+            QVERIFY(!hold);
+            hold = std::make_unique<RyUndoStackHold>();
+            bone()->getZRotControl()->setValue(33);
+        };
+        tool->release = [&] {
+            ++releases;
+            hold->accept(QStringLiteral("Drag"));
+            hold.reset();
+        };
+        QTest::mousePress(m_window->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
+        QVERIFY(m_window->viewport()->isToolDragging() && !ryUndoStack()->canUndo());
+        lose(m_window->viewport());
+        QVERIFY(!m_window->viewport()->isToolDragging());
+        QVERIFY(releases > 0);
+        QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Drag"));
+        // Nothing waits that would keep other commands from leaving points.
+        ToyAction action(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
+        action.trigger();
+        QCOMPARE(ryRestorePoints()->captions(), QStringList(QStringLiteral("Hide")));
+    }
+
+    void mergingCanBeTakenBack()
+    {
+        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")), second = m_folder.filePath(QStringLiteral("second.glb"));
+        QVERIFY(m_window->files()->savePath(first));
+        QVERIFY(m_window->files()->mergePath(sample()));
+        const QString merged = dump();
+        QCOMPARE(m_scene->getSkeletons().size(), size_t(2));
+        QCOMPARE(ryRestorePoints()->captions(), QStringList(QStringLiteral("Merge mannequin.glb")));
+        latest()->trigger();
+        QCOMPARE(dump(), before);
+        QVERIFY(m_window->files()->savePath(second));
+        QVERIFY(!bytesOf(first).isEmpty());
+        QCOMPARE(bytesOf(second), bytesOf(first));
+        latest()->trigger();
+        QCOMPARE(dump(), merged);
+    }
+
+    void mergingIntoNothingBringsItsDocumentAlong()
+    {
+        m_scene->clear();
+        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")), second = m_folder.filePath(QStringLiteral("second.glb"));
+        QVERIFY(m_window->files()->mergePath(sample()));
+        const RySceneDocument *document = m_scene->getDocument();
+        QVERIFY(document);
+        const QString merged = dump();
+        QVERIFY(m_window->files()->savePath(first));
+        latest()->trigger();
+        QCOMPARE(dump(), before);
+        QVERIFY(!m_scene->getDocument());
+        latest()->trigger();
+        QCOMPARE(dump(), merged);
+        QCOMPARE(m_scene->getDocument(), document);
+        QVERIFY(m_window->files()->savePath(second));
+        QCOMPARE(bytesOf(second), bytesOf(first));
+    }
+
     void openingAFileDropsThem()
     {
         ToyAction action(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
@@ -222,6 +304,11 @@ private slots:
 private:
     static QString sample() { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
     QString dump() const { return rySceneDump(*m_scene); }
+    static QByteArray bytesOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     RySkeleton *figure() const { return m_scene->getSkeletons().at(0); }
     RyNode *bone(const QString &name = QStringLiteral("lForearm")) const { return m_scene->findNode(name); }
     QAction *latest() const { return m_window->findChild<QAction *>(QStringLiteral("EditRestoreLatest")); }

@@ -21,7 +21,8 @@ public:
     /// `inherit`: when the prop hangs on a node of a skeleton, the bone takes its place there, so that it is a bone of that
     /// skeleton (its name made unique in it); the figure is then a child of the skeleton and follows it.
     ///
-    /// One undo step of its own. Null, and nothing done, for null, a skeleton, a bone, and a node without facets' vertices.
+    /// One undo step of its own. Null, and nothing done, for null, a skeleton, a bone, a node without facets' vertices,
+    /// and a node that stands neither in a scene nor below another one: nobody would hold the figure.
     static RyFigure *convertPropToFigure(RyNode *node, const QString &rootName, bool localMaps, bool inherit);
 
 protected:

@@ -68,9 +68,11 @@ RyFigure *RyFigure::convertPropToFigure(RyNode *node, const QString &rootName, b
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
     if (!mesh || mesh->getNumVertices() == 0 || qobject_cast<RySkeleton *>(node) || qobject_cast<RyBone *>(node))
         return nullptr;
+    RyScene *scene = node->getScene();
+    if (!scene && !node->getNodeParent())
+        return nullptr;
     const RyRef<RyNode> guard(node);
     RyUndoStackHold hold;
-    RyScene *scene = node->getScene();
     const std::vector<RyNode *> selection = RyNodeReplacement::rememberSelection(scene);
     RySkeleton *outer = inherit && node->getNodeParent() ? node->getNodeParent()->getSkeleton() : nullptr;
 

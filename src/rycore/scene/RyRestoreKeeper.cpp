@@ -24,8 +24,10 @@ std::function<void()> RyRestoreKeeper::keep()
     for (RySkeleton *figure : m_scene->getSkeletons()) {
         figures.push_back({RyRef<RySkeleton>(figure), RyRef<RySkeleton>(figure->getFollowTarget()), figure->drawsGLBones()});
     }
-    return [scene = m_scene, time = m_scene->getTime(), selection, figures] {
+    return [scene = m_scene, time = m_scene->getTime(), document = m_scene->sharedDocument(), selection, figures] {
         scene->setTime(time);
+        if (scene->sharedDocument() != document)
+            scene->setDocument(document);
         std::vector<RyNode *> nodes;
         for (const RyRef<RyNode> &node : selection)
             nodes.push_back(node.get());

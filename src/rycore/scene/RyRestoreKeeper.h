@@ -4,8 +4,8 @@
 
 class RyScene;
 
-/// Keeps for restore points what a scene holds and no undo step records: selection, time, and which figures follow another
-/// one or draw their bones.
+/// Keeps for restore points what a scene holds and no undo step records: selection, time, the document that it came
+/// from, and which figures follow another one or draw their bones.
 class RyRestoreKeeper : public RyUndoKeeper
 {
 public:

@@ -258,7 +258,7 @@ void RyScene::setTime(const RyTime &time)
     emit timeChanged();
 }
 
-void RyScene::setDocument(std::unique_ptr<RySceneDocument> document)
+void RyScene::setDocument(std::shared_ptr<RySceneDocument> document)
 {
     m_document = std::move(document);
     emit documentChanged();

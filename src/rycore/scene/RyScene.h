@@ -65,7 +65,9 @@ public:
 
     /// The file that the scene came from, with what the scene does not hold; null for a scene made here.
     RySceneDocument *getDocument() const { return m_document.get(); }
-    void setDocument(std::unique_ptr<RySceneDocument> document);
+    /// Shared, for restore points bring it back.
+    void setDocument(std::shared_ptr<RySceneDocument> document);
+    const std::shared_ptr<RySceneDocument> &sharedDocument() const { return m_document; }
 
 signals:
     void primarySelectionChanged(RyNode *node);
@@ -89,7 +91,7 @@ private:
     std::vector<RyNode *> m_nodes; // each counted once
     std::vector<RyNode *> m_selection;
     RyTime m_time;
-    std::unique_ptr<RySceneDocument> m_document;
+    std::shared_ptr<RySceneDocument> m_document;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 

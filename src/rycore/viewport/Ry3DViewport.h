@@ -81,9 +81,12 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    /// Where the button has gone up and nobody told, the drag of the tool ends at the last place, as by the release.
+    void endLostDrag();
     void deliverHover(QMouseEvent *event);
     bool beginViewDrag(QMouseEvent *event);
     void moveView(QMouseEvent *event);

@@ -75,6 +75,7 @@ void Ry3DViewport::mousePressEvent(QMouseEvent *event)
     }
     if (!tool || event->button() != Qt::LeftButton)
         return;
+    endLostDrag();
     d->toolDrag = true;
     d->restorePoint.reset();
     d->restorePoint = std::make_unique<RyPressRestorePoint>(d->scene(), tool->objectName());
@@ -94,6 +95,8 @@ void Ry3DViewport::mouseMoveEvent(QMouseEvent *event)
         d->lastMouse = event->pos();
         return;
     }
+    if (!(event->buttons() & Qt::LeftButton))
+        endLostDrag();
     d->lastMouse = event->pos();
     if (event->buttons() == Qt::NoButton) {
         deliverHover(event);
@@ -173,6 +176,21 @@ void Ry3DViewport::leaveEvent(QEvent *event)
         d->manager->endHover();
     }
     QGLWidget::leaveEvent(event);
+}
+
+void Ry3DViewport::endLostDrag()
+{
+    if (!d->toolDrag)
+        return;
+    QMouseEvent release(QEvent::MouseButtonRelease, d->lastMouse, mapToGlobal(d->lastMouse), Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    mouseReleaseEvent(&release);
+}
+
+void Ry3DViewport::hideEvent(QHideEvent *event)
+{
+    endLostDrag();
+    QGLWidget::hideEvent(event);
 }
 
 void Ry3DViewport::cancelToolDrag()
