@@ -387,7 +387,8 @@ private:
         {
             using QAction::receivers;
         };
-        return static_cast<const Spy *>(action)->receivers(signal);
+        int (QObject::*const receivers)(const char *) const = &Spy::receivers;
+        return (action->*receivers)(signal);
     }
     /// How often somebody listens, those not counted who listen to every action that is put into them.
     static int listenersOf(const QAction *entry, const char *signal)
