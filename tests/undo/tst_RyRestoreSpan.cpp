@@ -88,6 +88,30 @@ private slots:
         QVERIFY(stack->isClean());
     }
 
+    void keepsThePointsFromBefore()
+    {
+        points->setMost(3);
+        ToyValue a;
+        for (const char *name : {"One", "Two", "Three"}) {
+            points->take(QString::fromLatin1(name));
+            a.set(a.value + 1);
+        }
+        const QStringList before = points->captions();
+        {
+            RyRestoreSpan span(QStringLiteral("Work"));
+            for (int i = 0; i < 5; ++i) {
+                points->take(QStringLiteral("Within"));
+                a.set(a.value + 10);
+            }
+            QCOMPARE(points->count(), 6);
+            QVERIFY(span.goBack());
+        }
+        QCOMPARE(points->captions(), before);
+        QCOMPARE(a.value, 3);
+        QVERIFY(points->restore(2));
+        QCOMPARE(a.value, 0);
+    }
+
     void replacesThePointsWithin()
     {
         ToyValue a;

@@ -14,6 +14,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <exception>
 #include <new>
 
 namespace {
@@ -119,6 +120,8 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
             sceneDocument = reader.takeDocument();
         } catch (const std::bad_alloc &) {
             return refuse(error, QStringLiteral("%1: the file needs more memory than this machine has").arg(path));
+        } catch (const std::exception &failure) {
+            return refuse(error, QStringLiteral("%1: the file does not fit together (%2)").arg(path, QString::fromUtf8(failure.what())));
         }
     }
     if (tops.empty())
@@ -148,7 +151,13 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
         return true;
     }
     QString reason;
-    const std::unique_ptr<RyGltfDocument> document = RyGltfSceneWriter(*source).patch(*scene, &reason, messages);
+    std::unique_ptr<RyGltfDocument> document;
+    try {
+        document = RyGltfSceneWriter(*source).patch(*scene, &reason, messages);
+    } catch (const std::exception &failure) {
+        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it (%1)")
+                     .arg(QString::fromUtf8(failure.what()));
+    }
     if (!document)
         return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
     if (!document->write(path, error))

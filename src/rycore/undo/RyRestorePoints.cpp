@@ -90,11 +90,22 @@ void RyRestorePoints::drop(Place point)
 
 void RyRestorePoints::dropTooMany()
 {
-    if (count() <= m_most)
-        return;
-    while (count() > m_most)
-        drop(std::find_if(m_points.begin(), m_points.end(), [](const Point &point) { return !point.pending; }));
-    emit changed();
+    // While a span lasts, only what was taken within it goes: with the span undone, the points from before must still be there.
+    Place from = m_points.begin();
+    for (Place point = from; point != m_points.end(); ++point) {
+        if (point->pending)
+            from = std::next(point);
+    }
+    const auto kept = [](const Point &point) { return !point.pending; };
+    const bool tooMany = std::count_if(from, m_points.end(), kept) > m_most;
+    while (std::count_if(from, m_points.end(), kept) > m_most) {
+        const Place oldest = std::find_if(from, m_points.end(), kept);
+        if (oldest == from)
+            ++from;
+        drop(oldest);
+    }
+    if (tooMany)
+        emit changed();
 }
 
 void RyRestorePoints::clear()

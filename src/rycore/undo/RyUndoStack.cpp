@@ -26,7 +26,7 @@ struct RyUndoStack::Private
     bool lastClean = true;
     bool swapping = false;   // undo, redo or the revert of a cancelled hold
     const RyUndoStep *swapped = nullptr; // while one is
-    RyUndoStep aside;        // what listeners write meanwhile and `swapped` does not hold
+    RyUndoStep *aside = nullptr; // takes what listeners write meanwhile and `swapped` does not hold
     bool discarding = false; // items are being deleted; what dies with them is no edit
 
     std::vector<OpenHold>::iterator findHold(int id)
@@ -132,7 +132,7 @@ unsigned RyUndoStack::wants(const RyUndoKey &key)
     if (d->discarding || RyUndoStackSilence::isActive())
         return 0;
     if (d->swapping)
-        return d->swapped && !d->swapped->contains(key) && !d->aside.contains(key) ? unsigned(Aside) : 0u;
+        return d->swapped && !d->swapped->contains(key) && !d->aside->contains(key) ? unsigned(Aside) : 0u;
     unsigned takers = 0;
     if (!isRecording()) {
         d->points->noteLooseChange();
@@ -147,7 +147,7 @@ unsigned RyUndoStack::wants(const RyUndoKey &key)
 void RyUndoStack::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers)
 {
     if (takers & Aside)
-        d->aside.append(key, item);
+        d->aside->append(key, item);
     if (takers & RestorePoints)
         d->points->capture(key, item);
     if (!(takers & OpenHold))
@@ -182,22 +182,24 @@ void RyUndoStack::record(const RyUndoKey &key, const std::function<std::unique_p
 void RyUndoStack::swapStep(RyUndoStep &step, bool done)
 {
     const QScopedValueRollback<bool> guard(d->swapping, true);
+    RyUndoStep aside;
     const QScopedValueRollback<const RyUndoStep *> swapped(d->swapped, &step);
+    const QScopedValueRollback<RyUndoStep *> taker(d->aside, &aside);
     if (done)
         step.redo();
     else
         step.undo();
     // A listener that answers every value with another write would never come to rest.
-    for (int pass = 0; pass < 8 && !d->aside.isEmpty(); ++pass) {
+    for (int pass = 0; pass < 8 && !aside.isEmpty(); ++pass) {
         RyUndoStep written;
-        written.merge(d->aside);
+        written.merge(aside);
         written.undo();
         step.settle();
         const QScopedValueRollback<bool> dropping(d->discarding, true);
         written.clear();
     }
     const QScopedValueRollback<bool> dropping(d->discarding, true);
-    d->aside.clear();
+    aside.clear();
 }
 
 void RyUndoStack::undo()
