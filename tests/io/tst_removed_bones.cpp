@@ -77,6 +77,63 @@ private slots:
         QCOMPARE(save(scene, "after").filter(QStringLiteral("follow no bone")).size(), 1);
     }
 
+    /// A figure without any bone: its mesh is drawn as before and comes back as a thing of its own.
+    void theLastBone_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("sketch") << QString();
+        QTest::newRow("fox") << QStringLiteral("Fox.glb");
+    }
+    void theLastBone()
+    {
+        QFETCH(QString, name);
+        if (!name.isEmpty() && ryModel(name).isEmpty())
+            QSKIP("the character is not here");
+        CharacterScene scene(name.isEmpty() ? FigureSketch().write(path("before")) : ryModel(name));
+        const QString saved = name.isEmpty() ? path("after") : m_folder.filePath(QStringLiteral("after.glb"));
+        const CharacterScene::Positions before = positionsOf(scene.file, scene.unit());
+        const CharacterScene::Positions atRest = scene.atRest();
+        while (!scene.bones().empty())
+            scene.scene.removeNode(scene.bones()[0]);
+        QString error;
+        QStringList messages;
+        QVERIFY2(RySceneFile::save(&scene.scene, saved, &error, &messages), qPrintable(error));
+        QCOMPARE(messages.filter(QStringLiteral("has no bones left")).size(), 1);
+        QVERIFY(largestDistance(before, positionsOf(GltfEvaluator(saved.toStdString()), scene.unit())) <= 1e-9);
+        CharacterScene again(saved);
+        QVERIFY(again.bones().empty());
+        const double moved = largestDistance(again.atRest(), atRest);
+        QVERIFY2(moved <= 1e-5 * scene.height, qPrintable(QString::number(moved)));
+        const QString twice = m_folder.filePath(QStringLiteral("twice.") + saved.section(QLatin1Char('.'), -1));
+        QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
+        QVERIFY(bytesOf(twice) == bytesOf(saved));
+        const RyValidation valid = ryValidate(saved);
+        if (valid.available)
+            QVERIFY2(valid.errors == 0, qPrintable(valid.report));
+    }
+
+    /// Files of other versions may have marked the joints alone: they open, and half a skin that is marked comes back.
+    void marksOnJoints_data()
+    {
+        QTest::addColumn<bool>("half");
+        QTest::newRow("all") << false;
+        QTest::newRow("half") << true;
+    }
+    void marksOnJoints()
+    {
+        QFETCH(bool, half);
+        FigureSketch sketch;
+        const json mark{{"RYHOST_rigging", {{"version", 1}, {"removed", true}}}};
+        sketch.tree["nodes"][half ? 2 : 0]["extras"] = mark;
+        if (half)
+            sketch.tree["nodes"][1].erase("children");
+        sketch.tree["scenes"][0]["nodes"] = half ? json{0, 3} : json{3};
+        CharacterScene scene(sketch.write(path("marked")));
+        QCOMPARE(scene.bones().size(), size_t(half ? 2 : 0));
+        QCOMPARE(scene.document().figures.size(), size_t(1));
+        QCOMPARE(scene.document().figures[0].vertexCount, 18);
+    }
+
 private:
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
 

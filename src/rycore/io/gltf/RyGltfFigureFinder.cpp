@@ -74,8 +74,15 @@ bool ryGltfMarksEnd(const QString &name)
 std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
                                                 const std::vector<bool> &isLeftOut)
 {
-    const auto leftOut = [&isLeftOut](size_t skin) { return skin < isLeftOut.size() && isLeftOut[skin]; };
     const size_t count = model.nodes.size();
+    std::vector<bool> isWalked(count, false);
+    for (const int node : preOrder)
+        isWalked[size_t(node)] = true;
+    const auto leftOut = [&](size_t skin) {
+        const std::vector<int> &joints = model.skins[skin].joints;
+        return (skin < isLeftOut.size() && isLeftOut[skin]) ||
+               std::none_of(joints.begin(), joints.end(), [&](int joint) { return isWalked[size_t(joint)]; });
+    };
     std::vector<bool> isJoint(count, false);
     std::vector<bool> isBone(count, false);
     DisjointSets sets(count);
@@ -122,10 +129,11 @@ std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const 
         if (leftOut(skin))
             continue;
         int top = int(count);
-        for (const int joint : model.skins[skin].joints)
-            top = std::min(top, placeInSet[size_t(joint)]);
-        if (!model.skins[skin].joints.empty())
-            skinOrder.emplace_back(top, int(skin));
+        for (const int joint : model.skins[skin].joints) {
+            if (placeInSet[size_t(joint)] >= 0)
+                top = std::min(top, placeInSet[size_t(joint)]);
+        }
+        skinOrder.emplace_back(top, int(skin));
     }
     std::sort(skinOrder.begin(), skinOrder.end());
     for (const auto &[top, skin] : skinOrder) {

@@ -17,7 +17,8 @@ struct RyGltfJointSet
 std::vector<int> ryGltfPreOrder(const RyGltfModel &model);
 /// Every node's world map in file units.
 std::vector<RyAffine> ryGltfWorldMaps(const RyGltfModel &model, const std::vector<int> &preOrder);
-/// `isLeftOut`: skins that make no figure; may be shorter than the list of skins.
+/// `isLeftOut`: skins that make no figure; may be shorter than the list of skins. Nor do those make one that have no joint in
+/// `preOrder`.
 std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
                                                 const std::vector<bool> &isLeftOut = {});
 /// Whether a node's name says that it marks the end of the bone above it.

@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <map>
 
 namespace {
@@ -110,8 +111,25 @@ void RyGltfSceneReader::leaveOutRemoved()
         isRemoved[size_t(node)] = parent >= 0 ? isRemoved[size_t(parent)]
                                               : RyTreeExtras::isRemoved(*m_scene->document, "nodes", node);
     }
+    // Half a skin makes no figure: where joints stand elsewhere too, the mark is wrong.
+    std::vector<int> topOf(model.nodes.size(), -1);
+    for (const int node : m_preOrder) {
+        const int parent = model.nodes[size_t(node)].parent;
+        topOf[size_t(node)] = parent >= 0 ? topOf[size_t(parent)] : node;
+    }
+    std::set<int> broughtBack;
+    for (bool more = true; more;) {
+        more = false;
+        const auto isGone = [&](int node) { return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]); };
+        for (const RyGltfSkin &skin : model.skins) {
+            if (std::all_of(skin.joints.begin(), skin.joints.end(), isGone))
+                continue;
+            for (const int joint : skin.joints)
+                more = (isGone(joint) && broughtBack.insert(topOf[size_t(joint)]).second) || more;
+        }
+    }
     m_preOrder.erase(std::remove_if(m_preOrder.begin(), m_preOrder.end(),
-                                    [&isRemoved](int node) { return isRemoved[size_t(node)]; }),
+                                    [&](int node) { return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]); }),
                      m_preOrder.end());
 }
 

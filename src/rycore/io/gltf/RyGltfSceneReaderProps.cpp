@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/RyFigureExtras.h"
 #include "rycore/io/gltf/RyRiggingExtras.h"
+#include "rycore/io/gltf/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 // Props: meshes without a skin, and the nodes that hold them on a bone.
 
@@ -55,10 +57,16 @@ void RyGltfSceneReader::buildProps()
     const RyGltfModel &model = m_scene->document->model();
     const RyAffine unit = RyAffine::fromScale(m_scene->unit, m_scene->unit, m_scene->unit);
     // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
+    // A mesh whose skin lost its bones is shown as it lay in its figure.
+    std::set<int> shownSkins;
+    for (const RyGltfFigureSource &figure : m_scene->figures) {
+        for (const RyGltfSkinSource &skin : figure.skins)
+            shownSkins.insert(skin.skin);
+    }
     std::vector<bool> wanted(model.nodes.size(), false);
     for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
         const RyGltfNode &each = model.nodes[size_t(*node)];
-        if (m_sceneNodeOf[size_t(*node)] || each.skin >= 0)
+        if (m_sceneNodeOf[size_t(*node)] || shownSkins.count(each.skin))
             continue;
         wanted[size_t(*node)] = each.mesh >= 0;
         for (const int child : each.children)
@@ -76,8 +84,10 @@ void RyGltfSceneReader::buildProps()
         const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
         RyGltfNodeSource source;
         source.node = index;
-        source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit,
-                                              m_worldMaps[size_t(index)] * unit * unposed);
+        RyAffine map = m_worldMaps[size_t(index)];
+        if (node.mesh >= 0 && node.skin >= 0)
+            RyTreeExtras::findToFigure(*m_scene->document, node.skin, map);
+        source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit, map * unit * unposed);
 
         auto *prop = new RyNode;
         prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,

@@ -117,11 +117,11 @@ RyGltfSkinPatch::Figure RyGltfSkinPatch::plan(const RyGltfFigureSource &source) 
     figure.isDirty.assign(source.parts.size(), false);
     std::vector<bool> changed(figure.mesh ? size_t(figure.mesh->getNumVertices()) : 0, false);
     const bool weightsAreOther = weightsChanged(source, &changed);
-    figure.isRebuilt = figure.mesh && mustBeRebuilt(source, weightsAreOther);
+    figure.isRebuilt = figure.mesh && !figure.bones.empty() && mustBeRebuilt(source, weightsAreOther);
     figure.isMoved = figure.mesh && source.canWriteVertices();
     keepJoints(figure);
     addJoints(figure);
-    if (figure.mesh)
+    if (figure.mesh && !figure.bones.empty())
         findDirtyParts(figure, changed);
     if (figure.influences)
         addNeededJoints(figure);
@@ -303,13 +303,13 @@ void RyGltfSkinPatch::writeJoints(const Figure &figure)
     for (const Skin &skin : figure.skins) {
         const int index = skin.source->skin;
         const RyGltfSkin &before = model.skins[size_t(index)];
+        if (!skin.source->rebound || figure.isRebuilt)
+            m_patch.toFigure[index] = toFigure(figure, skin) * RyAffine::fromScale(1.0 / unit, 1.0 / unit, 1.0 / unit);
         if (skin.joints.empty()) {
             m_patch.say(QStringLiteral("\"%1\" has no bones left; its skin in the file keeps the old joints")
                             .arg(figure.source->sceneNode->getName()));
             continue;
         }
-        if (!skin.source->rebound || figure.isRebuilt)
-            m_patch.toFigure[index] = toFigure(figure, skin) * RyAffine::fromScale(1.0 / unit, 1.0 / unit, 1.0 / unit);
         for (const int joint : skin.joints)
             m_patch.joints.insert(joint);
         const bool isAbove = before.skeleton < 0 || standsAbove(before.skeleton, skin.joints);

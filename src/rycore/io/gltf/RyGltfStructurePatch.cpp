@@ -15,6 +15,12 @@ bool isThere(const RyNode *node)
     return node && node->getScene();
 }
 
+bool hasBones(const RyNode &figure)
+{
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&figure);
+    return skeleton && !skeleton->getAllBones().empty();
+}
+
 } // namespace
 
 bool RyGltfStructurePatch::isEdited(const RyGltfSceneDocument &source)
@@ -106,13 +112,25 @@ void RyGltfStructurePatch::findRemoved()
         if (!source.isBone)
             props.insert(source.node);
     }
+    // A skin is drawn only where its joints are: those of a figure that has no bones left stay for its mesh.
+    std::set<int> stillDrawn;
+    for (const RyGltfFigureSource &figure : m_patch.source.figures) {
+        if (!isThere(figure.sceneNode) || hasBones(*figure.sceneNode))
+            continue;
+        for (const RyGltfSkinSource &skin : figure.skins) {
+            const std::vector<int> &joints = model.skins[size_t(skin.skin)].joints;
+            stillDrawn.insert(joints.begin(), joints.end());
+            RyTreeExtras::markRemoved(m_patch.document, "skins", skin.skin);
+        }
+    }
     std::vector<bool> carries(model.nodes.size(), false);
     const std::vector<int> order = ryGltfPreOrder(model);
     for (auto at = order.rbegin(); at != order.rend(); ++at) {
         if (!m_patch.removed.count(*at))
             continue;
         const RyGltfNode &node = model.nodes[size_t(*at)];
-        carries[size_t(*at)] = props.count(*at) ? node.camera >= 0 : m_tree.hasContent(*at);
+        carries[size_t(*at)] = props.count(*at) ? node.camera >= 0
+                                                 : m_tree.hasContent(*at) || stillDrawn.count(*at) > 0;
         for (const int child : node.children) {
             const RyGltfNode &below = model.nodes[size_t(child)];
             const bool isMark = ryGltfMarksEnd(below.name) && below.children.empty() && !m_tree.hasContent(child);
