@@ -145,6 +145,51 @@ private slots:
         QCOMPARE(again.file.tree()["meshes"].size(), sketch.tree["meshes"].size());
     }
 
+    /// A figure of the file below a thing, or a figure, that came from another one.
+    void figureBelowMerged_data()
+    {
+        QTest::addColumn<bool>("belowFigure");
+        QTest::newRow("thing") << false;
+        QTest::newRow("figure") << true;
+    }
+    void figureBelowMerged()
+    {
+        QFETCH(bool, belowFigure);
+        CharacterScene scene(FigureSketch().write(path("below")));
+        RySkeleton *known = scene.scene.getSkeletons()[0];
+        FigureSketch other = withProp();
+        const QString otherPath = other.write(path("other"));
+        RySceneFile::Options options;
+        options.merge = true;
+        QString error;
+        QVERIFY2(RySceneFile::open(&scene.scene, otherPath, options, &error), qPrintable(error));
+        RyNode *top = belowFigure ? static_cast<RyNode *>(scene.scene.getSkeletons()[1])
+                                  : scene.scene.findNode(QStringLiteral("thing"));
+        QVERIFY(top && top != known);
+        QVERIFY(top->addNodeChild(known));
+        top->setLocalTransform(RyVec3(30, 0, 0), RyQuat(), RyMatrix3(), 1.0f);
+        const CharacterScene::Positions shown = scene.shown();
+
+        QStringList messages;
+        const QString saved = path("merged");
+        QVERIFY2(RySceneFile::save(&scene.scene, saved, &error, &messages), qPrintable(error));
+        QCOMPARE(messages.filter(QStringLiteral("was written beside it")).size(), 1);
+        const GltfEvaluator file(saved.toStdString());
+        const CharacterScene::Positions all = positionsOf(file, scene.unit());
+        for (const auto &[part, positions] : shown) {
+            QVERIFY(all.count(part));
+            QVERIFY(largestDistance({{part, positions}}, {{part, all.at(part)}}) <= 1e-3);
+        }
+        CharacterScene again(saved);
+        QCOMPARE(again.scene.getSkeletons().size(), size_t(2));
+        QCOMPARE(again.bones().size(), size_t(4));
+        QVERIFY2(RySceneFile::save(&again.scene, path("twice"), &error), qPrintable(error));
+        QVERIFY(bytesOf(path("twice")) == bytesOf(saved));
+        const RyValidation valid = ryValidate(saved);
+        if (valid.available)
+            QVERIFY2(valid.errors == 0, qPrintable(valid.report));
+    }
+
 private:
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
 

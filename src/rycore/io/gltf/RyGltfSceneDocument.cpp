@@ -3,6 +3,7 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
 #include <bit>
@@ -128,4 +129,9 @@ const RyGltfFigureSource *RyGltfSceneDocument::findFigureSource(const RyNode *fi
     const auto found = std::find_if(figures.begin(), figures.end(),
                                     [figure](const RyGltfFigureSource &source) { return source.sceneNode == figure; });
     return found == figures.end() ? nullptr : &*found;
+}
+
+bool RyGltfSceneDocument::isKeptFigure(const RyNode &node) const
+{
+    return qobject_cast<const RySkeleton *>(&node) && findFigureSource(&node);
 }

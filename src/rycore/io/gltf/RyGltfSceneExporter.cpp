@@ -78,17 +78,36 @@ void RyGltfSceneExporter::addTree(const RyNode &top)
     if (qobject_cast<const RyCamera *>(&top))
         return;
     const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
-    if (skeleton && !skeleton->getAllBones().empty()) {
+    if (skeleton && !bonesOf(*skeleton).empty()) {
         // The figure node carries the figure's own transform, its joints stand in figure space.
         const RyAffine own = scaleBy(m_unit) * top.worldMap() * scaleBy(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
         m_nodeOf[&top] = node;
-        for (const RyNode *child : top.nodeChildrenIterator())
-            addNode(*child, node, scaleBy(m_unit));
+        for (const RyNode *child : top.nodeChildrenIterator()) {
+            if (!isKept(*child))
+                addNode(*child, node, scaleBy(m_unit));
+        }
         addSkinnedMesh(top);
     } else {
         addNode(top, -1, scaleBy(m_unit));
     }
+}
+
+bool RyGltfSceneExporter::isKept(const RyNode &node) const
+{
+    return m_source && m_source->isKeptFigure(node);
+}
+
+std::vector<RyBone *> RyGltfSceneExporter::bonesOf(const RySkeleton &skeleton) const
+{
+    std::vector<RyBone *> bones = skeleton.getAllBones();
+    const auto isOfKept = [&](const RyNode *bone) {
+        while (bone && bone != &skeleton && !isKept(*bone))
+            bone = bone->getNodeParent();
+        return bone != &skeleton;
+    };
+    bones.erase(std::remove_if(bones.begin(), bones.end(), isOfKept), bones.end());
+    return bones;
 }
 
 void RyGltfSceneExporter::addNode(const RyNode &root, int rootParent, const RyAffine &rootParentBind)
@@ -113,8 +132,10 @@ void RyGltfSceneExporter::addNode(const RyNode &root, int rootParent, const RyAf
         if (meshOf(*next.node))
             addMeshOf(*next.node, index, bind);
         const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
-        for (auto child = children.rbegin(); child != children.rend(); ++child)
-            pending.push_back({*child, index, bind});
+        for (auto child = children.rbegin(); child != children.rend(); ++child) {
+            if (!isKept(**child))
+                pending.push_back({*child, index, bind});
+        }
     }
 }
 
@@ -176,7 +197,7 @@ void RyGltfSceneExporter::addSkinnedMesh(const RyNode &skeletonNode)
 {
     const auto &skeleton = static_cast<const RySkeleton &>(skeletonNode);
     const RyFacetMesh *mesh = meshOf(skeleton);
-    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    const std::vector<RyBone *> bones = bonesOf(skeleton);
     m_figures.push_back(&skeletonNode);
     std::vector<int> joints;
     std::map<const RyNode *, int> jointOf;

@@ -41,6 +41,9 @@ public:
     static std::unique_ptr<RyGltfDocument> exportScene(const RyScene &scene, double unit);
 
 private:
+    /// Figures of the source stay where the file has them, whatever they hang on now.
+    bool isKept(const RyNode &node) const;
+    std::vector<class RyBone *> bonesOf(const class RySkeleton &skeleton) const;
     void addNode(const RyNode &node, int parent, const class RyAffine &parentBind);
     void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
     void addSkinnedMesh(const RyNode &skeleton);

@@ -55,6 +55,13 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
         if (sources.count(top) || m_patch.source.findFigureSource(top))
             walk(*top, sources);
     }
+    for (const RyGltfFigureSource &figure : m_patch.source.figures) {
+        if (isThere(figure.sceneNode) && hangsOnNew(*figure.sceneNode, sources)) {
+            m_patch.say(QStringLiteral("\"%1\" hangs below \"%2\", which is new in the file; it was written beside it")
+                            .arg(figure.sceneNode->getName(), figure.sceneNode->getNodeParent()->getName()));
+            walk(*figure.sceneNode, sources);
+        }
+    }
     for (const RyGltfNodeSource &source : m_patch.source.nodes) {
         if (!m_patch.edits.count(source.node))
             m_patch.removed.insert(source.node);
@@ -78,6 +85,19 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     }
     writeLists();
     return m_tree.finish(error);
+}
+
+bool RyGltfStructurePatch::hangsOnNew(const RyNode &figure, const std::map<const RyNode *, const RyGltfNodeSource *> &sources) const
+{
+    if (!m_patch.source.isKeptFigure(figure))
+        return false;
+    for (const RyNode *above = figure.getNodeParent(); above; above = above->getNodeParent()) {
+        if (m_patch.source.isKeptFigure(*above))
+            return false;
+        if (!above->getNodeParent())
+            return !sources.count(above) && !m_patch.source.findFigureSource(above);
+    }
+    return false;
 }
 
 void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources)
