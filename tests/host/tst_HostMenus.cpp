@@ -383,10 +383,7 @@ private:
     }
     static int receiversOf(const QAction *action, const char *signal)
     {
-        struct Spy : QAction
-        {
-            using QAction::receivers;
-        };
+        struct Spy : QAction { using QAction::receivers; };
         int (QObject::*const receivers)(const char *) const = &Spy::receivers;
         return (action->*receivers)(signal);
     }
