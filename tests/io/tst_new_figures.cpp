@@ -145,6 +145,25 @@ private slots:
         QCOMPARE(again.file.tree()["meshes"].size(), sketch.tree["meshes"].size());
     }
 
+    /// Roots of another scene, and of none, stay out of the scene that is shown.
+    void otherScenes()
+    {
+        FigureSketch sketch = withProp();
+        sketch.tree["nodes"].push_back({{"name", "spare"}, {"mesh", 1}});
+        sketch.tree["scenes"] = {{{"nodes", {0, 3}}}, {{"nodes", {4}}}};
+        CharacterScene scene(sketch.write(path("scenes")));
+        scene.bones()[1]->setName(QStringLiteral("other"));
+        RyBone *moved = scene.bones()[1];
+        QVERIFY(scene.scene.getSkeletons()[0]->addNodeChild(moved));
+        QString error;
+        const QString saved = path("renamed");
+        QVERIFY2(RySceneFile::save(&scene.scene, saved, &error), qPrintable(error));
+        const GltfEvaluator file(saved.toStdString());
+        QCOMPARE(file.tree()["nodes"][2]["name"], json("other"));
+        QVERIFY(file.tree()["nodes"][1].value("children", json::array()).empty());
+        QCOMPARE(file.tree()["scenes"], sketch.tree["scenes"]);
+    }
+
     /// A figure of the file below a thing, or a figure, that came from another one.
     void figureBelowMerged_data()
     {

@@ -290,8 +290,13 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     // What the scene orders takes the places that such nodes had; what it does not know keeps its own.
     std::map<const RyNode *, std::vector<int>> wanted; // by parent in the scene
     std::vector<const RyNode *> groups;
+    const std::vector<RyGltfNode> &nodes = m_patch.document.model().nodes;
     const auto below = m_below.find(parent);
     for (const int index : below == m_below.end() ? std::vector<int>() : below->second) {
+        // A root that another scene of the file shows, or none, does not come into this one.
+        const bool wasRoot = size_t(index) < nodes.size() && nodes[size_t(index)].parent < 0;
+        if (parent < 0 && wasRoot && std::find(before.begin(), before.end(), index) == before.end())
+            continue;
         const auto [group, isNew] = wanted.try_emplace(m_patch.edits.at(index).node->getNodeParent());
         if (isNew)
             groups.push_back(group->first);
