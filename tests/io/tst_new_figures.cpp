@@ -5,6 +5,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/gltf/RyExtrasJson.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -143,6 +144,39 @@ private slots:
         QVERIFY(!again.scene.findNode(QStringLiteral("thing")));
         QVERIFY(sameDumps(rySceneDump(again.scene), rySceneDump(scene.scene)));
         QCOMPARE(again.file.tree()["meshes"].size(), sketch.tree["meshes"].size());
+    }
+
+    /// Extras that are no object stay beside ours, and come back without them.
+    void foreignExtras()
+    {
+        FigureSketch sketch;
+        const json foreign[] = {json::array({1, "two"}), "id-42", 7};
+        for (size_t node = 0; node < 3; ++node)
+            sketch.tree["nodes"][node]["extras"] = foreign[node];
+        CharacterScene scene(sketch.write(path("extras")));
+        scene.bones()[1]->setLabel(QStringLiteral("Other"));
+        QString error;
+        const QString saved = path("labelled");
+        QVERIFY2(RySceneFile::save(&scene.scene, saved, &error), qPrintable(error));
+        const GltfEvaluator file(saved.toStdString());
+        QCOMPARE(file.tree()["nodes"][0]["extras"], foreign[0]);
+        for (size_t node : {1, 2}) {
+            const json extras = file.tree()["nodes"][node]["extras"];
+            QVERIFY(extras.is_object() && extras.contains("RYHOST_rigging"));
+            QCOMPARE(extras["RYHOST_replaced"], foreign[node]);
+        }
+        CharacterScene again(saved);
+        QCOMPARE(again.bones()[1]->getLabel(), QStringLiteral("Other"));
+        QVERIFY(sameDumps(rySceneDump(again.scene), rySceneDump(scene.scene)));
+        again.bones()[1]->setLabel(QStringLiteral("Third"));
+        QVERIFY2(RySceneFile::save(&again.scene, path("twice"), &error), qPrintable(error));
+        QCOMPARE(GltfEvaluator(path("twice").toStdString()).tree()["nodes"][2]["extras"]["RYHOST_replaced"], foreign[2]);
+
+        RyExtrasJson::Json holder{{"extras", "id-42"}};
+        RyExtrasJson::store(holder, {{"version", 1}});
+        RyExtrasJson::store(holder, {{"version", 1}, {"more", true}});
+        RyExtrasJson::store(holder, RyExtrasJson::Json());
+        QCOMPARE(holder.dump(), std::string(R"({"extras":"id-42"})"));
     }
 
     /// Roots of another scene, and of none, stay out of the scene that is shown.

@@ -33,13 +33,22 @@ void RyExtrasJson::store(Json &holder, Json value)
         const auto extras = holder.find("extras");
         if (extras == holder.end() || !extras->is_object() || extras->erase(Key) == 0)
             return;
-        if (extras->empty())
+        if (extras->empty()) {
             holder.erase("extras");
+        } else if (const auto replaced = extras->find(ReplacedKey); replaced != extras->end() && extras->size() == 1) {
+            Json before = std::move(*replaced);
+            *extras = std::move(before);
+        }
         return;
     }
+    const bool hadExtras = holder.contains("extras");
     Json &extras = holder["extras"];
-    if (!extras.is_object())
+    if (!extras.is_object()) {
+        Json before = std::move(extras);
         extras = Json::object();
+        if (hadExtras)
+            extras[ReplacedKey] = std::move(before);
+    }
     extras[Key] = std::move(value);
 }
 

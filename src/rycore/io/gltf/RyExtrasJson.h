@@ -11,6 +11,7 @@ namespace RyExtrasJson {
 using Json = nlohmann::ordered_json;
 
 constexpr const char *Key = "RYHOST_rigging";
+constexpr const char *ReplacedKey = "RYHOST_replaced"; // extras of others that were no object
 constexpr int Version = 1;
 
 /// A member of an object; null when there is none.
@@ -19,7 +20,8 @@ const Json *find(const Json &object, const char *key);
 const Json *ours(const Json &holder);
 /// An entry of one of the file's lists; null outside of it.
 const Json *entry(const Json &tree, const char *list, int index);
-/// Puts something under our key; other extras stay. Null takes it away, and extras that are empty then with it.
+/// Puts something under our key; other extras stay. Null takes it away, and extras that are empty then with it. Extras
+/// that are no object stand beside it meanwhile, and come back when it goes.
 void store(Json &holder, Json value);
 /// False for anything but three finite numbers.
 bool readVector(const Json *value, RyVec3 &v);
