@@ -3,8 +3,8 @@
 #include "RyBenchmark.h"
 
 #include "rycore/io/RySceneFile.h"
-#include "rycore/io/gltf/RyGltfDocument.h"
-#include "rycore/io/gltf/RyGltfSceneReader.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/open/RyGltfSceneReader.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyFacetShape.h"

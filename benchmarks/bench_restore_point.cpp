@@ -13,7 +13,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStackLock.h"
 
 #include <QCoreApplication>

@@ -8,8 +8,8 @@
 
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/io/RySceneFile.h"
-#include "rycore/ui/RyActionRunner.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
 #include <QApplication>

@@ -1,20 +1,32 @@
-# The host library is cut into layers, one folder each, from the ground up. A layer may use the layers before it in
-# RY_LAYERS and nothing after it. Two things hold that: every layer is linked on its own, with no undefined symbols
-# allowed, against the layers below it only; and check_includes.py refuses an include that points up.
-set(RY_LAYERS math undo base mesh scene skin parametric figure io script viewport ui app)
+# The host library is cut into layers, one folder of src/rycore each, and the layers form a graph: a layer may use the
+# layers it needs, those that these need in turn, and nothing else. A large folder may be cut into rooms in the same
+# way. Two things hold that: every layer is linked on its own, with no undefined symbols allowed, against what it needs
+# only; and tests/layers/check_includes.py reads the graph and refuses an include that goes against it.
 
-# ry_layer(NAME [LIBS library...]): all sources of src/rycore/NAME become the objects ry_NAME and the library
-# rycore_NAME, linked against the layers below.
+# ry_layer(NAME [NEEDS layer...] [LIBS library...] [WIDGETS] [GL]): all sources of src/rycore/NAME become the objects
+# ry_NAME and the library rycore_NAME, linked against the layers that it needs.
+#   WIDGETS  the layer may use widgets
+#   GL       the layer may call OpenGL
 function(ry_layer name)
-  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(ARG "WIDGETS;GL" "" "NEEDS;LIBS" ${ARGN})
+  if(ARG_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "Layer ${name}: what is ${ARG_UNPARSED_ARGUMENTS}?")
+  endif()
+  if(TARGET ry_${name})
+    message(FATAL_ERROR "Layer ${name} is declared twice")
+  endif()
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/rycore/${name}/*.cpp
        ${CMAKE_SOURCE_DIR}/src/rycore/${name}/*.h ${CMAKE_SOURCE_DIR}/src/rycore/${name}/*.qrc)
   if(NOT sources)
-    return()
+    message(FATAL_ERROR "Layer ${name} has no sources in src/rycore/${name}")
   endif()
+  foreach(below IN LISTS ARG_NEEDS)
+    if(NOT TARGET rycore_${below})
+      message(FATAL_ERROR "Layer ${name} needs ${below}, which is no layer declared before it")
+    endif()
+  endforeach()
   add_library(ry_${name} OBJECT ${sources})
   target_include_directories(ry_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
-  target_link_libraries(ry_${name} PRIVATE ry_compile_options PUBLIC ${ARG_LIBS})
   add_library(rycore_${name} SHARED $<TARGET_OBJECTS:ry_${name}>)
   set_target_properties(rycore_${name} PROPERTIES AUTOMOC OFF AUTORCC OFF LINKER_LANGUAGE CXX)
   target_include_directories(rycore_${name} PUBLIC ${CMAKE_SOURCE_DIR}/src)
@@ -22,14 +34,53 @@ function(ry_layer name)
     target_link_options(rycore_${name} PRIVATE -Wl,--no-undefined)
   endif()
   target_link_libraries(rycore_${name} PUBLIC ${ARG_LIBS})
-  foreach(below IN LISTS RY_LAYERS)
-    if(below STREQUAL name)
-      break()
-    endif()
-    if(TARGET rycore_${below})
-      target_link_libraries(ry_${name} PUBLIC $<TARGET_PROPERTY:ry_${below},INTERFACE_LINK_LIBRARIES>)
-      target_link_libraries(rycore_${name} PUBLIC rycore_${below})
+  # The objects of other layers are linked by the libraries alone, so that what headers need is passed on by hand.
+  set(libraries ${ARG_LIBS})
+  foreach(below IN LISTS ARG_NEEDS)
+    get_property(passed_on GLOBAL PROPERTY RY_LIBRARIES_OF_${below})
+    list(APPEND libraries ${passed_on})
+    target_link_libraries(rycore_${name} PUBLIC rycore_${below})
+  endforeach()
+  list(REMOVE_DUPLICATES libraries)
+  set_property(GLOBAL PROPERTY RY_LIBRARIES_OF_${name} ${libraries})
+  target_link_libraries(ry_${name} PRIVATE ry_compile_options PUBLIC ${libraries})
+  set_property(GLOBAL APPEND PROPERTY RY_LAYER_OBJECTS ry_${name})
+
+  set(may "")
+  if(ARG_WIDGETS)
+    list(APPEND may widgets)
+  endif()
+  if(ARG_GL)
+    list(APPEND may gl)
+  endif()
+  list(JOIN ARG_NEEDS "," needs)
+  list(JOIN may "," may)
+  set_property(GLOBAL APPEND PROPERTY RY_GRAPH "layer ${name} needs=${needs} may=${may}")
+endfunction()
+
+# ry_room(FOLDER [NEEDS room...]): a folder below src that may use the rooms it needs and those that these need in turn,
+# of all rooms of the folder above. What belongs to no room of that folder is as free as its layer.
+function(ry_room folder)
+  cmake_parse_arguments(ARG "" "" "NEEDS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
+  if(NOT sources)
+    message(FATAL_ERROR "Room ${folder} has no sources")
+  endif()
+  get_property(known GLOBAL PROPERTY RY_ROOMS)
+  cmake_path(GET folder PARENT_PATH house)
+  foreach(below IN LISTS ARG_NEEDS)
+    if(NOT "${house}/${below}" IN_LIST known)
+      message(FATAL_ERROR "Room ${folder} needs ${below}, which is no room declared before it")
     endif()
   endforeach()
-  set_property(GLOBAL APPEND PROPERTY RY_LAYER_OBJECTS ry_${name})
+  set_property(GLOBAL APPEND PROPERTY RY_ROOMS ${folder})
+  list(JOIN ARG_NEEDS "," needs)
+  set_property(GLOBAL APPEND PROPERTY RY_GRAPH "room ${folder} needs=${needs}")
+endfunction()
+
+# Writes the graph as the include check reads it: one layer or room a line.
+function(ry_write_graph file)
+  get_property(graph GLOBAL PROPERTY RY_GRAPH)
+  list(JOIN graph "\n" text)
+  file(CONFIGURE OUTPUT ${file} CONTENT "${text}\n" @ONLY)
 endfunction()

@@ -1,10 +1,10 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "ryhost/CommandLine.h"
+#include "ryhost/commands/CommandLine.h"
 #include "ryhost/demo/DemoSession.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 #include "ryhost/batch/BatchRunner.h"
 
 #include <QApplication>

@@ -5,8 +5,8 @@
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/ui/RyActionRunner.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/RyViewportMgr.h"
 

@@ -4,7 +4,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "RandomEdits.h"
 
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 

@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "ryhost/CommandLine.h"
+#include "ryhost/commands/CommandLine.h"
 
 class CommandLineTest : public QObject
 {

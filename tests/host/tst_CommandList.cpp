@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
-#include "ryhost/CommandList.h"
-#include "ryhost/menuText.h"
+#include "ryhost/commands/CommandList.h"
+#include "ryhost/window/menuText.h"
 
 #include <QAction>
 #include <QMenu>

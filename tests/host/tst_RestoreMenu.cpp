@@ -9,14 +9,14 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/ui/RyAction.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 
 #include <QFile>
 #include <QMenu>
@@ -272,7 +272,7 @@ private slots:
         m_scene->clear();
         const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")), second = m_folder.filePath(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->mergePath(sample()));
-        const RySceneDocument *document = m_scene->getDocument();
+        const RySceneOrigin *document = m_scene->getDocument();
         QVERIFY(document);
         const QString merged = dump();
         QVERIFY(m_window->files()->savePath(first));

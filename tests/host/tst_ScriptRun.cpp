@@ -5,11 +5,11 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/ui/RyDialogDriver.h"
-#include "rycore/undo/RyRestorePoints.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
-#include "ryhost/ScriptRun.h"
+#include "rycore/automation/RyDialogDriver.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
+#include "ryhost/commands/ScriptRun.h"
 
 #include <QKeyEvent>
 #include <QMenu>

@@ -28,7 +28,7 @@ double number(std::mt19937 &random, double low, double high)
 
 /// Splits the vertices of every object as the file does.
 template<typename PositionOf>
-Positions splitPositions(const RyGltfSceneDocument &document, const PositionOf &positionOf)
+Positions splitPositions(const RyGltfOrigin &document, const PositionOf &positionOf)
 {
     Positions result;
     for (const RyGltfFigureSource &figure : document.figures) {
@@ -68,9 +68,9 @@ CharacterScene::CharacterScene(const QString &path) : file(path.toStdString())
     height = heightOf(positionsOf(file, unit()));
 }
 
-const RyGltfSceneDocument &CharacterScene::document() const
+const RyGltfOrigin &CharacterScene::document() const
 {
-    return dynamic_cast<const RyGltfSceneDocument &>(*scene.getDocument());
+    return dynamic_cast<const RyGltfOrigin &>(*scene.getDocument());
 }
 
 std::vector<RyBone *> CharacterScene::bones() const

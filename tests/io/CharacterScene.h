@@ -1,7 +1,7 @@
 #pragma once
 
 #include "evaluator/GltfEvaluator.h"
-#include "rycore/io/gltf/RyGltfSceneDocument.h"
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/scene/RyScene.h"
 
 #include <Eigen/Core>
@@ -28,7 +28,7 @@ public:
     QStringList messages;
     double height = 0.0; ///< of what the file shows, centimetres
 
-    const RyGltfSceneDocument &document() const;
+    const RyGltfOrigin &document() const;
     double unit() const { return document().unit; }
     std::vector<RyBone *> bones() const;
     int nodeOf(const RyNode *node) const;

@@ -5,7 +5,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
-#include "rycore/io/gltf/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"

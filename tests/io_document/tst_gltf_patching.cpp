@@ -1,7 +1,7 @@
 #include "GltfFixture.h"
 #include "support/RyTest.h"
 
-#include "rycore/io/gltf/RyGltfDocument.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,8 +1,8 @@
 #include "GltfFixture.h"
 #include "support/RyTest.h"
 
-#include "rycore/io/gltf/RyGltfDocument.h"
-#include "rycore/io/gltf/RyGltfMeshBuilder.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,15 +1,21 @@
 #!/usr/bin/env python3
 """Refuses includes that go against the layers.
 
-    check_includes.py SRC --layers math,undo,... --widgets-from viewport [--widget-headers FOLDER...]
+    check_includes.py SRC --graph FILE [--widget-headers FOLDER...] [--gl-headers FOLDER...]
 
-- A file of src/rycore/LAYER includes "rycore/..." of its own layer or one before it, and nothing else of ours.
-- Below the layer of --widgets-from nothing includes widgets or OpenGL.
+The graph has one line for each layer and each room, written by the build:
+
+    layer viewport needs=skin may=widgets,gl
+    room rycore/io/gltf/open needs=extras
+
+- A file of src/rycore/LAYER includes "rycore/..." of its own layer and those that it needs, and nothing else of ours.
+- A file of a room includes of the rooms beside it only those that it needs.
+- Widgets and OpenGL are included where the layer says so.
 - The application includes the host library and itself; a plug-in the host library and itself.
 - The operations of a plug-in know neither its tool, actions, dialogs and pane, nor widgets.
 - Our own files are included by their full path from src.
 
-Prints one line for each violation; ends with 1 when there are any.
+Prints one line for each violation; ends with 1 when there are any, and with 2 when the graph and the folders differ.
 """
 
 import argparse
@@ -19,20 +25,78 @@ import sys
 
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"]+)[>"]', re.M)
 COMMENT = re.compile(r"/\*.*?\*/", re.S)
-DRAWING = re.compile(r"^(QtWidgets|QtOpenGL|QtPrintSupport|QtSvg)(/|$)|^(GL|EGL|GLES\d*)/|^QOpenGL|^QtGui/QOpenGL|^QtGui/qopengl")
+GL = re.compile(r"^(QtOpenGL)(/|$)|^(GL|EGL|GLES\d*)/|^QOpenGL|^QtGui/QOpenGL|^QtGui/qopengl")
+WIDGETS = re.compile(r"^(QtWidgets|QtPrintSupport|QtSvg)(/|$)")
 ABOVE_OPERATIONS = ("tool", "ryjeaction", "dialogs", "pane", "plugin")
+LINE = re.compile(r"^(layer|room) (\S+) needs=(\S*)(?: may=(\S*))?$")
+
+
+class GraphError(Exception):
+    pass
+
+
+class Graph:
+    """Layers by name and rooms by folder, each with everything that it may use."""
+
+    def __init__(self, text):
+        self.layers = {}
+        self.rooms = {}
+        self.may = {}
+        for line in text.splitlines():
+            found = LINE.match(line)
+            if not found:
+                raise GraphError(f"no layer and no room: {line}")
+            kind, name, needs, may = found.groups()
+            needs = [entry for entry in needs.split(",") if entry]
+            if kind == "layer":
+                self.add(self.layers, name, needs)
+                self.may[name] = set((may or "").split(",")) - {""}
+            else:
+                house = name.rpartition("/")[0]
+                self.add(self.rooms, name, [f"{house}/{entry}" for entry in needs])
+
+    @staticmethod
+    def add(known, name, needs):
+        if name in known:
+            raise GraphError(f"{name} is there twice")
+        reached = {name}
+        for below in needs:
+            if below not in known:
+                raise GraphError(f"{name} needs {below}, which is not there before it")
+            reached |= known[below]
+        known[name] = reached
+
+    def check_folders(self, source):
+        """Every layer and room has sources, and every folder of the library is a layer."""
+        for folder in [f"rycore/{layer}" for layer in self.layers] + list(self.rooms):
+            if not any((source / folder).rglob("*.h")) and not any((source / folder).rglob("*.cpp")):
+                raise GraphError(f"{folder} is empty")
+
+    def may_draw(self, layer):
+        return bool(self.may[layer])
+
+    def room_of(self, place):
+        """The room of a file or header given as parts of its path; None when it is in none."""
+        for length in range(len(place) - 1, 0, -1):
+            folder = "/".join(place[:length])
+            if folder in self.rooms:
+                return folder
+        return None
 
 
 class Checker:
-    def __init__(self, source, layers, widgets_from, widget_headers):
+    def __init__(self, source, graph, widget_headers, gl_headers):
         self.source = source
-        self.layers = layers
-        self.first_with_widgets = layers.index(widgets_from)
+        self.graph = graph
         self.widget_headers = widget_headers
+        self.gl_headers = gl_headers
         self.violations = []
 
-    def is_drawing(self, header):
-        return bool(DRAWING.search(header)) or header in self.widget_headers
+    def kind(self, header):
+        """What a header of others is for: "gl", "widgets" or nothing of that kind."""
+        if GL.search(header) or header in self.gl_headers:
+            return "gl"
+        return "widgets" if WIDGETS.search(header) or header in self.widget_headers else None
 
     def check(self, path):
         text = COMMENT.sub(lambda found: "\n" * found.group().count("\n"), path.read_text(encoding="utf-8"))
@@ -52,27 +116,34 @@ class Checker:
         if quoted and not is_ours and not header.endswith(".moc") and not header.startswith("ui_"):
             return "not by its full path from src"
         if place[0] == "rycore" and len(place) > 2:
-            return self.library_refusal(place[1], ours if is_ours else None, header)
+            return self.library_refusal(place, ours if is_ours else None, header)
         if is_ours and place[0] == "ryhost" and ours[0] == "pluginsource":
             return "the application knows plug-ins only when they are loaded"
         if place[0] == "pluginsource":
             return self.plugin_refusal(place, ours if is_ours else None, header)
+        if is_ours and place[0] == "ryhost":
+            return self.room_refusal(place, ours)
         return None
 
-    def library_refusal(self, layer, ours, header):
-        if layer not in self.layers:
+    def library_refusal(self, place, ours, header):
+        layer = place[1]
+        if layer not in self.graph.layers:
             return f"{layer} is no layer"
-        level = self.layers.index(layer)
         if ours is None:
-            if level < self.first_with_widgets and self.is_drawing(header):
-                return f"{layer} knows neither widgets nor OpenGL"
-            return None
+            kind = self.kind(header)
+            return f"{layer} may not use {kind}" if kind and kind not in self.graph.may[layer] else None
         if ours[0] != "rycore":
             return "the host library knows nothing above it"
-        if ours[1] not in self.layers:
+        if ours[1] not in self.graph.layers:
             return f"{ours[1]} is no layer"
-        if self.layers.index(ours[1]) > level:
-            return f"{ours[1]} lies above {layer}"
+        if ours[1] not in self.graph.layers[layer]:
+            return f"{layer} does not need {ours[1]}"
+        return self.room_refusal(place, ours)
+
+    def room_refusal(self, place, ours):
+        room, other = self.graph.room_of(place), self.graph.room_of(ours)
+        if room and other and room.rpartition("/")[0] == other.rpartition("/")[0] and other not in self.graph.rooms[room]:
+            return f"{room} does not need {other}"
         return None
 
     def plugin_refusal(self, place, ours, header):
@@ -82,23 +153,32 @@ class Checker:
             return "a plug-in does not know another one"
         if len(place) > 3 and place[2] == "operations":
             if ours is None:
-                return "operations know neither widgets nor OpenGL" if self.is_drawing(header) else None
+                return "operations know neither widgets nor OpenGL" if self.kind(header) else None
             if ours[0] == "pluginsource" and ours[2] in ABOVE_OPERATIONS:
                 return f"{ours[2]} lies above operations"
-            if ours[0] == "rycore" and self.layers.index(ours[1]) >= self.first_with_widgets:
+            if ours[0] == "rycore" and self.graph.may_draw(ours[1]):
                 return "operations know neither widgets nor OpenGL"
-        return None
+        return self.room_refusal(place, ours) if ours is not None else None
+
+
+def names_in(folders):
+    return {entry.name for folder in folders for entry in folder.iterdir()}
 
 
 def main(arguments):
     parser = argparse.ArgumentParser()
     parser.add_argument("source", type=pathlib.Path)
-    parser.add_argument("--layers", required=True)
-    parser.add_argument("--widgets-from", required=True)
+    parser.add_argument("--graph", required=True, type=pathlib.Path)
     parser.add_argument("--widget-headers", nargs="*", default=[], type=pathlib.Path)
+    parser.add_argument("--gl-headers", nargs="*", default=[], type=pathlib.Path)
     options = parser.parse_args(arguments)
-    headers = {entry.name for folder in options.widget_headers for entry in folder.iterdir()}
-    checker = Checker(options.source, options.layers.split(","), options.widgets_from, headers)
+    try:
+        graph = Graph(options.graph.read_text(encoding="utf-8"))
+        graph.check_folders(options.source)
+    except GraphError as error:
+        print(f"{options.graph}: {error}")
+        return 2
+    checker = Checker(options.source, graph, names_in(options.widget_headers), names_in(options.gl_headers))
     files = sorted(path for kind in ("*.h", "*.cpp", "*.inl") for path in options.source.rglob(kind))
     for path in files:
         checker.check(path)

@@ -14,7 +14,7 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/ui/RyAction.h"
-#include "rycore/undo/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 

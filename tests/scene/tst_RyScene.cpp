@@ -1,7 +1,7 @@
 #include "SceneText.h"
 
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RySceneDocument.h"
+#include "rycore/scene/RySceneOrigin.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-class SceneDocument : public RySceneDocument
+class SceneDocument : public RySceneOrigin
 {
 public:
     QString path() const override { return QStringLiteral("somewhere"); }

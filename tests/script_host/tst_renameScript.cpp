@@ -2,7 +2,7 @@
 
 #include "RyScriptScene.h"
 
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyScriptForm.h"
 
 #include <QLineEdit>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 
 #include <QStringList>
 

@@ -6,7 +6,7 @@
 #include "pluginsource/RyJointTools/dialogs/RyJointEditorToolDrawingOptionsDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
 #include "rycore/ui/RyColorWgt.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyIntSlider.h"
 
 #include <QComboBox>

@@ -5,7 +5,7 @@
 #include "pluginsource/RyJointTools/dialogs/RyJESelectedNodesAttributesEditDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <QCheckBox>

@@ -6,7 +6,7 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 
 #include <QStatusBar>
 

@@ -8,7 +8,7 @@
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "rycore/app/RyApp.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 
 #include <QSignalSpy>
 

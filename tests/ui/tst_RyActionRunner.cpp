@@ -5,8 +5,8 @@
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/ui/RyActionRunner.h"
-#include "rycore/ui/RyTextDistance.h"
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyTextDistance.h"
 
 #include <QDialogButtonBox>
 #include <QSpinBox>

@@ -3,7 +3,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyNodeDlg.h"
 
 #include <QCheckBox>

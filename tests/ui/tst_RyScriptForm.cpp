@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyScriptForm.h"
 
 #include <QCheckBox>

@@ -1,9 +1,9 @@
 #include "support/RyTest.h"
 
 #include "rycore/ui/RyColorWgt.h"
-#include "rycore/ui/RyDialogDriver.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyIntSlider.h"
-#include "rycore/ui/RyWidgetFilling.h"
+#include "rycore/automation/RyWidgetFilling.h"
 
 #include <QAbstractButton>
 #include <QColorDialog>

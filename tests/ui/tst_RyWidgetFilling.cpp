@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/ui/RyNumberField.h"
-#include "rycore/ui/RyWidgetFilling.h"
+#include "rycore/automation/RyWidgetFilling.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,9 +1,9 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/RyRestoreGuard.h"
-#include "rycore/undo/RyRestorePoints.h"
-#include "rycore/undo/RyUndoKeeper.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
+#include "rycore/undo/restore/RyUndoKeeper.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/RyUndoStackSilence.h"

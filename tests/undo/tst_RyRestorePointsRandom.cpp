@@ -1,8 +1,8 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/RyRestoreGuard.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 

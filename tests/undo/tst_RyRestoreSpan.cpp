@@ -1,8 +1,8 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/RyRestoreGuard.h"
-#include "rycore/undo/RyRestoreSpan.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 

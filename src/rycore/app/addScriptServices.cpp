@@ -2,7 +2,7 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/script/RyScriptEngine.h"
-#include "rycore/ui/RyScriptActions.h"
+#include "rycore/automation/RyScriptActions.h"
 #include "rycore/ui/RyScriptForm.h"
 
 #include <QScriptContext>

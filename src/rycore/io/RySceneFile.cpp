@@ -2,10 +2,10 @@
 
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
-#include "rycore/io/gltf/RyGltfSceneExporter.h"
-#include "rycore/io/gltf/RyGltfSceneReader.h"
-#include "rycore/io/gltf/RyGltfSceneWriter.h"
-#include "rycore/io/obj/RyObjSceneDocument.h"
+#include "rycore/io/gltf/save/RyGltfNewNodes.h"
+#include "rycore/io/gltf/open/RyGltfSceneReader.h"
+#include "rycore/io/gltf/save/RyGltfSceneWriter.h"
+#include "rycore/io/obj/RyObjOrigin.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
@@ -46,7 +46,7 @@ QString freeTopLevelName(const RyScene &scene, const QString &name)
     return stem + QString::number(number);
 }
 
-void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneDocument> document,
+void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> document,
                   bool merge)
 {
     if (!merge) {
@@ -96,10 +96,10 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     }
     if (endingOf(path) == QLatin1String("obj")) {
         std::vector<RyRef<RyNode>> tops;
-        std::unique_ptr<RyObjSceneDocument> document;
+        std::unique_ptr<RyObjOrigin> document;
         {
             RyUndoStackLock lock;
-            document = RyObjSceneDocument::read(path, options.unit, &tops, error, messages);
+            document = RyObjOrigin::read(path, options.unit, &tops, error, messages);
         }
         if (!document)
             return false;
@@ -110,7 +110,7 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     if (!document)
         return false;
     std::vector<RyRef<RyNode>> tops;
-    std::unique_ptr<RyGltfSceneDocument> sceneDocument;
+    std::unique_ptr<RyGltfOrigin> sceneDocument;
     {
         RyUndoStackLock lock;
         try {
@@ -138,12 +138,12 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
                                  .arg(path, writableEndings().join(QStringLiteral(", "))));
     }
     if (ending == QLatin1String("obj")) {
-        if (!RyObjSceneDocument::save(*scene, path, error, messages))
+        if (!RyObjOrigin::save(*scene, path, error, messages))
             return false;
         ryUndoStack()->setClean();
         return true;
     }
-    const auto *source = dynamic_cast<const RyGltfSceneDocument *>(scene->getDocument());
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getDocument());
     if (!source) {
         if (!saveWithoutSource(scene, path, error))
             return false;
@@ -170,9 +170,9 @@ bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString
 {
     // What came from another format is written in metres, which is what other programs take a glTF unit for.
     constexpr double CentimetresPerMetre = 100.0;
-    const auto *source = dynamic_cast<const RyGltfSceneDocument *>(scene->getDocument());
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getDocument());
     const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene->getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return RyGltfSceneExporter::exportScene(*scene, unit)->write(path, error);
+    return RyGltfNewNodes::exportScene(*scene, unit)->write(path, error);
 }

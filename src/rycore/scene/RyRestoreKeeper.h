@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/undo/RyUndoKeeper.h"
+#include "rycore/undo/restore/RyUndoKeeper.h"
 
 class RyScene;
 

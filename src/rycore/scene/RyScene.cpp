@@ -4,7 +4,7 @@
 #include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/RyUniqueNames.h"
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 
 #include <algorithm>
@@ -258,7 +258,7 @@ void RyScene::setTime(const RyTime &time)
     emit timeChanged();
 }
 
-void RyScene::setDocument(std::shared_ptr<RySceneDocument> document)
+void RyScene::setDocument(std::shared_ptr<RySceneOrigin> document)
 {
     m_document = std::move(document);
     emit documentChanged();

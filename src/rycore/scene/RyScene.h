@@ -2,7 +2,7 @@
 
 #include "rycore/base/RyError.h"
 #include "rycore/math/RyTime.h"
-#include "rycore/scene/RySceneDocument.h"
+#include "rycore/scene/RySceneOrigin.h"
 
 #include <QObject>
 #include <QPointer>
@@ -64,10 +64,10 @@ public:
     static QString getUniqueTopLevelLabel(const QString &label, const RyNode *ignore = nullptr);
 
     /// The file that the scene came from, with what the scene does not hold; null for a scene made here.
-    RySceneDocument *getDocument() const { return m_document.get(); }
+    RySceneOrigin *getDocument() const { return m_document.get(); }
     /// Shared, for restore points bring it back.
-    void setDocument(std::shared_ptr<RySceneDocument> document);
-    const std::shared_ptr<RySceneDocument> &sharedDocument() const { return m_document; }
+    void setDocument(std::shared_ptr<RySceneOrigin> document);
+    const std::shared_ptr<RySceneOrigin> &sharedDocument() const { return m_document; }
 
 signals:
     void primarySelectionChanged(RyNode *node);
@@ -91,7 +91,7 @@ private:
     std::vector<RyNode *> m_nodes; // each counted once
     std::vector<RyNode *> m_selection;
     RyTime m_time;
-    std::shared_ptr<RySceneDocument> m_document;
+    std::shared_ptr<RySceneOrigin> m_document;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 

@@ -1,6 +1,6 @@
 #include "rycore/ui/RyAction.h"
 
-#include "rycore/undo/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "rycore/undo/RyUndoStack.h"
 
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/RyUndoStep.h"
 

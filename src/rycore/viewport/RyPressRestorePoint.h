@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/undo/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 
 #include <QCoreApplication>
 #include <QPointer>

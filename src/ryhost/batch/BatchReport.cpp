@@ -81,7 +81,7 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
         {QStringLiteral("runs"), QJsonArray::fromVariantList(events.runs)},
         {QStringLiteral("boxes"), QJsonArray::fromVariantList(events.boxes)},
     };
-    if (const RySceneDocument *document = scene.getDocument()) {
+    if (const RySceneOrigin *document = scene.getDocument()) {
         report[QStringLiteral("file")] = QFileInfo(document->path()).fileName();
         report[QStringLiteral("unit")] = document->unitFactor();
     }

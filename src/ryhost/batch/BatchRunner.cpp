@@ -10,14 +10,14 @@
 #include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
-#include "rycore/ui/RyActionRunner.h"
-#include "rycore/ui/RyDialogVerdict.h"
-#include "rycore/undo/RyRestoreSpan.h"
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogVerdict.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/HostPlugins.h"
+#include "ryhost/window/HostPlugins.h"
 #include "ryhost/batch/BatchReport.h"
 
 #include <QBuffer>

@@ -8,8 +8,8 @@
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 
 #include <QDir>
 #include <QFileInfo>

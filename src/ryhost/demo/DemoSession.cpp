@@ -1,8 +1,8 @@
 #include "ryhost/demo/DemoSession.h"
 
 #include "rycore/app/RyApp.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 #include "ryhost/demo/ChainStory.h"
 #include "ryhost/demo/FirstSession.h"
 

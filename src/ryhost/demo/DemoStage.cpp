@@ -2,9 +2,9 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
-#include "ryhost/HostWindow.h"
-#include "ryhost/SceneModel.h"
-#include "ryhost/ScenePane.h"
+#include "ryhost/window/HostWindow.h"
+#include "ryhost/panes/SceneModel.h"
+#include "ryhost/panes/ScenePane.h"
 
 #include <QAbstractProxyModel>
 #include <QApplication>

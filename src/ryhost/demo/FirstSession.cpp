@@ -6,8 +6,8 @@
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/HostFiles.h"
-#include "ryhost/HostWindow.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 
 #include <QDir>
 

@@ -1,6 +1,6 @@
 #include "rycore/script/prototypes/RyRestoreScripting.h"
 
-#include "rycore/undo/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 int RyRestoreScripting::count() const
 {

@@ -1,7 +1,7 @@
 #include "rycore/script/prototypes/RyUndoScripting.h"
 
 #include "rycore/script/RyScriptEngine.h"
-#include "rycore/undo/RyRestoreSpan.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 

@@ -1,0 +1,167 @@
+#include "rycore/automation/RyActionRunner.h"
+
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/script/RyScriptEngine.h"
+#include "rycore/ui/RyAction.h"
+#include "rycore/ui/RyActionMgr.h"
+#include "rycore/automation/RyDialogVerdict.h"
+#include "rycore/automation/RyTextDistance.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("RyActionRunner", text);
+}
+
+/// "RyJEAlignNodeAction" is called alignnode by who forgets the rest.
+QString stem(const QString &className)
+{
+    QString text = className.toLower();
+    for (const char *start : {"ryje", "ry"}) {
+        if (text.startsWith(QLatin1String(start))) {
+            text.remove(0, int(qstrlen(start)));
+            break;
+        }
+    }
+    if (text.endsWith(QLatin1String("action")))
+        text.chop(6);
+    return text;
+}
+
+/// What the log and the script engine get while this lives.
+class LogWatch
+{
+public:
+    LogWatch() : m_warnings(RyMessageLog::global().warnings().size()), m_failures(failures()) {}
+
+    QStringList warnings() const { return RyMessageLog::global().warnings().mid(m_warnings); }
+    /// Why a script within it failed, empty when none did.
+    QString scriptFailure() const { return failures() > m_failures ? RyScriptEngine::current()->lastFailure() : QString(); }
+
+private:
+    static int failures()
+    {
+        const RyScriptEngine *scripts = RyScriptEngine::current();
+        return scripts ? scripts->failures() : 0;
+    }
+    int m_warnings;
+    int m_failures;
+};
+
+} // namespace
+
+QVariantMap RyActionResult::toMap() const
+{
+    QVariantList boxes;
+    for (const RyDialogRecord &record : dialogs)
+        boxes.append(record.toMap());
+    return {{QStringLiteral("ran"), ran},
+            {QStringLiteral("refused"), refused},
+            {QStringLiteral("cancelled"), cancelled},
+            {QStringLiteral("reason"), reason},
+            {QStringLiteral("notes"), notes},
+            {QStringLiteral("boxes"), boxes}};
+}
+
+RyActionRunner::RyActionRunner(const RyActionMgr *manager) : m_manager(manager) {}
+
+void RyActionRunner::setField(const QString &name, const QString &value)
+{
+    m_fields.emplace_back(name, value);
+}
+
+void RyActionRunner::setAnswer(const QString &title, const QString &button)
+{
+    m_answers.emplace_back(title, button);
+}
+
+RyActionResult RyActionRunner::run(const QString &className)
+{
+    const auto fields = std::move(m_fields);
+    const auto answers = std::move(m_answers);
+    m_fields.clear();
+    m_answers.clear();
+    RyActionResult result;
+    // Tools take a new selection by an event, which no loop may have delivered yet.
+    QCoreApplication::sendPostedEvents();
+    RyAction *action = m_manager ? m_manager->findAction(className) : nullptr;
+    if (!action) {
+        result.wrongUse = true;
+        result.reason = unknownReason(className);
+        return result;
+    }
+    if (!action->isEnabled()) {
+        result.refused = true;
+        result.reason = action->unavailableReason();
+        if (result.reason.isEmpty())
+            result.reason = tr("The action \"%1\" is disabled for what is selected.").arg(action->text());
+        return result;
+    }
+    RyDialogDriver driver;
+    for (const auto &[name, value] : fields)
+        driver.setField(name, value);
+    for (const auto &[title, button] : answers)
+        driver.setAnswer(title, button);
+    const LogWatch log;
+    action->trigger();
+    const RyDialogVerdict verdict = ryJudgeDialogs(driver);
+    result.refused = verdict.refused;
+    result.cancelled = verdict.cancelled;
+    result.wrongUse = verdict.wrongUse;
+    result.reason = verdict.reason;
+    result.notes = verdict.notes + log.warnings();
+    if (const QString failure = log.scriptFailure(); !failure.isEmpty() && !result.refused && !result.wrongUse) {
+        result.refused = true;
+        result.cancelled = false;
+        result.reason = failure;
+        result.notes.removeAll(failure);
+    }
+    result.ran = !result.refused && !result.cancelled && (!result.wrongUse || verdict.unused);
+    if (result.ran && result.wrongUse)
+        result.reason = tr("It ran, but: %1").arg(result.reason);
+    result.dialogs = driver.records();
+    return result;
+}
+
+QStringList RyActionRunner::names() const
+{
+    QStringList names;
+    if (m_manager) {
+        for (const RyAction *action : m_manager->getActions())
+            names.append(QString::fromLatin1(action->metaObject()->className()));
+    }
+    names.sort();
+    return names;
+}
+
+QString RyActionRunner::unknownReason(const QString &className) const
+{
+    const QStringList near = nearNames(className);
+    return near.isEmpty()
+        ? tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
+        : tr("There is no action %1 (did you mean %2?).").arg(className, near.join(tr(" or ")));
+}
+
+QStringList RyActionRunner::nearNames(const QString &name) const
+{
+    constexpr int MostNear = 4;
+    const QString wanted = stem(name);
+    std::vector<std::pair<int, QString>> near;
+    for (const QString &className : names()) {
+        const QString known = stem(className);
+        const int distance = ryTextDistance(wanted, known);
+        const bool contained = wanted.size() > 2 && (known.contains(wanted) || wanted.contains(known));
+        if (contained || distance <= std::max(2, int(known.size()) / 4))
+            near.emplace_back(distance, className);
+    }
+    std::sort(near.begin(), near.end());
+    QStringList found;
+    for (size_t i = 0; i < near.size() && i < MostNear; ++i)
+        found.append(near[i].second);
+    return found;
+}

@@ -1,0 +1,58 @@
+#include "rycore/automation/RyDialogVerdict.h"
+
+#include "rycore/automation/RyDialogDriver.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("RyDialogVerdict", text);
+}
+
+QString unusedReason(const RyDialogDriver &driver)
+{
+    const QString fields = driver.unusedFields().join(QStringLiteral(", "));
+    QStringList titles;
+    for (const RyDialogRecord &record : driver.records()) {
+        if (record.kind == RyDialogRecord::Dialog)
+            titles.append(QLatin1Char('"') + record.title + QLatin1Char('"'));
+    }
+    return titles.isEmpty() ? tr("No dialog opened that could use %1.").arg(fields)
+                            : tr("No dialog used %1; there was %2.").arg(fields, titles.join(QStringLiteral(", ")));
+}
+
+} // namespace
+
+RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
+{
+    RyDialogVerdict verdict;
+    for (const QString &title : driver.unusedAnswers())
+        verdict.notes.append(tr("No message box \"%1\" asked for its answer.").arg(title));
+    if (!driver.errors().isEmpty()) {
+        verdict.wrongUse = true;
+        verdict.reason = driver.errors().join(QLatin1Char(' '));
+        return verdict;
+    }
+    for (const RyDialogRecord &record : driver.records()) {
+        if (!record.tellsOfRefusal() && !record.refused)
+            continue;
+        verdict.refused = true;
+        verdict.reason = record.refused ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
+                                        : record.plainText();
+        return verdict;
+    }
+    for (const RyDialogRecord &record : driver.records()) {
+        if (!record.cancelled || record.corrects)
+            continue;
+        verdict.cancelled = true;
+        verdict.reason = tr("\"%1\" was answered with %2.").arg(record.title, record.answered);
+        break;
+    }
+    if (!driver.unusedFields().isEmpty()) {
+        verdict.wrongUse = verdict.unused = true;
+        verdict.reason = unusedReason(driver);
+    }
+    return verdict;
+}

@@ -1,0 +1,232 @@
+#include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+
+#include "rycore/io/gltf/document/RyGltfAccessorReader.h"
+
+#include <algorithm>
+#include <cstring>
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+constexpr int largestBuffer = 0x7ff00000;
+
+const char *typeName(int componentCount)
+{
+    switch (componentCount) {
+    case 1:
+        return "SCALAR";
+    case 2:
+        return "VEC2";
+    case 3:
+        return "VEC3";
+    case 4:
+        return "VEC4";
+    case 9:
+        return "MAT3";
+    case 16:
+        return "MAT4";
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+Json &RyGltfDocument::Private::list(const char *key)
+{
+    Json &result = tree[key];
+    if (!result.is_array())
+        result = Json::array();
+    return result;
+}
+
+int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, int target, int stride)
+{
+    Json &bufferList = list("buffers");
+    const auto hasRoom = [size](const RyGltfBuffer &buffer) {
+        return std::uint64_t(buffer.bytes.size()) + size + 4 <= std::uint64_t(largestBuffer);
+    };
+    if (size + 4 > std::uint64_t(largestBuffer))
+        return -1;
+    if (storage.buffers.empty() || storage.buffers.back().source == RyGltfBuffer::External
+        || !hasRoom(storage.buffers.back())) {
+        storage.buffers.emplace_back();
+        bufferList.push_back(Json::object());
+    }
+    RyGltfBuffer &buffer = storage.buffers.back();
+    while (buffer.bytes.size() % 4 != 0)
+        buffer.bytes.append('\0');
+    RyGltfBufferView view;
+    view.buffer = int(storage.buffers.size()) - 1;
+    view.offset = std::uint64_t(buffer.bytes.size());
+    view.length = size;
+    view.stride = std::uint64_t(stride);
+    buffer.bytes.append(bytes, int(size));
+    storage.views.push_back(view);
+    bufferList.back()["byteLength"] = buffer.bytes.size();
+
+    Json entry = Json::object();
+    entry["buffer"] = view.buffer;
+    entry["byteOffset"] = view.offset;
+    entry["byteLength"] = view.length;
+    if (stride != 0)
+        entry["byteStride"] = stride;
+    if (target != 0)
+        entry["target"] = target;
+    list("bufferViews").push_back(std::move(entry));
+    return int(storage.views.size()) - 1;
+}
+
+int RyGltfDocument::Private::appendAccessor(int view, int componentType, int componentCount, std::uint64_t count,
+                                            bool normalized)
+{
+    RyGltfAccessor accessor;
+    accessor.bufferView = view;
+    accessor.componentType = componentType;
+    accessor.componentCount = componentCount;
+    accessor.count = count;
+    accessor.normalized = normalized;
+    RyGltfLayout layout;
+    layout.componentSize = RyGltfAccessorReader::componentSize(componentType);
+    layout.rows = componentCount == 9 ? 3 : componentCount == 16 ? 4 : componentCount;
+    layout.columnStride = layout.rows * layout.componentSize;
+    layout.elementSize = componentCount * layout.componentSize;
+    const std::uint64_t stride = storage.views[std::size_t(view)].stride;
+    layout.stride = stride != 0 ? stride : std::uint64_t(layout.elementSize);
+    model.accessors.push_back(accessor);
+    storage.layouts.push_back(layout);
+
+    Json entry = Json::object();
+    entry["bufferView"] = view;
+    entry["componentType"] = componentType;
+    if (normalized)
+        entry["normalized"] = true;
+    entry["count"] = count;
+    entry["type"] = typeName(componentCount);
+    list("accessors").push_back(std::move(entry));
+    useCountsValid = false;
+    return int(model.accessors.size()) - 1;
+}
+
+void RyGltfDocument::Private::setBounds(int accessor, std::span<const float> values)
+{
+    const std::size_t components = std::size_t(model.accessors[std::size_t(accessor)].componentCount);
+    if (values.size() < components)
+        return;
+    std::vector<float> low(values.begin(), values.begin() + std::ptrdiff_t(components));
+    std::vector<float> high = low;
+    for (std::size_t i = components; i < values.size(); ++i) {
+        low[i % components] = std::min(low[i % components], values[i]);
+        high[i % components] = std::max(high[i % components], values[i]);
+    }
+    Json &entry = list("accessors")[std::size_t(accessor)];
+    const auto assign = [&entry](const char *key, const std::vector<float> &numbers) {
+        Json array = Json::array();
+        for (const float number : numbers)
+            array.push_back(double(number));
+        entry[key] = std::move(array);
+    };
+    assign("min", low);
+    assign("max", high);
+    storage.layouts[std::size_t(accessor)].hasBounds = true;
+}
+
+int RyGltfDocument::addFloatAccessor(std::span<const float> values, int componentCount, int target, bool withBounds)
+{
+    if (!typeName(componentCount) || values.empty() || values.size() % std::size_t(componentCount) != 0)
+        return -1;
+    const int view = d->appendView(reinterpret_cast<const char *>(values.data()), values.size_bytes(), target, 0);
+    if (view < 0)
+        return -1;
+    const int accessor =
+        d->appendAccessor(view, 5126, componentCount, values.size() / std::size_t(componentCount), false);
+    if (withBounds)
+        d->setBounds(accessor, values);
+    return accessor;
+}
+
+int RyGltfDocument::addUintAccessor(std::span<const std::uint32_t> values, int componentCount, int componentType,
+                                    int target, bool normalized)
+{
+    const std::uint32_t largest = componentType == 5121 ? 0xff : componentType == 5123 ? 0xffff : 0xffffffff;
+    const bool known = componentType == 5121 || componentType == 5123 || componentType == 5125;
+    if (!known || componentCount < 1 || componentCount > 4 || values.empty()
+        || values.size() % std::size_t(componentCount) != 0
+        || std::any_of(values.begin(), values.end(), [largest](std::uint32_t value) { return value > largest; }))
+        return -1;
+    const int size = RyGltfAccessorReader::componentSize(componentType);
+    const int elementSize = size * componentCount;
+    // Elements of vertex attributes stand at multiples of four bytes.
+    const int stride = target == 34962 ? (elementSize + 3) & ~3 : elementSize;
+    const std::size_t count = values.size() / std::size_t(componentCount);
+    std::vector<char> bytes(count * std::size_t(stride), 0);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        char *to = bytes.data() + (i / std::size_t(componentCount)) * std::size_t(stride)
+                   + (i % std::size_t(componentCount)) * std::size_t(size);
+        for (int byte = 0; byte < size; ++byte)
+            to[byte] = char(values[i] >> (8 * byte));
+    }
+    const int view = d->appendView(bytes.data(), bytes.size(), target, stride != elementSize ? stride : 0);
+    return view < 0 ? -1 : d->appendAccessor(view, componentType, componentCount, count, normalized);
+}
+
+int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
+{
+    const std::size_t index = std::size_t(accessor);
+    const RyGltfAccessor a = d->model.accessors.at(index);
+    const RyGltfLayout layout = d->storage.layouts.at(index);
+    const std::size_t components = std::size_t(a.componentCount);
+    const bool own = a.componentType == 5126 && !a.sparse && a.bufferView >= 0 && values.size() == a.count * components
+                     && !layout.isPadded();
+    const int bufferIndex = own ? d->storage.views[std::size_t(a.bufferView)].buffer : -1;
+    if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External
+        || d->sharesBytes(accessor)) {
+        int target = 0;
+        if (a.bufferView >= 0)
+            target = d->list("bufferViews")[std::size_t(a.bufferView)].value("target", 0);
+        return addFloatAccessor(values, a.componentCount, target, layout.hasBounds);
+    }
+    const std::size_t elementBytes = components * sizeof(float);
+    const unsigned char *old = d->storage.viewBytes(a.bufferView) + a.byteOffset;
+    bool same = true;
+    for (std::uint64_t i = 0; i < a.count && same; ++i)
+        same = std::memcmp(old + i * layout.stride, values.data() + i * components, elementBytes) == 0;
+    if (same)
+        return accessor;
+    RyGltfBuffer &buffer = d->storage.buffers[std::size_t(bufferIndex)];
+    char *to = buffer.bytes.data() + d->storage.views[std::size_t(a.bufferView)].offset + a.byteOffset;
+    for (std::uint64_t i = 0; i < a.count; ++i)
+        std::memcpy(to + i * layout.stride, values.data() + i * components, elementBytes);
+    if (layout.hasBounds)
+        d->setBounds(accessor, values);
+    return accessor;
+}
+
+int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized)
+{
+    const auto isOwn = [&] {
+        if (accessor < 0)
+            return false;
+        const RyGltfAccessor &a = d->model.accessors.at(std::size_t(accessor));
+        return a.componentType == 5123 && a.componentCount == 4 && a.normalized == normalized && !a.sparse
+               && a.bufferView >= 0 && values.size() == a.count * 4
+               && d->storage.buffers[std::size_t(d->storage.views[std::size_t(a.bufferView)].buffer)].source
+                      != RyGltfBuffer::External
+               && !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor);
+    };
+    if (!isOwn())
+        return addUintAccessor(values, 4, 5123, 34962, normalized);
+    const RyGltfAccessor &a = d->model.accessors[std::size_t(accessor)];
+    const std::uint64_t stride = d->storage.layouts[std::size_t(accessor)].stride;
+    const RyGltfBufferView &view = d->storage.views[std::size_t(a.bufferView)];
+    QByteArray &bytes = d->storage.buffers[std::size_t(view.buffer)].bytes;
+    char *to = bytes.data() + view.offset + a.byteOffset;
+    for (std::uint64_t i = 0; i < a.count; ++i) {
+        std::uint16_t four[4];
+        for (std::size_t k = 0; k < 4; ++k)
+            four[k] = std::uint16_t(values[i * 4 + k]);
+        std::memcpy(to + i * stride, four, sizeof four);
+    }
+    return accessor;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "rycore/io/gltf/file/RyGlbContainer.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/file/RyGltfStorage.h"
+
+#include <nlohmann/json.hpp>
+
+/// What the document consists of; shared by the files that implement it.
+struct RyGltfDocument::Private
+{
+    using Json = nlohmann::ordered_json;
+
+    enum Form {
+        NoForm, // made here
+        TextForm,
+        BinaryForm
+    };
+
+    Json tree;
+    RyGltfModel model;
+    RyGltfStorage storage;
+
+    QString path;              // of the file that was read
+    Form form = NoForm;
+    QByteArray file;           // its bytes
+    QByteArray jsonText;       // the part of them the tree came from
+    std::vector<RyGlbContainer::Chunk> otherChunks;
+
+    /// How often each accessor is used by anything; counted when asked for.
+    mutable std::vector<int> useCounts;
+    mutable bool useCountsValid = false;
+
+    /// Builds model and layouts from the tree and the buffers. Throws RyGltfError.
+    void readModel(QStringList *warnings);
+    QString folder() const;
+    const std::vector<int> &countUses() const;
+    bool sharesBytes(int accessor) const;
+
+    Json &list(const char *key);
+    /// Bytes at the end of a buffer of our own or of the container; the index of their new buffer view, or -1 when
+    /// there is no room.
+    int appendView(const char *bytes, std::uint64_t size, int target, int stride);
+    int appendAccessor(int view, int componentType, int componentCount, std::uint64_t count, bool normalized);
+    void setBounds(int accessor, std::span<const float> values);
+};

@@ -1,0 +1,46 @@
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+
+std::vector<int> ryGltfPreOrder(const RyGltfModel &model)
+{
+    std::vector<int> order;
+    order.reserve(model.nodes.size());
+    std::vector<bool> seen(model.nodes.size(), false);
+    const auto visit = [&](int root) {
+        std::vector<int> pending{root};
+        while (!pending.empty()) {
+            const int node = pending.back();
+            pending.pop_back();
+            if (seen[size_t(node)])
+                continue;
+            seen[size_t(node)] = true;
+            order.push_back(node);
+            const std::vector<int> &children = model.nodes[size_t(node)].children;
+            pending.insert(pending.end(), children.rbegin(), children.rend());
+        }
+    };
+    for (const int root : model.sceneRoots)
+        visit(root);
+    for (size_t node = 0; node < model.nodes.size(); ++node) {
+        if (model.nodes[node].parent < 0)
+            visit(int(node));
+    }
+    return order;
+}
+
+std::vector<RyAffine> ryGltfWorldMaps(const RyGltfModel &model, const std::vector<int> &preOrder)
+{
+    std::vector<RyAffine> maps(model.nodes.size());
+    for (const int index : preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(index)];
+        maps[size_t(index)] = node.transform.toAffine();
+        if (node.parent >= 0)
+            maps[size_t(index)] = maps[size_t(index)] * maps[size_t(node.parent)];
+    }
+    return maps;
+}
+
+bool ryGltfMarksEnd(const QString &name)
+{
+    return name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||
+           name.endsWith(QLatin1String("End Site"));
+}

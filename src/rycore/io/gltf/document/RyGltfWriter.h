@@ -1,0 +1,37 @@
+#pragma once
+
+#include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+
+/// Turns a document into the bytes of a file. The document itself is not changed.
+class RyGltfWriter
+{
+public:
+    explicit RyGltfWriter(const RyGltfDocument &document);
+
+    /// `ending` is "glb" or "gltf", with or without a dot. `elsewhere`: the file goes to another folder than it came
+    /// from, so files beside it are taken in. Empty with a message on failure.
+    QByteArray toBytes(const QString &ending, bool elsewhere, QString *error) const;
+
+private:
+    using Json = nlohmann::ordered_json;
+
+    /// The pieces of one binary chunk, each at a multiple of four bytes.
+    struct Pieces
+    {
+        std::vector<QByteArray> list;
+        std::uint64_t size = 0;
+
+        std::uint64_t append(const QByteArray &piece);
+    };
+
+    QByteArray compose(RyGltfDocument::Private::Form form, bool elsewhere) const;
+    bool isAsRead(bool elsewhere) const;
+    bool hasExternals() const;
+    QByteArray composeBinary(bool elsewhere) const;
+    QByteArray composeText(bool elsewhere) const;
+    void mergeBuffers(Json &tree, Pieces &pieces) const;
+    void takeInImages(Json &tree, bool external, bool embedded, Pieces *pieces) const;
+
+    const RyGltfDocument &m_document;
+    const RyGltfDocument::Private &d;
+};

@@ -1,0 +1,301 @@
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
+
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyMapExtras.h"
+#include "rycore/io/gltf/extras/RyRiggingExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+using RyExtrasJson::find;
+using Json = RyExtrasJson::Json;
+
+namespace {
+
+/// Number of the first triangle of each facet, and behind them that of all triangles: a file holds quads as two.
+std::vector<int> firstTriangles(const RyFacetMesh &mesh)
+{
+    std::vector<int> first{0};
+    for (const RyFacet &facet : mesh.getFacets())
+        first.push_back(first.back() + facet.count() - 2);
+    return first;
+}
+
+/// Runs of triangles per group, in the order of the groups.
+Json groupsJson(const RyFacetMesh &mesh)
+{
+    const std::vector<int> triangles = firstTriangles(mesh);
+    Json groups = Json::array();
+    for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
+        const RyFaceGroup &group = *mesh.getFaceGroup(g);
+        Json runs = Json::array();
+        const RyIndexList &facets = group.getFacets();
+        for (int i = 0; i < facets.count();) {
+            int last = i;
+            while (last + 1 < facets.count() && facets.getIndex(last + 1) == facets.getIndex(last) + 1)
+                ++last;
+            const int first = triangles[size_t(facets.getIndex(i))];
+            runs.push_back(Json::array({first, triangles[size_t(facets.getIndex(last)) + 1] - first}));
+            i = last + 1;
+        }
+        groups.push_back(Json{{"name", group.getName().toStdString()}, {"runs", std::move(runs)}});
+    }
+    return groups;
+}
+
+RyFacetMesh *meshOf(const RyNode &node)
+{
+    auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    return shape ? shape->getFacetMesh() : nullptr;
+}
+
+const Json *figureJson(const RyGltfDocument &document, int figure)
+{
+    const Json *ours = RyExtrasJson::ours(document.json());
+    const Json *figures = ours ? find(*ours, "figures") : nullptr;
+    return figures && figures->is_array() && figure >= 0 && size_t(figure) < figures->size() ? &(*figures)[size_t(figure)]
+                                                                                         : nullptr;
+}
+
+} // namespace
+
+double RyFigureExtras::storedUnit(const RyGltfDocument &document)
+{
+    const Json *ours = RyExtrasJson::ours(document.json());
+    const Json *unit = ours ? find(*ours, "unit") : nullptr;
+    const double value = unit && unit->is_number() ? unit->get<double>() : 0.0;
+    return std::isfinite(value) && value >= 1e-6 && value <= 1e9 ? value : 0.0;
+}
+
+bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh,
+                                      QStringList *messages)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *groups = stored ? find(*stored, "faceGroups") : nullptr;
+    if (!groups || !groups->is_array() || groups->empty())
+        return false;
+    std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
+    QStringList names;
+    const auto fits = [&] {
+        const Json *facets = find(*stored, "facets");
+        if (facets && (!facets->is_number_integer() || facets->get<long long>() != mesh.getNumFacets()))
+            return false;
+        for (const Json &group : *groups) {
+            const Json *name = find(group, "name");
+            const Json *runs = find(group, "runs");
+            if (!name || !name->is_string() || !runs || !runs->is_array())
+                return false;
+            for (const Json &run : *runs) {
+                if (!run.is_array() || run.size() != 2 || !run[0].is_number_integer() || !run[1].is_number_integer())
+                    return false;
+                const long long first = run[0].get<long long>();
+                const long long count = run[1].get<long long>();
+                if (first < 0 || count < 0 || first > mesh.getNumFacets() || count > mesh.getNumFacets() - first)
+                    return false;
+                std::fill_n(groupOfFacet.begin() + first, count, names.size());
+            }
+            names.append(QString::fromStdString(name->get<std::string>()));
+        }
+        return names.size() == QSet<QString>(names.begin(), names.end()).size();
+    };
+    if (!fits()) {
+        if (messages)
+            messages->append(QStringLiteral("The stored face groups do not fit the mesh and are left out"));
+        return false;
+    }
+    for (const QString &name : names)
+        mesh.createFaceGroup(name);
+    mesh.setGroupsOfFacets(groupOfFacet);
+    return true;
+}
+
+void RyFigureExtras::applySelectionMap(const RyGltfOrigin &scene, int figure, RyNode &skeletonNode)
+{
+    auto *skeleton = qobject_cast<RySkeleton *>(&skeletonNode);
+    const RyFacetMesh *mesh = meshOf(skeletonNode);
+    if (!skeleton || !mesh)
+        return;
+    RyRef<RySelectionMap> map(new RySelectionMap);
+    const Json *stored = figureJson(*scene.document, figure);
+    const Json *pairs = stored ? find(*stored, "selectionMap") : nullptr;
+    if (pairs && pairs->is_array()) {
+        for (const Json &pair : *pairs) {
+            if (!pair.is_array() || pair.size() != 2 || !pair[0].is_string() || !pair[1].is_number_integer())
+                continue;
+            const int node = pair[1].get<int>();
+            RyNode *target = nullptr;
+            for (const RyGltfNodeSource &source : scene.nodes) {
+                if (source.node == node)
+                    target = source.sceneNode;
+            }
+            map->addPair(QString::fromStdString(pair[0].get<std::string>()), target, false);
+        }
+    } else {
+        // Without a stored map a group goes with the bone of its name.
+        std::map<QString, RyNode *> bones;
+        std::vector<RyNode *> below;
+        skeleton->getNodeChildren(below, true);
+        for (RyNode *node : below)
+            bones.emplace(node->getName(), node);
+        for (int g = 0; g < mesh->getNumFaceGroups(); ++g) {
+            const auto bone = bones.find(mesh->getFaceGroup(g)->getName());
+            if (bone != bones.end())
+                map->addPair(bone->first, bone->second, false);
+        }
+    }
+    if (map->getNumPairs() > 0)
+        skeleton->setSelectionMap(map.get());
+}
+
+int RyFigureExtras::findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int number)
+{
+    const Json *ours = RyExtrasJson::ours(document.json());
+    const Json *figures = ours ? find(*ours, "figures") : nullptr;
+    if (!figures || !figures->is_array())
+        return -1;
+    bool named = false;
+    for (size_t i = 0; i < figures->size(); ++i) {
+        const Json *of = find((*figures)[i], "of");
+        if (!of || !of->is_number_integer())
+            continue;
+        named = true;
+        if (std::find(nodes.begin(), nodes.end(), of->get<int>()) != nodes.end())
+            return int(i);
+    }
+    return named ? -1 : number;
+}
+
+std::vector<int> RyFigureExtras::storedBindings(const RyGltfDocument &document, int figure, bool *isStored)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *bindings = stored ? find(*stored, "bindings") : nullptr;
+    std::vector<int> nodes;
+    *isStored = bindings && bindings->is_array();
+    for (const Json &node : *isStored ? *bindings : Json::array()) {
+        if (node.is_number_integer())
+            nodes.push_back(node.get<int>());
+    }
+    return nodes;
+}
+
+bool RyFigureExtras::hasMaps(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    return stored && find(*stored, "maps");
+}
+
+void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences,
+                               int vertexCount, const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin,
+                               QStringList *messages)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *maps = stored ? find(*stored, "maps") : nullptr;
+    if (maps && !RyMapExtras::apply(*maps, influences, vertexCount, nodeOf, skin) && messages) {
+        messages->append(QStringLiteral("The stored local, scale and bulge maps do not fit the weights of the file and are "
+                                        "left out"));
+    }
+}
+
+void RyFigureExtras::applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node)
+{
+    const Json *stored = figureJson(document, figure);
+    if (const Json *ours = stored ? find(*stored, "node") : nullptr)
+        RyRiggingExtras::applyFigure(*ours, unit, withPlace, node);
+}
+
+QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *name = stored ? find(*stored, "name") : nullptr;
+    return name && name->is_string() ? QString::fromStdString(name->get<std::string>()) : QString();
+}
+
+/// The bones of a figure's bindings, where they are not its joints in their order.
+static Json bindingsJson(const RySkeleton &skeleton, const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints)
+{
+    Json expected = Json::array();
+    for (const RyBone *bone : skeleton.getAllBones()) {
+        const auto node = nodeOf.find(bone);
+        if (node != nodeOf.end() && joints.count(node->second))
+            expected.push_back(node->second);
+    }
+    Json list = Json::array();
+    const RySkinBinding *skin = RySkinBinding::findSkin(&skeleton);
+    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+        const auto node = nodeOf.find(binding->getBone());
+        if (node != nodeOf.end())
+            list.push_back(node->second);
+    }
+    return skin && list != expected ? list : Json();
+}
+
+void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
+                               const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints)
+{
+    Json list = Json::array();
+    for (const RyNode *figure : figures) {
+        Json entry = Json::object();
+        // By its node, or that of its first bone, it is found again.
+        const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
+        const std::vector<RyBone *> bones = skeleton ? skeleton->getAllBones() : std::vector<RyBone *>();
+        const auto of = nodeOf.find(bones.empty() ? figure : bones.front());
+        if (of != nodeOf.end())
+            entry["of"] = of->second;
+        if (const RyFacetMesh *mesh = figure ? meshOf(*figure) : nullptr) {
+            entry["facets"] = firstTriangles(*mesh).back();
+            entry["faceGroups"] = groupsJson(*mesh);
+        }
+        if (skeleton) {
+            entry["name"] = skeleton->getName().toStdString();
+            entry["node"] = RyRiggingExtras::nodeJson(*skeleton, nullptr);
+            entry["node"]["unit"] = unit;
+            Json bindings = bindingsJson(*skeleton, nodeOf, joints);
+            if (!bindings.is_null())
+                entry["bindings"] = std::move(bindings);
+            const RyFacetMesh *mesh = meshOf(*skeleton);
+            const RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
+            Json maps = skin && mesh ? RyMapExtras::toJson(*skin, mesh->getNumVertices(), nodeOf) : Json();
+            if (!maps.is_null())
+                entry["maps"] = std::move(maps);
+        }
+        if (const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
+            Json pairs = Json::array();
+            for (int i = 0; i < map->getNumPairs(); ++i) {
+                const auto node = nodeOf.find(map->getPairNode(i));
+                pairs.push_back(Json::array({map->getPairGroup(i).toStdString(), node == nodeOf.end() ? -1 : node->second}));
+            }
+            entry["selectionMap"] = std::move(pairs);
+        }
+        list.push_back(std::move(entry));
+    }
+    RyExtrasJson::store(document.json(),
+                        Json{{"version", RyExtrasJson::Version}, {"unit", unit}, {"figures", std::move(list)}});
+}
+
+QString RyFigureExtras::groupsText(const RyFacetMesh &mesh)
+{
+    return QString::fromStdString(groupsJson(mesh).dump());
+}
+
+QString RyFigureExtras::selectionText(const RyNode &node)
+{
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&node);
+    const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
+    QString text;
+    for (int i = 0; map && i < map->getNumPairs(); ++i) {
+        const RyNode *paired = map->getPairNode(i);
+        text += map->getPairGroup(i) + QLatin1Char('\t') + (paired ? paired->getName() : QString()) + QLatin1Char('\n');
+    }
+    return text;
+}

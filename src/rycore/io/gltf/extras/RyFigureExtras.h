@@ -1,0 +1,45 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/extras/RyMapExtras.h"
+
+#include <QStringList>
+
+#include <map>
+#include <set>
+
+class RyFacetMesh;
+
+/// What our key in the extras of a file holds: the unit factor, and an entry for each figure and prop: face groups, selection map, the figure's own transform and the order of its bindings.
+namespace RyFigureExtras {
+
+/// The entry of the figure that has one of these nodes; in files that do not say it the one with the figure's number. -1 for none.
+int findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int number);
+
+/// Centimetres per file unit as stored, 0 when nothing is stored.
+double storedUnit(const RyGltfDocument &document);
+/// Face groups of a figure; false when none fit.
+bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
+void applySelectionMap(const RyGltfOrigin &scene, int figure, RyNode &skeleton);
+/// Name of a figure as it was saved; empty when none is stored.
+QString storedFigureName(const RyGltfDocument &document, int figure);
+/// Label, flags and, `withPlace`, place and limits of a figure.
+void applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node);
+/// Nodes of the bones that have bindings, in their order, where they are not simply the joints.
+std::vector<int> storedBindings(const RyGltfDocument &document, int figure, bool *isStored);
+
+bool hasMaps(const RyGltfDocument &document, int figure);
+/// Local, scale and bulge maps, where the influences of the file are those that they were stored with.
+void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
+               const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin, QStringList *messages);
+
+/// Writes all of it. `figures`: null for one that is gone; `joints`: nodes that a reader finds in skins.
+void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
+               const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints);
+
+/// The face groups of a mesh as the extras say them, to see whether they were edited.
+QString groupsText(const RyFacetMesh &mesh);
+/// Likewise the selection map of a skeleton; empty without one.
+QString selectionText(const RyNode &node);
+
+} // namespace RyFigureExtras

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <map>
+#include <span>
+#include <vector>
+
+class RyBoneBinding;
+class RyNode;
+class RySkinBinding;
+
+/// What one binding weighs, as a file holds it: its general map, or the mean of its local ones.
+class RyGltfBindingWeights
+{
+public:
+    explicit RyGltfBindingWeights(const RyBoneBinding &binding);
+    /// Whether the binding's bone still belongs to the skin's figure; the others move nothing in a file.
+    static bool isHeld(const RyBoneBinding &binding);
+
+    std::span<const int> vertices; // ascending
+    std::span<const quint16> weights;
+
+private:
+    std::vector<int> m_vertices;
+    std::vector<quint16> m_weights;
+};
+
+/// The influences of a skin's vertices as a file holds them: 16-bit weights that sum to exactly 65535. A binding with local maps
+/// counts with their mean.
+class RyGltfInfluences
+{
+public:
+    RyGltfInfluences(const RySkinBinding *skin, int vertexCount);
+
+    struct Influence
+    {
+        quint16 bone;   // place in `bones`
+        quint16 weight; // never zero
+    };
+    /// In descending order of weight, the first bone first on ties.
+    std::span<const Influence> of(int vertex) const
+    {
+        const size_t at = size_t(vertex);
+        return {m_influences.data() + m_first[at], m_influences.data() + m_first[at + 1]};
+    }
+    const std::vector<const RyNode *> &bones() const { return m_bones; }
+    int vertexCount() const { return int(m_first.size()) - 1; }
+    /// Joints of all bones as a map says them.
+    std::vector<int> placesIn(const std::map<const RyNode *, int> &placeOf) const;
+
+private:
+    std::vector<const RyNode *> m_bones;
+    std::vector<size_t> m_first; // per vertex, and one behind
+    std::vector<Influence> m_influences;
+};

@@ -1,0 +1,244 @@
+#include "rycore/io/gltf/extras/RyMapExtras.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RyBulgeBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+using RyExtrasJson::find;
+using Json = RyExtrasJson::Json;
+
+namespace {
+
+const char *const localNames[3] = {"x", "y", "z"};
+
+Json mapJson(const RyWeightMap *map)
+{
+    const int affected = map->getNumAffected();
+    QByteArray bytes;
+    const auto append = [&bytes](quint32 number, int size) {
+        for (int byte = 0; byte < size; ++byte)
+            bytes.append(char(number >> (8 * byte)));
+    };
+    append(quint32(map->getNumWeights()), 4);
+    append(quint32(affected), 4);
+    int last = 0;
+    for (int i = 0; i < affected; ++i) { // steps compress better than places
+        append(quint32(map->getAffectedIndices()[i] - last), 4);
+        last = map->getAffectedIndices()[i];
+    }
+    for (int i = 0; i < affected; ++i)
+        append(map->getAffectedWeights()[i], 2);
+    return qCompress(bytes).toBase64().toStdString();
+}
+
+/// False for a text that is none; null without one.
+bool readMap(const Json *text, int vertexCount, const QString &name, RyRef<RyWeightMap> &map)
+{
+    if (!text)
+        return true;
+    if (!text->is_string())
+        return false;
+    const QByteArray packed = QByteArray::fromBase64(QByteArray::fromStdString(text->get<std::string>()));
+    // The packed bytes begin with the size of the whole: no more than all vertices need.
+    quint64 size = 0;
+    for (int byte = 0; byte < std::min(4, int(packed.size())); ++byte)
+        size = (size << 8) | quint8(packed[byte]);
+    if (size < 8 || size > 8 + 6 * quint64(vertexCount))
+        return false;
+    const QByteArray bytes = qUncompress(packed);
+    const auto read = [&bytes](qsizetype at, int length) {
+        quint32 number = 0;
+        for (int byte = 0; byte < length; ++byte)
+            number |= quint32(quint8(bytes[int(at) + byte])) << (8 * byte);
+        return number;
+    };
+    if (bytes.size() < 8 || read(0, 4) != quint32(vertexCount))
+        return false;
+    const qsizetype affected = qsizetype(read(4, 4));
+    if (affected > vertexCount || bytes.size() != 8 + 6 * affected)
+        return false;
+    std::vector<int> indices;
+    std::vector<quint16> weights;
+    qint64 place = 0;
+    for (qsizetype i = 0; i < affected; ++i) {
+        place += read(8 + 4 * i, 4);
+        indices.push_back(int(std::min<qint64>(place, vertexCount)));
+        weights.push_back(quint16(read(8 + 4 * affected + 2 * i, 2)));
+    }
+    map = RyRef<RyWeightMap>(new RyWeightMap(name));
+    map->setAffected(vertexCount, std::move(indices), std::move(weights));
+    return true;
+}
+
+std::vector<RyFloatProperty *> controllersOf(const RyBulgeBinding &bulge)
+{
+    return {bulge.getPosLeftBulgeController(), bulge.getNegLeftBulgeController(), bulge.getPosRightBulgeController(),
+            bulge.getNegRightBulgeController()};
+}
+
+Json bulgeJson(const RyBulgeBinding &bulge)
+{
+    Json entry = Json::object();
+    if (bulge.getLeftWeights())
+        entry["left"] = mapJson(bulge.getLeftWeights());
+    if (bulge.getRightWeights())
+        entry["right"] = mapJson(bulge.getRightWeights());
+    for (const RyFloatProperty *property : controllersOf(bulge)) {
+        entry["values"].push_back(Json::array({property->getValue(), property->getDefaultValue(), property->getMin(),
+                                               property->getMax(), property->isClamped()}));
+    }
+    return entry;
+}
+
+bool readBulge(const Json &entry, int axis, int vertexCount, RyRef<RyBulgeBinding> &bulge)
+{
+    RyRef<RyWeightMap> left, right;
+    const Json *values = find(entry, "values");
+    bulge = RyRef<RyBulgeBinding>(new RyBulgeBinding(axis));
+    if (!readMap(find(entry, "left"), vertexCount, QString(), left) ||
+        !readMap(find(entry, "right"), vertexCount, QString(), right) || !values || !values->is_array() || values->size() != 4) {
+        return false;
+    }
+    bulge->setLeftWeights(left.get());
+    bulge->setRightWeights(right.get());
+    const std::vector<RyFloatProperty *> controllers = controllersOf(*bulge);
+    for (size_t i = 0; i < controllers.size(); ++i) {
+        const Json &row = (*values)[i];
+        if (!row.is_array() || row.size() != 5 || !row[4].is_boolean() ||
+            !std::all_of(row.begin(), row.begin() + 4, [](const Json &number) { return number.is_number(); })) {
+            return false;
+        }
+        controllers[i]->setMin(row[2].get<float>());
+        controllers[i]->setMax(row[3].get<float>());
+        controllers[i]->setDefaultValue(row[1].get<float>());
+        controllers[i]->setValue(row[0].get<float>());
+        controllers[i]->setIsClamped(row[4].get<bool>());
+    }
+    return true;
+}
+
+/// Null for a binding with a general map alone.
+Json bindingJson(const RyBoneBinding &binding)
+{
+    Json entry = Json::object();
+    for (int axis = 0; axis < 3; ++axis) {
+        if (binding.getLocalWeights(axis))
+            entry[localNames[axis]] = mapJson(binding.getLocalWeights(axis));
+        if (binding.getBulgeBinding(axis))
+            entry["bulges"][localNames[axis]] = bulgeJson(*binding.getBulgeBinding(axis));
+    }
+    if (binding.getScaleWeights())
+        entry["scale"] = mapJson(binding.getScaleWeights());
+    if (!binding.getWeights())
+        entry["general"] = false;
+    return entry.empty() ? Json() : entry;
+}
+
+struct StoredBinding
+{
+    RyRef<RyWeightMap> local[3];
+    RyRef<RyWeightMap> scale;
+    RyRef<RyBulgeBinding> bulges[3];
+    bool hasGeneral = true;
+};
+
+bool readBinding(const Json &entry, int vertexCount, StoredBinding &stored)
+{
+    const Json *bulges = find(entry, "bulges");
+    for (int axis = 0; axis < 3; ++axis) {
+        const Json *bulge = bulges ? find(*bulges, localNames[axis]) : nullptr;
+        if (!readMap(find(entry, localNames[axis]), vertexCount, QString(), stored.local[axis]) ||
+            (bulge && !readBulge(*bulge, axis, vertexCount, stored.bulges[axis]))) {
+            return false;
+        }
+    }
+    const Json *general = find(entry, "general");
+    stored.hasGeneral = !general || *general != Json(false);
+    return readMap(find(entry, "scale"), vertexCount, QString(), stored.scale);
+}
+
+} // namespace
+
+void RyMapExtras::Fingerprint::add(int node, int vertex, int weight)
+{
+    quint64 mixed = (quint64(quint32(vertex)) << 32) ^ (quint64(quint32(node)) << 16) ^ quint64(quint32(weight));
+    mixed = (mixed ^ (mixed >> 31)) * 0x7fb5d329728ea185ull;
+    mixed = (mixed ^ (mixed >> 27)) * 0x81dadef4bc2dd44dull;
+    m_value += mixed ^ (mixed >> 33);
+}
+
+Json RyMapExtras::toJson(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &nodeOf)
+{
+    Json list = Json::array();
+    for (const RyBoneBinding *binding : skin.bindings()) {
+        const auto node = nodeOf.find(binding->getBone());
+        Json entry = bindingJson(*binding);
+        if (node == nodeOf.end() || entry.is_null())
+            continue;
+        entry["bone"] = node->second;
+        list.push_back(std::move(entry));
+    }
+    if (list.empty())
+        return Json();
+    const RyGltfInfluences influences(&skin, vertexCount);
+    Fingerprint fingerprint;
+    for (int vertex = 0; vertex < vertexCount; ++vertex) {
+        for (const RyGltfInfluences::Influence &influence : influences.of(vertex)) {
+            const auto node = nodeOf.find(influences.bones()[influence.bone]);
+            fingerprint.add(node == nodeOf.end() ? -1 : node->second, vertex, influence.weight);
+        }
+    }
+    return Json{{"weights", QString::number(fingerprint.value(), 16).toStdString()}, {"bindings", std::move(list)}};
+}
+
+bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int vertexCount,
+                        const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin)
+{
+    const Json *weights = find(stored, "weights");
+    const Json *list = find(stored, "bindings");
+    if (!weights || !list || !list->is_array() || *weights != Json(QString::number(influences.value(), 16).toStdString()))
+        return false;
+    std::vector<std::pair<RyBoneBinding *, StoredBinding>> all;
+    for (const Json &entry : *list) {
+        const Json *bone = find(entry, "bone");
+        RyBoneBinding *binding = nullptr;
+        for (RyBoneBinding *each : skin.bindings()) {
+            const auto node = nodeOf.find(each->getBone());
+            if (bone && node != nodeOf.end() && *bone == Json(node->second))
+                binding = each;
+        }
+        all.emplace_back(binding, StoredBinding());
+        if (!binding || !readBinding(entry, vertexCount, all.back().second))
+            return false;
+    }
+    for (auto &[binding, maps] : all) {
+        for (int axis = 0; axis < 3; ++axis) {
+            binding->setLocalWeights(maps.local[axis].get(), axis);
+            if (maps.bulges[axis])
+                binding->setBulgeBinding(axis, maps.bulges[axis].get());
+        }
+        binding->setScaleWeights(maps.scale.get());
+        if (!maps.hasGeneral)
+            binding->setWeights(nullptr);
+    }
+    return true;
+}
+
+QString RyMapExtras::text(const RySkinBinding *skin)
+{
+    QString result;
+    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+        const Json entry = bindingJson(*binding);
+        if (!entry.is_null() && binding->getBone())
+            result += binding->getBone()->getName() + QString::fromStdString(entry.dump()) + QLatin1Char('\n');
+    }
+    return result;
+}

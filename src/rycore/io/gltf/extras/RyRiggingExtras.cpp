@@ -1,0 +1,320 @@
+#include "rycore/io/gltf/extras/RyRiggingExtras.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/scene/RyBone.h"
+
+#include <algorithm>
+#include <cmath>
+
+using RyExtrasJson::find;
+using RyExtrasJson::readVector;
+using RyExtrasJson::vectorJson;
+using Json = RyExtrasJson::Json;
+
+namespace {
+
+std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
+{
+    return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
+            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
+            node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
+}
+
+std::array<RyFloatProperty *, 10> poseOf(const RyNode &node)
+{
+    return {node.getXTransControl(), node.getYTransControl(), node.getZTransControl(), node.getXRotControl(),
+            node.getYRotControl(),   node.getZRotControl(),   node.getScaleControl(),  node.getXScaleControl(),
+            node.getYScaleControl(), node.getZScaleControl()};
+}
+
+RyVec3 readTriple(RyFloatProperty *const *p, bool byDefault)
+{
+    return byDefault ? RyVec3(p[0]->getDefaultValue(), p[1]->getDefaultValue(), p[2]->getDefaultValue())
+                     : RyVec3(p[0]->getValue(), p[1]->getValue(), p[2]->getValue());
+}
+
+void writeTriple(RyFloatProperty *const *p, const RyVec3 &v, bool asDefault)
+{
+    for (int axis = 0; axis < 3; ++axis) {
+        if (asDefault)
+            p[axis]->setDefaultValue(v[axis]);
+        else
+            p[axis]->setValue(v[axis]);
+    }
+}
+
+} // namespace
+
+/// Whether the orientation takes a frame to a symmetric stretch; without a reflection there is one such orientation, that of
+/// the node.
+static bool fitsFrame(const RyAffine &frame, const RyQuat &orientation, const RyQuat &ofNode)
+{
+    if (frame.determinant() > 0.0)
+        return std::abs(ofNode.dot(orientation)) > 0.999999f;
+    const RyAffine stretch = frame * RyAffine::fromRotation(orientation.inverse());
+    double size = 0.0;
+    double skew = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            size = std::max(size, std::abs(stretch.m[i][j]));
+            skew = std::max(skew, std::abs(stretch.m[i][j] - stretch.m[j][i]));
+        }
+    }
+    return skew <= 1e-4 * size;
+}
+
+/// Centimetres now for those that were stored.
+static float storedScale(const RyGltfDocument &document, double unit)
+{
+    const double stored = RyFigureExtras::storedUnit(document);
+    return stored > 0.0 ? float(unit / stored) : 1.0f;
+}
+
+static const Json *nodeExtras(const RyGltfDocument &document, int node)
+{
+    const Json *entry = RyExtrasJson::entry(document.json(), "nodes", node);
+    return entry ? RyExtrasJson::ours(*entry) : nullptr;
+}
+
+static void applyDefaults(const Json &ours, float scale, RyNode &sceneNode)
+{
+    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    const Json *defaults = find(ours, "defaults");
+    RyVec3 v;
+    if (defaults && readVector(find(*defaults, "origin"), v))
+        writeTriple(rigging.data(), v * scale, true);
+    if (defaults && readVector(find(*defaults, "end"), v))
+        writeTriple(rigging.data() + 3, v * scale, true);
+    if (defaults && readVector(find(*defaults, "orient"), v))
+        writeTriple(rigging.data() + 6, v, true);
+}
+
+/// What fits whatever the file's matrices say.
+static void applyTraits(const Json &ours, RyNode &sceneNode)
+{
+    if (const Json *order = find(ours, "order"); order && order->is_number_integer())
+        sceneNode.setRotationOrder(RyRotationOrder(order->get<int>()));
+    if (const Json *label = find(ours, "label"); label && label->is_string())
+        sceneNode.setLabel(QString::fromStdString(label->get<std::string>()));
+    if (const Json *flags = find(ours, "flags"); flags && flags->is_object()) {
+        const auto flag = [&](const char *name, bool otherwise) {
+            const Json *value = find(*flags, name);
+            return value && value->is_boolean() ? value->get<bool>() : otherwise;
+        };
+        sceneNode.setHidden(flag("hidden", false));
+        sceneNode.setSelectable(flag("selectable", true));
+        sceneNode.setPromoteSelection(flag("promote", false));
+        sceneNode.setInheritScale(flag("inheritScale", true));
+    }
+}
+
+static void applyLimitsOf(const Json &ours, float scale, RyNode &sceneNode)
+{
+    const Json *limits = find(ours, "limits");
+    if (!limits || !limits->is_object())
+        return;
+    const std::array<RyFloatProperty *, 10> pose = poseOf(sceneNode);
+    for (size_t i = 0; i < pose.size(); ++i) {
+        const Json *range = find(*limits, pose[i]->getName().toUtf8().constData());
+        if (!range || !range->is_array() || range->size() < 2 || !(*range)[0].is_number() || !(*range)[1].is_number())
+            continue;
+        const float factor = i < 3 ? scale : 1.0f;
+        pose[i]->setMin((*range)[0].get<float>() * factor);
+        pose[i]->setMax((*range)[1].get<float>() * factor);
+        pose[i]->setIsClamped(range->size() == 2 || (*range)[2] != Json(false));
+    }
+}
+
+static bool applyPoseOf(const Json &ours, float scale, RyNode &sceneNode)
+{
+    const Json *pose = find(ours, "pose");
+    const std::array<RyFloatProperty *, 10> controls = poseOf(sceneNode);
+    if (!pose || !pose->is_array() || pose->size() != controls.size() ||
+        !std::all_of(pose->begin(), pose->end(), [](const Json &number) { return number.is_number(); })) {
+        return false;
+    }
+    for (size_t i = 0; i < controls.size(); ++i)
+        controls[i]->setValue((*pose)[i].get<float>() * (i < 3 ? scale : 1.0f));
+    return true;
+}
+
+bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance,
+                                  const RyAffine &bind, RyNode &sceneNode, QStringList *messages)
+{
+    const Json *ours = nodeExtras(document, node);
+    if (!ours)
+        return false;
+    const float scale = storedScale(document, unit);
+    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    RyVec3 origin, end, orientation;
+    if (!rigging[0] || !readVector(find(*ours, "origin"), origin) || !readVector(find(*ours, "end"), end))
+        return false;
+    RyVec3 place = origin;
+    readVector(find(*ours, "place"), place);
+    if ((place * scale - sceneNode.getOrigin()).length() > tolerance) {
+        if (messages) {
+            messages->append(QStringLiteral("\"%1\" was moved since its end point was stored; the stored values are left out")
+                                 .arg(sceneNode.getName()));
+        }
+        return false;
+    }
+    // Exactly the numbers that were saved, where they agree with what the file's matrices say.
+    writeTriple(rigging.data(), origin * scale, true);
+    writeTriple(rigging.data(), origin * scale, false);
+    if (readVector(find(*ours, "orient"), orientation) &&
+        fitsFrame(bind, RyQuat::fromEulerXYZ(orientation), sceneNode.getOrientation())) {
+        writeTriple(rigging.data() + 6, orientation, true);
+        writeTriple(rigging.data() + 6, orientation, false);
+    }
+    writeTriple(rigging.data() + 3, end * scale, true);
+    writeTriple(rigging.data() + 3, end * scale, false);
+    applyDefaults(*ours, scale, sceneNode);
+    applyTraits(*ours, sceneNode);
+    return true;
+}
+
+void RyRiggingExtras::applyLimits(const RyGltfDocument &document, int node, double unit, RyNode &sceneNode)
+{
+    if (const Json *ours = nodeExtras(document, node))
+        applyLimitsOf(*ours, storedScale(document, unit), sceneNode);
+}
+
+bool RyRiggingExtras::findStoredPose(const RyGltfDocument &document, int node, double unit, RyAffine &map)
+{
+    const Json *ours = nodeExtras(document, node);
+    if (!ours || !find(*ours, "pose"))
+        return false;
+    const RyRef<RyNode> like(new RyNode);
+    const float scale = storedScale(document, unit);
+    RyVec3 origin, orientation;
+    if (!readVector(find(*ours, "origin"), origin) || !readVector(find(*ours, "orient"), orientation) ||
+        !applyPoseOf(*ours, scale, *like)) {
+        return false;
+    }
+    like->setOrigin(origin * scale);
+    like->setOrientation(RyQuat::fromEulerXYZ(orientation));
+    applyTraits(*ours, *like);
+    map = like->getLocalMap();
+    return true;
+}
+
+RyAffine RyRiggingExtras::restOf(const RyGltfDocument &document, int node, double unit, const RyAffine &posed)
+{
+    RyAffine pose, unposed;
+    if (!findStoredPose(document, node, unit, pose) || !pose.invert(unposed))
+        return posed;
+    const Json *ours = nodeExtras(document, node);
+    RyVec3 place;
+    if (!readVector(find(*ours, "place"), place) && !readVector(find(*ours, "origin"), place))
+        return posed;
+    const RyAffine rest = posed * unposed;
+    place *= storedScale(document, unit);
+    return (rest.translation() - place).length() <= 1e-4f * std::max(1.0f, place.length()) ? rest : posed;
+}
+
+bool RyRiggingExtras::applyPose(const RyGltfDocument &document, int node, double unit, const RyAffine &localPose,
+                                float tolerance, RyNode &sceneNode)
+{
+    RyAffine stored;
+    if (!findStoredPose(document, node, unit, stored))
+        return false;
+    const RyVec3 origin = sceneNode.getOrigin();
+    double worst = 0.0;
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column)
+            worst = std::max(worst, std::abs(stored.m[row][column] - localPose.m[row][column]));
+    }
+    if (worst > 1e-4 || (stored.mapPoint(origin) - localPose.mapPoint(origin)).length() > tolerance)
+        return false;
+    return applyPoseOf(*nodeExtras(document, node), storedScale(document, unit), sceneNode);
+}
+
+void RyRiggingExtras::applyFigure(const Json &ours, double unit, bool withPlace, RyNode &figure)
+{
+    const double stored = find(ours, "unit") && find(ours, "unit")->is_number() ? find(ours, "unit")->get<double>() : unit;
+    const float scale = float(unit / stored);
+    const std::array<RyFloatProperty *, 9> rigging = riggingOf(figure);
+    RyVec3 v;
+    applyTraits(ours, figure);
+    if (rigging[0] && readVector(find(ours, "end"), v)) {
+        writeTriple(rigging.data() + 3, v * scale, true);
+        writeTriple(rigging.data() + 3, v * scale, false);
+    }
+    if (!withPlace)
+        return;
+    if (rigging[0] && readVector(find(ours, "origin"), v)) {
+        writeTriple(rigging.data(), v * scale, true);
+        writeTriple(rigging.data(), v * scale, false);
+    }
+    if (rigging[0] && readVector(find(ours, "orient"), v)) {
+        writeTriple(rigging.data() + 6, v, true);
+        writeTriple(rigging.data() + 6, v, false);
+    }
+    if (rigging[0])
+        applyDefaults(ours, scale, figure);
+    applyPoseOf(ours, scale, figure);
+    applyLimitsOf(ours, scale, figure);
+}
+
+Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
+{
+    Json ours{{"version", RyExtrasJson::Version}};
+    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    const char *const names[3] = {"origin", "end", "orient"};
+    Json defaults = Json::object();
+    for (int triple = 0; rigging[0] && triple < 3; ++triple) {
+        const RyVec3 current = readTriple(rigging.data() + 3 * triple, false);
+        const RyVec3 byDefault = readTriple(rigging.data() + 3 * triple, true);
+        ours[names[triple]] = vectorJson(current);
+        if (byDefault != current)
+            defaults[names[triple]] = vectorJson(byDefault);
+    }
+    if (place && *place != readTriple(rigging.data(), false))
+        ours["place"] = vectorJson(*place);
+    if (!defaults.empty())
+        ours["defaults"] = std::move(defaults);
+    ours["order"] = sceneNode.getRotationOrder().order();
+    if (sceneNode.isPosed()) {
+        Json pose = Json::array();
+        for (const RyFloatProperty *property : poseOf(sceneNode))
+            pose.push_back(property->getValue());
+        ours["pose"] = std::move(pose);
+    }
+    if (sceneNode.hasOwnLabel())
+        ours["label"] = sceneNode.getLabel().toStdString();
+    Json flags = Json::object();
+    if (sceneNode.isHidden())
+        flags["hidden"] = true;
+    if (!sceneNode.isSelectable())
+        flags["selectable"] = false;
+    if (sceneNode.isSelectionPromoted())
+        flags["promote"] = true;
+    if (!sceneNode.inheritsScale())
+        flags["inheritScale"] = false;
+    if (!flags.empty())
+        ours["flags"] = std::move(flags);
+    Json limits = Json::object();
+    const RyFloatProperty plain(const_cast<RyNode *>(&sceneNode), QString()); // without limits of its own
+    for (const RyFloatProperty *property : poseOf(sceneNode)) {
+        if (property->isClamped())
+            limits[property->getName().toStdString()] = Json::array({property->getMin(), property->getMax()});
+        else if (property->getMin() != plain.getMin() || property->getMax() != plain.getMax())
+            limits[property->getName().toStdString()] = Json::array({property->getMin(), property->getMax(), false});
+    }
+    if (!limits.empty())
+        ours["limits"] = std::move(limits);
+    return ours;
+}
+
+QString RyRiggingExtras::nodeText(const RyNode &node)
+{
+    return QString::fromStdString(nodeJson(node, nullptr).dump());
+}
+
+void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place)
+{
+    if (riggingOf(sceneNode)[0])
+        RyExtrasJson::store(document.json()["nodes"][size_t(node)], nodeJson(sceneNode, place));
+}

@@ -1,0 +1,117 @@
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+
+#include <cmath>
+
+using RyExtrasJson::find;
+using Json = RyExtrasJson::Json;
+
+namespace {
+
+/// What is stored in an entry of a list, with our version at least, to add to.
+Json storedOrNew(const Json &holder)
+{
+    const Json *stored = RyExtrasJson::ours(holder);
+    return stored ? *stored : Json{{"version", RyExtrasJson::Version}};
+}
+
+const Json *primitiveJson(const RyGltfDocument &document, int mesh, int primitive)
+{
+    const Json *entry = RyExtrasJson::entry(document.json(), "meshes", mesh);
+    return entry ? RyExtrasJson::entry(*entry, "primitives", primitive) : nullptr;
+}
+
+} // namespace
+
+void RyTreeExtras::markRemoved(RyGltfDocument &document, const char *list, int index)
+{
+    RyExtrasJson::store(document.json()[list][size_t(index)], Json{{"version", RyExtrasJson::Version}, {"removed", true}});
+}
+
+bool RyTreeExtras::isRemoved(const RyGltfDocument &document, const char *list, int index)
+{
+    const Json *entry = RyExtrasJson::entry(document.json(), list, index);
+    const Json *ours = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    const Json *removed = ours ? find(*ours, "removed") : nullptr;
+    return removed && *removed == Json(true);
+}
+
+void RyTreeExtras::storeToFigure(RyGltfDocument &document, int skin, const RyAffine &toFigure)
+{
+    Json numbers = Json::array();
+    for (const auto &row : toFigure.m) {
+        for (const double number : row)
+            numbers.push_back(number);
+    }
+    Json &holder = document.json()["skins"][size_t(skin)];
+    Json ours = storedOrNew(holder);
+    ours["toFigure"] = std::move(numbers);
+    RyExtrasJson::store(holder, std::move(ours));
+}
+
+bool RyTreeExtras::findToFigure(const RyGltfDocument &document, int skin, RyAffine &toFigure)
+{
+    const Json *entry = RyExtrasJson::entry(document.json(), "skins", skin);
+    const Json *ours = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    const Json *numbers = ours ? find(*ours, "toFigure") : nullptr;
+    if (!numbers || !numbers->is_array() || numbers->size() != 12)
+        return false;
+    RyAffine map, inverse;
+    for (size_t i = 0; i < 12; ++i) {
+        if (!(*numbers)[i].is_number() || !std::isfinite((*numbers)[i].get<double>()))
+            return false;
+        map.m[i / 3][i % 3] = (*numbers)[i].get<double>();
+    }
+    if (!map.invert(inverse))
+        return false;
+    toFigure = map;
+    return true;
+}
+
+/// A list of numbers in the extras of a primitive; an empty one is taken away.
+static void storeList(RyGltfDocument &document, int mesh, int primitive, const char *key, const std::vector<int> &list)
+{
+    Json &holder = document.json()["meshes"][size_t(mesh)]["primitives"][size_t(primitive)];
+    Json ours = storedOrNew(holder);
+    if (!list.empty())
+        ours[key] = list;
+    else
+        ours.erase(key);
+    RyExtrasJson::store(holder, ours.size() > 1 ? std::move(ours) : Json());
+}
+
+static std::vector<int> findList(const RyGltfDocument &document, int mesh, int primitive, const char *key)
+{
+    const Json *entry = primitiveJson(document, mesh, primitive);
+    const Json *ours = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    const Json *list = ours ? find(*ours, key) : nullptr;
+    std::vector<int> result;
+    for (const Json &number : list && list->is_array() ? *list : Json::array()) {
+        if (!number.is_number_integer())
+            return {};
+        result.push_back(number.get<int>());
+    }
+    return result;
+}
+
+void RyTreeExtras::storeApart(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &pairs)
+{
+    storeList(document, mesh, primitive, "apart", pairs);
+}
+
+std::vector<int> RyTreeExtras::findApart(const RyGltfDocument &document, int mesh, int primitive)
+{
+    return findList(document, mesh, primitive, "apart");
+}
+
+void RyTreeExtras::storeFree(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &splits)
+{
+    storeList(document, mesh, primitive, "free", splits);
+}
+
+std::vector<int> RyTreeExtras::findFree(const RyGltfDocument &document, int mesh, int primitive)
+{
+    return findList(document, mesh, primitive, "free");
+}

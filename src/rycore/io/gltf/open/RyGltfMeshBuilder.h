@@ -1,0 +1,75 @@
+#pragma once
+
+#include "rycore/io/gltf/document/RyGltfModel.h"
+#include "rycore/math/RyAffine.h"
+#include "rycore/mesh/RyFacet.h"
+#include "rycore/scene/RyMeshPart.h"
+
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+class RyGltfDocument;
+
+/// Turns primitives of a glTF file into one mesh for editing: vertices that the file splits (texture seams, hard edges)
+/// but that agree in position, influences and morphs become one; the way back to every split vertex is kept in the parts.
+class RyGltfMeshBuilder
+{
+public:
+    explicit RyGltfMeshBuilder(const RyGltfDocument &document);
+    ~RyGltfMeshBuilder();
+
+    /// Adds a primitive. `bonesOfJoints` maps joint numbers of its skin to bones (empty: not skinned), `toFigure` its mesh
+    /// space to figure space in centimetres. Vertices weld only among parts with the same `weldClass`. Influences that
+    /// are not finite, not above zero or name no joint are dropped and counted.
+    void addPart(int mesh, int primitive, const QString &name, const std::vector<int> &bonesOfJoints,
+                 const RyAffine &toFigure, int weldClass);
+
+    std::vector<RyVec3> positions;
+    std::vector<RyFacet> facets;
+    RyMeshParts parts;
+    int droppedInfluences = 0;
+
+    /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to 65535 or to 0.
+    struct BoneWeights
+    {
+        std::vector<int> vertices;
+        std::vector<quint16> weights;
+    };
+    std::vector<BoneWeights> boneWeights(int boneCount) const;
+    /// Per welded vertex the bone with the largest weight, -1 where no bone has any.
+    const std::vector<int> &strongestBones() const { return m_strongest; }
+
+private:
+    struct Part;
+    void readAttributes(const RyGltfPrimitive &primitive, Part &part);
+    void weld(Part &part, RyMeshPart &result);
+    void shareNormals(const Part &part, int firstVertex, RyMeshPart &result);
+    void readInfluences(int firstVertex);
+    void readFacets(const RyGltfPrimitive &primitive, int vertexCount, RyMeshPart &result);
+
+    const RyGltfDocument &m_document;
+    /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.
+    std::vector<std::unique_ptr<Part>> m_classParts;
+    struct Origin
+    {
+        int part;
+        int split;
+    };
+    std::vector<Origin> m_origins; // per welded vertex of the class
+    int m_weldClass = -1;
+    int m_firstOfClass = 0;
+    std::vector<int> m_table; // hash table of welded vertices of the class, by position
+    // Influences in runs of welded vertices: a run has `width` places for each vertex, empty ones weigh 0.
+    struct InfluenceRun
+    {
+        int firstVertex;
+        int vertexCount;
+        int width;
+        std::vector<quint16> bones;
+        std::vector<quint16> weights;
+    };
+    std::vector<InfluenceRun> m_runs;
+    std::vector<int> m_strongest;
+};

@@ -1,0 +1,207 @@
+#include "rycore/io/gltf/open/RyGltfSceneReader.h"
+
+#include "rycore/figure/RyFigure.h"
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+
+// Meshes of figures and what binds them to the bones.
+
+namespace {
+
+RyAffine scaleBy(double factor)
+{
+    return RyAffine::fromScale(factor, factor, factor);
+}
+
+} // namespace
+
+void RyGltfSceneReader::buildMesh(Figure &figure)
+{
+    const RyGltfModel &model = m_scene->document->model();
+    figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_scene->document);
+    std::map<int, int> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = int(i);
+    std::map<int, size_t> skinPlace;
+    std::vector<std::vector<int>> bonesOfJoints;
+    for (size_t s = 0; s < figure.joints.skins.size(); ++s) {
+        const int skin = figure.joints.skins[s];
+        skinPlace[skin] = s;
+        bonesOfJoints.emplace_back();
+        for (const int joint : model.skins[size_t(skin)].joints)
+            bonesOfJoints.back().push_back(boneOfNode.at(joint));
+        figure.source.skins.push_back(
+            {skin, figure.rest.toFigure[s] * scaleBy(m_scene->unit), figure.rest.rebound});
+    }
+    for (const int nodeIndex : m_preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(nodeIndex)];
+        const auto skin = skinPlace.find(node.skin);
+        if (node.mesh < 0 || skin == skinPlace.end())
+            continue;
+        const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
+        for (size_t p = 0; p < primitives.size(); ++p) {
+            figure.mesh->addPart(node.mesh, int(p), partName(node.mesh, int(p)), bonesOfJoints[skin->second],
+                                 figure.source.skins[skin->second].toFigure, int(skin->second));
+            figure.source.parts.push_back({nodeIndex, node.mesh, int(p), node.skin});
+        }
+    }
+    if (figure.mesh->droppedInfluences > 0)
+        say(QStringLiteral("%1 influences that name no joint or are no positive numbers were left out")
+                .arg(figure.mesh->droppedInfluences));
+    if (figure.rest.rebound)
+        bringToNodePose(figure);
+}
+
+void RyGltfSceneReader::bringToNodePose(Figure &figure)
+{
+    // The file's own skinning, once: mesh space to the node pose. A vertex belongs to the parts of one skin.
+    const RyGltfModel &model = m_scene->document->model();
+    std::map<int, size_t> skinPlace;
+    for (size_t s = 0; s < figure.joints.skins.size(); ++s)
+        skinPlace[figure.joints.skins[s]] = s;
+    std::map<int, int> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = int(i);
+    std::vector<RyVec3> &positions = figure.mesh->positions;
+    std::vector<int> skinOfVertex(positions.size(), -1);
+    for (size_t p = 0; p < figure.source.parts.size(); ++p) {
+        for (const int vertex : figure.mesh->parts.parts[p].vertexOfSplit)
+            skinOfVertex[size_t(vertex)] = int(skinPlace.at(figure.source.parts[p].skin));
+    }
+    std::vector<std::vector<RyAffine>> matrices(figure.joints.skins.size());
+    for (size_t s = 0; s < matrices.size(); ++s) {
+        matrices[s].resize(figure.bones.size());
+        const RyGltfSkin &skin = model.skins[size_t(figure.joints.skins[s])];
+        const RyAffine meshUnit = figure.source.skins[s].toFigure.inverse(); // positions already carry the unit
+        for (size_t j = 0; j < skin.joints.size(); ++j) {
+            matrices[s][size_t(boneOfNode.at(skin.joints[j]))] = meshUnit * figure.rest.inverseBinds[s][j] *
+                                                                 m_worldMaps[size_t(skin.joints[j])] *
+                                                                 scaleBy(m_scene->unit);
+        }
+    }
+    std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
+    const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
+    for (size_t bone = 0; bone < weights.size(); ++bone) {
+        for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
+            const size_t vertex = size_t(weights[bone].vertices[i]);
+            const double weight = weights[bone].weights[i] / 65535.0;
+            const double from[3] = {positions[vertex].x, positions[vertex].y, positions[vertex].z};
+            double at[3];
+            matrices[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);
+            for (size_t axis = 0; axis < 3; ++axis)
+                sums[vertex][axis] += weight * at[axis];
+            sums[vertex][3] += weight;
+        }
+    }
+    for (size_t vertex = 0; vertex < positions.size(); ++vertex) {
+        const std::array<double, 4> &sum = sums[vertex];
+        if (sum[3] > 0.0)
+            positions[vertex] = {float(sum[0] / sum[3]), float(sum[1] / sum[3]), float(sum[2] / sum[3])};
+    }
+}
+
+void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights)
+{
+    const int vertexCount = int(figure.mesh->positions.size());
+    auto *mesh = new RyFacetMesh;
+    mesh->setPositions(std::move(figure.mesh->positions));
+    mesh->setFacets(std::move(figure.mesh->facets));
+    auto parts = std::make_shared<RyMeshParts>(std::move(figure.mesh->parts));
+    fillLooks(*parts);
+    auto *shape = new RyFacetShape(mesh);
+    shape->setParts(parts);
+    auto *object = new RyObject;
+    object->setName(figure.figure->getName());
+    object->addShape(shape);
+    if (!RyFigureExtras::applyFaceGroups(*m_scene->document, figure.entry, *mesh, m_messages))
+        addPartGroups(*mesh, *parts);
+
+    object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
+    figure.figure->setObject(object);
+    figure.source.positionsHash = ryPositionsHash(*figure.figure);
+    figure.source.meshParts = parts;
+    figure.source.vertexCount = vertexCount;
+    figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
+    RyFigureExtras::applySelectionMap(*m_scene, figure.entry, *figure.figure);
+    figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
+    figure.mesh.reset();
+}
+
+RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
+                                            std::vector<RyGltfMeshBuilder::BoneWeights> weights) const
+{
+    const RyGltfModel &model = m_scene->document->model();
+    std::vector<bool> isJoint(figure.bones.size(), false);
+    std::map<int, size_t> boneOfNode;
+    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
+        boneOfNode[figure.joints.bones[i]] = i;
+    for (const int skin : figure.joints.skins) {
+        for (const int joint : model.skins[size_t(skin)].joints)
+            isJoint[boneOfNode.at(joint)] = true;
+    }
+    bool isStored = false;
+    std::vector<size_t> order; // of the bones that get a binding
+    for (const int node : RyFigureExtras::storedBindings(*m_scene->document, figure.entry, &isStored)) {
+        const auto bone = boneOfNode.find(node);
+        if (bone != boneOfNode.end() && std::find(order.begin(), order.end(), bone->second) == order.end())
+            order.push_back(bone->second);
+    }
+    for (size_t i = 0; i < figure.bones.size(); ++i) {
+        const bool isWanted = isStored ? !weights[i].vertices.empty() : isJoint[i];
+        if (isWanted && std::find(order.begin(), order.end(), i) == order.end())
+            order.push_back(i);
+    }
+    auto *skin = new RySkinBinding;
+    const bool hasMaps = RyFigureExtras::hasMaps(*m_scene->document, figure.entry);
+    RyMapExtras::Fingerprint fingerprint;
+    std::map<const RyNode *, int> nodeOf;
+    for (const size_t i : order) {
+        auto *map = new RyWeightMap(figure.bones[i]->getName());
+        map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
+        auto *binding = new RyBoneBinding;
+        binding->setBone(figure.bones[i]);
+        binding->setWeights(map);
+        skin->addBoneBinding(binding);
+        const int node = nodeOf[figure.bones[i]] = figure.joints.bones[i];
+        for (size_t k = 0; hasMaps && k < weights[i].vertices.size(); ++k)
+            fingerprint.add(node, weights[i].vertices[k], weights[i].weights[k]);
+        figure.source.weights.push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
+    }
+    if (hasMaps) {
+        RyFigureExtras::applyMaps(*m_scene->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin, m_messages);
+        for (size_t i = 0; i < skin->bindings().size(); ++i) {
+            // Where only local maps are left, the mean of them is what counts as read.
+            const RyGltfBindingWeights read(*skin->bindings()[i]);
+            figure.source.weights[i].vertices.assign(read.vertices.begin(), read.vertices.end());
+            figure.source.weights[i].weights.assign(read.weights.begin(), read.weights.end());
+        }
+    }
+    figure.source.mapsText = RyMapExtras::text(skin);
+    return skin;
+}
+
+void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)
+{
+    std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
+    std::map<QString, int> groups;
+    for (const RyMeshPart &part : parts.parts) {
+        if (part.facetCount == 0)
+            continue;
+        const auto [group, isNew] = groups.try_emplace(part.name, int(groups.size()));
+        if (isNew)
+            mesh.createFaceGroup(part.name);
+        std::fill_n(groupOfFacet.begin() + part.firstFacet, part.facetCount, group->second);
+    }
+    mesh.setGroupsOfFacets(groupOfFacet);
+}

@@ -1,0 +1,147 @@
+#include "rycore/io/gltf/open/RyGltfSceneReader.h"
+
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyRiggingExtras.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+// Props: meshes without a skin, and the nodes that hold them on a bone.
+
+int RyGltfSceneReader::placeBelow(const RyNode &above, int node) const
+{
+    // Children stand in the order of the file, bones and props alike.
+    const RyGltfModel &model = m_scene->document->model();
+    int place = 0;
+    for (const int sibling : model.nodes[size_t(model.nodes[size_t(node)].parent)].children) {
+        if (sibling == node)
+            break;
+        const RyNode *other = m_sceneNodeOf[size_t(sibling)];
+        place += other && other->getNodeParent() == &above;
+    }
+    return place;
+}
+
+void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
+{
+    RyAffine stored;
+    const RyAffine posed = RyRiggingExtras::findStoredPose(*m_scene->document, source.node, m_scene->unit, stored)
+                               ? stored : RyAffine();
+    const RyNode *above = source.sceneNode->getNodeParent();
+    const double unit = m_scene->unit;
+    const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit, unit, unit);
+    const RyAffine said = source.bind * posed * (above ? above->worldMap() : RyAffine());
+    double size = 0.0;
+    double difference = 0.0;
+    for (int row = 0; row < 4; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            size = std::max(size, std::abs(shown.m[row][column]));
+            difference = std::max(difference, std::abs(shown.m[row][column] - said.m[row][column]));
+        }
+    }
+    if (difference > 1e-4 * size ||
+        !RyRiggingExtras::applyPose(*m_scene->document, source.node, unit, posed, 1e-3f, *source.sceneNode)) {
+        return;
+    }
+    source.localPose = source.sceneNode->getLocalMap();
+}
+
+void RyGltfSceneReader::buildProps()
+{
+    const RyGltfModel &model = m_scene->document->model();
+    const RyAffine unit = RyAffine::fromScale(m_scene->unit, m_scene->unit, m_scene->unit);
+    // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
+    // A mesh whose skin lost its bones is shown as it lay in its figure.
+    std::set<int> shownSkins;
+    for (const RyGltfFigureSource &figure : m_scene->figures) {
+        for (const RyGltfSkinSource &skin : figure.skins)
+            shownSkins.insert(skin.skin);
+    }
+    std::vector<bool> wanted(model.nodes.size(), false);
+    for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
+        const RyGltfNode &each = model.nodes[size_t(*node)];
+        if (m_sceneNodeOf[size_t(*node)] || shownSkins.count(each.skin))
+            continue;
+        wanted[size_t(*node)] = each.mesh >= 0;
+        for (const int child : each.children)
+            wanted[size_t(*node)] = wanted[size_t(*node)] || (wanted[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
+    }
+    for (const int index : m_preOrder) {
+        const RyGltfNode &node = model.nodes[size_t(index)];
+        if (!wanted[size_t(index)] || m_sceneNodeOf[size_t(index)])
+            continue;
+        RyNode *above = nullptr;
+        for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
+            above = m_sceneNodeOf[size_t(at)];
+        if (node.mesh < 0 && !above)
+            continue; // a plain node above props stays in the file's tree alone
+        const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
+        RyGltfNodeSource source;
+        source.node = index;
+        RyAffine map = m_worldMaps[size_t(index)];
+        if (node.mesh >= 0 && node.skin >= 0)
+            RyTreeExtras::findToFigure(*m_scene->document, node.skin, map);
+        source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit, map * unit * unposed);
+
+        auto *prop = new RyNode;
+        prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
+                                 above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+        RyQuat orientation;
+        source.bind.decomposePolar(source.stretch, orientation);
+        prop->setOrigin(source.bind.translation(), true);
+        prop->setOrientation(orientation, true);
+        source.sceneNode = prop;
+        m_sceneNodeOf[size_t(index)] = prop;
+        if (above)
+            above->addNodeChild(prop, false, placeBelow(*above, index));
+        else
+            m_tops.emplace_back(prop);
+
+        RyVec3 end = prop->getOrigin();
+        if (node.mesh >= 0) {
+            RyGltfMeshBuilder builder(*m_scene->document);
+            RyGltfFigureSource figure;
+            figure.sceneNode = prop;
+            const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
+            for (size_t p = 0; p < primitives.size(); ++p) {
+                builder.addPart(node.mesh, int(p), partName(node.mesh, int(p)), {}, source.bind, 0);
+                figure.parts.push_back({index, node.mesh, int(p), -1});
+            }
+            auto *mesh = new RyFacetMesh;
+            mesh->setPositions(std::move(builder.positions));
+            mesh->setFacets(std::move(builder.facets));
+            auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
+            fillLooks(*parts);
+            const int entry = RyFigureExtras::findEntry(*m_scene->document, {index}, int(m_scene->figures.size()));
+            if (!RyFigureExtras::applyFaceGroups(*m_scene->document, entry, *mesh, m_messages))
+                addPartGroups(*mesh, *parts);
+            auto *shape = new RyFacetShape(mesh);
+            shape->setParts(parts);
+            auto *object = new RyObject;
+            object->setName(prop->getName());
+            object->addShape(shape);
+            prop->setObject(object);
+            end = mesh->getBoundingBox().getCenter();
+            figure.positionsHash = ryPositionsHash(*prop);
+            figure.meshParts = parts;
+            figure.vertexCount = mesh->getNumVertices();
+            figure.groupsText = RyFigureExtras::groupsText(*mesh);
+            m_scene->figures.push_back(std::move(figure));
+        }
+        prop->setEndPoint(end, true);
+        // Far from the origin, and below turned bones, single precision says less.
+        const float size = std::max({1.0f, (end - prop->getOrigin()).length(), 0.1f * prop->getOrigin().length()});
+        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
+        setPropPose(source);
+        RyRiggingExtras::applyLimits(*m_scene->document, index, m_scene->unit, *prop);
+        source.loaded = RyNodeValues::of(*prop);
+        source.riggingText = RyRiggingExtras::nodeText(*prop);
+        m_scene->nodes.push_back(std::move(source));
+    }
+}

@@ -1,0 +1,115 @@
+#include "rycore/io/gltf/save/RyGltfMeshPatch.h"
+
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <set>
+
+void RyGltfMeshPatch::writeInfluences(const std::vector<Part> &parts, const std::vector<int> &places)
+{
+    RyGltfInfluenceWriter::Part influences;
+    influences.places = places;
+    bool any = false;
+    for (const Part &part : parts) {
+        if (!part.isWritten)
+            continue;
+        any = true;
+        influences.sets = std::max(influences.sets, m_writer.setsNeeded(part.vertexOfSplit));
+    }
+    if (!any)
+        return;
+    const std::vector<int> tags = tellApart(parts);
+    std::set<std::pair<int, int>> done; // several nodes may show one mesh
+    for (const Part &part : parts) {
+        if (!part.isWritten || !done.insert({part.mesh, part.primitive}).second)
+            continue;
+        influences.vertexOfSplit = part.vertexOfSplit;
+        writePart(part, influences);
+        writeTags(part, tags);
+    }
+    m_written.clear();
+}
+
+void RyGltfMeshPatch::writePart(const Part &part, const RyGltfInfluenceWriter::Part &influences)
+{
+    const RyGltfPrimitive before = m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
+    std::vector<int> accessors{before.positions};
+    accessors.insert(accessors.end(), before.joints.begin(), before.joints.end());
+    accessors.insert(accessors.end(), before.weights.begin(), before.weights.end());
+    const auto known = std::find_if(m_written.begin(), m_written.end(), [&](const Written &written) {
+        return written.accessors == accessors && *written.vertexOfSplit == *part.vertexOfSplit;
+    });
+    std::vector<std::pair<std::string, int>> attributes;
+    if (known != m_written.end()) {
+        attributes = known->attributes;
+    } else {
+        size_t set = 0;
+        for (const auto &[joints, weights] : m_writer.numbersOf(influences)) {
+            const bool isThere = set < before.joints.size();
+            const std::string number = std::to_string(set);
+            attributes.emplace_back("JOINTS_" + number,
+                                    m_document.replaceUints(isThere ? before.joints[set] : -1, joints, false));
+            attributes.emplace_back("WEIGHTS_" + number,
+                                    m_document.replaceUints(isThere ? before.weights[set] : -1, weights, true));
+            ++set;
+        }
+        m_written.push_back({accessors, part.vertexOfSplit, attributes});
+    }
+    for (size_t set = before.joints.size(); set > attributes.size() / 2; --set) {
+        m_document.setPrimitiveAttribute(part.mesh, part.primitive, "WEIGHTS_" + std::to_string(set - 1), -1);
+        m_document.setPrimitiveAttribute(part.mesh, part.primitive, "JOINTS_" + std::to_string(set - 1), -1);
+    }
+    for (const auto &[name, accessor] : attributes)
+        m_document.setPrimitiveAttribute(part.mesh, part.primitive, name, accessor);
+}
+
+std::vector<int> RyGltfMeshPatch::tellApart(const std::vector<Part> &parts) const
+{
+    std::vector<int> tags(m_positions.size(), -1);
+    for (const Part &part : parts) {
+        for (const int vertex : *part.vertexOfSplit)
+            tags[size_t(vertex)] = 0;
+    }
+    const size_t capacity = std::bit_ceil(2 * m_positions.size() + 16);
+    std::vector<int> table(capacity, -1);
+    const auto same = [this](int a, int b) {
+        const auto ofA = m_influences.of(a);
+        const auto ofB = m_influences.of(b);
+        return std::memcmp(&m_positions[size_t(a)], &m_positions[size_t(b)], sizeof(RyVec3)) == 0 &&
+               (ofA.empty() || ofB.empty() || // held by a joint in the file
+                std::equal(ofA.begin(), ofA.end(), ofB.begin(), ofB.end(), [](const auto &x, const auto &y) {
+                    return x.bone == y.bone && x.weight == y.weight;
+                }));
+    };
+    for (size_t v = 0; v < tags.size(); ++v) {
+        if (tags[v] < 0)
+            continue;
+        std::uint32_t bits[3];
+        std::memcpy(bits, &m_positions[v], sizeof bits);
+        std::uint64_t hash = (bits[0] ^ (std::uint64_t(bits[1]) << 32) ^ 0x9e3779b97f4a7c15ull) * 0xff51afd7ed558ccdull;
+        hash = (std::rotl(hash, 29) ^ bits[2]) * 0xc4ceb9fe1a85ec53ull;
+        size_t slot = size_t(hash >> 20) & (capacity - 1);
+        for (; table[slot] >= 0; slot = (slot + 1) & (capacity - 1))
+            tags[v] += same(table[slot], int(v));
+        table[slot] = int(v);
+    }
+    return tags;
+}
+
+void RyGltfMeshPatch::writeTags(const Part &part, const std::vector<int> &tags)
+{
+    std::vector<int> list; // split vertex, tag
+    std::vector<int> free;
+    for (size_t split = 0; split < part.vertexOfSplit->size(); ++split) {
+        if (m_influences.of((*part.vertexOfSplit)[split]).empty())
+            free.push_back(int(split));
+        const int tag = tags[size_t((*part.vertexOfSplit)[split])];
+        if (tag > 0)
+            list.insert(list.end(), {int(split), tag});
+    }
+    RyTreeExtras::storeApart(m_document, part.mesh, part.primitive, list);
+    RyTreeExtras::storeFree(m_document, part.mesh, part.primitive, free);
+}

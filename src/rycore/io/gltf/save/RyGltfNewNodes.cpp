@@ -1,0 +1,302 @@
+#include "rycore/io/gltf/save/RyGltfNewNodes.h"
+
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
+#include "rycore/io/gltf/save/RyGltfMeshPatch.h"
+#include "rycore/io/gltf/save/RyGltfNodePatch.h"
+#include "rycore/io/gltf/save/RyGltfSkinPatch.h"
+#include "rycore/io/gltf/save/RyGltfTreePatch.h"
+#include "rycore/io/gltf/save/RyGltfVertexPatch.h"
+#include "rycore/io/gltf/extras/RyRiggingExtras.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+
+namespace {
+
+RyAffine scaleBy(double factor)
+{
+    return RyAffine::fromScale(factor, factor, factor);
+}
+
+const RyFacetMesh *meshOf(const RyNode &node)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    return shape ? shape->getFacetMesh() : nullptr;
+}
+
+RyGltfTransform transformOf(const RyAffine &local)
+{
+    bool exact = true;
+    const RyGltfTransform transform = ryGltfTransformOf(local, false, &exact);
+    return exact ? transform : ryGltfTransformOf(local, true);
+}
+
+/// From the mesh space of a part of the file to figure space in centimetres.
+RyAffine frameOf(const RyGltfOrigin &source, const RyGltfPartSource &part)
+{
+    for (const RyGltfFigureSource &figure : source.figures) {
+        for (const RyGltfSkinSource &skin : figure.skins) {
+            if (skin.skin == part.skin)
+                return skin.toFigure;
+        }
+    }
+    for (const RyGltfNodeSource &node : source.nodes) {
+        if (node.node == part.node)
+            return node.bind;
+    }
+    return scaleBy(source.unit);
+}
+
+/// The bone's frame: joint space in file units to figure space in centimetres.
+RyAffine bindOf(const RyNode &node, double unit)
+{
+    return scaleBy(unit) * RyAffine::fromRotation(node.getOrientation()) * RyAffine::fromTranslation(node.getOrigin());
+}
+
+} // namespace
+
+std::unique_ptr<RyGltfDocument> RyGltfNewNodes::exportScene(const RyScene &scene, double unit)
+{
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    RyGltfNewNodes exporter(*document, unit);
+    for (const RyNode *top : scene.getTopLevelNodes())
+        exporter.addTree(*top);
+    exporter.storeExtras();
+    return document;
+}
+
+void RyGltfNewNodes::addTree(const RyNode &top)
+{
+    if (qobject_cast<const RyCamera *>(&top))
+        return;
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
+    if (skeleton && !bonesOf(*skeleton).empty()) {
+        // The figure node carries the figure's own transform, its joints stand in figure space.
+        const RyAffine own = scaleBy(m_unit) * top.worldMap() * scaleBy(1.0 / m_unit);
+        const int node = m_document.addNode(top.getName(), transformOf(own), -1);
+        m_nodeOf[&top] = node;
+        for (const RyNode *child : top.nodeChildrenIterator()) {
+            if (!isKept(*child))
+                addNode(*child, node, scaleBy(m_unit));
+        }
+        addSkinnedMesh(top);
+    } else {
+        addNode(top, -1, scaleBy(m_unit));
+    }
+}
+
+bool RyGltfNewNodes::isKept(const RyNode &node) const
+{
+    return m_source && m_source->isKeptFigure(node);
+}
+
+std::vector<RyBone *> RyGltfNewNodes::bonesOf(const RySkeleton &skeleton) const
+{
+    std::vector<RyBone *> bones = skeleton.getAllBones();
+    const auto isOfKept = [&](const RyNode *bone) {
+        while (bone && bone != &skeleton && !isKept(*bone))
+            bone = bone->getNodeParent();
+        return bone != &skeleton;
+    };
+    bones.erase(std::remove_if(bones.begin(), bones.end(), isOfKept), bones.end());
+    return bones;
+}
+
+void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine &rootParentBind)
+{
+    struct Pending
+    {
+        const RyNode *node;
+        int parent;
+        RyAffine parentBind;
+    };
+    std::vector<Pending> pending{{&root, rootParent, rootParentBind}};
+    while (!pending.empty()) {
+        const Pending next = pending.back();
+        pending.pop_back();
+        const RyAffine bind = bindOf(*next.node, m_unit);
+        const RyAffine localPose = next.node->getNodeParent() && !next.node->inheritsScale()
+                                       ? next.node->figureMap() * next.node->getNodeParent()->figureMap().inverse()
+                                       : next.node->getLocalMap();
+        const int index = m_document.addNode(next.node->getName(),
+                                             transformOf(bind * localPose * next.parentBind.inverse()), next.parent);
+        m_nodeOf[next.node] = index;
+        if (meshOf(*next.node))
+            addMeshOf(*next.node, index, bind);
+        const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
+        for (auto child = children.rbegin(); child != children.rend(); ++child) {
+            if (!isKept(**child))
+                pending.push_back({*child, index, bind});
+        }
+    }
+}
+
+int RyGltfNewNodes::addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals)
+{
+    std::vector<float> points, directions;
+    const std::vector<RyVec3> smooth = mesh.computeNormals(mesh.getPositions());
+    RyAffine stretch;
+    RyQuat turn;
+    toMesh.decomposePolar(stretch, turn);
+    for (int v = 0; v < mesh.getNumVertices(); ++v) {
+        const RyVec3 p = mesh.getVertex(v);
+        const double from[3] = {p.x, p.y, p.z};
+        double at[3];
+        toMesh.mapPoint(from, at);
+        RyVec3 normal = turn.multVec(smooth[size_t(v)]).normalized();
+        if (normal == RyVec3())
+            normal = RyVec3(0, 1, 0);
+        for (int axis = 0; axis < 3; ++axis) {
+            points.push_back(float(at[axis]));
+            directions.push_back(normal[axis]);
+        }
+    }
+    *normals = m_document.addFloatAccessor(directions, 3, 34962);
+    return m_document.addFloatAccessor(points, 3, 34962, true);
+}
+
+int RyGltfNewNodes::addTriangles(const RyFacetMesh &mesh)
+{
+    std::vector<std::uint32_t> indices;
+    for (const RyFacet &facet : mesh.getFacets()) {
+        for (int corner = 1; corner + 1 < facet.count(); ++corner) {
+            for (const int vertex : {facet.vertices[0], facet.vertices[corner], facet.vertices[corner + 1]})
+                indices.push_back(std::uint32_t(vertex));
+        }
+    }
+    return m_document.addUintAccessor(indices, 1, 5125, 34963);
+}
+
+void RyGltfNewNodes::addMeshOf(const RyNode &node, int fileNode, const RyAffine &frame)
+{
+    const RyFacetMesh &mesh = *meshOf(node);
+    if (mesh.getNumVertices() == 0 || mesh.getNumFacets() == 0)
+        return;
+    if (const RyGltfFigureSource *known = knownMesh(node)) {
+        m_document.setNodeMeshAndSkin(fileNode, addKnownMesh(node, *known, frame), -1);
+        m_figures.push_back(&node);
+        return;
+    }
+    int normals = -1;
+    const int positions = addPositions(mesh, frame.inverse(), &normals);
+    const int index = m_document.addMesh(node.getName());
+    m_document.addPrimitive(index, {{"POSITION", positions}, {"NORMAL", normals}}, addTriangles(mesh), -1);
+    m_document.setNodeMeshAndSkin(fileNode, index, -1);
+    m_figures.push_back(&node);
+}
+
+void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
+{
+    const auto &skeleton = static_cast<const RySkeleton &>(skeletonNode);
+    const RyFacetMesh *mesh = meshOf(skeleton);
+    const std::vector<RyBone *> bones = bonesOf(skeleton);
+    m_figures.push_back(&skeletonNode);
+    std::vector<int> joints;
+    std::map<const RyNode *, int> jointOf;
+    std::vector<float> inverseBinds;
+    const RyGltfFigureSource *known = knownMesh(skeletonNode);
+    const RyAffine toFigure = known ? frameOf(*m_source, known->parts.front()) : scaleBy(m_unit);
+    for (const RyBone *bone : bones) {
+        jointOf[bone] = int(joints.size());
+        joints.push_back(m_nodeOf.at(bone));
+        m_joints.insert(joints.back());
+        ryGltfAppendMatrix(toFigure * bindOf(*bone, m_unit).inverse(), inverseBinds);
+    }
+    const int skin = m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
+    RyTreeExtras::storeToFigure(m_document, skin, toFigure * scaleBy(1.0 / m_unit));
+    const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
+    if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
+        return;
+
+    if (known) {
+        const int knownIndex = addKnownMesh(skeletonNode, *known, toFigure);
+        bindKnownMesh(skeletonNode, knownIndex, jointOf);
+        const int holder = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
+        m_document.setNodeMeshAndSkin(holder, knownIndex, skin);
+        return;
+    }
+    int normals = -1;
+    const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
+    std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
+    const RyGltfInfluences influences(binding, mesh->getNumVertices());
+    RyGltfInfluenceWriter::Part part;
+    part.places = influences.placesIn(jointOf);
+    const RyGltfInfluenceWriter writer(influences);
+    part.sets = writer.setsNeeded(nullptr);
+    for (auto &attribute : writer.addTo(m_document, part))
+        attributes.push_back(std::move(attribute));
+    const int meshIndex = m_document.addMesh(skeleton.getName());
+    m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
+    const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
+    m_document.setNodeMeshAndSkin(node, meshIndex, skin);
+}
+
+const RyGltfFigureSource *RyGltfNewNodes::knownMesh(const RyNode &node) const
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    if (!m_source || !shape || !shape->getParts() || !shape->getFacetMesh())
+        return nullptr;
+    for (const RyGltfFigureSource &figure : m_source->figures) {
+        if (figure.meshParts == shape->getParts() && !figure.parts.empty() &&
+            figure.vertexCount == shape->getFacetMesh()->getNumVertices()) {
+            return &figure;
+        }
+    }
+    return nullptr;
+}
+
+int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure)
+{
+    std::vector<std::pair<int, int>> primitives;
+    for (const RyGltfPartSource &part : known.parts)
+        primitives.emplace_back(part.mesh, part.primitive);
+    RyGltfTreePatch tree(m_document);
+    const int mesh = tree.addMeshOf(node.getName(), primitives);
+    QString error;
+    tree.finish(&error); // copies of what has been checked
+    RyGltfVertexPatch vertices(m_document, *meshOf(node), toFigure);
+    for (size_t p = 0; p < known.parts.size(); ++p)
+        vertices.write(mesh, int(p), known.meshParts->parts[p]);
+    return mesh;
+}
+
+void RyGltfNewNodes::bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf)
+{
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&skeleton));
+    const RyFacetMesh &facets = *shape->getFacetMesh();
+    const RyGltfInfluences influences(RySkinBinding::findSkinFromNode(&skeleton), facets.getNumVertices());
+    std::vector<RyGltfMeshPatch::Part> parts;
+    for (size_t p = 0; p < shape->getParts()->parts.size(); ++p)
+        parts.push_back({mesh, int(p), &shape->getParts()->parts[p].vertexOfSplit});
+    RyGltfMeshPatch(m_document, influences, facets.getPositions()).writeInfluences(parts, influences.placesIn(jointOf));
+}
+
+std::vector<const RyNode *> RyGltfNewNodes::figures() const
+{
+    std::vector<const RyNode *> sorted = m_figures;
+    std::stable_partition(sorted.begin(), sorted.end(),
+                          [](const RyNode *node) { return qobject_cast<const RySkeleton *>(node) != nullptr; });
+    return sorted;
+}
+
+void RyGltfNewNodes::storeNodes() const
+{
+    for (const auto &[node, index] : m_nodeOf) {
+        if (!qobject_cast<const RySkeleton *>(node))
+            RyRiggingExtras::storeNode(m_document, index, *node);
+    }
+}
+
+void RyGltfNewNodes::storeExtras()
+{
+    storeNodes();
+    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints);
+}

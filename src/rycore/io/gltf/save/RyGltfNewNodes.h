@@ -1,0 +1,62 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+
+#include <QStringList>
+
+#include <map>
+#include <set>
+#include <vector>
+
+class RyFacetMesh;
+class RyNode;
+class RyScene;
+
+/// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and meshes:
+/// figure space becomes mesh space, all influences are written, 16-bit weights sum to exactly 65535.
+class RyGltfNewNodes
+{
+public:
+    /// Appends to `document`. `unit`: centimetres per file unit.
+    /// Meshes that came from the file of `source`, which the document is a patched copy of, keep materials, texture coordinates
+    /// and whatever else their primitives have.
+    RyGltfNewNodes(RyGltfDocument &document, double unit, const RyGltfOrigin *source = nullptr)
+        : m_document(document), m_source(source), m_unit(unit)
+    {
+    }
+
+    /// A top-level node with everything below it.
+    void addTree(const RyNode &top);
+    /// Stores end points, orders, groups and the like in the file's extras; call once at the end.
+    void storeExtras();
+    /// The part of it that stands at the nodes.
+    void storeNodes() const;
+
+    const std::map<const RyNode *, int> &nodes() const { return m_nodeOf; }
+    /// Nodes of all bones.
+    const std::set<int> &joints() const { return m_joints; }
+    /// Figures with their skins first, then props: the order in which they will be read.
+    std::vector<const RyNode *> figures() const;
+
+    static std::unique_ptr<RyGltfDocument> exportScene(const RyScene &scene, double unit);
+
+private:
+    /// Figures of the source stay where the file has them, whatever they hang on now.
+    bool isKept(const RyNode &node) const;
+    std::vector<class RyBone *> bonesOf(const class RySkeleton &skeleton) const;
+    void addNode(const RyNode &node, int parent, const class RyAffine &parentBind);
+    void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
+    void addSkinnedMesh(const RyNode &skeleton);
+    const RyGltfFigureSource *knownMesh(const RyNode &node) const;
+    int addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure);
+    void bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf);
+    int addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals);
+    int addTriangles(const RyFacetMesh &mesh);
+
+    RyGltfDocument &m_document;
+    const RyGltfOrigin *m_source;
+    double m_unit;
+    std::map<const RyNode *, int> m_nodeOf;
+    std::vector<const RyNode *> m_figures;
+    std::set<int> m_joints;
+};

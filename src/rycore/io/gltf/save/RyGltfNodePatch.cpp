@@ -1,0 +1,220 @@
+#include "rycore/io/gltf/save/RyGltfNodePatch.h"
+
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+RyAffine scaleBy(double factor)
+{
+    return RyAffine::fromScale(factor, factor, factor);
+}
+
+} // namespace
+
+RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact)
+{
+    RyGltfTransform transform;
+    if (asMatrix) {
+        transform.hasMatrix = true;
+        for (size_t row = 0; row < 4; ++row) {
+            for (size_t column = 0; column < 3; ++column)
+                transform.matrix[4 * row + column] = local.m[row][column];
+            transform.matrix[4 * row + 3] = row == 3 ? 1.0 : 0.0;
+        }
+        if (exact)
+            *exact = true;
+        return transform;
+    }
+    RyAffine stretch;
+    RyQuat rotation;
+    local.decomposePolar(stretch, rotation);
+    transform.translation = {local.m[3][0], local.m[3][1], local.m[3][2]};
+    // The file's quaternion turns right-handed, ours by minus its angle.
+    transform.rotation = {-double(rotation.x), -double(rotation.y), -double(rotation.z), double(rotation.w)};
+    transform.scale = {stretch.m[0][0], stretch.m[1][1], stretch.m[2][2]};
+    double size = 0.0;
+    double shear = 0.0;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            (i == j ? size : shear) = std::max(i == j ? size : shear, std::abs(stretch.m[i][j]));
+        if (std::abs(transform.scale[size_t(i)] - 1.0) < 1e-6)
+            transform.scale[size_t(i)] = 1.0;
+    }
+    if (exact)
+        *exact = shear <= 1e-5 * size;
+    return transform;
+}
+
+void RyGltfNodePatch::apply()
+{
+    m_isAnimated.assign(m_patch.document.model().nodes.size(), false);
+    for (const std::vector<int> &nodes : m_patch.document.model().animatedNodes) {
+        for (const int node : nodes)
+            m_isAnimated[size_t(node)] = true;
+    }
+    compare();
+    for (const int index : ryGltfPreOrder(m_patch.document.model())) { // what stands above is written first
+        const auto found = m_patch.edits.find(index);
+        if (found == m_patch.edits.end())
+            continue;
+        const Edit &edit = found->second;
+        writeNode(index, edit);
+        if (!edit.source)
+            continue;
+        const RyNodeValues now = RyNodeValues::of(*edit.node);
+        if (now.name != edit.source->loaded.name)
+            m_patch.document.setNodeName(index, now.name);
+        if (edit.restChanged || now.rigging != edit.source->loaded.rigging)
+            writeUnlistedChildren(index, edit);
+    }
+}
+
+void RyGltfNodePatch::compare()
+{
+    for (auto &[index, edit] : m_patch.edits) {
+        const RyNode &node = *edit.node;
+        if (!edit.source) {
+            edit.bind = scaleBy(m_patch.source.unit) * RyAffine::fromRotation(node.getOrientation()) *
+                        RyAffine::fromTranslation(node.getOrigin());
+            continue;
+        }
+        const RyNodeValues now = RyNodeValues::of(node);
+        if (edit.source->isBone) {
+            const bool turned = !now.sameOrientation(edit.source->loaded);
+            const bool moved = !now.sameOrigin(edit.source->loaded);
+            if (turned) {
+                edit.bind = edit.source->stretch * RyAffine::fromRotation(node.getOrientation());
+                for (int axis = 0; axis < 3; ++axis)
+                    edit.bind.m[3][axis] = edit.source->bind.m[3][axis];
+            }
+            const RyVec3 origin = node.getOrigin();
+            for (int axis = 0; axis < 3 && moved; ++axis)
+                edit.bind.m[3][axis] = double(origin[axis]);
+            edit.restChanged = turned || moved;
+        }
+        edit.poseChanged = !now.samePose(edit.source->loaded) || (edit.moved && !node.inheritsScale());
+    }
+    // A node that does not inherit scale holds its parent's against it: it changes with every pose above it.
+    for (auto &[index, edit] : m_patch.edits) {
+        if (edit.poseChanged || edit.node->inheritsScale())
+            continue;
+        for (const RyNode *above = edit.node->getNodeParent(); above && !edit.poseChanged; above = above->getNodeParent()) {
+            const auto other = m_patch.edits.find(m_patch.nodeOf(above));
+            edit.poseChanged = other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved);
+        }
+    }
+}
+
+RyAffine RyGltfNodePatch::localPoseNow(const Edit &edit) const
+{
+    const RyNode &node = *edit.node;
+    if (!edit.poseChanged)
+        return edit.source->localPose;
+    if (node.inheritsScale() || !node.getNodeParent())
+        return node.getLocalMap();
+    return node.figureMap() * node.getNodeParent()->figureMap().inverse();
+}
+
+void RyGltfNodePatch::writeNode(int index, const Edit &edit)
+{
+    const RyNode &node = *edit.node;
+    const RyGltfModel &model = m_patch.document.model();
+    const int fileParent = model.nodes[size_t(index)].parent;
+    const auto above = m_patch.edits.find(fileParent);
+    if (above != m_patch.edits.end() && above->second.node == node.getNodeParent()) {
+        if (!edit.restChanged && !edit.poseChanged && !edit.moved && !above->second.restChanged)
+            return;
+        RyAffine toParent;
+        if (above->second.bind.invert(toParent))
+            setLocal(index, edit.bind * localPoseNow(edit) * toParent);
+        else
+            keepSingular(node);
+        return;
+    }
+    // A topmost node of the scene, or one below a figure: it is put where the scene has it in the world, the figure's own
+    // transform included.
+    const RyNode *parent = node.getNodeParent();
+    const RyAffine own = parent ? parent->worldMap() : RyAffine();
+    RyAffine parentWorld;
+    bool parentWasWritten = false;
+    for (int at = fileParent; at >= 0; at = model.nodes[size_t(at)].parent) {
+        parentWorld = parentWorld * model.nodes[size_t(at)].transform.toAffine();
+        parentWasWritten = parentWasWritten || m_patch.rewritten.count(at) > 0;
+    }
+    const bool ownChanged = !edit.source || !(own == edit.source->ownMap);
+    if (!edit.restChanged && !edit.poseChanged && !edit.moved && !parentWasWritten && !ownChanged)
+        return;
+    RyAffine toParent;
+    if (parentWorld.invert(toParent))
+        setLocal(index, edit.bind * localPoseNow(edit) * own * scaleBy(1.0 / m_patch.source.unit) * toParent);
+    else
+        keepSingular(node);
+}
+
+void RyGltfNodePatch::keepSingular(const RyNode &node) const
+{
+    m_patch.say(QStringLiteral("\"%1\" hangs in the file on a node that is scaled to nothing; its place there stays as it was")
+                    .arg(node.getName()));
+}
+
+void RyGltfNodePatch::writeUnlistedChildren(int index, const Edit &edit)
+{
+    // Nodes of the file below a joint that do not stand in the scene keep their place; a node that marks the bone's end follows it.
+    const RyGltfModel &model = m_patch.source.document->model();
+    for (const int child : model.nodes[size_t(index)].children) {
+        if (m_patch.edits.count(child) || model.nodes[size_t(child)].skin >= 0)
+            continue;
+        RyAffine local = model.nodes[size_t(child)].transform.toAffine() * edit.source->bind * edit.bind.inverse();
+        if (ryGltfMarksEnd(model.nodes[size_t(child)].name)) {
+            const RyVec3 end = edit.node->getEndPoint();
+            const double at[3] = {end.x, end.y, end.z};
+            edit.bind.inverse().mapPoint(at, local.m[3]);
+        } else if (!edit.restChanged) {
+            continue;
+        }
+        setLocal(child, local);
+    }
+}
+
+void RyGltfNodePatch::setLocal(int node, const RyAffine &local)
+{
+    const RyGltfTransform &before = m_patch.document.model().nodes[size_t(node)].transform;
+    m_patch.rewritten.insert(node);
+    bool exact = true;
+    RyGltfTransform transform = ryGltfTransformOf(local, before.hasMatrix, &exact);
+    if (!exact && !m_isAnimated[size_t(node)]) {
+        transform = ryGltfTransformOf(local, true);
+    } else if (!exact) {
+        m_patch.say(QStringLiteral("\"%1\" is animated and cannot hold the shear that its new place needs; the nearest "
+                                   "translation, rotation and scale were written")
+                        .arg(m_patch.document.model().nodes[size_t(node)].name));
+    }
+    m_patch.document.setNodeTransform(node, transform);
+}
+
+void RyGltfNodePatch::reportClips() const
+{
+    const RyGltfModel &model = m_patch.source.document->model();
+    const auto report = [&](const std::set<int> &nodes, const QString &message) {
+        QStringList names;
+        for (size_t clip = 0; clip < model.animatedNodes.size(); ++clip) {
+            const std::vector<int> &driven = model.animatedNodes[clip];
+            if (!std::any_of(driven.begin(), driven.end(), [&nodes](int node) { return nodes.count(node) > 0; }))
+                continue;
+            const QString &name = model.animationNames[clip];
+            names.append(name.isEmpty() ? QStringLiteral("animation %1").arg(clip) : name);
+        }
+        if (names.isEmpty())
+            return;
+        const int shown = 6;
+        QString list = names.mid(0, shown).join(QStringLiteral(", "));
+        if (names.size() > shown)
+            list += QStringLiteral(" and %1 more").arg(names.size() - shown);
+        m_patch.say(message.arg(list));
+    };
+    report(m_patch.rewritten, QStringLiteral("Clips are kept as they were and still say the old rest of edited joints: %1"));
+    report(m_patch.removed, QStringLiteral("Clips are kept as they were and still drive the nodes of removed joints: %1"));
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+
+#include <QStringList>
+
+#include <map>
+#include <set>
+#include <vector>
+
+/// What the parts of a writer share while they bring an edited scene into a copy of its document.
+struct RyGltfScenePatch
+{
+    /// A node of the file, or one made for this patch, that stands in the scene.
+    struct Edit
+    {
+        const RyNode *node = nullptr;
+        const RyGltfNodeSource *source = nullptr; // null for one that is new in the file
+        RyAffine bind;                            // rest frame now
+        bool restChanged = false;
+        bool poseChanged = false;
+        bool moved = false; // hangs on another node than in the file
+    };
+
+    RyGltfScenePatch(const RyGltfOrigin &from, RyGltfDocument &to, QStringList *list)
+        : source(from), document(to), messages(list)
+    {
+    }
+
+    const RyGltfOrigin &source;
+    RyGltfDocument &document;
+    QStringList *messages;
+
+    std::map<int, Edit> edits; // by node of the patched document
+    std::map<const RyNode *, int> indexOf;
+    std::vector<std::pair<const RyNode *, int>> added;
+    std::set<int> removed;   // nodes of the file whose bone or prop is gone
+    std::set<int> rewritten; // nodes with another transform
+    std::set<int> joints;    // of all skins, now
+    std::map<int, RyAffine> toFigure; // per skin that can say so: mesh space to figure space, in units of the file
+
+    int nodeOf(const RyNode *node) const
+    {
+        const auto found = indexOf.find(node);
+        return found == indexOf.end() ? -1 : found->second;
+    }
+    void say(const QString &message) const
+    {
+        if (messages)
+            messages->append(message);
+    }
+};

@@ -1,0 +1,133 @@
+#include "rycore/io/gltf/save/RyGltfTreePatch.h"
+
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+
+#include <nlohmann/json.hpp>
+
+using Json = nlohmann::ordered_json;
+
+namespace {
+
+void setList(Json &object, const char *key, const std::vector<int> &list)
+{
+    if (list.empty())
+        object.erase(key); // the format knows no empty lists
+    else
+        object[key] = list;
+}
+
+void setIndex(Json &object, const char *key, int index)
+{
+    if (index < 0)
+        object.erase(key);
+    else
+        object[key] = index;
+}
+
+} // namespace
+
+int RyGltfTreePatch::addNode(const QString &name)
+{
+    Json &nodes = m_document.json()["nodes"];
+    Json entry = Json::object();
+    if (!name.isEmpty())
+        entry["name"] = name.toStdString();
+    nodes.push_back(std::move(entry));
+    return int(nodes.size()) - 1;
+}
+
+void RyGltfTreePatch::setChildren(int node, const std::vector<int> &children)
+{
+    setList(m_document.json()["nodes"][size_t(node)], "children", children);
+}
+
+int RyGltfTreePatch::sceneCount() const
+{
+    const Json &tree = m_document.json();
+    const auto scenes = tree.find("scenes");
+    return scenes == tree.end() ? 0 : int(scenes->size());
+}
+
+int RyGltfTreePatch::shownScene() const
+{
+    const int count = sceneCount();
+    const Json &tree = m_document.json();
+    const auto chosen = tree.find("scene");
+    if (chosen != tree.end() && chosen->is_number_integer() && chosen->get<long long>() >= 0 &&
+        chosen->get<long long>() < count) {
+        return chosen->get<int>();
+    }
+    return count == 0 ? -1 : 0;
+}
+
+std::vector<int> RyGltfTreePatch::sceneRoots(int scene) const
+{
+    const Json &entry = m_document.json()["scenes"][size_t(scene)];
+    const auto roots = entry.find("nodes");
+    return roots == entry.end() ? std::vector<int>() : roots->get<std::vector<int>>();
+}
+
+void RyGltfTreePatch::setSceneRoots(int scene, const std::vector<int> &roots)
+{
+    setList(m_document.json()["scenes"][size_t(scene)], "nodes", roots);
+}
+
+void RyGltfTreePatch::setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove)
+{
+    Json &json = m_document.json()["skins"][size_t(skin)];
+    json["joints"] = joints;
+    if (!stillAbove)
+        json.erase("skeleton");
+}
+
+int RyGltfTreePatch::cloneMesh(int mesh)
+{
+    Json &meshes = m_document.json()["meshes"];
+    Json copy = meshes[size_t(mesh)];
+    meshes.push_back(std::move(copy));
+    return int(meshes.size()) - 1;
+}
+
+int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<int, int>> &primitives)
+{
+    Json &meshes = m_document.json()["meshes"];
+    Json entry = Json::object();
+    if (!name.isEmpty())
+        entry["name"] = name.toStdString();
+    for (const auto &[mesh, primitive] : primitives) {
+        Json copy = meshes[size_t(mesh)]["primitives"][size_t(primitive)];
+        RyExtrasJson::store(copy, Json());
+        Json &attributes = copy["attributes"];
+        for (int set = 0; attributes.contains("JOINTS_" + std::to_string(set)); ++set) {
+            attributes.erase("JOINTS_" + std::to_string(set));
+            attributes.erase("WEIGHTS_" + std::to_string(set));
+        }
+        entry["primitives"].push_back(std::move(copy));
+    }
+    const auto weights = primitives.empty() ? Json::iterator() : meshes[size_t(primitives.front().first)].find("weights");
+    if (!primitives.empty() && weights != meshes[size_t(primitives.front().first)].end())
+        entry["weights"] = *weights;
+    meshes.push_back(std::move(entry));
+    return int(meshes.size()) - 1;
+}
+
+void RyGltfTreePatch::setNodeMesh(int node, int mesh, int skin)
+{
+    Json &json = m_document.json()["nodes"][size_t(node)];
+    setIndex(json, "mesh", mesh);
+    setIndex(json, "skin", skin);
+    if (mesh < 0)
+        json.erase("weights"); // of its morphs
+}
+
+bool RyGltfTreePatch::hasContent(int node) const
+{
+    const Json &json = m_document.json()["nodes"][size_t(node)];
+    return json.contains("mesh") || json.contains("camera") || json.contains("extensions");
+}
+
+bool RyGltfTreePatch::finish(QString *error)
+{
+    return m_document.refresh(error);
+}

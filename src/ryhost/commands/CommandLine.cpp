@@ -1,0 +1,78 @@
+#include "ryhost/commands/CommandLine.h"
+
+#include "ryhost/batch/BatchArguments.h"
+
+static CommandLine wrong(const QString &error)
+{
+    CommandLine line;
+    line.mode = CommandLine::Wrong;
+    line.error = error;
+    return line;
+}
+
+CommandLine CommandLine::parse(const QStringList &arguments)
+{
+    CommandLine line;
+    if (arguments.contains(QStringLiteral("--help")) || arguments.contains(QStringLiteral("-h"))) {
+        line.mode = Help;
+        return line;
+    }
+    if (arguments.contains(QStringLiteral("--batch"))) {
+        line.mode = Batch;
+        line.batchArguments = arguments;
+        return line;
+    }
+    for (int i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments.at(i);
+        if (argument == QLatin1String("--demo") && i + 1 >= arguments.size())
+            return wrong(QStringLiteral("--demo needs a folder for the pictures"));
+        if (argument == QLatin1String("--demo")) {
+            line.mode = Demo;
+            line.demoFolder = arguments.at(++i);
+        } else if (argument == QLatin1String("--")) {
+            line.files += arguments.mid(i + 1);
+            break;
+        } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {
+            return wrong(BatchArguments::isKnownVerb(argument)
+                             ? QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(argument)
+                             : QStringLiteral("there is no option %1").arg(argument));
+        } else {
+            line.files.append(argument);
+        }
+    }
+    return line;
+}
+
+QString CommandLine::helpText()
+{
+    return QStringLiteral(
+        "ryhost [FILE...]                  opens a window; further files are merged into the first\n"
+        "ryhost --batch FILE [verb...]     works without a window; verbs run from left to right and may repeat\n"
+        "\n"
+        "  --unit F                        centimetres in one unit of the file; first, or before --merge\n"
+        "  --merge FILE                    adds another file\n"
+        "  --select NAME[,NAME...]         by name or path (hip/abdomen), the last is primary; \"none\" for none\n"
+        "  --property NODE:NAME=VALUE      sets one value, one undo step\n"
+        "  --pose NODE:xrot=30             the same for a pose control\n"
+        "  --run CLASS                     runs an action, such as RyJEAlignNodeAction\n"
+        "  --script FILE                   runs a script (.rsx)\n"
+        "  --set OBJECTNAME=VALUE          after --run or --script: fills a field of its dialog before it is accepted;\n"
+        "                                  DIALOG/OBJECTNAME for a dialog after the first\n"
+        "  --answer TITLE=BUTTON           after --run or --script: answers a message box; others get their default button\n"
+        "  --undo, --redo                  one step\n"
+        "  --save OUT                      by ending .glb, .gltf or .obj; may be the input\n"
+        "  --screenshot PNG [--view front|side|top|perspective] [--size 1280x900]\n"
+        "  --dump [FILE], --report [FILE]  the scene as text, a report as JSON; without a file to standard output\n"
+        "\n"
+        "Examples\n"
+        "  ryhost character.glb\n"
+        "  ryhost --batch in.glb --select lForearm --screenshot before.png --view perspective\n"
+        "  ryhost --batch in.glb --property lForearm:endX=61.5 --save out.glb --report\n"
+        "  ryhost --batch in.glb --select lForearm --run RyJEAlignNodeAction --save out.glb\n"
+        "  ryhost --batch in.glb --select lForearm --run RyJEReparentBoneAction --set NodeDlgTree=chest \\\n"
+        "         --answer \"Reparenting Warning=Ok\" --save out.glb\n"
+        "\n"
+        "Messages go to standard error. Exit codes: 0 done, 1 a file was refused, 2 wrong use, 3 an action was refused,\n"
+        "4 something could not be written, 5 a script could not be read or failed.\n"
+        "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR.\n");
+}

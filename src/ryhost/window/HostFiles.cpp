@@ -1,0 +1,211 @@
+#include "ryhost/window/HostFiles.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QStandardPaths>
+
+namespace {
+
+constexpr int MostRecentFiles = 10;
+const char *const SettingsGroup = "Files";
+const char *const RecentKey = "Recent";
+
+QString filterOf(const QStringList &endings, const QString &title)
+{
+    QStringList patterns;
+    for (const QString &ending : endings)
+        patterns.append(QStringLiteral("*.") + ending);
+    return QStringLiteral("%1 (%2)").arg(title, patterns.join(QLatin1Char(' ')));
+}
+
+} // namespace
+
+HostFiles::HostFiles(RyScene *scene, QWidget *window) : QObject(window), m_scene(scene), m_window(window) {}
+
+QString HostFiles::description() const
+{
+    const RySceneOrigin *document = m_scene ? m_scene->getDocument() : nullptr;
+    if (!document)
+        return {};
+    return tr("1 file unit = %1 cm").arg(document->unitFactor(), 0, 'g', 6);
+}
+
+QStringList HostFiles::recentFiles() const
+{
+    return RyAppSettings(QString::fromLatin1(SettingsGroup))
+        .getStringValue(QString::fromLatin1(RecentKey), QString())
+        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+}
+
+void HostFiles::remember(const QString &path)
+{
+    QStringList files = recentFiles();
+    files.removeAll(path);
+    files.prepend(path);
+    while (files.size() > MostRecentFiles)
+        files.removeLast();
+    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringValue(QString::fromLatin1(RecentKey), files.join(QLatin1Char('\n')));
+    emit recentChanged();
+}
+
+void HostFiles::clearRecent()
+{
+    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringValue(QString::fromLatin1(RecentKey), QString());
+    emit recentChanged();
+}
+
+bool HostFiles::isReadable(const QString &path)
+{
+    return RySceneFile::readableEndings().contains(QFileInfo(path).suffix().toLower());
+}
+
+QString HostFiles::folder() const
+{
+    if (!m_path.isEmpty() && !m_isSample)
+        return QFileInfo(m_path).absolutePath();
+    const QStringList recent = recentFiles();
+    return recent.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
+                            : QFileInfo(recent.first()).absolutePath();
+}
+
+void HostFiles::setPath(const QString &path)
+{
+    m_path = path;
+    emit pathChanged();
+}
+
+bool HostFiles::load(const QString &path, bool merge)
+{
+    QString error;
+    QStringList messages;
+    RySceneFile::Options options;
+    options.merge = merge;
+    RyApp::startBusyCursor();
+    const bool done = RySceneFile::open(m_scene, path, options, &error, &messages);
+    RyApp::endBusyCursor();
+    for (const QString &message : messages)
+        RyMessageLog::global().info(message);
+    if (!done) {
+        RyMessageLog::global().warning(error);
+        QMessageBox::warning(m_window, tr("Not Opened"),
+                             tr("%1\n\nThe scene is as it was before.").arg(error));
+        return false;
+    }
+    if (!messages.isEmpty())
+        emit messagePosted(tr("%1: %2").arg(QFileInfo(path).fileName(), messages.first()));
+    return true;
+}
+
+bool HostFiles::openPath(const QString &path, bool rememberIt)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    if (!load(absolute, false))
+        return false;
+    m_isSample = !rememberIt;
+    setPath(absolute);
+    if (rememberIt)
+        remember(absolute);
+    emit opened();
+    return true;
+}
+
+bool HostFiles::openPathAsking(const QString &path)
+{
+    return confirmDiscard() && openPath(path);
+}
+
+bool HostFiles::mergePath(const QString &path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    // Opening makes no steps.
+    const RyRestoreGuard guard(tr("Merge %1").arg(QFileInfo(path).fileName()));
+    if (!load(absolute, true))
+        return false;
+    emit opened();
+    return true;
+}
+
+bool HostFiles::savePath(const QString &path)
+{
+    QString error;
+    QStringList messages;
+    RyApp::startBusyCursor();
+    const bool done = RySceneFile::save(m_scene, path, &error, &messages);
+    RyApp::endBusyCursor();
+    for (const QString &message : messages)
+        RyMessageLog::global().info(message);
+    if (!done) {
+        RyMessageLog::global().warning(error);
+        QMessageBox::warning(m_window, tr("Not Saved"), tr("%1\n\nThe file on disk is as it was before.").arg(error));
+        return false;
+    }
+    m_isSample = false;
+    setPath(QFileInfo(path).absoluteFilePath());
+    remember(m_path);
+    emit messagePosted(messages.isEmpty() ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
+                                          : tr("Saved %1: %2").arg(QFileInfo(m_path).fileName(), messages.first()));
+    return true;
+}
+
+bool HostFiles::confirmDiscard()
+{
+    if (!ryUndoStack() || ryUndoStack()->isClean())
+        return true;
+    QMessageBox box(QMessageBox::Question, tr("Unsaved Changes"),
+                    tr("Save the changes to %1 first?").arg(m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName()),
+                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    box.setObjectName(QStringLiteral("UnsavedChangesBox"));
+    box.setInformativeText(tr("Without saving they are lost."));
+    box.setDefaultButton(QMessageBox::Save);
+    switch (box.exec()) {
+    case QMessageBox::Save: return save();
+    case QMessageBox::Discard: return true;
+    default: return false;
+    }
+}
+
+void HostFiles::openWithDialog()
+{
+    if (!confirmDiscard())
+        return;
+    const QString path = QFileDialog::getOpenFileName(m_window, tr("Open"), folder(),
+                                                      filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    if (!path.isEmpty())
+        openPath(path);
+}
+
+void HostFiles::mergeWithDialog()
+{
+    const QString path = QFileDialog::getOpenFileName(m_window, tr("Merge"), folder(),
+                                                      filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    if (!path.isEmpty())
+        mergePath(path);
+}
+
+bool HostFiles::save()
+{
+    const bool writable = RySceneFile::writableEndings().contains(QFileInfo(m_path).suffix().toLower());
+    return m_path.isEmpty() || m_isSample || !writable ? saveAs() : savePath(m_path);
+}
+
+bool HostFiles::saveAs()
+{
+    const QString suggestion = QDir(folder()).filePath(QFileInfo(m_path).completeBaseName() + QStringLiteral(".glb"));
+    QString path = QFileDialog::getSaveFileName(m_window, tr("Save As"), suggestion,
+                                                filterOf(RySceneFile::writableEndings(), tr("Files that can be written")));
+    if (path.isEmpty())
+        return false;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".glb");
+    return savePath(path);
+}

@@ -1,0 +1,258 @@
+#include "ryhost/window/HostWindow.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/ui/RyActionMgr.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RySelectTool.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/commands/ActionSearch.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostIcons.h"
+#include "ryhost/window/HostMenus.h"
+#include "ryhost/window/HostPlugins.h"
+#include "ryhost/window/HostTheme.h"
+#include "ryhost/panes/ParametersPane.h"
+#include "ryhost/panes/ScenePane.h"
+#include "ryhost/panes/ToolSettingsPane.h"
+#include "ryhost/window/ToolStrip.h"
+
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QUrl>
+
+namespace {
+
+const char *const SettingsGroup = "Window";
+const char *const JointEditorTool = "RyJointEditorTool";
+
+} // namespace
+
+HostWindow::HostWindow(RyScene *scene, QWidget *parent)
+    : RyMainWindow(scene, parent), m_viewport(new Ry3DViewport(getViewportMgr(), this)), m_files(new HostFiles(scene, this))
+{
+    setObjectName(QStringLiteral("HostWindow"));
+    m_viewport->setObjectName(QStringLiteral("Viewport"));
+    setAcceptDrops(true);
+    setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
+    m_dark = RyAppSettings(QString::fromLatin1(SettingsGroup)).getBoolValue(QStringLiteral("Dark"), true);
+    HostTheme::apply(m_dark);
+    setWindowIcon(HostIcons::icon(QStringLiteral("app")));
+    m_viewport->setRenderOptions(HostTheme::viewportOptions(m_dark, m_viewport->renderOptions()));
+    getViewportMgr()->addTool(new RySelectTool);
+
+    setCentralWidget(m_viewport);
+    makePanes();
+    makeStatusBar();
+    m_menus = new HostMenus(this);
+    m_search = new ActionSearch(this);
+    menuBar()->setCornerWidget(m_search, Qt::TopRightCorner);
+
+    connect(getViewportMgr(), &RyViewportMgr::activeToolChanged, this, [this](RyViewTool *tool) {
+        m_toolSettingsPane->showTool(tool);
+        if (tool)
+            connect(tool, &RyViewTool::statusTextChanged, this, &HostWindow::updateStatus, Qt::UniqueConnection);
+        updateStatus();
+    });
+    connect(m_files, &HostFiles::pathChanged, this, &HostWindow::updateTitle);
+    connect(m_files, &HostFiles::opened, this, &HostWindow::fileOpened);
+    connect(m_files, &HostFiles::messagePosted, this, &HostWindow::showMessage);
+    connect(ryUndoStack(), &RyUndoStack::cleanChanged, this, &HostWindow::updateTitle);
+    connect(ryUndoStack(), &RyUndoStack::changed, this, &HostWindow::updateStatus);
+    connect(scene, &RyScene::primarySelectionChanged, this, &HostWindow::updateStatus);
+    resize(1440, 900);
+    m_firstLayout = saveState();
+    restoreLayout();
+    updateTitle();
+    updateStatus();
+}
+
+HostWindow::~HostWindow()
+{
+    disconnect(getViewportMgr(), nullptr, this, nullptr);
+    disconnect(ryUndoStack(), nullptr, this, nullptr);
+    disconnect(getScene(), nullptr, this, nullptr);
+    // What shows actions, tools and panes of the plug-ins goes before they do.
+    m_toolSettingsPane->showTool(nullptr);
+    delete m_toolStrip;
+    delete m_menus;
+    unloadPlugins();
+}
+
+void HostWindow::start()
+{
+    loadHostPlugins(*this);
+    RyViewportMgr *viewports = getViewportMgr();
+    RyViewTool *tool = viewports->findTool(QString::fromLatin1(JointEditorTool));
+    viewports->setActiveTool(tool ? tool : viewports->findTool(QStringLiteral("RySelectTool")));
+    m_menus->refresh();
+    updateStatus();
+}
+
+QDockWidget *HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content, Qt::DockWidgetArea area)
+{
+    auto *dock = new QDockWidget(title, this);
+    dock->setObjectName(objectName);
+    dock->setWidget(content);
+    addDockWidget(area, dock);
+    m_docks.append(dock);
+    return dock;
+}
+
+void HostWindow::makePanes()
+{
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    m_scenePane = new ScenePane(getScene());
+    m_parametersPane = new ParametersPane(getScene());
+    m_toolSettingsPane = new ToolSettingsPane;
+    connect(m_parametersPane, &ParametersPane::messagePosted, this, &HostWindow::showMessage);
+    QDockWidget *scene = addDock(tr("Scene"), QStringLiteral("SceneDock"), m_scenePane, Qt::LeftDockWidgetArea);
+    QDockWidget *parameters =
+        addDock(tr("Parameters"), QStringLiteral("ParametersDock"), m_parametersPane, Qt::LeftDockWidgetArea);
+    QDockWidget *settings =
+        addDock(tr("Tool Settings"), QStringLiteral("ToolSettingsDock"), m_toolSettingsPane, Qt::RightDockWidgetArea);
+    splitDockWidget(scene, parameters, Qt::Vertical);
+    resizeDocks({scene, parameters}, {430, 330}, Qt::Vertical);
+    resizeDocks({scene, settings}, {270, 300}, Qt::Horizontal);
+    m_toolStrip = new ToolStrip(getViewportMgr(), this);
+    addToolBar(Qt::LeftToolBarArea, m_toolStrip);
+}
+
+void HostWindow::makeStatusBar()
+{
+    m_status = new QLabel(this);
+    m_undoStatus = new QLabel(this);
+    m_unitStatus = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("StatusText"));
+    m_undoStatus->setObjectName(QStringLiteral("UndoStatus"));
+    m_unitStatus->setObjectName(QStringLiteral("UnitStatus"));
+    m_unitStatus->setToolTip(tr("How many centimetres one unit of the file is"));
+    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_undoStatus->setContentsMargins(12, 0, 12, 0);
+    m_unitStatus->setContentsMargins(0, 0, 8, 0);
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->addPermanentWidget(m_undoStatus);
+    statusBar()->addPermanentWidget(m_unitStatus);
+}
+
+void HostWindow::updateTitle()
+{
+    const QString name = m_files->path().isEmpty() ? tr("Untitled") : QFileInfo(m_files->path()).fileName();
+    setWindowTitle(tr("%1[*] - ryhost").arg(name));
+    setWindowModified(!ryUndoStack()->isClean());
+    m_unitStatus->setText(m_files->description());
+}
+
+void HostWindow::updateStatus()
+{
+    const RyViewTool *tool = getViewportMgr()->getActiveTool();
+    QString text = tool ? tool->getStatusText() : QString();
+    if (text.isEmpty() && tool) {
+        const RyNode *node = getScene()->getPrimarySelection();
+        text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
+                     : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, the wheel zooms, F frames it.")
+                           .arg(node->getLabel());
+    }
+    m_status->setText(text);
+    const RyUndoStack *stack = ryUndoStack();
+    QStringList steps;
+    if (stack->canUndo())
+        steps.append(tr("undo: %1").arg(stack->undoText()));
+    if (stack->canRedo())
+        steps.append(tr("redo: %1").arg(stack->redoText()));
+    m_undoStatus->setText(steps.join(QStringLiteral("   ")));
+    setWindowModified(!stack->isClean());
+}
+
+void HostWindow::fileOpened()
+{
+    updateTitle();
+    m_viewport->frameNodes(false);
+    // The joint tool shows the bones of what is selected: let a new figure show its bones at once.
+    const std::vector<RySkeleton *> figures = getScene()->getSkeletons();
+    if (!getScene()->getPrimarySelection() && !figures.empty())
+        figures.front()->select(true);
+    m_viewport->update();
+}
+
+void HostWindow::setDark(bool dark)
+{
+    m_dark = dark;
+    HostTheme::apply(dark);
+    m_viewport->setRenderOptions(HostTheme::viewportOptions(dark, m_viewport->renderOptions()));
+    m_toolStrip->refresh();
+    m_menus->refreshIcons();
+    RyAppSettings(QString::fromLatin1(SettingsGroup)).setBoolValue(QStringLiteral("Dark"), dark);
+}
+
+void HostWindow::setWireframe(bool onOff)
+{
+    RyRenderOptions options = m_viewport->renderOptions();
+    options.wireframe = onOff;
+    m_viewport->setRenderOptions(options);
+}
+
+void HostWindow::saveLayout()
+{
+    RyAppSettings settings(QString::fromLatin1(SettingsGroup));
+    settings.setBytesValue(QStringLiteral("Geometry"), saveGeometry());
+    settings.setBytesValue(QStringLiteral("State"), saveState());
+}
+
+void HostWindow::restoreLayout()
+{
+    const RyAppSettings settings(QString::fromLatin1(SettingsGroup));
+    if (settings.contains(QStringLiteral("Geometry")))
+        restoreGeometry(settings.getBytesValue(QStringLiteral("Geometry")));
+    if (settings.contains(QStringLiteral("State")))
+        restoreState(settings.getBytesValue(QStringLiteral("State")));
+}
+
+void HostWindow::resetLayout()
+{
+    restoreState(m_firstLayout);
+}
+
+void HostWindow::closeEvent(QCloseEvent *event)
+{
+    if (!m_files->confirmDiscard()) {
+        event->ignore();
+        return;
+    }
+    saveLayout();
+    event->accept();
+}
+
+void HostWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    for (const QUrl &url : event->mimeData()->urls()) {
+        if (url.isLocalFile() && HostFiles::isReadable(url.toLocalFile())) {
+            event->acceptProposedAction();
+            return;
+        }
+    }
+}
+
+void HostWindow::dropEvent(QDropEvent *event)
+{
+    QStringList paths;
+    for (const QUrl &url : event->mimeData()->urls()) {
+        if (url.isLocalFile())
+            paths.append(url.toLocalFile());
+    }
+    event->acceptProposedAction();
+    if (paths.isEmpty() || !m_files->openPathAsking(paths.takeFirst()))
+        return;
+    for (const QString &path : paths)
+        m_files->mergePath(path);
+}

@@ -1,0 +1,45 @@
+#include "ryhost/window/menuText.h"
+
+#include <QAction>
+#include <QSet>
+
+QString plainMenuText(const QString &text)
+{
+    const QString name = text.section(QLatin1Char('\t'), 0, 0);
+    QString plain;
+    for (int i = 0; i < name.size(); ++i) {
+        if (name[i] == QLatin1Char('&') && ++i == name.size())
+            break;
+        plain += name[i];
+    }
+    return plain;
+}
+
+QString menuTextOf(const QString &name)
+{
+    return QString(name).replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+QString menuTextOf(const QString &name, const QList<QAction *> &others)
+{
+    QSet<QChar> taken;
+    for (const QAction *action : others)
+        taken.insert(mnemonicOf(action->text()));
+    for (int i = 0; i < name.size(); ++i) {
+        if (name[i].isLetter() && !taken.contains(name[i].toLower()))
+            return menuTextOf(name.left(i)) + QLatin1Char('&') + menuTextOf(name.mid(i));
+    }
+    return menuTextOf(name);
+}
+
+QChar mnemonicOf(const QString &text)
+{
+    for (int i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] != QLatin1Char('&'))
+            continue;
+        ++i;
+        if (text[i] != QLatin1Char('&'))
+            return text[i].toLower();
+    }
+    return {};
+}
