@@ -6,7 +6,8 @@
 #include <functional>
 #include <vector>
 
-/// Times two ways of doing the same thing in alternation, so that both meet the same noise, and prints medians and ratio.
+/// Times two ways of doing the same thing in alternation, so that both meet the same noise, and prints medians and
+/// ratio.
 struct RyBenchmark
 {
     static double milliseconds(const std::function<void()> &work)
@@ -35,8 +36,8 @@ struct RyBenchmark
         }
         const double a = median(oursTimes);
         const double b = median(peerTimes);
-        std::printf("%s: ours %.3f ms, %s %.3f ms, ours/peer %.3f, peer/ours %.3f (medians of %d)\n", name, a, peerName, b,
-                    a / b, b / a, runs);
+        std::printf("%s: ours %.3f ms, %s %.3f ms, ours/peer %.3f, peer/ours %.3f (medians of %d)\n", name, a, peerName,
+                    b, a / b, b / a, runs);
         return a / b;
     }
 };

@@ -10,8 +10,8 @@
 
 #include <vector>
 
-/// A figure of any size for benchmarks: a chain of bones, with branches of ten, and vertices with four influences each, where
-/// neighbouring vertices follow neighbouring bones. All weights of a vertex make full weight.
+/// A figure of any size for benchmarks: a chain of bones, with branches of ten, and vertices with four influences each,
+/// where neighbouring vertices follow neighbouring bones. All weights of a vertex make full weight.
 inline RyFigure *makeChainFigure(RyScene *scene, int vertices, int bones)
 {
     constexpr int influences = 4;

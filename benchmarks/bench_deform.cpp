@@ -64,8 +64,8 @@ void pose(Scene &scene, int run)
 {
     for (int k = 0; k < Bones; ++k) {
         const float angle = 0.02f * float(run) + 0.1f * float(k);
-        const Eigen::Affine3f map = Eigen::Translation3f(float(k) * 0.1f, 1.0f, 0.01f * float(run))
-            * Eigen::AngleAxisf(angle, Eigen::Vector3f(1.0f, 0.3f, float(k % 5)).normalized());
+        const Eigen::Affine3f map = Eigen::Translation3f(float(k) * 0.1f, 1.0f, 0.01f * float(run)) *
+                                    Eigen::AngleAxisf(angle, Eigen::Vector3f(1.0f, 0.3f, float(k % 5)).normalized());
         scene.peerMaps[size_t(k)] = map;
         for (int row = 0; row < 4; ++row) {
             for (int column = 0; column < 3; ++column)

@@ -1,5 +1,5 @@
-// Deleting a bone of a large character: 214,000 vertices with four influences each, 163 bones. The peer reads all weight
-// maps of the skin once, which is the least that normalizing them takes.
+// Deleting a bone of a large character: 214,000 vertices with four influences each, 163 bones. The peer reads all
+// weight maps of the skin once, which is the least that normalizing them takes.
 #include "RyBenchmark.h"
 #include "RyChainFigure.h"
 

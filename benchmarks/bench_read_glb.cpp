@@ -1,4 +1,5 @@
-// Reading a 40 MB .glb (500,000 vertices, 200 joints) into mesh and weight maps, against reading the file and copying its bytes.
+// Reading a 40 MB .glb (500,000 vertices, 200 joints) into mesh and weight maps, against reading the file and copying
+// its bytes.
 
 #include "RyBenchmark.h"
 
@@ -63,13 +64,13 @@ bool writeFile(const QString &path)
     for (int joint = 0; joint < Joints; ++joint) {
         RyGltfTransform transform;
         transform.translation = {0.0, joint == 0 ? 0.0 : 1.7 / Joints, 0.0};
-        jointNodes.push_back(document->addNode(QStringLiteral("joint%1").arg(joint), transform,
-                                               joint == 0 ? -1 : jointNodes.back()));
+        jointNodes.push_back(
+            document->addNode(QStringLiteral("joint%1").arg(joint), transform, joint == 0 ? -1 : jointNodes.back()));
         const float matrix[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -1.7f * float(joint) / Joints, 0, 1};
         inverseBinds.insert(inverseBinds.end(), matrix, matrix + 16);
     }
-    const int skin = document->addSkin(QStringLiteral("tube"), jointNodes,
-                                       document->addFloatAccessor(inverseBinds, 16, 0), -1);
+    const int skin =
+        document->addSkin(QStringLiteral("tube"), jointNodes, document->addFloatAccessor(inverseBinds, 16, 0), -1);
     const int mesh = document->addMesh(QStringLiteral("tube"));
     document->addPrimitive(mesh,
                            {{"POSITION", document->addFloatAccessor(positions, 3, 34962, true)},

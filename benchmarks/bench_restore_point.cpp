@@ -1,5 +1,5 @@
-// A restore point around deleting a bone of a figure of 214,000 vertices and 160 bones: the time and the bytes that it adds,
-// beside one copy of what the command changed. A path of a .glb as argument takes that figure instead.
+// A restore point around deleting a bone of a figure of 214,000 vertices and 160 bones: the time and the bytes that it
+// adds, beside one copy of what the command changed. A path of a .glb as argument takes that figure instead.
 
 #include "RyBenchmark.h"
 
@@ -13,8 +13,8 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 
 #include <QCoreApplication>
 
@@ -158,7 +158,8 @@ int main(int argc, char **argv)
     RyBone *bone = nullptr;
     int most = -1;
     for (const RyBoneBinding *binding : skin->bindings()) {
-        const RyBoneBinding *above = binding->getBone() ? skin->findBoneBinding(binding->getBone()->getNodeParent()) : nullptr;
+        const RyBoneBinding *above =
+            binding->getBone() ? skin->findBoneBinding(binding->getBone()->getNodeParent()) : nullptr;
         if (above && above->getWeights() && binding->getWeights() && binding->getWeights()->getNumAffected() > most) {
             most = binding->getWeights()->getNumAffected();
             bone = binding->getBone();
@@ -219,11 +220,13 @@ int main(int argc, char **argv)
     std::printf("vertices %d, bindings %d; the bone has %d weights\n",
                 static_cast<RyFacetShape *>(figure->getObject()->getCurrentShape())->getFacetMesh()->getNumVertices(),
                 skin->getNumBoneBindings() + 1, most);
-    std::printf("restored scenes equal the first one; %.1f ms for the command with its point, %.1f ms to restore, %.2f ms to "
-                "copy what changed (medians of %d)\n",
-                RyBenchmark::median(guarded), RyBenchmark::median(restoring), RyBenchmark::median(copying), Runs);
+    std::printf(
+        "restored scenes equal the first one; %.1f ms for the command with its point, %.1f ms to restore, %.2f ms to "
+        "copy what changed (medians of %d)\n",
+        RyBenchmark::median(guarded), RyBenchmark::median(restoring), RyBenchmark::median(copying), Runs);
     const double ratio = double(pointBytes) / double(changedBytes);
-    std::printf("bytes of the point %zu, of one copy of what changed %zu, ratio %.3f\n", pointBytes, changedBytes, ratio);
+    std::printf("bytes of the point %zu, of one copy of what changed %zu, ratio %.3f\n", pointBytes, changedBytes,
+                ratio);
     ryUndoStack()->clearAll();
     return ratio <= 1.5 ? 0 : 1;
 }

@@ -1,14 +1,14 @@
-// How the time of the actions that change which bones there are grows with vertices and with bones. Each action runs as a person
-// would run it: in a window with the built plug-in, with its dialogs answered and its restore point taken. Twice the size may
-// take twice the time: the exponent of the growth is printed, and more than 1.2 fails.
+// How the time of the actions that change which bones there are grows with vertices and with bones. Each action runs as
+// a person would run it: in a window with the built plug-in, with its dialogs answered and its restore point taken.
+// Twice the size may take twice the time: the exponent of the growth is printed, and more than 1.2 fails.
 //
 // Arguments: files of characters to run the same actions on.
 #include "RyBenchmark.h"
 #include "RyChainFigure.h"
 
 #include "rycore/app/RyMainWindow.h"
-#include "rycore/io/RySceneFile.h"
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/io/RySceneFile.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
@@ -20,7 +20,7 @@
 namespace {
 
 constexpr int Runs = 9;
-constexpr int PickedNodes = 40; // how far down the bone that is worked on stands
+constexpr int PickedNodes = 40;     // how far down the bone that is worked on stands
 constexpr double NoiseFloor = 0.02; // milliseconds: below, growth cannot be told
 
 struct Case

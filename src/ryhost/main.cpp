@@ -1,11 +1,11 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/batch/BatchRunner.h"
 #include "ryhost/commands/CommandLine.h"
 #include "ryhost/demo/DemoSession.h"
 #include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
-#include "ryhost/batch/BatchRunner.h"
 
 #include <QApplication>
 
@@ -63,8 +63,8 @@ int main(int argc, char **argv)
         break;
     case CommandLine::Window:
     case CommandLine::Demo:
-        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
-            && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
+            qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
             std::fputs("ryhost: there is no display to open a window on. ryhost --batch works without one.\n", stderr);
             return int(ExitCode::WrongUse);
         }

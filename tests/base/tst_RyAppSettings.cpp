@@ -157,8 +157,9 @@ private slots:
 
     void nonsenseIsReportedOnceAndSurvives()
     {
-        const QByteArray rubbish = "; a comment\n[Joint Editor Tool]\nsize=int:many\nno entry here\nraw\xff\xfe=\x01\n\n"
-                                   "kept=int:4\n[Other]\nx=future:1\n";
+        const QByteArray rubbish =
+            "; a comment\n[Joint Editor Tool]\nsize=int:many\nno entry here\nraw\xff\xfe=\x01\n\n"
+            "kept=int:4\n[Other]\nx=future:1\n";
         write(rubbish);
         RyAppSettings settings("Joint Editor Tool");
         for (int i = 0; i < 3; ++i)
@@ -277,7 +278,8 @@ private slots:
         settings.getBytesValue("b");
         RyAppSettings::setObserver(nullptr);
         settings.getIntValue("i", 1);
-        QCOMPARE(seen, QStringList({"G/i/set/int", "G/i/get/bool", "G/f/set/float", "G/s/get/string", "G/b/get/bytes"}));
+        QCOMPARE(seen,
+                 QStringList({"G/i/set/int", "G/i/get/bool", "G/f/set/float", "G/s/get/string", "G/b/get/bytes"}));
     }
 };
 

@@ -289,7 +289,8 @@ private slots:
                                 plain.links.erase({i, j});
                                 break;
                             }
-                            RyERCLink *link = RyERCLink::create(properties[size_t(i)].get(), properties[size_t(j)].get());
+                            RyERCLink *link =
+                                RyERCLink::create(properties[size_t(i)].get(), properties[size_t(j)].get());
                             QCOMPARE(link != nullptr, !cycle);
                             refused += cycle;
                             if (link)

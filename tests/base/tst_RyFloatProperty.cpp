@@ -220,7 +220,8 @@ private slots:
     void listenersMayDeleteTheProperty()
     {
         auto *property = new RyFloatProperty(nullptr, "x");
-        connect(property, &RyFloatProperty::currentValueChanged, property, [&] { delete std::exchange(property, nullptr); });
+        connect(property, &RyFloatProperty::currentValueChanged, property,
+                [&] { delete std::exchange(property, nullptr); });
         property->setValue(1);
         QVERIFY(!property);
     }

@@ -22,10 +22,10 @@ private slots:
         QVERIFY(RyGuid::fromString("{f84e42a0-A219-4ca5-9863-850B40E01DA8}") == guid);
         QVERIFY(!(RyGuid::fromString("F84E42A0-A219-4CA5-9863-850B40E01DA9") == guid));
         QVERIFY(!(RyGuid::fromString("E84E42A0-A219-4CA5-9863-850B40E01DA8") == guid));
-        for (const char *bad : {"", "x", "{F84E42A0-A219-4CA5-9863-850B40E01DA8", "F84E42A0-A219-4CA5-9863-850B40E01DA8}",
-                                "F84E42A0A219-4CA5-9863-850B40E01DA8-", "F84E42A0-A219-4CA5-9863-850B40E01DAG",
-                                "F84E42A0-A219-4CA5-9863-850B40E01DA88", "F84E42A0-A219-4CA5-9863-850B40E01DA",
-                                "F84E42A0-A219-4CA5-9863_850B40E01DA8", "{}"})
+        for (const char *bad : {"", "x", "{F84E42A0-A219-4CA5-9863-850B40E01DA8",
+                                "F84E42A0-A219-4CA5-9863-850B40E01DA8}", "F84E42A0A219-4CA5-9863-850B40E01DA8-",
+                                "F84E42A0-A219-4CA5-9863-850B40E01DAG", "F84E42A0-A219-4CA5-9863-850B40E01DA88",
+                                "F84E42A0-A219-4CA5-9863-850B40E01DA", "F84E42A0-A219-4CA5-9863_850B40E01DA8", "{}"})
             QVERIFY2(RyGuid::fromString(bad).isNull(), bad);
         QVERIFY(RyGuid().isNull());
         QCOMPARE(RyGuid().toString(), QString("00000000-0000-0000-0000-000000000000"));
@@ -90,25 +90,31 @@ private slots:
     {
         QTest::addColumn<QString>("file");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("cut") << "/home/me/src/pluginsource/RyJointTools/a.cpp" << "\\src\\pluginsource\\RyJointTools\\a.cpp";
-        QTest::newRow("last") << "/usr/src/x/src/b.cpp" << "\\src\\b.cpp";
-        QTest::newRow("none") << "/home/me/b.cpp" << "\\home\\me\\b.cpp";
-        QTest::newRow("backslashes") << "C:\\work\\src\\b.cpp" << "\\src\\b.cpp";
-        QTest::newRow("relative") << "src/b.cpp" << "src\\b.cpp";
-        QTest::newRow("at the start") << "/src/b.cpp" << "\\src\\b.cpp";
+        QTest::newRow("cut") << "/home/me/src/pluginsource/RyJointTools/a.cpp"
+                             << "\\src\\pluginsource\\RyJointTools\\a.cpp";
+        QTest::newRow("last") << "/usr/src/x/src/b.cpp"
+                              << "\\src\\b.cpp";
+        QTest::newRow("none") << "/home/me/b.cpp"
+                              << "\\home\\me\\b.cpp";
+        QTest::newRow("backslashes") << "C:\\work\\src\\b.cpp"
+                                     << "\\src\\b.cpp";
+        QTest::newRow("relative") << "src/b.cpp"
+                                  << "src\\b.cpp";
+        QTest::newRow("at the start") << "/src/b.cpp"
+                                      << "\\src\\b.cpp";
     }
     void developerMessage()
     {
         QFETCH(QString, file);
         QFETCH(QString, expected);
-        QCOMPARE(ryDeveloperMessage(file.toUtf8().constData(), 123, "100%1 wrong %2"), expected + "(123): 100%1 wrong %2");
+        QCOMPARE(ryDeveloperMessage(file.toUtf8().constData(), 123, "100%1 wrong %2"),
+                 expected + "(123): 100%1 wrong %2");
     }
 
     void countedObjects()
     {
         class Counted : public QObject, public RyRefCountedItem
-        {
-        };
+        {};
         QPointer<Counted> item = new Counted;
         QCOMPARE(item->refCount(), 0);
         {

@@ -30,7 +30,10 @@ public:
 
     Result run(const QStringList &arguments) const;
     /// With the sample figure.
-    Result batch(const QStringList &verbs) const { return run(QStringList{QStringLiteral("--batch"), sample()} + verbs); }
+    Result batch(const QStringList &verbs) const
+    {
+        return run(QStringList{QStringLiteral("--batch"), sample()} + verbs);
+    }
 
 private:
     QTemporaryDir m_folder;

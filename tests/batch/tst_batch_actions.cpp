@@ -11,7 +11,8 @@ QByteArray valueOf(const QByteArray &dump, const char *node, const char *value)
 {
     const int at = dump.indexOf(QByteArray(" \"") + node + "\" below");
     const int line = at < 0 ? -1 : dump.indexOf(QByteArray("\n  \"") + value + "\" ", at);
-    return line < 0 ? QByteArray() : dump.mid(line + 1, dump.indexOf('\n', line + 1) - line - 1).trimmed().split(' ').value(1);
+    return line < 0 ? QByteArray()
+                    : dump.mid(line + 1, dump.indexOf('\n', line + 1) - line - 1).trimmed().split(' ').value(1);
 }
 
 QStringList words(const char *text)
@@ -47,7 +48,8 @@ private slots:
         };
         QVERIFY(orderOf(before) != "ZYX");
         QCOMPARE(orderOf(order.out), QByteArray("ZYX"));
-        QCOMPARE(batch("--select lForearm --run RyJERotationOrderZYXAction --undo --dump").out, batch("--select lForearm --dump").out);
+        QCOMPARE(batch("--select lForearm --run RyJERotationOrderZYXAction --undo --dump").out,
+                 batch("--select lForearm --dump").out);
 
         // The end point of the upper arm goes to the origin of its child.
         const auto snapped = batch("--property lShldr:endY=0 --select lShldr --run RyJESnapEndPointAction --dump");
@@ -58,8 +60,9 @@ private slots:
 
     void nodesArePickedByName()
     {
-        const QStringList reparent = words("--select lForearm --run RyJEReparentBoneAction --set NodeDlgTree=chest --answer")
-            + QStringList{QStringLiteral("Reparenting Warning=Ok"), QStringLiteral("--report")};
+        const QStringList reparent =
+            words("--select lForearm --run RyJEReparentBoneAction --set NodeDlgTree=chest --answer") +
+            QStringList{QStringLiteral("Reparenting Warning=Ok"), QStringLiteral("--report")};
         const auto moved = m_run.batch(reparent);
         QVERIFY2(moved.code == 0, moved.err.constData());
         QCOMPARE(moved.json().value(QStringLiteral("selection")).toArray(),
@@ -69,11 +72,13 @@ private slots:
 
     void everyRunIsInTheReport()
     {
-        const auto result = batch("--select lForearm --run RyJERotationOrderZYXAction --run RyJEAlignNodeAction --report");
+        const auto result =
+            batch("--select lForearm --run RyJERotationOrderZYXAction --run RyJEAlignNodeAction --report");
         QVERIFY2(result.code == 0, result.err.constData());
         const QJsonArray runs = result.json().value(QStringLiteral("runs")).toArray();
         QCOMPARE(runs.size(), 2);
-        QCOMPARE(runs.at(1).toObject().value(QStringLiteral("action")).toString(), QStringLiteral("RyJEAlignNodeAction"));
+        QCOMPARE(runs.at(1).toObject().value(QStringLiteral("action")).toString(),
+                 QStringLiteral("RyJEAlignNodeAction"));
         QCOMPARE(runs.at(1).toObject().value(QStringLiteral("ran")).toBool(), true);
         QCOMPARE(result.json().value(QStringLiteral("undoSteps")).toArray().size(), 2);
         QVERIFY(result.json().value(QStringLiteral("boxes")).toArray().isEmpty());
@@ -96,7 +101,14 @@ private slots:
         const auto result = batch("--select lForearm --run RyJERotationOrderZYXAction --set A=1 --report");
         QCOMPARE(result.code, 2);
         QVERIFY2(result.says("It ran, but: No dialog opened that could use A."), result.err.constData());
-        QCOMPARE(result.json().value(QStringLiteral("runs")).toArray().at(0).toObject().value(QStringLiteral("ran")).toBool(), true);
+        QCOMPARE(result.json()
+                     .value(QStringLiteral("runs"))
+                     .toArray()
+                     .at(0)
+                     .toObject()
+                     .value(QStringLiteral("ran"))
+                     .toBool(),
+                 true);
         QCOMPARE(result.json().value(QStringLiteral("undoSteps")).toArray().size(), 1);
     }
 
@@ -111,7 +123,8 @@ private slots:
     {
         const QByteArray before = m_run.batch(words("--dump")).out;
         const double height = valueOf(before, "hip", "originY").toDouble();
-        const auto raised = dialogs(words("--select hip --run RyTestRaiseAction --set HeightSpn=2 --set UnitCmb=Metres --dump"));
+        const auto raised =
+            dialogs(words("--select hip --run RyTestRaiseAction --set HeightSpn=2 --set UnitCmb=Metres --dump"));
         QVERIFY2(raised.code == 0, raised.err.constData());
         QVERIFY(std::abs(valueOf(raised.out, "hip", "originY").toDouble() - height - 200.0) < 1e-3);
         // What was printed tells of the dialog, and of nothing else.
@@ -125,7 +138,8 @@ private slots:
     {
         QTest::addColumn<QString>("set");
         QTest::addColumn<QByteArray>("says");
-        QTest::newRow("no such widget") << QStringLiteral("HightSpn=2") << QByteArray("HeightSpn (0 to 99), UnitCmb (Centimetres | Metres)");
+        QTest::newRow("no such widget") << QStringLiteral("HightSpn=2")
+                                        << QByteArray("HeightSpn (0 to 99), UnitCmb (Centimetres | Metres)");
         QTest::newRow("no such item") << QStringLiteral("UnitCmb=Feet") << QByteArray("Centimetres, Metres");
         QTest::newRow("no number") << QStringLiteral("HeightSpn=two") << QByteArray("\"two\"");
         QTest::newRow("out of range") << QStringLiteral("HeightSpn=200") << QByteArray("0 to 99");
@@ -137,8 +151,9 @@ private slots:
         QFETCH(QString, set);
         QFETCH(QByteArray, says);
         const QString out = m_dialogs.file(QStringLiteral("never.glb"));
-        const auto result = dialogs({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
-                                     QStringLiteral("RyTestRaiseAction"), QStringLiteral("--set"), set, QStringLiteral("--save"), out});
+        const auto result =
+            dialogs({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                     QStringLiteral("RyTestRaiseAction"), QStringLiteral("--set"), set, QStringLiteral("--save"), out});
         QCOMPARE(result.code, 2);
         QVERIFY2(result.err.contains(says), result.err.constData());
         QVERIFY(!QFile::exists(out));
@@ -160,16 +175,20 @@ private slots:
         QCOMPARE(box.value(QStringLiteral("parent")).toString(), QStringLiteral("RaiseDlg"));
         QCOMPARE(box.value(QStringLiteral("during")).toString(), QStringLiteral("RyTestRaiseAction"));
 
-        const auto done = dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("That High?=Yes"), QStringLiteral("--report")});
+        const auto done = dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("That High?=Yes"),
+                                                      QStringLiteral("--report")});
         QVERIFY2(done.code == 0, done.err.constData());
         QCOMPARE(done.json().value(QStringLiteral("undoSteps")).toArray(), QJsonArray{QStringLiteral("Raise Node")});
-        const auto wrong = dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("That High?=Perhaps")});
+        const auto wrong =
+            dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("That High?=Perhaps")});
         QCOMPARE(wrong.code, 2);
         QVERIFY2(wrong.says("Yes, No"), wrong.err.constData());
         const auto unused = dialogs(words("--select hip --run RyTestRaiseAction --answer Other=Yes"));
         QCOMPARE(unused.code, 0);
         QVERIFY2(unused.says("\"Other\""), unused.err.constData());
-        const auto cancelled = dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("Raise Node=Cancel"), QStringLiteral("--report")});
+        const auto cancelled =
+            dialogs(raise + QStringList{QStringLiteral("--answer"), QStringLiteral("Raise Node=Cancel"),
+                                        QStringLiteral("--report")});
         QCOMPARE(cancelled.code, 0);
         QVERIFY2(cancelled.says("--run RyTestRaiseAction: cancelled. \"Raise Node\""), cancelled.err.constData());
         const QJsonObject run = cancelled.json().value(QStringLiteral("runs")).toArray().at(0).toObject();
@@ -182,8 +201,8 @@ private slots:
     void refusalsStopTheRun()
     {
         const QString out = m_dialogs.file(QStringLiteral("never.glb"));
-        const auto result = dialogs({QStringLiteral("--run"), QStringLiteral("RyTestRaiseAction"), QStringLiteral("--save"), out,
-                                     QStringLiteral("--report")});
+        const auto result = dialogs({QStringLiteral("--run"), QStringLiteral("RyTestRaiseAction"),
+                                     QStringLiteral("--save"), out, QStringLiteral("--report")});
         QCOMPARE(result.code, 3);
         QVERIFY2(result.says("A node must be selected."), result.err.constData());
         QVERIFY(!QFile::exists(out));
@@ -204,12 +223,16 @@ private slots:
         QTest::addColumn<QString>("verbs");
         QTest::addColumn<QByteArray>("says");
         QTest::newRow("set alone") << QStringLiteral("--set A=1") << QByteArray("--set belongs after");
-        QTest::newRow("set after another verb") << QStringLiteral("--select hip --set A=1") << QByteArray("--set belongs after");
+        QTest::newRow("set after another verb")
+            << QStringLiteral("--select hip --set A=1") << QByteArray("--set belongs after");
         QTest::newRow("answer alone") << QStringLiteral("--answer A=Yes") << QByteArray("--answer belongs after");
-        QTest::newRow("set without value") << QStringLiteral("--run RyJEAlignNodeAction --set A") << QByteArray("OBJECTNAME=VALUE");
-        QTest::newRow("answer without button") << QStringLiteral("--run RyJEAlignNodeAction --answer A") << QByteArray("TITLE=BUTTON");
+        QTest::newRow("set without value")
+            << QStringLiteral("--run RyJEAlignNodeAction --set A") << QByteArray("OBJECTNAME=VALUE");
+        QTest::newRow("answer without button")
+            << QStringLiteral("--run RyJEAlignNodeAction --answer A") << QByteArray("TITLE=BUTTON");
         QTest::newRow("run without class") << QStringLiteral("--run") << QByteArray("--run needs a value");
-        QTest::newRow("set that nothing uses") << QStringLiteral("--select hip --run RyJEAlignNodeAction --set A=1") << QByteArray("could use A");
+        QTest::newRow("set that nothing uses")
+            << QStringLiteral("--select hip --run RyJEAlignNodeAction --set A=1") << QByteArray("could use A");
     }
 
     void optionsBelongToAVerb()

@@ -18,7 +18,8 @@ class BatchScriptsTest : public QObject
 
     RyBatchRun::Result script(const QByteArray &program, const QStringList &more = {})
     {
-        return m_run.batch(QStringList{QStringLiteral("--script"), m_run.write(QStringLiteral("test.rsx"), program)} + more);
+        return m_run.batch(QStringList{QStringLiteral("--script"), m_run.write(QStringLiteral("test.rsx"), program)} +
+                           more);
     }
 
 private slots:
@@ -28,9 +29,10 @@ private slots:
         QFile document(QStringLiteral(RY_SOURCE_DIR "/docs/scripting.md"));
         QVERIFY(document.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(document.readAll());
-        auto blocks = QRegularExpression(QStringLiteral("^```js\\n(.*?)^```$"), QRegularExpression::MultilineOption
-                                                                                  | QRegularExpression::DotMatchesEverythingOption)
-                          .globalMatch(text);
+        auto blocks =
+            QRegularExpression(QStringLiteral("^```js\\n(.*?)^```$"),
+                               QRegularExpression::MultilineOption | QRegularExpression::DotMatchesEverythingOption)
+                .globalMatch(text);
         int number = 0;
         while (blocks.hasNext()) {
             const QRegularExpressionMatch block = blocks.next();
@@ -45,7 +47,8 @@ private slots:
     {
         QFETCH(QByteArray, program);
         QStringList expected;
-        auto comments = QRegularExpression(QStringLiteral("//->(.*)$"), QRegularExpression::MultilineOption).globalMatch(QString::fromUtf8(program));
+        auto comments = QRegularExpression(QStringLiteral("//->(.*)$"), QRegularExpression::MultilineOption)
+                            .globalMatch(QString::fromUtf8(program));
         while (comments.hasNext())
             expected.append(comments.next().captured(1).trimmed());
         QVERIFY2(!expected.isEmpty(), "an example that shows nothing");
@@ -61,11 +64,12 @@ private slots:
     /// The tool is active, and takes what a script selects by an event that no loop delivers.
     void actionsKnowWhatTheScriptSelected()
     {
-        const auto result = script("Scene.setSelection(['head']);\n"
-                                   "var result = Actions.run('RyJECreateBoneAction', {JointEditorCreateBoneNameLEdit: 'horn',\n"
-                                   "    JointEditorCreateBoneLabelLEdit: 'Horn'});\n"
-                                   "if (!result.ran)\n    throw new Error(result.reason);\n",
-                                   {QStringLiteral("--report")});
+        const auto result =
+            script("Scene.setSelection(['head']);\n"
+                   "var result = Actions.run('RyJECreateBoneAction', {JointEditorCreateBoneNameLEdit: 'horn',\n"
+                   "    JointEditorCreateBoneLabelLEdit: 'Horn'});\n"
+                   "if (!result.ran)\n    throw new Error(result.reason);\n",
+                   {QStringLiteral("--report")});
         QVERIFY2(result.code == 0, result.err.constData());
         QCOMPARE(result.json().value(QStringLiteral("selection")).toArray(),
                  QJsonArray{QStringLiteral("mannequin/hip/abdomen/chest/neck/head/horn")});
@@ -87,19 +91,22 @@ private slots:
     {
         const auto result = script("Scene.setSelection(['hip']);"
                                    "var r = Actions.run('RyJERenameNodeAction', {}, {'Rename Node': 'Cancel'});"
-                                   "if (r.ran || r.refused || !r.cancelled || r.boxes[0].answered != 'Cancel') throw new Error(JSON.stringify(r));");
+                                   "if (r.ran || r.refused || !r.cancelled || r.boxes[0].answered != 'Cancel') throw "
+                                   "new Error(JSON.stringify(r));");
         QVERIFY2(result.code == 0, result.err.constData());
     }
 
     void formsTakeFieldsAndAnswers()
     {
-        const QByteArray program = "var f = new RyScriptForm('Ask'); f.addText('word', 'Word:', 'none');\n"
-                                   "f.accepting.connect(function() { if (f.value('word') == 'bad') f.setMessage('Not that word.'); });\n"
-                                   "print(f.exec() ? 'took ' + f.value('word') : 'cancelled');";
+        const QByteArray program =
+            "var f = new RyScriptForm('Ask'); f.addText('word', 'Word:', 'none');\n"
+            "f.accepting.connect(function() { if (f.value('word') == 'bad') f.setMessage('Not that word.'); });\n"
+            "print(f.exec() ? 'took ' + f.value('word') : 'cancelled');";
         QVERIFY(script(program).says("took none"));
         QVERIFY(script(program, {QStringLiteral("--set"), QStringLiteral("word=hello")}).says("took hello"));
         QVERIFY(script(program, {QStringLiteral("--answer"), QStringLiteral("Ask=Cancel")}).says("cancelled"));
-        const auto refused = script(program, {QStringLiteral("--set"), QStringLiteral("word=bad"), QStringLiteral("--report")});
+        const auto refused =
+            script(program, {QStringLiteral("--set"), QStringLiteral("word=bad"), QStringLiteral("--report")});
         QCOMPARE(refused.code, 3);
         QVERIFY2(refused.says("Not that word.") && refused.says("cancelled"), refused.err.constData());
         const QJsonObject box = refused.json().value(QStringLiteral("boxes")).toArray().at(0).toObject();
@@ -113,28 +120,41 @@ private slots:
 
     void renamingByTheAction()
     {
-        const auto renamed = m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
-                                          QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=pelvis"),
-                                          QStringLiteral("--set"), QStringLiteral("label=The Pelvis"), QStringLiteral("--report")});
+        const auto renamed =
+            m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                         QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=pelvis"),
+                         QStringLiteral("--set"), QStringLiteral("label=The Pelvis"), QStringLiteral("--report")});
         QVERIFY2(renamed.code == 0, renamed.err.constData());
-        QCOMPARE(renamed.json().value(QStringLiteral("undoSteps")).toArray(), QJsonArray{QStringLiteral("Rename Node")});
-        QCOMPARE(renamed.json().value(QStringLiteral("selection")).toArray(), QJsonArray{QStringLiteral("mannequin/pelvis")});
-        const auto taken = m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
-                                        QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=head")});
+        QCOMPARE(renamed.json().value(QStringLiteral("undoSteps")).toArray(),
+                 QJsonArray{QStringLiteral("Rename Node")});
+        QCOMPARE(renamed.json().value(QStringLiteral("selection")).toArray(),
+                 QJsonArray{QStringLiteral("mannequin/pelvis")});
+        const auto taken =
+            m_run.batch({QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                         QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--set"), QStringLiteral("name=head")});
         QCOMPARE(taken.code, 3);
         QVERIFY2(taken.says("\"head\" is taken"), taken.err.constData());
     }
 
     void bonesByTheirDialog()
     {
-        const QStringList create{QStringLiteral("--select"), QStringLiteral("lHand"), QStringLiteral("--run"), QStringLiteral("RyJECreateBoneAction")};
-        const auto made = m_run.batch(create + QStringList{QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneNameLEdit=lTip"),
-                                                           QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneLabelLEdit=Left Tip"),
-                                                           QStringLiteral("--report")});
+        const QStringList create{QStringLiteral("--select"), QStringLiteral("lHand"), QStringLiteral("--run"),
+                                 QStringLiteral("RyJECreateBoneAction")};
+        const auto made = m_run.batch(
+            create + QStringList{QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneNameLEdit=lTip"),
+                                 QStringLiteral("--set"), QStringLiteral("JointEditorCreateBoneLabelLEdit=Left Tip"),
+                                 QStringLiteral("--report")});
         QVERIFY2(made.code == 0, made.err.constData());
         bool found = false;
-        for (const QJsonValue &bone : made.json().value(QStringLiteral("figures")).toArray().at(0).toObject().value(QStringLiteral("bones")).toArray())
-            found = found || (bone[QStringLiteral("name")] == QStringLiteral("lTip") && bone[QStringLiteral("parent")] == QStringLiteral("lHand"));
+        for (const QJsonValue &bone : made.json()
+                                          .value(QStringLiteral("figures"))
+                                          .toArray()
+                                          .at(0)
+                                          .toObject()
+                                          .value(QStringLiteral("bones"))
+                                          .toArray())
+            found = found || (bone[QStringLiteral("name")] == QStringLiteral("lTip") &&
+                              bone[QStringLiteral("parent")] == QStringLiteral("lHand"));
         QVERIFY(found);
         // Without a name it cannot be accepted.
         QCOMPARE(m_run.batch(create).code, 3);
@@ -142,40 +162,46 @@ private slots:
 
     void stepsComeBackWhole()
     {
-        const auto result = script("var arm = Scene.find('lForearm'), before = Scene.dump(), thrown = '';\n"
-                                   "Undo.step('Bend', function() { arm.setValue('yrot', 30); });\n"
-                                   "var bent = Scene.dump();\n"
-                                   "try {\n"
-                                   "    Undo.step('Fails', function() {\n"
-                                   "        arm.setValue('yrot', 40); Scene.setSelection(['rHand']);\n"
-                                   "        if (!Actions.run('RyJEDeleteBoneAction').ran) throw new Error('not deleted');\n"
-                                   "        arm.setValue('yrot', 50); throw new Error('on purpose');\n"
-                                   "    });\n"
-                                   "} catch (error) { thrown = error.message; }\n"
-                                   "print(thrown, Scene.dump() === bent, Undo.captions());\n"
-                                   "Undo.undo();\n"
-                                   "print(Scene.dump() === before);\n");
+        const auto result =
+            script("var arm = Scene.find('lForearm'), before = Scene.dump(), thrown = '';\n"
+                   "Undo.step('Bend', function() { arm.setValue('yrot', 30); });\n"
+                   "var bent = Scene.dump();\n"
+                   "try {\n"
+                   "    Undo.step('Fails', function() {\n"
+                   "        arm.setValue('yrot', 40); Scene.setSelection(['rHand']);\n"
+                   "        if (!Actions.run('RyJEDeleteBoneAction').ran) throw new Error('not deleted');\n"
+                   "        arm.setValue('yrot', 50); throw new Error('on purpose');\n"
+                   "    });\n"
+                   "} catch (error) { thrown = error.message; }\n"
+                   "print(thrown, Scene.dump() === bent, Undo.captions());\n"
+                   "Undo.undo();\n"
+                   "print(Scene.dump() === before);\n");
         QVERIFY2(result.code == 0, result.err.constData());
-        QVERIFY2(result.says("on purpose true Bend\n") && result.err.trimmed().endsWith("true"), result.err.constData());
+        QVERIFY2(result.says("on purpose true Bend\n") && result.err.trimmed().endsWith("true"),
+                 result.err.constData());
     }
 
     void pointsOfActionsCanBeGoneBackTo()
     {
         const auto result = script("var before = Scene.dump(); Scene.setSelection(['rHand']);\n"
                                    "var selected = Scene.dump(); Actions.run('RyJEDeleteBoneAction');\n"
-                                   "print(RestorePoints.count(), Scene.dump() !== selected, RestorePoints.restore(0), Scene.dump() === selected);");
+                                   "print(RestorePoints.count(), Scene.dump() !== selected, RestorePoints.restore(0), "
+                                   "Scene.dump() === selected);");
         QVERIFY2(result.code == 0, result.err.constData());
         QVERIFY2(result.says("1 true true true"), result.err.constData());
     }
 
     void whoAsksForeverIsStopped()
     {
-        const auto result = script("var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name'); var tries = 0;\n"
-                                   "while (!f.exec()) { ++tries; }\nprint('went on');");
+        const auto result =
+            script("var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name'); var tries = 0;\n"
+                   "while (!f.exec()) { ++tries; }\nprint('went on');");
         QCOMPARE(result.code, 5);
-        QVERIFY2(result.says("Name It") && result.says("again and again") && !result.says("went on"), result.err.constData());
-        const auto caught = script("for (;;) { try { var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name');\n"
-                                   "    if (f.exec()) break; throw new Error('no'); } catch (e) {} }");
+        QVERIFY2(result.says("Name It") && result.says("again and again") && !result.says("went on"),
+                 result.err.constData());
+        const auto caught =
+            script("for (;;) { try { var f = new RyScriptForm('Name It'); f.addText('name', 'Name:', '', 'name');\n"
+                   "    if (f.exec()) break; throw new Error('no'); } catch (e) {} }");
         QCOMPARE(caught.code, 5);
     }
 
@@ -203,11 +229,12 @@ private slots:
         QVERIFY(QDir().mkpath(folder));
         RyBatchRun own;
         own.setHome(home.path());
-        const QStringList rename{QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"), QStringLiteral("RyJERenameNodeAction"),
-                                 QStringLiteral("--report")};
+        const QStringList rename{QStringLiteral("--select"), QStringLiteral("hip"), QStringLiteral("--run"),
+                                 QStringLiteral("RyJERenameNodeAction"), QStringLiteral("--report")};
         const auto missing = own.batch(rename);
         QCOMPARE(missing.code, 3);
-        QVERIFY2(missing.err.count("The script library ") == 1 && missing.says("ryRenameNode.rsx cannot be read: there is no such file"),
+        QVERIFY2(missing.err.count("The script library ") == 1 &&
+                     missing.says("ryRenameNode.rsx cannot be read: there is no such file"),
                  missing.err.constData());
         QFile broken(folder + QStringLiteral("/ryRenameNode.rsx"));
         QVERIFY(broken.open(QIODevice::WriteOnly));
@@ -216,7 +243,14 @@ private slots:
         const auto failed = own.batch(rename);
         QCOMPARE(failed.code, 3);
         QVERIFY2(!failed.says("The script library ") && failed.says("ryRenameNode.rsx(3): "), failed.err.constData());
-        QCOMPARE(failed.json().value(QStringLiteral("runs")).toArray().at(0).toObject().value(QStringLiteral("ran")).toBool(), false);
+        QCOMPARE(failed.json()
+                     .value(QStringLiteral("runs"))
+                     .toArray()
+                     .at(0)
+                     .toObject()
+                     .value(QStringLiteral("ran"))
+                     .toBool(),
+                 false);
     }
 };
 

@@ -41,8 +41,9 @@ private slots:
         const Result help = run({QStringLiteral("--help")});
         QCOMPARE(help.code, 0);
         QVERIFY(help.out.count('\n') <= 50);
-        for (const char *verb : {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump", "--run", "--set", "--answer",
-                                 "--script", "--report", "--merge", "--unit", "--redo"})
+        for (const char *verb :
+             {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump", "--run",
+              "--set", "--answer", "--script", "--report", "--merge", "--unit", "--redo"})
             QVERIFY2(help.out.contains(verb), verb);
     }
 
@@ -64,9 +65,12 @@ private slots:
         const QByteArray after = batch({QStringLiteral("--property"), edit, QStringLiteral("--dump")}).out;
         QVERIFY(before != after);
         QVERIFY(after.contains("70.5"));
-        QCOMPARE(batch({QStringLiteral("--property"), edit, QStringLiteral("--undo"), QStringLiteral("--dump")}).out, before);
+        QCOMPARE(batch({QStringLiteral("--property"), edit, QStringLiteral("--undo"), QStringLiteral("--dump")}).out,
+                 before);
         QCOMPARE(batch({QStringLiteral("--property"), edit, QStringLiteral("--undo"), QStringLiteral("--redo"),
-                        QStringLiteral("--dump")}).out, after);
+                        QStringLiteral("--dump")})
+                     .out,
+                 after);
     }
 
     void limitsAreKept()
@@ -76,19 +80,22 @@ private slots:
             QString error;
             RyScene scene;
             QVERIFY2(RySceneFile::open(&scene, sample(), &error), qPrintable(error));
-            RyFloatProperty *scale = RyNodeLookup::findValue(*scene.findNode(QStringLiteral("lForearm")), QStringLiteral("scale"), true, &error);
+            RyFloatProperty *scale = RyNodeLookup::findValue(*scene.findNode(QStringLiteral("lForearm")),
+                                                             QStringLiteral("scale"), true, &error);
             QVERIFY(scale);
             scale->setMin(0.5f);
             scale->setMax(2.0f);
             scale->setIsClamped(true);
             QVERIFY2(RySceneFile::save(&scene, limited, &error), qPrintable(error));
         }
-        const QString script = m_run.write(QStringLiteral("limits.rsx"), "var bone = Scene.find('lForearm'), scale = bone.getValue('scale');\n"
-                                                                        "try { bone.setValue('scale', 3); } catch (error) { print(error.message); }\n"
-                                                                        "print(bone.getValue('scale') === scale);");
+        const QString script = m_run.write(
+            QStringLiteral("limits.rsx"), "var bone = Scene.find('lForearm'), scale = bone.getValue('scale');\n"
+                                          "try { bone.setValue('scale', 3); } catch (error) { print(error.message); }\n"
+                                          "print(bone.getValue('scale') === scale);");
         const Result byScript = run({QStringLiteral("--batch"), limited, QStringLiteral("--script"), script});
         QVERIFY2(byScript.code == 0, byScript.err.constData());
-        const Result byVerb = run({QStringLiteral("--batch"), limited, QStringLiteral("--pose"), QStringLiteral("lForearm:scale=3"), QStringLiteral("--report")});
+        const Result byVerb = run({QStringLiteral("--batch"), limited, QStringLiteral("--pose"),
+                                   QStringLiteral("lForearm:scale=3"), QStringLiteral("--report")});
         const QByteArray why = "\"scale\" cannot become 3; its limits are 0.5 to 2";
         QCOMPARE(byVerb.code, 2);
         QVERIFY2(byVerb.err.contains(why), byVerb.err.constData());
@@ -98,21 +105,29 @@ private slots:
 
     void reportSaysWhatHappened()
     {
-        const Result result = batch({QStringLiteral("--select"), QStringLiteral("lForearm,lHand"), QStringLiteral("--pose"),
-                                     QStringLiteral("lForearm:yrot=30"), QStringLiteral("--report")});
+        const Result result =
+            batch({QStringLiteral("--select"), QStringLiteral("lForearm,lHand"), QStringLiteral("--pose"),
+                   QStringLiteral("lForearm:yrot=30"), QStringLiteral("--report")});
         QCOMPARE(result.code, 0);
         const QJsonObject report = QJsonDocument::fromJson(result.out).object();
         QCOMPARE(report.value(QStringLiteral("undoSteps")).toArray().size(), 1);
         const QJsonArray selection = report.value(QStringLiteral("selection")).toArray();
         QCOMPARE(selection.size(), 2);
         QVERIFY(selection.at(1).toString().endsWith(QStringLiteral("/lHand")));
-        QVERIFY(report.value(QStringLiteral("figures")).toArray().at(0).toObject().value(QStringLiteral("bones")).toArray().size() >= 40);
+        QVERIFY(report.value(QStringLiteral("figures"))
+                    .toArray()
+                    .at(0)
+                    .toObject()
+                    .value(QStringLiteral("bones"))
+                    .toArray()
+                    .size() >= 40);
         QCOMPARE(report.value(QStringLiteral("unit")).toDouble(), 100.0);
     }
 
     void pathsTellNodesApart()
     {
-        QCOMPARE(batch({QStringLiteral("--select"), QStringLiteral("lForearm/lHand"), QStringLiteral("--report")}).code, 0);
+        QCOMPARE(batch({QStringLiteral("--select"), QStringLiteral("lForearm/lHand"), QStringLiteral("--report")}).code,
+                 0);
         QCOMPARE(batch({QStringLiteral("--select"), QStringLiteral("none"), QStringLiteral("--report")}).code, 0);
         const Result missing = batch({QStringLiteral("--select"), QStringLiteral("lforearm")});
         QCOMPARE(missing.code, 2);
@@ -123,21 +138,27 @@ private slots:
     void savedEditsComeBack()
     {
         const QString out = file(QStringLiteral("moved.glb"));
-        QCOMPARE(batch({QStringLiteral("--property"), QStringLiteral("lForearm:originY=120.25"), QStringLiteral("--save"), out}).code, 0);
+        QCOMPARE(batch({QStringLiteral("--property"), QStringLiteral("lForearm:originY=120.25"),
+                        QStringLiteral("--save"), out})
+                     .code,
+                 0);
         const Result again = run({QStringLiteral("--batch"), out, QStringLiteral("--dump")});
         QCOMPARE(again.code, 0);
         QVERIFY(again.out.contains("\"originY\" 120.25"));
         // The input itself may be the target.
         QCOMPARE(run({QStringLiteral("--batch"), out, QStringLiteral("--pose"), QStringLiteral("lForearm:xrot=5"),
-                      QStringLiteral("--save"), out}).code, 0);
+                      QStringLiteral("--save"), out})
+                     .code,
+                 0);
         QVERIFY(run({QStringLiteral("--batch"), out, QStringLiteral("--dump")}).out.contains("\"xrot\" 5 "));
     }
 
     void screenshotIsDrawnWithoutADisplay()
     {
         const QString out = file(QStringLiteral("picture.png"));
-        const Result result = batch({QStringLiteral("--select"), QStringLiteral("lForearm"), QStringLiteral("--screenshot"), out,
-                                     QStringLiteral("--size"), QStringLiteral("640x480")});
+        const Result result =
+            batch({QStringLiteral("--select"), QStringLiteral("lForearm"), QStringLiteral("--screenshot"), out,
+                   QStringLiteral("--size"), QStringLiteral("640x480")});
         QVERIFY2(result.code == 0, result.err.constData());
         const QImage picture(out);
         QCOMPARE(picture.size(), QSize(640, 480));
@@ -151,13 +172,16 @@ private slots:
 
     void unitAndMerge()
     {
-        const QByteArray doubled = batch({QStringLiteral("--unit"), QStringLiteral("200"), QStringLiteral("--report")}).out;
+        const QByteArray doubled =
+            batch({QStringLiteral("--unit"), QStringLiteral("200"), QStringLiteral("--report")}).out;
         QCOMPARE(QJsonDocument::fromJson(doubled).object().value(QStringLiteral("unit")).toDouble(), 200.0);
         const Result merged = batch({QStringLiteral("--merge"), sample(), QStringLiteral("--report")});
         QCOMPARE(merged.code, 0);
-        const QJsonArray figures = QJsonDocument::fromJson(merged.out).object().value(QStringLiteral("figures")).toArray();
+        const QJsonArray figures =
+            QJsonDocument::fromJson(merged.out).object().value(QStringLiteral("figures")).toArray();
         QCOMPARE(figures.size(), 2);
-        QVERIFY(figures.at(0).toObject().value(QStringLiteral("name")) != figures.at(1).toObject().value(QStringLiteral("name")));
+        QVERIFY(figures.at(0).toObject().value(QStringLiteral("name")) !=
+                figures.at(1).toObject().value(QStringLiteral("name")));
         const QString out = file(QStringLiteral("two.glb"));
         QCOMPARE(batch({QStringLiteral("--merge"), sample(), QStringLiteral("--save"), out}).code, 0);
         const Result again = run({QStringLiteral("--batch"), out, QStringLiteral("--report")});
@@ -174,8 +198,13 @@ private slots:
         row("unknown verb", {QStringLiteral("--frobnicate")}, "--frobnicate");
         row("value missing", {QStringLiteral("--save")}, "--save needs a value");
         row("two outputs", {QStringLiteral("--dump"), QStringLiteral("--report")}, "only one of --dump and --report");
-        row("bad size", {QStringLiteral("--screenshot"), QStringLiteral("x.png"), QStringLiteral("--size"), QStringLiteral("12")}, "no size");
-        row("bad view", {QStringLiteral("--screenshot"), QStringLiteral("x.png"), QStringLiteral("--view"), QStringLiteral("below")}, "\"below\"");
+        row("bad size",
+            {QStringLiteral("--screenshot"), QStringLiteral("x.png"), QStringLiteral("--size"), QStringLiteral("12")},
+            "no size");
+        row("bad view",
+            {QStringLiteral("--screenshot"), QStringLiteral("x.png"), QStringLiteral("--view"),
+             QStringLiteral("below")},
+            "\"below\"");
         row("bad unit", {QStringLiteral("--unit"), QStringLiteral("zero")}, "\"zero\"");
         row("no number", {QStringLiteral("--property"), QStringLiteral("lForearm:endX=much")}, "\"much\" is no number");
         row("not a number", {QStringLiteral("--property"), QStringLiteral("lForearm:endX=nan")}, "is no number");
@@ -183,11 +212,13 @@ private slots:
         row("rigging is no pose", {QStringLiteral("--pose"), QStringLiteral("lForearm:endX=3")}, "\"endX\"");
         row("no form", {QStringLiteral("--property"), QStringLiteral("endX")}, "NODE:NAME=VALUE");
         row("nothing to undo", {QStringLiteral("--undo")}, "nothing to undo");
-        row("nothing of a merge to undo", {QStringLiteral("--merge"), sample(), QStringLiteral("--undo")}, "--merge makes no step");
+        row("nothing of a merge to undo", {QStringLiteral("--merge"), sample(), QStringLiteral("--undo")},
+            "--merge makes no step");
         row("stray word", {QStringLiteral("lForearm")}, "\"lForearm\"");
         row("second file", {QStringLiteral("b.glb")}, "--merge b.glb");
         row("no names", {QStringLiteral("--select"), QStringLiteral(",")}, "\",\" names no node");
-        row("unit for nothing", {QStringLiteral("--undo"), QStringLiteral("--unit"), QStringLiteral("2")}, "no file is read after it");
+        row("unit for nothing", {QStringLiteral("--undo"), QStringLiteral("--unit"), QStringLiteral("2")},
+            "no file is read after it");
     }
 
     void wrongUseIsExplained()
@@ -226,7 +257,10 @@ private slots:
         QVERIFY(QFile::copy(sample(), locked));
         const QByteArray old = bytesOf(locked);
         QVERIFY(QFile::setPermissions(locked, QFileDevice::ReadOwner));
-        QCOMPARE(batch({QStringLiteral("--property"), QStringLiteral("lForearm:endX=1"), QStringLiteral("--save"), locked}).code, 4);
+        QCOMPARE(
+            batch({QStringLiteral("--property"), QStringLiteral("lForearm:endX=1"), QStringLiteral("--save"), locked})
+                .code,
+            4);
         QCOMPARE(bytesOf(locked), old);
         QCOMPARE(batch({QStringLiteral("--save"), file(QStringLiteral("out.xyz"))}).code, 4);
     }

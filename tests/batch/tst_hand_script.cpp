@@ -74,9 +74,10 @@ private slots:
     void initTestCase()
     {
         QByteArray output;
-        const int code = run({QStringLiteral(RY_SOURCE_DIR "/resources/samples/hand.obj"), QStringLiteral("--script"),
-                              QStringLiteral(RY_SOURCE_DIR "/docs/examples/rig_hand.rsx"), QStringLiteral("--save"), m_path},
-                             &output);
+        const int code =
+            run({QStringLiteral(RY_SOURCE_DIR "/resources/samples/hand.obj"), QStringLiteral("--script"),
+                 QStringLiteral(RY_SOURCE_DIR "/docs/examples/rig_hand.rsx"), QStringLiteral("--save"), m_path},
+                &output);
         QVERIFY2(code == 0, output.constData());
         QVERIFY2(output.contains("17 bones, 1906 vertices"), output.constData());
         m_file = std::make_unique<GltfEvaluator>(m_path.toStdString());
@@ -97,7 +98,8 @@ private slots:
         for (const std::string finger : fingers) {
             QCOMPARE(m_file->parent(m_file->node(boneName(finger, 1))), m_file->node("palm"));
             for (int number = 2; number <= 3; ++number)
-                QCOMPARE(m_file->parent(m_file->node(boneName(finger, number))), m_file->node(boneName(finger, number - 1)));
+                QCOMPARE(m_file->parent(m_file->node(boneName(finger, number))),
+                         m_file->node(boneName(finger, number - 1)));
         }
         // In metres, as the format has it: the hand is 18 centimetres long, not 18 metres.
         const Eigen::Vector3d wrist = m_file->worldPosition(m_file->node("palm"));
@@ -164,8 +166,9 @@ private slots:
         }
         // The tip of the middle finger is the furthest point, and its last bone has it to itself.
         const auto points = m_file->restPositions(mesh());
-        const auto tip = std::max_element(points.begin(), points.end(),
-                                          [](const Eigen::Vector3d &a, const Eigen::Vector3d &b) { return a.x() < b.x(); });
+        const auto tip =
+            std::max_element(points.begin(), points.end(),
+                             [](const Eigen::Vector3d &a, const Eigen::Vector3d &b) { return a.x() < b.x(); });
         const auto shares = m_file->influences(mesh())[std::size_t(tip - points.begin())];
         QVERIFY(shares.size() <= 2);
         QVERIFY(std::any_of(shares.begin(), shares.end(), [&](const GltfInfluence &influence) {

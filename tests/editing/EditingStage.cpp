@@ -1,13 +1,13 @@
 #include "EditingStage.h"
 
+#include "rycore/automation/RyActionRunner.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/automation/RyActionRunner.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyViewportMgr.h"
 
 #include <QCoreApplication>
@@ -66,7 +66,8 @@ void EditingStage::select(const std::vector<RyNode *> &nodes)
     QCoreApplication::sendPostedEvents();
 }
 
-QString EditingStage::run(const char *action, const QHash<QString, QString> &fields, const QHash<QString, QString> &answers)
+QString EditingStage::run(const char *action, const QHash<QString, QString> &fields,
+                          const QHash<QString, QString> &answers)
 {
     RyActionRunner runner(m_window->getActionMgr());
     for (auto field = fields.constBegin(); field != fields.constEnd(); ++field)

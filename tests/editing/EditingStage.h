@@ -26,8 +26,8 @@ public:
     int handle = 0;
 };
 
-/// The application's scene with a file in it, and a main window with the built plug-in, its tool active: what a person has before
-/// them, without a display.
+/// The application's scene with a file in it, and a main window with the built plug-in, its tool active: what a person
+/// has before them, without a display.
 class EditingStage
 {
 public:
@@ -41,9 +41,10 @@ public:
     /// Selects in this order and lets the tool take the last one.
     void select(const std::vector<RyNode *> &nodes);
 
-    /// Runs an action by its class name as a person would. `fields`: object names and values of its dialog. `answers`: titles
-    /// of message boxes and buttons. Empty when it ran; otherwise why not.
-    QString run(const char *action, const QHash<QString, QString> &fields = {}, const QHash<QString, QString> &answers = {});
+    /// Runs an action by its class name as a person would. `fields`: object names and values of its dialog. `answers`:
+    /// titles of message boxes and buttons. Empty when it ran; otherwise why not.
+    QString run(const char *action, const QHash<QString, QString> &fields = {},
+                const QHash<QString, QString> &answers = {});
     /// Mouse work at a handle of the current node: press, moves to each point, release; or a right click in the middle.
     void drag(int handle, const std::vector<QPoint> &path, Qt::KeyboardModifiers modifiers, bool cancel);
     void controlClick(const QPoint &point);

@@ -4,19 +4,19 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 namespace {
 
 constexpr int MostBones = 90;
 constexpr int MostPoints = 40;
 constexpr int DragHandles[] = {1, 2, 41, 42, 43, 44, 45, 46};
-const char *const quietActions[] = {
-    "RyJEAlignNodeAction",        "RyJEAlignAllBonesAction",    "RyJESnapCenterPointAction",
-    "RyJESnapEndPointAction",     "RyJERotationOrderXYZAction", "RyJERotationOrderXZYAction",
-    "RyJERotationOrderYXZAction", "RyJERotationOrderYZXAction", "RyJERotationOrderZXYAction",
-    "RyJERotationOrderZYXAction"};
+const char *const quietActions[] = {"RyJEAlignNodeAction",        "RyJEAlignAllBonesAction",
+                                    "RyJESnapCenterPointAction",  "RyJESnapEndPointAction",
+                                    "RyJERotationOrderXYZAction", "RyJERotationOrderXZYAction",
+                                    "RyJERotationOrderYXZAction", "RyJERotationOrderYZXAction",
+                                    "RyJERotationOrderZXYAction", "RyJERotationOrderZYXAction"};
 const char *const switches[] = {"RyJETogglePropagateTranslationAction", "RyJEToggleViewBoneCreationAction",
                                 "RyJEToggleAutoAlignNodeAction", "RyJEToggleAutoSnapEndPointsAction"};
 const char *const attributeRows[] = {"CenterX", "CenterY", "CenterZ", "EndX", "EndY", "EndZ"};
@@ -55,7 +55,8 @@ QString RandomEdits::compareAt(int index, const QString &doing) const
     if (index < m_history.floor || index >= int(m_history.dumps.size()))
         return {};
     const QString difference = firstDifference(m_history.dumps[size_t(index)], content(m_stage.dump()));
-    return difference.isEmpty() ? QString() : QStringLiteral("%1, at step %2: %3").arg(doing).arg(index).arg(difference);
+    return difference.isEmpty() ? QString()
+                                : QStringLiteral("%1, at step %2: %3").arg(doing).arg(index).arg(difference);
 }
 
 QString RandomEdits::selectSome()
@@ -76,11 +77,13 @@ QString RandomEdits::selectSome()
     return QStringLiteral("select");
 }
 
-QString RandomEdits::runAction(const char *action, const QHash<QString, QString> &fields, const QHash<QString, QString> &answers)
+QString RandomEdits::runAction(const char *action, const QHash<QString, QString> &fields,
+                               const QHash<QString, QString> &answers)
 {
     const QString refusal = m_stage.run(action, fields, answers);
     m_refused += refusal.isEmpty() ? 0 : 1;
-    return QStringLiteral("%1%2").arg(QLatin1String(action), refusal.isEmpty() ? QString() : QStringLiteral(" (") + refusal + QLatin1Char(')'));
+    return QStringLiteral("%1%2").arg(
+        QLatin1String(action), refusal.isEmpty() ? QString() : QStringLiteral(" (") + refusal + QLatin1Char(')'));
 }
 
 QString RandomEdits::dragSomething()
@@ -124,20 +127,23 @@ QString RandomEdits::edit()
     if (kind < 88)
         return runAction("RyJEDuplicateBonesAction");
     if (kind < 91) {
-        return runAction("RyJECreateBoneAction", {{QStringLiteral("JointEditorCreateBoneNameLEdit"), name},
-                                                  {QStringLiteral("JointEditorCreateBoneLabelLEdit"), name},
-                                                  {QStringLiteral("JointEditorCreateBoneRotationOrderCmb"), QString::number(pick(6))}});
+        return runAction("RyJECreateBoneAction",
+                         {{QStringLiteral("JointEditorCreateBoneNameLEdit"), name},
+                          {QStringLiteral("JointEditorCreateBoneLabelLEdit"), name},
+                          {QStringLiteral("JointEditorCreateBoneRotationOrderCmb"), QString::number(pick(6))}});
     }
     if (kind < 94) {
         const std::vector<RyBone *> bones = m_stage.bones();
         const RyBone *parent = bones[size_t(pick(int(bones.size())))];
-        return runAction("RyJEReparentBoneAction", {{QStringLiteral("NodeDlgTree"), parent->getName()}},
-                         {{QStringLiteral("Reparenting Warning"), chance(80) ? QStringLiteral("Ok") : QStringLiteral("Cancel")}});
+        return runAction(
+            "RyJEReparentBoneAction", {{QStringLiteral("NodeDlgTree"), parent->getName()}},
+            {{QStringLiteral("Reparenting Warning"), chance(80) ? QStringLiteral("Ok") : QStringLiteral("Cancel")}});
     }
     if (kind < 97) {
         const QString row = QLatin1String(attributeRows[size_t(pick(int(std::size(attributeRows))))]);
-        QHash<QString, QString> fields = {{QStringLiteral("NodeAttributesEdit%1SBox").arg(row), QString::number(pick(900) / 10.0)},
-                                          {QStringLiteral("NodeAttributesEdit%1Cbx").arg(row), QStringLiteral("true")}};
+        QHash<QString, QString> fields = {
+            {QStringLiteral("NodeAttributesEdit%1SBox").arg(row), QString::number(pick(900) / 10.0)},
+            {QStringLiteral("NodeAttributesEdit%1Cbx").arg(row), QStringLiteral("true")}};
         if (chance(50))
             fields.insert(QStringLiteral("NodeAttributesAdjustValueBtn"), QStringLiteral("true"));
         return runAction("RyJESelectedNodesAttributesEditAction", fields);
@@ -165,7 +171,8 @@ QString RandomEdits::account(const QString &doing)
     if (stack->index() == m_indexBefore) {
         const QString difference = firstDifference(content(m_before), content(after));
         return difference.isEmpty() ? QString()
-                                    : QStringLiteral("%1 changed the scene and left neither step nor restore point: %2").arg(doing, difference);
+                                    : QStringLiteral("%1 changed the scene and left neither step nor restore point: %2")
+                                          .arg(doing, difference);
     }
     if (stack->index() != m_indexBefore + 1)
         return QStringLiteral("%1 led from step %2 to %3").arg(doing).arg(m_indexBefore).arg(stack->index());
@@ -211,13 +218,19 @@ QString RandomEdits::restore(int point)
     if (!difference.isEmpty())
         return QStringLiteral("%1: %2").arg(doing, difference);
     if (ryUndoStack()->index() != target.index)
-        return QStringLiteral("%1 brings step %2 back, not %3").arg(doing).arg(ryUndoStack()->index()).arg(target.index);
+        return QStringLiteral("%1 brings step %2 back, not %3")
+            .arg(doing)
+            .arg(ryUndoStack()->index())
+            .arg(target.index);
     m_history = target.history;
     // The point is used up; the way back is the newest now.
     m_points.erase(m_points.begin() + point);
     m_points.push_back(present);
     if (ryRestorePoints()->count() != int(m_points.size()))
-        return QStringLiteral("%1 leaves %2 restore points, not %3").arg(doing).arg(ryRestorePoints()->count()).arg(m_points.size());
+        return QStringLiteral("%1 leaves %2 restore points, not %3")
+            .arg(doing)
+            .arg(ryRestorePoints()->count())
+            .arg(m_points.size());
     return {};
 }
 
@@ -245,7 +258,8 @@ QStringList RandomEdits::stillAlive() const
     QStringList alive;
     for (const auto &[address, object] : m_watched) {
         if (object)
-            alive.append(QStringLiteral("%1 \"%2\"").arg(QString::fromLatin1(object->metaObject()->className()), object->objectName()));
+            alive.append(QStringLiteral("%1 \"%2\"")
+                             .arg(QString::fromLatin1(object->metaObject()->className()), object->objectName()));
     }
     return alive;
 }

@@ -8,22 +8,25 @@
 #include <random>
 #include <unordered_map>
 
-/// Edits at random as a person could make them, with what every state must look like after undo, redo and going back to a
-/// restore point.
+/// Edits at random as a person could make them, with what every state must look like after undo, redo and going back to
+/// a restore point.
 ///
-/// Where a step was made, the dump is kept for its index. Where a command left a restore point, the whole state is put aside
-/// with the dumps of its history, and a new history begins: older steps survive such a command, but lead elsewhere.
+/// Where a step was made, the dump is kept for its index. Where a command left a restore point, the whole state is put
+/// aside with the dumps of its history, and a new history begins: older steps survive such a command, but lead
+/// elsewhere.
 class RandomEdits
 {
 public:
     RandomEdits(EditingStage &stage, unsigned seed);
 
-    /// One edit, undo, redo or return to a restore point. Empty when all is as it must be; otherwise what was done and what is wrong.
+    /// One edit, undo, redo or return to a restore point. Empty when all is as it must be; otherwise what was done and
+    /// what is wrong.
     QString next();
     /// Undoes everything that can be undone and goes back through all restore points, comparing each state.
     QString unwind();
 
-    /// Watches the nodes, bindings and maps that there are now; `stillAlive` names those that live of all that were ever watched.
+    /// Watches the nodes, bindings and maps that there are now; `stillAlive` names those that live of all that were
+    /// ever watched.
     void watch();
     QStringList stillAlive() const;
 
@@ -49,7 +52,8 @@ private:
     bool chance(int percent) { return pick(100) < percent; }
     QString edit();
     QString selectSome();
-    QString runAction(const char *action, const QHash<QString, QString> &fields = {}, const QHash<QString, QString> &answers = {});
+    QString runAction(const char *action, const QHash<QString, QString> &fields = {},
+                      const QHash<QString, QString> &answers = {});
     QString dragSomething();
     QString moveInHistory();
     QString restore(int point);

@@ -57,7 +57,10 @@ QString weightsAreWhole(const WeightSums &before, const WeightSums &after)
             const int is = after[kind][v];
             if (is != FullWeight && !(is == 0 && was == 0)) {
                 return QStringLiteral("%1 weights of vertex %2 sum to %3, before to %4")
-                    .arg(QLatin1String(kindNames[kind])).arg(v).arg(is).arg(was);
+                    .arg(QLatin1String(kindNames[kind]))
+                    .arg(v)
+                    .arg(is)
+                    .arg(was);
             }
         }
     }
@@ -130,8 +133,11 @@ RyBone *receiverOf(const RyBone *deleted)
     const RySkinBinding *skin = RySkinBinding::findSkinFromNode(deleted);
     if (!skin)
         return nullptr;
-    const auto bound = [skin](RyNode *node) { return skin->findBoneBinding(node) ? qobject_cast<RyBone *>(node) : nullptr; };
-    for (RyNode *node = deleted->getNodeParent(); node && !qobject_cast<RySkeleton *>(node); node = node->getNodeParent()) {
+    const auto bound = [skin](RyNode *node) {
+        return skin->findBoneBinding(node) ? qobject_cast<RyBone *>(node) : nullptr;
+    };
+    for (RyNode *node = deleted->getNodeParent(); node && !qobject_cast<RySkeleton *>(node);
+         node = node->getNodeParent()) {
         if (RyBone *bone = bound(node))
             return bone;
     }

@@ -18,7 +18,8 @@ namespace RigChecks {
 
 /// General, local X, Y, Z and scale weights.
 constexpr int Kinds = 5;
-/// For each kind the sum of each vertex' weights over all bindings; an entry is empty where no binding has maps of the kind.
+/// For each kind the sum of each vertex' weights over all bindings; an entry is empty where no binding has maps of the
+/// kind.
 using WeightSums = std::array<std::vector<int>, Kinds>;
 WeightSums weightSums(const RySkinBinding &skin);
 
@@ -33,8 +34,8 @@ QString namesAreUnique(const RySkeleton &skeleton);
 /// Bones are in the scene, parents list their children, children know their parents.
 QString treeIsSound(const RySkeleton &skeleton);
 
-/// Who gets the weights of a bone that is deleted: the nearest bone above it that is bound; where the skeleton comes first, the
-/// first of its own children that is. Null: nobody, and they go.
+/// Who gets the weights of a bone that is deleted: the nearest bone above it that is bound; where the skeleton comes
+/// first, the first of its own children that is. Null: nobody, and they go.
 RyBone *receiverOf(const RyBone *deleted);
 
 /// The sums of all skins of a scene, to compare with later.

@@ -2,11 +2,12 @@
 
 #include "RandomEdits.h"
 
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 
-/// Thousands of edits at random with undo, redo and restore points in between: every state that was left comes back as it was.
+/// Thousands of edits at random with undo, redo and restore points in between: every state that was left comes back as
+/// it was.
 class RandomEditingTest : public QObject
 {
     Q_OBJECT
@@ -40,12 +41,13 @@ void RandomEditingTest::everyStateComesBack()
     RandomEdits random(*stage, ryTestSeed());
     for (int i = 0; i < edits; ++i) {
         const QString wrong = random.next();
-        QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("edit %1 of seed %2: %3").arg(i).arg(ryTestSeed()).arg(wrong)));
+        QVERIFY2(wrong.isEmpty(),
+                 qPrintable(QStringLiteral("edit %1 of seed %2: %3").arg(i).arg(ryTestSeed()).arg(wrong)));
     }
     const QString wrong = random.unwind();
     QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(ryTestSeed()).arg(wrong)));
-    qInfo("%d steps, %d restore points taken, %d gone back to, %d actions refused", random.steps(), random.pointsTaken(),
-          random.restored(), random.refused());
+    qInfo("%d steps, %d restore points taken, %d gone back to, %d actions refused", random.steps(),
+          random.pointsTaken(), random.restored(), random.refused());
     QVERIFY(!random.stillAlive().isEmpty());
     stage.reset();
     QCOMPARE(random.stillAlive(), QStringList());

@@ -12,8 +12,8 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <functional>
 
@@ -133,7 +133,8 @@ void StructuralActionsTest::eachBone()
         stage.select({bone});
         const QString before = stage.dump();
         auto sums = RigChecks::allWeightSums(*ryScene());
-        if (QLatin1String(structurals[structural].action) == QLatin1String("RyJEDeleteBoneAction") && !RigChecks::receiverOf(bone))
+        if (QLatin1String(structurals[structural].action) == QLatin1String("RyJEDeleteBoneAction") &&
+            !RigChecks::receiverOf(bone))
             sums.clear(); // its weights go with it
         const int points = ryRestorePoints()->count();
         const QString refusal = runOn(stage, structurals[structural], bone, i);
@@ -200,7 +201,9 @@ void StructuralActionsTest::deletedWeightsGoToTheReceiver()
         const RyBone *receiver = RigChecks::receiverOf(bone);
         if (!receiver)
             continue;
-        const auto weightOf = [&](const RyBone *of, int vertex) { return int(skin->findBoneBinding(of)->getWeights()->getWeight(vertex)); };
+        const auto weightOf = [&](const RyBone *of, int vertex) {
+            return int(skin->findBoneBinding(of)->getWeights()->getWeight(vertex));
+        };
         const int vertices = own->getWeights()->getNumWeights();
         std::vector<int> expected(static_cast<size_t>(vertices));
         for (int v = 0; v < vertices; ++v)
@@ -210,8 +213,11 @@ void StructuralActionsTest::deletedWeightsGoToTheReceiver()
         QVERIFY2(refusal.isEmpty(), qPrintable(refusal));
         for (int v = 0; v < vertices; ++v) {
             if (weightOf(receiver, v) != expected[size_t(v)])
-                QFAIL(qPrintable(QStringLiteral("vertex %1 of \"%2\": %3 instead of %4").arg(v).arg(receiver->getName())
-                                     .arg(weightOf(receiver, v)).arg(expected[size_t(v)])));
+                QFAIL(qPrintable(QStringLiteral("vertex %1 of \"%2\": %3 instead of %4")
+                                     .arg(v)
+                                     .arg(receiver->getName())
+                                     .arg(weightOf(receiver, v))
+                                     .arg(expected[size_t(v)])));
         }
         QVERIFY(ryRestorePoints()->restore(0));
     }

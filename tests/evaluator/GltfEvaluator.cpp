@@ -50,7 +50,7 @@ Eigen::Matrix4d ownLocalMatrix(const json &node)
     const double x = r[0] * n, y = r[1] * n, z = r[2] * n, w = length > 0 ? r[3] * n : 1.0;
     Eigen::Matrix4d m = Eigen::Matrix4d::Identity();
     m.topLeftCorner<3, 3>() << 1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w), //
-        2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w), //
+        2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w),                        //
         2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y);
     for (int k = 0; k < 3; ++k) {
         m.col(k).head<3>() *= s[std::size_t(k)];
@@ -155,8 +155,7 @@ struct GltfEvaluator::Data
     }
 };
 
-GltfEvaluator::GltfEvaluator(const std::string &path)
-    : d(std::make_unique<Data>())
+GltfEvaluator::GltfEvaluator(const std::string &path) : d(std::make_unique<Data>())
 {
     try {
         d->file = readGltfFile(path);
@@ -265,7 +264,8 @@ const std::vector<GltfPrimitive> &GltfEvaluator::primitives() const
 
 std::vector<Eigen::Vector3d> GltfEvaluator::restPositions(const GltfPrimitive &primitive) const
 {
-    const GltfTable table = readGltfAccessor(d->file, d->primitive(primitive).at("attributes").at("POSITION").get<int>());
+    const GltfTable table =
+        readGltfAccessor(d->file, d->primitive(primitive).at("attributes").at("POSITION").get<int>());
     if (table.components != 3)
         fail("positions have not three numbers");
     std::vector<Eigen::Vector3d> points(table.count);

@@ -39,7 +39,7 @@ struct GltfCounts
 {
     std::size_t vertices = 0; ///< POSITION entries of all instanced primitives
     std::size_t triangles = 0;
-    std::size_t joints = 0; ///< distinct joint nodes
+    std::size_t joints = 0;        ///< distinct joint nodes
     std::size_t maxInfluences = 0; ///< weights above zero at one vertex
 };
 
@@ -100,7 +100,7 @@ private:
 /// The largest distance between two points of the same index; infinite when the counts differ.
 double gltfMaxDistance(const std::vector<Eigen::Vector3d> &a, const std::vector<Eigen::Vector3d> &b);
 
-/// Where two JSON trees differ, as JSON pointers, except at or below one of the paths to leave out. There `*` stands for any
-/// one step: "/nodes/*/rotation". Numbers are equal when their values are.
+/// Where two JSON trees differ, as JSON pointers, except at or below one of the paths to leave out. There `*` stands
+/// for any one step: "/nodes/*/rotation". Numbers are equal when their values are.
 std::vector<std::string> gltfDifferences(const nlohmann::json &a, const nlohmann::json &b,
                                          const std::vector<std::string> &leaveOut = {});

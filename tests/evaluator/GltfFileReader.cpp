@@ -246,8 +246,8 @@ std::string readGltfAccessorBytes(const GltfFileData &file, int index)
         fail("negative accessor index");
     const json &accessor = element(file, "accessors", std::size_t(index));
     const std::size_t count = accessor.at("count").get<std::size_t>();
-    const std::size_t size = elementSize(accessor.at("type").get<std::string>(),
-                                         componentSize(accessor.at("componentType").get<int>()));
+    const std::size_t size =
+        elementSize(accessor.at("type").get<std::string>(), componentSize(accessor.at("componentType").get<int>()));
     if (!accessor.contains("bufferView")) {
         if (count > (std::size_t(1) << 28) / size)
             fail("an accessor without data is too large");

@@ -23,10 +23,7 @@ struct GltfTable
     std::size_t components = 0;
     std::vector<double> values;
 
-    const double *row(std::size_t index) const
-    {
-        return values.data() + index * components;
-    }
+    const double *row(std::size_t index) const { return values.data() + index * components; }
 };
 
 /// Throws std::runtime_error where the accessor reaches beyond its view or the view beyond its buffer.

@@ -20,8 +20,8 @@ using nlohmann::json;
 
 namespace {
 
-/// A file that can be checked by hand: a strip of three points along +Y with two joints, `low` at the origin and `high` one
-/// unit above, below a root that stands at x = 10. Point 0 follows low, point 2 follows high, point 1 both.
+/// A file that can be checked by hand: a strip of three points along +Y with two joints, `low` at the origin and `high`
+/// one unit above, below a root that stands at x = 10. Point 0 follows low, point 2 follows high, point 1 both.
 class TwoJoints
 {
 public:
@@ -39,7 +39,7 @@ public:
         // Not normalised on purpose: 1 and 3 of 4.
         const int weights = add<float>({1, 0, 0, 0, 0.25f, 0.75f, 0, 0, 2, 0, 0, 0}, 5126, "VEC4");
         const int indices = add<std::uint16_t>({0, 1, 2}, 5123, "SCALAR");
-        const int binds = add<float>({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, //
+        const int binds = add<float>({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0,  0, 1, //
                                       1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -1, 0, 1},
                                      5126, "MAT4");
         tree["meshes"] = {{{"name", "strip"},
@@ -69,8 +69,8 @@ public:
     {
         json copy = tree;
         const QByteArray encoded = QByteArray::fromStdString(data).toBase64();
-        copy["buffers"] = {{{"byteLength", data.size()},
-                            {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}};
+        copy["buffers"] = {
+            {{"byteLength", data.size()}, {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}};
         return open("figure.gltf", copy.dump());
     }
 
@@ -98,10 +98,7 @@ public:
                number(bin.size()) + std::string("BIN\0", 4) + bin;
     }
 
-    GltfEvaluator asBinary() const
-    {
-        return open("figure.glb", binary());
-    }
+    GltfEvaluator asBinary() const { return open("figure.glb", binary()); }
 
     GltfEvaluator open(const QString &name, const std::string &bytes) const
     {
@@ -302,14 +299,15 @@ private slots:
         const TwoJoints source;
         const std::string whole = source.binary();
         QVERIFY(source.open("whole.glb", whole).nodeCount() == 4);
-        for (std::size_t length : {std::size_t(0), std::size_t(3), std::size_t(11), std::size_t(40), whole.size() / 2,
-                                   whole.size() - 1})
+        for (std::size_t length :
+             {std::size_t(0), std::size_t(3), std::size_t(11), std::size_t(40), whole.size() / 2, whole.size() - 1})
             QVERIFY_EXCEPTION_THROWN(source.open("cut.glb", whole.substr(0, length)), std::runtime_error);
     }
 
     void differencesOfTrees()
     {
-        const json a = {{"nodes", {{{"name", "a"}, {"rotation", {0, 0, 0, 1}}}, {{"name", "b"}}}}, {"extras", {{"k", 1}}}};
+        const json a = {{"nodes", {{{"name", "a"}, {"rotation", {0, 0, 0, 1}}}, {{"name", "b"}}}},
+                        {"extras", {{"k", 1}}}};
         json b = a;
         QVERIFY(gltfDifferences(a, b).empty());
         b["nodes"][0]["rotation"][3] = 1.0;

@@ -28,10 +28,7 @@ class SampleFigureTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        m_file = std::make_unique<GltfEvaluator>(samplePath);
-    }
+    void initTestCase() { m_file = std::make_unique<GltfEvaluator>(samplePath); }
 
     void counts()
     {
@@ -176,7 +173,8 @@ private slots:
         QVERIFY(gltfMaxDistance(made.restPositions(primitive), m_file->restPositions(primitive)) < 1e-6);
         GltfPose pose;
         for (const char *name : {"lShldr", "rThigh", "lIndex2", "neck"})
-            pose.turn[m_file->node(name)] = Eigen::AngleAxisd(0.7, Eigen::Vector3d(1, 2, 3).normalized()).toRotationMatrix();
+            pose.turn[m_file->node(name)] =
+                Eigen::AngleAxisd(0.7, Eigen::Vector3d(1, 2, 3).normalized()).toRotationMatrix();
         QVERIFY(gltfMaxDistance(made.allPositions(pose), m_file->allPositions(pose)) < 1e-4);
     }
 

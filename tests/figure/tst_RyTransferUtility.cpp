@@ -12,11 +12,11 @@ private slots:
     void bonesWithoutUseGo()
     {
         FigureScene scene;
-        RyBone *hip = scene.addBone("hip", scene.figure, 0);           // above a used one
-        RyBone *spine = scene.addBone("spine", hip, 100);              // weights
-        RyBone *neck = scene.addBone("neck", spine, 0);                // nothing
-        scene.addBone("nub", neck, -1);                                // no binding
-        RyBone *arm = scene.addBone("arm", hip, 0);                    // a prop hangs two bones further down
+        RyBone *hip = scene.addBone("hip", scene.figure, 0); // above a used one
+        RyBone *spine = scene.addBone("spine", hip, 100);    // weights
+        RyBone *neck = scene.addBone("neck", spine, 0);      // nothing
+        scene.addBone("nub", neck, -1);                      // no binding
+        RyBone *arm = scene.addBone("arm", hip, 0);          // a prop hangs two bones further down
         RyBone *wrist = scene.addBone("wrist", arm, -1);
         RyBone *tip = scene.addBone("tip", wrist, 0);
         wrist->addNodeChild(new RyNode);
@@ -62,8 +62,8 @@ private slots:
     {
         FigureScene scene;
         RyBone *hip = scene.addBone("hip", scene.figure, 100);
-        RyBone *moves = scene.addBone("moves", hip, -1);   // bound by the inner skin alone
-        RyBone *idle = scene.addBone("idle", hip, -1);     // bound there without weight
+        RyBone *moves = scene.addBone("moves", hip, -1); // bound by the inner skin alone
+        RyBone *idle = scene.addBone("idle", hip, -1);   // bound there without weight
         auto *inner = new RyFigure;
         auto *object = new RyObject;
         auto *innerSkin = new RySkinBinding;

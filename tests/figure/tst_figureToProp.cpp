@@ -76,7 +76,8 @@ private slots:
     void charactersThereAndBack_data()
     {
         QTest::addColumn<QString>("file");
-        for (const char *name : {"CesiumMan.glb", "Fox.glb", "RiggedSimple.gltf", "mh_default_rig.glb", "kaykit_knight.glb"})
+        for (const char *name :
+             {"CesiumMan.glb", "Fox.glb", "RiggedSimple.gltf", "mh_default_rig.glb", "kaykit_knight.glb"})
             QTest::newRow(name) << QString(name);
     }
     void charactersThereAndBack()

@@ -31,7 +31,8 @@ private slots:
         QStringList lines;
         for (const CommandList::Command &command : m_list->commands())
             lines.append(command.path + QLatin1Char('|') + command.name);
-        QCOMPARE(lines, QStringList({"Rig > Edit|Align Node", "Rig > Edit|Auto Align", "Rig|Snap", "Rig|Remove", "Rig|Ask"}));
+        QCOMPARE(lines,
+                 QStringList({"Rig > Edit|Align Node", "Rig > Edit|Auto Align", "Rig|Snap", "Rig|Remove", "Rig|Ask"}));
     }
 
     void ranking()

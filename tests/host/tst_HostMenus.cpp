@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/automation/RyActionRunner.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
@@ -9,19 +10,18 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/automation/RyActionRunner.h"
 #include "rycore/ui/RyMenu.h"
 #include "rycore/ui/RyViewToolAction.h"
-#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostWindow.h"
 #include "ryhost/demo/PointerDriver.h"
 #include "ryhost/panes/ToolSettingsPane.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostWindow.h"
 #include "ryhost/window/menuText.h"
 
 #include <QActionGroup>
@@ -98,7 +98,8 @@ private slots:
         m_window->getViewportMgr()->setActiveTool(m_window->getViewportMgr()->findTool(QStringLiteral("RySelectTool")));
         QVERIFY(!button->isVisible());
         QVERIFY(!m_window->findChild<RyMenu *>(QStringLiteral("ActiveToolMenu"))->menuAction()->isVisible());
-        m_window->getViewportMgr()->setActiveTool(m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool")));
+        m_window->getViewportMgr()->setActiveTool(
+            m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool")));
         QVERIFY(button->isVisible());
         QCOMPARE(m_window->findChild<RyMenu *>(QStringLiteral("ActiveToolMenu"))->describe(), lines);
     }
@@ -138,7 +139,8 @@ private slots:
                     QVERIFY2(!entry->property("unavailableReason").toString().isEmpty(), what.constData());
                     QVERIFY2(entry->statusTip() == entry->property("unavailableReason").toString(), what.constData());
                 }
-                if (entry->isSeparator() || (entry->menu() && entry->menu()->actions().size() > 0) || !entry->isEnabled())
+                if (entry->isSeparator() || (entry->menu() && entry->menu()->actions().size() > 0) ||
+                    !entry->isEnabled())
                     continue;
                 QVERIFY2(doesSomething(entry), what.constData());
                 QVERIFY2(!entry->statusTip().isEmpty(), what.constData());
@@ -171,7 +173,8 @@ private slots:
         for (const RyAction *action : m_window->getActionMgr()->getActions()) {
             // What is to come says so and cannot be run.
             if (!action->unavailableReason().startsWith(QLatin1String("Not available yet")))
-                QTest::newRow(action->metaObject()->className()) << QString::fromLatin1(action->metaObject()->className());
+                QTest::newRow(action->metaObject()->className())
+                    << QString::fromLatin1(action->metaObject()->className());
         }
     }
 
@@ -180,8 +183,9 @@ private slots:
         QFETCH(QString, className);
         const QString figure = ryScene()->getSkeletons().front()->getName();
         bool isAlive = false;
-        for (const QStringList &selected : {QStringList{QStringLiteral("lForearm")}, QStringList{QStringLiteral("lForearm"), QStringLiteral("rForearm")},
-                                            QStringList{figure}, QStringList{}})
+        for (const QStringList &selected :
+             {QStringList{QStringLiteral("lForearm")},
+              QStringList{QStringLiteral("lForearm"), QStringLiteral("rForearm")}, QStringList{figure}, QStringList{}})
             isAlive = isAlive || hasEffect(className, selected);
         if (qobject_cast<RyViewToolAction *>(m_window->getActionMgr()->findAction(className))) {
             RyViewportMgr *viewports = m_window->getViewportMgr();
@@ -210,11 +214,13 @@ private slots:
         for (const QAction *action : qAsConst(actions)) {
             for (const QKeySequence &key : action->shortcuts()) {
                 const QString text = key.toString();
-                QVERIFY2(!keys.contains(text), qPrintable(text + QStringLiteral(": ") + action->text() + QStringLiteral(" and ") + keys.value(text)));
+                QVERIFY2(!keys.contains(text), qPrintable(text + QStringLiteral(": ") + action->text() +
+                                                          QStringLiteral(" and ") + keys.value(text)));
                 keys.insert(text, action->text());
             }
         }
-        for (const char *key : {"Shift+Alt+J", "F3", "Ctrl+Shift+P", "F1", "Ctrl+Z", "Ctrl+Shift+Z", "Ctrl+S", "Ctrl+O"})
+        for (const char *key :
+             {"Shift+Alt+J", "F3", "Ctrl+Shift+P", "F1", "Ctrl+Z", "Ctrl+Shift+Z", "Ctrl+S", "Ctrl+O"})
             QVERIFY2(keys.contains(QKeySequence(QString::fromLatin1(key)).toString()), key);
     }
 
@@ -275,7 +281,8 @@ private slots:
             action->setEnabled(true);
         }
         QStringList names;
-        for (const CommandList::Command &command : m_window->actionSearch()->commands().find(QString::fromLatin1(QTest::currentDataTag())))
+        for (const CommandList::Command &command :
+             m_window->actionSearch()->commands().find(QString::fromLatin1(QTest::currentDataTag())))
             names.append(command.name);
         for (RyAction *action : disabled)
             action->setEnabled(false);
@@ -287,7 +294,8 @@ private slots:
         QTest::addColumn<int>("key");
         QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
         QTest::newRow("F3") << int(Qt::Key_F3) << Qt::KeyboardModifiers();
-        QTest::newRow("Ctrl+Shift+P") << int(Qt::Key_P) << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
+        QTest::newRow("Ctrl+Shift+P") << int(Qt::Key_P)
+                                      << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
     }
 
     void searchWithTheKeyboard()
@@ -313,7 +321,8 @@ private slots:
         press(Qt::Key_Down);
         QCOMPARE(search->results()->currentIndex().data().toString(), QStringLiteral("YXZ"));
         QCOMPARE(search->text(), QStringLiteral("rotation order"));
-        QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("Modifies the rotation order of the selected node."));
+        QCOMPARE(m_window->statusBar()->currentMessage(),
+                 QStringLiteral("Modifies the rotation order of the selected node."));
         bool isBack = false;
         const auto watch = connect(qApp, &QApplication::focusChanged, this,
                                    [&](QWidget *, QWidget *now) { isBack = isBack || now == m_window->viewport(); });
@@ -336,7 +345,8 @@ private slots:
         QCOMPARE(rows->rowCount(), 1);
         QCOMPARE(rows->index(0, 0).data().toString(), QStringLiteral("Align All Bones"));
         QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEnabled));
-        QCOMPARE(rows->index(0, 1).data().toString(), QStringLiteral("Joint Editor > Align - Select a bone or a figure first."));
+        QCOMPARE(rows->index(0, 1).data().toString(),
+                 QStringLiteral("Joint Editor > Align - Select a bone or a figure first."));
         press(Qt::Key_Return);
         QCoreApplication::processEvents();
         QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("Select a bone or a figure first."));
@@ -359,7 +369,8 @@ private slots:
         const QAbstractItemModel *rows = search->results()->model();
         QCOMPARE(rows->index(0, 0).data().toString(), QStringLiteral("Joint Editor"));
         QCOMPARE(rows->index(0, 1).data().toString(), QStringLiteral("Tools"));
-        QCOMPARE(rows->index(0, 2).data().toString(), QKeySequence(QStringLiteral("Alt+Shift+J")).toString(QKeySequence::NativeText));
+        QCOMPARE(rows->index(0, 2).data().toString(),
+                 QKeySequence(QStringLiteral("Alt+Shift+J")).toString(QKeySequence::NativeText));
         press(Qt::Key_Escape);
     }
 
@@ -383,7 +394,10 @@ private:
     }
     static int receiversOf(const QAction *action, const char *signal)
     {
-        struct Spy : QAction { using QAction::receivers; };
+        struct Spy : QAction
+        {
+            using QAction::receivers;
+        };
         int (QObject::*const receivers)(const char *) const = &Spy::receivers;
         return (action->*receivers)(signal);
     }
@@ -415,7 +429,8 @@ private:
             return true;
         if (const auto *action = qobject_cast<const RyAction *>(entry)) {
             const QMetaObject *metaObject = action->metaObject();
-            return metaObject->method(metaObject->indexOfSlot("executeAction()")).enclosingMetaObject() != &RyAction::staticMetaObject;
+            return metaObject->method(metaObject->indexOfSlot("executeAction()")).enclosingMetaObject() !=
+                   &RyAction::staticMetaObject;
         }
         return listenersOf(entry, SIGNAL(triggered(bool))) > 0;
     }

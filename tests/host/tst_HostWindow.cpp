@@ -14,13 +14,13 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostMenus.h"
-#include "ryhost/window/HostWindow.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
+#include "ryhost/window/HostFiles.h"
+#include "ryhost/window/HostMenus.h"
+#include "ryhost/window/HostWindow.h"
 #include "ryhost/window/ToolStrip.h"
 
 #include <QDockWidget>
@@ -75,7 +75,8 @@ private slots:
         QVERIFY(!m_window->isWindowModified());
         QVERIFY(m_window->getViewportMgr()->getActiveTool());
         QVERIFY(!m_window->statusLabel()->text().isEmpty());
-        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("UnitStatus"))->text(), QStringLiteral("1 file unit = 100 cm"));
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("UnitStatus"))->text(),
+                 QStringLiteral("1 file unit = 100 cm"));
         QPointF head, foot;
         const RyNode *figure = m_scene->getSkeletons().at(0);
         QVERIFY(figure);
@@ -94,8 +95,8 @@ private slots:
     {
         for (const QDockWidget *dock : m_window->docks())
             QVERIFY(!dock->objectName().isEmpty());
-        for (const char *name : {"SceneTree", "SceneFilter", "ParametersPane", "ToolSettingsPane", "Viewport", "ToolStrip",
-                                 "StatusText", "ActionSearch", "PoseXRotate"})
+        for (const char *name : {"SceneTree", "SceneFilter", "ParametersPane", "ToolSettingsPane", "Viewport",
+                                 "ToolStrip", "StatusText", "ActionSearch", "PoseXRotate"})
             QVERIFY2(m_window->findChild<QWidget *>(QString::fromLatin1(name)), name);
     }
 
@@ -106,9 +107,11 @@ private slots:
         m_scene->setSelection({hip, forearm});
         QCOMPARE(tree()->selectionModel()->selectedRows().size(), 2);
         QCOMPARE(tree()->currentIndex(), indexOf(forearm));
-        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier, tree()->visualRect(indexOf(hip)).center());
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          tree()->visualRect(indexOf(hip)).center());
         QCOMPARE(m_scene->selectedNodeListIterator(), std::vector<RyNode *>{hip});
-        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::ControlModifier, tree()->visualRect(indexOf(forearm)).center());
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          tree()->visualRect(indexOf(forearm)).center());
         QCOMPARE(m_scene->getPrimarySelection(), forearm);
         QCOMPARE(m_scene->getNumSelectedNodes(), 2);
         m_scene->selectAllNodes(false);
@@ -187,7 +190,8 @@ private slots:
         QVERIFY(!undo->isEnabled() && !redo->isEnabled());
         edit();
         QCOMPARE(undo->text(), QStringLiteral("&Undo Bend"));
-        QVERIFY(m_window->findChild<QLabel *>(QStringLiteral("UndoStatus"))->text().contains(QStringLiteral("undo: Bend")));
+        QVERIFY(
+            m_window->findChild<QLabel *>(QStringLiteral("UndoStatus"))->text().contains(QStringLiteral("undo: Bend")));
         QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
         QVERIFY(!undo->isEnabled());
         QCOMPARE(redo->text(), QStringLiteral("&Redo Bend"));
@@ -221,7 +225,8 @@ private slots:
 
     void recentFilesFromTheirMenu()
     {
-        const QStringList paths{m_folder.filePath(QStringLiteral("one.glb")), m_folder.filePath(QStringLiteral("two.glb"))};
+        const QStringList paths{m_folder.filePath(QStringLiteral("one.glb")),
+                                m_folder.filePath(QStringLiteral("two.glb"))};
         for (const QString &path : paths)
             QVERIFY(m_window->files()->savePath(path));
         auto *menu = m_window->findChild<QMenu *>(QStringLiteral("RecentMenu"));

@@ -9,9 +9,9 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/ui/RyAction.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -211,13 +211,13 @@ private slots:
     {
         QTest::addColumn<std::function<void(QWidget *)>>("lose");
         QTest::newRow("a move without buttons") << std::function<void(QWidget *)>([](QWidget *viewport) {
-            QMouseEvent move(QEvent::MouseMove, QPoint(60, 60), viewport->mapToGlobal(QPoint(60, 60)), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+            QMouseEvent move(QEvent::MouseMove, QPoint(60, 60), viewport->mapToGlobal(QPoint(60, 60)), Qt::NoButton,
+                             Qt::NoButton, Qt::NoModifier);
             QCoreApplication::sendEvent(viewport, &move);
         });
         QTest::newRow("hidden") << std::function<void(QWidget *)>([](QWidget *viewport) { viewport->hide(); });
-        QTest::newRow("another press") << std::function<void(QWidget *)>([](QWidget *viewport) {
-            QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier, QPoint(80, 80));
-        });
+        QTest::newRow("another press") << std::function<void(QWidget *)>(
+            [](QWidget *viewport) { QTest::mouseClick(viewport, Qt::LeftButton, Qt::NoModifier, QPoint(80, 80)); });
     }
 
     void aLostReleaseEndsTheDrag()
@@ -252,7 +252,8 @@ private slots:
 
     void mergingCanBeTakenBack()
     {
-        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")), second = m_folder.filePath(QStringLiteral("second.glb"));
+        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")),
+                      second = m_folder.filePath(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->savePath(first));
         QVERIFY(m_window->files()->mergePath(sample()));
         const QString merged = dump();
@@ -270,7 +271,8 @@ private slots:
     void mergingIntoNothingBringsItsDocumentAlong()
     {
         m_scene->clear();
-        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")), second = m_folder.filePath(QStringLiteral("second.glb"));
+        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")),
+                      second = m_folder.filePath(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->mergePath(sample()));
         const RySceneOrigin *document = m_scene->getDocument();
         QVERIFY(document);

@@ -1,15 +1,15 @@
 #include "support/RyTest.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+#include "ryhost/commands/ScriptRun.h"
 #include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
-#include "ryhost/commands/ScriptRun.h"
 
 #include <QKeyEvent>
 #include <QMenu>
@@ -51,7 +51,8 @@ private slots:
     void allOfItCanBeTakenBack()
     {
         RyDialogDriver driver;
-        QVERIFY(run("Scene.find('hip').setValue('yrot', 20);\nUndo.step('Bend', function() { Scene.find('head').setValue('xrot', 5); });\n"
+        QVERIFY(run("Scene.find('hip').setValue('yrot', 20);\nUndo.step('Bend', function() { "
+                    "Scene.find('head').setValue('xrot', 5); });\n"
                     "Scene.find('hip').setValue('zrot', 20); Scene.setSelection(['head']);"));
         QVERIFY(driver.records().empty());
         QCOMPARE(ryRestorePoints()->captions(), QStringList(QStringLiteral("Run test")));
@@ -89,10 +90,12 @@ private slots:
         QCOMPARE(driver.records().size(), size_t(1));
         const RyDialogRecord box = driver.records().front();
         QCOMPARE(box.title, QStringLiteral("Script Failed"));
-        for (const char *words : {"test.rsx(3): ", "missing", "Edit > Restore to before Run test takes back what it did."})
+        for (const char *words :
+             {"test.rsx(3): ", "missing", "Edit > Restore to before Run test takes back what it did."})
             QVERIFY2(box.plainText().contains(QLatin1String(words)), qPrintable(box.plainText()));
         QVERIFY(!ScriptRun(m_window.get()).run(m_folder.filePath(QStringLiteral("none.rsx"))));
-        QVERIFY2(driver.records().back().plainText().contains(QLatin1String("there is no such file")), qPrintable(driver.records().back().plainText()));
+        QVERIFY2(driver.records().back().plainText().contains(QLatin1String("there is no such file")),
+                 qPrintable(driver.records().back().plainText()));
         QCOMPARE(driver.records().size(), size_t(2));
     }
 

@@ -168,8 +168,8 @@ RestFrames::RestFrames(const GltfEvaluator &file)
             if (depth(list[j]) < depth(list[anchor]))
                 anchor = j;
         }
-        const Eigen::Matrix4d meshToWorld = (world.count(list[anchor]) ? world[list[anchor]] : worlds[size_t(list[anchor])]) *
-                                            inverseBinds[anchor];
+        const Eigen::Matrix4d meshToWorld =
+            (world.count(list[anchor]) ? world[list[anchor]] : worlds[size_t(list[anchor])]) * inverseBinds[anchor];
         for (size_t j = 0; j < list.size(); ++j)
             world.emplace(list[j], meshToWorld * inverseBinds[j].inverse());
     }
@@ -216,15 +216,16 @@ GltfPose poseFor(const GltfEvaluator &file, const CharacterScene &character)
     const RestFrames rest(file);
     GltfPose pose = rest.pose();
     for (const RyBone *bone : character.bones()) {
-        const double degrees[3] = {double(bone->getXRotControl()->getValue()), double(bone->getYRotControl()->getValue()),
+        const double degrees[3] = {double(bone->getXRotControl()->getValue()),
+                                   double(bone->getYRotControl()->getValue()),
                                    double(bone->getZRotControl()->getValue())};
         if (degrees[0] == 0.0 && degrees[1] == 0.0 && degrees[2] == 0.0)
             continue;
         const RyRotationOrder order = bone->getRotationOrder();
         const Eigen::Matrix3d turned =
             turn(order[2], degrees[order[2]]) * turn(order[1], degrees[order[1]]) * turn(order[0], degrees[order[0]]);
-        // The bone's axes are those of the joint but for a symmetric stretch that acts before them. A node between two joints has
-        // no rest of its own; its axes are those of its place.
+        // The bone's axes are those of the joint but for a symmetric stretch that acts before them. A node between two
+        // joints has no rest of its own; its axes are those of its place.
         const int node = character.nodeOf(bone);
         Eigen::Matrix3d stretch = Eigen::Matrix3d::Identity();
         if (const auto joint = rest.world.find(node); joint != rest.world.end()) {
@@ -248,11 +249,13 @@ std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, st
         if (number(random, 0, 1) > share)
             continue;
         const auto size = float(0.02 * character.height);
-        bone->adjustOrigin(bone->getOrigin() + RyVec3(float(number(random, -1, 1)), float(number(random, -1, 1)),
-                                                      float(number(random, -1, 1))) * size);
+        bone->adjustOrigin(
+            bone->getOrigin() +
+            RyVec3(float(number(random, -1, 1)), float(number(random, -1, 1)), float(number(random, -1, 1))) * size);
         if (number(random, 0, 1) < 0.4) {
             bone->adjustOrientation(RyQuat(RyVec3(float(number(random, -1, 1)), float(number(random, -1, 1)), 0.5f),
-                                           float(number(random, -2, 2))) * bone->getOrientation());
+                                           float(number(random, -2, 2))) *
+                                    bone->getOrientation());
         }
         if (number(random, 0, 1) < 0.4)
             bone->adjustEndPoint(bone->getEndPoint() + RyVec3(size, -size, 0.5f * size));
@@ -297,9 +300,13 @@ QByteArray bytesOf(const QString &path)
 
 QStringList characterNames()
 {
-    return {QStringLiteral("CesiumMan.glb"),           QStringLiteral("RiggedSimple.gltf"),
-            QStringLiteral("Fox.glb"),                 QStringLiteral("kaykit_knight.glb"),
-            QStringLiteral("mh_default_rig.glb"),      QStringLiteral("mh_large.glb"),
-            QStringLiteral("quad_10_influences.glb"),  QStringLiteral("hand_flat_hierarchy.glb"),
+    return {QStringLiteral("CesiumMan.glb"),
+            QStringLiteral("RiggedSimple.gltf"),
+            QStringLiteral("Fox.glb"),
+            QStringLiteral("kaykit_knight.glb"),
+            QStringLiteral("mh_default_rig.glb"),
+            QStringLiteral("mh_large.glb"),
+            QStringLiteral("quad_10_influences.glb"),
+            QStringLiteral("hand_flat_hierarchy.glb"),
             QStringLiteral("tentacle_84_skins.glb")};
 }

@@ -46,8 +46,8 @@ CharacterScene::Positions positionsOf(const GltfEvaluator &file, double unit, co
 double largestDistance(const CharacterScene::Positions &a, const CharacterScene::Positions &b);
 double heightOf(const CharacterScene::Positions &positions);
 
-/// The rest of a file's joints, derived from its inverse bind matrices (without them from its nodes): for column vectors, in
-/// file units.
+/// The rest of a file's joints, derived from its inverse bind matrices (without them from its nodes): for column
+/// vectors, in file units.
 struct RestFrames
 {
     explicit RestFrames(const GltfEvaluator &file);
@@ -61,15 +61,15 @@ struct RestFrames
 
 /// Clears the pose of the scene and gives some joints random turns.
 void turnRandomly(CharacterScene &character, std::mt19937 &random);
-/// The turns of the scene's bones in the nodes of a file, applied about their own axes to its rest. Fails the test when a bone's
-/// axes are not those of its joint.
+/// The turns of the scene's bones in the nodes of a file, applied about their own axes to its rest. Fails the test when
+/// a bone's axes are not those of its joint.
 GltfPose poseFor(const GltfEvaluator &file, const CharacterScene &character);
 
 /// Moves and turns a share of the joints at random, in one step. Gives the bones that were touched.
 std::vector<RyBone *> moveSomeJoints(CharacterScene &character, double share, std::mt19937 &random);
 
-/// Whether two dumps say the same but for the last digits of numbers, which may have gone through a file's matrices. Prints the
-/// first differences.
+/// Whether two dumps say the same but for the last digits of numbers, which may have gone through a file's matrices.
+/// Prints the first differences.
 bool sameDumps(const QString &a, const QString &b);
 
 QByteArray bytesOf(const QString &path);

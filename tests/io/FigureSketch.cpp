@@ -81,8 +81,8 @@ QString FigureSketch::write(const QString &path) const
 {
     json copy = tree;
     const QByteArray encoded = QByteArray::fromStdString(m_data).toBase64();
-    copy["buffers"] = {{{"byteLength", m_data.size()},
-                        {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}};
+    copy["buffers"] = {
+        {{"byteLength", m_data.size()}, {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}};
     QFile file(path);
     const std::string text = copy.dump();
     if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), qint64(text.size())) != qint64(text.size()))

@@ -9,8 +9,9 @@
 #include <string>
 #include <vector>
 
-/// A small figure made by hand: a strip of points along +Y, two metres high, and two joints, `low` at the ground and `high` one
-/// metre above it. Points below follow low, points above high, those between both. Tests change the tree before writing it.
+/// A small figure made by hand: a strip of points along +Y, two metres high, and two joints, `low` at the ground and
+/// `high` one metre above it. Points below follow low, points above high, those between both. Tests change the tree
+/// before writing it.
 class FigureSketch
 {
 public:
@@ -23,8 +24,8 @@ public:
     template<typename T>
     int add(const std::vector<T> &values, int componentType, const std::string &type)
     {
-        return addBytes(std::string(reinterpret_cast<const char *>(values.data()), values.size() * sizeof(T)), values.size(),
-                        componentType, type);
+        return addBytes(std::string(reinterpret_cast<const char *>(values.data()), values.size() * sizeof(T)),
+                        values.size(), componentType, type);
     }
     /// Where joints stand at bind, in mesh space, for column vectors; gives the skin's accessor of inverse matrices.
     int addBinds(const std::vector<Eigen::Matrix4d> &binds);

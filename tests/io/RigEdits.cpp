@@ -38,7 +38,8 @@ void copyBinding(RyBone *bone, const RyBone &from, bool withWeights)
     if (withWeights && source && source->getWeights()) {
         map->beginEdit();
         for (int i = 0; i < source->getWeights()->getNumAffected(); ++i)
-            map->getWeights()[source->getWeights()->getAffectedIndices()[i]] = source->getWeights()->getAffectedWeights()[i];
+            map->getWeights()[source->getWeights()->getAffectedIndices()[i]] =
+                source->getWeights()->getAffectedWeights()[i];
         map->finishEdit();
     }
     binding->setWeights(map);

@@ -111,7 +111,8 @@ std::vector<Edit> undoableEdits()
         {"property label", [](Everything &s) { s.spine->getXRotControl()->setLabel(QStringLiteral("Bend")); }},
         {"link", [](Everything &s) { RyERCLink::create(s.hip->getXRotControl(), s.spine->getXRotControl()); }},
         {"parent", [](Everything &s) { s.spine->addNodeChild(s.prop); }},
-        {"sibling order", [](Everything &s) {
+        {"sibling order",
+         [](Everything &s) {
              s.figure->addNodeChild(s.prop);
              s.figure->addNodeChild(s.hip);
          }},
@@ -120,11 +121,20 @@ std::vector<Edit> undoableEdits()
         {"selection pair", [](Everything &s) { s.map->addPair(QStringLiteral("upper"), s.spine, true); }},
         {"pair without node", [](Everything &s) { s.map->addPair(QStringLiteral("upper"), nullptr, true); }},
         {"no selection map", [](Everything &s) { s.figure->setSelectionMap(nullptr); }},
-        {"vertex", [](Everything &s) { s.mesh->setVertex(3, {0, 1, 0.001f}); }},
-        {"facets", [](Everything &s) { s.mesh->setFacets({{{0, 1, 2, -1}, -1}}); }},
+        {"vertex",
+         [](Everything &s) {
+             s.mesh->setVertex(3, {0, 1, 0.001f});
+         }},
+        {"facets",
+         [](Everything &s) {
+             s.mesh->setFacets({{{0, 1, 2, -1}, -1}});
+         }},
         {"face group", [](Everything &s) { s.mesh->createFaceGroup(QStringLiteral("third")); }},
         {"no face group", [](Everything &s) { s.mesh->removeFaceGroup(QStringLiteral("upper")); }},
-        {"facet of another group", [](Everything &s) { s.mesh->setGroupsOfFacets({1, 1}); }},
+        {"facet of another group",
+         [](Everything &s) {
+             s.mesh->setGroupsOfFacets({1, 1});
+         }},
         {"other mesh", [](Everything &s) { s.shape->setFacetMesh(new RyFacetMesh); }},
         {"other object", [](Everything &s) { s.figure->setObject(new RyObject); }},
         {"no skin", [](Everything &s) { s.object->removeModifier(s.skin); }},
@@ -140,7 +150,8 @@ std::vector<Edit> undoableEdits()
         {"no bulge", [](Everything &s) { s.local->setBulgeBinding(1, nullptr); }},
     };
     for (int axis = 0; axis < 3; ++axis)
-        edits.push_back({"local weight", [axis](Everything &s) { Everything::write(s.local->getLocalWeights(axis), 0, 9); }});
+        edits.push_back(
+            {"local weight", [axis](Everything &s) { Everything::write(s.local->getLocalWeights(axis), 0, 9); }});
     // Every number of a node, current and default.
     const std::vector<RyFloatProperty *(RyNode::*)() const> controls = {
         &RyNode::getOriginXControl, &RyNode::getOriginYControl, &RyNode::getOriginZControl, &RyNode::getEndXControl,
@@ -159,8 +170,14 @@ std::vector<Edit> otherEdits()
 {
     return {
         {"selection", [](Everything &s) { s.hip->select(true); }},
-        {"order of selection", [](Everything &s) { s.scene.setSelection({s.spine, s.hip}); }},
-        {"another order of selection", [](Everything &s) { s.scene.setSelection({s.hip, s.spine}); }},
+        {"order of selection",
+         [](Everything &s) {
+             s.scene.setSelection({s.spine, s.hip});
+         }},
+        {"another order of selection",
+         [](Everything &s) {
+             s.scene.setSelection({s.hip, s.spine});
+         }},
         {"time", [](Everything &s) { s.scene.setTime(RyTime(9)); }},
         {"follow target",
          [](Everything &s) {

@@ -88,11 +88,13 @@ private slots:
                 leafLengths.push_back(std::fabs(guessed.norm() / length - 1.0));
             }
         }
-        qInfo("one child: %zu bones within %.3g cm; several: %zu bones, median %.3g, 90 %% %.3g degrees, median %.3g, 90 %% "
+        qInfo("one child: %zu bones within %.3g cm; several: %zu bones, median %.3g, 90 %% %.3g degrees, median %.3g, "
+              "90 %% "
               "%.3g lengths off; leaves: %zu bones, median %.3g, 90 %% %.3g degrees, lengths off by %.3g, 90 %% %.3g",
-              single.size(), percentile(single, 1.0), several.size(), percentile(several, 0.5), percentile(several, 0.9),
-              percentile(severalLengths, 0.5), percentile(severalLengths, 0.9), leaves.size(), percentile(leaves, 0.5),
-              percentile(leaves, 0.9), percentile(leafLengths, 0.5), percentile(leafLengths, 0.9));
+              single.size(), percentile(single, 1.0), several.size(), percentile(several, 0.5),
+              percentile(several, 0.9), percentile(severalLengths, 0.5), percentile(severalLengths, 0.9), leaves.size(),
+              percentile(leaves, 0.5), percentile(leaves, 0.9), percentile(leafLengths, 0.5),
+              percentile(leafLengths, 0.9));
         QVERIFY(single.size() > 40 && several.size() > 5 && leaves.size() > 40);
         QVERIFY(percentile(single, 1.0) < 0.001);
         QVERIFY(percentile(several, 0.5) <= 20.0);
@@ -115,8 +117,8 @@ private slots:
                 continue;
             ++leaves;
             const Eigen::Vector3d along = vec(each->getEndPoint()) - vec(each->getOrigin());
-            qInfo("%s: %.3g cm, (%.2f %.2f %.2f)", qUtf8Printable(each->getName()), along.norm(), along.x() / along.norm(),
-                  along.y() / along.norm(), along.z() / along.norm());
+            qInfo("%s: %.3g cm, (%.2f %.2f %.2f)", qUtf8Printable(each->getName()), along.norm(),
+                  along.x() / along.norm(), along.y() / along.norm(), along.z() / along.norm());
             if (each->getName().contains(QStringLiteral("neck"))) {
                 QVERIFY(angle(along, Eigen::Vector3d::UnitY()) < 30.0);
                 QVERIFY(along.norm() > 10.0 && along.norm() < 45.0);
@@ -137,8 +139,7 @@ private slots:
                 QVERIFY2(std::isfinite(length) && length > 1e-4 * character.height && length < 3.0 * character.height,
                          qUtf8Printable(QStringLiteral("%1: %2 %3").arg(name, each->getName()).arg(length)));
                 // The first axis of the order runs along the bone.
-                const RyVec3 inBone =
-                    each->getOrientation().inverse().multVec(each->getEndPoint() - each->getOrigin());
+                const RyVec3 inBone = each->getOrientation().inverse().multVec(each->getEndPoint() - each->getOrigin());
                 const int first = each->getRotationOrder()[0];
                 for (int axis = 0; axis < 3; ++axis)
                     QVERIFY(std::fabs(inBone[axis]) <= std::fabs(inBone[first]) * 1.0001f + 1e-4f);

@@ -69,7 +69,8 @@ private slots:
         } else {
             QCOMPARE(ryUndoStack()->count(), 0);
             for (const RyBone *bone : bonesOf(scene)) {
-                for (const RyVec3 &point : {bone->getOrigin(), bone->getEndPoint(), bone->getWSPos(), bone->getWSEndPoint()})
+                for (const RyVec3 &point :
+                     {bone->getOrigin(), bone->getEndPoint(), bone->getWSPos(), bone->getWSEndPoint()})
                     QVERIFY(std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z));
             }
             for (const RyNode *node : scene.getNodes()) {
@@ -91,8 +92,10 @@ private slots:
             QVERIFY2(RySceneFile::open(&scene, saved, &error), qPrintable(error));
             QCOMPARE(rySceneDump(scene).count(QStringLiteral("\nnode ")), edited.count(QStringLiteral("\nnode ")));
         }
-        qInfo("%s", opened ? qPrintable(QStringLiteral("opens: %1 bones, %2 vertices; %3").arg(bonesOf(scene).size())
-                                            .arg(splitsOf(scene)).arg(messages.join(QStringLiteral("; ")).left(200)))
+        qInfo("%s", opened ? qPrintable(QStringLiteral("opens: %1 bones, %2 vertices; %3")
+                                            .arg(bonesOf(scene).size())
+                                            .arg(splitsOf(scene))
+                                            .arg(messages.join(QStringLiteral("; ")).left(200)))
                            : qPrintable(error.mid(error.lastIndexOf(QLatin1Char('/')) + 1)));
         scene.clear();
     }
@@ -101,10 +104,15 @@ private slots:
     {
         QTest::addColumn<int>("bones");
         // One joint of the file with the duplicate is no joint any more, but stands between two.
-        const std::pair<const char *, int> rows[] = {
-            {"dv_fox_no_ibm", 24},         {"dv_fox_skeleton_not_joint_nonuniform", 24}, {"dv_fox_two_skins_one_skeleton", 24},
-            {"dv_fox_duplicate_joint", 24}, {"dv_fox_zero_weights", 24},                 {"dv_fox_odd_and_equal_names", 24},
-            {"dv_fox_deep_5000_nodes", 24}, {"dv_fox_zero_scale_joint", 24},             {"dv_fox_singular_ibm", 24}};
+        const std::pair<const char *, int> rows[] = {{"dv_fox_no_ibm", 24},
+                                                     {"dv_fox_skeleton_not_joint_nonuniform", 24},
+                                                     {"dv_fox_two_skins_one_skeleton", 24},
+                                                     {"dv_fox_duplicate_joint", 24},
+                                                     {"dv_fox_zero_weights", 24},
+                                                     {"dv_fox_odd_and_equal_names", 24},
+                                                     {"dv_fox_deep_5000_nodes", 24},
+                                                     {"dv_fox_zero_scale_joint", 24},
+                                                     {"dv_fox_singular_ibm", 24}};
         for (const auto &[name, bones] : rows)
             QTest::newRow(name) << bones;
     }
@@ -133,9 +141,10 @@ private slots:
     void mustBeRefused_data()
     {
         QTest::addColumn<QString>("file");
-        for (const char *name : {"dv_fox_node_cycle.glb", "dv_fox_huge_count.glb", "dv_fox_offset_overflow.glb",
-                                 "dv_fox_truncated_half.glb", "dv_fox_truncated_json.glb", "dv_fox_deep_json.gltf",
-                                 "kv_glb_empty_file.glb", "kv_json_invalid_syntax.gltf", "gt_BoxDraco_required_ext.gltf"})
+        for (const char *name :
+             {"dv_fox_node_cycle.glb", "dv_fox_huge_count.glb", "dv_fox_offset_overflow.glb",
+              "dv_fox_truncated_half.glb", "dv_fox_truncated_json.glb", "dv_fox_deep_json.gltf",
+              "kv_glb_empty_file.glb", "kv_json_invalid_syntax.gltf", "gt_BoxDraco_required_ext.gltf"})
             QTest::newRow(name) << QStringLiteral("hostile/") + QLatin1String(name);
     }
     void mustBeRefused()
@@ -162,8 +171,8 @@ private slots:
         QFile other(folder.filePath(QStringLiteral("letter.txt")));
         QVERIFY(other.open(QIODevice::WriteOnly));
         other.close();
-        for (const QString &path : {folder.filePath(QStringLiteral("nothing.glb")), folder.path(), empty.fileName(),
-                                    other.fileName()}) {
+        for (const QString &path :
+             {folder.filePath(QStringLiteral("nothing.glb")), folder.path(), empty.fileName(), other.fileName()}) {
             QString error;
             QVERIFY(!RySceneFile::open(&scene, path, &error));
             QVERIFY2(error.contains(path), qPrintable(error));

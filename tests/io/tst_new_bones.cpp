@@ -56,7 +56,8 @@ private slots:
         const size_t before = scene.getSkeletons().front()->getAllBones().size();
         const auto restOf = [](const RyScene &of) {
             return qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(of.getSkeletons().front()))
-                ->getFacetMesh()->getPositions();
+                ->getFacetMesh()
+                ->getPositions();
         };
         const std::vector<RyVec3> rest = restOf(scene);
         RyBone *first = addBone(scene, hand, QStringLiteral("prop"), {3, 1, -2});

@@ -28,7 +28,8 @@ class NewFiguresTest : public QObject
 private slots:
     void cleanup() { ryUndoStack()->clearAll(); }
 
-    /// The mesh of a prop goes on with a figure of one bone: materials, texture coordinates and normals are those of the file.
+    /// The mesh of a prop goes on with a figure of one bone: materials, texture coordinates and normals are those of
+    /// the file.
     void propBecomesFigure()
     {
         FigureSketch sketch = withProp();
@@ -36,7 +37,8 @@ private slots:
         QString error;
         RyNode *prop = scene.scene.findNode(QStringLiteral("thing"));
         QVERIFY(prop);
-        const std::vector<RyVec3> shown = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(prop))->getFacetMesh()->getPositions();
+        const std::vector<RyVec3> shown =
+            qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(prop))->getFacetMesh()->getPositions();
         RyFigure *figure = makeFigure(scene.scene, prop);
         const QString saved = path("figure");
         const QString dump = rySceneDump(scene.scene);
@@ -48,7 +50,8 @@ private slots:
         const json &old = sketch.tree["meshes"][1]["primitives"][0];
         QCOMPARE(made["material"], old["material"]);
         for (const char *attribute : {"TEXCOORD_0", "NORMAL", "POSITION"})
-            QVERIFY(file.accessorBytes(made["attributes"][attribute]) == file.accessorBytes(old["attributes"][attribute]));
+            QVERIFY(file.accessorBytes(made["attributes"][attribute]) ==
+                    file.accessorBytes(old["attributes"][attribute]));
         QCOMPARE(made["attributes"].contains("JOINTS_0"), true);
 
         CharacterScene again(saved);
@@ -57,7 +60,8 @@ private slots:
         QVERIFY(sameDumps(rySceneDump(again.scene), dump));
         RySkeleton *back = qobject_cast<RySkeleton *>(again.scene.findNode(figure->getName()));
         QVERIFY(back);
-        const std::vector<RyVec3> now = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(back))->getFacetMesh()->getPositions();
+        const std::vector<RyVec3> now =
+            qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(back))->getFacetMesh()->getPositions();
         QCOMPARE(now.size(), shown.size());
         for (size_t v = 0; v < now.size(); ++v)
             QVERIFY((now[v] - shown[v]).length() < 1e-3f);
@@ -170,7 +174,8 @@ private slots:
         QVERIFY(sameDumps(rySceneDump(again.scene), rySceneDump(scene.scene)));
         again.bones()[1]->setLabel(QStringLiteral("Third"));
         QVERIFY2(RySceneFile::save(&again.scene, path("twice"), &error), qPrintable(error));
-        QCOMPARE(GltfEvaluator(path("twice").toStdString()).tree()["nodes"][2]["extras"]["RYHOST_replaced"], foreign[2]);
+        QCOMPARE(GltfEvaluator(path("twice").toStdString()).tree()["nodes"][2]["extras"]["RYHOST_replaced"],
+                 foreign[2]);
 
         RyExtrasJson::Json holder{{"extras", "id-42"}};
         RyExtrasJson::store(holder, {{"version", 1}});

@@ -69,8 +69,8 @@ private slots:
         QTest::addColumn<int>("figures");
         QTest::addColumn<double>("unit");
         QTest::addColumn<double>("height");
-        // Counts of the files. The mesh of the tentacles stands in the scene once for each of 84 skins, whose joints grow from
-        // four roots.
+        // Counts of the files. The mesh of the tentacles stands in the scene once for each of 84 skins, whose joints
+        // grow from four roots.
         QTest::newRow("CesiumMan.glb") << 3273 << 4672 << 19 << 4 << 1 << 100.0 << 150.7;
         QTest::newRow("RiggedSimple.gltf") << 160 << 188 << 2 << 2 << 1 << 0.0 << 0.0;
         QTest::newRow("Fox.glb") << 1728 << 576 << 24 << 4 << 1 << 1.0 << 78.7;

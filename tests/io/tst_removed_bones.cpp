@@ -36,7 +36,8 @@ private slots:
         CharacterScene again(path("after"));
         QCOMPARE(again.bones().size(), size_t(1));
         for (const char *name : {"socket", "eye"}) {
-            QVERIFY((again.file.worldPosition(again.file.node(name)) - scene.file.worldPosition(scene.file.node(name))).norm() < 1e-6);
+            QVERIFY((again.file.worldPosition(again.file.node(name)) - scene.file.worldPosition(scene.file.node(name)))
+                        .norm() < 1e-6);
             int top = again.file.node(name);
             while (again.file.parent(top) >= 0)
                 top = again.file.parent(top);
@@ -50,8 +51,9 @@ private slots:
         FigureSketch sketch;
         sketch.tree["animations"] = {
             {{"name", "wave"},
-             {"samplers", {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
-                            {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
+             {"samplers",
+              {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
+                {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
              {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
         json &times = sketch.tree["accessors"][sketch.tree["animations"][0]["samplers"][0]["input"].get<size_t>()];
         times["min"] = {0.0};

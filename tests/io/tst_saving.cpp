@@ -24,7 +24,8 @@ double posesError(CharacterScene &character, std::mt19937 &random)
     for (int i = 0; i < 5; ++i) {
         turnRandomly(character, random);
         const GltfPose pose = poseFor(character.file, character);
-        worst = std::max(worst, largestDistance(character.shown(), positionsOf(character.file, character.unit(), pose)));
+        worst =
+            std::max(worst, largestDistance(character.shown(), positionsOf(character.file, character.unit(), pose)));
     }
     return worst / character.height;
 }
@@ -77,7 +78,8 @@ private slots:
         const double shown = largestDistance(original.shown(), positionsOf(file, original.unit())) / original.height;
         // At rest no vertex has moved.
         const double rest =
-            largestDistance(original.atRest(), positionsOf(file, original.unit(), RestFrames(file).pose())) / original.height;
+            largestDistance(original.atRest(), positionsOf(file, original.unit(), RestFrames(file).pose())) /
+            original.height;
 
         CharacterScene reopened(out("moved"));
         const double joints = compareBones(original, reopened);
@@ -87,7 +89,8 @@ private slots:
         QCOMPARE(bytesOf(out("again")), bytesOf(out("moved")));
 
         const double poses = posesError(reopened, m_random);
-        qInfo("%zu joints moved; shown within %.3g, at rest %.3g, joints %.3g, vertices %.3g, five poses %.3g of the height",
+        qInfo("%zu joints moved; shown within %.3g, at rest %.3g, joints %.3g, vertices %.3g, five poses %.3g of the "
+              "height",
               touched.size(), shown, rest, joints, vertices, poses);
         QVERIFY(std::max({shown, rest, joints, vertices}) <= 1e-5);
         // Weights have sixteen bits: ten of them, each rounded, add up to more.
@@ -149,7 +152,8 @@ private slots:
         QCOMPARE(bytesOf(out("again")), bytesOf(out("posed")));
     }
 
-    /// A figure that was moved as a whole comes back where it was left, with its end points; so it does from the scene alone.
+    /// A figure that was moved as a whole comes back where it was left, with its end points; so it does from the scene
+    /// alone.
     void movedFigure_data() { characters(); }
     void movedFigure()
     {
@@ -173,8 +177,8 @@ private slots:
         const double again = largestDistance(original.shown(), reopened.shown()) / original.height;
         const double tips = compareTips(original, reopened);
         const double alike = std::max(compareTips(original, alone), compareMeshes(original, alone));
-        qInfo("shown within %.3g, reopened %.3g, end points %.3g, from the scene alone %.3g of the height", shown, again, tips,
-              alike);
+        qInfo("shown within %.3g, reopened %.3g, end points %.3g, from the scene alone %.3g of the height", shown,
+              again, tips, alike);
         QVERIFY(reopened.messages.filter(QStringLiteral("left out")).isEmpty());
         QVERIFY(alone.messages.filter(QStringLiteral("left out")).isEmpty());
         QVERIFY(std::max({shown, again, tips, alike}) <= 1e-5);
@@ -212,8 +216,8 @@ private slots:
             copyRandomPose(original, reopened);
             both = std::max(both, compareMeshes(original, reopened));
         }
-        qInfo("joints %.3g, shown %.3g, by the file %.3g, five poses %.3g, against the original %.3g of the height", joints,
-              shown, file, poses, both);
+        qInfo("joints %.3g, shown %.3g, by the file %.3g, five poses %.3g, against the original %.3g of the height",
+              joints, shown, file, poses, both);
         QVERIFY(std::max({joints, shown, file, poses}) <= 1e-5);
         QVERIFY(both <= 1e-4);
     }
@@ -312,7 +316,8 @@ private:
             if (found == known.end() || found->second->getRotationOrder() != bone->getRotationOrder())
                 return 1e300;
             worst = std::max(worst, double((bone->getWSPos() - found->second->getWSPos()).length()) / a.height);
-            worst = std::max(worst, double((bone->getWSEndPoint() - found->second->getWSEndPoint()).length()) / a.height);
+            worst =
+                std::max(worst, double((bone->getWSEndPoint() - found->second->getWSEndPoint()).length()) / a.height);
         }
         return worst;
     }

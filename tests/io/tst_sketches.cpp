@@ -263,8 +263,12 @@ private slots:
         RyBone *high = scene.bones()[1];
         auto *mesh = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(figure))->getFacetMesh();
         const std::vector<std::function<void()>> edits = {
-            [&] { low->adjustEndPoint({1, 2, 3}); },
-            [&] { low->setEndPoint({4, 5, 6}, true); },
+            [&] {
+                low->adjustEndPoint({1, 2, 3});
+            },
+            [&] {
+                low->setEndPoint({4, 5, 6}, true);
+            },
             [&] { high->setRotationOrder(RyRotationOrder(RyRotationOrder::ZXY)); },
             [&] { high->setLabel(QStringLiteral("H\u00f6he")); },
             [&] { high->setHidden(true); },
@@ -330,8 +334,9 @@ private slots:
         sketch.tree["x_whatever"] = {{"q", nullptr}};
         sketch.tree["animations"] = {
             {{"name", "clip"},
-             {"samplers", {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
-                            {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
+             {"samplers",
+              {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
+                {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
              {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
         check(sketch);
         CharacterScene scene(path());
@@ -371,8 +376,9 @@ private slots:
 private:
     QString path() const { return m_folder.filePath(QStringLiteral("sketch.gltf")); }
 
-    /// Writes the sketch and puts it through what every file must bear. `rebound`: its bind matrices cannot be used, and what
-    /// is shown is bound anew once it is edited; until then the file bends otherwise where several joints pull.
+    /// Writes the sketch and puts it through what every file must bear. `rebound`: its bind matrices cannot be used,
+    /// and what is shown is bound anew once it is edited; until then the file bends otherwise where several joints
+    /// pull.
     void check(const FigureSketch &sketch, bool rebound = false)
     {
         sketch.write(path());

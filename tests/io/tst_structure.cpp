@@ -48,15 +48,18 @@ const NamedEdit edits[] = {
          if (hasReceiver && bone->getSkeleton()->getAllBones().size() > 1)
              RigEdits::deleteBone(character.scene, bone);
      }},
-    {"split", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::splitBone(character.scene, bone); }},
-    {"sibling", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addSibling(character.scene, bone); }},
-    {"child", [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addChild(character.scene, bone); }},
+    {"split",
+     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::splitBone(character.scene, bone); }},
+    {"sibling",
+     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addSibling(character.scene, bone); }},
+    {"child",
+     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addChild(character.scene, bone); }},
     {"duplicate",
      [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::duplicateChain(character.scene, bone); }},
-    {"reparent",
-     [](CharacterScene &, RyBone *bone, std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), true); }},
-    {"hang elsewhere",
-     [](CharacterScene &, RyBone *bone, std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), false); }},
+    {"reparent", [](CharacterScene &, RyBone *bone,
+                    std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), true); }},
+    {"hang elsewhere", [](CharacterScene &, RyBone *bone,
+                          std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), false); }},
     {"rename",
      [](CharacterScene &, RyBone *bone, std::mt19937 &) {
          bone->setName(bone->getSkeleton()->getUniqueBoneName(bone->getName() + QStringLiteral(" again")));
@@ -179,7 +182,8 @@ private:
 
         CharacterScene again(saved);
         QVERIFY(sameDumps(rySceneDump(again.scene), dump));
-        QVERIFY2(again.messages.filter(QStringLiteral("left out")).isEmpty(), qPrintable(again.messages.join(QLatin1Char('\n'))));
+        QVERIFY2(again.messages.filter(QStringLiteral("left out")).isEmpty(),
+                 qPrintable(again.messages.join(QLatin1Char('\n'))));
         const QString twice = m_folder.filePath(QStringLiteral("twice.") + ending);
         QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
         QVERIFY(bytesOf(twice) == bytesOf(saved));
@@ -187,7 +191,8 @@ private:
         for (RyBone *bone : again.bones())
             bone->clearPose();
         QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
-        const double rest = largestDistance(again.shown(), positionsOf(GltfEvaluator(twice.toStdString()), again.unit()));
+        const double rest =
+            largestDistance(again.shown(), positionsOf(GltfEvaluator(twice.toStdString()), again.unit()));
         QVERIFY2(rest <= tolerance, qPrintable(QString::number(rest / character.height)));
         if (!withValidator)
             return;
@@ -201,8 +206,8 @@ private:
     static void keepsTheRest(const GltfEvaluator &before, const GltfEvaluator &after)
     {
         for (const auto &[key, value] : before.tree().items()) {
-            static const std::set<std::string> ours{"nodes", "meshes",      "skins",   "accessors", "bufferViews",
-                                                    "buffers", "scenes", "extras"};
+            static const std::set<std::string> ours{"nodes",       "meshes",  "skins",  "accessors",
+                                                    "bufferViews", "buffers", "scenes", "extras"};
             if (!ours.count(key))
                 QVERIFY2(after.tree().value(key, nlohmann::json()) == value, key.c_str());
         }
@@ -215,7 +220,8 @@ private:
                     primitive->erase("extras");
                     auto &attributes = (*primitive)["attributes"];
                     for (auto attribute = attributes.begin(); attribute != attributes.end();) {
-                        const bool isInfluence = attribute.key().rfind("JOINTS_", 0) == 0 || attribute.key().rfind("WEIGHTS_", 0) == 0;
+                        const bool isInfluence =
+                            attribute.key().rfind("JOINTS_", 0) == 0 || attribute.key().rfind("WEIGHTS_", 0) == 0;
                         attribute = isInfluence ? attributes.erase(attribute) : std::next(attribute);
                     }
                 }

@@ -35,16 +35,16 @@ QByteArray GltfFixture::glb(QByteArray json, QByteArray binary)
 QByteArray GltfFixture::skinnedBinary()
 {
     QByteArray bytes;
-    append<float>(bytes, {0, 0, 0, 1, 0, 0, 1, 2, 0, 0, 2, 0});           // 0: positions, 48 bytes
+    append<float>(bytes, {0, 0, 0, 1, 0, 0, 1, 2, 0, 0, 2, 0});                    // 0: positions, 48 bytes
     append<std::uint8_t>(bytes, {0, 1, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}); // 48: joints, 16
-    append<float>(bytes, {0.5f, 0.5f, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}); // 64: weights, 64
+    append<float>(bytes, {0.5f, 0.5f, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0});  // 64: weights, 64
     append<float>(bytes, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0,  0, 1,
-                          1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -1, 0, 1});      // 128: matrices, 128
-    append<std::uint16_t>(bytes, {0, 1, 2, 0, 2, 3});                     // 256: indices, 12
-    append<float>(bytes, {0, 1});                                         // 268: times, 8
-    append<float>(bytes, {0, 0, 0, 1, 0, 0.6f, 0, 0.8f});                 // 276: turns, 32
-    bytes.append("\x89PNG\r\n\x1a\n....");                                // 308: an image, 12
-    return bytes;                                                         // 320
+                          1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -1, 0, 1}); // 128: matrices, 128
+    append<std::uint16_t>(bytes, {0, 1, 2, 0, 2, 3});                        // 256: indices, 12
+    append<float>(bytes, {0, 1});                                            // 268: times, 8
+    append<float>(bytes, {0, 0, 0, 1, 0, 0.6f, 0, 0.8f});                    // 276: turns, 32
+    bytes.append("\x89PNG\r\n\x1a\n....");                                   // 308: an image, 12
+    return bytes;                                                            // 320
 }
 
 QByteArray GltfFixture::skinnedJson(const QByteArray &bufferMember)
@@ -77,8 +77,8 @@ QByteArray GltfFixture::skinnedJson(const QByteArray &bufferMember)
                R"({"buffer":0,"byteOffset":128,"byteLength":128},{"buffer":0,"byteOffset":256,"byteLength":12},)"
                R"({"buffer":0,"byteOffset":268,"byteLength":8},{"buffer":0,"byteOffset":276,"byteLength":32},)"
                R"({"buffer":0,"byteOffset":308,"byteLength":12}],)"
-               R"("buffers":[{)")
-           + bufferMember + R"("byteLength":320}]})";
+               R"("buffers":[{)") +
+           bufferMember + R"("byteLength":320}]})";
 }
 
 QByteArray GltfFixture::skinnedGlb()

@@ -18,7 +18,7 @@ QByteArray skinnedJson(const QByteArray &bufferMember);
 QByteArray skinnedBinary();
 QByteArray skinnedGlb();
 
-template <typename T>
+template<typename T>
 void append(QByteArray &bytes, const std::vector<T> &values)
 {
     bytes.append(reinterpret_cast<const char *>(values.data()), int(values.size() * sizeof(T)));

@@ -14,7 +14,7 @@ using namespace GltfFixture;
 /// Changes to a document: what was asked for is in the file that is written, and everything else is as it was.
 class RyGltfPatchingTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
@@ -262,8 +262,8 @@ void RyGltfPatchingTest::replaceShared()
         std::vector<float> values = before;
         values[0] = 2.0f;
         const int added = document->replaceFloats(3, values);
-        return added == int(tree["accessors"].size()) && document->readFloats(3) == before
-               && document->readFloats(added) == values && reopened(*document)->readFloats(added) == values;
+        return added == int(tree["accessors"].size()) && document->readFloats(3) == before &&
+               document->readFloats(added) == values && reopened(*document)->readFloats(added) == values;
     };
     QVERIFY(check([](Json &t) { t["skins"].push_back(t["skins"][0]); }));
     QVERIFY(check([](Json &t) { t["accessors"].push_back(t["accessors"][3]); }));

@@ -13,7 +13,7 @@ using namespace GltfFixture;
 /// Documents made at random through the patching functions: what goes in is what is read back, in either form.
 class RyGltfRandomTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     QTemporaryDir m_folder;

@@ -15,7 +15,7 @@ using namespace GltfFixture;
 /// What a file holds arrives in the model, whatever form the file has.
 class RyGltfReadingTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes, const QString &name = QStringLiteral("a.glb"))
@@ -122,12 +122,12 @@ void RyGltfReadingTest::formsAgree()
 void RyGltfReadingTest::componentTypes()
 {
     QByteArray binary;
-    append<std::int8_t>(binary, {-128, 127, -1, 0});                 // 0
-    append<std::uint8_t>(binary, {0, 255, 51, 1});                   // 4
-    append<std::int16_t>(binary, {-32768, 32767});                   // 8
-    append<std::uint16_t>(binary, {65535, 13107});                   // 12
-    append<std::uint32_t>(binary, {4294967295u});                    // 16
-    append<float>(binary, {-2.5f});                                  // 20
+    append<std::int8_t>(binary, {-128, 127, -1, 0}); // 0
+    append<std::uint8_t>(binary, {0, 255, 51, 1});   // 4
+    append<std::int16_t>(binary, {-32768, 32767});   // 8
+    append<std::uint16_t>(binary, {65535, 13107});   // 12
+    append<std::uint32_t>(binary, {4294967295u});    // 16
+    append<float>(binary, {-2.5f});                  // 20
     const auto accessor = [](int offset, int type, int count, bool normalized) {
         return QStringLiteral(
                    "{\"bufferView\":0,\"byteOffset\":%1,\"componentType\":%2,\"count\":%3,\"type\":\"SCALAR\"%4}")
@@ -139,10 +139,10 @@ void RyGltfReadingTest::componentTypes()
     };
     const QByteArray json =
         "{\"asset\":{\"version\":\"2.0\"},\"buffers\":[{\"byteLength\":24}],\"bufferViews\":[{\"buffer\":0,"
-        "\"byteLength\":24}],\"accessors\":["
-        + accessor(0, 5120, 4, true) + "," + accessor(4, 5121, 4, true) + "," + accessor(8, 5122, 2, true) + ","
-        + accessor(12, 5123, 2, true) + "," + accessor(16, 5125, 1, false) + "," + accessor(20, 5126, 1, false) + ","
-        + accessor(0, 5120, 4, false) + "]}";
+        "\"byteLength\":24}],\"accessors\":[" +
+        accessor(0, 5120, 4, true) + "," + accessor(4, 5121, 4, true) + "," + accessor(8, 5122, 2, true) + "," +
+        accessor(12, 5123, 2, true) + "," + accessor(16, 5125, 1, false) + "," + accessor(20, 5126, 1, false) + "," +
+        accessor(0, 5120, 4, false) + "]}";
     const auto document = open(glb(json, binary));
     QVERIFY2(document, qPrintable(m_error));
     QCOMPARE(document->readFloats(0), (std::vector<float>{-1.0f, 1.0f, float(-1.0 / 127.0), 0.0f}));
@@ -159,8 +159,8 @@ void RyGltfReadingTest::componentTypes()
 void RyGltfReadingTest::smallMatricesArePadded()
 {
     QByteArray binary;
-    append<std::uint8_t>(binary, {1, 2, 9, 9, 3, 4, 9, 9});                           // 2x2, columns of four bytes
-    append<std::uint8_t>(binary, {1, 2, 3, 9, 4, 5, 6, 9, 7, 8, 9, 9});               // 3x3
+    append<std::uint8_t>(binary, {1, 2, 9, 9, 3, 4, 9, 9});             // 2x2, columns of four bytes
+    append<std::uint8_t>(binary, {1, 2, 3, 9, 4, 5, 6, 9, 7, 8, 9, 9}); // 3x3
     const QByteArray json =
         R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":20}],"bufferViews":[{"buffer":0,"byteLength":20}],)"
         R"("accessors":[{"bufferView":0,"componentType":5121,"count":1,"type":"MAT2"},)"
@@ -175,16 +175,16 @@ void RyGltfReadingTest::smallMatricesArePadded()
 void RyGltfReadingTest::sparse()
 {
     QByteArray binary;
-    append<float>(binary, {1, 2, 3, 4, 5, 6});      // 0: two of VEC3
-    append<std::uint16_t>(binary, {1, 3});          // 24
+    append<float>(binary, {1, 2, 3, 4, 5, 6});       // 0: two of VEC3
+    append<std::uint16_t>(binary, {1, 3});           // 24
     append<float>(binary, {10, 20, 30, 40, 50, 60}); // 28
     const QByteArray tail =
         R"("sparse":{"count":2,"indices":{"bufferView":1,"componentType":5123},"values":{"bufferView":2}})";
     const QByteArray json =
         R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":52}],"bufferViews":[{"buffer":0,"byteLength":24},)"
         R"({"buffer":0,"byteOffset":24,"byteLength":4},{"buffer":0,"byteOffset":28,"byteLength":24}],)"
-        R"("accessors":[{"componentType":5126,"count":4,"type":"VEC3",)"
-        + tail + "}]}";
+        R"("accessors":[{"componentType":5126,"count":4,"type":"VEC3",)" +
+        tail + "}]}";
     auto document = open(glb(json, binary));
     QVERIFY2(document, qPrintable(m_error));
     QCOMPARE(document->readFloats(0), (std::vector<float>{0, 0, 0, 10, 20, 30, 0, 0, 0, 40, 50, 60}));
@@ -267,10 +267,10 @@ void RyGltfReadingTest::image()
 
     const QByteArray head = "{\"asset\":{\"version\":\"2.0\"},\"images\":[{\"uri\":\"";
     put(m_folder, QStringLiteral("tex ture.jpg"), "\xff\xd8\xff here");
-    const auto beside = open(head
-                                 + "tex%20ture.jpg\"},{\"uri\":\"../up.png\"},{\"uri\":\"data:image/gif;base64,QUJD\"},"
-                                   "{\"uri\":\"gone.png\"}]}",
-                             QStringLiteral("i.gltf"));
+    const auto beside =
+        open(head + "tex%20ture.jpg\"},{\"uri\":\"../up.png\"},{\"uri\":\"data:image/gif;base64,QUJD\"},"
+                    "{\"uri\":\"gone.png\"}]}",
+             QStringLiteral("i.gltf"));
     QVERIFY2(beside, qPrintable(m_error));
     QCOMPARE(beside->imageBytes(0, &type), QByteArray("\xff\xd8\xff here"));
     QCOMPARE(type, QStringLiteral("image/jpeg"));

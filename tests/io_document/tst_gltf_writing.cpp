@@ -11,7 +11,7 @@ using namespace GltfFixture;
 /// The forms of a file: what is written where, and what stays as it was.
 class RyGltfWritingTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
@@ -88,12 +88,12 @@ void RyGltfWritingTest::severalBuffersBecomeOne()
     first.append("x"); // nine bytes: the next one begins at twelve
     append<float>(second, {3, 4, 5});
     const QByteArray json =
-        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":9,"name":"kept","uri":"data:;base64,)" + first.toBase64()
-        + R"("},{"byteLength":12,"uri":"data:;base64,)" + second.toBase64()
-        + R"("}],"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":1,"byteOffset":4,"byteLength":8,)"
-          R"("extensions":{"VENDOR_packed":{"buffer":1,"byteLength":2}}}],)"
-          R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},)"
-          R"({"bufferView":1,"componentType":5126,"count":2,"type":"SCALAR"}]})";
+        R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":9,"name":"kept","uri":"data:;base64,)" +
+        first.toBase64() + R"("},{"byteLength":12,"uri":"data:;base64,)" + second.toBase64() +
+        R"("}],"bufferViews":[{"buffer":0,"byteLength":8},{"buffer":1,"byteOffset":4,"byteLength":8,)"
+        R"("extensions":{"VENDOR_packed":{"buffer":1,"byteLength":2}}}],)"
+        R"("accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR"},)"
+        R"({"bufferView":1,"componentType":5126,"count":2,"type":"SCALAR"}]})";
     const auto document = open(json, "two.gltf");
     QVERIFY2(document, qPrintable(m_error));
     const auto merged = reopened(*document);

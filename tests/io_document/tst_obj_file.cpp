@@ -11,7 +11,7 @@ using namespace GltfFixture;
 /// OBJ files: polygons, groups and vertices as they stand, and back with every untouched line as it was.
 class RyObjFileTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     std::unique_ptr<RyObjFile> parse(const QByteArray &text)
@@ -89,7 +89,7 @@ void RyObjFileTest::spellings()
     QCOMPARE(file->positions[3], (std::array<double, 3>{1, 2, 3}));
     QCOMPARE(file->facets.size(), 2u);
     QCOMPARE(file->groups[0], QString::fromUtf8("n\xc3\xa4me")); // Latin-1 where it is no UTF-8
-    QVERIFY(parse("v 0 0 0\nf 1 2 3\nv 1 0 0\nv 0 1 0\n")); // vertices may come later
+    QVERIFY(parse("v 0 0 0\nf 1 2 3\nv 1 0 0\nv 0 1 0\n"));      // vertices may come later
 }
 
 void RyObjFileTest::statedUnit_data()
@@ -120,14 +120,20 @@ void RyObjFileTest::malformed_data()
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QString>("message");
     const QByteArray three = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
-    QTest::newRow("beyond") << three + "\nf 1 2 4\n" << "line 5: vertex 4 does not exist (there are 3)";
-    QTest::newRow("zero") << three + "f 0 1 2\n" << "line 4: vertex 0 does not exist";
-    QTest::newRow("too far back") << three + "f -1 -2 -4\n" << "line 4: vertex -4 does not exist";
+    QTest::newRow("beyond") << three + "\nf 1 2 4\n"
+                            << "line 5: vertex 4 does not exist (there are 3)";
+    QTest::newRow("zero") << three + "f 0 1 2\n"
+                          << "line 4: vertex 0 does not exist";
+    QTest::newRow("too far back") << three + "f -1 -2 -4\n"
+                                  << "line 4: vertex -4 does not exist";
     QTest::newRow("huge") << three + "f 1 2 99999999999999999999\n"
                           << "line 4: vertex 99999999999999999999 does not exist";
-    QTest::newRow("large") << three + "f 1 2 2147483648\n" << "line 4: vertex 2147483648 does not exist";
-    QTest::newRow("no index") << three + "f 1 2 x\n" << "line 4: \"x\" is not the index of a vertex";
-    QTest::newRow("fraction") << three + "f 1 2 3.5\n" << "line 4: \"3.5\" is not the index of a vertex";
+    QTest::newRow("large") << three + "f 1 2 2147483648\n"
+                           << "line 4: vertex 2147483648 does not exist";
+    QTest::newRow("no index") << three + "f 1 2 x\n"
+                              << "line 4: \"x\" is not the index of a vertex";
+    QTest::newRow("fraction") << three + "f 1 2 3.5\n"
+                              << "line 4: \"3.5\" is not the index of a vertex";
     QTest::newRow("nan") << QByteArray("v 0 nan 0\n") << "line 1: \"nan\" is not a number";
     QTest::newRow("inf") << QByteArray("v 0 0 0\nv inf 0 0\n") << "line 2: \"inf\" is not a number";
     QTest::newRow("too large") << QByteArray("v 0 1e300 0\n") << "line 1: \"1e300\"";
@@ -135,7 +141,8 @@ void RyObjFileTest::malformed_data()
     QTest::newRow("two numbers") << QByteArray("v 0 0\nv 1 1 1\n") << "line 1: a vertex needs three numbers and has 2";
     QTest::newRow("cut in a vertex") << QByteArray("v 0 0 0\nv 1 1")
                                      << "line 2: a vertex needs three numbers and has 2 (the file is cut off here)";
-    QTest::newRow("cut in a face") << three + "f 1 2" << "line 4: a face with 2 corners (the file is cut off here)";
+    QTest::newRow("cut in a face") << three + "f 1 2"
+                                   << "line 4: a face with 2 corners (the file is cut off here)";
     QTest::newRow("empty") << QByteArray() << "no vertices";
     QTest::newRow("something else") << QByteArray("hello\nworld\n") << "no vertices";
     QTest::newRow("binary") << QByteArray("v\0\1\2\n", 5) << "not a text";

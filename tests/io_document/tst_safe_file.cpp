@@ -14,7 +14,7 @@ using namespace GltfFixture;
 /// Replacing a file wholly or not at all.
 class RySafeFileTest : public QObject
 {
-Q_OBJECT
+    Q_OBJECT
 
 private:
     QStringList entries(const QTemporaryDir &folder) const

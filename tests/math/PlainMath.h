@@ -17,9 +17,18 @@ constexpr int Cases = 10000;
 using Vec = std::array<double, 3>;
 using Mat = std::array<std::array<double, 4>, 4>;
 
-inline Vec vec(const RyVec3 &v) { return {v.x, v.y, v.z}; }
-inline double dot(const Vec &a, const Vec &b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-inline double length(const Vec &a) { return std::sqrt(dot(a, a)); }
+inline Vec vec(const RyVec3 &v)
+{
+    return {v.x, v.y, v.z};
+}
+inline double dot(const Vec &a, const Vec &b)
+{
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+inline double length(const Vec &a)
+{
+    return std::sqrt(dot(a, a));
+}
 inline Vec cross(const Vec &a, const Vec &b)
 {
     return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
@@ -29,8 +38,14 @@ inline Vec unit(const Vec &a)
     const double size = length(a);
     return {a[0] / size, a[1] / size, a[2] / size};
 }
-inline double distance(const Vec &a, const Vec &b) { return length({a[0] - b[0], a[1] - b[1], a[2] - b[2]}); }
-inline double distance(const RyVec3 &a, const Vec &b) { return distance(vec(a), b); }
+inline double distance(const Vec &a, const Vec &b)
+{
+    return length({a[0] - b[0], a[1] - b[1], a[2] - b[2]});
+}
+inline double distance(const RyVec3 &a, const Vec &b)
+{
+    return distance(vec(a), b);
+}
 
 /// Right-handed turn of v about a unit axis.
 inline Vec turn(const Vec &v, const Vec &axis, double angle)
@@ -90,9 +105,18 @@ inline double difference(const Mat &a, const Mat &b)
     return most;
 }
 
-inline bool finite(const RyVec3 &v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
-inline bool hasNan(const RyVec3 &v) { return std::isnan(v.x) || std::isnan(v.y) || std::isnan(v.z); }
-inline bool finite(const RyQuat &q) { return std::isfinite(q.w) && finite(RyVec3(q.x, q.y, q.z)); }
+inline bool finite(const RyVec3 &v)
+{
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+inline bool hasNan(const RyVec3 &v)
+{
+    return std::isnan(v.x) || std::isnan(v.y) || std::isnan(v.z);
+}
+inline bool finite(const RyQuat &q)
+{
+    return std::isfinite(q.w) && finite(RyVec3(q.x, q.y, q.z));
+}
 inline bool finite(const RyMatrix4 &m)
 {
     for (int i = 0; i < 16; ++i) {
@@ -142,13 +166,20 @@ public:
     float anyFinite()
     {
         switch (integer(0, 9)) {
-        case 0: return 0.0f;
-        case 1: return -0.0f;
-        case 2: return std::numeric_limits<float>::max() * float(chance(0.5) ? 1 : -1);
-        case 3: return std::numeric_limits<float>::denorm_min() * float(chance(0.5) ? 1 : -1);
-        case 4: return std::numeric_limits<float>::min();
-        case 5: return 1.0f;
-        default: return float(number(-1, 1) * std::pow(10.0, number(-44, 38)));
+        case 0:
+            return 0.0f;
+        case 1:
+            return -0.0f;
+        case 2:
+            return std::numeric_limits<float>::max() * float(chance(0.5) ? 1 : -1);
+        case 3:
+            return std::numeric_limits<float>::denorm_min() * float(chance(0.5) ? 1 : -1);
+        case 4:
+            return std::numeric_limits<float>::min();
+        case 5:
+            return 1.0f;
+        default:
+            return float(number(-1, 1) * std::pow(10.0, number(-44, 38)));
         }
     }
     RyVec3 anyVector() { return {anyFinite(), anyFinite(), anyFinite()}; }

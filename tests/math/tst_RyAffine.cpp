@@ -60,8 +60,8 @@ void RyAffineTest::chainsMatchPlainProducts()
         const float angle = random.angle();
         const double s[3] = {random.number(-2, 2), random.number(-2, 2), random.number(-2, 2)};
         const RyMatrix4 last = random.matrix();
-        const RyAffine chain = RyAffine::fromScale(s[0], s[1], s[2]) * RyAffine::fromRotation(RyQuat(axis, angle))
-            * RyAffine::fromTranslation(t) * RyAffine(last);
+        const RyAffine chain = RyAffine::fromScale(s[0], s[1], s[2]) * RyAffine::fromRotation(RyQuat(axis, angle)) *
+                               RyAffine::fromTranslation(t) * RyAffine(last);
         const RyVec3 v = random.vector();
         Vec p = turn({v.x * s[0], v.y * s[1], v.z * s[2]}, unit(vec(axis)), -double(angle));
         p = image({p[0] + t.x, p[1] + t.y, p[2] + t.z}, Plain::mat(last));

@@ -310,8 +310,8 @@ void RyMatrix4Test::matrix3MatchesDoubles()
         const RyVec3 v = random.vector();
         QVERIFY(distance(a.multVec(v), image(vec(v), da)) < 1e-5);
         QVERIFY(difference(mat(RyMatrix4(a * b)), product(da, db)) < 1e-5);
-        const double det = dot({da[0][0], da[0][1], da[0][2]},
-                               cross({da[1][0], da[1][1], da[1][2]}, {da[2][0], da[2][1], da[2][2]}));
+        const double det =
+            dot({da[0][0], da[0][1], da[0][2]}, cross({da[1][0], da[1][1], da[1][2]}, {da[2][0], da[2][1], da[2][2]}));
         QVERIFY(std::fabs(a.determinant() - det) < 1e-5);
         const RyMatrix3 transposed = a.transposed();
         for (int i = 0; i < 3; ++i) {

@@ -231,7 +231,8 @@ void RyQuatTest::noNanFromFiniteInput()
         RyRotationOrder(n % 6).getAxisOrder(axes[0], axes[1], axes[2]);
         const RyQuat a = random.anyQuat();
         const RyQuat b = random.anyQuat();
-        QVERIFY(finite(a * b) && finite(a.inverse()) && finite(a.normalized()) && finite(a.multVec(random.anyVector())));
+        QVERIFY(finite(a * b) && finite(a.inverse()) && finite(a.normalized()) &&
+                finite(a.multVec(random.anyVector())));
         QVERIFY(finite(RyQuat(random.anyVector(), random.anyFinite())));
         QVERIFY(finite(a.toEuler(axes)) && finite(RyQuat::fromEuler(random.anyVector(), axes)));
         RyVec3 axis;

@@ -56,7 +56,11 @@ QString dump(const RyFacetMesh *mesh)
 {
     QString text;
     for (const RyFacet &f : mesh->getFacets()) {
-        text += QString("%1,%2,%3,%4:%5 ").arg(f.vertices[0]).arg(f.vertices[1]).arg(f.vertices[2]).arg(f.vertices[3])
+        text += QString("%1,%2,%3,%4:%5 ")
+                    .arg(f.vertices[0])
+                    .arg(f.vertices[1])
+                    .arg(f.vertices[2])
+                    .arg(f.vertices[3])
                     .arg(f.group);
     }
     for (int i = 0; i < mesh->getNumFaceGroups(); ++i) {
@@ -460,8 +464,8 @@ void RyFacetMeshTest::normalsOfPlaneCubeAndLooseVertices()
         corners.push_back({i & 1 ? 1.0f : -1.0f, i & 2 ? 1.0f : -1.0f, i & 4 ? 1.0f : -1.0f});
     corners.push_back({7, 7, 7});
     cube->setPositions(corners);
-    cube->setFacets({quad(0, 2, 3, 1), quad(4, 5, 7, 6), quad(0, 1, 5, 4), quad(2, 6, 7, 3), quad(0, 4, 6, 2),
-                     quad(1, 3, 7, 5)});
+    cube->setFacets(
+        {quad(0, 2, 3, 1), quad(4, 5, 7, 6), quad(0, 1, 5, 4), quad(2, 6, 7, 3), quad(0, 4, 6, 2), quad(1, 3, 7, 5)});
     const std::vector<RyVec3> normals = cube->computeNormals(corners);
     const float third = float(1.0 / std::sqrt(3.0));
     for (size_t i = 0; i < 8; ++i)

@@ -19,34 +19,57 @@
 
 namespace {
 
-const QStringList createMenu = {
-    "Create >", "  RyJEToggleViewBoneCreationAction", "  -", "  RyJECreateDonorFigureAction", "  -",
-    "  RyJECreateBoneAction", "  RyJECreateSiblingBoneAction", "  RyJEDuplicateBonesAction",
-    "  RyJECreateControlBonesAction", "  -", "  RyJESplitBoneAction"};
-const QStringList editMenu = {
-    "Edit >", "  RyJETogglePropagateTranslationAction", "  -", "  RyJEConvertPropToFigureAction",
-    "  RyJEConvertFigureToPropAction", "  -", "  RyJERenameNodeAction", "  RyJEReparentBoneAction", "  -",
-    "  RyJEMirrorAction", "  -", "  RyJEBakeRotationsAction", "  -", "  RyJETransferWSRiggingAction", "  -",
-    "  RyMVCCageAdjustRigToShapeAction"};
+const QStringList createMenu = {"Create >",
+                                "  RyJEToggleViewBoneCreationAction",
+                                "  -",
+                                "  RyJECreateDonorFigureAction",
+                                "  -",
+                                "  RyJECreateBoneAction",
+                                "  RyJECreateSiblingBoneAction",
+                                "  RyJEDuplicateBonesAction",
+                                "  RyJECreateControlBonesAction",
+                                "  -",
+                                "  RyJESplitBoneAction"};
+const QStringList editMenu = {"Edit >",
+                              "  RyJETogglePropagateTranslationAction",
+                              "  -",
+                              "  RyJEConvertPropToFigureAction",
+                              "  RyJEConvertFigureToPropAction",
+                              "  -",
+                              "  RyJERenameNodeAction",
+                              "  RyJEReparentBoneAction",
+                              "  -",
+                              "  RyJEMirrorAction",
+                              "  -",
+                              "  RyJEBakeRotationsAction",
+                              "  -",
+                              "  RyJETransferWSRiggingAction",
+                              "  -",
+                              "  RyMVCCageAdjustRigToShapeAction"};
 const QStringList deleteMenu = {"Delete >", "  RyJEDeleteBoneAction", "  RyJEDeleteUnusedBonesAction"};
-const QStringList orderMenu = {
-    "Rotation Order >", "  RyJERotationOrderXYZAction", "  RyJERotationOrderXZYAction", "  RyJERotationOrderYXZAction",
-    "  RyJERotationOrderYZXAction", "  RyJERotationOrderZXYAction", "  RyJERotationOrderZYXAction"};
-const QStringList alignMenu = {
-    "Align >", "  RyJEToggleAutoAlignNodeAction", "  -", "  RyJEAlignNodeAction", "  RyJEAlignAllBonesAction"};
-const QStringList snapMenu = {
-    "Snap >", "  RyJESnapCenterPointAction", "  RyJESnapEndPointAction", "  -", "  RyJEToggleAutoSnapEndPointsAction"};
-const QStringList memorizeMenu = {
-    "Memorize >", "  RyJEMemorizeFigureRiggingPropertiesAction", "  -", "  RyJEMemorizeNodeRiggingPropertiesAction"};
-const QStringList restoreMenu = {
-    "Restore >", "  RyJERestoreFigureRiggingPropertiesAction", "  -", "  RyJERestoreNodeRiggingPropertiesAction"};
+const QStringList orderMenu = {"Rotation Order >",
+                               "  RyJERotationOrderXYZAction",
+                               "  RyJERotationOrderXZYAction",
+                               "  RyJERotationOrderYXZAction",
+                               "  RyJERotationOrderYZXAction",
+                               "  RyJERotationOrderZXYAction",
+                               "  RyJERotationOrderZYXAction"};
+const QStringList alignMenu = {"Align >", "  RyJEToggleAutoAlignNodeAction", "  -", "  RyJEAlignNodeAction",
+                               "  RyJEAlignAllBonesAction"};
+const QStringList snapMenu = {"Snap >", "  RyJESnapCenterPointAction", "  RyJESnapEndPointAction", "  -",
+                              "  RyJEToggleAutoSnapEndPointsAction"};
+const QStringList memorizeMenu = {"Memorize >", "  RyJEMemorizeFigureRiggingPropertiesAction", "  -",
+                                  "  RyJEMemorizeNodeRiggingPropertiesAction"};
+const QStringList restoreMenu = {"Restore >", "  RyJERestoreFigureRiggingPropertiesAction", "  -",
+                                 "  RyJERestoreNodeRiggingPropertiesAction"};
 
-const QStringList toolMenu = QStringList{"RyJECustomColorsAction", "-"} + createMenu + editMenu + QStringList("-")
-    + deleteMenu + QStringList("-") + orderMenu + QStringList("-") + alignMenu + snapMenu + QStringList("-") + memorizeMenu
-    + restoreMenu;
-const QStringList contextMenu = QStringList{"RyJECustomColorsAction", "-"} + createMenu + editMenu
-    + QStringList{"  -", "  RyJESelectedNodesAttributesEditAction"} + QStringList("-") + deleteMenu + QStringList("-")
-    + alignMenu + snapMenu + QStringList("-") + memorizeMenu + restoreMenu;
+const QStringList toolMenu = QStringList{"RyJECustomColorsAction", "-"} + createMenu + editMenu + QStringList("-") +
+                             deleteMenu + QStringList("-") + orderMenu + QStringList("-") + alignMenu + snapMenu +
+                             QStringList("-") + memorizeMenu + restoreMenu;
+const QStringList contextMenu = QStringList{"RyJECustomColorsAction", "-"} + createMenu + editMenu +
+                                QStringList{"  -", "  RyJESelectedNodesAttributesEditAction"} + QStringList("-") +
+                                deleteMenu + QStringList("-") + alignMenu + snapMenu + QStringList("-") + memorizeMenu +
+                                restoreMenu;
 
 const char *const anyReason = "Select something in the scene first.";
 const char *const skeletonOrBoneReason = "Select a bone or a figure first.";
@@ -55,8 +78,8 @@ const char *const figureReason = "Select a weight-mapped figure or a part of one
 const char *const boneOfFigureReason = "Select a bone of a weight-mapped figure first.";
 const char *const notYetReason = "Not available yet in this version.";
 
-/// Whether an action is enabled with the selection: nothing, a prop, a skeleton that is no figure, its bone, a bone of a
-/// figure, a figure.
+/// Whether an action is enabled with the selection: nothing, a prop, a skeleton that is no figure, its bone, a bone of
+/// a figure, a figure.
 struct EnablingRow
 {
     const char *action;

@@ -331,8 +331,8 @@ void RyJointToolsPluginTest::actionsHaveTheirTexts()
         QCOMPARE(action->isCheckable(), row.checkable);
         QCOMPARE(action->getActionGroup(), QStringLiteral("Ostra Joint Editor"));
         const bool isException = qstrcmp(row.name, "RyJESelectedNodesAttributesEditAction") == 0;
-        QCOMPARE(action->objectName(), isException ? QStringLiteral("RyJESelectedNodeAttributesEditAction")
-                                                   : QString::fromLatin1(row.name));
+        QCOMPARE(action->objectName(),
+                 isException ? QStringLiteral("RyJESelectedNodeAttributesEditAction") : QString::fromLatin1(row.name));
     }
 }
 

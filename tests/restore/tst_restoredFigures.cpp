@@ -14,9 +14,9 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/ui/RyAction.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 
 #include <deque>
 #include <functional>
@@ -151,14 +151,30 @@ void RestoredFiguresTest::editValues()
 {
     RyBone *bone = someBone();
     switch (m_random() % 8) {
-    case 0: bone->setName(QStringLiteral("bone%1").arg(++m_number)); break;
-    case 1: bone->setLabel(QStringLiteral("Bone %1").arg(++m_number)); break;
-    case 2: bone->setHidden(!bone->isHidden()); break;
-    case 3: bone->setInheritScale(!bone->inheritsScale()); break;
-    case 4: bone->setRotationOrder(RyRotationOrder(int(m_random() % 6))); break;
-    case 5: bone->getZRotControl()->setValue(float(m_random() % 90)); break;
-    case 6: bone->setOrigin(bone->getOrigin() + RyVec3(float(m_random() % 5), 1, 0), true); break;
-    case 7: bone->getXRotControl()->setMax(float(100 + m_random() % 90)); break;
+    case 0:
+        bone->setName(QStringLiteral("bone%1").arg(++m_number));
+        break;
+    case 1:
+        bone->setLabel(QStringLiteral("Bone %1").arg(++m_number));
+        break;
+    case 2:
+        bone->setHidden(!bone->isHidden());
+        break;
+    case 3:
+        bone->setInheritScale(!bone->inheritsScale());
+        break;
+    case 4:
+        bone->setRotationOrder(RyRotationOrder(int(m_random() % 6)));
+        break;
+    case 5:
+        bone->getZRotControl()->setValue(float(m_random() % 90));
+        break;
+    case 6:
+        bone->setOrigin(bone->getOrigin() + RyVec3(float(m_random() % 5), 1, 0), true);
+        break;
+    case 7:
+        bone->getXRotControl()->setMax(float(100 + m_random() % 90));
+        break;
     }
 }
 

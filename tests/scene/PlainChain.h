@@ -11,8 +11,8 @@
 #include <random>
 #include <vector>
 
-/// What a chain of nodes does to a point, evaluated in double precision with column vectors and right-handed turns, without
-/// any function of the library: only the numbers that stand in the controls are read.
+/// What a chain of nodes does to a point, evaluated in double precision with column vectors and right-handed turns,
+/// without any function of the library: only the numbers that stand in the controls are read.
 namespace PlainChain {
 
 using Vec = Eigen::Vector3d;
@@ -68,7 +68,8 @@ struct Values
         Values v;
         v.origin = {read(node.getOriginXControl()), read(node.getOriginYControl()), read(node.getOriginZControl())};
         v.end = {read(node.getEndXControl()), read(node.getEndYControl()), read(node.getEndZControl())};
-        v.orientation = {read(node.getOrientXControl()), read(node.getOrientYControl()), read(node.getOrientZControl())};
+        v.orientation = {read(node.getOrientXControl()), read(node.getOrientYControl()),
+                         read(node.getOrientZControl())};
         v.translation = {read(node.getXTransControl()), read(node.getYTransControl()), read(node.getZTransControl())};
         v.rotation = {read(node.getXRotControl()), read(node.getYRotControl()), read(node.getZRotControl())};
         v.scale = {read(node.getXScaleControl()), read(node.getYScaleControl()), read(node.getZScaleControl())};
@@ -150,10 +151,12 @@ public:
     /// Random numbers in all controls of a node; `defaults`: in their defaults too.
     void fill(RyNode &node, bool defaults)
     {
-        RyFloatProperty *const points[6] = {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-                                            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl()};
-        RyFloatProperty *const angles[6] = {node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl(),
-                                            node.getXRotControl(),    node.getYRotControl(),    node.getZRotControl()};
+        RyFloatProperty *const points[6] = {node.getOriginXControl(), node.getOriginYControl(),
+                                            node.getOriginZControl(), node.getEndXControl(),
+                                            node.getEndYControl(),    node.getEndZControl()};
+        RyFloatProperty *const angles[6] = {node.getOrientXControl(), node.getOrientYControl(),
+                                            node.getOrientZControl(), node.getXRotControl(),
+                                            node.getYRotControl(),    node.getZRotControl()};
         RyFloatProperty *const ways[3] = {node.getXTransControl(), node.getYTransControl(), node.getZTransControl()};
         RyFloatProperty *const scales[4] = {node.getScaleControl(), node.getXScaleControl(), node.getYScaleControl(),
                                             node.getZScaleControl()};
@@ -180,8 +183,8 @@ private:
     std::mt19937 m_engine;
 };
 
-/// A skeleton, sometimes below a prop, with bones down to a random depth, made anew every few cases; numbers change every case,
-/// those of single nodes more often than of all, so that what is kept between calls is put to the test too.
+/// A skeleton, sometimes below a prop, with bones down to a random depth, made anew every few cases; numbers change
+/// every case, those of single nodes more often than of all, so that what is kept between calls is put to the test too.
 class RandomChain
 {
 public:

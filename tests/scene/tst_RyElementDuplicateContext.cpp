@@ -213,7 +213,8 @@ private slots:
             QCOMPARE(copy == nullptr, skip);
             QCOMPARE(lower->getPropertyGroups()->getNumProperties(), skip ? 0 : 1);
             if (copy)
-                QVERIFY(copy->getName() == swell->getName() && copy->getValue() == 0.75f && copy->getDefaultValue() == 0.25f);
+                QVERIFY(copy->getName() == swell->getName() && copy->getValue() == 0.75f &&
+                        copy->getDefaultValue() == 0.25f);
         }
     }
 

@@ -112,8 +112,8 @@ private slots:
         for (int i = 0; i < Cases; ++i) {
             RyQuat q = random.rotation();
             if (i % 10 == 0) // the pole, where two of the three controls turn about one axis
-                q = RyQuat::fromEulerXYZ({float(random.number(-180, 180)), i % 20 ? 90.0f : -90.0f,
-                                          float(random.number(-180, 180))});
+                q = RyQuat::fromEulerXYZ(
+                    {float(random.number(-180, 180)), i % 20 ? 90.0f : -90.0f, float(random.number(-180, 180))});
             if (i % 3 == 0)
                 bone->setOrientation(q, true);
             else
@@ -178,7 +178,8 @@ private slots:
         QCOMPARE(z.size(), 0);
         // Each tells after it is set, before the next is.
         RyVec3 seen;
-        connect(bone->getOriginXControl(), &RyFloatProperty::currentValueChanged, this, [&] { seen = bone->getOrigin(); });
+        connect(bone->getOriginXControl(), &RyFloatProperty::currentValueChanged, this,
+                [&] { seen = bone->getOrigin(); });
         bone->adjustOrigin({9, 9, 9});
         QVERIFY(seen == RyVec3(9, 5, 3));
         // A change of the default alone is no change of the value.

@@ -188,9 +188,9 @@ private slots:
             RyVec3 axis;
             float angle = 0.0f;
             rotation.getValue(axis, angle);
-            const Eigen::Affine3d drawn =
-                Eigen::Translation3d(vec(position)) * Eigen::AngleAxisd(-double(angle), vec(axis)) *
-                Eigen::Affine3d(columns(scale));
+            const Eigen::Affine3d drawn = Eigen::Translation3d(vec(position)) *
+                                          Eigen::AngleAxisd(-double(angle), vec(axis)) *
+                                          Eigen::Affine3d(columns(scale));
             const Vec origin = Values::of(*chain.last()).origin;
             const Vec p = 100.0 * chain.random.direction();
             QVERIFY((drawn * (p - origin) - expected(p)).norm() < 5e-6 * sizeOf(expected));
@@ -251,8 +251,7 @@ private slots:
         RandomChain chain;
         for (int i = 0; i < Cases; ++i) {
             chain.next();
-            const Map expected =
-                mapOf({chain.nodes.begin() + std::ptrdiff_t(chain.skeleton) + 1, chain.nodes.end()});
+            const Map expected = mapOf({chain.nodes.begin() + std::ptrdiff_t(chain.skeleton) + 1, chain.nodes.end()});
             const Vec p = 100.0 * chain.random.direction();
             const double in[3] = {p[0], p[1], p[2]};
             double out[3];
@@ -273,7 +272,8 @@ private slots:
             node->setRotationOrder(RyRotationOrder((before.order + chain.random.integer(1, 5)) % 6));
             const Values after = Values::of(*node);
             QVERIFY(node->getOrientation() == orientation);
-            QVERIFY(after.origin == before.origin && after.end == before.end && after.orientation == before.orientation);
+            QVERIFY(after.origin == before.origin && after.end == before.end &&
+                    after.orientation == before.orientation);
             QVERIFY(after.rotation == before.rotation && after.scale == before.scale);
             QVERIFY((columns(RyMatrix3(node->getLocalRot())) - after.localRotation()).norm() < 2e-6);
         }

@@ -37,7 +37,8 @@ private slots:
         RyNode *b = named(new RyBone, "b");
         RyNode *c = named(new RyBone, "c");
         RyNode *d = named(new RyBone, "d");
-        QVERIFY(root->addNodeChild(a) && root->addNodeChild(c) && root->addNodeChild(b, false, 1) && c->addNodeChild(d));
+        QVERIFY(root->addNodeChild(a) && root->addNodeChild(c) && root->addNodeChild(b, false, 1) &&
+                c->addNodeChild(d));
         QCOMPARE(namesOf(root->nodeChildrenIterator()), QStringList({"a", "b", "c"}));
         std::vector<RyNode *> all;
         root->getNodeChildren(all, true);
@@ -99,7 +100,8 @@ private slots:
             chain.next();
             for (RyNode *node : chain.nodes) {
                 // Rotations and translations alone: a turned scale would be shear, which no control can say.
-                for (RyFloatProperty *p : {node->getXScaleControl(), node->getYScaleControl(), node->getZScaleControl()})
+                for (RyFloatProperty *p :
+                     {node->getXScaleControl(), node->getYScaleControl(), node->getZScaleControl()})
                     p->setValue(1.0f);
                 node->setInheritScale(true);
             }
@@ -113,7 +115,8 @@ private slots:
                 p->setValue(1.0f);
             RyNode *parent = node->getNodeParent();
             QVERIFY(other->addNodeChild(node));
-            QVERIFY(Values::of(*node).rotation == values.rotation && Values::of(*node).translation == values.translation);
+            QVERIFY(Values::of(*node).rotation == values.rotation &&
+                    Values::of(*node).translation == values.translation);
             QVERIFY(parent->addNodeChild(node));
             QVERIFY(other->addNodeChild(node, true));
             QVERIFY(Values::of(*node).origin == values.origin && Values::of(*node).orientation == values.orientation);

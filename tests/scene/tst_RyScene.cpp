@@ -128,7 +128,8 @@ private slots:
         QCOMPARE(ryScene()->getNumSelectedNodes(), 0);
     }
 
-    /// First the nodes tell that they go, still selected and in their place; then they leave the selection and the scene.
+    /// First the nodes tell that they go, still selected and in their place; then they leave the selection and the
+    /// scene.
     void removalTellsInOrder()
     {
         m_a->addNodeChild(m_b);
@@ -141,7 +142,8 @@ private slots:
         const QPointer<RyNode> b(m_b);
         QCOMPARE(int(ryScene()->removeNode(m_b)), int(RyError::Success));
         const QStringList heard = listener.take();
-        QCOMPARE(heard.mid(0, 4), QStringList({"about b selected hanging", "about c hanging", "list [a]", "primary a"}));
+        QCOMPARE(heard.mid(0, 4),
+                 QStringList({"about b selected hanging", "about c hanging", "list [a]", "primary a"}));
         QVERIFY(heard.contains(QStringLiteral("removed b")) && heard.contains(QStringLiteral("removed c")));
         QCOMPARE(heard.last(), QStringLiteral("nodes"));
         QVERIFY(!b);

@@ -44,8 +44,9 @@ private slots:
     void editsAreAnnouncedOnce_data()
     {
         QTest::addColumn<int>("edit");
-        const char *names[] = {"positions",   "one vertex",   "facets",        "new face group", "several in one edit", "pair",
-                               "another map", "another mesh", "another shape", "parts",          "drawn bones"};
+        const char *names[] = {"positions",           "one vertex", "facets",      "new face group",
+                               "several in one edit", "pair",       "another map", "another mesh",
+                               "another shape",       "parts",      "drawn bones"};
         for (int i = 0; i < int(std::size(names)); ++i)
             QTest::newRow(names[i]) << i;
     }
@@ -165,10 +166,18 @@ private:
         facet.vertices[1] = 1;
         facet.vertices[2] = 0;
         switch (edit) {
-        case 0: m_mesh->setPositions({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}}); return;
-        case 1: m_mesh->setVertex(1, {7, 8, 9}); return;
-        case 2: m_mesh->setFacets({facet}); return;
-        case 3: m_mesh->createFaceGroup(QStringLiteral("group")); return;
+        case 0:
+            m_mesh->setPositions({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}});
+            return;
+        case 1:
+            m_mesh->setVertex(1, {7, 8, 9});
+            return;
+        case 2:
+            m_mesh->setFacets({facet});
+            return;
+        case 3:
+            m_mesh->createFaceGroup(QStringLiteral("group"));
+            return;
         case 4:
             m_mesh->beginEdit();
             m_mesh->setVertex(0, {3, 3, 3});
@@ -177,12 +186,24 @@ private:
             m_mesh->setGroupsOfFacets({0});
             m_mesh->finishEdit();
             return;
-        case 5: m_skeleton->getSelectionMap()->addPair(QStringLiteral("group"), m_bone, false); return;
-        case 6: m_skeleton->setSelectionMap(new RySelectionMap); return;
-        case 7: m_shape->setFacetMesh(new RyFacetMesh); return;
-        case 8: m_object->addShape(new RyFacetShape(new RyFacetMesh)); return;
-        case 9: m_shape->setParts(parts()); return;
-        case 10: m_skeleton->setDrawGLBones(true); return;
+        case 5:
+            m_skeleton->getSelectionMap()->addPair(QStringLiteral("group"), m_bone, false);
+            return;
+        case 6:
+            m_skeleton->setSelectionMap(new RySelectionMap);
+            return;
+        case 7:
+            m_shape->setFacetMesh(new RyFacetMesh);
+            return;
+        case 8:
+            m_object->addShape(new RyFacetShape(new RyFacetMesh));
+            return;
+        case 9:
+            m_shape->setParts(parts());
+            return;
+        case 10:
+            m_skeleton->setDrawGLBones(true);
+            return;
         }
     }
     static std::shared_ptr<const RyMeshParts> parts()
@@ -197,17 +218,26 @@ private:
         QString text;
         for (const RyShape *shape : m_object->getShapes()) {
             const auto *facets = qobject_cast<const RyFacetShape *>(shape);
-            text += QStringLiteral("shape %1 mesh %2 parts %3:").arg(quintptr(shape)).arg(quintptr(facets->getFacetMesh()))
+            text += QStringLiteral("shape %1 mesh %2 parts %3:")
+                        .arg(quintptr(shape))
+                        .arg(quintptr(facets->getFacetMesh()))
                         .arg(quintptr(facets->getParts().get()));
             for (const RyVec3 &p : facets->getFacetMesh()->getPositions())
                 text += QStringLiteral(" (%1 %2 %3)").arg(p.x).arg(p.y).arg(p.z);
             for (const RyFacet &f : facets->getFacetMesh()->getFacets())
-                text += QStringLiteral(" [%1 %2 %3 in %4]").arg(f.vertices[0]).arg(f.vertices[1]).arg(f.vertices[2]).arg(f.group);
+                text += QStringLiteral(" [%1 %2 %3 in %4]")
+                            .arg(f.vertices[0])
+                            .arg(f.vertices[1])
+                            .arg(f.vertices[2])
+                            .arg(f.group);
             for (int i = 0; i < facets->getFacetMesh()->getNumFaceGroups(); ++i)
                 text += QLatin1Char(' ') + facets->getFacetMesh()->getFaceGroup(i)->getName();
         }
         const RySelectionMap *map = m_skeleton->getSelectionMap();
-        text += QStringLiteral(" map %1 with %2, %3").arg(quintptr(map)).arg(map->getNumPairs()).arg(m_skeleton->drawsGLBones());
+        text += QStringLiteral(" map %1 with %2, %3")
+                    .arg(quintptr(map))
+                    .arg(map->getNumPairs())
+                    .arg(m_skeleton->drawsGLBones());
         return text;
     }
 

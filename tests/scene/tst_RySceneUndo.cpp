@@ -108,7 +108,8 @@ private slots:
         QCOMPARE(ryUndoStack()->count(), 0);
     }
 
-    /// Random edits of the tree in steps, among them edits that nothing records; undo and redo lead through the same texts.
+    /// Random edits of the tree in steps, among them edits that nothing records; undo and redo lead through the same
+    /// texts.
     void randomTreeEdits()
     {
         for (int run = 0; run < 20; ++run) {

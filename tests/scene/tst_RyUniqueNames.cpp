@@ -27,12 +27,18 @@ void RyUniqueNamesTest::numbersAreReplaced_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("unique");
     // Taken: arm, arm2, arm4, arm9, arm (3), arm 2, 12
-    QTest::newRow("name") << false << "arm" << "arm3";
-    QTest::newRow("name with a number") << false << "arm9" << "arm3";
-    QTest::newRow("name of digits") << false << "12" << "122";
-    QTest::newRow("label") << true << "arm" << "arm 3";
-    QTest::newRow("label with a number") << true << "arm 2" << "arm 3";
-    QTest::newRow("label with parentheses") << true << "arm (3)" << "arm 3";
+    QTest::newRow("name") << false << "arm"
+                          << "arm3";
+    QTest::newRow("name with a number") << false << "arm9"
+                                        << "arm3";
+    QTest::newRow("name of digits") << false << "12"
+                                    << "122";
+    QTest::newRow("label") << true << "arm"
+                           << "arm 3";
+    QTest::newRow("label with a number") << true << "arm 2"
+                                         << "arm 3";
+    QTest::newRow("label with parentheses") << true << "arm (3)"
+                                            << "arm 3";
 }
 
 void RyUniqueNamesTest::numbersAreReplaced()

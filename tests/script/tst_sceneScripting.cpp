@@ -23,7 +23,10 @@ class SceneScriptingTest : public QObject
     RyBone *m_foot = nullptr;
     RyNode *m_prop = nullptr;
 
-    QScriptValue run(const char *program) { return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test")); }
+    QScriptValue run(const char *program)
+    {
+        return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
+    }
     bool holds(const char *program)
     {
         const QScriptValue value = run(program);
@@ -46,7 +49,8 @@ private slots:
         m_hip = new RyBone;
         m_foot = new RyBone;
         m_prop = new RyNode;
-        const std::pair<RyNode *, const char *> names[] = {{m_figure, "figure"}, {m_hip, "hip"}, {m_foot, "foot"}, {m_prop, "prop"}};
+        const std::pair<RyNode *, const char *> names[] = {
+            {m_figure, "figure"}, {m_hip, "hip"}, {m_foot, "foot"}, {m_prop, "prop"}};
         for (const auto &[node, name] : names)
             node->setName(QString::fromLatin1(name));
         m_figure->addNodeChild(m_hip);
@@ -74,17 +78,22 @@ private slots:
         m_prop->setName(QStringLiteral("foot"));
         QVERIFY(errorOf("Scene.find('foot')").contains(QLatin1String("figure/hip/foot")));
         QVERIFY(holds("findNode('nobody') === null"));
-        QVERIFY(holds("Scene.getNodes().length == 4 && Scene.getTopLevelNodes().length == 2 && Scene.getSkeletons().length == 1"));
+        QVERIFY(holds("Scene.getNodes().length == 4 && Scene.getTopLevelNodes().length == 2 && "
+                      "Scene.getSkeletons().length == 1"));
     }
 
     void nodesKnowTheirPlace()
     {
-        QVERIFY(holds("var f = Scene.find('foot'); f.getPath() == 'figure/hip/foot' && f.getSkeleton().className() == 'RyFigure'"));
+        QVERIFY(holds("var f = Scene.find('foot'); f.getPath() == 'figure/hip/foot' && f.getSkeleton().className() == "
+                      "'RyFigure'"));
         QVERIFY(holds("f.isA('RyBone') && f.isA('RyNode') && !f.isA('RyFigure')"));
-        QVERIFY(holds("var g = f.getSkeleton(); g.getNodeParent() === null && g.getNodeChildren().length == 1 && g.getNodeChildren(true).length == 2"));
-        QVERIFY(holds("g.getAllBones()[1] === f && g.findBone('foot') === f && g.findBone('toe') === null && g.getUniqueBoneName('hip') == 'hip2'"));
+        QVERIFY(holds("var g = f.getSkeleton(); g.getNodeParent() === null && g.getNodeChildren().length == 1 && "
+                      "g.getNodeChildren(true).length == 2"));
+        QVERIFY(holds("g.getAllBones()[1] === f && g.findBone('foot') === f && g.findBone('toe') === null && "
+                      "g.getUniqueBoneName('hip') == 'hip2'"));
         QVERIFY(holds("Scene.find('hip').getNodeChild(0) === f && Scene.find('hip').getNodeChild(7) === null"));
-        QVERIFY(holds("Scene.find('prop').addNodeChild(f) && f.getPath() == 'prop/foot' && !f.addNodeChild(Scene.find('prop'))"));
+        QVERIFY(holds(
+            "Scene.find('prop').addNodeChild(f) && f.getPath() == 'prop/foot' && !f.addNodeChild(Scene.find('prop'))"));
         QCOMPARE(m_foot->getNodeParent(), m_prop);
     }
 
@@ -118,12 +127,14 @@ private slots:
 
     void undoSteps()
     {
-        QVERIFY(holds("var h = Scene.find('hip'); Undo.step('One', function() { h.setName('pelvis'); h.setValue('xrot', 5); return 7; }) === 7"));
+        QVERIFY(holds("var h = Scene.find('hip'); Undo.step('One', function() { h.setName('pelvis'); "
+                      "h.setValue('xrot', 5); return 7; }) === 7"));
         QCOMPARE(ryUndoStack()->count(), 1);
         QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("One"));
         QVERIFY(holds("Undo.undo() && h.getName() == 'hip' && h.getValue('xrot') === 0 && !Undo.undo()"));
         QVERIFY(holds("Undo.redo() && h.getName() == 'pelvis' && !Undo.redo() && Undo.index() == 1"));
-        QVERIFY(errorOf("Undo.step('Two', function() { h.setName('x'); throw new Error('stop'); })").contains(QLatin1String("stop")));
+        QVERIFY(errorOf("Undo.step('Two', function() { h.setName('x'); throw new Error('stop'); })")
+                    .contains(QLatin1String("stop")));
         QCOMPARE(m_hip->getName(), QStringLiteral("pelvis"));
         QCOMPARE(ryUndoStack()->count(), 1);
         QVERIFY(!ryUndoStack()->isHoldOpen());
@@ -142,8 +153,10 @@ private slots:
         QCOMPARE(qscriptvalue_cast<RyBone *>(run("Scene.find('hip')")), m_hip);
         QCOMPARE(qscriptvalue_cast<RyNode *>(run("Scene.find('hip')")), static_cast<RyNode *>(m_hip));
         QCOMPARE(qscriptvalue_cast<RyBone *>(run("Scene.find('prop')")), nullptr);
-        QVERIFY(holds("typeof Scene.find('prop').getAllBones == 'undefined' && typeof Scene.find('hip').deleteLater == 'undefined'"));
-        QVERIFY(errorOf("Scene.find('figure').getAllBones.call(Scene.find('hip'))").contains(QLatin1String("RySkeleton")));
+        QVERIFY(holds("typeof Scene.find('prop').getAllBones == 'undefined' && typeof Scene.find('hip').deleteLater == "
+                      "'undefined'"));
+        QVERIFY(
+            errorOf("Scene.find('figure').getAllBones.call(Scene.find('hip'))").contains(QLatin1String("RySkeleton")));
     }
 
     void nodesThatAreGone()
@@ -176,23 +189,29 @@ private slots:
         }
         object->addModifier(skin);
         m_figure->setObject(object);
-        QVERIFY(holds("var s = Scene.find('figure').getSkinBinding(); s.getNumBoneBindings() == 2 && s.hasGeneralMaps() && !s.hasLocalMaps()"));
-        QVERIFY(holds("var b = s.findBoneBinding(Scene.find('foot')); b.getBone() === Scene.find('foot') && b.getLocalWeights(0) === null"));
-        QVERIFY(holds("var m = b.getWeights(); m.getNumWeights() == 3 && m.getNumAffected() == 1 && m.getWeight(1) == 25535 && m.getWeight(9) == 0"));
+        QVERIFY(holds("var s = Scene.find('figure').getSkinBinding(); s.getNumBoneBindings() == 2 && "
+                      "s.hasGeneralMaps() && !s.hasLocalMaps()"));
+        QVERIFY(holds("var b = s.findBoneBinding(Scene.find('foot')); b.getBone() === Scene.find('foot') && "
+                      "b.getLocalWeights(0) === null"));
+        QVERIFY(holds("var m = b.getWeights(); m.getNumWeights() == 3 && m.getNumAffected() == 1 && m.getWeight(1) == "
+                      "25535 && m.getWeight(9) == 0"));
         QVERIFY(holds("m.getAffectedIndices()[0] === 1 && m.getAffectedWeights()[0] === 25535"));
-        QVERIFY(holds("var sum = 0; s.getBoneBindings().forEach(function(x) { sum += x.getWeights().getWeight(1); }); sum === 65535"));
+        QVERIFY(holds("var sum = 0; s.getBoneBindings().forEach(function(x) { sum += x.getWeights().getWeight(1); }); "
+                      "sum === 65535"));
         QVERIFY(holds("s.findBoneBinding(Scene.find('prop')) === null"));
     }
 
     void namesStayUnique()
     {
-        QVERIFY2(errorOf("Scene.find('foot').setName('hip')").contains(QLatin1String("it belongs to figure/hip")), "of one figure");
+        QVERIFY2(errorOf("Scene.find('foot').setName('hip')").contains(QLatin1String("it belongs to figure/hip")),
+                 "of one figure");
         QVERIFY(errorOf("Scene.find('prop').setName('figure')").contains(QLatin1String("taken")));
         QCOMPARE(m_foot->getName(), QStringLiteral("foot"));
         QVERIFY(holds("Scene.find('foot').setName('foot'); Scene.find('foot').setName('figure'); true"));
         QCOMPARE(m_foot->getName(), QStringLiteral("figure"));
         m_prop->setName(QStringLiteral("hip"));
-        QVERIFY(errorOf("Scene.find('figure/hip').addNodeChild(Scene.getTopLevelNodes()[1])").contains(QLatin1String("taken")));
+        QVERIFY(errorOf("Scene.find('figure/hip').addNodeChild(Scene.getTopLevelNodes()[1])")
+                    .contains(QLatin1String("taken")));
         QVERIFY(!m_prop->getNodeParent());
         m_prop->setName(QStringLiteral("hat"));
         QVERIFY(holds("Scene.find('hip').addNodeChild(Scene.find('hat'))"));

@@ -6,9 +6,9 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScriptEngine.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <QTimer>
 
@@ -40,9 +40,15 @@ class UndoScriptingTest : public QObject
     std::unique_ptr<Commands> m_commands;
     RyNode *m_prop = nullptr;
 
-    QScriptValue run(const char *program) { return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test")); }
+    QScriptValue run(const char *program)
+    {
+        return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
+    }
     QString dump() const { return rySceneDump(*m_scene); }
-    static QString lastWarning() { return RyMessageLog::global().warnings().value(RyMessageLog::global().warnings().size() - 1); }
+    static QString lastWarning()
+    {
+        return RyMessageLog::global().warnings().value(RyMessageLog::global().warnings().size() - 1);
+    }
 
 private slots:
     void init()
@@ -82,7 +88,8 @@ private slots:
         QFETCH(int, most);
         ryRestorePoints()->setMost(most);
         const QString before = dump();
-        run("Undo.step('Fails', function() { prop.setValue('yrot', 20); Commands.clearAndHide(); prop.setValue('zrot', 30);"
+        run("Undo.step('Fails', function() { prop.setValue('yrot', 20); Commands.clearAndHide(); prop.setValue('zrot', "
+            "30);"
             " throw new Error('no'); });");
         QVERIFY(m_engine->hasFailed());
         QVERIFY2(lastWarning().contains(QLatin1String("no")), qPrintable(lastWarning()));
@@ -98,18 +105,22 @@ private slots:
     {
         ryRestorePoints()->setMost(20);
         const QString before = dump();
-        run("Undo.step('Clears', function() { prop.setValue('yrot', 20); Commands.clearAndHide(); prop.setValue('zrot', 30); });");
+        run("Undo.step('Clears', function() { prop.setValue('yrot', 20); Commands.clearAndHide(); "
+            "prop.setValue('zrot', 30); });");
         QVERIFY(!m_engine->hasFailed());
         QCOMPARE(m_prop->getZRotControl()->getValue(), 30.0f);
         QCOMPARE(ryUndoStack()->count(), 0);
-        QVERIFY(run("RestorePoints.count() === 1 && RestorePoints.caption(0) === 'Clears' && RestorePoints.restore(0)").toBool());
+        QVERIFY(run("RestorePoints.count() === 1 && RestorePoints.caption(0) === 'Clears' && RestorePoints.restore(0)")
+                    .toBool());
         QCOMPARE(dump(), before);
         QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("First"));
     }
 
     void restorePointsShowNothingElse()
     {
-        QVERIFY(run("RestorePoints.setMost === undefined && RestorePoints.clear === undefined && RestorePoints.take === undefined").toBool());
+        QVERIFY(run("RestorePoints.setMost === undefined && RestorePoints.clear === undefined && RestorePoints.take "
+                    "=== undefined")
+                    .toBool());
         QVERIFY(run("RestorePoints.caption(3) === '' && !RestorePoints.restore(3)").toBool());
     }
 

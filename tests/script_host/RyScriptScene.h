@@ -50,8 +50,10 @@ public:
     {
         scene()->setSelection({node});
         RyScript script{QString()};
-        return script.loadFromFile(RyApp::getHomePath() + QStringLiteral("/scripts/support/Velmor/OstraToolkit/ryRenameNode.rsx"), true)
-            && script.execute();
+        return script.loadFromFile(RyApp::getHomePath() +
+                                       QStringLiteral("/scripts/support/Velmor/OstraToolkit/ryRenameNode.rsx"),
+                                   true) &&
+               script.execute();
     }
 
     std::unique_ptr<RyMainWindow> window;

@@ -73,7 +73,8 @@ private slots:
         RyDialogDriver driver;
         s.scene()->setSelection({});
         RyScript script{QString()};
-        QVERIFY(script.loadFromFile(RyApp::getHomePath() + QStringLiteral("/scripts/support/Velmor/OstraToolkit/ryRenameNode.rsx"), true));
+        QVERIFY(script.loadFromFile(
+            RyApp::getHomePath() + QStringLiteral("/scripts/support/Velmor/OstraToolkit/ryRenameNode.rsx"), true));
         QVERIFY(script.execute());
         QVERIFY(driver.records().empty());
     }
@@ -98,7 +99,8 @@ private slots:
         QVERIFY(s.rename(s.hip));
         QVERIFY(stayed);
         QCOMPARE(said.size(), 2);
-        QVERIFY2(said.at(0).contains(QLatin1String("\"abdomen\"")) && said.at(0).contains(QLatin1String("figure/hip/abdomen")),
+        QVERIFY2(said.at(0).contains(QLatin1String("\"abdomen\"")) &&
+                     said.at(0).contains(QLatin1String("figure/hip/abdomen")),
                  qPrintable(said.at(0)));
         QVERIFY2(said.at(1).isEmpty(), qPrintable(said.at(1)));
         QCOMPARE(s.hip->getName(), QStringLiteral("pelvis"));
@@ -109,12 +111,18 @@ private slots:
         QTest::addColumn<QString>("node");
         QTest::addColumn<QString>("name");
         QTest::addColumn<bool>("taken");
-        QTest::newRow("another bone") << "hip" << "thigh" << true;
-        QTest::newRow("another case") << "hip" << "Thigh" << false;
-        QTest::newRow("a top-level node, for a bone") << "hip" << "prop" << false;
-        QTest::newRow("a top-level node, for another") << "figure" << "prop" << true;
-        QTest::newRow("a bone, for a top-level node") << "prop" << "thigh" << false;
-        QTest::newRow("the figure, for its bone") << "hip" << "figure" << false;
+        QTest::newRow("another bone") << "hip"
+                                      << "thigh" << true;
+        QTest::newRow("another case") << "hip"
+                                      << "Thigh" << false;
+        QTest::newRow("a top-level node, for a bone") << "hip"
+                                                      << "prop" << false;
+        QTest::newRow("a top-level node, for another") << "figure"
+                                                       << "prop" << true;
+        QTest::newRow("a bone, for a top-level node") << "prop"
+                                                      << "thigh" << false;
+        QTest::newRow("the figure, for its bone") << "hip"
+                                                  << "figure" << false;
     }
 
     void namesThatAreTaken()

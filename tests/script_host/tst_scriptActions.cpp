@@ -5,8 +5,8 @@
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 
-#include <QLineEdit>
 #include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QVBoxLayout>
 
@@ -40,7 +40,10 @@ class ScriptActionsTest : public QObject
 {
     Q_OBJECT
 
-    static QString lastWarning() { return RyMessageLog::global().warnings().value(RyMessageLog::global().warnings().size() - 1); }
+    static QString lastWarning()
+    {
+        return RyMessageLog::global().warnings().value(RyMessageLog::global().warnings().size() - 1);
+    }
 
 private slots:
     void runWithFieldsAndAnswers()
@@ -48,12 +51,16 @@ private slots:
         RyScriptScene s;
         auto *action = new RyTestAskAction;
         s.window->getActionMgr()->addAction(action);
-        QVERIFY(s.evaluate("Actions.names().indexOf('RyTestAskAction') >= 0 && Actions.isEnabled('RyTestAskAction')").toBool());
-        QVERIFY(s.evaluate("var r = Actions.run('RyTestAskAction', {WordLed: 12.5}, {'Sure?': 'Yes'});"
-                           "r.ran && !r.refused && r.reason === '' && r.boxes.length == 2 && r.boxes[1].title == 'Sure?'"
-                           " && r.boxes[1].answered == 'Yes' && r.boxes[1].buttons.length == 2").toBool());
+        QVERIFY(s.evaluate("Actions.names().indexOf('RyTestAskAction') >= 0 && Actions.isEnabled('RyTestAskAction')")
+                    .toBool());
+        QVERIFY(
+            s.evaluate("var r = Actions.run('RyTestAskAction', {WordLed: 12.5}, {'Sure?': 'Yes'});"
+                       "r.ran && !r.refused && r.reason === '' && r.boxes.length == 2 && r.boxes[1].title == 'Sure?'"
+                       " && r.boxes[1].answered == 'Yes' && r.boxes[1].buttons.length == 2")
+                .toBool());
         QCOMPARE(action->said, QStringLiteral("12.5!"));
-        QVERIFY(s.evaluate("Actions.run('RyTestAskAction', null, {'Sure?': 'No', 'Words': 'Cancel'}).cancelled").toBool());
+        QVERIFY(
+            s.evaluate("Actions.run('RyTestAskAction', null, {'Sure?': 'No', 'Words': 'Cancel'}).cancelled").toBool());
         QCOMPARE(action->said, QStringLiteral("12.5!?"));
         action->setEnabled(false);
         QVERIFY(s.evaluate("r = Actions.run('RyTestAskAction'); !r.ran && r.refused && r.reason != ''").toBool());
@@ -65,10 +72,14 @@ private slots:
         QTest::addColumn<QByteArray>("program");
         QTest::addColumn<QString>("says");
         QTest::newRow("class") << QByteArray("Actions.run('RyTestAksAction')") << QStringLiteral("RyTestAskAction");
-        QTest::newRow("class to ask for") << QByteArray("Actions.isEnabled('RyTestAksAction')") << QStringLiteral("RyTestAskAction");
-        QTest::newRow("field") << QByteArray("Actions.run('RyTestAskAction', {Word: 'a'})") << QStringLiteral("WordLed (text)");
-        QTest::newRow("button") << QByteArray("Actions.run('RyTestAskAction', {}, {'Sure?': 'Perhaps'})") << QStringLiteral("Perhaps");
-        QTest::newRow("no object") << QByteArray("Actions.run('RyTestAskAction', 'WordLed')") << QStringLiteral("object of fields");
+        QTest::newRow("class to ask for")
+            << QByteArray("Actions.isEnabled('RyTestAksAction')") << QStringLiteral("RyTestAskAction");
+        QTest::newRow("field") << QByteArray("Actions.run('RyTestAskAction', {Word: 'a'})")
+                               << QStringLiteral("WordLed (text)");
+        QTest::newRow("button") << QByteArray("Actions.run('RyTestAskAction', {}, {'Sure?': 'Perhaps'})")
+                                << QStringLiteral("Perhaps");
+        QTest::newRow("no object") << QByteArray("Actions.run('RyTestAskAction', 'WordLed')")
+                                   << QStringLiteral("object of fields");
     }
 
     void mistakesAreErrors()
@@ -86,7 +97,8 @@ private slots:
     void formsTellOfMistakes()
     {
         RyScriptScene s;
-        QVERIFY(s.evaluate("var f = new RyScriptForm('Title'); f.addText('a', 'A:', 'x'); f.value('a') === 'x'").toBool());
+        QVERIFY(
+            s.evaluate("var f = new RyScriptForm('Title'); f.addText('a', 'A:', 'x'); f.value('a') === 'x'").toBool());
         s.evaluate("f.addText('a', 'A:', 'x')");
         QVERIFY(s.window->getScriptEngine()->hasFailed());
         QVERIFY2(lastWarning().contains(QLatin1String("\"a\"")), qPrintable(lastWarning()));

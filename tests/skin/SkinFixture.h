@@ -12,7 +12,8 @@
 
 #include <random>
 
-/// A skeleton with bones in a tree, an object with a cloud of vertices, and a skin with one binding per bone, without maps.
+/// A skeleton with bones in a tree, an object with a cloud of vertices, and a skin with one binding per bone, without
+/// maps.
 struct SkinFixture
 {
     explicit SkinFixture(int boneCount = 6, int vertexCount = 300) : random(ryTestSeed())
@@ -26,7 +27,8 @@ struct SkinFixture
             parent->addNodeChild(bone);
             bone->setOrigin({float(number(-30, 30)), float(number(0, 150)), float(number(-20, 20))}, true);
             bone->setEndPoint(bone->getOrigin() + RyVec3(0, 10, 0), true);
-            bone->setOrientation(RyQuat(RyVec3(float(number(-1, 1)), 1, float(number(-1, 1))), float(number(-3, 3))), true);
+            bone->setOrientation(RyQuat(RyVec3(float(number(-1, 1)), 1, float(number(-1, 1))), float(number(-3, 3))),
+                                 true);
             bone->setRotationOrder(RyRotationOrder(i % 6));
             bones.push_back(bone);
         }
@@ -121,7 +123,8 @@ inline QString dumpWeights(const RySkinBinding *skin)
                 continue;
             float values[4];
             bulge->getBulgeValues(values[0], values[1], values[2], values[3]);
-            text += QString(" bulge%1(%2 %3 %4 %5)").arg(axis).arg(values[0]).arg(values[1]).arg(values[2]).arg(values[3]);
+            text +=
+                QString(" bulge%1(%2 %3 %4 %5)").arg(axis).arg(values[0]).arg(values[1]).arg(values[2]).arg(values[3]);
         }
         text += ']';
     }

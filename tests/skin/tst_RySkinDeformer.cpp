@@ -361,7 +361,8 @@ void RySkinDeformerTest::oneLocalMapTurnsAboutItsAxisOnly()
 
 void RySkinDeformerTest::localMapsMatchStagesInDoubles()
 {
-    // One bone with order YZX under a turned parent, all four maps different: the stages written out with turns of vectors.
+    // One bone with order YZX under a turned parent, all four maps different: the stages written out with turns of
+    // vectors.
     SkinFixture f(2, 300);
     RyBone *parent = f.bones[0];
     RyBone *bone = f.bones[1];
@@ -399,10 +400,12 @@ void RySkinDeformerTest::localMapsMatchStagesInDoubles()
     const RyVec3 parentOrigin = parent->getOrigin();
     const RyVec3 origin = bone->getOrigin();
     const auto toFigure = [&](const Vec &v) {
-        const Vec p{v[0] + origin.x - parentOrigin.x, v[1] + origin.y - 3.0 - parentOrigin.y, v[2] + origin.z - parentOrigin.z};
+        const Vec p{v[0] + origin.x - parentOrigin.x, v[1] + origin.y - 3.0 - parentOrigin.y,
+                    v[2] + origin.z - parentOrigin.z};
         Vec r;
         for (int j = 0; j < 3; ++j)
-            r[size_t(j)] = p[0] * parentWorld[0][j] + p[1] * parentWorld[1][j] + p[2] * parentWorld[2][j] + parentWorld[3][j];
+            r[size_t(j)] =
+                p[0] * parentWorld[0][j] + p[1] * parentWorld[1][j] + p[2] * parentWorld[2][j] + parentWorld[3][j];
         return r;
     };
     std::vector<RyVec3> out;
@@ -498,17 +501,28 @@ void RySkinDeformerTest::changesReachTheNextDeformation()
         RyBoneBinding *binding = f.skin->bindings()[f.random() % unsigned(f.skin->getNumBoneBindings())];
         RyBone *bone = f.bones[f.random() % f.bones.size()];
         switch (f.random() % 7) {
-        case 0: f.mesh->setVertex(int(f.random() % 400u), {1, 2, 3}); break;
+        case 0:
+            f.mesh->setVertex(int(f.random() % 400u), {1, 2, 3});
+            break;
         case 1:
             binding->getWeights()->beginEdit();
             binding->getWeights()->getWeights()[f.random() % 400u] = quint16(f.random());
             binding->getWeights()->finishEdit();
             break;
-        case 2: binding->setWeights(f.mapOf(f.randomWeights()[0])); break;
-        case 3: bone->setRotationOrder(RyRotationOrder(int(f.random() % 6u))); break;
-        case 4: bone->setInheritScale(!bone->inheritsScale()); break;
-        case 5: bone->setOrigin({float(f.number(-9, 9)), 4, 5}); break;
-        default: f.pose(bone);
+        case 2:
+            binding->setWeights(f.mapOf(f.randomWeights()[0]));
+            break;
+        case 3:
+            bone->setRotationOrder(RyRotationOrder(int(f.random() % 6u)));
+            break;
+        case 4:
+            bone->setInheritScale(!bone->inheritsScale());
+            break;
+        case 5:
+            bone->setOrigin({float(f.number(-9, 9)), 4, 5});
+            break;
+        default:
+            f.pose(bone);
         }
         QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
         for (int v = 0; v < 400; ++v) {
@@ -518,7 +532,8 @@ void RySkinDeformerTest::changesReachTheNextDeformation()
                 const RyAffine &map = b->getBone()->figureMap();
                 const double from[3] = {p.x, p.y, p.z};
                 for (int j = 0; j < 3; ++j) {
-                    const double image = from[0] * map.m[0][j] + from[1] * map.m[1][j] + from[2] * map.m[2][j] + map.m[3][j];
+                    const double image =
+                        from[0] * map.m[0][j] + from[1] * map.m[1][j] + from[2] * map.m[2][j] + map.m[3][j];
                     expected[j] += b->getWeights()->getWeight(v) / 65535.0 * (image - from[j]);
                 }
             }

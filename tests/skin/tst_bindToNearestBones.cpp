@@ -37,7 +37,10 @@ struct Tube
     }
 
     const RyBoneBinding *binding(int bone) const { return fixture.skin->findBoneBinding(fixture.bones[size_t(bone)]); }
-    quint16 weight(int bone, int ring, int k = 0) const { return binding(bone)->getWeights()->getWeight(ring * RingSize + k); }
+    quint16 weight(int bone, int ring, int k = 0) const
+    {
+        return binding(bone)->getWeights()->getWeight(ring * RingSize + k);
+    }
 
     int sum(int vertex) const
     {
@@ -129,8 +132,8 @@ private slots:
         tube.place(0, tube.fixture.skeleton.get(), 0, 10);
         tube.place(1, tube.fixture.bones[0], 10, 20);
         tube.place(2, tube.fixture.bones[1], 20, 30);
-        tube.fixture.skin->findBoneBinding(tube.fixture.bones[2])->setWeights(
-            tube.fixture.mapOf(std::vector<quint16>(size_t(tube.fixture.mesh->getNumVertices()), 65535)));
+        tube.fixture.skin->findBoneBinding(tube.fixture.bones[2])
+            ->setWeights(tube.fixture.mapOf(std::vector<quint16>(size_t(tube.fixture.mesh->getNumVertices()), 65535)));
         const QString before = dumpWeights(tube.fixture.skin);
         {
             RyUndoStackHold hold;

@@ -16,9 +16,9 @@ static std::atomic<int> connectWarnings{0};
 static void failOnConnectWarning(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     testMessageHandler(type, context, message);
-    const bool isOfConnect = message.startsWith(QLatin1String("QObject::connect"))
-        || message.startsWith(QLatin1String("QObject::disconnect"))
-        || message.startsWith(QLatin1String("QMetaObject::connectSlotsByName"));
+    const bool isOfConnect = message.startsWith(QLatin1String("QObject::connect")) ||
+                             message.startsWith(QLatin1String("QObject::disconnect")) ||
+                             message.startsWith(QLatin1String("QMetaObject::connectSlotsByName"));
     if (type != QtWarningMsg || !isOfConnect)
         return;
     ++connectWarnings;

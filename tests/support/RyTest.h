@@ -25,7 +25,8 @@ struct RyTestRegistration
     }
 };
 
-#define RY_TEST(Class) static RyTestRegistration registerTest##Class(#Class, [] { return static_cast<QObject *>(new Class); });
+#define RY_TEST(Class)                                                                                                 \
+    static RyTestRegistration registerTest##Class(#Class, [] { return static_cast<QObject *>(new Class); });
 
 /// The folder of real characters, or an empty text when this machine has none; a test that needs it says so with QSKIP.
 QString ryModelsPath();

@@ -12,8 +12,7 @@ struct RyFilledBoneDialog : RyJEBoneCreationDlg
         : RyJEBoneCreationDlg(tool), name(findChild<QLineEdit *>("JointEditorCreateBoneNameLEdit")),
           label(findChild<QLineEdit *>("JointEditorCreateBoneLabelLEdit")),
           order(findChild<QComboBox *>("JointEditorCreateBoneRotationOrderCmb"))
-    {
-    }
+    {}
     void fill(const QString &nameText, const QString &labelText)
     {
         name->setText(nameText);

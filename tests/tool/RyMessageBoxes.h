@@ -24,7 +24,8 @@ public:
 private:
     void note(const RyDialogRecord &box)
     {
-        const QStringList parts{box.title, box.text, box.offersOnlyOk() ? QStringLiteral("Ok") : QStringLiteral("other"),
+        const QStringList parts{box.title, box.text,
+                                box.offersOnlyOk() ? QStringLiteral("Ok") : QStringLiteral("other"),
                                 box.icon == QMessageBox::Warning ? QStringLiteral("warning") : QStringLiteral("other")};
         said.append(parts.join('|'));
         facts.append(QStringList({box.iconName(), box.title, box.text, box.buttons.join(','), box.defaultButton,

@@ -90,7 +90,8 @@ static void addFaultsOfWeights(const RySkinBinding *skin, QStringList &faults)
         }
         for (size_t v = 0; v < sums.size(); ++v) {
             if (sums[v] != 0 && sums[v] != RyWeightMap::FullWeight)
-                faults.append(QStringLiteral("%1 weights of %2: %3").arg(QLatin1String(names[kind])).arg(v).arg(sums[v]));
+                faults.append(
+                    QStringLiteral("%1 weights of %2: %3").arg(QLatin1String(names[kind])).arg(v).arg(sums[v]));
         }
     }
 }

@@ -13,8 +13,8 @@ RyWeightMap *ryMapOf(const std::vector<quint16> &weights);
 /// All weights of a map, or nothing for null.
 std::vector<int> ryWeightsOf(const RyWeightMap *map);
 
-/// The scene of the tool tests whose figure has a cloud of vertices and a skin that binds all five bones: random weights
-/// whose sum is full for each vertex and kind of map.
+/// The scene of the tool tests whose figure has a cloud of vertices and a skin that binds all five bones: random
+/// weights whose sum is full for each vertex and kind of map.
 struct RySkinnedScene : RyWindowScene
 {
     enum Maps { General, Local, Both };
@@ -27,8 +27,8 @@ struct RySkinnedScene : RyWindowScene
     RySkinBinding *skin;
 };
 
-/// What is wrong with a figure after bones came or went: weights of a vertex whose sum is neither full nor zero, bindings and
-/// pairs without a bone of the skeleton, names or labels that are there twice. Empty when all is well.
+/// What is wrong with a figure after bones came or went: weights of a vertex whose sum is neither full nor zero,
+/// bindings and pairs without a bone of the skeleton, names or labels that are there twice. Empty when all is well.
 QString ryFaultsOf(const RySkeleton *skeleton);
 /// How far the vertices of two pictures of an object are apart at most; infinite for different counts.
 float ryLargestWay(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b);

@@ -263,8 +263,9 @@ void RyHandleHoverTest::statusTextWhileDragging()
     scene.move({420, 300});
     scene.move({440, 300});
     QCOMPARE(changes.count(), 1);
-    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's "
-                                                         "length; right click or Esc cancels"));
+    QCOMPARE(scene.tool->getStatusText(),
+             QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's "
+                            "length; right click or Esc cancels"));
     scene.release({440, 300});
     QCOMPARE(scene.tool->getStatusText(), QString());
 }
@@ -279,7 +280,8 @@ void RyHandleHoverTest::statusTextInInteractiveMode()
     const QString creates = QStringLiteral("Ctrl+click creates a child bone of lShin");
     QCOMPARE(scene.tool->getStatusText(), creates);
     scene.hover(44);
-    QCOMPARE(scene.tool->getStatusText(), QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's length; ") + creates);
+    QCOMPARE(scene.tool->getStatusText(),
+             QStringLiteral("lShin, end point X: drag to move along X, Ctrl keeps the bone's length; ") + creates);
     scene.hover(0);
     scene.tool->setHighlightNode(scene.hip);
     QCOMPARE(scene.tool->getStatusText(), QStringLiteral("hip: click to select; ") + creates);

@@ -5,8 +5,8 @@
 
 #include "pluginsource/RyJointTools/dialogs/RyJointEditorToolDrawingOptionsDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDrawingActions.h"
-#include "rycore/ui/RyColorWgt.h"
 #include "rycore/automation/RyDialogDriver.h"
+#include "rycore/ui/RyColorWgt.h"
 #include "rycore/ui/RyIntSlider.h"
 
 #include <QComboBox>
@@ -29,17 +29,23 @@ struct Row
 
 const Row rows[] = {
     {"Bone Style :", "JointEditorBoneColorStyleLbl", "JointEditorBoneColorStyleCmb", "Solid Color|Axis Colored", "1"},
-    {"Selection Color :", "JointEditorDrawingSelectedColorLbl", "JointEditorDrawingSelectedColorWgt", "color", "#ffff00"},
+    {"Selection Color :", "JointEditorDrawingSelectedColorLbl", "JointEditorDrawingSelectedColorWgt", "color",
+     "#ffff00"},
     {"Dynamic Color :", "JointEditorDrawingDynamicColorLbl", "JointEditorDrawingDynamicColorWgt", "color", "#00ff00"},
     {"Static Color :", "JointEditorDrawingStaticColorLbl", "JointEditorDrawingStaticColorWgt", "color", "#ff0000"},
     {"Handle Style :", "JointEditorDrawingHandleStyleLbl", "JointEditorDrawingHandleStyleCmb", "Wireframe|Solid", "0"},
-    {"Sphere Style :", "JointEditorDrawingSphereStyleLbl", "JointEditorDrawingSphereStyleCmb", "Axis Only|Wireframe|Solid", "0"},
-    {"Sphere Opacity :", "JointEditorDrawingSphereOpacityLbl", "JointEditorDrawingSphereOpacitySldr", "percentage", "19"},
-    {"Sphere Line Density :", "JointEditorSphereLineDensityLbl", "JointEditorSphereLineDensitySldr", "percentage", "16"},
-    {"Weight Map Style :", "JointEditorWeightMapDrawStyleLbl", "JointEditorWeightMapDrawStyleCmb", "Points|Wireframe|Solid", "2"},
+    {"Sphere Style :", "JointEditorDrawingSphereStyleLbl", "JointEditorDrawingSphereStyleCmb",
+     "Axis Only|Wireframe|Solid", "0"},
+    {"Sphere Opacity :", "JointEditorDrawingSphereOpacityLbl", "JointEditorDrawingSphereOpacitySldr", "percentage",
+     "19"},
+    {"Sphere Line Density :", "JointEditorSphereLineDensityLbl", "JointEditorSphereLineDensitySldr", "percentage",
+     "16"},
+    {"Weight Map Style :", "JointEditorWeightMapDrawStyleLbl", "JointEditorWeightMapDrawStyleCmb",
+     "Points|Wireframe|Solid", "2"},
     {"Weight Map Opacity :", "JointEditorWeightMapOpacityLbl", "JointEditorWeightMapOpacitySldr", "percentage", "62"},
     {"Boundary Color :", "JointEditorBoundryColorLbl", "JointEditorBoundryColorWgt", "color", "#ffffff"},
-    {"Boundary Style :", "JointEditorMeshBoundryDrawStyleLbl", "JointEditorMeshBoundrySrawStyleCmb", "Points|Lines", "1"},
+    {"Boundary Style :", "JointEditorMeshBoundryDrawStyleLbl", "JointEditorMeshBoundrySrawStyleCmb", "Points|Lines",
+     "1"},
 };
 
 /// The twelve values, in the order in which they are written.
@@ -47,7 +53,8 @@ QStringList valuesOf(const RyJointEditorTool *tool)
 {
     const RyJointToolDisplay &display = tool->display();
     QStringList values;
-    for (const QColor &color : {display.selectedColor, display.dynamicColor, display.staticColor, display.boundaryColor})
+    for (const QColor &color :
+         {display.selectedColor, display.dynamicColor, display.staticColor, display.boundaryColor})
         values.append(color.name());
     for (int value : {display.boneColoringStyle, display.handleDrawing, display.sphereDrawing, display.weightMapMode,
                       display.boundaryStyle, display.sphereOpacity, display.sphereLineDensity, display.weightOpacity})
@@ -55,9 +62,11 @@ QStringList valuesOf(const RyJointEditorTool *tool)
     return values;
 }
 
-const QStringList startValues = {"#ffff00", "#00ff00", "#ff0000", "#ffffff", "1", "0", "0", "2", "1", "50", "60", "160"};
+const QStringList startValues = {"#ffff00", "#00ff00", "#ff0000", "#ffffff", "1",  "0",
+                                 "0",       "2",       "1",       "50",      "60", "160"};
 /// What the shown percentages make of them.
-const QStringList truncatedValues = {"#ffff00", "#00ff00", "#ff0000", "#ffffff", "1", "0", "0", "2", "1", "48", "57", "158"};
+const QStringList truncatedValues = {"#ffff00", "#00ff00", "#ff0000", "#ffffff", "1",  "0",
+                                     "0",       "2",       "1",       "48",      "57", "158"};
 
 } // namespace
 
@@ -81,7 +90,8 @@ private slots:
         QCOMPARE(m_dialog->objectName(), QStringLiteral("JointEditorDrawingOptionsDlg"));
         QCOMPARE(m_dialog->windowTitle(), QStringLiteral("Joint Editor Drawing Options"));
         QCOMPARE(m_dialog->minimumWidth(), 290);
-        QVERIFY(!m_dialog->findChild<QPushButton *>(QStringLiteral("BasicDialogApplyBtn"))->isVisibleTo(m_dialog.get()));
+        QVERIFY(
+            !m_dialog->findChild<QPushButton *>(QStringLiteral("BasicDialogApplyBtn"))->isVisibleTo(m_dialog.get()));
         const QMetaObject *meta = m_dialog->metaObject();
         QVERIFY(meta->indexOfSlot("updateTool()") >= meta->methodOffset());
     }
@@ -115,14 +125,16 @@ private slots:
     void showsTheToolsValues()
     {
         m_dialog.reset();
-        const QStringList values = {"#010203", "#040506", "#070809", "#0a0b0c", "0", "1", "2", "1", "0", "255", "360", "51"};
+        const QStringList values = {"#010203", "#040506", "#070809", "#0a0b0c", "0",   "1",
+                                    "2",       "1",       "0",       "255",     "360", "51"};
         write(values);
         QCOMPARE(valuesOf(tool()), values);
         m_dialog = std::make_unique<RyJointEditorToolDrawingOptionsDlg>(tool());
         QStringList shown;
         for (const Row &row : rows)
             shown.append(shownBy(control(row.name)));
-        QCOMPARE(shown, (QStringList{"0", "#010203", "#040506", "#070809", "1", "2", "100", "100", "1", "20", "#0a0b0c", "0"}));
+        QCOMPARE(shown, (QStringList{"0", "#010203", "#040506", "#070809", "1", "2", "100", "100", "1", "20", "#0a0b0c",
+                                     "0"}));
     }
 
     void openingChangesNothing()
@@ -145,8 +157,8 @@ private slots:
             for (const char *channel : {"Red", "Green", "Blue"})
                 expected.append(QLatin1String(color) + QLatin1String(channel));
         }
-        expected += {"BoneColoringStyle", "DrawHandles", "SphereDrawingEnabled", "WeightMapMode", "BoundaryStyle",
-                     "SphereOpacity", "SphereDensity", "WeightOpacity"};
+        expected += {"BoneColoringStyle", "DrawHandles",   "SphereDrawingEnabled", "WeightMapMode",
+                     "BoundaryStyle",     "SphereOpacity", "SphereDensity",        "WeightOpacity"};
         QCOMPARE(recorder.keys("set"), expected);
     }
 
@@ -235,7 +247,8 @@ private slots:
     void cancelRestoresAfterTheDialogClosed()
     {
         m_dialog->show();
-        const QStringList changed = {"#010203", "#040506", "#070809", "#0a0b0c", "0", "1", "2", "1", "0", "1", "2", "3"};
+        const QStringList changed = {"#010203", "#040506", "#070809", "#0a0b0c", "0", "1",
+                                     "2",       "1",       "0",       "1",       "2", "3"};
         QStringList seen;
         connect(m_dialog.get(), &QDialog::rejected, this, [&] { seen = valuesOf(tool()); });
         write(changed);
@@ -348,8 +361,8 @@ private:
             };
             values.append(QColor(channel("Red"), channel("Green"), channel("Blue")).name());
         }
-        for (const char *key : {"BoneColoringStyle", "DrawHandles", "SphereDrawingEnabled", "WeightMapMode", "BoundaryStyle",
-                                "SphereOpacity", "SphereDensity", "WeightOpacity"})
+        for (const char *key : {"BoneColoringStyle", "DrawHandles", "SphereDrawingEnabled", "WeightMapMode",
+                                "BoundaryStyle", "SphereOpacity", "SphereDensity", "WeightOpacity"})
             values.append(QString::number(settings.getIntValue(QLatin1String(key), -1)));
         return values;
     }

@@ -109,11 +109,10 @@ void RyJointEditorToolSelectionTest::announcesEveryNode()
 {
     QStringList announced; // outlives the scene, whose end is announced too
     RyToolScene scene;
-    connect(scene.tool, &RyJointEditorTool::nodeChanged, [&](RyNode *node) {
-        announced.append(node ? node->getName() : QStringLiteral("none"));
-    });
+    connect(scene.tool, &RyJointEditorTool::nodeChanged,
+            [&](RyNode *node) { announced.append(node ? node->getName() : QStringLiteral("none")); });
     RySignalCounter parameters;
-    connect(scene.tool, SIGNAL(paramChanged(RyLegacyJointParam*)), &parameters, SLOT(count()));
+    connect(scene.tool, SIGNAL(paramChanged(RyLegacyJointParam *)), &parameters, SLOT(count()));
     scene.manager->setActiveTool(scene.tool);
     scene.select(scene.lShin);
     scene.select(scene.figure);

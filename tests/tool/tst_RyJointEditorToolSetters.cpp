@@ -115,8 +115,10 @@ void RyJointEditorToolSettersTest::colors()
     const QByteArray slot = "set" + name + "Color";
     QVERIFY(QMetaObject::invokeMethod(&tool, slot.constData(), Q_ARG(QColor, QColor(11, 22, 33))));
     const RyJointToolDisplay &d = tool.display();
-    const QColor color = name == "Static" ? d.staticColor : name == "Dynamic" ? d.dynamicColor
-        : name == "Selected" ? d.selectedColor : d.boundaryColor;
+    const QColor color = name == "Static"     ? d.staticColor
+                         : name == "Dynamic"  ? d.dynamicColor
+                         : name == "Selected" ? d.selectedColor
+                                              : d.boundaryColor;
     QCOMPARE(color, QColor(11, 22, 33));
     QCOMPARE(tool.drawnDataChangeCount(), redraws + 1);
     const QString key = QString::fromLatin1(name);
@@ -161,10 +163,14 @@ void RyJointEditorToolSettersTest::clampedNumbers()
     QCOMPARE(recorder.accesses, QStringList{"Joint Editor Tool/" + key + " set int"});
     QCOMPARE(store.settings.getIntValue(key, -99), stored);
     const RyJointToolDisplay &d = tool.display();
-    const int shown = key == "DrawHandles" ? d.handleDrawing : key == "SphereDrawingEnabled" ? d.sphereDrawing
-        : key == "SphereOpacity" ? d.sphereOpacity : key == "SphereDensity" ? d.sphereLineDensity
-        : key == "WeightMapMode" ? d.weightMapMode : key == "WeightOpacity" ? d.weightOpacity
-        : key == "BoundaryStyle" ? d.boundaryStyle : d.boneColoringStyle;
+    const int shown = key == "DrawHandles"            ? d.handleDrawing
+                      : key == "SphereDrawingEnabled" ? d.sphereDrawing
+                      : key == "SphereOpacity"        ? d.sphereOpacity
+                      : key == "SphereDensity"        ? d.sphereLineDensity
+                      : key == "WeightMapMode"        ? d.weightMapMode
+                      : key == "WeightOpacity"        ? d.weightOpacity
+                      : key == "BoundaryStyle"        ? d.boundaryStyle
+                                                      : d.boneColoringStyle;
     QCOMPARE(shown, stored);
 }
 
@@ -179,8 +185,8 @@ void RyJointEditorToolSettersTest::storedBools()
     QVERIFY(tool.display().ghostBones);
     QVERIFY(!tool.display().showManipulators);
     QCOMPARE(tool.drawnDataChangeCount(), redraws + 2);
-    QCOMPARE(recorder.accesses, QStringList({"Joint Editor Tool/GhostBones set bool",
-                                             "Joint Editor Tool/ShowManipulators set bool"}));
+    QCOMPARE(recorder.accesses,
+             QStringList({"Joint Editor Tool/GhostBones set bool", "Joint Editor Tool/ShowManipulators set bool"}));
 }
 
 void RyJointEditorToolSettersTest::axisHobbleIsWrittenAsInt()

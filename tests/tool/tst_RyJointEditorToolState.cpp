@@ -91,10 +91,10 @@ void RyJointEditorToolStateTest::initialState()
     QVERIFY(!ryUndoStack()->isHoldOpen());
 
     const RyDragFrame &frame = tool.dragFrame();
-    const RyVec3 vectors[] = {frame.jointCenter,    frame.dynamicCenter,   frame.staticCenter,    frame.axes[0],
-                              frame.axes[1],        frame.axes[2],         frame.dynamicAxes[0],  frame.dynamicAxes[1],
-                              frame.dynamicAxes[2], frame.staticAxes[0],   frame.staticAxes[1],   frame.staticAxes[2],
-                              frame.references[0],  frame.references[1],   frame.pressVector,     frame.currentVector};
+    const RyVec3 vectors[] = {frame.jointCenter,    frame.dynamicCenter, frame.staticCenter,   frame.axes[0],
+                              frame.axes[1],        frame.axes[2],       frame.dynamicAxes[0], frame.dynamicAxes[1],
+                              frame.dynamicAxes[2], frame.staticAxes[0], frame.staticAxes[1],  frame.staticAxes[2],
+                              frame.references[0],  frame.references[1], frame.pressVector,    frame.currentVector};
     QCOMPARE(int(std::size(vectors)), 16);
     for (const RyVec3 &vector : vectors)
         QCOMPARE(vector, RyVec3());
@@ -118,16 +118,16 @@ void RyJointEditorToolStateTest::readsSettingsInOrder()
     const RySettingsRecorder recorder;
     RyJointEditorTool tool;
     const QStringList expected = {
-        "SphereOpacity", "SphereDensity", "WeightMapMode", "WeightOpacity", "DrawHandles", "SphereDrawingEnabled",
-        "BoneVis",       "DynamicRed",    "DynamicGreen",  "DynamicBlue",   "StaticRed",   "StaticGreen",
-        "StaticBlue",    "SelectedRed",   "SelectedGreen", "SelectedBlue",  "BoundaryStyle", "BoundaryRed",
-        "BoundaryGreen", "BoundaryBlue",  "BoneColoringStyle", "AxisHobble", "GhostBones", "ShowManipulators"};
+        "SphereOpacity", "SphereDensity", "WeightMapMode",     "WeightOpacity", "DrawHandles",   "SphereDrawingEnabled",
+        "BoneVis",       "DynamicRed",    "DynamicGreen",      "DynamicBlue",   "StaticRed",     "StaticGreen",
+        "StaticBlue",    "SelectedRed",   "SelectedGreen",     "SelectedBlue",  "BoundaryStyle", "BoundaryRed",
+        "BoundaryGreen", "BoundaryBlue",  "BoneColoringStyle", "AxisHobble",    "GhostBones",    "ShowManipulators"};
     QCOMPARE(recorder.keys("get"), expected);
     QCOMPARE(recorder.keys("set"), QStringList());
     for (const QString &access : recorder.accesses) {
         QVERIFY2(access.startsWith(QLatin1String("Joint Editor Tool/")), qPrintable(access));
-        const bool isBool = access.contains("AxisHobble") || access.contains("GhostBones")
-            || access.contains("ShowManipulators");
+        const bool isBool =
+            access.contains("AxisHobble") || access.contains("GhostBones") || access.contains("ShowManipulators");
         QVERIFY2(access.endsWith(isBool ? QLatin1String("get bool") : QLatin1String("get int")), qPrintable(access));
     }
 }
@@ -336,7 +336,7 @@ void RyJointEditorToolStateTest::unknownParameterSelectsNone()
     const RySettingsStoreForTest store;
     RyJointEditorTool tool;
     RySignalCounter announced;
-    connect(&tool, SIGNAL(paramChanged(RyLegacyJointParam*)), &announced, SLOT(count()));
+    connect(&tool, SIGNAL(paramChanged(RyLegacyJointParam *)), &announced, SLOT(count()));
     tool.setParam(nullptr);
     int nothing = 0;
     tool.setParam(reinterpret_cast<RyLegacyJointParam *>(&nothing));

@@ -82,8 +82,8 @@ void RyActionsTest::rules()
     auto *pinned = new RyNode;
     scene.hip->addNodeChild(pinned);
     const auto row = [](const RyNode *node) {
-        return QString::number(isAnyNode(node)) + QString::number(isSkeletonOrBone(node))
-            + QString::number(isBone(node)) + QString::number(isOfFigure(node));
+        return QString::number(isAnyNode(node)) + QString::number(isSkeletonOrBone(node)) +
+               QString::number(isBone(node)) + QString::number(isOfFigure(node));
     };
     QCOMPARE(row(nullptr), QStringLiteral("0000"));
     QCOMPARE(row(scene.prop), QStringLiteral("1000"));
@@ -98,10 +98,14 @@ void RyActionsTest::enabling_data()
 {
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("expected"); // nothing, prop, skeleton, bone of one, figure, bone of one
-    QTest::newRow("Align Node") << "RyJEAlignNodeAction" << "011111";
-    QTest::newRow("Align All Bones") << "RyJEAlignAllBonesAction" << "001111";
-    QTest::newRow("Snap Center Point") << "RyJESnapCenterPointAction" << "001111";
-    QTest::newRow("Snap End Point") << "RyJESnapEndPointAction" << "001111";
+    QTest::newRow("Align Node") << "RyJEAlignNodeAction"
+                                << "011111";
+    QTest::newRow("Align All Bones") << "RyJEAlignAllBonesAction"
+                                     << "001111";
+    QTest::newRow("Snap Center Point") << "RyJESnapCenterPointAction"
+                                       << "001111";
+    QTest::newRow("Snap End Point") << "RyJESnapEndPointAction"
+                                    << "001111";
     for (const char *order : orderNames)
         QTest::newRow(order) << QStringLiteral("RyJERotationOrder%1Action").arg(QLatin1String(order)) << "011111";
 }

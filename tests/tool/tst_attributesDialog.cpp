@@ -4,8 +4,8 @@
 
 #include "pluginsource/RyJointTools/dialogs/RyJESelectedNodesAttributesEditDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
-#include "rycore/base/RyFloatProperty.h"
 #include "rycore/automation/RyDialogDriver.h"
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <QCheckBox>
@@ -209,7 +209,8 @@ void RyAttributesDialogTest::goesThroughNodesAndRowsInOrder()
     QStringList calls;
     QObject listener;
     for (RyNode *node : {scene.hip, scene.lFoot}) {
-        for (RyFloatProperty *control : {node->getOrientZControl(), node->getOriginXControl(), node->getEndYControl()}) {
+        for (RyFloatProperty *control :
+             {node->getOrientZControl(), node->getOriginXControl(), node->getEndYControl()}) {
             connect(control, &RyFloatProperty::currentValueChanged, &listener,
                     [&calls, node, control] { calls.append(node->getName() + ' ' + control->getName()); });
         }
@@ -218,7 +219,8 @@ void RyAttributesDialogTest::goesThroughNodesAndRowsInOrder()
     for (int row : {8, 4, 0})
         dialog.fill(row, 77);
     dialog.accept();
-    QCOMPARE(calls, QStringList({"lFoot originX", "lFoot endY", "lFoot orientZ", "hip originX", "hip endY", "hip orientZ"}));
+    QCOMPARE(calls,
+             QStringList({"lFoot originX", "lFoot endY", "lFoot orientZ", "hip originX", "hip endY", "hip orientZ"}));
 }
 
 void RyAttributesDialogTest::nothingChecked()

@@ -141,9 +141,18 @@ void RyBoneCreationTest::names_data()
     QTest::addColumn<QString>("parentLabel");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("label");
-    QTest::newRow("free without its number") << "Arm2" << "Left Arm 2" << "Arm" << "Left Arm";
-    QTest::newRow("taken by the parent") << "Arm" << "Left Arm" << "Arm2" << "Left Arm 2";
-    QTest::newRow("taken by another") << "hip7" << "Hip 7" << "hip2" << "Hip";
+    QTest::newRow("free without its number") << "Arm2"
+                                             << "Left Arm 2"
+                                             << "Arm"
+                                             << "Left Arm";
+    QTest::newRow("taken by the parent") << "Arm"
+                                         << "Left Arm"
+                                         << "Arm2"
+                                         << "Left Arm 2";
+    QTest::newRow("taken by another") << "hip7"
+                                      << "Hip 7"
+                                      << "hip2"
+                                      << "Hip";
 }
 
 void RyBoneCreationTest::names()
@@ -177,7 +186,7 @@ void RyBoneCreationTest::nameIsOfNoLanguage()
         QString translate(const char *context, const char *text, const char *, int) const override
         {
             return qstrcmp(context, "RyJointEditorTool") == 0 && qstrcmp(text, "Bone") == 0 ? QStringLiteral("Knochen")
-                                                                                              : QString();
+                                                                                            : QString();
         }
         bool isEmpty() const override { return false; }
     } translator;

@@ -109,8 +109,7 @@ void RyBoneCreationClicksTest::clickNeedsEverything()
     else
         scene.manager->setActiveTool(scene.tool);
     scene.tool->setBoneCreationActive(mode);
-    const bool handled =
-        scene.press(0, QPoint(300, 200), Qt::MouseButton(button), Qt::KeyboardModifiers(modifiers));
+    const bool handled = scene.press(0, QPoint(300, 200), Qt::MouseButton(button), Qt::KeyboardModifiers(modifiers));
     QCOMPARE(int(scene.figure->getAllBones().size()), creates ? 6 : 5);
     QCOMPARE(handled, creates);
 }

@@ -71,7 +71,8 @@ void RyBoneDialogTest::looks()
         QCOMPARE(label->alignment(), Qt::AlignRight | Qt::AlignVCenter);
         QWidget *field = grid->itemAtPosition(row, 1)->widget();
         const auto *edit = qobject_cast<QLineEdit *>(field);
-        rows << label->text() << label->objectName() << field->objectName() << (edit ? edit->placeholderText() : "combo");
+        rows << label->text() << label->objectName() << field->objectName()
+             << (edit ? edit->placeholderText() : "combo");
     }
     QCOMPARE(rows, QStringList({"Bone Name :", "JointEditorCreateBoneNameLbl", "JointEditorCreateBoneNameLEdit",
                                 "Enter the internal name...", "Bone Label :", "JointEditorCreateBoneLabelLbl",
@@ -117,14 +118,22 @@ void RyBoneDialogTest::acceptNeedsBothTexts_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("label");
     QTest::addColumn<bool>("accepts");
-    QTest::newRow("both") << "Tail" << "The Tail" << true;
-    QTest::newRow("nothing") << "" << "" << false;
-    QTest::newRow("no label") << "Tail" << "" << false;
-    QTest::newRow("no name") << "" << "The Tail" << false;
-    QTest::newRow("a name that ends in a blank") << "Tail " << "The Tail" << false;
-    QTest::newRow("a name with a slash") << "Ta/il" << "The Tail" << false;
-    QTest::newRow("a label of blanks") << "Tail" << "  " << false;
-    QTest::newRow("other signs") << "l_Tail-2" << "Tail / left (2)" << true;
+    QTest::newRow("both") << "Tail"
+                          << "The Tail" << true;
+    QTest::newRow("nothing") << ""
+                             << "" << false;
+    QTest::newRow("no label") << "Tail"
+                              << "" << false;
+    QTest::newRow("no name") << ""
+                             << "The Tail" << false;
+    QTest::newRow("a name that ends in a blank") << "Tail "
+                                                 << "The Tail" << false;
+    QTest::newRow("a name with a slash") << "Ta/il"
+                                         << "The Tail" << false;
+    QTest::newRow("a label of blanks") << "Tail"
+                                       << "  " << false;
+    QTest::newRow("other signs") << "l_Tail-2"
+                                 << "Tail / left (2)" << true;
 }
 
 void RyBoneDialogTest::acceptNeedsBothTexts()
@@ -221,9 +230,8 @@ void RyBoneDialogTest::alignsWhileThereIsATool()
     // A new bone lies along its first axis, so that aligning changes no value: it is an edit all the same.
     int edits = 0;
     QObject listener;
-    connect(ryScene(), &RyScene::nodeAdded, &listener, [&](RyNode *node) {
-        connect(node, &RyNode::riggingChanged, &listener, [&edits] { ++edits; });
-    });
+    connect(ryScene(), &RyScene::nodeAdded, &listener,
+            [&](RyNode *node) { connect(node, &RyNode::riggingChanged, &listener, [&edits] { ++edits; }); });
     RyFilledBoneDialog dialog(tool ? other.get() : nullptr);
     dialog.fill(QStringLiteral("toe"), QStringLiteral("Left Toe"));
     if (goes)
@@ -272,7 +280,9 @@ void RyBoneDialogTest::applyBindsWithoutWeights()
         QVERIFY(dialog.accepts());
         const RyBoneBinding *binding = scene.skin->bindings().back();
         QCOMPARE(static_cast<RyNode *>(binding->getBone()), scene.lFoot->getNodeChild(0));
-        QCOMPARE(int(binding->getAllWeightMaps().size()), maps == RySkinnedScene::General ? 1 : maps == RySkinnedScene::Local ? 4 : 5);
+        QCOMPARE(int(binding->getAllWeightMaps().size()), maps == RySkinnedScene::General ? 1
+                                                          : maps == RySkinnedScene::Local ? 4
+                                                                                          : 5);
         for (const RyWeightMap *map : binding->getAllWeightMaps())
             QCOMPARE(ryWeightsOf(map), std::vector<int>(60, 0));
         QCOMPARE(ryLargestWay(scene.shown(), before), 0.0f);
@@ -315,7 +325,8 @@ void RyBoneDialogTest::childOfASkeleton()
     RyToolScene scene;
     scene.figure->setOrigin({0, 1, 0}, true);
     scene.figure->setEndPoint({0, 5, 0}, true);
-    const RyBone *bone = createChildBone(scene.figure, QStringLiteral("root"), QStringLiteral("Root"), RyRotationOrder(4));
+    const RyBone *bone =
+        createChildBone(scene.figure, QStringLiteral("root"), QStringLiteral("Root"), RyRotationOrder(4));
     QVERIFY(bone);
     QVERIFY(bone->inheritsScale());
     QCOMPARE(bone->getNodeParent(), static_cast<RyNode *>(scene.figure));
@@ -360,8 +371,9 @@ void RyBoneDialogTest::actionWithoutACurrentNode()
     QVERIFY(!scene.windowTool->currentNode());
     RyMessageBoxes boxes;
     RyJECreateBoneAction().executeAction();
-    QCOMPARE(boxes.facts, QStringList(QStringLiteral("information|Selection Error|A skeleton or bone must be selected to "
-                                                     "continue.|Ok|Ok|Ok")));
+    QCOMPARE(boxes.facts,
+             QStringList(QStringLiteral("information|Selection Error|A skeleton or bone must be selected to "
+                                        "continue.|Ok|Ok|Ok")));
     QCOMPARE(boxes.parents, QList<QWidget *>({scene.window.get()}));
 }
 

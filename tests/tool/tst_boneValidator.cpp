@@ -9,7 +9,8 @@
 namespace {
 
 const QString suffixQuestion = QStringLiteral(
-    "question|Name/Label Suffix Mismatch|The suffix of the Name and Label for the new bone do not match. This can lead to "
+    "question|Name/Label Suffix Mismatch|The suffix of the Name and Label for the new bone do not match. This can lead "
+    "to "
     "confusion later. Would you like to continue with the existing values or fix the mismatch?|Yes, Continue,No, Fix "
     "Mismatch|Yes, Continue|");
 const QString suffixTitle = QStringLiteral("Name/Label Suffix Mismatch");
@@ -91,13 +92,20 @@ void RyCreateBoneValidatorTest::suffixQuestions_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("label");
     QTest::addColumn<bool>("asks");
-    QTest::newRow("none") << "Tail" << "Tail" << false;
-    QTest::newRow("name only") << "Tail2" << "Tail" << false;
-    QTest::newRow("label only") << "Tail" << "Tail 2" << false;
-    QTest::newRow("equal") << "Tail2" << "Tail 2" << false;
-    QTest::newRow("different") << "Tail2" << "Tail 3" << true;
-    QTest::newRow("equal numbers, other digits") << "Tail02" << "Tail 2" << true;
-    QTest::newRow("all digits count as none") << "22" << "Tail 3" << false;
+    QTest::newRow("none") << "Tail"
+                          << "Tail" << false;
+    QTest::newRow("name only") << "Tail2"
+                               << "Tail" << false;
+    QTest::newRow("label only") << "Tail"
+                                << "Tail 2" << false;
+    QTest::newRow("equal") << "Tail2"
+                           << "Tail 2" << false;
+    QTest::newRow("different") << "Tail2"
+                               << "Tail 3" << true;
+    QTest::newRow("equal numbers, other digits") << "Tail02"
+                                                 << "Tail 2" << true;
+    QTest::newRow("all digits count as none") << "22"
+                                              << "Tail 3" << false;
 }
 
 void RyCreateBoneValidatorTest::suffixQuestions()
@@ -127,11 +135,26 @@ void RyCreateBoneValidatorTest::fixesSuffixes_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("label");
     // Filled in: Tail2 and "The Tail 3".
-    QTest::newRow("nothing taken: by the name") << "x" << "x" << "Tail2" << "The Tail 2";
-    QTest::newRow("label taken: by the label") << "x" << "The Tail 2" << "Tail3" << "The Tail 3";
-    QTest::newRow("name taken: by the label") << "Tail2" << "x" << "Tail3" << "The Tail 3";
-    QTest::newRow("both taken: as they are") << "Tail3" << "The Tail 2" << "Tail2" << "The Tail 3";
-    QTest::newRow("name and its label taken: as they are") << "Tail2" << "The Tail 3" << "Tail2" << "The Tail 3";
+    QTest::newRow("nothing taken: by the name") << "x"
+                                                << "x"
+                                                << "Tail2"
+                                                << "The Tail 2";
+    QTest::newRow("label taken: by the label") << "x"
+                                               << "The Tail 2"
+                                               << "Tail3"
+                                               << "The Tail 3";
+    QTest::newRow("name taken: by the label") << "Tail2"
+                                              << "x"
+                                              << "Tail3"
+                                              << "The Tail 3";
+    QTest::newRow("both taken: as they are") << "Tail3"
+                                             << "The Tail 2"
+                                             << "Tail2"
+                                             << "The Tail 3";
+    QTest::newRow("name and its label taken: as they are") << "Tail2"
+                                                           << "The Tail 3"
+                                                           << "Tail2"
+                                                           << "The Tail 3";
 }
 
 void RyCreateBoneValidatorTest::fixesSuffixes()
@@ -233,15 +256,26 @@ void RyCreateBoneValidatorTest::conflicts_data()
     QTest::addColumn<QString>("newLabel");
     const QString labeled = QStringLiteral("A bone labeled \"Left Shin\" already exists in \"The Figure\". ");
     const QString named = QStringLiteral("A bone named \"lShin\" already exists in \"The Figure\". ");
-    QTest::newRow("none") << "Tail" << "Tail" << QStringList() << "Tail" << "Tail";
-    QTest::newRow("label") << "Tail" << "Left Shin" << QStringList({labeled, one}) << "Tail" << "Left Shin 2";
-    QTest::newRow("name") << "lShin" << "Tail" << QStringList({named, one}) << "lShin2" << "Tail";
-    QTest::newRow("both") << "lShin" << "Left Shin" << QStringList({labeled, named, several}) << "lShin2" << "Left Shin 2";
-    // What is free among the bones is made unique among the top-level nodes too: there is a prop "lThigh2", "Left Thigh 2".
+    QTest::newRow("none") << "Tail"
+                          << "Tail" << QStringList() << "Tail"
+                          << "Tail";
+    QTest::newRow("label") << "Tail"
+                           << "Left Shin" << QStringList({labeled, one}) << "Tail"
+                           << "Left Shin 2";
+    QTest::newRow("name") << "lShin"
+                          << "Tail" << QStringList({named, one}) << "lShin2"
+                          << "Tail";
+    QTest::newRow("both") << "lShin"
+                          << "Left Shin" << QStringList({labeled, named, several}) << "lShin2"
+                          << "Left Shin 2";
+    // What is free among the bones is made unique among the top-level nodes too: there is a prop "lThigh2", "Left Thigh
+    // 2".
     const QString labeledThigh = QStringLiteral("A bone labeled \"Left Thigh\" already exists in \"The Figure\". ");
     const QString namedThigh = QStringLiteral("A bone named \"lThigh\" already exists in \"The Figure\". ");
-    QTest::newRow("both, and at the top") << "lThigh" << "Left Thigh" << QStringList({labeledThigh, namedThigh, several})
-                                          << "lThigh3" << "Left Thigh 3";
+    QTest::newRow("both, and at the top")
+        << "lThigh"
+        << "Left Thigh" << QStringList({labeledThigh, namedThigh, several}) << "lThigh3"
+        << "Left Thigh 3";
 }
 
 void RyCreateBoneValidatorTest::conflicts()

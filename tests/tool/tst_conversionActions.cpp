@@ -24,9 +24,10 @@
 
 namespace {
 
-const QString propWarning =
-    QStringLiteral("Selection Error|A simple object in the scene containing geometry must be selected to continue.|Ok|warning");
-const QString figureWarning = QStringLiteral("Selection Error|A figure in the scene must be selected to continue.|Ok|warning");
+const QString propWarning = QStringLiteral(
+    "Selection Error|A simple object in the scene containing geometry must be selected to continue.|Ok|warning");
+const QString figureWarning =
+    QStringLiteral("Selection Error|A figure in the scene must be selected to continue.|Ok|warning");
 
 void giveMesh(RyNode *node, int vertices)
 {
@@ -52,7 +53,8 @@ RyFigure *newFigure(const RyToolScene &scene)
     return nullptr;
 }
 
-template<class Widget> Widget *child(const QWidget &dialog, const char *suffix)
+template<class Widget>
+Widget *child(const QWidget &dialog, const char *suffix)
 {
     return dialog.findChild<Widget *>(QStringLiteral("ConvertPropToFigure") + QLatin1String(suffix));
 }
@@ -81,8 +83,9 @@ private slots:
         QStringList buttons;
         for (const QRadioButton *button : modes->findChildren<QRadioButton *>())
             buttons << button->objectName().mid(19) << button->text() << (button->isChecked() ? "on" : "off");
-        QCOMPARE(buttons, QStringList({"KorvexRBtn", "Korvex Weight Mapping", "on", "GeneralRBtn", "General Weight Mapping", "off",
-                                       "LegacyRBtn", "Parametric Joint Parameters", "off"}));
+        QCOMPARE(buttons,
+                 QStringList({"KorvexRBtn", "Korvex Weight Mapping", "on", "GeneralRBtn", "General Weight Mapping",
+                              "off", "LegacyRBtn", "Parametric Joint Parameters", "off"}));
         const auto *inherit = child<QCheckBox>(dialog, "InheritParentSkeletonCbx");
         QCOMPARE(inherit->text(), QStringLiteral("Inherit Skeleton of Parent"));
         QVERIFY(inherit->isChecked() && !name->isEnabled());
@@ -159,7 +162,8 @@ private slots:
         RyJEConvertPropToFigureAction action;
         int busy = 0;
         const QObject context;
-        connect(ryScene(), &RyScene::nodeListChanged, &context, [&] { busy = std::max(busy, RyApp::busyCursorDepth()); });
+        connect(ryScene(), &RyScene::nodeListChanged, &context,
+                [&] { busy = std::max(busy, RyApp::busyCursorDepth()); });
         {
             RyDialogDriver driver;
             driver.setField(QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"), QStringLiteral("false"));

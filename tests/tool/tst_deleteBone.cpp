@@ -13,8 +13,7 @@
 
 namespace {
 
-const QString boneMessage =
-    QStringLiteral("information|Selection Error|A bone must be selected to continue.|Ok|Ok|Ok");
+const QString boneMessage = QStringLiteral("information|Selection Error|A bone must be selected to continue.|Ok|Ok|Ok");
 
 /// Replaces the weights of a kind of map: one list per bone, in the order of the skin.
 void setWeights(const RySkinBinding *skin, const std::vector<std::vector<quint16>> &weights)
@@ -130,8 +129,8 @@ void RyDeleteBoneTest::weightsWithoutAParent()
 
 void RyDeleteBoneTest::weightsWithoutASkeletonAbove()
 {
-    // A skin goes on binding a bone that was hung below a loose one. It has a child that is bound too, but the chain above
-    // ends without a skeleton: nobody takes the weights.
+    // A skin goes on binding a bone that was hung below a loose one. It has a child that is bound too, but the chain
+    // above ends without a skeleton: nobody takes the weights.
     RySkinnedScene scene(RySkinnedScene::General, 2);
     setWeights(scene.skin, {{0, 0}, {0, 0}, {65535, 30000}, {0, 35535}, {0, 0}});
     auto *loose = new RyBone;
@@ -158,7 +157,8 @@ void RyDeleteBoneTest::boneThatMovesAnotherFigure()
     scene.figure->addNodeChild(boot);
     ryScene()->addNode(boot);
     RyBone *lace = RyToolScene::makeBone(boot, "lace", {}, {0, 1, 0});
-    for (const auto &[bone, weight] : {std::pair(scene.lFoot, 50000), std::pair(lace, 15535), std::pair(scene.lThigh, 0)}) {
+    for (const auto &[bone, weight] :
+         {std::pair(scene.lFoot, 50000), std::pair(lace, 15535), std::pair(scene.lThigh, 0)}) {
         auto *binding = new RyBoneBinding;
         binding->setBone(bone);
         binding->setWeights(ryMapOf({quint16(weight)}));
@@ -229,16 +229,19 @@ void RyDeleteBoneTest::deletesInOrder()
             calls.append(call);
     };
     connect(map, &RySelectionMap::mapChanged, &listener, [&] { note("pair"); });
-    connect(scene.hip, &RyNode::childrenChanged, &listener,
-            [&] { note(scene.lThigh->getNodeParent() ? "other" : scene.hip->getNumNodeChildren() == 1 ? "off" : "child to parent"); });
+    connect(scene.hip, &RyNode::childrenChanged, &listener, [&] {
+        note(scene.lThigh->getNodeParent()          ? "other"
+             : scene.hip->getNumNodeChildren() == 1 ? "off"
+                                                    : "child to parent");
+    });
     connect(scene.skin, &RySkinBinding::skinChanged, &listener, [&] { note("skin"); });
     connect(scene.lThigh, &RyNode::childrenChanged, &listener, [&] { note("child off"); });
     connect(scene.lThigh, &RyNode::aboutToBeRemoved, &listener, [&] { note("remove"); });
     connect(ryScene(), &RyScene::nodeSelectionListChanged, &listener,
             [&] { note("selected " + QString::number(ryScene()->getNumSelectedNodes())); });
     RyJEDeleteBoneAction().executeAction();
-    QCOMPARE(calls, QStringList({"pair", "off", "skin", "child off", "child to parent", "remove", "selected 0",
-                                 "selected 1"}));
+    QCOMPARE(calls, QStringList(
+                        {"pair", "off", "skin", "child off", "child to parent", "remove", "selected 0", "selected 1"}));
 }
 
 void RyDeleteBoneTest::pairsGo()
@@ -399,8 +402,9 @@ void RyDeleteBoneTest::unusedNeedsAFigure()
     const QString before = scene.dump();
     RyMessageBoxes boxes;
     RyJEDeleteUnusedBonesAction().executeAction();
-    QCOMPARE(boxes.facts, QStringList(QStringLiteral(
-                              "warning|Selection Error|Please select a Korvex<sup>TM</sup> technology figure.|Ok|Ok|Ok")));
+    QCOMPARE(boxes.facts,
+             QStringList(QStringLiteral(
+                 "warning|Selection Error|Please select a Korvex<sup>TM</sup> technology figure.|Ok|Ok|Ok")));
     QCOMPARE(boxes.parents, QList<QWidget *>({RyApp::getDialogParent()}));
     QCOMPARE(scene.dump(), before);
 }
@@ -426,9 +430,10 @@ void RyDeleteBoneTest::unusedAsksFirst()
     if (!answer.isEmpty())
         boxes.setAnswer(QStringLiteral("Remove Unused Bones"), answer);
     RyJEDeleteUnusedBonesAction().executeAction();
-    QCOMPARE(boxes.facts, QStringList(QStringLiteral(
-                              "warning|Remove Unused Bones|This will remove any unused bones in the selected figure.\nThis is "
-                              "not undo-able. Do you want to continue?|Yes,No|Yes|No")));
+    QCOMPARE(boxes.facts,
+             QStringList(QStringLiteral(
+                 "warning|Remove Unused Bones|This will remove any unused bones in the selected figure.\nThis is "
+                 "not undo-able. Do you want to continue?|Yes,No|Yes|No")));
     QCOMPARE(boxes.parents, QList<QWidget *>({RyApp::getDialogParent()}));
     QCOMPARE(ryUndoStack()->count(), 0);
     if (!removes) {

@@ -64,9 +64,9 @@ public:
                       .arg(context->duplicateRoot() == nullptr);
         calls.append(getName() + " below " + context->getParentNode()->getName());
         if (!connected) {
-            QObject::connect(context, &RyElementDuplicateContext::stageDone, [](RyElementDuplicateContext::Stage stage) {
-                calls.append(QVariant::fromValue(stage).toString());
-            });
+            QObject::connect(
+                context, &RyElementDuplicateContext::stageDone,
+                [](RyElementDuplicateContext::Stage stage) { calls.append(QVariant::fromValue(stage).toString()); });
             connected = true;
         }
         if (!fails)
@@ -276,9 +276,9 @@ void RyDuplicateBonesTest::boneThatCannotBeDuplicated()
     QVERIFY(scene.figure->findBone(QStringLiteral("lThigh2")));
     const QStringList warnings = RyMessageLog::global().warnings();
     QCOMPARE(warnings.size(), 1);
-    const QRegularExpression format(QStringLiteral(
-        "^\\\\src\\\\pluginsource\\\\RyJointTools\\\\ryjeaction\\\\[A-Za-z]+\\.cpp\\(\\d+\\): Could not duplicate bone : bad "
-        "\\(RyBone\\)$"));
+    const QRegularExpression format(QStringLiteral("^\\\\src\\\\pluginsource\\\\RyJointTools\\\\ryjeaction\\\\[A-Za-z]+"
+                                                   "\\.cpp\\(\\d+\\): Could not duplicate bone : bad "
+                                                   "\\(RyBone\\)$"));
     QVERIFY2(format.match(warnings.first()).hasMatch(), qPrintable(warnings.first()));
 }
 

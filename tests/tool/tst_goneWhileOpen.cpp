@@ -98,7 +98,8 @@ void RyGoneWhileOpenTest::unusedBonesSayWhyNothingGoes()
     RyDialogDriver driver;
     const QString before = scene.dump();
     RyJEDeleteUnusedBonesAction().executeAction();
-    QCOMPARE(scene.window->statusBar()->currentMessage(), QStringLiteral("Nothing removed: every bone of the figure is used."));
+    QCOMPARE(scene.window->statusBar()->currentMessage(),
+             QStringLiteral("Nothing removed: every bone of the figure is used."));
     QCOMPARE(scene.dump(), before);
     scene.figure->setObject(nullptr);
     RyJEDeleteUnusedBonesAction().executeAction();
@@ -113,8 +114,10 @@ void RyGoneWhileOpenTest::windows_data()
     QTest::addColumn<QString>("search");
     for (const char *action : {"create", "drawing", "attributes", "reparent", "unused"})
         QTest::newRow(action) << action << "";
-    QTest::newRow("reparent, refused") << "reparent" << "lFoot";
-    QTest::newRow("reparent, level") << "reparent" << "figure";
+    QTest::newRow("reparent, refused") << "reparent"
+                                       << "lFoot";
+    QTest::newRow("reparent, level") << "reparent"
+                                     << "figure";
 }
 
 void RyGoneWhileOpenTest::windows()

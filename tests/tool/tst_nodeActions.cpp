@@ -15,15 +15,15 @@
 
 namespace {
 
-const QString figureBoneWarning = QStringLiteral(
-    "warning|Selection Error|A bone from a weight mapped figure must be selected to continue.|Ok|Ok|Ok");
+const QString figureBoneWarning =
+    QStringLiteral("warning|Selection Error|A bone from a weight mapped figure must be selected to continue.|Ok|Ok|Ok");
 const QString levelWarning = QStringLiteral(
     "warning|Reparenting Warning|The bone you have selected is not at the same level in the hierarchy. This can have "
     "unexpected results. Would you like to continue?|Ok,Cancel|Ok|Cancel");
 const QString loopWarning = QStringLiteral(
     "warning|Reparenting Warning|A bone cannot become a child of itself or of a bone below it.|Ok|Ok|Ok");
-const QString otherFigureWarning = QStringLiteral(
-    "warning|Reparenting Warning|A bone cannot move to another figure: the skin of its own figure moves vertices by it.|Ok|Ok|Ok");
+const QString otherFigureWarning = QStringLiteral("warning|Reparenting Warning|A bone cannot move to another figure: "
+                                                  "the skin of its own figure moves vertices by it.|Ok|Ok|Ok");
 const QString levelTitle = QStringLiteral("Reparenting Warning");
 
 /// Home folder with a rename script, for as long as it lives.
@@ -80,21 +80,36 @@ void RyNodeActionsTest::levels_data()
     //          - a2
     //      - b - b1 - b11
     // root2 - c;  top (no skeleton) - t1
-    QTest::newRow("siblings at the top") << "a" << "b" << true;
-    QTest::newRow("the same parent") << "a1" << "a1" << true;
-    QTest::newRow("siblings further down") << "a1" << "a2" << true;
-    QTest::newRow("cousins") << "a1" << "b1" << true;
-    QTest::newRow("one deeper") << "a" << "a1" << false;
-    QTest::newRow("one higher") << "a1" << "a" << false;
-    QTest::newRow("the skeleton itself") << "a" << "root" << false;
-    QTest::newRow("from the skeleton") << "root" << "a" << false;
-    QTest::newRow("from skeleton to skeleton") << "root" << "root2" << true;
-    QTest::newRow("top bones of two skeletons") << "a" << "c" << false;
-    QTest::newRow("far apart") << "a111" << "b" << false;
-    QTest::newRow("nothing") << "a" << "" << false;
-    QTest::newRow("from nothing to the skeleton") << "" << "root" << true;
-    QTest::newRow("without a skeleton") << "t1" << "a" << false;
-    QTest::newRow("without a skeleton, both") << "top" << "top" << true;
+    QTest::newRow("siblings at the top") << "a"
+                                         << "b" << true;
+    QTest::newRow("the same parent") << "a1"
+                                     << "a1" << true;
+    QTest::newRow("siblings further down") << "a1"
+                                           << "a2" << true;
+    QTest::newRow("cousins") << "a1"
+                             << "b1" << true;
+    QTest::newRow("one deeper") << "a"
+                                << "a1" << false;
+    QTest::newRow("one higher") << "a1"
+                                << "a" << false;
+    QTest::newRow("the skeleton itself") << "a"
+                                         << "root" << false;
+    QTest::newRow("from the skeleton") << "root"
+                                       << "a" << false;
+    QTest::newRow("from skeleton to skeleton") << "root"
+                                               << "root2" << true;
+    QTest::newRow("top bones of two skeletons") << "a"
+                                                << "c" << false;
+    QTest::newRow("far apart") << "a111"
+                               << "b" << false;
+    QTest::newRow("nothing") << "a"
+                             << "" << false;
+    QTest::newRow("from nothing to the skeleton") << ""
+                                                  << "root" << true;
+    QTest::newRow("without a skeleton") << "t1"
+                                        << "a" << false;
+    QTest::newRow("without a skeleton, both") << "top"
+                                              << "top" << true;
 }
 
 void RyNodeActionsTest::levels()
@@ -109,9 +124,9 @@ void RyNodeActionsTest::levels()
         ryScene()->addNode(node);
     };
     add("root", new RyFigure, "");
-    for (const auto &[name, parent] : {std::pair("a", "root"), std::pair("a1", "a"), std::pair("a11", "a1"),
-                                       std::pair("a111", "a11"), std::pair("a2", "a"), std::pair("b", "root"),
-                                       std::pair("b1", "b"), std::pair("b11", "b1")}) {
+    for (const auto &[name, parent] :
+         {std::pair("a", "root"), std::pair("a1", "a"), std::pair("a11", "a1"), std::pair("a111", "a11"),
+          std::pair("a2", "a"), std::pair("b", "root"), std::pair("b1", "b"), std::pair("b11", "b1")}) {
         add(name, new RyBone, parent);
     }
     add("root2", new RySkeleton, "");
@@ -241,13 +256,31 @@ void RyNodeActionsTest::actionAsksAboutLevels_data()
     QTest::addColumn<QString>("answer");
     QTest::addColumn<QString>("message");
     QTest::addColumn<QString>("parent");
-    QTest::newRow("same level") << "lShin" << "rThigh" << "" << "" << "rThigh";
-    QTest::newRow("where it is") << "lShin" << "lThigh" << "" << "" << "lThigh";
-    QTest::newRow("deeper, Ok") << "rThigh" << "lShin" << "Ok" << levelWarning << "lShin";
-    QTest::newRow("deeper, Cancel") << "rThigh" << "lShin" << "Cancel" << levelWarning << "hip";
-    QTest::newRow("to the figure") << "lShin" << "figure" << "Ok" << levelWarning << "figure";
-    QTest::newRow("below itself") << "lThigh" << "lFoot" << "Ok" << loopWarning << "hip";
-    QTest::newRow("itself") << "lThigh" << "lThigh" << "Ok" << loopWarning << "hip";
+    QTest::newRow("same level") << "lShin"
+                                << "rThigh"
+                                << ""
+                                << ""
+                                << "rThigh";
+    QTest::newRow("where it is") << "lShin"
+                                 << "lThigh"
+                                 << ""
+                                 << ""
+                                 << "lThigh";
+    QTest::newRow("deeper, Ok") << "rThigh"
+                                << "lShin"
+                                << "Ok" << levelWarning << "lShin";
+    QTest::newRow("deeper, Cancel") << "rThigh"
+                                    << "lShin"
+                                    << "Cancel" << levelWarning << "hip";
+    QTest::newRow("to the figure") << "lShin"
+                                   << "figure"
+                                   << "Ok" << levelWarning << "figure";
+    QTest::newRow("below itself") << "lThigh"
+                                  << "lFoot"
+                                  << "Ok" << loopWarning << "hip";
+    QTest::newRow("itself") << "lThigh"
+                            << "lThigh"
+                            << "Ok" << loopWarning << "hip";
 }
 
 void RyNodeActionsTest::actionAsksAboutLevels()
@@ -268,7 +301,8 @@ void RyNodeActionsTest::actionAsksAboutLevels()
     QCOMPARE(driver.errors(), QStringList());
     QStringList messages;
     for (const RyDialogRecord &box : driver.boxes()) {
-        messages.append(QStringList({box.iconName(), box.title, box.text, box.buttons.join(','), box.defaultButton, box.escapeButton})
+        messages.append(QStringList({box.iconName(), box.title, box.text, box.buttons.join(','), box.defaultButton,
+                                     box.escapeButton})
                             .join('|'));
         QCOMPARE(box.parent.data(), static_cast<QWidget *>(scene.window.get()));
     }
@@ -402,8 +436,8 @@ void RyNodeActionsTest::enabling()
     for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(scene.lFoot),
                          static_cast<RyNode *>(nullptr)}) {
         ryScene()->setSelection({node});
-        enabled += QString::number(rename.isEnabled()) + QString::number(reparent.isEnabled())
-            + QString::number(attributes.isEnabled()) + ' ';
+        enabled += QString::number(rename.isEnabled()) + QString::number(reparent.isEnabled()) +
+                   QString::number(attributes.isEnabled()) + ' ';
     }
     QCOMPARE(enabled, QStringLiteral("011 111 111 011 "));
     for (const QMetaObject *type : {reparent.metaObject(), attributes.metaObject()})

@@ -276,11 +276,21 @@ void RyOperationsTest::modesOnBelowTheNode()
     const auto run = [operation](RyToolScene &scene) {
         RyVec3 center(1, 2, 3);
         switch (operation) {
-        case 0: scene.tool->performRotPropagation(scene.lThigh, 0, 0.6f, true, false); break;
-        case 1: scene.tool->performChildRotPropagation(scene.lThigh, 2, 0.6f, true, false, center); break;
-        case 2: scene.tool->performScalePropagation(scene.lThigh, 1, 1.5f, true, false); break;
-        case 3: scene.tool->performTransPropagation(scene.lThigh, RyVec3(0, 0, 0), RyVec3(3, 4, 5)); break;
-        default: scene.tool->performTransPropagation(scene.lThigh, 1, 6.0f, true, false); break;
+        case 0:
+            scene.tool->performRotPropagation(scene.lThigh, 0, 0.6f, true, false);
+            break;
+        case 1:
+            scene.tool->performChildRotPropagation(scene.lThigh, 2, 0.6f, true, false, center);
+            break;
+        case 2:
+            scene.tool->performScalePropagation(scene.lThigh, 1, 1.5f, true, false);
+            break;
+        case 3:
+            scene.tool->performTransPropagation(scene.lThigh, RyVec3(0, 0, 0), RyVec3(3, 4, 5));
+            break;
+        default:
+            scene.tool->performTransPropagation(scene.lThigh, 1, 6.0f, true, false);
+            break;
         }
     };
     const auto points = [](const RyToolScene &scene) {

@@ -101,7 +101,9 @@ void RySiblingAndSplitTest::siblingSharesTheWeights()
     QCOMPARE(scene.skin->bindings().back()->getName(), QStringLiteral("lFoot2"));
     const auto first = allMaps(scene.binding(scene.lFoot));
     const auto second = allMaps(scene.binding(sibling));
-    QCOMPARE(first.size(), maps == RySkinnedScene::General ? size_t(1) : maps == RySkinnedScene::Local ? size_t(4) : size_t(5));
+    QCOMPARE(first.size(), maps == RySkinnedScene::General ? size_t(1)
+                           : maps == RySkinnedScene::Local ? size_t(4)
+                                                           : size_t(5));
     QCOMPARE(second.size(), first.size());
     for (size_t kind = 0; kind < before.size(); ++kind) {
         for (size_t v = 0; v < before[kind].size(); ++v) {
@@ -469,7 +471,8 @@ void RySiblingAndSplitTest::enabling()
     const RyJESplitBoneAction split;
     QString siblings;
     QString splits;
-    const std::vector<RyNode *> selections = {nullptr, scene.prop, skeleton, itsBone, scene.figure, pinned, scene.lShin};
+    const std::vector<RyNode *> selections = {nullptr,      scene.prop, skeleton,   itsBone,
+                                              scene.figure, pinned,     scene.lShin};
     for (RyNode *node : selections) {
         ryScene()->setSelection({node});
         siblings += QString::number(sibling.isEnabled()) + QString::number(RyJECreateSiblingBoneAction().isEnabled());

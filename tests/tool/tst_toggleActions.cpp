@@ -7,8 +7,8 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToggleActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "rycore/app/RyApp.h"
-#include "rycore/ui/RyActionMgr.h"
 #include "rycore/automation/RyDialogDriver.h"
+#include "rycore/ui/RyActionMgr.h"
 
 #include <QSignalSpy>
 
@@ -37,8 +37,7 @@ const Toggle toggles[] = {
      [](RyJointEditorTool *tool, bool onOff) { tool->setBoneCreationActive(onOff); }},
     {"align", make<RyJEToggleAutoAlignNodeAction>, [](RyJointEditorTool *tool) { return tool->autoAlign(); },
      [](RyJointEditorTool *tool, bool onOff) { tool->setAutoAlign(onOff); }},
-    {"snap", make<RyJEToggleAutoSnapEndPointsAction>,
-     [](RyJointEditorTool *tool) { return tool->autoSnapEndPoints(); },
+    {"snap", make<RyJEToggleAutoSnapEndPointsAction>, [](RyJointEditorTool *tool) { return tool->autoSnapEndPoints(); },
      [](RyJointEditorTool *tool, bool onOff) { tool->setAutoSnapEndPoints(onOff); }},
 };
 

@@ -25,8 +25,8 @@ public:
     /// The 24 vertices of bone bodies, in order of drawing.
     static std::vector<RyGLRecorder::Primitive> bodies(const RyGLRecorder &recording);
 
-    /// The state of the context that a drawing has to leave as it was: depths of the stacks, modelview matrix, line, point
-    /// and polygon settings, switches.
+    /// The state of the context that a drawing has to leave as it was: depths of the stacks, modelview matrix, line,
+    /// point and polygon settings, switches.
     static QVector<float> glState();
     /// Line, point and polygon settings that no drawing asks for, and the ones that GL begins with.
     static void setUncommonState();

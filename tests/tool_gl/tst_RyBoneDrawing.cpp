@@ -353,7 +353,8 @@ void RyBoneDrawingTest::outline()
         QVERIFY(std::abs(side.length() - 3.0f) < 1e-5f);
         const bool alongZ = std::abs(side.z) > 1.0f;
         const RyGLRecorder::Color expected = style == 0 ? rgbaFloats(1, 1, 1, alpha)
-            : alongZ ? rgbaFloats(0, 0, 1, alpha) : rgbaFloats(0, 1, 0, alpha);
+                                             : alongZ   ? rgbaFloats(0, 0, 1, alpha)
+                                                        : rgbaFloats(0, 1, 0, alpha);
         for (size_t k = 0; k < 4; ++k)
             QVERIFY(found->colors[i + k].isNear(expected));
         sides += alongZ ? (side.z > 0 ? 1 : 2) : (side.y > 0 ? 4 : 8);

@@ -57,8 +57,8 @@ std::set<Edge> edgesOf(const std::vector<int> &pairs)
 }
 
 const std::set<Edge> leftBoundary = {{0, 1}, {1, 5}, {5, 9}, {9, 13}, {12, 13}, {8, 12}, {4, 8}, {0, 4}};
-const std::set<Edge> wholeBoundary = {{0, 1}, {1, 2}, {2, 3}, {3, 7}, {7, 11}, {11, 15},
-                                      {14, 15}, {13, 14}, {12, 13}, {8, 12}, {4, 8}, {0, 4}};
+const std::set<Edge> wholeBoundary = {{0, 1},   {1, 2},   {2, 3},   {3, 7},  {7, 11}, {11, 15},
+                                      {14, 15}, {13, 14}, {12, 13}, {8, 12}, {4, 8},  {0, 4}};
 
 /// The stage with the grid on the figure, its left column paired with the shin.
 class BoundaryStage : public RyDrawingStage

@@ -1,12 +1,12 @@
 #include "support/RyTest.h"
 
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/automation/RyActionRunner.h"
-#include "rycore/automation/RyTextDistance.h"
 
 #include <QDialogButtonBox>
 #include <QSpinBox>
@@ -120,7 +120,8 @@ private slots:
         QTest::newRow("a letter off") << QStringLiteral("RyJEReuseAction") << QStringLiteral("RyJERefuseAction");
         QTest::newRow("swapped") << QStringLiteral("RyJECuontAction") << QStringLiteral("RyJECountAction");
         QTest::newRow("nothing alike") << QStringLiteral("Frobnicate")
-                                       << QStringLiteral("RyJEAskAction, RyJECountAction, RyJEPlainAction, RyJERefuseAction");
+                                       << QStringLiteral(
+                                              "RyJEAskAction, RyJECountAction, RyJEPlainAction, RyJERefuseAction");
     }
 
     void namesThatAreNot()
@@ -207,7 +208,9 @@ private slots:
         m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("14"));
         result = run("RyJEPlainAction");
         QVERIFY2(result.ran && result.wrongUse, "the action has run all the same");
-        QVERIFY2(result.reason.startsWith(QLatin1String("It ran, but")) && result.reason.contains(QLatin1String("CountSpn")), qPrintable(result.reason));
+        QVERIFY2(result.reason.startsWith(QLatin1String("It ran, but")) &&
+                     result.reason.contains(QLatin1String("CountSpn")),
+                 qPrintable(result.reason));
 
         m_runner.setField(QStringLiteral("Other/CountSpn"), QStringLiteral("14"));
         result = run("RyJECountAction");
@@ -224,7 +227,9 @@ private slots:
 
     void distances()
     {
-        const auto distance = [](const char *a, const char *b) { return ryTextDistance(QLatin1String(a), QLatin1String(b)); };
+        const auto distance = [](const char *a, const char *b) {
+            return ryTextDistance(QLatin1String(a), QLatin1String(b));
+        };
         QCOMPARE(distance("", ""), 0);
         QCOMPARE(distance("", "abc"), 3);
         QCOMPARE(distance("abc", "abc"), 0);
@@ -264,7 +269,9 @@ private slots:
         m_plain->work = [] { RyScript(QString()).loadFromFile(QStringLiteral("/nowhere/at/all.rsx"), true); };
         result = run("RyJEPlainAction");
         QVERIFY(!result.ran && result.refused);
-        QVERIFY2(result.reason.contains(QLatin1String("all.rsx")) && result.reason.contains(QLatin1String("no such file")), qPrintable(result.reason));
+        QVERIFY2(result.reason.contains(QLatin1String("all.rsx")) &&
+                     result.reason.contains(QLatin1String("no such file")),
+                 qPrintable(result.reason));
         m_plain->work = nullptr;
         RyMessageLog::global().setEcho(true);
         QVERIFY(run("RyJEPlainAction").ran);

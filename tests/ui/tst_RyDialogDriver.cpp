@@ -1,9 +1,9 @@
 #include "support/RyTest.h"
 
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyNodeDlg.h"
 
 #include <QCheckBox>
@@ -128,9 +128,11 @@ private slots:
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Other"), QStringLiteral("Cancel"));
         driver.setAnswer(QStringLiteral("Ask"), rule);
-        QCOMPARE(int(QMessageBox::question(nullptr, QStringLiteral("Ask"), QString(),
-                                           QMessageBox::Yes | QMessageBox::No | QMessageBox::YesToAll | QMessageBox::Cancel,
-                                           QMessageBox::Cancel)), chosen);
+        QCOMPARE(
+            int(QMessageBox::question(nullptr, QStringLiteral("Ask"), QString(),
+                                      QMessageBox::Yes | QMessageBox::No | QMessageBox::YesToAll | QMessageBox::Cancel,
+                                      QMessageBox::Cancel)),
+            chosen);
         QCOMPARE(driver.unusedAnswers(), QStringList(QStringLiteral("Other")));
         QVERIFY(driver.errors().isEmpty());
     }
@@ -163,8 +165,8 @@ private slots:
     {
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Ask"), QStringLiteral("Maybe"));
-        const auto answer = QMessageBox::question(nullptr, QStringLiteral("Ask"), QString(), QMessageBox::Yes | QMessageBox::Cancel,
-                                                  QMessageBox::Yes);
+        const auto answer = QMessageBox::question(nullptr, QStringLiteral("Ask"), QString(),
+                                                  QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes);
         QCOMPARE(int(answer), int(QMessageBox::Cancel));
         QCOMPARE(driver.errors().size(), 1);
         for (const char *word : {"Ask", "Maybe", "Yes", "Cancel"})
@@ -206,7 +208,8 @@ private slots:
         QCOMPARE(driver.records().front().answered, QStringLiteral("Cancel"));
         QCOMPARE(driver.errors().size(), 1);
         const QString error = driver.errors().first();
-        for (const char *word : {"Form", "NmaeLed", "NameLed (text)", "CountSpn (1 to 10)", "OrderCmb (XYZ | YZX)", "MirrorChk (true or false)"})
+        for (const char *word : {"Form", "NmaeLed", "NameLed (text)", "CountSpn (1 to 10)", "OrderCmb (XYZ | YZX)",
+                                 "MirrorChk (true or false)"})
             QVERIFY2(error.contains(QLatin1String(word)), qPrintable(error));
         QVERIFY2(!error.contains(QLatin1String("qt_")), qPrintable(error));
     }
@@ -272,7 +275,8 @@ private slots:
         QStringList titles;
         for (const RyDialogRecord &record : driver.records())
             titles.append(record.title);
-        QCOMPARE(titles, (QStringList{QStringLiteral("Form"), QStringLiteral("Inner"), QStringLiteral("Form"), QStringLiteral("Innermost")}));
+        QCOMPARE(titles, (QStringList{QStringLiteral("Form"), QStringLiteral("Inner"), QStringLiteral("Form"),
+                                      QStringLiteral("Innermost")}));
         QCOMPARE(driver.boxes().size(), size_t(2));
     }
 
@@ -319,7 +323,8 @@ private slots:
         shown = 0;
         while (shown < 1000) {
             ++shown;
-            if (QMessageBox::warning(nullptr, QStringLiteral("Again?"), QString(), QMessageBox::Retry | QMessageBox::Cancel,
+            if (QMessageBox::warning(nullptr, QStringLiteral("Again?"), QString(),
+                                     QMessageBox::Retry | QMessageBox::Cancel,
                                      QMessageBox::Retry) == QMessageBox::Cancel)
                 break;
         }

@@ -196,7 +196,8 @@ private:
     {
         RyScrubLabel *label = m_widget->label();
         const auto send = [&](QEvent::Type type, int x, Qt::MouseButton button, Qt::MouseButtons buttons) {
-            QMouseEvent event(type, QPoint(10 + x, 5), label->mapToGlobal(QPoint(10 + x, 5)), button, buttons, Qt::NoModifier);
+            QMouseEvent event(type, QPoint(10 + x, 5), label->mapToGlobal(QPoint(10 + x, 5)), button, buttons,
+                              Qt::NoModifier);
             QCoreApplication::sendEvent(label, &event);
         };
         send(QEvent::MouseButtonPress, 0, Qt::LeftButton, Qt::LeftButton);

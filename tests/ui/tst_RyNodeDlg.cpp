@@ -45,7 +45,8 @@ private slots:
         make();
         QVERIFY(m_dialog->isModal());
         QCOMPARE(m_dialog->objectName(), QStringLiteral("NodeDlg"));
-        QCOMPARE(shown(), (QStringList{"figure", " hip", "  Left Upper Leg", "   lShin", "  hat", "   feather", " thighRig"}));
+        QCOMPARE(shown(),
+                 (QStringList{"figure", " hip", "  Left Upper Leg", "   lShin", "  hat", "   feather", " thighRig"}));
         QCOMPARE(item("Left Upper Leg")->toolTip(0), QStringLiteral("lThigh"));
         for (QTreeWidgetItemIterator walk(tree()); *walk; ++walk)
             QVERIFY((*walk)->isExpanded() || (*walk)->childCount() == 0);
@@ -61,7 +62,8 @@ private slots:
     {
         make("RyBone");
         // What is no bone stands there for the bones below it, and cannot be picked.
-        QCOMPARE(shown(), (QStringList{"figure", " hip", "  Left Upper Leg", "   lShin", "  hat", "   feather", " thighRig"}));
+        QCOMPARE(shown(),
+                 (QStringList{"figure", " hip", "  Left Upper Leg", "   lShin", "  hat", "   feather", " thighRig"}));
         for (const char *text : {"figure", "hat"}) {
             click(text);
             expectPick({});
@@ -269,7 +271,8 @@ private:
     }
     void make(const char *className = "RyNode", bool showRoot = true, bool allowSelection = true, bool several = false)
     {
-        m_dialog = std::make_unique<RyNodeDlg>(nullptr, m_figure, QLatin1String(className), showRoot, allowSelection, several);
+        m_dialog =
+            std::make_unique<RyNodeDlg>(nullptr, m_figure, QLatin1String(className), showRoot, allowSelection, several);
         show();
     }
     void show()

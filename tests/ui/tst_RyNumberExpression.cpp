@@ -33,7 +33,8 @@ private slots:
     void refuses_data()
     {
         QTest::addColumn<QString>("text");
-        for (const char *text : {"", "abc", "1+", "(1", "1)", "1 2", "1..2", "*3", "1/0", "1e999", "2**3", "--", "0x10", "nan"})
+        for (const char *text :
+             {"", "abc", "1+", "(1", "1)", "1 2", "1..2", "*3", "1/0", "1e999", "2**3", "--", "0x10", "nan"})
             QTest::newRow(text) << QString::fromLatin1(text);
         QTest::newRow("deep") << QString(5000, QLatin1Char('('));
     }

@@ -23,7 +23,8 @@ private slots:
 
     void fieldsByTheirKeys()
     {
-        QVERIFY(m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"), QStringLiteral("name")));
+        QVERIFY(m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"),
+                                QStringLiteral("name")));
         QVERIFY(m_form->addText(QStringLiteral("note"), QStringLiteral("Note :")));
         QVERIFY(m_form->addChoice(QStringLiteral("side"), QStringLiteral("Side :"), {"left", "right"}, 1));
         QVERIFY(m_form->addCheck(QStringLiteral("deep"), QStringLiteral("With children"), true));
@@ -72,7 +73,8 @@ private slots:
 
     void rulesSwitchOk()
     {
-        m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"), QStringLiteral("name"));
+        m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"),
+                        QStringLiteral("name"));
         m_form->addText(QStringLiteral("label"), QStringLiteral("Label :"), QString(), QStringLiteral("label"));
         QVERIFY(!m_form->isAcceptEnabled());
         QCOMPARE(m_form->getMessage(), QStringLiteral("\"Label\" is empty."));
@@ -109,7 +111,8 @@ private slots:
 
     void aMessageKeepsItOpen()
     {
-        m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"), QStringLiteral("name"));
+        m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QStringLiteral("hip"),
+                        QStringLiteral("name"));
         QString seen;
         connect(m_form.get(), &RyScriptForm::accepting, this, [&] {
             seen = m_form->getMessage();
@@ -175,7 +178,8 @@ private slots:
         QVERIFY2(!engine.hasUncaughtException(), qPrintable(engine.uncaughtException().toString()));
         QCOMPARE(result.toString(), QStringLiteral("cancelled"));
         QVERIFY(driver.records().at(0).refused);
-        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("missing")), qPrintable(driver.records().at(0).reason));
+        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("missing")),
+                 qPrintable(driver.records().at(0).reason));
     }
 
     void greyButtonsSayWhy()
@@ -183,19 +187,24 @@ private slots:
         m_form->addText(QStringLiteral("name"), QStringLiteral("Name :"), QString(), QStringLiteral("name"));
         RyDialogDriver driver;
         QCOMPARE(m_form->exec(), int(QDialog::Rejected));
-        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("\"Name\" is empty.")), qPrintable(driver.records().at(0).reason));
+        QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("\"Name\" is empty.")),
+                 qPrintable(driver.records().at(0).reason));
     }
 
     void scriptErrors_data()
     {
         QTest::addColumn<QString>("program");
         QTest::addColumn<QString>("message");
-        QTest::newRow("key twice") << "form.addText('a', 'A'); form.addText('a', 'A')" << "The form already has a field \"a\".";
-        QTest::newRow("no key") << "form.addCheck('', 'A')" << "A field of the form needs a key.";
+        QTest::newRow("key twice") << "form.addText('a', 'A'); form.addText('a', 'A')"
+                                   << "The form already has a field \"a\".";
+        QTest::newRow("no key") << "form.addCheck('', 'A')"
+                                << "A field of the form needs a key.";
         QTest::newRow("rule") << "form.addText('a', 'A', '', 'odd')"
                               << "\"odd\" is no rule for texts of a form; there are \"name\" and \"label\".";
-        QTest::newRow("value") << "form.value('a')" << "The form has no field \"a\".";
-        QTest::newRow("set") << "form.setValue('a', 1)" << "The form has no field \"a\".";
+        QTest::newRow("value") << "form.value('a')"
+                               << "The form has no field \"a\".";
+        QTest::newRow("set") << "form.setValue('a', 1)"
+                             << "The form has no field \"a\".";
         QTest::newRow("item") << "form.addChoice('a', 'A', ['b']); form.setValue('a', 'c')"
                               << "The field \"a\" of the form has no item \"c\".";
     }

@@ -1,9 +1,9 @@
 #include "support/RyTest.h"
 
-#include "rycore/ui/RyColorWgt.h"
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/ui/RyIntSlider.h"
 #include "rycore/automation/RyWidgetFilling.h"
+#include "rycore/ui/RyColorWgt.h"
+#include "rycore/ui/RyIntSlider.h"
 
 #include <QAbstractButton>
 #include <QColorDialog>
@@ -39,7 +39,8 @@ private slots:
         changes.clear();
         // By hand, in either part, and the other shows it before anybody hears of it.
         QString seen;
-        connect(&wgt, &RyIntSlider::valueChanged, this, [&] { seen = QStringLiteral("%1 %2").arg(slider->value()).arg(field->value()); });
+        connect(&wgt, &RyIntSlider::valueChanged, this,
+                [&] { seen = QStringLiteral("%1 %2").arg(slider->value()).arg(field->value()); });
         QTest::keyClick(slider, Qt::Key_Right);
         QCOMPARE(seen, QStringLiteral("1 1"));
         QTest::keyClick(slider, Qt::Key_PageUp);
@@ -80,13 +81,20 @@ private slots:
     {
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("hex") << "#102030" << "#102030";
-        QTest::newRow("no mark") << "a0b0c0" << "#a0b0c0";
-        QTest::newRow("short") << "#f00" << "#ff0000";
-        QTest::newRow("name") << " red " << "#ff0000";
-        QTest::newRow("nonsense") << "reddish" << "#808080";
-        QTest::newRow("nothing") << "" << "#808080";
-        QTest::newRow("not opaque") << "transparent" << "#808080";
+        QTest::newRow("hex") << "#102030"
+                             << "#102030";
+        QTest::newRow("no mark") << "a0b0c0"
+                                 << "#a0b0c0";
+        QTest::newRow("short") << "#f00"
+                               << "#ff0000";
+        QTest::newRow("name") << " red "
+                              << "#ff0000";
+        QTest::newRow("nonsense") << "reddish"
+                                  << "#808080";
+        QTest::newRow("nothing") << ""
+                                 << "#808080";
+        QTest::newRow("not opaque") << "transparent"
+                                    << "#808080";
     }
     void colorTyped()
     {

@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
-#include "rycore/ui/RyNumberField.h"
 #include "rycore/automation/RyWidgetFilling.h"
+#include "rycore/ui/RyNumberField.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -42,7 +42,8 @@ class RyWidgetFillingTest : public QObject
     }
     bool says(std::initializer_list<const char *> words) const
     {
-        return std::all_of(words.begin(), words.end(), [&](const char *word) { return m_error.contains(QString::fromUtf8(word)); });
+        return std::all_of(words.begin(), words.end(),
+                           [&](const char *word) { return m_error.contains(QString::fromUtf8(word)); });
     }
 
 private slots:
@@ -250,8 +251,8 @@ private slots:
         for (const char *wrong : {"XLed#4", "XLed#0", "xled", "", "XLed#x"})
             QVERIFY2(!ryFindField(&window, QString::fromLatin1(wrong)), wrong);
         QCOMPARE(ryDescribeFields(&window),
-                 (QStringList{QStringLiteral("XLed (text)"), QStringLiteral("XLed#2 (text)"), QStringLiteral("XLed#3 (text)"),
-                              QStringLiteral("odd#2 (text)")}));
+                 (QStringList{QStringLiteral("XLed (text)"), QStringLiteral("XLed#2 (text)"),
+                              QStringLiteral("XLed#3 (text)"), QStringLiteral("odd#2 (text)")}));
     }
 };
 

@@ -71,8 +71,7 @@ class ToyListItem : public RyUndoItem
 public:
     ToyListItem(ToyList *list, size_t place, int number, bool present)
         : m_list(list), m_place(place), m_number(number), m_present(present)
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_list)

@@ -1,12 +1,12 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/restore/RyRestoreGuard.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
-#include "rycore/undo/restore/RyUndoKeeper.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/RyUndoStackSilence.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
+#include "rycore/undo/restore/RyUndoKeeper.h"
 
 namespace {
 

@@ -1,15 +1,16 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/restore/RyRestoreGuard.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <deque>
 #include <random>
 
-/// Random programs of edits in and out of holds, locks, clears, undos, points and restores. The model keeps whole copies.
+/// Random programs of edits in and out of holds, locks, clears, undos, points and restores. The model keeps whole
+/// copies.
 class RyRestorePointsRandomTest : public QObject
 {
     Q_OBJECT
@@ -179,8 +180,8 @@ void RyRestorePointsRandomTest::pointsGiveBackTheirStates()
         QVERIFY(points->restore(0));
         QVERIFY2(state() == before, qPrintable(QStringLiteral("program %1, way back").arg(program)));
     }
-    std::printf("restored %d, points by commands %d of %d clears, %d steps, %d cancels\n", restored, guarded, clears, unguarded,
-                cancels);
+    std::printf("restored %d, points by commands %d of %d clears, %d steps, %d cancels\n", restored, guarded, clears,
+                unguarded, cancels);
     QVERIFY(restored > 500 && guarded > 200 && clears > 500 && unguarded > 500 && cancels > 1000);
 }
 

@@ -71,7 +71,8 @@ void RyUndoStackRandomTest::recordedProgramsReturnToSnapshots()
                     holds.back().hold->cancel();
                 else
                     holds.back().hold.reset();
-                QVERIFY2(state() == holds.back().before, qPrintable(QString("cancel, program %1 op %2").arg(program).arg(op)));
+                QVERIFY2(state() == holds.back().before,
+                         qPrintable(QString("cancel, program %1 op %2").arg(program).arg(op)));
                 holds.pop_back();
                 ++cancels;
             } else if (kind == 4) {
@@ -81,7 +82,8 @@ void RyUndoStackRandomTest::recordedProgramsReturnToSnapshots()
                 }
                 stack->undo();
                 if (holds.empty())
-                    QVERIFY2(state() == history[index], qPrintable(QString("undo, program %1 op %2").arg(program).arg(op)));
+                    QVERIFY2(state() == history[index],
+                             qPrintable(QString("undo, program %1 op %2").arg(program).arg(op)));
             } else if (kind == 5) {
                 if (holds.empty() && index + 1 < history.size()) {
                     ++index;
@@ -89,7 +91,8 @@ void RyUndoStackRandomTest::recordedProgramsReturnToSnapshots()
                 }
                 stack->redo();
                 if (holds.empty())
-                    QVERIFY2(state() == history[index], qPrintable(QString("redo, program %1 op %2").arg(program).arg(op)));
+                    QVERIFY2(state() == history[index],
+                             qPrintable(QString("redo, program %1 op %2").arg(program).arg(op)));
             } else if (!holds.empty()) {
                 ++edits;
                 const int what = pick(rng, 4);

@@ -29,7 +29,8 @@ RyFacetMesh *makeTube()
     std::vector<RyVec3> positions;
     for (int ring = 0; ring < Rings; ++ring) {
         for (int corner = 0; corner < Corners; ++corner)
-            positions.emplace_back(corner == 0 || corner == 3 ? -5.0f : 5.0f, 10.0f * float(ring), corner < 2 ? 5.0f : -5.0f);
+            positions.emplace_back(corner == 0 || corner == 3 ? -5.0f : 5.0f, 10.0f * float(ring),
+                                   corner < 2 ? 5.0f : -5.0f);
     }
     std::vector<RyFacet> facets;
     for (int ring = 0; ring + 1 < Rings; ++ring) {

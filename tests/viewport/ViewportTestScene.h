@@ -29,8 +29,10 @@ class ViewportMouse
 public:
     explicit ViewportMouse(Ry3DViewport &viewport) : m_viewport(viewport) {}
     void move(const QPoint &point, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    void press(const QPoint &point, Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    void release(const QPoint &point, Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void press(const QPoint &point, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    void release(const QPoint &point, Qt::MouseButton button = Qt::LeftButton,
+                 Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void wheel(const QPoint &point, int degrees);
 
 private:
@@ -66,8 +68,8 @@ public:
     float pickLineWidth = 0.0f;
 };
 
-/// Draws the bones of a skeleton as the joint editor codes them: a square at each bone of its list, the list refilled in
-/// every pick pass, and one handle.
+/// Draws the bones of a skeleton as the joint editor codes them: a square at each bone of its list, the list refilled
+/// in every pick pass, and one handle.
 class BoneListTool : public RyPickTool
 {
     Q_OBJECT

@@ -15,7 +15,8 @@ private slots:
         RyCamera camera;
         RyCameraController controller(&camera);
         camera.lookAt(RyVec3(30, 120, 300), RyVec3(0, 90, 10));
-        for (const QPointF &step : {QPointF(40, 10), QPointF(-200, 90), QPointF(700, -400), QPointF(0, 2000), QPointF(50, 0)}) {
+        for (const QPointF &step :
+             {QPointF(40, 10), QPointF(-200, 90), QPointF(700, -400), QPointF(0, 2000), QPointF(50, 0)}) {
             const float distance = camera.focalDistance();
             controller.orbit(step);
             QVERIFY((controller.target() - RyVec3(0, 90, 10)).length() < 0.05f);

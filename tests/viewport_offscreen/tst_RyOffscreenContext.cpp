@@ -91,7 +91,8 @@ private slots:
             darker += wired.pixelColor(p).lightness() < plain.pixelColor(p).lightness() - 20;
         }
         QVERIFY(darker >= 1 && darker <= 3);
-        QVERIFY(qAbs(wired.pixelColor(edge + QPoint(3, 9)).lightness() - plain.pixelColor(edge + QPoint(3, 9)).lightness()) < 5);
+        QVERIFY(qAbs(wired.pixelColor(edge + QPoint(3, 9)).lightness() -
+                     plain.pixelColor(edge + QPoint(3, 9)).lightness()) < 5);
     }
 
     void picksWithoutADisplay()

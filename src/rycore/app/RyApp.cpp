@@ -61,7 +61,8 @@ RyAssetIOMgr *RyApp::defaultAssetIOMgr()
 
 QWidget *RyApp::getDialogParent()
 {
-    QWidget *modal = qobject_cast<QApplication *>(QCoreApplication::instance()) ? QApplication::activeModalWidget() : nullptr;
+    QWidget *modal =
+        qobject_cast<QApplication *>(QCoreApplication::instance()) ? QApplication::activeModalWidget() : nullptr;
     return modal ? modal : s_interface.data();
 }
 

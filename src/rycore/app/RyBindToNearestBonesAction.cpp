@@ -14,8 +14,9 @@ static RySkinBinding *selectedSkin()
 }
 
 RyBindToNearestBonesAction::RyBindToNearestBonesAction()
-    : RyAction(tr("Bind to Nearest Bones"),
-               tr("Gives every vertex of the selected figure weights of the bones nearest to it, in place of those it had."))
+    : RyAction(
+          tr("Bind to Nearest Bones"),
+          tr("Gives every vertex of the selected figure weights of the bones nearest to it, in place of those it had."))
 {
     setObjectName(QStringLiteral("RyBindToNearestBonesAction"));
 }

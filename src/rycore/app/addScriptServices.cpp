@@ -1,8 +1,8 @@
 #include "rycore/app/addScriptServices.h"
 
 #include "rycore/app/RyApp.h"
-#include "rycore/script/RyScriptEngine.h"
 #include "rycore/automation/RyScriptActions.h"
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyScriptForm.h"
 
 #include <QScriptContext>
@@ -18,6 +18,7 @@ static QScriptValue makeForm(QScriptContext *context, QScriptEngine *engine)
 void ryAddScriptServices(RyScriptEngine *engine, RyActionMgr *actions)
 {
     engine->setGlobal(QStringLiteral("Actions"), new RyScriptActions(actions, engine));
-    engine->globalObject().setProperty(QStringLiteral("RyScriptForm"),
-                                       engine->newQMetaObject(&RyScriptForm::staticMetaObject, engine->newFunction(makeForm)));
+    engine->globalObject().setProperty(
+        QStringLiteral("RyScriptForm"),
+        engine->newQMetaObject(&RyScriptForm::staticMetaObject, engine->newFunction(makeForm)));
 }

@@ -1,11 +1,11 @@
 #include "rycore/automation/RyActionRunner.h"
 
+#include "rycore/automation/RyDialogVerdict.h"
+#include "rycore/automation/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/automation/RyDialogVerdict.h"
-#include "rycore/automation/RyTextDistance.h"
 
 #include <QCoreApplication>
 
@@ -41,7 +41,10 @@ public:
 
     QStringList warnings() const { return RyMessageLog::global().warnings().mid(m_warnings); }
     /// Why a script within it failed, empty when none did.
-    QString scriptFailure() const { return failures() > m_failures ? RyScriptEngine::current()->lastFailure() : QString(); }
+    QString scriptFailure() const
+    {
+        return failures() > m_failures ? RyScriptEngine::current()->lastFailure() : QString();
+    }
 
 private:
     static int failures()
@@ -142,9 +145,8 @@ QStringList RyActionRunner::names() const
 QString RyActionRunner::unknownReason(const QString &className) const
 {
     const QStringList near = nearNames(className);
-    return near.isEmpty()
-        ? tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
-        : tr("There is no action %1 (did you mean %2?).").arg(className, near.join(tr(" or ")));
+    return near.isEmpty() ? tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
+                          : tr("There is no action %1 (did you mean %2?).").arg(className, near.join(tr(" or ")));
 }
 
 QStringList RyActionRunner::nearNames(const QString &name) const

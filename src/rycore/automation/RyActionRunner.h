@@ -7,12 +7,14 @@ class RyActionMgr;
 /// What running an action came to.
 struct RyActionResult
 {
-    bool ran = false;       // the action did what it was asked
-    bool refused = false;   // it was disabled, told why it does nothing, its dialog could not be accepted, or its script failed
+    bool ran = false; // the action did what it was asked
+    bool refused =
+        false; // it was disabled, told why it does nothing, its dialog could not be accepted, or its script failed
     bool cancelled = false; // an answer gave it up
-    bool wrongUse = false;  // no such action, fields and answers that do not fit its dialogs, or, when it ran, that nothing used
-    QString reason;         // why it did not run, or what was wrong
-    QStringList notes;      // what did no harm: an answer that no message box asked for, warnings in the log
+    bool wrongUse =
+        false; // no such action, fields and answers that do not fit its dialogs, or, when it ran, that nothing used
+    QString reason;    // why it did not run, or what was wrong
+    QStringList notes; // what did no harm: an answer that no message box asked for, warnings in the log
     std::vector<RyDialogRecord> dialogs; // dialogs and message boxes in the order in which they opened
 
     /// For scripts and reports: ran, refused, cancelled, reason, notes, boxes (all that opened).

@@ -98,7 +98,8 @@ QAbstractButton *RyDialogButtons::escapeButton(const QDialog *dialog)
 QAbstractButton *RyDialogButtons::acceptButton(const QDialog *dialog)
 {
     for (const QDialogButtonBox *box : boxesOf(dialog)) {
-        for (const auto standard : {QDialogButtonBox::Ok, QDialogButtonBox::Yes, QDialogButtonBox::Save, QDialogButtonBox::Open}) {
+        for (const auto standard :
+             {QDialogButtonBox::Ok, QDialogButtonBox::Yes, QDialogButtonBox::Save, QDialogButtonBox::Open}) {
             if (box->button(standard))
                 return box->button(standard);
         }

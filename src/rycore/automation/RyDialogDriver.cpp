@@ -1,9 +1,9 @@
 #include "rycore/automation/RyDialogDriver.h"
 
-#include "rycore/script/RyScriptEngine.h"
 #include "rycore/automation/RyDialogButtons.h"
-#include "rycore/ui/RyScriptForm.h"
 #include "rycore/automation/RyWidgetFilling.h"
+#include "rycore/script/RyScriptEngine.h"
+#include "rycore/ui/RyScriptForm.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr int Attempts = 3;         // to accept a dialog that stays open
-constexpr int MostOpenings = 10;    // of one dialog object
-constexpr int MostSameInARow = 50;  // of dialogs and boxes that look alike
+constexpr int Attempts = 3;        // to accept a dialog that stays open
+constexpr int MostOpenings = 10;   // of one dialog object
+constexpr int MostSameInARow = 50; // of dialogs and boxes that look alike
 
 std::vector<RyDialogDriver *> drivers;
 
@@ -48,8 +48,8 @@ RyDialogRecord recordOf(QDialog *dialog)
 
 bool lookAlike(const RyDialogRecord &a, const RyDialogRecord &b)
 {
-    return a.kind == b.kind && a.className == b.className && a.objectName == b.objectName && a.title == b.title
-        && a.text == b.text && a.buttons == b.buttons;
+    return a.kind == b.kind && a.className == b.className && a.objectName == b.objectName && a.title == b.title &&
+           a.text == b.text && a.buttons == b.buttons;
 }
 
 /// What a form of a script says of its values.
@@ -143,7 +143,8 @@ bool RyDialogDriver::isBusy(const QWidget *window) const
 void RyDialogDriver::take(size_t level)
 {
     auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-    if (drivers.back() != this || !dialog || !dialog->isVisible() || isBusy(dialog) || qobject_cast<QProgressDialog *>(dialog))
+    if (drivers.back() != this || !dialog || !dialog->isVisible() || isBusy(dialog) ||
+        qobject_cast<QProgressDialog *>(dialog))
         return;
     startLevel(level + 1);
     m_busy.emplace_back(dialog);
@@ -171,7 +172,8 @@ bool RyDialogDriver::repeatsItself(QDialog *dialog)
     m_sameInARow = same ? m_sameInARow + 1 : 1;
     const auto gone = [](const Opening &opening) { return !opening.dialog; };
     m_openings.erase(std::remove_if(m_openings.begin(), m_openings.end(), gone), m_openings.end());
-    auto opening = std::find_if(m_openings.begin(), m_openings.end(), [&](const Opening &o) { return o.dialog == dialog; });
+    auto opening =
+        std::find_if(m_openings.begin(), m_openings.end(), [&](const Opening &o) { return o.dialog == dialog; });
     if (opening == m_openings.end())
         opening = m_openings.insert(m_openings.end(), Opening{dialog, 0});
     return ++opening->times > MostOpenings || m_sameInARow > MostSameInARow;
@@ -181,8 +183,8 @@ RyDialogDriver::Answer *RyDialogDriver::answerFor(const RyDialogRecord &record)
 {
     Answer *last = nullptr;
     for (Answer &answer : m_answers) {
-        const bool fits = answer.title.compare(record.title, Qt::CaseInsensitive) == 0
-            || (!record.objectName.isEmpty() && answer.title == record.objectName);
+        const bool fits = answer.title.compare(record.title, Qt::CaseInsensitive) == 0 ||
+                          (!record.objectName.isEmpty() && answer.title == record.objectName);
         if (!fits)
             continue;
         last = &answer;
@@ -240,8 +242,9 @@ QStringList RyDialogDriver::fillFields(QDialog *dialog)
         QWidget *widget = ryFindField(dialog, name);
         if (!widget) {
             const QStringList fields = ryDescribeFields(dialog);
-            error = fields.isEmpty() ? tr("there is no field %1, and no other").arg(name)
-                                     : tr("there is no field %1; there is %2").arg(name, fields.join(QStringLiteral(", ")));
+            error = fields.isEmpty()
+                        ? tr("there is no field %1, and no other").arg(name)
+                        : tr("there is no field %1; there is %2").arg(name, fields.join(QStringLiteral(", ")));
         } else {
             const QString value = m_fields[i].value;
             ryFillWidget(widget, value, &error);
@@ -268,7 +271,8 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
         button = RyDialogButtons::findButton(dialog, answer->button);
         if (!button) {
             m_errors.append(tr("The dialog \"%1\" has no button \"%2\"; it has %3.")
-                                .arg(m_records[record].title, answer->button, m_records[record].buttons.join(QStringLiteral(", "))));
+                                .arg(m_records[record].title, answer->button,
+                                     m_records[record].buttons.join(QStringLiteral(", "))));
             reject(dialog, record, m_errors.last());
             return;
         }
@@ -283,7 +287,9 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
             QString pressing = tr("its button %1 is disabled").arg(m_records[record].answered);
             if (const QString why = messageOf(dialog); !why.isEmpty())
                 pressing += tr(" (%1)").arg(why);
-            reject(dialog, record, fields.isEmpty() ? pressing : tr("%1; its fields are %2").arg(pressing, fields.join(QStringLiteral(", "))));
+            reject(dialog, record,
+                   fields.isEmpty() ? pressing
+                                    : tr("%1; its fields are %2").arg(pressing, fields.join(QStringLiteral(", "))));
             return;
         }
         const size_t first = m_records.size();

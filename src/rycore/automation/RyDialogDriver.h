@@ -12,11 +12,12 @@ class QTimer;
 
 /// While one lives it takes every modal dialog and message box that opens, so that actions run without a person.
 ///
-/// A message box is answered by the rule for its title, otherwise by its default button, otherwise by the one that Escape
-/// presses. A dialog gets its fields filled and is accepted. One that stays open, because it corrected what was filled in,
-/// is accepted again a few times and then rejected; so is one whose fields do not fit, untouched by acceptance. What a
-/// dialog opens in turn is taken too. What opens again and again is rejected, and a script whose form does so is stopped. Dialogs that were open before are left alone, and so are progress dialogs. Where
-/// several drivers live, the latest works.
+/// A message box is answered by the rule for its title, otherwise by its default button, otherwise by the one that
+/// Escape presses. A dialog gets its fields filled and is accepted. One that stays open, because it corrected what was
+/// filled in, is accepted again a few times and then rejected; so is one whose fields do not fit, untouched by
+/// acceptance. What a dialog opens in turn is taken too. What opens again and again is rejected, and a script whose
+/// form does so is stopped. Dialogs that were open before are left alone, and so are progress dialogs. Where several
+/// drivers live, the latest works.
 class RyDialogDriver : public QObject
 {
     Q_OBJECT
@@ -24,12 +25,14 @@ public:
     explicit RyDialogDriver(QObject *parent = nullptr);
     ~RyDialogDriver() override;
 
-    /// Fills a widget before its dialog is accepted, in the order of these calls, once. `name` is an object name; "NAME#2" is
-    /// the second widget of that name. It belongs to the next dialog, which is refused when it has no such widget;
-    /// "DIALOG/NAME" waits for the dialog of that object name or title. What values look like: see `ryFillWidget`.
+    /// Fills a widget before its dialog is accepted, in the order of these calls, once. `name` is an object name;
+    /// "NAME#2" is the second widget of that name. It belongs to the next dialog, which is refused when it has no such
+    /// widget; "DIALOG/NAME" waits for the dialog of that object name or title. What values look like: see
+    /// `ryFillWidget`.
     void setField(const QString &name, const QString &value);
-    /// Presses that button, by its text or standard name, in the message box or dialog of that title. Several rules of one
-    /// title are used one after the other, the last of them from then on. Without such a button: an error, and Escape.
+    /// Presses that button, by its text or standard name, in the message box or dialog of that title. Several rules of
+    /// one title are used one after the other, the last of them from then on. Without such a button: an error, and
+    /// Escape.
     void setAnswer(const QString &title, const QString &button);
 
     /// Everything that opened, in that order.

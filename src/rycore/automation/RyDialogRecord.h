@@ -18,17 +18,18 @@ struct RyDialogRecord
     QString text;            // message boxes
     QString informativeText; // message boxes
     QMessageBox::Icon icon = QMessageBox::NoIcon;
-    QStringList buttons; // as on the screen, without mnemonics; standard buttons by their names ("Ok", "Cancel", "YesToAll")
+    QStringList
+        buttons; // as on the screen, without mnemonics; standard buttons by their names ("Ok", "Cancel", "YesToAll")
     QString defaultButton;
     QString escapeButton;
     QPointer<QWidget> parent;
     QString parentClass;
     QString parentName;
-    QString answered;     // the button; "accept" or "reject" for a dialog that has none for it
-    bool refused = false; // the dialog could not be accepted
+    QString answered;       // the button; "accept" or "reject" for a dialog that has none for it
+    bool refused = false;   // the dialog could not be accepted
     bool cancelled = false; // what was pressed gives the work up
-    bool corrects = false; // the box came from a dialog that stayed open after it, to be accepted again
-    QString reason;       // why not
+    bool corrects = false;  // the box came from a dialog that stayed open after it, to be accepted again
+    QString reason;         // why not
 
     /// "information", "warning", "critical", "question" or "none".
     QString iconName() const;
@@ -40,7 +41,7 @@ struct RyDialogRecord
     QString plainText() const;
     /// Everything in one line, for logs.
     QString describe() const;
-    /// For scripts and reports: kind ("box" or "dialog"), name, title, text, icon, buttons, default, escape, parent, answered,
-    /// refused, cancelled, reason.
+    /// For scripts and reports: kind ("box" or "dialog"), name, title, text, icon, buttons, default, escape, parent,
+    /// answered, refused, cancelled, reason.
     QVariantMap toMap() const;
 };

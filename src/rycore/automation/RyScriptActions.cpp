@@ -1,8 +1,8 @@
 #include "rycore/automation/RyScriptActions.h"
 
+#include "rycore/automation/RyActionRunner.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/automation/RyActionRunner.h"
 
 #include <QScriptContext>
 #include <QScriptEngine>
@@ -10,7 +10,8 @@
 
 RyScriptActions::RyScriptActions(RyActionMgr *manager, QObject *parent) : QObject(parent), m_manager(manager) {}
 
-QScriptValue RyScriptActions::run(const QString &className, const QScriptValue &fields, const QScriptValue &answers) const
+QScriptValue RyScriptActions::run(const QString &className, const QScriptValue &fields,
+                                  const QScriptValue &answers) const
 {
     // Known only until another script function runs.
     QScriptContext *caller = context();
@@ -18,7 +19,8 @@ QScriptValue RyScriptActions::run(const QString &className, const QScriptValue &
     RyActionRunner runner(m_manager);
     for (const QScriptValue &values : {fields, answers}) {
         if (values.isValid() && !values.isUndefined() && !values.isNull() && !values.isObject())
-            return caller->throwError(tr("Actions.run takes a class name, an object of fields and an object of answers."));
+            return caller->throwError(
+                tr("Actions.run takes a class name, an object of fields and an object of answers."));
     }
     for (QScriptValueIterator field(fields); field.hasNext();) {
         field.next();

@@ -89,7 +89,9 @@ bool isChoosable(const QModelIndex &index)
 void collect(const QAbstractItemView *view, const QModelIndex &parent, const Item &above, std::vector<Item> &items)
 {
     const QAbstractItemModel *model = view->model();
-    const auto join = [](const QString &path, const QString &text) { return path.isEmpty() ? text : path + QLatin1Char('/') + text; };
+    const auto join = [](const QString &path, const QString &text) {
+        return path.isEmpty() ? text : path + QLatin1Char('/') + text;
+    };
     for (int row = 0; model && row < model->rowCount(parent); ++row) {
         const QModelIndex index = model->index(row, 0, parent);
         const QString text = index.data().toString();
@@ -173,8 +175,8 @@ bool RyWidgetChoices::fillCombo(QComboBox *combo, const QString &value, QString 
 bool RyWidgetChoices::fillView(QAbstractItemView *view, const QString &value, QString *error)
 {
     const std::vector<Item> items = itemsOf(view);
-    const bool several = view->selectionMode() == QAbstractItemView::MultiSelection
-        || view->selectionMode() == QAbstractItemView::ExtendedSelection;
+    const bool several = view->selectionMode() == QAbstractItemView::MultiSelection ||
+                         view->selectionMode() == QAbstractItemView::ExtendedSelection;
     // A text that holds a comma is tried as it stands first.
     QStringList values{value};
     if (several && findItems(items, value).empty())
@@ -189,7 +191,9 @@ bool RyWidgetChoices::fillView(QAbstractItemView *view, const QString &value, QS
             QStringList paths;
             for (const Item &item : found)
                 paths.append(item.namePath);
-            *error = tr("has %1 items \"%2\"; write one of their paths: %3").arg(found.size()).arg(text, paths.join(QStringLiteral(", ")));
+            *error = tr("has %1 items \"%2\"; write one of their paths: %3")
+                         .arg(found.size())
+                         .arg(text, paths.join(QStringLiteral(", ")));
             return false;
         }
         if (!isChoosable(found.front().index)) {

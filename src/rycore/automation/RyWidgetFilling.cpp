@@ -57,8 +57,8 @@ bool fillLine(QLineEdit *edit, const QString &value, QString *error)
         return fail(error, tr("cannot be written"));
     QString checked = value;
     int position = 0;
-    if (value.size() > edit->maxLength()
-        || (edit->validator() && edit->validator()->validate(checked, position) == QValidator::Invalid)) {
+    if (value.size() > edit->maxLength() ||
+        (edit->validator() && edit->validator()->validate(checked, position) == QValidator::Invalid)) {
         return fail(error, tr("does not take the text \"%1\"").arg(value));
     }
     enter(edit);
@@ -80,9 +80,12 @@ bool fillText(TextEdit *edit, const QString &value, QString *error)
 bool toFlag(const QString &value, bool *flag)
 {
     const QString word = value.trimmed().toLower();
-    *flag = QStringList{QStringLiteral("true"), QStringLiteral("1"), QStringLiteral("yes"), QStringLiteral("on")}.contains(word);
-    return *flag
-        || QStringList{QStringLiteral("false"), QStringLiteral("0"), QStringLiteral("no"), QStringLiteral("off")}.contains(word);
+    *flag =
+        QStringList{QStringLiteral("true"), QStringLiteral("1"), QStringLiteral("yes"), QStringLiteral("on")}.contains(
+            word);
+    return *flag ||
+           QStringList{QStringLiteral("false"), QStringLiteral("0"), QStringLiteral("no"), QStringLiteral("off")}
+               .contains(word);
 }
 
 bool fillButton(QAbstractButton *button, const QString &value, QString *error)
@@ -97,8 +100,8 @@ bool fillButton(QAbstractButton *button, const QString &value, QString *error)
     }
     if (button->isChecked() != on)
         button->click();
-    return button->isChecked() == on || fail(error, tr("cannot be switched %1; choose another of its group")
-                                                        .arg(on ? tr("on") : tr("off")));
+    return button->isChecked() == on ||
+           fail(error, tr("cannot be switched %1; choose another of its group").arg(on ? tr("on") : tr("off")));
 }
 
 bool fillGroupBox(QGroupBox *box, const QString &value, QString *error)
@@ -118,8 +121,8 @@ bool checkRange(double number, bool isNumber, Number low, Number high, const QSt
 {
     if (!isNumber || !std::isfinite(number))
         return fail(error, tr("takes a number, not \"%1\"").arg(value));
-    return (number >= double(low) && number <= double(high))
-        || fail(error, tr("takes %1 to %2, not %3").arg(low).arg(high).arg(value));
+    return (number >= double(low) && number <= double(high)) ||
+           fail(error, tr("takes %1 to %2, not %3").arg(low).arg(high).arg(value));
 }
 
 bool fillWholeNumber(const QString &value, int low, int high, int *number, QString *error)
@@ -185,7 +188,8 @@ QList<QWidget *> fillableParts(const QWidget *widget)
 {
     QList<QWidget *> parts;
     for (QWidget *part : widget->findChildren<QWidget *>()) {
-        const bool insideOther = std::any_of(parts.begin(), parts.end(), [&](QWidget *other) { return other->isAncestorOf(part); });
+        const bool insideOther =
+            std::any_of(parts.begin(), parts.end(), [&](QWidget *other) { return other->isAncestorOf(part); });
         if (!insideOther && ryCanFillWidget(part))
             parts.append(part);
     }
@@ -205,18 +209,20 @@ bool isBasicKind(const QWidget *widget)
 {
     const auto *spin = qobject_cast<const QAbstractSpinBox *>(widget);
     const auto *group = qobject_cast<const QGroupBox *>(widget);
-    return qobject_cast<const QLineEdit *>(widget) || qobject_cast<const QAbstractButton *>(widget)
-        || qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractItemView *>(widget)
-        || qobject_cast<const QAbstractSlider *>(widget) || qobject_cast<const QTextEdit *>(widget)
-        || qobject_cast<const QPlainTextEdit *>(widget) || qobject_cast<const QTabWidget *>(widget)
-        || (group && group->isCheckable()) || qobject_cast<const QSpinBox *>(spin) || qobject_cast<const QDoubleSpinBox *>(spin);
+    return qobject_cast<const QLineEdit *>(widget) || qobject_cast<const QAbstractButton *>(widget) ||
+           qobject_cast<const QComboBox *>(widget) || qobject_cast<const QAbstractItemView *>(widget) ||
+           qobject_cast<const QAbstractSlider *>(widget) || qobject_cast<const QTextEdit *>(widget) ||
+           qobject_cast<const QPlainTextEdit *>(widget) || qobject_cast<const QTabWidget *>(widget) ||
+           (group && group->isCheckable()) || qobject_cast<const QSpinBox *>(spin) ||
+           qobject_cast<const QDoubleSpinBox *>(spin);
 }
 
 /// Parts of Qt's own widgets, and what the layout made.
 bool isInternal(const QWidget *widget)
 {
-    return widget->objectName().isEmpty() || widget->objectName().startsWith(QLatin1String("qt_"))
-        || qobject_cast<QAbstractSpinBox *>(widget->parentWidget()) || qobject_cast<QComboBox *>(widget->parentWidget());
+    return widget->objectName().isEmpty() || widget->objectName().startsWith(QLatin1String("qt_")) ||
+           qobject_cast<QAbstractSpinBox *>(widget->parentWidget()) ||
+           qobject_cast<QComboBox *>(widget->parentWidget());
 }
 
 bool fill(QWidget *widget, const QString &value, QString *error)
@@ -282,7 +288,8 @@ bool ryFillWidget(QWidget *widget, const QString &value, QString *error)
     QString reason;
     if (fill(widget, value, &reason))
         return true;
-    *error = QStringLiteral("%1 %2").arg(widget->objectName().isEmpty() ? tr("The field") : widget->objectName(), reason);
+    *error =
+        QStringLiteral("%1 %2").arg(widget->objectName().isEmpty() ? tr("The field") : widget->objectName(), reason);
     return false;
 }
 
@@ -297,7 +304,8 @@ QWidget *ryFindField(const QWidget *window, const QString &name)
     if (found.isEmpty() && isNumber)
         return widgetsIn(window, name.left(mark)).value(number - 1);
     // A label may carry the name of its field.
-    const auto fillable = std::find_if(found.begin(), found.end(), [](QWidget *widget) { return ryCanFillWidget(widget); });
+    const auto fillable =
+        std::find_if(found.begin(), found.end(), [](QWidget *widget) { return ryCanFillWidget(widget); });
     return fillable != found.end() ? *fillable : found.value(0);
 }
 
@@ -313,8 +321,10 @@ QStringList ryDescribeFields(const QWidget *window)
             continue;
         if (qobject_cast<const QDialogButtonBox *>(widget->parentWidget()))
             continue;
-        const QString name = number == 1 ? widget->objectName() : QStringLiteral("%1#%2").arg(widget->objectName()).arg(number);
-        lines.append(QStringLiteral("%1 (%2)").arg(name, takes(ryCanFillWidget(widget) ? widget : fillableParts(widget).first())));
+        const QString name =
+            number == 1 ? widget->objectName() : QStringLiteral("%1#%2").arg(widget->objectName()).arg(number);
+        lines.append(QStringLiteral("%1 (%2)").arg(
+            name, takes(ryCanFillWidget(widget) ? widget : fillableParts(widget).first())));
     }
     return lines;
 }
@@ -330,7 +340,8 @@ QString ryButtonName(const QAbstractButton *button)
     const QMetaObject &boxes = QDialogButtonBox::staticMetaObject;
     const QMetaEnum names = boxes.enumerator(boxes.indexOfEnumerator("StandardButtons"));
     for (int i = 0; i < names.keyCount(); ++i) {
-        if (names.value(i) != int(QDialogButtonBox::NoButton) && bare.compare(QLatin1String(names.key(i)), Qt::CaseInsensitive) == 0)
+        if (names.value(i) != int(QDialogButtonBox::NoButton) &&
+            bare.compare(QLatin1String(names.key(i)), Qt::CaseInsensitive) == 0)
             return QString::fromLatin1(names.key(i));
     }
     return text;

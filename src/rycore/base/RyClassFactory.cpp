@@ -14,9 +14,9 @@ static void errorFromScript(const QScriptValue &value, RyError &error)
     error = RyError(value.toInt32());
 }
 
-RyClassFactory::RyClassFactory(const QMetaObject *metaObject, const RyGuid &guid) : m_metaObject(metaObject), m_guid(guid)
-{
-}
+RyClassFactory::RyClassFactory(const QMetaObject *metaObject, const RyGuid &guid)
+    : m_metaObject(metaObject), m_guid(guid)
+{}
 
 RyClassFactory::~RyClassFactory() = default;
 

@@ -39,8 +39,7 @@ static RyERCLink *findLink(const RyFloatProperty *controller, const RyFloatPrope
 
 RyERCLink::RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled)
     : m_controller(controller), m_controlled(controlled)
-{
-}
+{}
 
 RyERCLink *RyERCLink::create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error)
 {

@@ -17,8 +17,7 @@ class RyElementLabelChange : public RyUndoItem
 public:
     explicit RyElementLabelChange(RyElement *element)
         : m_element(element), m_key(keyOf(element)), m_label(element->m_label)
-    {
-    }
+    {}
 
     static RyUndoKey keyOf(const RyElement *element) { return {element, quintptr(&labelAspect)}; }
     RyUndoKey key() const override { return m_key; }
@@ -129,7 +128,7 @@ void RyElement::copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool
 void RyElement::copyPropertiesFrom(const RyElement &other, bool addMissing)
 {
     const std::unique_ptr<RyPropertyGroup> RyElement::*const trees[] = {&RyElement::m_publicGroups,
-                                                                       &RyElement::m_privateGroups};
+                                                                        &RyElement::m_privateGroups};
     for (const auto tree : trees) {
         const RyPropertyGroup *from = (other.*tree).get();
         if (!from)

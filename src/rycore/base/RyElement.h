@@ -34,16 +34,19 @@ public:
     void cancelEdit();
     int editLevel() const { return m_editLevel; }
 
-    /// A new element like this one, entered in the context; null where elements of this kind cannot be duplicated (the base does
-    /// so). The copy may be of another class than the original. What it refers to is resolved by the context afterwards.
+    /// A new element like this one, entered in the context; null where elements of this kind cannot be duplicated (the
+    /// base does so). The copy may be of another class than the original. What it refers to is resolved by the context
+    /// afterwards.
     virtual RyElement *doDuplicateElement(RyElementDuplicateContext *context);
-    /// Called on a duplicate once all duplicates are made: references into the set that was duplicated go to the duplicates.
+    /// Called on a duplicate once all duplicates are made: references into the set that was duplicated go to the
+    /// duplicates.
     virtual void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context);
-    /// Takes the values, limits and labels of the properties at the same places of the other's groups. `addMissing`: properties
-    /// and groups that the other has beyond those of this element are added. Links are not taken over.
+    /// Takes the values, limits and labels of the properties at the same places of the other's groups. `addMissing`:
+    /// properties and groups that the other has beyond those of this element are added. Links are not taken over.
     void copyPropertiesFrom(const RyElement &other, bool addMissing);
 
-    /// Called by a property of this element after its value (raw or by a link) changed, before its listeners hear of it.
+    /// Called by a property of this element after its value (raw or by a link) changed, before its listeners hear of
+    /// it.
     virtual void propertyChanged(RyFloatProperty *property);
     /// The same after a change of the default alone.
     virtual void propertyDefaultChanged(RyFloatProperty *property);

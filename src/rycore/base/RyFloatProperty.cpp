@@ -12,8 +12,7 @@
 RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float defaultValue)
     : RyProperty(owner, name), m_raw(std::isfinite(defaultValue) ? defaultValue : 0.0f), m_announced(m_raw),
       m_default(m_raw)
-{
-}
+{}
 
 RyFloatProperty::~RyFloatProperty()
 {

@@ -8,8 +8,8 @@ class RyERCLink;
 
 /// A float with default, current and limits. The resulting value is the raw value plus what links add to it; the limits
 /// hold for the raw value.
-/// Every change is undoable where a hold is open. A change of the default alone emits nothing but `defaultValueChanged`.
-/// Values that are not finite are refused.
+/// Every change is undoable where a hold is open. A change of the default alone emits nothing but
+/// `defaultValueChanged`. Values that are not finite are refused.
 class RyFloatProperty : public RyProperty
 {
     Q_OBJECT

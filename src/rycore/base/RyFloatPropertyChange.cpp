@@ -4,8 +4,7 @@ static const char stateAspect = 0;
 
 RyFloatPropertyChange::RyFloatPropertyChange(RyFloatProperty *property)
     : m_property(property), m_key(keyOf(property)), m_kept(property->state()), m_written(m_kept)
-{
-}
+{}
 
 RyUndoKey RyFloatPropertyChange::keyOf(const RyFloatProperty *property)
 {

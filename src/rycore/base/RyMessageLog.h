@@ -29,6 +29,6 @@ private:
     bool m_echo = true;
 };
 
-/// Text of a developer's warning: "%1(%2): %3" with the source path's separators turned into backslashes and cut to what
-/// follows from the last "\src\" on (the whole path where there is none).
+/// Text of a developer's warning: "%1(%2): %3" with the source path's separators turned into backslashes and cut to
+/// what follows from the last "\src\" on (the whole path where there is none).
 QString ryDeveloperMessage(const char *sourceFile, int line, const QString &message);

@@ -43,7 +43,8 @@ static QString unescape(const QByteArray &text)
 {
     QByteArray plain;
     for (int i = 0; i < text.size(); ++i) {
-        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(uchar(text[i + 1])) && std::isxdigit(uchar(text[i + 2]))) {
+        if (text[i] == '%' && i + 2 < text.size() && std::isxdigit(uchar(text[i + 1])) &&
+            std::isxdigit(uchar(text[i + 2]))) {
             plain += QByteArray::fromHex(text.mid(i + 1, 2));
             i += 2;
         } else {
@@ -135,9 +136,10 @@ void RySettingsStore::setValue(const QString &group, const QString &key, const s
     QString reason;
     if (!write(&reason)) {
         apply(own, value);
-        reportOnce(QStringLiteral("write"), tr("The settings file %1 cannot be written (group %2, key %3): %4. The settings "
-                                               "last until the program ends.")
-                                                .arg(QDir::toNativeSeparators(m_loadedPath), group, key, reason));
+        reportOnce(QStringLiteral("write"),
+                   tr("The settings file %1 cannot be written (group %2, key %3): %4. The settings "
+                      "last until the program ends.")
+                       .arg(QDir::toNativeSeparators(m_loadedPath), group, key, reason));
     }
 }
 

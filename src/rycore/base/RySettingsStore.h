@@ -20,9 +20,9 @@ struct RySettingsValue
     bool operator==(const RySettingsValue &other) const { return type == other.type && text == other.text; }
 };
 
-/// The settings file behind all groups: sections `[Group]` with lines `key=type:text`. Lines that it does not understand
-/// stay as they are. The file is read again when another process has written it; values that could not be written are
-/// kept in memory and go to the file with the next write that succeeds.
+/// The settings file behind all groups: sections `[Group]` with lines `key=type:text`. Lines that it does not
+/// understand stay as they are. The file is read again when another process has written it; values that could not be
+/// written are kept in memory and go to the file with the next write that succeeds.
 class RySettingsStore
 {
 public:

@@ -10,8 +10,7 @@ class RyVersion
 public:
     RyVersion(quint16 major = 0, quint16 minor = 0, quint16 revision = 0, quint16 build = 0)
         : m_major(major), m_minor(minor), m_revision(revision), m_build(build)
-    {
-    }
+    {}
     quint16 getMajor() const { return m_major; }
     quint16 getMinor() const { return m_minor; }
     quint16 getRevision() const { return m_revision; }

@@ -82,7 +82,8 @@ RyFigure *RyFigure::convertPropToFigure(RyNode *node, const QString &rootName, b
     figure->setName(node->getName());
     figure->setSelectionMap(new RySelectionMap);
     if (outer) {
-        // The bone goes where the prop was, and moves the geometry as the prop did; the figure stands where the skeleton stands.
+        // The bone goes where the prop was, and moves the geometry as the prop did; the figure stands where the
+        // skeleton stands.
         bone->setName(outer->getUniqueBoneName(name));
         RyNodeReplacement::takePlace(node, bone.get());
         bone->setLabel(QString());

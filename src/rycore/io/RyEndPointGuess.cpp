@@ -60,7 +60,8 @@ RyVec3 leafEnd(const RyEndPointBone &leaf, const RyEndPointBone *parent, const R
         axis = nearestAxis(leaf.orientation.inverse().multVec(toVertices));
     }
     RyVec3 direction = leaf.orientation.multVec(axis);
-    // The parent's axis says along which line; the vertices say which way, and overrule it where they lie clearly off it.
+    // The parent's axis says along which line; the vertices say which way, and overrule it where they lie clearly off
+    // it.
     if (!leaf.vertices.empty()) {
         const float along = toVertices.dot(direction);
         if (along < 0.35f * toVertices.length()) {
@@ -117,7 +118,8 @@ std::vector<RyVec3> ryGuessEndPoints(const std::vector<RyEndPointBone> &bones, c
             found = true;
         }
         if (!found || (ends[i] - bone.origin).length() <= nowhere)
-            ends[i] = leafEnd(bone, parent, bone.parent >= 0 ? ends[size_t(bone.parent)] : RyVec3(), positions, figureHeight);
+            ends[i] =
+                leafEnd(bone, parent, bone.parent >= 0 ? ends[size_t(bone.parent)] : RyVec3(), positions, figureHeight);
     }
     return ends;
 }

@@ -110,7 +110,8 @@ private:
         writeGroup(node.getPropertyGroups());
         if (const auto *camera = qobject_cast<const RyCamera *>(&node)) {
             m_out << "  lens " << number(camera->fieldOfView()) << ' ' << number(camera->orthographicHeight()) << ' '
-                  << number(camera->focalDistance()) << (camera->isOrthographic() ? " orthographic\n" : " perspective\n");
+                  << number(camera->focalDistance())
+                  << (camera->isOrthographic() ? " orthographic\n" : " perspective\n");
         }
         if (const auto *skeleton = qobject_cast<const RySkeleton *>(&node))
             writeSkeleton(*skeleton);

@@ -2,8 +2,8 @@
 
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
-#include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
+#include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 #include "rycore/io/obj/RyObjOrigin.h"
 #include "rycore/scene/RyScene.h"
@@ -121,7 +121,9 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         } catch (const std::bad_alloc &) {
             return refuse(error, QStringLiteral("%1: the file needs more memory than this machine has").arg(path));
         } catch (const std::exception &failure) {
-            return refuse(error, QStringLiteral("%1: the file does not fit together (%2)").arg(path, QString::fromUtf8(failure.what())));
+            return refuse(
+                error,
+                QStringLiteral("%1: the file does not fit together (%2)").arg(path, QString::fromUtf8(failure.what())));
         }
     }
     if (tops.empty())

@@ -15,8 +15,8 @@ public:
         bool merge = false; ///< add to the scene instead of replacing it
     };
 
-    /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names the file
-    /// and the reason. A scene that was replaced starts with an empty undo history.
+    /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names
+    /// the file and the reason. A scene that was replaced starts with an empty undo history.
     static bool open(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
     static bool open(RyScene *scene, const QString &path, const Options &options, QString *error,
                      QStringList *messages = nullptr);

@@ -61,8 +61,8 @@ RyAffine RyAffine::operator*(const RyAffine &o) const
     RyAffine result;
     for (int i = 0; i < 4; ++i) {
         for (int j = 0; j < 3; ++j) {
-            result.m[i][j] = m[i][0] * o.m[0][j] + m[i][1] * o.m[1][j] + m[i][2] * o.m[2][j]
-                + (i == 3 ? o.m[3][j] : 0.0);
+            result.m[i][j] =
+                m[i][0] * o.m[0][j] + m[i][1] * o.m[1][j] + m[i][2] * o.m[2][j] + (i == 3 ? o.m[3][j] : 0.0);
         }
     }
     return result;
@@ -75,8 +75,8 @@ bool RyAffine::operator==(const RyAffine &o) const
 
 double RyAffine::determinant() const
 {
-    return m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) - m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0])
-        + m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0]);
+    return m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) - m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0]) +
+           m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0]);
 }
 
 bool RyAffine::invert(RyAffine &result) const

@@ -46,8 +46,8 @@ RyVec3 RyMatrix4::multVecMatrix(const RyVec3 &point) const
 {
     double r[4];
     for (int j = 0; j < 4; ++j) {
-        r[j] = double(point.x) * m_values[j] + double(point.y) * m_values[4 + j] + double(point.z) * m_values[8 + j]
-            + m_values[12 + j];
+        r[j] = double(point.x) * m_values[j] + double(point.y) * m_values[4 + j] + double(point.z) * m_values[8 + j] +
+               m_values[12 + j];
     }
     const bool affine = m_values[3] == 0.0f && m_values[7] == 0.0f && m_values[11] == 0.0f && m_values[15] == 1.0f;
     if (affine)
@@ -85,7 +85,8 @@ RyMatrix4 RyMatrix4::inverse() const
 {
     if (m_values[3] == 0.0f && m_values[7] == 0.0f && m_values[11] == 0.0f && m_values[15] == 1.0f)
         return RyAffine(*this).inverse().toMatrix4();
-    const Eigen::Matrix4d values = Eigen::Map<const Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(m_values).cast<double>();
+    const Eigen::Matrix4d values =
+        Eigen::Map<const Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(m_values).cast<double>();
     const Eigen::FullPivLU<Eigen::Matrix4d> lu(values);
     if (!lu.isInvertible())
         return RyMatrix4(true);

@@ -125,8 +125,8 @@ RyVec3 RyQuat::toEulerXYZ() const
 
 RyQuat RyQuat::fromEuler(const RyVec3 &degrees, const int order[3])
 {
-    return (controlFactor(order[0], degrees[order[0]]) * controlFactor(order[1], degrees[order[1]])
-            * controlFactor(order[2], degrees[order[2]]))
+    return (controlFactor(order[0], degrees[order[0]]) * controlFactor(order[1], degrees[order[1]]) *
+            controlFactor(order[2], degrees[order[2]]))
         .toFloats();
 }
 

@@ -30,13 +30,10 @@ struct Turn
 {
     double x, y, z, sine, cosine;
     Turn(const RyVec3 &a, const RyVec3 &b)
-        : x(double(a.y) * b.z - double(a.z) * b.y),
-          y(double(a.z) * b.x - double(a.x) * b.z),
-          z(double(a.x) * b.y - double(a.y) * b.x),
-          sine(std::sqrt(x * x + y * y + z * z)),
+        : x(double(a.y) * b.z - double(a.z) * b.y), y(double(a.z) * b.x - double(a.x) * b.z),
+          z(double(a.x) * b.y - double(a.y) * b.x), sine(std::sqrt(x * x + y * y + z * z)),
           cosine(double(a.x) * b.x + double(a.y) * b.y + double(a.z) * b.z)
-    {
-    }
+    {}
 };
 
 bool isZero(const RyVec3 &v)

@@ -246,7 +246,8 @@ std::vector<RyVec3> RyFacetMesh::computeNormals(const std::vector<RyVec3> &posit
             continue;
         const auto at = [&](int corner) { return positions[size_t(facet.vertices[corner])]; };
         // Twice the area times the normal, for a quad by its diagonals.
-        const RyVec3 normal = corners == 3 ? (at(1) - at(0)).cross(at(2) - at(0)) : (at(2) - at(0)).cross(at(3) - at(1));
+        const RyVec3 normal =
+            corners == 3 ? (at(1) - at(0)).cross(at(2) - at(0)) : (at(2) - at(0)).cross(at(3) - at(1));
         for (int corner = 0; corner < corners; ++corner)
             normals[size_t(facet.vertices[corner])] += normal;
     }

@@ -22,8 +22,8 @@ public:
     int getNumFacets() const { return int(m_facets.size()); }
     const RyFacet &getFacet(int index) const { return m_facets[size_t(index)]; }
     const std::vector<RyFacet> &getFacets() const { return m_facets; }
-    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups and the selection;
-    /// undoable where a hold is open.
+    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups and the
+    /// selection; undoable where a hold is open.
     void setFacets(std::vector<RyFacet> facets);
 
     int getNumFaceGroups() const { return int(m_groups.size()); }
@@ -42,8 +42,8 @@ public:
     /// Sets the group of every facet at once: `groupOfFacet[i]` indexes the groups or is -1.
     void setGroupsOfFacets(const std::vector<int> &groupOfFacet);
 
-    /// The facet on the other side of edge `edge` (from corner `edge` to the next one) of a facet; -1 when there is none.
-    /// Of several facets that share an edge the pairing is by order; built at first use.
+    /// The facet on the other side of edge `edge` (from corner `edge` to the next one) of a facet; -1 when there is
+    /// none. Of several facets that share an edge the pairing is by order; built at first use.
     int getNeighbour(int facet, int edge) const;
     /// Smooth normals of the given positions (one per vertex, unit; zero for a vertex without facets).
     std::vector<RyVec3> computeNormals(const std::vector<RyVec3> &positions) const;

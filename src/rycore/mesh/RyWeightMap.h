@@ -5,8 +5,8 @@
 
 #include <vector>
 
-/// One unsigned 16-bit weight per vertex, 65535 = 1.0. Kept sparse (sorted indices and weights of the affected vertices) until
-/// `getWeights` asks for the dense array.
+/// One unsigned 16-bit weight per vertex, 65535 = 1.0. Kept sparse (sorted indices and weights of the affected
+/// vertices) until `getWeights` asks for the dense array.
 class RyWeightMap : public RyElement, public RyRefCountedItem
 {
     Q_OBJECT
@@ -18,8 +18,9 @@ public:
     /// Sets the count; all weights become zero.
     void setNumWeights(int count);
     int getNumWeights() const { return m_count; }
-    /// The dense array, to read or write; writes belong between beginEdit and finishEdit, which record and announce them.
-    /// Null when empty. The pointer holds until the count changes, `compact` runs or an undo step touches the map.
+    /// The dense array, to read or write; writes belong between beginEdit and finishEdit, which record and announce
+    /// them. Null when empty. The pointer holds until the count changes, `compact` runs or an undo step touches the
+    /// map.
     quint16 *getWeights();
     const quint16 *getWeights() const;
     /// 0 outside the range.
@@ -32,8 +33,8 @@ public:
     int getNumAffected() const;
     const int *getAffectedIndices() const;
     const quint16 *getAffectedWeights() const;
-    /// Replaces all weights. `indices` ascending, below `count`, one weight each; entries that break this and zero weights
-    /// are dropped.
+    /// Replaces all weights. `indices` ascending, below `count`, one weight each; entries that break this and zero
+    /// weights are dropped.
     void setAffected(int count, std::vector<int> indices, std::vector<quint16> weights);
     /// Drops the dense array when there is one.
     void compact();

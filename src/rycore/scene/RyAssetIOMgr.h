@@ -13,8 +13,8 @@ public:
     RyAssetIOMgr(const RyAssetIOMgr &) = delete;
     RyAssetIOMgr &operator=(const RyAssetIOMgr &) = delete;
 
-    /// Opens the scope. `isolated`: with a list of assets of its own; otherwise it adds to the list of the scope opened last,
-    /// where there is one. A scope that is open already stays as it is.
+    /// Opens the scope. `isolated`: with a list of assets of its own; otherwise it adds to the list of the scope opened
+    /// last, where there is one. A scope that is open already stays as it is.
     virtual void doScopedLoad(RyAssetLoadScope &scope, bool isolated);
     int getNumOpenScopes() const { return int(m_open.size()); }
 

@@ -7,8 +7,8 @@
 class RyElement;
 class RyRefCountedItem;
 
-/// Elements that a load or a run of duplicating made. Counted ones are held while they are in the list; those that nothing
-/// else holds go with it.
+/// Elements that a load or a run of duplicating made. Counted ones are held while they are in the list; those that
+/// nothing else holds go with it.
 class RyAssetList
 {
 public:

@@ -4,9 +4,9 @@
 
 class RyBone;
 
-/// While one lives, `RySkeleton::getAllBones` gives only the bones at positions [first, first + count) of the full list.
-/// A pick pass draws a large skeleton piece by piece this way. The innermost one counts. It also tells how long the
-/// longest full list was that somebody asked for meanwhile.
+/// While one lives, `RySkeleton::getAllBones` gives only the bones at positions [first, first + count) of the full
+/// list. A pick pass draws a large skeleton piece by piece this way. The innermost one counts. It also tells how long
+/// the longest full list was that somebody asked for meanwhile.
 class RyBoneListSlice
 {
 public:

@@ -9,8 +9,7 @@
 
 RyElementDuplicateContext::RyElementDuplicateContext(QObject *owner)
     : QObject(owner), m_ownAssets(std::make_unique<RyAssetList>())
-{
-}
+{}
 
 RyElementDuplicateContext::~RyElementDuplicateContext() = default;
 
@@ -26,7 +25,8 @@ bool RyElementDuplicateContext::takesChild(const RyNode &child) const
         return true;
     if (!m_boneHierarchy)
         return false;
-    return qobject_cast<const RyBone *>(&child) || (m_hiddenAsBones && (child.isHidden() || child.isSelectionPromoted()));
+    return qobject_cast<const RyBone *>(&child) ||
+           (m_hiddenAsBones && (child.isHidden() || child.isSelectionPromoted()));
 }
 
 void RyElementDuplicateContext::addDuplicate(const RyElement *original, RyElement *duplicate)
@@ -48,7 +48,8 @@ RyElement *RyElementDuplicateContext::findNewElement(const RyElement *original) 
 RyFloatProperty *RyElementDuplicateContext::findNewProperty(const RyFloatProperty *original) const
 {
     const auto place = m_propertyPlaces.constFind(original);
-    return original && place != m_propertyPlaces.constEnd() ? m_propertyPairs[size_t(*place)].duplicate.data() : nullptr;
+    return original && place != m_propertyPlaces.constEnd() ? m_propertyPairs[size_t(*place)].duplicate.data()
+                                                            : nullptr;
 }
 
 void RyElementDuplicateContext::pairProperties(const RyPropertyGroup *original, const RyPropertyGroup *duplicate)

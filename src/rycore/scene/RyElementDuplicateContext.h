@@ -13,8 +13,9 @@ class RyAssetList;
 class RyPropertyGroup;
 
 /// What one run of duplicating has made so far, and how it is made. Elements are duplicated one after the other by
-/// `RyElement::doDuplicateElement`, parents before their children; then come, in this order, `createAlaises`, `createERC`,
-/// `doResolve` and `doFinalize`. Duplicates that nobody has taken by the end go with the asset list or the context.
+/// `RyElement::doDuplicateElement`, parents before their children; then come, in this order, `createAlaises`,
+/// `createERC`, `doResolve` and `doFinalize`. Duplicates that nobody has taken by the end go with the asset list or the
+/// context.
 class RyElementDuplicateContext : public QObject
 {
     Q_OBJECT
@@ -27,7 +28,8 @@ public:
     void setDuplicateAssets(RyAssetList *assets) { m_assets = assets; }
     /// The context lets go of the list; what is in it stays there.
     void clearDuplicateAssets();
-    /// Links between duplicated elements go to the duplicates; otherwise duplicates keep the controllers of their originals.
+    /// Links between duplicated elements go to the duplicates; otherwise duplicates keep the controllers of their
+    /// originals.
     bool remapAliases() const { return m_remapAliases; }
     void setRemapAliases(bool onOff) { m_remapAliases = onOff; }
     /// Properties that an element carries beside those of its class stay behind.

@@ -25,10 +25,10 @@ struct RyMeshPart
     int look = -1; // index into RyMeshParts::looks
     int firstFacet = 0;
     int facetCount = 0;
-    std::vector<int> vertexOfSplit;       // split vertex to vertex of the mesh
-    std::vector<int> normalOfSplit;       // split vertices with equal numbers share a smooth normal
-    std::vector<float> uvs;               // two per split vertex, empty without texture coordinates
-    std::vector<unsigned> triangles;      // three split vertices each
+    std::vector<int> vertexOfSplit;  // split vertex to vertex of the mesh
+    std::vector<int> normalOfSplit;  // split vertices with equal numbers share a smooth normal
+    std::vector<float> uvs;          // two per split vertex, empty without texture coordinates
+    std::vector<unsigned> triangles; // three split vertices each
 };
 
 struct RyMeshParts

@@ -16,8 +16,8 @@ public:
     RyModifier() = default;
 
     RyObject *getObject() const { return m_object; }
-    /// Deforms positions of figure space in the present pose, the figure's own transform left out. `out` may be what the
-    /// last call left there. False on failure (`out` is then unspecified).
+    /// Deforms positions of figure space in the present pose, the figure's own transform left out. `out` may be what
+    /// the last call left there. False on failure (`out` is then unspecified).
     virtual bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) = 0;
 
 signals:

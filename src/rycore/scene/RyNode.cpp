@@ -73,11 +73,16 @@ void RyNode::makePoseProperties()
         const char *group;
         float value;
     } controls[10] = {
-        {"xtran", "X Translate", "Translation", 0}, {"ytran", "Y Translate", "Translation", 0},
-        {"ztran", "Z Translate", "Translation", 0}, {"xrot", "X Rotate", "Rotation", 0},
-        {"yrot", "Y Rotate", "Rotation", 0},        {"zrot", "Z Rotate", "Rotation", 0},
-        {"scale", "Scale", "Scale", 1},             {"xscale", "X Scale", "Scale", 1},
-        {"yscale", "Y Scale", "Scale", 1},          {"zscale", "Z Scale", "Scale", 1},
+        {"xtran", "X Translate", "Translation", 0},
+        {"ytran", "Y Translate", "Translation", 0},
+        {"ztran", "Z Translate", "Translation", 0},
+        {"xrot", "X Rotate", "Rotation", 0},
+        {"yrot", "Y Rotate", "Rotation", 0},
+        {"zrot", "Z Rotate", "Rotation", 0},
+        {"scale", "Scale", "Scale", 1},
+        {"xscale", "X Scale", "Scale", 1},
+        {"yscale", "Y Scale", "Scale", 1},
+        {"zscale", "Z Scale", "Scale", 1},
     };
     RyPropertyGroup *root = createPublicGroups(QStringLiteral("Transforms"));
     RyPropertyGroup *group = nullptr;

@@ -20,9 +20,10 @@ class RySkeleton;
 
 /// A node of the scene: parent, ordered children, rigging values (default and current), pose controls, an object.
 ///
-/// Origin and end point are absolute points in figure space (the rest space of the figure), in centimetres. The orientation
-/// maps bone axes to figure axes: bone axis k points along `orientation.multVec(e_k)`. Pose controls turn about the bone
-/// axes, in degrees, right-handed. Nodes live on the heap and are counted: parents, the scene and undo steps hold them.
+/// Origin and end point are absolute points in figure space (the rest space of the figure), in centimetres. The
+/// orientation maps bone axes to figure axes: bone axis k points along `orientation.multVec(e_k)`. Pose controls turn
+/// about the bone axes, in degrees, right-handed. Nodes live on the heap and are counted: parents, the scene and undo
+/// steps hold them.
 class RyNode : public RyElement, public RyRefCountedItem
 {
     Q_OBJECT
@@ -40,8 +41,8 @@ public:
     std::vector<RyNode *> nodeChildrenIterator() const { return m_children; }
     /// Direct children, or all descendants in pre-order; the node itself is not included.
     void getNodeChildren(std::vector<RyNode *> &list, bool recursive) const;
-    /// Detaches the child from its old parent and appends it (or inserts it at `index`). Refuses null, itself and a cycle.
-    /// `keepWorld` rewrites the child's pose controls so that it stays in the world as far as they can say it.
+    /// Detaches the child from its old parent and appends it (or inserts it at `index`). Refuses null, itself and a
+    /// cycle. `keepWorld` rewrites the child's pose controls so that it stays in the world as far as they can say it.
     bool addNodeChild(RyNode *child, bool keepWorld = false, int index = -1);
     bool removeNodeChild(RyNode *child, bool keepWorld = false);
     bool isDescendantOf(const RyNode *node) const;
@@ -64,7 +65,8 @@ public:
     bool inheritsScale() const { return m_inheritScale; }
     void setInheritScale(bool inherit);
 
-    // --- Rigging. `byDefault` reads the default (rest) value instead of the current one. (0,0,0) and the identity without rigging.
+    // --- Rigging. `byDefault` reads the default (rest) value instead of the current one. (0,0,0) and the identity
+    // without rigging.
     RyVec3 getOrigin(bool byDefault = false) const;
     RyVec3 getEndPoint(bool byDefault = false) const;
     RyQuat getOrientation(bool byDefault = false) const;
@@ -118,7 +120,8 @@ public:
     RyMatrix4 getWSTransform() const;
     /// The same in parts: position, rotation and scale with `linear = scale * M(rotation)`.
     void getWSTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale) const;
-    /// At a time; with `defaultPose` default origin and orientation and pose controls at their defaults, a skeleton's own transform kept.
+    /// At a time; with `defaultPose` default origin and orientation and pose controls at their defaults, a skeleton's
+    /// own transform kept.
     RyMatrix4 getWSTransform(const RyTime &time, bool defaultPose) const;
     RyVec3 getWSPos() const;
     RyQuat getWSRot() const;
@@ -133,8 +136,8 @@ public:
     /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.
     RyVec3 getWSEndPoint() const;
 
-    /// Box in figure space, pose not applied: the vertices of the node's face group when its skeleton's selection map pairs one
-    /// with it, otherwise those of the whole object; empty without geometry.
+    /// Box in figure space, pose not applied: the vertices of the node's face group when its skeleton's selection map
+    /// pairs one with it, otherwise those of the whole object; empty without geometry.
     virtual RyBox3 getBoundingBox() const;
     virtual RyOrientedBox3 getOrientedBoundingBox() const;
 
@@ -142,8 +145,8 @@ public:
     RyObject *getObject() const { return m_object.get(); }
     void setObject(RyObject *object);
 
-    /// Same class as far as the host knows it, name, label, flags, rotation order, rigging, pose and limits, below the parent
-    /// that the context says; its children as the context's options say. Objects are not copied.
+    /// Same class as far as the host knows it, name, label, flags, rotation order, rigging, pose and limits, below the
+    /// parent that the context says; its children as the context's options say. Objects are not copied.
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
 
     void propertyChanged(RyFloatProperty *property) override;

@@ -22,8 +22,7 @@ int indexInParent(const RyNode *node)
 
 RyNodeParentChange::RyNodeParentChange(RyNode *child)
     : m_child(child), m_parent(child->getNodeParent()), m_index(indexInParent(child))
-{
-}
+{}
 
 void RyNodeParentChange::swap()
 {

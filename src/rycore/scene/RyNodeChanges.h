@@ -34,8 +34,7 @@ class RyNodeFlagChange : public RyUndoItem
 public:
     RyNodeFlagChange(RyNode *node, bool RyNode::*flag, RyNodeAspect aspect)
         : m_node(node), m_key(node), m_flag(flag), m_aspect(aspect), m_value(node->*flag)
-    {
-    }
+    {}
     void swap() override;
     RyUndoKey key() const override { return ryNodeKey(m_key, m_aspect); }
     bool isAlive() const override { return !m_node.isNull(); }

@@ -72,7 +72,9 @@ RyNode *RyNodeLookup::findNode(const RyScene &scene, const QString &text, QStrin
         for (const RyNode *node : found)
             paths.append(pathOf(node));
         *error = QStringLiteral("\"%1\" is the name of %2 nodes; write one of their paths: %3")
-                     .arg(text).arg(found.size()).arg(paths.join(QStringLiteral(", ")));
+                     .arg(text)
+                     .arg(found.size())
+                     .arg(paths.join(QStringLiteral(", ")));
         return nullptr;
     }
     return found.front();
@@ -101,7 +103,7 @@ RyFloatProperty *RyNodeLookup::findValue(const RyNode &node, const QString &name
 }
 
 RyFloatProperty *RyNodeLookup::findProperty(const RyScene &scene, const QString &text, bool poseOnly, float *value,
-                                          QString *error)
+                                            QString *error)
 {
     const int equals = text.lastIndexOf(QLatin1Char('='));
     const int colon = equals < 0 ? -1 : text.lastIndexOf(QLatin1Char(':'), equals);
@@ -132,6 +134,9 @@ bool RyNodeLookup::canBecome(const RyFloatProperty &property, float value, QStri
     if (own >= property.getMin() - tolerance && own <= property.getMax() + tolerance)
         return true;
     *error = QStringLiteral("\"%1\" cannot become %2; its limits are %3 to %4")
-                 .arg(property.getName()).arg(double(value)).arg(double(property.getMin() + links)).arg(double(property.getMax() + links));
+                 .arg(property.getName())
+                 .arg(double(value))
+                 .arg(double(property.getMin() + links))
+                 .arg(double(property.getMax() + links));
     return false;
 }

@@ -44,7 +44,8 @@ void cutLinksOf(const RyPropertyGroup *group, const std::unordered_set<const RyE
     for (; group; group = group->getNextSibling()) {
         for (int i = 0; i < group->getNumProperties(); ++i) {
             const auto *property = qobject_cast<const RyFloatProperty *>(group->getProperty(i));
-            const std::vector<RyERCLink *> links = property ? property->getControlledLinks() : std::vector<RyERCLink *>();
+            const std::vector<RyERCLink *> links =
+                property ? property->getControlledLinks() : std::vector<RyERCLink *>();
             for (RyERCLink *link : links) {
                 if (!going.count(link->getControlled()->getOwner()))
                     RyERCLink::remove(link);
@@ -123,5 +124,6 @@ void RyNodeReplacement::removeNode(RyNode *node, RyNode *with, const std::vector
     std::erase_if(selection, [node](const RyNode *each) { return each->isDescendantOf(node); });
     scene->removeNode(node);
     scene->setSelection(selection);
-    ryUndoStack()->record<RySelectionMemory>({}, scene, scene->selectedNodeListIterator(), RySelectionMemory::End::After);
+    ryUndoStack()->record<RySelectionMemory>({}, scene, scene->selectedNodeListIterator(),
+                                             RySelectionMemory::End::After);
 }

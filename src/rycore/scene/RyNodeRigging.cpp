@@ -233,8 +233,8 @@ void RyNode::getLocalTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &sc
     const RyQuat orientation = getOrientation();
     position = readTriple(m_pose, false);
     rotation = getLocalRot();
-    scale = RyMatrix3(orientation.inverse()) * RyMatrix3::diagonal(readTriple(m_pose + 7, false)) *
-            RyMatrix3(orientation);
+    scale =
+        RyMatrix3(orientation.inverse()) * RyMatrix3::diagonal(readTriple(m_pose + 7, false)) * RyMatrix3(orientation);
     generalScale = m_pose[6]->getValue();
 }
 

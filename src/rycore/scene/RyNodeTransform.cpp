@@ -24,13 +24,15 @@ RyAffine linearPart(const RyAffine &map)
 
 RyAffine RyNode::localMap(bool byDefault) const
 {
-    const auto value = [byDefault](const RyFloatProperty *p) { return byDefault ? p->getDefaultValue() : p->getValue(); };
+    const auto value = [byDefault](const RyFloatProperty *p) {
+        return byDefault ? p->getDefaultValue() : p->getValue();
+    };
     const RyVec3 origin = getOrigin(byDefault);
     const RyVec3 translation(value(m_pose[0]), value(m_pose[1]), value(m_pose[2]));
     const RyQuat orientation = getOrientation(byDefault);
     const double general = value(m_pose[6]);
-    const RyAffine scale = RyAffine::fromScale(general * value(m_pose[7]), general * value(m_pose[8]),
-                                               general * value(m_pose[9]));
+    const RyAffine scale =
+        RyAffine::fromScale(general * value(m_pose[7]), general * value(m_pose[8]), general * value(m_pose[9]));
     // M(o^-1) S M(o) M(o^-1 pose o) = M(o^-1) S M(pose) M(o)
     return RyAffine::fromTranslation(-origin) * RyAffine::fromRotation(orientation.inverse()) * scale *
            RyAffine::fromRotation(poseRotation(byDefault)) * RyAffine::fromRotation(orientation) *
@@ -40,8 +42,8 @@ RyAffine RyNode::localMap(bool byDefault) const
 
 namespace {
 
-/// X of a child whose local map is `local`; a child that does not inherit scale keeps its parent's rotation alone, while its
-/// origin still goes through the parent's full map.
+/// X of a child whose local map is `local`; a child that does not inherit scale keeps its parent's rotation alone,
+/// while its origin still goes through the parent's full map.
 RyAffine composed(const RyAffine &local, const RyAffine &parentMap, const RyQuat &parentRotation, bool inheritsScale,
                   const RyVec3 &origin)
 {

@@ -13,8 +13,7 @@ class RyModifierChange : public RyUndoItem
 public:
     RyModifierChange(RyObject *object, RyModifier *modifier, int index)
         : m_object(object), m_modifier(modifier), m_index(index)
-    {
-    }
+    {}
     void swap() override
     {
         RyModifier *modifier = m_modifier.get();

@@ -39,8 +39,8 @@ public:
         return nullptr;
     }
 
-    /// The current shape's positions after all modifiers, in figure space without the figure's own transform; one entry per
-    /// vertex. Valid until the next call; empty without a shape.
+    /// The current shape's positions after all modifiers, in figure space without the figure's own transform; one entry
+    /// per vertex. Valid until the next call; empty without a shape.
     const std::vector<RyVec3> &getDeformedPositions();
 
 signals:

@@ -22,7 +22,8 @@ std::function<void()> RyRestoreKeeper::keep()
         selection.emplace_back(node);
     std::vector<FigureState> figures;
     for (RySkeleton *figure : m_scene->getSkeletons()) {
-        figures.push_back({RyRef<RySkeleton>(figure), RyRef<RySkeleton>(figure->getFollowTarget()), figure->drawsGLBones()});
+        figures.push_back(
+            {RyRef<RySkeleton>(figure), RyRef<RySkeleton>(figure->getFollowTarget()), figure->drawsGLBones()});
     }
     return [scene = m_scene, time = m_scene->getTime(), document = m_scene->sharedDocument(), selection, figures] {
         scene->setTime(time);

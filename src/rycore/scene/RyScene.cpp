@@ -4,8 +4,8 @@
 #include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/RyUniqueNames.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <algorithm>
 

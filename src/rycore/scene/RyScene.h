@@ -14,7 +14,8 @@ class RyNode;
 class RyRestoreKeeper;
 class RySkeleton;
 
-/// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the document it came from.
+/// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the document it came
+/// from.
 class RyScene : public QObject
 {
     Q_OBJECT
@@ -25,8 +26,8 @@ public:
     // --- Nodes.
     /// Registers the node and its subtree; does not touch its parent, so it goes in any order with addNodeChild.
     Q_INVOKABLE RyError addNode(RyNode *node);
-    /// Emits the node's aboutToBeRemoved before anything else, deselects, detaches; its children go with it. An unknown node
-    /// gives an error.
+    /// Emits the node's aboutToBeRemoved before anything else, deselects, detaches; its children go with it. An unknown
+    /// node gives an error.
     Q_INVOKABLE RyError removeNode(RyNode *node);
     /// All registered nodes in order of registration.
     const std::vector<RyNode *> &getNodes() const { return m_nodes; }

@@ -8,16 +8,15 @@
 
 #include <vector>
 
-/// Selects what was selected at one end of a step that exchanges nodes: before it (when it is undone; the step's first item)
-/// or after it (when it is redone; the last one).
+/// Selects what was selected at one end of a step that exchanges nodes: before it (when it is undone; the step's first
+/// item) or after it (when it is redone; the last one).
 class RySelectionMemory : public RyUndoItem
 {
 public:
     enum class End { Before, After };
     RySelectionMemory(RyScene *scene, const std::vector<RyNode *> &nodes, End end)
         : m_scene(scene), m_nodes(nodes.begin(), nodes.end()), m_end(end)
-    {
-    }
+    {}
     void swap() override
     {
         m_done = !m_done;

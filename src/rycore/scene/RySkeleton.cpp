@@ -14,8 +14,7 @@ class RySelectionMapExchange : public RyUndoItem
 public:
     explicit RySelectionMapExchange(RySkeleton *skeleton)
         : m_skeleton(skeleton), m_key(skeleton), m_map(skeleton->getSelectionMap())
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_skeleton)
@@ -40,8 +39,7 @@ public:
     static constexpr quintptr Aspect = 101;
     RySkeletonFlagsChange(RySkeleton *skeleton, const RySkeleton::Flags &flags)
         : m_skeleton(skeleton), m_key(skeleton), m_flags(flags)
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_skeleton)

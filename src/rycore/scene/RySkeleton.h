@@ -36,8 +36,9 @@ public:
     RySelectionMap *getSelectionMap() const { return m_selectionMap.get(); }
     void setSelectionMap(RySelectionMap *map);
 
-    /// Replaces a skeleton by a prop of that name with the same object, at rest; its bones go, what else hung on them hangs on the
-    /// prop and stays where it is in the world. The prop is selected where the skeleton was. One undo step of its own. Null for null.
+    /// Replaces a skeleton by a prop of that name with the same object, at rest; its bones go, what else hung on them
+    /// hangs on the prop and stays where it is in the world. The prop is selected where the skeleton was. One undo step
+    /// of its own. Null for null.
     static RyNode *convertFigureToProp(RySkeleton *skeleton, const QString &name);
 
     /// The followed skeleton and the face groups of duplicated bones, pointing at the duplicates.

@@ -12,8 +12,8 @@ public:
     explicit RyUniqueNames(Kind kind) : m_kind(kind) {}
 
     void add(const QString &taken) { m_taken.insert(taken); }
-    /// A free text comes back unchanged; otherwise its number is stripped and the first free one from 2 is appended ("Bone2",
-    /// label "Bone 2"). What comes back is not taken by it.
+    /// A free text comes back unchanged; otherwise its number is stripped and the first free one from 2 is appended
+    /// ("Bone2", label "Bone 2"). What comes back is not taken by it.
     QString find(const QString &text);
 
 private:

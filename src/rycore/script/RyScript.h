@@ -9,8 +9,8 @@ class RyScript : public RyBase
 public:
     explicit RyScript(const QString &name, QObject *parent = nullptr);
 
-    /// False when the file is missing or cannot be read, which is logged unless `quiet`; the program stays what it was. The
-    /// engine notes the failure in any case. A script without a name takes the file's.
+    /// False when the file is missing or cannot be read, which is logged unless `quiet`; the program stays what it was.
+    /// The engine notes the failure in any case. A script without a name takes the file's.
     bool loadFromFile(const QString &path, bool quiet);
     /// Why the latest `loadFromFile` failed; empty when it did not.
     const QString &getError() const { return m_error; }

@@ -104,9 +104,10 @@ QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fil
     const bool isStopped = isStopping();
     m_failed = isStopped || hasUncaughtException();
     if (m_failed) {
-        const QString message = isStopped ? QStringLiteral("%1: %2").arg(place, m_stopReason)
-                                          : QStringLiteral("%1(%2): %3").arg(place, QString::number(uncaughtExceptionLineNumber()),
-                                                                             uncaughtException().toString());
+        const QString message =
+            isStopped ? QStringLiteral("%1: %2").arg(place, m_stopReason)
+                      : QStringLiteral("%1(%2): %3")
+                            .arg(place, QString::number(uncaughtExceptionLineNumber()), uncaughtException().toString());
         if (!isStopped || m_running == 0) {
             noteFailure(message);
             RyMessageLog::global().warning(message);

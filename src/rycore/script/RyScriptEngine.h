@@ -27,8 +27,8 @@ public:
     /// language or a class has the name already.
     void setGlobalScene(QObject *scene);
 
-    /// Runs a program in the global scope, also when a running script leads here. An uncaught error is logged with file and
-    /// line, does not stay pending, and is the result. So is, of the outermost program, why it was stopped.
+    /// Runs a program in the global scope, also when a running script leads here. An uncaught error is logged with file
+    /// and line, does not stay pending, and is the result. So is, of the outermost program, why it was stopped.
     QScriptValue evaluate(const QString &program, const QString &fileName = QString(), int firstLine = 1);
     /// Whether the latest `evaluate` ended with an error.
     bool hasFailed() const { return m_failed; }

@@ -2,8 +2,8 @@
 
 #include <QScriptEngine>
 
-/// Lets pointers to `T` travel between the host and scripts. An object of another class becomes null. One object has one
-/// wrapper, so that scripts can compare; it shows neither children nor deleteLater.
+/// Lets pointers to `T` travel between the host and scripts. An object of another class becomes null. One object has
+/// one wrapper, so that scripts can compare; it shows neither children nor deleteLater.
 template<typename T>
 void ryRegisterScriptPointer(QScriptEngine *engine)
 {
@@ -11,8 +11,8 @@ void ryRegisterScriptPointer(QScriptEngine *engine)
         engine,
         [](QScriptEngine *target, T *const &object) {
             return target->newQObject(object, QScriptEngine::QtOwnership,
-                                      QScriptEngine::PreferExistingWrapperObject | QScriptEngine::ExcludeChildObjects
-                                          | QScriptEngine::ExcludeDeleteLater);
+                                      QScriptEngine::PreferExistingWrapperObject | QScriptEngine::ExcludeChildObjects |
+                                          QScriptEngine::ExcludeDeleteLater);
         },
         [](const QScriptValue &value, T *&object) {
             object = static_cast<T *>(T::staticMetaObject.cast(value.toQObject()));

@@ -8,7 +8,9 @@ class RyBindingBoneChange : public RyUndoItem
 {
 public:
     static constexpr quintptr Aspect = 100;
-    explicit RyBindingBoneChange(RyBoneBinding *binding) : m_binding(binding), m_key(binding), m_bone(binding->getBone()) {}
+    explicit RyBindingBoneChange(RyBoneBinding *binding)
+        : m_binding(binding), m_key(binding), m_bone(binding->getBone())
+    {}
     void swap() override
     {
         if (!m_binding)
@@ -33,8 +35,7 @@ public:
     static constexpr quintptr FirstAspect = 101;
     RyBindingMapChange(RyBoneBinding *binding, int slot)
         : m_binding(binding), m_key(binding), m_slot(slot), m_map(binding->m_maps[slot])
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_binding)
@@ -60,8 +61,7 @@ public:
     static constexpr quintptr FirstAspect = 111;
     RyBindingBulgeChange(RyBoneBinding *binding, int axis)
         : m_binding(binding), m_key(binding), m_axis(axis), m_bulge(binding->m_bulges[axis])
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_binding)

@@ -70,7 +70,8 @@ void RyBoneBinding::setMap(int slot, RyWeightMap *map)
 void RyBoneBinding::applyMap(int slot, const RyRef<RyWeightMap> &map)
 {
     if (RyWeightMap *old = m_maps[slot].get()) {
-        const auto uses = std::count_if(m_maps, m_maps + SlotCount, [old](const auto &held) { return held.get() == old; });
+        const auto uses =
+            std::count_if(m_maps, m_maps + SlotCount, [old](const auto &held) { return held.get() == old; });
         if (uses == 1)
             disconnect(old, &RyWeightMap::weightsChanged, this, &RyBoneBinding::bindingChanged);
     }

@@ -12,8 +12,9 @@
 
 class RySkinBinding;
 
-/// What one bone of a skin moves: a general map, or three local maps (one per bone axis) and a scale map. Where there is a
-/// general map, it alone moves the vertices. Owns its maps; every map may be null. Edits are undoable where a hold is open.
+/// What one bone of a skin moves: a general map, or three local maps (one per bone axis) and a scale map. Where there
+/// is a general map, it alone moves the vertices. Owns its maps; every map may be null. Edits are undoable where a hold
+/// is open.
 class RyBoneBinding : public RyElement, public RyRefCountedItem
 {
     Q_OBJECT

@@ -18,8 +18,7 @@ class RyBulgeWeightsChange : public RyUndoItem
 public:
     RyBulgeWeightsChange(RyBulgeBinding *bulge, int side)
         : m_bulge(bulge), m_key(bulge), m_side(side), m_map(bulge->m_weights[side])
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_bulge)

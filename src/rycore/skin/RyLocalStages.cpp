@@ -81,8 +81,8 @@ void RyLocalStages::appendChannels(const RyBoneBinding &binding, std::vector<RyS
             mean.weights.push_back(sums[i] / 3.0f);
         }
     }
-    RySkinDeformer::Channel scale = binding.getScaleWeights() ? RySkinDeformer::Channel::fromMap(binding.getScaleWeights())
-                                                              : mean;
+    RySkinDeformer::Channel scale =
+        binding.getScaleWeights() ? RySkinDeformer::Channel::fromMap(binding.getScaleWeights()) : mean;
     channels.push_back(std::move(mean));
     for (RySkinDeformer::Channel &channel : local)
         channels.push_back(std::move(channel));
@@ -96,7 +96,8 @@ void RyLocalStages::fillMaps(const RyBone *bone, RyAffine maps[Count])
         return;
     }
     const RyQuat orientation = bone->getOrientation();
-    const RyAffine toBone = RyAffine::fromTranslation(-bone->getOrigin()) * RyAffine::fromRotation(orientation.inverse());
+    const RyAffine toBone =
+        RyAffine::fromTranslation(-bone->getOrigin()) * RyAffine::fromRotation(orientation.inverse());
     const RyAffine fromBone = RyAffine::fromRotation(orientation) * mapAfterBone(*bone);
     const RyRotationOrder order = bone->getRotationOrder();
     RyAffine before = toBone * fromBone;

@@ -5,8 +5,8 @@
 class RyBone;
 class RyBoneBinding;
 
-/// The stages of a binding with local maps (see RySkinBinding): five channels of the deformer, in the order parent, rotation
-/// about X, about Y, about Z, scale.
+/// The stages of a binding with local maps (see RySkinBinding): five channels of the deformer, in the order parent,
+/// rotation about X, about Y, about Z, scale.
 namespace RyLocalStages {
 
 constexpr int Count = 5;

@@ -36,8 +36,9 @@ RyVec3 passage(const std::vector<RyNearestBoneWeights::Segment> &segments, size_
 
 void add(RyNearestBoneWeights::Influences &shares, int segment, float share)
 {
-    const auto place = std::lower_bound(shares.begin(), shares.end(), segment,
-                                        [](const std::pair<int, float> &entry, int value) { return entry.first < value; });
+    const auto place =
+        std::lower_bound(shares.begin(), shares.end(), segment,
+                         [](const std::pair<int, float> &entry, int value) { return entry.first < value; });
     if (place != shares.end() && place->first == segment)
         place->second += share;
     else

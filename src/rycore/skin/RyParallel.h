@@ -5,8 +5,9 @@
 
 namespace RyParallel {
 
-/// Calls `work(begin, end)` for ranges that together make up 0 to `count`, in several threads, and waits for all of them.
-/// Ranges are not cut below `grain`. Kept apart from the thread library's headers, which clash with Qt's keywords.
+/// Calls `work(begin, end)` for ranges that together make up 0 to `count`, in several threads, and waits for all of
+/// them. Ranges are not cut below `grain`. Kept apart from the thread library's headers, which clash with Qt's
+/// keywords.
 void forRanges(std::size_t count, std::size_t grain, const std::function<void(std::size_t, std::size_t)> &work);
 
 } // namespace RyParallel

@@ -19,8 +19,7 @@ class RyBindingListChange : public RyUndoItem
 public:
     RyBindingListChange(RySkinBinding *skin, RyBoneBinding *binding, int index)
         : m_skin(skin), m_binding(binding), m_index(index)
-    {
-    }
+    {}
     void swap() override
     {
         RyBoneBinding *binding = m_binding.get();
@@ -48,8 +47,7 @@ public:
     static constexpr quintptr Aspect = 100;
     explicit RyMapKindsChange(RySkinBinding *skin)
         : m_skin(skin), m_key(skin), m_local(skin->m_localKind), m_general(skin->m_generalKind)
-    {
-    }
+    {}
     void swap() override
     {
         if (!m_skin)
@@ -143,13 +141,14 @@ RyBoneBinding *RySkinBinding::findBoneBinding(const RyNode *bone) const
 
 bool RySkinBinding::hasLocalMaps() const
 {
-    return m_localKind || std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->hasLocalWeights(); });
+    return m_localKind ||
+           std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->hasLocalWeights(); });
 }
 
 bool RySkinBinding::hasGeneralMaps() const
 {
-    return m_generalKind
-        || std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->getWeights() != nullptr; });
+    return m_generalKind ||
+           std::any_of(m_bindings.begin(), m_bindings.end(), [](auto *b) { return b->getWeights() != nullptr; });
 }
 
 void RySkinBinding::setMapKinds(bool local, bool general)
@@ -206,8 +205,8 @@ void RySkinBinding::reduceWeightMemory()
     }
 }
 
-void RySkinBinding::buildGeneralWeightMaps(std::vector<RyRef<RyWeightMap>> &maps, std::vector<RyBoneBinding *> &bindings,
-                                           int option) const
+void RySkinBinding::buildGeneralWeightMaps(std::vector<RyRef<RyWeightMap>> &maps,
+                                           std::vector<RyBoneBinding *> &bindings, int option) const
 {
     for (RyBoneBinding *binding : m_bindings) {
         bindings.push_back(binding);

@@ -7,16 +7,16 @@
 class RyNode;
 class RySkeleton;
 
-/// Moves the vertices of a figure's shape with its bones: a linear blend by weight maps. Edits are undoable where a hold is
-/// open.
+/// Moves the vertices of a figure's shape with its bones: a linear blend by weight maps. Edits are undoable where a
+/// hold is open.
 ///
-/// With X the full map of a bone relative to the figure and w its weight, a vertex v goes to v + sum of w * (v X - v): where
-/// the weights add up to 1 that is the weighted mean of the images, and whatever they leave free stays at rest.
+/// With X the full map of a bone relative to the figure and w its weight, a vertex v goes to v + sum of w * (v X - v):
+/// where the weights add up to 1 that is the weighted mean of the images, and whatever they leave free stays at rest.
 ///
-/// A binding with local maps splits its map into stages: X0 moves with the parent and by the bone's own translation, then
-/// the rotation about the third, second and first axis of the rotation order join in turn, at last the scale. Each stage
-/// adds its share (the difference to the stage before), weighted by that axis' map and by the scale map; X0 - 1 is weighted by
-/// the mean of the three local maps. Equal maps therefore give what one general map gives.
+/// A binding with local maps splits its map into stages: X0 moves with the parent and by the bone's own translation,
+/// then the rotation about the third, second and first axis of the rotation order join in turn, at last the scale. Each
+/// stage adds its share (the difference to the stage before), weighted by that axis' map and by the scale map; X0 - 1
+/// is weighted by the mean of the three local maps. Equal maps therefore give what one general map gives.
 class RySkinBinding : public RyModifier
 {
     Q_OBJECT
@@ -48,18 +48,26 @@ public:
     void setMapKinds(bool local, bool general);
 
     // --- Weights.
-    enum WeightType { GeneralWeights = 1, LocalXWeights = 2, LocalYWeights = 4, LocalZWeights = 8, ScaleWeights = 16, AllWeights = 31 };
-    /// For each kind of map in `types`, each vertex whose weights have a sum above 0 and other than 65535 gets them scaled to
-    /// that sum; the rounding rest goes to its largest weight (the first binding on ties). `priority` 0: all bindings
-    /// weigh equally, which is all there is. `restricted` would leave locked weights alone; there are none.
+    enum WeightType {
+        GeneralWeights = 1,
+        LocalXWeights = 2,
+        LocalYWeights = 4,
+        LocalZWeights = 8,
+        ScaleWeights = 16,
+        AllWeights = 31
+    };
+    /// For each kind of map in `types`, each vertex whose weights have a sum above 0 and other than 65535 gets them
+    /// scaled to that sum; the rounding rest goes to its largest weight (the first binding on ties). `priority` 0: all
+    /// bindings weigh equally, which is all there is. `restricted` would leave locked weights alone; there are none.
     void normalize(int priority, int types, bool restricted);
     /// Packs the maps; nothing that can be observed changes.
     void reduceWeightMemory();
     /// The option that takes the mean of the three local maps where a binding has no general map.
     static constexpr int AverageLocalMaps = 54;
-    /// The bindings and, in step with them, a general map of each. A binding without a map that serves is listed without
-    /// one, so that the two counts differ. Means are new maps; the list keeps them alive.
-    void buildGeneralWeightMaps(std::vector<RyRef<RyWeightMap>> &maps, std::vector<RyBoneBinding *> &bindings, int option) const;
+    /// The bindings and, in step with them, a general map of each. A binding without a map that serves is listed
+    /// without one, so that the two counts differ. Means are new maps; the list keeps them alive.
+    void buildGeneralWeightMaps(std::vector<RyRef<RyWeightMap>> &maps, std::vector<RyBoneBinding *> &bindings,
+                                int option) const;
 
     /// False when a map is for another number of vertices.
     bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) override;

@@ -7,9 +7,10 @@
 
 class RyWeightMap;
 
-/// The linear blend of a skin over flat arrays: `v + sum of w * (v X - v)` over the channels that move v. Vertices are sorted
-/// into classes by their number of influences and, within a class, cut into blocks; after a change of some maps only the blocks
-/// they reach are computed again. Uses AVX2 where the processor has it and several threads for large meshes.
+/// The linear blend of a skin over flat arrays: `v + sum of w * (v X - v)` over the channels that move v. Vertices are
+/// sorted into classes by their number of influences and, within a class, cut into blocks; after a change of some maps
+/// only the blocks they reach are computed again. Uses AVX2 where the processor has it and several threads for large
+/// meshes.
 class RySkinDeformer
 {
 public:
@@ -27,9 +28,9 @@ public:
     int getNumVertices() const { return m_vertexCount; }
     int getNumChannels() const { return m_channelCount; }
 
-    /// The deformed positions, valid until the next call. `maps` has one map per channel. With the same `source` (not null) and
-    /// `revision` as in the last call the rest positions are taken to be the same. Other sizes than those of the
-    /// influences give the rest positions.
+    /// The deformed positions, valid until the next call. `maps` has one map per channel. With the same `source` (not
+    /// null) and `revision` as in the last call the rest positions are taken to be the same. Other sizes than those of
+    /// the influences give the rest positions.
     const std::vector<RyVec3> &deform(const std::vector<RyVec3> &rest, const std::vector<RyAffine> &maps,
                                       const void *source = nullptr, quint64 revision = 0);
 

@@ -59,7 +59,8 @@ __attribute__((target("avx2,fma"))) void blend(const RySkinKernels::Task &task)
         if constexpr (Influences == 4) {
             // The common case reads all its weights with one load.
             const __m256 four = _mm256_broadcast_ps(reinterpret_cast<const __m128 *>(weights));
-            const auto add = [&](__m256 weight, quint32 offset) __attribute__((target("avx2,fma"), always_inline)) {
+            const auto add = [&](__m256 weight, quint32 offset) __attribute__((target("avx2,fma"), always_inline))
+            {
                 const float *delta = reinterpret_cast<const float *>(deltas + offset);
                 xy = _mm256_fmadd_ps(weight, _mm256_load_ps(delta), xy);
                 zt = _mm256_fmadd_ps(weight, _mm256_load_ps(delta + 8), zt);
@@ -96,13 +97,20 @@ __attribute__((target("avx2,fma"))) void blend(const RySkinKernels::Task &task)
 void RySkinKernels::blendAvx2(const Task &task)
 {
     switch (task.influences) {
-    case 1: return blend<1>(task);
-    case 2: return blend<2>(task);
-    case 3: return blend<3>(task);
-    case 4: return blend<4>(task);
-    case 5: return blend<5>(task);
-    case 6: return blend<6>(task);
-    default: return blend<0>(task);
+    case 1:
+        return blend<1>(task);
+    case 2:
+        return blend<2>(task);
+    case 3:
+        return blend<3>(task);
+    case 4:
+        return blend<4>(task);
+    case 5:
+        return blend<5>(task);
+    case 6:
+        return blend<6>(task);
+    default:
+        return blend<0>(task);
     }
 }
 

@@ -4,8 +4,9 @@
 
 #include <QtGlobal>
 
-/// Inner loops of the skin deformer. `deltas` holds four rows of four floats per channel, aligned to 64 bytes; `vertices`,
-/// `offsets` (in bytes, to the channel's rows) and `weights` describe `count` vertices with `influences` entries each.
+/// Inner loops of the skin deformer. `deltas` holds four rows of four floats per channel, aligned to 64 bytes;
+/// `vertices`, `offsets` (in bytes, to the channel's rows) and `weights` describe `count` vertices with `influences`
+/// entries each.
 namespace RySkinKernels {
 
 struct Task

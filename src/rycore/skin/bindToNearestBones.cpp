@@ -12,7 +12,8 @@
 namespace {
 
 /// The bindings that have a bone, each bone after the bones above it, and their segments.
-std::vector<RyBoneBinding *> inTreeOrder(const RySkinBinding &skin, std::vector<RyNearestBoneWeights::Segment> &segments)
+std::vector<RyBoneBinding *> inTreeOrder(const RySkinBinding &skin,
+                                         std::vector<RyNearestBoneWeights::Segment> &segments)
 {
     std::vector<RyBoneBinding *> ordered;
     std::unordered_map<const RyNode *, int> places;

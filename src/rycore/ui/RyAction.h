@@ -25,7 +25,8 @@ public:
 
     /// What else people call this, words parted by blanks, for a search over actions.
     QString getSearchWords() const { return m_searchWords; }
-    /// Why the action is disabled and what would help, one sentence; empty while it is enabled and where nobody has said.
+    /// Why the action is disabled and what would help, one sentence; empty while it is enabled and where nobody has
+    /// said.
     QString unavailableReason() const;
 
 public slots:
@@ -34,7 +35,8 @@ public slots:
 protected:
     void setDescription(const QString &description);
     void setSearchWords(const QString &words) { m_searchWords = words; }
-    /// Told by whoever disables the action. It is kept while the action is enabled, and shown in the tips while it is not.
+    /// Told by whoever disables the action. It is kept while the action is enabled, and shown in the tips while it is
+    /// not.
     void setUnavailableReason(const QString &reason);
 
 private:

@@ -88,7 +88,8 @@ void RyBasicDialog::setVisible(bool visible)
 void RyBasicDialog::focusContent()
 {
     for (QWidget *widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain()) {
-        const bool takesFocus = (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabledTo(this) && widget->isVisibleTo(this);
+        const bool takesFocus =
+            (widget->focusPolicy() & Qt::TabFocus) && widget->isEnabledTo(this) && widget->isVisibleTo(this);
         if (takesFocus && !m_buttons->isAncestorOf(widget)) {
             widget->setFocus(Qt::TabFocusReason);
             return;

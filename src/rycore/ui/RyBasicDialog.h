@@ -32,7 +32,8 @@ public:
     void setVisible(bool visible) override;
 
 public slots:
-    /// Asks the validator, applies and closes. Does nothing while accepting is off; stays open when the validator says no.
+    /// Asks the validator, applies and closes. Does nothing while accepting is off; stays open when the validator says
+    /// no.
     void accept() override;
 
 protected:

@@ -9,12 +9,14 @@
 #include <QPointer>
 #include <QToolTip>
 
-RyColorWgt::RyColorWgt(QWidget *parent) : QWidget(parent), m_swatch(new RyColorSwatch(this)), m_field(new QLineEdit(this))
+RyColorWgt::RyColorWgt(QWidget *parent)
+    : QWidget(parent), m_swatch(new RyColorSwatch(this)), m_field(new QLineEdit(this))
 {
     m_swatch->setObjectName(QStringLiteral("Swatch"));
     m_field->setObjectName(QStringLiteral("Field"));
-    m_field->setFixedWidth(m_field->sizeHint().width() - m_field->fontMetrics().horizontalAdvance(QLatin1Char('x')) * 17
-                           + m_field->fontMetrics().horizontalAdvance(QStringLiteral("#dddddd ")));
+    m_field->setFixedWidth(m_field->sizeHint().width() -
+                           m_field->fontMetrics().horizontalAdvance(QLatin1Char('x')) * 17 +
+                           m_field->fontMetrics().horizontalAdvance(QStringLiteral("#dddddd ")));
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(RyStandardMetrics::Margin);

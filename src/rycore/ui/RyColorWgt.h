@@ -6,8 +6,8 @@
 class QLineEdit;
 class RyColorSwatch;
 
-/// An opaque colour: a swatch that opens a colour dialog, and a field that shows it as "#rrggbb" and takes that form and
-/// the names of colours. While the colour dialog is open the colour follows it; its Cancel puts the old one back.
+/// An opaque colour: a swatch that opens a colour dialog, and a field that shows it as "#rrggbb" and takes that form
+/// and the names of colours. While the colour dialog is open the colour follows it; its Cancel puts the old one back.
 class RyColorWgt : public QWidget
 {
     Q_OBJECT

@@ -40,8 +40,10 @@ RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
 
     connect(m_field, &RyNumberField::valueEdited, this, &RyFloatPropertyWgt::applyValue);
     connect(m_field, &RyNumberField::refused, this, [this](const QString &reason) {
-        emit messagePosted(tr("%1: not taken, %2.").arg(m_labelText.isNull() && getFirstProperty() ? getFirstProperty()->getLabel()
-                                                                                                  : m_labelText, reason));
+        emit messagePosted(
+            tr("%1: not taken, %2.")
+                .arg(m_labelText.isNull() && getFirstProperty() ? getFirstProperty()->getLabel() : m_labelText,
+                     reason));
     });
     connect(m_label, &RyScrubLabel::scrubStarted, this, &RyFloatPropertyWgt::beginDrag);
     connect(m_label, &RyScrubLabel::scrubbed, this,
@@ -184,8 +186,8 @@ void RyFloatPropertyWgt::applyValue(double value)
 {
     const RyFloatProperty *property = getFirstProperty();
     // What is shown with four decimals must not round the value when it is merely confirmed.
-    if (!property || m_dragHold
-        || RyNumberExpression::format(value) == RyNumberExpression::format(double(property->getValue()))) {
+    if (!property || m_dragHold ||
+        RyNumberExpression::format(value) == RyNumberExpression::format(double(property->getValue()))) {
         refresh();
         return;
     }

@@ -41,7 +41,9 @@ void RyMenu::clear()
 
 QMenu *RyMenu::subMenu(int id) const
 {
-    return id == 0 ? const_cast<RyMenu *>(this) : id > 0 && id <= int(m_subMenus.size()) ? m_subMenus[size_t(id - 1)] : nullptr;
+    return id == 0                                  ? const_cast<RyMenu *>(this)
+           : id > 0 && id <= int(m_subMenus.size()) ? m_subMenus[size_t(id - 1)]
+                                                    : nullptr;
 }
 
 void RyMenu::addAction(const QString &className, int subMenuId)

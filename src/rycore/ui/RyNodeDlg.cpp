@@ -84,7 +84,7 @@ void RyNodeDlg::updatePick()
         text = tr("%1 nodes chosen").arg(nodes.size());
     else if (nodes.empty())
         text = m_tree->topLevelItemCount() == 0 ? tr("There is no node to choose.")
-            : m_searchFails                     ? tr("No node is called so.")
+               : m_searchFails                  ? tr("No node is called so.")
                                                 : tr("Nothing chosen yet.");
     else if (nodes.front()->getLabel() == nodes.front()->getName())
         text = nodes.front()->getName();
@@ -102,8 +102,10 @@ bool RyNodeDlg::eventFilter(QObject *watched, QEvent *event)
         case Qt::Key_Up:
         case Qt::Key_Down:
         case Qt::Key_PageUp:
-        case Qt::Key_PageDown: return QCoreApplication::sendEvent(m_tree, event);
-        default: break;
+        case Qt::Key_PageDown:
+            return QCoreApplication::sendEvent(m_tree, event);
+        default:
+            break;
         }
     }
     return RyBasicDialog::eventFilter(watched, event);

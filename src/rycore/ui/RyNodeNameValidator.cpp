@@ -4,8 +4,8 @@
 
 static bool isNameCharacter(uint character)
 {
-    return QChar::isLetterOrNumber(character) || QChar::isMark(character) || character == '_' || character == '-'
-        || character == '(' || character == ')' || character == ' ';
+    return QChar::isLetterOrNumber(character) || QChar::isMark(character) || character == '_' || character == '-' ||
+           character == '(' || character == ')' || character == ' ';
 }
 
 QValidator::State RyNodeNameValidator::validate(QString &text, int &) const

@@ -122,9 +122,9 @@ bool RyNodeTreeWgt::filterBranch(QTreeWidgetItem *branch)
 bool RyNodeTreeWgt::isHit(const QTreeWidgetItem *item) const
 {
     const RyNode *node = static_cast<const RyNodeTreeItem *>(item)->node;
-    return node && item->flags().testFlag(Qt::ItemIsSelectable)
-        && (node->getLabel().contains(m_filter, Qt::CaseInsensitive)
-            || node->getName().contains(m_filter, Qt::CaseInsensitive));
+    return node && item->flags().testFlag(Qt::ItemIsSelectable) &&
+           (node->getLabel().contains(m_filter, Qt::CaseInsensitive) ||
+            node->getName().contains(m_filter, Qt::CaseInsensitive));
 }
 
 QTreeWidgetItem *RyNodeTreeWgt::bestHit() const
@@ -133,8 +133,8 @@ QTreeWidgetItem *RyNodeTreeWgt::bestHit() const
     for (RyNodeTreeItem *item : allItems()) {
         if (!isHit(item))
             continue;
-        if (item->node->getName().compare(m_filter, Qt::CaseInsensitive) == 0
-            || item->node->getLabel().compare(m_filter, Qt::CaseInsensitive) == 0)
+        if (item->node->getName().compare(m_filter, Qt::CaseInsensitive) == 0 ||
+            item->node->getLabel().compare(m_filter, Qt::CaseInsensitive) == 0)
             return item;
         if (!first)
             first = item;

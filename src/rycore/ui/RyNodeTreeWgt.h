@@ -9,9 +9,9 @@ class RyNode;
 class RyNodeTreeItem;
 class RyScene;
 
-/// The tree of the nodes below a root, for picking. Nodes of other classes than the wanted one are shown only on the way
-/// to nodes of it and cannot be picked. Nodes selected in the scene are written in bold. Follows the scene: nodes that
-/// go leave the tree.
+/// The tree of the nodes below a root, for picking. Nodes of other classes than the wanted one are shown only on the
+/// way to nodes of it and cannot be picked. Nodes selected in the scene are written in bold. Follows the scene: nodes
+/// that go leave the tree.
 class RyNodeTreeWgt : public QTreeWidget
 {
     Q_OBJECT
@@ -22,8 +22,8 @@ public:
     /// scene's primary selection becomes current, picked it is not.
     void setRoot(RyNode *root, const QString &className, bool showRoot);
     /// Leaves the nodes whose label or name contains the text, and faintly, those above them; an empty text shows all
-    /// and leaves the pick. A text picks the best hit (a node called so, else the first), but never in place of several picked
-    /// nodes. False without a hit.
+    /// and leaves the pick. A text picks the best hit (a node called so, else the first), but never in place of several
+    /// picked nodes. False without a hit.
     bool filter(const QString &text);
     /// The picked nodes in tree order.
     std::vector<RyNode *> getPickedNodes() const;

@@ -120,8 +120,8 @@ private:
         if (c.isDigit() || c == QLatin1Char('.') || c == QLatin1Char(','))
             return true;
         const auto isExponent = [&](int i) { return i > start && m_text[i].toLower() == QLatin1Char('e'); };
-        return isExponent(m_place)
-               || ((c == QLatin1Char('-') || c == QLatin1Char('+')) && m_place > start + 1 && isExponent(m_place - 1));
+        return isExponent(m_place) ||
+               ((c == QLatin1Char('-') || c == QLatin1Char('+')) && m_place > start + 1 && isExponent(m_place - 1));
     }
 
     QString m_text;

@@ -84,10 +84,18 @@ void RyNumberField::stepBy(double steps)
 void RyNumberField::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {
-    case Qt::Key_Up: stepBy(stepFactor(event->modifiers())); return;
-    case Qt::Key_Down: stepBy(-stepFactor(event->modifiers())); return;
-    case Qt::Key_PageUp: stepBy(10.0); return;
-    case Qt::Key_PageDown: stepBy(-10.0); return;
+    case Qt::Key_Up:
+        stepBy(stepFactor(event->modifiers()));
+        return;
+    case Qt::Key_Down:
+        stepBy(-stepFactor(event->modifiers()));
+        return;
+    case Qt::Key_PageUp:
+        stepBy(10.0);
+        return;
+    case Qt::Key_PageDown:
+        stepBy(-10.0);
+        return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
         commitText();
@@ -101,7 +109,8 @@ void RyNumberField::keyPressEvent(QKeyEvent *event)
             return;
         }
         break;
-    default: break;
+    default:
+        break;
     }
     QLineEdit::keyPressEvent(event);
 }

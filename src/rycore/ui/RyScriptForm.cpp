@@ -60,7 +60,8 @@ public:
 };
 
 RyScriptForm::RyScriptForm(QWidget *parent)
-    : RyBasicDialog(parent), m_grid(new QGridLayout), m_messageRow(new QWidget(this)), m_message(new QLabel(m_messageRow))
+    : RyBasicDialog(parent), m_grid(new QGridLayout), m_messageRow(new QWidget(this)),
+      m_message(new QLabel(m_messageRow))
 {
     setObjectName(QStringLiteral("ScriptForm"));
     setValidator(new Validator);

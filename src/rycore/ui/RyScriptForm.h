@@ -19,8 +19,9 @@ class QLineEdit;
 ///     form.accepting.connect(function() { if (isTaken(form.value("name"))) form.setMessage("The name is taken."); });
 ///     if (form.exec()) node.setName(form.value("name"));
 ///
-/// The fields have their keys as object names. OK is off while a field holds what its rule does not allow, or nothing; the
-/// form says why. It stays open, with the error, when a function connected to `accepting` throws. Mistakes of the script (a key used twice, an unknown rule or key) are script errors.
+/// The fields have their keys as object names. OK is off while a field holds what its rule does not allow, or nothing;
+/// the form says why. It stays open, with the error, when a function connected to `accepting` throws. Mistakes of the
+/// script (a key used twice, an unknown rule or key) are script errors.
 class RyScriptForm : public RyBasicDialog, protected QScriptable
 {
     Q_OBJECT
@@ -36,12 +37,12 @@ public:
     Q_INVOKABLE bool addChoice(const QString &key, const QString &label, const QStringList &items, int current = 0);
     Q_INVOKABLE bool addCheck(const QString &key, const QString &label, bool isChecked = false);
 
-    /// The text of a field (without blanks at the ends where it has a rule), the text of the chosen item, true or false.
-    /// Invalid for an unknown key.
+    /// The text of a field (without blanks at the ends where it has a rule), the text of the chosen item, true or
+    /// false. Invalid for an unknown key.
     Q_INVOKABLE QVariant value(const QString &key) const;
     Q_INVOKABLE bool setValue(const QString &key, const QVariant &value);
-    /// Shows why the values were not accepted, until the next edit or try. Called while `accepting` is emitted it keeps the
-    /// form open. An empty text takes the message away.
+    /// Shows why the values were not accepted, until the next edit or try. Called while `accepting` is emitted it keeps
+    /// the form open. An empty text takes the message away.
     Q_INVOKABLE void setMessage(const QString &text);
     Q_INVOKABLE QString getMessage() const;
 

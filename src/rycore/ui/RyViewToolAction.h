@@ -4,8 +4,8 @@
 
 class RyViewTool;
 
-/// Activates the view tool of a class, which stays active when it was; checked while the tool is active. Its text is the
-/// tool's object name.
+/// Activates the view tool of a class, which stays active when it was; checked while the tool is active. Its text is
+/// the tool's object name.
 class RyViewToolAction : public RyAction
 {
     Q_OBJECT

@@ -30,6 +30,7 @@ public:
     virtual bool isAlive() const { return true; }
     /// Called for all items of a step before the first of them is swapped: keep the value in place now.
     virtual void prepare() {}
-    /// Called after the last swap of the step: put the value that `swap` wrote in place again. True when it had changed.
+    /// Called after the last swap of the step: put the value that `swap` wrote in place again. True when it had
+    /// changed.
     virtual bool settle() { return false; }
 };

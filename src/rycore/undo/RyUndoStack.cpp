@@ -1,8 +1,8 @@
 #include "rycore/undo/RyUndoStack.h"
 
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/RyUndoStep.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <QScopedValueRollback>
 
@@ -24,10 +24,10 @@ struct RyUndoStack::Private
     int locks = 0;
     int cleanIndex = 0; // -1: no step leads back to the saved state
     bool lastClean = true;
-    bool swapping = false;   // undo, redo or the revert of a cancelled hold
+    bool swapping = false;               // undo, redo or the revert of a cancelled hold
     const RyUndoStep *swapped = nullptr; // while one is
-    RyUndoStep *aside = nullptr; // takes what listeners write meanwhile and `swapped` does not hold
-    bool discarding = false; // items are being deleted; what dies with them is no edit
+    RyUndoStep *aside = nullptr;         // takes what listeners write meanwhile and `swapped` does not hold
+    bool discarding = false;             // items are being deleted; what dies with them is no edit
 
     std::vector<OpenHold>::iterator findHold(int id)
     {

@@ -31,8 +31,8 @@ public:
     bool isLocked() const;
     bool isHoldOpen() const;
 
-    /// Keeps a change that is about to happen (or has just happened); drops it when nothing records or when the innermost hold
-    /// already has one with its key. Structural items are recorded through the same call.
+    /// Keeps a change that is about to happen (or has just happened); drops it when nothing records or when the
+    /// innermost hold already has one with its key. Structural items are recorded through the same call.
     void record(std::unique_ptr<RyUndoItem> item);
     /// The same, without making the item when it would be dropped.
     void record(const RyUndoKey &key, const std::function<std::unique_ptr<RyUndoItem>()> &makeItem);
@@ -43,8 +43,8 @@ public:
             append(key, std::make_shared<Item>(std::forward<Args>(args)...), takers);
     }
 
-    /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo. The state comes back
-    /// exactly: what listeners write meanwhile, and the step does not hold, is put back.
+    /// Undo and redo do nothing while a hold is open or when called by a listener of a running undo. The state comes
+    /// back exactly: what listeners write meanwhile, and the step does not hold, is put back.
     void undo();
     void redo();
     bool canUndo() const;
@@ -61,7 +61,8 @@ public:
     /// Drops all steps, also under a lock and while a hold is open (which stays open, empty).
     void clearAll();
 
-    /// Marks the present state as saved; `isClean()` until the state differs again, also by an edit that was not recorded.
+    /// Marks the present state as saved; `isClean()` until the state differs again, also by an edit that was not
+    /// recorded.
     void setClean();
     bool isClean() const;
 
@@ -92,7 +93,8 @@ private:
     /// Neither a hold is open nor a change being swapped or discarded.
     bool isIdle() const;
     History history() const;
-    /// Runs `swapAll`, which leads to the state that the history belongs to, as undo runs, then puts the history in place.
+    /// Runs `swapAll`, which leads to the state that the history belongs to, as undo runs, then puts the history in
+    /// place.
     void exchangeHistory(const History &history, const std::function<void()> &swapAll);
     /// Runs `drop`; what dies in it is no edit.
     void discardIn(const std::function<void()> &drop);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// While one lives, changes pass the stack by: they are neither recorded nor taken for a difference from the saved state.
-/// For what is no part of the document, such as the camera of a viewport. Counted.
+/// While one lives, changes pass the stack by: they are neither recorded nor taken for a difference from the saved
+/// state. For what is no part of the document, such as the camera of a viewport. Counted.
 class RyUndoStackSilence
 {
 public:

@@ -2,10 +2,10 @@
 
 #include "rycore/viewport/RyViewportPrivate.h"
 
+#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/scene/RyBone.h"
 #include "rycore/viewport/RyDrawStyle.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
@@ -132,8 +132,8 @@ int Ry3DViewport::pickOnGizmo(const QPoint &point)
     const QSize size(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)));
     if (!tool || !QRect(QPoint(0, 0), size).contains(pixel))
         return 0;
-    const Private::TileKey key{RyViewMatrices(*d->camera, size.width(), size.height()), tool, d->manager->sceneRevision(),
-                               d->manager->toolRevision()};
+    const Private::TileKey key{RyViewMatrices(*d->camera, size.width(), size.height()), tool,
+                               d->manager->sceneRevision(), d->manager->toolRevision()};
     if (!(key == d->tileKey) || !d->tile.contains(pixel)) {
         makeCurrent();
         if (d->pictureContext == 0)
@@ -188,7 +188,8 @@ void Ry3DViewport::paintGL()
     ++d->framePaints;
     if (std::exchange(d->paintAgain, false)) {
         // Some drivers learn of a window's new size only after they have shown a frame in the old one.
-        QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { update(); }, Qt::QueuedConnection);
     }
     emit painted();
 }
@@ -387,9 +388,15 @@ void Ry3DViewport::setStandardView(StandardView view)
 {
     RyCameraController controller(d->camera);
     switch (view) {
-    case StandardView::Front: controller.setDirection(0, 0); break;
-    case StandardView::Side: controller.setDirection(90, 0); break;
-    case StandardView::Top: controller.setDirection(0, 90); break;
+    case StandardView::Front:
+        controller.setDirection(0, 0);
+        break;
+    case StandardView::Side:
+        controller.setDirection(90, 0);
+        break;
+    case StandardView::Top:
+        controller.setDirection(0, 90);
+        break;
     case StandardView::Perspective:
         controller.setOrthographic(false);
         controller.setDirection(24, 7);

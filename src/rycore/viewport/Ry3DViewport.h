@@ -59,8 +59,8 @@ public:
     /// True between a press that the tool got and its release.
     bool isToolDragging() const;
 
-    /// For tests: passes of the pick code so far, pictures of the scene so far (a repaint of the tool alone makes none),
-    /// frames painted, and uploads of positions to the graphics memory.
+    /// For tests: passes of the pick code so far, pictures of the scene so far (a repaint of the tool alone makes
+    /// none), frames painted, and uploads of positions to the graphics memory.
     int pickPasses() const;
     int scenePaints() const;
     int framePaints() const;

@@ -123,12 +123,17 @@ void Ry3DViewport::moveView(QMouseEvent *event)
     const QPointF delta = event->pos() - d->lastMouse;
     RyCameraController controller(d->camera);
     switch (d->viewDrag) {
-    case Private::ViewDrag::Orbit: controller.orbit(delta); break;
-    case Private::ViewDrag::Pan: controller.pan(delta, size()); break;
+    case Private::ViewDrag::Orbit:
+        controller.orbit(delta);
+        break;
+    case Private::ViewDrag::Pan:
+        controller.pan(delta, size());
+        break;
     case Private::ViewDrag::Zoom:
         controller.zoom(std::pow(0.99, delta.x() - delta.y()), d->pressMouse, size());
         break;
-    case Private::ViewDrag::None: break;
+    case Private::ViewDrag::None:
+        break;
     }
 }
 
@@ -182,8 +187,8 @@ void Ry3DViewport::endLostDrag()
 {
     if (!d->toolDrag)
         return;
-    QMouseEvent release(QEvent::MouseButtonRelease, d->lastMouse, mapToGlobal(d->lastMouse), Qt::LeftButton, Qt::NoButton,
-                        Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, d->lastMouse, mapToGlobal(d->lastMouse), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
     mouseReleaseEvent(&release);
 }
 
@@ -213,9 +218,15 @@ void Ry3DViewport::keyPressEvent(QKeyEvent *event)
         return;
     }
     switch (event->key()) {
-    case Qt::Key_F: frameNodes(true); return;
-    case Qt::Key_A: frameNodes(false); return;
-    case Qt::Key_Escape: cancelToolDrag(); return;
+    case Qt::Key_F:
+        frameNodes(true);
+        return;
+    case Qt::Key_A:
+        frameNodes(false);
+        return;
+    case Qt::Key_Escape:
+        cancelToolDrag();
+        return;
     case Qt::Key_Up:
     case Qt::Key_Down:
     case Qt::Key_Left:
@@ -226,15 +237,25 @@ void Ry3DViewport::keyPressEvent(QKeyEvent *event)
                 scene->setSelection({next});
         }
         return;
-    default: break;
+    default:
+        break;
     }
     if (keypad) {
         switch (event->key()) {
-        case Qt::Key_1: setStandardView(StandardView::Front); return;
-        case Qt::Key_3: setStandardView(StandardView::Side); return;
-        case Qt::Key_7: setStandardView(StandardView::Top); return;
-        case Qt::Key_5: RyCameraController(d->camera).setOrthographic(!d->camera->isOrthographic()); return;
-        default: break;
+        case Qt::Key_1:
+            setStandardView(StandardView::Front);
+            return;
+        case Qt::Key_3:
+            setStandardView(StandardView::Side);
+            return;
+        case Qt::Key_7:
+            setStandardView(StandardView::Top);
+            return;
+        case Qt::Key_5:
+            RyCameraController(d->camera).setOrthographic(!d->camera->isOrthographic());
+            return;
+        default:
+            break;
         }
     }
     QGLWidget::keyPressEvent(event);

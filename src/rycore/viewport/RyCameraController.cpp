@@ -98,8 +98,8 @@ void RyCameraController::frame(const RyBox3 &box, const QSizeF &view)
     double distance = 0.0;
     double height = 0.0;
     for (int corner = 0; corner < 8; ++corner) {
-        const RyVec3 p = toCamera.multVec(RyVec3(corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y,
-                                                 corner & 4 ? half.z : -half.z));
+        const RyVec3 p = toCamera.multVec(
+            RyVec3(corner & 1 ? half.x : -half.x, corner & 2 ? half.y : -half.y, corner & 4 ? half.z : -half.z));
         const double spread = std::max(std::abs(double(p.y)), std::abs(double(p.x)) / aspect) * FrameMargin;
         distance = std::max(distance, p.z + spread / tanHeight);
         height = std::max(height, 2.0 * spread);

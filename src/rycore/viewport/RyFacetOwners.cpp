@@ -10,8 +10,8 @@
 
 void RyFacetOwners::update(RyNode *node, RyFacetMesh *mesh, quint64 revision)
 {
-    if (revision == m_revision && node == m_node && mesh == m_mesh
-        && mesh->getNumFacets() == int(m_ownerOfFacet.size()))
+    if (revision == m_revision && node == m_node && mesh == m_mesh &&
+        mesh->getNumFacets() == int(m_ownerOfFacet.size()))
         return;
     m_revision = revision;
     m_node = node;
@@ -70,7 +70,8 @@ std::vector<quint64> RyFacetOwners::weightsKey(const RySkinBinding &skin) const
 
 void RyFacetOwners::assignBones()
 {
-    const RySkinBinding *skin = qobject_cast<RySkeleton *>(m_node.data()) ? RySkinBinding::findSkinFromNode(m_node) : nullptr;
+    const RySkinBinding *skin =
+        qobject_cast<RySkeleton *>(m_node.data()) ? RySkinBinding::findSkinFromNode(m_node) : nullptr;
     if (!skin) {
         m_weightsKey.clear();
         m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);

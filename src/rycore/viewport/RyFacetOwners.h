@@ -8,8 +8,8 @@ class RyFacetMesh;
 class RyNode;
 class RySkinBinding;
 
-/// Which node each facet of a mesh stands for when it is pointed at: for a figure the node paired with the facet's group
-/// in the selection map, else the bone that weighs most on its vertices; for other nodes the node itself.
+/// Which node each facet of a mesh stands for when it is pointed at: for a figure the node paired with the facet's
+/// group in the selection map, else the bone that weighs most on its vertices; for other nodes the node itself.
 class RyFacetOwners
 {
 public:

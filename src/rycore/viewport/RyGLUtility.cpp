@@ -17,7 +17,8 @@ RyVec3 spherePoint(int stack, int stacks, int slice, int slices)
 {
     const double polar = RyFastMath::Pi * stack / stacks;
     const double around = 2.0 * RyFastMath::Pi * slice / slices;
-    return {float(std::sin(polar) * std::cos(around)), float(std::cos(polar)), float(std::sin(polar) * std::sin(around))};
+    return {float(std::sin(polar) * std::cos(around)), float(std::cos(polar)),
+            float(std::sin(polar) * std::sin(around))};
 }
 
 void sphereVertex(const RyVec3 &unit, float radius, float normalSign)

@@ -47,8 +47,9 @@ void RyMeshRayCaster::update(RyFacetMesh *mesh, const std::vector<RyVec3> &posit
         clear();
         return;
     }
-    if (mesh == m_mesh && mesh->getNumFacets() == m_facetCount && positions.size() == m_positions.size()
-        && (positions.empty() || std::memcmp(positions.data(), m_positions.data(), positions.size() * sizeof(RyVec3)) == 0))
+    if (mesh == m_mesh && mesh->getNumFacets() == m_facetCount && positions.size() == m_positions.size() &&
+        (positions.empty() ||
+         std::memcmp(positions.data(), m_positions.data(), positions.size() * sizeof(RyVec3)) == 0))
         return;
     m_mesh = mesh;
     m_facetCount = mesh->getNumFacets();

@@ -8,8 +8,8 @@
 
 class RyFacetMesh;
 
-/// Finds the facet of a mesh that a ray meets first. Facets are kept in runs with a box each, which is built in one pass
-/// over the positions and skips nearly all of a mesh whose facets follow its surface.
+/// Finds the facet of a mesh that a ray meets first. Facets are kept in runs with a box each, which is built in one
+/// pass over the positions and skips nearly all of a mesh whose facets follow its surface.
 class RyMeshRayCaster
 {
 public:

@@ -80,7 +80,8 @@ RyNode *RyNodePicker::selectableFor(RyNode *node)
     return node;
 }
 
-const std::vector<RyNodePicker::Patch> &RyNodePicker::patchesOf(const RyScene &scene, const RyNode *node, quint64 dataRevision)
+const std::vector<RyNodePicker::Patch> &RyNodePicker::patchesOf(const RyScene &scene, const RyNode *node,
+                                                                quint64 dataRevision)
 {
     if (node == m_patchNode && dataRevision == m_patchRevision)
         return m_patches;

@@ -18,10 +18,10 @@ class RyNodePicker
 public:
     struct Hit
     {
-        RyNode *node = nullptr;      // what a click would select
-        RyNode *meshNode = nullptr;  // whose object was hit
+        RyNode *node = nullptr;     // what a click would select
+        RyNode *meshNode = nullptr; // whose object was hit
         int facet = -1;
-        double distance = 0.0;       // in the world, along the ray
+        double distance = 0.0; // in the world, along the ray
     };
     /// Looks at meshes and weights again only when `dataRevision` differs from the last call's.
     Hit pick(const RyScene &scene, const RyLine3 &ray, quint64 dataRevision);
@@ -30,9 +30,9 @@ public:
     struct Patch
     {
         RyNode *meshNode = nullptr;
-        std::vector<RyVec3> positions;     // of the mesh, deformed, in its node's space
-        std::vector<unsigned> triangles;   // three vertices each
-        std::vector<unsigned> border;      // two vertices for each edge with the patch on one side only
+        std::vector<RyVec3> positions;   // of the mesh, deformed, in its node's space
+        std::vector<unsigned> triangles; // three vertices each
+        std::vector<unsigned> border;    // two vertices for each edge with the patch on one side only
     };
     /// All patches of a node; the same reference until something changes.
     const std::vector<Patch> &patchesOf(const RyScene &scene, const RyNode *node, quint64 dataRevision);

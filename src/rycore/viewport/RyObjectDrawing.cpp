@@ -79,8 +79,8 @@ bool RyObjectDrawing::update()
     const std::vector<RyVec3> &positions = m_object->getDeformedPositions();
     if (int(positions.size()) != mesh->getNumVertices())
         return false;
-    const bool changed = mesh != m_mesh || shape->getParts() != m_parts || mesh->getNumFacets() != m_facetCount
-                         || positions.size() != m_positions.size();
+    const bool changed = mesh != m_mesh || shape->getParts() != m_parts || mesh->getNumFacets() != m_facetCount ||
+                         positions.size() != m_positions.size();
     if (changed)
         rebuild(*mesh, shape->getParts());
     if (changed || !sameMemory(positions, m_positions))
@@ -144,7 +144,8 @@ void RyObjectDrawing::rebuild(const RyFacetMesh &mesh, const std::shared_ptr<con
     glGenBuffers(1, &m_vertexBuffer);
     glGenBuffers(1, &m_indexBuffer);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, m_indexBuffer);
-    glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(m_indices.size() * sizeof(unsigned)), m_indices.data(), GL_STATIC_DRAW);
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER, GLsizeiptr(m_indices.size() * sizeof(unsigned)), m_indices.data(),
+                 GL_STATIC_DRAW);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     if (m_hasUvs) {
         glGenBuffers(1, &m_uvBuffer);
@@ -237,7 +238,8 @@ void RyObjectDrawing::drawSurfaces(const RyShader &shader, const float clay[3]) 
     bindArrays();
     for (const Run &run : m_runs) {
         const RyMaterialLook *look = m_parts && run.look >= 0 && run.look < int(m_parts->looks.size())
-                                         ? &m_parts->looks[size_t(run.look)] : nullptr;
+                                         ? &m_parts->looks[size_t(run.look)]
+                                         : nullptr;
         const unsigned texture = look && m_hasUvs ? m_textures[size_t(run.look)] : 0;
         const bool plain = !look || (!texture && isNeutral(look->baseColor));
         if (plain)

@@ -52,14 +52,14 @@ private:
     QPointer<RyFacetMesh> m_mesh;
     std::shared_ptr<const RyMeshParts> m_parts;
     int m_facetCount = -1;
-    std::vector<RyVec3> m_positions;    // as uploaded last, one per vertex
+    std::vector<RyVec3> m_positions; // as uploaded last, one per vertex
     std::vector<int> m_vertexOfSplit;
     std::vector<int> m_normalOfSplit;
     int m_normalCount = 0;
-    std::vector<unsigned> m_indices;    // corners as split vertices
-    std::vector<unsigned> m_edges;      // pairs of mesh vertices
+    std::vector<unsigned> m_indices; // corners as split vertices
+    std::vector<unsigned> m_edges;   // pairs of mesh vertices
     std::vector<Run> m_runs;
-    std::vector<unsigned> m_textures;   // one per look, 0 for none
+    std::vector<unsigned> m_textures; // one per look, 0 for none
     unsigned m_vertexBuffer = 0;
     unsigned m_uvBuffer = 0;
     unsigned m_indexBuffer = 0;

@@ -23,7 +23,8 @@ void RyPickPass::abandon()
     m_target.reset();
 }
 
-std::vector<int> RyPickPass::ids(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area)
+std::vector<int> RyPickPass::ids(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices,
+                                 const QRect &area)
 {
     std::vector<int> ids;
     int boneCount = 0;
@@ -48,8 +49,8 @@ std::vector<int> RyPickPass::slicedIds(Ry3DViewport *viewport, RyViewTool *tool,
         const RyBoneListSlice slice(first, SliceLength);
         slices.push_back(pass(viewport, tool, matrices, area));
     }
-    // The complete pass comes last, so that the tool's own list is complete again. It also says, by the cut-off id, which
-    // of the slices holds the bone on top.
+    // The complete pass comes last, so that the tool's own list is complete again. It also says, by the cut-off id,
+    // which of the slices holds the bone on top.
     const std::vector<int> complete = pass(viewport, tool, matrices, area);
     std::vector<int> ids(complete.size(), 0);
     for (size_t i = 0; i < ids.size(); ++i) {
@@ -71,7 +72,8 @@ std::vector<int> RyPickPass::slicedIds(Ry3DViewport *viewport, RyViewTool *tool,
     return ids;
 }
 
-std::vector<int> RyPickPass::pass(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area)
+std::vector<int> RyPickPass::pass(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices,
+                                  const QRect &area)
 {
     ++m_passes;
     GLint previous = 0;
@@ -84,8 +86,9 @@ std::vector<int> RyPickPass::pass(Ry3DViewport *viewport, RyViewTool *tool, cons
     const auto width = int(matrices.width());
     const auto height = int(matrices.height());
     glViewport(-area.left(), area.bottom() + 1 - height, width, height);
-    for (GLenum capability : {GL_LIGHTING, GL_BLEND, GL_DITHER, GL_TEXTURE_2D, GL_MULTISAMPLE, GL_LINE_SMOOTH, GL_POINT_SMOOTH,
-                              GL_POLYGON_SMOOTH, GL_FOG, GL_SCISSOR_TEST, GL_CULL_FACE, GL_ALPHA_TEST, GL_LINE_STIPPLE})
+    for (GLenum capability :
+         {GL_LIGHTING, GL_BLEND, GL_DITHER, GL_TEXTURE_2D, GL_MULTISAMPLE, GL_LINE_SMOOTH, GL_POINT_SMOOTH,
+          GL_POLYGON_SMOOTH, GL_FOG, GL_SCISSOR_TEST, GL_CULL_FACE, GL_ALPHA_TEST, GL_LINE_STIPPLE})
         glDisable(capability);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);

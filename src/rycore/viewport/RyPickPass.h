@@ -11,8 +11,8 @@ class Ry3DViewport;
 class RyViewMatrices;
 class RyViewTool;
 
-/// Draws a tool in its colour code into a small picture of its own and decodes the ids. Where the skeleton that the tool
-/// asks for its bones has more of them than the code can hold, the bones are drawn slice by slice.
+/// Draws a tool in its colour code into a small picture of its own and decodes the ids. Where the skeleton that the
+/// tool asks for its bones has more of them than the code can hold, the bones are drawn slice by slice.
 class RyPickPass
 {
 public:
@@ -22,7 +22,8 @@ public:
     static constexpr int CodedBones = 256 - FirstBoneId;
     static constexpr int SliceLength = 200;
 
-    /// Ids of the pixels of `area` (device pixels, y down), row by row from the top; the view has the size of `matrices`.
+    /// Ids of the pixels of `area` (device pixels, y down), row by row from the top; the view has the size of
+    /// `matrices`.
     std::vector<int> ids(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area);
     /// Passes drawn so far.
     int passes() const { return m_passes; }
@@ -32,8 +33,8 @@ public:
 
 private:
     std::vector<int> pass(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area);
-    std::vector<int> slicedIds(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area,
-                               int boneCount);
+    std::vector<int> slicedIds(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices,
+                               const QRect &area, int boneCount);
 
     std::unique_ptr<RyFramebuffer> m_target;
     int m_passes = 0;

@@ -41,7 +41,8 @@ QString RyPressRestorePoint::caption() const
     }
     const auto isBone = [](const RyNode *node) { return qobject_cast<const RyBone *>(node) != nullptr; };
     if (fresh.empty())
-        return m_scene->getNodes().size() < m_nodes.size() ? tr("Delete in Viewport") : tr("Edit with %1").arg(m_toolName);
+        return m_scene->getNodes().size() < m_nodes.size() ? tr("Delete in Viewport")
+                                                           : tr("Edit with %1").arg(m_toolName);
     if (fresh.size() == 1)
         return isBone(fresh.front()) ? tr("Create Bone") : tr("Create %1").arg(fresh.front()->getLabel());
     return std::all_of(fresh.begin(), fresh.end(), isBone) ? tr("Create %1 Bones").arg(fresh.size())

@@ -10,8 +10,8 @@
 class RyNode;
 class RyScene;
 
-/// Stands around a press of a tool, to its release: leaves a restore point named after the nodes that came or went, or after
-/// the tool, where undo would not take the press back.
+/// Stands around a press of a tool, to its release: leaves a restore point named after the nodes that came or went, or
+/// after the tool, where undo would not take the press back.
 class RyPressRestorePoint
 {
     Q_DECLARE_TR_FUNCTIONS(RyPressRestorePoint)

@@ -2,9 +2,9 @@
 
 #include "rycore/viewport/RySceneRenderer.h"
 
+#include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/scene/RyNode.h"
 #include "rycore/viewport/RyObjectDrawing.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RySceneShaders.h"
@@ -89,8 +89,8 @@ void RySceneRenderer::checkContext()
     }
 }
 
-void RySceneRenderer::render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options, int width,
-                             int height, quint64 dataRevision)
+void RySceneRenderer::render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options,
+                             int width, int height, quint64 dataRevision)
 {
     checkContext();
     updateObjects(scene, dataRevision);
@@ -150,7 +150,8 @@ void RySceneRenderer::drawGrid(const RyViewMatrices &matrices, const RyRenderOpt
     // Around the place of the ground below the middle of the picture.
     const RyLine3 middle = matrices.ray(QPointF(matrices.width() * 0.5, matrices.height() * 0.5));
     const RyVec3 eye = matrices.view().inverse().translation();
-    const float reach = std::clamp(std::abs(eye.y) * 8.0f + (eye - RyVec3(0, eye.y, 0)).length() * 1.5f, 300.0f, 20000.0f);
+    const float reach =
+        std::clamp(std::abs(eye.y) * 8.0f + (eye - RyVec3(0, eye.y, 0)).length() * 1.5f, 300.0f, 20000.0f);
     const RyVec3 ahead = eye + middle.getDirection() * (reach * 0.25f);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
@@ -160,8 +161,10 @@ void RySceneRenderer::drawGrid(const RyViewMatrices &matrices, const RyRenderOpt
     setColor(*m_grid, "color", options.grid);
     m_grid->set("radius", reach);
     m_grid->set("center", ahead.x, ahead.z);
-    const float corners[4][3] = {{ahead.x - reach, 0, ahead.z - reach}, {ahead.x - reach, 0, ahead.z + reach},
-                                 {ahead.x + reach, 0, ahead.z + reach}, {ahead.x + reach, 0, ahead.z - reach}};
+    const float corners[4][3] = {{ahead.x - reach, 0, ahead.z - reach},
+                                 {ahead.x - reach, 0, ahead.z + reach},
+                                 {ahead.x + reach, 0, ahead.z + reach},
+                                 {ahead.x + reach, 0, ahead.z - reach}};
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, corners);
     glDrawArrays(GL_QUADS, 0, 4);
@@ -222,9 +225,10 @@ void RySceneRenderer::drawObjects(const RyScene &scene, const RyViewMatrices &ma
 void RySceneRenderer::drawAxes(const RyViewMatrices &matrices, const RyRenderOptions &options)
 {
     // In pixels from the upper right corner; the letters are strokes in a box of 1 by 1.
-    static const std::array<std::vector<float>, 3> Letters = {{{0, 0, 1, 1, 0, 1, 1, 0},
-                                                               {0, 1, 0.5f, 0.5f, 1, 1, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0},
-                                                               {0, 1, 1, 1, 1, 1, 0, 0, 0, 0, 1, 0}}};
+    static const std::array<std::vector<float>, 3> Letters = {
+        {{0, 0, 1, 1, 0, 1, 1, 0},
+         {0, 1, 0.5f, 0.5f, 1, 1, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0},
+         {0, 1, 1, 1, 1, 1, 0, 0, 0, 0, 1, 0}}};
     static const float Colors[3][3] = {{0.86f, 0.33f, 0.31f}, {0.45f, 0.72f, 0.33f}, {0.36f, 0.55f, 0.90f}};
     if (!options.showAxes)
         return;
@@ -246,7 +250,8 @@ void RySceneRenderer::drawAxes(const RyViewMatrices &matrices, const RyRenderOpt
     std::array<RyVec3, 3> directions;
     for (int axis = 0; axis < 3; ++axis)
         directions[size_t(axis)] = matrices.view().multDirMatrix(RyVec3::axis(axis));
-    std::sort(order.begin(), order.end(), [&](int a, int b) { return directions[size_t(a)].z < directions[size_t(b)].z; });
+    std::sort(order.begin(), order.end(),
+              [&](int a, int b) { return directions[size_t(a)].z < directions[size_t(b)].z; });
     for (int axis : order) {
         const RyVec3 &d = directions[size_t(axis)];
         const float tipX = cx + d.x * 24 * unit;

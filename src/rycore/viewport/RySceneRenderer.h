@@ -11,8 +11,8 @@ class RyScene;
 class RyShader;
 class RyViewMatrices;
 
-/// Draws a scene into the frame buffer that is bound in the current GL context: background, ground grid, shaded objects.
-/// Keeps buffers and textures of one context; meeting another one it starts over.
+/// Draws a scene into the frame buffer that is bound in the current GL context: background, ground grid, shaded
+/// objects. Keeps buffers and textures of one context; meeting another one it starts over.
 class RySceneRenderer
 {
 public:
@@ -21,8 +21,8 @@ public:
     ~RySceneRenderer();
 
     /// Objects are looked at again only when `dataRevision` differs from the last call's. The size is in device pixels.
-    void render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options, int width, int height,
-                quint64 dataRevision);
+    void render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options, int width,
+                int height, quint64 dataRevision);
     /// Deletes all GL names; their context is current.
     void release();
     /// How often positions of some object went to the graphics memory.

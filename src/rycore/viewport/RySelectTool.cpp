@@ -9,5 +9,6 @@ int RySelectTool::getToolPriority() const
 
 QString RySelectTool::getStatusText() const
 {
-    return tr("Click a part of the figure to select its bone, Ctrl+click adds. Middle drag turns the view, the wheel zooms.");
+    return tr(
+        "Click a part of the figure to select its bone, Ctrl+click adds. Middle drag turns the view, the wheel zooms.");
 }

@@ -97,7 +97,8 @@ bool RyViewMatrices::project(const RyVec3 &world, QPointF &pixel) const
 
 RyLine3 RyViewMatrices::ray(const QPointF &pixel) const
 {
-    return unproject(m_view.data(), m_projection.data(), 2.0 * pixel.x() / m_width - 1.0, 1.0 - 2.0 * pixel.y() / m_height);
+    return unproject(m_view.data(), m_projection.data(), 2.0 * pixel.x() / m_width - 1.0,
+                     1.0 - 2.0 * pixel.y() / m_height);
 }
 
 float RyViewMatrices::pixelSize(const RyVec3 &world) const

@@ -35,7 +35,6 @@ public:
 
     bool operator==(const RyViewMatrices &o) const;
 
-
 private:
     RyMatrix4 m_view;
     RyMatrix4 m_projection;

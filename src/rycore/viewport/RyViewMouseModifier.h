@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QtGlobal>
 #include <Qt>
+#include <QtGlobal>
 
 /// The one modifier that a view tool hears of with the mouse.
 enum class RyViewMouseModifier { None = 0, Shift = 1, Alt = 2, Control = 3 };

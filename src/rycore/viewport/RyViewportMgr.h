@@ -40,8 +40,8 @@ public:
 
     /// Grows with every change of what is drawn of the scene, the camera and the selection left out.
     quint64 sceneRevision() const;
-    /// Grows with every change of what the active tool draws but the highlight under the mouse: what an active tool asks
-    /// for between beginHover and endHover is taken for that.
+    /// Grows with every change of what the active tool draws but the highlight under the mouse: what an active tool
+    /// asks for between beginHover and endHover is taken for that.
     quint64 toolRevision() const;
     void beginHover();
     void endHover();

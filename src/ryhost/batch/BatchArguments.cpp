@@ -16,12 +16,18 @@ struct VerbRow
 };
 
 constexpr VerbRow Verbs[] = {
-    {"--unit", BatchStep::Unit, Value::Required},         {"--merge", BatchStep::Merge, Value::Required},
-    {"--select", BatchStep::Select, Value::Required},     {"--property", BatchStep::Property, Value::Required},
-    {"--pose", BatchStep::Pose, Value::Required},         {"--undo", BatchStep::Undo, Value::None},
-    {"--redo", BatchStep::Redo, Value::None},             {"--save", BatchStep::Save, Value::Required},
-    {"--screenshot", BatchStep::Screenshot, Value::Required}, {"--dump", BatchStep::Dump, Value::Optional},
-    {"--report", BatchStep::Report, Value::Optional},     {"--script", BatchStep::Script, Value::Required},
+    {"--unit", BatchStep::Unit, Value::Required},
+    {"--merge", BatchStep::Merge, Value::Required},
+    {"--select", BatchStep::Select, Value::Required},
+    {"--property", BatchStep::Property, Value::Required},
+    {"--pose", BatchStep::Pose, Value::Required},
+    {"--undo", BatchStep::Undo, Value::None},
+    {"--redo", BatchStep::Redo, Value::None},
+    {"--save", BatchStep::Save, Value::Required},
+    {"--screenshot", BatchStep::Screenshot, Value::Required},
+    {"--dump", BatchStep::Dump, Value::Optional},
+    {"--report", BatchStep::Report, Value::Optional},
+    {"--script", BatchStep::Script, Value::Required},
     {"--run", BatchStep::Run, Value::Required},
 };
 
@@ -66,7 +72,9 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
     for (const BatchStep &step : qAsConst(steps))
         toStandardOutput += (step.verb == BatchStep::Dump || step.verb == BatchStep::Report) && step.value.isEmpty();
     if (toStandardOutput > 1)
-        return fail(error, QStringLiteral("only one of --dump and --report can go to standard output; name a file for the others"));
+        return fail(
+            error,
+            QStringLiteral("only one of --dump and --report can go to standard output; name a file for the others"));
     return true;
 }
 
@@ -84,7 +92,9 @@ bool BatchArguments::checkUnits(QString *error) const
     for (int i = first; i < steps.size(); ++i) {
         const auto reads = [](const BatchStep &step) { return step.verb == BatchStep::Merge; };
         if (steps.at(i).verb == BatchStep::Unit && std::none_of(steps.begin() + i, steps.end(), reads))
-            return fail(error, QStringLiteral("--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
+            return fail(error,
+                        QStringLiteral(
+                            "--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
     }
     return true;
 }
@@ -95,7 +105,8 @@ bool BatchArguments::parsePictureOption(const QString &name, const QString &valu
         return fail(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
     if (name == QLatin1String("--view")) {
         if (!QStringList{QStringLiteral("front"), QStringLiteral("side"), QStringLiteral("top"),
-                         QStringLiteral("perspective")}.contains(value)) {
+                         QStringLiteral("perspective")}
+                 .contains(value)) {
             return fail(error, QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
         }
         steps.last().view = value;
@@ -118,8 +129,9 @@ bool BatchArguments::parseDialogOption(const QString &name, const QString &value
     const bool isField = name == QLatin1String("--set");
     const int equals = isField ? value.indexOf(QLatin1Char('=')) : value.lastIndexOf(QLatin1Char('='));
     if (equals <= 0) {
-        return fail(error, QStringLiteral("%1: \"%2\" does not have the form %3").arg(name, value,
-            isField ? QStringLiteral("OBJECTNAME=VALUE") : QStringLiteral("TITLE=BUTTON")));
+        return fail(error, QStringLiteral("%1: \"%2\" does not have the form %3")
+                               .arg(name, value,
+                                    isField ? QStringLiteral("OBJECTNAME=VALUE") : QStringLiteral("TITLE=BUTTON")));
     }
     (isField ? steps.last().fields : steps.last().answers).append({value.left(equals), value.mid(equals + 1)});
     return true;
@@ -150,7 +162,8 @@ bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *e
             bool isNumber = false;
             step.number = step.value.toDouble(&isNumber);
             if (!isNumber || !std::isfinite(step.number) || step.number < 1e-6 || step.number > 1e6) {
-                return fail(error, QStringLiteral("--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
+                return fail(error, QStringLiteral(
+                                       "--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
                                        .arg(step.value));
             }
         }

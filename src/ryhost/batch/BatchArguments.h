@@ -11,12 +11,12 @@ struct BatchStep
 {
     enum Verb { Unit, Merge, Select, Property, Pose, Undo, Redo, Save, Screenshot, Dump, Report, Script, Run };
     Verb verb = Undo;
-    QString value;                           // as written; empty where the verb takes none
-    double number = 0.0;                     // Unit
+    QString value;                          // as written; empty where the verb takes none
+    double number = 0.0;                    // Unit
     QString view = QStringLiteral("front"); // Screenshot
-    QSize size{1280, 900};                   // Screenshot
-    QList<QPair<QString, QString>> fields;   // Run, Script: object name and value
-    QList<QPair<QString, QString>> answers;  // Run, Script: title and button
+    QSize size{1280, 900};                  // Screenshot
+    QList<QPair<QString, QString>> fields;  // Run, Script: object name and value
+    QList<QPair<QString, QString>> answers; // Run, Script: title and button
 };
 
 /// `--batch FILE [verb...]`: verbs run from left to right and may repeat. Everything is checked before anything runs.

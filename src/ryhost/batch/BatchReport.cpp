@@ -47,7 +47,8 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
 {
     QJsonArray figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
-        QJsonObject entry{{QStringLiteral("name"), node->getName()}, {QStringLiteral("path"), RyNodeLookup::pathOf(node)}};
+        QJsonObject entry{{QStringLiteral("name"), node->getName()},
+                          {QStringLiteral("path"), RyNodeLookup::pathOf(node)}};
         if (const auto *skeleton = qobject_cast<const RySkeleton *>(node)) {
             addMesh(entry, *node);
             QJsonArray bones;

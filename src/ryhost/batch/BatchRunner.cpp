@@ -1,6 +1,8 @@
 #include "ryhost/batch/BatchRunner.h"
 
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogVerdict.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
@@ -10,15 +12,13 @@
 #include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScript.h"
-#include "rycore/automation/RyActionRunner.h"
-#include "rycore/automation/RyDialogVerdict.h"
-#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/window/HostPlugins.h"
 #include "ryhost/batch/BatchReport.h"
+#include "ryhost/window/HostPlugins.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -216,7 +216,8 @@ ExitCode BatchRunner::select(const QString &names)
                 nodes.push_back(node);
             }
             if (nodes.empty())
-                return fail(ExitCode::WrongUse, QStringLiteral("--select: \"%1\" names no node; \"none\" selects none").arg(names));
+                return fail(ExitCode::WrongUse,
+                            QStringLiteral("--select: \"%1\" names no node; \"none\" selects none").arg(names));
         }
     }
     scene.setSelection(nodes);
@@ -245,8 +246,9 @@ ExitCode BatchRunner::undoOrRedo(bool redo)
     if (redo && !stack.canRedo())
         return fail(ExitCode::WrongUse, QStringLiteral("--redo: there is nothing to redo"));
     if (!redo && !stack.canUndo()) {
-        return fail(ExitCode::WrongUse, m_merged ? QStringLiteral("--undo: there is nothing to undo; --merge makes no step")
-                                                 : QStringLiteral("--undo: there is nothing to undo"));
+        return fail(ExitCode::WrongUse, m_merged
+                                            ? QStringLiteral("--undo: there is nothing to undo; --merge makes no step")
+                                            : QStringLiteral("--undo: there is nothing to undo"));
     }
     redo ? stack.redo() : stack.undo();
     return ExitCode::Done;
@@ -274,7 +276,8 @@ ExitCode BatchRunner::screenshot(const BatchStep &step)
     viewport.frameNodes(false);
     const QImage picture = viewport.grabPicture(step.size.width(), step.size.height());
     if (picture.isNull())
-        return fail(ExitCode::CannotWrite, QStringLiteral("%1: no picture could be drawn on this machine").arg(step.value));
+        return fail(ExitCode::CannotWrite,
+                    QStringLiteral("%1: no picture could be drawn on this machine").arg(step.value));
     QByteArray bytes;
     QBuffer buffer(&bytes);
     QImageWriter writer(&buffer, "png");
@@ -301,10 +304,12 @@ ExitCode BatchRunner::runScript(const QString &path)
     activateTool();
     RyScript script{QString()};
     if (!script.loadFromFile(path, true))
-        return fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script cannot be read: %2").arg(path, script.getError()));
+        return fail(ExitCode::ScriptFailed,
+                    QStringLiteral("%1: the script cannot be read: %2").arg(path, script.getError()));
     const RyRestoreSpan span(QStringLiteral("Run %1").arg(script.getName()));
-    return script.execute() ? ExitCode::Done
-                            : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
+    return script.execute()
+               ? ExitCode::Done
+               : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
 }
 
 /// What Qt says of windows that nobody sees does not concern who runs a batch.

@@ -9,9 +9,9 @@ struct RyDialogRecord;
 /// Exit codes of the program.
 enum class ExitCode { Done = 0, FileRefused = 1, WrongUse = 2, ActionRefused = 3, CannotWrite = 4, ScriptFailed = 5 };
 
-/// Runs a batch: opens the file, then each verb in turn; stops at the first that fails, but still writes the reports that
-/// were asked for. Nothing waits for a person: dialogs are filled and accepted, message boxes answered, by what the verb says or
-/// by their own defaults. Messages and what the boxes said go to standard error.
+/// Runs a batch: opens the file, then each verb in turn; stops at the first that fails, but still writes the reports
+/// that were asked for. Nothing waits for a person: dialogs are filled and accepted, message boxes answered, by what
+/// the verb says or by their own defaults. Messages and what the boxes said go to standard error.
 class BatchRunner
 {
 public:

@@ -31,8 +31,8 @@ constexpr int ReasonMilliseconds = 6000;
 } // namespace
 
 ActionSearch::ActionSearch(RyMainWindow *window)
-    : QLineEdit(window->menuBar()), m_window(window), m_model(new QStandardItemModel(this)), m_completer(new QCompleter(m_model, this)),
-      m_results(new QTreeView)
+    : QLineEdit(window->menuBar()), m_window(window), m_model(new QStandardItemModel(this)),
+      m_completer(new QCompleter(m_model, this)), m_results(new QTreeView)
 {
     setObjectName(QStringLiteral("ActionSearch"));
     setPlaceholderText(tr("Search actions (F3)"));
@@ -70,7 +70,8 @@ CommandList ActionSearch::commands() const
         context.addMenu(menu.actions(), tr("Right click"));
         const std::vector<CommandList::Command> known = list.commands();
         for (const CommandList::Command &command : context.commands()) {
-            const bool isKnown = std::any_of(known.begin(), known.end(), [&](const auto &each) { return each.action == command.action; });
+            const bool isKnown = std::any_of(known.begin(), known.end(),
+                                             [&](const auto &each) { return each.action == command.action; });
             if (!isKnown)
                 list.add(command.action, command.path);
         }

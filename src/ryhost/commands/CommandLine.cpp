@@ -33,9 +33,10 @@ CommandLine CommandLine::parse(const QStringList &arguments)
             line.files += arguments.mid(i + 1);
             break;
         } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {
-            return wrong(BatchArguments::isKnownVerb(argument)
-                             ? QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(argument)
-                             : QStringLiteral("there is no option %1").arg(argument));
+            return wrong(
+                BatchArguments::isKnownVerb(argument)
+                    ? QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(argument)
+                    : QStringLiteral("there is no option %1").arg(argument));
         } else {
             line.files.append(argument);
         }
@@ -56,9 +57,11 @@ QString CommandLine::helpText()
         "  --pose NODE:xrot=30             the same for a pose control\n"
         "  --run CLASS                     runs an action, such as RyJEAlignNodeAction\n"
         "  --script FILE                   runs a script (.rsx)\n"
-        "  --set OBJECTNAME=VALUE          after --run or --script: fills a field of its dialog before it is accepted;\n"
+        "  --set OBJECTNAME=VALUE          after --run or --script: fills a field of its dialog before it is "
+        "accepted;\n"
         "                                  DIALOG/OBJECTNAME for a dialog after the first\n"
-        "  --answer TITLE=BUTTON           after --run or --script: answers a message box; others get their default button\n"
+        "  --answer TITLE=BUTTON           after --run or --script: answers a message box; others get their default "
+        "button\n"
         "  --undo, --redo                  one step\n"
         "  --save OUT                      by ending .glb, .gltf or .obj; may be the input\n"
         "  --screenshot PNG [--view front|side|top|perspective] [--size 1280x900]\n"
@@ -72,7 +75,8 @@ QString CommandLine::helpText()
         "  ryhost --batch in.glb --select lForearm --run RyJEReparentBoneAction --set NodeDlgTree=chest \\\n"
         "         --answer \"Reparenting Warning=Ok\" --save out.glb\n"
         "\n"
-        "Messages go to standard error. Exit codes: 0 done, 1 a file was refused, 2 wrong use, 3 an action was refused,\n"
+        "Messages go to standard error. Exit codes: 0 done, 1 a file was refused, 2 wrong use, 3 an action was "
+        "refused,\n"
         "4 something could not be written, 5 a script could not be read or failed.\n"
         "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR.\n");
 }

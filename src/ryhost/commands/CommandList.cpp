@@ -28,8 +28,9 @@ QStringList wordsOf(const QString &text)
 /// Place of the first word that begins so, -1 for none.
 int placeOfWord(const QStringList &words, const QString &beginning)
 {
-    const auto found = std::find_if(words.begin(), words.end(),
-                                    [&](const QString &word) { return word.startsWith(beginning, Qt::CaseInsensitive); });
+    const auto found = std::find_if(words.begin(), words.end(), [&](const QString &word) {
+        return word.startsWith(beginning, Qt::CaseInsensitive);
+    });
     return found == words.end() ? -1 : int(found - words.begin());
 }
 
@@ -53,8 +54,8 @@ Match matchOf(const CommandList::Command &command, const QString &query)
     const QStringList nameWords = wordsOf(command.name);
     const QStringList otherWords = wordsOf(propertyText(action, "searchWords"));
     const QString description = propertyText(action, "description");
-    const QString everything =
-        command.name + QLatin1Char('\n') + command.path + QLatin1Char('\n') + (description.isEmpty() ? action->statusTip() : description);
+    const QString everything = command.name + QLatin1Char('\n') + command.path + QLatin1Char('\n') +
+                               (description.isEmpty() ? action->statusTip() : description);
     const QStringList words = wordsOf(query);
     if (words.isEmpty())
         match.rank = NotFound; // signs alone
@@ -63,7 +64,9 @@ Match matchOf(const CommandList::Command &command, const QString &query)
             continue;
         const int place = placeOfWord(otherWords, word);
         match.wordPlace = std::max(match.wordPlace, place);
-        const Rank found = place >= 0 ? OtherWord : everything.contains(word, Qt::CaseInsensitive) ? Anywhere : NotFound;
+        const Rank found = place >= 0                                       ? OtherWord
+                           : everything.contains(word, Qt::CaseInsensitive) ? Anywhere
+                                                                            : NotFound;
         match.rank = std::max(match.rank, found);
     }
     return match;
@@ -106,7 +109,8 @@ std::vector<CommandList::Command> CommandList::find(const QString &query) const
         if (match.rank != NotFound)
             found.emplace_back(match, command);
     }
-    std::stable_sort(found.begin(), found.end(), [](const auto &a, const auto &b) { return a.first.order() < b.first.order(); });
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto &a, const auto &b) { return a.first.order() < b.first.order(); });
     std::vector<Command> commands;
     for (auto &[match, command] : found)
         commands.push_back(std::move(command));

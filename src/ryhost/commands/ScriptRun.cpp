@@ -46,7 +46,8 @@ bool ScriptRun::eventFilter(QObject *watched, QEvent *event)
 {
     // A form or a box of the script is for the person.
     const bool isClosing = event->type() == QEvent::Close && watched == m_window;
-    if ((!isInput(event->type()) && !isClosing) || QApplication::activeModalWidget() || QApplication::activePopupWidget())
+    if ((!isInput(event->type()) && !isClosing) || QApplication::activeModalWidget() ||
+        QApplication::activePopupWidget())
         return QObject::eventFilter(watched, event);
     const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
     if (isKey && static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Escape) {
@@ -91,10 +92,12 @@ void ScriptRun::report(const QString &path, bool canGoBack)
 {
     const QString way = canGoBack ? tr("Edit > %1 takes back what it did.").arg(ryRestorePoints()->text(0)) : QString();
     if (m_isStopped) {
-        m_window->showMessage(way.isEmpty() ? tr("The script was stopped.") : tr("The script was stopped. %1").arg(way));
+        m_window->showMessage(way.isEmpty() ? tr("The script was stopped.")
+                                            : tr("The script was stopped. %1").arg(way));
         return;
     }
-    QMessageBox box(QMessageBox::Warning, tr("Script Failed"), QDir::toNativeSeparators(path), QMessageBox::Ok, m_window);
+    QMessageBox box(QMessageBox::Warning, tr("Script Failed"), QDir::toNativeSeparators(path), QMessageBox::Ok,
+                    m_window);
     box.setInformativeText(way.isEmpty() ? m_failure : m_failure + QStringLiteral("\n\n") + way);
     box.setTextFormat(Qt::PlainText);
     box.exec();

@@ -6,8 +6,8 @@
 class HostWindow;
 class RyScriptEngine;
 
-/// Runs a script of a person at the window. Undo or a restore point takes back all it does. The window stays alive while it
-/// works: Escape stops it, other keys and the mouse reach only what the script itself opens.
+/// Runs a script of a person at the window. Undo or a restore point takes back all it does. The window stays alive
+/// while it works: Escape stops it, other keys and the mouse reach only what the script itself opens.
 class ScriptRun : public QObject
 {
     Q_OBJECT

@@ -44,8 +44,8 @@ void ChainStory::play()
     if (!addBone(QStringLiteral("head2"), QStringLiteral("head"), Ends[0]))
         return;
     m_stage.picture(QStringLiteral("chain-first"));
-    if (!renameFirstBone() || !addBone(QStringLiteral("antenna2"), QStringLiteral("antenna"), Ends[1])
-        || !addBone(QStringLiteral("antenna3"), QStringLiteral("antenna2"), Ends[2]))
+    if (!renameFirstBone() || !addBone(QStringLiteral("antenna2"), QStringLiteral("antenna"), Ends[1]) ||
+        !addBone(QStringLiteral("antenna3"), QStringLiteral("antenna2"), Ends[2]))
         return;
     m_stage.picture(QStringLiteral("chain"));
     alignBones();
@@ -57,8 +57,8 @@ void ChainStory::play()
 bool ChainStory::lookAtTheHead()
 {
     Ry3DViewport *viewport = m_stage.window().viewport();
-    if (!m_stage.chooseFromMenu({QStringLiteral("View"), QStringLiteral("Side")})
-        || !m_stage.selectInTree(m_stage.node(QStringLiteral("head"))))
+    if (!m_stage.chooseFromMenu({QStringLiteral("View"), QStringLiteral("Side")}) ||
+        !m_stage.selectInTree(m_stage.node(QStringLiteral("head"))))
         return false;
     viewport->setFocus();
     m_stage.pointer().key(viewport, QStringLiteral("f"));
@@ -84,7 +84,8 @@ RyBone *ChainStory::addBone(const QString &name, const QString &parentName, cons
     const RyNode *parent = m_stage.node(parentName);
     const size_t count = m_figure->getAllBones().size();
     QPointF place;
-    if (!parent || !m_stage.check(viewport->project(end, place), QStringLiteral("the place for %1 is on screen").arg(name)))
+    if (!parent ||
+        !m_stage.check(viewport->project(end, place), QStringLiteral("the place for %1 is on screen").arg(name)))
         return nullptr;
     m_stage.pointer().moveTo(viewport, place.toPoint() - QPoint(20, 0));
     m_stage.pointer().hold(Qt::ControlModifier);
@@ -92,10 +93,11 @@ RyBone *ChainStory::addBone(const QString &name, const QString &parentName, cons
     m_stage.pointer().hold(Qt::NoModifier);
     PointerDriver::wait(100);
     RyBone *bone = m_figure->findBone(name);
-    if (!m_stage.check(bone && m_figure->getAllBones().size() == count + 1, QStringLiteral("Ctrl+click makes the bone %1").arg(name)))
+    if (!m_stage.check(bone && m_figure->getAllBones().size() == count + 1,
+                       QStringLiteral("Ctrl+click makes the bone %1").arg(name)))
         return nullptr;
-    m_stage.check(bone->getNodeParent() == parent && bone->getOrigin() == parent->getEndPoint()
-                      && (bone->getEndPoint() - end).length() < 1.0f,
+    m_stage.check(bone->getNodeParent() == parent && bone->getOrigin() == parent->getEndPoint() &&
+                      (bone->getEndPoint() - end).length() < 1.0f,
                   QStringLiteral("%1 runs from the end of %2 to the mouse").arg(name, parentName));
     // The new bone is the only child: one step down from its parent.
     m_stage.pointer().key(viewport, QStringLiteral("Down"));
@@ -115,7 +117,9 @@ bool ChainStory::renameFirstBone()
         m_stage.pointer().type(edit, text);
     };
     const bool opened = m_stage.withDialog(
-        [this] { m_stage.chooseFromMenu({JointEditor, QStringLiteral("Edit"), QStringLiteral("Rename Node...")}); },
+        [this] {
+            m_stage.chooseFromMenu({JointEditor, QStringLiteral("Edit"), QStringLiteral("Rename Node...")});
+        },
         [&](QWidget *dialog) {
             write(dialog, "name", QStringLiteral("antenna"));
             write(dialog, "label", QStringLiteral("Antenna"));
@@ -123,17 +127,17 @@ bool ChainStory::renameFirstBone()
             m_stage.pointer().key(dialog, QStringLiteral("Return"));
         });
     m_stage.window().viewport()->setFocus();
-    return opened
-           && m_stage.check(bone->getName() == QLatin1String("antenna") && bone->getLabel() == QLatin1String("Antenna"),
-                            QStringLiteral("the bone is called %1, \"%2\"").arg(bone->getName(), bone->getLabel()));
+    return opened &&
+           m_stage.check(bone->getName() == QLatin1String("antenna") && bone->getLabel() == QLatin1String("Antenna"),
+                         QStringLiteral("the bone is called %1, \"%2\"").arg(bone->getName(), bone->getLabel()));
 }
 
 void ChainStory::alignBones()
 {
     for (const char *name : {"antenna", "antenna2", "antenna3"}) {
         const RyBone *bone = m_figure->findBone(QString::fromLatin1(name));
-        if (m_stage.selectInTree(m_figure->findBone(QString::fromLatin1(name)))
-            && m_stage.chooseFromMenu({JointEditor, QStringLiteral("Align"), QStringLiteral("Align Node")}))
+        if (m_stage.selectInTree(m_figure->findBone(QString::fromLatin1(name))) &&
+            m_stage.chooseFromMenu({JointEditor, QStringLiteral("Align"), QStringLiteral("Align Node")}))
             m_stage.check(isAlong(*bone), QStringLiteral("an axis of %1 lies along the bone").arg(bone->getName()));
     }
     m_stage.picture(QStringLiteral("chain-aligned"));
@@ -144,13 +148,13 @@ void ChainStory::splitLastBone()
     RyBone *bone = m_figure->findBone(QStringLiteral("antenna3"));
     const RyVec3 start = bone->getOrigin();
     const RyVec3 end = bone->getEndPoint();
-    if (!m_stage.selectInTree(bone)
-        || !m_stage.chooseFromMenu({JointEditor, QStringLiteral("Create"), QStringLiteral("Split Bone")}))
+    if (!m_stage.selectInTree(bone) ||
+        !m_stage.chooseFromMenu({JointEditor, QStringLiteral("Create"), QStringLiteral("Split Bone")}))
         return;
     const RyBone *half = m_figure->findBone(QStringLiteral("antenna4"));
     const RyVec3 middle = (start + end) * 0.5f;
-    m_stage.check(half && half->getNodeParent() == bone && (half->getOrigin() - middle).length() < 1e-3f
-                      && (bone->getEndPoint() - middle).length() < 1e-3f && half->getEndPoint() == end,
+    m_stage.check(half && half->getNodeParent() == bone && (half->getOrigin() - middle).length() < 1e-3f &&
+                      (bone->getEndPoint() - middle).length() < 1e-3f && half->getEndPoint() == end,
                   QStringLiteral("Split Bone makes two halves that meet in the middle"));
     checkWeights();
     m_stage.picture(QStringLiteral("chain-split"));
@@ -160,12 +164,12 @@ void ChainStory::deleteAndRestore()
 {
     const QString before = dump();
     RyBone *bone = m_figure->findBone(QStringLiteral("antenna2"));
-    if (!m_stage.selectInTree(bone)
-        || !m_stage.chooseFromMenu({JointEditor, QStringLiteral("Delete"), QStringLiteral("Delete Bone")}))
+    if (!m_stage.selectInTree(bone) ||
+        !m_stage.chooseFromMenu({JointEditor, QStringLiteral("Delete"), QStringLiteral("Delete Bone")}))
         return;
     const RyBone *next = m_figure->findBone(QStringLiteral("antenna3"));
-    m_stage.check(!m_figure->findBone(QStringLiteral("antenna2")) && next
-                      && next->getNodeParent() == m_figure->findBone(QStringLiteral("antenna")),
+    m_stage.check(!m_figure->findBone(QStringLiteral("antenna2")) && next &&
+                      next->getNodeParent() == m_figure->findBone(QStringLiteral("antenna")),
                   QStringLiteral("Delete Bone leaves antenna3 at antenna"));
     checkWeights();
     m_stage.picture(QStringLiteral("chain-deleted"));
@@ -181,13 +185,16 @@ void ChainStory::saveAndReopen()
     const QString path = m_stage.filePath(QStringLiteral("antenna.glb"));
     QFile::remove(path);
     const bool asked = m_stage.withDialog(
-        [this] { m_stage.chooseFromMenu({QStringLiteral("File"), QStringLiteral("Save As")}); },
+        [this] {
+            m_stage.chooseFromMenu({QStringLiteral("File"), QStringLiteral("Save As")});
+        },
         [&](QWidget *dialog) {
             m_stage.pointer().key(dialog, QStringLiteral("ctrl+a"));
             m_stage.pointer().type(dialog, path);
             m_stage.pointer().key(dialog, QStringLiteral("Return"));
         });
-    if (!asked || !m_stage.check(QFileInfo::exists(path), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(path))))
+    if (!asked ||
+        !m_stage.check(QFileInfo::exists(path), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(path))))
         return;
     const QString before = dump();
     if (!m_stage.check(m_stage.window().files()->openPath(path, false), QStringLiteral("the saved file opens")))

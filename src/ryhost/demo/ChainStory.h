@@ -6,8 +6,8 @@ class RyBone;
 class RyFigure;
 class RyVec3;
 
-/// How an artist gives the sample figure an antenna: builds a chain of bones by Ctrl+click, names and aligns them, splits one,
-/// deletes one by mistake, takes that back, saves, and finds everything again in the saved file.
+/// How an artist gives the sample figure an antenna: builds a chain of bones by Ctrl+click, names and aligns them,
+/// splits one, deletes one by mistake, takes that back, saves, and finds everything again in the saved file.
 class ChainStory
 {
 public:

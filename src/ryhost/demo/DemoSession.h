@@ -2,8 +2,8 @@
 
 #include "ryhost/demo/DemoStage.h"
 
-/// Plays sessions by itself, each on the sample figure as it comes: a first look, and how a chain of bones is made. Leaves
-/// pictures and the saved files in a folder and says on standard output what happened.
+/// Plays sessions by itself, each on the sample figure as it comes: a first look, and how a chain of bones is made.
+/// Leaves pictures and the saved files in a folder and says on standard output what happened.
 class DemoSession
 {
 public:

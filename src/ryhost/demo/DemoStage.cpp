@@ -2,9 +2,9 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
-#include "ryhost/window/HostWindow.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
+#include "ryhost/window/HostWindow.h"
 
 #include <QAbstractProxyModel>
 #include <QApplication>
@@ -37,7 +37,8 @@ QAction *findEntry(const QList<QAction *> &actions, const QString &text)
 
 } // namespace
 
-DemoStage::DemoStage(HostWindow &window, const QString &folder) : m_window(window), m_folder(QDir(folder).absolutePath())
+DemoStage::DemoStage(HostWindow &window, const QString &folder)
+    : m_window(window), m_folder(QDir(folder).absolutePath())
 {
     QDir().mkpath(m_folder);
 }
@@ -61,7 +62,8 @@ void DemoStage::picture(const QString &name)
     const QString path = filePath(QStringLiteral("%1-%2.png").arg(++m_pictures).arg(name));
     const QRect place = m_window.frameGeometry();
     // From the screen, as a person sees it: a widget's own picture leaves the viewport out.
-    QPixmap picture = QGuiApplication::primaryScreen()->grabWindow(0, place.x(), place.y(), place.width(), place.height());
+    QPixmap picture =
+        QGuiApplication::primaryScreen()->grabWindow(0, place.x(), place.y(), place.width(), place.height());
     check(picture.save(path), QStringLiteral("picture %1").arg(QDir::toNativeSeparators(path)));
 }
 

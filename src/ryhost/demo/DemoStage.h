@@ -29,8 +29,8 @@ public:
     /// Null, and a failure, when the scene has no such node.
     RyNode *node(const QString &name);
     bool selectInTree(RyNode *node);
-    /// Clicks through the menu bar by the texts of the entries ("Joint Editor", "Align", "Align Node"), which may end early: the
-    /// first entry that begins so is taken. Takes a picture before the last click when it gets a name.
+    /// Clicks through the menu bar by the texts of the entries ("Joint Editor", "Align", "Align Node"), which may end
+    /// early: the first entry that begins so is taken. Takes a picture before the last click when it gets a name.
     bool chooseFromMenu(const QStringList &texts, const QString &pictureName = QString());
     /// Does what opens a modal dialog, and then, while the dialog is open, what is to be done with it.
     bool withDialog(const std::function<void()> &open, const std::function<void(QWidget *dialog)> &use);

@@ -21,7 +21,10 @@ const char *const HoveredNode = "lThigh";
 
 QString text(const RyVec3 &v)
 {
-    return QStringLiteral("(%1, %2, %3)").arg(double(v.x), 0, 'f', 2).arg(double(v.y), 0, 'f', 2).arg(double(v.z), 0, 'f', 2);
+    return QStringLiteral("(%1, %2, %3)")
+        .arg(double(v.x), 0, 'f', 2)
+        .arg(double(v.y), 0, 'f', 2)
+        .arg(double(v.z), 0, 'f', 2);
 }
 
 } // namespace
@@ -40,7 +43,8 @@ void FirstSession::play()
     alignNode();
     undoAndRedo(node);
     const QString saved = m_stage.filePath(QStringLiteral("edited.glb"));
-    m_stage.check(m_stage.window().files()->savePath(saved), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(saved)));
+    m_stage.check(m_stage.window().files()->savePath(saved),
+                  QStringLiteral("saved %1").arg(QDir::toNativeSeparators(saved)));
     m_stage.picture(QStringLiteral("saved"));
 }
 
@@ -53,7 +57,8 @@ void FirstSession::hoverPart()
         return;
     m_stage.pointer().moveTo(viewport, middle.toPoint() + QPoint(40, 0));
     m_stage.pointer().moveTo(viewport, middle.toPoint());
-    m_stage.check(viewport->pickNode(middle.toPoint()) == part, QStringLiteral("under the pointer is %1").arg(part->getLabel()));
+    m_stage.check(viewport->pickNode(middle.toPoint()) == part,
+                  QStringLiteral("under the pointer is %1").arg(part->getLabel()));
     m_stage.picture(QStringLiteral("pointed"));
 }
 
@@ -81,8 +86,9 @@ bool FirstSession::dragEndPoint(RyNode *node)
     PointerDriver::wait(150);
     QPointF tip;
     QPoint handle;
-    const bool visible = viewport->project(node->getWSEndPoint(), tip)
-                         && (findHandle(EndPointHandle, tip.toPoint(), handle) || findHandle(EndPointX, tip.toPoint(), handle));
+    const bool visible =
+        viewport->project(node->getWSEndPoint(), tip) &&
+        (findHandle(EndPointHandle, tip.toPoint(), handle) || findHandle(EndPointX, tip.toPoint(), handle));
     if (!m_stage.check(visible, QStringLiteral("the end point of %1 has a handle on screen").arg(node->getLabel())))
         return false;
     m_stage.pointer().moveTo(viewport, handle - QPoint(30, 60));
@@ -92,8 +98,11 @@ bool FirstSession::dragEndPoint(RyNode *node)
     const int steps = ryUndoStack()->count();
     m_stage.pointer().drag(viewport, handle, handle + QPoint(24, -58));
     const bool moved = (node->getEndPoint() - before).length() > 0.1f;
-    m_stage.check(moved, QStringLiteral("dragging it moves the end point from %1 to %2").arg(text(before), text(node->getEndPoint())));
-    m_stage.check(ryUndoStack()->count() == steps + 1, QStringLiteral("the drag is one undo step, \"%1\"").arg(ryUndoStack()->undoText()));
+    m_stage.check(
+        moved,
+        QStringLiteral("dragging it moves the end point from %1 to %2").arg(text(before), text(node->getEndPoint())));
+    m_stage.check(ryUndoStack()->count() == steps + 1,
+                  QStringLiteral("the drag is one undo step, \"%1\"").arg(ryUndoStack()->undoText()));
     m_stage.pointer().moveTo(viewport, handle + QPoint(-120, 120));
     m_stage.picture(QStringLiteral("dragged"));
     return moved;
@@ -108,7 +117,8 @@ void FirstSession::alignNode()
     }
     const int steps = ryUndoStack()->index();
     action->trigger();
-    m_stage.check(ryUndoStack()->index() == steps + 1, QStringLiteral("Align Node is one undo step, \"%1\"").arg(ryUndoStack()->undoText()));
+    m_stage.check(ryUndoStack()->index() == steps + 1,
+                  QStringLiteral("Align Node is one undo step, \"%1\"").arg(ryUndoStack()->undoText()));
     m_stage.picture(QStringLiteral("aligned"));
 }
 
@@ -119,10 +129,12 @@ void FirstSession::undoAndRedo(RyNode *node)
     for (int i = 0; i < done; ++i)
         m_stage.pointer().key(m_stage.window().viewport(), QStringLiteral("ctrl+z"));
     m_stage.check(ryUndoStack()->index() == 0 && node->getEndPoint() != after,
-          QStringLiteral("Ctrl+Z %1 times brings %2 back to %3").arg(done).arg(node->getLabel(), text(node->getEndPoint())));
+                  QStringLiteral("Ctrl+Z %1 times brings %2 back to %3")
+                      .arg(done)
+                      .arg(node->getLabel(), text(node->getEndPoint())));
     m_stage.picture(QStringLiteral("undone"));
     for (int i = 0; i < done; ++i)
         m_stage.pointer().key(m_stage.window().viewport(), QStringLiteral("ctrl+shift+z"));
     m_stage.check(ryUndoStack()->index() == done && node->getEndPoint() == after,
-          QStringLiteral("Ctrl+Shift+Z %1 times brings the edit back").arg(done));
+                  QStringLiteral("Ctrl+Shift+Z %1 times brings the edit back").arg(done));
 }

@@ -2,8 +2,8 @@
 
 #include "ryhost/demo/DemoStage.h"
 
-/// A first look at the program, on the sample figure: points at a part, selects the left forearm, drags the end of its bone,
-/// aligns it, undoes and redoes, saves.
+/// A first look at the program, on the sample figure: points at a part, selects the left forearm, drags the end of its
+/// bone, aligns it, undoes and redoes, saves.
 class FirstSession
 {
 public:

@@ -102,9 +102,11 @@ void PointerDriver::drag(QWidget *widget, const QPoint &from, const QPoint &to, 
 void PointerDriver::hold(Qt::KeyboardModifiers modifiers)
 {
     if (usesDisplayServer()) {
-        for (const auto &[modifier, name] : {std::pair(Qt::ControlModifier, "ctrl"), std::pair(Qt::ShiftModifier, "shift")}) {
+        for (const auto &[modifier, name] :
+             {std::pair(Qt::ControlModifier, "ctrl"), std::pair(Qt::ShiftModifier, "shift")}) {
             if ((modifiers ^ m_modifiers) & modifier)
-                run({modifiers & modifier ? QStringLiteral("keydown") : QStringLiteral("keyup"), QString::fromLatin1(name)});
+                run({modifiers & modifier ? QStringLiteral("keydown") : QStringLiteral("keyup"),
+                     QString::fromLatin1(name)});
         }
     }
     m_modifiers = modifiers;
@@ -141,8 +143,8 @@ void PointerDriver::key(QWidget *widget, const QString &keys)
         run({QStringLiteral("key"), keys});
     } else {
         const int code = QKeySequence(keys, QKeySequence::PortableText)[0];
-        sendKey(widget, code & ~int(Qt::KeyboardModifierMask), Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask)),
-                QString());
+        sendKey(widget, code & ~int(Qt::KeyboardModifierMask),
+                Qt::KeyboardModifiers(code & int(Qt::KeyboardModifierMask)), QString());
     }
     wait(60);
 }

@@ -88,7 +88,7 @@ void SceneModel::refreshNode(RyNode *node)
     item->setText(node->getLabel());
     item->setIcon(HostIcons::icon(iconName(node)));
     item->setToolTip(node->getLabel() == node->getName() ? node->getName()
-                                                        : tr("%1 (name: %2)").arg(node->getLabel(), node->getName()));
+                                                         : tr("%1 (name: %2)").arg(node->getLabel(), node->getName()));
     QStandardItem *above = item->parent() ? item->parent() : invisibleRootItem();
     QStandardItem *visible = above->child(item->row(), VisibleColumn);
     if (!visible)

@@ -2,8 +2,8 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
-#include "ryhost/window/HostIcons.h"
 #include "ryhost/panes/SceneModel.h"
+#include "ryhost/window/HostIcons.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
@@ -54,9 +54,8 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
             m_model->toggleHidden(m_model->nodeAt(m_proxy->mapToSource(index)));
     });
     auto *hide = new QShortcut(QKeySequence(Qt::Key_H), m_tree, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(hide, &QShortcut::activated, this, [this] {
-        m_model->toggleHidden(m_model->nodeAt(m_proxy->mapToSource(m_tree->currentIndex())));
-    });
+    connect(hide, &QShortcut::activated, this,
+            [this] { m_model->toggleHidden(m_model->nodeAt(m_proxy->mapToSource(m_tree->currentIndex()))); });
     connect(m_model, &SceneModel::aboutToRebuild, this, &ScenePane::rememberExpansion);
     connect(m_model, &SceneModel::rebuilt, this, &ScenePane::restoreExpansion);
     connect(scene, &RyScene::nodeSelectionListChanged, this, &ScenePane::showSelection);

@@ -10,8 +10,9 @@
 #include <QToolButton>
 
 ToolSettingsPane::ToolSettingsPane(QWidget *parent)
-    : QWidget(parent), m_header(new QWidget(this)), m_name(new QLabel(m_header)), m_menuButton(new QToolButton(m_header)),
-      m_menu(new RyMenu(QString(), m_menuButton)), m_scroll(new QScrollArea(this))
+    : QWidget(parent), m_header(new QWidget(this)), m_name(new QLabel(m_header)),
+      m_menuButton(new QToolButton(m_header)), m_menu(new RyMenu(QString(), m_menuButton)),
+      m_scroll(new QScrollArea(this))
 {
     setObjectName(QStringLiteral("ToolSettingsPane"));
     m_name->setObjectName(QStringLiteral("ToolSettingsName"));
@@ -77,7 +78,8 @@ void ToolSettingsPane::showSettings(RyViewTool *tool)
     if (wanted) {
         m_scroll->setWidget(wanted);
         wanted->show();
-        m_scroll->setMinimumWidth(wanted->minimumSizeHint().width() + m_scroll->verticalScrollBar()->sizeHint().width() + 2);
+        m_scroll->setMinimumWidth(wanted->minimumSizeHint().width() +
+                                  m_scroll->verticalScrollBar()->sizeHint().width() + 2);
         return;
     }
     auto *label = new QLabel(tool ? tr("This tool has no settings.") : tr("No tool is active."));

@@ -9,8 +9,8 @@ class QToolButton;
 class RyMenu;
 class RyViewTool;
 
-/// Shows the settings widget of the active tool under a line with the tool's name and menu, and gives the widget back to
-/// nobody when another tool comes.
+/// Shows the settings widget of the active tool under a line with the tool's name and menu, and gives the widget back
+/// to nobody when another tool comes.
 class ToolSettingsPane : public QWidget
 {
     Q_OBJECT

@@ -22,8 +22,9 @@ void GuideWindow::open(QWidget *parent)
 {
     const QString path = guidePath();
     if (path.isEmpty()) {
-        QMessageBox::information(parent, tr("Guide"),
-                                 tr("The guide is not installed: there is no docs/guide.md near %1.").arg(RyApp::getHomePath()));
+        QMessageBox::information(
+            parent, tr("Guide"),
+            tr("The guide is not installed: there is no docs/guide.md near %1.").arg(RyApp::getHomePath()));
         return;
     }
     auto *window = parent->findChild<GuideWindow *>();

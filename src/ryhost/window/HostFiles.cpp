@@ -5,8 +5,8 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestoreGuard.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -54,7 +54,8 @@ void HostFiles::remember(const QString &path)
     files.prepend(path);
     while (files.size() > MostRecentFiles)
         files.removeLast();
-    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringValue(QString::fromLatin1(RecentKey), files.join(QLatin1Char('\n')));
+    RyAppSettings(QString::fromLatin1(SettingsGroup))
+        .setStringValue(QString::fromLatin1(RecentKey), files.join(QLatin1Char('\n')));
     emit recentChanged();
 }
 
@@ -97,8 +98,7 @@ bool HostFiles::load(const QString &path, bool merge)
         RyMessageLog::global().info(message);
     if (!done) {
         RyMessageLog::global().warning(error);
-        QMessageBox::warning(m_window, tr("Not Opened"),
-                             tr("%1\n\nThe scene is as it was before.").arg(error));
+        QMessageBox::warning(m_window, tr("Not Opened"), tr("%1\n\nThe scene is as it was before.").arg(error));
         return false;
     }
     if (!messages.isEmpty())
@@ -161,16 +161,20 @@ bool HostFiles::confirmDiscard()
 {
     if (!ryUndoStack() || ryUndoStack()->isClean())
         return true;
-    QMessageBox box(QMessageBox::Question, tr("Unsaved Changes"),
-                    tr("Save the changes to %1 first?").arg(m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName()),
-                    QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
+    QMessageBox box(
+        QMessageBox::Question, tr("Unsaved Changes"),
+        tr("Save the changes to %1 first?").arg(m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
     box.setInformativeText(tr("Without saving they are lost."));
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
-    case QMessageBox::Save: return save();
-    case QMessageBox::Discard: return true;
-    default: return false;
+    case QMessageBox::Save:
+        return save();
+    case QMessageBox::Discard:
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -178,16 +182,16 @@ void HostFiles::openWithDialog()
 {
     if (!confirmDiscard())
         return;
-    const QString path = QFileDialog::getOpenFileName(m_window, tr("Open"), folder(),
-                                                      filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    const QString path = QFileDialog::getOpenFileName(
+        m_window, tr("Open"), folder(), filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
     if (!path.isEmpty())
         openPath(path);
 }
 
 void HostFiles::mergeWithDialog()
 {
-    const QString path = QFileDialog::getOpenFileName(m_window, tr("Merge"), folder(),
-                                                      filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    const QString path = QFileDialog::getOpenFileName(
+        m_window, tr("Merge"), folder(), filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
     if (!path.isEmpty())
         mergePath(path);
 }
@@ -201,8 +205,8 @@ bool HostFiles::save()
 bool HostFiles::saveAs()
 {
     const QString suggestion = QDir(folder()).filePath(QFileInfo(m_path).completeBaseName() + QStringLiteral(".glb"));
-    QString path = QFileDialog::getSaveFileName(m_window, tr("Save As"), suggestion,
-                                                filterOf(RySceneFile::writableEndings(), tr("Files that can be written")));
+    QString path = QFileDialog::getSaveFileName(
+        m_window, tr("Save As"), suggestion, filterOf(RySceneFile::writableEndings(), tr("Files that can be written")));
     if (path.isEmpty())
         return false;
     if (QFileInfo(path).suffix().isEmpty())

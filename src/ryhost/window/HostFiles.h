@@ -7,8 +7,8 @@
 class QWidget;
 class RyScene;
 
-/// Opens and saves the scene for the window: dialogs, recent files, the question about unsaved changes, and messages that
-/// name the file and the reason.
+/// Opens and saves the scene for the window: dialogs, recent files, the question about unsaved changes, and messages
+/// that name the file and the reason.
 class HostFiles : public QObject
 {
     Q_OBJECT

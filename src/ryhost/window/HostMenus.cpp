@@ -13,12 +13,12 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/commands/ScriptRun.h"
 #include "ryhost/window/GuideWindow.h"
 #include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostIcons.h"
 #include "ryhost/window/HostWindow.h"
 #include "ryhost/window/RestoreMenu.h"
-#include "ryhost/commands/ScriptRun.h"
 #include "ryhost/window/menuText.h"
 
 #include <QActionGroup>
@@ -127,11 +127,12 @@ void HostMenus::makeFileMenu()
     connect(add(menu, QStringLiteral("FileSave"), tr("&Save"), QStringLiteral("save"), QKeySequence::Save,
                 tr("Save to the file that was opened")),
             &QAction::triggered, files, [files] { files->save(); });
-    connect(add(menu, QStringLiteral("FileSaveAs"), tr("Save &As..."), QString(), QKeySequence(QStringLiteral("Ctrl+Shift+S")),
-                tr("Save to another file")),
+    connect(add(menu, QStringLiteral("FileSaveAs"), tr("Save &As..."), QString(),
+                QKeySequence(QStringLiteral("Ctrl+Shift+S")), tr("Save to another file")),
             &QAction::triggered, files, [files] { files->saveAs(); });
     menu->addSeparator();
-    connect(add(menu, QStringLiteral("FileQuit"), tr("&Quit"), QString(), QKeySequence(QStringLiteral("Ctrl+Q")), tr("Close the window; unsaved changes are asked about")),
+    connect(add(menu, QStringLiteral("FileQuit"), tr("&Quit"), QString(), QKeySequence(QStringLiteral("Ctrl+Q")),
+                tr("Close the window; unsaved changes are asked about")),
             &QAction::triggered, m_window, &QWidget::close);
 }
 
@@ -141,10 +142,13 @@ void HostMenus::fillRecent()
     const QStringList files = m_window->files()->recentFiles();
     for (const QString &path : files) {
         QAction *action = m_recent->addAction(menuTextOf(QFileInfo(path).fileName()));
-        setAvailable(action, QFileInfo::exists(path), tr("%1 is not there any more.").arg(QDir::toNativeSeparators(path)),
+        setAvailable(action, QFileInfo::exists(path),
+                     tr("%1 is not there any more.").arg(QDir::toNativeSeparators(path)),
                      QDir::toNativeSeparators(path));
         // Queued: opening fills this menu anew, and the action would be gone while it is triggered.
-        connect(action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, path] { m_window->files()->openPathAsking(path); },
+            Qt::QueuedConnection);
     }
     setAvailable(m_recent->menuAction(), !files.isEmpty(), tr("No file has been opened or saved yet."),
                  tr("Open one of the latest files in place of this scene"));
@@ -210,29 +214,33 @@ void HostMenus::makeViewMenu()
     menu->setObjectName(QStringLiteral("ViewMenu"));
     Ry3DViewport *viewport = m_window->viewport();
     // The text after the tab shows the viewport's own key.
-    connect(add(menu, QStringLiteral("ViewFrameSelection"), tr("&Frame Selection\tF"), QStringLiteral("frame"), QKeySequence(), tr("Bring what is selected into view")),
+    connect(add(menu, QStringLiteral("ViewFrameSelection"), tr("&Frame Selection\tF"), QStringLiteral("frame"),
+                QKeySequence(), tr("Bring what is selected into view")),
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(true); });
-    connect(add(menu, QStringLiteral("ViewFrameAll"), tr("Frame &All\tA"), QString(), QKeySequence(), tr("Bring the whole scene into view")),
+    connect(add(menu, QStringLiteral("ViewFrameAll"), tr("Frame &All\tA"), QString(), QKeySequence(),
+                tr("Bring the whole scene into view")),
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(false); });
     menu->addSeparator();
     using View = Ry3DViewport::StandardView;
     const auto addView = [&](const char *name, const QString &text, View view, const QString &tip) {
-        connect(add(menu, QString::fromLatin1(name), text, QString(), QKeySequence(), tip), &QAction::triggered, viewport,
-                [viewport, view] { viewport->setStandardView(view); });
+        connect(add(menu, QString::fromLatin1(name), text, QString(), QKeySequence(), tip), &QAction::triggered,
+                viewport, [viewport, view] { viewport->setStandardView(view); });
     };
     addView("ViewFront", tr("F&ront\tNum 1"), View::Front, tr("Look from the front"));
     addView("ViewSide", tr("&Side\tNum 3"), View::Side, tr("Look from the side"));
     addView("ViewTop", tr("&Top\tNum 7"), View::Top, tr("Look from above"));
-    addView("ViewPerspective", tr("&Perspective"), View::Perspective, tr("Look from the front and a little aside, in perspective"));
-    connect(add(menu, QStringLiteral("ViewProjection"), tr("Perspective or &Orthographic\tNum 5"), QString(), QKeySequence(),
-                tr("Switch between perspective and parallel projection")),
+    addView("ViewPerspective", tr("&Perspective"), View::Perspective,
+            tr("Look from the front and a little aside, in perspective"));
+    connect(add(menu, QStringLiteral("ViewProjection"), tr("Perspective or &Orthographic\tNum 5"), QString(),
+                QKeySequence(), tr("Switch between perspective and parallel projection")),
             &QAction::triggered, viewport, [viewport] {
                 RyCameraController controller = viewport->cameraController();
                 controller.setOrthographic(!viewport->matrices().isOrthographic());
             });
     menu->addSeparator();
-    QAction *wireframe = add(menu, QStringLiteral("ViewWireframe"), tr("&Wireframe"), QStringLiteral("wireframe"),
-                             QKeySequence(QStringLiteral("Ctrl+W")), tr("Draw the edges of all facets over the figure"));
+    QAction *wireframe =
+        add(menu, QStringLiteral("ViewWireframe"), tr("&Wireframe"), QStringLiteral("wireframe"),
+            QKeySequence(QStringLiteral("Ctrl+W")), tr("Draw the edges of all facets over the figure"));
     wireframe->setCheckable(true);
     connect(wireframe, &QAction::toggled, m_window, &HostWindow::setWireframe);
     auto *themes = new QActionGroup(this);
@@ -262,8 +270,8 @@ void HostMenus::makeHelpMenu()
     connect(add(menu, QStringLiteral("HelpGuide"), tr("&Guide"), QString(), QKeySequence::HelpContents,
                 tr("Read how the program is used")),
             &QAction::triggered, this, &HostMenus::showGuide);
-    QAction *search = add(menu, QStringLiteral("HelpSearch"), tr("&Search Actions"), QStringLiteral("search"), QKeySequence(),
-                          tr("Find any command by its name"));
+    QAction *search = add(menu, QStringLiteral("HelpSearch"), tr("&Search Actions"), QStringLiteral("search"),
+                          QKeySequence(), tr("Find any command by its name"));
     search->setShortcuts({QKeySequence(Qt::Key_F3), QKeySequence(QStringLiteral("Ctrl+Shift+P"))});
     connect(search, &QAction::triggered, m_window, [this] { m_window->actionSearch()->begin(); });
 }
@@ -307,10 +315,13 @@ void HostMenus::fillTools()
         action->setCheckable(true);
         action->setChecked(tool == viewports->getActiveTool());
         const QString className = QString::fromLatin1(tool->metaObject()->className());
-        connect(action, &QAction::triggered, this, [this, className] {
-            RyViewportMgr *manager = m_window->getViewportMgr();
-            manager->setActiveTool(manager->findTool(className));
-        }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this,
+            [this, className] {
+                RyViewportMgr *manager = m_window->getViewportMgr();
+                manager->setActiveTool(manager->findTool(className));
+            },
+            Qt::QueuedConnection);
     }
     m_tools->addSeparator();
     m_tools->addMenu(m_toolCommands);
@@ -338,7 +349,8 @@ void HostMenus::fillScripts()
     QAction *choose = m_scripts->addAction(tr("&Run Script..."));
     choose->setStatusTip(tr("Run a script file"));
     connect(choose, &QAction::triggered, this, [this] {
-        const QString path = QFileDialog::getOpenFileName(m_window, tr("Run Script"), RyApp::getHomePath(), tr("Scripts (*.rsx)"));
+        const QString path =
+            QFileDialog::getOpenFileName(m_window, tr("Run Script"), RyApp::getHomePath(), tr("Scripts (*.rsx)"));
         if (!path.isEmpty())
             ScriptRun(m_window).run(path);
     });

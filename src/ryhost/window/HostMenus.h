@@ -20,8 +20,8 @@ public:
     void refreshIcons();
 
 private:
-    QAction *add(QMenu *menu, const QString &objectName, const QString &text, const QString &icon, const QKeySequence &keys,
-                 const QString &tip);
+    QAction *add(QMenu *menu, const QString &objectName, const QString &text, const QString &icon,
+                 const QKeySequence &keys, const QString &tip);
     void makeFileMenu();
     void makeEditMenu();
     void makeViewMenu();

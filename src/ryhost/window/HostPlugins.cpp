@@ -13,7 +13,8 @@
 QString hostPluginFolder()
 {
     const QString chosen = qEnvironmentVariable("RYHOST_PLUGIN_PATH");
-    return chosen.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../plugins")) : chosen;
+    return chosen.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../plugins"))
+                            : chosen;
 }
 
 /// Commands whose script is missing do nothing, and say nothing.
@@ -22,8 +23,10 @@ static void checkScriptLibrary()
     const QString folder = RyApp::getHomePath() + QStringLiteral("/scripts/");
     for (const char *file : {"support/Velmor/OstraToolkit/ryRenameNode.rsx"}) {
         if (!QFileInfo(folder + QString::fromLatin1(file)).isReadable()) {
-            RyMessageLog::global().warning(QStringLiteral("The script library %1 has no %2 that can be read; the command that needs it does nothing.")
-                                               .arg(QDir::toNativeSeparators(folder), QString::fromLatin1(file)));
+            RyMessageLog::global().warning(
+                QStringLiteral(
+                    "The script library %1 has no %2 that can be read; the command that needs it does nothing.")
+                    .arg(QDir::toNativeSeparators(folder), QString::fromLatin1(file)));
         }
     }
 }

@@ -5,17 +5,20 @@
 
 HostStyle::HostStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
-int HostStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returned) const
+int HostStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                         QStyleHintReturn *returned) const
 {
     if (hint == SH_Menu_AllowActiveAndDisabled)
         return 1;
     return QProxyStyle::styleHint(hint, option, widget, returned);
 }
 
-void HostStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
+void HostStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                            const QWidget *widget) const
 {
     QProxyStyle::drawControl(element, option, painter, widget);
-    const bool isGreyCurrent = element == CE_MenuItem && option->state.testFlag(State_Selected) && !option->state.testFlag(State_Enabled);
+    const bool isGreyCurrent =
+        element == CE_MenuItem && option->state.testFlag(State_Selected) && !option->state.testFlag(State_Enabled);
     if (!isGreyCurrent)
         return;
     // Fusion marks the current entry only where it is enabled.

@@ -11,14 +11,14 @@
 #include "rycore/viewport/RySelectTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/panes/ParametersPane.h"
+#include "ryhost/panes/ScenePane.h"
+#include "ryhost/panes/ToolSettingsPane.h"
 #include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostIcons.h"
 #include "ryhost/window/HostMenus.h"
 #include "ryhost/window/HostPlugins.h"
 #include "ryhost/window/HostTheme.h"
-#include "ryhost/panes/ParametersPane.h"
-#include "ryhost/panes/ScenePane.h"
-#include "ryhost/panes/ToolSettingsPane.h"
 #include "ryhost/window/ToolStrip.h"
 
 #include <QCloseEvent>
@@ -38,7 +38,8 @@ const char *const JointEditorTool = "RyJointEditorTool";
 } // namespace
 
 HostWindow::HostWindow(RyScene *scene, QWidget *parent)
-    : RyMainWindow(scene, parent), m_viewport(new Ry3DViewport(getViewportMgr(), this)), m_files(new HostFiles(scene, this))
+    : RyMainWindow(scene, parent), m_viewport(new Ry3DViewport(getViewportMgr(), this)),
+      m_files(new HostFiles(scene, this))
 {
     setObjectName(QStringLiteral("HostWindow"));
     m_viewport->setObjectName(QStringLiteral("Viewport"));
@@ -98,7 +99,8 @@ void HostWindow::start()
     updateStatus();
 }
 
-QDockWidget *HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content, Qt::DockWidgetArea area)
+QDockWidget *HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content,
+                                 Qt::DockWidgetArea area)
 {
     auto *dock = new QDockWidget(title, this);
     dock->setObjectName(objectName);
@@ -160,7 +162,8 @@ void HostWindow::updateStatus()
     if (text.isEmpty() && tool) {
         const RyNode *node = getScene()->getPrimarySelection();
         text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
-                     : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, the wheel zooms, F frames it.")
+                     : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, "
+                          "the wheel zooms, F frames it.")
                            .arg(node->getLabel());
     }
     m_status->setText(text);

@@ -56,7 +56,8 @@ void RestoreMenu::fillPoints()
         action->setToolTip(tip);
         action->setStatusTip(tip);
         // Queued: going back fills this menu anew, and the action would be gone while it is triggered.
-        connect(action, &QAction::triggered, this, [this, i] { restore(i); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, i] { restore(i); }, Qt::QueuedConnection);
     }
     m_points->menuAction()->setVisible(points->count() > 1);
     m_latest->setVisible(points->count() > 0);
@@ -76,7 +77,8 @@ void RestoreMenu::fillHistory()
         action->setStatusTip(done == 0 ? tr("Undo all steps") : tr("Undo or redo up to this step"));
         action->setCheckable(true);
         action->setChecked(done == stack->index());
-        connect(action, &QAction::triggered, this, [this, done] { goTo(done); }, Qt::QueuedConnection);
+        connect(
+            action, &QAction::triggered, this, [this, done] { goTo(done); }, Qt::QueuedConnection);
     }
 }
 

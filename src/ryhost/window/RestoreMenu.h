@@ -6,8 +6,8 @@ class HostWindow;
 class QAction;
 class QMenu;
 
-/// The part of the Edit menu that goes further back than one step: "Restore to before" the last command that undo does not
-/// take back, all restore points, and the undo history. Takes care that points are taken while the window is there.
+/// The part of the Edit menu that goes further back than one step: "Restore to before" the last command that undo does
+/// not take back, all restore points, and the undo history. Takes care that points are taken while the window is there.
 class RestoreMenu : public QObject
 {
     Q_OBJECT

@@ -23,7 +23,8 @@ public:
     {
         RyNode *node = ryScene()->getPrimarySelection();
         if (!node) {
-            QMessageBox::warning(nullptr, QStringLiteral("Selection Error"), QStringLiteral("A node must be selected."));
+            QMessageBox::warning(nullptr, QStringLiteral("Selection Error"),
+                                 QStringLiteral("A node must be selected."));
             return;
         }
         QDialog dialog;
@@ -41,14 +42,16 @@ public:
         connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
         connect(buttons, &QDialogButtonBox::accepted, &dialog, [&] {
             const bool isHigh = height->value() > 50;
-            if (!isHigh || QMessageBox::question(&dialog, QStringLiteral("That High?"), QStringLiteral("Really?"),
-                                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
+            if (!isHigh ||
+                QMessageBox::question(&dialog, QStringLiteral("That High?"), QStringLiteral("Really?"),
+                                      QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
                 dialog.accept();
         });
         if (dialog.exec() != QDialog::Accepted)
             return;
         RyUndoStackHold hold;
-        node->adjustOrigin(node->getOrigin() + RyVec3(0.0f, float(height->value()) * (unit->currentIndex() ? 100.0f : 1.0f), 0.0f));
+        node->adjustOrigin(node->getOrigin() +
+                           RyVec3(0.0f, float(height->value()) * (unit->currentIndex() ? 100.0f : 1.0f), 0.0f));
         hold.accept(QStringLiteral("Raise Node"));
     }
 };
@@ -61,7 +64,8 @@ public:
     RyTestInsistAction() : RyAction(QStringLiteral("Insist"), QString()) {}
     void executeAction() override
     {
-        while (QMessageBox::question(nullptr, QStringLiteral("Yes?"), QString(), QMessageBox::Retry | QMessageBox::Abort,
+        while (QMessageBox::question(nullptr, QStringLiteral("Yes?"), QString(),
+                                     QMessageBox::Retry | QMessageBox::Abort,
                                      QMessageBox::Retry) != QMessageBox::Abort) {
         }
     }
@@ -78,12 +82,15 @@ static RyPlugin plugin(QStringLiteral("Dialogs"), QString(), QString(), 1, 0, 0,
 
 static struct Factories
 {
-    RyTClassFactory<RyTestRaiseAction> raise{&RyTestRaiseAction::staticMetaObject,
-                                             RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA1"))};
-    RyTClassFactory<RyTestInsistAction> insist{&RyTestInsistAction::staticMetaObject,
-                                               RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA2"))};
-    RyTClassFactory<RyTestDisabledAction> disabled{&RyTestDisabledAction::staticMetaObject,
-                                                   RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA3"))};
+    RyTClassFactory<RyTestRaiseAction> raise{
+        &RyTestRaiseAction::staticMetaObject,
+        RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA1"))};
+    RyTClassFactory<RyTestInsistAction> insist{
+        &RyTestInsistAction::staticMetaObject,
+        RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA2"))};
+    RyTClassFactory<RyTestDisabledAction> disabled{
+        &RyTestDisabledAction::staticMetaObject,
+        RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA3"))};
     Factories()
     {
         for (RyClassFactory *factory : std::initializer_list<RyClassFactory *>{&raise, &insist, &disabled})

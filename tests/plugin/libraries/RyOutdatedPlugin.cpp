@@ -16,5 +16,4 @@ Q_DECL_EXPORT RyPlugin *getPluginDefinition()
     static RyPlugin plugin(QLatin1String("Outdated"), QString(), QString(), 1, 0, 0, 0);
     return &plugin;
 }
-
 }

@@ -88,7 +88,9 @@ QString RyConvertPropToFigureDlg::getRootBoneName() const
 
 RyConvertPropToFigureDlg::Rigging RyConvertPropToFigureDlg::getRigging() const
 {
-    return m_parametric->isChecked() ? Rigging::Parametric : m_general->isChecked() ? Rigging::GeneralMap : Rigging::LocalMaps;
+    return m_parametric->isChecked() ? Rigging::Parametric
+           : m_general->isChecked()  ? Rigging::GeneralMap
+                                     : Rigging::LocalMaps;
 }
 
 bool RyConvertPropToFigureDlg::inheritsParentSkeleton() const

@@ -6,8 +6,8 @@ class QCheckBox;
 class QLineEdit;
 class QRadioButton;
 
-/// Asks how a prop becomes a figure: the name of its root bone, the kind of rigging, and whether the bone joins the skeleton that
-/// the prop hangs on, in which case a name need not be given.
+/// Asks how a prop becomes a figure: the name of its root bone, the kind of rigging, and whether the bone joins the
+/// skeleton that the prop hangs on, in which case a name need not be given.
 class RyConvertPropToFigureDlg : public RyBasicDialog
 {
     Q_OBJECT

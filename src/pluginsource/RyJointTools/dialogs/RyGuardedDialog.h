@@ -12,8 +12,7 @@ class RyGuardedDialog
 public:
     template<typename... Args>
     explicit RyGuardedDialog(Args &&...args) : m_dialog(new Dialog(std::forward<Args>(args)...))
-    {
-    }
+    {}
     ~RyGuardedDialog() { delete m_dialog.data(); }
     RyGuardedDialog(const RyGuardedDialog &) = delete;
     RyGuardedDialog &operator=(const RyGuardedDialog &) = delete;

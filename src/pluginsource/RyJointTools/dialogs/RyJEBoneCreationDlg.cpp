@@ -25,7 +25,8 @@
 RyJEBoneCreationDlg::RyJEBoneCreationDlg(RyJointEditorTool *tool)
     : RyBasicDialog(RyApp::getInterface()), m_tool(tool),
       m_name(makeField(QStringLiteral("JointEditorCreateBoneNameLEdit"), tr("Enter the internal name..."))),
-      m_label(makeField(QStringLiteral("JointEditorCreateBoneLabelLEdit"), tr("Enter the label displayed to users..."))),
+      m_label(
+          makeField(QStringLiteral("JointEditorCreateBoneLabelLEdit"), tr("Enter the label displayed to users..."))),
       m_order(new QComboBox(this)), m_content(new QVBoxLayout)
 {
     setObjectName(QStringLiteral("JointEditorCreateBoneDlg"));
@@ -119,7 +120,9 @@ void RyJEBoneCreationDlg::nameEditChanged()
 
 void RyJEBoneCreationDlg::updateAcceptState()
 {
-    const auto isFilled = [](const QLineEdit *field) { return !field->text().isEmpty() && field->hasAcceptableInput(); };
+    const auto isFilled = [](const QLineEdit *field) {
+        return !field->text().isEmpty() && field->hasAcceptableInput();
+    };
     enableAccept(isFilled(m_name) && isFilled(m_label));
 }
 

@@ -33,8 +33,8 @@ const char *const xPosition = QT_TRANSLATE_NOOP("RyJESelectedNodesAttributesEdit
 const char *const yPosition = QT_TRANSLATE_NOOP("RyJESelectedNodesAttributesEditDlg", "Y Position");
 const char *const zPosition = QT_TRANSLATE_NOOP("RyJESelectedNodesAttributesEditDlg", "Z Position");
 
-// The first two boxes of the orientation have the names of those of the end point; scripts that look for a name find the
-// end point's.
+// The first two boxes of the orientation have the names of those of the end point; scripts that look for a name find
+// the end point's.
 const GroupDescription groups[3] = {
     {QT_TRANSLATE_NOOP("RyJESelectedNodesAttributesEditDlg", "Center Point : "),
      "NodeAttributesEditDlgCenterGrp",

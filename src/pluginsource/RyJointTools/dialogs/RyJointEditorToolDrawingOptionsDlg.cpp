@@ -45,18 +45,20 @@ RyJointEditorToolDrawingOptionsDlg::RyJointEditorToolDrawingOptionsDlg(RyJointEd
                                "JointEditorDrawingSelectedColorWgt", shown.selectedColor);
     m_dynamicColor = addColor(tr("Dynamic Color :"), "JointEditorDrawingDynamicColorLbl",
                               "JointEditorDrawingDynamicColorWgt", shown.dynamicColor);
-    m_staticColor = addColor(tr("Static Color :"), "JointEditorDrawingStaticColorLbl", "JointEditorDrawingStaticColorWgt",
-                             shown.staticColor);
-    m_handleStyle = addStyles(tr("Handle Style :"), "JointEditorDrawingHandleStyleLbl", "JointEditorDrawingHandleStyleCmb",
-                              {tr("Wireframe"), tr("Solid")}, shown.handleDrawing);
-    m_sphereStyle = addStyles(tr("Sphere Style :"), "JointEditorDrawingSphereStyleLbl", "JointEditorDrawingSphereStyleCmb",
-                              {tr("Axis Only"), tr("Wireframe"), tr("Solid")}, shown.sphereDrawing);
+    m_staticColor = addColor(tr("Static Color :"), "JointEditorDrawingStaticColorLbl",
+                             "JointEditorDrawingStaticColorWgt", shown.staticColor);
+    m_handleStyle = addStyles(tr("Handle Style :"), "JointEditorDrawingHandleStyleLbl",
+                              "JointEditorDrawingHandleStyleCmb", {tr("Wireframe"), tr("Solid")}, shown.handleDrawing);
+    m_sphereStyle =
+        addStyles(tr("Sphere Style :"), "JointEditorDrawingSphereStyleLbl", "JointEditorDrawingSphereStyleCmb",
+                  {tr("Axis Only"), tr("Wireframe"), tr("Solid")}, shown.sphereDrawing);
     m_sphereOpacity = addSlider(tr("Sphere Opacity :"), "JointEditorDrawingSphereOpacityLbl",
                                 "JointEditorDrawingSphereOpacitySldr", toPercentage(shown.sphereOpacity, FullOpacity));
     m_sphereDensity = addSlider(tr("Sphere Line Density :"), "JointEditorSphereLineDensityLbl",
                                 "JointEditorSphereLineDensitySldr", toPercentage(shown.sphereLineDensity, FullDensity));
-    m_weightStyle = addStyles(tr("Weight Map Style :"), "JointEditorWeightMapDrawStyleLbl", "JointEditorWeightMapDrawStyleCmb",
-                              {tr("Points"), tr("Wireframe"), tr("Solid")}, shown.weightMapMode);
+    m_weightStyle =
+        addStyles(tr("Weight Map Style :"), "JointEditorWeightMapDrawStyleLbl", "JointEditorWeightMapDrawStyleCmb",
+                  {tr("Points"), tr("Wireframe"), tr("Solid")}, shown.weightMapMode);
     m_weightOpacity = addSlider(tr("Weight Map Opacity :"), "JointEditorWeightMapOpacityLbl",
                                 "JointEditorWeightMapOpacitySldr", toPercentage(shown.weightOpacity, FullOpacity));
     m_boundaryColor = addColor(tr("Boundary Color :"), "JointEditorBoundryColorLbl", "JointEditorBoundryColorWgt",
@@ -101,8 +103,8 @@ QComboBox *RyJointEditorToolDrawingOptionsDlg::addStyles(const QString &label, c
     return control;
 }
 
-RyIntSlider *RyJointEditorToolDrawingOptionsDlg::addSlider(const QString &label, const char *labelName, const char *name,
-                                                           int percentage)
+RyIntSlider *RyJointEditorToolDrawingOptionsDlg::addSlider(const QString &label, const char *labelName,
+                                                           const char *name, int percentage)
 {
     auto *control = new RyIntSlider(this);
     control->setValue(percentage);

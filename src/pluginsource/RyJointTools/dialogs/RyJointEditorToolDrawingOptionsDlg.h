@@ -9,8 +9,8 @@ class QGridLayout;
 class RyColorWgt;
 class RyIntSlider;
 
-/// Colours, styles, opacities and line density of the joint editor tool. Every change shows in the viewport at once; Cancel
-/// puts back what was there when the dialog was made.
+/// Colours, styles, opacities and line density of the joint editor tool. Every change shows in the viewport at once;
+/// Cancel puts back what was there when the dialog was made.
 class RyJointEditorToolDrawingOptionsDlg : public RyBasicDialog
 {
     Q_OBJECT
@@ -27,7 +27,8 @@ private slots:
 
 private:
     RyColorWgt *addColor(const QString &label, const char *labelName, const char *name, const QColor &color);
-    QComboBox *addStyles(const QString &label, const char *labelName, const char *name, const QStringList &styles, int style);
+    QComboBox *addStyles(const QString &label, const char *labelName, const char *name, const QStringList &styles,
+                         int style);
     RyIntSlider *addSlider(const QString &label, const char *labelName, const char *name, int percentage);
     void addRow(const QString &label, const char *labelName, const char *name, QWidget *control);
     void writeToTool(const RyJointToolDisplay &display);

@@ -36,8 +36,7 @@ void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target)
     {
         explicit Weights(const RyWeightMap *map)
             : index(map->getAffectedIndices()), end(index + map->getNumAffected()), weight(map->getAffectedWeights())
-        {
-        }
+        {}
         const int *index;
         const int *end;
         const quint16 *weight;

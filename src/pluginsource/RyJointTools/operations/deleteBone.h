@@ -8,17 +8,17 @@ class RySkinBinding;
 class RyWeightMap;
 
 /// Takes a bone out of the scene: its children go to the end of its parent's, its weights to a neighbour, its pairs of
-/// the selection map go. Children of a bone without a parent become top-level nodes. Leaves undo holds and the selection
-/// of other nodes alone. Nothing for null.
+/// the selection map go. Children of a bone without a parent become top-level nodes. Leaves undo holds and the
+/// selection of other nodes alone. Nothing for null.
 void deleteBone(RyBone *bone);
 
 /// Adds the weights of `source` to those of `target`, up to full weight, within an edit of it. Nothing unless both are
 /// there and have the same number of weights; works on the affected vertices alone.
 void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target);
-/// The skins that have a binding of the bone: that of its parent's skeleton first, then that of its own, then those of other
-/// figures in the scene. A figure may be moved by a bone of the skeleton that it hangs on.
+/// The skins that have a binding of the bone: that of its parent's skeleton first, then that of its own, then those of
+/// other figures in the scene. A figure may be moved by a bone of the skeleton that it hangs on.
 std::vector<RySkinBinding *> findSkinsThatBind(const RyBone *bone);
-/// Gives all weights that a bone, which left `parent`, has in a skin to the nearest bound bone from there upwards; when there is
-/// none up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a skeleton. Then
-/// the bone's binding goes and the skin is normalized. Nothing without a skin that binds the bone.
+/// Gives all weights that a bone, which left `parent`, has in a skin to the nearest bound bone from there upwards; when
+/// there is none up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a
+/// skeleton. Then the bone's binding goes and the skin is normalized. Nothing without a skin that binds the bone.
 void moveWeightsOfDeletedBone(RySkinBinding *skin, const RyBone *deleted, const RyNode *parent);

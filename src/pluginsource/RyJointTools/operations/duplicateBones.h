@@ -16,9 +16,9 @@ struct RyDuplicateFailure
     QString bone; // name and class, "hip (RyBone)"; empty for NoSkin
 };
 
-/// Makes a bone like each of these bones of one figure, beside it, or below the duplicate of its parent where that is among
-/// them too. Duplicates are bound like their originals, but without weights. Bones that cannot be duplicated are left out.
-/// Nothing is recorded for undo, and the selection stays.
+/// Makes a bone like each of these bones of one figure, beside it, or below the duplicate of its parent where that is
+/// among them too. Duplicates are bound like their originals, but without weights. Bones that cannot be duplicated are
+/// left out. Nothing is recorded for undo, and the selection stays.
 ///
 /// Returns what could not be done, in order.
 std::vector<RyDuplicateFailure> duplicateBones(RyFigure *figure, std::vector<RyBone *> bones, RyAssetIOMgr &assets);

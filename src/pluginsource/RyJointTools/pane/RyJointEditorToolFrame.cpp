@@ -51,7 +51,7 @@ RyJointEditorToolFrame::RyJointEditorToolFrame(QWidget *parent, RyJointEditorToo
     layout->addStretch(1);
 
     updateNode(tool->currentNode());
-    connect(tool, SIGNAL(nodeChanged(RyNode*)), this, SLOT(updateNode(RyNode*)));
+    connect(tool, SIGNAL(nodeChanged(RyNode *)), this, SLOT(updateNode(RyNode *)));
 }
 
 QSize RyJointEditorToolFrame::minimumSizeHint() const
@@ -100,14 +100,14 @@ QWidget *RyJointEditorToolFrame::makeNumbers()
     int row = 0;
     for (int triple = 0; triple < 3; ++triple) {
         auto *title = new QLabel(tr(triples[triple].title), numbers);
-        title->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName)
-                             + QLatin1String("Lbl"));
+        title->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName) +
+                             QLatin1String("Lbl"));
         grid->addWidget(title, row++, 0);
         for (int axis = 0; axis < 3; ++axis) {
             const QString axisName(QLatin1Char("XYZ"[axis]));
             auto *number = new RyFloatPropertyWgt(numbers);
-            number->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName) + axisName
-                                  + QLatin1String("Wgt"));
+            number->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName) + axisName +
+                                  QLatin1String("Wgt"));
             number->setLabelText(axisName);
             number->setSuffix(QString::fromUtf8(triples[triple].unit));
             number->setFullLengthTextEdit(true);

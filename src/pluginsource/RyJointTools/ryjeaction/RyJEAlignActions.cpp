@@ -2,8 +2,8 @@
 
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"

@@ -30,7 +30,8 @@ void RyJEConvertPropToFigureAction::executeAction()
 {
     const QPointer<RyNode> prop = ryScene()->getPrimarySelection();
     if (!prop || qobject_cast<RySkeleton *>(prop) || qobject_cast<RyBone *>(prop) || !hasGeometry(prop)) {
-        warnOfSelection(RyJEToolAction::tr("A simple object in the scene containing geometry must be selected to continue."));
+        warnOfSelection(
+            RyJEToolAction::tr("A simple object in the scene containing geometry must be selected to continue."));
         return;
     }
     // The main window that owns the dialog may go while it is open, and so may the prop.

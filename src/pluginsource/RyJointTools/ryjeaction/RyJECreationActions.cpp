@@ -6,8 +6,8 @@
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
 #include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/app/RyApp.h"
@@ -79,7 +79,8 @@ std::vector<FigureBones> selectedBonesByFigure()
         auto *figure = bone ? qobject_cast<RyFigure *>(bone->getSkeleton()) : nullptr;
         if (!figure)
             continue;
-        auto place = std::find_if(list.begin(), list.end(), [figure](const FigureBones &each) { return each.figure == figure; });
+        auto place =
+            std::find_if(list.begin(), list.end(), [figure](const FigureBones &each) { return each.figure == figure; });
         if (place == list.end())
             place = list.insert(place, {figure, {}});
         place->bones.push_back(bone);

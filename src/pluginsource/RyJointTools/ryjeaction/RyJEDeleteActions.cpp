@@ -2,8 +2,8 @@
 
 #include "pluginsource/RyJointTools/dialogs/runMessageBox.h"
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
@@ -61,8 +61,9 @@ void RyJEDeleteUnusedBonesAction::executeAction()
     }
     const auto answer = runMessageBox(
         QMessageBox::Warning, RyApp::getDialogParent(), RyJEToolAction::tr("Remove Unused Bones"),
-        RyJEToolAction::tr("This will remove any unused bones in the selected figure.\nThis is not undo-able. Do you want "
-                           "to continue?"),
+        RyJEToolAction::tr(
+            "This will remove any unused bones in the selected figure.\nThis is not undo-able. Do you want "
+            "to continue?"),
         QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes);
     // The figure may have left the scene meanwhile.
     if (answer != QMessageBox::Yes || !figure || figure->getScene() != ryScene())

@@ -65,9 +65,11 @@ public:
                     reparentBone(m_bone, m_parent);
                 return;
             }
-            const QString reason = obstacle == ReparentObstacle::Loop
-                ? RyJEToolAction::tr("A bone cannot become a child of itself or of a bone below it.")
-                : RyJEToolAction::tr("A bone cannot move to another figure: the skin of its own figure moves vertices by it.");
+            const QString reason =
+                obstacle == ReparentObstacle::Loop
+                    ? RyJEToolAction::tr("A bone cannot become a child of itself or of a bone below it.")
+                    : RyJEToolAction::tr(
+                          "A bone cannot move to another figure: the skin of its own figure moves vertices by it.");
             if (warnOfReparenting(reason, QMessageBox::Ok) != QMessageBox::Ok)
                 return;
         }
@@ -84,7 +86,8 @@ private:
     {
         if (!isThere())
             return false;
-        RyGuardedDialog<RyNodeDlg> picker(RyApp::getInterface(), m_skeleton.get(), QStringLiteral("RyNode"), true, true, false);
+        RyGuardedDialog<RyNodeDlg> picker(RyApp::getInterface(), m_skeleton.get(), QStringLiteral("RyNode"), true, true,
+                                          false);
         if (picker.exec() != QDialog::Accepted || !isThere())
             return false;
         m_parent = picker->getNode();

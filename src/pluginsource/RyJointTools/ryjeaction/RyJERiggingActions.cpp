@@ -2,13 +2,11 @@
 
 RyJEMemorizeFigureRiggingPropertiesAction::RyJEMemorizeFigureRiggingPropertiesAction()
     : RyJEToolAction(staticMetaObject)
-{
-}
+{}
 
 RyJEMemorizeNodeRiggingPropertiesAction::RyJEMemorizeNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
 
 RyJERestoreFigureRiggingPropertiesAction::RyJERestoreFigureRiggingPropertiesAction() : RyJEToolAction(staticMetaObject)
-{
-}
+{}
 
 RyJERestoreNodeRiggingPropertiesAction::RyJERestoreNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}

@@ -8,8 +8,7 @@
 
 RyJERotationOrderAction::RyJERotationOrderAction(const QMetaObject &actionClass, RyRotationOrder::Code order)
     : RyJEToolAction(actionClass), m_order(order)
-{
-}
+{}
 
 void RyJERotationOrderAction::setOrderOfPrimarySelection() const
 {

@@ -8,7 +8,10 @@ class RyJERotationOrderXYZAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderXYZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XYZ) { followSelection(); }
+    RyJERotationOrderXYZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XYZ)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }
@@ -19,7 +22,10 @@ class RyJERotationOrderXZYAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderXZYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XZY) { followSelection(); }
+    RyJERotationOrderXZYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::XZY)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }
@@ -30,7 +36,10 @@ class RyJERotationOrderYXZAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderYXZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YXZ) { followSelection(); }
+    RyJERotationOrderYXZAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YXZ)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }
@@ -41,7 +50,10 @@ class RyJERotationOrderYZXAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderYZXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YZX) { followSelection(); }
+    RyJERotationOrderYZXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::YZX)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }
@@ -52,7 +64,10 @@ class RyJERotationOrderZXYAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderZXYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZXY) { followSelection(); }
+    RyJERotationOrderZXYAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZXY)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }
@@ -63,7 +78,10 @@ class RyJERotationOrderZYXAction : public RyJERotationOrderAction
 {
     Q_OBJECT
 public:
-    RyJERotationOrderZYXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZYX) { followSelection(); }
+    RyJERotationOrderZYXAction() : RyJERotationOrderAction(staticMetaObject, RyRotationOrder::ZYX)
+    {
+        followSelection();
+    }
 
 public slots:
     void executeAction() override { setOrderOfPrimarySelection(); }

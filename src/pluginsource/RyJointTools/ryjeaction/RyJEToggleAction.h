@@ -11,9 +11,9 @@ struct RyToolFlag
     void (*set)(RyJointEditorTool *tool, bool onOff);
 };
 
-/// Check action bound to one flag of the tool. The flag is the tool's: the action takes it over when the host initialises it and
-/// whenever the tool says that its flags changed, and pushes its check mark there when it is toggled. Without a tool it
-/// changes its own check mark only. No class of its own for the meta-object system.
+/// Check action bound to one flag of the tool. The flag is the tool's: the action takes it over when the host
+/// initialises it and whenever the tool says that its flags changed, and pushes its check mark there when it is
+/// toggled. Without a tool it changes its own check mark only. No class of its own for the meta-object system.
 class RyJEToggleAction : public RyJEToolAction
 {
 public:

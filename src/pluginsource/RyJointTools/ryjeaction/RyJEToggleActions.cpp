@@ -19,9 +19,8 @@ RyJEToggleViewBoneCreationAction::RyJEToggleViewBoneCreationAction()
 }
 
 RyJEToggleAutoAlignNodeAction::RyJEToggleAutoAlignNodeAction()
-    : RyJEToggleAction(staticMetaObject,
-                       {[](RyJointEditorTool *tool) { return tool->autoAlign(); },
-                        [](RyJointEditorTool *tool, bool onOff) { tool->setAutoAlign(onOff); }})
+    : RyJEToggleAction(staticMetaObject, {[](RyJointEditorTool *tool) { return tool->autoAlign(); },
+                                          [](RyJointEditorTool *tool, bool onOff) { tool->setAutoAlign(onOff); }})
 {
     connect(this, SIGNAL(toggled(bool)), this, SLOT(toggleAction(bool)));
 }

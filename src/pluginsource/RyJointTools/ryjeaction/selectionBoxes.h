@@ -3,8 +3,8 @@
 class QString;
 class QWidget;
 
-// What must be selected for an action to run, said in a modal box titled "Selection Error" with one button. Nodes and windows
-// may be gone when it is closed.
+// What must be selected for an action to run, said in a modal box titled "Selection Error" with one button. Nodes and
+// windows may be gone when it is closed.
 
 /// With the warning sign, over whatever dialog is open, else the main window.
 void warnOfSelection(const QString &text);

@@ -18,9 +18,8 @@ void RyBoneIndex::refill(const RySkeleton *skeleton)
     m_places.reserve(m_bones.size());
     for (const RyBone *bone : m_bones)
         m_places.emplace_back(bone, int(m_places.size()));
-    std::sort(m_places.begin(), m_places.end(), [](const auto &a, const auto &b) {
-        return std::less<const RyNode *>()(a.first, b.first);
-    });
+    std::sort(m_places.begin(), m_places.end(),
+              [](const auto &a, const auto &b) { return std::less<const RyNode *>()(a.first, b.first); });
 }
 
 void RyBoneIndex::clear()

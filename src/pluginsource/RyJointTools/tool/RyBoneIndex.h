@@ -23,6 +23,6 @@ public:
 
 private:
     std::vector<RyBone *> m_bones;
-    std::vector<RyBone *> m_refilled; // kept for its memory
+    std::vector<RyBone *> m_refilled;                     // kept for its memory
     std::vector<std::pair<const RyNode *, int>> m_places; // sorted by address
 };

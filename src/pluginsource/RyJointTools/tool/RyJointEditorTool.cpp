@@ -67,8 +67,8 @@ QString RyJointEditorTool::getStatusText() const
         hints.append(RyHandleTable::statusText(*handle, m_node->getLabel()));
     } else {
         const RyNode *under = m_node && HandleId::isBone(m_hoveredId)
-            ? m_bones.boneAt(HandleId::toBoneIndex(m_hoveredId), m_node->getSkeleton())
-            : getHighlightNode();
+                                  ? m_bones.boneAt(HandleId::toBoneIndex(m_hoveredId), m_node->getSkeleton())
+                                  : getHighlightNode();
         if (under && under != m_node)
             hints.append(RyHandleTable::boneStatusText(under->getLabel(), createsBones()));
     }

@@ -221,7 +221,7 @@ private:
     int m_hoveredId = 0;
     bool m_dragging = false;
     RyDragFrame m_frame;
-    std::unique_ptr<RyHandleDrag> m_drag; // holds the undo step of the drag
+    std::unique_ptr<RyHandleDrag> m_drag;     // holds the undo step of the drag
     QPointer<Ry3DViewport> m_toolTipViewport; // the one that shows a handle's tool tip
     RyBoneIndex m_bones;
     RyBoundaryEdges m_boundaryEdges;

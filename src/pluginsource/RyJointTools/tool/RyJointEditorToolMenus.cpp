@@ -12,32 +12,44 @@ namespace {
 
 constexpr const char *separator = "";
 
-constexpr const char *createItems[] = {
-    "RyJEToggleViewBoneCreationAction", separator,
-    "RyJECreateDonorFigureAction", separator,
-    "RyJECreateBoneAction", "RyJECreateSiblingBoneAction", "RyJEDuplicateBonesAction", "RyJECreateControlBonesAction", separator,
-    "RyJESplitBoneAction"};
-constexpr const char *editItems[] = {
-    "RyJETogglePropagateTranslationAction", separator,
-    "RyJEConvertPropToFigureAction", "RyJEConvertFigureToPropAction", separator,
-    "RyJERenameNodeAction", "RyJEReparentBoneAction", separator,
-    "RyJEMirrorAction", separator,
-    "RyJEBakeRotationsAction", separator,
-    "RyJETransferWSRiggingAction", separator,
-    "RyMVCCageAdjustRigToShapeAction"};
+constexpr const char *createItems[] = {"RyJEToggleViewBoneCreationAction",
+                                       separator,
+                                       "RyJECreateDonorFigureAction",
+                                       separator,
+                                       "RyJECreateBoneAction",
+                                       "RyJECreateSiblingBoneAction",
+                                       "RyJEDuplicateBonesAction",
+                                       "RyJECreateControlBonesAction",
+                                       separator,
+                                       "RyJESplitBoneAction"};
+constexpr const char *editItems[] = {"RyJETogglePropagateTranslationAction",
+                                     separator,
+                                     "RyJEConvertPropToFigureAction",
+                                     "RyJEConvertFigureToPropAction",
+                                     separator,
+                                     "RyJERenameNodeAction",
+                                     "RyJEReparentBoneAction",
+                                     separator,
+                                     "RyJEMirrorAction",
+                                     separator,
+                                     "RyJEBakeRotationsAction",
+                                     separator,
+                                     "RyJETransferWSRiggingAction",
+                                     separator,
+                                     "RyMVCCageAdjustRigToShapeAction"};
 constexpr const char *contextEditItems[] = {separator, "RyJESelectedNodesAttributesEditAction"};
 constexpr const char *deleteItems[] = {"RyJEDeleteBoneAction", "RyJEDeleteUnusedBonesAction"};
-constexpr const char *rotationOrderItems[] = {
-    "RyJERotationOrderXYZAction", "RyJERotationOrderXZYAction", "RyJERotationOrderYXZAction",
-    "RyJERotationOrderYZXAction", "RyJERotationOrderZXYAction", "RyJERotationOrderZYXAction"};
-constexpr const char *alignItems[] = {
-    "RyJEToggleAutoAlignNodeAction", separator, "RyJEAlignNodeAction", "RyJEAlignAllBonesAction"};
-constexpr const char *snapItems[] = {
-    "RyJESnapCenterPointAction", "RyJESnapEndPointAction", separator, "RyJEToggleAutoSnapEndPointsAction"};
-constexpr const char *memorizeItems[] = {
-    "RyJEMemorizeFigureRiggingPropertiesAction", separator, "RyJEMemorizeNodeRiggingPropertiesAction"};
-constexpr const char *restoreItems[] = {
-    "RyJERestoreFigureRiggingPropertiesAction", separator, "RyJERestoreNodeRiggingPropertiesAction"};
+constexpr const char *rotationOrderItems[] = {"RyJERotationOrderXYZAction", "RyJERotationOrderXZYAction",
+                                              "RyJERotationOrderYXZAction", "RyJERotationOrderYZXAction",
+                                              "RyJERotationOrderZXYAction", "RyJERotationOrderZYXAction"};
+constexpr const char *alignItems[] = {"RyJEToggleAutoAlignNodeAction", separator, "RyJEAlignNodeAction",
+                                      "RyJEAlignAllBonesAction"};
+constexpr const char *snapItems[] = {"RyJESnapCenterPointAction", "RyJESnapEndPointAction", separator,
+                                     "RyJEToggleAutoSnapEndPointsAction"};
+constexpr const char *memorizeItems[] = {"RyJEMemorizeFigureRiggingPropertiesAction", separator,
+                                         "RyJEMemorizeNodeRiggingPropertiesAction"};
+constexpr const char *restoreItems[] = {"RyJERestoreFigureRiggingPropertiesAction", separator,
+                                        "RyJERestoreNodeRiggingPropertiesAction"};
 
 struct SubMenu
 {

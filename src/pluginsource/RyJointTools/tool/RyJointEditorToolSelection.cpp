@@ -16,7 +16,7 @@ static const QEvent::Type selectionEventType = QEvent::Type(QEvent::registerEven
 
 void RyJointEditorTool::activated()
 {
-    connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode*)), this, SLOT(postSelectionChangeEvent()),
+    connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode *)), this, SLOT(postSelectionChangeEvent()),
             Qt::UniqueConnection);
     updateSelection(ryScene()->getPrimarySelection());
     RyPickTool::activated();

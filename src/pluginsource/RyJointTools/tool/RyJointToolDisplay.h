@@ -35,8 +35,8 @@ struct RyJointToolDisplay
     QColor darkColor = QColor(64, 64, 64);
     QColor lightColor = QColor(128, 128, 128);
 
-    /// Reads the kept values; they are taken as they stand, but a line density of 0 becomes 1 and the channels of colours
-    /// are brought into 0 to 255.
+    /// Reads the kept values; they are taken as they stand, but a line density of 0 becomes 1 and the channels of
+    /// colours are brought into 0 to 255.
     void readSettings();
 };
 

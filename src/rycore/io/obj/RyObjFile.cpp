@@ -22,7 +22,7 @@ void appendNumber(QByteArray &text, double number)
     text.append(digits, int(result.ptr - digits));
 }
 
-template <std::size_t N>
+template<std::size_t N>
 void appendLine(QByteArray &text, const char *keyword, const std::array<double, N> &numbers)
 {
     text.append(keyword);

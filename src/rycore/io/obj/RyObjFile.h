@@ -48,7 +48,7 @@ public:
     std::vector<QString> materials;
     QStringList materialLibraries;
     double statedUnit = 0.0; // centimetres in one unit, as a comment such as "# units: mm" says; 0 when none does
-    QStringList warnings; // what was passed over, with line numbers
+    QStringList warnings;    // what was passed over, with line numbers
 
     /// Null with a message that names file, line and reason: an index that does not exist, a number that is none, a
     /// file that is cut off, no vertices at all.

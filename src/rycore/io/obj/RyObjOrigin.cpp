@@ -94,9 +94,8 @@ void appendMesh(RyObjFile &file, const RyNode &node, double unit)
 
 } // namespace
 
-std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
-                                                             std::vector<RyRef<RyNode>> *tops, QString *error,
-                                                             QStringList *messages)
+std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit, std::vector<RyRef<RyNode>> *tops,
+                                               QString *error, QStringList *messages)
 {
     auto document = std::make_unique<RyObjOrigin>();
     document->m_file = RyObjFile::read(path, error);
@@ -135,7 +134,9 @@ bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error
     const bool hasBones = std::any_of(nodes.begin(), nodes.end(),
                                       [](const RyNode *node) { return qobject_cast<const RyBone *>(node) != nullptr; });
     if (hasBones && messages)
-        messages->append(QStringLiteral("%1: this format has no place for bones and weights; only the meshes were written").arg(path));
+        messages->append(
+            QStringLiteral("%1: this format has no place for bones and weights; only the meshes were written")
+                .arg(path));
 
     const auto meshes = std::count_if(nodes.begin(), nodes.end(), [](const RyNode *node) { return node->getObject(); });
     const auto *shape = source && source->m_node

@@ -20,7 +20,7 @@ public:
 
     /// Null with a message when the file must be refused; otherwise `tops` gets the prop, not yet in a scene.
     static std::unique_ptr<RyObjOrigin> read(const QString &path, double unit, std::vector<RyRef<RyNode>> *tops,
-                                                    QString *error, QStringList *messages);
+                                             QString *error, QStringList *messages);
     /// Saves the rest meshes of all props and figures. A scene that came from an OBJ file keeps that file's text, with
     /// the numbers of moved vertices replaced; bones have no place in this format, which a message says.
     static bool save(const RyScene &scene, const QString &path, QString *error, QStringList *messages);

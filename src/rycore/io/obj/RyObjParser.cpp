@@ -259,9 +259,9 @@ bool RyObjParser::readFacet(std::string_view line)
 void RyObjParser::rememberUnit(std::string_view comment)
 {
     static const QHash<QByteArray, double> centimetres = {
-        {"mm", 0.1},         {"millimeter", 0.1}, {"millimetre", 0.1}, {"cm", 1.0},   {"centimeter", 1.0},
-        {"centimetre", 1.0}, {"dm", 10.0},        {"decimeter", 10.0}, {"m", 100.0},  {"decimetre", 10.0},
-        {"meter", 100.0},    {"metre", 100.0},    {"in", 2.54},        {"inch", 2.54}, {"ft", 30.48},
+        {"mm", 0.1},         {"millimeter", 0.1}, {"millimetre", 0.1}, {"cm", 1.0},      {"centimeter", 1.0},
+        {"centimetre", 1.0}, {"dm", 10.0},        {"decimeter", 10.0}, {"m", 100.0},     {"decimetre", 10.0},
+        {"meter", 100.0},    {"metre", 100.0},    {"in", 2.54},        {"inch", 2.54},   {"ft", 30.48},
         {"foot", 30.48},     {"yd", 91.44},       {"yard", 91.44},     {"inches", 2.54}, {"feet", 30.48}};
     bool isAsked = false;
     while (m_file.statedUnit == 0.0) {
@@ -310,7 +310,8 @@ bool RyObjParser::checkCorners()
             RyObjFile::Corner &corner = m_file.corners[std::size_t(facet.firstCorner + k)];
             if (corner.vertex >= int(m_file.positions.size())) {
                 return failAt(m_facetLines[i], QStringLiteral("vertex %1 does not exist (there are %2)")
-                                                   .arg(corner.vertex + 1).arg(m_file.positions.size()));
+                                                   .arg(corner.vertex + 1)
+                                                   .arg(m_file.positions.size()));
             }
             if (corner.texcoord >= int(m_file.texcoords.size())) {
                 warn(m_facetLines[i], QStringLiteral("texture coordinate %1 does not exist").arg(corner.texcoord + 1));

@@ -13,8 +13,7 @@ class RyObjParser
 public:
     RyObjParser(const QByteArray &text, RyObjFile &file)
         : m_text(text.constData(), std::size_t(text.size())), m_file(file)
-    {
-    }
+    {}
 
     /// False when the text is refused; `error` says in which line and why.
     bool parse();

@@ -127,7 +127,8 @@ bool RyNodePrototype::addNodeChild(RyNode *child, bool keepWorld)
     for (const RyNode *each : coming) {
         for (const RyNode *other : present) {
             if (each->getName() == other->getName() && std::find(coming.begin(), coming.end(), other) == coming.end()) {
-                fail(tr("The name \"%1\" is taken: it belongs to %2.").arg(each->getName(), RyNodeLookup::pathOf(other)));
+                fail(tr("The name \"%1\" is taken: it belongs to %2.")
+                         .arg(each->getName(), RyNodeLookup::pathOf(other)));
                 return false;
             }
         }

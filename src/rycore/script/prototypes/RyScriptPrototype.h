@@ -8,8 +8,8 @@
 
 struct RyVec3;
 
-/// What scripts can do with the objects of one class, beside the slots of the class itself. The functions of a prototype
-/// work on `this`. Mistakes are script errors.
+/// What scripts can do with the objects of one class, beside the slots of the class itself. The functions of a
+/// prototype work on `this`. Mistakes are script errors.
 class RyScriptPrototype : public QObject, protected QScriptable
 {
     Q_OBJECT

@@ -1,9 +1,9 @@
 #include "rycore/script/prototypes/RyUndoScripting.h"
 
 #include "rycore/script/RyScriptEngine.h"
-#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 QScriptValue RyUndoScripting::step(const QString &caption, const QScriptValue &function) const
 {

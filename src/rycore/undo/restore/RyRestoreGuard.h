@@ -4,8 +4,9 @@
 
 #include <QPointer>
 
-/// Stands around a command and leaves a restore point before it where undo would not take it back: when it changed something
-/// that no step holds, or lost steps that there were. Otherwise nothing stays. Of nested guards the outermost counts.
+/// Stands around a command and leaves a restore point before it where undo would not take it back: when it changed
+/// something that no step holds, or lost steps that there were. Otherwise nothing stays. Of nested guards the outermost
+/// counts.
 class RyRestoreGuard
 {
 public:

@@ -90,7 +90,8 @@ void RyRestorePoints::drop(Place point)
 
 void RyRestorePoints::dropTooMany()
 {
-    // While a span lasts, only what was taken within it goes: with the span undone, the points from before must still be there.
+    // While a span lasts, only what was taken within it goes: with the span undone, the points from before must still
+    // be there.
     Place from = m_points.begin();
     for (Place point = from; point != m_points.end(); ++point) {
         if (point->pending)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rycore/undo/restore/RyUndoLog.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyUndoLog.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -13,9 +13,9 @@
 
 class RyUndoKeeper;
 
-/// States of the document to go back to where no undo step leads: before a command that clears the undo history or leaves no
-/// step. While there is a point, all changes are captured, in holds and outside, under locks as well; a point costs the old
-/// values of what has changed since, once. Going back brings the undo history of that moment back too.
+/// States of the document to go back to where no undo step leads: before a command that clears the undo history or
+/// leaves no step. While there is a point, all changes are captured, in holds and outside, under locks as well; a point
+/// costs the old values of what has changed since, once. Going back brings the undo history of that moment back too.
 class RyRestorePoints : public QObject
 {
     Q_OBJECT
@@ -23,7 +23,8 @@ public:
     explicit RyRestorePoints(RyUndoStack *stack);
     ~RyRestorePoints() override;
 
-    /// How many points there may be; the oldest goes for a new one. 0, the value at first, takes none and captures nothing.
+    /// How many points there may be; the oldest goes for a new one. 0, the value at first, takes none and captures
+    /// nothing.
     void setMost(int most);
     int most() const { return m_most; }
 
@@ -38,8 +39,8 @@ public:
 
     /// Takes a point for the present state. False when none may be taken, or while a hold is open or undo runs.
     bool take(const QString &caption);
-    /// Brings the state of a point back, and takes a point for the present one, so that this can be taken back. False for an
-    /// index out of range, and while a hold is open or undo runs.
+    /// Brings the state of a point back, and takes a point for the present one, so that this can be taken back. False
+    /// for an index out of range, and while a hold is open or undo runs.
     bool restore(int index);
     /// Drops all points.
     void clear();

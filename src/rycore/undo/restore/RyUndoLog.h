@@ -6,11 +6,12 @@
 #include <list>
 #include <memory>
 
-/// What has happened since the first of its marks, as a list of steps that were done or undone: changes as they are captured,
-/// and steps of the undo stack that were swapped. The list is walked back from its end to a mark by swapping each step once;
-/// since a swap is its own inverse, that gives the exact state of the mark, whatever lies between.
+/// What has happened since the first of its marks, as a list of steps that were done or undone: changes as they are
+/// captured, and steps of the undo stack that were swapped. The list is walked back from its end to a mark by swapping
+/// each step once; since a swap is its own inverse, that gives the exact state of the mark, whatever lies between.
 ///
-/// Without marks nothing is kept. Dropping a mark or an entry deletes items: the caller sees to it that this is no edit.
+/// Without marks nothing is kept. Dropping a mark or an entry deletes items: the caller sees to it that this is no
+/// edit.
 class RyUndoLog
 {
     struct Entry
@@ -34,8 +35,8 @@ public:
     /// A step is about to be redone (`done`) or undone.
     void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done);
 
-    /// Has everything from `from` back to `mark` swapped, and logs that behind the end. `swap` is given each step and whether
-    /// it is to be done or undone.
+    /// Has everything from `from` back to `mark` swapped, and logs that behind the end. `swap` is given each step and
+    /// whether it is to be done or undone.
     void swapBack(Mark from, Mark mark, const std::function<void(RyUndoStep &step, bool done)> &swap);
 
 private:

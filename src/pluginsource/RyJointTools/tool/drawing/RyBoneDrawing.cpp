@@ -52,8 +52,8 @@ void RyBoneDrawing::drawBone(const RyBone &bone) const
     const RyVec3 origin = bone.getOrigin();
     const RyVec3 endPoint = bone.getEndPoint();
     const int first = bone.getRotationOrder()[0];
-    // Which way along its first axis a bone goes is asked in its own axes: joints of files turn them anywhere. For a bone
-    // that is aligned or not turned this is the order of the two coordinates.
+    // Which way along its first axis a bone goes is asked in its own axes: joints of files turn them anywhere. For a
+    // bone that is aligned or not turned this is the order of the two coordinates.
     const RyVec3 along = bone.getOrientation().inverse().multVec(endPoint - origin);
     const float sign = along[first] < 0.0f ? -1.0f : 1.0f;
 

@@ -23,8 +23,7 @@ class RyBoundaryDrawing
 public:
     RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &wholeMesh)
         : m_context(context), m_wholeMesh(wholeMesh)
-    {
-    }
+    {}
 
     /// Nothing in the pick pass and for a node without a mesh.
     void draw(const RyNode &node) const;

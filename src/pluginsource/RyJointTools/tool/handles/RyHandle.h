@@ -13,7 +13,7 @@ struct RyHandle
     int id;
     Kind kind;
     Target target;
-    int axis; // 0 X, 1 Y, 2 Z, -1 where none
+    int axis;            // 0 X, 1 Y, 2 Z, -1 where none
     const char *name;    // for the status line, source text of the context RyHandleTable
     const char *toolTip; // source text of the context RyHandleTable
 };

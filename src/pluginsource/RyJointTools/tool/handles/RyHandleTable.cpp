@@ -156,8 +156,8 @@ static QString actionText(const RyHandle &handle)
     const bool isJointPoint = handle.target == RyHandle::Origin || handle.target == RyHandle::EndPoint;
     switch (handle.kind) {
     case RyHandle::Point:
-        return translated(QT_TRANSLATE_NOOP("RyHandleTable",
-                                            "drag to move in the view plane, Ctrl keeps the bone's length"));
+        return translated(
+            QT_TRANSLATE_NOOP("RyHandleTable", "drag to move in the view plane, Ctrl keeps the bone's length"));
     case RyHandle::AxisArrow:
         return isJointPoint ? translated(QT_TRANSLATE_NOOP("RyHandleTable",
                                                            "drag to move along %1, Ctrl keeps the bone's length"))
@@ -214,7 +214,7 @@ QString RyHandleTable::statusText(const RyHandle &handle, const QString &nodeLab
 QString RyHandleTable::boneStatusText(const QString &boneLabel, bool ctrlCreates)
 {
     const char *text = ctrlCreates
-        ? QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select")
-        : QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection");
+                           ? QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select")
+                           : QT_TRANSLATE_NOOP("RyHandleTable", "%1: click to select, Ctrl adds to the selection");
     return translated(text).arg(boneLabel);
 }

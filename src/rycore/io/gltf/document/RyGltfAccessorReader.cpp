@@ -8,7 +8,7 @@
 
 namespace {
 
-template <typename Out, typename In>
+template<typename Out, typename In>
 Out converted(In value, bool normalized)
 {
     if constexpr (std::is_same_v<Out, float>) {
@@ -47,7 +47,7 @@ int RyGltfAccessorReader::componentSize(int componentType)
     }
 }
 
-template <typename Out, typename In>
+template<typename Out, typename In>
 void RyGltfAccessorReader::readElements(const unsigned char *from, std::uint64_t stride, std::uint64_t count,
                                         Out *out) const
 {
@@ -74,7 +74,7 @@ void RyGltfAccessorReader::readElements(const unsigned char *from, std::uint64_t
     }
 }
 
-template <typename Out>
+template<typename Out>
 void RyGltfAccessorReader::readAs(const unsigned char *from, std::uint64_t stride, std::uint64_t count, Out *out) const
 {
     switch (m_accessor.componentType) {
@@ -93,7 +93,7 @@ void RyGltfAccessorReader::readAs(const unsigned char *from, std::uint64_t strid
     }
 }
 
-template <typename Out>
+template<typename Out>
 void RyGltfAccessorReader::applySparse(std::vector<Out> &values) const
 {
     const RyGltfSparse &sparse = m_layout.sparse;
@@ -118,7 +118,7 @@ void RyGltfAccessorReader::applySparse(std::vector<Out> &values) const
     }
 }
 
-template <typename Out>
+template<typename Out>
 std::vector<Out> RyGltfAccessorReader::read() const
 {
     std::vector<Out> values(std::size_t(m_accessor.count) * std::size_t(m_accessor.componentCount));
@@ -145,8 +145,8 @@ std::vector<std::uint32_t> RyGltfAccessorReader::readUints() const
 
 std::span<const unsigned char> RyGltfAccessorReader::packedBytes() const
 {
-    if (m_accessor.bufferView < 0 || m_accessor.sparse || m_accessor.count == 0 || m_layout.isPadded()
-        || m_layout.stride != std::uint64_t(m_layout.elementSize))
+    if (m_accessor.bufferView < 0 || m_accessor.sparse || m_accessor.count == 0 || m_layout.isPadded() ||
+        m_layout.stride != std::uint64_t(m_layout.elementSize))
         return {};
     return {m_storage.viewBytes(m_accessor.bufferView) + m_accessor.byteOffset,
             std::size_t(m_accessor.count) * std::size_t(m_layout.elementSize)};

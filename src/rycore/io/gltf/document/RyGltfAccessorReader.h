@@ -12,8 +12,7 @@ class RyGltfAccessorReader
 public:
     RyGltfAccessorReader(const RyGltfAccessor &accessor, const RyGltfLayout &layout, const RyGltfStorage &storage)
         : m_accessor(accessor), m_layout(layout), m_storage(storage)
-    {
-    }
+    {}
 
     std::vector<float> readFloats() const;
     std::vector<std::uint32_t> readUints() const;
@@ -24,13 +23,13 @@ public:
     static int componentSize(int componentType); // 0 for an unknown one
 
 private:
-    template <typename Out>
+    template<typename Out>
     std::vector<Out> read() const;
-    template <typename Out, typename In>
+    template<typename Out, typename In>
     void readElements(const unsigned char *from, std::uint64_t stride, std::uint64_t count, Out *out) const;
-    template <typename Out>
+    template<typename Out>
     void readAs(const unsigned char *from, std::uint64_t stride, std::uint64_t count, Out *out) const;
-    template <typename Out>
+    template<typename Out>
     void applySparse(std::vector<Out> &values) const;
 
     const RyGltfAccessor &m_accessor;

@@ -87,7 +87,10 @@ void RyGltfBufferReader::readViews()
         const std::uint64_t size = std::uint64_t(m_storage.buffers[std::size_t(view.buffer)].bytes.size());
         if (view.offset > size || view.length > size - view.offset) {
             cursor.refuse(QStringLiteral("bytes %1 to %2 lie outside of buffer %3 of %4 bytes")
-                              .arg(view.offset).arg(view.offset + view.length).arg(view.buffer).arg(size));
+                              .arg(view.offset)
+                              .arg(view.offset + view.length)
+                              .arg(view.buffer)
+                              .arg(size));
         }
         m_storage.views.push_back(view);
     }
@@ -100,11 +103,15 @@ void RyGltfBufferReader::checkRange(const RyGltfCursor &cursor, int viewIndex, s
         return;
     // Everything here is at most 2^53 but the product; it is compared by division.
     const RyGltfBufferView &view = m_storage.views[std::size_t(viewIndex)];
-    const bool fits = offset <= view.length && elementSize <= view.length - offset
-                      && count - 1 <= (view.length - offset - elementSize) / stride;
+    const bool fits = offset <= view.length && elementSize <= view.length - offset &&
+                      count - 1 <= (view.length - offset - elementSize) / stride;
     if (!fits) {
         cursor.refuse(QStringLiteral("%1 elements of %2 bytes from byte %3 on do not fit in buffer view %4 of %5 bytes")
-                          .arg(count).arg(elementSize).arg(offset).arg(viewIndex).arg(view.length));
+                          .arg(count)
+                          .arg(elementSize)
+                          .arg(offset)
+                          .arg(viewIndex)
+                          .arg(view.length));
     }
 }
 

@@ -11,8 +11,7 @@ class RyGltfBufferReader
 public:
     RyGltfBufferReader(const RyGltfCursor &root, RyGltfStorage &storage, RyGltfWarnings &warnings)
         : m_root(root), m_storage(storage), m_warnings(warnings)
-    {
-    }
+    {}
 
     /// Loads the buffers: the container's chunk (null when there is none, `owner` holds its bytes), data URIs, and
     /// files in `folder`.

@@ -24,9 +24,7 @@ QString shown(const Json &value)
 
 } // namespace
 
-RyGltfCursor::RyGltfCursor(const Json &root) : m_value(&root)
-{
-}
+RyGltfCursor::RyGltfCursor(const Json &root) : m_value(&root) {}
 
 QString RyGltfCursor::path() const
 {
@@ -161,8 +159,8 @@ int RyGltfCursor::asIndex(int limit, const char *kind) const
     if (!asCount(result))
         refuse(QStringLiteral("%1 is not the index of a %2").arg(shown(*m_value), QString::fromUtf8(kind)));
     if (result >= std::uint64_t(limit)) {
-        refuse(QStringLiteral("%1 %2 does not exist (there are %3)")
-                   .arg(QString::fromUtf8(kind)).arg(result).arg(limit));
+        refuse(
+            QStringLiteral("%1 %2 does not exist (there are %3)").arg(QString::fromUtf8(kind)).arg(result).arg(limit));
     }
     return int(result);
 }

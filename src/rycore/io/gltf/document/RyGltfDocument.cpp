@@ -4,12 +4,12 @@
 #include "rycore/io/gltf/document/RyGltfAccessorReader.h"
 #include "rycore/io/gltf/document/RyGltfBufferReader.h"
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
-#include "rycore/io/gltf/file/RyGltfError.h"
-#include "rycore/io/gltf/file/RyGltfJson.h"
 #include "rycore/io/gltf/document/RyGltfMeshReader.h"
 #include "rycore/io/gltf/document/RyGltfNodeReader.h"
-#include "rycore/io/gltf/file/RyGltfUri.h"
 #include "rycore/io/gltf/document/RyGltfWriter.h"
+#include "rycore/io/gltf/file/RyGltfError.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
+#include "rycore/io/gltf/file/RyGltfUri.h"
 
 #include <QFileInfo>
 
@@ -68,9 +68,7 @@ void checkAsset(const RyGltfCursor &root)
 
 } // namespace
 
-RyGltfDocument::RyGltfDocument() : d(std::make_unique<Private>())
-{
-}
+RyGltfDocument::RyGltfDocument() : d(std::make_unique<Private>()) {}
 
 RyGltfDocument::~RyGltfDocument() = default;
 
@@ -259,9 +257,8 @@ QByteArray RyGltfDocument::toBytes(const QString &ending, QString *error) const
 bool RyGltfDocument::write(const QString &path, QString *error) const
 {
     const QFileInfo target(path);
-    const bool elsewhere =
-        d->path.isEmpty()
-        || QFileInfo(target.absolutePath()).canonicalFilePath() != QFileInfo(d->folder()).canonicalFilePath();
+    const bool elsewhere = d->path.isEmpty() || QFileInfo(target.absolutePath()).canonicalFilePath() !=
+                                                    QFileInfo(d->folder()).canonicalFilePath();
     QString reason;
     const QByteArray bytes = RyGltfWriter(*this).toBytes(target.suffix(), elsewhere, &reason);
     if (bytes.isEmpty()) {

@@ -7,14 +7,14 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-template <std::size_t N>
+template<std::size_t N>
 bool isFinite(const std::array<double, N> &numbers)
 {
     return std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); });
 }
 
 /// Brings one part of a transform into the node; what has not changed keeps the way it is written.
-template <std::size_t N>
+template<std::size_t N>
 void setPart(Json &node, const char *key, const std::array<double, N> &before, const std::array<double, N> &now,
              const std::array<double, N> &identity)
 {
@@ -98,8 +98,8 @@ void followAttribute(const Json &attributes, const std::string &name, RyGltfPrim
 void RyGltfDocument::setNodeTransform(int node, const RyGltfTransform &transform)
 {
     static const RyGltfTransform identity;
-    if (!isFinite(transform.matrix) || !isFinite(transform.translation) || !isFinite(transform.rotation)
-        || !isFinite(transform.scale))
+    if (!isFinite(transform.matrix) || !isFinite(transform.translation) || !isFinite(transform.rotation) ||
+        !isFinite(transform.scale))
         return;
     RyGltfTransform &before = d->model.nodes.at(std::size_t(node)).transform;
     Json &entry = d->list("nodes")[std::size_t(node)];

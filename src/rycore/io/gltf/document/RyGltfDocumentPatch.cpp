@@ -49,8 +49,8 @@ int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, i
     };
     if (size + 4 > std::uint64_t(largestBuffer))
         return -1;
-    if (storage.buffers.empty() || storage.buffers.back().source == RyGltfBuffer::External
-        || !hasRoom(storage.buffers.back())) {
+    if (storage.buffers.empty() || storage.buffers.back().source == RyGltfBuffer::External ||
+        !hasRoom(storage.buffers.back())) {
         storage.buffers.emplace_back();
         bufferList.push_back(Json::object());
     }
@@ -151,9 +151,9 @@ int RyGltfDocument::addUintAccessor(std::span<const std::uint32_t> values, int c
 {
     const std::uint32_t largest = componentType == 5121 ? 0xff : componentType == 5123 ? 0xffff : 0xffffffff;
     const bool known = componentType == 5121 || componentType == 5123 || componentType == 5125;
-    if (!known || componentCount < 1 || componentCount > 4 || values.empty()
-        || values.size() % std::size_t(componentCount) != 0
-        || std::any_of(values.begin(), values.end(), [largest](std::uint32_t value) { return value > largest; }))
+    if (!known || componentCount < 1 || componentCount > 4 || values.empty() ||
+        values.size() % std::size_t(componentCount) != 0 ||
+        std::any_of(values.begin(), values.end(), [largest](std::uint32_t value) { return value > largest; }))
         return -1;
     const int size = RyGltfAccessorReader::componentSize(componentType);
     const int elementSize = size * componentCount;
@@ -162,8 +162,8 @@ int RyGltfDocument::addUintAccessor(std::span<const std::uint32_t> values, int c
     const std::size_t count = values.size() / std::size_t(componentCount);
     std::vector<char> bytes(count * std::size_t(stride), 0);
     for (std::size_t i = 0; i < values.size(); ++i) {
-        char *to = bytes.data() + (i / std::size_t(componentCount)) * std::size_t(stride)
-                   + (i % std::size_t(componentCount)) * std::size_t(size);
+        char *to = bytes.data() + (i / std::size_t(componentCount)) * std::size_t(stride) +
+                   (i % std::size_t(componentCount)) * std::size_t(size);
         for (int byte = 0; byte < size; ++byte)
             to[byte] = char(values[i] >> (8 * byte));
     }
@@ -177,11 +177,11 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
     const RyGltfAccessor a = d->model.accessors.at(index);
     const RyGltfLayout layout = d->storage.layouts.at(index);
     const std::size_t components = std::size_t(a.componentCount);
-    const bool own = a.componentType == 5126 && !a.sparse && a.bufferView >= 0 && values.size() == a.count * components
-                     && !layout.isPadded();
+    const bool own = a.componentType == 5126 && !a.sparse && a.bufferView >= 0 &&
+                     values.size() == a.count * components && !layout.isPadded();
     const int bufferIndex = own ? d->storage.views[std::size_t(a.bufferView)].buffer : -1;
-    if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External
-        || d->sharesBytes(accessor)) {
+    if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External ||
+        d->sharesBytes(accessor)) {
         int target = 0;
         if (a.bufferView >= 0)
             target = d->list("bufferViews")[std::size_t(a.bufferView)].value("target", 0);
@@ -209,11 +209,11 @@ int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> va
         if (accessor < 0)
             return false;
         const RyGltfAccessor &a = d->model.accessors.at(std::size_t(accessor));
-        return a.componentType == 5123 && a.componentCount == 4 && a.normalized == normalized && !a.sparse
-               && a.bufferView >= 0 && values.size() == a.count * 4
-               && d->storage.buffers[std::size_t(d->storage.views[std::size_t(a.bufferView)].buffer)].source
-                      != RyGltfBuffer::External
-               && !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor);
+        return a.componentType == 5123 && a.componentCount == 4 && a.normalized == normalized && !a.sparse &&
+               a.bufferView >= 0 && values.size() == a.count * 4 &&
+               d->storage.buffers[std::size_t(d->storage.views[std::size_t(a.bufferView)].buffer)].source !=
+                   RyGltfBuffer::External &&
+               !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor);
     };
     if (!isOwn())
         return addUintAccessor(values, 4, 5123, 34962, normalized);

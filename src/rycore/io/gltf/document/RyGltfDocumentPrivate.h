@@ -1,7 +1,7 @@
 #pragma once
 
-#include "rycore/io/gltf/file/RyGlbContainer.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/file/RyGlbContainer.h"
 #include "rycore/io/gltf/file/RyGltfStorage.h"
 
 #include <nlohmann/json.hpp>
@@ -21,10 +21,10 @@ struct RyGltfDocument::Private
     RyGltfModel model;
     RyGltfStorage storage;
 
-    QString path;              // of the file that was read
+    QString path; // of the file that was read
     Form form = NoForm;
-    QByteArray file;           // its bytes
-    QByteArray jsonText;       // the part of them the tree came from
+    QByteArray file;     // its bytes
+    QByteArray jsonText; // the part of them the tree came from
     std::vector<RyGlbContainer::Chunk> otherChunks;
 
     /// How often each accessor is used by anything; counted when asked for.

@@ -9,7 +9,7 @@
 
 namespace {
 
-template <typename T>
+template<typename T>
 std::uint32_t largest(const unsigned char *bytes, std::uint64_t stride, std::uint64_t count)
 {
     std::uint32_t result = 0;
@@ -47,9 +47,9 @@ void RyGltfMeshReader::readMaterials(RyGltfModel &model) const
             if (textureIndex.peekIndex(textures.size(), texture)) {
                 const RyGltfCursor entry = textures.element(texture);
                 const RyGltfCursor extensions = entry.member("extensions");
-                if (entry.member("source").peekIndex(images.size(), image)
-                    || extensions.member("EXT_texture_webp").member("source").peekIndex(images.size(), image)
-                    || extensions.member("KHR_texture_basisu").member("source").peekIndex(images.size(), image))
+                if (entry.member("source").peekIndex(images.size(), image) ||
+                    extensions.member("EXT_texture_webp").member("source").peekIndex(images.size(), image) ||
+                    extensions.member("KHR_texture_basisu").member("source").peekIndex(images.size(), image))
                     material.baseColorTexture = image;
             }
             if (image < 0)
@@ -72,8 +72,8 @@ int RyGltfMeshReader::readOptional(const RyGltfCursor &attributes, const char *n
         return -1;
     const RyGltfAccessor &accessor = model.accessors[std::size_t(index)];
     if (accessor.componentCount < least || accessor.componentCount > most || accessor.count != count) {
-        m_warnings.add(attributes.member(name).path()
-                       + QStringLiteral(": accessor %1 does not fit the vertices and is not used").arg(index));
+        m_warnings.add(attributes.member(name).path() +
+                       QStringLiteral(": accessor %1 does not fit the vertices and is not used").arg(index));
         return -1;
     }
     return index;
@@ -91,8 +91,8 @@ void RyGltfMeshReader::readInfluences(const RyGltfCursor &attributes, const RyGl
             return;
         if (joints < 0 || weights < 0) {
             m_warnings.add(attributes.path() + QStringLiteral(": %1 stands without %2 and is not used")
-                               .arg(QString::fromStdString(joints < 0 ? weightsName : jointsName),
-                                    QString::fromStdString(joints < 0 ? jointsName : weightsName)));
+                                                   .arg(QString::fromStdString(joints < 0 ? weightsName : jointsName),
+                                                        QString::fromStdString(joints < 0 ? jointsName : weightsName)));
             return;
         }
         const RyGltfAccessor &j = model.accessors[std::size_t(joints)];
@@ -105,8 +105,8 @@ void RyGltfMeshReader::readInfluences(const RyGltfCursor &attributes, const RyGl
             attributes.refuse(
                 QStringLiteral("%1 is not made of four weights").arg(QString::fromStdString(weightsName)));
         if (j.count != count || w.count != count) {
-            attributes.refuse(QStringLiteral("%1 joints and %2 weights for %3 vertices")
-                                  .arg(j.count).arg(w.count).arg(count));
+            attributes.refuse(
+                QStringLiteral("%1 joints and %2 weights for %3 vertices").arg(j.count).arg(w.count).arg(count));
         }
         primitive.joints.push_back(joints);
         primitive.weights.push_back(weights);
@@ -122,8 +122,8 @@ void RyGltfMeshReader::checkIndices(const RyGltfCursor &cursor, const RyGltfMode
     if (accessor.componentCount != 1 || accessor.componentType == 5126)
         where.refuse(QStringLiteral("accessor %1 does not hold indices").arg(primitive.indices));
     std::uint32_t most = 0;
-    if (accessor.sparse || accessor.bufferView < 0 || accessor.componentType == 5120
-        || accessor.componentType == 5122) {
+    if (accessor.sparse || accessor.bufferView < 0 || accessor.componentType == 5120 ||
+        accessor.componentType == 5122) {
         for (const std::uint32_t index : RyGltfAccessorReader(accessor, layout, m_storage).readUints())
             most = std::max(most, index);
     } else {
@@ -192,8 +192,7 @@ void RyGltfMeshReader::readMeshes(RyGltfModel &model) const
                 const RyGltfAccessor &accessor = model.accessors[std::size_t(positions)];
                 total += accessor.count * (1 + primitive.morphPositions.size());
                 const RyGltfLayout &layout = m_storage.layouts[std::size_t(positions)];
-                if (!checked[std::size_t(positions)]
-                    && !RyGltfAccessorReader(accessor, layout, m_storage).isFinite()) {
+                if (!checked[std::size_t(positions)] && !RyGltfAccessorReader(accessor, layout, m_storage).isFinite()) {
                     m_warnings.add(QStringLiteral("accessors[%1]: positions that are not finite numbers read as 0")
                                        .arg(positions));
                 }

@@ -15,8 +15,7 @@ public:
 
     RyGltfMeshReader(const RyGltfCursor &root, const RyGltfStorage &storage, RyGltfWarnings &warnings)
         : m_root(root), m_storage(storage), m_warnings(warnings)
-    {
-    }
+    {}
 
     void readMaterials(RyGltfModel &model) const;
     /// Accessors and materials must have been read.

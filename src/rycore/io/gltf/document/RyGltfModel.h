@@ -12,13 +12,15 @@
 #include <vector>
 
 /// The parts of a glTF 2.0 file that become a scene, in file units and as the file has them; -1 stands for "none".
-/// Every index in it has been checked: it is -1 or valid, the node graph is a forest, accessors lie inside their buffers.
+/// Every index in it has been checked: it is -1 or valid, the node graph is a forest, accessors lie inside their
+/// buffers.
 
 /// A node's local transform. As the file gives it: either a matrix or translation, rotation and scale.
 struct RyGltfTransform
 {
     bool hasMatrix = false;
-    std::array<double, 16> matrix{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}; // as stored: for row vectors row-major
+    std::array<double, 16> matrix{1, 0, 0, 0, 0, 1, 0, 0,
+                                  0, 0, 1, 0, 0, 0, 0, 1}; // as stored: for row vectors row-major
     std::array<double, 3> translation{0, 0, 0};
     std::array<double, 4> rotation{0, 0, 0, 1}; // x, y, z, w of the file: a right-handed turn
     std::array<double, 3> scale{1, 1, 1};
@@ -48,8 +50,8 @@ struct RyGltfPrimitive
     int normals = -1;
     int texcoords = -1;
     int colors = -1;
-    std::vector<int> joints;  // JOINTS_0, JOINTS_1, ... accessors
-    std::vector<int> weights; // in step
+    std::vector<int> joints;         // JOINTS_0, JOINTS_1, ... accessors
+    std::vector<int> weights;        // in step
     std::vector<int> morphPositions; // POSITION accessor of each target, -1 for none
 };
 
@@ -79,7 +81,7 @@ struct RyGltfAccessor
 {
     int bufferView = -1;
     std::uint64_t byteOffset = 0;
-    int componentType = 0; // 5120..5126
+    int componentType = 0;  // 5120..5126
     int componentCount = 1; // 1, 2, 3, 4, 9, 16
     std::uint64_t count = 0;
     bool normalized = false;
@@ -93,7 +95,7 @@ struct RyGltfModel
     std::vector<RyGltfSkin> skins;
     std::vector<RyGltfMaterial> materials;
     std::vector<RyGltfAccessor> accessors;
-    std::vector<int> sceneRoots;        // of the default scene; all parentless nodes where there is none
+    std::vector<int> sceneRoots; // of the default scene; all parentless nodes where there is none
     std::vector<QString> animationNames;
     std::vector<std::vector<int>> animatedNodes; // per animation, the nodes its channels drive
 };

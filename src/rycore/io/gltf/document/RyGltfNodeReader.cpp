@@ -42,8 +42,8 @@ void RyGltfNodeReader::readNodes()
         const bool hasRotation = cursor.numbers("rotation", transform.rotation.data(), 4);
         const bool hasScale = cursor.numbers("scale", transform.scale.data(), 3);
         if (transform.hasMatrix && (hasTranslation || hasRotation || hasScale))
-            m_warnings.add(cursor.path()
-                           + QStringLiteral(": has a matrix and other parts of a transform; the matrix counts"));
+            m_warnings.add(cursor.path() +
+                           QStringLiteral(": has a matrix and other parts of a transform; the matrix counts"));
         node.mesh = cursor.index("mesh", int(m_model.meshes.size()), "mesh");
         node.skin = cursor.index("skin", skinCount, "skin");
         shownVertices += node.mesh < 0 ? 0 : vertexCounts[std::size_t(node.mesh)];
@@ -117,8 +117,8 @@ void RyGltfNodeReader::readSkins()
             const RyGltfCursor jointCursor = joints.element(k);
             const int joint = jointCursor.asIndex(nodeCount, "node");
             if (seenIn[std::size_t(joint)] == i)
-                m_warnings.add(jointCursor.path()
-                               + QStringLiteral(": node %1 is already a joint of this skin").arg(joint));
+                m_warnings.add(jointCursor.path() +
+                               QStringLiteral(": node %1 is already a joint of this skin").arg(joint));
             seenIn[std::size_t(joint)] = i;
             skin.joints.push_back(joint);
         }
@@ -130,7 +130,9 @@ void RyGltfNodeReader::readSkins()
                 where.refuse(QStringLiteral("accessor %1 does not hold matrices").arg(skin.inverseBindMatrices));
             if (accessor.count < skin.joints.size()) {
                 where.refuse(QStringLiteral("accessor %1 holds %2 matrices for %3 joints")
-                                 .arg(skin.inverseBindMatrices).arg(accessor.count).arg(skin.joints.size()));
+                                 .arg(skin.inverseBindMatrices)
+                                 .arg(accessor.count)
+                                 .arg(skin.joints.size()));
             }
         }
         const RyGltfCursor skeleton = cursor.member("skeleton");

@@ -10,8 +10,7 @@ class RyGltfNodeReader
 public:
     RyGltfNodeReader(const RyGltfCursor &root, RyGltfModel &model, RyGltfWarnings &warnings)
         : m_root(root), m_model(model), m_warnings(warnings)
-    {
-    }
+    {}
 
     /// Accessors and meshes must have been read.
     void read();

@@ -23,9 +23,7 @@ std::uint64_t RyGltfWriter::Pieces::append(const QByteArray &piece)
     return offset;
 }
 
-RyGltfWriter::RyGltfWriter(const RyGltfDocument &document) : m_document(document), d(*document.d)
-{
-}
+RyGltfWriter::RyGltfWriter(const RyGltfDocument &document) : m_document(document), d(*document.d) {}
 
 QByteArray RyGltfWriter::toBytes(const QString &ending, bool elsewhere, QString *error) const
 {
@@ -184,8 +182,8 @@ QByteArray RyGltfWriter::composeText(bool elsewhere) const
     Json tree = d.tree;
     for (std::size_t i = 0; i < d.storage.buffers.size(); ++i) {
         const RyGltfBuffer &buffer = d.storage.buffers[i];
-        const bool asIs = (buffer.source == RyGltfBuffer::DataUri && !buffer.isChanged())
-                          || (buffer.source == RyGltfBuffer::External && !elsewhere);
+        const bool asIs = (buffer.source == RyGltfBuffer::DataUri && !buffer.isChanged()) ||
+                          (buffer.source == RyGltfBuffer::External && !elsewhere);
         if (!asIs)
             tree["buffers"][i]["uri"] = RyGltfUri::encodeData(buffer.bytes, QStringLiteral("application/octet-stream"));
     }

@@ -24,7 +24,7 @@ const Json *RyExtrasJson::entry(const Json &tree, const char *list, int index)
 {
     const Json *entries = find(tree, list);
     return entries && entries->is_array() && index >= 0 && size_t(index) < entries->size() ? &(*entries)[size_t(index)]
-                                                                                       : nullptr;
+                                                                                           : nullptr;
 }
 
 void RyExtrasJson::store(Json &holder, Json value)

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-/// Our key in the extras of a glTF file, and careful ways to read below it: members that are not what they should be read as
-/// absent.
+/// Our key in the extras of a glTF file, and careful ways to read below it: members that are not what they should be
+/// read as absent.
 namespace RyExtrasJson {
 
 using Json = nlohmann::ordered_json;

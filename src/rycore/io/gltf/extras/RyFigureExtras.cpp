@@ -64,8 +64,9 @@ const Json *figureJson(const RyGltfDocument &document, int figure)
 {
     const Json *ours = RyExtrasJson::ours(document.json());
     const Json *figures = ours ? find(*ours, "figures") : nullptr;
-    return figures && figures->is_array() && figure >= 0 && size_t(figure) < figures->size() ? &(*figures)[size_t(figure)]
-                                                                                         : nullptr;
+    return figures && figures->is_array() && figure >= 0 && size_t(figure) < figures->size()
+               ? &(*figures)[size_t(figure)]
+               : nullptr;
 }
 
 } // namespace
@@ -79,7 +80,7 @@ double RyFigureExtras::storedUnit(const RyGltfDocument &document)
 }
 
 bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh,
-                                      QStringList *messages)
+                                     QStringList *messages)
 {
     const Json *stored = figureJson(document, figure);
     const Json *groups = stored ? find(*stored, "faceGroups") : nullptr;
@@ -202,12 +203,14 @@ void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const
     const Json *stored = figureJson(document, figure);
     const Json *maps = stored ? find(*stored, "maps") : nullptr;
     if (maps && !RyMapExtras::apply(*maps, influences, vertexCount, nodeOf, skin) && messages) {
-        messages->append(QStringLiteral("The stored local, scale and bulge maps do not fit the weights of the file and are "
-                                        "left out"));
+        messages->append(
+            QStringLiteral("The stored local, scale and bulge maps do not fit the weights of the file and are "
+                           "left out"));
     }
 }
 
-void RyFigureExtras::applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node)
+void RyFigureExtras::applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace,
+                                   RyNode &node)
 {
     const Json *stored = figureJson(document, figure);
     if (const Json *ours = stored ? find(*stored, "node") : nullptr)
@@ -222,7 +225,8 @@ QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int fig
 }
 
 /// The bones of a figure's bindings, where they are not its joints in their order.
-static Json bindingsJson(const RySkeleton &skeleton, const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints)
+static Json bindingsJson(const RySkeleton &skeleton, const std::map<const RyNode *, int> &nodeOf,
+                         const std::set<int> &joints)
 {
     Json expected = Json::array();
     for (const RyBone *bone : skeleton.getAllBones()) {
@@ -273,7 +277,8 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             Json pairs = Json::array();
             for (int i = 0; i < map->getNumPairs(); ++i) {
                 const auto node = nodeOf.find(map->getPairNode(i));
-                pairs.push_back(Json::array({map->getPairGroup(i).toStdString(), node == nodeOf.end() ? -1 : node->second}));
+                pairs.push_back(
+                    Json::array({map->getPairGroup(i).toStdString(), node == nodeOf.end() ? -1 : node->second}));
             }
             entry["selectionMap"] = std::move(pairs);
         }

@@ -10,10 +10,12 @@
 
 class RyFacetMesh;
 
-/// What our key in the extras of a file holds: the unit factor, and an entry for each figure and prop: face groups, selection map, the figure's own transform and the order of its bindings.
+/// What our key in the extras of a file holds: the unit factor, and an entry for each figure and prop: face groups,
+/// selection map, the figure's own transform and the order of its bindings.
 namespace RyFigureExtras {
 
-/// The entry of the figure that has one of these nodes; in files that do not say it the one with the figure's number. -1 for none.
+/// The entry of the figure that has one of these nodes; in files that do not say it the one with the figure's number.
+/// -1 for none.
 int findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int number);
 
 /// Centimetres per file unit as stored, 0 when nothing is stored.

@@ -12,8 +12,8 @@ namespace {
 
 using Influence = RyGltfInfluences::Influence;
 
-/// Weights that sum to 65535, in descending order; what rounding leaves goes to the largest. Gives their number: what rounds to
-/// nothing is left out.
+/// Weights that sum to 65535, in descending order; what rounding leaves goes to the largest. Gives their number: what
+/// rounds to nothing is left out.
 size_t normalize(Influence *begin, size_t count)
 {
     std::stable_sort(begin, begin + count, [](const Influence &a, const Influence &b) { return a.weight > b.weight; });
@@ -65,8 +65,7 @@ bool RyGltfBindingWeights::isHeld(const RyBoneBinding &binding)
     return binding.getBone() && object && binding.getBone()->getSkeleton() == object->getNode();
 }
 
-RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount)
-    : m_first(size_t(vertexCount) + 1, 0)
+RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) : m_first(size_t(vertexCount) + 1, 0)
 {
     std::vector<RyGltfBindingWeights> maps;
     maps.reserve(skin ? skin->bindings().size() : 0);

@@ -44,14 +44,13 @@ quint64 ryPositionsHash(const RyNode &node)
 RyNodeValues RyNodeValues::of(const RyNode &node)
 {
     RyNodeValues values;
-    const RyFloatProperty *rigging[9] = {
-        node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-        node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-        node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-    const RyFloatProperty *pose[10] = {
-        node.getXTransControl(), node.getYTransControl(), node.getZTransControl(), node.getXRotControl(),
-        node.getYRotControl(),   node.getZRotControl(),   node.getScaleControl(),  node.getXScaleControl(),
-        node.getYScaleControl(), node.getZScaleControl()};
+    const RyFloatProperty *rigging[9] = {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
+                                         node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
+                                         node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
+    const RyFloatProperty *pose[10] = {node.getXTransControl(), node.getYTransControl(), node.getZTransControl(),
+                                       node.getXRotControl(),   node.getYRotControl(),   node.getZRotControl(),
+                                       node.getScaleControl(),  node.getXScaleControl(), node.getYScaleControl(),
+                                       node.getZScaleControl()};
     for (size_t i = 0; i < 9; ++i) {
         if (rigging[i]) {
             values.rigging[i] = rigging[i]->getValue();
@@ -90,7 +89,8 @@ bool RyGltfFigureSource::hasOtherVertices() const
 
 bool RyGltfFigureSource::canWriteVertices() const
 {
-    const auto *shape = sceneNode ? qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(sceneNode)) : nullptr;
+    const auto *shape =
+        sceneNode ? qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(sceneNode)) : nullptr;
     return shape && shape->getFacetMesh() && shape->getFacetMesh()->getNumVertices() == vertexCount && !parts.empty() &&
            shape->getParts() == meshParts && hasOtherVertices();
 }

@@ -48,7 +48,7 @@ struct RyGltfNodeSource
     int parent = -1;              // node of the file that stands above it in the scene, -1 below a figure or nothing
     QPointer<RyNode> sceneParent; // the same in the scene, or the figure
     RyAffine ownMap;              // world map of the figure above a topmost bone
-    QString riggingText; // what the extras would hold, as it was read
+    QString riggingText;          // what the extras would hold, as it was read
 };
 
 /// A skin of the file: one map brings its mesh space to figure space.
@@ -83,15 +83,15 @@ struct RyGltfFigureSource
     RyNodeValues loaded;
     std::vector<RyGltfSkinSource> skins;
     std::vector<RyGltfPartSource> parts;
-    quint64 positionsHash = 0; // of the mesh as it was read
+    quint64 positionsHash = 0;                    // of the mesh as it was read
     std::shared_ptr<const RyMeshParts> meshParts; // likewise
     int vertexCount = 0;
     std::vector<RyGltfLoadedWeights> weights; // in the order of the bindings
-    QString mapsText; // local, scale and bulge maps as the extras say them
-    int firstRoot = -1; // node of the first topmost bone
-    QString riggingText; // of the figure itself, as that of nodes
-    QString groupsText; // face groups as they were read, in the text of the extras
-    QString selectionText; // likewise the selection map
+    QString mapsText;                         // local, scale and bulge maps as the extras say them
+    int firstRoot = -1;                       // node of the first topmost bone
+    QString riggingText;                      // of the figure itself, as that of nodes
+    QString groupsText;                       // face groups as they were read, in the text of the extras
+    QString selectionText;                    // likewise the selection map
 
     /// Whether vertices are elsewhere than they were read.
     bool hasOtherVertices() const;

@@ -104,7 +104,8 @@ bool readBulge(const Json &entry, int axis, int vertexCount, RyRef<RyBulgeBindin
     const Json *values = find(entry, "values");
     bulge = RyRef<RyBulgeBinding>(new RyBulgeBinding(axis));
     if (!readMap(find(entry, "left"), vertexCount, QString(), left) ||
-        !readMap(find(entry, "right"), vertexCount, QString(), right) || !values || !values->is_array() || values->size() != 4) {
+        !readMap(find(entry, "right"), vertexCount, QString(), right) || !values || !values->is_array() ||
+        values->size() != 4) {
         return false;
     }
     bulge->setLeftWeights(left.get());
@@ -204,7 +205,8 @@ bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int v
 {
     const Json *weights = find(stored, "weights");
     const Json *list = find(stored, "bindings");
-    if (!weights || !list || !list->is_array() || *weights != Json(QString::number(influences.value(), 16).toStdString()))
+    if (!weights || !list || !list->is_array() ||
+        *weights != Json(QString::number(influences.value(), 16).toStdString()))
         return false;
     std::vector<std::pair<RyBoneBinding *, StoredBinding>> all;
     for (const Json &entry : *list) {

@@ -10,8 +10,8 @@
 class RyNode;
 class RySkinBinding;
 
-/// The weight maps that a file has no place for: local and scale maps, and those of bulges with their controllers. Each is kept
-/// as compressed text, and read back only where the file's own weights are those that were written with them.
+/// The weight maps that a file has no place for: local and scale maps, and those of bulges with their controllers. Each
+/// is kept as compressed text, and read back only where the file's own weights are those that were written with them.
 namespace RyMapExtras {
 
 /// A number that tells the influences of a file from others, whatever their order.

@@ -47,8 +47,8 @@ void writeTriple(RyFloatProperty *const *p, const RyVec3 &v, bool asDefault)
 
 } // namespace
 
-/// Whether the orientation takes a frame to a symmetric stretch; without a reflection there is one such orientation, that of
-/// the node.
+/// Whether the orientation takes a frame to a symmetric stretch; without a reflection there is one such orientation,
+/// that of the node.
 static bool fitsFrame(const RyAffine &frame, const RyQuat &orientation, const RyQuat &ofNode)
 {
     if (frame.determinant() > 0.0)
@@ -155,8 +155,9 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
     readVector(find(*ours, "place"), place);
     if ((place * scale - sceneNode.getOrigin()).length() > tolerance) {
         if (messages) {
-            messages->append(QStringLiteral("\"%1\" was moved since its end point was stored; the stored values are left out")
-                                 .arg(sceneNode.getName()));
+            messages->append(
+                QStringLiteral("\"%1\" was moved since its end point was stored; the stored values are left out")
+                    .arg(sceneNode.getName()));
         }
         return false;
     }
@@ -233,7 +234,8 @@ bool RyRiggingExtras::applyPose(const RyGltfDocument &document, int node, double
 
 void RyRiggingExtras::applyFigure(const Json &ours, double unit, bool withPlace, RyNode &figure)
 {
-    const double stored = find(ours, "unit") && find(ours, "unit")->is_number() ? find(ours, "unit")->get<double>() : unit;
+    const double stored =
+        find(ours, "unit") && find(ours, "unit")->is_number() ? find(ours, "unit")->get<double>() : unit;
     const float scale = float(unit / stored);
     const std::array<RyFloatProperty *, 9> rigging = riggingOf(figure);
     RyVec3 v;

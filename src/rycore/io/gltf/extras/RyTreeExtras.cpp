@@ -1,7 +1,7 @@
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 
-#include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
 
 #include <cmath>
 
@@ -27,7 +27,8 @@ const Json *primitiveJson(const RyGltfDocument &document, int mesh, int primitiv
 
 void RyTreeExtras::markRemoved(RyGltfDocument &document, const char *list, int index)
 {
-    RyExtrasJson::store(document.json()[list][size_t(index)], Json{{"version", RyExtrasJson::Version}, {"removed", true}});
+    RyExtrasJson::store(document.json()[list][size_t(index)],
+                        Json{{"version", RyExtrasJson::Version}, {"removed", true}});
 }
 
 bool RyTreeExtras::isRemoved(const RyGltfDocument &document, const char *list, int index)

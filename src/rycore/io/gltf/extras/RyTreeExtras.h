@@ -13,13 +13,13 @@ namespace RyTreeExtras {
 void markRemoved(RyGltfDocument &document, const char *list, int index);
 bool isRemoved(const RyGltfDocument &document, const char *list, int index);
 
-/// The map from a skin's mesh space to figure space, in units of the file: a file says only where joints are and how vertices
-/// follow them, and any such map is as true as another.
+/// The map from a skin's mesh space to figure space, in units of the file: a file says only where joints are and how
+/// vertices follow them, and any such map is as true as another.
 void storeToFigure(RyGltfDocument &document, int skin, const RyAffine &toFigure);
 bool findToFigure(const RyGltfDocument &document, int skin, RyAffine &toFigure);
 
-/// Split vertices of a primitive that belong to other vertices of the scene than those they look like: pairs of a split vertex
-/// and a number above zero. An empty list takes what is stored away.
+/// Split vertices of a primitive that belong to other vertices of the scene than those they look like: pairs of a split
+/// vertex and a number above zero. An empty list takes what is stored away.
 void storeApart(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &pairs);
 std::vector<int> findApart(const RyGltfDocument &document, int mesh, int primitive);
 

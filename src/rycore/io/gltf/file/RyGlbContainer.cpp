@@ -48,8 +48,8 @@ RyGlbContainer RyGlbContainer::split(const QByteArray &file, QStringList *warnin
         throw RyGltfError{QStringLiteral("the container has version %1, not 2").arg(version)};
     const std::uint32_t length = wordAt(file, 8);
     if (length > std::uint32_t(file.size())) {
-        throw RyGltfError{QStringLiteral("the file is cut off: its header says %1 bytes, it has %2")
-                              .arg(length).arg(file.size())};
+        throw RyGltfError{
+            QStringLiteral("the file is cut off: its header says %1 bytes, it has %2").arg(length).arg(file.size())};
     }
     if (length < std::uint32_t(file.size()))
         warn(QStringLiteral("%1 bytes after the end of the container are passed over").arg(file.size() - int(length)));
@@ -62,8 +62,8 @@ RyGlbContainer RyGlbContainer::split(const QByteArray &file, QStringList *warnin
         const std::uint32_t type = wordAt(file, at + 4);
         at += chunkHeaderSize;
         if (size > std::uint32_t(end - at)) {
-            throw RyGltfError{QStringLiteral("chunk %1 is cut off: %2 bytes announced, %3 left")
-                                  .arg(number).arg(size).arg(end - at)};
+            throw RyGltfError{
+                QStringLiteral("chunk %1 is cut off: %2 bytes announced, %3 left").arg(number).arg(size).arg(end - at)};
         }
         const QByteArray bytes = QByteArray::fromRawData(file.constData() + at, int(size));
         if (number == 0) {

@@ -16,7 +16,7 @@ struct RyGlbContainer
     };
 
     QByteArray json;
-    QByteArray binary; // null when there is none
+    QByteArray binary;         // null when there is none
     std::vector<Chunk> others; // of unknown types, kept
 
     static bool isContainer(const QByteArray &file);

@@ -9,7 +9,7 @@
 struct RyGltfBuffer
 {
     enum Source {
-        Chunk,    // of the binary container
+        Chunk, // of the binary container
         DataUri,
         External, // a file beside the document; never changed
         Made      // by us

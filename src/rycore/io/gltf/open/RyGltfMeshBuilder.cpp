@@ -44,7 +44,8 @@ struct RyGltfMeshBuilder::Part
             return false;
         double sum = 0.0;
         for (const InfluenceSet &set : sets)
-            sum += double(set.weights[4 * split] + set.weights[4 * split + 1] + set.weights[4 * split + 2] + set.weights[4 * split + 3]);
+            sum += double(set.weights[4 * split] + set.weights[4 * split + 1] + set.weights[4 * split + 2] +
+                          set.weights[4 * split + 3]);
         return double(sets.front().weights[4 * split]) == sum;
     }
     int apartOf(int split) const
@@ -92,8 +93,8 @@ size_t hashPosition(const float *p)
     return size_t(hash ^ (hash >> 32));
 }
 
-/// Weights as 16-bit numbers that sum to 65535, none further than one from its true value: what rounding leaves goes to those
-/// that were rounded most. Returns the place of the largest.
+/// Weights as 16-bit numbers that sum to 65535, none further than one from its true value: what rounding leaves goes to
+/// those that were rounded most. Returns the place of the largest.
 int quantize(const double *weights, int count, double sum, quint16 *result)
 {
     int total = 0;
@@ -130,8 +131,7 @@ RyGltfMeshBuilder::~RyGltfMeshBuilder() = default;
 void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString &name,
                                 const std::vector<int> &bonesOfJoints, const RyAffine &toFigure, int weldClass)
 {
-    const RyGltfPrimitive &primitive =
-        m_document.model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
+    const RyGltfPrimitive &primitive = m_document.model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
     RyMeshPart result;
     result.name = name;
     result.look = primitive.material;
@@ -254,12 +254,13 @@ void RyGltfMeshBuilder::weld(Part &part, RyMeshPart &result)
 
 void RyGltfMeshBuilder::shareNormals(const Part &part, int firstVertex, RyMeshPart &result)
 {
-    // Splits of one vertex that agree in their normal share a smooth one. A vertex that this part brought is met first at its
-    // own split; the few others go into chains.
+    // Splits of one vertex that agree in their normal share a smooth one. A vertex that this part brought is met first
+    // at its own split; the few others go into chains.
     const size_t count = part.vertexCount;
     result.normalOfSplit.resize(count);
     const int first = m_firstOfClass;
-    const bool allNew = result.vertexOfSplit.empty() || m_firstOfClass + int(m_origins.size()) - firstVertex == int(count);
+    const bool allNew =
+        result.vertexOfSplit.empty() || m_firstOfClass + int(m_origins.size()) - firstVertex == int(count);
     if (allNew) {
         for (size_t v = 0; v < count; ++v)
             result.normalOfSplit[v] = parts.normalCount++;

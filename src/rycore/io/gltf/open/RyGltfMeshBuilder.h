@@ -13,16 +13,17 @@
 class RyGltfDocument;
 
 /// Turns primitives of a glTF file into one mesh for editing: vertices that the file splits (texture seams, hard edges)
-/// but that agree in position, influences and morphs become one; the way back to every split vertex is kept in the parts.
+/// but that agree in position, influences and morphs become one; the way back to every split vertex is kept in the
+/// parts.
 class RyGltfMeshBuilder
 {
 public:
     explicit RyGltfMeshBuilder(const RyGltfDocument &document);
     ~RyGltfMeshBuilder();
 
-    /// Adds a primitive. `bonesOfJoints` maps joint numbers of its skin to bones (empty: not skinned), `toFigure` its mesh
-    /// space to figure space in centimetres. Vertices weld only among parts with the same `weldClass`. Influences that
-    /// are not finite, not above zero or name no joint are dropped and counted.
+    /// Adds a primitive. `bonesOfJoints` maps joint numbers of its skin to bones (empty: not skinned), `toFigure` its
+    /// mesh space to figure space in centimetres. Vertices weld only among parts with the same `weldClass`. Influences
+    /// that are not finite, not above zero or name no joint are dropped and counted.
     void addPart(int mesh, int primitive, const QString &name, const std::vector<int> &bonesOfJoints,
                  const RyAffine &toFigure, int weldClass);
 
@@ -31,7 +32,8 @@ public:
     RyMeshParts parts;
     int droppedInfluences = 0;
 
-    /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to 65535 or to 0.
+    /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to 65535 or to
+    /// 0.
     struct BoneWeights
     {
         std::vector<int> vertices;

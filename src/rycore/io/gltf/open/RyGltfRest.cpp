@@ -98,7 +98,8 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
     for (size_t i = 0; i < boneCount; ++i) {
         for (int axis = 0; axis < 3; ++axis) {
             const double place = worldMaps[size_t(set.bones[i])].m[3][axis];
-            reach = std::max({reach, std::abs(place - worldMaps[size_t(set.bones[0])].m[3][axis]), 0.01 * std::abs(place)});
+            reach =
+                std::max({reach, std::abs(place - worldMaps[size_t(set.bones[0])].m[3][axis]), 0.01 * std::abs(place)});
         }
     }
 
@@ -112,7 +113,8 @@ RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &
         for (; !chain.empty(); chain.pop_back()) {
             const size_t next = chain.back();
             const int parent = set.parents[next];
-            rest.bind[next] = parent < 0 ? worldMaps[size_t(set.bones[next])] : localOf(next) * rest.bind[size_t(parent)];
+            rest.bind[next] =
+                parent < 0 ? worldMaps[size_t(set.bones[next])] : localOf(next) * rest.bind[size_t(parent)];
             if (restOf)
                 rest.bind[next] = restOf(set.bones[next], rest.bind[next]);
             known[next] = true;

@@ -17,8 +17,8 @@ struct RyGltfRest
     std::vector<RyAffine> toFigure;  ///< per skin of the set: mesh space to figure space
     /// Per skin: inverse bind matrices, one for each joint.
     std::vector<std::vector<RyAffine>> inverseBinds;
-    /// The bind matrices say nothing usable: rest is the node pose, and vertices must be brought there by the file's own
-    /// skinning (`toFigure` is then the identity).
+    /// The bind matrices say nothing usable: rest is the node pose, and vertices must be brought there by the file's
+    /// own skinning (`toFigure` is then the identity).
     bool rebound = false;
     bool isStored = false; ///< all of `toFigure` was stored by an earlier save
     QString reason;
@@ -28,5 +28,5 @@ struct RyGltfRest
 using RyGltfRestOf = std::function<RyAffine(int node, const RyAffine &posed)>;
 
 /// `restOf` may be empty. Maps of mesh spaces to figure space that an earlier save stored are taken as they are.
-RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set, const std::vector<RyAffine> &worldMaps,
-                          const RyGltfRestOf &restOf = {});
+RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set,
+                          const std::vector<RyAffine> &worldMaps, const RyGltfRestOf &restOf = {});

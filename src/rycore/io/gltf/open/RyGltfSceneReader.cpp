@@ -3,9 +3,9 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RyEndPointGuess.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
-#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
@@ -20,8 +20,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <map>
+#include <set>
 
 namespace {
 
@@ -78,7 +78,8 @@ void RyGltfSceneReader::build(QStringList *messages)
         isLeftOut.push_back(RyTreeExtras::isRemoved(*m_scene->document, "skins", int(skin)));
     const auto restOf = [this](int node, const RyAffine &posed) {
         const double unit = RyFigureExtras::storedUnit(*m_scene->document);
-        return unit > 0.0 ? RyRiggingExtras::restOf(*m_scene->document, node, unit, posed * scaleBy(unit)) * scaleBy(1.0 / unit)
+        return unit > 0.0 ? RyRiggingExtras::restOf(*m_scene->document, node, unit, posed * scaleBy(unit)) *
+                                scaleBy(1.0 / unit)
                           : posed;
     };
     for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, isLeftOut)) {
@@ -108,8 +109,8 @@ void RyGltfSceneReader::leaveOutRemoved()
     std::vector<bool> isRemoved(model.nodes.size(), false);
     for (const int node : m_preOrder) {
         const int parent = model.nodes[size_t(node)].parent;
-        isRemoved[size_t(node)] = parent >= 0 ? isRemoved[size_t(parent)]
-                                              : RyTreeExtras::isRemoved(*m_scene->document, "nodes", node);
+        isRemoved[size_t(node)] =
+            parent >= 0 ? isRemoved[size_t(parent)] : RyTreeExtras::isRemoved(*m_scene->document, "nodes", node);
     }
     // Half a skin makes no figure: where joints stand elsewhere too, the mark is wrong.
     std::vector<int> topOf(model.nodes.size(), -1);
@@ -120,7 +121,9 @@ void RyGltfSceneReader::leaveOutRemoved()
     std::set<int> broughtBack;
     for (bool more = true; more;) {
         more = false;
-        const auto isGone = [&](int node) { return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]); };
+        const auto isGone = [&](int node) {
+            return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]);
+        };
         for (const RyGltfSkin &skin : model.skins) {
             if (std::all_of(skin.joints.begin(), skin.joints.end(), isGone))
                 continue;
@@ -128,9 +131,10 @@ void RyGltfSceneReader::leaveOutRemoved()
                 more = (isGone(joint) && broughtBack.insert(topOf[size_t(joint)]).second) || more;
         }
     }
-    m_preOrder.erase(std::remove_if(m_preOrder.begin(), m_preOrder.end(),
-                                    [&](int node) { return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]); }),
-                     m_preOrder.end());
+    m_preOrder.erase(
+        std::remove_if(m_preOrder.begin(), m_preOrder.end(),
+                       [&](int node) { return isRemoved[size_t(node)] && !broughtBack.count(topOf[size_t(node)]); }),
+        m_preOrder.end());
 }
 
 double RyGltfSceneReader::findUnit() const
@@ -283,7 +287,8 @@ void RyGltfSceneReader::placeBones(Figure &figure)
 void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
 {
     RyNode *node = source.sceneNode;
-    if (RyRiggingExtras::applyPose(*m_scene->document, source.node, m_scene->unit, source.localPose, 1e-4f * height, *node))
+    if (RyRiggingExtras::applyPose(*m_scene->document, source.node, m_scene->unit, source.localPose, 1e-4f * height,
+                                   *node))
         return;
     const RyVec3 origin = node->getOrigin();
     const double from[3] = {origin.x, origin.y, origin.z};
@@ -329,7 +334,8 @@ void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
             worst = std::max(worst, std::abs(wanted[i][j] - got[i][j]));
     }
     if (worst > 1e-3f) {
-        say(QStringLiteral("The pose of \"%1\" is sheared; the nearest pose without shear is shown, the file's own is kept")
+        say(QStringLiteral(
+                "The pose of \"%1\" is sheared; the nearest pose without shear is shown, the file's own is kept")
                 .arg(node->getName()));
     }
 }

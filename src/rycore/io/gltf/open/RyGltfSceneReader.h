@@ -1,9 +1,9 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/open/RyGltfFigureFinder.h"
 #include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
 #include "rycore/io/gltf/open/RyGltfRest.h"
-#include "rycore/io/gltf/extras/RyGltfOrigin.h"
 
 #include <QSet>
 #include <QStringList>
@@ -15,7 +15,8 @@ class RyFacetMesh;
 class RyFigure;
 class RySkinBinding;
 
-/// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is there.
+/// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is
+/// there.
 class RyGltfSceneReader
 {
 public:
@@ -46,7 +47,8 @@ private:
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
-    RySkinBinding *bindBones(Figure &figure, int vertexCount, std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
+    RySkinBinding *bindBones(Figure &figure, int vertexCount,
+                             std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
     void placeBones(Figure &figure);
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     void buildProps();

@@ -41,8 +41,7 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
         bonesOfJoints.emplace_back();
         for (const int joint : model.skins[size_t(skin)].joints)
             bonesOfJoints.back().push_back(boneOfNode.at(joint));
-        figure.source.skins.push_back(
-            {skin, figure.rest.toFigure[s] * scaleBy(m_scene->unit), figure.rest.rebound});
+        figure.source.skins.push_back({skin, figure.rest.toFigure[s] * scaleBy(m_scene->unit), figure.rest.rebound});
     }
     for (const int nodeIndex : m_preOrder) {
         const RyGltfNode &node = model.nodes[size_t(nodeIndex)];
@@ -176,10 +175,12 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
         const int node = nodeOf[figure.bones[i]] = figure.joints.bones[i];
         for (size_t k = 0; hasMaps && k < weights[i].vertices.size(); ++k)
             fingerprint.add(node, weights[i].vertices[k], weights[i].weights[k]);
-        figure.source.weights.push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
+        figure.source.weights.push_back(
+            {figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
     }
     if (hasMaps) {
-        RyFigureExtras::applyMaps(*m_scene->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin, m_messages);
+        RyFigureExtras::applyMaps(*m_scene->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin,
+                                  m_messages);
         for (size_t i = 0; i < skin->bindings().size(); ++i) {
             // Where only local maps are left, the mean of them is what counts as read.
             const RyGltfBindingWeights read(*skin->bindings()[i]);

@@ -31,8 +31,8 @@ int RyGltfSceneReader::placeBelow(const RyNode &above, int node) const
 void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
 {
     RyAffine stored;
-    const RyAffine posed = RyRiggingExtras::findStoredPose(*m_scene->document, source.node, m_scene->unit, stored)
-                               ? stored : RyAffine();
+    const RyAffine posed =
+        RyRiggingExtras::findStoredPose(*m_scene->document, source.node, m_scene->unit, stored) ? stored : RyAffine();
     const RyNode *above = source.sceneNode->getNodeParent();
     const double unit = m_scene->unit;
     const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit, unit, unit);
@@ -90,8 +90,9 @@ void RyGltfSceneReader::buildProps()
         source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit, map * unit * unposed);
 
         auto *prop = new RyNode;
-        prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
-                                 above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+        prop->setName(
+            uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
+                       above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
         RyQuat orientation;
         source.bind.decomposePolar(source.stretch, orientation);
         prop->setOrigin(source.bind.translation(), true);
@@ -137,7 +138,8 @@ void RyGltfSceneReader::buildProps()
         prop->setEndPoint(end, true);
         // Far from the origin, and below turned bones, single precision says less.
         const float size = std::max({1.0f, (end - prop->getOrigin()).length(), 0.1f * prop->getOrigin().length()});
-        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop, m_messages);
+        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop,
+                                     m_messages);
         setPropPose(source);
         RyRiggingExtras::applyLimits(*m_scene->document, index, m_scene->unit, *prop);
         source.loaded = RyNodeValues::of(*prop);

@@ -23,7 +23,8 @@ RyGltfInfluenceWriter::numbersOf(const Part &part) const
         weights.assign(4 * count, 0);
     }
     for (size_t v = 0; v < count; ++v) {
-        const std::span<const RyGltfInfluences::Influence> influences = m_influences.of(part.vertexOfSplit ? (*part.vertexOfSplit)[v] : int(v));
+        const std::span<const RyGltfInfluences::Influence> influences =
+            m_influences.of(part.vertexOfSplit ? (*part.vertexOfSplit)[v] : int(v));
         if (influences.empty())
             result.front().second[4 * v] = 65535;
         for (size_t i = 0; i < influences.size() && i < 4 * part.sets; ++i) {

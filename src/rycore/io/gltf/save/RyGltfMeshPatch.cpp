@@ -80,9 +80,8 @@ std::vector<int> RyGltfMeshPatch::tellApart(const std::vector<Part> &parts) cons
         const auto ofB = m_influences.of(b);
         return std::memcmp(&m_positions[size_t(a)], &m_positions[size_t(b)], sizeof(RyVec3)) == 0 &&
                (ofA.empty() || ofB.empty() || // held by a joint in the file
-                std::equal(ofA.begin(), ofA.end(), ofB.begin(), ofB.end(), [](const auto &x, const auto &y) {
-                    return x.bone == y.bone && x.weight == y.weight;
-                }));
+                std::equal(ofA.begin(), ofA.end(), ofB.begin(), ofB.end(),
+                           [](const auto &x, const auto &y) { return x.bone == y.bone && x.weight == y.weight; }));
     };
     for (size_t v = 0; v < tags.size(); ++v) {
         if (tags[v] < 0)

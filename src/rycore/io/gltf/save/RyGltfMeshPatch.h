@@ -5,15 +5,14 @@
 
 #include <vector>
 
-/// Writes influences into primitives of a document. Where two vertices of the scene would look alike to a reader, who joins such
-/// vertices, the primitive's extras say that they are two.
+/// Writes influences into primitives of a document. Where two vertices of the scene would look alike to a reader, who
+/// joins such vertices, the primitive's extras say that they are two.
 class RyGltfMeshPatch
 {
 public:
     RyGltfMeshPatch(RyGltfDocument &document, const RyGltfInfluences &influences, const std::vector<RyVec3> &positions)
         : m_document(document), m_influences(influences), m_writer(influences), m_positions(positions)
-    {
-    }
+    {}
 
     struct Part
     {

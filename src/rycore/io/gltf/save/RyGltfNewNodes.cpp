@@ -1,14 +1,14 @@
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyRiggingExtras.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
-#include "rycore/io/gltf/extras/RyRiggingExtras.h"
-#include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
@@ -210,7 +210,8 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
         m_joints.insert(joints.back());
         ryGltfAppendMatrix(toFigure * bindOf(*bone, m_unit).inverse(), inverseBinds);
     }
-    const int skin = m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
+    const int skin =
+        m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
     RyTreeExtras::storeToFigure(m_document, skin, toFigure * scaleBy(1.0 / m_unit));
     const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
     if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)

@@ -12,18 +12,17 @@ class RyFacetMesh;
 class RyNode;
 class RyScene;
 
-/// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and meshes:
-/// figure space becomes mesh space, all influences are written, 16-bit weights sum to exactly 65535.
+/// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and
+/// meshes: figure space becomes mesh space, all influences are written, 16-bit weights sum to exactly 65535.
 class RyGltfNewNodes
 {
 public:
     /// Appends to `document`. `unit`: centimetres per file unit.
-    /// Meshes that came from the file of `source`, which the document is a patched copy of, keep materials, texture coordinates
-    /// and whatever else their primitives have.
+    /// Meshes that came from the file of `source`, which the document is a patched copy of, keep materials, texture
+    /// coordinates and whatever else their primitives have.
     RyGltfNewNodes(RyGltfDocument &document, double unit, const RyGltfOrigin *source = nullptr)
         : m_document(document), m_source(source), m_unit(unit)
-    {
-    }
+    {}
 
     /// A top-level node with everything below it.
     void addTree(const RyNode &top);

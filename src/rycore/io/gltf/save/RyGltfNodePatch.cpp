@@ -101,7 +101,8 @@ void RyGltfNodePatch::compare()
     for (auto &[index, edit] : m_patch.edits) {
         if (edit.poseChanged || edit.node->inheritsScale())
             continue;
-        for (const RyNode *above = edit.node->getNodeParent(); above && !edit.poseChanged; above = above->getNodeParent()) {
+        for (const RyNode *above = edit.node->getNodeParent(); above && !edit.poseChanged;
+             above = above->getNodeParent()) {
             const auto other = m_patch.edits.find(m_patch.nodeOf(above));
             edit.poseChanged = other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved);
         }
@@ -134,8 +135,8 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
             keepSingular(node);
         return;
     }
-    // A topmost node of the scene, or one below a figure: it is put where the scene has it in the world, the figure's own
-    // transform included.
+    // A topmost node of the scene, or one below a figure: it is put where the scene has it in the world, the figure's
+    // own transform included.
     const RyNode *parent = node.getNodeParent();
     const RyAffine own = parent ? parent->worldMap() : RyAffine();
     RyAffine parentWorld;
@@ -156,13 +157,15 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
 
 void RyGltfNodePatch::keepSingular(const RyNode &node) const
 {
-    m_patch.say(QStringLiteral("\"%1\" hangs in the file on a node that is scaled to nothing; its place there stays as it was")
-                    .arg(node.getName()));
+    m_patch.say(
+        QStringLiteral("\"%1\" hangs in the file on a node that is scaled to nothing; its place there stays as it was")
+            .arg(node.getName()));
 }
 
 void RyGltfNodePatch::writeUnlistedChildren(int index, const Edit &edit)
 {
-    // Nodes of the file below a joint that do not stand in the scene keep their place; a node that marks the bone's end follows it.
+    // Nodes of the file below a joint that do not stand in the scene keep their place; a node that marks the bone's end
+    // follows it.
     const RyGltfModel &model = m_patch.source.document->model();
     for (const int child : model.nodes[size_t(index)].children) {
         if (m_patch.edits.count(child) || model.nodes[size_t(child)].skin >= 0)
@@ -215,6 +218,8 @@ void RyGltfNodePatch::reportClips() const
             list += QStringLiteral(" and %1 more").arg(names.size() - shown);
         m_patch.say(message.arg(list));
     };
-    report(m_patch.rewritten, QStringLiteral("Clips are kept as they were and still say the old rest of edited joints: %1"));
-    report(m_patch.removed, QStringLiteral("Clips are kept as they were and still drive the nodes of removed joints: %1"));
+    report(m_patch.rewritten,
+           QStringLiteral("Clips are kept as they were and still say the old rest of edited joints: %1"));
+    report(m_patch.removed,
+           QStringLiteral("Clips are kept as they were and still drive the nodes of removed joints: %1"));
 }

@@ -2,8 +2,9 @@
 
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 
-/// Writes names and transforms of nodes: only what was edited, such that no rest vertex moves and no posed vertex moves except
-/// as the edit means. Children keep their place unless the edit moved them. The tree must be in line with the scene.
+/// Writes names and transforms of nodes: only what was edited, such that no rest vertex moves and no posed vertex moves
+/// except as the edit means. Children keep their place unless the edit moved them. The tree must be in line with the
+/// scene.
 class RyGltfNodePatch
 {
 public:
@@ -27,6 +28,6 @@ private:
     std::vector<bool> m_isAnimated;
 };
 
-/// A node transform that holds a map: translation, rotation and scale where they can say it (`exact` tells), otherwise the
-/// nearest, or the matrix itself with `asMatrix`.
+/// A node transform that holds a map: translation, rotation and scale where they can say it (`exact` tells), otherwise
+/// the nearest, or the matrix itself with `asMatrix`.
 RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact = nullptr);

@@ -24,8 +24,7 @@ struct RyGltfScenePatch
 
     RyGltfScenePatch(const RyGltfOrigin &from, RyGltfDocument &to, QStringList *list)
         : source(from), document(to), messages(list)
-    {
-    }
+    {}
 
     const RyGltfOrigin &source;
     RyGltfDocument &document;
@@ -34,9 +33,9 @@ struct RyGltfScenePatch
     std::map<int, Edit> edits; // by node of the patched document
     std::map<const RyNode *, int> indexOf;
     std::vector<std::pair<const RyNode *, int>> added;
-    std::set<int> removed;   // nodes of the file whose bone or prop is gone
-    std::set<int> rewritten; // nodes with another transform
-    std::set<int> joints;    // of all skins, now
+    std::set<int> removed;            // nodes of the file whose bone or prop is gone
+    std::set<int> rewritten;          // nodes with another transform
+    std::set<int> joints;             // of all skins, now
     std::map<int, RyAffine> toFigure; // per skin that can say so: mesh space to figure space, in units of the file
 
     int nodeOf(const RyNode *node) const

@@ -1,12 +1,12 @@
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
-#include "rycore/io/gltf/save/RyGltfNodePatch.h"
-#include "rycore/io/gltf/save/RyGltfNewNodes.h"
-#include "rycore/io/gltf/save/RyGltfSkinPatch.h"
-#include "rycore/io/gltf/save/RyGltfStructurePatch.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/save/RyGltfNewNodes.h"
+#include "rycore/io/gltf/save/RyGltfNodePatch.h"
+#include "rycore/io/gltf/save/RyGltfSkinPatch.h"
+#include "rycore/io/gltf/save/RyGltfStructurePatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -57,7 +57,8 @@ std::vector<const RyNode *> RyGltfSceneWriter::newTops(const RyScene &scene) con
     return tops;
 }
 
-std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error, QStringList *messages) const
+std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error,
+                                                         QStringList *messages) const
 {
     std::unique_ptr<RyGltfDocument> document = m_source.document->clone();
     reportMeshes(messages);
@@ -117,14 +118,19 @@ void RyGltfSceneWriter::reportMeshes(QStringList *messages) const
         if (!node || !messages || !node->getScene() || !figure.hasOtherVertices())
             continue;
         const auto hasMorphs = [&](const RyGltfPartSource &part) {
-            return !m_source.document->model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)].morphPositions.empty();
+            return !m_source.document->model()
+                        .meshes[size_t(part.mesh)]
+                        .primitives[size_t(part.primitive)]
+                        .morphPositions.empty();
         };
         if (!figure.canWriteVertices()) {
-            messages->append(QStringLiteral("\"%1\" has other vertices than its mesh in the file, which is kept as it is")
-                                 .arg(node->getName()));
+            messages->append(
+                QStringLiteral("\"%1\" has other vertices than its mesh in the file, which is kept as it is")
+                    .arg(node->getName()));
         } else if (std::any_of(figure.parts.begin(), figure.parts.end(), hasMorphs)) {
-            messages->append(QStringLiteral("The vertices of \"%1\" were moved; its morphs in the file stay as they were")
-                                 .arg(node->getName()));
+            messages->append(
+                QStringLiteral("The vertices of \"%1\" were moved; its morphs in the file stay as they were")
+                    .arg(node->getName()));
         }
     }
 }

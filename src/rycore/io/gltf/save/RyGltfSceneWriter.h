@@ -6,8 +6,9 @@
 
 struct RyGltfScenePatch;
 
-/// Brings an edited scene back into the tree that it came from: only what was edited is rewritten, so that no rest vertex
-/// moves and no posed vertex moves except as the edit means. Children keep their place unless the edit moved them.
+/// Brings an edited scene back into the tree that it came from: only what was edited is rewritten, so that no rest
+/// vertex moves and no posed vertex moves except as the edit means. Children keep their place unless the edit moved
+/// them.
 class RyGltfSceneWriter
 {
 public:
@@ -15,8 +16,8 @@ public:
 
     /// Whether anything differs from what was read.
     bool isEdited(const RyScene &scene) const;
-    /// A patched copy of the document, with the nodes that it does not know. Untouched when nothing was edited; null with a
-    /// reason when the scene cannot be written into it.
+    /// A patched copy of the document, with the nodes that it does not know. Untouched when nothing was edited; null
+    /// with a reason when the scene cannot be written into it.
     std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QString *error, QStringList *messages) const;
 
 private:

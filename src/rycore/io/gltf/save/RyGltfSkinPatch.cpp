@@ -130,8 +130,8 @@ RyGltfSkinPatch::Figure RyGltfSkinPatch::plan(const RyGltfFigureSource &source) 
 
 bool RyGltfSkinPatch::mustBeRebuilt(const RyGltfFigureSource &source, bool weightsAreOther) const
 {
-    // The file's bind matrices could not be used. Once anything was edited, the vertices are written where the scene has
-    // them, in figure space, with bind matrices that say so.
+    // The file's bind matrices could not be used. Once anything was edited, the vertices are written where the scene
+    // has them, in figure space, with bind matrices that say so.
     if (!source.skins.front().rebound)
         return false;
     if (weightsAreOther || source.canWriteVertices() || !(RyNodeValues::of(*source.sceneNode) == source.loaded))
@@ -142,7 +142,8 @@ bool RyGltfSkinPatch::mustBeRebuilt(const RyGltfFigureSource &source, bool weigh
     }
     return std::any_of(m_patch.edits.begin(), m_patch.edits.end(), [&source](const auto &entry) {
         const RyGltfScenePatch::Edit &edit = entry.second;
-        return (edit.restChanged || edit.poseChanged || edit.moved) && edit.node->getSkeleton() == source.sceneNode.data();
+        return (edit.restChanged || edit.poseChanged || edit.moved) &&
+               edit.node->getSkeleton() == source.sceneNode.data();
     });
 }
 
@@ -192,8 +193,8 @@ RyGltfSkinPatch::Skin &RyGltfSkinPatch::skinFor(Figure &figure, const RyBone &bo
 
 void RyGltfSkinPatch::addJoints(Figure &figure) const
 {
-    // What a reader would not take for a bone by itself: new bones, bones with weights, and bones that do not stand between two
-    // joints.
+    // What a reader would not take for a bone by itself: new bones, bones with weights, and bones that do not stand
+    // between two joints.
     std::set<const RyNode *> joints, bound, aboveJoints;
     for (const Skin &skin : figure.skins) {
         for (const int joint : skin.joints)
@@ -242,7 +243,8 @@ void RyGltfSkinPatch::findDirtyParts(Figure &figure, const std::vector<bool> &ch
                 continue;
             const std::vector<int> &vertices = figure.parts->parts[p].vertexOfSplit;
             const bool isShifted = figure.skins[placeOfSkin(figure, figure.source->parts[p].skin)].isShifted;
-            if (!isShifted && std::none_of(vertices.begin(), vertices.end(), [&](int v) { return isWritten[size_t(v)]; }))
+            if (!isShifted &&
+                std::none_of(vertices.begin(), vertices.end(), [&](int v) { return isWritten[size_t(v)]; }))
                 continue;
             figure.isDirty[p] = any = more = true;
             for (const int vertex : vertices)
@@ -405,8 +407,10 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
     for (int vertex = 0; vertex < figure.mesh->getNumVertices(); ++vertex)
         free += figure.influences->of(vertex).empty();
     if (free > 0) {
-        m_patch.say(QStringLiteral("%1 vertices of \"%2\" follow no bone; other programs will see them follow the first joint")
-                        .arg(free).arg(figure.source->sceneNode->getName()));
+        m_patch.say(
+            QStringLiteral("%1 vertices of \"%2\" follow no bone; other programs will see them follow the first joint")
+                .arg(free)
+                .arg(figure.source->sceneNode->getName()));
     }
     RyGltfMeshPatch meshes(m_patch.document, *figure.influences, figure.mesh->getPositions());
     for (const Skin &skin : figure.skins) {
@@ -417,7 +421,8 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
         for (size_t p = 0; p < figure.isDirty.size(); ++p) {
             const RyGltfPartSource &part = figure.source->parts[p];
             if (part.skin == skin.source->skin)
-                parts.push_back({figure.meshes[p], part.primitive, &figure.parts->parts[p].vertexOfSplit, figure.isDirty[p]});
+                parts.push_back(
+                    {figure.meshes[p], part.primitive, &figure.parts->parts[p].vertexOfSplit, figure.isDirty[p]});
         }
         meshes.writeInfluences(parts, figure.influences->placesIn(placeOf));
     }
@@ -453,7 +458,8 @@ void RyGltfSkinPatch::separateProp(const RyGltfFigureSource &source)
 void RyGltfSkinPatch::writeProp(const RyGltfFigureSource &source, int mesh)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source.sceneNode));
-    RyGltfVertexPatch vertices(m_patch.document, *shape->getFacetMesh(), m_patch.edits.at(source.parts.front().node).bind);
+    RyGltfVertexPatch vertices(m_patch.document, *shape->getFacetMesh(),
+                               m_patch.edits.at(source.parts.front().node).bind);
     for (size_t p = 0; p < source.parts.size(); ++p)
         vertices.write(mesh, source.parts[p].primitive, shape->getParts()->parts[p]);
 }

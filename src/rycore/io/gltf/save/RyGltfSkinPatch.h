@@ -10,9 +10,9 @@ class RyBone;
 class RyFacetMesh;
 struct RyMeshParts;
 
-/// Writes what the edited figures of a file bind: the joints of their skins with inverse bind matrices, and the influences of
-/// the parts whose weights or joints changed. Figures that nobody touched stay as they are, bit for bit; a mesh that other
-/// nodes use too is copied first. Nodes must have been written.
+/// Writes what the edited figures of a file bind: the joints of their skins with inverse bind matrices, and the
+/// influences of the parts whose weights or joints changed. Figures that nobody touched stay as they are, bit for bit;
+/// a mesh that other nodes use too is copied first. Nodes must have been written.
 class RyGltfSkinPatch
 {
 public:
@@ -66,7 +66,7 @@ private:
     RyGltfScenePatch &m_patch;
     RyGltfTreePatch m_tree;
     std::vector<std::pair<const RyGltfFigureSource *, int>> m_props; // with other vertices, and their meshes
-    std::map<int, std::vector<int>> m_users; // nodes by the mesh that they use
+    std::map<int, std::vector<int>> m_users;                         // nodes by the mesh that they use
 };
 
 /// Appends a map as the sixteen numbers of a matrix accessor.

@@ -87,7 +87,8 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     return m_tree.finish(error);
 }
 
-bool RyGltfStructurePatch::hangsOnNew(const RyNode &figure, const std::map<const RyNode *, const RyGltfNodeSource *> &sources) const
+bool RyGltfStructurePatch::hangsOnNew(const RyNode &figure,
+                                      const std::map<const RyNode *, const RyGltfNodeSource *> &sources) const
 {
     if (!m_patch.source.isKeptFigure(figure))
         return false;
@@ -149,8 +150,8 @@ void RyGltfStructurePatch::findRemoved()
         if (!m_patch.removed.count(*at))
             continue;
         const RyGltfNode &node = model.nodes[size_t(*at)];
-        carries[size_t(*at)] = props.count(*at) ? node.camera >= 0
-                                                 : m_tree.hasContent(*at) || stillDrawn.count(*at) > 0;
+        carries[size_t(*at)] =
+            props.count(*at) ? node.camera >= 0 : m_tree.hasContent(*at) || stillDrawn.count(*at) > 0;
         for (const int child : node.children) {
             const RyGltfNode &below = model.nodes[size_t(child)];
             const bool isMark = ryGltfMarksEnd(below.name) && below.children.empty() && !m_tree.hasContent(child);
@@ -365,9 +366,8 @@ void RyGltfStructurePatch::writeLists()
         if (scene == m_tree.shownScene()) {
             now = newOrder(before, -1);
         } else {
-            std::copy_if(before.begin(), before.end(), std::back_inserter(now), [this](int node) {
-                return !m_hangsNowhere[size_t(node)] && m_parents[size_t(node)] < 0;
-            });
+            std::copy_if(before.begin(), before.end(), std::back_inserter(now),
+                         [this](int node) { return !m_hangsNowhere[size_t(node)] && m_parents[size_t(node)] < 0; });
         }
         if (now != before)
             m_tree.setSceneRoots(scene, now);

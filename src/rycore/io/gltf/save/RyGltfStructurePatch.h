@@ -3,12 +3,12 @@
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
-/// Brings the tree of a patched document in line with the scene: new nodes, other parents, another order of children, and
-/// bones and props that are gone.
+/// Brings the tree of a patched document in line with the scene: new nodes, other parents, another order of children,
+/// and bones and props that are gone.
 ///
-/// What is gone stays in the file's lists, since everything else refers to nodes by their place there, but hangs nowhere any
-/// more. A node that holds something the scene does not know (a camera, an empty node below it) stays where it is, as a plain
-/// node.
+/// What is gone stays in the file's lists, since everything else refers to nodes by their place there, but hangs
+/// nowhere any more. A node that holds something the scene does not know (a camera, an empty node below it) stays where
+/// it is, as a plain node.
 class RyGltfStructurePatch
 {
 public:
@@ -37,9 +37,9 @@ private:
 
     RyGltfScenePatch &m_patch;
     RyGltfTreePatch m_tree;
-    std::vector<const RyNode *> m_order; // nodes of the scene that stand in the file, pre-order
+    std::vector<const RyNode *> m_order;     // nodes of the scene that stand in the file, pre-order
     std::map<int, std::vector<int>> m_below; // the same by their parents
-    std::vector<int> m_parents;          // per node of the patched document, as wanted
-    std::vector<bool> m_isManaged;       // stands in the scene
-    std::vector<bool> m_hangsNowhere;    // top of what is gone
+    std::vector<int> m_parents;              // per node of the patched document, as wanted
+    std::vector<bool> m_isManaged;           // stands in the scene
+    std::vector<bool> m_hangsNowhere;        // top of what is gone
 };

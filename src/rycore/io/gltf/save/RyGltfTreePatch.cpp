@@ -1,7 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
-#include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -105,7 +105,8 @@ int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<
         }
         entry["primitives"].push_back(std::move(copy));
     }
-    const auto weights = primitives.empty() ? Json::iterator() : meshes[size_t(primitives.front().first)].find("weights");
+    const auto weights =
+        primitives.empty() ? Json::iterator() : meshes[size_t(primitives.front().first)].find("weights");
     if (!primitives.empty() && weights != meshes[size_t(primitives.front().first)].end())
         entry["weights"] = *weights;
     meshes.push_back(std::move(entry));

@@ -6,7 +6,8 @@
 
 class RyGltfDocument;
 
-/// Changes of a document's tree that its model knows of only after `finish`. Nodes, meshes and skins keep their indices.
+/// Changes of a document's tree that its model knows of only after `finish`. Nodes, meshes and skins keep their
+/// indices.
 class RyGltfTreePatch
 {
 public:
@@ -21,7 +22,8 @@ public:
     int sceneCount() const;
     /// The scene that is shown; -1 in a file without scenes, where every node without a parent is shown.
     int shownScene() const;
-    /// As many as the skin's inverse bind matrices at the time of `finish`. A "skeleton" that `stillAbove` denies is left out.
+    /// As many as the skin's inverse bind matrices at the time of `finish`. A "skeleton" that `stillAbove` denies is
+    /// left out.
     void setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove);
     /// A copy of a mesh with everything that belongs to it; accessors are shared.
     int cloneMesh(int mesh);

@@ -8,8 +8,7 @@
 
 RyGltfVertexPatch::RyGltfVertexPatch(RyGltfDocument &document, const RyFacetMesh &mesh, const RyAffine &toFigure)
     : m_document(document), m_mesh(mesh), m_toFigure(toFigure), m_toMesh(toFigure.inverse())
-{
-}
+{}
 
 void RyGltfVertexPatch::write(int mesh, int primitive, const RyMeshPart &part)
 {
@@ -70,7 +69,8 @@ std::vector<float> RyGltfVertexPatch::normalsNow(const std::vector<float> &befor
     };
     for (size_t t = 0; t + 2 < part.triangles.size(); t += 3) {
         const unsigned *corners = &part.triangles[t];
-        const RyVec3 normal = (pointAt(corners[1]) - pointAt(corners[0])).cross(pointAt(corners[2]) - pointAt(corners[0]));
+        const RyVec3 normal =
+            (pointAt(corners[1]) - pointAt(corners[0])).cross(pointAt(corners[2]) - pointAt(corners[0]));
         for (int corner = 0; corner < 3; ++corner) {
             const auto sum = sums.find(part.normalOfSplit[corners[corner]]);
             if (sum != sums.end())

@@ -9,8 +9,8 @@ class RyFacetMesh;
 class RyGltfDocument;
 struct RyMeshPart;
 
-/// Writes vertices of the scene that are not where the file has them, and the normals around them, into primitives of a document.
-/// All others stay as they are.
+/// Writes vertices of the scene that are not where the file has them, and the normals around them, into primitives of a
+/// document. All others stay as they are.
 class RyGltfVertexPatch
 {
 public:
