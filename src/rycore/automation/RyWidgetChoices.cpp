@@ -1,5 +1,7 @@
 #include "rycore/automation/RyWidgetChoices.h"
 
+#include "rycore/ui/RyPlainText.h"
+
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -66,10 +68,8 @@ QStringList comboTexts(const QComboBox *combo)
 QStringList tabTexts(const QTabWidget *tabs)
 {
     QStringList texts;
-    for (int i = 0; i < tabs->count(); ++i) {
-        QString text = tabs->tabText(i);
-        texts.append(text.remove(QLatin1Char('&')));
-    }
+    for (int i = 0; i < tabs->count(); ++i)
+        texts.append(ryPlainText(tabs->tabText(i)));
     return texts;
 }
 

@@ -1,15 +1,14 @@
 #include "rycore/ui/RyAction.h"
 
+#include "rycore/ui/RyPlainText.h"
 #include "rycore/undo/restore/RyRestoreGuard.h"
 
 namespace {
 
-/// The text without the mark of its key and without the dots that announce a dialog.
-QString plainText(QString text)
+/// Without the dots that announce a dialog.
+QString captionOf(const QAction *action)
 {
-    const QString escaped(QChar::ObjectReplacementCharacter);
-    text.replace(QLatin1String("&&"), escaped).remove(QLatin1Char('&')).replace(escaped, QLatin1String("&"));
-    text = text.section(QLatin1Char('\t'), 0, 0);
+    QString text = ryPlainText(action->text());
     while (text.endsWith(QLatin1Char('.')) || text.endsWith(QChar(0x2026)))
         text.chop(1);
     return text.trimmed();
@@ -26,7 +25,7 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
         if (!isEnabled())
             return;
         // What undo does not take back can be gone back to before.
-        const RyRestoreGuard guard(plainText(this->text()));
+        const RyRestoreGuard guard(captionOf(this));
         executeAction();
     });
 }

@@ -4,6 +4,7 @@
 #include "rycore/ui/RyBasicDialogValidator.h"
 #include "rycore/ui/RyNodeLabelValidator.h"
 #include "rycore/ui/RyNodeNameValidator.h"
+#include "rycore/ui/RyPlainText.h"
 #include "rycore/ui/RyStandardMetrics.h"
 
 #include <QAccessible>
@@ -126,7 +127,7 @@ bool RyScriptForm::addRow(const QString &key, const QString &label, QWidget *fie
                                     : tr("The form already has a field \"%1\".").arg(key));
     }
     field->setObjectName(key);
-    field->setAccessibleName(QString(label).remove(QLatin1Char(':')).trimmed());
+    field->setAccessibleName(ryPlainText(label).remove(QLatin1Char(':')).trimmed());
     const int row = m_grid->rowCount();
     if (!qobject_cast<QCheckBox *>(field)) {
         auto *text = new QLabel(label, this);

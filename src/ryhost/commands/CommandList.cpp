@@ -1,6 +1,6 @@
 #include "ryhost/commands/CommandList.h"
 
-#include "ryhost/window/menuText.h"
+#include "rycore/ui/RyPlainText.h"
 
 #include <QAction>
 #include <QMenu>
@@ -83,7 +83,7 @@ void CommandList::addMenu(const QList<QAction *> &entries, const QString &path)
             add(entry, path);
             continue;
         }
-        const QString title = plainMenuText(entry->text());
+        const QString title = ryPlainText(entry->text());
         addMenu(entry->menu()->actions(), path.isEmpty() ? title : path + QStringLiteral(" > ") + title);
     }
 }
@@ -93,7 +93,7 @@ void CommandList::add(QAction *action, const QString &path)
     const auto known = std::find_if(m_commands.begin(), m_commands.end(),
                                     [action](const Command &command) { return command.action == action; });
     if (known == m_commands.end())
-        m_commands.push_back({action, plainMenuText(action->text()), path});
+        m_commands.push_back({action, ryPlainText(action->text()), path});
     else if (path.count(QLatin1Char('>')) < known->path.count(QLatin1Char('>')))
         known->path = path;
 }

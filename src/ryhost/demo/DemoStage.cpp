@@ -2,6 +2,7 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/ui/RyPlainText.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/window/HostWindow.h"
@@ -22,15 +23,10 @@
 
 namespace {
 
-QString plainText(const QAction *action)
-{
-    return action->text().section(QLatin1Char('\t'), 0, 0).remove(QLatin1Char('&'));
-}
-
 QAction *findEntry(const QList<QAction *> &actions, const QString &text)
 {
     const auto found = std::find_if(actions.begin(), actions.end(), [&](const QAction *action) {
-        return action->isVisible() && plainText(action).startsWith(text);
+        return action->isVisible() && ryPlainText(action->text()).startsWith(text);
     });
     return found == actions.end() ? nullptr : *found;
 }

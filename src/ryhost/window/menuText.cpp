@@ -3,18 +3,6 @@
 #include <QAction>
 #include <QSet>
 
-QString plainMenuText(const QString &text)
-{
-    const QString name = text.section(QLatin1Char('\t'), 0, 0);
-    QString plain;
-    for (int i = 0; i < name.size(); ++i) {
-        if (name[i] == QLatin1Char('&') && ++i == name.size())
-            break;
-        plain += name[i];
-    }
-    return plain;
-}
-
 QString menuTextOf(const QString &name)
 {
     return QString(name).replace(QLatin1Char('&'), QStringLiteral("&&"));

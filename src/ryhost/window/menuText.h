@@ -5,10 +5,8 @@
 
 class QAction;
 
-// Texts of menu entries mark the letter that chooses them with "&" and part the key that is shown with a tab.
+// Texts of menu entries mark the letter that chooses them with "&"; `ryPlainText` is the way back.
 
-/// Without mark and key, "&&" as "&".
-QString plainMenuText(const QString &text);
 /// A name, such as that of a file, as the text of an entry: no letter of it is marked.
 QString menuTextOf(const QString &name);
 /// As above, with the first letter marked that none of the other entries uses.
