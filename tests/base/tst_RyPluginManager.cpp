@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QScriptEngine>
 #include <QTemporaryDir>
+#include <algorithm>
 
 class RyPluginManagerTest : public QObject
 {
@@ -57,11 +58,15 @@ private slots:
                 factory->registerClass(&engine);
             QCOMPARE(engine.evaluate("new FakeTool().answer() + FakeTool.Busy").toInt32(), 47);
             engine.evaluate("var helper = new FakeHelper");
-            for (QObject *child : QCoreApplication::instance()->children()) {
-                if (child->inherits("FakeTool"))
-                    delete child;
-            }
         }
+        const auto isThere = [](const QObject *child) { return child->inherits("FakeTool"); };
+        const QObjectList before = QCoreApplication::instance()->children();
+        QCOMPARE(std::count_if(before.begin(), before.end(), isThere), 1);
+        QObject other(QCoreApplication::instance());
+        manager->deleteOwnedObjects();
+        const QObjectList after = QCoreApplication::instance()->children();
+        QCOMPARE(std::count_if(after.begin(), after.end(), isThere), 0);
+        QVERIFY2(after.contains(&other), "what is of no registered class stays");
         QVERIFY(qgetenv("RY_FAKE_UNLOADED").isEmpty());
         manager.reset();
         QCOMPARE(qgetenv("RY_FAKE_UNLOADED"), QByteArray("good"));

@@ -9,6 +9,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
@@ -23,6 +24,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QTemporaryDir>
 
 /// Bears the name of the plug-in's tool and is none.
@@ -51,6 +53,7 @@ private slots:
     void interactiveModeFromTheMenu();
     void anotherToolOfThatName();
     void editWithTheMouse();
+    void objectsOfScriptsGoWithTheWindow();
 
 private:
     void select(RyNode *node);
@@ -323,6 +326,21 @@ void RyJointToolsWindowTest::editWithTheMouse()
     mouse(QEvent::MouseButtonRelease, handle + QPoint(30, 3), Qt::LeftButton, Qt::NoButton);
     QCOMPARE(ryUndoStack()->count(), 0);
     QVERIFY(!ryUndoStack()->isHoldOpen());
+}
+
+/// While the scene that they know is there.
+void RyJointToolsWindowTest::objectsOfScriptsGoWithTheWindow()
+{
+    const auto make = [this](const char *program) {
+        return QPointer<QObject>(m_window->getScriptEngine()->evaluate(QString::fromLatin1(program)).toQObject());
+    };
+    const QPointer<QObject> tool = make("new RyJointEditorTool()");
+    const QPointer<QObject> action = make("kept = new RyJEAlignNodeAction()");
+    QVERIFY(tool && action);
+    QCOMPARE(tool->parent(), QCoreApplication::instance());
+    m_window.reset();
+    QVERIFY(!tool);
+    QVERIFY(!action);
 }
 
 RY_TEST(RyJointToolsWindowTest)

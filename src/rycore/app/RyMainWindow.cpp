@@ -135,6 +135,7 @@ void RyMainWindow::unloadPlugins()
     d->actions->deleteActions();
     d->viewports->deleteTools();
     d->scripts.reset();
+    d->plugins->deleteOwnedObjects();
     retire(std::move(d->plugins));
 }
 

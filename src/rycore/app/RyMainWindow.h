@@ -27,8 +27,8 @@ public:
     /// Loads the plug-ins of a folder: their tools and actions are created in order of the factories, classes are
     /// registered with scripts, and the messages of refused libraries are in the log.
     int loadPlugins(const QString &folder);
-    /// Deletes actions, tools and scripts; called by the destructor. The libraries themselves are unloaded when the
-    /// application object goes, after all widgets.
+    /// Deletes actions, tools and scripts, with what scripts made of the plug-ins' classes; called by the destructor.
+    /// The libraries themselves are unloaded when the application object goes, after all widgets.
     void unloadPlugins();
     /// Shows the context menu of the active tool; nothing where it adds no items.
     void showToolMenu(const QPoint &globalPosition);

@@ -4,9 +4,11 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/base/RyPlugin.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QLibrary>
+#include <QPointer>
 
 #include <algorithm>
 
@@ -54,6 +56,7 @@ RyPluginManager::RyPluginManager(QObject *parent) : QObject(parent) {}
 
 RyPluginManager::~RyPluginManager()
 {
+    deleteOwnedObjects();
     m_plugins.clear();
     while (!m_libraries.empty())
         m_libraries.pop_back();
@@ -131,4 +134,22 @@ QObject *RyPluginManager::createInstance(const QString &className) const
 {
     RyClassFactory *factory = findFactory(className);
     return factory ? factory->createInstance() : nullptr;
+}
+
+void RyPluginManager::deleteOwnedObjects()
+{
+    const QCoreApplication *application = QCoreApplication::instance();
+    if (!application)
+        return;
+    // The end of one may be the end of another.
+    std::vector<QPointer<QObject>> owned;
+    for (QObject *child : application->children()) {
+        const QMetaObject *childClass = child->metaObject();
+        const std::vector<RyClassFactory *> all = factories();
+        if (std::any_of(all.begin(), all.end(),
+                        [&](const RyClassFactory *factory) { return childClass->inherits(factory->metaObject()); }))
+            owned.emplace_back(child);
+    }
+    for (const QPointer<QObject> &object : owned)
+        delete object;
 }

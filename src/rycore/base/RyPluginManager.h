@@ -18,7 +18,7 @@ class RyPluginManager : public QObject
     Q_OBJECT
 public:
     explicit RyPluginManager(QObject *parent = nullptr);
-    /// Unloads the libraries; objects of their classes must be gone.
+    /// Unloads the libraries; objects of their classes must be gone, but for those that `deleteOwnedObjects` deletes.
     ~RyPluginManager() override;
 
     /// The version of the interface that plug-ins must be built against: 4.22.0.7.
@@ -36,6 +36,10 @@ public:
     /// Null when no class of that name is registered.
     RyClassFactory *findFactory(const QString &className) const;
     QObject *createInstance(const QString &className) const;
+
+    /// Deletes the objects of registered classes that the application owns: what scripts make and may not delete. The
+    /// script engine must be gone.
+    void deleteOwnedObjects();
 
 private:
     struct Library;
