@@ -8,6 +8,7 @@
 
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -54,20 +55,22 @@ struct Stage
         RyBone *bone = all[std::min(size_t(PickedNodes), all.size() - 1)];
         ryScene()->setSelection({bone});
         QCoreApplication::sendPostedEvents();
-        RyActionRunner runner(window.getActionMgr());
+        const RyActionRunner runner(window.getActionMgr());
+        RyDialogDriver driver;
         const std::string action = each.action;
         if (action == "RyJECreateBoneAction") {
-            runner.setField(QStringLiteral("JointEditorCreateBoneNameLEdit"), QStringLiteral("fresh"));
-            runner.setField(QStringLiteral("JointEditorCreateBoneLabelLEdit"), QStringLiteral("fresh"));
+            driver.setField(QStringLiteral("JointEditorCreateBoneNameLEdit"), QStringLiteral("fresh"));
+            driver.setField(QStringLiteral("JointEditorCreateBoneLabelLEdit"), QStringLiteral("fresh"));
         } else if (action == "RyJEReparentBoneAction") {
-            runner.setField(QStringLiteral("NodeDlgTree"), all.front()->getName());
-            runner.setAnswer(QStringLiteral("Reparenting Warning"), QStringLiteral("Ok"));
+            driver.setField(QStringLiteral("NodeDlgTree"), all.front()->getName());
+            driver.setAnswer(QStringLiteral("Reparenting Warning"), QStringLiteral("Ok"));
         } else if (action == "RyJEDeleteUnusedBonesAction") {
-            runner.setAnswer(QStringLiteral("Remove Unused Bones"), QStringLiteral("Yes"));
+            driver.setAnswer(QStringLiteral("Remove Unused Bones"), QStringLiteral("Yes"));
         }
         RyActionResult result;
-        const double time = RyBenchmark::milliseconds([&] { result = runner.run(QString::fromLatin1(each.action)); });
-        if (!result.ran) {
+        const double time =
+            RyBenchmark::milliseconds([&] { result = runner.run(QString::fromLatin1(each.action), driver); });
+        if (!ryHasRun(result.outcome)) {
             std::printf("%s was refused: %s\n", each.name, qPrintable(result.reason));
             return -1.0;
         }

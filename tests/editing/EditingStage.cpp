@@ -1,6 +1,7 @@
 #include "EditingStage.h"
 
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
@@ -69,14 +70,14 @@ void EditingStage::select(const std::vector<RyNode *> &nodes)
 QString EditingStage::run(const char *action, const QHash<QString, QString> &fields,
                           const QHash<QString, QString> &answers)
 {
-    RyActionRunner runner(m_window->getActionMgr());
+    RyDialogDriver driver;
     for (auto field = fields.constBegin(); field != fields.constEnd(); ++field)
-        runner.setField(field.key(), field.value());
+        driver.setField(field.key(), field.value());
     for (auto answer = answers.constBegin(); answer != answers.constEnd(); ++answer)
-        runner.setAnswer(answer.key(), answer.value());
-    const RyActionResult result = runner.run(QString::fromLatin1(action));
+        driver.setAnswer(answer.key(), answer.value());
+    const RyActionResult result = RyActionRunner(m_window->getActionMgr()).run(QString::fromLatin1(action), driver);
     QCoreApplication::sendPostedEvents();
-    return result.ran ? QString() : result.reason;
+    return ryHasRun(result.outcome) ? QString() : result.reason;
 }
 
 void EditingStage::mouse(QEvent::Type type, const QPoint &point, Qt::MouseButton button, Qt::MouseButtons buttons,

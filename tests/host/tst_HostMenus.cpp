@@ -2,6 +2,7 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
@@ -462,8 +463,8 @@ private:
         forearm->getYRotControl()->setValue(20);
         forearm->adjustOrigin(forearm->getOrigin() + RyVec3(0, 2, 0));
         const QString before = stateOfAll();
-        RyActionRunner runner(m_window->getActionMgr());
-        const RyActionResult result = runner.run(className);
+        const RyDialogDriver driver;
+        const RyActionResult result = RyActionRunner(m_window->getActionMgr()).run(className, driver);
         const bool changed = !result.dialogs.empty() || stateOfAll() != before;
         RyViewportMgr *viewports = m_window->getViewportMgr();
         viewports->setActiveTool(viewports->findTool(QStringLiteral("RyJointEditorTool")));

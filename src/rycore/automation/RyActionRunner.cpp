@@ -1,5 +1,6 @@
 #include "rycore/automation/RyActionRunner.h"
 
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/automation/RyDialogVerdict.h"
 #include "rycore/automation/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
@@ -56,6 +57,24 @@ private:
     int m_failures;
 };
 
+void trigger(RyAction *action, const RyDialogDriver &driver, RyActionResult &result)
+{
+    const LogWatch log;
+    action->trigger();
+    const RyDialogVerdict verdict = ryJudgeDialogs(driver);
+    result.outcome = verdict.outcome;
+    result.reason = verdict.reason;
+    result.notes = verdict.notes + log.warnings();
+    const QString failure = log.scriptFailure();
+    if (!failure.isEmpty() && (result.outcome == RyOutcome::Ran || result.outcome == RyOutcome::Cancelled)) {
+        result.outcome = RyOutcome::Refused;
+        result.reason = failure;
+        result.notes.removeAll(failure);
+    }
+    if (result.outcome == RyOutcome::RanWithUnusedFields)
+        result.reason = tr("It ran, but: %1").arg(result.reason);
+}
+
 } // namespace
 
 QVariantMap RyActionResult::toMap() const
@@ -63,70 +82,31 @@ QVariantMap RyActionResult::toMap() const
     QVariantList boxes;
     for (const RyDialogRecord &record : dialogs)
         boxes.append(record.toMap());
-    return {{QStringLiteral("ran"), ran},
-            {QStringLiteral("refused"), refused},
-            {QStringLiteral("cancelled"), cancelled},
-            {QStringLiteral("reason"), reason},
-            {QStringLiteral("notes"), notes},
-            {QStringLiteral("boxes"), boxes}};
+    QVariantMap map = ryOutcomeToMap(outcome, reason);
+    map[QStringLiteral("notes")] = notes;
+    map[QStringLiteral("boxes")] = boxes;
+    return map;
 }
 
 RyActionRunner::RyActionRunner(const RyActionMgr *manager) : m_manager(manager) {}
 
-void RyActionRunner::setField(const QString &name, const QString &value)
+RyActionResult RyActionRunner::run(const QString &className, const RyDialogDriver &driver) const
 {
-    m_fields.emplace_back(name, value);
-}
-
-void RyActionRunner::setAnswer(const QString &title, const QString &button)
-{
-    m_answers.emplace_back(title, button);
-}
-
-RyActionResult RyActionRunner::run(const QString &className)
-{
-    const auto fields = std::move(m_fields);
-    const auto answers = std::move(m_answers);
-    m_fields.clear();
-    m_answers.clear();
-    RyActionResult result;
     // Tools take a new selection by an event, which no loop may have delivered yet.
     QCoreApplication::sendPostedEvents();
+    RyActionResult result;
     RyAction *action = m_manager ? m_manager->findAction(className) : nullptr;
     if (!action) {
-        result.wrongUse = true;
+        result.outcome = RyOutcome::WrongUse;
         result.reason = unknownReason(className);
-        return result;
-    }
-    if (!action->isEnabled()) {
-        result.refused = true;
+    } else if (!action->isEnabled()) {
+        result.outcome = RyOutcome::Refused;
         result.reason = action->unavailableReason();
         if (result.reason.isEmpty())
             result.reason = tr("The action \"%1\" is disabled for what is selected.").arg(action->text());
-        return result;
+    } else {
+        trigger(action, driver, result);
     }
-    RyDialogDriver driver;
-    for (const auto &[name, value] : fields)
-        driver.setField(name, value);
-    for (const auto &[title, button] : answers)
-        driver.setAnswer(title, button);
-    const LogWatch log;
-    action->trigger();
-    const RyDialogVerdict verdict = ryJudgeDialogs(driver);
-    result.refused = verdict.refused;
-    result.cancelled = verdict.cancelled;
-    result.wrongUse = verdict.wrongUse;
-    result.reason = verdict.reason;
-    result.notes = verdict.notes + log.warnings();
-    if (const QString failure = log.scriptFailure(); !failure.isEmpty() && !result.refused && !result.wrongUse) {
-        result.refused = true;
-        result.cancelled = false;
-        result.reason = failure;
-        result.notes.removeAll(failure);
-    }
-    result.ran = !result.refused && !result.cancelled && (!result.wrongUse || verdict.unused);
-    if (result.ran && result.wrongUse)
-        result.reason = tr("It ran, but: %1").arg(result.reason);
     result.dialogs = driver.records();
     return result;
 }

@@ -1,38 +1,35 @@
 #pragma once
 
-#include "rycore/automation/RyDialogDriver.h"
+#include "rycore/automation/RyDialogRecord.h"
+#include "rycore/automation/RyOutcome.h"
+
+#include <vector>
 
 class RyActionMgr;
+class RyDialogDriver;
 
 /// What running an action came to.
 struct RyActionResult
 {
-    bool ran = false; // the action did what it was asked
-    bool refused =
-        false; // it was disabled, told why it does nothing, its dialog could not be accepted, or its script failed
-    bool cancelled = false; // an answer gave it up
-    bool wrongUse =
-        false; // no such action, fields and answers that do not fit its dialogs, or, when it ran, that nothing used
+    RyOutcome outcome = RyOutcome::Ran;
     QString reason;    // why it did not run, or what was wrong
     QStringList notes; // what did no harm: an answer that no message box asked for, warnings in the log
-    std::vector<RyDialogRecord> dialogs; // dialogs and message boxes in the order in which they opened
+    std::vector<RyDialogRecord> dialogs; // all that the driver took
 
-    /// For scripts and reports: ran, refused, cancelled, reason, notes, boxes (all that opened).
+    /// For scripts and reports: ran, refused, cancelled, reason, notes, boxes.
     QVariantMap toMap() const;
 };
 
-/// Runs actions by class name without a person: `RyDialogDriver` takes what opens.
+/// Runs actions by class name without a person.
 class RyActionRunner
 {
 public:
     /// `manager` must outlive the runner; null: there are no actions.
     explicit RyActionRunner(const RyActionMgr *manager);
 
-    /// For the next run; see `RyDialogDriver`.
-    void setField(const QString &name, const QString &value);
-    void setAnswer(const QString &title, const QString &button);
-
-    RyActionResult run(const QString &className);
+    /// The driver takes what opens, and judges it by the fields and answers that it was given. What it took before
+    /// belongs to the run too.
+    RyActionResult run(const QString &className, const RyDialogDriver &driver) const;
 
     /// Class names of all actions, sorted.
     QStringList names() const;
@@ -43,6 +40,4 @@ public:
 
 private:
     const RyActionMgr *m_manager;
-    std::vector<std::pair<QString, QString>> m_fields;
-    std::vector<std::pair<QString, QString>> m_answers;
 };

@@ -1,6 +1,6 @@
 #include "rycore/automation/RyDialogButtons.h"
 
-#include "rycore/automation/RyWidgetFilling.h"
+#include "rycore/ui/RyPlainText.h"
 
 #include <QDialogButtonBox>
 #include <QMessageBox>
@@ -38,6 +38,39 @@ QList<QAbstractButton *> withRole(const QDialog *dialog, QDialogButtonBox::Butto
             buttons.append(button);
     }
     return buttons;
+}
+
+QMetaEnum standardNames()
+{
+    const QMetaObject &boxes = QDialogButtonBox::staticMetaObject;
+    return boxes.enumerator(boxes.indexOfEnumerator("StandardButtons"));
+}
+
+QDialogButtonBox::StandardButton standardButtonOf(const QAbstractButton *button)
+{
+    const auto *box = qobject_cast<const QDialogButtonBox *>(button->parentWidget());
+    return box ? box->standardButton(const_cast<QAbstractButton *>(button)) : QDialogButtonBox::NoButton;
+}
+
+/// Empty for other buttons.
+QString standardNameOf(const QAbstractButton *button)
+{
+    const QDialogButtonBox::StandardButton standard = standardButtonOf(button);
+    return standard == QDialogButtonBox::NoButton ? QString()
+                                                  : QString::fromLatin1(standardNames().valueToKey(standard));
+}
+
+/// Whether a standard button says what such a button says, in whatever language.
+bool hasStandardText(const QAbstractButton *button)
+{
+    const QDialogButtonBox::StandardButton standard = standardButtonOf(button);
+    const QDialogButtonBox fresh(standard);
+    return fresh.button(standard)->text() == button->text();
+}
+
+QString withoutBlanks(QString text)
+{
+    return text.remove(QLatin1Char(' '));
 }
 
 } // namespace
@@ -119,19 +152,33 @@ bool RyDialogButtons::givesUp(const QDialog *dialog, QAbstractButton *button)
     return button && buttonsOf(dialog).size() > 1 && roleOf(dialog, button) == QDialogButtonBox::RejectRole;
 }
 
+QString RyDialogButtons::nameOf(const QAbstractButton *button)
+{
+    const QString standard = standardNameOf(button);
+    if (!standard.isEmpty() && hasStandardText(button))
+        return standard;
+    const QString text = ryPlainText(button->text());
+    const QString asWord = withoutBlanks(text);
+    const QMetaEnum names = standardNames();
+    for (int i = 0; i < names.keyCount(); ++i) {
+        const QString name = QString::fromLatin1(names.key(i));
+        if (names.value(i) != int(QDialogButtonBox::NoButton) && asWord.compare(name, Qt::CaseInsensitive) == 0)
+            return name;
+    }
+    return text;
+}
+
 QAbstractButton *RyDialogButtons::findButton(const QDialog *dialog, const QString &name)
 {
-    const auto bare = [](QString text) { return text.remove(QLatin1Char('&')).remove(QLatin1Char(' ')); };
+    const QString wanted = withoutBlanks(name), plain = withoutBlanks(ryPlainText(name));
+    const auto isWanted = [&](const QString &own) {
+        return wanted.compare(own, Qt::CaseInsensitive) == 0 || plain.compare(own, Qt::CaseInsensitive) == 0;
+    };
     for (QAbstractButton *button : buttonsOf(dialog)) {
-        if (bare(ryButtonName(button)).compare(bare(name), Qt::CaseInsensitive) == 0)
+        if (isWanted(withoutBlanks(nameOf(button))))
             return button;
-        if (const auto *box = qobject_cast<const QMessageBox *>(dialog)) {
-            const QMetaObject &boxes = QMessageBox::staticMetaObject;
-            const QMetaEnum names = boxes.enumerator(boxes.indexOfEnumerator("StandardButtons"));
-            const QString standard = QString::fromLatin1(names.valueToKey(box->standardButton(button)));
-            if (!standard.isEmpty() && standard.compare(bare(name), Qt::CaseInsensitive) == 0)
-                return button;
-        }
+        if (qobject_cast<const QMessageBox *>(dialog) && isWanted(standardNameOf(button)))
+            return button;
     }
     return nullptr;
 }

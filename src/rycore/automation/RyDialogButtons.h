@@ -19,6 +19,8 @@ QAbstractButton *escapeButton(const QDialog *dialog);
 QAbstractButton *acceptButton(const QDialog *dialog);
 /// Whether that button gives up what the dialog or message box is for: its Cancel or Abort, beside others.
 bool givesUp(const QDialog *dialog, QAbstractButton *button);
+/// The standard name of a button that has a standard text ("Ok", "YesToAll"), otherwise its text without mnemonic.
+QString nameOf(const QAbstractButton *button);
 /// By its text without mnemonic or by standard name ("Yes", "YesToAll"), whatever the case; null when there is none.
 QAbstractButton *findButton(const QDialog *dialog, const QString &name);
 

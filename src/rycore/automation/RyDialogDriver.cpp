@@ -1,7 +1,7 @@
 #include "rycore/automation/RyDialogDriver.h"
 
 #include "rycore/automation/RyDialogButtons.h"
-#include "rycore/automation/RyWidgetFilling.h"
+#include "rycore/automation/RyDialogFields.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyScriptForm.h"
 
@@ -14,43 +14,9 @@
 
 namespace {
 
-constexpr int Attempts = 3;        // to accept a dialog that stays open
-constexpr int MostOpenings = 10;   // of one dialog object
-constexpr int MostSameInARow = 50; // of dialogs and boxes that look alike
+constexpr int Attempts = 3; // to accept a dialog that stays open
 
 std::vector<RyDialogDriver *> drivers;
-
-RyDialogRecord recordOf(QDialog *dialog)
-{
-    RyDialogRecord record;
-    record.className = QString::fromLatin1(dialog->metaObject()->className());
-    record.objectName = dialog->objectName();
-    record.title = dialog->windowTitle();
-    record.parent = dialog->parentWidget();
-    if (record.parent) {
-        record.parentClass = QString::fromLatin1(record.parent->metaObject()->className());
-        record.parentName = record.parent->objectName();
-    }
-    for (const QAbstractButton *button : RyDialogButtons::buttonsOf(dialog))
-        record.buttons.append(ryButtonName(button));
-    if (const QAbstractButton *button = RyDialogButtons::defaultButton(dialog))
-        record.defaultButton = ryButtonName(button);
-    if (const QAbstractButton *button = RyDialogButtons::escapeButton(dialog))
-        record.escapeButton = ryButtonName(button);
-    if (const auto *box = qobject_cast<QMessageBox *>(dialog)) {
-        record.kind = RyDialogRecord::MessageBox;
-        record.text = box->text();
-        record.informativeText = box->informativeText();
-        record.icon = box->icon();
-    }
-    return record;
-}
-
-bool lookAlike(const RyDialogRecord &a, const RyDialogRecord &b)
-{
-    return a.kind == b.kind && a.className == b.className && a.objectName == b.objectName && a.title == b.title &&
-           a.text == b.text && a.buttons == b.buttons;
-}
 
 /// What a form of a script says of its values.
 QString messageOf(const QDialog *dialog)
@@ -78,12 +44,12 @@ RyDialogDriver::~RyDialogDriver()
 
 void RyDialogDriver::setField(const QString &name, const QString &value)
 {
-    m_fields.push_back({name, value, false});
+    m_requests.addField(name, value);
 }
 
 void RyDialogDriver::setAnswer(const QString &title, const QString &button)
 {
-    m_answers.push_back({title, button, false});
+    m_requests.addAnswer(title, button);
 }
 
 std::vector<RyDialogRecord> RyDialogDriver::boxes() const
@@ -94,34 +60,12 @@ std::vector<RyDialogRecord> RyDialogDriver::boxes() const
     return boxes;
 }
 
-QStringList RyDialogDriver::unusedFields() const
-{
-    QStringList names;
-    for (const Field &field : m_fields) {
-        if (!field.used)
-            names.append(field.name);
-    }
-    return names;
-}
-
-QStringList RyDialogDriver::unusedAnswers() const
-{
-    QStringList titles;
-    for (const Answer &answer : m_answers) {
-        if (!answer.used)
-            titles.append(answer.title);
-    }
-    return titles;
-}
-
 void RyDialogDriver::clear()
 {
-    m_fields.clear();
-    m_answers.clear();
+    m_requests = {};
+    m_repeats = {};
     m_records.clear();
     m_errors.clear();
-    m_openings.clear();
-    m_sameInARow = 0;
 }
 
 void RyDialogDriver::startLevel(size_t level)
@@ -150,8 +94,8 @@ void RyDialogDriver::take(size_t level)
     m_busy.emplace_back(dialog);
     const QPointer<QDialog> guard(dialog);
     const size_t record = m_records.size();
-    m_records.push_back(recordOf(dialog));
-    const bool loops = repeatsItself(dialog);
+    m_records.push_back(RyDialogRecord::of(dialog));
+    const bool loops = m_repeats.note(dialog, m_records[record]);
     emit opened(dialog);
     if (guard && guard->isVisible() && m_records.size() > record) {
         if (loops)
@@ -165,46 +109,15 @@ void RyDialogDriver::take(size_t level)
     m_levels[level + 1]->stop();
 }
 
-bool RyDialogDriver::repeatsItself(QDialog *dialog)
-{
-    const RyDialogRecord &record = m_records.back();
-    const bool same = m_records.size() > 1 && lookAlike(m_records[m_records.size() - 2], record);
-    m_sameInARow = same ? m_sameInARow + 1 : 1;
-    const auto gone = [](const Opening &opening) { return !opening.dialog; };
-    m_openings.erase(std::remove_if(m_openings.begin(), m_openings.end(), gone), m_openings.end());
-    auto opening =
-        std::find_if(m_openings.begin(), m_openings.end(), [&](const Opening &o) { return o.dialog == dialog; });
-    if (opening == m_openings.end())
-        opening = m_openings.insert(m_openings.end(), Opening{dialog, 0});
-    return ++opening->times > MostOpenings || m_sameInARow > MostSameInARow;
-}
-
-RyDialogDriver::Answer *RyDialogDriver::answerFor(const RyDialogRecord &record)
-{
-    Answer *last = nullptr;
-    for (Answer &answer : m_answers) {
-        const bool fits = answer.title.compare(record.title, Qt::CaseInsensitive) == 0 ||
-                          (!record.objectName.isEmpty() && answer.title == record.objectName);
-        if (!fits)
-            continue;
-        last = &answer;
-        if (!answer.used)
-            break;
-    }
-    if (last)
-        last->used = true;
-    return last;
-}
-
 void RyDialogDriver::answerBox(QMessageBox *box, size_t record)
 {
     QAbstractButton *button = nullptr;
-    if (const Answer *answer = answerFor(m_records[record])) {
-        button = RyDialogButtons::findButton(box, answer->button);
+    if (const QString *answer = m_requests.takeAnswer(m_records[record])) {
+        button = RyDialogButtons::findButton(box, *answer);
         if (!button) {
             const RyDialogRecord &r = m_records[record];
             m_errors.append(tr("The message box \"%1\" has no button \"%2\"; it has %3.")
-                                .arg(r.title, answer->button, r.buttons.join(QStringLiteral(", "))));
+                                .arg(r.title, *answer, r.buttons.join(QStringLiteral(", "))));
             reject(box, record, m_errors.last());
             return;
         }
@@ -217,48 +130,15 @@ void RyDialogDriver::answerBox(QMessageBox *box, size_t record)
         reject(box, record, tr("it has no button to answer with"));
         return;
     }
-    m_records[record].answered = ryButtonName(button);
+    m_records[record].answered = RyDialogButtons::nameOf(button);
     m_records[record].cancelled = RyDialogButtons::givesUp(box, button);
     button->click();
-}
-
-QStringList RyDialogDriver::fillFields(QDialog *dialog)
-{
-    QStringList errors;
-    const QPointer<QDialog> guard(dialog);
-    for (size_t i = 0; i < m_fields.size() && guard && guard->isVisible(); ++i) {
-        if (m_fields[i].used)
-            continue;
-        QString name = m_fields[i].name;
-        const int slash = name.lastIndexOf(QLatin1Char('/'));
-        if (slash > 0) {
-            const QString window = name.left(slash);
-            if (window != dialog->objectName() && window != dialog->windowTitle())
-                continue;
-            name = name.mid(slash + 1);
-        }
-        m_fields[i].used = true;
-        QString error;
-        QWidget *widget = ryFindField(dialog, name);
-        if (!widget) {
-            const QStringList fields = ryDescribeFields(dialog);
-            error = fields.isEmpty()
-                        ? tr("there is no field %1, and no other").arg(name)
-                        : tr("there is no field %1; there is %2").arg(name, fields.join(QStringLiteral(", ")));
-        } else {
-            const QString value = m_fields[i].value;
-            ryFillWidget(widget, value, &error);
-        }
-        if (!error.isEmpty() && guard)
-            errors.append(tr("In the dialog \"%1\": %2.").arg(dialog->windowTitle(), error));
-    }
-    return errors;
 }
 
 void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
 {
     const QPointer<QDialog> guard(dialog);
-    const QStringList errors = fillFields(dialog);
+    const QStringList errors = m_requests.fillFields(dialog);
     m_errors += errors;
     if (!guard || !guard->isVisible())
         return;
@@ -267,23 +147,23 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
         return;
     }
     QAbstractButton *button = RyDialogButtons::acceptButton(dialog);
-    if (const Answer *answer = answerFor(m_records[record])) {
-        button = RyDialogButtons::findButton(dialog, answer->button);
+    if (const QString *answer = m_requests.takeAnswer(m_records[record])) {
+        button = RyDialogButtons::findButton(dialog, *answer);
         if (!button) {
-            m_errors.append(tr("The dialog \"%1\" has no button \"%2\"; it has %3.")
-                                .arg(m_records[record].title, answer->button,
-                                     m_records[record].buttons.join(QStringLiteral(", "))));
+            m_errors.append(
+                tr("The dialog \"%1\" has no button \"%2\"; it has %3.")
+                    .arg(m_records[record].title, *answer, m_records[record].buttons.join(QStringLiteral(", "))));
             reject(dialog, record, m_errors.last());
             return;
         }
     }
     const QPointer<QAbstractButton> pressed(button);
     QString complaint = tr("it did not take what its fields hold");
-    m_records[record].answered = button ? ryButtonName(button) : QStringLiteral("accept");
+    m_records[record].answered = button ? RyDialogButtons::nameOf(button) : QStringLiteral("accept");
     m_records[record].cancelled = RyDialogButtons::givesUp(dialog, button);
     for (int attempt = 0; attempt < Attempts && guard && guard->isVisible(); ++attempt) {
         if (button && (!pressed || !pressed->isEnabled())) {
-            const QStringList fields = ryDescribeFields(dialog);
+            const QStringList fields = RyDialogFields::describe(dialog);
             QString pressing = tr("its button %1 is disabled").arg(m_records[record].answered);
             if (const QString why = messageOf(dialog); !why.isEmpty())
                 pressing += tr(" (%1)").arg(why);
@@ -325,7 +205,7 @@ void RyDialogDriver::reject(QDialog *dialog, size_t record, const QString &reaso
     m_records[record].reason = reason;
     const QPointer<QDialog> guard(dialog);
     const QPointer<QAbstractButton> button(RyDialogButtons::escapeButton(dialog));
-    m_records[record].answered = button ? ryButtonName(button) : QStringLiteral("reject");
+    m_records[record].answered = button ? RyDialogButtons::nameOf(button) : QStringLiteral("reject");
     if (button)
         button->click();
     if (guard && guard->isVisible())

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "rycore/automation/RyDialogRecord.h"
+#include "rycore/automation/RyDialogRepeats.h"
+#include "rycore/automation/RyDialogRequests.h"
 
 #include <QDialog>
 #include <QObject>
@@ -42,8 +44,8 @@ public:
     /// What was wrong with fields and answers: unknown names, values that do not fit, missing buttons.
     const QStringList &errors() const { return m_errors; }
     /// Fields that no dialog has used.
-    QStringList unusedFields() const;
-    QStringList unusedAnswers() const;
+    QStringList unusedFields() const { return m_requests.unusedFields(); }
+    QStringList unusedAnswers() const { return m_requests.unusedAnswers(); }
     /// Forgets records, errors, fields and answers.
     void clear();
 
@@ -52,40 +54,20 @@ signals:
     void opened(QDialog *dialog);
 
 private:
-    struct Field
-    {
-        QString name, value;
-        bool used;
-    };
-    struct Answer
-    {
-        QString title, button;
-        bool used;
-    };
-    struct Opening
-    {
-        QPointer<QDialog> dialog;
-        int times;
-    };
     void startLevel(size_t level);
     void take(size_t level);
     bool isBusy(const QWidget *window) const;
-    /// A loop that asks the same again and again is left by Escape.
-    bool repeatsItself(QDialog *dialog);
-    Answer *answerFor(const RyDialogRecord &record);
     void answerBox(QMessageBox *box, size_t record);
     void acceptDialog(QDialog *dialog, size_t record);
-    QStringList fillFields(QDialog *dialog);
+    /// A loop that asks the same again and again is left by Escape.
     void leaveLoop(QDialog *dialog, size_t record);
     void reject(QDialog *dialog, size_t record, const QString &reason);
 
     std::vector<std::unique_ptr<QTimer>> m_levels; // one for each event loop within a dialog's own handling
     std::vector<QPointer<QWidget>> m_left;         // open before this driver
     std::vector<QPointer<QWidget>> m_busy;
-    std::vector<Opening> m_openings;
-    std::vector<Field> m_fields;
-    std::vector<Answer> m_answers;
+    RyDialogRequests m_requests;
+    RyDialogRepeats m_repeats;
     std::vector<RyDialogRecord> m_records;
-    int m_sameInARow = 0;
     QStringList m_errors;
 };

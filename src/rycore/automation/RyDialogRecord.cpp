@@ -1,7 +1,36 @@
 #include "rycore/automation/RyDialogRecord.h"
 
+#include "rycore/automation/RyDialogButtons.h"
+
+#include <QAbstractButton>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
+
+RyDialogRecord RyDialogRecord::of(const QDialog *dialog)
+{
+    RyDialogRecord record;
+    record.className = QString::fromLatin1(dialog->metaObject()->className());
+    record.objectName = dialog->objectName();
+    record.title = dialog->windowTitle();
+    record.parent = dialog->parentWidget();
+    if (record.parent) {
+        record.parentClass = QString::fromLatin1(record.parent->metaObject()->className());
+        record.parentName = record.parent->objectName();
+    }
+    for (const QAbstractButton *button : RyDialogButtons::buttonsOf(dialog))
+        record.buttons.append(RyDialogButtons::nameOf(button));
+    if (const QAbstractButton *button = RyDialogButtons::defaultButton(dialog))
+        record.defaultButton = RyDialogButtons::nameOf(button);
+    if (const QAbstractButton *button = RyDialogButtons::escapeButton(dialog))
+        record.escapeButton = RyDialogButtons::nameOf(button);
+    if (const auto *box = qobject_cast<const QMessageBox *>(dialog)) {
+        record.kind = MessageBox;
+        record.text = box->text();
+        record.informativeText = box->informativeText();
+        record.icon = box->icon();
+    }
+    return record;
+}
 
 QString RyDialogRecord::iconName() const
 {

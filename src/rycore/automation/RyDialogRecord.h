@@ -7,6 +7,8 @@
 #include <QVariantMap>
 #include <QWidget>
 
+class QDialog;
+
 /// What a dialog or a message box was when it opened, and what became of it.
 struct RyDialogRecord
 {
@@ -30,6 +32,9 @@ struct RyDialogRecord
     bool cancelled = false; // what was pressed gives the work up
     bool corrects = false;  // the box came from a dialog that stayed open after it, to be accepted again
     QString reason;         // why not
+
+    /// Of one that has just opened.
+    static RyDialogRecord of(const QDialog *dialog);
 
     /// "information", "warning", "critical", "question" or "none".
     QString iconName() const;

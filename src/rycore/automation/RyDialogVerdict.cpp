@@ -31,14 +31,14 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
     for (const QString &title : driver.unusedAnswers())
         verdict.notes.append(tr("No message box \"%1\" asked for its answer.").arg(title));
     if (!driver.errors().isEmpty()) {
-        verdict.wrongUse = true;
+        verdict.outcome = RyOutcome::WrongUse;
         verdict.reason = driver.errors().join(QLatin1Char(' '));
         return verdict;
     }
     for (const RyDialogRecord &record : driver.records()) {
         if (!record.tellsOfRefusal() && !record.refused)
             continue;
-        verdict.refused = true;
+        verdict.outcome = RyOutcome::Refused;
         verdict.reason = record.refused ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
                                         : record.plainText();
         return verdict;
@@ -46,12 +46,12 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
     for (const RyDialogRecord &record : driver.records()) {
         if (!record.cancelled || record.corrects)
             continue;
-        verdict.cancelled = true;
+        verdict.outcome = RyOutcome::Cancelled;
         verdict.reason = tr("\"%1\" was answered with %2.").arg(record.title, record.answered);
         break;
     }
     if (!driver.unusedFields().isEmpty()) {
-        verdict.wrongUse = verdict.unused = true;
+        verdict.outcome = ryWithUnusedFields(verdict.outcome);
         verdict.reason = unusedReason(driver);
     }
     return verdict;

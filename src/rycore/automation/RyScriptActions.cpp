@@ -1,6 +1,7 @@
 #include "rycore/automation/RyScriptActions.h"
 
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 
@@ -16,22 +17,22 @@ QScriptValue RyScriptActions::run(const QString &className, const QScriptValue &
     // Known only until another script function runs.
     QScriptContext *caller = context();
     QScriptEngine *scripts = engine();
-    RyActionRunner runner(m_manager);
     for (const QScriptValue &values : {fields, answers}) {
         if (values.isValid() && !values.isUndefined() && !values.isNull() && !values.isObject())
             return caller->throwError(
                 tr("Actions.run takes a class name, an object of fields and an object of answers."));
     }
+    RyDialogDriver driver;
     for (QScriptValueIterator field(fields); field.hasNext();) {
         field.next();
-        runner.setField(field.name(), field.value().toString());
+        driver.setField(field.name(), field.value().toString());
     }
     for (QScriptValueIterator answer(answers); answer.hasNext();) {
         answer.next();
-        runner.setAnswer(answer.name(), answer.value().toString());
+        driver.setAnswer(answer.name(), answer.value().toString());
     }
-    const RyActionResult result = runner.run(className);
-    if (result.wrongUse)
+    const RyActionResult result = RyActionRunner(m_manager).run(className, driver);
+    if (ryIsWrongUse(result.outcome))
         return caller->throwError(result.reason);
     return scripts->toScriptValue(result.toMap());
 }

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
-class QAbstractButton;
 class QWidget;
 
 /// Fills a widget as a person would, with the signals that typing and clicking send. False with a message that says
@@ -17,11 +15,5 @@ class QWidget;
 bool ryFillWidget(QWidget *widget, const QString &value, QString *error);
 /// Whether `ryFillWidget` knows what to do with a widget of this kind.
 bool ryCanFillWidget(const QWidget *widget);
-
-/// The widget of an object name below a window, "NAME#2" for the second; null when there is none.
-QWidget *ryFindField(const QWidget *window, const QString &name);
-/// The object names below a window that can be filled, each with what it takes.
-QStringList ryDescribeFields(const QWidget *window);
-
-/// The standard name of a button that has it as its text ("Ok", "YesToAll"), otherwise its text without mnemonic.
-QString ryButtonName(const QAbstractButton *button);
+/// The only widget that it can fill within one that is made of others; null where there are none or several.
+QWidget *ryFillablePart(QWidget *widget);

@@ -2,6 +2,7 @@
 
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/automation/RyDialogVerdict.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyMessageLog.h"
@@ -101,51 +102,47 @@ void BatchRunner::activateTool()
     QCoreApplication::sendPostedEvents();
 }
 
-ExitCode BatchRunner::runAction(const BatchStep &step)
+ExitCode BatchRunner::runAction(const QString &className, const RyDialogDriver &driver)
 {
     activateTool();
-    RyActionRunner runner(m_window.getActionMgr());
-    for (const auto &[name, value] : step.fields)
-        runner.setField(name, value);
-    for (const auto &[title, button] : step.answers)
-        runner.setAnswer(title, button);
-    const RyActionResult result = runner.run(step.value);
-    note(step.value, result.dialogs);
+    const RyActionResult result = RyActionRunner(m_window.getActionMgr()).run(className, driver);
+    note(className, driver.records());
     for (const QString &message : result.notes)
-        say(QStringLiteral("--run %1: %2").arg(step.value, message));
-    m_events.runs.append(QVariantMap{{QStringLiteral("action"), step.value},
-                                     {QStringLiteral("ran"), result.ran},
-                                     {QStringLiteral("refused"), result.refused},
-                                     {QStringLiteral("cancelled"), result.cancelled},
-                                     {QStringLiteral("reason"), result.reason}});
-    if (result.cancelled && !result.wrongUse)
-        say(QStringLiteral("--run %1: cancelled. %2").arg(step.value, result.reason));
-    if ((result.ran || result.cancelled) && !result.wrongUse)
-        return ExitCode::Done;
-    return fail(result.wrongUse ? ExitCode::WrongUse : ExitCode::ActionRefused,
-                QStringLiteral("--run %1: %2").arg(step.value, result.reason));
+        say(QStringLiteral("--run %1: %2").arg(className, message));
+    QVariantMap entry = ryOutcomeToMap(result.outcome, result.reason);
+    entry[QStringLiteral("action")] = className;
+    m_events.runs.append(entry);
+    const QString reason = QStringLiteral("--run %1: %2");
+    if (ryIsWrongUse(result.outcome))
+        return fail(ExitCode::WrongUse, reason.arg(className, result.reason));
+    if (result.outcome == RyOutcome::Refused)
+        return fail(ExitCode::ActionRefused, reason.arg(className, result.reason));
+    if (result.outcome == RyOutcome::Cancelled)
+        say(QStringLiteral("--run %1: cancelled. %2").arg(className, result.reason));
+    return ExitCode::Done;
 }
 
 ExitCode BatchRunner::runStep(const BatchStep &step)
 {
-    // An action takes its fields and answers itself.
     RyDialogDriver driver;
-    if (step.verb == BatchStep::Script) {
-        for (const auto &[name, value] : step.fields)
-            driver.setField(name, value);
-        for (const auto &[title, button] : step.answers)
-            driver.setAnswer(title, button);
-    }
+    for (const auto &[name, value] : step.fields)
+        driver.setField(name, value);
+    for (const auto &[title, button] : step.answers)
+        driver.setAnswer(title, button);
+    if (step.verb == BatchStep::Run)
+        return runAction(step.value, driver);
     const ExitCode code = runVerb(step);
     note(step.value, driver.records());
     const RyDialogVerdict verdict = ryJudgeDialogs(driver);
     for (const QString &message : verdict.notes)
         say(QStringLiteral("%1: %2").arg(step.value, message));
-    if (verdict.wrongUse || verdict.refused)
+    const bool refused = verdict.outcome == RyOutcome::Refused;
+    const bool wrongUse = ryIsWrongUse(verdict.outcome);
+    if (wrongUse || refused)
         say(QStringLiteral("%1: %2").arg(step.value, verdict.reason));
     if (code != ExitCode::Done)
         return code;
-    return verdict.wrongUse ? ExitCode::WrongUse : verdict.refused ? ExitCode::ActionRefused : ExitCode::Done;
+    return wrongUse ? ExitCode::WrongUse : refused ? ExitCode::ActionRefused : ExitCode::Done;
 }
 
 ExitCode BatchRunner::runVerb(const BatchStep &step)
@@ -177,7 +174,7 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
     case BatchStep::Script:
         return runScript(step.value);
     case BatchStep::Run:
-        return runAction(step);
+        break;
     }
     return ExitCode::WrongUse;
 }

@@ -3,6 +3,7 @@
 #include "ryhost/batch/BatchArguments.h"
 #include "ryhost/batch/BatchReport.h"
 
+class RyDialogDriver;
 class RyMainWindow;
 struct RyDialogRecord;
 
@@ -23,7 +24,7 @@ public:
     ExitCode run(const BatchArguments &arguments);
 
 private:
-    /// With the dialogs that open taken.
+    /// One driver takes all dialogs that open in the step.
     ExitCode runStep(const BatchStep &step);
     ExitCode open(const QString &path, bool merge);
     ExitCode select(const QString &names);
@@ -33,7 +34,8 @@ private:
     ExitCode screenshot(const BatchStep &step);
     ExitCode writeText(const QString &path, const QByteArray &text);
     ExitCode runScript(const QString &path);
-    ExitCode runAction(const BatchStep &step);
+    ExitCode runAction(const QString &className, const RyDialogDriver &driver);
+    /// All but actions, which know the driver.
     ExitCode runVerb(const BatchStep &step);
     /// The joint editor, as in a window where a person would use its actions.
     void activateTool();

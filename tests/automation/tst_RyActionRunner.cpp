@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/automation/RyActionRunner.h"
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/automation/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScript.h"
@@ -92,9 +93,18 @@ class RyActionRunnerTest : public QObject
     RyJEPlainAction *m_plain = new RyJEPlainAction;
     RyJEAskAction *m_ask = new RyJEAskAction;
     RyJECountAction *m_count = new RyJECountAction;
-    RyActionRunner m_runner{&m_manager};
+    const RyActionRunner m_runner{&m_manager};
 
-    RyActionResult run(const char *name) { return m_runner.run(QString::fromLatin1(name)); }
+    using Requests = QList<QPair<const char *, const char *>>;
+    RyActionResult run(const char *name, const Requests &fields = {}, const Requests &answers = {}) const
+    {
+        RyDialogDriver driver;
+        for (const auto &[field, value] : fields)
+            driver.setField(QString::fromLatin1(field), QString::fromLatin1(value));
+        for (const auto &[title, button] : answers)
+            driver.setAnswer(QString::fromLatin1(title), QString::fromLatin1(button));
+        return m_runner.run(QString::fromLatin1(name), driver);
+    }
 
 private slots:
     void initTestCase()
@@ -106,7 +116,7 @@ private slots:
     void runs()
     {
         const RyActionResult result = run("RyJEPlainAction");
-        QVERIFY(result.ran && !result.refused && !result.wrongUse);
+        QCOMPARE(result.outcome, RyOutcome::Ran);
         QVERIFY(result.reason.isEmpty() && result.dialogs.empty() && result.notes.isEmpty());
         QCOMPARE(m_plain->runs, 1);
     }
@@ -128,8 +138,8 @@ private slots:
     {
         QFETCH(QString, name);
         QFETCH(QString, meant);
-        const RyActionResult result = m_runner.run(name);
-        QVERIFY(!result.ran && !result.refused && result.wrongUse);
+        const RyActionResult result = m_runner.run(name, RyDialogDriver());
+        QCOMPARE(result.outcome, RyOutcome::WrongUse);
         QVERIFY2(result.reason.contains(name) && result.reason.contains(meant), qPrintable(result.reason));
     }
 
@@ -138,7 +148,7 @@ private slots:
         m_plain->setEnabled(false);
         const int before = m_plain->runs;
         RyActionResult result = run("RyJEPlainAction");
-        QVERIFY(!result.ran && result.refused);
+        QCOMPARE(result.outcome, RyOutcome::Refused);
         QVERIFY2(result.reason.contains(QLatin1String("Plain")), qPrintable(result.reason));
         m_plain->setUnavailableReason(QStringLiteral("Select a bone first."));
         result = run("RyJEPlainAction");
@@ -147,26 +157,38 @@ private slots:
         m_plain->setEnabled(true);
     }
 
-    void answersAreForOneRun()
+    void answersOfBoxes()
     {
-        m_runner.setAnswer(QStringLiteral("Sure?"), QStringLiteral("Yes"));
-        m_runner.setAnswer(QStringLiteral("Other"), QStringLiteral("Yes"));
-        const RyActionResult result = run("RyJEAskAction");
-        QVERIFY(result.ran);
+        const RyActionResult result = run("RyJEAskAction", {}, {{"Sure?", "Yes"}, {"Other", "Yes"}});
+        QCOMPARE(result.outcome, RyOutcome::Ran);
         QCOMPARE(m_ask->chosen, int(QMessageBox::Yes));
         QCOMPARE(result.dialogs.size(), size_t(1));
         QCOMPARE(result.notes.size(), 1);
         QVERIFY(result.notes.first().contains(QLatin1String("Other")));
         run("RyJEAskAction");
         QCOMPARE(m_ask->chosen, int(QMessageBox::No));
-        m_runner.setAnswer(QStringLiteral("Sure?"), QStringLiteral("Perhaps"));
-        QVERIFY(run("RyJEAskAction").wrongUse);
+        QCOMPARE(run("RyJEAskAction", {}, {{"Sure?", "Perhaps"}}).outcome, RyOutcome::WrongUse);
+    }
+
+    /// What opened before the action belongs to its run, and is judged with it.
+    void theDriverMayBeOlder()
+    {
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Before"), QStringLiteral("Cancel"));
+        QMessageBox::question(nullptr, QStringLiteral("Before"), QStringLiteral("On?"),
+                              QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok);
+        const RyActionResult result = m_runner.run(QStringLiteral("RyJEAskAction"), driver);
+        QCOMPARE(result.outcome, RyOutcome::Cancelled);
+        QVERIFY2(result.reason.contains(QLatin1String("Before")), qPrintable(result.reason));
+        QVERIFY(result.notes.isEmpty());
+        QCOMPARE(result.dialogs.size(), size_t(2));
+        QCOMPARE(result.dialogs.back().title, QStringLiteral("Sure?"));
     }
 
     void boxesThatLeaveNoChoiceRefuse()
     {
         const RyActionResult result = run("RyJERefuseAction");
-        QVERIFY(!result.ran && result.refused && !result.wrongUse);
+        QCOMPARE(result.outcome, RyOutcome::Refused);
         QCOMPARE(result.reason, QStringLiteral("Select a bone, then a figure."));
         const QVariantMap map = result.toMap();
         QCOMPARE(map.value(QStringLiteral("refused")).toBool(), true);
@@ -180,48 +202,43 @@ private slots:
 
     void fieldsOfDialogs()
     {
-        m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("12"));
-        RyActionResult result = run("RyJECountAction");
-        QVERIFY(result.ran);
+        RyActionResult result = run("RyJECountAction", {{"CountSpn", "12"}});
+        QCOMPARE(result.outcome, RyOutcome::Ran);
         QCOMPARE(m_count->count, 12);
 
-        m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("13"));
-        result = run("RyJECountAction");
-        QVERIFY(!result.ran && result.refused && !result.wrongUse);
+        result = run("RyJECountAction", {{"CountSpn", "13"}});
+        QCOMPARE(result.outcome, RyOutcome::Refused);
         for (const char *words : {"Count Things", "Even numbers only."})
             QVERIFY2(result.reason.contains(QLatin1String(words)), qPrintable(result.reason));
         QCOMPARE(result.dialogs.size(), size_t(4));
 
         // Corrected by the dialog, which then takes it: told, but no refusal.
-        m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("51"));
-        result = run("RyJECountAction");
-        QVERIFY(result.ran && !result.refused);
+        result = run("RyJECountAction", {{"CountSpn", "51"}});
+        QCOMPARE(result.outcome, RyOutcome::Ran);
         QCOMPARE(result.dialogs.size(), size_t(2));
         QCOMPARE(m_count->count, 50);
 
-        m_runner.setField(QStringLiteral("CountSpin"), QStringLiteral("14"));
-        result = run("RyJECountAction");
-        QVERIFY(!result.ran && !result.refused && result.wrongUse);
+        result = run("RyJECountAction", {{"CountSpin", "14"}});
+        QCOMPARE(result.outcome, RyOutcome::WrongUse);
         QVERIFY2(result.reason.contains(QLatin1String("CountSpn (0 to 99)")), qPrintable(result.reason));
         QCOMPARE(m_count->count, 50);
 
-        m_runner.setField(QStringLiteral("CountSpn"), QStringLiteral("14"));
-        result = run("RyJEPlainAction");
-        QVERIFY2(result.ran && result.wrongUse, "the action has run all the same");
+        result = run("RyJEPlainAction", {{"CountSpn", "14"}});
+        QCOMPARE(result.outcome, RyOutcome::RanWithUnusedFields);
+        QVERIFY2(result.toMap().value(QStringLiteral("ran")).toBool(), "the action has run all the same");
         QVERIFY2(result.reason.startsWith(QLatin1String("It ran, but")) &&
                      result.reason.contains(QLatin1String("CountSpn")),
                  qPrintable(result.reason));
 
-        m_runner.setField(QStringLiteral("Other/CountSpn"), QStringLiteral("14"));
-        result = run("RyJECountAction");
-        QVERIFY(result.wrongUse);
+        result = run("RyJECountAction", {{"Other/CountSpn", "14"}});
+        QCOMPARE(result.outcome, RyOutcome::RanWithUnusedFields);
         QVERIFY2(result.reason.contains(QLatin1String("Count Things")), qPrintable(result.reason));
     }
 
     void withoutActions()
     {
-        RyActionRunner none(nullptr);
-        QVERIFY(none.run(QStringLiteral("RyJEPlainAction")).wrongUse);
+        const RyActionRunner none(nullptr);
+        QCOMPARE(none.run(QStringLiteral("RyJEPlainAction"), RyDialogDriver()).outcome, RyOutcome::WrongUse);
         QVERIFY(none.names().isEmpty());
     }
 
@@ -240,14 +257,18 @@ private slots:
 
     void answersThatGiveUpAreNoRefusal()
     {
-        m_runner.setAnswer(QStringLiteral("Count Things"), QStringLiteral("Cancel"));
-        const RyActionResult result = run("RyJECountAction");
-        QVERIFY(result.cancelled && !result.ran && !result.refused && !result.wrongUse);
+        const RyActionResult result = run("RyJECountAction", {}, {{"Count Things", "Cancel"}});
+        QCOMPARE(result.outcome, RyOutcome::Cancelled);
         QVERIFY2(result.reason.contains(QLatin1String("Count Things")), qPrintable(result.reason));
-        QCOMPARE(result.toMap().value(QStringLiteral("cancelled")).toBool(), true);
+        const QVariantMap map = result.toMap();
+        QCOMPARE(map.value(QStringLiteral("cancelled")).toBool(), true);
+        QCOMPARE(map.value(QStringLiteral("ran")).toBool(), false);
+        const RyActionResult unused = run("RyJECountAction", {{"Other/CountSpn", "14"}}, {{"Count Things", "Cancel"}});
+        QCOMPARE(unused.outcome, RyOutcome::CancelledWithUnusedFields);
+        QVERIFY2(unused.reason.contains(QLatin1String("Other/CountSpn")), qPrintable(unused.reason));
+        QCOMPARE(unused.toMap().value(QStringLiteral("cancelled")).toBool(), true);
         // To say no is an answer like any other.
-        m_runner.setAnswer(QStringLiteral("Sure?"), QStringLiteral("No"));
-        QVERIFY(run("RyJEAskAction").ran);
+        QCOMPARE(run("RyJEAskAction", {}, {{"Sure?", "No"}}).outcome, RyOutcome::Ran);
     }
 
     void whatTheLogGets()
@@ -255,7 +276,7 @@ private slots:
         m_plain->work = [] { RyMessageLog::global().warning(QStringLiteral("The vertex 7 has no weight.")); };
         RyMessageLog::global().setEcho(false);
         RyActionResult result = run("RyJEPlainAction");
-        QVERIFY(result.ran);
+        QCOMPARE(result.outcome, RyOutcome::Ran);
         QCOMPARE(result.notes, QStringList(QStringLiteral("The vertex 7 has no weight.")));
         RyScriptEngine scripts;
         m_plain->work = [] {
@@ -264,17 +285,17 @@ private slots:
             script.execute();
         };
         result = run("RyJEPlainAction");
-        QVERIFY(!result.ran && result.refused);
+        QCOMPARE(result.outcome, RyOutcome::Refused);
         QVERIFY2(result.reason.startsWith(QLatin1String("broken(2): ")), qPrintable(result.reason));
         m_plain->work = [] { RyScript(QString()).loadFromFile(QStringLiteral("/nowhere/at/all.rsx"), true); };
         result = run("RyJEPlainAction");
-        QVERIFY(!result.ran && result.refused);
+        QCOMPARE(result.outcome, RyOutcome::Refused);
         QVERIFY2(result.reason.contains(QLatin1String("all.rsx")) &&
                      result.reason.contains(QLatin1String("no such file")),
                  qPrintable(result.reason));
         m_plain->work = nullptr;
         RyMessageLog::global().setEcho(true);
-        QVERIFY(run("RyJEPlainAction").ran);
+        QCOMPARE(run("RyJEPlainAction").outcome, RyOutcome::Ran);
     }
 };
 

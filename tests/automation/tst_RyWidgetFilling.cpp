@@ -1,5 +1,6 @@
 #include "support/RyTest.h"
 
+#include "rycore/automation/RyDialogFields.h"
 #include "rycore/automation/RyWidgetFilling.h"
 #include "rycore/ui/RyNumberField.h"
 
@@ -243,14 +244,14 @@ private slots:
             edit->setObjectName(QStringLiteral("XLed"));
         QLineEdit odd(&window);
         odd.setObjectName(QStringLiteral("odd#2"));
-        QCOMPARE(ryFindField(&window, QStringLiteral("XLed")), static_cast<QWidget *>(&first));
-        QCOMPARE(ryFindField(&window, QStringLiteral("XLed#1")), static_cast<QWidget *>(&first));
-        QCOMPARE(ryFindField(&window, QStringLiteral("XLed#2")), static_cast<QWidget *>(&second));
-        QCOMPARE(ryFindField(&window, QStringLiteral("XLed#3")), static_cast<QWidget *>(&third));
-        QCOMPARE(ryFindField(&window, QStringLiteral("odd#2")), static_cast<QWidget *>(&odd));
+        QCOMPARE(RyDialogFields::find(&window, QStringLiteral("XLed")), static_cast<QWidget *>(&first));
+        QCOMPARE(RyDialogFields::find(&window, QStringLiteral("XLed#1")), static_cast<QWidget *>(&first));
+        QCOMPARE(RyDialogFields::find(&window, QStringLiteral("XLed#2")), static_cast<QWidget *>(&second));
+        QCOMPARE(RyDialogFields::find(&window, QStringLiteral("XLed#3")), static_cast<QWidget *>(&third));
+        QCOMPARE(RyDialogFields::find(&window, QStringLiteral("odd#2")), static_cast<QWidget *>(&odd));
         for (const char *wrong : {"XLed#4", "XLed#0", "xled", "", "XLed#x"})
-            QVERIFY2(!ryFindField(&window, QString::fromLatin1(wrong)), wrong);
-        QCOMPARE(ryDescribeFields(&window),
+            QVERIFY2(!RyDialogFields::find(&window, QString::fromLatin1(wrong)), wrong);
+        QCOMPARE(RyDialogFields::describe(&window),
                  (QStringList{QStringLiteral("XLed (text)"), QStringLiteral("XLed#2 (text)"),
                               QStringLiteral("XLed#3 (text)"), QStringLiteral("odd#2 (text)")}));
     }

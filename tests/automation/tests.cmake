@@ -1,0 +1,1 @@
+ry_test(automation GL LIBS rycore)
