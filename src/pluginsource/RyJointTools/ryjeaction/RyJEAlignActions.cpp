@@ -3,7 +3,6 @@
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
@@ -24,29 +23,9 @@ static void runOnPrimarySelection(bool (*operation)(RyNode *), const QString &ca
         hold.cancel();
 }
 
-RyJEAlignNodeAction::RyJEAlignNodeAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJEAlignNodeAction::selectionChanged()
-{
-    enableBy(isAnyNode);
-}
-
 void RyJEAlignNodeAction::executeAction()
 {
     runOnPrimarySelection(alignNode, text());
-}
-
-RyJEAlignAllBonesAction::RyJEAlignAllBonesAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJEAlignAllBonesAction::selectionChanged()
-{
-    enableBy(isSkeletonOrBone);
 }
 
 void RyJEAlignAllBonesAction::executeAction()
@@ -67,29 +46,9 @@ void RyJEAlignAllBonesAction::executeAction()
         hold.cancel();
 }
 
-RyJESnapCenterPointAction::RyJESnapCenterPointAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJESnapCenterPointAction::selectionChanged()
-{
-    enableBy(isSkeletonOrBone);
-}
-
 void RyJESnapCenterPointAction::executeAction()
 {
     runOnPrimarySelection(snapCenterPoint, text());
-}
-
-RyJESnapEndPointAction::RyJESnapEndPointAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJESnapEndPointAction::selectionChanged()
-{
-    enableBy(isSkeletonOrBone);
 }
 
 void RyJESnapEndPointAction::executeAction()

@@ -8,42 +8,42 @@ class RyJEAlignNodeAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEAlignNodeAction();
+    RyJEAlignNodeAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJEAlignAllBonesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEAlignAllBonesAction();
+    RyJEAlignAllBonesAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJESnapCenterPointAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJESnapCenterPointAction();
+    RyJESnapCenterPointAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJESnapEndPointAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJESnapEndPointAction();
+    RyJESnapEndPointAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };

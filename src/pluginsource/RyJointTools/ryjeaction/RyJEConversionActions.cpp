@@ -21,11 +21,6 @@ static bool hasGeometry(const RyNode *node)
     return mesh && mesh->getNumVertices() > 0;
 }
 
-RyJEConvertPropToFigureAction::RyJEConvertPropToFigureAction() : RyJEToolAction(staticMetaObject)
-{
-    setEnabled(true);
-}
-
 void RyJEConvertPropToFigureAction::executeAction()
 {
     const QPointer<RyNode> prop = ryScene()->getPrimarySelection();
@@ -44,11 +39,6 @@ void RyJEConvertPropToFigureAction::executeAction()
                                   dialog->getRigging() == RyConvertPropToFigureDlg::Rigging::LocalMaps,
                                   dialog->inheritsParentSkeleton());
     RyApp::endBusyCursor();
-}
-
-RyJEConvertFigureToPropAction::RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject)
-{
-    setEnabled(true);
 }
 
 void RyJEConvertFigureToPropAction::executeAction()

@@ -8,7 +8,7 @@ class RyJEConvertPropToFigureAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEConvertPropToFigureAction();
+    RyJEConvertPropToFigureAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
@@ -18,7 +18,7 @@ class RyJEConvertFigureToPropAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEConvertFigureToPropAction();
+    RyJEConvertFigureToPropAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;

@@ -7,7 +7,6 @@
 #include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/app/RyApp.h"
@@ -18,16 +17,6 @@
 #include "rycore/scene/RyScene.h"
 
 #include <algorithm>
-
-RyJECreateBoneAction::RyJECreateBoneAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJECreateBoneAction::selectionChanged()
-{
-    enableBy(isSkeletonOrBone);
-}
 
 void RyJECreateBoneAction::executeAction()
 {
@@ -45,16 +34,6 @@ static void saySkinIsMissing()
 {
     if (RyMainWindow *window = RyApp::getInterface())
         window->showMessage(RyJEToolAction::tr("Nothing done: select a bone of a figure that has a skin."));
-}
-
-RyJECreateSiblingBoneAction::RyJECreateSiblingBoneAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJECreateSiblingBoneAction::selectionChanged()
-{
-    enableBy(isBoneOfFigure);
 }
 
 void RyJECreateSiblingBoneAction::executeAction()
@@ -109,16 +88,6 @@ void logFailure(const RyDuplicateFailure &failure)
 
 } // namespace
 
-RyJEDuplicateBonesAction::RyJEDuplicateBonesAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJEDuplicateBonesAction::selectionChanged()
-{
-    enableBy(isAnyNode);
-}
-
 void RyJEDuplicateBonesAction::executeAction()
 {
     RyAssetIOMgr *assets = RyApp::getAssetIOMgr();
@@ -135,22 +104,8 @@ void RyJEDuplicateBonesAction::executeAction()
     }
 }
 
-RyJESplitBoneAction::RyJESplitBoneAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJESplitBoneAction::selectionChanged()
-{
-    enableBy(isAnyNode);
-}
-
 void RyJESplitBoneAction::executeAction()
 {
     if (!splitBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection())))
         saySkinIsMissing();
 }
-
-RyJECreateDonorFigureAction::RyJECreateDonorFigureAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJECreateControlBonesAction::RyJECreateControlBonesAction() : RyJEToolAction(staticMetaObject) {}

@@ -8,56 +8,56 @@ class RyJECreateBoneAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJECreateBoneAction();
+    RyJECreateBoneAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJECreateSiblingBoneAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJECreateSiblingBoneAction();
+    RyJECreateSiblingBoneAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJEDuplicateBonesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEDuplicateBonesAction();
+    RyJEDuplicateBonesAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJESplitBoneAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJESplitBoneAction();
+    RyJESplitBoneAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJECreateDonorFigureAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJECreateDonorFigureAction();
+    RyJECreateDonorFigureAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJECreateControlBonesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJECreateControlBonesAction();
+    RyJECreateControlBonesAction() : RyJEToolAction(staticMetaObject) {}
 };

@@ -3,7 +3,6 @@
 #include "pluginsource/RyJointTools/dialogs/runMessageBox.h"
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
@@ -13,16 +12,6 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
-
-RyJEDeleteBoneAction::RyJEDeleteBoneAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJEDeleteBoneAction::selectionChanged()
-{
-    enableBy(isBone);
-}
 
 void RyJEDeleteBoneAction::executeAction()
 {
@@ -39,16 +28,6 @@ void RyJEDeleteBoneAction::executeAction()
     ryScene()->selectAllNodes(false);
     if (parent)
         parent->select(true);
-}
-
-RyJEDeleteUnusedBonesAction::RyJEDeleteUnusedBonesAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJEDeleteUnusedBonesAction::selectionChanged()
-{
-    enableBy(isOfFigure);
 }
 
 void RyJEDeleteUnusedBonesAction::executeAction()

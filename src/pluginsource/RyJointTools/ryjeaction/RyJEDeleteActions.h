@@ -8,20 +8,20 @@ class RyJEDeleteBoneAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEDeleteBoneAction();
+    RyJEDeleteBoneAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJEDeleteUnusedBonesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEDeleteUnusedBonesAction();
+    RyJEDeleteUnusedBonesAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };

@@ -4,11 +4,6 @@
 #include "pluginsource/RyJointTools/dialogs/RyJointEditorToolDrawingOptionsDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/findJointEditorTool.h"
 
-RyJECustomColorsAction::RyJECustomColorsAction() : RyJEToolAction(staticMetaObject)
-{
-    setEnabled(true);
-}
-
 void RyJECustomColorsAction::executeAction()
 {
     if (RyJointEditorTool *tool = findJointEditorTool())

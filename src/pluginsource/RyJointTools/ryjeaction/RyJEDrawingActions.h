@@ -9,7 +9,7 @@ class RyJECustomColorsAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJECustomColorsAction();
+    RyJECustomColorsAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;

@@ -8,19 +8,19 @@ class RyJEMirrorAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEMirrorAction();
+    RyJEMirrorAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJEBakeRotationsAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEBakeRotationsAction();
+    RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJETransferWSRiggingAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJETransferWSRiggingAction();
+    RyJETransferWSRiggingAction() : RyJEToolAction(staticMetaObject) {}
 };

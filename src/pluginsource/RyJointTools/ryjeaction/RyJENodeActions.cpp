@@ -16,27 +16,12 @@
 #include "rycore/script/RyScript.h"
 #include "rycore/ui/RyNodeDlg.h"
 
-RyJERenameNodeAction::RyJERenameNodeAction() : RyJEToolAction(staticMetaObject)
-{
-    followSelection();
-}
-
-void RyJERenameNodeAction::selectionChanged()
-{
-    enableBy(isAnyNode);
-}
-
 void RyJERenameNodeAction::executeAction()
 {
     RyScript script{QString()};
     if (script.loadFromFile(
             RyApp::getHomePath() + QStringLiteral("/scripts/support/Velmor/OstraToolkit/ryRenameNode.rsx"), true))
         script.execute();
-}
-
-RyJEReparentBoneAction::RyJEReparentBoneAction() : RyJEToolAction(staticMetaObject)
-{
-    setEnabled(true);
 }
 
 namespace {

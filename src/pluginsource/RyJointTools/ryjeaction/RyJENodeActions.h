@@ -8,19 +8,19 @@ class RyJERenameNodeAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJERenameNodeAction();
+    RyJERenameNodeAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     /// Runs the host's rename script, which does all the work; nothing where there is none.
     void executeAction() override;
-    void selectionChanged();
+    void selectionChanged() { followRule(); }
 };
 
 class RyJEReparentBoneAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEReparentBoneAction();
+    RyJEReparentBoneAction() : RyJEToolAction(staticMetaObject) {}
 
 public slots:
     void executeAction() override;

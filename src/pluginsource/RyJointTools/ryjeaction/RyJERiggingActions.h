@@ -8,26 +8,26 @@ class RyJEMemorizeFigureRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEMemorizeFigureRiggingPropertiesAction();
+    RyJEMemorizeFigureRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJEMemorizeNodeRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJEMemorizeNodeRiggingPropertiesAction();
+    RyJEMemorizeNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJERestoreFigureRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJERestoreFigureRiggingPropertiesAction();
+    RyJERestoreFigureRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
 };
 
 class RyJERestoreNodeRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJERestoreNodeRiggingPropertiesAction();
+    RyJERestoreNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
 };

@@ -6,8 +6,9 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
-RyJERotationOrderAction::RyJERotationOrderAction(const QMetaObject &actionClass, RyRotationOrder::Code order)
-    : RyJEToolAction(actionClass), m_order(order)
+RyJERotationOrderAction::RyJERotationOrderAction(const QMetaObject &actionClass, RyRotationOrder::Code order,
+                                                 const char *caption)
+    : RyJEToolAction(actionClass), m_order(order), m_caption(caption)
 {}
 
 void RyJERotationOrderAction::setOrderOfPrimarySelection() const
@@ -18,5 +19,5 @@ void RyJERotationOrderAction::setOrderOfPrimarySelection() const
         tool->changeRotationOrder(node, m_order);
     else if (node)
         node->setRotationOrder(m_order);
-    hold.accept(RyJEToolAction::tr("Rotation Order %1").arg(text()));
+    hold.accept(RyJEToolAction::tr(m_caption));
 }

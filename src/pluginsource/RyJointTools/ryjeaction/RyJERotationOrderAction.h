@@ -1,7 +1,6 @@
 #pragma once
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
-#include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 
 #include "rycore/math/RyRotationOrder.h"
 
@@ -9,11 +8,13 @@
 class RyJERotationOrderAction : public RyJEToolAction
 {
 protected:
-    RyJERotationOrderAction(const QMetaObject &actionClass, RyRotationOrder::Code order);
+    /// `caption` is that of the undo step, a source text of the context RyJEToolAction.
+    RyJERotationOrderAction(const QMetaObject &actionClass, RyRotationOrder::Code order, const char *caption);
 
     /// Always one undo step, also when the node has that order already and when nothing is selected.
     void setOrderOfPrimarySelection() const;
 
 private:
     RyRotationOrder m_order;
+    const char *m_caption;
 };

@@ -7,9 +7,7 @@
 
 RyJEToggleAction::RyJEToggleAction(const QMetaObject &actionClass, const RyToolFlag &flag)
     : RyJEToolAction(actionClass), m_flag(flag)
-{
-    setEnabled(true);
-}
+{}
 
 void RyJEToggleAction::init()
 {

@@ -10,29 +10,25 @@ RyJEToolAction::RyJEToolAction(const QString &text, const QString &description) 
     setObjectName(QStringLiteral("JointEditorToolAction"));
 }
 
-RyJEToolAction::RyJEToolAction(const RyJEActionText &row) : RyJEToolAction(tr(row.text), tr(row.description))
+RyJEToolAction::RyJEToolAction(const RyJEActionRow &row) : RyJEToolAction(tr(row.text), tr(row.description))
 {
+    m_rule = &row.rule;
+    setObjectName(QString::fromLatin1(row.className));
     setCheckable(row.checkable);
     setSearchWords(tr(row.searchWords));
+    setUnavailableReason(m_rule->reason ? tr(m_rule->reason) : QString());
+    followRule();
+    if (m_rule->looksAtSelection)
+        connect(ryScene(), &RyScene::nodeSelectionListChanged, this, &RyJEToolAction::followRule);
 }
 
-RyJEToolAction::RyJEToolAction(const QMetaObject &actionClass) : RyJEToolAction(ryJEActionText(actionClass.className()))
-{
-    setObjectName(QString::fromLatin1(actionClass.className()));
-    setEnabled(false);
-    setUnavailableReason(tr("Not available yet in this version."));
-}
+RyJEToolAction::RyJEToolAction(const QMetaObject &actionClass) : RyJEToolAction(ryJEActionRow(actionClass.className()))
+{}
 
-void RyJEToolAction::followSelection()
+void RyJEToolAction::followRule()
 {
-    QMetaObject::invokeMethod(this, "selectionChanged", Qt::DirectConnection);
-    connect(ryScene(), SIGNAL(nodeSelectionListChanged()), this, SLOT(selectionChanged()));
-}
-
-void RyJEToolAction::enableBy(const RySelectionRule &rule)
-{
-    setUnavailableReason(tr(rule.reason));
-    setEnabled(rule(ryScene()->getPrimarySelection()));
+    if (m_rule)
+        setEnabled(m_rule->holds(ryScene()->getPrimarySelection()));
 }
 
 QString RyJEToolAction::getActionGroup() const

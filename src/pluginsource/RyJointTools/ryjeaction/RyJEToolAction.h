@@ -2,7 +2,7 @@
 
 #include "rycore/ui/RyAction.h"
 
-struct RyJEActionText;
+struct RyJEActionRow;
 struct RySelectionRule;
 
 /// Base of every menu action of the joint editor.
@@ -15,15 +15,15 @@ public:
     QString getActionGroup() const override;
 
 protected:
-    /// Takes the texts of the class from the action table and the class name as object name. The action starts
-    /// disabled, and says that it is not available yet, until its class enables it or lets it follow the selection.
+    /// Takes what the action table says of the class, and the class name as object name. A rule that looks at the
+    /// selection is followed from then on.
     explicit RyJEToolAction(const QMetaObject &actionClass);
 
-    /// Calls the slot selectionChanged() of the class now and whenever the selection changes.
-    void followSelection();
-    /// Enables the action while the rule holds for the primary selection; otherwise the rule's reason is shown.
-    void enableBy(const RySelectionRule &rule);
+    /// Enables the action while its rule holds; otherwise the rule's reason is shown.
+    void followRule();
 
 private:
-    explicit RyJEToolAction(const RyJEActionText &row);
+    explicit RyJEToolAction(const RyJEActionRow &row);
+
+    const RySelectionRule *m_rule = nullptr;
 };

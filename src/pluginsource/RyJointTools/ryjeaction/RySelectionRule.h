@@ -2,12 +2,27 @@
 
 class RyNode;
 
+/// Of the primary selection, which may be null.
+using RyNodePredicate = bool (*)(const RyNode *primary);
+
+template<RyNodePredicate... Predicates>
+bool allOf([[maybe_unused]] const RyNode *primary)
+{
+    return (Predicates(primary) && ...);
+}
+
+template<RyNodePredicate... Predicates>
+bool anyOf([[maybe_unused]] const RyNode *primary)
+{
+    return (Predicates(primary) || ...);
+}
+
 /// What an action needs of the primary selection to be enabled.
 struct RySelectionRule
 {
-    bool (*holds)(const RyNode *primary);
-    const char *reason; // what to do where it does not hold: source text of the context RyJEToolAction
+    RyNodePredicate holds;
+    const char *reason; // what to do where it does not hold: source text of the context RyJEToolAction, null for none
+    bool looksAtSelection = true;
 
-    /// Of the primary selection, which may be null.
     bool operator()(const RyNode *primary) const { return holds(primary); }
 };

@@ -3,20 +3,32 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 
-const RySelectionRule isAnyNode = {[](const RyNode *primary) { return primary != nullptr; },
-                                   QT_TRANSLATE_NOOP("RyJEToolAction", "Select something in the scene first.")};
+namespace {
 
-const RySelectionRule isSkeletonOrBone = {
-    [](const RyNode *primary) { return qobject_cast<const RySkeleton *>(primary) || isBone(primary); },
-    QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone or a figure first.")};
+bool isThere(const RyNode *primary)
+{
+    return primary != nullptr;
+}
 
-const RySelectionRule isBone = {[](const RyNode *primary) { return qobject_cast<const RyBone *>(primary) != nullptr; },
-                                QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone first.")};
+template<typename T>
+bool isA(const RyNode *primary)
+{
+    return qobject_cast<const T *>(primary) != nullptr;
+}
 
-const RySelectionRule isOfFigure = {
-    [](const RyNode *primary) { return primary && qobject_cast<const RyFigure *>(primary->getSkeleton()); },
-    QT_TRANSLATE_NOOP("RyJEToolAction", "Select a weight-mapped figure or a part of one first.")};
+bool hasFigure(const RyNode *primary)
+{
+    return primary && isA<RyFigure>(primary->getSkeleton());
+}
 
-const RySelectionRule isBoneOfFigure = {
-    [](const RyNode *primary) { return isBone(primary) && isOfFigure(primary); },
-    QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone of a weight-mapped figure first.")};
+} // namespace
+
+// clang-format off
+const RySelectionRule always           = {allOf<>, nullptr, false};
+const RySelectionRule notYet           = {anyOf<>, QT_TRANSLATE_NOOP("RyJEToolAction", "Not available yet in this version."), false};
+const RySelectionRule isAnyNode        = {isThere, QT_TRANSLATE_NOOP("RyJEToolAction", "Select something in the scene first.")};
+const RySelectionRule isSkeletonOrBone = {anyOf<isA<RySkeleton>, isA<RyBone>>, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone or a figure first.")};
+const RySelectionRule isBone           = {isA<RyBone>, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone first.")};
+const RySelectionRule isOfFigure       = {hasFigure, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a weight-mapped figure or a part of one first.")};
+const RySelectionRule isBoneOfFigure   = {allOf<isA<RyBone>, hasFigure>, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone of a weight-mapped figure first.")};
+// clang-format on

@@ -1,7 +1,0 @@
-#include "pluginsource/RyJointTools/ryjeaction/RyJEEditActions.h"
-
-RyJEMirrorAction::RyJEMirrorAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJEBakeRotationsAction::RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}
-
-RyJETransferWSRiggingAction::RyJETransferWSRiggingAction() : RyJEToolAction(staticMetaObject) {}
