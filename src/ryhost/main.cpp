@@ -4,17 +4,24 @@
 #include "ryhost/batch/BatchRunner.h"
 #include "ryhost/commands/CommandLine.h"
 #include "ryhost/demo/DemoSession.h"
+#include "ryhost/start/HostTranslations.h"
 #include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QApplication>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
 int runWindow(const CommandLine &line)
 {
+    // Batch runs and the demonstration find menus, boxes and steps by their texts, and are the same everywhere.
+    std::unique_ptr<HostTranslations> translations;
+    if (line.mode == CommandLine::Window)
+        translations =
+            std::make_unique<HostTranslations>(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());
     HostWindow window(ryScene());
     window.start();
     window.show();
