@@ -7,6 +7,7 @@
 #include "pluginsource/RyJointTools/operations/reparentBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 #include "rycore/app/RyApp.h"
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
@@ -20,9 +21,9 @@ const QString figureBoneWarning =
 const QString levelWarning = QStringLiteral(
     "warning|Reparenting Warning|The bone you have selected is not at the same level in the hierarchy. This can have "
     "unexpected results. Would you like to continue?|Ok,Cancel|Ok|Cancel");
-const QString loopWarning = QStringLiteral(
-    "warning|Reparenting Warning|A bone cannot become a child of itself or of a bone below it.|Ok|Ok|Ok");
-const QString otherFigureWarning = QStringLiteral("warning|Reparenting Warning|A bone cannot move to another figure: "
+const QString loopWarning =
+    QStringLiteral("warning|Selection Error|A bone cannot become a child of itself or of a bone below it.|Ok|Ok|Ok");
+const QString otherFigureWarning = QStringLiteral("warning|Selection Error|A bone cannot move to another figure: "
                                                   "the skin of its own figure moves vertices by it.|Ok|Ok|Ok");
 const QString levelTitle = QStringLiteral("Reparenting Warning");
 
@@ -62,7 +63,7 @@ private slots:
     void pickerOffersTheFigure();
     void actionAsksAboutLevels_data();
     void actionAsksAboutLevels();
-    void presentParentChangesNothing();
+    void presentParentMakesItTheLastChild();
     void picksAgainAfterARefusal();
     void actionLeavesUndoAndBindingsAlone();
     void renameRunsTheScript();
@@ -261,11 +262,6 @@ void RyNodeActionsTest::actionAsksAboutLevels_data()
                                 << ""
                                 << ""
                                 << "rThigh";
-    QTest::newRow("where it is") << "lShin"
-                                 << "lThigh"
-                                 << ""
-                                 << ""
-                                 << "lThigh";
     QTest::newRow("deeper, Ok") << "rThigh"
                                 << "lShin"
                                 << "Ok" << levelWarning << "lShin";
@@ -277,10 +273,10 @@ void RyNodeActionsTest::actionAsksAboutLevels_data()
                                    << "Ok" << levelWarning << "figure";
     QTest::newRow("below itself") << "lThigh"
                                   << "lFoot"
-                                  << "Ok" << loopWarning << "hip";
+                                  << "" << loopWarning << "hip";
     QTest::newRow("itself") << "lThigh"
                             << "lThigh"
-                            << "Ok" << loopWarning << "hip";
+                            << "" << loopWarning << "hip";
 }
 
 void RyNodeActionsTest::actionAsksAboutLevels()
@@ -312,16 +308,37 @@ void RyNodeActionsTest::actionAsksAboutLevels()
         QCOMPARE(scene.dump(), before);
 }
 
-void RyNodeActionsTest::presentParentChangesNothing()
+void RyNodeActionsTest::presentParentMakesItTheLastChild()
 {
-    RyWindowScene scene;
-    ryScene()->setSelection({scene.lThigh}); // the first of two children
+    RySkinnedScene scene;
+    scene.pose();
+    scene.lThigh->getScaleControl()->setValue(1.2f);
+    const RyNode *after = RyToolScene::makeBone(scene.hip, "tail", {0, 100, -4}, {0, 90, -12});
+    ryScene()->setSelection({scene.lThigh}); // the first of three children
+    const std::vector<RyNode *> children = scene.hip->nodeChildrenIterator();
+    const std::vector<RyBoneBinding *> bindings = scene.skin->bindings();
+    const std::vector<RyVec3> shown = scene.shown();
+    const RyVec3 end = scene.lThigh->getWSEndPoint();
     const QString before = scene.dump();
     RyDialogDriver driver;
     driver.setField(QStringLiteral("NodeDlgSearchLEdit"), QStringLiteral("hip"));
+    RyUndoStackHold hold;
     RyJEReparentBoneAction().executeAction();
+    hold.accept(QStringLiteral("Around it"));
     QCOMPARE(int(driver.records().size()), 1);
+    const std::vector<RyNode *> moved = {children[1], const_cast<RyNode *>(after), scene.lThigh};
+    QCOMPARE(scene.hip->nodeChildrenIterator(), moved);
+    QCOMPARE(scene.lThigh->getWSEndPoint(), end);
+    QCOMPARE(scene.shown(), shown);
+    QCOMPARE(scene.skin->bindings(), bindings);
+    QCOMPARE(ryScene()->getPrimarySelection(), static_cast<RyNode *>(scene.lThigh));
+    const QString done = scene.dump();
+    QVERIFY(done != before);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.hip->nodeChildrenIterator(), children);
     QCOMPARE(scene.dump(), before);
+    ryUndoStack()->redo();
+    QCOMPARE(scene.dump(), done);
 }
 
 void RyNodeActionsTest::picksAgainAfterARefusal()

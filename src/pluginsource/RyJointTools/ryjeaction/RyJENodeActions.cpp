@@ -26,12 +26,6 @@ void RyJERenameNodeAction::executeAction()
 
 namespace {
 
-QMessageBox::StandardButton warnOfReparenting(const QString &text, QMessageBox::StandardButtons buttons)
-{
-    return runMessageBox(QMessageBox::Warning, RyApp::getInterface(), RyJEToolAction::tr("Reparenting Warning"), text,
-                         buttons, QMessageBox::Ok);
-}
-
 /// A bone that gets another parent. While dialogs are open it, its figure and the parent may leave the scene.
 class Reparenting
 {
@@ -42,8 +36,6 @@ public:
     void run()
     {
         while (pickParent()) {
-            if (m_parent == m_bone->getNodeParent())
-                return;
             const ReparentObstacle obstacle = findReparentObstacle(m_bone, m_parent);
             if (obstacle == ReparentObstacle::None) {
                 if (agreesToLevel())
@@ -55,7 +47,7 @@ public:
                     ? RyJEToolAction::tr("A bone cannot become a child of itself or of a bone below it.")
                     : RyJEToolAction::tr(
                           "A bone cannot move to another figure: the skin of its own figure moves vertices by it.");
-            if (warnOfReparenting(reason, QMessageBox::Ok) != QMessageBox::Ok)
+            if (!warnOfSelection(reason, RyApp::getInterface()))
                 return;
         }
     }
@@ -85,10 +77,11 @@ private:
     {
         if (areAtTheSameLevel(m_bone->getNodeParent(), m_parent))
             return true;
-        const auto answer = warnOfReparenting(
+        const auto answer = runMessageBox(
+            QMessageBox::Warning, RyApp::getInterface(), RyJEToolAction::tr("Reparenting Warning"),
             RyJEToolAction::tr("The bone you have selected is not at the same level in the hierarchy. This can have "
                                "unexpected results. Would you like to continue?"),
-            QMessageBox::Ok | QMessageBox::Cancel);
+            QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok);
         return answer == QMessageBox::Ok && isThere() && isParentThere();
     }
 

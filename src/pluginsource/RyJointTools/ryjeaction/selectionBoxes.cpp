@@ -6,9 +6,10 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
 
-static void showBox(QMessageBox::Icon icon, const QString &text, QWidget *parent)
+static bool showBox(QMessageBox::Icon icon, const QString &text, QWidget *parent)
 {
-    runMessageBox(icon, parent, RyJEToolAction::tr("Selection Error"), text, QMessageBox::Ok, QMessageBox::Ok);
+    return runMessageBox(icon, parent, RyJEToolAction::tr("Selection Error"), text, QMessageBox::Ok, QMessageBox::Ok) ==
+           QMessageBox::Ok;
 }
 
 void warnOfSelection(const QString &text)
@@ -16,9 +17,9 @@ void warnOfSelection(const QString &text)
     warnOfSelection(text, RyApp::getDialogParent());
 }
 
-void warnOfSelection(const QString &text, QWidget *parent)
+bool warnOfSelection(const QString &text, QWidget *parent)
 {
-    showBox(QMessageBox::Warning, text, parent);
+    return showBox(QMessageBox::Warning, text, parent);
 }
 
 void informOfSelection(const QString &text)

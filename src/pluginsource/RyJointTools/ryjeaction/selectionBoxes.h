@@ -8,7 +8,7 @@ class QWidget;
 
 /// With the warning sign, over whatever dialog is open, else the main window.
 void warnOfSelection(const QString &text);
-/// With the warning sign, over that widget.
-void warnOfSelection(const QString &text, QWidget *parent);
+/// With the warning sign, over that widget. False when nobody answered: the box went with its window.
+bool warnOfSelection(const QString &text, QWidget *parent);
 /// With the information sign, over the main window.
 void informOfSelection(const QString &text);
