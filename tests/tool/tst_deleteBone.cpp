@@ -4,6 +4,7 @@
 #include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
+#include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyFloatProperty.h"

@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/operations/bindBone.h"
 
+#include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/operations/normalizeWeights.h"
 
 #include "rycore/mesh/RyVertexMesh.h"
@@ -98,4 +99,10 @@ RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *s
     }
     normalizeWeights(skin);
     return binding;
+}
+
+void bindWithHalfOf(RyBone *bone, const RyBone *source)
+{
+    for (RySkinBinding *skin : findSkinsThatBind(source))
+        bindWithHalfOf(skin, bone, source);
 }

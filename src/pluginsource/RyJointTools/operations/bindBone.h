@@ -20,3 +20,5 @@ RyBoneBinding *copyBoneBinding(RySkinBinding *skin, RyBone *bone, const RyBone *
 /// The same, and then the two share what the one had, half each, so that vertices stay where they are as long as the
 /// bones move alike. Normalizes the skin.
 RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *source);
+/// The same in every skin that binds `source`, those of other figures included.
+void bindWithHalfOf(RyBone *bone, const RyBone *source);

@@ -21,8 +21,7 @@ static void copyPose(const RyBone *source, const RyBone *target)
 
 RyBone *createSiblingBone(RyBone *source)
 {
-    RySkinBinding *skin = RySkinBinding::findSkinFromNode(source);
-    if (!skin)
+    if (!RySkinBinding::findSkinFromNode(source))
         return nullptr;
     RyBone *sibling = makeBoneLike(source, source->getOrigin(), source->getEndPoint());
     sibling->setInheritScale(source->inheritsScale());
@@ -30,6 +29,6 @@ RyBone *createSiblingBone(RyBone *source)
     ryScene()->addNode(sibling);
     if (RyNode *parent = source->getNodeParent())
         parent->addNodeChild(sibling);
-    bindWithHalfOf(skin, sibling, source);
+    bindWithHalfOf(sibling, source);
     return sibling;
 }

@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 
+#include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/operations/normalizeWeights.h"
 
 #include "rycore/scene/RyBone.h"
@@ -63,20 +64,6 @@ void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target)
     target->beginEdit();
     target->setAffected(target->getNumWeights(), std::move(indices), std::move(weights));
     target->finishEdit();
-}
-
-std::vector<RySkinBinding *> findSkinsThatBind(const RyBone *bone)
-{
-    std::vector<RySkinBinding *> skins;
-    const auto add = [&](RySkinBinding *skin) {
-        if (skin && skin->findBoneBinding(bone) && std::find(skins.begin(), skins.end(), skin) == skins.end())
-            skins.push_back(skin);
-    };
-    add(RySkinBinding::findSkinFromNode(bone->getNodeParent()));
-    add(RySkinBinding::findSkinFromNode(bone));
-    for (const RySkeleton *skeleton : ryScene()->getSkeletons())
-        add(RySkinBinding::findSkin(skeleton));
-    return skins;
 }
 
 void moveWeightsOfDeletedBone(RySkinBinding *skin, const RyBone *deleted, const RyNode *parent)

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <vector>
-
 class RyBone;
 class RyNode;
 class RySkinBinding;
@@ -15,9 +13,6 @@ void deleteBone(RyBone *bone);
 /// Adds the weights of `source` to those of `target`, up to full weight, within an edit of it. Nothing unless both are
 /// there and have the same number of weights; works on the affected vertices alone.
 void mergeWeightMap(const RyWeightMap *source, RyWeightMap *target);
-/// The skins that have a binding of the bone: that of its parent's skeleton first, then that of its own, then those of
-/// other figures in the scene. A figure may be moved by a bone of the skeleton that it hangs on.
-std::vector<RySkinBinding *> findSkinsThatBind(const RyBone *bone);
 /// Gives all weights that a bone, which left `parent`, has in a skin to the nearest bound bone from there upwards; when
 /// there is none up to the skeleton, to its first child that is a bound bone; to nobody when the chain ends without a
 /// skeleton. Then the bone's binding goes and the skin is normalized. Nothing without a skin that binds the bone.

@@ -9,8 +9,7 @@
 
 RyBone *splitBone(RyBone *bone)
 {
-    RySkinBinding *skin = RySkinBinding::findSkinFromNode(bone);
-    if (!skin)
+    if (!RySkinBinding::findSkinFromNode(bone))
         return nullptr;
     const RyVec3 origin = bone->getOrigin();
     const RyVec3 endPoint = bone->getEndPoint();
@@ -20,7 +19,7 @@ RyBone *splitBone(RyBone *bone)
     outer->setInheritScale(false);
     ryScene()->addNode(outer);
     bone->addNodeChild(outer);
-    bindWithHalfOf(skin, outer, bone);
+    bindWithHalfOf(outer, bone);
     const std::vector<RyNode *> children = bone->nodeChildrenIterator();
     for (auto child = children.rbegin(); child != children.rend(); ++child) {
         if (*child != outer && qobject_cast<RyBone *>(*child))
