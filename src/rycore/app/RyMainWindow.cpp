@@ -1,6 +1,7 @@
 #include "rycore/app/RyMainWindow.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/app/RyScriptSteps.h"
 #include "rycore/app/addScriptServices.h"
 #include "rycore/base/RyClassFactory.h"
 #include "rycore/base/RyPluginManager.h"
@@ -63,6 +64,8 @@ RyMainWindow::RyMainWindow(RyScene *scene, QWidget *parent) : QMainWindow(parent
     d->actions = std::make_unique<RyActionMgr>(d->viewports.get());
     d->scripts->setGlobalScene(scene);
     ryAddScriptServices(d->scripts.get(), d->actions.get());
+    if (scene)
+        new RyScriptSteps(scene, d->viewports.get(), d->scripts.get(), this);
     connect(d->viewports.get(), &RyViewportMgr::viewportAdded, this, [this](Ry3DViewport *viewport) {
         connect(viewport, &Ry3DViewport::contextMenuRequested, this, &RyMainWindow::showToolMenu);
     });

@@ -61,6 +61,7 @@ void trigger(RyAction *action, const RyDialogDriver &driver, RyActionResult &res
 {
     const LogWatch log;
     action->trigger();
+    QCoreApplication::sendPostedEvents();
     const RyDialogVerdict verdict = ryJudgeDialogs(driver);
     result.outcome = verdict.outcome;
     result.reason = verdict.reason;

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <utility>
 
 static std::vector<RyScriptEngine *> engines;
 
@@ -98,7 +99,9 @@ QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fil
         context->setThisObject(globalObject());
     }
     ++m_running;
+    const int actions = std::exchange(m_actions, 0);
     const QScriptValue result = QScriptEngine::evaluate(program, fileName, firstLine);
+    m_actions = actions;
     --m_running;
     const QString place = fileName.isEmpty() ? tr("script") : fileName;
     const bool isStopped = isStopping();
@@ -121,6 +124,12 @@ QScriptValue RyScriptEngine::evaluate(const QString &program, const QString &fil
     else if (isStopped)
         abortEvaluation();
     return result;
+}
+
+void RyScriptEngine::endAction()
+{
+    if (--m_actions == 0 && isEvaluating())
+        emit actionFinished();
 }
 
 void RyScriptEngine::stop(const QString &reason)

@@ -37,10 +37,20 @@ public:
     void stop(const QString &reason);
     bool isStopping() const { return !m_stopReason.isEmpty(); }
 
+    /// Whether what happens is done by a program itself, step by step, and not by an action that it runs.
+    bool isStepping() const { return m_actions == 0 && isEvaluating(); }
+    /// Around an action, which a program may have run; a program that the action runs takes its own steps.
+    void beginAction() { ++m_actions; }
+    void endAction();
+
     /// How many programs have failed so far, those counted that could not be read, and why the latest did.
     int failures() const { return m_failures; }
     const QString &lastFailure() const { return m_lastFailure; }
     void noteFailure(const QString &message);
+
+signals:
+    /// An action that a program ran is done.
+    void actionFinished();
 
 private:
     QStringList m_sceneNames;
@@ -48,5 +58,6 @@ private:
     QString m_lastFailure;
     int m_failures = 0;
     int m_running = 0;
+    int m_actions = 0; // since the innermost program began
     bool m_failed = false;
 };

@@ -1,9 +1,33 @@
 #include "rycore/ui/RyAction.h"
 
+#include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyPlainText.h"
 #include "rycore/undo/restore/RyRestoreGuard.h"
 
+#include <QPointer>
+
 namespace {
+
+/// Tells the script engine that steps are an action's own while it lives.
+class ActionOfScript
+{
+public:
+    ActionOfScript() : m_scripts(RyScriptEngine::current())
+    {
+        if (m_scripts)
+            m_scripts->beginAction();
+    }
+    ~ActionOfScript()
+    {
+        if (m_scripts)
+            m_scripts->endAction();
+    }
+    ActionOfScript(const ActionOfScript &) = delete;
+    ActionOfScript &operator=(const ActionOfScript &) = delete;
+
+private:
+    QPointer<RyScriptEngine> m_scripts;
+};
 
 /// Without the dots that announce a dialog.
 QString captionOf(const QAction *action)
@@ -25,6 +49,7 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
         if (!isEnabled())
             return;
         // What undo does not take back can be gone back to before.
+        const ActionOfScript script;
         const RyRestoreGuard guard(captionOf(this));
         executeAction();
     });

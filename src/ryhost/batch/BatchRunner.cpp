@@ -132,6 +132,8 @@ ExitCode BatchRunner::runStep(const BatchStep &step)
     if (step.verb == BatchStep::Run)
         return runAction(step.value, driver);
     const ExitCode code = runVerb(step);
+    // There is no loop that would let the tool take a new selection before the next verb.
+    QCoreApplication::sendPostedEvents();
     note(step.value, driver.records());
     const RyDialogVerdict verdict = ryJudgeDialogs(driver);
     for (const QString &message : verdict.notes)
