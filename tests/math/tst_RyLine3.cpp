@@ -14,6 +14,7 @@ private slots:
     void planeIntersectOfAParallelLineIsItsOrigin();
     void closestPointsMatchLeastSquares();
     void closestPointsOfParallelLines();
+    void nearlyParallelLinesAreParallel();
     void noNanFromFiniteInput();
 };
 
@@ -138,6 +139,49 @@ void RyLine3Test::closestPointsOfParallelLines()
     QCOMPARE(RyLine3(RyVec3(3, 4, 0), RyVec3(3, 4, 0)).minDistanceFromLine(line, p1, p2), 4.0f);
     QCOMPARE(p2, RyVec3(3, 0, 0));
     QCOMPARE(RyLine3().minDistanceFromLine(RyLine3(RyVec3(0, 2, 0), RyVec3(0, 2, 0)), p1, p2), 2.0f);
+}
+
+void RyLine3Test::nearlyParallelLinesAreParallel()
+{
+    Random random;
+    for (int n = 0; n < Cases; ++n) {
+        const RyVec3 o1 = random.vector();
+        const RyVec3 o2 = random.vector();
+        const RyVec3 along = random.direction().normalized();
+        const RyVec3 across = along.cross(random.direction().normalized());
+        if (across.length() < 0.1f)
+            continue;
+        const RyVec3 aside = across.normalized();
+        const RyLine3 one(o1, o1 + along * 100.0f);
+        const auto turned = [&](double degrees, float way) {
+            const float angle = float(degrees * M_PI / 180.0);
+            return RyLine3(o2, o2 + (along * std::cos(angle) + aside * std::sin(angle)) * 100.0f * way);
+        };
+        RyVec3 p1, p2;
+        for (const float way : {1.0f, -1.0f}) {
+            for (const double degrees : {0.0, 0.05, 0.7, 1.4}) {
+                const RyLine3 two = turned(degrees, way);
+                QVERIFY(one.isParallelTo(two) && two.isParallelTo(one));
+                const float gap = one.minDistanceFromLine(two, p1, p2);
+                QCOMPARE(p1, o1);
+                const Vec foot = vec(o2);
+                const Vec d = vec(two.getDirection());
+                const double t = dot(d, vec(o1 - o2));
+                QVERIFY(distance(p2, {foot[0] + d[0] * t, foot[1] + d[1] * t, foot[2] + d[2] * t}) < 1e-3);
+                QVERIFY(std::fabs(gap - distance(p1, vec(p2))) < 1e-3);
+            }
+            for (const double degrees : {1.6, 3.0, 90.0}) {
+                const RyLine3 two = turned(degrees, way);
+                QVERIFY(!one.isParallelTo(two) && !two.isParallelTo(one));
+                one.minDistanceFromLine(two, p1, p2);
+                // The closest points see each other square to both lines.
+                const double gap = double((p2 - p1).length());
+                QVERIFY(std::fabs(dot(vec(p2 - p1), vec(one.getDirection()))) < 1e-2 + 1e-3 * gap);
+                QVERIFY(std::fabs(dot(vec(p2 - p1), vec(two.getDirection()))) < 1e-2 + 1e-3 * gap);
+            }
+        }
+        QVERIFY(!one.isParallelTo(RyLine3(o1, o1)) && !RyLine3(o1, o1).isParallelTo(one));
+    }
 }
 
 void RyLine3Test::noNanFromFiniteInput()

@@ -6,7 +6,8 @@ using RyFastMath::toFloat;
 
 namespace {
 
-constexpr double ParallelSine = 1e-7; // of unit directions rounded to single precision nothing smaller is known
+constexpr double ParallelSine = 1e-7;        // of unit directions rounded to single precision nothing smaller is known
+constexpr double ParallelLinesSine = 0.0262; // of 1.5 degrees
 
 struct Vec
 {
@@ -44,6 +45,13 @@ bool RyLine3::planeIntersect(const RyVec3 &pointOnPlane, const RyVec3 &normal, R
     return true;
 }
 
+bool RyLine3::isParallelTo(const RyLine3 &other) const
+{
+    if (m_direction == RyVec3() || other.m_direction == RyVec3())
+        return false;
+    return Vec(m_direction.cross(other.m_direction)).length() < ParallelLinesSine;
+}
+
 float RyLine3::minDistanceFromLine(const RyLine3 &other, RyVec3 &pointOnThis, RyVec3 &pointOnOther) const
 {
     const Vec o1(m_origin);
@@ -54,12 +62,11 @@ float RyLine3::minDistanceFromLine(const RyLine3 &other, RyVec3 &pointOnThis, Ry
     const double a = d1.dot(d1);
     const double b = d1.dot(d2);
     const double c = d2.dot(d2);
-    const RyVec3 normal = m_direction.cross(other.m_direction);
     double t1 = 0.0;
     double t2 = 0.0;
     if (c == 0.0) {
         t1 = a == 0.0 ? 0.0 : -d1.dot(between) / a;
-    } else if (Vec(normal).length() <= ParallelSine) {
+    } else if (a == 0.0 || isParallelTo(other)) {
         t2 = d2.dot(between) / c;
     } else {
         const double e = d1.dot(between);

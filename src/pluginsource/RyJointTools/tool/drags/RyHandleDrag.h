@@ -34,6 +34,9 @@ public:
     virtual RyVec3 dragVector(const RyLine3 &ray) const;
     /// Changes the scene by the way from the drag vector at the press to the present one.
     virtual void apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options);
+    /// Whether the handle's axis points at the eye, so that no way along it can be told from the mouse and the drag
+    /// moves nothing.
+    virtual bool pointsAtEye() const { return false; }
     /// Takes over the propagation of a change of the origin that this drag makes: everything is placed from where it
     /// was at the press. False when the drag does not move that node's origin.
     virtual bool propagateOrigin(RyNode *node, const RyVec3 &newOrigin);

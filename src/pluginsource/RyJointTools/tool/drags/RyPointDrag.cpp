@@ -1,6 +1,17 @@
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 
+#include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
+
+static bool isAlongView(const RyLine3 &line, const RyDragFrame &frame)
+{
+    const RyCamera *camera = frame.pressViewport ? frame.pressViewport->getCamera() : nullptr;
+    if (!camera)
+        return false;
+    const RyVec3 &place = line.getOrigin();
+    return line.isParallelTo(
+        RyLine3(camera->isOrthographic() ? place - camera->viewDirection() : camera->getWSPos(), place));
+}
 
 RyPointDrag::RyPointDrag(RyNode *node, Point point, int axis, RyDragFrame &frame)
     : RyHandleDrag(node), m_node(node), m_point(point),
@@ -17,6 +28,7 @@ RyPointDrag::RyPointDrag(RyNode *node, Point point, int axis, RyDragFrame &frame
         frame.axes[k] = axisRotation.multVec(RyVec3::axis(k));
     if (axis >= 0)
         m_axis = frame.axes[axis];
+    m_pointsAtEye = isAlongView(RyLine3(m_anchor, m_anchor + m_axis), frame);
 }
 
 RyVec3 RyPointDrag::dragVector(const RyLine3 &ray) const
@@ -26,6 +38,8 @@ RyVec3 RyPointDrag::dragVector(const RyLine3 &ray) const
         ray.planeIntersect(m_anchor, m_planeNormal, hit);
         return hit - m_anchor;
     }
+    if (m_pointsAtEye)
+        return {};
     const RyLine3 line(m_anchor, m_anchor + m_axis);
     RyVec3 nearest;
     line.minDistanceFromLine(ray, nearest);

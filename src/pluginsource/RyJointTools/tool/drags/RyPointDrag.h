@@ -22,6 +22,7 @@ public:
     /// distance to the bone's other end that it had at the press; a zero direction leaves it where the way leads.
     RyVec3 propose(const RyVec3 &way, bool keepLength) const;
     void apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options) override;
+    bool pointsAtEye() const override { return m_pointsAtEye; }
     bool propagateOrigin(RyNode *node, const RyVec3 &newOrigin) override;
 
 private:
@@ -30,6 +31,7 @@ private:
     RyVec3 m_anchor;      // world
     RyVec3 m_planeNormal; // world
     RyVec3 m_axis;        // world, zero for the plane
+    bool m_pointsAtEye;   // asked at the press: rays that leave the axis later in the drag would meet it at the eye
     RyVec3 m_start;
     RyVec3 m_startOther;
     RyAffine m_worldToNode;
