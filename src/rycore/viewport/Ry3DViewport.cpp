@@ -127,25 +127,23 @@ void Ry3DViewport::setRenderOptions(const RyRenderOptions &options)
 int Ry3DViewport::pickOnGizmo(const QPoint &point)
 {
     RyViewTool *tool = d->tool();
-    const double ratio = devicePixelRatioF();
-    const QPoint pixel(int(std::floor((point.x() + 0.5) * ratio)), int(std::floor((point.y() + 0.5) * ratio)));
-    const QSize size(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)));
-    if (!tool || !QRect(QPoint(0, 0), size).contains(pixel))
+    if (!tool || !rect().contains(point))
         return 0;
-    const Private::TileKey key{RyViewMatrices(*d->camera, size.width(), size.height()), tool,
-                               d->manager->sceneRevision(), d->manager->toolRevision()};
-    if (!(key == d->tileKey) || !d->tile.contains(pixel)) {
+    // In logical pixels: a line is as easy to catch on a dense display as on any other.
+    const Private::TileKey key{matrices(), tool, d->manager->sceneRevision(), d->manager->toolRevision()};
+    if (!(key == d->tileKey) || !d->tile.contains(point)) {
         makeCurrent();
         if (d->pictureContext == 0)
             return 0;
+        RyGLUtility::setDevicePixelRatio(1.0f);
         d->tile.clear();
         d->tileKey = key;
-        const QRect area = RyIdTile::areaAround(pixel);
+        const QRect area = RyIdTile::areaAround(point);
         d->tile.set(area, d->pickPass.ids(this, tool, key.matrices, area));
         // Matrices and viewport of the whole widget again, for rays cast right after this.
         makeCurrent();
     }
-    return d->tile.idAt(pixel);
+    return d->tile.idAt(point);
 }
 
 RyNode *Ry3DViewport::pickNode(const QPoint &point)

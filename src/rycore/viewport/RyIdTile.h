@@ -11,7 +11,7 @@ public:
     static constexpr int Size = 64;
 
     void clear() { m_area = QRect(); }
-    /// Device pixels, y down. The ids are row by row from the top.
+    /// Logical pixels, y down. The ids are row by row from the top.
     void set(const QRect &area, std::vector<int> ids)
     {
         m_area = area;

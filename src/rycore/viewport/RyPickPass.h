@@ -22,7 +22,7 @@ public:
     static constexpr int CodedBones = 256 - FirstBoneId;
     static constexpr int SliceLength = 200;
 
-    /// Ids of the pixels of `area` (device pixels, y down), row by row from the top; the view has the size of
+    /// Ids of the pixels of `area` (pixels of the view, y down), row by row from the top; the view has the size of
     /// `matrices`.
     std::vector<int> ids(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area);
     /// Passes drawn so far.
