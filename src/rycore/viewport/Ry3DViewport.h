@@ -56,6 +56,9 @@ public:
     void setRenderOptions(const RyRenderOptions &options);
     /// Tints the part of the meshes that stands for a node; for tools while they draw.
     void drawNodeHighlight(RyNode *node);
+    /// Tells the active tool of the cursor once more, as if it had moved to where it is. Nothing while it is elsewhere
+    /// and while a button is held.
+    void hoverAgain();
     /// True between a press that the tool got and its release.
     bool isToolDragging() const;
 

@@ -112,10 +112,20 @@ void Ry3DViewport::deliverHover(QMouseEvent *event)
     RyViewTool *tool = d->tool();
     if (!tool)
         return;
+    d->isUnderCursor = true;
     d->manager->beginHover();
     tool->mouseOver(this, event, ryViewMouseModifier(event->modifiers()));
     if (d->manager)
         d->manager->endHover();
+}
+
+void Ry3DViewport::hoverAgain()
+{
+    if (!d->isUnderCursor || d->toolDrag || d->viewDrag != Private::ViewDrag::None)
+        return;
+    QMouseEvent event(QEvent::MouseMove, d->lastMouse, mapToGlobal(d->lastMouse), Qt::NoButton, Qt::NoButton,
+                      QApplication::keyboardModifiers());
+    deliverHover(&event);
 }
 
 void Ry3DViewport::moveView(QMouseEvent *event)
@@ -175,6 +185,7 @@ void Ry3DViewport::wheelEvent(QWheelEvent *event)
 void Ry3DViewport::leaveEvent(QEvent *event)
 {
     setToolTipText(QString());
+    d->isUnderCursor = false;
     if (RyViewTool *tool = d->tool(); tool && !d->toolDrag) {
         d->manager->beginHover();
         tool->mouseLeave(this);
@@ -195,6 +206,7 @@ void Ry3DViewport::endLostDrag()
 void Ry3DViewport::hideEvent(QHideEvent *event)
 {
     endLostDrag();
+    d->isUnderCursor = false;
     QGLWidget::hideEvent(event);
 }
 

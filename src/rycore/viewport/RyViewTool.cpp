@@ -67,3 +67,8 @@ void RyViewTool::drawnDataChanged()
     ++m_drawnDataChanges;
     emit drawnDataChangeRequested();
 }
+
+void RyViewTool::hoverAgain()
+{
+    emit hoverRequested();
+}

@@ -52,8 +52,13 @@ public:
     /// How often that was asked, for tests.
     int drawnDataChangeCount() const { return m_drawnDataChanges; }
 
+    /// Asks for `mouseOver` at the place of the cursor, where it is in a viewport and no button is held: something
+    /// else lies under it now. Only for the active tool.
+    void hoverAgain();
+
 signals:
     void drawnDataChangeRequested();
+    void hoverRequested();
     void statusTextChanged();
     /// A switch that menus show, with a check mark for example, is set.
     void optionsChanged();

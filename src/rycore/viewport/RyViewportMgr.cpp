@@ -68,6 +68,12 @@ void RyViewportMgr::addTool(RyViewTool *tool)
             ++d->toolRevision;
         updateViewports();
     });
+    connect(tool, &RyViewTool::hoverRequested, this, [this, tool] {
+        for (Ry3DViewport *viewport : std::vector<Ry3DViewport *>(d->viewports)) {
+            if (tool == d->active)
+                viewport->hoverAgain();
+        }
+    });
     emit toolListChanged();
 }
 

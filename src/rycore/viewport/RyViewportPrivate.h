@@ -63,6 +63,7 @@ struct Ry3DViewport::Private
     QPoint lastMouse;
     QPoint pressMouse;
     bool toolDrag = false;
+    bool isUnderCursor = false;                        // and the tool knows it
     std::unique_ptr<RyPressRestorePoint> restorePoint; // from a press of a tool to its release
     bool menuPending = false;
 

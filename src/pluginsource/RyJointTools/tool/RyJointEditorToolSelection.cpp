@@ -93,6 +93,7 @@ void RyJointEditorTool::updateSelection(RyNode *node)
     setParam(nullptr);
     drawnDataChanged();
     emit statusTextChanged();
+    hoverAgain();
 }
 
 // The host has no parametric joints yet: whatever is given is none of the current node's parameters and selects none,
