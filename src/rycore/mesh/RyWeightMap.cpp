@@ -34,6 +34,12 @@ private:
     RyWeightMap::State m_state;
 };
 
+/// Assigning an empty list would keep it.
+static void freeMemory(std::vector<quint16> &weights)
+{
+    std::vector<quint16>().swap(weights);
+}
+
 RyWeightMap::RyWeightMap(const QString &name)
 {
     setObjectName(name);
@@ -43,7 +49,7 @@ void RyWeightMap::setNumWeights(int count)
 {
     recordChange();
     m_count = std::max(count, 0);
-    m_dense = {};
+    freeMemory(m_dense);
     m_indices.clear();
     m_weights.clear();
     m_sparseValid = true;
@@ -116,7 +122,7 @@ void RyWeightMap::setAffected(int count, std::vector<int> indices, std::vector<q
 void RyWeightMap::compact()
 {
     makeSparse();
-    m_dense = {};
+    freeMemory(m_dense);
 }
 
 RyWeightMap *RyWeightMap::copy() const
@@ -138,7 +144,7 @@ void RyWeightMap::restore(State state)
     m_indices = std::move(state.indices);
     m_weights = std::move(state.weights);
     m_sparseValid = true;
-    m_dense = {};
+    freeMemory(m_dense);
     touch();
 }
 

@@ -1,0 +1,65 @@
+#include "support/RyTest.h"
+
+#include "rycore/skin/RySkinBinding.h"
+
+#include <malloc.h>
+
+#if defined(__SANITIZE_ADDRESS__)
+static constexpr bool memoryIsCounted = false;
+#else
+static constexpr bool memoryIsCounted = true;
+#endif
+
+/// What packing the weights of a skin frees.
+class RyWeightMemoryTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void packingFreesDenseArrays();
+};
+
+void RyWeightMemoryTest::packingFreesDenseArrays()
+{
+    if (!memoryIsCounted)
+        QSKIP("the allocator of this build does not count");
+    constexpr int vertices = 4000000;
+    const auto used = [] {
+        const struct mallinfo2 info = mallinfo2();
+        return qint64(info.uordblks) + qint64(info.hblkhd);
+    };
+    RySkinBinding skin;
+    const qint64 empty = used();
+    std::vector<RyWeightMap *> maps;
+    for (int i = 0; i < 2; ++i) {
+        auto *binding = new RyBoneBinding;
+        for (int kind = 0; kind < 5; ++kind) {
+            auto *map = new RyWeightMap;
+            map->setAffected(vertices, {7, 1000 + i, vertices - 1}, {65535, 3, 11});
+            maps.push_back(map);
+            if (kind == 0)
+                binding->setWeights(map);
+            else if (kind == 4)
+                binding->setScaleWeights(map);
+            else
+                binding->setLocalWeights(map, kind - 1);
+        }
+        skin.addBoneBinding(binding);
+    }
+    constexpr qint64 dense = qint64(vertices) * qint64(sizeof(quint16));
+    QVERIFY(used() - empty < dense);
+    for (RyWeightMap *map : maps)
+        QVERIFY(map->getWeights());
+    QVERIFY(used() - empty > 9 * dense);
+    skin.reduceWeightMemory();
+    QVERIFY2(used() - empty < dense, qPrintable(QString::number(used() - empty)));
+    for (const RyWeightMap *map : maps) {
+        QCOMPARE(map->getNumWeights(), vertices);
+        QCOMPARE(map->getWeight(7), quint16(65535));
+        QCOMPARE(map->getWeight(vertices - 1), quint16(11));
+    }
+}
+
+RY_TEST(RyWeightMemoryTest)
+
+#include "tst_weightMemory.moc"
