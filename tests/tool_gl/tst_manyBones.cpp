@@ -18,6 +18,7 @@ private slots:
     void pressesSelectTheBoneUnderTheMouse_data() { everyBoneIsCaught_data(); }
     void pressesSelectTheBoneUnderTheMouse();
     void handlesComeFirst();
+    void theBoneDrawnLastWins();
 
 private:
     /// A figure of so many bones side by side in a grid before the camera, in chains of thirty.
@@ -104,6 +105,23 @@ void RyManyBonesTest::handlesComeFirst()
     crowd.select(crowd.bones[600]);
     for (const int index : {210, 211, 254, 466, 467, 722, 723})
         QCOMPARE(crowd.pick(Crowd::bodyOf(crowd.bones[size_t(index)])), index + 47);
+}
+
+void RyManyBonesTest::theBoneDrawnLastWins()
+{
+    Crowd crowd(840);
+    // Whichever slices the two are in.
+    for (const auto &[over, under] :
+         {std::pair(430, 10), std::pair(10, 430), std::pair(839, 838), std::pair(300, 610)}) {
+        RyBone *moved = crowd.bones[size_t(over)];
+        const RyVec3 origin = moved->getOrigin();
+        const RyVec3 end = moved->getEndPoint();
+        moved->setOrigin(crowd.bones[size_t(under)]->getOrigin());
+        moved->setEndPoint(crowd.bones[size_t(under)]->getEndPoint());
+        QCOMPARE(crowd.pick(Crowd::bodyOf(moved)), std::max(over, under) + 47);
+        moved->setOrigin(origin);
+        moved->setEndPoint(end);
+    }
 }
 
 RY_TEST(RyManyBonesTest)
