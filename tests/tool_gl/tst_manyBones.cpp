@@ -83,6 +83,7 @@ void RyManyBonesTest::pressesSelectTheBoneUnderTheMouse()
     for (int n = 0; n < 12; ++n) {
         const int index = n == 0 ? count - 1 : int(random() % unsigned(count));
         RyBone *bone = crowd.bones[size_t(index)];
+        crowd.select(crowd.crowd); // whose handles lie over no bone
         const QPoint point = crowd.pixelOf(Crowd::bodyOf(bone));
         crowd.press(crowd.viewport->Ry3DViewport::pickOnGizmo(point), point);
         crowd.release(point);
