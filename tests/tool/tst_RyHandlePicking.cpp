@@ -21,6 +21,7 @@ private slots:
     void pressOnRemovedBone();
     void rightPressIdle();
     void rightPressCancels();
+    void cancelDrag();
     void releaseAccepts();
     void lostRelease();
     void lostReleaseOfAPress();
@@ -159,6 +160,34 @@ void RyHandlePickingTest::rightPressCancels()
     QVERIFY(event.isAccepted());
     QCOMPARE(scene.dump(), before);
     QCOMPARE(scene.tool->hoveredId(), 0);
+    QVERIFY(!scene.tool->isDragging());
+    QVERIFY(!ryUndoStack()->isHoldOpen());
+    QCOMPARE(scene.lShin->editLevel(), 0);
+    QVERIFY(!scene.move({500, 300}));
+    scene.release();
+    QCOMPARE(ryUndoStack()->count(), 0);
+    QCOMPARE(scene.dump(), before);
+}
+
+void RyHandlePickingTest::cancelDrag()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const QString before = scene.dump();
+    // Neither a hovered nor a pressed handle is a drag.
+    scene.hover(44);
+    scene.tool->cancelDrag();
+    QCOMPARE(scene.tool->hoveredId(), 44);
+    scene.press(44, {400, 300});
+    scene.tool->cancelDrag();
+    QVERIFY(scene.move({450, 310}));
+    QVERIFY(scene.dump() != before);
+    const int picks = scene.viewport->gizmoPicks;
+    scene.tool->cancelDrag();
+    QCOMPARE(scene.viewport->gizmoPicks, picks);
+    QCOMPARE(scene.dump(), before);
+    QCOMPARE(scene.tool->hoveredId(), 0);
+    QCOMPARE(scene.viewport->toolTip, QString());
     QVERIFY(!scene.tool->isDragging());
     QVERIFY(!ryUndoStack()->isHoldOpen());
     QCOMPARE(scene.lShin->editLevel(), 0);

@@ -180,6 +180,12 @@ bool SquareTool::mouseRelease(Ry3DViewport *, QMouseEvent *, RyViewMouseModifier
     return true;
 }
 
+void SquareTool::cancelDrag()
+{
+    calls.append(QStringLiteral("cancel"));
+    dragging = false;
+}
+
 void SquareTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
     calls.append(QStringLiteral("over"));

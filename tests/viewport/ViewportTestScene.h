@@ -58,6 +58,7 @@ public:
     bool mouseMove(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     bool mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
+    void cancelDrag() override;
 
     std::vector<Square> squares;
     float halfSize = 2.0f;

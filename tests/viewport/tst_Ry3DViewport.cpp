@@ -211,6 +211,24 @@ private slots:
         QCOMPARE(menu.count(), 1);
     }
 
+    void escapeCancelsADrag()
+    {
+        ViewportMouse mouse(*m_viewport);
+        const QPoint point = at(RyVec3(20, 20, 0));
+        mouse.move(point);
+        m_tool->calls.clear();
+        QTest::keyClick(m_viewport.get(), Qt::Key_Escape);
+        QCOMPARE(m_tool->calls, QStringList());
+        mouse.press(point);
+        mouse.move(point + QPoint(9, 0));
+        QTest::keyClick(m_viewport.get(), Qt::Key_Escape);
+        QVERIFY(!m_tool->dragging);
+        mouse.move(point + QPoint(15, 0));
+        mouse.release(point + QPoint(15, 0));
+        QTest::keyClick(m_viewport.get(), Qt::Key_Escape);
+        QCOMPARE(m_tool->calls, QStringList({"press 1 0", "move", "cancel", "move", "release"}));
+    }
+
     void cameraDragsDoNotReachTheToolAndAreNoEdit()
     {
         ViewportMouse mouse(*m_viewport);

@@ -93,7 +93,6 @@ private:
     void deliverHover(QMouseEvent *event);
     bool beginViewDrag(QMouseEvent *event);
     void moveView(QMouseEvent *event);
-    void cancelToolDrag();
     RyBox3 frameBox(bool selectionOnly) const;
     void drawSceneCopy(int width, int height) const;
 

@@ -210,17 +210,6 @@ void Ry3DViewport::hideEvent(QHideEvent *event)
     QGLWidget::hideEvent(event);
 }
 
-void Ry3DViewport::cancelToolDrag()
-{
-    RyViewTool *tool = d->tool();
-    if (!tool || !d->toolDrag)
-        return;
-    QMouseEvent press(QEvent::MouseButtonPress, d->lastMouse, mapToGlobal(d->lastMouse), Qt::RightButton,
-                      Qt::LeftButton | Qt::RightButton, Qt::NoModifier);
-    makeCurrent();
-    tool->mousePress(this, &press, RyViewMouseModifier::None);
-}
-
 void Ry3DViewport::keyPressEvent(QKeyEvent *event)
 {
     const bool keypad = event->modifiers() & Qt::KeypadModifier;
@@ -237,7 +226,8 @@ void Ry3DViewport::keyPressEvent(QKeyEvent *event)
         frameNodes(false);
         return;
     case Qt::Key_Escape:
-        cancelToolDrag();
+        if (RyViewTool *tool = d->tool(); tool && d->toolDrag)
+            tool->cancelDrag();
         return;
     case Qt::Key_Up:
     case Qt::Key_Down:

@@ -38,6 +38,8 @@ void RyViewTool::mouseOver(Ry3DViewport *, QMouseEvent *, RyViewMouseModifier) {
 
 void RyViewTool::mouseLeave(Ry3DViewport *) {}
 
+void RyViewTool::cancelDrag() {}
+
 QWidget *RyViewTool::getSettingsWidget()
 {
     return nullptr;

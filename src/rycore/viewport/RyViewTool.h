@@ -32,6 +32,8 @@ public:
     virtual void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
     /// The mouse left the viewport.
     virtual void mouseLeave(Ry3DViewport *viewport);
+    /// Takes back what a drag under way has changed and ends it; the button may still be held. Nothing without a drag.
+    virtual void cancelDrag();
 
     /// Shown as the tool settings pane; null for none. The tool owns it until the pane's parent does.
     virtual QWidget *getSettingsWidget();

@@ -49,6 +49,7 @@ public:
     bool mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void mouseLeave(Ry3DViewport *viewport) override;
+    void cancelDrag() override;
     QWidget *getSettingsWidget() override;
     QWidget *getDividerBar() override;
     int getToolPriority() const override;
@@ -181,7 +182,8 @@ private:
     void hideToolTip();
     /// Ends a press or drag: what it has changed so far is kept as one step. Nothing without one.
     void finishDrag();
-    void cancelDrag();
+    /// Ends a press or drag without a trace.
+    void dropDrag();
     /// Runs an edit of points during which changes of the current node's points are only noted; the follow-up to them
     /// comes once, after it.
     template<typename Edit>

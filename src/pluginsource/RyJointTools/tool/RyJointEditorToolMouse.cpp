@@ -46,11 +46,18 @@ void RyJointEditorTool::finishDrag()
 
 void RyJointEditorTool::cancelDrag()
 {
+    if (m_dragging)
+        dropDrag();
+}
+
+void RyJointEditorTool::dropDrag()
+{
     if (m_drag)
         m_drag->cancel();
     m_drag.reset();
     m_dragging = false;
     hideToolTip();
+    setHoveredId(HandleId::None);
 }
 
 RyLine3 RyJointEditorTool::pressViewportRay(const QPoint &point) const
@@ -100,8 +107,7 @@ bool RyJointEditorTool::mousePress(Ry3DViewport *viewport, QMouseEvent *event, R
     const int id = viewport->pickOnGizmo(event->pos());
     if (event->button() == Qt::RightButton) {
         if (m_dragging) {
-            cancelDrag();
-            setHoveredId(HandleId::None);
+            dropDrag();
             event->accept();
         }
         return false;

@@ -24,8 +24,7 @@ void RyJointEditorTool::activated()
 
 void RyJointEditorTool::deactivated()
 {
-    cancelDrag();
-    setHoveredId(0);
+    dropDrag();
     disconnect(ryScene(), nullptr, this, nullptr);
     // An event that is already on its way would give the inactive tool a node.
     QCoreApplication::removePostedEvents(this, selectionEventType);
