@@ -59,7 +59,8 @@ function(ry_layer name)
 endfunction()
 
 # ry_room(FOLDER [NEEDS room...]): a folder below src that may use the rooms it needs and those that these need in turn,
-# of all rooms of the folder above. What belongs to no room of that folder is as free as its layer.
+# of all rooms of the folder above, and no file that stands loose in that folder. Such a file puts the rooms together: it
+# is as free as its layer.
 function(ry_room folder)
   cmake_parse_arguments(ARG "" "" "NEEDS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)

@@ -9,7 +9,8 @@ The graph has one line for each layer and each room, written by the build:
     room rycore/io/gltf/open needs=extras
 
 - A file of src/rycore/LAYER includes "rycore/..." of its own layer and those that it needs, and nothing else of ours.
-- A file of a room includes of the rooms beside it only those that it needs.
+- A file of a room includes of the rooms beside it only those that it needs, and nothing that stands loose beside them:
+  what belongs to no room puts the rooms together.
 - Widgets and OpenGL are included where the layer says so.
 - The application includes the host library and itself; a plug-in the host library and itself.
 - The operations of a plug-in know neither its tool, actions, dialogs and pane, nor widgets.
@@ -142,6 +143,8 @@ class Checker:
 
     def room_refusal(self, place, ours):
         room, other = self.graph.room_of(place), self.graph.room_of(ours)
+        if room and room.rpartition("/")[0] == "/".join(ours[:-1]):
+            return f"{room} does not know what stands beside the rooms"
         if room and other and room.rpartition("/")[0] == other.rpartition("/")[0] and other not in self.graph.rooms[room]:
             return f"{room} does not need {other}"
         return None

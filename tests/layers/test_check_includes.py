@@ -22,6 +22,8 @@ room rycore/io/gltf/open needs=document
 room rycore/io/gltf/save needs=document
 room pluginsource/One/operations needs=
 room pluginsource/One/tool needs=operations
+room pluginsource/One/tool/handles needs=
+room pluginsource/One/tool/drags needs=handles
 """
 
 CLEAN = {
@@ -39,6 +41,9 @@ CLEAN = {
     "rycore/ui/RyMenu.h": '#include "rycore/math/RyVec3.h"\n#include "rycore/io/RyFile.h"\n#include <QWidget>\n',
     "ryhost/main.cpp": '#include "rycore/ui/RyMenu.h"\n#include "ryhost/RyWindow.h"\n',
     "pluginsource/One/tool/RyTool.h": '#include "pluginsource/One/operations/align.h"\n#include "rycore/ui/RyMenu.h"\n',
+    "pluginsource/One/tool/handles/RyHandle.h": "#include <vector>\n",
+    "pluginsource/One/tool/drags/RyDrag.h": '#include "pluginsource/One/operations/align.h"\n#include "pluginsource/One/tool/handles/RyHandle.h"\n',
+    "pluginsource/One/tool/RyEditor.h": '#include "pluginsource/One/tool/drags/RyDrag.h"\n',
     "pluginsource/One/operations/align.h": '#include "rycore/scene/RyNode.h"\n',
 }
 
@@ -51,6 +56,7 @@ PLANTED = {
     "a room above": ("rycore/io/gltf/document/RyNode.h", '#include "rycore/io/gltf/open/RyReader.h"'),
     "a room beside": ("rycore/io/gltf/save/RyPatch.h", '#include "rycore/io/gltf/open/RyReader.h"'),
     "a room above in a plug-in": ("pluginsource/One/operations/snap.h", '#include "pluginsource/One/tool/RyTool.h"'),
+    "what stands beside the rooms": ("pluginsource/One/tool/drags/RyTurn.h", '#include "pluginsource/One/tool/RyEditor.h"'),
     "the application from the library": ("rycore/ui/RyPane.cpp", '#include "ryhost/RyWindow.h"'),
     "the plug-in from the library": ("rycore/ui/RyPane.cpp", '#include "pluginsource/One/tool/RyTool.h"'),
     "a widget in a low layer": ("rycore/scene/RyCamera.h", "#include <QWidget>"),
