@@ -242,7 +242,7 @@ void RyHandlePickingTest::lostRelease()
         QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Joint Edit"));
         QCOMPARE(scene.dump(), dragged);
         QCOMPARE(scene.tool->hoveredId(), next);
-        QVERIFY(!scene.tool->dragFrame().pressViewport);
+        QVERIFY(!scene.tool->pressViewport());
 
         // The next drag is one of its own.
         scene.drag(45, {400, 300}, {400, 340});
@@ -342,10 +342,10 @@ void RyHandlePickingTest::rememberedViewport()
     RyToolScene scene;
     scene.select(scene.lShin);
     scene.press(44, {400, 300});
-    QCOMPARE(scene.tool->dragFrame().pressViewport.data(), static_cast<Ry3DViewport *>(scene.viewport.get()));
-    QCOMPARE(scene.tool->dragFrame().pressCameraRotation, scene.viewport->getCamera()->getWSRot());
+    QCOMPARE(scene.tool->pressViewport(), static_cast<Ry3DViewport *>(scene.viewport.get()));
+    QCOMPARE(scene.tool->pressCameraRotation(), scene.viewport->getCamera()->getWSRot());
     scene.release();
-    QVERIFY(!scene.tool->dragFrame().pressViewport);
+    QVERIFY(!scene.tool->pressViewport());
 }
 
 void RyHandlePickingTest::moveWithoutHandle()

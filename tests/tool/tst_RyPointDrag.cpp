@@ -3,6 +3,7 @@
 #include "RyPlainVec.h"
 #include "RyToolScene.h"
 
+#include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 #include "rycore/base/RyFloatProperty.h"
 
@@ -267,8 +268,7 @@ void RyPointDragTest::keepLengthWithoutDirection()
 {
     RyToolScene scene;
     scene.lShin->setEndPoint(scene.lShin->getOrigin());
-    RyDragFrame frame;
-    const RyPointDrag drag(scene.lShin, RyPointDrag::EndPoint, -1, frame);
+    const RyPointDrag drag(RyDragContext{scene.lShin}, RyPointDrag::EndPoint, -1);
     QCOMPARE(drag.propose(RyVec3(0, 0, 0), true), RyVec3(11, 50, 2));
     QCOMPARE(drag.propose(RyVec3(0, 3, 0), true), RyVec3(11, 50, 2)); // a start length of zero
 }
@@ -335,12 +335,11 @@ void RyPointDragTest::cameraMovesMeanwhile()
 void RyPointDragTest::parallelRay()
 {
     RyToolScene scene;
-    RyDragFrame frame;
-    const RyPointDrag along(scene.lShin, RyPointDrag::EndPoint, 1, frame);
+    const RyPointDrag along(RyDragContext{scene.lShin}, RyPointDrag::EndPoint, 1);
     // Parallel to the axis: the line's anchor.
     QCOMPARE(along.dragVector(RyLine3(RyVec3(50, 0, 0), RyVec3(50, 7, 0))), RyVec3(0, 0, 0));
     // Parallel to the view plane, whose normal is the camera's Z: the ray's origin.
-    const RyPointDrag plane(scene.lShin, RyPointDrag::EndPoint, -1, frame);
+    const RyPointDrag plane(RyDragContext{scene.lShin}, RyPointDrag::EndPoint, -1);
     QCOMPARE(plane.dragVector(RyLine3(RyVec3(50, 0, 3), RyVec3(51, 0, 3))), RyVec3(50, 0, 3) - RyVec3(10, 8, -1));
 }
 
@@ -348,14 +347,13 @@ void RyPointDragTest::proposeAndApply()
 {
     RyToolScene scene;
     const QString before = scene.dump();
-    RyDragFrame frame;
-    RyPointDrag drag(scene.lShin, RyPointDrag::Origin, 0, frame);
-    QCOMPARE(frame.axes[0], RyVec3(1, 0, 0));
-    QCOMPARE(frame.jointCenter, RyVec3(11, 50, 2));
+    RyPointDrag drag(RyDragContext{scene.lShin}, RyPointDrag::Origin, 0);
     QCOMPARE(drag.propose(RyVec3(2, 0, 0), false), RyVec3(13, 50, 2));
     QCOMPARE(scene.dump(), before);
-    drag.open();
-    drag.apply(RyVec3(1, 0, 0), RyVec3(4, 0, 0), {});
+    // Rays across the axis, at 1 and at 4 from the anchor.
+    drag.press(RyLine3(RyVec3(12, 50, 9), RyVec3(12, 50, 8)));
+    QCOMPARE(scene.dump(), before);
+    drag.move(RyLine3(RyVec3(15, 50, 9), RyVec3(15, 50, 8)), {});
     QCOMPARE(scene.lShin->getOrigin(), RyVec3(14, 50, 2));
     drag.cancel();
     QCOMPARE(scene.dump(), before);

@@ -2,6 +2,7 @@
 
 #include "RyToolScene.h"
 
+#include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -16,6 +17,7 @@ private slots:
     void nothingMoves();
     void besideItThePointFollows();
     void callersLearnOfIt();
+    void statusLineSaysSo();
 
 private:
     /// Puts the eye where the axis of a handle leads, turned away from it by so many degrees.
@@ -94,16 +96,37 @@ void RyAxisAtEyeTest::callersLearnOfIt()
 {
     RyToolScene scene;
     scene.pose();
-    RyDragFrame frame;
     const RyVec3 anchor = scene.lShin->getWSEndPoint();
     lookAlong(scene, anchor, scene.lShin->getWSRot().multVec(RyVec3(0, 0, 1)), 1.0f, false);
+    RyDragContext context{scene.lShin};
     // Nobody looks yet.
-    QVERIFY(!RyPointDrag(scene.lShin, RyPointDrag::EndPoint, 2, frame).pointsAtEye());
-    frame.pressViewport = scene.viewport.get();
-    QVERIFY(RyPointDrag(scene.lShin, RyPointDrag::EndPoint, 2, frame).pointsAtEye());
-    QVERIFY(!RyPointDrag(scene.lShin, RyPointDrag::EndPoint, 1, frame).pointsAtEye());
-    QVERIFY(!RyPointDrag(scene.lShin, RyPointDrag::EndPoint, -1, frame).pointsAtEye());
+    QVERIFY(!RyPointDrag(context, RyPointDrag::EndPoint, 2).pointsAtEye());
+    context.camera = scene.viewport->getCamera();
+    QVERIFY(RyPointDrag(context, RyPointDrag::EndPoint, 2).pointsAtEye());
+    QVERIFY(!RyPointDrag(context, RyPointDrag::EndPoint, 1).pointsAtEye());
+    QVERIFY(!RyPointDrag(context, RyPointDrag::EndPoint, -1).pointsAtEye());
     QVERIFY(!RyHandleDrag(scene.lShin).pointsAtEye());
+}
+
+void RyAxisAtEyeTest::statusLineSaysSo()
+{
+    RyToolScene scene;
+    scene.select(scene.lShin);
+    const RyVec3 anchor = scene.lShin->getWSEndPoint();
+    lookAlong(scene, anchor, RyVec3(0, 0, 1), 1.0f, false);
+    const QPoint from = scene.pixelOf(anchor);
+    const QString said = QStringLiteral("This axis points at the eye and moves nothing; turn the view");
+    scene.press(46, from);
+    QVERIFY(scene.tool->getStatusText().contains(said));
+    scene.move(from + QPoint(20, 5));
+    QVERIFY(scene.tool->getStatusText().contains(said));
+    QVERIFY(scene.tool->getStatusText().contains(QStringLiteral("right click or Esc cancels")));
+    scene.release();
+    QVERIFY(!scene.tool->getStatusText().contains(said));
+    scene.press(45, from);
+    scene.move(from + QPoint(20, 5));
+    QVERIFY(!scene.tool->getStatusText().contains(said));
+    scene.release();
 }
 
 RY_TEST(RyAxisAtEyeTest)

@@ -1,28 +1,25 @@
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
-#include "pluginsource/RyJointTools/tool/drags/RyHandleDrag.h"
-#include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
-#include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
-#include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
-#include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
-#include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
+#include "pluginsource/RyJointTools/tool/RyJointToolMenus.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
-#include "rycore/scene/RyBone.h"
-#include "rycore/scene/RySkeleton.h"
 #include "rycore/viewport/RyDrawStyle.h"
+
+// The host's tool interface. The slots stand in RyJointEditorToolSlots.cpp.
 
 static constexpr int toolPriority = 29;
 
-RyJointEditorTool::RyJointEditorTool() : RyPickTool(QStringLiteral("Joint Editor"))
+RyJointEditorTool::RyJointEditorTool()
+    : RyPickTool(QStringLiteral("Joint Editor")),
+      m_pointer(RyToolPointer::Surroundings{*this, m_joint, m_options, m_display.values(), m_drawing.bones(),
+                                            [this](RyBendAngle angle, float value) { setAngle(angle, value); }})
 {
     setObjectName(QStringLiteral("Joint Editor"));
     qRegisterMetaType<EditMode>("RyJointEditorTool::EditMode");
     qRegisterMetaType<BoneDrawMode>("RyJointEditorTool::BoneDrawMode");
     setAlwaysUseDefaultPickMode(true);
-    m_display.readSettings();
     auto *toolFrame = new RyJointEditorToolFrame(RyApp::getInterface(), this);
     m_toolFrame = toolFrame;
     m_dividerBar = toolFrame->getDividerBar();
@@ -30,7 +27,7 @@ RyJointEditorTool::RyJointEditorTool() : RyPickTool(QStringLiteral("Joint Editor
 
 RyJointEditorTool::~RyJointEditorTool()
 {
-    m_drag.reset();
+    m_pointer.abandon();
     // The pane's class goes with this library, whoever its parent is.
     delete m_toolFrame;
 }
@@ -55,62 +52,76 @@ int RyJointEditorTool::getToolPriority() const
     return toolPriority;
 }
 
+void RyJointEditorTool::addToolMenuItems(RyMenu *menu)
+{
+    fillToolMenu(*menu);
+}
+
+void RyJointEditorTool::fillToolOptionsMenu(RyActionMenu *menu)
+{
+    fillContextMenu(*menu);
+}
+
 QString RyJointEditorTool::getStatusText() const
 {
-    if (m_dragging && m_node) {
-        const RyHandle *handle = RyHandleTable::find(m_hoveredId);
-        return handle ? tr("%1; right click or Esc cancels").arg(RyHandleTable::statusText(*handle, m_node->getLabel()))
-                      : QString();
-    }
-    QStringList hints;
-    if (const RyHandle *handle = m_node ? RyHandleTable::find(m_hoveredId) : nullptr) {
-        hints.append(RyHandleTable::statusText(*handle, m_node->getLabel()));
-    } else {
-        const RyNode *under = m_node && HandleId::isBone(m_hoveredId)
-                                  ? m_bones.boneAt(HandleId::toBoneIndex(m_hoveredId), m_node->getSkeleton())
-                                  : getHighlightNode();
-        if (under && under != m_node)
-            hints.append(RyHandleTable::boneStatusText(under->getLabel(), createsBones()));
-    }
-    if (createsBones())
-        hints.append(tr("Ctrl+click creates a child bone of %1").arg(m_node->getLabel()));
-    return hints.join(QStringLiteral("; "));
+    return m_pointer.statusText();
+}
+
+void RyJointEditorTool::activated()
+{
+    m_selection.start();
+    RyPickTool::activated();
+}
+
+void RyJointEditorTool::deactivated()
+{
+    m_selection.stop();
+    RyPickTool::deactivated();
+}
+
+bool RyJointEditorTool::event(QEvent *event)
+{
+    return m_selection.takeEvent(*event) || QObject::event(event);
 }
 
 void RyJointEditorTool::draw(Ry3DViewport *viewport, const RyDrawStyle &style)
 {
     RyPickTool::draw(viewport, style);
-    if (!m_node)
-        return;
-    const bool pickPass = style.shadeStyle == RyDrawStyle::PickPass;
-    const RySkeleton *skeleton = m_node->getSkeleton();
-    if (pickPass)
-        m_bones.refill(skeleton);
+    if (m_joint.node)
+        m_drawing.draw(viewport, style.shadeStyle == RyDrawStyle::PickPass, *m_joint.node, display(), hoveredId());
+}
 
-    const RyDrawContext context{pickPass, m_hoveredId, m_display, m_node, m_bones, viewport};
-    const RyBoneDrawing boneDrawing(context);
-    switch (m_display.boneDrawMode) {
-    case SelectedBone:
-        boneDrawing.drawIfBone(m_node);
-        break;
-    case SelectedBoneAndFamily:
-        boneDrawing.drawFamily(m_node);
-        break;
-    case EntireFigure:
-        boneDrawing.drawBranches(skeleton);
-        break;
-    default:
-        break;
-    }
-    RyManipulatorDrawing(context).draw(*m_node);
-    if (m_display.drawMeshBoundaries)
-        RyBoundaryDrawing(context, m_boundaryEdges).draw(*m_node);
+void RyJointEditorTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    m_pointer.hover(viewport, event, modifier);
+}
+
+void RyJointEditorTool::mouseLeave(Ry3DViewport *viewport)
+{
+    m_pointer.leave(viewport);
+}
+
+bool RyJointEditorTool::mousePress(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    return m_pointer.press(viewport, event, modifier);
+}
+
+bool RyJointEditorTool::mouseMove(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    return m_pointer.move(viewport, event, modifier);
+}
+
+bool RyJointEditorTool::mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    return m_pointer.release(viewport, event, modifier);
+}
+
+void RyJointEditorTool::cancelDrag()
+{
+    m_pointer.cancel();
 }
 
 void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder &order)
 {
-    if (!node || node->getRotationOrder() == order)
-        return;
-    node->setRotationOrder(order);
-    emit nodeChanged(m_node);
+    m_selection.changeRotationOrder(node, order);
 }

@@ -1,23 +1,24 @@
 #pragma once
 
-#include "pluginsource/RyJointTools/tool/RyBoneIndex.h"
-#include "pluginsource/RyJointTools/tool/RyJointToolDisplay.h"
-#include "pluginsource/RyJointTools/tool/drags/RyDragFrame.h"
-#include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
+#include "pluginsource/RyJointTools/tool/RyPointFollowUp.h"
+#include "pluginsource/RyJointTools/tool/RyToolSelection.h"
+#include "pluginsource/RyJointTools/tool/display/RyToolDisplay.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyToolDrawing.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
+#include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
+#include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
 #include "rycore/math/RyQuat.h"
 #include "rycore/math/RyRotationOrder.h"
 #include "rycore/math/RyVec3.h"
 #include "rycore/scene/RyNode.h"
+#include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyPickTool.h"
 
 #include <QColor>
 #include <QPointer>
 #include <QWidget>
 
-#include <memory>
-
-class RyHandleDrag;
 class RyJointEditorToolFrame;
 class RyLegacyJointParam;
 class RyLegacyJointSphere;
@@ -26,14 +27,20 @@ class RyLegacyJointSphere;
 /// rigging of that node with handles to drag, and owns the tool settings pane. Setters bring values out of range back
 /// into it; values that are kept from run to run are written at once, and what shows asks for a redraw.
 ///
-/// The order of signals and slots is part of the interface: scripts and panes find them by it.
+/// It is a switchboard: its parts below do the work. The order of signals and slots is part of the interface: scripts
+/// and panes find them by it.
 class RyJointEditorTool : public RyPickTool
 {
     Q_OBJECT
 public:
     enum EditMode { CenterEndMode = 0, ParamMode = 1 };
     Q_ENUM(EditMode)
-    enum BoneDrawMode { NoBones = 0, SelectedBone = 1, SelectedBoneAndFamily = 2, EntireFigure = 3 };
+    enum BoneDrawMode {
+        NoBones = RyJointToolDisplay::NoBones,
+        SelectedBone = RyJointToolDisplay::SelectedBone,
+        SelectedBoneAndFamily = RyJointToolDisplay::SelectedBoneAndFamily,
+        EntireFigure = RyJointToolDisplay::EntireFigure
+    };
     Q_ENUM(BoneDrawMode)
 
     RyJointEditorTool();
@@ -58,37 +65,39 @@ public:
     QString getStatusText() const override;
 
     // --- State.
-    RyNode *currentNode() const { return m_node; }
-    RyNode *currentNodeParent() const { return m_parent; }
-    RyLegacyJointParam *currentParam() const { return m_param; }
-    RyLegacyJointParam *partnerParam() const { return m_partner; }
-    RyLegacyJointParam *bendPartnerParam() const { return m_bendPartner; }
-    RyVec3 cachedOrigin() const { return m_cachedOrigin; }
-    const RyJointToolDisplay &display() const { return m_display; }
-    EditMode editMode() const { return m_editMode; }
-    BoneDrawMode boneDrawMode() const { return BoneDrawMode(m_display.boneDrawMode); }
-    bool pushNeighborAngles() const { return m_pushNeighborAngles; }
-    bool propagationEnabled() const { return m_propagationEnabled; }
-    bool propagateTranslation() const { return m_propagateTranslation; }
-    bool propagateOrientation() const { return m_propagateOrientation; }
-    bool paramDrivenByParent() const { return m_paramDrivenByParent; }
-    int rememberedAxis() const { return m_rememberedAxis; }
-    int rememberedType() const { return m_rememberedType; }
-    float cachedAngleA() const { return m_angleA; }
-    float cachedAngleB() const { return m_angleB; }
-    float cachedAngleC() const { return m_angleC; }
-    float cachedAngleD() const { return m_angleD; }
-    bool isSelectionEventPending() const { return m_selectionEventPending; }
+    RyNode *currentNode() const { return m_joint.node; }
+    RyNode *currentNodeParent() const { return m_joint.parent; }
+    RyLegacyJointParam *currentParam() const { return m_joint.param.get(); }
+    RyLegacyJointParam *partnerParam() const { return m_joint.partner.get(); }
+    RyLegacyJointParam *bendPartnerParam() const { return m_joint.bendPartner.get(); }
+    RyVec3 cachedOrigin() const { return m_joint.cachedOrigin; }
+    bool paramDrivenByParent() const { return m_joint.paramDrivenByParent; }
+    int rememberedAxis() const { return m_joint.rememberedAxis; }
+    int rememberedType() const { return m_joint.rememberedType; }
+    float cachedAngleA() const { return m_joint.angleA; }
+    float cachedAngleB() const { return m_joint.angleB; }
+    float cachedAngleC() const { return m_joint.angleC; }
+    float cachedAngleD() const { return m_joint.angleD; }
+    const RyJointToolDisplay &display() const { return m_display.values(); }
+    EditMode editMode() const { return EditMode(display().editMode); }
+    BoneDrawMode boneDrawMode() const { return BoneDrawMode(display().boneDrawMode); }
+    bool pushNeighborAngles() const { return m_options.pushNeighborAngles; }
+    bool propagationEnabled() const { return m_options.propagationEnabled; }
+    bool propagateTranslation() const { return m_options.propagateTranslation; }
+    bool propagateOrientation() const { return m_options.propagateOrientation; }
+    bool isSelectionEventPending() const { return m_selection.isPending(); }
     /// The handle or bone under the mouse or being dragged, 0 for none.
-    int hoveredId() const { return m_hoveredId; }
-    bool isDragging() const { return m_dragging; }
-    const RyDragFrame &dragFrame() const { return m_frame; }
-    const RyBoneIndex &bones() const { return m_bones; }
+    int hoveredId() const { return m_pointer.hoveredId(); }
+    bool isDragging() const { return m_pointer.isDragging(); }
+    /// The viewport of the press that has not been released, and its camera's world rotation at the last press.
+    Ry3DViewport *pressViewport() const { return m_pointer.pressViewport(); }
+    RyQuat pressCameraRotation() const { return m_pointer.pressCameraRotation(); }
+    const RyBoneIndex &bones() const { return m_drawing.bones(); }
     RyJointEditorToolFrame *frame() const;
 
-    bool autoAlign() const { return m_autoAlign; }
+    bool autoAlign() const { return m_options.autoAlign; }
     void setAutoAlign(bool onOff);
-    bool autoSnapEndPoints() const { return m_autoSnapEndPoints; }
+    bool autoSnapEndPoints() const { return m_options.autoSnapEndPoints; }
     void setAutoSnapEndPoints(bool onOff);
 
     /// Gives the node another rotation order and announces the current node anew. Nothing for null or the same order.
@@ -173,60 +182,18 @@ private slots:
     void postSelectionChangeEvent();
 
 private:
-    void connectNode(RyNode *node);
-    void disconnectNode(RyNode *node);
-    void followPointChange(RyNode *node);
-    /// Whether a click with Ctrl creates a bone, whatever is under the mouse.
-    bool createsBones() const { return !m_param && m_node && m_boneCreationActive; }
-    void setHoveredId(int id);
-    void hideToolTip();
-    /// Ends a press or drag: what it has changed so far is kept as one step. Nothing without one.
-    void finishDrag();
-    /// Ends a press or drag without a trace.
-    void dropDrag();
-    /// Runs an edit of points during which changes of the current node's points are only noted; the follow-up to them
-    /// comes once, after it.
-    template<typename Edit>
-    void placePoints(const Edit &edit);
-    RyLine3 pressViewportRay(const QPoint &point) const;
-    template<typename T>
-    bool changeDisplay(T RyJointToolDisplay::*value, T newValue);
+    /// For drags: as an edit in the viewport.
+    void setAngle(RyBendAngle angle, float value);
+    /// Sets an option that menus show.
+    void setMenuOption(bool RyToolOptions::*option, bool onOff);
 
-    RyJointToolDisplay m_display;
-    EditMode m_editMode = CenterEndMode;
-    QPointer<RyNode> m_node;
-    QPointer<RyNode> m_parent;
-    RyVec3 m_cachedOrigin;
-    RyLegacyJointParam *m_param = nullptr;
-    RyLegacyJointParam *m_partner = nullptr;     // on the parent's joint
-    RyLegacyJointParam *m_bendPartner = nullptr; // on the driver's joint
-    int m_rememberedAxis = -1;
-    int m_rememberedType = 0;
-    bool m_paramDrivenByParent = false;
-    float m_angleA = 0.0f;
-    float m_angleB = 0.0f;
-    float m_angleC = 0.0f;
-    float m_angleD = 0.0f;
-
-    bool m_autoSnapEndPoints = false;
-    bool m_autoAlign = false;
-    bool m_pushNeighborAngles = true;
-    bool m_reserved = true; // read by nobody
-    bool m_propagationEnabled = false;
-    bool m_propagateTranslation = false;
-    bool m_propagateOrientation = false;
-    bool m_boneCreationActive = false;
-    bool m_selectionEventPending = false;
-    bool m_placingPoints = false; // the tool itself moves points
-    bool m_pointsPlaced = false;  // and has moved some of the current node's
-
-    int m_hoveredId = 0;
-    bool m_dragging = false;
-    RyDragFrame m_frame;
-    std::unique_ptr<RyHandleDrag> m_drag;     // holds the undo step of the drag
-    QPointer<Ry3DViewport> m_toolTipViewport; // the one that shows a handle's tool tip
-    RyBoneIndex m_bones;
-    RyBoundaryEdges m_boundaryEdges;
+    RyJointState m_joint;
+    RyToolOptions m_options;
+    RyToolDisplay m_display{*this};
+    RyToolDrawing m_drawing;
+    RyToolPointer m_pointer;
+    RyPointFollowUp m_followUp{m_joint, m_options, m_pointer};
+    RyToolSelection m_selection{*this, m_joint, m_pointer};
 
     QPointer<QWidget> m_toolFrame;
     QPointer<QWidget> m_dividerBar;

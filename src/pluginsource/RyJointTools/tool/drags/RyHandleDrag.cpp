@@ -15,7 +15,19 @@ RyVec3 RyHandleDrag::dragVector(const RyLine3 &) const
     return {};
 }
 
-void RyHandleDrag::apply(const RyVec3 &, const RyVec3 &, const Options &) {}
+void RyHandleDrag::press(const RyLine3 &ray)
+{
+    m_pressVector = m_currentVector = dragVector(ray);
+}
+
+void RyHandleDrag::move(const RyLine3 &ray, const Options &options)
+{
+    open();
+    m_currentVector = dragVector(ray);
+    apply(options);
+}
+
+void RyHandleDrag::apply(const Options &) {}
 
 bool RyHandleDrag::propagateOrigin(RyNode *, const RyVec3 &)
 {

@@ -22,6 +22,7 @@ public:
     {
         bool keepLength = false;
         bool propagate = false;
+        bool isAligned = false; // the orientation of bones follows their points
     };
 
     /// `element` is edited by the drag; null where nothing is.
@@ -32,8 +33,10 @@ public:
 
     /// Where a ray of the world meets the handle's plane or line, from the handle's anchor.
     virtual RyVec3 dragVector(const RyLine3 &ray) const;
-    /// Changes the scene by the way from the drag vector at the press to the present one.
-    virtual void apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options);
+    /// The ray through the place of the press; ways are measured from there.
+    void press(const RyLine3 &ray);
+    /// Changes the scene by the way from the press to where the ray points.
+    void move(const RyLine3 &ray, const Options &options);
     /// Whether the handle's axis points at the eye, so that no way along it can be told from the mouse and the drag
     /// moves nothing.
     virtual bool pointsAtEye() const { return false; }
@@ -42,11 +45,19 @@ public:
     virtual bool propagateOrigin(RyNode *node, const RyVec3 &newOrigin);
 
     bool isOpen() const { return m_hold != nullptr; }
-    void open();
     void finish(const QString &caption);
     void cancel();
 
+protected:
+    virtual void apply(const Options &options);
+    const RyVec3 &pressVector() const { return m_pressVector; }
+    const RyVec3 &currentVector() const { return m_currentVector; }
+
 private:
+    void open();
+
     QPointer<RyElement> m_element;
+    RyVec3 m_pressVector;
+    RyVec3 m_currentVector;
     std::unique_ptr<RyUndoStackHold> m_hold;
 };

@@ -1,11 +1,12 @@
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 
+#include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
+
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
 
-static bool isAlongView(const RyLine3 &line, const RyDragFrame &frame)
+static bool isAlongView(const RyLine3 &line, const RyCamera *camera)
 {
-    const RyCamera *camera = frame.pressViewport ? frame.pressViewport->getCamera() : nullptr;
     if (!camera)
         return false;
     const RyVec3 &place = line.getOrigin();
@@ -13,62 +14,81 @@ static bool isAlongView(const RyLine3 &line, const RyDragFrame &frame)
         RyLine3(camera->isOrthographic() ? place - camera->viewDirection() : camera->getWSPos(), place));
 }
 
-RyPointDrag::RyPointDrag(RyNode *node, Point point, int axis, RyDragFrame &frame)
-    : RyHandleDrag(node), m_node(node), m_point(point),
-      m_anchor(point == Origin ? node->getWSPos() : node->getWSEndPoint()),
-      m_planeNormal(frame.pressCameraRotation.multVec(RyVec3::axis(2))),
-      m_start(point == Origin ? node->getOrigin() : node->getEndPoint()),
-      m_startOther(point == Origin ? node->getEndPoint() : node->getOrigin()),
-      m_worldToNode(RyAffine(node->getWSTransform()).inverse()), m_branch(node)
+static RyQuat rotationOf(const RyCamera *camera)
 {
-    const RyNode *axisNode = point == Origin ? node->getNodeParent() : node;
-    const RyQuat axisRotation = axisNode ? axisNode->getWSRot() : RyQuat();
-    frame.jointCenter = node->getWSPos();
-    for (int k = 0; k < 3; ++k)
-        frame.axes[k] = axisRotation.multVec(RyVec3::axis(k));
+    return camera ? camera->getWSRot() : RyQuat();
+}
+
+RyPointDrag::RyPointDrag(const RyDragContext &context, Point point, int axis)
+    : RyHandleDrag(context.node), m_node(context.node), m_point(point), m_axis(axis),
+      m_frame(point == Origin ? RyHandleFrame::ofOrigin(*context.node, rotationOf(context.camera))
+                              : RyHandleFrame::ofEndPoint(*context.node, rotationOf(context.camera))),
+      m_start(point == Origin ? m_node->getOrigin() : m_node->getEndPoint()),
+      m_startOther(point == Origin ? m_node->getEndPoint() : m_node->getOrigin()),
+      m_worldToNode(RyAffine(m_node->getWSTransform()).inverse()), m_branch(m_node)
+{
     if (axis >= 0)
-        m_axis = frame.axes[axis];
-    m_pointsAtEye = isAlongView(RyLine3(m_anchor, m_anchor + m_axis), frame);
+        m_pointsAtEye = isAlongView(RyLine3(m_frame.anchor, m_frame.anchor + m_frame.axes[axis]), context.camera);
 }
 
 RyVec3 RyPointDrag::dragVector(const RyLine3 &ray) const
 {
-    if (m_axis == RyVec3()) {
-        RyVec3 hit;
-        ray.planeIntersect(m_anchor, m_planeNormal, hit);
-        return hit - m_anchor;
-    }
     if (m_pointsAtEye)
         return {};
-    const RyLine3 line(m_anchor, m_anchor + m_axis);
-    RyVec3 nearest;
-    line.minDistanceFromLine(ray, nearest);
-    return m_axis * (nearest - m_anchor).dot(m_axis);
+    return m_axis < 0 ? m_frame.wayInPlane(ray) : m_frame.wayAlongAxis(m_axis, ray);
 }
 
 RyVec3 RyPointDrag::propose(const RyVec3 &way, bool keepLength) const
 {
     const RyVec3 moved = m_start + m_worldToNode.mapDirection(way);
-    if (!keepLength)
-        return moved;
+    return keepLength ? atStartLength(moved) : moved;
+}
+
+RyVec3 RyPointDrag::atStartLength(const RyVec3 &moved) const
+{
     const RyVec3 direction = (moved - m_startOther).normalized();
     if (direction == RyVec3())
         return moved;
     return m_startOther + direction * (m_start - m_startOther).length();
 }
 
-void RyPointDrag::apply(const RyVec3 &pressVector, const RyVec3 &currentVector, const Options &options)
+void RyPointDrag::apply(const Options &options)
 {
     if (!m_node)
         return;
-    const RyVec3 value = propose(currentVector - pressVector, options.keepLength);
+    const RyVec3 way = currentVector() - pressVector();
+    place(propose(way, options.keepLength), options.propagate);
+    if (options.isAligned)
+        followTurnedPose(m_frame.anchor + way, options);
+}
+
+void RyPointDrag::place(const RyVec3 &value, bool propagate)
+{
     if (m_point == Origin) {
         m_node->adjustOrigin(value);
         return;
     }
     m_node->adjustEndPoint(value);
-    if (options.propagate)
+    if (propagate)
         m_branch.moveDescendants(value - m_start);
+}
+
+// A new orientation turns the pose with it, and the point away from the cursor. The next value is asked of the map as
+// it is now; each comes much closer than the one before.
+void RyPointDrag::followTurnedPose(const RyVec3 &target, const Options &options)
+{
+    constexpr int most = 20;
+    constexpr float closeEnough = 1e-5f; // of the way to the target, in figure space
+    for (int i = 0; i < most && m_node; ++i) {
+        const RyVec3 now = m_point == Origin ? m_node->getOrigin() : m_node->getEndPoint();
+        const RyVec3 missing = target - (m_point == Origin ? m_node->getWSPos() : m_node->getWSEndPoint());
+        const RyNode *above = m_point == Origin && m_node->getNodeParent() ? m_node->getNodeParent() : m_node.data();
+        const RyVec3 moved = now + RyAffine(above->getWSTransform()).inverse().mapDirection(missing);
+        const RyVec3 value = options.keepLength ? atStartLength(moved) : moved;
+        if ((value - now).length() <= closeEnough * (value - m_start).length())
+            break;
+        place(value, options.propagate);
+    }
 }
 
 bool RyPointDrag::propagateOrigin(RyNode *node, const RyVec3 &newOrigin)

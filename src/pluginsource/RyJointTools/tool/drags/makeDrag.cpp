@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/tool/drags/makeDrag.h"
 
+#include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandle.h"
 
@@ -10,11 +11,11 @@ static bool isJointPoint(const RyHandle &handle)
     return handle.target == RyHandle::Origin || handle.target == RyHandle::EndPoint;
 }
 
-std::unique_ptr<RyHandleDrag> makeDrag(const RyHandle *handle, RyNode *node, RyDragFrame &frame)
+std::unique_ptr<RyHandleDrag> makeDrag(const RyHandle *handle, const RyDragContext &context)
 {
-    if (handle && node && isJointPoint(*handle)) {
+    if (handle && context.node && isJointPoint(*handle)) {
         const auto point = handle->target == RyHandle::Origin ? RyPointDrag::Origin : RyPointDrag::EndPoint;
-        return std::make_unique<RyPointDrag>(node, point, handle->axis, frame);
+        return std::make_unique<RyPointDrag>(context, point, handle->axis);
     }
-    return std::make_unique<RyHandleDrag>(node);
+    return std::make_unique<RyHandleDrag>(context.node);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pluginsource/RyJointTools/tool/RyBoneIndex.h"
-#include "pluginsource/RyJointTools/tool/RyJointToolDisplay.h"
+#include "pluginsource/RyJointTools/tool/display/RyJointToolDisplay.h"
+#include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
 
 class Ry3DViewport;
 class RyNode;

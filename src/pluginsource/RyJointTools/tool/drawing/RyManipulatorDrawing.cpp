@@ -3,6 +3,7 @@
 #include "pluginsource/RyJointTools/tool/drawing/drawCone.h"
 #include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 #include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleFrame.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
 
 #include "rycore/scene/RyNode.h"
@@ -20,63 +21,33 @@ void RyManipulatorDrawing::draw(const RyNode &node) const
 {
     if (!node.getOriginXControl())
         return;
-    RyVec3 position;
-    RyQuat rotation;
-    RyMatrix3 scale;
-    node.getWSTransform(position, rotation, scale);
-    const RyNode *parent = node.getNodeParent();
-    const RyQuat parentRotation = parent ? parent->getWSRot() : RyQuat();
-    const RyVec3 wayToEnd = node.getEndPoint() - node.getOrigin();
-    const RyMatrix4 scaleMatrix(scale);
-
-    RyMatrix4 originFrame = scaleMatrix;
-    originFrame.rotate(parentRotation);
-    originFrame.translate(position);
-    RyMatrix4 endFrame(true);
-    endFrame.translate(wayToEnd);
-    endFrame = endFrame * node.getWSTransform();
-    // Measured now: sizes refer to the modelview matrix of the world.
-    const Sizes originSizes = measure(originFrame);
-    const Sizes endSizes = measure(endFrame);
-
-    glPushMatrix();
-    glTranslatef(position.x, position.y, position.z);
-    rotateBy(parentRotation);
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_LINE_BIT);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
     if (m_context.pickPass)
         capLineWidth();
-
-    glPushMatrix();
-    glMultMatrixf(scaleMatrix.data());
-    drawPoint(RyHandle::Origin, originSizes);
-    glPopMatrix();
-
-    // The scale comes first in the node's own frame: it is taken up again after the rotation.
-    rotateBy(parentRotation.inverse());
-    rotateBy(rotation);
-    glMultMatrixf(scaleMatrix.data());
-    glTranslatef(wayToEnd.x, wayToEnd.y, wayToEnd.z);
-    drawPoint(RyHandle::EndPoint, endSizes);
-
+    drawPoint(RyHandle::Origin, RyHandleFrame::ofOrigin(node).toWorld());
+    drawPoint(RyHandle::EndPoint, RyHandleFrame::ofEndPoint(node).toWorld());
     glPopAttrib();
-    glPopMatrix();
 }
 
-RyManipulatorDrawing::Sizes RyManipulatorDrawing::measure(const RyMatrix4 &frame) const
+RyManipulatorDrawing::Sizes RyManipulatorDrawing::measure(const RyMatrix4 &toWorld) const
 {
     Sizes sizes;
-    const RyVec3 center = frame.translation();
-    sizes.ballRadius = std::min(RyGLUtility::displayToPerspectiveSize(ballPixels, center) / 12.0f, maxBallRadius);
+    const RyVec3 anchor = toWorld.translation();
+    sizes.ballRadius = std::min(RyGLUtility::displayToPerspectiveSize(ballPixels, anchor) / 12.0f, maxBallRadius);
     for (int axis = 0; axis < 3; ++axis)
-        sizes.cones[axis] = coneSizeAt(frame.multVecMatrix(RyVec3::axis(axis) * handleLength));
+        sizes.cones[axis] = coneSizeAt(toWorld.multVecMatrix(RyVec3::axis(axis) * handleLength));
     return sizes;
 }
 
-void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const Sizes &sizes) const
+void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const
 {
+    // Measured while the modelview matrix is that of the world.
+    const Sizes sizes = measure(toWorld);
     const QColor &color = m_context.display.dynamicColor;
+    glPushMatrix();
+    glMultMatrixf(toWorld.data());
     if (m_context.display.showManipulators) {
         for (const RyHandle &handle : RyHandleTable::handles()) {
             if (handle.target == target && handle.kind == RyHandle::AxisArrow) {
@@ -92,6 +63,7 @@ void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const Sizes &sizes
             RyGLUtility::drawSphere(std::max(m_context.display.sphereLineDensity, 1), sizes.ballRadius, false, true);
         }
     }
+    glPopMatrix();
 }
 
 void RyManipulatorDrawing::drawArrow(int axis, float coneSize) const

@@ -3,11 +3,11 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandle.h"
 
-#include "rycore/math/RyMatrix4.h"
+class RyMatrix4;
+class RyNode;
 
-/// Draws the handles of a node's origin and end point: axis arrows with cones, a crosshair and a ball at each. The
-/// origin's axes are the parent's, the end point's the node's own; the ball of the end point is the posed end point.
-/// Nothing for a node without rigging.
+/// Draws the handles of a node's origin and end point in their frames: axis arrows with cones, a crosshair and a ball
+/// at each. Nothing for a node without rigging.
 class RyManipulatorDrawing
 {
 public:
@@ -22,8 +22,8 @@ private:
         float ballRadius;
         float cones[3];
     };
-    Sizes measure(const RyMatrix4 &frame) const;
-    void drawPoint(RyHandle::Target target, const Sizes &sizes) const;
+    Sizes measure(const RyMatrix4 &toWorld) const;
+    void drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const;
     void drawArrow(int axis, float coneSize) const;
     void drawCrosshair() const;
 

@@ -4,8 +4,6 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
-#include "rycore/math/RyFastMath.h"
-#include "rycore/math/RyQuat.h"
 #include "rycore/math/RyVec3.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -20,14 +18,6 @@ static constexpr GLfloat maxPickLineWidth = 10.0f;
 void putVertex(const RyVec3 &point)
 {
     glVertex3f(point.x, point.y, point.z);
-}
-
-void rotateBy(const RyQuat &rotation)
-{
-    RyVec3 axis;
-    float angle = 0.0f;
-    rotation.getValue(axis, angle);
-    glRotatef(float(-angle * RyFastMath::DegreesPerRadian), axis.x, axis.y, axis.z);
 }
 
 void capLineWidth()

@@ -1,14 +1,11 @@
 #pragma once
 
-class RyQuat;
 class RyVec3;
 struct RyDrawContext;
 
 // Geometry and line width on the current context and its modelview matrix.
 
 void putVertex(const RyVec3 &point);
-/// So that what follows is drawn turned by `rotation.multVec`.
-void rotateBy(const RyQuat &rotation);
 /// Thick lines would swallow their neighbours in the pick pass.
 void capLineWidth();
 /// Distance of a place in the world from the camera that looks.

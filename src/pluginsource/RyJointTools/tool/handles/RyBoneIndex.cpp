@@ -1,4 +1,4 @@
-#include "pluginsource/RyJointTools/tool/RyBoneIndex.h"
+#include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
 
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"

@@ -1,12 +1,11 @@
-#include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+#include "pluginsource/RyJointTools/tool/RyJointToolMenus.h"
 
 #include "rycore/ui/RyActionMenu.h"
 #include "rycore/ui/RyMenu.h"
 
-#include <span>
+#include <QCoreApplication>
 
-// The menus of the tool. Both are made of one description: the tool's menu alone has the rotation orders, which the
-// pane offers at hand, and the context menu alone the attributes of the selected nodes.
+#include <span>
 
 namespace {
 
@@ -83,35 +82,40 @@ void append(RyActionMenu &menu, std::span<const char *const> items)
     }
 }
 
+QString title(const SubMenu &subMenu)
+{
+    return QCoreApplication::translate("RyJointEditorTool", subMenu.title);
+}
+
 } // namespace
 
-void RyJointEditorTool::addToolMenuItems(RyMenu *menu)
+void fillToolMenu(RyMenu &menu)
 {
-    menu->addAction(QString::fromLatin1(firstItem), 0);
+    menu.addAction(QString::fromLatin1(firstItem), 0);
     for (const SubMenu &subMenu : subMenus) {
         if (subMenu.separatorBefore)
-            menu->addSeparator(0);
-        const int id = menu->addSubMenu(tr(subMenu.title), 0);
+            menu.addSeparator(0);
+        const int id = menu.addSubMenu(title(subMenu), 0);
         for (const char *item : subMenu.items) {
             if (*item)
-                menu->addAction(QString::fromLatin1(item), id);
+                menu.addAction(QString::fromLatin1(item), id);
             else
-                menu->addSeparator(id);
+                menu.addSeparator(id);
         }
     }
 }
 
-void RyJointEditorTool::fillToolOptionsMenu(RyActionMenu *menu)
+void fillContextMenu(RyActionMenu &menu)
 {
-    menu->insertAction(QString::fromLatin1(firstItem), -1);
+    menu.insertAction(QString::fromLatin1(firstItem), -1);
     for (const SubMenu &subMenu : subMenus) {
         if (!subMenu.inContextMenu)
             continue;
         if (subMenu.separatorBefore)
-            menu->insertSeparator(-1);
+            menu.insertSeparator(-1);
         auto *filled = new RyActionMenu;
         append(*filled, subMenu.items);
         append(*filled, subMenu.contextItems);
-        menu->insertMenu(tr(subMenu.title), filled, -1);
+        menu.insertMenu(title(subMenu), filled, -1);
     }
 }

@@ -1,0 +1,298 @@
+#include "pluginsource/RyJointTools/operations/propagateEdits.h"
+#include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+
+// Setters and slots.
+
+using Display = RyJointToolDisplay;
+
+void RyJointEditorTool::setEditMode(EditMode mode)
+{
+    m_display.change(&Display::editMode, mode, [&] { emit editModeChanged(mode); });
+}
+
+void RyJointEditorTool::setWeightVis(bool onOff)
+{
+    m_display.change(&Display::weightVis, onOff);
+}
+
+void RyJointEditorTool::setAngleVis(bool onOff)
+{
+    m_display.change(&Display::angleVis, onOff);
+}
+
+void RyJointEditorTool::setTwistVis(bool onOff)
+{
+    m_display.change(&Display::twistVis, onOff);
+}
+
+void RyJointEditorTool::setSmoothVis(bool onOff)
+{
+    m_display.change(&Display::smoothVis, onOff);
+}
+
+void RyJointEditorTool::setMatAVis(bool onOff)
+{
+    m_display.change(&Display::matAVis, onOff, [&] { emit matAVisChanged(onOff); });
+}
+
+void RyJointEditorTool::setMatBVis(bool onOff)
+{
+    m_display.change(&Display::matBVis, onOff, [&] { emit matBVisChanged(onOff); });
+}
+
+void RyJointEditorTool::setBoneDrawMode(BoneDrawMode mode)
+{
+    m_display.change(&Display::boneDrawMode, mode, [&] {
+        RyDisplaySettings::write(RyDisplaySettings::boneDrawModeKey, mode);
+        emit boneDrawModeChanged(mode);
+    });
+}
+
+void RyJointEditorTool::setBoneMode(int index)
+{
+    setBoneDrawMode(BoneDrawMode(EntireFigure - index));
+}
+
+void RyJointEditorTool::setStaticColor(QColor color)
+{
+    m_display.setColor(RyDisplaySettings::staticColor, color);
+}
+
+void RyJointEditorTool::setDynamicColor(QColor color)
+{
+    m_display.setColor(RyDisplaySettings::dynamicColor, color);
+}
+
+void RyJointEditorTool::setSelectedColor(QColor color)
+{
+    m_display.setColor(RyDisplaySettings::selectedColor, color);
+}
+
+void RyJointEditorTool::setBoundaryColor(QColor color)
+{
+    m_display.setColor(RyDisplaySettings::boundaryColor, color);
+}
+
+void RyJointEditorTool::setHandleDrawing(int val)
+{
+    m_display.setNumber(RyDisplaySettings::handleDrawing, val);
+}
+
+void RyJointEditorTool::setSphereDrawing(int val)
+{
+    m_display.setNumber(RyDisplaySettings::sphereDrawing, val);
+}
+
+void RyJointEditorTool::setSphereOpacity(int val)
+{
+    m_display.setNumber(RyDisplaySettings::sphereOpacity, val);
+}
+
+void RyJointEditorTool::setSphereLineDensity(int val)
+{
+    m_display.setNumber(RyDisplaySettings::sphereLineDensity, val);
+}
+
+void RyJointEditorTool::setWeightMapMode(int val)
+{
+    m_display.setNumber(RyDisplaySettings::weightMapMode, val);
+}
+
+void RyJointEditorTool::setWeightOpacity(int val)
+{
+    m_display.setNumber(RyDisplaySettings::weightOpacity, val);
+}
+
+void RyJointEditorTool::setBoundaryStyle(int val)
+{
+    m_display.setNumber(RyDisplaySettings::boundaryStyle, val);
+}
+
+void RyJointEditorTool::setBoneColoringStyle(int val)
+{
+    m_display.setNumber(RyDisplaySettings::boneColoringStyle, val);
+}
+
+void RyJointEditorTool::setGhostBones(bool onOff)
+{
+    m_display.setFlag(RyDisplaySettings::ghostBones, onOff);
+}
+
+void RyJointEditorTool::setShowManipulators(bool onOff)
+{
+    m_display.setFlag(RyDisplaySettings::showManipulators, onOff);
+}
+
+void RyJointEditorTool::setRestrictRotationAxes(bool onOff)
+{
+    m_display.setFlag(RyDisplaySettings::restrictRotationAxes, onOff);
+}
+
+void RyJointEditorTool::setDrawMeshBoundaries(bool onOff)
+{
+    m_display.setFlag(&Display::drawMeshBoundaries, onOff);
+}
+
+void RyJointEditorTool::setShowBoneHierarchy(bool onOff)
+{
+    m_display.setFlag(&Display::showBoneHierarchy, onOff);
+}
+
+void RyJointEditorTool::setPushNeighborAngles(bool onOff)
+{
+    m_options.pushNeighborAngles = onOff;
+}
+
+void RyJointEditorTool::setPropagationEnabled(bool onOff)
+{
+    m_options.propagationEnabled = onOff;
+}
+
+void RyJointEditorTool::setPropagateOrientation(bool onOff)
+{
+    m_options.propagateOrientation = onOff;
+}
+
+void RyJointEditorTool::setMenuOption(bool RyToolOptions::*option, bool onOff)
+{
+    m_options.*option = onOff;
+    emit optionsChanged();
+}
+
+void RyJointEditorTool::setPropagateTranslation(bool onOff)
+{
+    setMenuOption(&RyToolOptions::propagateTranslation, onOff);
+}
+
+void RyJointEditorTool::setAutoAlign(bool onOff)
+{
+    setMenuOption(&RyToolOptions::autoAlign, onOff);
+}
+
+void RyJointEditorTool::setAutoSnapEndPoints(bool onOff)
+{
+    setMenuOption(&RyToolOptions::autoSnapEndPoints, onOff);
+}
+
+void RyJointEditorTool::setBoneCreationActive(bool onOff)
+{
+    m_options.boneCreation = onOff;
+    emit statusTextChanged();
+    emit optionsChanged();
+}
+
+bool RyJointEditorTool::boneCreationActive()
+{
+    return m_options.boneCreation;
+}
+
+void RyJointEditorTool::performTransPropagation(RyNode *node, RyVec3 origin, RyVec3 newOrigin)
+{
+    m_followUp.propagateOrigin(node, origin, newOrigin);
+}
+
+void RyJointEditorTool::performOrientPropagation(RyNode *node, RyQuat delta)
+{
+    ::propagateOrientation(node, delta);
+}
+
+void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
+{
+    m_followUp.placePoints([&] { ::propagateRotation(node, axis, delta, recursive); });
+}
+
+void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool,
+                                                   RyVec3 &origin)
+{
+    m_followUp.placePoints([&] { ::propagateChildRotation(node, axis, delta, recursive, origin); });
+}
+
+void RyJointEditorTool::performScalePropagation(RyNode *node, int axis, float factor, bool recursive, bool)
+{
+    m_followUp.placePoints([&] { ::propagateScale(node, axis, factor, recursive); });
+}
+
+void RyJointEditorTool::performTransPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
+{
+    m_followUp.placePoints([&] { ::propagateTranslation(node, axis, delta, recursive); });
+}
+
+void RyJointEditorTool::updateSelection(RyNode *node)
+{
+    m_selection.update(node);
+}
+
+void RyJointEditorTool::nodeRemoved()
+{
+    m_selection.forgetNode();
+}
+
+void RyJointEditorTool::postSelectionChangeEvent()
+{
+    m_selection.followLater();
+}
+
+void RyJointEditorTool::centerPointChange()
+{
+    m_followUp.centerPointChanged();
+}
+
+void RyJointEditorTool::endPointChange()
+{
+    m_followUp.endPointChanged();
+}
+
+void RyJointEditorTool::dynamicMatrixChange()
+{
+    drawnDataChanged();
+}
+
+void RyJointEditorTool::staticMatrixChange()
+{
+    drawnDataChanged();
+}
+
+void RyJointEditorTool::removeParamConnections()
+{
+    m_joint.angleA = m_joint.angleB = m_joint.angleC = m_joint.angleD = 0.0f;
+}
+
+// The host has no parametric joints yet: whatever parameter is given is none of the current node's, so that none
+// becomes current and there is none to change.
+
+void RyJointEditorTool::setParam(RyLegacyJointParam *) {}
+
+void RyJointEditorTool::updateParamConnections() {}
+
+void RyJointEditorTool::validateAngleChange() {}
+
+void RyJointEditorTool::translateParam(RyLegacyJointParam *, RyVec3) {}
+
+void RyJointEditorTool::rotateParam(RyLegacyJointParam *, RyQuat) {}
+
+void RyJointEditorTool::propagateParamTranslation(RyNode *, RyLegacyJointParam *, float, int) {}
+
+void RyJointEditorTool::propagateSphereTranslation(RyLegacyJointSphere *, float, int) {}
+
+void RyJointEditorTool::setStaticA(float, int) {}
+
+void RyJointEditorTool::setDynamicB(float, int) {}
+
+void RyJointEditorTool::setDynamicC(float, int) {}
+
+void RyJointEditorTool::setStaticD(float, int) {}
+
+void RyJointEditorTool::setAngle(RyBendAngle angle, float value)
+{
+    constexpr int viewport = 0;
+    switch (angle) {
+    case RyBendAngle::StaticA:
+        return setStaticA(value, viewport);
+    case RyBendAngle::DynamicB:
+        return setDynamicB(value, viewport);
+    case RyBendAngle::DynamicC:
+        return setDynamicC(value, viewport);
+    case RyBendAngle::StaticD:
+        return setStaticD(value, viewport);
+    }
+}

@@ -1,0 +1,62 @@
+#include "pluginsource/RyJointTools/tool/RyPointFollowUp.h"
+
+#include "pluginsource/RyJointTools/operations/alignNode.h"
+#include "pluginsource/RyJointTools/operations/propagateEdits.h"
+#include "pluginsource/RyJointTools/operations/snapPoints.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
+#include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
+#include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
+
+#include "rycore/undo/RyUndoStack.h"
+
+void RyPointFollowUp::centerPointChanged()
+{
+    if (!m_joint.node)
+        return;
+    if (m_placing) {
+        m_joint.cachedOrigin = m_joint.node->getOrigin();
+        m_placed = true;
+        return;
+    }
+    snapAndAlign();
+    const RyVec3 origin = m_joint.node->getOrigin();
+    const RyUndoStack *stack = ryUndoStack();
+    if (stack && !stack->isInUndoRedo() && m_options.propagateTranslation)
+        propagateOrigin(m_joint.node, m_joint.cachedOrigin, origin);
+    m_joint.cachedOrigin = origin;
+}
+
+void RyPointFollowUp::endPointChanged()
+{
+    if (m_placing)
+        m_placed = true;
+    else
+        snapAndAlign();
+}
+
+void RyPointFollowUp::propagateOrigin(RyNode *node, const RyVec3 &origin, const RyVec3 &newOrigin)
+{
+    if (!node)
+        return;
+    placePoints([&] {
+        if (!m_pointer.propagateOrigin(node, newOrigin))
+            propagateTranslation(node, newOrigin - origin);
+    });
+}
+
+void RyPointFollowUp::snapAndAlign() const
+{
+    RyNode *node = m_joint.node;
+    RyNode *parent = node ? node->getNodeParent() : nullptr;
+    if (!parent)
+        return;
+    if (m_options.autoSnapEndPoints)
+        snapEndPoint(parent);
+    if (!m_options.autoAlign)
+        return;
+    for (RyNode *aligned : {parent, node}) {
+        aligned->beginEdit();
+        alignNode(aligned);
+        aligned->finishEdit();
+    }
+}

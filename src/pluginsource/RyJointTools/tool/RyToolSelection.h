@@ -1,0 +1,39 @@
+#pragma once
+
+class QEvent;
+class RyJointEditorTool;
+class RyNode;
+class RyRotationOrder;
+class RyToolPointer;
+struct RyJointState;
+
+/// Which node is the tool's current one: while the tool is active it is the scene's primary selection. Many changes of
+/// the selection in one pass of the event loop are followed once.
+class RyToolSelection
+{
+public:
+    RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolPointer &pointer);
+
+    /// Begins and ends to follow the scene.
+    void start();
+    void stop();
+    /// Follows the selection when the event loop comes round.
+    void followLater();
+    bool isPending() const { return m_pending; }
+    /// True for the event that `followLater` posted.
+    bool takeEvent(const QEvent &event);
+
+    void update(RyNode *node);
+    /// The current node goes away; the selection says later what comes instead.
+    void forgetNode();
+    void changeRotationOrder(RyNode *node, const RyRotationOrder &order);
+
+private:
+    void connectNode() const;
+    void disconnectNode() const;
+
+    RyJointEditorTool &m_tool;
+    RyJointState &m_joint;
+    RyToolPointer &m_pointer;
+    bool m_pending = false;
+};

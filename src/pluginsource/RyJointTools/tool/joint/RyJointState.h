@@ -1,0 +1,29 @@
+#pragma once
+
+#include "pluginsource/RyJointTools/tool/joint/RyGuardedPointer.h"
+
+#include "rycore/math/RyVec3.h"
+#include "rycore/scene/RyNode.h"
+
+#include <QPointer>
+
+class RyLegacyJointParam;
+
+/// What the tool edits: the current node and, of its joint, the current parameter.
+struct RyJointState
+{
+    QPointer<RyNode> node;
+    QPointer<RyNode> parent; // when the node became the current one
+    RyVec3 cachedOrigin;     // of the node when it was last seen, in figure space
+
+    RyGuardedPointer<RyLegacyJointParam> param;
+    RyGuardedPointer<RyLegacyJointParam> partner;     // on the parent's joint
+    RyGuardedPointer<RyLegacyJointParam> bendPartner; // on the driver's joint
+    bool paramDrivenByParent = false;
+    int rememberedAxis = -1; // of the last parameter that was chosen
+    int rememberedType = 0;
+    float angleA = 0.0f; // of the bend parameter, in radians
+    float angleB = 0.0f;
+    float angleC = 0.0f;
+    float angleD = 0.0f;
+};

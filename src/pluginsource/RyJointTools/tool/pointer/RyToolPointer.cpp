@@ -1,0 +1,270 @@
+#include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
+
+#include "pluginsource/RyJointTools/operations/createBoneAtClick.h"
+#include "pluginsource/RyJointTools/tool/display/RyJointToolDisplay.h"
+#include "pluginsource/RyJointTools/tool/drags/RyHandleDrag.h"
+#include "pluginsource/RyJointTools/tool/drags/makeDrag.h"
+#include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
+#include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyGLUtility.h"
+#include "rycore/viewport/RyPickTool.h"
+
+#include <QMouseEvent>
+
+RyToolPointer::RyToolPointer(const Surroundings &surroundings) : m_in(surroundings) {}
+
+RyToolPointer::~RyToolPointer() = default;
+
+Ry3DViewport *RyToolPointer::pressViewport() const
+{
+    return m_pressViewport;
+}
+
+void RyToolPointer::setHoveredId(int id)
+{
+    if (m_hoveredId == id)
+        return;
+    m_hoveredId = id;
+    m_in.tool.drawnDataChanged();
+    emit m_in.tool.statusTextChanged();
+}
+
+void RyToolPointer::hideToolTip()
+{
+    if (m_toolTipViewport)
+        m_toolTipViewport->setToolTipText(QString());
+    m_toolTipViewport = nullptr;
+}
+
+void RyToolPointer::finish()
+{
+    if (!m_drag)
+        return;
+    if (m_dragging)
+        m_drag->finish(tr("Joint Edit"));
+    m_drag.reset();
+    m_dragging = false;
+    m_pressViewport = nullptr;
+    hideToolTip();
+    setHoveredId(HandleId::None);
+}
+
+void RyToolPointer::cancel()
+{
+    if (m_dragging)
+        drop();
+}
+
+void RyToolPointer::drop()
+{
+    if (m_drag)
+        m_drag->cancel();
+    m_drag.reset();
+    m_dragging = false;
+    hideToolTip();
+    setHoveredId(HandleId::None);
+}
+
+void RyToolPointer::abandon()
+{
+    m_drag.reset();
+}
+
+/// The release was lost, as to a window that came up in the middle of the drag, when the mouse moves with no button
+/// held or the button that began the drag is pressed again.
+void RyToolPointer::endLostDrag(const QMouseEvent &event)
+{
+    if (event.type() != QEvent::MouseButtonPress || event.button() == Qt::LeftButton)
+        finish();
+}
+
+bool RyToolPointer::propagateOrigin(RyNode *node, const RyVec3 &newOrigin) const
+{
+    return m_drag && m_drag->propagateOrigin(node, newOrigin);
+}
+
+bool RyToolPointer::createsBones() const
+{
+    return !m_in.joint.param.get() && m_in.joint.node && m_in.options.boneCreation;
+}
+
+RyDragContext RyToolPointer::dragContext() const
+{
+    const RyJointState &joint = m_in.joint;
+    const RyCamera *camera = m_pressViewport ? m_pressViewport->getCamera() : nullptr;
+    return {joint.node, joint.param.get(), joint.partner.get(), joint.bendPartner.get(), camera, m_in.setAngle};
+}
+
+RyLine3 RyToolPointer::pressViewportRay(const QPoint &point) const
+{
+    if (m_pressViewport)
+        m_pressViewport->makeCurrent();
+    return RyGLUtility::pixelToRay(point);
+}
+
+void RyToolPointer::hover(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    endLostDrag(*event);
+    const int id = viewport->pickOnGizmo(event->pos());
+    if (id == HandleId::None) {
+        if (m_hoveredId != HandleId::None)
+            viewport->setToolTipText(QString());
+        setHoveredId(HandleId::None);
+        viewport->setCursor(Qt::ArrowCursor);
+        m_in.tool.RyPickTool::mouseOver(viewport, event, modifier);
+        return;
+    }
+    if (id == m_hoveredId)
+        return;
+    m_in.tool.setHighlightNode(nullptr);
+    if (const RyHandle *handle = RyHandleTable::find(id)) {
+        viewport->setToolTipText(RyHandleTable::toolTip(*handle));
+        m_toolTipViewport = viewport;
+        viewport->setCursor(RyHandleTable::cursor(*handle, m_in.display.restrictRotationAxes));
+    } else if (HandleId::isBone(id) && RyHandleTable::find(m_hoveredId)) {
+        viewport->setToolTipText(QString());
+    }
+    setHoveredId(id);
+}
+
+void RyToolPointer::leave(Ry3DViewport *viewport)
+{
+    if (!m_drag && m_hoveredId != HandleId::None) {
+        viewport->setToolTipText(QString());
+        setHoveredId(HandleId::None);
+    }
+    m_in.tool.RyPickTool::mouseLeave(viewport);
+}
+
+bool RyToolPointer::pressRight(QMouseEvent *event)
+{
+    if (m_dragging) {
+        drop();
+        event->accept();
+    }
+    return false;
+}
+
+bool RyToolPointer::press(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    const int id = viewport->pickOnGizmo(event->pos());
+    if (event->button() == Qt::RightButton)
+        return pressRight(event);
+    endLostDrag(*event);
+    if (m_dragging) {
+        // One step is open, and the button that began it ends it.
+        event->accept();
+        return true;
+    }
+    m_drag.reset();
+    m_pressCameraRotation = viewport->getCamera() ? viewport->getCamera()->getWSRot() : RyQuat();
+    m_pressViewport = viewport;
+
+    RyNode *node = m_in.joint.node;
+    if (createsBones() && modifier == RyViewMouseModifier::Control) {
+        createBone(event->pos());
+    } else if (node && HandleId::isBone(id)) {
+        selectBone(id, modifier);
+    } else {
+        setHoveredId(id);
+        if (!node || id == HandleId::None)
+            return m_in.tool.RyPickTool::mousePress(viewport, event, modifier);
+        startDrag(id, event->pos());
+    }
+    event->accept();
+    return true;
+}
+
+void RyToolPointer::createBone(const QPoint &point)
+{
+    // The handle that happens to be under the mouse must not be dragged by what follows.
+    setHoveredId(HandleId::None);
+    if (m_pressViewport->getCamera())
+        createBoneAtClick(m_in.joint.node, pressViewportRay(point), m_pressCameraRotation);
+}
+
+void RyToolPointer::startDrag(int id, const QPoint &point)
+{
+    m_drag = makeDrag(RyHandleTable::find(id), dragContext());
+    m_drag->press(pressViewportRay(point));
+    if (m_drag->pointsAtEye())
+        emit m_in.tool.statusTextChanged();
+}
+
+void RyToolPointer::selectBone(int id, RyViewMouseModifier modifier)
+{
+    // A slip of the mouse on a bone must not become a drag.
+    setHoveredId(HandleId::None);
+    const RyNode *node = m_in.joint.node;
+    RyBone *bone = m_in.bones.boneAt(HandleId::toBoneIndex(id), node->getSkeleton());
+    if (!bone || bone == node)
+        return;
+    if (modifier != RyViewMouseModifier::Control)
+        ryScene()->selectAllNodes(false);
+    bone->select(true);
+}
+
+bool RyToolPointer::move(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    if (m_hoveredId == HandleId::None)
+        return m_in.tool.RyPickTool::mouseMove(viewport, event, modifier);
+    if (!m_drag)
+        m_drag = makeDrag(nullptr, dragContext());
+    if (!m_dragging) {
+        m_dragging = true;
+        emit m_in.tool.statusTextChanged();
+    }
+    RyHandleDrag::Options options;
+    options.keepLength = event->modifiers().testFlag(Qt::ControlModifier);
+    options.propagate = m_in.options.propagateTranslation;
+    options.isAligned = m_in.options.autoAlign;
+    m_drag->move(pressViewportRay(event->pos()), options);
+    m_in.tool.drawnDataChanged();
+    event->accept();
+    return true;
+}
+
+bool RyToolPointer::release(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
+{
+    m_pressViewport = nullptr;
+    if (!m_drag && m_hoveredId == HandleId::None)
+        return m_in.tool.RyPickTool::mouseRelease(viewport, event, modifier);
+    finish();
+    hideToolTip();
+    setHoveredId(HandleId::None);
+    return true;
+}
+
+QString RyToolPointer::statusText() const
+{
+    const RyNode *node = m_in.joint.node;
+    const RyHandle *handle = node ? RyHandleTable::find(m_hoveredId) : nullptr;
+    const QString handleText = handle ? RyHandleTable::statusText(*handle, node->getLabel()) : QString();
+    const QString pressedText = m_drag && m_drag->pointsAtEye()
+                                    ? tr("This axis points at the eye and moves nothing; turn the view")
+                                    : handleText;
+    if (m_dragging && node)
+        return handle ? tr("%1; right click or Esc cancels").arg(pressedText) : QString();
+    QStringList hints;
+    if (handle) {
+        hints.append(pressedText);
+    } else {
+        const RyNode *under = node && HandleId::isBone(m_hoveredId)
+                                  ? m_in.bones.boneAt(HandleId::toBoneIndex(m_hoveredId), node->getSkeleton())
+                                  : m_in.tool.getHighlightNode();
+        if (under && under != node)
+            hints.append(RyHandleTable::boneStatusText(under->getLabel(), createsBones()));
+    }
+    if (createsBones())
+        hints.append(tr("Ctrl+click creates a child bone of %1").arg(node->getLabel()));
+    return hints.join(QStringLiteral("; "));
+}
