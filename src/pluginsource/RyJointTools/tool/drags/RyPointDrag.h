@@ -39,8 +39,7 @@ private:
     Point m_point;
     int m_axis;
     RyHandleFrame m_frame;
-    bool m_pointsAtEye =
-        false; // asked at the press: rays that leave the axis later in the drag would meet it at the eye
+    bool m_pointsAtEye = false; // asked at the press: rays that leave the axis later would meet it at the eye
     RyVec3 m_start;
     RyVec3 m_startOther;
     RyAffine m_worldToNode;

@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 
+#include "rycore/math/RyQuat.h"
 #include "rycore/viewport/RyViewMouseModifier.h"
 
 #include <QCoreApplication>
