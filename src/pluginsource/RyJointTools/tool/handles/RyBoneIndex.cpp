@@ -22,12 +22,6 @@ void RyBoneIndex::refill(const RySkeleton *skeleton)
               [](const auto &a, const auto &b) { return std::less<const RyNode *>()(a.first, b.first); });
 }
 
-void RyBoneIndex::clear()
-{
-    m_bones.clear();
-    m_places.clear();
-}
-
 int RyBoneIndex::find(const RyNode *node) const
 {
     const auto found =

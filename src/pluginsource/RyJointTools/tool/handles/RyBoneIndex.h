@@ -14,7 +14,6 @@ class RyBoneIndex
 public:
     /// All bones of the skeleton; none for null.
     void refill(const RySkeleton *skeleton);
-    void clear();
     int count() const { return int(m_bones.size()); }
     /// -1 for a node that is not in the list.
     int find(const RyNode *node) const;

@@ -9,7 +9,7 @@ class RyNode;
 
 /// Where handles stand in the world. It is worked out here alone, for drawing them, for the pick pass and for dragging
 /// them: what is drawn begins at the anchor and runs along the axes, and drags measure from the anchor along the same
-/// lines.
+/// lines. A scale that shears turns no axis: drags along an axis follow the rotation alone, and so does the drawing.
 struct RyHandleFrame
 {
     RyVec3 anchor;
@@ -18,12 +18,11 @@ struct RyHandleFrame
     RyVec3 planeNormal;                    // of the plane that a handle without an axis moves in
 
     /// Of a node's origin: the node's world position, with the axes of the parent's world rotation (those of the world
-    /// without a parent). An origin moves in the space that the parent's pose gives it.
+    /// without a parent), since an origin moves in the space that the parent's pose gives it. The lengths are those of
+    /// the node's world scale. The plane faces the camera, whose world rotation is `viewRotation`.
     static RyHandleFrame ofOrigin(const RyNode &node, const RyQuat &viewRotation = RyQuat());
-    /// Of a node's end point: the posed end point, with the axes of the node's own world rotation.
+    /// Of a node's end point: the posed end point, with the axes of the node's own world rotation; the rest as above.
     static RyHandleFrame ofEndPoint(const RyNode &node, const RyQuat &viewRotation = RyQuat());
-    // The lengths of both are those of the node's world scale. It does not turn the axes where it shears: a drag along
-    // an axis follows the rotation alone. The plane faces the camera, whose world rotation is `viewRotation`.
 
     /// From the space in which the handles' shapes are given, with the anchor at zero, to the world.
     RyMatrix4 toWorld() const;
