@@ -213,12 +213,12 @@ std::vector<Row> privateRows()
     return {
         {"updateSelection(RyNode*)",
          updateSelection,
-         {"nodeChanged", redraw, "statusTextChanged"},
-         {"nodeChanged", redraw, "statusTextChanged"},
+         {"nodeChanged", redraw, "statusTextChanged", "hoverRequested"},
+         {"nodeChanged", redraw, "statusTextChanged", "hoverRequested"},
          [](RyToolScene &scene) {
              QVERIFY(QMetaObject::invokeMethod(scene.tool, "updateSelection", Q_ARG(RyNode *, nullptr)));
          },
-         {"nodeChanged", redraw, "statusTextChanged"}},
+         {"nodeChanged", redraw, "statusTextChanged", "hoverRequested"}},
         {"nodeRemoved()", callPrivate("nodeRemoved"), {}, {}},
         {"centerPointChange()", callPrivate("centerPointChange"), {}, {}},
         {"endPointChange()", callPrivate("endPointChange"), {}, {}},
@@ -315,16 +315,17 @@ void RyJointEditorToolEmissionsTest::selection()
     ryScene()->setSelection({fixture.scene.lFoot});
     QCOMPARE(fixture.log->take(), QStringList());
     QCoreApplication::processEvents();
-    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged"}));
+    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged", "hoverRequested"}));
     fixture.scene.manager->setActiveTool(nullptr);
-    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged"}));
+    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged", "hoverRequested"}));
     fixture.scene.manager->setActiveTool(fixture.scene.tool);
-    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged"}));
+    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", redraw, "statusTextChanged", "hoverRequested"}));
     // What a click creates hangs on the current node, which the status text names.
     fixture.scene.tool->setBoneCreationActive(true);
     fixture.log->take();
     updateSelection(fixture.scene);
-    QCOMPARE(fixture.log->take(), QStringList({"nodeChanged", "statusTextChanged", redraw, "statusTextChanged"}));
+    QCOMPARE(fixture.log->take(),
+             QStringList({"nodeChanged", "statusTextChanged", redraw, "statusTextChanged", "hoverRequested"}));
 }
 
 void RyJointEditorToolEmissionsTest::mouse()
@@ -376,7 +377,7 @@ void RyJointEditorToolEmissionsTest::cancelledDrag()
     fixture.log->take();
     scene.manager->setActiveTool(nullptr);
     QCOMPARE(fixture.log->take(),
-             QStringList({redraw, "statusTextChanged", "nodeChanged", redraw, "statusTextChanged"}));
+             QStringList({redraw, "statusTextChanged", "nodeChanged", redraw, "statusTextChanged", "hoverRequested"}));
 }
 
 void RyJointEditorToolEmissionsTest::lostRelease()

@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/tool/drags/RyPointDrag.h"
 
 #include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
+#include "pluginsource/RyJointTools/tool/drags/bringToPlace.h"
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
@@ -73,22 +74,19 @@ void RyPointDrag::place(const RyVec3 &value, bool propagate)
         m_branch.moveDescendants(value - m_start);
 }
 
-// A new orientation turns the pose with it, and the point away from the cursor. The next value is asked of the map as
-// it is now; each comes much closer than the one before.
+// A new orientation turns the pose with it, and the point away from the cursor.
 void RyPointDrag::followTurnedPose(const RyVec3 &target, const Options &options)
 {
-    constexpr int most = 20;
-    constexpr float closeEnough = 1e-5f; // of the way to the target, in figure space
-    for (int i = 0; i < most && m_node; ++i) {
-        const RyVec3 now = m_point == Origin ? m_node->getOrigin() : m_node->getEndPoint();
-        const RyVec3 missing = target - (m_point == Origin ? m_node->getWSPos() : m_node->getWSEndPoint());
-        const RyNode *above = m_point == Origin && m_node->getNodeParent() ? m_node->getNodeParent() : m_node.data();
-        const RyVec3 moved = now + RyAffine(above->getWSTransform()).inverse().mapDirection(missing);
-        const RyVec3 value = options.keepLength ? atStartLength(moved) : moved;
-        if ((value - now).length() <= closeEnough * (value - m_start).length())
-            break;
-        place(value, options.propagate);
-    }
+    const RyNode *above = m_point == Origin && m_node->getNodeParent() ? m_node->getNodeParent() : m_node.data();
+    const auto placeInWorld = [this] { return m_point == Origin ? m_node->getWSPos() : m_node->getWSEndPoint(); };
+    const RyVec3 other = m_point == Origin ? m_node->getWSEndPoint() : m_node->getWSPos();
+    const RyVec3 goal =
+        options.keepLength ? other + (target - other).normalized() * (placeInWorld() - other).length() : target;
+    bringToPlace(goal, m_point == Origin ? m_node->getOrigin() : m_node->getEndPoint(), placeInWorld(),
+                 RyAffine(above->getWSTransform()), [&](const RyVec3 &value) {
+                     place(options.keepLength ? atStartLength(value) : value, options.propagate);
+                     return placeInWorld();
+                 });
 }
 
 bool RyPointDrag::propagateOrigin(RyNode *node, const RyVec3 &newOrigin)
