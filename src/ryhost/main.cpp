@@ -1,27 +1,22 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/CommandLine.h"
 #include "ryhost/batch/BatchRunner.h"
-#include "ryhost/commands/CommandLine.h"
-#include "ryhost/demo/DemoSession.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/start/HostTranslations.h"
-#include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QApplication>
 
 #include <cstdio>
-#include <memory>
 
 namespace {
 
 int runWindow(const CommandLine &line)
 {
-    // Batch runs and the demonstration find menus, boxes and steps by their texts, and are the same everywhere.
-    std::unique_ptr<HostTranslations> translations;
-    if (line.mode == CommandLine::Window)
-        translations =
-            std::make_unique<HostTranslations>(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());
+    // Batch runs find menus, boxes and steps by their texts, and are the same everywhere.
+    const HostTranslations translations(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());
     HostWindow window(ryScene());
     window.start();
     window.show();
@@ -29,11 +24,7 @@ int runWindow(const CommandLine &line)
     for (const QString &path : line.files)
         opened = (opened ? window.files()->mergePath(path) : window.files()->openPath(path)) || opened;
     if (line.files.isEmpty())
-        window.files()->openPath(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), false);
-    if (line.mode == CommandLine::Demo) {
-        DemoSession demo(window, line.demoFolder);
-        return demo.run();
-    }
+        window.files()->openSample();
     return QApplication::exec();
 }
 
@@ -69,7 +60,6 @@ int main(int argc, char **argv)
             qputenv("QT_QPA_PLATFORM", "offscreen");
         break;
     case CommandLine::Window:
-    case CommandLine::Demo:
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
             qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
             std::fputs("ryhost: there is no display to open a window on. ryhost --batch works without one.\n", stderr);

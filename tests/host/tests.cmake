@@ -1,6 +1,2 @@
-if(TARGET ry_ryhost)
-  ry_test(host GL LIBS ry_ryhost rycore)
-  if(TARGET RyJointTools)
-    add_dependencies(tst_host RyJointTools)
-  endif()
-endif()
+ry_test(host GL LIBS ry_ryhost ry_pointer_driver rycore)
+add_dependencies(tst_host RyJointTools)

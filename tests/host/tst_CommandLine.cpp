@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "ryhost/commands/CommandLine.h"
+#include "ryhost/CommandLine.h"
 
 class CommandLineTest : public QObject
 {
@@ -23,9 +23,6 @@ private slots:
         QCOMPARE(verb.mode, CommandLine::Wrong);
         QVERIFY2(verb.error.contains("--batch FILE --select"), qPrintable(verb.error));
         QVERIFY(CommandLine::parse({"--set", "a=b"}).error.contains("--batch"));
-        const CommandLine demo = CommandLine::parse({"--demo"});
-        QCOMPARE(demo.mode, CommandLine::Wrong);
-        QVERIFY(demo.error.contains("folder"));
     }
     void batchKeepsItsArguments()
     {

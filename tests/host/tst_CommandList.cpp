@@ -2,7 +2,7 @@
 
 #include "rycore/ui/RyPlainText.h"
 #include "ryhost/commands/CommandList.h"
-#include "ryhost/window/menuText.h"
+#include "ryhost/commands/menuText.h"
 
 #include <QAction>
 #include <QMenu>

@@ -1,9 +1,9 @@
+#include "host/WindowStage.h"
 #include "support/RyTest.h"
 
-#include "rycore/app/RyApp.h"
+#include "demo_session/PointerDriver.h"
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyBone.h"
@@ -19,48 +19,35 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
-#include "ryhost/demo/PointerDriver.h"
+#include "ryhost/commands/menuText.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/panes/ToolSettingsPane.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostWindow.h"
-#include "ryhost/window/menuText.h"
 
 #include <QActionGroup>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QToolBar>
 #include <QToolButton>
 #include <QToolTip>
 #include <QTreeView>
 
 /// The menus of the program with the joint editor loaded: what stands in them, what they say, and the search over them.
-class HostMenusTest : public QObject
+class HostMenusTest : public QObject, private WindowStage
 {
     Q_OBJECT
+public:
+    HostMenusTest() : WindowStage(Plugins::All) {}
+
 private slots:
     void initTestCase()
     {
-        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
-        qputenv("RYHOST_PLUGIN_PATH", QByteArray(RY_BINARY_DIR) + "/plugins");
-        RyAppSettings::setSettingsPath(m_folder.path());
-        m_window = std::make_unique<HostWindow>(ryScene());
-        m_window->start();
+        QVERIFY(open());
         QVERIFY(m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool")));
         m_window->resize(1200, 800);
         m_window->move(0, 0);
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-        QApplication::setActiveWindow(m_window.get());
-        QVERIFY(m_window->files()->openPath(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), false));
     }
-    void cleanupTestCase()
-    {
-        m_window.reset();
-        ryScene()->clear();
-        ryUndoStack()->clearAll();
-    }
+    void cleanupTestCase() { close(); }
     void init()
     {
         ryScene()->selectAllNodes(false);
@@ -505,8 +492,6 @@ private:
     }
     void press(Qt::Key key) { QTest::keyClick(keyboard(), key); }
 
-    QTemporaryDir m_folder;
-    std::unique_ptr<HostWindow> m_window;
     PointerDriver m_pointer;
 };
 

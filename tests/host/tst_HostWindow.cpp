@@ -1,7 +1,6 @@
+#include "host/WindowStage.h"
 #include "support/RyTest.h"
 
-#include "rycore/app/RyApp.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
@@ -14,13 +13,12 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
-#include "ryhost/window/HostFiles.h"
 #include "ryhost/window/HostMenus.h"
-#include "ryhost/window/HostWindow.h"
 #include "ryhost/window/ToolStrip.h"
 
 #include <QDockWidget>
@@ -33,41 +31,16 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeView>
 
 /// The window with the sample figure; plug-ins are left out.
-class HostWindowTest : public QObject
+class HostWindowTest : public QObject, private WindowStage
 {
     Q_OBJECT
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_folder.isValid());
-        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
-        qputenv("RYHOST_PLUGIN_PATH", m_folder.path().toLocal8Bit());
-    }
-    void init()
-    {
-        RyAppSettings::setSettingsPath(m_folder.filePath(QStringLiteral("settings-%1").arg(++m_run)));
-        m_scene = std::make_unique<RyScene>();
-        m_window = std::make_unique<HostWindow>(m_scene.get());
-        m_window->start();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-        // There is no window manager that would do it.
-        QApplication::setActiveWindow(m_window.get());
-        QVERIFY(m_window->files()->openPath(sample(), false));
-        settle();
-    }
-    void cleanup()
-    {
-        m_window.reset();
-        m_scene.reset();
-        ryUndoStack()->clearAll();
-        ryUndoStack()->setClean();
-    }
+    void init() { QVERIFY(open()); }
+    void cleanup() { close(); }
 
     void opensReadyToWork()
     {
@@ -213,7 +186,7 @@ private slots:
     {
         edit();
         QVERIFY(m_window->isWindowModified());
-        const QString path = m_folder.filePath(QStringLiteral("saved.glb"));
+        const QString path = file(QStringLiteral("saved.glb"));
         QVERIFY(m_window->files()->savePath(path));
         QVERIFY(!m_window->isWindowModified());
         QCOMPARE(m_window->windowTitle(), QStringLiteral("saved.glb[*] - ryhost"));
@@ -225,8 +198,7 @@ private slots:
 
     void recentFilesFromTheirMenu()
     {
-        const QStringList paths{m_folder.filePath(QStringLiteral("one.glb")),
-                                m_folder.filePath(QStringLiteral("two.glb"))};
+        const QStringList paths{file(QStringLiteral("one.glb")), file(QStringLiteral("two.glb"))};
         for (const QString &path : paths)
             QVERIFY(m_window->files()->savePath(path));
         auto *menu = m_window->findChild<QMenu *>(QStringLiteral("RecentMenu"));
@@ -248,11 +220,11 @@ private slots:
 
     void refusedFilesLeaveTheScene()
     {
-        const QString path = m_folder.filePath(QStringLiteral("broken.glb"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("this is no model");
-        file.close();
+        const QString path = file(QStringLiteral("broken.glb"));
+        QFile broken(path);
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("this is no model");
+        broken.close();
         QString text;
         answer([&](QMessageBox *box) {
             text = box->text();
@@ -277,8 +249,8 @@ private slots:
 
     void droppedFilesOpen()
     {
-        const QString path = m_folder.filePath(QStringLiteral("dropped.glb"));
-        QVERIFY(QFile::copy(sample(), path));
+        const QString path = file(QStringLiteral("dropped.glb"));
+        QVERIFY(QFile::copy(m_window->files()->path(), path));
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(path)});
         QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
@@ -304,7 +276,7 @@ private slots:
         QVERIFY(!m_window->isDark());
         QVERIFY(m_window->viewport()->renderOptions().backgroundTop.lightness() > 150);
         QVERIFY(m_window->close());
-        HostWindow again(m_scene.get());
+        HostWindow again(m_scene);
         again.show();
         QVERIFY(!again.isDark());
         QVERIFY(!again.findChild<QDockWidget *>(QStringLiteral("ParametersDock"))->isVisible());
@@ -344,26 +316,17 @@ private slots:
     }
 
 private:
-    static QString sample() { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
     QTreeView *tree() const { return m_window->scenePane()->tree(); }
     QModelIndex indexOf(RyNode *node) const
     {
         auto *proxy = qobject_cast<QSortFilterProxyModel *>(tree()->model());
         return proxy->mapFromSource(m_window->scenePane()->model()->indexOf(node));
     }
-    QAction *action(const char *name) const { return m_window->findChild<QAction *>(QString::fromLatin1(name)); }
     void edit()
     {
         RyUndoStackHold hold;
         m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->setValue(20);
         hold.accept(QStringLiteral("Bend"));
-    }
-    void settle()
-    {
-        for (int i = 0; i < 5; ++i) {
-            QCoreApplication::processEvents();
-            QTest::qWait(2);
-        }
     }
     /// Acts on the next message box.
     void answer(const std::function<void(QMessageBox *)> &act)
@@ -378,11 +341,6 @@ private:
         });
         timer->start(5);
     }
-
-    QTemporaryDir m_folder;
-    int m_run = 0;
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<HostWindow> m_window;
 };
 
 RY_TEST(HostWindowTest)

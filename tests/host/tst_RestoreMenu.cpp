@@ -1,7 +1,7 @@
+#include "host/WindowStage.h"
 #include "support/RyTest.h"
 
 #include "rycore/app/RyApp.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyBone.h"
@@ -15,14 +15,12 @@
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostWindow.h"
+#include "ryhost/files/HostFiles.h"
 
 #include <QFile>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>
-#include <QTemporaryDir>
 
 #include <functional>
 
@@ -62,34 +60,16 @@ public:
 
 Q_DECLARE_METATYPE(std::function<void(QWidget *)>)
 
-class RestoreMenuTest : public QObject
+class RestoreMenuTest : public QObject, private WindowStage
 {
     Q_OBJECT
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_folder.isValid());
-        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
-        qputenv("RYHOST_PLUGIN_PATH", m_folder.path().toLocal8Bit());
-    }
-    void init()
-    {
-        RyAppSettings::setSettingsPath(m_folder.filePath(QStringLiteral("settings-%1").arg(++m_run)));
-        m_scene = std::make_unique<RyScene>();
-        m_window = std::make_unique<HostWindow>(m_scene.get());
-        m_window->start();
-        m_window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-        QVERIFY(m_window->files()->openPath(sample(), false));
-    }
+    void init() { QVERIFY(open()); }
     void cleanup()
     {
-        m_window.reset();
+        close();
         QCOMPARE(ryRestorePoints()->count(), 0);
         QCOMPARE(ryRestorePoints()->most(), 0);
-        m_scene.reset();
-        ryUndoStack()->clearAll();
-        ryUndoStack()->setClean();
     }
 
     void bringsBackADeletedBone()
@@ -98,8 +78,8 @@ private slots:
         bone()->select(true);
         const QString before = dump();
         QVERIFY(!latest()->isVisible());
-        ToyAction action(QStringLiteral("Delete && &Bury Bone..."), [this] { deleteBone(); });
-        action.trigger();
+        ToyAction command(QStringLiteral("Delete && &Bury Bone..."), [this] { deleteBone(); });
+        command.trigger();
         const QString after = dump();
         QVERIFY(before != after);
         QCOMPARE(ryUndoStack()->count(), 0);
@@ -245,15 +225,15 @@ private slots:
         QVERIFY(releases > 0);
         QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Drag"));
         // Nothing waits that would keep other commands from leaving points.
-        ToyAction action(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
-        action.trigger();
+        ToyAction command(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
+        command.trigger();
         QCOMPARE(ryRestorePoints()->captions(), QStringList(QStringLiteral("Hide")));
     }
 
     void mergingCanBeTakenBack()
     {
-        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")),
-                      second = m_folder.filePath(QStringLiteral("second.glb"));
+        const QString before = dump(), first = file(QStringLiteral("first.glb")),
+                      second = file(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->savePath(first));
         QVERIFY(m_window->files()->mergePath(sample()));
         const QString merged = dump();
@@ -271,8 +251,8 @@ private slots:
     void mergingIntoNothingBringsItsDocumentAlong()
     {
         m_scene->clear();
-        const QString before = dump(), first = m_folder.filePath(QStringLiteral("first.glb")),
-                      second = m_folder.filePath(QStringLiteral("second.glb"));
+        const QString before = dump(), first = file(QStringLiteral("first.glb")),
+                      second = file(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->mergePath(sample()));
         const RySceneOrigin *document = m_scene->getDocument();
         QVERIFY(document);
@@ -290,10 +270,10 @@ private slots:
 
     void openingAFileDropsThem()
     {
-        ToyAction action(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
-        action.trigger();
+        ToyAction command(QStringLiteral("Hide"), [this] { figure()->setHidden(true); });
+        command.trigger();
         QCOMPARE(ryRestorePoints()->count(), 1);
-        const QString path = m_folder.filePath(QStringLiteral("saved.glb"));
+        const QString path = file(QStringLiteral("saved.glb"));
         QVERIFY(m_window->files()->savePath(path));
         QCOMPARE(ryRestorePoints()->count(), 1);
         latest()->trigger();
@@ -304,16 +284,16 @@ private slots:
     }
 
 private:
-    static QString sample() { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
+    QString sample() const { return RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"); }
     QString dump() const { return rySceneDump(*m_scene); }
     static QByteArray bytesOf(const QString &path)
     {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        QFile saved(path);
+        return saved.open(QIODevice::ReadOnly) ? saved.readAll() : QByteArray();
     }
     RySkeleton *figure() const { return m_scene->getSkeletons().at(0); }
     RyNode *bone(const QString &name = QStringLiteral("lForearm")) const { return m_scene->findNode(name); }
-    QAction *latest() const { return m_window->findChild<QAction *>(QStringLiteral("EditRestoreLatest")); }
+    QAction *latest() const { return action("EditRestoreLatest"); }
     void bend(const QString &name = QStringLiteral("lForearm"))
     {
         RyUndoStackHold hold;
@@ -334,11 +314,6 @@ private:
         QTest::mousePress(m_window->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
         QTest::mouseRelease(m_window->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(50, 50));
     }
-
-    QTemporaryDir m_folder;
-    int m_run = 0;
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<HostWindow> m_window;
 };
 
 RY_TEST(RestoreMenuTest)

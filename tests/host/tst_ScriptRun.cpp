@@ -1,52 +1,32 @@
+#include "host/WindowStage.h"
 #include "support/RyTest.h"
 
-#include "rycore/app/RyApp.h"
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "ryhost/commands/ScriptRun.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostWindow.h"
+#include "ryhost/files/HostFiles.h"
 
 #include <QKeyEvent>
 #include <QMenu>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTimer>
 
 /// Scripts that a person starts at the window.
-class ScriptRunTest : public QObject
+class ScriptRunTest : public QObject, private WindowStage
 {
     Q_OBJECT
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(m_folder.isValid());
-        qputenv("RYHOST_HOME", QByteArray(RY_SOURCE_DIR) + "/resources");
-        qputenv("RYHOST_PLUGIN_PATH", m_folder.path().toLocal8Bit());
-        RyMessageLog::global().setEcho(false);
-    }
+    void initTestCase() { RyMessageLog::global().setEcho(false); }
     void cleanupTestCase() { RyMessageLog::global().setEcho(true); }
     void init()
     {
-        RyAppSettings::setSettingsPath(m_folder.filePath(QStringLiteral("settings-%1").arg(++m_run)));
-        m_scene = std::make_unique<RyScene>();
-        m_window = std::make_unique<HostWindow>(m_scene.get());
-        m_window->start();
-        m_window->show();
-        QVERIFY(m_window->files()->openPath(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), false));
+        QVERIFY(open());
         m_before = rySceneDump(*m_scene);
     }
-    void cleanup()
-    {
-        m_window.reset();
-        m_scene.reset();
-        ryUndoStack()->clearAll();
-        ryUndoStack()->setClean();
-    }
+    void cleanup() { close(); }
 
     void allOfItCanBeTakenBack()
     {
@@ -93,7 +73,7 @@ private slots:
         for (const char *words :
              {"test.rsx(3): ", "missing", "Edit > Restore to before Run test takes back what it did."})
             QVERIFY2(box.plainText().contains(QLatin1String(words)), qPrintable(box.plainText()));
-        QVERIFY(!ScriptRun(m_window.get()).run(m_folder.filePath(QStringLiteral("none.rsx"))));
+        QVERIFY(!ScriptRun(m_window.get()).run(file(QStringLiteral("none.rsx"))));
         QVERIFY2(driver.records().back().plainText().contains(QLatin1String("there is no such file")),
                  qPrintable(driver.records().back().plainText()));
         QCOMPARE(driver.records().size(), size_t(2));
@@ -102,20 +82,16 @@ private slots:
 private:
     bool run(const char *program)
     {
-        QFile file(m_folder.filePath(QStringLiteral("test.rsx")));
-        if (!file.open(QIODevice::WriteOnly))
+        QFile script(file(QStringLiteral("test.rsx")));
+        if (!script.open(QIODevice::WriteOnly))
             return false;
-        file.write(program);
-        file.close();
-        return ScriptRun(m_window.get()).run(file.fileName());
+        script.write(program);
+        script.close();
+        return ScriptRun(m_window.get()).run(script.fileName());
     }
-    QAction *latest() const { return m_window->findChild<QAction *>(QStringLiteral("EditRestoreLatest")); }
+    QAction *latest() const { return action("EditRestoreLatest"); }
 
-    QTemporaryDir m_folder;
-    int m_run = 0;
     QString m_before;
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<HostWindow> m_window;
 };
 
 RY_TEST(ScriptRunTest)

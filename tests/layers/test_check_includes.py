@@ -24,6 +24,8 @@ room pluginsource/One/operations needs=
 room pluginsource/One/tool needs=operations
 room pluginsource/One/tool/handles needs=
 room pluginsource/One/tool/drags needs=handles
+room ryhost/panes needs=
+room ryhost/window needs=panes
 """
 
 CLEAN = {
@@ -39,7 +41,9 @@ CLEAN = {
     "rycore/io/gltf/save/RyWriter.h": '#include "rycore/io/gltf/document/RyTree.h"\n#include "rycore/io/RyFile.h"\n',
     "rycore/view/RyView.h": '#include "rycore/scene/RyNode.h"\n#include <QWidget>\n#include <GL/gl.h>\n#include <QGLWidget>\n',
     "rycore/ui/RyMenu.h": '#include "rycore/math/RyVec3.h"\n#include "rycore/io/RyFile.h"\n#include <QWidget>\n',
-    "ryhost/main.cpp": '#include "rycore/ui/RyMenu.h"\n#include "ryhost/RyWindow.h"\n',
+    "ryhost/main.cpp": '#include "rycore/ui/RyMenu.h"\n#include "ryhost/window/RyWindow.h"\n',
+    "ryhost/window/RyWindow.h": '#include "ryhost/panes/RyList.h"\n',
+    "ryhost/panes/RyList.h": '#include "rycore/ui/RyMenu.h"\n',
     "pluginsource/One/tool/RyTool.h": '#include "pluginsource/One/operations/align.h"\n#include "rycore/ui/RyMenu.h"\n',
     "pluginsource/One/tool/handles/RyHandle.h": "#include <vector>\n",
     "pluginsource/One/tool/drags/RyDrag.h": '#include "pluginsource/One/operations/align.h"\n#include "pluginsource/One/tool/handles/RyHandle.h"\n',
@@ -57,6 +61,7 @@ PLANTED = {
     "a room beside": ("rycore/io/gltf/save/RyPatch.h", '#include "rycore/io/gltf/open/RyReader.h"'),
     "a room above in a plug-in": ("pluginsource/One/operations/snap.h", '#include "pluginsource/One/tool/RyTool.h"'),
     "what stands beside the rooms": ("pluginsource/One/tool/drags/RyTurn.h", '#include "pluginsource/One/tool/RyEditor.h"'),
+    "a room above in the application": ("ryhost/panes/RyTable.h", '#include "ryhost/window/RyWindow.h"'),
     "the application from the library": ("rycore/ui/RyPane.cpp", '#include "ryhost/RyWindow.h"'),
     "the plug-in from the library": ("rycore/ui/RyPane.cpp", '#include "pluginsource/One/tool/RyTool.h"'),
     "a widget in a low layer": ("rycore/scene/RyCamera.h", "#include <QWidget>"),

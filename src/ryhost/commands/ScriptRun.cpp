@@ -1,10 +1,10 @@
 #include "ryhost/commands/ScriptRun.h"
 
 #include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
-#include "ryhost/window/HostWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -40,7 +40,7 @@ bool isInput(QEvent::Type type)
 
 } // namespace
 
-ScriptRun::ScriptRun(HostWindow *window) : m_window(window), m_engine(window->getScriptEngine()) {}
+ScriptRun::ScriptRun(RyMainWindow *window) : m_window(window), m_engine(window->getScriptEngine()) {}
 
 bool ScriptRun::eventFilter(QObject *watched, QEvent *event)
 {

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QString>
 
-class HostWindow;
+class RyMainWindow;
 class RyScriptEngine;
 
 /// Runs a script of a person at the window. Undo or a restore point takes back all it does. The window stays alive
@@ -12,7 +12,7 @@ class ScriptRun : public QObject
 {
     Q_OBJECT
 public:
-    explicit ScriptRun(HostWindow *window);
+    explicit ScriptRun(RyMainWindow *window);
 
     /// False, with a message on the screen, when it could not be read, failed or was stopped.
     bool run(const QString &path);
@@ -24,7 +24,7 @@ private:
     void execute(const QString &path);
     void report(const QString &path, bool canGoBack);
 
-    HostWindow *m_window;
+    RyMainWindow *m_window;
     RyScriptEngine *m_engine;
     QString m_failure;
     bool m_isStopped = false;

@@ -5,7 +5,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStackHold.h"
-#include "ryhost/window/HostIcons.h"
+#include "ryhost/look/HostIcons.h"
 
 #include <QTimer>
 

@@ -2,8 +2,8 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
+#include "ryhost/look/HostIcons.h"
 #include "ryhost/panes/SceneModel.h"
-#include "ryhost/window/HostIcons.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>

@@ -14,12 +14,12 @@
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
 #include "ryhost/commands/ScriptRun.h"
+#include "ryhost/commands/menuText.h"
+#include "ryhost/files/HostFiles.h"
+#include "ryhost/look/HostIcons.h"
+#include "ryhost/menus/RestoreMenu.h"
 #include "ryhost/window/GuideWindow.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostIcons.h"
 #include "ryhost/window/HostWindow.h"
-#include "ryhost/window/RestoreMenu.h"
-#include "ryhost/window/menuText.h"
 
 #include <QActionGroup>
 #include <QDir>

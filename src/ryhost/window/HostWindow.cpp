@@ -11,14 +11,14 @@
 #include "rycore/viewport/RySelectTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/files/HostFiles.h"
+#include "ryhost/look/HostIcons.h"
+#include "ryhost/look/HostTheme.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
-#include "ryhost/window/HostFiles.h"
-#include "ryhost/window/HostIcons.h"
+#include "ryhost/plugins/HostPlugins.h"
 #include "ryhost/window/HostMenus.h"
-#include "ryhost/window/HostPlugins.h"
-#include "ryhost/window/HostTheme.h"
 #include "ryhost/window/ToolStrip.h"
 
 #include <QCloseEvent>

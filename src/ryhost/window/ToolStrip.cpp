@@ -2,7 +2,7 @@
 
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/window/HostIcons.h"
+#include "ryhost/look/HostIcons.h"
 
 #include <QActionGroup>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ryhost/demo/DemoStage.h"
+#include "demo_session/DemoStage.h"
 
 /// A first look at the program, on the sample figure: points at a part, selects the left forearm, drags the end of its
 /// bone, aligns it, undoes and redoes, saves.

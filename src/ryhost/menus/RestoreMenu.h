@@ -2,7 +2,7 @@
 
 #include <QObject>
 
-class HostWindow;
+class RyMainWindow;
 class QAction;
 class QMenu;
 
@@ -13,7 +13,7 @@ class RestoreMenu : public QObject
     Q_OBJECT
 public:
     /// Adds its entries at the end of `menu`.
-    RestoreMenu(QMenu *menu, HostWindow *window, QObject *parent);
+    RestoreMenu(QMenu *menu, RyMainWindow *window, QObject *parent);
     /// Drops all points: what they hold may come from plug-ins.
     ~RestoreMenu() override;
 
@@ -25,7 +25,7 @@ private:
     /// Tells how to take back what was just done.
     void announce();
 
-    HostWindow *m_window;
+    RyMainWindow *m_window;
     QAction *m_latest;
     QMenu *m_points;
     QMenu *m_history;

@@ -1,8 +1,8 @@
-#include "ryhost/window/RestoreMenu.h"
+#include "ryhost/menus/RestoreMenu.h"
 
+#include "rycore/app/RyMainWindow.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
-#include "ryhost/window/HostWindow.h"
-#include "ryhost/window/menuText.h"
+#include "ryhost/commands/menuText.h"
 
 #include <QLocale>
 #include <QMenu>
@@ -16,7 +16,7 @@ constexpr int StepsAbout = 25; // shown before and after the present one
 
 } // namespace
 
-RestoreMenu::RestoreMenu(QMenu *menu, HostWindow *window, QObject *parent) : QObject(parent), m_window(window)
+RestoreMenu::RestoreMenu(QMenu *menu, RyMainWindow *window, QObject *parent) : QObject(parent), m_window(window)
 {
     m_history = menu->addMenu(tr("&History"));
     m_history->setObjectName(QStringLiteral("HistoryMenu"));

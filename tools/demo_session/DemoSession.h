@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ryhost/demo/DemoStage.h"
+#include "demo_session/DemoStage.h"
 
 /// Plays sessions by itself, each on the sample figure as it comes: a first look, and how a chain of bones is made.
 /// Leaves pictures and the saved files in a folder and says on standard output what happened.

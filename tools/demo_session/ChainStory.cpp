@@ -1,4 +1,4 @@
-#include "ryhost/demo/ChainStory.h"
+#include "demo_session/ChainStory.h"
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
@@ -8,7 +8,7 @@
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/window/HostFiles.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QDir>
@@ -197,7 +197,7 @@ void ChainStory::saveAndReopen()
         !m_stage.check(QFileInfo::exists(path), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(path))))
         return;
     const QString before = dump();
-    if (!m_stage.check(m_stage.window().files()->openPath(path, false), QStringLiteral("the saved file opens")))
+    if (!m_stage.check(m_stage.window().files()->openPath(path), QStringLiteral("the saved file opens")))
         return;
     const RyNode *bone = m_stage.node(QStringLiteral("antenna"));
     m_figure = bone ? qobject_cast<RyFigure *>(bone->getSkeleton()) : nullptr;

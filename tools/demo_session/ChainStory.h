@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ryhost/demo/DemoStage.h"
+#include "demo_session/DemoStage.h"
 
 class RyBone;
 class RyFigure;

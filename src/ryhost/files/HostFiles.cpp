@@ -1,4 +1,4 @@
-#include "ryhost/window/HostFiles.h"
+#include "ryhost/files/HostFiles.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyAppSettings.h"
@@ -106,17 +106,26 @@ bool HostFiles::load(const QString &path, bool merge)
     return true;
 }
 
-bool HostFiles::openPath(const QString &path, bool rememberIt)
+bool HostFiles::open(const QString &path, bool isSample)
 {
-    const QString absolute = QFileInfo(path).absoluteFilePath();
-    if (!load(absolute, false))
+    if (!load(path, false))
         return false;
-    m_isSample = !rememberIt;
-    setPath(absolute);
-    if (rememberIt)
-        remember(absolute);
+    m_isSample = isSample;
+    setPath(path);
+    if (!isSample)
+        remember(path);
     emit opened();
     return true;
+}
+
+bool HostFiles::openPath(const QString &path)
+{
+    return open(QFileInfo(path).absoluteFilePath(), false);
+}
+
+bool HostFiles::openSample()
+{
+    return open(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), true);
 }
 
 bool HostFiles::openPathAsking(const QString &path)

@@ -7,15 +7,14 @@
 class CommandLine
 {
 public:
-    enum Mode { Window, Batch, Demo, Help, Wrong };
+    enum Mode { Window, Batch, Help, Wrong };
 
     /// `arguments` without the program's name.
     static CommandLine parse(const QStringList &arguments);
     static QString helpText();
 
     Mode mode = Window;
-    QStringList files;          // Window, Demo: the first is opened, the others are merged
+    QStringList files;          // Window: the first is opened, the others are merged
     QStringList batchArguments; // Batch: everything, "--batch" included
-    QString demoFolder;
     QString error;
 };

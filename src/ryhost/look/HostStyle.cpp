@@ -1,4 +1,4 @@
-#include "ryhost/window/HostStyle.h"
+#include "ryhost/look/HostStyle.h"
 
 #include <QPainter>
 #include <QStyleOption>

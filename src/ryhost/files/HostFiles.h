@@ -22,7 +22,9 @@ public:
     QStringList recentFiles() const;
 
     /// Replaces the scene without asking; false with a message on the screen when the file is refused.
-    bool openPath(const QString &path, bool remember = true);
+    bool openPath(const QString &path);
+    /// The figure that comes with the program, for who brings none; saving it asks where.
+    bool openSample();
     /// Asks about unsaved changes first.
     bool openPathAsking(const QString &path);
     bool mergePath(const QString &path);
@@ -45,6 +47,7 @@ signals:
     void messagePosted(const QString &message);
 
 private:
+    bool open(const QString &path, bool isSample);
     bool load(const QString &path, bool merge);
     void setPath(const QString &path);
     void remember(const QString &path);

@@ -1,4 +1,4 @@
-#include "ryhost/demo/FirstSession.h"
+#include "demo_session/FirstSession.h"
 
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
@@ -6,7 +6,7 @@
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/window/HostFiles.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "ryhost/window/HostPlugins.h"
+#include "ryhost/plugins/HostPlugins.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyBindToNearestBonesAction.h"

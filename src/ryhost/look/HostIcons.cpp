@@ -1,4 +1,4 @@
-#include "ryhost/window/HostIcons.h"
+#include "ryhost/look/HostIcons.h"
 
 #include "rycore/app/RyApp.h"
 

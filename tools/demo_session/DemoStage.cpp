@@ -1,4 +1,4 @@
-#include "ryhost/demo/DemoStage.h"
+#include "demo_session/DemoStage.h"
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"

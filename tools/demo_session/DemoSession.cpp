@@ -1,9 +1,8 @@
-#include "ryhost/demo/DemoSession.h"
+#include "demo_session/DemoSession.h"
 
-#include "rycore/app/RyApp.h"
-#include "ryhost/demo/ChainStory.h"
-#include "ryhost/demo/FirstSession.h"
-#include "ryhost/window/HostFiles.h"
+#include "demo_session/ChainStory.h"
+#include "demo_session/FirstSession.h"
+#include "ryhost/files/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QGuiApplication>
@@ -19,9 +18,9 @@ int DemoSession::run()
     PointerDriver::wait(1200);
     std::printf("pointer: %s\n",
                 m_stage.pointer().usesDisplayServer() ? "the display server's" : "events at the window");
-    FirstSession(m_stage).play();
-    const QString sample = RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb");
-    if (m_stage.check(window.files()->openPath(sample, false), QStringLiteral("the sample figure opens again")))
+    if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens")))
+        FirstSession(m_stage).play();
+    if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens again")))
         ChainStory(m_stage).play();
     std::printf("%s\n",
                 m_stage.failures() == 0 ? "The session went as it should." : "The session did not go as it should.");

@@ -1,4 +1,4 @@
-#include "ryhost/demo/PointerDriver.h"
+#include "demo_session/PointerDriver.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -1,7 +1,7 @@
-#include "ryhost/window/HostTheme.h"
+#include "ryhost/look/HostTheme.h"
 
-#include "ryhost/window/HostIcons.h"
-#include "ryhost/window/HostStyle.h"
+#include "ryhost/look/HostIcons.h"
+#include "ryhost/look/HostStyle.h"
 
 #include <QApplication>
 #include <QPalette>

@@ -1,4 +1,4 @@
-#include "ryhost/commands/CommandLine.h"
+#include "ryhost/CommandLine.h"
 
 #include "ryhost/batch/BatchArguments.h"
 
@@ -24,12 +24,7 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     }
     for (int i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
-        if (argument == QLatin1String("--demo") && i + 1 >= arguments.size())
-            return wrong(QStringLiteral("--demo needs a folder for the pictures"));
-        if (argument == QLatin1String("--demo")) {
-            line.mode = Demo;
-            line.demoFolder = arguments.at(++i);
-        } else if (argument == QLatin1String("--")) {
+        if (argument == QLatin1String("--")) {
             line.files += arguments.mid(i + 1);
             break;
         } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ryhost/demo/PointerDriver.h"
+#include "demo_session/PointerDriver.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "ryhost/window/menuText.h"
+#include "ryhost/commands/menuText.h"
 
 #include <QAction>
 #include <QSet>

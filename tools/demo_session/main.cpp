@@ -1,0 +1,39 @@
+#include "demo_session/DemoSession.h"
+#include "rycore/app/RyApp.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "ryhost/window/HostWindow.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+int playSession(const QString &folder)
+{
+    HostWindow window(ryScene());
+    window.start();
+    window.show();
+    return DemoSession(window, folder).run();
+}
+
+} // namespace
+
+/// demo_session FOLDER: plays sessions in the window of the program and leaves pictures in a folder.
+int main(int argc, char **argv)
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fputs("Usage: demo_session FOLDER\n", stderr);
+        return 2;
+    }
+    QApplication::setApplicationName(QStringLiteral("ryhost"));
+    RyApp::setDefaultHomePath(QStringLiteral(RY_RESOURCES_DIR));
+    const int code = playSession(QApplication::arguments().at(1));
+    RyUndoStack::destroyGlobal();
+    ryDestroyScene();
+    return code;
+}
