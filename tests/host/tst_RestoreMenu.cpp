@@ -1,5 +1,6 @@
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
+#include "support/ToyAction.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyFloatProperty.h"
@@ -8,7 +9,6 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/ui/RyAction.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
@@ -25,17 +25,6 @@
 #include <functional>
 
 namespace {
-
-/// An action that does what it is told.
-class ToyAction : public RyAction
-{
-public:
-    ToyAction(const QString &text, std::function<void()> work) : RyAction(text, QString()), m_work(std::move(work)) {}
-    void executeAction() override { m_work(); }
-
-private:
-    std::function<void()> m_work;
-};
 
 /// A tool that does what it is told.
 class ToyTool : public RyViewTool

@@ -1,7 +1,5 @@
-#include "GltfFixture.h"
+#include "GltfDocuments.h"
 #include "support/RyTest.h"
-
-#include "rycore/io/gltf/document/RyGltfDocument.h"
 
 #include <nlohmann/json.hpp>
 
@@ -12,25 +10,9 @@ using Json = nlohmann::ordered_json;
 using namespace GltfFixture;
 
 /// Changes to a document: what was asked for is in the file that is written, and everything else is as it was.
-class RyGltfPatchingTest : public QObject
+class RyGltfPatchingTest : public QObject, private GltfDocuments
 {
     Q_OBJECT
-
-private:
-    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
-                                         const QString &name = QStringLiteral("p.glb"))
-    {
-        m_error.clear();
-        return RyGltfDocument::read(put(m_folder, name, bytes), &m_error);
-    }
-    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document,
-                                             const QString &ending = QStringLiteral("glb"))
-    {
-        return open(document.toBytes(ending), "again." + ending);
-    }
-
-    QTemporaryDir m_folder;
-    QString m_error;
 
 private slots:
     void undoneChangesLeaveTheBytes();

@@ -1,7 +1,6 @@
-#include "GltfFixture.h"
+#include "GltfDocuments.h"
 #include "support/RyTest.h"
 
-#include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
 
 #include <nlohmann/json.hpp>
@@ -13,21 +12,9 @@ using Json = nlohmann::ordered_json;
 using namespace GltfFixture;
 
 /// What a file holds arrives in the model, whatever form the file has.
-class RyGltfReadingTest : public QObject
+class RyGltfReadingTest : public QObject, private GltfDocuments
 {
     Q_OBJECT
-
-private:
-    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes, const QString &name = QStringLiteral("a.glb"))
-    {
-        m_warnings.clear();
-        m_error.clear();
-        return RyGltfDocument::read(put(m_folder, name, bytes), &m_error, &m_warnings);
-    }
-
-    QTemporaryDir m_folder;
-    QString m_error;
-    QStringList m_warnings;
 
 private slots:
     void model();

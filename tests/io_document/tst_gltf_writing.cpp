@@ -1,7 +1,5 @@
-#include "GltfFixture.h"
+#include "GltfDocuments.h"
 #include "support/RyTest.h"
-
-#include "rycore/io/gltf/document/RyGltfDocument.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,25 +7,9 @@ using Json = nlohmann::ordered_json;
 using namespace GltfFixture;
 
 /// The forms of a file: what is written where, and what stays as it was.
-class RyGltfWritingTest : public QObject
+class RyGltfWritingTest : public QObject, private GltfDocuments
 {
     Q_OBJECT
-
-private:
-    std::unique_ptr<RyGltfDocument> open(const QByteArray &bytes = skinnedGlb(),
-                                         const QString &name = QStringLiteral("p.glb"))
-    {
-        m_error.clear();
-        return RyGltfDocument::read(put(m_folder, name, bytes), &m_error);
-    }
-    std::unique_ptr<RyGltfDocument> reopened(const RyGltfDocument &document,
-                                             const QString &ending = QStringLiteral("glb"))
-    {
-        return open(document.toBytes(ending), "again." + ending);
-    }
-
-    QTemporaryDir m_folder;
-    QString m_error;
 
 private slots:
     void layoutOfTheTextStays();

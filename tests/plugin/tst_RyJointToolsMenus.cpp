@@ -1,21 +1,12 @@
-#include "support/RyTest.h"
+#include "plugin/PluginStage.h"
 
 #include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMenu.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyMenu.h"
-#include "rycore/undo/RyUndoStack.h"
-#include "rycore/viewport/RyViewTool.h"
-#include "rycore/viewport/RyViewportMgr.h"
-
-#include <QFileInfo>
-#include <QTemporaryDir>
 
 namespace {
 
@@ -133,14 +124,13 @@ const EnablingRow notYetWorking[] = {
 } // namespace
 
 /// The plug-in's menus as the host fills them, and when their entries are enabled.
-class RyJointToolsMenusTest : public QObject
+class RyJointToolsMenusTest : public QObject, private PluginStage
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
+    void init() { open(); }
+    void cleanup() { close(); }
     void toolMenuInOrder();
     void contextMenuInOrder();
     void everyActionOnce();
@@ -152,31 +142,7 @@ private slots:
 
 private:
     RyAction *action(const QString &name) const { return m_window->getActionMgr()->findAction(name); }
-
-    QTemporaryDir m_settings;
-    std::unique_ptr<RyMainWindow> m_window;
-    RyViewTool *m_tool = nullptr;
 };
-
-void RyJointToolsMenusTest::initTestCase()
-{
-    RyAppSettings::setSettingsPath(m_settings.path());
-}
-
-void RyJointToolsMenusTest::init()
-{
-    m_window = std::make_unique<RyMainWindow>(ryScene());
-    QCOMPARE(m_window->loadPlugins(QFileInfo(QStringLiteral(RY_PLUGIN_FILE)).path()), 1);
-    m_tool = m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool"));
-    QVERIFY(m_tool);
-}
-
-void RyJointToolsMenusTest::cleanup()
-{
-    m_window.reset();
-    ryScene()->clear();
-    ryUndoStack()->clearAll();
-}
 
 void RyJointToolsMenusTest::toolMenuInOrder()
 {

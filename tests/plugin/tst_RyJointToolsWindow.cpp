@@ -1,8 +1,6 @@
-#include "support/RyTest.h"
+#include "plugin/PluginStage.h"
 
 #include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
@@ -13,15 +11,11 @@
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
-#include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyPickTool.h"
-#include "rycore/viewport/RyViewTool.h"
-#include "rycore/viewport/RyViewportMgr.h"
 
 #include <QComboBox>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPointer>
@@ -37,14 +31,13 @@ public:
 
 /// The plug-in in a main window: its tool and actions where the host keeps them, and an edit with the mouse from the
 /// selection to the undo step.
-class RyJointToolsWindowTest : public QObject
+class RyJointToolsWindowTest : public QObject, private PluginStage
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void init();
-    void cleanup();
+    void cleanup() { close(); }
     void toolAndActions();
     void activatingActionActivates();
     void paneShowsTheNode();
@@ -64,18 +57,10 @@ private:
         return m_tool->getSettingsWidget()->findChild<W *>(QString::fromLatin1(name));
     }
 
-    QTemporaryDir m_settings;
-    std::unique_ptr<RyMainWindow> m_window;
     Ry3DViewport *m_viewport = nullptr;
-    RyViewTool *m_tool = nullptr;
     RyBone *m_upper = nullptr;
     RyBone *m_lower = nullptr;
 };
-
-void RyJointToolsWindowTest::initTestCase()
-{
-    RyAppSettings::setSettingsPath(m_settings.path());
-}
 
 void RyJointToolsWindowTest::init()
 {
@@ -95,21 +80,11 @@ void RyJointToolsWindowTest::init()
     m_upper->addNodeChild(m_lower);
     ryScene()->addNode(figure);
 
-    m_window = std::make_unique<RyMainWindow>(ryScene());
+    open();
     QCOMPARE(RyApp::getInterface(), m_window.get());
-    QCOMPARE(m_window->loadPlugins(QFileInfo(QStringLiteral(RY_PLUGIN_FILE)).path()), 1);
     m_viewport = new Ry3DViewport(m_window->getViewportMgr(), m_window.get());
     m_viewport->resize(800, 600);
-    m_tool = m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool"));
-    QVERIFY(m_tool);
     m_window->getViewportMgr()->setActiveTool(m_tool);
-}
-
-void RyJointToolsWindowTest::cleanup()
-{
-    m_window.reset();
-    ryScene()->clear();
-    ryUndoStack()->clearAll();
 }
 
 void RyJointToolsWindowTest::select(RyNode *node)

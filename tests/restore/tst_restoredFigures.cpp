@@ -1,4 +1,5 @@
 #include "support/RyTest.h"
+#include "support/ToyAction.h"
 
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "rycore/base/RyFloatProperty.h"
@@ -13,7 +14,6 @@
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/ui/RyAction.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/restore/RyRestoreGuard.h"
@@ -21,20 +21,6 @@
 #include <deque>
 #include <functional>
 #include <random>
-
-namespace {
-
-class ToyAction : public RyAction
-{
-public:
-    ToyAction(const QString &text, std::function<void()> work) : RyAction(text, QString()), m_work(std::move(work)) {}
-    void executeAction() override { m_work(); }
-
-private:
-    std::function<void()> m_work;
-};
-
-} // namespace
 
 /// Restore points of whole figures: the dump of the scene, its selection included, and the steps of the history.
 class RestoredFiguresTest : public QObject

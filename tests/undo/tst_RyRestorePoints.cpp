@@ -1,29 +1,13 @@
 #include "support/RyTest.h"
-#include "undo/UndoToys.h"
+#include "undo/RestoreStage.h"
 
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/restore/RyRestoreGuard.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/undo/restore/RyUndoKeeper.h"
 
 namespace {
-
-void setInStep(ToyValue &toy, int value, const QString &caption = QStringLiteral("step"))
-{
-    RyUndoStackHold hold;
-    toy.set(value);
-    hold.accept(caption);
-}
-
-/// What a command does that undo cannot take back.
-void setAndClear(ToyValue &toy, int value)
-{
-    RyUndoStackLock lock;
-    ryUndoStack()->clearAll();
-    toy.set(value);
-}
 
 class ToyKeeper : public RyUndoKeeper
 {
@@ -37,29 +21,13 @@ public:
 
 } // namespace
 
-class RyRestorePointsTest : public QObject
+class RyRestorePointsTest : public QObject, private RestoreStage
 {
     Q_OBJECT
 
-    RyUndoStack *stack = nullptr;
-    RyRestorePoints *points = nullptr;
-
 private slots:
-    void init()
-    {
-        stack = ryUndoStack();
-        points = ryRestorePoints();
-        points->clear();
-        points->setMost(20);
-        stack->clearAll();
-        stack->setClean();
-    }
-    void cleanup()
-    {
-        points->clear();
-        points->setMost(0);
-        stack->clearAll();
-    }
+    void init() { open(); }
+    void cleanup() { close(); }
 
     void nothingIsTakenUnlessAsked()
     {

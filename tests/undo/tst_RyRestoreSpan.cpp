@@ -1,54 +1,18 @@
 #include "support/RyTest.h"
-#include "undo/UndoToys.h"
+#include "undo/RestoreStage.h"
 
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
 
-namespace {
-
-void setInStep(ToyValue &toy, int value, const QString &caption)
-{
-    RyUndoStackHold hold;
-    toy.set(value);
-    hold.accept(caption);
-}
-
-/// What a command does that undo cannot take back.
-void setAndClear(ToyValue &toy, int value)
-{
-    RyUndoStackLock lock;
-    ryUndoStack()->clearAll();
-    toy.set(value);
-}
-
-} // namespace
-
-class RyRestoreSpanTest : public QObject
+class RyRestoreSpanTest : public QObject, private RestoreStage
 {
     Q_OBJECT
 
-    RyUndoStack *stack = nullptr;
-    RyRestorePoints *points = nullptr;
-
 private slots:
-    void init()
-    {
-        stack = ryUndoStack();
-        points = ryRestorePoints();
-        points->clear();
-        points->setMost(20);
-        stack->clearAll();
-        stack->setClean();
-    }
-    void cleanup()
-    {
-        points->clear();
-        points->setMost(0);
-        stack->clearAll();
-        stack->setClean();
-    }
+    void init() { open(); }
+    void cleanup() { close(); }
 
     void goesBackOverAClearedHistory_data()
     {
