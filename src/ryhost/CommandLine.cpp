@@ -2,6 +2,8 @@
 
 #include "ryhost/batch/BatchArguments.h"
 
+static const QString Verbose = QStringLiteral("--verbose");
+
 static CommandLine wrong(const QString &error)
 {
     CommandLine line;
@@ -20,6 +22,7 @@ CommandLine CommandLine::parse(const QStringList &arguments)
     if (arguments.contains(QStringLiteral("--batch"))) {
         line.mode = Batch;
         line.batchArguments = arguments;
+        line.isVerbose = line.batchArguments.removeAll(Verbose) > 0;
         return line;
     }
     for (int i = 0; i < arguments.size(); ++i) {
@@ -29,7 +32,7 @@ CommandLine CommandLine::parse(const QStringList &arguments)
             break;
         } else if (argument.startsWith(QLatin1Char('-')) && argument.size() > 1) {
             return wrong(
-                BatchArguments::isKnownVerb(argument)
+                argument == Verbose || BatchArguments::isKnownVerb(argument)
                     ? QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(argument)
                     : QStringLiteral("there is no option %1").arg(argument));
         } else {
@@ -61,6 +64,7 @@ QString CommandLine::helpText()
         "  --save OUT                      by ending .glb, .gltf or .obj; may be the input\n"
         "  --screenshot PNG [--view front|side|top|perspective] [--size 1280x900]\n"
         "  --dump [FILE], --report [FILE]  the scene as text, a report as JSON; without a file to standard output\n"
+        "  --verbose                       prints what the toolkit says by itself too; anywhere\n"
         "\n"
         "Examples\n"
         "  ryhost character.glb\n"

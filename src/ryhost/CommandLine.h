@@ -15,6 +15,7 @@ public:
 
     Mode mode = Window;
     QStringList files;          // Window: the first is opened, the others are merged
-    QStringList batchArguments; // Batch: everything, "--batch" included
+    QStringList batchArguments; // Batch: everything else, "--batch" included
+    bool isVerbose = false;     // Batch: what the toolkit says by itself is printed too
     QString error;
 };

@@ -3,6 +3,7 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/CommandLine.h"
 #include "ryhost/batch/BatchRunner.h"
+#include "ryhost/batch/ToolkitMessages.h"
 #include "ryhost/files/HostFiles.h"
 #include "ryhost/start/HostTranslations.h"
 #include "ryhost/window/HostWindow.h"
@@ -58,6 +59,8 @@ int main(int argc, char **argv)
         // Nothing is shown, and a machine may have nothing to show it on.
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (!line.isVerbose)
+            ToolkitMessages::hide();
         break;
     case CommandLine::Window:
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&

@@ -214,6 +214,7 @@ private slots:
     void whoAsksForeverIsLeft()
     {
         const auto result = dialogs(words("--run RyTestInsistAction"));
+        QVERIFY2(result.says("It insists: yes is the only answer."), result.err.constData());
         QCOMPARE(result.code, 3);
         QVERIFY2(result.says("Yes?"), result.err.constData());
     }

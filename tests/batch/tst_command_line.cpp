@@ -153,6 +153,17 @@ private slots:
         QVERIFY(run({QStringLiteral("--batch"), out, QStringLiteral("--dump")}).out.contains("\"xrot\" 5 "));
     }
 
+    void theToolkitSpeaksWhenItIsAsked()
+    {
+        const QStringList verbs{"--screenshot", m_run.file("toolkit.png")};
+        const RyBatchRun::Result quiet = m_run.batch(verbs);
+        QCOMPARE(quiet.code, 0);
+        QCOMPARE(quiet.err, QByteArray());
+        const RyBatchRun::Result verbose = m_run.batch(verbs + QStringList("--verbose"));
+        QCOMPARE(verbose.code, 0);
+        QVERIFY2(verbose.says("XDG_RUNTIME_DIR"), verbose.err.constData());
+    }
+
     void screenshotIsDrawnWithoutADisplay()
     {
         const QString out = file(QStringLiteral("picture.png"));

@@ -29,6 +29,11 @@ private slots:
         const CommandLine line = CommandLine::parse({"--batch", "a.glb", "--undo"});
         QCOMPARE(line.mode, CommandLine::Batch);
         QCOMPARE(line.batchArguments, QStringList({"--batch", "a.glb", "--undo"}));
+        QVERIFY(!line.isVerbose);
+        const CommandLine verbose = CommandLine::parse({"--verbose", "--batch", "a.glb", "--undo"});
+        QVERIFY(verbose.isVerbose);
+        QCOMPARE(verbose.batchArguments, line.batchArguments);
+        QVERIFY(CommandLine::parse({"--verbose", "a.glb"}).error.contains("--batch"));
     }
     void helpFitsOnAPage()
     {

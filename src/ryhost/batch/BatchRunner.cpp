@@ -311,17 +311,8 @@ ExitCode BatchRunner::runScript(const QString &path)
                : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
 }
 
-/// What Qt says of windows that nobody sees does not concern who runs a batch.
-static void printMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
-{
-    const bool ofHiddenWindows = message.startsWith(QLatin1String("This plugin does not support "));
-    if (!ofHiddenWindows)
-        std::fprintf(stderr, "%s\n", qFormatLogMessage(type, context, message).toLocal8Bit().constData());
-}
-
 int runBatch(const QStringList &arguments)
 {
-    qInstallMessageHandler(printMessage);
     BatchArguments parsed;
     QString error;
     if (!parsed.parse(arguments, &error)) {

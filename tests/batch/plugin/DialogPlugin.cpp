@@ -64,6 +64,7 @@ public:
     RyTestInsistAction() : RyAction(QStringLiteral("Insist"), QString()) {}
     void executeAction() override
     {
+        qWarning("It insists: %s", "yes is the only answer.");
         while (QMessageBox::question(nullptr, QStringLiteral("Yes?"), QString(),
                                      QMessageBox::Retry | QMessageBox::Abort,
                                      QMessageBox::Retry) != QMessageBox::Abort) {
