@@ -1,6 +1,5 @@
 #include "ryhost/look/HostTheme.h"
 
-#include "ryhost/look/HostIcons.h"
 #include "ryhost/look/HostStyle.h"
 
 #include <QApplication>
@@ -56,7 +55,6 @@ void HostTheme::apply(bool dark)
     const QPalette palette = makePalette(dark);
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);
-    HostIcons::setColor(palette.color(QPalette::ButtonText));
     qApp->setStyleSheet(QStringLiteral("QToolTip { border: 1px solid %1; padding: 3px; }"
                                        "QDockWidget::title { padding: 5px 8px; background: %2; text-align: left; }"
                                        "QMainWindow::separator { width: 4px; height: 4px; background: %3; }"

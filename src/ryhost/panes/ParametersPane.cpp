@@ -47,6 +47,8 @@ ParametersPane::ParametersPane(RyScene *scene, QWidget *parent)
 {
     setObjectName(QStringLiteral("ParametersPane"));
     m_title->setObjectName(QStringLiteral("ParametersTitle"));
+    // A long name must not make the window wider.
+    m_title->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_restore->setObjectName(QStringLiteral("ParametersRestore"));
     m_restore->setToolTip(tr("Puts all pose values of this node back to rest"));
     auto *layout = new QVBoxLayout(this);
@@ -89,6 +91,7 @@ void ParametersPane::showNode(RyNode *node)
     m_node = node;
     const auto setTitle = [this] {
         m_title->setText(m_node ? m_node->getLabel() : tr("Nothing selected"));
+        m_title->setToolTip(m_node ? m_node->getLabel() : QString());
         m_restore->setEnabled(m_node && m_node->isPosed());
     };
     for (size_t i = 0; i < m_rows.size(); ++i) {

@@ -2,23 +2,21 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
-#include "ryhost/look/HostIcons.h"
 #include "ryhost/panes/SceneModel.h"
+#include "ryhost/panes/SceneTree.h"
 
-#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QShortcut>
 #include <QSortFilterProxyModel>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
 ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     : QWidget(parent), m_scene(scene), m_model(new SceneModel(scene, this)), m_proxy(new QSortFilterProxyModel(this)),
-      m_filter(new QLineEdit(this)), m_tree(new QTreeView(this))
+      m_filter(new QLineEdit(this)), m_tree(new SceneTree(this))
 {
     setObjectName(QStringLiteral("ScenePane"));
     m_filter->setObjectName(QStringLiteral("SceneFilter"));
@@ -32,15 +30,6 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     m_proxy->setFilterCaseSensitivity(Qt::CaseInsensitive);
     m_proxy->setFilterKeyColumn(SceneModel::LabelColumn);
     m_tree->setModel(m_proxy);
-    m_tree->setHeaderHidden(true);
-    m_tree->setUniformRowHeights(true);
-    m_tree->setIndentation(14);
-    m_tree->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_tree->header()->setStretchLastSection(false);
-    m_tree->header()->setMinimumSectionSize(22);
-    m_tree->header()->setSectionResizeMode(SceneModel::LabelColumn, QHeaderView::Stretch);
-    m_tree->header()->setSectionResizeMode(SceneModel::VisibleColumn, QHeaderView::Fixed);
-    m_tree->header()->resizeSection(SceneModel::VisibleColumn, 26);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 4, 4, 0);
     layout->setSpacing(4);
@@ -62,13 +51,18 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     restoreExpansion();
 }
 
+QTreeView *ScenePane::tree() const
+{
+    return m_tree;
+}
+
 void ScenePane::rememberExpansion()
 {
     // What was left open stays open; new branches open.
     m_syncing = true;
-    m_collapsed.clear();
-    if (!m_filter->text().isEmpty() || !m_scene)
+    if (m_isFiltered || !m_scene)
         return;
+    m_collapsed.clear();
     for (RyNode *node : m_scene->getNodes()) {
         const QModelIndex index = m_proxy->mapFromSource(m_model->indexOf(node));
         if (index.isValid() && m_proxy->hasChildren(index) && !m_tree->isExpanded(index))
@@ -80,9 +74,11 @@ void ScenePane::restoreExpansion()
 {
     m_syncing = true;
     m_tree->expandAll();
-    for (RyNode *node : m_scene->getNodes()) {
-        if (m_collapsed.contains(node))
-            m_tree->collapse(m_proxy->mapFromSource(m_model->indexOf(node)));
+    if (!m_isFiltered) {
+        for (RyNode *node : m_scene->getNodes()) {
+            if (m_collapsed.contains(node))
+                m_tree->collapse(m_proxy->mapFromSource(m_model->indexOf(node)));
+        }
     }
     m_syncing = false;
     showSelection();
@@ -90,10 +86,13 @@ void ScenePane::restoreExpansion()
 
 void ScenePane::setFilter(const QString &text)
 {
-    const QScopedValueRollback<bool> guard(m_syncing, true);
+    if (!m_isFiltered)
+        rememberExpansion();
+    m_isFiltered = !text.isEmpty();
+    // Rows that go take their selection along; that is not what was selected in the scene.
+    m_syncing = true;
     m_proxy->setFilterFixedString(text);
-    m_tree->expandAll();
-    showSelection();
+    restoreExpansion();
 }
 
 void ScenePane::showSelection()

@@ -10,15 +10,16 @@ class QTreeView;
 class RyNode;
 class RyScene;
 class SceneModel;
+class SceneTree;
 
-/// The tree of nodes with a filter. Selection goes both ways; the eye at the right hides a node.
+/// The tree of nodes with a filter. Selection goes both ways; the eye beside a name hides the node.
 class ScenePane : public QWidget
 {
     Q_OBJECT
 public:
     explicit ScenePane(RyScene *scene, QWidget *parent = nullptr);
 
-    QTreeView *tree() const { return m_tree; }
+    QTreeView *tree() const;
     QLineEdit *filter() const { return m_filter; }
     SceneModel *model() const { return m_model; }
 
@@ -33,7 +34,8 @@ private:
     SceneModel *m_model;
     QSortFilterProxyModel *m_proxy;
     QLineEdit *m_filter;
-    QTreeView *m_tree;
+    SceneTree *m_tree;
     QSet<const RyNode *> m_collapsed;
     bool m_syncing = false;
+    bool m_isFiltered = false;
 };

@@ -6,8 +6,9 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
-#include <QScrollBar>
 #include <QToolButton>
+
+static constexpr int LeastWidth = 220; // narrower than settings like to be: then they scroll sideways
 
 ToolSettingsPane::ToolSettingsPane(QWidget *parent)
     : QWidget(parent), m_header(new QWidget(this)), m_name(new QLabel(m_header)),
@@ -15,6 +16,7 @@ ToolSettingsPane::ToolSettingsPane(QWidget *parent)
       m_scroll(new QScrollArea(this))
 {
     setObjectName(QStringLiteral("ToolSettingsPane"));
+    setMinimumWidth(LeastWidth);
     m_name->setObjectName(QStringLiteral("ToolSettingsName"));
     QFont bold = m_name->font();
     bold.setBold(true);
@@ -35,7 +37,6 @@ ToolSettingsPane::ToolSettingsPane(QWidget *parent)
     m_scroll->setObjectName(QStringLiteral("ToolSettingsScroll"));
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
-    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -76,10 +77,11 @@ void ToolSettingsPane::showSettings(RyViewTool *tool)
     }
     m_shown = wanted;
     if (wanted) {
+        // Its hint is a wish: what its parts need is less, and goes before.
+        if (wanted->layout())
+            wanted->setMinimumSize(wanted->layout()->totalMinimumSize());
         m_scroll->setWidget(wanted);
         wanted->show();
-        m_scroll->setMinimumWidth(wanted->minimumSizeHint().width() +
-                                  m_scroll->verticalScrollBar()->sizeHint().width() + 2);
         return;
     }
     auto *label = new QLabel(tool ? tr("This tool has no settings.") : tr("No tool is active."));

@@ -14,13 +14,16 @@
 #include "ryhost/files/HostFiles.h"
 #include "ryhost/look/HostIcons.h"
 #include "ryhost/look/HostTheme.h"
+#include "ryhost/look/WheelGuard.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
 #include "ryhost/plugins/HostPlugins.h"
 #include "ryhost/window/HostMenus.h"
 #include "ryhost/window/ToolStrip.h"
+#include "ryhost/window/WindowFit.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QFileInfo>
@@ -34,6 +37,8 @@ namespace {
 
 const char *const SettingsGroup = "Window";
 const char *const JointEditorTool = "RyJointEditorTool";
+constexpr QSize LeastViewport(400, 300);
+constexpr int MostUndoWidth = 420; // of the names of the steps in the status bar
 
 } // namespace
 
@@ -43,6 +48,9 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
 {
     setObjectName(QStringLiteral("HostWindow"));
     m_viewport->setObjectName(QStringLiteral("Viewport"));
+    m_viewport->setMinimumSize(LeastViewport);
+    qApp->installEventFilter(new WheelGuard(this));
+    new WindowFit(this);
     setAcceptDrops(true);
     setDockOptions(AnimatedDocks | AllowNestedDocks | AllowTabbedDocks);
     m_dark = RyAppSettings(QString::fromLatin1(SettingsGroup)).getBoolValue(QStringLiteral("Dark"), true);
@@ -125,7 +133,7 @@ void HostWindow::makePanes()
         addDock(tr("Tool Settings"), QStringLiteral("ToolSettingsDock"), m_toolSettingsPane, Qt::RightDockWidgetArea);
     splitDockWidget(scene, parameters, Qt::Vertical);
     resizeDocks({scene, parameters}, {430, 330}, Qt::Vertical);
-    resizeDocks({scene, settings}, {270, 300}, Qt::Horizontal);
+    resizeDocks({scene, settings}, {300, 350}, Qt::Horizontal);
     m_toolStrip = new ToolStrip(getViewportMgr(), this);
     addToolBar(Qt::LeftToolBarArea, m_toolStrip);
 }
@@ -173,7 +181,8 @@ void HostWindow::updateStatus()
         steps.append(tr("undo: %1").arg(stack->undoText()));
     if (stack->canRedo())
         steps.append(tr("redo: %1").arg(stack->redoText()));
-    m_undoStatus->setText(steps.join(QStringLiteral("   ")));
+    const QString undo = steps.join(QStringLiteral("   "));
+    m_undoStatus->setText(m_undoStatus->fontMetrics().elidedText(undo, Qt::ElideMiddle, MostUndoWidth));
     setWindowModified(!stack->isClean());
 }
 
@@ -193,8 +202,6 @@ void HostWindow::setDark(bool dark)
     m_dark = dark;
     HostTheme::apply(dark);
     m_viewport->setRenderOptions(HostTheme::viewportOptions(dark, m_viewport->renderOptions()));
-    m_toolStrip->refresh();
-    m_menus->refreshIcons();
     RyAppSettings(QString::fromLatin1(SettingsGroup)).setBoolValue(QStringLiteral("Dark"), dark);
 }
 

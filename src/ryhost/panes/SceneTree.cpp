@@ -1,0 +1,100 @@
+#include "ryhost/panes/SceneTree.h"
+
+#include "ryhost/panes/SceneModel.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int Indentation = 10;
+constexpr int EyeWidth = 24;
+constexpr int MostNameWidth = 320; // longer names are elided
+
+class NameDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const QSize hint = QStyledItemDelegate::sizeHint(option, index);
+        return QSize(std::min(hint.width(), MostNameWidth), hint.height());
+    }
+};
+
+} // namespace
+
+SceneTree::SceneTree(QWidget *parent) : QTreeView(parent), m_measuring(new QTimer(this))
+{
+    setHeaderHidden(true);
+    setUniformRowHeights(true);
+    setIndentation(Indentation);
+    setSelectionMode(ExtendedSelection);
+    setTextElideMode(Qt::ElideMiddle);
+    setHorizontalScrollMode(ScrollPerPixel);
+    setItemDelegateForColumn(SceneModel::LabelColumn, new NameDelegate(this));
+    m_measuring->setSingleShot(true);
+    connect(m_measuring, &QTimer::timeout, this, &SceneTree::measure);
+    connect(this, &QTreeView::expanded, this, &SceneTree::scheduleMeasuring);
+    connect(this, &QTreeView::collapsed, this, &SceneTree::scheduleMeasuring);
+}
+
+void SceneTree::setModel(QAbstractItemModel *model)
+{
+    QTreeView::setModel(model);
+    setTreePosition(SceneModel::LabelColumn);
+    // The eyes stand first, where sideways scrolling finds them again.
+    header()->moveSection(header()->visualIndex(SceneModel::VisibleColumn), 0);
+    header()->setStretchLastSection(false);
+    header()->setMinimumSectionSize(EyeWidth);
+    header()->setResizeContentsPrecision(-1);
+    header()->setSectionResizeMode(QHeaderView::Fixed);
+    header()->resizeSection(SceneModel::VisibleColumn, EyeWidth);
+    connect(model, &QAbstractItemModel::dataChanged, this, &SceneTree::scheduleMeasuring);
+    connect(model, &QAbstractItemModel::rowsInserted, this, &SceneTree::scheduleMeasuring);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &SceneTree::scheduleMeasuring);
+    measure();
+}
+
+void SceneTree::scheduleMeasuring()
+{
+    m_measuring->start(0);
+}
+
+void SceneTree::measure()
+{
+    m_measuring->stop();
+    m_namesWidth = sizeHintForColumn(SceneModel::LabelColumn);
+    fitColumn();
+}
+
+void SceneTree::fitColumn()
+{
+    header()->resizeSection(SceneModel::LabelColumn, std::max(m_namesWidth, viewport()->width() - EyeWidth));
+}
+
+void SceneTree::resizeEvent(QResizeEvent *event)
+{
+    QTreeView::resizeEvent(event);
+    fitColumn();
+}
+
+void SceneTree::scrollTo(const QModelIndex &index, ScrollHint hint)
+{
+    if (m_measuring->isActive())
+        measure();
+    QScrollBar *bar = horizontalScrollBar();
+    const int before = bar->value();
+    QTreeView::scrollTo(index, hint);
+    // The view itself would bring the end of the column into sight, where short names leave nothing to see.
+    bar->setValue(before);
+    const QModelIndex label = index.siblingAtColumn(SceneModel::LabelColumn);
+    const QRect place = visualRect(label);
+    const int left = place.left() - indentation();
+    const int right = place.left() + std::min(sizeHintForIndex(label).width(), place.width());
+    bar->setValue(before + std::min(std::max(right - viewport()->width(), 0), left));
+}

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QTreeView>
+
+class QTimer;
+
+/// The view of a SceneModel. Names can be read at any depth: the column is as wide as they need, and the view moves
+/// sideways along with the one that is looked for.
+class SceneTree : public QTreeView
+{
+    Q_OBJECT
+public:
+    explicit SceneTree(QWidget *parent = nullptr);
+
+    void setModel(QAbstractItemModel *model) override;
+    void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    /// Measures the names when there is time.
+    void scheduleMeasuring();
+    void measure();
+    void fitColumn();
+
+    QTimer *m_measuring;
+    int m_namesWidth = 0;
+};
