@@ -19,7 +19,6 @@
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPointer>
-#include <QTemporaryDir>
 
 /// Bears the name of the plug-in's tool and is none.
 class RyJointEditorTool : public RyPickTool
