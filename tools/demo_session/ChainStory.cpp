@@ -218,7 +218,7 @@ void ChainStory::checkWeights()
         for (size_t v = 0; v < sums.size(); ++v)
             sums[v] += map->getWeight(int(v));
     }
-    const auto whole = std::count(sums.begin(), sums.end(), 65535);
+    const auto whole = std::count(sums.begin(), sums.end(), RyWeightMap::FullWeight);
     m_stage.check(!sums.empty() && size_t(whole) == sums.size(),
                   QStringLiteral("all %1 vertices have their whole weight").arg(sums.size()));
 }

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// One unsigned 16-bit weight per vertex, 65535 = 1.0. Kept sparse (sorted indices and weights of the affected
+/// One unsigned 16-bit weight per vertex, `FullWeight` = 1.0. Kept sparse (sorted indices and weights of the affected
 /// vertices) until `getWeights` asks for the dense array.
 class RyWeightMap : public RyElement, public RyRefCountedItem
 {
@@ -25,7 +25,7 @@ public:
     const quint16 *getWeights() const;
     /// 0 outside the range.
     quint16 getWeight(int vertex) const;
-    float getFloatWeight(int vertex) const { return float(getWeight(vertex)) / 65535.0f; }
+    float getFloatWeight(int vertex) const { return float(getWeight(vertex)) / FullWeight; }
     /// No weights at all (count 0).
     bool isEmpty() const { return m_count == 0; }
 

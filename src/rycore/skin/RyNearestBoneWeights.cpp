@@ -1,6 +1,7 @@
 #include "rycore/skin/RyNearestBoneWeights.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/mesh/RyWeightQuantizer.h"
 
 #include <algorithm>
 #include <cmath>
@@ -140,13 +141,11 @@ std::vector<std::vector<std::pair<int, quint16>>> RyNearestBoneWeights::weights(
         std::erase_if(kept, [&](const auto &entry) { return &entry != &kept.front() && entry.second < LeastShare; });
         const float sum = std::accumulate(kept.begin(), kept.end(), 0.0f,
                                           [](float total, const auto &entry) { return total + entry.second; });
-        int left = 65535;
-        for (size_t i = 1; i < kept.size(); ++i) {
-            const int weight = int(std::lround(65535.0f * kept[i].second / sum));
-            result[v].emplace_back(kept[i].first, quint16(weight));
-            left -= weight;
-        }
-        result[v].emplace_back(kept.front().first, quint16(left)); // the largest takes what rounding leaves
+        RyWeightQuantizer::LargestTakesRest<float> quantizer(sum);
+        for (size_t i = 0; i < kept.size(); ++i)
+            quantizer.add(i, kept[i].second);
+        for (size_t i = 0; i < kept.size(); ++i)
+            result[v].emplace_back(kept[i].first, quantizer.quantized(i, kept[i].second));
         std::sort(result[v].begin(), result[v].end());
     }
     return result;

@@ -21,7 +21,7 @@ public:
     /// At least one segment; they are in the mesh's space.
     RyNearestBoneWeights(const RyFacetMesh &mesh, const std::vector<Segment> &segments);
 
-    /// Whole numbers by vertex: at most four segments, ascending, with a sum of 65535.
+    /// Whole numbers by vertex: at most four segments, ascending, with a sum of full weight.
     std::vector<std::vector<std::pair<int, quint16>>> weights() const;
 
 private:

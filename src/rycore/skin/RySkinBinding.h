@@ -56,9 +56,10 @@ public:
         ScaleWeights = 16,
         AllWeights = 31
     };
-    /// For each kind of map in `types`, each vertex whose weights have a sum above 0 and other than 65535 gets them
-    /// scaled to that sum; the rounding rest goes to its largest weight (the first binding on ties). `priority` 0: all
-    /// bindings weigh equally, which is all there is. `restricted` would leave locked weights alone; there are none.
+    /// For each kind of map in `types`, each vertex whose weights have a sum above 0 and other than full weight gets
+    /// them scaled to that sum; the rounding rest goes to its largest weight (the first binding on ties). `priority` 0:
+    /// all bindings weigh equally, which is all there is. `restricted` would leave locked weights alone; there are
+    /// none.
     void normalize(int priority, int types, bool restricted);
     /// Packs the maps; nothing that can be observed changes.
     void reduceWeightMemory();

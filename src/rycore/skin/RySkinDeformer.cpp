@@ -18,7 +18,7 @@ RySkinDeformer::Channel RySkinDeformer::Channel::fromMap(const RyWeightMap *map)
     const quint16 *weights = map->getAffectedWeights();
     channel.weights.resize(size_t(count));
     for (size_t i = 0; i < size_t(count); ++i)
-        channel.weights[i] = float(weights[i]) / 65535.0f;
+        channel.weights[i] = float(weights[i]) / RyWeightMap::FullWeight;
     return channel;
 }
 

@@ -1,41 +1,8 @@
 #include "rycore/skin/RyWeightNormalizer.h"
 
-#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/mesh/RyWeightQuantizer.h"
 
 #include <algorithm>
-
-namespace {
-
-constexpr quint64 Full = RyWeightMap::FullWeight;
-
-quint16 scaled(quint16 weight, quint64 sum)
-{
-    return quint16(quint64(weight) * Full / sum);
-}
-
-/// A vertex whose weights have a sum other than full weight.
-struct OpenVertex
-{
-    quint64 sum;
-    quint64 scaledSum = 0;
-    quint16 largest = 0;
-    size_t largestMap = 0;
-
-    void add(size_t map, quint16 weight)
-    {
-        scaledSum += scaled(weight, sum);
-        if (weight > largest) {
-            largest = weight;
-            largestMap = map;
-        }
-    }
-    quint16 normalized(size_t map, quint16 weight) const
-    {
-        return quint16(scaled(weight, sum) + (map == largestMap ? Full - scaledSum : 0));
-    }
-};
-
-} // namespace
 
 void RyWeightNormalizer::normalize(const std::vector<RyWeightMap *> &maps)
 {
@@ -52,14 +19,14 @@ void RyWeightNormalizer::normalize(const std::vector<RyWeightMap *> &maps)
     }
 
     // After most edits only few vertices need anything: all that follows is about them.
-    std::vector<OpenVertex> open;
+    std::vector<RyWeightQuantizer::LargestTakesRest<quint64>> open;
     std::vector<int> places; // of a vertex among them, -1 for none
     for (size_t v = 0; v < sums.size(); ++v) {
-        if (sums[v] == 0 || sums[v] == Full)
+        if (sums[v] == 0 || sums[v] == RyWeightMap::FullWeight)
             continue;
         places.resize(sums.size(), -1);
         places[v] = int(open.size());
-        open.push_back({sums[v]});
+        open.emplace_back(sums[v], RyWeightQuantizer::Rounding::Down);
     }
     if (open.empty())
         return;
@@ -85,8 +52,8 @@ void RyWeightNormalizer::normalize(const std::vector<RyWeightMap *> &maps)
         std::vector<quint16> weights(map->getAffectedWeights(), map->getAffectedWeights() + affected);
         bool changed = false;
         for (const int i : touched[k]) {
-            const OpenVertex &vertex = open[size_t(places[size_t(indices[size_t(i)])])];
-            const quint16 weight = vertex.normalized(k, weights[size_t(i)]);
+            const auto &vertex = open[size_t(places[size_t(indices[size_t(i)])])];
+            const quint16 weight = vertex.quantized(k, weights[size_t(i)]);
             changed = changed || weight != weights[size_t(i)];
             weights[size_t(i)] = weight;
         }

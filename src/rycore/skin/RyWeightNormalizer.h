@@ -8,8 +8,8 @@ class RyWeightMap;
 
 namespace RyWeightNormalizer {
 
-/// Scales the weights that these maps give a vertex to the sum 65535, where it is above 0; the rounding rest goes to
-/// the largest (the first of equal ones). Maps whose weights do not change are not written.
+/// Scales the weights that these maps give a vertex to full weight, where their sum is above 0: rounded down, and the
+/// largest (the first of equal ones) takes the rest. Maps whose weights do not change are not written.
 void normalize(const std::vector<RyWeightMap *> &maps);
 
 /// A new map with the mean of three maps, rounded; a missing one counts as zero.

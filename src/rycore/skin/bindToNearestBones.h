@@ -7,8 +7,8 @@ class RySkinBinding;
 /// A vertex goes to the nearest bone whose joint it has passed: the plane through the bone's center point that halves
 /// the angle to its parent. Bones without a parent in the skin have no such plane. The weights are then spread along
 /// the surface, over about the vertex' distance to its bone, so that a thick limb bends softer than a finger. At most
-/// four bones move a vertex; its weights sum to 65535. Rest mesh and current rigging values are what counts, the pose
-/// is not.
+/// four bones move a vertex; its weights sum to full weight. Rest mesh and current rigging values are what counts, the
+/// pose is not.
 ///
 /// All maps that a binding has get the same weights; a binding without any gets a general map or local and scale maps,
 /// as its skin has them. Undoable where a hold is open. False, and nothing done, without a mesh of facets or without a

@@ -1,6 +1,6 @@
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 
-#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/mesh/RyWeightQuantizer.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
@@ -12,26 +12,22 @@ namespace {
 
 using Influence = RyGltfInfluences::Influence;
 
-/// Weights that sum to 65535, in descending order; what rounding leaves goes to the largest. Gives their number: what
-/// rounds to nothing is left out.
-size_t normalize(Influence *begin, size_t count)
+/// Weights that sum to full weight, in descending order.
+void normalize(Influence *begin, size_t count)
 {
     std::stable_sort(begin, begin + count, [](const Influence &a, const Influence &b) { return a.weight > b.weight; });
-    long long sum = 0;
+    quint64 sum = 0;
     for (size_t i = 0; i < count; ++i)
         sum += begin[i].weight;
-    if (sum <= 0 || sum == 65535)
-        return count;
-    long long total = 0;
-    size_t kept = 0;
-    for (size_t i = 0; i < count; ++i) {
-        const long long scaled = (begin[i].weight * 65535LL + sum / 2) / sum;
-        total += scaled;
-        begin[i].weight = quint16(scaled);
-        kept += scaled > 0;
-    }
-    begin[0].weight = quint16(begin[0].weight + 65535 - total);
-    return kept;
+    if (sum == 0 || sum == RyWeightMap::FullWeight)
+        return;
+    using RyWeightQuantizer::Rounding;
+    RyWeightQuantizer::LargestTakesRest<quint64> quantizer(
+        sum, count <= RyWeightQuantizer::MostToNearest ? Rounding::Nearest : Rounding::Down);
+    for (size_t i = 0; i < count; ++i)
+        quantizer.add(i, begin[i].weight);
+    for (size_t i = 0; i < count; ++i)
+        begin[i].weight = quantizer.quantized(i, begin[i].weight);
 }
 
 } // namespace
@@ -94,9 +90,9 @@ RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) :
     for (size_t vertex = 0; vertex < size_t(vertexCount); ++vertex) {
         const size_t from = m_first[vertex];
         const size_t count = m_first[vertex + 1] - from;
-        const size_t kept = count == 0 ? 0 : normalize(m_influences.data() + from, count);
+        normalize(m_influences.data() + from, count);
         m_first[vertex] = end;
-        for (size_t i = 0; i < count && kept > 0; ++i) {
+        for (size_t i = 0; i < count; ++i) {
             if (m_influences[from + i].weight > 0)
                 m_influences[end++] = m_influences[from + i];
         }

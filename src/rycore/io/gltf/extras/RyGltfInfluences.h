@@ -26,7 +26,7 @@ private:
     std::vector<quint16> m_weights;
 };
 
-/// The influences of a skin's vertices as a file holds them: 16-bit weights that sum to exactly 65535. A binding with
+/// The influences of a skin's vertices as a file holds them: weights that sum to exactly full weight. A binding with
 /// local maps counts with their mean.
 class RyGltfInfluences
 {

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/mesh/RyWeightQuantizer.h"
 #include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -91,35 +93,6 @@ size_t hashPosition(const float *p)
     std::uint64_t hash = (xy ^ 0x9e3779b97f4a7c15ull) * 0xff51afd7ed558ccdull;
     hash = (std::rotl(hash, 29) ^ z) * 0xc4ceb9fe1a85ec53ull;
     return size_t(hash ^ (hash >> 32));
-}
-
-/// Weights as 16-bit numbers that sum to 65535, none further than one from its true value: what rounding leaves goes to
-/// those that were rounded most. Returns the place of the largest.
-int quantize(const double *weights, int count, double sum, quint16 *result)
-{
-    int total = 0;
-    int largest = 0;
-    for (int i = 0; i < count; ++i) {
-        const int weight = int(weights[i] / sum * 65535.0 + 0.5);
-        result[i] = quint16(weight);
-        total += weight;
-        if (weights[i] > weights[largest])
-            largest = i;
-    }
-    for (int rest = 65535 - total; rest != 0; rest -= rest > 0 ? 1 : -1) {
-        const int step = rest > 0 ? 1 : -1;
-        int place = largest;
-        double most = -1.0;
-        for (int i = 0; i < count; ++i) {
-            const double left = step * (weights[i] / sum * 65535.0 - double(result[i]));
-            if (left > most && int(result[i]) + step >= 0) {
-                most = left;
-                place = i;
-            }
-        }
-        result[place] = quint16(int(result[place]) + step);
-    }
-    return largest;
 }
 
 } // namespace
@@ -205,7 +178,8 @@ void RyGltfMeshBuilder::readAttributes(const RyGltfPrimitive &primitive, Part &p
             set.jointSize = a.componentType == 5121 ? 1 : 2;
         } else {
             for (const std::uint32_t joint : m_document.readUints(primitive.joints[s]))
-                set.jointCopy.push_back(std::uint16_t(std::min(joint, 65535u)));
+                set.jointCopy.push_back(
+                    std::uint16_t(std::min<std::uint32_t>(joint, std::numeric_limits<std::uint16_t>::max())));
             set.jointCopy.resize(part.vertexCount * 4, 0);
             set.joints = reinterpret_cast<const unsigned char *>(set.jointCopy.data());
             set.jointSize = 2;
@@ -339,7 +313,8 @@ void RyGltfMeshBuilder::readInfluences(int firstVertex)
                 }
             }
             if (sum > 0.0 && std::isfinite(sum)) {
-                const int largest = quantize(weights.data(), used, sum, run.weights.data() + i * size_t(width));
+                const int largest =
+                    RyWeightQuantizer::spreadRest(weights.data(), used, sum, run.weights.data() + i * size_t(width));
                 m_strongest[size_t(firstVertex) + i] = bones[largest];
             }
         }

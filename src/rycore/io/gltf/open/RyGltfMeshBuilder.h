@@ -32,8 +32,8 @@ public:
     RyMeshParts parts;
     int droppedInfluences = 0;
 
-    /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to 65535 or to
-    /// 0.
+    /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to full weight
+    /// or to 0.
     struct BoneWeights
     {
         std::vector<int> vertices;

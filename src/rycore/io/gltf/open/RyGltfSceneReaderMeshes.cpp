@@ -94,7 +94,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
     for (size_t bone = 0; bone < weights.size(); ++bone) {
         for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
             const size_t vertex = size_t(weights[bone].vertices[i]);
-            const double weight = weights[bone].weights[i] / 65535.0;
+            const double weight = double(weights[bone].weights[i]) / RyWeightMap::FullWeight;
             const double from[3] = {positions[vertex].x, positions[vertex].y, positions[vertex].z};
             double at[3];
             matrices[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/mesh/RyWeightMap.h"
 
 #include <algorithm>
 
@@ -26,7 +27,7 @@ RyGltfInfluenceWriter::numbersOf(const Part &part) const
         const std::span<const RyGltfInfluences::Influence> influences =
             m_influences.of(part.vertexOfSplit ? (*part.vertexOfSplit)[v] : int(v));
         if (influences.empty())
-            result.front().second[4 * v] = 65535;
+            result.front().second[4 * v] = RyWeightMap::FullWeight;
         for (size_t i = 0; i < influences.size() && i < 4 * part.sets; ++i) {
             result[i / 4].first[4 * v + i % 4] = std::uint32_t(part.places[influences[i].bone]);
             result[i / 4].second[4 * v + i % 4] = influences[i].weight;

@@ -13,7 +13,7 @@ class RyNode;
 class RyScene;
 
 /// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and
-/// meshes: figure space becomes mesh space, all influences are written, 16-bit weights sum to exactly 65535.
+/// meshes: figure space becomes mesh space, all influences are written, weights sum to exactly full weight.
 class RyGltfNewNodes
 {
 public:
