@@ -237,22 +237,22 @@ private slots:
         QCOMPARE(dump(), merged);
     }
 
-    void mergingIntoNothingBringsItsDocumentAlong()
+    void mergingIntoNothingBringsItsOriginAlong()
     {
         m_scene->clear();
         const QString before = dump(), first = file(QStringLiteral("first.glb")),
                       second = file(QStringLiteral("second.glb"));
         QVERIFY(m_window->files()->mergePath(sample()));
-        const RySceneOrigin *document = m_scene->getDocument();
-        QVERIFY(document);
+        const RySceneOrigin *origin = m_scene->getOrigin();
+        QVERIFY(origin);
         const QString merged = dump();
         QVERIFY(m_window->files()->savePath(first));
         latest()->trigger();
         QCOMPARE(dump(), before);
-        QVERIFY(!m_scene->getDocument());
+        QVERIFY(!m_scene->getOrigin());
         latest()->trigger();
         QCOMPARE(dump(), merged);
-        QCOMPARE(m_scene->getDocument(), document);
+        QCOMPARE(m_scene->getOrigin(), origin);
         QVERIFY(m_window->files()->savePath(second));
         QCOMPARE(bytesOf(second), bytesOf(first));
     }

@@ -68,9 +68,9 @@ CharacterScene::CharacterScene(const QString &path) : file(path.toStdString())
     height = heightOf(positionsOf(file, unit()));
 }
 
-const RyGltfOrigin &CharacterScene::document() const
+const RyGltfOrigin &CharacterScene::origin() const
 {
-    return dynamic_cast<const RyGltfOrigin &>(*scene.getDocument());
+    return dynamic_cast<const RyGltfOrigin &>(*scene.getOrigin());
 }
 
 std::vector<RyBone *> CharacterScene::bones() const
@@ -83,13 +83,13 @@ std::vector<RyBone *> CharacterScene::bones() const
 
 int CharacterScene::nodeOf(const RyNode *node) const
 {
-    const RyGltfNodeSource *source = document().findSource(node);
+    const RyGltfNodeSource *source = origin().findSource(node);
     return source ? source->node : -1;
 }
 
 Positions CharacterScene::shown() const
 {
-    return splitPositions(document(), [](RyNode &node) {
+    return splitPositions(origin(), [](RyNode &node) {
         const std::vector<RyVec3> &positions = node.getObject()->getDeformedPositions();
         return [&positions, map = node.worldMap()](int vertex) { return mapped(map, positions[size_t(vertex)]); };
     });
@@ -97,7 +97,7 @@ Positions CharacterScene::shown() const
 
 Positions CharacterScene::atRest() const
 {
-    return splitPositions(document(), [](RyNode &node) {
+    return splitPositions(origin(), [](RyNode &node) {
         const auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
         const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
         return [&positions](int vertex) { return mapped(RyAffine(), positions[size_t(vertex)]); };

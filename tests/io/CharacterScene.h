@@ -28,8 +28,8 @@ public:
     QStringList messages;
     double height = 0.0; ///< of what the file shows, centimetres
 
-    const RyGltfOrigin &document() const;
-    double unit() const { return document().unit; }
+    const RyGltfOrigin &origin() const;
+    double unit() const { return origin().unit; }
     std::vector<RyBone *> bones() const;
     int nodeOf(const RyNode *node) const;
 

@@ -201,7 +201,7 @@ private slots:
         QCOMPARE(counts.groups, size_t(groups));
         QCOMPARE(int(scene.getNodes().size()), 1);
         const float height = scene.getNodes().front()->getBoundingBox().getExtents().y;
-        qInfo("%.4g cm high, unit %g", double(height), scene.getDocument()->unitFactor());
+        qInfo("%.4g cm high, unit %g", double(height), scene.getOrigin()->unitFactor());
         QVERIFY(height >= 54.0f && height <= 540.0f);
         QTemporaryDir folder;
         const QString saved = folder.filePath(QStringLiteral("saved.obj"));
@@ -227,7 +227,7 @@ private slots:
         QVERIFY2(RySceneFile::save(&scene, saved, &error), qPrintable(error));
         RyScene again;
         QVERIFY2(RySceneFile::open(&again, saved, &error), qPrintable(error));
-        QCOMPARE(again.getDocument()->unitFactor(), 2.0);
+        QCOMPARE(again.getOrigin()->unitFactor(), 2.0);
         QCOMPARE(rySceneDump(again), rySceneDump(scene));
     }
 

@@ -132,8 +132,8 @@ private slots:
         sketch.tree["scenes"][0]["nodes"] = half ? json{0, 3} : json{3};
         CharacterScene scene(sketch.write(path("marked")));
         QCOMPARE(scene.bones().size(), size_t(half ? 2 : 0));
-        QCOMPARE(scene.document().figures.size(), size_t(1));
-        QCOMPARE(scene.document().figures[0].vertexCount, 18);
+        QCOMPARE(scene.origin().figures.size(), size_t(1));
+        QCOMPARE(scene.origin().figures[0].vertexCount, 18);
     }
 
 private:

@@ -62,6 +62,7 @@ void RyAffineTest::chainsMatchPlainProducts()
         const RyMatrix4 last = random.matrix();
         const RyAffine chain = RyAffine::fromScale(s[0], s[1], s[2]) * RyAffine::fromRotation(RyQuat(axis, angle)) *
                                RyAffine::fromTranslation(t) * RyAffine(last);
+        QVERIFY(RyAffine::fromScale(s[0]) == RyAffine::fromScale(s[0], s[0], s[0]));
         const RyVec3 v = random.vector();
         Vec p = turn({v.x * s[0], v.y * s[1], v.z * s[2]}, unit(vec(axis)), -double(angle));
         p = image({p[0] + t.x, p[1] + t.y, p[2] + t.z}, Plain::mat(last));
@@ -152,7 +153,7 @@ void RyAffineTest::polarPartsMultiplyBack()
     }
     RyAffine stretch;
     RyQuat q;
-    RyAffine::fromScale(0, 0, 0).decomposePolar(stretch, q);
+    RyAffine::fromScale(0).decomposePolar(stretch, q);
     QVERIFY(finiteMap(stretch) && finite(q));
 }
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-class SceneDocument : public RySceneOrigin
+class NamedOrigin : public RySceneOrigin
 {
 public:
     QString path() const override { return QStringLiteral("somewhere"); }
@@ -198,18 +198,18 @@ private slots:
     void clearing()
     {
         m_a->addNodeChild(m_b);
-        ryScene()->setDocument(std::make_unique<SceneDocument>());
+        ryScene()->setOrigin(std::make_unique<NamedOrigin>());
         Listener listener(ryScene());
         for (RyNode *node : {m_a, m_b, m_c})
             listener.watch(node);
         ryScene()->setSelection({m_b, m_c});
         listener.take();
         const QPointer<RyNode> a(m_a), b(m_b), c(m_c);
-        QSignalSpy document(ryScene(), &RyScene::documentChanged);
+        QSignalSpy origin(ryScene(), &RyScene::originChanged);
         ryScene()->clear();
         QVERIFY(!a && !b && !c);
-        QVERIFY(ryScene()->getNodes().empty() && !ryScene()->getDocument() && !ryScene()->getPrimarySelection());
-        QCOMPARE(document.size(), 1);
+        QVERIFY(ryScene()->getNodes().empty() && !ryScene()->getOrigin() && !ryScene()->getPrimarySelection());
+        QCOMPARE(origin.size(), 1);
         const QStringList heard = listener.take();
         QCOMPARE(heard.mid(0, 3).filter(QStringLiteral("about")).size(), 3);
         QVERIFY(heard.contains(QStringLiteral("list []")) && heard.contains(QStringLiteral("primary none")));

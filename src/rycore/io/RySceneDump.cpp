@@ -62,8 +62,8 @@ public:
     QString text()
     {
         m_out << "scene time " << int(m_scene.getTime());
-        if (m_scene.getDocument())
-            m_out << " unit " << number(m_scene.getDocument()->unitFactor());
+        if (m_scene.getOrigin())
+            m_out << " unit " << number(m_scene.getOrigin()->unitFactor());
         m_out << '\n';
         const std::vector<RyNode *> nodes = m_scene.getNodesInTreeOrder();
         for (const RyNode *node : nodes)

@@ -46,7 +46,7 @@ QString freeTopLevelName(const RyScene &scene, const QString &name)
     return stem + QString::number(number);
 }
 
-void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> document,
+void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> origin,
                   bool merge)
 {
     if (!merge) {
@@ -59,8 +59,8 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
             top->setName(freeTopLevelName(*scene, top->getName()));
         scene->addNode(top.get());
     }
-    if (!merge || !scene->getDocument())
-        scene->setDocument(std::move(document));
+    if (!merge || !scene->getOrigin())
+        scene->setOrigin(std::move(origin));
     if (!merge)
         ryUndoStack()->setClean();
 }
@@ -96,28 +96,28 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     }
     if (endingOf(path) == QLatin1String("obj")) {
         std::vector<RyRef<RyNode>> tops;
-        std::unique_ptr<RyObjOrigin> document;
+        std::unique_ptr<RyObjOrigin> origin;
         {
             RyUndoStackLock lock;
-            document = RyObjOrigin::read(path, options.unit, &tops, error, messages);
+            origin = RyObjOrigin::read(path, options.unit, &tops, error, messages);
         }
-        if (!document)
+        if (!origin)
             return false;
-        putIntoScene(scene, tops, std::move(document), options.merge);
+        putIntoScene(scene, tops, std::move(origin), options.merge);
         return true;
     }
     std::unique_ptr<RyGltfDocument> document = RyGltfDocument::read(path, error, messages);
     if (!document)
         return false;
     std::vector<RyRef<RyNode>> tops;
-    std::unique_ptr<RyGltfOrigin> sceneDocument;
+    std::unique_ptr<RyGltfOrigin> origin;
     {
         RyUndoStackLock lock;
         try {
             RyGltfSceneReader reader(std::move(document), path, options.unit);
             reader.build(messages);
             tops = reader.topLevelNodes();
-            sceneDocument = reader.takeDocument();
+            origin = reader.takeOrigin();
         } catch (const std::bad_alloc &) {
             return refuse(error, QStringLiteral("%1: the file needs more memory than this machine has").arg(path));
         } catch (const std::exception &failure) {
@@ -128,7 +128,7 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     }
     if (tops.empty())
         return refuse(error, QStringLiteral("%1: the file holds neither joints nor meshes").arg(path));
-    putIntoScene(scene, tops, std::move(sceneDocument), options.merge);
+    putIntoScene(scene, tops, std::move(origin), options.merge);
     return true;
 }
 
@@ -145,7 +145,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
         ryUndoStack()->setClean();
         return true;
     }
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getDocument());
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getOrigin());
     if (!source) {
         if (!saveWithoutSource(scene, path, error))
             return false;
@@ -172,9 +172,9 @@ bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString
 {
     // What came from another format is written in metres, which is what other programs take a glTF unit for.
     constexpr double CentimetresPerMetre = 100.0;
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getDocument());
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getOrigin());
     const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene->getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return RyGltfNewNodes::exportScene(*scene, unit)->write(path, error);
+    return RyGltfNewNodes::writeScene(*scene, unit)->write(path, error);
 }

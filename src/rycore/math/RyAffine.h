@@ -15,6 +15,7 @@ public:
     static RyAffine fromTranslation(double x, double y, double z);
     static RyAffine fromRotation(const RyQuat &q);
     static RyAffine fromScale(double x, double y, double z);
+    static RyAffine fromScale(double factor) { return fromScale(factor, factor, factor); }
 
     /// This map first, then `o`.
     RyAffine operator*(const RyAffine &o) const;

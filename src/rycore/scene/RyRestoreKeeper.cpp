@@ -25,10 +25,10 @@ std::function<void()> RyRestoreKeeper::keep()
         figures.push_back(
             {RyRef<RySkeleton>(figure), RyRef<RySkeleton>(figure->getFollowTarget()), figure->drawsGLBones()});
     }
-    return [scene = m_scene, time = m_scene->getTime(), document = m_scene->sharedDocument(), selection, figures] {
+    return [scene = m_scene, time = m_scene->getTime(), origin = m_scene->sharedOrigin(), selection, figures] {
         scene->setTime(time);
-        if (scene->sharedDocument() != document)
-            scene->setDocument(document);
+        if (scene->sharedOrigin() != origin)
+            scene->setOrigin(origin);
         std::vector<RyNode *> nodes;
         for (const RyRef<RyNode> &node : selection)
             nodes.push_back(node.get());

@@ -4,7 +4,7 @@
 
 class RyScene;
 
-/// Keeps for restore points what a scene holds and no undo step records: selection, time, the document that it came
+/// Keeps for restore points what a scene holds and no undo step records: selection, time, the file that it came
 /// from, and which figures follow another one or draw their bones.
 class RyRestoreKeeper : public RyUndoKeeper
 {

@@ -187,7 +187,7 @@ void RyScene::clear()
 {
     if (RyRestorePoints *points = ryRestorePoints())
         points->clear();
-    if (m_nodes.empty() && !m_document)
+    if (m_nodes.empty() && !m_origin)
         return;
     const std::vector<RyNode *> tops = getTopLevelNodes();
     for (RyNode *node : std::vector<RyNode *>(m_nodes))
@@ -195,7 +195,7 @@ void RyScene::clear()
     changeSelection({});
     while (!m_nodes.empty())
         unregisterNode(m_nodes.back());
-    setDocument(nullptr);
+    setOrigin(nullptr);
     emit nodeListChanged();
     emit drawnDataChanged();
 }
@@ -258,10 +258,10 @@ void RyScene::setTime(const RyTime &time)
     emit timeChanged();
 }
 
-void RyScene::setDocument(std::shared_ptr<RySceneOrigin> document)
+void RyScene::setOrigin(std::shared_ptr<RySceneOrigin> origin)
 {
-    m_document = std::move(document);
-    emit documentChanged();
+    m_origin = std::move(origin);
+    emit originChanged();
 }
 
 // --- Names

@@ -14,7 +14,7 @@ class RyNode;
 class RyRestoreKeeper;
 class RySkeleton;
 
-/// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the document it came
+/// The scene: all nodes, the selection (an ordered list whose last node is primary), time, and the file it came
 /// from.
 class RyScene : public QObject
 {
@@ -37,7 +37,7 @@ public:
     std::vector<RyNode *> getNodesInTreeOrder() const;
     std::vector<RySkeleton *> getSkeletons() const;
     Q_INVOKABLE RyNode *findNode(const QString &name) const;
-    /// Removes everything, the document included, and drops all restore points. The undo history is the caller's.
+    /// Removes everything, the origin included, and drops all restore points. The undo history is the caller's.
     void clear();
 
     // --- Selection.
@@ -65,10 +65,10 @@ public:
     static QString getUniqueTopLevelLabel(const QString &label, const RyNode *ignore = nullptr);
 
     /// The file that the scene came from, with what the scene does not hold; null for a scene made here.
-    RySceneOrigin *getDocument() const { return m_document.get(); }
+    RySceneOrigin *getOrigin() const { return m_origin.get(); }
     /// Shared, for restore points bring it back.
-    void setDocument(std::shared_ptr<RySceneOrigin> document);
-    const std::shared_ptr<RySceneOrigin> &sharedDocument() const { return m_document; }
+    void setOrigin(std::shared_ptr<RySceneOrigin> origin);
+    const std::shared_ptr<RySceneOrigin> &sharedOrigin() const { return m_origin; }
 
 signals:
     void primarySelectionChanged(RyNode *node);
@@ -79,7 +79,7 @@ signals:
     /// Something that is drawn changed: rigging, pose, visibility, meshes. Not coalesced.
     void drawnDataChanged();
     void timeChanged();
-    void documentChanged();
+    void originChanged();
 
 private:
     friend class RyNode;
@@ -92,7 +92,7 @@ private:
     std::vector<RyNode *> m_nodes; // each counted once
     std::vector<RyNode *> m_selection;
     RyTime m_time;
-    std::shared_ptr<RySceneOrigin> m_document;
+    std::shared_ptr<RySceneOrigin> m_origin;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 

@@ -82,9 +82,9 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
         {QStringLiteral("runs"), QJsonArray::fromVariantList(events.runs)},
         {QStringLiteral("boxes"), QJsonArray::fromVariantList(events.boxes)},
     };
-    if (const RySceneOrigin *document = scene.getDocument()) {
-        report[QStringLiteral("file")] = QFileInfo(document->path()).fileName();
-        report[QStringLiteral("unit")] = document->unitFactor();
+    if (const RySceneOrigin *origin = scene.getOrigin()) {
+        report[QStringLiteral("file")] = QFileInfo(origin->path()).fileName();
+        report[QStringLiteral("unit")] = origin->unitFactor();
     }
     return QJsonDocument(report).toJson();
 }

@@ -34,10 +34,10 @@ HostFiles::HostFiles(RyScene *scene, QWidget *window) : QObject(window), m_scene
 
 QString HostFiles::description() const
 {
-    const RySceneOrigin *document = m_scene ? m_scene->getDocument() : nullptr;
-    if (!document)
+    const RySceneOrigin *origin = m_scene ? m_scene->getOrigin() : nullptr;
+    if (!origin)
         return {};
-    return tr("1 file unit = %1 cm").arg(document->unitFactor(), 0, 'g', 6);
+    return tr("1 file unit = %1 cm").arg(origin->unitFactor(), 0, 'g', 6);
 }
 
 QStringList HostFiles::recentFiles() const

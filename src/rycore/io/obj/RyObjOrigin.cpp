@@ -97,15 +97,15 @@ void appendMesh(RyObjFile &file, const RyNode &node, double unit)
 std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit, std::vector<RyRef<RyNode>> *tops,
                                                QString *error, QStringList *messages)
 {
-    auto document = std::make_unique<RyObjOrigin>();
-    document->m_file = RyObjFile::read(path, error);
-    if (!document->m_file)
+    auto origin = std::make_unique<RyObjOrigin>();
+    origin->m_file = RyObjFile::read(path, error);
+    if (!origin->m_file)
         return nullptr;
-    document->m_path = path;
-    const double stated = document->m_file->statedUnit;
-    document->m_unit = unit > 0.0 ? unit : stated > 0.0 ? stated : ryUnitFactor(1.0, heightOf(*document->m_file));
+    origin->m_path = path;
+    const double stated = origin->m_file->statedUnit;
+    origin->m_unit = unit > 0.0 ? unit : stated > 0.0 ? stated : ryUnitFactor(1.0, heightOf(*origin->m_file));
     int fans = 0;
-    auto *mesh = makeMesh(*document->m_file, document->m_unit, &fans);
+    auto *mesh = makeMesh(*origin->m_file, origin->m_unit, &fans);
     auto *shape = new RyFacetShape(mesh);
     auto *object = new RyObject;
     object->addShape(shape);
@@ -116,20 +116,20 @@ std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
     const RyBox3 box = mesh->getBoundingBox();
     prop->setOrigin({box.getCenter().x, box.getMin().y, box.getCenter().z}, true);
     prop->setEndPoint({box.getCenter().x, box.getMax().y, box.getCenter().z}, true);
-    document->m_node = prop;
-    document->m_loadedPositions = mesh->getPositions();
+    origin->m_node = prop;
+    origin->m_loadedPositions = mesh->getPositions();
     tops->emplace_back(prop);
     if (messages) {
-        messages->append(document->m_file->warnings);
+        messages->append(origin->m_file->warnings);
         if (fans > 0)
             messages->append(QStringLiteral("%1 polygons of more than four corners are shown as triangles").arg(fans));
     }
-    return document;
+    return origin;
 }
 
 bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error, QStringList *messages)
 {
-    const auto *source = dynamic_cast<const RyObjOrigin *>(scene.getDocument());
+    const auto *source = dynamic_cast<const RyObjOrigin *>(scene.getOrigin());
     const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
     const bool hasBones = std::any_of(nodes.begin(), nodes.end(),
                                       [](const RyNode *node) { return qobject_cast<const RyBone *>(node) != nullptr; });
@@ -154,7 +154,7 @@ bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error
         return file.write(path, error);
     }
     RyObjFile file;
-    const double unit = scene.getDocument() ? scene.getDocument()->unitFactor() : 1.0;
+    const double unit = scene.getOrigin() ? scene.getOrigin()->unitFactor() : 1.0;
     for (const RyNode *node : nodes)
         appendMesh(file, *node, unit);
     if (file.positions.empty()) {

@@ -121,14 +121,14 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
     return true;
 }
 
-void RyFigureExtras::applySelectionMap(const RyGltfOrigin &scene, int figure, RyNode &skeletonNode)
+void RyFigureExtras::applySelectionMap(const RyGltfOrigin &origin, int figure, RyNode &skeletonNode)
 {
     auto *skeleton = qobject_cast<RySkeleton *>(&skeletonNode);
     const RyFacetMesh *mesh = meshOf(skeletonNode);
     if (!skeleton || !mesh)
         return;
     RyRef<RySelectionMap> map(new RySelectionMap);
-    const Json *stored = figureJson(*scene.document, figure);
+    const Json *stored = figureJson(*origin.document, figure);
     const Json *pairs = stored ? find(*stored, "selectionMap") : nullptr;
     if (pairs && pairs->is_array()) {
         for (const Json &pair : *pairs) {
@@ -136,7 +136,7 @@ void RyFigureExtras::applySelectionMap(const RyGltfOrigin &scene, int figure, Ry
                 continue;
             const int node = pair[1].get<int>();
             RyNode *target = nullptr;
-            for (const RyGltfNodeSource &source : scene.nodes) {
+            for (const RyGltfNodeSource &source : origin.nodes) {
                 if (source.node == node)
                     target = source.sceneNode;
             }

@@ -22,7 +22,7 @@ int findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int
 double storedUnit(const RyGltfDocument &document);
 /// Face groups of a figure; false when none fit.
 bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
-void applySelectionMap(const RyGltfOrigin &scene, int figure, RyNode &skeleton);
+void applySelectionMap(const RyGltfOrigin &origin, int figure, RyNode &skeleton);
 /// Name of a figure as it was saved; empty when none is stored.
 QString storedFigureName(const RyGltfDocument &document, int figure);
 /// Label, flags and, `withPlace`, place and limits of a figure.

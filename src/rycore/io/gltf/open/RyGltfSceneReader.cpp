@@ -25,11 +25,6 @@
 
 namespace {
 
-RyAffine scaleBy(double factor)
-{
-    return RyAffine::fromScale(factor, factor, factor);
-}
-
 RyAffine linearPart(RyAffine map)
 {
     map.m[3][0] = map.m[3][1] = map.m[3][2] = 0.0;
@@ -49,11 +44,11 @@ float heightOf(const std::vector<RyVec3> &positions)
 } // namespace
 
 RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
-    : m_scene(std::make_unique<RyGltfOrigin>())
+    : m_origin(std::make_unique<RyGltfOrigin>())
 {
-    m_scene->document = std::move(document);
-    m_scene->filePath = path;
-    m_scene->unit = unit;
+    m_origin->document = std::move(document);
+    m_origin->filePath = path;
+    m_origin->unit = unit;
 }
 
 RyGltfSceneReader::~RyGltfSceneReader() = default;
@@ -67,50 +62,51 @@ void RyGltfSceneReader::say(const QString &message)
 void RyGltfSceneReader::build(QStringList *messages)
 {
     m_messages = messages;
-    const RyGltfModel &model = m_scene->document->model();
-    m_scene->unitWasChosen = m_scene->unit > 0.0;
+    const RyGltfModel &model = m_origin->document->model();
+    m_origin->unitWasChosen = m_origin->unit > 0.0;
     m_preOrder = ryGltfPreOrder(model);
     m_worldMaps = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
     leaveOutRemoved();
     std::vector<bool> isLeftOut;
     for (size_t skin = 0; skin < model.skins.size(); ++skin)
-        isLeftOut.push_back(RyTreeExtras::isRemoved(*m_scene->document, "skins", int(skin)));
+        isLeftOut.push_back(RyTreeExtras::isRemoved(*m_origin->document, "skins", int(skin)));
     const auto restOf = [this](int node, const RyAffine &posed) {
-        const double unit = RyFigureExtras::storedUnit(*m_scene->document);
-        return unit > 0.0 ? RyRiggingExtras::restOf(*m_scene->document, node, unit, posed * scaleBy(unit)) *
-                                scaleBy(1.0 / unit)
-                          : posed;
+        const double unit = RyFigureExtras::storedUnit(*m_origin->document);
+        return unit > 0.0
+                   ? RyRiggingExtras::restOf(*m_origin->document, node, unit, posed * RyAffine::fromScale(unit)) *
+                         RyAffine::fromScale(1.0 / unit)
+                   : posed;
     };
     for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, isLeftOut)) {
         Figure figure;
-        figure.rest = ryGltfFindRest(*m_scene->document, set, m_worldMaps, restOf);
+        figure.rest = ryGltfFindRest(*m_origin->document, set, m_worldMaps, restOf);
         figure.joints = std::move(set);
         m_figures.push_back(std::move(figure));
     }
-    if (!(m_scene->unit > 0.0))
-        m_scene->unit = RyFigureExtras::storedUnit(*m_scene->document);
-    if (!(m_scene->unit > 0.0))
-        m_scene->unit = findUnit();
+    if (!(m_origin->unit > 0.0))
+        m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
+    if (!(m_origin->unit > 0.0))
+        m_origin->unit = findUnit();
     for (Figure &figure : m_figures)
         buildFigure(figure);
     for (Figure &figure : m_figures)
-        m_scene->figures.push_back(std::move(figure.source));
+        m_origin->figures.push_back(std::move(figure.source));
     buildProps();
     for (const RyRef<RyNode> &top : m_tops)
-        m_scene->tops.emplace_back(top.get());
-    m_scene->recordTree();
+        m_origin->tops.emplace_back(top.get());
+    m_origin->recordTree();
 }
 
 void RyGltfSceneReader::leaveOutRemoved()
 {
     // What a save removed from the scene hangs nowhere and keeps its place in the file's lists.
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     std::vector<bool> isRemoved(model.nodes.size(), false);
     for (const int node : m_preOrder) {
         const int parent = model.nodes[size_t(node)].parent;
         isRemoved[size_t(node)] =
-            parent >= 0 ? isRemoved[size_t(parent)] : RyTreeExtras::isRemoved(*m_scene->document, "nodes", node);
+            parent >= 0 ? isRemoved[size_t(parent)] : RyTreeExtras::isRemoved(*m_origin->document, "nodes", node);
     }
     // Half a skin makes no figure: where joints stand elsewhere too, the mark is wrong.
     std::vector<int> topOf(model.nodes.size(), -1);
@@ -139,7 +135,7 @@ void RyGltfSceneReader::leaveOutRemoved()
 
 double RyGltfSceneReader::findUnit() const
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     double largest = 0.0;
     for (const Figure &figure : m_figures) {
         double low[3] = {1e300, 1e300, 1e300};
@@ -154,7 +150,7 @@ double RyGltfSceneReader::findUnit() const
             for (const RyGltfPrimitive &primitive : model.meshes[size_t(node.mesh)].primitives) {
                 if (primitive.positions < 0)
                     continue;
-                const std::vector<float> values = m_scene->document->readFloats(primitive.positions);
+                const std::vector<float> values = m_origin->document->readFloats(primitive.positions);
                 const size_t step = 3 * (1 + values.size() / 300000); // a sample is enough for a height
                 for (size_t i = 0; i + 2 < values.size(); i += step) {
                     const double from[3] = {values[i], values[i + 1], values[i + 2]};
@@ -178,16 +174,16 @@ double RyGltfSceneReader::findUnit() const
 
 void RyGltfSceneReader::buildFigure(Figure &figure)
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     if (figure.rest.rebound) {
         say(QStringLiteral("%1: the rest of these joints is taken from their nodes, and the mesh was brought there")
                 .arg(figure.rest.reason));
     }
-    figure.entry = RyFigureExtras::findEntry(*m_scene->document, figure.joints.bones, int(&figure - m_figures.data()));
+    figure.entry = RyFigureExtras::findEntry(*m_origin->document, figure.joints.bones, int(&figure - m_figures.data()));
     figure.figure = new RyFigure;
     figure.figure->setName(uniqueName(figureName(figure), m_topNames));
     figure.source.sceneNode = figure.figure;
-    RyFigureExtras::applyToFigure(*m_scene->document, figure.entry, m_scene->unit, figure.rest.isStored,
+    RyFigureExtras::applyToFigure(*m_origin->document, figure.entry, m_origin->unit, figure.rest.isStored,
                                   *figure.figure);
     m_tops.emplace_back(figure.figure);
 
@@ -213,9 +209,9 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
 
 void RyGltfSceneReader::placeBones(Figure &figure)
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     const size_t count = figure.bones.size();
-    const double unit = m_scene->unit;
+    const double unit = m_origin->unit;
     float height = heightOf(figure.mesh->positions);
 
     std::vector<RyEndPointBone> bones(count);
@@ -227,8 +223,8 @@ void RyGltfSceneReader::placeBones(Figure &figure)
         source.sceneNode = figure.bones[i];
         source.isBone = true;
         source.figure = int(&figure - m_figures.data());
-        source.bind = figure.rest.bind[i] * scaleBy(unit);
-        source.localPose = scaleBy(1.0 / unit) * figure.rest.localPose[i] * scaleBy(unit);
+        source.bind = figure.rest.bind[i] * RyAffine::fromScale(unit);
+        source.localPose = RyAffine::fromScale(1.0 / unit) * figure.rest.localPose[i] * RyAffine::fromScale(unit);
         if (figure.joints.parents[i] < 0)
             source.localPose = source.localPose * figure.figure->worldMap().inverse();
         bones[i].parent = figure.joints.parents[i];
@@ -273,21 +269,21 @@ void RyGltfSceneReader::placeBones(Figure &figure)
                 first = axis;
         }
         bone->setRotationOrder(RyRotationOrder::fromAxes(first, (first + 1) % 3, (first + 2) % 3));
-        RyRiggingExtras::applyToNode(*m_scene->document, sources[i].node, unit, 1e-4f * height, sources[i].bind, *bone,
+        RyRiggingExtras::applyToNode(*m_origin->document, sources[i].node, unit, 1e-4f * height, sources[i].bind, *bone,
                                      m_messages);
         sources[i].stretch = linearPart(sources[i].bind) * RyAffine::fromRotation(bone->getOrientation().inverse());
         setPose(sources[i], height);
-        RyRiggingExtras::applyLimits(*m_scene->document, sources[i].node, unit, *bone);
+        RyRiggingExtras::applyLimits(*m_origin->document, sources[i].node, unit, *bone);
         sources[i].loaded = RyNodeValues::of(*bone);
         sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
     }
-    std::move(sources.begin(), sources.end(), std::back_inserter(m_scene->nodes));
+    std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
 }
 
 void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
 {
     RyNode *node = source.sceneNode;
-    if (RyRiggingExtras::applyPose(*m_scene->document, source.node, m_scene->unit, source.localPose, 1e-4f * height,
+    if (RyRiggingExtras::applyPose(*m_origin->document, source.node, m_origin->unit, source.localPose, 1e-4f * height,
                                    *node))
         return;
     const RyVec3 origin = node->getOrigin();
@@ -344,10 +340,10 @@ void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
 
 QString RyGltfSceneReader::figureName(const Figure &figure) const
 {
-    const QString stored = RyFigureExtras::storedFigureName(*m_scene->document, figure.entry);
+    const QString stored = RyFigureExtras::storedFigureName(*m_origin->document, figure.entry);
     if (!stored.isEmpty())
         return stored;
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     const int above = model.nodes[size_t(figure.joints.bones.front())].parent;
     if (above >= 0 && !model.nodes[size_t(above)].name.isEmpty())
         return model.nodes[size_t(above)].name;
@@ -355,13 +351,13 @@ QString RyGltfSceneReader::figureName(const Figure &figure) const
         if (!model.skins[size_t(skin)].name.isEmpty())
             return model.skins[size_t(skin)].name;
     }
-    const QString base = QFileInfo(m_scene->filePath).completeBaseName();
+    const QString base = QFileInfo(m_origin->filePath).completeBaseName();
     return base.isEmpty() ? QStringLiteral("figure") : base;
 }
 
 QString RyGltfSceneReader::partName(int mesh, int primitive) const
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     const RyGltfMesh &each = model.meshes[size_t(mesh)];
     QString name = each.name.isEmpty() ? QStringLiteral("mesh%1").arg(mesh) : each.name;
     const int material = each.primitives[size_t(primitive)].material;
@@ -383,7 +379,7 @@ QString RyGltfSceneReader::uniqueName(const QString &wanted, QSet<QString> &take
 
 void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     for (size_t i = m_looks.size(); i < model.materials.size(); ++i) { // once; pictures are shared
         const RyGltfMaterial &material = model.materials[i];
         RyMaterialLook look;
@@ -391,7 +387,7 @@ void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
         look.baseColor = material.baseColor;
         look.doubleSided = material.doubleSided;
         if (material.baseColorTexture >= 0)
-            look.texture = QImage::fromData(m_scene->document->imageBytes(material.baseColorTexture));
+            look.texture = QImage::fromData(m_origin->document->imageBytes(material.baseColorTexture));
         m_looks.push_back(std::move(look));
     }
     parts.looks = m_looks;

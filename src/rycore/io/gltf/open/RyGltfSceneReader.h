@@ -27,7 +27,7 @@ public:
     void build(QStringList *messages);
     /// Top-level nodes, not yet in a scene.
     const std::vector<RyRef<RyNode>> &topLevelNodes() const { return m_tops; }
-    std::unique_ptr<RyGltfOrigin> takeDocument() { return std::move(m_scene); }
+    std::unique_ptr<RyGltfOrigin> takeOrigin() { return std::move(m_origin); }
 
 private:
     struct Figure
@@ -61,7 +61,7 @@ private:
     QString uniqueName(const QString &wanted, QSet<QString> &taken) const;
     void say(const QString &message);
 
-    std::unique_ptr<RyGltfOrigin> m_scene;
+    std::unique_ptr<RyGltfOrigin> m_origin;
     std::vector<int> m_preOrder;
     std::vector<RyAffine> m_worldMaps; // file units
     std::vector<Figure> m_figures;

@@ -17,19 +17,10 @@
 
 // Meshes of figures and what binds them to the bones.
 
-namespace {
-
-RyAffine scaleBy(double factor)
-{
-    return RyAffine::fromScale(factor, factor, factor);
-}
-
-} // namespace
-
 void RyGltfSceneReader::buildMesh(Figure &figure)
 {
-    const RyGltfModel &model = m_scene->document->model();
-    figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_scene->document);
+    const RyGltfModel &model = m_origin->document->model();
+    figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_origin->document);
     std::map<int, int> boneOfNode;
     for (size_t i = 0; i < figure.joints.bones.size(); ++i)
         boneOfNode[figure.joints.bones[i]] = int(i);
@@ -41,7 +32,8 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
         bonesOfJoints.emplace_back();
         for (const int joint : model.skins[size_t(skin)].joints)
             bonesOfJoints.back().push_back(boneOfNode.at(joint));
-        figure.source.skins.push_back({skin, figure.rest.toFigure[s] * scaleBy(m_scene->unit), figure.rest.rebound});
+        figure.source.skins.push_back(
+            {skin, figure.rest.toFigure[s] * RyAffine::fromScale(m_origin->unit), figure.rest.rebound});
     }
     for (const int nodeIndex : m_preOrder) {
         const RyGltfNode &node = model.nodes[size_t(nodeIndex)];
@@ -65,7 +57,7 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
 void RyGltfSceneReader::bringToNodePose(Figure &figure)
 {
     // The file's own skinning, once: mesh space to the node pose. A vertex belongs to the parts of one skin.
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     std::map<int, size_t> skinPlace;
     for (size_t s = 0; s < figure.joints.skins.size(); ++s)
         skinPlace[figure.joints.skins[s]] = s;
@@ -86,7 +78,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
         for (size_t j = 0; j < skin.joints.size(); ++j) {
             matrices[s][size_t(boneOfNode.at(skin.joints[j]))] = meshUnit * figure.rest.inverseBinds[s][j] *
                                                                  m_worldMaps[size_t(skin.joints[j])] *
-                                                                 scaleBy(m_scene->unit);
+                                                                 RyAffine::fromScale(m_origin->unit);
         }
     }
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
@@ -123,7 +115,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     auto *object = new RyObject;
     object->setName(figure.figure->getName());
     object->addShape(shape);
-    if (!RyFigureExtras::applyFaceGroups(*m_scene->document, figure.entry, *mesh, m_messages))
+    if (!RyFigureExtras::applyFaceGroups(*m_origin->document, figure.entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
 
     object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
@@ -132,7 +124,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     figure.source.meshParts = parts;
     figure.source.vertexCount = vertexCount;
     figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
-    RyFigureExtras::applySelectionMap(*m_scene, figure.entry, *figure.figure);
+    RyFigureExtras::applySelectionMap(*m_origin, figure.entry, *figure.figure);
     figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
     figure.mesh.reset();
 }
@@ -140,7 +132,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
 RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
                                             std::vector<RyGltfMeshBuilder::BoneWeights> weights) const
 {
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     std::vector<bool> isJoint(figure.bones.size(), false);
     std::map<int, size_t> boneOfNode;
     for (size_t i = 0; i < figure.joints.bones.size(); ++i)
@@ -151,7 +143,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     }
     bool isStored = false;
     std::vector<size_t> order; // of the bones that get a binding
-    for (const int node : RyFigureExtras::storedBindings(*m_scene->document, figure.entry, &isStored)) {
+    for (const int node : RyFigureExtras::storedBindings(*m_origin->document, figure.entry, &isStored)) {
         const auto bone = boneOfNode.find(node);
         if (bone != boneOfNode.end() && std::find(order.begin(), order.end(), bone->second) == order.end())
             order.push_back(bone->second);
@@ -162,7 +154,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
             order.push_back(i);
     }
     auto *skin = new RySkinBinding;
-    const bool hasMaps = RyFigureExtras::hasMaps(*m_scene->document, figure.entry);
+    const bool hasMaps = RyFigureExtras::hasMaps(*m_origin->document, figure.entry);
     RyMapExtras::Fingerprint fingerprint;
     std::map<const RyNode *, int> nodeOf;
     for (const size_t i : order) {
@@ -179,7 +171,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
             {figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
     }
     if (hasMaps) {
-        RyFigureExtras::applyMaps(*m_scene->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin,
+        RyFigureExtras::applyMaps(*m_origin->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin,
                                   m_messages);
         for (size_t i = 0; i < skin->bindings().size(); ++i) {
             // Where only local maps are left, the mean of them is what counts as read.

@@ -17,7 +17,7 @@
 int RyGltfSceneReader::placeBelow(const RyNode &above, int node) const
 {
     // Children stand in the order of the file, bones and props alike.
-    const RyGltfModel &model = m_scene->document->model();
+    const RyGltfModel &model = m_origin->document->model();
     int place = 0;
     for (const int sibling : model.nodes[size_t(model.nodes[size_t(node)].parent)].children) {
         if (sibling == node)
@@ -32,10 +32,10 @@ void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
 {
     RyAffine stored;
     const RyAffine posed =
-        RyRiggingExtras::findStoredPose(*m_scene->document, source.node, m_scene->unit, stored) ? stored : RyAffine();
+        RyRiggingExtras::findStoredPose(*m_origin->document, source.node, m_origin->unit, stored) ? stored : RyAffine();
     const RyNode *above = source.sceneNode->getNodeParent();
-    const double unit = m_scene->unit;
-    const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit, unit, unit);
+    const double unit = m_origin->unit;
+    const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit);
     const RyAffine said = source.bind * posed * (above ? above->worldMap() : RyAffine());
     double size = 0.0;
     double difference = 0.0;
@@ -46,7 +46,7 @@ void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
         }
     }
     if (difference > 1e-4 * size ||
-        !RyRiggingExtras::applyPose(*m_scene->document, source.node, unit, posed, 1e-3f, *source.sceneNode)) {
+        !RyRiggingExtras::applyPose(*m_origin->document, source.node, unit, posed, 1e-3f, *source.sceneNode)) {
         return;
     }
     source.localPose = source.sceneNode->getLocalMap();
@@ -54,12 +54,12 @@ void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
 
 void RyGltfSceneReader::buildProps()
 {
-    const RyGltfModel &model = m_scene->document->model();
-    const RyAffine unit = RyAffine::fromScale(m_scene->unit, m_scene->unit, m_scene->unit);
+    const RyGltfModel &model = m_origin->document->model();
+    const RyAffine unit = RyAffine::fromScale(m_origin->unit);
     // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
     // A mesh whose skin lost its bones is shown as it lay in its figure.
     std::set<int> shownSkins;
-    for (const RyGltfFigureSource &figure : m_scene->figures) {
+    for (const RyGltfFigureSource &figure : m_origin->figures) {
         for (const RyGltfSkinSource &skin : figure.skins)
             shownSkins.insert(skin.skin);
     }
@@ -86,8 +86,8 @@ void RyGltfSceneReader::buildProps()
         source.node = index;
         RyAffine map = m_worldMaps[size_t(index)];
         if (node.mesh >= 0 && node.skin >= 0)
-            RyTreeExtras::findToFigure(*m_scene->document, node.skin, map);
-        source.bind = RyRiggingExtras::restOf(*m_scene->document, index, m_scene->unit, map * unit * unposed);
+            RyTreeExtras::findToFigure(*m_origin->document, node.skin, map);
+        source.bind = RyRiggingExtras::restOf(*m_origin->document, index, m_origin->unit, map * unit * unposed);
 
         auto *prop = new RyNode;
         prop->setName(
@@ -106,7 +106,7 @@ void RyGltfSceneReader::buildProps()
 
         RyVec3 end = prop->getOrigin();
         if (node.mesh >= 0) {
-            RyGltfMeshBuilder builder(*m_scene->document);
+            RyGltfMeshBuilder builder(*m_origin->document);
             RyGltfFigureSource figure;
             figure.sceneNode = prop;
             const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
@@ -119,8 +119,8 @@ void RyGltfSceneReader::buildProps()
             mesh->setFacets(std::move(builder.facets));
             auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
             fillLooks(*parts);
-            const int entry = RyFigureExtras::findEntry(*m_scene->document, {index}, int(m_scene->figures.size()));
-            if (!RyFigureExtras::applyFaceGroups(*m_scene->document, entry, *mesh, m_messages))
+            const int entry = RyFigureExtras::findEntry(*m_origin->document, {index}, int(m_origin->figures.size()));
+            if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
                 addPartGroups(*mesh, *parts);
             auto *shape = new RyFacetShape(mesh);
             shape->setParts(parts);
@@ -133,17 +133,17 @@ void RyGltfSceneReader::buildProps()
             figure.meshParts = parts;
             figure.vertexCount = mesh->getNumVertices();
             figure.groupsText = RyFigureExtras::groupsText(*mesh);
-            m_scene->figures.push_back(std::move(figure));
+            m_origin->figures.push_back(std::move(figure));
         }
         prop->setEndPoint(end, true);
         // Far from the origin, and below turned bones, single precision says less.
         const float size = std::max({1.0f, (end - prop->getOrigin()).length(), 0.1f * prop->getOrigin().length()});
-        RyRiggingExtras::applyToNode(*m_scene->document, index, m_scene->unit, 1e-4f * size, source.bind, *prop,
+        RyRiggingExtras::applyToNode(*m_origin->document, index, m_origin->unit, 1e-4f * size, source.bind, *prop,
                                      m_messages);
         setPropPose(source);
-        RyRiggingExtras::applyLimits(*m_scene->document, index, m_scene->unit, *prop);
+        RyRiggingExtras::applyLimits(*m_origin->document, index, m_origin->unit, *prop);
         source.loaded = RyNodeValues::of(*prop);
         source.riggingText = RyRiggingExtras::nodeText(*prop);
-        m_scene->nodes.push_back(std::move(source));
+        m_origin->nodes.push_back(std::move(source));
     }
 }

@@ -21,11 +21,6 @@
 
 namespace {
 
-RyAffine scaleBy(double factor)
-{
-    return RyAffine::fromScale(factor, factor, factor);
-}
-
 const RyFacetMesh *meshOf(const RyNode &node)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
@@ -52,24 +47,25 @@ RyAffine frameOf(const RyGltfOrigin &source, const RyGltfPartSource &part)
         if (node.node == part.node)
             return node.bind;
     }
-    return scaleBy(source.unit);
+    return RyAffine::fromScale(source.unit);
 }
 
 /// The bone's frame: joint space in file units to figure space in centimetres.
 RyAffine bindOf(const RyNode &node, double unit)
 {
-    return scaleBy(unit) * RyAffine::fromRotation(node.getOrientation()) * RyAffine::fromTranslation(node.getOrigin());
+    return RyAffine::fromScale(unit) * RyAffine::fromRotation(node.getOrientation()) *
+           RyAffine::fromTranslation(node.getOrigin());
 }
 
 } // namespace
 
-std::unique_ptr<RyGltfDocument> RyGltfNewNodes::exportScene(const RyScene &scene, double unit)
+std::unique_ptr<RyGltfDocument> RyGltfNewNodes::writeScene(const RyScene &scene, double unit)
 {
     std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
-    RyGltfNewNodes exporter(*document, unit);
+    RyGltfNewNodes newNodes(*document, unit);
     for (const RyNode *top : scene.getTopLevelNodes())
-        exporter.addTree(*top);
-    exporter.storeExtras();
+        newNodes.addTree(*top);
+    newNodes.storeExtras();
     return document;
 }
 
@@ -80,16 +76,16 @@ void RyGltfNewNodes::addTree(const RyNode &top)
     const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
     if (skeleton && !bonesOf(*skeleton).empty()) {
         // The figure node carries the figure's own transform, its joints stand in figure space.
-        const RyAffine own = scaleBy(m_unit) * top.worldMap() * scaleBy(1.0 / m_unit);
+        const RyAffine own = RyAffine::fromScale(m_unit) * top.worldMap() * RyAffine::fromScale(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
         m_nodeOf[&top] = node;
         for (const RyNode *child : top.nodeChildrenIterator()) {
             if (!isKept(*child))
-                addNode(*child, node, scaleBy(m_unit));
+                addNode(*child, node, RyAffine::fromScale(m_unit));
         }
         addSkinnedMesh(top);
     } else {
-        addNode(top, -1, scaleBy(m_unit));
+        addNode(top, -1, RyAffine::fromScale(m_unit));
     }
 }
 
@@ -203,7 +199,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
     std::map<const RyNode *, int> jointOf;
     std::vector<float> inverseBinds;
     const RyGltfFigureSource *known = knownMesh(skeletonNode);
-    const RyAffine toFigure = known ? frameOf(*m_source, known->parts.front()) : scaleBy(m_unit);
+    const RyAffine toFigure = known ? frameOf(*m_source, known->parts.front()) : RyAffine::fromScale(m_unit);
     for (const RyBone *bone : bones) {
         jointOf[bone] = int(joints.size());
         joints.push_back(m_nodeOf.at(bone));
@@ -212,7 +208,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
     }
     const int skin =
         m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
-    RyTreeExtras::storeToFigure(m_document, skin, toFigure * scaleBy(1.0 / m_unit));
+    RyTreeExtras::storeToFigure(m_document, skin, toFigure * RyAffine::fromScale(1.0 / m_unit));
     const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
     if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
         return;
@@ -225,7 +221,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
         return;
     }
     int normals = -1;
-    const int positions = addPositions(*mesh, scaleBy(1.0 / m_unit), &normals);
+    const int positions = addPositions(*mesh, RyAffine::fromScale(1.0 / m_unit), &normals);
     std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
     const RyGltfInfluences influences(binding, mesh->getNumVertices());
     RyGltfInfluenceWriter::Part part;

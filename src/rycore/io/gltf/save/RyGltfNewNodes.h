@@ -37,7 +37,7 @@ public:
     /// Figures with their skins first, then props: the order in which they will be read.
     std::vector<const RyNode *> figures() const;
 
-    static std::unique_ptr<RyGltfDocument> exportScene(const RyScene &scene, double unit);
+    static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, double unit);
 
 private:
     /// Figures of the source stay where the file has them, whatever they hang on now.

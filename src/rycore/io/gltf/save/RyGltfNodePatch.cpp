@@ -5,15 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-RyAffine scaleBy(double factor)
-{
-    return RyAffine::fromScale(factor, factor, factor);
-}
-
-} // namespace
-
 RyGltfTransform ryGltfTransformOf(const RyAffine &local, bool asMatrix, bool *exact)
 {
     RyGltfTransform transform;
@@ -77,7 +68,7 @@ void RyGltfNodePatch::compare()
     for (auto &[index, edit] : m_patch.edits) {
         const RyNode &node = *edit.node;
         if (!edit.source) {
-            edit.bind = scaleBy(m_patch.source.unit) * RyAffine::fromRotation(node.getOrientation()) *
+            edit.bind = RyAffine::fromScale(m_patch.source.unit) * RyAffine::fromRotation(node.getOrientation()) *
                         RyAffine::fromTranslation(node.getOrigin());
             continue;
         }
@@ -150,7 +141,8 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
         return;
     RyAffine toParent;
     if (parentWorld.invert(toParent))
-        setLocal(index, edit.bind * localPoseNow(edit) * own * scaleBy(1.0 / m_patch.source.unit) * toParent);
+        setLocal(index,
+                 edit.bind * localPoseNow(edit) * own * RyAffine::fromScale(1.0 / m_patch.source.unit) * toParent);
     else
         keepSingular(node);
 }

@@ -78,13 +78,13 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
         return nullptr;
     }
     // Nodes that the file does not know: merged files, new props and figures.
-    RyGltfNewNodes exporter(*document, m_source.unit, &m_source);
+    RyGltfNewNodes newNodes(*document, m_source.unit, &m_source);
     for (const RyNode *top : newTops(scene))
-        exporter.addTree(*top);
-    exporter.storeNodes();
-    patch.indexOf.insert(exporter.nodes().begin(), exporter.nodes().end());
-    patch.joints.insert(exporter.joints().begin(), exporter.joints().end());
-    storeExtras(patch, exporter.figures());
+        newNodes.addTree(*top);
+    newNodes.storeNodes();
+    patch.indexOf.insert(newNodes.nodes().begin(), newNodes.nodes().end());
+    patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
+    storeExtras(patch, newNodes.figures());
     reportNewMeshes(patch);
     nodes.reportClips();
     return document;

@@ -285,7 +285,7 @@ void RyGltfSkinPatch::addNeededJoints(Figure &figure) const
 RyAffine RyGltfSkinPatch::toFigure(const Figure &figure, const Skin &skin) const
 {
     const double unit = m_patch.source.unit;
-    return figure.isRebuilt || skin.source->rebound ? RyAffine::fromScale(unit, unit, unit) : skin.source->toFigure;
+    return figure.isRebuilt || skin.source->rebound ? RyAffine::fromScale(unit) : skin.source->toFigure;
 }
 
 bool RyGltfSkinPatch::standsAbove(int node, const std::vector<int> &joints) const
@@ -306,7 +306,7 @@ void RyGltfSkinPatch::writeJoints(const Figure &figure)
         const int index = skin.source->skin;
         const RyGltfSkin &before = model.skins[size_t(index)];
         if (!skin.source->rebound || figure.isRebuilt)
-            m_patch.toFigure[index] = toFigure(figure, skin) * RyAffine::fromScale(1.0 / unit, 1.0 / unit, 1.0 / unit);
+            m_patch.toFigure[index] = toFigure(figure, skin) * RyAffine::fromScale(1.0 / unit);
         if (skin.joints.empty()) {
             m_patch.say(QStringLiteral("\"%1\" has no bones left; its skin in the file keeps the old joints")
                             .arg(figure.source->sceneNode->getName()));
