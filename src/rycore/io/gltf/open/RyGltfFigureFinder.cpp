@@ -24,76 +24,142 @@ private:
     std::vector<int> m_above;
 };
 
+/// Finds the connected sets of one file: joints are united along their skins and along what stands between them, then
+/// the sets are listed in the order of the file.
+class Finder
+{
+public:
+    Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const std::vector<bool> &isLeftOut);
+    std::vector<RyGltfJointSet> find();
+
+private:
+    void leaveOut(const std::vector<bool> &isLeftOut);
+    void uniteSkins();
+    void uniteWithJointsAbove();
+    void boneAllBetween(int joint, int above);
+    void listBones();
+    void listSkins();
+
+    const RyGltfModel &m_model;
+    const std::vector<int> &m_preOrder;
+    std::vector<bool> m_isLeftOut; // per skin
+    // Per node of the file.
+    DisjointSets m_united;
+    std::vector<bool> m_isJoint;
+    std::vector<bool> m_isBone;
+    std::vector<int> m_placeInSet;
+    std::map<int, size_t> m_setOfRoot; // by what stands for a united set
+    std::vector<RyGltfJointSet> m_result;
+};
+
+Finder::Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const std::vector<bool> &isLeftOut)
+    : m_model(model), m_preOrder(preOrder), m_united(model.nodes.size()), m_isJoint(model.nodes.size(), false),
+      m_isBone(model.nodes.size(), false), m_placeInSet(model.nodes.size(), -1)
+{
+    leaveOut(isLeftOut);
+}
+
+std::vector<RyGltfJointSet> Finder::find()
+{
+    uniteSkins();
+    uniteWithJointsAbove();
+    listBones();
+    listSkins();
+    return std::move(m_result);
+}
+
+/// A skin none of whose joints is walked is of what was removed: no node would be there for its bones.
+void Finder::leaveOut(const std::vector<bool> &isLeftOut)
+{
+    std::vector<bool> isWalked(m_model.nodes.size(), false);
+    for (const int node : m_preOrder)
+        isWalked[size_t(node)] = true;
+    for (size_t skin = 0; skin < m_model.skins.size(); ++skin) {
+        const std::vector<int> &joints = m_model.skins[skin].joints;
+        m_isLeftOut.push_back(
+            (skin < isLeftOut.size() && isLeftOut[skin]) ||
+            std::none_of(joints.begin(), joints.end(), [&](int joint) { return isWalked[size_t(joint)]; }));
+    }
+}
+
+void Finder::uniteSkins()
+{
+    for (size_t skin = 0; skin < m_model.skins.size(); ++skin) {
+        if (m_isLeftOut[skin])
+            continue;
+        const std::vector<int> &joints = m_model.skins[skin].joints;
+        for (const int joint : joints) {
+            m_isJoint[size_t(joint)] = m_isBone[size_t(joint)] = true;
+            m_united.unite(joint, joints.front());
+        }
+    }
+}
+
+/// Skins whose joints stand above one another move together. One walk down: the nearest joint above a node is its
+/// parent or the parent's nearest.
+void Finder::uniteWithJointsAbove()
+{
+    std::vector<int> jointAbove(m_model.nodes.size(), -1);
+    for (const int node : m_preOrder) {
+        const int parent = m_model.nodes[size_t(node)].parent;
+        if (parent >= 0)
+            jointAbove[size_t(node)] = m_isJoint[size_t(parent)] ? parent : jointAbove[size_t(parent)];
+        if (m_isJoint[size_t(node)] && jointAbove[size_t(node)] >= 0)
+            boneAllBetween(node, jointAbove[size_t(node)]);
+    }
+}
+
+/// A plain node between two joints carries what stands below it, as a bone does.
+void Finder::boneAllBetween(int joint, int above)
+{
+    m_united.unite(joint, above);
+    for (int node = m_model.nodes[size_t(joint)].parent; node >= 0 && !m_isBone[size_t(node)];
+         node = m_model.nodes[size_t(node)].parent) {
+        m_isBone[size_t(node)] = true;
+        m_united.unite(node, joint);
+    }
+}
+
+void Finder::listBones()
+{
+    for (const int node : m_preOrder) {
+        if (!m_isBone[size_t(node)])
+            continue;
+        const auto [entry, isNew] = m_setOfRoot.try_emplace(m_united.find(node), m_result.size());
+        if (isNew)
+            m_result.emplace_back();
+        const int parent = m_model.nodes[size_t(node)].parent;
+        const bool hasBoneAbove = parent >= 0 && m_isBone[size_t(parent)];
+        m_placeInSet[size_t(node)] =
+            m_result[entry->second].addBone(node, hasBoneAbove ? m_placeInSet[size_t(parent)] : -1);
+    }
+}
+
+/// In order of their topmost joint, so that the order does not depend on how the file lists its skins.
+void Finder::listSkins()
+{
+    std::vector<std::pair<int, int>> order; // topmost joint's place, skin
+    for (size_t skin = 0; skin < m_model.skins.size(); ++skin) {
+        if (m_isLeftOut[skin])
+            continue;
+        int top = int(m_model.nodes.size());
+        for (const int joint : m_model.skins[skin].joints) {
+            if (m_placeInSet[size_t(joint)] >= 0)
+                top = std::min(top, m_placeInSet[size_t(joint)]);
+        }
+        order.emplace_back(top, int(skin));
+    }
+    std::sort(order.begin(), order.end());
+    for (const auto &[top, skin] : order) {
+        const int joint = m_model.skins[size_t(skin)].joints.front();
+        m_result[m_setOfRoot.at(m_united.find(joint))].skins.push_back(skin);
+    }
+}
+
 } // namespace
 
 std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
                                                 const std::vector<bool> &isLeftOut)
 {
-    const size_t count = model.nodes.size();
-    std::vector<bool> isWalked(count, false);
-    for (const int node : preOrder)
-        isWalked[size_t(node)] = true;
-    const auto leftOut = [&](size_t skin) {
-        const std::vector<int> &joints = model.skins[skin].joints;
-        return (skin < isLeftOut.size() && isLeftOut[skin]) ||
-               std::none_of(joints.begin(), joints.end(), [&](int joint) { return isWalked[size_t(joint)]; });
-    };
-    std::vector<bool> isJoint(count, false);
-    std::vector<bool> isBone(count, false);
-    DisjointSets sets(count);
-    for (size_t s = 0; s < model.skins.size(); ++s) {
-        const RyGltfSkin &skin = model.skins[s];
-        for (const int joint : leftOut(s) ? std::vector<int>() : skin.joints) {
-            isJoint[size_t(joint)] = isBone[size_t(joint)] = true;
-            sets.unite(joint, skin.joints.front());
-        }
-    }
-    // The nearest joint above each node, in one walk down.
-    std::vector<int> jointAbove(count, -1);
-    for (const int node : preOrder) {
-        const int parent = model.nodes[size_t(node)].parent;
-        if (parent >= 0)
-            jointAbove[size_t(node)] = isJoint[size_t(parent)] ? parent : jointAbove[size_t(parent)];
-        if (!isJoint[size_t(node)] || jointAbove[size_t(node)] < 0)
-            continue;
-        sets.unite(node, jointAbove[size_t(node)]);
-        for (int between = parent; between >= 0 && !isBone[size_t(between)];
-             between = model.nodes[size_t(between)].parent) {
-            isBone[size_t(between)] = true;
-            sets.unite(between, node);
-        }
-    }
-
-    std::vector<RyGltfJointSet> result;
-    std::map<int, size_t> setOfRoot;
-    std::vector<int> placeInSet(count, -1);
-    for (const int node : preOrder) {
-        if (!isBone[size_t(node)])
-            continue;
-        const auto [entry, isNew] = setOfRoot.try_emplace(sets.find(node), result.size());
-        if (isNew)
-            result.emplace_back();
-        RyGltfJointSet &set = result[entry->second];
-        placeInSet[size_t(node)] = int(set.bones.size());
-        set.bones.push_back(node);
-        const int parent = model.nodes[size_t(node)].parent;
-        set.parents.push_back(parent >= 0 && isBone[size_t(parent)] ? placeInSet[size_t(parent)] : -1);
-    }
-    std::vector<std::pair<int, int>> skinOrder; // topmost joint's place, skin
-    for (size_t skin = 0; skin < model.skins.size(); ++skin) {
-        if (leftOut(skin))
-            continue;
-        int top = int(count);
-        for (const int joint : model.skins[skin].joints) {
-            if (placeInSet[size_t(joint)] >= 0)
-                top = std::min(top, placeInSet[size_t(joint)]);
-        }
-        skinOrder.emplace_back(top, int(skin));
-    }
-    std::sort(skinOrder.begin(), skinOrder.end());
-    for (const auto &[top, skin] : skinOrder) {
-        const int joint = model.skins[size_t(skin)].joints.front();
-        result[setOfRoot.at(sets.find(joint))].skins.push_back(skin);
-    }
-    return result;
+    return Finder(model, preOrder, isLeftOut).find();
 }

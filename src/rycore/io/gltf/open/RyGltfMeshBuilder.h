@@ -11,6 +11,7 @@
 #include <vector>
 
 class RyGltfDocument;
+class RyGltfSplitVertices;
 
 /// Turns primitives of a glTF file into one mesh for editing: vertices that the file splits (texture seams, hard edges)
 /// but that agree in position, influences and morphs become one; the way back to every split vertex is kept in the
@@ -44,16 +45,16 @@ public:
     const std::vector<int> &strongestBones() const { return m_strongest; }
 
 private:
-    struct Part;
-    void readAttributes(const RyGltfPrimitive &primitive, Part &part);
-    void weld(Part &part, RyMeshPart &result);
-    void shareNormals(const Part &part, int firstVertex, RyMeshPart &result);
-    void readInfluences(int firstVertex);
-    void readFacets(const RyGltfPrimitive &primitive, int vertexCount, RyMeshPart &result);
+    void beginClass(int weldClass);
+    void growTable(size_t added);
+    void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
+    void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
+    void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);
+    void addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result);
 
     const RyGltfDocument &m_document;
     /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.
-    std::vector<std::unique_ptr<Part>> m_classParts;
+    std::vector<std::unique_ptr<RyGltfSplitVertices>> m_classParts;
     struct Origin
     {
         int part;

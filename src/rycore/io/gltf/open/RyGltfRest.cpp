@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <map>
 
 namespace {
 
@@ -79,123 +77,181 @@ QString whyUnusable(const RyGltfSkin &skin, const std::vector<RyAffine> &inverse
     return {};
 }
 
+QString nameOf(const RyGltfModel &model, int skin)
+{
+    const QString &name = model.skins[size_t(skin)].name;
+    return name.isEmpty() ? QStringLiteral("skin %1").arg(skin) : QStringLiteral("skin \"%1\"").arg(name);
+}
+
+/// Finds the rest of one set of joints. Skins are taken one after the other: the first says where its joints rest, each
+/// later one finds its place by what is known then, and must agree with it.
+class RestFinder
+{
+public:
+    RestFinder(const RyGltfDocument &document, const RyGltfJointSet &set, const std::vector<RyAffine> &nodeToWorld,
+               const RyGltfRestOf &restOf);
+    RyGltfRest find();
+
+private:
+    const RyAffine &nodeToWorld(size_t bone) const { return m_nodeToWorld[size_t(m_set.bones[bone])]; }
+    RyAffine posedToFigure(size_t bone) const;
+    double findReach() const;
+    bool addSkin(size_t place);
+    bool bindJoints(size_t place);
+    RyAffine meshToFigureByAnchor(size_t place);
+    void derive(size_t bone);
+    void fallBackToNodePose();
+    void findLocalPoses();
+
+    const RyGltfDocument &m_document;
+    const RyGltfModel &m_model;
+    const RyGltfJointSet &m_set;
+    const std::vector<RyAffine> &m_nodeToWorld; // per node of the file
+    const RyGltfRestOf &m_restOf;
+    RyGltfRest m_rest;
+    std::vector<bool> m_isKnown; // per bone, whether its bind is final
+    double m_reach = 0.0;        // file units
+};
+
+RestFinder::RestFinder(const RyGltfDocument &document, const RyGltfJointSet &set,
+                       const std::vector<RyAffine> &nodeToWorld, const RyGltfRestOf &restOf)
+    : m_document(document), m_model(document.model()), m_set(set), m_nodeToWorld(nodeToWorld), m_restOf(restOf),
+      m_isKnown(set.bones.size(), false), m_reach(findReach())
+{
+    m_rest.bind.resize(set.bones.size());
+    m_rest.localPose.resize(set.bones.size());
+}
+
+RyGltfRest RestFinder::find()
+{
+    m_rest.isStored = !m_set.skins.empty();
+    for (size_t place = 0; place < m_set.skins.size(); ++place) {
+        if (!addSkin(place)) {
+            fallBackToNodePose();
+            return std::move(m_rest);
+        }
+    }
+    for (size_t bone = 0; bone < m_set.bones.size(); ++bone)
+        derive(bone);
+    findLocalPoses();
+    return std::move(m_rest);
+}
+
+/// From the joint's space, as the file's node stands to its parent, to figure space with the parent at rest.
+RyAffine RestFinder::posedToFigure(size_t bone) const
+{
+    const int parent = m_set.parents[bone];
+    return parent < 0 ? nodeToWorld(bone)
+                      : m_model.nodes[size_t(m_set.bones[bone])].transform.toAffine() * m_rest.bind[size_t(parent)];
+}
+
+/// How far the joints stand apart and from the world's origin: positions of a large figure, or of one that stands far
+/// out, cannot agree to the same length as those of a small one.
+double RestFinder::findReach() const
+{
+    double reach = 0.0;
+    for (size_t bone = 0; bone < m_set.bones.size(); ++bone) {
+        for (int axis = 0; axis < 3; ++axis) {
+            const double place = nodeToWorld(bone).m[3][axis];
+            reach = std::max({reach, std::abs(place - nodeToWorld(0).m[3][axis]), 0.01 * std::abs(place)});
+        }
+    }
+    return reach;
+}
+
+/// False with a reason when the rest cannot be had from the skins.
+bool RestFinder::addSkin(size_t place)
+{
+    const int index = m_set.skins[place];
+    const RyGltfSkin &skin = m_model.skins[size_t(index)];
+    m_rest.inverseBinds.push_back(readInverseBinds(m_document, skin));
+    const QString why = whyUnusable(skin, m_rest.inverseBinds.back());
+    if (!why.isEmpty()) {
+        m_rest.reason = nameOf(m_model, index) + QLatin1Char(' ') + why;
+        return false;
+    }
+    RyAffine meshToFigure;
+    if (!RyTreeExtras::findToFigure(m_document, index, meshToFigure)) {
+        meshToFigure = meshToFigureByAnchor(place);
+        m_rest.isStored = false;
+    }
+    m_rest.toFigure.push_back(meshToFigure);
+    return bindJoints(place);
+}
+
+/// Joints that an earlier skin bound, or that were derived from such, keep their place; this skin must agree.
+bool RestFinder::bindJoints(size_t place)
+{
+    const RyGltfSkin &skin = m_model.skins[size_t(m_set.skins[place])];
+    std::vector<bool> isBoundHere(m_set.bones.size(), false);
+    for (size_t j = 0; j < skin.joints.size(); ++j) {
+        const size_t bone = size_t(m_set.boneOf(skin.joints[j]));
+        const RyAffine bind = m_rest.inverseBinds[place][j].inverse() * m_rest.toFigure[place];
+        if (isBoundHere[bone])
+            continue;
+        if (!m_isKnown[bone]) {
+            m_rest.bind[bone] = bind;
+        } else if (difference(bind, m_rest.bind[bone], m_reach) > 1e-3) {
+            m_rest.reason = QStringLiteral("%1 binds the joint \"%2\" elsewhere than another skin does")
+                                .arg(nameOf(m_model, m_set.skins[place]), m_model.nodes[size_t(skin.joints[j])].name);
+            return false;
+        }
+        m_isKnown[bone] = isBoundHere[bone] = true;
+    }
+    return true;
+}
+
+/// A file says where joints are and how vertices follow them, not where a mesh space lies: the skin is put where one
+/// joint of it stands, the topmost whose bind is known, otherwise the topmost of all.
+RyAffine RestFinder::meshToFigureByAnchor(size_t place)
+{
+    const std::vector<int> bones = m_set.bonesOf(m_model.skins[size_t(m_set.skins[place])]);
+    const auto isBefore = [this](int a, int b) {
+        return std::make_pair(!m_isKnown[size_t(a)], a) < std::make_pair(!m_isKnown[size_t(b)], b);
+    };
+    const auto anchor = std::min_element(bones.begin(), bones.end(), isBefore);
+    derive(size_t(*anchor));
+    return m_rest.inverseBinds[place][size_t(anchor - bones.begin())] * m_rest.bind[size_t(*anchor)];
+}
+
+/// Bind of a bone that no skin binds, and of those above it: as the file's node stands to its parent.
+void RestFinder::derive(size_t bone)
+{
+    std::vector<size_t> chain;
+    for (int at = int(bone); at >= 0 && !m_isKnown[size_t(at)]; at = m_set.parents[size_t(at)])
+        chain.push_back(size_t(at));
+    for (; !chain.empty(); chain.pop_back()) {
+        const size_t next = chain.back();
+        m_rest.bind[next] = posedToFigure(next);
+        if (m_restOf)
+            m_rest.bind[next] = m_restOf(m_set.bones[next], m_rest.bind[next]);
+        m_isKnown[next] = true;
+    }
+}
+
+/// Without usable matrices the nodes are all that the file says: they become the rest, unposed.
+void RestFinder::fallBackToNodePose()
+{
+    m_rest.rebound = true;
+    m_rest.isStored = false;
+    m_rest.inverseBinds.clear();
+    for (const int skin : m_set.skins)
+        m_rest.inverseBinds.push_back(readInverseBinds(m_document, m_model.skins[size_t(skin)]));
+    m_rest.toFigure.assign(m_set.skins.size(), RyAffine());
+    for (size_t bone = 0; bone < m_set.bones.size(); ++bone)
+        m_rest.bind[bone] = nodeToWorld(bone);
+}
+
+void RestFinder::findLocalPoses()
+{
+    for (size_t bone = 0; bone < m_set.bones.size(); ++bone)
+        m_rest.localPose[bone] = m_rest.bind[bone].inverse() * posedToFigure(bone);
+}
+
 } // namespace
 
 RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set,
-                          const std::vector<RyAffine> &worldMaps, const RyGltfRestOf &restOf)
+                          const std::vector<RyAffine> &nodeToWorld, const RyGltfRestOf &restOf)
 {
-    const RyGltfModel &model = document.model();
-    const size_t boneCount = set.bones.size();
-    RyGltfRest rest;
-    std::map<int, int> boneOfNode;
-    for (size_t i = 0; i < boneCount; ++i)
-        boneOfNode[set.bones[i]] = int(i);
-
-    rest.bind.resize(boneCount);
-    rest.localPose.resize(boneCount);
-    std::vector<bool> known(boneCount, false);
-    double reach = 0.0; // how far the joints stand apart and from the world's origin, by which positions are compared
-    for (size_t i = 0; i < boneCount; ++i) {
-        for (int axis = 0; axis < 3; ++axis) {
-            const double place = worldMaps[size_t(set.bones[i])].m[3][axis];
-            reach =
-                std::max({reach, std::abs(place - worldMaps[size_t(set.bones[0])].m[3][axis]), 0.01 * std::abs(place)});
-        }
-    }
-
-    const auto localOf = [&](size_t bone) { return model.nodes[size_t(set.bones[bone])].transform.toAffine(); };
-    // Bind of a bone that no skin binds: as the file's node stands to its parent.
-    const auto derive = [&](size_t bone) {
-        std::vector<size_t> chain;
-        int at = int(bone);
-        for (; at >= 0 && !known[size_t(at)]; at = set.parents[size_t(at)])
-            chain.push_back(size_t(at));
-        for (; !chain.empty(); chain.pop_back()) {
-            const size_t next = chain.back();
-            const int parent = set.parents[next];
-            rest.bind[next] =
-                parent < 0 ? worldMaps[size_t(set.bones[next])] : localOf(next) * rest.bind[size_t(parent)];
-            if (restOf)
-                rest.bind[next] = restOf(set.bones[next], rest.bind[next]);
-            known[next] = true;
-        }
-    };
-
-    const auto byAnchor = [&](size_t s) {
-        // The joint by which the skin finds its place: the topmost whose bind is known, otherwise the topmost of all.
-        const RyGltfSkin &skin = model.skins[size_t(set.skins[s])];
-        size_t anchor = 0;
-        bool anchorKnown = false;
-        int anchorPlace = std::numeric_limits<int>::max();
-        for (size_t j = 0; j < skin.joints.size(); ++j) {
-            const int bone = boneOfNode.at(skin.joints[j]);
-            if (std::make_pair(!known[size_t(bone)], bone) < std::make_pair(!anchorKnown, anchorPlace)) {
-                anchor = j;
-                anchorKnown = known[size_t(bone)];
-                anchorPlace = bone;
-            }
-        }
-        derive(size_t(anchorPlace));
-        return rest.inverseBinds[s][anchor] * rest.bind[size_t(anchorPlace)];
-    };
-
-    rest.isStored = !set.skins.empty();
-    for (size_t s = 0; s < set.skins.size() && !rest.rebound; ++s) {
-        const RyGltfSkin &skin = model.skins[size_t(set.skins[s])];
-        rest.inverseBinds.push_back(readInverseBinds(document, skin));
-        const std::vector<RyAffine> &inverseBinds = rest.inverseBinds.back();
-        const QString why = whyUnusable(skin, inverseBinds);
-        const QString skinName = skin.name.isEmpty() ? QStringLiteral("skin %1").arg(set.skins[s])
-                                                     : QStringLiteral("skin \"%1\"").arg(skin.name);
-        if (!why.isEmpty()) {
-            rest.rebound = true;
-            rest.reason = skinName + QLatin1Char(' ') + why;
-            break;
-        }
-        RyAffine toFigure;
-        if (!RyTreeExtras::findToFigure(document, set.skins[s], toFigure)) {
-            toFigure = byAnchor(s);
-            rest.isStored = false;
-        }
-        rest.toFigure.push_back(toFigure);
-        // The bones that this call of derive made known on the way keep their place.
-        std::vector<bool> seen(boneCount, false);
-        for (size_t j = 0; j < skin.joints.size(); ++j) {
-            const size_t bone = size_t(boneOfNode.at(skin.joints[j]));
-            const RyAffine bind = inverseBinds[j].inverse() * toFigure;
-            if (known[bone] && !seen[bone]) {
-                if (difference(bind, rest.bind[bone], reach) > 1e-3) {
-                    rest.rebound = true;
-                    rest.reason = QStringLiteral("%1 binds the joint \"%2\" elsewhere than another skin does")
-                                      .arg(skinName, model.nodes[size_t(skin.joints[j])].name);
-                    break;
-                }
-            } else if (!seen[bone]) {
-                rest.bind[bone] = bind;
-            }
-            known[bone] = true;
-            seen[bone] = true;
-        }
-    }
-
-    if (rest.rebound) {
-        rest.isStored = false;
-        rest.inverseBinds.clear();
-        rest.toFigure.assign(set.skins.size(), RyAffine());
-        for (const int skin : set.skins)
-            rest.inverseBinds.push_back(readInverseBinds(document, model.skins[size_t(skin)]));
-        for (size_t i = 0; i < boneCount; ++i)
-            rest.bind[i] = worldMaps[size_t(set.bones[i])];
-        return rest;
-    }
-    for (size_t i = 0; i < boneCount; ++i) {
-        if (!known[i])
-            derive(i);
-    }
-    for (size_t i = 0; i < boneCount; ++i) {
-        const int parent = set.parents[i];
-        rest.localPose[i] = rest.bind[i].inverse() *
-                            (parent < 0 ? worldMaps[size_t(set.bones[i])] : localOf(i) * rest.bind[size_t(parent)]);
-    }
-    return rest;
+    return RestFinder(document, set, nodeToWorld, restOf).find();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/io/gltf/open/RyGltfFigureFinder.h"
+#include "rycore/io/gltf/open/RyGltfJointSet.h"
 
 #include <QStringList>
 
@@ -15,7 +15,7 @@ struct RyGltfRest
     std::vector<RyAffine> bind;      ///< per bone: joint space to figure space
     std::vector<RyAffine> localPose; ///< per bone: the file's pose, relative to the parent's, in figure space
     std::vector<RyAffine> toFigure;  ///< per skin of the set: mesh space to figure space
-    /// Per skin: inverse bind matrices, one for each joint.
+    /// Per skin: inverse bind matrices, one for each joint: mesh space to joint space.
     std::vector<std::vector<RyAffine>> inverseBinds;
     /// The bind matrices say nothing usable: rest is the node pose, and vertices must be brought there by the file's
     /// own skinning (`toFigure` is then the identity).
@@ -27,6 +27,7 @@ struct RyGltfRest
 /// Frame of a node at rest, of which the file says only where it is: from that frame.
 using RyGltfRestOf = std::function<RyAffine(int node, const RyAffine &posed)>;
 
-/// `restOf` may be empty. Maps of mesh spaces to figure space that an earlier save stored are taken as they are.
+/// `nodeToWorld`: per node of the file, in file units. `restOf` may be empty. Maps of mesh spaces to figure space that
+/// an earlier save stored are taken as they are.
 RyGltfRest ryGltfFindRest(const RyGltfDocument &document, const RyGltfJointSet &set,
-                          const std::vector<RyAffine> &worldMaps, const RyGltfRestOf &restOf = {});
+                          const std::vector<RyAffine> &nodeToWorld, const RyGltfRestOf &restOf = {});

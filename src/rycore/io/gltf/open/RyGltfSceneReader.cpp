@@ -1,19 +1,14 @@
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 
 #include "rycore/figure/RyFigure.h"
-#include "rycore/io/RyEndPointGuess.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
-#include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/io/gltf/open/RyGltfBonePlacer.h"
+#include "rycore/io/gltf/open/RyGltfFigureFinder.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyObject.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <QFileInfo>
 #include <QImage>
@@ -22,26 +17,6 @@
 #include <cmath>
 #include <map>
 #include <set>
-
-namespace {
-
-RyAffine linearPart(RyAffine map)
-{
-    map.m[3][0] = map.m[3][1] = map.m[3][2] = 0.0;
-    return map;
-}
-
-float heightOf(const std::vector<RyVec3> &positions)
-{
-    RyBox3 box;
-    for (const RyVec3 &p : positions)
-        box.include(p);
-    const RyVec3 extents = box.getExtents();
-    const float largest = std::max({extents.x, extents.y, extents.z});
-    return extents.y > 0.01f * largest ? extents.y : largest;
-}
-
-} // namespace
 
 RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
     : m_origin(std::make_unique<RyGltfOrigin>())
@@ -65,7 +40,7 @@ void RyGltfSceneReader::build(QStringList *messages)
     const RyGltfModel &model = m_origin->document->model();
     m_origin->unitWasChosen = m_origin->unit > 0.0;
     m_preOrder = ryGltfPreOrder(model);
-    m_worldMaps = ryGltfWorldMaps(model, m_preOrder);
+    m_nodeToWorld = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
     leaveOutRemoved();
     std::vector<bool> isLeftOut;
@@ -80,7 +55,8 @@ void RyGltfSceneReader::build(QStringList *messages)
     };
     for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, isLeftOut)) {
         Figure figure;
-        figure.rest = ryGltfFindRest(*m_origin->document, set, m_worldMaps, restOf);
+        figure.place = int(m_figures.size());
+        figure.rest = ryGltfFindRest(*m_origin->document, set, m_nodeToWorld, restOf);
         figure.joints = std::move(set);
         m_figures.push_back(std::move(figure));
     }
@@ -179,7 +155,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         say(QStringLiteral("%1: the rest of these joints is taken from their nodes, and the mesh was brought there")
                 .arg(figure.rest.reason));
     }
-    figure.entry = RyFigureExtras::findEntry(*m_origin->document, figure.joints.bones, int(&figure - m_figures.data()));
+    figure.entry = RyFigureExtras::findEntry(*m_origin->document, figure.joints.bones, figure.place);
     figure.figure = new RyFigure;
     figure.figure->setName(uniqueName(figureName(figure), m_topNames));
     figure.source.sceneNode = figure.figure;
@@ -201,139 +177,11 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     }
     buildMesh(figure);
     std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
-    placeBones(figure);
+    std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
+    std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
     attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
     figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
-}
-
-void RyGltfSceneReader::placeBones(Figure &figure)
-{
-    const RyGltfModel &model = m_origin->document->model();
-    const size_t count = figure.bones.size();
-    const double unit = m_origin->unit;
-    float height = heightOf(figure.mesh->positions);
-
-    std::vector<RyEndPointBone> bones(count);
-    std::vector<RyGltfNodeSource> sources(count);
-    RyBox3 joints;
-    for (size_t i = 0; i < count; ++i) {
-        RyGltfNodeSource &source = sources[i];
-        source.node = figure.joints.bones[i];
-        source.sceneNode = figure.bones[i];
-        source.isBone = true;
-        source.figure = int(&figure - m_figures.data());
-        source.bind = figure.rest.bind[i] * RyAffine::fromScale(unit);
-        source.localPose = RyAffine::fromScale(1.0 / unit) * figure.rest.localPose[i] * RyAffine::fromScale(unit);
-        if (figure.joints.parents[i] < 0)
-            source.localPose = source.localPose * figure.figure->worldMap().inverse();
-        bones[i].parent = figure.joints.parents[i];
-        bones[i].origin = source.bind.translation();
-        source.bind.decomposePolar(source.stretch, bones[i].orientation);
-        joints.include(bones[i].origin);
-    }
-    if (!(height > 0.0f))
-        height = std::max(joints.getSize(), 1.0f);
-
-    // Only leaves are measured by the vertices that follow them more than any other bone.
-    std::vector<bool> isLeaf(count, true);
-    for (const RyEndPointBone &bone : bones) {
-        if (bone.parent >= 0)
-            isLeaf[size_t(bone.parent)] = false;
-    }
-    const std::vector<int> &strongest = figure.mesh->strongestBones();
-    for (size_t vertex = 0; vertex < strongest.size(); ++vertex) {
-        if (strongest[vertex] >= 0 && isLeaf[size_t(strongest[vertex])])
-            bones[size_t(strongest[vertex])].vertices.push_back(int(vertex));
-    }
-    for (size_t i = 0; i < count; ++i) {
-        for (const int child : model.nodes[size_t(sources[i].node)].children) {
-            const RyGltfNode &node = model.nodes[size_t(child)];
-            if (ryGltfMarksEnd(node.name)) {
-                bones[i].hasEndMarker = true;
-                bones[i].endMarker = (node.transform.toAffine() * sources[i].bind).translation();
-            }
-        }
-    }
-    const std::vector<RyVec3> ends = ryGuessEndPoints(bones, figure.mesh->positions, height);
-    for (size_t i = 0; i < count; ++i) {
-        RyBone *bone = figure.bones[i];
-        bone->setOrigin(bones[i].origin, true);
-        bone->setOrientation(bones[i].orientation, true);
-        bone->setEndPoint(ends[i], true);
-        // The bone turns first about the axis that runs along it.
-        const RyVec3 along = bones[i].orientation.inverse().multVec(ends[i] - bones[i].origin);
-        int first = 0;
-        for (int axis = 1; axis < 3; ++axis) {
-            if (std::abs(along[axis]) > std::abs(along[first]))
-                first = axis;
-        }
-        bone->setRotationOrder(RyRotationOrder::fromAxes(first, (first + 1) % 3, (first + 2) % 3));
-        RyRiggingExtras::applyToNode(*m_origin->document, sources[i].node, unit, 1e-4f * height, sources[i].bind, *bone,
-                                     m_messages);
-        sources[i].stretch = linearPart(sources[i].bind) * RyAffine::fromRotation(bone->getOrientation().inverse());
-        setPose(sources[i], height);
-        RyRiggingExtras::applyLimits(*m_origin->document, sources[i].node, unit, *bone);
-        sources[i].loaded = RyNodeValues::of(*bone);
-        sources[i].riggingText = RyRiggingExtras::nodeText(*bone);
-    }
-    std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
-}
-
-void RyGltfSceneReader::setPose(RyGltfNodeSource &source, float height)
-{
-    RyNode *node = source.sceneNode;
-    if (RyRiggingExtras::applyPose(*m_origin->document, source.node, m_origin->unit, source.localPose, 1e-4f * height,
-                                   *node))
-        return;
-    const RyVec3 origin = node->getOrigin();
-    const double from[3] = {origin.x, origin.y, origin.z};
-    double at[3];
-    source.localPose.mapPoint(from, at);
-    RyAffine local = source.localPose;
-    const RyNode *parent = node->getNodeParent();
-    if (!node->inheritsScale() && parent) // what it leaves out of its parent's map the file's node holds against it
-        local = linearPart(local * parent->figureMap()) * RyAffine::fromRotation(parent->getWSRot().inverse());
-    RyAffine stretch;
-    RyQuat rotation;
-    local.decomposePolar(stretch, rotation);
-    RyMatrix3 scale;
-    bool unscaled = true;
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) {
-            scale[i][j] = float(stretch.m[i][j]);
-            unscaled = unscaled && std::abs(stretch.m[i][j] - (i == j ? 1.0 : 0.0)) < 2e-6;
-        }
-    }
-    RyVec3 translation{float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])};
-    // What is only the noise of single precision is no pose.
-    if (translation.length() < 2e-6f * height)
-        translation = RyVec3();
-    if (std::abs(rotation.w) > 1.0f - 1e-12f || RyVec3(rotation.x, rotation.y, rotation.z).length() < 1e-6f)
-        rotation = RyQuat();
-    if (unscaled)
-        scale = RyMatrix3();
-    if (translation == RyVec3() && rotation == RyQuat() && unscaled)
-        return;
-    node->setLocalTransform(translation, rotation, scale, 1.0f);
-
-    RyVec3 position;
-    RyQuat held;
-    RyMatrix3 heldScale;
-    float general = 1.0f;
-    node->getLocalTransform(position, held, heldScale, general);
-    const RyMatrix3 wanted = scale * RyMatrix3(rotation);
-    const RyMatrix3 got = heldScale * RyMatrix3(held);
-    float worst = 0.0f;
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j)
-            worst = std::max(worst, std::abs(wanted[i][j] - got[i][j]));
-    }
-    if (worst > 1e-3f) {
-        say(QStringLiteral(
-                "The pose of \"%1\" is sheared; the nearest pose without shear is shown, the file's own is kept")
-                .arg(node->getName()));
-    }
 }
 
 // --- Names and looks

@@ -1,18 +1,14 @@
 #pragma once
 
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
-#include "rycore/io/gltf/open/RyGltfFigureFinder.h"
-#include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
-#include "rycore/io/gltf/open/RyGltfRest.h"
+#include "rycore/io/gltf/open/RyGltfFigureDraft.h"
 
 #include <QSet>
 #include <QStringList>
 
 #include <map>
 
-class RyBone;
 class RyFacetMesh;
-class RyFigure;
 class RySkinBinding;
 
 /// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is
@@ -30,32 +26,30 @@ public:
     std::unique_ptr<RyGltfOrigin> takeOrigin() { return std::move(m_origin); }
 
 private:
-    struct Figure
-    {
-        RyGltfJointSet joints;
-        RyGltfRest rest;
-        std::vector<RyBone *> bones;
-        RyFigure *figure = nullptr;
-        RyGltfFigureSource source;
-        int entry = -1; // of what an earlier save stored
-        std::unique_ptr<RyGltfMeshBuilder> mesh;
-    };
+    using Figure = RyGltfFigureDraft;
 
     void leaveOutRemoved();
     double findUnit() const;
     void buildFigure(Figure &figure);
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
+    std::vector<std::vector<RyAffine>> restToNodePose(const Figure &figure) const;
+    std::vector<size_t> bonesToBind(const Figure &figure,
+                                    const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const;
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
     RySkinBinding *bindBones(Figure &figure, int vertexCount,
                              std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
-    void placeBones(Figure &figure);
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
+    std::vector<bool> findProps() const;
     void buildProps();
+    void buildProp(int index);
+    RyGltfNodeSource propSource(int index, const RyNode *above) const;
+    void hangProp(RyNode &prop, RyNode *above, int index);
+    void buildPropMesh(const RyGltfNodeSource &source);
+    void finishProp(RyGltfNodeSource &source);
     int placeBelow(const RyNode &above, int node) const;
     void setPropPose(RyGltfNodeSource &source) const;
     void fillLooks(RyMeshParts &parts);
-    void setPose(RyGltfNodeSource &source, float height);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;
     QString uniqueName(const QString &wanted, QSet<QString> &taken) const;
@@ -63,7 +57,7 @@ private:
 
     std::unique_ptr<RyGltfOrigin> m_origin;
     std::vector<int> m_preOrder;
-    std::vector<RyAffine> m_worldMaps; // file units
+    std::vector<RyAffine> m_nodeToWorld; // per file node: node space to world, in file units
     std::vector<Figure> m_figures;
     std::vector<RyRef<RyNode>> m_tops;
     std::vector<RyNode *> m_sceneNodeOf; // per file node

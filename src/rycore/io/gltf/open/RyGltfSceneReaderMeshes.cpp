@@ -21,29 +21,22 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
 {
     const RyGltfModel &model = m_origin->document->model();
     figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_origin->document);
-    std::map<int, int> boneOfNode;
-    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
-        boneOfNode[figure.joints.bones[i]] = int(i);
-    std::map<int, size_t> skinPlace;
-    std::vector<std::vector<int>> bonesOfJoints;
+    std::vector<std::vector<int>> bonesOfJoints; // per skin of the figure
     for (size_t s = 0; s < figure.joints.skins.size(); ++s) {
         const int skin = figure.joints.skins[s];
-        skinPlace[skin] = s;
-        bonesOfJoints.emplace_back();
-        for (const int joint : model.skins[size_t(skin)].joints)
-            bonesOfJoints.back().push_back(boneOfNode.at(joint));
+        bonesOfJoints.push_back(figure.joints.bonesOf(model.skins[size_t(skin)]));
         figure.source.skins.push_back(
             {skin, figure.rest.toFigure[s] * RyAffine::fromScale(m_origin->unit), figure.rest.rebound});
     }
     for (const int nodeIndex : m_preOrder) {
         const RyGltfNode &node = model.nodes[size_t(nodeIndex)];
-        const auto skin = skinPlace.find(node.skin);
-        if (node.mesh < 0 || skin == skinPlace.end())
+        const int skin = figure.joints.placeOfSkin(node.skin);
+        if (node.mesh < 0 || skin < 0)
             continue;
         const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
         for (size_t p = 0; p < primitives.size(); ++p) {
-            figure.mesh->addPart(node.mesh, int(p), partName(node.mesh, int(p)), bonesOfJoints[skin->second],
-                                 figure.source.skins[skin->second].toFigure, int(skin->second));
+            figure.mesh->addPart(node.mesh, int(p), partName(node.mesh, int(p)), bonesOfJoints[size_t(skin)],
+                                 figure.source.skins[size_t(skin)].toFigure, skin);
             figure.source.parts.push_back({nodeIndex, node.mesh, int(p), node.skin});
         }
     }
@@ -54,33 +47,36 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
         bringToNodePose(figure);
 }
 
+/// Per skin and bone: from figure space, where the mesh lies as the file has it, to where the file's skinning brings
+/// it, both in centimetres.
+std::vector<std::vector<RyAffine>> RyGltfSceneReader::restToNodePose(const Figure &figure) const
+{
+    const RyGltfModel &model = m_origin->document->model();
+    std::vector<std::vector<RyAffine>> result(figure.joints.skins.size());
+    for (size_t s = 0; s < result.size(); ++s) {
+        result[s].resize(figure.bones.size());
+        const RyGltfSkin &skin = model.skins[size_t(figure.joints.skins[s])];
+        const RyAffine figureToMesh = figure.source.skins[s].toFigure.inverse();
+        for (size_t j = 0; j < skin.joints.size(); ++j) {
+            result[s][size_t(figure.joints.boneOf(skin.joints[j]))] = figureToMesh * figure.rest.inverseBinds[s][j] *
+                                                                      m_nodeToWorld[size_t(skin.joints[j])] *
+                                                                      RyAffine::fromScale(m_origin->unit);
+        }
+    }
+    return result;
+}
+
+/// The file's own skinning, once. A vertex belongs to the parts of one skin.
 void RyGltfSceneReader::bringToNodePose(Figure &figure)
 {
-    // The file's own skinning, once: mesh space to the node pose. A vertex belongs to the parts of one skin.
-    const RyGltfModel &model = m_origin->document->model();
-    std::map<int, size_t> skinPlace;
-    for (size_t s = 0; s < figure.joints.skins.size(); ++s)
-        skinPlace[figure.joints.skins[s]] = s;
-    std::map<int, int> boneOfNode;
-    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
-        boneOfNode[figure.joints.bones[i]] = int(i);
     std::vector<RyVec3> &positions = figure.mesh->positions;
     std::vector<int> skinOfVertex(positions.size(), -1);
     for (size_t p = 0; p < figure.source.parts.size(); ++p) {
+        const int skin = figure.joints.placeOfSkin(figure.source.parts[p].skin);
         for (const int vertex : figure.mesh->parts.parts[p].vertexOfSplit)
-            skinOfVertex[size_t(vertex)] = int(skinPlace.at(figure.source.parts[p].skin));
+            skinOfVertex[size_t(vertex)] = skin;
     }
-    std::vector<std::vector<RyAffine>> matrices(figure.joints.skins.size());
-    for (size_t s = 0; s < matrices.size(); ++s) {
-        matrices[s].resize(figure.bones.size());
-        const RyGltfSkin &skin = model.skins[size_t(figure.joints.skins[s])];
-        const RyAffine meshUnit = figure.source.skins[s].toFigure.inverse(); // positions already carry the unit
-        for (size_t j = 0; j < skin.joints.size(); ++j) {
-            matrices[s][size_t(boneOfNode.at(skin.joints[j]))] = meshUnit * figure.rest.inverseBinds[s][j] *
-                                                                 m_worldMaps[size_t(skin.joints[j])] *
-                                                                 RyAffine::fromScale(m_origin->unit);
-        }
-    }
+    const std::vector<std::vector<RyAffine>> toNodePose = restToNodePose(figure);
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
     const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
     for (size_t bone = 0; bone < weights.size(); ++bone) {
@@ -89,7 +85,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
             const double weight = double(weights[bone].weights[i]) / RyWeightMap::FullWeight;
             const double from[3] = {positions[vertex].x, positions[vertex].y, positions[vertex].z};
             double at[3];
-            matrices[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);
+            toNodePose[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);
             for (size_t axis = 0; axis < 3; ++axis)
                 sums[vertex][axis] += weight * at[axis];
             sums[vertex][3] += weight;
@@ -129,35 +125,41 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     figure.mesh.reset();
 }
 
+/// Bones that get a binding, in order: those that an earlier save stored, then what has weights all the same; without
+/// such a list all joints.
+std::vector<size_t> RyGltfSceneReader::bonesToBind(const Figure &figure,
+                                                   const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const
+{
+    std::vector<bool> isJoint(figure.bones.size(), false);
+    for (const int skin : figure.joints.skins) {
+        for (const int bone : figure.joints.bonesOf(m_origin->document->model().skins[size_t(skin)]))
+            isJoint[size_t(bone)] = true;
+    }
+    std::vector<size_t> order;
+    const auto add = [&order](size_t bone) {
+        if (std::find(order.begin(), order.end(), bone) == order.end())
+            order.push_back(bone);
+    };
+    bool isStored = false;
+    for (const int node : RyFigureExtras::storedBindings(*m_origin->document, figure.entry, &isStored)) {
+        if (figure.joints.boneOf(node) >= 0)
+            add(size_t(figure.joints.boneOf(node)));
+    }
+    for (size_t bone = 0; bone < figure.bones.size(); ++bone) {
+        if (isStored ? !weights[bone].vertices.empty() : isJoint[bone])
+            add(bone);
+    }
+    return order;
+}
+
 RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
                                             std::vector<RyGltfMeshBuilder::BoneWeights> weights) const
 {
-    const RyGltfModel &model = m_origin->document->model();
-    std::vector<bool> isJoint(figure.bones.size(), false);
-    std::map<int, size_t> boneOfNode;
-    for (size_t i = 0; i < figure.joints.bones.size(); ++i)
-        boneOfNode[figure.joints.bones[i]] = i;
-    for (const int skin : figure.joints.skins) {
-        for (const int joint : model.skins[size_t(skin)].joints)
-            isJoint[boneOfNode.at(joint)] = true;
-    }
-    bool isStored = false;
-    std::vector<size_t> order; // of the bones that get a binding
-    for (const int node : RyFigureExtras::storedBindings(*m_origin->document, figure.entry, &isStored)) {
-        const auto bone = boneOfNode.find(node);
-        if (bone != boneOfNode.end() && std::find(order.begin(), order.end(), bone->second) == order.end())
-            order.push_back(bone->second);
-    }
-    for (size_t i = 0; i < figure.bones.size(); ++i) {
-        const bool isWanted = isStored ? !weights[i].vertices.empty() : isJoint[i];
-        if (isWanted && std::find(order.begin(), order.end(), i) == order.end())
-            order.push_back(i);
-    }
     auto *skin = new RySkinBinding;
     const bool hasMaps = RyFigureExtras::hasMaps(*m_origin->document, figure.entry);
     RyMapExtras::Fingerprint fingerprint;
     std::map<const RyNode *, int> nodeOf;
-    for (const size_t i : order) {
+    for (const size_t i : bonesToBind(figure, weights)) {
         auto *map = new RyWeightMap(figure.bones[i]->getName());
         map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
         auto *binding = new RyBoneBinding;

@@ -35,7 +35,7 @@ void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
         RyRiggingExtras::findStoredPose(*m_origin->document, source.node, m_origin->unit, stored) ? stored : RyAffine();
     const RyNode *above = source.sceneNode->getNodeParent();
     const double unit = m_origin->unit;
-    const RyAffine shown = m_worldMaps[size_t(source.node)] * RyAffine::fromScale(unit);
+    const RyAffine shown = m_nodeToWorld[size_t(source.node)] * RyAffine::fromScale(unit);
     const RyAffine said = source.bind * posed * (above ? above->worldMap() : RyAffine());
     double size = 0.0;
     double difference = 0.0;
@@ -52,98 +52,133 @@ void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
     source.localPose = source.sceneNode->getLocalMap();
 }
 
-void RyGltfSceneReader::buildProps()
+/// Nodes with a mesh of their own, and the nodes between them and a bone that hold them. A mesh whose skin lost its
+/// bones is shown as it lay in its figure.
+std::vector<bool> RyGltfSceneReader::findProps() const
 {
     const RyGltfModel &model = m_origin->document->model();
-    const RyAffine unit = RyAffine::fromScale(m_origin->unit);
-    // Nodes with a mesh of their own, and the nodes between them and a bone that hold them.
-    // A mesh whose skin lost its bones is shown as it lay in its figure.
     std::set<int> shownSkins;
     for (const RyGltfFigureSource &figure : m_origin->figures) {
         for (const RyGltfSkinSource &skin : figure.skins)
             shownSkins.insert(skin.skin);
     }
-    std::vector<bool> wanted(model.nodes.size(), false);
+    std::vector<bool> isProp(model.nodes.size(), false);
     for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
         const RyGltfNode &each = model.nodes[size_t(*node)];
         if (m_sceneNodeOf[size_t(*node)] || shownSkins.count(each.skin))
             continue;
-        wanted[size_t(*node)] = each.mesh >= 0;
+        isProp[size_t(*node)] = each.mesh >= 0;
         for (const int child : each.children)
-            wanted[size_t(*node)] = wanted[size_t(*node)] || (wanted[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
+            isProp[size_t(*node)] = isProp[size_t(*node)] || (isProp[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
     }
+    return isProp;
+}
+
+void RyGltfSceneReader::buildProps()
+{
+    const std::vector<bool> isProp = findProps();
     for (const int index : m_preOrder) {
-        const RyGltfNode &node = model.nodes[size_t(index)];
-        if (!wanted[size_t(index)] || m_sceneNodeOf[size_t(index)])
-            continue;
-        RyNode *above = nullptr;
-        for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
-            above = m_sceneNodeOf[size_t(at)];
-        if (node.mesh < 0 && !above)
-            continue; // a plain node above props stays in the file's tree alone
-        const RyAffine unposed = above ? above->worldMap().inverse() : RyAffine();
-        RyGltfNodeSource source;
-        source.node = index;
-        RyAffine map = m_worldMaps[size_t(index)];
-        if (node.mesh >= 0 && node.skin >= 0)
-            RyTreeExtras::findToFigure(*m_origin->document, node.skin, map);
-        source.bind = RyRiggingExtras::restOf(*m_origin->document, index, m_origin->unit, map * unit * unposed);
-
-        auto *prop = new RyNode;
-        prop->setName(
-            uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
-                       above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
-        RyQuat orientation;
-        source.bind.decomposePolar(source.stretch, orientation);
-        prop->setOrigin(source.bind.translation(), true);
-        prop->setOrientation(orientation, true);
-        source.sceneNode = prop;
-        m_sceneNodeOf[size_t(index)] = prop;
-        if (above)
-            above->addNodeChild(prop, false, placeBelow(*above, index));
-        else
-            m_tops.emplace_back(prop);
-
-        RyVec3 end = prop->getOrigin();
-        if (node.mesh >= 0) {
-            RyGltfMeshBuilder builder(*m_origin->document);
-            RyGltfFigureSource figure;
-            figure.sceneNode = prop;
-            const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(node.mesh)].primitives;
-            for (size_t p = 0; p < primitives.size(); ++p) {
-                builder.addPart(node.mesh, int(p), partName(node.mesh, int(p)), {}, source.bind, 0);
-                figure.parts.push_back({index, node.mesh, int(p), -1});
-            }
-            auto *mesh = new RyFacetMesh;
-            mesh->setPositions(std::move(builder.positions));
-            mesh->setFacets(std::move(builder.facets));
-            auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
-            fillLooks(*parts);
-            const int entry = RyFigureExtras::findEntry(*m_origin->document, {index}, int(m_origin->figures.size()));
-            if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
-                addPartGroups(*mesh, *parts);
-            auto *shape = new RyFacetShape(mesh);
-            shape->setParts(parts);
-            auto *object = new RyObject;
-            object->setName(prop->getName());
-            object->addShape(shape);
-            prop->setObject(object);
-            end = mesh->getBoundingBox().getCenter();
-            figure.positionsHash = ryPositionsHash(*prop);
-            figure.meshParts = parts;
-            figure.vertexCount = mesh->getNumVertices();
-            figure.groupsText = RyFigureExtras::groupsText(*mesh);
-            m_origin->figures.push_back(std::move(figure));
-        }
-        prop->setEndPoint(end, true);
-        // Far from the origin, and below turned bones, single precision says less.
-        const float size = std::max({1.0f, (end - prop->getOrigin()).length(), 0.1f * prop->getOrigin().length()});
-        RyRiggingExtras::applyToNode(*m_origin->document, index, m_origin->unit, 1e-4f * size, source.bind, *prop,
-                                     m_messages);
-        setPropPose(source);
-        RyRiggingExtras::applyLimits(*m_origin->document, index, m_origin->unit, *prop);
-        source.loaded = RyNodeValues::of(*prop);
-        source.riggingText = RyRiggingExtras::nodeText(*prop);
-        m_origin->nodes.push_back(std::move(source));
+        if (isProp[size_t(index)] && !m_sceneNodeOf[size_t(index)])
+            buildProp(index);
     }
+}
+
+void RyGltfSceneReader::buildProp(int index)
+{
+    const RyGltfModel &model = m_origin->document->model();
+    const RyGltfNode &node = model.nodes[size_t(index)];
+    RyNode *above = nullptr;
+    for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
+        above = m_sceneNodeOf[size_t(at)];
+    if (node.mesh < 0 && !above)
+        return; // a plain node above props stays in the file's tree alone
+    RyGltfNodeSource source = propSource(index, above);
+    auto *prop = new RyNode;
+    prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
+                             above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+    RyQuat orientation;
+    source.bind.decomposePolar(source.stretch, orientation);
+    prop->setOrigin(source.bind.translation(), true);
+    prop->setOrientation(orientation, true);
+    source.sceneNode = prop;
+    hangProp(*prop, above, index);
+    if (node.mesh >= 0)
+        buildPropMesh(source);
+    finishProp(source);
+    m_origin->nodes.push_back(std::move(source));
+}
+
+/// Where the file shows the node, unposed.
+RyGltfNodeSource RyGltfSceneReader::propSource(int index, const RyNode *above) const
+{
+    const RyGltfNode &node = m_origin->document->model().nodes[size_t(index)];
+    RyAffine toWorld = m_nodeToWorld[size_t(index)];
+    if (node.mesh >= 0 && node.skin >= 0)
+        RyTreeExtras::findToFigure(*m_origin->document, node.skin, toWorld);
+    const RyAffine worldToRest = above ? above->worldMap().inverse() : RyAffine();
+    RyGltfNodeSource source;
+    source.node = index;
+    source.bind = RyRiggingExtras::restOf(*m_origin->document, index, m_origin->unit,
+                                          toWorld * RyAffine::fromScale(m_origin->unit) * worldToRest);
+    return source;
+}
+
+void RyGltfSceneReader::hangProp(RyNode &prop, RyNode *above, int index)
+{
+    m_sceneNodeOf[size_t(index)] = &prop;
+    if (above)
+        above->addNodeChild(&prop, false, placeBelow(*above, index));
+    else
+        m_tops.emplace_back(&prop);
+}
+
+void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
+{
+    const RyGltfModel &model = m_origin->document->model();
+    const int meshIndex = model.nodes[size_t(source.node)].mesh;
+    RyGltfMeshBuilder builder(*m_origin->document);
+    RyGltfFigureSource figure;
+    figure.sceneNode = source.sceneNode;
+    const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(meshIndex)].primitives;
+    for (size_t p = 0; p < primitives.size(); ++p) {
+        builder.addPart(meshIndex, int(p), partName(meshIndex, int(p)), {}, source.bind, 0);
+        figure.parts.push_back({source.node, meshIndex, int(p), -1});
+    }
+    auto *mesh = new RyFacetMesh;
+    mesh->setPositions(std::move(builder.positions));
+    mesh->setFacets(std::move(builder.facets));
+    auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
+    fillLooks(*parts);
+    const int entry = RyFigureExtras::findEntry(*m_origin->document, {source.node}, int(m_origin->figures.size()));
+    if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
+        addPartGroups(*mesh, *parts);
+    auto *shape = new RyFacetShape(mesh);
+    shape->setParts(parts);
+    auto *object = new RyObject;
+    object->setName(source.sceneNode->getName());
+    object->addShape(shape);
+    source.sceneNode->setObject(object);
+    figure.positionsHash = ryPositionsHash(*source.sceneNode);
+    figure.meshParts = parts;
+    figure.vertexCount = mesh->getNumVertices();
+    figure.groupsText = RyFigureExtras::groupsText(*mesh);
+    m_origin->figures.push_back(std::move(figure));
+}
+
+/// The end point of a prop is the middle of its mesh, unless an earlier save stored another.
+void RyGltfSceneReader::finishProp(RyGltfNodeSource &source)
+{
+    RyNode &prop = *source.sceneNode;
+    const RyShape *shape = RyShape::getCurrentShapeForNode(&prop);
+    const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;
+    const RyVec3 end = mesh ? mesh->getBoundingBox().getCenter() : prop.getOrigin();
+    prop.setEndPoint(end, true);
+    // Far from the origin, and below turned bones, single precision says less.
+    const float size = std::max({1.0f, (end - prop.getOrigin()).length(), 0.1f * prop.getOrigin().length()});
+    RyRiggingExtras::applyToNode(*m_origin->document, source.node, m_origin->unit, 1e-4f * size, source.bind, prop,
+                                 m_messages);
+    setPropPose(source);
+    RyRiggingExtras::applyLimits(*m_origin->document, source.node, m_origin->unit, prop);
+    source.loaded = RyNodeValues::of(prop);
+    source.riggingText = RyRiggingExtras::nodeText(prop);
 }

@@ -7,6 +7,7 @@
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/save/RyGltfStructurePatch.h"
+#include "rycore/io/gltf/save/RyGltfWeightComparison.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -43,7 +44,7 @@ bool RyGltfSceneWriter::isFigureEdited(const RyGltfFigureSource &figure) const
     if (!qobject_cast<const RySkeleton *>(&node))
         return false;
     return !(RyNodeValues::of(node) == figure.loaded) || RyRiggingExtras::nodeText(node) != figure.riggingText ||
-           RyFigureExtras::selectionText(node) != figure.selectionText || RyGltfSkinPatch::weightsChanged(figure) ||
+           RyFigureExtras::selectionText(node) != figure.selectionText || ryGltfWeightsChanged(figure) ||
            RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText;
 }
 

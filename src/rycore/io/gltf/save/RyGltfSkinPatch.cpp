@@ -1,14 +1,12 @@
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 
+#include "rycore/io/gltf/save/RyGltfFigurePlanner.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 
@@ -19,54 +17,6 @@ void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values)
             values.push_back(float(map.m[row][column]));
         values.push_back(row == 3 ? 1.0f : 0.0f);
     }
-}
-
-bool RyGltfSkinPatch::weightsChanged(const RyGltfFigureSource &figure, std::vector<bool> *changed)
-{
-    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure.sceneNode);
-    std::map<const RyNode *, const RyGltfLoadedWeights *> loaded;
-    std::vector<const RyNode *> order;
-    for (const RyGltfLoadedWeights &weights : figure.weights) {
-        order.push_back(weights.bone);
-        loaded.emplace(weights.bone, &weights);
-    }
-    bool differs = false;
-    const auto mark = [&](int vertex) {
-        differs = true;
-        if (changed && size_t(vertex) < changed->size())
-            (*changed)[size_t(vertex)] = true;
-    };
-    std::vector<const RyNode *> orderNow;
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        if (!RyGltfBindingWeights::isHeld(*binding))
-            continue;
-        orderNow.push_back(binding->getBone());
-        const RyGltfBindingWeights now(*binding);
-        const auto before = loaded.find(binding->getBone());
-        if (before == loaded.end()) {
-            std::for_each(now.vertices.begin(), now.vertices.end(), mark);
-            continue;
-        }
-        const RyGltfLoadedWeights &old = *before->second;
-        loaded.erase(before);
-        if (std::equal(now.vertices.begin(), now.vertices.end(), old.vertices.begin(), old.vertices.end()) &&
-            std::equal(now.weights.begin(), now.weights.end(), old.weights.begin(), old.weights.end())) {
-            continue;
-        }
-        size_t i = 0;
-        size_t j = 0;
-        while (i < now.vertices.size() || j < old.vertices.size()) {
-            const int a = i < now.vertices.size() ? now.vertices[i] : INT_MAX;
-            const int b = j < old.vertices.size() ? old.vertices[j] : INT_MAX;
-            if (a != b || now.weights[i] != old.weights[j])
-                mark(std::min(a, b));
-            i += a <= b;
-            j += b <= a;
-        }
-    }
-    for (const auto &[bone, weights] : loaded)
-        std::for_each(weights->vertices.begin(), weights->vertices.end(), mark);
-    return differs || order != orderNow;
 }
 
 bool RyGltfSkinPatch::apply(QString *error)
@@ -81,7 +31,7 @@ bool RyGltfSkinPatch::apply(QString *error)
         if (!source.sceneNode || !source.sceneNode->getScene())
             continue;
         if (!source.skins.empty())
-            figures.push_back(plan(source));
+            figures.push_back(RyGltfFigurePlanner(m_patch).plan(source));
         else if (source.canWriteVertices() && m_patch.edits.count(source.parts.front().node))
             separateProp(source);
     }
@@ -102,192 +52,6 @@ bool RyGltfSkinPatch::apply(QString *error)
     return true;
 }
 
-RyGltfSkinPatch::Figure RyGltfSkinPatch::plan(const RyGltfFigureSource &source) const
-{
-    Figure figure;
-    figure.source = &source;
-    static_cast<const RySkeleton *>(source.sceneNode.data())->getAllBones(figure.bones);
-    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source.sceneNode));
-    if (shape && shape->getFacetMesh() && shape->getParts() && shape->getParts()->parts.size() == source.parts.size()) {
-        figure.mesh = shape->getFacetMesh();
-        figure.parts = shape->getParts();
-    }
-    for (const RyGltfPartSource &part : source.parts)
-        figure.meshes.push_back(part.mesh);
-    figure.isDirty.assign(source.parts.size(), false);
-    std::vector<bool> changed(figure.mesh ? size_t(figure.mesh->getNumVertices()) : 0, false);
-    const bool weightsAreOther = weightsChanged(source, &changed);
-    figure.isRebuilt = figure.mesh && !figure.bones.empty() && mustBeRebuilt(source, weightsAreOther);
-    figure.isMoved = figure.mesh && source.canWriteVertices();
-    keepJoints(figure);
-    addJoints(figure);
-    if (figure.mesh && !figure.bones.empty())
-        findDirtyParts(figure, changed);
-    if (figure.influences)
-        addNeededJoints(figure);
-    return figure;
-}
-
-bool RyGltfSkinPatch::mustBeRebuilt(const RyGltfFigureSource &source, bool weightsAreOther) const
-{
-    // The file's bind matrices could not be used. Once anything was edited, the vertices are written where the scene
-    // has them, in figure space, with bind matrices that say so.
-    if (!source.skins.front().rebound)
-        return false;
-    if (weightsAreOther || source.canWriteVertices() || !(RyNodeValues::of(*source.sceneNode) == source.loaded))
-        return true;
-    for (const RyGltfNodeSource &node : m_patch.source.nodes) {
-        if (node.isBone && node.figure == &source - m_patch.source.figures.data() && m_patch.removed.count(node.node))
-            return true;
-    }
-    return std::any_of(m_patch.edits.begin(), m_patch.edits.end(), [&source](const auto &entry) {
-        const RyGltfScenePatch::Edit &edit = entry.second;
-        return (edit.restChanged || edit.poseChanged || edit.moved) &&
-               edit.node->getSkeleton() == source.sceneNode.data();
-    });
-}
-
-// --- Joints
-
-void RyGltfSkinPatch::keepJoints(Figure &figure) const
-{
-    const RyGltfModel &model = m_patch.source.document->model();
-    for (const RyGltfSkinSource &source : figure.source->skins) {
-        Skin skin;
-        skin.source = &source;
-        const std::vector<int> &before = model.skins[size_t(source.skin)].joints;
-        for (const int joint : before) {
-            const auto edit = m_patch.edits.find(joint);
-            if (edit != m_patch.edits.end() && edit->second.node->getSkeleton() == figure.source->sceneNode.data())
-                skin.joints.push_back(joint);
-        }
-        skin.isOther = skin.joints.size() != before.size();
-        skin.isShifted = !std::equal(skin.joints.begin(), skin.joints.end(), before.begin());
-        if (skin.joints.empty() && !figure.bones.empty())
-            skin.joints.push_back(m_patch.indexOf.at(figure.bones.front())); // a skin without joints is none
-        figure.skins.push_back(std::move(skin));
-    }
-}
-
-RyGltfSkinPatch::Skin &RyGltfSkinPatch::skinFor(Figure &figure, const RyBone &bone) const
-{
-    // That of the nearest bone above, or of the topmost bone before it.
-    const RyNode *near = bone.getNodeParent();
-    if (near == figure.source->sceneNode.data()) {
-        const RyNode *before = nullptr;
-        for (const RyNode *sibling : near->nodeChildrenIterator()) {
-            if (sibling == &bone)
-                break;
-            before = qobject_cast<const RyBone *>(sibling) ? sibling : before;
-        }
-        near = before;
-    }
-    for (; near; near = near->getNodeParent()) {
-        for (Skin &skin : figure.skins) {
-            if (std::find(skin.joints.begin(), skin.joints.end(), m_patch.nodeOf(near)) != skin.joints.end())
-                return skin;
-        }
-    }
-    return figure.skins.front();
-}
-
-void RyGltfSkinPatch::addJoints(Figure &figure) const
-{
-    // What a reader would not take for a bone by itself: new bones, bones with weights, and bones that do not stand
-    // between two joints.
-    std::set<const RyNode *> joints, bound, aboveJoints;
-    for (const Skin &skin : figure.skins) {
-        for (const int joint : skin.joints)
-            joints.insert(m_patch.edits.at(joint).node);
-    }
-    const RySkinBinding *binds = RySkinBinding::findSkinFromNode(figure.source->sceneNode);
-    for (const RyBoneBinding *binding : binds ? binds->bindings() : std::vector<RyBoneBinding *>())
-        bound.insert(binding->getBone());
-    for (const RyNode *joint : joints) {
-        for (const RyNode *above = joint->getNodeParent(); above && aboveJoints.insert(above).second;)
-            above = above->getNodeParent();
-    }
-    for (const RyBone *bone : figure.bones) {
-        if (joints.count(bone))
-            continue;
-        const int index = m_patch.indexOf.at(bone);
-        bool isBelow = false;
-        for (const RyNode *above = bone->getNodeParent(); above && !isBelow; above = above->getNodeParent())
-            isBelow = joints.count(above) > 0;
-        if (m_patch.edits.at(index).source && !bound.count(bone) && isBelow && aboveJoints.count(bone))
-            continue;
-        Skin &skin = skinFor(figure, *bone);
-        skin.joints.push_back(index);
-        skin.isOther = true;
-        joints.insert(bone);
-    }
-}
-
-size_t RyGltfSkinPatch::placeOfSkin(const Figure &figure, int skin) const
-{
-    size_t place = 0;
-    while (place + 1 < figure.skins.size() && figure.skins[place].source->skin != skin)
-        ++place;
-    return place;
-}
-
-void RyGltfSkinPatch::findDirtyParts(Figure &figure, const std::vector<bool> &changed) const
-{
-    std::vector<bool> isWritten = changed;
-    bool any = false;
-    for (bool more = true; more;) {
-        // Parts that share a vertex must say the same of it to share it again.
-        more = false;
-        for (size_t p = 0; p < figure.isDirty.size(); ++p) {
-            if (figure.isDirty[p])
-                continue;
-            const std::vector<int> &vertices = figure.parts->parts[p].vertexOfSplit;
-            const bool isShifted = figure.skins[placeOfSkin(figure, figure.source->parts[p].skin)].isShifted;
-            if (!isShifted &&
-                std::none_of(vertices.begin(), vertices.end(), [&](int v) { return isWritten[size_t(v)]; }))
-                continue;
-            figure.isDirty[p] = any = more = true;
-            for (const int vertex : vertices)
-                isWritten[size_t(vertex)] = true;
-        }
-        more = more && figure.isDirty.size() > 1;
-    }
-    if (any) {
-        figure.influences = std::make_unique<RyGltfInfluences>(
-            RySkinBinding::findSkinFromNode(figure.source->sceneNode), figure.mesh->getNumVertices());
-    }
-}
-
-void RyGltfSkinPatch::addNeededJoints(Figure &figure) const
-{
-    const std::vector<const RyNode *> &bones = figure.influences->bones();
-    for (Skin &skin : figure.skins) {
-        std::vector<bool> used(bones.size(), false);
-        for (size_t p = 0; p < figure.isDirty.size(); ++p) {
-            if (!figure.isDirty[p] || figure.source->parts[p].skin != skin.source->skin)
-                continue;
-            for (const int vertex : figure.parts->parts[p].vertexOfSplit) {
-                for (const RyGltfInfluences::Influence &influence : figure.influences->of(vertex))
-                    used[influence.bone] = true;
-            }
-        }
-        const std::set<int> known(skin.joints.begin(), skin.joints.end());
-        for (size_t i = 0; i < bones.size(); ++i) {
-            const int index = m_patch.nodeOf(bones[i]);
-            if (!used[i] || known.count(index))
-                continue;
-            skin.joints.push_back(index);
-            skin.isOther = true;
-        }
-    }
-}
-
-RyAffine RyGltfSkinPatch::toFigure(const Figure &figure, const Skin &skin) const
-{
-    const double unit = m_patch.source.unit;
-    return figure.isRebuilt || skin.source->rebound ? RyAffine::fromScale(unit) : skin.source->toFigure;
-}
-
 bool RyGltfSkinPatch::standsAbove(int node, const std::vector<int> &joints) const
 {
     const RyGltfModel &model = m_patch.document.model();
@@ -306,7 +70,7 @@ void RyGltfSkinPatch::writeJoints(const Figure &figure)
         const int index = skin.source->skin;
         const RyGltfSkin &before = model.skins[size_t(index)];
         if (!skin.source->rebound || figure.isRebuilt)
-            m_patch.toFigure[index] = toFigure(figure, skin) * RyAffine::fromScale(1.0 / unit);
+            m_patch.toFigure[index] = figure.meshToFigure(skin, m_patch.source.unit) * RyAffine::fromScale(1.0 / unit);
         if (skin.joints.empty()) {
             m_patch.say(QStringLiteral("\"%1\" has no bones left; its skin in the file keeps the old joints")
                             .arg(figure.source->sceneNode->getName()));
@@ -327,7 +91,8 @@ void RyGltfSkinPatch::writeJoints(const Figure &figure)
             if (16 * next + 16 <= old.size() && next < before.joints.size())
                 values.insert(values.end(), old.begin() + long(16 * next), old.begin() + long(16 * next + 16));
             else
-                ryGltfAppendMatrix(toFigure(figure, skin) * m_patch.edits.at(joint).bind.inverse(), values);
+                ryGltfAppendMatrix(
+                    figure.meshToFigure(skin, m_patch.source.unit) * m_patch.edits.at(joint).bind.inverse(), values);
             ++next;
         }
         if (skin.isOther)
@@ -349,7 +114,7 @@ void RyGltfSkinPatch::writeBinds(const Figure &figure)
             if ((!edit.restChanged && !figure.isRebuilt) || 16 * j + 16 > values.size())
                 continue;
             std::vector<float> sixteen;
-            ryGltfAppendMatrix(toFigure(figure, skin) * edit.bind.inverse(), sixteen);
+            ryGltfAppendMatrix(figure.meshToFigure(skin, m_patch.source.unit) * edit.bind.inverse(), sixteen);
             std::copy(sixteen.begin(), sixteen.end(), values.begin() + long(16 * j));
             isOther = true;
         }
@@ -431,7 +196,7 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
 void RyGltfSkinPatch::writeVertices(const Figure &figure)
 {
     for (const Skin &skin : figure.skins) {
-        RyGltfVertexPatch vertices(m_patch.document, *figure.mesh, toFigure(figure, skin));
+        RyGltfVertexPatch vertices(m_patch.document, *figure.mesh, figure.meshToFigure(skin, m_patch.source.unit));
         std::set<std::pair<int, int>> done; // several nodes may show one mesh
         for (size_t p = 0; p < figure.source->parts.size(); ++p) {
             const RyGltfPartSource &part = figure.source->parts[p];

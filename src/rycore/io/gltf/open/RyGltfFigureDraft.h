@@ -1,0 +1,25 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/open/RyGltfJointSet.h"
+#include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
+#include "rycore/io/gltf/open/RyGltfRest.h"
+
+#include <memory>
+#include <vector>
+
+class RyBone;
+class RyFigure;
+
+/// A figure while it is read.
+struct RyGltfFigureDraft
+{
+    int place = -1; // among the figures of the file
+    RyGltfJointSet joints;
+    RyGltfRest rest;
+    std::vector<RyBone *> bones; // in step with the set's
+    RyFigure *figure = nullptr;
+    RyGltfFigureSource source;
+    int entry = -1; // of what an earlier save stored
+    std::unique_ptr<RyGltfMeshBuilder> mesh;
+};

@@ -1,0 +1,111 @@
+#include "rycore/io/gltf/open/RyGltfSplitVertices.h"
+
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+RyGltfSplitVertices::RyGltfSplitVertices(const RyGltfDocument &document, int meshIndex, int primitiveIndex,
+                                         std::vector<int> bonesOfJoints)
+    : m_bonesOfJoints(std::move(bonesOfJoints))
+{
+    const RyGltfModel &model = document.model();
+    const RyGltfPrimitive &primitive = model.meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
+    m_count = size_t(model.accessors[size_t(primitive.positions)].count);
+    m_positions = floats(document, primitive.positions, 3, m_positionCopy);
+    if (primitive.normals >= 0)
+        m_normals = floats(document, primitive.normals, 3, m_normalCopy);
+    for (const int morph : primitive.morphPositions) {
+        if (morph < 0)
+            continue;
+        m_morphs.push_back(document.readFloats(morph));
+        m_morphs.back().resize(m_count * 3, 0.0f);
+    }
+    if (!m_bonesOfJoints.empty())
+        m_sets.resize(std::min(primitive.joints.size(), primitive.weights.size()));
+    for (size_t s = 0; s < m_sets.size(); ++s) {
+        readJoints(document, primitive.joints[s], m_sets[s]);
+        m_sets[s].weights = floats(document, primitive.weights[s], 4, m_sets[s].weightCopy);
+    }
+    const std::vector<int> apart = RyTreeExtras::findApart(document, meshIndex, primitiveIndex);
+    for (size_t i = 0; i + 1 < apart.size(); i += 2)
+        m_apart[apart[i]] = apart[i + 1];
+    for (const int split : RyTreeExtras::findFree(document, meshIndex, primitiveIndex))
+        m_free.insert(split);
+}
+
+/// The accessor's own bytes when they can be read in place; otherwise `copy`, filled.
+const float *RyGltfSplitVertices::floats(const RyGltfDocument &document, int accessor, int components,
+                                         std::vector<float> &copy) const
+{
+    const RyGltfAccessor &a = document.model().accessors[size_t(accessor)];
+    const std::span<const unsigned char> bytes = document.packedBytes(accessor);
+    if (a.componentType == 5126 && a.componentCount == components && !bytes.empty() &&
+        reinterpret_cast<std::uintptr_t>(bytes.data()) % alignof(float) == 0) {
+        return reinterpret_cast<const float *>(bytes.data());
+    }
+    copy = document.readFloats(accessor);
+    copy.resize(m_count * size_t(components), 0.0f);
+    return copy.data();
+}
+
+void RyGltfSplitVertices::readJoints(const RyGltfDocument &document, int accessor, InfluenceSet &set) const
+{
+    const RyGltfAccessor &a = document.model().accessors[size_t(accessor)];
+    const std::span<const unsigned char> bytes = document.packedBytes(accessor);
+    if (!bytes.empty() && (a.componentType == 5121 || a.componentType == 5123)) {
+        set.joints = bytes.data();
+        set.jointSize = a.componentType == 5121 ? 1 : 2;
+        return;
+    }
+    constexpr std::uint32_t largest = std::numeric_limits<std::uint16_t>::max();
+    for (const std::uint32_t joint : document.readUints(accessor))
+        set.jointCopy.push_back(std::uint16_t(std::min(joint, largest)));
+    set.jointCopy.resize(m_count * 4, 0);
+    set.joints = reinterpret_cast<const unsigned char *>(set.jointCopy.data());
+    set.jointSize = 2;
+}
+
+/// The file has such a vertex held by one joint alone; otherwise somebody gave it weights since.
+bool RyGltfSplitVertices::isFree(size_t split) const
+{
+    if (m_free.empty() || m_sets.empty() || !m_free.count(int(split)))
+        return false;
+    double sum = 0.0;
+    for (const InfluenceSet &set : m_sets)
+        sum += double(set.weights[4 * split] + set.weights[4 * split + 1] + set.weights[4 * split + 2] +
+                      set.weights[4 * split + 3]);
+    return double(m_sets.front().weights[4 * split]) == sum;
+}
+
+RyGltfSplitVertices::Influences RyGltfSplitVertices::influencesOf(size_t split, std::uint16_t *bones,
+                                                                  double *weights) const
+{
+    Influences result;
+    if (isFree(split))
+        return result;
+    const int boneLimit = int(m_bonesOfJoints.size());
+    for (const InfluenceSet &set : m_sets) {
+        for (size_t k = 4 * split; k < 4 * split + 4; ++k) {
+            const double weight = double(set.weights[k]);
+            if (weight == 0.0)
+                continue;
+            const int joint = set.joint(k);
+            if (!std::isfinite(weight) || weight < 0.0 || joint >= boneLimit) {
+                ++result.dropped;
+                continue;
+            }
+            const auto bone = std::uint16_t(m_bonesOfJoints[size_t(joint)]);
+            const int place = int(std::find(bones, bones + result.count, bone) - bones);
+            if (place == result.count) { // a file may say a bone twice
+                bones[result.count] = bone;
+                weights[result.count++] = 0.0;
+            }
+            weights[place] += weight;
+            result.sum += weight;
+        }
+    }
+    return result;
+}

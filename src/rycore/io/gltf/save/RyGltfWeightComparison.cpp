@@ -1,0 +1,84 @@
+#include "rycore/io/gltf/save/RyGltfWeightComparison.h"
+
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <climits>
+#include <map>
+
+namespace {
+
+class Comparison
+{
+public:
+    explicit Comparison(std::vector<bool> *changed) : m_changed(changed) {}
+
+    bool differs() const { return m_differs; }
+    void markAll(std::span<const int> vertices)
+    {
+        for (const int vertex : vertices)
+            mark(vertex);
+    }
+    /// Marks the vertices that weigh otherwise; both lists are ascending.
+    void compare(const RyGltfBindingWeights &now, const RyGltfLoadedWeights &old)
+    {
+        if (std::equal(now.vertices.begin(), now.vertices.end(), old.vertices.begin(), old.vertices.end()) &&
+            std::equal(now.weights.begin(), now.weights.end(), old.weights.begin(), old.weights.end())) {
+            return;
+        }
+        size_t i = 0;
+        size_t j = 0;
+        while (i < now.vertices.size() || j < old.vertices.size()) {
+            const int a = i < now.vertices.size() ? now.vertices[i] : INT_MAX;
+            const int b = j < old.vertices.size() ? old.vertices[j] : INT_MAX;
+            if (a != b || now.weights[i] != old.weights[j])
+                mark(std::min(a, b));
+            i += a <= b;
+            j += b <= a;
+        }
+    }
+
+private:
+    void mark(int vertex)
+    {
+        m_differs = true;
+        if (m_changed && size_t(vertex) < m_changed->size())
+            (*m_changed)[size_t(vertex)] = true;
+    }
+
+    std::vector<bool> *m_changed;
+    bool m_differs = false;
+};
+
+} // namespace
+
+bool ryGltfWeightsChanged(const RyGltfFigureSource &figure, std::vector<bool> *changed)
+{
+    Comparison comparison(changed);
+    std::map<const RyNode *, const RyGltfLoadedWeights *> loaded;
+    std::vector<const RyNode *> order, orderNow; // of bindings
+    for (const RyGltfLoadedWeights &weights : figure.weights) {
+        order.push_back(weights.bone);
+        loaded.emplace(weights.bone, &weights);
+    }
+    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure.sceneNode);
+    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+        if (!RyGltfBindingWeights::isHeld(*binding))
+            continue;
+        orderNow.push_back(binding->getBone());
+        const RyGltfBindingWeights now(*binding);
+        const auto before = loaded.find(binding->getBone());
+        if (before == loaded.end()) {
+            comparison.markAll(now.vertices);
+            continue;
+        }
+        comparison.compare(now, *before->second);
+        loaded.erase(before);
+    }
+    for (const auto &[bone, weights] : loaded)
+        comparison.markAll(weights->vertices);
+    return comparison.differs() || order != orderNow;
+}
