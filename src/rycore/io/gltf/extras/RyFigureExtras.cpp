@@ -197,7 +197,7 @@ bool RyFigureExtras::hasMaps(const RyGltfDocument &document, int figure)
 }
 
 void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences,
-                               int vertexCount, const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin,
+                               int vertexCount, const RyGltfNodeIndex &nodeOf, RySkinBinding &skin,
                                QStringList *messages)
 {
     const Json *stored = figureJson(document, figure);
@@ -225,27 +225,26 @@ QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int fig
 }
 
 /// The bones of a figure's bindings, where they are not its joints in their order.
-static Json bindingsJson(const RySkeleton &skeleton, const std::map<const RyNode *, int> &nodeOf,
-                         const std::set<int> &joints)
+static Json bindingsJson(const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf, const std::set<int> &joints)
 {
     Json expected = Json::array();
     for (const RyBone *bone : skeleton.getAllBones()) {
-        const auto node = nodeOf.find(bone);
-        if (node != nodeOf.end() && joints.count(node->second))
-            expected.push_back(node->second);
+        const int node = nodeOf.of(bone);
+        if (joints.count(node))
+            expected.push_back(node);
     }
     Json list = Json::array();
     const RySkinBinding *skin = RySkinBinding::findSkin(&skeleton);
     for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        const auto node = nodeOf.find(binding->getBone());
-        if (node != nodeOf.end())
-            list.push_back(node->second);
+        const int node = nodeOf.of(binding->getBone());
+        if (node >= 0)
+            list.push_back(node);
     }
     return skin && list != expected ? list : Json();
 }
 
 void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-                               const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints)
+                               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints)
 {
     Json list = Json::array();
     for (const RyNode *figure : figures) {
@@ -253,9 +252,9 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         // By its node, or that of its first bone, it is found again.
         const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
         const std::vector<RyBone *> bones = skeleton ? skeleton->getAllBones() : std::vector<RyBone *>();
-        const auto of = nodeOf.find(bones.empty() ? figure : bones.front());
-        if (of != nodeOf.end())
-            entry["of"] = of->second;
+        const int of = nodeOf.of(bones.empty() ? figure : bones.front());
+        if (of >= 0)
+            entry["of"] = of;
         if (const RyFacetMesh *mesh = figure ? meshOf(*figure) : nullptr) {
             entry["facets"] = firstTriangles(*mesh).back();
             entry["faceGroups"] = groupsJson(*mesh);
@@ -275,11 +274,8 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         }
         if (const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
             Json pairs = Json::array();
-            for (int i = 0; i < map->getNumPairs(); ++i) {
-                const auto node = nodeOf.find(map->getPairNode(i));
-                pairs.push_back(
-                    Json::array({map->getPairGroup(i).toStdString(), node == nodeOf.end() ? -1 : node->second}));
-            }
+            for (int i = 0; i < map->getNumPairs(); ++i)
+                pairs.push_back(Json::array({map->getPairGroup(i).toStdString(), nodeOf.of(map->getPairNode(i))}));
             entry["selectionMap"] = std::move(pairs);
         }
         list.push_back(std::move(entry));

@@ -5,7 +5,6 @@
 
 #include <QStringList>
 
-#include <map>
 #include <set>
 
 class RyFacetMesh;
@@ -33,11 +32,11 @@ std::vector<int> storedBindings(const RyGltfDocument &document, int figure, bool
 bool hasMaps(const RyGltfDocument &document, int figure);
 /// Local, scale and bulge maps, where the influences of the file are those that they were stored with.
 void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
-               const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin, QStringList *messages);
+               const RyGltfNodeIndex &nodeOf, RySkinBinding &skin, QStringList *messages);
 
 /// Writes all of it. `figures`: null for one that is gone; `joints`: nodes that a reader finds in skins.
 void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-               const std::map<const RyNode *, int> &nodeOf, const std::set<int> &joints);
+               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints);
 
 /// The face groups of a mesh as the extras say them, to see whether they were edited.
 QString groupsText(const RyFacetMesh &mesh);

@@ -7,6 +7,7 @@
 #include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
+#include <map>
 
 namespace {
 
@@ -101,12 +102,10 @@ RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) :
     m_influences.resize(end);
 }
 
-std::vector<int> RyGltfInfluences::placesIn(const std::map<const RyNode *, int> &placeOf) const
+std::vector<int> RyGltfInfluences::placesIn(const RyGltfNodeIndex &placeOf) const
 {
     std::vector<int> places;
-    for (const RyNode *bone : m_bones) {
-        const auto place = placeOf.find(bone);
-        places.push_back(place == placeOf.end() ? 0 : place->second);
-    }
+    for (const RyNode *bone : m_bones)
+        places.push_back(std::max(0, placeOf.of(bone)));
     return places;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
+
 #include <QtGlobal>
 
-#include <map>
 #include <span>
 #include <vector>
 
@@ -46,8 +47,8 @@ public:
     }
     const std::vector<const RyNode *> &bones() const { return m_bones; }
     int vertexCount() const { return int(m_first.size()) - 1; }
-    /// Joints of all bones as a map says them.
-    std::vector<int> placesIn(const std::map<const RyNode *, int> &placeOf) const;
+    /// Joints of all bones; the first one for those that have none.
+    std::vector<int> placesIn(const RyGltfNodeIndex &placeOf) const;
 
 private:
     std::vector<const RyNode *> m_bones;

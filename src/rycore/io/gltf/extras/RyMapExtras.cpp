@@ -176,32 +176,33 @@ void RyMapExtras::Fingerprint::add(int node, int vertex, int weight)
     m_value += mixed ^ (mixed >> 33);
 }
 
-Json RyMapExtras::toJson(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &nodeOf)
+Json RyMapExtras::toJson(const RySkinBinding &skin, int vertexCount, const RyGltfNodeIndex &nodeOf)
 {
     Json list = Json::array();
     for (const RyBoneBinding *binding : skin.bindings()) {
-        const auto node = nodeOf.find(binding->getBone());
+        const int node = nodeOf.of(binding->getBone());
         Json entry = bindingJson(*binding);
-        if (node == nodeOf.end() || entry.is_null())
+        if (node < 0 || entry.is_null())
             continue;
-        entry["bone"] = node->second;
+        entry["bone"] = node;
         list.push_back(std::move(entry));
     }
     if (list.empty())
         return Json();
     const RyGltfInfluences influences(&skin, vertexCount);
+    std::vector<int> nodes; // of the bones
+    for (const RyNode *bone : influences.bones())
+        nodes.push_back(nodeOf.of(bone));
     Fingerprint fingerprint;
     for (int vertex = 0; vertex < vertexCount; ++vertex) {
-        for (const RyGltfInfluences::Influence &influence : influences.of(vertex)) {
-            const auto node = nodeOf.find(influences.bones()[influence.bone]);
-            fingerprint.add(node == nodeOf.end() ? -1 : node->second, vertex, influence.weight);
-        }
+        for (const RyGltfInfluences::Influence &influence : influences.of(vertex))
+            fingerprint.add(nodes[influence.bone], vertex, influence.weight);
     }
     return Json{{"weights", QString::number(fingerprint.value(), 16).toStdString()}, {"bindings", std::move(list)}};
 }
 
 bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int vertexCount,
-                        const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin)
+                        const RyGltfNodeIndex &nodeOf, RySkinBinding &skin)
 {
     const Json *weights = find(stored, "weights");
     const Json *list = find(stored, "bindings");
@@ -213,8 +214,8 @@ bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int v
         const Json *bone = find(entry, "bone");
         RyBoneBinding *binding = nullptr;
         for (RyBoneBinding *each : skin.bindings()) {
-            const auto node = nodeOf.find(each->getBone());
-            if (bone && node != nodeOf.end() && *bone == Json(node->second))
+            const int node = nodeOf.of(each->getBone());
+            if (bone && node >= 0 && *bone == Json(node))
                 binding = each;
         }
         all.emplace_back(binding, StoredBinding());

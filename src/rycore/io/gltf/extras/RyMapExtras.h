@@ -1,10 +1,11 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
+
 #include <nlohmann/json_fwd.hpp>
 
 #include <QStringList>
 
-#include <map>
 #include <vector>
 
 class RyNode;
@@ -26,10 +27,10 @@ private:
 };
 
 /// Null when the skin has only general maps. `nodeOf`: nodes of bones.
-nlohmann::ordered_json toJson(const RySkinBinding &skin, int vertexCount, const std::map<const RyNode *, int> &nodeOf);
+nlohmann::ordered_json toJson(const RySkinBinding &skin, int vertexCount, const RyGltfNodeIndex &nodeOf);
 /// Gives the bindings their maps. False, and nothing done, when something does not fit.
 bool apply(const nlohmann::ordered_json &stored, const Fingerprint &influences, int vertexCount,
-           const std::map<const RyNode *, int> &nodeOf, RySkinBinding &skin);
+           const RyGltfNodeIndex &nodeOf, RySkinBinding &skin);
 /// What is stored, as a text, to see whether it was edited; empty without such maps.
 QString text(const RySkinBinding *skin);
 

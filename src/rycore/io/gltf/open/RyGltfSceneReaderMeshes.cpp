@@ -158,7 +158,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     auto *skin = new RySkinBinding;
     const bool hasMaps = RyFigureExtras::hasMaps(*m_origin->document, figure.entry);
     RyMapExtras::Fingerprint fingerprint;
-    std::map<const RyNode *, int> nodeOf;
+    RyGltfNodeIndex nodeOf;
     for (const size_t i : bonesToBind(figure, weights)) {
         auto *map = new RyWeightMap(figure.bones[i]->getName());
         map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
@@ -166,7 +166,8 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
         binding->setBone(figure.bones[i]);
         binding->setWeights(map);
         skin->addBoneBinding(binding);
-        const int node = nodeOf[figure.bones[i]] = figure.joints.bones[i];
+        const int node = figure.joints.bones[i];
+        nodeOf.add(figure.bones[i], node);
         for (size_t k = 0; hasMaps && k < weights[i].vertices.size(); ++k)
             fingerprint.add(node, weights[i].vertices[k], weights[i].weights[k]);
         figure.source.weights.push_back(

@@ -70,7 +70,7 @@ void RyGltfFigurePlanner::keepJoints(Figure &figure) const
         skin.isOther = skin.joints.size() != before.size();
         skin.isShifted = !std::equal(skin.joints.begin(), skin.joints.end(), before.begin());
         if (skin.joints.empty() && !figure.bones.empty())
-            skin.joints.push_back(m_patch.indexOf.at(figure.bones.front())); // a skin without joints is none
+            skin.joints.push_back(m_patch.nodeOf.of(figure.bones.front())); // a skin without joints is none
         figure.skins.push_back(std::move(skin));
     }
 }
@@ -90,7 +90,7 @@ RyGltfSkinPlan &RyGltfFigurePlanner::skinFor(Figure &figure, const RyBone &bone)
     }
     for (; near; near = near->getNodeParent()) {
         for (Skin &skin : figure.skins) {
-            if (std::find(skin.joints.begin(), skin.joints.end(), m_patch.nodeOf(near)) != skin.joints.end())
+            if (std::find(skin.joints.begin(), skin.joints.end(), m_patch.nodeOf.of(near)) != skin.joints.end())
                 return skin;
         }
     }
@@ -116,7 +116,7 @@ void RyGltfFigurePlanner::addJoints(Figure &figure) const
     for (const RyBone *bone : figure.bones) {
         if (joints.count(bone))
             continue;
-        const int index = m_patch.indexOf.at(bone);
+        const int index = m_patch.nodeOf.of(bone);
         bool isBelow = false;
         for (const RyNode *above = bone->getNodeParent(); above && !isBelow; above = above->getNodeParent())
             isBelow = joints.count(above) > 0;
@@ -179,7 +179,7 @@ void RyGltfFigurePlanner::addNeededJoints(Figure &figure) const
         }
         const std::set<int> known(skin.joints.begin(), skin.joints.end());
         for (size_t i = 0; i < bones.size(); ++i) {
-            const int index = m_patch.nodeOf(bones[i]);
+            const int index = m_patch.nodeOf.of(bones[i]);
             if (!used[i] || known.count(index))
                 continue;
             skin.joints.push_back(index);

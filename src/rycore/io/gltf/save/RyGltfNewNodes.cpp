@@ -78,7 +78,7 @@ void RyGltfNewNodes::addTree(const RyNode &top)
         // The figure node carries the figure's own transform, its joints stand in figure space.
         const RyAffine own = RyAffine::fromScale(m_unit) * top.worldMap() * RyAffine::fromScale(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
-        m_nodeOf[&top] = node;
+        m_nodeOf.add(&top, node);
         for (const RyNode *child : top.nodeChildrenIterator()) {
             if (!isKept(*child))
                 addNode(*child, node, RyAffine::fromScale(m_unit));
@@ -124,7 +124,7 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
                                        : next.node->getLocalMap();
         const int index = m_document.addNode(next.node->getName(),
                                              transformOf(bind * localPose * next.parentBind.inverse()), next.parent);
-        m_nodeOf[next.node] = index;
+        m_nodeOf.add(next.node, index);
         if (meshOf(*next.node))
             addMeshOf(*next.node, index, bind);
         const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
@@ -196,13 +196,13 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
     const std::vector<RyBone *> bones = bonesOf(skeleton);
     m_figures.push_back(&skeletonNode);
     std::vector<int> joints;
-    std::map<const RyNode *, int> jointOf;
+    RyGltfNodeIndex jointOf;
     std::vector<float> inverseBinds;
     const RyGltfFigureSource *known = knownMesh(skeletonNode);
     const RyAffine toFigure = known ? frameOf(*m_source, known->parts.front()) : RyAffine::fromScale(m_unit);
     for (const RyBone *bone : bones) {
-        jointOf[bone] = int(joints.size());
-        joints.push_back(m_nodeOf.at(bone));
+        jointOf.add(bone, int(joints.size()));
+        joints.push_back(m_nodeOf.of(bone));
         m_joints.insert(joints.back());
         ryGltfAppendMatrix(toFigure * bindOf(*bone, m_unit).inverse(), inverseBinds);
     }
@@ -265,7 +265,7 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
     return mesh;
 }
 
-void RyGltfNewNodes::bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf)
+void RyGltfNewNodes::bindKnownMesh(const RyNode &skeleton, int mesh, const RyGltfNodeIndex &jointOf)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&skeleton));
     const RyFacetMesh &facets = *shape->getFacetMesh();
@@ -286,7 +286,7 @@ std::vector<const RyNode *> RyGltfNewNodes::figures() const
 
 void RyGltfNewNodes::storeNodes() const
 {
-    for (const auto &[node, index] : m_nodeOf) {
+    for (const auto &[node, index] : m_nodeOf.entries()) {
         if (!qobject_cast<const RySkeleton *>(node))
             RyRiggingExtras::storeNode(m_document, index, *node);
     }

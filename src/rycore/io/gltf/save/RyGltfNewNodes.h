@@ -1,10 +1,10 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 
 #include <QStringList>
 
-#include <map>
 #include <set>
 #include <vector>
 
@@ -31,7 +31,7 @@ public:
     /// The part of it that stands at the nodes.
     void storeNodes() const;
 
-    const std::map<const RyNode *, int> &nodes() const { return m_nodeOf; }
+    const RyGltfNodeIndex &nodes() const { return m_nodeOf; }
     /// Nodes of all bones.
     const std::set<int> &joints() const { return m_joints; }
     /// Figures with their skins first, then props: the order in which they will be read.
@@ -48,14 +48,14 @@ private:
     void addSkinnedMesh(const RyNode &skeleton);
     const RyGltfFigureSource *knownMesh(const RyNode &node) const;
     int addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure);
-    void bindKnownMesh(const RyNode &skeleton, int mesh, const std::map<const RyNode *, int> &jointOf);
+    void bindKnownMesh(const RyNode &skeleton, int mesh, const RyGltfNodeIndex &jointOf);
     int addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals);
     int addTriangles(const RyFacetMesh &mesh);
 
     RyGltfDocument &m_document;
     const RyGltfOrigin *m_source;
     double m_unit;
-    std::map<const RyNode *, int> m_nodeOf;
+    RyGltfNodeIndex m_nodeOf;
     std::vector<const RyNode *> m_figures;
     std::set<int> m_joints;
 };

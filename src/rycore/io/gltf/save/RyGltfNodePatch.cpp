@@ -94,7 +94,7 @@ void RyGltfNodePatch::compare()
             continue;
         for (const RyNode *above = edit.node->getNodeParent(); above && !edit.poseChanged;
              above = above->getNodeParent()) {
-            const auto other = m_patch.edits.find(m_patch.nodeOf(above));
+            const auto other = m_patch.edits.find(m_patch.nodeOf.of(above));
             edit.poseChanged = other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved);
         }
     }
@@ -119,9 +119,9 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
     if (above != m_patch.edits.end() && above->second.node == node.getNodeParent()) {
         if (!edit.restChanged && !edit.poseChanged && !edit.moved && !above->second.restChanged)
             return;
-        RyAffine toParent;
-        if (above->second.bind.invert(toParent))
-            setLocal(index, edit.bind * localPoseNow(edit) * toParent);
+        RyAffine figureToParent;
+        if (above->second.bind.invert(figureToParent))
+            setLocal(index, edit.bind * localPoseNow(edit) * figureToParent);
         else
             keepSingular(node);
         return;
@@ -129,20 +129,20 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
     // A topmost node of the scene, or one below a figure: it is put where the scene has it in the world, the figure's
     // own transform included.
     const RyNode *parent = node.getNodeParent();
-    const RyAffine own = parent ? parent->worldMap() : RyAffine();
-    RyAffine parentWorld;
+    const RyAffine figureToWorld = parent ? parent->worldMap() : RyAffine();
+    RyAffine parentToWorld;
     bool parentWasWritten = false;
     for (int at = fileParent; at >= 0; at = model.nodes[size_t(at)].parent) {
-        parentWorld = parentWorld * model.nodes[size_t(at)].transform.toAffine();
+        parentToWorld = parentToWorld * model.nodes[size_t(at)].transform.toAffine();
         parentWasWritten = parentWasWritten || m_patch.rewritten.count(at) > 0;
     }
-    const bool ownChanged = !edit.source || !(own == edit.source->ownMap);
-    if (!edit.restChanged && !edit.poseChanged && !edit.moved && !parentWasWritten && !ownChanged)
+    const bool figureMoved = !edit.source || !(figureToWorld == edit.source->figureToWorld);
+    if (!edit.restChanged && !edit.poseChanged && !edit.moved && !parentWasWritten && !figureMoved)
         return;
-    RyAffine toParent;
-    if (parentWorld.invert(toParent))
-        setLocal(index,
-                 edit.bind * localPoseNow(edit) * own * RyAffine::fromScale(1.0 / m_patch.source.unit) * toParent);
+    RyAffine worldToParent;
+    if (parentToWorld.invert(worldToParent))
+        setLocal(index, edit.bind * localPoseNow(edit) * figureToWorld *
+                            RyAffine::fromScale(1.0 / m_patch.source.unit) * worldToParent);
     else
         keepSingular(node);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 
 #include <QStringList>
@@ -16,7 +17,7 @@ struct RyGltfScenePatch
     {
         const RyNode *node = nullptr;
         const RyGltfNodeSource *source = nullptr; // null for one that is new in the file
-        RyAffine bind;                            // rest frame now
+        RyAffine bind; // rest frame now: node space in file units to figure space in centimetres
         bool restChanged = false;
         bool poseChanged = false;
         bool moved = false; // hangs on another node than in the file
@@ -31,18 +32,13 @@ struct RyGltfScenePatch
     QStringList *messages;
 
     std::map<int, Edit> edits; // by node of the patched document
-    std::map<const RyNode *, int> indexOf;
+    RyGltfNodeIndex nodeOf;    // nodes of the patched document
     std::vector<std::pair<const RyNode *, int>> added;
     std::set<int> removed;            // nodes of the file whose bone or prop is gone
     std::set<int> rewritten;          // nodes with another transform
     std::set<int> joints;             // of all skins, now
     std::map<int, RyAffine> toFigure; // per skin that can say so: mesh space to figure space, in units of the file
 
-    int nodeOf(const RyNode *node) const
-    {
-        const auto found = indexOf.find(node);
-        return found == indexOf.end() ? -1 : found->second;
-    }
     void say(const QString &message) const
     {
         if (messages)

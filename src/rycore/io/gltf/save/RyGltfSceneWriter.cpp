@@ -83,7 +83,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
     for (const RyNode *top : newTops(scene))
         newNodes.addTree(*top);
     newNodes.storeNodes();
-    patch.indexOf.insert(newNodes.nodes().begin(), newNodes.nodes().end());
+    patch.nodeOf.add(newNodes.nodes());
     patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
     storeExtras(patch, newNodes.figures());
     reportNewMeshes(patch);
@@ -109,7 +109,7 @@ void RyGltfSceneWriter::storeExtras(RyGltfScenePatch &patch, const std::vector<c
     for (const RyNode *figure : newFigures)
         (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
     figures.insert(figures.end(), props.begin(), props.end());
-    RyFigureExtras::storeFile(patch.document, m_source.unit, figures, patch.indexOf, patch.joints);
+    RyFigureExtras::storeFile(patch.document, m_source.unit, figures, patch.nodeOf, patch.joints);
 }
 
 void RyGltfSceneWriter::reportMeshes(QStringList *messages) const

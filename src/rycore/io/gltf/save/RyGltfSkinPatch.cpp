@@ -179,9 +179,9 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
     }
     RyGltfMeshPatch meshes(m_patch.document, *figure.influences, figure.mesh->getPositions());
     for (const Skin &skin : figure.skins) {
-        std::map<const RyNode *, int> placeOf;
+        RyGltfNodeIndex placeOf;
         for (size_t j = 0; j < skin.joints.size(); ++j)
-            placeOf.emplace(m_patch.edits.at(skin.joints[j]).node, int(j));
+            placeOf.add(m_patch.edits.at(skin.joints[j]).node, int(j));
         std::vector<RyGltfMeshPatch::Part> parts;
         for (size_t p = 0; p < figure.isDirty.size(); ++p) {
             const RyGltfPartSource &part = figure.source->parts[p];

@@ -74,7 +74,7 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     for (size_t node = 0; node < model.nodes.size(); ++node)
         m_parents[node] = model.nodes[node].parent;
     for (const RyNode *node : m_order)
-        m_isManaged[size_t(m_patch.indexOf.at(node))] = true;
+        m_isManaged[size_t(m_patch.nodeOf.of(node))] = true;
     findRemoved();
     placeNodes();
     for (const RyGltfFigureSource &figure : m_patch.source.figures) {
@@ -112,11 +112,11 @@ void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *
         const auto known = sources.find(node);
         if (known != sources.end()) {
             const RyGltfNodeSource &source = *known->second;
-            m_patch.indexOf[node] = source.node;
+            m_patch.nodeOf.add(node, source.node);
             m_patch.edits[source.node] = {node, &source, source.bind, false, false, false};
         } else {
             const int index = m_tree.addNode(node->getName());
-            m_patch.indexOf[node] = index;
+            m_patch.nodeOf.add(node, index);
             m_patch.added.emplace_back(node, index);
             m_patch.edits[index] = {node, nullptr, RyAffine(), true, true, true};
         }
@@ -190,7 +190,7 @@ int RyGltfStructurePatch::parentNow(const RyNode &node, int index) const
 {
     const RyGltfNodeSource *source = m_patch.edits.at(index).source;
     const RyNode *above = node.getNodeParent();
-    const int wanted = m_patch.nodeOf(above);
+    const int wanted = m_patch.nodeOf.of(above);
     if (source && wanted == source->parent && above == source->sceneParent) {
         const int before = m_patch.document.model().nodes[size_t(index)].parent;
         return wanted >= 0 ? before : survivingAbove(before);
@@ -203,7 +203,7 @@ int RyGltfStructurePatch::parentNow(const RyNode &node, int index) const
     for (const RyNode *sibling : above->nodeChildrenIterator()) {
         if (sibling == &node)
             break;
-        const int known = m_patch.nodeOf(sibling);
+        const int known = m_patch.nodeOf.of(sibling);
         if (known >= 0) {
             before = m_parents[size_t(known)];
             isFirst = false;
@@ -215,7 +215,7 @@ int RyGltfStructurePatch::parentNow(const RyNode &node, int index) const
 void RyGltfStructurePatch::placeNodes()
 {
     for (const RyNode *node : m_order) {
-        const int index = m_patch.indexOf.at(node);
+        const int index = m_patch.nodeOf.of(node);
         const int parent = parentNow(*node, index);
         RyGltfScenePatch::Edit &edit = m_patch.edits.at(index);
         edit.moved = !edit.source || parent != m_parents[size_t(index)];
@@ -253,7 +253,7 @@ void RyGltfStructurePatch::gatherRoots(const RyGltfFigureSource &figure)
     for (const RyNode *node : m_order) {
         if (node->getNodeParent() != figure.sceneNode.data() || !qobject_cast<const RyBone *>(node))
             continue;
-        const int index = m_patch.indexOf.at(node);
+        const int index = m_patch.nodeOf.of(node);
         if (previous >= 0 && (m_patch.edits.at(index).moved || m_patch.edits.at(previous).moved))
             join(previous, index, figure.sceneNode->getName());
         previous = index;
@@ -339,7 +339,7 @@ void RyGltfStructurePatch::writeLists()
 {
     const RyGltfModel &model = m_patch.document.model();
     for (const RyNode *node : m_order) {
-        const int index = m_patch.indexOf.at(node);
+        const int index = m_patch.nodeOf.of(node);
         m_below[m_parents[size_t(index)]].push_back(index);
     }
     std::set<int> touched; // parents that may have other children now

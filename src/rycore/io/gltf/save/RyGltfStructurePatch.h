@@ -14,7 +14,7 @@ class RyGltfStructurePatch
 public:
     explicit RyGltfStructurePatch(RyGltfScenePatch &patch) : m_patch(patch), m_tree(patch.document) {}
 
-    /// Fills `edits`, `indexOf`, `added` and `removed`. False with a reason when the tree would not be valid.
+    /// Fills `edits`, `nodeOf`, `added` and `removed`. False with a reason when the tree would not be valid.
     bool apply(const RyScene &scene, QString *error);
     /// Whether bones or props were added, removed or hung elsewhere.
     static bool isEdited(const RyGltfOrigin &source);

@@ -1,0 +1,52 @@
+#include "rycore/io/gltf/extras/RyGltfFigureSource.h"
+
+#include "rycore/mesh/RyVertexMesh.h"
+#include "rycore/scene/RyFacetShape.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace {
+
+class Hash
+{
+public:
+    void add(const void *data, size_t size)
+    {
+        const auto *bytes = static_cast<const unsigned char *>(data);
+        for (; size > 0; bytes += std::min<size_t>(size, 8), size -= std::min<size_t>(size, 8)) {
+            quint64 word = size;
+            std::memcpy(&word, bytes, std::min<size_t>(size, 8));
+            m_value = (std::rotl(m_value, 23) ^ word) * 0xff51afd7ed558ccdull;
+        }
+    }
+    quint64 value() const { return m_value; }
+
+private:
+    quint64 m_value = 0x9e3779b97f4a7c15ull;
+};
+
+} // namespace
+
+quint64 ryPositionsHash(const RyNode &node)
+{
+    Hash hash;
+    const RyShape *shape = RyShape::getCurrentShapeForNode(&node);
+    if (const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr)
+        hash.add(mesh->getPositions().data(), mesh->getPositions().size() * sizeof(RyVec3));
+    return hash.value();
+}
+
+bool RyGltfFigureSource::hasOtherVertices() const
+{
+    return sceneNode && ryPositionsHash(*sceneNode) != positionsHash;
+}
+
+bool RyGltfFigureSource::canWriteVertices() const
+{
+    const auto *shape =
+        sceneNode ? qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(sceneNode)) : nullptr;
+    return shape && shape->getFacetMesh() && shape->getFacetMesh()->getNumVertices() == vertexCount && !parts.empty() &&
+           shape->getParts() == meshParts && hasOtherVertices();
+}

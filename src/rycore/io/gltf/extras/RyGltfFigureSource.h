@@ -1,0 +1,63 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyNodeValues.h"
+#include "rycore/math/RyAffine.h"
+#include "rycore/scene/RyNode.h"
+
+#include <QPointer>
+
+#include <memory>
+#include <vector>
+
+struct RyMeshParts;
+
+/// A skin of the file: one map brings its mesh space to figure space.
+struct RyGltfSkinSource
+{
+    int skin = -1;
+    RyAffine toFigure; // mesh space in file units to figure space in centimetres
+    /// The rest had to be taken from the node pose; vertices were brought there once.
+    bool rebound = false;
+};
+
+/// Where a part of a figure's mesh comes from, in step with RyMeshParts::parts.
+struct RyGltfPartSource
+{
+    int node = -1;
+    int mesh = -1;
+    int primitive = -1;
+    int skin = -1;
+};
+
+/// The general map of a binding as it was read.
+struct RyGltfLoadedWeights
+{
+    QPointer<RyNode> bone;
+    std::vector<int> vertices;
+    std::vector<quint16> weights;
+};
+
+struct RyGltfFigureSource
+{
+    QPointer<RyNode> sceneNode; // a figure, or a prop
+    RyNodeValues loaded;
+    std::vector<RyGltfSkinSource> skins;
+    std::vector<RyGltfPartSource> parts;
+    quint64 positionsHash = 0;                    // of the mesh as it was read
+    std::shared_ptr<const RyMeshParts> meshParts; // likewise
+    int vertexCount = 0;
+    std::vector<RyGltfLoadedWeights> weights; // in the order of the bindings
+    QString mapsText;                         // local, scale and bulge maps as the extras say them
+    int firstRoot = -1;                       // node of the first topmost bone
+    QString riggingText;                      // of the figure itself, as that of nodes
+    QString groupsText;                       // face groups as they were read, in the text of the extras
+    QString selectionText;                    // likewise the selection map
+
+    /// Whether vertices are elsewhere than they were read.
+    bool hasOtherVertices() const;
+    /// Whether they can go into the file's own meshes: they are still as many, in the same parts.
+    bool canWriteVertices() const;
+};
+
+/// Of the positions of a node's mesh, to tell whether they were edited.
+quint64 ryPositionsHash(const RyNode &node);

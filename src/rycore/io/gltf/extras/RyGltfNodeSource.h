@@ -1,0 +1,28 @@
+#pragma once
+
+#include "rycore/io/gltf/extras/RyNodeValues.h"
+#include "rycore/math/RyAffine.h"
+#include "rycore/scene/RyNode.h"
+
+#include <QPointer>
+
+/// A node of the file that stands in the scene (a bone, a prop).
+struct RyGltfNodeSource
+{
+    int node = -1;
+    QPointer<RyNode> sceneNode;
+    RyNodeValues loaded;
+    /// Rest frame: node space in file units to figure space in centimetres; its linear part is `stretch` times the
+    /// rotation.
+    RyAffine bind;
+    /// What the rest frame holds besides rotation and translation (scale, shear); acts first and is untouched by edits.
+    RyAffine stretch;
+    /// The pose as the file says it: figure space to figure space in centimetres, relative to the parent's.
+    RyAffine localPose;
+    bool isBone = false;
+    int figure = -1;              // of a bone: its place in `figures`
+    int parent = -1;              // node of the file that stands above it in the scene, -1 below a figure or nothing
+    QPointer<RyNode> sceneParent; // the same in the scene, or the figure
+    RyAffine figureToWorld;       // of the figure above a topmost bone, in centimetres
+    QString riggingText;          // what the extras would hold, as it was read
+};

@@ -1,0 +1,47 @@
+#include "rycore/io/gltf/extras/RyNodeValues.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyNode.h"
+
+#include <algorithm>
+
+RyNodeValues RyNodeValues::of(const RyNode &node)
+{
+    RyNodeValues values;
+    const RyFloatProperty *rigging[9] = {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
+                                         node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
+                                         node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
+    const RyFloatProperty *pose[10] = {node.getXTransControl(), node.getYTransControl(), node.getZTransControl(),
+                                       node.getXRotControl(),   node.getYRotControl(),   node.getZRotControl(),
+                                       node.getScaleControl(),  node.getXScaleControl(), node.getYScaleControl(),
+                                       node.getZScaleControl()};
+    for (size_t i = 0; i < 9; ++i) {
+        if (rigging[i]) {
+            values.rigging[i] = rigging[i]->getValue();
+            values.riggingDefaults[i] = rigging[i]->getDefaultValue();
+        }
+    }
+    for (size_t i = 0; i < 10; ++i)
+        values.pose[i] = pose[i]->getValue();
+    values.rotationOrder = node.getRotationOrder().order();
+    values.inheritScale = node.inheritsScale();
+    values.name = node.getName();
+    values.label = node.hasOwnLabel() ? node.getLabel() : QString();
+    return values;
+}
+
+bool RyNodeValues::sameOrigin(const RyNodeValues &o) const
+{
+    return std::equal(rigging.begin(), rigging.begin() + 3, o.rigging.begin());
+}
+
+bool RyNodeValues::sameOrientation(const RyNodeValues &o) const
+{
+    return std::equal(rigging.begin() + 6, rigging.end(), o.rigging.begin() + 6);
+}
+
+bool RyNodeValues::samePose(const RyNodeValues &o) const
+{
+    return pose == o.pose && rotationOrder == o.rotationOrder && inheritScale == o.inheritScale && sameOrigin(o) &&
+           sameOrientation(o);
+}
