@@ -47,7 +47,6 @@ public:
         return {float(double(y) * o.z - double(z) * o.y), float(double(z) * o.x - double(x) * o.z),
                 float(double(x) * o.y - double(y) * o.x)};
     }
-    constexpr float lengthSquared() const { return dot(*this); }
     /// Computed in double, so that neither tiny nor huge vectors lose their length.
     float length() const;
     /// Makes the length 1; a zero vector stays zero.

@@ -26,7 +26,6 @@ public:
 
     void setInfluences(int vertexCount, const std::vector<Channel> &channels);
     int getNumVertices() const { return m_vertexCount; }
-    int getNumChannels() const { return m_channelCount; }
 
     /// The deformed positions, valid until the next call. `maps` has one map per channel. With the same `source` (not
     /// null) and `revision` as in the last call the rest positions are taken to be the same. Other sizes than those of
