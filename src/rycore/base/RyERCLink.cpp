@@ -92,8 +92,11 @@ bool RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
     if (!controller || !controlled || findLink(controller, controlled) || wouldCloseCycle(controller, controlled))
         return false;
     link->m_self = link;
-    controller->m_outgoing.push_back(link.get());
-    controlled->m_incoming.push_back(link.get());
+    const auto insert = [&](std::vector<RyERCLink *> &links, size_t place) {
+        links.insert(links.begin() + std::ptrdiff_t(std::min(place, links.size())), link.get());
+    };
+    insert(controller->m_outgoing, link->m_outgoingPlace);
+    insert(controlled->m_incoming, link->m_incomingPlace);
     controlled->announceIfChanged();
     return true;
 }
@@ -103,8 +106,12 @@ void RyERCLink::detach(bool announce)
     const std::shared_ptr<RyERCLink> keep = std::exchange(m_self, nullptr);
     if (!keep)
         return;
-    std::erase(m_controller->m_outgoing, this);
-    std::erase(m_controlled->m_incoming, this);
+    const auto take = [this](std::vector<RyERCLink *> &links) {
+        const auto place = std::find(links.begin(), links.end(), this);
+        return size_t(links.erase(place) - links.begin());
+    };
+    m_outgoingPlace = take(m_controller->m_outgoing);
+    m_incomingPlace = take(m_controlled->m_incoming);
     if (announce)
         m_controlled->announceIfChanged();
 }

@@ -36,5 +36,8 @@ private:
 
     QPointer<RyFloatProperty> m_controller;
     QPointer<RyFloatProperty> m_controlled;
+    // Where it stood in the lists of the properties when it was detached; at first behind all.
+    size_t m_outgoingPlace = SIZE_MAX;
+    size_t m_incomingPlace = SIZE_MAX;
     std::shared_ptr<RyERCLink> m_self; // set while attached: the properties keep the link alive
 };
