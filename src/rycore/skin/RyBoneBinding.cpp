@@ -104,9 +104,11 @@ void RyBoneBinding::setBulgeBinding(int axis, RyBulgeBinding *bulge)
 
 void RyBoneBinding::applyBulge(int axis, const RyRef<RyBulgeBinding> &bulge)
 {
-    if (m_bulges[axis]) {
-        disconnect(m_bulges[axis].get(), nullptr, this, nullptr);
-        m_bulges[axis]->m_binding = nullptr;
+    if (RyBulgeBinding *old = m_bulges[axis].get()) {
+        disconnect(old, nullptr, this, nullptr);
+        // Within an undo step another binding may have it already.
+        if (old->m_binding == this)
+            old->m_binding = nullptr;
     }
     m_bulges[axis] = bulge;
     if (bulge) {
