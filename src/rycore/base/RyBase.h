@@ -21,6 +21,6 @@ protected:
     virtual void nameHasChanged() {}
 
 private:
-    friend class RyBaseNameChange;
+    struct NameValue;
     void applyName(const QString &name);
 };

@@ -1,31 +1,21 @@
 #include "rycore/base/RyERCLink.h"
 
-#include "rycore/undo/RyUndoItem.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
 #include <utility>
 
-/// Keeps whether a link is in force.
-class RyERCLinkChange : public RyUndoItem
+/// Whether a link is in force. While it is not, undo steps alone hold it.
+struct RyERCLink::AttachedValue : RyValueOf<RyERCLink, bool, std::shared_ptr<RyERCLink>>
 {
-public:
-    explicit RyERCLinkChange(const std::shared_ptr<RyERCLink> &link) : m_link(link), m_attached(link->isAttached()) {}
-
-    RyUndoKey key() const override { return {m_link.get(), 1}; }
-    void swap() override
+    static bool get(const RyERCLink &link) { return link.isAttached(); }
+    static void put(RyERCLink &link, bool attached)
     {
-        const bool inPlace = m_link->isAttached();
-        if (m_attached && !inPlace)
-            RyERCLink::attach(m_link);
-        else if (!m_attached && inPlace)
-            m_link->detach();
-        m_attached = inPlace;
+        if (attached && !link.isAttached())
+            attach(link.shared_from_this());
+        else if (!attached && link.isAttached())
+            link.detach();
     }
-
-private:
-    std::shared_ptr<RyERCLink> m_link;
-    bool m_attached;
 };
 
 static RyERCLink *findLink(const RyFloatProperty *controller, const RyFloatProperty *controlled)
@@ -53,8 +43,7 @@ RyERCLink *RyERCLink::create(RyFloatProperty *controller, RyFloatProperty *contr
     if (findLink(controller, controlled))
         return nullptr;
     const std::shared_ptr<RyERCLink> link(new RyERCLink(controller, controlled), [](RyERCLink *old) { delete old; });
-    if (RyUndoStack *stack = ryUndoStack())
-        stack->record<RyERCLinkChange>(RyUndoKey{link.get(), 1}, link);
+    RyValueChange<AttachedValue>::record(link);
     attach(link);
     return link.get();
 }
@@ -64,8 +53,7 @@ void RyERCLink::remove(RyERCLink *link)
     if (!link || !link->isAttached())
         return;
     const std::shared_ptr<RyERCLink> keep = link->m_self;
-    if (RyUndoStack *stack = ryUndoStack())
-        stack->record<RyERCLinkChange>(RyUndoKey{link, 1}, keep);
+    RyValueChange<AttachedValue>::record(keep);
     link->detach();
 }
 

@@ -10,7 +10,7 @@
 /// A link from a controller property to a controlled one, additive with scale 1: (controller value minus controller
 /// default) is added to the controlled property's resulting value. A change of the controller is announced by the
 /// controlled property too. The link goes when either property goes.
-class RyERCLink
+class RyERCLink : public std::enable_shared_from_this<RyERCLink>
 {
 public:
     /// Makes and attaches a link. Null and `InvalidArgument` for null properties or a link that would close a cycle;
@@ -25,7 +25,7 @@ public:
 
 private:
     friend class RyFloatProperty;
-    friend class RyERCLinkChange;
+    struct AttachedValue;
     RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled);
     ~RyERCLink() = default;
     static bool wouldCloseCycle(const RyFloatProperty *controller, const RyFloatProperty *controlled);

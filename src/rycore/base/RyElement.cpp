@@ -2,36 +2,15 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
-#include "rycore/undo/RyUndoItem.h"
-#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
-
-#include <QPointer>
+#include "rycore/undo/RyValueChange.h"
 
 #include <utility>
 
-static const char labelAspect = 0;
-
-class RyElementLabelChange : public RyUndoItem
+struct RyElement::LabelValue : RyValueOf<RyElement, QString>
 {
-public:
-    explicit RyElementLabelChange(RyElement *element)
-        : m_element(element), m_key(keyOf(element)), m_label(element->m_label)
-    {}
-
-    static RyUndoKey keyOf(const RyElement *element) { return {element, quintptr(&labelAspect)}; }
-    RyUndoKey key() const override { return m_key; }
-    bool isAlive() const override { return m_element; }
-    void swap() override
-    {
-        if (m_element)
-            m_element->applyLabel(std::exchange(m_label, m_element->m_label));
-    }
-
-private:
-    QPointer<RyElement> m_element;
-    RyUndoKey m_key;
-    QString m_label;
+    static QString get(const RyElement &element) { return element.m_label; }
+    static void put(RyElement &element, const QString &label) { element.applyLabel(label); }
 };
 
 RyElement::RyElement(QObject *parent) : RyBase(parent) {}
@@ -53,8 +32,7 @@ void RyElement::setLabel(const QString &label)
 {
     if (label == m_label && label.isNull() == m_label.isNull())
         return;
-    if (RyUndoStack *stack = ryUndoStack())
-        stack->record<RyElementLabelChange>(RyElementLabelChange::keyOf(this), this);
+    RyValueChange<LabelValue>::record(this);
     applyLabel(label);
 }
 

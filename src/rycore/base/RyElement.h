@@ -67,7 +67,7 @@ protected:
     virtual void editCancelled() {}
 
 private:
-    friend class RyElementLabelChange;
+    struct LabelValue;
     void applyLabel(const QString &label);
     void copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing);
 

@@ -1,7 +1,6 @@
 #include "rycore/mesh/RyFacetMesh.h"
 
-#include "rycore/mesh/RyFacetMeshChanges.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
 
@@ -23,9 +22,23 @@ RyFacetMesh *RyFacetMesh::copy() const
     return mesh;
 }
 
+/// The facets with all groups: old facets cannot take the groups of new ones.
+struct RyFacetMesh::FacetsValue : RyValueOf<RyFacetMesh, std::pair<std::vector<RyFacet>, QStringList>>
+{
+    static Value get(const RyFacetMesh &mesh) { return {mesh.m_facets, mesh.grouping().names}; }
+    static void exchange(RyFacetMesh &mesh, Value &value) { mesh.swapFacets(value.first, value.second); }
+};
+
+/// The groups and who is in them.
+struct RyFacetMesh::GroupsValue : RyValueOf<RyFacetMesh, Grouping>
+{
+    static Grouping get(const RyFacetMesh &mesh) { return mesh.grouping(); }
+    static void put(RyFacetMesh &mesh, const Grouping &grouping) { mesh.restoreGrouping(grouping); }
+};
+
 void RyFacetMesh::setFacets(std::vector<RyFacet> facets)
 {
-    ryUndoStack()->record<RyFacetsChange>({this, RyFacetsChange::Aspect}, this);
+    RyValueChange<FacetsValue>::record(this);
     for (RyFacet &facet : facets)
         facet.group = -1;
     QStringList names = grouping().names;
@@ -179,7 +192,7 @@ void RyFacetMesh::rebuildGroupLists()
 
 void RyFacetMesh::recordGroups()
 {
-    ryUndoStack()->record<RyFaceGroupsChange>({this, RyFaceGroupsChange::Aspect}, this);
+    RyValueChange<GroupsValue>::record(this);
 }
 
 int RyFacetMesh::getNeighbour(int facet, int edge) const

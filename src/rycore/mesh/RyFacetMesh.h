@@ -58,8 +58,8 @@ protected:
     void editCancelled() override;
 
 private:
-    friend class RyFaceGroupsChange;
-    friend class RyFacetsChange;
+    struct FacetsValue;
+    struct GroupsValue;
     /// Names of the groups in order, and the group of every facet.
     struct Grouping
     {

@@ -1,41 +1,20 @@
 #include "rycore/mesh/RyVertexMesh.h"
 
-#include "rycore/undo/RyUndoStack.h"
-
-#include <QPointer>
+#include "rycore/undo/RyValueChange.h"
 
 #include <utility>
 
-namespace {
-
-constexpr quintptr PositionsAspect = 1;
-
-} // namespace
-
-/// All positions of a mesh.
-class RyPositionsChange : public RyUndoItem
+struct RyVertexMesh::PositionsValue : RyValueOf<RyVertexMesh, std::vector<RyVec3>>
 {
-public:
-    explicit RyPositionsChange(RyVertexMesh *mesh) : m_mesh(mesh), m_key(mesh), m_positions(mesh->m_positions) {}
-    void swap() override
-    {
-        if (m_mesh)
-            m_mesh->swapPositions(m_positions);
-    }
-    RyUndoKey key() const override { return {m_key, PositionsAspect}; }
-    bool isAlive() const override { return !m_mesh.isNull(); }
-
-private:
-    QPointer<RyVertexMesh> m_mesh;
-    const void *m_key;
-    std::vector<RyVec3> m_positions;
+    static const Value &get(const RyVertexMesh &mesh) { return mesh.m_positions; }
+    static void exchange(RyVertexMesh &mesh, Value &positions) { mesh.swapPositions(positions); }
 };
 
 RyVertexMesh::RyVertexMesh(QObject *parent) : RyElement(parent) {}
 
 void RyVertexMesh::recordPositions()
 {
-    ryUndoStack()->record<RyPositionsChange>({this, PositionsAspect}, this);
+    RyValueChange<PositionsValue>::record(this);
 }
 
 void RyVertexMesh::swapPositions(std::vector<RyVec3> &positions)

@@ -42,7 +42,7 @@ protected:
     void swapPositions(std::vector<RyVec3> &positions);
 
 private:
-    friend class RyPositionsChange;
+    struct PositionsValue;
     void recordPositions();
 
     std::vector<RyVec3> m_positions;

@@ -1,37 +1,14 @@
 #include "rycore/mesh/RyWeightMap.h"
 
-#include "rycore/undo/RyUndoStack.h"
-
-#include <QPointer>
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
 
-namespace {
-
-constexpr quintptr WeightsAspect = 1;
-
-} // namespace
-
-/// Count and weights of a map, kept sparse.
-class RyWeightsChange : public RyUndoItem
+/// Count and weights, kept sparse.
+struct RyWeightMap::WeightsValue : RyValueOf<RyWeightMap, State>
 {
-public:
-    explicit RyWeightsChange(RyWeightMap *map) : m_map(map), m_key(map), m_state(map->state()) {}
-    void swap() override
-    {
-        if (!m_map)
-            return;
-        RyWeightMap::State now = m_map->state();
-        m_map->restore(std::move(m_state));
-        m_state = std::move(now);
-    }
-    RyUndoKey key() const override { return {m_key, WeightsAspect}; }
-    bool isAlive() const override { return !m_map.isNull(); }
-
-private:
-    QPointer<RyWeightMap> m_map;
-    const void *m_key;
-    RyWeightMap::State m_state;
+    static State get(const RyWeightMap &map) { return map.state(); }
+    static void put(RyWeightMap &map, State &&state) { map.restore(std::move(state)); }
 };
 
 /// Assigning an empty list would keep it.
@@ -178,7 +155,7 @@ void RyWeightMap::makeDense() const
 
 void RyWeightMap::recordChange()
 {
-    ryUndoStack()->record<RyWeightsChange>({this, WeightsAspect}, this);
+    RyValueChange<WeightsValue>::record(this);
 }
 
 void RyWeightMap::touch()

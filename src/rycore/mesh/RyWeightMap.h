@@ -54,13 +54,13 @@ protected:
     void editCancelled() override;
 
 private:
-    friend class RyWeightsChange;
     struct State
     {
         int count = 0;
         std::vector<int> indices;
         std::vector<quint16> weights;
     };
+    struct WeightsValue;
     State state() const;
     void restore(State state);
     void makeSparse() const;

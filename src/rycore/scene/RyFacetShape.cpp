@@ -1,51 +1,23 @@
 #include "rycore/scene/RyFacetShape.h"
 
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
-static constexpr quintptr MeshAspect = 100;
-static constexpr quintptr PartsAspect = 101;
-
-/// Which mesh a shape holds.
-class RyFacetMeshExchange : public RyUndoItem
+/// Which mesh it holds.
+struct RyFacetShape::MeshValue : RyValueOf<RyFacetShape, RyRef<RyFacetMesh>>
 {
-public:
-    explicit RyFacetMeshExchange(RyFacetShape *shape) : m_shape(shape), m_key(shape), m_mesh(shape->getFacetMesh()) {}
-    void swap() override
-    {
-        if (!m_shape)
-            return;
-        const RyRef<RyFacetMesh> now = m_shape->m_mesh;
-        m_shape->applyMesh(m_mesh);
-        m_mesh = now;
-    }
-    RyUndoKey key() const override { return {m_key, MeshAspect}; }
-    bool isAlive() const override { return !m_shape.isNull(); }
-
-private:
-    QPointer<RyFacetShape> m_shape;
-    const RyFacetShape *m_key;
-    RyRef<RyFacetMesh> m_mesh;
+    static const Value &get(const RyFacetShape &shape) { return shape.m_mesh; }
+    static void put(RyFacetShape &shape, const Value &mesh) { shape.applyMesh(mesh); }
 };
 
 /// Which parts it has.
-class RyMeshPartsExchange : public RyUndoItem
+struct RyFacetShape::PartsValue : RyValueOf<RyFacetShape, std::shared_ptr<const RyMeshParts>>
 {
-public:
-    explicit RyMeshPartsExchange(RyFacetShape *shape) : m_shape(shape), m_key(shape), m_parts(shape->getParts()) {}
-    void swap() override
+    static const Value &get(const RyFacetShape &shape) { return shape.m_parts; }
+    static void exchange(RyFacetShape &shape, Value &parts)
     {
-        if (!m_shape)
-            return;
-        std::swap(m_shape->m_parts, m_parts);
-        emit m_shape->geometryChanged();
+        shape.m_parts.swap(parts);
+        emit shape.geometryChanged();
     }
-    RyUndoKey key() const override { return {m_key, PartsAspect}; }
-    bool isAlive() const override { return !m_shape.isNull(); }
-
-private:
-    QPointer<RyFacetShape> m_shape;
-    const RyFacetShape *m_key;
-    std::shared_ptr<const RyMeshParts> m_parts;
 };
 
 RyFacetShape::RyFacetShape(RyFacetMesh *mesh)
@@ -69,7 +41,7 @@ void RyFacetShape::setParts(std::shared_ptr<const RyMeshParts> parts)
 {
     if (parts == m_parts)
         return;
-    ryUndoStack()->record<RyMeshPartsExchange>({this, PartsAspect}, this);
+    RyValueChange<PartsValue>::record(this);
     m_parts = std::move(parts);
     emit geometryChanged();
 }
@@ -79,6 +51,6 @@ void RyFacetShape::setFacetMesh(RyFacetMesh *mesh)
     if (m_mesh.get() == mesh)
         return;
     const RyRef<RyFacetMesh> guard(mesh);
-    ryUndoStack()->record<RyFacetMeshExchange>({this, MeshAspect}, this);
+    RyValueChange<MeshValue>::record(this);
     applyMesh(guard);
 }

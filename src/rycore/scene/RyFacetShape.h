@@ -25,8 +25,8 @@ signals:
     void facetMeshChanged();
 
 private:
-    friend class RyFacetMeshExchange;
-    friend class RyMeshPartsExchange;
+    struct MeshValue;
+    struct PartsValue;
     void applyMesh(const RyRef<RyFacetMesh> &mesh);
     RyRef<RyFacetMesh> m_mesh;
     std::shared_ptr<const RyMeshParts> m_parts;

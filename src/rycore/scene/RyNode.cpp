@@ -2,11 +2,10 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
-#include "rycore/scene/RyNodeChanges.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <QPointer>
 
@@ -135,13 +134,37 @@ bool RyNode::isDescendantOf(const RyNode *node) const
     return false;
 }
 
+/// Where a node hangs: its parent and its place among the siblings. It counts while a step may bring it back.
+struct RyNode::ParentValue : RyOrderedValueOf<RyNode, std::pair<RyRef<RyNode>, int>, RyRef<RyNode>>
+{
+    static Value get(const RyNode &node)
+    {
+        RyNode *parent = node.m_parent;
+        if (!parent)
+            return {nullptr, -1};
+        const auto place = std::find(parent->m_children.begin(), parent->m_children.end(), &node);
+        return {parent, int(place - parent->m_children.begin())};
+    }
+    static void put(RyNode &node, const Value &value)
+    {
+        const RyRef<RyNode> now(node.m_parent);
+        RyNode *parent = value.first.get();
+        if (now)
+            now->detachChild(&node);
+        if (parent && parent != &node && !parent->isDescendantOf(&node))
+            parent->attachChild(&node, std::min(value.second, parent->getNumNodeChildren()));
+        if (node.m_scene)
+            emit node.m_scene->nodeListChanged();
+    }
+};
+
 bool RyNode::addNodeChild(RyNode *child, bool keepWorld, int index)
 {
     if (!child || child == this || (!child->m_children.empty() && isDescendantOf(child)))
         return false;
     const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
     const RyRef<RyNode> guard(child);
-    ryUndoStack()->record<RyNodeParentChange>({}, child);
+    RyValueChange<ParentValue>::record(child);
     if (child->m_parent)
         child->m_parent->detachChild(child);
     attachChild(child, index < 0 ? int(m_children.size()) : std::min(index, int(m_children.size())));
@@ -160,7 +183,7 @@ bool RyNode::removeNodeChild(RyNode *child, bool keepWorld)
         return false;
     const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
     const RyRef<RyNode> guard(child);
-    ryUndoStack()->record<RyNodeParentChange>({}, child);
+    RyValueChange<ParentValue>::record(child);
     detachChild(child);
     if (keepWorld)
         child->takePoseFrom(before);
@@ -221,37 +244,46 @@ bool RyNode::isVisible() const
     return true;
 }
 
+template<bool RyNode::*Flag>
+struct RyNode::FlagValue : RyValueOf<RyNode, bool>
+{
+    static bool get(const RyNode &node) { return node.*Flag; }
+    static void put(RyNode &node, bool value)
+    {
+        if (node.*Flag == value)
+            return;
+        node.*Flag = value;
+        node.announceFlag(Flag);
+    }
+};
+
+template<bool RyNode::*Flag>
+void RyNode::setFlag(bool value)
+{
+    if (this->*Flag == value)
+        return;
+    RyValueChange<FlagValue<Flag>>::record(this);
+    FlagValue<Flag>::put(*this, value);
+}
+
 void RyNode::setHidden(bool hidden)
 {
-    setFlag(&RyNode::m_hidden, hidden);
+    setFlag<&RyNode::m_hidden>(hidden);
 }
 
 void RyNode::setSelectable(bool selectable)
 {
-    setFlag(&RyNode::m_selectable, selectable);
+    setFlag<&RyNode::m_selectable>(selectable);
 }
 
 void RyNode::setPromoteSelection(bool promote)
 {
-    setFlag(&RyNode::m_promoteSelection, promote);
+    setFlag<&RyNode::m_promoteSelection>(promote);
 }
 
 void RyNode::setInheritScale(bool inherit)
 {
-    setFlag(&RyNode::m_inheritScale, inherit);
-}
-
-void RyNode::setFlag(bool RyNode::*flag, bool value)
-{
-    if (this->*flag == value)
-        return;
-    const RyNodeAspect aspect = flag == &RyNode::m_hidden             ? RyNodeAspect::Hidden
-                                : flag == &RyNode::m_selectable       ? RyNodeAspect::Selectable
-                                : flag == &RyNode::m_promoteSelection ? RyNodeAspect::PromoteSelection
-                                                                      : RyNodeAspect::InheritScale;
-    ryUndoStack()->record<RyNodeFlagChange>(ryNodeKey(this, aspect), this, flag, aspect);
-    this->*flag = value;
-    announceFlag(flag);
+    setFlag<&RyNode::m_inheritScale>(inherit);
 }
 
 void RyNode::announceFlag(bool RyNode::*flag)
@@ -271,11 +303,17 @@ void RyNode::announceFlag(bool RyNode::*flag)
 
 // --- Objects
 
+struct RyNode::ObjectValue : RyValueOf<RyNode, RyRef<RyObject>>
+{
+    static const Value &get(const RyNode &node) { return node.m_object; }
+    static void put(RyNode &node, const Value &object) { node.applyObject(object.get()); }
+};
+
 void RyNode::setObject(RyObject *object)
 {
     if (m_object.get() == object)
         return;
-    ryUndoStack()->record<RyNodeObjectChange>(ryNodeKey(this, RyNodeAspect::Object), this);
+    RyValueChange<ObjectValue>::record(this);
     applyObject(object);
 }
 

@@ -176,16 +176,18 @@ protected:
 
 private:
     friend class RyScene;
-    friend class RyNodeParentChange;
-    friend class RyNodeFlagChange;
-    friend class RyNodeOrderChange;
-    friend class RyNodeObjectChange;
+    struct ParentValue;
+    template<bool RyNode::*Flag>
+    struct FlagValue;
+    struct OrderValue;
+    struct ObjectValue;
 
     void makeRiggingProperties();
     void makePoseProperties();
     void attachChild(RyNode *child, int index);
     void detachChild(RyNode *child);
-    void setFlag(bool RyNode::*flag, bool value);
+    template<bool RyNode::*Flag>
+    void setFlag(bool value);
     void announceFlag(bool RyNode::*flag);
     void applyRotationOrder(const RyRotationOrder &order);
     void applyObject(RyObject *object);

@@ -2,9 +2,8 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/math/RyFastMath.h"
-#include "rycore/scene/RyNodeChanges.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
 
@@ -177,11 +176,17 @@ void RyNode::editCancelled()
 
 // --- Pose
 
+struct RyNode::OrderValue : RyValueOf<RyNode, RyRotationOrder>
+{
+    static RyRotationOrder get(const RyNode &node) { return node.m_rotationOrder; }
+    static void put(RyNode &node, RyRotationOrder order) { node.applyRotationOrder(order); }
+};
+
 void RyNode::setRotationOrder(const RyRotationOrder &order)
 {
     if (order == m_rotationOrder)
         return;
-    ryUndoStack()->record<RyNodeOrderChange>(ryNodeKey(this, RyNodeAspect::RotationOrder), this);
+    RyValueChange<OrderValue>::record(this);
     applyRotationOrder(order);
 }
 

@@ -1,64 +1,24 @@
 #include "rycore/scene/RyObject.h"
 
+#include "rycore/base/RyPlaceChange.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyModifier.h"
 #include "rycore/scene/RyShape.h"
-#include "rycore/undo/RyUndoStack.h"
 
 #include <algorithm>
 
-/// A modifier's place in an object: -1 for none.
-class RyModifierChange : public RyUndoItem
+struct RyObject::ModifierList : RyListOf<RyObject, RyModifier>
 {
-public:
-    RyModifierChange(RyObject *object, RyModifier *modifier, int index)
-        : m_object(object), m_modifier(modifier), m_index(index)
-    {}
-    void swap() override
-    {
-        RyModifier *modifier = m_modifier.get();
-        if (!m_object || !modifier)
-            return;
-        const std::vector<RyModifier *> &list = m_object->getModifiers();
-        const auto place = std::find(list.begin(), list.end(), modifier);
-        const int now = place == list.end() ? -1 : int(place - list.begin());
-        if (now >= 0)
-            m_object->takeModifier(modifier);
-        if (m_index >= 0)
-            m_object->insertModifier(modifier, m_index);
-        m_index = now;
-    }
-
-private:
-    QPointer<RyObject> m_object;
-    RyRef<RyModifier> m_modifier;
-    int m_index;
+    static const auto &of(const RyObject &object) { return object.m_modifiers; }
+    static void take(RyObject &object, RyModifier *modifier) { object.takeModifier(modifier); }
+    static void insert(RyObject &object, RyModifier *modifier, int index) { object.insertModifier(modifier, index); }
 };
 
-/// A shape's place in an object: -1 for none.
-class RyShapeChange : public RyUndoItem
+struct RyObject::ShapeList : RyListOf<RyObject, RyShape>
 {
-public:
-    RyShapeChange(RyObject *object, RyShape *shape, int index) : m_object(object), m_shape(shape), m_index(index) {}
-    void swap() override
-    {
-        RyShape *shape = m_shape.get();
-        if (!m_object || !shape)
-            return;
-        const std::vector<RyShape *> &list = m_object->getShapes();
-        const auto place = std::find(list.begin(), list.end(), shape);
-        const int now = place == list.end() ? -1 : int(place - list.begin());
-        if (now >= 0)
-            m_object->takeShape(shape);
-        if (m_index >= 0)
-            m_object->insertShape(shape, m_index);
-        m_index = now;
-    }
-
-private:
-    QPointer<RyObject> m_object;
-    RyRef<RyShape> m_shape;
-    int m_index;
+    static const auto &of(const RyObject &object) { return object.m_shapes; }
+    static void take(RyObject &object, RyShape *shape) { object.takeShape(shape); }
+    static void insert(RyObject &object, RyShape *shape, int index) { object.insertShape(shape, index); }
 };
 
 RyObject::RyObject() = default;
@@ -78,7 +38,7 @@ void RyObject::addShape(RyShape *shape)
     if (!shape || std::find(m_shapes.begin(), m_shapes.end(), shape) != m_shapes.end())
         return;
     const RyRef<RyShape> guard(shape);
-    ryUndoStack()->record<RyShapeChange>({}, this, shape, -1);
+    RyPlaceChange<ShapeList>::record(this, shape, -1);
     insertShape(shape, int(m_shapes.size()));
 }
 
@@ -109,7 +69,7 @@ void RyObject::addModifier(RyModifier *modifier)
     if (!modifier || modifier->m_object)
         return;
     const RyRef<RyModifier> guard(modifier);
-    ryUndoStack()->record<RyModifierChange>({}, this, modifier, -1);
+    RyPlaceChange<ModifierList>::record(this, modifier, -1);
     insertModifier(modifier, int(m_modifiers.size()));
 }
 
@@ -119,7 +79,7 @@ void RyObject::removeModifier(RyModifier *modifier)
     if (place == m_modifiers.end())
         return;
     const RyRef<RyModifier> guard(modifier);
-    ryUndoStack()->record<RyModifierChange>({}, this, modifier, int(place - m_modifiers.begin()));
+    RyPlaceChange<ModifierList>::record(this, modifier, int(place - m_modifiers.begin()));
     takeModifier(modifier);
 }
 

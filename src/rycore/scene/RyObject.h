@@ -51,8 +51,8 @@ signals:
 
 private:
     friend class RyNode;
-    friend class RyModifierChange;
-    friend class RyShapeChange;
+    struct ModifierList;
+    struct ShapeList;
     void insertShape(RyShape *shape, int index);
     void takeShape(RyShape *shape);
     void insertModifier(RyModifier *modifier, int index);

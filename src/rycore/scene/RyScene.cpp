@@ -1,10 +1,10 @@
 #include "rycore/scene/RyScene.h"
 
+#include "rycore/base/RyPlaceChange.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/RyUniqueNames.h"
-#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <algorithm>
@@ -28,34 +28,21 @@ void ryDestroyScene()
     g_scene = nullptr;
 }
 
-/// Whether a node is in the scene, and at which place of its list.
-class RyNodeRegistration : public RyUndoItem
+/// The nodes that are in the scene.
+struct RyScene::NodeList : RyListOf<RyScene, RyNode>
 {
-public:
-    RyNodeRegistration(RyScene *scene, RyNode *node, int index) : m_scene(scene), m_node(node), m_index(index) {}
-    void swap() override
+    static const auto &of(const RyScene &scene) { return scene.m_nodes; }
+    static void take(RyScene &scene, RyNode *node)
     {
-        RyNode *node = m_node.get();
-        if (!m_scene || !node)
-            return;
-        const std::vector<RyNode *> &nodes = m_scene->getNodes();
-        const auto place = std::find(nodes.begin(), nodes.end(), node);
-        const int now = place == nodes.end() ? -1 : int(place - nodes.begin());
-        if (now >= 0) {
-            emit node->aboutToBeRemoved();
-            m_scene->selectNode(node, false);
-            m_scene->unregisterNode(node);
-        }
-        if (m_index >= 0)
-            m_scene->registerNode(node, std::min(m_index, int(nodes.size())));
-        m_index = now;
-        emit m_scene->nodeListChanged();
+        emit node->aboutToBeRemoved();
+        scene.selectNode(node, false);
+        scene.unregisterNode(node);
     }
-
-private:
-    QPointer<RyScene> m_scene;
-    RyRef<RyNode> m_node;
-    int m_index;
+    static void insert(RyScene &scene, RyNode *node, int index)
+    {
+        scene.registerNode(node, std::min(index, int(scene.m_nodes.size())));
+    }
+    static void moved(RyScene &scene) { emit scene.nodeListChanged(); }
 };
 
 RyScene::RyScene(QObject *parent) : QObject(parent), m_keeper(std::make_unique<RyRestoreKeeper>(this))
@@ -110,7 +97,7 @@ RyError RyScene::addNode(RyNode *node)
     for (RyNode *each : subtree) {
         if (each->m_scene == this)
             continue;
-        ryUndoStack()->record<RyNodeRegistration>({}, this, each, -1);
+        RyPlaceChange<NodeList>::record(this, each, -1);
         registerNode(each, int(m_nodes.size()));
         changed = true;
     }
@@ -137,7 +124,7 @@ RyError RyScene::removeNode(RyNode *node)
         const auto place = std::find(m_nodes.begin(), m_nodes.end(), *each);
         if (place == m_nodes.end())
             continue;
-        ryUndoStack()->record<RyNodeRegistration>({}, this, *each, int(place - m_nodes.begin()));
+        RyPlaceChange<NodeList>::record(this, *each, int(place - m_nodes.begin()));
         unregisterNode(*each);
     }
     emit nodeListChanged();

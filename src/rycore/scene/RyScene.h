@@ -83,7 +83,7 @@ signals:
 
 private:
     friend class RyNode;
-    friend class RyNodeRegistration;
+    struct NodeList;
     void registerNode(RyNode *node, int index);
     void unregisterNode(RyNode *node);
     void selectNode(RyNode *node, bool onOff);

@@ -1,34 +1,23 @@
 #include "rycore/scene/RySelectionMap.h"
 
 #include "rycore/scene/RyNode.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
-/// All pairs of a map.
-class RySelectionMapChange : public RyUndoItem
+struct RySelectionMap::PairsValue : RyValueOf<RySelectionMap, std::vector<Pair>>
 {
-public:
-    explicit RySelectionMapChange(RySelectionMap *map) : m_map(map), m_key(map), m_pairs(map->m_pairs) {}
-    void swap() override
+    static const Value &get(const RySelectionMap &map) { return map.m_pairs; }
+    static void exchange(RySelectionMap &map, Value &pairs)
     {
-        if (!m_map)
-            return;
-        std::swap(m_map->m_pairs, m_pairs);
-        emit m_map->mapChanged();
+        map.m_pairs.swap(pairs);
+        emit map.mapChanged();
     }
-    RyUndoKey key() const override { return {m_key, 1}; }
-    bool isAlive() const override { return !m_map.isNull(); }
-
-private:
-    QPointer<RySelectionMap> m_map;
-    const RySelectionMap *m_key;
-    std::vector<RySelectionMap::Pair> m_pairs;
 };
 
 RySelectionMap::RySelectionMap() = default;
 
 void RySelectionMap::recordPairs()
 {
-    ryUndoStack()->record<RySelectionMapChange>({this, 1}, this);
+    RyValueChange<PairsValue>::record(this);
 }
 
 RyNode *RySelectionMap::getPairNode(int index) const

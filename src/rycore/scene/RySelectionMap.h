@@ -34,12 +34,12 @@ signals:
     void mapChanged();
 
 private:
-    friend class RySelectionMapChange;
     struct Pair
     {
         QString group;
         QPointer<RyNode> node;
     };
+    struct PairsValue;
     void recordPairs();
     std::vector<Pair> m_pairs;
 };

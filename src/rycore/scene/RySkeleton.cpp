@@ -6,55 +6,20 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RyUniqueNames.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
-/// Which selection map a skeleton has.
-class RySelectionMapExchange : public RyUndoItem
+/// Which selection map it has.
+struct RySkeleton::SelectionMapValue : RyValueOf<RySkeleton, RyRef<RySelectionMap>>
 {
-public:
-    explicit RySelectionMapExchange(RySkeleton *skeleton)
-        : m_skeleton(skeleton), m_key(skeleton), m_map(skeleton->getSelectionMap())
-    {}
-    void swap() override
-    {
-        if (!m_skeleton)
-            return;
-        const RyRef<RySelectionMap> now = m_skeleton->m_selectionMap;
-        m_skeleton->applySelectionMap(m_map);
-        m_map = now;
-    }
-    RyUndoKey key() const override { return {m_key, 100}; }
-    bool isAlive() const override { return !m_skeleton.isNull(); }
-
-private:
-    QPointer<RySkeleton> m_skeleton;
-    const RySkeleton *m_key;
-    RyRef<RySelectionMap> m_map;
+    static const Value &get(const RySkeleton &skeleton) { return skeleton.m_selectionMap; }
+    static void put(RySkeleton &skeleton, const Value &map) { skeleton.applySelectionMap(map); }
 };
 
-/// What a skeleton follows and whether it draws its bones.
-class RySkeletonFlagsChange : public RyUndoItem
+/// What it follows and whether it draws its bones.
+struct RySkeleton::FlagsValue : RyValueOf<RySkeleton, Flags>
 {
-public:
-    static constexpr quintptr Aspect = 101;
-    RySkeletonFlagsChange(RySkeleton *skeleton, const RySkeleton::Flags &flags)
-        : m_skeleton(skeleton), m_key(skeleton), m_flags(flags)
-    {}
-    void swap() override
-    {
-        if (!m_skeleton)
-            return;
-        const RySkeleton::Flags now = m_skeleton->m_flags;
-        m_skeleton->applyFlags(m_flags);
-        m_flags = now;
-    }
-    RyUndoKey key() const override { return {m_key, Aspect}; }
-    bool isAlive() const override { return !m_skeleton.isNull(); }
-
-private:
-    QPointer<RySkeleton> m_skeleton;
-    const RySkeleton *m_key;
-    RySkeleton::Flags m_flags;
+    static const Flags &get(const RySkeleton &skeleton) { return skeleton.m_flags; }
+    static void put(RySkeleton &skeleton, const Flags &flags) { skeleton.applyFlags(flags); }
 };
 
 RySkeleton::RySkeleton() = default;
@@ -158,7 +123,7 @@ void RySkeleton::setDrawGLBones(bool draw)
 
 void RySkeleton::recordFlags()
 {
-    ryUndoStack()->record<RySkeletonFlagsChange>({this, RySkeletonFlagsChange::Aspect}, this, m_flags);
+    RyValueChange<FlagsValue>::record(this);
 }
 
 void RySkeleton::applyFlags(const Flags &flags)
@@ -175,7 +140,7 @@ void RySkeleton::setSelectionMap(RySelectionMap *map)
     if (m_selectionMap.get() == map)
         return;
     const RyRef<RySelectionMap> guard(map);
-    ryUndoStack()->record<RySelectionMapExchange>({this, 100}, this);
+    RyValueChange<SelectionMapValue>::record(this);
     applySelectionMap(guard);
 }
 

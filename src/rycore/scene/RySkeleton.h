@@ -52,8 +52,8 @@ signals:
     void followTargetChanged();
 
 private:
-    friend class RySelectionMapExchange;
-    friend class RySkeletonFlagsChange;
+    struct SelectionMapValue;
+    struct FlagsValue;
     struct Flags
     {
         QPointer<RySkeleton> followTarget;

@@ -1,10 +1,32 @@
 #include "rycore/skin/RyBoneBinding.h"
 
 #include "rycore/scene/RyElementDuplicateContext.h"
-#include "rycore/skin/RyBindingChanges.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
+
+/// The bone counts while a step may bring it back.
+struct RyBoneBinding::BoneValue : RyValueOf<RyBoneBinding, RyRef<RyBone>>
+{
+    static RyBone *get(const RyBoneBinding &binding) { return binding.getBone(); }
+    static void put(RyBoneBinding &binding, const Value &bone) { binding.applyBone(bone.get()); }
+};
+
+/// One of the maps.
+struct RyBoneBinding::MapValue : RySlotOf<RyBoneBinding, RyRef<RyWeightMap>, SlotCount>
+{
+    using RySlotOf::RySlotOf;
+    const Value &get(const RyBoneBinding &binding) const { return binding.m_maps[slot]; }
+    void put(RyBoneBinding &binding, const Value &map) const { binding.applyMap(slot, map); }
+};
+
+/// The bulge binding of an axis.
+struct RyBoneBinding::BulgeValue : RySlotOf<RyBoneBinding, RyRef<RyBulgeBinding>, 3>
+{
+    using RySlotOf::RySlotOf;
+    const Value &get(const RyBoneBinding &binding) const { return binding.m_bulges[slot]; }
+    void put(RyBoneBinding &binding, const Value &bulge) const { binding.applyBulge(slot, bulge); }
+};
 
 RyBoneBinding::RyBoneBinding() = default;
 
@@ -20,7 +42,7 @@ void RyBoneBinding::setBone(RyBone *bone)
 {
     if (bone == m_bone)
         return;
-    ryUndoStack()->record<RyBindingBoneChange>({this, RyBindingBoneChange::Aspect}, this);
+    RyValueChange<BoneValue>::record(this);
     if (bone && getName().isEmpty())
         setName(bone->getName());
     applyBone(bone);
@@ -63,7 +85,7 @@ void RyBoneBinding::setMap(int slot, RyWeightMap *map)
     if (m_maps[slot].get() == map)
         return;
     const RyRef<RyWeightMap> guard(map);
-    ryUndoStack()->record<RyBindingMapChange>({this, RyBindingMapChange::FirstAspect + quintptr(slot)}, this, slot);
+    RyValueChange<MapValue>::record(this, MapValue(slot));
     applyMap(slot, guard);
 }
 
@@ -98,7 +120,7 @@ void RyBoneBinding::setBulgeBinding(int axis, RyBulgeBinding *bulge)
     if (axis < 0 || axis > 2 || m_bulges[axis].get() == bulge || (bulge && bulge->m_binding))
         return;
     const RyRef<RyBulgeBinding> guard(bulge);
-    ryUndoStack()->record<RyBindingBulgeChange>({this, RyBindingBulgeChange::FirstAspect + quintptr(axis)}, this, axis);
+    RyValueChange<BulgeValue>::record(this, BulgeValue(axis));
     applyBulge(axis, guard);
 }
 

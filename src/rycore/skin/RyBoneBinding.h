@@ -60,9 +60,9 @@ signals:
 
 private:
     friend class RySkinBinding;
-    friend class RyBindingMapChange;
-    friend class RyBindingBulgeChange;
-    friend class RyBindingBoneChange;
+    struct BoneValue;
+    struct MapValue;
+    struct BulgeValue;
     enum Slot { General = 0, LocalX, LocalY, LocalZ, Scale, SlotCount };
     RyBoneBinding *copyFor(RyBone *bone, bool withMaps) const;
     void setMap(int slot, RyWeightMap *map);

@@ -4,7 +4,7 @@
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/skin/RyBoneBinding.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyValueChange.h"
 
 namespace {
 
@@ -13,28 +13,11 @@ constexpr const char *ControllerNames[4] = {"PosLeft", "NegLeft", "PosRight", "N
 } // namespace
 
 /// One of the two maps.
-class RyBulgeWeightsChange : public RyUndoItem
+struct RyBulgeBinding::MapValue : RySlotOf<RyBulgeBinding, RyRef<RyWeightMap>, 2>
 {
-public:
-    RyBulgeWeightsChange(RyBulgeBinding *bulge, int side)
-        : m_bulge(bulge), m_key(bulge), m_side(side), m_map(bulge->m_weights[side])
-    {}
-    void swap() override
-    {
-        if (!m_bulge)
-            return;
-        const RyRef<RyWeightMap> now = m_bulge->m_weights[m_side];
-        m_bulge->applyWeights(m_side, m_map);
-        m_map = now;
-    }
-    RyUndoKey key() const override { return {m_key, quintptr(100 + m_side)}; }
-    bool isAlive() const override { return !m_bulge.isNull(); }
-
-private:
-    QPointer<RyBulgeBinding> m_bulge;
-    const void *m_key;
-    int m_side;
-    RyRef<RyWeightMap> m_map;
+    using RySlotOf::RySlotOf;
+    const Value &get(const RyBulgeBinding &bulge) const { return bulge.m_weights[slot]; }
+    void put(RyBulgeBinding &bulge, const Value &map) const { bulge.applyWeights(slot, map); }
 };
 
 RyBulgeBinding::RyBulgeBinding(int axis) : m_axis(axis < 0 || axis > 2 ? 0 : axis)
@@ -67,7 +50,7 @@ void RyBulgeBinding::setWeights(int side, RyWeightMap *map)
     if (m_weights[side].get() == map)
         return;
     const RyRef<RyWeightMap> guard(map);
-    ryUndoStack()->record<RyBulgeWeightsChange>({this, quintptr(100 + side)}, this, side);
+    RyValueChange<MapValue>::record(this, MapValue(side));
     applyWeights(side, guard);
 }
 

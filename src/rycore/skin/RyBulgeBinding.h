@@ -47,7 +47,7 @@ signals:
 
 private:
     friend class RyBoneBinding;
-    friend class RyBulgeWeightsChange;
+    struct MapValue;
     void setWeights(int side, RyWeightMap *map);
     void applyWeights(int side, const RyRef<RyWeightMap> &map);
     QString controllerName(int index) const;

@@ -1,69 +1,38 @@
 #include "rycore/skin/RySkinBinding.h"
 
+#include "rycore/base/RyPlaceChange.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyShape.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyLocalStages.h"
 #include "rycore/skin/RyWeightNormalizer.h"
-#include "rycore/undo/RyUndoStack.h"
-
-#include <QPointer>
+#include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
-/// A binding's place in a skin: -1 for none.
-class RyBindingListChange : public RyUndoItem
+struct RySkinBinding::BindingList : RyListOf<RySkinBinding, RyBoneBinding>
 {
-public:
-    RyBindingListChange(RySkinBinding *skin, RyBoneBinding *binding, int index)
-        : m_skin(skin), m_binding(binding), m_index(index)
-    {}
-    void swap() override
+    static bool mayMove(const RySkinBinding &skin, const RyBoneBinding &binding)
     {
-        RyBoneBinding *binding = m_binding.get();
-        if (!m_skin || !binding || (binding->getSkin() && binding->getSkin() != m_skin))
-            return;
-        const auto place = std::find(m_skin->m_bindings.begin(), m_skin->m_bindings.end(), binding);
-        const int now = place == m_skin->m_bindings.end() ? -1 : int(place - m_skin->m_bindings.begin());
-        if (now >= 0)
-            m_skin->takeBinding(binding);
-        if (m_index >= 0)
-            m_skin->insertBinding(binding, m_index);
-        m_index = now;
+        return !binding.getSkin() || binding.getSkin() == &skin;
     }
-
-private:
-    QPointer<RySkinBinding> m_skin;
-    RyRef<RyBoneBinding> m_binding;
-    int m_index;
+    static const auto &of(const RySkinBinding &skin) { return skin.m_bindings; }
+    static void take(RySkinBinding &skin, RyBoneBinding *binding) { skin.takeBinding(binding); }
+    static void insert(RySkinBinding &skin, RyBoneBinding *binding, int index) { skin.insertBinding(binding, index); }
 };
 
-/// The declared kinds of maps.
-class RyMapKindsChange : public RyUndoItem
+/// The declared kinds of maps: local, general.
+struct RySkinBinding::MapKindsValue : RyValueOf<RySkinBinding, std::pair<bool, bool>>
 {
-public:
-    static constexpr quintptr Aspect = 100;
-    explicit RyMapKindsChange(RySkinBinding *skin)
-        : m_skin(skin), m_key(skin), m_local(skin->m_localKind), m_general(skin->m_generalKind)
-    {}
-    void swap() override
+    static Value get(const RySkinBinding &skin) { return {skin.m_localKind, skin.m_generalKind}; }
+    static void put(RySkinBinding &skin, Value kinds)
     {
-        if (!m_skin)
-            return;
-        std::swap(m_skin->m_localKind, m_local);
-        std::swap(m_skin->m_generalKind, m_general);
-        m_skin->announce();
+        std::tie(skin.m_localKind, skin.m_generalKind) = kinds;
+        skin.announce();
     }
-    RyUndoKey key() const override { return {m_key, Aspect}; }
-    bool isAlive() const override { return !m_skin.isNull(); }
-
-private:
-    QPointer<RySkinBinding> m_skin;
-    const void *m_key;
-    bool m_local;
-    bool m_general;
 };
 
 RySkinBinding::RySkinBinding()
@@ -96,7 +65,7 @@ bool RySkinBinding::addBoneBinding(RyBoneBinding *binding)
     if (!binding || binding->m_skin)
         return false;
     const RyRef<RyBoneBinding> guard(binding);
-    ryUndoStack()->record<RyBindingListChange>({}, this, binding, -1);
+    RyPlaceChange<BindingList>::record(this, binding, -1);
     insertBinding(binding, getNumBoneBindings());
     return true;
 }
@@ -107,7 +76,7 @@ bool RySkinBinding::removeBoneBinding(RyBoneBinding *binding)
     if (place == m_bindings.end())
         return false;
     const RyRef<RyBoneBinding> guard(binding);
-    ryUndoStack()->record<RyBindingListChange>({}, this, binding, int(place - m_bindings.begin()));
+    RyPlaceChange<BindingList>::record(this, binding, int(place - m_bindings.begin()));
     takeBinding(binding);
     return true;
 }
@@ -155,7 +124,7 @@ void RySkinBinding::setMapKinds(bool local, bool general)
 {
     if (local == m_localKind && general == m_generalKind)
         return;
-    ryUndoStack()->record<RyMapKindsChange>({this, RyMapKindsChange::Aspect}, this);
+    RyValueChange<MapKindsValue>::record(this);
     m_localKind = local;
     m_generalKind = general;
     announce();

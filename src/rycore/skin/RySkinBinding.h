@@ -89,8 +89,8 @@ private slots:
     void announce();
 
 private:
-    friend class RyBindingListChange;
-    friend class RyMapKindsChange;
+    struct BindingList;
+    struct MapKindsValue;
     void insertBinding(RyBoneBinding *binding, int index);
     void takeBinding(RyBoneBinding *binding);
     std::vector<quint64> weightsKey() const;

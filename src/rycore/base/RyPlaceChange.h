@@ -1,0 +1,60 @@
+#pragma once
+
+#include "rycore/base/RyRefCounted.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <vector>
+
+/// A member's place in a list of its owner, -1 for none, as an undo item. It counts the member, and every change of the
+/// list counts. `List` says what list: `of` gives it, `take` and `insert` do and emit what an edit does and emits, for
+/// a member that `mayMove`.
+template<typename List>
+class RyPlaceChange : public RyUndoItem
+{
+public:
+    using Owner = typename List::Owner;
+    using Member = typename List::Member;
+
+    /// Keeps the place that the member has at present.
+    static void record(Owner *owner, Member *member, int index)
+    {
+        if (RyUndoStack *stack = ryUndoStack())
+            stack->record<RyPlaceChange>({}, owner, member, index);
+    }
+
+    RyPlaceChange(Owner *owner, Member *member, int index) : m_owner(owner), m_member(member), m_index(index) {}
+
+    void swap() override
+    {
+        Member *member = m_member.get();
+        if (!m_owner || !member || !List::mayMove(*m_owner, *member))
+            return;
+        const std::vector<Member *> &list = List::of(*m_owner);
+        const auto place = std::find(list.begin(), list.end(), member);
+        const int now = place == list.end() ? -1 : int(place - list.begin());
+        if (now >= 0)
+            List::take(*m_owner, member);
+        if (m_index >= 0)
+            List::insert(*m_owner, member, m_index);
+        m_index = now;
+        List::moved(*m_owner);
+    }
+
+private:
+    QPointer<Owner> m_owner;
+    RyRef<Member> m_member;
+    int m_index;
+};
+
+/// What most lists have in common.
+template<typename O, typename M>
+struct RyListOf
+{
+    using Owner = O;
+    using Member = M;
+    static bool mayMove(const O &, const M &) { return true; }
+    static void moved(O &) {}
+};
