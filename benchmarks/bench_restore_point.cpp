@@ -14,7 +14,7 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackLock.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <QCoreApplication>
 
@@ -178,7 +178,7 @@ int main(int argc, char **argv)
     for (int run = 0; run < Runs; ++run) {
         points->setMost(1);
         guarded.push_back(RyBenchmark::milliseconds([&] {
-            const RyRestoreGuard guard(QStringLiteral("Delete Bone"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Delete Bone"));
             deleteBone(scene, bone);
         }));
         // What the command changed: the maps that differ now, and those that are gone.
@@ -211,7 +211,7 @@ int main(int argc, char **argv)
     // Last, since nothing leads back: what goes with the point is what it cost.
     points->setMost(1);
     {
-        const RyRestoreGuard guard(QStringLiteral("Delete Bone"));
+        const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Delete Bone"));
         deleteBone(scene, bone);
     }
     const size_t with = allocated();

@@ -58,11 +58,12 @@ function(ry_layer name)
   set_property(GLOBAL APPEND PROPERTY RY_GRAPH "layer ${name} needs=${needs} may=${may}")
 endfunction()
 
-# ry_room(FOLDER [NEEDS room...]): a folder below src that may use the rooms it needs and those that these need in turn,
-# of all rooms of the folder above, and no file that stands loose in that folder. Such a file puts the rooms together: it
-# is as free as its layer.
+# ry_room(FOLDER [NEEDS room...] [ON_TOP]): a folder below src that may use the rooms it needs and those that these need
+# in turn, of all rooms of the folder above, and no file that stands loose in that folder: such a file puts the rooms
+# together and is as free as its layer.
+#   ON_TOP  the room knows the loose files, and they do not know it
 function(ry_room folder)
-  cmake_parse_arguments(ARG "" "" "NEEDS" ${ARGN})
+  cmake_parse_arguments(ARG "ON_TOP" "" "NEEDS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp ${CMAKE_SOURCE_DIR}/src/${folder}/*.h)
   if(NOT sources)
     message(FATAL_ERROR "Room ${folder} has no sources")
@@ -76,7 +77,11 @@ function(ry_room folder)
   endforeach()
   set_property(GLOBAL APPEND PROPERTY RY_ROOMS ${folder})
   list(JOIN ARG_NEEDS "," needs)
-  set_property(GLOBAL APPEND PROPERTY RY_GRAPH "room ${folder} needs=${needs}")
+  set(place "")
+  if(ARG_ON_TOP)
+    set(place " on_top")
+  endif()
+  set_property(GLOBAL APPEND PROPERTY RY_GRAPH "room ${folder} needs=${needs}${place}")
 endfunction()
 
 # Writes the graph as the include check reads it: one layer or room a line.

@@ -444,7 +444,7 @@ private:
             nodes.push_back(ryScene()->findNode(name));
         ryScene()->setSelection(nodes);
         QCoreApplication::sendPostedEvents();
-        RyRestoreSpan span(className);
+        RyRestoreSpan span(RyRestoreSpan::Scope::Work, className);
         // Posed and moved, for actions that bring the one into the other.
         RyNode *forearm = ryScene()->findNode(QStringLiteral("lForearm"));
         forearm->getYRotControl()->setValue(20);

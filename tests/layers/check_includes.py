@@ -7,10 +7,11 @@ The graph has one line for each layer and each room, written by the build:
 
     layer viewport needs=skin may=widgets,gl
     room rycore/io/gltf/open needs=extras
+    room rycore/undo/restore needs= on_top
 
 - A file of src/rycore/LAYER includes "rycore/..." of its own layer and those that it needs, and nothing else of ours.
 - A file of a room includes of the rooms beside it only those that it needs, and nothing that stands loose beside them:
-  what belongs to no room puts the rooms together.
+  what belongs to no room puts the rooms together. Of a room on top it is the other way round.
 - Widgets and OpenGL are included where the layer says so.
 - The application includes the host library and itself; a plug-in the host library and itself.
 - The operations of a plug-in know neither its tool, actions, dialogs and pane, nor widgets.
@@ -29,7 +30,7 @@ COMMENT = re.compile(r"/\*.*?\*/", re.S)
 GL = re.compile(r"^(QtOpenGL)(/|$)|^(GL|EGL|GLES\d*)/|^QOpenGL|^QtGui/QOpenGL|^QtGui/qopengl")
 WIDGETS = re.compile(r"^(QtWidgets|QtPrintSupport|QtSvg)(/|$)")
 ABOVE_OPERATIONS = ("tool", "ryjeaction", "dialogs", "pane", "plugin")
-LINE = re.compile(r"^(layer|room) (\S+) needs=(\S*)(?: may=(\S*))?$")
+LINE = re.compile(r"^(layer|room) (\S+) needs=(\S*)(?: may=(\S*))?( on_top)?$")
 
 
 class GraphError(Exception):
@@ -42,12 +43,13 @@ class Graph:
     def __init__(self, text):
         self.layers = {}
         self.rooms = {}
+        self.on_top = set()
         self.may = {}
         for line in text.splitlines():
             found = LINE.match(line)
             if not found:
                 raise GraphError(f"no layer and no room: {line}")
-            kind, name, needs, may = found.groups()
+            kind, name, needs, may, on_top = found.groups()
             needs = [entry for entry in needs.split(",") if entry]
             if kind == "layer":
                 self.add(self.layers, name, needs)
@@ -55,6 +57,8 @@ class Graph:
             else:
                 house = name.rpartition("/")[0]
                 self.add(self.rooms, name, [f"{house}/{entry}" for entry in needs])
+                if on_top:
+                    self.on_top.add(name)
 
     @staticmethod
     def add(known, name, needs):
@@ -143,10 +147,16 @@ class Checker:
 
     def room_refusal(self, place, ours):
         room, other = self.graph.room_of(place), self.graph.room_of(ours)
-        if room and room.rpartition("/")[0] == "/".join(ours[:-1]):
+        loose = "/".join(ours[:-1])
+        if room and room.rpartition("/")[0] == loose and room not in self.graph.on_top:
             return f"{room} does not know what stands beside the rooms"
-        if room and other and room.rpartition("/")[0] == other.rpartition("/")[0] and other not in self.graph.rooms[room]:
-            return f"{room} does not need {other}"
+        if other is None:
+            return None
+        house, path = other.rpartition("/")[0], "/".join(place)
+        if room and room.rpartition("/")[0] == house:
+            return None if other in self.graph.rooms[room] else f"{room} does not need {other}"
+        if other in self.graph.on_top and path.startswith(house + "/") and not path.startswith(other + "/"):
+            return f"{other} lies above what is beside it"
         return None
 
     def plugin_refusal(self, place, ours, header):

@@ -20,6 +20,7 @@ room rycore/io/gltf/file needs=
 room rycore/io/gltf/document needs=file
 room rycore/io/gltf/open needs=document
 room rycore/io/gltf/save needs=document
+room rycore/undo/points needs= on_top
 room pluginsource/One/operations needs=
 room pluginsource/One/tool needs=operations
 room pluginsource/One/tool/handles needs=
@@ -30,10 +31,11 @@ room ryhost/window needs=panes
 
 CLEAN = {
     "rycore/math/RyVec3.h": "#pragma once\n#include <cmath>\n",
-    "rycore/scene/RyNode.h": '#include "rycore/math/RyVec3.h"\n#include "rycore/scene/RyBone.h"\n#include <QObject>\n',
+    "rycore/scene/RyNode.h": '#include "rycore/math/RyVec3.h"\n#include "rycore/undo/points/RyPoint.h"\n#include "rycore/scene/RyBone.h"\n#include <QObject>\n',
     "rycore/scene/RyBone.h": '// #include "rycore/ui/RyMenu.h"\n/* \n#include "rycore/ui/RyMenu.h"\n*/\n',
     "rycore/scene/RyBone.cpp": '#include "RyBone.moc"\n',
     "rycore/undo/RyStep.h": "#include <memory>\n",
+    "rycore/undo/points/RyPoint.h": '#include "rycore/undo/RyStep.h"\n',
     "rycore/io/RyFile.h": '#include "rycore/io/gltf/open/RyReader.h"\n#include "rycore/io/gltf/save/RyWriter.h"\n',
     "rycore/io/gltf/file/RyBytes.h": "#include <vector>\n",
     "rycore/io/gltf/document/RyTree.h": '#include "rycore/io/gltf/file/RyBytes.h"\n',
@@ -58,6 +60,7 @@ PLANTED = {
     "a layer on another branch": ("rycore/view/RyCamera.h", '#include "rycore/io/RyFile.h"'),
     "a layer on another branch, at the ground": ("rycore/math/RyQuat.h", '#include "rycore/undo/RyStep.h"'),
     "a room above": ("rycore/io/gltf/document/RyNode.h", '#include "rycore/io/gltf/open/RyReader.h"'),
+    "a room on top": ("rycore/undo/RyStack.cpp", '#include "rycore/undo/points/RyPoint.h"'),
     "a room beside": ("rycore/io/gltf/save/RyPatch.h", '#include "rycore/io/gltf/open/RyReader.h"'),
     "a room above in a plug-in": ("pluginsource/One/operations/snap.h", '#include "pluginsource/One/tool/RyTool.h"'),
     "what stands beside the rooms": ("pluginsource/One/tool/drags/RyTurn.h", '#include "pluginsource/One/tool/RyEditor.h"'),

@@ -16,7 +16,7 @@
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <deque>
 #include <functional>
@@ -79,7 +79,7 @@ private slots:
             RyBone *bone = bones[m_random() % bones.size()];
             bone->select(true);
             states.prepend(dump());
-            const RyRestoreGuard guard(QStringLiteral("Delete"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Delete"));
             RyUndoStackLock lock;
             deleteBone(bone);
         }

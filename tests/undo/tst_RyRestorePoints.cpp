@@ -4,7 +4,8 @@
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/RyUndoStackSilence.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/undo/restore/RyUndoKeeper.h"
 
 namespace {
@@ -35,7 +36,7 @@ private slots:
         QVERIFY(!points->take(QStringLiteral("never")));
         ToyValue toy;
         {
-            const RyRestoreGuard guard(QStringLiteral("never"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("never"));
             setAndClear(toy, 1);
         }
         QCOMPARE(points->count(), 0);
@@ -48,25 +49,25 @@ private slots:
         ToyValue toy;
         QSignalSpy taken(points, &RyRestorePoints::taken);
         {
-            const RyRestoreGuard guard(QStringLiteral("step"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("step"));
             setInStep(toy, 1);
         }
         QCOMPARE(points->count(), 0);
         {
-            const RyRestoreGuard guard(QStringLiteral("nothing"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("nothing"));
         }
         {
-            const RyRestoreGuard guard(QStringLiteral("cancelled"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("cancelled"));
             RyUndoStackHold hold;
             toy.set(9);
         }
         {
-            const RyRestoreGuard guard(QStringLiteral("undo"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("undo"));
             stack->undo();
             stack->redo();
         }
         {
-            const RyRestoreGuard guard(QStringLiteral("camera"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("camera"));
             const RyUndoStackSilence silence;
             toy.set(5);
             toy.set(1);
@@ -74,17 +75,17 @@ private slots:
         QCOMPARE(points->count(), 0);
         QCOMPARE(taken.count(), 0);
         {
-            const RyRestoreGuard guard(QStringLiteral("loose"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("loose"));
             toy.set(2);
         }
         QCOMPARE(points->captions(), QStringList{QStringLiteral("loose")});
         QCOMPARE(taken.count(), 1);
         {
-            const RyRestoreGuard guard(QStringLiteral("clearing"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("clearing"));
             stack->clearAll();
         }
         {
-            const RyRestoreGuard guard(QStringLiteral("clearing nothing"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("clearing nothing"));
             stack->clearAll();
         }
         QCOMPARE(points->captions(), (QStringList{QStringLiteral("clearing"), QStringLiteral("loose")}));
@@ -96,14 +97,14 @@ private slots:
     {
         ToyValue toy;
         {
-            const RyRestoreGuard outer(QStringLiteral("outer"));
-            const RyRestoreGuard inner(QStringLiteral("inner"));
+            const RyRestoreSpan outer(RyRestoreSpan::Scope::Command, QStringLiteral("outer"));
+            const RyRestoreSpan inner(RyRestoreSpan::Scope::Command, QStringLiteral("inner"));
             toy.set(2);
         }
         QCOMPARE(points->captions(), QStringList{QStringLiteral("outer")});
         RyUndoStackHold hold;
         {
-            const RyRestoreGuard inHold(QStringLiteral("in hold"));
+            const RyRestoreSpan inHold(RyRestoreSpan::Scope::Command, QStringLiteral("in hold"));
             RyUndoStackLock lock;
             toy.set(3);
         }
@@ -122,7 +123,7 @@ private slots:
         stack->undo();
         stack->setClean();
         {
-            const RyRestoreGuard guard(QStringLiteral("Delete"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Delete"));
             setAndClear(toy, 10);
         }
         setInStep(toy, 11, QStringLiteral("later"));
@@ -157,7 +158,7 @@ private slots:
     {
         ToyValue toy;
         {
-            const RyRestoreGuard guard(QStringLiteral("edit"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("edit"));
             toy.set(1);
         }
         stack->setClean();
@@ -298,7 +299,7 @@ private slots:
         QCOMPARE(toy.recordedItems, 1);
         // Commands that leave no point let what lies about them grow together.
         for (int i = 0; i < 50; ++i) {
-            const RyRestoreGuard guard(QStringLiteral("step"));
+            const RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("step"));
             RyUndoStackHold step;
             toy.set(1000 + i);
             step.accept(QStringLiteral("step"));

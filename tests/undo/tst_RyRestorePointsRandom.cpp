@@ -3,8 +3,8 @@
 
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <deque>
 #include <random>
@@ -106,7 +106,7 @@ void RyRestorePointsRandomTest::pointsGiveBackTheirStates()
                 // What commands do that clear the history.
                 const State before = state();
                 const bool idle = holds.empty();
-                RyRestoreGuard guard(QStringLiteral("clearing"));
+                RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("clearing"));
                 RyUndoStackLock lock;
                 stack->clearAll();
                 setSomeValue();
@@ -121,7 +121,7 @@ void RyRestorePointsRandomTest::pointsGiveBackTheirStates()
                 guarded += needed;
             } else if (kind < 60 && holds.empty()) {
                 const State before = state();
-                RyRestoreGuard guard(QStringLiteral("step"));
+                RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("step"));
                 RyUndoStackHold hold;
                 setSomeValue();
                 editList();

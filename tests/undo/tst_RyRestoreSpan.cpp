@@ -3,7 +3,6 @@
 
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
 
 class RyRestoreSpanTest : public QObject, private RestoreStage
@@ -30,7 +29,7 @@ private slots:
         setInStep(a, 2, QStringLiteral("Two"));
         stack->undo();
         {
-            RyRestoreSpan span(QStringLiteral("Work"));
+            RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Work"));
             setInStep(b, 5, QStringLiteral("Five"));
             QVERIFY(!span.isNeeded() && !span.hasLostSteps());
             setAndClear(b, 6);
@@ -62,7 +61,7 @@ private slots:
         }
         const QStringList before = points->captions();
         {
-            RyRestoreSpan span(QStringLiteral("Work"));
+            RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Work"));
             for (int i = 0; i < 5; ++i) {
                 points->take(QStringLiteral("Within"));
                 a.set(a.value + 10);
@@ -81,9 +80,9 @@ private slots:
         ToyValue a;
         points->take(QStringLiteral("Before"));
         {
-            RyRestoreSpan span(QStringLiteral("Run it"));
+            RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Run it"));
             for (int value : {3, 4}) {
-                RyRestoreGuard guard(QStringLiteral("Set %1").arg(value));
+                RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Set %1").arg(value));
                 setAndClear(a, value);
             }
             QCOMPARE(points->captions(), QStringList({"Set 4", "Set 3", "Before"}));
@@ -100,14 +99,14 @@ private slots:
     {
         ToyValue a;
         {
-            RyRestoreSpan span(QStringLiteral("Run it"));
+            RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Run it"));
             setInStep(a, 3, QStringLiteral("Three"));
         }
         QCOMPARE(points->count(), 0);
         QCOMPARE(stack->count(), 1);
         points->setMost(0);
         {
-            RyRestoreSpan span(QStringLiteral("Run it"));
+            RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Run it"));
             a.set(4);
             QVERIFY(!span.finish());
         }
@@ -118,7 +117,7 @@ private slots:
     {
         ToyValue a;
         RyUndoStackHold hold;
-        RyRestoreSpan span(QStringLiteral("Run it"));
+        RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Run it"));
         a.set(4);
         QVERIFY(!span.goBack());
         QCOMPARE(a.value, 4);
@@ -127,7 +126,7 @@ private slots:
     void aClearedHoldCountsAsLost()
     {
         ToyValue a;
-        RyRestoreGuard guard(QStringLiteral("Set"));
+        RyRestoreSpan guard(RyRestoreSpan::Scope::Command, QStringLiteral("Set"));
         RyUndoStackHold hold;
         stack->clearAll();
         QVERIFY(!guard.isNeeded());

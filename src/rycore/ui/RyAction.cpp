@@ -2,7 +2,7 @@
 
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyPlainText.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <QPointer>
 
@@ -50,7 +50,7 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
             return;
         // What undo does not take back can be gone back to before.
         const ActionOfScript script;
-        const RyRestoreGuard guard(captionOf(this));
+        const RyRestoreSpan span(RyRestoreSpan::Scope::Command, captionOf(this));
         executeAction();
     });
 }

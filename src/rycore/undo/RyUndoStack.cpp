@@ -1,8 +1,8 @@
 #include "rycore/undo/RyUndoStack.h"
 
+#include "rycore/undo/RyUndoObserver.h"
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/undo/RyUndoStep.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <QScopedValueRollback>
 
@@ -18,7 +18,7 @@ struct RyUndoStack::Private
 
     std::vector<std::shared_ptr<RyUndoStep>> steps;
     std::vector<OpenHold> holds;
-    std::unique_ptr<RyRestorePoints> points;
+    std::unique_ptr<RyUndoObserver> observer;
     int index = 0;
     int lastHoldId = 0;
     int locks = 0;
@@ -52,6 +52,20 @@ struct RyUndoStack::Private
         discard(std::move(undone));
     }
 
+    void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done)
+    {
+        if (observer)
+            observer->noteSwap(step, done);
+    }
+
+    // A change that no step holds: none leads back to the saved state.
+    void noteLooseChange()
+    {
+        if (observer)
+            observer->noteLooseChange();
+        cleanIndex = -1;
+    }
+
     // Steps without a change do not lead away from the saved state.
     bool isClean() const
     {
@@ -72,14 +86,11 @@ struct RyUndoStack::Private
 static RyUndoStack *globalStack = nullptr;
 static bool globalStackDestroyed = false;
 
-RyUndoStack::RyUndoStack(QObject *parent) : QObject(parent), d(std::make_unique<Private>())
-{
-    d->points = std::make_unique<RyRestorePoints>(this);
-}
+RyUndoStack::RyUndoStack(QObject *parent) : QObject(parent), d(std::make_unique<Private>()) {}
 
 RyUndoStack::~RyUndoStack()
 {
-    d->points->clear();
+    d->observer.reset();
     d->discarding = true;
     while (!d->holds.empty())
         d->holds.pop_back();
@@ -135,21 +146,20 @@ unsigned RyUndoStack::wants(const RyUndoKey &key)
         return d->swapped && !d->swapped->contains(key) && !d->aside->contains(key) ? unsigned(Aside) : 0u;
     unsigned takers = 0;
     if (!isRecording()) {
-        d->points->noteLooseChange();
-        d->cleanIndex = -1;
+        d->noteLooseChange();
         updateClean();
     } else if (!d->holds.back().step->contains(key)) {
         takers |= OpenHold;
     }
-    return d->points->wants(key) ? takers | RestorePoints : takers;
+    return d->observer && d->observer->wants(key) ? takers | Observer : takers;
 }
 
 void RyUndoStack::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers)
 {
     if (takers & Aside)
         d->aside->append(key, item);
-    if (takers & RestorePoints)
-        d->points->capture(key, item);
+    if (takers & Observer)
+        d->observer->capture(key, item);
     if (!(takers & OpenHold))
         return;
     d->holds.back().step->append(key, std::move(item));
@@ -207,7 +217,7 @@ void RyUndoStack::undo()
     if (!canUndo())
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(--d->index)];
-    d->points->noteSwap(step, false);
+    d->noteSwap(step, false);
     swapStep(*step, false);
     updateClean();
     emit changed();
@@ -218,7 +228,7 @@ void RyUndoStack::redo()
     if (!canRedo())
         return;
     const std::shared_ptr<RyUndoStep> step = d->steps[size_t(d->index++)];
-    d->points->noteSwap(step, true);
+    d->noteSwap(step, true);
     swapStep(*step, true);
     updateClean();
     emit changed();
@@ -269,8 +279,8 @@ void RyUndoStack::clearAll()
     const bool clean = d->isClean();
     const bool holdsChanges = std::any_of(d->holds.begin(), d->holds.end(),
                                           [](const Private::OpenHold &hold) { return !hold.step->isEmpty(); });
-    if (!d->steps.empty() || holdsChanges)
-        d->points->noteClearedHistory();
+    if (d->observer && (!d->steps.empty() || holdsChanges))
+        d->observer->noteClearedHistory();
     std::vector<std::shared_ptr<RyUndoStep>> dropped = std::move(d->steps);
     d->steps.clear();
     d->index = 0;
@@ -288,7 +298,8 @@ void RyUndoStack::setClean()
     const bool inHold = std::any_of(d->holds.begin(), d->holds.end(),
                                     [](const Private::OpenHold &hold) { return !hold.step->isEmpty(); });
     d->cleanIndex = inHold ? -1 : d->index;
-    d->points->noteSaved();
+    if (d->observer)
+        d->observer->noteSaved();
     updateClean();
 }
 
@@ -353,7 +364,7 @@ void RyUndoStack::cancelHold(int id)
         shares.push_back(std::exchange(it->step, std::make_shared<RyUndoStep>()));
     d->holds.erase(hold);
     for (size_t i = shares.size(); i-- > 0;) {
-        d->points->noteSwap(shares[i], false);
+        d->noteSwap(shares[i], false);
         swapStep(*shares[i], false);
     }
     d->discard(std::move(shares));
@@ -370,8 +381,7 @@ void RyUndoStack::forgetHold(int id)
     std::vector<std::shared_ptr<RyUndoStep>> dropped{hold->step};
     d->holds.erase(hold);
     if (!dropped.front()->isEmpty()) {
-        d->points->noteLooseChange();
-        d->cleanIndex = -1;
+        d->noteLooseChange();
     }
     d->discard(std::move(dropped));
     updateClean();
@@ -379,9 +389,9 @@ void RyUndoStack::forgetHold(int id)
         emit changed();
 }
 
-RyRestorePoints *RyUndoStack::restorePoints() const
+void RyUndoStack::setObserver(std::unique_ptr<RyUndoObserver> observer)
 {
-    return d->points.get();
+    d->observer = std::move(observer);
 }
 
 bool RyUndoStack::isIdle() const

@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-class RyRestorePoints;
+class RyUndoObserver;
 class RyUndoStep;
 
 /// The undo history. It records only while a hold is open, no lock is held and no undo or redo runs; edits at other
@@ -66,8 +66,8 @@ public:
     void setClean();
     bool isClean() const;
 
-    /// Points to go back to where no step leads.
-    RyRestorePoints *restorePoints() const;
+    /// At most one; it goes before the stack does.
+    void setObserver(std::unique_ptr<RyUndoObserver> observer);
 
 signals:
     /// Steps, index, or what can be undone may have changed.
@@ -79,7 +79,7 @@ private:
     friend class RyUndoStackHold;
     friend class RyUndoStackLock;
     /// Who keeps a change.
-    enum Taker : unsigned { OpenHold = 1, RestorePoints = 2, Aside = 4 };
+    enum Taker : unsigned { OpenHold = 1, Observer = 2, Aside = 4 };
     /// All steps, how many of them are done, and which count of done ones is the saved state (-1: none).
     struct History
     {
@@ -90,6 +90,7 @@ private:
     unsigned wants(const RyUndoKey &key);
     void swapStep(RyUndoStep &step, bool done);
     void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers);
+    // For who goes back where no step leads.
     /// Neither a hold is open nor a change being swapped or discarded.
     bool isIdle() const;
     History history() const;

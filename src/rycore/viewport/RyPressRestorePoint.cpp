@@ -19,15 +19,15 @@ RyPressRestorePoint::~RyPressRestorePoint()
 void RyPressRestorePoint::pressed()
 {
     const RyUndoStack *stack = ryUndoStack();
-    if (m_guard.isNeeded() && stack && !stack->isHoldOpen())
+    if (m_span.isNeeded() && stack && !stack->isHoldOpen())
         finish();
 }
 
 void RyPressRestorePoint::finish()
 {
-    if (m_guard.isNeeded())
-        m_guard.setCaption(caption());
-    m_guard.finish();
+    if (m_span.isNeeded())
+        m_span.setCaption(caption());
+    m_span.finish();
 }
 
 QString RyPressRestorePoint::caption() const

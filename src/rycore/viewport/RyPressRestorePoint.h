@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -29,5 +29,5 @@ private:
     QPointer<RyScene> m_scene;
     QString m_toolName;
     std::unordered_set<const RyNode *> m_nodes; // only compared; some may be gone
-    RyRestoreGuard m_guard;
+    RyRestoreSpan m_span{RyRestoreSpan::Scope::Command};
 };

@@ -305,7 +305,7 @@ ExitCode BatchRunner::runScript(const QString &path)
     if (!script.loadFromFile(path, true))
         return fail(ExitCode::ScriptFailed,
                     QStringLiteral("%1: the script cannot be read: %2").arg(path, script.getError()));
-    const RyRestoreSpan span(QStringLiteral("Run %1").arg(script.getName()));
+    const RyRestoreSpan span(RyRestoreSpan::Scope::Work, QStringLiteral("Run %1").arg(script.getName()));
     return script.execute()
                ? ExitCode::Done
                : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));

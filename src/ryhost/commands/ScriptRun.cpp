@@ -80,7 +80,7 @@ void ScriptRun::execute(const QString &path)
 
 bool ScriptRun::run(const QString &path)
 {
-    RyRestoreSpan span(tr("Run %1").arg(QFileInfo(path).completeBaseName()));
+    RyRestoreSpan span(RyRestoreSpan::Scope::Work, tr("Run %1").arg(QFileInfo(path).completeBaseName()));
     execute(path);
     const bool canGoBack = span.finish();
     if (!m_failure.isEmpty())

@@ -6,7 +6,7 @@
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/restore/RyRestoreGuard.h"
+#include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -137,7 +137,7 @@ bool HostFiles::mergePath(const QString &path)
 {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     // Opening makes no steps.
-    const RyRestoreGuard guard(tr("Merge %1").arg(QFileInfo(path).fileName()));
+    const RyRestoreSpan span(RyRestoreSpan::Scope::Command, tr("Merge %1").arg(QFileInfo(path).fileName()));
     if (!load(absolute, true))
         return false;
     emit opened();

@@ -13,7 +13,7 @@ QScriptValue RyUndoScripting::step(const QString &caption, const QScriptValue &f
     }
     QScriptEngine *scripts = engine(); // known only until the call
     const auto *host = qobject_cast<const RyScriptEngine *>(scripts);
-    RyRestoreSpan span(caption);
+    RyRestoreSpan span(RyRestoreSpan::Scope::Work, caption);
     RyUndoStackHold hold;
     const QScriptValue result = QScriptValue(function).call();
     if (scripts->hasUncaughtException() || (host && host->isStopping())) {

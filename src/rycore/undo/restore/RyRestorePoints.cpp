@@ -2,18 +2,32 @@
 
 #include "rycore/undo/restore/RyUndoKeeper.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 RyRestorePoints *ryRestorePoints()
 {
+    // Made once, like the stack that owns them.
+    static QPointer<RyRestorePoints> points;
+    static bool made = false;
     RyUndoStack *stack = ryUndoStack();
-    return stack ? stack->restorePoints() : nullptr;
+    if (stack && !std::exchange(made, true)) {
+        auto first = std::make_unique<RyRestorePoints>(stack);
+        points = first.get();
+        stack->setObserver(std::move(first));
+    }
+    return points;
 }
 
 RyRestorePoints::RyRestorePoints(RyUndoStack *stack) : m_stack(stack) {}
 
-RyRestorePoints::~RyRestorePoints() = default;
+RyRestorePoints::~RyRestorePoints()
+{
+    clear();
+}
 
 void RyRestorePoints::setMost(int most)
 {
@@ -63,7 +77,7 @@ QDateTime RyRestorePoints::time(int index) const
     return point ? point->time : QDateTime();
 }
 
-RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack, bool pending, bool isSpan)
+RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack, bool pending, bool isWork)
 {
     std::vector<std::function<void()>> kept;
     for (RyUndoKeeper *keeper : m_keepers)
@@ -71,7 +85,7 @@ RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack
     // A copy of its own: the text may lie in the data of a library that is unloaded before the point goes.
     const QString text(caption.constData(), caption.size());
     return m_points.insert(m_points.end(), {++m_lastId, text, QDateTime::currentDateTime(), m_log.mark(),
-                                            m_stack->history(), std::move(kept), wayBack, pending, isSpan, m_unkept});
+                                            m_stack->history(), std::move(kept), wayBack, pending, isWork, m_unkept});
 }
 
 RyRestorePoints::Place RyRestorePoints::find(int id)
@@ -153,11 +167,13 @@ void RyRestorePoints::swapBack(const Point &now, const Point &wanted)
     });
 }
 
-int RyRestorePoints::begin()
+int RyRestorePoints::begin(bool isWork)
 {
-    const bool waiting = std::any_of(m_points.begin(), m_points.end(),
-                                     [](const Point &point) { return point.pending && !point.isSpan; });
-    return m_most == 0 || waiting || !m_stack->isIdle() ? 0 : add(QString(), false, true)->id;
+    if (!m_stack->isIdle())
+        return 0;
+    const bool inCommand = std::any_of(m_points.begin(), m_points.end(),
+                                       [](const Point &point) { return point.pending && !point.isWork; });
+    return isWork || (m_most > 0 && !inCommand) ? add(QString(), false, true, isWork)->id : 0;
 }
 
 bool RyRestorePoints::end(int id, bool keep, const QString &caption)
@@ -165,9 +181,16 @@ bool RyRestorePoints::end(int id, bool keep, const QString &caption)
     const Place point = find(id);
     if (point == m_points.end())
         return false;
-    if (!keep) {
+    // Work may begin where no point may stay.
+    if (!keep || (point->isWork && m_most == 0)) {
         drop(point);
         return false;
+    }
+    // Work stands before all that was taken within it.
+    for (Place inner = std::next(point); point->isWork && inner != m_points.end();) {
+        const Place each = inner++;
+        if (!each->pending)
+            drop(each);
     }
     point->pending = false;
     point->caption = QString(caption.constData(), caption.size());
@@ -175,26 +198,6 @@ bool RyRestorePoints::end(int id, bool keep, const QString &caption)
     emit changed();
     emit taken();
     return true;
-}
-
-int RyRestorePoints::beginSpan()
-{
-    return m_stack->isIdle() ? add(QString(), false, true, true)->id : 0;
-}
-
-bool RyRestorePoints::endSpan(int id, bool keep, const QString &caption)
-{
-    const Place point = find(id);
-    if (point == m_points.end())
-        return false;
-    keep = keep && m_most > 0;
-    // It stands before all that was taken within it.
-    for (Place inner = std::next(point); keep && inner != m_points.end();) {
-        const Place each = inner++;
-        if (!each->pending)
-            drop(each);
-    }
-    return end(id, keep, caption);
 }
 
 bool RyRestorePoints::goBack(int id)

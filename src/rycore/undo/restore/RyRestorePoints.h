@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/undo/RyUndoObserver.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyUndoLog.h"
 
@@ -16,10 +17,11 @@ class RyUndoKeeper;
 /// States of the document to go back to where no undo step leads: before a command that clears the undo history or
 /// leaves no step. While there is a point, all changes are captured, in holds and outside, under locks as well; a point
 /// costs the old values of what has changed since, once. Going back brings the undo history of that moment back too.
-class RyRestorePoints : public QObject
+class RyRestorePoints : public QObject, public RyUndoObserver
 {
     Q_OBJECT
 public:
+    /// The stack owns it and has it told.
     explicit RyRestorePoints(RyUndoStack *stack);
     ~RyRestorePoints() override;
 
@@ -55,9 +57,7 @@ signals:
     void taken();
 
 private:
-    friend class RyRestoreGuard;
     friend class RyRestoreSpan;
-    friend class RyUndoStack;
     struct Point
     {
         int id;
@@ -67,36 +67,35 @@ private:
         RyUndoStack::History history;
         std::vector<std::function<void()>> kept;
         bool wayBack;   // taken by restore
-        bool pending;   // of a guard or a span, which has not decided yet
-        bool isSpan;    // lets guards within it decide
+        bool pending;   // of a span, which has not decided yet
+        bool isWork;    // lets commands within it decide
         quint64 unkept; // at that time
     };
     using Place = std::list<Point>::iterator;
 
-    // Of the stack.
-    bool wants(const RyUndoKey &key) const { return m_log.wants(key); }
-    void capture(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item) { m_log.capture(key, std::move(item)); }
-    void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done);
-    void noteLooseChange() { ++m_unkept; }
-    void noteClearedHistory()
+    bool wants(const RyUndoKey &key) const override { return m_log.wants(key); }
+    void capture(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item) override
+    {
+        m_log.capture(key, std::move(item));
+    }
+    void noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done) override;
+    void noteLooseChange() override { ++m_unkept; }
+    void noteClearedHistory() override
     {
         ++m_unkept;
         ++m_cleared;
     }
-    void noteSaved();
-    // Of guards: the id, 0 when a point cannot be taken now or a guard waits already.
-    int begin();
+    void noteSaved() override;
+    // Of spans. The id is 0 when one cannot begin now, or a command is within another.
+    int begin(bool isWork);
     bool end(int id, bool keep, const QString &caption);
-    // Of spans: there may be several, and where no point may be taken as well.
-    int beginSpan();
-    bool endSpan(int id, bool keep, const QString &caption);
     bool goBack(int id);
     /// Grows with every change that no step holds, and when steps are lost.
     quint64 unkept() const { return m_unkept; }
     /// Grows when steps are lost.
     quint64 cleared() const { return m_cleared; }
 
-    Place add(const QString &caption, bool wayBack, bool pending, bool isSpan = false);
+    Place add(const QString &caption, bool wayBack, bool pending, bool isWork = false);
     Place find(int id);
     void swapBack(const Point &now, const Point &wanted);
     void drop(Place point);

@@ -2,13 +2,13 @@
 
 #include <utility>
 
-RyRestoreSpan::RyRestoreSpan(const QString &caption) : m_points(ryRestorePoints()), m_caption(caption)
+RyRestoreSpan::RyRestoreSpan(Scope scope, const QString &caption) : m_points(ryRestorePoints()), m_caption(caption)
 {
     if (!m_points)
         return;
     m_unkept = m_points->unkept();
     m_cleared = m_points->cleared();
-    m_id = m_points->beginSpan();
+    m_id = m_points->begin(scope == Scope::Work);
 }
 
 RyRestoreSpan::~RyRestoreSpan()
@@ -18,7 +18,7 @@ RyRestoreSpan::~RyRestoreSpan()
 
 bool RyRestoreSpan::isNeeded() const
 {
-    return m_points && m_points->unkept() != m_unkept;
+    return m_id && m_points && m_points->unkept() != m_unkept;
 }
 
 bool RyRestoreSpan::hasLostSteps() const
@@ -30,7 +30,7 @@ bool RyRestoreSpan::finish()
 {
     const bool needed = isNeeded();
     const int id = std::exchange(m_id, 0);
-    return id && m_points && m_points->endSpan(id, needed, m_caption);
+    return id && m_points && m_points->end(id, needed, m_caption);
 }
 
 bool RyRestoreSpan::goBack()

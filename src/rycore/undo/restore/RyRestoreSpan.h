@@ -4,19 +4,24 @@
 
 #include <QPointer>
 
-/// Stands around work of several commands, such as a script, and leaves a restore point before all of it by the rule of
-/// `RyRestoreGuard`. Within it the guards of single commands leave points too, which go when it leaves its own. What
-/// fails can be taken back whole, also where no restore points may be taken. A span that begins while a hold is open or
-/// undo runs does nothing.
+/// Stands around something that changes the document and leaves a restore point before it where undo would not take it
+/// back: when it changed something that no step holds, or lost steps that there were. Otherwise nothing stays. A span
+/// that begins while a hold is open or undo runs does nothing.
 class RyRestoreSpan
 {
 public:
-    explicit RyRestoreSpan(const QString &caption);
+    /// A command is a single thing to do: of commands within one another the outermost counts, and where no points may
+    /// be taken it does nothing. Work is made of commands, as a script is: those within it leave points of their own,
+    /// which go when the work leaves one, and it can be taken back whole also where no points may be taken.
+    enum class Scope { Command, Work };
+    /// `caption` says what it is.
+    explicit RyRestoreSpan(Scope scope, const QString &caption = QString());
     ~RyRestoreSpan();
     RyRestoreSpan(const RyRestoreSpan &) = delete;
     RyRestoreSpan &operator=(const RyRestoreSpan &) = delete;
 
-    /// Whether something was changed that no step holds, or steps were lost.
+    void setCaption(const QString &caption) { m_caption = caption; }
+    /// Whether it would leave a point, where one may be taken, if it ended now.
     bool isNeeded() const;
     bool hasLostSteps() const;
     /// Ends it; true when a point stays. A second time does nothing.
