@@ -30,7 +30,7 @@ class FindingTest(unittest.TestCase):
         self.assertEqual(changes("x = a ? b : c ? d : e;", CONDITION), [("a", "!(a)"), ("c", "!(c)")])
         self.assertEqual(changes("if (const T *x = find()) g();", CONDITION), [("const T *x = find()", "const T *x = find(); !x")])
         self.assertEqual(changes("if (int i = g(); i) g();", CONDITION), [("i", "!(i)")])
-        self.assertEqual(changes("if constexpr (a) g();", CONDITION), [])
+        self.assertEqual(changes("if constexpr (a) g(); while (T *x = next()) h(); if (T *x = find(); T *y = x->y) h();", CONDITION), [])
 
     def test_operators_are_turned(self):
         for before, after in (("<", "<="), ("<=", "<"), (">", ">="), (">=", ">"), ("==", "!="), ("!=", "==")):
@@ -44,6 +44,8 @@ class FindingTest(unittest.TestCase):
         self.assertIn(("cast<const T *>(n) != m", "cast<const T *>(n) == m"), changes("g(1, cast<const T *>(n) != m, 2);"))
         self.assertEqual(changes("return a && b || c;", CONDITION),
                          [("a && b", "(a) || (b)"), ("a && b || c", "(a && b) && (c)")])
+        self.assertEqual(changes("return a && b && c;", CONDITION),
+                         [("a && b", "(a) || (b)"), ("a && b && c", "(a && b) || (c)")])
 
     def test_templates_and_references_are_no_operators(self):
         self.assertEqual(changes("std::vector<int> v; auto &&r = v; std::map<A *, B<C>> m; std::cout << a;", CONDITION), [])
@@ -76,6 +78,11 @@ class FindingTest(unittest.TestCase):
             self.assertEqual(before, text)
             self.assertIn(after, allowed)
 
+    def test_a_zero_becomes_another_number(self):
+        for text in ("0.0f", "0.", ".0"):
+            for name in "abcdefgh":
+                self.assertEqual(changes(f"{name} = {text};", CONSTANT), [(text, text + " + 1")])
+
     def test_constants_outside_of_functions(self):
         text = """static constexpr int n = 3;
                   enum E { A = 4 };
@@ -88,6 +95,7 @@ class FindingTest(unittest.TestCase):
     def test_what_is_no_code_is_left(self):
         self.assertEqual(changes('// if (a < b) g(1, 2);\n/* g(); */ x = "if (a < 1) g();"; y = R"(g(1); ")"; z = \'1\';'), [])
         self.assertEqual(changes("static_assert(a < 1); Q_ASSERT(g(a, 1)); qWarning() << h(1, 2) << (a < b);\n#define X g(1)\n"), [])
+        self.assertEqual(changes("switch (x) { case 4: return; case A + 5: default: return; }"), [])
         self.assertEqual(changes('x = tr("a", "b", 1); y = QCoreApplication::translate("c", "d");'), [])
 
     def test_lines_are_those_of_the_change(self):
@@ -224,6 +232,9 @@ class PartTest(unittest.TestCase):
         functions = programs.parts_of(classes[0], output.split("********* Start testing of B")[0])
         self.assertEqual([part.arguments for part in functions], [("A", "one"), ("A", "two")])
         self.assertEqual(programs.parts_of(functions[0], output), [])
+        alone = "********* Start testing of A *********\nPASS   : A::one(data)\nPASS   : A::one(more)\n"
+        self.assertEqual(programs.parts_of(self.part(""), alone), [])
+        self.assertEqual(programs.parts_of(classes[0], alone), [])
 
 
 class SurvivorsTest(unittest.TestCase):

@@ -1,6 +1,7 @@
 """A copy of the tree with the changes in it, and its build."""
 
 import concurrent.futures
+import hashlib
 import json
 import os
 import pathlib
@@ -17,6 +18,24 @@ ERROR = re.compile(r"^([^\s:][^:\n]*):(\d+):(?:\d+:)? (?:fatal )?error: (.*)$", 
 
 class BuildFailed(Exception):
     pass
+
+
+class Verdicts:
+    """Which changes compile, kept in the workplace from run to run for files that stay as they are."""
+
+    def __init__(self, place, candidates):
+        self.path = place.folder / "compiling.json"
+        self.known = json.loads(self.path.read_text()) if self.path.exists() else {}
+        sums = {path: hashlib.sha256((place.root / path).read_bytes()).hexdigest() for path in
+                {each.path for each in candidates}}
+        self.keys = {each: f"{sums[each.path]} {each.start} {each.kind} {each.after}" for each in candidates}
+
+    def get(self, candidate):
+        return self.known.get(self.keys[candidate])
+
+    def update(self, found):
+        self.known.update({self.keys[each]: verdict for each, verdict in found.items()})
+        self.path.write_text(json.dumps({key: self.known[key] for key in self.keys.values() if key in self.known}))
 
 
 class Workplace:
