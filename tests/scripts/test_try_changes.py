@@ -12,7 +12,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
-from changes import candidates, programs, survivors  # noqa: E402
+from changes import candidates, programs, survivors, workplace  # noqa: E402
 from changes.candidates import ARGUMENTS, CALL, CONDITION, CONSTANT, choose, find_candidates, instrument, rank  # noqa: E402
 
 
@@ -201,6 +201,55 @@ class RunningTest(unittest.TestCase):
         numbers = set(map(int, reached.read_text().split()))
         self.assertIn(self.numbers[15, ";"], numbers)
         self.assertNotIn(self.numbers[17, ";"], numbers)
+
+
+class WorkplaceTest(unittest.TestCase):
+    TEXT = "void f()\n{\n    g(1);\n    if (a)\n        h();\n}\n"
+
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        root = pathlib.Path(self.folder.name, "root")
+        root.mkdir()
+        subprocess.run(["git", "init", "-q", str(root)], check=True)
+        (root / ".gitignore").write_text("/build*/\n")
+        (root / "a.cpp").write_text(self.TEXT)
+        (root / "old.cpp").write_text("int i;\n")
+        self.root, self.place = root, workplace.Workplace(root, root / "build-changes", 1)
+        self.found = find_candidates({"a.cpp": self.TEXT})
+
+    def tearDown(self):
+        self.folder.cleanup()
+
+    def test_the_copy_equals_the_tree_but_for_the_changes(self):
+        self.place.fill({5: self.found[0]})
+        tree = self.place.tree
+        self.assertIn("ryChange(5)", (tree / "a.cpp").read_text())
+        self.assertEqual((tree / "old.cpp").read_text(), "int i;\n")
+        self.assertEqual((self.root / "a.cpp").read_text(), self.TEXT)
+        before = (tree / "old.cpp").stat().st_mtime_ns
+        self.place.fill({})
+        self.assertEqual((tree / "a.cpp").read_text(), self.TEXT)
+        self.assertEqual((tree / "old.cpp").stat().st_mtime_ns, before)
+        (self.root / "old.cpp").unlink()
+        self.place.fill({})
+        self.assertFalse((tree / "old.cpp").exists())
+
+    def test_errors_tell_which_changes_do_not_compile(self):
+        self.place.fill({})
+        self.assertEqual([each.line for each in self.found], [3, 3, 4, 5])
+        for line, lines in ((3, {3}), (4, {4}), (6, {5})):
+            output = f"{self.place.tree}/a.cpp:{line}:7: error: no\n{self.place.tree}/a.cpp:5:1: note: yes\n"
+            self.assertEqual({each.line for each in self.place.refused(self.found, output)}, lines)
+        self.assertEqual(self.place.refused(self.found, "/elsewhere/a.cpp:3:1: error: no\n"), set())
+
+    def test_verdicts_are_kept_while_the_file_stays(self):
+        self.place.fill({})
+        workplace.Verdicts(self.place, self.found).update({self.found[0]: True, self.found[2]: False})
+        again = workplace.Verdicts(self.place, self.found)
+        self.assertEqual([again.get(each) for each in self.found], [True, None, False, None])
+        (self.root / "a.cpp").write_text(self.TEXT + "int i;\n")
+        changed = workplace.Verdicts(self.place, self.found)
+        self.assertEqual([changed.get(each) for each in self.found], [None] * 4)
 
 
 class PartTest(unittest.TestCase):
