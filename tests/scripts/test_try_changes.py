@@ -242,6 +242,13 @@ class WorkplaceTest(unittest.TestCase):
             self.assertEqual({each.line for each in self.place.refused(self.found, output)}, lines)
         self.assertEqual(self.place.refused(self.found, "/elsewhere/a.cpp:3:1: error: no\n"), set())
 
+    def test_an_error_in_a_library_belongs_to_the_place_that_needs_it(self):
+        self.place.fill({})
+        output = f"/usr/include/x.h:9:1:   required from 'y'\n{self.place.tree}/a.cpp:4:9:   required from here\n" \
+                 "/usr/include/x.h:3:7: error: no\n"
+        self.assertEqual({each.line for each in self.place.refused(self.found, output)}, {4})
+        self.assertEqual(self.place.refused(self.found, "\n".join(output.splitlines()[:2])), set())
+
     def test_verdicts_are_kept_while_the_file_stays(self):
         self.place.fill({})
         workplace.Verdicts(self.place, self.found).update({self.found[0]: True, self.found[2]: False})

@@ -13,7 +13,8 @@ import subprocess
 from .candidates import instrument
 
 PREFIX = pathlib.Path(__file__).resolve().parent / "ryChange.h"
-ERROR = re.compile(r"^([^\s:][^:\n]*):(\d+):(?:\d+:)? (?:fatal )?error: (.*)$", re.M)
+# An error in a header of a library is told after the place that needs the template.
+ERROR = re.compile(r"^([^\s:][^:\n]*):(\d+):(?:\d+:)? +(?:(required from here)|(?:fatal )?error: )", re.M)
 
 
 class BuildFailed(Exception):
@@ -117,9 +118,14 @@ class Workplace:
 
     def refused(self, candidates, output):
         """The candidates on the lines that the compiler's errors name."""
-        bad = set()
+        bad, needing = set(), None
         for found in ERROR.finditer(output):
             path, line = os.path.realpath(os.path.join(self.build, found.group(1))), int(found.group(2))
+            if found.group(3):
+                needing = path, line
+                continue
+            if not path.startswith(os.path.realpath(self.tree)) and needing:
+                path, line = needing
             near = [each for each in candidates if os.path.realpath(self.tree / each.path) == path]
             if not near:
                 continue
