@@ -279,6 +279,16 @@ class PartTest(unittest.TestCase):
         outcome = self.part("echo 5 >> $RY_CHANGES_REACHED").run()
         self.assertEqual(outcome.reached, {5})
 
+    def test_programs_are_found_before_they_are_built(self):
+        with tempfile.TemporaryDirectory() as folder:
+            build = pathlib.Path(folder)
+            (build / "tests").mkdir()
+            (build / "tests/CTestTestfile.cmake").write_text(
+                f'add_test([=[tst_a]=] "/elsewhere/with_display" "{folder}/bin/tst_a")\n'
+                f'set_tests_properties([=[tst_a]=] PROPERTIES  TIMEOUT "600")\n'
+                f'add_test([=[tst_b]=] "/bin/python3" "-B")\nadd_test([=[other]=] "{folder}/bin/other")\n')
+            self.assertEqual(programs.find_targets(build, "^tst_"), {"tst_a": "bin/tst_a"})
+
     def test_parts(self):
         output = "\n".join(f"********* Start testing of {name} *********\nPASS   : {name}::initTestCase()\n"
                            f"PASS   : {name}::one(data)\nPASS   : {name}::one(more)\nPASS   : {name}::two()"

@@ -89,17 +89,22 @@ def end(process):
             pass
 
 
-def find_programs(build, pattern):
+def find_targets(build, pattern):
+    """{test: what the build calls its program}. ctest itself tells no command of a program that is not built yet."""
+    targets = {}
+    for path in build.rglob("CTestTestfile.cmake"):
+        for name, command in re.findall(r"^add_test\(\[=\[(.*?)\]=\] (.*)\)$", path.read_text(), re.M):
+            made = [os.path.relpath(word, build) for word in re.findall(r'"(/[^"]*)"', command)]
+            made = [word for word in made if not word.startswith("..")]
+            if made and re.search(pattern, name):
+                targets[name] = made[0]
+    return targets
+
+
+def find_programs(build, names):
     done = subprocess.run(["ctest", "--test-dir", str(build), "--show-only=json-v1"], check=True, stdout=subprocess.PIPE,
                           text=True)
-    tests = json.loads(done.stdout)["tests"]
-    return [Part(test) for test in tests if re.search(pattern, test["name"]) and "command" in test]
-
-
-def target_of(part, build):
-    """What the build calls the program, or None for one that it does not make."""
-    names = [os.path.relpath(word, build) for word in part.test["command"] if os.path.isabs(word)]
-    return next((name for name in names if not name.startswith("..")), None)
+    return [Part(test) for test in json.loads(done.stdout)["tests"] if test["name"] in names and "command" in test]
 
 
 def parts_of(part, output):
