@@ -4,7 +4,7 @@
 #include "ryhost/CommandLine.h"
 #include "ryhost/batch/BatchRunner.h"
 #include "ryhost/batch/ToolkitMessages.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/start/HostTranslations.h"
 #include "ryhost/window/HostWindow.h"
 

@@ -5,7 +5,7 @@
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 
 #include <QAction>
 

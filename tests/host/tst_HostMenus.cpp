@@ -19,8 +19,8 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/commands/menuText.h"
-#include "ryhost/files/HostFiles.h"
 #include "ryhost/panes/ToolSettingsPane.h"
 
 #include <QActionGroup>

@@ -69,13 +69,11 @@ private slots:
     void menusSpeak()
     {
         QVERIFY(menuTexts().contains(QStringLiteral("&File")));
-        QVERIFY(writeTranslationFile(path("ryhost_de.qm"), "HostMenus",
-                                     {{"&File", QStringLiteral("&Datei")}, {"&Edit", QStringLiteral("&Bearbeiten")}}));
+        QVERIFY(writeTranslationFile(path("ryhost_de.qm"), "FileMenu", {{"&File", QStringLiteral("&Datei")}}));
         {
             const HostTranslations translations(m_folder->path(), QLocale(QStringLiteral("de_DE")));
             const QStringList texts = menuTexts();
-            QVERIFY2(texts.contains(QStringLiteral("&Datei")) && texts.contains(QStringLiteral("&Bearbeiten")),
-                     qPrintable(texts.join(QLatin1Char(' '))));
+            QVERIFY2(texts.contains(QStringLiteral("&Datei")), qPrintable(texts.join(QLatin1Char(' '))));
             QVERIFY2(texts.contains(QStringLiteral("&View")), "what nobody translated stays");
         }
         QVERIFY2(menuTexts().contains(QStringLiteral("&File")), "the translations end with their object");

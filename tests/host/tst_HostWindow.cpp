@@ -13,7 +13,7 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"

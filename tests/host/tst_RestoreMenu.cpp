@@ -15,7 +15,7 @@
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 
 #include <QFile>
 #include <QMenu>

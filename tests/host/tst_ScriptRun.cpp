@@ -6,8 +6,8 @@
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/commands/ScriptRun.h"
-#include "ryhost/files/HostFiles.h"
 
 #include <QKeyEvent>
 #include <QMenu>

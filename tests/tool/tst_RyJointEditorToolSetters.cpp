@@ -243,6 +243,10 @@ void RyJointEditorToolSettersTest::boneModeByPosition()
         tool.setBoneMode(position);
         QCOMPARE(int(tool.boneDrawMode()), 3 - position);
     }
+    tool.setBoneMode(-1);
+    QCOMPARE(tool.boneDrawMode(), RyJointEditorTool::EntireFigure);
+    tool.setBoneMode(4);
+    QCOMPARE(tool.boneDrawMode(), RyJointEditorTool::NoBones);
 }
 
 RY_TEST(RyJointEditorToolSettersTest)

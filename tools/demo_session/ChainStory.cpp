@@ -8,7 +8,7 @@
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QDir>

@@ -2,7 +2,7 @@
 
 #include "demo_session/ChainStory.h"
 #include "demo_session/FirstSession.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QGuiApplication>

@@ -6,7 +6,7 @@
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QDir>

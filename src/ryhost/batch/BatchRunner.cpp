@@ -19,7 +19,7 @@
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/batch/BatchReport.h"
-#include "ryhost/plugins/HostPlugins.h"
+#include "ryhost/start/HostPlugins.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

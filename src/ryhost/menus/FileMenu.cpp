@@ -1,8 +1,8 @@
 #include "ryhost/menus/FileMenu.h"
 
 #include "rycore/app/RyMainWindow.h"
+#include "ryhost/commands/HostFiles.h"
 #include "ryhost/commands/menuText.h"
-#include "ryhost/files/HostFiles.h"
 #include "ryhost/menus/menuEntries.h"
 
 #include <QDir>

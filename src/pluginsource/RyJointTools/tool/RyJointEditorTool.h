@@ -166,7 +166,7 @@ public slots:
     void setBoneCreationActive(bool onOff);
     bool boneCreationActive();
 
-    /// By position in a list that begins with the entire figure and ends with none.
+    /// By position in a list that begins with the entire figure and ends with none; others count as the nearest end.
     void setBoneMode(int index);
 
 private slots:

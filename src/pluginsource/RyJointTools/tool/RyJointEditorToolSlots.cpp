@@ -50,7 +50,7 @@ void RyJointEditorTool::setBoneDrawMode(BoneDrawMode mode)
 
 void RyJointEditorTool::setBoneMode(int index)
 {
-    setBoneDrawMode(BoneDrawMode(EntireFigure - index));
+    setBoneDrawMode(BoneDrawMode(EntireFigure - qBound(0, index, int(EntireFigure))));
 }
 
 void RyJointEditorTool::setStaticColor(QColor color)

@@ -1,4 +1,4 @@
-#include "ryhost/plugins/HostPlugins.h"
+#include "ryhost/start/HostPlugins.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyBindToNearestBonesAction.h"

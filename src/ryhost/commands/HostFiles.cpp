@@ -1,4 +1,4 @@
-#include "ryhost/files/HostFiles.h"
+#include "ryhost/commands/HostFiles.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyAppSettings.h"
