@@ -231,6 +231,21 @@ std::vector<Row> privateRows()
     };
 }
 
+/// They change parameters of joints, of which there are none yet.
+QStringList slotsOfParameters()
+{
+    return {"translateParam(RyLegacyJointParam*,RyVec3)",
+            "rotateParam(RyLegacyJointParam*,RyQuat)",
+            "propagateParamTranslation(RyNode*,RyLegacyJointParam*,float,int)",
+            "propagateSphereTranslation(RyLegacyJointSphere*,float,int)",
+            "setStaticA(float,int)",
+            "setDynamicB(float,int)",
+            "setDynamicC(float,int)",
+            "setStaticD(float,int)",
+            "updateParamConnections()",
+            "validateAngleChange()"};
+}
+
 std::vector<Row> allRows()
 {
     std::vector<Row> rows = displayRows();
@@ -266,6 +281,7 @@ private slots:
     void everySlotIsInTheTable();
     void slotsAndSetters_data();
     void slotsAndSetters();
+    void parameters();
     void selection();
     void mouse();
     void cancelledDrag();
@@ -290,8 +306,16 @@ void RyJointEditorToolEmissionsTest::slotsAndSetters_data()
 {
     QTest::addColumn<int>("row");
     const std::vector<Row> rows = allRows();
-    for (size_t i = 0; i < rows.size(); ++i)
-        QTest::newRow(rows[i].slot) << int(i);
+    for (size_t i = 0; i < rows.size(); ++i) {
+        if (!slotsOfParameters().contains(QLatin1String(rows[i].slot)))
+            QTest::newRow(rows[i].slot) << int(i);
+    }
+}
+
+void RyJointEditorToolEmissionsTest::parameters()
+{
+    const QString what = slotsOfParameters().join(QStringLiteral(", "));
+    QSKIP(qPrintable(QStringLiteral("nothing to see yet without parametric joints: %1").arg(what)));
 }
 
 void RyJointEditorToolEmissionsTest::slotsAndSetters()

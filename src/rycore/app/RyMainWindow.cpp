@@ -93,11 +93,6 @@ RyActionMgr *RyMainWindow::getActionMgr() const
     return d->actions.get();
 }
 
-RyPluginManager *RyMainWindow::getPluginManager() const
-{
-    return d->plugins.get();
-}
-
 RyScriptEngine *RyMainWindow::getScriptEngine() const
 {
     return d->scripts.get();

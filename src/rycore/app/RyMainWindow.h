@@ -5,7 +5,6 @@
 #include <memory>
 
 class RyActionMgr;
-class RyPluginManager;
 class RyScene;
 class RyScriptEngine;
 class RyViewportMgr;
@@ -20,7 +19,6 @@ public:
 
     RyViewportMgr *getViewportMgr() const;
     RyActionMgr *getActionMgr() const;
-    RyPluginManager *getPluginManager() const;
     RyScriptEngine *getScriptEngine() const;
     RyScene *getScene() const;
 

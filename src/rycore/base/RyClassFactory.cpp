@@ -1,18 +1,8 @@
 #include "rycore/base/RyClassFactory.h"
 
-#include "rycore/base/RyError.h"
+#include "rycore/base/registerErrorType.h"
 
 #include <QMetaEnum>
-
-static QScriptValue errorToScript(QScriptEngine *engine, const RyError &error)
-{
-    return QScriptValue(engine, error.code());
-}
-
-static void errorFromScript(const QScriptValue &value, RyError &error)
-{
-    error = RyError(value.toInt32());
-}
 
 RyClassFactory::RyClassFactory(const QMetaObject *metaObject, const RyGuid &guid)
     : m_metaObject(metaObject), m_guid(guid)
@@ -28,7 +18,7 @@ QObject *RyClassFactory::createInstance(QScriptContext *)
 void RyClassFactory::registerClass(QScriptEngine *engine)
 {
     if (engine)
-        qScriptRegisterMetaType<RyError>(engine, errorToScript, errorFromScript);
+        registerErrorType(engine);
 }
 
 QString RyClassFactory::className() const

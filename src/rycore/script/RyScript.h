@@ -15,8 +15,6 @@ public:
     /// Why the latest `loadFromFile` failed; empty when it did not.
     const QString &getError() const { return m_error; }
     void setSource(const QString &source);
-    const QString &getSource() const { return m_source; }
-    const QString &getFilePath() const { return m_filePath; }
 
     /// False when the program failed, which is in the log, or when there is no engine.
     bool execute();

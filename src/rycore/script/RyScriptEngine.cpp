@@ -1,8 +1,8 @@
 #include "rycore/script/RyScriptEngine.h"
 
 #include "rycore/base/RyClassFactory.h"
-#include "rycore/base/RyError.h"
 #include "rycore/base/RyMessageLog.h"
+#include "rycore/base/registerErrorType.h"
 #include "rycore/script/prototypes/registerSceneClasses.h"
 
 #include <QMetaMethod>
@@ -13,16 +13,6 @@
 #include <utility>
 
 static std::vector<RyScriptEngine *> engines;
-
-static QScriptValue errorToScript(QScriptEngine *engine, const RyError &error)
-{
-    return QScriptValue(engine, error.code());
-}
-
-static void errorFromScript(const QScriptValue &value, RyError &error)
-{
-    error = RyError(value.toInt32());
-}
 
 static QScriptValue print(QScriptContext *context, QScriptEngine *engine)
 {
@@ -36,7 +26,7 @@ static QScriptValue print(QScriptContext *context, QScriptEngine *engine)
 RyScriptEngine::RyScriptEngine(QObject *parent) : QScriptEngine(parent)
 {
     engines.push_back(this);
-    qScriptRegisterMetaType<RyError>(this, errorToScript, errorFromScript);
+    registerErrorType(this);
     globalObject().setProperty(QStringLiteral("print"), newFunction(print));
     ryRegisterSceneClasses(this);
     // Nobody else would hear of an error in a function that a signal calls.

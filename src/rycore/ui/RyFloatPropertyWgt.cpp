@@ -129,11 +129,6 @@ void RyFloatPropertyWgt::setLabelText(const QString &text)
     refresh();
 }
 
-void RyFloatPropertyWgt::setLabelVisible(bool visible)
-{
-    m_label->setVisible(visible);
-}
-
 float RyFloatPropertyWgt::sliderMin() const
 {
     const RyFloatProperty *property = getFirstProperty();

@@ -33,7 +33,6 @@ public:
     void setSuffix(const QString &suffix);
     /// Instead of the property's label; null goes back to that.
     void setLabelText(const QString &text);
-    void setLabelVisible(bool visible);
 
     RyNumberField *numberField() const { return m_field; }
     RyScrubLabel *label() const { return m_label; }

@@ -54,6 +54,14 @@ void propagateOrientation(RyNode *node, const RyQuat &turn)
         bone->adjustOrientation(bone->getOrientation() * turn);
 }
 
+static void rotateChildBones(const RyNode &node, int axis, float angle, const RyVec3 &center)
+{
+    for (RyNode *child : node.nodeChildrenIterator()) {
+        if (qobject_cast<RyBone *>(child))
+            propagateChildRotation(child, axis, angle, true, center);
+    }
+}
+
 void propagateRotation(RyNode *node, int axis, float angle, bool recursive)
 {
     if (!node || !isAxis(axis) || angle == 0.0f)
@@ -62,12 +70,8 @@ void propagateRotation(RyNode *node, int axis, float angle, bool recursive)
     const RyVec3 center = node->getOrigin();
     node->adjustEndPoint(turnAbout(node->getEndPoint(), center, turn));
     node->adjustOrientation(node->getOrientation() * turn);
-    if (!recursive)
-        return;
-    for (RyNode *child : node->nodeChildrenIterator()) {
-        if (qobject_cast<RyBone *>(child))
-            propagateChildRotation(child, axis, angle, true, center);
-    }
+    if (recursive)
+        rotateChildBones(*node, axis, angle, center);
 }
 
 void propagateChildRotation(RyNode *node, int axis, float angle, bool recursive, const RyVec3 &center)
@@ -78,12 +82,8 @@ void propagateChildRotation(RyNode *node, int axis, float angle, bool recursive,
     node->adjustOrigin(turnAbout(node->getOrigin(), center, turn));
     node->adjustEndPoint(turnAbout(node->getEndPoint(), center, turn));
     node->adjustOrientation(node->getOrientation() * turn);
-    if (!recursive)
-        return;
-    for (RyNode *child : node->nodeChildrenIterator()) {
-        if (qobject_cast<RyBone *>(child))
-            propagateChildRotation(child, axis, angle, true, center);
-    }
+    if (recursive)
+        rotateChildBones(*node, axis, angle, center);
 }
 
 void propagateScale(RyNode *node, int axis, float factor, bool recursive)

@@ -254,7 +254,7 @@ void RyJointEditorTool::staticMatrixChange()
 
 void RyJointEditorTool::removeParamConnections()
 {
-    m_joint.angleA = m_joint.angleB = m_joint.angleC = m_joint.angleD = 0.0f;
+    m_joint.forgetAngles();
 }
 
 // The host has no parametric joints yet: whatever parameter is given is none of the current node's, so that none

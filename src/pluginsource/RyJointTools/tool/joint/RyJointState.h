@@ -26,4 +26,6 @@ struct RyJointState
     float angleB = 0.0f;
     float angleC = 0.0f;
     float angleD = 0.0f;
+
+    void forgetAngles() { angleA = angleB = angleC = angleD = 0.0f; }
 };

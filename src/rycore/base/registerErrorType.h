@@ -1,0 +1,6 @@
+#pragma once
+
+class QScriptEngine;
+
+/// Makes error codes numbers in scripts.
+void registerErrorType(QScriptEngine *engine);
