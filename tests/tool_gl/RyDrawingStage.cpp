@@ -1,9 +1,9 @@
 #include "RyDrawingStage.h"
 
 #include "rycore/viewport/RyDrawStyle.h"
-#include "rycore/viewport/RyFramebuffer.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewMatrices.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
 
 #include <cmath>
 

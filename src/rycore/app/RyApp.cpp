@@ -1,7 +1,7 @@
 #include "rycore/app/RyApp.h"
 
 #include "rycore/app/RyMainWindow.h"
-#include "rycore/scene/RyAssetIOMgr.h"
+#include "rycore/scene/assets/RyAssetIOMgr.h"
 
 #include <QApplication>
 #include <QCursor>

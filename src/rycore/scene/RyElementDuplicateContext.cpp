@@ -3,9 +3,9 @@
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
-#include "rycore/scene/RyAssetList.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/assets/RyAssetList.h"
 
 RyElementDuplicateContext::RyElementDuplicateContext(QObject *owner)
     : QObject(owner), m_ownAssets(std::make_unique<RyAssetList>())

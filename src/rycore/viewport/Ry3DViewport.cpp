@@ -9,8 +9,8 @@
 #include "rycore/viewport/RyDrawStyle.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
-#include "rycore/viewport/RyShader.h"
 #include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/drawing/RyShader.h"
 
 #include <QToolTip>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/viewport/RyFramebuffer.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
 
 #include <QRect>
 

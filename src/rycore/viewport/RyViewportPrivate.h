@@ -2,13 +2,13 @@
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyFramebuffer.h"
 #include "rycore/viewport/RyIdTile.h"
 #include "rycore/viewport/RyNodePicker.h"
 #include "rycore/viewport/RyPickPass.h"
 #include "rycore/viewport/RyPressRestorePoint.h"
-#include "rycore/viewport/RySceneRenderer.h"
 #include "rycore/viewport/RyViewportMgr.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
+#include "rycore/viewport/drawing/RySceneRenderer.h"
 
 #include <QPointer>
 

@@ -3,11 +3,11 @@
 #include "pluginsource/RyJointTools/operations/hierarchyLevel.h"
 
 #include "rycore/figure/RyFigure.h"
-#include "rycore/scene/RyAssetIOMgr.h"
-#include "rycore/scene/RyAssetLoadScope.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyUniqueNames.h"
+#include "rycore/scene/assets/RyAssetIOMgr.h"
+#include "rycore/scene/assets/RyAssetLoadScope.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackLock.h"
 

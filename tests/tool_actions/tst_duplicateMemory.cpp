@@ -3,7 +3,7 @@
 #include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
-#include "rycore/scene/RyAssetIOMgr.h"
+#include "rycore/scene/assets/RyAssetIOMgr.h"
 
 #include <malloc.h>
 

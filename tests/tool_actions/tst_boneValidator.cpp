@@ -2,7 +2,7 @@
 
 #include "RyFilledBoneDialog.h"
 #include "RyMessageBoxes.h"
-#include "RyWindowScene.h"
+#include "tool/RyWindowScene.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyCreateBoneValidator.h"
 

@@ -1,4 +1,4 @@
-#include "rycore/viewport/RySceneShaders.h"
+#include "rycore/viewport/drawing/RySceneShaders.h"
 
 namespace RySceneShaders {
 

@@ -10,9 +10,9 @@
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/scene/RyAssetIOMgr.h"
-#include "rycore/scene/RyAssetLoadScope.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
+#include "rycore/scene/assets/RyAssetIOMgr.h"
+#include "rycore/scene/assets/RyAssetLoadScope.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 namespace {

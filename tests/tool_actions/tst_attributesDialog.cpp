@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "RyWindowScene.h"
+#include "tool/RyWindowScene.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyJESelectedNodesAttributesEditDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"

@@ -1,4 +1,4 @@
-#include "rycore/scene/RyAssetList.h"
+#include "rycore/scene/assets/RyAssetList.h"
 
 #include "rycore/base/RyElement.h"
 #include "rycore/base/RyRefCounted.h"

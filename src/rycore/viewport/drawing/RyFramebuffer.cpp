@@ -1,6 +1,6 @@
 #include "rycore/viewport/RyGL.h"
 
-#include "rycore/viewport/RyFramebuffer.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
 
 #include <algorithm>
 

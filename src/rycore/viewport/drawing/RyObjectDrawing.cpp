@@ -1,11 +1,11 @@
 #include "rycore/viewport/RyGL.h"
 
-#include "rycore/viewport/RyObjectDrawing.h"
+#include "rycore/viewport/drawing/RyObjectDrawing.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/viewport/RyShader.h"
+#include "rycore/viewport/drawing/RyShader.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
-#include "rycore/scene/RyAssetIOMgr.h"
+#include "rycore/scene/assets/RyAssetIOMgr.h"
 
-#include "rycore/scene/RyAssetLoadScope.h"
+#include "rycore/scene/assets/RyAssetLoadScope.h"
 
 RyAssetIOMgr::~RyAssetIOMgr()
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "RyWindowScene.h"
+#include "tool/RyWindowScene.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/scene/RyAssetList.h"
+#include "rycore/scene/assets/RyAssetList.h"
 
 class RyAssetIOMgr;
 

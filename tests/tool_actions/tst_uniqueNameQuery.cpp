@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
 #include "RyFilledBoneDialog.h"
-#include "RyToolScene.h"
+#include "tool/RyToolScene.h"
 
 #include <dlfcn.h>
 

@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
 #include "RyMessageBoxes.h"
-#include "RyWindowScene.h"
+#include "tool/RyWindowScene.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyConvertPropToFigureDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"

@@ -1,15 +1,15 @@
 #include "rycore/viewport/RyGL.h"
 
-#include "rycore/viewport/RySceneRenderer.h"
+#include "rycore/viewport/drawing/RySceneRenderer.h"
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/viewport/RyObjectDrawing.h"
 #include "rycore/viewport/RyOffscreenContext.h"
-#include "rycore/viewport/RySceneShaders.h"
-#include "rycore/viewport/RyShader.h"
 #include "rycore/viewport/RyViewMatrices.h"
+#include "rycore/viewport/drawing/RyObjectDrawing.h"
+#include "rycore/viewport/drawing/RySceneShaders.h"
+#include "rycore/viewport/drawing/RyShader.h"
 
 #include <algorithm>
 #include <array>

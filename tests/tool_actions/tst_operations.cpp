@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "RyToolScene.h"
+#include "tool/RyToolScene.h"
 
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"

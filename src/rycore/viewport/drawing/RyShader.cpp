@@ -1,6 +1,6 @@
 #include "rycore/viewport/RyGL.h"
 
-#include "rycore/viewport/RyShader.h"
+#include "rycore/viewport/drawing/RyShader.h"
 
 #include "rycore/base/RyMessageLog.h"
 
