@@ -1,9 +1,10 @@
 #include "rycore/scene/RyNode.h"
 
-#include "rycore/base/RyFloatProperty.h"
-#include "rycore/base/RyPropertyGroup.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyValueChange.h"
 
@@ -14,8 +15,8 @@
 RyNode::RyNode(Rigging rigging)
 {
     if (rigging == Rigging::Full)
-        makeRiggingProperties();
-    makePoseProperties();
+        m_rigging.make(this, createPrivateGroups(QStringLiteral("Rigging")));
+    m_pose.make(this, createPublicGroups(QStringLiteral("Transforms")));
 }
 
 RyNode::~RyNode()
@@ -41,58 +42,6 @@ RyNode::~RyNode()
             takeChildrenOf(orphan.get());
     }
     applyObject(nullptr);
-}
-
-void RyNode::makeRiggingProperties()
-{
-    static const struct
-    {
-        const char *name;
-        const char *label;
-    } groups[3] = {{"Center Point", "Center"}, {"End Point", "End"}, {"Orientation", "Orientation"}};
-    static const char *const ids[3] = {"origin", "end", "orient"};
-    RyPropertyGroup *root = createPrivateGroups(QStringLiteral("Rigging"));
-    for (int triple = 0; triple < 3; ++triple) {
-        RyPropertyGroup *group = root->addChild(QLatin1String(groups[triple].name));
-        for (int axis = 0; axis < 3; ++axis) {
-            const QString name = QLatin1String(ids[triple]) + QLatin1Char(char('X' + axis));
-            auto property = std::make_unique<RyFloatProperty>(this, name);
-            property->setLabel(QLatin1String(groups[triple].label) + QLatin1Char(' ') + QLatin1Char(char('X' + axis)));
-            m_rigging[3 * triple + axis] = group->addProperty(std::move(property));
-        }
-    }
-}
-
-void RyNode::makePoseProperties()
-{
-    static const struct
-    {
-        const char *name;
-        const char *label;
-        const char *group;
-        float value;
-    } controls[10] = {
-        {"xtran", "X Translate", "Translation", 0},
-        {"ytran", "Y Translate", "Translation", 0},
-        {"ztran", "Z Translate", "Translation", 0},
-        {"xrot", "X Rotate", "Rotation", 0},
-        {"yrot", "Y Rotate", "Rotation", 0},
-        {"zrot", "Z Rotate", "Rotation", 0},
-        {"scale", "Scale", "Scale", 1},
-        {"xscale", "X Scale", "Scale", 1},
-        {"yscale", "Y Scale", "Scale", 1},
-        {"zscale", "Z Scale", "Scale", 1},
-    };
-    RyPropertyGroup *root = createPublicGroups(QStringLiteral("Transforms"));
-    RyPropertyGroup *group = nullptr;
-    for (int i = 0; i < 10; ++i) {
-        const QLatin1String name(controls[i].group);
-        if (!group || group->getName() != name)
-            group = root->addChild(name);
-        auto property = std::make_unique<RyFloatProperty>(this, QLatin1String(controls[i].name), controls[i].value);
-        property->setLabel(QLatin1String(controls[i].label));
-        m_pose[i] = group->addProperty(std::move(property));
-    }
 }
 
 void RyNode::nameHasChanged()
@@ -169,7 +118,7 @@ bool RyNode::addNodeChild(RyNode *child, bool keepWorld, int index)
         child->m_parent->detachChild(child);
     attachChild(child, index < 0 ? int(m_children.size()) : std::min(index, int(m_children.size())));
     if (keepWorld)
-        child->takePoseFrom(before * worldMap().inverse());
+        child->m_pose.takeFrom(before * worldMap().inverse(), child->getOrigin(), child->getOrientation());
     if (m_scene)
         emit m_scene->nodeListChanged();
     else if (child->m_scene)
@@ -186,7 +135,7 @@ bool RyNode::removeNodeChild(RyNode *child, bool keepWorld)
     RyValueChange<ParentValue>::record(child);
     detachChild(child);
     if (keepWorld)
-        child->takePoseFrom(before);
+        child->m_pose.takeFrom(before, child->getOrigin(), child->getOrientation());
     if (m_scene)
         emit m_scene->nodeListChanged();
     return true;
@@ -343,4 +292,26 @@ RyOrientedBox3 RyNode::getOrientedBoundingBox() const
     RyOrientedBox3 oriented;
     oriented.box = getBoundingBox();
     return oriented;
+}
+
+RyBox3 RyNode::getBoundingBox() const
+{
+    const RySkeleton *skeleton = getSkeleton();
+    const RyNode *holder = m_object || !skeleton ? this : skeleton;
+    RyObject *object = holder->getObject();
+    const auto *shape = object ? qobject_cast<RyFacetShape *>(object->getCurrentShape()) : nullptr;
+    const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
+    if (!mesh)
+        return {};
+    const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
+    const RyFaceGroup *group = map ? mesh->findFaceGroup(map->findGroupForNode(this)) : nullptr;
+    if (!group)
+        return mesh->getBoundingBox();
+    RyBox3 box;
+    for (int i = 0; i < group->getFacets().count(); ++i) {
+        const RyFacet &facet = mesh->getFacet(group->getFacets().getIndex(i));
+        for (int corner = 0; corner < facet.count(); ++corner)
+            box.include(mesh->getVertex(facet.vertices[corner]));
+    }
+    return box;
 }

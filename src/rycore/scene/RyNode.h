@@ -2,12 +2,12 @@
 
 #include "rycore/base/RyElement.h"
 #include "rycore/base/RyRefCounted.h"
-#include "rycore/math/RyAffine.h"
 #include "rycore/math/RyBox3.h"
-#include "rycore/math/RyMatrix3.h"
-#include "rycore/math/RyMatrix4.h"
-#include "rycore/math/RyRotationOrder.h"
 #include "rycore/math/RyTime.h"
+#include "rycore/scene/RyNodeEdit.h"
+#include "rycore/scene/RyNodeMaps.h"
+#include "rycore/scene/RyNodePose.h"
+#include "rycore/scene/RyNodeRigging.h"
 
 #include <memory>
 #include <vector>
@@ -15,7 +15,6 @@
 class RyFloatProperty;
 class RyObject;
 class RyScene;
-class RySelectionMap;
 class RySkeleton;
 
 /// A node of the scene: parent, ordered children, rigging values (default and current), pose controls, an object.
@@ -79,28 +78,28 @@ public:
     void adjustEndPoint(const RyVec3 &v);
     void adjustOrientation(const RyQuat &q);
     /// The float property or null. Orientation in degrees, fixed XYZ whatever the rotation order.
-    RyFloatProperty *getOriginXControl() const { return m_rigging[0]; }
-    RyFloatProperty *getOriginYControl() const { return m_rigging[1]; }
-    RyFloatProperty *getOriginZControl() const { return m_rigging[2]; }
-    RyFloatProperty *getEndXControl() const { return m_rigging[3]; }
-    RyFloatProperty *getEndYControl() const { return m_rigging[4]; }
-    RyFloatProperty *getEndZControl() const { return m_rigging[5]; }
-    RyFloatProperty *getOrientXControl() const { return m_rigging[6]; }
-    RyFloatProperty *getOrientYControl() const { return m_rigging[7]; }
-    RyFloatProperty *getOrientZControl() const { return m_rigging[8]; }
+    RyFloatProperty *getOriginXControl() const { return m_rigging.control(0); }
+    RyFloatProperty *getOriginYControl() const { return m_rigging.control(1); }
+    RyFloatProperty *getOriginZControl() const { return m_rigging.control(2); }
+    RyFloatProperty *getEndXControl() const { return m_rigging.control(3); }
+    RyFloatProperty *getEndYControl() const { return m_rigging.control(4); }
+    RyFloatProperty *getEndZControl() const { return m_rigging.control(5); }
+    RyFloatProperty *getOrientXControl() const { return m_rigging.control(6); }
+    RyFloatProperty *getOrientYControl() const { return m_rigging.control(7); }
+    RyFloatProperty *getOrientZControl() const { return m_rigging.control(8); }
 
     // --- Pose.
-    RyFloatProperty *getXTransControl() const { return m_pose[0]; }
-    RyFloatProperty *getYTransControl() const { return m_pose[1]; }
-    RyFloatProperty *getZTransControl() const { return m_pose[2]; }
-    RyFloatProperty *getXRotControl() const { return m_pose[3]; }
-    RyFloatProperty *getYRotControl() const { return m_pose[4]; }
-    RyFloatProperty *getZRotControl() const { return m_pose[5]; }
-    RyFloatProperty *getScaleControl() const { return m_pose[6]; }
-    RyFloatProperty *getXScaleControl() const { return m_pose[7]; }
-    RyFloatProperty *getYScaleControl() const { return m_pose[8]; }
-    RyFloatProperty *getZScaleControl() const { return m_pose[9]; }
-    RyRotationOrder getRotationOrder() const { return m_rotationOrder; }
+    RyFloatProperty *getXTransControl() const { return m_pose.control(0); }
+    RyFloatProperty *getYTransControl() const { return m_pose.control(1); }
+    RyFloatProperty *getZTransControl() const { return m_pose.control(2); }
+    RyFloatProperty *getXRotControl() const { return m_pose.control(3); }
+    RyFloatProperty *getYRotControl() const { return m_pose.control(4); }
+    RyFloatProperty *getZRotControl() const { return m_pose.control(5); }
+    RyFloatProperty *getScaleControl() const { return m_pose.control(6); }
+    RyFloatProperty *getXScaleControl() const { return m_pose.control(7); }
+    RyFloatProperty *getYScaleControl() const { return m_pose.control(8); }
+    RyFloatProperty *getZScaleControl() const { return m_pose.control(9); }
+    RyRotationOrder getRotationOrder() const { return m_pose.order(); }
     /// Undoable. Centre, end, orientation and the numbers of the pose controls stay.
     void setRotationOrder(const RyRotationOrder &order);
     /// All pose controls at their defaults.
@@ -130,9 +129,9 @@ public:
     /// The same without the transform of the node's skeleton (and what is above it): figure space to figure space.
     const RyAffine &figureMap() const;
     /// T(-origin) * linear * T(origin + translation): from figure space to figure space, relative to the parent.
-    RyAffine getLocalMap() const { return localMap(false); }
+    RyAffine getLocalMap() const;
     /// Grows whenever figureMap may have changed.
-    quint64 mapRevision() const { return m_mapRevision; }
+    quint64 mapRevision() const { return m_maps.revision(); }
     /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.
     RyVec3 getWSEndPoint() const;
 
@@ -175,6 +174,7 @@ protected:
     void editCancelled() override;
 
 private:
+    friend class RyNodeMaps;
     friend class RyScene;
     struct ParentValue;
     template<bool RyNode::*Flag>
@@ -182,8 +182,6 @@ private:
     struct OrderValue;
     struct ObjectValue;
 
-    void makeRiggingProperties();
-    void makePoseProperties();
     void attachChild(RyNode *child, int index);
     void detachChild(RyNode *child);
     template<bool RyNode::*Flag>
@@ -191,32 +189,22 @@ private:
     void announceFlag(bool RyNode::*flag);
     void applyRotationOrder(const RyRotationOrder &order);
     void applyObject(RyObject *object);
-    void writeTriple(int first, const RyVec3 &v, bool asDefault, bool adjust);
-    RyAffine localMap(bool byDefault) const;
-    RyQuat poseRotation(bool byDefault) const;
-    /// Sets the pose controls so that the local map becomes `local`, as far as they can say it.
-    void takePoseFrom(const RyAffine &local);
-    void invalidateMaps();
-    void updateMaps() const;
+    void writeRigging(RyNodeRigging::Triple triple, const RyVec3 &v, RyNodeRigging::Write how);
+    /// Announces a change of a rigging value, unless the end of an edit does.
+    void riggingHasChanged();
+    const RyNodeMaps &validMaps() const;
+    void invalidateMaps() { RyNodeMaps::invalidate(*this); }
 
     RyNode *m_parent = nullptr;
     std::vector<RyNode *> m_children; // each counted once
     RyScene *m_scene = nullptr;
-    RyFloatProperty *m_rigging[9] = {};
-    RyFloatProperty *m_pose[10] = {};
-    RyRotationOrder m_rotationOrder;
+    RyNodeRigging m_rigging;
+    RyNodePose m_pose;
+    RyNodeEdit m_edit;
+    mutable RyNodeMaps m_maps;
     RyRef<RyObject> m_object;
     bool m_hidden = false;
     bool m_selectable = true;
     bool m_promoteSelection = false;
     bool m_inheritScale = true;
-    bool m_riggingTouched = false; // within an edit
-    bool m_restoringEdit = false;
-    std::vector<float> m_editSnapshot;
-    mutable RyQuat m_worldRotation;
-    mutable RyQuat m_figureRotation;
-    mutable RyAffine m_worldMap;
-    mutable RyAffine m_figureMap;
-    mutable bool m_mapsValid = false;
-    quint64 m_mapRevision = 1;
 };

@@ -4,7 +4,7 @@
 
 RyNode *RyNode::makeSameKind() const
 {
-    return new RyNode(m_rigging[0] ? Rigging::Full : Rigging::None);
+    return new RyNode(m_rigging.exists() ? Rigging::Full : Rigging::None);
 }
 
 RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
@@ -19,7 +19,7 @@ RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
     copy->setSelectable(m_selectable);
     copy->setPromoteSelection(m_promoteSelection);
     copy->setInheritScale(m_inheritScale);
-    copy->setRotationOrder(m_rotationOrder);
+    copy->setRotationOrder(getRotationOrder());
     copy->copyPropertiesFrom(*this, !context->skipNonUserProperties());
     context->addDuplicate(this, copy);
     RyNode *parent = context->getParentNode();

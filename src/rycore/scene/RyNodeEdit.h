@@ -1,0 +1,25 @@
+#pragma once
+
+#include <vector>
+
+class RyNodePose;
+class RyNodeRigging;
+
+/// An edit of a node: the raw and default values of its controls from before, which cancel brings back, and whether its
+/// rigging changed meanwhile.
+class RyNodeEdit
+{
+public:
+    void begin(const RyNodeRigging &rigging, const RyNodePose &pose);
+    void finish();
+    /// Brings the values back. True when the rigging changed within the edit.
+    bool cancel(const RyNodeRigging &rigging, const RyNodePose &pose);
+    void touchRigging() { m_riggingTouched = true; }
+    /// Notes a change of the rigging at an edit level. True when nobody else will announce it.
+    bool noteRiggingChange(int editLevel);
+
+private:
+    std::vector<float> m_values; // raw and default in turn
+    bool m_riggingTouched = false;
+    bool m_restoring = false;
+};

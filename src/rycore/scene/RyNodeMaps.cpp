@@ -1,0 +1,98 @@
+#include "rycore/scene/RyNodeMaps.h"
+
+#include "rycore/scene/RySkeleton.h"
+
+namespace {
+
+RyAffine linearPart(const RyAffine &map)
+{
+    RyAffine linear = map;
+    linear.m[3][0] = linear.m[3][1] = linear.m[3][2] = 0.0;
+    return linear;
+}
+
+/// X of a child whose local map is `local`; a child that does not inherit scale keeps its parent's rotation alone,
+/// while its origin still goes through the parent's full map.
+RyAffine composed(const RyAffine &local, const RyAffine &parentMap, const RyQuat &parentRotation, bool inheritsScale,
+                  const RyVec3 &origin)
+{
+    if (inheritsScale)
+        return local * parentMap;
+    const double from[3] = {origin.x, origin.y, origin.z};
+    double inParent[3];
+    double target[3];
+    local.mapPoint(from, inParent);
+    parentMap.mapPoint(inParent, target);
+    return RyAffine::fromTranslation(-origin) * linearPart(local) * RyAffine::fromRotation(parentRotation) *
+           RyAffine::fromTranslation(target[0], target[1], target[2]);
+}
+
+} // namespace
+
+void RyNodeMaps::update(const RyNode &node)
+{
+    std::vector<const RyNode *> stale;
+    for (const RyNode *each = &node; each && !each->m_maps.m_valid; each = each->m_parent)
+        stale.push_back(each);
+    for (; !stale.empty(); stale.pop_back())
+        stale.back()->m_maps.follow(*stale.back());
+}
+
+void RyNodeMaps::follow(const RyNode &node)
+{
+    const RyNodeMaps *parent = node.m_parent ? &node.m_parent->m_maps : nullptr;
+    const RyVec3 origin = node.getOrigin();
+    const RyAffine local = node.getLocalMap();
+    const RyQuat rotation = node.getLocalRot();
+    const bool inherits = node.m_inheritScale;
+    if (parent) {
+        m_world = composed(local, parent->m_world, parent->m_worldRotation, inherits, origin);
+        m_worldRotation = (rotation * parent->m_worldRotation).normalized();
+    } else {
+        m_world = local;
+        m_worldRotation = rotation.normalized();
+    }
+    if (qobject_cast<const RySkeleton *>(&node)) {
+        m_figure = RyAffine();
+        m_figureRotation = RyQuat();
+    } else if (parent) {
+        m_figure = composed(local, parent->m_figure, parent->m_figureRotation, inherits, origin);
+        m_figureRotation = (rotation * parent->m_figureRotation).normalized();
+    } else {
+        m_figure = local;
+        m_figureRotation = rotation.normalized();
+    }
+    m_valid = true;
+}
+
+void RyNodeMaps::invalidate(RyNode &node)
+{
+    std::vector<RyNode *> pending{&node};
+    while (!pending.empty()) {
+        RyNode *each = pending.back();
+        pending.pop_back();
+        if (!each->m_maps.m_valid && each != &node)
+            continue;
+        each->m_maps.m_valid = false;
+        ++each->m_maps.m_revision;
+        pending.insert(pending.end(), each->m_children.begin(), each->m_children.end());
+    }
+}
+
+RyMatrix4 RyNodeMaps::defaultTransform(const RyNode &node)
+{
+    std::vector<const RyNode *> chain;
+    const RyNode *above = &node;
+    for (; above && !qobject_cast<const RySkeleton *>(above); above = above->m_parent)
+        chain.push_back(above);
+    RyAffine map = above ? above->worldMap() : RyAffine();
+    RyQuat rotation = above ? above->getWSRot() : RyQuat();
+    for (; !chain.empty(); chain.pop_back()) {
+        const RyNode &each = *chain.back();
+        const RyVec3 origin = each.getOrigin(true);
+        const RyQuat orientation = each.getOrientation(true);
+        map = composed(each.m_pose.localMap(origin, orientation, true), map, rotation, each.m_inheritScale, origin);
+        rotation = (each.m_pose.localRotation(orientation, true) * rotation).normalized();
+    }
+    return (RyAffine::fromTranslation(node.getOrigin(true)) * map).toMatrix4();
+}

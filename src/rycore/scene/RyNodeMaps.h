@@ -1,0 +1,40 @@
+#pragma once
+
+#include "rycore/math/RyAffine.h"
+
+class RyNode;
+
+/// The maps of a node's place in the tree, kept until something above or in it changes. Row vectors: for node N with
+/// parent P,
+///   X(N) = T(-origin) * linear(N) * T(origin + translation) * X(P)
+/// maps points of figure space to the world; the world transform T(origin) * X(N) maps `p - origin`.
+class RyNodeMaps
+{
+public:
+    bool isValid() const { return m_valid; }
+    /// From figure space (rest) to the world.
+    const RyAffine &world() const { return m_world; }
+    /// From figure axes to world axes.
+    const RyQuat &worldRotation() const { return m_worldRotation; }
+    /// From figure space (rest) to figure space (posed).
+    const RyAffine &figure() const { return m_figure; }
+    /// Grows whenever the maps may have changed.
+    quint64 revision() const { return m_revision; }
+
+    /// Makes the maps of the node, and those above it that they follow from, valid.
+    static void update(const RyNode &node);
+    /// Those of the node and of all below it.
+    static void invalidate(RyNode &node);
+    /// From `p - origin` (figure axes, default origin) to the world, with defaults from the node up to its skeleton.
+    static RyMatrix4 defaultTransform(const RyNode &node);
+
+private:
+    void follow(const RyNode &node);
+
+    RyAffine m_world;
+    RyAffine m_figure;
+    RyQuat m_worldRotation;
+    RyQuat m_figureRotation;
+    quint64 m_revision = 1;
+    bool m_valid = false;
+};
