@@ -75,7 +75,7 @@ signals:
     void cleanChanged(bool clean);
 
 private:
-    friend class RyRestorePoints;
+    friend class RyUndoHistoryAccess;
     friend class RyUndoStackHold;
     friend class RyUndoStackLock;
     /// Who keeps a change.
@@ -90,14 +90,10 @@ private:
     unsigned wants(const RyUndoKey &key);
     void swapStep(RyUndoStep &step, bool done);
     void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers);
-    // For who goes back where no step leads.
-    /// Neither a hold is open nor a change being swapped or discarded.
+    // For RyUndoHistoryAccess, which documents them.
     bool isIdle() const;
     History history() const;
-    /// Runs `swapAll`, which leads to the state that the history belongs to, as undo runs, then puts the history in
-    /// place.
     void exchangeHistory(const History &history, const std::function<void()> &swapAll);
-    /// Runs `drop`; what dies in it is no edit.
     void discardIn(const std::function<void()> &drop);
     void setLocked(bool locked);
     int openHold();

@@ -85,7 +85,7 @@ RyRestorePoints::Place RyRestorePoints::add(const QString &caption, bool wayBack
     // A copy of its own: the text may lie in the data of a library that is unloaded before the point goes.
     const QString text(caption.constData(), caption.size());
     return m_points.insert(m_points.end(), {++m_lastId, text, QDateTime::currentDateTime(), m_log.mark(),
-                                            m_stack->history(), std::move(kept), wayBack, pending, isWork, m_unkept});
+                                            m_stack.history(), std::move(kept), wayBack, pending, isWork, m_unkept});
 }
 
 RyRestorePoints::Place RyRestorePoints::find(int id)
@@ -95,7 +95,7 @@ RyRestorePoints::Place RyRestorePoints::find(int id)
 
 void RyRestorePoints::drop(Place point)
 {
-    m_stack->discardIn([&] {
+    m_stack.discardIn([&] {
         const RyUndoLog::Mark mark = point->mark;
         m_points.erase(point);
         m_log.drop(mark);
@@ -134,7 +134,7 @@ void RyRestorePoints::clear()
 
 bool RyRestorePoints::take(const QString &caption)
 {
-    if (m_most == 0 || !m_stack->isIdle())
+    if (m_most == 0 || !m_stack.isIdle())
         return false;
     add(caption, false, false);
     dropTooMany();
@@ -145,7 +145,7 @@ bool RyRestorePoints::take(const QString &caption)
 bool RyRestorePoints::restore(int index)
 {
     const Point *wanted = at(index);
-    if (!wanted || !m_stack->isIdle())
+    if (!wanted || !m_stack.isIdle())
         return false;
     const int id = wanted->id;
     // Who takes a restoring back is again where the command that it is named after had not been run.
@@ -160,8 +160,8 @@ bool RyRestorePoints::restore(int index)
 
 void RyRestorePoints::swapBack(const Point &now, const Point &wanted)
 {
-    m_stack->exchangeHistory(wanted.history, [this, &now, &wanted] {
-        m_log.swapBack(now.mark, wanted.mark, [this](RyUndoStep &step, bool done) { m_stack->swapStep(step, done); });
+    m_stack.exchangeHistory(wanted.history, [this, &now, &wanted] {
+        m_log.swapBack(now.mark, wanted.mark, [this](RyUndoStep &step, bool done) { m_stack.swapStep(step, done); });
         for (const std::function<void()> &putBack : wanted.kept)
             putBack();
     });
@@ -169,7 +169,7 @@ void RyRestorePoints::swapBack(const Point &now, const Point &wanted)
 
 int RyRestorePoints::begin(bool isWork)
 {
-    if (!m_stack->isIdle())
+    if (!m_stack.isIdle())
         return 0;
     const bool inCommand = std::any_of(m_points.begin(), m_points.end(),
                                        [](const Point &point) { return point.pending && !point.isWork; });
@@ -203,7 +203,7 @@ bool RyRestorePoints::end(int id, bool keep, const QString &caption)
 bool RyRestorePoints::goBack(int id)
 {
     const Place point = find(id);
-    if (point == m_points.end() || !m_stack->isIdle())
+    if (point == m_points.end() || !m_stack.isIdle())
         return false;
     m_unkept = point->unkept;
     const Place now = add(QString(), false, true, true);
@@ -222,7 +222,7 @@ bool RyRestorePoints::goBack(int id)
 
 void RyRestorePoints::noteSwap(const std::shared_ptr<RyUndoStep> &step, bool done)
 {
-    m_stack->discardIn([&] { m_log.noteSwap(step, done); });
+    m_stack.discardIn([&] { m_log.noteSwap(step, done); });
 }
 
 void RyRestorePoints::noteSaved()

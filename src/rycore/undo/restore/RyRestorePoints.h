@@ -1,7 +1,7 @@
 #pragma once
 
+#include "rycore/undo/RyUndoHistoryAccess.h"
 #include "rycore/undo/RyUndoObserver.h"
-#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyUndoLog.h"
 
 #include <QDateTime>
@@ -64,7 +64,7 @@ private:
         QString caption;
         QDateTime time;
         RyUndoLog::Mark mark;
-        RyUndoStack::History history;
+        RyUndoHistoryAccess::History history;
         std::vector<std::function<void()>> kept;
         bool wayBack;   // taken by restore
         bool pending;   // of a span, which has not decided yet
@@ -102,7 +102,7 @@ private:
     void dropTooMany();
     const Point *at(int index) const;
 
-    RyUndoStack *m_stack;
+    RyUndoHistoryAccess m_stack;
     std::list<Point> m_points; // oldest first
     std::vector<RyUndoKeeper *> m_keepers;
     RyUndoLog m_log;
