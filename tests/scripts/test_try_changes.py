@@ -234,6 +234,17 @@ class WorkplaceTest(unittest.TestCase):
         self.place.fill({})
         self.assertFalse((tree / "old.cpp").exists())
 
+    def test_functions_tell_that_they_read_what_the_start_reaches(self):
+        text = "static const int a = 1;\nnamespace {\nint b = 2;\n}\nstruct S { int c = 3; int d() { return 4; } };\n" \
+               "constexpr int e() { return 5; }\nint f() {\n    if (b) { return a; }\n    return 6;\n}\n"
+        found = {each.before: each for each in find_candidates({"a.cpp": text})}
+        self.assertEqual([name for name, each in sorted(found.items()) if each.at_start], ["1", "2"])
+        self.assertEqual(workplace.markers({1: found["3"], 2: found["4"]}), {})
+        self.assertEqual(workplace.markers({1: found["1"], 2: found["6"]}), {"a.cpp": workplace.FIRST_MARKER})
+        marked = instrument(text, {1: found["1"]}, 77)
+        self.assertEqual([line for line in marked.splitlines() if "77" in line],
+                         ["struct S { int c = 3; int d() { ryChange(77); return 4; } };", "int f() { ryChange(77);"])
+
     def test_errors_tell_which_changes_do_not_compile(self):
         self.place.fill({})
         self.assertEqual([each.line for each in self.found], [3, 3, 4, 5])

@@ -6,7 +6,7 @@ may have been written already.
 
 import hashlib
 
-from .regions import FUNCTION, Regions
+from .regions import FUNCTION, INITIAL, Regions
 from .tokens import Source
 
 CONDITION, ARGUMENTS, CALL, CONSTANT = KINDS = ("condition", "arguments", "call", "constant")
@@ -39,6 +39,7 @@ class Candidate:
         self.first_line, self.last_line = source.tokens[first].line, source.tokens[last].line
         self.line_text = source.text.splitlines()[self.line - 1].strip()
         self.constexpr = None  # where a word stands that forbids the switch and can be "const" as well
+        self.at_start = False  # whether the place is reached when the program starts, long before what reads the value
         self.path = None
         self.rank = ""
 
@@ -241,6 +242,7 @@ class Finder:
         changed = changes[dice % len(changes)]
         found = Candidate(self.source, CONSTANT, i, i, token.text, changed, replaced(changed))
         found.constexpr = self._constexpr(i)
+        found.at_start = self.kind[i] == INITIAL
         return [found]
 
     @staticmethod
@@ -311,9 +313,13 @@ def choose(ranked, count):
     return taken
 
 
-def instrument(text, numbered):
-    """The text with all changes of {number: candidate} written into it, each behind its switch. Lines keep their numbers."""
-    constants = {each.constexpr for each in numbered.values() if each.constexpr is not None}
+def instrument(text, numbered, marker=None):
+    """The text with all changes of {number: candidate} written into it, each behind its switch. Lines keep their numbers.
+    Every function asks for the marker, which is the number of no change."""
+    edits = {each.constexpr: ("constexpr", "const") for each in numbered.values() if each.constexpr is not None}
+    if marker:
+        source = Source(text)
+        edits |= {source.tokens[i].start: ("{", f"{{ ryChange({marker});") for i in Regions(source).bodies}
     # Outer changes first; of two with one place the second is held by the first.
     ordered = sorted(numbered.items(), key=lambda item: (item[1].start, -item[1].end, item[0]))
 
@@ -331,9 +337,9 @@ def instrument(text, numbered):
 
     def plain(start, end):
         piece = text[start:end]
-        for at in sorted(constants, reverse=True):
+        for at, (before, after) in sorted(edits.items(), reverse=True):
             if start <= at < end:
-                piece = piece[:at - start] + "const" + piece[at - start + len("constexpr"):]
+                piece = piece[:at - start] + after + piece[at - start + len(before):]
         return piece
 
     return write(0, len(text), ordered)

@@ -8,26 +8,29 @@ QUIET_CALLS = re.compile(r"^(Q_\w+|QT_\w+|SIGNAL|SLOT|QStringLiteral|QLatin1Stri
 # A statement with one of these writes a log.
 LOGGING = {"qDebug", "qInfo", "qWarning", "qCritical", "RyMessageLog", "ryDeveloperMessage"}
 
-FUNCTION, INITIAL = "function", "initial"
+FUNCTION, MEMBER, INITIAL = "function", "member", "initial"
 
 
 class Regions:
-    """kind[i] says what token i belongs to: FUNCTION, INITIAL or None for all that is not to be changed."""
+    """kind[i] says what token i belongs to: FUNCTION, MEMBER (the initial value of one), INITIAL (the same of a variable
+    outside of classes and functions) or None for all that is not to be changed. bodies are the brackets that open functions.
+    """
 
     def __init__(self, source):
         self.source = source
         self.kind = [None] * len(source.words)
-        self._scope(0, len(source.words))
+        self.bodies = []
+        self._scope(0, len(source.words), INITIAL)
         self._silence()
 
     def _mark(self, first, last, kind):
         self.kind[first:last] = [kind] * (last - first)
 
-    def _scope(self, first, end):
+    def _scope(self, first, end, values):
         while first < end:
-            first = self._declaration(first, end)
+            first = self._declaration(first, end, values)
 
-    def _declaration(self, first, end):
+    def _declaration(self, first, end, values):
         """Marks one declaration of a namespace or class; returns where the next one begins."""
         words, match = self.source.words, self.source.match
         i = first
@@ -40,7 +43,7 @@ class Regions:
                 continue
             if word == ";":
                 if value is not None and words[value - 1] not in (")", "const", "override", "noexcept"):
-                    self._mark(value + 1, i, INITIAL)
+                    self._mark(value + 1, i, values)
                 return i + 1
             if word in ("(", "["):
                 if word == "(" and brackets is None and not QUIET_CALLS.match(words[i - 1]):
@@ -55,20 +58,22 @@ class Regions:
                     i = close + 1
                     continue
                 if "namespace" in heads or words[first] == "extern":
-                    self._scope(i + 1, close)
+                    self._scope(i + 1, close, values)
                     return close + 1
                 if brackets is None and {"class", "struct", "union"} & set(heads):
-                    self._scope(i + 1, close)
+                    self._scope(i + 1, close, MEMBER)
                     i = close + 1
                     continue
                 if brackets is None:
-                    self._mark(i, close, INITIAL)
+                    self._mark(i, close, values)
                     i = close + 1
                     continue
                 if close + 1 < end and words[close + 1] in (",", "{"):  # a member made by braces
                     i = close + 1
                     continue
                 self._mark(match[brackets] + 1, close + 1, FUNCTION)
+                if not {"constexpr", "consteval"} & set(heads):
+                    self.bodies.append(i)
                 return close + 1
             heads.append(word)
             i += 1

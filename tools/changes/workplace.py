@@ -17,6 +17,17 @@ PREFIX = pathlib.Path(__file__).resolve().parent / "ryChange.h"
 ERROR = re.compile(r"^([^\s:][^:\n]*):(\d+):(?:\d+:)? +(?:(required from here)|(?:fatal )?error: )", re.M)
 
 
+# Numbers of no change: the functions of a file ask for them.
+FIRST_MARKER = 5000
+
+
+def markers(numbered):
+    """{path: marker} of the sources with changes that the start of the program reaches: their functions read what these are
+    about. What a header says is read elsewhere too."""
+    paths = {each.path for each in numbered.values() if each.at_start and not each.path.endswith(".h")}
+    return {path: FIRST_MARKER + i for i, path in enumerate(sorted(paths))}
+
+
 class BuildFailed(Exception):
     pass
 
@@ -55,13 +66,13 @@ class Workplace:
     def fill(self, numbered):
         """Makes the copy equal to the tree, with {number: candidate} written into it."""
         wanted = self.files()
-        by_path = {}
+        marked, by_path = markers(numbered), {}
         for number, each in numbered.items():
             by_path.setdefault(each.path, {})[number] = each
         for path in wanted:
             data = (self.root / path).read_bytes()
             if path in by_path:
-                text = instrument(data.decode(), by_path[path])
+                text = instrument(data.decode(), by_path[path], marked.get(path))
                 # Changes make a compiler warn; it is quiet about what it takes for a header of the system.
                 quiet = "#pragma GCC system_header" if path.endswith(".h") else f'# 1 "{self.tree / path}" 3'
                 if path.endswith(".h"):
