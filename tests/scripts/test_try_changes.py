@@ -314,6 +314,23 @@ class PartTest(unittest.TestCase):
         self.assertEqual(programs.parts_of(classes[0], alone), [])
 
 
+    def test_patience_goes_to_the_quick_parts(self):
+        parts = [self.part("") for _ in range(4)]
+        for part, seconds in zip(parts, (1, 2, 4, 8)):
+            part.seconds = seconds
+        self.assertEqual(programs.within(parts, 7), parts[:3])
+        self.assertEqual(programs.within(parts, 0.5), parts[:1])
+        self.assertEqual(programs.within([], 7), [])
+
+    def test_an_attempt_ends_at_the_first_part_that_sees_the_change(self):
+        with tempfile.TemporaryDirectory() as folder:
+            blind, seeing, late = self.part("exit 0"), self.part("test $RY_CHANGE != 3"), self.part(f"touch {folder}/ran")
+            self.assertEqual(programs.attempt(3, [blind, seeing, late]), (seeing, "ends with 1"))
+            self.assertEqual(os.listdir(folder), [])
+            self.assertIsNone(programs.attempt(4, [blind, seeing, late]))
+            self.assertEqual(os.listdir(folder), ["ran"])
+
+
 class SurvivorsTest(unittest.TestCase):
     def setUp(self):
         [self.candidate] = find_candidates({"new.cpp": "void f()\n{\n    if (a)\n        return;\n}\n"})

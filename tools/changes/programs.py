@@ -118,3 +118,23 @@ def parts_of(part, output):
         names = list(dict.fromkeys(names))
         return [Part(part.test, part.arguments + (name,)) for name in names] if len(names) > 1 else []
     return []
+
+
+def within(parts, patience):
+    """The quickest parts, together no longer than patience says, but one at least."""
+    taken, seconds = [], 0.0
+    for part in parts:
+        seconds += part.seconds
+        if taken and seconds > patience:
+            break
+        taken.append(part)
+    return taken
+
+
+def attempt(number, parts):
+    """Which of the parts sees the change, and how; None when none does."""
+    for part in parts:
+        outcome = part.run(number, limit=5 * part.seconds + 10, hasty=True)
+        if not outcome.passed:
+            return part, outcome.reason
+    return None
