@@ -50,7 +50,13 @@ class Part:
                                        env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                        stderr=subprocess.STDOUT, start_new_session=True)
             late = threading.Event()
-            watch = threading.Timer(limit or properties.get("TIMEOUT", 600), lambda: (late.set(), end(process)))
+
+            def give_up():
+                if process.poll() is None:
+                    late.set()
+                    end(process)
+
+            watch = threading.Timer(limit or properties.get("TIMEOUT", 600), give_up)
             watch.start()
             lines, failure = [], ""
             for line in process.stdout:
