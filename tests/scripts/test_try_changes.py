@@ -1,6 +1,11 @@
 #!/usr/bin/env python3
 """tools/try_changes: finds the right places, and what it writes there is a change behind a switch and nothing else."""
 
+import argparse
+import contextlib
+import importlib.machinery
+import importlib.util
+import io
 import os
 import pathlib
 import shutil
@@ -357,6 +362,41 @@ class SurvivorsTest(unittest.TestCase):
     def test_an_entry_needs_a_reason(self):
         self.path.write_text(survivors.paragraph(self.candidate, ""))
         self.assertRaises(ValueError, survivors.read, self.path)
+
+
+class ReportTest(unittest.TestCase):
+    """The whole script on numbers that are known: changes 1 and 4 killed, 2 accepted, 3 survived."""
+
+    setUp, tearDown, TEXT = WorkplaceTest.setUp, WorkplaceTest.tearDown, WorkplaceTest.TEXT
+
+    def report(self, accepted=(1,)):
+        loader = importlib.machinery.SourceFileLoader("try_changes", str(ROOT / "tools/try_changes"))
+        script = importlib.util.module_from_spec(importlib.util.spec_from_loader("try_changes", loader))
+        loader.exec_module(script)
+        part = programs.Part({"name": "tst_x", "command": []})
+        numbered = dict(enumerate(self.found, 1))
+        script.ACCEPTED = self.root / "accepted.txt"
+        script.ACCEPTED.write_text("\n".join(survivors.paragraph(self.found[i], "so") for i in accepted))
+        self.place.fill({})
+        text = io.StringIO()
+        with contextlib.redirect_stdout(text):
+            code = script.report(self.place, numbered, {1: (part, "A::b() no"), 2: None, 3: None, 4: (part, "no")},
+                                 {1: [part], 2: [part], 3: [], 4: [part]}, argparse.Namespace(seed=1, patience=40))
+        return code, text.getvalue()
+
+    def test_new_survivors_are_told(self):
+        code, text = self.report()
+        self.assertEqual(code, 1)
+        self.assertIn("SURVIVED  a.cpp:4: condition (change 3)\n    before: a\n    after:  !(a)\n    no test program reaches it", text)
+        self.assertIn("4 changes, seed 1: 2 killed, 1 accepted survivors, 1 new survivors; the tests see 66.7 %", text)
+        self.assertIn("by tst_x: A::b() no", (self.place.folder / "report.txt").read_text())
+        written = (self.place.folder / "survivors.txt").read_text()
+        self.assertEqual(written, survivors.paragraph(self.found[2], "?"))
+
+    def test_accepted_survivors_are_no_fault(self):
+        code, text = self.report(accepted=(1, 2))
+        self.assertEqual(code, 0)
+        self.assertIn("accepted  a.cpp:4", text)
 
 
 class AcceptedTest(unittest.TestCase):
