@@ -86,11 +86,25 @@ private slots:
         QCOMPARE(buttons,
                  QStringList({"KorvexRBtn", "Korvex Weight Mapping", "on", "GeneralRBtn", "General Weight Mapping",
                               "off", "LegacyRBtn", "Parametric Joint Parameters", "off"}));
+        const auto *parametric = child<QRadioButton>(dialog, "LegacyRBtn");
+        QVERIFY(!parametric->isEnabled());
+        QCOMPARE(parametric->toolTip(), QStringLiteral("Not available yet in this version."));
         const auto *inherit = child<QCheckBox>(dialog, "InheritParentSkeletonCbx");
         QCOMPARE(inherit->text(), QStringLiteral("Inherit Skeleton of Parent"));
         QVERIFY(inherit->isChecked() && !name->isEnabled());
         const auto *grid = dialog.findChild<QGridLayout *>();
         QCOMPARE(grid->spacing(), RyStandardMetrics::Spacing);
+        // Each label stands left of its field, and the box below both.
+        const auto at = [&](int row, int column) -> const QWidget * {
+            QLayoutItem *item = grid->itemAtPosition(row, column);
+            return item ? item->widget() : nullptr;
+        };
+        QCOMPARE(at(0, 0), child<QLabel>(dialog, "RootBoneLbl"));
+        QCOMPARE(at(0, 1), name);
+        QCOMPARE(at(1, 0), child<QLabel>(dialog, "WeightModeLbl"));
+        QCOMPARE(at(1, 1), modes);
+        QCOMPARE(at(2, 0), inherit);
+        QCOMPARE(at(2, 1), inherit);
         QCOMPARE(grid->contentsMargins(), QMargins(4, 4, 4, 4));
         QCOMPARE(dialog.minimumWidth(), 300);
         QCOMPARE(dialog.minimumHeight(), dialog.maximumHeight());

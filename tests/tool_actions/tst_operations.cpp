@@ -232,6 +232,11 @@ void RyOperationsTest::rotation()
     QVERIFY(isNear(scene.lFoot->getEndPoint(), RyVec3(-2, 11, 13)));
     QVERIFY(isNear(scene.lFoot->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0)));
     QCOMPARE(scene.lFoot->getOrigin(true), RyVec3(10, 8, -1));
+    // No angle but 0 means nothing to do, 1 among them.
+    scene.rThigh->setOrigin({0, 0, 0});
+    scene.rThigh->setEndPoint({2, 0, 1});
+    scene.tool->performRotPropagation(scene.rThigh, 2, 1.0f, false, false);
+    QVERIFY(isNear(scene.rThigh->getEndPoint(), RyVec3(2 * std::cos(1.0f), 2 * std::sin(1.0f), 1)));
 }
 
 void RyOperationsTest::childRotation()
@@ -246,6 +251,11 @@ void RyOperationsTest::childRotation()
     scene.tool->performChildRotPropagation(scene.lShin, 1, float(M_PI), true, false, above);
     QVERIFY(isNear(scene.lShin->getOrigin(), RyVec3(-11, 50, -2)));
     QVERIFY(isNear(scene.lFoot->getOrigin(), RyVec3(-10, 8, 1)));
+    RyVec3 zero(0, 0, 0);
+    scene.rThigh->setOrigin({0, 3, 4});
+    scene.tool->performChildRotPropagation(scene.rThigh, 0, 1.0f, false, false, zero);
+    QVERIFY(isNear(scene.rThigh->getOrigin(),
+                   RyVec3(0, 3 * std::cos(1.0f) - 4 * std::sin(1.0f), 3 * std::sin(1.0f) + 4 * std::cos(1.0f))));
 }
 
 void RyOperationsTest::scale()
