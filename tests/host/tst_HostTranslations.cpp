@@ -90,8 +90,7 @@ private slots:
         window.start();
         RyAction *order = window.getActionMgr()->findAction(QStringLiteral("RyJERotationOrderXYZAction"));
         const RyAction *action = window.getActionMgr()->findAction(QStringLiteral("RyJEAlignNodeAction"));
-        if (!action)
-            QSKIP("The plug-in is not there.");
+        QVERIFY2(action, "the plug-in is built before this program and must be found");
         QCOMPARE(action->text(), QStringLiteral("Knoten ausrichten"));
         QVERIFY(order);
         order->executeAction();
