@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 
 #include "RySkinnedScene.h"
+#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/createSiblingBone.h"
 #include "pluginsource/RyJointTools/operations/splitBone.h"
@@ -129,16 +130,7 @@ void RySharedWeightsTest::undoOfSeveralSkins()
 {
     QFETCH(Make, make);
     TwoFigures scene;
-    const QString before = scene.dump();
-    RyUndoStackHold hold;
-    QVERIFY(make(scene.lFoot));
-    hold.accept(QStringLiteral("Around it"));
-    const QString after = scene.dump();
-    QVERIFY(after != before);
-    ryUndoStack()->undo();
-    QCOMPARE(scene.dump(), before);
-    ryUndoStack()->redo();
-    QCOMPARE(scene.dump(), after);
+    checkUndoInHold([&] { QVERIFY(make(scene.lFoot)); });
 }
 
 void RySharedWeightsTest::sumsThatAreNotWhole()

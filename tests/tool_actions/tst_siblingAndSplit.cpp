@@ -2,6 +2,7 @@
 
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
+#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/bindBone.h"
 #include "pluginsource/RyJointTools/operations/createSiblingBone.h"
@@ -445,17 +446,10 @@ void RySiblingAndSplitTest::actionsJoinAnOpenHold()
 {
     RySkinnedScene scene(RySkinnedScene::Both);
     ryScene()->setSelection({scene.lThigh});
-    const QString before = scene.dump();
-    RyUndoStackHold hold;
-    RyJECreateSiblingBoneAction().executeAction();
-    RyJESplitBoneAction().executeAction();
-    hold.accept(QStringLiteral("Both"));
-    const QString after = scene.dump();
-    QVERIFY(after != before);
-    ryUndoStack()->undo();
-    QCOMPARE(scene.dump(), before);
-    ryUndoStack()->redo();
-    QCOMPARE(scene.dump(), after);
+    checkUndoInHold([] {
+        RyJECreateSiblingBoneAction().executeAction();
+        RyJESplitBoneAction().executeAction();
+    });
 }
 
 void RySiblingAndSplitTest::enabling()
