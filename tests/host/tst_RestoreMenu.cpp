@@ -41,6 +41,7 @@ public:
         release();
         return true;
     }
+    void finishDrag() override { release(); }
     std::function<void()> press = [] {};
     std::function<void()> release = [] {};
 };

@@ -233,7 +233,9 @@ void RyHandlePickingTest::lostRelease()
         scene.move({450, 310});
         const QString dragged = scene.dump();
         QVERIFY(dragged != before);
-        // The mouse comes back with no button held.
+        scene.tool->finishDrag();
+        QCOMPARE(scene.tool->hoveredId(), 0);
+        QCOMPARE(scene.viewport->toolTip, QString());
         scene.hover(next);
         QVERIFY(!scene.tool->isDragging());
         QVERIFY(!ryUndoStack()->isHoldOpen());
@@ -259,7 +261,9 @@ void RyHandlePickingTest::lostReleaseOfAPress()
     RyToolScene scene;
     scene.select(scene.lShin);
     scene.press(44, {400, 300});
-    scene.hover(0);
+    QVERIFY(scene.tool->pressViewport());
+    scene.tool->finishDrag();
+    QVERIFY(!scene.tool->pressViewport());
     QCOMPARE(scene.tool->hoveredId(), 0);
     QVERIFY(!scene.move({450, 310}));
     scene.release();
@@ -274,6 +278,7 @@ void RyHandlePickingTest::pressAfterLostRelease()
     scene.press(44, {400, 300});
     scene.move({450, 310});
     const RyVec3 dragged = scene.lShin->getEndPoint();
+    scene.tool->finishDrag();
     QVERIFY(scene.press(42, {400, 300}));
     QCOMPARE(ryUndoStack()->count(), 1);
     QCOMPARE(scene.tool->hoveredId(), 42);

@@ -186,6 +186,12 @@ void SquareTool::cancelDrag()
     dragging = false;
 }
 
+void SquareTool::finishDrag()
+{
+    calls.append(QStringLiteral("finish"));
+    dragging = false;
+}
+
 void SquareTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
     calls.append(QStringLiteral("over"));

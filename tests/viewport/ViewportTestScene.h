@@ -34,6 +34,8 @@ public:
     void release(const QPoint &point, Qt::MouseButton button = Qt::LeftButton,
                  Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void wheel(const QPoint &point, int degrees);
+    /// All buttons go up where nobody sees it.
+    void loseButtons() { m_buttons = Qt::NoButton; }
 
 private:
     void send(int type, const QPoint &point, Qt::MouseButton button, Qt::KeyboardModifiers modifiers);
@@ -59,6 +61,7 @@ public:
     bool mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void cancelDrag() override;
+    void finishDrag() override;
 
     std::vector<Square> squares;
     float halfSize = 2.0f;

@@ -92,30 +92,30 @@ private slots:
         ViewportMouse mouse(*m_viewport);
         const QPoint start = at(RyVec3(20, 20, 0));
         mouse.move(start);
-        const int passes = m_viewport->pickPasses();
+        const int passes = m_viewport->counts().pickPasses;
         QVERIFY(passes >= 1);
         for (int i = 0; i < 10; ++i)
             mouse.move(start + QPoint(i % 5, i % 3));
-        QCOMPARE(m_viewport->pickPasses(), passes);
+        QCOMPARE(m_viewport->counts().pickPasses, passes);
         QCOMPARE(m_tool->hovered, 7);
         QCOMPARE(m_viewport->getToolTipText(), QStringLiteral("square 7"));
         // On to the next square: the highlight changes, the tile stays.
         mouse.move(at(RyVec3(28, 20, 0)));
         QCOMPARE(m_tool->hovered, 46);
         mouse.move(start);
-        QVERIFY(m_viewport->pickPasses() <= passes + 2);
-        const int afterwards = m_viewport->pickPasses();
+        QVERIFY(m_viewport->counts().pickPasses <= passes + 2);
+        const int afterwards = m_viewport->counts().pickPasses;
         mouse.move(start + QPoint(1, 0));
-        QCOMPARE(m_viewport->pickPasses(), afterwards);
+        QCOMPARE(m_viewport->counts().pickPasses, afterwards);
     }
 
     void theTileGoesWithEveryOtherChange()
     {
         const QPoint point = at(RyVec3(20, 20, 0));
         const auto passesFor = [&] {
-            const int before = m_viewport->pickPasses();
+            const int before = m_viewport->counts().pickPasses;
             m_viewport->pickOnGizmo(point);
-            return m_viewport->pickPasses() - before;
+            return m_viewport->counts().pickPasses - before;
         };
         passesFor();
         QCOMPARE(passesFor(), 0);
@@ -134,43 +134,43 @@ private slots:
 
     void aToolRepaintKeepsThePictureOfTheScene()
     {
-        const int scenes = m_viewport->scenePaints();
-        const int frames = m_viewport->framePaints();
+        const int scenes = m_viewport->counts().scenePaints;
+        const int frames = m_viewport->counts().framePaints;
         m_tool->drawnDataChanged();
         settle();
-        QCOMPARE(m_viewport->scenePaints(), scenes);
-        QVERIFY(m_viewport->framePaints() > frames);
+        QCOMPARE(m_viewport->counts().scenePaints, scenes);
+        QVERIFY(m_viewport->counts().framePaints > frames);
         m_figure.upper->getXRotControl()->setValue(20);
         settle();
-        QCOMPARE(m_viewport->scenePaints(), scenes + 1);
+        QCOMPARE(m_viewport->counts().scenePaints, scenes + 1);
         m_viewport->cameraController().orbit(QPointF(9, 0));
         settle();
-        QCOMPARE(m_viewport->scenePaints(), scenes + 2);
+        QCOMPARE(m_viewport->counts().scenePaints, scenes + 2);
     }
 
     void manyRequestsMakeOnePaint()
     {
         settle();
-        const int frames = m_viewport->framePaints();
+        const int frames = m_viewport->counts().framePaints;
         for (int i = 0; i < 10; ++i)
             m_tool->drawnDataChanged();
         settle();
-        QCOMPARE(m_viewport->framePaints(), frames + 1);
+        QCOMPARE(m_viewport->counts().framePaints, frames + 1);
     }
 
     void positionsAreUploadedOnlyWhenTheyChange()
     {
         settle();
-        const int uploads = m_viewport->positionUploads();
+        const int uploads = m_viewport->counts().positionUploads;
         QVERIFY(uploads >= 1);
         m_viewport->cameraController().orbit(QPointF(9, 0));
         settle();
         m_figure.figure->getXTransControl()->setValue(5); // moves the figure as a whole
         settle();
-        QCOMPARE(m_viewport->positionUploads(), uploads);
+        QCOMPARE(m_viewport->counts().positionUploads, uploads);
         m_figure.upper->getZRotControl()->setValue(25);
         settle();
-        QCOMPARE(m_viewport->positionUploads(), uploads + 1);
+        QCOMPARE(m_viewport->counts().positionUploads, uploads + 1);
     }
 
     void mouseReachesTheTool()
@@ -227,6 +227,38 @@ private slots:
         mouse.release(point + QPoint(15, 0));
         QTest::keyClick(m_viewport.get(), Qt::Key_Escape);
         QCOMPARE(m_tool->calls, QStringList({"press 1 0", "move", "cancel", "move", "release"}));
+    }
+
+    void aLostReleaseFinishesTheDrag_data()
+    {
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<QStringList>("calls");
+        QTest::newRow("a move without buttons") << "move" << QStringList({"finish", "over"});
+        QTest::newRow("another press") << "press" << QStringList({"finish", "press 1 0"});
+        QTest::newRow("hidden") << "hide" << QStringList({"finish"});
+    }
+
+    void aLostReleaseFinishesTheDrag()
+    {
+        QFETCH(QString, what);
+        QFETCH(QStringList, calls);
+        ViewportMouse mouse(*m_viewport);
+        const QPoint point = at(RyVec3(20, 20, 0));
+        mouse.press(point);
+        mouse.move(point + QPoint(9, 0));
+        QVERIFY(m_tool->dragging && m_viewport->isToolDragging());
+        m_tool->calls.clear();
+        mouse.loseButtons();
+        if (what == QLatin1String("move"))
+            mouse.move(point + QPoint(30, 20));
+        else if (what == QLatin1String("press"))
+            mouse.press(point);
+        else
+            m_viewport->hide();
+        QCOMPARE(m_tool->calls.mid(0, calls.size()), calls);
+        QCOMPARE(m_tool->calls.count(QStringLiteral("finish")), 1);
+        QVERIFY(!m_tool->calls.contains(QStringLiteral("release")));
+        QCOMPARE(m_viewport->isToolDragging(), what == QLatin1String("press"));
     }
 
     void cameraDragsDoNotReachTheToolAndAreNoEdit()
@@ -385,9 +417,9 @@ private slots:
         ViewportMouse mouse(*m_viewport);
         mouse.move(at(RyVec3(0, 33, 5)));
         QCOMPARE(m_tool->getHighlightNode(), m_figure.upper);
-        const int scenes = m_viewport->scenePaints();
+        const int scenes = m_viewport->counts().scenePaints;
         settle();
-        QCOMPARE(m_viewport->scenePaints(), scenes);
+        QCOMPARE(m_viewport->counts().scenePaints, scenes);
         mouse.move(at(RyVec3(20, 20, 0)));
         QCOMPARE(m_tool->getHighlightNode(), nullptr);
     }

@@ -77,9 +77,9 @@ private slots:
     void upTo209BonesOnePassIsEnough()
     {
         Setup setup(209);
-        const int before = setup.viewport.pickPasses();
+        const int before = setup.viewport.counts().pickPasses;
         QCOMPARE(setup.pickAt(Setup::placeOf(208)), 208 + 47);
-        QCOMPARE(setup.viewport.pickPasses(), before + 1);
+        QCOMPARE(setup.viewport.counts().pickPasses, before + 1);
         for (int i : {0, 1, 100, 207})
             QCOMPARE(setup.pickAt(Setup::placeOf(i)), i + 47);
     }

@@ -71,9 +71,9 @@ private slots:
     void samePictureTwice()
     {
         const QImage first = m_viewport->grabPicture(320, 240);
-        const int paints = m_viewport->scenePaints();
+        const int paints = m_viewport->counts().scenePaints;
         QCOMPARE(m_viewport->grabPicture(320, 240), first);
-        QCOMPARE(m_viewport->scenePaints(), paints);
+        QCOMPARE(m_viewport->counts().scenePaints, paints);
     }
 
     void wireframeAddsEdges()

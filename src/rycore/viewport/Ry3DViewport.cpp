@@ -10,7 +10,6 @@
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewTool.h"
-#include "rycore/viewport/drawing/RyShader.h"
 
 #include <QToolTip>
 
@@ -34,7 +33,7 @@ QGLFormat viewportFormat()
 } // namespace
 
 Ry3DViewport::Ry3DViewport(RyViewportMgr *manager, QWidget *parent)
-    : QGLWidget(viewportFormat(), parent), d(std::make_unique<Private>())
+    : QGLWidget(viewportFormat(), parent), d(std::make_unique<Private>(*this))
 {
     d->manager = manager;
     d->camera = new RyCamera;
@@ -162,7 +161,7 @@ void Ry3DViewport::setToolTipText(const QString &text)
     if (text.isEmpty())
         QToolTip::hideText();
     else if (isVisible())
-        QToolTip::showText(mapToGlobal(d->lastMouse), text, this);
+        QToolTip::showText(mapToGlobal(d->input.lastPlace()), text, this);
 }
 
 QString Ry3DViewport::getToolTipText() const
@@ -402,27 +401,17 @@ void Ry3DViewport::setStandardView(StandardView view)
     }
 }
 
+void Ry3DViewport::hoverAgain()
+{
+    d->input.hoverAgain();
+}
+
 bool Ry3DViewport::isToolDragging() const
 {
-    return d->toolDrag;
+    return d->input.isToolDragging();
 }
 
-int Ry3DViewport::pickPasses() const
+RyViewportCounts Ry3DViewport::counts() const
 {
-    return d->pickPass.passes();
-}
-
-int Ry3DViewport::scenePaints() const
-{
-    return d->scenePaints;
-}
-
-int Ry3DViewport::framePaints() const
-{
-    return d->framePaints;
-}
-
-int Ry3DViewport::positionUploads() const
-{
-    return d->renderer.uploads();
+    return {d->pickPass.passes(), d->scenePaints, d->framePaints, d->renderer.uploads()};
 }

@@ -3,7 +3,7 @@
 #include "rycore/viewport/RyCameraController.h"
 #include "rycore/viewport/RyRenderOptions.h"
 #include "rycore/viewport/RyViewMatrices.h"
-#include "rycore/viewport/RyViewMouseModifier.h"
+#include "rycore/viewport/RyViewportCounts.h"
 
 #include <QGLWidget>
 
@@ -11,8 +11,6 @@
 
 class RyCamera;
 class RyNode;
-class RyScene;
-class RyViewTool;
 class RyViewportMgr;
 
 /// A view of the scene: camera, shaded figures, the active tool above them. Points are the mouse event's; the device
@@ -62,12 +60,7 @@ public:
     /// True between a press that the tool got and its release.
     bool isToolDragging() const;
 
-    /// For tests: passes of the pick code so far, pictures of the scene so far (a repaint of the tool alone makes
-    /// none), frames painted, and uploads of positions to the graphics memory.
-    int pickPasses() const;
-    int scenePaints() const;
-    int framePaints() const;
-    int positionUploads() const;
+    RyViewportCounts counts() const;
 
 signals:
     void painted();
@@ -88,11 +81,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    /// Where the button has gone up and nobody told, the drag of the tool ends at the last place, as by the release.
-    void endLostDrag();
-    void deliverHover(QMouseEvent *event);
-    bool beginViewDrag(QMouseEvent *event);
-    void moveView(QMouseEvent *event);
     RyBox3 frameBox(bool selectionOnly) const;
     void drawSceneCopy(int width, int height) const;
 

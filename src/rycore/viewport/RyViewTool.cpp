@@ -40,6 +40,8 @@ void RyViewTool::mouseLeave(Ry3DViewport *) {}
 
 void RyViewTool::cancelDrag() {}
 
+void RyViewTool::finishDrag() {}
+
 QWidget *RyViewTool::getSettingsWidget()
 {
     return nullptr;

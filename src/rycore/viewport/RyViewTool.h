@@ -34,6 +34,8 @@ public:
     virtual void mouseLeave(Ry3DViewport *viewport);
     /// Takes back what a drag under way has changed and ends it; the button may still be held. Nothing without a drag.
     virtual void cancelDrag();
+    /// Ends a press or drag whose release was lost, as by a release at the place it has come to. Nothing without one.
+    virtual void finishDrag();
 
     /// Shown as the tool settings pane; null for none. The tool owns it until the pane's parent does.
     virtual QWidget *getSettingsWidget();

@@ -5,7 +5,7 @@
 #include "rycore/viewport/RyIdTile.h"
 #include "rycore/viewport/RyNodePicker.h"
 #include "rycore/viewport/RyPickPass.h"
-#include "rycore/viewport/RyPressRestorePoint.h"
+#include "rycore/viewport/RyViewportInput.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 #include "rycore/viewport/drawing/RySceneRenderer.h"
@@ -17,8 +17,6 @@ class RyScene;
 /// What a viewport keeps.
 struct Ry3DViewport::Private
 {
-    enum class ViewDrag { None, Orbit, Pan, Zoom };
-
     /// What a picture of the scene was made from.
     struct PictureKey
     {
@@ -58,15 +56,9 @@ struct Ry3DViewport::Private
     int framePaints = 0;
     bool paintAgain = false; // after a change of size
 
-    ViewDrag viewDrag = ViewDrag::None;
-    Qt::MouseButton viewDragButton = Qt::NoButton;
-    QPoint lastMouse;
-    QPoint pressMouse;
-    bool toolDrag = false;
-    bool isUnderCursor = false;                        // and the tool knows it
-    std::unique_ptr<RyPressRestorePoint> restorePoint; // from a press of a tool to its release
-    bool menuPending = false;
+    RyViewportInput input;
 
+    explicit Private(Ry3DViewport &viewport) : input(viewport) {}
     RyScene *scene() const { return manager ? manager->getScene() : nullptr; }
     RyViewTool *tool() const { return manager ? manager->getActiveTool() : nullptr; }
 };

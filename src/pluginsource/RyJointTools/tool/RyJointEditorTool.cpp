@@ -121,6 +121,11 @@ void RyJointEditorTool::cancelDrag()
     m_pointer.cancel();
 }
 
+void RyJointEditorTool::finishDrag()
+{
+    m_pointer.endPress();
+}
+
 void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder &order)
 {
     m_selection.changeRotationOrder(node, order);

@@ -57,6 +57,7 @@ public:
     void mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     void mouseLeave(Ry3DViewport *viewport) override;
     void cancelDrag() override;
+    void finishDrag() override;
     QWidget *getSettingsWidget() override;
     QWidget *getDividerBar() override;
     int getToolPriority() const override;

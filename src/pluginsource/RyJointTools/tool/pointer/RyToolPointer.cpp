@@ -79,14 +79,6 @@ void RyToolPointer::abandon()
     m_drag.reset();
 }
 
-/// The release was lost, as to a window that came up in the middle of the drag, when the mouse moves with no button
-/// held or the button that began the drag is pressed again.
-void RyToolPointer::endLostDrag(const QMouseEvent &event)
-{
-    if (event.type() != QEvent::MouseButtonPress || event.button() == Qt::LeftButton)
-        finish();
-}
-
 bool RyToolPointer::propagateOrigin(RyNode *node, const RyVec3 &newOrigin) const
 {
     return m_drag && m_drag->propagateOrigin(node, newOrigin);
@@ -113,7 +105,6 @@ RyLine3 RyToolPointer::pressViewportRay(const QPoint &point) const
 
 void RyToolPointer::hover(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
-    endLostDrag(*event);
     const int id = viewport->pickOnGizmo(event->pos());
     if (id == HandleId::None) {
         if (m_hoveredId != HandleId::None)
@@ -159,7 +150,6 @@ bool RyToolPointer::press(Ry3DViewport *viewport, QMouseEvent *event, RyViewMous
     const int id = viewport->pickOnGizmo(event->pos());
     if (event->button() == Qt::RightButton)
         return pressRight(event);
-    endLostDrag(*event);
     if (m_dragging) {
         // One step is open, and the button that began it ends it.
         event->accept();
@@ -235,13 +225,20 @@ bool RyToolPointer::move(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouse
 
 bool RyToolPointer::release(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
-    m_pressViewport = nullptr;
-    if (!m_drag && m_hoveredId == HandleId::None)
+    if (!m_drag && m_hoveredId == HandleId::None) {
+        m_pressViewport = nullptr;
         return m_in.tool.RyPickTool::mouseRelease(viewport, event, modifier);
+    }
+    endPress();
+    return true;
+}
+
+void RyToolPointer::endPress()
+{
+    m_pressViewport = nullptr;
     finish();
     hideToolTip();
     setHoveredId(HandleId::None);
-    return true;
 }
 
 QString RyToolPointer::statusText() const

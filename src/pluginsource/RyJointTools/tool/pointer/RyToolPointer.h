@@ -49,6 +49,8 @@ public:
     bool move(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
     bool release(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier);
 
+    /// What a release ends, and the hovering of the handle with it.
+    void endPress();
     /// Ends a press or drag: what it has changed so far is kept as one step. Nothing without one.
     void finish();
     /// Takes back what a drag has changed and ends it; nothing while a handle is only hovered or pressed.
@@ -73,7 +75,6 @@ private:
     void createBone(const QPoint &point);
     void startDrag(int id, const QPoint &point);
     void selectBone(int id, RyViewMouseModifier modifier);
-    void endLostDrag(const QMouseEvent &event);
     /// Whether a click with Ctrl creates a bone, whatever is under the mouse.
     bool createsBones() const;
     void setHoveredId(int id);
