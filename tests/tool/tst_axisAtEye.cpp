@@ -17,6 +17,7 @@ private slots:
     void nothingMoves();
     void besideItThePointFollows();
     void callersLearnOfIt();
+    void closeToTheEye();
     void statusLineSaysSo();
 
 private:
@@ -106,6 +107,25 @@ void RyAxisAtEyeTest::callersLearnOfIt()
     QVERIFY(!RyPointDrag(context, RyPointDrag::EndPoint, 1).pointsAtEye());
     QVERIFY(!RyPointDrag(context, RyPointDrag::EndPoint, -1).pointsAtEye());
     QVERIFY(!RyHandleDrag(scene.lShin).pointsAtEye());
+}
+
+void RyAxisAtEyeTest::closeToTheEye()
+{
+    // The handle counts, where the axis begins, not a place a little farther along.
+    RyToolScene scene;
+    scene.pose();
+    const RyVec3 anchor = scene.lShin->getWSEndPoint();
+    const RyVec3 axis = scene.lShin->getWSRot().multVec(RyVec3(0, 0, 1));
+    RyCamera *camera = scene.viewport->getCamera();
+    RyDragContext context{scene.lShin};
+    context.camera = camera;
+    const auto isAtEye = [&](float degrees) {
+        lookAlong(scene, anchor, axis, degrees, false);
+        camera->lookAt(anchor + (camera->getWSPos() - anchor).normalized() * 2.5f, anchor, RyVec3(0, 1, 0));
+        return RyPointDrag(context, RyPointDrag::EndPoint, 2).pointsAtEye();
+    };
+    QVERIFY(isAtEye(1.2f));
+    QVERIFY(!isAtEye(1.8f));
 }
 
 void RyAxisAtEyeTest::statusLineSaysSo()

@@ -4,6 +4,7 @@
 #include "tool/RyWindowScene.h"
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEAlignActions.h"
+#include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJERotationOrderActions.h"
 #include "pluginsource/RyJointTools/ryjeaction/selectionRules.h"
 #include "rycore/app/RyApp.h"
@@ -48,6 +49,7 @@ private slots:
     void enabling_data();
     void enabling();
     void enablingFollowsRemoval();
+    void enablingOnRequest();
     void disabledActionRunsNothing();
     void missingSelection_data();
     void missingSelection();
@@ -168,6 +170,34 @@ void RyActionsTest::enablingFollowsRemoval()
     QVERIFY(action.isEnabled());
     ryScene()->clear();
     QVERIFY(!action.isEnabled());
+}
+
+void RyActionsTest::enablingOnRequest()
+{
+    RyToolScene scene;
+    ryScene()->setSelection({});
+    RyJEAlignNodeAction align;
+    RyJEDeleteBoneAction deleteBone;
+    RyJEDeleteUnusedBonesAction deleteUnused;
+    std::vector<std::unique_ptr<RyAction>> orders;
+    std::vector<RyAction *> actions{&align, &deleteBone, &deleteUnused};
+    for (int order = 0; order < 6; ++order)
+        actions.push_back(orders.emplace_back(makeOrderAction(order)).get());
+    for (RyAction *action : actions) {
+        const char *name = action->metaObject()->className();
+        QVERIFY2(!action->isEnabled(), name);
+        {
+            const QSignalBlocker nobodyTells(ryScene());
+            ryScene()->setSelection({scene.lShin});
+        }
+        QVERIFY2(!action->isEnabled(), name);
+        QVERIFY2(QMetaObject::invokeMethod(action, "selectionChanged"), name);
+        QVERIFY2(action->isEnabled(), name);
+        const QSignalBlocker nobodyTells(ryScene());
+        ryScene()->setSelection({});
+        QVERIFY2(QMetaObject::invokeMethod(action, "selectionChanged"), name);
+        QVERIFY2(!action->isEnabled(), name);
+    }
 }
 
 void RyActionsTest::disabledActionRunsNothing()

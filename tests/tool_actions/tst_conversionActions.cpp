@@ -106,6 +106,7 @@ private slots:
         QCOMPARE(at(2, 0), inherit);
         QCOMPARE(at(2, 1), inherit);
         QCOMPARE(grid->contentsMargins(), QMargins(4, 4, 4, 4));
+        QCOMPARE(modes->layout()->contentsMargins(), QMargins());
         QCOMPARE(dialog.minimumWidth(), 300);
         QCOMPARE(dialog.minimumHeight(), dialog.maximumHeight());
         QVERIFY(dialog.findChild<QPushButton *>("BasicDialogApplyBtn")->isHidden());

@@ -101,6 +101,12 @@ void RyGoneWhileOpenTest::unusedBonesSayWhyNothingGoes()
     QCOMPARE(scene.window->statusBar()->currentMessage(),
              QStringLiteral("Nothing removed: every bone of the figure is used."));
     QCOMPARE(scene.dump(), before);
+    // One is enough not to say so.
+    scene.window->statusBar()->clearMessage();
+    RyToolScene::makeBone(scene.hip, "idle", {}, {0, 1, 0});
+    RyJEDeleteUnusedBonesAction().executeAction();
+    QVERIFY(!scene.figure->findBone(QStringLiteral("idle")));
+    QCOMPARE(scene.window->statusBar()->currentMessage(), QString());
     scene.figure->setObject(nullptr);
     RyJEDeleteUnusedBonesAction().executeAction();
     QCOMPARE(scene.window->statusBar()->currentMessage(),

@@ -104,6 +104,7 @@ private slots:
     void wholeMeshWithoutGroup();
     void followsTheFigure();
     void ownObjectFirst();
+    void objectWithoutShape();
     void colorAndState();
     void pointSizes_data();
     void pointSizes();
@@ -182,6 +183,14 @@ void RyBoundaryDrawingTest::ownObjectFirst()
     stage.lShin->setObject(object);
     stage.select(stage.lShin);
     QCOMPARE(stage.boundary(*stage.draw(), GL_LINES).size(), size_t(6));
+}
+
+void RyBoundaryDrawingTest::objectWithoutShape()
+{
+    BoundaryStage stage;
+    stage.lShin->setObject(new RyObject);
+    stage.select(stage.lShin);
+    QCOMPARE(stage.boundary(*stage.draw(), GL_LINES).size(), size_t(0));
 }
 
 void RyBoundaryDrawingTest::colorAndState()

@@ -21,9 +21,9 @@ int toPercentage(int value, int full)
     return value * 100 / full;
 }
 
-int fromPercentage(int percentage, int full)
+int fromPercentage(const RyIntSlider *percentage, int full)
 {
-    return percentage * full / 100;
+    return percentage->value() * full / 100;
 }
 
 } // namespace
@@ -126,9 +126,9 @@ void RyJointEditorToolDrawingOptionsDlg::updateTool()
     display.sphereDrawing = m_sphereStyle->currentIndex();
     display.weightMapMode = m_weightStyle->currentIndex();
     display.boundaryStyle = m_boundaryStyle->currentIndex();
-    display.sphereOpacity = fromPercentage(m_sphereOpacity->value(), FullOpacity);
-    display.sphereLineDensity = qMax(fromPercentage(m_sphereDensity->value(), FullDensity), 1);
-    display.weightOpacity = fromPercentage(m_weightOpacity->value(), FullOpacity);
+    display.sphereOpacity = fromPercentage(m_sphereOpacity, FullOpacity);
+    display.sphereLineDensity = qMax(fromPercentage(m_sphereDensity, FullDensity), 1);
+    display.weightOpacity = fromPercentage(m_weightOpacity, FullOpacity);
     writeToTool(display);
 }
 

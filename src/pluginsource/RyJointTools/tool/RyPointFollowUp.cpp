@@ -13,9 +13,9 @@ void RyPointFollowUp::centerPointChanged()
 {
     if (!m_joint.node)
         return;
-    if (m_placing) {
+    if (m_placing != Placing::No) {
         m_joint.cachedOrigin = m_joint.node->getOrigin();
-        m_placed = true;
+        m_placing = Placing::Current;
         return;
     }
     snapAndAlign();
@@ -28,8 +28,8 @@ void RyPointFollowUp::centerPointChanged()
 
 void RyPointFollowUp::endPointChanged()
 {
-    if (m_placing)
-        m_placed = true;
+    if (m_placing != Placing::No)
+        m_placing = Placing::Current;
     else
         snapAndAlign();
 }

@@ -27,25 +27,28 @@ public:
     template<typename Edit>
     void placePoints(const Edit &edit)
     {
-        if (m_placing) {
+        if (m_placing != Placing::No) {
             edit();
             return;
         }
-        m_placed = false;
+        bool isPlaced = false;
         {
-            const QScopedValueRollback<bool> guard(m_placing, true);
+            const QScopedValueRollback<Placing> guard(m_placing, Placing::Others);
             edit();
+            isPlaced = m_placing == Placing::Current;
         }
-        if (m_placed)
+        if (isPlaced)
             snapAndAlign();
     }
 
 private:
+    /// Whose points the tool itself has moved in the edit under way.
+    enum class Placing { No, Others, Current };
+
     void snapAndAlign() const;
 
     RyJointState &m_joint;
     const RyToolOptions &m_options;
     const RyToolPointer &m_pointer;
-    bool m_placing = false; // the tool itself moves points
-    bool m_placed = false;  // and has moved some of the current node's
+    Placing m_placing = Placing::No;
 };
