@@ -7,10 +7,14 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/viewport/RyDrawStyle.h"
+#include "rycore/viewport/RyGLContext.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewTool.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
 
+#include <QEvent>
+#include <QOpenGLContext>
 #include <QToolTip>
 
 #include <algorithm>
@@ -19,14 +23,15 @@
 
 namespace {
 
-constexpr int Samples = 4;
+/// After the last event, in ms.
+constexpr int refiningDelay = 250;
 
+// Without samples: frames that want some are drawn aside.
 QGLFormat viewportFormat()
 {
     QGLFormat format;
     format.setDepth(true);
-    format.setSampleBuffers(true);
-    format.setSamples(Samples);
+    format.setSampleBuffers(false);
     return format;
 }
 
@@ -39,6 +44,8 @@ Ry3DViewport::Ry3DViewport(RyViewportMgr *manager, QWidget *parent)
     d->camera = new RyCamera;
     connect(d->camera.get(), &RyNode::poseChanged, this, [this] { update(); });
     connect(d->camera.get(), &RyCamera::lensChanged, this, [this] { update(); });
+    d->refining.setSingleShot(true);
+    connect(&d->refining, &QTimer::timeout, this, &Ry3DViewport::refine);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(false);
@@ -54,21 +61,32 @@ Ry3DViewport::~Ry3DViewport()
 {
     if (d->manager)
         d->manager->removeViewport(this);
-    if (d->pictureContext != 0) {
-        makeCurrent();
-        if (RyOffscreenContext::currentKey() == d->pictureContext) {
-            d->renderer.release();
-        } else {
-            d->pickPass.abandon();
-            for (auto *buffer : {&d->picture, &d->pictureDraft}) {
-                if (*buffer)
-                    (*buffer)->abandon();
-            }
-        }
-        d->pickPass.release();
-        d->picture.reset();
-        d->pictureDraft.reset();
+    if (d->context == 0)
+        return;
+    makeCurrent(); // what another context had is given up by that
+    d->painter.release();
+    d->pickPass.release();
+}
+
+bool Ry3DViewport::Private::enterContext()
+{
+    const quint64 current = RyGLContext::currentNumber();
+    if (current == 0)
+        return false;
+    if (context != 0 && current != context) {
+        painter.abandon();
+        pickPass.abandon();
     }
+    context = current;
+    return true;
+}
+
+RySceneView Ry3DViewport::Private::sceneView(int width, int height, float devicePixelRatio) const
+{
+    RySceneView view{RyViewMatrices(*camera, width, height), options, width, height};
+    view.options.pixelRatio = devicePixelRatio;
+    view.options.seeThrough = options.seeThrough || (tool() && tool()->showsInsideFigures());
+    return view;
 }
 
 RyCamera *Ry3DViewport::getCamera() const
@@ -87,14 +105,12 @@ void Ry3DViewport::makeCurrent()
         QGLWidget::makeCurrent();
     else
         RyOffscreenContext::instance().makeCurrent();
-    const quintptr context = RyOffscreenContext::currentKey();
-    if (context == 0)
+    if (!d->enterContext())
         return;
     const float ratio = float(devicePixelRatioF());
     RyGLUtility::setDevicePixelRatio(ratio);
     glViewport(0, 0, std::lround(float(width()) * ratio), std::lround(float(height()) * ratio));
     matrices().load();
-    d->pictureContext = context;
 }
 
 RyViewMatrices Ry3DViewport::matrices() const
@@ -132,7 +148,7 @@ int Ry3DViewport::pickOnGizmo(const QPoint &point)
     const Private::TileKey key{matrices(), tool, d->manager->sceneRevision(), d->manager->toolRevision()};
     if (!(key == d->tileKey) || !d->tile.contains(point)) {
         makeCurrent();
-        if (d->pictureContext == 0)
+        if (d->context == 0)
             return 0;
         RyGLUtility::setDevicePixelRatio(1.0f);
         d->tile.clear();
@@ -178,17 +194,63 @@ void Ry3DViewport::resizeGL(int, int)
 
 void Ry3DViewport::paintGL()
 {
-    const qreal ratio = devicePixelRatioF();
-    const quintptr context = RyOffscreenContext::currentKey();
-    d->pictureContext = context;
-    renderFrame(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)), float(ratio));
+    if (!d->enterContext())
+        return;
+    const bool isRefined = !RyGLContext::isSoftware() || std::exchange(d->showsRefined, false);
+    paintFrame(windowView(), isRefined ? RyViewPainter::MostSamples : 1);
     ++d->framePaints;
+    if (!isRefined)
+        d->refining.start(refiningDelay);
     if (std::exchange(d->paintAgain, false)) {
         // Some drivers learn of a window's new size only after they have shown a frame in the old one.
         QMetaObject::invokeMethod(
             this, [this] { update(); }, Qt::QueuedConnection);
     }
     emit painted();
+}
+
+RySceneView Ry3DViewport::windowView() const
+{
+    const qreal ratio = devicePixelRatioF();
+    return d->sceneView(int(std::lround(width() * ratio)), int(std::lround(height() * ratio)), float(ratio));
+}
+
+void Ry3DViewport::refine()
+{
+    if (!isValid() || !isVisible())
+        return;
+    makeCurrent();
+    const RySceneView view = windowView();
+    d->painter.scene().setScene(d->scene(), d->manager ? d->manager->sceneRevision() : 1);
+    d->showsRefined = d->painter.scene().refine(view, RyViewPainter::MostSamples);
+    glBindFramebuffer(GL_FRAMEBUFFER, context()->contextHandle()->defaultFramebufferObject());
+    if (d->showsRefined)
+        update();
+    else
+        d->refining.start(0);
+}
+
+bool Ry3DViewport::isRefined() const
+{
+    return !d->refining.isActive() && !d->showsRefined;
+}
+
+bool Ry3DViewport::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+        // The hand comes first.
+        if (d->refining.isActive())
+            d->refining.start(refiningDelay);
+        break;
+    default:
+        break;
+    }
+    return QGLWidget::event(event);
 }
 
 void Ry3DViewport::paintEvent(QPaintEvent *event)
@@ -202,47 +264,20 @@ void Ry3DViewport::paintEvent(QPaintEvent *event)
     emit painted();
 }
 
-void Ry3DViewport::renderFrame(int width, int height, float devicePixelRatio)
+void Ry3DViewport::paintFrame(const RySceneView &view, int samples)
 {
-    GLint target = 0;
-    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &target);
+    RyGLUtility::setDevicePixelRatio(view.options.pixelRatio);
+    d->painter.scene().setScene(d->scene(), d->manager ? d->manager->sceneRevision() : 1);
+    d->painter.paint(view, samples, [&] { drawTool(view); });
+    view.matrices.load();
+}
+
+void Ry3DViewport::drawTool(const RySceneView &view)
+{
     RyViewTool *tool = d->tool();
-    Private::PictureKey key;
-    key.matrices = RyViewMatrices(*d->camera, width, height);
-    key.options = d->options;
-    key.options.pixelRatio = devicePixelRatio;
-    key.options.seeThrough = d->options.seeThrough || (tool && tool->showsInsideFigures());
-    key.sceneRevision = d->manager ? d->manager->sceneRevision() : 1;
-    key.context = RyOffscreenContext::currentKey();
-    if (d->picture && d->pictureKey.context != key.context) {
-        d->picture->abandon();
-        d->picture.reset();
-        if (d->pictureDraft)
-            d->pictureDraft->abandon();
-        d->pictureDraft.reset();
-        d->pickPass.abandon();
-    }
-    RyGLUtility::setDevicePixelRatio(devicePixelRatio);
-    if (!d->picture || !(key == d->pictureKey)) {
-        if (!d->picture || d->picture->width() != width || d->picture->height() != height) {
-            d->picture = std::make_unique<RyFramebuffer>(width, height, 0);
-            d->pictureDraft = std::make_unique<RyFramebuffer>(width, height, RyFramebuffer::supportedSamples(Samples));
-            if (!d->pictureDraft->isComplete())
-                d->pictureDraft = std::make_unique<RyFramebuffer>(width, height, 0);
-        }
-        d->pictureDraft->bind();
-        if (const RyScene *scene = d->scene())
-            d->renderer.render(*scene, key.matrices, key.options, width, height, key.sceneRevision);
-        d->pictureDraft->resolveInto(*d->picture);
-        d->pictureKey = key;
-        ++d->scenePaints;
-        glBindFramebuffer(GL_FRAMEBUFFER, GLuint(target));
-    }
-    glViewport(0, 0, width, height);
-    drawSceneCopy(width, height);
-    key.matrices.load();
     if (!tool)
         return;
+    view.matrices.load();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
@@ -250,60 +285,25 @@ void Ry3DViewport::renderFrame(int width, int height, float devicePixelRatio)
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDisable(GL_LIGHTING);
     glEnable(GL_MULTISAMPLE);
-    glLineWidth(1.5f * devicePixelRatio);
-    glPointSize(4.0f * devicePixelRatio);
+    glLineWidth(1.5f * view.options.pixelRatio);
+    glPointSize(4.0f * view.options.pixelRatio);
     tool->draw(this, RyDrawStyle(RyDrawStyle::Textured));
     glPopAttrib();
-    key.matrices.load();
-}
-
-void Ry3DViewport::drawSceneCopy(int width, int height) const
-{
-    static const float Corners[4][2] = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
-    static const float Coordinates[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
-    glDisable(GL_DEPTH_TEST);
-    glDisable(GL_BLEND);
-    glDisable(GL_LIGHTING);
-    glDisable(GL_CULL_FACE);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    glViewport(0, 0, width, height);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glEnable(GL_TEXTURE_2D);
-    glBindTexture(GL_TEXTURE_2D, d->picture->texture());
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_REPLACE);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glEnableClientState(GL_TEXTURE_COORD_ARRAY);
-    glVertexPointer(2, GL_FLOAT, 0, Corners);
-    glTexCoordPointer(2, GL_FLOAT, 0, Coordinates);
-    glDrawArrays(GL_QUADS, 0, 4);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glDisableClientState(GL_TEXTURE_COORD_ARRAY);
-    glPopAttrib();
-    glDepthMask(GL_TRUE);
-    glClear(GL_DEPTH_BUFFER_BIT);
 }
 
 QImage Ry3DViewport::grabPicture(int width, int height)
 {
     makeCurrent();
-    if (d->pictureContext == 0)
+    if (d->context == 0)
         return {};
     GLint previous = 0;
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &previous);
     QImage image;
     {
-        auto draft = std::make_unique<RyFramebuffer>(width, height, RyFramebuffer::supportedSamples(Samples));
-        if (!draft->isComplete())
-            draft = std::make_unique<RyFramebuffer>(width, height, 0);
-        const RyFramebuffer resolved(width, height, 0);
-        draft->bind();
-        renderFrame(width, height, 1.0f);
-        draft->resolveInto(resolved);
-        image = resolved.toImage();
+        const RyFramebuffer target(width, height, 0);
+        target.bind();
+        paintFrame(d->sceneView(width, height, 1.0f), RyViewPainter::MostSamples);
+        image = target.toImage();
         glBindFramebuffer(GL_FRAMEBUFFER, GLuint(previous));
     }
     makeCurrent();
@@ -413,5 +413,6 @@ bool Ry3DViewport::isToolDragging() const
 
 RyViewportCounts Ry3DViewport::counts() const
 {
-    return {d->pickPass.passes(), d->scenePaints, d->framePaints, d->renderer.uploads()};
+    const RyScenePicture &scene = d->painter.scene();
+    return {d->pickPass.passes(), scene.paints(), scene.refinements(), d->framePaints, scene.uploads()};
 }

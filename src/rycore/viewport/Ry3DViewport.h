@@ -12,6 +12,7 @@
 class RyCamera;
 class RyNode;
 class RyViewportMgr;
+struct RySceneView;
 
 /// A view of the scene: camera, shaded figures, the active tool above them. Points are the mouse event's; the device
 /// pixel ratio is handled inside. Without a display the widget exists, but is drawn through an offscreen context.
@@ -36,9 +37,7 @@ public:
     /// answers for it. Works without a display too.
     void makeCurrent();
 
-    /// Paints one frame of the given size with whatever context is current (screenshots, tests).
-    void renderFrame(int width, int height, float devicePixelRatio);
-    /// The picture as the tool draws it, without a display too.
+    /// The picture with all samples, without a display too.
     QImage grabPicture(int width, int height);
 
     void frameNodes(bool selectionOnly);
@@ -60,6 +59,9 @@ public:
     /// True between a press that the tool got and its release.
     bool isToolDragging() const;
 
+    /// Whether nothing finer is to come: a software renderer draws with one sample while something moves, and with all
+    /// of them when nothing has happened for a while.
+    bool isRefined() const;
     RyViewportCounts counts() const;
 
 signals:
@@ -72,6 +74,7 @@ protected:
     void resizeGL(int width, int height) override;
     void paintGL() override;
     void paintEvent(QPaintEvent *event) override;
+    bool event(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -82,7 +85,10 @@ protected:
 
 private:
     RyBox3 frameBox(bool selectionOnly) const;
-    void drawSceneCopy(int width, int height) const;
+    RySceneView windowView() const;
+    void paintFrame(const RySceneView &view, int samples);
+    void drawTool(const RySceneView &view);
+    void refine();
 
     struct Private;
     std::unique_ptr<Private> d;

@@ -41,7 +41,7 @@ bool RyOffscreenContext::makeCurrent()
 {
     if (!m_context)
         return false;
-    if (eglGetCurrentContext() == m_context)
+    if (isCurrent())
         return true;
     if (QOpenGLContext *other = QOpenGLContext::currentContext())
         other->doneCurrent();
@@ -51,13 +51,11 @@ bool RyOffscreenContext::makeCurrent()
 
 void RyOffscreenContext::doneCurrent()
 {
-    if (m_context && eglGetCurrentContext() == m_context)
+    if (isCurrent())
         eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
 
-quintptr RyOffscreenContext::currentKey()
+bool RyOffscreenContext::isCurrent() const
 {
-    if (const QOpenGLContext *context = QOpenGLContext::currentContext())
-        return quintptr(context);
-    return quintptr(eglGetCurrentContext());
+    return m_context && eglGetCurrentContext() == m_context;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QtGlobal>
-
 /// A GL context without a window and without a display server, shared by everything that draws into frame buffer
 /// objects where the platform offers no windows that GL can draw to. Made at first use.
 class RyOffscreenContext
@@ -14,8 +12,7 @@ public:
     /// False when there is none.
     bool makeCurrent();
     void doneCurrent();
-    /// Some number that tells the current contexts of the process apart, 0 when none is current.
-    static quintptr currentKey();
+    bool isCurrent() const;
 
     RyOffscreenContext(const RyOffscreenContext &) = delete;
     RyOffscreenContext &operator=(const RyOffscreenContext &) = delete;

@@ -7,25 +7,16 @@
 #include "rycore/viewport/RyPickPass.h"
 #include "rycore/viewport/RyViewportInput.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "rycore/viewport/drawing/RyFramebuffer.h"
-#include "rycore/viewport/drawing/RySceneRenderer.h"
+#include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <QPointer>
+#include <QTimer>
 
 class RyScene;
 
 /// What a viewport keeps.
 struct Ry3DViewport::Private
 {
-    /// What a picture of the scene was made from.
-    struct PictureKey
-    {
-        RyViewMatrices matrices;
-        RyRenderOptions options;
-        quint64 sceneRevision = 0;
-        quintptr context = 0;
-        bool operator==(const PictureKey &) const = default;
-    };
     /// What a tile of ids was made from.
     struct TileKey
     {
@@ -41,24 +32,26 @@ struct Ry3DViewport::Private
     RyRenderOptions options;
     QString toolTip;
 
-    RySceneRenderer renderer;
-    PictureKey pictureKey;
-    std::unique_ptr<RyFramebuffer> picture;      // the scene, resolved
-    std::unique_ptr<RyFramebuffer> pictureDraft; // multisampled
-    quintptr pictureContext = 0;
+    RyViewPainter painter;
+    quint64 context = 0; // that the painter and the pick pass have names of, 0 for none so far
 
     RyPickPass pickPass;
     RyIdTile tile;
     TileKey tileKey;
     RyNodePicker picker;
 
-    int scenePaints = 0;
     int framePaints = 0;
     bool paintAgain = false; // after a change of size
+    QTimer refining;         // till the next piece of a refined picture
+    bool showsRefined = false;
 
     RyViewportInput input;
 
     explicit Private(Ry3DViewport &viewport) : input(viewport) {}
+    /// Gives up what belongs to another context than the current one; false when none is current.
+    bool enterContext();
+    /// How the scene is to be seen in a picture of a size in device pixels.
+    RySceneView sceneView(int width, int height, float devicePixelRatio) const;
     RyScene *scene() const { return manager ? manager->getScene() : nullptr; }
     RyViewTool *tool() const { return manager ? manager->getActiveTool() : nullptr; }
 };

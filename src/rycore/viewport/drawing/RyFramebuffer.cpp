@@ -3,6 +3,7 @@
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 
 #include <algorithm>
+#include <utility>
 
 RyFramebuffer::RyFramebuffer(int width, int height, int samples)
     : m_width(std::max(width, 1)), m_height(std::max(height, 1)), m_samples(samples > 1 ? samples : 0)
@@ -51,6 +52,12 @@ RyFramebuffer::~RyFramebuffer()
         glDeleteRenderbuffers(1, &m_depthBuffer);
 }
 
+std::unique_ptr<RyFramebuffer> RyFramebuffer::withSamples(int width, int height, int samples)
+{
+    auto buffer = std::make_unique<RyFramebuffer>(width, height, supportedSamples(samples));
+    return buffer->isComplete() ? std::move(buffer) : std::make_unique<RyFramebuffer>(width, height, 0);
+}
+
 void RyFramebuffer::bind() const
 {
     glBindFramebuffer(GL_FRAMEBUFFER, m_id);
@@ -58,10 +65,15 @@ void RyFramebuffer::bind() const
 
 void RyFramebuffer::resolveInto(const RyFramebuffer &target) const
 {
+    resolveInto(target.m_id);
+}
+
+void RyFramebuffer::resolveInto(unsigned target) const
+{
     glBindFramebuffer(GL_READ_FRAMEBUFFER, m_id);
-    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target.m_id);
+    glBindFramebuffer(GL_DRAW_FRAMEBUFFER, target);
     glBlitFramebuffer(0, 0, m_width, m_height, 0, 0, m_width, m_height, GL_COLOR_BUFFER_BIT, GL_NEAREST);
-    target.bind();
+    glBindFramebuffer(GL_FRAMEBUFFER, target);
 }
 
 void RyFramebuffer::abandon()

@@ -2,6 +2,8 @@
 
 #include <QImage>
 
+#include <memory>
+
 /// An RGBA8 picture with depth that the current GL context can draw into: a texture, or with samples a multisampled
 /// buffer to be resolved into one. Lives and dies with the context that was current when it was made.
 class RyFramebuffer
@@ -10,6 +12,8 @@ public:
     /// `samples` 0 or 1: not multisampled. The size is in device pixels.
     RyFramebuffer(int width, int height, int samples);
     ~RyFramebuffer();
+    /// With as many samples as the context offers, at most `samples`; with none where it does not keep its word.
+    static std::unique_ptr<RyFramebuffer> withSamples(int width, int height, int samples);
     RyFramebuffer(const RyFramebuffer &) = delete;
     RyFramebuffer &operator=(const RyFramebuffer &) = delete;
 
@@ -24,6 +28,8 @@ public:
     void bind() const;
     /// Copies (and resolves) the colours into another one of the same size; that one is bound afterwards.
     void resolveInto(const RyFramebuffer &target) const;
+    /// The same into one known by its GL name, 0 for the window's own.
+    void resolveInto(unsigned target) const;
     /// Forgets the GL names without deleting them: their context is gone.
     void abandon();
     /// Rows from the top. Not for a multisampled one.

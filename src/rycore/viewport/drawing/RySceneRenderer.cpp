@@ -5,36 +5,14 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/viewport/RyOffscreenContext.h"
-#include "rycore/viewport/RyViewMatrices.h"
 #include "rycore/viewport/drawing/RyObjectDrawing.h"
 #include "rycore/viewport/drawing/RySceneShaders.h"
+#include "rycore/viewport/drawing/RySceneView.h"
 #include "rycore/viewport/drawing/RyShader.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
-#include <vector>
-
-namespace {
-
-/// Nodes whose object is to be drawn.
-std::vector<const RyNode *> drawnNodes(const RyScene &scene)
-{
-    std::vector<const RyNode *> nodes;
-    for (const RyNode *node : scene.getNodes()) {
-        if (node->getObject() && node->isVisible())
-            nodes.push_back(node);
-    }
-    return nodes;
-}
-
-void setColor(const RyShader &shader, const char *name, const QColor &color)
-{
-    shader.set(name, float(color.redF()), float(color.greenF()), float(color.blueF()));
-}
-
-} // namespace
+#include <unordered_set>
+#include <utility>
 
 RySceneRenderer::RySceneRenderer() = default;
 
@@ -43,28 +21,27 @@ RySceneRenderer::~RySceneRenderer()
     abandon();
 }
 
+void RySceneRenderer::forget()
+{
+    m_droppedUploads = uploads();
+    m_drawn.clear();
+    m_objects.clear();
+    m_surface.reset();
+    m_dataRevision = 0;
+}
+
 void RySceneRenderer::abandon()
 {
-    for (auto *shader : {&m_background, &m_grid, &m_surface}) {
-        if (*shader)
-            (*shader)->abandon();
-        shader->reset();
-    }
+    if (m_surface)
+        m_surface->abandon();
     for (auto &[object, drawing] : m_objects)
         drawing->abandon();
-    m_droppedUploads = uploads();
-    m_objects.clear();
-    m_dataRevision = 0;
+    forget();
 }
 
 void RySceneRenderer::release()
 {
-    m_droppedUploads = uploads();
-    m_objects.clear();
-    m_background.reset();
-    m_grid.reset();
-    m_surface.reset();
-    m_dataRevision = 0;
+    forget();
 }
 
 int RySceneRenderer::uploads() const
@@ -75,197 +52,103 @@ int RySceneRenderer::uploads() const
     return sum;
 }
 
-void RySceneRenderer::checkContext()
+RyObjectDrawing &RySceneRenderer::drawingOf(RyObject *object)
 {
-    const quintptr context = RyOffscreenContext::currentKey();
-    if (context != m_context)
-        abandon();
-    m_context = context;
-    if (!m_surface) {
-        using namespace RySceneShaders;
-        m_background = std::make_unique<RyShader>(BackgroundVertex, BackgroundFragment);
-        m_grid = std::make_unique<RyShader>(GridVertex, GridFragment);
-        m_surface = std::make_unique<RyShader>(SurfaceVertex, SurfaceFragment);
-    }
+    std::unique_ptr<RyObjectDrawing> &drawing = m_objects[object];
+    if (drawing && drawing->object() != object) // another object has come to lie at the place of one that is gone
+        m_droppedUploads += drawing->uploads();
+    if (!drawing || drawing->object() != object)
+        drawing = std::make_unique<RyObjectDrawing>(object);
+    return *drawing;
 }
 
-void RySceneRenderer::render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options,
-                             int width, int height, quint64 dataRevision)
-{
-    checkContext();
-    updateObjects(scene, dataRevision);
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
-    glViewport(0, 0, width, height);
-    glDisable(GL_SCISSOR_TEST);
-    glDisable(GL_CULL_FACE);
-    glDisable(GL_LIGHTING);
-    glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    glDepthMask(GL_TRUE);
-    glClear(GL_DEPTH_BUFFER_BIT);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    drawBackground(options);
-    matrices.load();
-    if (options.showGrid)
-        drawGrid(matrices, options);
-    drawObjects(scene, matrices, options);
-    drawAxes(matrices, options);
-    RyShader::useNone();
-    glPopAttrib();
-}
-
-void RySceneRenderer::updateObjects(const RyScene &scene, quint64 dataRevision)
+quint64 RySceneRenderer::update(const RyScene &scene, quint64 dataRevision)
 {
     if (dataRevision == m_dataRevision)
-        return;
+        return m_content;
     m_dataRevision = dataRevision;
-    std::unordered_map<const RyObject *, std::unique_ptr<RyObjectDrawing>> kept;
-    for (const RyNode *node : drawnNodes(scene)) {
+    bool isOther = false;
+    std::vector<Drawn> drawn;
+    std::unordered_set<const RyObject *> used;
+    for (const RyNode *node : scene.getNodes()) {
         RyObject *object = node->getObject();
-        auto found = m_objects.find(object);
-        const bool known = found != m_objects.end() && found->second->object() == object;
-        auto drawing = known ? std::move(found->second) : std::make_unique<RyObjectDrawing>(object);
-        if (known)
-            m_objects.erase(found);
-        if (drawing->update())
-            kept.emplace(object, std::move(drawing));
+        if (!object || !node->isVisible())
+            continue;
+        RyObjectDrawing &drawing = drawingOf(object);
+        const auto update = drawing.update();
+        if (update == RyObjectDrawing::Update::Nothing)
+            continue;
+        isOther = isOther || update == RyObjectDrawing::Update::Changed;
+        used.insert(object);
+        drawn.push_back({node->worldMap().toMatrix4(), &drawing});
     }
-    for (const auto &[object, drawing] : m_objects)
-        m_droppedUploads += drawing->uploads();
-    m_objects = std::move(kept);
-}
-
-void RySceneRenderer::drawBackground(const RyRenderOptions &options)
-{
-    glDisable(GL_DEPTH_TEST);
-    glDisable(GL_BLEND);
-    m_background->use();
-    setColor(*m_background, "top", options.backgroundTop);
-    setColor(*m_background, "bottom", options.backgroundBottom);
-    glRectf(-1, -1, 1, 1);
-    RyShader::useNone();
-}
-
-void RySceneRenderer::drawGrid(const RyViewMatrices &matrices, const RyRenderOptions &options)
-{
-    // Around the place of the ground below the middle of the picture.
-    const RyLine3 middle = matrices.ray(QPointF(matrices.width() * 0.5, matrices.height() * 0.5));
-    const RyVec3 eye = matrices.view().inverse().translation();
-    const float reach =
-        std::clamp(std::abs(eye.y) * 8.0f + (eye - RyVec3(0, eye.y, 0)).length() * 1.5f, 300.0f, 20000.0f);
-    const RyVec3 ahead = eye + middle.getDirection() * (reach * 0.25f);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    glDepthMask(GL_FALSE);
-    glEnable(GL_BLEND);
-    m_grid->use();
-    setColor(*m_grid, "color", options.grid);
-    m_grid->set("radius", reach);
-    m_grid->set("center", ahead.x, ahead.z);
-    const float corners[4][3] = {{ahead.x - reach, 0, ahead.z - reach},
-                                 {ahead.x - reach, 0, ahead.z + reach},
-                                 {ahead.x + reach, 0, ahead.z + reach},
-                                 {ahead.x + reach, 0, ahead.z - reach}};
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, corners);
-    glDrawArrays(GL_QUADS, 0, 4);
-    glDisableClientState(GL_VERTEX_ARRAY);
-    RyShader::useNone();
-    glDepthMask(GL_TRUE);
-}
-
-void RySceneRenderer::drawObjects(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options)
-{
-    const std::vector<const RyNode *> nodes = drawnNodes(scene);
-    const auto forEach = [&](const auto &draw) {
-        for (const RyNode *node : nodes) {
-            const auto found = m_objects.find(node->getObject());
-            if (found == m_objects.end())
-                continue;
-            glPushMatrix();
-            glMultMatrixf(node->worldMap().toMatrix4().data());
-            draw(*found->second);
-            glPopMatrix();
+    for (auto each = m_objects.begin(); each != m_objects.end();) {
+        if (used.count(each->first)) {
+            ++each;
+            continue;
         }
-    };
+        m_droppedUploads += each->second->uploads();
+        each = m_objects.erase(each);
+    }
+    if (isOther || drawn != m_drawn)
+        ++m_content;
+    m_drawn = std::move(drawn);
+    return m_content;
+}
+
+bool RySceneRenderer::drawSurfaces(const RySceneView &view, Progress &progress, int mostTriangles)
+{
+    if (!m_surface)
+        m_surface = std::make_unique<RyShader>(RySceneShaders::SurfaceVertex, RySceneShaders::SurfaceFragment);
+    const RyRenderOptions &options = view.options;
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
+    glDisable(GL_BLEND);
     if (options.wireframe) {
         // Room for the edges. Not at other times: it pushes the outline behind the far side of the figure.
         glEnable(GL_POLYGON_OFFSET_FILL);
         glPolygonOffset(0.6f, 1.0f);
     }
     m_surface->use();
-    const RyVec3 up = matrices.view().multDirMatrix(RyVec3(0, 1, 0));
+    const RyVec3 up = view.matrices.view().multDirMatrix(RyVec3(0, 1, 0));
     m_surface->set("up", up.x, up.y, up.z);
     m_surface->set("picture", 0);
-    m_surface->set("alpha", options.seeThrough ? options.seeThroughAlpha : 1.0f);
-    if (options.seeThrough) {
-        // Depth first, so that only the nearest surface is blended over the background and no inner side shows.
-        glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
-        forEach([](const RyObjectDrawing &drawing) { drawing.drawDepth(); });
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        glEnable(GL_BLEND);
-    } else {
-        glDisable(GL_BLEND);
-    }
+    m_surface->set("behind", options.seeThrough ? 1.0f - options.seeThroughAlpha : 0.0f);
     const float clay[3] = {float(options.clay.redF()), float(options.clay.greenF()), float(options.clay.blueF())};
-    forEach([&](const RyObjectDrawing &drawing) { drawing.drawSurfaces(*m_surface, clay); });
-    RyShader::useNone();
-    glDisable(GL_POLYGON_OFFSET_FILL);
-    if (options.wireframe) {
-        glEnable(GL_BLEND);
-        glDepthMask(GL_FALSE);
-        glLineWidth(1.0f);
-        const QColor &wire = options.wire;
-        glColor4f(float(wire.redF()), float(wire.greenF()), float(wire.blueF()), 0.42f);
-        forEach([](const RyObjectDrawing &drawing) { drawing.drawEdges(); });
+    while (progress.object < m_drawn.size() && mostTriangles > 0) {
+        const Drawn &drawn = m_drawn[progress.object];
+        const int left = drawn.drawing->triangleCount() - progress.triangle;
+        const int count = std::min(left, mostTriangles);
+        glPushMatrix();
+        glMultMatrixf(drawn.map.data());
+        drawn.drawing->drawSurfaces(*m_surface, clay, {progress.triangle, count});
+        glPopMatrix();
+        mostTriangles -= count;
+        progress =
+            count == left ? Progress{progress.object + 1, 0} : Progress{progress.object, progress.triangle + count};
     }
+    RyShader::useNone();
+    glPopAttrib();
+    return progress.object >= m_drawn.size();
 }
 
-void RySceneRenderer::drawAxes(const RyViewMatrices &matrices, const RyRenderOptions &options)
+void RySceneRenderer::drawEdges(const RySceneView &view) const
 {
-    // In pixels from the upper right corner; the letters are strokes in a box of 1 by 1.
-    static const std::array<std::vector<float>, 3> Letters = {
-        {{0, 0, 1, 1, 0, 1, 1, 0},
-         {0, 1, 0.5f, 0.5f, 1, 1, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f, 0},
-         {0, 1, 1, 1, 1, 1, 0, 0, 0, 0, 1, 0}}};
-    static const float Colors[3][3] = {{0.86f, 0.33f, 0.31f}, {0.45f, 0.72f, 0.33f}, {0.36f, 0.55f, 0.90f}};
-    if (!options.showAxes)
-        return;
-    const float unit = options.pixelRatio;
-    const auto width = float(matrices.width());
-    const auto height = float(matrices.height());
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glOrtho(0, width, 0, height, -1, 1);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glDisable(GL_DEPTH_TEST);
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    glDepthMask(GL_FALSE);
     glEnable(GL_BLEND);
-    glLineWidth(1.8f * unit);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    const float cx = width - 44 * unit;
-    const float cy = height - 44 * unit;
-    std::array<int, 3> order{0, 1, 2};
-    std::array<RyVec3, 3> directions;
-    for (int axis = 0; axis < 3; ++axis)
-        directions[size_t(axis)] = matrices.view().multDirMatrix(RyVec3::axis(axis));
-    std::sort(order.begin(), order.end(),
-              [&](int a, int b) { return directions[size_t(a)].z < directions[size_t(b)].z; });
-    for (int axis : order) {
-        const RyVec3 &d = directions[size_t(axis)];
-        const float tipX = cx + d.x * 24 * unit;
-        const float tipY = cy + d.y * 24 * unit;
-        glColor4f(Colors[axis][0], Colors[axis][1], Colors[axis][2], d.z < -0.2f ? 0.55f : 1.0f);
-        std::vector<float> points{cx, cy, tipX, tipY};
-        const std::vector<float> &letter = Letters[size_t(axis)];
-        for (size_t i = 0; i < letter.size(); i += 2) {
-            points.push_back(cx + d.x * 34 * unit + (letter[i] - 0.5f) * 7 * unit);
-            points.push_back(cy + d.y * 34 * unit + (letter[i + 1] - 0.5f) * 8 * unit);
-        }
-        glVertexPointer(2, GL_FLOAT, 0, points.data());
-        glDrawArrays(GL_LINES, 0, int(points.size() / 2));
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glLineWidth(1.0f);
+    const QColor &wire = view.options.wire;
+    glColor4f(float(wire.redF()), float(wire.greenF()), float(wire.blueF()), 0.42f);
+    for (const Drawn &drawn : m_drawn) {
+        glPushMatrix();
+        glMultMatrixf(drawn.map.data());
+        drawn.drawing->drawEdges();
+        glPopMatrix();
     }
-    glDisableClientState(GL_VERTEX_ARRAY);
-    matrices.load();
+    glPopAttrib();
 }

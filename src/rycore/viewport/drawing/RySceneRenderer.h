@@ -1,47 +1,62 @@
 #pragma once
 
-#include "rycore/viewport/RyRenderOptions.h"
+#include "rycore/math/RyMatrix4.h"
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 class RyObject;
 class RyObjectDrawing;
 class RyScene;
 class RyShader;
-class RyViewMatrices;
+struct RySceneView;
 
-/// Draws a scene into the frame buffer that is bound in the current GL context: background, ground grid, shaded
-/// objects. Keeps buffers and textures of one context; meeting another one it starts over.
+/// Draws the objects of a scene into the frame buffer that is bound. Keeps buffers and textures of one GL context.
 class RySceneRenderer
 {
 public:
     RySceneRenderer();
-    /// Makes no GL call: call `release` with the context current first, or let the names go with their context.
+    /// Makes no GL call: `release` with the context current comes first, or `abandon`.
     ~RySceneRenderer();
 
-    /// Objects are looked at again only when `dataRevision` differs from the last call's. The size is in device pixels.
-    void render(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options, int width,
-                int height, quint64 dataRevision);
-    /// Deletes all GL names; their context is current.
+    /// Brings what is drawn up to date. The number that comes back is another one whenever objects look different from
+    /// last time: which are shown and where, their shapes, materials and deformed positions. Nothing is looked at while
+    /// `dataRevision` stays.
+    quint64 update(const RyScene &scene, quint64 dataRevision);
+
+    /// How far the drawing of surfaces has come.
+    struct Progress
+    {
+        size_t object = 0;
+        int triangle = 0;
+    };
+    /// Draws the next surfaces, about `mostTriangles` of them, over what lies in color and depth; to alpha goes how
+    /// much of what is behind shows through. True when all are drawn.
+    bool drawSurfaces(const RySceneView &view, Progress &progress, int mostTriangles);
+    /// The edges of all facets.
+    void drawEdges(const RySceneView &view) const;
+
     void release();
+    /// Forgets the GL names without deleting them: their context is gone.
+    void abandon();
     /// How often positions of some object went to the graphics memory.
     int uploads() const;
 
 private:
-    void checkContext();
-    void abandon();
-    void updateObjects(const RyScene &scene, quint64 dataRevision);
-    void drawBackground(const RyRenderOptions &options);
-    void drawGrid(const RyViewMatrices &matrices, const RyRenderOptions &options);
-    void drawAxes(const RyViewMatrices &matrices, const RyRenderOptions &options);
-    void drawObjects(const RyScene &scene, const RyViewMatrices &matrices, const RyRenderOptions &options);
+    struct Drawn
+    {
+        RyMatrix4 map; // to the world
+        RyObjectDrawing *drawing = nullptr;
+        bool operator==(const Drawn &) const = default;
+    };
+    void forget();
+    RyObjectDrawing &drawingOf(RyObject *object);
 
-    quintptr m_context = 0;
     quint64 m_dataRevision = 0;
+    quint64 m_content = 0;
     int m_droppedUploads = 0;
-    std::unique_ptr<RyShader> m_background;
-    std::unique_ptr<RyShader> m_grid;
     std::unique_ptr<RyShader> m_surface;
     std::unordered_map<const RyObject *, std::unique_ptr<RyObjectDrawing>> m_objects;
+    std::vector<Drawn> m_drawn;
 };

@@ -77,7 +77,7 @@ uniform vec4 base;
 uniform sampler2D picture;
 uniform int textured;
 uniform vec3 up;
-uniform float alpha;
+uniform float behind;
 varying vec3 eye;
 varying vec3 normal;
 varying vec2 uv;
@@ -105,7 +105,7 @@ void main()
     light += vec3(0.16, 0.17, 0.20) * wrapped(n, normalize(vec3(0.20, 0.45, -0.87)), 0.4);
     float facing = 1.0 - max(dot(n, view), 0.0);
     vec3 color = albedo * light + vec3(0.035) * pow(facing, 3.0);
-    gl_FragColor = vec4(pow(color, vec3(1.0 / 2.2)), alpha);
+    gl_FragColor = vec4(pow(color, vec3(1.0 / 2.2)), behind);
 }
 )";
 

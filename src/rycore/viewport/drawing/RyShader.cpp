@@ -87,3 +87,8 @@ void RyShader::set(const char *name, float x, float y, float z, float w) const
 {
     glUniform4f(location(name), x, y, z, w);
 }
+
+void RyShader::set(const char *name, const QColor &color) const
+{
+    set(name, float(color.redF()), float(color.greenF()), float(color.blueF()));
+}

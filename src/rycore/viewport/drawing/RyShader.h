@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QColor>
+
 /// A linked pair of vertex and fragment shader of the current context (GLSL 1.20, fixed-function names).
 class RyShader
 {
@@ -17,6 +19,7 @@ public:
     void set(const char *name, float x, float y) const;
     void set(const char *name, float x, float y, float z) const;
     void set(const char *name, float x, float y, float z, float w) const;
+    void set(const char *name, const QColor &color) const;
     void abandon() { m_program = 0; }
 
 private:

@@ -1,0 +1,50 @@
+#include "rycore/viewport/RyGL.h"
+
+#include "rycore/viewport/drawing/RyViewPainter.h"
+
+#include "rycore/viewport/drawing/RyFramebuffer.h"
+#include "rycore/viewport/drawing/ryDrawPicture.h"
+
+RyViewPainter::RyViewPainter() = default;
+
+RyViewPainter::~RyViewPainter()
+{
+    abandon();
+}
+
+void RyViewPainter::release()
+{
+    m_scene.release();
+    m_frame.reset();
+}
+
+void RyViewPainter::abandon()
+{
+    m_scene.abandon();
+    if (m_frame)
+        m_frame->abandon();
+    m_frame.reset();
+}
+
+void RyViewPainter::paint(const RySceneView &view, int samples, const std::function<void()> &drawOver)
+{
+    GLint target = 0;
+    glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &target);
+    const RyFramebuffer &scene = m_scene.get(view, samples);
+    if (samples > 1) {
+        if (!m_frame || m_frame->width() != view.width || m_frame->height() != view.height)
+            m_frame = RyFramebuffer::withSamples(view.width, view.height, samples);
+        m_frame->bind();
+        glViewport(0, 0, view.width, view.height);
+        glDisable(GL_BLEND);
+        ryDrawPicture(scene.texture());
+    } else {
+        scene.resolveInto(GLuint(target));
+        glViewport(0, 0, view.width, view.height);
+    }
+    glDepthMask(GL_TRUE);
+    glClear(GL_DEPTH_BUFFER_BIT);
+    drawOver();
+    if (samples > 1)
+        m_frame->resolveInto(GLuint(target));
+}
