@@ -5,9 +5,12 @@
 #include "rycore/math/RyBox3.h"
 #include "rycore/math/RyTime.h"
 #include "rycore/scene/RyNodeEdit.h"
+#include "rycore/scene/RyNodeFlags.h"
+#include "rycore/scene/RyNodeGeometry.h"
 #include "rycore/scene/RyNodeMaps.h"
 #include "rycore/scene/RyNodePose.h"
 #include "rycore/scene/RyNodeRigging.h"
+#include "rycore/scene/RyNodeTree.h"
 
 #include <memory>
 #include <vector>
@@ -32,12 +35,12 @@ public:
     ~RyNode() override;
 
     // --- Tree. Children keep the order in which they were added.
-    RyNode *getNodeParent() const { return m_parent; }
-    int getNumNodeChildren() const { return int(m_children.size()); }
+    RyNode *getNodeParent() const { return m_tree.parent(); }
+    int getNumNodeChildren() const { return int(m_tree.children().size()); }
     /// Null outside the range.
     RyNode *getNodeChild(int index) const;
     /// A copy of the list of children: stable against changes during a walk.
-    std::vector<RyNode *> nodeChildrenIterator() const { return m_children; }
+    std::vector<RyNode *> nodeChildrenIterator() const { return m_tree.children(); }
     /// Direct children, or all descendants in pre-order; the node itself is not included.
     void getNodeChildren(std::vector<RyNode *> &list, bool recursive) const;
     /// Detaches the child from its old parent and appends it (or inserts it at `index`). Refuses null, itself and a
@@ -53,15 +56,15 @@ public:
     /// True appends to the selection and makes primary (selecting again moves to the end); false removes.
     void select(bool onOff);
     bool isSelected() const;
-    bool isHidden() const { return m_hidden; }
+    bool isHidden() const { return m_flags.has(RyNodeFlags::Hidden); }
     void setHidden(bool hidden);
     /// Neither the node nor an ancestor is hidden.
     bool isVisible() const;
-    bool isSelectable() const { return m_selectable; }
+    bool isSelectable() const { return m_flags.has(RyNodeFlags::Selectable); }
     void setSelectable(bool selectable);
-    bool isSelectionPromoted() const { return m_promoteSelection; }
+    bool isSelectionPromoted() const { return m_flags.has(RyNodeFlags::PromotesSelection); }
     void setPromoteSelection(bool promote);
-    bool inheritsScale() const { return m_inheritScale; }
+    bool inheritsScale() const { return m_flags.has(RyNodeFlags::InheritsScale); }
     void setInheritScale(bool inherit);
 
     // --- Rigging. `byDefault` reads the default (rest) value instead of the current one. (0,0,0) and the identity
@@ -141,7 +144,7 @@ public:
     virtual RyOrientedBox3 getOrientedBoundingBox() const;
 
     /// Null when the node has none. Setting takes a reference.
-    RyObject *getObject() const { return m_object.get(); }
+    RyObject *getObject() const { return m_geometry.object(); }
     void setObject(RyObject *object);
 
     /// Same class as far as the host knows it, name, label, flags, rotation order, rigging, pose and limits, below the
@@ -174,37 +177,26 @@ protected:
     void editCancelled() override;
 
 private:
+    friend class RyNodeFlags;
+    friend class RyNodeGeometry;
     friend class RyNodeMaps;
+    friend class RyNodeTree;
     friend class RyScene;
-    struct ParentValue;
-    template<bool RyNode::*Flag>
-    struct FlagValue;
     struct OrderValue;
-    struct ObjectValue;
 
-    void attachChild(RyNode *child, int index);
-    void detachChild(RyNode *child);
-    template<bool RyNode::*Flag>
-    void setFlag(bool value);
-    void announceFlag(bool RyNode::*flag);
     void applyRotationOrder(const RyRotationOrder &order);
-    void applyObject(RyObject *object);
     void writeRigging(RyNodeRigging::Triple triple, const RyVec3 &v, RyNodeRigging::Write how);
     /// Announces a change of a rigging value, unless the end of an edit does.
     void riggingHasChanged();
     const RyNodeMaps &validMaps() const;
     void invalidateMaps() { RyNodeMaps::invalidate(*this); }
 
-    RyNode *m_parent = nullptr;
-    std::vector<RyNode *> m_children; // each counted once
+    RyNodeTree m_tree{*this};
     RyScene *m_scene = nullptr;
     RyNodeRigging m_rigging;
     RyNodePose m_pose;
     RyNodeEdit m_edit;
     mutable RyNodeMaps m_maps;
-    RyRef<RyObject> m_object;
-    bool m_hidden = false;
-    bool m_selectable = true;
-    bool m_promoteSelection = false;
-    bool m_inheritScale = true;
+    RyNodeFlags m_flags{*this};
+    RyNodeGeometry m_geometry{*this};
 };

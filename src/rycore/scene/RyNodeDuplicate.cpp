@@ -15,10 +15,10 @@ RyElement *RyNode::doDuplicateElement(RyElementDuplicateContext *context)
     copy->setName(getName());
     if (hasOwnLabel())
         copy->setLabel(getLabel());
-    copy->setHidden(m_hidden);
-    copy->setSelectable(m_selectable);
-    copy->setPromoteSelection(m_promoteSelection);
-    copy->setInheritScale(m_inheritScale);
+    copy->setHidden(isHidden());
+    copy->setSelectable(isSelectable());
+    copy->setPromoteSelection(isSelectionPromoted());
+    copy->setInheritScale(inheritsScale());
     copy->setRotationOrder(getRotationOrder());
     copy->copyPropertiesFrom(*this, !context->skipNonUserProperties());
     context->addDuplicate(this, copy);

@@ -32,7 +32,7 @@ RyAffine composed(const RyAffine &local, const RyAffine &parentMap, const RyQuat
 void RyNodeMaps::update(const RyNode &node)
 {
     std::vector<const RyNode *> stale;
-    for (const RyNode *each = &node; each && !each->m_maps.m_valid; each = each->m_parent)
+    for (const RyNode *each = &node; each && !each->m_maps.m_valid; each = each->getNodeParent())
         stale.push_back(each);
     for (; !stale.empty(); stale.pop_back())
         stale.back()->m_maps.follow(*stale.back());
@@ -40,11 +40,11 @@ void RyNodeMaps::update(const RyNode &node)
 
 void RyNodeMaps::follow(const RyNode &node)
 {
-    const RyNodeMaps *parent = node.m_parent ? &node.m_parent->m_maps : nullptr;
+    const RyNodeMaps *parent = node.getNodeParent() ? &node.getNodeParent()->m_maps : nullptr;
     const RyVec3 origin = node.getOrigin();
     const RyAffine local = node.getLocalMap();
     const RyQuat rotation = node.getLocalRot();
-    const bool inherits = node.m_inheritScale;
+    const bool inherits = node.inheritsScale();
     if (parent) {
         m_world = composed(local, parent->m_world, parent->m_worldRotation, inherits, origin);
         m_worldRotation = (rotation * parent->m_worldRotation).normalized();
@@ -75,7 +75,8 @@ void RyNodeMaps::invalidate(RyNode &node)
             continue;
         each->m_maps.m_valid = false;
         ++each->m_maps.m_revision;
-        pending.insert(pending.end(), each->m_children.begin(), each->m_children.end());
+        const std::vector<RyNode *> &children = each->m_tree.children();
+        pending.insert(pending.end(), children.begin(), children.end());
     }
 }
 
@@ -83,7 +84,7 @@ RyMatrix4 RyNodeMaps::defaultTransform(const RyNode &node)
 {
     std::vector<const RyNode *> chain;
     const RyNode *above = &node;
-    for (; above && !qobject_cast<const RySkeleton *>(above); above = above->m_parent)
+    for (; above && !qobject_cast<const RySkeleton *>(above); above = above->getNodeParent())
         chain.push_back(above);
     RyAffine map = above ? above->worldMap() : RyAffine();
     RyQuat rotation = above ? above->getWSRot() : RyQuat();
@@ -91,7 +92,7 @@ RyMatrix4 RyNodeMaps::defaultTransform(const RyNode &node)
         const RyNode &each = *chain.back();
         const RyVec3 origin = each.getOrigin(true);
         const RyQuat orientation = each.getOrientation(true);
-        map = composed(each.m_pose.localMap(origin, orientation, true), map, rotation, each.m_inheritScale, origin);
+        map = composed(each.m_pose.localMap(origin, orientation, true), map, rotation, each.inheritsScale(), origin);
         rotation = (each.m_pose.localRotation(orientation, true) * rotation).normalized();
     }
     return (RyAffine::fromTranslation(node.getOrigin(true)) * map).toMatrix4();

@@ -50,7 +50,7 @@ signals:
     void contentChanged();
 
 private:
-    friend class RyNode;
+    friend class RyNodeGeometry;
     struct ModifierList;
     struct ShapeList;
     void insertShape(RyShape *shape, int index);

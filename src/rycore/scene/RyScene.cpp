@@ -118,8 +118,8 @@ RyError RyScene::removeNode(RyNode *node)
     std::vector<RyNode *> selection = m_selection;
     std::erase_if(selection, [&](RyNode *n) { return std::find(subtree.begin(), subtree.end(), n) != subtree.end(); });
     changeSelection(std::move(selection));
-    if (node->m_parent)
-        node->m_parent->removeNodeChild(node);
+    if (RyNode *parent = node->getNodeParent())
+        parent->removeNodeChild(node);
     for (auto each = subtree.rbegin(); each != subtree.rend(); ++each) {
         const auto place = std::find(m_nodes.begin(), m_nodes.end(), *each);
         if (place == m_nodes.end())

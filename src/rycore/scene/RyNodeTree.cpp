@@ -1,0 +1,146 @@
+#include "rycore/scene/RyNodeTree.h"
+
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyValueChange.h"
+
+#include <algorithm>
+
+RyNode *RyNodeTree::child(int index) const
+{
+    return index >= 0 && index < int(m_children.size()) ? m_children[size_t(index)] : nullptr;
+}
+
+void RyNodeTree::collect(std::vector<RyNode *> &list, bool recursive) const
+{
+    if (!recursive) {
+        list.insert(list.end(), m_children.begin(), m_children.end());
+        return;
+    }
+    std::vector<RyNode *> pending(m_children.rbegin(), m_children.rend());
+    while (!pending.empty()) {
+        RyNode *node = pending.back();
+        pending.pop_back();
+        list.push_back(node);
+        const std::vector<RyNode *> &children = node->m_tree.m_children;
+        pending.insert(pending.end(), children.rbegin(), children.rend());
+    }
+}
+
+bool RyNodeTree::isBelow(const RyNode *node) const
+{
+    for (const RyNode *above = m_parent; above; above = above->m_tree.m_parent) {
+        if (above == node)
+            return true;
+    }
+    return false;
+}
+
+RySkeleton *RyNodeTree::skeleton() const
+{
+    for (RyNode *node = &m_node; node; node = node->m_tree.m_parent) {
+        if (auto *skeleton = qobject_cast<RySkeleton *>(node))
+            return skeleton;
+    }
+    return nullptr;
+}
+
+/// The parent of a node and its place among the siblings. It counts while a step may bring it back.
+struct RyNodeTree::ParentValue : RyOrderedValueOf<RyNode, std::pair<RyRef<RyNode>, int>, RyRef<RyNode>>
+{
+    static Value get(const RyNode &node)
+    {
+        RyNode *parent = node.m_tree.m_parent;
+        if (!parent)
+            return {nullptr, -1};
+        const std::vector<RyNode *> &siblings = parent->m_tree.m_children;
+        const auto place = std::find(siblings.begin(), siblings.end(), &node);
+        return {parent, int(place - siblings.begin())};
+    }
+    static void put(RyNode &node, const Value &value)
+    {
+        const RyRef<RyNode> now(node.m_tree.m_parent);
+        RyNode *parent = value.first.get();
+        if (now)
+            now->m_tree.detach(&node);
+        if (parent && parent != &node && !parent->isDescendantOf(&node))
+            parent->m_tree.attach(&node, std::min(value.second, parent->getNumNodeChildren()));
+        if (RyScene *scene = node.getScene())
+            emit scene->nodeListChanged();
+    }
+};
+
+bool RyNodeTree::add(RyNode *child, bool keepWorld, int index)
+{
+    if (!child || child == &m_node || (!child->m_tree.m_children.empty() && isBelow(child)))
+        return false;
+    const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
+    const RyRef<RyNode> guard(child);
+    RyValueChange<ParentValue>::record(child);
+    if (RyNode *parent = child->m_tree.m_parent)
+        parent->m_tree.detach(child);
+    attach(child, index < 0 ? int(m_children.size()) : std::min(index, int(m_children.size())));
+    if (keepWorld)
+        child->m_pose.takeFrom(before * m_node.worldMap().inverse(), child->getOrigin(), child->getOrientation());
+    RyScene *scene = m_node.getScene() ? m_node.getScene() : child->getScene();
+    if (scene)
+        emit scene->nodeListChanged();
+    return true;
+}
+
+bool RyNodeTree::remove(RyNode *child, bool keepWorld)
+{
+    if (!child || child->m_tree.m_parent != &m_node)
+        return false;
+    const RyAffine before = keepWorld ? child->worldMap() : RyAffine();
+    const RyRef<RyNode> guard(child);
+    RyValueChange<ParentValue>::record(child);
+    detach(child);
+    if (keepWorld)
+        child->m_pose.takeFrom(before, child->getOrigin(), child->getOrientation());
+    if (RyScene *scene = m_node.getScene())
+        emit scene->nodeListChanged();
+    return true;
+}
+
+void RyNodeTree::attach(RyNode *child, int index)
+{
+    child->ref();
+    child->m_tree.m_parent = &m_node;
+    m_children.insert(m_children.begin() + index, child);
+    RyNodeMaps::invalidate(*child);
+    emit m_node.childrenChanged();
+}
+
+void RyNodeTree::detach(RyNode *child)
+{
+    const auto place = std::find(m_children.begin(), m_children.end(), child);
+    if (place == m_children.end())
+        return;
+    m_children.erase(place);
+    child->m_tree.m_parent = nullptr;
+    RyNodeMaps::invalidate(*child);
+    emit m_node.childrenChanged();
+    child->unref();
+}
+
+void RyNodeTree::dissolve()
+{
+    if (m_parent)
+        m_parent->m_tree.detach(&m_node);
+    // Descendants that nobody else holds go one after the other, so that a deep chain does not nest destructors.
+    std::vector<RyRef<RyNode>> orphans;
+    const auto takeChildrenOf = [&orphans](RyNodeTree &tree) {
+        while (!tree.m_children.empty()) {
+            orphans.emplace_back(tree.m_children.back());
+            tree.detach(tree.m_children.back());
+        }
+    };
+    takeChildrenOf(*this);
+    while (!orphans.empty()) {
+        const RyRef<RyNode> orphan = std::move(orphans.back());
+        orphans.pop_back();
+        if (orphan && orphan->refCount() == 1)
+            takeChildrenOf(orphan->m_tree);
+    }
+}
