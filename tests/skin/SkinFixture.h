@@ -10,6 +10,7 @@
 #include "rycore/skin/RySkinBinding.h"
 #include "support/RyTest.h"
 
+#include <cmath>
 #include <random>
 
 /// A skeleton with bones in a tree, an object with a cloud of vertices, and a skin with one binding per bone, without
@@ -129,4 +130,21 @@ inline QString dumpWeights(const RySkinBinding *skin)
         text += ']';
     }
     return text;
+}
+
+/// The distance of a point from one in double precision.
+inline double apart(const RyVec3 &a, const double b[3])
+{
+    return std::sqrt((a.x - b[0]) * (a.x - b[0]) + (a.y - b[1]) * (a.y - b[1]) + (a.z - b[2]) * (a.z - b[2]));
+}
+
+/// The largest distance of points of the same index; huge where the counts differ.
+inline double apart(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
+{
+    double most = a.size() == b.size() ? 0.0 : 1e30;
+    for (size_t i = 0; i < a.size() && i < b.size(); ++i) {
+        const double p[3] = {b[i].x, b[i].y, b[i].z};
+        most = std::max(most, apart(a[i], p));
+    }
+    return most;
 }
