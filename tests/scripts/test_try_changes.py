@@ -17,7 +17,7 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 
-from changes import candidates, programs, survivors, workplace  # noqa: E402
+from changes import build_copy, candidates, programs, survivors  # noqa: E402
 from changes.candidates import ARGUMENTS, CALL, CONDITION, CONSTANT, choose, find_candidates, instrument, rank  # noqa: E402
 
 
@@ -208,7 +208,7 @@ class RunningTest(unittest.TestCase):
         self.assertNotIn(self.numbers[17, ";"], numbers)
 
 
-class WorkplaceTest(unittest.TestCase):
+class BuildCopyTest(unittest.TestCase):
     TEXT = "void f()\n{\n    g(1);\n    if (a)\n        h();\n}\n"
 
     def setUp(self):
@@ -219,24 +219,24 @@ class WorkplaceTest(unittest.TestCase):
         (root / ".gitignore").write_text("/build*/\n")
         (root / "a.cpp").write_text(self.TEXT)
         (root / "old.cpp").write_text("int i;\n")
-        self.root, self.place = root, workplace.Workplace(root, root / "build-changes", 1)
+        self.root, self.copy = root, build_copy.BuildCopy(root, root / "build-changes", 1)
         self.found = find_candidates({"a.cpp": self.TEXT})
 
     def tearDown(self):
         self.folder.cleanup()
 
     def test_the_copy_equals_the_tree_but_for_the_changes(self):
-        self.place.fill({5: self.found[0]})
-        tree = self.place.tree
+        self.copy.fill({5: self.found[0]})
+        tree = self.copy.tree
         self.assertIn("ryChange(5)", (tree / "a.cpp").read_text())
         self.assertEqual((tree / "old.cpp").read_text(), "int i;\n")
         self.assertEqual((self.root / "a.cpp").read_text(), self.TEXT)
         before = (tree / "old.cpp").stat().st_mtime_ns
-        self.place.fill({})
+        self.copy.fill({})
         self.assertEqual((tree / "a.cpp").read_text(), self.TEXT)
         self.assertEqual((tree / "old.cpp").stat().st_mtime_ns, before)
         (self.root / "old.cpp").unlink()
-        self.place.fill({})
+        self.copy.fill({})
         self.assertFalse((tree / "old.cpp").exists())
 
     def test_functions_tell_that_they_read_what_the_start_reaches(self):
@@ -244,34 +244,34 @@ class WorkplaceTest(unittest.TestCase):
                "constexpr int e() { return 5; }\nint f() {\n    if (b) { return a; }\n    return 6;\n}\n"
         found = {each.before: each for each in find_candidates({"a.cpp": text})}
         self.assertEqual([name for name, each in sorted(found.items()) if each.at_start], ["1", "2"])
-        self.assertEqual(workplace.markers({1: found["3"], 2: found["4"]}), {})
-        self.assertEqual(workplace.markers({1: found["1"], 2: found["6"]}), {"a.cpp": workplace.FIRST_MARKER})
+        self.assertEqual(build_copy.markers({1: found["3"], 2: found["4"]}), {})
+        self.assertEqual(build_copy.markers({1: found["1"], 2: found["6"]}), {"a.cpp": build_copy.FIRST_MARKER})
         marked = instrument(text, {1: found["1"]}, 77)
         self.assertEqual([line for line in marked.splitlines() if "77" in line],
                          ["struct S { int c = 3; int d() { ryChange(77); return 4; } };", "int f() { ryChange(77);"])
 
     def test_errors_tell_which_changes_do_not_compile(self):
-        self.place.fill({})
+        self.copy.fill({})
         self.assertEqual([each.line for each in self.found], [3, 3, 4, 5])
         for line, lines in ((3, {3}), (4, {4}), (6, {5})):
-            output = f"{self.place.tree}/a.cpp:{line}:7: error: no\n{self.place.tree}/a.cpp:5:1: note: yes\n"
-            self.assertEqual({each.line for each in self.place.refused(self.found, output)}, lines)
-        self.assertEqual(self.place.refused(self.found, "/elsewhere/a.cpp:3:1: error: no\n"), set())
+            output = f"{self.copy.tree}/a.cpp:{line}:7: error: no\n{self.copy.tree}/a.cpp:5:1: note: yes\n"
+            self.assertEqual({each.line for each in self.copy.refused(self.found, output)}, lines)
+        self.assertEqual(self.copy.refused(self.found, "/elsewhere/a.cpp:3:1: error: no\n"), set())
 
     def test_an_error_in_a_library_belongs_to_the_place_that_needs_it(self):
-        self.place.fill({})
-        output = f"/usr/include/x.h:9:1:   required from 'y'\n{self.place.tree}/a.cpp:4:9:   required from here\n" \
+        self.copy.fill({})
+        output = f"/usr/include/x.h:9:1:   required from 'y'\n{self.copy.tree}/a.cpp:4:9:   required from here\n" \
                  "/usr/include/x.h:3:7: error: no\n"
-        self.assertEqual({each.line for each in self.place.refused(self.found, output)}, {4})
-        self.assertEqual(self.place.refused(self.found, "\n".join(output.splitlines()[:2])), set())
+        self.assertEqual({each.line for each in self.copy.refused(self.found, output)}, {4})
+        self.assertEqual(self.copy.refused(self.found, "\n".join(output.splitlines()[:2])), set())
 
     def test_verdicts_are_kept_while_the_file_stays(self):
-        self.place.fill({})
-        workplace.Verdicts(self.place, self.found).update({self.found[0]: True, self.found[2]: False})
-        again = workplace.Verdicts(self.place, self.found)
+        self.copy.fill({})
+        build_copy.Verdicts(self.copy, self.found).update({self.found[0]: True, self.found[2]: False})
+        again = build_copy.Verdicts(self.copy, self.found)
         self.assertEqual([again.get(each) for each in self.found], [True, None, False, None])
         (self.root / "a.cpp").write_text(self.TEXT + "int i;\n")
-        changed = workplace.Verdicts(self.place, self.found)
+        changed = build_copy.Verdicts(self.copy, self.found)
         self.assertEqual([changed.get(each) for each in self.found], [None] * 4)
 
 
@@ -367,7 +367,7 @@ class SurvivorsTest(unittest.TestCase):
 class ReportTest(unittest.TestCase):
     """The whole script on numbers that are known: changes 1 and 4 killed, 2 accepted, 3 survived."""
 
-    setUp, tearDown, TEXT = WorkplaceTest.setUp, WorkplaceTest.tearDown, WorkplaceTest.TEXT
+    setUp, tearDown, TEXT = BuildCopyTest.setUp, BuildCopyTest.tearDown, BuildCopyTest.TEXT
 
     def report(self, accepted=(1,)):
         loader = importlib.machinery.SourceFileLoader("try_changes", str(ROOT / "tools/try_changes"))
@@ -377,10 +377,10 @@ class ReportTest(unittest.TestCase):
         numbered = dict(enumerate(self.found, 1))
         script.ACCEPTED = self.root / "accepted.txt"
         script.ACCEPTED.write_text("\n".join(survivors.paragraph(self.found[i], "so") for i in accepted))
-        self.place.fill({})
+        self.copy.fill({})
         text = io.StringIO()
         with contextlib.redirect_stdout(text):
-            code = script.report(self.place, numbered, {1: (part, "A::b() no"), 2: None, 3: None, 4: (part, "no")},
+            code = script.report(self.copy, numbered, {1: (part, "A::b() no"), 2: None, 3: None, 4: (part, "no")},
                                  {1: [part], 2: [part], 3: [], 4: [part]}, argparse.Namespace(seed=1, patience=40))
         return code, text.getvalue()
 
@@ -389,8 +389,8 @@ class ReportTest(unittest.TestCase):
         self.assertEqual(code, 1)
         self.assertIn("SURVIVED  a.cpp:4: condition (change 3)\n    before: a\n    after:  !(a)\n    no test program reaches it", text)
         self.assertIn("4 changes, seed 1: 2 killed, 1 accepted survivors, 1 new survivors; the tests see 66.7 %", text)
-        self.assertIn("by tst_x: A::b() no", (self.place.folder / "report.txt").read_text())
-        written = (self.place.folder / "survivors.txt").read_text()
+        self.assertIn("by tst_x: A::b() no", (self.copy.folder / "report.txt").read_text())
+        written = (self.copy.folder / "survivors.txt").read_text()
         self.assertEqual(written, survivors.paragraph(self.found[2], "?"))
 
     def test_accepted_survivors_are_no_fault(self):

@@ -33,12 +33,12 @@ class BuildFailed(Exception):
 
 
 class Verdicts:
-    """Which changes compile, kept in the workplace from run to run for files that stay as they are."""
+    """Which changes compile, kept in the copy from run to run for files that stay as they are."""
 
-    def __init__(self, place, candidates):
-        self.path = place.folder / "compiling.json"
+    def __init__(self, copy, candidates):
+        self.path = copy.folder / "compiling.json"
         self.known = json.loads(self.path.read_text()) if self.path.exists() else {}
-        sums = {path: hashlib.sha256((place.root / path).read_bytes()).hexdigest() for path in
+        sums = {path: hashlib.sha256((copy.root / path).read_bytes()).hexdigest() for path in
                 {each.path for each in candidates}}
         self.keys = {each: f"{sums[each.path]} {each.start} {each.kind} {each.after}" for each in candidates}
 
@@ -50,7 +50,7 @@ class Verdicts:
         self.path.write_text(json.dumps({key: self.known[key] for key in self.keys.values() if key in self.known}))
 
 
-class Workplace:
+class BuildCopy:
     """folder/tree is the copy, folder/build its build. Both stay between runs, so that only what differs is built."""
 
     def __init__(self, root, folder, jobs):
