@@ -1,12 +1,18 @@
 #include "RyBatchRun.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 
 QJsonObject RyBatchRun::Result::json() const
 {
     return QJsonDocument::fromJson(out).object();
+}
+
+QJsonObject RyBatchRun::Result::firstRun() const
+{
+    return json().value(QStringLiteral("runs")).toArray().at(0).toObject();
 }
 
 QString RyBatchRun::sample()

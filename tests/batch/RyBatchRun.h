@@ -14,6 +14,8 @@ public:
         QByteArray out;
         QByteArray err;
         QJsonObject json() const;
+        /// What the report says of the first action that was to run.
+        QJsonObject firstRun() const;
         bool says(const char *words) const { return err.contains(words); }
     };
 

@@ -90,7 +90,7 @@ private slots:
         const auto result = batch("--run RyJEAlignNodeAction --report");
         QCOMPARE(result.code, 3);
         QVERIFY2(result.says("--run RyJEAlignNodeAction: "), result.err.constData());
-        const QJsonObject run = result.json().value(QStringLiteral("runs")).toArray().at(0).toObject();
+        const QJsonObject run = result.firstRun();
         QCOMPARE(run.value(QStringLiteral("refused")).toBool(), true);
         QVERIFY(!run.value(QStringLiteral("reason")).toString().isEmpty());
         QCOMPARE(dialogs(words("--run RyTestDisabledAction")).code, 3);
@@ -101,14 +101,7 @@ private slots:
         const auto result = batch("--select lForearm --run RyJERotationOrderZYXAction --set A=1 --report");
         QCOMPARE(result.code, 2);
         QVERIFY2(result.says("It ran, but: No dialog opened that could use A."), result.err.constData());
-        QCOMPARE(result.json()
-                     .value(QStringLiteral("runs"))
-                     .toArray()
-                     .at(0)
-                     .toObject()
-                     .value(QStringLiteral("ran"))
-                     .toBool(),
-                 true);
+        QCOMPARE(result.firstRun().value(QStringLiteral("ran")).toBool(), true);
         QCOMPARE(result.json().value(QStringLiteral("undoSteps")).toArray().size(), 1);
     }
 
@@ -191,7 +184,7 @@ private slots:
                                         QStringLiteral("--report")});
         QCOMPARE(cancelled.code, 0);
         QVERIFY2(cancelled.says("--run RyTestRaiseAction: cancelled. \"Raise Node\""), cancelled.err.constData());
-        const QJsonObject run = cancelled.json().value(QStringLiteral("runs")).toArray().at(0).toObject();
+        const QJsonObject run = cancelled.firstRun();
         QCOMPARE(run.value(QStringLiteral("ran")).toBool(), false);
         QCOMPARE(run.value(QStringLiteral("refused")).toBool(), false);
         QCOMPARE(run.value(QStringLiteral("cancelled")).toBool(), true);

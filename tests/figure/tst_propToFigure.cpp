@@ -3,14 +3,12 @@
 #include "rycore/base/RyERCLink.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 namespace {
 
-bool near(const RyVec3 &a, const RyVec3 &b)
-{
-    return (a - b).length() < 1e-4f;
-}
+constexpr float Tolerance = 1e-4f;
 
 /// The object's deformed points in the world.
 std::vector<RyVec3> shown(RyNode *node)
@@ -21,12 +19,12 @@ std::vector<RyVec3> shown(RyNode *node)
     return points;
 }
 
-bool near(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
+bool areNear(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
 {
     if (a.size() != b.size())
         return false;
     for (size_t i = 0; i < a.size(); ++i) {
-        if (!near(a[i], b[i]))
+        if (!ryIsNear(a[i], b[i], Tolerance))
             return false;
     }
     return true;
@@ -106,7 +104,8 @@ private slots:
         const int axis = root->getRotationOrder()[0];
         RyVec3 along;
         along[axis] = 1;
-        QVERIFY(near(root->getOrientation().multVec(along), (root->getEndPoint() - root->getOrigin()).normalized()));
+        QVERIFY(ryIsNear(root->getOrientation().multVec(along), (root->getEndPoint() - root->getOrigin()).normalized(),
+                         Tolerance));
         QCOMPARE(figure->getObject(), object);
         const RySkinBinding *skin = figure->getSkinBinding();
         QVERIFY(skin && skin->getNumBoneBindings() == 1);
@@ -119,9 +118,9 @@ private slots:
             for (int i = 0; i < 3; ++i)
                 QCOMPARE(map->getWeight(i), quint16(65535));
         }
-        QVERIFY(near(shown(figure), before));
+        QVERIFY(areNear(shown(figure), before));
         QCOMPARE(child->getNodeParent(), static_cast<RyNode *>(root));
-        QVERIFY(near(child->getWSPos(), childPlace));
+        QVERIFY(ryIsNear(child->getWSPos(), childPlace, Tolerance));
         QCOMPARE(figure->getXRotControl()->getControllerLinks()[0]->getController(), other->getXRotControl());
         QCOMPARE(other->getYRotControl()->getControllerLinks()[0]->getController(), figure->getYRotControl());
         QVERIFY((ryScene()->selectedNodeListIterator() == std::vector<RyNode *>{figure, scene.figure}));
@@ -132,14 +131,14 @@ private slots:
         for (int round = 0; round < 2; ++round) {
             ryUndoStack()->undo();
             QCOMPARE(rySceneDump(*ryScene()), dump);
-            QVERIFY(near(shown(prop), before));
+            QVERIFY(areNear(shown(prop), before));
             ryUndoStack()->redo();
             QCOMPARE(rySceneDump(*ryScene()), converted);
-            QVERIFY(near(shown(figure), before));
+            QVERIFY(areNear(shown(figure), before));
         }
         // The bone moves the geometry.
         root->getYTransControl()->setValue(10);
-        QVERIFY(!near(shown(figure), before));
+        QVERIFY(!areNear(shown(figure), before));
     }
 
     void inheritingBoneJoinsTheSkeleton()
@@ -165,7 +164,7 @@ private slots:
         QCOMPARE(figure->getFollowTarget(), static_cast<RySkeleton *>(scene.figure));
         QVERIFY(figure->getSkinBinding()->findBoneBinding(bone));
         QCOMPARE(scene.figure->getSelectionMap()->findGroupForNode(bone), QString("ring"));
-        QVERIFY(near(shown(figure), before));
+        QVERIFY(areNear(shown(figure), before));
         const QString converted = rySceneDump(*ryScene());
         ryUndoStack()->undo();
         QCOMPARE(rySceneDump(*ryScene()), dump);
@@ -175,10 +174,10 @@ private slots:
         // It follows the hand as the prop did.
         const RyVec3 old = shown(figure)[1];
         hand->getXRotControl()->setValue(90);
-        QVERIFY(!near(shown(figure)[1], old));
+        QVERIFY(!ryIsNear(shown(figure)[1], old, Tolerance));
         const std::vector<RyVec3> moved = shown(figure);
         ryUndoStack()->undo();
-        QVERIFY(near(shown(prop), moved));
+        QVERIFY(areNear(shown(prop), moved));
     }
 
     void withoutInheritingTheFigureHangsWhereThePropWas()
@@ -191,7 +190,7 @@ private slots:
         QCOMPARE(figure->getNodeParent(), static_cast<RyNode *>(hand));
         QCOMPARE(figure->getAllBones()[0]->getName(), QString("Bone"));
         QCOMPARE(figure->getAllBones()[0]->getSkeleton(), static_cast<RySkeleton *>(figure));
-        QVERIFY(near(shown(figure), before));
+        QVERIFY(areNear(shown(figure), before));
     }
 
     void refusesWhatIsNoProp()

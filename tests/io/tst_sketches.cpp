@@ -11,6 +11,7 @@
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 #include <Eigen/Geometry>
@@ -38,11 +39,6 @@ json quaternion(double degrees, const Eigen::Vector3d &axis)
     return {q.x(), q.y(), q.z(), q.w()};
 }
 
-bool near(const RyVec3 &a, const RyVec3 &b, float tolerance = 1e-3f)
-{
-    return (a - b).length() < tolerance;
-}
-
 } // namespace
 
 class SketchesTest : public QObject
@@ -60,10 +56,10 @@ private slots:
         CharacterScene scene(path());
         QCOMPARE(scene.unit(), 100.0);
         QCOMPARE(scene.bones().size(), size_t(2));
-        QVERIFY(near(scene.bones()[1]->getOrigin(), {0, 100, 0}));
+        QVERIFY(ryIsNear(scene.bones()[1]->getOrigin(), {0, 100, 0}));
         QVERIFY(!scene.bones()[0]->isPosed() && !scene.bones()[1]->isPosed());
         // The leaf goes on along its parent's axis as far as its points reach.
-        QVERIFY(near(scene.bones()[1]->getEndPoint(), {0, 200, 0}, 0.1f));
+        QVERIFY(ryIsNear(scene.bones()[1]->getEndPoint(), {0, 200, 0}, 0.1f));
     }
 
     /// Where the nodes stand otherwise than at bind, the difference is the pose, and the rest is the bind.
@@ -75,11 +71,11 @@ private slots:
         check(sketch);
         CharacterScene scene(path());
         RyBone *high = scene.bones()[1];
-        QVERIFY(near(high->getOrigin(), {0, 100, 0}));
-        QVERIFY(near(high->getWSPos(), {0, 110, 0}));
+        QVERIFY(ryIsNear(high->getOrigin(), {0, 100, 0}));
+        QVERIFY(ryIsNear(high->getWSPos(), {0, 110, 0}));
         QVERIFY(std::fabs(high->getZRotControl()->getValue() - 90.0f) < 1e-3f);
         QVERIFY(std::fabs(high->getYTransControl()->getValue() - 10.0f) < 1e-3f);
-        QVERIFY(near(high->getWSEndPoint(), {-100, 110, 0}, 0.1f));
+        QVERIFY(ryIsNear(high->getWSEndPoint(), {-100, 110, 0}, 0.1f));
         high->clearPose();
         QVERIFY(largestDistance(scene.shown(), scene.atRest()) < 1e-3);
     }
@@ -95,8 +91,8 @@ private slots:
         CharacterScene scene(path());
         // 0.08 units high: a unit is taken that makes a figure of it.
         QCOMPARE(scene.unit(), 1000.0);
-        QVERIFY(near(scene.bones()[0]->getOrigin(), {3000, 0, 0}, 1e-2f));
-        QVERIFY(near(scene.bones()[1]->getOrigin(), {3000, 40, 0}, 1e-2f));
+        QVERIFY(ryIsNear(scene.bones()[0]->getOrigin(), {3000, 0, 0}, 1e-2f));
+        QVERIFY(ryIsNear(scene.bones()[1]->getOrigin(), {3000, 40, 0}, 1e-2f));
         QVERIFY(!scene.bones()[1]->isPosed());
     }
 
@@ -121,7 +117,7 @@ private slots:
         sketch.tree["skins"][0]["inverseBindMatrices"] = sketch.addBinds({low, high});
         check(sketch);
         CharacterScene scene(path());
-        QVERIFY(near(scene.bones()[1]->getOrigin(), {0, 100, 0}));
+        QVERIFY(ryIsNear(scene.bones()[1]->getOrigin(), {0, 100, 0}));
         QVERIFY(largestDistance(scene.shown(), scene.atRest()) < 1e-3);
     }
 
@@ -141,8 +137,8 @@ private slots:
         CharacterScene scene(path());
         QCOMPARE(scene.bones().size(), size_t(3));
         QCOMPARE(scene.bones()[1]->getName(), QStringLiteral("between"));
-        QVERIFY(near(scene.bones()[1]->getOrigin(), {30, 50, 0}));
-        QVERIFY(near(scene.bones()[2]->getOrigin(), {0, 100, 0}));
+        QVERIFY(ryIsNear(scene.bones()[1]->getOrigin(), {30, 50, 0}));
+        QVERIFY(ryIsNear(scene.bones()[2]->getOrigin(), {0, 100, 0}));
         QVERIFY(!scene.bones()[2]->isPosed());
     }
 
@@ -240,7 +236,7 @@ private slots:
         check(sketch);
         CharacterScene scene(path());
         RyBone *high = scene.bones()[1];
-        QVERIFY(near(high->getEndPoint(), {20, 170, 0}));
+        QVERIFY(ryIsNear(high->getEndPoint(), {20, 170, 0}));
         // The mark follows the end point.
         high->adjustEndPoint({10, 150, 5});
         const QString saved = m_folder.filePath(QStringLiteral("marked.gltf"));
@@ -249,7 +245,7 @@ private slots:
         const GltfEvaluator file(saved.toStdString());
         QVERIFY((file.worldPosition(file.node("high_end")) * 100.0 - Eigen::Vector3d(10, 150, 5)).norm() < 1e-3);
         CharacterScene again(saved);
-        QVERIFY(near(again.bones()[1]->getEndPoint(), {10, 150, 5}));
+        QVERIFY(ryIsNear(again.bones()[1]->getEndPoint(), {10, 150, 5}));
     }
 
     /// Everything that has no place in the format comes back from the extras.
@@ -365,11 +361,11 @@ private slots:
         QString error;
         QVERIFY2(RySceneFile::save(&scene.scene, saved, &error), qPrintable(error));
         sketch.tree["nodes"][2]["extras"] = GltfEvaluator(saved.toStdString()).tree()["nodes"][2]["extras"];
-        QVERIFY(near(CharacterScene(sketch.write(path())).bones()[1]->getEndPoint(), {30, 130, 0}));
+        QVERIFY(ryIsNear(CharacterScene(sketch.write(path())).bones()[1]->getEndPoint(), {30, 130, 0}));
         sketch.tree["skins"][0]["inverseBindMatrices"] = sketch.addBinds({placed(0, 0, 0), placed(0, 1.2, 0)});
         CharacterScene moved(sketch.write(path()));
-        QVERIFY(near(moved.bones()[1]->getOrigin(), {0, 120, 0}));
-        QVERIFY(!near(moved.bones()[1]->getEndPoint(), {30, 130, 0}));
+        QVERIFY(ryIsNear(moved.bones()[1]->getOrigin(), {0, 120, 0}));
+        QVERIFY(!ryIsNear(moved.bones()[1]->getEndPoint(), {30, 130, 0}));
         QVERIFY(!moved.messages.filter(QStringLiteral("high")).isEmpty());
     }
 

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "rycore/math/RyMatrix4.h"
-#include "support/RyTest.h"
+#include "support/RyRandom.h"
 
 #include <array>
 #include <cmath>
 #include <limits>
-#include <random>
 
 /// Plain double precision mathematics, written without the library, that the tests compare with.
 namespace Plain {
@@ -126,17 +125,9 @@ inline bool finite(const RyMatrix4 &m)
     return true;
 }
 
-class Random
+class Random : public RyRandom
 {
 public:
-    Random() : m_engine(ryTestSeed()) {}
-    double number(double low, double high) { return std::uniform_real_distribution<double>(low, high)(m_engine); }
-    int integer(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_engine); }
-    bool chance(double p) { return number(0, 1) < p; }
-    RyVec3 vector(double size = 10.0)
-    {
-        return {float(number(-size, size)), float(number(-size, size)), float(number(-size, size))};
-    }
     RyVec3 direction()
     {
         for (;;) {
@@ -194,10 +185,6 @@ public:
         }
         return m;
     }
-    std::mt19937 &engine() { return m_engine; }
-
-private:
-    std::mt19937 m_engine;
 };
 
 } // namespace Plain

@@ -3,12 +3,11 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
-#include "support/RyTest.h"
+#include "support/RyRandom.h"
 
 #include <Eigen/Geometry>
 
 #include <array>
-#include <random>
 #include <vector>
 
 /// What a chain of nodes does to a point, evaluated in double precision with column vectors and right-handed turns,
@@ -123,17 +122,9 @@ inline Map mapOf(const std::vector<RyNode *> &chain)
     return map;
 }
 
-class Random
+class Random : public RyRandom
 {
 public:
-    Random() : m_engine(ryTestSeed()) {}
-    double number(double low, double high) { return std::uniform_real_distribution<double>(low, high)(m_engine); }
-    int integer(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_engine); }
-    bool chance(double p) { return number(0, 1) < p; }
-    RyVec3 vector(double size)
-    {
-        return {float(number(-size, size)), float(number(-size, size)), float(number(-size, size))};
-    }
     RyQuat rotation()
     {
         const Eigen::Quaterniond q = Eigen::Quaterniond(Eigen::AngleAxisd(number(-M_PI, M_PI), direction()));
@@ -176,11 +167,6 @@ public:
         node.setRotationOrder(RyRotationOrder(integer(0, 5)));
         node.setInheritScale(chance(0.7));
     }
-
-    std::mt19937 &engine() { return m_engine; }
-
-private:
-    std::mt19937 m_engine;
 };
 
 /// A skeleton, sometimes below a prop, with bones down to a random depth, made anew every few cases; numbers change

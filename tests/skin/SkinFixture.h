@@ -8,6 +8,7 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
+#include "support/RyMapOf.h"
 #include "support/RyTest.h"
 
 #include <cmath>
@@ -51,16 +52,6 @@ struct SkinFixture
     }
 
     double number(double low, double high) { return std::uniform_real_distribution<double>(low, high)(random); }
-
-    RyWeightMap *mapOf(const std::vector<quint16> &weights, const QString &name = QString())
-    {
-        auto *map = new RyWeightMap(name);
-        map->setNumWeights(int(weights.size()));
-        map->beginEdit();
-        std::copy(weights.begin(), weights.end(), map->getWeights());
-        map->finishEdit();
-        return map;
-    }
 
     /// Weights of a few bones per vertex with the sum 65535, one list per bone.
     std::vector<std::vector<quint16>> randomWeights(int influences = 4)

@@ -122,11 +122,11 @@ void RyBoneBindingTest::copyIsDeep()
 {
     SkinFixture f(2, 3);
     RyBoneBinding *from = f.skin->bindings()[0];
-    from->setWeights(f.mapOf({1, 2, 3}, "general"));
-    from->setLocalWeights(f.mapOf({0, 0, 7}, "x"), 0);
-    from->setScaleWeights(f.mapOf({0, 5, 0}, "scale"));
+    from->setWeights(ryMapOf({1, 2, 3}, "general"));
+    from->setLocalWeights(ryMapOf({0, 0, 7}, "x"), 0);
+    from->setScaleWeights(ryMapOf({0, 5, 0}, "scale"));
     auto *bulge = new RyBulgeBinding(1);
-    bulge->setLeftWeights(f.mapOf({4, 0, 0}, "left"));
+    bulge->setLeftWeights(ryMapOf({4, 0, 0}, "left"));
     bulge->adjustBulgeValues(1, 2, 3, 4);
     bulge->getPosLeftBulgeController()->setDefaultValue(9);
     from->setBulgeBinding(1, bulge);
@@ -161,7 +161,7 @@ void RyBoneBindingTest::duplicateFollowsTheContext()
 {
     SkinFixture fixture(2, 3);
     RyBoneBinding *from = fixture.skin->findBoneBinding(fixture.bones[0]);
-    from->setWeights(fixture.mapOf({1, 2, 3}));
+    from->setWeights(ryMapOf({1, 2, 3}));
     auto *bulge = new RyBulgeBinding(2);
     from->setBulgeBinding(2, bulge);
     bulge->updatePropertyNames();
@@ -196,9 +196,9 @@ void RyBoneBindingTest::duplicateForAnotherMesh()
 {
     SkinFixture fixture(1, 3);
     RyBoneBinding *from = fixture.skin->bindings()[0];
-    from->setWeights(fixture.mapOf({1, 2, 3}));
+    from->setWeights(ryMapOf({1, 2, 3}));
     auto *bulge = new RyBulgeBinding(0);
-    bulge->setLeftWeights(fixture.mapOf({4, 0, 0}));
+    bulge->setLeftWeights(ryMapOf({4, 0, 0}));
     from->setBulgeBinding(0, bulge);
     RyElementDuplicateContext context(nullptr);
     context.setVertexCompatible(false);

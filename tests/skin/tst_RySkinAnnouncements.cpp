@@ -20,7 +20,7 @@ private slots:
         RyScene scene;
         scene.addNode(f.skeleton.get());
         for (RyBoneBinding *binding : f.skin->bindings())
-            binding->setWeights(f.mapOf({100, 200, 0, 0, 65535}));
+            binding->setWeights(ryMapOf({100, 200, 0, 0, 65535}));
         QSignalSpy drawn(&scene, &RyScene::drawnDataChanged);
         RyWeightMap *map = f.skin->bindings()[0]->getWeights();
         {
@@ -43,7 +43,7 @@ private slots:
         auto *bulge = new RyBulgeBinding(1);
         f.skin->bindings()[1]->setBulgeBinding(1, bulge);
         QCOMPARE(drawn.size(), 5);
-        bulge->setLeftWeights(f.mapOf({1, 0, 0, 0, 0}));
+        bulge->setLeftWeights(ryMapOf({1, 0, 0, 0, 0}));
         QCOMPARE(drawn.size(), 6);
         bulge->getLeftWeights()->setNumWeights(5);
         QCOMPARE(drawn.size(), 7);
@@ -59,7 +59,7 @@ private slots:
         SkinFixture f(2, 3);
         QSignalSpy changed(f.skin, &RySkinBinding::skinChanged);
         f.skin->beginEdit();
-        f.skin->bindings()[0]->setWeights(f.mapOf({1, 2, 3}));
+        f.skin->bindings()[0]->setWeights(ryMapOf({1, 2, 3}));
         f.skin->removeBoneBinding(f.skin->bindings()[1]);
         QCOMPARE(changed.size(), 0);
         f.skin->finishEdit();
@@ -87,7 +87,7 @@ private slots:
     void exactVerticesLeaveTheirMapsAlone()
     {
         SkinFixture f(3, 4);
-        RyWeightMap *maps[3] = {f.mapOf({65535, 30000, 0, 0}), f.mapOf({0, 35535, 1000, 0}), f.mapOf({0, 0, 3000, 0})};
+        RyWeightMap *maps[3] = {ryMapOf({65535, 30000, 0, 0}), ryMapOf({0, 35535, 1000, 0}), ryMapOf({0, 0, 3000, 0})};
         for (size_t i = 0; i < 3; ++i)
             f.skin->bindings()[i]->setWeights(maps[i]);
         const quint64 revision = maps[0]->revision();
@@ -116,7 +116,7 @@ private slots:
         // Some of these maps come to lie where one lay that the hold has an item of.
         std::vector<RyRef<RyWeightMap>> kept;
         for (int i = 0; i < 50; ++i) {
-            RyRef<RyWeightMap> map(f.mapOf({quint16(i), 1}));
+            RyRef<RyWeightMap> map(ryMapOf({quint16(i), 1}));
             map->setAffected(2, {0}, {9});
             if (i % 2)
                 kept.push_back(map);

@@ -89,9 +89,9 @@ void RySkinBindingTest::normalizeScalesToFullWeight()
     SkinFixture f(3, 5);
     const auto &b = f.skin->bindings();
     // Empty, already full, too little, too much, one bone alone.
-    b[0]->setWeights(f.mapOf({0, 30000, 1000, 65535, 0}));
-    b[1]->setWeights(f.mapOf({0, 35535, 3000, 65535, 0}));
-    b[2]->setWeights(f.mapOf({0, 0, 0, 0, 1}));
+    b[0]->setWeights(ryMapOf({0, 30000, 1000, 65535, 0}));
+    b[1]->setWeights(ryMapOf({0, 35535, 3000, 65535, 0}));
+    b[2]->setWeights(ryMapOf({0, 0, 0, 0, 1}));
     f.skin->normalize(0, 31, 0);
     const auto weights = [&](int vertex) {
         return std::array<int, 3>{b[0]->getWeights()->getWeight(vertex), b[1]->getWeights()->getWeight(vertex),
@@ -108,10 +108,10 @@ void RySkinBindingTest::normalizeGivesTheRestToTheLargest()
 {
     SkinFixture f(4, 2);
     const auto &b = f.skin->bindings();
-    b[0]->setWeights(f.mapOf({1, 2}));
-    b[1]->setWeights(f.mapOf({1, 5}));
-    b[2]->setWeights(f.mapOf({1, 5}));
-    b[3]->setWeights(f.mapOf({1, 1}));
+    b[0]->setWeights(ryMapOf({1, 2}));
+    b[1]->setWeights(ryMapOf({1, 5}));
+    b[2]->setWeights(ryMapOf({1, 5}));
+    b[3]->setWeights(ryMapOf({1, 1}));
     f.skin->normalize(0, 1, false);
     // 65535 / 4 = 16383.75: the first of the equal ones takes the three that are left.
     QCOMPARE(int(b[0]->getWeights()->getWeight(0)), 16386);
@@ -129,10 +129,10 @@ void RySkinBindingTest::normalizeLeavesOtherKindsAlone()
     for (int type = 0; type < 5; ++type) {
         SkinFixture f(1, 1);
         RyBoneBinding *b = f.skin->bindings()[0];
-        b->setWeights(f.mapOf({10}));
+        b->setWeights(ryMapOf({10}));
         for (int axis = 0; axis < 3; ++axis)
-            b->setLocalWeights(f.mapOf({10}), axis);
-        b->setScaleWeights(f.mapOf({10}));
+            b->setLocalWeights(ryMapOf({10}), axis);
+        b->setScaleWeights(ryMapOf({10}));
         f.skin->normalize(0, 1 << type, false);
         const std::vector<RyWeightMap *> maps = b->getAllWeightMaps();
         QCOMPARE(maps.size(), size_t(5));
@@ -148,7 +148,7 @@ void RySkinBindingTest::normalizeOfRandomWeightsIsExact()
         std::vector<quint16> weights(800, 0);
         for (quint16 &w : weights)
             w = f.random() % 3 == 0 ? quint16(f.random() % (f.random() % 2 ? 65536u : 20u)) : quint16(0);
-        b->setWeights(f.mapOf(weights));
+        b->setWeights(ryMapOf(weights));
     }
     std::vector<std::vector<double>> before(800);
     for (int v = 0; v < 800; ++v) {
@@ -185,7 +185,7 @@ void RySkinBindingTest::reduceWeightMemoryChangesNothing()
     SkinFixture f(3, 50);
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < 3; ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     f.skin->bindings()[1]->getWeights()->setNumWeights(50);
     const QString before = dumpWeights(f.skin);
     const quint64 revision = f.skin->bindings()[1]->getWeights()->revision();
@@ -199,11 +199,11 @@ void RySkinBindingTest::generalMapsOfAllBindings()
 {
     SkinFixture f(3, 3);
     const auto &b = f.skin->bindings();
-    b[0]->setWeights(f.mapOf({1, 2, 3}));
-    b[0]->setLocalWeights(f.mapOf({9, 9, 9}), 0);
-    b[1]->setLocalWeights(f.mapOf({3, 1, 65535}), 0);
-    b[1]->setLocalWeights(f.mapOf({3, 0, 65535}), 1);
-    b[1]->setLocalWeights(f.mapOf({4, 0, 65535}), 2);
+    b[0]->setWeights(ryMapOf({1, 2, 3}));
+    b[0]->setLocalWeights(ryMapOf({9, 9, 9}), 0);
+    b[1]->setLocalWeights(ryMapOf({3, 1, 65535}), 0);
+    b[1]->setLocalWeights(ryMapOf({3, 0, 65535}), 1);
+    b[1]->setLocalWeights(ryMapOf({4, 0, 65535}), 2);
     std::vector<RyRef<RyWeightMap>> maps;
     std::vector<RyBoneBinding *> bindings;
     f.skin->buildGeneralWeightMaps(maps, bindings, 54);
@@ -217,7 +217,7 @@ void RySkinBindingTest::generalMapsOfAllBindings()
     QCOMPARE(int(maps[1]->getWeight(2)), 65535);
     QCOMPARE(maps[1]->getNumWeights(), 3);
     QVERIFY(!b[1]->getWeights());
-    b[2]->setWeights(f.mapOf({0, 0, 0}));
+    b[2]->setWeights(ryMapOf({0, 0, 0}));
     maps.clear();
     bindings.clear();
     f.skin->buildGeneralWeightMaps(maps, bindings, 54);
@@ -239,7 +239,7 @@ void RySkinBindingTest::undoOfBindingsMapsAndNormalize()
     SkinFixture f(4, 40);
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < 4; ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     const auto first = f.skin->bindings();
     std::vector<QString> history{dumpWeights(f.skin)};
     const auto step = [&](auto edit) {
@@ -255,8 +255,8 @@ void RySkinBindingTest::undoOfBindingsMapsAndNormalize()
         auto *added = new RyBoneBinding;
         added->setBone(f.bones[1]);
         for (int axis = 0; axis < 3; ++axis)
-            added->setLocalWeights(f.mapOf(weights[size_t(axis)]), axis);
-        added->setScaleWeights(f.mapOf(weights[3]));
+            added->setLocalWeights(ryMapOf(weights[size_t(axis)]), axis);
+        added->setScaleWeights(ryMapOf(weights[3]));
         f.skin->addBoneBinding(added);
         f.skin->normalize(0, 31, 0);
     });
@@ -321,7 +321,7 @@ void RySkinBindingTest::changesAreAnnounced()
     SkinFixture f(2, 4);
     RyBoneBinding *binding = f.skin->bindings()[0];
     QSignalSpy spy(f.skin, &RySkinBinding::skinChanged);
-    binding->setWeights(f.mapOf({1, 2, 3, 4}));
+    binding->setWeights(ryMapOf({1, 2, 3, 4}));
     QCOMPARE(spy.count(), 1);
     binding->getWeights()->setNumWeights(4);
     QCOMPARE(spy.count(), 2);

@@ -21,7 +21,7 @@ void RySkinDeformationTest::skinMatchesPlainLinearBlend()
     SkinFixture f(8, 1000);
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     f.bones[3]->setInheritScale(false);
     f.poseAll();
     std::vector<RyVec3> out;
@@ -51,7 +51,7 @@ void RySkinDeformationTest::figuresOwnTransformIsLeftOut()
     SkinFixture f;
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     f.poseAll();
     std::vector<RyVec3> before, after;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), before));
@@ -66,8 +66,8 @@ void RySkinDeformationTest::unweightedVerticesStayAtRest()
 {
     SkinFixture f(2, 4);
     // Nothing, half of one bone, all of it, two bones.
-    f.skin->bindings()[0]->setWeights(f.mapOf({0, 32768, 65535, 65535}));
-    f.skin->bindings()[1]->setWeights(f.mapOf({0, 0, 0, 0}));
+    f.skin->bindings()[0]->setWeights(ryMapOf({0, 32768, 65535, 65535}));
+    f.skin->bindings()[1]->setWeights(ryMapOf({0, 0, 0, 0}));
     f.bones[0]->getXTransControl()->setValue(10);
     const RyVec3 moved = f.bones[0]->figureMap().mapPoint({0, 0, 0});
     QVERIFY(std::fabs(moved.x - 10.0f) < 1e-4f);
@@ -83,7 +83,7 @@ void RySkinDeformationTest::restPoseKeepsTheMesh()
     SkinFixture f;
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     std::vector<RyVec3> out;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
     QVERIFY(apart(out, f.mesh->getPositions()) < 1e-4);
@@ -94,7 +94,7 @@ void RySkinDeformationTest::influencesAreBuiltLazily()
     SkinFixture f(6, 3000);
     const auto weights = f.randomWeights(2);
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     QCOMPARE(f.skin->deformer().builds(), 0);
     std::vector<RyVec3> out;
     f.poseAll();
@@ -130,7 +130,7 @@ void RySkinDeformationTest::changesReachTheNextDeformation()
     SkinFixture f(5, 400);
     const auto weights = f.randomWeights();
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     std::vector<RyVec3> out;
     for (int step = 0; step < 60; ++step) {
         RyBoneBinding *binding = f.skin->bindings()[f.random() % unsigned(f.skin->getNumBoneBindings())];
@@ -145,7 +145,7 @@ void RySkinDeformationTest::changesReachTheNextDeformation()
             binding->getWeights()->finishEdit();
             break;
         case 2:
-            binding->setWeights(f.mapOf(f.randomWeights()[0]));
+            binding->setWeights(ryMapOf(f.randomWeights()[0]));
             break;
         case 3:
             bone->setRotationOrder(RyRotationOrder(int(f.random() % 6u)));
@@ -180,7 +180,7 @@ void RySkinDeformationTest::changesReachTheNextDeformation()
 void RySkinDeformationTest::mapsForAnotherMeshFail()
 {
     SkinFixture f(2, 10);
-    f.skin->bindings()[0]->setWeights(f.mapOf(std::vector<quint16>(9, 65535)));
+    f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(9, 65535)));
     std::vector<RyVec3> out;
     QVERIFY(!f.skin->deform(f.mesh->getPositions(), out));
     QVERIFY(f.skeleton->getObject()->getDeformedPositions() == f.mesh->getPositions());
@@ -188,7 +188,7 @@ void RySkinDeformationTest::mapsForAnotherMeshFail()
     f.skin->bindings()[0]->setWeights(new RyWeightMap);
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
     QVERIFY(out == f.mesh->getPositions());
-    f.skin->bindings()[0]->setWeights(f.mapOf(std::vector<quint16>(10, 65535)));
+    f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(10, 65535)));
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
     f.mesh->setPositions(std::vector<RyVec3>(11));
     QVERIFY(!f.skin->deform(f.mesh->getPositions(), out));
@@ -197,7 +197,7 @@ void RySkinDeformationTest::mapsForAnotherMeshFail()
 void RySkinDeformationTest::missingBonesMoveNothing()
 {
     SkinFixture f(2, 10);
-    f.skin->bindings()[0]->setWeights(f.mapOf(std::vector<quint16>(10, 65535)));
+    f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(10, 65535)));
     f.pose(f.bones[0]);
     std::vector<RyVec3> out;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
@@ -207,7 +207,7 @@ void RySkinDeformationTest::missingBonesMoveNothing()
     QVERIFY(out == f.mesh->getPositions());
     f.skin->bindings()[0]->setWeights(nullptr);
     for (int axis = 0; axis < 3; ++axis)
-        f.skin->bindings()[0]->setLocalWeights(f.mapOf(std::vector<quint16>(10, 65535)), axis);
+        f.skin->bindings()[0]->setLocalWeights(ryMapOf(std::vector<quint16>(10, 65535)), axis);
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
     QVERIFY(out == f.mesh->getPositions());
 }

@@ -20,7 +20,7 @@ void RySkinLocalMapsTest::equalLocalMapsGiveTheGeneralResult()
     f.bones[5]->setInheritScale(false);
     f.poseAll();
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     std::vector<RyVec3> general;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), general));
     double size = 0.0;
@@ -30,17 +30,17 @@ void RySkinLocalMapsTest::equalLocalMapsGiveTheGeneralResult()
         RyBoneBinding *binding = f.skin->bindings()[i];
         binding->setWeights(nullptr);
         for (int axis = 0; axis < 3; ++axis)
-            binding->setLocalWeights(f.mapOf(weights[i]), axis);
+            binding->setLocalWeights(ryMapOf(weights[i]), axis);
         if (i % 2)
-            binding->setScaleWeights(f.mapOf(weights[i]));
+            binding->setScaleWeights(ryMapOf(weights[i]));
     }
     std::vector<RyVec3> local;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), local));
     QVERIFY(apart(local, f.mesh->getPositions()) > 1.0);
     QVERIFY2(apart(local, general) < 1e-6 * size, qPrintable(QString("%1 of %2").arg(apart(local, general)).arg(size)));
     // A general map goes before local ones.
-    f.skin->bindings()[0]->setWeights(f.mapOf(weights[0]));
-    f.skin->bindings()[0]->setLocalWeights(f.mapOf(weights[1]), 0);
+    f.skin->bindings()[0]->setWeights(ryMapOf(weights[0]));
+    f.skin->bindings()[0]->setLocalWeights(ryMapOf(weights[1]), 0);
     QVERIFY(f.skin->deform(f.mesh->getPositions(), local));
     QVERIFY(apart(local, general) < 1e-6 * size);
 }
@@ -53,7 +53,7 @@ void RySkinLocalMapsTest::oneLocalMapTurnsAboutItsAxisOnly()
         RyBone *bone = f.bones[0];
         RyBoneBinding *binding = f.skin->bindings()[0];
         for (int k = 0; k < 3; ++k)
-            binding->setLocalWeights(f.mapOf(std::vector<quint16>(200, k == axis ? 65535 : 0)), k);
+            binding->setLocalWeights(ryMapOf(std::vector<quint16>(200, k == axis ? 65535 : 0)), k);
         RyFloatProperty *controls[3] = {bone->getXRotControl(), bone->getYRotControl(), bone->getZRotControl()};
         std::vector<RyVec3> out;
         controls[(axis + 1) % 3]->setValue(40);
@@ -100,8 +100,8 @@ void RySkinLocalMapsTest::localMapsMatchStagesInDoubles()
             w = quint16(f.random() % 65536u);
     }
     for (int axis = 0; axis < 3; ++axis)
-        binding->setLocalWeights(f.mapOf(weights[size_t(axis)]), axis);
-    binding->setScaleWeights(f.mapOf(weights[3]));
+        binding->setLocalWeights(ryMapOf(weights[size_t(axis)]), axis);
+    binding->setScaleWeights(ryMapOf(weights[3]));
 
     using Vec = std::array<double, 3>;
     const auto turned = [](const Vec &v, int axis, double degrees) {
@@ -156,8 +156,8 @@ void RySkinLocalMapsTest::scaleMapWeighsTheScaleAlone()
     RyBone *bone = f.bones[0];
     RyBoneBinding *binding = f.skin->bindings()[0];
     for (int axis = 0; axis < 3; ++axis)
-        binding->setLocalWeights(f.mapOf(std::vector<quint16>(100, 65535)), axis);
-    binding->setScaleWeights(f.mapOf(std::vector<quint16>(100, 0)));
+        binding->setLocalWeights(ryMapOf(std::vector<quint16>(100, 65535)), axis);
+    binding->setScaleWeights(ryMapOf(std::vector<quint16>(100, 0)));
     bone->getScaleControl()->setValue(2);
     std::vector<RyVec3> out;
     QVERIFY(f.skin->deform(f.mesh->getPositions(), out));

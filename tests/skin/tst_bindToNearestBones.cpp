@@ -133,7 +133,7 @@ private slots:
         tube.place(1, tube.fixture.bones[0], 10, 20);
         tube.place(2, tube.fixture.bones[1], 20, 30);
         tube.fixture.skin->findBoneBinding(tube.fixture.bones[2])
-            ->setWeights(tube.fixture.mapOf(std::vector<quint16>(size_t(tube.fixture.mesh->getNumVertices()), 65535)));
+            ->setWeights(ryMapOf(std::vector<quint16>(size_t(tube.fixture.mesh->getNumVertices()), 65535)));
         const QString before = dumpWeights(tube.fixture.skin);
         {
             RyUndoStackHold hold;

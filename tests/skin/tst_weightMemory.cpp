@@ -1,14 +1,7 @@
 #include "support/RyTest.h"
+#include "support/RyUsedMemory.h"
 
 #include "rycore/skin/RySkinBinding.h"
-
-#include <malloc.h>
-
-#if defined(__SANITIZE_ADDRESS__)
-static constexpr bool memoryIsCounted = false;
-#else
-static constexpr bool memoryIsCounted = true;
-#endif
 
 /// What packing the weights of a skin frees.
 class RyWeightMemoryTest : public QObject
@@ -21,15 +14,11 @@ private slots:
 
 void RyWeightMemoryTest::packingFreesDenseArrays()
 {
-    if (!memoryIsCounted)
+    if (!ryMemoryIsCounted)
         QSKIP("the allocator of this build does not count");
     constexpr int vertices = 4000000;
-    const auto used = [] {
-        const struct mallinfo2 info = mallinfo2();
-        return qint64(info.uordblks) + qint64(info.hblkhd);
-    };
     RySkinBinding skin;
-    const qint64 empty = used();
+    const qint64 empty = ryUsedMemory();
     std::vector<RyWeightMap *> maps;
     for (int i = 0; i < 2; ++i) {
         auto *binding = new RyBoneBinding;
@@ -47,12 +36,12 @@ void RyWeightMemoryTest::packingFreesDenseArrays()
         skin.addBoneBinding(binding);
     }
     constexpr qint64 dense = qint64(vertices) * qint64(sizeof(quint16));
-    QVERIFY(used() - empty < dense);
+    QVERIFY(ryUsedMemory() - empty < dense);
     for (RyWeightMap *map : maps)
         QVERIFY(map->getWeights());
-    QVERIFY(used() - empty > 9 * dense);
+    QVERIFY(ryUsedMemory() - empty > 9 * dense);
     skin.reduceWeightMemory();
-    QVERIFY2(used() - empty < dense, qPrintable(QString::number(used() - empty)));
+    QVERIFY2(ryUsedMemory() - empty < dense, qPrintable(QString::number(ryUsedMemory() - empty)));
     for (const RyWeightMap *map : maps) {
         QCOMPARE(map->getNumWeights(), vertices);
         QCOMPARE(map->getWeight(7), quint16(65535));

@@ -1,3 +1,4 @@
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 #include "RyToolScene.h"
@@ -5,11 +6,6 @@
 #include "pluginsource/RyJointTools/tool/handles/RyHandleFrame.h"
 #include "pluginsource/RyJointTools/tool/joint/RyGuardedPointer.h"
 #include "rycore/base/RyFloatProperty.h"
-
-static bool isNear(const RyVec3 &a, const RyVec3 &b, float tolerance = 1e-3f)
-{
-    return (a - b).length() <= tolerance;
-}
 
 /// Where handles stand, and what the tool holds without owning it.
 class RyHandleFrameTest : public QObject
@@ -32,14 +28,14 @@ void RyHandleFrameTest::originFrame()
     RyToolScene scene;
     scene.pose();
     const RyHandleFrame frame = RyHandleFrame::ofOrigin(*scene.lShin);
-    QVERIFY(isNear(frame.anchor, scene.lShin->getWSPos()));
+    QVERIFY(ryIsNear(frame.anchor, scene.lShin->getWSPos()));
     for (int k = 0; k < 3; ++k) {
         // The parent is not scaled: its transform turns the axes and no more.
-        QVERIFY(isNear(frame.axes[k], scene.lThigh->getWSTransform().multDirMatrix(RyVec3::axis(k)), 1e-5f));
+        QVERIFY(ryIsNear(frame.axes[k], scene.lThigh->getWSTransform().multDirMatrix(RyVec3::axis(k)), 1e-5f));
         QVERIFY(std::abs(frame.lengths[k] - 1.0f) < 1e-5f);
     }
     // The own pose of the shin turns them away from those of its end point.
-    QVERIFY(!isNear(frame.axes[1], RyHandleFrame::ofEndPoint(*scene.lShin).axes[1], 0.1f));
+    QVERIFY(!ryIsNear(frame.axes[1], RyHandleFrame::ofEndPoint(*scene.lShin).axes[1], 0.1f));
     const RyHandleFrame ofRoot = RyHandleFrame::ofOrigin(*scene.figure);
     for (int k = 0; k < 3; ++k)
         QCOMPARE(ofRoot.axes[k], RyVec3::axis(k));
@@ -51,9 +47,9 @@ void RyHandleFrameTest::endPointFrame()
     scene.pose();
     const RyHandleFrame frame = RyHandleFrame::ofEndPoint(*scene.lShin);
     const RyMatrix4 transform = scene.lShin->getWSTransform();
-    QVERIFY(isNear(frame.anchor, transform.multVecMatrix(scene.lShin->getEndPoint() - scene.lShin->getOrigin())));
+    QVERIFY(ryIsNear(frame.anchor, transform.multVecMatrix(scene.lShin->getEndPoint() - scene.lShin->getOrigin())));
     for (int k = 0; k < 3; ++k)
-        QVERIFY(isNear(frame.axes[k], transform.multDirMatrix(RyVec3::axis(k)), 1e-5f));
+        QVERIFY(ryIsNear(frame.axes[k], transform.multDirMatrix(RyVec3::axis(k)), 1e-5f));
 }
 
 void RyHandleFrameTest::lengthsOfScaledNodes()
@@ -67,7 +63,7 @@ void RyHandleFrameTest::lengthsOfScaledNodes()
         QVERIFY(std::abs(frame.lengths[1] - 1.5f) < 1e-4f);
         QVERIFY(std::abs(frame.lengths[2] - 1.5f) < 1e-4f);
     }
-    QVERIFY(isNear(RyHandleFrame::ofEndPoint(*scene.hip).anchor, scene.hip->getWSEndPoint()));
+    QVERIFY(ryIsNear(RyHandleFrame::ofEndPoint(*scene.hip).anchor, scene.hip->getWSEndPoint()));
 }
 
 void RyHandleFrameTest::shearTurnsNoAxis()
@@ -83,7 +79,7 @@ void RyHandleFrameTest::shearTurnsNoAxis()
     for (int k = 0; k < 3; ++k) {
         QVERIFY(std::abs(frame.axes[k].length() - 1.0f) < 1e-5f);
         QVERIFY(std::abs(frame.axes[k].dot(frame.axes[(k + 1) % 3])) < 1e-5f);
-        QVERIFY(isNear(frame.axes[k], scene.lShin->getWSRot().multVec(RyVec3::axis(k)), 1e-5f));
+        QVERIFY(ryIsNear(frame.axes[k], scene.lShin->getWSRot().multVec(RyVec3::axis(k)), 1e-5f));
     }
 }
 
@@ -117,13 +113,13 @@ void RyHandleFrameTest::wayInPlane()
     scene.pose();
     const RyQuat view = scene.viewport->getCamera()->getWSRot();
     const RyHandleFrame frame = RyHandleFrame::ofEndPoint(*scene.lShin, view);
-    QVERIFY(isNear(frame.planeNormal, -scene.viewport->getCamera()->viewDirection(), 1e-4f));
+    QVERIFY(ryIsNear(frame.planeNormal, -scene.viewport->getCamera()->viewDirection(), 1e-4f));
     const RyVec3 eye = scene.viewport->getCamera()->getWSPos();
     const RyVec3 way = frame.wayInPlane(RyLine3(eye, RyVec3(20, 30, 10)));
     QVERIFY(way.length() > 1.0f);
     QVERIFY(std::abs(way.dot(frame.planeNormal)) < 1e-2f);
     QVERIFY((frame.anchor + way - eye).normalized().dot((RyVec3(20, 30, 10) - eye).normalized()) > 0.99999f);
-    QVERIFY(isNear(frame.wayInPlane(RyLine3(eye, frame.anchor)), RyVec3(), 1e-2f));
+    QVERIFY(ryIsNear(frame.wayInPlane(RyLine3(eye, frame.anchor)), RyVec3(), 1e-2f));
 }
 
 void RyHandleFrameTest::guardedPointer()

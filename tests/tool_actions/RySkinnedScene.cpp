@@ -6,16 +6,6 @@
 #include <random>
 #include <set>
 
-RyWeightMap *ryMapOf(const std::vector<quint16> &weights)
-{
-    auto *map = new RyWeightMap;
-    map->setNumWeights(int(weights.size()));
-    map->beginEdit();
-    std::copy(weights.begin(), weights.end(), map->getWeights());
-    map->finishEdit();
-    return map;
-}
-
 std::vector<int> ryWeightsOf(const RyWeightMap *map)
 {
     std::vector<int> weights;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/RyMapOf.h"
 #include "tool/RyWindowScene.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
@@ -8,8 +9,6 @@
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/skin/RySkinBinding.h"
 
-/// A map with these weights.
-RyWeightMap *ryMapOf(const std::vector<quint16> &weights);
 /// All weights of a map, or nothing for null.
 std::vector<int> ryWeightsOf(const RyWeightMap *map);
 

@@ -1,3 +1,4 @@
+#include "support/RyMapOf.h"
 #include "support/RyTest.h"
 
 #include "tool/RyToolScene.h"
@@ -33,16 +34,6 @@ RySkinBinding *giveSkin(RyFigure *figure, int vertices)
     object->addModifier(skin);
     figure->setObject(object);
     return skin;
-}
-
-RyWeightMap *mapOf(const std::vector<quint16> &weights)
-{
-    auto *map = new RyWeightMap;
-    map->setNumWeights(int(weights.size()));
-    map->beginEdit();
-    std::copy(weights.begin(), weights.end(), map->getWeights());
-    map->finishEdit();
-    return map;
 }
 
 bool isEmptyMap(const RyWeightMap *map)
@@ -262,9 +253,9 @@ void RyBoneCreationTest::mapKinds()
     auto *ofHip = new RyBoneBinding;
     ofHip->setBone(scene.hip);
     if (local)
-        ofHip->setLocalWeights(mapOf({65535, 65535, 65535}), 1);
+        ofHip->setLocalWeights(ryMapOf({65535, 65535, 65535}), 1);
     if (general)
-        ofHip->setWeights(mapOf({65535, 65535, 65535}));
+        ofHip->setWeights(ryMapOf({65535, 65535, 65535}));
     skin->addBoneBinding(ofHip);
 
     const RyBoneBinding *binding = skin->findBoneBinding(createBoneAtClick(scene.lFoot, rayAt(1, 2), RyQuat()));
@@ -303,13 +294,13 @@ void RyBoneCreationTest::normalizesTheSkin()
     RySkinBinding *skin = giveSkin(scene.figure, vertexCount);
     auto *ofHip = new RyBoneBinding;
     ofHip->setBone(scene.hip);
-    ofHip->setWeights(mapOf({40000, 65535, 0}));
-    ofHip->setLocalWeights(mapOf({100, 0, 65535}), 2);
-    ofHip->setScaleWeights(mapOf({0, 7, 65535}));
+    ofHip->setWeights(ryMapOf({40000, 65535, 0}));
+    ofHip->setLocalWeights(ryMapOf({100, 0, 65535}), 2);
+    ofHip->setScaleWeights(ryMapOf({0, 7, 65535}));
     skin->addBoneBinding(ofHip);
     auto *ofThigh = new RyBoneBinding;
     ofThigh->setBone(scene.lThigh);
-    ofThigh->setWeights(mapOf({40000, 0, 0}));
+    ofThigh->setWeights(ryMapOf({40000, 0, 0}));
     skin->addBoneBinding(ofThigh);
 
     createBoneAtClick(scene.lFoot, rayAt(1, 2), RyQuat());

@@ -1,3 +1,4 @@
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 #include "tool/RyToolScene.h"
@@ -12,11 +13,6 @@
 #include <random>
 
 namespace {
-
-bool isNear(const RyVec3 &a, const RyVec3 &b, float tolerance = 1e-4f)
-{
-    return (a - b).length() <= tolerance;
-}
 
 bool isFinite(const RyVec3 &v)
 {
@@ -64,10 +60,10 @@ void RyOperationsTest::alignPointsTheFirstAxis()
         const int first = bone->getRotationOrder()[0];
         const RyVec3 way = bone->getEndPoint() - bone->getOrigin();
         const float sign = way[first] < 0.0f ? -1.0f : 1.0f;
-        QVERIFY(isNear(bone->getOrientation().multVec(RyVec3::axis(first) * sign), way.normalized()));
+        QVERIFY(ryIsNear(bone->getOrientation().multVec(RyVec3::axis(first) * sign), way.normalized(), 1e-4f));
         // The unposed world transform and the orientation put the drawn tip on the end point.
         const RyVec3 tip = bone->getOrientation().multVec(RyVec3::axis(first) * (sign * way.length()));
-        QVERIFY(isNear(bone->getWSTransform().multVecMatrix(tip), bone->getWSEndPoint(), 2e-3f));
+        QVERIFY(ryIsNear(bone->getWSTransform().multVecMatrix(tip), bone->getWSEndPoint(), 2e-3f));
     }
 }
 
@@ -82,7 +78,7 @@ void RyOperationsTest::alignBackwards()
     const RyRef<RyNode> prop(new RyNode);
     prop->setEndPoint({0, 3, 0});
     QVERIFY(alignNode(prop));
-    QVERIFY(isNear(prop->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0)));
+    QVERIFY(ryIsNear(prop->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0), 1e-4f));
 }
 
 void RyOperationsTest::alignWithoutLength()
@@ -208,10 +204,10 @@ void RyOperationsTest::orientation()
     scene.tool->performOrientPropagation(scene.lThigh, turn);
     QCOMPARE(scene.lThigh->getOrientation(), RyQuat());
     for (const RyVec3 &axis : {RyVec3(1, 0, 0), RyVec3(0, 1, 0), RyVec3(0, 0, 1)}) {
-        QVERIFY(isNear(scene.lShin->getOrientation().multVec(axis), turn.multVec(axis)));
-        QVERIFY(isNear(scene.lFoot->getOrientation().multVec(axis), turn.multVec(own.multVec(axis))));
+        QVERIFY(ryIsNear(scene.lShin->getOrientation().multVec(axis), turn.multVec(axis), 1e-4f));
+        QVERIFY(ryIsNear(scene.lFoot->getOrientation().multVec(axis), turn.multVec(own.multVec(axis)), 1e-4f));
     }
-    QVERIFY(isNear(scene.lFoot->getOrientation(true).multVec(RyVec3(1, 0, 0)), own.multVec(RyVec3(1, 0, 0))));
+    QVERIFY(ryIsNear(scene.lFoot->getOrientation(true).multVec(RyVec3(1, 0, 0)), own.multVec(RyVec3(1, 0, 0)), 1e-4f));
 }
 
 void RyOperationsTest::rotation()
@@ -222,21 +218,21 @@ void RyOperationsTest::rotation()
     scene.lThigh->setOrigin({0, 0, 0});
     scene.lThigh->setEndPoint({2, 0, 1});
     scene.tool->performRotPropagation(scene.lThigh, 2, quarter, false, false);
-    QVERIFY(isNear(scene.lThigh->getEndPoint(), RyVec3(0, 2, 1)));
-    QVERIFY(isNear(scene.lThigh->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0)));
+    QVERIFY(ryIsNear(scene.lThigh->getEndPoint(), RyVec3(0, 2, 1), 1e-4f));
+    QVERIFY(ryIsNear(scene.lThigh->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0), 1e-4f));
     QCOMPARE(scene.lShin->getOrigin(), RyVec3(11, 50, 2));
     scene.tool->performRotPropagation(scene.lThigh, 2, quarter, true, false);
-    QVERIFY(isNear(scene.lThigh->getEndPoint(), RyVec3(-2, 0, 1)));
-    QVERIFY(isNear(scene.lShin->getOrigin(), RyVec3(-50, 11, 2)));
-    QVERIFY(isNear(scene.lShin->getEndPoint(), RyVec3(-8, 10, -1)));
-    QVERIFY(isNear(scene.lFoot->getEndPoint(), RyVec3(-2, 11, 13)));
-    QVERIFY(isNear(scene.lFoot->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0)));
+    QVERIFY(ryIsNear(scene.lThigh->getEndPoint(), RyVec3(-2, 0, 1), 1e-4f));
+    QVERIFY(ryIsNear(scene.lShin->getOrigin(), RyVec3(-50, 11, 2), 1e-4f));
+    QVERIFY(ryIsNear(scene.lShin->getEndPoint(), RyVec3(-8, 10, -1), 1e-4f));
+    QVERIFY(ryIsNear(scene.lFoot->getEndPoint(), RyVec3(-2, 11, 13), 1e-4f));
+    QVERIFY(ryIsNear(scene.lFoot->getOrientation().multVec(RyVec3(1, 0, 0)), RyVec3(0, 1, 0), 1e-4f));
     QCOMPARE(scene.lFoot->getOrigin(true), RyVec3(10, 8, -1));
     // No angle but 0 means nothing to do, 1 among them.
     scene.rThigh->setOrigin({0, 0, 0});
     scene.rThigh->setEndPoint({2, 0, 1});
     scene.tool->performRotPropagation(scene.rThigh, 2, 1.0f, false, false);
-    QVERIFY(isNear(scene.rThigh->getEndPoint(), RyVec3(2 * std::cos(1.0f), 2 * std::sin(1.0f), 1)));
+    QVERIFY(ryIsNear(scene.rThigh->getEndPoint(), RyVec3(2 * std::cos(1.0f), 2 * std::sin(1.0f), 1), 1e-4f));
 }
 
 void RyOperationsTest::childRotation()
@@ -244,18 +240,19 @@ void RyOperationsTest::childRotation()
     RyToolScene scene;
     RyVec3 center(10, 8, -1);
     scene.tool->performChildRotPropagation(scene.lFoot, 1, float(M_PI), false, false, center);
-    QVERIFY(isNear(scene.lFoot->getOrigin(), RyVec3(10, 8, -1)));
-    QVERIFY(isNear(scene.lFoot->getEndPoint(), RyVec3(9, 2, -15)));
+    QVERIFY(ryIsNear(scene.lFoot->getOrigin(), RyVec3(10, 8, -1), 1e-4f));
+    QVERIFY(ryIsNear(scene.lFoot->getEndPoint(), RyVec3(9, 2, -15), 1e-4f));
     QCOMPARE(center, RyVec3(10, 8, -1));
     RyVec3 above(0, 0, 0);
     scene.tool->performChildRotPropagation(scene.lShin, 1, float(M_PI), true, false, above);
-    QVERIFY(isNear(scene.lShin->getOrigin(), RyVec3(-11, 50, -2)));
-    QVERIFY(isNear(scene.lFoot->getOrigin(), RyVec3(-10, 8, 1)));
+    QVERIFY(ryIsNear(scene.lShin->getOrigin(), RyVec3(-11, 50, -2), 1e-4f));
+    QVERIFY(ryIsNear(scene.lFoot->getOrigin(), RyVec3(-10, 8, 1), 1e-4f));
     RyVec3 zero(0, 0, 0);
     scene.rThigh->setOrigin({0, 3, 4});
     scene.tool->performChildRotPropagation(scene.rThigh, 0, 1.0f, false, false, zero);
-    QVERIFY(isNear(scene.rThigh->getOrigin(),
-                   RyVec3(0, 3 * std::cos(1.0f) - 4 * std::sin(1.0f), 3 * std::sin(1.0f) + 4 * std::cos(1.0f))));
+    QVERIFY(ryIsNear(scene.rThigh->getOrigin(),
+                     RyVec3(0, 3 * std::cos(1.0f) - 4 * std::sin(1.0f), 3 * std::sin(1.0f) + 4 * std::cos(1.0f)),
+                     1e-4f));
 }
 
 void RyOperationsTest::scale()
@@ -356,7 +353,7 @@ void RyOperationsTest::followUpOnceAfterPlacing()
     for (const RyBone *bone : {scene.lThigh, scene.lShin}) {
         const RyVec3 direction = (bone->getEndPoint() - bone->getOrigin()).normalized();
         const float sign = direction.x < 0.0f ? -1.0f : 1.0f;
-        QVERIFY(isNear(bone->getOrientation().multVec(RyVec3::axis(0) * sign), direction));
+        QVERIFY(ryIsNear(bone->getOrientation().multVec(RyVec3::axis(0) * sign), direction, 1e-4f));
         QCOMPARE(bone->editLevel(), 0);
     }
     QVERIFY(rigging.count() > 0);

@@ -1,3 +1,4 @@
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 #include "RyDrawingStage.h"
@@ -5,11 +6,6 @@
 #include "rycore/base/RyFloatProperty.h"
 
 namespace {
-
-bool isNear(const RyVec3 &a, const RyVec3 &b, float tolerance = 5e-3f)
-{
-    return (a - b).length() <= tolerance;
-}
 
 std::vector<RyGLRecorder::Primitive> ofId(const RyGLRecorder &recording, GLenum mode, int id)
 {
@@ -85,16 +81,17 @@ void RyManipulatorDrawingTest::originAxes()
         for (int axis = 0; axis < 3; ++axis) {
             const auto lines = ofId(*recording, GL_LINES, 41 + axis);
             QCOMPARE(lines.size(), size_t(1));
-            QVERIFY(isNear(stage.world(lines[0], 0), node->getWSPos()));
-            QVERIFY(isNear(stage.world(lines[0], 1), node->getWSPos() + axes.multVec(RyVec3::axis(axis)) * 5.0f));
+            QVERIFY(ryIsNear(stage.world(lines[0], 0), node->getWSPos(), 5e-3f));
+            QVERIFY(
+                ryIsNear(stage.world(lines[0], 1), node->getWSPos() + axes.multVec(RyVec3::axis(axis)) * 5.0f, 5e-3f));
         }
         const auto cross = ofId(*recording, GL_LINES, 1);
         QCOMPARE(cross.size(), size_t(1));
         QCOMPARE(cross[0].vertices.size(), size_t(6));
         for (size_t axis = 0; axis < 3; ++axis) {
             const RyVec3 arm = axes.multVec(RyVec3::axis(int(axis))) * 5.0f;
-            QVERIFY(isNear(stage.world(cross[0], 2 * axis), node->getWSPos() - arm));
-            QVERIFY(isNear(stage.world(cross[0], 2 * axis + 1), node->getWSPos() + arm));
+            QVERIFY(ryIsNear(stage.world(cross[0], 2 * axis), node->getWSPos() - arm, 5e-3f));
+            QVERIFY(ryIsNear(stage.world(cross[0], 2 * axis + 1), node->getWSPos() + arm, 5e-3f));
         }
     }
 }
@@ -110,12 +107,12 @@ void RyManipulatorDrawingTest::endPointAxes()
             const auto lines = ofId(*recording, GL_LINES, 44 + axis);
             QCOMPARE(lines.size(), size_t(1));
             const RyVec3 direction = bone->getWSTransform().multDirMatrix(RyVec3::axis(axis)).normalized();
-            QVERIFY(isNear(stage.world(lines[0], 0), bone->getWSEndPoint()));
-            QVERIFY(isNear(stage.world(lines[0], 1), bone->getWSEndPoint() + direction * 5.0f));
+            QVERIFY(ryIsNear(stage.world(lines[0], 0), bone->getWSEndPoint(), 5e-3f));
+            QVERIFY(ryIsNear(stage.world(lines[0], 1), bone->getWSEndPoint() + direction * 5.0f, 5e-3f));
         }
         QCOMPARE(ofId(*recording, GL_LINES, 2).size(), size_t(1));
-        QVERIFY(isNear(ballOf(stage, ofId(*recording, GL_TRIANGLE_STRIP, 2)).center, bone->getWSEndPoint(), 1e-2f));
-        QVERIFY(isNear(ballOf(stage, ofId(*recording, GL_TRIANGLE_STRIP, 1)).center, bone->getWSPos(), 1e-2f));
+        QVERIFY(ryIsNear(ballOf(stage, ofId(*recording, GL_TRIANGLE_STRIP, 2)).center, bone->getWSEndPoint(), 1e-2f));
+        QVERIFY(ryIsNear(ballOf(stage, ofId(*recording, GL_TRIANGLE_STRIP, 1)).center, bone->getWSPos(), 1e-2f));
     }
 }
 
@@ -128,7 +125,7 @@ void RyManipulatorDrawingTest::endPointOfAScaledNode()
     for (RyBone *bone : {stage.hip, stage.lThigh, stage.lShin}) {
         stage.select(bone);
         const auto lines = ofId(*stage.draw(RyDrawingStage::PickPass), GL_LINES, 44);
-        QVERIFY2(isNear(stage.world(lines.at(0), 0), bone->getWSEndPoint(), 1e-2f), qPrintable(bone->getName()));
+        QVERIFY2(ryIsNear(stage.world(lines.at(0), 0), bone->getWSEndPoint(), 1e-2f), qPrintable(bone->getName()));
     }
 }
 
@@ -143,7 +140,7 @@ void RyManipulatorDrawingTest::coneShape()
         const auto fans = ofId(*recording, GL_TRIANGLE_FAN, 41 + axis);
         QCOMPARE(fans.size(), size_t(1));
         QCOMPARE(fans[0].vertices.size(), size_t(12));
-        QVERIFY(isNear(fans[0].vertices[0], base + RyVec3::axis(axis) * float(size / 4), 1e-3f));
+        QVERIFY(ryIsNear(fans[0].vertices[0], base + RyVec3::axis(axis) * float(size / 4), 1e-3f));
         for (size_t i = 1; i < 12; ++i) {
             const RyVec3 spoke = fans[0].vertices[i] - base;
             QVERIFY(std::abs(spoke.dot(RyVec3::axis(axis))) < 1e-4f);
@@ -153,7 +150,7 @@ void RyManipulatorDrawingTest::coneShape()
                 QVERIFY(std::abs(step - 36.0 * M_PI / 180.0) < 1e-3);
             }
         }
-        QVERIFY(isNear(fans[0].vertices[1], fans[0].vertices[11], 1e-4f));
+        QVERIFY(ryIsNear(fans[0].vertices[1], fans[0].vertices[11], 1e-4f));
         const auto rims = ofId(*recording, GL_POLYGON, 41 + axis);
         QCOMPARE(rims.size(), size_t(1));
         QCOMPARE(rims[0].vertices.size(), size_t(11));
@@ -258,7 +255,7 @@ void RyManipulatorDrawingTest::highlight()
     auto recording = stage.draw();
     const auto yellow = recording->ofColor(rgbFloats(255, 255, 0));
     QCOMPARE(yellow.size(), size_t(3)); // line, fan and rim of one arrow
-    QVERIFY(isNear(stage.world(yellow[0], 1), stage.lShin->getWSEndPoint() + RyVec3(0, 5, 0)));
+    QVERIFY(ryIsNear(stage.world(yellow[0], 1), stage.lShin->getWSEndPoint() + RyVec3(0, 5, 0), 5e-3f));
     stage.tool->setSelectedColor(QColor(10, 0, 0));
     recording = stage.draw();
     QCOMPARE(recording->ofColor(rgbFloats(10, 0, 0)).size(), size_t(3));

@@ -1,3 +1,4 @@
+#include "support/RyNear.h"
 #include "support/RyTest.h"
 
 #include "RyDrawingStage.h"
@@ -7,15 +8,6 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
-
-namespace {
-
-bool isNear(const RyVec3 &a, const RyVec3 &b, float tolerance = 1e-2f)
-{
-    return (a - b).length() <= tolerance;
-}
-
-} // namespace
 
 /// Drawings of bones whose values at rest, poses and rotation orders are none that a new bone has.
 class RyOtherLookTest : public QObject
@@ -67,10 +59,10 @@ void RyOtherLookTest::ghostsAreOfTheRestValues()
     };
     QVERIFY(bodies[1].color().isNear(rgbaFloats(0, 0.2, 1, double(0.2f))));
     const RyAffine &map = stage.figure->worldMap();
-    QVERIFY(isNear(stage.world(bodies[1], 0), map.mapPoint(bone->getOrigin(true))));
-    QVERIFY(isNear(tipOf(bodies[1]), map.mapPoint(bone->getEndPoint(true)), 2e-2f));
-    QVERIFY(isNear(stage.world(bodies[0], 0), bone->getWSPos()));
-    QVERIFY(isNear(tipOf(bodies[0]), bone->getWSEndPoint(), 2e-2f));
+    QVERIFY(ryIsNear(stage.world(bodies[1], 0), map.mapPoint(bone->getOrigin(true)), 1e-2f));
+    QVERIFY(ryIsNear(tipOf(bodies[1]), map.mapPoint(bone->getEndPoint(true)), 2e-2f));
+    QVERIFY(ryIsNear(stage.world(bodies[0], 0), bone->getWSPos(), 1e-2f));
+    QVERIFY(ryIsNear(tipOf(bodies[0]), bone->getWSEndPoint(), 2e-2f));
     // The waist of a ghost is a tenth of its own length.
     const float restLength = (bone->getEndPoint(true) - bone->getOrigin(true)).length();
     const float length = (bone->getEndPoint() - bone->getOrigin()).length();

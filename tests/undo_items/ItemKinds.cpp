@@ -31,6 +31,16 @@ T *other(const std::vector<RyRef<T>> &list, T *now, Rng &random)
     }
 }
 
+/// Takes a part from its owner, or gives it to `next` where it has none.
+template<typename Part, typename Owner, typename Take, typename Give>
+void takeOrGive(Part *part, Owner *owner, Owner *next, Take take, Give give)
+{
+    if (owner)
+        (owner->*take)(part);
+    else
+        (next->*give)(part);
+}
+
 RyNode *anyNode(const ItemFamily &family, Rng &random)
 {
     const int i = pick(random, family.bones.size() + family.skeletons.size());
@@ -269,10 +279,7 @@ void editPairs(ItemFamily &family, Rng &random, Recorded &recorded)
 void editModifiers(ItemFamily &family, Rng &random, Recorded &recorded)
 {
     RySkinBinding *skin = any(family.skins, random);
-    if (RyObject *object = skin->getObject())
-        object->removeModifier(skin);
-    else
-        any(family.objects, random)->addModifier(skin);
+    takeOrGive(skin, skin->getObject(), any(family.objects, random), &RyObject::removeModifier, &RyObject::addModifier);
     ++recorded.changes;
 }
 
@@ -304,10 +311,8 @@ void editParts(ItemFamily &family, Rng &random, Recorded &recorded)
 void editBindings(ItemFamily &family, Rng &random, Recorded &recorded)
 {
     RyBoneBinding *binding = any(family.bindings, random);
-    if (RySkinBinding *skin = binding->getSkin())
-        skin->removeBoneBinding(binding);
-    else
-        any(family.skins, random)->addBoneBinding(binding);
+    takeOrGive(binding, binding->getSkin(), any(family.skins, random), &RySkinBinding::removeBoneBinding,
+               &RySkinBinding::addBoneBinding);
     ++recorded.changes;
 }
 
