@@ -1,11 +1,12 @@
 #include "evaluator/GltfEvaluator.h"
 
-#include "evaluator/GltfFileReader.h"
+#include "evaluator/GltfModel.h"
+
+#include <nlohmann/json.hpp>
 
 #include <Eigen/Geometry>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <set>
 #include <stdexcept>
@@ -19,153 +20,9 @@ namespace {
     throw std::runtime_error(reason);
 }
 
-const json &listOf(const json &object, const char *key)
-{
-    static const json empty = json::array();
-    const auto found = object.find(key);
-    return found == object.end() ? empty : *found;
-}
-
-Eigen::Matrix4d columnMajor(const double *values)
-{
-    return Eigen::Map<const Eigen::Matrix4d>(values);
-}
-
-Eigen::Matrix4d ownLocalMatrix(const json &node)
-{
-    if (node.contains("matrix")) {
-        const auto values = node["matrix"].get<std::vector<double>>();
-        if (values.size() != 16)
-            fail("a node's matrix has not sixteen numbers");
-        return columnMajor(values.data());
-    }
-    const auto t = node.value("translation", std::vector<double>{0, 0, 0});
-    const auto r = node.value("rotation", std::vector<double>{0, 0, 0, 1});
-    const auto s = node.value("scale", std::vector<double>{1, 1, 1});
-    if (t.size() != 3 || r.size() != 4 || s.size() != 3)
-        fail("a node's transform has the wrong count of numbers");
-    // The turn of a unit quaternion x y z w, written out for column vectors.
-    const double length = std::sqrt(r[0] * r[0] + r[1] * r[1] + r[2] * r[2] + r[3] * r[3]);
-    const double n = length > 0 ? 1.0 / length : 0.0;
-    const double x = r[0] * n, y = r[1] * n, z = r[2] * n, w = length > 0 ? r[3] * n : 1.0;
-    Eigen::Matrix4d m = Eigen::Matrix4d::Identity();
-    m.topLeftCorner<3, 3>() << 1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w), //
-        2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w),                        //
-        2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y);
-    for (int k = 0; k < 3; ++k) {
-        m.col(k).head<3>() *= s[std::size_t(k)];
-        m(k, 3) = t[std::size_t(k)];
-    }
-    return m;
-}
-
 } // namespace
 
-struct GltfEvaluator::Data
-{
-    struct Skin
-    {
-        std::vector<int> joints;
-        std::vector<Eigen::Matrix4d> inverseBinds;
-    };
-
-    GltfFileData file;
-    std::vector<int> parents;
-    std::vector<Skin> skins;
-    std::vector<GltfPrimitive> primitives;
-
-    const json &node(int index) const
-    {
-        const json &nodes = listOf(file.json, "nodes");
-        if (index < 0 || std::size_t(index) >= nodes.size())
-            fail("there is no node " + std::to_string(index));
-        return nodes[std::size_t(index)];
-    }
-
-    const json &primitive(const GltfPrimitive &which) const
-    {
-        return file.json.at("meshes").at(std::size_t(which.mesh)).at("primitives").at(std::size_t(which.primitive));
-    }
-
-    void readParents()
-    {
-        const json &nodes = listOf(file.json, "nodes");
-        parents.assign(nodes.size(), -1);
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            for (const json &child : listOf(nodes[i], "children")) {
-                const auto index = child.get<std::size_t>();
-                if (index >= nodes.size())
-                    fail("node " + std::to_string(i) + " has a child that does not exist");
-                if (parents[index] != -1)
-                    fail("node " + std::to_string(index) + " has two parents");
-                parents[index] = int(i);
-            }
-        }
-        // Whoever is not reached from a root stands in a circle.
-        std::vector<int> open;
-        for (std::size_t i = 0; i < parents.size(); ++i) {
-            if (parents[i] == -1)
-                open.push_back(int(i));
-        }
-        std::size_t reached = 0;
-        while (!open.empty()) {
-            const int index = open.back();
-            open.pop_back();
-            ++reached;
-            for (const json &child : listOf(nodes[std::size_t(index)], "children"))
-                open.push_back(child.get<int>());
-        }
-        if (reached != nodes.size())
-            fail("nodes are their own ancestors");
-    }
-
-    void readSkins()
-    {
-        for (const json &skin : listOf(file.json, "skins")) {
-            Skin read;
-            read.joints = skin.at("joints").get<std::vector<int>>();
-            for (int joint : read.joints)
-                node(joint);
-            read.inverseBinds.assign(read.joints.size(), Eigen::Matrix4d::Identity());
-            if (skin.contains("inverseBindMatrices")) {
-                const GltfTable table = readGltfAccessor(file, skin["inverseBindMatrices"].get<int>());
-                if (table.components != 16 || table.count < read.joints.size())
-                    fail("a skin has too few inverse bind matrices");
-                for (std::size_t i = 0; i < read.joints.size(); ++i)
-                    read.inverseBinds[i] = columnMajor(table.row(i));
-            }
-            skins.push_back(std::move(read));
-        }
-    }
-
-    void readPrimitives()
-    {
-        const json &nodes = listOf(file.json, "nodes");
-        for (std::size_t i = 0; i < nodes.size(); ++i) {
-            if (!nodes[i].contains("mesh"))
-                continue;
-            const int mesh = nodes[i]["mesh"].get<int>();
-            const int skin = nodes[i].value("skin", -1);
-            if (skin >= int(skins.size()))
-                fail("there is no skin " + std::to_string(skin));
-            const json &found = file.json.at("meshes").at(std::size_t(mesh));
-            for (std::size_t p = 0; p < found.at("primitives").size(); ++p)
-                primitives.push_back({int(i), mesh, int(p), skin, found.value("name", std::string())});
-        }
-    }
-};
-
-GltfEvaluator::GltfEvaluator(const std::string &path) : d(std::make_unique<Data>())
-{
-    try {
-        d->file = readGltfFile(path);
-        d->readParents();
-        d->readSkins();
-        d->readPrimitives();
-    } catch (const json::exception &error) {
-        fail(path + ": " + error.what());
-    }
-}
+GltfEvaluator::GltfEvaluator(const std::string &path) : d(std::make_unique<GltfModel>(path)) {}
 
 GltfEvaluator::~GltfEvaluator() = default;
 GltfEvaluator::GltfEvaluator(GltfEvaluator &&) noexcept = default;
@@ -208,7 +65,7 @@ int GltfEvaluator::parent(int node) const
 Eigen::Matrix4d GltfEvaluator::localMatrix(int node, const GltfPose &pose) const
 {
     const auto replaced = pose.local.find(node);
-    Eigen::Matrix4d local = replaced != pose.local.end() ? replaced->second : ownLocalMatrix(d->node(node));
+    Eigen::Matrix4d local = replaced != pose.local.end() ? replaced->second : d->localMatrix(node);
     const auto turned = pose.turn.find(node);
     if (turned != pose.turn.end()) {
         Eigen::Matrix4d turn = Eigen::Matrix4d::Identity();
@@ -231,7 +88,7 @@ std::vector<Eigen::Matrix4d> GltfEvaluator::worldMatrices(const GltfPose &pose) 
         open.pop_back();
         const Eigen::Matrix4d local = localMatrix(node, pose);
         worlds[std::size_t(node)] = parent(node) == -1 ? local : (worlds[std::size_t(parent(node))] * local).eval();
-        for (const json &child : listOf(d->node(node), "children"))
+        for (const json &child : GltfModel::listOf(d->node(node), "children"))
             open.push_back(child.get<int>());
     }
     return worlds;
@@ -314,7 +171,7 @@ std::vector<Eigen::Vector3d> GltfEvaluator::positions(const GltfPrimitive &primi
 {
     std::vector<Eigen::Vector3d> points = restPositions(primitive);
     const json &source = d->primitive(primitive);
-    const json &targets = listOf(source, "targets");
+    const json &targets = GltfModel::listOf(source, "targets");
     if (!targets.empty()) {
         const json &mesh = d->file.json.at("meshes").at(std::size_t(primitive.mesh));
         std::vector<double> amounts = mesh.value("weights", std::vector<double>(targets.size(), 0.0));
@@ -404,7 +261,7 @@ GltfCounts GltfEvaluator::counts() const
             counts.maxInfluences = std::max(counts.maxInfluences, vertex.size());
     }
     std::set<int> distinct;
-    for (const Data::Skin &skin : d->skins)
+    for (const GltfModel::Skin &skin : d->skins)
         distinct.insert(skin.joints.begin(), skin.joints.end());
     counts.joints = distinct.size();
     return counts;
@@ -431,92 +288,4 @@ double gltfMaxDistance(const std::vector<Eigen::Vector3d> &a, const std::vector<
             largest = distance == distance ? distance : std::numeric_limits<double>::infinity();
     }
     return largest;
-}
-
-namespace {
-
-std::vector<std::string> split(const std::string &path)
-{
-    std::vector<std::string> steps;
-    for (std::size_t at = 0; at < path.size();) {
-        std::size_t end = path.find('/', at + 1);
-        end = end == std::string::npos ? path.size() : end;
-        steps.push_back(path.substr(at + 1, end - at - 1));
-        at = end;
-    }
-    return steps;
-}
-
-bool matches(const std::vector<std::string> &pattern, const std::vector<std::string> &path)
-{
-    if (pattern.size() != path.size())
-        return false;
-    for (std::size_t i = 0; i < pattern.size(); ++i) {
-        if (pattern[i] != "*" && pattern[i] != path[i])
-            return false;
-    }
-    return true;
-}
-
-using Patterns = std::vector<std::vector<std::string>>;
-
-void compare(const json *a, const json *b, std::vector<std::string> &path, const Patterns &leaveOut,
-             std::vector<std::string> &found)
-{
-    for (const auto &pattern : leaveOut) {
-        if (matches(pattern, path))
-            return;
-    }
-    // A container that one side lacks is gone through as well: what it holds may be left out.
-    const json *present = a ? a : b;
-    const bool sameKind = a && b ? (a->is_object() && b->is_object()) || (a->is_array() && b->is_array())
-                                 : present->is_structured() && !present->empty();
-    if (!sameKind) {
-        if (!a || !b || *a != *b) {
-            std::string pointer;
-            for (const std::string &step : path)
-                pointer += '/' + step;
-            found.push_back(pointer);
-        }
-        return;
-    }
-    std::set<std::string> keys;
-    const bool isObject = present->is_object();
-    for (const json *side : {a, b}) {
-        if (!side)
-            continue;
-        if (isObject) {
-            for (const auto &[key, value] : side->items())
-                keys.insert(key);
-        } else {
-            for (std::size_t i = 0; i < side->size(); ++i)
-                keys.insert(std::to_string(i));
-        }
-    }
-    const auto at = [isObject](const json *side, const std::string &key) -> const json * {
-        if (!side)
-            return nullptr;
-        if (isObject)
-            return side->contains(key) ? &(*side)[key] : nullptr;
-        const std::size_t index = std::stoul(key);
-        return index < side->size() ? &(*side)[index] : nullptr;
-    };
-    for (const std::string &key : keys) {
-        path.push_back(key);
-        compare(at(a, key), at(b, key), path, leaveOut, found);
-        path.pop_back();
-    }
-}
-
-} // namespace
-
-std::vector<std::string> gltfDifferences(const json &a, const json &b, const std::vector<std::string> &leaveOut)
-{
-    Patterns patterns;
-    for (const std::string &path : leaveOut)
-        patterns.push_back(split(path));
-    std::vector<std::string> found;
-    std::vector<std::string> path;
-    compare(&a, &b, path, patterns, found);
-    return found;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "evaluator/GltfPrimitive.h"
+
 #include <Eigen/Core>
 #include <nlohmann/json_fwd.hpp>
 
@@ -10,22 +12,14 @@
 #include <string>
 #include <vector>
 
+class GltfModel;
+
 /// What is changed of the pose that a file holds, by node index. A matrix in `local` takes the place of the node's own
 /// local matrix; a turn in `turn` is appended to it, in the node's own axes: local * turn.
 struct GltfPose
 {
     std::map<int, Eigen::Matrix4d> local;
     std::map<int, Eigen::Matrix3d> turn;
-};
-
-/// One primitive of the mesh of one node. `skin` is -1 where the node has none.
-struct GltfPrimitive
-{
-    int node = -1;
-    int mesh = -1;
-    int primitive = -1;
-    int skin = -1;
-    std::string name; ///< of the mesh
 };
 
 /// One influence of a vertex: the joint's node index and its share; the shares of a vertex sum up to 1.
@@ -93,14 +87,8 @@ public:
     std::string bufferBytes(int buffer) const;
 
 private:
-    struct Data;
-    std::unique_ptr<Data> d;
+    std::unique_ptr<GltfModel> d;
 };
 
 /// The largest distance between two points of the same index; infinite when the counts differ.
 double gltfMaxDistance(const std::vector<Eigen::Vector3d> &a, const std::vector<Eigen::Vector3d> &b);
-
-/// Where two JSON trees differ, as JSON pointers, except at or below one of the paths to leave out. There `*` stands
-/// for any one step: "/nodes/*/rotation". Numbers are equal when their values are.
-std::vector<std::string> gltfDifferences(const nlohmann::json &a, const nlohmann::json &b,
-                                         const std::vector<std::string> &leaveOut = {});

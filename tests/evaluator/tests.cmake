@@ -1,6 +1,8 @@
 # The judge of the files we write: shares no code with what it judges.
-add_library(ry_evaluator STATIC ${CMAKE_CURRENT_LIST_DIR}/GltfEvaluator.cpp ${CMAKE_CURRENT_LIST_DIR}/GltfEvaluator.h
-            ${CMAKE_CURRENT_LIST_DIR}/GltfFileReader.cpp ${CMAKE_CURRENT_LIST_DIR}/GltfFileReader.h)
+add_library(ry_evaluator STATIC)
+foreach(part GltfDifferences GltfEvaluator GltfFileReader GltfModel)
+  target_sources(ry_evaluator PRIVATE ${CMAKE_CURRENT_LIST_DIR}/${part}.cpp ${CMAKE_CURRENT_LIST_DIR}/${part}.h)
+endforeach()
 set_target_properties(ry_evaluator PROPERTIES AUTOMOC OFF)
 target_include_directories(ry_evaluator PUBLIC ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(ry_evaluator PRIVATE ry_compile_options PUBLIC Eigen3::Eigen nlohmann_json::nlohmann_json)

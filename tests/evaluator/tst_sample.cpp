@@ -1,3 +1,4 @@
+#include "evaluator/GltfDifferences.h"
 #include "evaluator/GltfEvaluator.h"
 #include "support/RyTest.h"
 #include "support/RyValidator.h"

@@ -1,4 +1,5 @@
 #include "CharacterScene.h"
+#include "evaluator/GltfDifferences.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
