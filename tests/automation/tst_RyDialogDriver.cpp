@@ -171,7 +171,7 @@ private slots:
         QCOMPARE(driver.errors().size(), 1);
         for (const char *word : {"Ask", "Maybe", "Yes", "Cancel"})
             QVERIFY2(driver.errors().first().contains(QLatin1String(word)), qPrintable(driver.errors().first()));
-        QVERIFY(driver.records().front().refused);
+        QVERIFY(driver.records().front().isRejected());
     }
 
     void fieldsAreFilledAndTheDialogAccepted()
@@ -193,7 +193,7 @@ private slots:
         QCOMPARE(record.title, QStringLiteral("Form"));
         QCOMPARE(record.objectName, QStringLiteral("FormDlg"));
         QCOMPARE(record.answered, QStringLiteral("Ok"));
-        QVERIFY(!record.refused && driver.errors().isEmpty() && driver.unusedFields().isEmpty());
+        QVERIFY(!record.isRejected() && driver.errors().isEmpty() && driver.unusedFields().isEmpty());
     }
 
     void unknownFieldsRefuseTheDialog()
@@ -204,7 +204,7 @@ private slots:
         FormDialog dialog;
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
         QCOMPARE(dialog.accepts, 0);
-        QVERIFY(driver.records().front().refused);
+        QVERIFY(driver.records().front().isRejected());
         QCOMPARE(driver.records().front().answered, QStringLiteral("Cancel"));
         QCOMPARE(driver.errors().size(), 1);
         const QString error = driver.errors().first();
@@ -225,13 +225,13 @@ private slots:
         };
         QCOMPARE(correcting.exec(), int(QDialog::Accepted));
         QCOMPARE(correcting.accepts, 2);
-        QVERIFY(!driver.records().back().refused);
+        QVERIFY(!driver.records().back().isRejected());
 
         FormDialog stubborn;
         stubborn.validate = [] { return false; };
         QCOMPARE(stubborn.exec(), int(QDialog::Rejected));
         QCOMPARE(stubborn.accepts, 3);
-        QVERIFY(driver.records().back().refused);
+        QVERIFY(driver.records().back().isRejected());
         QVERIFY(!driver.records().back().reason.isEmpty());
         QCOMPARE(driver.records().back().answered, QStringLiteral("Cancel"));
     }
@@ -242,7 +242,7 @@ private slots:
         FormDialog dialog;
         dialog.buttons.button(QDialogButtonBox::Ok)->setEnabled(false);
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
-        QVERIFY(driver.records().front().refused);
+        QVERIFY(driver.records().front().isRejected());
         for (const char *word : {"Ok", "CountSpn (1 to 10)"})
             QVERIFY(driver.records().front().reason.contains(QLatin1String(word)));
     }
@@ -304,7 +304,7 @@ private slots:
         driver.setAnswer(QStringLiteral("Form"), QStringLiteral("Cancel"));
         FormDialog dialog;
         QCOMPARE(dialog.exec(), int(QDialog::Rejected));
-        QVERIFY(!driver.records().front().refused);
+        QVERIFY(!driver.records().front().isRejected());
         QCOMPARE(driver.records().front().answered, QStringLiteral("Cancel"));
     }
 
@@ -319,7 +319,7 @@ private slots:
                 break;
         }
         QVERIFY2(shown > 3 && shown < 100, qPrintable(QString::number(shown)));
-        QVERIFY(driver.records().back().refused);
+        QVERIFY(driver.records().back().isRejected());
         shown = 0;
         while (shown < 1000) {
             ++shown;
@@ -392,7 +392,7 @@ private slots:
         RyDialogDriver driver;
         RyNodeDlg nothingPicked(nullptr, figure, QStringLiteral("RyNode"), true, true, false);
         QCOMPARE(nothingPicked.exec(), int(QDialog::Rejected));
-        QVERIFY(driver.records().front().refused);
+        QVERIFY(driver.records().front().isRejected());
     }
 
     void theLatestDriverWorks()

@@ -135,7 +135,7 @@ private slots:
         driver.setField(QStringLiteral("name"), name);
         RyNode *renamed = s.scene()->findNode(node);
         QVERIFY(s.rename(renamed));
-        QCOMPARE(driver.records().front().refused, taken);
+        QCOMPARE(driver.records().front().isRejected(), taken);
         QCOMPARE(renamed->getName(), taken ? node : name);
         if (taken)
             QVERIFY2(driver.records().front().reason.contains(name), qPrintable(driver.records().front().reason));
@@ -147,7 +147,7 @@ private slots:
         RyDialogDriver driver;
         driver.setField(QStringLiteral("label"), QStringLiteral("  "));
         QVERIFY(s.rename(s.hip));
-        QVERIFY(driver.records().front().refused);
+        QVERIFY(driver.records().front().isRejected());
         QVERIFY(captions().isEmpty());
     }
 
@@ -171,11 +171,11 @@ private slots:
         QCOMPARE(s.hip->getLabel(), QStringLiteral("Hip"));
         driver.setField(QStringLiteral("name"), QStringLiteral("rig:pelvis"));
         QVERIFY(s.rename(s.hip));
-        QVERIFY(driver.records().back().refused);
+        QVERIFY(driver.records().back().isRejected());
         QCOMPARE(s.hip->getName(), QStringLiteral("rig:hip.001"));
         driver.setField(QStringLiteral("name"), QString());
         QVERIFY(s.rename(s.hip));
-        QVERIFY(driver.records().back().refused);
+        QVERIFY(driver.records().back().isRejected());
         driver.setField(QStringLiteral("name"), QStringLiteral("pelvis"));
         QVERIFY(s.rename(s.hip));
         QCOMPARE(s.hip->getName(), QStringLiteral("pelvis"));

@@ -177,7 +177,7 @@ private slots:
             "form.accepting.connect(function() { missing(); }); form.exec() ? 'accepted' : 'cancelled'"));
         QVERIFY2(!engine.hasUncaughtException(), qPrintable(engine.uncaughtException().toString()));
         QCOMPARE(result.toString(), QStringLiteral("cancelled"));
-        QVERIFY(driver.records().at(0).refused);
+        QVERIFY(driver.records().at(0).isRejected());
         QVERIFY2(driver.records().at(0).reason.contains(QLatin1String("missing")),
                  qPrintable(driver.records().at(0).reason));
     }

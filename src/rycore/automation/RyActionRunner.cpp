@@ -83,10 +83,12 @@ QVariantMap RyActionResult::toMap() const
     QVariantList boxes;
     for (const RyDialogRecord &record : dialogs)
         boxes.append(record.toMap());
-    QVariantMap map = ryOutcomeToMap(outcome, reason);
-    map[QStringLiteral("notes")] = notes;
-    map[QStringLiteral("boxes")] = boxes;
-    return map;
+    return {{QStringLiteral("ran"), ryHasRun(outcome)},
+            {QStringLiteral("refused"), outcome == RyOutcome::Refused},
+            {QStringLiteral("cancelled"), ryIsCancelled(outcome)},
+            {QStringLiteral("reason"), reason},
+            {QStringLiteral("notes"), notes},
+            {QStringLiteral("boxes"), boxes}};
 }
 
 RyActionRunner::RyActionRunner(const RyActionMgr *manager) : m_manager(manager) {}

@@ -131,7 +131,8 @@ void RyDialogDriver::answerBox(QMessageBox *box, size_t record)
         return;
     }
     m_records[record].answered = RyDialogButtons::nameOf(button);
-    m_records[record].cancelled = RyDialogButtons::givesUp(box, button);
+    if (RyDialogButtons::givesUp(box, button))
+        m_records[record].outcome = RyOutcome::Cancelled;
     button->click();
 }
 
@@ -160,7 +161,8 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
     const QPointer<QAbstractButton> pressed(button);
     QString complaint = tr("it did not take what its fields hold");
     m_records[record].answered = button ? RyDialogButtons::nameOf(button) : QStringLiteral("accept");
-    m_records[record].cancelled = RyDialogButtons::givesUp(dialog, button);
+    if (RyDialogButtons::givesUp(dialog, button))
+        m_records[record].outcome = RyOutcome::Cancelled;
     for (int attempt = 0; attempt < Attempts && guard && guard->isVisible(); ++attempt) {
         if (button && (!pressed || !pressed->isEnabled())) {
             const QStringList fields = RyDialogFields::describe(dialog);
@@ -177,9 +179,11 @@ void RyDialogDriver::acceptDialog(QDialog *dialog, size_t record)
         if (!guard || !guard->isVisible())
             return;
         for (size_t i = first; i < m_records.size(); ++i) {
-            m_records[i].corrects = true;
-            if (m_records[i].offersOnlyOk())
-                complaint = m_records[i].plainText();
+            RyDialogRecord &inner = m_records[i];
+            if (!inner.isRejected())
+                inner.outcome = RyOutcome::Ran;
+            if (inner.offersOnlyOk() && !inner.plainText().isEmpty())
+                complaint = inner.plainText();
         }
     }
     if (!guard || !guard->isVisible())
@@ -200,8 +204,7 @@ void RyDialogDriver::leaveLoop(QDialog *dialog, size_t record)
 
 void RyDialogDriver::reject(QDialog *dialog, size_t record, const QString &reason)
 {
-    m_records[record].cancelled = false;
-    m_records[record].refused = true;
+    m_records[record].outcome = RyOutcome::Refused;
     m_records[record].reason = reason;
     const QPointer<QDialog> guard(dialog);
     const QPointer<QAbstractButton> button(RyDialogButtons::escapeButton(dialog));

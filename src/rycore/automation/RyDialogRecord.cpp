@@ -28,6 +28,8 @@ RyDialogRecord RyDialogRecord::of(const QDialog *dialog)
         record.text = box->text();
         record.informativeText = box->informativeText();
         record.icon = box->icon();
+        if (record.offersOnlyOk())
+            record.outcome = RyOutcome::Refused;
     }
     return record;
 }
@@ -88,8 +90,8 @@ QVariantMap RyDialogRecord::toMap() const
         {QStringLiteral("escape"), escapeButton},
         {QStringLiteral("parent"), parentName.isEmpty() ? parentClass : parentName},
         {QStringLiteral("answered"), answered},
-        {QStringLiteral("refused"), refused},
-        {QStringLiteral("cancelled"), cancelled},
+        {QStringLiteral("refused"), isRejected()},
+        {QStringLiteral("cancelled"), ryIsCancelled(outcome)},
         {QStringLiteral("reason"), reason},
     };
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rycore/automation/RyOutcome.h"
+
 #include <QMessageBox>
 #include <QPointer>
 #include <QString>
@@ -27,11 +29,11 @@ struct RyDialogRecord
     QPointer<QWidget> parent;
     QString parentClass;
     QString parentName;
-    QString answered;       // the button; "accept" or "reject" for a dialog that has none for it
-    bool refused = false;   // the dialog could not be accepted
-    bool cancelled = false; // what was pressed gives the work up
-    bool corrects = false;  // the box came from a dialog that stayed open after it, to be accepted again
-    QString reason;         // why not
+    QString answered; // the button; "accept" or "reject" for a dialog that has none for it
+    /// What it says of the work: a message box that leaves no choice tells that it is refused, unless it came from a
+    /// dialog that stayed open to be accepted again.
+    RyOutcome outcome = RyOutcome::Ran;
+    QString reason; // why it could not be accepted or answered
 
     /// Of one that has just opened.
     static RyDialogRecord of(const QDialog *dialog);
@@ -40,8 +42,8 @@ struct RyDialogRecord
     QString iconName() const;
     /// A message box that leaves no choice.
     bool offersOnlyOk() const;
-    /// It tells why something is not done: only Ok, and no dialog that gets another chance.
-    bool tellsOfRefusal() const { return offersOnlyOk() && !corrects; }
+    /// It could not be accepted or answered.
+    bool isRejected() const { return !reason.isEmpty(); }
     /// `text` with `informativeText`, without mark-up.
     QString plainText() const;
     /// Everything in one line, for logs.

@@ -36,15 +36,16 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
         return verdict;
     }
     for (const RyDialogRecord &record : driver.records()) {
-        if (!record.tellsOfRefusal() && !record.refused)
+        if (record.outcome != RyOutcome::Refused)
             continue;
         verdict.outcome = RyOutcome::Refused;
-        verdict.reason = record.refused ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
-                                        : record.plainText();
+        verdict.reason = record.isRejected()
+                             ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
+                             : record.plainText();
         return verdict;
     }
     for (const RyDialogRecord &record : driver.records()) {
-        if (!record.cancelled || record.corrects)
+        if (record.outcome != RyOutcome::Cancelled)
             continue;
         verdict.outcome = RyOutcome::Cancelled;
         verdict.reason = tr("\"%1\" was answered with %2.").arg(record.title, record.answered);

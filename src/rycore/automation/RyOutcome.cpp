@@ -27,11 +27,3 @@ RyOutcome ryWithUnusedFields(RyOutcome outcome)
         return outcome;
     }
 }
-
-QVariantMap ryOutcomeToMap(RyOutcome outcome, const QString &reason)
-{
-    return {{QStringLiteral("ran"), ryHasRun(outcome)},
-            {QStringLiteral("refused"), outcome == RyOutcome::Refused},
-            {QStringLiteral("cancelled"), ryIsCancelled(outcome)},
-            {QStringLiteral("reason"), reason}};
-}

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <QString>
-#include <QVariantMap>
-
 /// What became of work that was done without a person. Fields that nothing used are a mistake of who asked, but the
 /// work has gone its way all the same.
 enum class RyOutcome {
@@ -21,6 +18,3 @@ bool ryIsCancelled(RyOutcome outcome);
 bool ryIsWrongUse(RyOutcome outcome);
 /// `outcome`, after which fields were left that nothing had used.
 RyOutcome ryWithUnusedFields(RyOutcome outcome);
-
-/// For scripts and reports: ran, refused, cancelled, reason.
-QVariantMap ryOutcomeToMap(RyOutcome outcome, const QString &reason);

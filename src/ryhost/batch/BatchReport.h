@@ -10,7 +10,7 @@ class RyScene;
 struct BatchEvents
 {
     QStringList messages;
-    QVariantList runs;  // of actions: action, ran, refused, cancelled, reason
+    QVariantList runs;  // of actions: `action`, and what RyActionResult says
     QVariantList boxes; // dialogs and message boxes, each with the verb `during` which it opened
 };
 

@@ -30,6 +30,13 @@
 
 static constexpr int MostPoints = 20;
 
+static ExitCode exitCodeOf(RyOutcome outcome)
+{
+    if (ryIsWrongUse(outcome))
+        return ExitCode::WrongUse;
+    return outcome == RyOutcome::Refused ? ExitCode::ActionRefused : ExitCode::Done;
+}
+
 BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window)
 {
     // For scripts, which can go back to them.
@@ -109,14 +116,12 @@ ExitCode BatchRunner::runAction(const QString &className, const RyDialogDriver &
     note(className, driver.records());
     for (const QString &message : result.notes)
         say(QStringLiteral("--run %1: %2").arg(className, message));
-    QVariantMap entry = ryOutcomeToMap(result.outcome, result.reason);
+    QVariantMap entry = result.toMap();
     entry[QStringLiteral("action")] = className;
     m_events.runs.append(entry);
-    const QString reason = QStringLiteral("--run %1: %2");
-    if (ryIsWrongUse(result.outcome))
-        return fail(ExitCode::WrongUse, reason.arg(className, result.reason));
-    if (result.outcome == RyOutcome::Refused)
-        return fail(ExitCode::ActionRefused, reason.arg(className, result.reason));
+    const ExitCode code = exitCodeOf(result.outcome);
+    if (code != ExitCode::Done)
+        return fail(code, QStringLiteral("--run %1: %2").arg(className, result.reason));
     if (result.outcome == RyOutcome::Cancelled)
         say(QStringLiteral("--run %1: cancelled. %2").arg(className, result.reason));
     return ExitCode::Done;
@@ -138,13 +143,10 @@ ExitCode BatchRunner::runStep(const BatchStep &step)
     const RyDialogVerdict verdict = ryJudgeDialogs(driver);
     for (const QString &message : verdict.notes)
         say(QStringLiteral("%1: %2").arg(step.value, message));
-    const bool refused = verdict.outcome == RyOutcome::Refused;
-    const bool wrongUse = ryIsWrongUse(verdict.outcome);
-    if (wrongUse || refused)
+    const ExitCode judged = exitCodeOf(verdict.outcome);
+    if (judged != ExitCode::Done)
         say(QStringLiteral("%1: %2").arg(step.value, verdict.reason));
-    if (code != ExitCode::Done)
-        return code;
-    return wrongUse ? ExitCode::WrongUse : refused ? ExitCode::ActionRefused : ExitCode::Done;
+    return code != ExitCode::Done ? code : judged;
 }
 
 ExitCode BatchRunner::runVerb(const BatchStep &step)
