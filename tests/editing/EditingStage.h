@@ -12,7 +12,6 @@
 
 class RyBone;
 class RyNode;
-class RyViewTool;
 
 /// A viewport that answers with the handle it was told.
 class EditingViewport : public Ry3DViewport

@@ -6,7 +6,6 @@
 #include <QPointer>
 
 class QComboBox;
-class QGridLayout;
 class QLabel;
 class RyFloatPropertyWgt;
 class RyJointEditorTool;

@@ -8,7 +8,6 @@
 #include <memory>
 #include <vector>
 
-class RyFacetMesh;
 class RyScene;
 
 /// The OBJ file behind a scene: one prop with all its vertices and groups, centimetres per unit found by its height.

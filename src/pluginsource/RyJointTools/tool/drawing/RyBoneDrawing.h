@@ -5,7 +5,6 @@
 #include "rycore/math/RyVec3.h"
 
 class RyBone;
-class RyRotationOrder;
 
 /// Draws bones as octahedra along the first axis of their rotation order, as long as they are; for an aligned bone the
 /// tip is the posed end point. With ghosts each bone is drawn at its default place too, and dashed lines join bones to

@@ -8,7 +8,6 @@
 
 #include <vector>
 
-class RyNode;
 class RySkinBinding;
 
 /// The weight maps that a file has no place for: local and scale maps, and those of bulges with their controllers. Each

@@ -8,9 +8,12 @@
 #include <set>
 #include <vector>
 
+class RyAffine;
+class RyBone;
 class RyFacetMesh;
 class RyNode;
 class RyScene;
+class RySkeleton;
 
 /// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and
 /// meshes: figure space becomes mesh space, all influences are written, weights sum to exactly full weight.
@@ -42,8 +45,8 @@ public:
 private:
     /// Figures of the source stay where the file has them, whatever they hang on now.
     bool isKept(const RyNode &node) const;
-    std::vector<class RyBone *> bonesOf(const class RySkeleton &skeleton) const;
-    void addNode(const RyNode &node, int parent, const class RyAffine &parentBind);
+    std::vector<RyBone *> bonesOf(const RySkeleton &skeleton) const;
+    void addNode(const RyNode &node, int parent, const RyAffine &parentBind);
     void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
     void addSkinnedMesh(const RyNode &skeleton);
     const RyGltfFigureSource *knownMesh(const RyNode &node) const;
