@@ -1,7 +1,7 @@
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
 
-#include "demo_session/PointerDriver.h"
+#include "pointer/PointerDriver.h"
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyFloatProperty.h"

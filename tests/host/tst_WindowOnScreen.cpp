@@ -1,7 +1,7 @@
-#include "demo_session/PointerDriver.h"
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
 
+#include "pointer/PointerDriver.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"

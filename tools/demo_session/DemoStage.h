@@ -1,6 +1,6 @@
 #pragma once
 
-#include "demo_session/PointerDriver.h"
+#include "pointer/PointerDriver.h"
 
 #include <QString>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "demo_session/PointerDriver.h"
+#include "pointer/PointerDriver.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
