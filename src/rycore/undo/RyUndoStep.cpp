@@ -1,5 +1,6 @@
 #include "rycore/undo/RyUndoStep.h"
 
+#include <algorithm>
 #include <utility>
 
 // A listener that answers every settled value with another write would never come to rest.
@@ -23,6 +24,12 @@ void RyUndoStep::append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item)
     if (!key.isNull())
         m_byKey[key] = m_entries.size();
     m_entries.push_back({key, std::move(item)});
+}
+
+bool RyUndoStep::isApartFrom(const RyUndoStep &other) const
+{
+    return std::all_of(m_entries.begin(), m_entries.end(),
+                       [&](const Entry &entry) { return !entry.key.isNull() && !other.contains(entry.key); });
 }
 
 void RyUndoStep::merge(RyUndoStep &later)

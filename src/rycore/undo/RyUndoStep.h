@@ -21,6 +21,8 @@ public:
     /// Whether a living item with that key is here; never for the null key.
     bool contains(const RyUndoKey &key) const;
     void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item);
+    /// Whether it holds values only, and none that the other step holds: either may be swapped before the other.
+    bool isApartFrom(const RyUndoStep &other) const;
     /// Takes over the changes of a later step, keeping the first value of each key.
     void merge(RyUndoStep &later);
     /// Drops all items, newest first.

@@ -27,6 +27,11 @@ bool RyUndoLog::canGrow(const Entry &entry)
     return entry.captured && entry.done && entry.step.use_count() == 1;
 }
 
+bool RyUndoLog::areOpposite(const Entry &a, const Entry &b)
+{
+    return a.step && a.step == b.step && a.done != b.done;
+}
+
 bool RyUndoLog::isOpen() const
 {
     return !m_entries.empty() && canGrow(m_entries.back());
@@ -57,13 +62,28 @@ void RyUndoLog::join(Mark right)
     const Mark left = std::prev(right);
     if (!left->step || !right->step)
         return;
-    if (left->step == right->step && left->done != right->done) {
+    if (areOpposite(*left, *right)) {
         m_entries.erase(left);
         join(m_entries.erase(right));
     } else if (canGrow(*left) && canGrow(*right)) {
         left->step->merge(*right->step);
         m_entries.erase(right);
+    } else {
+        joinAround(left, right);
     }
+}
+
+void RyUndoLog::joinAround(Mark between, Mark right)
+{
+    if (between == m_entries.begin())
+        return;
+    const Mark left = std::prev(between);
+    if (!areOpposite(*left, *right) || !canGrow(*between) || !between->step->isApartFrom(*right->step))
+        return;
+    m_entries.erase(left);
+    const Mark next = m_entries.erase(right);
+    join(between);
+    join(next);
 }
 
 void RyUndoLog::swapBack(Mark from, Mark mark, const std::function<void(RyUndoStep &step, bool done)> &swap)

@@ -24,6 +24,8 @@ class RyUndoLog
 public:
     using Mark = std::list<Entry>::iterator;
 
+    /// How much it keeps: marks, runs of changes, and swaps.
+    int length() const { return int(m_entries.size()); }
     /// A mark for the present state.
     Mark mark();
     /// What lies on both sides of the mark grows together; what lies before all marks goes.
@@ -41,10 +43,14 @@ public:
 
 private:
     static bool canGrow(const Entry &entry);
+    /// Whether one takes back what the other did.
+    static bool areOpposite(const Entry &a, const Entry &b);
     /// Whether captures go to the last entry.
     bool isOpen() const;
     /// Unites the entries before and at `right` where they make one or cancel each other.
     void join(Mark right);
+    /// The same for a step that was swapped back and forth with changes of other values in between.
+    void joinAround(Mark between, Mark right);
 
     std::list<Entry> m_entries;
     int m_marks = 0;
