@@ -188,6 +188,8 @@ private slots:
         QCOMPARE(run.value(QStringLiteral("ran")).toBool(), false);
         QCOMPARE(run.value(QStringLiteral("refused")).toBool(), false);
         QCOMPARE(run.value(QStringLiteral("cancelled")).toBool(), true);
+        const QJsonArray opened = run.value(QStringLiteral("boxes")).toArray();
+        QCOMPARE(opened.at(0).toObject().value(QStringLiteral("answered")).toString(), QStringLiteral("Cancel"));
         QVERIFY(cancelled.json().value(QStringLiteral("undoSteps")).toArray().isEmpty());
     }
 
