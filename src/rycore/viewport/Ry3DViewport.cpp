@@ -2,22 +2,20 @@
 
 #include "rycore/viewport/RyViewportPrivate.h"
 
-#include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/scene/RySkeleton.h"
 #include "rycore/viewport/RyDrawStyle.h"
 #include "rycore/viewport/RyGLContext.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
+#include "rycore/viewport/drawing/ryDrawPatches.h"
+#include "rycore/viewport/ryFrameBox.h"
 
 #include <QEvent>
 #include <QOpenGLContext>
 #include <QToolTip>
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -312,73 +310,14 @@ QImage Ry3DViewport::grabPicture(int width, int height)
 
 void Ry3DViewport::drawNodeHighlight(RyNode *node)
 {
-    const RyScene *scene = d->scene();
-    if (!scene || !node)
-        return;
-    const auto &patches = d->picker.patchesOf(*scene, node, d->manager->sceneRevision());
-    if (patches.empty())
-        return;
-    const QColor &tint = d->options.accent;
-    glPushAttrib(GL_ALL_ATTRIB_BITS);
-    glDisable(GL_LIGHTING);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    for (const RyNodePicker::Patch &patch : patches) {
-        glPushMatrix();
-        glMultMatrixf(patch.meshNode->worldMap().toMatrix4().data());
-        glVertexPointer(3, GL_FLOAT, sizeof(RyVec3), patch.positions.data());
-        // Depth first: the tint covers every pixel once.
-        glEnable(GL_POLYGON_OFFSET_FILL);
-        glPolygonOffset(1.0f, 1.0f);
-        glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
-        glDrawElements(GL_TRIANGLES, int(patch.triangles.size()), GL_UNSIGNED_INT, patch.triangles.data());
-        glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        glColor4f(float(tint.redF()), float(tint.greenF()), float(tint.blueF()), 0.13f);
-        glDrawElements(GL_TRIANGLES, int(patch.triangles.size()), GL_UNSIGNED_INT, patch.triangles.data());
-        glDisable(GL_POLYGON_OFFSET_FILL);
-        glColor4f(float(tint.redF()), float(tint.greenF()), float(tint.blueF()), 0.75f);
-        glDrawElements(GL_LINES, int(patch.border.size()), GL_UNSIGNED_INT, patch.border.data());
-        glPopMatrix();
-    }
-    glDisableClientState(GL_VERTEX_ARRAY);
-    glPopAttrib();
-    glClear(GL_DEPTH_BUFFER_BIT);
-}
-
-RyBox3 Ry3DViewport::frameBox(bool selectionOnly) const
-{
-    RyBox3 box;
-    const RyScene *scene = d->scene();
-    if (!scene)
-        return box;
-    const bool selection = selectionOnly && scene->getNumSelectedNodes() > 0;
-    for (RyNode *node : selection ? scene->selectedNodeListIterator() : scene->getNodes()) {
-        if (!node->isVisible())
-            continue;
-        if (node->getObject()) {
-            const RyAffine &map = node->worldMap();
-            for (const RyVec3 &p : node->getObject()->getDeformedPositions())
-                box.include(map.mapPoint(p));
-        } else if (qobject_cast<RyBone *>(node)) {
-            const RyVec3 a = node->getWSPos();
-            const RyVec3 b = node->getWSEndPoint();
-            const float margin = selection ? std::max((b - a).length() * 0.75f, 1.0f) : 0.0f;
-            for (const RyVec3 &p : {a, b}) {
-                box.include(p + RyVec3(margin, margin, margin));
-                box.include(p - RyVec3(margin, margin, margin));
-            }
-        } else if (selection) {
-            for (RyNode *child : node->nodeChildrenIterator())
-                box.include(child->getWSPos());
-        }
-    }
-    return box;
+    if (const RyScene *scene = d->scene(); scene && node)
+        ryDrawPatches(d->picker.patchesOf(*scene, node, d->manager->sceneRevision()), d->options.accent);
 }
 
 void Ry3DViewport::frameNodes(bool selectionOnly)
 {
-    RyCameraController(d->camera).frame(frameBox(selectionOnly), size());
+    if (const RyScene *scene = d->scene())
+        RyCameraController(d->camera).frame(ryFrameBox(*scene, selectionOnly), size());
 }
 
 void Ry3DViewport::setStandardView(StandardView view)

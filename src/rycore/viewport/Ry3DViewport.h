@@ -84,7 +84,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    RyBox3 frameBox(bool selectionOnly) const;
     RySceneView windowView() const;
     void paintFrame(const RySceneView &view, int samples);
     void drawTool(const RySceneView &view);
