@@ -3,7 +3,7 @@
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyBoneListSlice.h"
+#include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -50,26 +50,42 @@ private:
     };
 
 private slots:
-    void slicesCutTheList()
+    void ordersOfTheList()
     {
         RyFigure figure;
-        for (int i = 0; i < 5; ++i)
+        for (int i = 0; i < 600; ++i)
             figure.addNodeChild(new RyBone);
         const std::vector<RyBone *> all = figure.getAllBones();
-        QCOMPARE(int(all.size()), 5);
+        QCOMPARE(int(all.size()), 600);
         {
-            const RyBoneListSlice slice(1, 3);
-            QCOMPARE(figure.getAllBones(), std::vector<RyBone *>(all.begin() + 1, all.begin() + 4));
+            const RyBoneListOrder columns(RyBoneListOrder::Columns);
             std::vector<RyBone *> appended{nullptr};
             figure.getAllBones(appended);
-            QCOMPARE(int(appended.size()), 4);
-            QCOMPARE(slice.longestList(), 5);
-            {
-                const RyBoneListSlice none(0, 0);
-                QVERIFY(figure.getAllBones().empty());
+            QCOMPARE(int(appended.size()), 601);
+            // Three in each of the first 88 columns, two in the others.
+            for (const auto &[place, bone] : {std::pair(0, 0),
+                                              {1, 256},
+                                              {2, 512},
+                                              {3, 1},
+                                              {263, 87 + 512},
+                                              {264, 88},
+                                              {265, 88 + 256},
+                                              {598, 255},
+                                              {599, 255 + 256}})
+                QCOMPARE(appended[size_t(1 + place)], all[size_t(bone)]);
+            for (int column = 0; column < 256; ++column) {
+                QCOMPARE(RyBoneListOrder::columnLength(column, 600), column < 88 ? 3 : 2);
+                const int start = RyBoneListOrder::columnStart(column, 600);
+                QCOMPARE(appended[size_t(1 + start)], all[size_t(column)]);
             }
-            const RyBoneListSlice beyond(4, 200);
-            QCOMPARE(int(figure.getAllBones().size()), 1);
+            QCOMPARE(columns.longestList(), 600);
+            {
+                const RyBoneListOrder none(RyBoneListOrder::Nothing);
+                QVERIFY(figure.getAllBones().empty());
+                QCOMPARE(none.longestList(), 600);
+            }
+            const RyBoneListOrder tree(RyBoneListOrder::Tree);
+            QCOMPARE(figure.getAllBones(), all);
         }
         QCOMPARE(figure.getAllBones(), all);
     }
@@ -82,6 +98,46 @@ private slots:
         QCOMPARE(setup.viewport.counts().pickPasses, before + 1);
         for (int i : {0, 1, 100, 207})
             QCOMPARE(setup.pickAt(Setup::placeOf(i)), i + 47);
+    }
+
+    void passesBeyond_data()
+    {
+        QTest::addColumn<int>("boneCount");
+        QTest::addColumn<int>("bone"); // moved away from all others; below 0 for a place without bones
+        QTest::addColumn<int>("handle");
+        QTest::addColumn<int>("passes");
+        QTest::newRow("nothing there") << 600 << -1 << 0 << 1;
+        QTest::newRow("a code that one bone has") << 300 << 44 << 0 << 1;
+        QTest::newRow("one that two bones have") << 300 << 43 << 0 << 3;
+        QTest::newRow("one that two bones have, the second") << 300 << 299 << 0 << 3;
+        QTest::newRow("the last bone before codes repeat") << 210 << 208 << 0 << 1;
+        QTest::newRow("the code of nothing") << 210 << 209 << 0 << 1;
+        QTest::newRow("one that a handle has") << 211 << 210 << 0 << 3;
+        QTest::newRow("a handle's that one bone has") << 240 << -1 << 30 << 3;
+        QTest::newRow("a handle's that no bone has") << 230 << -1 << 44 << 1;
+        QTest::newRow("one that handle and bones have") << 1000 << 978 << 0 << 4;
+        QTest::newRow("a handle's that bones have") << 1000 << -1 << 1 << 4;
+    }
+
+    /// As few as the codes in the tile allow.
+    void passesBeyond()
+    {
+        QFETCH(int, boneCount);
+        QFETCH(int, bone);
+        QFETCH(int, handle);
+        QFETCH(int, passes);
+        Setup setup(boneCount);
+        const RyVec3 place(0, 500, 0);
+        setup.viewport.cameraController().frame(RyBox3(RyVec3(-9, 491, 0), RyVec3(9, 509, 0)), QSizeF(800, 600));
+        if (bone >= 0)
+            setup.figure->getAllBones()[size_t(bone)]->setOrigin(place, true);
+        setup.tool->handle = place;
+        setup.tool->handleId = handle;
+        const int before = setup.viewport.pickPasses();
+        QCOMPARE(setup.pickAt(place), bone >= 0 ? bone + 47 : handle);
+        QCOMPARE(setup.viewport.pickPasses() - before, passes);
+        // What ids are turned into bones with.
+        QCOMPARE(setup.tool->bones, setup.figure->getAllBones());
     }
 
     void everyBoneBeyondHasItsFullId()
@@ -103,7 +159,7 @@ private slots:
         QCOMPARE(setup.pickAt(Setup::placeOf(253)), 253 + 47);
     }
 
-    void theTopmostBoneWinsAcrossSlices()
+    void theTopmostBoneWins()
     {
         Setup setup(450);
         std::vector<RyBone *> bones = setup.figure->getAllBones();
@@ -111,6 +167,10 @@ private slots:
         bones[5]->setOrigin(Setup::placeOf(300), true);
         QCOMPARE(setup.pickAt(Setup::placeOf(10)), 430 + 47);
         QCOMPARE(setup.pickAt(Setup::placeOf(300)), 300 + 47);
+        // Two of one code, one on the other.
+        bones[20]->setOrigin(Setup::placeOf(20 + 256), true);
+        QCOMPARE(setup.pickAt(Setup::placeOf(20 + 256)), 20 + 256 + 47);
+        QCOMPARE(setup.pickAt(Setup::placeOf(20)), 0);
     }
 };
 

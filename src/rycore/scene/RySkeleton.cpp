@@ -1,7 +1,7 @@
 #include "rycore/scene/RySkeleton.h"
 
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyBoneListSlice.h"
+#include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -34,7 +34,7 @@ void RySkeleton::getAllBones(std::vector<RyBone *> &list) const
         if (auto *bone = qobject_cast<RyBone *>(node))
             list.push_back(bone);
     }
-    RyBoneListSlice::apply(list, start);
+    RyBoneListOrder::apply(list, start);
 }
 
 std::vector<RyBone *> RySkeleton::getAllBones() const

@@ -26,7 +26,7 @@ public:
     RyCamera *getCamera() const;
     RyViewportMgr *getViewportMgr() const;
     /// Redraws the active tool with shade style 11 off screen and reads the id under the point; 0 when there is none.
-    /// Where the tool's skeleton has more than 209 bones, bone ids are resolved slice by slice; the full id comes back.
+    /// Ids of bones are full ones, however many bones the tool's skeleton has.
     virtual int pickOnGizmo(const QPoint &point);
     /// The node whose mesh is nearest under the point; null when there is none.
     virtual RyNode *pickNode(const QPoint &point);

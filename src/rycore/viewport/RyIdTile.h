@@ -8,7 +8,7 @@
 class RyIdTile
 {
 public:
-    static constexpr int Size = 64;
+    static constexpr int Size = 256;
 
     void clear() { m_area = QRect(); }
     /// Logical pixels, y down. The ids are row by row from the top.

@@ -11,8 +11,12 @@ class Ry3DViewport;
 class RyViewMatrices;
 class RyViewTool;
 
-/// Draws a tool in its colour code into a small picture of its own and decodes the ids. Where the skeleton that the
-/// tool asks for its bones has more of them than the code can hold, the bones are drawn slice by slice.
+/// Draws a tool in its colour code into a small picture of its own and decodes the ids.
+///
+/// The code has eight bits. Where the skeleton that the tool asks for its bones has more of them than that holds, and
+/// only if the first picture shows a code that more than one thing can have, the tool is drawn again: once without
+/// bones, which leaves the handles, and once with the list of bones in another order. The two codes of a bone, one by
+/// each order, tell it from all others, since a tool draws its bones in one sequence whatever their places in the list.
 class RyPickPass
 {
 public:
@@ -20,10 +24,9 @@ public:
     static constexpr int FirstBoneId = 47;
     /// The most bones that the colour code tells apart from each other and from the handles.
     static constexpr int CodedBones = 256 - FirstBoneId;
-    static constexpr int SliceLength = 200;
 
     /// Ids of the pixels of `area` (pixels of the view, y down), row by row from the top; the view has the size of
-    /// `matrices`.
+    /// `matrices`. The scissor box is that of the area, so that a tool can leave out what is beyond it.
     std::vector<int> ids(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area);
     /// Passes drawn so far.
     int passes() const { return m_passes; }
@@ -32,10 +35,22 @@ public:
     void abandon();
 
 private:
-    std::vector<int> pass(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices, const QRect &area);
-    std::vector<int> slicedIds(Ry3DViewport *viewport, RyViewTool *tool, const RyViewMatrices &matrices,
-                               const QRect &area, int boneCount);
+    struct View
+    {
+        Ry3DViewport *viewport;
+        RyViewTool *tool;
+        const RyViewMatrices &matrices;
+        QRect area;
+    };
+    static constexpr int noCode = -1;
+
+    void setState(const View &view) const;
+    void draw(const View &view);
+    std::vector<int> drawnCodes(const View &view);
+    /// From codes to ids, in a skeleton of more bones than the code tells apart.
+    void resolve(const View &view, int boneCount, std::vector<int> &codes);
 
     std::unique_ptr<RyFramebuffer> m_target;
+    std::vector<unsigned char> m_pixels; // kept for its memory
     int m_passes = 0;
 };
