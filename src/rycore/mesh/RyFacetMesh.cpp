@@ -55,7 +55,7 @@ void RyFacetMesh::swapFacets(std::vector<RyFacet> &facets, QStringList &groups)
     rebuildGroupLists();
     groups = names;
     touch();
-    emit faceGroupsChanged();
+    announceGroups();
 }
 
 RyFaceGroup *RyFacetMesh::getFaceGroup(int index) const
@@ -83,7 +83,7 @@ void RyFacetMesh::createFaceGroup(const QString &name)
         return;
     recordGroups();
     m_groups.push_back(std::make_unique<RyFaceGroup>(name));
-    emit faceGroupsChanged();
+    announceGroups();
     announceContent();
 }
 
@@ -100,7 +100,7 @@ void RyFacetMesh::removeFaceGroup(const QString &name)
         else if (facet.group > index)
             --facet.group;
     }
-    emit faceGroupsChanged();
+    announceGroups();
     announceContent();
 }
 
@@ -176,7 +176,7 @@ void RyFacetMesh::restoreGrouping(const Grouping &wanted)
     for (size_t i = 0; i < count; ++i)
         m_facets[i].group = wanted.groupOfFacet[i];
     rebuildGroupLists();
-    emit faceGroupsChanged();
+    announceGroups();
     announceContent();
 }
 
@@ -193,6 +193,12 @@ void RyFacetMesh::rebuildGroupLists()
 void RyFacetMesh::recordGroups()
 {
     RyValueChange<GroupsValue>::record(this);
+}
+
+void RyFacetMesh::announceGroups()
+{
+    ++m_groupRevision;
+    emit faceGroupsChanged();
 }
 
 int RyFacetMesh::getNeighbour(int facet, int edge) const

@@ -42,6 +42,9 @@ public:
     /// Sets the group of every facet at once: `groupOfFacet[i]` indexes the groups or is -1.
     void setGroupsOfFacets(const std::vector<int> &groupOfFacet);
 
+    /// Grows whenever groups come or go, or facets change group.
+    quint64 groupRevision() const { return m_groupRevision; }
+
     /// The facet on the other side of edge `edge` (from corner `edge` to the next one) of a facet; -1 when there is
     /// none. Of several facets that share an edge the pairing is by order; built at first use.
     int getNeighbour(int facet, int edge) const;
@@ -76,11 +79,13 @@ private:
     void keepGroups(const QStringList &names);
     void buildNeighbours() const;
     void recordGroups();
+    void announceGroups();
 
     std::vector<RyFacet> m_facets;
     std::vector<std::unique_ptr<RyFaceGroup>> m_groups;
     std::vector<bool> m_selected;
     mutable std::vector<int> m_neighbours; // four per facet, empty until asked for
+    quint64 m_groupRevision = 1;
     std::vector<RyFacet> m_facetSnapshot;
     QStringList m_groupSnapshot;
 };

@@ -44,11 +44,13 @@ std::vector<int> RyBoundaryDrawing::findEdges(const RyFacetMesh &mesh, const RyF
     return edges;
 }
 
-const std::vector<int> &RyBoundaryDrawing::edgesOfWholeMesh(const RyFacetMesh &mesh) const
+const std::vector<int> &RyBoundaryDrawing::edgesOf(const RyFacetMesh &mesh, const RyFaceGroup *group) const
 {
-    if (m_wholeMesh.mesh != &mesh || m_wholeMesh.revision != mesh.revision())
-        m_wholeMesh = {&mesh, mesh.revision(), findEdges(mesh, nullptr)};
-    return m_wholeMesh.vertices;
+    const int index = group ? mesh.findFaceGroupIndex(group->getName()) : -1;
+    if (m_edges.mesh != &mesh || m_edges.revision != mesh.revision() ||
+        m_edges.groupRevision != mesh.groupRevision() || m_edges.group != index)
+        m_edges = {&mesh, mesh.revision(), mesh.groupRevision(), index, findEdges(mesh, group)};
+    return m_edges.vertices;
 }
 
 void RyBoundaryDrawing::draw(const RyNode &node) const
@@ -65,8 +67,7 @@ void RyBoundaryDrawing::draw(const RyNode &node) const
     const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
     const QString groupName = map ? map->findGroupForNode(&node) : QString();
     const RyFaceGroup *group = groupName.isEmpty() ? nullptr : mesh->findFaceGroup(groupName);
-    const std::vector<int> groupEdges = group ? findEdges(*mesh, group) : std::vector<int>();
-    const std::vector<int> &edges = group ? groupEdges : edgesOfWholeMesh(*mesh);
+    const std::vector<int> &edges = edgesOf(*mesh, group);
     const std::vector<RyVec3> &positions = object->getDeformedPositions();
     if (edges.empty() || positions.size() != size_t(mesh->getNumVertices()))
         return;

@@ -8,11 +8,13 @@
 
 #include <vector>
 
-/// Where a whole mesh ends, kept from one drawing to the next as long as the mesh stays as it is.
+/// Where a face group or a whole mesh ends, kept from one drawing to the next as long as the mesh stays as it is.
 struct RyBoundaryEdges
 {
     QPointer<const RyFacetMesh> mesh;
     quint64 revision = 0;
+    quint64 groupRevision = 0;
+    int group = -1;            // index in the mesh, -1 for the whole of it
     std::vector<int> vertices; // two for each edge
 };
 
@@ -21,9 +23,7 @@ struct RyBoundaryEdges
 class RyBoundaryDrawing
 {
 public:
-    RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &wholeMesh)
-        : m_context(context), m_wholeMesh(wholeMesh)
-    {}
+    RyBoundaryDrawing(const RyDrawContext &context, RyBoundaryEdges &edges) : m_context(context), m_edges(edges) {}
 
     /// Nothing in the pick pass and for a node without a mesh.
     void draw(const RyNode &node) const;
@@ -32,8 +32,8 @@ public:
     static std::vector<int> findEdges(const RyFacetMesh &mesh, const RyFaceGroup *group);
 
 private:
-    const std::vector<int> &edgesOfWholeMesh(const RyFacetMesh &mesh) const;
+    const std::vector<int> &edgesOf(const RyFacetMesh &mesh, const RyFaceGroup *group) const;
 
     const RyDrawContext &m_context;
-    RyBoundaryEdges &m_wholeMesh;
+    RyBoundaryEdges &m_edges;
 };
