@@ -143,18 +143,23 @@ void RyBoneDrawingTest::stateOfABone()
 {
     RyDrawingStage stage;
     stage.select(stage.lShin);
+    stage.tool->setShowBoneHierarchy(false);
     const auto recording = stage.draw();
-    for (const auto &body : RyDrawingStage::bodies(*recording)) {
+    const auto bodies = RyDrawingStage::bodies(*recording);
+    QCOMPARE(bodies.size(), size_t(5));
+    for (const auto &body : bodies) {
         QVERIFY(!body.lighting);
         QVERIFY(!body.depthTest);
-        // White, then the colour of the body, then the body.
-        const auto &calls = recording->calls;
-        QCOMPARE(calls[size_t(body.firstCall) - 1].name, QByteArray("glColor4f"));
-        QVERIFY(calls[size_t(body.firstCall) - 2].is("glColor3ub", {255, 255, 255}));
-        QCOMPARE(calls[size_t(body.firstCall) - 3].name, QByteArray("glMultMatrixf"));
-        QCOMPARE(calls[size_t(body.firstCall) - 4].name, QByteArray("glPushMatrix"));
-        QVERIFY(calls[size_t(body.firstCall) - 5].is("glPushAttrib", {double(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT)}));
+        // The colour of the body, then the body.
+        QCOMPARE(recording->calls[size_t(body.firstCall) - 1].name, QByteArray("glColor4f"));
     }
+    // Once before the first of them: the state, then white.
+    const auto &calls = recording->calls;
+    const auto first = size_t(bodies.front().firstCall);
+    QVERIFY(calls[first - 2].is("glColor3ub", {255, 255, 255}));
+    QVERIFY(calls[first - 3].is("glPushAttrib", {double(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT)}));
+    for (size_t call = first; call <= size_t(bodies.back().firstCall); ++call)
+        QVERIFY(!calls[call].name.startsWith("glPush") && !calls[call].name.startsWith("glPop"));
     QCOMPARE(recording->count("glPushMatrix"), recording->count("glPopMatrix"));
     QCOMPARE(recording->count("glPushAttrib"), recording->count("glPopAttrib"));
 }
@@ -250,13 +255,14 @@ void RyBoneDrawingTest::parentLinks()
             links.push_back(primitive);
     }
     const RyBone *const bones[] = {stage.lThigh, stage.lShin, stage.lFoot, stage.rThigh}; // the hip hangs on the figure
-    QCOMPARE(links.size(), std::size(bones));
-    for (size_t i = 0; i < links.size(); ++i) {
-        QCOMPARE(links[i].mode, GLenum(GL_LINES));
-        QCOMPARE(links[i].vertices.size(), size_t(2));
-        QVERIFY(links[i].color().isNear(rgbaFloats(1, 1, 1, double(0.4f))));
-        QVERIFY(ryIsNear(stage.world(links[i], 0), bones[i]->getWSPos(), 5e-3f));
-        QVERIFY(ryIsNear(stage.world(links[i], 1), bones[i]->getNodeParent()->getWSEndPoint(), 5e-3f));
+    QCOMPARE(links.size(), size_t(1));
+    QCOMPARE(links[0].mode, GLenum(GL_LINES));
+    QCOMPARE(links[0].vertices.size(), 2 * std::size(bones));
+    for (const auto &color : links[0].colors)
+        QVERIFY(color.isNear(rgbaFloats(1, 1, 1, double(0.4f))));
+    for (size_t i = 0; i < std::size(bones); ++i) {
+        QVERIFY(ryIsNear(stage.world(links[0], 2 * i), bones[i]->getWSPos(), 5e-3f));
+        QVERIFY(ryIsNear(stage.world(links[0], 2 * i + 1), bones[i]->getNodeParent()->getWSEndPoint(), 5e-3f));
     }
     QVERIFY(recording->contains("glLineStipple", {3, 0xAAAA}));
     stage.tool->setShowBoneHierarchy(false);

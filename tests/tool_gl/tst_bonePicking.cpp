@@ -74,8 +74,11 @@ void RyBonePickingTest::bonesOutsideTheListAreNotDrawn()
     const RyJointToolDisplay display;
     const RyBoneIndex empty;
     const RyDrawContext context{true, 0, display, stage.lShin, empty, stage.viewport.get()};
+    RyBoneFrames frames;
+    frames.addIfBone(stage.lShin);
+    QCOMPARE(int(frames.entries().size()), 1);
     RyGLRecorder recorder;
-    RyBoneDrawing(context).drawBone(*stage.lShin);
+    RyBoneDrawing(context).draw(frames);
     recorder.stop();
     QCOMPARE(int(recorder.primitives.size()), 0);
     QCOMPARE(recorder.count("glColor3ub"), 0);

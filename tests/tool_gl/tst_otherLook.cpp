@@ -4,6 +4,7 @@
 #include "RyDrawingStage.h"
 
 #include "pluginsource/RyJointTools/operations/alignNode.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleFrame.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -67,10 +68,14 @@ void RyOtherLookTest::ghostsAreOfTheRestValues()
     const float restLength = (bone->getEndPoint(true) - bone->getOrigin(true)).length();
     const float length = (bone->getEndPoint() - bone->getOrigin()).length();
     QVERIFY(std::abs(restLength - length) > 1.0f);
-    const auto waist = [](const RyGLRecorder::Primitive &body) {
+    const auto waist = [&](const RyGLRecorder::Primitive &body) {
+        const RyVec3 start = stage.world(body, 0);
+        const RyVec3 along = (tipOf(body) - start).normalized();
         float widest = 0;
-        for (const RyVec3 &vertex : body.vertices)
-            widest = std::max(widest, std::abs(vertex.x));
+        for (size_t i = 0; i < body.vertices.size(); ++i) {
+            const RyVec3 way = stage.world(body, i) - start;
+            widest = std::max(widest, (way - along * way.dot(along)).length());
+        }
         return widest;
     };
     QVERIFY(std::abs(waist(bodies[1]) - restLength / 10) < 1e-3f);
@@ -107,8 +112,13 @@ void RyOtherLookTest::ringsHaveTheColorOfTheirAxis()
     const auto &ring = rings[4];
     QVERIFY(ring.color().isNear(rgbaFloats(first == 0, first == 1, first == 2, current ? 1.0 : double(0.4f))));
     const float width = (stage.rThigh->getEndPoint() - stage.rThigh->getOrigin()).length() / 10;
-    for (const RyVec3 &vertex : ring.vertices)
-        QVERIFY(std::abs(std::abs(vertex[first]) - width) < 1e-3f);
+    const RyVec3 start = stage.rThigh->getWSPos();
+    const RyVec3 along = (stage.rThigh->getWSEndPoint() - start).normalized();
+    for (size_t i = 0; i < ring.vertices.size(); ++i) {
+        const RyVec3 way = stage.world(ring, i) - start;
+        QVERIFY(std::abs(way.dot(along) - width) < 5e-3f);
+        QVERIFY(std::abs((way - along * way.dot(along)).length() - width) < 5e-3f);
+    }
     const int others = RyRotationOrder((order + 2) % 6)[0];
     QVERIFY(others != first);
     QVERIFY(rings[1].color().isNear(rgbaFloats(others == 0, others == 1, others == 2, double(0.4f))));
@@ -138,8 +148,10 @@ void RyOtherLookTest::conesKeepTheirSizeOnScaledNodes()
             const RyVec3 place = rim / 10.0f;
             const double size = std::min(stage.worldSize(50, place), 6.0);
             QVERIFY(size < 5.9);
-            QVERIFY2(std::abs(double((fan.vertices[0] - base).length()) - size / 4) < 5e-3,
-                     qPrintable(QString::number(id)));
+            const RyMatrix4 frame = id < 44 ? RyHandleFrame::ofOrigin(*stage.lShin).toWorld()
+                                            : RyHandleFrame::ofEndPoint(*stage.lShin).toWorld();
+            const RyVec3 apex = frame.inverse().multVecMatrix(stage.world(fan, 0));
+            QVERIFY2(std::abs(double((apex - base).length()) - size / 4) < 5e-3, qPrintable(QString::number(id)));
         }
     }
     QCOMPARE(found, 6);

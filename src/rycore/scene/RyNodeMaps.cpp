@@ -80,20 +80,31 @@ void RyNodeMaps::invalidate(RyNode &node)
     }
 }
 
-RyMatrix4 RyNodeMaps::defaultTransform(const RyNode &node)
+RyNodeMaps::Default RyNodeMaps::Default::of(const RyNode *node)
 {
     std::vector<const RyNode *> chain;
-    const RyNode *above = &node;
-    for (; above && !qobject_cast<const RySkeleton *>(above); above = above->getNodeParent())
-        chain.push_back(above);
-    RyAffine map = above ? above->worldMap() : RyAffine();
-    RyQuat rotation = above ? above->getWSRot() : RyQuat();
-    for (; !chain.empty(); chain.pop_back()) {
-        const RyNode &each = *chain.back();
-        const RyVec3 origin = each.getOrigin(true);
-        const RyQuat orientation = each.getOrientation(true);
-        map = composed(each.m_pose.localMap(origin, orientation, true), map, rotation, each.inheritsScale(), origin);
-        rotation = (each.m_pose.localRotation(orientation, true) * rotation).normalized();
-    }
-    return (RyAffine::fromTranslation(node.getOrigin(true)) * map).toMatrix4();
+    for (; node && !qobject_cast<const RySkeleton *>(node); node = node->getNodeParent())
+        chain.push_back(node);
+    Default maps;
+    if (node)
+        maps = {node->worldMap(), node->getWSRot()};
+    for (; !chain.empty(); chain.pop_back())
+        maps = maps.below(*chain.back());
+    return maps;
+}
+
+RyNodeMaps::Default RyNodeMaps::Default::below(const RyNode &child) const
+{
+    if (qobject_cast<const RySkeleton *>(&child))
+        return {child.worldMap(), child.getWSRot()};
+    const RyVec3 origin = child.getOrigin(true);
+    const RyQuat orientation = child.getOrientation(true);
+    return {
+        composed(child.m_pose.localMap(origin, orientation, true), world, worldRotation, child.inheritsScale(), origin),
+        (child.m_pose.localRotation(orientation, true) * worldRotation).normalized()};
+}
+
+RyMatrix4 RyNodeMaps::Default::transform(const RyNode &node) const
+{
+    return (RyAffine::fromTranslation(node.getOrigin(true)) * world).toMatrix4();
 }

@@ -25,8 +25,19 @@ public:
     static void update(const RyNode &node);
     /// Those of the node and of all below it.
     static void invalidate(RyNode &node);
-    /// From `p - origin` (figure axes, default origin) to the world, with defaults from the node up to its skeleton.
-    static RyMatrix4 defaultTransform(const RyNode &node);
+    /// The maps of a node with defaults from it up to its skeleton, whose own place is kept.
+    struct Default
+    {
+        RyAffine world;
+        RyQuat worldRotation;
+
+        /// By a walk up the tree; those of the world for null.
+        static Default of(const RyNode *node);
+        /// Of a child, by one step down.
+        Default below(const RyNode &child) const;
+        /// From `p - origin` (figure axes, default origin) to the world, for the node that the maps are of.
+        RyMatrix4 transform(const RyNode &node) const;
+    };
 
 private:
     void follow(const RyNode &node);

@@ -208,7 +208,7 @@ void RyNode::getWSTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale
 
 RyMatrix4 RyNode::getWSTransform(const RyTime &, bool defaultPose) const
 {
-    return defaultPose ? RyNodeMaps::defaultTransform(*this) : getWSTransform();
+    return defaultPose ? RyNodeMaps::Default::of(this).transform(*this) : getWSTransform();
 }
 
 RyVec3 RyNode::getWSPos() const

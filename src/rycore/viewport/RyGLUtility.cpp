@@ -4,22 +4,46 @@
 
 #include "rycore/math/RyFastMath.h"
 #include "rycore/viewport/RyViewMatrices.h"
+#include "rycore/viewport/RyViewVolume.h"
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
 float s_devicePixelRatio = 1.0f;
 
-/// Point of the unit sphere: `stack` from pole to pole, `slice` around.
-RyVec3 spherePoint(int stack, int stacks, int slice, int slices)
+/// Points of the unit sphere, by stacks from pole to pole and slices around.
+class UnitSphere
 {
-    const double polar = RyFastMath::Pi * stack / stacks;
-    const double around = 2.0 * RyFastMath::Pi * slice / slices;
-    return {float(std::sin(polar) * std::cos(around)), float(std::cos(polar)),
-            float(std::sin(polar) * std::sin(around))};
-}
+public:
+    UnitSphere(int stacks, int slices)
+        : m_polar(divided(RyFastMath::Pi, stacks)), m_around(divided(2.0 * RyFastMath::Pi, slices))
+    {}
+    RyVec3 point(int stack, int slice) const
+    {
+        const Turn &polar = m_polar[size_t(stack)];
+        const Turn &around = m_around[size_t(slice)];
+        return {float(polar.sine * around.cosine), float(polar.cosine), float(polar.sine * around.sine)};
+    }
+
+private:
+    struct Turn
+    {
+        double sine, cosine;
+    };
+    static std::vector<Turn> divided(double angle, int parts)
+    {
+        std::vector<Turn> turns;
+        for (int i = 0; i <= parts; ++i)
+            turns.push_back({std::sin(angle * i / parts), std::cos(angle * i / parts)});
+        return turns;
+    }
+
+    std::vector<Turn> m_polar;
+    std::vector<Turn> m_around;
+};
 
 void sphereVertex(const RyVec3 &unit, float radius, float normalSign)
 {
@@ -64,12 +88,13 @@ void RyGLUtility::drawSphere(int density, float radius, bool inside, bool solid)
     const int slices = std::max(density, 3);
     const int stacks = std::max(density / 2, 2);
     const float sign = inside ? -1.0f : 1.0f;
+    const UnitSphere sphere(stacks, slices);
     if (solid) {
         for (int stack = 0; stack < stacks; ++stack) {
             glBegin(GL_TRIANGLE_STRIP);
             for (int slice = 0; slice <= slices; ++slice) {
-                sphereVertex(spherePoint(inside ? stack + 1 : stack, stacks, slice, slices), radius, sign);
-                sphereVertex(spherePoint(inside ? stack : stack + 1, stacks, slice, slices), radius, sign);
+                sphereVertex(sphere.point(inside ? stack + 1 : stack, slice), radius, sign);
+                sphereVertex(sphere.point(inside ? stack : stack + 1, slice), radius, sign);
             }
             glEnd();
         }
@@ -78,29 +103,20 @@ void RyGLUtility::drawSphere(int density, float radius, bool inside, bool solid)
     for (int stack = 1; stack < stacks; ++stack) {
         glBegin(GL_LINE_LOOP);
         for (int slice = 0; slice < slices; ++slice)
-            sphereVertex(spherePoint(stack, stacks, slice, slices), radius, sign);
+            sphereVertex(sphere.point(stack, slice), radius, sign);
         glEnd();
     }
     for (int slice = 0; slice < slices; ++slice) {
         glBegin(GL_LINE_STRIP);
         for (int stack = 0; stack <= stacks; ++stack)
-            sphereVertex(spherePoint(stack, stacks, slice, slices), radius, sign);
+            sphereVertex(sphere.point(stack, slice), radius, sign);
         glEnd();
     }
 }
 
 float RyGLUtility::displayToPerspectiveSize(float pixels, const RyVec3 &position)
 {
-    float m[16];
-    float p[16];
-    GLint viewport[4];
-    glGetFloatv(GL_MODELVIEW_MATRIX, m);
-    glGetFloatv(GL_PROJECTION_MATRIX, p);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const double eyeZ = double(position.x) * m[2] + double(position.y) * m[6] + double(position.z) * m[10] + m[14];
-    const double w = p[11] != 0.0f ? std::max(std::abs(eyeZ * p[11] + p[15]), 1e-6) : 1.0;
-    const double perPixel = 2.0 * w / (std::max(double(std::abs(p[5])), 1e-12) * std::max(viewport[3], 1));
-    return RyFastMath::toFloat(perPixel * pixels * s_devicePixelRatio);
+    return RyViewVolume::ofContext().lengthOf(pixels, position);
 }
 
 void RyGLUtility::setDevicePixelRatio(float ratio)

@@ -4,159 +4,190 @@
 #include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 
+#include "rycore/math/RyFastMath.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/scene/RySkeleton.h"
-#include "rycore/viewport/RyGLUtility.h"
 
 #include <GL/gl.h>
+
+#include <array>
 
 static constexpr int ringSegments = 30;
 static constexpr float bodyAlpha = 0.2f;
 static constexpr float currentOutlineAlpha = 1.0f;
 static constexpr float outlineAlpha = 0.4f;
+static constexpr float linkAlpha = 0.4f;
+static constexpr float bodyGrey = 0.1f;
 static constexpr int axisColored = 1;
 
-void RyBoneDrawing::drawIfBone(RyNode *node) const
+namespace {
+
+struct Waist
 {
-    if (const RyBone *bone = qobject_cast<RyBone *>(node))
-        drawBone(*bone);
+    explicit Waist(const RyBoneFrame &frame)
+    {
+        const RyVec3 middle = frame.waistMiddle();
+        corners = {middle + frame.sides[0], middle + frame.sides[1], middle - frame.sides[0], middle - frame.sides[1]};
+    }
+    std::array<RyVec3, 4> corners;
+};
+
+struct CirclePoint
+{
+    float sine, cosine;
+};
+
+std::array<CirclePoint, ringSegments> makeCircle()
+{
+    std::array<CirclePoint, ringSegments> points{};
+    for (size_t i = 0; i < points.size(); ++i) {
+        const double angle = 2.0 * RyFastMath::Pi * double(i) / ringSegments;
+        points[i] = {float(std::sin(angle)), float(std::cos(angle))};
+    }
+    return points;
 }
 
-void RyBoneDrawing::drawFamily(RyNode *node) const
-{
-    if (!qobject_cast<RyBone *>(node))
-        return;
-    drawIfBone(node);
-    drawIfBone(node->getNodeParent());
-    for (int i = 0; i < node->getNumNodeChildren(); ++i)
-        drawIfBone(node->getNodeChild(i));
-}
+} // namespace
 
-void RyBoneDrawing::drawBranches(const RyNode *node) const
+RyBoneDrawing::RyBoneDrawing(const RyDrawContext &context) : m_context(context)
 {
-    if (!node)
-        return;
-    for (int i = 0; i < node->getNumNodeChildren(); ++i) {
-        if (const RyBone *bone = qobject_cast<RyBone *>(node->getNodeChild(i))) {
-            drawBone(*bone);
-            drawBranches(bone);
-        }
+    for (int axis = 0; axis < 3; ++axis) {
+        const bool colored = context.display.boneColoringStyle == axisColored;
+        m_axisColors[axis] = colorOf(colored ? axisColor(axis) : QColor(Qt::white));
     }
 }
 
-void RyBoneDrawing::drawBone(const RyBone &bone) const
+RyBoneDrawing::Color RyBoneDrawing::colorOf(const QColor &color)
 {
-    if (!bone.isVisible())
-        return;
-    const RyVec3 origin = bone.getOrigin();
-    const RyVec3 endPoint = bone.getEndPoint();
-    const int first = bone.getRotationOrder()[0];
-    // Which way along its first axis a bone goes is asked in its own axes: joints of files turn them anywhere. For a
-    // bone that is aligned or not turned this is the order of the two coordinates.
-    const RyVec3 along = bone.getOrientation().inverse().multVec(endPoint - origin);
-    const float sign = along[first] < 0.0f ? -1.0f : 1.0f;
+    return {float(color.redF()), float(color.greenF()), float(color.blueF())};
+}
 
+void RyBoneDrawing::setColor(const Color &color, float alpha)
+{
+    glColor4f(color.red, color.green, color.blue, alpha);
+}
+
+bool RyBoneDrawing::isSeen(const RyBoneFrame &frame) const
+{
+    const RyVec3 half = frame.along * 0.5f;
+    return m_context.volume.reaches(frame.origin + half, {half, frame.sides[0], frame.sides[1]});
+}
+
+void RyBoneDrawing::draw(const RyBoneFrames &frames) const
+{
+    if (frames.entries().empty() || (m_context.pickPass && m_context.bones.count() == 0))
+        return;
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
-
-    glPushMatrix();
-    glMultMatrixf((RyMatrix4(bone.getOrientation()) * bone.getWSTransform()).data());
-    drawShape(bone, sign * (endPoint - origin).length(), Look::Bone);
-    glPopMatrix();
-
-    if (!m_context.pickPass) {
-        if (m_context.display.ghostBones) {
-            const float restLength = (bone.getEndPoint(true) - bone.getOrigin(true)).length();
-            glPushMatrix();
-            glMultMatrixf(
-                (RyMatrix4(bone.getOrientation(true)) * bone.getWSTransform(ryScene()->getTime(), true)).data());
-            drawShape(bone, sign * restLength, Look::Ghost);
-            glPopMatrix();
-        }
+    if (m_context.pickPass) {
+        drawCodes(frames);
+    } else {
+        drawShapes(frames);
         if (m_context.display.showBoneHierarchy)
-            drawParentLink(bone);
+            drawLinks(frames);
     }
     glPopAttrib();
 }
 
-void RyBoneDrawing::drawShape(const RyBone &bone, float length, Look look) const
+void RyBoneDrawing::drawCodes(const RyBoneFrames &frames) const
 {
-    const bool isCurrent = &bone == m_context.currentNode;
-    int axes[3];
-    bone.getRotationOrder().getAxisOrder(axes[0], axes[1], axes[2]);
-    const float width = length / 10.0f;
-    const RyVec3 tip = RyVec3::axis(axes[0]) * length;
-    const RyVec3 middle = RyVec3::axis(axes[0]) * width;
-    const RyVec3 sideQ = RyVec3::axis(axes[1]) * width;
-    const RyVec3 sideR = RyVec3::axis(axes[2]) * width;
-    const RyVec3 waist[4] = {middle + sideQ, middle + sideR, middle - sideQ, middle - sideR};
-
-    if (m_context.pickPass) {
-        const int index = m_context.bones.find(&bone);
+    for (const RyBoneFrames::Entry &entry : frames.entries()) {
+        if (!isSeen(entry.frame))
+            continue;
+        const int index = m_context.bones.find(entry.bone);
         if (index < 0)
-            return;
+            continue;
         setPickColor(HandleId::fromBoneIndex(index));
-        drawBody(tip, waist);
-        return;
+        drawBody(entry.frame);
     }
+}
+
+void RyBoneDrawing::drawShapes(const RyBoneFrames &frames) const
+{
+    const Color current = colorOf(m_context.display.selectedColor);
+    const Color other{bodyGrey, bodyGrey, bodyGrey};
+    const Color ghost = colorOf(m_context.display.staticColor);
     glColor3ub(255, 255, 255);
-    if (look == Look::Ghost)
-        setColor(m_context.display.staticColor, bodyAlpha);
-    else if (isCurrent)
-        setColor(m_context.display.selectedColor, bodyAlpha);
-    else
-        glColor4f(0.1f, 0.1f, 0.1f, bodyAlpha);
-    drawBody(tip, waist);
-    drawOutline(tip, waist, axes, width, isCurrent ? currentOutlineAlpha : outlineAlpha);
-}
-
-void RyBoneDrawing::drawBody(const RyVec3 &tip, const RyVec3 (&waist)[4]) const
-{
-    glBegin(GL_TRIANGLES);
-    for (int i = 0; i < 4; ++i) {
-        const RyVec3 &next = waist[(i + 1) % 4];
-        putVertex(RyVec3());
-        putVertex(next);
-        putVertex(waist[i]);
-        putVertex(tip);
-        putVertex(waist[i]);
-        putVertex(next);
+    for (size_t i = 0; i < frames.entries().size(); ++i) {
+        const RyBoneFrames::Entry &entry = frames.entries()[i];
+        const bool isCurrent = entry.bone == m_context.currentNode;
+        const float alpha = isCurrent ? currentOutlineAlpha : outlineAlpha;
+        drawShape(entry.frame, isCurrent ? current : other, alpha);
+        if (!frames.ghosts().empty())
+            drawShape(frames.ghosts()[i], ghost, alpha);
     }
-    glEnd();
 }
 
-void RyBoneDrawing::drawOutline(const RyVec3 &tip, const RyVec3 (&waist)[4], const int (&axes)[3], float width,
-                                float alpha) const
+void RyBoneDrawing::drawShape(const RyBoneFrame &frame, const Color &bodyColor, float alpha) const
 {
-    const bool colored = m_context.display.boneColoringStyle == axisColored;
-    const auto lineColor = [colored](int axis) { return colored ? axisColor(axis) : QColor(Qt::white); };
-    glBegin(GL_LINES);
-    for (int i = 0; i < 4; ++i) {
-        setColor(lineColor(axes[i % 2 == 0 ? 1 : 2]), alpha);
-        putVertex(RyVec3());
-        putVertex(waist[i]);
-        putVertex(waist[i]);
-        putVertex(tip);
-    }
-    glEnd();
-    setColor(lineColor(axes[0]), alpha);
-    RyGLUtility::drawCircle(ringSegments, width, axes[0], false, width);
-}
-
-void RyBoneDrawing::drawParentLink(const RyBone &bone) const
-{
-    const RyNode *parent = bone.getNodeParent();
-    if (!parent || parent == bone.getSkeleton())
+    if (!isSeen(frame))
         return;
+    setColor(bodyColor, bodyAlpha);
+    drawBody(frame);
+    drawOutline(frame, alpha);
+    drawRing(frame, alpha);
+}
+
+void RyBoneDrawing::drawBody(const RyBoneFrame &frame) const
+{
+    const Waist waist(frame);
+    const RyVec3 tip = frame.tip();
+    glBegin(GL_TRIANGLES);
+    for (size_t i = 0; i < 4; ++i) {
+        const RyVec3 &corner = waist.corners[i];
+        const RyVec3 &next = waist.corners[(i + 1) % 4];
+        putVertex(frame.origin);
+        putVertex(next);
+        putVertex(corner);
+        putVertex(tip);
+        putVertex(corner);
+        putVertex(next);
+    }
+    glEnd();
+}
+
+void RyBoneDrawing::drawOutline(const RyBoneFrame &frame, float alpha) const
+{
+    const Waist waist(frame);
+    const RyVec3 tip = frame.tip();
+    glBegin(GL_LINES);
+    for (size_t i = 0; i < 4; ++i) {
+        setColor(m_axisColors[frame.axes[i % 2 == 0 ? 1 : 2]], alpha);
+        putVertex(frame.origin);
+        putVertex(waist.corners[i]);
+        putVertex(waist.corners[i]);
+        putVertex(tip);
+    }
+    glEnd();
+}
+
+void RyBoneDrawing::drawRing(const RyBoneFrame &frame, float alpha) const
+{
+    static const std::array<CirclePoint, ringSegments> circle = makeCircle();
+    const bool inOrder = frame.axes[1] == (frame.axes[0] + 1) % 3;
+    const RyVec3 &first = frame.sides[inOrder ? 0 : 1];
+    const RyVec3 &second = frame.sides[inOrder ? 1 : 0];
+    const RyVec3 middle = frame.waistMiddle();
+    setColor(m_axisColors[frame.axes[0]], alpha);
+    glBegin(GL_LINE_LOOP);
+    for (const CirclePoint &point : circle)
+        putVertex(middle + first * point.cosine + second * point.sine);
+    glEnd();
+}
+
+void RyBoneDrawing::drawLinks(const RyBoneFrames &frames) const
+{
     glPushAttrib(GL_LINE_BIT);
     glLineStipple(3, 0xAAAA);
     glEnable(GL_LINE_STIPPLE);
-    glColor4f(1.0f, 1.0f, 1.0f, 0.4f);
+    glColor4f(1.0f, 1.0f, 1.0f, linkAlpha);
     glBegin(GL_LINES);
-    putVertex(bone.getWSPos());
-    putVertex(parent->getWSEndPoint());
+    for (const RyBoneFrames::Entry &entry : frames.entries()) {
+        if (!entry.hasLink || !m_context.volume.reachesLine(entry.frame.origin, entry.parentTip))
+            continue;
+        putVertex(entry.frame.origin);
+        putVertex(entry.parentTip);
+    }
     glEnd();
     glDisable(GL_LINE_STIPPLE);
     glPopAttrib();

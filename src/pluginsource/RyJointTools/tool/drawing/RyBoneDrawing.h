@@ -1,33 +1,34 @@
 #pragma once
 
 #include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
+#include "pluginsource/RyJointTools/tool/handles/RyBoneFrames.h"
 
-#include "rycore/math/RyVec3.h"
-
-class RyBone;
-
-/// Draws bones as octahedra along the first axis of their rotation order, as long as they are; for an aligned bone the
-/// tip is the posed end point. With ghosts each bone is drawn at its default place too, and dashed lines join bones to
-/// the tips of their parents.
+/// Draws bones as octahedra with an outline and a ring. With ghosts each bone is drawn at its default place too, and
+/// dashed lines join bones to the tips of their parents. State is set once for all of them.
 class RyBoneDrawing
 {
 public:
-    explicit RyBoneDrawing(const RyDrawContext &context) : m_context(context) {}
+    explicit RyBoneDrawing(const RyDrawContext &context);
 
-    /// The bone, its parent and its children, as far as they are bones; nothing when the node is none.
-    void drawFamily(RyNode *node) const;
-    /// All bones that hang below the node through bones only, depth first.
-    void drawBranches(const RyNode *node) const;
-    void drawIfBone(RyNode *node) const;
-    /// Nothing for a hidden bone.
-    void drawBone(const RyBone &bone) const;
+    void draw(const RyBoneFrames &frames) const;
 
 private:
-    enum class Look { Bone, Ghost };
-    void drawShape(const RyBone &bone, float length, Look look) const;
-    void drawBody(const RyVec3 &tip, const RyVec3 (&waist)[4]) const;
-    void drawOutline(const RyVec3 &tip, const RyVec3 (&waist)[4], const int (&axes)[3], float width, float alpha) const;
-    void drawParentLink(const RyBone &bone) const;
+    struct Color
+    {
+        float red, green, blue;
+    };
+    static Color colorOf(const QColor &color);
+    static void setColor(const Color &color, float alpha);
+
+    bool isSeen(const RyBoneFrame &frame) const;
+    void drawCodes(const RyBoneFrames &frames) const;
+    void drawShapes(const RyBoneFrames &frames) const;
+    void drawShape(const RyBoneFrame &frame, const Color &bodyColor, float outlineAlpha) const;
+    void drawBody(const RyBoneFrame &frame) const;
+    void drawOutline(const RyBoneFrame &frame, float alpha) const;
+    void drawRing(const RyBoneFrame &frame, float alpha) const;
+    void drawLinks(const RyBoneFrames &frames) const;
 
     const RyDrawContext &m_context;
+    Color m_axisColors[3]; // of outlines and rings
 };

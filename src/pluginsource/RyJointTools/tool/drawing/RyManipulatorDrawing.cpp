@@ -6,6 +6,7 @@
 #include "pluginsource/RyJointTools/tool/handles/RyHandleFrame.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
 
+#include "rycore/math/RyMatrix4.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/viewport/RyGLUtility.h"
 
@@ -16,72 +17,85 @@
 static constexpr float handleLength = 5.0f;
 static constexpr float ballPixels = 40.0f;
 static constexpr float maxBallRadius = 1.5f;
+/// No handle goes farther from its anchor along an axis: an arrow with the longest cone.
+static constexpr float reach = handleLength + 1.5f;
 
 void RyManipulatorDrawing::draw(const RyNode &node) const
 {
     if (!node.getOriginXControl())
+        return;
+    const RyMatrix4 origin = RyHandleFrame::ofOrigin(node).toWorld();
+    const RyMatrix4 endPoint = RyHandleFrame::ofEndPoint(node).toWorld();
+    const bool isOriginSeen = isSeen(origin);
+    const bool isEndPointSeen = isSeen(endPoint);
+    if (!isOriginSeen && !isEndPointSeen)
         return;
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_LINE_BIT);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
     if (m_context.pickPass)
         capLineWidth();
-    drawPoint(RyHandle::Origin, RyHandleFrame::ofOrigin(node).toWorld());
-    drawPoint(RyHandle::EndPoint, RyHandleFrame::ofEndPoint(node).toWorld());
+    if (isOriginSeen)
+        drawPoint(RyHandle::Origin, origin);
+    if (isEndPointSeen)
+        drawPoint(RyHandle::EndPoint, endPoint);
     glPopAttrib();
 }
 
-RyManipulatorDrawing::Sizes RyManipulatorDrawing::measure(const RyMatrix4 &toWorld) const
+bool RyManipulatorDrawing::isSeen(const RyMatrix4 &toWorld) const
 {
-    Sizes sizes;
-    const RyVec3 anchor = toWorld.translation();
-    sizes.ballRadius = std::min(RyGLUtility::displayToPerspectiveSize(ballPixels, anchor) / 12.0f, maxBallRadius);
+    RyVec3 arms[3];
     for (int axis = 0; axis < 3; ++axis)
-        sizes.cones[axis] = coneSizeAt(toWorld.multVecMatrix(RyVec3::axis(axis) * handleLength));
-    return sizes;
+        arms[axis] = toWorld.multDirMatrix(RyVec3::axis(axis) * reach);
+    return m_context.volume.reaches(toWorld.translation(), arms);
 }
 
 void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const
 {
-    // Measured while the modelview matrix is that of the world.
-    const Sizes sizes = measure(toWorld);
     const QColor &color = m_context.display.dynamicColor;
-    glPushMatrix();
-    glMultMatrixf(toWorld.data());
     if (m_context.display.showManipulators) {
         for (const RyHandle &handle : RyHandleTable::handles()) {
             if (handle.target == target && handle.kind == RyHandle::AxisArrow) {
                 setHandleColor(m_context, handle.id, color);
-                drawArrow(handle.axis, sizes.cones[handle.axis]);
+                drawArrow(toWorld, handle.axis);
             }
         }
     }
     for (const RyHandle &handle : RyHandleTable::handles()) {
         if (handle.target == target && handle.kind == RyHandle::Point) {
             setHandleColor(m_context, handle.id, color);
-            drawCrosshair();
-            RyGLUtility::drawSphere(std::max(m_context.display.sphereLineDensity, 1), sizes.ballRadius, false, true);
+            drawCrosshair(toWorld);
+            drawBall(toWorld);
         }
     }
-    glPopMatrix();
 }
 
-void RyManipulatorDrawing::drawArrow(int axis, float coneSize) const
+void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, int axis) const
 {
     const RyVec3 tip = RyVec3::axis(axis) * handleLength;
+    const RyVec3 worldTip = toWorld.multVecMatrix(tip);
     glBegin(GL_LINES);
-    putVertex(RyVec3());
-    putVertex(tip);
+    putVertex(toWorld.translation());
+    putVertex(worldTip);
     glEnd();
-    drawCone(tip, axis, coneSize);
+    drawCone(toWorld, tip, axis, coneSizeAt(m_context.volume, worldTip));
 }
 
-void RyManipulatorDrawing::drawCrosshair() const
+void RyManipulatorDrawing::drawCrosshair(const RyMatrix4 &toWorld) const
 {
     glBegin(GL_LINES);
     for (int axis = 0; axis < 3; ++axis) {
-        putVertex(RyVec3::axis(axis) * -handleLength);
-        putVertex(RyVec3::axis(axis) * handleLength);
+        putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * -handleLength));
+        putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * handleLength));
     }
     glEnd();
+}
+
+void RyManipulatorDrawing::drawBall(const RyMatrix4 &toWorld) const
+{
+    const float radius = std::min(m_context.volume.lengthOf(ballPixels, toWorld.translation()) / 12.0f, maxBallRadius);
+    glPushMatrix();
+    glMultMatrixf(toWorld.data());
+    RyGLUtility::drawSphere(std::max(m_context.display.sphereLineDensity, 1), radius, false, true);
+    glPopMatrix();
 }

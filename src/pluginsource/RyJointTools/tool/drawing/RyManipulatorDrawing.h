@@ -16,16 +16,11 @@ public:
     void draw(const RyNode &node) const;
 
 private:
-    /// What keeps its size on screen, measured where the handles stand.
-    struct Sizes
-    {
-        float ballRadius;
-        float cones[3];
-    };
-    Sizes measure(const RyMatrix4 &toWorld) const;
+    bool isSeen(const RyMatrix4 &toWorld) const;
     void drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const;
-    void drawArrow(int axis, float coneSize) const;
-    void drawCrosshair() const;
+    void drawArrow(const RyMatrix4 &toWorld, int axis) const;
+    void drawCrosshair(const RyMatrix4 &toWorld) const;
+    void drawBall(const RyMatrix4 &toWorld) const;
 
     const RyDrawContext &m_context;
 };

@@ -4,23 +4,38 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
 
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyViewportMgr.h"
 
-static void drawBones(const RyDrawContext &context, RyNode &node)
+static RyBoneFrames makeFrames(const RyNode &node, const RyJointToolDisplay &display)
 {
-    const RyBoneDrawing drawing(context);
-    switch (context.display.boneDrawMode) {
+    RyBoneFrames frames(display.ghostBones);
+    switch (display.boneDrawMode) {
     case RyJointToolDisplay::SelectedBone:
-        drawing.drawIfBone(&node);
+        frames.addIfBone(&node);
         break;
     case RyJointToolDisplay::SelectedBoneAndFamily:
-        drawing.drawFamily(&node);
+        frames.addFamily(&node);
         break;
     case RyJointToolDisplay::EntireFigure:
-        drawing.drawBranches(node.getSkeleton());
+        frames.addBranches(node.getSkeleton());
         break;
     default:
         break;
     }
+    return frames;
+}
+
+const RyBoneFrames &RyToolDrawing::framesFor(const RyNode &node, const RyDrawContext &context)
+{
+    const RyViewportMgr *manager = context.viewport ? context.viewport->getViewportMgr() : nullptr;
+    const FramesKey key{&node, context.display.boneDrawMode, context.display.ghostBones,
+                        manager ? manager->sceneRevision() : 0};
+    if (!manager || m_framesKey != key) {
+        m_frames = makeFrames(node, context.display);
+        m_framesKey = key;
+    }
+    return m_frames;
 }
 
 void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, RyNode &node, const RyJointToolDisplay &display,
@@ -29,7 +44,7 @@ void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, RyNode &node, co
     if (pickPass)
         m_bones.refill(node.getSkeleton());
     const RyDrawContext context{pickPass, hoveredId, display, &node, m_bones, viewport};
-    drawBones(context, node);
+    RyBoneDrawing(context).draw(framesFor(node, context));
     RyManipulatorDrawing(context).draw(node);
     if (display.drawMeshBoundaries)
         RyBoundaryDrawing(context, m_boundaryEdges).draw(node);

@@ -1,14 +1,17 @@
 #pragma once
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
+#include "pluginsource/RyJointTools/tool/handles/RyBoneFrames.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
+
+#include <optional>
 
 class Ry3DViewport;
 class RyNode;
 struct RyJointToolDisplay;
 
 /// All that the tool draws over the scene for its current node, and what is kept of it: the bones that have ids since
-/// the last pick pass, and where the mesh ends.
+/// the last pick pass, where bones stand as long as the scene stays as it is, and where the mesh ends.
 class RyToolDrawing
 {
 public:
@@ -16,6 +19,19 @@ public:
     const RyBoneIndex &bones() const { return m_bones; }
 
 private:
+    /// What frames of bones were made for.
+    struct FramesKey
+    {
+        const RyNode *node;
+        int boneDrawMode;
+        bool withGhosts;
+        quint64 sceneRevision;
+        bool operator==(const FramesKey &) const = default;
+    };
+    const RyBoneFrames &framesFor(const RyNode &node, const RyDrawContext &context);
+
     RyBoneIndex m_bones;
+    RyBoneFrames m_frames;
+    std::optional<FramesKey> m_framesKey;
     RyBoundaryEdges m_boundaryEdges;
 };

@@ -15,19 +15,17 @@ void RyBoneIndex::refill(const RySkeleton *skeleton)
         return;
     m_bones.swap(m_refilled);
     m_places.clear();
-    m_places.reserve(m_bones.size());
-    for (const RyBone *bone : m_bones)
-        m_places.emplace_back(bone, int(m_places.size()));
-    std::sort(m_places.begin(), m_places.end(),
-              [](const auto &a, const auto &b) { return std::less<const RyNode *>()(a.first, b.first); });
 }
 
 int RyBoneIndex::find(const RyNode *node) const
 {
-    const auto found =
-        std::lower_bound(m_places.begin(), m_places.end(), node, [](const auto &place, const RyNode *value) {
-            return std::less<const RyNode *>()(place.first, value);
-        });
+    const auto isBefore = [](const auto &a, const auto &b) { return std::less<const RyNode *>()(a.first, b.first); };
+    if (m_places.empty()) {
+        for (const RyBone *bone : m_bones)
+            m_places.emplace_back(bone, int(m_places.size()));
+        std::sort(m_places.begin(), m_places.end(), isBefore);
+    }
+    const auto found = std::lower_bound(m_places.begin(), m_places.end(), std::pair(node, 0), isBefore);
     return found != m_places.end() && found->first == node ? found->second : -1;
 }
 

@@ -22,6 +22,6 @@ public:
 
 private:
     std::vector<RyBone *> m_bones;
-    std::vector<RyBone *> m_refilled;                     // kept for its memory
-    std::vector<std::pair<const RyNode *, int>> m_places; // sorted by address
+    std::vector<RyBone *> m_refilled;                             // kept for its memory
+    mutable std::vector<std::pair<const RyNode *, int>> m_places; // sorted by address; empty until one is asked for
 };
