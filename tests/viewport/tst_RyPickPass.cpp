@@ -115,8 +115,11 @@ private slots:
         QTest::newRow("one that a handle has") << 211 << 210 << 0 << 3;
         QTest::newRow("a handle's that one bone has") << 240 << -1 << 30 << 3;
         QTest::newRow("a handle's that no bone has") << 230 << -1 << 44 << 1;
-        QTest::newRow("one that handle and bones have") << 1000 << 978 << 0 << 4;
-        QTest::newRow("a handle's that bones have") << 1000 << -1 << 1 << 4;
+        QTest::newRow("one that a handle and bones have") << 1000 << 978 << 0 << 3;
+        QTest::newRow("a handle's that bones have") << 1000 << -1 << 1 << 3;
+        QTest::newRow("a handle's that a bone has twice") << 512 << -1 << 46 << 4;
+        QTest::newRow("one that the bone has twice") << 512 << 511 << 0 << 4;
+        QTest::newRow("one that bones have once, and a handle") << 512 << 510 << 0 << 3;
     }
 
     /// As few as the codes in the tile allow.

@@ -82,36 +82,37 @@ void RyPickPass::resolve(const View &view, int boneCount, std::vector<int> &code
         if (code != noCode)
             isSeen[size_t(code)] = true;
     }
-    bool needsHandles = false;
-    bool needsColumns = false;
+    bool isAmbiguous = false;
+    bool isHandleAmbiguous = false; // in both orders
     for (int code = 0; code < 256; ++code) {
         const int bones = isSeen[size_t(code)] ? RyBoneListOrder::columnLength(columnOf(code), boneCount) : 0;
-        needsHandles = needsHandles || (bones > 0 && isHandle(code));
-        needsColumns = needsColumns || bones > 1;
+        isAmbiguous = isAmbiguous || bones + isHandle(code) > 1;
+        isHandleAmbiguous = isHandleAmbiguous || (bones > 0 && isHandle(code) && findBone(code, code, boneCount) >= 0);
     }
-    std::vector<int> handles(codes.size(), noCode);
     std::vector<int> otherCodes = codes;
-    if (needsHandles) {
-        const RyBoneListOrder order(RyBoneListOrder::Nothing);
-        handles = drawnCodes(view);
-    }
-    if (needsColumns) {
+    std::vector<int> handles;
+    if (isAmbiguous && boneCount > RyBoneListOrder::ColumnCount) {
         const RyBoneListOrder order(RyBoneListOrder::Columns);
         otherCodes = drawnCodes(view);
     }
-    if (needsHandles || needsColumns) {
+    if (isHandleAmbiguous) {
+        const RyBoneListOrder order(RyBoneListOrder::Nothing);
+        handles = drawnCodes(view);
+    }
+    if (isAmbiguous) {
         // The tool's own list is to be that of the tree again, which no pixel is needed for.
         glScissor(0, 0, 0, 0);
         draw(view);
     }
     for (size_t i = 0; i < codes.size(); ++i) {
-        const int code = codes[i];
-        if (isHandle(handles[i])) {
-            codes[i] = handles[i];
-        } else if (code != noCode && RyBoneListOrder::columnLength(columnOf(code), boneCount) > 0) {
-            const int bone = needsColumns ? findBone(code, otherCodes[i], boneCount) : columnOf(code);
-            codes[i] = bone < 0 ? noCode : bone + FirstBoneId;
-        }
+        if (codes[i] == noCode)
+            continue;
+        const bool keepsCode = isHandle(codes[i]) && codes[i] == otherCodes[i];
+        const bool isDrawnHandle = keepsCode && (handles.empty() || handles[i] == codes[i]);
+        if (isDrawnHandle)
+            continue;
+        const int bone = isAmbiguous ? findBone(codes[i], otherCodes[i], boneCount) : columnOf(codes[i]);
+        codes[i] = bone < 0 ? noCode : bone + FirstBoneId;
     }
 }
 

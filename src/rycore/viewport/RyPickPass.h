@@ -14,9 +14,10 @@ class RyViewTool;
 /// Draws a tool in its colour code into a small picture of its own and decodes the ids.
 ///
 /// The code has eight bits. Where the skeleton that the tool asks for its bones has more of them than that holds, and
-/// only if the first picture shows a code that more than one thing can have, the tool is drawn again: once without
-/// bones, which leaves the handles, and once with the list of bones in another order. The two codes of a bone, one by
-/// each order, tell it from all others, since a tool draws its bones in one sequence whatever their places in the list.
+/// only if the first picture shows a code that more than one thing can have, the tool is drawn again with the list of
+/// bones in another order. A tool draws its bones in one sequence whatever their places in the list, and its handles
+/// over them: the two codes of a bone tell it from all others, those of a handle are the same. Where a bone too has
+/// the code of a handle in both orders, one more picture without bones tells which it is.
 class RyPickPass
 {
 public:

@@ -79,6 +79,7 @@ void RyBoneDrawing::draw(const RyBoneFrames &frames) const
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
+    glShadeModel(GL_FLAT); // each triangle and line has one colour
     if (m_context.pickPass) {
         drawCodes(frames);
     } else {
