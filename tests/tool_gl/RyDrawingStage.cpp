@@ -68,9 +68,9 @@ std::vector<RyGLRecorder::Primitive> RyDrawingStage::bodies(const RyGLRecorder &
 QVector<float> RyDrawingStage::glState()
 {
     QVector<float> values;
-    for (GLenum name :
-         {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH, GL_POINT_SIZE,
-          GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK, GL_MATRIX_MODE, GL_SHADE_MODEL}) {
+    for (GLenum name : {GL_MODELVIEW_STACK_DEPTH, GL_PROJECTION_STACK_DEPTH, GL_ATTRIB_STACK_DEPTH, GL_LINE_WIDTH,
+                        GL_POINT_SIZE, GL_LINE_STIPPLE_PATTERN, GL_LINE_STIPPLE_REPEAT, GL_DEPTH_FUNC,
+                        GL_DEPTH_WRITEMASK, GL_MATRIX_MODE, GL_SHADE_MODEL}) {
         float value = 0;
         glGetFloatv(name, &value);
         values.append(value);

@@ -23,6 +23,23 @@ void note(const char *name, Values... values)
         recorder->calls.push_back({name, QVector<double>{double(values)...}});
 }
 
+void noteOther(const char *name)
+{
+    if (recorder)
+        ++recorder->others[name];
+}
+
+/// What the recorder itself asks for is not counted.
+class Unrecorded
+{
+public:
+    Unrecorded() : m_recorder(recorder) { recorder = nullptr; }
+    ~Unrecorded() { recorder = m_recorder; }
+
+private:
+    RyGLRecorder *m_recorder;
+};
+
 } // namespace
 
 bool RyGLRecorder::Color::isNear(const Color &o) const
@@ -77,6 +94,14 @@ int RyGLRecorder::count(const char *function) const
     return found;
 }
 
+int RyGLRecorder::countOther() const
+{
+    int found = 0;
+    for (const auto &[name, number] : others)
+        found += number;
+    return found;
+}
+
 bool RyGLRecorder::contains(const char *function, const QVector<double> &arguments) const
 {
     for (const Call &call : calls) {
@@ -95,12 +120,15 @@ void glBegin(GLenum mode)
         RyGLRecorder::Primitive primitive;
         primitive.mode = mode;
         primitive.firstCall = int(recorder->calls.size()) - 1;
-        glGetFloatv(GL_MODELVIEW_MATRIX, primitive.modelview.data());
-        primitive.lighting = glIsEnabled(GL_LIGHTING);
-        primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
-        primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
-        glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
-        glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
+        {
+            const Unrecorded unrecorded;
+            glGetFloatv(GL_MODELVIEW_MATRIX, primitive.modelview.data());
+            primitive.lighting = glIsEnabled(GL_LIGHTING);
+            primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
+            primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
+            glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
+            glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
+        }
         recorder->primitives.push_back(primitive);
         insideBegin = true;
     }
@@ -205,6 +233,111 @@ void glPointSize(GLfloat size)
     note("glPointSize", size);
     static const auto forward = next<void(GLfloat)>("glPointSize");
     forward(size);
+}
+
+void glEnable(GLenum capability)
+{
+    noteOther("glEnable");
+    static const auto forward = next<void(GLenum)>("glEnable");
+    forward(capability);
+}
+
+void glDisable(GLenum capability)
+{
+    noteOther("glDisable");
+    static const auto forward = next<void(GLenum)>("glDisable");
+    forward(capability);
+}
+
+GLboolean glIsEnabled(GLenum capability)
+{
+    noteOther("glIsEnabled");
+    static const auto forward = next<GLboolean(GLenum)>("glIsEnabled");
+    return forward(capability);
+}
+
+void glShadeModel(GLenum mode)
+{
+    noteOther("glShadeModel");
+    static const auto forward = next<void(GLenum)>("glShadeModel");
+    forward(mode);
+}
+
+void glGetFloatv(GLenum name, GLfloat *values)
+{
+    noteOther("glGetFloatv");
+    static const auto forward = next<void(GLenum, GLfloat *)>("glGetFloatv");
+    forward(name, values);
+}
+
+void glGetIntegerv(GLenum name, GLint *values)
+{
+    noteOther("glGetIntegerv");
+    static const auto forward = next<void(GLenum, GLint *)>("glGetIntegerv");
+    forward(name, values);
+}
+
+void glMatrixMode(GLenum mode)
+{
+    noteOther("glMatrixMode");
+    static const auto forward = next<void(GLenum)>("glMatrixMode");
+    forward(mode);
+}
+
+void glLoadMatrixf(const GLfloat *matrix)
+{
+    noteOther("glLoadMatrixf");
+    static const auto forward = next<void(const GLfloat *)>("glLoadMatrixf");
+    forward(matrix);
+}
+
+void glViewport(GLint x, GLint y, GLsizei width, GLsizei height)
+{
+    noteOther("glViewport");
+    static const auto forward = next<void(GLint, GLint, GLsizei, GLsizei)>("glViewport");
+    forward(x, y, width, height);
+}
+
+void glScissor(GLint x, GLint y, GLsizei width, GLsizei height)
+{
+    noteOther("glScissor");
+    static const auto forward = next<void(GLint, GLint, GLsizei, GLsizei)>("glScissor");
+    forward(x, y, width, height);
+}
+
+void glClear(GLbitfield mask)
+{
+    noteOther("glClear");
+    static const auto forward = next<void(GLbitfield)>("glClear");
+    forward(mask);
+}
+
+void glDrawArrays(GLenum mode, GLint first, GLsizei count)
+{
+    noteOther("glDrawArrays");
+    static const auto forward = next<void(GLenum, GLint, GLsizei)>("glDrawArrays");
+    forward(mode, first, count);
+}
+
+void glDrawElements(GLenum mode, GLsizei count, GLenum type, const GLvoid *indices)
+{
+    noteOther("glDrawElements");
+    static const auto forward = next<void(GLenum, GLsizei, GLenum, const GLvoid *)>("glDrawElements");
+    forward(mode, count, type, indices);
+}
+
+void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, GLvoid *pixels)
+{
+    noteOther("glReadPixels");
+    static const auto forward = next<void(GLint, GLint, GLsizei, GLsizei, GLenum, GLenum, GLvoid *)>("glReadPixels");
+    forward(x, y, width, height, format, type, pixels);
+}
+
+void glBindFramebuffer(GLenum target, GLuint framebuffer)
+{
+    noteOther("glBindFramebuffer");
+    static const auto forward = next<void(GLenum, GLuint)>("glBindFramebuffer");
+    forward(target, framebuffer);
 }
 
 } // extern "C"

@@ -7,6 +7,7 @@
 
 #include <GL/gl.h>
 
+#include <map>
 #include <vector>
 
 /// Keeps the GL calls that are made while it lives, and passes them on. The program defines the GL functions itself, so
@@ -56,8 +57,12 @@ public:
     int count(const char *function) const;
     bool contains(const char *function, const QVector<double> &arguments) const;
 
+    /// Calls of what sets and asks for state, of what draws arrays, clears and reads; they are counted only.
+    int countOther() const;
+
     std::vector<Call> calls;
     std::vector<Primitive> primitives;
+    std::map<QByteArray, int> others;
 };
 
 inline RyGLRecorder::Color rgbBytes(int r, int g, int b)

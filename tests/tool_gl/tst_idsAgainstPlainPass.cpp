@@ -38,7 +38,9 @@ private:
             crowd->getScaleControl()->setValue(0.9f + 0.2f * part());
             viewport->resize(800, 600);
             viewport->getCamera()->lookAt({30 + within(20), 110, 250}, {0, 75, 0});
-            select(bones[random() % bones.size()]);
+            select(*std::find_if(bones.begin(), bones.end(), [this](const RyBone *bone) {
+                return QRect(80, 80, 640, 440).contains(pixelOf(bone->getWSPos()));
+            }));
         }
         void addBone(int i)
         {
