@@ -92,6 +92,7 @@ void RyDrawingStage::setUncommonState()
     glPointSize(3.0f);
     glLineStipple(2, 0x0F0F);
     glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
+    glShadeModel(GL_SMOOTH);
 }
 
 void RyDrawingStage::setCommonState()

@@ -116,6 +116,7 @@ private slots:
         const RyVec3 ahead = m_viewport->getCamera()->viewDirection();
         QVERIFY(RyViewVolume::ofContext().reachesLine(eye + ahead * 100.0f, eye + ahead * 110.0f));
         QVERIFY(!RyViewVolume::ofContext().reachesLine(eye - ahead * 100.0f, eye - ahead * 110.0f));
+        QVERIFY(!RyViewVolume::ofContext().reachesLine(eye + ahead * 0.5f, eye + ahead * 1.0f)); // nearer than is drawn
         QVERIFY(RyViewVolume::ofContext().reachesLine(eye - ahead * 100.0f, eye + ahead * 100.0f));
         glEnable(GL_SCISSOR_TEST);
         glScissor(0, 0, 0, 0);
