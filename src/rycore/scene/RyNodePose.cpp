@@ -66,7 +66,9 @@ RyQuat RyNodePose::rotation(bool byDefault) const
 
 RyQuat RyNodePose::localRotation(const RyQuat &orientation, bool byDefault) const
 {
-    return orientation.inverse() * rotation(byDefault) * orientation;
+    // The identity to the bit: o^-1 * o is not.
+    const RyQuat pose = rotation(byDefault);
+    return pose == RyQuat() ? RyQuat() : orientation.inverse() * pose * orientation;
 }
 
 RyMatrix3 RyNodePose::localScale(const RyQuat &orientation, float factor) const
@@ -86,9 +88,14 @@ RyAffine RyNodePose::localMap(const RyVec3 &origin, const RyQuat &orientation, b
     const RyVec3 factors = read(Scale, byDefault);
     const double general = byDefault ? m_controls[GeneralScale]->getDefaultValue() : generalScale();
     const RyAffine scale = RyAffine::fromScale(general * factors.x, general * factors.y, general * factors.z);
+    const RyQuat turn = rotation(byDefault);
+    // What neither turns nor scales says nothing of its origin and axes, not even by rounding: an edit of a joint at
+    // rest moves no vertex.
+    if (turn == RyQuat() && scale == RyAffine())
+        return RyAffine::fromTranslation(translation);
     // M(o^-1) S M(o) M(o^-1 pose o) = M(o^-1) S M(pose) M(o)
     return RyAffine::fromTranslation(-origin) * RyAffine::fromRotation(orientation.inverse()) * scale *
-           RyAffine::fromRotation(rotation(byDefault)) * RyAffine::fromRotation(orientation) *
+           RyAffine::fromRotation(turn) * RyAffine::fromRotation(orientation) *
            RyAffine::fromTranslation(double(origin.x) + translation.x, double(origin.y) + translation.y,
                                      double(origin.z) + translation.z);
 }

@@ -29,12 +29,13 @@ public:
     void clear();
     bool isPosed() const;
 
-    /// The rotation about figure axes: orientation^-1 * pose * orientation.
+    /// The rotation about figure axes: orientation^-1 * pose * orientation. Exactly the identity where nothing turns.
     RyQuat localRotation(const RyQuat &orientation, bool byDefault) const;
     /// The scale times `factor`, along figure axes.
     RyMatrix3 localScale(const RyQuat &orientation, float factor) const;
     float generalScale() const;
     /// T(-origin) * linear * T(origin + translation): from figure space to figure space, relative to the parent.
+    /// Exactly the translation where nothing turns or scales.
     RyAffine localMap(const RyVec3 &origin, const RyQuat &orientation, bool byDefault) const;
 
     /// In figure axes; `scale` is without the general scale.
