@@ -31,15 +31,22 @@ class MovingModifier : public RyModifier
 {
 public:
     explicit MovingModifier(const RyVec3 &way, bool works = true) : m_way(way), m_works(works) {}
-    bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) override
+    bool deform(RyShapePoints &points) override
     {
-        out.clear();
-        for (const RyVec3 &p : positions)
-            out.push_back(p + m_way);
-        return m_works;
+        if (!m_works)
+            return false;
+        m_positions = *points.positions;
+        for (RyVec3 &p : m_positions)
+            p += m_way;
+        m_changes.markAll(int(m_positions.size()));
+        points.positions = &m_positions;
+        points.changes = &m_changes;
+        return true;
     }
 
 private:
+    std::vector<RyVec3> m_positions;
+    RyPointChanges m_changes;
     RyVec3 m_way;
     bool m_works;
 };

@@ -5,6 +5,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyShapePoints.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -88,7 +89,23 @@ struct SkinFixture
             pose(bone, scaled);
     }
 
+    /// The mesh as the skin moves it; false where the skin refuses.
+    bool deform(std::vector<RyVec3> &out)
+    {
+        RyShapePoints points;
+        points.positions = &mesh->getPositions();
+        points.changes = &changes;
+        if (mesh->revision() != meshRevision)
+            changes.markAll(mesh->getNumVertices());
+        meshRevision = mesh->revision();
+        const bool works = skin->deform(points);
+        out = *points.positions;
+        return works;
+    }
+
     std::mt19937 random;
+    RyPointChanges changes; // of the mesh
+    quint64 meshRevision = 0;
     RyRef<RySkeleton> skeleton;
     std::vector<RyBone *> bones;
     RyFacetMesh *mesh = nullptr;

@@ -25,7 +25,7 @@ void RySkinDeformationTest::skinMatchesPlainLinearBlend()
     f.bones[3]->setInheritScale(false);
     f.poseAll();
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QCOMPARE(out.size(), size_t(1000));
     for (int v = 0; v < 1000; ++v) {
         const RyVec3 p = f.mesh->getVertex(v);
@@ -54,11 +54,11 @@ void RySkinDeformationTest::figuresOwnTransformIsLeftOut()
         f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     f.poseAll();
     std::vector<RyVec3> before, after;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), before));
+    QVERIFY(f.deform(before));
     f.skeleton->getYRotControl()->setValue(70);
     f.skeleton->getXTransControl()->setValue(300);
     f.skeleton->getScaleControl()->setValue(3);
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), after));
+    QVERIFY(f.deform(after));
     QCOMPARE(apart(before, after), 0.0);
 }
 
@@ -72,7 +72,7 @@ void RySkinDeformationTest::unweightedVerticesStayAtRest()
     const RyVec3 moved = f.bones[0]->figureMap().mapPoint({0, 0, 0});
     QVERIFY(std::fabs(moved.x - 10.0f) < 1e-4f);
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QCOMPARE(out[0], f.mesh->getVertex(0));
     QVERIFY(std::fabs(out[1].x - (f.mesh->getVertex(1).x + 10.0f * 32768.0f / 65535.0f)) < 1e-4f);
     QVERIFY(std::fabs(out[2].x - (f.mesh->getVertex(2).x + 10.0f)) < 1e-4f);
@@ -85,7 +85,7 @@ void RySkinDeformationTest::restPoseKeepsTheMesh()
     for (size_t i = 0; i < f.bones.size(); ++i)
         f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(apart(out, f.mesh->getPositions()) < 1e-4);
 }
 
@@ -98,30 +98,30 @@ void RySkinDeformationTest::influencesAreBuiltLazily()
     QCOMPARE(f.skin->deformer().builds(), 0);
     std::vector<RyVec3> out;
     f.poseAll();
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().builds(), 1);
     QCOMPARE(f.skin->deformer().lastTouched(), qint64(3000));
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().lastTouched(), qint64(0));
     // A leaf of the tree moves its own vertices only.
     RyBone *leaf = f.bones.back();
     f.pose(leaf);
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QVERIFY(f.skin->deformer().lastTouched() > 0);
     QCOMPARE(f.skin->deformer().builds(), 1);
     f.mesh->setVertex(5, {1, 2, 3});
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().lastTouched(), qint64(3000));
     QCOMPARE(f.skin->deformer().builds(), 1);
     // The figure's own transform is no reason to compute anything.
     f.skeleton->getYRotControl()->setValue(20);
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().lastTouched(), qint64(0));
     f.skin->bindings()[0]->getWeights()->setNumWeights(3000);
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().builds(), 2);
     f.skin->removeBoneBinding(f.skin->bindings()[2]);
-    f.skin->deform(f.mesh->getPositions(), out);
+    f.deform(out);
     QCOMPARE(f.skin->deformer().builds(), 3);
 }
 
@@ -159,7 +159,7 @@ void RySkinDeformationTest::changesReachTheNextDeformation()
         default:
             f.pose(bone);
         }
-        QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+        QVERIFY(f.deform(out));
         for (int v = 0; v < 400; ++v) {
             const RyVec3 p = f.mesh->getVertex(v);
             double expected[3] = {p.x, p.y, p.z};
@@ -182,16 +182,16 @@ void RySkinDeformationTest::mapsForAnotherMeshFail()
     SkinFixture f(2, 10);
     f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(9, 65535)));
     std::vector<RyVec3> out;
-    QVERIFY(!f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(!f.deform(out));
     QVERIFY(f.skeleton->getObject()->getDeformedPositions() == f.mesh->getPositions());
     // An empty map and none at all are fine.
     f.skin->bindings()[0]->setWeights(new RyWeightMap);
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(out == f.mesh->getPositions());
     f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(10, 65535)));
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     f.mesh->setPositions(std::vector<RyVec3>(11));
-    QVERIFY(!f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(!f.deform(out));
 }
 
 void RySkinDeformationTest::missingBonesMoveNothing()
@@ -200,15 +200,15 @@ void RySkinDeformationTest::missingBonesMoveNothing()
     f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(10, 65535)));
     f.pose(f.bones[0]);
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(apart(out, f.mesh->getPositions()) > 1.0);
     f.skin->bindings()[0]->setBone(nullptr);
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(out == f.mesh->getPositions());
     f.skin->bindings()[0]->setWeights(nullptr);
     for (int axis = 0; axis < 3; ++axis)
         f.skin->bindings()[0]->setLocalWeights(ryMapOf(std::vector<quint16>(10, 65535)), axis);
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(out == f.mesh->getPositions());
 }
 

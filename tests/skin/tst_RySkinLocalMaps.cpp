@@ -22,7 +22,7 @@ void RySkinLocalMapsTest::equalLocalMapsGiveTheGeneralResult()
     for (size_t i = 0; i < f.bones.size(); ++i)
         f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     std::vector<RyVec3> general;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), general));
+    QVERIFY(f.deform(general));
     double size = 0.0;
     for (const RyVec3 &p : general)
         size = std::max(size, double(p.length()));
@@ -35,13 +35,13 @@ void RySkinLocalMapsTest::equalLocalMapsGiveTheGeneralResult()
             binding->setScaleWeights(ryMapOf(weights[i]));
     }
     std::vector<RyVec3> local;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), local));
+    QVERIFY(f.deform(local));
     QVERIFY(apart(local, f.mesh->getPositions()) > 1.0);
     QVERIFY2(apart(local, general) < 1e-6 * size, qPrintable(QString("%1 of %2").arg(apart(local, general)).arg(size)));
     // A general map goes before local ones.
     f.skin->bindings()[0]->setWeights(ryMapOf(weights[0]));
     f.skin->bindings()[0]->setLocalWeights(ryMapOf(weights[1]), 0);
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), local));
+    QVERIFY(f.deform(local));
     QVERIFY(apart(local, general) < 1e-6 * size);
 }
 
@@ -58,13 +58,13 @@ void RySkinLocalMapsTest::oneLocalMapTurnsAboutItsAxisOnly()
         std::vector<RyVec3> out;
         controls[(axis + 1) % 3]->setValue(40);
         controls[(axis + 2) % 3]->setValue(-70);
-        f.skin->deform(f.mesh->getPositions(), out);
+        f.deform(out);
         controls[(axis + 1) % 3]->setValue(0);
         controls[(axis + 2) % 3]->setValue(0);
         // Stages share one rest: only the stage of the weighted axis counts, and it does not turn here.
         QVERIFY(apart(out, f.mesh->getPositions()) < 1e-4);
         controls[axis]->setValue(90);
-        f.skin->deform(f.mesh->getPositions(), out);
+        f.deform(out);
         const RyVec3 direction = bone->getOrientation().multVec(RyVec3::axis(axis));
         const RyVec3 d = direction.normalized();
         for (int v = 0; v < 200; ++v) {
@@ -127,7 +127,7 @@ void RySkinLocalMapsTest::localMapsMatchStagesInDoubles()
         return r;
     };
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     for (int v = 0; v < 300; ++v) {
         const RyVec3 p = f.mesh->getVertex(v);
         const Vec r{double(p.x) - origin.x, double(p.y) - origin.y, double(p.z) - origin.z};
@@ -160,12 +160,12 @@ void RySkinLocalMapsTest::scaleMapWeighsTheScaleAlone()
     binding->setScaleWeights(ryMapOf(std::vector<quint16>(100, 0)));
     bone->getScaleControl()->setValue(2);
     std::vector<RyVec3> out;
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     QVERIFY(apart(out, f.mesh->getPositions()) < 1e-4);
     binding->getScaleWeights()->beginEdit();
     std::fill_n(binding->getScaleWeights()->getWeights(), 100, quint16(13107));
     binding->getScaleWeights()->finishEdit();
-    QVERIFY(f.skin->deform(f.mesh->getPositions(), out));
+    QVERIFY(f.deform(out));
     for (int v = 0; v < 100; ++v) {
         const RyVec3 r = f.mesh->getVertex(v) - bone->getOrigin();
         QVERIFY((out[size_t(v)] - (bone->getOrigin() + r * 1.2f)).length() < 1e-3f);

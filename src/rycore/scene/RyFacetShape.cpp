@@ -31,10 +31,19 @@ void RyFacetShape::applyMesh(const RyRef<RyFacetMesh> &mesh)
     if (m_mesh)
         disconnect(m_mesh.get(), nullptr, this, nullptr);
     m_mesh = mesh;
+    m_normals = RyShapeNormals();
     if (m_mesh)
         connect(m_mesh.get(), &RyFacetMesh::contentChanged, this, &RyShape::geometryChanged);
     emit facetMeshChanged();
     emit geometryChanged();
+}
+
+const RyShapeNormals *RyFacetShape::getNormals() const
+{
+    if (!m_mesh)
+        return nullptr;
+    m_normals.update(*m_mesh, m_parts);
+    return &m_normals;
 }
 
 void RyFacetShape::setParts(std::shared_ptr<const RyMeshParts> parts)

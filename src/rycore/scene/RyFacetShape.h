@@ -3,6 +3,7 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyMeshPart.h"
 #include "rycore/scene/RyShape.h"
+#include "rycore/scene/RyShapeNormals.h"
 
 /// A shape made of facets.
 class RyFacetShape : public RyShape
@@ -12,6 +13,8 @@ public:
     explicit RyFacetShape(RyFacetMesh *mesh = nullptr);
 
     RyVertexMesh *getGeometry() const override { return m_mesh.get(); }
+    /// Made when they are first asked for.
+    const RyShapeNormals *getNormals() const override;
     RyFacetMesh *getFacetMesh() const { return m_mesh.get(); }
     /// Undoable where a hold is open.
     virtual void setFacetMesh(RyFacetMesh *mesh);
@@ -30,4 +33,5 @@ private:
     void applyMesh(const RyRef<RyFacetMesh> &mesh);
     RyRef<RyFacetMesh> m_mesh;
     std::shared_ptr<const RyMeshParts> m_parts;
+    mutable RyShapeNormals m_normals;
 };

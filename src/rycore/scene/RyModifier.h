@@ -2,11 +2,9 @@
 
 #include "rycore/base/RyElement.h"
 #include "rycore/base/RyRefCounted.h"
-#include "rycore/math/RyVec3.h"
-
-#include <vector>
 
 class RyObject;
+struct RyShapePoints;
 
 /// What deforms an object's shape: a slot that skins and parametric joints fill.
 class RyModifier : public RyElement, public RyRefCountedItem
@@ -16,9 +14,9 @@ public:
     RyModifier() = default;
 
     RyObject *getObject() const { return m_object; }
-    /// Deforms positions of figure space in the present pose, the figure's own transform left out. `out` may be what
-    /// the last call left there. False on failure (`out` is then unspecified).
-    virtual bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) = 0;
+    /// Deforms points in the present pose: replaces the arrays by its own, which stay until its next call, normals too
+    /// where there are some. False on failure (the points are then as they were).
+    virtual bool deform(RyShapePoints &points) = 0;
 
 signals:
     /// What it does to a shape changed.

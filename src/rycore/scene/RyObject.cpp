@@ -4,6 +4,7 @@
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyModifier.h"
 #include "rycore/scene/RyShape.h"
+#include "rycore/scene/RyShapeNormals.h"
 
 #include <algorithm>
 
@@ -106,16 +107,48 @@ void RyObject::takeModifier(RyModifier *modifier)
 const std::vector<RyVec3> &RyObject::getDeformedPositions()
 {
     static const std::vector<RyVec3> none;
-    const RyVertexMesh *mesh = m_current ? m_current->getGeometry() : nullptr;
+    const RyShapePoints points = deformedPoints();
+    return points.positions ? *points.positions : none;
+}
+
+RyShapePoints RyObject::getDeformedPoints()
+{
+    m_normalsWanted = true;
+    return deformedPoints();
+}
+
+RyShapePoints RyObject::restPoints()
+{
+    RyShapePoints points;
+    RyVertexMesh *mesh = m_current ? m_current->getGeometry() : nullptr;
     if (!mesh)
-        return none;
-    const std::vector<RyVec3> *positions = &mesh->getPositions();
-    int next = 0;
-    for (RyModifier *modifier : m_modifiers) {
-        if (modifier->deform(*positions, m_positions[next])) {
-            positions = &m_positions[next];
-            next = 1 - next;
-        }
+        return points;
+    points.positions = &mesh->getPositions();
+    points.places = m_normalsWanted ? m_current->getNormals() : nullptr;
+    if (points.places)
+        points.normals = &points.places->normals();
+    const quint64 normals = points.places ? points.places->revision() : 0;
+    if (mesh != m_restMesh || mesh->revision() != m_restRevision || normals != m_restNormals) {
+        m_restMesh = mesh;
+        m_restRevision = mesh->revision();
+        m_restNormals = normals;
+        m_restChanges.markAll(int(points.normals ? points.normals->size() : points.positions->size()));
     }
-    return *positions;
+    points.changes = &m_restChanges;
+    return points;
+}
+
+RyShapePoints RyObject::deformedPoints()
+{
+    RyShapePoints points = restPoints();
+    for (RyModifier *modifier : m_modifiers) {
+        if (points.positions)
+            modifier->deform(points);
+    }
+    if (points.changes != m_source) {
+        m_source = points.changes;
+        m_sourceRevision = RyPointChanges::nextRevision();
+    }
+    points.sourceRevision = m_sourceRevision;
+    return points;
 }

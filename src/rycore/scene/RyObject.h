@@ -2,13 +2,16 @@
 
 #include "rycore/base/RyElement.h"
 #include "rycore/base/RyRefCounted.h"
-#include "rycore/math/RyVec3.h"
+#include "rycore/scene/RyShapePoints.h"
+
+#include <QPointer>
 
 #include <vector>
 
 class RyModifier;
 class RyNode;
 class RyShape;
+class RyVertexMesh;
 
 /// What a node shows: shapes, of which one is current, and the modifiers that deform it.
 class RyObject : public RyElement, public RyRefCountedItem
@@ -42,6 +45,9 @@ public:
     /// The current shape's positions after all modifiers, in figure space without the figure's own transform; one entry
     /// per vertex. Valid until the next call; empty without a shape.
     const std::vector<RyVec3> &getDeformedPositions();
+    /// The same with normals, where the shape has some, and with what changed; from then on normals are carried along.
+    /// Valid until the next call of either; all null without a shape.
+    RyShapePoints getDeformedPoints();
 
 signals:
     void modifiersChanged();
@@ -62,5 +68,14 @@ private:
     std::vector<RyShape *> m_shapes;       // each counted once
     std::vector<RyModifier *> m_modifiers; // each counted once
     RyShape *m_current = nullptr;
-    std::vector<RyVec3> m_positions[2];
+    RyShapePoints restPoints();
+    RyShapePoints deformedPoints();
+
+    bool m_normalsWanted = false;
+    RyPointChanges m_restChanges;
+    QPointer<RyVertexMesh> m_restMesh; // what m_restChanges is of
+    quint64 m_restRevision = 0;
+    quint64 m_restNormals = 0;
+    const RyPointChanges *m_source = nullptr; // of the last points: compared, never followed
+    quint64 m_sourceRevision = 0;             // since when they have come from there
 };

@@ -4,6 +4,7 @@
 #include "rycore/base/RyRefCounted.h"
 
 class RyNode;
+class RyShapeNormals;
 class RyVertexMesh;
 
 /// Geometry of an object.
@@ -14,6 +15,8 @@ public:
     RyShape() = default;
 
     virtual RyVertexMesh *getGeometry() const = 0;
+    /// Smooth normals at rest, valid until the shape changes; null for a shape without facets.
+    virtual const RyShapeNormals *getNormals() const { return nullptr; }
     /// The current shape of the node's object; null for null, without object and without shape.
     static RyShape *getCurrentShapeForNode(const RyNode *node);
 

@@ -4,31 +4,41 @@
 #include "rycore/math/RyFastMath.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RyNormalMap.h"
 
 #include <algorithm>
 
 namespace {
 
-/// What follows the bone's own scale and rotation, which act about its origin.
-RyAffine mapAfterBone(const RyBone &bone)
+/// The map of a bone that neither turns nor scales: its translation and what its parent does. Where the parent's scale
+/// is not passed on that depends on the origin, otherwise not, not even by rounding.
+RyAffine unturnedMap(const RyBone &bone)
 {
-    const RyVec3 origin = bone.getOrigin();
-    const double placed[3] = {double(origin.x) + bone.getXTransControl()->getValue(),
-                              double(origin.y) + bone.getYTransControl()->getValue(),
-                              double(origin.z) + bone.getZTransControl()->getValue()};
+    const double moved[3] = {bone.getXTransControl()->getValue(), bone.getYTransControl()->getValue(),
+                             bone.getZTransControl()->getValue()};
     const RyNode *parent = bone.getNodeParent();
+    const RyAffine translation = RyAffine::fromTranslation(moved[0], moved[1], moved[2]);
     if (!parent)
-        return RyAffine::fromTranslation(placed[0], placed[1], placed[2]);
+        return translation;
     const RyAffine &parentMap = parent->figureMap();
     if (bone.inheritsScale())
-        return RyAffine::fromTranslation(placed[0], placed[1], placed[2]) * parentMap;
+        return translation * parentMap;
     // Without its parent's scale: the rotations alone, at the place where the parent's full map puts the origin.
+    const RyVec3 origin = bone.getOrigin();
+    const double placed[3] = {origin.x + moved[0], origin.y + moved[1], origin.z + moved[2]};
     double target[3];
     parentMap.mapPoint(placed, target);
     RyAffine rotation;
     for (const RyNode *node = parent; node && !qobject_cast<const RySkeleton *>(node); node = node->getNodeParent())
         rotation = rotation * RyAffine::fromRotation(node->getLocalRot());
-    return rotation * RyAffine::fromTranslation(target[0], target[1], target[2]);
+    return RyAffine::fromTranslation(-origin) * rotation * RyAffine::fromTranslation(target[0], target[1], target[2]);
+}
+
+bool isScaled(const RyBone &bone)
+{
+    const double general = bone.getScaleControl()->getValue();
+    const RyFloatProperty *controls[3] = {bone.getXScaleControl(), bone.getYScaleControl(), bone.getZScaleControl()};
+    return std::any_of(controls, controls + 3, [general](auto *each) { return general * each->getValue() != 1.0; });
 }
 
 RyAffine rotationOfControl(const RyBone &bone, int axis)
@@ -89,25 +99,32 @@ void RyLocalStages::appendChannels(const RyBoneBinding &binding, std::vector<RyS
     channels.push_back(std::move(scale));
 }
 
-void RyLocalStages::fillMaps(const RyBone *bone, RyAffine maps[Count])
+void RyLocalStages::fillMaps(const RyBone *bone, RyAffine maps[Count], RyAffine normalMaps[Count])
 {
     if (!bone) {
         std::fill(maps, maps + Count, RyAffine());
+        std::fill(normalMaps, normalMaps + Count, RyAffine());
         return;
     }
+    // From figure space to the bone's axes about its origin, and back.
     const RyQuat orientation = bone->getOrientation();
     const RyAffine toBone =
         RyAffine::fromTranslation(-bone->getOrigin()) * RyAffine::fromRotation(orientation.inverse());
-    const RyAffine fromBone = RyAffine::fromRotation(orientation) * mapAfterBone(*bone);
+    const RyAffine fromBone = RyAffine::fromRotation(orientation) * RyAffine::fromTranslation(bone->getOrigin());
+    const RyAffine unturned = unturnedMap(*bone);
     const RyRotationOrder order = bone->getRotationOrder();
-    RyAffine before = toBone * fromBone;
-    maps[0] = before;
+    RyAffine before = unturned;
+    const auto setStage = [&](int index, const RyAffine &stage) {
+        maps[index] = share(stage, before);
+        normalMaps[index] = share(RyNormalMap::of(stage), RyNormalMap::of(before));
+        before = stage;
+    };
+    maps[0] = unturned;
+    normalMaps[0] = RyNormalMap::of(unturned);
     RyAffine rotation;
     for (int turn = 2; turn >= 0; --turn) {
         rotation = rotationOfControl(*bone, order[turn]) * rotation;
-        const RyAffine stage = toBone * rotation * fromBone;
-        maps[1 + order[turn]] = share(stage, before);
-        before = stage;
+        setStage(1 + order[turn], rotation == RyAffine() ? unturned : toBone * rotation * fromBone * unturned);
     }
-    maps[4] = share(bone->figureMap(), before);
+    setStage(4, isScaled(*bone) ? bone->figureMap() : before);
 }

@@ -1,11 +1,12 @@
 #include "rycore/skin/RySkinBinding.h"
 
 #include "rycore/base/RyPlaceChange.h"
-#include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyShape.h"
+#include "rycore/scene/RyShapeNormals.h"
+#include "rycore/scene/RyShapePoints.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyLocalStages.h"
+#include "rycore/skin/RyNormalMap.h"
 #include "rycore/skin/RyWeightNormalizer.h"
 #include "rycore/undo/RyValueChange.h"
 
@@ -226,6 +227,8 @@ bool RySkinBinding::updateInfluences(int vertexCount)
         m_mapSources.push_back(source);
     }
     m_maps.assign(channels.size(), RyAffine());
+    m_normalMaps = m_maps;
+    m_furtherNormals = 0;
     m_deformer.setInfluences(vertexCount, channels);
     m_influencesKey = std::move(key);
     return true;
@@ -242,22 +245,35 @@ void RySkinBinding::updateMaps()
         source.bone = bone;
         source.revision = revision;
         RyAffine *maps = &m_maps[size_t(source.firstChannel)];
-        if (source.local)
-            RyLocalStages::fillMaps(bone, maps);
-        else
+        RyAffine *normalMaps = &m_normalMaps[size_t(source.firstChannel)];
+        if (source.local) {
+            RyLocalStages::fillMaps(bone, maps, normalMaps);
+        } else {
             *maps = bone ? bone->figureMap() : RyAffine();
+            *normalMaps = RyNormalMap::of(*maps);
+        }
     }
 }
 
-bool RySkinBinding::deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out)
+void RySkinBinding::updateFurtherNormals(const RyShapeNormals *places)
 {
-    if (!updateInfluences(int(positions.size())))
+    if (!places || places->layoutRevision() == m_furtherNormals)
+        return;
+    m_deformer.setFurtherNormals(places->vertexOfFurther());
+    m_furtherNormals = places->layoutRevision();
+}
+
+bool RySkinBinding::deform(RyShapePoints &points)
+{
+    if (!updateInfluences(int(points.positions->size())))
         return false;
+    updateFurtherNormals(points.places);
     updateMaps();
-    // Positions that are not those of the shape have no revision to go by.
-    const RyShape *shape = getObject() ? getObject()->getCurrentShape() : nullptr;
-    const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;
-    const bool known = mesh && &mesh->getPositions() == &positions;
-    out = m_deformer.deform(positions, m_maps, known ? mesh : nullptr, known ? mesh->revision() : 0);
+    const quint64 revision = points.changes ? points.changes->revision() : 0;
+    points.positions =
+        &m_deformer.deform(*points.positions, m_maps, points.changes, revision, {points.normals, &m_normalMaps});
+    if (points.normals)
+        points.normals = &m_deformer.normals();
+    points.changes = &m_deformer.changes();
     return true;
 }

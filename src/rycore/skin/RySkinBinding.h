@@ -5,6 +5,7 @@
 #include "rycore/skin/RySkinDeformer.h"
 
 class RyNode;
+class RyShapeNormals;
 class RySkeleton;
 
 /// Moves the vertices of a figure's shape with its bones: a linear blend by weight maps. Edits are undoable where a
@@ -17,6 +18,8 @@ class RySkeleton;
 /// then the rotation about the third, second and first axis of the rotation order join in turn, at last the scale. Each
 /// stage adds its share (the difference to the stage before), weighted by that axis' map and by the scale map; X0 - 1
 /// is weighted by the mean of the three local maps. Equal maps therefore give what one general map gives.
+///
+/// Normals are carried along by the same sums, with the map of normals (see RyNormalMap) of X and of each stage.
 class RySkinBinding : public RyModifier
 {
     Q_OBJECT
@@ -71,7 +74,7 @@ public:
                                 int option) const;
 
     /// False when a map is for another number of vertices.
-    bool deform(const std::vector<RyVec3> &positions, std::vector<RyVec3> &out) override;
+    bool deform(RyShapePoints &points) override;
     /// The flat arrays behind `deform`, with counters of what it did.
     const RySkinDeformer &deformer() const { return m_deformer; }
 
@@ -95,6 +98,7 @@ private:
     void takeBinding(RyBoneBinding *binding);
     std::vector<quint64> weightsKey() const;
     bool updateInfluences(int vertexCount);
+    void updateFurtherNormals(const RyShapeNormals *places);
     void updateMaps();
 
     /// What the maps of one binding were computed from.
@@ -112,6 +116,8 @@ private:
     bool m_touched = false; // within an edit
     RySkinDeformer m_deformer;
     std::vector<quint64> m_influencesKey;
+    quint64 m_furtherNormals = 0; // layout revision of those that the deformer has
     std::vector<MapSource> m_mapSources;
-    std::vector<RyAffine> m_maps; // one per channel of the deformer
+    std::vector<RyAffine> m_maps;       // one per channel of the deformer
+    std::vector<RyAffine> m_normalMaps; // one per channel
 };

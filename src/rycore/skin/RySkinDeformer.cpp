@@ -1,192 +1,290 @@
 #include "rycore/skin/RySkinDeformer.h"
 
 #include "rycore/math/RyFastMath.h"
-#include "rycore/mesh/RyWeightMap.h"
 #include "rycore/skin/RyParallel.h"
-#include "rycore/skin/RySkinKernels.h"
 
 #include <algorithm>
 #include <cstring>
 
-RySkinDeformer::Channel RySkinDeformer::Channel::fromMap(const RyWeightMap *map)
+using RySkinKernels::Delta;
+using RySkinKernels::Output;
+using RySkinKernels::Task;
+
+namespace {
+
+Delta deltaOf(const RyAffine &map)
 {
-    Channel channel;
-    if (!map)
-        return channel;
-    const int count = map->getNumAffected();
-    channel.vertices.assign(map->getAffectedIndices(), map->getAffectedIndices() + count);
-    const quint16 *weights = map->getAffectedWeights();
-    channel.weights.resize(size_t(count));
-    for (size_t i = 0; i < size_t(count); ++i)
-        channel.weights[i] = float(weights[i]) / RyWeightMap::FullWeight;
-    return channel;
+    Delta delta;
+    for (int i = 0; i < 4; ++i) {
+        for (int j = 0; j < 3; ++j)
+            delta.rows[4 * i + j] = RyFastMath::toFloat(map.m[i][j] - (i == j ? 1.0 : 0.0));
+    }
+    for (int i = 0; i < 3; ++i)
+        delta.rows[4 * i + 3] = delta.rows[12 + i];
+    return delta;
 }
+
+/// The linear part, with the translation of `points`.
+Delta normalDeltaOf(const RyAffine &map, const Delta &points)
+{
+    Delta delta = deltaOf(map);
+    for (int i = 0; i < 4; ++i)
+        delta.rows[4 * i + 3] = points.rows[4 * i + 3];
+    for (int i = 12; i < 16; ++i)
+        delta.rows[i] = points.rows[i];
+    return delta;
+}
+
+bool differ(const Delta &a, const Delta &b)
+{
+    return std::memcmp(&a, &b, sizeof a) != 0;
+}
+
+} // namespace
 
 void RySkinDeformer::setInfluences(int vertexCount, const std::vector<Channel> &channels)
 {
     ++m_builds;
-    m_vertexCount = std::max(vertexCount, 0);
-    m_channelCount = int(channels.size());
     m_resultValid = false;
-    m_deltas.assign(size_t(m_channelCount), Delta());
-    m_classes.clear();
-    m_unmoved.clear();
-
-    const auto walk = [&](auto visit) {
-        for (int k = 0; k < m_channelCount; ++k) {
-            const Channel &channel = channels[size_t(k)];
-            for (size_t i = 0; i < channel.vertices.size(); ++i) {
-                const int vertex = channel.vertices[i];
-                if (vertex >= 0 && vertex < m_vertexCount && channel.weights[i] != 0.0f)
-                    visit(k, size_t(vertex), channel.weights[i]);
-            }
-        }
-    };
-    std::vector<int> influences(size_t(m_vertexCount), 0);
-    walk([&](int, size_t vertex, float) { ++influences[vertex]; });
-
-    // Vertices that nothing moves are in no class.
-    const int most = influences.empty() ? 0 : *std::max_element(influences.begin(), influences.end());
-    std::vector<int> classOf(size_t(most) + 1, -1);
-    std::vector<int> sizeOf(size_t(most) + 1, 0);
-    for (int count : influences)
-        ++sizeOf[size_t(count)];
-    for (int count = 1; count <= most; ++count) {
-        const size_t size = size_t(sizeOf[size_t(count)]);
-        if (size == 0)
-            continue;
-        classOf[size_t(count)] = int(m_classes.size());
-        Class added;
-        added.influences = count;
-        added.vertices.reserve(size);
-        added.offsets.resize(size * size_t(count));
-        added.weights.resize(size * size_t(count));
-        m_classes.push_back(std::move(added));
-    }
-    std::vector<size_t> next(size_t(m_vertexCount), 0);
-    for (size_t vertex = 0; vertex < influences.size(); ++vertex) {
-        if (influences[vertex] == 0) {
-            m_unmoved.push_back(int(vertex));
-            continue;
-        }
-        Class &its = m_classes[size_t(classOf[size_t(influences[vertex])])];
-        next[vertex] = its.vertices.size() * size_t(its.influences);
-        its.vertices.push_back(int(vertex));
-    }
-    walk([&](int channel, size_t vertex, float weight) {
-        Class &its = m_classes[size_t(classOf[size_t(influences[vertex])])];
-        its.offsets[next[vertex]] = quint32(size_t(channel) * sizeof(Delta));
-        its.weights[next[vertex]++] = weight;
-    });
-    makeBlocks();
+    m_influences.build(vertexCount, channels);
+    m_deltas.assign(channels.size(), Delta());
+    m_normalDeltas.assign(channels.size(), Delta());
+    m_ownNormalMaps.assign(channels.size(), 0);
+    m_ownNormalBlocks.clear();
 }
 
-void RySkinDeformer::makeBlocks()
+void RySkinDeformer::setFurtherNormals(const std::vector<int> &vertices)
 {
-    m_blocks.clear();
-    m_blocksOfChannel.assign(size_t(m_channelCount), {});
-    for (size_t c = 0; c < m_classes.size(); ++c) {
-        const Class &its = m_classes[c];
-        const int count = int(its.vertices.size());
-        for (int first = 0; first < count; first += BlockSize) {
-            const Block block{int(c), first, std::min(BlockSize, count - first)};
-            const int number = int(m_blocks.size());
-            m_blocks.push_back(block);
-            const size_t begin = size_t(first) * size_t(its.influences);
-            const size_t end = begin + size_t(block.count) * size_t(its.influences);
-            for (size_t i = begin; i < end; ++i) {
-                std::vector<int> &list = m_blocksOfChannel[its.offsets[i] / sizeof(Delta)];
-                if (list.empty() || list.back() != number)
-                    list.push_back(number);
-            }
-        }
-    }
+    m_resultValid = false;
+    m_influences.setFurtherNormals(vertices);
+    // Blocks are numbered anew.
+    m_ownNormalMaps.assign(m_ownNormalMaps.size(), 0);
+    m_ownNormalBlocks.clear();
 }
 
-bool RySkinDeformer::takeMaps(const std::vector<RyAffine> &maps, std::vector<char> &changed)
+bool RySkinDeformer::takeMaps(const std::vector<RyAffine> &maps, const std::vector<RyAffine> *normalMaps,
+                              std::vector<char> &changed)
 {
     bool any = false;
-    for (size_t k = 0; k < size_t(m_channelCount); ++k) {
-        Delta delta;
-        for (int i = 0; i < 4; ++i) {
-            for (int j = 0; j < 3; ++j)
-                delta.rows[4 * i + j] = RyFastMath::toFloat(maps[k].m[i][j] - (i == j ? 1.0 : 0.0));
-        }
-        changed[k] = std::memcmp(&m_deltas[k], &delta, sizeof delta) != 0;
+    bool otherOwn = false;
+    bool anyOwn = false;
+    for (size_t k = 0; k < m_deltas.size(); ++k) {
+        const Delta delta = deltaOf(maps[k]);
+        const Delta normal = normalMaps ? normalDeltaOf((*normalMaps)[k], delta) : delta;
+        const char own = differ(delta, normal);
+        otherOwn = otherOwn || own != m_ownNormalMaps[k];
+        anyOwn = anyOwn || own;
+        changed[k] = differ(m_deltas[k], delta) || differ(m_normalDeltas[k], normal);
         any = any || changed[k];
         m_deltas[k] = delta;
+        m_normalDeltas[k] = normal;
+        m_ownNormalMaps[k] = own;
     }
+    if (otherOwn)
+        m_ownNormalBlocks = anyOwn ? m_influences.blocksOf(m_ownNormalMaps) : std::vector<char>();
     return any;
 }
 
 const std::vector<RyVec3> &RySkinDeformer::deform(const std::vector<RyVec3> &rest, const std::vector<RyAffine> &maps,
-                                                  const void *source, quint64 revision)
+                                                  const void *source, quint64 revision, const RySkinNormals &normals)
 {
     m_lastTouched = 0;
-    if (int(rest.size()) != m_vertexCount || maps.size() < size_t(m_channelCount)) {
+    const size_t channelCount = m_deltas.size();
+    const size_t normalCount = normals.rest ? normals.rest->size() : 0;
+    if (int(rest.size()) != getNumVertices() || maps.size() < channelCount ||
+        (normals.rest && int(normalCount) != m_influences.placeCount())) {
         m_resultValid = false;
-        m_result = rest;
-        return m_result;
+        m_positions = rest;
+        m_normals = normals.rest ? *normals.rest : std::vector<RyVec3>();
+        m_changes.markAll(int(std::max(m_positions.size(), m_normals.size())));
+        return m_positions;
     }
-    std::vector<char> changed(size_t(m_channelCount), 0);
-    const bool moved = takeMaps(maps, changed);
-    const bool sameRest = m_resultValid && source && source == m_source && revision == m_revision;
+    std::vector<char> changed(channelCount, 0);
+    const bool moved = takeMaps(maps, normals.maps, changed);
+    const bool sameRest =
+        m_resultValid && source && source == m_source && revision == m_revision && normalCount == m_normals.size();
     m_source = source;
     m_revision = revision;
     m_resultValid = true;
     if (sameRest && !moved)
-        return m_result;
+        return m_positions;
 
-    std::vector<Block> pending;
-    if (sameRest) {
-        std::vector<char> marked(m_blocks.size(), 0);
-        for (size_t k = 0; k < changed.size(); ++k) {
-            if (!changed[k])
-                continue;
-            for (int block : m_blocksOfChannel[k])
-                marked[size_t(block)] = 1;
-        }
-        for (size_t i = 0; i < m_blocks.size(); ++i) {
-            if (marked[i])
-                pending.push_back(m_blocks[i]);
-        }
+    m_restPositions = rest.data();
+    m_restNormals = normals.rest ? normals.rest->data() : nullptr;
+    if (sameRest && !m_influences.isMovedAsWhole(changed)) {
+        computeMovedBy(changed);
     } else {
-        m_result.resize(rest.size());
-        for (int vertex : m_unmoved)
-            m_result[size_t(vertex)] = rest[size_t(vertex)];
+        if (!sameRest)
+            copyUnmoved(rest, normals.rest);
+        computeAll();
     }
-    const std::vector<Block> &blocks = sameRest ? pending : m_blocks;
-    for (const Block &block : blocks)
-        m_lastTouched += block.count;
     m_totalTouched += m_lastTouched;
-
-    const auto compute = [&](size_t begin, size_t end) {
-        for (size_t i = begin; i < end; ++i)
-            computeBlock(blocks[i], rest.data());
-    };
-    if (m_lastTouched > ThreadedAbove)
-        RyParallel::forRanges(blocks.size(), 16, compute);
-    else
-        compute(0, blocks.size());
-    return m_result;
+    return m_positions;
 }
 
-void RySkinDeformer::computeBlock(const Block &block, const RyVec3 *rest)
+void RySkinDeformer::copyUnmoved(const std::vector<RyVec3> &rest, const std::vector<RyVec3> *normals)
 {
-    const Class &its = m_classes[size_t(block.classIndex)];
-    const size_t offset = size_t(block.first) * size_t(its.influences);
-    const RySkinKernels::Task task{rest,
-                                   m_result.data(),
-                                   m_deltas.front().rows,
-                                   its.vertices.data() + block.first,
-                                   its.offsets.data() + offset,
-                                   its.weights.data() + offset,
-                                   block.count,
-                                   its.influences};
-    if (m_path != Path::Plain && RySkinKernels::hasAvx2())
-        RySkinKernels::blendAvx2(task);
+    m_positions.resize(rest.size());
+    m_normals.resize(normals ? normals->size() : 0);
+    for (int unmoved : m_influences.unmoved()) {
+        const auto place = size_t(unmoved);
+        if (place < m_positions.size())
+            m_positions[place] = rest[place];
+        if (place < m_normals.size())
+            m_normals[place] = (*normals)[place];
+    }
+}
+
+void RySkinDeformer::count(int classIndex, int elements)
+{
+    if (!m_influences.classAt(classIndex).furtherNormals)
+        m_lastTouched += elements;
+}
+
+void RySkinDeformer::computeAll()
+{
+    const std::vector<Run> &runs = m_influences.all();
+    for (const Run &run : runs)
+        count(run.classIndex, run.count);
+    forParts(runs.size(), [&](size_t i) { computeRun(runs[i]); });
+    m_changes.markAll(int(std::max(m_positions.size(), m_normals.size())));
+}
+
+void RySkinDeformer::computeMovedBy(const std::vector<char> &channels)
+{
+    const RySkinInfluences::Part part = m_influences.movedBy(channels);
+    if (part.runs.empty() && part.picks.empty())
+        return;
+    m_changes.begin();
+    for (const Run &run : part.runs) {
+        const Class &its = m_influences.classAt(run.classIndex);
+        count(run.classIndex, run.count);
+        if (its.places.empty()) {
+            m_changes.mark(its.firstPlace + run.first, run.count);
+        } else {
+            for (int i = 0; i < run.count; ++i)
+                m_changes.mark(its.placeOf(run.first + i), 1);
+        }
+    }
+    for (const Picks &picks : part.picks) {
+        const Class &its = m_influences.classAt(picks.classIndex);
+        count(picks.classIndex, picks.count);
+        for (int i = 0; i < picks.count; ++i)
+            m_changes.mark(its.placeOf(part.picked[picks.first + size_t(i)]), 1);
+    }
+    const size_t parts = part.runs.size() + part.picks.size();
+    forParts(parts, [&](size_t i) {
+        if (i < part.runs.size())
+            computeRun(part.runs[i]);
+        else
+            computePicks(part.picks[i - part.runs.size()], part.picked);
+    });
+}
+
+template<class Compute>
+void RySkinDeformer::forParts(size_t count, Compute compute) const
+{
+    const auto computeRange = [&](size_t begin, size_t end) {
+        for (size_t i = begin; i < end; ++i)
+            compute(i);
+    };
+    if (m_lastTouched > ThreadedAbove)
+        RyParallel::forRanges(count, 1, computeRange);
     else
-        RySkinKernels::blendPlain(task);
+        computeRange(0, count);
+}
+
+Task RySkinDeformer::taskFor(int classIndex)
+{
+    const Class &its = m_influences.classAt(classIndex);
+    Task task{};
+    task.influences = its.influences;
+    task.restPositions = m_restPositions;
+    task.restNormals = m_restNormals;
+    task.positions = m_positions.data();
+    task.normals = m_normals.data();
+    task.output = its.furtherNormals ? Output::Normals : m_restNormals ? Output::Both : Output::Positions;
+    return task;
+}
+
+void RySkinDeformer::computeRun(const Run &run)
+{
+    const Class &its = m_influences.classAt(run.classIndex);
+    Task task = taskFor(run.classIndex);
+    const size_t entry = size_t(run.first) * size_t(its.influences);
+    task.offsets = its.offsets.empty() ? nullptr : its.offsets.data() + entry;
+    task.wideOffsets = its.wideOffsets.empty() ? nullptr : its.wideOffsets.data() + entry;
+    task.weights = its.weights.data() + entry;
+    task.count = run.count;
+    task.firstPlace = its.placeOf(run.first);
+    const bool listed = its.placeOf(run.first + run.count - 1) - task.firstPlace >= run.count;
+    task.places = listed ? its.places.data() + run.first : nullptr;
+    const auto isOwn = [&] {
+        const auto first = m_ownNormalBlocks.begin() + m_influences.blockOf(run.classIndex, run.first);
+        const auto last = m_ownNormalBlocks.begin() + m_influences.blockOf(run.classIndex, run.first + run.count - 1);
+        return std::find(first, last + 1, 1) != last + 1;
+    };
+    blend(task, !m_ownNormalBlocks.empty() && isOwn());
+}
+
+void RySkinDeformer::computePicks(const Picks &picks, const std::vector<int> &picked)
+{
+    // Brought together in small pieces, so that the loop finds them in a row.
+    constexpr int PieceSize = 64;
+    const Class &its = m_influences.classAt(picks.classIndex);
+    const auto width = size_t(its.influences);
+    std::vector<quint16> offsets;
+    std::vector<quint32> wideOffsets;
+    std::vector<float> weights;
+    int places[PieceSize];
+    Task task = taskFor(picks.classIndex);
+    for (int done = 0; done < picks.count; done += PieceSize) {
+        task.count = std::min(PieceSize, picks.count - done);
+        offsets.clear();
+        wideOffsets.clear();
+        weights.clear();
+        bool own = false;
+        for (int i = 0; i < task.count; ++i) {
+            const int element = picked[picks.first + size_t(done + i)];
+            const auto entry = std::ptrdiff_t(size_t(element) * width);
+            const auto end = entry + std::ptrdiff_t(width);
+            if (its.offsets.empty())
+                wideOffsets.insert(wideOffsets.end(), its.wideOffsets.begin() + entry, its.wideOffsets.begin() + end);
+            else
+                offsets.insert(offsets.end(), its.offsets.begin() + entry, its.offsets.begin() + end);
+            weights.insert(weights.end(), its.weights.begin() + entry, its.weights.begin() + end);
+            places[i] = its.placeOf(element);
+            own = own || (!m_ownNormalBlocks.empty() &&
+                          m_ownNormalBlocks[size_t(m_influences.blockOf(picks.classIndex, element))]);
+        }
+        task.offsets = offsets.empty() ? nullptr : offsets.data();
+        task.wideOffsets = wideOffsets.empty() ? nullptr : wideOffsets.data();
+        task.weights = weights.data();
+        task.places = places;
+        blend(task, own);
+    }
+}
+
+void RySkinDeformer::blend(Task task, bool ownNormalMaps) const
+{
+    const Output wanted = task.output;
+    const auto run = [&](Output output, const std::vector<Delta> &deltas) {
+        task.output = output;
+        task.deltas = deltas.data();
+        if (m_path != Path::Plain && RySkinKernels::hasAvx2())
+            RySkinKernels::blendAvx2(task);
+        else
+            RySkinKernels::blendPlain(task);
+    };
+    if (wanted == Output::Normals) {
+        if (task.restNormals)
+            run(Output::Normals, m_normalDeltas);
+    } else if (wanted == Output::Both && ownNormalMaps) {
+        run(Output::Positions, m_deltas);
+        run(Output::Normals, m_normalDeltas);
+    } else {
+        run(wanted, m_deltas);
+    }
 }
 
 void RySkinDeformer::setPath(Path path)

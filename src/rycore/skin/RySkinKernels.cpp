@@ -1,135 +1,144 @@
 #include "rycore/skin/RySkinKernels.h"
 
-#include <Eigen/Core>
+#include "rycore/skin/RySkinLoop.h"
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#define RY_HAVE_AVX2_KERNEL 1
-#include <immintrin.h>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
 #endif
-
-void RySkinKernels::blendPlain(const Task &task)
-{
-    using Row = Eigen::Array4f;
-    using Rows = Eigen::Map<const Eigen::Array<float, 4, 4>, Eigen::Aligned64>; // a column of it is a row of the map
-    const quint32 *offsets = task.offsets;
-    const float *weights = task.weights;
-    for (int i = 0; i < task.count; ++i) {
-        Row x = Row::Zero();
-        Row y = Row::Zero();
-        Row z = Row::Zero();
-        Row t = Row::Zero();
-        for (int k = 0; k < task.influences; ++k) {
-            const Rows delta(task.deltas + *offsets++ / sizeof(float));
-            const float weight = *weights++;
-            x += weight * delta.col(0);
-            y += weight * delta.col(1);
-            z += weight * delta.col(2);
-            t += weight * delta.col(3);
-        }
-        const RyVec3 v = task.rest[task.vertices[i]];
-        const Row move = v.x * x + v.y * y + v.z * z + t;
-        task.out[task.vertices[i]] = v + RyVec3(move[0], move[1], move[2]);
-    }
-}
-
-#ifdef RY_HAVE_AVX2_KERNEL
 
 namespace {
 
-/// `Influences` 0: as many as the task says.
-template<int Influences>
-__attribute__((target("avx2,fma"))) void blend(const RySkinKernels::Task &task)
+/// Four floats as every processor has them in one way or another.
+struct PlainRegisters
 {
-    const int influences = Influences > 0 ? Influences : task.influences;
-    const int count = task.count;
-    const RyVec3 *const rest = task.rest;
-    RyVec3 *const out = task.out;
-    const char *const deltas = reinterpret_cast<const char *>(task.deltas);
-    const int *const vertices = task.vertices;
-    const quint32 *offsets = task.offsets;
-    const float *weights = task.weights;
-    const __m128i three = _mm_setr_epi32(-1, -1, -1, 0);
-    const __m128 one = _mm_set1_ps(1.0f);
-    const __m256i pickXy = _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1);
-    const __m256i pickZ1 = _mm256_setr_epi32(2, 2, 2, 2, 3, 3, 3, 3);
-    for (int i = 0; i < count; ++i) {
-        // Two rows to a register: the images of X and Y, of Z and the translation.
-        __m256 xy = _mm256_setzero_ps();
-        __m256 zt = _mm256_setzero_ps();
-        if constexpr (Influences == 4) {
-            // The common case reads all its weights with one load.
-            const __m256 four = _mm256_broadcast_ps(reinterpret_cast<const __m128 *>(weights));
-            const auto add = [&](__m256 weight, quint32 offset) __attribute__((target("avx2,fma"), always_inline))
-            {
-                const float *delta = reinterpret_cast<const float *>(deltas + offset);
-                xy = _mm256_fmadd_ps(weight, _mm256_load_ps(delta), xy);
-                zt = _mm256_fmadd_ps(weight, _mm256_load_ps(delta + 8), zt);
-            };
-            add(_mm256_permute_ps(four, 0x00), offsets[0]);
-            add(_mm256_permute_ps(four, 0x55), offsets[1]);
-            add(_mm256_permute_ps(four, 0xaa), offsets[2]);
-            add(_mm256_permute_ps(four, 0xff), offsets[3]);
-        } else {
-            for (int k = 0; k < influences; ++k) {
-                const float *delta = reinterpret_cast<const float *>(deltas + offsets[k]);
-                const __m256 weight = _mm256_broadcast_ss(weights + k);
-                xy = _mm256_fmadd_ps(weight, _mm256_load_ps(delta), xy);
-                zt = _mm256_fmadd_ps(weight, _mm256_load_ps(delta + 8), zt);
+    static constexpr int Group = 4;
+    using Vector = float __attribute__((vector_size(16)));
+    using Places = int __attribute__((vector_size(16)));
+    using Unaligned = float __attribute__((vector_size(16), aligned(4), may_alias));
+
+    /// As integers: that is one instruction.
+    template<int Place>
+    static RY_ALWAYS_INLINE Vector spread(Vector v)
+    {
+        return reinterpret_cast<Vector>(
+            __builtin_shuffle(reinterpret_cast<Places>(v), Places{Place, Place, Place, Place}));
+    }
+
+    struct Matrix
+    {
+        // The translation stands behind the rows.
+        Vector x, y, z;
+
+        template<int Influences, class Offset>
+        RY_ALWAYS_INLINE void blend(const RySkinKernels::Delta *deltas, const Offset *offsets, const float *weights,
+                                    int influences)
+        {
+            if constexpr (Influences == 4) {
+                // The common case reads all its weights at once.
+                const Vector all = *reinterpret_cast<const Unaligned *>(weights);
+                start(deltas, offsets[0], spread<0>(all));
+                add(deltas, offsets[1], spread<1>(all));
+                add(deltas, offsets[2], spread<2>(all));
+                add(deltas, offsets[3], spread<3>(all));
+            } else {
+                start(deltas, offsets[0], Vector{weights[0], weights[0], weights[0], weights[0]});
+#pragma GCC unroll 4
+                for (int k = 1; k < (Influences > 0 ? Influences : influences); ++k)
+                    add(deltas, offsets[k], Vector{weights[k], weights[k], weights[k], weights[k]});
             }
         }
-        offsets += influences;
-        weights += influences;
+        static RY_ALWAYS_INLINE const Vector *rowsAt(const RySkinKernels::Delta *deltas, size_t offset)
+        {
+            return reinterpret_cast<const Vector *>(reinterpret_cast<const char *>(deltas) + 8 * offset);
+        }
+        RY_ALWAYS_INLINE void start(const RySkinKernels::Delta *deltas, size_t offset, Vector weight)
+        {
+            const Vector *rows = rowsAt(deltas, offset);
+            x = weight * rows[0];
+            y = weight * rows[1];
+            z = weight * rows[2];
+        }
+        RY_ALWAYS_INLINE void add(const RySkinKernels::Delta *deltas, size_t offset, Vector weight)
+        {
+            const Vector *rows = rowsAt(deltas, offset);
+            x += weight * rows[0];
+            y += weight * rows[1];
+            z += weight * rows[2];
+        }
 
-        const size_t vertex = size_t(vertices[i]);
-        const __m128 v = _mm_blend_ps(_mm_maskload_ps(&rest[vertex].x, three), one, 8);
-        const __m256 twice = _mm256_set_m128(v, v);
-        const __m256 both = _mm256_fmadd_ps(_mm256_permutevar_ps(twice, pickXy), xy,
-                                            _mm256_mul_ps(_mm256_permutevar_ps(twice, pickZ1), zt));
-        const __m128 moved = _mm_add_ps(v, _mm_add_ps(_mm256_castps256_ps128(both), _mm256_extractf128_ps(both, 1)));
-        float *to = &out[vertex].x;
-        _mm_storel_pi(reinterpret_cast<__m64 *>(to), moved);
-        _mm_store_ss(to + 2, _mm_movehl_ps(moved, moved));
+        template<bool Exact>
+        RY_ALWAYS_INLINE Vector movedPoint(const RyVec3 *from) const
+        {
+            const Vector xy = __builtin_shuffle(x, y, Places{3, 3, 7, 7});
+            return movedDirection<Exact>(from) + __builtin_shuffle(xy, z, Places{0, 2, 7, 7});
+        }
+        template<bool Exact>
+        RY_ALWAYS_INLINE Vector movedDirection(const RyVec3 *from) const
+        {
+            const Vector v = read<Exact>(from);
+            return (v + spread<0>(v) * x) + (spread<1>(v) * y + spread<2>(v) * z);
+        }
+    };
+
+    template<bool Exact>
+    static RY_ALWAYS_INLINE Vector read(const RyVec3 *from)
+    {
+        if constexpr (Exact)
+            return Vector{from->x, from->y, from->z, 0.0f};
+        else
+            return *reinterpret_cast<const Unaligned *>(from);
     }
-}
+
+    template<bool Exact>
+    static RY_ALWAYS_INLINE void write(RyVec3 *to, Vector v)
+    {
+        if constexpr (Exact)
+            *to = RyVec3(v[0], v[1], v[2]);
+        else
+            *reinterpret_cast<Unaligned *>(to) = v;
+    }
+
+    /// 1 / the root; of zero, that of the smallest number.
+    static RY_ALWAYS_INLINE Vector inverseRoots(Vector v)
+    {
+        constexpr float Least = std::numeric_limits<float>::min();
+#if defined(__SSE2__)
+        // An estimate and one step of Newton's: as good as a root and a division to the last bit or two.
+        const Vector safe = _mm_max_ps(v, _mm_set1_ps(Least));
+        const Vector guess = _mm_rsqrt_ps(safe);
+        return guess * (1.5f - (0.5f * safe * guess) * guess);
+#else
+        for (int i = 0; i < 4; ++i)
+            v[i] = 1.0f / std::sqrt(std::max(v[i], Least));
+        return v;
+#endif
+    }
+
+    /// Zero stays zero.
+    static RY_ALWAYS_INLINE void makeUnits(Vector (&v)[4])
+    {
+        const Vector xy01 = __builtin_shuffle(v[0], v[1], Places{0, 4, 1, 5});
+        const Vector xy23 = __builtin_shuffle(v[2], v[3], Places{0, 4, 1, 5});
+        const Vector z01 = __builtin_shuffle(v[0], v[1], Places{2, 6, 3, 7});
+        const Vector z23 = __builtin_shuffle(v[2], v[3], Places{2, 6, 3, 7});
+        const Vector x = __builtin_shuffle(xy01, xy23, Places{0, 1, 4, 5});
+        const Vector y = __builtin_shuffle(xy01, xy23, Places{2, 3, 6, 7});
+        const Vector z = __builtin_shuffle(z01, z23, Places{0, 1, 4, 5});
+        const Vector factors = inverseRoots((x * x + y * y) + z * z);
+        v[0] *= spread<0>(factors);
+        v[1] *= spread<1>(factors);
+        v[2] *= spread<2>(factors);
+        v[3] *= spread<3>(factors);
+    }
+};
 
 } // namespace
 
-void RySkinKernels::blendAvx2(const Task &task)
+void RySkinKernels::blendPlain(const Task &task)
 {
-    switch (task.influences) {
-    case 1:
-        return blend<1>(task);
-    case 2:
-        return blend<2>(task);
-    case 3:
-        return blend<3>(task);
-    case 4:
-        return blend<4>(task);
-    case 5:
-        return blend<5>(task);
-    case 6:
-        return blend<6>(task);
-    default:
-        return blend<0>(task);
-    }
+    blendTask<PlainRegisters>(task);
 }
-
-bool RySkinKernels::hasAvx2()
-{
-    static const bool has = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-    return has;
-}
-
-#else
-
-void RySkinKernels::blendAvx2(const Task &task)
-{
-    blendPlain(task);
-}
-
-bool RySkinKernels::hasAvx2()
-{
-    return false;
-}
-
-#endif

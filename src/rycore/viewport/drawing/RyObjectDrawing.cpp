@@ -5,11 +5,11 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyShapeNormals.h"
 #include "rycore/viewport/drawing/RyShader.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -40,11 +40,6 @@ unsigned makeBuffer(GLenum target, const std::vector<T> &values)
     glBufferData(target, GLsizeiptr(values.size() * sizeof(T)), values.data(), GL_STATIC_DRAW);
     glBindBuffer(target, 0);
     return buffer;
-}
-
-bool sameMemory(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
-{
-    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(RyVec3)) == 0);
 }
 
 } // namespace
@@ -86,15 +81,15 @@ RyObjectDrawing::Update RyObjectDrawing::update()
     RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
     if (!mesh || mesh->getNumFacets() == 0)
         return Update::Nothing;
-    const std::vector<RyVec3> &positions = m_object->getDeformedPositions();
-    if (int(positions.size()) != mesh->getNumVertices())
+    const RyShapePoints points = m_object->getDeformedPoints();
+    if (!points.normals || int(points.positions->size()) != mesh->getNumVertices())
         return Update::Nothing;
     const bool isOther = mesh != m_mesh || mesh->revision() != m_meshRevision || shape->getParts() != m_parts;
     if (isOther)
         rebuild(*mesh, shape->getParts());
-    if (!isOther && sameMemory(positions, m_positions))
+    if (!isOther && points.revision() == m_pointsRevision)
         return Update::Same;
-    uploadPositions(positions);
+    uploadPoints(points);
     return Update::Changed;
 }
 
@@ -138,28 +133,17 @@ void RyObjectDrawing::uploadTextures()
     }
 }
 
-void RyObjectDrawing::uploadPositions(const std::vector<RyVec3> &positions)
+void RyObjectDrawing::uploadPoints(const RyShapePoints &points)
 {
-    m_positions = positions;
+    m_pointsRevision = points.revision();
+    m_positions = *points.positions;
     ++m_uploads;
-    std::vector<RyVec3> normals(size_t(std::max(m_split.normalCount, 1)));
     const size_t splitCount = m_split.vertexOfSplit.size();
-    for (size_t i = 0; i + 2 < m_split.indices.size(); i += 3) {
-        const unsigned *corner = &m_split.indices[i];
-        const RyVec3 &a = positions[size_t(m_split.vertexOfSplit[corner[0]])];
-        const RyVec3 u = positions[size_t(m_split.vertexOfSplit[corner[1]])] - a;
-        const RyVec3 v = positions[size_t(m_split.vertexOfSplit[corner[2]])] - a;
-        const RyVec3 area(u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x);
-        for (int c = 0; c < 3; ++c)
-            normals[size_t(m_split.normalOfSplit[corner[c]])] += area;
-    }
-    for (RyVec3 &normal : normals) {
-        const float length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
-        normal = normal / length;
-    }
     std::vector<Vertex> vertices(splitCount);
-    for (size_t i = 0; i < splitCount; ++i)
-        vertices[i] = {positions[size_t(m_split.vertexOfSplit[i])], normals[size_t(m_split.normalOfSplit[i])]};
+    for (size_t i = 0; i < splitCount; ++i) {
+        vertices[i] = {m_positions[size_t(m_split.vertexOfSplit[i])],
+                       (*points.normals)[size_t(points.places->placeOf(m_split.normalOfSplit[i]))]};
+    }
     glBindBuffer(GL_ARRAY_BUFFER, m_vertexBuffer);
     glBufferData(GL_ARRAY_BUFFER, GLsizeiptr(splitCount * sizeof(Vertex)), vertices.data(), GL_DYNAMIC_DRAW);
     glBindBuffer(GL_ARRAY_BUFFER, 0);

@@ -12,9 +12,10 @@ class RyFacetMesh;
 class RyObject;
 class RyShader;
 struct RyMeshParts;
+struct RyShapePoints;
 
 /// The buffers and textures of one object in one GL context. What its shape is made of is uploaded once, positions and
-/// normals when the deformed positions changed.
+/// normals when the deformed points changed.
 class RyObjectDrawing
 {
 public:
@@ -48,7 +49,7 @@ public:
 private:
     void rebuild(RyFacetMesh &mesh, const std::shared_ptr<const RyMeshParts> &parts);
     void uploadTextures();
-    void uploadPositions(const std::vector<RyVec3> &positions);
+    void uploadPoints(const RyShapePoints &points);
     void deleteNames();
     void bindArrays() const;
     void releaseArrays() const;
@@ -58,6 +59,7 @@ private:
     QPointer<RyFacetMesh> m_mesh;
     std::shared_ptr<const RyMeshParts> m_parts;
     quint64 m_meshRevision = 0;
+    quint64 m_pointsRevision = 0;
     std::vector<RyVec3> m_positions; // as uploaded last, one per vertex
     RySplitMesh m_split;
     mutable std::vector<unsigned> m_edges; // pairs of mesh vertices, empty until they are drawn

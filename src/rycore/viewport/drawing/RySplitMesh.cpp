@@ -18,7 +18,6 @@ RySplitMesh RySplitMesh::of(const RyFacetMesh &mesh, const RyMeshParts *parts)
 
 void RySplitMesh::addParts(const RyMeshParts &parts, int vertexCount)
 {
-    normalCount = parts.normalCount;
     const bool hasUvs =
         std::any_of(parts.parts.begin(), parts.parts.end(), [](const RyMeshPart &part) { return !part.uvs.empty(); });
     for (const RyMeshPart &part : parts.parts) {
@@ -40,8 +39,7 @@ void RySplitMesh::addParts(const RyMeshParts &parts, int vertexCount)
 
 void RySplitMesh::addFacets(const RyFacetMesh &mesh)
 {
-    normalCount = mesh.getNumVertices();
-    vertexOfSplit.resize(size_t(normalCount));
+    vertexOfSplit.resize(size_t(mesh.getNumVertices()));
     std::iota(vertexOfSplit.begin(), vertexOfSplit.end(), 0);
     normalOfSplit = vertexOfSplit;
     for (const RyFacet &facet : mesh.getFacets()) {

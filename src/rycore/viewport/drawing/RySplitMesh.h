@@ -24,8 +24,7 @@ struct RySplitMesh
 
     std::vector<int> vertexOfSplit; // vertices of the mesh
     std::vector<int> normalOfSplit; // splits with equal numbers share a smooth normal
-    int normalCount = 0;
-    std::vector<unsigned> indices; // three splits each
+    std::vector<unsigned> indices;  // three splits each
     std::vector<Run> runs;
     std::vector<float> uvs; // two for each split; empty without texture coordinates
 
