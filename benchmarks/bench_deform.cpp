@@ -116,7 +116,7 @@ void besidePeers(int vertices, int influences)
         "ours without AVX2", [&] { plain.blend(); }, withThreads(1));
     const size_t loop = ways.add("Eigen loop", [&] { eigen.blendWithEigen(work, pose = 1 - pose); });
     const size_t peer = withOgre ? ways.add("Ogre", [&] { ogre.blend(pose = 1 - pose); }) : loop;
-    ways.run(turns(21));
+    ways.run(turns(21), 2.0);
     ways.print();
     const bool avx2 = RySkinDeformer::hasAvx2();
     if (influences == 4 && withOgre) {
@@ -245,7 +245,7 @@ void oneBoneMoved(int vertices, bool scattered)
         moveBone();
         blend(deformer);
     });
-    ways.run(turns(21));
+    ways.run(turns(21), 2.0);
     ways.print();
     tell("one bone to all, one thread", ways.ratio(one, all), scattered ? 0.4 : 0.2, false);
     std::printf("  => one bone to all, all threads: %.3f\n", ways.ratio(oneThreads, allThreads));
@@ -299,7 +299,7 @@ void posedPicture(int vertices)
     int pose = 0;
     const size_t us = ways.add("ours", [&] { oursToBuffer(pose = 1 - pose); });
     const size_t other = ways.add("two steps, normals from triangles", [&] { twoStepsToBuffer(pose = 1 - pose); });
-    ways.run(turns(21));
+    ways.run(turns(21), 2.0);
     ways.print();
     tell("ours to two steps", ways.ratio(us, other), 0.7, false);
 }
