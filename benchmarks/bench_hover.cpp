@@ -50,7 +50,7 @@ public:
     }
 
     int pick(const QPoint &point) { return m_viewport->pickOnGizmo(point); }
-    int passes() const { return m_viewport->pickPasses(); }
+    int passes() const { return m_viewport->counts().pickPasses; }
     /// A bone elsewhere: what is kept of the scene is out of date.
     void change()
     {

@@ -134,12 +134,12 @@ void RyDrawingCountsTest::tilesLeaveOutWhatIsBeyond()
     stage.viewport->resize(1600, 1200);
     const RyBone *bone = stage.added[151];
     const QPoint place = stage.pixelOf(bone->getWSPos() + (bone->getWSEndPoint() - bone->getWSPos()) * 0.15f);
-    const int before = stage.viewport->pickPasses();
+    const int before = stage.viewport->counts().pickPasses;
     RyGLRecorder recorder;
     const int id = stage.viewport->Ry3DViewport::pickOnGizmo(place);
     recorder.stop();
     QVERIFY(id >= 47);
-    QCOMPARE(stage.viewport->pickPasses(), before + 1);
+    QCOMPARE(stage.viewport->counts().pickPasses, before + 1);
     QCOMPARE(recorder.others["glReadPixels"], 1);
     const size_t bodies = RyDrawingStage::bodies(recorder).size();
     QVERIFY(bodies > 0);
@@ -162,7 +162,7 @@ void RyDrawingCountsTest::noCallWhileNothingChanges()
     };
     hover(middle.toPoint());
     QVERIFY(stage.tool->hoveredId() != 0);
-    const int passes = viewport.pickPasses();
+    const int passes = viewport.counts().pickPasses;
     RyOffscreenContext::instance().doneCurrent();
     QSet<int> ids;
     RyGLRecorder recorder;
@@ -176,12 +176,12 @@ void RyDrawingCountsTest::noCallWhileNothingChanges()
     QVERIFY(ids.size() > 6); // handles, bones, and neither
     QCOMPARE(int(recorder.calls.size()), 0);
     QCOMPARE(recorder.countOther(), 0);
-    QCOMPARE(viewport.pickPasses(), passes);
+    QCOMPARE(viewport.counts().pickPasses, passes);
     QCOMPARE(RyOffscreenContext::currentKey(), quintptr(0)); // no call could have done anything
     // A change is seen at the next move.
     stage.lShin->getZTransControl()->setValue(90.0f);
     hover(middle.toPoint());
-    QVERIFY(viewport.pickPasses() > passes);
+    QVERIFY(viewport.counts().pickPasses > passes);
 }
 
 RY_TEST(RyDrawingCountsTest)

@@ -136,9 +136,9 @@ private slots:
             setup.figure->getAllBones()[size_t(bone)]->setOrigin(place, true);
         setup.tool->handle = place;
         setup.tool->handleId = handle;
-        const int before = setup.viewport.pickPasses();
+        const int before = setup.viewport.counts().pickPasses;
         QCOMPARE(setup.pickAt(place), bone >= 0 ? bone + 47 : handle);
-        QCOMPARE(setup.viewport.pickPasses() - before, passes);
+        QCOMPARE(setup.viewport.counts().pickPasses - before, passes);
         // What ids are turned into bones with.
         QCOMPARE(setup.tool->bones, setup.figure->getAllBones());
     }

@@ -1,0 +1,175 @@
+// A frame while a joint is dragged on a figure at rest, and one in which the tool alone draws something new: what they
+// cost must not depend on the figure. Counts what is painted, uploaded and deformed.
+//
+// Arguments: how many frames are timed (31).
+#include "RyLiteralDrawing.h"
+#include "RyPlainPainter.h"
+#include "RyRoundRobin.h"
+#include "RyTubeFigure.h"
+
+#include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/viewport/Ry3DViewport.h"
+#include "rycore/viewport/RyCameraController.h"
+#include "rycore/viewport/RyDrawStyle.h"
+#include "rycore/viewport/RyOffscreenContext.h"
+#include "rycore/viewport/RyViewportMgr.h"
+#include "rycore/viewport/drawing/RyViewPainter.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr int width = 1280;
+constexpr int height = 900;
+
+class Stage
+{
+public:
+    explicit Stage(int vertices)
+        : m_tube(makeTube(vertices)), m_manager(ryScene()), m_viewport(&m_manager),
+          m_plain(m_tube.object, *m_tube.mesh, width, height), m_target(width, height, 0), m_other(width, height, 0)
+    {
+        m_viewport.resize(width, height);
+        RyCameraController controller(m_viewport.getCamera());
+        controller.frame(RyBox3(RyVec3(-40, 0, -40), RyVec3(40, 180, 40)), QSizeF(width, height));
+        controller.setDirection(24, 7);
+        m_tool = new RyJointEditorTool;
+        m_manager.addTool(m_tool);
+        m_manager.setActiveTool(m_tool);
+        ryScene()->setSelection({bone()});
+        QCoreApplication::sendPostedEvents();
+        m_plain.upload();
+        m_plain.drawScene(view());
+    }
+
+    void drag()
+    {
+        m_way = m_way > 1.0f ? 0.0f : m_way + 0.1f;
+        bone()->setEndPoint(m_end + RyVec3(m_way, 0, 0));
+    }
+    void paint(int samples)
+    {
+        m_target.bind();
+        m_painter.scene().setScene(ryScene(), m_manager.sceneRevision());
+        m_painter.paint(view(), samples, [this] { drawTool([this] { m_tool->draw(&m_viewport, style()); }); });
+        glFinish();
+    }
+    /// Four samples, and bones and handles by the letter.
+    void paintPlainly()
+    {
+        const RyLiteralDrawing literal(RyLiteralDrawing::Pass::Normal, true);
+        m_plain.drawFrame(m_target, [&] {
+            drawTool([&] {
+                literal.drawFromScene(*m_tube.figure);
+                literal.drawHandles(*bone());
+            });
+        });
+        glFinish();
+    }
+    void blit()
+    {
+        m_target.resolveInto(m_other);
+        glFinish();
+    }
+    const RyScenePicture &scene() const { return m_painter.scene(); }
+    qint64 touched() const { return m_tube.object->findModifier<RySkinBinding>()->deformer().totalTouched(); }
+
+private:
+    static RyTubeFigure makeTube(int vertices)
+    {
+        ryScene()->clear();
+        return {ryScene(), vertices, 160};
+    }
+    RyBone *bone() const { return m_tube.chain[80]; }
+    static RyDrawStyle style() { return RyDrawStyle(RyDrawStyle::Textured); }
+    RySceneView view() const
+    {
+        RySceneView view{RyViewMatrices(*m_viewport.getCamera(), width, height), {}, width, height};
+        view.options.seeThrough = true;
+        return view;
+    }
+    template<typename Draw>
+    void drawTool(const Draw &draw) const
+    {
+        view().matrices.load();
+        glPushAttrib(GL_ALL_ATTRIB_BITS);
+        glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+        glDisable(GL_LIGHTING);
+        glLineWidth(1.5f);
+        draw();
+        glPopAttrib();
+    }
+
+    RyTubeFigure m_tube;
+    RyViewportMgr m_manager;
+    Ry3DViewport m_viewport;
+    RyJointEditorTool *m_tool;
+    RyPlainPainter m_plain;
+    RyFramebuffer m_target;
+    RyFramebuffer m_other;
+    RyViewPainter m_painter;
+    const RyVec3 m_end = bone()->getEndPoint();
+    float m_way = 0;
+};
+
+/// Milliseconds of a frame of a drag.
+double measure(int vertices, int turns)
+{
+    Stage stage(vertices);
+    stage.paint(4);
+    stage.drag();
+    const int paints = stage.scene().paints();
+    const int uploads = stage.scene().uploads();
+    const qint64 touched = stage.touched();
+    RyRoundRobin ways;
+    ways.add("dragged joint, one sample", [&] {
+        stage.drag();
+        stage.paint(1);
+    });
+    ways.add("tool alone, one sample", [&] { stage.paint(1); });
+    ways.add("tool alone, four samples", [&] { stage.paint(4); });
+    ways.add("straight road, four samples", [&] { stage.paintPlainly(); });
+    ways.add("blit of the view", [&] { stage.blit(); });
+    ways.run(turns);
+    std::printf("%d vertices: %d pictures of the scene, %d uploads, %lld vertices deformed\n", vertices,
+                stage.scene().paints() - paints, stage.scene().uploads() - uploads, stage.touched() - touched);
+    ways.print();
+    std::printf("  tool alone, one sample: %.2f blits; four samples: %.2f of the straight road\n", ways.ratio(1, 4),
+                ways.ratio(2, 3));
+    if (stage.scene().paints() != paints || stage.scene().uploads() != uploads || stage.touched() != touched) {
+        std::puts("a drag at rest must cost none of these");
+        std::exit(1);
+    }
+    return ways.median(0);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    const QTemporaryDir settings;
+    RyAppSettings::setSettingsPath(settings.path());
+    const bool isShort = argc > 1 && qstrcmp(argv[1], "--short") == 0;
+    const int turns = isShort ? 2 : argc > 1 ? std::atoi(argv[1]) : 31;
+    if (!RyOffscreenContext::instance().makeCurrent()) {
+        std::puts("no OpenGL here");
+        return 0;
+    }
+    const double little = measure(5000, turns);
+    const double much = measure(isShort ? 20000 : 500000, turns);
+    std::printf("dragged joint, many vertices / few: %.2f\n", much / little);
+    ryDestroyScene();
+    return 0;
+}
