@@ -1,0 +1,192 @@
+// How the time to open, save and report grows: OBJ files with a group for every facet, chains of bones as deep as they
+// are long.
+#include "RyGrowth.h"
+
+#include "rycore/io/RySceneFile.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "ryhost/batch/BatchReport.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+namespace {
+
+constexpr int Groups = 64000;
+constexpr int Bones = 16000;
+
+QString groupName(int group)
+{
+    return QStringLiteral("patch_%1").arg(group);
+}
+
+/// A strip of quads, each in a group of its own; every tenth comes back to a group of before.
+bool writeGroups(const QString &path, int groups)
+{
+    QByteArray text;
+    for (int i = 0; i <= groups; ++i)
+        text += QStringLiteral("v %1 0 0\nv %1 1.7 0.1\n").arg(i * 0.01).toLatin1();
+    for (int i = 0; i < groups; ++i) {
+        text +=
+            "g " + groupName(i % 10 == 9 ? i / 2 : i).toLatin1() +
+            QStringLiteral("\nf %1 %2 %3 %4\n").arg(2 * i + 1).arg(2 * i + 2).arg(2 * i + 4).arg(2 * i + 3).toLatin1();
+    }
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size();
+}
+
+const RyFacetMesh *meshOfScene()
+{
+    for (const RyNode *node : ryScene()->getNodes()) {
+        if (const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node)))
+            return shape->getFacetMesh();
+    }
+    return nullptr;
+}
+
+bool hasGroups(int groups)
+{
+    const RyFacetMesh *mesh = meshOfScene();
+    if (!mesh || mesh->getNumFacets() != groups)
+        return false;
+    for (int i = 0; i < groups; ++i) {
+        const int group = mesh->getFacet(i).group;
+        if (group < 0 || mesh->getFaceGroup(group)->getName() != groupName(i % 10 == 9 ? i / 2 : i))
+            return false;
+    }
+    return true;
+}
+
+double openGroups(const QString &path, int groups)
+{
+    if (!writeGroups(path, groups))
+        return -1.0;
+    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    return hasGroups(groups) ? time : -1.0;
+}
+
+/// A second mesh beside the first makes the text be written anew.
+double saveGroups(const QString &path, int groups)
+{
+    RySceneFile::Options beside;
+    beside.merge = true;
+    if (openGroups(path, groups) < 0.0 || !RySceneFile::open(ryScene(), path, beside, nullptr))
+        return -1.0;
+    const double time = RyBenchmark::milliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
+    RySceneFile::open(ryScene(), path, nullptr);
+    const RyFacetMesh *mesh = meshOfScene();
+    return mesh && mesh->getNumFacets() == 2 * groups ? time : -1.0;
+}
+
+/// What the joint tool asks of a figure whose bones are paired with groups: the box of each.
+double boxesOfGroups(const QString &path, int groups)
+{
+    if (openGroups(path, groups) < 0.0)
+        return -1.0;
+    auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(ryScene()->getNodes().front()));
+    auto *object = new RyObject;
+    object->addShape(new RyFacetShape(shape->getFacetMesh()->copy()));
+    auto *figure = new RySkeleton;
+    figure->setObject(object);
+    auto *map = new RySelectionMap;
+    figure->setSelectionMap(map);
+    for (int i = 0; i < groups / 4; ++i) {
+        auto *bone = new RyBone;
+        bone->setName(groupName(2 * i));
+        figure->addNodeChild(bone);
+        map->addPair(bone->getName(), bone, false);
+    }
+    ryScene()->addNode(figure);
+    bool right = true;
+    const std::vector<RyBone *> bones = figure->getAllBones();
+    const float whole = shape->getFacetMesh()->getBoundingBox().getExtents().x;
+    const double time = RyBenchmark::milliseconds([&] {
+        for (const RyBone *bone : bones)
+            right &= bone->getBoundingBox().getExtents().x < 0.6f * whole;
+    });
+    return right && int(bones.size()) == groups / 4 ? time : -1.0;
+}
+
+bool writeChain(const QString &path, int bones)
+{
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    std::vector<int> joints;
+    for (int joint = 0; joint < bones; ++joint) {
+        RyGltfTransform transform;
+        transform.translation = {0.001, 0.002, joint % 3 == 0 ? 0.001 : -0.0005};
+        joints.push_back(
+            document->addNode(QStringLiteral("joint%1").arg(joint), transform, joint == 0 ? -1 : joints.back()));
+    }
+    document->addSkin(QStringLiteral("chain"), joints, -1, -1);
+    return document->write(path, nullptr);
+}
+
+bool isChain(int bones)
+{
+    const std::vector<RySkeleton *> figures = ryScene()->getSkeletons();
+    return figures.size() == 1 && int(figures.front()->getAllBones().size()) == bones;
+}
+
+double openChain(const QString &path, int bones)
+{
+    if (!writeChain(path, bones))
+        return -1.0;
+    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    return isChain(bones) ? time : -1.0;
+}
+
+double saveChain(const QString &path, int bones)
+{
+    if (openChain(path, bones) < 0.0)
+        return -1.0;
+    RyBone *bone = ryScene()->getSkeletons().front()->getAllBones()[size_t(bones / 2)];
+    bone->adjustOrigin(bone->getOrigin() + RyVec3(0.1f, 0.0f, 0.05f));
+    const double time = RyBenchmark::milliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
+    return RySceneFile::open(ryScene(), path, nullptr) && isChain(bones) ? time : -1.0;
+}
+
+double reportChain(const QString &path, int bones)
+{
+    if (openChain(path, bones) < 0.0)
+        return -1.0;
+    QByteArray report;
+    const double time = RyBenchmark::milliseconds([&] { report = batchReport(*ryScene(), {}); });
+    const QJsonArray figures = QJsonDocument::fromJson(report).object().value(QStringLiteral("figures")).toArray();
+    const QJsonArray listed = figures.first().toObject().value(QStringLiteral("bones")).toArray();
+    return listed.size() == bones && listed.last().toObject().value(QStringLiteral("parent")).toString() ==
+                                         QStringLiteral("joint%1").arg(bones - 2)
+               ? time
+               : -1.0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    const QTemporaryDir folder;
+    const auto on = [&folder](const char *name, double (*time)(const QString &, int)) {
+        return [path = folder.filePath(QString::fromLatin1(name)), time](int size) { return time(path, size); };
+    };
+    RyGrowth growth(argc, argv);
+    growth.measure("open OBJ groups", Groups, on("groups.obj", openGroups));
+    growth.measure("save OBJ groups", Groups, on("groups.obj", saveGroups));
+    growth.measure("boxes of bones by groups", Groups, on("groups.obj", boxesOfGroups));
+    growth.measure("open a chain of bones", Bones, on("chain.glb", openChain));
+    growth.measure("save a chain of bones", Bones, on("chain.glb", saveChain));
+    growth.measure("report on a chain of bones", Bones, on("chain.glb", reportChain));
+    ryDestroyScene();
+    return growth.exitCode();
+}
