@@ -9,8 +9,8 @@
 #include <vector>
 
 /// A member's place in a list of its owner, -1 for none, as an undo item. It counts the member, and every change of the
-/// list counts. `List` says what list: `of` gives it, `take` and `insert` do and emit what an edit does and emits, for
-/// a member that `mayMove`.
+/// list counts. `List` says what list: `of` gives it, `has` is false for what is not in it, `take` and `insert` do and
+/// emit what an edit does and emits, for a member that `mayMove`.
 template<typename List>
 class RyPlaceChange : public RyUndoItem
 {
@@ -32,21 +32,29 @@ public:
         Member *member = m_member.get();
         if (!m_owner || !member || !List::mayMove(*m_owner, *member))
             return;
-        const std::vector<Member *> &list = List::of(*m_owner);
-        const auto place = std::find(list.begin(), list.end(), member);
-        const int now = place == list.end() ? -1 : int(place - list.begin());
+        const int now = List::has(*m_owner, *member) ? placeIn(List::of(*m_owner), member) : -1;
         if (now >= 0)
-            List::take(*m_owner, member);
+            List::take(*m_owner, member, now);
         if (m_index >= 0)
             List::insert(*m_owner, member, m_index);
+        m_lastPlace = m_index;
         m_index = now;
         List::moved(*m_owner);
     }
 
 private:
+    /// Where it was put, unless others came or went before it; those that came last mostly go first.
+    int placeIn(const std::vector<Member *> &list, const Member *member) const
+    {
+        if (m_lastPlace >= 0 && m_lastPlace < int(list.size()) && list[size_t(m_lastPlace)] == member)
+            return m_lastPlace;
+        return int(list.rend() - std::find(list.rbegin(), list.rend(), member)) - 1;
+    }
+
     QPointer<Owner> m_owner;
     RyRef<Member> m_member;
     int m_index;
+    int m_lastPlace = -1;
 };
 
 /// What most lists have in common.
@@ -56,5 +64,6 @@ struct RyListOf
     using Owner = O;
     using Member = M;
     static bool mayMove(const O &, const M &) { return true; }
+    static bool has(const O &, const M &) { return true; }
     static void moved(O &) {}
 };

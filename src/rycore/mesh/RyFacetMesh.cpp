@@ -25,7 +25,7 @@ RyFacetMesh *RyFacetMesh::copy() const
 /// The facets with all groups: old facets cannot take the groups of new ones.
 struct RyFacetMesh::FacetsValue : RyValueOf<RyFacetMesh, std::pair<std::vector<RyFacet>, QStringList>>
 {
-    static Value get(const RyFacetMesh &mesh) { return {mesh.m_facets, mesh.grouping().names}; }
+    static Value get(const RyFacetMesh &mesh) { return {mesh.m_facets, mesh.groupNames()}; }
     static void exchange(RyFacetMesh &mesh, Value &value) { mesh.swapFacets(value.first, value.second); }
 };
 
@@ -41,13 +41,13 @@ void RyFacetMesh::setFacets(std::vector<RyFacet> facets)
     RyValueChange<FacetsValue>::record(this);
     for (RyFacet &facet : facets)
         facet.group = -1;
-    QStringList names = grouping().names;
+    QStringList names = groupNames();
     swapFacets(facets, names);
 }
 
 void RyFacetMesh::swapFacets(std::vector<RyFacet> &facets, QStringList &groups)
 {
-    const QStringList names = grouping().names;
+    const QStringList names = groupNames();
     m_facets.swap(facets);
     m_selected.assign(m_facets.size(), false);
     m_neighbours.clear();
@@ -70,11 +70,7 @@ RyFaceGroup *RyFacetMesh::findFaceGroup(const QString &name) const
 
 int RyFacetMesh::findFaceGroupIndex(const QString &name) const
 {
-    for (size_t i = 0; i < m_groups.size(); ++i) {
-        if (m_groups[i]->getName() == name)
-            return int(i);
-    }
-    return -1;
+    return m_groupPlaces.find(name, getNumFaceGroups(), [this](int i) { return m_groups[size_t(i)]->getName(); });
 }
 
 void RyFacetMesh::createFaceGroup(const QString &name)
@@ -82,6 +78,7 @@ void RyFacetMesh::createFaceGroup(const QString &name)
     if (findFaceGroup(name))
         return;
     recordGroups();
+    m_groupPlaces.append(name, getNumFaceGroups());
     m_groups.push_back(std::make_unique<RyFaceGroup>(name));
     announceGroups();
     announceContent();
@@ -94,6 +91,7 @@ void RyFacetMesh::removeFaceGroup(const QString &name)
         return;
     recordGroups();
     m_groups.erase(m_groups.begin() + index);
+    m_groupPlaces.forget();
     for (RyFacet &facet : m_facets) {
         if (facet.group == index)
             facet.group = -1;
@@ -133,21 +131,33 @@ void RyFacetMesh::addSelectedFacetsToGroup(const QString &name)
 
 void RyFacetMesh::setGroupsOfFacets(const std::vector<int> &groupOfFacet)
 {
-    Grouping wanted = grouping();
     const size_t count = std::min(groupOfFacet.size(), m_facets.size());
-    for (size_t i = 0; i < count; ++i)
-        wanted.groupOfFacet[i] = groupOfFacet[i] < getNumFaceGroups() ? std::max(groupOfFacet[i], -1) : -1;
-    if (wanted == grouping())
+    const auto wanted = [&, groups = getNumFaceGroups()](size_t i) {
+        return groupOfFacet[i] < groups ? std::max(groupOfFacet[i], -1) : -1;
+    };
+    size_t first = 0;
+    while (first < count && m_facets[first].group == wanted(first))
+        ++first;
+    if (first == count)
         return;
     recordGroups();
-    restoreGrouping(wanted);
+    for (size_t i = first; i < count; ++i)
+        m_facets[i].group = wanted(i);
+    announceGroups();
+}
+
+QStringList RyFacetMesh::groupNames() const
+{
+    QStringList names;
+    for (const auto &group : m_groups)
+        names.append(group->getName());
+    return names;
 }
 
 RyFacetMesh::Grouping RyFacetMesh::grouping() const
 {
     Grouping result;
-    for (const auto &group : m_groups)
-        result.names.append(group->getName());
+    result.names = groupNames();
     result.groupOfFacet.reserve(m_facets.size());
     for (const RyFacet &facet : m_facets)
         result.groupOfFacet.push_back(facet.group);
@@ -156,17 +166,18 @@ RyFacetMesh::Grouping RyFacetMesh::grouping() const
 
 void RyFacetMesh::keepGroups(const QStringList &names)
 {
+    if (names == groupNames())
+        return;
+    QHash<QString, size_t> places;
+    for (size_t i = 0; i < m_groups.size(); ++i)
+        places.insert(m_groups[i]->getName(), i);
     std::vector<std::unique_ptr<RyFaceGroup>> groups;
     for (const QString &name : names) {
-        const int now = findFaceGroupIndex(name);
-        if (now < 0) {
-            groups.push_back(std::make_unique<RyFaceGroup>(name));
-        } else {
-            groups.push_back(std::move(m_groups[size_t(now)]));
-            m_groups.erase(m_groups.begin() + now);
-        }
+        const auto now = places.constFind(name);
+        groups.push_back(now == places.constEnd() ? std::make_unique<RyFaceGroup>(name) : std::move(m_groups[*now]));
     }
     m_groups = std::move(groups);
+    m_groupPlaces.forget();
 }
 
 void RyFacetMesh::restoreGrouping(const Grouping &wanted)
@@ -175,6 +186,11 @@ void RyFacetMesh::restoreGrouping(const Grouping &wanted)
     const size_t count = std::min(m_facets.size(), wanted.groupOfFacet.size());
     for (size_t i = 0; i < count; ++i)
         m_facets[i].group = wanted.groupOfFacet[i];
+    announceGroups();
+}
+
+void RyFacetMesh::announceGroups()
+{
     rebuildGroupLists();
     announceGroups();
     announceContent();
@@ -182,11 +198,19 @@ void RyFacetMesh::restoreGrouping(const Grouping &wanted)
 
 void RyFacetMesh::rebuildGroupLists()
 {
-    for (const auto &group : m_groups)
-        group->facets().clear();
+    std::vector<int> counts(m_groups.size(), 0);
+    for (const RyFacet &facet : m_facets) {
+        if (facet.group >= 0)
+            ++counts[size_t(facet.group)];
+    }
+    std::vector<int *> ends;
+    for (size_t i = 0; i < m_groups.size(); ++i) {
+        m_groups[i]->facets().preSizeArray(counts[i]);
+        ends.push_back(m_groups[i]->facets().getIndicesPtr());
+    }
     for (size_t i = 0; i < m_facets.size(); ++i) {
         if (m_facets[i].group >= 0)
-            m_groups[size_t(m_facets[i].group)]->facets().append(int(i));
+            *ends[size_t(m_facets[i].group)]++ = int(i);
     }
 }
 
@@ -279,7 +303,7 @@ void RyFacetMesh::editBegun()
 {
     RyVertexMesh::editBegun();
     m_facetSnapshot = m_facets;
-    m_groupSnapshot = grouping().names;
+    m_groupSnapshot = groupNames();
 }
 
 void RyFacetMesh::editFinished()
@@ -291,7 +315,7 @@ void RyFacetMesh::editFinished()
 
 void RyFacetMesh::editCancelled()
 {
-    if (m_facets != m_facetSnapshot || grouping().names != m_groupSnapshot)
+    if (m_facets != m_facetSnapshot || groupNames() != m_groupSnapshot)
         swapFacets(m_facetSnapshot, m_groupSnapshot);
     m_facetSnapshot = {};
     m_groupSnapshot.clear();

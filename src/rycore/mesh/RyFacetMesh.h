@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/base/RyFirstPlaces.h"
 #include "rycore/mesh/RyFaceGroup.h"
 #include "rycore/mesh/RyFacet.h"
 #include "rycore/mesh/RyVertexMesh.h"
@@ -70,10 +71,13 @@ private:
         std::vector<int> groupOfFacet;
         bool operator==(const Grouping &) const = default;
     };
+    QStringList groupNames() const;
     Grouping grouping() const;
     /// Groups that stay keep their objects.
     void restoreGrouping(const Grouping &grouping);
     void rebuildGroupLists();
+    /// Facets changed group.
+    void announceGroups();
     /// Exchanges the facets, their `group` fields included, and makes the groups of these names.
     void swapFacets(std::vector<RyFacet> &facets, QStringList &groups);
     void keepGroups(const QStringList &names);
@@ -83,6 +87,7 @@ private:
 
     std::vector<RyFacet> m_facets;
     std::vector<std::unique_ptr<RyFaceGroup>> m_groups;
+    RyFirstPlaces<QString> m_groupPlaces; // by name
     std::vector<bool> m_selected;
     mutable std::vector<int> m_neighbours; // four per facet, empty until asked for
     quint64 m_groupRevision = 1;

@@ -11,14 +11,14 @@
 struct RyObject::ModifierList : RyListOf<RyObject, RyModifier>
 {
     static const auto &of(const RyObject &object) { return object.m_modifiers; }
-    static void take(RyObject &object, RyModifier *modifier) { object.takeModifier(modifier); }
+    static void take(RyObject &object, RyModifier *modifier, int) { object.takeModifier(modifier); }
     static void insert(RyObject &object, RyModifier *modifier, int index) { object.insertModifier(modifier, index); }
 };
 
 struct RyObject::ShapeList : RyListOf<RyObject, RyShape>
 {
     static const auto &of(const RyObject &object) { return object.m_shapes; }
-    static void take(RyObject &object, RyShape *shape) { object.takeShape(shape); }
+    static void take(RyObject &object, RyShape *shape, int) { object.takeShape(shape); }
     static void insert(RyObject &object, RyShape *shape, int index) { object.insertShape(shape, index); }
 };
 

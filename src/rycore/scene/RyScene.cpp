@@ -32,11 +32,12 @@ void ryDestroyScene()
 struct RyScene::NodeList : RyListOf<RyScene, RyNode>
 {
     static const auto &of(const RyScene &scene) { return scene.m_nodes; }
-    static void take(RyScene &scene, RyNode *node)
+    static bool has(const RyScene &scene, const RyNode &node) { return node.m_scene == &scene; }
+    static void take(RyScene &scene, RyNode *node, int place)
     {
         emit node->aboutToBeRemoved();
         scene.selectNode(node, false);
-        scene.unregisterNode(node);
+        scene.unregisterNode(node, place);
     }
     static void insert(RyScene &scene, RyNode *node, int index)
     {
@@ -68,14 +69,15 @@ void RyScene::registerNode(RyNode *node, int index)
     emit nodeAdded(node);
 }
 
-void RyScene::unregisterNode(RyNode *node)
+void RyScene::unregisterNode(RyNode *node, int expected)
 {
-    const auto place = std::find(m_nodes.begin(), m_nodes.end(), node);
+    auto place = m_nodes.begin() + std::clamp(expected, 0, int(m_nodes.size()));
+    if (place == m_nodes.end() || *place != node)
+        place = std::find(m_nodes.begin(), m_nodes.end(), node);
     if (place == m_nodes.end())
         return;
     m_nodes.erase(place);
-    const bool selected = isSelected(node);
-    if (selected) {
+    if (m_selected.remove(node)) {
         const bool wasPrimary = m_selection.back() == node;
         m_selection.erase(std::find(m_selection.begin(), m_selection.end(), node));
         emit nodeSelectionListChanged();
@@ -115,17 +117,19 @@ RyError RyScene::removeNode(RyNode *node)
     node->getNodeChildren(subtree, true);
     for (RyNode *each : subtree)
         emit each->aboutToBeRemoved();
+    const QSet<const RyNode *> going(subtree.begin(), subtree.end());
     std::vector<RyNode *> selection = m_selection;
-    std::erase_if(selection, [&](RyNode *n) { return std::find(subtree.begin(), subtree.end(), n) != subtree.end(); });
+    std::erase_if(selection, [&going](const RyNode *each) { return going.contains(each); });
     changeSelection(std::move(selection));
     if (RyNode *parent = node->getNodeParent())
         parent->removeNodeChild(node);
-    for (auto each = subtree.rbegin(); each != subtree.rend(); ++each) {
-        const auto place = std::find(m_nodes.begin(), m_nodes.end(), *each);
-        if (place == m_nodes.end())
+    // From the end, so that none changes the place of one that goes after it.
+    for (int place = int(m_nodes.size()) - 1; place >= 0; --place) {
+        if (place >= int(m_nodes.size()) || !going.contains(m_nodes[size_t(place)]))
             continue;
-        RyPlaceChange<NodeList>::record(this, *each, int(place - m_nodes.begin()));
-        unregisterNode(*each);
+        RyNode *each = m_nodes[size_t(place)];
+        RyPlaceChange<NodeList>::record(this, each, place);
+        unregisterNode(each, place);
     }
     emit nodeListChanged();
     emit drawnDataChanged();
@@ -181,7 +185,7 @@ void RyScene::clear()
         emit node->aboutToBeRemoved();
     changeSelection({});
     while (!m_nodes.empty())
-        unregisterNode(m_nodes.back());
+        unregisterNode(m_nodes.back(), int(m_nodes.size()) - 1);
     setOrigin(nullptr);
     emit nodeListChanged();
     emit drawnDataChanged();
@@ -196,13 +200,17 @@ RyNode *RyScene::getPrimarySelection() const
 
 bool RyScene::isSelected(const RyNode *node) const
 {
-    return std::find(m_selection.begin(), m_selection.end(), node) != m_selection.end();
+    return m_selected.contains(node);
 }
 
 void RyScene::selectNode(RyNode *node, bool onOff)
 {
+    const bool isSelectedNow = isSelected(node);
+    if (!onOff && !isSelectedNow)
+        return;
     std::vector<RyNode *> selection = m_selection;
-    std::erase(selection, node);
+    if (isSelectedNow)
+        std::erase(selection, node);
     if (onOff)
         selection.push_back(node);
     changeSelection(std::move(selection));
@@ -215,13 +223,16 @@ void RyScene::selectAllNodes(bool onOff)
 
 void RyScene::setSelection(const std::vector<RyNode *> &nodes)
 {
+    // A node that comes twice stands where it comes last.
     std::vector<RyNode *> selection;
-    for (RyNode *node : nodes) {
-        if (!node || node->m_scene != this)
+    QSet<const RyNode *> taken;
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+        if (!*node || (*node)->m_scene != this || taken.contains(*node))
             continue;
-        std::erase(selection, node);
-        selection.push_back(node);
+        taken.insert(*node);
+        selection.push_back(*node);
     }
+    std::reverse(selection.begin(), selection.end());
     changeSelection(std::move(selection));
 }
 
@@ -231,6 +242,7 @@ void RyScene::changeSelection(std::vector<RyNode *> selection)
         return;
     const RyNode *oldPrimary = getPrimarySelection();
     m_selection = std::move(selection);
+    m_selected = QSet<const RyNode *>(m_selection.begin(), m_selection.end());
     emit nodeSelectionListChanged();
     if (getPrimarySelection() != oldPrimary)
         emit primarySelectionChanged(getPrimarySelection());

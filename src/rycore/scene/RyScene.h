@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 
 #include <memory>
 #include <vector>
@@ -85,12 +86,14 @@ private:
     friend class RyNode;
     struct NodeList;
     void registerNode(RyNode *node, int index);
-    void unregisterNode(RyNode *node);
+    /// `expected`: where it most likely stands.
+    void unregisterNode(RyNode *node, int expected = -1);
     void selectNode(RyNode *node, bool onOff);
     void changeSelection(std::vector<RyNode *> selection);
 
     std::vector<RyNode *> m_nodes; // each counted once
     std::vector<RyNode *> m_selection;
+    QSet<const RyNode *> m_selected; // the same
     RyTime m_time;
     std::shared_ptr<RySceneOrigin> m_origin;
     std::unique_ptr<RyRestoreKeeper> m_keeper;

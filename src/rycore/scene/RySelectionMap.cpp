@@ -9,6 +9,7 @@ struct RySelectionMap::PairsValue : RyValueOf<RySelectionMap, std::vector<Pair>>
     static void exchange(RySelectionMap &map, Value &pairs)
     {
         map.m_pairs.swap(pairs);
+        map.forgetPlaces();
         emit map.mapChanged();
     }
 };
@@ -20,6 +21,12 @@ void RySelectionMap::recordPairs()
     RyValueChange<PairsValue>::record(this);
 }
 
+void RySelectionMap::forgetPlaces()
+{
+    m_placesOfGroups.forget();
+    m_placesOfNodes.forget();
+}
+
 RyNode *RySelectionMap::getPairNode(int index) const
 {
     return m_pairs[size_t(index)].node;
@@ -27,20 +34,12 @@ RyNode *RySelectionMap::getPairNode(int index) const
 
 int RySelectionMap::findPair(const QString &group) const
 {
-    for (size_t i = 0; i < m_pairs.size(); ++i) {
-        if (m_pairs[i].group == group)
-            return int(i);
-    }
-    return -1;
+    return m_placesOfGroups.find(group, getNumPairs(), [this](int i) { return m_pairs[size_t(i)].group; });
 }
 
 int RySelectionMap::findPair(const RyNode *node) const
 {
-    for (size_t i = 0; node && i < m_pairs.size(); ++i) {
-        if (m_pairs[i].node == node)
-            return int(i);
-    }
-    return -1;
+    return node ? m_placesOfNodes.find(node, getNumPairs(), [this](int i) { return getPairNode(i); }) : -1;
 }
 
 QString RySelectionMap::findGroupForNode(const RyNode *node) const
@@ -54,9 +53,12 @@ bool RySelectionMap::addPair(const QString &group, RyNode *node, bool takeOver)
     if (!takeOver && findPair(group) >= 0)
         return false;
     recordPairs();
-    if (takeOver) {
-        std::erase_if(m_pairs, [&](const Pair &pair) { return pair.group == group || (node && pair.node == node); });
-    }
+    const auto isTakenOver = [&](const Pair &pair) { return pair.group == group || (node && pair.node == node); };
+    if (takeOver && std::erase_if(m_pairs, isTakenOver) > 0)
+        forgetPlaces();
+    m_placesOfGroups.append(group, getNumPairs());
+    if (node)
+        m_placesOfNodes.append(node, getNumPairs());
     m_pairs.push_back({group, node});
     emit mapChanged();
     return true;
@@ -68,6 +70,7 @@ bool RySelectionMap::removePair(int index)
         return false;
     recordPairs();
     m_pairs.erase(m_pairs.begin() + index);
+    forgetPlaces();
     emit mapChanged();
     return true;
 }
@@ -78,5 +81,6 @@ void RySelectionMap::clearAll()
         return;
     recordPairs();
     m_pairs.clear();
+    forgetPlaces();
     emit mapChanged();
 }

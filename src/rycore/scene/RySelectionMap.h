@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/base/RyElement.h"
+#include "rycore/base/RyFirstPlaces.h"
 #include "rycore/base/RyRefCounted.h"
 
 #include <QPointer>
@@ -41,5 +42,9 @@ private:
     };
     struct PairsValue;
     void recordPairs();
+    void forgetPlaces();
+
     std::vector<Pair> m_pairs;
+    RyFirstPlaces<QString> m_placesOfGroups;
+    RyFirstPlaces<const RyNode *> m_placesOfNodes;
 };

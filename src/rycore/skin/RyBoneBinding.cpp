@@ -1,6 +1,7 @@
 #include "rycore/skin/RyBoneBinding.h"
 
 #include "rycore/scene/RyElementDuplicateContext.h"
+#include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
@@ -50,7 +51,11 @@ void RyBoneBinding::setBone(RyBone *bone)
 
 void RyBoneBinding::applyBone(RyBone *bone)
 {
+    if (m_skin)
+        m_skin->dropBone(this);
     m_bone = bone;
+    if (m_skin)
+        m_skin->indexBone(this);
     touch();
 }
 

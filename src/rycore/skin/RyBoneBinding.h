@@ -73,6 +73,7 @@ private:
 
     QPointer<RyBone> m_bone;
     RySkinBinding *m_skin = nullptr;
+    const RyNode *m_indexedBone = nullptr; // by which the skin finds this binding; may have been deleted since
     RyRef<RyWeightMap> m_maps[SlotCount];
     RyRef<RyBulgeBinding> m_bulges[3];
     quint64 m_revision = 1;

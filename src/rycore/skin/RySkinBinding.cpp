@@ -21,7 +21,8 @@ struct RySkinBinding::BindingList : RyListOf<RySkinBinding, RyBoneBinding>
         return !binding.getSkin() || binding.getSkin() == &skin;
     }
     static const auto &of(const RySkinBinding &skin) { return skin.m_bindings; }
-    static void take(RySkinBinding &skin, RyBoneBinding *binding) { skin.takeBinding(binding); }
+    static bool has(const RySkinBinding &skin, const RyBoneBinding &binding) { return binding.getSkin() == &skin; }
+    static void take(RySkinBinding &skin, RyBoneBinding *binding, int place) { skin.takeBinding(binding, place); }
     static void insert(RySkinBinding &skin, RyBoneBinding *binding, int index) { skin.insertBinding(binding, index); }
 };
 
@@ -77,8 +78,9 @@ bool RySkinBinding::removeBoneBinding(RyBoneBinding *binding)
     if (place == m_bindings.end())
         return false;
     const RyRef<RyBoneBinding> guard(binding);
-    RyPlaceChange<BindingList>::record(this, binding, int(place - m_bindings.begin()));
-    takeBinding(binding);
+    const int index = int(place - m_bindings.begin());
+    RyPlaceChange<BindingList>::record(this, binding, index);
+    takeBinding(binding, index);
     return true;
 }
 
@@ -87,26 +89,47 @@ void RySkinBinding::insertBinding(RyBoneBinding *binding, int index)
     binding->ref();
     binding->m_skin = this;
     m_bindings.insert(m_bindings.begin() + std::min(index, getNumBoneBindings()), binding);
+    indexBone(binding);
     connect(binding, &RyBoneBinding::bindingChanged, this, &RySkinBinding::announce);
     ++m_listRevision;
     announce();
 }
 
-void RySkinBinding::takeBinding(RyBoneBinding *binding)
+void RySkinBinding::takeBinding(RyBoneBinding *binding, int index)
 {
-    m_bindings.erase(std::find(m_bindings.begin(), m_bindings.end(), binding));
+    m_bindings.erase(m_bindings.begin() + index);
     disconnect(binding, nullptr, this, nullptr);
+    dropBone(binding);
     binding->m_skin = nullptr;
     ++m_listRevision;
     announce();
     binding->unref();
 }
 
+void RySkinBinding::indexBone(RyBoneBinding *binding)
+{
+    binding->m_indexedBone = binding->getBone();
+    if (binding->m_indexedBone)
+        m_bindingsOfBones.insert(binding->m_indexedBone, binding);
+}
+
+void RySkinBinding::dropBone(RyBoneBinding *binding)
+{
+    m_bindingsOfBones.remove(binding->m_indexedBone, binding);
+    binding->m_indexedBone = nullptr;
+}
+
 RyBoneBinding *RySkinBinding::findBoneBinding(const RyNode *bone) const
 {
-    const auto place = std::find_if(m_bindings.begin(), m_bindings.end(),
-                                    [bone](const RyBoneBinding *binding) { return binding->getBone() == bone; });
-    return bone && place != m_bindings.end() ? *place : nullptr;
+    // A bone that was deleted may have had the same address.
+    const auto isOfBone = [bone](const RyBoneBinding *binding) { return binding->getBone() == bone; };
+    const auto [first, last] = m_bindingsOfBones.equal_range(bone);
+    const auto found = bone ? std::find_if(first, last, isOfBone) : last;
+    if (found == last)
+        return nullptr;
+    if (std::find_if(std::next(found), last, isOfBone) == last)
+        return *found;
+    return *std::find_if(m_bindings.begin(), m_bindings.end(), isOfBone);
 }
 
 bool RySkinBinding::hasLocalMaps() const

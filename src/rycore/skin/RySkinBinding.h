@@ -4,6 +4,8 @@
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinDeformer.h"
 
+#include <QMultiHash>
+
 class RyNode;
 class RyShapeNormals;
 class RySkeleton;
@@ -92,10 +94,14 @@ private slots:
     void announce();
 
 private:
+    friend class RyBoneBinding;
     struct BindingList;
     struct MapKindsValue;
     void insertBinding(RyBoneBinding *binding, int index);
-    void takeBinding(RyBoneBinding *binding);
+    void takeBinding(RyBoneBinding *binding, int index);
+    /// Finds the binding by its bone from here on.
+    void indexBone(RyBoneBinding *binding);
+    void dropBone(RyBoneBinding *binding);
     std::vector<quint64> weightsKey() const;
     bool updateInfluences(int vertexCount);
     void updateFurtherNormals(const RyShapeNormals *places);
@@ -110,6 +116,7 @@ private:
         bool local = false;
     };
     std::vector<RyBoneBinding *> m_bindings; // each counted once
+    QMultiHash<const RyNode *, RyBoneBinding *> m_bindingsOfBones;
     quint64 m_listRevision = 1;
     bool m_localKind = false;
     bool m_generalKind = false;

@@ -47,9 +47,12 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
 {
     QJsonArray figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
+        const auto *skeleton = qobject_cast<const RySkeleton *>(node);
+        if (!skeleton && !node->getObject())
+            continue;
         QJsonObject entry{{QStringLiteral("name"), node->getName()},
                           {QStringLiteral("path"), RyNodeLookup::pathOf(node)}};
-        if (const auto *skeleton = qobject_cast<const RySkeleton *>(node)) {
+        if (skeleton) {
             addMesh(entry, *node);
             QJsonArray bones;
             for (const RyBone *bone : skeleton->getAllBones()) {
@@ -61,7 +64,7 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
             }
             entry[QStringLiteral("bones")] = bones;
             figures.append(entry);
-        } else if (node->getObject()) {
+        } else {
             addMesh(entry, *node);
             props.append(entry);
         }

@@ -8,6 +8,7 @@
 #include "rycore/scene/RyScene.h"
 
 #include <QFileInfo>
+#include <QHash>
 
 #include <algorithm>
 
@@ -61,7 +62,8 @@ RyFacetMesh *makeMesh(const RyObjFile &file, double unit, int *fans)
     return mesh;
 }
 
-void appendMesh(RyObjFile &file, const RyNode &node, double unit)
+/// `places` of the names in the file's list of groups.
+void appendMesh(RyObjFile &file, const RyNode &node, double unit, QHash<QString, int> &places)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
@@ -75,10 +77,12 @@ void appendMesh(RyObjFile &file, const RyNode &node, double unit)
     std::vector<int> groupPlace;
     for (int g = 0; g < mesh->getNumFaceGroups(); ++g) {
         const QString &name = mesh->getFaceGroup(g)->getName();
-        const auto known = std::find(file.groups.begin(), file.groups.end(), name);
-        groupPlace.push_back(int(known - file.groups.begin()));
-        if (known == file.groups.end())
-            file.groups.push_back(name);
+        const auto known = places.constFind(name);
+        groupPlace.push_back(known != places.constEnd() ? *known : int(file.groups.size()));
+        if (known != places.constEnd())
+            continue;
+        places.insert(name, groupPlace.back());
+        file.groups.push_back(name);
     }
     for (const RyFacet &facet : mesh->getFacets()) {
         RyObjFile::Facet polygon;
@@ -155,8 +159,9 @@ bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error
     }
     RyObjFile file;
     const double unit = scene.getOrigin() ? scene.getOrigin()->unitFactor() : 1.0;
+    QHash<QString, int> groupPlaces;
     for (const RyNode *node : nodes)
-        appendMesh(file, *node, unit);
+        appendMesh(file, *node, unit, groupPlaces);
     if (file.positions.empty()) {
         if (error)
             *error = QStringLiteral("%1: the scene holds no mesh, and this format nothing else").arg(path);
