@@ -45,8 +45,10 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     auto *hide = new QShortcut(QKeySequence(Qt::Key_H), m_tree, nullptr, nullptr, Qt::WidgetShortcut);
     connect(hide, &QShortcut::activated, this,
             [this] { m_model->toggleHidden(m_model->nodeAt(m_proxy->mapToSource(m_tree->currentIndex()))); });
-    connect(m_model, &SceneModel::aboutToRebuild, this, &ScenePane::rememberExpansion);
-    connect(m_model, &SceneModel::rebuilt, this, &ScenePane::restoreExpansion);
+    connect(m_model, &SceneModel::aboutToFollow, this, [this] { m_syncing = true; });
+    connect(m_model, &SceneModel::followed, this, &ScenePane::openRows);
+    connect(m_tree, &QTreeView::collapsed, this, [this](const QModelIndex &index) { noteCollapsed(index, true); });
+    connect(m_tree, &QTreeView::expanded, this, [this](const QModelIndex &index) { noteCollapsed(index, false); });
     connect(scene, &RyScene::nodeSelectionListChanged, this, &ScenePane::showSelection);
     restoreExpansion();
 }
@@ -56,18 +58,43 @@ QTreeView *ScenePane::tree() const
     return m_tree;
 }
 
-void ScenePane::rememberExpansion()
+QModelIndex ScenePane::indexOf(const RyNode *node) const
 {
-    // What was left open stays open; new branches open.
-    m_syncing = true;
-    if (m_isFiltered || !m_scene)
+    return m_proxy->mapFromSource(m_model->indexOf(node));
+}
+
+void ScenePane::noteCollapsed(const QModelIndex &index, bool collapsed)
+{
+    if (m_syncing || m_isFiltered)
         return;
-    m_collapsed.clear();
-    for (RyNode *node : m_scene->getNodes()) {
-        const QModelIndex index = m_proxy->mapFromSource(m_model->indexOf(node));
-        if (index.isValid() && m_proxy->hasChildren(index) && !m_tree->isExpanded(index))
-            m_collapsed.insert(node);
+    const RyNode *node = m_model->nodeAt(m_proxy->mapToSource(index));
+    if (collapsed)
+        m_collapsed.insert(node);
+    else
+        m_collapsed.remove(node);
+}
+
+void ScenePane::openRows(const std::vector<RyNode *> &fresh)
+{
+    // One by one they cost more than all at once.
+    constexpr size_t MostOneByOne = 50;
+    for (auto node = m_collapsed.begin(); node != m_collapsed.end();)
+        node = m_model->indexOf(*node).isValid() ? std::next(node) : m_collapsed.erase(node);
+    if (m_isFiltered || fresh.size() > MostOneByOne) {
+        restoreExpansion();
+        return;
     }
+    m_syncing = true;
+    for (const RyNode *node : fresh) {
+        const QModelIndex index = indexOf(node);
+        if (m_proxy->hasChildren(index))
+            m_tree->expand(index);
+        // The first row below one that had none opens it.
+        if (index.parent().isValid() && m_proxy->rowCount(index.parent()) == 1)
+            m_tree->expand(index.parent());
+    }
+    m_syncing = false;
+    showSelection();
 }
 
 void ScenePane::restoreExpansion()
@@ -75,10 +102,8 @@ void ScenePane::restoreExpansion()
     m_syncing = true;
     m_tree->expandAll();
     if (!m_isFiltered) {
-        for (RyNode *node : m_scene->getNodes()) {
-            if (m_collapsed.contains(node))
-                m_tree->collapse(m_proxy->mapFromSource(m_model->indexOf(node)));
-        }
+        for (const RyNode *node : qAsConst(m_collapsed))
+            m_tree->collapse(indexOf(node));
     }
     m_syncing = false;
     showSelection();
@@ -86,8 +111,6 @@ void ScenePane::restoreExpansion()
 
 void ScenePane::setFilter(const QString &text)
 {
-    if (!m_isFiltered)
-        rememberExpansion();
     m_isFiltered = !text.isEmpty();
     // Rows that go take their selection along; that is not what was selected in the scene.
     m_syncing = true;
@@ -100,22 +123,48 @@ void ScenePane::showSelection()
     if (m_syncing || !m_scene)
         return;
     const QScopedValueRollback<bool> guard(m_syncing, true);
-    m_model->rebuildIfNeeded();
+    m_model->followScene();
     m_syncing = true;
-    QItemSelection selection;
-    for (RyNode *node : m_scene->selectedNodeListIterator()) {
-        const QModelIndex index = m_proxy->mapFromSource(m_model->indexOf(node));
-        if (index.isValid())
-            selection.select(index, index);
-    }
-    m_tree->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    // The selection model compares an old selection with a new one range by range, and with none at once; it does the
+    // same to widen ranges to rows, which these are already. Without updates the view looks up no rectangles of rows
+    // that changed.
+    const bool wasUpdated = m_tree->updatesEnabled();
+    m_tree->setUpdatesEnabled(false);
+    m_tree->selectionModel()->clearSelection();
+    m_tree->selectionModel()->select(rowsOf(m_scene->selectedNodeListIterator()), QItemSelectionModel::Select);
+    m_tree->setUpdatesEnabled(wasUpdated);
     if (RyNode *primary = m_scene->getPrimarySelection()) {
-        const QModelIndex index = m_proxy->mapFromSource(m_model->indexOf(primary));
+        const QModelIndex index = indexOf(primary);
         if (index.isValid()) {
             m_tree->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
             m_tree->scrollTo(index);
         }
     }
+}
+
+/// All columns; siblings that follow one another make one range.
+QItemSelection ScenePane::rowsOf(const std::vector<RyNode *> &nodes) const
+{
+    std::vector<QModelIndex> rows;
+    rows.reserve(nodes.size());
+    for (const RyNode *node : nodes) {
+        const QModelIndex index = indexOf(node);
+        if (index.isValid())
+            rows.push_back(index);
+    }
+    // The proxy gives the children of one parent one id.
+    std::sort(rows.begin(), rows.end(), [](const QModelIndex &a, const QModelIndex &b) {
+        return std::make_pair(a.internalId(), a.row()) < std::make_pair(b.internalId(), b.row());
+    });
+    QItemSelection selection;
+    for (size_t first = 0; first < rows.size();) {
+        size_t last = first;
+        while (last + 1 < rows.size() && rows[last + 1] == rows[last].siblingAtRow(rows[last].row() + 1))
+            ++last;
+        selection.append(QItemSelectionRange(rows[first], rows[last].siblingAtColumn(SceneModel::VisibleColumn)));
+        first = last + 1;
+    }
+    return selection;
 }
 
 void ScenePane::takeSelection()
@@ -124,10 +173,13 @@ void ScenePane::takeSelection()
         return;
     const QScopedValueRollback<bool> guard(m_syncing, true);
     std::vector<RyNode *> nodes;
-    for (const QModelIndex &index : m_tree->selectionModel()->selectedRows()) {
-        RyNode *node = m_model->nodeAt(m_proxy->mapToSource(index));
-        if (node && node->getScene())
-            nodes.push_back(node);
+    for (const QItemSelectionRange &range : m_tree->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            const QModelIndex index = m_proxy->index(row, SceneModel::LabelColumn, range.parent());
+            RyNode *node = m_model->nodeAt(m_proxy->mapToSource(index));
+            if (node && node->getScene())
+                nodes.push_back(node);
+        }
     }
     // The one clicked last is primary.
     RyNode *current = m_model->nodeAt(m_proxy->mapToSource(m_tree->currentIndex()));

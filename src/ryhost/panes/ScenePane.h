@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QItemSelection>
 #include <QPointer>
 #include <QSet>
 #include <QWidget>
+
+#include <vector>
 
 class QLineEdit;
 class QSortFilterProxyModel;
@@ -26,8 +29,12 @@ public:
 private:
     void showSelection();
     void takeSelection();
-    void rememberExpansion();
     void restoreExpansion();
+    /// New rows are open, unless they were closed before.
+    void openRows(const std::vector<RyNode *> &fresh);
+    void noteCollapsed(const QModelIndex &index, bool collapsed);
+    QItemSelection rowsOf(const std::vector<RyNode *> &nodes) const;
+    QModelIndex indexOf(const RyNode *node) const;
     void setFilter(const QString &text);
 
     QPointer<RyScene> m_scene;
@@ -35,7 +42,7 @@ private:
     QSortFilterProxyModel *m_proxy;
     QLineEdit *m_filter;
     SceneTree *m_tree;
-    QSet<const RyNode *> m_collapsed;
+    QSet<const RyNode *> m_collapsed; // while nothing is filtered
     bool m_syncing = false;
     bool m_isFiltered = false;
 };

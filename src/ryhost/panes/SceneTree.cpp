@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -75,6 +76,26 @@ void SceneTree::measure()
 void SceneTree::fitColumn()
 {
     header()->resizeSection(SceneModel::LabelColumn, std::max(m_namesWidth, viewport()->width() - EyeWidth));
+}
+
+void SceneTree::selectAll()
+{
+    // The view itself would widen each range to rows and compare it with all others.
+    QItemSelection all;
+    std::vector<QModelIndex> open{rootIndex()};
+    while (!open.empty()) {
+        const QModelIndex parent = open.back();
+        open.pop_back();
+        const int rows = model()->rowCount(parent);
+        if (rows > 0)
+            all.append({model()->index(0, 0, parent), model()->index(rows - 1, SceneModel::VisibleColumn, parent)});
+        for (int row = 0; row < rows; ++row) {
+            const QModelIndex index = model()->index(row, 0, parent);
+            if (isExpanded(index))
+                open.push_back(index);
+        }
+    }
+    selectionModel()->select(all, QItemSelectionModel::ClearAndSelect);
 }
 
 void SceneTree::resizeEvent(QResizeEvent *event)

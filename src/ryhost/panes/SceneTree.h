@@ -13,6 +13,8 @@ public:
     explicit SceneTree(QWidget *parent = nullptr);
 
     void setModel(QAbstractItemModel *model) override;
+    /// All rows that can be seen by scrolling.
+    void selectAll() override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
 
 protected:
