@@ -7,9 +7,7 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "ryhost/batch/BatchReport.h"
 
@@ -69,6 +67,7 @@ bool hasGroups(int groups)
 
 double openGroups(const QString &path, int groups)
 {
+    ryScene()->clear();
     if (!writeGroups(path, groups))
         return -1.0;
     const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
@@ -86,35 +85,6 @@ double saveGroups(const QString &path, int groups)
     RySceneFile::open(ryScene(), path, nullptr);
     const RyFacetMesh *mesh = meshOfScene();
     return mesh && mesh->getNumFacets() == 2 * groups ? time : -1.0;
-}
-
-/// What the joint tool asks of a figure whose bones are paired with groups: the box of each.
-double boxesOfGroups(const QString &path, int groups)
-{
-    if (openGroups(path, groups) < 0.0)
-        return -1.0;
-    auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(ryScene()->getNodes().front()));
-    auto *object = new RyObject;
-    object->addShape(new RyFacetShape(shape->getFacetMesh()->copy()));
-    auto *figure = new RySkeleton;
-    figure->setObject(object);
-    auto *map = new RySelectionMap;
-    figure->setSelectionMap(map);
-    for (int i = 0; i < groups / 4; ++i) {
-        auto *bone = new RyBone;
-        bone->setName(groupName(2 * i));
-        figure->addNodeChild(bone);
-        map->addPair(bone->getName(), bone, false);
-    }
-    ryScene()->addNode(figure);
-    bool right = true;
-    const std::vector<RyBone *> bones = figure->getAllBones();
-    const float whole = shape->getFacetMesh()->getBoundingBox().getExtents().x;
-    const double time = RyBenchmark::milliseconds([&] {
-        for (const RyBone *bone : bones)
-            right &= bone->getBoundingBox().getExtents().x < 0.6f * whole;
-    });
-    return right && int(bones.size()) == groups / 4 ? time : -1.0;
 }
 
 bool writeChain(const QString &path, int bones)
@@ -139,6 +109,7 @@ bool isChain(int bones)
 
 double openChain(const QString &path, int bones)
 {
+    ryScene()->clear();
     if (!writeChain(path, bones))
         return -1.0;
     const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
@@ -183,7 +154,6 @@ int main(int argc, char **argv)
     RyGrowth growth(argc, argv);
     growth.measure("open OBJ groups", Groups, on("groups.obj", openGroups));
     growth.measure("save OBJ groups", Groups, on("groups.obj", saveGroups));
-    growth.measure("boxes of bones by groups", Groups, on("groups.obj", boxesOfGroups));
     growth.measure("open a chain of bones", Bones, on("chain.glb", openChain));
     growth.measure("save a chain of bones", Bones, on("chain.glb", saveChain));
     growth.measure("report on a chain of bones", Bones, on("chain.glb", reportChain));
