@@ -1,5 +1,5 @@
 // How the time to open, save and report grows: OBJ files with a group for every facet, chains of bones as deep as they
-// are long.
+// are long, vertices at one place that only their weights tell apart.
 #include "RyGrowth.h"
 
 #include "rycore/io/RySceneFile.h"
@@ -22,6 +22,7 @@ namespace {
 
 constexpr int Groups = 64000;
 constexpr int Bones = 16000;
+constexpr int Vertices = 40000;
 
 QString groupName(int group)
 {
@@ -101,6 +102,41 @@ bool writeChain(const QString &path, int bones)
     return document->write(path, nullptr);
 }
 
+/// Vertices at one place, each with weights of its own.
+bool writeKnot(const QString &path, int vertices)
+{
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    std::vector<float> positions, weights;
+    std::vector<std::uint32_t> joints;
+    for (int i = 0; i < vertices; ++i) {
+        const float share = float(i + 1) / float(vertices + 1);
+        positions.insert(positions.end(), {0.1f, 1.7f, -0.3f});
+        weights.insert(weights.end(), {share, 1.0f - share, 0.0f, 0.0f});
+        joints.insert(joints.end(), {0, 1, 0, 0});
+    }
+    const int first = document->addNode(QStringLiteral("first"), RyGltfTransform(), -1);
+    const int second = document->addNode(QStringLiteral("second"), RyGltfTransform(), first);
+    const int skin = document->addSkin(QStringLiteral("knot"), {first, second}, -1, -1);
+    const int mesh = document->addMesh(QStringLiteral("knot"));
+    document->addPrimitive(mesh,
+                           {{"POSITION", document->addFloatAccessor(positions, 3, 34962, true)},
+                            {"JOINTS_0", document->addUintAccessor(joints, 4, 5121, 34962)},
+                            {"WEIGHTS_0", document->addFloatAccessor(weights, 4, 34962)}},
+                           -1, -1);
+    document->setNodeMeshAndSkin(document->addNode(QStringLiteral("knot"), RyGltfTransform(), -1), mesh, skin);
+    return document->write(path, nullptr);
+}
+
+double openKnot(const QString &path, int vertices)
+{
+    ryScene()->clear();
+    if (!writeKnot(path, vertices))
+        return -1.0;
+    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    const RyFacetMesh *mesh = meshOfScene();
+    return mesh && mesh->getNumVertices() == vertices ? time : -1.0;
+}
+
 bool isChain(int bones)
 {
     const std::vector<RySkeleton *> figures = ryScene()->getSkeletons();
@@ -154,6 +190,7 @@ int main(int argc, char **argv)
     RyGrowth growth(argc, argv);
     growth.measure("open OBJ groups", Groups, on("groups.obj", openGroups));
     growth.measure("save OBJ groups", Groups, on("groups.obj", saveGroups));
+    growth.measure("open vertices at one place", Vertices, on("knot.glb", openKnot));
     growth.measure("open a chain of bones", Bones, on("chain.glb", openChain));
     growth.measure("save a chain of bones", Bones, on("chain.glb", saveChain));
     growth.measure("report on a chain of bones", Bones, on("chain.glb", reportChain));

@@ -26,6 +26,7 @@ private slots:
     void interleaved();
     void numbersThatAreNotFinite();
     void influencesAreRepaired();
+    void verticesAtOnePlaceAreToldApart();
     void image();
     void transform();
     void scenes();
@@ -240,6 +241,43 @@ void RyGltfReadingTest::influencesAreRepaired()
     QCOMPARE(builder.strongestBones()[1], 1);
     QCOMPARE(builder.strongestBones()[2], -1);
     QCOMPARE(builder.strongestBones()[3], -1);
+}
+
+void RyGltfReadingTest::verticesAtOnePlaceAreToldApart()
+{
+    // All at one place: every weighting three times, the first two with the same normal.
+    constexpr int Weightings = 3000;
+    const std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    std::vector<float> positions, normals, weights;
+    std::vector<std::uint32_t> joints;
+    for (int i = 0; i < 3 * Weightings; ++i) {
+        const float share = float(i % Weightings + 1) / float(Weightings + 1);
+        positions.insert(positions.end(), {1.0f, 2.0f, -0.5f});
+        normals.insert(normals.end(), {i < 2 * Weightings ? 1.0f : 0.0f, 0.0f, i < 2 * Weightings ? 0.0f : 1.0f});
+        weights.insert(weights.end(), {share, 1.0f - share, 0.0f, 0.0f});
+        joints.insert(joints.end(), {0, 1, 0, 0});
+    }
+    document->addMesh(QStringLiteral("knot"));
+    document->addPrimitive(0,
+                           {{"POSITION", document->addFloatAccessor(positions, 3, 34962, true)},
+                            {"NORMAL", document->addFloatAccessor(normals, 3, 34962)},
+                            {"JOINTS_0", document->addUintAccessor(joints, 4, 5121, 34962)},
+                            {"WEIGHTS_0", document->addFloatAccessor(weights, 4, 34962)}},
+                           -1, -1);
+    QString error;
+    QVERIFY2(document->refresh(&error), qPrintable(error));
+    RyGltfMeshBuilder builder(*document);
+    builder.addPart(0, 0, QStringLiteral("knot"), {0, 1}, RyAffine(), 0);
+    QCOMPARE(builder.positions.size(), size_t(Weightings));
+    QCOMPARE(builder.parts.normalCount, 2 * Weightings);
+    const RyMeshPart &part = builder.parts.parts[0];
+    for (int i = 0; i < Weightings; ++i) {
+        for (int turn = 0; turn < 3; ++turn)
+            QCOMPARE(part.vertexOfSplit[size_t(i + turn * Weightings)], i);
+        QCOMPARE(part.normalOfSplit[size_t(i + Weightings)], part.normalOfSplit[size_t(i)]);
+        QVERIFY(part.normalOfSplit[size_t(i + 2 * Weightings)] != part.normalOfSplit[size_t(i)]);
+    }
+    QVERIFY2(builder.comparisons < 20 * Weightings, qPrintable(QString::number(builder.comparisons)));
 }
 
 void RyGltfReadingTest::image()

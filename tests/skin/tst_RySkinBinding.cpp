@@ -12,6 +12,7 @@ private slots:
     void init() { ryUndoStack()->clearAll(); }
     void skinIsFoundFromAnyNode();
     void bindingsKeepTheirOrder();
+    void bindingsAreFoundByTheBoneTheyHave();
     void kindsOfMaps();
     void normalizeScalesToFullWeight();
     void normalizeGivesTheRestToTheLargest();
@@ -65,6 +66,34 @@ void RySkinBindingTest::bindingsKeepTheirOrder()
     // A binding without a bone is no answer to null.
     f.skin->addBoneBinding(new RyBoneBinding);
     QVERIFY(!f.skin->findBoneBinding(nullptr));
+}
+
+void RySkinBindingTest::bindingsAreFoundByTheBoneTheyHave()
+{
+    SkinFixture f(4);
+    RyBoneBinding *second = f.skin->bindings()[1];
+    second->setBone(f.bones[3]);
+    QVERIFY(!f.skin->findBoneBinding(f.bones[1]));
+    QCOMPARE(f.skin->findBoneBinding(f.bones[3]), second); // the first of two
+    RyBoneBinding *fourth = f.skin->bindings()[3];
+    {
+        RyUndoStackHold hold;
+        f.skin->removeBoneBinding(second);
+        hold.accept(QStringLiteral("Remove"));
+    }
+    QCOMPARE(f.skin->findBoneBinding(f.bones[3]), fourth);
+    ryUndoStack()->undo();
+    QCOMPARE(f.skin->findBoneBinding(f.bones[3]), second);
+    second->setBone(f.bones[1]);
+    QCOMPARE(f.skin->findBoneBinding(f.bones[1]), second);
+    // A bone that went leaves a binding without one, whoever gets its address.
+    auto *going = new RyBone;
+    auto *binding = new RyBoneBinding;
+    binding->setBone(going);
+    f.skin->addBoneBinding(binding);
+    QCOMPARE(f.skin->findBoneBinding(going), binding);
+    delete going;
+    QVERIFY(!f.skin->findBoneBinding(going));
 }
 
 void RySkinBindingTest::kindsOfMaps()

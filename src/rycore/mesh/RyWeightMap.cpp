@@ -76,12 +76,33 @@ const quint16 *RyWeightMap::getAffectedWeights() const
     return m_weights.data();
 }
 
+/// Whether entries can be taken as they are, without slack.
+static bool isSound(int count, const std::vector<int> &indices, const std::vector<quint16> &weights)
+{
+    if (indices.size() != weights.size() || indices.capacity() != indices.size() ||
+        weights.capacity() != weights.size())
+        return false;
+    int last = -1;
+    bool sound = true;
+    for (size_t i = 0; i < indices.size(); ++i) {
+        sound &= weights[i] != 0 && indices[i] > last;
+        last = indices[i];
+    }
+    return sound && last < count;
+}
+
 void RyWeightMap::setAffected(int count, std::vector<int> indices, std::vector<quint16> weights)
 {
     recordChange();
     State state;
     state.count = std::max(count, 0);
     const size_t entries = std::min(indices.size(), weights.size());
+    if (isSound(state.count, indices, weights)) {
+        state.indices = std::move(indices);
+        state.weights = std::move(weights);
+        restore(std::move(state));
+        return;
+    }
     // Maps are many and live long: no slack.
     state.indices.reserve(entries);
     state.weights.reserve(entries);

@@ -1,5 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfAccessorReader.h"
 
+#include "rycore/math/RyLargePages.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -121,7 +123,8 @@ void RyGltfAccessorReader::applySparse(std::vector<Out> &values) const
 template<typename Out>
 std::vector<Out> RyGltfAccessorReader::read() const
 {
-    std::vector<Out> values(std::size_t(m_accessor.count) * std::size_t(m_accessor.componentCount));
+    std::vector<Out> values;
+    RyLargePages::resize(values, std::size_t(m_accessor.count) * std::size_t(m_accessor.componentCount));
     if (values.empty())
         return values;
     if (m_accessor.bufferView >= 0) {

@@ -1,10 +1,13 @@
 #include "rycore/io/gltf/file/RyGltfUri.h"
 
 #include "rycore/io/gltf/file/RyGltfError.h"
+#include "rycore/math/RyLargePages.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+
+#include <algorithm>
 
 bool RyGltfUri::isData(const std::string &uri)
 {
@@ -73,7 +76,10 @@ QByteArray RyGltfUri::readFile(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         throw RyGltfError{QStringLiteral("the file %1 cannot be opened: %2").arg(path, file.errorString())};
-    QByteArray bytes = file.readAll();
+    QByteArray bytes(int(info.size()), Qt::Uninitialized);
+    RyLargePages::prefer(bytes.data(), size_t(bytes.size()));
+    bytes.truncate(int(std::max<qint64>(0, file.read(bytes.data(), bytes.size()))));
+    bytes += file.readAll(); // what came since, or all of a file that has no size
     if (file.error() != QFileDevice::NoError)
         throw RyGltfError{QStringLiteral("the file %1 cannot be read: %2").arg(path, file.errorString())};
     return bytes;

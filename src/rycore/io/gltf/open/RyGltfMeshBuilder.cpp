@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/open/RyGltfSplitVertices.h"
 #include "rycore/io/gltf/open/RyGltfTriangles.h"
+#include "rycore/math/RyLargePages.h"
 #include "rycore/mesh/RyWeightQuantizer.h"
 #include "rycore/skin/RyParallel.h"
 
@@ -10,22 +11,7 @@
 #include <atomic>
 #include <bit>
 #include <cmath>
-#include <cstring>
-
-namespace {
-
-size_t hashPosition(const float *p)
-{
-    std::uint64_t xy;
-    std::uint32_t z;
-    std::memcpy(&xy, p, 8);
-    std::memcpy(&z, p + 2, 4);
-    std::uint64_t hash = (xy ^ 0x9e3779b97f4a7c15ull) * 0xff51afd7ed558ccdull;
-    hash = (std::rotl(hash, 29) ^ z) * 0xc4ceb9fe1a85ec53ull;
-    return size_t(hash ^ (hash >> 32));
-}
-
-} // namespace
+#include <cstdint>
 
 RyGltfMeshBuilder::RyGltfMeshBuilder(const RyGltfDocument &document) : m_document(document) {}
 
@@ -77,10 +63,14 @@ void RyGltfMeshBuilder::growTable(size_t added)
     m_origins.reserve(m_origins.size() + added);
     if (m_table.size() >= capacity)
         return;
+    m_table.clear();
+    m_table.shrink_to_fit();
+    m_table.reserve(capacity);
+    RyLargePages::prefer(m_table.data(), capacity * sizeof(int));
     m_table.assign(capacity, -1);
     for (size_t known = 0; known < m_origins.size(); ++known) {
         const RyGltfSplitVertices &from = *m_classParts[size_t(m_origins[known].part)];
-        size_t slot = hashPosition(from.position(m_origins[known].split)) & (capacity - 1);
+        size_t slot = from.hash(m_origins[known].split) & (capacity - 1);
         while (m_table[slot] >= 0)
             slot = (slot + 1) & (capacity - 1);
         m_table[slot] = int(known);
@@ -93,33 +83,42 @@ void RyGltfMeshBuilder::weld(const RyGltfSplitVertices &splits, RyMeshPart &resu
     growTable(splits.count());
     const size_t mask = m_table.size() - 1;
     result.vertexOfSplit.resize(splits.count());
-    for (size_t v = 0; v < splits.count(); ++v) {
-        const int split = int(v);
-        size_t slot = hashPosition(splits.position(split)) & mask;
-        int local = m_table[slot];
-        while (local >= 0) {
-            const Origin &origin = m_origins[size_t(local)];
-            if (splits.same(split, *m_classParts[size_t(origin.part)], origin.split))
-                break;
-            slot = (slot + 1) & mask;
-            local = m_table[slot];
+    // Most of the time would go into waiting for starts: those of a few vertices are fetched at once.
+    constexpr size_t Batch = 32;
+    size_t starts[Batch];
+    for (size_t first = 0; first < splits.count(); first += Batch) {
+        const size_t count = std::min(Batch, splits.count() - first);
+        for (size_t i = 0; i < count; ++i) {
+            starts[i] = splits.hash(int(first + i)) & mask;
+            __builtin_prefetch(&m_table[starts[i]], 1);
         }
-        if (local < 0) {
-            local = int(m_origins.size());
-            m_table[slot] = local;
-            m_origins.push_back({thisPart, split});
+        for (size_t i = 0; i < count; ++i) {
+            const int split = int(first + i);
+            size_t slot = starts[i];
+            int local = m_table[slot];
+            while (local >= 0) {
+                const Origin &origin = m_origins[size_t(local)];
+                ++comparisons;
+                if (splits.same(split, *m_classParts[size_t(origin.part)], origin.split))
+                    break;
+                slot = (slot + 1) & mask;
+                local = m_table[slot];
+            }
+            if (local < 0) {
+                local = int(m_origins.size());
+                m_table[slot] = local;
+                m_origins.push_back({thisPart, split});
+            }
+            result.vertexOfSplit[first + i] = m_firstOfClass + local;
         }
-        result.vertexOfSplit[v] = m_firstOfClass + local;
     }
 }
 
 void RyGltfMeshBuilder::shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result)
 {
-    // Splits of one vertex that agree in their normal share a smooth one. A vertex that this part brought is met first
-    // at its own split; the few others go into chains.
+    // Splits of one vertex that agree in their normal share a smooth one.
     const size_t count = splits.count();
     result.normalOfSplit.resize(count);
-    const int first = m_firstOfClass;
     const bool allNew =
         result.vertexOfSplit.empty() || m_firstOfClass + int(m_origins.size()) - firstVertex == int(count);
     if (allNew) {
@@ -127,18 +126,26 @@ void RyGltfMeshBuilder::shareNormals(const RyGltfSplitVertices &splits, int firs
             result.normalOfSplit[v] = parts.normalCount++;
         return;
     }
-    std::vector<int> latest(m_origins.size(), -1);
-    std::vector<int> previous(count, -1);
+    const size_t mask = std::bit_ceil(std::max<size_t>(16, 2 * count)) - 1;
+    std::vector<int> table(mask + 1, -1); // the first splits of their kind
     for (size_t v = 0; v < count; ++v) {
-        int &last = latest[size_t(result.vertexOfSplit[v] - first)];
-        int shared = -1;
-        for (int other = last; other >= 0 && shared < 0; other = previous[size_t(other)]) {
-            if (splits.sameNormal(size_t(other), v))
-                shared = result.normalOfSplit[size_t(other)];
+        const std::uint64_t vertex = std::uint64_t(result.vertexOfSplit[v]) * 0xc4ceb9fe1a85ec53ull;
+        const std::uint64_t hash = splits.normalHash(v) ^ vertex;
+        size_t slot = (hash ^ (hash >> 32)) & mask;
+        const auto isOther = [&](int split) {
+            return result.vertexOfSplit[size_t(split)] != result.vertexOfSplit[v] ||
+                   !splits.sameNormal(size_t(split), v);
+        };
+        while (table[slot] >= 0 && isOther(table[slot])) {
+            ++comparisons;
+            slot = (slot + 1) & mask;
         }
-        result.normalOfSplit[v] = shared >= 0 ? shared : parts.normalCount++;
-        previous[v] = last;
-        last = int(v);
+        if (table[slot] < 0) {
+            table[slot] = int(v);
+            result.normalOfSplit[v] = parts.normalCount++;
+        } else {
+            result.normalOfSplit[v] = result.normalOfSplit[size_t(table[slot])];
+        }
     }
 }
 
@@ -151,8 +158,8 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
     positions.resize(size_t(firstVertex) + count);
     m_strongest.resize(size_t(firstVertex) + count, -1);
     InfluenceRun run{firstVertex, int(count), int(width), {}, {}};
-    run.bones.resize(count * width);
-    run.weights.resize(count * width);
+    RyLargePages::resize(run.bones, count * width);
+    RyLargePages::resize(run.weights, count * width);
     std::atomic<int> dropped{0};
     RyParallel::forRanges(count, 20000, [&](size_t begin, size_t end) {
         std::vector<double> weights(width);
@@ -183,7 +190,10 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
 void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result)
 {
     const size_t first = facets.size();
-    facets.resize(first + triangles.size() / 3);
+    if (first == 0)
+        RyLargePages::resize(facets, triangles.size() / 3);
+    else
+        facets.resize(first + triangles.size() / 3);
     for (size_t t = 0; t < triangles.size() / 3; ++t) {
         for (size_t corner = 0; corner < 3; ++corner)
             facets[first + t].vertices[corner] = result.vertexOfSplit[triangles[3 * t + corner]];

@@ -7,6 +7,7 @@
 
 #include <QStringList>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -32,6 +33,7 @@ public:
     std::vector<RyFacet> facets;
     RyMeshParts parts;
     int droppedInfluences = 0;
+    std::uint64_t comparisons = 0; ///< of split vertices with known ones
 
     /// Influences of one bone: welded vertices, ascending, and their weights; every vertex' weights sum to full weight
     /// or to 0.
@@ -63,7 +65,7 @@ private:
     std::vector<Origin> m_origins; // per welded vertex of the class
     int m_weldClass = -1;
     int m_firstOfClass = 0;
-    std::vector<int> m_table; // hash table of welded vertices of the class, by position
+    std::vector<int> m_table; // hash table of welded vertices of the class
     // Influences in runs of welded vertices: a run has `width` places for each vertex, empty ones weigh 0.
     struct InfluenceRun
     {

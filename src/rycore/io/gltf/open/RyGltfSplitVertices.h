@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfModel.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <unordered_map>
@@ -26,6 +27,25 @@ public:
     bool sameNormal(size_t a, size_t b) const
     {
         return !m_normals || std::memcmp(m_normals + 3 * a, m_normals + 3 * b, 12) == 0;
+    }
+    /// Of all that tells vertices apart: those that are the same have the same.
+    std::uint64_t hash(int split) const
+    {
+        std::uint64_t value = mix(mix(0x9e3779b97f4a7c15ull, position(split), 8), position(split) + 2, 4);
+        for (const InfluenceSet &set : m_sets) {
+            value = mix(value, set.joints + size_t(split) * size_t(4 * set.jointSize), size_t(4 * set.jointSize));
+            value = mix(value, set.weights + 4 * size_t(split), 8);
+            value = mix(value, set.weights + 4 * size_t(split) + 2, 8);
+        }
+        for (const std::vector<float> &morph : m_morphs)
+            value = mix(mix(value, &morph[3 * size_t(split)], 8), &morph[3 * size_t(split) + 2], 4);
+        value ^= std::uint64_t(apartOf(split));
+        return value ^ (value >> 32);
+    }
+    /// Of a split vertex' normal, in step with `sameNormal`.
+    std::uint64_t normalHash(size_t split) const
+    {
+        return m_normals ? mix(mix(1, m_normals + 3 * split, 8), m_normals + 3 * split + 2, 4) : 0;
     }
     /// Whether two split vertices, the other one perhaps of another primitive, are the same vertex.
     bool same(int split, const RyGltfSplitVertices &other, int otherSplit) const
@@ -82,6 +102,13 @@ private:
         }
     };
 
+    /// At most eight bytes.
+    static std::uint64_t mix(std::uint64_t value, const void *bytes, size_t size)
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes, size);
+        return (std::rotl(value, 29) ^ word) * 0xff51afd7ed558ccdull;
+    }
     const float *floats(const RyGltfDocument &document, int accessor, int components, std::vector<float> &copy) const;
     void readJoints(const RyGltfDocument &document, int accessor, InfluenceSet &set) const;
     bool isFree(size_t split) const;

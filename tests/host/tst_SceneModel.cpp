@@ -1,0 +1,198 @@
+#include "support/RyTest.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "ryhost/panes/SceneModel.h"
+#include "ryhost/panes/ScenePane.h"
+
+#include <QSignalSpy>
+#include <QTreeView>
+
+/// The list of a scene of its own: a spine with ribs.
+class SceneModelTest : public QObject
+{
+    Q_OBJECT
+private:
+    RyBone *makeBone(RyNode *parent, const QString &name, int index = -1)
+    {
+        auto *bone = new RyBone;
+        bone->setName(name);
+        parent->addNodeChild(bone, false, index);
+        m_scene->addNode(bone);
+        return bone;
+    }
+
+    /// The tree of names as the model shows it: "a(b c(d))".
+    static QString shown(const QAbstractItemModel &model, const QModelIndex &parent = {})
+    {
+        QStringList rows;
+        for (int row = 0; row < model.rowCount(parent); ++row) {
+            const QModelIndex index = model.index(row, SceneModel::LabelColumn, parent);
+            if (index.parent() != parent)
+                return QStringLiteral("wrong parent");
+            const QString below = shown(model, index);
+            rows.append(index.data().toString() + (below.isEmpty() ? QString() : QLatin1Char('(') + below + ')'));
+        }
+        return rows.join(QLatin1Char(' '));
+    }
+
+    std::unique_ptr<RyScene> m_scene;
+    std::unique_ptr<SceneModel> m_model;
+    RySkeleton *m_figure = nullptr;
+    RyBone *m_a = nullptr;
+    RyBone *m_b = nullptr;
+    RyBone *m_c = nullptr;
+
+private slots:
+    void init()
+    {
+        m_scene = std::make_unique<RyScene>();
+        m_figure = new RySkeleton;
+        m_figure->setName(QStringLiteral("figure"));
+        m_scene->addNode(m_figure);
+        m_a = makeBone(m_figure, QStringLiteral("a"));
+        m_b = makeBone(m_a, QStringLiteral("b"));
+        m_c = makeBone(m_a, QStringLiteral("c"));
+        m_model = std::make_unique<SceneModel>(m_scene.get());
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b c))"));
+    }
+
+    void cleanup()
+    {
+        m_model.reset();
+        m_scene.reset();
+    }
+
+    void oneNodeMakesOneRow()
+    {
+        const QSignalSpy inserted(m_model.get(), &QAbstractItemModel::rowsInserted);
+        const QSignalSpy removed(m_model.get(), &QAbstractItemModel::rowsRemoved);
+        const QSignalSpy reset(m_model.get(), &QAbstractItemModel::modelReset);
+        RyBone *fresh = makeBone(m_a, QStringLiteral("fresh"), 1);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b fresh c))"));
+        QCOMPARE(m_model->nodeAt(m_model->indexOf(fresh)), fresh);
+        QCOMPARE(inserted.size(), 1);
+        m_scene->removeNode(fresh);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b c))"));
+        QVERIFY(!m_model->indexOf(fresh).isValid());
+        QCOMPARE(removed.size(), 1);
+        QCOMPARE(inserted.size(), 1);
+        QCOMPARE(reset.size(), 0);
+    }
+
+    void nodesThatMoveTakeTheirBranchAlong()
+    {
+        makeBone(m_c, QStringLiteral("d"));
+        m_model->followScene();
+        m_b->addNodeChild(m_c);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b(c(d))))"));
+        m_figure->addNodeChild(m_c, false, 0);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(c(d) a(b))"));
+        m_c->setName(QStringLiteral("renamed"));
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(renamed(d) a(b))"));
+        QCOMPARE(m_model->indexOf(m_c).row(), 0);
+        QCOMPARE(m_model->indexOf(m_a).row(), 1);
+    }
+
+    void anotherOrderIsShown()
+    {
+        m_a->addNodeChild(m_b);
+        RyBone *fresh = makeBone(m_a, QStringLiteral("fresh"), 0);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(fresh c b))"));
+        m_a->addNodeChild(fresh);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(c b fresh))"));
+    }
+
+    void namesAreToldOnce()
+    {
+        m_b->addNodeChild(m_c);
+        m_model->followScene();
+        QSignalSpy changed(m_model.get(), &QAbstractItemModel::dataChanged);
+        m_c->setHidden(true);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(m_model->nodeAt(changed.at(0).at(0).toModelIndex()), m_c);
+    }
+
+    void manyNodesMakeAllRowsAnew()
+    {
+        const QSignalSpy inserted(m_model.get(), &QAbstractItemModel::rowsInserted);
+        const QSignalSpy reset(m_model.get(), &QAbstractItemModel::modelReset);
+        for (int i = 0; i < 100; ++i)
+            makeBone(m_b, QStringLiteral("x%1").arg(i));
+        m_model->followScene();
+        QCOMPARE(m_model->rowCount(m_model->indexOf(m_b)), 100);
+        QCOMPARE(inserted.size(), 0);
+        QCOMPARE(reset.size(), 1);
+        m_scene->removeNode(m_figure);
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QString());
+    }
+
+    void aRowOutlivesItsNode()
+    {
+        const QModelIndex index = m_model->indexOf(m_c);
+        delete m_c;
+        QVERIFY(!m_model->nodeAt(index));
+        QVERIFY(!index.data().isValid());
+        m_model->followScene();
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b))"));
+    }
+
+    void whatWasClosedStaysClosed()
+    {
+        ScenePane pane(m_scene.get());
+        const auto indexOf = [&pane](const RyNode *node) {
+            const auto found = pane.tree()->model()->match(pane.tree()->model()->index(0, 0), Qt::DisplayRole,
+                                                           node->getName(), 1, Qt::MatchExactly | Qt::MatchRecursive);
+            return found.value(0);
+        };
+        QVERIFY(pane.tree()->isExpanded(indexOf(m_a)));
+        RyBone *below = makeBone(m_b, QStringLiteral("below"));
+        pane.model()->followScene();
+        QVERIFY(pane.tree()->isExpanded(indexOf(m_b)));
+        pane.tree()->collapse(indexOf(m_a));
+        makeBone(below, QStringLiteral("deeper"));
+        pane.model()->followScene();
+        QVERIFY(!pane.tree()->isExpanded(indexOf(m_a)));
+        QVERIFY(pane.tree()->isExpanded(indexOf(below)));
+        for (int i = 0; i < 100; ++i)
+            makeBone(m_c, QStringLiteral("many%1").arg(i));
+        pane.model()->followScene();
+        QVERIFY(!pane.tree()->isExpanded(indexOf(m_a)));
+        QVERIFY(pane.tree()->isExpanded(indexOf(m_c)));
+    }
+
+    void theSelectionIsShownInRowsThatFollowOneAnother()
+    {
+        ScenePane pane(m_scene.get());
+        const QItemSelectionModel *selection = pane.tree()->selectionModel();
+        for (int i = 0; i < 30; ++i)
+            makeBone(m_b, QStringLiteral("x%1").arg(i));
+        pane.model()->followScene();
+        const std::vector<RyNode *> ribs = m_b->nodeChildrenIterator();
+        m_scene->setSelection(ribs);
+        QCOMPARE(selection->selection().size(), 1);
+        QCOMPARE(selection->selectedRows().size(), 30);
+        m_scene->setSelection({ribs[3], ribs[1], ribs[2], m_a, ribs[9]});
+        QCOMPARE(selection->selection().size(), 3);
+        QCOMPARE(selection->selectedRows().size(), 5);
+        m_scene->setSelection({});
+        QVERIFY(!selection->hasSelection());
+        pane.tree()->selectAll();
+        QCOMPARE(m_scene->getNumSelectedNodes(), int(m_scene->getNodes().size()));
+        pane.tree()->collapse(pane.tree()->model()->index(0, 0));
+        pane.tree()->selectAll();
+        QCOMPARE(m_scene->selectedNodeListIterator(), std::vector<RyNode *>{m_figure});
+    }
+};
+
+RY_TEST(SceneModelTest)
+#include "tst_SceneModel.moc"
