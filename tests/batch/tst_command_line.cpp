@@ -5,8 +5,8 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 
 #include <QDir>
 #include <QFile>

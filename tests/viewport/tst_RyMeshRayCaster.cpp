@@ -2,7 +2,7 @@
 
 #include "rycore/math/RyAffine.h"
 #include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/viewport/RyMeshRayCaster.h"
+#include "rycore/viewport/picking/RyMeshRayCaster.h"
 
 #include <cmath>
 #include <random>

@@ -143,7 +143,7 @@ void RyFacetMesh::setGroupsOfFacets(const std::vector<int> &groupOfFacet)
     recordGroups();
     for (size_t i = first; i < count; ++i)
         m_facets[i].group = wanted(i);
-    announceGroups();
+    announceGroupsOfFacets();
 }
 
 QStringList RyFacetMesh::groupNames() const
@@ -186,14 +186,20 @@ void RyFacetMesh::restoreGrouping(const Grouping &wanted)
     const size_t count = std::min(m_facets.size(), wanted.groupOfFacet.size());
     for (size_t i = 0; i < count; ++i)
         m_facets[i].group = wanted.groupOfFacet[i];
-    announceGroups();
+    announceGroupsOfFacets();
 }
 
-void RyFacetMesh::announceGroups()
+void RyFacetMesh::announceGroupsOfFacets()
 {
     rebuildGroupLists();
     announceGroups();
     announceContent();
+}
+
+void RyFacetMesh::announceGroups()
+{
+    ++m_groupRevision;
+    emit faceGroupsChanged();
 }
 
 void RyFacetMesh::rebuildGroupLists()
@@ -217,12 +223,6 @@ void RyFacetMesh::rebuildGroupLists()
 void RyFacetMesh::recordGroups()
 {
     RyValueChange<GroupsValue>::record(this);
-}
-
-void RyFacetMesh::announceGroups()
-{
-    ++m_groupRevision;
-    emit faceGroupsChanged();
 }
 
 int RyFacetMesh::getNeighbour(int facet, int edge) const

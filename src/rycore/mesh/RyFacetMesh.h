@@ -77,13 +77,13 @@ private:
     void restoreGrouping(const Grouping &grouping);
     void rebuildGroupLists();
     /// Facets changed group.
+    void announceGroupsOfFacets();
     void announceGroups();
     /// Exchanges the facets, their `group` fields included, and makes the groups of these names.
     void swapFacets(std::vector<RyFacet> &facets, QStringList &groups);
     void keepGroups(const QStringList &names);
     void buildNeighbours() const;
     void recordGroups();
-    void announceGroups();
 
     std::vector<RyFacet> m_facets;
     std::vector<std::unique_ptr<RyFaceGroup>> m_groups;

@@ -4,13 +4,13 @@
 #include "rycore/base/RyRefCounted.h"
 #include "rycore/math/RyBox3.h"
 #include "rycore/math/RyTime.h"
-#include "rycore/scene/RyNodeEdit.h"
-#include "rycore/scene/RyNodeFlags.h"
-#include "rycore/scene/RyNodeGeometry.h"
-#include "rycore/scene/RyNodeMaps.h"
-#include "rycore/scene/RyNodePose.h"
-#include "rycore/scene/RyNodeRigging.h"
-#include "rycore/scene/RyNodeTree.h"
+#include "rycore/scene/node/RyNodeEdit.h"
+#include "rycore/scene/node/RyNodeFlags.h"
+#include "rycore/scene/node/RyNodeGeometry.h"
+#include "rycore/scene/node/RyNodeMaps.h"
+#include "rycore/scene/node/RyNodePose.h"
+#include "rycore/scene/node/RyNodeRigging.h"
+#include "rycore/scene/node/RyNodeTree.h"
 
 #include <memory>
 #include <vector>

@@ -1,9 +1,9 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyModifier.h"
-#include "rycore/scene/RyNodeReplacement.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/node/RyNodeReplacement.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 namespace {

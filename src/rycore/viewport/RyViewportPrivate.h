@@ -2,12 +2,12 @@
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyIdTile.h"
-#include "rycore/viewport/RyNodePicker.h"
-#include "rycore/viewport/RyPickPass.h"
 #include "rycore/viewport/RyViewportInput.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
+#include "rycore/viewport/picking/RyIdTile.h"
+#include "rycore/viewport/picking/RyNodePicker.h"
+#include "rycore/viewport/picking/RyPickPass.h"
 
 #include <QPointer>
 #include <QTimer>

@@ -3,9 +3,9 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 
 #include <algorithm>
 #include <cmath>

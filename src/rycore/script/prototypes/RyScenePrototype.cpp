@@ -1,9 +1,9 @@
 #include "rycore/script/prototypes/RyScenePrototype.h"
 
 #include "rycore/io/RySceneDump.h"
-#include "rycore/scene/RyNodeLookup.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 
 RyNode *RyScenePrototype::find(const QString &nameOrPath) const
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/viewport/RyNodePicker.h"
+#include "rycore/viewport/picking/RyNodePicker.h"
 
 #include <QColor>
 

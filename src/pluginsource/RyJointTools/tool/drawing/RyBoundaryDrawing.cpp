@@ -47,8 +47,8 @@ std::vector<int> RyBoundaryDrawing::findEdges(const RyFacetMesh &mesh, const RyF
 const std::vector<int> &RyBoundaryDrawing::edgesOf(const RyFacetMesh &mesh, const RyFaceGroup *group) const
 {
     const int index = group ? mesh.findFaceGroupIndex(group->getName()) : -1;
-    if (m_edges.mesh != &mesh || m_edges.revision != mesh.revision() ||
-        m_edges.groupRevision != mesh.groupRevision() || m_edges.group != index)
+    if (m_edges.mesh != &mesh || m_edges.revision != mesh.revision() || m_edges.groupRevision != mesh.groupRevision() ||
+        m_edges.group != index)
         m_edges = {&mesh, mesh.revision(), mesh.groupRevision(), index, findEdges(mesh, group)};
     return m_edges.vertices;
 }

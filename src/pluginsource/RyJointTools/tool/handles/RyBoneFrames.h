@@ -2,7 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/handles/RyBoneFrame.h"
 
-#include "rycore/scene/RyNodeMaps.h"
+#include "rycore/scene/node/RyNodeMaps.h"
 
 #include <vector>
 

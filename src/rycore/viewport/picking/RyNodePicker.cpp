@@ -1,4 +1,4 @@
-#include "rycore/viewport/RyNodePicker.h"
+#include "rycore/viewport/picking/RyNodePicker.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"

@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeLookup.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"

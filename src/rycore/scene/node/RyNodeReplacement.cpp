@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeReplacement.h"
+#include "rycore/scene/node/RyNodeReplacement.h"
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyPropertyGroup.h"

@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeMaps.h"
+#include "rycore/scene/node/RyNodeMaps.h"
 
 #include "rycore/scene/RySkeleton.h"
 

@@ -1,8 +1,8 @@
-#include "rycore/scene/RyNodeEdit.h"
+#include "rycore/scene/node/RyNodeEdit.h"
 
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/scene/RyNodePose.h"
-#include "rycore/scene/RyNodeRigging.h"
+#include "rycore/scene/node/RyNodePose.h"
+#include "rycore/scene/node/RyNodeRigging.h"
 
 void RyNodeEdit::begin(const RyNodeRigging &rigging, const RyNodePose &pose)
 {

@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeTree.h"
+#include "rycore/scene/node/RyNodeTree.h"
 
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "rycore/math/RyLine3.h"
-#include "rycore/viewport/RyFacetOwners.h"
-#include "rycore/viewport/RyMeshRayCaster.h"
+#include "rycore/viewport/picking/RyFacetOwners.h"
+#include "rycore/viewport/picking/RyMeshRayCaster.h"
 
 #include <memory>
 #include <unordered_map>

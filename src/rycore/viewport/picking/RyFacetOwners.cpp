@@ -1,4 +1,4 @@
-#include "rycore/viewport/RyFacetOwners.h"
+#include "rycore/viewport/picking/RyFacetOwners.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"

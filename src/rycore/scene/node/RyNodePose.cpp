@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodePose.h"
+#include "rycore/scene/node/RyNodePose.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"

@@ -1,6 +1,6 @@
 #include "rycore/viewport/RyGL.h"
 
-#include "rycore/viewport/RyPickPass.h"
+#include "rycore/viewport/picking/RyPickPass.h"
 
 #include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/viewport/Ry3DViewport.h"

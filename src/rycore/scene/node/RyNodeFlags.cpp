@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeFlags.h"
+#include "rycore/scene/node/RyNodeFlags.h"
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/undo/RyValueChange.h"

@@ -1,4 +1,4 @@
-#include "rycore/viewport/RyMeshRayCaster.h"
+#include "rycore/viewport/picking/RyMeshRayCaster.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 

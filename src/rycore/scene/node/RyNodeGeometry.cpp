@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeGeometry.h"
+#include "rycore/scene/node/RyNodeGeometry.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"

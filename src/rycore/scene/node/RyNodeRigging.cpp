@@ -1,4 +1,4 @@
-#include "rycore/scene/RyNodeRigging.h"
+#include "rycore/scene/node/RyNodeRigging.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
