@@ -142,8 +142,10 @@ private slots:
         delete m_c;
         QVERIFY(!m_model->nodeAt(index));
         QVERIFY(!index.data().isValid());
+        RyBone *fresh = makeBone(m_a, QStringLiteral("fresh"));
         m_model->followScene();
-        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b))"));
+        QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b fresh))"));
+        QCOMPARE(m_model->nodeAt(m_model->indexOf(fresh)), fresh);
     }
 
     void whatWasClosedStaysClosed()
