@@ -1,5 +1,5 @@
 // Reading a 40 MB .glb (500,000 vertices, 200 joints) into mesh and weight maps, against reading the file and copying
-// its bytes.
+// its bytes, and against assimp, where that is installed. Arguments: files to read instead, or --short for one run.
 
 #include "RyBenchmark.h"
 
@@ -17,8 +17,14 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#ifdef RY_HAS_ASSIMP
+#include <assimp/Importer.hpp>
+#include <assimp/scene.h>
+#endif
+
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <random>
 
 namespace {
@@ -90,52 +96,127 @@ bool writeFile(const QString &path)
 
 } // namespace
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("tube.glb"));
-    if (!writeFile(path))
-        return 1;
-    std::printf("file: %.1f MB\n", double(QFile(path).size()) / 1e6);
+namespace {
 
-    std::vector<RyRef<RyNode>> figure;
-    const auto readOurs = [&] {
-        figure.clear();
+/// The most memory that the process has had since the last call, in bytes; 0 where the system does not say.
+double peakMemory()
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    double peak = 0.0;
+    if (status.open(QIODevice::ReadOnly)) {
+        for (const QByteArray &line : status.readAll().split('\n')) {
+            if (line.startsWith("VmHWM:"))
+                peak = line.mid(6).trimmed().split(' ').first().toDouble() * 1024;
+        }
+    }
+    QFile reset(QStringLiteral("/proc/self/clear_refs"));
+    if (reset.open(QIODevice::WriteOnly))
+        reset.write("5");
+    return peak;
+}
+
+class Reading
+{
+public:
+    explicit Reading(const QString &path) : m_path(path) {}
+
+    void readOurs()
+    {
+        m_tops.clear();
         QString error;
-        std::unique_ptr<RyGltfDocument> document = RyGltfDocument::read(path, &error);
-        RyUndoStackLock lock;
-        RyGltfSceneReader reader(std::move(document), path, 100.0);
+        std::unique_ptr<RyGltfDocument> document = RyGltfDocument::read(m_path, &error);
+        if (!document)
+            return;
+        const RyUndoStackLock lock;
+        RyGltfSceneReader reader(std::move(document), m_path, 100.0);
         reader.build(nullptr);
-        figure = reader.topLevelNodes();
-    };
-    std::vector<char> copy;
-    const auto readPlain = [&] {
-        QFile file(path);
+        m_tops = reader.topLevelNodes();
+    }
+
+    void readPlain()
+    {
+        QFile file(m_path);
         if (!file.open(QIODevice::ReadOnly))
             return;
         const QByteArray bytes = file.readAll();
-        copy.resize(size_t(bytes.size()));
-        std::memcpy(copy.data(), bytes.constData(), copy.size());
-    };
-
-    // The result first: counts, and every vertex' weights sum to one.
-    readOurs();
-    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(figure.front()));
-    std::vector<int> sums(size_t(shape->getFacetMesh()->getNumVertices()), 0);
-    const auto &bindings = RySkinBinding::findSkinFromNode(figure.front())->bindings();
-    for (const RyBoneBinding *binding : bindings) {
-        const RyWeightMap &map = *binding->getWeights();
-        for (int i = 0; i < map.getNumAffected(); ++i)
-            sums[size_t(map.getAffectedIndices()[i])] += map.getAffectedWeights()[i];
+        const std::unique_ptr<char[]> copy(new char[size_t(bytes.size())]);
+        std::memcpy(copy.get(), bytes.constData(), size_t(bytes.size()));
+        m_seen += copy[size_t(bytes.size() / 2)];
     }
-    const bool right = shape->getFacetMesh()->getNumVertices() == Columns * Rows && bindings.size() == Joints &&
-                       std::all_of(sums.begin(), sums.end(), [](int sum) { return sum == 65535; });
-    std::printf("vertices %d, facets %d, bindings %zu, all weights sum to one: %s\n",
-                shape->getFacetMesh()->getNumVertices(), shape->getFacetMesh()->getNumFacets(), bindings.size(),
-                right ? "yes" : "NO");
-    if (!right)
-        return 1;
-    RyBenchmark::compare("read a .glb into mesh and weight maps", 9, readOurs, "read + memcpy", readPlain);
-    return 0;
+
+    /// Every vertex' weights sum to one, or there are none.
+    bool isRight() const
+    {
+        for (const RyRef<RyNode> &top : m_tops) {
+            const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(top));
+            const RySkinBinding *skin = RySkinBinding::findSkinFromNode(top);
+            if (!shape || !skin)
+                continue;
+            std::vector<int> sums(size_t(shape->getFacetMesh()->getNumVertices()), 0);
+            for (const RyBoneBinding *binding : skin->bindings()) {
+                const RyWeightMap &map = *binding->getWeights();
+                for (int i = 0; i < map.getNumAffected(); ++i)
+                    sums[size_t(map.getAffectedIndices()[i])] += map.getAffectedWeights()[i];
+            }
+            std::printf("vertices %d, facets %d, bindings %d\n", shape->getFacetMesh()->getNumVertices(),
+                        shape->getFacetMesh()->getNumFacets(), skin->getNumBoneBindings());
+            return std::all_of(sums.begin(), sums.end(), [](int sum) { return sum == 65535 || sum == 0; });
+        }
+        return false;
+    }
+
+    bool isTube() const
+    {
+        const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(m_tops.front()));
+        return shape->getFacetMesh()->getNumVertices() == Columns * Rows &&
+               RySkinBinding::findSkinFromNode(m_tops.front())->getNumBoneBindings() == Joints;
+    }
+
+private:
+    QString m_path;
+    std::vector<RyRef<RyNode>> m_tops;
+    int m_seen = 0;
+};
+
+bool measure(const QString &path, bool isTube, int runs)
+{
+    const double size = double(QFile(path).size());
+    Reading reading(path);
+    peakMemory();
+    const double before = peakMemory();
+    reading.readOurs();
+    const double peak = peakMemory() - before;
+    if (!reading.isRight() || (isTube && !reading.isTube())) {
+        std::printf("%s: WRONG RESULT\n", qPrintable(path));
+        return false;
+    }
+    std::printf("%s: %.1f MB, peak memory %.2f times the file\n", qPrintable(path), size / 1e6, peak / size);
+    const auto ours = [&reading] { reading.readOurs(); };
+    RyBenchmark::compare("read into mesh and weight maps", runs, ours, "read + memcpy", [&] { reading.readPlain(); });
+#ifdef RY_HAS_ASSIMP
+    const QByteArray name = QFile::encodeName(path);
+    RyBenchmark::compare("read into mesh and weight maps", runs, ours, "assimp, no steps after reading", [&] {
+        Assimp::Importer importer;
+        if (!importer.ReadFile(name.constData(), 0))
+            std::printf("assimp: %s\n", importer.GetErrorString());
+    });
+#endif
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const bool isShort = argc > 1 && std::strcmp(argv[1], "--short") == 0;
+    if (argc > 1 && !isShort) {
+        bool good = true;
+        for (int i = 1; i < argc; ++i)
+            good &= measure(QString::fromLocal8Bit(argv[i]), false, 9);
+        return good ? 0 : 1;
+    }
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("tube.glb"));
+    return writeFile(path) && measure(path, true, isShort ? 1 : 9) ? 0 : 1;
 }
