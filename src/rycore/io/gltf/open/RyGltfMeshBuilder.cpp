@@ -56,6 +56,15 @@ void RyGltfMeshBuilder::beginClass(int weldClass)
     m_firstOfClass = int(positions.size());
 }
 
+void RyGltfMeshBuilder::finish()
+{
+    m_weldClass = -1;
+    m_classParts.clear();
+    std::vector<Origin>().swap(m_origins);
+    std::vector<int>().swap(m_table);
+    std::vector<InfluenceRun>().swap(m_runs);
+}
+
 /// Makes room for so many more vertices; the known ones are put in anew.
 void RyGltfMeshBuilder::growTable(size_t added)
 {

@@ -43,6 +43,8 @@ public:
         std::vector<quint16> weights;
     };
     std::vector<BoneWeights> boneWeights(int boneCount) const;
+    /// Lets go of what only adding parts and asking for weights need.
+    void finish();
     /// Per welded vertex the bone with the largest weight, -1 where no bone has any.
     const std::vector<int> &strongestBones() const { return m_strongest; }
 

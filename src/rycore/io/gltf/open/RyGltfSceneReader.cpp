@@ -177,6 +177,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     }
     buildMesh(figure);
     std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
+    figure.mesh->finish();
     std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
     std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
     attachMesh(figure, std::move(weights));
