@@ -189,7 +189,7 @@ void RySkinDeformer::forParts(size_t count, Compute compute) const
             compute(i);
     };
     if (m_lastTouched > ThreadedAbove)
-        RyParallel::forRanges(count, 1, computeRange);
+        RyParallel::forRanges(count, RunsOfTask, computeRange);
     else
         computeRange(0, count);
 }

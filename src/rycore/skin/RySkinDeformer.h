@@ -58,6 +58,8 @@ public:
     static constexpr int ThreadedAbove = 20000;
 
 private:
+    /// So many runs at least make a task of a thread: fewer cost more than they gain.
+    static constexpr int RunsOfTask = 4;
     using Class = RySkinInfluences::Class;
     using Run = RySkinInfluences::Run;
     using Picks = RySkinInfluences::Picks;
