@@ -64,6 +64,7 @@ private slots:
     }
     void atRestNothingIsComputed();
     void posedBonesMoveWhatTheyMove();
+    void stagesThatDoNothingMoveNothing();
     void normalsOfLocalMapsMatchGeneralOnes();
     void failedSkinsLeaveNormalsAtRest();
 };
@@ -149,6 +150,38 @@ void JointDragTest::posedBonesMoveWhatTheyMove()
         for (size_t v : moved)
             QVERIFY(told[v]);
     }
+}
+
+void JointDragTest::stagesThatDoNothingMoveNothing()
+{
+    // Vertices that follow the bone's scale alone stay out of its turns, those that follow one axis of those of others.
+    SkinFixture f(2, 400);
+    RyBoneBinding *binding = f.skin->bindings()[1];
+    const auto mapOfHundred = [&](size_t first) {
+        std::vector<quint16> weights(400, 0);
+        std::fill_n(weights.begin() + std::ptrdiff_t(first), 100, quint16(65535));
+        return f.mapOf(weights);
+    };
+    binding->setLocalWeights(mapOfHundred(0), 0);
+    binding->setLocalWeights(mapOfHundred(100), 1);
+    binding->setScaleWeights(mapOfHundred(300));
+    std::vector<RyVec3> out;
+    f.deform(out);
+    RyBone *bone = f.bones[1];
+    bone->getXTransControl()->setValue(2.5f);
+    f.deform(out);
+    QCOMPARE(f.skin->deformer().lastTouched(), qint64(200));
+    bone->getXRotControl()->setValue(40);
+    f.deform(out);
+    QCOMPARE(f.skin->deformer().lastTouched(), qint64(100));
+    bone->getYRotControl()->setValue(-20);
+    f.deform(out);
+    QVERIFY(f.skin->deformer().lastTouched() <= 200);
+    for (size_t v = 200; v < 400; ++v)
+        QCOMPARE(out[v], f.mesh->getVertex(int(v)));
+    bone->getScaleControl()->setValue(1.25f);
+    f.deform(out);
+    QCOMPARE(f.skin->deformer().lastTouched(), qint64(100));
 }
 
 void JointDragTest::normalsOfLocalMapsMatchGeneralOnes()
