@@ -4,6 +4,7 @@
 
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/viewport/RyGLContext.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 
 #include <QMouseEvent>
@@ -177,7 +178,7 @@ void RyDrawingCountsTest::noCallWhileNothingChanges()
     QCOMPARE(int(recorder.calls.size()), 0);
     QCOMPARE(recorder.countOther(), 0);
     QCOMPARE(viewport.counts().pickPasses, passes);
-    QCOMPARE(RyOffscreenContext::currentKey(), quintptr(0)); // no call could have done anything
+    QCOMPARE(RyGLContext::currentNumber(), quint64(0)); // no call could have done anything
     // A change is seen at the next move.
     stage.lShin->getZTransControl()->setValue(90.0f);
     hover(middle.toPoint());
