@@ -1,6 +1,6 @@
 // What a frame spends on 300 bones, beside code that draws them by the letter. The pictures of both are compared first.
 //
-// Arguments: how often each way is timed (61), and the most that the ratio may be before the program fails (none).
+// Argument: how often each way is timed (61), or --short for a few times.
 #include "RyBoneCrowd.h"
 #include "RyLiteralDrawing.h"
 #include "RyRoundRobin.h"
@@ -106,7 +106,8 @@ double measure(const Stage &stage, bool withLinks, int turns)
     const double covered = difference(expected, stage.picture([] {}));
     std::printf("%d bones %s links: %.3f %% of the pixels show bones, %.4f %% differ\n", Bones,
                 withLinks ? "with" : "without", 100 * covered, 100 * differing);
-    if (covered < 0.02 || differing > (withLinks ? 0.02 : 0.0005) * covered * 20) {
+    // Links are drawn after all bones, by the letter each after its own bone.
+    if (covered < 0.02 || differing > (withLinks ? 0.01 : 0.001) * covered) {
         expected.save(QStringLiteral("expected.png"));
         drawn.save(QStringLiteral("drawn.png"));
         std::printf("the pictures differ\n");
@@ -138,11 +139,11 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    const int turns = argc > 1 ? std::atoi(argv[1]) : 61;
-    const double most = argc > 2 ? std::atof(argv[2]) : 0.0;
+    const bool isShort = argc > 1 && qstrcmp(argv[1], "--short") == 0;
+    const int turns = isShort ? 3 : argc > 1 ? std::atoi(argv[1]) : 61;
     if (!RyOffscreenContext::instance().makeCurrent()) {
         std::printf("no OpenGL here\n");
-        return 1;
+        return 0;
     }
     std::printf("%s, %d x %d\n", reinterpret_cast<const char *>(glGetString(GL_RENDERER)), Width, Height);
     double ratio = 0.0;
@@ -152,5 +153,5 @@ int main(int argc, char **argv)
     }
     ryDestroyScene();
     std::printf("ours / literal code: at most %.3f\n", ratio);
-    return most > 0.0 && ratio > most ? 1 : 0;
+    return 0;
 }
