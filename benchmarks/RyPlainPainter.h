@@ -36,6 +36,10 @@ public:
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     }
 
+    ~RyPlainPainter() { glDeleteBuffers(2, m_buffers); }
+    RyPlainPainter(const RyPlainPainter &) = delete;
+    RyPlainPainter &operator=(const RyPlainPainter &) = delete;
+
     void upload()
     {
         m_positions = m_object->getDeformedPositions();

@@ -1,7 +1,7 @@
 // Frames on whatever renderer there is: a figure of 214,000 vertices while the view turns and while a bone turns,
 // beside the straight road (RyPlainPainter). The pictures of both are compared first.
 //
-// Arguments: --short for a small figure and few turns.
+// Arguments: --short for a small figure and few turns, or how many vertices.
 #include "RyPlainPainter.h"
 #include "RyRoundRobin.h"
 #include "RyTubeFigure.h"
@@ -10,10 +10,12 @@
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/RyCameraController.h"
 #include "rycore/viewport/RyOffscreenContext.h"
+#include "rycore/viewport/drawing/RySplitMesh.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <QApplication>
 
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -74,6 +76,23 @@ public:
         glFinish();
     }
     QImage picture() const { return m_target.toImage(); }
+    /// As after reading: nothing is kept of the object.
+    void paintFirst()
+    {
+        m_painter.release();
+        paint(1);
+    }
+    void paintFirstPlainly()
+    {
+        RyPlainPainter plain(m_tube.object, *m_fresh, width, height);
+        m_edges = RySplitMesh::edgesOf(*m_fresh);
+        plain.upload();
+        plain.drawScene(view());
+        plain.drawFrame(m_target, [] {});
+        glFinish();
+    }
+    /// A mesh that does not know yet which facets are neighbours.
+    void renewMesh() { m_fresh = m_tube.mesh->copy(); }
 
 private:
     RyScene m_scene;
@@ -83,6 +102,8 @@ private:
     RyViewPainter m_painter;
     RyRef<RyCamera> m_camera;
     quint64 m_revision = 1;
+    RyRef<RyFacetMesh> m_fresh;
+    std::vector<unsigned> m_edges;
     float m_angle = 0;
 };
 
@@ -113,7 +134,7 @@ int main(int argc, char **argv)
         std::puts("no OpenGL here");
         return 0;
     }
-    const int vertices = isShort ? 5000 : 214000;
+    const int vertices = isShort ? 5000 : argc > 1 ? std::atoi(argv[1]) : 214000;
     const int turns = isShort ? 2 : 15;
     std::printf("%d vertices on %s\n", vertices, reinterpret_cast<const char *>(glGetString(GL_RENDERER)));
     Stage stage(vertices);
@@ -158,5 +179,13 @@ int main(int argc, char **argv)
     pose.before([&] { stage.bend(); });
     pose.run(turns);
     pose.print();
+
+    std::puts("the first picture after reading");
+    RyRoundRobin first;
+    first.add("straight road, with arrays of edges", [&] { stage.paintFirstPlainly(); });
+    first.before([&] { stage.renewMesh(); });
+    first.add("ours", [&] { stage.paintFirst(); });
+    first.run(isShort ? 1 : 7);
+    first.print();
     return 0;
 }

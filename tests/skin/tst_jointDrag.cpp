@@ -13,13 +13,13 @@ void giveMaps(SkinFixture &f, bool general, bool local)
     for (size_t i = 0; i < f.bones.size(); ++i) {
         RyBoneBinding *binding = f.skin->bindings()[i];
         if (general && (!local || i % 2 == 0)) {
-            binding->setWeights(f.mapOf(weights[i]));
+            binding->setWeights(ryMapOf(weights[i]));
             continue;
         }
         for (int axis = 0; axis < 3; ++axis)
-            binding->setLocalWeights(f.mapOf(weights[(i + size_t(axis)) % f.bones.size()]), axis);
+            binding->setLocalWeights(ryMapOf(weights[(i + size_t(axis)) % f.bones.size()]), axis);
         if (i % 3 == 0)
-            binding->setScaleWeights(f.mapOf(weights[i]));
+            binding->setScaleWeights(ryMapOf(weights[i]));
     }
 }
 
@@ -116,7 +116,7 @@ void JointDragTest::posedBonesMoveWhatTheyMove()
         weights[bone][v] = quint16(weights[bone][v] + 45535);
     }
     for (size_t i = 0; i < 12; ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     giveFacets(f);
     f.skeleton->getZRotControl()->setValue(-15);
     f.skeleton->getScaleControl()->setValue(0.8f);
@@ -160,7 +160,7 @@ void JointDragTest::stagesThatDoNothingMoveNothing()
     const auto mapOfHundred = [&](size_t first) {
         std::vector<quint16> weights(400, 0);
         std::fill_n(weights.begin() + std::ptrdiff_t(first), 100, quint16(65535));
-        return f.mapOf(weights);
+        return ryMapOf(weights);
     };
     binding->setLocalWeights(mapOfHundred(0), 0);
     binding->setLocalWeights(mapOfHundred(100), 1);
@@ -192,7 +192,7 @@ void JointDragTest::normalsOfLocalMapsMatchGeneralOnes()
     f.bones[2]->setInheritScale(false);
     f.poseAll(); // scales that differ from axis to axis among it
     for (size_t i = 0; i < f.bones.size(); ++i)
-        f.skin->bindings()[i]->setWeights(f.mapOf(weights[i]));
+        f.skin->bindings()[i]->setWeights(ryMapOf(weights[i]));
     RyObject *object = f.skeleton->getObject();
     const std::vector<RyVec3> general = *object->getDeformedPoints().normals;
     const std::vector<RyVec3> rest = object->getCurrentShape()->getNormals()->normals();
@@ -200,7 +200,7 @@ void JointDragTest::normalsOfLocalMapsMatchGeneralOnes()
         RyBoneBinding *binding = f.skin->bindings()[i];
         binding->setWeights(nullptr);
         for (int axis = 0; axis < 3; ++axis)
-            binding->setLocalWeights(f.mapOf(weights[i]), axis);
+            binding->setLocalWeights(ryMapOf(weights[i]), axis);
     }
     const std::vector<RyVec3> &local = *object->getDeformedPoints().normals;
     QCOMPARE(local.size(), size_t(1000));
@@ -219,13 +219,13 @@ void JointDragTest::failedSkinsLeaveNormalsAtRest()
 {
     SkinFixture f(2, 10);
     giveFacets(f);
-    f.skin->bindings()[0]->setWeights(f.mapOf(std::vector<quint16>(9, 65535)));
+    f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(9, 65535)));
     f.pose(f.bones[0]);
     RyObject *object = f.skeleton->getObject();
     const RyShapePoints points = object->getDeformedPoints();
     QCOMPARE(points.positions, &f.mesh->getPositions());
     QCOMPARE(points.normals, &object->getCurrentShape()->getNormals()->normals());
-    f.skin->bindings()[0]->setWeights(f.mapOf(std::vector<quint16>(10, 65535)));
+    f.skin->bindings()[0]->setWeights(ryMapOf(std::vector<quint16>(10, 65535)));
     const RyShapePoints posed = object->getDeformedPoints();
     QVERIFY(posed.revision() > points.revision());
     QVERIFY(*posed.positions != f.mesh->getPositions());
