@@ -92,6 +92,21 @@ private slots:
         QVERIFY(bones[4]->figureMap() == bones[3]->figureMap());
         QVERIFY(!(bones[4]->figureMap() == RyAffine()));
     }
+
+    void changesAreCountedThoughNobodyLooks()
+    {
+        const RyRef<RySkeleton> skeleton(new RySkeleton);
+        auto *upper = new RyBone;
+        auto *lower = new RyBone;
+        skeleton->addNodeChild(upper);
+        upper->addNodeChild(lower);
+        for (int i = 1; i < 6; ++i) {
+            const quint64 before = lower->mapRevision();
+            QCOMPARE(lower->mapRevision(), before);
+            upper->getXRotControl()->setValue(float(i));
+            QVERIFY(lower->mapRevision() > before);
+        }
+    }
 };
 
 RY_TEST(NeutralPoseTest)

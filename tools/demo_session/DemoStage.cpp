@@ -3,6 +3,7 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyPlainText.h"
+#include "rycore/viewport/Ry3DViewport.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/window/HostWindow.h"
@@ -55,6 +56,8 @@ bool DemoStage::check(bool ok, const QString &what)
 void DemoStage::picture(const QString &name)
 {
     PointerDriver::wait(250);
+    for (int i = 0; i < 100 && !m_window.viewport()->isRefined(); ++i)
+        PointerDriver::wait(50);
     const QString path = filePath(QStringLiteral("%1-%2.png").arg(++m_pictures).arg(name));
     const QRect place = m_window.frameGeometry();
     // From the screen, as a person sees it: a widget's own picture leaves the viewport out.

@@ -133,8 +133,8 @@ public:
     const RyAffine &figureMap() const;
     /// T(-origin) * linear * T(origin + translation): from figure space to figure space, relative to the parent.
     RyAffine getLocalMap() const;
-    /// Grows whenever figureMap may have changed.
-    quint64 mapRevision() const { return m_maps.revision(); }
+    /// Grows whenever figureMap may have changed, whether somebody asked for that or not.
+    quint64 mapRevision() const;
     /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.
     RyVec3 getWSEndPoint() const;
 

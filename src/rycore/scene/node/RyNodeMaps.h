@@ -18,7 +18,7 @@ public:
     const RyQuat &worldRotation() const { return m_worldRotation; }
     /// From figure space (rest) to figure space (posed).
     const RyAffine &figure() const { return m_figure; }
-    /// Grows whenever the maps may have changed.
+    /// Grows when the maps stop being valid; a change of maps that are not is none.
     quint64 revision() const { return m_revision; }
 
     /// Makes the maps of the node, and those above it that they follow from, valid.

@@ -193,6 +193,12 @@ const RyAffine &RyNode::figureMap() const
     return validMaps().figure();
 }
 
+quint64 RyNode::mapRevision() const
+{
+    // Changes are counted from valid maps on.
+    return validMaps().revision();
+}
+
 RyMatrix4 RyNode::getWSTransform() const
 {
     return (RyAffine::fromTranslation(getOrigin()) * worldMap()).toMatrix4();
