@@ -27,8 +27,3 @@ QColor axisColor(int axis)
 {
     return QColor(axis == 0 ? 255 : 0, axis == 1 ? 255 : 0, axis == 2 ? 255 : 0);
 }
-
-void setColor(const QColor &color, float alpha)
-{
-    glColor4f(GLfloat(color.redF()), GLfloat(color.greenF()), GLfloat(color.blueF()), alpha);
-}

@@ -13,4 +13,3 @@ void setPickColor(int id);
 void setHandleColor(const RyDrawContext &context, int id, const QColor &color);
 /// Red, green, blue for axis 0, 1, 2.
 QColor axisColor(int axis);
-void setColor(const QColor &color, float alpha);
