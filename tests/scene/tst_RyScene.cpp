@@ -198,7 +198,7 @@ private slots:
     void clearing()
     {
         m_a->addNodeChild(m_b);
-        ryScene()->setOrigin(std::make_unique<NamedOrigin>());
+        ryScene()->addOrigin(std::make_shared<NamedOrigin>());
         Listener listener(ryScene());
         for (RyNode *node : {m_a, m_b, m_c})
             listener.watch(node);

@@ -3,6 +3,7 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
+#include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 #include "rycore/io/obj/RyObjOrigin.h"
@@ -59,10 +60,25 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
             top->setName(freeTopLevelName(*scene, top->getName()));
         scene->addNode(top.get());
     }
-    if (!merge || !scene->getOrigin())
-        scene->setOrigin(std::move(origin));
+    scene->addOrigin(std::move(origin));
     if (!merge)
         ryUndoStack()->setClean();
+}
+
+bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &origins, const QString &path,
+                QString *error, QStringList *messages, QStringList *leftOut)
+{
+    QString reason;
+    std::unique_ptr<RyGltfDocument> document;
+    try {
+        document = RyGltfSceneWriter(origins).patch(scene, &reason, messages, leftOut);
+    } catch (const std::exception &failure) {
+        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it (%1)")
+                     .arg(QString::fromUtf8(failure.what()));
+    }
+    if (!document)
+        return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
+    return document->write(path, error);
 }
 
 } // namespace
@@ -132,39 +148,24 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     return true;
 }
 
-bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStringList *messages)
+bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStringList *messages, QStringList *losses)
 {
     const QString ending = endingOf(path);
     if (!writableEndings().contains(ending)) {
         return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")
                                  .arg(path, writableEndings().join(QStringLiteral(", "))));
     }
-    if (ending == QLatin1String("obj")) {
-        if (!RyObjOrigin::save(*scene, path, error, messages))
-            return false;
-        ryUndoStack()->setClean();
-        return true;
-    }
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getOrigin());
-    if (!source) {
-        if (!saveWithoutSource(scene, path, error))
-            return false;
-        ryUndoStack()->setClean();
-        return true;
-    }
-    QString reason;
-    std::unique_ptr<RyGltfDocument> document;
-    try {
-        document = RyGltfSceneWriter(*source).patch(*scene, &reason, messages);
-    } catch (const std::exception &failure) {
-        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it (%1)")
-                     .arg(QString::fromUtf8(failure.what()));
-    }
-    if (!document)
-        return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
-    if (!document->write(path, error))
+    QStringList leftOut;
+    const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
+    const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
+                       : origins.empty()              ? saveWithoutSource(scene, path, error)
+                                                      : saveJoined(*scene, origins, path, error, messages, &leftOut);
+    if (!saved)
         return false;
-    ryUndoStack()->setClean();
+    if (losses)
+        losses->append(leftOut);
+    if (leftOut.isEmpty())
+        ryUndoStack()->setClean();
     return true;
 }
 

@@ -20,8 +20,10 @@ public:
     static bool open(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
     static bool open(RyScene *scene, const QString &path, const Options &options, QString *error,
                      QStringList *messages = nullptr);
-    /// Safe: the old file stays when anything fails. Marks the undo stack clean.
-    static bool save(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
+    /// Safe: the old file stays when anything fails. Marks the undo stack clean, unless `losses` gets what the format
+    /// could hold and was left out all the same. What it cannot hold is a message.
+    static bool save(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr,
+                     QStringList *losses = nullptr);
     /// As a new glTF file from the scene alone, without what the file it came from held besides.
     static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error);
 

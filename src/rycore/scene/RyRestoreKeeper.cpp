@@ -25,10 +25,10 @@ std::function<void()> RyRestoreKeeper::keep()
         figures.push_back(
             {RyRef<RySkeleton>(figure), RyRef<RySkeleton>(figure->getFollowTarget()), figure->drawsGLBones()});
     }
-    return [scene = m_scene, time = m_scene->getTime(), origin = m_scene->sharedOrigin(), selection, figures] {
+    return [scene = m_scene, time = m_scene->getTime(), origins = m_scene->getOrigins(), selection, figures] {
         scene->setTime(time);
-        if (scene->sharedOrigin() != origin)
-            scene->setOrigin(origin);
+        if (scene->getOrigins() != origins)
+            scene->setOrigins(origins);
         std::vector<RyNode *> nodes;
         for (const RyRef<RyNode> &node : selection)
             nodes.push_back(node.get());

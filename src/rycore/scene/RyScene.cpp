@@ -178,7 +178,7 @@ void RyScene::clear()
 {
     if (RyRestorePoints *points = ryRestorePoints())
         points->clear();
-    if (m_nodes.empty() && !m_origin)
+    if (m_nodes.empty() && m_origins.empty())
         return;
     const std::vector<RyNode *> tops = getTopLevelNodes();
     for (RyNode *node : std::vector<RyNode *>(m_nodes))
@@ -186,7 +186,7 @@ void RyScene::clear()
     changeSelection({});
     while (!m_nodes.empty())
         unregisterNode(m_nodes.back(), int(m_nodes.size()) - 1);
-    setOrigin(nullptr);
+    setOrigins({});
     emit nodeListChanged();
     emit drawnDataChanged();
 }
@@ -257,9 +257,15 @@ void RyScene::setTime(const RyTime &time)
     emit timeChanged();
 }
 
-void RyScene::setOrigin(std::shared_ptr<RySceneOrigin> origin)
+void RyScene::setOrigins(Origins origins)
 {
-    m_origin = std::move(origin);
+    m_origins = std::move(origins);
+    emit originChanged();
+}
+
+void RyScene::addOrigin(std::shared_ptr<RySceneOrigin> origin)
+{
+    m_origins.push_back(std::move(origin));
     emit originChanged();
 }
 

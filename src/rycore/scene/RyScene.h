@@ -66,10 +66,13 @@ public:
     static QString getUniqueTopLevelLabel(const QString &label, const RyNode *ignore = nullptr);
 
     /// The file that the scene came from, with what the scene does not hold; null for a scene made here.
-    RySceneOrigin *getOrigin() const { return m_origin.get(); }
-    /// Shared, for restore points bring it back.
-    void setOrigin(std::shared_ptr<RySceneOrigin> origin);
-    const std::shared_ptr<RySceneOrigin> &sharedOrigin() const { return m_origin; }
+    RySceneOrigin *getOrigin() const { return m_origins.empty() ? nullptr : m_origins.front().get(); }
+    /// All files that came into the scene, in the order in which they came; those too of which nothing is left.
+    using Origins = std::vector<std::shared_ptr<RySceneOrigin>>;
+    const Origins &getOrigins() const { return m_origins; }
+    void addOrigin(std::shared_ptr<RySceneOrigin> origin);
+    /// Shared, for restore points bring them back.
+    void setOrigins(Origins origins);
 
 signals:
     void primarySelectionChanged(RyNode *node);
@@ -95,7 +98,7 @@ private:
     std::vector<RyNode *> m_selection;
     QSet<const RyNode *> m_selected; // the same
     RyTime m_time;
-    std::shared_ptr<RySceneOrigin> m_origin;
+    Origins m_origins;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 

@@ -258,11 +258,14 @@ ExitCode BatchRunner::undoOrRedo(bool redo)
 ExitCode BatchRunner::save(const QString &path)
 {
     QString error;
-    QStringList messages;
-    const bool saved = RySceneFile::save(m_window.getScene(), path, &error, &messages);
+    QStringList messages, losses;
+    const bool saved = RySceneFile::save(m_window.getScene(), path, &error, &messages, &losses);
     for (const QString &message : qAsConst(messages))
         say(message);
-    return saved ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+    if (saved && !losses.isEmpty())
+        error =
+            QStringLiteral("%1 was written, but not all of the scene: %2").arg(path, losses.join(QStringLiteral("; ")));
+    return saved && losses.isEmpty() ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
 }
 
 ExitCode BatchRunner::screenshot(const BatchStep &step)

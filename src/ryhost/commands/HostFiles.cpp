@@ -147,9 +147,9 @@ bool HostFiles::mergePath(const QString &path)
 bool HostFiles::savePath(const QString &path)
 {
     QString error;
-    QStringList messages;
+    QStringList messages, losses;
     RyApp::startBusyCursor();
-    const bool done = RySceneFile::save(m_scene, path, &error, &messages);
+    const bool done = RySceneFile::save(m_scene, path, &error, &messages, &losses);
     RyApp::endBusyCursor();
     for (const QString &message : messages)
         RyMessageLog::global().info(message);
@@ -161,6 +161,13 @@ bool HostFiles::savePath(const QString &path)
     m_isSample = false;
     setPath(QFileInfo(path).absoluteFilePath());
     remember(m_path);
+    if (!losses.isEmpty()) {
+        for (const QString &loss : qAsConst(losses))
+            RyMessageLog::global().warning(loss);
+        QMessageBox::warning(m_window, tr("Not All Saved"),
+                             tr("%1 was written without the following, and the scene still counts as unsaved:\n\n%2")
+                                 .arg(QFileInfo(m_path).fileName(), losses.join(QLatin1Char('\n'))));
+    }
     emit messagePosted(messages.isEmpty() ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
                                           : tr("Saved %1: %2").arg(QFileInfo(m_path).fileName(), messages.first()));
     return true;

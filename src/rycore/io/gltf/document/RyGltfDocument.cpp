@@ -6,6 +6,7 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
 #include "rycore/io/gltf/document/RyGltfMeshReader.h"
 #include "rycore/io/gltf/document/RyGltfNodeReader.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/document/RyGltfWriter.h"
 #include "rycore/io/gltf/file/RyGltfError.h"
 #include "rycore/io/gltf/file/RyGltfJson.h"
@@ -25,17 +26,9 @@ std::string_view viewOf(const QByteArray &bytes)
 /// Extensions that may be required because they change neither shape nor rig.
 bool isHarmless(const QString &extension)
 {
-    static const char *const names[] = {"KHR_texture_transform", "KHR_mesh_quantization", "KHR_lights_punctual",
-                                        "KHR_texture_basisu",    "KHR_xmp_json_ld",       "KHR_animation_pointer",
-                                        "EXT_texture_webp",      "EXT_texture_avif",      "MSFT_texture_dds",
-                                        "EXT_lights_image_based"};
-    if (extension.startsWith(QLatin1String("KHR_materials_")))
-        return true;
-    for (const char *name : names) {
-        if (extension == QLatin1String(name))
-            return true;
-    }
-    return false;
+    return RyGltfReferences::knowsExtension(extension) && extension != QLatin1String("EXT_mesh_gpu_instancing") &&
+           extension != QLatin1String("EXT_meshopt_compression") &&
+           extension != QLatin1String("KHR_draco_mesh_compression");
 }
 
 /// Major number of a version text "2.0"; -1 when it is none.
@@ -182,6 +175,18 @@ bool RyGltfDocument::refresh(QString *error)
 QString RyGltfDocument::path() const
 {
     return d->path;
+}
+
+int RyGltfDocument::shownScene() const
+{
+    const auto scenes = d->tree.find("scenes");
+    const int count = scenes == d->tree.end() ? 0 : int(scenes->size());
+    const auto chosen = d->tree.find("scene");
+    if (chosen != d->tree.end() && chosen->is_number_integer() && chosen->get<long long>() >= 0 &&
+        chosen->get<long long>() < count) {
+        return chosen->get<int>();
+    }
+    return count == 0 ? -1 : 0;
 }
 
 const RyGltfModel &RyGltfDocument::model() const

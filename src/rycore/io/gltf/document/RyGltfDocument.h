@@ -32,6 +32,8 @@ public:
     QString path() const;
 
     const RyGltfModel &model() const;
+    /// The scene that is shown; -1 in a file without scenes, where every node without a parent is shown.
+    int shownScene() const;
     /// Reads the model anew from the tree. False with a message, and the model as it was, when the tree is not valid;
     /// buffers must not be added or removed in the tree.
     bool refresh(QString *error);
@@ -88,6 +90,7 @@ public:
     bool write(const QString &path, QString *error) const;
 
 private:
+    friend class RyGltfAppender;
     friend class RyGltfWriter;
     RyGltfDocument();
     struct Private;

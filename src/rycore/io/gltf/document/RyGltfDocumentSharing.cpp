@@ -1,4 +1,5 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 
 #include <algorithm>
 
@@ -31,22 +32,6 @@ bool overlap(const Span &a, const Span &b)
     return shift < (aFirst ? a.size : b.size) || a.stride - shift < (aFirst ? b.size : a.size);
 }
 
-void countUse(const Json &value, std::vector<int> &counts)
-{
-    if (!value.is_number_integer())
-        return;
-    const std::int64_t index = value.get<std::int64_t>();
-    if (index >= 0 && index < std::int64_t(counts.size()))
-        ++counts[std::size_t(index)];
-}
-
-void countUse(const Json &object, const char *key, std::vector<int> &counts)
-{
-    const auto found = object.find(key);
-    if (found != object.end())
-        countUse(*found, counts);
-}
-
 const Json &listOf(const Json &object, const char *key)
 {
     static const Json none = Json::array();
@@ -61,30 +46,14 @@ const std::vector<int> &RyGltfDocument::Private::countUses() const
     if (useCountsValid)
         return useCounts;
     useCounts.assign(model.accessors.size(), 0);
-    for (const Json &mesh : listOf(tree, "meshes")) {
-        for (const Json &primitive : listOf(mesh, "primitives")) {
-            countUse(primitive, "indices", useCounts);
-            for (const Json &attribute : listOf(primitive, "attributes"))
-                countUse(attribute, useCounts);
-            for (const Json &target : listOf(primitive, "targets")) {
-                for (const Json &attribute : target)
-                    countUse(attribute, useCounts);
-            }
-        }
-    }
-    for (const Json &skin : listOf(tree, "skins"))
-        countUse(skin, "inverseBindMatrices", useCounts);
-    for (const Json &animation : listOf(tree, "animations")) {
-        for (const Json &sampler : listOf(animation, "samplers")) {
-            countUse(sampler, "input", useCounts);
-            countUse(sampler, "output", useCounts);
-        }
-    }
-    for (const Json &node : listOf(tree, "nodes")) {
-        for (const Json &extension : listOf(node, "extensions")) {
-            for (const Json &attribute : listOf(extension, "attributes"))
-                countUse(attribute, useCounts);
-        }
+    const auto count = [this](RyGltfList to, const Json &index) {
+        if (to == RyGltfList::Accessors && index.get<std::uint64_t>() < useCounts.size())
+            ++useCounts[index.get<std::size_t>()];
+    };
+    for (const RyGltfList list : {RyGltfList::Nodes, RyGltfList::Animations, RyGltfList::Skins, RyGltfList::Meshes}) {
+        const Json *entries = RyGltfReferences::findList(tree, list);
+        for (std::size_t i = 0; entries && i < entries->size(); ++i)
+            RyGltfReferences::visit(list, (*entries)[i], count);
     }
     useCountsValid = true;
     return useCounts;

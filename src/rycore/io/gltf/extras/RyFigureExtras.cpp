@@ -228,7 +228,7 @@ QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int fig
 static Json bindingsJson(const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf, const std::set<int> &joints)
 {
     Json expected = Json::array();
-    for (const RyBone *bone : skeleton.getAllBones()) {
+    for (const RyBone *bone : ryOwnBones(skeleton)) {
         const int node = nodeOf.of(bone);
         if (joints.count(node))
             expected.push_back(node);
@@ -251,7 +251,7 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         Json entry = Json::object();
         // By its node, or that of its first bone, it is found again.
         const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
-        const std::vector<RyBone *> bones = skeleton ? skeleton->getAllBones() : std::vector<RyBone *>();
+        const std::vector<RyBone *> bones = figure ? ryOwnBones(*figure) : std::vector<RyBone *>();
         const int of = nodeOf.of(bones.empty() ? figure : bones.front());
         if (of >= 0)
             entry["of"] = of;

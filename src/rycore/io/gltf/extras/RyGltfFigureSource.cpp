@@ -1,7 +1,9 @@
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 
 #include "rycore/mesh/RyVertexMesh.h"
+#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
 #include <bit>
@@ -28,6 +30,14 @@ private:
 };
 
 } // namespace
+
+std::vector<RyBone *> ryOwnBones(const RyNode &figure)
+{
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&figure);
+    std::vector<RyBone *> bones = skeleton ? skeleton->getAllBones() : std::vector<RyBone *>();
+    std::erase_if(bones, [skeleton](const RyBone *bone) { return bone->getSkeleton() != skeleton; });
+    return bones;
+}
 
 quint64 ryPositionsHash(const RyNode &node)
 {

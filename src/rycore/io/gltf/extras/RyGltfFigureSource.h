@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class RyBone;
 struct RyMeshParts;
 
 /// A skin of the file: one map brings its mesh space to figure space.
@@ -46,18 +47,23 @@ struct RyGltfFigureSource
     quint64 positionsHash = 0;                    // of the mesh as it was read
     std::shared_ptr<const RyMeshParts> meshParts; // likewise
     int vertexCount = 0;
-    std::vector<RyGltfLoadedWeights> weights; // in the order of the bindings
-    QString mapsText;                         // local, scale and bulge maps as the extras say them
-    int firstRoot = -1;                       // node of the first topmost bone
-    QString riggingText;                      // of the figure itself, as that of nodes
-    QString groupsText;                       // face groups as they were read, in the text of the extras
-    QString selectionText;                    // likewise the selection map
+    /// In the order of the bindings. Shared, for it is large and never changes.
+    using Weights = std::vector<RyGltfLoadedWeights>;
+    std::shared_ptr<const Weights> weights = std::make_shared<Weights>();
+    QString mapsText;      // local, scale and bulge maps as the extras say them
+    int firstRoot = -1;    // node of the first topmost bone
+    QString riggingText;   // of the figure itself, as that of nodes
+    QString groupsText;    // face groups as they were read, in the text of the extras
+    QString selectionText; // likewise the selection map
 
     /// Whether vertices are elsewhere than they were read.
     bool hasOtherVertices() const;
     /// Whether they can go into the file's own meshes: they are still as many, in the same parts.
     bool canWriteVertices() const;
 };
+
+/// Bones of a figure without those of figures that hang on it, in the order of the figure's list.
+std::vector<RyBone *> ryOwnBones(const RyNode &figure);
 
 /// Of the positions of a node's mesh, to tell whether they were edited.
 quint64 ryPositionsHash(const RyNode &node);

@@ -14,7 +14,8 @@ void RyGltfOrigin::recordTree()
         source.parent = nodeOf.of(source.sceneParent);
         if (source.parent < 0 && source.sceneParent)
             source.figureToWorld = source.sceneParent->worldMap();
-        if (source.isBone && source.parent < 0 && figures[size_t(source.figure)].firstRoot < 0)
+        if (source.isBone && source.sceneParent == figures[size_t(source.figure)].sceneNode &&
+            figures[size_t(source.figure)].firstRoot < 0)
             figures[size_t(source.figure)].firstRoot = source.node;
     }
     for (const QPointer<RyNode> &top : tops) {
@@ -38,9 +39,4 @@ const RyGltfFigureSource *RyGltfOrigin::findFigureSource(const RyNode *figure) c
     const auto found = std::find_if(figures.begin(), figures.end(),
                                     [figure](const RyGltfFigureSource &source) { return source.sceneNode == figure; });
     return found == figures.end() ? nullptr : &*found;
-}
-
-bool RyGltfOrigin::isKeptFigure(const RyNode &node) const
-{
-    return qobject_cast<const RySkeleton *>(&node) && findFigureSource(&node);
 }

@@ -21,8 +21,6 @@ public:
     void recordTree();
     const RyGltfNodeSource *findSource(const RyNode *node) const;
     const RyGltfFigureSource *findFigureSource(const RyNode *figure) const;
-    /// Whether a node is a figure with bones that the file has.
-    bool isKeptFigure(const RyNode &node) const;
 
     QString filePath;
     double unit = 100.0;

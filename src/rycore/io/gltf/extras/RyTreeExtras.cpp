@@ -39,6 +39,20 @@ bool RyTreeExtras::isRemoved(const RyGltfDocument &document, const char *list, i
     return removed && *removed == Json(true);
 }
 
+void RyTreeExtras::markFigure(RyGltfDocument &document, int node)
+{
+    RyExtrasJson::store(document.json()["nodes"][size_t(node)],
+                        Json{{"version", RyExtrasJson::Version}, {"figure", true}});
+}
+
+bool RyTreeExtras::isFigure(const RyGltfDocument &document, int node)
+{
+    const Json *entry = RyExtrasJson::entry(document.json(), "nodes", node);
+    const Json *ours = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    const Json *figure = ours ? find(*ours, "figure") : nullptr;
+    return figure && *figure == Json(true);
+}
+
 void RyTreeExtras::storeToFigure(RyGltfDocument &document, int skin, const RyAffine &toFigure)
 {
     Json numbers = Json::array();

@@ -13,6 +13,11 @@ namespace RyTreeExtras {
 void markRemoved(RyGltfDocument &document, const char *list, int index);
 bool isRemoved(const RyGltfDocument &document, const char *list, int index);
 
+/// Marks the node that carries a figure: its place, and what the figure hangs on. Joints below it are of no figure that
+/// has joints above it.
+void markFigure(RyGltfDocument &document, int node);
+bool isFigure(const RyGltfDocument &document, int node);
+
 /// The map from a skin's mesh space to figure space, in units of the file: a file says only where joints are and how
 /// vertices follow them, and any such map is as true as another.
 void storeToFigure(RyGltfDocument &document, int skin, const RyAffine &toFigure);

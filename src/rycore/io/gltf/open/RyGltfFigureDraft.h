@@ -14,7 +14,8 @@ class RyFigure;
 /// A figure while it is read.
 struct RyGltfFigureDraft
 {
-    int place = -1; // among the figures of the file
+    int place = -1;   // among the figures of the file
+    int carrier = -1; // node that carries the figure, -1 for none
     RyGltfJointSet joints;
     RyGltfRest rest;
     std::vector<RyBone *> bones; // in step with the set's

@@ -29,7 +29,7 @@ private:
 class Finder
 {
 public:
-    Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const std::vector<bool> &isLeftOut);
+    Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const RyGltfFigureMarks &marks);
     std::vector<RyGltfJointSet> find();
 
 private:
@@ -44,6 +44,7 @@ private:
     const std::vector<int> &m_preOrder;
     std::vector<bool> m_isLeftOut; // per skin
     // Per node of the file.
+    std::vector<bool> m_carries;
     DisjointSets m_united;
     std::vector<bool> m_isJoint;
     std::vector<bool> m_isBone;
@@ -52,11 +53,12 @@ private:
     std::vector<RyGltfJointSet> m_result;
 };
 
-Finder::Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const std::vector<bool> &isLeftOut)
-    : m_model(model), m_preOrder(preOrder), m_united(model.nodes.size()), m_isJoint(model.nodes.size(), false),
-      m_isBone(model.nodes.size(), false), m_placeInSet(model.nodes.size(), -1)
+Finder::Finder(const RyGltfModel &model, const std::vector<int> &preOrder, const RyGltfFigureMarks &marks)
+    : m_model(model), m_preOrder(preOrder), m_carries(marks.carries), m_united(model.nodes.size()),
+      m_isJoint(model.nodes.size(), false), m_isBone(model.nodes.size(), false), m_placeInSet(model.nodes.size(), -1)
 {
-    leaveOut(isLeftOut);
+    m_carries.resize(model.nodes.size(), false);
+    leaveOut(marks.isLeftOut);
 }
 
 std::vector<RyGltfJointSet> Finder::find()
@@ -102,7 +104,7 @@ void Finder::uniteWithJointsAbove()
     std::vector<int> jointAbove(m_model.nodes.size(), -1);
     for (const int node : m_preOrder) {
         const int parent = m_model.nodes[size_t(node)].parent;
-        if (parent >= 0)
+        if (parent >= 0 && !m_carries[size_t(node)])
             jointAbove[size_t(node)] = m_isJoint[size_t(parent)] ? parent : jointAbove[size_t(parent)];
         if (m_isJoint[size_t(node)] && jointAbove[size_t(node)] >= 0)
             boneAllBetween(node, jointAbove[size_t(node)]);
@@ -159,7 +161,7 @@ void Finder::listSkins()
 } // namespace
 
 std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
-                                                const std::vector<bool> &isLeftOut)
+                                                const RyGltfFigureMarks &marks)
 {
-    return Finder(model, preOrder, isLeftOut).find();
+    return Finder(model, preOrder, marks).find();
 }

@@ -4,7 +4,13 @@
 
 #include <vector>
 
-/// `isLeftOut`: skins that make no figure; may be shorter than the list of skins. Nor do those make one that have no
-/// joint in `preOrder`.
+/// What makes no figure of its own, or one of its own; the lists may be shorter than those of the file.
+struct RyGltfFigureMarks
+{
+    std::vector<bool> isLeftOut; // skins that make no figure
+    std::vector<bool> carries;   // nodes that carry a figure: joints below do not belong to joints above
+};
+
+/// Skins without a joint in `preOrder` make no figure either.
 std::vector<RyGltfJointSet> ryGltfFindJointSets(const RyGltfModel &model, const std::vector<int> &preOrder,
-                                                const std::vector<bool> &isLeftOut = {});
+                                                const RyGltfFigureMarks &marks = {});

@@ -43,9 +43,41 @@ void RyGltfSceneReader::build(QStringList *messages)
     m_nodeToWorld = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
     leaveOutRemoved();
-    std::vector<bool> isLeftOut;
+    draftFigures();
+    if (!(m_origin->unit > 0.0))
+        m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
+    if (!(m_origin->unit > 0.0))
+        m_origin->unit = findUnit();
+    // In the order of the file, so that what something hangs on is there before it.
+    std::vector<Figure *> figureOf(model.nodes.size(), nullptr);
+    for (Figure &figure : m_figures)
+        figureOf[size_t(figure.joints.bones.front())] = &figure;
+    const std::vector<bool> isProp = findProps();
+    for (const int node : m_preOrder) {
+        if (Figure *figure = figureOf[size_t(node)])
+            buildFigure(*figure);
+        else if (isProp[size_t(node)])
+            buildProp(node);
+    }
+    // Props stand behind all figures, which go by their number.
+    std::vector<RyGltfFigureSource> props = std::move(m_origin->figures);
+    m_origin->figures.clear();
+    for (Figure &figure : m_figures)
+        m_origin->figures.push_back(std::move(figure.source));
+    std::move(props.begin(), props.end(), std::back_inserter(m_origin->figures));
+    for (const RyRef<RyNode> &top : m_tops)
+        m_origin->tops.emplace_back(top.get());
+    m_origin->recordTree();
+}
+
+void RyGltfSceneReader::draftFigures()
+{
+    const RyGltfModel &model = m_origin->document->model();
+    RyGltfFigureMarks marks;
     for (size_t skin = 0; skin < model.skins.size(); ++skin)
-        isLeftOut.push_back(RyTreeExtras::isRemoved(*m_origin->document, "skins", int(skin)));
+        marks.isLeftOut.push_back(RyTreeExtras::isRemoved(*m_origin->document, "skins", int(skin)));
+    for (size_t node = 0; node < model.nodes.size(); ++node)
+        marks.carries.push_back(RyTreeExtras::isFigure(*m_origin->document, int(node)));
     const auto restOf = [this](int node, const RyAffine &posed) {
         const double unit = RyFigureExtras::storedUnit(*m_origin->document);
         return unit > 0.0
@@ -53,25 +85,32 @@ void RyGltfSceneReader::build(QStringList *messages)
                          RyAffine::fromScale(1.0 / unit)
                    : posed;
     };
-    for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, isLeftOut)) {
+    for (RyGltfJointSet &set : ryGltfFindJointSets(model, m_preOrder, marks)) {
         Figure figure;
+        figure.carrier = findCarrier(set, marks.carries);
         figure.place = int(m_figures.size());
         figure.rest = ryGltfFindRest(*m_origin->document, set, m_nodeToWorld, restOf);
         figure.joints = std::move(set);
         m_figures.push_back(std::move(figure));
     }
-    if (!(m_origin->unit > 0.0))
-        m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
-    if (!(m_origin->unit > 0.0))
-        m_origin->unit = findUnit();
-    for (Figure &figure : m_figures)
-        buildFigure(figure);
-    for (Figure &figure : m_figures)
-        m_origin->figures.push_back(std::move(figure.source));
-    buildProps();
-    for (const RyRef<RyNode> &top : m_tops)
-        m_origin->tops.emplace_back(top.get());
-    m_origin->recordTree();
+}
+
+/// The nearest node above the topmost joints that is marked so, if it is the same for all of them.
+int RyGltfSceneReader::findCarrier(const RyGltfJointSet &joints, const std::vector<bool> &carries) const
+{
+    const RyGltfModel &model = m_origin->document->model();
+    int carrier = -1;
+    for (size_t i = 0; i < joints.bones.size(); ++i) {
+        if (joints.parents[i] >= 0)
+            continue;
+        int above = model.nodes[size_t(joints.bones[i])].parent;
+        while (above >= 0 && !carries[size_t(above)])
+            above = model.nodes[size_t(above)].parent;
+        if (above < 0 || (i > 0 && above != carrier))
+            return -1;
+        carrier = above;
+    }
+    return carrier;
 }
 
 void RyGltfSceneReader::leaveOutRemoved()
@@ -157,11 +196,10 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     }
     figure.entry = RyFigureExtras::findEntry(*m_origin->document, figure.joints.bones, figure.place);
     figure.figure = new RyFigure;
-    figure.figure->setName(uniqueName(figureName(figure), m_topNames));
     figure.source.sceneNode = figure.figure;
     RyFigureExtras::applyToFigure(*m_origin->document, figure.entry, m_origin->unit, figure.rest.isStored,
                                   *figure.figure);
-    m_tops.emplace_back(figure.figure);
+    hangFigure(figure);
 
     QSet<QString> &names = m_namesBelow[figure.figure];
     for (size_t i = 0; i < figure.joints.bones.size(); ++i) {
@@ -179,10 +217,49 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
     figure.mesh->finish();
     std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
+    if (figure.carrier >= 0)
+        m_origin->nodes.push_back(carrierSource(figure));
     std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
     attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
     figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
+}
+
+/// What a node of the file stands below in the scene.
+RyNode *RyGltfSceneReader::sceneNodeAbove(int node) const
+{
+    const RyGltfModel &model = m_origin->document->model();
+    for (int at = model.nodes[size_t(node)].parent; at >= 0; at = model.nodes[size_t(at)].parent) {
+        if (m_sceneNodeOf[size_t(at)])
+            return m_sceneNodeOf[size_t(at)];
+    }
+    return nullptr;
+}
+
+void RyGltfSceneReader::hangFigure(Figure &figure)
+{
+    RyNode *above = figure.carrier >= 0 ? sceneNodeAbove(figure.carrier) : nullptr;
+    figure.figure->setName(uniqueName(figureName(figure), namesBeside(above)));
+    if (figure.carrier >= 0)
+        m_sceneNodeOf[size_t(figure.carrier)] = figure.figure;
+    if (above)
+        above->addNodeChild(figure.figure, false, placeBelow(*above, figure.carrier));
+    else
+        m_tops.emplace_back(figure.figure);
+}
+
+/// The node that carries a figure: where it stands while the figure does not move it.
+RyGltfNodeSource RyGltfSceneReader::carrierSource(const Figure &figure) const
+{
+    RyGltfNodeSource source;
+    source.node = figure.carrier;
+    source.sceneNode = figure.figure;
+    source.bind = m_nodeToWorld[size_t(figure.carrier)] * RyAffine::fromScale(m_origin->unit) *
+                  figure.figure->worldMap().inverse();
+    source.localPose = figure.figure->getLocalMap();
+    source.loaded = RyNodeValues::of(*figure.figure);
+    source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
+    return source;
 }
 
 // --- Names and looks
@@ -215,6 +292,15 @@ QString RyGltfSceneReader::partName(int mesh, int primitive) const
         name += QLatin1Char(' ') + (materialName.isEmpty() ? QStringLiteral("material%1").arg(material) : materialName);
     }
     return name;
+}
+
+/// Names that are taken where something hangs: in a figure, or at the top of the scene.
+QSet<QString> &RyGltfSceneReader::namesBeside(RyNode *above)
+{
+    if (!above)
+        return m_topNames;
+    RyNode *figure = above->getSkeleton();
+    return m_namesBelow[figure ? figure : above];
 }
 
 QString RyGltfSceneReader::uniqueName(const QString &wanted, QSet<QString> &taken) const

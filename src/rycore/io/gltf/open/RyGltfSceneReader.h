@@ -30,7 +30,12 @@ private:
 
     void leaveOutRemoved();
     double findUnit() const;
+    void draftFigures();
+    int findCarrier(const RyGltfJointSet &joints, const std::vector<bool> &carries) const;
     void buildFigure(Figure &figure);
+    void hangFigure(Figure &figure);
+    RyGltfNodeSource carrierSource(const Figure &figure) const;
+    RyNode *sceneNodeAbove(int node) const;
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
     std::vector<std::vector<RyAffine>> restToNodePose(const Figure &figure) const;
@@ -41,7 +46,6 @@ private:
                              std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     std::vector<bool> findProps() const;
-    void buildProps();
     void buildProp(int index);
     RyGltfNodeSource propSource(int index, const RyNode *above) const;
     void hangProp(RyNode &prop, RyNode *above, int index);
@@ -52,6 +56,7 @@ private:
     void fillLooks(RyMeshParts &parts);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;
+    QSet<QString> &namesBeside(RyNode *above);
     QString uniqueName(const QString &wanted, QSet<QString> &taken) const;
     void say(const QString &message);
 

@@ -159,6 +159,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     const bool hasMaps = RyFigureExtras::hasMaps(*m_origin->document, figure.entry);
     RyMapExtras::Fingerprint fingerprint;
     RyGltfNodeIndex nodeOf;
+    auto loaded = std::make_shared<RyGltfFigureSource::Weights>();
     for (const size_t i : bonesToBind(figure, weights)) {
         auto *map = new RyWeightMap(figure.bones[i]->getName());
         map->setAffected(vertexCount, weights[i].vertices, weights[i].weights);
@@ -170,8 +171,7 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
         nodeOf.add(figure.bones[i], node);
         for (size_t k = 0; hasMaps && k < weights[i].vertices.size(); ++k)
             fingerprint.add(node, weights[i].vertices[k], weights[i].weights[k]);
-        figure.source.weights.push_back(
-            {figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
+        loaded->push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
     }
     if (hasMaps) {
         RyFigureExtras::applyMaps(*m_origin->document, figure.entry, fingerprint, vertexCount, nodeOf, *skin,
@@ -179,10 +179,11 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
         for (size_t i = 0; i < skin->bindings().size(); ++i) {
             // Where only local maps are left, the mean of them is what counts as read.
             const RyGltfBindingWeights read(*skin->bindings()[i]);
-            figure.source.weights[i].vertices.assign(read.vertices.begin(), read.vertices.end());
-            figure.source.weights[i].weights.assign(read.weights.begin(), read.weights.end());
+            (*loaded)[i].vertices.assign(read.vertices.begin(), read.vertices.end());
+            (*loaded)[i].weights.assign(read.weights.begin(), read.weights.end());
         }
     }
+    figure.source.weights = std::move(loaded);
     figure.source.mapsText = RyMapExtras::text(skin);
     return skin;
 }

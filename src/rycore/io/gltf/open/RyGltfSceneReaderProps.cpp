@@ -58,44 +58,37 @@ std::vector<bool> RyGltfSceneReader::findProps() const
 {
     const RyGltfModel &model = m_origin->document->model();
     std::set<int> shownSkins;
-    for (const RyGltfFigureSource &figure : m_origin->figures) {
-        for (const RyGltfSkinSource &skin : figure.skins)
-            shownSkins.insert(skin.skin);
+    std::vector<bool> isTaken(model.nodes.size(), false); // by a figure
+    for (const Figure &figure : m_figures) {
+        shownSkins.insert(figure.joints.skins.begin(), figure.joints.skins.end());
+        for (const int bone : figure.joints.bones)
+            isTaken[size_t(bone)] = true;
+        if (figure.carrier >= 0)
+            isTaken[size_t(figure.carrier)] = true;
     }
     std::vector<bool> isProp(model.nodes.size(), false);
     for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
         const RyGltfNode &each = model.nodes[size_t(*node)];
-        if (m_sceneNodeOf[size_t(*node)] || shownSkins.count(each.skin))
+        if (isTaken[size_t(*node)] || shownSkins.count(each.skin))
             continue;
         isProp[size_t(*node)] = each.mesh >= 0;
         for (const int child : each.children)
-            isProp[size_t(*node)] = isProp[size_t(*node)] || (isProp[size_t(child)] && !m_sceneNodeOf[size_t(child)]);
+            isProp[size_t(*node)] = isProp[size_t(*node)] || isProp[size_t(child)];
     }
     return isProp;
-}
-
-void RyGltfSceneReader::buildProps()
-{
-    const std::vector<bool> isProp = findProps();
-    for (const int index : m_preOrder) {
-        if (isProp[size_t(index)] && !m_sceneNodeOf[size_t(index)])
-            buildProp(index);
-    }
 }
 
 void RyGltfSceneReader::buildProp(int index)
 {
     const RyGltfModel &model = m_origin->document->model();
     const RyGltfNode &node = model.nodes[size_t(index)];
-    RyNode *above = nullptr;
-    for (int at = node.parent; at >= 0 && !above; at = model.nodes[size_t(at)].parent)
-        above = m_sceneNodeOf[size_t(at)];
+    RyNode *above = sceneNodeAbove(index);
     if (node.mesh < 0 && !above)
         return; // a plain node above props stays in the file's tree alone
     RyGltfNodeSource source = propSource(index, above);
     auto *prop = new RyNode;
-    prop->setName(uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name,
-                             above ? m_namesBelow[above->getSkeleton() ? above->getSkeleton() : above] : m_topNames));
+    prop->setName(
+        uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name, namesBeside(above)));
     RyQuat orientation;
     source.bind.decomposePolar(source.stretch, orientation);
     prop->setOrigin(source.bind.translation(), true);
@@ -149,7 +142,8 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     mesh->setFacets(std::move(builder.facets));
     auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
     fillLooks(*parts);
-    const int entry = RyFigureExtras::findEntry(*m_origin->document, {source.node}, int(m_origin->figures.size()));
+    const int number = int(m_figures.size() + m_origin->figures.size());
+    const int entry = RyFigureExtras::findEntry(*m_origin->document, {source.node}, number);
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
     auto *shape = new RyFacetShape(mesh);

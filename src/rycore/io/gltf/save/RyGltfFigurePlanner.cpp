@@ -14,7 +14,7 @@ RyGltfFigurePlan RyGltfFigurePlanner::plan(const RyGltfFigureSource &source) con
 {
     Figure figure;
     figure.source = &source;
-    static_cast<const RySkeleton *>(source.sceneNode.data())->getAllBones(figure.bones);
+    figure.bones = ryOwnBones(*source.sceneNode);
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source.sceneNode));
     if (shape && shape->getFacetMesh() && shape->getParts() && shape->getParts()->parts.size() == source.parts.size()) {
         figure.mesh = shape->getFacetMesh();

@@ -6,6 +6,7 @@
 #include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
+#include "rycore/io/gltf/save/RyGltfScenePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
@@ -73,37 +74,28 @@ void RyGltfNewNodes::addTree(const RyNode &top)
 {
     if (qobject_cast<const RyCamera *>(&top))
         return;
-    const auto *skeleton = qobject_cast<const RySkeleton *>(&top);
-    if (skeleton && !bonesOf(*skeleton).empty()) {
+    if (!ryOwnBones(top).empty()) {
         // The figure node carries the figure's own transform, its joints stand in figure space.
         const RyAffine own = RyAffine::fromScale(m_unit) * top.worldMap() * RyAffine::fromScale(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
         m_nodeOf.add(&top, node);
-        for (const RyNode *child : top.nodeChildrenIterator()) {
-            if (!isKept(*child))
-                addNode(*child, node, RyAffine::fromScale(m_unit));
-        }
+        for (const RyNode *child : top.nodeChildrenIterator())
+            addNode(*child, node, RyAffine::fromScale(m_unit));
         addSkinnedMesh(top);
     } else {
         addNode(top, -1, RyAffine::fromScale(m_unit));
     }
 }
 
-bool RyGltfNewNodes::isKept(const RyNode &node) const
+void RyGltfNewNodes::addMeshes(const RyGltfScenePatch &patch)
 {
-    return m_source && m_source->isKeptFigure(node);
-}
-
-std::vector<RyBone *> RyGltfNewNodes::bonesOf(const RySkeleton &skeleton) const
-{
-    std::vector<RyBone *> bones = skeleton.getAllBones();
-    const auto isOfKept = [&](const RyNode *bone) {
-        while (bone && bone != &skeleton && !isKept(*bone))
-            bone = bone->getNodeParent();
-        return bone != &skeleton;
-    };
-    bones.erase(std::remove_if(bones.begin(), bones.end(), isOfKept), bones.end());
-    return bones;
+    m_nodeOf = patch.nodeOf;
+    for (const auto &[node, index] : patch.added) {
+        if (!ryOwnBones(*node).empty())
+            addSkinnedMesh(*node);
+        else if (meshOf(*node))
+            addMeshOf(*node, index, patch.edits.at(index).bind);
+    }
 }
 
 void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine &rootParentBind)
@@ -128,10 +120,8 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
         if (meshOf(*next.node))
             addMeshOf(*next.node, index, bind);
         const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
-        for (auto child = children.rbegin(); child != children.rend(); ++child) {
-            if (!isKept(**child))
-                pending.push_back({*child, index, bind});
-        }
+        for (auto child = children.rbegin(); child != children.rend(); ++child)
+            pending.push_back({*child, index, bind});
     }
 }
 
@@ -193,7 +183,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
 {
     const auto &skeleton = static_cast<const RySkeleton &>(skeletonNode);
     const RyFacetMesh *mesh = meshOf(skeleton);
-    const std::vector<RyBone *> bones = bonesOf(skeleton);
+    const std::vector<RyBone *> bones = ryOwnBones(skeleton);
     m_figures.push_back(&skeletonNode);
     std::vector<int> joints;
     RyGltfNodeIndex jointOf;
@@ -284,16 +274,13 @@ std::vector<const RyNode *> RyGltfNewNodes::figures() const
     return sorted;
 }
 
-void RyGltfNewNodes::storeNodes() const
-{
-    for (const auto &[node, index] : m_nodeOf.entries()) {
-        if (!qobject_cast<const RySkeleton *>(node))
-            RyRiggingExtras::storeNode(m_document, index, *node);
-    }
-}
-
 void RyGltfNewNodes::storeExtras()
 {
-    storeNodes();
+    for (const auto &[node, index] : m_nodeOf.entries()) {
+        if (ryOwnBones(*node).empty())
+            RyRiggingExtras::storeNode(m_document, index, *node);
+        else
+            RyTreeExtras::markFigure(m_document, index);
+    }
     RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints);
 }

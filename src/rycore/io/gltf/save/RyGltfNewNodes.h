@@ -14,6 +14,7 @@ class RyFacetMesh;
 class RyNode;
 class RyScene;
 class RySkeleton;
+struct RyGltfScenePatch;
 
 /// Writes nodes that came from nowhere (or a whole scene, without the file it came from) as new nodes, skins and
 /// meshes: figure space becomes mesh space, all influences are written, weights sum to exactly full weight.
@@ -29,12 +30,11 @@ public:
 
     /// A top-level node with everything below it.
     void addTree(const RyNode &top);
+    /// The meshes and skins of nodes that a patch added.
+    void addMeshes(const RyGltfScenePatch &patch);
     /// Stores end points, orders, groups and the like in the file's extras; call once at the end.
     void storeExtras();
-    /// The part of it that stands at the nodes.
-    void storeNodes() const;
 
-    const RyGltfNodeIndex &nodes() const { return m_nodeOf; }
     /// Nodes of all bones.
     const std::set<int> &joints() const { return m_joints; }
     /// Figures with their skins first, then props: the order in which they will be read.
@@ -43,9 +43,6 @@ public:
     static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, double unit);
 
 private:
-    /// Figures of the source stay where the file has them, whatever they hang on now.
-    bool isKept(const RyNode &node) const;
-    std::vector<RyBone *> bonesOf(const RySkeleton &skeleton) const;
     void addNode(const RyNode &node, int parent, const RyAffine &parentBind);
     void addMeshOf(const RyNode &node, int fileNode, const RyAffine &meshFrame);
     void addSkinnedMesh(const RyNode &skeleton);

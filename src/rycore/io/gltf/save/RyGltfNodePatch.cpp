@@ -115,12 +115,20 @@ void RyGltfNodePatch::writeNode(int index, const Edit &edit)
     const RyNode &node = *edit.node;
     const RyGltfModel &model = m_patch.document.model();
     const int fileParent = model.nodes[size_t(index)].parent;
-    const auto above = m_patch.edits.find(fileParent);
+    // The nearest node above that stands in the scene, and the plain ones between.
+    int near = fileParent;
+    RyAffine parentToNear;
+    bool betweenWasWritten = false;
+    for (; near >= 0 && !m_patch.edits.count(near); near = model.nodes[size_t(near)].parent) {
+        parentToNear = parentToNear * model.nodes[size_t(near)].transform.toAffine();
+        betweenWasWritten = betweenWasWritten || m_patch.rewritten.count(near) > 0;
+    }
+    const auto above = m_patch.edits.find(near);
     if (above != m_patch.edits.end() && above->second.node == node.getNodeParent()) {
-        if (!edit.restChanged && !edit.poseChanged && !edit.moved && !above->second.restChanged)
+        if (!edit.restChanged && !edit.poseChanged && !edit.moved && !above->second.restChanged && !betweenWasWritten)
             return;
         RyAffine figureToParent;
-        if (above->second.bind.invert(figureToParent))
+        if ((parentToNear * above->second.bind).invert(figureToParent))
             setLocal(index, edit.bind * localPoseNow(edit) * figureToParent);
         else
             keepSingular(node);

@@ -3,6 +3,8 @@
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/save/RyGltfCarriers.h"
+#include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
@@ -16,24 +18,9 @@
 
 #include <algorithm>
 
-bool RyGltfSceneWriter::isEdited(const RyScene &scene) const
-{
-    if (RyGltfStructurePatch::isEdited(m_source) || !newTops(scene).empty())
-        return true;
-    for (const RyGltfNodeSource &source : m_source.nodes) {
-        if (!(RyNodeValues::of(*source.sceneNode) == source.loaded) ||
-            RyRiggingExtras::nodeText(*source.sceneNode) != source.riggingText) {
-            return true;
-        }
-    }
-    for (const RyGltfFigureSource &figure : m_source.figures) {
-        if (isFigureEdited(figure))
-            return true;
-    }
-    return m_source.unitWasChosen && m_source.unit != RyFigureExtras::storedUnit(*m_source.document);
-}
+namespace {
 
-bool RyGltfSceneWriter::isFigureEdited(const RyGltfFigureSource &figure) const
+bool isFigureEdited(const RyGltfFigureSource &figure)
 {
     const RyNode &node = *figure.sceneNode;
     if (figure.canWriteVertices())
@@ -48,78 +35,15 @@ bool RyGltfSceneWriter::isFigureEdited(const RyGltfFigureSource &figure) const
            RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText;
 }
 
-std::vector<const RyNode *> RyGltfSceneWriter::newTops(const RyScene &scene) const
+/// Says what the file cannot take of changed vertices.
+void reportMeshes(const RyGltfOrigin &source, QStringList *messages)
 {
-    std::vector<const RyNode *> tops;
-    for (const RyNode *top : scene.getTopLevelNodes()) {
-        if (!m_source.findSource(top) && !m_source.findFigureSource(top))
-            tops.push_back(top);
-    }
-    return tops;
-}
-
-std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error,
-                                                         QStringList *messages) const
-{
-    std::unique_ptr<RyGltfDocument> document = m_source.document->clone();
-    reportMeshes(messages);
-    if (!isEdited(scene))
-        return document;
-    RyGltfScenePatch patch(m_source, *document, messages);
-    RyGltfNodePatch nodes(patch);
-    QString reason;
-    bool valid = RyGltfStructurePatch(patch).apply(scene, &reason);
-    if (valid) {
-        nodes.apply();
-        valid = RyGltfSkinPatch(patch).apply(&reason);
-    }
-    if (!valid) {
-        if (error)
-            *error = QStringLiteral("The scene cannot be written into its file: %1").arg(reason);
-        return nullptr;
-    }
-    // Nodes that the file does not know: merged files, new props and figures.
-    RyGltfNewNodes newNodes(*document, m_source.unit, &m_source);
-    for (const RyNode *top : newTops(scene))
-        newNodes.addTree(*top);
-    newNodes.storeNodes();
-    patch.nodeOf.add(newNodes.nodes());
-    patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
-    storeExtras(patch, newNodes.figures());
-    reportNewMeshes(patch);
-    nodes.reportClips();
-    return document;
-}
-
-void RyGltfSceneWriter::storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures) const
-{
-    for (const auto &[index, edit] : patch.edits) {
-        const RyVec3 place = edit.source ? edit.source->bind.translation() : RyVec3();
-        const bool isProp = edit.source && !edit.source->isBone;
-        RyRiggingExtras::storeNode(patch.document, index, *edit.node, isProp ? &place : nullptr);
-    }
-    for (const auto &[skin, toFigure] : patch.toFigure)
-        RyTreeExtras::storeToFigure(patch.document, skin, toFigure);
-    // In the order in which they will be read: all figures with skins, then all props.
-    std::vector<const RyNode *> figures, props;
-    for (const RyGltfFigureSource &figure : m_source.figures) {
-        if (figure.sceneNode && figure.sceneNode->getScene())
-            (figure.skins.empty() ? props : figures).push_back(figure.sceneNode);
-    }
-    for (const RyNode *figure : newFigures)
-        (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
-    figures.insert(figures.end(), props.begin(), props.end());
-    RyFigureExtras::storeFile(patch.document, m_source.unit, figures, patch.nodeOf, patch.joints);
-}
-
-void RyGltfSceneWriter::reportMeshes(QStringList *messages) const
-{
-    for (const RyGltfFigureSource &figure : m_source.figures) {
+    for (const RyGltfFigureSource &figure : source.figures) {
         const RyNode *node = figure.sceneNode;
         if (!node || !messages || !node->getScene() || !figure.hasOtherVertices())
             continue;
         const auto hasMorphs = [&](const RyGltfPartSource &part) {
-            return !m_source.document->model()
+            return !source.document->model()
                         .meshes[size_t(part.mesh)]
                         .primitives[size_t(part.primitive)]
                         .morphPositions.empty();
@@ -136,12 +60,97 @@ void RyGltfSceneWriter::reportMeshes(QStringList *messages) const
     }
 }
 
-void RyGltfSceneWriter::reportNewMeshes(const RyGltfScenePatch &patch) const
+/// Stores what glTF has no place for.
+void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures)
 {
-    for (const auto &[node, index] : patch.added) {
-        if (node->getObject()) {
-            patch.say(QStringLiteral("The mesh of \"%1\" is new below a node of the file and was not written")
-                          .arg(node->getName()));
+    for (const auto &[index, edit] : patch.edits) {
+        if (!ryOwnBones(*edit.node).empty()) {
+            RyTreeExtras::markFigure(patch.document, index);
+            continue;
+        }
+        const RyVec3 place = edit.source ? edit.source->bind.translation() : RyVec3();
+        const bool isProp = edit.source && !edit.source->isBone;
+        RyRiggingExtras::storeNode(patch.document, index, *edit.node, isProp ? &place : nullptr);
+    }
+    for (const auto &[skin, toFigure] : patch.toFigure)
+        RyTreeExtras::storeToFigure(patch.document, skin, toFigure);
+    // In the order in which they will be read: all figures with skins, then all props.
+    std::vector<const RyNode *> figures, props;
+    for (const RyGltfFigureSource &figure : patch.source.figures) {
+        if (figure.sceneNode && figure.sceneNode->getScene())
+            (figure.skins.empty() ? props : figures).push_back(figure.sceneNode);
+    }
+    for (const RyNode *figure : newFigures)
+        (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
+    figures.insert(figures.end(), props.begin(), props.end());
+    RyFigureExtras::storeFile(patch.document, patch.source.unit, figures, patch.nodeOf, patch.joints);
+}
+
+} // namespace
+
+bool RyGltfSceneWriter::isEdited(const RyScene &scene) const
+{
+    const RyGltfOrigin &source = *m_origins.front();
+    if (m_origins.size() > 1 || RyGltfStructurePatch::isEdited(source))
+        return true;
+    for (const RyNode *top : scene.getTopLevelNodes()) {
+        if (!source.findSource(top) && !source.findFigureSource(top))
+            return true; // it came from elsewhere
+    }
+    for (const RyGltfNodeSource &node : source.nodes) {
+        if (!(RyNodeValues::of(*node.sceneNode) == node.loaded) ||
+            RyRiggingExtras::nodeText(*node.sceneNode) != node.riggingText) {
+            return true;
         }
     }
+    if (std::any_of(source.figures.begin(), source.figures.end(), isFigureEdited))
+        return true;
+    return source.unitWasChosen && source.unit != RyFigureExtras::storedUnit(*source.document);
+}
+
+/// The origins as one, with a node for every figure that stands elsewhere than in its file.
+std::unique_ptr<RyGltfOrigin> RyGltfSceneWriter::joined(QString *error, QStringList *losses) const
+{
+    RyGltfJoin join(*m_origins.front());
+    for (size_t i = 1; i < m_origins.size(); ++i) {
+        if (!join.add(*m_origins[i], error))
+            return nullptr;
+    }
+    if (losses)
+        losses->append(join.losses());
+    std::unique_ptr<RyGltfOrigin> origin = join.take();
+    ryGltfAddCarriers(*origin);
+    return origin;
+}
+
+std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error, QStringList *messages,
+                                                         QStringList *losses) const
+{
+    if (!isEdited(scene))
+        return m_origins.front()->document->clone();
+    QString reason;
+    const auto refuse = [&] {
+        if (error)
+            *error = QStringLiteral("The scene cannot be written into its file: %1").arg(reason);
+        return nullptr;
+    };
+    const std::unique_ptr<RyGltfOrigin> source = joined(&reason, losses);
+    if (!source)
+        return refuse();
+    reportMeshes(*source, messages);
+    std::unique_ptr<RyGltfDocument> document = source->document->clone();
+    RyGltfScenePatch patch(*source, *document, messages);
+    if (!RyGltfStructurePatch(patch).apply(scene, &reason))
+        return refuse();
+    RyGltfNodePatch nodes(patch);
+    nodes.apply();
+    if (!RyGltfSkinPatch(patch).apply(&reason))
+        return refuse();
+    // Meshes and skins that no file had.
+    RyGltfNewNodes newNodes(*document, source->unit, source.get());
+    newNodes.addMeshes(patch);
+    patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
+    storeExtras(patch, newNodes.figures());
+    nodes.reportClips();
+    return document;
 }

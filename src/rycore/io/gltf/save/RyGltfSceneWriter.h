@@ -8,26 +8,22 @@ struct RyGltfScenePatch;
 
 /// Brings an edited scene back into the tree that it came from: only what was edited is rewritten, so that no rest
 /// vertex moves and no posed vertex moves except as the edit means. Children keep their place unless the edit moved
-/// them.
+/// them. What came from other files is brought into that of the first one.
 class RyGltfSceneWriter
 {
 public:
-    explicit RyGltfSceneWriter(const RyGltfOrigin &source) : m_source(source) {}
+    /// `origins`: the files of which something stands in the scene, at least one.
+    explicit RyGltfSceneWriter(std::vector<const RyGltfOrigin *> origins) : m_origins(std::move(origins)) {}
 
     /// Whether anything differs from what was read.
     bool isEdited(const RyScene &scene) const;
-    /// A patched copy of the document, with the nodes that it does not know. Untouched when nothing was edited; null
-    /// with a reason when the scene cannot be written into it.
-    std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QString *error, QStringList *messages) const;
+    /// A patched copy of the first document, with what it does not know. Untouched when nothing was edited; null with a
+    /// reason when the scene cannot be written into it. `losses` gets what the format could hold and is not written.
+    std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QString *error, QStringList *messages,
+                                          QStringList *losses) const;
 
 private:
-    bool isFigureEdited(const RyGltfFigureSource &figure) const;
-    std::vector<const RyNode *> newTops(const RyScene &scene) const;
-    /// Stores what glTF has no place for.
-    void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures) const;
-    /// Says what the file cannot take of changed vertices.
-    void reportMeshes(QStringList *messages) const;
-    void reportNewMeshes(const RyGltfScenePatch &patch) const;
+    std::unique_ptr<RyGltfOrigin> joined(QString *error, QStringList *losses) const;
 
-    const RyGltfOrigin &m_source;
+    std::vector<const RyGltfOrigin *> m_origins;
 };

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 
@@ -13,12 +14,6 @@ namespace {
 bool isThere(const RyNode *node)
 {
     return node && node->getScene();
-}
-
-bool hasBones(const RyNode &figure)
-{
-    const auto *skeleton = qobject_cast<const RySkeleton *>(&figure);
-    return skeleton && !skeleton->getAllBones().empty();
 }
 
 } // namespace
@@ -51,17 +46,8 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
         if (isThere(source.sceneNode))
             sources.emplace(source.sceneNode, &source);
     }
-    for (const RyNode *top : scene.getTopLevelNodes()) {
-        if (sources.count(top) || m_patch.source.findFigureSource(top))
-            walk(*top, sources);
-    }
-    for (const RyGltfFigureSource &figure : m_patch.source.figures) {
-        if (isThere(figure.sceneNode) && hangsOnNew(*figure.sceneNode, sources)) {
-            m_patch.say(QStringLiteral("\"%1\" hangs below \"%2\", which is new in the file; it was written beside it")
-                            .arg(figure.sceneNode->getName(), figure.sceneNode->getNodeParent()->getName()));
-            walk(*figure.sceneNode, sources);
-        }
-    }
+    for (const RyNode *top : scene.getTopLevelNodes())
+        walk(*top, sources);
     for (const RyGltfNodeSource &source : m_patch.source.nodes) {
         if (!m_patch.edits.count(source.node))
             m_patch.removed.insert(source.node);
@@ -87,29 +73,18 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     return m_tree.finish(error);
 }
 
-bool RyGltfStructurePatch::hangsOnNew(const RyNode &figure,
-                                      const std::map<const RyNode *, const RyGltfNodeSource *> &sources) const
-{
-    if (!m_patch.source.isKeptFigure(figure))
-        return false;
-    for (const RyNode *above = figure.getNodeParent(); above; above = above->getNodeParent()) {
-        if (m_patch.source.isKeptFigure(*above))
-            return false;
-        if (!above->getNodeParent())
-            return !sources.count(above) && !m_patch.source.findFigureSource(above);
-    }
-    return false;
-}
-
 void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources)
 {
     std::vector<RyNode *> nodes;
     top.getNodeChildren(nodes, true);
     nodes.insert(nodes.begin(), const_cast<RyNode *>(&top));
     for (const RyNode *node : nodes) {
-        if (!node->getScene() || (node == &top && qobject_cast<const RySkeleton *>(node)))
-            continue;
         const auto known = sources.find(node);
+        // A figure at the top that no node of the file carries has only its bones there.
+        const bool isPlaceless = known == sources.end() && node == &top && m_patch.source.findFigureSource(node) &&
+                                 qobject_cast<const RySkeleton *>(node);
+        if (!node->getScene() || isPlaceless || qobject_cast<const RyCamera *>(node))
+            continue;
         if (known != sources.end()) {
             const RyGltfNodeSource &source = *known->second;
             m_patch.nodeOf.add(node, source.node);
@@ -136,7 +111,7 @@ void RyGltfStructurePatch::findRemoved()
     // A skin is drawn only where its joints are: those of a figure that has no bones left stay for its mesh.
     std::set<int> stillDrawn;
     for (const RyGltfFigureSource &figure : m_patch.source.figures) {
-        if (!isThere(figure.sceneNode) || hasBones(*figure.sceneNode))
+        if (!isThere(figure.sceneNode) || !ryOwnBones(*figure.sceneNode).empty())
             continue;
         for (const RyGltfSkinSource &skin : figure.skins) {
             const std::vector<int> &joints = model.skins[size_t(skin.skin)].joints;
@@ -363,7 +338,7 @@ void RyGltfStructurePatch::writeLists()
     for (int scene = 0; scene < m_tree.sceneCount(); ++scene) {
         const std::vector<int> before = m_tree.sceneRoots(scene);
         std::vector<int> now;
-        if (scene == m_tree.shownScene()) {
+        if (scene == m_patch.document.shownScene()) {
             now = newOrder(before, -1);
         } else {
             std::copy_if(before.begin(), before.end(), std::back_inserter(now),

@@ -20,7 +20,6 @@ public:
     static bool isEdited(const RyGltfOrigin &source);
 
 private:
-    bool hangsOnNew(const RyNode &figure, const std::map<const RyNode *, const RyGltfNodeSource *> &sources) const;
     void walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources);
     void findRemoved();
     int parentNow(const RyNode &node, int index) const;

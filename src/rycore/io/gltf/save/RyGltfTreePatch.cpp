@@ -49,18 +49,6 @@ int RyGltfTreePatch::sceneCount() const
     return scenes == tree.end() ? 0 : int(scenes->size());
 }
 
-int RyGltfTreePatch::shownScene() const
-{
-    const int count = sceneCount();
-    const Json &tree = m_document.json();
-    const auto chosen = tree.find("scene");
-    if (chosen != tree.end() && chosen->is_number_integer() && chosen->get<long long>() >= 0 &&
-        chosen->get<long long>() < count) {
-        return chosen->get<int>();
-    }
-    return count == 0 ? -1 : 0;
-}
-
 std::vector<int> RyGltfTreePatch::sceneRoots(int scene) const
 {
     const Json &entry = m_document.json()["scenes"][size_t(scene)];

@@ -20,8 +20,6 @@ public:
     void setSceneRoots(int scene, const std::vector<int> &roots);
     std::vector<int> sceneRoots(int scene) const;
     int sceneCount() const;
-    /// The scene that is shown; -1 in a file without scenes, where every node without a parent is shown.
-    int shownScene() const;
     /// As many as the skin's inverse bind matrices at the time of `finish`. A "skeleton" that `stillAbove` denies is
     /// left out.
     void setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove);

@@ -60,7 +60,7 @@ bool ryGltfWeightsChanged(const RyGltfFigureSource &figure, std::vector<bool> *c
     Comparison comparison(changed);
     std::map<const RyNode *, const RyGltfLoadedWeights *> loaded;
     std::vector<const RyNode *> order, orderNow; // of bindings
-    for (const RyGltfLoadedWeights &weights : figure.weights) {
+    for (const RyGltfLoadedWeights &weights : *figure.weights) {
         order.push_back(weights.bone);
         loaded.emplace(weights.bone, &weights);
     }
