@@ -148,3 +148,55 @@ void RigEdits::reparent(RyBone *bone, RyNode *parent, bool keepWorld)
 {
     parent->addNodeChild(bone, keepWorld);
 }
+
+namespace {
+
+/// A bone of the same figure that does not hang below it.
+RyNode *otherParent(RyBone *bone, std::mt19937 &random)
+{
+    std::vector<RyBone *> bones = bone->getSkeleton()->getAllBones();
+    std::erase_if(bones, [bone](RyBone *other) {
+        return other == bone || other->isDescendantOf(bone) || other->getSkeleton() != bone->getSkeleton();
+    });
+    return bones.empty() ? static_cast<RyNode *>(bone->getSkeleton()) : RigEdits::pick(bones, random);
+}
+
+} // namespace
+
+const std::vector<RigEdits::Kind> &RigEdits::kinds()
+{
+    static const std::vector<Kind> list{
+        {"delete",
+         [](RyScene &scene, RyBone *bone, std::mt19937 &) {
+             // Where no other bone takes its weights, vertices would follow none; a test of its own sees to that.
+             const bool hasReceiver = qobject_cast<RyBone *>(bone->getNodeParent()) || bone->getNumNodeChildren() > 0;
+             if (hasReceiver && bone->getSkeleton()->getAllBones().size() > 1)
+                 RigEdits::deleteBone(scene, bone);
+         }},
+        {"split", [](RyScene &scene, RyBone *bone, std::mt19937 &) { RigEdits::splitBone(scene, bone); }},
+        {"sibling", [](RyScene &scene, RyBone *bone, std::mt19937 &) { RigEdits::addSibling(scene, bone); }},
+        {"child", [](RyScene &scene, RyBone *bone, std::mt19937 &) { RigEdits::addChild(scene, bone); }},
+        {"duplicate", [](RyScene &scene, RyBone *bone, std::mt19937 &) { RigEdits::duplicateChain(scene, bone); }},
+        {"reparent", [](RyScene &, RyBone *bone,
+                        std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), true); }},
+        {"hang elsewhere", [](RyScene &, RyBone *bone,
+                              std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), false); }},
+        {"rename",
+         [](RyScene &, RyBone *bone, std::mt19937 &) {
+             bone->setName(bone->getSkeleton()->getUniqueBoneName(bone->getName() + QStringLiteral(" again")));
+             bone->setLabel(bone->getName().toUpper());
+         }},
+    };
+    return list;
+}
+
+RyBone *RigEdits::pick(const std::vector<RyBone *> &bones, std::mt19937 &random)
+{
+    return bones[std::uniform_int_distribution<size_t>(0, bones.size() - 1)(random)];
+}
+
+void RigEdits::editAtRandom(RyScene &scene, const std::vector<RyBone *> &bones, std::mt19937 &random)
+{
+    const Kind &kind = kinds()[std::uniform_int_distribution<size_t>(0, kinds().size() - 1)(random)];
+    kind.edit(scene, pick(bones, random), random);
+}

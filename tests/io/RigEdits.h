@@ -2,6 +2,9 @@
 
 #include <QString>
 
+#include <random>
+#include <vector>
+
 class RyBone;
 class RyNode;
 class RyScene;
@@ -22,5 +25,16 @@ RyBone *addChild(RyScene &scene, RyBone *bone);
 RyBone *duplicateChain(RyScene &scene, RyBone *bone);
 /// Below another node, in its place in the world or with its pose controls as they are.
 void reparent(RyBone *bone, RyNode *parent, bool keepWorld);
+
+/// All of it, and renaming, to be done to a bone without further choice.
+struct Kind
+{
+    const char *name;
+    void (*edit)(RyScene &scene, RyBone *bone, std::mt19937 &random);
+};
+const std::vector<Kind> &kinds();
+RyBone *pick(const std::vector<RyBone *> &bones, std::mt19937 &random);
+/// One of the kinds, done to one of the bones.
+void editAtRandom(RyScene &scene, const std::vector<RyBone *> &bones, std::mt19937 &random);
 
 } // namespace RigEdits

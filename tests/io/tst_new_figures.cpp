@@ -231,7 +231,7 @@ private slots:
         QStringList messages;
         const QString saved = path("merged");
         QVERIFY2(RySceneFile::save(&scene.scene, saved, &error, &messages), qPrintable(error));
-        QCOMPARE(messages.filter(QStringLiteral("was written beside it")).size(), 1);
+        QVERIFY2(messages.isEmpty(), qPrintable(messages.join(QLatin1Char('\n'))));
         const GltfEvaluator file(saved.toStdString());
         const CharacterScene::Positions all = positionsOf(file, scene.unit());
         for (const auto &[part, positions] : shown) {
@@ -240,7 +240,7 @@ private slots:
         }
         CharacterScene again(saved);
         QCOMPARE(again.scene.getSkeletons().size(), size_t(2));
-        QCOMPARE(again.bones().size(), size_t(4));
+        QVERIFY(sameDumps(rySceneDump(again.scene), rySceneDump(scene.scene)));
         QVERIFY2(RySceneFile::save(&again.scene, path("twice"), &error), qPrintable(error));
         QVERIFY(bytesOf(path("twice")) == bytesOf(saved));
         const RyValidation valid = ryValidate(saved);

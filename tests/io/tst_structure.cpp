@@ -17,56 +17,6 @@
 
 namespace {
 
-using Edit = void (*)(CharacterScene &character, RyBone *bone, std::mt19937 &random);
-
-struct NamedEdit
-{
-    const char *name;
-    Edit edit;
-};
-
-RyBone *pick(const std::vector<RyBone *> &bones, std::mt19937 &random)
-{
-    return bones[std::uniform_int_distribution<size_t>(0, bones.size() - 1)(random)];
-}
-
-/// A bone of the same figure that does not hang below it.
-RyNode *otherParent(RyBone *bone, std::mt19937 &random)
-{
-    std::vector<RyBone *> bones = bone->getSkeleton()->getAllBones();
-    bones.erase(std::remove_if(bones.begin(), bones.end(),
-                               [bone](RyBone *other) { return other == bone || other->isDescendantOf(bone); }),
-                bones.end());
-    return bones.empty() ? static_cast<RyNode *>(bone->getSkeleton()) : pick(bones, random);
-}
-
-const NamedEdit edits[] = {
-    {"delete",
-     [](CharacterScene &character, RyBone *bone, std::mt19937 &) {
-         // Where no other bone takes its weights, vertices would follow none; a test of its own sees to that.
-         const bool hasReceiver = qobject_cast<RyBone *>(bone->getNodeParent()) || bone->getNumNodeChildren() > 0;
-         if (hasReceiver && bone->getSkeleton()->getAllBones().size() > 1)
-             RigEdits::deleteBone(character.scene, bone);
-     }},
-    {"split",
-     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::splitBone(character.scene, bone); }},
-    {"sibling",
-     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addSibling(character.scene, bone); }},
-    {"child",
-     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::addChild(character.scene, bone); }},
-    {"duplicate",
-     [](CharacterScene &character, RyBone *bone, std::mt19937 &) { RigEdits::duplicateChain(character.scene, bone); }},
-    {"reparent", [](CharacterScene &, RyBone *bone,
-                    std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), true); }},
-    {"hang elsewhere", [](CharacterScene &, RyBone *bone,
-                          std::mt19937 &random) { RigEdits::reparent(bone, otherParent(bone, random), false); }},
-    {"rename",
-     [](CharacterScene &, RyBone *bone, std::mt19937 &) {
-         bone->setName(bone->getSkeleton()->getUniqueBoneName(bone->getName() + QStringLiteral(" again")));
-         bone->setLabel(bone->getName().toUpper());
-     }},
-};
-
 constexpr int BonesPerFile = 6;
 
 } // namespace
@@ -86,8 +36,9 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<int>("kind");
         for (const QString &name : characterNames()) {
-            for (int kind = 0; kind < int(std::size(edits)); ++kind)
-                QTest::newRow(qPrintable(name + QLatin1Char(' ') + QLatin1String(edits[kind].name))) << name << kind;
+            for (int kind = 0; kind < int(RigEdits::kinds().size()); ++kind)
+                QTest::newRow(qPrintable(name + QLatin1Char(' ') + QLatin1String(RigEdits::kinds()[size_t(kind)].name)))
+                    << name << kind;
         }
     }
     void oneKind()
@@ -98,7 +49,8 @@ private slots:
             QSKIP("the character is not here");
         CharacterScene character(ryModel(name));
         for (int i = 0; i < BonesPerFile; ++i)
-            edits[kind].edit(character, pick(character.bones(), m_random), m_random);
+            RigEdits::kinds()[size_t(kind)].edit(character.scene, RigEdits::pick(character.bones(), m_random),
+                                                 m_random);
         check(character, name, false);
     }
 
@@ -116,10 +68,8 @@ private slots:
             QSKIP("the character is not here");
         CharacterScene character(ryModel(name));
         turnRandomly(character, m_random);
-        for (int i = 0; i < 2 * BonesPerFile; ++i) {
-            const size_t kind = std::uniform_int_distribution<size_t>(0, std::size(edits) - 1)(m_random);
-            edits[kind].edit(character, pick(character.bones(), m_random), m_random);
-        }
+        for (int i = 0; i < 2 * BonesPerFile; ++i)
+            RigEdits::editAtRandom(character.scene, character.bones(), m_random);
         moveSomeJoints(character, 0.1, m_random);
         check(character, name, true);
     }

@@ -7,6 +7,7 @@
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 #include "rycore/io/obj/RyObjOrigin.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
@@ -47,6 +48,14 @@ QString freeTopLevelName(const RyScene &scene, const QString &name)
     return stem + QString::number(number);
 }
 
+/// An object that is called as its node goes on being so.
+void rename(RyNode &node, const QString &name)
+{
+    if (node.getObject() && node.getObject()->getName() == node.getName())
+        node.getObject()->setName(name);
+    node.setName(name);
+}
+
 void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> origin,
                   bool merge)
 {
@@ -57,7 +66,7 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
     }
     for (const RyRef<RyNode> &top : tops) {
         if (merge)
-            top->setName(freeTopLevelName(*scene, top->getName()));
+            rename(*top, freeTopLevelName(*scene, top->getName()));
         scene->addNode(top.get());
     }
     scene->addOrigin(std::move(origin));

@@ -6,6 +6,10 @@
 
 #include <QPointer>
 
+/// Whether a node, or one above it in its figure, drops the scale above it. In the world that is the figure's own scale
+/// as well, in the file it is not: there the vertices follow, which are scaled with their figure.
+bool ryDropsScale(const RyNode &node);
+
 /// A node of the file that stands in the scene (a bone, a prop).
 struct RyGltfNodeSource
 {

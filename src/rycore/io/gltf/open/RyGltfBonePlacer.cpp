@@ -183,7 +183,8 @@ RyAffine RyGltfBonePlacer::poseWithoutParentScale(const RyGltfNodeSource &source
     const RyNode *parent = source.sceneNode->getNodeParent();
     if (source.sceneNode->inheritsScale() || !parent)
         return source.localPose;
-    return linearPart(source.localPose * parent->figureMap()) * RyAffine::fromRotation(parent->getWSRot().inverse());
+    const RyQuat turnInFigure = parent->getWSRot() * m_figure.figure->getWSRot().inverse();
+    return linearPart(source.localPose * parent->figureMap()) * RyAffine::fromRotation(turnInFigure.inverse());
 }
 
 void RyGltfBonePlacer::reportShear(const RyNode &node, const RyMatrix3 &wanted) const

@@ -42,6 +42,7 @@ void RyGltfSceneReader::build(QStringList *messages)
     m_preOrder = ryGltfPreOrder(model);
     m_nodeToWorld = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
+    m_sourceOf.assign(model.nodes.size(), -1);
     leaveOutRemoved();
     draftFigures();
     if (!(m_origin->unit > 0.0))
@@ -218,11 +219,18 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     figure.mesh->finish();
     std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
     if (figure.carrier >= 0)
-        m_origin->nodes.push_back(carrierSource(figure));
-    std::move(sources.begin(), sources.end(), std::back_inserter(m_origin->nodes));
+        addSource(carrierSource(figure));
+    for (RyGltfNodeSource &source : sources)
+        addSource(std::move(source));
     attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
     figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
+}
+
+void RyGltfSceneReader::addSource(RyGltfNodeSource source)
+{
+    m_sourceOf[size_t(source.node)] = int(m_origin->nodes.size());
+    m_origin->nodes.push_back(std::move(source));
 }
 
 /// What a node of the file stands below in the scene.

@@ -35,6 +35,7 @@ private:
     void buildFigure(Figure &figure);
     void hangFigure(Figure &figure);
     RyGltfNodeSource carrierSource(const Figure &figure) const;
+    void addSource(RyGltfNodeSource source);
     RyNode *sceneNodeAbove(int node) const;
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
@@ -66,6 +67,7 @@ private:
     std::vector<Figure> m_figures;
     std::vector<RyRef<RyNode>> m_tops;
     std::vector<RyNode *> m_sceneNodeOf; // per file node
+    std::vector<int> m_sourceOf;         // likewise: its place among the origin's nodes, -1 for none
     QSet<QString> m_topNames;
     std::map<RyNode *, QSet<QString>> m_namesBelow;
     std::vector<RyMaterialLook> m_looks;

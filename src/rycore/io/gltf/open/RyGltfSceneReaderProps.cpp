@@ -98,21 +98,32 @@ void RyGltfSceneReader::buildProp(int index)
     if (node.mesh >= 0)
         buildPropMesh(source);
     finishProp(source);
-    m_origin->nodes.push_back(std::move(source));
+    addSource(std::move(source));
 }
 
 /// Where the file shows the node, unposed.
 RyGltfNodeSource RyGltfSceneReader::propSource(int index, const RyNode *above) const
 {
-    const RyGltfNode &node = m_origin->document->model().nodes[size_t(index)];
-    RyAffine toWorld = m_nodeToWorld[size_t(index)];
-    if (node.mesh >= 0 && node.skin >= 0)
-        RyTreeExtras::findToFigure(*m_origin->document, node.skin, toWorld);
-    const RyAffine worldToRest = above ? above->worldMap().inverse() : RyAffine();
+    const RyGltfModel &model = m_origin->document->model();
+    const RyGltfNode &node = model.nodes[size_t(index)];
+    const RyAffine toCentimetres = RyAffine::fromScale(m_origin->unit);
+    RyAffine posed = m_nodeToWorld[size_t(index)] * toCentimetres;
+    RyAffine toFigure;
+    if (node.mesh >= 0 && node.skin >= 0 && RyTreeExtras::findToFigure(*m_origin->document, node.skin, toFigure)) {
+        posed = toFigure * toCentimetres * (above ? above->worldMap().inverse() : RyAffine());
+    } else if (above && ryDropsScale(*above)) {
+        posed = posed * above->worldMap().inverse();
+    } else if (above) {
+        // By what lies between, not by the world: the same numbers wherever the figure stands or hangs.
+        posed = node.transform.toAffine();
+        int at = node.parent;
+        for (; m_sourceOf[size_t(at)] < 0; at = model.nodes[size_t(at)].parent)
+            posed = posed * model.nodes[size_t(at)].transform.toAffine();
+        posed = posed * m_origin->nodes[size_t(m_sourceOf[size_t(at)])].bind;
+    }
     RyGltfNodeSource source;
     source.node = index;
-    source.bind = RyRiggingExtras::restOf(*m_origin->document, index, m_origin->unit,
-                                          toWorld * RyAffine::fromScale(m_origin->unit) * worldToRest);
+    source.bind = RyRiggingExtras::restOf(*m_origin->document, index, m_origin->unit, posed);
     return source;
 }
 

@@ -63,6 +63,7 @@ bool RyGltfJoin::add(const RyGltfOrigin &other, QString *error)
         document.setNodeTransform(root, transform);
     }
     addSources(other, appender.places());
+    nameNodes(other, appender.places());
     if (const RyGltfFigureSource *figure = onlyFigure(other))
         addCarrier(*figure, roots.front(), other.unit);
     return true;
@@ -161,6 +162,16 @@ void RyGltfJoin::addSources(const RyGltfOrigin &other, const RyGltfPlaces &place
         source.figure = each.isBone ? placeOfFigure[size_t(each.figure)] : -1;
         if (source.node >= 0 && (!each.isBone || source.figure >= 0))
             m_joined->nodes.push_back(std::move(source));
+    }
+}
+
+/// A node without a name is called after its place, which is another now.
+void RyGltfJoin::nameNodes(const RyGltfOrigin &other, const RyGltfPlaces &places)
+{
+    for (const RyGltfNodeSource &source : other.nodes) {
+        const int node = places.at(RyGltfList::Nodes, source.node);
+        if (node >= 0 && isThere(source.sceneNode) && other.document->model().nodes[size_t(source.node)].name.isEmpty())
+            m_joined->document->setNodeName(node, source.sceneNode->getName());
     }
 }
 

@@ -31,6 +31,7 @@ private:
     static std::set<int> nodesToLeaveOut(const RyGltfOrigin &origin);
     static const RyGltfFigureSource *onlyFigure(const RyGltfOrigin &origin);
     void addSources(const RyGltfOrigin &other, const RyGltfPlaces &places);
+    void nameNodes(const RyGltfOrigin &other, const RyGltfPlaces &places);
     void addCarrier(const RyGltfFigureSource &figure, int node, double unit);
 
     std::unique_ptr<RyGltfOrigin> m_joined;

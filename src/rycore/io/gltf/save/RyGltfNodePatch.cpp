@@ -2,6 +2,9 @@
 
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -86,7 +89,7 @@ void RyGltfNodePatch::compare()
                 edit.bind.m[3][axis] = double(origin[axis]);
             edit.restChanged = turned || moved;
         }
-        edit.poseChanged = !now.samePose(edit.source->loaded) || (edit.moved && !node.inheritsScale());
+        edit.poseChanged = !now.samePose(edit.source->loaded) || (edit.moved && !node.inheritsScale()) || isApart(node);
     }
     // A node that does not inherit scale holds its parent's against it: it changes with every pose above it.
     for (auto &[index, edit] : m_patch.edits) {
@@ -100,11 +103,27 @@ void RyGltfNodePatch::compare()
     }
 }
 
+/// What is no bone stands where the scene has it in the world, although the file scales its parent with the figure.
+bool RyGltfNodePatch::isApart(const RyNode &node)
+{
+    return !qobject_cast<const RyBone *>(&node) && node.getNodeParent() && node.getNodeParent()->getSkeleton() &&
+           (!node.inheritsScale() || ryDropsScale(*node.getNodeParent()));
+}
+
+/// From rest to the world, as the file shows it.
+RyAffine RyGltfNodePatch::shownMap(const RyNode &node)
+{
+    return qobject_cast<const RyBone *>(&node) && node.getSkeleton() ? node.figureMap() * node.getSkeleton()->worldMap()
+                                                                     : node.worldMap();
+}
+
 RyAffine RyGltfNodePatch::localPoseNow(const Edit &edit) const
 {
     const RyNode &node = *edit.node;
     if (!edit.poseChanged)
         return edit.source->localPose;
+    if (isApart(node))
+        return node.worldMap() * shownMap(*node.getNodeParent()).inverse();
     if (node.inheritsScale() || !node.getNodeParent())
         return node.getLocalMap();
     return node.figureMap() * node.getNodeParent()->figureMap().inverse();

@@ -18,6 +18,8 @@ private:
     using Edit = RyGltfScenePatch::Edit;
 
     void compare();
+    static bool isApart(const RyNode &node);
+    static RyAffine shownMap(const RyNode &node);
     RyAffine localPoseNow(const Edit &edit) const;
     void writeNode(int index, const Edit &edit);
     void writeUnlistedChildren(int index, const Edit &edit);

@@ -310,6 +310,30 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     return result;
 }
 
+/// What stands at the top of the scene is read in the order of the roots that hold it. A root that holds nothing of the
+/// scene stays behind the one before it.
+void RyGltfStructurePatch::sortRoots(std::vector<int> &roots) const
+{
+    std::vector<int> rootOf(m_parents.size(), -1);
+    std::map<int, int> rankOf; // of roots: the place of the first that they hold
+    for (size_t place = 0; place < m_order.size(); ++place) {
+        std::vector<int> path;
+        int at = m_patch.nodeOf.of(m_order[place]);
+        for (; rootOf[size_t(at)] < 0 && m_parents[size_t(at)] >= 0; at = m_parents[size_t(at)])
+            path.push_back(at);
+        const int root = rootOf[size_t(at)] < 0 ? at : rootOf[size_t(at)];
+        for (const int node : path)
+            rootOf[size_t(node)] = root;
+        rankOf.try_emplace(root, int(place));
+    }
+    int rank = -1;
+    for (const int root : roots) {
+        const auto [known, isNew] = rankOf.try_emplace(root, rank);
+        rank = known->second;
+    }
+    std::stable_sort(roots.begin(), roots.end(), [&rankOf](int a, int b) { return rankOf.at(a) < rankOf.at(b); });
+}
+
 void RyGltfStructurePatch::writeLists()
 {
     const RyGltfModel &model = m_patch.document.model();
@@ -340,6 +364,7 @@ void RyGltfStructurePatch::writeLists()
         std::vector<int> now;
         if (scene == m_patch.document.shownScene()) {
             now = newOrder(before, -1);
+            sortRoots(now);
         } else {
             std::copy_if(before.begin(), before.end(), std::back_inserter(now),
                          [this](int node) { return !m_hangsNowhere[size_t(node)] && m_parents[size_t(node)] < 0; });

@@ -32,6 +32,7 @@ private:
     void gatherRoots(const RyGltfFigureSource &figure);
     void dropFigure(const RyGltfFigureSource &figure);
     void writeLists();
+    void sortRoots(std::vector<int> &roots) const;
     std::vector<int> newOrder(const std::vector<int> &before, int parent) const;
 
     RyGltfScenePatch &m_patch;

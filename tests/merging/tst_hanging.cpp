@@ -1,0 +1,230 @@
+#include "FigureSketch.h"
+#include "MergedScene.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+
+#include <nlohmann/json.hpp>
+
+#include <QTemporaryDir>
+
+using json = nlohmann::json;
+
+/// Figures and props of one file on the bones of another, moved, turned and scaled; what is gone; other units.
+class HangingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    void knightOnNeck()
+    {
+        if (ryModel(Man).isEmpty() || ryModel(Knight).isEmpty())
+            QSKIP("the character is not here");
+        MergedScene merged({ryModel(Man), ryModel(Knight)});
+        RyNode *neck = merged.scene.findNode(QStringLiteral("Skeleton_neck_joint_2"));
+        QVERIFY(neck->addNodeChild(merged.figure(1)));
+        const QString saved = path("knight");
+        QCOMPARE(merged.check(saved), QString());
+        QVERIFY2(merged.messages.isEmpty(), qPrintable(merged.messages.join(QLatin1Char('\n'))));
+        CharacterScene again(saved);
+        QCOMPARE(again.scene.getSkeletons().size(), size_t(2));
+        QCOMPARE(again.scene.getSkeletons()[1]->getNodeParent()->getName(), neck->getName());
+        // Clips drive the same nodes, whose transforms are the file's own.
+        const GltfEvaluator knight(ryModel(Knight).toStdString()), file(saved.toStdString());
+        const json &animations = file.tree()["animations"];
+        QCOMPARE(animations.size(), size_t(77));
+        const json &before = knight.tree()["animations"][5]["channels"];
+        const json &now = animations[6]["channels"];
+        QCOMPARE(now.size(), before.size());
+        for (size_t c = 0; c < now.size(); ++c) {
+            QCOMPARE(file.tree()["nodes"][now[c]["target"]["node"].get<size_t>()].value("rotation", json()),
+                     knight.tree()["nodes"][before[c]["target"]["node"].get<size_t>()].value("rotation", json()));
+            QCOMPARE(now[c]["target"]["path"], before[c]["target"]["path"]);
+        }
+    }
+
+    /// The place of a figure stands in the node that carries it; its own nodes and matrices stay bit for bit.
+    void posed_data()
+    {
+        QTest::addColumn<bool>("hangs");
+        QTest::addColumn<double>("scale"); // of the second file's units
+        for (const bool hangs : {false, true}) {
+            for (const double scale : {1.0, 40.0})
+                QTest::addRow("%s %g", hangs ? "on a bone" : "beside", scale) << hangs << scale;
+        }
+    }
+    void posed()
+    {
+        QFETCH(bool, hangs);
+        QFETCH(double, scale);
+        FigureSketch first;
+        FigureSketch second = animated(scale);
+        MergedScene merged({first.write(path("first")), second.write(path("second"))});
+        RySkeleton *figure = merged.figure(1);
+        RyBone *high = merged.bones()[1];
+        high->getZRotControl()->setValue(50.0f);
+        high->getScaleControl()->setValue(1.5f);
+        if (hangs)
+            QVERIFY(high->addNodeChild(figure));
+        figure->getXTransControl()->setValue(31.0f);
+        figure->getYRotControl()->setValue(-77.0f);
+        figure->getZScaleControl()->setValue(0.7f);
+        const QString saved = path("saved");
+        QCOMPARE(merged.check(saved), QString());
+        const GltfEvaluator before(path("second").toStdString()), file(saved.toStdString());
+        for (const char *name : {"low two", "high two"})
+            QCOMPARE(transformOf(file, name), transformOf(before, name));
+        const auto bindsOf = [](const GltfEvaluator &each, size_t skin) {
+            return each.accessorBytes(each.tree()["skins"][skin]["inverseBindMatrices"]);
+        };
+        QVERIFY(bindsOf(file, 1) == bindsOf(before, 0));
+
+        // Moved once more, after it came back, and taken off.
+        MergedScene again({saved});
+        again.figure(1)->getXTransControl()->setValue(-5.0f);
+        QCOMPARE(again.check(path("again")), QString());
+        if (!hangs)
+            return;
+        QVERIFY(again.figure(1)->getNodeParent()->removeNodeChild(again.figure(1), true));
+        QCOMPARE(again.check(path("off")), QString());
+        QCOMPARE(transformOf(GltfEvaluator(path("off").toStdString()), "low two"), transformOf(before, "low two"));
+    }
+
+    /// A figure of the first file, which has a camera beside its bones, on one of the second.
+    void firstOnSecond()
+    {
+        FigureSketch first;
+        first.tree["cameras"] = {{{"type", "perspective"}, {"perspective", {{"yfov", 1.0}, {"znear", 0.1}}}}};
+        first.tree["nodes"].push_back({{"name", "eye"}, {"camera", 0}, {"translation", {0, 0, 5}}});
+        first.tree["nodes"][0]["children"].push_back(4);
+        MergedScene merged({first.write(path("first")), animated(3.0).write(path("second"))});
+        RyNode *high = merged.scene.findNode(QStringLiteral("high two"));
+        QVERIFY(high);
+        high->getXRotControl()->setValue(20.0f);
+        QVERIFY(high->addNodeChild(merged.figure(0)));
+        const QString saved = path("saved");
+        QCOMPARE(merged.check(saved), QString());
+        const GltfEvaluator file(saved.toStdString());
+        QCOMPARE(transformOf(file, "eye"), transformOf(GltfEvaluator(path("first").toStdString()), "eye"));
+        QCOMPARE(file.tree()["nodes"][0]["children"], json({4})); // the camera alone
+    }
+
+    void propOnBone()
+    {
+        FigureSketch second;
+        second.tree["meshes"].push_back(second.tree["meshes"][0]);
+        for (const char *influence : {"JOINTS_0", "WEIGHTS_0"})
+            second.tree["meshes"][1]["primitives"][0]["attributes"].erase(influence);
+        second.tree["materials"] = {{{"name", "red"}}};
+        second.tree["meshes"][1]["primitives"][0]["material"] = 0;
+        second.tree["nodes"].push_back({{"name", "hat"}, {"mesh", 1}, {"rotation", {0.0, 0.6, 0.0, 0.8}}});
+        second.tree["scenes"][0]["nodes"].push_back(4);
+        MergedScene merged({FigureSketch().write(path("first")), second.write(path("second"))});
+        RyNode *hat = merged.scene.findNode(QStringLiteral("hat"));
+        QVERIFY(hat && merged.bones()[1]->addNodeChild(hat, true));
+        merged.bones()[1]->getXRotControl()->setValue(33.0f);
+        QCOMPARE(merged.check(path("saved")), QString());
+        // What it came with is gone: nothing of it but the hat and its material comes along.
+        merged.scene.removeNode(merged.figure(1));
+        QCOMPARE(merged.check(path("alone")), QString());
+        const GltfEvaluator file(path("alone").toStdString());
+        QCOMPARE(file.tree()["skins"].size(), size_t(1));
+        QCOMPARE(file.tree()["meshes"].size(), size_t(2));
+        QCOMPARE(file.tree()["materials"], second.tree["materials"]);
+    }
+
+    /// What was removed brings nothing: no nodes, no bytes, no clips.
+    void removed_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("first") << 0;
+        QTest::newRow("second") << 1;
+        QTest::newRow("third") << 2;
+    }
+    void removed()
+    {
+        QFETCH(int, number);
+        const QStringList paths{FigureSketch().write(path("a")), animated(2.0).write(path("b")),
+                                animated(0.5).write(path("c"))};
+        MergedScene merged(paths);
+        merged.scene.removeNode(merged.figure(size_t(number)));
+        QCOMPARE(merged.check(path("saved")), QString());
+        QStringList left = paths;
+        left.removeAt(number);
+        MergedScene plain(left);
+        plain.save(path("plain"));
+        const GltfEvaluator file(path("saved").toStdString()), wanted(path("plain").toStdString());
+        for (const char *list : {"nodes", "meshes", "skins", "accessors", "bufferViews"})
+            QCOMPARE(file.tree()[list].size(), wanted.tree()[list].size());
+        QCOMPARE(contentsOf(file), contentsOf(wanted));
+        if (number > 0)
+            QCOMPARE(QFileInfo(path("saved")).size(), QFileInfo(path("plain")).size());
+    }
+
+    /// Over the first file, over the merged one, and beside them: the same scene each time.
+    void targets()
+    {
+        const QString first = FigureSketch().write(path("over-first"));
+        const QString second = animated(7.0).write(path("over-second"));
+        for (const QString &target : {first, second, path("copy")}) {
+            MergedScene merged({first, second});
+            const QString dump = rySceneDump(merged.scene);
+            merged.save(target);
+            MergedScene again({target});
+            QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+            // As they were, for the next one.
+            FigureSketch().write(first);
+            animated(7.0).write(second);
+        }
+    }
+
+private:
+    static constexpr const char *Man = "CesiumMan.glb";
+    static constexpr const char *Knight = "kaykit_knight.glb";
+
+    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
+
+    /// The sketch with other names and a clip, turned and `scale` times as large in its file.
+    static FigureSketch animated(double scale)
+    {
+        FigureSketch sketch;
+        sketch.tree["nodes"][0]["scale"] = {scale, scale, scale};
+        sketch.tree["nodes"][0]["rotation"] = {0.5, 0.5, 0.5, 0.5};
+        sketch.tree["nodes"][1]["name"] = "low two";
+        sketch.tree["nodes"][2]["name"] = "high two";
+        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
+        sketch.tree["accessors"][size_t(times)]["min"] = {0.0};
+        sketch.tree["accessors"][size_t(times)]["max"] = {1.0};
+        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 0, 1, 0}, 5126, "VEC4");
+        sketch.tree["animations"] = {
+            {{"name", "turn"},
+             {"samplers", {{{"input", times}, {"output", turns}}}},
+             {"channels", {{{"sampler", 0}, {"target", {{"node", 1}, {"path", "rotation"}}}}}}}};
+        return sketch;
+    }
+
+    static json transformOf(const GltfEvaluator &file, const std::string &name)
+    {
+        for (const json &node : file.tree()["nodes"]) {
+            if (node.value("name", "") != name)
+                continue;
+            json transform = json::object();
+            for (const char *key : {"translation", "rotation", "scale", "matrix"})
+                transform[key] = node.value(key, json());
+            return transform;
+        }
+        return {};
+    }
+
+    QTemporaryDir m_folder;
+};
+
+RY_TEST(HangingTest)
+#include "tst_hanging.moc"
