@@ -3,6 +3,7 @@
 #include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
+#include <numeric>
 
 RyFacetMesh::RyFacetMesh(QObject *parent) : RyVertexMesh(parent) {}
 
@@ -239,24 +240,31 @@ void RyFacetMesh::buildNeighbours() const
     struct Side
     {
         int low, high, place; // place = 4 * facet + edge
-        bool operator<(const Side &o) const
-        {
-            return low != o.low ? low < o.low : high != o.high ? high < o.high : place < o.place;
+        bool operator<(const Side &o) const { return high != o.high ? high < o.high : place < o.place; }
+    };
+    const auto forSides = [this](const auto &take) {
+        for (size_t i = 0; i < m_facets.size(); ++i) {
+            const RyFacet &facet = m_facets[i];
+            const int count = facet.count();
+            for (int edge = 0; edge < count; ++edge) {
+                const int a = facet.vertices[edge];
+                const int b = facet.vertices[(edge + 1) % count];
+                if (a != b)
+                    take(Side{std::min(a, b), std::max(a, b), int(4 * i) + edge});
+            }
         }
     };
-    std::vector<Side> sides;
-    sides.reserve(4 * m_facets.size());
-    for (size_t i = 0; i < m_facets.size(); ++i) {
-        const RyFacet &facet = m_facets[i];
-        const int count = facet.count();
-        for (int edge = 0; edge < count; ++edge) {
-            const int a = facet.vertices[edge];
-            const int b = facet.vertices[(edge + 1) % count];
-            if (a != b)
-                sides.push_back({std::min(a, b), std::max(a, b), int(4 * i) + edge});
-        }
-    }
-    std::sort(sides.begin(), sides.end());
+    // By their lower vertex first: few meet at one, and sorting those costs next to nothing.
+    int highest = -1;
+    forSides([&](const Side &side) { highest = std::max(highest, side.low); });
+    std::vector<size_t> starts(size_t(highest) + 2, 0);
+    forSides([&](const Side &side) { ++starts[size_t(side.low) + 1]; });
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    std::vector<Side> sides(starts.back());
+    std::vector<size_t> next(starts.begin(), starts.end() - 1);
+    forSides([&](const Side &side) { sides[next[size_t(side.low)]++] = side; });
+    for (size_t vertex = 0; vertex + 1 < starts.size(); ++vertex)
+        std::sort(sides.begin() + ptrdiff_t(starts[vertex]), sides.begin() + ptrdiff_t(starts[vertex + 1]));
     m_neighbours.assign(4 * m_facets.size(), -1);
     for (size_t first = 0; first < sides.size();) {
         size_t end = first;
