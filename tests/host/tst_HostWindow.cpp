@@ -32,6 +32,7 @@
 #include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 /// The window with the sample figure; plug-ins are left out.
@@ -71,6 +72,20 @@ private slots:
         for (const char *name : {"SceneTree", "SceneFilter", "ParametersPane", "ToolSettingsPane", "Viewport",
                                  "ToolStrip", "StatusText", "ActionSearch", "PoseXRotate"})
             QVERIFY2(m_window->findChild<QWidget *>(QString::fromLatin1(name)), name);
+    }
+
+    void clearButtonsAreMadeWithTheFirstText()
+    {
+        for (const char *name : {"SceneFilter", "ActionSearch"}) {
+            auto *field = m_window->findChild<QLineEdit *>(QString::fromLatin1(name));
+            QVERIFY(field->findChildren<QToolButton *>().isEmpty());
+            for (const char *text : {"h", "hip"}) {
+                field->setText(QString::fromLatin1(text));
+                QCOMPARE(field->findChildren<QToolButton *>().size(), 1);
+            }
+            QTest::mouseClick(field->findChild<QToolButton *>(), Qt::LeftButton);
+            QVERIFY(field->text().isEmpty());
+        }
     }
 
     void selectionGoesBothWays()

@@ -6,6 +6,7 @@
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
+#include "ryhost/look/clearButton.h"
 
 #include <QApplication>
 #include <QCompleter>
@@ -38,7 +39,7 @@ ActionSearch::ActionSearch(RyMainWindow *window)
     setPlaceholderText(tr("Search actions (F3)"));
     setAccessibleName(tr("Search actions"));
     setToolTip(tr("Find a command by its name or by what it does"));
-    setClearButtonEnabled(true);
+    giveClearButton(this);
     setFixedWidth(FieldWidth);
     m_results->setObjectName(QStringLiteral("ActionSearchResults"));
     m_results->setHeaderHidden(true);

@@ -2,6 +2,7 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
+#include "ryhost/look/clearButton.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/SceneTree.h"
 
@@ -22,7 +23,7 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     m_filter->setObjectName(QStringLiteral("SceneFilter"));
     m_filter->setPlaceholderText(tr("Filter"));
     m_filter->setAccessibleName(tr("Filter of the scene list"));
-    m_filter->setClearButtonEnabled(true);
+    giveClearButton(m_filter);
     m_tree->setObjectName(QStringLiteral("SceneTree"));
     m_tree->setAccessibleName(tr("Scene"));
     m_proxy->setSourceModel(m_model);
