@@ -68,6 +68,7 @@ public:
         glDisable(GL_DEPTH_TEST);
         glDisable(GL_BLEND);
         m_gradient.use();
+        m_gradient.set("size", float(view.width), float(view.height));
         m_gradient.set("top", view.options.backgroundTop);
         m_gradient.set("bottom", view.options.backgroundBottom);
         glRectf(-1, -1, 1, 1);
@@ -88,7 +89,7 @@ public:
         m_surface.set("up", up.x, up.y, up.z);
         m_surface.set("base", linear(clay.redF()), linear(clay.greenF()), linear(clay.blueF()), 1.0f);
         m_surface.set("textured", 0);
-        m_surface.set("behind", 0.0f);
+        m_surface.set("cover", 1.0f);
         drawTriangles();
         RyShader::useNone();
         release();

@@ -39,7 +39,7 @@ const RyFramebuffer &RyBackdrop::picture(const RySceneView &view)
     if (m_picture && view == m_view)
         return *m_picture;
     if (!m_picture || m_picture->width() != view.width || m_picture->height() != view.height)
-        m_picture = std::make_unique<RyFramebuffer>(view.width, view.height, 0);
+        m_picture = std::make_unique<RyFramebuffer>(view.width, view.height, 0, RyFramebuffer::ColorsOnly);
     m_view = view;
     m_picture->bind();
     draw(view);
@@ -53,23 +53,21 @@ void RyBackdrop::draw(const RySceneView &view)
     for (GLenum capability : {GL_SCISSOR_TEST, GL_CULL_FACE, GL_LIGHTING, GL_DEPTH_TEST, GL_BLEND})
         glDisable(capability);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    glClearColor(0, 0, 0, 0);
-    glClear(GL_COLOR_BUFFER_BIT);
-    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
-    drawGradient(view.options);
+    drawGradient(view);
     if (view.options.showGrid)
         drawGrid(view);
     RyShader::useNone();
     glPopAttrib();
 }
 
-void RyBackdrop::drawGradient(const RyRenderOptions &options)
+void RyBackdrop::drawGradient(const RySceneView &view)
 {
     if (!m_gradient)
         m_gradient = std::make_unique<RyShader>(RySceneShaders::BackgroundVertex, RySceneShaders::BackgroundFragment);
     m_gradient->use();
-    m_gradient->set("top", options.backgroundTop);
-    m_gradient->set("bottom", options.backgroundBottom);
+    m_gradient->set("size", float(view.width), float(view.height));
+    m_gradient->set("top", view.options.backgroundTop);
+    m_gradient->set("bottom", view.options.backgroundBottom);
     glRectf(-1, -1, 1, 1);
 }
 
@@ -87,6 +85,7 @@ void RyBackdrop::drawGrid(const RySceneView &view)
     matrices.load();
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     m_grid->use();
     m_grid->set("color", view.options.grid);
     m_grid->set("radius", reach);

@@ -15,14 +15,14 @@ public:
     /// Makes no GL call: `release` with the context current comes first, or `abandon`.
     ~RyBackdrop();
 
-    /// The picture for a view, its alpha 0 throughout. May leave another frame buffer bound.
+    /// The picture for a view, opaque. May leave another frame buffer bound.
     const RyFramebuffer &picture(const RySceneView &view);
     void release();
     void abandon();
 
 private:
     void draw(const RySceneView &view);
-    void drawGradient(const RyRenderOptions &options);
+    void drawGradient(const RySceneView &view);
     void drawGrid(const RySceneView &view);
 
     std::unique_ptr<RyShader> m_gradient;

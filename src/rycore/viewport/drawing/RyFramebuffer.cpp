@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-RyFramebuffer::RyFramebuffer(int width, int height, int samples)
+RyFramebuffer::RyFramebuffer(int width, int height, int samples, Depth depth)
     : m_width(std::max(width, 1)), m_height(std::max(height, 1)), m_samples(samples > 1 ? samples : 0)
 {
     GLint previous = 0;
@@ -28,6 +28,14 @@ RyFramebuffer::RyFramebuffer(int width, int height, int samples)
         glBindTexture(GL_TEXTURE_2D, 0);
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_texture, 0);
     }
+    if (depth == WithDepth)
+        addDepth();
+    m_complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
+    glBindFramebuffer(GL_FRAMEBUFFER, GLuint(previous));
+}
+
+void RyFramebuffer::addDepth()
+{
     glGenRenderbuffers(1, &m_depthBuffer);
     glBindRenderbuffer(GL_RENDERBUFFER, m_depthBuffer);
     if (m_samples > 0)
@@ -36,8 +44,6 @@ RyFramebuffer::RyFramebuffer(int width, int height, int samples)
         glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, m_width, m_height);
     glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_depthBuffer);
     glBindRenderbuffer(GL_RENDERBUFFER, 0);
-    m_complete = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
-    glBindFramebuffer(GL_FRAMEBUFFER, GLuint(previous));
 }
 
 RyFramebuffer::~RyFramebuffer()

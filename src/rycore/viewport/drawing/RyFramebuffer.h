@@ -4,13 +4,17 @@
 
 #include <memory>
 
-/// An RGBA8 picture with depth that the current GL context can draw into: a texture, or with samples a multisampled
-/// buffer to be resolved into one. Lives and dies with the context that was current when it was made.
+/// An RGBA8 picture, mostly with depth, that the current GL context can draw into: a texture, or with samples a
+/// multisampled buffer to be resolved into one. Lives and dies with the context that was current when it was made.
 class RyFramebuffer
 {
 public:
+    enum Depth {
+        WithDepth,
+        ColorsOnly,
+    };
     /// `samples` 0 or 1: not multisampled. The size is in device pixels.
-    RyFramebuffer(int width, int height, int samples);
+    RyFramebuffer(int width, int height, int samples, Depth depth = WithDepth);
     ~RyFramebuffer();
     /// With as many samples as the context offers, at most `samples`; with none where it does not keep its word.
     static std::unique_ptr<RyFramebuffer> withSamples(int width, int height, int samples);
@@ -39,6 +43,8 @@ public:
     static int supportedSamples(int wanted);
 
 private:
+    void addDepth();
+
     int m_width;
     int m_height;
     int m_samples;

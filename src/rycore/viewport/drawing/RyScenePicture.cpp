@@ -4,7 +4,6 @@
 
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 #include "rycore/viewport/drawing/ryDrawAxisCross.h"
-#include "rycore/viewport/drawing/ryDrawPicture.h"
 
 #include <algorithm>
 #include <limits>
@@ -36,6 +35,7 @@ void RyScenePicture::release()
 {
     m_renderer.release();
     m_backdrop.release();
+    m_copying.release();
     reset();
 }
 
@@ -43,6 +43,7 @@ void RyScenePicture::abandon()
 {
     m_renderer.abandon();
     m_backdrop.abandon();
+    m_copying.abandon();
     for (auto *buffer : {&m_picture, &m_draft}) {
         if (*buffer)
             (*buffer)->abandon();
@@ -104,6 +105,12 @@ bool RyScenePicture::refine(const RySceneView &view, int samples)
     return true;
 }
 
+void RyScenePicture::drawCopy()
+{
+    glDisable(GL_BLEND);
+    m_copying.draw(m_picture->texture());
+}
+
 void RyScenePicture::fitTo(const RySceneView &view)
 {
     if (m_picture && m_picture->width() == view.width && m_picture->height() == view.height)
@@ -129,7 +136,7 @@ void RyScenePicture::begin(const RySceneView &view, const RyFramebuffer &target)
     if (target.samples() > 1) {
         target.bind();
         glDisable(GL_BLEND);
-        ryDrawPicture(backdrop.texture());
+        m_copying.draw(backdrop.texture());
     } else {
         backdrop.resolveInto(target);
     }
@@ -158,18 +165,16 @@ void RyScenePicture::finish(const RySceneView &view)
     glViewport(0, 0, view.width, view.height);
     glDisable(GL_SCISSOR_TEST);
     if (view.options.seeThrough) {
-        // Over each pixel of a surface as much of the backdrop as its alpha says.
+        // Over each pixel of a surface as much of the backdrop as its alpha leaves. The picture is opaque after that.
         glEnable(GL_BLEND);
-        glBlendFunc(GL_DST_ALPHA, GL_ONE_MINUS_DST_ALPHA);
-        ryDrawPicture(m_backdrop.picture(view).texture());
+        glBlendFuncSeparate(GL_ONE_MINUS_DST_ALPHA, GL_DST_ALPHA, GL_ONE, GL_ZERO);
+        m_copying.draw(m_backdrop.picture(view).texture());
     }
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_FALSE);
     view.matrices.load();
     if (view.options.wireframe)
         m_renderer.drawEdges(view);
     if (view.options.showAxes)
         ryDrawAxisCross(view.matrices, view.options.pixelRatio);
-    glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
-    glClearColor(0, 0, 0, 1);
-    glClear(GL_COLOR_BUFFER_BIT);
     glPopAttrib();
 }

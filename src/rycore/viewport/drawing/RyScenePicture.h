@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/viewport/drawing/RyBackdrop.h"
+#include "rycore/viewport/drawing/RyPictureDrawing.h"
 #include "rycore/viewport/drawing/RySceneRenderer.h"
 #include "rycore/viewport/drawing/RySceneView.h"
 
@@ -22,6 +23,8 @@ public:
     void setScene(const RyScene *scene, quint64 revision);
     /// The picture, with at least so many samples (0 or 1 for one). May leave another frame buffer bound.
     const RyFramebuffer &get(const RySceneView &view, int samples);
+    /// Covers the viewport of the bound frame buffer with the picture that `get` gave.
+    void drawCopy();
     /// Draws the next piece of a picture with more samples; true when the kept picture has them. Leaves another frame
     /// buffer bound.
     bool refine(const RySceneView &view, int samples);
@@ -54,6 +57,7 @@ private:
 
     RySceneRenderer m_renderer;
     RyBackdrop m_backdrop;
+    RyPictureDrawing m_copying;
     std::unique_ptr<RyFramebuffer> m_picture; // resolved
     std::unique_ptr<RyFramebuffer> m_draft;   // with samples, made when first needed
     int m_draftSamples = 0;                   // asked for

@@ -114,7 +114,7 @@ bool RySceneRenderer::drawSurfaces(const RySceneView &view, Progress &progress, 
     const RyVec3 up = view.matrices.view().multDirMatrix(RyVec3(0, 1, 0));
     m_surface->set("up", up.x, up.y, up.z);
     m_surface->set("picture", 0);
-    m_surface->set("behind", options.seeThrough ? 1.0f - options.seeThroughAlpha : 0.0f);
+    m_surface->set("cover", options.seeThrough ? options.seeThroughAlpha : 1.0f);
     const float clay[3] = {float(options.clay.redF()), float(options.clay.greenF()), float(options.clay.blueF())};
     while (progress.object < m_drawn.size() && mostTriangles > 0) {
         const Drawn &drawn = m_drawn[progress.object];

@@ -3,7 +3,8 @@
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include "rycore/viewport/drawing/RyFramebuffer.h"
-#include "rycore/viewport/drawing/ryDrawPicture.h"
+
+static constexpr GLuint windowBuffer = 0;
 
 RyViewPainter::RyViewPainter() = default;
 
@@ -36,8 +37,13 @@ void RyViewPainter::paint(const RySceneView &view, int samples, const std::funct
             m_frame = RyFramebuffer::withSamples(view.width, view.height, samples);
         m_frame->bind();
         glViewport(0, 0, view.width, view.height);
-        glDisable(GL_BLEND);
-        ryDrawPicture(scene.texture());
+        m_scene.drawCopy();
+    } else if (GLuint(target) == windowBuffer) {
+        // A window lies the other way up. A blit turns the rows over by a shader, which a software renderer compiles
+        // anew in each run; the one that draws a texture comes out of the cache.
+        glBindFramebuffer(GL_FRAMEBUFFER, windowBuffer);
+        glViewport(0, 0, view.width, view.height);
+        m_scene.drawCopy();
     } else {
         scene.resolveInto(GLuint(target));
         glViewport(0, 0, view.width, view.height);
