@@ -139,6 +139,8 @@ void glBegin(GLenum mode)
 void glEnd()
 {
     note("glEnd");
+    if (recorder && !recorder->primitives.empty() && recorder->primitives.back().vertices.empty())
+        recorder->primitives.pop_back(); // nothing is drawn by it
     insideBegin = false;
     static const auto forward = next<void()>("glEnd");
     forward();

@@ -150,14 +150,14 @@ void RyBoneDrawingTest::stateOfABone()
     for (const auto &body : bodies) {
         QVERIFY(!body.lighting);
         QVERIFY(!body.depthTest);
-        // The colour of the body, then the body.
-        QCOMPARE(recording->calls[size_t(body.firstCall) - 1].name, QByteArray("glColor4f"));
+        // The colour goes with the vertices of the body.
+        QCOMPARE(recording->calls[size_t(body.firstCall) + 1].name, QByteArray("glColor4f"));
     }
     // Once before the first of them: the state, then white.
     const auto &calls = recording->calls;
     const auto first = size_t(bodies.front().firstCall);
-    QVERIFY(calls[first - 2].is("glColor3ub", {255, 255, 255}));
-    QVERIFY(calls[first - 3].is("glPushAttrib", {double(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT)}));
+    QVERIFY(calls[first - 1].is("glColor3ub", {255, 255, 255}));
+    QVERIFY(calls[first - 2].is("glPushAttrib", {double(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT)}));
     for (size_t call = first; call <= size_t(bodies.back().firstCall); ++call)
         QVERIFY(!calls[call].name.startsWith("glPush") && !calls[call].name.startsWith("glPop"));
     QCOMPARE(recording->count("glPushMatrix"), recording->count("glPopMatrix"));

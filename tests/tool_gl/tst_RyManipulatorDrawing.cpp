@@ -289,6 +289,12 @@ void RyManipulatorDrawingTest::colors()
         QVERIFY(!primitive.depthTest);
     }
     QVERIFY(recording->contains("glPushAttrib", {double(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_LINE_BIT)}));
+    // All colours go with vertices: one set aside would have the driver compile another program.
+    bool isWithin = false;
+    for (const auto &call : recording->calls) {
+        isWithin = call.name == "glBegin" || (isWithin && call.name != "glEnd");
+        QVERIFY(isWithin || !call.name.startsWith("glColor"));
+    }
 }
 
 void RyManipulatorDrawingTest::lineWidthInPickPass()

@@ -28,7 +28,7 @@ void ryDrawAxisCross(const RyViewMatrices &matrices, float pixelRatio)
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glLineWidth(1.8f * unit);
-    glEnableClientState(GL_VERTEX_ARRAY);
+    glShadeModel(GL_FLAT);
     const float cx = width - 44 * unit;
     const float cy = height - 44 * unit;
     std::array<int, 3> order{0, 1, 2};
@@ -37,20 +37,19 @@ void ryDrawAxisCross(const RyViewMatrices &matrices, float pixelRatio)
         directions[size_t(axis)] = matrices.view().multDirMatrix(RyVec3::axis(axis));
     std::sort(order.begin(), order.end(),
               [&](int a, int b) { return directions[size_t(a)].z < directions[size_t(b)].z; });
+    // Each vertex has its colour, as with what tools draw: the driver needs one program less.
+    glBegin(GL_LINES);
     for (int axis : order) {
         const RyVec3 &d = directions[size_t(axis)];
-        const float tipX = cx + d.x * 24 * unit;
-        const float tipY = cy + d.y * 24 * unit;
         glColor4f(Colors[axis][0], Colors[axis][1], Colors[axis][2], d.z < -0.2f ? 0.55f : 1.0f);
-        std::vector<float> points{cx, cy, tipX, tipY};
+        glVertex2f(cx, cy);
+        glVertex2f(cx + d.x * 24 * unit, cy + d.y * 24 * unit);
         const std::vector<float> &letter = Letters[size_t(axis)];
         for (size_t i = 0; i < letter.size(); i += 2) {
-            points.push_back(cx + d.x * 34 * unit + (letter[i] - 0.5f) * 7 * unit);
-            points.push_back(cy + d.y * 34 * unit + (letter[i + 1] - 0.5f) * 8 * unit);
+            glVertex2f(cx + d.x * 34 * unit + (letter[i] - 0.5f) * 7 * unit,
+                       cy + d.y * 34 * unit + (letter[i + 1] - 0.5f) * 8 * unit);
         }
-        glVertexPointer(2, GL_FLOAT, 0, points.data());
-        glDrawArrays(GL_LINES, 0, int(points.size() / 2));
     }
-    glDisableClientState(GL_VERTEX_ARRAY);
+    glEnd();
     matrices.load();
 }

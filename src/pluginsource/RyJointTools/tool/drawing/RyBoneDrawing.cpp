@@ -98,8 +98,10 @@ void RyBoneDrawing::drawCodes(const RyBoneFrames &frames) const
         const int index = m_context.bones.find(entry.bone);
         if (index < 0)
             continue;
+        glBegin(GL_TRIANGLES);
         setPickColor(HandleId::fromBoneIndex(index));
-        drawBody(entry.frame);
+        putBody(entry.frame);
+        glEnd();
     }
 }
 
@@ -123,17 +125,18 @@ void RyBoneDrawing::drawShape(const RyBoneFrame &frame, const Color &bodyColor, 
 {
     if (!isSeen(frame))
         return;
+    glBegin(GL_TRIANGLES);
     setColor(bodyColor, bodyAlpha);
-    drawBody(frame);
+    putBody(frame);
+    glEnd();
     drawOutline(frame, alpha);
     drawRing(frame, alpha);
 }
 
-void RyBoneDrawing::drawBody(const RyBoneFrame &frame) const
+void RyBoneDrawing::putBody(const RyBoneFrame &frame)
 {
     const Waist waist(frame);
     const RyVec3 tip = frame.tip();
-    glBegin(GL_TRIANGLES);
     for (size_t i = 0; i < 4; ++i) {
         const RyVec3 &corner = waist.corners[i];
         const RyVec3 &next = waist.corners[(i + 1) % 4];
@@ -144,7 +147,6 @@ void RyBoneDrawing::drawBody(const RyBoneFrame &frame) const
         putVertex(corner);
         putVertex(next);
     }
-    glEnd();
 }
 
 void RyBoneDrawing::drawOutline(const RyBoneFrame &frame, float alpha) const
@@ -169,8 +171,8 @@ void RyBoneDrawing::drawRing(const RyBoneFrame &frame, float alpha) const
     const RyVec3 &first = frame.sides[inOrder ? 0 : 1];
     const RyVec3 &second = frame.sides[inOrder ? 1 : 0];
     const RyVec3 middle = frame.waistMiddle();
-    setColor(m_axisColors[frame.axes[0]], alpha);
     glBegin(GL_LINE_LOOP);
+    setColor(m_axisColors[frame.axes[0]], alpha);
     for (const CirclePoint &point : circle)
         putVertex(middle + first * point.cosine + second * point.sine);
     glEnd();
@@ -181,8 +183,8 @@ void RyBoneDrawing::drawLinks(const RyBoneFrames &frames) const
     glPushAttrib(GL_LINE_BIT);
     glLineStipple(3, 0xAAAA);
     glEnable(GL_LINE_STIPPLE);
-    glColor4f(1.0f, 1.0f, 1.0f, linkAlpha);
     glBegin(GL_LINES);
+    glColor4f(1.0f, 1.0f, 1.0f, linkAlpha);
     for (const RyBoneFrames::Entry &entry : frames.entries()) {
         if (!entry.hasLink || !m_context.volume.reachesLine(entry.frame.origin, entry.parentTip))
             continue;

@@ -24,7 +24,8 @@ private:
     void drawCodes(const RyBoneFrames &frames) const;
     void drawShapes(const RyBoneFrames &frames) const;
     void drawShape(const RyBoneFrame &frame, const Color &bodyColor, float outlineAlpha) const;
-    void drawBody(const RyBoneFrame &frame) const;
+    /// The triangles of its octahedron, within glBegin and glEnd.
+    static void putBody(const RyBoneFrame &frame);
     void drawOutline(const RyBoneFrame &frame, float alpha) const;
     void drawRing(const RyBoneFrame &frame, float alpha) const;
     void drawLinks(const RyBoneFrames &frames) const;

@@ -77,14 +77,14 @@ void RyBoundaryDrawing::draw(const RyNode &node) const
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
     const QColor &color = m_context.display.boundaryColor;
-    // Channels of 0 to 255 as they are: each of them is either off or full.
-    glColor4f(GLfloat(color.red()), GLfloat(color.green()), GLfloat(color.blue()), boundaryAlpha);
     const bool asLines = m_context.display.boundaryStyle == linesStyle;
     if (!asLines)
         glPointSize(pointSize(distanceFromCamera(m_context, toWorld.multVecMatrix(positions.front()))));
     glPushMatrix();
     glMultMatrixf(toWorld.data());
     glBegin(asLines ? GL_LINES : GL_POINTS);
+    // Channels of 0 to 255 as they are: each of them is either off or full.
+    glColor4f(GLfloat(color.red()), GLfloat(color.green()), GLfloat(color.blue()), boundaryAlpha);
     for (int vertex : edges)
         putVertex(positions[size_t(vertex)]);
     glEnd();

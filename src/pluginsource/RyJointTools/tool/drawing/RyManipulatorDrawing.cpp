@@ -33,6 +33,7 @@ void RyManipulatorDrawing::draw(const RyNode &node) const
     glPushAttrib(GL_LIGHTING_BIT | GL_DEPTH_BUFFER_BIT | GL_LINE_BIT);
     glDisable(GL_LIGHTING);
     glDisable(GL_DEPTH_TEST);
+    glShadeModel(GL_FLAT); // as bones have it
     if (m_context.pickPass)
         capLineWidth();
     if (isOriginSeen)
@@ -52,38 +53,41 @@ bool RyManipulatorDrawing::isSeen(const RyMatrix4 &toWorld) const
 
 void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const
 {
-    const QColor &color = m_context.display.dynamicColor;
     if (m_context.display.showManipulators) {
         for (const RyHandle &handle : RyHandleTable::handles()) {
-            if (handle.target == target && handle.kind == RyHandle::AxisArrow) {
-                setHandleColor(m_context, handle.id, color);
-                drawArrow(toWorld, handle.axis);
-            }
+            if (handle.target == target && handle.kind == RyHandle::AxisArrow)
+                drawArrow(toWorld, handle);
         }
     }
     for (const RyHandle &handle : RyHandleTable::handles()) {
         if (handle.target == target && handle.kind == RyHandle::Point) {
-            setHandleColor(m_context, handle.id, color);
-            drawCrosshair(toWorld);
-            drawBall(toWorld);
+            drawCrosshair(toWorld, handle);
+            drawBall(toWorld, handle);
         }
     }
 }
 
-void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, int axis) const
+void RyManipulatorDrawing::setColorOf(const RyHandle &handle) const
 {
-    const RyVec3 tip = RyVec3::axis(axis) * handleLength;
+    setHandleColor(m_context, handle.id, m_context.display.dynamicColor);
+}
+
+void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, const RyHandle &handle) const
+{
+    const RyVec3 tip = RyVec3::axis(handle.axis) * handleLength;
     const RyVec3 worldTip = toWorld.multVecMatrix(tip);
     glBegin(GL_LINES);
+    setColorOf(handle);
     putVertex(toWorld.translation());
     putVertex(worldTip);
     glEnd();
-    drawCone(toWorld, tip, axis, coneSizeAt(m_context.volume, worldTip));
+    drawCone(toWorld, tip, handle.axis, coneSizeAt(m_context.volume, worldTip));
 }
 
-void RyManipulatorDrawing::drawCrosshair(const RyMatrix4 &toWorld) const
+void RyManipulatorDrawing::drawCrosshair(const RyMatrix4 &toWorld, const RyHandle &handle) const
 {
     glBegin(GL_LINES);
+    setColorOf(handle);
     for (int axis = 0; axis < 3; ++axis) {
         putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * -handleLength));
         putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * handleLength));
@@ -91,11 +95,14 @@ void RyManipulatorDrawing::drawCrosshair(const RyMatrix4 &toWorld) const
     glEnd();
 }
 
-void RyManipulatorDrawing::drawBall(const RyMatrix4 &toWorld) const
+void RyManipulatorDrawing::drawBall(const RyMatrix4 &toWorld, const RyHandle &handle) const
 {
     const float radius = std::min(m_context.volume.lengthOf(ballPixels, toWorld.translation()) / 12.0f, maxBallRadius);
     glPushMatrix();
     glMultMatrixf(toWorld.data());
+    glBegin(GL_TRIANGLES);
+    setColorOf(handle);
+    glEnd();
     RyGLUtility::drawSphere(std::max(m_context.display.sphereLineDensity, 1), radius, false, true);
     glPopMatrix();
 }
