@@ -1,7 +1,7 @@
 // A frame while a joint is dragged on a figure at rest, and one in which the tool alone draws something new: what they
 // cost must not depend on the figure. Counts what is painted, uploaded and deformed.
 //
-// Arguments: how many frames are timed (31).
+// Arguments: how many frames are timed (31). With a folder of models in RY_MODELS its mh_large.glb is taken too.
 #include "RyLiteralDrawing.h"
 #include "RyPlainPainter.h"
 #include "RyRoundRobin.h"
@@ -10,6 +10,7 @@
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/base/RyAppSettings.h"
+#include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyCameraController.h"
@@ -19,6 +20,7 @@
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <cstdlib>
@@ -28,17 +30,41 @@ namespace {
 constexpr int width = 1280;
 constexpr int height = 900;
 
+struct Model
+{
+    RySkeleton *figure = nullptr;
+    RyBone *bone = nullptr; // the one that is moved
+};
+
+Model makeTube(int vertices)
+{
+    ryScene()->clear();
+    const RyTubeFigure tube(ryScene(), vertices, 160);
+    return {tube.figure, tube.chain[80]};
+}
+
+/// Nothing where it cannot be read.
+Model openFile(const QString &path)
+{
+    QString error;
+    if (!QFileInfo(path).isFile() || !RySceneFile::open(ryScene(), path, &error))
+        return {};
+    RySkeleton *figure = ryScene()->getSkeletons().front();
+    const std::vector<RyBone *> bones = figure->getAllBones();
+    return {figure, bones[bones.size() / 2]};
+}
+
 class Stage
 {
 public:
-    explicit Stage(int vertices)
-        : m_tube(makeTube(vertices)), m_manager(ryScene()), m_viewport(&m_manager),
-          m_plain(m_tube.object, *m_tube.mesh, width, height), m_target(width, height, 0), m_other(width, height, 0)
+    explicit Stage(const Model &model)
+        : m_model(model), m_manager(ryScene()), m_viewport(&m_manager),
+          m_plain(model.figure->getObject(), *meshOf(*model.figure), width, height), m_target(width, height, 0),
+          m_other(width, height, 0)
     {
         m_viewport.resize(width, height);
-        RyCameraController controller(m_viewport.getCamera());
-        controller.frame(RyBox3(RyVec3(-40, 0, -40), RyVec3(40, 180, 40)), QSizeF(width, height));
-        controller.setDirection(24, 7);
+        m_viewport.frameNodes(false);
+        RyCameraController(m_viewport.getCamera()).setDirection(24, 7);
         m_tool = new RyJointEditorTool;
         m_manager.addTool(m_tool);
         m_manager.setActiveTool(m_tool);
@@ -60,13 +86,21 @@ public:
         m_painter.paint(view(), samples, [this] { drawTool([this] { m_tool->draw(&m_viewport, style()); }); });
         glFinish();
     }
+    /// What is left of a frame when the tool draws nothing.
+    void paintWithoutTool(int samples)
+    {
+        m_target.bind();
+        m_painter.scene().setScene(ryScene(), m_manager.sceneRevision());
+        m_painter.paint(view(), samples, [] {});
+        glFinish();
+    }
     /// Four samples, and bones and handles by the letter.
     void paintPlainly()
     {
         const RyLiteralDrawing literal(RyLiteralDrawing::Pass::Normal, true);
         m_plain.drawFrame(m_target, [&] {
             drawTool([&] {
-                literal.drawFromScene(*m_tube.figure);
+                literal.drawFromScene(*m_model.figure);
                 literal.drawHandles(*bone());
             });
         });
@@ -78,15 +112,17 @@ public:
         glFinish();
     }
     const RyScenePicture &scene() const { return m_painter.scene(); }
-    qint64 touched() const { return m_tube.object->findModifier<RySkinBinding>()->deformer().totalTouched(); }
+    qint64 touched() const
+    {
+        return m_model.figure->getObject()->findModifier<RySkinBinding>()->deformer().totalTouched();
+    }
 
 private:
-    static RyTubeFigure makeTube(int vertices)
+    static const RyFacetMesh *meshOf(const RyNode &node)
     {
-        ryScene()->clear();
-        return {ryScene(), vertices, 160};
+        return qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node))->getFacetMesh();
     }
-    RyBone *bone() const { return m_tube.chain[80]; }
+    RyBone *bone() const { return m_model.bone; }
     static RyDrawStyle style() { return RyDrawStyle(RyDrawStyle::Textured); }
     RySceneView view() const
     {
@@ -109,7 +145,7 @@ private:
         glPopAttrib();
     }
 
-    RyTubeFigure m_tube;
+    Model m_model;
     RyViewportMgr m_manager;
     Ry3DViewport m_viewport;
     RyJointEditorTool *m_tool;
@@ -122,9 +158,9 @@ private:
 };
 
 /// Milliseconds of a frame of a drag.
-double measure(int vertices, int turns)
+double measure(const char *name, const Model &model, int turns)
 {
-    Stage stage(vertices);
+    Stage stage(model);
     stage.paint(4);
     stage.drag();
     const int paints = stage.scene().paints();
@@ -139,9 +175,12 @@ double measure(int vertices, int turns)
     ways.add("tool alone, four samples", [&] { stage.paint(4); });
     ways.add("straight road, four samples", [&] { stage.paintPlainly(); });
     ways.add("blit of the view", [&] { stage.blit(); });
+    ways.add("no tool, one sample", [&] { stage.paintWithoutTool(1); });
+    ways.add("no tool, four samples", [&] { stage.paintWithoutTool(4); });
     ways.run(turns);
-    std::printf("%d vertices: %d pictures of the scene, %d uploads, %lld vertices deformed\n", vertices,
-                stage.scene().paints() - paints, stage.scene().uploads() - uploads, stage.touched() - touched);
+    std::printf("%s, %zu bones: %d pictures of the scene, %d uploads, %lld vertices deformed\n", name,
+                model.figure->getAllBones().size(), stage.scene().paints() - paints, stage.scene().uploads() - uploads,
+                stage.touched() - touched);
     ways.print();
     std::printf("  tool alone, one sample: %.2f blits; four samples: %.2f of the straight road\n", ways.ratio(1, 4),
                 ways.ratio(2, 3));
@@ -167,9 +206,14 @@ int main(int argc, char **argv)
         std::puts("no OpenGL here");
         return 0;
     }
-    const double little = measure(5000, turns);
-    const double much = measure(isShort ? 20000 : 500000, turns);
+    const double little = measure("few vertices", makeTube(5000), turns);
+    const double much = measure("many vertices", makeTube(isShort ? 20000 : 500000), turns);
     std::printf("dragged joint, many vertices / few: %.2f\n", much / little);
+    const Model file = openFile(qEnvironmentVariable("RY_MODELS") + QStringLiteral("/mh_large.glb"));
+    if (file.figure)
+        measure("mh_large.glb", file, turns);
+    else
+        std::puts("mh_large.glb is not there, or RY_MODELS does not name its folder");
     ryDestroyScene();
     return 0;
 }

@@ -3,10 +3,16 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
+#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
+#include "rycore/viewport/drawing/RyFramebuffer.h"
+#include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <QMouseEvent>
 
@@ -44,6 +50,58 @@ private slots:
         m_figure.figure->setHidden(true);
         const QColor gone = m_viewport->grabPicture(400, 300).pixelColor(at(RyVec3(0, 20, 5)));
         QVERIFY(gone.lightness() < figure.lightness() - 30);
+    }
+
+    void aPictureHalfRefinedIsNotTakenForTheKeptOne()
+    {
+        // More than is refined in one go.
+        const int n = 260;
+        std::vector<RyVec3> positions;
+        std::vector<RyFacet> facets;
+        for (int i = 0; i <= n; ++i) {
+            for (int k = 0; k <= n; ++k)
+                positions.emplace_back(-30.0f + 0.2f * float(k), 0.15f * float(i), 12.0f);
+        }
+        for (int i = 0; i < n; ++i) {
+            for (int k = 0; k < n; ++k) {
+                const int corner = i * (n + 1) + k;
+                facets.push_back({{corner, corner + 1, corner + n + 2, corner + n + 1}, -1});
+            }
+        }
+        auto *mesh = new RyFacetMesh;
+        mesh->setPositions(std::move(positions));
+        mesh->setFacets(std::move(facets));
+        auto *object = new RyObject;
+        object->addShape(new RyFacetShape(mesh));
+        auto *sheet = new RyNode;
+        sheet->setObject(object);
+        m_scene->addNode(sheet);
+        sheet->getYRotControl()->setValue(20);
+
+        m_viewport->makeCurrent();
+        RyViewPainter painter;
+        painter.scene().setScene(m_scene.get(), m_manager->sceneRevision());
+        const auto view = [this] {
+            return RySceneView{RyViewMatrices(*m_viewport->getCamera(), 400, 300), {}, 400, 300};
+        };
+        const RyFramebuffer target(400, 300, 0);
+        const auto paint = [&](const RySceneView &seen) {
+            target.bind();
+            painter.paint(seen, RyViewPainter::MostSamples, [] {});
+            return target.toImage();
+        };
+        const RySceneView front = view();
+        const QImage first = paint(front);
+        QCOMPARE(paint(front), first);
+        m_viewport->setStandardView(Ry3DViewport::StandardView::Side);
+        QVERIFY(!painter.scene().refine(view(), RyViewPainter::MostSamples));
+        QCOMPARE(paint(front), first);
+        while (!painter.scene().refine(view(), RyViewPainter::MostSamples))
+            ;
+        QVERIFY(paint(view()) != first);
+        QCOMPARE(paint(front), first);
+        QCOMPARE(painter.scene().paints(), 3);
+        painter.release();
     }
 
     void thePictureFollowsThePose()

@@ -27,7 +27,7 @@ void RyScenePicture::reset()
 {
     m_picture.reset();
     m_draft.reset();
-    m_kept = m_refining = Stamp();
+    m_kept = m_refining = m_drafted = Stamp();
     m_keptSamples = 0;
 }
 
@@ -72,9 +72,11 @@ const RyFramebuffer &RyScenePicture::get(const RySceneView &view, int samples)
     begin(view, target);
     drawSurfaces(view, allTriangles);
     finish(view);
-    if (&target != m_picture.get())
-        target.resolveInto(*m_picture);
     m_kept = stampOf(view);
+    if (&target != m_picture.get()) {
+        target.resolveInto(*m_picture);
+        m_drafted = m_kept;
+    }
     m_keptSamples = std::max(samples, 1);
     return *m_picture;
 }
@@ -99,10 +101,22 @@ bool RyScenePicture::refine(const RySceneView &view, int samples)
     finish(view);
     target.resolveInto(*m_picture);
     ++(m_kept == m_refining ? m_refinements : m_paints);
-    m_kept = m_refining;
+    m_kept = m_drafted = m_refining;
     m_keptSamples = samples;
     m_refining = Stamp();
     return true;
+}
+
+void RyScenePicture::copyInto(const RyFramebuffer &target)
+{
+    // Sample by sample where there are as many: that is a plain copy of memory.
+    if (m_draft && m_drafted == m_kept && m_draft->samples() == target.samples()) {
+        m_draft->resolveInto(target);
+        return;
+    }
+    target.bind();
+    glViewport(0, 0, target.width(), target.height());
+    drawCopy();
 }
 
 void RyScenePicture::drawCopy()
@@ -124,7 +138,7 @@ const RyFramebuffer &RyScenePicture::draft(int samples)
     if (!m_draft || m_draftSamples != samples) {
         m_draftSamples = samples;
         m_draft = RyFramebuffer::withSamples(m_picture->width(), m_picture->height(), samples);
-        m_refining = Stamp();
+        m_refining = m_drafted = Stamp();
     }
     return *m_draft;
 }
@@ -133,6 +147,8 @@ void RyScenePicture::begin(const RySceneView &view, const RyFramebuffer &target)
 {
     const RyFramebuffer &backdrop = m_backdrop.picture(view);
     glViewport(0, 0, view.width, view.height);
+    if (&target == m_draft.get())
+        m_drafted = Stamp();
     if (target.samples() > 1) {
         target.bind();
         glDisable(GL_BLEND);

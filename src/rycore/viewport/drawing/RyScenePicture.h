@@ -23,6 +23,8 @@ public:
     void setScene(const RyScene *scene, quint64 revision);
     /// The picture, with at least so many samples (0 or 1 for one). May leave another frame buffer bound.
     const RyFramebuffer &get(const RySceneView &view, int samples);
+    /// Copies the picture that `get` gave into a frame buffer of its size, which is bound afterwards.
+    void copyInto(const RyFramebuffer &target);
     /// Covers the viewport of the bound frame buffer with the picture that `get` gave.
     void drawCopy();
     /// Draws the next piece of a picture with more samples; true when the kept picture has them. Leaves another frame
@@ -66,6 +68,7 @@ private:
     Stamp m_kept;
     int m_keptSamples = 0;
     Stamp m_refining; // what m_draft is becoming
+    Stamp m_drafted;  // what m_draft is a whole picture of
     int m_paints = 0;
     int m_refinements = 0;
 };

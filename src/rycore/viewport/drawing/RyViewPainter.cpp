@@ -35,9 +35,8 @@ void RyViewPainter::paint(const RySceneView &view, int samples, const std::funct
     if (samples > 1) {
         if (!m_frame || m_frame->width() != view.width || m_frame->height() != view.height)
             m_frame = RyFramebuffer::withSamples(view.width, view.height, samples);
-        m_frame->bind();
+        m_scene.copyInto(*m_frame);
         glViewport(0, 0, view.width, view.height);
-        m_scene.drawCopy();
     } else if (GLuint(target) == windowBuffer) {
         // A window lies the other way up. A blit turns the rows over by a shader, which a software renderer compiles
         // anew in each run; the one that draws a texture comes out of the cache.
