@@ -107,12 +107,8 @@ struct NormalsCloud
         double mostNormals = results.size() == directions.size() ? 0.0 : 1e30;
         for (size_t v = 0; v < points.size() && mostPoints < 1e30; ++v)
             mostPoints = std::max(mostPoints, (row(positions[v]) - points[v]).norm());
-        for (size_t place = 0; place < directions.size() && mostNormals < 1e30; ++place) {
-            const double length = directions[place].norm();
-            const Row unit = length > 0.0 ? Row(directions[place] / length) : Row(0, 0, 0);
-            // Where weighted normals all but cancel each other, rounding turns what is left.
-            mostNormals = std::max(mostNormals, (row(results[place]) - unit).norm() * std::min(1.0, length));
-        }
+        for (size_t place = 0; place < directions.size() && mostNormals < 1e30; ++place)
+            mostNormals = std::max(mostNormals, (row(results[place]) - directions[place]).norm());
         return {mostPoints, mostNormals};
     }
 

@@ -7,14 +7,43 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyModifier.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/RyShapePoints.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <QMouseEvent>
+
+namespace {
+
+/// Makes the normals of a shape long and short, and leaves their directions.
+class StretchedNormals : public RyModifier
+{
+public:
+    explicit StretchedNormals(std::vector<float> lengths) : m_lengths(std::move(lengths)) { m_changes.markAll(1); }
+    bool deform(RyShapePoints &points) override
+    {
+        if (!points.normals)
+            return true;
+        m_normals = *points.normals;
+        for (size_t i = 0; i < m_normals.size(); ++i)
+            m_normals[i] *= m_lengths[i % m_lengths.size()];
+        points.normals = &m_normals;
+        points.changes = &m_changes;
+        return true;
+    }
+
+private:
+    std::vector<float> m_lengths;
+    std::vector<RyVec3> m_normals;
+    RyPointChanges m_changes;
+};
+
+} // namespace
 
 /// Pictures and picks of a viewport that no display shows.
 class RyOffscreenContextTest : public QObject
@@ -111,6 +140,29 @@ private slots:
         m_figure.upper->getZRotControl()->setValue(-60);
         const QColor after = m_viewport->grabPicture(400, 300).pixelColor(beside);
         QVERIFY(after.lightness() > before.lightness() + 30);
+    }
+
+    void lengthsOfNormalsChangeNoPicture()
+    {
+        const RyFacetMesh *mesh =
+            static_cast<RyFacetShape *>(m_figure.figure->getObject()->getCurrentShape())->getFacetMesh();
+        auto *prop = new RyNode;
+        auto *object = new RyObject;
+        object->addShape(new RyFacetShape(mesh->copy()));
+        prop->setObject(object);
+        prop->getXTransControl()->setValue(-18);
+        prop->getYRotControl()->setValue(30);
+        prop->getXScaleControl()->setValue(1.6);
+        m_scene->addNode(prop);
+        const QImage units = m_viewport->grabPicture(400, 300);
+        object->addModifier(new StretchedNormals({0.2f, 1.0f, 7.0f}));
+        const QImage stretched = m_viewport->grabPicture(400, 300);
+        int most = 0;
+        for (int y = 0; y < units.height(); ++y) {
+            for (int x = 0; x < units.width(); ++x)
+                most = std::max(most, std::abs(qGreen(units.pixel(x, y)) - qGreen(stretched.pixel(x, y))));
+        }
+        QVERIFY2(most <= 1, qPrintable(QString::number(most)));
     }
 
     void theToolIsDrawnAboveAndLetsFiguresShowThrough()

@@ -13,7 +13,7 @@ class RyShapeNormals;
 struct RyShapePoints
 {
     const std::vector<RyVec3> *positions = nullptr; // one for each vertex
-    const std::vector<RyVec3> *normals = nullptr;   // unit vectors; null where nobody asks for them
+    const std::vector<RyVec3> *normals = nullptr;   // of any length; null where nobody asks for them
     const RyShapeNormals *places = nullptr;         // which normal belongs to what; null without normals
     /// By places: the vertices, then the further normals. Null when nothing is known of where the points come from.
     const RyPointChanges *changes = nullptr;

@@ -21,9 +21,9 @@ struct RySkinNormals
 /// with it. After a change of some maps only what they move is computed again. Uses AVX2 where the processor has it and
 /// several threads for large meshes; what one vertex gets depends on neither, but for the rounding of AVX2.
 ///
-/// A normal is blended as its vertex is, `n + sum of w * (n N - n)`, and made a unit vector again; N is the map that
-/// carries normals where X carries points (see RyNormalMap), X itself for a turn with an equal scale. As usual, what
-/// weights that differ from vertex to vertex bend between them is left out.
+/// A normal is blended as its vertex is, `n + sum of w * (n N - n)`, and left as long as that makes it; N is the map
+/// that carries normals where X carries points (see RyNormalMap), X itself for a turn with an equal scale. As usual,
+/// what weights that differ from vertex to vertex bend between them is left out.
 class RySkinDeformer
 {
 public:
@@ -41,7 +41,7 @@ public:
     const std::vector<RyVec3> &deform(const std::vector<RyVec3> &rest, const std::vector<RyAffine> &maps,
                                       const void *source = nullptr, quint64 revision = 0,
                                       const RySkinNormals &normals = RySkinNormals());
-    /// Those of the last call; empty when it carried none.
+    /// Those of the last call, of any length; empty when it carried none.
     const std::vector<RyVec3> &normals() const { return m_normals; }
     /// By places (see RySkinInfluences).
     const RyPointChanges &changes() const { return m_changes; }

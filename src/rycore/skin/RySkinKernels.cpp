@@ -2,20 +2,11 @@
 
 #include "rycore/skin/RySkinLoop.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace {
 
 /// Four floats as every processor has them in one way or another.
 struct PlainRegisters
 {
-    static constexpr int Group = 4;
     using Vector = float __attribute__((vector_size(16)));
     using Places = int __attribute__((vector_size(16)));
     using Unaligned = float __attribute__((vector_size(16), aligned(4), may_alias));
@@ -100,39 +91,6 @@ struct PlainRegisters
             *to = RyVec3(v[0], v[1], v[2]);
         else
             *reinterpret_cast<Unaligned *>(to) = v;
-    }
-
-    /// 1 / the root; of zero, that of the smallest number.
-    static RY_ALWAYS_INLINE Vector inverseRoots(Vector v)
-    {
-        constexpr float Least = std::numeric_limits<float>::min();
-#if defined(__SSE2__)
-        // An estimate and one step of Newton's: as good as a root and a division to the last bit or two.
-        const Vector safe = _mm_max_ps(v, _mm_set1_ps(Least));
-        const Vector guess = _mm_rsqrt_ps(safe);
-        return guess * (1.5f - (0.5f * safe * guess) * guess);
-#else
-        for (int i = 0; i < 4; ++i)
-            v[i] = 1.0f / std::sqrt(std::max(v[i], Least));
-        return v;
-#endif
-    }
-
-    /// Zero stays zero.
-    static RY_ALWAYS_INLINE void makeUnits(Vector (&v)[4])
-    {
-        const Vector xy01 = __builtin_shuffle(v[0], v[1], Places{0, 4, 1, 5});
-        const Vector xy23 = __builtin_shuffle(v[2], v[3], Places{0, 4, 1, 5});
-        const Vector z01 = __builtin_shuffle(v[0], v[1], Places{2, 6, 3, 7});
-        const Vector z23 = __builtin_shuffle(v[2], v[3], Places{2, 6, 3, 7});
-        const Vector x = __builtin_shuffle(xy01, xy23, Places{0, 1, 4, 5});
-        const Vector y = __builtin_shuffle(xy01, xy23, Places{2, 3, 6, 7});
-        const Vector z = __builtin_shuffle(z01, z23, Places{0, 1, 4, 5});
-        const Vector factors = inverseRoots((x * x + y * y) + z * z);
-        v[0] *= spread<0>(factors);
-        v[1] *= spread<1>(factors);
-        v[2] *= spread<2>(factors);
-        v[3] *= spread<3>(factors);
     }
 };
 

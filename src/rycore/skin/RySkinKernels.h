@@ -26,7 +26,7 @@ struct Task
     const RyVec3 *restPositions;
     const RyVec3 *restNormals;
     RyVec3 *positions;
-    RyVec3 *normals; // unit, or zero
+    RyVec3 *normals; // of any length
     const Delta *deltas;
     const int *places;
     int firstPlace;

@@ -4,9 +4,6 @@
 
 #include <immintrin.h>
 
-#include <cstring>
-#include <limits>
-
 // What is compiled from here on may only run where hasAvx2().
 #pragma GCC push_options
 #pragma GCC target("avx2,fma")
@@ -18,8 +15,6 @@ namespace {
 /// Sums and products are written so that no compiler may round them in another way here and there.
 struct Avx2Registers
 {
-    static constexpr int Group = 8;
-    using Vector = __m128;
 
     struct Matrix
     {
@@ -55,26 +50,38 @@ struct Avx2Registers
         template<bool Exact>
         RY_ALWAYS_INLINE __m128 movedPoint(const RyVec3 *from) const
         {
-            const __m256 first = _mm256_blend_ps(_mm256_broadcast_ss(&from->x), _mm256_broadcast_ss(&from->y), 0xf0);
-            const __m256 second = _mm256_blend_ps(_mm256_broadcast_ss(&from->z), _mm256_set1_ps(1.0f), 0xf0);
+            const __m256 v = readTwice<Exact>(from);
+            const __m256 first = spreadXy(v);
+            const __m256 second = _mm256_blend_ps(_mm256_permute_ps(v, 0xaa), _mm256_set1_ps(1.0f), 0xf0);
             const __m256 both = _mm256_fmadd_ps(first, xy, _mm256_mul_ps(second, zt));
             return _mm_add_ps(_mm256_castps256_ps128(both), _mm256_extractf128_ps(both, 1));
         }
         template<bool Exact>
         RY_ALWAYS_INLINE __m128 movedDirection(const RyVec3 *from) const
         {
-            const __m256 first = _mm256_blend_ps(_mm256_broadcast_ss(&from->x), _mm256_broadcast_ss(&from->y), 0xf0);
-            const __m256 both = _mm256_mul_ps(first, xy);
-            const __m128 low =
-                _mm_fmadd_ps(_mm_broadcast_ss(&from->z), _mm256_castps256_ps128(zt), _mm256_castps256_ps128(both));
+            const __m256 v = readTwice<Exact>(from);
+            const __m256 both = _mm256_mul_ps(spreadXy(v), xy);
+            const __m128 z = _mm256_castps256_ps128(_mm256_permute_ps(v, 0xaa));
+            const __m128 low = _mm_fmadd_ps(z, _mm256_castps256_ps128(zt), _mm256_castps256_ps128(both));
             return _mm_add_ps(low, _mm256_extractf128_ps(both, 1));
         }
     };
 
+    /// Into both halves at once: reading is what the loop waits for.
     template<bool Exact>
-    static RY_ALWAYS_INLINE __m128 read(const RyVec3 *from)
+    static RY_ALWAYS_INLINE __m256 readTwice(const RyVec3 *from)
     {
-        return Exact ? _mm_maskload_ps(&from->x, _mm_setr_epi32(-1, -1, -1, 0)) : _mm_loadu_ps(&from->x);
+        if constexpr (Exact) {
+            const __m128 v = _mm_maskload_ps(&from->x, _mm_setr_epi32(-1, -1, -1, 0));
+            return _mm256_set_m128(v, v);
+        } else {
+            return _mm256_broadcast_ps(reinterpret_cast<const __m128 *>(from));
+        }
+    }
+    /// x in the lower half, y in the upper one.
+    static RY_ALWAYS_INLINE __m256 spreadXy(__m256 v)
+    {
+        return _mm256_permutevar_ps(v, _mm256_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1));
     }
 
     template<bool Exact>
@@ -85,38 +92,6 @@ struct Avx2Registers
             _mm_store_ss(&to->z, _mm_movehl_ps(v, v));
         } else {
             _mm_storeu_ps(&to->x, v);
-        }
-    }
-
-    /// Zero stays zero.
-    static RY_ALWAYS_INLINE void makeUnits(__m128 (&v)[8])
-    {
-        // Vectors k and k + 4 share a register.
-        __m256 pairs[4];
-#pragma GCC unroll 4
-        for (int k = 0; k < 4; ++k)
-            pairs[k] = _mm256_set_m128(v[k + 4], v[k]);
-        const __m256 xy01 = _mm256_unpacklo_ps(pairs[0], pairs[1]);
-        const __m256 xy23 = _mm256_unpacklo_ps(pairs[2], pairs[3]);
-        const __m256 z01 = _mm256_unpackhi_ps(pairs[0], pairs[1]);
-        const __m256 z23 = _mm256_unpackhi_ps(pairs[2], pairs[3]);
-        const __m256 x = _mm256_shuffle_ps(xy01, xy23, 0x44);
-        const __m256 y = _mm256_shuffle_ps(xy01, xy23, 0xee);
-        const __m256 z = _mm256_shuffle_ps(z01, z23, 0x44);
-        const __m256 squares = _mm256_fmadd_ps(z, z, _mm256_fmadd_ps(y, y, _mm256_mul_ps(x, x)));
-        // An estimate and one step of Newton's: as good as a root and a division to the last bit or two.
-        const __m256 safe = _mm256_max_ps(squares, _mm256_set1_ps(std::numeric_limits<float>::min()));
-        const __m256 guess = _mm256_rsqrt_ps(safe);
-        const __m256 half = _mm256_mul_ps(_mm256_mul_ps(safe, _mm256_set1_ps(0.5f)), guess);
-        const __m256 factors = _mm256_mul_ps(guess, _mm256_fnmadd_ps(half, guess, _mm256_set1_ps(1.5f)));
-        pairs[0] = _mm256_mul_ps(pairs[0], _mm256_permute_ps(factors, 0x00));
-        pairs[1] = _mm256_mul_ps(pairs[1], _mm256_permute_ps(factors, 0x55));
-        pairs[2] = _mm256_mul_ps(pairs[2], _mm256_permute_ps(factors, 0xaa));
-        pairs[3] = _mm256_mul_ps(pairs[3], _mm256_permute_ps(factors, 0xff));
-#pragma GCC unroll 4
-        for (int k = 0; k < 4; ++k) {
-            v[k] = _mm256_castps256_ps128(pairs[k]);
-            v[k + 4] = _mm256_extractf128_ps(pairs[k], 1);
         }
     }
 };

@@ -9,12 +9,11 @@
 namespace {
 
 /// `Registers` says how four floats are read, blended and written: see those of the two files. `Influences` 0: as many
-/// as the task says. Elements are computed in groups, at the end again and again the last one, so that what one gets is
-/// rounded in one way wherever it stands.
+/// as the task says.
 template<class Registers, int Influences, class Offset, RySkinKernels::Output Wanted, bool Listed>
 struct RySkinLoop
 {
-    static constexpr int Group = Registers::Group;
+    static constexpr int Group = 8;       // elements whose bytes are fetched at once
     static constexpr int FetchAhead = 32; // elements
     static constexpr bool Positions = Wanted != RySkinKernels::Output::Normals;
     static constexpr bool Normals = Wanted != RySkinKernels::Output::Positions;
@@ -31,41 +30,30 @@ struct RySkinLoop
         for (; element + Group <= last; element += Group) {
             if constexpr (!Listed)
                 fetch(element + FetchAhead);
-            compute<false>(element, last);
+            for (int i = 0; i < Group; ++i)
+                compute<false>(element + i);
         }
-        for (; element <= last; element += Group)
-            compute<true>(element, last);
+        for (; element < last; ++element)
+            compute<false>(element);
+        compute<true>(last);
     }
 
-    /// A group of elements. `AtEnd`: nothing behind the last one is read or written.
+    /// `AtEnd`: nothing behind the element is read or written.
     template<bool AtEnd>
-    RY_ALWAYS_INLINE void compute(int first, int last) const
+    RY_ALWAYS_INLINE void compute(int element) const
     {
         // Four floats are written where the next element overwrites the fourth.
         constexpr bool Exact = Listed || AtEnd;
-        typename Registers::Vector units[Group];
-#pragma GCC unroll 8
-        for (int i = 0; i < Group; ++i) {
-            const int element = AtEnd && first + i > last ? last : first + i;
-            const size_t entry = size_t(element) * size_t(influences);
-            const size_t place = placeOf(element);
-            typename Registers::Matrix map;
-            map.template blend<Influences>(task.deltas, offsets + entry, task.weights + entry, influences);
-            if constexpr (Positions) {
-                const RyVec3 *from = task.restPositions + place;
-                Registers::template write<Exact>(task.positions + place, map.template movedPoint<AtEnd>(from));
-            }
-            if constexpr (Normals)
-                units[i] = map.template movedDirection<AtEnd>(task.restNormals + place);
-        }
-        if constexpr (Normals) {
-            Registers::makeUnits(units);
-#pragma GCC unroll 8
-            for (int i = 0; i < Group; ++i) {
-                const int element = AtEnd && first + i > last ? last : first + i;
-                Registers::template write<Exact>(task.normals + placeOf(element), units[i]);
-            }
-        }
+        const size_t entry = size_t(element) * size_t(influences);
+        const size_t place = placeOf(element);
+        typename Registers::Matrix map;
+        map.template blend<Influences>(task.deltas, offsets + entry, task.weights + entry, influences);
+        if constexpr (Positions)
+            Registers::template write<Exact>(task.positions + place,
+                                             map.template movedPoint<AtEnd>(task.restPositions + place));
+        if constexpr (Normals)
+            Registers::template write<Exact>(task.normals + place,
+                                             map.template movedDirection<AtEnd>(task.restNormals + place));
     }
 
     RY_ALWAYS_INLINE size_t placeOf(int element) const

@@ -86,7 +86,9 @@ varying vec2 uv;
 void main()
 {
     eye = vec3(gl_ModelViewMatrix * gl_Vertex);
-    normal = gl_NormalMatrix * gl_Normal;
+    // Normals of posed figures come in any length; zero stays zero.
+    float size = length(gl_Normal);
+    normal = gl_NormalMatrix * (size > 0.0 ? gl_Normal / size : gl_Normal);
     uv = gl_MultiTexCoord0.xy;
     gl_Position = ftransform();
 }
