@@ -3,6 +3,7 @@
 #include "support/RyTest.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <random>
 
@@ -19,6 +20,7 @@ private slots:
     void sharesInSinglePrecision();
     void equalWeightsNeverTakeTooMuch();
     void restGoesToTheMostRounded();
+    void fourAtOnceAsOneByOne();
     void knownNumbers();
 };
 
@@ -144,6 +146,49 @@ void RyWeightQuantizerTest::restGoesToTheMostRounded()
         }
         QVERIFY(highest - lowest <= 1.0L + 1e-9L); // nobody could give one to another and both be nearer
     }
+}
+
+void RyWeightQuantizerTest::fourAtOnceAsOneByOne()
+{
+    std::mt19937 random(ryTestSeed());
+    std::uniform_real_distribution<float> share(0.0f, 1.0f);
+    int rests = 0;
+    for (int round = 0; round < 200000; ++round) {
+        float weights[4];
+        for (float &weight : weights) {
+            switch (random() % 8) {
+            case 0:
+                weight = 0.0f;
+                break;
+            case 1:
+                weight = 0.25f;
+                break;
+            case 2: // halves after scaling, which round to more than there is
+                weight = (float(random() % 1000) + 0.5f) / 65535.0f;
+                break;
+            case 3:
+                weight = std::ldexp(share(random), int(random() % 250) - 125);
+                break;
+            default:
+                weight = share(random);
+            }
+        }
+        double doubles[4];
+        double sum = 0.0;
+        for (int i = 0; i < 4; ++i)
+            sum += doubles[i] = double(weights[i]);
+        if (sum == 0.0)
+            continue;
+        quint16 one[4], four[4];
+        const int largest = RyWeightQuantizer::spreadRest(doubles, 4, sum, one);
+        QCOMPARE(RyWeightQuantizer::spreadRestOfFour(weights, four), largest);
+        QVERIFY(std::equal(one, one + 4, four));
+        qint64 nearest = 0;
+        for (const double weight : doubles)
+            nearest += qint64(weight / sum * double(Full) + 0.5);
+        rests += nearest != Full;
+    }
+    QVERIFY(rests > 10000);
 }
 
 void RyWeightQuantizerTest::knownNumbers()

@@ -40,8 +40,10 @@ struct RyFacetMesh::GroupsValue : RyValueOf<RyFacetMesh, Grouping>
 void RyFacetMesh::setFacets(std::vector<RyFacet> facets)
 {
     RyValueChange<FacetsValue>::record(this);
-    for (RyFacet &facet : facets)
-        facet.group = -1;
+    for (RyFacet &facet : facets) {
+        if (facet.group != -1) // facets fill many pages: they are written only where they differ
+            facet.group = -1;
+    }
     QStringList names = groupNames();
     swapFacets(facets, names);
 }
@@ -205,19 +207,33 @@ void RyFacetMesh::announceGroups()
 
 void RyFacetMesh::rebuildGroupLists()
 {
+    if (m_groups.empty())
+        return;
+    struct Run
+    {
+        int group, first, count;
+    };
+    std::vector<Run> runs;
     std::vector<int> counts(m_groups.size(), 0);
-    for (const RyFacet &facet : m_facets) {
-        if (facet.group >= 0)
-            ++counts[size_t(facet.group)];
+    const int facetCount = getNumFacets();
+    for (int first = 0, end = 0; first < facetCount; first = end) {
+        const int group = m_facets[size_t(first)].group;
+        while (end < facetCount && m_facets[size_t(end)].group == group)
+            ++end;
+        if (group < 0)
+            continue;
+        runs.push_back({group, first, end - first});
+        counts[size_t(group)] += end - first;
     }
     std::vector<int *> ends;
     for (size_t i = 0; i < m_groups.size(); ++i) {
         m_groups[i]->facets().preSizeArray(counts[i]);
         ends.push_back(m_groups[i]->facets().getIndicesPtr());
     }
-    for (size_t i = 0; i < m_facets.size(); ++i) {
-        if (m_facets[i].group >= 0)
-            *ends[size_t(m_facets[i].group)]++ = int(i);
+    for (const Run &run : runs) {
+        int *&end = ends[size_t(run.group)];
+        std::iota(end, end + run.count, run.first);
+        end += run.count;
     }
 }
 

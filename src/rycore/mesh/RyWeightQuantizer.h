@@ -62,4 +62,7 @@ private:
 /// `count` weights, none below zero. Returns the place of the largest, the first of equal ones.
 int spreadRest(const double *weights, int count, double sum, quint16 *result);
 
+/// The same of four finite weights, of which one at least is above zero, at once and to the bit.
+int spreadRestOfFour(const float *weights, quint16 *result);
+
 } // namespace RyWeightQuantizer

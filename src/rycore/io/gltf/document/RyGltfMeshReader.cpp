@@ -13,6 +13,14 @@ template<typename T>
 std::uint32_t largest(const unsigned char *bytes, std::uint64_t stride, std::uint64_t count)
 {
     std::uint32_t result = 0;
+    if (stride == sizeof(T)) { // a loop that registers of several numbers can take
+        for (std::uint64_t i = 0; i < count; ++i) {
+            T value;
+            std::memcpy(&value, bytes + i * sizeof(T), sizeof(T));
+            result = std::max<std::uint32_t>(result, value);
+        }
+        return result;
+    }
     for (std::uint64_t i = 0; i < count; ++i) {
         T value;
         std::memcpy(&value, bytes + i * stride, sizeof(T));

@@ -26,7 +26,9 @@ namespace {
 /// Number of the first triangle of each facet, and behind them that of all triangles: a file holds quads as two.
 std::vector<int> firstTriangles(const RyFacetMesh &mesh)
 {
-    std::vector<int> first{0};
+    std::vector<int> first;
+    first.reserve(mesh.getFacets().size() + 1);
+    first.push_back(0);
     for (const RyFacet &facet : mesh.getFacets())
         first.push_back(first.back() + facet.count() - 2);
     return first;

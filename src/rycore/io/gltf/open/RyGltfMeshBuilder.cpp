@@ -61,7 +61,7 @@ void RyGltfMeshBuilder::finish()
     m_weldClass = -1;
     m_classParts.clear();
     std::vector<Origin>().swap(m_origins);
-    std::vector<int>().swap(m_table);
+    std::vector<std::uint32_t>().swap(m_table);
     std::vector<InfluenceRun>().swap(m_runs);
 }
 
@@ -75,14 +75,15 @@ void RyGltfMeshBuilder::growTable(size_t added)
     m_table.clear();
     m_table.shrink_to_fit();
     m_table.reserve(capacity);
-    RyLargePages::prefer(m_table.data(), capacity * sizeof(int));
-    m_table.assign(capacity, -1);
+    RyLargePages::prefer(m_table.data(), capacity * sizeof(m_table[0]));
+    m_table.assign(capacity, 0);
     for (size_t known = 0; known < m_origins.size(); ++known) {
         const RyGltfSplitVertices &from = *m_classParts[size_t(m_origins[known].part)];
-        size_t slot = from.hash(m_origins[known].split) & (capacity - 1);
-        while (m_table[slot] >= 0)
+        const std::uint64_t hash = from.hash(m_origins[known].split);
+        size_t slot = hash & (capacity - 1);
+        while (m_table[slot] != 0)
             slot = (slot + 1) & (capacity - 1);
-        m_table[slot] = int(known);
+        m_table[slot] = tagOf(hash) | std::uint32_t(known + 1);
     }
 }
 
@@ -94,31 +95,31 @@ void RyGltfMeshBuilder::weld(const RyGltfSplitVertices &splits, RyMeshPart &resu
     result.vertexOfSplit.resize(splits.count());
     // Most of the time would go into waiting for starts: those of a few vertices are fetched at once.
     constexpr size_t Batch = 32;
-    size_t starts[Batch];
+    std::uint64_t hashes[Batch];
     for (size_t first = 0; first < splits.count(); first += Batch) {
         const size_t count = std::min(Batch, splits.count() - first);
         for (size_t i = 0; i < count; ++i) {
-            starts[i] = splits.hash(int(first + i)) & mask;
-            __builtin_prefetch(&m_table[starts[i]], 1);
+            hashes[i] = splits.hash(int(first + i));
+            __builtin_prefetch(&m_table[hashes[i] & mask], 1);
         }
         for (size_t i = 0; i < count; ++i) {
             const int split = int(first + i);
-            size_t slot = starts[i];
-            int local = m_table[slot];
-            while (local >= 0) {
-                const Origin &origin = m_origins[size_t(local)];
+            const std::uint32_t tag = tagOf(hashes[i]);
+            const auto isKnown = [&](std::uint32_t entry) {
+                if ((entry & ~std::uint32_t(mask)) != tag)
+                    return false;
+                const Origin &origin = m_origins[(entry & mask) - 1];
                 ++comparisons;
-                if (splits.same(split, *m_classParts[size_t(origin.part)], origin.split))
-                    break;
+                return splits.same(split, *m_classParts[size_t(origin.part)], origin.split);
+            };
+            size_t slot = hashes[i] & mask;
+            while (m_table[slot] != 0 && !isKnown(m_table[slot]))
                 slot = (slot + 1) & mask;
-                local = m_table[slot];
-            }
-            if (local < 0) {
-                local = int(m_origins.size());
-                m_table[slot] = local;
+            if (m_table[slot] == 0) {
                 m_origins.push_back({thisPart, split});
+                m_table[slot] = tag | std::uint32_t(m_origins.size());
             }
-            result.vertexOfSplit[first + i] = m_firstOfClass + local;
+            result.vertexOfSplit[first + i] = m_firstOfClass + int(m_table[slot] & mask) - 1;
         }
     }
 }
@@ -181,11 +182,15 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
             toFigure.mapPoint(from, at);
             positions[size_t(firstVertex) + i] = {float(at[0]), float(at[1]), float(at[2])};
             quint16 *bones = run.bones.data() + i * width;
+            quint16 *quantized = run.weights.data() + i * width;
+            if (const float *four = splits.plainInfluencesOf(size_t(split), bones)) {
+                m_strongest[size_t(firstVertex) + i] = bones[RyWeightQuantizer::spreadRestOfFour(four, quantized)];
+                continue;
+            }
             const auto found = splits.influencesOf(size_t(split), bones, weights.data());
             droppedHere += found.dropped;
             if (found.sum > 0.0 && std::isfinite(found.sum)) {
-                const int largest = RyWeightQuantizer::spreadRest(weights.data(), found.count, found.sum,
-                                                                  run.weights.data() + i * width);
+                const int largest = RyWeightQuantizer::spreadRest(weights.data(), found.count, found.sum, quantized);
                 m_strongest[size_t(firstVertex) + i] = bones[largest];
             }
         }

@@ -67,7 +67,13 @@ private:
     std::vector<Origin> m_origins; // per welded vertex of the class
     int m_weldClass = -1;
     int m_firstOfClass = 0;
-    std::vector<int> m_table; // hash table of welded vertices of the class
+    // Hash table of welded vertices of the class: 0 for none, or one more than the vertex in as many bits as slots are
+    // told by, which at most half of them need, and above it bits of its hash: others are seldom looked at.
+    std::vector<std::uint32_t> m_table;
+    std::uint32_t tagOf(std::uint64_t hash) const
+    {
+        return std::uint32_t(hash >> 32) & ~std::uint32_t(m_table.size() - 1);
+    }
     // Influences in runs of welded vertices: a run has `width` places for each vertex, empty ones weigh 0.
     struct InfluenceRun
     {

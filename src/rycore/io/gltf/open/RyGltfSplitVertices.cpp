@@ -80,6 +80,35 @@ bool RyGltfSplitVertices::isFree(size_t split) const
     return double(m_sets.front().weights[4 * split]) == sum;
 }
 
+const float *RyGltfSplitVertices::plainInfluencesOf(size_t split, std::uint16_t *bones) const
+{
+    if (m_sets.size() != 1 || !m_free.empty())
+        return nullptr;
+    const InfluenceSet &set = m_sets.front();
+    const float *weights = set.weights + 4 * split;
+    // Without branches: which vertices are plain is hard to tell beforehand.
+    bool isPlain = true;
+    bool isMoved[4];
+    size_t joints[4];
+    for (size_t k = 0; k < 4; ++k) {
+        joints[k] = size_t(set.joint(4 * split + k));
+        isPlain &= weights[k] >= 0.0f;
+        isPlain &= weights[k] <= std::numeric_limits<float>::max();
+        isPlain &= joints[k] < m_bonesOfJoints.size();
+        isMoved[k] = weights[k] > 0.0f;
+    }
+    if (!isPlain)
+        return nullptr;
+    for (size_t k = 0; k < 4; ++k)
+        bones[k] = std::uint16_t(m_bonesOfJoints[joints[k]]);
+    bool isTwice = false;
+    for (size_t k = 0; k < 4; ++k) {
+        for (size_t other = 0; other < k; ++other)
+            isTwice |= (bones[k] == bones[other]) & isMoved[k] & isMoved[other];
+    }
+    return !isTwice && (isMoved[0] | isMoved[1] | isMoved[2] | isMoved[3]) ? weights : nullptr;
+}
+
 RyGltfSplitVertices::Influences RyGltfSplitVertices::influencesOf(size_t split, std::uint16_t *bones,
                                                                   double *weights) const
 {

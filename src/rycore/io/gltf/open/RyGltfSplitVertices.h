@@ -76,6 +76,9 @@ public:
     };
     /// What moves a vertex, into places for `width()` entries.
     Influences influencesOf(size_t split, std::uint16_t *bones, double *weights) const;
+    /// The four weights of a vertex that needs no such care: each is finite, not below zero and of a bone of its own
+    /// where it is above; `bones` are then those of all four. Null for the others.
+    const float *plainInfluencesOf(size_t split, std::uint16_t *bones) const;
 
 private:
     struct InfluenceSet
