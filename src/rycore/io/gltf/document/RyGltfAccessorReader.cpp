@@ -57,6 +57,10 @@ void RyGltfAccessorReader::readElements(const unsigned char *from, std::uint64_t
     const bool normalized = m_accessor.normalized;
     if (!m_layout.isPadded() && stride == std::uint64_t(m_layout.elementSize)) {
         const std::uint64_t total = count * std::uint64_t(components);
+        if constexpr (std::is_same_v<Out, In> && std::is_integral_v<In>) {
+            std::memcpy(out, from, std::size_t(total) * sizeof(In));
+            return;
+        }
         for (std::uint64_t i = 0; i < total; ++i) {
             In value;
             std::memcpy(&value, from + i * sizeof(In), sizeof(In));

@@ -203,14 +203,13 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
 
 void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result)
 {
-    const size_t first = facets.size();
-    if (first == 0)
-        RyLargePages::resize(facets, triangles.size() / 3);
-    else
-        facets.resize(first + triangles.size() / 3);
-    for (size_t t = 0; t < triangles.size() / 3; ++t) {
-        for (size_t corner = 0; corner < 3; ++corner)
-            facets[first + t].vertices[corner] = result.vertexOfSplit[triangles[3 * t + corner]];
+    if (facets.empty()) {
+        facets.reserve(triangles.size() / 3);
+        RyLargePages::prefer(facets.data(), triangles.size() / 3 * sizeof(RyFacet));
+    }
+    for (size_t corner = 0; corner + 2 < triangles.size(); corner += 3) {
+        const auto vertex = [&](size_t which) { return result.vertexOfSplit[triangles[corner + which]]; };
+        facets.push_back({{vertex(0), vertex(1), vertex(2), -1}});
     }
     result.triangles = std::move(triangles);
 }
