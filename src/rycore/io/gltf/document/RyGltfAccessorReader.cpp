@@ -58,7 +58,7 @@ void RyGltfAccessorReader::readElements(const unsigned char *from, std::uint64_t
     if (!m_layout.isPadded() && stride == std::uint64_t(m_layout.elementSize)) {
         const std::uint64_t total = count * std::uint64_t(components);
         if constexpr (std::is_same_v<Out, In> && std::is_integral_v<In>) {
-            std::memcpy(out, from, std::size_t(total) * sizeof(In));
+            std::copy_n(from, std::size_t(total) * sizeof(In), reinterpret_cast<unsigned char *>(out));
             return;
         }
         for (std::uint64_t i = 0; i < total; ++i) {
