@@ -20,6 +20,21 @@ QStringList namesOf(const std::vector<RyNode *> &nodes)
     return names;
 }
 
+/// Counts how often somebody asks for its class.
+class CountedBone : public RyBone
+{
+public:
+    explicit CountedBone(int *count) : m_count(count) {}
+    const QMetaObject *metaObject() const override
+    {
+        ++*m_count;
+        return RyBone::metaObject();
+    }
+
+private:
+    int *m_count;
+};
+
 } // namespace
 
 class RyNodeTreeTest : public QObject
@@ -90,6 +105,95 @@ private slots:
         QCOMPARE(bone->getSkeleton(), skeleton);
         QCOMPARE(held->getSkeleton(), skeleton);
         QCOMPARE(inner->getSkeleton(), inner);
+    }
+
+    /// Nodes that had a skeleton find the one that they hang below after every change above them.
+    void skeletonsFollowTheTree()
+    {
+        const RyRef<RyNode> prop(new RyNode);
+        RyRef<RySkeleton> first(new RySkeleton);
+        const RyRef<RySkeleton> second(new RySkeleton);
+        const RyRef<RyNode> bone(new RyBone);
+        RyNode *held = new RyNode;
+        auto *inner = new RySkeleton;
+        RyNode *finger = new RyBone;
+        first->addNodeChild(bone.get());
+        bone->addNodeChild(held);
+        held->addNodeChild(inner);
+        inner->addNodeChild(finger);
+        const auto belongsTo = [&](RySkeleton *skeleton) {
+            return finger->getSkeleton() == inner && held->getSkeleton() == skeleton && bone->getSkeleton() == skeleton;
+        };
+        QVERIFY(belongsTo(first.get()));
+        prop->addNodeChild(first.get());
+        QVERIFY(belongsTo(first.get()));
+        second->addNodeChild(bone.get());
+        QVERIFY(belongsTo(second.get()));
+        second->removeNodeChild(bone.get());
+        QVERIFY(belongsTo(nullptr));
+        {
+            RyUndoStackHold hold;
+            first->addNodeChild(bone.get());
+            hold.accept(QStringLiteral("Hang"));
+        }
+        QVERIFY(belongsTo(first.get()));
+        ryUndoStack()->undo();
+        QVERIFY(belongsTo(nullptr));
+        ryUndoStack()->redo();
+        QVERIFY(belongsTo(first.get()));
+        held->removeNodeChild(inner);
+        QVERIFY(!held->getNumNodeChildren());
+    }
+
+    /// Who is told that a skeleton goes must not find it any more.
+    void skeletonThatGoes()
+    {
+        RyScene *scene = ryScene();
+        auto *skeleton = new RySkeleton;
+        const RyRef<RyNode> bone(new RyBone);
+        skeleton->addNodeChild(bone.get());
+        scene->addNode(skeleton);
+        QCOMPARE(bone->getSkeleton(), skeleton);
+        bool wasTold = false;
+        const auto connection = connect(scene, &RyScene::nodeRemoved, [&](const RyNode *node) {
+            if (node != skeleton)
+                return;
+            wasTold = true;
+            QVERIFY(!bone->getSkeleton());
+        });
+        delete skeleton;
+        disconnect(connection);
+        QVERIFY(wasTold);
+        QVERIFY(!bone->getSkeleton());
+        scene->clear();
+    }
+
+    /// The skeletons of all bones of a chain, from its end and from its top, cost one walk; a change above asks anew.
+    void skeletonsOfADeepChain()
+    {
+        constexpr int Depth = 1000;
+        int asked = 0;
+        const RyRef<RySkeleton> skeleton(new RySkeleton);
+        std::vector<RyNode *> nodes{skeleton.get()};
+        for (int i = 0; i < Depth; ++i) {
+            nodes.push_back(new CountedBone(&asked));
+            nodes[nodes.size() - 2]->addNodeChild(nodes.back());
+        }
+        const auto all = [&nodes](RySkeleton *wanted) {
+            bool right = true;
+            for (size_t i = 1; i < nodes.size(); ++i) {
+                right = right && nodes[nodes.size() - i]->getSkeleton() == wanted && nodes[i]->getSkeleton() == wanted;
+            }
+            return right;
+        };
+        asked = 0;
+        QVERIFY(all(skeleton.get()));
+        QVERIFY2(asked >= Depth && asked <= 2 * Depth, qPrintable(QString::number(asked)));
+        const RyRef<RyNode> top(nodes[1]);
+        skeleton->removeNodeChild(nodes[1]);
+        asked = 0;
+        QVERIFY(all(nullptr));
+        QVERIFY2(asked >= Depth && asked <= 2 * Depth, qPrintable(QString::number(asked)));
     }
 
     /// Without keeping the world the numbers stay; with it the place stays.

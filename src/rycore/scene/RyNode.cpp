@@ -13,7 +13,8 @@ RyNode::RyNode(Rigging rigging)
 
 RyNode::~RyNode()
 {
-    ref(); // somebody deleted it in spite of its holders: letting go of them must not delete it again
+    ref();                   // somebody deleted it in spite of its holders: letting go of them must not delete it again
+    m_tree.forgetSkeleton(); // a skeleton is none from here on
     if (m_scene)
         m_scene->unregisterNode(this);
     m_tree.dissolve();

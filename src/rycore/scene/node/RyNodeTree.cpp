@@ -38,11 +38,31 @@ bool RyNodeTree::isBelow(const RyNode *node) const
 
 RySkeleton *RyNodeTree::skeleton() const
 {
-    for (RyNode *node = &m_node; node; node = node->m_tree.m_parent) {
-        if (auto *skeleton = qobject_cast<RySkeleton *>(node))
-            return skeleton;
+    RySkeleton *found = nullptr;
+    const RyNode *end = &m_node;
+    for (; end && !end->m_tree.m_knowsSkeleton && !found; end = end->m_tree.m_parent)
+        found = qobject_cast<RySkeleton *>(&end->m_tree.m_node);
+    if (end && !found)
+        found = end->m_tree.m_skeleton;
+    for (const RyNode *node = &m_node; node != end; node = node->m_tree.m_parent) {
+        node->m_tree.m_skeleton = found;
+        node->m_tree.m_knowsSkeleton = true;
     }
-    return nullptr;
+    return found;
+}
+
+void RyNodeTree::forgetSkeleton()
+{
+    std::vector<RyNodeTree *> pending{this};
+    while (!pending.empty()) {
+        RyNodeTree *tree = pending.back();
+        pending.pop_back();
+        tree->m_knowsSkeleton = false;
+        for (RyNode *child : tree->m_children) {
+            if (child->m_tree.m_knowsSkeleton)
+                pending.push_back(&child->m_tree);
+        }
+    }
 }
 
 /// The parent of a node and its place among the siblings. It counts while a step may bring it back.
@@ -109,6 +129,7 @@ void RyNodeTree::attach(RyNode *child, int index)
     child->m_tree.m_parent = &m_node;
     m_children.insert(m_children.begin() + index, child);
     RyNodeMaps::invalidate(*child);
+    child->m_tree.forgetSkeleton();
     emit m_node.childrenChanged();
 }
 
@@ -120,6 +141,7 @@ void RyNodeTree::detach(RyNode *child)
     m_children.erase(place);
     child->m_tree.m_parent = nullptr;
     RyNodeMaps::invalidate(*child);
+    child->m_tree.forgetSkeleton();
     emit m_node.childrenChanged();
     child->unref();
 }

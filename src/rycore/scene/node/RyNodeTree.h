@@ -20,8 +20,11 @@ public:
     /// Appends the children, or all descendants in pre-order, to the list.
     void collect(std::vector<RyNode *> &list, bool recursive) const;
     bool isBelow(const RyNode *node) const;
-    /// The node itself when it is a skeleton, else the nearest one above it, else null.
+    /// The node itself when it is a skeleton, else the nearest one above it, else null. Kept until the tree changes, so
+    /// that asking all nodes of a deep tree costs one walk.
     RySkeleton *skeleton() const;
+    /// Those below the node must look for their skeleton anew.
+    void forgetSkeleton();
 
     /// Refuses null, the node itself and a cycle; `index` below 0 appends. `keepWorld` rewrites the child's pose so
     /// that it stays in the world.
@@ -40,4 +43,7 @@ private:
     RyNode &m_node;
     RyNode *m_parent = nullptr;
     std::vector<RyNode *> m_children; // each counted once
+    // Who knows its skeleton has it from the parent, who then knows as well.
+    mutable RySkeleton *m_skeleton = nullptr;
+    mutable bool m_knowsSkeleton = false;
 };

@@ -3,8 +3,6 @@
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/scene/RySkeleton.h"
 
-#include <algorithm>
-
 void RyGltfOrigin::recordTree()
 {
     RyGltfNodeIndex nodeOf;
@@ -29,14 +27,14 @@ void RyGltfOrigin::recordTree()
 
 const RyGltfNodeSource *RyGltfOrigin::findSource(const RyNode *node) const
 {
-    const auto found = std::find_if(nodes.begin(), nodes.end(),
-                                    [node](const RyGltfNodeSource &source) { return source.sceneNode == node; });
-    return found == nodes.end() ? nullptr : &*found;
+    const int place =
+        m_placesOfNodes.find(node, int(nodes.size()), [this](int i) { return nodes[size_t(i)].sceneNode.data(); });
+    return place < 0 ? nullptr : &nodes[size_t(place)];
 }
 
 const RyGltfFigureSource *RyGltfOrigin::findFigureSource(const RyNode *figure) const
 {
-    const auto found = std::find_if(figures.begin(), figures.end(),
-                                    [figure](const RyGltfFigureSource &source) { return source.sceneNode == figure; });
-    return found == figures.end() ? nullptr : &*found;
+    const int place = m_placesOfFigures.find(figure, int(figures.size()),
+                                             [this](int i) { return figures[size_t(i)].sceneNode.data(); });
+    return place < 0 ? nullptr : &figures[size_t(place)];
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/base/RyFirstPlaces.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/extras/RyGltfNodeSource.h"
@@ -31,4 +32,8 @@ public:
     /// Those with all below them, pre-order, each with its parent: to see whether the tree was edited.
     std::vector<std::pair<const RyNode *, const RyNode *>> order;
     bool unitWasChosen = false; // by the user, not by the file
+
+private:
+    RyFirstPlaces<const RyNode *> m_placesOfNodes; // asked for once reading is done
+    RyFirstPlaces<const RyNode *> m_placesOfFigures;
 };

@@ -101,7 +101,7 @@ void RyGltfFigurePlanner::addJoints(Figure &figure) const
 {
     // What a reader would not take for a bone by itself: new bones, bones with weights, and bones that do not stand
     // between two joints.
-    std::set<const RyNode *> joints, bound, aboveJoints;
+    std::set<const RyNode *> joints, bound, aboveJoints, belowJoints;
     for (const Skin &skin : figure.skins) {
         for (const int joint : skin.joints)
             joints.insert(m_patch.edits.at(joint).node);
@@ -119,7 +119,9 @@ void RyGltfFigurePlanner::addJoints(Figure &figure) const
         const int index = m_patch.nodeOf.of(bone);
         bool isBelow = false;
         for (const RyNode *above = bone->getNodeParent(); above && !isBelow; above = above->getNodeParent())
-            isBelow = joints.count(above) > 0;
+            isBelow = joints.count(above) > 0 || belowJoints.count(above) > 0;
+        if (isBelow)
+            belowJoints.insert(bone);
         if (m_patch.edits.at(index).source && !bound.count(bone) && isBelow && aboveJoints.count(bone))
             continue;
         Skin &skin = skinFor(figure, *bone);

@@ -92,14 +92,21 @@ void RyGltfNodePatch::compare()
         edit.poseChanged = !now.samePose(edit.source->loaded) || (edit.moved && !node.inheritsScale()) || isApart(node);
     }
     // A node that does not inherit scale holds its parent's against it: it changes with every pose above it.
+    std::map<const RyNode *, bool> hasChanged{{nullptr, false}}; // it or a node above it
     for (auto &[index, edit] : m_patch.edits) {
         if (edit.poseChanged || edit.node->inheritsScale())
             continue;
-        for (const RyNode *above = edit.node->getNodeParent(); above && !edit.poseChanged;
-             above = above->getNodeParent()) {
-            const auto other = m_patch.edits.find(m_patch.nodeOf.of(above));
-            edit.poseChanged = other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved);
+        const RyNode *above = edit.node->getNodeParent();
+        std::vector<const RyNode *> path;
+        for (; !hasChanged.count(above); above = above->getNodeParent())
+            path.push_back(above);
+        bool changed = hasChanged.at(above);
+        for (; !path.empty(); path.pop_back()) {
+            const auto other = m_patch.edits.find(m_patch.nodeOf.of(path.back()));
+            changed = changed || (other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved));
+            hasChanged[path.back()] = changed;
         }
+        edit.poseChanged = changed;
     }
 }
 

@@ -55,10 +55,13 @@ bool RyGltfSkinPatch::apply(QString *error)
 bool RyGltfSkinPatch::standsAbove(int node, const std::vector<int> &joints) const
 {
     const RyGltfModel &model = m_patch.document.model();
+    std::set<int> below{node};
     return std::all_of(joints.begin(), joints.end(), [&](int joint) {
-        while (joint >= 0 && joint != node)
-            joint = model.nodes[size_t(joint)].parent;
-        return joint == node;
+        std::vector<int> path;
+        for (; joint >= 0 && !below.count(joint); joint = model.nodes[size_t(joint)].parent)
+            path.push_back(joint);
+        below.insert(path.begin(), path.end());
+        return joint >= 0;
     });
 }
 

@@ -59,10 +59,12 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     m_hangsNowhere.assign(count, false);
     for (size_t node = 0; node < model.nodes.size(); ++node)
         m_parents[node] = model.nodes[node].parent;
+    m_topsBefore = RyGltfTops(m_parents);
     for (const RyNode *node : m_order)
         m_isManaged[size_t(m_patch.nodeOf.of(node))] = true;
     findRemoved();
     placeNodes();
+    m_tops = RyGltfTops(m_parents);
     for (const RyGltfFigureSource &figure : m_patch.source.figures) {
         if (!isThere(figure.sceneNode))
             dropFigure(figure);
@@ -198,28 +200,27 @@ void RyGltfStructurePatch::placeNodes()
     }
 }
 
-int RyGltfStructurePatch::topOf(int node) const
-{
-    while (m_parents[size_t(node)] >= 0)
-        node = m_parents[size_t(node)];
-    return node;
-}
-
 void RyGltfStructurePatch::join(int a, int b, const QString &name)
 {
-    a = topOf(a);
-    b = topOf(b);
+    a = m_tops.of(a);
+    b = m_tops.of(b);
     if (a == b)
         return;
     const int firstMade = int(m_patch.document.model().nodes.size() + m_patch.added.size());
-    if (std::max(a, b) >= firstMade) {
-        m_parents[size_t(std::min(a, b))] = std::max(a, b);
-        return;
+    int above = std::max(a, b);
+    if (above < firstMade) {
+        above = m_tree.addNode(name);
+        m_parents.push_back(-1);
+        m_tops.add();
+        m_isManaged.push_back(false);
+        m_hangsNowhere.push_back(false);
     }
-    m_parents[size_t(a)] = m_parents[size_t(b)] = m_tree.addNode(name);
-    m_parents.push_back(-1);
-    m_isManaged.push_back(false);
-    m_hangsNowhere.push_back(false);
+    for (const int top : {a, b}) {
+        if (top == above)
+            continue;
+        m_parents[size_t(top)] = above;
+        m_tops.hang(top, above);
+    }
 }
 
 void RyGltfStructurePatch::gatherRoots(const RyGltfFigureSource &figure)
@@ -239,9 +240,7 @@ void RyGltfStructurePatch::gatherRoots(const RyGltfFigureSource &figure)
         for (const int joint : m_patch.document.model().skins[size_t(skin.skin)].joints) {
             if (!m_isManaged[size_t(joint)])
                 continue;
-            int top = joint;
-            while (m_patch.document.model().nodes[size_t(top)].parent >= 0)
-                top = m_patch.document.model().nodes[size_t(top)].parent;
+            const int top = m_topsBefore.of(joint);
             if (first >= 0 && top == firstTopBefore)
                 join(first, joint, figure.sceneNode->getName());
             else if (first < 0)
@@ -264,6 +263,7 @@ void RyGltfStructurePatch::dropFigure(const RyGltfFigureSource &figure)
 std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, int parent) const
 {
     // What the scene orders takes the places that such nodes had; what it does not know keeps its own.
+    const std::set<int> there(before.begin(), before.end());
     std::map<const RyNode *, std::vector<int>> wanted; // by parent in the scene
     std::vector<const RyNode *> groups;
     const std::vector<RyGltfNode> &nodes = m_patch.document.model().nodes;
@@ -271,7 +271,7 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     for (const int index : below == m_below.end() ? std::vector<int>() : below->second) {
         // A root that another scene of the file shows, or none, does not come into this one.
         const bool wasRoot = size_t(index) < nodes.size() && nodes[size_t(index)].parent < 0;
-        if (parent < 0 && wasRoot && std::find(before.begin(), before.end(), index) == before.end())
+        if (parent < 0 && wasRoot && !there.count(index))
             continue;
         const auto [group, isNew] = wanted.try_emplace(m_patch.edits.at(index).node->getNodeParent());
         if (isNew)

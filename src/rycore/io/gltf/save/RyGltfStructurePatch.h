@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
+#include "rycore/io/gltf/save/RyGltfTops.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
 /// Brings the tree of a patched document in line with the scene: new nodes, other parents, another order of children,
@@ -26,7 +27,6 @@ private:
     int survivingAbove(int node) const;
     int homeOf(const RyNode *figure) const;
     void placeNodes();
-    int topOf(int node) const;
     void join(int a, int b, const QString &name);
     /// The joints of a skin stand below one node; trees that an edit brought into one skin get one.
     void gatherRoots(const RyGltfFigureSource &figure);
@@ -40,6 +40,8 @@ private:
     std::vector<const RyNode *> m_order;     // nodes of the scene that stand in the file, pre-order
     std::map<int, std::vector<int>> m_below; // the same by their parents
     std::vector<int> m_parents;              // per node of the patched document, as wanted
+    RyGltfTops m_topsBefore;                 // in the file
+    RyGltfTops m_tops;                       // of `m_parents`, once nodes have their places
     std::vector<bool> m_isManaged;           // stands in the scene
     std::vector<bool> m_hangsNowhere;        // top of what is gone
 };
