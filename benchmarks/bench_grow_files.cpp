@@ -71,7 +71,7 @@ double openGroups(const QString &path, int groups)
     ryScene()->clear();
     if (!writeGroups(path, groups))
         return -1.0;
-    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
     return hasGroups(groups) ? time : -1.0;
 }
 
@@ -82,7 +82,7 @@ double saveGroups(const QString &path, int groups)
     beside.merge = true;
     if (openGroups(path, groups) < 0.0 || !RySceneFile::open(ryScene(), path, beside, nullptr))
         return -1.0;
-    const double time = RyBenchmark::milliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
     RySceneFile::open(ryScene(), path, nullptr);
     const RyFacetMesh *mesh = meshOfScene();
     return mesh && mesh->getNumFacets() == 2 * groups ? time : -1.0;
@@ -132,7 +132,7 @@ double openKnot(const QString &path, int vertices)
     ryScene()->clear();
     if (!writeKnot(path, vertices))
         return -1.0;
-    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
     const RyFacetMesh *mesh = meshOfScene();
     return mesh && mesh->getNumVertices() == vertices ? time : -1.0;
 }
@@ -148,7 +148,7 @@ double openChain(const QString &path, int bones)
     ryScene()->clear();
     if (!writeChain(path, bones))
         return -1.0;
-    const double time = RyBenchmark::milliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::open(ryScene(), path, nullptr); });
     return isChain(bones) ? time : -1.0;
 }
 
@@ -158,7 +158,7 @@ double saveChain(const QString &path, int bones)
         return -1.0;
     RyBone *bone = ryScene()->getSkeletons().front()->getAllBones()[size_t(bones / 2)];
     bone->adjustOrigin(bone->getOrigin() + RyVec3(0.1f, 0.0f, 0.05f));
-    const double time = RyBenchmark::milliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
     return RySceneFile::open(ryScene(), path, nullptr) && isChain(bones) ? time : -1.0;
 }
 
@@ -167,7 +167,7 @@ double reportChain(const QString &path, int bones)
     if (openChain(path, bones) < 0.0)
         return -1.0;
     QByteArray report;
-    const double time = RyBenchmark::milliseconds([&] { report = batchReport(*ryScene(), {}); });
+    const double time = RyBenchmark::threadMilliseconds([&] { report = batchReport(*ryScene(), {}); });
     const QJsonArray figures = QJsonDocument::fromJson(report).object().value(QStringLiteral("figures")).toArray();
     const QJsonArray listed = figures.first().toObject().value(QStringLiteral("bones")).toArray();
     return listed.size() == bones && listed.last().toObject().value(QStringLiteral("parent")).toString() ==

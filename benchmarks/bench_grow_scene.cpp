@@ -187,7 +187,7 @@ public:
 private:
     static double timeOf(const std::function<void()> &work)
     {
-        return RyBenchmark::milliseconds([&] {
+        return RyBenchmark::threadMilliseconds([&] {
             work();
             settle();
         });
@@ -206,7 +206,7 @@ double findBindings(int bones)
     const RySkinBinding *skin = figure->getSkinBinding();
     const std::vector<RyBone *> all = figure->getAllBones();
     bool right = true;
-    const double time = RyBenchmark::milliseconds([&] {
+    const double time = RyBenchmark::threadMilliseconds([&] {
         for (const RyBone *bone : all) {
             const RyBoneBinding *binding = skin->findBoneBinding(bone);
             right &= binding && binding->getBone() == bone;

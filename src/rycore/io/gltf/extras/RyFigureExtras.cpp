@@ -133,16 +133,15 @@ void RyFigureExtras::applySelectionMap(const RyGltfOrigin &origin, int figure, R
     const Json *stored = figureJson(*origin.document, figure);
     const Json *pairs = stored ? find(*stored, "selectionMap") : nullptr;
     if (pairs && pairs->is_array()) {
+        std::map<int, RyNode *> nodes; // of the file
+        for (const RyGltfNodeSource &source : origin.nodes)
+            nodes[source.node] = source.sceneNode;
         for (const Json &pair : *pairs) {
             if (!pair.is_array() || pair.size() != 2 || !pair[0].is_string() || !pair[1].is_number_integer())
                 continue;
-            const int node = pair[1].get<int>();
-            RyNode *target = nullptr;
-            for (const RyGltfNodeSource &source : origin.nodes) {
-                if (source.node == node)
-                    target = source.sceneNode;
-            }
-            map->addPair(QString::fromStdString(pair[0].get<std::string>()), target, false);
+            const auto target = nodes.find(pair[1].get<int>());
+            map->addPair(QString::fromStdString(pair[0].get<std::string>()),
+                         target == nodes.end() ? nullptr : target->second, false);
         }
     } else {
         // Without a stored map a group goes with the bone of its name.
@@ -161,22 +160,29 @@ void RyFigureExtras::applySelectionMap(const RyGltfOrigin &origin, int figure, R
         skeleton->setSelectionMap(map.get());
 }
 
-int RyFigureExtras::findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int number)
+RyFigureExtras::Entries::Entries(const RyGltfDocument &document)
 {
     const Json *ours = RyExtrasJson::ours(document.json());
-    const Json *figures = ours ? find(*ours, "figures") : nullptr;
-    if (!figures || !figures->is_array())
-        return -1;
-    bool named = false;
-    for (size_t i = 0; i < figures->size(); ++i) {
-        const Json *of = find((*figures)[i], "of");
-        if (!of || !of->is_number_integer())
-            continue;
-        named = true;
-        if (std::find(nodes.begin(), nodes.end(), of->get<int>()) != nodes.end())
-            return int(i);
+    const Json *figures = ours ? RyExtrasJson::find(*ours, "figures") : nullptr;
+    m_exist = figures && figures->is_array();
+    for (size_t i = 0; m_exist && i < figures->size(); ++i) {
+        const Json *of = RyExtrasJson::find((*figures)[i], "of");
+        if (of && of->is_number_integer())
+            m_entryOf.emplace(of->get<int>(), int(i));
     }
-    return named ? -1 : number;
+}
+
+int RyFigureExtras::Entries::find(const std::vector<int> &nodes, int number) const
+{
+    if (!m_exist)
+        return -1;
+    int first = -1;
+    for (const int node : nodes) {
+        const auto entry = m_entryOf.find(node);
+        if (entry != m_entryOf.end() && (first < 0 || entry->second < first))
+            first = entry->second;
+    }
+    return m_entryOf.empty() ? number : first;
 }
 
 std::vector<int> RyFigureExtras::storedBindings(const RyGltfDocument &document, int figure, bool *isStored)

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <map>
 #include <set>
 
 class RyFacetMesh;
@@ -13,9 +14,19 @@ class RyFacetMesh;
 /// selection map, the figure's own transform and the order of its bindings.
 namespace RyFigureExtras {
 
-/// The entry of the figure that has one of these nodes; in files that do not say it the one with the figure's number.
-/// -1 for none.
-int findEntry(const RyGltfDocument &document, const std::vector<int> &nodes, int number);
+/// Which entry belongs to which node of the file.
+class Entries
+{
+public:
+    explicit Entries(const RyGltfDocument &document);
+    /// The entry of the figure that has one of these nodes; in files that do not say it the one with the figure's
+    /// number. -1 for none.
+    int find(const std::vector<int> &nodes, int number) const;
+
+private:
+    bool m_exist = false;
+    std::map<int, int> m_entryOf; // by the node that an entry says, empty where none does
+};
 
 /// Centimetres per file unit as stored, 0 when nothing is stored.
 double storedUnit(const RyGltfDocument &document);

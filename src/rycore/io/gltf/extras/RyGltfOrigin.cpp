@@ -25,6 +25,12 @@ void RyGltfOrigin::recordTree()
     }
 }
 
+void RyGltfOrigin::addNode(RyGltfNodeSource source)
+{
+    m_placesOfNodes.append(source.sceneNode, int(nodes.size()));
+    nodes.push_back(std::move(source));
+}
+
 const RyGltfNodeSource *RyGltfOrigin::findSource(const RyNode *node) const
 {
     const int place =

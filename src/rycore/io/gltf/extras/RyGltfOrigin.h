@@ -20,6 +20,8 @@ public:
 
     /// Notes how the scene's nodes hang together; at the end of reading.
     void recordTree();
+    /// One more node once reading is done.
+    void addNode(RyGltfNodeSource source);
     const RyGltfNodeSource *findSource(const RyNode *node) const;
     const RyGltfFigureSource *findFigureSource(const RyNode *figure) const;
 

@@ -3,7 +3,6 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
-#include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/open/RyGltfBonePlacer.h"
@@ -43,6 +42,7 @@ void RyGltfSceneReader::build(QStringList *messages)
     m_nodeToWorld = ryGltfWorldMaps(model, m_preOrder);
     m_sceneNodeOf.assign(model.nodes.size(), nullptr);
     m_sourceOf.assign(model.nodes.size(), -1);
+    m_entries.emplace(*m_origin->document);
     leaveOutRemoved();
     draftFigures();
     if (!(m_origin->unit > 0.0))
@@ -195,19 +195,19 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         say(QStringLiteral("%1: the rest of these joints is taken from their nodes, and the mesh was brought there")
                 .arg(figure.rest.reason));
     }
-    figure.entry = RyFigureExtras::findEntry(*m_origin->document, figure.joints.bones, figure.place);
+    figure.entry = m_entries->find(figure.joints.bones, figure.place);
     figure.figure = new RyFigure;
     figure.source.sceneNode = figure.figure;
     RyFigureExtras::applyToFigure(*m_origin->document, figure.entry, m_origin->unit, figure.rest.isStored,
                                   *figure.figure);
     hangFigure(figure);
 
-    QSet<QString> &names = m_namesBelow[figure.figure];
+    RyGltfNames &names = m_namesBelow[figure.figure];
     for (size_t i = 0; i < figure.joints.bones.size(); ++i) {
         const int node = figure.joints.bones[i];
         const QString &fileName = model.nodes[size_t(node)].name;
         auto *bone = new RyBone;
-        bone->setName(uniqueName(fileName.isEmpty() ? QStringLiteral("joint%1").arg(node) : fileName, names));
+        bone->setName(names.take(fileName.isEmpty() ? QStringLiteral("joint%1").arg(node) : fileName));
         const int parent = figure.joints.parents[i];
         RyNode *above = parent < 0 ? static_cast<RyNode *>(figure.figure) : figure.bones[size_t(parent)];
         above->addNodeChild(bone);
@@ -247,7 +247,7 @@ RyNode *RyGltfSceneReader::sceneNodeAbove(int node) const
 void RyGltfSceneReader::hangFigure(Figure &figure)
 {
     RyNode *above = figure.carrier >= 0 ? sceneNodeAbove(figure.carrier) : nullptr;
-    figure.figure->setName(uniqueName(figureName(figure), namesBeside(above)));
+    figure.figure->setName(namesBeside(above).take(figureName(figure)));
     if (figure.carrier >= 0)
         m_sceneNodeOf[size_t(figure.carrier)] = figure.figure;
     if (above)
@@ -303,21 +303,12 @@ QString RyGltfSceneReader::partName(int mesh, int primitive) const
 }
 
 /// Names that are taken where something hangs: in a figure, or at the top of the scene.
-QSet<QString> &RyGltfSceneReader::namesBeside(RyNode *above)
+RyGltfNames &RyGltfSceneReader::namesBeside(RyNode *above)
 {
     if (!above)
         return m_topNames;
     RyNode *figure = above->getSkeleton();
     return m_namesBelow[figure ? figure : above];
-}
-
-QString RyGltfSceneReader::uniqueName(const QString &wanted, QSet<QString> &taken) const
-{
-    QString name = wanted;
-    for (int number = 2; taken.contains(name); ++number)
-        name = wanted + QString::number(number);
-    taken.insert(name);
-    return name;
 }
 
 void RyGltfSceneReader::fillLooks(RyMeshParts &parts)

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/open/RyGltfFigureDraft.h"
+#include "rycore/io/gltf/open/RyGltfNames.h"
 
-#include <QSet>
 #include <QStringList>
 
 #include <map>
+#include <optional>
 
 class RyFacetMesh;
 class RySkinBinding;
@@ -57,8 +59,7 @@ private:
     void fillLooks(RyMeshParts &parts);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;
-    QSet<QString> &namesBeside(RyNode *above);
-    QString uniqueName(const QString &wanted, QSet<QString> &taken) const;
+    RyGltfNames &namesBeside(RyNode *above);
     void say(const QString &message);
 
     std::unique_ptr<RyGltfOrigin> m_origin;
@@ -68,8 +69,9 @@ private:
     std::vector<RyRef<RyNode>> m_tops;
     std::vector<RyNode *> m_sceneNodeOf; // per file node
     std::vector<int> m_sourceOf;         // likewise: its place among the origin's nodes, -1 for none
-    QSet<QString> m_topNames;
-    std::map<RyNode *, QSet<QString>> m_namesBelow;
+    std::optional<RyFigureExtras::Entries> m_entries;
+    RyGltfNames m_topNames;
+    std::map<RyNode *, RyGltfNames> m_namesBelow;
     std::vector<RyMaterialLook> m_looks;
     QStringList *m_messages = nullptr;
 };

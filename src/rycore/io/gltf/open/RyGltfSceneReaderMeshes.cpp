@@ -136,9 +136,11 @@ std::vector<size_t> RyGltfSceneReader::bonesToBind(const Figure &figure,
             isJoint[size_t(bone)] = true;
     }
     std::vector<size_t> order;
-    const auto add = [&order](size_t bone) {
-        if (std::find(order.begin(), order.end(), bone) == order.end())
+    std::vector<bool> isListed(figure.bones.size(), false);
+    const auto add = [&](size_t bone) {
+        if (!isListed[bone])
             order.push_back(bone);
+        isListed[bone] = true;
     };
     bool isStored = false;
     for (const int node : RyFigureExtras::storedBindings(*m_origin->document, figure.entry, &isStored)) {

@@ -1,6 +1,5 @@
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 
-#include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -87,8 +86,7 @@ void RyGltfSceneReader::buildProp(int index)
         return; // a plain node above props stays in the file's tree alone
     RyGltfNodeSource source = propSource(index, above);
     auto *prop = new RyNode;
-    prop->setName(
-        uniqueName(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name, namesBeside(above)));
+    prop->setName(namesBeside(above).take(node.name.isEmpty() ? QStringLiteral("node%1").arg(index) : node.name));
     RyQuat orientation;
     source.bind.decomposePolar(source.stretch, orientation);
     prop->setOrigin(source.bind.translation(), true);
@@ -153,8 +151,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     mesh->setFacets(std::move(builder.facets));
     auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
     fillLooks(*parts);
-    const int number = int(m_figures.size() + m_origin->figures.size());
-    const int entry = RyFigureExtras::findEntry(*m_origin->document, {source.node}, number);
+    const int entry = m_entries->find({source.node}, int(m_figures.size() + m_origin->figures.size()));
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
     auto *shape = new RyFacetShape(mesh);

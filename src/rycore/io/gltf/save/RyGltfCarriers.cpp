@@ -142,7 +142,7 @@ void Carriers::add(const RyGltfFigureSource &figure, const std::set<int> &tops)
     source.riggingText = figure.riggingText;
     source.bind = parentToWorld * RyAffine::fromScale(m_origin.unit) * place.inverse();
     source.localPose = place;
-    m_origin.nodes.push_back(std::move(source));
+    m_origin.addNode(std::move(source));
 }
 
 } // namespace
