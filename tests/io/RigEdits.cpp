@@ -200,3 +200,26 @@ void RigEdits::editAtRandom(RyScene &scene, const std::vector<RyBone *> &bones, 
     const Kind &kind = kinds()[std::uniform_int_distribution<size_t>(0, kinds().size() - 1)(random)];
     kind.edit(scene, pick(bones, random), random);
 }
+
+void RigEdits::shiftWeights(RyScene &scene, int amount)
+{
+    for (RySkeleton *skeleton : scene.getSkeletons()) {
+        RySkinBinding *skin = RySkinBinding::findSkinFromNode(skeleton);
+        std::vector<RyWeightMap *> maps;
+        for (RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+            if (binding->getWeights() && (binding->getWeights()->getNumAffected() > 0 || !maps.empty()))
+                maps.push_back(binding->getWeights());
+        }
+        if (maps.size() < 2)
+            continue;
+        maps[0]->beginEdit();
+        maps[1]->beginEdit();
+        for (int vertex = 0; vertex < maps[0]->getNumWeights(); ++vertex) {
+            const int moved = std::min(amount, int(maps[0]->getWeights()[vertex]));
+            maps[0]->getWeights()[vertex] = quint16(maps[0]->getWeights()[vertex] - moved);
+            maps[1]->getWeights()[vertex] = quint16(std::min(65535, maps[1]->getWeights()[vertex] + moved));
+        }
+        maps[0]->finishEdit();
+        maps[1]->finishEdit();
+    }
+}

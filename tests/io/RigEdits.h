@@ -23,6 +23,8 @@ RyBone *addSibling(RyScene &scene, RyBone *bone);
 RyBone *addChild(RyScene &scene, RyBone *bone);
 /// The bone and its first bones below, three at most, again beside it, with weights of zero.
 RyBone *duplicateChain(RyScene &scene, RyBone *bone);
+/// Moves so much weight, where it is there, from the first bone of each figure that has some to the next one.
+void shiftWeights(RyScene &scene, int amount);
 /// Below another node, in its place in the world or with its pose controls as they are.
 void reparent(RyBone *bone, RyNode *parent, bool keepWorld);
 

@@ -63,6 +63,9 @@ public:
     void addPrimitive(int mesh, const std::vector<std::pair<std::string, int>> &attributes, int indices, int material);
     /// Accessor -1 removes the attribute.
     void setPrimitiveAttribute(int mesh, int primitive, const std::string &name, int accessor);
+    /// Puts these attributes in the place of all JOINTS_n and WEIGHTS_n, of those too that no reader takes: one without
+    /// the other, or behind a gap.
+    void setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes);
     int addSkin(const QString &name, const std::vector<int> &joints, int inverseBindMatrices, int skeleton);
     void setNodeMeshAndSkin(int node, int mesh, int skin);
     void setSkinInverseBindMatrices(int skin, int accessor);
@@ -74,11 +77,11 @@ public:
     int addUintAccessor(std::span<const std::uint32_t> values, int componentCount, int componentType, int target,
                         bool normalized = false);
     /// Overwrites a float accessor's numbers in place when nothing else reads those bytes (same count; its own range of
-    /// its buffer, no other accessor overlapping, one user of the accessor at most); otherwise adds a new accessor and
-    /// returns its index. Bounds that the accessor has are kept right.
-    int replaceFloats(int accessor, std::span<const float> values);
+    /// its buffer, no other accessor overlapping, no more users of the accessor than the `users` that are to get the
+    /// numbers); otherwise adds a new accessor and returns its index. Bounds that the accessor has are kept right.
+    int replaceFloats(int accessor, std::span<const float> values, int users = 1);
     /// Likewise groups of four 16-bit numbers of vertices; an accessor of another kind, or -1, gives a new one.
-    int replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized);
+    int replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized, int users = 1);
 
     /// Bytes of the document in the form of the ending (.glb: one binary chunk; .gltf: buffers embedded as data URIs
     /// when they came so or were made here, otherwise external files keep their names). Two calls give identical bytes.

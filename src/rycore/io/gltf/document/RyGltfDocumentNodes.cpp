@@ -199,6 +199,22 @@ void RyGltfDocument::setPrimitiveAttribute(int mesh, int primitive, const std::s
     d->useCountsValid = false;
 }
 
+void RyGltfDocument::setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes)
+{
+    const Json &before = d->list("meshes")[std::size_t(mesh)]["primitives"][std::size_t(primitive)]["attributes"];
+    std::vector<std::string> old;
+    for (const auto &[name, accessor] : before.items()) {
+        const bool stays = std::any_of(attributes.begin(), attributes.end(),
+                                       [&name = name](const auto &attribute) { return attribute.first == name; });
+        if (!stays && (startsWith(name, "JOINTS_") || startsWith(name, "WEIGHTS_")))
+            old.push_back(name);
+    }
+    for (const std::string &name : old)
+        setPrimitiveAttribute(mesh, primitive, name, -1);
+    for (const auto &[name, accessor] : attributes)
+        setPrimitiveAttribute(mesh, primitive, name, accessor);
+}
+
 int RyGltfDocument::addSkin(const QString &name, const std::vector<int> &joints, int inverseBindMatrices, int skeleton)
 {
     RyGltfSkin skin;

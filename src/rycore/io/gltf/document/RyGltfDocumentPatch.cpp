@@ -171,7 +171,7 @@ int RyGltfDocument::addUintAccessor(std::span<const std::uint32_t> values, int c
     return view < 0 ? -1 : d->appendAccessor(view, componentType, componentCount, count, normalized);
 }
 
-int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
+int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values, int users)
 {
     const std::size_t index = std::size_t(accessor);
     const RyGltfAccessor a = d->model.accessors.at(index);
@@ -181,7 +181,7 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
                      values.size() == a.count * components && !layout.isPadded();
     const int bufferIndex = own ? d->storage.views[std::size_t(a.bufferView)].buffer : -1;
     if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External ||
-        d->sharesBytes(accessor)) {
+        d->sharesBytes(accessor, users)) {
         int target = 0;
         if (a.bufferView >= 0)
             target = d->list("bufferViews")[std::size_t(a.bufferView)].value("target", 0);
@@ -203,7 +203,7 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values)
     return accessor;
 }
 
-int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized)
+int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized, int users)
 {
     const auto isOwn = [&] {
         if (accessor < 0)
@@ -213,7 +213,7 @@ int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> va
                a.bufferView >= 0 && values.size() == a.count * 4 &&
                d->storage.buffers[std::size_t(d->storage.views[std::size_t(a.bufferView)].buffer)].source !=
                    RyGltfBuffer::External &&
-               !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor);
+               !d->storage.layouts[std::size_t(accessor)].hasBounds && !d->sharesBytes(accessor, users);
     };
     if (!isOwn())
         return addUintAccessor(values, 4, 5123, 34962, normalized);

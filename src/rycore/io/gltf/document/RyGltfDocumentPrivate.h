@@ -35,7 +35,8 @@ struct RyGltfDocument::Private
     void readModel(QStringList *warnings);
     QString folder() const;
     const std::vector<int> &countUses() const;
-    bool sharesBytes(int accessor) const;
+    /// Whether anything but the accessor's `users` known users reads its bytes.
+    bool sharesBytes(int accessor, int users) const;
 
     Json &list(const char *key);
     /// Bytes at the end of a buffer of our own or of the container; the index of their new buffer view, or -1 when

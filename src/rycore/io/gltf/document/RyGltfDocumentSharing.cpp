@@ -59,9 +59,9 @@ const std::vector<int> &RyGltfDocument::Private::countUses() const
     return useCounts;
 }
 
-bool RyGltfDocument::Private::sharesBytes(int accessor) const
+bool RyGltfDocument::Private::sharesBytes(int accessor, int users) const
 {
-    if (countUses()[std::size_t(accessor)] > 1)
+    if (countUses()[std::size_t(accessor)] > users)
         return true;
     const auto spanOf = [this](int index) {
         const RyGltfAccessor &a = model.accessors[std::size_t(index)];

@@ -23,47 +23,47 @@ void RyGltfMeshPatch::writeInfluences(const std::vector<Part> &parts, const std:
         return;
     const std::vector<int> tags = tellApart(parts);
     std::set<std::pair<int, int>> done; // several nodes may show one mesh
+    std::vector<Sharers> groups;
     for (const Part &part : parts) {
         if (!part.isWritten || !done.insert({part.mesh, part.primitive}).second)
             continue;
-        influences.vertexOfSplit = part.vertexOfSplit;
-        writePart(part, influences);
+        addToSharers(groups, part);
         writeTags(part, tags);
     }
-    m_written.clear();
+    for (const Sharers &sharers : groups)
+        writeSharers(sharers, influences);
 }
 
-void RyGltfMeshPatch::writePart(const Part &part, const RyGltfInfluenceWriter::Part &influences)
+void RyGltfMeshPatch::addToSharers(std::vector<Sharers> &groups, const Part &part) const
 {
-    const RyGltfPrimitive before = m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
-    std::vector<int> accessors{before.positions};
-    accessors.insert(accessors.end(), before.joints.begin(), before.joints.end());
-    accessors.insert(accessors.end(), before.weights.begin(), before.weights.end());
-    const auto known = std::find_if(m_written.begin(), m_written.end(), [&](const Written &written) {
-        return written.accessors == accessors && *written.vertexOfSplit == *part.vertexOfSplit;
+    const RyGltfPrimitive &primitive = m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
+    const auto known = std::find_if(groups.begin(), groups.end(), [&](const Sharers &sharers) {
+        return sharers.joints == primitive.joints && sharers.weights == primitive.weights &&
+               *sharers.parts.front().vertexOfSplit == *part.vertexOfSplit;
     });
+    if (known != groups.end())
+        known->parts.push_back(part);
+    else
+        groups.push_back({primitive.joints, primitive.weights, {part}});
+}
+
+void RyGltfMeshPatch::writeSharers(const Sharers &sharers, RyGltfInfluenceWriter::Part influences)
+{
+    influences.vertexOfSplit = sharers.parts.front().vertexOfSplit;
     std::vector<std::pair<std::string, int>> attributes;
-    if (known != m_written.end()) {
-        attributes = known->attributes;
-    } else {
-        size_t set = 0;
-        for (const auto &[joints, weights] : m_writer.numbersOf(influences)) {
-            const bool isThere = set < before.joints.size();
-            const std::string number = std::to_string(set);
-            attributes.emplace_back("JOINTS_" + number,
-                                    m_document.replaceUints(isThere ? before.joints[set] : -1, joints, false));
-            attributes.emplace_back("WEIGHTS_" + number,
-                                    m_document.replaceUints(isThere ? before.weights[set] : -1, weights, true));
-            ++set;
-        }
-        m_written.push_back({accessors, part.vertexOfSplit, attributes});
+    size_t set = 0;
+    for (const auto &[joints, weights] : m_writer.numbersOf(influences)) {
+        const bool isThere = set < sharers.joints.size();
+        const std::string number = std::to_string(set);
+        const int users = int(sharers.parts.size());
+        attributes.emplace_back("JOINTS_" + number,
+                                m_document.replaceUints(isThere ? sharers.joints[set] : -1, joints, false, users));
+        attributes.emplace_back("WEIGHTS_" + number,
+                                m_document.replaceUints(isThere ? sharers.weights[set] : -1, weights, true, users));
+        ++set;
     }
-    for (size_t set = before.joints.size(); set > attributes.size() / 2; --set) {
-        m_document.setPrimitiveAttribute(part.mesh, part.primitive, "WEIGHTS_" + std::to_string(set - 1), -1);
-        m_document.setPrimitiveAttribute(part.mesh, part.primitive, "JOINTS_" + std::to_string(set - 1), -1);
-    }
-    for (const auto &[name, accessor] : attributes)
-        m_document.setPrimitiveAttribute(part.mesh, part.primitive, name, accessor);
+    for (const Part &part : sharers.parts)
+        m_document.setInfluences(part.mesh, part.primitive, attributes);
 }
 
 std::vector<int> RyGltfMeshPatch::tellApart(const std::vector<Part> &parts) const

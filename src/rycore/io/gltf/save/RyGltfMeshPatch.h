@@ -25,7 +25,14 @@ public:
     void writeInfluences(const std::vector<Part> &parts, const std::vector<int> &places);
 
 private:
-    void writePart(const Part &part, const RyGltfInfluenceWriter::Part &influences);
+    /// Primitives with the same influences on the same vertices; they go on sharing.
+    struct Sharers
+    {
+        std::vector<int> joints, weights; // accessors
+        std::vector<Part> parts;
+    };
+    void addToSharers(std::vector<Sharers> &groups, const Part &part) const;
+    void writeSharers(const Sharers &sharers, RyGltfInfluenceWriter::Part influences);
     std::vector<int> tellApart(const std::vector<Part> &parts) const;
     void writeTags(const Part &part, const std::vector<int> &tags);
 
@@ -33,11 +40,4 @@ private:
     const RyGltfInfluences &m_influences;
     RyGltfInfluenceWriter m_writer;
     const std::vector<RyVec3> &m_positions;
-    struct Written
-    {
-        std::vector<int> accessors; // of the primitive before: positions, joints, weights
-        const std::vector<int> *vertexOfSplit;
-        std::vector<std::pair<std::string, int>> attributes;
-    };
-    std::vector<Written> m_written; // primitives often share their vertices
 };

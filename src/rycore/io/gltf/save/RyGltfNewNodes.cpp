@@ -249,9 +249,10 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
     const int mesh = tree.addMeshOf(node.getName(), primitives);
     QString error;
     tree.finish(&error); // copies of what has been checked
-    RyGltfVertexPatch vertices(m_document, *meshOf(node), toFigure);
+    std::vector<RyGltfVertexPatch::Part> parts;
     for (size_t p = 0; p < known.parts.size(); ++p)
-        vertices.write(mesh, int(p), known.meshParts->parts[p]);
+        parts.push_back({mesh, int(p), &known.meshParts->parts[p]});
+    RyGltfVertexPatch(m_document, *meshOf(node), toFigure).write(parts);
     return mesh;
 }
 

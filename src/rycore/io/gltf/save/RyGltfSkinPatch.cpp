@@ -201,11 +201,13 @@ void RyGltfSkinPatch::writeVertices(const Figure &figure)
     for (const Skin &skin : figure.skins) {
         RyGltfVertexPatch vertices(m_patch.document, *figure.mesh, figure.meshToFigure(skin, m_patch.source.unit));
         std::set<std::pair<int, int>> done; // several nodes may show one mesh
+        std::vector<RyGltfVertexPatch::Part> parts;
         for (size_t p = 0; p < figure.source->parts.size(); ++p) {
             const RyGltfPartSource &part = figure.source->parts[p];
             if (part.skin == skin.source->skin && done.insert({figure.meshes[p], part.primitive}).second)
-                vertices.write(figure.meshes[p], part.primitive, figure.parts->parts[p]);
+                parts.push_back({figure.meshes[p], part.primitive, &figure.parts->parts[p]});
         }
+        vertices.write(parts);
     }
 }
 
@@ -228,6 +230,8 @@ void RyGltfSkinPatch::writeProp(const RyGltfFigureSource &source, int mesh)
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source.sceneNode));
     RyGltfVertexPatch vertices(m_patch.document, *shape->getFacetMesh(),
                                m_patch.edits.at(source.parts.front().node).bind);
+    std::vector<RyGltfVertexPatch::Part> parts;
     for (size_t p = 0; p < source.parts.size(); ++p)
-        vertices.write(mesh, source.parts[p].primitive, shape->getParts()->parts[p]);
+        parts.push_back({mesh, source.parts[p].primitive, &shape->getParts()->parts[p]});
+    vertices.write(parts);
 }

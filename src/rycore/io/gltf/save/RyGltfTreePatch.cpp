@@ -87,10 +87,12 @@ int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<
         Json copy = meshes[size_t(mesh)]["primitives"][size_t(primitive)];
         RyExtrasJson::store(copy, Json());
         Json &attributes = copy["attributes"];
-        for (int set = 0; attributes.contains("JOINTS_" + std::to_string(set)); ++set) {
-            attributes.erase("JOINTS_" + std::to_string(set));
-            attributes.erase("WEIGHTS_" + std::to_string(set));
+        Json others = Json::object();
+        for (const auto &[key, accessor] : attributes.items()) {
+            if (key.rfind("JOINTS_", 0) != 0 && key.rfind("WEIGHTS_", 0) != 0)
+                others[key] = accessor;
         }
+        attributes = std::move(others);
         entry["primitives"].push_back(std::move(copy));
     }
     const auto weights =

@@ -5,23 +5,51 @@
 #include "rycore/scene/RyMeshPart.h"
 
 #include <algorithm>
+#include <map>
 
 RyGltfVertexPatch::RyGltfVertexPatch(RyGltfDocument &document, const RyFacetMesh &mesh, const RyAffine &toFigure)
     : m_document(document), m_mesh(mesh), m_toFigure(toFigure), m_toMesh(toFigure.inverse())
 {}
 
-void RyGltfVertexPatch::write(int mesh, int primitive, const RyMeshPart &part)
+void RyGltfVertexPatch::write(const std::vector<Part> &parts)
 {
-    const RyGltfPrimitive before = m_document.model().meshes[size_t(mesh)].primitives[size_t(primitive)];
-    if (before.positions < 0)
-        return;
-    const size_t count = part.vertexOfSplit.size();
-    std::vector<float> points = m_document.readFloats(before.positions);
+    for (const Sharers &sharers : sharersOf(parts, "POSITION"))
+        writePositions(sharers);
+}
+
+std::vector<RyGltfVertexPatch::Sharers> RyGltfVertexPatch::sharersOf(const std::vector<Part> &parts,
+                                                                     const char *attribute) const
+{
+    const bool isPosition = qstrcmp(attribute, "POSITION") == 0;
+    std::vector<Sharers> result;
+    for (const Part &part : parts) {
+        const RyGltfPrimitive &primitive =
+            m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
+        const int accessor = isPosition ? primitive.positions : primitive.normals;
+        if (accessor < 0)
+            continue;
+        const auto known = std::find_if(result.begin(), result.end(), [&](const Sharers &sharers) {
+            return sharers.accessor == accessor &&
+                   sharers.parts.front().source->vertexOfSplit == part.source->vertexOfSplit;
+        });
+        if (known != result.end())
+            known->parts.push_back(part);
+        else
+            result.push_back({accessor, {part}});
+    }
+    return result;
+}
+
+void RyGltfVertexPatch::writePositions(const Sharers &sharers)
+{
+    const std::vector<int> &vertexOfSplit = sharers.parts.front().source->vertexOfSplit;
+    const size_t count = vertexOfSplit.size();
+    std::vector<float> points = m_document.readFloats(sharers.accessor);
     if (points.size() != 3 * count)
         return;
     std::vector<bool> isOther(count, false);
     for (size_t split = 0; split < count; ++split) {
-        const RyVec3 now = m_mesh.getVertex(part.vertexOfSplit[split]);
+        const RyVec3 now = m_mesh.getVertex(vertexOfSplit[split]);
         float *point = &points[3 * split];
         const double from[3] = {double(point[0]), double(point[1]), double(point[2])};
         double at[3];
@@ -36,50 +64,55 @@ void RyGltfVertexPatch::write(int mesh, int primitive, const RyMeshPart &part)
     }
     if (std::find(isOther.begin(), isOther.end(), true) == isOther.end())
         return;
-    const auto replace = [this](int accessor, const std::vector<float> &values) {
-        const auto [known, isNew] = m_written.try_emplace(accessor, -1);
-        if (isNew)
-            known->second = m_document.replaceFloats(accessor, values);
-        return known->second;
-    };
-    if (before.normals >= 0) {
-        const std::vector<float> normals = m_document.readFloats(before.normals);
-        if (normals.size() == 3 * count) {
-            m_document.setPrimitiveAttribute(mesh, primitive, "NORMAL",
-                                             replace(before.normals, normalsNow(normals, points, isOther, part)));
-        }
-    }
-    m_document.setPrimitiveAttribute(mesh, primitive, "POSITION", replace(before.positions, points));
+    for (const Sharers &ofNormal : sharersOf(sharers.parts, "NORMAL"))
+        writeNormals(ofNormal, points, isOther);
+    replace(sharers, "POSITION", points);
 }
 
-std::vector<float> RyGltfVertexPatch::normalsNow(const std::vector<float> &before, const std::vector<float> &points,
-                                                 const std::vector<bool> &isOther, const RyMeshPart &part) const
+void RyGltfVertexPatch::replace(const Sharers &sharers, const char *attribute, const std::vector<float> &values)
 {
-    // Splits with one number share a smooth normal. Only those next to a moved vertex get another.
+    const int accessor = m_document.replaceFloats(sharers.accessor, values, int(sharers.parts.size()));
+    for (const Part &part : sharers.parts)
+        m_document.setPrimitiveAttribute(part.mesh, part.primitive, attribute, accessor);
+}
+
+void RyGltfVertexPatch::writeNormals(const Sharers &sharers, const std::vector<float> &points,
+                                     const std::vector<bool> &isOther)
+{
+    std::vector<float> result = m_document.readFloats(sharers.accessor);
+    if (result.size() != points.size())
+        return;
+    // Splits with one number share a smooth normal, with the triangles of all primitives around it. Only those next to
+    // a moved vertex get another. Sharers group their splits alike.
+    const std::vector<int> &normalOfSplit = sharers.parts.front().source->normalOfSplit;
     std::map<int, RyVec3> sums;
-    for (size_t t = 0; t + 2 < part.triangles.size(); t += 3) {
-        const unsigned *corners = &part.triangles[t];
+    const auto forTriangles = [&sharers](const auto &work) {
+        for (const Part &part : sharers.parts) {
+            const auto &triangles = part.source->triangles;
+            for (size_t t = 0; t + 2 < triangles.size(); t += 3)
+                work(&triangles[t]);
+        }
+    };
+    forTriangles([&](const unsigned *corners) {
         if (isOther[corners[0]] || isOther[corners[1]] || isOther[corners[2]]) {
             for (int corner = 0; corner < 3; ++corner)
-                sums.emplace(part.normalOfSplit[corners[corner]], RyVec3());
+                sums.emplace(normalOfSplit[corners[corner]], RyVec3());
         }
-    }
+    });
     const auto pointAt = [&points](unsigned split) {
         return RyVec3(points[3 * split], points[3 * split + 1], points[3 * split + 2]);
     };
-    for (size_t t = 0; t + 2 < part.triangles.size(); t += 3) {
-        const unsigned *corners = &part.triangles[t];
+    forTriangles([&](const unsigned *corners) {
         const RyVec3 normal =
             (pointAt(corners[1]) - pointAt(corners[0])).cross(pointAt(corners[2]) - pointAt(corners[0]));
         for (int corner = 0; corner < 3; ++corner) {
-            const auto sum = sums.find(part.normalOfSplit[corners[corner]]);
+            const auto sum = sums.find(normalOfSplit[corners[corner]]);
             if (sum != sums.end())
                 sum->second += normal;
         }
-    }
-    std::vector<float> result = before;
-    for (size_t split = 0; split < part.normalOfSplit.size(); ++split) {
-        const auto sum = sums.find(part.normalOfSplit[split]);
+    });
+    for (size_t split = 0; split < normalOfSplit.size(); ++split) {
+        const auto sum = sums.find(normalOfSplit[split]);
         if (sum == sums.end() || sum->second.length() == 0.0f)
             continue;
         // Small triangles of files in metres have tiny cross products.
@@ -87,5 +120,5 @@ std::vector<float> RyGltfVertexPatch::normalsNow(const std::vector<float> &befor
         for (int axis = 0; axis < 3; ++axis)
             result[3 * split + size_t(axis)] = normal[axis];
     }
-    return result;
+    replace(sharers, "NORMAL", result);
 }
