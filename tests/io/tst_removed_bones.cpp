@@ -45,27 +45,85 @@ private slots:
         }
     }
 
-    /// Nothing hangs on it: the node hangs nowhere, and clips that drive it stay valid.
-    void aClipOfARemovedBone()
+    /// Nothing hangs on it: the node hangs nowhere, and its channels leave the clips with the samplers that only they
+    /// used. A clip that drove nothing else goes as well.
+    void clipsOfARemovedBone()
     {
         FigureSketch sketch;
+        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
+        sketch.tree["accessors"].back()["min"] = {0.0};
+        sketch.tree["accessors"].back()["max"] = {1.0};
+        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
+        const int moves = sketch.add<float>({0, 1, 0, 0, 1.5f, 0}, 5126, "VEC3");
+        const auto channel = [](int sampler, int node, const char *path) {
+            return json{{"sampler", sampler}, {"target", {{"node", node}, {"path", path}}}};
+        };
+        const json turn{{"input", times}, {"output", turns}};
+        const json move{{"input", times}, {"output", moves}};
         sketch.tree["animations"] = {
-            {{"name", "wave"},
-             {"samplers",
-              {{{"input", sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR")},
-                {"output", sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4")}}}},
-             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
-        json &times = sketch.tree["accessors"][sketch.tree["animations"][0]["samplers"][0]["input"].get<size_t>()];
-        times["min"] = {0.0};
-        times["max"] = {1.0};
+            {{"name", "nod"}, {"samplers", {turn}}, {"channels", {channel(0, 2, "rotation")}}},
+            {{"name", "walk"},
+             {"samplers", {move, turn, move, turn, turn}},
+             {"channels",
+              {channel(0, 2, "translation"), channel(1, 2, "rotation"), channel(2, 1, "translation"),
+               channel(1, 1, "rotation"), channel(3, 0, "rotation")}}},
+            {{"name", "stand"}, {"samplers", {turn}}, {"channels", {channel(0, 1, "rotation")}}}};
         CharacterScene scene(sketch.write(path("before")));
         RigEdits::deleteBone(scene.scene, scene.bones()[1]);
         const QStringList messages = save(scene, "after");
-        QCOMPARE(messages.filter(QStringLiteral("wave")).size(), 1);
+        QCOMPARE(messages.filter(QStringLiteral("gone with them: nod")).size(), 1);
+        QCOMPARE(messages.filter(QStringLiteral("taken out of the clips: walk")).size(), 1);
         const GltfEvaluator file(path("after").toStdString());
-        QCOMPARE(file.tree()["animations"], sketch.tree["animations"]);
+        const json &clips = file.tree()["animations"];
+        QCOMPARE(clips.size(), size_t(2));
+        const json walk{
+            {"name", "walk"},
+            // The last one was nobody's before.
+            {"samplers", {turn, move, turn, turn}},
+            {"channels", {channel(1, 1, "translation"), channel(0, 1, "rotation"), channel(2, 0, "rotation")}}};
+        QCOMPARE(clips[0], walk);
+        QCOMPARE(clips[1], sketch.tree["animations"][2]);
+        for (size_t i = 0; i < sketch.tree["accessors"].size(); ++i)
+            QCOMPARE(file.tree()["accessors"][i], sketch.tree["accessors"][i]);
         QVERIFY(!file.tree()["nodes"][1].contains("children"));
+        QCOMPARE(file.tree()["nodes"].size(), sketch.tree["nodes"].size());
         QCOMPARE(file.joints(0), std::vector<int>({1}));
+    }
+
+    /// The only clip: the format knows no empty list of clips.
+    void theOnlyClip()
+    {
+        FigureSketch sketch;
+        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
+        sketch.tree["accessors"].back()["min"] = {0.0};
+        sketch.tree["accessors"].back()["max"] = {1.0};
+        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
+        sketch.tree["animations"] = {
+            {{"samplers", {{{"input", times}, {"output", turns}}}},
+             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
+        CharacterScene scene(sketch.write(path("before")));
+        RigEdits::deleteBone(scene.scene, scene.bones()[1]);
+        QCOMPARE(save(scene, "after").filter(QStringLiteral("animation 0")).size(), 1);
+        QVERIFY(!GltfEvaluator(path("after").toStdString()).tree().contains("animations"));
+    }
+
+    /// A bone that stays in its place as a plain node goes on moving with its clip.
+    void theClipOfABoneThatHoldsACamera()
+    {
+        FigureSketch sketch;
+        sketch.tree["cameras"] = {{{"type", "perspective"}, {"perspective", {{"yfov", 0.8}, {"znear", 0.1}}}}};
+        sketch.tree["nodes"][2]["camera"] = 0;
+        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
+        sketch.tree["accessors"].back()["min"] = {0.0};
+        sketch.tree["accessors"].back()["max"] = {1.0};
+        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
+        sketch.tree["animations"] = {
+            {{"samplers", {{{"input", times}, {"output", turns}}}},
+             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
+        CharacterScene scene(sketch.write(path("before")));
+        RigEdits::deleteBone(scene.scene, scene.bones()[1]);
+        save(scene, "after");
+        QCOMPARE(GltfEvaluator(path("after").toStdString()).tree()["animations"], sketch.tree["animations"]);
     }
 
     /// A vertex that follows no bone any more.

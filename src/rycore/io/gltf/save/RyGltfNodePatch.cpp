@@ -226,26 +226,12 @@ void RyGltfNodePatch::setLocal(int node, const RyAffine &local)
 
 void RyGltfNodePatch::reportClips() const
 {
-    const RyGltfModel &model = m_patch.source.document->model();
-    const auto report = [&](const std::set<int> &nodes, const QString &message) {
-        QStringList names;
-        for (size_t clip = 0; clip < model.animatedNodes.size(); ++clip) {
-            const std::vector<int> &driven = model.animatedNodes[clip];
-            if (!std::any_of(driven.begin(), driven.end(), [&nodes](int node) { return nodes.count(node) > 0; }))
-                continue;
-            const QString &name = model.animationNames[clip];
-            names.append(name.isEmpty() ? QStringLiteral("animation %1").arg(clip) : name);
-        }
-        if (names.isEmpty())
-            return;
-        const int shown = 6;
-        QString list = names.mid(0, shown).join(QStringLiteral(", "));
-        if (names.size() > shown)
-            list += QStringLiteral(" and %1 more").arg(names.size() - shown);
-        m_patch.say(message.arg(list));
-    };
-    report(m_patch.rewritten,
-           QStringLiteral("Clips are kept as they were and still say the old rest of edited joints: %1"));
-    report(m_patch.removed,
-           QStringLiteral("Clips are kept as they were and still drive the nodes of removed joints: %1"));
+    const RyGltfModel &model = m_patch.document.model();
+    QStringList names;
+    for (size_t clip = 0; clip < model.animatedNodes.size(); ++clip) {
+        const std::vector<int> &driven = model.animatedNodes[clip];
+        if (std::any_of(driven.begin(), driven.end(), [this](int node) { return m_patch.rewritten.count(node) > 0; }))
+            names.append(RyGltfScenePatch::clipName(model, clip));
+    }
+    m_patch.sayOf(QStringLiteral("Clips are kept as they were and still say the old rest of edited joints: %1"), names);
 }

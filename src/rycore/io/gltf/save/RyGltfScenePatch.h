@@ -44,4 +44,20 @@ struct RyGltfScenePatch
         if (messages)
             messages->append(message);
     }
+    /// A message with a list of names, of which only the first ones are told; none without names.
+    void sayOf(const QString &message, const QStringList &names) const
+    {
+        if (names.isEmpty())
+            return;
+        constexpr int shown = 6;
+        QString list = names.mid(0, shown).join(QStringLiteral(", "));
+        if (names.size() > shown)
+            list += QStringLiteral(" and %1 more").arg(names.size() - shown);
+        say(message.arg(list));
+    }
+    static QString clipName(const RyGltfModel &model, size_t clip)
+    {
+        const QString &name = model.animationNames[clip];
+        return name.isEmpty() ? QStringLiteral("animation %1").arg(clip) : name;
+    }
 };

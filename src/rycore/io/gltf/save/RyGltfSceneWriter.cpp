@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfCarriers.h"
+#include "rycore/io/gltf/save/RyGltfClipPatch.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
@@ -140,7 +141,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
     reportMeshes(*source, messages);
     std::unique_ptr<RyGltfDocument> document = source->document->clone();
     RyGltfScenePatch patch(*source, *document, messages);
-    if (!RyGltfStructurePatch(patch).apply(scene, &reason))
+    if (!RyGltfStructurePatch(patch).apply(scene, &reason) || !RyGltfClipPatch(patch).apply(&reason))
         return refuse();
     RyGltfNodePatch nodes(patch);
     nodes.apply();

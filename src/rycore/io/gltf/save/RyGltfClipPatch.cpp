@@ -1,0 +1,117 @@
+#include "rycore/io/gltf/save/RyGltfClipPatch.h"
+
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/save/RyGltfTreePatch.h"
+
+using RyExtrasJson::find;
+using Json = RyExtrasJson::Json;
+
+bool RyGltfClipPatch::apply(QString *error)
+{
+    findGone();
+    Json &tree = m_patch.document.json();
+    const auto clips = tree.find("animations");
+    if (m_gone.empty() || clips == tree.end() || !clips->is_array())
+        return true;
+    QStringList shortened, left;
+    const RyGltfModel &before = m_patch.source.document->model();
+    size_t number = 0;
+    for (auto clip = clips->begin(); clip != clips->end(); ++number) {
+        if (!dropChannels(*clip)) {
+            ++clip;
+            continue;
+        }
+        const QString name = RyGltfScenePatch::clipName(before, number);
+        // The format knows no clip without channels.
+        const bool isEmpty = (*clip)["channels"].empty();
+        (isEmpty ? left : shortened).append(name);
+        clip = isEmpty ? clips->erase(clip) : clip + 1;
+    }
+    if (shortened.isEmpty() && left.isEmpty())
+        return true;
+    if (clips->empty())
+        tree.erase("animations");
+    m_patch.sayOf(QStringLiteral("Channels of removed joints were taken out of the clips: %1"), shortened);
+    m_patch.sayOf(QStringLiteral("Clips that drove nothing but removed joints are gone with them: %1"), left);
+    return RyGltfTreePatch(m_patch.document).finish(error);
+}
+
+void RyGltfClipPatch::findGone()
+{
+    const RyGltfModel &model = m_patch.document.model();
+    for (const int node : m_patch.removed) {
+        int top = node;
+        while (model.nodes[size_t(top)].parent >= 0)
+            top = model.nodes[size_t(top)].parent;
+        if (RyTreeExtras::isRemoved(m_patch.document, "nodes", top))
+            m_gone.insert(node);
+    }
+}
+
+bool RyGltfClipPatch::isGone(const Json &target) const
+{
+    if (const Json *node = find(target, "node"))
+        return node->is_number_integer() && m_gone.count(node->get<int>()) > 0;
+    // KHR_animation_pointer says "/nodes/7/translation".
+    const Json *extensions = find(target, "extensions");
+    const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
+    const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
+    if (!pointer || !pointer->is_string())
+        return false;
+    const QStringList steps = QString::fromStdString(pointer->get<std::string>()).split(QLatin1Char('/'));
+    bool isNumber = false;
+    return steps.size() > 2 && steps[1] == QLatin1String("nodes") && m_gone.count(steps[2].toInt(&isNumber)) > 0 &&
+           isNumber;
+}
+
+bool RyGltfClipPatch::dropChannels(Json &clip) const
+{
+    const auto channels = clip.is_object() ? clip.find("channels") : clip.end();
+    if (!clip.is_object() || channels == clip.end() || !channels->is_array())
+        return false;
+    std::set<size_t> samplers; // of dropped channels
+    bool any = false;
+    for (auto channel = channels->begin(); channel != channels->end();) {
+        const Json *target = find(*channel, "target");
+        if (!target || !isGone(*target)) {
+            ++channel;
+            continue;
+        }
+        const Json *sampler = find(*channel, "sampler");
+        if (sampler && sampler->is_number_unsigned())
+            samplers.insert(sampler->get<size_t>());
+        channel = channels->erase(channel);
+        any = true;
+    }
+    dropSamplers(clip, samplers);
+    return any;
+}
+
+/// Drops those of the candidates that no channel uses; the others are numbered anew.
+void RyGltfClipPatch::dropSamplers(Json &clip, const std::set<size_t> &candidates)
+{
+    const auto samplers = clip.find("samplers");
+    if (candidates.empty() || samplers == clip.end() || !samplers->is_array())
+        return;
+    std::set<size_t> dropped;
+    for (const size_t candidate : candidates) {
+        if (candidate < samplers->size())
+            dropped.insert(candidate);
+    }
+    Json &channels = clip["channels"];
+    for (const Json &channel : channels) {
+        const Json *sampler = find(channel, "sampler");
+        if (sampler && sampler->is_number_unsigned())
+            dropped.erase(sampler->get<size_t>());
+    }
+    for (auto sampler = dropped.rbegin(); sampler != dropped.rend(); ++sampler)
+        samplers->erase(*sampler);
+    for (Json &channel : channels) {
+        const auto sampler = channel.find("sampler");
+        if (sampler == channel.end() || !sampler->is_number_unsigned())
+            continue;
+        const auto before = sampler->get<size_t>();
+        *sampler = before - size_t(std::distance(dropped.begin(), dropped.lower_bound(before)));
+    }
+}
