@@ -1,7 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
-
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
@@ -71,7 +70,7 @@ void RyGltfNodePatch::compare()
     for (auto &[index, edit] : m_patch.edits) {
         const RyNode &node = *edit.node;
         if (!edit.source) {
-            edit.bind = RyAffine::fromScale(m_patch.source.unit) * RyAffine::fromRotation(node.getOrientation()) *
+            edit.bind = RyAffine::fromScale(scaleOfNew(node)) * RyAffine::fromRotation(node.getOrientation()) *
                         RyAffine::fromTranslation(node.getOrigin());
             continue;
         }
@@ -122,6 +121,40 @@ RyAffine RyGltfNodePatch::shownMap(const RyNode &node)
 {
     return qobject_cast<const RyBone *>(&node) && node.getSkeleton() ? node.figureMap() * node.getSkeleton()->worldMap()
                                                                      : node.worldMap();
+}
+
+double RyGltfNodePatch::scaleOfNew(const RyNode &node) const
+{
+    const double unit = m_patch.source.unit;
+    const auto *bone = qobject_cast<const RyBone *>(&node);
+    if (!bone || !m_patch.source.findFigureSource(bone->getSkeleton()))
+        return unit; // what is written with a new skin has its own frames
+    const RyNode *known = &node;
+    while (known && !isKnownBone(*known))
+        known = qobject_cast<const RyBone *>(known->getNodeParent());
+    if (!known) { // all above are new as well, and take theirs from what stands below the topmost
+        known = &node;
+        while (qobject_cast<const RyBone *>(known->getNodeParent()))
+            known = known->getNodeParent();
+        while (known && !isKnownBone(*known)) {
+            const RyNode *below = nullptr;
+            for (const RyNode *child : known->nodeChildrenIterator())
+                below = below ? below : qobject_cast<const RyBone *>(child);
+            known = below;
+        }
+    }
+    if (!known)
+        return unit;
+    const RyAffine &stretch = m_patch.edits.at(m_patch.nodeOf.of(known)).source->stretch;
+    // Its axes are others than the other bone's: of a stretch that differs between axes it takes the mean.
+    const double scale = std::cbrt(std::abs(stretch.determinant()));
+    return std::abs(scale - unit) <= 1e-5 * unit || !(scale > 0.0) ? unit : scale;
+}
+
+bool RyGltfNodePatch::isKnownBone(const RyNode &node) const
+{
+    const auto edit = m_patch.edits.find(m_patch.nodeOf.of(&node));
+    return edit != m_patch.edits.end() && edit->second.source && edit->second.source->isBone;
 }
 
 RyAffine RyGltfNodePatch::localPoseNow(const Edit &edit) const

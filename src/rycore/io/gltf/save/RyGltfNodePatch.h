@@ -20,6 +20,10 @@ private:
     void compare();
     static bool isApart(const RyNode &node);
     static RyAffine shownMap(const RyNode &node);
+    /// The uniform scale of the rest frame of a node that is new in the file, in centimetres: that of the bone above
+    /// it, else of its first bone below, so that the scale of a character's root comes to nothing between its bones.
+    double scaleOfNew(const RyNode &node) const;
+    bool isKnownBone(const RyNode &node) const;
     RyAffine localPoseNow(const Edit &edit) const;
     void writeNode(int index, const Edit &edit);
     void writeUnlistedChildren(int index, const Edit &edit);
