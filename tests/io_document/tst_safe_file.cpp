@@ -5,11 +5,37 @@
 
 #include <QFileInfo>
 
+#include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstdarg>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace GltfFixture;
+
+/// Stands for a file system that knows no files without a name.
+static std::atomic<bool> noUnnamedFiles{false};
+
+extern "C" int open(const char *path, int flags, ...)
+{
+    using Open = int (*)(const char *, int, ...);
+    static const auto real = reinterpret_cast<Open>(::dlsym(RTLD_NEXT, "open"));
+    va_list list;
+    va_start(list, flags);
+    const mode_t mode = (flags & (O_CREAT | __O_TMPFILE)) ? va_arg(list, mode_t) : 0;
+    va_end(list);
+    if (noUnnamedFiles && (flags & __O_TMPFILE)) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    return real(path, flags, mode);
+}
 
 /// Replacing a file wholly or not at all.
 class RySafeFileTest : public QObject
@@ -30,6 +56,10 @@ private slots:
     void protectedFile();
     void protectedFolder();
     void noRoom();
+    void fullDisk();
+    void killed_data();
+    void killed();
+    void leftovers();
 };
 
 void RySafeFileTest::writes()
@@ -139,6 +169,87 @@ void RySafeFileTest::noRoom()
     QVERIFY2(error.contains(path) && error.size() > path.size() + 25, qPrintable(error));
     QCOMPARE(contents(path), QByteArray("old"));
     QCOMPARE(entries(folder), QStringList{"file"});
+}
+
+void RySafeFileTest::fullDisk()
+{
+    QTemporaryDir folder;
+    const QByteArray mountPoint = QFile::encodeName(folder.path());
+    if (::mount("none", mountPoint.constData(), "tmpfs", 0, "size=256k") != 0)
+        QSKIP("a small file system cannot be mounted here");
+    const QString path = put(folder, "file", "old");
+    QString error, namedError;
+    const bool done = RySafeFile::write(path, QByteArray(1000000, 'x'), &error);
+    noUnnamedFiles = true;
+    const bool named = RySafeFile::write(path, QByteArray(1000000, 'x'), &namedError);
+    noUnnamedFiles = false;
+    const QByteArray kept = contents(path);
+    const QStringList left = entries(folder);
+    ::umount2(mountPoint.constData(), MNT_DETACH);
+    QVERIFY(!done && !named);
+    for (const QString &each : {error, namedError})
+        QVERIFY2(each.contains("no space left") && each.contains(path), qPrintable(each));
+    QCOMPARE(kept, QByteArray("old"));
+    QCOMPARE(left, QStringList{"file"});
+}
+
+void RySafeFileTest::killed_data()
+{
+    QTest::addColumn<bool>("named");
+    QTest::newRow("without a name") << false;
+    QTest::newRow("named") << true;
+}
+
+void RySafeFileTest::killed()
+{
+    QFETCH(bool, named);
+    QTemporaryDir folder;
+    const QString path = put(folder, "file", "old");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        // The signal of the limit ends it in the middle of the file.
+        struct rlimit low = {64 * 1024, 64 * 1024};
+        struct rlimit none = {0, 0};
+        ::setrlimit(RLIMIT_CORE, &none);
+        ::setrlimit(RLIMIT_FSIZE, &low);
+        std::signal(SIGXFSZ, SIG_DFL);
+        noUnnamedFiles = named;
+        RySafeFile::write(path, QByteArray(1000000, 'x'), nullptr);
+        ::_exit(0);
+    }
+    int status = 0;
+    QCOMPARE(::waitpid(child, &status, 0), child);
+    QVERIFY(WIFSIGNALED(status));
+    QCOMPARE(contents(path), QByteArray("old"));
+    QCOMPARE(entries(folder).size(), named ? 2 : 1);
+    QVERIFY(RySafeFile::write(path, "new", nullptr));
+    QCOMPARE(contents(path), QByteArray("new"));
+    QCOMPARE(entries(folder), QStringList{"file"});
+}
+
+void RySafeFileTest::leftovers()
+{
+    const pid_t gone = ::fork();
+    if (gone == 0)
+        ::_exit(0);
+    int status = 0;
+    QCOMPARE(::waitpid(gone, &status, 0), gone);
+    QTemporaryDir folder;
+    put(folder, QStringLiteral("ryhost-%1-1.rysave").arg(gone), "half");
+    QStringList others{QStringLiteral("ryhost-%1-999999.rysave").arg(::getpid()), // may be at work
+                       QStringLiteral("ryhost-1-1.rysave"),
+                       QStringLiteral("ryhost-%1-1.glb").arg(gone),
+                       QStringLiteral("my-ryhost-%1-1.rysave").arg(gone),
+                       QStringLiteral("ryhost-0-1.rysave"),
+                       QStringLiteral("ryhost-%1-1.rysave.glb").arg(gone)};
+    for (const QString &other : others)
+        put(folder, other, "other");
+    QVERIFY(RySafeFile::write(folder.filePath("file"), "new", nullptr));
+    others.append("file");
+    QStringList left = entries(folder);
+    left.sort();
+    others.sort();
+    QCOMPARE(left, others);
 }
 
 RY_TEST(RySafeFileTest)

@@ -1,15 +1,20 @@
 #include "rycore/io/RySafeFile.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QRegularExpression>
 
-#ifdef Q_OS_UNIX
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <limits>
+
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
-#endif
 
 namespace {
 
@@ -45,31 +50,123 @@ QString obstacle(const QFileInfo &info)
     return {};
 }
 
-/// Empty when the bytes have reached the disk.
-QString syncToDisk(QSaveFile &file)
-{
-#ifdef Q_OS_UNIX
-    if (::fsync(file.handle()) != 0 && errno != EINVAL && errno != EROFS)
-        return QString::fromLocal8Bit(std::strerror(errno));
-#else
-    Q_UNUSED(file)
-#endif
-    return {};
-}
-
 /// The new name itself must survive a crash, too; file systems that cannot do this have nothing to lose by it.
 void syncFolder(const QString &folder)
 {
-#ifdef Q_OS_UNIX
     const int handle = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle >= 0) {
         ::fsync(handle);
         ::close(handle);
     }
-#else
-    Q_UNUSED(folder)
-#endif
 }
+
+/// "there is no space left on the device" and so on, for the last error of the system.
+QString systemReason()
+{
+    if (errno == ENOSPC || errno == EDQUOT)
+        return QStringLiteral("there is no space left on the device");
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+constexpr char temporaryEnding[] = ".rysave";
+
+/// A name that is free, or was ours: that of this process with a number.
+QString temporaryName(const QString &folder)
+{
+    static std::atomic<int> number{0};
+    return QStringLiteral("%1/ryhost-%2-%3%4")
+        .arg(folder)
+        .arg(::getpid())
+        .arg(++number)
+        .arg(QLatin1String(temporaryEnding));
+}
+
+/// Removes what saves of processes that were killed have left in a folder.
+void removeLeftovers(const QString &folder)
+{
+    static const QRegularExpression ours(QStringLiteral("^ryhost-(\\d+)-\\d+\\.rysave$"));
+    const QStringList names = QDir(folder).entryList({QStringLiteral("ryhost-*-*.rysave")}, QDir::Files | QDir::Hidden);
+    for (const QString &name : names) {
+        const QRegularExpressionMatch match = ours.match(name);
+        bool isNumber = false;
+        const qlonglong process = match.hasMatch() ? match.captured(1).toLongLong(&isNumber) : 0;
+        const bool isGone = isNumber && process > 0 && process <= std::numeric_limits<pid_t>::max() &&
+                            ::kill(pid_t(process), 0) != 0 && errno == ESRCH;
+        if (isGone)
+            ::unlink(QFile::encodeName(folder + QLatin1Char('/') + name).constData());
+    }
+}
+
+/// A file without a name, which is gone with the process, whatever ends it. File systems that know no such files get
+/// one with a name of ours.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const QString &folder) : m_folder(folder) {}
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+    ~TemporaryFile()
+    {
+        if (m_handle >= 0)
+            ::close(m_handle);
+        if (!m_name.isEmpty())
+            ::unlink(m_name.constData());
+    }
+
+    /// These give false with the reason in errno.
+    bool open(bool named)
+    {
+        if (!named) {
+            m_handle = ::open(QFile::encodeName(m_folder).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+            return m_handle >= 0;
+        }
+        do {
+            m_name = QFile::encodeName(temporaryName(m_folder));
+            m_handle = ::open(m_name.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+        } while (m_handle < 0 && errno == EEXIST);
+        if (m_handle < 0)
+            m_name.clear();
+        return m_handle >= 0;
+    }
+    bool fill(const QByteArray &bytes, const QByteArray &likeFile)
+    {
+        struct stat status;
+        if (::stat(likeFile.constData(), &status) == 0 && ::fchmod(m_handle, status.st_mode & 07777) != 0)
+            return false;
+        for (qint64 done = 0; done < bytes.size();) {
+            const ssize_t written = ::write(m_handle, bytes.constData() + done, size_t(bytes.size() - done));
+            if (written < 0 && errno != EINTR)
+                return false;
+            done += std::max<ssize_t>(written, 0);
+        }
+        return ::fsync(m_handle) == 0 || errno == EINVAL || errno == EROFS;
+    }
+    /// Gives it a name of ours if it has none; only such can take the place of another.
+    bool giveName()
+    {
+        const QByteArray unnamed = "/proc/self/fd/" + QByteArray::number(m_handle);
+        while (m_name.isEmpty()) {
+            const QByteArray name = QFile::encodeName(temporaryName(m_folder));
+            if (::linkat(AT_FDCWD, unnamed.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0)
+                m_name = name;
+            else if (errno != EEXIST)
+                return false;
+        }
+        return true;
+    }
+    bool takePlaceOf(const QByteArray &path)
+    {
+        if (::rename(m_name.constData(), path.constData()) != 0)
+            return false;
+        m_name.clear();
+        return true;
+    }
+
+private:
+    QString m_folder;
+    int m_handle = -1;
+    QByteArray m_name; // empty while there is none
+};
 
 } // namespace
 
@@ -87,16 +184,24 @@ bool RySafeFile::write(const QString &path, const QByteArray &bytes, QString *er
     if (!reason.isEmpty())
         return fail(reason);
 
-    QSaveFile file(info.absoluteFilePath());
-    if (!file.open(QIODevice::WriteOnly))
-        return fail(file.errorString());
-    if (file.write(bytes) != bytes.size() || !file.flush())
-        return fail(file.errorString());
-    const QString syncError = syncToDisk(file);
-    if (!syncError.isEmpty())
-        return fail(syncError);
-    if (!file.commit())
-        return fail(file.errorString());
-    syncFolder(info.absolutePath());
-    return true;
+    const QString folder = info.absolutePath();
+    const QByteArray target = QFile::encodeName(info.absoluteFilePath());
+    removeLeftovers(folder);
+    for (const bool named : {false, true}) {
+        TemporaryFile file(folder);
+        if (!file.open(named)) {
+            if (named)
+                return fail(systemReason());
+            continue;
+        }
+        if (!file.fill(bytes, target))
+            return fail(systemReason());
+        if (!file.giveName())
+            continue; // without /proc, or where files cannot be linked
+        if (!file.takePlaceOf(target))
+            return fail(systemReason());
+        syncFolder(folder);
+        return true;
+    }
+    return fail(systemReason());
 }
