@@ -21,6 +21,10 @@
 class RyGltfDocument
 {
 public:
+    /// What is ours in extras stands below this key.
+    static constexpr const char *ExtrasKey = "RYHOST_rigging";
+    static constexpr int ExtrasVersion = 1;
+
     /// Reads and checks a file. Null with a message that names what is wrong and where ("skins[0].joints[3]: node 99
     /// does not exist") when it must be refused; `warnings` gets what was repaired.
     static std::unique_ptr<RyGltfDocument> read(const QString &path, QString *error, QStringList *warnings = nullptr);
@@ -83,6 +87,12 @@ public:
     /// Likewise groups of four 16-bit numbers of vertices; an accessor of another kind, or -1, gives a new one.
     int replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized, int users = 1);
 
+    /// New accessors take the places of those that we made once and nothing uses any more. Before patching.
+    void reuseSpares();
+    /// Takes away what we made and nothing uses any more, with its bytes where nothing lies behind them that came with
+    /// the file. After patching: it may move bytes.
+    void dropUnused();
+
     /// Bytes of the document in the form of the ending (.glb: one binary chunk; .gltf: buffers embedded as data URIs
     /// when they came so or were made here, otherwise external files keep their names). Two calls give identical bytes.
     /// A document that nobody patched and that is written in its own form gives the bytes that were read where
@@ -95,6 +105,7 @@ public:
 private:
     friend class RyGltfAppender;
     friend class RyGltfWriter;
+    friend class RyGltfSpares;
     RyGltfDocument();
     struct Private;
     std::unique_ptr<Private> d;

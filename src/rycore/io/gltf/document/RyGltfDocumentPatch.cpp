@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
 
 #include "rycore/io/gltf/document/RyGltfAccessorReader.h"
+#include "rycore/io/gltf/document/RyGltfSpares.h"
 
 #include <algorithm>
 #include <cstring>
@@ -41,6 +42,22 @@ Json &RyGltfDocument::Private::list(const char *key)
     return result;
 }
 
+template<typename T>
+int RyGltfDocument::Private::place(const T &what, std::vector<T> &all, Json entry, const char *key,
+                                   std::vector<int> &spare)
+{
+    if (spare.empty()) {
+        all.push_back(what);
+        list(key).push_back(std::move(entry));
+        return int(all.size()) - 1;
+    }
+    const int index = spare.back();
+    spare.pop_back();
+    all[std::size_t(index)] = what;
+    list(key)[std::size_t(index)] = std::move(entry);
+    return index;
+}
+
 int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, int target, int stride)
 {
     Json &bufferList = list("buffers");
@@ -63,7 +80,6 @@ int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, i
     view.length = size;
     view.stride = std::uint64_t(stride);
     buffer.bytes.append(bytes, int(size));
-    storage.views.push_back(view);
     bufferList.back()["byteLength"] = buffer.bytes.size();
 
     Json entry = Json::object();
@@ -74,8 +90,8 @@ int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, i
         entry["byteStride"] = stride;
     if (target != 0)
         entry["target"] = target;
-    list("bufferViews").push_back(std::move(entry));
-    return int(storage.views.size()) - 1;
+    RyGltfSpares::mark(entry);
+    return place(view, storage.views, std::move(entry), "bufferViews", spareViews);
 }
 
 int RyGltfDocument::Private::appendAccessor(int view, int componentType, int componentCount, std::uint64_t count,
@@ -94,8 +110,6 @@ int RyGltfDocument::Private::appendAccessor(int view, int componentType, int com
     layout.elementSize = componentCount * layout.componentSize;
     const std::uint64_t stride = storage.views[std::size_t(view)].stride;
     layout.stride = stride != 0 ? stride : std::uint64_t(layout.elementSize);
-    model.accessors.push_back(accessor);
-    storage.layouts.push_back(layout);
 
     Json entry = Json::object();
     entry["bufferView"] = view;
@@ -104,9 +118,12 @@ int RyGltfDocument::Private::appendAccessor(int view, int componentType, int com
         entry["normalized"] = true;
     entry["count"] = count;
     entry["type"] = typeName(componentCount);
-    list("accessors").push_back(std::move(entry));
+    RyGltfSpares::mark(entry);
     useCountsValid = false;
-    return int(model.accessors.size()) - 1;
+    const int index = place(accessor, model.accessors, std::move(entry), "accessors", spareAccessors);
+    storage.layouts.resize(model.accessors.size());
+    storage.layouts[std::size_t(index)] = layout;
+    return index;
 }
 
 void RyGltfDocument::Private::setBounds(int accessor, std::span<const float> values)
@@ -130,6 +147,22 @@ void RyGltfDocument::Private::setBounds(int accessor, std::span<const float> val
     assign("min", low);
     assign("max", high);
     storage.layouts[std::size_t(accessor)].hasBounds = true;
+}
+
+void RyGltfDocument::reuseSpares()
+{
+    d->spareAccessors = RyGltfSpares(*d).accessors();
+    d->spareViews = RyGltfSpares(*d).views();
+    std::reverse(d->spareAccessors.begin(), d->spareAccessors.end());
+    std::reverse(d->spareViews.begin(), d->spareViews.end());
+}
+
+void RyGltfDocument::dropUnused()
+{
+    d->spareAccessors.clear();
+    d->spareViews.clear();
+    RyGltfSpares(*d).drop();
+    d->readModel(nullptr);
 }
 
 int RyGltfDocument::addFloatAccessor(std::span<const float> values, int componentCount, int target, bool withBounds)

@@ -27,6 +27,8 @@ struct RyGltfDocument::Private
     QByteArray jsonText; // the part of them the tree came from
     std::vector<RyGlbContainer::Chunk> otherChunks;
 
+    std::vector<int> spareAccessors, spareViews; // places to use again, the last first
+
     /// How often each accessor is used by anything; counted when asked for.
     mutable std::vector<int> useCounts;
     mutable bool useCountsValid = false;
@@ -39,6 +41,9 @@ struct RyGltfDocument::Private
     bool sharesBytes(int accessor, int users) const;
 
     Json &list(const char *key);
+    /// Puts something and its entry into their lists, where there is a place to spare or at the end; gives the index.
+    template<typename T>
+    int place(const T &what, std::vector<T> &all, Json entry, const char *key, std::vector<int> &spare);
     /// Bytes at the end of a buffer of our own or of the container; the index of their new buffer view, or -1 when
     /// there is no room.
     int appendView(const char *bytes, std::uint64_t size, int target, int stride);

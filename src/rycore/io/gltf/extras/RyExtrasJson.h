@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/math/RyVec3.h"
 
 #include <nlohmann/json.hpp>
@@ -10,9 +11,9 @@ namespace RyExtrasJson {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char *Key = "RYHOST_rigging";
+constexpr const char *Key = RyGltfDocument::ExtrasKey;
 constexpr const char *ReplacedKey = "RYHOST_replaced"; // extras of others that were no object
-constexpr int Version = 1;
+constexpr int Version = RyGltfDocument::ExtrasVersion;
 
 /// A member of an object; null when there is none.
 const Json *find(const Json &object, const char *key);

@@ -140,6 +140,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
         return refuse();
     reportMeshes(*source, messages);
     std::unique_ptr<RyGltfDocument> document = source->document->clone();
+    document->reuseSpares();
     RyGltfScenePatch patch(*source, *document, messages);
     if (!RyGltfStructurePatch(patch).apply(scene, &reason) || !RyGltfClipPatch(patch).apply(&reason))
         return refuse();
@@ -153,5 +154,6 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
     patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
     storeExtras(patch, newNodes.figures());
     nodes.reportClips();
+    document->dropUnused();
     return document;
 }

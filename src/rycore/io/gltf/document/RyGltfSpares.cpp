@@ -1,0 +1,219 @@
+#include "rycore/io/gltf/document/RyGltfSpares.h"
+
+#include <algorithm>
+
+using Json = RyGltfSpares::Json;
+
+namespace {
+
+constexpr std::uint64_t smallestView = 4;
+
+std::uint64_t aligned(std::uint64_t offset)
+{
+    return (offset + 3) & ~std::uint64_t(3);
+}
+
+void gatherNumbers(const Json &value, std::set<int> &numbers)
+{
+    if (value.is_number_integer())
+        numbers.insert(value.get<int>());
+    if (value.is_structured()) {
+        for (const Json &each : value)
+            gatherNumbers(each, numbers);
+    }
+}
+
+void gatherFromExtensions(const Json &value, std::set<int> &numbers)
+{
+    if (!value.is_structured())
+        return;
+    for (const auto &[key, each] : value.items()) {
+        if (value.is_object() && key == "extensions")
+            gatherNumbers(each, numbers);
+        else
+            gatherFromExtensions(each, numbers);
+    }
+}
+
+/// The entries of a list that are marked and stand for none of the numbers.
+std::vector<int> madeBut(const std::vector<bool> &used, const Json &entries)
+{
+    std::vector<int> result;
+    for (size_t i = 0; i < entries.size() && i < used.size(); ++i) {
+        if (!used[i] && RyGltfSpares::isMade(entries[i]))
+            result.push_back(int(i));
+    }
+    return result;
+}
+
+} // namespace
+
+void RyGltfSpares::mark(Json &entry)
+{
+    entry["extras"][RyGltfDocument::ExtrasKey] = Json{{"version", RyGltfDocument::ExtrasVersion}, {"made", true}};
+}
+
+bool RyGltfSpares::isMade(const Json &entry)
+{
+    const auto extras = entry.is_object() ? entry.find("extras") : entry.end();
+    if (!entry.is_object() || extras == entry.end() || !extras->is_object())
+        return false;
+    const auto ours = extras->find(RyGltfDocument::ExtrasKey);
+    if (ours == extras->end() || !ours->is_object())
+        return false;
+    const auto made = ours->find("made");
+    return made != ours->end() && *made == Json(true);
+}
+
+/// Any number in an extension may be the place of something.
+std::set<int> RyGltfSpares::namedByExtensions() const
+{
+    std::set<int> numbers;
+    gatherFromExtensions(d.tree, numbers);
+    return numbers;
+}
+
+std::vector<int> RyGltfSpares::accessors() const
+{
+    const std::vector<int> &counts = d.countUses();
+    std::vector<bool> used(counts.size());
+    std::transform(counts.begin(), counts.end(), used.begin(), [](int count) { return count > 0; });
+    for (const int number : namedByExtensions()) {
+        if (number >= 0 && size_t(number) < used.size())
+            used[size_t(number)] = true;
+    }
+    return madeBut(used, d.tree.value("accessors", Json::array()));
+}
+
+std::vector<int> RyGltfSpares::views() const
+{
+    std::set<int> named = namedByExtensions();
+    std::vector<bool> isSpare(d.model.accessors.size(), false);
+    for (const int accessor : accessors())
+        isSpare[size_t(accessor)] = true;
+    for (size_t i = 0; i < d.model.accessors.size(); ++i) {
+        if (isSpare[i])
+            continue;
+        named.insert(d.model.accessors[i].bufferView);
+        if (d.model.accessors[i].sparse)
+            named.insert({d.storage.layouts[i].sparse.indexView, d.storage.layouts[i].sparse.valueView});
+    }
+    for (const Json &image : d.tree.value("images", Json::array())) {
+        if (image.contains("bufferView"))
+            gatherNumbers(image["bufferView"], named);
+    }
+    std::vector<bool> used(d.storage.views.size(), false);
+    for (const int view : named) {
+        if (view >= 0 && size_t(view) < used.size())
+            used[size_t(view)] = true;
+    }
+    return madeBut(used, d.tree.value("bufferViews", Json::array()));
+}
+
+void RyGltfSpares::drop()
+{
+    const std::vector<int> unusedViews = views();
+    dropAccessors(accessors());
+    if (std::any_of(d.storage.views.begin(), d.storage.views.end(),
+                    [this](const auto &view) { return view.buffer == int(d.storage.buffers.size()) - 1; }))
+        closeUp(unusedViews);
+    dropViews(unusedViews);
+    d.useCountsValid = false;
+}
+
+void RyGltfSpares::dropAccessors(const std::vector<int> &unused)
+{
+    if (unused.empty())
+        return;
+    Json &list = d.list("accessors");
+    for (const int accessor : unused) {
+        Json entry{{"componentType", 5121}, {"count", 1}, {"type", "SCALAR"}};
+        mark(entry);
+        list[size_t(accessor)] = std::move(entry);
+    }
+    for (auto last = unused.rbegin(); last != unused.rend() && size_t(*last) + 1 == list.size(); ++last)
+        list.erase(list.size() - 1);
+    if (list.empty())
+        d.tree.erase("accessors");
+}
+
+void RyGltfSpares::dropViews(const std::vector<int> &unused)
+{
+    if (unused.empty())
+        return;
+    Json &list = d.list("bufferViews");
+    for (auto last = unused.rbegin(); last != unused.rend() && size_t(*last) + 1 == list.size(); ++last)
+        list.erase(list.size() - 1);
+    if (list.empty())
+        d.tree.erase("bufferViews");
+}
+
+/// Where in a buffer nothing comes any more that came with the file.
+std::uint64_t RyGltfSpares::endOfOthers(int buffer) const
+{
+    const Json &list = d.tree["bufferViews"];
+    std::uint64_t end = 0;
+    for (size_t i = 0; i < list.size(); ++i) {
+        const RyGltfBufferView &view = d.storage.views[i];
+        if (view.buffer == buffer && !isMade(list[i]))
+            end = std::max(end, view.offset + view.length);
+        // Compressed bytes are named by extensions of views.
+        for (const Json &extension : list[i].value("extensions", Json::object())) {
+            if (extension.is_object() && extension.value("buffer", Json()) == Json(buffer) &&
+                extension.contains("byteOffset") && extension["byteOffset"].is_number_unsigned() &&
+                extension.contains("byteLength") && extension["byteLength"].is_number_unsigned()) {
+                end = std::max(end, extension["byteOffset"].get<std::uint64_t>() +
+                                        extension["byteLength"].get<std::uint64_t>());
+            }
+        }
+    }
+    return end;
+}
+
+void RyGltfSpares::closeUp(const std::vector<int> &unused)
+{
+    const int last = int(d.storage.buffers.size()) - 1;
+    RyGltfBuffer &buffer = d.storage.buffers[size_t(last)];
+    if (buffer.source == RyGltfBuffer::External)
+        return;
+    const std::uint64_t others = endOfOthers(last);
+    std::vector<int> ours; // at the end, as they lie there
+    std::uint64_t end = others;
+    std::uint64_t start = std::uint64_t(buffer.bytes.size());
+    for (int i = 0; i < int(d.storage.views.size()); ++i) {
+        const RyGltfBufferView &view = d.storage.views[size_t(i)];
+        if (view.buffer != last || view.offset < others)
+            continue;
+        ours.push_back(i);
+        start = std::min(start, view.offset);
+        end = std::max(end, view.offset + view.length);
+    }
+    // Bytes behind all views are not ours.
+    if (ours.empty() || unused.empty() || std::uint64_t(buffer.bytes.size()) > aligned(end))
+        return;
+    std::stable_sort(ours.begin(), ours.end(), [this](int a, int b) {
+        return d.storage.views[size_t(a)].offset < d.storage.views[size_t(b)].offset;
+    });
+    QByteArray bytes = buffer.bytes.left(int(start));
+    Json &list = d.list("bufferViews");
+    for (const int i : ours) {
+        RyGltfBufferView &view = d.storage.views[size_t(i)];
+        if (std::binary_search(unused.begin(), unused.end(), i)) {
+            // It keeps its place among the views, and says where the bytes of ours begin.
+            view = {last, start, smallestView, 0};
+            Json entry{{"buffer", last}, {"byteOffset", start}, {"byteLength", smallestView}};
+            mark(entry);
+            list[size_t(i)] = std::move(entry);
+            continue;
+        }
+        bytes.append(QByteArray(int(aligned(std::uint64_t(bytes.size()))) - bytes.size(), '\0'));
+        const QByteArray moved = buffer.bytes.mid(int(view.offset), int(view.length));
+        view.offset = std::uint64_t(bytes.size());
+        list[size_t(i)]["byteOffset"] = view.offset;
+        bytes.append(moved);
+    }
+    if (std::uint64_t(bytes.size()) < start + smallestView)
+        bytes.append(QByteArray(int(start + smallestView) - bytes.size(), '\0'));
+    buffer.bytes = bytes;
+    d.list("buffers")[size_t(last)]["byteLength"] = bytes.size();
+}
