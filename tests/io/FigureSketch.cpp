@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <stdexcept>
 
@@ -75,6 +76,12 @@ int FigureSketch::addBytes(const std::string &bytes, size_t numbers, int compone
                                  {"type", type}});
     m_data += bytes;
     return int(tree["accessors"].size()) - 1;
+}
+
+void FigureSketch::set(int accessor, size_t number, float value)
+{
+    const json &view = tree["bufferViews"][tree["accessors"][size_t(accessor)]["bufferView"].get<size_t>()];
+    std::memcpy(&m_data[view["byteOffset"].get<size_t>() + number * sizeof value], &value, sizeof value);
 }
 
 QString FigureSketch::write(const QString &path) const

@@ -30,6 +30,9 @@ public:
     /// Where joints stand at bind, in mesh space, for column vectors; gives the skin's accessor of inverse matrices.
     int addBinds(const std::vector<Eigen::Matrix4d> &binds);
 
+    /// Overwrites one float of an accessor.
+    void set(int accessor, size_t number, float value);
+
     /// Writes a .gltf file with the data inside.
     QString write(const QString &path) const;
 

@@ -138,9 +138,11 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     std::unique_ptr<RyGltfOrigin> origin;
     {
         RyUndoStackLock lock;
+        QString reason;
         try {
             RyGltfSceneReader reader(std::move(document), path, options.unit);
-            reader.build(messages);
+            if (!reader.build(&reason, messages))
+                return refuse(error, reason);
             tops = reader.topLevelNodes();
             origin = reader.takeOrigin();
         } catch (const std::bad_alloc &) {

@@ -161,16 +161,24 @@ std::span<const unsigned char> RyGltfAccessorReader::packedBytes() const
 
 bool RyGltfAccessorReader::isFinite() const
 {
-    if (m_accessor.componentType != 5126 || m_accessor.bufferView < 0)
+    if (m_accessor.componentType != 5126)
         return true;
-    const unsigned char *from = m_storage.viewBytes(m_accessor.bufferView) + m_accessor.byteOffset;
-    bool finite = true;
-    for (std::uint64_t element = 0; element < m_accessor.count; ++element, from += m_layout.stride) {
-        for (int component = 0; component < m_accessor.componentCount; ++component) {
-            float value;
-            std::memcpy(&value, from + component * 4, 4);
-            finite &= std::abs(value) <= std::numeric_limits<float>::max();
+    const int components = m_accessor.componentCount;
+    const auto finite = [components](const unsigned char *from, std::uint64_t stride, std::uint64_t count) {
+        bool result = true;
+        for (std::uint64_t element = 0; element < count; ++element, from += stride) {
+            for (int component = 0; component < components; ++component) {
+                float value;
+                std::memcpy(&value, from + component * 4, 4);
+                result &= std::abs(value) <= std::numeric_limits<float>::max();
+            }
         }
-    }
-    return finite;
+        return result;
+    };
+    const RyGltfSparse &sparse = m_layout.sparse;
+    if (m_accessor.sparse && !finite(m_storage.viewBytes(sparse.valueView) + sparse.valueOffset,
+                                     std::uint64_t(m_layout.elementSize), sparse.count))
+        return false;
+    return m_accessor.bufferView < 0 || finite(m_storage.viewBytes(m_accessor.bufferView) + m_accessor.byteOffset,
+                                               m_layout.stride, m_accessor.count);
 }

@@ -217,6 +217,12 @@ std::vector<std::uint32_t> RyGltfDocument::readUints(int accessor) const
     return RyGltfAccessorReader(d->model.accessors.at(i), d->storage.layouts.at(i), d->storage).readUints();
 }
 
+bool RyGltfDocument::hasFiniteNumbers(int accessor) const
+{
+    const std::size_t i = std::size_t(accessor);
+    return RyGltfAccessorReader(d->model.accessors.at(i), d->storage.layouts.at(i), d->storage).isFinite();
+}
+
 std::span<const unsigned char> RyGltfDocument::packedBytes(int accessor) const
 {
     const std::size_t i = std::size_t(accessor);

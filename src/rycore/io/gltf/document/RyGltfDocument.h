@@ -49,6 +49,8 @@ public:
     // bufferView reads as zeros. Normalised integers become floats in [0,1] or [-1,1] by readFloats.
     std::vector<float> readFloats(int accessor) const;
     std::vector<std::uint32_t> readUints(int accessor) const;
+    /// Whether every number of a float accessor, sparse ones included, is finite; `readFloats` gives 0 for the others.
+    bool hasFiniteNumbers(int accessor) const;
     /// The accessor's bytes where they lie tightly packed in a buffer (no stride, not sparse); empty otherwise. For
     /// fast readers.
     std::span<const unsigned char> packedBytes(int accessor) const;

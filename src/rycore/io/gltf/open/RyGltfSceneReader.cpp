@@ -7,6 +7,7 @@
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/open/RyGltfBonePlacer.h"
 #include "rycore/io/gltf/open/RyGltfFigureFinder.h"
+#include "rycore/io/gltf/open/RyGltfNumberCheck.h"
 #include "rycore/scene/RyBone.h"
 
 #include <QFileInfo>
@@ -33,7 +34,7 @@ void RyGltfSceneReader::say(const QString &message)
         m_messages->append(message);
 }
 
-void RyGltfSceneReader::build(QStringList *messages)
+bool RyGltfSceneReader::build(QString *error, QStringList *messages)
 {
     m_messages = messages;
     const RyGltfModel &model = m_origin->document->model();
@@ -49,6 +50,11 @@ void RyGltfSceneReader::build(QStringList *messages)
         m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
     if (!(m_origin->unit > 0.0))
         m_origin->unit = findUnit();
+    const QString refusal = findUnusableNumbers();
+    if (!refusal.isEmpty()) {
+        *error = QStringLiteral("%1 cannot be opened: %2").arg(m_origin->filePath, refusal);
+        return false;
+    }
     // In the order of the file, so that what something hangs on is there before it.
     std::vector<Figure *> figureOf(model.nodes.size(), nullptr);
     for (Figure &figure : m_figures)
@@ -69,6 +75,7 @@ void RyGltfSceneReader::build(QStringList *messages)
     for (const RyRef<RyNode> &top : m_tops)
         m_origin->tops.emplace_back(top.get());
     m_origin->recordTree();
+    return true;
 }
 
 void RyGltfSceneReader::draftFigures()
@@ -184,6 +191,16 @@ double RyGltfSceneReader::findUnit() const
             largest = std::max(largest, high[1] - low[1] > 0.01 * extent ? high[1] - low[1] : extent);
     }
     return ryUnitFactor(100.0, largest);
+}
+
+QString RyGltfSceneReader::findUnusableNumbers() const
+{
+    RyGltfNumberCheck check(*m_origin->document, m_origin->unit);
+    for (const Figure &figure : m_figures) {
+        for (size_t s = 0; s < figure.joints.skins.size(); ++s)
+            check.checkSkin(figure.joints.skins[s], figure.rest.toFigure[s]);
+    }
+    return check.reason();
 }
 
 // --- Figures

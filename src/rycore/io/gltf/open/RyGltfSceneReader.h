@@ -22,7 +22,8 @@ public:
     RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit);
     ~RyGltfSceneReader();
 
-    void build(QStringList *messages);
+    /// False with a reason when a figure of the file makes no sense.
+    bool build(QString *error, QStringList *messages);
     /// Top-level nodes, not yet in a scene.
     const std::vector<RyRef<RyNode>> &topLevelNodes() const { return m_tops; }
     std::unique_ptr<RyGltfOrigin> takeOrigin() { return std::move(m_origin); }
@@ -32,6 +33,7 @@ private:
 
     void leaveOutRemoved();
     double findUnit() const;
+    QString findUnusableNumbers() const;
     void draftFigures();
     int findCarrier(const RyGltfJointSet &joints, const std::vector<bool> &carries) const;
     void buildFigure(Figure &figure);
