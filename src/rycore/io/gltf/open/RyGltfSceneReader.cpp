@@ -8,10 +8,10 @@
 #include "rycore/io/gltf/open/RyGltfBonePlacer.h"
 #include "rycore/io/gltf/open/RyGltfFigureFinder.h"
 #include "rycore/io/gltf/open/RyGltfNumberCheck.h"
+#include "rycore/io/gltf/open/RyImageDecoder.h"
 #include "rycore/scene/RyBone.h"
 
 #include <QFileInfo>
-#include <QImage>
 
 #include <algorithm>
 #include <cmath>
@@ -338,8 +338,18 @@ void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
         look.baseColor = material.baseColor;
         look.doubleSided = material.doubleSided;
         if (material.baseColorTexture >= 0)
-            look.texture = QImage::fromData(m_origin->document->imageBytes(material.baseColorTexture));
+            look.texture = readPicture(material.baseColorTexture);
         m_looks.push_back(std::move(look));
     }
     parts.looks = m_looks;
+}
+
+QImage RyGltfSceneReader::readPicture(int image)
+{
+    QStringList words;
+    const QImage picture = RyImageDecoder::decode(m_origin->document->imageBytes(image), &words);
+    words.removeDuplicates();
+    for (const QString &each : words)
+        say(QStringLiteral("%1: images[%2]: %3").arg(QFileInfo(m_origin->filePath).fileName()).arg(image).arg(each));
+    return picture;
 }

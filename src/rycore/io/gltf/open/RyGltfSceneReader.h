@@ -58,6 +58,7 @@ private:
     void finishProp(RyGltfNodeSource &source);
     int placeBelow(const RyNode &above, int node) const;
     void setPropPose(RyGltfNodeSource &source) const;
+    QImage readPicture(int image);
     void fillLooks(RyMeshParts &parts);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;
