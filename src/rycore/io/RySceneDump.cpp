@@ -3,6 +3,7 @@
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
+#include "rycore/io/RyPartNormals.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
@@ -16,8 +17,11 @@
 #include "rycore/skin/RyBulgeBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 
+#include <QCache>
 #include <QTextStream>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <unordered_map>
 
@@ -52,6 +56,39 @@ QString quoted(QString text)
     text.replace(QLatin1Char('"'), QLatin1String("\\\""));
     text.replace(QLatin1Char('\n'), QLatin1String("\\n"));
     return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+/// The corners beginning at the lowest one: it makes no difference where a polygon starts.
+std::array<int, 4> fromLowest(const RyFacet &facet)
+{
+    std::array<int, 4> lowest{facet.vertices[0], facet.vertices[1], facet.vertices[2], facet.vertices[3]};
+    std::array<int, 4> turned = lowest;
+    for (int turn = 1; turn < facet.count(); ++turn) {
+        std::rotate(turned.begin(), turned.begin() + 1, turned.begin() + facet.count());
+        lowest = std::min(lowest, turned);
+    }
+    return lowest;
+}
+
+/// Of the pixels. Many dumps are made of one picture, so that of each is worked out once.
+QString pictureHash(const QImage &picture)
+{
+    static QCache<qint64, QString> known(1000);
+    if (const QString *text = known.object(picture.cacheKey()))
+        return *text;
+    const QImage plain = picture.convertToFormat(QImage::Format_RGBA8888);
+    Hash hash;
+    hash.add(plain.width());
+    hash.add(plain.height());
+    for (int y = 0; y < plain.height(); ++y) {
+        const auto *row = reinterpret_cast<const quint32 *>(plain.constScanLine(y));
+        for (int x = 0; x < plain.width(); ++x)
+            hash.add(row[x]);
+    }
+    auto *text = new QString(hash.text());
+    const QString result = *text;
+    known.insert(picture.cacheKey(), text);
+    return result;
 }
 
 class Dump
@@ -164,8 +201,11 @@ private:
             m_out << "  shape " << shape->metaObject()->className()
                   << (shape == object.getCurrentShape() ? " current\n" : "\n");
             const auto *facets = qobject_cast<const RyFacetShape *>(shape);
-            if (facets && facets->getFacetMesh())
+            if (facets && facets->getFacetMesh()) {
                 writeMesh(*facets->getFacetMesh());
+                if (facets->getParts() && facets->getParts()->fits(*facets->getFacetMesh()))
+                    writeParts(*facets);
+            }
         }
         for (RyModifier *modifier : object.getModifiers()) {
             m_out << "  modifier " << modifier->metaObject()->className() << '\n';
@@ -188,7 +228,7 @@ private:
         }
         Hash facets;
         for (const RyFacet &facet : mesh.getFacets()) {
-            for (const int vertex : facet.vertices)
+            for (const int vertex : fromLowest(facet))
                 facets.add(vertex);
         }
         m_out << "    vertices " << mesh.getNumVertices() << " sum " << number(sum[0]) << ' ' << number(sum[1]) << ' '
@@ -202,6 +242,49 @@ private:
             m_out << "    group " << quoted(group.getName()) << ' ' << group.getFacets().count() << " hash "
                   << members.text() << '\n';
         }
+    }
+
+    void writeParts(const RyFacetShape &shape)
+    {
+        const RyMeshParts &parts = *shape.getParts();
+        const RyPartNormals shown(shape);
+        for (const RyMeshPart &part : parts.parts) {
+            const bool hasLook = part.look >= 0 && size_t(part.look) < parts.looks.size();
+            if (!hasLook && part.uvs.empty() && part.normals.empty())
+                continue;
+            m_out << "    part of " << part.facetCount;
+            if (hasLook)
+                writeLook(parts.looks[size_t(part.look)]);
+            if (!part.uvs.empty()) {
+                Hash uvs;
+                for (const float number : part.uvs)
+                    uvs.add(number == 0.0f ? 0.0f : number);
+                m_out << " coordinates " << part.uvs.size() / 2 << " hash " << uvs.text();
+            }
+            if (!part.normals.empty()) {
+                // Sums, since they are worked out through the maps of a file. Two that change places would not do.
+                const std::vector<RyVec3> normals = shown.of(part);
+                double sum[3] = {0, 0, 0};
+                for (size_t i = 0; i < normals.size(); ++i) {
+                    for (int axis = 0; axis < 3; ++axis)
+                        sum[axis] += double(1 + i % 7) * double(normals[i][axis]);
+                }
+                m_out << " normals " << normals.size() << " sum " << number(sum[0]) << ' ' << number(sum[1]) << ' '
+                      << number(sum[2]);
+            }
+            m_out << '\n';
+        }
+    }
+
+    void writeLook(const RyMaterialLook &look)
+    {
+        m_out << " look " << quoted(look.name);
+        for (const float share : look.baseColor)
+            m_out << ' ' << number(double(share));
+        if (look.doubleSided)
+            m_out << " double";
+        if (!look.texture.isNull())
+            m_out << " picture " << pictureHash(look.texture);
     }
 
     void writeMap(const char *kind, const RyWeightMap *map)

@@ -72,6 +72,12 @@ public:
     /// Puts these attributes in the place of all JOINTS_n and WEIGHTS_n, of those too that no reader takes: one without
     /// the other, or behind a gap.
     void setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes);
+    /// Says of a primitive that its triangles are the fans of polygons.
+    void markFans(int mesh, int primitive);
+    /// An image of a type that needs no extension (PNG, JPEG); -1 where there is no room for it.
+    int addImage(const QString &name, const QByteArray &bytes, const QString &mimeType);
+    /// With the name, base color, image (-1 for none) and sides of `material`; nothing of it shines.
+    int addMaterial(const RyGltfMaterial &material);
     int addSkin(const QString &name, const std::vector<int> &joints, int inverseBindMatrices, int skeleton);
     void setNodeMeshAndSkin(int node, int mesh, int skin);
     void setSkinInverseBindMatrices(int skin, int accessor);

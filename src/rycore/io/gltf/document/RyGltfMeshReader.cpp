@@ -174,6 +174,7 @@ RyGltfPrimitive RyGltfMeshReader::readPrimitive(const RyGltfCursor &cursor, cons
     primitive.texcoords = readOptional(attributes, "TEXCOORD_0", model, 2, 2, count);
     primitive.colors = readOptional(attributes, "COLOR_0", model, 3, 4, count);
     readInfluences(attributes, model, count, primitive);
+    primitive.hasFans = primitive.mode == 4 && cursor.object("extensions").has("FB_ngon_encoding");
     const RyGltfCursor targets = cursor.array("targets");
     for (int i = 0; i < targets.size(); ++i)
         primitive.morphPositions.push_back(readOptional(targets.objectAt(i), "POSITION", model, 3, 3, count));

@@ -50,6 +50,7 @@ struct RyGltfPrimitive
     int normals = -1;
     int texcoords = -1;
     int colors = -1;
+    bool hasFans = false;            // its triangles are marked as the fans of polygons
     std::vector<int> joints;         // JOINTS_0, JOINTS_1, ... accessors
     std::vector<int> weights;        // in step
     std::vector<int> morphPositions; // POSITION accessor of each target, -1 for none

@@ -56,9 +56,32 @@ Json groupsJson(const RyFacetMesh &mesh)
     return groups;
 }
 
+/// Part and number of triangles by turns, as the facets of the mesh go from one part to another; null where they come
+/// part by part.
+Json orderJson(const RyFacetMesh &mesh, const RyMeshParts *parts)
+{
+    if (!parts || parts->order.empty() || !parts->fits(mesh))
+        return Json();
+    Json order = Json::array();
+    int facet = 0;
+    for (const RyMeshParts::Run &run : parts->order) {
+        int triangles = 0;
+        for (const int end = facet + run.facetCount; facet < end; ++facet)
+            triangles += mesh.getFacet(facet).count() - 2;
+        order.push_back(run.part);
+        order.push_back(triangles);
+    }
+    return order;
+}
+
+RyFacetShape *shapeOf(const RyNode &node)
+{
+    return qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+}
+
 RyFacetMesh *meshOf(const RyNode &node)
 {
-    auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    const RyFacetShape *shape = shapeOf(node);
     return shape ? shape->getFacetMesh() : nullptr;
 }
 
@@ -88,11 +111,13 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
     const Json *groups = stored ? find(*stored, "faceGroups") : nullptr;
     if (!groups || !groups->is_array() || groups->empty())
         return false;
-    std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
+    const std::vector<int> triangles = firstTriangles(mesh);
+    const int triangleCount = triangles.back();
+    std::vector<int> groupOfTriangle(size_t(triangleCount), -1);
     QStringList names;
     const auto fits = [&] {
-        const Json *facets = find(*stored, "facets");
-        if (facets && (!facets->is_number_integer() || facets->get<long long>() != mesh.getNumFacets()))
+        const Json *whole = find(*stored, "facets");
+        if (whole && (!whole->is_number_integer() || whole->get<long long>() != triangleCount))
             return false;
         for (const Json &group : *groups) {
             const Json *name = find(group, "name");
@@ -104,9 +129,9 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
                     return false;
                 const long long first = run[0].get<long long>();
                 const long long count = run[1].get<long long>();
-                if (first < 0 || count < 0 || first > mesh.getNumFacets() || count > mesh.getNumFacets() - first)
+                if (first < 0 || count < 0 || first > triangleCount || count > triangleCount - first)
                     return false;
-                std::fill_n(groupOfFacet.begin() + first, count, names.size());
+                std::fill_n(groupOfTriangle.begin() + first, count, names.size());
             }
             names.append(QString::fromStdString(name->get<std::string>()));
         }
@@ -119,8 +144,55 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
     }
     for (const QString &name : names)
         mesh.createFaceGroup(name);
+    std::vector<int> groupOfFacet;
+    for (int facet = 0; facet < mesh.getNumFacets(); ++facet)
+        groupOfFacet.push_back(groupOfTriangle[size_t(triangles[size_t(facet)])]);
     mesh.setGroupsOfFacets(groupOfFacet);
     return true;
+}
+
+void RyFigureExtras::applyFacetOrder(const RyGltfDocument &document, int figure, std::vector<RyFacet> &facets,
+                                     RyMeshParts &parts, QStringList *messages)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *runs = stored ? find(*stored, "order") : nullptr;
+    if (!runs)
+        return;
+    std::vector<size_t> next, end; // facets of each part that are still to come
+    for (size_t count = 0; const RyMeshPart &part : parts.parts) {
+        next.push_back(count);
+        end.push_back(count += size_t(part.facetCount));
+    }
+    std::vector<RyFacet> ordered;
+    ordered.reserve(facets.size());
+    const auto fits = [&] {
+        if (!runs->is_array() || runs->size() % 2 != 0)
+            return false;
+        for (size_t i = 0; i < runs->size(); i += 2) {
+            const Json &part = (*runs)[i];
+            const Json &count = (*runs)[i + 1];
+            if (!part.is_number_integer() || !count.is_number_integer() || part.get<long long>() < 0 ||
+                part.get<long long>() >= (long long)(next.size())) {
+                return false;
+            }
+            const size_t place = part.get<size_t>();
+            const size_t before = ordered.size();
+            long long left = count.get<long long>();
+            for (; left > 0 && next[place] < end[place]; left -= ordered.back().count() - 2)
+                ordered.push_back(facets[next[place]++]);
+            if (left != 0)
+                return false;
+            parts.order.push_back({int(place), int(ordered.size() - before)});
+        }
+        return ordered.size() == facets.size();
+    };
+    if (fits()) {
+        facets = std::move(ordered);
+        return;
+    }
+    parts.order.clear();
+    if (messages)
+        messages->append(QStringLiteral("The stored order of the facets does not fit the mesh and is left out"));
 }
 
 void RyFigureExtras::applySelectionMap(const RyGltfOrigin &origin, int figure, RyNode &skeletonNode)
@@ -266,6 +338,9 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         if (const RyFacetMesh *mesh = figure ? meshOf(*figure) : nullptr) {
             entry["facets"] = firstTriangles(*mesh).back();
             entry["faceGroups"] = groupsJson(*mesh);
+            Json order = orderJson(*mesh, shapeOf(*figure)->getParts().get());
+            if (!order.is_null())
+                entry["order"] = std::move(order);
         }
         if (skeleton) {
             entry["name"] = skeleton->getName().toStdString();

@@ -130,3 +130,19 @@ std::vector<int> RyTreeExtras::findFree(const RyGltfDocument &document, int mesh
 {
     return findList(document, mesh, primitive, "free");
 }
+
+void RyTreeExtras::storeMadeNormals(RyGltfDocument &document, int mesh, int primitive)
+{
+    Json &holder = document.json()["meshes"][size_t(mesh)]["primitives"][size_t(primitive)];
+    Json ours = storedOrNew(holder);
+    ours["madeNormals"] = true;
+    RyExtrasJson::store(holder, std::move(ours));
+}
+
+bool RyTreeExtras::hasMadeNormals(const RyGltfDocument &document, int mesh, int primitive)
+{
+    const Json *entry = primitiveJson(document, mesh, primitive);
+    const Json *ours = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    const Json *made = ours ? find(*ours, "madeNormals") : nullptr;
+    return made && *made == Json(true);
+}

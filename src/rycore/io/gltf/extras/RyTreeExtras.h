@@ -32,4 +32,8 @@ std::vector<int> findApart(const RyGltfDocument &document, int mesh, int primiti
 void storeFree(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &splits);
 std::vector<int> findFree(const RyGltfDocument &document, int mesh, int primitive);
 
+/// A primitive whose normals were worked out, since what it was made from has none.
+void storeMadeNormals(RyGltfDocument &document, int mesh, int primitive);
+bool hasMadeNormals(const RyGltfDocument &document, int mesh, int primitive);
+
 } // namespace RyTreeExtras

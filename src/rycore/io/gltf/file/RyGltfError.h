@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Why a file is refused. Thrown inside the reader and caught by RyGltfDocument; it never leaves this folder.
+/// Why a file is refused. Thrown inside readers of files and caught by what opens them.
 struct RyGltfError
 {
     QString message;

@@ -1,6 +1,8 @@
 #include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
 
+#include "rycore/io/RyPolygonFans.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/open/RyGltfSplitVertices.h"
 #include "rycore/io/gltf/open/RyGltfTriangles.h"
 #include "rycore/math/RyLargePages.h"
@@ -24,7 +26,7 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
     RyMeshPart result;
     result.name = name;
     result.look = primitive.material;
-    result.firstFacet = int(facets.size());
+    const size_t firstFacet = facets.size();
     if (primitive.positions >= 0) {
         beginClass(weldClass);
         const int firstVertex = int(positions.size());
@@ -38,9 +40,12 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
         weld(splits, result);
         shareNormals(splits, firstVertex, result);
         addVertices(splits, firstVertex, toFigure);
+        if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(m_document, meshIndex, primitiveIndex))
+            addNormals(primitive.normals, toFigure, result);
+        result.hasFans = primitive.hasFans;
         addFacets(ryGltfReadTriangles(m_document, primitive, splits.count()), result);
     }
-    result.facetCount = int(facets.size()) - result.firstFacet;
+    result.facetCount = int(facets.size() - firstFacet);
     parts.parts.push_back(std::move(result));
 }
 
@@ -201,15 +206,42 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
         m_runs.push_back(std::move(run));
 }
 
+/// Directions of the file in figure space. A normal stands upright on the surface, however the surface is stretched.
+void RyGltfMeshBuilder::addNormals(int accessor, const RyAffine &toFigure, RyMeshPart &result) const
+{
+    const std::vector<float> normals = m_document.readFloats(accessor);
+    const RyAffine back = toFigure.inverse();
+    result.normals.resize(result.vertexOfSplit.size());
+    RyParallel::forRanges(std::min(result.normals.size(), normals.size() / 3), 20000, [&](size_t begin, size_t end) {
+        for (size_t i = begin; i < end; ++i) {
+            const float *from = &normals[3 * i];
+            double at[3];
+            for (int axis = 0; axis < 3; ++axis) {
+                at[axis] = back.m[axis][0] * double(from[0]) + back.m[axis][1] * double(from[1]) +
+                           back.m[axis][2] * double(from[2]);
+            }
+            const double length = std::sqrt(at[0] * at[0] + at[1] * at[1] + at[2] * at[2]);
+            if (length > 0.0 && std::isfinite(length))
+                result.normals[i] = {float(at[0] / length), float(at[1] / length), float(at[2] / length)};
+        }
+    });
+}
+
 void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result)
 {
+    const size_t count = triangles.size() / 3;
     if (facets.empty()) {
-        facets.reserve(triangles.size() / 3);
-        RyLargePages::prefer(facets.data(), triangles.size() / 3 * sizeof(RyFacet));
+        facets.reserve(count);
+        RyLargePages::prefer(facets.data(), count * sizeof(RyFacet));
     }
-    for (size_t corner = 0; corner + 2 < triangles.size(); corner += 3) {
-        const auto vertex = [&](size_t which) { return result.vertexOfSplit[triangles[corner + which]]; };
-        facets.push_back({{vertex(0), vertex(1), vertex(2), -1}});
+    for (size_t t = 0; t < count;) {
+        const size_t run = result.hasFans ? RyPolygonFans::runAt(triangles, t) : 1;
+        const auto vertex = [&](size_t corner) { return result.vertexOfSplit[triangles[corner]]; };
+        for (const size_t end = t + run; t < end; ++t) {
+            facets.push_back({{vertex(3 * t), vertex(3 * t + 1), vertex(3 * t + 2), -1}});
+            if (run == 2) // larger polygons stay cut
+                facets.back().vertices[3] = vertex(3 * ++t + 2);
+        }
     }
     result.triangles = std::move(triangles);
 }

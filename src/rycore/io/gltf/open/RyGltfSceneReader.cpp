@@ -3,8 +3,11 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/file/RyGltfUri.h"
 #include "rycore/io/gltf/open/RyGltfBonePlacer.h"
 #include "rycore/io/gltf/open/RyGltfFigureFinder.h"
 #include "rycore/io/gltf/open/RyGltfNumberCheck.h"
@@ -328,6 +331,18 @@ RyGltfNames &RyGltfSceneReader::namesBeside(RyNode *above)
     return m_namesBelow[figure ? figure : above];
 }
 
+/// As the file calls it, or that of its own file; empty without one.
+QString RyGltfSceneReader::imageName(int image) const
+{
+    const RyExtrasJson::Json *entry = RyExtrasJson::entry(m_origin->document->json(), "images", image);
+    for (const char *key : {"name", "uri"}) {
+        const RyExtrasJson::Json *text = entry ? RyExtrasJson::find(*entry, key) : nullptr;
+        if (text && text->is_string() && !RyGltfUri::isData(text->get_ref<const std::string &>()))
+            return QString::fromStdString(text->get<std::string>()).section(QLatin1Char('/'), -1);
+    }
+    return {};
+}
+
 void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
 {
     const RyGltfModel &model = m_origin->document->model();
@@ -338,18 +353,19 @@ void RyGltfSceneReader::fillLooks(RyMeshParts &parts)
         look.baseColor = material.baseColor;
         look.doubleSided = material.doubleSided;
         if (material.baseColorTexture >= 0)
-            look.texture = readPicture(material.baseColorTexture);
+            readPicture(material.baseColorTexture, look);
         m_looks.push_back(std::move(look));
     }
     parts.looks = m_looks;
 }
 
-QImage RyGltfSceneReader::readPicture(int image)
+void RyGltfSceneReader::readPicture(int image, RyMaterialLook &look)
 {
     QStringList words;
-    const QImage picture = RyImageDecoder::decode(m_origin->document->imageBytes(image), &words);
+    look.picture = m_origin->document->imageBytes(image);
+    look.pictureName = imageName(image);
+    look.texture = RyImageDecoder::decode(look.picture, &words);
     words.removeDuplicates();
     for (const QString &each : words)
         say(QStringLiteral("%1: images[%2]: %3").arg(QFileInfo(m_origin->filePath).fileName()).arg(image).arg(each));
-    return picture;
 }

@@ -49,6 +49,7 @@ private:
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
     RySkinBinding *bindBones(Figure &figure, int vertexCount,
                              std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
+    void finishParts(RyGltfMeshBuilder &builder, int entry) const;
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     std::vector<bool> findProps() const;
     void buildProp(int index);
@@ -58,7 +59,8 @@ private:
     void finishProp(RyGltfNodeSource &source);
     int placeBelow(const RyNode &above, int node) const;
     void setPropPose(RyGltfNodeSource &source) const;
-    QImage readPicture(int image);
+    void readPicture(int image, RyMaterialLook &look);
+    QString imageName(int image) const;
     void fillLooks(RyMeshParts &parts);
     QString figureName(const Figure &figure) const;
     QString partName(int mesh, int primitive) const;

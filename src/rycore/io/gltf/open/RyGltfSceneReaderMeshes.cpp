@@ -102,6 +102,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
 {
     const int vertexCount = int(figure.mesh->positions.size());
     auto *mesh = new RyFacetMesh;
+    finishParts(*figure.mesh, figure.entry);
     mesh->setPositions(std::move(figure.mesh->positions));
     mesh->setFacets(std::move(figure.mesh->facets));
     auto parts = std::make_shared<RyMeshParts>(std::move(figure.mesh->parts));
@@ -190,17 +191,30 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     return skin;
 }
 
+/// Facets in the order that an earlier save kept, and the positions that the file's normals belong to.
+void RyGltfSceneReader::finishParts(RyGltfMeshBuilder &builder, int entry) const
+{
+    RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.parts, m_messages);
+    for (const RyMeshPart &part : builder.parts.parts) {
+        if (!part.normals.empty() && builder.parts.shapedFrom.empty())
+            builder.parts.shapedFrom = builder.positions;
+    }
+}
+
 void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)
 {
     std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
     std::map<QString, int> groups;
+    const std::vector<int> facets = parts.facetsByPart();
+    auto next = facets.begin();
     for (const RyMeshPart &part : parts.parts) {
         if (part.facetCount == 0)
             continue;
         const auto [group, isNew] = groups.try_emplace(part.name, int(groups.size()));
         if (isNew)
             mesh.createFaceGroup(part.name);
-        std::fill_n(groupOfFacet.begin() + part.firstFacet, part.facetCount, group->second);
+        for (int i = 0; i < part.facetCount; ++i)
+            groupOfFacet[size_t(*next++)] = group->second;
     }
     mesh.setGroupsOfFacets(groupOfFacet);
 }

@@ -146,12 +146,13 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
         builder.addPart(meshIndex, int(p), partName(meshIndex, int(p)), {}, source.bind, 0);
         figure.parts.push_back({source.node, meshIndex, int(p), -1});
     }
+    const int entry = m_entries->find({source.node}, int(m_figures.size() + m_origin->figures.size()));
+    finishParts(builder, entry);
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(builder.positions));
     mesh->setFacets(std::move(builder.facets));
     auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
     fillLooks(*parts);
-    const int entry = m_entries->find({source.node}, int(m_figures.size() + m_origin->figures.size()));
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
     auto *shape = new RyFacetShape(mesh);

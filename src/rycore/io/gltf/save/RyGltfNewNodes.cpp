@@ -3,8 +3,8 @@
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
-#include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
+#include "rycore/io/gltf/save/RyGltfNewMesh.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
@@ -22,9 +22,14 @@
 
 namespace {
 
+const RyFacetShape *shapeOf(const RyNode &node)
+{
+    return qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+}
+
 const RyFacetMesh *meshOf(const RyNode &node)
 {
-    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
+    const RyFacetShape *shape = shapeOf(node);
     return shape ? shape->getFacetMesh() : nullptr;
 }
 
@@ -125,42 +130,6 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
     }
 }
 
-int RyGltfNewNodes::addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals)
-{
-    std::vector<float> points, directions;
-    const std::vector<RyVec3> smooth = mesh.computeNormals(mesh.getPositions());
-    RyAffine stretch;
-    RyQuat turn;
-    toMesh.decomposePolar(stretch, turn);
-    for (int v = 0; v < mesh.getNumVertices(); ++v) {
-        const RyVec3 p = mesh.getVertex(v);
-        const double from[3] = {p.x, p.y, p.z};
-        double at[3];
-        toMesh.mapPoint(from, at);
-        RyVec3 normal = turn.multVec(smooth[size_t(v)]).normalized();
-        if (normal == RyVec3())
-            normal = RyVec3(0, 1, 0);
-        for (int axis = 0; axis < 3; ++axis) {
-            points.push_back(float(at[axis]));
-            directions.push_back(normal[axis]);
-        }
-    }
-    *normals = m_document.addFloatAccessor(directions, 3, 34962);
-    return m_document.addFloatAccessor(points, 3, 34962, true);
-}
-
-int RyGltfNewNodes::addTriangles(const RyFacetMesh &mesh)
-{
-    std::vector<std::uint32_t> indices;
-    for (const RyFacet &facet : mesh.getFacets()) {
-        for (int corner = 1; corner + 1 < facet.count(); ++corner) {
-            for (const int vertex : {facet.vertices[0], facet.vertices[corner], facet.vertices[corner + 1]})
-                indices.push_back(std::uint32_t(vertex));
-        }
-    }
-    return m_document.addUintAccessor(indices, 1, 5125, 34963);
-}
-
 void RyGltfNewNodes::addMeshOf(const RyNode &node, int fileNode, const RyAffine &frame)
 {
     const RyFacetMesh &mesh = *meshOf(node);
@@ -171,10 +140,7 @@ void RyGltfNewNodes::addMeshOf(const RyNode &node, int fileNode, const RyAffine 
         m_figures.push_back(&node);
         return;
     }
-    int normals = -1;
-    const int positions = addPositions(mesh, frame.inverse(), &normals);
-    const int index = m_document.addMesh(node.getName());
-    m_document.addPrimitive(index, {{"POSITION", positions}, {"NORMAL", normals}}, addTriangles(mesh), -1);
+    const int index = RyGltfNewMesh(m_document, m_looks, *shapeOf(node), frame.inverse()).write(node.getName());
     m_document.setNodeMeshAndSkin(fileNode, index, -1);
     m_figures.push_back(&node);
 }
@@ -210,18 +176,9 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
         m_document.setNodeMeshAndSkin(holder, knownIndex, skin);
         return;
     }
-    int normals = -1;
-    const int positions = addPositions(*mesh, RyAffine::fromScale(1.0 / m_unit), &normals);
-    std::vector<std::pair<std::string, int>> attributes{{"POSITION", positions}, {"NORMAL", normals}};
     const RyGltfInfluences influences(binding, mesh->getNumVertices());
-    RyGltfInfluenceWriter::Part part;
-    part.places = influences.placesIn(jointOf);
-    const RyGltfInfluenceWriter writer(influences);
-    part.sets = writer.setsNeeded(nullptr);
-    for (auto &attribute : writer.addTo(m_document, part))
-        attributes.push_back(std::move(attribute));
-    const int meshIndex = m_document.addMesh(skeleton.getName());
-    m_document.addPrimitive(meshIndex, attributes, addTriangles(*mesh), -1);
+    RyGltfNewMesh newMesh(m_document, m_looks, *shapeOf(skeleton), RyAffine::fromScale(1.0 / m_unit));
+    const int meshIndex = newMesh.write(skeleton.getName(), &influences, influences.placesIn(jointOf));
     const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
     m_document.setNodeMeshAndSkin(node, meshIndex, skin);
 }
@@ -253,6 +210,10 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
     for (size_t p = 0; p < known.parts.size(); ++p)
         parts.push_back({mesh, int(p), &known.meshParts->parts[p]});
     RyGltfVertexPatch(m_document, *meshOf(node), toFigure).write(parts);
+    for (const RyGltfPartSource &part : known.parts) {
+        if (RyTreeExtras::hasMadeNormals(m_document, part.mesh, part.primitive))
+            RyTreeExtras::storeMadeNormals(m_document, mesh, int(&part - known.parts.data()));
+    }
     return mesh;
 }
 

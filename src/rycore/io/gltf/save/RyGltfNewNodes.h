@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/save/RyGltfNewLooks.h"
 
 #include <QStringList>
 
@@ -10,7 +11,6 @@
 
 class RyAffine;
 class RyBone;
-class RyFacetMesh;
 class RyNode;
 class RyScene;
 class RySkeleton;
@@ -25,7 +25,7 @@ public:
     /// Meshes that came from the file of `source`, which the document is a patched copy of, keep materials, texture
     /// coordinates and whatever else their primitives have.
     RyGltfNewNodes(RyGltfDocument &document, double unit, const RyGltfOrigin *source = nullptr)
-        : m_document(document), m_source(source), m_unit(unit)
+        : m_document(document), m_looks(document), m_source(source), m_unit(unit)
     {}
 
     /// A top-level node with everything below it.
@@ -49,10 +49,9 @@ private:
     const RyGltfFigureSource *knownMesh(const RyNode &node) const;
     int addKnownMesh(const RyNode &node, const RyGltfFigureSource &known, const RyAffine &toFigure);
     void bindKnownMesh(const RyNode &skeleton, int mesh, const RyGltfNodeIndex &jointOf);
-    int addPositions(const RyFacetMesh &mesh, const RyAffine &toMesh, int *normals);
-    int addTriangles(const RyFacetMesh &mesh);
 
     RyGltfDocument &m_document;
+    RyGltfNewLooks m_looks;
     const RyGltfOrigin *m_source;
     double m_unit;
     RyGltfNodeIndex m_nodeOf;

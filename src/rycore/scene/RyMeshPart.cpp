@@ -1,0 +1,51 @@
+#include "rycore/scene/RyMeshPart.h"
+
+#include "rycore/mesh/RyFacetMesh.h"
+
+#include <algorithm>
+#include <numeric>
+
+std::vector<int> RyMeshParts::facetsByPart() const
+{
+    std::vector<int> next; // where the next facet of a part goes
+    int count = 0;
+    for (const RyMeshPart &part : parts) {
+        next.push_back(count);
+        count += part.facetCount;
+    }
+    std::vector<int> facets(static_cast<size_t>(count));
+    if (order.empty()) {
+        std::iota(facets.begin(), facets.end(), 0);
+        return facets;
+    }
+    int facet = 0;
+    for (const Run &run : order) {
+        for (int i = 0; i < run.facetCount; ++i)
+            facets[size_t(next[size_t(run.part)]++)] = facet++;
+    }
+    return facets;
+}
+
+bool RyMeshParts::fits(const RyFacetMesh &mesh) const
+{
+    size_t facetCount = 0;
+    for (const RyMeshPart &part : parts) {
+        facetCount += size_t(part.facetCount);
+        for (const int vertex : part.vertexOfSplit) {
+            if (vertex < 0 || vertex >= mesh.getNumVertices())
+                return false;
+        }
+    }
+    if (parts.empty() || facetCount != size_t(mesh.getNumFacets()))
+        return false;
+    const std::vector<int> facets = facetsByPart();
+    size_t place = 0;
+    for (const RyMeshPart &part : parts) {
+        size_t corners = 0;
+        for (int i = 0; i < part.facetCount; ++i)
+            corners += 3 * size_t(mesh.getFacet(facets[place++]).count() - 2);
+        if (corners != part.triangles.size())
+            return false;
+    }
+    return true;
+}
