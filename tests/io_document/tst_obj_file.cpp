@@ -28,6 +28,8 @@ private slots:
     void statedUnit();
     void malformed_data();
     void malformed();
+    void bytesBehindTheText_data();
+    void bytesBehindTheText();
     void passedOver();
     void patched();
     void composed();
@@ -145,7 +147,11 @@ void RyObjFileTest::malformed_data()
                                    << "line 4: a face with 2 corners (the file is cut off here)";
     QTest::newRow("empty") << QByteArray() << "no vertices";
     QTest::newRow("something else") << QByteArray("hello\nworld\n") << "no vertices";
-    QTest::newRow("binary") << QByteArray("v\0\1\2\n", 5) << "not a text";
+    QTest::newRow("binary") << QByteArray("v\0\1\2\nv 1 2 3\n", 13) << "line 1: the control byte 0; this is not a text";
+    QTest::newRow("control byte") << three + "# \x1a\nf 1 2 3\n"
+                                  << "line 4: the control byte 26;";
+    QTest::newRow("in the last line") << three + "f 1 \x7f 2 3"
+                                      << "line 4: the control byte 127;";
 }
 
 void RyObjFileTest::malformed()
@@ -154,6 +160,28 @@ void RyObjFileTest::malformed()
     QFETCH(QString, message);
     QVERIFY(!parse(text));
     QVERIFY2(m_error.startsWith("some.obj") && m_error.contains(message), qPrintable(m_error));
+}
+
+/// Some programs end a text with a control byte of old, or fill it up with zeros.
+void RyObjFileTest::bytesBehindTheText_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("end of file") << QByteArray("\n\x1a");
+    QTest::newRow("in the last line") << QByteArray("\x1a");
+    QTest::newRow("zeros") << QByteArray("\n\0\0\0\0", 5);
+    QTest::newRow("with ends of lines") << QByteArray("\r\n\x1a\r\n\0\n", 6);
+}
+
+void RyObjFileTest::bytesBehindTheText()
+{
+    QFETCH(QByteArray, end);
+    const QByteArray text = "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3";
+    const auto file = parse(text + end);
+    QVERIFY2(file, qPrintable(m_error));
+    QCOMPARE(file->positions.size(), 3u);
+    QCOMPARE(file->facets.size(), 1u);
+    QVERIFY(file->warnings.isEmpty());
+    QCOMPARE(file->toBytes(), text + end);
 }
 
 void RyObjFileTest::passedOver()

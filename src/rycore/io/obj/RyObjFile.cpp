@@ -38,7 +38,7 @@ void appendName(QByteArray &text, const char *keyword, const std::vector<QString
     text.append(keyword);
     if (index >= 0) {
         text.append(' ');
-        text.append(names[std::size_t(index)].toUtf8());
+        text.append(RyObjFile::plainName(names[std::size_t(index)]).toUtf8());
     }
     text.append('\n');
 }
@@ -94,6 +94,18 @@ std::unique_ptr<RyObjFile> RyObjFile::parse(const QByteArray &text, const QStrin
     file->m_source = text;
     file->m_sourcePositions = file->positions;
     return file;
+}
+
+QString RyObjFile::plainName(const QString &name)
+{
+    QString plain = name;
+    for (QChar &c : plain) {
+        if (c.unicode() < 0x20 || c.unicode() == 0x7f)
+            c = QLatin1Char('_');
+    }
+    if (plain.endsWith(QLatin1Char('\\')))
+        plain.back() = QLatin1Char('_');
+    return plain.trimmed();
 }
 
 std::vector<RyObjFile::Run> RyObjFile::groupRuns() const

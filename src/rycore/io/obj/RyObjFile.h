@@ -56,6 +56,9 @@ public:
     /// `name` stands for the file in the message.
     static std::unique_ptr<RyObjFile> parse(const QByteArray &text, const QString &name, QString *error);
 
+    /// A name as a line of the text can hold it: no control characters, nothing that goes on in the next line.
+    static QString plainName(const QString &name);
+
     std::vector<Run> groupRuns() const;
 
     /// The text that was read with the numbers of the moved vertices replaced; where there is no such text, or its

@@ -1,14 +1,20 @@
 #include "rycore/io/obj/RyObjOrigin.h"
 
+#include "rycore/io/RySafeFile.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/obj/RyObjLooks.h"
+#include "rycore/io/obj/RyObjMeshBuilder.h"
+#include "rycore/io/obj/RyObjSceneWriter.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QHash>
 
 #include <algorithm>
 
@@ -30,70 +36,37 @@ double heightOf(const RyObjFile &file)
     return high[1] - low[1] > 0.01 * largest ? high[1] - low[1] : largest;
 }
 
-/// The file's facets as triangles and quads; polygons of more corners become fans.
-RyFacetMesh *makeMesh(const RyObjFile &file, double unit, int *fans)
+/// Whether the mesh still has the facets and groups of the file.
+bool hasGroupsOf(const RyObjFile &file, const RyFacetMesh &mesh)
 {
-    auto *mesh = new RyFacetMesh;
-    std::vector<RyVec3> positions;
-    positions.reserve(file.positions.size());
-    for (const std::array<double, 3> &p : file.positions)
-        positions.emplace_back(float(p[0] * unit), float(p[1] * unit), float(p[2] * unit));
-    std::vector<RyFacet> facets;
-    std::vector<int> groups;
-    facets.reserve(file.facets.size());
+    if (mesh.getNumFaceGroups() != int(file.groups.size()))
+        return false;
+    for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
+        if (mesh.getFaceGroup(g)->getName() != file.groups[size_t(g)])
+            return false;
+    }
+    int facet = 0;
     for (const RyObjFile::Facet &polygon : file.facets) {
-        const auto corner = [&](int i) { return file.corners[size_t(polygon.firstCorner + i)].vertex; };
-        if (polygon.cornerCount == 4) {
-            facets.push_back({{corner(0), corner(1), corner(2), corner(3)}, -1});
-            groups.push_back(polygon.group);
-            continue;
-        }
-        *fans += polygon.cornerCount > 4;
-        for (int i = 1; i + 1 < polygon.cornerCount; ++i) {
-            facets.push_back({{corner(0), corner(i), corner(i + 1), -1}, -1});
-            groups.push_back(polygon.group);
+        const int count = polygon.cornerCount == 4 ? 1 : polygon.cornerCount - 2;
+        for (const int end = facet + count; facet < end; ++facet) {
+            if (facet >= mesh.getNumFacets() || mesh.getFacet(facet).group != polygon.group)
+                return false;
         }
     }
-    mesh->setPositions(std::move(positions));
-    mesh->setFacets(std::move(facets));
-    for (const QString &group : file.groups)
-        mesh->createFaceGroup(group);
-    mesh->setGroupsOfFacets(groups);
-    return mesh;
+    return facet == mesh.getNumFacets();
 }
 
-/// `places` of the names in the file's list of groups.
-void appendMesh(RyObjFile &file, const RyNode &node, double unit, QHash<QString, int> &places)
+/// What the scene has and this format has no place for.
+QStringList lostParts(const RyScene &scene)
 {
-    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
-    const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
-    if (!mesh)
-        return;
-    const int first = int(file.positions.size());
-    for (const RyVec3 &p : mesh->getPositions())
-        file.positions.push_back({p.x / unit, p.y / unit, p.z / unit});
-    file.objects.push_back(node.getName());
-    const int object = int(file.objects.size()) - 1;
-    std::vector<int> groupPlace;
-    for (int g = 0; g < mesh->getNumFaceGroups(); ++g) {
-        const QString &name = mesh->getFaceGroup(g)->getName();
-        const auto known = places.constFind(name);
-        groupPlace.push_back(known != places.constEnd() ? *known : int(file.groups.size()));
-        if (known != places.constEnd())
-            continue;
-        places.insert(name, groupPlace.back());
-        file.groups.push_back(name);
-    }
-    for (const RyFacet &facet : mesh->getFacets()) {
-        RyObjFile::Facet polygon;
-        polygon.firstCorner = int(file.corners.size());
-        polygon.cornerCount = facet.count();
-        polygon.group = facet.group < 0 ? -1 : groupPlace[size_t(facet.group)];
-        polygon.object = object;
-        for (int corner = 0; corner < facet.count(); ++corner)
-            file.corners.push_back({first + facet.vertices[corner], -1, -1});
-        file.facets.push_back(polygon);
-    }
+    QStringList parts;
+    const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
+    if (std::any_of(nodes.begin(), nodes.end(), [](const RyNode *node) { return qobject_cast<const RyBone *>(node); }))
+        parts << QStringLiteral("bones") << QStringLiteral("weights");
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
+    if (source && !source->document->model().animationNames.empty())
+        parts << QStringLiteral("clips");
+    return parts;
 }
 
 } // namespace
@@ -108,9 +81,12 @@ std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
     origin->m_path = path;
     const double stated = origin->m_file->statedUnit;
     origin->m_unit = unit > 0.0 ? unit : stated > 0.0 ? stated : ryUnitFactor(1.0, heightOf(*origin->m_file));
-    int fans = 0;
-    auto *mesh = makeMesh(*origin->m_file, origin->m_unit, &fans);
-    auto *shape = new RyFacetShape(mesh);
+    RyObjLooks looks(QFileInfo(path).absolutePath(), messages);
+    for (const QString &library : origin->m_file->materialLibraries)
+        looks.readLibraries(library);
+    RyObjMeshBuilder builder(*origin->m_file, origin->m_unit, looks);
+    RyFacetShape *shape = builder.makeShape();
+    const RyFacetMesh *mesh = shape->getFacetMesh();
     auto *object = new RyObject;
     object->addShape(shape);
     auto *prop = new RyNode;
@@ -120,52 +96,77 @@ std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
     const RyBox3 box = mesh->getBoundingBox();
     prop->setOrigin({box.getCenter().x, box.getMin().y, box.getCenter().z}, true);
     prop->setEndPoint({box.getCenter().x, box.getMax().y, box.getCenter().z}, true);
-    origin->m_node = prop;
+    origin->m_shape = shape;
+    origin->m_companions = looks.files();
     origin->m_loadedPositions = mesh->getPositions();
     tops->emplace_back(prop);
     if (messages) {
         messages->append(origin->m_file->warnings);
-        if (fans > 0)
-            messages->append(QStringLiteral("%1 polygons of more than four corners are shown as triangles").arg(fans));
+        if (builder.cutCount() > 0)
+            messages->append(
+                QStringLiteral("%1 polygons of more than four corners are shown as triangles").arg(builder.cutCount()));
     }
     return origin;
 }
 
 bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error, QStringList *messages)
 {
-    const auto *source = dynamic_cast<const RyObjOrigin *>(scene.getOrigin());
-    const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
-    const bool hasBones = std::any_of(nodes.begin(), nodes.end(),
-                                      [](const RyNode *node) { return qobject_cast<const RyBone *>(node) != nullptr; });
-    if (hasBones && messages)
-        messages->append(
-            QStringLiteral("%1: this format has no place for bones and weights; only the meshes were written")
-                .arg(path));
-
-    const auto meshes = std::count_if(nodes.begin(), nodes.end(), [](const RyNode *node) { return node->getObject(); });
-    const auto *shape = source && source->m_node
-                            ? qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(source->m_node))
-                            : nullptr;
-    if (shape && meshes == 1) {
-        RyObjFile file = *source->m_file;
-        const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
-        for (size_t i = 0; i < positions.size() && i < file.positions.size(); ++i) {
-            if (positions[i] == source->m_loadedPositions[i])
-                continue;
-            file.positions[i] = {positions[i].x / source->m_unit, positions[i].y / source->m_unit,
-                                 positions[i].z / source->m_unit};
-        }
-        return file.write(path, error);
+    const QStringList lost = lostParts(scene);
+    if (!lost.isEmpty() && messages) {
+        const QString all = lost.mid(0, lost.size() - 1).join(QStringLiteral(", "));
+        messages->append(QStringLiteral("%1: this format has no place for %2; only the meshes were written")
+                             .arg(path, all.isEmpty() ? lost.last() : all + QStringLiteral(" and ") + lost.last()));
     }
-    RyObjFile file;
-    const double unit = scene.getOrigin() ? scene.getOrigin()->unitFactor() : 1.0;
-    QHash<QString, int> groupPlaces;
-    for (const RyNode *node : nodes)
-        appendMesh(file, *node, unit, groupPlaces);
-    if (file.positions.empty()) {
-        if (error)
-            *error = QStringLiteral("%1: the scene holds no mesh, and this format nothing else").arg(path);
+    const auto *source = dynamic_cast<const RyObjOrigin *>(scene.getOrigin());
+    if (source && source->isOnlyMeshOf(scene))
+        return source->saveText(path, error);
+    return RyObjSceneWriter(scene.getOrigin() ? scene.getOrigin()->unitFactor() : 1.0).write(scene, path, error);
+}
+
+/// Whether the scene shows the file's mesh, facet by facet, and no other.
+bool RyObjOrigin::isOnlyMeshOf(const RyScene &scene) const
+{
+    if (!m_shape || !m_shape->getFacetMesh() || !hasGroupsOf(*m_file, *m_shape->getFacetMesh()) ||
+        m_shape->getFacetMesh()->getNumVertices() != int(m_loadedPositions.size()))
         return false;
+    bool isShown = false;
+    for (const RyNode *node : scene.getNodesInTreeOrder()) {
+        if (node->getObject() && RyShape::getCurrentShapeForNode(node) != m_shape)
+            return false;
+        isShown = isShown || node->getObject();
+    }
+    return isShown;
+}
+
+bool RyObjOrigin::saveText(const QString &path, QString *error) const
+{
+    if (!copyCompanions(path, error))
+        return false;
+    RyObjFile file = *m_file;
+    const std::vector<RyVec3> &positions = m_shape->getFacetMesh()->getPositions();
+    for (size_t i = 0; i < positions.size() && i < file.positions.size(); ++i) {
+        if (positions[i] == m_loadedPositions[i])
+            continue;
+        file.positions[i] = {positions[i].x / m_unit, positions[i].y / m_unit, positions[i].z / m_unit};
     }
     return file.write(path, error);
+}
+
+/// In another folder the text needs its libraries and pictures as well; what is there already stays.
+bool RyObjOrigin::copyCompanions(const QString &path, QString *error) const
+{
+    const QDir from(QFileInfo(m_path).absolutePath());
+    const QDir to(QFileInfo(path).absolutePath());
+    if (from.canonicalPath() == to.canonicalPath())
+        return true;
+    for (const QString &name : m_companions) {
+        const QFileInfo target(to.filePath(name));
+        QFile file(from.filePath(name));
+        if (target.exists() || !file.open(QIODevice::ReadOnly))
+            continue;
+        to.mkpath(QFileInfo(name).path());
+        if (!RySafeFile::write(target.filePath(), file.readAll(), error))
+            return false;
+    }
+    return true;
 }

@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyRefCounted.h"
 #include "rycore/io/obj/RyObjFile.h"
+#include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RySceneOrigin.h"
 
@@ -20,14 +21,19 @@ public:
     /// Null with a message when the file must be refused; otherwise `tops` gets the prop, not yet in a scene.
     static std::unique_ptr<RyObjOrigin> read(const QString &path, double unit, std::vector<RyRef<RyNode>> *tops,
                                              QString *error, QStringList *messages);
-    /// Saves the rest meshes of all props and figures. A scene that came from an OBJ file keeps that file's text, with
-    /// the numbers of moved vertices replaced; bones have no place in this format, which a message says.
+    /// Saves the rest meshes of all props and figures. Where the scene shows the mesh of an OBJ file, that file's text
+    /// is kept, with the numbers of moved vertices replaced. What has no place in this format, a message says.
     static bool save(const RyScene &scene, const QString &path, QString *error, QStringList *messages);
 
 private:
+    bool isOnlyMeshOf(const RyScene &scene) const;
+    bool saveText(const QString &path, QString *error) const;
+    bool copyCompanions(const QString &path, QString *error) const;
+
     QString m_path;
     double m_unit = 1.0;
     std::unique_ptr<RyObjFile> m_file;
-    QPointer<RyNode> m_node;
+    QPointer<RyFacetShape> m_shape;
+    QStringList m_companions; // libraries and pictures, from the file's folder on
     std::vector<RyVec3> m_loadedPositions;
 };

@@ -1,5 +1,6 @@
 #include "rycore/io/obj/RyObjParser.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -11,6 +12,22 @@ constexpr double largestNumber = 1e30;
 bool isBlank(char c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
+}
+
+bool isControl(char c)
+{
+    return (static_cast<unsigned char>(c) < 0x20 && !isBlank(c) && c != '\n') || c == 0x7f;
+}
+
+/// Some programs end a text with a control byte of old, or fill it up with zeros.
+std::size_t endOfText(std::string_view text)
+{
+    std::size_t end = text.size();
+    while (end > 0 && (isControl(text[end - 1]) || isBlank(text[end - 1]) || text[end - 1] == '\n'))
+        --end;
+    while (end < text.size() && !isControl(text[end]))
+        ++end;
+    return end;
 }
 
 std::string_view trimmed(std::string_view text)
@@ -85,9 +102,22 @@ void RyObjParser::warn(int line, const QString &text)
     ++m_warningCount;
 }
 
+bool RyObjParser::checkText()
+{
+    const std::string_view text = m_text.substr(0, endOfText(m_text));
+    const auto found = std::find_if(text.begin(), text.end(), isControl);
+    if (found == text.end())
+        return true;
+    return failAt(
+        1 + int(std::count(text.begin(), found, '\n')),
+        QStringLiteral("the control byte %1; this is not a text").arg(int(static_cast<unsigned char>(*found))));
+}
+
 bool RyObjParser::parse()
 {
-    std::string_view rest = m_text;
+    if (!checkText())
+        return false;
+    std::string_view rest = m_text.substr(0, endOfText(m_text));
     if (rest.substr(0, 3) == "\xef\xbb\xbf")
         rest.remove_prefix(3);
     int lineNumber = 0;
@@ -132,8 +162,6 @@ bool RyObjParser::readLine(std::string_view line)
         rememberUnit(line);
         return true;
     }
-    if (keyword.find('\0') != std::string_view::npos)
-        return fail(QStringLiteral("this is not a text"));
     if (keyword == "v")
         return readVertex(line);
     if (keyword == "vt") {

@@ -20,6 +20,8 @@ public:
     const QString &error() const { return m_error; }
 
 private:
+    /// No control bytes but behind the last line.
+    bool checkText();
     bool readLine(std::string_view line);
     /// For what does not matter for the shape: numbers that cannot be read are 0, with a warning.
     void readLooseNumbers(std::string_view line, double out[3], int least, const char *what);

@@ -1,0 +1,266 @@
+#include "rycore/io/obj/RyObjSceneWriter.h"
+
+#include "rycore/io/RyPictureBytes.h"
+#include "rycore/io/RySafeFile.h"
+#include "rycore/io/obj/RyKeyTable.h"
+#include "rycore/io/obj/RyObjNumbers.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyScene.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <bit>
+
+namespace {
+
+constexpr const char *FirstLine = "# Materials of the OBJ file of this name, written with it\n";
+
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// A name for a file of one's own, without a folder.
+QString fileName(const QString &wanted)
+{
+    QString name;
+    for (const QChar c : wanted)
+        name += c.isLetterOrNumber() || c == QLatin1Char('-') || c == QLatin1Char('.') ? c : QLatin1Char('_');
+    while (name.startsWith(QLatin1Char('.')))
+        name.remove(0, 1);
+    return name.left(100);
+}
+
+QByteArray numbersText(const float *numbers, int count)
+{
+    QByteArray text;
+    for (int i = 0; i < count; ++i)
+        text += ' ' + QByteArray::number(double(numbers[i]), 'g', 7);
+    return text;
+}
+
+} // namespace
+
+void RyObjSceneWriter::addPositions(const std::vector<RyVec3> &positions)
+{
+    for (const RyVec3 &p : positions) {
+        m_file.positions.push_back({RyObjNumbers::inUnits(p.x, m_unit), RyObjNumbers::inUnits(p.y, m_unit),
+                                    RyObjNumbers::inUnits(p.z, m_unit)});
+    }
+}
+
+void RyObjSceneWriter::addGroups(const RyFacetMesh &mesh)
+{
+    m_groupPlaces.clear();
+    for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
+        const QString &name = mesh.getFaceGroup(g)->getName();
+        const auto known = m_places.constFind(name);
+        m_groupPlaces.push_back(known != m_places.constEnd() ? *known : int(m_file.groups.size()));
+        if (known != m_places.constEnd())
+            continue;
+        m_places.insert(name, m_groupPlaces.back());
+        m_file.groups.push_back(name);
+    }
+}
+
+void RyObjSceneWriter::addMesh(const QString &name, const RyFacetShape &shape)
+{
+    const RyFacetMesh &mesh = *shape.getFacetMesh();
+    const int firstVertex = int(m_file.positions.size());
+    addPositions(mesh.getPositions());
+    addGroups(mesh);
+    m_file.objects.push_back(name);
+    const int object = int(m_file.objects.size()) - 1;
+    if (shape.getParts() && shape.getParts()->fits(mesh)) {
+        addPartFacets(shape, firstVertex, object);
+        return;
+    }
+    for (const RyFacet &facet : mesh.getFacets()) {
+        const int firstCorner = int(m_file.corners.size());
+        for (int corner = 0; corner < facet.count(); ++corner)
+            m_file.corners.push_back({firstVertex + facet.vertices[corner], -1, -1});
+        m_file.facets.push_back(
+            {firstCorner, facet.count(), facet.group < 0 ? -1 : m_groupPlaces[size_t(facet.group)], object, -1});
+    }
+}
+
+/// Equal ones once. `places`: per split vertex.
+void RyObjSceneWriter::addCoordinates(const RyMeshPart &part, std::vector<int> &places)
+{
+    const int first = int(m_file.texcoords.size());
+    RyKeyTable table;
+    for (size_t i = 0; i + 1 < part.uvs.size(); i += 2) {
+        const float u = part.uvs[i] + 0.0f;
+        const float v = part.uvs[i + 1] + 0.0f;
+        const int number = table.numberOf({std::bit_cast<std::int32_t>(u), std::bit_cast<std::int32_t>(v)});
+        if (first + number == int(m_file.texcoords.size()))
+            m_file.texcoords.push_back({RyObjNumbers::shortest(u), RyObjNumbers::upwards(v)});
+        places.push_back(first + number);
+    }
+    places.resize(part.vertexOfSplit.size(), -1);
+}
+
+void RyObjSceneWriter::addNormals(const RyPartNormals &shown, const RyMeshPart &part, std::vector<int> &places)
+{
+    const int first = int(m_file.normals.size());
+    RyKeyTable table;
+    for (const RyVec3 &normal : part.normals.empty() ? std::vector<RyVec3>() : shown.of(part)) {
+        const int number =
+            table.numberOf({std::bit_cast<std::int32_t>(normal.x + 0.0f), std::bit_cast<std::int32_t>(normal.y + 0.0f),
+                            std::bit_cast<std::int32_t>(normal.z + 0.0f)});
+        if (first + number == int(m_file.normals.size())) {
+            m_file.normals.push_back({RyObjNumbers::shortest(normal.x + 0.0f), RyObjNumbers::shortest(normal.y + 0.0f),
+                                      RyObjNumbers::shortest(normal.z + 0.0f)});
+        }
+        places.push_back(first + number);
+    }
+    places.resize(part.vertexOfSplit.size(), -1);
+}
+
+void RyObjSceneWriter::addPartFacets(const RyFacetShape &shape, int firstVertex, int object)
+{
+    const RyFacetMesh &mesh = *shape.getFacetMesh();
+    const RyMeshParts &parts = *shape.getParts();
+    std::vector<RyObjFile::Facet> facets(static_cast<size_t>(mesh.getNumFacets()));
+    const std::vector<int> facetsByPart = parts.facetsByPart();
+    auto next = facetsByPart.begin();
+    const RyPartNormals shown(shape);
+    for (const RyMeshPart &part : parts.parts) {
+        std::vector<int> coordinates, normals;
+        addCoordinates(part, coordinates);
+        addNormals(shown, part, normals);
+        const int material = materialOf(parts, part.look);
+        const unsigned *triangle = part.triangles.data();
+        for (int i = 0; i < part.facetCount; ++i, ++next) {
+            const RyFacet &facet = mesh.getFacet(*next);
+            const int count = facet.count();
+            const unsigned splits[4] = {triangle[0], triangle[1], triangle[2], count == 4 ? triangle[5] : 0};
+            triangle += 3 * (count - 2);
+            // The fan may start at another corner than the facet.
+            const auto isTurnedBy = [&](int turn) {
+                for (int k = 0; k < count; ++k) {
+                    if (part.vertexOfSplit[splits[(k + turn) % count]] != facet.vertices[k])
+                        return false;
+                }
+                return true;
+            };
+            int turn = 0;
+            while (turn < count && !isTurnedBy(turn))
+                ++turn;
+            facets[size_t(*next)] = {int(m_file.corners.size()), count,
+                                     facet.group < 0 ? -1 : m_groupPlaces[size_t(facet.group)], object, material};
+            for (int k = 0; k < count; ++k) {
+                const unsigned split = splits[(k + turn) % count];
+                m_file.corners.push_back({firstVertex + part.vertexOfSplit[split], coordinates[split], normals[split]});
+            }
+        }
+    }
+    m_file.facets.insert(m_file.facets.end(), facets.begin(), facets.end());
+}
+
+int RyObjSceneWriter::materialOf(const RyMeshParts &parts, int look)
+{
+    if (look < 0 || size_t(look) >= parts.looks.size())
+        return -1;
+    const RyMaterialLook &wanted = parts.looks[size_t(look)];
+    std::vector<int> &known = m_ofLookName[wanted.name];
+    for (const int place : known) {
+        const RyMaterialLook &other = *m_materials[size_t(place)].look;
+        if (other.baseColor == wanted.baseColor && other.picture == wanted.picture && other.texture == wanted.texture)
+            return place;
+    }
+    known.push_back(int(m_materials.size()));
+    const QString stem = RyObjFile::plainName(wanted.name.isEmpty() ? QStringLiteral("material") : wanted.name);
+    QString name = stem;
+    for (int number = 2; m_materialNames.contains(name); ++number)
+        name = stem + QString::number(number);
+    m_materialNames.insert(name);
+    m_materials.push_back({name, &wanted});
+    m_file.materials.push_back(name);
+    return int(m_materials.size()) - 1;
+}
+
+QString RyObjSceneWriter::writePicture(const QString &folder, const RyMaterialLook &look, QString *error)
+{
+    QString type;
+    const QByteArray bytes = ryPictureBytes(look, &type);
+    if (m_pictures.contains(bytes))
+        return m_pictures.value(bytes);
+    const QString ending = type == QLatin1String("image/jpeg") ? QStringLiteral(".jpg") : QStringLiteral(".png");
+    QString stem = fileName(look.pictureName.isEmpty() ? look.name : look.pictureName);
+    if (QFileInfo(stem).suffix().size() <= 4 && stem.contains(QLatin1Char('.')))
+        stem = QFileInfo(stem).completeBaseName();
+    if (stem.isEmpty())
+        stem = QStringLiteral("picture");
+    // Another picture of that name stays.
+    QString name = stem + ending;
+    for (int number = 2; QFileInfo::exists(folder + QLatin1Char('/') + name); ++number) {
+        if (bytesOf(folder + QLatin1Char('/') + name) == bytes) {
+            m_pictures.insert(bytes, name);
+            return name;
+        }
+        name = stem + QLatin1Char('_') + QString::number(number) + ending;
+    }
+    if (!RySafeFile::write(folder + QLatin1Char('/') + name, bytes, error))
+        return {};
+    m_pictures.insert(bytes, name);
+    return name;
+}
+
+/// Empty when its picture cannot be written.
+QByteArray RyObjSceneWriter::materialText(const QString &folder, const Material &material, QString *error)
+{
+    const RyMaterialLook &look = *material.look;
+    QByteArray text = "\nnewmtl " + material.name.toUtf8() + "\nKd" + numbersText(look.baseColor.data(), 3) + '\n';
+    if (look.baseColor[3] < 1.0f)
+        text += "d" + numbersText(&look.baseColor[3], 1) + '\n';
+    if (look.texture.isNull())
+        return text;
+    const QString picture = writePicture(folder, look, error);
+    return picture.isEmpty() ? QByteArray() : text + "map_Kd " + picture.toUtf8() + '\n';
+}
+
+bool RyObjSceneWriter::writeLibrary(const QString &path, QString *error)
+{
+    const QFileInfo target(path);
+    const QString folder = target.absolutePath();
+    QByteArray text = FirstLine;
+    for (const Material &material : m_materials) {
+        const QByteArray piece = materialText(folder, material, error);
+        if (piece.isEmpty())
+            return false;
+        text += piece;
+    }
+    // A library that somebody else wrote may say more than we know of.
+    const QString stem = target.completeBaseName();
+    QString name = stem + QStringLiteral(".mtl");
+    const auto isForeign = [&] {
+        const QString there = folder + QLatin1Char('/') + name;
+        return QFileInfo::exists(there) && !bytesOf(there).startsWith(FirstLine);
+    };
+    for (int number = 2; isForeign(); ++number)
+        name = stem + QLatin1Char('_') + QString::number(number) + QStringLiteral(".mtl");
+    m_file.materialLibraries.append(name);
+    return RySafeFile::write(folder + QLatin1Char('/') + name, text, error);
+}
+
+bool RyObjSceneWriter::write(const RyScene &scene, const QString &path, QString *error)
+{
+    for (const RyNode *node : scene.getNodesInTreeOrder()) {
+        const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
+        if (shape && shape->getFacetMesh())
+            addMesh(node->getName(), *shape);
+    }
+    if (m_file.positions.empty()) {
+        if (error)
+            *error = QStringLiteral("%1: the scene holds no mesh, and this format nothing else").arg(path);
+        return false;
+    }
+    if (!m_materials.empty() && !writeLibrary(path, error))
+        return false;
+    return m_file.write(path, error);
+}
