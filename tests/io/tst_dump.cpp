@@ -92,6 +92,28 @@ struct Everything
     }
 };
 
+/// Parts of the mesh with a picture, texture coordinates and normals; an edit of them.
+void setParts(Everything &s, const std::function<void(RyMeshParts &)> &edit)
+{
+    auto parts = std::make_shared<RyMeshParts>();
+    parts->parts.resize(1);
+    RyMeshPart &part = parts->parts[0];
+    part.facetCount = 2;
+    part.look = 0;
+    part.vertexOfSplit = {0, 1, 2, 3, 4, 2};
+    part.normalOfSplit = {0, 1, 2, 3, 4, 5};
+    part.uvs = {0, 0, 1, 0, 1, 0.5f, 0, 0.25f, 0.5f, 1, 0.75f, 0.5f};
+    part.normals.assign(6, RyVec3(0, 0.6f, 0.8f));
+    part.triangles = {0, 1, 2, 0, 2, 3, 5, 4, 3};
+    parts->normalCount = 6;
+    parts->looks.resize(1);
+    parts->looks[0].name = QStringLiteral("skin");
+    parts->looks[0].texture = QImage(2, 3, QImage::Format_RGB32);
+    parts->looks[0].texture.fill(Qt::red);
+    edit(*parts);
+    s.shape->setParts(parts);
+}
+
 using Edit = std::pair<const char *, std::function<void(Everything &)>>;
 
 std::vector<Edit> undoableEdits()
@@ -243,6 +265,49 @@ private slots:
             QVERIFY2(rySceneDump(s.scene) == after, name);
             ryUndoStack()->clearAll();
         }
+    }
+
+    /// What a file gives a mesh to look like, each of it changed once.
+    void everyPart()
+    {
+        const std::vector<std::function<void(RyMeshParts &)>> edits = {
+            [](RyMeshParts &) {},
+            [](RyMeshParts &p) { p.parts[0].uvs[3] = 0.125f; },
+            [](RyMeshParts &p) { p.parts[0].uvs.clear(); },
+            [](RyMeshParts &p) { p.parts[0].normals[4] = RyVec3(0, 1, 0); },
+            [](RyMeshParts &p) { std::swap(p.parts[0].normals[4] = RyVec3(0, 1, 0), p.parts[0].normals[2]); },
+            [](RyMeshParts &p) { p.parts[0].normals.clear(); },
+            [](RyMeshParts &p) { p.parts[0].look = -1; },
+            [](RyMeshParts &p) { p.looks[0].name = QStringLiteral("cloth"); },
+            [](RyMeshParts &p) { p.looks[0].baseColor[3] = 0.5f; },
+            [](RyMeshParts &p) { p.looks[0].doubleSided = true; },
+            [](RyMeshParts &p) { p.looks[0].texture = QImage(); },
+            [](RyMeshParts &p) { p.looks[0].texture.setPixelColor(1, 2, Qt::blue); },
+        };
+        std::set<QString> texts{rySceneDump(Everything().scene)};
+        for (const auto &edit : edits) {
+            Everything a, b;
+            setParts(a, edit);
+            setParts(b, edit);
+            QCOMPARE(rySceneDump(a.scene), rySceneDump(b.scene));
+            QVERIFY(texts.insert(rySceneDump(a.scene)).second);
+        }
+    }
+
+    /// A polygon is the same one wherever it starts, and another one when it runs the other way round.
+    void startOfPolygons()
+    {
+        const auto withFacets = [](const std::vector<RyFacet> &facets) {
+            Everything s;
+            s.mesh->setFacets(facets);
+            return rySceneDump(s.scene);
+        };
+        const QString dump = withFacets({{{0, 1, 2, 3}, -1}, {{2, 4, 3, -1}, -1}});
+        QCOMPARE(withFacets({{{2, 3, 0, 1}, -1}, {{3, 2, 4, -1}, -1}}), dump);
+        QCOMPARE(withFacets({{{1, 2, 3, 0}, -1}, {{4, 3, 2, -1}, -1}}), dump);
+        QVERIFY(withFacets({{{0, 3, 2, 1}, -1}, {{2, 4, 3, -1}, -1}}) != dump);
+        QVERIFY(withFacets({{{0, 1, 3, 2}, -1}, {{2, 4, 3, -1}, -1}}) != dump);
+        QVERIFY(withFacets({{{0, 1, 2, 3}, -1}, {{2, 3, 4, -1}, -1}}) != dump);
     }
 
     void everyOtherEdit()

@@ -27,6 +27,8 @@ private slots:
     void numbersThatAreNotFinite();
     void influencesAreRepaired();
     void verticesAtOnePlaceAreToldApart();
+    void polygons_data();
+    void polygons();
     void image();
     void transform();
     void scenes();
@@ -278,6 +280,52 @@ void RyGltfReadingTest::verticesAtOnePlaceAreToldApart()
         QVERIFY(part.normalOfSplit[size_t(i + 2 * Weightings)] != part.normalOfSplit[size_t(i)]);
     }
     QVERIFY2(builder.comparisons < 20 * Weightings, qPrintable(QString::number(builder.comparisons)));
+}
+
+void RyGltfReadingTest::polygons_data()
+{
+    QTest::addColumn<std::vector<std::uint32_t>>("indices");
+    QTest::addColumn<std::vector<int>>("corners");
+    using Indices = std::vector<std::uint32_t>;
+    using Corners = std::vector<int>;
+    QTest::newRow("quads") << Indices{0, 1, 2, 0, 2, 3, 4, 5, 1, 4, 1, 0} << Corners{4, 4};
+    QTest::newRow("next begins elsewhere than the last ended") << Indices{0, 1, 2, 0, 3, 4} << Corners{3, 3};
+    QTest::newRow("larger ones stay cut")
+        << Indices{0, 1, 2, 0, 2, 3, 0, 3, 4, 1, 2, 3, 1, 3, 5} << Corners{3, 3, 3, 4};
+    // The vertices 0 and 6 are one in the scene, and two in the file.
+    QTest::newRow("before welding") << Indices{0, 1, 2, 6, 2, 3} << Corners{3, 3};
+    QTest::newRow("nothing behind") << Indices{0, 1, 2, 1, 2, 3, 1, 3, 4} << Corners{3, 4};
+}
+
+/// Polygons are read only where the primitive says that it has some.
+void RyGltfReadingTest::polygons()
+{
+    QFETCH(std::vector<std::uint32_t>, indices);
+    QFETCH(std::vector<int>, corners);
+    for (const bool isMarked : {true, false}) {
+        const std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+        std::vector<float> positions;
+        for (int i = 0; i < 6; ++i)
+            positions.insert(positions.end(), {float(i % 2), float(i / 2), 0.1f * float(i)});
+        positions.insert(positions.end(), {0.0f, 0.0f, 0.0f});
+        document->addMesh(QStringLiteral("net"));
+        document->addPrimitive(0, {{"POSITION", document->addFloatAccessor(positions, 3, 34962, true)}},
+                               document->addUintAccessor(indices, 1, 5125, 34963), -1);
+        document->json()["extensionsUsed"] = {"FB_ngon_encoding"};
+        if (isMarked)
+            document->markFans(0, 0);
+        const auto again = reopened(*document);
+        QVERIFY2(again, qPrintable(m_error));
+        RyGltfMeshBuilder builder(*again);
+        builder.addPart(0, 0, QStringLiteral("net"), {}, RyAffine(), 0);
+        QCOMPARE(builder.positions.size(), size_t(6));
+        std::vector<int> read;
+        for (const RyFacet &facet : builder.facets)
+            read.push_back(facet.count());
+        QCOMPARE(read, isMarked ? corners : std::vector<int>(indices.size() / 3, 3));
+        QCOMPARE(builder.parts.parts[0].facetCount, int(read.size()));
+        QCOMPARE(builder.parts.parts[0].triangles, indices);
+    }
 }
 
 void RyGltfReadingTest::image()

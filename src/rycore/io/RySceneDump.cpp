@@ -253,8 +253,6 @@ private:
             if (!hasLook && part.uvs.empty() && part.normals.empty())
                 continue;
             m_out << "    part of " << part.facetCount;
-            if (hasLook)
-                writeLook(parts.looks[size_t(part.look)]);
             if (!part.uvs.empty()) {
                 Hash uvs;
                 for (const float number : part.uvs)
@@ -273,18 +271,21 @@ private:
                       << number(sum[2]);
             }
             m_out << '\n';
+            if (hasLook)
+                writeLook(parts.looks[size_t(part.look)]);
         }
     }
 
     void writeLook(const RyMaterialLook &look)
     {
-        m_out << " look " << quoted(look.name);
+        m_out << "      look " << quoted(look.name);
         for (const float share : look.baseColor)
             m_out << ' ' << number(double(share));
         if (look.doubleSided)
             m_out << " double";
         if (!look.texture.isNull())
             m_out << " picture " << pictureHash(look.texture);
+        m_out << '\n';
     }
 
     void writeMap(const char *kind, const RyWeightMap *map)

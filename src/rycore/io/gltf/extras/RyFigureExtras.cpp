@@ -109,7 +109,7 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
 {
     const Json *stored = figureJson(document, figure);
     const Json *groups = stored ? find(*stored, "faceGroups") : nullptr;
-    if (!groups || !groups->is_array() || groups->empty())
+    if (!groups || !groups->is_array())
         return false;
     const std::vector<int> triangles = firstTriangles(mesh);
     const int triangleCount = triangles.back();
