@@ -2,7 +2,7 @@
 
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/RyUnitFactor.h"
-#include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/obj/RyObjLooks.h"
 #include "rycore/io/obj/RyObjMeshBuilder.h"
 #include "rycore/io/obj/RyObjSceneWriter.h"
@@ -63,8 +63,9 @@ QStringList lostParts(const RyScene &scene)
     const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
     if (std::any_of(nodes.begin(), nodes.end(), [](const RyNode *node) { return qobject_cast<const RyBone *>(node); }))
         parts << QStringLiteral("bones") << QStringLiteral("weights");
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
-    if (source && !source->document->model().animationNames.empty())
+    const std::vector<const RyGltfOrigin *> sources = RyGltfJoin::liveOrigins(scene);
+    if (std::any_of(sources.begin(), sources.end(),
+                    [](const RyGltfOrigin *source) { return !source->document->model().animationNames.empty(); }))
         parts << QStringLiteral("clips");
     return parts;
 }
