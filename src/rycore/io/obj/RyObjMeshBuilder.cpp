@@ -50,9 +50,12 @@ bool RyObjMeshBuilder::needsParts() const
 {
     if (m_file.facets.empty())
         return false;
-    return std::any_of(m_file.materials.begin(), m_file.materials.end(),
-                       [](const QString &name) { return !name.isEmpty(); }) ||
-           std::any_of(m_file.corners.begin(), m_file.corners.end(),
+    if (std::any_of(m_file.materials.begin(), m_file.materials.end(),
+                    [](const QString &name) { return !name.isEmpty(); }))
+        return true;
+    if (m_file.texcoords.empty() && m_file.normals.empty())
+        return false;
+    return std::any_of(m_file.corners.begin(), m_file.corners.end(),
                        [](const RyObjFile::Corner &corner) { return corner.texcoord >= 0 || corner.normal >= 0; });
 }
 

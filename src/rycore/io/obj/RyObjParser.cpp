@@ -14,9 +14,28 @@ bool isBlank(char c)
     return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f';
 }
 
+/// Neither a blank nor the end of a line.
 bool isControl(char c)
 {
-    return (static_cast<unsigned char>(c) < 0x20 && !isBlank(c) && c != '\n') || c == 0x7f;
+    const auto byte = static_cast<unsigned char>(c);
+    return int(byte < 0x09) | int(static_cast<unsigned char>(byte - 0x0e) < 0x12) | int(byte == 0x7f);
+}
+
+/// Where the first control byte stands; the text's size without one.
+std::size_t findControl(std::string_view text)
+{
+    constexpr std::size_t Block = 64; // a loop of fixed length, without a way out, is done in wide registers
+    std::size_t at = 0;
+    for (; at + Block <= text.size(); at += Block) {
+        unsigned char found = 0;
+        for (std::size_t i = 0; i < Block; ++i)
+            found |= static_cast<unsigned char>(isControl(text[at + i]));
+        if (found)
+            break;
+    }
+    while (at < text.size() && !isControl(text[at]))
+        ++at;
+    return at;
 }
 
 /// Some programs end a text with a control byte of old, or fill it up with zeros.
@@ -105,9 +124,10 @@ void RyObjParser::warn(int line, const QString &text)
 bool RyObjParser::checkText()
 {
     const std::string_view text = m_text.substr(0, endOfText(m_text));
-    const auto found = std::find_if(text.begin(), text.end(), isControl);
-    if (found == text.end())
+    const std::size_t at = findControl(text);
+    if (at == text.size())
         return true;
+    const auto found = text.begin() + std::ptrdiff_t(at);
     return failAt(
         1 + int(std::count(text.begin(), found, '\n')),
         QStringLiteral("the control byte %1; this is not a text").arg(int(static_cast<unsigned char>(*found))));
