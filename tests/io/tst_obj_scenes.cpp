@@ -262,14 +262,20 @@ void ObjScenesTest::propOfGltfBecomesFigure()
 {
     RyScene scene;
     QString error;
-    QVERIFY2(RySceneFile::open(&scene, ObjSketch::write(m_folder), &error), qPrintable(error));
-    QVERIFY2(RySceneFile::save(&scene, path("prop.glb"), &error), qPrintable(error));
-    CharacterScene prop(path("prop.glb"));
-    ObjSketch::convert(prop.scene);
-    QVERIFY2(RySceneFile::save(&prop.scene, path("made figure.glb"), &error), qPrintable(error));
+    const QString sketch = ObjSketch::write(m_folder);
+    QVERIFY2(RySceneFile::open(&scene, sketch, &error), qPrintable(error));
+    RySceneFile::Options beside;
+    beside.merge = true;
+    QVERIFY2(RySceneFile::open(&scene, sketch, beside, &error), qPrintable(error)); // keeps its place in the file
+    QVERIFY2(RySceneFile::save(&scene, path("props.glb"), &error), qPrintable(error));
+    CharacterScene props(path("props.glb"));
+    QCOMPARE(props.file.tree()["materials"].size(), size_t(3)); // both look alike
+    QCOMPARE(props.file.tree()["images"].size(), size_t(2));
+    ObjSketch::convert(props.scene);
+    QVERIFY2(RySceneFile::save(&props.scene, path("made figure.glb"), &error), qPrintable(error));
     CharacterScene again(path("made figure.glb"));
+    QVERIFY(sameDumps(plainDump(again.scene), plainDump(props.scene)));
     QCOMPARE(quadCount(*shapeOf(again.scene)->getFacetMesh()), ObjSketch::Quads);
-    QVERIFY(sameDumps(plainDump(again.scene), plainDump(prop.scene)));
     checkValid(path("made figure.glb"));
 }
 
