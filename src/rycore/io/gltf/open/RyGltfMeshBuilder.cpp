@@ -40,8 +40,8 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
         weld(splits, result);
         shareNormals(splits, firstVertex, result);
         addVertices(splits, firstVertex, toFigure);
-        if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(m_document, meshIndex, primitiveIndex))
-            addNormals(primitive.normals, toFigure, result);
+        if (splits.normals() && !RyTreeExtras::hasMadeNormals(m_document, meshIndex, primitiveIndex))
+            addNormals(splits, toFigure, result);
         result.hasFans = primitive.hasFans;
         addFacets(ryGltfReadTriangles(m_document, primitive, splits.count()), result);
     }
@@ -207,14 +207,14 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
 }
 
 /// Directions of the file in figure space. A normal stands upright on the surface, however the surface is stretched.
-void RyGltfMeshBuilder::addNormals(int accessor, const RyAffine &toFigure, RyMeshPart &result) const
+void RyGltfMeshBuilder::addNormals(const RyGltfSplitVertices &splits, const RyAffine &toFigure,
+                                   RyMeshPart &result) const
 {
-    const std::vector<float> normals = m_document.readFloats(accessor);
     const RyAffine back = toFigure.inverse();
-    result.normals.resize(result.vertexOfSplit.size());
-    RyParallel::forRanges(std::min(result.normals.size(), normals.size() / 3), 20000, [&](size_t begin, size_t end) {
+    RyLargePages::resize(result.normals, splits.count());
+    RyParallel::forRanges(splits.count(), 20000, [&](size_t begin, size_t end) {
         for (size_t i = begin; i < end; ++i) {
-            const float *from = &normals[3 * i];
+            const float *from = splits.normals() + 3 * i;
             double at[3];
             for (int axis = 0; axis < 3; ++axis) {
                 at[axis] = back.m[axis][0] * double(from[0]) + back.m[axis][1] * double(from[1]) +

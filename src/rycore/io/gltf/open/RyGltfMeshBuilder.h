@@ -54,7 +54,7 @@ private:
     void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
     void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
     void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);
-    void addNormals(int accessor, const RyAffine &toFigure, RyMeshPart &result) const;
+    void addNormals(const RyGltfSplitVertices &splits, const RyAffine &toFigure, RyMeshPart &result) const;
     void addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result);
 
     const RyGltfDocument &m_document;

@@ -3,6 +3,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/math/RyLargePages.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
@@ -196,8 +197,10 @@ void RyGltfSceneReader::finishParts(RyGltfMeshBuilder &builder, int entry) const
 {
     RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.parts, m_messages);
     for (const RyMeshPart &part : builder.parts.parts) {
-        if (!part.normals.empty() && builder.parts.shapedFrom.empty())
-            builder.parts.shapedFrom = builder.positions;
+        if (part.normals.empty() || !builder.parts.shapedFrom.empty())
+            continue;
+        RyLargePages::resize(builder.parts.shapedFrom, builder.positions.size());
+        std::copy(builder.positions.begin(), builder.positions.end(), builder.parts.shapedFrom.begin());
     }
 }
 

@@ -23,6 +23,8 @@ public:
 
     size_t count() const { return m_count; }
     const float *position(int split) const { return m_positions + 3 * size_t(split); }
+    /// Three for each split vertex; null without normals.
+    const float *normals() const { return m_normals; }
     /// Without normals any two are the same.
     bool sameNormal(size_t a, size_t b) const
     {
