@@ -132,7 +132,8 @@ public:
             return;
         const RyUndoStackLock lock;
         RyGltfSceneReader reader(std::move(document), m_path, 100.0);
-        reader.build(nullptr);
+        if (!reader.build(&error, nullptr))
+            return;
         m_tops = reader.topLevelNodes();
     }
 

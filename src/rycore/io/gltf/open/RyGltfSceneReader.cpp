@@ -48,6 +48,9 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
     m_sourceOf.assign(model.nodes.size(), -1);
     m_entries.emplace(*m_origin->document);
     leaveOutRemoved();
+    m_placeInOrder.assign(model.nodes.size(), -1);
+    for (size_t place = 0; place < m_preOrder.size(); ++place)
+        m_placeInOrder[size_t(m_preOrder[place])] = int(place);
     draftFigures();
     if (!(m_origin->unit > 0.0))
         m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
@@ -232,7 +235,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         RyNode *above = parent < 0 ? static_cast<RyNode *>(figure.figure) : figure.bones[size_t(parent)];
         above->addNodeChild(bone);
         figure.bones.push_back(bone);
-        m_sceneNodeOf[size_t(node)] = bone;
+        noteNode(node, *bone);
     }
     buildMesh(figure);
     std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
@@ -253,6 +256,12 @@ void RyGltfSceneReader::addSource(RyGltfNodeSource source)
     m_origin->nodes.push_back(std::move(source));
 }
 
+void RyGltfSceneReader::noteNode(int node, RyNode &sceneNode)
+{
+    m_sceneNodeOf[size_t(node)] = &sceneNode;
+    m_placeOf.emplace(&sceneNode, m_placeInOrder[size_t(node)]);
+}
+
 /// What a node of the file stands below in the scene.
 RyNode *RyGltfSceneReader::sceneNodeAbove(int node) const
 {
@@ -269,7 +278,7 @@ void RyGltfSceneReader::hangFigure(Figure &figure)
     RyNode *above = figure.carrier >= 0 ? sceneNodeAbove(figure.carrier) : nullptr;
     figure.figure->setName(namesBeside(above).take(figureName(figure)));
     if (figure.carrier >= 0)
-        m_sceneNodeOf[size_t(figure.carrier)] = figure.figure;
+        noteNode(figure.carrier, *figure.figure);
     if (above)
         above->addNodeChild(figure.figure, false, placeBelow(*above, figure.carrier));
     else

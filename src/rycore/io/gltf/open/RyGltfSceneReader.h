@@ -9,6 +9,7 @@
 
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 class RyFacetMesh;
 class RySkinBinding;
@@ -40,6 +41,7 @@ private:
     void hangFigure(Figure &figure);
     RyGltfNodeSource carrierSource(const Figure &figure) const;
     void addSource(RyGltfNodeSource source);
+    void noteNode(int node, RyNode &sceneNode);
     RyNode *sceneNodeAbove(int node) const;
     void buildMesh(Figure &figure);
     void bringToNodePose(Figure &figure);
@@ -72,8 +74,10 @@ private:
     std::vector<RyAffine> m_nodeToWorld; // per file node: node space to world, in file units
     std::vector<Figure> m_figures;
     std::vector<RyRef<RyNode>> m_tops;
-    std::vector<RyNode *> m_sceneNodeOf; // per file node
-    std::vector<int> m_sourceOf;         // likewise: its place among the origin's nodes, -1 for none
+    std::vector<int> m_placeInOrder;                   // per file node: its place in m_preOrder
+    std::vector<RyNode *> m_sceneNodeOf;               // per file node
+    std::unordered_map<const RyNode *, int> m_placeOf; // of nodes of the scene, the place in m_preOrder
+    std::vector<int> m_sourceOf;                       // likewise: its place among the origin's nodes, -1 for none
     std::optional<RyFigureExtras::Entries> m_entries;
     RyGltfNames m_topNames;
     std::map<RyNode *, RyGltfNames> m_namesBelow;

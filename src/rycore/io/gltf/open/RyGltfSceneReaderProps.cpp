@@ -13,18 +13,13 @@
 
 // Props: meshes without a skin, and the nodes that hold them on a bone.
 
+/// Children stand in the order of the file: bones, props and figures alike.
 int RyGltfSceneReader::placeBelow(const RyNode &above, int node) const
 {
-    // Children stand in the order of the file, bones and props alike.
-    const RyGltfModel &model = m_origin->document->model();
-    int place = 0;
-    for (const int sibling : model.nodes[size_t(model.nodes[size_t(node)].parent)].children) {
-        if (sibling == node)
-            break;
-        const RyNode *other = m_sceneNodeOf[size_t(sibling)];
-        place += other && other->getNodeParent() == &above;
-    }
-    return place;
+    const std::vector<RyNode *> children = above.nodeChildrenIterator();
+    const auto isBefore = [this](const RyNode *child, int place) { return m_placeOf.at(child) < place; };
+    return int(std::lower_bound(children.begin(), children.end(), m_placeInOrder[size_t(node)], isBefore) -
+               children.begin());
 }
 
 void RyGltfSceneReader::setPropPose(RyGltfNodeSource &source) const
@@ -127,7 +122,7 @@ RyGltfNodeSource RyGltfSceneReader::propSource(int index, const RyNode *above) c
 
 void RyGltfSceneReader::hangProp(RyNode &prop, RyNode *above, int index)
 {
-    m_sceneNodeOf[size_t(index)] = &prop;
+    noteNode(index, prop);
     if (above)
         above->addNodeChild(&prop, false, placeBelow(*above, index));
     else
