@@ -50,6 +50,7 @@ private slots:
     void coneShape();
     void balls();
     void sizesFollowTheCamera();
+    void tipAtTheEdge();
     void density();
     void storedDensityOfZero();
     void hiddenManipulators();
@@ -200,6 +201,27 @@ void RyManipulatorDrawingTest::sizesFollowTheCamera()
     stage.viewport->getCamera()->lookAt({11, 50, 5002}, {11, 50, 2});
     QVERIFY(std::abs(radius() - 1.5f) < 2e-2f); // the cap
     QVERIFY(std::abs(coneHeight() - 1.5f) < 1e-4f);
+}
+
+/// An arrow is drawn where nothing but the tip of its cone is in the picture.
+void RyManipulatorDrawingTest::tipAtTheEdge()
+{
+    RyDrawingStage stage;
+    stage.select(stage.lShin);
+    stage.viewport->getCamera()->setOrthographic(true);
+    stage.viewport->getCamera()->setOrthographicHeight(60.0f);
+    const float halfWidth = 40.0f; // of a picture of 800 by 600
+    const RyVec3 origin = stage.lShin->getWSPos();
+    const auto cones = [&](float x) {
+        stage.viewport->getCamera()->lookAt({x, origin.y, origin.z + 120}, {x, origin.y, origin.z});
+        return ofId(*stage.draw(RyDrawingStage::PickPass), GL_TRIANGLE_FAN, 41);
+    };
+    const auto inTheMiddle = cones(origin.x);
+    QCOMPARE(int(inTheMiddle.size()), 1);
+    const float tip = stage.world(inTheMiddle[0], 0).x;
+    QVERIFY2(tip > origin.x + 5.9f, qPrintable(QString::number(tip - origin.x)));
+    QCOMPARE(int(cones(tip - 0.05f + halfWidth).size()), 1);
+    QCOMPARE(int(cones(tip + 3.0f + halfWidth).size()), 0);
 }
 
 void RyManipulatorDrawingTest::density()
