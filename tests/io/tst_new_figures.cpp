@@ -203,6 +203,29 @@ private slots:
         QCOMPARE(file.tree()["scenes"], sketch.tree["scenes"]);
     }
 
+    /// The only prop of a file becomes a figure: the file is still what the scene came from.
+    void onlyProp()
+    {
+        FigureSketch sketch = withProp();
+        sketch.tree["meshes"] = json::array({sketch.tree["meshes"][1]});
+        json &primitive = sketch.tree["meshes"][0]["primitives"][0];
+        primitive["attributes"]["_MORE"] = primitive["attributes"]["NORMAL"];
+        sketch.tree["nodes"] = {{{"name", "thing"}, {"mesh", 0}}};
+        sketch.tree["scenes"] = {{{"nodes", {0}}}};
+        sketch.tree.erase("skins");
+        CharacterScene scene(sketch.write(path("prop")));
+        RyFigure::convertPropToFigure(scene.scene.findNode(QStringLiteral("thing")), QStringLiteral("hip"), false,
+                                      false);
+        QString error;
+        QVERIFY2(RySceneFile::save(&scene.scene, path("figure"), &error), qPrintable(error));
+        const json tree = GltfEvaluator(path("figure").toStdString()).tree();
+        QCOMPARE(tree["materials"], sketch.tree["materials"]);
+        QCOMPARE(tree["skins"].size(), size_t(1));
+        const json &attributes = tree["meshes"].back()["primitives"][0]["attributes"];
+        QVERIFY(attributes.contains("_MORE") && attributes.contains("JOINTS_0"));
+        QVERIFY(sameDumps(rySceneDump(CharacterScene(path("figure")).scene), rySceneDump(scene.scene)));
+    }
+
     /// A figure of the file below a thing, or a figure, that came from another one.
     void figureBelowMerged_data()
     {

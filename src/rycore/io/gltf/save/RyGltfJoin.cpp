@@ -5,6 +5,9 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyMeshPart.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
@@ -16,12 +19,26 @@ bool isThere(const RyNode *node)
     return node && node->getScene();
 }
 
-bool isLive(const RyGltfOrigin &origin)
+using MeshParts = std::set<const RyMeshParts *>;
+
+MeshParts partsIn(const RyScene &scene)
+{
+    MeshParts parts;
+    for (const RyNode *node : scene.getNodes()) {
+        if (const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node)))
+            parts.insert(shape->getParts().get());
+    }
+    return parts;
+}
+
+/// Whether a node of the file stands in the scene, or a mesh of it does on another node (a prop that became a figure).
+bool isLive(const RyGltfOrigin &origin, const MeshParts &shown)
 {
     return std::any_of(origin.nodes.begin(), origin.nodes.end(),
                        [](const RyGltfNodeSource &source) { return isThere(source.sceneNode); }) ||
-           std::any_of(origin.figures.begin(), origin.figures.end(),
-                       [](const RyGltfFigureSource &source) { return isThere(source.sceneNode); });
+           std::any_of(origin.figures.begin(), origin.figures.end(), [&shown](const RyGltfFigureSource &source) {
+               return isThere(source.sceneNode) || (source.meshParts && shown.count(source.meshParts.get()));
+           });
 }
 
 } // namespace
@@ -29,9 +46,10 @@ bool isLive(const RyGltfOrigin &origin)
 std::vector<const RyGltfOrigin *> RyGltfJoin::liveOrigins(const RyScene &scene)
 {
     std::vector<const RyGltfOrigin *> live;
+    const MeshParts shown = partsIn(scene);
     for (const std::shared_ptr<RySceneOrigin> &each : scene.getOrigins()) {
         const auto *origin = dynamic_cast<const RyGltfOrigin *>(each.get());
-        if (origin && isLive(*origin))
+        if (origin && isLive(*origin, shown))
             live.push_back(origin);
     }
     return live;
