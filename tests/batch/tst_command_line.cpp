@@ -1,4 +1,5 @@
 #include "support/RyTest.h"
+#include "support/strangeFile.h"
 
 #include "RyBatchRun.h"
 
@@ -274,6 +275,24 @@ private slots:
             4);
         QCOMPARE(bytesOf(locked), old);
         QCOMPARE(batch({QStringLiteral("--save"), file(QStringLiteral("out.xyz"))}).code, 4);
+    }
+
+    /// The file is there, and what it lacks is named.
+    void whatIsLeftOutGivesFour()
+    {
+        const QString strange = file(QStringLiteral("strange.gltf"));
+        QFile written(strange);
+        QVERIFY(written.open(QIODevice::WriteOnly));
+        written.write(strangeFile());
+        written.close();
+        const QString out = file(QStringLiteral("both.glb"));
+        const Result both = batch({QStringLiteral("--merge"), strange, QStringLiteral("--save"), out});
+        QCOMPARE(both.code, 4);
+        QVERIFY2(both.err.contains("both.glb") && both.err.contains("EXT_strange"), both.err.constData());
+        QCOMPARE(run({QStringLiteral("--batch"), out, QStringLiteral("--select"), QStringLiteral("strange")}).code, 0);
+        QCOMPARE(
+            run({QStringLiteral("--batch"), strange, QStringLiteral("--save"), file(QStringLiteral("one.glb"))}).code,
+            0);
     }
 
     void scripts()

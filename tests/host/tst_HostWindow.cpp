@@ -1,5 +1,6 @@
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
+#include "support/strangeFile.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyBone.h"
@@ -249,6 +250,33 @@ private slots:
         QVERIFY2(text.contains(QStringLiteral("broken.glb")), qPrintable(text));
         QVERIFY(m_scene->findNode(QStringLiteral("lForearm")));
         QCOMPARE(m_window->windowTitle(), QStringLiteral("mannequin.glb[*] - ryhost"));
+    }
+
+    /// What a file could hold and is not written is told, and the scene is not saved then.
+    void lossesAreTold()
+    {
+        const QString path = file(QStringLiteral("strange.gltf"));
+        QFile strange(path);
+        QVERIFY(strange.open(QIODevice::WriteOnly));
+        strange.write(strangeFile());
+        strange.close();
+        QVERIFY(m_window->files()->mergePath(path));
+        QVERIFY(m_scene->findNode(QStringLiteral("strange")));
+        QStringList box;
+        answer([&](QMessageBox *shown) {
+            box = QStringList{shown->windowTitle(), shown->text()};
+            shown->accept();
+        });
+        QVERIFY(m_window->files()->savePath(file(QStringLiteral("both.glb"))));
+        QCOMPARE(box, (QStringList{QStringLiteral("Not All Saved"),
+                                   QStringLiteral("both.glb was written without the following, and the scene still "
+                                                  "counts as unsaved:\n\nstrange.gltf: the extension EXT_strange was "
+                                                  "left out, for what it names is not known")}));
+        QVERIFY(!ryUndoStack()->isClean());
+        QVERIFY(m_window->isWindowModified());
+        m_scene->removeNode(m_scene->findNode(QStringLiteral("strange")));
+        QVERIFY(m_window->files()->savePath(file(QStringLiteral("one.glb"))));
+        QVERIFY(ryUndoStack()->isClean() && !m_window->isWindowModified());
     }
 
     void asksAboutUnsavedChanges()
