@@ -4,7 +4,9 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
@@ -118,7 +120,7 @@ private slots:
 
     void propOnBone()
     {
-        FigureSketch second;
+        FigureSketch second = animated(1.0);
         second.tree["meshes"].push_back(second.tree["meshes"][0]);
         for (const char *influence : {"JOINTS_0", "WEIGHTS_0"})
             second.tree["meshes"][1]["primitives"][0]["attributes"].erase(influence);
@@ -138,6 +140,50 @@ private slots:
         QCOMPARE(file.tree()["skins"].size(), size_t(1));
         QCOMPARE(file.tree()["meshes"].size(), size_t(2));
         QCOMPARE(file.tree()["materials"], second.tree["materials"]);
+        QVERIFY(!file.tree().contains("animations"));
+        QCOMPARE(file.tree()["bufferViews"].size(), file.tree()["accessors"].size());
+        size_t used = 0, all = 0;
+        for (const json &view : file.tree()["bufferViews"])
+            used += view["byteLength"].get<size_t>() + 16;
+        for (const json &buffer : file.tree()["buffers"])
+            all += buffer["byteLength"].get<size_t>();
+        QVERIFY2(all <= used, qPrintable(QStringLiteral("%1 of %2").arg(used).arg(all)));
+    }
+
+    /// A prop from an OBJ file that was there first, with a figure on it or beside it.
+    void objFirst_data()
+    {
+        QTest::addColumn<bool>("hangs");
+        QTest::newRow("beside") << false;
+        QTest::newRow("on the prop") << true;
+    }
+    void objFirst()
+    {
+        QFETCH(bool, hangs);
+        QFile obj(path("table", ".obj"));
+        QVERIFY(obj.open(QIODevice::WriteOnly));
+        obj.write("g top\nv 0 0 0\nv 90 0 0\nv 90 70 0\nv 0 70 0\nv 40 110 5\nf 1 2 3 4\nf 4 3 5\n");
+        obj.close();
+        MergedScene merged({obj.fileName(), animated(2.0).write(path("first")), FigureSketch().write(path("second"))});
+        RyNode *table = merged.scene.findNode(QStringLiteral("table"));
+        QVERIFY(table);
+        if (hangs)
+            QVERIFY(table->addNodeChild(merged.figure(1)));
+        table->getYRotControl()->setValue(25.0f);
+        merged.save(path("saved"));
+        QVERIFY2(merged.messages.isEmpty(), qPrintable(merged.messages.join(QLatin1Char('\n'))));
+        CharacterScene again(path("saved"));
+        const auto namesOf = [](const RyScene &scene) {
+            QStringList names;
+            for (const RyNode *node : scene.getNodesInTreeOrder())
+                names.append(node->getName() + (node->getNodeParent() ? node->getNodeParent()->getName() : QString()));
+            return names;
+        };
+        QCOMPARE(namesOf(again.scene), namesOf(merged.scene));
+        QVERIFY(largestDistance(again.shown(), positionsOf(again.file, again.unit())) <= 2e-5 * again.height);
+        const auto *shape = qobject_cast<RyFacetShape *>(
+            RyShape::getCurrentShapeForNode(again.scene.findNode(QStringLiteral("table"))));
+        QCOMPARE(shape->getFacetMesh()->getFacets()[0].count(), 4);
     }
 
     /// What was removed brings nothing: no nodes, no bytes, no clips.
@@ -189,7 +235,10 @@ private:
     static constexpr const char *Man = "CesiumMan.glb";
     static constexpr const char *Knight = "kaykit_knight.glb";
 
-    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
+    QString path(const char *name, const char *ending = ".gltf") const
+    {
+        return m_folder.filePath(QLatin1String(name) + QLatin1String(ending));
+    }
 
     /// The sketch with other names and a clip, turned and `scale` times as large in its file.
     static FigureSketch animated(double scale)
