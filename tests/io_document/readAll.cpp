@@ -18,7 +18,7 @@ void readAll(const RyGltfDocument &document)
         for (const unsigned char byte : document.packedBytes(i))
             sum += byte;
     }
-    RyGltfMeshBuilder builder(document);
+    RyGltfMeshBuilder builder({std::shared_ptr<void>(), &document});
     for (size_t mesh = 0; mesh < model.meshes.size(); ++mesh) {
         for (size_t primitive = 0; primitive < model.meshes[mesh].primitives.size(); ++primitive)
             builder.addPart(int(mesh), int(primitive), QString(), {0, 1}, RyAffine(), int(mesh));

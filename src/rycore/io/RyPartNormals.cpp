@@ -1,6 +1,7 @@
 #include "rycore/io/RyPartNormals.h"
 
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyNormalSource.h"
 
 #include <cmath>
 
@@ -9,27 +10,45 @@ RyPartNormals::RyPartNormals(const RyFacetShape &shape) : m_shape(shape)
     const std::vector<RyVec3> &now = shape.getFacetMesh()->getPositions();
     const RyMeshParts &parts = *shape.getParts();
     const std::vector<RyVec3> &then = parts.shapedFrom;
-    if (then.size() != now.size() || then == now)
+    const bool isKept = then.size() == now.size();
+    if (isKept && then == now)
         return;
-    m_isOther.assign(size_t(parts.normalCount), false);
     for (const RyMeshPart &part : parts.parts) {
-        const auto hasMoved = [&](unsigned split) {
-            const size_t vertex = size_t(part.vertexOfSplit[split]);
-            return !(now[vertex] == then[vertex]);
-        };
-        for (size_t t = 0; t + 2 < part.triangles.size(); t += 3) {
-            const unsigned *corners = &part.triangles[t];
-            if (!hasMoved(corners[0]) && !hasMoved(corners[1]) && !hasMoved(corners[2]))
-                continue;
-            for (int corner = 0; corner < 3; ++corner)
-                m_isOther[size_t(part.normalOfSplit[corners[corner]])] = true;
+        if (isKept) {
+            markMoved(part, [&](size_t vertex, size_t) { return !(now[vertex] == then[vertex]); });
+        } else if (then.empty() && part.normalSource) {
+            const std::vector<RyVec3> read = part.normalSource->positions();
+            markMoved(part, [&](size_t vertex, size_t split) { return !(now[vertex] == read[split]); });
         }
+    }
+}
+
+/// Marks the normals of all facets with a vertex that stands elsewhere; `hasMoved` is asked by vertex and split vertex.
+template<typename HasMoved>
+void RyPartNormals::markMoved(const RyMeshPart &part, const HasMoved &hasMoved)
+{
+    std::vector<bool> moved;
+    for (size_t split = 0; split < part.vertexOfSplit.size(); ++split) {
+        if (!hasMoved(size_t(part.vertexOfSplit[split]), split))
+            continue;
+        moved.resize(part.vertexOfSplit.size());
+        moved[split] = true;
+    }
+    if (moved.empty())
+        return;
+    m_isOther.resize(size_t(m_shape.getParts()->normalCount));
+    for (size_t t = 0; t + 2 < part.triangles.size(); t += 3) {
+        const unsigned *corners = &part.triangles[t];
+        if (!moved[corners[0]] && !moved[corners[1]] && !moved[corners[2]])
+            continue;
+        for (int corner = 0; corner < 3; ++corner)
+            m_isOther[size_t(part.normalOfSplit[corners[corner]])] = true;
     }
 }
 
 std::vector<RyVec3> RyPartNormals::of(const RyMeshPart &part) const
 {
-    std::vector<RyVec3> normals = part.normals;
+    std::vector<RyVec3> normals = part.readNormals();
     normals.resize(part.vertexOfSplit.size());
     const RyShapeNormals *smooth = nullptr;
     for (size_t split = 0; split < normals.size(); ++split) {

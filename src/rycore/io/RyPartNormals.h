@@ -19,6 +19,9 @@ public:
     std::vector<RyVec3> of(const RyMeshPart &part) const;
 
 private:
+    template<typename HasMoved>
+    void markMoved(const RyMeshPart &part, const HasMoved &hasMoved);
+
     const RyFacetShape &m_shape;
     std::vector<bool> m_isOther; // by RyMeshPart::normalOfSplit; empty where nothing moved
 };

@@ -250,7 +250,7 @@ private:
         const RyPartNormals shown(shape);
         for (const RyMeshPart &part : parts.parts) {
             const bool hasLook = part.look >= 0 && size_t(part.look) < parts.looks.size();
-            if (!hasLook && part.uvs.empty() && part.normals.empty())
+            if (!hasLook && part.uvs.empty() && !part.hasNormals())
                 continue;
             m_out << "    part of " << part.facetCount;
             if (!part.uvs.empty()) {
@@ -259,7 +259,7 @@ private:
                     uvs.add(number == 0.0f ? 0.0f : number);
                 m_out << " coordinates " << part.uvs.size() / 2 << " hash " << uvs.text();
             }
-            if (!part.normals.empty()) {
+            if (part.hasNormals()) {
                 // Sums, since they are worked out through the maps of a file. Two that change places would not do.
                 const std::vector<RyVec3> normals = shown.of(part);
                 double sum[3] = {0, 0, 0};

@@ -1,9 +1,15 @@
 #include "rycore/scene/RyMeshPart.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyNormalSource.h"
 
 #include <algorithm>
 #include <numeric>
+
+std::vector<RyVec3> RyMeshPart::readNormals() const
+{
+    return normalSource ? normalSource->normals() : normals;
+}
 
 std::vector<int> RyMeshParts::facetsByPart() const
 {

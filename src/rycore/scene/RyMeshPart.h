@@ -11,6 +11,7 @@
 #include <vector>
 
 class RyFacetMesh;
+class RyNormalSource;
 
 /// How a part looks.
 struct RyMaterialLook
@@ -30,13 +31,18 @@ struct RyMeshPart
     QString name;
     int look = -1; // index into RyMeshParts::looks
     int facetCount = 0;
-    std::vector<int> vertexOfSplit;  // split vertex to vertex of the mesh
-    std::vector<int> normalOfSplit;  // split vertices with equal numbers share a smooth normal
-    std::vector<float> uvs;          // two per split vertex, empty without texture coordinates; v grows downwards
-    std::vector<RyVec3> normals;     // per split vertex, in figure space; empty where the file gives none
+    std::vector<int> vertexOfSplit; // split vertex to vertex of the mesh
+    std::vector<int> normalOfSplit; // split vertices with equal numbers share a smooth normal
+    std::vector<float> uvs;         // two per split vertex, empty without texture coordinates; v grows downwards
+    std::vector<RyVec3> normals;    // per split vertex, in figure space; empty without any, and where a source has them
     std::vector<unsigned> triangles; // three split vertices each, facet by facet
+    std::shared_ptr<const RyNormalSource> normalSource;
     /// Where a polygon ends can be told from the triangles: each is a fan, the next one starts at another split vertex.
     bool hasFans = false;
+
+    bool hasNormals() const { return normalSource || !normals.empty(); }
+    /// Per split vertex, in figure space; null or none for those without one.
+    std::vector<RyVec3> readNormals() const;
 };
 
 struct RyMeshParts
@@ -51,7 +57,7 @@ struct RyMeshParts
     std::vector<RyMeshPart> parts;
     std::vector<RyMaterialLook> looks;
     std::vector<Run> order;         // of the mesh's facets; empty: those of the first part, then those of the next
-    std::vector<RyVec3> shapedFrom; // positions of the mesh's vertices that the normals belong to; empty without any
+    std::vector<RyVec3> shapedFrom; // the mesh's positions that the normals belong to; empty where only sources know
     int normalCount = 0;            // normalOfSplit counts through all parts
 
     /// Facets of the mesh in the order of the parts.

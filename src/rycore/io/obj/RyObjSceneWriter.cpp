@@ -108,7 +108,7 @@ void RyObjSceneWriter::addNormals(const RyPartNormals &shown, const RyMeshPart &
 {
     const int first = int(m_file.normals.size());
     RyKeyTable table;
-    for (const RyVec3 &normal : part.normals.empty() ? std::vector<RyVec3>() : shown.of(part)) {
+    for (const RyVec3 &normal : part.hasNormals() ? shown.of(part) : std::vector<RyVec3>()) {
         const int number =
             table.numberOf({std::bit_cast<std::int32_t>(normal.x + 0.0f), std::bit_cast<std::int32_t>(normal.y + 0.0f),
                             std::bit_cast<std::int32_t>(normal.z + 0.0f)});

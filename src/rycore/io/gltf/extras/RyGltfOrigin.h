@@ -27,7 +27,8 @@ public:
 
     QString filePath;
     double unit = 100.0;
-    std::unique_ptr<RyGltfDocument> document;
+    /// As it was read; what is saved is a changed copy. Parts of meshes have their normals from it.
+    std::shared_ptr<RyGltfDocument> document;
     std::vector<RyGltfNodeSource> nodes; // pre-order of the file
     std::vector<RyGltfFigureSource> figures;
     std::vector<QPointer<RyNode>> tops; // what was read at the top of the scene

@@ -3,6 +3,7 @@
 #include "rycore/io/RyPolygonFans.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/open/RyGltfNormalSource.h"
 #include "rycore/io/gltf/open/RyGltfSplitVertices.h"
 #include "rycore/io/gltf/open/RyGltfTriangles.h"
 #include "rycore/math/RyLargePages.h"
@@ -15,14 +16,15 @@
 #include <cmath>
 #include <cstdint>
 
-RyGltfMeshBuilder::RyGltfMeshBuilder(const RyGltfDocument &document) : m_document(document) {}
+RyGltfMeshBuilder::RyGltfMeshBuilder(std::shared_ptr<const RyGltfDocument> document) : m_document(std::move(document))
+{}
 
 RyGltfMeshBuilder::~RyGltfMeshBuilder() = default;
 
 void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString &name,
                                 const std::vector<int> &bonesOfJoints, const RyAffine &toFigure, int weldClass)
 {
-    const RyGltfPrimitive &primitive = m_document.model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
+    const RyGltfPrimitive &primitive = m_document->model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
     RyMeshPart result;
     result.name = name;
     result.look = primitive.material;
@@ -31,19 +33,21 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
         beginClass(weldClass);
         const int firstVertex = int(positions.size());
         m_classParts.push_back(
-            std::make_unique<RyGltfSplitVertices>(m_document, meshIndex, primitiveIndex, bonesOfJoints));
+            std::make_unique<RyGltfSplitVertices>(*m_document, meshIndex, primitiveIndex, bonesOfJoints));
         const RyGltfSplitVertices &splits = *m_classParts.back();
         if (primitive.texcoords >= 0) {
-            result.uvs = m_document.readFloats(primitive.texcoords);
+            result.uvs = m_document->readFloats(primitive.texcoords);
             result.uvs.resize(splits.count() * 2, 0.0f);
         }
         weld(splits, result);
         shareNormals(splits, firstVertex, result);
         addVertices(splits, firstVertex, toFigure);
-        if (splits.normals() && !RyTreeExtras::hasMadeNormals(m_document, meshIndex, primitiveIndex))
-            addNormals(splits, toFigure, result);
+        if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(*m_document, meshIndex, primitiveIndex)) {
+            result.normalSource =
+                std::make_shared<RyGltfNormalSource>(m_document, primitive.positions, primitive.normals, toFigure);
+        }
         result.hasFans = primitive.hasFans;
-        addFacets(ryGltfReadTriangles(m_document, primitive, splits.count()), result);
+        addFacets(ryGltfReadTriangles(*m_document, primitive, splits.count()), result);
     }
     result.facetCount = int(facets.size() - firstFacet);
     parts.parts.push_back(std::move(result));
@@ -204,27 +208,6 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
     droppedInfluences += dropped;
     if (width > 0 && count > 0)
         m_runs.push_back(std::move(run));
-}
-
-/// Directions of the file in figure space. A normal stands upright on the surface, however the surface is stretched.
-void RyGltfMeshBuilder::addNormals(const RyGltfSplitVertices &splits, const RyAffine &toFigure,
-                                   RyMeshPart &result) const
-{
-    const RyAffine back = toFigure.inverse();
-    RyLargePages::resize(result.normals, splits.count());
-    RyParallel::forRanges(splits.count(), 20000, [&](size_t begin, size_t end) {
-        for (size_t i = begin; i < end; ++i) {
-            const float *from = splits.normals() + 3 * i;
-            double at[3];
-            for (int axis = 0; axis < 3; ++axis) {
-                at[axis] = back.m[axis][0] * double(from[0]) + back.m[axis][1] * double(from[1]) +
-                           back.m[axis][2] * double(from[2]);
-            }
-            const double length = std::sqrt(at[0] * at[0] + at[1] * at[1] + at[2] * at[2]);
-            if (length > 0.0 && std::isfinite(length))
-                result.normals[i] = {float(at[0] / length), float(at[1] / length), float(at[2] / length)};
-        }
-    });
 }
 
 void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result)

@@ -20,7 +20,7 @@ class RyGltfSplitVertices;
 class RyGltfMeshBuilder
 {
 public:
-    explicit RyGltfMeshBuilder(const RyGltfDocument &document);
+    explicit RyGltfMeshBuilder(std::shared_ptr<const RyGltfDocument> document);
     ~RyGltfMeshBuilder();
 
     /// Adds a primitive. `bonesOfJoints` maps joint numbers of its skin to bones (empty: not skinned), `toFigure` its
@@ -54,10 +54,9 @@ private:
     void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
     void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
     void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);
-    void addNormals(const RyGltfSplitVertices &splits, const RyAffine &toFigure, RyMeshPart &result) const;
     void addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result);
 
-    const RyGltfDocument &m_document;
+    std::shared_ptr<const RyGltfDocument> m_document;
     /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.
     std::vector<std::unique_ptr<RyGltfSplitVertices>> m_classParts;
     struct Origin

@@ -51,7 +51,6 @@ private:
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
     RySkinBinding *bindBones(Figure &figure, int vertexCount,
                              std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
-    void finishParts(RyGltfMeshBuilder &builder, int entry) const;
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);
     std::vector<bool> findProps() const;
     void buildProp(int index);

@@ -3,7 +3,6 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
-#include "rycore/math/RyLargePages.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
@@ -21,7 +20,7 @@
 void RyGltfSceneReader::buildMesh(Figure &figure)
 {
     const RyGltfModel &model = m_origin->document->model();
-    figure.mesh = std::make_unique<RyGltfMeshBuilder>(*m_origin->document);
+    figure.mesh = std::make_unique<RyGltfMeshBuilder>(m_origin->document);
     std::vector<std::vector<int>> bonesOfJoints; // per skin of the figure
     for (size_t s = 0; s < figure.joints.skins.size(); ++s) {
         const int skin = figure.joints.skins[s];
@@ -97,13 +96,15 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
         if (sum[3] > 0.0)
             positions[vertex] = {float(sum[0] / sum[3]), float(sum[1] / sum[3]), float(sum[2] / sum[3])};
     }
+    figure.mesh->parts.shapedFrom = positions;
 }
 
 void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights)
 {
     const int vertexCount = int(figure.mesh->positions.size());
     auto *mesh = new RyFacetMesh;
-    finishParts(*figure.mesh, figure.entry);
+    RyFigureExtras::applyFacetOrder(*m_origin->document, figure.entry, figure.mesh->facets, figure.mesh->parts,
+                                    m_messages);
     mesh->setPositions(std::move(figure.mesh->positions));
     mesh->setFacets(std::move(figure.mesh->facets));
     auto parts = std::make_shared<RyMeshParts>(std::move(figure.mesh->parts));
@@ -190,18 +191,6 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     figure.source.weights = std::move(loaded);
     figure.source.mapsText = RyMapExtras::text(skin);
     return skin;
-}
-
-/// Facets in the order that an earlier save kept, and the positions that the file's normals belong to.
-void RyGltfSceneReader::finishParts(RyGltfMeshBuilder &builder, int entry) const
-{
-    RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.parts, m_messages);
-    for (const RyMeshPart &part : builder.parts.parts) {
-        if (part.normals.empty() || !builder.parts.shapedFrom.empty())
-            continue;
-        RyLargePages::resize(builder.parts.shapedFrom, builder.positions.size());
-        std::copy(builder.positions.begin(), builder.positions.end(), builder.parts.shapedFrom.begin());
-    }
 }
 
 void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)

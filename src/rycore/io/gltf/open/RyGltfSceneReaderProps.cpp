@@ -133,7 +133,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
 {
     const RyGltfModel &model = m_origin->document->model();
     const int meshIndex = model.nodes[size_t(source.node)].mesh;
-    RyGltfMeshBuilder builder(*m_origin->document);
+    RyGltfMeshBuilder builder(m_origin->document);
     RyGltfFigureSource figure;
     figure.sceneNode = source.sceneNode;
     const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(meshIndex)].primitives;
@@ -142,7 +142,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
         figure.parts.push_back({source.node, meshIndex, int(p), -1});
     }
     const int entry = m_entries->find({source.node}, int(m_figures.size() + m_origin->figures.size()));
-    finishParts(builder, entry);
+    RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.parts, m_messages);
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(builder.positions));
     mesh->setFacets(std::move(builder.facets));

@@ -14,9 +14,11 @@ RyGltfSplitVertices::RyGltfSplitVertices(const RyGltfDocument &document, int mes
     const RyGltfModel &model = document.model();
     const RyGltfPrimitive &primitive = model.meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
     m_count = size_t(model.accessors[size_t(primitive.positions)].count);
-    m_positions = floats(document, primitive.positions, 3, m_positionCopy);
+    m_positionFloats = RyGltfFloats(document, primitive.positions);
+    m_positions = m_positionFloats.data();
     if (primitive.normals >= 0)
-        m_normals = floats(document, primitive.normals, 3, m_normalCopy);
+        m_normalFloats = RyGltfFloats(document, primitive.normals);
+    m_normals = m_normalFloats.data();
     for (const int morph : primitive.morphPositions) {
         if (morph < 0)
             continue;
@@ -27,28 +29,14 @@ RyGltfSplitVertices::RyGltfSplitVertices(const RyGltfDocument &document, int mes
         m_sets.resize(std::min(primitive.joints.size(), primitive.weights.size()));
     for (size_t s = 0; s < m_sets.size(); ++s) {
         readJoints(document, primitive.joints[s], m_sets[s]);
-        m_sets[s].weights = floats(document, primitive.weights[s], 4, m_sets[s].weightCopy);
+        m_sets[s].weightFloats = RyGltfFloats(document, primitive.weights[s]);
+        m_sets[s].weights = m_sets[s].weightFloats.data();
     }
     const std::vector<int> apart = RyTreeExtras::findApart(document, meshIndex, primitiveIndex);
     for (size_t i = 0; i + 1 < apart.size(); i += 2)
         m_apart[apart[i]] = apart[i + 1];
     for (const int split : RyTreeExtras::findFree(document, meshIndex, primitiveIndex))
         m_free.insert(split);
-}
-
-/// The accessor's own bytes when they can be read in place; otherwise `copy`, filled.
-const float *RyGltfSplitVertices::floats(const RyGltfDocument &document, int accessor, int components,
-                                         std::vector<float> &copy) const
-{
-    const RyGltfAccessor &a = document.model().accessors[size_t(accessor)];
-    const std::span<const unsigned char> bytes = document.packedBytes(accessor);
-    if (a.componentType == 5126 && a.componentCount == components && !bytes.empty() &&
-        reinterpret_cast<std::uintptr_t>(bytes.data()) % alignof(float) == 0) {
-        return reinterpret_cast<const float *>(bytes.data());
-    }
-    copy = document.readFloats(accessor);
-    copy.resize(m_count * size_t(components), 0.0f);
-    return copy.data();
 }
 
 void RyGltfSplitVertices::readJoints(const RyGltfDocument &document, int accessor, InfluenceSet &set) const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/io/gltf/document/RyGltfModel.h"
+#include "rycore/io/gltf/document/RyGltfFloats.h"
 
 #include <bit>
 #include <cstdint>
@@ -23,8 +23,6 @@ public:
 
     size_t count() const { return m_count; }
     const float *position(int split) const { return m_positions + 3 * size_t(split); }
-    /// Three for each split vertex; null without normals.
-    const float *normals() const { return m_normals; }
     /// Without normals any two are the same.
     bool sameNormal(size_t a, size_t b) const
     {
@@ -89,7 +87,7 @@ private:
         int jointSize = 0; // 1 or 2 bytes
         const float *weights = nullptr;
         std::vector<std::uint16_t> jointCopy;
-        std::vector<float> weightCopy;
+        RyGltfFloats weightFloats;
 
         int joint(size_t place) const
         {
@@ -114,7 +112,6 @@ private:
         std::memcpy(&word, bytes, size);
         return (std::rotl(value, 29) ^ word) * 0xff51afd7ed558ccdull;
     }
-    const float *floats(const RyGltfDocument &document, int accessor, int components, std::vector<float> &copy) const;
     void readJoints(const RyGltfDocument &document, int accessor, InfluenceSet &set) const;
     bool isFree(size_t split) const;
     int apartOf(int split) const
@@ -125,9 +122,9 @@ private:
 
     size_t m_count = 0;
     const float *m_positions = nullptr;
-    std::vector<float> m_positionCopy;
+    RyGltfFloats m_positionFloats;
     const float *m_normals = nullptr;
-    std::vector<float> m_normalCopy;
+    RyGltfFloats m_normalFloats;
     std::vector<InfluenceSet> m_sets;
     std::vector<std::vector<float>> m_morphs;
     std::vector<int> m_bonesOfJoints;

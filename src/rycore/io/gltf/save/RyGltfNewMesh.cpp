@@ -175,6 +175,6 @@ void RyGltfNewMesh::storeTags(int mesh, int primitive, const RyMeshPart &part, c
         RyTreeExtras::storeApart(m_document, mesh, primitive, apart);
     if (!free.empty())
         RyTreeExtras::storeFree(m_document, mesh, primitive, free);
-    if (part.normals.empty())
+    if (!part.hasNormals())
         RyTreeExtras::storeMadeNormals(m_document, mesh, primitive);
 }
