@@ -7,6 +7,7 @@
 #include <set>
 
 class RyGltfDocument;
+class RyGltfFloats;
 
 /// Looks for positions and bind matrices of figures that no scene can hold: numbers that are not finite, and places too
 /// far out. The first such accessor is named.
@@ -29,6 +30,7 @@ private:
     bool isUsable(int accessor, const char *what);
     void checkBinds(int skin, const RyAffine &toFigure);
     void checkPositions(int accessor, const RyAffine &toFigure);
+    bool isBoxNear(const RyGltfFloats &positions, const RyAffine &toFigure) const;
     bool isFar(const RyAffine &map, const double *point) const;
     void refuse(int accessor, const QString &what);
 

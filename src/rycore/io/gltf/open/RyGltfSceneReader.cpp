@@ -2,6 +2,7 @@
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/gltf/document/RyGltfFloats.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
@@ -179,13 +180,16 @@ double RyGltfSceneReader::findUnit() const
             for (const RyGltfPrimitive &primitive : model.meshes[size_t(node.mesh)].primitives) {
                 if (primitive.positions < 0)
                     continue;
-                const std::vector<float> values = m_origin->document->readFloats(primitive.positions);
-                const size_t step = 3 * (1 + values.size() / 300000); // a sample is enough for a height
-                for (size_t i = 0; i + 2 < values.size(); i += step) {
-                    const double from[3] = {values[i], values[i + 1], values[i + 2]};
+                const RyGltfFloats positions(*m_origin->document, primitive.positions);
+                const size_t step = 1 + positions.count() / 100000; // a sample is enough for a height
+                for (size_t i = 0; i < positions.count(); i += step) {
+                    const float *point = positions.data() + 3 * i;
+                    const double from[3] = {double(point[0]), double(point[1]), double(point[2])};
                     double at[3];
                     map->second.mapPoint(from, at);
                     for (int axis = 0; axis < 3; ++axis) {
+                        if (!std::isfinite(at[axis])) // such a file is refused later
+                            continue;
                         low[axis] = std::min(low[axis], at[axis]);
                         high[axis] = std::max(high[axis], at[axis]);
                     }
