@@ -40,7 +40,11 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
             result.uvs.resize(splits.count() * 2, 0.0f);
         }
         weld(splits, result);
-        shareNormals(splits, firstVertex, result);
+        const RyMeshPart *same = findSharer(primitive, result);
+        if (same)
+            result.normalOfSplit = same->normalOfSplit;
+        else
+            shareNormals(splits, firstVertex, result);
         addVertices(splits, firstVertex, toFigure);
         if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(*m_document, meshIndex, primitiveIndex)) {
             result.normalSource =
@@ -60,6 +64,7 @@ void RyGltfMeshBuilder::beginClass(int weldClass)
         return;
     m_weldClass = weldClass;
     m_classParts.clear();
+    m_sharers.clear();
     m_origins.clear();
     m_table.clear();
     m_firstOfClass = int(positions.size());
@@ -131,6 +136,18 @@ void RyGltfMeshBuilder::weld(const RyGltfSplitVertices &splits, RyMeshPart &resu
             result.vertexOfSplit[first + i] = m_firstOfClass + int(m_table[slot] & mask) - 1;
         }
     }
+}
+
+/// A part that has its normals in the same place: one that moves is smoothed with the triangles of both.
+const RyMeshPart *RyGltfMeshBuilder::findSharer(const RyGltfPrimitive &primitive, const RyMeshPart &part)
+{
+    if (primitive.normals < 0)
+        return nullptr;
+    const auto [sharer, isNew] = m_sharers.try_emplace({primitive.positions, primitive.normals}, parts.parts.size());
+    if (isNew)
+        return nullptr;
+    const RyMeshPart &same = parts.parts[sharer->second];
+    return same.vertexOfSplit == part.vertexOfSplit ? &same : nullptr;
 }
 
 void RyGltfMeshBuilder::shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result)

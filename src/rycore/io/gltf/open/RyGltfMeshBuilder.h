@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -52,6 +53,7 @@ private:
     void beginClass(int weldClass);
     void growTable(size_t added);
     void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
+    const RyMeshPart *findSharer(const RyGltfPrimitive &primitive, const RyMeshPart &part);
     void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
     void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);
     void addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result);
@@ -59,6 +61,8 @@ private:
     std::shared_ptr<const RyGltfDocument> m_document;
     /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.
     std::vector<std::unique_ptr<RyGltfSplitVertices>> m_classParts;
+    /// Places of these parts by their accessors of positions and normals.
+    std::map<std::pair<int, int>, size_t> m_sharers;
     struct Origin
     {
         int part;
