@@ -21,7 +21,7 @@ void pruneIndices(Json &object, const char *key, const std::vector<bool> &isDrop
         return;
     Json kept = Json::array();
     for (const Json &index : *found) {
-        const bool isIndex = index.is_number_unsigned() && index.get<std::size_t>() < isDropped.size();
+        const bool isIndex = RyGltfReferences::isIndex(index) && index.get<std::size_t>() < isDropped.size();
         if (!isIndex || !isDropped[index.get<std::size_t>()])
             kept.push_back(index);
     }
@@ -103,7 +103,7 @@ bool RyGltfAppender::isDriven(const Json &channel) const
 {
     const Json *target = memberOf(channel, "target");
     const Json *node = target ? memberOf(*target, "node") : nullptr;
-    if (node && node->is_number_unsigned() && isDropped(RyGltfList::Nodes, node->get<std::size_t>()))
+    if (node && RyGltfReferences::isIndex(*node) && isDropped(RyGltfList::Nodes, node->get<std::size_t>()))
         return false;
     const Json *pointer = target ? extensionOf(*target, Pointer) : nullptr;
     const Json *text = pointer ? memberOf(*pointer, "pointer") : nullptr;
@@ -120,18 +120,24 @@ void RyGltfAppender::pruneAnimations()
 {
     for (std::size_t a = 0; a < listOf(RyGltfList::Animations).size(); ++a) {
         Json &animation = m_tree["animations"][a];
-        if (!animation.contains("channels") || !animation.contains("samplers"))
+        const Json *channelsBefore = memberOf(animation, "channels");
+        const Json *samplersBefore = memberOf(animation, "samplers");
+        if (!channelsBefore || !channelsBefore->is_array() || !samplersBefore || !samplersBefore->is_array())
             continue;
         Json channels = Json::array();
         Json samplers = Json::array();
-        for (const Json &channel : animation["channels"]) {
+        for (const Json &channel : *channelsBefore) {
             if (!isDriven(channel))
                 continue;
             channels.push_back(channel);
-            samplers.push_back(animation["samplers"].at(channel["sampler"].get<std::size_t>()));
+            const Json *sampler = memberOf(channel, "sampler");
+            if (!sampler || !RyGltfReferences::isIndex(*sampler) ||
+                sampler->get<std::size_t>() >= samplersBefore->size())
+                continue; // nothing can play it
+            samplers.push_back((*samplersBefore)[sampler->get<std::size_t>()]);
             channels.back()["sampler"] = samplers.size() - 1;
         }
-        if (channels.size() == animation["channels"].size())
+        if (channels.size() == channelsBefore->size())
             continue; // as it was, samplers that several channels share included
         m_isDropped[std::size_t(RyGltfList::Animations)][a] = channels.empty();
         animation["channels"] = std::move(channels);
@@ -139,8 +145,8 @@ void RyGltfAppender::pruneAnimations()
     }
 }
 
-/// An entry goes when something uses it and all that do go. What nothing uses stays: it may be named in a way that is
-/// not known here.
+/// An entry goes when something uses it and all that do go; a skin only with its joints, for it makes a figure of them
+/// without any mesh. What nothing uses stays: it may be named in a way that is not known here.
 void RyGltfAppender::dropUnused()
 {
     std::array<std::vector<int>, ryGltfListCount> uses, usesThatStay;
@@ -151,8 +157,8 @@ void RyGltfAppender::dropUnused()
     for (int i = 0; i < ryGltfListCount; ++i) { // what uses stands before what is used
         const Json &entries = listOf(RyGltfList(i));
         for (std::size_t entry = 0; entry < entries.size(); ++entry) {
-            if (RyGltfList(i) != RyGltfList::Nodes && uses[std::size_t(i)][entry] > 0 &&
-                usesThatStay[std::size_t(i)][entry] == 0) {
+            const bool goesByUse = RyGltfList(i) != RyGltfList::Nodes && RyGltfList(i) != RyGltfList::Skins;
+            if (goesByUse && uses[std::size_t(i)][entry] > 0 && usesThatStay[std::size_t(i)][entry] == 0) {
                 m_isDropped[std::size_t(i)][entry] = true;
             }
             const bool stays = !m_isDropped[std::size_t(i)][entry];
@@ -223,10 +229,11 @@ void RyGltfAppender::renumber(RyGltfList list, Json &entry) const
 
 void RyGltfAppender::renumberPointers(Json &animation) const
 {
-    if (!animation.contains("channels"))
+    if (!memberOf(animation, "channels"))
         return;
     for (Json &channel : animation["channels"]) {
-        if (!channel.contains("target") || !extensionOf(channel["target"], Pointer))
+        const Json *target = memberOf(channel, "target");
+        if (!target || !extensionOf(*target, Pointer))
             continue;
         Json &extension = channel["target"]["extensions"][Pointer];
         RyGltfList list;
@@ -414,11 +421,14 @@ void RyGltfAppender::copySceneExtensions()
     const int count = int(listOf(RyGltfList::Scenes).size());
     if (count > 1)
         lose(QStringLiteral("scenes that are not shown were left out; their nodes were not"));
-    if (from < 0 || to < 0 || !m_tree["scenes"][std::size_t(from)].contains("extensions"))
+    const Json *extensions = from < 0 || to < 0 ? nullptr : memberOf(m_tree["scenes"][std::size_t(from)], "extensions");
+    if (!extensions || !extensions->is_object())
         return;
-    Json scene = Json{{"extensions", m_tree["scenes"][std::size_t(from)]["extensions"]}};
+    Json scene = Json{{"extensions", *extensions}};
     renumber(RyGltfList::Scenes, scene);
     Json &target = m_target.json()["scenes"][std::size_t(to)]["extensions"];
+    if (!target.is_object())
+        target = Json::object();
     for (auto &[name, extension] : scene["extensions"].items()) {
         if (!target.contains(name))
             target[name] = std::move(extension);
@@ -436,6 +446,8 @@ void RyGltfAppender::uniteExtensionLists()
             if (!name.is_string() || m_unknown.count(name.get<std::string>()))
                 continue;
             Json &list = m_target.json()[key];
+            if (!list.is_array())
+                list = Json::array();
             if (std::find(list.begin(), list.end(), name) == list.end())
                 list.push_back(name);
         }

@@ -182,10 +182,8 @@ int RyGltfDocument::shownScene() const
     const auto scenes = d->tree.find("scenes");
     const int count = scenes == d->tree.end() ? 0 : int(scenes->size());
     const auto chosen = d->tree.find("scene");
-    if (chosen != d->tree.end() && chosen->is_number_integer() && chosen->get<long long>() >= 0 &&
-        chosen->get<long long>() < count) {
+    if (chosen != d->tree.end() && RyGltfReferences::isIndex(*chosen) && chosen->get<long long>() < count)
         return chosen->get<int>();
-    }
     return count == 0 ? -1 : 0;
 }
 

@@ -149,14 +149,8 @@ int RyGltfDocument::addNode(const QString &name, const RyGltfTransform &transfor
         return index;
     }
     d->model.sceneRoots.push_back(index);
-    const auto scenes = d->tree.find("scenes");
-    if (scenes != d->tree.end() && scenes->is_array() && !scenes->empty()) {
-        const auto chosen = d->tree.find("scene");
-        std::size_t scene = 0;
-        if (chosen != d->tree.end() && chosen->is_number_unsigned() && chosen->get<std::size_t>() < scenes->size())
-            scene = chosen->get<std::size_t>();
-        (*scenes)[scene]["nodes"].push_back(index);
-    }
+    if (const int scene = shownScene(); scene >= 0)
+        d->list("scenes")[std::size_t(scene)]["nodes"].push_back(index);
     return index;
 }
 

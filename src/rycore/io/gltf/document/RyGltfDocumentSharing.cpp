@@ -87,8 +87,8 @@ bool RyGltfDocument::Private::sharesBytes(int accessor, int users) const
     }
     for (const Json &image : listOf(tree, "images")) {
         const auto view = image.find("bufferView");
-        if (view != image.end() && view->is_number_unsigned() && view->get<std::uint64_t>() < storage.views.size() &&
-            overlap(own, viewSpan(view->get<int>())))
+        if (view != image.end() && RyGltfReferences::isIndex(*view) &&
+            view->get<std::uint64_t>() < storage.views.size() && overlap(own, viewSpan(view->get<int>())))
             return true;
     }
     // An extension may read a buffer view in ways of its own.

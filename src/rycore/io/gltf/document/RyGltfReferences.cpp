@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 using Json = RyGltfReferences::Json;
@@ -122,7 +123,7 @@ private:
 
     void visitIndex(Value &index, RyGltfList to)
     {
-        if (index.is_number_unsigned() || (index.is_number_integer() && index.template get<std::int64_t>() >= 0))
+        if (RyGltfReferences::isIndex(index))
             m_visit(to, index);
     }
 
@@ -227,11 +228,23 @@ const Json *RyGltfReferences::findList(const Json &tree, RyGltfList list)
 Json &RyGltfReferences::makeList(Json &tree, RyGltfList list)
 {
     Json *at = &tree;
-    for (const std::string &key : listKeys[std::size_t(list)])
+    for (const std::string &key : listKeys[std::size_t(list)]) {
+        if (!at->is_object())
+            *at = Json::object();
         at = &(*at)[key];
+    }
     if (!at->is_array())
         *at = Json::array();
     return *at;
+}
+
+bool RyGltfReferences::isIndex(const Json &value)
+{
+    constexpr double Limit = 9007199254740992.0; // 2^53
+    if (!value.is_number())
+        return false;
+    const double number = value.get<double>();
+    return number >= 0.0 && number <= Limit && number == std::floor(number);
 }
 
 void RyGltfReferences::visit(RyGltfList list, Json &entry, const Visit &visit)

@@ -36,9 +36,13 @@ namespace RyGltfReferences {
 
 using Json = nlohmann::ordered_json;
 
-/// Where a list lies in the tree; null where there is none. `make`: it is added then.
+/// Where a list lies in the tree; null where there is none. `make`: it is added then, and
+/// takes the place of what is no list.
 const Json *findList(const Json &tree, RyGltfList list);
 Json &makeList(Json &tree, RyGltfList list);
+
+/// Whether a value can be an index: a whole number, which may be written as 3.0, as readers take it.
+bool isIndex(const Json &value);
 
 /// Called with every index that stands in an entry of a list, and the list it points into. Indices of a wrong kind are
 /// passed over.

@@ -1,6 +1,9 @@
 #include "rycore/io/gltf/document/RyGltfSpares.h"
 
+#include "rycore/io/gltf/document/RyGltfReferences.h"
+
 #include <algorithm>
+#include <limits>
 
 using Json = RyGltfSpares::Json;
 
@@ -15,7 +18,7 @@ std::uint64_t aligned(std::uint64_t offset)
 
 void gatherNumbers(const Json &value, std::set<int> &numbers)
 {
-    if (value.is_number_integer())
+    if (RyGltfReferences::isIndex(value) && value.get<double>() <= double(std::numeric_limits<int>::max()))
         numbers.insert(value.get<int>());
     if (value.is_structured()) {
         for (const Json &each : value)

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfClipPatch.h"
 
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
@@ -52,7 +53,7 @@ void RyGltfClipPatch::findGone()
 bool RyGltfClipPatch::isGone(const Json &target) const
 {
     if (const Json *node = find(target, "node"))
-        return node->is_number_integer() && m_gone.count(node->get<int>()) > 0;
+        return RyGltfReferences::isIndex(*node) && m_gone.count(node->get<int>()) > 0;
     // KHR_animation_pointer says "/nodes/7/translation".
     const Json *extensions = find(target, "extensions");
     const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
@@ -79,7 +80,7 @@ bool RyGltfClipPatch::dropChannels(Json &clip) const
             continue;
         }
         const Json *sampler = find(*channel, "sampler");
-        if (sampler && sampler->is_number_unsigned())
+        if (sampler && RyGltfReferences::isIndex(*sampler))
             samplers.insert(sampler->get<size_t>());
         channel = channels->erase(channel);
         any = true;
@@ -102,14 +103,14 @@ void RyGltfClipPatch::dropSamplers(Json &clip, const std::set<size_t> &candidate
     Json &channels = clip["channels"];
     for (const Json &channel : channels) {
         const Json *sampler = find(channel, "sampler");
-        if (sampler && sampler->is_number_unsigned())
+        if (sampler && RyGltfReferences::isIndex(*sampler))
             dropped.erase(sampler->get<size_t>());
     }
     for (auto sampler = dropped.rbegin(); sampler != dropped.rend(); ++sampler)
         samplers->erase(*sampler);
     for (Json &channel : channels) {
         const auto sampler = channel.find("sampler");
-        if (sampler == channel.end() || !sampler->is_number_unsigned())
+        if (sampler == channel.end() || !RyGltfReferences::isIndex(*sampler))
             continue;
         const auto before = sampler->get<size_t>();
         *sampler = before - size_t(std::distance(dropped.begin(), dropped.lower_bound(before)));

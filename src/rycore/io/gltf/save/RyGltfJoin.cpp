@@ -87,6 +87,28 @@ bool RyGltfJoin::add(const RyGltfOrigin &other, QString *error)
     return true;
 }
 
+/// Nodes of the trees that are marked as removed and were not read for that: all of them, whatever they hold.
+std::vector<bool> RyGltfJoin::findPassedOver(const RyGltfOrigin &origin, const std::vector<int> &preOrder)
+{
+    const RyGltfModel &model = origin.document->model();
+    std::vector<int> tops(model.nodes.size(), -1);
+    for (const int node : preOrder) {
+        const int parent = model.nodes[size_t(node)].parent;
+        tops[size_t(node)] = parent >= 0 ? tops[size_t(parent)] : node;
+    }
+    std::vector<bool> wasRead(model.nodes.size(), false);
+    for (const RyGltfNodeSource &source : origin.nodes)
+        wasRead[size_t(tops[size_t(source.node)])] = true;
+    std::vector<bool> result(model.nodes.size(), false);
+    for (const int node : preOrder) {
+        const int top = tops[size_t(node)];
+        result[size_t(node)] = node == top
+                                   ? !wasRead[size_t(top)] && RyTreeExtras::isRemoved(*origin.document, "nodes", top)
+                                   : result[size_t(top)];
+    }
+    return result;
+}
+
 /// Nodes of figures and props that are gone, with what only they hold.
 std::set<int> RyGltfJoin::nodesToLeaveOut(const RyGltfOrigin &origin)
 {
@@ -97,9 +119,11 @@ std::set<int> RyGltfJoin::nodesToLeaveOut(const RyGltfOrigin &origin)
         Stays
     };
     std::vector<State> states(model.nodes.size(), Plain);
+    const std::vector<int> order = ryGltfPreOrder(model);
+    const std::vector<bool> isPassedOver = findPassedOver(origin, order);
     for (size_t node = 0; node < model.nodes.size(); ++node) {
         const auto &json = origin.document->json()["nodes"][node];
-        if (RyTreeExtras::isRemoved(*origin.document, "nodes", int(node)))
+        if (isPassedOver[node])
             states[node] = Gone;
         else if (json.contains("mesh") || json.contains("camera") || json.contains("extensions"))
             states[node] = Stays;
@@ -112,7 +136,6 @@ std::set<int> RyGltfJoin::nodesToLeaveOut(const RyGltfOrigin &origin)
         const bool isOfFigure = source.isBone && isThere(origin.figures[size_t(source.figure)].sceneNode);
         states[size_t(source.node)] = isThere(source.sceneNode) || isOfFigure ? Stays : Gone;
     }
-    const std::vector<int> order = ryGltfPreOrder(model);
     std::vector<bool> isBelowGone(model.nodes.size(), false), stays(model.nodes.size(), false);
     for (const int node : order) {
         const int parent = model.nodes[size_t(node)].parent;

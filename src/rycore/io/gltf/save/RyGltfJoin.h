@@ -28,6 +28,7 @@ public:
     std::unique_ptr<RyGltfOrigin> take() { return std::move(m_joined); }
 
 private:
+    static std::vector<bool> findPassedOver(const RyGltfOrigin &origin, const std::vector<int> &preOrder);
     static std::set<int> nodesToLeaveOut(const RyGltfOrigin &origin);
     static const RyGltfFigureSource *onlyFigure(const RyGltfOrigin &origin);
     void addSources(const RyGltfOrigin &other, const RyGltfPlaces &places);

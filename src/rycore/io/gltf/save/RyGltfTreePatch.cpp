@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 
 #include <nlohmann/json.hpp>
@@ -51,9 +52,14 @@ int RyGltfTreePatch::sceneCount() const
 
 std::vector<int> RyGltfTreePatch::sceneRoots(int scene) const
 {
-    const Json &entry = m_document.json()["scenes"][size_t(scene)];
-    const auto roots = entry.find("nodes");
-    return roots == entry.end() ? std::vector<int>() : roots->get<std::vector<int>>();
+    const Json *entry = RyExtrasJson::entry(m_document.json(), "scenes", scene);
+    const Json *list = entry ? RyExtrasJson::find(*entry, "nodes") : nullptr;
+    std::vector<int> roots;
+    for (const Json &root : list && list->is_array() ? *list : Json::array()) {
+        if (RyGltfReferences::isIndex(root) && root.get<size_t>() < m_document.model().nodes.size())
+            roots.push_back(root.get<int>());
+    }
+    return roots;
 }
 
 void RyGltfTreePatch::setSceneRoots(int scene, const std::vector<int> &roots)
