@@ -92,13 +92,15 @@ private slots:
         first.tree["scenes"][0]["extensions"] = "text";
         first.tree["scenes"][1]["nodes"] = {6, 99, "text"};
         FigureSketch second = richSketch(" two", 2.0);
-        second.tree["scenes"][0]["extensions"] = {1, 2};
+        second.tree["scenes"][0]["extensions"] = {{"KHR_xmp_json_ld", {{"packet", 0}}}};
+        second.tree["scenes"][1]["extensions"] = {1, 2};
         MergedScene merged({first.write(path("first")), second.write(path("second"))});
         merged.save(path("saved"));
         QCOMPARE(MergedScene({path("saved")}).bones().size(), size_t(4));
         const json tree = GltfEvaluator(path("saved").toStdString()).tree();
         QCOMPARE(tree["extensions"]["KHR_lights_punctual"]["lights"].size(), size_t(2));
         QVERIFY(tree["extensionsUsed"].is_array());
+        QCOMPARE(tree["scenes"][0]["extensions"], second.tree["scenes"][0]["extensions"]);
     }
 
 private:
