@@ -150,6 +150,16 @@ private slots:
         QVERIFY2(all <= used, qPrintable(QStringLiteral("%1 of %2").arg(used).arg(all)));
     }
 
+    /// Figures and props on a figure itself, between its bones.
+    void onTheFigure()
+    {
+        MergedScene merged({FigureSketch().write(path("first")), animated(3.0).write(path("second"))});
+        RySkeleton *figure = merged.figure(0);
+        QVERIFY(figure->addNodeChild(merged.figure(1)));
+        QVERIFY(figure->addNodeChild(merged.scene.findNode(QStringLiteral("high"))));
+        QCOMPARE(merged.check(path("saved")), QString());
+    }
+
     /// A prop from an OBJ file that was there first, with a figure on it or beside it.
     void objFirst_data()
     {

@@ -3,6 +3,8 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyCamera.h"
 
 #include <algorithm>
 #include <set>
@@ -19,7 +21,7 @@ public:
 
 private:
     const RyGltfNodeSource *rootOf(const RyGltfFigureSource &figure) const;
-    bool isElsewhere(const RyGltfFigureSource &figure) const;
+    bool needsOne(const RyGltfFigureSource &figure) const;
     std::vector<bool> findOthers(const RyGltfFigureSource &figure) const;
     std::set<int> topsOf(const RyGltfFigureSource &figure) const;
     void add(const RyGltfFigureSource &figure, const std::set<int> &tops);
@@ -31,7 +33,7 @@ private:
 void Carriers::addAll()
 {
     for (const RyGltfFigureSource &figure : m_origin.figures) {
-        if (!figure.sceneNode || !figure.sceneNode->getScene() || !isElsewhere(figure))
+        if (!figure.sceneNode || !figure.sceneNode->getScene() || !needsOne(figure))
             continue;
         const std::set<int> tops = topsOf(figure);
         if (!tops.empty())
@@ -48,11 +50,17 @@ const RyGltfNodeSource *Carriers::rootOf(const RyGltfFigureSource &figure) const
     return found == m_origin.nodes.end() ? nullptr : &*found;
 }
 
-bool Carriers::isElsewhere(const RyGltfFigureSource &figure) const
+/// A figure stands elsewhere than in its file, or holds more than its bones.
+bool Carriers::needsOne(const RyGltfFigureSource &figure) const
 {
     const RyGltfNodeSource *root = rootOf(figure);
-    return root && !m_origin.findSource(figure.sceneNode) &&
-           (figure.sceneNode->getNodeParent() || !(figure.sceneNode->worldMap() == root->figureToWorld));
+    if (!root || m_origin.findSource(figure.sceneNode))
+        return false;
+    const std::vector<RyNode *> children = figure.sceneNode->nodeChildrenIterator();
+    return figure.sceneNode->getNodeParent() || !(figure.sceneNode->worldMap() == root->figureToWorld) ||
+           std::any_of(children.begin(), children.end(), [](const RyNode *child) {
+               return !qobject_cast<const RyBone *>(child) && !qobject_cast<const RyCamera *>(child);
+           });
 }
 
 /// Nodes that hold something which does not move with the figure, and all above them.
