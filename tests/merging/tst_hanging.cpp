@@ -2,6 +2,7 @@
 #include "MergedScene.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -194,6 +195,27 @@ private slots:
         const auto *shape = qobject_cast<RyFacetShape *>(
             RyShape::getCurrentShapeForNode(again.scene.findNode(QStringLiteral("table"))));
         QCOMPARE(shape->getFacetMesh()->getFacets()[0].count(), 4);
+    }
+
+    /// A figure made from a mesh of no glTF file, on such a mesh.
+    void madeFigureOnProp()
+    {
+        for (const char *name : {"table", "vase"}) {
+            QFile obj(path(name, ".obj"));
+            QVERIFY(obj.open(QIODevice::WriteOnly));
+            obj.write("g top\nv 0 0 0\nv 90 0 0\nv 90 70 0\nv 0 70 0\nf 1 2 3 4\n");
+        }
+        MergedScene made({path("table", ".obj"), path("vase", ".obj")});
+        RyFigure *vase = RyFigure::convertPropToFigure(made.scene.findNode(QStringLiteral("vase")),
+                                                       QStringLiteral("foot"), false, false);
+        QVERIFY(made.scene.findNode(QStringLiteral("table"))->addNodeChild(vase));
+        vase->getYTransControl()->setValue(70.0f);
+        made.save(path("made"));
+        CharacterScene again(path("made"));
+        QCOMPARE(again.scene.getSkeletons().size(), size_t(1));
+        QCOMPARE(again.scene.getSkeletons()[0]->getNodeParent()->getName(), QStringLiteral("table"));
+        QVERIFY(again.scene.getSkeletons()[0]->getObject());
+        QVERIFY(largestDistance(again.shown(), positionsOf(again.file, again.unit())) <= 2e-5 * again.height);
     }
 
     /// What was removed brings nothing: no nodes, no bytes, no clips.

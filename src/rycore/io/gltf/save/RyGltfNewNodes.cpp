@@ -112,6 +112,7 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
         RyAffine parentBind;
     };
     std::vector<Pending> pending{{&root, rootParent, rootParentBind}};
+    std::vector<const RyNode *> figures; // that hang on something
     while (!pending.empty()) {
         const Pending next = pending.back();
         pending.pop_back();
@@ -122,12 +123,16 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
         const int index = m_document.addNode(next.node->getName(),
                                              transformOf(bind * localPose * next.parentBind.inverse()), next.parent);
         m_nodeOf.add(next.node, index);
-        if (meshOf(*next.node))
+        if (!ryOwnBones(*next.node).empty())
+            figures.push_back(next.node);
+        else if (meshOf(*next.node))
             addMeshOf(*next.node, index, bind);
         const std::vector<RyNode *> children = next.node->nodeChildrenIterator();
         for (auto child = children.rbegin(); child != children.rend(); ++child)
             pending.push_back({*child, index, bind});
     }
+    for (const RyNode *figure : figures)
+        addSkinnedMesh(*figure);
 }
 
 void RyGltfNewNodes::addMeshOf(const RyNode &node, int fileNode, const RyAffine &frame)
