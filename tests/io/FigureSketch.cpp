@@ -68,7 +68,8 @@ int FigureSketch::addBytes(const std::string &bytes, size_t numbers, int compone
 {
     while (m_data.size() % 4)
         m_data.push_back('\0');
-    static const std::map<std::string, size_t> sizes = {{"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3}, {"VEC4", 4}, {"MAT4", 16}};
+    static const std::map<std::string, size_t> sizes = {
+        {"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3}, {"VEC4", 4}, {"MAT4", 16}};
     tree["bufferViews"].push_back({{"buffer", 0}, {"byteOffset", m_data.size()}, {"byteLength", bytes.size()}});
     tree["accessors"].push_back({{"bufferView", tree["bufferViews"].size() - 1},
                                  {"componentType", componentType},
