@@ -235,7 +235,7 @@ void UndoItemsRandomTest::programs()
     for (int program = 0; program < programs; ++program) {
         const unsigned seed = ryTestSeed() + unsigned(program);
         start(seed);
-        for (int step = 0; step < 300; ++step) {
+        for (int step = 0; step < 450; ++step) {
             QString wrong = act(kinds);
             const RyUndoStack *stack = ryUndoStack();
             for (size_t i = 0; i < m_history.steps.size() && wrong.isEmpty(); ++i) {
@@ -256,7 +256,7 @@ void UndoItemsRandomTest::programs()
         const QString wrong = difference(state(), m_history.states.front());
         QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1, at the end: %2").arg(seed).arg(wrong)));
     }
-    QVERIFY(m_compared > 10 * programs && m_deleted > programs);
+    QVERIFY(m_compared > 15 * programs && m_deleted > programs);
 }
 
 RY_TEST(UndoItemsRandomTest)
