@@ -64,6 +64,16 @@ int FigureSketch::addBinds(const std::vector<Eigen::Matrix4d> &binds)
     return add<float>(numbers, 5126, "MAT4");
 }
 
+void FigureSketch::addTurningClip(int node)
+{
+    const int times = add<float>({0.0f, 1.0f}, 5126, "SCALAR");
+    tree["accessors"].back()["min"] = {0.0};
+    tree["accessors"].back()["max"] = {1.0};
+    const int turns = add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
+    tree["animations"] = {{{"samplers", {{{"input", times}, {"output", turns}}}},
+                           {"channels", {{{"sampler", 0}, {"target", {{"node", node}, {"path", "rotation"}}}}}}}};
+}
+
 int FigureSketch::addBytes(const std::string &bytes, size_t numbers, int componentType, const std::string &type)
 {
     while (m_data.size() % 4)

@@ -33,6 +33,9 @@ public:
     /// Overwrites one float of an accessor.
     void set(int accessor, size_t number, float value);
 
+    /// The only clip: it turns a node.
+    void addTurningClip(int node);
+
     /// Writes a .gltf file with the data inside.
     QString write(const QString &path) const;
 

@@ -94,13 +94,7 @@ private slots:
     void theOnlyClip()
     {
         FigureSketch sketch;
-        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
-        sketch.tree["accessors"].back()["min"] = {0.0};
-        sketch.tree["accessors"].back()["max"] = {1.0};
-        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
-        sketch.tree["animations"] = {
-            {{"samplers", {{{"input", times}, {"output", turns}}}},
-             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
+        sketch.addTurningClip(2);
         CharacterScene scene(sketch.write(path("before")));
         RigEdits::deleteBone(scene.scene, scene.bones()[1]);
         QCOMPARE(save(scene, "after").filter(QStringLiteral("animation 0")).size(), 1);
@@ -113,13 +107,7 @@ private slots:
         FigureSketch sketch;
         sketch.tree["cameras"] = {{{"type", "perspective"}, {"perspective", {{"yfov", 0.8}, {"znear", 0.1}}}}};
         sketch.tree["nodes"][2]["camera"] = 0;
-        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
-        sketch.tree["accessors"].back()["min"] = {0.0};
-        sketch.tree["accessors"].back()["max"] = {1.0};
-        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 1, 0, 0}, 5126, "VEC4");
-        sketch.tree["animations"] = {
-            {{"samplers", {{{"input", times}, {"output", turns}}}},
-             {"channels", {{{"sampler", 0}, {"target", {{"node", 2}, {"path", "rotation"}}}}}}}};
+        sketch.addTurningClip(2);
         CharacterScene scene(sketch.write(path("before")));
         RigEdits::deleteBone(scene.scene, scene.bones()[1]);
         save(scene, "after");

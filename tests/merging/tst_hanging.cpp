@@ -280,14 +280,7 @@ private:
         sketch.tree["nodes"][0]["rotation"] = {0.5, 0.5, 0.5, 0.5};
         sketch.tree["nodes"][1]["name"] = "low two";
         sketch.tree["nodes"][2]["name"] = "high two";
-        const int times = sketch.add<float>({0.0f, 1.0f}, 5126, "SCALAR");
-        sketch.tree["accessors"][size_t(times)]["min"] = {0.0};
-        sketch.tree["accessors"][size_t(times)]["max"] = {1.0};
-        const int turns = sketch.add<float>({0, 0, 0, 1, 0, 0, 1, 0}, 5126, "VEC4");
-        sketch.tree["animations"] = {
-            {{"name", "turn"},
-             {"samplers", {{{"input", times}, {"output", turns}}}},
-             {"channels", {{{"sampler", 0}, {"target", {{"node", 1}, {"path", "rotation"}}}}}}}};
+        sketch.addTurningClip(1);
         return sketch;
     }
 
