@@ -52,6 +52,8 @@ RyGltfAppender::RyGltfAppender(RyGltfDocument &target, const RyGltfDocument &fro
         m_isDropped[std::size_t(list)].assign(listOf(RyGltfList(list)).size(), false);
     leaveOutUnknown(m_tree);
     dropNodes(leftOut);
+    if (leftOut.empty())
+        return;
     pruneAnimations();
     dropUnused();
 }
@@ -124,6 +126,9 @@ void RyGltfAppender::pruneAnimations()
         const Json *samplersBefore = memberOf(animation, "samplers");
         if (!channelsBefore || !channelsBefore->is_array() || !samplersBefore || !samplersBefore->is_array())
             continue;
+        if (std::all_of(channelsBefore->begin(), channelsBefore->end(),
+                        [this](const Json &channel) { return isDriven(channel); }))
+            continue; // as it was, samplers that several channels share included
         Json channels = Json::array();
         Json samplers = Json::array();
         for (const Json &channel : *channelsBefore) {
@@ -137,8 +142,6 @@ void RyGltfAppender::pruneAnimations()
             samplers.push_back((*samplersBefore)[sampler->get<std::size_t>()]);
             channels.back()["sampler"] = samplers.size() - 1;
         }
-        if (channels.size() == channelsBefore->size())
-            continue; // as it was, samplers that several channels share included
         m_isDropped[std::size_t(RyGltfList::Animations)][a] = channels.empty();
         animation["channels"] = std::move(channels);
         animation["samplers"] = std::move(samplers);
@@ -185,24 +188,31 @@ void RyGltfAppender::leaveOutUnknown(Json &value)
     }
     if (!value.is_object())
         return;
-    if (const auto extensions = value.find("extensions"); extensions != value.end() && extensions->is_object()) {
-        Json kept = Json::object();
-        for (auto &[name, extension] : extensions->items()) {
-            const bool isEmpty = extension.is_object() && extension.empty();
-            if (isEmpty || RyGltfReferences::knowsExtension(QString::fromStdString(name)))
-                kept[name] = std::move(extension);
-            else
-                m_unknown.insert(name);
-        }
-        if (kept.empty())
-            value.erase("extensions");
+    Json *extensions = nullptr;
+    for (auto &[key, member] : *value.get_ptr<Json::object_t *>()) {
+        if (!member.is_structured() || key == "extras")
+            continue;
+        if (key == "extensions" && member.is_object())
+            extensions = &member;
         else
-            value["extensions"] = std::move(kept);
-    }
-    for (auto &[key, member] : value.items()) {
-        if (key != "extras" && member.is_structured())
             leaveOutUnknown(member);
     }
+    if (!extensions)
+        return;
+    Json kept = Json::object();
+    for (auto &[name, extension] : *extensions->get_ptr<Json::object_t *>()) {
+        const bool isEmpty = extension.is_object() && extension.empty();
+        if (isEmpty || RyGltfReferences::knowsExtension(QString::fromStdString(name))) {
+            leaveOutUnknown(extension);
+            kept[name] = std::move(extension);
+        } else {
+            m_unknown.insert(name);
+        }
+    }
+    if (kept.empty())
+        value.erase("extensions");
+    else
+        *extensions = std::move(kept);
 }
 
 // --- What is brought over

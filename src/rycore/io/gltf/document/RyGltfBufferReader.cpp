@@ -122,14 +122,14 @@ RyGltfAccessor RyGltfBufferReader::readAccessor(const RyGltfCursor &cursor, RyGl
     layout.componentSize = RyGltfAccessorReader::componentSize(accessor.componentType);
     if (layout.componentSize == 0)
         cursor.refuse(QStringLiteral("unknown component type %1").arg(accessor.componentType));
-    const QString typeName = cursor.text("type");
+    const std::string *typeName = cursor.rawText("type");
     const ElementType *type = nullptr;
     for (const ElementType &candidate : elementTypes) {
-        if (typeName == QLatin1String(candidate.name))
+        if (typeName && *typeName == candidate.name)
             type = &candidate;
     }
     if (!type)
-        cursor.refuse(QStringLiteral("unknown type \"%1\"").arg(typeName));
+        cursor.refuse(QStringLiteral("unknown type \"%1\"").arg(cursor.text("type")));
     accessor.componentCount = type->columns * type->rows;
     layout.rows = type->rows;
     layout.columnStride = type->rows * layout.componentSize;

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 using Json = nlohmann::ordered_json;
@@ -49,10 +50,11 @@ void RyGltfCursor::refuse(const QString &reason) const
 
 RyGltfCursor RyGltfCursor::step(const Json *value, const char *key, int index) const
 {
-    RyGltfCursor result = *this;
-    result.m_value = value;
+    RyGltfCursor result(*value);
+    std::copy_n(m_path.begin(), m_depth, result.m_path.begin());
+    result.m_depth = m_depth;
     if (m_depth < int(m_path.size()))
-        result.m_path[result.m_depth++] = {key, index};
+        result.m_path[std::size_t(result.m_depth++)] = {key, index};
     return result;
 }
 
@@ -137,20 +139,26 @@ bool RyGltfCursor::asCount(std::uint64_t &result) const
     return false;
 }
 
+std::uint64_t RyGltfCursor::asSize() const
+{
+    std::uint64_t result = 0;
+    if (!asCount(result))
+        refuse(QStringLiteral("%1 is not a valid size").arg(shown(*m_value)));
+    return result;
+}
+
 std::uint64_t RyGltfCursor::count(const char *key, std::uint64_t absent) const
 {
     const RyGltfCursor found = member(key);
-    std::uint64_t result = absent;
-    if (found.exists() && !found.asCount(result))
-        found.refuse(QStringLiteral("%1 is not a valid size").arg(shown(*found.m_value)));
-    return result;
+    return found.exists() ? found.asSize() : absent;
 }
 
 std::uint64_t RyGltfCursor::count(const char *key) const
 {
-    if (!has(key))
+    const RyGltfCursor found = member(key);
+    if (!found.exists())
         refuse(QStringLiteral("has no \"%1\"").arg(QString::fromUtf8(key)));
-    return count(key, 0);
+    return found.asSize();
 }
 
 int RyGltfCursor::asIndex(int limit, const char *kind) const

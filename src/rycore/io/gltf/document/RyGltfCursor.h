@@ -62,6 +62,7 @@ private:
     };
     RyGltfCursor step(const nlohmann::ordered_json *value, const char *key, int index) const;
     bool asCount(std::uint64_t &result) const;
+    std::uint64_t asSize() const;
 
     const nlohmann::ordered_json *m_value;
     std::array<Segment, 10> m_path;
