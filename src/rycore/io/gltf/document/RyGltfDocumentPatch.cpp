@@ -36,6 +36,7 @@ const char *typeName(int componentCount)
 
 Json &RyGltfDocument::Private::list(const char *key)
 {
+    isPatched = true;
     Json &result = tree[key];
     if (!result.is_array())
         result = Json::array();
@@ -151,8 +152,9 @@ void RyGltfDocument::Private::setBounds(int accessor, std::span<const float> val
 
 void RyGltfDocument::reuseSpares()
 {
-    d->spareAccessors = RyGltfSpares(*d).accessors();
-    d->spareViews = RyGltfSpares(*d).views();
+    const RyGltfSpares spares(*d);
+    d->spareAccessors = spares.accessors();
+    d->spareViews = spares.views();
     std::reverse(d->spareAccessors.begin(), d->spareAccessors.end());
     std::reverse(d->spareViews.begin(), d->spareViews.end());
 }
@@ -161,7 +163,10 @@ void RyGltfDocument::dropUnused()
 {
     d->spareAccessors.clear();
     d->spareViews.clear();
-    RyGltfSpares(*d).drop();
+    RyGltfSpares spares(*d);
+    if (spares.accessors().empty() && spares.views().empty())
+        return;
+    spares.drop();
     d->readModel(nullptr);
 }
 

@@ -23,8 +23,9 @@ struct RyGltfDocument::Private
 
     QString path; // of the file that was read
     Form form = NoForm;
-    QByteArray file;     // its bytes
-    QByteArray jsonText; // the part of them the tree came from
+    QByteArray file;        // its bytes
+    QByteArray jsonText;    // the part of them the tree came from
+    bool isPatched = false; // whether the tree was handed out to be changed
     std::vector<RyGlbContainer::Chunk> otherChunks;
 
     std::vector<int> spareAccessors, spareViews; // places to use again, the last first

@@ -28,14 +28,20 @@ void gatherNumbers(const Json &value, std::set<int> &numbers)
 
 void gatherFromExtensions(const Json &value, std::set<int> &numbers)
 {
-    if (!value.is_structured())
-        return;
-    for (const auto &[key, each] : value.items()) {
-        if (value.is_object() && key == "extensions")
-            gatherNumbers(each, numbers);
-        else
+    if (const auto *elements = value.get_ptr<const Json::array_t *>()) {
+        for (const Json &each : *elements)
             gatherFromExtensions(each, numbers);
+    } else if (const auto *members = value.get_ptr<const Json::object_t *>()) {
+        for (const auto &[key, each] : *members)
+            key == "extensions" ? gatherNumbers(each, numbers) : gatherFromExtensions(each, numbers);
     }
+}
+
+const Json &listOf(const Json &tree, const char *key)
+{
+    static const Json none = Json::array();
+    const auto found = tree.find(key);
+    return found == tree.end() ? none : *found;
 }
 
 /// The entries of a list that are marked and stand for none of the numbers.
@@ -68,84 +74,93 @@ bool RyGltfSpares::isMade(const Json &entry)
     return made != ours->end() && *made == Json(true);
 }
 
-/// Any number in an extension may be the place of something.
-std::set<int> RyGltfSpares::namedByExtensions() const
+RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
 {
-    std::set<int> numbers;
-    gatherFromExtensions(d.tree, numbers);
-    return numbers;
+    const auto hasMade = [this](const char *list) {
+        const Json &entries = listOf(d.tree, list);
+        return std::any_of(entries.begin(), entries.end(), isMade);
+    };
+    if (!hasMade("accessors") && !hasMade("bufferViews"))
+        return;
+    // Any number in an extension may be the place of something.
+    std::set<int> named;
+    gatherFromExtensions(d.tree, named);
+    findAccessors(named);
+    findViews(std::move(named));
 }
 
-std::vector<int> RyGltfSpares::accessors() const
+void RyGltfSpares::findAccessors(const std::set<int> &named)
 {
     const std::vector<int> &counts = d.countUses();
     std::vector<bool> used(counts.size());
     std::transform(counts.begin(), counts.end(), used.begin(), [](int count) { return count > 0; });
-    for (const int number : namedByExtensions()) {
+    for (const int number : named) {
         if (number >= 0 && size_t(number) < used.size())
             used[size_t(number)] = true;
     }
-    return madeBut(used, d.tree.value("accessors", Json::array()));
+    m_accessors = madeBut(used, listOf(d.tree, "accessors"));
 }
 
-std::vector<int> RyGltfSpares::views() const
+void RyGltfSpares::findViews(std::set<int> named)
 {
-    std::set<int> named = namedByExtensions();
     std::vector<bool> isSpare(d.model.accessors.size(), false);
-    for (const int accessor : accessors())
+    for (const int accessor : m_accessors)
         isSpare[size_t(accessor)] = true;
+    std::vector<bool> used(d.storage.views.size(), false);
+    const auto use = [&used](int view) {
+        if (view >= 0 && size_t(view) < used.size())
+            used[size_t(view)] = true;
+    };
     for (size_t i = 0; i < d.model.accessors.size(); ++i) {
         if (isSpare[i])
             continue;
-        named.insert(d.model.accessors[i].bufferView);
-        if (d.model.accessors[i].sparse)
-            named.insert({d.storage.layouts[i].sparse.indexView, d.storage.layouts[i].sparse.valueView});
+        use(d.model.accessors[i].bufferView);
+        if (d.model.accessors[i].sparse) {
+            use(d.storage.layouts[i].sparse.indexView);
+            use(d.storage.layouts[i].sparse.valueView);
+        }
     }
-    for (const Json &image : d.tree.value("images", Json::array())) {
+    for (const Json &image : listOf(d.tree, "images")) {
         if (image.contains("bufferView"))
             gatherNumbers(image["bufferView"], named);
     }
-    std::vector<bool> used(d.storage.views.size(), false);
-    for (const int view : named) {
-        if (view >= 0 && size_t(view) < used.size())
-            used[size_t(view)] = true;
-    }
-    return madeBut(used, d.tree.value("bufferViews", Json::array()));
+    for (const int number : named)
+        use(number);
+    m_views = madeBut(used, listOf(d.tree, "bufferViews"));
 }
 
 void RyGltfSpares::drop()
 {
-    const std::vector<int> unusedViews = views();
-    dropAccessors(accessors());
+    dropAccessors();
     if (std::any_of(d.storage.views.begin(), d.storage.views.end(),
                     [this](const auto &view) { return view.buffer == int(d.storage.buffers.size()) - 1; }))
-        closeUp(unusedViews);
-    dropViews(unusedViews);
+        closeUp();
+    dropViews();
     d.useCountsValid = false;
 }
 
-void RyGltfSpares::dropAccessors(const std::vector<int> &unused)
+void RyGltfSpares::dropAccessors()
 {
-    if (unused.empty())
+    if (m_accessors.empty())
         return;
     Json &list = d.list("accessors");
-    for (const int accessor : unused) {
+    for (const int accessor : m_accessors) {
         Json entry{{"componentType", 5121}, {"count", 1}, {"type", "SCALAR"}};
         mark(entry);
         list[size_t(accessor)] = std::move(entry);
     }
-    for (auto last = unused.rbegin(); last != unused.rend() && size_t(*last) + 1 == list.size(); ++last)
+    for (auto last = m_accessors.rbegin(); last != m_accessors.rend() && size_t(*last) + 1 == list.size(); ++last)
         list.erase(list.size() - 1);
     if (list.empty())
         d.tree.erase("accessors");
 }
 
-void RyGltfSpares::dropViews(const std::vector<int> &unused)
+void RyGltfSpares::dropViews()
 {
-    if (unused.empty())
+    if (m_views.empty())
         return;
     Json &list = d.list("bufferViews");
-    for (auto last = unused.rbegin(); last != unused.rend() && size_t(*last) + 1 == list.size(); ++last)
+    for (auto last = m_views.rbegin(); last != m_views.rend() && size_t(*last) + 1 == list.size(); ++last)
         list.erase(list.size() - 1);
     if (list.empty())
         d.tree.erase("bufferViews");
@@ -173,7 +188,7 @@ std::uint64_t RyGltfSpares::endOfOthers(int buffer) const
     return end;
 }
 
-void RyGltfSpares::closeUp(const std::vector<int> &unused)
+void RyGltfSpares::closeUp()
 {
     const int last = int(d.storage.buffers.size()) - 1;
     RyGltfBuffer &buffer = d.storage.buffers[size_t(last)];
@@ -192,7 +207,7 @@ void RyGltfSpares::closeUp(const std::vector<int> &unused)
         end = std::max(end, view.offset + view.length);
     }
     // Bytes behind all views are not ours.
-    if (ours.empty() || unused.empty() || std::uint64_t(buffer.bytes.size()) > aligned(end))
+    if (ours.empty() || m_views.empty() || std::uint64_t(buffer.bytes.size()) > aligned(end))
         return;
     std::stable_sort(ours.begin(), ours.end(), [this](int a, int b) {
         return d.storage.views[size_t(a)].offset < d.storage.views[size_t(b)].offset;
@@ -201,7 +216,7 @@ void RyGltfSpares::closeUp(const std::vector<int> &unused)
     Json &list = d.list("bufferViews");
     for (const int i : ours) {
         RyGltfBufferView &view = d.storage.views[size_t(i)];
-        if (std::binary_search(unused.begin(), unused.end(), i)) {
+        if (std::binary_search(m_views.begin(), m_views.end(), i)) {
             // It keeps its place among the views, and says where the bytes of ours begin.
             view = {last, start, smallestView, 0};
             Json entry{{"buffer", last}, {"byteOffset", start}, {"byteLength", smallestView}};

@@ -12,24 +12,27 @@ class RyGltfSpares
 public:
     using Json = nlohmann::ordered_json;
 
-    explicit RyGltfSpares(RyGltfDocument::Private &document) : d(document) {}
+    /// Finds what is made by us and used by nothing; what only such accessors use counts as well.
+    explicit RyGltfSpares(RyGltfDocument::Private &document);
 
     static void mark(Json &entry);
     static bool isMade(const Json &entry);
 
-    /// Made by us and used by nothing, in ascending order; what only such accessors use counts as well.
-    std::vector<int> accessors() const;
-    std::vector<int> views() const;
+    /// In ascending order.
+    const std::vector<int> &accessors() const { return m_accessors; }
+    const std::vector<int> &views() const { return m_views; }
     /// Takes them away at the ends of their lists, leaves them empty elsewhere, and closes up what we made at the end
     /// of the last buffer. The model does not follow.
     void drop();
 
 private:
-    std::set<int> namedByExtensions() const;
-    void dropAccessors(const std::vector<int> &unused);
-    void dropViews(const std::vector<int> &unused);
+    void findAccessors(const std::set<int> &named);
+    void findViews(std::set<int> named);
+    void dropAccessors();
+    void dropViews();
     std::uint64_t endOfOthers(int buffer) const;
-    void closeUp(const std::vector<int> &unused);
+    void closeUp();
 
     RyGltfDocument::Private &d;
+    std::vector<int> m_accessors, m_views;
 };

@@ -39,7 +39,7 @@ bool RyGltfSkinPatch::apply(QString *error)
         separateMeshes(figure);
         writeJoints(figure);
     }
-    if (!m_tree.finish(error))
+    if (m_tree.isChanged() && !m_tree.finish(error))
         return false;
     for (const Figure &figure : figures) {
         writeBinds(figure);

@@ -72,7 +72,7 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
             gatherRoots(figure);
     }
     writeLists();
-    return m_tree.finish(error);
+    return !m_tree.isChanged() || m_tree.finish(error);
 }
 
 void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources)

@@ -28,9 +28,15 @@ void setIndex(Json &object, const char *key, int index)
 
 } // namespace
 
+Json &RyGltfTreePatch::changingTree()
+{
+    m_isChanged = true;
+    return m_document.json();
+}
+
 int RyGltfTreePatch::addNode(const QString &name)
 {
-    Json &nodes = m_document.json()["nodes"];
+    Json &nodes = changingTree()["nodes"];
     Json entry = Json::object();
     if (!name.isEmpty())
         entry["name"] = name.toStdString();
@@ -40,7 +46,7 @@ int RyGltfTreePatch::addNode(const QString &name)
 
 void RyGltfTreePatch::setChildren(int node, const std::vector<int> &children)
 {
-    setList(m_document.json()["nodes"][size_t(node)], "children", children);
+    setList(changingTree()["nodes"][size_t(node)], "children", children);
 }
 
 int RyGltfTreePatch::sceneCount() const
@@ -64,12 +70,12 @@ std::vector<int> RyGltfTreePatch::sceneRoots(int scene) const
 
 void RyGltfTreePatch::setSceneRoots(int scene, const std::vector<int> &roots)
 {
-    setList(m_document.json()["scenes"][size_t(scene)], "nodes", roots);
+    setList(changingTree()["scenes"][size_t(scene)], "nodes", roots);
 }
 
 void RyGltfTreePatch::setSkinJoints(int skin, const std::vector<int> &joints, bool stillAbove)
 {
-    Json &json = m_document.json()["skins"][size_t(skin)];
+    Json &json = changingTree()["skins"][size_t(skin)];
     json["joints"] = joints;
     if (!stillAbove)
         json.erase("skeleton");
@@ -77,7 +83,7 @@ void RyGltfTreePatch::setSkinJoints(int skin, const std::vector<int> &joints, bo
 
 int RyGltfTreePatch::cloneMesh(int mesh)
 {
-    Json &meshes = m_document.json()["meshes"];
+    Json &meshes = changingTree()["meshes"];
     Json copy = meshes[size_t(mesh)];
     meshes.push_back(std::move(copy));
     return int(meshes.size()) - 1;
@@ -85,7 +91,7 @@ int RyGltfTreePatch::cloneMesh(int mesh)
 
 int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<int, int>> &primitives)
 {
-    Json &meshes = m_document.json()["meshes"];
+    Json &meshes = changingTree()["meshes"];
     Json entry = Json::object();
     if (!name.isEmpty())
         entry["name"] = name.toStdString();
@@ -111,7 +117,7 @@ int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<
 
 void RyGltfTreePatch::setNodeMesh(int node, int mesh, int skin)
 {
-    Json &json = m_document.json()["nodes"][size_t(node)];
+    Json &json = changingTree()["nodes"][size_t(node)];
     setIndex(json, "mesh", mesh);
     setIndex(json, "skin", skin);
     if (mesh < 0)
@@ -126,5 +132,6 @@ bool RyGltfTreePatch::hasContent(int node) const
 
 bool RyGltfTreePatch::finish(QString *error)
 {
+    m_isChanged = false;
     return m_document.refresh(error);
 }

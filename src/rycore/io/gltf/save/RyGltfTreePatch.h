@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <QString>
 
 #include <vector>
@@ -31,9 +33,14 @@ public:
     void setNodeMesh(int node, int mesh, int skin);
     /// Whether the node holds something by itself: a mesh, a camera, an extension.
     bool hasContent(int node) const;
+    /// Whether there is anything that the model does not know of.
+    bool isChanged() const { return m_isChanged; }
     /// False with a reason when the tree is no valid one now.
     bool finish(QString *error);
 
 private:
+    nlohmann::ordered_json &changingTree();
+
     RyGltfDocument &m_document;
+    bool m_isChanged = false;
 };
