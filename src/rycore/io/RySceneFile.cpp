@@ -78,7 +78,7 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
                 QString *error, QStringList *messages, QStringList *leftOut)
 {
     QString reason;
-    std::unique_ptr<RyGltfDocument> document;
+    std::shared_ptr<const RyGltfDocument> document;
     try {
         document = RyGltfSceneWriter(origins).patch(scene, &reason, messages, leftOut);
     } catch (const std::exception &failure) {

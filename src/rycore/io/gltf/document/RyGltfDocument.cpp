@@ -15,6 +15,7 @@
 #include <QFileInfo>
 
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -63,7 +64,10 @@ void checkAsset(const RyGltfCursor &root)
 
 RyGltfDocument::RyGltfDocument() : d(std::make_unique<Private>()) {}
 
-RyGltfDocument::~RyGltfDocument() = default;
+RyGltfDocument::~RyGltfDocument()
+{
+    RyGltfJson::clear(d->tree);
+}
 
 QString RyGltfDocument::Private::folder() const
 {
@@ -147,6 +151,15 @@ std::unique_ptr<RyGltfDocument> RyGltfDocument::clone() const
 {
     std::unique_ptr<RyGltfDocument> document(new RyGltfDocument);
     *document->d = *d;
+    RyGltfJson::makeRoom(document->d->tree);
+    return document;
+}
+
+std::unique_ptr<RyGltfDocument> RyGltfDocument::moveTree()
+{
+    Private::Json tree = std::exchange(d->tree, Private::Json::object());
+    std::unique_ptr<RyGltfDocument> document = clone();
+    document->d->tree = std::move(tree);
     return document;
 }
 
@@ -195,6 +208,7 @@ const RyGltfModel &RyGltfDocument::model() const
 nlohmann::ordered_json &RyGltfDocument::json()
 {
     d->useCountsValid = false;
+    d->isPatched = true;
     return d->tree;
 }
 

@@ -80,15 +80,23 @@ bool RyGltfWriter::isAsRead(bool elsewhere) const
     }
     if (elsewhere && hasExternals())
         return false;
-    return d.tree == RyGltfJson::parse(viewOf(d.jsonText));
+    return !d.isPatched || d.tree == RyGltfJson::parse(viewOf(d.jsonText));
 }
 
-void RyGltfWriter::mergeBuffers(Json &tree, Pieces &pieces) const
+/// What is written in place of a member of the tree: a copy of it, made when it is first asked for.
+RyGltfWriter::Json &RyGltfWriter::changing(Json &changed, const char *key) const
+{
+    if (!changed.contains(key))
+        changed[key] = d.tree.value(key, Json::array());
+    return changed[key];
+}
+
+void RyGltfWriter::mergeBuffers(Json &changed, Pieces &pieces) const
 {
     std::vector<std::uint64_t> offsets;
     for (const RyGltfBuffer &buffer : d.storage.buffers)
         offsets.push_back(pieces.append(buffer.bytes));
-    if (offsets.size() < 2)
+    if (offsets.size() < 2 || !d.tree.contains("bufferViews"))
         return;
     const auto move = [&offsets](Json &object) {
         const auto found = object.find("buffer");
@@ -100,10 +108,7 @@ void RyGltfWriter::mergeBuffers(Json &tree, Pieces &pieces) const
         *found = 0;
         object["byteOffset"] = object.value("byteOffset", std::uint64_t(0)) + offsets[buffer];
     };
-    const auto views = tree.find("bufferViews");
-    if (views == tree.end())
-        return;
-    for (Json &view : *views) {
+    for (Json &view : changing(changed, "bufferViews")) {
         move(view);
         const auto extensions = view.find("extensions");
         if (extensions == view.end() || !extensions->is_object())
@@ -115,15 +120,16 @@ void RyGltfWriter::mergeBuffers(Json &tree, Pieces &pieces) const
     }
 }
 
-void RyGltfWriter::takeInImages(Json &tree, bool external, bool embedded, Pieces *pieces) const
+void RyGltfWriter::takeInImages(Json &changed, bool external, bool embedded, Pieces *pieces) const
 {
-    const auto images = tree.find("images");
-    if (images == tree.end() || !images->is_array())
+    const auto known = d.tree.find("images");
+    if (known == d.tree.end() || !known->is_array())
         return;
+    Json images = *known;
     const std::size_t viewCount = d.storage.views.size();
     Json newViews = Json::array();
-    for (std::size_t i = 0; i < images->size(); ++i) {
-        Json &image = (*images)[i];
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        Json &image = images[i];
         const auto uri = image.find("uri");
         if (uri == image.end() || !uri->is_string())
             continue;
@@ -149,9 +155,10 @@ void RyGltfWriter::takeInImages(Json &tree, bool external, bool embedded, Pieces
         image["mimeType"] = type.toStdString();
         newViews.push_back(std::move(view));
     }
+    changed["images"] = std::move(images);
     if (newViews.empty())
         return;
-    Json &views = tree["bufferViews"];
+    Json &views = changing(changed, "bufferViews");
     for (Json &view : newViews)
         views.push_back(std::move(view));
 }
@@ -159,42 +166,45 @@ void RyGltfWriter::takeInImages(Json &tree, bool external, bool embedded, Pieces
 QByteArray RyGltfWriter::composeBinary(bool elsewhere) const
 {
     const bool converted = d.form != RyGltfDocument::Private::BinaryForm;
-    Json tree = d.tree;
+    Json changed = Json::object();
+    RyGltfJson::makeRoom(changed);
     Pieces pieces;
-    mergeBuffers(tree, pieces);
-    takeInImages(tree, converted || elsewhere, converted, &pieces);
+    mergeBuffers(changed, pieces);
+    takeInImages(changed, converted || elsewhere, converted, &pieces);
     if (!pieces.list.empty()) {
         Json buffer = Json::object();
-        const auto buffers = tree.find("buffers");
-        if (buffers != tree.end() && !buffers->empty())
+        const auto buffers = d.tree.find("buffers");
+        if (buffers != d.tree.end() && !buffers->empty())
             buffer = buffers->front();
         buffer.erase("uri");
         buffer["byteLength"] = pieces.size;
-        Json list = Json::array();
-        list.push_back(std::move(buffer));
-        tree["buffers"] = std::move(list);
+        changed["buffers"] = Json::array({std::move(buffer)});
     }
-    return RyGlbContainer::join(RyGltfJson::dump(tree, {}), pieces.list, !pieces.list.empty(), d.otherChunks);
+    return RyGlbContainer::join(RyGltfJson::dump(d.tree, changed, {}), pieces.list, !pieces.list.empty(),
+                                d.otherChunks);
 }
 
 QByteArray RyGltfWriter::composeText(bool elsewhere) const
 {
-    Json tree = d.tree;
+    Json changed = Json::object();
+    RyGltfJson::makeRoom(changed);
     for (std::size_t i = 0; i < d.storage.buffers.size(); ++i) {
         const RyGltfBuffer &buffer = d.storage.buffers[i];
         const bool asIs = (buffer.source == RyGltfBuffer::DataUri && !buffer.isChanged()) ||
                           (buffer.source == RyGltfBuffer::External && !elsewhere);
-        if (!asIs)
-            tree["buffers"][i]["uri"] = RyGltfUri::encodeData(buffer.bytes, QStringLiteral("application/octet-stream"));
+        if (!asIs) {
+            changing(changed, "buffers")[i]["uri"] =
+                RyGltfUri::encodeData(buffer.bytes, QStringLiteral("application/octet-stream"));
+        }
     }
-    takeInImages(tree, elsewhere, false, nullptr);
+    takeInImages(changed, elsewhere, false, nullptr);
     RyGltfJson::Layout layout{2, ' '};
     bool endsLine = true;
     if (d.form == RyGltfDocument::Private::TextForm) {
         layout = RyGltfJson::layoutOf(viewOf(d.jsonText));
         endsLine = d.jsonText.endsWith('\n');
     }
-    QByteArray text = RyGltfJson::dump(tree, layout);
+    QByteArray text = RyGltfJson::dump(d.tree, changed, layout);
     if (endsLine)
         text.append('\n');
     return text;

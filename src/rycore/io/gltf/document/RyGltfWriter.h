@@ -29,8 +29,10 @@ private:
     bool hasExternals() const;
     QByteArray composeBinary(bool elsewhere) const;
     QByteArray composeText(bool elsewhere) const;
-    void mergeBuffers(Json &tree, Pieces &pieces) const;
-    void takeInImages(Json &tree, bool external, bool embedded, Pieces *pieces) const;
+    // `changed` gets the members of the tree that are written otherwise; most of a large tree is not.
+    Json &changing(Json &changed, const char *key) const;
+    void mergeBuffers(Json &changed, Pieces &pieces) const;
+    void takeInImages(Json &changed, bool external, bool embedded, Pieces *pieces) const;
 
     const RyGltfDocument &m_document;
     const RyGltfDocument::Private &d;

@@ -67,6 +67,8 @@ private:
             return &elements.back();
         }
         auto &members = *parent.get_ptr<Json::object_t *>();
+        if (members.size() == members.capacity())
+            RyGltfJson::makeRoom(parent);
         members.emplace_back(std::move(m_key), std::move(value));
         return &members.back().second;
     }
@@ -111,6 +113,30 @@ Json RyGltfJson::parse(std::string_view text)
     return root;
 }
 
+void RyGltfJson::makeRoom(Json &object)
+{
+    auto &members = object.get_ref<Json::object_t &>();
+    Json::object_t larger;
+    larger.reserve(std::max<std::size_t>(4, 2 * members.size()));
+    for (auto &[key, value] : members)
+        larger.emplace_back(key, std::move(value));
+    members.swap(larger);
+}
+
+void RyGltfJson::clear(Json &tree)
+{
+    if (!tree.is_structured())
+        return;
+    if (auto *elements = tree.get_ptr<Json::array_t *>()) {
+        for (Json &each : *elements)
+            clear(each);
+    } else {
+        for (auto &[key, each] : tree.get_ref<Json::object_t &>())
+            clear(each);
+    }
+    tree.clear();
+}
+
 RyGltfJson::Layout RyGltfJson::layoutOf(std::string_view text)
 {
     std::size_t at = text.find('{');
@@ -129,12 +155,35 @@ RyGltfJson::Layout RyGltfJson::layoutOf(std::string_view text)
     return {width, width > 0 ? text[at] : ' '};
 }
 
-QByteArray RyGltfJson::dump(const Json &tree, Layout layout)
+QByteArray RyGltfJson::dump(const Json &tree, const Json &changed, Layout layout)
 {
+    const bool hasLines = layout.width >= 0;
+    const std::string lineBreak = hasLines ? '\n' + std::string(std::size_t(layout.width), layout.character) : "";
+    QByteArray text("{");
+    const auto add = [&](const std::string &key, const Json &value) {
+        const auto textOf = [&layout](const Json &json) {
+            return json.dump(layout.width, layout.character, false, Json::error_handler_t::strict);
+        };
+        text.append(text.size() > 1 ? "," : "").append(lineBreak.c_str());
+        text.append(textOf(Json(key)).c_str()).append(hasLines ? ": " : ":");
+        // Text breaks its lines nowhere within a string.
+        const std::string member = textOf(value);
+        std::size_t from = 0;
+        for (std::size_t end; hasLines && (end = member.find('\n', from)) != std::string::npos; from = end + 1)
+            text.append(member.data() + from, int(end - from)).append(lineBreak.c_str());
+        text.append(member.data() + from, int(member.size() - from));
+    };
     try {
-        const std::string text = tree.dump(layout.width, layout.character, false, Json::error_handler_t::strict);
-        return QByteArray(text.data(), int(text.size()));
+        for (const auto &[key, value] : tree.get_ref<const Json::object_t &>()) {
+            const auto other = changed.find(key);
+            add(key, other == changed.end() ? value : *other);
+        }
+        for (const auto &[key, value] : changed.get_ref<const Json::object_t &>()) {
+            if (!tree.contains(key))
+                add(key, value);
+        }
     } catch (const Json::exception &exception) {
         throw RyGltfError{reasonOf(exception)};
     }
+    return text.append(hasLines && text.size() > 1 ? "\n}" : "}");
 }

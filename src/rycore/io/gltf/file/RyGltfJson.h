@@ -16,6 +16,13 @@ public:
     /// Throws RyGltfError with line and column of what is wrong. A byte order mark and trailing zeros are passed over.
     static nlohmann::ordered_json parse(std::string_view text);
 
+    /// Makes room for as many members again. Where there is none, an object grows by copying all that its members hold,
+    /// which in the root is the whole tree.
+    static void makeRoom(nlohmann::ordered_json &object);
+
+    /// Empties a tree from its leaves up. Left to its destructor it is first gathered into one list, value by value.
+    static void clear(nlohmann::ordered_json &tree);
+
     /// How a text is laid out: `width` characters `character` for each level, or -1 for all in one line.
     struct Layout
     {
@@ -23,6 +30,7 @@ public:
         char character = ' ';
     };
     static Layout layoutOf(std::string_view text);
-    /// Throws RyGltfError when a text in the tree is not UTF-8.
-    static QByteArray dump(const nlohmann::ordered_json &tree, Layout layout);
+    /// With the members of `changed` in place of those of the tree, or behind them. Throws RyGltfError when a text is
+    /// not UTF-8.
+    static QByteArray dump(const nlohmann::ordered_json &tree, const nlohmann::ordered_json &changed, Layout layout);
 };

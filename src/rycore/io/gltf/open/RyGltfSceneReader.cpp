@@ -21,6 +21,7 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <utility>
 
 RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
     : m_origin(std::make_unique<RyGltfOrigin>())
@@ -347,7 +348,7 @@ RyGltfNames &RyGltfSceneReader::namesBeside(RyNode *above)
 /// As the file calls it, or that of its own file; empty without one.
 QString RyGltfSceneReader::imageName(int image) const
 {
-    const RyExtrasJson::Json *entry = RyExtrasJson::entry(m_origin->document->json(), "images", image);
+    const RyExtrasJson::Json *entry = RyExtrasJson::entry(std::as_const(*m_origin->document).json(), "images", image);
     for (const char *key : {"name", "uri"}) {
         const RyExtrasJson::Json *text = entry ? RyExtrasJson::find(*entry, key) : nullptr;
         if (text && text->is_string() && !RyGltfUri::isData(text->get_ref<const std::string &>()))

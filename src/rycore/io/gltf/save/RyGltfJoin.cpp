@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -122,7 +123,7 @@ std::set<int> RyGltfJoin::nodesToLeaveOut(const RyGltfOrigin &origin)
     const std::vector<int> order = ryGltfPreOrder(model);
     const std::vector<bool> isPassedOver = findPassedOver(origin, order);
     for (size_t node = 0; node < model.nodes.size(); ++node) {
-        const auto &json = origin.document->json()["nodes"][node];
+        const auto &json = std::as_const(*origin.document).json()["nodes"][node];
         if (isPassedOver[node])
             states[node] = Gone;
         else if (json.contains("mesh") || json.contains("camera") || json.contains("extensions"))

@@ -124,11 +124,11 @@ std::unique_ptr<RyGltfOrigin> RyGltfSceneWriter::joined(QString *error, QStringL
     return origin;
 }
 
-std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error, QStringList *messages,
-                                                         QStringList *losses) const
+std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, QString *error,
+                                                               QStringList *messages, QStringList *losses) const
 {
     if (!isEdited(scene))
-        return m_origins.front()->document->clone();
+        return m_origins.front()->document;
     QString reason;
     const auto refuse = [&] {
         if (error)
@@ -139,7 +139,7 @@ std::unique_ptr<RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &scene, Q
     if (!source)
         return refuse();
     reportMeshes(*source, messages);
-    std::unique_ptr<RyGltfDocument> document = source->document->clone();
+    std::unique_ptr<RyGltfDocument> document = source->document->moveTree();
     document->reuseSpares();
     RyGltfScenePatch patch(*source, *document, messages);
     if (!RyGltfStructurePatch(patch).apply(scene, &reason) || !RyGltfClipPatch(patch).apply(&reason))

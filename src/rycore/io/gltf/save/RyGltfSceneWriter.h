@@ -17,10 +17,10 @@ public:
 
     /// Whether anything differs from what was read.
     bool isEdited(const RyScene &scene) const;
-    /// A patched copy of the first document, with what it does not know. Untouched when nothing was edited; null with a
-    /// reason when the scene cannot be written into it. `losses` gets what the format could hold and is not written.
-    std::unique_ptr<RyGltfDocument> patch(const RyScene &scene, QString *error, QStringList *messages,
-                                          QStringList *losses) const;
+    /// A patched copy of the first document, with what it does not know; that itself when nothing was edited; null with
+    /// a reason when the scene cannot be written into it. `losses` gets what the format could hold and is not written.
+    std::shared_ptr<const RyGltfDocument> patch(const RyScene &scene, QString *error, QStringList *messages,
+                                                QStringList *losses) const;
 
 private:
     std::unique_ptr<RyGltfOrigin> joined(QString *error, QStringList *losses) const;
