@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfAppender.h"
 
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
 #include "rycore/io/gltf/file/RyGltfUri.h"
 
 #include <QFileInfo>
@@ -33,8 +34,7 @@ void pruneIndices(Json &object, const char *key, const std::vector<bool> &isDrop
 
 const Json *memberOf(const Json &object, const char *key)
 {
-    const auto found = object.is_object() ? object.find(key) : object.end();
-    return object.is_object() && found != object.end() ? &*found : nullptr;
+    return RyGltfJson::find(object, key);
 }
 
 const Json *extensionOf(const Json &object, const char *name)

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfCursor.h"
 
 #include "rycore/io/gltf/file/RyGltfError.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
 
 #include <nlohmann/json.hpp>
 
@@ -70,17 +71,13 @@ bool RyGltfCursor::isObject() const
 
 bool RyGltfCursor::has(const char *key) const
 {
-    return m_value->is_object() && m_value->contains(key);
+    return RyGltfJson::find(*m_value, key) != nullptr;
 }
 
 RyGltfCursor RyGltfCursor::member(const char *key) const
 {
-    if (m_value->is_object()) {
-        const auto found = m_value->find(key);
-        if (found != m_value->end())
-            return step(&*found, key, -1);
-    }
-    return step(&missingValue, key, -1);
+    const Json *found = RyGltfJson::find(*m_value, key);
+    return step(found ? found : &missingValue, key, -1);
 }
 
 RyGltfCursor RyGltfCursor::object(const char *key) const

@@ -160,6 +160,7 @@ std::unique_ptr<RyGltfDocument> RyGltfDocument::moveTree()
     Private::Json tree = std::exchange(d->tree, Private::Json::object());
     std::unique_ptr<RyGltfDocument> document = clone();
     document->d->tree = std::move(tree);
+    document->d->file.clear();
     return document;
 }
 

@@ -32,7 +32,8 @@ public:
     static std::unique_ptr<RyGltfDocument> create();
     ~RyGltfDocument();
     std::unique_ptr<RyGltfDocument> clone() const;
-    /// The document, to be patched. What stays behind has the model and the numbers as they are, and no tree.
+    /// The document, to be patched and then written anew. What stays behind has the model and the numbers as they are,
+    /// and no tree.
     std::unique_ptr<RyGltfDocument> moveTree();
     /// Absolute path of the file that was read; empty for a document made here.
     QString path() const;

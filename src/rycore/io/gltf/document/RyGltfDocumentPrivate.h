@@ -23,7 +23,7 @@ struct RyGltfDocument::Private
 
     QString path; // of the file that was read
     Form form = NoForm;
-    QByteArray file;        // its bytes
+    QByteArray file;        // its bytes; empty where they will not be asked for
     QByteArray jsonText;    // the part of them the tree came from
     bool isPatched = false; // whether the tree was handed out to be changed
     std::vector<RyGlbContainer::Chunk> otherChunks;

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
 #include "rycore/io/gltf/document/RyGltfReferences.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
 
 #include <algorithm>
 
@@ -35,8 +36,8 @@ bool overlap(const Span &a, const Span &b)
 const Json &listOf(const Json &object, const char *key)
 {
     static const Json none = Json::array();
-    const auto found = object.is_object() ? object.find(key) : object.end();
-    return object.is_object() && found != object.end() ? *found : none;
+    const Json *found = RyGltfJson::find(object, key);
+    return found ? *found : none;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 
+#include "rycore/io/gltf/file/RyGltfJson.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -100,13 +102,7 @@ public:
     }
 
 private:
-    static Value *member(Value &object, const char *key)
-    {
-        if (!object.is_object())
-            return nullptr;
-        const auto found = object.find(key);
-        return found == object.end() ? nullptr : &*found;
-    }
+    static Value *member(Value &object, const char *key) { return RyGltfJson::find(object, key); }
 
     static Value *extension(Value &object, const char *name)
     {

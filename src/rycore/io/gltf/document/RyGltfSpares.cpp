@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfSpares.h"
 
 #include "rycore/io/gltf/document/RyGltfReferences.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
 
 #include <algorithm>
 #include <limits>
@@ -40,8 +41,8 @@ void gatherFromExtensions(const Json &value, std::set<int> &numbers)
 const Json &listOf(const Json &tree, const char *key)
 {
     static const Json none = Json::array();
-    const auto found = tree.find(key);
-    return found == tree.end() ? none : *found;
+    const Json *found = RyGltfJson::find(tree, key);
+    return found ? *found : none;
 }
 
 /// The entries of a list that are marked and stand for none of the numbers.
@@ -64,14 +65,10 @@ void RyGltfSpares::mark(Json &entry)
 
 bool RyGltfSpares::isMade(const Json &entry)
 {
-    const auto extras = entry.is_object() ? entry.find("extras") : entry.end();
-    if (!entry.is_object() || extras == entry.end() || !extras->is_object())
-        return false;
-    const auto ours = extras->find(RyGltfDocument::ExtrasKey);
-    if (ours == extras->end() || !ours->is_object())
-        return false;
-    const auto made = ours->find("made");
-    return made != ours->end() && *made == Json(true);
+    const Json *extras = RyGltfJson::find(entry, "extras");
+    const Json *ours = extras ? RyGltfJson::find(*extras, RyGltfDocument::ExtrasKey) : nullptr;
+    const Json *made = ours ? RyGltfJson::find(*ours, "made") : nullptr;
+    return made && *made == Json(true);
 }
 
 RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)

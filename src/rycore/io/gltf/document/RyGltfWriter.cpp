@@ -78,7 +78,7 @@ bool RyGltfWriter::isAsRead(bool elsewhere) const
         if (buffer.source == RyGltfBuffer::Made || buffer.isChanged())
             return false;
     }
-    if (elsewhere && hasExternals())
+    if (d.file.isEmpty() || (elsewhere && hasExternals()))
         return false;
     return !d.isPatched || d.tree == RyGltfJson::parse(viewOf(d.jsonText));
 }
@@ -99,19 +99,22 @@ void RyGltfWriter::mergeBuffers(Json &changed, Pieces &pieces) const
     if (offsets.size() < 2 || !d.tree.contains("bufferViews"))
         return;
     const auto move = [&offsets](Json &object) {
-        const auto found = object.find("buffer");
-        if (found == object.end() || !found->is_number())
+        Json *found = RyGltfJson::find(object, "buffer");
+        if (!found || !found->is_number())
             return;
         const std::size_t buffer = found->get<std::size_t>();
         if (buffer == 0 || buffer >= offsets.size())
             return;
         *found = 0;
-        object["byteOffset"] = object.value("byteOffset", std::uint64_t(0)) + offsets[buffer];
+        if (Json *offset = RyGltfJson::find(object, "byteOffset"))
+            *offset = offset->get<std::uint64_t>() + offsets[buffer];
+        else
+            object["byteOffset"] = offsets[buffer];
     };
     for (Json &view : changing(changed, "bufferViews")) {
         move(view);
-        const auto extensions = view.find("extensions");
-        if (extensions == view.end() || !extensions->is_object())
+        Json *extensions = RyGltfJson::find(view, "extensions");
+        if (!extensions || !extensions->is_object())
             continue;
         for (Json &extension : *extensions) {
             if (extension.is_object())
@@ -180,8 +183,9 @@ QByteArray RyGltfWriter::composeBinary(bool elsewhere) const
         buffer["byteLength"] = pieces.size;
         changed["buffers"] = Json::array({std::move(buffer)});
     }
-    return RyGlbContainer::join(RyGltfJson::dump(d.tree, changed, {}), pieces.list, !pieces.list.empty(),
-                                d.otherChunks);
+    const QByteArray text = RyGltfJson::dump(d.tree, changed, {});
+    RyGltfJson::clear(changed);
+    return RyGlbContainer::join(text, pieces.list, !pieces.list.empty(), d.otherChunks);
 }
 
 QByteArray RyGltfWriter::composeText(bool elsewhere) const

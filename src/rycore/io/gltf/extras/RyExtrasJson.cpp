@@ -1,15 +1,14 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 
+#include "rycore/io/gltf/file/RyGltfJson.h"
+
 #include <cmath>
 
 using Json = RyExtrasJson::Json;
 
 const Json *RyExtrasJson::find(const Json &object, const char *key)
 {
-    if (!object.is_object())
-        return nullptr;
-    const auto found = object.find(key);
-    return found == object.end() ? nullptr : &*found;
+    return RyGltfJson::find(object, key);
 }
 
 const Json *RyExtrasJson::ours(const Json &holder)

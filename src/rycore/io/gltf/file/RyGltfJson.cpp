@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 using Json = nlohmann::ordered_json;
@@ -111,6 +112,23 @@ Json RyGltfJson::parse(std::string_view text)
     if (!root.is_object())
         throw RyGltfError{QStringLiteral("the JSON text is not an object")};
     return root;
+}
+
+const Json *RyGltfJson::find(const Json &object, std::string_view key)
+{
+    const auto *members = object.get_ptr<const Json::object_t *>();
+    if (!members)
+        return nullptr;
+    for (const auto &[name, value] : *members) {
+        if (name == key)
+            return &value;
+    }
+    return nullptr;
+}
+
+Json *RyGltfJson::find(Json &object, std::string_view key)
+{
+    return const_cast<Json *>(find(std::as_const(object), key));
 }
 
 void RyGltfJson::makeRoom(Json &object)

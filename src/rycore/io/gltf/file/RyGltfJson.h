@@ -16,6 +16,11 @@ public:
     /// Throws RyGltfError with line and column of what is wrong. A byte order mark and trailing zeros are passed over.
     static nlohmann::ordered_json parse(std::string_view text);
 
+    /// The member of an object; null where there is none, or no object. Compares lengths first, which the library does
+    /// not: most of reading a tree is looking members up.
+    static const nlohmann::ordered_json *find(const nlohmann::ordered_json &object, std::string_view key);
+    static nlohmann::ordered_json *find(nlohmann::ordered_json &object, std::string_view key);
+
     /// Makes room for as many members again. Where there is none, an object grows by copying all that its members hold,
     /// which in the root is the whole tree.
     static void makeRoom(nlohmann::ordered_json &object);
