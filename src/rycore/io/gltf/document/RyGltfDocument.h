@@ -100,6 +100,8 @@ public:
 
     /// New accessors take the places of those that we made once and nothing uses any more. Before patching.
     void reuseSpares();
+    /// The place of a node that we made once and that is gone, to be filled with a new one; -1 for none.
+    int takeSpareNode();
     /// Takes away what we made and nothing uses any more, with its bytes where nothing lies behind them that came with
     /// the file. After patching: it may move bytes.
     void dropUnused();

@@ -155,16 +155,31 @@ void RyGltfDocument::reuseSpares()
     const RyGltfSpares spares(*d);
     d->spareAccessors = spares.accessors();
     d->spareViews = spares.views();
+    d->spareNodes.clear();
+    for (auto node = spares.nodes().rbegin(); node != spares.nodes().rend(); ++node) {
+        if (d->list("nodes")[std::size_t(*node)].size() == 1) // nothing but our mark
+            d->spareNodes.push_back(*node);
+    }
     std::reverse(d->spareAccessors.begin(), d->spareAccessors.end());
     std::reverse(d->spareViews.begin(), d->spareViews.end());
 }
 
+int RyGltfDocument::takeSpareNode()
+{
+    if (d->spareNodes.empty())
+        return -1;
+    const int node = d->spareNodes.back();
+    d->spareNodes.pop_back();
+    return node;
+}
+
 void RyGltfDocument::dropUnused()
 {
+    d->spareNodes.clear();
     d->spareAccessors.clear();
     d->spareViews.clear();
     RyGltfSpares spares(*d);
-    if (spares.accessors().empty() && spares.views().empty())
+    if (spares.isEmpty())
         return;
     spares.drop();
     d->readModel(nullptr);

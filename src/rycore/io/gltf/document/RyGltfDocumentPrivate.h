@@ -28,7 +28,7 @@ struct RyGltfDocument::Private
     bool isPatched = false; // whether the tree was handed out to be changed
     std::vector<RyGlbContainer::Chunk> otherChunks;
 
-    std::vector<int> spareAccessors, spareViews; // places to use again, the last first
+    std::vector<int> spareAccessors, spareViews, spareNodes; // places to use again, the last first
 
     /// How often each accessor is used by anything; counted when asked for.
     mutable std::vector<int> useCounts;

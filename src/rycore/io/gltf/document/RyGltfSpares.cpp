@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/document/RyGltfSpares.h"
 
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/file/RyGltfJson.h"
 
@@ -45,6 +46,14 @@ const Json &listOf(const Json &tree, const char *key)
     return found ? *found : none;
 }
 
+bool saysOfItself(const Json &entry, const char *key)
+{
+    const Json *extras = RyGltfJson::find(entry, "extras");
+    const Json *ours = extras ? RyGltfJson::find(*extras, RyGltfDocument::ExtrasKey) : nullptr;
+    const Json *said = ours ? RyGltfJson::find(*ours, key) : nullptr;
+    return said && *said == Json(true);
+}
+
 /// The entries of a list that are marked and stand for none of the numbers.
 std::vector<int> madeBut(const std::vector<bool> &used, const Json &entries)
 {
@@ -65,10 +74,7 @@ void RyGltfSpares::mark(Json &entry)
 
 bool RyGltfSpares::isMade(const Json &entry)
 {
-    const Json *extras = RyGltfJson::find(entry, "extras");
-    const Json *ours = extras ? RyGltfJson::find(*extras, RyGltfDocument::ExtrasKey) : nullptr;
-    const Json *made = ours ? RyGltfJson::find(*ours, "made") : nullptr;
-    return made && *made == Json(true);
+    return saysOfItself(entry, "made");
 }
 
 RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
@@ -77,12 +83,13 @@ RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
         const Json &entries = listOf(d.tree, list);
         return std::any_of(entries.begin(), entries.end(), isMade);
     };
-    if (!hasMade("accessors") && !hasMade("bufferViews"))
+    if (!hasMade("accessors") && !hasMade("bufferViews") && !hasMade("nodes"))
         return;
     // Any number in an extension may be the place of something.
     std::set<int> named;
     gatherFromExtensions(d.tree, named);
     findAccessors(named);
+    findNodes(named);
     findViews(std::move(named));
 }
 
@@ -126,14 +133,81 @@ void RyGltfSpares::findViews(std::set<int> named)
     m_views = madeBut(used, listOf(d.tree, "bufferViews"));
 }
 
+/// By something else than the node above it.
+std::vector<bool> RyGltfSpares::findUsedNodes(const std::set<int> &named) const
+{
+    std::vector<bool> used(d.model.nodes.size(), false);
+    const auto use = [&used](std::uint64_t node) {
+        if (node < used.size())
+            used[size_t(node)] = true;
+    };
+    for (const RyGltfList list : {RyGltfList::Scenes, RyGltfList::Animations, RyGltfList::Skins}) {
+        const Json *entries = RyGltfReferences::findList(d.tree, list);
+        for (size_t i = 0; entries && i < entries->size(); ++i) {
+            RyGltfReferences::visit(list, (*entries)[i], [&use](RyGltfList to, const Json &index) {
+                if (to == RyGltfList::Nodes)
+                    use(index.get<std::uint64_t>());
+            });
+        }
+    }
+    for (const int number : named)
+        use(std::uint64_t(number));
+    return used;
+}
+
+void RyGltfSpares::findNodes(const std::set<int> &named)
+{
+    const Json &entries = listOf(d.tree, "nodes");
+    const std::vector<bool> used = findUsedNodes(named);
+    const std::vector<int> order = ryGltfPreOrder(d.model);
+    std::vector<bool> isRemoved(used.size(), false), isSpare(used.size(), false);
+    for (const int node : order) {
+        const int parent = d.model.nodes[size_t(node)].parent;
+        isRemoved[size_t(node)] =
+            parent < 0 ? saysOfItself(entries[size_t(node)], "removed") : isRemoved[size_t(parent)];
+    }
+    for (auto node = order.rbegin(); node != order.rend(); ++node) {
+        const std::vector<int> &below = d.model.nodes[size_t(*node)].children;
+        isSpare[size_t(*node)] =
+            isRemoved[size_t(*node)] && !used[size_t(*node)] && isMade(entries[size_t(*node)]) &&
+            std::all_of(below.begin(), below.end(), [&](int child) { return isSpare[size_t(child)]; });
+    }
+    for (size_t node = 0; node < isSpare.size(); ++node) {
+        if (isSpare[node])
+            m_nodes.push_back(int(node));
+    }
+}
+
 void RyGltfSpares::drop()
 {
+    dropNodes();
     dropAccessors();
     if (std::any_of(d.storage.views.begin(), d.storage.views.end(),
                     [this](const auto &view) { return view.buffer == int(d.storage.buffers.size()) - 1; }))
         closeUp();
     dropViews();
     d.useCountsValid = false;
+}
+
+void RyGltfSpares::dropNodes()
+{
+    if (m_nodes.empty())
+        return;
+    Json &list = d.list("nodes");
+    for (const int node : m_nodes) {
+        const int parent = d.model.nodes[size_t(node)].parent;
+        if (Json *below = parent < 0 ? nullptr : RyGltfJson::find(list[size_t(parent)], "children")) {
+            below->erase(std::remove(below->begin(), below->end(), Json(node)), below->end());
+            if (below->empty())
+                list[size_t(parent)].erase("children"); // the format knows no empty lists
+        }
+        Json entry = Json::object();
+        mark(entry);
+        entry["extras"][RyGltfDocument::ExtrasKey]["removed"] = true;
+        list[size_t(node)] = std::move(entry);
+    }
+    for (auto last = m_nodes.rbegin(); last != m_nodes.rend() && size_t(*last) + 1 == list.size(); ++last)
+        list.erase(list.size() - 1);
 }
 
 void RyGltfSpares::dropAccessors()

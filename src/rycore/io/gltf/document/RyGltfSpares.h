@@ -4,9 +4,9 @@
 
 #include <set>
 
-/// Accessors and buffer views that we made are marked in their extras: when nothing uses them any more, their places
-/// and bytes can be used again. Those that came with the file keep place and bytes, since an extension that nobody here
-/// knows may name them.
+/// Accessors, buffer views and nodes that we made are marked in their extras: when nothing uses them any more, their
+/// places and bytes can be used again; a node only once it hangs below what is marked as removed. Those that came with
+/// the file keep place and bytes, since an extension that nobody here knows may name them.
 class RyGltfSpares
 {
 public:
@@ -21,6 +21,8 @@ public:
     /// In ascending order.
     const std::vector<int> &accessors() const { return m_accessors; }
     const std::vector<int> &views() const { return m_views; }
+    const std::vector<int> &nodes() const { return m_nodes; }
+    bool isEmpty() const { return m_accessors.empty() && m_views.empty() && m_nodes.empty(); }
     /// Takes them away at the ends of their lists, leaves them empty elsewhere, and closes up what we made at the end
     /// of the last buffer. The model does not follow.
     void drop();
@@ -28,11 +30,14 @@ public:
 private:
     void findAccessors(const std::set<int> &named);
     void findViews(std::set<int> named);
+    void findNodes(const std::set<int> &named);
+    std::vector<bool> findUsedNodes(const std::set<int> &named) const;
     void dropAccessors();
     void dropViews();
+    void dropNodes();
     std::uint64_t endOfOthers(int buffer) const;
     void closeUp();
 
     RyGltfDocument::Private &d;
-    std::vector<int> m_accessors, m_views;
+    std::vector<int> m_accessors, m_views, m_nodes;
 };

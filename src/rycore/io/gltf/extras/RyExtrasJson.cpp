@@ -28,6 +28,12 @@ const Json *RyExtrasJson::entry(const Json &tree, const char *list, int index)
 
 void RyExtrasJson::store(Json &holder, Json value)
 {
+    const Json *known = ours(holder);
+    if (known && find(*known, "made")) { // by us, whatever else is said of it
+        if (value.is_null())
+            value = Json{{"version", Version}};
+        value["made"] = true;
+    }
     if (value.is_null()) {
         const auto extras = holder.find("extras");
         if (extras == holder.end() || !extras->is_object() || extras->erase(Key) == 0)

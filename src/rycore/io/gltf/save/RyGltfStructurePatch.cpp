@@ -53,7 +53,8 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
             m_patch.removed.insert(source.node);
     }
     const RyGltfModel &model = m_patch.document.model();
-    const size_t count = model.nodes.size() + m_patch.added.size();
+    const auto count = size_t(m_tree.nodeCount());
+    m_firstJoined = int(count);
     m_parents.assign(count, -1);
     m_isManaged.assign(count, false);
     m_hangsNowhere.assign(count, false);
@@ -92,7 +93,7 @@ void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *
             m_patch.nodeOf.add(node, source.node);
             m_patch.edits[source.node] = {node, &source, source.bind, false, false, false};
         } else {
-            const int index = m_tree.addNode(node->getName());
+            const int index = m_tree.addNodeInPlace(node->getName());
             m_patch.nodeOf.add(node, index);
             m_patch.added.emplace_back(node, index);
             m_patch.edits[index] = {node, nullptr, RyAffine(), true, true, true};
@@ -206,9 +207,8 @@ void RyGltfStructurePatch::join(int a, int b, const QString &name)
     b = m_tops.of(b);
     if (a == b)
         return;
-    const int firstMade = int(m_patch.document.model().nodes.size() + m_patch.added.size());
     int above = std::max(a, b);
-    if (above < firstMade) {
+    if (above < m_firstJoined) {
         above = m_tree.addNode(name);
         m_parents.push_back(-1);
         m_tops.add();
@@ -270,7 +270,7 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     const auto below = m_below.find(parent);
     for (const int index : below == m_below.end() ? std::vector<int>() : below->second) {
         // A root that another scene of the file shows, or none, does not come into this one.
-        const bool wasRoot = size_t(index) < nodes.size() && nodes[size_t(index)].parent < 0;
+        const bool wasRoot = m_patch.edits.at(index).source && nodes[size_t(index)].parent < 0;
         if (parent < 0 && wasRoot && !there.count(index))
             continue;
         const auto [group, isNew] = wanted.try_emplace(m_patch.edits.at(index).node->getNodeParent());
@@ -280,7 +280,7 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     }
     std::map<const RyNode *, size_t> used;
     std::vector<int> result;
-    const size_t firstMade = m_patch.document.model().nodes.size() + m_patch.added.size();
+    const auto firstMade = size_t(m_firstJoined);
     std::set<int> made;
     for (const int node : before) {
         const int above = m_parents[size_t(node)];

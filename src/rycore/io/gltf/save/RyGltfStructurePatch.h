@@ -42,6 +42,7 @@ private:
     std::vector<int> m_parents;              // per node of the patched document, as wanted
     RyGltfTops m_topsBefore;                 // in the file
     RyGltfTops m_tops;                       // of `m_parents`, once nodes have their places
+    int m_firstJoined = 0;                   // nodes from here on stand above several trees
     std::vector<bool> m_isManaged;           // stands in the scene
     std::vector<bool> m_hangsNowhere;        // top of what is gone
 };

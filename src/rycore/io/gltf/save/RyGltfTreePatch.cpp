@@ -34,14 +34,35 @@ Json &RyGltfTreePatch::changingTree()
     return m_document.json();
 }
 
-int RyGltfTreePatch::addNode(const QString &name)
+void RyGltfTreePatch::setNode(int node, const QString &name)
 {
-    Json &nodes = changingTree()["nodes"];
     Json entry = Json::object();
     if (!name.isEmpty())
         entry["name"] = name.toStdString();
-    nodes.push_back(std::move(entry));
-    return int(nodes.size()) - 1;
+    RyExtrasJson::store(entry, Json{{"version", RyExtrasJson::Version}, {"made", true}});
+    changingTree()["nodes"][size_t(node)] = std::move(entry);
+}
+
+int RyGltfTreePatch::addNode(const QString &name)
+{
+    changingTree()["nodes"].push_back(Json::object());
+    setNode(nodeCount() - 1, name);
+    return nodeCount() - 1;
+}
+
+int RyGltfTreePatch::addNodeInPlace(const QString &name)
+{
+    const int spare = m_document.takeSpareNode();
+    if (spare < 0)
+        return addNode(name);
+    setNode(spare, name);
+    return spare;
+}
+
+int RyGltfTreePatch::nodeCount() const
+{
+    const Json *nodes = RyExtrasJson::find(m_document.json(), "nodes");
+    return nodes ? int(nodes->size()) : 0;
 }
 
 void RyGltfTreePatch::setChildren(int node, const std::vector<int> &children)

@@ -15,8 +15,11 @@ class RyGltfTreePatch
 public:
     explicit RyGltfTreePatch(RyGltfDocument &document) : m_document(document) {}
 
-    /// A node that hangs nowhere yet.
+    /// A node of ours that hangs nowhere yet, at the end of the list.
     int addNode(const QString &name);
+    /// The same in the place of one of ours that is gone, where there is one.
+    int addNodeInPlace(const QString &name);
+    int nodeCount() const;
     void setChildren(int node, const std::vector<int> &children);
     /// Roots of a scene of the file.
     void setSceneRoots(int scene, const std::vector<int> &roots);
@@ -40,6 +43,7 @@ public:
 
 private:
     nlohmann::ordered_json &changingTree();
+    void setNode(int node, const QString &name);
 
     RyGltfDocument &m_document;
     bool m_isChanged = false;
