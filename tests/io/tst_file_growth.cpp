@@ -42,7 +42,7 @@ private slots:
         const QString path = m_folder.filePath(QStringLiteral("grown.") + ending);
         const json original = GltfEvaluator(first.toStdString()).tree();
         qint64 second = 0;
-        json secondPlaces;
+        size_t secondNodes = 0, mostPlaces = 0;
         for (int session = 1; session <= 10; ++session) {
             CharacterScene scene(session == 1 ? first : path);
             edit(scene, session);
@@ -54,17 +54,18 @@ private slots:
             QVERIFY(largestDistance(scene.shown(), positionsOf(again.file, scene.unit())) <= 2e-5 * scene.height);
             keepsTheFile(original, again.file.tree());
             const qint64 size = QFileInfo(path).size();
-            const json places = placesOf(again.file.tree());
+            const json tree = again.file.tree();
+            const size_t places = tree["accessors"].size() + tree["bufferViews"].size();
+            if (session <= 5) // by then every clip was written once
+                mostPlaces = std::max(mostPlaces, places);
+            QVERIFY2(places <= mostPlaces, qPrintable(QStringLiteral("%1, %2").arg(places).arg(mostPlaces)));
             if (session == 2) {
                 second = size;
-                secondPlaces = places;
-                continue;
+                secondNodes = tree["nodes"].size();
             }
-            if (session < 2)
+            if (session <= 2)
                 continue;
-            QVERIFY2(places[0] <= secondPlaces[0] && places[1] <= secondPlaces[1], places.dump().c_str());
-            // The bone of the session before keeps its place while that of this one is made.
-            QVERIFY2(places[2] <= secondPlaces[2].get<size_t>() + 1, places.dump().c_str());
+            QVERIFY2(tree["nodes"].size() <= secondNodes, tree["nodes"].dump().c_str());
             QVERIFY2(100 * size <= 104 * second,
                      qPrintable(QStringLiteral("session %1: %2, %3").arg(session).arg(size).arg(second)));
         }
@@ -194,11 +195,6 @@ private slots:
     }
 
 private:
-    static json placesOf(const json &tree)
-    {
-        return {tree["accessors"].size(), tree["bufferViews"].size(), tree["nodes"].size()};
-    }
-
     static void save(CharacterScene &scene, const QString &path)
     {
         QString error;
