@@ -156,7 +156,8 @@ public:
 
 signals:
     void aboutToBeRemoved();
-    /// Once per outermost finishEdit, and after each set or adjust call outside an edit.
+    /// Once per outermost finishEdit, and after each set or adjust call outside an edit; in a rig edit of the scene
+    /// once at its end.
     void riggingChanged();
     /// A pose control, the rotation order or scale inheritance changed.
     void poseChanged();
@@ -181,6 +182,7 @@ private:
     friend class RyNodeGeometry;
     friend class RyNodeMaps;
     friend class RyNodeTree;
+    friend class RyRiggingEdits;
     friend class RyScene;
     struct OrderValue;
 
@@ -188,6 +190,8 @@ private:
     void writeRigging(RyNodeRigging::Triple triple, const RyVec3 &v, RyNodeRigging::Write how);
     /// Announces a change of a rigging value, unless the end of an edit does.
     void riggingHasChanged();
+    /// At the end of the rig edit while the scene is in one.
+    void announceRigging();
     const RyNodeMaps &validMaps() const;
     void invalidateMaps() { RyNodeMaps::invalidate(*this); }
 

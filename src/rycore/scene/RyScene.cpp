@@ -176,6 +176,7 @@ RyNode *RyScene::findNode(const QString &name) const
 
 void RyScene::clear()
 {
+    m_riggingEdits.finishAll();
     if (RyRestorePoints *points = ryRestorePoints())
         points->clear();
     if (m_nodes.empty() && m_origins.empty())

@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyError.h"
 #include "rycore/math/RyTime.h"
+#include "rycore/scene/RyRiggingEdits.h"
 #include "rycore/scene/RySceneOrigin.h"
 
 #include <QObject>
@@ -38,8 +39,24 @@ public:
     std::vector<RyNode *> getNodesInTreeOrder() const;
     std::vector<RySkeleton *> getSkeletons() const;
     Q_INVOKABLE RyNode *findNode(const QString &name) const;
-    /// Removes everything, the origin included, and drops all restore points. The undo history is the caller's.
+    /// Removes everything, the origin included, ends all rig edits and drops all restore points. The undo history is
+    /// the caller's.
     void clear();
+
+    // --- Rig edits.
+    /// Opens a rig edit: work that places many bones and means each value as it writes it. They nest. While one is open
+    ///  - tools only note that points change. They carry nothing on to what hangs below, snap and align nothing, and
+    ///    make up for none of it afterwards: the next change is followed from where the work left the points;
+    ///  - nodes put `riggingChanged` off. Each whose rigging changed emits it once, when the outermost edit has ended.
+    /// Everything else is told at once as ever: values, poses, what is drawn. Undo is no part of it: a hold that is
+    /// open around the edit also takes what listeners write at its end.
+    ///
+    /// One that is never finished leaves tools and nodes like that until `clear` ends it. `RyRiggingEdit` cannot forget
+    /// to; scripts have no access for that reason.
+    void beginRiggingEdit() { m_riggingEdits.begin(); }
+    /// Nothing without a begin.
+    void finishRiggingEdit() { m_riggingEdits.finish(); }
+    bool isInRiggingEdit() const { return m_riggingEdits.isOpen(); }
 
     // --- Selection.
     Q_INVOKABLE RyNode *getPrimarySelection() const;
@@ -87,6 +104,7 @@ signals:
 
 private:
     friend class RyNode;
+    friend class RyRiggingEdit;
     struct NodeList;
     void registerNode(RyNode *node, int index);
     /// `expected`: where it most likely stands.
@@ -99,6 +117,7 @@ private:
     QSet<const RyNode *> m_selected; // the same
     RyTime m_time;
     Origins m_origins;
+    RyRiggingEdits m_riggingEdits;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
 };
 

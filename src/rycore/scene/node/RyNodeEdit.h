@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 class RyNodePose;
@@ -18,8 +19,14 @@ public:
     /// Notes a change of the rigging at an edit level. True when nobody else will announce it.
     bool noteRiggingChange(int editLevel);
 
+    /// Whether the announcement of a changed rigging waits for the end of the scene's rig edit. True when it did not
+    /// wait yet.
+    bool startWaiting() { return !std::exchange(m_waiting, true); }
+    void stopWaiting() { m_waiting = false; }
+
 private:
     std::vector<float> m_values; // raw and default in turn
     bool m_riggingTouched = false;
     bool m_restoring = false;
+    bool m_waiting = false;
 };

@@ -65,6 +65,12 @@ void RyNode::writeRigging(RyNodeRigging::Triple triple, const RyVec3 &v, RyNodeR
 void RyNode::riggingHasChanged()
 {
     if (m_edit.noteRiggingChange(editLevel()))
+        announceRigging();
+}
+
+void RyNode::announceRigging()
+{
+    if (!m_scene || !m_scene->m_riggingEdits.putOff(this))
         emit riggingChanged();
 }
 
@@ -102,13 +108,13 @@ void RyNode::editBegun()
 void RyNode::editFinished()
 {
     m_edit.finish();
-    emit riggingChanged();
+    announceRigging();
 }
 
 void RyNode::editCancelled()
 {
     if (m_edit.cancel(m_rigging, m_pose))
-        emit riggingChanged();
+        announceRigging();
 }
 
 // --- Pose
