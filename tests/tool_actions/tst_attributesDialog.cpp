@@ -1,10 +1,10 @@
 #include "support/RyTest.h"
 
+#include "RyFilledAttributesDialog.h"
 #include "checkUndoInHold.h"
 
 #include "tool/RyWindowScene.h"
 
-#include "pluginsource/RyJointTools/dialogs/RyJESelectedNodesAttributesEditDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJENodeActions.h"
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyFloatProperty.h"
@@ -18,26 +18,7 @@
 
 namespace {
 
-struct Dialog : RyJESelectedNodesAttributesEditDlg
-{
-    Dialog()
-    {
-        for (QGroupBox *group : findChildren<QGroupBox *>()) {
-            auto *grid = qobject_cast<QGridLayout *>(group->layout());
-            for (int row = 0; grid && row < grid->rowCount(); ++row) {
-                checks.append(qobject_cast<QCheckBox *>(grid->itemAtPosition(row, 0)->widget()));
-                values.append(qobject_cast<QDoubleSpinBox *>(grid->itemAtPosition(row, 1)->widget()));
-            }
-        }
-    }
-    void fill(int row, double value)
-    {
-        checks[row]->click();
-        values[row]->setValue(value);
-    }
-    QList<QCheckBox *> checks; // nine, by place
-    QList<QDoubleSpinBox *> values;
-};
+using Dialog = RyFilledAttributesDialog;
 
 std::vector<float> valuesOf(const RyNode *node)
 {

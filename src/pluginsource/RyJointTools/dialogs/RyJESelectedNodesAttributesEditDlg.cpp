@@ -4,6 +4,7 @@
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RyScene.h"
 
 #include <QCheckBox>
@@ -112,6 +113,13 @@ void RyJESelectedNodesAttributesEditDlg::validateSpinBoxStates()
 
 void RyJESelectedNodesAttributesEditDlg::accept()
 {
+    writeValues();
+    RyBasicDialog::accept();
+}
+
+void RyJESelectedNodesAttributesEditDlg::writeValues() const
+{
+    const RyRiggingEdit edit;
     const bool setMode = m_setMode->isChecked();
     for (const RyNode *node : ryScene()->selectedNodeListIterator()) {
         for (size_t i = 0; i < m_rows.size(); ++i) {
@@ -122,5 +130,4 @@ void RyJESelectedNodesAttributesEditDlg::accept()
             control->setValue(float(setMode ? value : value + double(control->getValue())));
         }
     }
-    RyBasicDialog::accept();
 }

@@ -9,7 +9,7 @@ class QDoubleSpinBox;
 class QRadioButton;
 
 /// Sets rigging values of all selected nodes to numbers, or adds numbers to them: those values whose boxes are checked.
-/// Opens no undo hold.
+/// One rig edit, no undo hold.
 class RyJESelectedNodesAttributesEditDlg : public RyBasicDialog
 {
     Q_OBJECT
@@ -26,6 +26,7 @@ private slots:
 private:
     QLayout *makeModes();
     QWidget *makeGroup(int group);
+    void writeValues() const;
 
     struct Row
     {

@@ -2,6 +2,8 @@
 
 #include "rycore/math/RyQuat.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyRiggingEdit.h"
+#include "rycore/scene/RySkeleton.h"
 
 // Single precision, as the angle it is compared with.
 static constexpr float rightAngle = 1.5707963268f;
@@ -28,6 +30,15 @@ bool alignBranch(RyNode *node)
         return false;
     bool aligned = alignNode(node);
     for (RyNode *child : node->nodeChildrenIterator())
+        aligned |= alignBranch(child);
+    return aligned;
+}
+
+bool alignAllBones(const RySkeleton &skeleton)
+{
+    const RyRiggingEdit edit;
+    bool aligned = false;
+    for (RyNode *child : skeleton.nodeChildrenIterator())
         aligned |= alignBranch(child);
     return aligned;
 }

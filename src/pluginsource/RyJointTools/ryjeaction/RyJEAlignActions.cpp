@@ -37,10 +37,7 @@ void RyJEAlignAllBonesAction::executeAction()
         return;
     }
     RyUndoStackHold hold;
-    bool aligned = false;
-    for (RyNode *child : skeleton->nodeChildrenIterator())
-        aligned |= alignBranch(child);
-    if (aligned)
+    if (alignAllBones(*skeleton))
         hold.accept(text());
     else
         hold.cancel();

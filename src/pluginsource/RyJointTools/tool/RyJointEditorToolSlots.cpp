@@ -193,7 +193,7 @@ void RyJointEditorTool::performTransPropagation(RyNode *node, RyVec3 origin, RyV
 
 void RyJointEditorTool::performOrientPropagation(RyNode *node, RyQuat delta)
 {
-    ::propagateOrientation(node, delta);
+    m_followUp.placePoints([&] { ::propagateOrientation(node, delta); });
 }
 
 void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool)

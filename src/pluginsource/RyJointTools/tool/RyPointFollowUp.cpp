@@ -7,15 +7,21 @@
 #include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
+#include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+
+bool RyPointFollowUp::isInRiggingEdit()
+{
+    return ryScene()->isInRiggingEdit();
+}
 
 void RyPointFollowUp::centerPointChanged()
 {
     if (!m_joint.node)
         return;
-    if (m_placing != Placing::No) {
+    if (isInRiggingEdit()) {
         m_joint.cachedOrigin = m_joint.node->getOrigin();
-        m_placing = Placing::Current;
+        m_isPlaced = true;
         return;
     }
     snapAndAlign();
@@ -28,8 +34,8 @@ void RyPointFollowUp::centerPointChanged()
 
 void RyPointFollowUp::endPointChanged()
 {
-    if (m_placing != Placing::No)
-        m_placing = Placing::Current;
+    if (isInRiggingEdit())
+        m_isPlaced = true;
     else
         snapAndAlign();
 }

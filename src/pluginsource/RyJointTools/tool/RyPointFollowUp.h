@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QScopedValueRollback>
+#include "rycore/scene/RyRiggingEdit.h"
 
 class RyNode;
 class RyToolPointer;
@@ -9,7 +9,7 @@ struct RyJointState;
 struct RyToolOptions;
 
 /// What follows when the current node's centre or end point has moved, by whatever hand: neighbours are snapped and
-/// aligned, and the move is carried on to what hangs below, as the options say.
+/// aligned, and the move is carried on to what hangs below, as the options say. In a rig edit nothing follows.
 class RyPointFollowUp
 {
 public:
@@ -22,33 +22,32 @@ public:
     /// Carries a change of a node's origin on. A drag that makes the change does it itself, from where all was placed
     /// at the press.
     void propagateOrigin(RyNode *node, const RyVec3 &origin, const RyVec3 &newOrigin);
-    /// Runs an edit of points during which changes of the current node's points are only noted; what follows comes
-    /// once, after it.
+    /// Runs an edit of points as a rig edit. When it has moved points of the current node, neighbours are snapped and
+    /// aligned once after it, unless it is part of a larger rig edit.
     template<typename Edit>
     void placePoints(const Edit &edit)
     {
-        if (m_placing != Placing::No) {
+        if (isInRiggingEdit()) {
             edit();
             return;
         }
+        m_isPlaced = false;
         bool isPlaced = false;
         {
-            const QScopedValueRollback<Placing> guard(m_placing, Placing::Others);
+            const RyRiggingEdit riggingEdit;
             edit();
-            isPlaced = m_placing == Placing::Current;
+            isPlaced = m_isPlaced;
         }
         if (isPlaced)
             snapAndAlign();
     }
 
 private:
-    /// Whose points the tool itself has moved in the edit under way.
-    enum class Placing { No, Others, Current };
-
+    static bool isInRiggingEdit();
     void snapAndAlign() const;
 
     RyJointState &m_joint;
     const RyToolOptions &m_options;
     const RyToolPointer &m_pointer;
-    Placing m_placing = Placing::No;
+    bool m_isPlaced = false; // points of the current node have moved in a rig edit
 };

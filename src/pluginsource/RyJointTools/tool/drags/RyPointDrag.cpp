@@ -5,6 +5,7 @@
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyRiggingEdit.h"
 
 static bool isAlongView(const RyLine3 &line, const RyCamera *camera)
 {
@@ -70,8 +71,10 @@ void RyPointDrag::place(const RyVec3 &value, bool propagate)
         return;
     }
     m_node->adjustEndPoint(value);
-    if (propagate)
-        m_branch.moveDescendants(value - m_start);
+    if (!propagate)
+        return;
+    const RyRiggingEdit edit;
+    m_branch.moveDescendants(value - m_start);
 }
 
 // A new orientation turns the pose with it, and the point away from the cursor.

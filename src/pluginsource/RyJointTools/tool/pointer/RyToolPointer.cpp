@@ -215,7 +215,7 @@ bool RyToolPointer::move(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouse
     }
     RyHandleDrag::Options options;
     options.keepLength = event->modifiers().testFlag(Qt::ControlModifier);
-    options.propagate = m_in.options.propagateTranslation;
+    options.propagate = m_in.options.propagateTranslation && !ryScene()->isInRiggingEdit();
     options.isAligned = m_in.options.autoAlign;
     m_drag->move(pressViewportRay(event->pos()), options);
     m_in.tool.drawnDataChanged();
