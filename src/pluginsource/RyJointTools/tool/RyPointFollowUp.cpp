@@ -7,10 +7,11 @@
 #include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
+#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 
-bool RyPointFollowUp::isInRiggingEdit()
+static bool isInRiggingEdit()
 {
     return ryScene()->isInRiggingEdit();
 }
@@ -48,6 +49,23 @@ void RyPointFollowUp::propagateOrigin(RyNode *node, const RyVec3 &origin, const 
         if (!m_pointer.propagateOrigin(node, newOrigin))
             propagateTranslation(node, newOrigin - origin);
     });
+}
+
+void RyPointFollowUp::placePoints(const std::function<void()> &edit)
+{
+    if (isInRiggingEdit()) {
+        edit();
+        return;
+    }
+    m_isPlaced = false;
+    bool isPlaced = false; // who hears of the end may place points too
+    {
+        const RyRiggingEdit riggingEdit;
+        edit();
+        isPlaced = m_isPlaced;
+    }
+    if (isPlaced)
+        snapAndAlign();
 }
 
 void RyPointFollowUp::snapAndAlign() const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/scene/RyRiggingEdit.h"
+#include <functional>
 
 class RyNode;
 class RyToolPointer;
@@ -24,26 +24,9 @@ public:
     void propagateOrigin(RyNode *node, const RyVec3 &origin, const RyVec3 &newOrigin);
     /// Runs an edit of points as a rig edit. When it has moved points of the current node, neighbours are snapped and
     /// aligned once after it, unless it is part of a larger rig edit.
-    template<typename Edit>
-    void placePoints(const Edit &edit)
-    {
-        if (isInRiggingEdit()) {
-            edit();
-            return;
-        }
-        m_isPlaced = false;
-        bool isPlaced = false;
-        {
-            const RyRiggingEdit riggingEdit;
-            edit();
-            isPlaced = m_isPlaced;
-        }
-        if (isPlaced)
-            snapAndAlign();
-    }
+    void placePoints(const std::function<void()> &edit);
 
 private:
-    static bool isInRiggingEdit();
     void snapAndAlign() const;
 
     RyJointState &m_joint;
