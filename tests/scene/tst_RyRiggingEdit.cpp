@@ -198,8 +198,8 @@ private slots:
 
     void leftOpenUntilClear()
     {
-        ryScene()->beginRiggingEdit();
-        ryScene()->beginRiggingEdit();
+        for (int level = 0; level < 3; ++level)
+            ryScene()->beginRiggingEdit();
         const RyRef<RyNode> kept(m_hip);
         place(m_hip, 6);
         ryScene()->finishRiggingEdit();

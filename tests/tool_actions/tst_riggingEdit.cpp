@@ -71,6 +71,14 @@ std::vector<Operation> operations()
          {"lThigh origin", "lThigh end", "lThigh orient"},
          neighbors,
          true},
+        {"propagated rotation about the end point",
+         [](RyUntidyScene &scene) {
+             RyVec3 center = scene.lThigh->getEndPoint();
+             scene.tool->performChildRotPropagation(scene.lThigh, 2, 0.3f, false, false, center);
+         },
+         {"lThigh origin", "lThigh orient"},
+         neighbors,
+         true},
         {"propagated scale",
          [](RyUntidyScene &scene) { scene.tool->performScalePropagation(scene.lThigh, 1, 1.5f, true, false); },
          RyUntidyScene::belowThigh(), neighbors, true},
