@@ -21,6 +21,8 @@ private slots:
     void propagationElsewhereAfterAnEdit();
     void propagationThatIsHeardOf();
     void linkedPoints();
+    void linkedToWhatFollows_data();
+    void linkedToWhatFollows();
     void selectionChangesMeanwhile();
     void dragsInAnEdit_data();
     void dragsInAnEdit();
@@ -124,6 +126,30 @@ void RyOpenRiggingEditTest::linkedPoints()
     QCOMPARE(scene.dump(), dump);
     ryUndoStack()->redo();
     QCOMPARE(scene.dump(), after);
+}
+
+void RyOpenRiggingEditTest::linkedToWhatFollows_data()
+{
+    QTest::addColumn<int>("modes");
+    QTest::newRow("the parent is aligned") << int(RyUntidyScene::Propagate | RyUntidyScene::Align);
+    QTest::newRow("the parent is snapped as well") << int(RyUntidyScene::AllModes);
+}
+
+void RyOpenRiggingEditTest::linkedToWhatFollows()
+{
+    // Aligning the parent moves the node, after whose move the parent is aligned: that goes round once.
+    QFETCH(int, modes);
+    RyUntidyScene scene(modes);
+    QVERIFY(RyERCLink::create(scene.hip->getOrientZControl(), scene.lThigh->getOriginXControl()));
+    const RyVec3 origin = scene.lThigh->getOrigin();
+    const RyVec3 foot = scene.lFoot->getEndPoint();
+    scene.lThigh->getOriginYControl()->setValue(80.0f);
+    const RyVec3 way = scene.lThigh->getOrigin() - origin;
+    QVERIFY(std::abs(way.x) > 0.01f);
+    QVERIFY(scene.lFoot->getEndPoint().y != foot.y);
+    // Where the parent ends as before, aligning it again turns it no further.
+    if (!(modes & RyUntidyScene::Snap))
+        QVERIFY((scene.lFoot->getEndPoint() - foot - way).length() < 1e-4f);
 }
 
 void RyOpenRiggingEditTest::selectionChangesMeanwhile()

@@ -25,11 +25,12 @@ void RyPointFollowUp::centerPointChanged()
         m_isPlaced = true;
         return;
     }
+    const RyVec3 oldOrigin = m_joint.cachedOrigin; // links to what is aligned may move the node further
     snapAndAlign();
     const RyVec3 origin = m_joint.node->getOrigin();
     const RyUndoStack *stack = ryUndoStack();
     if (stack && !stack->isInUndoRedo() && m_options.propagateTranslation)
-        propagateOrigin(m_joint.node, m_joint.cachedOrigin, origin);
+        propagateOrigin(m_joint.node, oldOrigin, origin);
     m_joint.cachedOrigin = origin;
 }
 
@@ -74,6 +75,8 @@ void RyPointFollowUp::snapAndAlign() const
     RyNode *parent = node ? node->getNodeParent() : nullptr;
     if (!parent)
         return;
+    // What moves the node by a link to what is written here must not be followed in turn, without end.
+    const RyRiggingEdit edit;
     if (m_options.autoSnapEndPoints)
         snapEndPoint(parent);
     if (!m_options.autoAlign)
