@@ -100,6 +100,8 @@ public:
 
     /// New accessors take the places of those that we made once and nothing uses any more. Before patching.
     void reuseSpares();
+    /// Those of the accessors that nothing uses any more, and their views, are as good as made by us.
+    void releaseUnused(const std::vector<int> &accessors);
     /// The place of a node that we made once and that is gone, to be filled with a new one; -1 for none.
     int takeSpareNode();
     /// Takes away what we made and nothing uses any more, with its bytes where nothing lies behind them that came with
@@ -118,6 +120,7 @@ public:
 private:
     friend class RyGltfAppender;
     friend class RyGltfWriter;
+    friend class RyGltfGaps;
     friend class RyGltfSpares;
     RyGltfDocument();
     struct Private;

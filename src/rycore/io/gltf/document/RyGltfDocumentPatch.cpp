@@ -164,6 +164,36 @@ void RyGltfDocument::reuseSpares()
     std::reverse(d->spareViews.begin(), d->spareViews.end());
 }
 
+void RyGltfDocument::releaseUnused(const std::vector<int> &accessors)
+{
+    const std::vector<int> &uses = d->countUses();
+    std::vector<bool> isReleased(d->model.accessors.size(), false), isNeeded(d->storage.views.size(), false);
+    for (const int accessor : accessors)
+        isReleased[std::size_t(accessor)] = uses[std::size_t(accessor)] == 0;
+    const auto forViewsOf = [this](std::size_t accessor, const auto &function) {
+        if (d->model.accessors[accessor].bufferView >= 0)
+            function(std::size_t(d->model.accessors[accessor].bufferView));
+        const RyGltfSparse &sparse = d->storage.layouts[accessor].sparse;
+        if (d->model.accessors[accessor].sparse) {
+            function(std::size_t(sparse.indexView));
+            function(std::size_t(sparse.valueView));
+        }
+    };
+    for (std::size_t i = 0; i < isReleased.size(); ++i) {
+        if (!isReleased[i])
+            forViewsOf(i, [&](std::size_t view) { isNeeded[view] = true; });
+    }
+    for (std::size_t i = 0; i < isReleased.size(); ++i) {
+        if (!isReleased[i])
+            continue;
+        RyGltfSpares::mark(d->list("accessors")[i]);
+        forViewsOf(i, [&](std::size_t view) {
+            if (!isNeeded[view])
+                RyGltfSpares::mark(d->list("bufferViews")[view]);
+        });
+    }
+}
+
 int RyGltfDocument::takeSpareNode()
 {
     if (d->spareNodes.empty())

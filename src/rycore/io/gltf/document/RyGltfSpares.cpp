@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/document/RyGltfSpares.h"
 
+#include "rycore/io/gltf/document/RyGltfGaps.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/file/RyGltfJson.h"
@@ -10,13 +11,6 @@
 using Json = RyGltfSpares::Json;
 
 namespace {
-
-constexpr std::uint64_t smallestView = 4;
-
-std::uint64_t aligned(std::uint64_t offset)
-{
-    return (offset + 3) & ~std::uint64_t(3);
-}
 
 void gatherNumbers(const Json &value, std::set<int> &numbers)
 {
@@ -182,9 +176,8 @@ void RyGltfSpares::drop()
 {
     dropNodes();
     dropAccessors();
-    if (std::any_of(d.storage.views.begin(), d.storage.views.end(),
-                    [this](const auto &view) { return view.buffer == int(d.storage.buffers.size()) - 1; }))
-        closeUp();
+    if (!m_views.empty())
+        RyGltfGaps(d, m_views).close();
     dropViews();
     d.useCountsValid = false;
 }
@@ -235,74 +228,4 @@ void RyGltfSpares::dropViews()
         list.erase(list.size() - 1);
     if (list.empty())
         d.tree.erase("bufferViews");
-}
-
-/// Where in a buffer nothing comes any more that came with the file.
-std::uint64_t RyGltfSpares::endOfOthers(int buffer) const
-{
-    const Json &list = d.tree["bufferViews"];
-    std::uint64_t end = 0;
-    for (size_t i = 0; i < list.size(); ++i) {
-        const RyGltfBufferView &view = d.storage.views[i];
-        if (view.buffer == buffer && !isMade(list[i]))
-            end = std::max(end, view.offset + view.length);
-        // Compressed bytes are named by extensions of views.
-        for (const Json &extension : list[i].value("extensions", Json::object())) {
-            if (extension.is_object() && extension.value("buffer", Json()) == Json(buffer) &&
-                extension.contains("byteOffset") && extension["byteOffset"].is_number_unsigned() &&
-                extension.contains("byteLength") && extension["byteLength"].is_number_unsigned()) {
-                end = std::max(end, extension["byteOffset"].get<std::uint64_t>() +
-                                        extension["byteLength"].get<std::uint64_t>());
-            }
-        }
-    }
-    return end;
-}
-
-void RyGltfSpares::closeUp()
-{
-    const int last = int(d.storage.buffers.size()) - 1;
-    RyGltfBuffer &buffer = d.storage.buffers[size_t(last)];
-    if (buffer.source == RyGltfBuffer::External)
-        return;
-    const std::uint64_t others = endOfOthers(last);
-    std::vector<int> ours; // at the end, as they lie there
-    std::uint64_t end = others;
-    std::uint64_t start = std::uint64_t(buffer.bytes.size());
-    for (int i = 0; i < int(d.storage.views.size()); ++i) {
-        const RyGltfBufferView &view = d.storage.views[size_t(i)];
-        if (view.buffer != last || view.offset < others)
-            continue;
-        ours.push_back(i);
-        start = std::min(start, view.offset);
-        end = std::max(end, view.offset + view.length);
-    }
-    // Bytes behind all views are not ours.
-    if (ours.empty() || m_views.empty() || std::uint64_t(buffer.bytes.size()) > aligned(end))
-        return;
-    std::stable_sort(ours.begin(), ours.end(), [this](int a, int b) {
-        return d.storage.views[size_t(a)].offset < d.storage.views[size_t(b)].offset;
-    });
-    QByteArray bytes = buffer.bytes.left(int(start));
-    Json &list = d.list("bufferViews");
-    for (const int i : ours) {
-        RyGltfBufferView &view = d.storage.views[size_t(i)];
-        if (std::binary_search(m_views.begin(), m_views.end(), i)) {
-            // It keeps its place among the views, and says where the bytes of ours begin.
-            view = {last, start, smallestView, 0};
-            Json entry{{"buffer", last}, {"byteOffset", start}, {"byteLength", smallestView}};
-            mark(entry);
-            list[size_t(i)] = std::move(entry);
-            continue;
-        }
-        bytes.append(QByteArray(int(aligned(std::uint64_t(bytes.size()))) - bytes.size(), '\0'));
-        const QByteArray moved = buffer.bytes.mid(int(view.offset), int(view.length));
-        view.offset = std::uint64_t(bytes.size());
-        list[size_t(i)]["byteOffset"] = view.offset;
-        bytes.append(moved);
-    }
-    if (std::uint64_t(bytes.size()) < start + smallestView)
-        bytes.append(QByteArray(int(start + smallestView) - bytes.size(), '\0'));
-    buffer.bytes = bytes;
-    d.list("buffers")[size_t(last)]["byteLength"] = bytes.size();
 }

@@ -23,8 +23,8 @@ public:
     const std::vector<int> &views() const { return m_views; }
     const std::vector<int> &nodes() const { return m_nodes; }
     bool isEmpty() const { return m_accessors.empty() && m_views.empty() && m_nodes.empty(); }
-    /// Takes them away at the ends of their lists, leaves them empty elsewhere, and closes up what we made at the end
-    /// of the last buffer. The model does not follow.
+    /// Takes them away at the ends of their lists, leaves them empty elsewhere, and takes their bytes out of the
+    /// buffers. The model does not follow.
     void drop();
 
 private:
@@ -35,8 +35,6 @@ private:
     void dropAccessors();
     void dropViews();
     void dropNodes();
-    std::uint64_t endOfOthers(int buffer) const;
-    void closeUp();
 
     RyGltfDocument::Private &d;
     std::vector<int> m_accessors, m_views, m_nodes;

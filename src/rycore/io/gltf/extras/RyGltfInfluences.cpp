@@ -13,13 +13,58 @@ namespace {
 
 using Influence = RyGltfInfluences::Influence;
 
+/// The place of a bone among those with the same weights.
+struct Copy
+{
+    size_t number = 0;
+    size_t count = 1;
+};
+
+std::vector<Copy> findCopies(const std::vector<RyGltfBindingWeights> &maps)
+{
+    std::vector<Copy> copies(maps.size());
+    std::multimap<size_t, size_t> firsts; // of bones with the same weights, by how many they are
+    std::vector<std::vector<size_t>> same(maps.size());
+    for (size_t bone = 0; bone < maps.size(); ++bone) {
+        const auto [from, to] = firsts.equal_range(maps[bone].vertices.size());
+        const auto first = std::find_if(from, to, [&](const auto &entry) {
+            return maps[entry.second].isSameAs(maps[bone]);
+        });
+        if (first == to)
+            firsts.emplace(maps[bone].vertices.size(), bone);
+        same[first == to ? bone : first->second].push_back(bone);
+    }
+    for (const std::vector<size_t> &bones : same) {
+        for (size_t i = 0; i < bones.size(); ++i)
+            copies[bones[i]] = {i, bones.size()};
+    }
+    return copies;
+}
+
+quint64 sumOf(std::span<const Influence> influences)
+{
+    quint64 sum = 0;
+    for (const Influence &influence : influences)
+        sum += influence.weight;
+    return sum;
+}
+
+void shareAmongCopies(std::span<Influence> influences, const std::vector<Copy> &copies)
+{
+    if (sumOf(influences) <= RyWeightMap::FullWeight)
+        return;
+    for (Influence &influence : influences) {
+        const Copy &copy = copies[influence.bone];
+        influence.weight =
+            quint16(influence.weight / copy.count + (copy.number < influence.weight % copy.count ? 1 : 0));
+    }
+}
+
 /// Weights that sum to full weight, in descending order.
 void normalize(Influence *begin, size_t count)
 {
     std::stable_sort(begin, begin + count, [](const Influence &a, const Influence &b) { return a.weight > b.weight; });
-    quint64 sum = 0;
-    for (size_t i = 0; i < count; ++i)
-        sum += begin[i].weight;
+    const quint64 sum = sumOf({begin, count});
     if (sum == 0 || sum == RyWeightMap::FullWeight)
         return;
     using RyWeightQuantizer::Rounding;
@@ -56,6 +101,12 @@ RyGltfBindingWeights::RyGltfBindingWeights(const RyBoneBinding &binding)
     weights = m_weights;
 }
 
+bool RyGltfBindingWeights::isSameAs(const RyGltfBindingWeights &o) const
+{
+    return std::equal(vertices.begin(), vertices.end(), o.vertices.begin(), o.vertices.end()) &&
+           std::equal(weights.begin(), weights.end(), o.weights.begin(), o.weights.end());
+}
+
 bool RyGltfBindingWeights::isHeld(const RyBoneBinding &binding)
 {
     const RyObject *object = binding.getSkin() ? binding.getSkin()->getObject() : nullptr;
@@ -87,10 +138,12 @@ RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) :
                 m_influences[next[size_t(vertex)]++] = {quint16(bone), maps[bone].weights[i]};
         }
     }
+    const std::vector<Copy> copies = findCopies(maps);
     size_t end = 0; // what rounds to nothing leaves gaps, which are closed on the way
     for (size_t vertex = 0; vertex < size_t(vertexCount); ++vertex) {
         const size_t from = m_first[vertex];
         const size_t count = m_first[vertex + 1] - from;
+        shareAmongCopies({m_influences.data() + from, count}, copies);
         normalize(m_influences.data() + from, count);
         m_first[vertex] = end;
         for (size_t i = 0; i < count; ++i) {

@@ -19,6 +19,8 @@ public:
     /// Whether the binding's bone still belongs to the skin's figure; the others move nothing in a file.
     static bool isHeld(const RyBoneBinding &binding);
 
+    bool isSameAs(const RyGltfBindingWeights &o) const;
+
     std::span<const int> vertices; // ascending
     std::span<const quint16> weights;
 
@@ -28,7 +30,8 @@ private:
 };
 
 /// The influences of a skin's vertices as a file holds them: weights that sum to exactly full weight. A binding with
-/// local maps counts with their mean.
+/// local maps counts with their mean. Where weights are more than full, a bone and the copies of its weights share what
+/// it has, so that they move the vertex as it did.
 class RyGltfInfluences
 {
 public:

@@ -40,8 +40,12 @@ bool RyNodeValues::sameOrientation(const RyNodeValues &o) const
     return std::equal(rigging.begin() + 6, rigging.end(), o.rigging.begin() + 6);
 }
 
+bool RyNodeValues::samePoseButForOrigin(const RyNodeValues &o) const
+{
+    return pose == o.pose && rotationOrder == o.rotationOrder && inheritScale == o.inheritScale && sameOrientation(o);
+}
+
 bool RyNodeValues::samePose(const RyNodeValues &o) const
 {
-    return pose == o.pose && rotationOrder == o.rotationOrder && inheritScale == o.inheritScale && sameOrigin(o) &&
-           sameOrientation(o);
+    return samePoseButForOrigin(o) && sameOrigin(o);
 }

@@ -20,6 +20,9 @@ struct RyNodeValues
     static RyNodeValues of(const RyNode &node);
     bool sameOrigin(const RyNodeValues &o) const;
     bool sameOrientation(const RyNodeValues &o) const;
+    /// The numbers of the pose alone; what they do hangs on rigging and order as well.
+    bool samePoseControls(const RyNodeValues &o) const { return pose == o.pose; }
+    bool samePoseButForOrigin(const RyNodeValues &o) const;
     bool samePose(const RyNodeValues &o) const;
     bool operator==(const RyNodeValues &) const = default;
 };

@@ -164,8 +164,11 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
     // Exactly the numbers that were saved, where they agree with what the file's matrices say.
     writeTriple(rigging.data(), origin * scale, true);
     writeTriple(rigging.data(), origin * scale, false);
-    if (readVector(find(*ours, "orient"), orientation) &&
-        fitsFrame(bind, RyQuat::fromEulerXYZ(orientation), sceneNode.getOrientation())) {
+    RyVec3 axes;
+    const bool hasOrientation = readVector(find(*ours, "orient"), orientation);
+    if (!readVector(find(*ours, "axes"), axes))
+        axes = orientation;
+    if (hasOrientation && fitsFrame(bind, RyQuat::fromEulerXYZ(axes), sceneNode.getOrientation())) {
         writeTriple(rigging.data() + 6, orientation, true);
         writeTriple(rigging.data() + 6, orientation, false);
     }
@@ -315,8 +318,17 @@ QString RyRiggingExtras::nodeText(const RyNode &node)
     return QString::fromStdString(nodeJson(node, nullptr).dump());
 }
 
-void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place)
+void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place,
+                                const RyAffine *bind)
 {
-    if (riggingOf(sceneNode)[0])
-        RyExtrasJson::store(document.json()["nodes"][size_t(node)], nodeJson(sceneNode, place));
+    if (!riggingOf(sceneNode)[0])
+        return;
+    Json ours = nodeJson(sceneNode, place);
+    RyAffine stretch;
+    RyQuat rotation;
+    if (bind)
+        bind->decomposePolar(stretch, rotation);
+    if (bind && !fitsFrame(*bind, sceneNode.getOrientation(), rotation))
+        ours["axes"] = vectorJson(rotation.toEulerXYZ());
+    RyExtrasJson::store(document.json()["nodes"][size_t(node)], std::move(ours));
 }

@@ -35,7 +35,9 @@ void applyFigure(const nlohmann::ordered_json &stored, double unit, bool withPla
 nlohmann::ordered_json nodeJson(const RyNode &sceneNode, const RyVec3 *place);
 /// The same as a text, to see whether it was edited.
 QString nodeText(const RyNode &node);
-/// Writes it into a patched document.
-void storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place = nullptr);
+/// Writes it into a patched document. `bind`: the rest frame of a bone as the document has it; where the bone's
+/// orientation is another, the frame's is stored beside it.
+void storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place = nullptr,
+               const RyAffine *bind = nullptr);
 
 } // namespace RyRiggingExtras

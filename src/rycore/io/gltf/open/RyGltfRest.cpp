@@ -1,22 +1,13 @@
 #include "rycore/io/gltf/open/RyGltfRest.h"
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-RyAffine fromSixteen(const float *values)
-{
-    RyAffine map;
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column)
-            map.m[row][column] = double(values[4 * row + column]);
-    }
-    return map;
-}
 
 bool isFinite(const RyAffine &map)
 {
@@ -58,7 +49,7 @@ std::vector<RyAffine> readInverseBinds(const RyGltfDocument &document, const RyG
         return result;
     const std::vector<float> values = document.readFloats(skin.inverseBindMatrices);
     for (size_t i = 0; i < result.size() && 16 * i + 16 <= values.size(); ++i)
-        result[i] = fromSixteen(values.data() + 16 * i);
+        result[i] = ryGltfMatrixAt(values, i);
     return result;
 }
 

@@ -3,12 +3,24 @@
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/io/gltf/save/RyGltfClipRewriter.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
 using RyExtrasJson::find;
 using Json = RyExtrasJson::Json;
 
 bool RyGltfClipPatch::apply(QString *error)
+{
+    return reexpress(error) && drop(error);
+}
+
+bool RyGltfClipPatch::reexpress(QString *error) const
+{
+    const std::vector<RyGltfClipChange> changes = RyGltfClipRewriter(m_patch, m_clips).rewrite();
+    return RyGltfClipWriter(m_patch.document, m_clips).write(changes, error);
+}
+
+bool RyGltfClipPatch::drop(QString *error)
 {
     findGone();
     Json &tree = m_patch.document.json();

@@ -1,26 +1,29 @@
 #pragma once
 
+#include "rycore/io/gltf/clips/RyGltfClips.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 
-#include <nlohmann/json_fwd.hpp>
-
-/// Takes the channels of removed joints and props out of the clips, with the samplers that only they used. Nodes that
-/// stay in their places for what they hold keep their channels. Accessors stay. The tree must be in line with the
-/// scene.
+/// Brings the clips in line with a patched tree: re-expresses them where rests or parents changed, and takes the
+/// channels of removed joints and props out of the clips, with the samplers that only they used. Nodes that stay in
+/// their places for what they hold keep their channels. Accessors stay. The tree must be in line with the scene.
 class RyGltfClipPatch
 {
 public:
-    explicit RyGltfClipPatch(RyGltfScenePatch &patch) : m_patch(patch) {}
+    /// `clips`: of the document as it was read.
+    RyGltfClipPatch(RyGltfScenePatch &patch, const RyGltfClips &clips) : m_patch(patch), m_clips(clips) {}
 
     /// False with a reason when the document would not be valid.
     bool apply(QString *error);
 
 private:
+    bool reexpress(QString *error) const;
+    bool drop(QString *error);
     void findGone();
     bool isGone(const nlohmann::ordered_json &target) const;
     bool dropChannels(nlohmann::ordered_json &clip) const;
     static void dropSamplers(nlohmann::ordered_json &clip, const std::set<size_t> &candidates);
 
     RyGltfScenePatch &m_patch;
+    const RyGltfClips &m_clips;
     std::set<int> m_gone; // nodes that hang nowhere any more
 };

@@ -1,4 +1,5 @@
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
@@ -7,7 +8,6 @@
 #include "rycore/io/gltf/save/RyGltfNewMesh.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
-#include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -36,8 +36,8 @@ const RyFacetMesh *meshOf(const RyNode &node)
 RyGltfTransform transformOf(const RyAffine &local)
 {
     bool exact = true;
-    const RyGltfTransform transform = ryGltfTransformOf(local, false, &exact);
-    return exact ? transform : ryGltfTransformOf(local, true);
+    const RyGltfTransform transform = ryGltfTransformOf(local, {1, 1, 1}, &exact);
+    return exact ? transform : ryGltfMatrixOf(local);
 }
 
 /// From the mesh space of a part of the file to figure space in centimetres.

@@ -20,7 +20,8 @@ struct RyGltfScenePatch
         RyAffine bind; // rest frame now: node space in file units to figure space in centimetres
         bool restChanged = false;
         bool poseChanged = false;
-        bool moved = false; // hangs on another node than in the file
+        bool moved = false;         // hangs on another node than in the file
+        bool keepsRotation = false; // the rest frame keeps that of the file, although the orientation is another
     };
 
     RyGltfScenePatch(const RyGltfOrigin &from, RyGltfDocument &to, QStringList *list)
@@ -36,6 +37,8 @@ struct RyGltfScenePatch
     std::vector<std::pair<const RyNode *, int>> added;
     std::set<int> removed;            // nodes of the file whose bone or prop is gone
     std::set<int> rewritten;          // nodes with another transform
+    std::map<int, RyAffine> frames;   // of nodes whose own frame is another now: from that to the one in the file
+    std::map<int, RyAffine> carried;  // by what the figure of topmost bones was moved, world to world in file units
     std::set<int> joints;             // of all skins, now
     std::map<int, RyAffine> toFigure; // per skin that can say so: mesh space to figure space, in units of the file
 

@@ -5,6 +5,7 @@
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfCarriers.h"
 #include "rycore/io/gltf/save/RyGltfClipPatch.h"
+#include "rycore/io/gltf/save/RyGltfFrameChanges.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
@@ -71,7 +72,9 @@ void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &new
         }
         const RyVec3 place = edit.source ? edit.source->bind.translation() : RyVec3();
         const bool isProp = edit.source && !edit.source->isBone;
-        RyRiggingExtras::storeNode(patch.document, index, *edit.node, isProp ? &place : nullptr);
+        const bool isBone = edit.source && edit.source->isBone;
+        RyRiggingExtras::storeNode(patch.document, index, *edit.node, isProp ? &place : nullptr,
+                                   isBone ? &edit.bind : nullptr);
     }
     for (const auto &[skin, toFigure] : patch.toFigure)
         RyTreeExtras::storeToFigure(patch.document, skin, toFigure);
@@ -139,21 +142,21 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
     if (!source)
         return refuse();
     reportMeshes(*source, messages);
+    const RyGltfClips clips(*source->document);
     std::unique_ptr<RyGltfDocument> document = source->document->moveTree();
     document->reuseSpares();
     RyGltfScenePatch patch(*source, *document, messages);
-    if (!RyGltfStructurePatch(patch).apply(scene, &reason) || !RyGltfClipPatch(patch).apply(&reason))
+    if (!RyGltfStructurePatch(patch).apply(scene, &reason))
         return refuse();
-    RyGltfNodePatch nodes(patch);
-    nodes.apply();
-    if (!RyGltfSkinPatch(patch).apply(&reason))
+    RyGltfFrameChanges(patch, clips).apply();
+    RyGltfNodePatch(patch).apply();
+    if (!RyGltfClipPatch(patch, clips).apply(&reason) || !RyGltfSkinPatch(patch).apply(&reason))
         return refuse();
     // Meshes and skins that no file had.
     RyGltfNewNodes newNodes(*document, source->unit, source.get());
     newNodes.addMeshes(patch);
     patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
     storeExtras(patch, newNodes.figures());
-    nodes.reportClips();
     document->dropUnused();
     return document;
 }

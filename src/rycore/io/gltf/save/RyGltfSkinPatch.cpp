@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/save/RyGltfFigurePlanner.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
@@ -9,15 +10,6 @@
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
-
-void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values)
-{
-    for (int row = 0; row < 4; ++row) {
-        for (int column = 0; column < 3; ++column)
-            values.push_back(float(map.m[row][column]));
-        values.push_back(row == 3 ? 1.0f : 0.0f);
-    }
-}
 
 bool RyGltfSkinPatch::apply(QString *error)
 {
@@ -109,6 +101,8 @@ void RyGltfSkinPatch::writeBinds(const Figure &figure)
     for (const Skin &skin : figure.skins) {
         const int accessorNow = m_patch.document.model().skins[size_t(skin.source->skin)].inverseBindMatrices;
         std::vector<float> values = accessorNow < 0 ? std::vector<float>() : m_patch.document.readFloats(accessorNow);
+        const std::vector<int> &before = m_patch.source.document->model().skins[size_t(skin.source->skin)].joints;
+        const std::set<int> known(before.begin(), before.end());
         bool isOther = false;
         if (figure.isRebuilt)
             values.resize(std::max(values.size(), 16 * skin.joints.size()), 0.0f);
@@ -117,7 +111,11 @@ void RyGltfSkinPatch::writeBinds(const Figure &figure)
             if ((!edit.restChanged && !figure.isRebuilt) || 16 * j + 16 > values.size())
                 continue;
             std::vector<float> sixteen;
-            ryGltfAppendMatrix(figure.meshToFigure(skin, m_patch.source.unit) * edit.bind.inverse(), sixteen);
+            const auto frame = m_patch.frames.find(skin.joints[j]);
+            const bool isKnown = frame != m_patch.frames.end() && known.count(skin.joints[j]) > 0 && !figure.isRebuilt;
+            ryGltfAppendMatrix(isKnown ? ryGltfMatrixAt(values, j) * frame->second.inverse()
+                                       : figure.meshToFigure(skin, m_patch.source.unit) * edit.bind.inverse(),
+                               sixteen);
             std::copy(sixteen.begin(), sixteen.end(), values.begin() + long(16 * j));
             isOther = true;
         }

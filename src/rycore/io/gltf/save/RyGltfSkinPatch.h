@@ -33,6 +33,3 @@ private:
     std::vector<std::pair<const RyGltfFigureSource *, int>> m_props; // with other vertices, and their meshes
     std::map<int, std::vector<int>> m_users;                         // nodes by the mesh that they use
 };
-
-/// Appends a map as the sixteen numbers of a matrix accessor.
-void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values);

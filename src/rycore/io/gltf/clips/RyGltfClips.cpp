@@ -1,0 +1,180 @@
+#include "rycore/io/gltf/clips/RyGltfClips.h"
+
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+
+#include <QStringList>
+
+#include <algorithm>
+#include <optional>
+
+using RyExtrasJson::find;
+using Json = RyExtrasJson::Json;
+
+const char *ryGltfPathName(RyGltfPath path)
+{
+    return path == RyGltfPath::Translation ? "translation" : path == RyGltfPath::Rotation ? "rotation" : "scale";
+}
+
+namespace {
+
+std::optional<RyGltfPath> pathOf(const Json &target)
+{
+    const Json *path = find(target, "path");
+    const std::string *text = path ? path->get_ptr<const std::string *>() : nullptr;
+    for (const RyGltfPath each : ryGltfPaths) {
+        if (text && *text == ryGltfPathName(each))
+            return each;
+    }
+    return std::nullopt;
+}
+
+/// A list of an object; an empty one where there is none.
+const Json &listOf(const Json &object, const char *key)
+{
+    static const Json none = Json::array();
+    const Json *list = find(object, key);
+    return list && list->is_array() ? *list : none;
+}
+
+/// The index below `limit` that a member holds, -1 for none.
+int indexOf(const Json &object, const char *key, size_t limit)
+{
+    const Json *index = find(object, key);
+    return index && RyGltfReferences::isIndex(*index) && index->get<double>() < double(limit) ? index->get<int>() : -1;
+}
+
+/// The node whose transform a pointer like "/nodes/7/translation" names; -1 for none.
+int nodeOfPointer(const Json &target, size_t nodeCount)
+{
+    const Json *extensions = find(target, "extensions");
+    const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
+    const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
+    if (!pointer || !pointer->is_string())
+        return -1;
+    const QStringList steps = QString::fromStdString(pointer->get<std::string>()).split(QLatin1Char('/'));
+    if (steps.size() != 4 || steps[1] != QLatin1String("nodes"))
+        return -1;
+    bool isNumber = false;
+    const uint node = steps[2].toUInt(&isNumber);
+    const bool isPlace = std::any_of(ryGltfPaths.begin(), ryGltfPaths.end(), [&steps](RyGltfPath path) {
+        return steps[3] == QLatin1String(ryGltfPathName(path));
+    });
+    return isNumber && isPlace && node < nodeCount ? int(node) : -1;
+}
+
+} // namespace
+
+const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const
+{
+    const auto found = std::find_if(channels.begin(), channels.end(), [&](const RyGltfChannel &channel) {
+        return channel.node == node && channel.path == path;
+    });
+    return found == channels.end() ? nullptr : &*found;
+}
+
+RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(document)
+{
+    for (const Json &clip : listOf(document.json(), "animations")) {
+        RyGltfClip &result = m_clips.emplace_back();
+        const Json *name = find(clip, "name");
+        if (name && name->is_string())
+            result.name = QString::fromStdString(name->get<std::string>());
+        if (result.name.isEmpty())
+            result.name = QStringLiteral("animation %1").arg(m_clips.size() - 1);
+        readClip(clip, result);
+    }
+}
+
+void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
+{
+    const size_t nodeCount = m_document.model().nodes.size();
+    std::map<std::pair<int, RyGltfPath>, size_t> known; // places in `result.channels`
+    const Json &channels = listOf(clip, "channels");
+    for (size_t place = 0; place < channels.size(); ++place) {
+        const Json *target = find(channels[place], "target");
+        if (!target)
+            continue;
+        RyGltfChannel channel;
+        channel.place = place;
+        channel.node = indexOf(*target, "node", nodeCount);
+        const std::optional<RyGltfPath> path = pathOf(*target);
+        if (channel.node < 0 || !path) {
+            const int node = nodeOfPointer(*target, nodeCount);
+            if (node >= 0)
+                result.unreadable.push_back(node);
+            continue;
+        }
+        channel.path = *path;
+        if (!readSampler(clip, channels[place], channel) || !known.try_emplace({channel.node, *path}, place).second)
+            result.unreadable.push_back(channel.node);
+        else
+            result.channels.push_back(channel);
+    }
+    std::sort(result.unreadable.begin(), result.unreadable.end());
+    result.unreadable.erase(std::unique(result.unreadable.begin(), result.unreadable.end()), result.unreadable.end());
+}
+
+bool RyGltfClips::readSampler(const Json &clip, const Json &channel, RyGltfChannel &result) const
+{
+    const Json &samplers = listOf(clip, "samplers");
+    const int place = indexOf(channel, "sampler", samplers.size());
+    if (place < 0 || !samplers[size_t(place)].is_object())
+        return false;
+    const Json &sampler = samplers[size_t(place)];
+    result.samplerPlace = size_t(place);
+    const size_t accessors = m_document.model().accessors.size();
+    result.sampler.input = indexOf(sampler, "input", accessors);
+    result.sampler.output = indexOf(sampler, "output", accessors);
+    const Json *kind = find(sampler, "interpolation");
+    const Json step("STEP"), linear("LINEAR"), cubic("CUBICSPLINE");
+    if (kind && *kind != step && *kind != linear && *kind != cubic)
+        return false;
+    result.sampler.kind = !kind || *kind == linear ? RyGltfCurve::Linear
+                          : *kind == step          ? RyGltfCurve::Step
+                                                   : RyGltfCurve::Cubic;
+    return result.sampler.input >= 0 && result.sampler.output >= 0;
+}
+
+std::shared_ptr<const RyGltfCurve> RyGltfClips::curve(const RyGltfSampler &sampler, RyGltfPath path) const
+{
+    const auto [known, isNew] = m_curves.try_emplace({sampler, path == RyGltfPath::Rotation});
+    if (isNew)
+        known->second = read(sampler, path);
+    return known->second;
+}
+
+const std::vector<float> &RyGltfClips::times(int accessor) const
+{
+    const auto [known, isNew] = m_times.try_emplace(accessor);
+    const RyGltfAccessor &form = m_document.model().accessors[size_t(accessor)];
+    if (!isNew || form.componentType != 5126 || form.componentCount != 1 || !m_document.hasFiniteNumbers(accessor))
+        return known->second;
+    std::vector<float> times = m_document.readFloats(accessor);
+    const bool rises =
+        std::adjacent_find(times.begin(), times.end(), [](float a, float b) { return !(a < b); }) == times.end();
+    if (rises)
+        known->second = std::move(times);
+    return known->second;
+}
+
+std::shared_ptr<const RyGltfCurve> RyGltfClips::read(const RyGltfSampler &sampler, RyGltfPath path) const
+{
+    const std::vector<RyGltfAccessor> &accessors = m_document.model().accessors;
+    const RyGltfAccessor &form = accessors[size_t(sampler.output)];
+    auto curve = std::make_shared<RyGltfCurve>();
+    curve->kind = sampler.kind;
+    curve->components = path == RyGltfPath::Rotation ? 4 : 3;
+    const bool isFloat = form.componentType == 5126;
+    const bool isFormOf = form.componentCount == curve->components && (isFloat || form.normalized);
+    const std::uint64_t values = accessors[size_t(sampler.input)].count * (sampler.kind == RyGltfCurve::Cubic ? 3 : 1);
+    if (!isFormOf || form.count != values || (isFloat && !m_document.hasFiniteNumbers(sampler.output)))
+        return nullptr;
+    curve->times = times(sampler.input);
+    if (curve->times.empty())
+        return nullptr;
+    const std::vector<float> numbers = m_document.readFloats(sampler.output);
+    curve->values.assign(numbers.begin(), numbers.end());
+    return curve;
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "rycore/io/gltf/clips/RyGltfCurve.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <QString>
+
+#include <map>
+#include <memory>
+#include <tuple>
+#include <vector>
+
+class RyGltfDocument;
+
+/// What a channel of a clip drives.
+enum class RyGltfPath { Translation, Rotation, Scale };
+constexpr std::array<RyGltfPath, 3> ryGltfPaths{RyGltfPath::Translation, RyGltfPath::Rotation, RyGltfPath::Scale};
+const char *ryGltfPathName(RyGltfPath path);
+
+/// The accessors of key times and values.
+struct RyGltfSampler
+{
+    int input = -1;
+    int output = -1;
+    RyGltfCurve::Kind kind = RyGltfCurve::Linear;
+
+    auto operator<=>(const RyGltfSampler &) const = default;
+};
+
+struct RyGltfChannel
+{
+    size_t place = 0; ///< in the clip's list of channels
+    size_t samplerPlace = 0;
+    RyGltfSampler sampler;
+    int node = -1;
+    RyGltfPath path = RyGltfPath::Translation;
+};
+
+struct RyGltfClip
+{
+    QString name;                        ///< "animation 3" where the file has none
+    std::vector<RyGltfChannel> channels; ///< those of nodes' transforms that are well formed
+    /// Nodes that are driven in a way nobody here can follow: by a damaged channel, by two channels for one property,
+    /// or through an extension.
+    std::vector<int> unreadable;
+
+    const RyGltfChannel *find(int node, RyGltfPath path) const;
+};
+
+/// The clips of a file as they are in its tree. Channels that say nothing usable are told, never evaluated.
+class RyGltfClips
+{
+public:
+    /// The document must outlive it; it reads accessors when they are first asked for.
+    explicit RyGltfClips(const RyGltfDocument &document);
+
+    const std::vector<RyGltfClip> &clips() const { return m_clips; }
+    /// Null for a damaged one: other counts than the interpolation needs, numbers that are not finite, times that do
+    /// not rise.
+    std::shared_ptr<const RyGltfCurve> curve(const RyGltfSampler &sampler, RyGltfPath path) const;
+
+private:
+    void readClip(const nlohmann::ordered_json &clip, RyGltfClip &result) const;
+    bool readSampler(const nlohmann::ordered_json &clip, const nlohmann::ordered_json &channel,
+                     RyGltfChannel &result) const;
+    std::shared_ptr<const RyGltfCurve> read(const RyGltfSampler &sampler, RyGltfPath path) const;
+    const std::vector<float> &times(int accessor) const;
+
+    const RyGltfDocument &m_document;
+    std::vector<RyGltfClip> m_clips;
+    mutable std::map<std::pair<RyGltfSampler, bool>, std::shared_ptr<const RyGltfCurve>> m_curves; // by "rotation"
+    mutable std::map<int, std::vector<float>> m_times; // by accessor; empty for unusable ones
+};

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <Eigen/Geometry>
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+/// One property of a node over the time, as a sampler of the file says it: numbers of the file in double precision.
+/// Outside its keys it holds the first and the last value.
+struct RyGltfCurve
+{
+    enum Kind { Step, Linear, Cubic };
+
+    Kind kind = Linear;
+    int components = 3;         ///< 4: a rotation, x, y, z, w
+    std::vector<float> times;   ///< seconds, strictly rising, at least one
+    std::vector<double> values; ///< per key; of cubic splines in-tangent, value and out-tangent
+
+    size_t keyCount() const { return times.size(); }
+    int numbersPerKey() const { return kind == Cubic ? 3 * components : components; }
+    /// The value of a key, without its tangents.
+    const double *key(size_t index) const
+    {
+        return values.data() + index * size_t(numbersPerKey()) + (kind == Cubic ? components : 0);
+    }
+    /// Whether it has one value at all times.
+    bool isConstant() const;
+};
+
+/// A curve between two times that have no key of it between them. At the later one it gives the limit from before, so
+/// that a step shows its old value there. The curve must outlive it.
+class RyGltfCurvePiece
+{
+public:
+    RyGltfCurvePiece(const RyGltfCurve &curve, float from, float to);
+
+    Eigen::Vector3d vector(double time) const;
+    Eigen::Quaterniond rotation(double time) const;
+
+private:
+    std::array<double, 4> at(double time) const;
+    double share(double time) const { return (time - m_from) / m_span; }
+
+    const RyGltfCurve &m_curve;
+    size_t m_key;        // the last one at or before the piece
+    bool m_isFlat;       // holds the value of that key
+    double m_from = 0.0; // of the two keys around it
+    double m_span = 1.0;
+    double m_angle = 0.0; // of a slerp: half the turn
+    double m_sine = 1.0;
+    std::array<double, 2> m_sizes{1.0, 1.0}; // of the two rotations
+    double m_sign = 1.0;                     // that takes the second rotation to the nearer side
+};

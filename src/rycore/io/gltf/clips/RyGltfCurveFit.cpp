@@ -1,0 +1,99 @@
+#include "rycore/io/gltf/clips/RyGltfCurveFit.h"
+
+#include <algorithm>
+
+namespace {
+
+/// How fast a place moves at one end of a stretch on which it is smooth.
+Eigen::Vector3d velocity(const RyGltfCurveFit::Place &place, float from, float to, bool atEnd)
+{
+    if (!(to > from))
+        return Eigen::Vector3d::Zero();
+    const double step = (atEnd ? -1e-3 : 1e-3) * (double(to) - double(from));
+    const double at = double(atEnd ? to : from);
+    // The one-sided difference of fourth order.
+    return (-25.0 * place(at) + 48.0 * place(at + step) - 36.0 * place(at + 2 * step) + 16.0 * place(at + 3 * step) -
+            3.0 * place(at + 4 * step)) /
+           (12.0 * step);
+}
+
+} // namespace
+
+RyGltfCurveFit::RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance) : m_tolerance(tolerance)
+{
+    m_curve->kind = kind;
+}
+
+void RyGltfCurveFit::append(const Eigen::Vector3d &numbers)
+{
+    m_curve->values.insert(m_curve->values.end(), numbers.data(), numbers.data() + 3);
+}
+
+void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place)
+{
+    std::vector<float> times{span.from};
+    if (m_curve->kind != RyGltfCurve::Step && span.to > span.from)
+        RyGltfKeyTimes::refine(
+            span.from, span.to, [&](float from, float to) { return excess(place, from, to); }, times);
+    if (span.endsInStep)
+        times.push_back(span.to);
+    for (size_t i = 0; i < times.size(); ++i) {
+        const float next = i + 1 < times.size() ? times[i + 1] : span.to;
+        m_curve->times.push_back(times[i]);
+        const bool isBeforeStep = span.to != span.next && i + 1 == times.size();
+        m_isFixed.push_back(isBeforeStep || (m_isBehindStep && i == 0));
+        if (m_curve->kind == RyGltfCurve::Cubic)
+            append(m_arriving);
+        append(place(double(times[i])));
+        if (m_curve->kind == RyGltfCurve::Cubic) {
+            append(velocity(place, times[i], next, false));
+            m_arriving = velocity(place, times[i], next, true);
+        }
+    }
+    m_isBehindStep = span.to != span.next;
+}
+
+/// How far the curve is off in units of the tolerance.
+double RyGltfCurveFit::excess(const Place &place, float from, float to) const
+{
+    double worst = 0.0;
+    for (const double share : {0.25, 0.5, 0.75}) {
+        const double time = double(from) + share * (double(to) - double(from));
+        worst = std::max(worst, (place(time) - between(place, from, to, share)).norm());
+    }
+    return worst / (RyGltfKeyTimes::TakingShare * m_tolerance);
+}
+
+std::shared_ptr<const RyGltfCurve> RyGltfCurveFit::take()
+{
+    if (m_curve->kind == RyGltfCurve::Linear)
+        thin();
+    return std::move(m_curve);
+}
+
+void RyGltfCurveFit::thin()
+{
+    const auto at = [this](size_t key) { return Eigen::Map<const Eigen::Vector3d>(m_curve->key(key)); };
+    const auto isNear = [&](size_t from, size_t to, size_t place) {
+        const double start = double(m_curve->times[from]);
+        const double share = (double(m_curve->times[place]) - start) / (double(m_curve->times[to]) - start);
+        return (at(from) + share * (at(to) - at(from)) - at(place)).norm() <=
+               RyGltfKeyTimes::ThinningShare * m_tolerance;
+    };
+    RyGltfCurve result;
+    for (const size_t key : RyGltfKeyTimes::thin(m_isFixed, isNear)) {
+        result.times.push_back(m_curve->times[key]);
+        result.values.insert(result.values.end(), at(key).data(), at(key).data() + 3);
+    }
+    *m_curve = std::move(result);
+}
+
+Eigen::Vector3d RyGltfCurveFit::between(const Place &place, float from, float to, double share) const
+{
+    const Eigen::Vector3d a = place(double(from)), b = place(double(to));
+    if (m_curve->kind != RyGltfCurve::Cubic)
+        return a + share * (b - a);
+    const double span = double(to) - double(from), u = share, u2 = u * u, u3 = u2 * u;
+    return (2 * u3 - 3 * u2 + 1) * a + span * (u3 - 2 * u2 + u) * velocity(place, from, to, false) +
+           (3 * u2 - 2 * u3) * b + span * (u3 - u2) * velocity(place, from, to, true);
+}

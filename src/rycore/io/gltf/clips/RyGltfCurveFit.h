@@ -1,0 +1,29 @@
+#pragma once
+
+#include "rycore/io/gltf/clips/RyGltfKeyTimes.h"
+
+/// Makes the keys of a translation that follows from several curves.
+class RyGltfCurveFit
+{
+public:
+    /// `tolerance`: how far the curve may be off between its keys.
+    RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance);
+
+    /// Where the curve has to be at a time of a span; it must be smooth there.
+    using Place = std::function<Eigen::Vector3d(double time)>;
+    /// The next span.
+    void add(const RyGltfKeyTimes::Span &span, const Place &place);
+    std::shared_ptr<const RyGltfCurve> take();
+
+private:
+    double excess(const Place &place, float from, float to) const;
+    Eigen::Vector3d between(const Place &place, float from, float to, double share) const;
+    void append(const Eigen::Vector3d &numbers);
+    void thin();
+
+    double m_tolerance;
+    std::shared_ptr<RyGltfCurve> m_curve = std::make_shared<RyGltfCurve>();
+    std::vector<bool> m_isFixed;                          // keys at both sides of steps
+    bool m_isBehindStep = false;                          // the next key
+    Eigen::Vector3d m_arriving = Eigen::Vector3d::Zero(); // tangent at the end of the span before
+};

@@ -1,0 +1,32 @@
+#include "rycore/io/gltf/clips/RyGltfMotion.h"
+
+RyGltfMotionPiece::RyGltfMotionPiece(const RyGltfMotion &motion, float from, float to) : m_motion(motion)
+{
+    for (size_t i = 0; i < m_pieces.size(); ++i) {
+        if (motion.curves[i])
+            m_pieces[i].emplace(*motion.curves[i], from, to);
+    }
+}
+
+Eigen::Vector3d RyGltfMotionPiece::translation(double time) const
+{
+    const auto &piece = m_pieces[size_t(RyGltfPath::Translation)];
+    return piece ? piece->vector(time) : m_motion.rest.translation;
+}
+
+Eigen::Quaterniond RyGltfMotionPiece::rotation(double time) const
+{
+    const auto &piece = m_pieces[size_t(RyGltfPath::Rotation)];
+    return piece ? piece->rotation(time) : m_motion.rest.rotation;
+}
+
+Eigen::Vector3d RyGltfMotionPiece::scale(double time) const
+{
+    const auto &piece = m_pieces[size_t(RyGltfPath::Scale)];
+    return piece ? piece->vector(time) : m_motion.rest.scale;
+}
+
+Eigen::Affine3d RyGltfMotionPiece::map(double time) const
+{
+    return m_motion.matrix ? *m_motion.matrix : parts(time).map();
+}

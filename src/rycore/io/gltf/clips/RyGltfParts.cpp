@@ -1,0 +1,69 @@
+#include "rycore/io/gltf/clips/RyGltfParts.h"
+
+#include <Eigen/SVD>
+
+RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector3d &signs)
+{
+    RyGltfParts parts;
+    parts.translation = map.translation();
+    Eigen::Vector3d sign = signs.array().sign().matrix();
+    if (map.linear().determinant() * sign.prod() < 0.0)
+        sign.x() = -sign.x();
+    const Eigen::Matrix3d straight = map.linear() * sign.asDiagonal();
+    const Eigen::JacobiSVD<Eigen::Matrix3d> svd(straight, Eigen::ComputeFullU | Eigen::ComputeFullV);
+    const Eigen::Matrix3d turn = svd.matrixU() * svd.matrixV().transpose();
+    const Eigen::Matrix3d stretch = svd.matrixV() * svd.singularValues().asDiagonal() * svd.matrixV().transpose();
+    parts.rotation = Eigen::Quaterniond(turn).normalized();
+    parts.scale = stretch.diagonal().cwiseProduct(sign);
+    return parts;
+}
+
+RyGltfParts RyGltfParts::of(const RyGltfTransform &transform)
+{
+    if (transform.hasMatrix)
+        return nearest(ryGltfColumns(transform.toAffine()));
+    RyGltfParts parts;
+    parts.translation = Eigen::Vector3d(transform.translation.data());
+    parts.rotation =
+        Eigen::Quaterniond(transform.rotation[3], transform.rotation[0], transform.rotation[1], transform.rotation[2]);
+    if (!(parts.rotation.squaredNorm() > 1e-24))
+        parts.rotation = Eigen::Quaterniond::Identity();
+    parts.rotation.normalize();
+    parts.scale = Eigen::Vector3d(transform.scale.data());
+    return parts;
+}
+
+Eigen::Affine3d RyGltfParts::map() const
+{
+    Eigen::Affine3d map;
+    map.linear() = rotation.toRotationMatrix() * scale.asDiagonal();
+    map.translation() = translation;
+    map.makeAffine();
+    return map;
+}
+
+RyGltfTransform RyGltfParts::transform() const
+{
+    RyGltfTransform transform;
+    transform.translation = {translation.x(), translation.y(), translation.z()};
+    transform.rotation = {rotation.x(), rotation.y(), rotation.z(), rotation.w()};
+    transform.scale = {scale.x(), scale.y(), scale.z()};
+    return transform;
+}
+
+Eigen::Affine3d ryGltfColumns(const RyAffine &rows)
+{
+    Eigen::Affine3d map = Eigen::Affine3d::Identity();
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column)
+            map.linear()(column, row) = rows.m[row][column];
+        map.translation()(row) = rows.m[3][row];
+    }
+    return map;
+}
+
+double ryGltfDistance(const Eigen::Affine3d &a, const Eigen::Affine3d &b, double reach)
+{
+    // The Frobenius norm is no less than the largest factor by which a direction grows.
+    return (a.translation() - b.translation()).norm() + reach * (a.linear() - b.linear()).norm();
+}

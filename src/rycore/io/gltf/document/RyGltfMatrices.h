@@ -1,0 +1,10 @@
+#pragma once
+
+#include "rycore/math/RyAffine.h"
+
+#include <span>
+#include <vector>
+
+/// Maps in accessors of matrices: sixteen numbers each, for row vectors row by row.
+void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values);
+RyAffine ryGltfMatrixAt(std::span<const float> values, size_t index);

@@ -1,0 +1,239 @@
+#include "rycore/io/gltf/save/RyGltfClipRewriter.h"
+
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+
+#include <algorithm>
+
+RyGltfClipRewriter::RyGltfClipRewriter(RyGltfScenePatch &patch, const RyGltfClips &clips)
+    : m_patch(patch), m_clips(clips), m_before(patch.source.document->model()),
+      m_motions(RyGltfNodeMotions(patch).find()), m_preOrder(ryGltfPreOrder(m_before))
+{}
+
+std::vector<RyGltfClipChange> RyGltfClipRewriter::rewrite()
+{
+    if (m_motions.empty())
+        return {};
+    findBases();
+    for (size_t clip = 0; clip < m_clips.clips().size(); ++clip)
+        rewriteClip(clip);
+    report();
+    return std::move(m_changes);
+}
+
+/// An edited pose control means what it says: clips that do not drive its property follow it.
+void RyGltfClipRewriter::findBases()
+{
+    std::map<int, const RyGltfNodeMotion *> motions;
+    for (const RyGltfNodeMotion &motion : m_motions) {
+        if (motion.node == motion.source)
+            motions[motion.node] = &motion;
+    }
+    for (const auto &[node, edit] : m_patch.edits) {
+        if (!edit.source || (edit.source->loaded.samePoseControls(RyNodeValues::of(*edit.node)) &&
+                             edit.source->loaded.inheritScale == edit.node->inheritsScale()))
+            continue;
+        const auto motion = motions.find(node);
+        m_bases[node] = baseOf(node, motion == motions.end() ? nullptr : motion->second);
+    }
+}
+
+RyGltfParts RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion) const
+{
+    const RyGltfTransform &transformNow = m_patch.document.model().nodes[size_t(node)].transform;
+    Eigen::Affine3d now = ryGltfColumns(transformNow.toAffine());
+    const RyGltfParts before = RyGltfParts::of(m_before.nodes[size_t(node)].transform);
+    if (motion) {
+        RyGltfMotionChange change = changeOf(RyGltfClip(), *motion);
+        RyGltfMotion still;
+        double missed = 0.0;
+        change.before = Eigen::Affine3d::Identity();
+        const Eigen::Affine3d behind = ryGltfChanged(still, change, &missed).rest.map();
+        now = behind.inverse() * now * motion->before.inverse();
+    }
+    const RyGltfParts edited = RyGltfParts::nearest(now, before.scale);
+    const RyGltfScenePatch::Edit &edit = m_patch.edits.at(node);
+    const RyNodeValues &loaded = edit.source->loaded;
+    const RyNodeValues values = RyNodeValues::of(*edit.node);
+    const auto isEdited = [&](size_t from, size_t to) {
+        return !std::equal(values.pose.begin() + long(from), values.pose.begin() + long(to),
+                           loaded.pose.begin() + long(from));
+    };
+    RyGltfParts base = before;
+    if (isEdited(0, 3))
+        base.translation = edited.translation;
+    if (isEdited(3, 6))
+        base.rotation = edited.rotation;
+    if (isEdited(6, 10) || values.inheritScale != loaded.inheritScale)
+        base.scale = edited.scale;
+    return base;
+}
+
+RyGltfMotion RyGltfClipRewriter::restOf(int node) const
+{
+    RyGltfMotion motion;
+    const auto base = m_bases.find(node);
+    const RyGltfTransform &transform = m_before.nodes[size_t(node)].transform;
+    motion.rest = base != m_bases.end() ? base->second : RyGltfParts::of(transform);
+    if (transform.hasMatrix && base == m_bases.end())
+        motion.matrix = ryGltfColumns(transform.toAffine());
+    return motion;
+}
+
+RyGltfMotion RyGltfClipRewriter::motionOf(const RyGltfClip &clip, int node) const
+{
+    RyGltfMotion motion = restOf(node);
+    for (const RyGltfPath path : ryGltfPaths) {
+        const RyGltfChannel *channel = clip.find(node, path);
+        if (channel)
+            motion.curves[size_t(path)] = m_clips.curve(channel->sampler, path);
+    }
+    if (motion.isDriven())
+        motion.matrix.reset();
+    return motion;
+}
+
+RyGltfMotionChange RyGltfClipRewriter::changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const
+{
+    RyGltfMotionChange change;
+    change.before = motion.before;
+    change.between = motion.between;
+    change.after = motion.after;
+    change.tolerance = motion.tolerance;
+    change.reach = motion.reach;
+    for (const int node : motion.down)
+        change.down.push_back(motionOf(clip, node));
+    for (const int node : motion.up)
+        change.up.push_back(motionOf(clip, node));
+    return change;
+}
+
+/// Nodes that a clip drives, and those above and below them.
+std::vector<bool> RyGltfClipRewriter::findRelated(const RyGltfClip &clip) const
+{
+    std::vector<bool> isDriven(m_before.nodes.size(), false);
+    for (const RyGltfChannel &channel : clip.channels)
+        isDriven[size_t(channel.node)] = true;
+    std::vector<bool> isBelow = isDriven, isAbove = isDriven;
+    for (const int node : m_preOrder) {
+        const int parent = m_before.nodes[size_t(node)].parent;
+        if (parent >= 0 && isBelow[size_t(parent)])
+            isBelow[size_t(node)] = true;
+    }
+    for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
+        const int parent = m_before.nodes[size_t(*node)].parent;
+        if (parent >= 0 && isAbove[size_t(*node)])
+            isAbove[size_t(parent)] = true;
+    }
+    for (size_t node = 0; node < isBelow.size(); ++node)
+        isBelow[node] = isBelow[node] || isAbove[node];
+    return isBelow;
+}
+
+bool RyGltfClipRewriter::canRead(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const
+{
+    const auto isReadable = [&](int node) {
+        return !std::binary_search(clip.unreadable.begin(), clip.unreadable.end(), node) &&
+               std::all_of(ryGltfPaths.begin(), ryGltfPaths.end(), [&](RyGltfPath path) {
+                   const RyGltfChannel *channel = clip.find(node, path);
+                   return !channel || m_clips.curve(channel->sampler, path);
+               });
+    };
+    return isReadable(motion.source) && std::all_of(motion.down.begin(), motion.down.end(), isReadable) &&
+           std::all_of(motion.up.begin(), motion.up.end(), isReadable);
+}
+
+void RyGltfClipRewriter::rewriteClip(size_t index)
+{
+    const RyGltfClip &clip = m_clips.clips()[index];
+    if (clip.channels.empty() && clip.unreadable.empty())
+        return;
+    const std::vector<bool> isRelated = findRelated(clip);
+    bool isRead = true, isStraight = true;
+    for (const RyGltfNodeMotion &motion : m_motions) {
+        if (!canRead(clip, motion))
+            isRead = false;
+        else
+            isStraight &= rewriteNode(index, motion, isRelated[size_t(motion.source)]);
+    }
+    if (!isRead)
+        m_unreadable.append(clip.name);
+    if (!isStraight)
+        m_sheared.append(clip.name);
+}
+
+/// False where something is put off its place.
+bool RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &motion, bool isRelated)
+{
+    const RyGltfClip &clip = m_clips.clips()[index];
+    const RyGltfMotion before = motionOf(clip, motion.source);
+    const RyGltfMotionChange change = changeOf(clip, motion);
+    if (!before.isDriven() && change.isConstant() && !isRelated)
+        return true;
+    double missed = 0.0;
+    const RyGltfMotion result = ryGltfChanged(before, change, &missed);
+    // A node that nothing drives holds what a matrix holds.
+    const bool isWritten = addKeys(index, motion, result);
+    const double heights = missed / std::max(1e-300, motion.height);
+    if (!isWritten || heights <= 1e-5)
+        return true;
+    m_worstShear = std::max(m_worstShear, heights);
+    return false;
+}
+
+/// Whether anything drives the node now.
+bool RyGltfClipRewriter::addKeys(size_t index, const RyGltfNodeMotion &motion, const RyGltfMotion &result)
+{
+    const RyGltfClip &clip = m_clips.clips()[index];
+    RyGltfTransform transform = m_patch.document.model().nodes[size_t(motion.node)].transform;
+    const RyGltfParts still = RyGltfParts::of(transform);
+    const double slack = 0.1 * motion.tolerance;
+    const Eigen::Vector4d turn = result.rest.rotation.coeffs(), turnNow = still.rotation.coeffs();
+    const bool isOff[3] = {(result.rest.translation - still.translation).norm() > slack,
+                           std::min((turn - turnNow).norm(), (turn + turnNow).norm()) * motion.reach > slack,
+                           (result.rest.scale - still.scale).norm() * motion.reach > slack};
+    const double *numbers[3] = {result.rest.translation.data(), turn.data(), result.rest.scale.data()};
+    bool isWritten = false;
+    for (const RyGltfPath path : ryGltfPaths) {
+        const size_t i = size_t(path);
+        const RyGltfChannel *channel = motion.node == motion.source ? clip.find(motion.node, path) : nullptr;
+        std::shared_ptr<const RyGltfCurve> curve = result.curves[i];
+        if (!curve && isOff[i]) { // the node says something else than the clip has to
+            auto key = std::make_shared<RyGltfCurve>();
+            key->kind = RyGltfCurve::Step;
+            key->components = path == RyGltfPath::Rotation ? 4 : 3;
+            key->times = {startOf(clip)};
+            key->values.assign(numbers[i], numbers[i] + key->components);
+            curve = key;
+        }
+        if (!curve)
+            continue;
+        isWritten = true;
+        if (channel && curve == m_clips.curve(channel->sampler, path))
+            continue;
+        m_changes.push_back({index, motion.node, path, channel ? channel->place : RyGltfClipChange::isNew, curve});
+    }
+    if (isWritten && transform.hasMatrix)
+        m_patch.document.setNodeTransform(motion.node, still.transform());
+    return isWritten;
+}
+
+float RyGltfClipRewriter::startOf(const RyGltfClip &clip) const
+{
+    float start = std::numeric_limits<float>::infinity();
+    for (const RyGltfChannel &channel : clip.channels) {
+        if (const auto curve = m_clips.curve(channel.sampler, channel.path))
+            start = std::min(start, curve->times.front());
+    }
+    return std::isfinite(start) ? start : 0.0f;
+}
+
+void RyGltfClipRewriter::report() const
+{
+    m_patch.sayOf(QStringLiteral("Clips with channels that cannot be followed (damaged, or through an extension) keep "
+                                 "them as they were, for edited joints too: %1"),
+                  m_unreadable);
+    m_patch.sayOf(QStringLiteral("Clips need shear that no animation can hold, since joints hang elsewhere; vertices "
+                                 "are off by up to %2 % of the height: %1")
+                      .arg(QStringLiteral("%1"), QString::number(100.0 * m_worstShear, 'g', 2)),
+                  m_sheared);
+}

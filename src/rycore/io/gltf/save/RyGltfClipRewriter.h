@@ -1,0 +1,42 @@
+#pragma once
+
+#include "rycore/io/gltf/clips/RyGltfMotionChange.h"
+#include "rycore/io/gltf/save/RyGltfClipWriter.h"
+#include "rycore/io/gltf/save/RyGltfNodeMotions.h"
+
+/// Says what clips say of nodes anew, for a patched document: every vertex of every frame stays where it was. Numbers
+/// come from the file as it was read, never from an earlier edit.
+class RyGltfClipRewriter
+{
+public:
+    /// `clips`: of the document as it was read.
+    RyGltfClipRewriter(RyGltfScenePatch &patch, const RyGltfClips &clips);
+
+    /// Curves to be written. Nodes that are given as matrices and have to be driven become translation, rotation and
+    /// scale.
+    std::vector<RyGltfClipChange> rewrite();
+
+private:
+    void rewriteClip(size_t clip);
+    bool rewriteNode(size_t clip, const RyGltfNodeMotion &motion, bool isRelated);
+    RyGltfMotion motionOf(const RyGltfClip &clip, int node) const;
+    RyGltfMotion restOf(int node) const;
+    RyGltfMotionChange changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
+    void findBases();
+    RyGltfParts baseOf(int node, const RyGltfNodeMotion *motion) const;
+    std::vector<bool> findRelated(const RyGltfClip &clip) const;
+    bool canRead(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
+    bool addKeys(size_t clip, const RyGltfNodeMotion &motion, const RyGltfMotion &result);
+    float startOf(const RyGltfClip &clip) const;
+    void report() const;
+
+    RyGltfScenePatch &m_patch;
+    const RyGltfClips &m_clips;
+    const RyGltfModel &m_before;
+    std::vector<RyGltfNodeMotion> m_motions;
+    std::map<int, RyGltfParts> m_bases; // of nodes whose pose was edited: what clips play on where they drive nothing
+    std::vector<int> m_preOrder;        // of the file
+    std::vector<RyGltfClipChange> m_changes;
+    QStringList m_unreadable, m_sheared; // names of clips
+    double m_worstShear = 0.0;           // in heights of the figure
+};

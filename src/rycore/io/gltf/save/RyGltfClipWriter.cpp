@@ -1,0 +1,212 @@
+#include "rycore/io/gltf/save/RyGltfClipWriter.h"
+
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
+
+#include <algorithm>
+
+using Json = RyExtrasJson::Json;
+
+namespace {
+
+const char *kindName(RyGltfCurve::Kind kind)
+{
+    return kind == RyGltfCurve::Step ? "STEP" : kind == RyGltfCurve::Cubic ? "CUBICSPLINE" : "LINEAR";
+}
+
+template<typename T>
+QByteArray asFloats(const std::vector<T> &numbers)
+{
+    const std::vector<float> floats(numbers.begin(), numbers.end());
+    return {reinterpret_cast<const char *>(floats.data()), int(floats.size() * sizeof(float))};
+}
+
+std::span<const float> floatsOf(const QByteArray &bytes)
+{
+    return {reinterpret_cast<const float *>(bytes.constData()), size_t(bytes.size()) / sizeof(float)};
+}
+
+void assign(Json &sampler, const RyGltfSampler &to)
+{
+    sampler["input"] = to.input;
+    if (to.kind != RyGltfCurve::Linear || sampler.contains("interpolation"))
+        sampler["interpolation"] = kindName(to.kind);
+    sampler["output"] = to.output;
+}
+
+} // namespace
+
+bool RyGltfClipWriter::write(const std::vector<RyGltfClipChange> &changes, QString *error)
+{
+    gather(changes);
+    if (m_entries.empty())
+        return true;
+    overwrite();
+    if (!addAccessors()) {
+        *error = QStringLiteral("the clips are too long for the file's buffers");
+        return false;
+    }
+    writeClips();
+    if (!m_document.refresh(error))
+        return false;
+    releaseOld();
+    return true;
+}
+
+/// Leaves out what comes to the same floats as before.
+void RyGltfClipWriter::gather(const std::vector<RyGltfClipChange> &changes)
+{
+    for (const RyGltfClipChange &change : changes) {
+        const RyGltfClip &clip = m_clips.clips()[change.clip];
+        const auto place =
+            std::lower_bound(clip.channels.begin(), clip.channels.end(), change.channel,
+                             [](const RyGltfChannel &channel, size_t wanted) { return channel.place < wanted; });
+        Entry entry{&change, nullptr, asFloats(change.curve->times), asFloats(change.curve->values), {}};
+        entry.sampler.kind = change.curve->kind;
+        if (change.channel != RyGltfClipChange::isNew) {
+            entry.channel = &*place;
+            const auto old = m_clips.curve(place->sampler, place->path);
+            const QByteArray oldTimes = asFloats(old->times);
+            if (old->kind == change.curve->kind && oldTimes == entry.times && asFloats(old->values) == entry.values)
+                continue;
+            if (oldTimes == entry.times)
+                entry.sampler.input = place->sampler.input;
+        }
+        m_entries.push_back(std::move(entry));
+    }
+}
+
+/// How many channels use each sampler of a clip.
+const std::map<size_t, size_t> &RyGltfClipWriter::samplerUses(size_t clip)
+{
+    const auto [known, isNew] = m_uses.try_emplace(clip);
+    if (!isNew)
+        return known->second;
+    for (const Json &channel : m_document.json()["animations"][clip]["channels"]) {
+        const Json *sampler = RyExtrasJson::find(channel, "sampler");
+        if (sampler && RyGltfReferences::isIndex(*sampler))
+            ++known->second[sampler->get<size_t>()];
+    }
+    return known->second;
+}
+
+/// Where all samplers that read an accessor get the same numbers, and as many, its own are overwritten.
+void RyGltfClipWriter::overwrite()
+{
+    struct Users
+    {
+        std::map<std::pair<size_t, size_t>, size_t> channels; // by clip and place of the sampler
+        const QByteArray *values = nullptr;
+        bool isSame = true;
+    };
+    std::map<int, Users> byOutput;
+    for (const Entry &entry : m_entries) {
+        if (!entry.channel)
+            continue;
+        Users &users = byOutput[entry.channel->sampler.output];
+        users.isSame = users.isSame && (!users.values || *users.values == entry.values);
+        users.values = &entry.values;
+        ++users.channels[{entry.change->clip, entry.channel->samplerPlace}];
+    }
+    const auto isAll = [this](const auto &channels) { // of those that use the sampler
+        const auto &[clip, place] = channels.first;
+        return channels.second == samplerUses(clip).at(place);
+    };
+    std::map<int, int> written;
+    for (const auto &[output, users] : byOutput) {
+        const RyGltfAccessor &form = m_document.model().accessors[size_t(output)];
+        const std::span<const float> values = floatsOf(*users.values);
+        if (users.isSame && form.componentType == 5126 && values.size() == form.count * size_t(form.componentCount) &&
+            std::all_of(users.channels.begin(), users.channels.end(), isAll))
+            written[output] = m_document.replaceFloats(output, values, int(users.channels.size()));
+    }
+    for (Entry &entry : m_entries) {
+        const auto found = entry.channel ? written.find(entry.channel->sampler.output) : written.end();
+        if (found != written.end())
+            entry.sampler.output = found->second;
+    }
+}
+
+bool RyGltfClipWriter::addAccessors()
+{
+    QHash<QByteArray, int> known[2]; // by components: three or four
+    for (Entry &entry : m_entries) {
+        if (entry.sampler.input < 0) {
+            const auto found = m_times.constFind(entry.times);
+            entry.sampler.input =
+                found != m_times.constEnd() ? *found : m_document.addFloatAccessor(floatsOf(entry.times), 1, 0, true);
+            m_times.insert(entry.times, entry.sampler.input);
+        }
+        if (entry.sampler.output < 0) {
+            const int components = entry.change->curve->components;
+            const auto found = known[components - 3].constFind(entry.values);
+            entry.sampler.output = found != known[components - 3].constEnd()
+                                       ? *found
+                                       : m_document.addFloatAccessor(floatsOf(entry.values), components, 0);
+            known[components - 3].insert(entry.values, entry.sampler.output);
+        }
+        if (entry.sampler.input < 0 || entry.sampler.output < 0)
+            return false;
+    }
+    return true;
+}
+
+void RyGltfClipWriter::writeClips()
+{
+    std::map<size_t, std::vector<const Entry *>> byClip;
+    for (const Entry &entry : m_entries)
+        byClip[entry.change->clip].push_back(&entry);
+    for (const auto &[clip, entries] : byClip)
+        writeClip(m_document.json()["animations"][clip], entries);
+}
+
+/// A sampler that other channels use as well, or that they want otherwise, stays; a copy of it is changed.
+void RyGltfClipWriter::writeClip(Json &clip, const std::vector<const Entry *> &entries)
+{
+    Json &channels = clip["channels"];
+    Json &samplers = clip["samplers"];
+    const std::map<size_t, size_t> uses = samplerUses(entries.front()->change->clip);
+    std::map<size_t, std::map<RyGltfSampler, std::vector<const Entry *>>> wanted; // by place of the sampler
+    std::map<RyGltfSampler, size_t> added;
+    for (const Entry *entry : entries) {
+        if (entry->channel)
+            wanted[entry->channel->samplerPlace][entry->sampler].push_back(entry);
+    }
+    for (const auto &[place, bySampler] : wanted) {
+        for (const auto &[sampler, users] : bySampler) {
+            if (bySampler.size() == 1 && users.size() == uses.at(place)) {
+                assign(samplers[place], sampler);
+                continue;
+            }
+            Json copy = samplers[place];
+            assign(copy, sampler);
+            for (const Entry *user : users)
+                channels[user->channel->place]["sampler"] = samplers.size();
+            samplers.push_back(std::move(copy));
+        }
+    }
+    for (const Entry *entry : entries) {
+        if (entry->channel)
+            continue;
+        const auto [known, isFirst] = added.try_emplace(entry->sampler, samplers.size());
+        if (isFirst) {
+            Json sampler = Json::object();
+            assign(sampler, entry->sampler);
+            samplers.push_back(std::move(sampler));
+        }
+        channels.push_back(
+            Json{{"sampler", known->second},
+                 {"target", Json{{"node", entry->change->node}, {"path", ryGltfPathName(entry->change->path)}}}});
+    }
+}
+
+void RyGltfClipWriter::releaseOld()
+{
+    std::set<int> old;
+    for (const Entry &entry : m_entries) {
+        if (entry.channel)
+            old.insert({entry.channel->sampler.input, entry.channel->sampler.output});
+    }
+    m_document.releaseUnused({old.begin(), old.end()});
+}

@@ -1,0 +1,188 @@
+#include "rycore/io/gltf/save/RyGltfFrameChanges.h"
+
+#include "rycore/io/gltf/clips/RyGltfParts.h"
+#include "rycore/io/gltf/clips/RyGltfScaleSpread.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <algorithm>
+#include <cmath>
+
+RyGltfFrameChanges::RyGltfFrameChanges(RyGltfScenePatch &patch, const RyGltfClips &clips)
+    : m_patch(patch), m_clips(clips), m_isDriven(patch.source.document->model().nodes.size(), false)
+{
+    for (const RyGltfClip &clip : clips.clips()) {
+        for (const RyGltfChannel &channel : clip.channels)
+            m_isDriven[size_t(channel.node)] = true;
+    }
+}
+
+void RyGltfFrameChanges::apply()
+{
+    for (auto &[index, edit] : m_patch.edits) {
+        const RyNode &node = *edit.node;
+        if (!edit.source) {
+            edit.bind = RyAffine::fromScale(scaleOfNew(node)) * RyAffine::fromRotation(node.getOrientation()) *
+                        RyAffine::fromTranslation(node.getOrigin());
+            continue;
+        }
+        if (edit.source->isBone)
+            compareRest(index, edit);
+        comparePose(edit);
+    }
+    spreadPoses();
+    m_patch.sayOf(QStringLiteral("The file keeps the old rotation of bones whose clips scale them unequally along "
+                                 "their axes; the new orientation is stored beside it: %1"),
+                  m_keepRotation);
+}
+
+void RyGltfFrameChanges::compareRest(int index, Edit &edit)
+{
+    const RyNodeValues now = RyNodeValues::of(*edit.node);
+    const RyGltfNodeSource &source = *edit.source;
+    const bool isMoved = !now.sameOrigin(source.loaded);
+    bool isTurned = !now.sameOrientation(source.loaded);
+    if (isTurned && mustKeepRotation(index, edit)) {
+        isTurned = false;
+        edit.keepsRotation = true;
+        m_keepRotation.append(edit.node->getName());
+    }
+    if (!isTurned && !isMoved)
+        return;
+    RyAffine frame; // the new frame seen from the old one
+    if (isTurned) {
+        edit.bind = source.stretch * RyAffine::fromRotation(edit.node->getOrientation());
+        for (int axis = 0; axis < 3; ++axis)
+            edit.bind.m[3][axis] = source.bind.m[3][axis];
+        RyAffine before = source.bind, linear = edit.bind;
+        for (int axis = 0; axis < 3; ++axis)
+            before.m[3][axis] = linear.m[3][axis] = 0.0;
+        frame = linear * before.inverse();
+    }
+    if (isMoved) {
+        const RyVec3 origin = edit.node->getOrigin();
+        RyAffine shift = source.bind;
+        for (int axis = 0; axis < 3; ++axis) {
+            edit.bind.m[3][axis] = double(origin[axis]);
+            shift.m[3][axis] = 0.0;
+        }
+        const double way[3] = {edit.bind.m[3][0] - source.bind.m[3][0], edit.bind.m[3][1] - source.bind.m[3][1],
+                               edit.bind.m[3][2] - source.bind.m[3][2]};
+        shift.inverse().mapPoint(way, frame.m[3]);
+    }
+    edit.restChanged = true;
+    m_patch.frames[index] = frame;
+}
+
+/// Whether a turn of the node's own frame would shear what clips do to it, or to what hangs on it.
+bool RyGltfFrameChanges::mustKeepRotation(int index, const Edit &edit)
+{
+    const double reach = m_reach.of(*edit.node);
+    const double slack = 2e-6 * m_reach.heightOf(*edit.node) / std::max(1e-12, reach);
+    const std::vector<int> &children = m_patch.source.document->model().nodes[size_t(index)].children;
+    const auto isDriven = [this](int node) { return bool(m_isDriven[size_t(node)]); };
+    if ((isDriven(index) || std::any_of(children.begin(), children.end(), isDriven)) && isStretched(edit, slack))
+        return true;
+    if (!isDriven(index))
+        return false;
+    const RyAffine turn = RyAffine::fromRotation(edit.node->getOrientation()) *
+                          (edit.source->stretch.inverse() * edit.source->bind).inverse();
+    return scaleSpread(index, ryGltfColumns(turn).linear()) > slack;
+}
+
+/// Whether the rest frame holds more than a rotation, a reflection and one factor.
+bool RyGltfFrameChanges::isStretched(const Edit &edit, double slack)
+{
+    const Eigen::Matrix3d stretch = ryGltfColumns(edit.source->stretch).linear();
+    const Eigen::Matrix3d squares = stretch.transpose() * stretch;
+    const double factor = squares.trace() / 3.0;
+    return !((squares - factor * Eigen::Matrix3d::Identity()).norm() <= 2.0 * std::max(slack, 2e-6) * factor);
+}
+
+/// The largest difference between two factors of the scale of a node, in any key of any clip; none where a turn only
+/// makes the factors change places.
+double RyGltfFrameChanges::scaleSpread(int node, const Eigen::Matrix3d &turn) const
+{
+    if (((turn.array().abs() - turn.array().abs().round()).abs() < 1e-6).all())
+        return 0.0;
+    RyGltfScaleSpread spread;
+    spread.add(RyGltfParts::of(m_patch.source.document->model().nodes[size_t(node)].transform).scale);
+    for (const RyGltfClip &clip : m_clips.clips()) {
+        const RyGltfChannel *channel = clip.find(node, RyGltfPath::Scale);
+        if (const auto curve = channel ? m_clips.curve(channel->sampler, RyGltfPath::Scale) : nullptr)
+            spread.add(*curve);
+    }
+    return spread.largest();
+}
+
+bool ryGltfIsApart(const RyNode &node)
+{
+    return !qobject_cast<const RyBone *>(&node) && node.getNodeParent() && node.getNodeParent()->getSkeleton() &&
+           (!node.inheritsScale() || ryDropsScale(*node.getNodeParent()));
+}
+
+void RyGltfFrameChanges::comparePose(Edit &edit) const
+{
+    const RyNode &node = *edit.node;
+    const RyNodeValues now = RyNodeValues::of(node);
+    // A pose turns about the origin and the axes; where there is none the file's numbers stay with their noise.
+    const bool isSame = now.samePoseControls(edit.source->loaded) && node.getLocalMap() == RyAffine()
+                            ? now.inheritScale == edit.source->loaded.inheritScale
+                            : now.samePose(edit.source->loaded);
+    edit.poseChanged = !isSame || (edit.moved && !node.inheritsScale()) || ryGltfIsApart(node);
+}
+
+/// A node that does not inherit scale holds its parent's against it: it changes with every pose above it.
+void RyGltfFrameChanges::spreadPoses()
+{
+    std::map<const RyNode *, bool> hasChanged{{nullptr, false}}; // it or a node above it
+    for (auto &[index, edit] : m_patch.edits) {
+        if (edit.poseChanged || edit.node->inheritsScale())
+            continue;
+        const RyNode *above = edit.node->getNodeParent();
+        std::vector<const RyNode *> path;
+        for (; !hasChanged.count(above); above = above->getNodeParent())
+            path.push_back(above);
+        bool changed = hasChanged.at(above);
+        for (; !path.empty(); path.pop_back()) {
+            const auto other = m_patch.edits.find(m_patch.nodeOf.of(path.back()));
+            changed = changed || (other != m_patch.edits.end() && (other->second.poseChanged || other->second.moved));
+            hasChanged[path.back()] = changed;
+        }
+        edit.poseChanged = changed;
+    }
+}
+
+double RyGltfFrameChanges::scaleOfNew(const RyNode &node) const
+{
+    const double unit = m_patch.source.unit;
+    const auto *bone = qobject_cast<const RyBone *>(&node);
+    if (!bone || !m_patch.source.findFigureSource(bone->getSkeleton()))
+        return unit; // what is written with a new skin has its own frames
+    const RyNode *known = &node;
+    while (known && !isKnownBone(*known))
+        known = qobject_cast<const RyBone *>(known->getNodeParent());
+    if (!known) { // all above are new as well, and take theirs from what stands below the topmost
+        known = &node;
+        while (qobject_cast<const RyBone *>(known->getNodeParent()))
+            known = known->getNodeParent();
+        while (known && !isKnownBone(*known)) {
+            const RyNode *below = nullptr;
+            for (const RyNode *child : known->nodeChildrenIterator())
+                below = below ? below : qobject_cast<const RyBone *>(child);
+            known = below;
+        }
+    }
+    if (!known)
+        return unit;
+    const RyAffine &stretch = m_patch.edits.at(m_patch.nodeOf.of(known)).source->stretch;
+    // Its axes are others than the other bone's: of a stretch that differs between axes it takes the mean.
+    const double scale = std::cbrt(std::abs(stretch.determinant()));
+    return std::abs(scale - unit) <= 1e-5 * unit || !(scale > 0.0) ? unit : scale;
+}
+
+bool RyGltfFrameChanges::isKnownBone(const RyNode &node) const
+{
+    const auto edit = m_patch.edits.find(m_patch.nodeOf.of(&node));
+    return edit != m_patch.edits.end() && edit->second.source && edit->second.source->isBone;
+}

@@ -1,0 +1,217 @@
+#include "rycore/io/gltf/save/RyGltfNodeMotions.h"
+
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/extras/RyTreeExtras.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <optional>
+
+namespace {
+
+/// What a bone gave away: its weights as they were read that are larger than those now, at the vertices that another
+/// bone weighs; half of its own where the other has a copy of them. All lists are ascending.
+qint64 givenTo(const RyGltfBindingWeights &taker, const RyGltfLoadedWeights &before, const RyGltfBindingWeights *now)
+{
+    if (now && now->isSameAs(taker))
+        return std::accumulate(now->weights.begin(), now->weights.end(), qint64(0)) / 2;
+    qint64 sum = 0;
+    size_t j = 0, k = 0;
+    for (size_t i = 0; i < taker.vertices.size(); ++i) {
+        const int vertex = taker.vertices[i];
+        while (j < before.vertices.size() && before.vertices[j] < vertex)
+            ++j;
+        while (now && k < now->vertices.size() && now->vertices[k] < vertex)
+            ++k;
+        const int then = j < before.vertices.size() && before.vertices[j] == vertex ? before.weights[j] : 0;
+        const bool has = now && k < now->vertices.size() && now->vertices[k] == vertex;
+        sum += std::clamp(then - (has ? int(now->weights[k]) : 0), 0, int(taker.weights[i]));
+    }
+    return sum;
+}
+
+double sizeOf(const RyAffine &map)
+{
+    return std::cbrt(std::abs(map.determinant()));
+}
+
+} // namespace
+
+RyGltfNodeMotions::RyGltfNodeMotions(const RyGltfScenePatch &patch)
+    : m_patch(patch), m_before(patch.source.document->model()), m_now(patch.document.model())
+{
+    for (const auto &[node, frame] : patch.frames)
+        m_frames[node] = ryGltfColumns(frame);
+}
+
+std::vector<RyGltfNodeMotion> RyGltfNodeMotions::find()
+{
+    for (const auto &[sceneNode, node] : m_patch.added) {
+        const int giver = qobject_cast<const RyBone *>(sceneNode) ? giverOf(*sceneNode) : -1;
+        if (giver < 0)
+            continue;
+        m_givers[node] = giver;
+        const RyGltfNodeSource &source = *m_patch.edits.at(giver).source;
+        m_frames[node] = ryGltfColumns(m_patch.edits.at(node).bind * source.bind.inverse());
+    }
+    for (size_t node = 0; node < m_before.nodes.size(); ++node) {
+        if (isThere(int(node)) && !isNew(int(node)))
+            addKnown(int(node));
+    }
+    for (const auto &[node, giver] : m_givers) {
+        RyGltfNodeMotion motion;
+        motion.node = node;
+        motion.source = giver;
+        motion.before = m_frames.at(node);
+        hangElsewhere(motion, m_before.nodes[size_t(giver)].parent, m_now.nodes[size_t(node)].parent);
+        m_motions.push_back(std::move(motion));
+    }
+    setLimits(m_motions);
+    return std::move(m_motions);
+}
+
+bool RyGltfNodeMotions::isNew(int node) const
+{
+    if (size_t(node) >= m_before.nodes.size())
+        return true;
+    const auto edit = m_patch.edits.find(node);
+    return edit != m_patch.edits.end() && !edit->second.source;
+}
+
+/// Whether it still hangs in the tree.
+bool RyGltfNodeMotions::isThere(int node) const
+{
+    while (m_now.nodes[size_t(node)].parent >= 0)
+        node = m_now.nodes[size_t(node)].parent;
+    return !RyTreeExtras::isRemoved(m_patch.document, "nodes", node);
+}
+
+Eigen::Affine3d RyGltfNodeMotions::localNow(int node) const
+{
+    return ryGltfColumns(m_now.nodes[size_t(node)].transform.toAffine());
+}
+
+void RyGltfNodeMotions::addKnown(int node)
+{
+    RyGltfNodeMotion motion;
+    motion.node = motion.source = node;
+    const auto frame = m_frames.find(node);
+    if (frame != m_frames.end())
+        motion.before = frame->second;
+    const int oldParent = m_before.nodes[size_t(node)].parent;
+    const int newParent = m_now.nodes[size_t(node)].parent;
+    const auto edit = m_patch.edits.find(node);
+    const bool isBone = edit == m_patch.edits.end() || edit->second.source->isBone;
+    const auto carried = m_patch.carried.find(node);
+    if (carried != m_patch.carried.end()) {
+        motion.between = ryGltfColumns(carried->second);
+        hangElsewhere(motion, oldParent, newParent);
+    } else if (oldParent != newParent && (isBone || m_patch.removed.count(oldParent))) {
+        hangElsewhere(motion, oldParent, newParent);
+    } else if (oldParent != newParent) {
+        // A prop or a figure follows what it hangs on; its own clips move it from its new place.
+        motion.after = localNow(node) * ryGltfColumns(m_before.nodes[size_t(node)].transform.toAffine()).inverse();
+    } else if (oldParent >= 0 && m_frames.count(oldParent)) {
+        motion.after = m_frames.at(oldParent).inverse();
+    }
+    const auto isIdentity = [](const Eigen::Affine3d &map) { return map.matrix().isIdentity(0.0); };
+    // A node that stands elsewhere now, although its frame is the same, must not do so in clips.
+    if ((isBone && m_patch.rewritten.count(node)) || !isIdentity(motion.before) || !isIdentity(motion.after) ||
+        !motion.down.empty() || !motion.up.empty() || !isIdentity(motion.between)) {
+        m_motions.push_back(std::move(motion));
+    }
+}
+
+/// The way from the old parent to the new one, both as they moved in the file.
+void RyGltfNodeMotions::hangElsewhere(RyGltfNodeMotion &motion, int oldParent, int newParent) const
+{
+    Eigen::Affine3d between = Eigen::Affine3d::Identity(); // of new nodes without a motion of their own
+    while (newParent >= 0 && isNew(newParent) && !m_givers.count(newParent)) {
+        between = localNow(newParent) * between;
+        newParent = m_now.nodes[size_t(newParent)].parent;
+    }
+    motion.after = between.inverse();
+    if (newParent >= 0 && m_frames.count(newParent))
+        motion.after = motion.after * m_frames.at(newParent).inverse();
+    const auto giver = m_givers.find(newParent);
+    for (int at = oldParent; at >= 0; at = m_before.nodes[size_t(at)].parent)
+        motion.down.push_back(at);
+    for (int at = giver == m_givers.end() ? newParent : giver->second; at >= 0; at = m_before.nodes[size_t(at)].parent)
+        motion.up.push_back(at);
+    while (motion.between.matrix().isIdentity(0.0) && !motion.down.empty() && !motion.up.empty() &&
+           motion.down.back() == motion.up.back()) {
+        motion.down.pop_back();
+        motion.up.pop_back();
+    }
+}
+
+/// The bone of the file that gave a new one most of its weights and moves otherwise: beside it, or below such; -1 for
+/// none. What is above a new bone moves it anyway.
+int RyGltfNodeMotions::giverOf(const RyNode &bone) const
+{
+    const RyGltfFigureSource *figure = m_patch.source.findFigureSource(bone.getSkeleton());
+    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&bone);
+    const RyBoneBinding *binding = skin ? skin->findBoneBinding(&bone) : nullptr;
+    if (!figure || !binding)
+        return -1;
+    const RyGltfBindingWeights taken(*binding);
+    const RyNode *giver = nullptr;
+    qint64 most = 0;
+    for (const RyGltfLoadedWeights &before : *figure->weights) {
+        const int node = before.bone ? m_patch.nodeOf.of(before.bone) : -1;
+        if (node < 0 || !m_patch.edits.at(node).source)
+            continue;
+        std::optional<RyGltfBindingWeights> now;
+        if (const RyBoneBinding *rest = skin->findBoneBinding(before.bone))
+            now.emplace(*rest);
+        const qint64 given = givenTo(taken, before, now ? &*now : nullptr);
+        if (given > most) {
+            most = given;
+            giver = before.bone;
+        }
+    }
+    const bool isBeside = giver && giver->isDescendantOf(bone.getNodeParent()) && !bone.isDescendantOf(giver);
+    return isBeside ? m_patch.nodeOf.of(giver) : -1;
+}
+
+void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
+{
+    // Of the figure's height; what may be off adds up along a limb.
+    constexpr double share = 5e-6;
+    const std::vector<int> order = ryGltfPreOrder(m_now);
+    const std::vector<RyAffine> worlds = ryGltfWorldMaps(m_now, order);
+    std::map<int, const RyNode *> sceneNodes; // the nearest at or above a node that stands in the scene
+    std::vector<int> depth(m_now.nodes.size(), 0);
+    std::vector<const RyNode *> shown(m_now.nodes.size(), nullptr);
+    for (const RyGltfNodeMotion &motion : motions)
+        depth[size_t(motion.node)] = motion.isOffPath();
+    int deepest = 1;
+    for (const int node : order) {
+        const int parent = m_now.nodes[size_t(node)].parent;
+        const auto edit = m_patch.edits.find(node);
+        shown[size_t(node)] = edit != m_patch.edits.end() ? edit->second.node
+                              : parent >= 0               ? shown[size_t(parent)]
+                                                          : nullptr;
+        depth[size_t(node)] += parent >= 0 ? depth[size_t(parent)] : 0;
+        deepest = std::max(deepest, depth[size_t(node)]);
+    }
+    for (RyGltfNodeMotion &motion : motions) {
+        const RyNode *node = shown[size_t(motion.node)];
+        const RyNode *figure = node ? node->getSkeleton() : nullptr;
+        // Centimetres of the figure in units of the world of the file.
+        const double toWorld = (figure ? sizeOf(figure->worldMap()) : 1.0) / m_patch.source.unit;
+        const double height = figure ? m_reach.heightOf(*figure) : 100.0;
+        const int parent = m_now.nodes[size_t(motion.node)].parent;
+        const double parentSize = parent >= 0 ? sizeOf(worlds[size_t(parent)]) : 1.0;
+        motion.height = height * toWorld / std::max(1e-12, parentSize);
+        motion.tolerance = share * motion.height / deepest;
+        motion.reach = (node && figure ? m_reach.of(*node) : height) * toWorld /
+                       std::max(1e-12, sizeOf(worlds[size_t(motion.node)]));
+    }
+}

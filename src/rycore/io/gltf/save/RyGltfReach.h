@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+
+class RyNode;
+
+/// How far from the origin of a bone that reaches which follows it or a bone below it, in centimetres: vertices at rest,
+/// its end point, and things that hang on it.
+class RyGltfReach
+{
+public:
+    /// Of any other node the size of its figure, or 0 without one.
+    double of(const RyNode &node);
+    /// Of the figure of a node: the height of its mesh, or what its joints take up where it has none.
+    double heightOf(const RyNode &node);
+
+private:
+    void measure(const RyNode &figure);
+    static double reachOfThings(const RyNode &bone, const RyNode &figure);
+
+    std::map<const RyNode *, double> m_reach;   // of bones
+    std::map<const RyNode *, double> m_heights; // of figures
+};
