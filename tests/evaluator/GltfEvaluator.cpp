@@ -267,6 +267,11 @@ GltfCounts GltfEvaluator::counts() const
     return counts;
 }
 
+GltfTable GltfEvaluator::accessorValues(int accessor) const
+{
+    return readGltfAccessor(d->file, accessor);
+}
+
 std::string GltfEvaluator::accessorBytes(int accessor) const
 {
     return readGltfAccessorBytes(d->file, accessor);

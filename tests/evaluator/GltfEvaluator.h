@@ -13,6 +13,7 @@
 #include <vector>
 
 class GltfModel;
+struct GltfTable;
 
 /// What is changed of the pose that a file holds, by node index. A matrix in `local` takes the place of the node's own
 /// local matrix; a turn in `turn` is appended to it, in the node's own axes: local * turn.
@@ -81,6 +82,8 @@ public:
 
     GltfCounts counts() const;
 
+    /// What an accessor says, row by row.
+    GltfTable accessorValues(int accessor) const;
     /// The elements of an accessor as they are stored, one after the other without gaps and without a sparse part.
     std::string accessorBytes(int accessor) const;
     /// The bytes of a whole buffer.

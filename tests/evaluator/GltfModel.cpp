@@ -1,8 +1,9 @@
 #include "evaluator/GltfModel.h"
 
+#include "evaluator/GltfTransform.h"
+
 #include <nlohmann/json.hpp>
 
-#include <cmath>
 #include <stdexcept>
 
 using nlohmann::json;
@@ -63,24 +64,7 @@ Eigen::Matrix4d GltfModel::localMatrix(int index) const
             fail("a node's matrix has not sixteen numbers");
         return columnMajor(values.data());
     }
-    const auto t = node.value("translation", std::vector<double>{0, 0, 0});
-    const auto r = node.value("rotation", std::vector<double>{0, 0, 0, 1});
-    const auto s = node.value("scale", std::vector<double>{1, 1, 1});
-    if (t.size() != 3 || r.size() != 4 || s.size() != 3)
-        fail("a node's transform has the wrong count of numbers");
-    // The turn of a unit quaternion x y z w, written out for column vectors.
-    const double length = std::sqrt(r[0] * r[0] + r[1] * r[1] + r[2] * r[2] + r[3] * r[3]);
-    const double n = length > 0 ? 1.0 / length : 0.0;
-    const double x = r[0] * n, y = r[1] * n, z = r[2] * n, w = length > 0 ? r[3] * n : 1.0;
-    Eigen::Matrix4d m = Eigen::Matrix4d::Identity();
-    m.topLeftCorner<3, 3>() << 1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w), //
-        2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w),                        //
-        2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y);
-    for (int k = 0; k < 3; ++k) {
-        m.col(k).head<3>() *= s[std::size_t(k)];
-        m(k, 3) = t[std::size_t(k)];
-    }
-    return m;
+    return GltfTransform::ofNode(node).matrix();
 }
 
 void GltfModel::readParents()

@@ -107,6 +107,15 @@ void FileMutator::mutateTree()
         change(m_tree[place.parent_pointer()], place.back());
 }
 
+void FileMutator::mutateBelow(const Pointer &place)
+{
+    if (!m_tree.contains(place))
+        return;
+    const std::vector<Pointer> places = placesIn(m_tree[place], place);
+    const Pointer picked = places[below(places.size())];
+    change(m_tree[picked.parent_pointer()], picked.back());
+}
+
 void FileMutator::change(Json &parent, const std::string &step)
 {
     const bool isList = parent.is_array();

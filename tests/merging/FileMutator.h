@@ -16,6 +16,8 @@ public:
     FileMutator(const QByteArray &bytes, std::mt19937 &random);
 
     void mutateTree();
+    /// One value below a place of the tree; none where there is no such place.
+    void mutateBelow(const nlohmann::json::json_pointer &place);
     /// The file with a few of its bytes changed when `damaged`.
     QByteArray bytes(bool damaged);
 

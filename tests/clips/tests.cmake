@@ -1,0 +1,7 @@
+ry_test(clips LIBS rycore_io ry_evaluator ry_test_core SOURCES
+  ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp
+  ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp
+  ${CMAKE_SOURCE_DIR}/tests/io/RigEdits.cpp
+  ${CMAKE_SOURCE_DIR}/tests/merging/FileMutator.cpp
+  ${CMAKE_SOURCE_DIR}/tests/merging/MergedScene.cpp)
+target_include_directories(tst_clips PRIVATE ${CMAKE_SOURCE_DIR}/tests/io ${CMAKE_SOURCE_DIR}/tests/merging)

@@ -1,0 +1,334 @@
+#include "ClipSessions.h"
+#include "ClipSketch.h"
+
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "support/RyTest.h"
+#include "support/RyValidator.h"
+
+#include <QTemporaryDir>
+
+using nlohmann::json;
+
+/// What stays as it was in clips when joints are edited: channels of others, times, kinds, sharing, names, what cannot
+/// be understood.
+class KeptChannelsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { m_random.seed(ryTestSeed()); }
+    void init() { m_sketch = std::make_unique<ClipSketch>(m_random); }
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    /// Channels of the other arm, and whole clips of it, say what they said.
+    void channelsOfOthers()
+    {
+        m_sketch->bind();
+        for (const int arm : {ClipSketch::LeftArm, ClipSketch::RightArm}) {
+            const size_t clip = m_sketch->addClip("arm");
+            for (const char *path : {"rotation", "translation", "scale"}) {
+                m_sketch->drive(clip, arm, path, "LINEAR");
+                m_sketch->drive(clip, arm + 1, path, "CUBICSPLINE");
+            }
+        }
+        open();
+        editBoth(ClipSketch::LeftArm);
+        const GltfEvaluator after(save());
+        QCOMPARE(changedChannel(m_character->file, after, {ClipSketch::LeftArm, ClipSketch::LeftHand}), QString());
+        QVERIFY(!changedChannel(m_character->file, after).isEmpty());
+        QCOMPARE(after.tree()["animations"][1]["samplers"].size(), size_t(6));
+    }
+
+    /// A turn is a constant factor: as many keys at the same times, of the same kind.
+    void timesOfTurns_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const char *kind : {"STEP", "LINEAR", "CUBICSPLINE"})
+            QTest::newRow(kind) << QString::fromLatin1(kind);
+    }
+    void timesOfTurns()
+    {
+        QFETCH(QString, kind);
+        m_sketch->bind();
+        const size_t clip = m_sketch->addClip("all");
+        for (const int joint : ClipSketch::joints()) {
+            for (const char *path : {"rotation", "translation", "scale"})
+                m_sketch->drive(clip, joint, path, kind.toStdString());
+        }
+        open();
+        ClipEdits::turnAtRandom(m_character->bones(), m_random);
+        const GltfEvaluator after(save());
+        const json &now = after.tree()["animations"][0];
+        QCOMPARE(now["channels"].size(), m_sketch->tree["animations"][0]["channels"].size());
+        QVERIFY(!changedChannel(m_character->file, after).isEmpty());
+        showsTheSame(after, {});
+        for (size_t c = 0; c < now["channels"].size(); ++c) {
+            const json &old = samplerOf(m_character->file, 0, c);
+            const json &sampler = samplerOf(after, 0, c);
+            QCOMPARE(sampler["interpolation"], old["interpolation"]);
+            QVERIFY(after.accessorBytes(sampler["input"]) == m_character->file.accessorBytes(old["input"]));
+        }
+        isValid();
+    }
+
+    /// A centre that moves under clips that turn nothing there needs no key more.
+    void timesOfShifts()
+    {
+        m_sketch->bind();
+        const size_t clip = m_sketch->addClip("shifts");
+        for (const int joint : {ClipSketch::Hips, ClipSketch::LeftArm})
+            m_sketch->drive(clip, joint, "translation", "CUBICSPLINE");
+        open();
+        ClipEdits::moveOrigins(m_character->bones(), 9.0, m_random);
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        for (size_t c = 0; c < 2; ++c) {
+            const json &old = samplerOf(m_character->file, 0, c);
+            const json &sampler = samplerOf(after, 0, c);
+            QCOMPARE(sampler["interpolation"], old["interpolation"]);
+            QVERIFY(after.accessorBytes(sampler["input"]) == m_character->file.accessorBytes(old["input"]));
+        }
+    }
+
+    void sharing()
+    {
+        m_sketch->bind();
+        const int times = m_sketch->addTimes(m_sketch->someTimes(5));
+        const int turns =
+            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 5));
+        for (int i = 0; i < 3; ++i) {
+            const size_t clip = m_sketch->addClip("again");
+            m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, turns, "LINEAR"), ClipSketch::LeftArm,
+                                 "rotation");
+        }
+        open();
+        ClipEdits::turnAtRandom({boneOf(ClipSketch::LeftArm)}, m_random);
+        const GltfEvaluator after(save());
+        const json &first = samplerOf(after, 0, 0);
+        QVERIFY(after.accessorBytes(first["output"]) != m_character->file.accessorBytes(turns));
+        for (size_t clip = 1; clip < 3; ++clip) {
+            QCOMPARE(samplerOf(after, clip, 0)["output"], first["output"]);
+            QCOMPARE(samplerOf(after, clip, 0)["input"], first["input"]);
+        }
+    }
+
+    void membersOfStrangers()
+    {
+        m_sketch->bind();
+        m_sketch->driveAll(m_sketch->addClip("w\u00e4lk"), "LINEAR");
+        json &clip = m_sketch->tree["animations"][0];
+        clip["extras"] = {{"loop", true}};
+        for (size_t i = 0; i < clip["channels"].size(); ++i) {
+            clip["channels"][i]["extras"] = {{"number", i}};
+            clip["channels"][i]["target"]["extensions"] = {{"X_unknown", {{"a", i}}}};
+            clip["samplers"][i]["extras"] = {{"sampler", i}};
+        }
+        m_sketch->tree["extensionsUsed"] = {"X_unknown"};
+        m_sketch->tree["animations"].push_back(
+            {{"name", "empty"}, {"samplers", json::array()}, {"channels", json::array()}});
+        const json old = m_sketch->tree["animations"];
+        open();
+        ClipEdits::moveOrigins(m_character->bones(), 5.0, m_random);
+        ClipEdits::turnAtRandom(m_character->bones(), m_random);
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        const json &now = after.tree()["animations"];
+        QCOMPARE(now.size(), size_t(2));
+        QCOMPARE(now[1], old[1]);
+        QCOMPARE(now[0]["name"], old[0]["name"]);
+        QCOMPARE(now[0]["extras"], old[0]["extras"]);
+        for (size_t i = 0; i < old[0]["channels"].size(); ++i) {
+            QCOMPARE(now[0]["channels"][i]["target"], old[0]["channels"][i]["target"]);
+            QCOMPARE(now[0]["channels"][i]["extras"], old[0]["channels"][i]["extras"]);
+            QCOMPARE(samplerOf(after, 0, i)["extras"], old[0]["samplers"][i]["extras"]);
+        }
+    }
+
+    /// A channel that an extension aims stays; where it drives an edited joint, a message names its clip.
+    void pointers()
+    {
+        m_sketch->bind();
+        m_sketch->driveAll(m_sketch->addClip("plain"), "LINEAR");
+        const size_t clip = m_sketch->addClip("pointed");
+        m_sketch->drive(clip, ClipSketch::LeftArm, "rotation", "LINEAR");
+        m_sketch->drive(clip, ClipSketch::RightArm, "rotation", "LINEAR");
+        json &target = m_sketch->tree["animations"][clip]["channels"][0]["target"];
+        target = {{"path", "pointer"},
+                  {"extensions",
+                   {{"KHR_animation_pointer",
+                     {{"pointer", "/nodes/" + std::to_string(ClipSketch::LeftArm) + "/rotation"}}}}}};
+        m_sketch->tree["extensionsUsed"] = {"KHR_animation_pointer"};
+        const json old = m_sketch->tree["animations"][clip];
+        for (const int edited : {ClipSketch::LeftArm, ClipSketch::RightHand}) {
+            open();
+            editBoth(edited);
+            const GltfEvaluator after(save());
+            QCOMPARE(after.tree()["animations"][clip]["channels"][0]["target"], old["channels"][0]["target"]);
+            const json &sampler = samplerOf(after, clip, 0);
+            QVERIFY(after.accessorBytes(sampler["output"]) ==
+                    m_character->file.accessorBytes(samplerOf(m_character->file, clip, 0)["output"]));
+            const QStringList naming = m_messages.filter(QStringLiteral("pointed"));
+            QVERIFY2(naming.size() == int(edited == ClipSketch::LeftArm),
+                     qPrintable(m_messages.join(QLatin1Char('\n'))));
+            QVERIFY(naming.filter(QStringLiteral("plain")).isEmpty());
+            showsTheSame(after, {});
+        }
+    }
+
+    /// A channel that makes no sense stays as it is, and its clip is named.
+    void damagedChannels_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<float>("time");
+        QTest::newRow("repeated") << 3 << 0.5f;
+        QTest::newRow("falling") << 3 << 0.25f;
+        QTest::newRow("no number") << 2 << std::nanf("");
+        QTest::newRow("endless") << 4 << std::numeric_limits<float>::infinity();
+    }
+    void damagedChannels()
+    {
+        QFETCH(int, key);
+        QFETCH(float, time);
+        m_sketch->bind();
+        m_sketch->driveAll(m_sketch->addClip("whole"), "LINEAR");
+        const size_t clip = m_sketch->addClip("broken");
+        const int times = m_sketch->addTimes({0.0f, 0.25f, 0.5f, 0.75f, 1.0f});
+        m_sketch->set(times, size_t(key), time);
+        const int values =
+            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 5));
+        m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, values, "LINEAR"), ClipSketch::LeftArm,
+                             "rotation");
+        m_sketch->drive(clip, ClipSketch::RightArm, "rotation", "LINEAR");
+        open();
+        editBoth(ClipSketch::LeftArm);
+        const GltfEvaluator after(save());
+        const json &sampler = samplerOf(after, clip, 0);
+        QVERIFY(after.accessorBytes(sampler["input"]) == m_character->file.accessorBytes(times));
+        QVERIFY(after.accessorBytes(sampler["output"]) == m_character->file.accessorBytes(values));
+        QCOMPARE(sampler["interpolation"], json("LINEAR"));
+        const QStringList naming = m_messages.filter(QStringLiteral("broken"));
+        QVERIFY2(naming.size() == 1 && !naming[0].contains(QStringLiteral("whole")),
+                 qPrintable(m_messages.join(QLatin1Char('\n'))));
+        showsTheSame(after, {int(clip)});
+        CharacterScene again(m_saved);
+    }
+
+    /// The channels of a deleted bone go; a clip with no others goes as a whole and is named, unless what hung on the
+    /// bone has to do its motion.
+    void deletedBone_data()
+    {
+        QTest::addColumn<int>("bone");
+        QTest::newRow("arm") << int(ClipSketch::LeftArm);
+        QTest::newRow("hand") << int(ClipSketch::LeftHand);
+    }
+    void deletedBone()
+    {
+        QFETCH(int, bone);
+        m_sketch->node(ClipSketch::LeftHand).erase("children");
+        m_sketch->tree["scenes"][0]["nodes"].push_back(int(ClipSketch::Camera));
+        m_sketch->bind();
+        m_sketch->driveAll(m_sketch->addClip("all"), "LINEAR");
+        m_sketch->drive(m_sketch->addClip("alone"), bone, "rotation", "LINEAR");
+        m_sketch->driveAll(m_sketch->addClip("splines"), "CUBICSPLINE");
+        open();
+        ClipChoice choice;
+        choice.steadyNodes = nodesBesideBones(*m_character);
+        ClipEdits::deleteInPlace(*m_character, boneOf(bone), choice);
+        const GltfEvaluator after(save());
+        const bool isLeaf = bone == ClipSketch::LeftHand;
+        QCOMPARE(clipCount(after), isLeaf ? 2 : 3);
+        QStringList naming = m_messages.filter(QStringLiteral("gone")).filter(QStringLiteral("alone"));
+        QCOMPARE(naming.size(), int(isLeaf));
+        for (const json &clip : after.tree()["animations"]) {
+            for (const json &channel : clip["channels"])
+                QVERIFY(channel["target"]["node"] != bone);
+        }
+        choice.frames = 300;
+        const ClipDifference difference = largestClipDifference(m_character->file, after, choice);
+        QVERIFY2(difference.distance <= ClipSessions::Tolerance, qPrintable(difference.text()));
+        isValid();
+    }
+
+    /// Nothing but what was loaded and what is there counts: edits that were undone leave no trace, and saving twice
+    /// gives the same bytes.
+    void onlyTheDifference()
+    {
+        m_sketch->bind();
+        m_sketch->driveAll(m_sketch->addClip("all"), "LINEAR");
+        open();
+        RyUndoStackHold hold;
+        editBoth(ClipSketch::LeftArm);
+        editBoth(ClipSketch::Spine);
+        hold.accept(QStringLiteral("Edit"));
+        save();
+        const QByteArray edited = bytesOf(m_saved);
+        save();
+        QVERIFY(bytesOf(m_saved) == edited);
+        ryUndoStack()->undo();
+        save();
+        QVERIFY(bytesOf(m_saved) == bytesOf(path()));
+        ryUndoStack()->redo();
+        save();
+        QVERIFY(bytesOf(m_saved) == edited);
+    }
+
+private:
+    QString path() const { return m_folder.filePath(QStringLiteral("sketch.gltf")); }
+    void open() { m_character = std::make_unique<CharacterScene>(m_sketch->write(path())); }
+    std::string save()
+    {
+        m_saved = m_folder.filePath(QStringLiteral("saved.gltf"));
+        m_messages.clear();
+        QString error;
+        if (!RySceneFile::save(&m_character->scene, m_saved, &error, &m_messages))
+            throw std::runtime_error(error.toStdString());
+        return m_saved.toStdString();
+    }
+    RyBone *boneOf(int node) const
+    {
+        for (RyBone *bone : m_character->bones()) {
+            if (m_character->nodeOf(bone) == node)
+                return bone;
+        }
+        throw std::runtime_error("no such bone");
+    }
+    void editBoth(int node)
+    {
+        ClipEdits::moveOrigins({boneOf(node)}, 6.0, m_random);
+        ClipEdits::turnAtRandom({boneOf(node)}, m_random);
+    }
+    static const json &samplerOf(const GltfEvaluator &file, size_t clip, size_t channel)
+    {
+        const json &animation = file.tree()["animations"][clip];
+        return animation["samplers"][animation["channels"][channel]["sampler"].get<size_t>()];
+    }
+    void showsTheSame(const GltfEvaluator &after, const std::set<int> &otherClips) const
+    {
+        ClipChoice choice;
+        choice.frames = 300;
+        choice.otherClips = otherClips;
+        choice.steadyNodes = nodesBesideBones(*m_character);
+        const ClipDifference difference = largestClipDifference(m_character->file, after, choice);
+        QVERIFY2(difference.distance <= ClipSessions::Tolerance, qPrintable(difference.text()));
+    }
+    void isValid() const
+    {
+        const RyValidation before = ryValidate(path());
+        const RyValidation after = ryValidate(m_saved);
+        if (before.available)
+            QVERIFY2(after.errors <= before.errors, qPrintable(after.report));
+    }
+
+    QTemporaryDir m_folder;
+    std::mt19937 m_random;
+    std::unique_ptr<ClipSketch> m_sketch;
+    std::unique_ptr<CharacterScene> m_character;
+    QString m_saved;
+    QStringList m_messages;
+};
+
+RY_TEST(KeptChannelsTest)
+#include "tst_kept_channels.moc"

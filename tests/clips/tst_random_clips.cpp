@@ -1,0 +1,121 @@
+#include "ClipSessions.h"
+#include "ClipSketch.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+
+#include <QTemporaryDir>
+
+/// Files made at random, edited at random. RY_RANDOM_CLIPS says how many.
+class RandomClipsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    void files_data()
+    {
+        QTest::addColumn<unsigned>("number");
+        bool given = false;
+        const unsigned wanted = qEnvironmentVariable("RY_RANDOM_CLIPS").toUInt(&given);
+        for (unsigned number = 0; number < (given ? wanted : FilesByDefault); ++number)
+            QTest::addRow("file %u", number) << number;
+    }
+    void files()
+    {
+        QFETCH(unsigned, number);
+        m_random.seed(ryTestSeed() + number);
+        ClipSketch sketch(m_random);
+        const bool isPosed = chance(3);
+        const bool isUneven = chance(5);
+        dress(sketch, isPosed, isUneven);
+        ClipChoice choice;
+        choice.frames = 120;
+        ClipSessions sessions(m_random);
+        sessions.growth = 1.3; // few keys, far apart
+        sessions.mayTell = isUneven;
+        // Where bones that are posed are hung elsewhere, other controls hold the pose, and clips follow those; and
+        // shear is no transform.
+        const ClipEdits::Kind some{"some", ClipEdits::Keeps::Frames, isPosed || isUneven ? editRest : editAnything};
+        const QString path = sketch.write(m_folder.filePath(QStringLiteral("random.gltf")));
+        const QString failure = sessions.check(path, some, choice);
+        QVERIFY2(failure.isEmpty(), qPrintable(failure));
+    }
+
+private:
+    static constexpr unsigned FilesByDefault = 30;
+
+    bool chance(size_t of) { return m_random() % of == 0; }
+
+    void dress(ClipSketch &sketch, bool isPosed, bool isUneven)
+    {
+        for (const int node : {ClipSketch::Armature, ClipSketch::Spine, ClipSketch::RightHand}) {
+            const double factor = sketch.number(0.5, 2.0);
+            if (chance(3))
+                sketch.node(node)["scale"] = {factor, factor, factor};
+        }
+        // A stretch that the nodes do not have is a pose.
+        sketch.bind(Eigen::Vector3d::Constant(isPosed && chance(2) ? 1.2 : 1.0));
+        if (chance(3))
+            sketch.addSecondSkin();
+        if (isPosed)
+            sketch.pose();
+        for (size_t clip = 0, count = 1 + sketch.below(3); clip < count; ++clip)
+            driveAtRandom(sketch, sketch.addClip("clip " + std::to_string(clip)), isUneven);
+    }
+
+    void driveAtRandom(ClipSketch &sketch, size_t clip, bool isUneven)
+    {
+        static const char *const kinds[] = {"STEP", "LINEAR", "LINEAR", "CUBICSPLINE"};
+        std::vector<int> nodes = ClipSketch::joints();
+        nodes.insert(nodes.end(), {ClipSketch::Prop, ClipSketch::Empty});
+        for (const int node : nodes) {
+            for (const char *path : {"rotation", "translation", "scale"}) {
+                const bool isScale = *path == 's';
+                // Three factors stay with what hangs on no joint's place.
+                const bool isOwn = isUneven && (node == ClipSketch::LeftHand || node == ClipSketch::Spine);
+                if (chance(isScale ? 4 : 2) && (!isScale || node != ClipSketch::Prop))
+                    sketch.drive(clip, node, path, kinds[sketch.below(4)], isScale && isOwn);
+            }
+        }
+        // A clip leaves the pose alone of what it neither drives nor carries: all of it hangs on the armature.
+        sketch.drive(clip, ClipSketch::Armature, "rotation", kinds[sketch.below(4)]);
+    }
+
+    static void editRest(CharacterScene &character, std::mt19937 &random, ClipChoice &choice)
+    {
+        edit(character, random, choice, false);
+    }
+    static void editAnything(CharacterScene &character, std::mt19937 &random, ClipChoice &choice)
+    {
+        edit(character, random, choice, true);
+    }
+    static void edit(CharacterScene &character, std::mt19937 &random, ClipChoice &choice, bool withTree)
+    {
+        std::vector<ClipEdits::Kind> kinds = ClipEdits::ofTheRest();
+        if (withTree)
+            kinds.insert(kinds.end(), ClipEdits::ofTheTree().begin(), ClipEdits::ofTheTree().end());
+        // The numbers of a pose mean something else in another order.
+        std::erase_if(kinds, [](const ClipEdits::Kind &kind) { return qstrcmp(kind.name, "rotation orders") == 0; });
+        // A bone beside another is known by its place: none comes where some hang elsewhere.
+        const std::vector<std::string> others = random() % 2 ? std::vector<std::string>{"sibling", "tree and rest"}
+                                                             : std::vector<std::string>{"hang higher"};
+        std::erase_if(kinds, [&others](const ClipEdits::Kind &kind) {
+            return std::find(others.begin(), others.end(), kind.name) != others.end();
+        });
+        const size_t count = 1 + random() % 4;
+        for (size_t i = 0; i < count; ++i) {
+            const ClipEdits::Kind &kind = kinds[random() % kinds.size()];
+            qInfo("%s", kind.name);
+            kind.edit(character, random, choice);
+        }
+    }
+
+    QTemporaryDir m_folder;
+    std::mt19937 m_random;
+};
+
+RY_TEST(RandomClipsTest)
+#include "tst_random_clips.moc"
