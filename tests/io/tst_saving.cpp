@@ -1,4 +1,5 @@
 #include "CharacterScene.h"
+#include "KeptClips.h"
 #include "evaluator/GltfDifferences.h"
 
 #include "rycore/base/RyFloatProperty.h"
@@ -255,20 +256,22 @@ private:
     /// Only what the edit means was written.
     static void checkKeptTree(const GltfEvaluator &before, const GltfEvaluator &after)
     {
-        const std::vector<std::string> differences = gltfDifferences(
-            before.tree(), after.tree(),
-            {"/nodes/*/translation", "/nodes/*/rotation", "/nodes/*/scale", "/nodes/*/matrix",
-             "/nodes/*/extras/RYHOST_rigging", "/extras/RYHOST_rigging", "/nodes/*/extras", "/extras",
-             "/skins/*/inverseBindMatrices", "/skins/*/extras", "/accessors", "/bufferViews", "/buffers"});
+        const std::vector<std::string> differences =
+            gltfDifferences(before.tree(), after.tree(),
+                            {"/nodes/*/translation", "/nodes/*/rotation", "/nodes/*/scale", "/nodes/*/matrix",
+                             "/nodes/*/extras/RYHOST_rigging", "/extras/RYHOST_rigging", "/nodes/*/extras", "/extras",
+                             "/skins/*/inverseBindMatrices", "/skins/*/extras", "/accessors", "/bufferViews",
+                             "/buffers", "/animations"});
         for (const std::string &difference : differences)
             qWarning("changed: %s", difference.c_str());
         QVERIFY(differences.empty());
+        QCOMPARE(lostOfClips(before, after), QString());
         const nlohmann::json &accessors = before.tree().at("accessors");
-        std::set<int> binds;
+        std::set<int> written = accessorsOfClips(before);
         for (const nlohmann::json &skin : before.tree().value("skins", nlohmann::json::array()))
-            binds.insert(skin.value("inverseBindMatrices", -1));
+            written.insert(skin.value("inverseBindMatrices", -1));
         for (int i = 0; i < int(accessors.size()); ++i) {
-            if (!binds.count(i))
+            if (!written.count(i))
                 QVERIFY(before.accessorBytes(i) == after.accessorBytes(i));
         }
         for (const char *holder : {"nodes", "skins", "materials", "meshes", "images", "animations"}) {

@@ -1,4 +1,5 @@
 #include "CharacterScene.h"
+#include "KeptClips.h"
 #include "RigEdits.h"
 
 #include "rycore/io/RySceneDump.h"
@@ -154,32 +155,6 @@ private:
             QVERIFY2(after.errors <= before.errors, qPrintable(after.report));
     }
 
-    /// The clips of a file with the samplers in their channels, without the nodes that are gone in the file `after`.
-    static nlohmann::json clipsOf(const GltfEvaluator &file, const GltfEvaluator &after)
-    {
-        const auto isGone = [&after](int node) {
-            while (after.parent(node) >= 0)
-                node = after.parent(node);
-            const nlohmann::json &top = after.tree()["nodes"][size_t(node)];
-            return top.contains("/extras/RYHOST_rigging/removed"_json_pointer);
-        };
-        nlohmann::json result = nlohmann::json::array();
-        for (const nlohmann::json &clip : file.tree().value("animations", nlohmann::json::array())) {
-            nlohmann::json one = clip;
-            one.erase("samplers");
-            one["channels"] = nlohmann::json::array();
-            for (nlohmann::json channel : clip["channels"]) {
-                if (isGone(channel["target"]["node"]))
-                    continue;
-                channel["sampler"] = clip["samplers"][channel["sampler"].get<size_t>()];
-                one["channels"].push_back(std::move(channel));
-            }
-            if (!one["channels"].empty())
-                result.push_back(std::move(one));
-        }
-        return result;
-    }
-
     /// Materials, pictures, clips and everything else that the edits have nothing to do with.
     static void keepsTheRest(const GltfEvaluator &before, const GltfEvaluator &after)
     {
@@ -189,7 +164,7 @@ private:
             if (!ours.count(key))
                 QVERIFY2(after.tree().value(key, nlohmann::json()) == value, key.c_str());
         }
-        QCOMPARE(clipsOf(after, after), clipsOf(before, after));
+        QCOMPARE(lostOfClips(before, after), QString());
         const auto &meshes = before.tree().at("meshes");
         for (size_t m = 0; m < meshes.size(); ++m) {
             for (size_t p = 0; p < meshes[m].at("primitives").size(); ++p) {
