@@ -44,7 +44,7 @@ private slots:
         QVERIFY(help.out.count('\n') <= 50);
         for (const char *verb :
              {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump", "--run",
-              "--set", "--answer", "--script", "--report", "--merge", "--unit", "--redo"})
+              "--set", "--answer", "--script", "--report", "--merge", "--unit", "--redo", "--joints-only"})
             QVERIFY2(help.out.contains(verb), verb);
     }
 
@@ -217,6 +217,8 @@ private slots:
             {QStringLiteral("--screenshot"), QStringLiteral("x.png"), QStringLiteral("--view"),
              QStringLiteral("below")},
             "\"below\"");
+        row("nothing saved", {QStringLiteral("--undo"), QStringLiteral("--joints-only")},
+            "--joints-only belongs after --save");
         row("bad unit", {QStringLiteral("--unit"), QStringLiteral("zero")}, "\"zero\"");
         row("no number", {QStringLiteral("--property"), QStringLiteral("lForearm:endX=much")}, "\"much\" is no number");
         row("not a number", {QStringLiteral("--property"), QStringLiteral("lForearm:endX=nan")}, "is no number");

@@ -279,6 +279,46 @@ private slots:
         QVERIFY(ryUndoStack()->isClean() && !m_window->isWindowModified());
     }
 
+    /// A short line says the first of them, a box all.
+    void notes()
+    {
+        QVERIFY(!action("FileNotes")->isEnabled());
+        QStringList posted;
+        connect(m_window->files(), &HostFiles::messagePosted, this,
+                [&posted](const QString &message) { posted.append(message); });
+        QVERIFY(m_window->files()->savePath(file(QStringLiteral("bare.obj"))));
+        const QStringList notes = m_window->files()->notes();
+        QVERIFY(!notes.isEmpty());
+        QVERIFY2(posted.last().startsWith(QStringLiteral("Saved bare.obj: ") + notes.first()),
+                 qPrintable(posted.last()));
+        QCOMPARE(posted.last().contains(QStringLiteral("more: File, Notes")), notes.size() > 1);
+        QVERIFY(action("FileNotes")->isEnabled());
+        QStringList box;
+        answer([&box](QMessageBox *shown) {
+            box = QStringList{shown->windowTitle(), shown->text(), shown->informativeText()};
+            shown->accept();
+        });
+        action("FileNotes")->trigger();
+        QCOMPARE(box, (QStringList{QStringLiteral("Notes"), QStringLiteral("About bare.obj:"),
+                                   notes.join(QStringLiteral("\n\n"))}));
+        QVERIFY(m_window->files()->savePath(file(QStringLiteral("whole.glb"))));
+        QVERIFY(!action("FileNotes")->isEnabled());
+    }
+
+    /// Until another file is opened.
+    void jointsOnly()
+    {
+        QAction *entry = action("FileJointsOnly");
+        QVERIFY(!entry->isChecked());
+        entry->trigger();
+        QVERIFY(entry->isChecked() && m_window->files()->savesJointsOnly());
+        const QString path = file(QStringLiteral("saved.glb"));
+        QVERIFY(m_window->files()->savePath(path));
+        QVERIFY(entry->isChecked());
+        QVERIFY(m_window->files()->openPath(path));
+        QVERIFY(!entry->isChecked() && !m_window->files()->savesJointsOnly());
+    }
+
     void asksAboutUnsavedChanges()
     {
         QVERIFY(m_window->files()->confirmDiscard());

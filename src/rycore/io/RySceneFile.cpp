@@ -75,12 +75,12 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
 }
 
 bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &origins, const QString &path,
-                QString *error, QStringList *messages, QStringList *leftOut)
+                const RySceneFile::SaveOptions &options, QString *error, QStringList *messages, QStringList *leftOut)
 {
     QString reason;
     std::shared_ptr<const RyGltfDocument> document;
     try {
-        document = RyGltfSceneWriter(origins).patch(scene, &reason, messages, leftOut);
+        document = RyGltfSceneWriter(origins, options.jointsOnly).patch(scene, &reason, messages, leftOut);
     } catch (const std::exception &failure) {
         reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it (%1)")
                      .arg(QString::fromUtf8(failure.what()));
@@ -161,6 +161,12 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
 
 bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStringList *messages, QStringList *losses)
 {
+    return save(scene, path, SaveOptions(), error, messages, losses);
+}
+
+bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &options, QString *error,
+                       QStringList *messages, QStringList *losses)
+{
     const QString ending = endingOf(path);
     if (!writableEndings().contains(ending)) {
         return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")
@@ -170,7 +176,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
     const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
     const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
                        : origins.empty()              ? saveWithoutSource(scene, path, error)
-                                                      : saveJoined(*scene, origins, path, error, messages, &leftOut);
+                                         : saveJoined(*scene, origins, path, options, error, messages, &leftOut);
     if (!saved)
         return false;
     if (losses)

@@ -15,6 +15,12 @@ public:
         bool merge = false; ///< add to the scene instead of replacing it
     };
 
+    struct SaveOptions
+    {
+        /// Clips are written as they were, and say the old rest of joints that were edited.
+        bool jointsOnly = false;
+    };
+
     /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names
     /// the file and the reason. A scene that was replaced starts with an empty undo history.
     static bool open(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
@@ -24,6 +30,8 @@ public:
     /// could hold and was left out all the same. What it cannot hold is a message.
     static bool save(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr,
                      QStringList *losses = nullptr);
+    static bool save(RyScene *scene, const QString &path, const SaveOptions &options, QString *error,
+                     QStringList *messages = nullptr, QStringList *losses = nullptr);
     /// As a new glTF file from the scene alone, without what the file it came from held besides.
     static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error);
 

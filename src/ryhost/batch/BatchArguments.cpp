@@ -36,6 +36,8 @@ bool isVerb(const QString &text)
     return text.startsWith(QLatin1String("--"));
 }
 
+const QLatin1String JointsOnly("--joints-only");
+
 bool isPictureOption(const QString &name)
 {
     return name == QLatin1String("--view") || name == QLatin1String("--size");
@@ -81,7 +83,8 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
 bool BatchArguments::isKnownVerb(const QString &name)
 {
     const auto isIt = [&](const VerbRow &row) { return name == QLatin1String(row.name); };
-    return isPictureOption(name) || isDialogOption(name) || std::any_of(std::begin(Verbs), std::end(Verbs), isIt);
+    return isPictureOption(name) || isDialogOption(name) || name == JointsOnly ||
+           std::any_of(std::begin(Verbs), std::end(Verbs), isIt);
 }
 
 bool BatchArguments::checkUnits(QString *error) const
@@ -146,6 +149,13 @@ bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *e
         const QString &value = arguments.at(at + 1);
         at += 2;
         return isPictureOption(name) ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
+    }
+    if (name == JointsOnly) {
+        if (steps.isEmpty() || steps.last().verb != BatchStep::Save)
+            return fail(error, QStringLiteral("%1 belongs after --save").arg(name));
+        steps.last().jointsOnly = true;
+        ++at;
+        return true;
     }
     for (const VerbRow &row : Verbs) {
         if (name != QLatin1String(row.name))

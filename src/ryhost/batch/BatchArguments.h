@@ -13,6 +13,7 @@ struct BatchStep
     Verb verb = Undo;
     QString value;                          // as written; empty where the verb takes none
     double number = 0.0;                    // Unit
+    bool jointsOnly = false;                // Save
     QString view = QStringLiteral("front"); // Screenshot
     QSize size{1280, 900};                  // Screenshot
     QList<QPair<QString, QString>> fields;  // Run, Script: object name and value

@@ -168,7 +168,7 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
     case BatchStep::Redo:
         return undoOrRedo(true);
     case BatchStep::Save:
-        return save(step.value);
+        return save(step);
     case BatchStep::Screenshot:
         return screenshot(step);
     case BatchStep::Dump:
@@ -255,11 +255,14 @@ ExitCode BatchRunner::undoOrRedo(bool redo)
     return ExitCode::Done;
 }
 
-ExitCode BatchRunner::save(const QString &path)
+ExitCode BatchRunner::save(const BatchStep &step)
 {
+    const QString &path = step.value;
+    RySceneFile::SaveOptions options;
+    options.jointsOnly = step.jointsOnly;
     QString error;
     QStringList messages, losses;
-    const bool saved = RySceneFile::save(m_window.getScene(), path, &error, &messages, &losses);
+    const bool saved = RySceneFile::save(m_window.getScene(), path, options, &error, &messages, &losses);
     for (const QString &message : qAsConst(messages))
         say(message);
     if (saved && !losses.isEmpty())

@@ -30,7 +30,7 @@ private:
     ExitCode select(const QString &names);
     ExitCode writeProperty(const QString &text, bool poseOnly);
     ExitCode undoOrRedo(bool redo);
-    ExitCode save(const QString &path);
+    ExitCode save(const BatchStep &step);
     ExitCode screenshot(const BatchStep &step);
     ExitCode writeText(const QString &path, const QByteArray &text);
     ExitCode runScript(const QString &path);

@@ -101,15 +101,48 @@ bool HostFiles::load(const QString &path, bool merge)
         QMessageBox::warning(m_window, tr("Not Opened"), tr("%1\n\nThe scene is as it was before.").arg(error));
         return false;
     }
+    noteMessages(path, messages);
     if (!messages.isEmpty())
-        emit messagePosted(tr("%1: %2").arg(QFileInfo(path).fileName(), messages.first()));
+        emit messagePosted(shortOf(QFileInfo(path).fileName(), messages));
     return true;
+}
+
+/// The first note, and how many more there are.
+QString HostFiles::shortOf(const QString &what, const QStringList &notes)
+{
+    return notes.size() == 1
+               ? tr("%1: %2").arg(what, notes.first())
+               : tr("%1: %2 (and %n more: File, Notes)", nullptr, notes.size() - 1).arg(what, notes.first());
+}
+
+void HostFiles::noteMessages(const QString &path, const QStringList &notes)
+{
+    m_notes = notes;
+    m_notedFile = QFileInfo(path).fileName();
+    emit notesChanged();
+}
+
+void HostFiles::showNotes()
+{
+    QMessageBox box(QMessageBox::Information, tr("Notes"), tr("About %1:").arg(m_notedFile), QMessageBox::Ok, m_window);
+    box.setObjectName(QStringLiteral("NotesBox"));
+    box.setInformativeText(m_notes.join(QStringLiteral("\n\n")));
+    box.exec();
+}
+
+void HostFiles::setSavesJointsOnly(bool onOff)
+{
+    if (m_jointsOnly == onOff)
+        return;
+    m_jointsOnly = onOff;
+    emit savesJointsOnlyChanged(onOff);
 }
 
 bool HostFiles::open(const QString &path, bool isSample)
 {
     if (!load(path, false))
         return false;
+    setSavesJointsOnly(false);
     m_isSample = isSample;
     setPath(path);
     if (!isSample)
@@ -148,8 +181,10 @@ bool HostFiles::savePath(const QString &path)
 {
     QString error;
     QStringList messages, losses;
+    RySceneFile::SaveOptions options;
+    options.jointsOnly = m_jointsOnly;
     RyApp::startBusyCursor();
-    const bool done = RySceneFile::save(m_scene, path, &error, &messages, &losses);
+    const bool done = RySceneFile::save(m_scene, path, options, &error, &messages, &losses);
     RyApp::endBusyCursor();
     for (const QString &message : messages)
         RyMessageLog::global().info(message);
@@ -168,8 +203,9 @@ bool HostFiles::savePath(const QString &path)
                              tr("%1 was written without the following, and the scene still counts as unsaved:\n\n%2")
                                  .arg(QFileInfo(m_path).fileName(), losses.join(QLatin1Char('\n'))));
     }
+    noteMessages(m_path, messages);
     emit messagePosted(messages.isEmpty() ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
-                                          : tr("Saved %1: %2").arg(QFileInfo(m_path).fileName(), messages.first()));
+                                          : shortOf(tr("Saved %1").arg(QFileInfo(m_path).fileName()), messages));
     return true;
 }
 

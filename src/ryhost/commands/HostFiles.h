@@ -32,6 +32,11 @@ public:
     /// False when the user would rather stay.
     bool confirmDiscard();
     static bool isReadable(const QString &path);
+    /// Whether saving leaves clips as they are; until another file is opened.
+    bool savesJointsOnly() const { return m_jointsOnly; }
+    void setSavesJointsOnly(bool onOff);
+    /// What there was to say about the file that was opened, merged or saved last.
+    const QStringList &notes() const { return m_notes; }
 
 public slots:
     void openWithDialog();
@@ -39,10 +44,14 @@ public slots:
     bool save();
     bool saveAs();
     void clearRecent();
+    /// All notes in a box.
+    void showNotes();
 
 signals:
     void pathChanged();
     void recentChanged();
+    void savesJointsOnlyChanged(bool onOff);
+    void notesChanged();
     void opened();
     void messagePosted(const QString &message);
 
@@ -50,11 +59,16 @@ private:
     bool open(const QString &path, bool isSample);
     bool load(const QString &path, bool merge);
     void setPath(const QString &path);
+    static QString shortOf(const QString &what, const QStringList &notes);
+    void noteMessages(const QString &path, const QStringList &notes);
     void remember(const QString &path);
     QString folder() const;
 
     QPointer<RyScene> m_scene;
     QWidget *m_window;
     QString m_path;
+    QStringList m_notes;
+    QString m_notedFile;
     bool m_isSample = false;
+    bool m_jointsOnly = false;
 };

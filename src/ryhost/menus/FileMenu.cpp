@@ -31,10 +31,28 @@ FileMenu::FileMenu(RyMainWindow *window, HostFiles *files, QObject *parent) : QO
     connect(addMenuEntry(menu, "FileSaveAs", tr("Save &As..."), tr("Save to another file"),
                          QKeySequence(QStringLiteral("Ctrl+Shift+S"))),
             &QAction::triggered, files, [files] { files->saveAs(); });
+    QAction *jointsOnly =
+        addMenuEntry(menu, "FileJointsOnly", tr("Save &Joints Only"),
+                     tr("Leave clips as they are when saving; otherwise they are re-expressed for edited joints"));
+    jointsOnly->setCheckable(true);
+    connect(jointsOnly, &QAction::toggled, files, &HostFiles::setSavesJointsOnly);
+    connect(files, &HostFiles::savesJointsOnlyChanged, jointsOnly, &QAction::setChecked);
+    menu->addSeparator();
+    m_notes = addMenuEntry(menu, "FileNotes", tr("&Notes..."), QString());
+    connect(m_notes, &QAction::triggered, files, &HostFiles::showNotes);
+    connect(files, &HostFiles::notesChanged, this, &FileMenu::updateNotes);
+    updateNotes();
     menu->addSeparator();
     connect(addMenuEntry(menu, "FileQuit", tr("&Quit"), tr("Close the window; unsaved changes are asked about"),
                          QKeySequence(QStringLiteral("Ctrl+Q"))),
             &QAction::triggered, window, &QWidget::close);
+}
+
+void FileMenu::updateNotes()
+{
+    setMenuEntryAvailable(m_notes, !m_files->notes().isEmpty(),
+                          tr("There is nothing to say about the file that was opened or saved last."),
+                          tr("What there was to say about the file that was opened or saved last"));
 }
 
 void FileMenu::fillRecent()

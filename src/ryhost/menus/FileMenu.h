@@ -3,6 +3,7 @@
 #include <QObject>
 
 class HostFiles;
+class QAction;
 class QMenu;
 class RyMainWindow;
 
@@ -15,7 +16,9 @@ public:
 
 private:
     void fillRecent();
+    void updateNotes();
 
     HostFiles *m_files;
     QMenu *m_recent;
+    QAction *m_notes;
 };

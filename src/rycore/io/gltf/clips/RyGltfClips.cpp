@@ -74,7 +74,7 @@ const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const
     return found == channels.end() ? nullptr : &*found;
 }
 
-RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(document)
+RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(&document)
 {
     for (const Json &clip : listOf(document.json(), "animations")) {
         RyGltfClip &result = m_clips.emplace_back();
@@ -89,7 +89,7 @@ RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(document)
 
 void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
 {
-    const size_t nodeCount = m_document.model().nodes.size();
+    const size_t nodeCount = m_document->model().nodes.size();
     std::map<std::pair<int, RyGltfPath>, size_t> known; // places in `result.channels`
     const Json &channels = listOf(clip, "channels");
     for (size_t place = 0; place < channels.size(); ++place) {
@@ -124,7 +124,7 @@ bool RyGltfClips::readSampler(const Json &clip, const Json &channel, RyGltfChann
         return false;
     const Json &sampler = samplers[size_t(place)];
     result.samplerPlace = size_t(place);
-    const size_t accessors = m_document.model().accessors.size();
+    const size_t accessors = m_document->model().accessors.size();
     result.sampler.input = indexOf(sampler, "input", accessors);
     result.sampler.output = indexOf(sampler, "output", accessors);
     const Json *kind = find(sampler, "interpolation");
@@ -148,10 +148,10 @@ std::shared_ptr<const RyGltfCurve> RyGltfClips::curve(const RyGltfSampler &sampl
 const std::vector<float> &RyGltfClips::times(int accessor) const
 {
     const auto [known, isNew] = m_times.try_emplace(accessor);
-    const RyGltfAccessor &form = m_document.model().accessors[size_t(accessor)];
-    if (!isNew || form.componentType != 5126 || form.componentCount != 1 || !m_document.hasFiniteNumbers(accessor))
+    const RyGltfAccessor &form = m_document->model().accessors[size_t(accessor)];
+    if (!isNew || form.componentType != 5126 || form.componentCount != 1 || !m_document->hasFiniteNumbers(accessor))
         return known->second;
-    std::vector<float> times = m_document.readFloats(accessor);
+    std::vector<float> times = m_document->readFloats(accessor);
     const bool rises =
         std::adjacent_find(times.begin(), times.end(), [](float a, float b) { return !(a < b); }) == times.end();
     if (rises)
@@ -161,7 +161,7 @@ const std::vector<float> &RyGltfClips::times(int accessor) const
 
 std::shared_ptr<const RyGltfCurve> RyGltfClips::read(const RyGltfSampler &sampler, RyGltfPath path) const
 {
-    const std::vector<RyGltfAccessor> &accessors = m_document.model().accessors;
+    const std::vector<RyGltfAccessor> &accessors = m_document->model().accessors;
     const RyGltfAccessor &form = accessors[size_t(sampler.output)];
     auto curve = std::make_shared<RyGltfCurve>();
     curve->kind = sampler.kind;
@@ -169,12 +169,12 @@ std::shared_ptr<const RyGltfCurve> RyGltfClips::read(const RyGltfSampler &sample
     const bool isFloat = form.componentType == 5126;
     const bool isFormOf = form.componentCount == curve->components && (isFloat || form.normalized);
     const std::uint64_t values = accessors[size_t(sampler.input)].count * (sampler.kind == RyGltfCurve::Cubic ? 3 : 1);
-    if (!isFormOf || form.count != values || (isFloat && !m_document.hasFiniteNumbers(sampler.output)))
+    if (!isFormOf || form.count != values || (isFloat && !m_document->hasFiniteNumbers(sampler.output)))
         return nullptr;
     curve->times = times(sampler.input);
     if (curve->times.empty())
         return nullptr;
-    const std::vector<float> numbers = m_document.readFloats(sampler.output);
+    const std::vector<float> numbers = m_document->readFloats(sampler.output);
     curve->values.assign(numbers.begin(), numbers.end());
     return curve;
 }

@@ -52,6 +52,8 @@ struct RyGltfClip
 class RyGltfClips
 {
 public:
+    /// Without clips.
+    RyGltfClips() = default;
     /// The document must outlive it; it reads accessors when they are first asked for.
     explicit RyGltfClips(const RyGltfDocument &document);
 
@@ -67,7 +69,7 @@ private:
     std::shared_ptr<const RyGltfCurve> read(const RyGltfSampler &sampler, RyGltfPath path) const;
     const std::vector<float> &times(int accessor) const;
 
-    const RyGltfDocument &m_document;
+    const RyGltfDocument *m_document = nullptr;
     std::vector<RyGltfClip> m_clips;
     mutable std::map<std::pair<RyGltfSampler, bool>, std::shared_ptr<const RyGltfCurve>> m_curves; // by "rotation"
     mutable std::map<int, std::vector<float>> m_times; // by accessor; empty for unusable ones

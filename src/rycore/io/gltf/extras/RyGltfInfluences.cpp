@@ -27,9 +27,8 @@ std::vector<Copy> findCopies(const std::vector<RyGltfBindingWeights> &maps)
     std::vector<std::vector<size_t>> same(maps.size());
     for (size_t bone = 0; bone < maps.size(); ++bone) {
         const auto [from, to] = firsts.equal_range(maps[bone].vertices.size());
-        const auto first = std::find_if(from, to, [&](const auto &entry) {
-            return maps[entry.second].isSameAs(maps[bone]);
-        });
+        const auto first =
+            std::find_if(from, to, [&](const auto &entry) { return maps[entry.second].isSameAs(maps[bone]); });
         if (first == to)
             firsts.emplace(maps[bone].vertices.size(), bone);
         same[first == to ? bone : first->second].push_back(bone);

@@ -6,6 +6,8 @@
 #include "rycore/io/gltf/save/RyGltfClipRewriter.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
+#include <algorithm>
+
 using RyExtrasJson::find;
 using Json = RyExtrasJson::Json;
 
@@ -16,8 +18,29 @@ bool RyGltfClipPatch::apply(QString *error)
 
 bool RyGltfClipPatch::reexpress(QString *error) const
 {
+    if (m_clips.clips().empty()) {
+        reportKept();
+        return true;
+    }
     const std::vector<RyGltfClipChange> changes = RyGltfClipRewriter(m_patch, m_clips).rewrite();
     return RyGltfClipWriter(m_patch.document, m_clips).write(changes, error);
+}
+
+/// Names the clips that were left as they are although they drive joints of another rest, or below such.
+void RyGltfClipPatch::reportKept() const
+{
+    const RyGltfModel &model = m_patch.source.document->model();
+    QStringList names;
+    for (size_t clip = 0; clip < model.animatedNodes.size(); ++clip) {
+        const auto isOther = [&](int node) {
+            const auto edit = m_patch.edits.find(node);
+            return m_patch.frames.count(node) || m_patch.frames.count(model.nodes[size_t(node)].parent) ||
+                   (edit != m_patch.edits.end() && edit->second.moved);
+        };
+        if (std::any_of(model.animatedNodes[clip].begin(), model.animatedNodes[clip].end(), isOther))
+            names.append(RyGltfScenePatch::clipName(model, clip));
+    }
+    m_patch.sayOf(QStringLiteral("Clips were written as they were and say the old rest of edited joints: %1"), names);
 }
 
 bool RyGltfClipPatch::drop(QString *error)

@@ -9,7 +9,7 @@
 class RyGltfClipPatch
 {
 public:
-    /// `clips`: of the document as it was read.
+    /// `clips`: of the document as it was read; none to leave them as they are.
     RyGltfClipPatch(RyGltfScenePatch &patch, const RyGltfClips &clips) : m_patch(patch), m_clips(clips) {}
 
     /// False with a reason when the document would not be valid.
@@ -17,6 +17,7 @@ public:
 
 private:
     bool reexpress(QString *error) const;
+    void reportKept() const;
     bool drop(QString *error);
     void findGone();
     bool isGone(const nlohmann::ordered_json &target) const;

@@ -4,8 +4,8 @@
 
 class RyNode;
 
-/// How far from the origin of a bone that reaches which follows it or a bone below it, in centimetres: vertices at rest,
-/// its end point, and things that hang on it.
+/// How far from the origin of a bone that reaches which follows it or a bone below it, in centimetres: vertices at
+/// rest, its end point, and things that hang on it.
 class RyGltfReach
 {
 public:

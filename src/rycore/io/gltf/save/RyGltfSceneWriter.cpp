@@ -142,7 +142,7 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
     if (!source)
         return refuse();
     reportMeshes(*source, messages);
-    const RyGltfClips clips(*source->document);
+    const RyGltfClips clips = m_jointsOnly ? RyGltfClips() : RyGltfClips(*source->document);
     std::unique_ptr<RyGltfDocument> document = source->document->moveTree();
     document->reuseSpares();
     RyGltfScenePatch patch(*source, *document, messages);

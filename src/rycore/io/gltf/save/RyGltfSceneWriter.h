@@ -12,8 +12,11 @@ struct RyGltfScenePatch;
 class RyGltfSceneWriter
 {
 public:
-    /// `origins`: the files of which something stands in the scene, at least one.
-    explicit RyGltfSceneWriter(std::vector<const RyGltfOrigin *> origins) : m_origins(std::move(origins)) {}
+    /// `origins`: the files of which something stands in the scene, at least one. `jointsOnly`: clips stay as they
+    /// are.
+    explicit RyGltfSceneWriter(std::vector<const RyGltfOrigin *> origins, bool jointsOnly = false)
+        : m_origins(std::move(origins)), m_jointsOnly(jointsOnly)
+    {}
 
     /// Whether anything differs from what was read.
     bool isEdited(const RyScene &scene) const;
@@ -26,4 +29,5 @@ private:
     std::unique_ptr<RyGltfOrigin> joined(QString *error, QStringList *losses) const;
 
     std::vector<const RyGltfOrigin *> m_origins;
+    bool m_jointsOnly;
 };
