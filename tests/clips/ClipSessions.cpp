@@ -136,7 +136,7 @@ QString ClipSessions::checkOne(const QString &path, const QString &saved, const 
     if (!(difference.distance <= Tolerance))
         return (QStringList(difference.text()) + messages).join(QLatin1Char('\n'));
     for (const QString &message : messages.filter(QStringLiteral("clip"), Qt::CaseInsensitive)) {
-        if (!mayTell && !message.contains(QStringLiteral("removed")))
+        if (!mayTell && !message.contains(QStringLiteral("removed")) && !message.contains(QStringLiteral("deleted")))
             return message;
     }
     if (kind.keeps == ClipEdits::Keeps::Channels) {

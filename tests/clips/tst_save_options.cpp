@@ -1,5 +1,6 @@
 #include "ClipSessions.h"
 #include "ClipSketch.h"
+#include "RigEdits.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneFile.h"
@@ -88,6 +89,29 @@ private slots:
         const ClipDifference difference =
             largestClipDifference(character.file, GltfEvaluator(saved().toStdString()), ClipChoice());
         QVERIFY2(difference.distance <= ClipSessions::Tolerance, qPrintable(difference.text()));
+    }
+
+    /// How far vertices that followed a deleted bone move elsewhere is measured, clip by clip.
+    void deletedBones()
+    {
+        CharacterScene character(sketch());
+        ClipChoice all;
+        RigEdits::deleteBone(character.scene, character.bones()[2]);
+        QString error;
+        QStringList messages;
+        QVERIFY2(RySceneFile::save(&character.scene, saved(), &error, &messages), qPrintable(error));
+        messages = messages.filter(QStringLiteral("deleted"));
+        QCOMPARE(messages.size(), 1);
+        QVERIFY2(messages.first().startsWith(
+                     QStringLiteral("Vertices that followed deleted bones move with others in clips, by up to this "
+                                    "share of the height elsewhere: all (")),
+                 qPrintable(messages.first()));
+        QVERIFY(!messages.first().contains(QStringLiteral("right hand"))); // it does not move the bone
+        const double told =
+            messages.first().section(QStringLiteral("all ("), 1).section(QLatin1Char(' '), 0, 0).toDouble();
+        const ClipDifference seen = largestClipDifference(character.file, GltfEvaluator(saved().toStdString()), all);
+        QVERIFY2(0.01 * told <= 1.05 * seen.distance && 0.01 * told >= 0.4 * seen.distance,
+                 qPrintable(QStringLiteral("%1 %, %2").arg(told).arg(seen.text())));
     }
 
 private:

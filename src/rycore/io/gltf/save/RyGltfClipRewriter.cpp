@@ -3,15 +3,19 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 
 #include <algorithm>
+#include <set>
+
+/// What anybody would see, in heights of the figure.
+static constexpr double seen = 1e-5;
 
 RyGltfClipRewriter::RyGltfClipRewriter(RyGltfScenePatch &patch, const RyGltfClips &clips)
     : m_patch(patch), m_clips(clips), m_before(patch.source.document->model()),
-      m_motions(RyGltfNodeMotions(patch).find()), m_preOrder(ryGltfPreOrder(m_before))
+      m_motions(RyGltfNodeMotions(patch).find()), m_preOrder(ryGltfPreOrder(m_before)), m_deleted(patch)
 {}
 
 std::vector<RyGltfClipChange> RyGltfClipRewriter::rewrite()
 {
-    if (m_motions.empty())
+    if (m_motions.empty() && m_deleted.isEmpty())
         return {};
     findBases();
     for (size_t clip = 0; clip < m_clips.clips().size(); ++clip)
@@ -148,36 +152,47 @@ void RyGltfClipRewriter::rewriteClip(size_t index)
     if (clip.channels.empty() && clip.unreadable.empty())
         return;
     const std::vector<bool> isRelated = findRelated(clip);
-    bool isRead = true, isStraight = true;
+    bool isRead = true;
+    double worst = 0.0;
     for (const RyGltfNodeMotion &motion : m_motions) {
         if (!canRead(clip, motion))
             isRead = false;
         else
-            isStraight &= rewriteNode(index, motion, isRelated[size_t(motion.source)]);
+            worst = std::max(worst, rewriteNode(index, motion, isRelated[size_t(motion.source)]));
     }
     if (!isRead)
         m_unreadable.append(clip.name);
-    if (!isStraight)
-        m_sheared.append(clip.name);
+    if (worst > seen)
+        m_sheared.append(withShare(clip.name, worst));
+    if (!m_deleted.isEmpty())
+        measureDeleted(clip);
 }
 
-/// False where something is put off its place.
-bool RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &motion, bool isRelated)
+void RyGltfClipRewriter::measureDeleted(const RyGltfClip &clip)
+{
+    std::set<float> times;
+    for (const RyGltfChannel &channel : clip.channels) {
+        if (const auto curve = m_clips.curve(channel.sampler, channel.path))
+            times.insert(curve->times.begin(), curve->times.end());
+    }
+    const double worst =
+        m_deleted.measure({times.begin(), times.end()}, [&](int node) { return motionOf(clip, node); });
+    if (worst > seen)
+        m_following.append(withShare(clip.name, worst));
+}
+
+/// How far something is put off its place, in heights of the figure.
+double RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &motion, bool isRelated)
 {
     const RyGltfClip &clip = m_clips.clips()[index];
     const RyGltfMotion before = motionOf(clip, motion.source);
     const RyGltfMotionChange change = changeOf(clip, motion);
     if (!before.isDriven() && change.isConstant() && !isRelated)
-        return true;
+        return 0.0;
     double missed = 0.0;
     const RyGltfMotion result = ryGltfChanged(before, change, &missed);
     // A node that nothing drives holds what a matrix holds.
-    const bool isWritten = addKeys(index, motion, result);
-    const double heights = missed / std::max(1e-300, motion.height);
-    if (!isWritten || heights <= 1e-5)
-        return true;
-    m_worstShear = std::max(m_worstShear, heights);
-    return false;
+    return addKeys(index, motion, result) ? missed / std::max(1e-300, motion.height) : 0.0;
 }
 
 /// Whether anything drives the node now.
@@ -227,13 +242,20 @@ float RyGltfClipRewriter::startOf(const RyGltfClip &clip) const
     return std::isfinite(start) ? start : 0.0f;
 }
 
+QString RyGltfClipRewriter::withShare(const QString &name, double heights)
+{
+    return QStringLiteral("%1 (%2 %)").arg(name, QString::number(100.0 * heights, 'g', 2));
+}
+
 void RyGltfClipRewriter::report() const
 {
     m_patch.sayOf(QStringLiteral("Clips with channels that cannot be followed (damaged, or through an extension) keep "
                                  "them as they were, for edited joints too: %1"),
                   m_unreadable);
-    m_patch.sayOf(QStringLiteral("Clips need shear that no animation can hold, since joints hang elsewhere; vertices "
-                                 "are off by up to %2 % of the height: %1")
-                      .arg(QStringLiteral("%1"), QString::number(100.0 * m_worstShear, 'g', 2)),
+    m_patch.sayOf(QStringLiteral("Clips need shear that no animation can hold, since joints hang elsewhere, and put "
+                                 "vertices off by up to this share of the height: %1"),
                   m_sheared);
+    m_patch.sayOf(QStringLiteral("Vertices that followed deleted bones move with others in clips, by up to this share "
+                                 "of the height elsewhere: %1"),
+                  m_following);
 }

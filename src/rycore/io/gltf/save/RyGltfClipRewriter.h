@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/clips/RyGltfMotionChange.h"
 #include "rycore/io/gltf/save/RyGltfClipWriter.h"
+#include "rycore/io/gltf/save/RyGltfDeletedBones.h"
 #include "rycore/io/gltf/save/RyGltfNodeMotions.h"
 
 /// Says what clips say of nodes anew, for a patched document: every vertex of every frame stays where it was. Numbers
@@ -18,7 +19,7 @@ public:
 
 private:
     void rewriteClip(size_t clip);
-    bool rewriteNode(size_t clip, const RyGltfNodeMotion &motion, bool isRelated);
+    double rewriteNode(size_t clip, const RyGltfNodeMotion &motion, bool isRelated);
     RyGltfMotion motionOf(const RyGltfClip &clip, int node) const;
     RyGltfMotion restOf(int node) const;
     RyGltfMotionChange changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
@@ -28,7 +29,9 @@ private:
     bool canRead(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
     bool addKeys(size_t clip, const RyGltfNodeMotion &motion, const RyGltfMotion &result);
     float startOf(const RyGltfClip &clip) const;
+    void measureDeleted(const RyGltfClip &clip);
     void report() const;
+    static QString withShare(const QString &name, double heights);
 
     RyGltfScenePatch &m_patch;
     const RyGltfClips &m_clips;
@@ -37,6 +40,7 @@ private:
     std::map<int, RyGltfParts> m_bases; // of nodes whose pose was edited: what clips play on where they drive nothing
     std::vector<int> m_preOrder;        // of the file
     std::vector<RyGltfClipChange> m_changes;
-    QStringList m_unreadable, m_sheared; // names of clips
-    double m_worstShear = 0.0;           // in heights of the figure
+    RyGltfDeletedBones m_deleted;
+    QStringList m_unreadable;           // names of clips
+    QStringList m_sheared, m_following; // likewise, with how far vertices are off
 };

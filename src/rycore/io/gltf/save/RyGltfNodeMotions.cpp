@@ -182,16 +182,15 @@ int RyGltfNodeMotions::giverOf(const RyNode &bone) const
 
 void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
 {
-    // Of the figure's height; what may be off adds up along a limb.
-    constexpr double share = 5e-6;
+    // Of the figure's height, over a whole limb, along which what may be off adds up: numbers that are rounded to floats
+    // leave it below a hundred thousandth.
+    constexpr double share = 8e-6;
     const std::vector<int> order = ryGltfPreOrder(m_now);
     const std::vector<RyAffine> worlds = ryGltfWorldMaps(m_now, order);
-    std::map<int, const RyNode *> sceneNodes; // the nearest at or above a node that stands in the scene
-    std::vector<int> depth(m_now.nodes.size(), 0);
+    std::vector<int> depth(m_now.nodes.size(), 0); // motions off their paths at and above a node
     std::vector<const RyNode *> shown(m_now.nodes.size(), nullptr);
     for (const RyGltfNodeMotion &motion : motions)
         depth[size_t(motion.node)] = motion.isOffPath();
-    int deepest = 1;
     for (const int node : order) {
         const int parent = m_now.nodes[size_t(node)].parent;
         const auto edit = m_patch.edits.find(node);
@@ -199,7 +198,11 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
                               : parent >= 0               ? shown[size_t(parent)]
                                                           : nullptr;
         depth[size_t(node)] += parent >= 0 ? depth[size_t(parent)] : 0;
-        deepest = std::max(deepest, depth[size_t(node)]);
+    }
+    for (auto node = order.rbegin(); node != order.rend(); ++node) { // along the longest limb through each
+        const int parent = m_now.nodes[size_t(*node)].parent;
+        if (parent >= 0)
+            depth[size_t(parent)] = std::max(depth[size_t(parent)], depth[size_t(*node)]);
     }
     for (RyGltfNodeMotion &motion : motions) {
         const RyNode *node = shown[size_t(motion.node)];
@@ -210,7 +213,7 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
         const int parent = m_now.nodes[size_t(motion.node)].parent;
         const double parentSize = parent >= 0 ? sizeOf(worlds[size_t(parent)]) : 1.0;
         motion.height = height * toWorld / std::max(1e-12, parentSize);
-        motion.tolerance = share * motion.height / deepest;
+        motion.tolerance = share * motion.height / std::max(1, depth[size_t(motion.node)]);
         motion.reach = (node && figure ? m_reach.of(*node) : height) * toWorld /
                        std::max(1e-12, sizeOf(worlds[size_t(motion.node)]));
     }

@@ -1,0 +1,134 @@
+#include "rycore/io/gltf/save/RyGltfDeletedBones.h"
+
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/save/RyGltfReach.h"
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <cmath>
+
+RyGltfDeletedBones::RyGltfDeletedBones(const RyGltfScenePatch &patch)
+    : m_patch(patch), m_before(patch.source.document->model())
+{
+    for (const RyGltfNodeSource &node : patch.source.nodes) {
+        if (node.isBone)
+            m_toNode[node.node] = ryGltfColumns(node.bind).inverse();
+    }
+    for (const RyGltfFigureSource &figure : patch.source.figures) {
+        if (figure.sceneNode && figure.sceneNode->getScene() && !figure.skins.empty() && !figure.skins.front().rebound)
+            addFigure(figure);
+    }
+}
+
+/// Of the vertices that one of the removed joints had a share in.
+std::map<int, std::vector<RyGltfDeletedBones::Share>>
+RyGltfDeletedBones::sharesBefore(const RyGltfFigureSource &figure) const
+{
+    std::map<int, std::vector<Share>> result;
+    if (!figure.meshParts || figure.meshParts->parts.size() != figure.parts.size())
+        return result;
+    for (size_t p = 0; p < figure.parts.size(); ++p) {
+        const RyGltfPartSource &part = figure.parts[p];
+        const std::vector<int> &joints = m_before.skins[size_t(part.skin)].joints;
+        const auto isGone = [this](int joint) { return m_patch.removed.count(joint) > 0; };
+        if (std::none_of(joints.begin(), joints.end(), isGone))
+            continue;
+        const RyGltfPrimitive &primitive = m_before.meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
+        const std::vector<int> &vertices = figure.meshParts->parts[p].vertexOfSplit;
+        std::vector<std::vector<Share>> shares(vertices.size());
+        for (size_t set = 0; set < primitive.joints.size(); ++set) {
+            const std::vector<std::uint32_t> places = m_patch.source.document->readUints(primitive.joints[set]);
+            const std::vector<float> weights = m_patch.source.document->readFloats(primitive.weights[set]);
+            for (size_t i = 0; i < 4 * vertices.size() && i < std::min(places.size(), weights.size()); ++i) {
+                if (weights[i] > 0.0f && places[i] < joints.size())
+                    shares[i / 4].push_back({joints[places[i]], double(weights[i])});
+            }
+        }
+        for (size_t i = 0; i < vertices.size(); ++i) {
+            if (std::any_of(shares[i].begin(), shares[i].end(), [&](const Share &s) { return isGone(s.node); }))
+                result.try_emplace(vertices[i], std::move(shares[i]));
+        }
+    }
+    return result;
+}
+
+/// The node of a bone, or of the nearest one above that the file knew.
+int RyGltfDeletedBones::knownAbove(const RyNode &bone) const
+{
+    for (const RyNode *at = &bone; at; at = at->getNodeParent()) {
+        const auto edit = m_patch.edits.find(m_patch.nodeOf.of(at));
+        if (edit != m_patch.edits.end() && edit->second.source && edit->second.source->isBone)
+            return edit->first;
+    }
+    return -1;
+}
+
+void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
+{
+    constexpr size_t enough = 400; // to see how far a limb goes
+    const std::map<int, std::vector<Share>> before = sharesBefore(figure);
+    const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(figure.sceneNode));
+    if (before.empty() || !shape || !shape->getFacetMesh())
+        return;
+    const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
+    const RyGltfInfluences now(RySkinBinding::findSkinFromNode(figure.sceneNode), int(positions.size()));
+    const double size = std::cbrt(std::abs(figure.sceneNode->worldMap().determinant())) / m_patch.source.unit;
+    const double height = RyGltfReach().heightOf(*figure.sceneNode) * size;
+    const size_t step = before.size() / enough + 1;
+    size_t number = 0;
+    for (const auto &[vertex, shares] : before) {
+        if (number++ % step != 0 || size_t(vertex) >= positions.size() || !(height > 0.0))
+            continue;
+        const RyVec3 &position = positions[size_t(vertex)];
+        Point point{{position.x, position.y, position.z}, height, shares, {}};
+        for (const RyGltfInfluences::Influence &influence : now.of(vertex)) {
+            const int node = knownAbove(*now.bones()[influence.bone]);
+            if (node >= 0)
+                point.now.push_back({node, double(influence.weight)});
+        }
+        const bool isKnown = std::all_of(shares.begin(), shares.end(),
+                                         [this](const Share &share) { return m_toNode.count(share.node) > 0; });
+        if (!point.now.empty() && isKnown)
+            m_points.push_back(std::move(point));
+    }
+}
+
+double RyGltfDeletedBones::measure(const std::vector<float> &times, const MotionOf &motionOf) const
+{
+    constexpr size_t enough = 24;
+    std::map<int, RyGltfMotion> motions;
+    double worst = 0.0;
+    for (size_t i = 0; i < times.size(); i += times.size() / enough + 1) {
+        std::map<int, Eigen::Affine3d> worlds;
+        const std::function<const Eigen::Affine3d &(int)> worldOf = [&](int node) -> const Eigen::Affine3d & {
+            const auto known = worlds.find(node);
+            if (known != worlds.end())
+                return known->second;
+            const auto motion = motions.find(node);
+            const RyGltfMotion &own = motion != motions.end() ? motion->second : motions[node] = motionOf(node);
+            const float behind = std::nextafter(times[i], std::numeric_limits<float>::infinity());
+            Eigen::Affine3d world = RyGltfMotionPiece(own, times[i], behind).map(double(times[i]));
+            if (m_before.nodes[size_t(node)].parent >= 0)
+                world = worldOf(m_before.nodes[size_t(node)].parent) * world;
+            return worlds[node] = world;
+        };
+        const auto placeBy = [&](const std::vector<Share> &shares, const Eigen::Vector3d &place) {
+            Eigen::Vector3d sum = Eigen::Vector3d::Zero();
+            double whole = 0.0;
+            for (const Share &share : shares) {
+                sum += share.weight * (worldOf(share.node) * (m_toNode.at(share.node) * place));
+                whole += share.weight;
+            }
+            return Eigen::Vector3d(sum / whole);
+        };
+        for (const Point &point : m_points) {
+            worst = std::max(worst, (placeBy(point.now, point.place) - placeBy(point.before, point.place)).norm() /
+                                        point.height);
+        }
+    }
+    return worst;
+}
