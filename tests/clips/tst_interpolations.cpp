@@ -105,6 +105,15 @@ private slots:
         check(sketch, OfTheRest);
     }
 
+    /// How many keys are needed hangs on the height of the figure, which joints alone have as well.
+    void withoutMesh()
+    {
+        ClipSketch sketch = bound();
+        sketch.node(ClipSketch::Body).erase("skin");
+        sketch.driveAll(sketch.addClip("bare"), "LINEAR");
+        check(sketch, OfTheRest);
+    }
+
     /// Samplers of two channels, accessors of two samplers, of two clips, and of node values that are no clip's.
     void sharedNumbers()
     {

@@ -67,10 +67,12 @@ void RyGltfReach::measure(const RyNode &figure)
         m_reach[bone] =
             std::max(double((bone->getEndPoint() - bone->getOrigin()).length()), reachOfThings(*bone, figure));
     }
+    for (const RyBone *bone : box.getSize() > 0.0f ? std::vector<RyBone *>() : bones)
+        box.include(bone->getEndPoint());
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&figure));
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
     const RySkinBinding *skin = mesh ? RySkinBinding::findSkinFromNode(&figure) : nullptr;
-    if (mesh) {
+    if (mesh && !mesh->getPositions().empty()) {
         box = RyBox3();
         for (const RyVec3 &position : mesh->getPositions())
             box.include(position);

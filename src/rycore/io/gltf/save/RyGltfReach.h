@@ -11,7 +11,7 @@ class RyGltfReach
 public:
     /// Of any other node the size of its figure, or 0 without one.
     double of(const RyNode &node);
-    /// Of the figure of a node: the height of its mesh, or what its joints take up where it has none.
+    /// Of the figure of a node: the height of its mesh, or of what its joints take up where it has no vertices.
     double heightOf(const RyNode &node);
 
 private:
