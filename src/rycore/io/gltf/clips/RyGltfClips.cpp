@@ -64,14 +64,20 @@ int nodeOfPointer(const Json &target, size_t nodeCount)
     return isNumber && isPlace && node < nodeCount ? int(node) : -1;
 }
 
+std::pair<int, RyGltfPath> targetOf(const RyGltfChannel &channel)
+{
+    return {channel.node, channel.path};
+}
+
 } // namespace
 
 const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const
 {
-    const auto found = std::find_if(channels.begin(), channels.end(), [&](const RyGltfChannel &channel) {
-        return channel.node == node && channel.path == path;
-    });
-    return found == channels.end() ? nullptr : &*found;
+    const auto found =
+        std::lower_bound(byTarget.begin(), byTarget.end(), std::pair(node, path),
+                         [this](size_t place, const auto &target) { return targetOf(channels[place]) < target; });
+    const bool isThere = found != byTarget.end() && targetOf(channels[*found]) == std::pair(node, path);
+    return isThere ? &channels[*found] : nullptr;
 }
 
 RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(&document)
@@ -107,11 +113,14 @@ void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
             continue;
         }
         channel.path = *path;
-        if (!readSampler(clip, channels[place], channel) || !known.try_emplace({channel.node, *path}, place).second)
+        if (!readSampler(clip, channels[place], channel) ||
+            !known.try_emplace(targetOf(channel), result.channels.size()).second)
             result.unreadable.push_back(channel.node);
         else
             result.channels.push_back(channel);
     }
+    for (const auto &[target, place] : known)
+        result.byTarget.push_back(place);
     std::sort(result.unreadable.begin(), result.unreadable.end());
     result.unreadable.erase(std::unique(result.unreadable.begin(), result.unreadable.end()), result.unreadable.end());
 }

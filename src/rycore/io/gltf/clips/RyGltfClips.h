@@ -45,6 +45,8 @@ struct RyGltfClip
     /// or through an extension.
     std::vector<int> unreadable;
 
+    std::vector<size_t> byTarget; ///< places in `channels`, by node and path
+
     const RyGltfChannel *find(int node, RyGltfPath path) const;
 };
 

@@ -86,6 +86,7 @@ void RyGltfDocument::Private::readModel(QStringList *warningList)
     meshReader.readMeshes(model);
     RyGltfNodeReader(root, model, warnings).read();
     useCountsValid = false;
+    sharesValid = false;
 }
 
 std::unique_ptr<RyGltfDocument> RyGltfDocument::read(const QString &path, QString *error, QStringList *warnings)
@@ -209,6 +210,7 @@ const RyGltfModel &RyGltfDocument::model() const
 nlohmann::ordered_json &RyGltfDocument::json()
 {
     d->useCountsValid = false;
+    d->sharesValid = false;
     d->isPatched = true;
     return d->tree;
 }

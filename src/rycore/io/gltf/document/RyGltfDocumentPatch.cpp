@@ -120,10 +120,16 @@ int RyGltfDocument::Private::appendAccessor(int view, int componentType, int com
     entry["count"] = count;
     entry["type"] = typeName(componentCount);
     RyGltfSpares::mark(entry);
-    useCountsValid = false;
+    const bool hasFreshBytes =
+        spareAccessors.empty() || model.accessors[std::size_t(spareAccessors.back())].bufferView < 0;
     const int index = place(accessor, model.accessors, std::move(entry), "accessors", spareAccessors);
     storage.layouts.resize(model.accessors.size());
     storage.layouts[std::size_t(index)] = layout;
+    // Nothing uses it yet, and nothing else reads its bytes.
+    useCounts.resize(model.accessors.size(), 0);
+    isShared.resize(model.accessors.size(), false);
+    isShared[std::size_t(index)] = false;
+    sharesValid = sharesValid && hasFreshBytes;
     return index;
 }
 

@@ -6,6 +6,16 @@
 
 #include <nlohmann/json.hpp>
 
+/// Bytes that something reads: from, to, and how they repeat.
+struct RyGltfByteSpan
+{
+    int buffer;
+    std::uint64_t from;
+    std::uint64_t to;
+    std::uint64_t stride;
+    std::uint64_t size;
+};
+
 /// What the document consists of; shared by the files that implement it.
 struct RyGltfDocument::Private
 {
@@ -33,11 +43,21 @@ struct RyGltfDocument::Private
     /// How often each accessor is used by anything; counted when asked for.
     mutable std::vector<int> useCounts;
     mutable bool useCountsValid = false;
+    /// Whether anything else reads bytes of each accessor; found when asked for.
+    mutable std::vector<bool> isShared;
+    mutable bool sharesValid = false;
 
     /// Builds model and layouts from the tree and the buffers. Throws RyGltfError.
     void readModel(QStringList *warnings);
     QString folder() const;
     const std::vector<int> &countUses() const;
+    struct Reader
+    {
+        RyGltfByteSpan span;
+        int accessor; // -1: an image, a sparse accessor's lists or an extension
+    };
+    void gatherReaders(std::vector<Reader> &readers) const;
+    const std::vector<bool> &findShared() const;
     /// Whether anything but the accessor's `users` known users reads its bytes.
     bool sharesBytes(int accessor, int users) const;
 

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/file/RyGltfJson.h"
 
 #include <algorithm>
+#include <tuple>
 
 // Who reads what: bytes may be overwritten only where nobody else looks at them.
 
@@ -10,15 +11,7 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-/// The bytes an accessor reads: from, to, and how they repeat.
-struct Span
-{
-    int buffer;
-    std::uint64_t from;
-    std::uint64_t to;
-    std::uint64_t stride;
-    std::uint64_t size;
-};
+using Span = RyGltfByteSpan;
 
 bool overlap(const Span &a, const Span &b)
 {
@@ -62,41 +55,69 @@ const std::vector<int> &RyGltfDocument::Private::countUses() const
 
 bool RyGltfDocument::Private::sharesBytes(int accessor, int users) const
 {
-    if (countUses()[std::size_t(accessor)] > users)
-        return true;
-    const auto spanOf = [this](int index) {
-        const RyGltfAccessor &a = model.accessors[std::size_t(index)];
-        const RyGltfLayout &layout = storage.layouts[std::size_t(index)];
-        const RyGltfBufferView &view = storage.views[std::size_t(a.bufferView)];
-        const std::uint64_t from = view.offset + a.byteOffset;
-        const std::uint64_t size = std::uint64_t(layout.elementSize);
-        const std::uint64_t to = a.count == 0 ? from : from + (a.count - 1) * layout.stride + size;
-        return Span{view.buffer, from, to, layout.stride, size};
-    };
-    const auto viewSpan = [this](int index) {
+    return countUses()[std::size_t(accessor)] > users || findShared()[std::size_t(accessor)];
+}
+
+const std::vector<bool> &RyGltfDocument::Private::findShared() const
+{
+    if (sharesValid)
+        return isShared;
+    isShared.assign(model.accessors.size(), false);
+    std::vector<Reader> readers;
+    gatherReaders(readers);
+    std::sort(readers.begin(), readers.end(), [](const Reader &a, const Reader &b) {
+        return std::tie(a.span.buffer, a.span.from) < std::tie(b.span.buffer, b.span.from);
+    });
+    std::vector<const Reader *> open; // those that reach to where the walk is
+    for (const Reader &reader : readers) {
+        std::erase_if(open, [&reader](const Reader *other) {
+            return other->span.buffer != reader.span.buffer || other->span.to <= reader.span.from;
+        });
+        for (const Reader *other : open) {
+            if (!overlap(reader.span, other->span))
+                continue;
+            for (const int accessor : {reader.accessor, other->accessor}) {
+                if (accessor >= 0)
+                    isShared[std::size_t(accessor)] = true;
+            }
+        }
+        open.push_back(&reader);
+    }
+    sharesValid = true;
+    return isShared;
+}
+
+void RyGltfDocument::Private::gatherReaders(std::vector<Reader> &readers) const
+{
+    const auto addView = [this, &readers](int index) {
         const RyGltfBufferView &view = storage.views[std::size_t(index)];
-        return Span{view.buffer, view.offset, view.offset + view.length, 0, 0};
+        readers.push_back({{view.buffer, view.offset, view.offset + view.length, 0, 0}, -1});
     };
-    const Span own = spanOf(accessor);
-    for (int i = 0; i < int(model.accessors.size()); ++i) {
-        const RyGltfAccessor &other = model.accessors[std::size_t(i)];
-        const RyGltfSparse &sparse = storage.layouts[std::size_t(i)].sparse;
-        if (i != accessor && other.bufferView >= 0 && overlap(own, spanOf(i)))
-            return true;
-        if (other.sparse && (overlap(own, viewSpan(sparse.indexView)) || overlap(own, viewSpan(sparse.valueView))))
-            return true;
+    for (std::size_t i = 0; i < model.accessors.size(); ++i) {
+        const RyGltfAccessor &accessor = model.accessors[i];
+        const RyGltfLayout &layout = storage.layouts[i];
+        if (accessor.bufferView >= 0) {
+            const RyGltfBufferView &view = storage.views[std::size_t(accessor.bufferView)];
+            const std::uint64_t from = view.offset + accessor.byteOffset;
+            const std::uint64_t size = std::uint64_t(layout.elementSize);
+            const std::uint64_t to = accessor.count == 0 ? from : from + (accessor.count - 1) * layout.stride + size;
+            readers.push_back({{view.buffer, from, to, layout.stride, size}, int(i)});
+        }
+        if (accessor.sparse) {
+            addView(layout.sparse.indexView);
+            addView(layout.sparse.valueView);
+        }
     }
     for (const Json &image : listOf(tree, "images")) {
         const auto view = image.find("bufferView");
         if (view != image.end() && RyGltfReferences::isIndex(*view) &&
-            view->get<std::uint64_t>() < storage.views.size() && overlap(own, viewSpan(view->get<int>())))
-            return true;
+            view->get<std::uint64_t>() < storage.views.size())
+            addView(view->get<int>());
     }
     // An extension may read a buffer view in ways of its own.
     const Json &views = listOf(tree, "bufferViews");
     for (std::size_t i = 0; i < views.size() && i < storage.views.size(); ++i) {
-        if (views[i].contains("extensions") && overlap(own, viewSpan(int(i))))
-            return true;
+        if (views[i].contains("extensions"))
+            addView(int(i));
     }
-    return false;
 }

@@ -180,6 +180,7 @@ void RyGltfSpares::drop()
         RyGltfGaps(d, m_views).close();
     dropViews();
     d.useCountsValid = false;
+    d.sharesValid = false;
 }
 
 void RyGltfSpares::dropNodes()

@@ -83,7 +83,8 @@ const std::map<size_t, size_t> &RyGltfClipWriter::samplerUses(size_t clip)
     const auto [known, isNew] = m_uses.try_emplace(clip);
     if (!isNew)
         return known->second;
-    for (const Json &channel : m_document.json()["animations"][clip]["channels"]) {
+    const RyGltfDocument &document = m_document; // what may write makes it count its uses anew
+    for (const Json &channel : document.json()["animations"][clip]["channels"]) {
         const Json *sampler = RyExtrasJson::find(channel, "sampler");
         if (sampler && RyGltfReferences::isIndex(*sampler))
             ++known->second[sampler->get<size_t>()];
