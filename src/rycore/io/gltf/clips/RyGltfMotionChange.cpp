@@ -20,7 +20,7 @@ RyGltfMotion ryGltfChanged(const RyGltfMotion &motion, const RyGltfMotionChange 
         if (!motion.isDriven()) {
             const Eigen::Affine3d place = after * RyGltfMotionPiece(motion, 0.0f, 0.0f).map(0.0) * change.before;
             RyGltfMotion result;
-            result.rest = RyGltfParts::nearest(place, motion.rest.scale);
+            result.rest = place.matrix().allFinite() ? RyGltfParts::nearest(place, motion.rest.scale) : motion.rest;
             *missed = ryGltfDistance(place, result.rest.map(), change.reach);
             return result;
         }

@@ -24,5 +24,6 @@ struct RyGltfMotionChange
 
 /// The motion with the change. Curves that stay as they are are the same objects; what nothing drives is in `rest`.
 /// `missed`: how far, in units of the new parent, what no translation, rotation and scale can say puts what follows the
-/// node off its place, at most.
+/// node off its place, at most; infinite where the change leads out of all numbers, as `up` does when it has no size.
+/// There the motion stays.
 RyGltfMotion ryGltfChanged(const RyGltfMotion &motion, const RyGltfMotionChange &change, double *missed);

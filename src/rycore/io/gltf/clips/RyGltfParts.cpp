@@ -2,6 +2,9 @@
 
 #include <Eigen/SVD>
 
+#include <cmath>
+#include <limits>
+
 RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector3d &signs)
 {
     RyGltfParts parts;
@@ -65,5 +68,6 @@ Eigen::Affine3d ryGltfColumns(const RyAffine &rows)
 double ryGltfDistance(const Eigen::Affine3d &a, const Eigen::Affine3d &b, double reach)
 {
     // The Frobenius norm is no less than the largest factor by which a direction grows.
-    return (a.translation() - b.translation()).norm() + reach * (a.linear() - b.linear()).norm();
+    const double distance = (a.translation() - b.translation()).norm() + reach * (a.linear() - b.linear()).norm();
+    return std::isfinite(distance) ? distance : std::numeric_limits<double>::infinity();
 }

@@ -12,7 +12,7 @@ struct RyGltfParts
     Eigen::Quaterniond rotation = Eigen::Quaterniond::Identity();
     Eigen::Vector3d scale = Eigen::Vector3d::Ones();
 
-    /// The nearest to a map; `signs` of the scale are taken where they fit its reflection. Exact but for shear.
+    /// The nearest to a finite map; `signs` of the scale are taken where they fit its reflection. Exact but for shear.
     static RyGltfParts nearest(const Eigen::Affine3d &map, const Eigen::Vector3d &signs = Eigen::Vector3d::Ones());
     /// Of a node; a matrix is taken apart.
     static RyGltfParts of(const RyGltfTransform &transform);
@@ -23,5 +23,6 @@ struct RyGltfParts
 
 Eigen::Affine3d ryGltfColumns(const RyAffine &rows);
 
-/// How far two maps take one point within `reach` of the origin from each other, at most.
+/// How far two maps take one point within `reach` of the origin from each other, at most. Infinite
+/// where one of them is not finite.
 double ryGltfDistance(const Eigen::Affine3d &a, const Eigen::Affine3d &b, double reach);

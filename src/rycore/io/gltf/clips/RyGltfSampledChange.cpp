@@ -28,7 +28,11 @@ public:
         return m_change.after * up.inverse() * m_change.between * result;
     }
     Eigen::Affine3d whole(double time) const { return behind(time) * m_node.map(time) * m_change.before; }
-    RyGltfParts parts(double time) const { return RyGltfParts::nearest(whole(time), m_node.scale(time)); }
+    RyGltfParts parts(double time) const
+    {
+        const Eigen::Affine3d map = whole(time);
+        return map.matrix().allFinite() ? RyGltfParts::nearest(map, m_node.scale(time)) : m_node.parts(time);
+    }
 
 private:
     const RyGltfMotionChange &m_change;

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 
 /// What anybody would see, in heights of the figure.
@@ -53,6 +54,8 @@ RyGltfParts RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion)
         change.before = Eigen::Affine3d::Identity();
         const Eigen::Affine3d behind = ryGltfChanged(still, change, &missed).rest.map();
         now = behind.inverse() * now * motion->before.inverse();
+        if (!now.matrix().allFinite())
+            return before;
     }
     const RyGltfParts edited = RyGltfParts::nearest(now, before.scale);
     const RyGltfScenePatch::Edit &edit = m_patch.edits.at(node);
@@ -162,7 +165,9 @@ void RyGltfClipRewriter::rewriteClip(size_t index)
     }
     if (!isRead)
         m_unreadable.append(clip.name);
-    if (worst > seen)
+    if (std::isinf(worst))
+        m_vanishing.append(clip.name);
+    else if (worst > seen)
         m_sheared.append(withShare(clip.name, worst));
     if (!m_deleted.isEmpty())
         measureDeleted(clip);
@@ -181,7 +186,7 @@ void RyGltfClipRewriter::measureDeleted(const RyGltfClip &clip)
         m_following.append(withShare(clip.name, worst));
 }
 
-/// How far something is put off its place, in heights of the figure.
+/// How far something is put off its place, in heights of the figure; infinite where it has none.
 double RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &motion, bool isRelated)
 {
     const RyGltfClip &clip = m_clips.clips()[index];
@@ -191,6 +196,9 @@ double RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &mot
         return 0.0;
     double missed = 0.0;
     const RyGltfMotion result = ryGltfChanged(before, change, &missed);
+    // A place that is none at any time says nothing to write.
+    if (std::isinf(missed) && change.isConstant())
+        return missed;
     // A node that nothing drives holds what a matrix holds.
     return addKeys(index, motion, result) ? missed / std::max(1e-300, motion.height) : 0.0;
 }
@@ -258,4 +266,8 @@ void RyGltfClipRewriter::report() const
     m_patch.sayOf(QStringLiteral("Vertices that followed deleted bones move with others in clips, by up to this share "
                                  "of the height elsewhere: %1"),
                   m_following);
+    m_patch.sayOf(QStringLiteral("Clips scale joints to nothing or beyond all numbers; what hangs on these, and did "
+                                 "not before, cannot be held "
+                                 "in its place: %1"),
+                  m_vanishing);
 }

@@ -41,6 +41,6 @@ private:
     std::vector<int> m_preOrder;        // of the file
     std::vector<RyGltfClipChange> m_changes;
     RyGltfDeletedBones m_deleted;
-    QStringList m_unreadable;           // names of clips
-    QStringList m_sheared, m_following; // likewise, with how far vertices are off
+    QStringList m_unreadable, m_vanishing; // names of clips
+    QStringList m_sheared, m_following;    // likewise, with how far vertices are off
 };

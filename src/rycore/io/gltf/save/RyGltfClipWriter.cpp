@@ -5,6 +5,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 
 #include <algorithm>
+#include <limits>
 
 using Json = RyExtrasJson::Json;
 
@@ -18,7 +19,11 @@ const char *kindName(RyGltfCurve::Kind kind)
 template<typename T>
 QByteArray asFloats(const std::vector<T> &numbers)
 {
-    const std::vector<float> floats(numbers.begin(), numbers.end());
+    constexpr T Largest = std::numeric_limits<float>::max();
+    std::vector<float> floats;
+    floats.reserve(numbers.size());
+    for (const T number : numbers)
+        floats.push_back(float(std::clamp(number, -Largest, Largest)));
     return {reinterpret_cast<const char *>(floats.data()), int(floats.size() * sizeof(float))};
 }
 

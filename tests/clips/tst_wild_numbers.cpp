@@ -1,0 +1,128 @@
+#include "ClipEdits.h"
+#include "ClipSketch.h"
+
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <cstring>
+
+using nlohmann::json;
+
+/// Clips whose numbers are sound one by one and lead out of what floats can say.
+class WildNumbersTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_random.seed(ryTestSeed());
+        m_sketch = std::make_unique<ClipSketch>(m_random);
+        m_sketch->bind();
+    }
+    void cleanup() { ryUndoStack()->clearAll(); }
+
+    /// A bone hangs elsewhere, on one that a clip scales to nothing: no frame of it can be held against that.
+    void vanishingParent_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<bool>("isAlways");
+        for (const char *kind : {"STEP", "LINEAR"}) {
+            QTest::addRow("%s, at times", kind) << QString::fromLatin1(kind) << false;
+            QTest::addRow("%s, always", kind) << QString::fromLatin1(kind) << true;
+        }
+    }
+    void vanishingParent()
+    {
+        QFETCH(QString, kind);
+        QFETCH(bool, isAlways);
+        const size_t clip = m_sketch->addClip("hides");
+        m_sketch->driveAll(clip, "LINEAR");
+        const float size = isAlways ? 0.0f : 1.0f;
+        const int values = m_sketch->addValues("scale", {size, size, size, 0.0f, 0.0f, 0.0f, size, size, size});
+        const int times = m_sketch->addTimes({0.1f, 0.5f, 0.9f});
+        m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, values, kind.toStdString()), ClipSketch::RightArm,
+                             "scale");
+        CharacterScene character(write());
+        boneOf(character, ClipSketch::RightArm)->addNodeChild(boneOf(character, ClipSketch::LeftHand), true);
+        const QStringList messages = save(character);
+        QVERIFY2(messages.filter(QStringLiteral("hides")).size() == 1, qPrintable(messages.join(QLatin1Char('\n'))));
+        holdsFiniteNumbers();
+        const QByteArray first = bytesOf(m_saved);
+        save(character);
+        QVERIFY(bytesOf(m_saved) == first);
+    }
+
+    /// Sums of what fits into a float may not.
+    void largestFloats()
+    {
+        const size_t clip = m_sketch->addClip("far away");
+        std::vector<float> values;
+        for (int i = 0; i < 9; ++i)
+            values.push_back(i % 2 ? -3e38f : 3.2e38f);
+        for (const int joint : {ClipSketch::LeftArm, ClipSketch::RightArm, ClipSketch::LeftHand}) {
+            const int output = m_sketch->addValues("translation", values);
+            m_sketch->addChannel(clip,
+                                 m_sketch->addSampler(clip, m_sketch->addTimes({0.0f, 0.5f, 1.0f}), output, "LINEAR"),
+                                 joint, "translation");
+            m_sketch->drive(clip, joint, "rotation", "LINEAR");
+        }
+        CharacterScene character(write());
+        ClipEdits::turnAtRandom(character.bones(), m_random);
+        ClipEdits::moveOrigins(character.bones(), 9.0, m_random);
+        save(character);
+        holdsFiniteNumbers();
+    }
+
+private:
+    QString path() const { return m_folder.filePath(QStringLiteral("sketch.gltf")); }
+    QString write() const { return m_sketch->write(path()); }
+
+    QStringList save(CharacterScene &character)
+    {
+        m_saved = m_folder.filePath(QStringLiteral("saved.gltf"));
+        QString error;
+        QStringList messages;
+        if (!RySceneFile::save(&character.scene, m_saved, &error, &messages))
+            throw std::runtime_error(error.toStdString());
+        return messages;
+    }
+
+    void holdsFiniteNumbers() const
+    {
+        const GltfEvaluator file(m_saved.toStdString());
+        for (const json &clip : file.tree()["animations"]) {
+            for (const json &sampler : clip["samplers"]) {
+                for (const char *place : {"input", "output"}) {
+                    const std::string bytes = file.accessorBytes(sampler[place].get<int>());
+                    std::vector<float> numbers(bytes.size() / sizeof(float));
+                    std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(float));
+                    for (const float number : numbers)
+                        QVERIFY(std::isfinite(number));
+                }
+            }
+        }
+    }
+
+    static RyBone *boneOf(const CharacterScene &character, int node)
+    {
+        for (RyBone *bone : character.bones()) {
+            if (character.nodeOf(bone) == node)
+                return bone;
+        }
+        throw std::runtime_error("no such bone");
+    }
+
+    QTemporaryDir m_folder;
+    std::mt19937 m_random;
+    std::unique_ptr<ClipSketch> m_sketch;
+    QString m_saved;
+};
+
+RY_TEST(WildNumbersTest)
+#include "tst_wild_numbers.moc"
