@@ -6,6 +6,8 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
 
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -77,6 +79,34 @@ private slots:
         ClipEdits::moveOrigins(character.bones(), 9.0, m_random);
         save(character);
         holdsFiniteNumbers();
+    }
+
+    /// Such curves never come near their tolerance; what they get must stay in proportion to their keys.
+    void longWildCurves()
+    {
+        constexpr size_t Keys = 2000;
+        const size_t clip = m_sketch->addClip("wild");
+        std::vector<float> moments;
+        for (size_t i = 0; i < Keys; ++i)
+            moments.push_back(float(i) / 30.0f);
+        const int times = m_sketch->addTimes(moments);
+        for (const int joint : ClipSketch::joints()) {
+            std::vector<float> scales;
+            for (size_t i = 0; i < 3 * Keys; ++i)
+                scales.push_back(float(std::pow(10.0, m_sketch->number(0.0, 20.0))));
+            const int output = m_sketch->addValues("scale", scales);
+            m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, output, "LINEAR"), joint, "scale");
+            const int turns = m_sketch->addValues("rotation", m_sketch->someValues(joint, "rotation", "LINEAR", Keys));
+            m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, turns, "LINEAR"), joint, "rotation");
+        }
+        CharacterScene character(write());
+        ClipEdits::moveOrigins(character.bones(), 9.0, m_random);
+        QElapsedTimer clock;
+        clock.start();
+        save(character);
+        QVERIFY2(clock.elapsed() < 30000, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY2(QFileInfo(m_saved).size() < 20 * QFileInfo(path()).size(),
+                 qPrintable(QString::number(QFileInfo(m_saved).size())));
     }
 
 private:

@@ -19,7 +19,8 @@ Eigen::Vector3d velocity(const RyGltfCurveFit::Place &place, float from, float t
 
 } // namespace
 
-RyGltfCurveFit::RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance) : m_tolerance(tolerance)
+RyGltfCurveFit::RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance, size_t spans)
+    : m_tolerance(tolerance), m_room(RyGltfKeyTimes::roomFor(spans))
 {
     m_curve->kind = kind;
 }
@@ -34,7 +35,7 @@ void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place)
     std::vector<float> times{span.from};
     if (m_curve->kind != RyGltfCurve::Step && span.to > span.from)
         RyGltfKeyTimes::refine(
-            span.from, span.to, [&](float from, float to) { return excess(place, from, to); }, times);
+            span.from, span.to, [&](float from, float to) { return excess(place, from, to); }, times, m_room);
     if (span.endsInStep)
         times.push_back(span.to);
     for (size_t i = 0; i < times.size(); ++i) {

@@ -6,8 +6,8 @@
 class RyGltfCurveFit
 {
 public:
-    /// `tolerance`: how far the curve may be off between its keys.
-    RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance);
+    /// `tolerance`: how far the curve may be off between its keys; `spans`: how many will be added.
+    RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance, size_t spans);
 
     /// Where the curve has to be at a time of a span; it must be smooth there.
     using Place = std::function<Eigen::Vector3d(double time)>;
@@ -22,6 +22,7 @@ private:
     void thin();
 
     double m_tolerance;
+    size_t m_room; // see RyGltfKeyTimes::refine
     std::shared_ptr<RyGltfCurve> m_curve = std::make_shared<RyGltfCurve>();
     std::vector<bool> m_isFixed;                          // keys at both sides of steps
     bool m_isBehindStep = false;                          // the next key

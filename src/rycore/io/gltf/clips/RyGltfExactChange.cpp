@@ -174,11 +174,12 @@ RyGltfExactChange::Curve RyGltfExactChange::fitted(const RyGltfMotion &motion) c
     keys.add(motion);
     const RyGltfCurve *before = motion.curve(RyGltfPath::Translation);
     const bool wasCubic = before && before->kind == RyGltfCurve::Cubic;
+    const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
     RyGltfCurveFit fit(keys.isStepped() ? RyGltfCurve::Step
                        : wasCubic       ? RyGltfCurve::Cubic
                                         : RyGltfCurve::Linear,
-                       m_tolerance);
-    for (const RyGltfKeyTimes::Span &span : keys.spans()) {
+                       m_tolerance, spans.size());
+    for (const RyGltfKeyTimes::Span &span : spans) {
         const RyGltfMotionPiece piece(motion, span.from, span.next);
         fit.add(span, [this, &piece](double time) { return place(piece, time); });
     }

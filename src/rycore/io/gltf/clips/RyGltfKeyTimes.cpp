@@ -17,10 +17,10 @@ void unite(std::vector<float> &times, const std::vector<float> &others)
 }
 
 /// `before`: how far the line was that this is a piece of.
-void refinePiece(float from, float to, double before, const RyGltfKeyTimes::Excess &excess, std::vector<float> &times)
+void refinePiece(float from, float to, double before, const RyGltfKeyTimes::Excess &excess, std::vector<float> &times,
+                 size_t mostKeys)
 {
     constexpr int mostPieces = 64;
-    constexpr size_t mostKeys = 4096; // numbers beyond all measure would never come near
     const double much = excess(from, to);
     if (!(much > 1.0) || !(much < 0.9 * before) || times.size() > mostKeys)
         return;
@@ -31,7 +31,7 @@ void refinePiece(float from, float to, double before, const RyGltfKeyTimes::Exce
         const float next = i == pieces ? to : float(double(from) + (double(to) - double(from)) * i / pieces);
         if (!(next > start) || (i < pieces && !(next < to)))
             continue;
-        refinePiece(start, next, much, excess, times);
+        refinePiece(start, next, much, excess, times, mostKeys);
         if (i < pieces)
             times.push_back(next);
         start = next;
@@ -72,9 +72,13 @@ std::vector<RyGltfKeyTimes::Span> RyGltfKeyTimes::spans() const
     return result;
 }
 
-void RyGltfKeyTimes::refine(float from, float to, const Excess &excess, std::vector<float> &times)
+void RyGltfKeyTimes::refine(float from, float to, const Excess &excess, std::vector<float> &times, size_t &room)
 {
-    refinePiece(from, to, std::numeric_limits<double>::infinity(), excess, times);
+    constexpr size_t mostAtOnce = 4096;
+    const size_t before = times.size();
+    if (room > 0)
+        refinePiece(from, to, std::numeric_limits<double>::infinity(), excess, times, std::min(room, mostAtOnce));
+    room -= std::min(room, times.size() - before);
 }
 
 std::vector<size_t> RyGltfKeyTimes::thin(const std::vector<bool> &isFixed, const IsNear &isNear)

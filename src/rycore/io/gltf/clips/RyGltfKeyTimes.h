@@ -31,8 +31,10 @@ public:
     /// How much too far the line between two keys is from what it stands for: 1 is the most that may be.
     using Excess = std::function<double(float from, float to)>;
     /// Adds times between two, neither of which is among them, until no line is too far, or where more keys no longer
-    /// help.
-    static void refine(float from, float to, const Excess &excess, std::vector<float> &times);
+    /// help. `room` is left for all stretches of a curve together: values beyond all measure would take thousands each.
+    static void refine(float from, float to, const Excess &excess, std::vector<float> &times, size_t &room);
+    /// Keys that a curve of so many spans may get beside its own; others take far fewer.
+    static size_t roomFor(size_t spans) { return (size_t(1) << 15) + 16 * spans; }
 
     /// Whether what stands at a place of a list of keys is near the line between two others.
     using IsNear = std::function<bool(size_t from, size_t to, size_t place)>;

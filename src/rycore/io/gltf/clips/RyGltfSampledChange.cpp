@@ -150,7 +150,9 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
     const double reach = m_change.reach;
     std::vector<Key> taken;
     bool isBehindStep = false;
-    for (const RyGltfKeyTimes::Span &span : keys.spans()) {
+    const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
+    size_t room = RyGltfKeyTimes::roomFor(spans.size());
+    for (const RyGltfKeyTimes::Span &span : spans) {
         const Piece piece(*this, span.from, span.next);
         const auto excess = [&](float from, float to) {
             const RyGltfParts a = piece.parts(double(from)), b = piece.parts(double(to));
@@ -163,7 +165,7 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
         };
         std::vector<float> times{span.from};
         if (kind != RyGltfCurve::Step && span.to > span.from)
-            RyGltfKeyTimes::refine(span.from, span.to, excess, times);
+            RyGltfKeyTimes::refine(span.from, span.to, excess, times, room);
         if (span.endsInStep)
             times.push_back(span.to);
         for (const float time : times) {
