@@ -81,6 +81,24 @@ private slots:
         holdsFiniteNumbers();
     }
 
+    /// What a view says of its use may be anything; it keeps nobody from saving.
+    void strangeTargets()
+    {
+        const size_t clip = m_sketch->addClip("shared");
+        const int times = m_sketch->addTimes(m_sketch->someTimes(3));
+        const int turns =
+            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 3));
+        for (const int joint : {ClipSketch::LeftArm, ClipSketch::RightArm})
+            m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, turns, "LINEAR"), joint, "rotation");
+        const json targets[] = {"text", nullptr, json::array(), 0.5};
+        for (json &view : m_sketch->tree["bufferViews"])
+            view["target"] = targets[m_random() % std::size(targets)];
+        CharacterScene character(write());
+        ClipEdits::turnAtRandom({boneOf(character, ClipSketch::LeftArm)}, m_random);
+        save(character);
+        holdsFiniteNumbers();
+    }
+
     /// Such curves never come near their tolerance; what they get must stay in proportion to their keys.
     void longWildCurves()
     {

@@ -272,8 +272,12 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values, i
     if (!own || d->storage.buffers[std::size_t(bufferIndex)].source == RyGltfBuffer::External ||
         d->sharesBytes(accessor, users)) {
         int target = 0;
-        if (a.bufferView >= 0)
-            target = d->list("bufferViews")[std::size_t(a.bufferView)].value("target", 0);
+        const Json said =
+            a.bufferView >= 0 ? d->list("bufferViews")[std::size_t(a.bufferView)].value("target", Json()) : Json();
+        for (const int known : {34962, 34963}) {
+            if (said == Json(known))
+                target = known;
+        }
         return addFloatAccessor(values, a.componentCount, target, layout.hasBounds);
     }
     const std::size_t elementBytes = components * sizeof(float);
