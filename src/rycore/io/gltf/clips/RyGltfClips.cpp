@@ -45,26 +45,27 @@ int indexOf(const Json &object, const char *key, size_t limit)
     return index && RyGltfReferences::isIndex(*index) && index->get<double>() < double(limit) ? index->get<int>() : -1;
 }
 
-/// The node whose transform a pointer like "/nodes/7/translation" names; -1 for none.
-int nodeOfPointer(const Json &target, size_t nodeCount)
+/// The part of a node's transform that a pointer like "/nodes/7/translation" names.
+std::optional<RyGltfTarget> targetOfPointer(const Json &target, size_t nodeCount)
 {
     const Json *extensions = find(target, "extensions");
     const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
     const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
     if (!pointer || !pointer->is_string())
-        return -1;
+        return std::nullopt;
     const QStringList steps = QString::fromStdString(pointer->get<std::string>()).split(QLatin1Char('/'));
-    if (steps.size() != 4 || steps[1] != QLatin1String("nodes"))
-        return -1;
     bool isNumber = false;
-    const uint node = steps[2].toUInt(&isNumber);
-    const bool isPlace = std::any_of(ryGltfPaths.begin(), ryGltfPaths.end(), [&steps](RyGltfPath path) {
-        return steps[3] == QLatin1String(ryGltfPathName(path));
-    });
-    return isNumber && isPlace && node < nodeCount ? int(node) : -1;
+    const uint node = steps.value(2).toUInt(&isNumber);
+    if (steps.size() != 4 || steps[1] != QLatin1String("nodes") || !isNumber || node >= nodeCount)
+        return std::nullopt;
+    for (const RyGltfPath path : ryGltfPaths) {
+        if (steps[3] == QLatin1String(ryGltfPathName(path)))
+            return RyGltfTarget(int(node), path);
+    }
+    return std::nullopt;
 }
 
-std::pair<int, RyGltfPath> targetOf(const RyGltfChannel &channel)
+RyGltfTarget targetOf(const RyGltfChannel &channel)
 {
     return {channel.node, channel.path};
 }
@@ -107,22 +108,19 @@ void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
         channel.node = indexOf(*target, "node", nodeCount);
         const std::optional<RyGltfPath> path = pathOf(*target);
         if (channel.node < 0 || !path) {
-            const int node = nodeOfPointer(*target, nodeCount);
-            if (node >= 0)
-                result.unreadable.push_back(node);
+            if (const std::optional<RyGltfTarget> pointed = targetOfPointer(*target, nodeCount))
+                result.unreadable.insert(*pointed);
             continue;
         }
         channel.path = *path;
         if (!readSampler(clip, channels[place], channel) ||
             !known.try_emplace(targetOf(channel), result.channels.size()).second)
-            result.unreadable.push_back(channel.node);
+            result.unreadable.insert({channel.node, *path});
         else
             result.channels.push_back(channel);
     }
     for (const auto &[target, place] : known)
         result.byTarget.push_back(place);
-    std::sort(result.unreadable.begin(), result.unreadable.end());
-    result.unreadable.erase(std::unique(result.unreadable.begin(), result.unreadable.end()), result.unreadable.end());
 }
 
 bool RyGltfClips::readSampler(const Json &clip, const Json &channel, RyGltfChannel &result) const
@@ -185,5 +183,9 @@ std::shared_ptr<const RyGltfCurve> RyGltfClips::read(const RyGltfSampler &sample
         return nullptr;
     const std::vector<float> numbers = m_document->readFloats(sampler.output);
     curve->values.assign(numbers.begin(), numbers.end());
+    for (size_t i = 0; i < curve->keyCount() && curve->components == 4; ++i) {
+        if (Eigen::Map<const Eigen::Vector4d>(curve->key(i)).squaredNorm() < 1e-12)
+            return nullptr; // no rotation at all
+    }
     return curve;
 }

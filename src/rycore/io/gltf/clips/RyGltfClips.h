@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <tuple>
 #include <vector>
 
@@ -37,13 +38,15 @@ struct RyGltfChannel
     RyGltfPath path = RyGltfPath::Translation;
 };
 
+/// A part of a node's transform.
+using RyGltfTarget = std::pair<int, RyGltfPath>;
+
 struct RyGltfClip
 {
     QString name;                        ///< "animation 3" where the file has none
     std::vector<RyGltfChannel> channels; ///< those of nodes' transforms that are well formed
-    /// Nodes that are driven in a way nobody here can follow: by a damaged channel, by two channels for one property,
-    /// or through an extension.
-    std::vector<int> unreadable;
+    /// What is driven in a way nobody here can follow: by a damaged channel, by two channels, or through an extension.
+    std::set<RyGltfTarget> unreadable;
 
     std::vector<size_t> byTarget; ///< places in `channels`, by node and path
 
@@ -61,7 +64,7 @@ public:
 
     const std::vector<RyGltfClip> &clips() const { return m_clips; }
     /// Null for a damaged one: other counts than the interpolation needs, numbers that are not finite, times that do
-    /// not rise.
+    /// not rise, rotations of no length.
     std::shared_ptr<const RyGltfCurve> curve(const RyGltfSampler &sampler, RyGltfPath path) const;
 
 private:

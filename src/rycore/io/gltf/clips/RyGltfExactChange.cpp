@@ -31,10 +31,9 @@ bool isQuarterTurn(const Eigen::Matrix3d &turn)
 } // namespace
 
 std::optional<RyGltfExactChange> RyGltfExactChange::find(const RyGltfMotion &motion, const Eigen::Affine3d &before,
-                                                         const Eigen::Affine3d &after, double tolerance, double reach)
+                                                         const Eigen::Affine3d &after, double tolerance, double slack)
 {
     RyGltfExactChange change;
-    const double slack = reach > 0.0 ? std::max(1e-7, tolerance / reach) : 1e-5;
     double factorBefore = 1.0, factorAfter = 1.0;
     Eigen::Quaterniond turn;
     if (!splitSimilarity(before.linear(), slack, turn, factorBefore) ||
@@ -77,7 +76,7 @@ RyGltfMotion RyGltfExactChange::apply(const RyGltfMotion &motion) const
 {
     RyGltfMotion result;
     result.curves[size_t(RyGltfPath::Translation)] = translations(motion);
-    result.curves[size_t(RyGltfPath::Rotation)] = rotations(motion.curves[size_t(RyGltfPath::Rotation)]);
+    result.curves[size_t(RyGltfPath::Rotation)] = rotations(motion);
     result.curves[size_t(RyGltfPath::Scale)] = scales(motion.curves[size_t(RyGltfPath::Scale)]);
     const RyGltfParts &rest = motion.rest;
     result.rest.rotation = m_parentTurn * rest.rotation * m_turn;
@@ -88,32 +87,43 @@ RyGltfMotion RyGltfExactChange::apply(const RyGltfMotion &motion) const
     return result;
 }
 
-RyGltfExactChange::Curve RyGltfExactChange::rotations(const Curve &curve) const
+/// Half a turn between two keys may go either way, as numbers are rounded: a key between them says which.
+RyGltfExactChange::Curve RyGltfExactChange::withoutHalfTurns(const Curve &curve)
 {
+    if (curve->kind != RyGltfCurve::Linear)
+        return curve;
+    auto result = std::make_shared<RyGltfCurve>(*curve);
+    result->times.clear();
+    result->values.clear();
+    for (size_t i = 0; i < curve->keyCount(); ++i) {
+        const Eigen::Map<const Eigen::Vector4d> now(curve->key(i));
+        const Eigen::Map<const Eigen::Vector4d> last(curve->key(i > 0 ? i - 1 : 0));
+        const float from = curve->times[i > 0 ? i - 1 : 0], to = curve->times[i];
+        const float middle = float(0.5 * (double(from) + double(to)));
+        if (std::abs(now.dot(last)) < 1e-3 * now.norm() * last.norm() && middle > from && middle < to) {
+            const Eigen::Quaterniond between = RyGltfCurvePiece(*curve, from, to).rotation(double(middle));
+            result->times.push_back(middle);
+            result->values.insert(result->values.end(), between.coeffs().data(), between.coeffs().data() + 4);
+        }
+        result->times.push_back(to);
+        result->values.insert(result->values.end(), now.data(), now.data() + 4);
+    }
+    return result->keyCount() == curve->keyCount() ? curve : result;
+}
+
+RyGltfExactChange::Curve RyGltfExactChange::rotations(const RyGltfMotion &motion) const
+{
+    const Curve &curve = motion.curves[size_t(RyGltfPath::Rotation)];
     const auto isIdentity = [](const Eigen::Quaterniond &q) {
         return q.coeffs() == Eigen::Quaterniond::Identity().coeffs();
     };
-    if (!curve || (isIdentity(m_turn) && isIdentity(m_parentTurn)))
+    const bool isTurned = !isIdentity(m_turn) || !isIdentity(m_parentTurn);
+    if (!curve || (!isTurned && !isArc(motion)))
         return curve;
-    auto result = std::make_shared<RyGltfCurve>(*curve);
-    if (curve->kind == RyGltfCurve::Linear) {
-        // Half a turn between two keys may go either way: a key between them says which.
-        result->times.clear();
-        result->values.clear();
-        for (size_t i = 0; i < curve->keyCount(); ++i) {
-            const Eigen::Map<const Eigen::Vector4d> now(curve->key(i));
-            const Eigen::Map<const Eigen::Vector4d> last(curve->key(i > 0 ? i - 1 : 0));
-            const float from = curve->times[i > 0 ? i - 1 : 0], to = curve->times[i];
-            const float middle = float(0.5 * (double(from) + double(to)));
-            if (std::abs(now.dot(last)) < 1e-3 * now.norm() * last.norm() && middle > from && middle < to) {
-                const Eigen::Quaterniond between = RyGltfCurvePiece(*curve, from, to).rotation(double(middle));
-                result->times.push_back(middle);
-                result->values.insert(result->values.end(), between.coeffs().data(), between.coeffs().data() + 4);
-            }
-            result->times.push_back(to);
-            result->values.insert(result->values.end(), now.data(), now.data() + 4);
-        }
-    }
+    const Curve definite = withoutHalfTurns(curve);
+    if (!isTurned)
+        return definite;
+    auto result = std::make_shared<RyGltfCurve>(*definite);
     for (size_t i = 0; i + 4 <= result->values.size(); i += 4) {
         Eigen::Map<Eigen::Vector4d> numbers(result->values.data() + i);
         numbers = (m_parentTurn * Eigen::Quaterniond(numbers) * m_turn).coeffs();

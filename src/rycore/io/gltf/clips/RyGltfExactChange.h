@@ -10,17 +10,17 @@
 class RyGltfExactChange
 {
 public:
-    /// None where the result would be sheared by more than the tolerance (in units of the parent) over the reach (in
-    /// units of the node).
+    /// None where the result would be sheared by more than `slack`, of its size. `tolerance` in units of the parent.
     static std::optional<RyGltfExactChange> find(const RyGltfMotion &motion, const Eigen::Affine3d &before,
-                                                 const Eigen::Affine3d &after, double tolerance, double reach);
+                                                 const Eigen::Affine3d &after, double tolerance, double slack);
     RyGltfMotion apply(const RyGltfMotion &motion) const;
 
 private:
     using Curve = std::shared_ptr<const RyGltfCurve>;
 
     bool findTurn(const RyGltfMotion &motion, const Eigen::Matrix3d &turn, double slack);
-    Curve rotations(const Curve &curve) const;
+    static Curve withoutHalfTurns(const Curve &curve);
+    Curve rotations(const RyGltfMotion &motion) const;
     Curve scales(const Curve &curve) const;
     Curve translations(const RyGltfMotion &motion) const;
     bool isArc(const RyGltfMotion &motion) const;

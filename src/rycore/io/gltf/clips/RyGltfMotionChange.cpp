@@ -24,7 +24,7 @@ RyGltfMotion ryGltfChanged(const RyGltfMotion &motion, const RyGltfMotionChange 
             *missed = ryGltfDistance(place, result.rest.map(), change.reach);
             return result;
         }
-        if (const auto exact = RyGltfExactChange::find(motion, change.before, after, change.tolerance, change.reach))
+        if (const auto exact = RyGltfExactChange::find(motion, change.before, after, change.tolerance, change.slack))
             return exact->apply(motion);
     }
     return sampled.apply(missed);

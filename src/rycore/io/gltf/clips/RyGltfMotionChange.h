@@ -16,6 +16,7 @@ struct RyGltfMotionChange
     std::vector<RyGltfMotion> up;
     Eigen::Affine3d after = Eigen::Affine3d::Identity();
     double tolerance = 0.0; ///< length that nobody sees, in units of the new parent
+    double slack = 1e-7;    ///< shear that nobody sees, of the size
     double reach = 0.0;     ///< how far from the node what follows it reaches, in units of the node
 
     /// Whether all but the node itself stands still.

@@ -9,13 +9,17 @@ RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector
 {
     RyGltfParts parts;
     parts.translation = map.translation();
-    Eigen::Vector3d sign = signs.array().sign().matrix();
+    Eigen::Vector3d sign = signs.unaryExpr([](double factor) { return factor < 0.0 ? -1.0 : 1.0; });
     if (map.linear().determinant() * sign.prod() < 0.0)
         sign.x() = -sign.x();
     const Eigen::Matrix3d straight = map.linear() * sign.asDiagonal();
     const Eigen::JacobiSVD<Eigen::Matrix3d> svd(straight, Eigen::ComputeFullU | Eigen::ComputeFullV);
-    const Eigen::Matrix3d turn = svd.matrixU() * svd.matrixV().transpose();
-    const Eigen::Matrix3d stretch = svd.matrixV() * svd.singularValues().asDiagonal() * svd.matrixV().transpose();
+    // Of a map that is flat, or nothing, the last direction is free: so that it makes no reflection.
+    const double last = (svd.matrixU() * svd.matrixV().transpose()).determinant() < 0.0 ? -1.0 : 1.0;
+    const Eigen::Vector3d free(1.0, 1.0, last);
+    const Eigen::Matrix3d turn = svd.matrixU() * free.asDiagonal() * svd.matrixV().transpose();
+    const Eigen::Vector3d sizes = svd.singularValues().cwiseProduct(free);
+    const Eigen::Matrix3d stretch = svd.matrixV() * sizes.asDiagonal() * svd.matrixV().transpose();
     parts.rotation = Eigen::Quaterniond(turn).normalized();
     parts.scale = stretch.diagonal().cwiseProduct(sign);
     return parts;

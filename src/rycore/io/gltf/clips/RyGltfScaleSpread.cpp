@@ -22,7 +22,7 @@ void RyGltfScaleSpread::add(const Eigen::Vector3d &scale)
     if (m_isFirst)
         m_signs = signs;
     m_isFirst = false;
-    if (signs != m_signs)
+    if (signs != m_signs && signs != -m_signs) // all three together turn with everything
         m_largest = std::numeric_limits<double>::infinity();
     const Eigen::Vector3d sizes = scale.cwiseAbs();
     addDifference(sizes, sizes.maxCoeff());

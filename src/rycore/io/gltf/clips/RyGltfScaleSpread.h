@@ -9,8 +9,8 @@ public:
     void add(const RyGltfCurve &curve);
     void add(const Eigen::Vector3d &scale);
 
-    /// The largest difference of the sizes of two factors, of the largest factor of their key; infinite when signs
-    /// change.
+    /// The largest difference of the sizes of two factors, of the largest factor of their key; infinite when some of
+    /// the signs change.
     double largest() const { return m_largest; }
     const Eigen::Vector3d &signs() const { return m_signs; }
 

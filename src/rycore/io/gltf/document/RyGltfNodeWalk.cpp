@@ -39,6 +39,25 @@ std::vector<RyAffine> ryGltfWorldMaps(const RyGltfModel &model, const std::vecto
     return maps;
 }
 
+std::vector<bool> ryGltfRelatedNodes(const RyGltfModel &model, const std::vector<bool> &isMarked)
+{
+    const std::vector<int> order = ryGltfPreOrder(model);
+    std::vector<bool> isBelow = isMarked, isAbove = isMarked;
+    for (const int node : order) {
+        const int parent = model.nodes[size_t(node)].parent;
+        if (parent >= 0 && isBelow[size_t(parent)])
+            isBelow[size_t(node)] = true;
+    }
+    for (auto node = order.rbegin(); node != order.rend(); ++node) {
+        const int parent = model.nodes[size_t(*node)].parent;
+        if (parent >= 0 && isAbove[size_t(*node)])
+            isAbove[size_t(parent)] = true;
+    }
+    for (size_t node = 0; node < isBelow.size(); ++node)
+        isBelow[node] = isBelow[node] || isAbove[node];
+    return isBelow;
+}
+
 bool ryGltfMarksEnd(const QString &name)
 {
     return name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||

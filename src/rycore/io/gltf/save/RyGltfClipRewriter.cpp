@@ -11,13 +11,14 @@ static constexpr double seen = 1e-5;
 
 RyGltfClipRewriter::RyGltfClipRewriter(RyGltfScenePatch &patch, const RyGltfClips &clips)
     : m_patch(patch), m_clips(clips), m_before(patch.source.document->model()),
-      m_motions(RyGltfNodeMotions(patch).find()), m_preOrder(ryGltfPreOrder(m_before)), m_deleted(patch)
+      m_motions(RyGltfNodeMotions(patch).find()), m_orderNow(ryGltfPreOrder(patch.document.model())), m_deleted(patch)
 {}
 
 std::vector<RyGltfClipChange> RyGltfClipRewriter::rewrite()
 {
     if (m_motions.empty() && m_deleted.isEmpty())
         return {};
+    m_sizes = sizesIn(RyGltfClip());
     findBases();
     for (size_t clip = 0; clip < m_clips.clips().size(); ++clip)
         rewriteClip(clip);
@@ -105,8 +106,10 @@ RyGltfMotionChange RyGltfClipRewriter::changeOf(const RyGltfClip &clip, const Ry
     change.before = motion.before;
     change.between = motion.between;
     change.after = motion.after;
-    change.tolerance = motion.tolerance;
+    const int parent = m_patch.document.model().nodes[size_t(motion.node)].parent;
+    change.tolerance = motion.tolerance / (parent >= 0 ? m_sizes[size_t(parent)] : 1.0);
     change.reach = motion.reach;
+    change.slack = motion.slack;
     for (const int node : motion.down)
         change.down.push_back(motionOf(clip, node));
     for (const int node : motion.up)
@@ -114,39 +117,43 @@ RyGltfMotionChange RyGltfClipRewriter::changeOf(const RyGltfClip &clip, const Ry
     return change;
 }
 
-/// Nodes that a clip drives, and those above and below them.
-std::vector<bool> RyGltfClipRewriter::findRelated(const RyGltfClip &clip) const
+bool RyGltfClipRewriter::isReadable(const RyGltfClip &clip, int node, RyGltfPath path) const
 {
-    std::vector<bool> isDriven(m_before.nodes.size(), false);
-    for (const RyGltfChannel &channel : clip.channels)
-        isDriven[size_t(channel.node)] = true;
-    std::vector<bool> isBelow = isDriven, isAbove = isDriven;
-    for (const int node : m_preOrder) {
-        const int parent = m_before.nodes[size_t(node)].parent;
-        if (parent >= 0 && isBelow[size_t(parent)])
-            isBelow[size_t(node)] = true;
-    }
-    for (auto node = m_preOrder.rbegin(); node != m_preOrder.rend(); ++node) {
-        const int parent = m_before.nodes[size_t(*node)].parent;
-        if (parent >= 0 && isAbove[size_t(*node)])
-            isAbove[size_t(parent)] = true;
-    }
-    for (size_t node = 0; node < isBelow.size(); ++node)
-        isBelow[node] = isBelow[node] || isAbove[node];
-    return isBelow;
+    const RyGltfChannel *channel = clip.find(node, path);
+    return !clip.unreadable.count({node, path}) && (!channel || m_clips.curve(channel->sampler, path));
 }
 
-bool RyGltfClipRewriter::canRead(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const
+/// Where the parent's frame alone is another, each property of a node follows from itself; otherwise all of them, of
+/// all nodes that enter, must be known.
+bool RyGltfClipRewriter::canRewrite(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const
 {
-    const auto isReadable = [&](int node) {
-        return !std::binary_search(clip.unreadable.begin(), clip.unreadable.end(), node) &&
-               std::all_of(ryGltfPaths.begin(), ryGltfPaths.end(), [&](RyGltfPath path) {
-                   const RyGltfChannel *channel = clip.find(node, path);
-                   return !channel || m_clips.curve(channel->sampler, path);
-               });
+    const auto isWhole = [&](int node) {
+        return std::all_of(ryGltfPaths.begin(), ryGltfPaths.end(),
+                           [&](RyGltfPath path) { return isReadable(clip, node, path); });
     };
-    return isReadable(motion.source) && std::all_of(motion.down.begin(), motion.down.end(), isReadable) &&
-           std::all_of(motion.up.begin(), motion.up.end(), isReadable);
+    const bool isOfParent = motion.before.matrix().isIdentity(0.0) && motion.node == motion.source;
+    return (isOfParent || isWhole(motion.source)) && std::all_of(motion.down.begin(), motion.down.end(), isWhole) &&
+           std::all_of(motion.up.begin(), motion.up.end(), isWhole) &&
+           (isWhole(motion.source) || (motion.down.empty() && motion.up.empty()));
+}
+
+/// How large the space of each node of the document is at most while a clip plays.
+std::vector<double> RyGltfClipRewriter::sizesIn(const RyGltfClip &clip) const
+{
+    const RyGltfModel &model = m_patch.document.model();
+    std::vector<double> sizes(model.nodes.size(), 1.0);
+    for (const int node : m_orderNow) {
+        double own = std::cbrt(std::abs(model.nodes[size_t(node)].transform.toAffine().determinant()));
+        const RyGltfChannel *channel = clip.find(node, RyGltfPath::Scale);
+        const auto curve = channel ? m_clips.curve(channel->sampler, RyGltfPath::Scale) : nullptr;
+        for (size_t key = 0; curve && key < curve->keyCount(); ++key) {
+            const double largest = Eigen::Map<const Eigen::Vector3d>(curve->key(key)).cwiseAbs().maxCoeff();
+            own = key == 0 ? largest : std::max(own, largest);
+        }
+        const int parent = model.nodes[size_t(node)].parent;
+        sizes[size_t(node)] = std::max(1e-12, own * (parent >= 0 ? sizes[size_t(parent)] : 1.0));
+    }
+    return sizes;
 }
 
 void RyGltfClipRewriter::rewriteClip(size_t index)
@@ -154,11 +161,17 @@ void RyGltfClipRewriter::rewriteClip(size_t index)
     const RyGltfClip &clip = m_clips.clips()[index];
     if (clip.channels.empty() && clip.unreadable.empty())
         return;
-    const std::vector<bool> isRelated = findRelated(clip);
+    std::vector<bool> isDriven(m_before.nodes.size(), false);
+    for (const RyGltfChannel &channel : clip.channels)
+        isDriven[size_t(channel.node)] = true;
+    const std::vector<bool> isRelated = ryGltfRelatedNodes(m_before, isDriven);
+    m_sizes = sizesIn(clip);
     bool isRead = true;
     double worst = 0.0;
     for (const RyGltfNodeMotion &motion : m_motions) {
-        if (!canRead(clip, motion))
+        isRead = isRead && std::all_of(ryGltfPaths.begin(), ryGltfPaths.end(),
+                                       [&](RyGltfPath path) { return isReadable(clip, motion.source, path); });
+        if (!canRewrite(clip, motion))
             isRead = false;
         else
             worst = std::max(worst, rewriteNode(index, motion, isRelated[size_t(motion.source)]));
@@ -200,17 +213,24 @@ double RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &mot
     if (std::isinf(missed) && change.isConstant())
         return missed;
     // A node that nothing drives holds what a matrix holds.
-    return addKeys(index, motion, result) ? missed / std::max(1e-300, motion.height) : 0.0;
+    const double heights = missed / std::max(1e-300, change.tolerance) * motion.tolerance / motion.height;
+    return addKeys(index, motion, result, change.tolerance) ? heights : 0.0;
 }
 
 /// Whether anything drives the node now.
-bool RyGltfClipRewriter::addKeys(size_t index, const RyGltfNodeMotion &motion, const RyGltfMotion &result)
+bool RyGltfClipRewriter::addKeys(size_t index, const RyGltfNodeMotion &motion, const RyGltfMotion &result,
+                                 double tolerance)
 {
     const RyGltfClip &clip = m_clips.clips()[index];
     RyGltfTransform transform = m_patch.document.model().nodes[size_t(motion.node)].transform;
     const RyGltfParts still = RyGltfParts::of(transform);
-    const double slack = 0.1 * motion.tolerance;
+    const double slack = 0.1 * tolerance;
     const Eigen::Vector4d turn = result.rest.rotation.coeffs(), turnNow = still.rotation.coeffs();
+    if (transform.hasMatrix &&
+        ryGltfDistance(still.map(), ryGltfColumns(transform.toAffine()), motion.reach) > tolerance) {
+        m_heldByMatrix.insert(motion.node); // it holds more than keys could
+        return false;
+    }
     const bool isOff[3] = {(result.rest.translation - still.translation).norm() > slack,
                            std::min((turn - turnNow).norm(), (turn + turnNow).norm()) * motion.reach > slack,
                            (result.rest.scale - still.scale).norm() * motion.reach > slack};
@@ -228,7 +248,7 @@ bool RyGltfClipRewriter::addKeys(size_t index, const RyGltfNodeMotion &motion, c
             key->values.assign(numbers[i], numbers[i] + key->components);
             curve = key;
         }
-        if (!curve)
+        if (!curve || !isReadable(clip, motion.source, path))
             continue;
         isWritten = true;
         if (channel && curve == m_clips.curve(channel->sampler, path))
@@ -260,12 +280,17 @@ void RyGltfClipRewriter::report() const
     m_patch.sayOf(QStringLiteral("Clips with channels that cannot be followed (damaged, or through an extension) keep "
                                  "them as they were, for edited joints too: %1"),
                   m_unreadable);
-    m_patch.sayOf(QStringLiteral("Clips need shear that no animation can hold, since joints hang elsewhere, and put "
-                                 "vertices off by up to this share of the height: %1"),
+    m_patch.sayOf(QStringLiteral("Clips need shear that no animation can hold, and put vertices off by up to this "
+                                 "share of the height: %1"),
                   m_sheared);
     m_patch.sayOf(QStringLiteral("Vertices that followed deleted bones move with others in clips, by up to this share "
                                  "of the height elsewhere: %1"),
                   m_following);
+    QStringList matrices;
+    for (const int node : m_heldByMatrix)
+        matrices.append(m_patch.document.model().nodes[size_t(node)].name);
+    m_patch.sayOf(QStringLiteral("Clips cannot hold joints in their places that are sheared in the file: %1"),
+                  matrices);
     m_patch.sayOf(QStringLiteral("Clips scale joints to nothing or beyond all numbers; what hangs on these, and did "
                                  "not before, cannot be held "
                                  "in its place: %1"),

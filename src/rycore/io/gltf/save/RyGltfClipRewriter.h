@@ -25,9 +25,10 @@ private:
     RyGltfMotionChange changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
     void findBases();
     RyGltfParts baseOf(int node, const RyGltfNodeMotion *motion) const;
-    std::vector<bool> findRelated(const RyGltfClip &clip) const;
-    bool canRead(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
-    bool addKeys(size_t clip, const RyGltfNodeMotion &motion, const RyGltfMotion &result);
+    bool isReadable(const RyGltfClip &clip, int node, RyGltfPath path) const;
+    bool canRewrite(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
+    std::vector<double> sizesIn(const RyGltfClip &clip) const;
+    bool addKeys(size_t clip, const RyGltfNodeMotion &motion, const RyGltfMotion &result, double tolerance);
     float startOf(const RyGltfClip &clip) const;
     void measureDeleted(const RyGltfClip &clip);
     void report() const;
@@ -38,7 +39,9 @@ private:
     const RyGltfModel &m_before;
     std::vector<RyGltfNodeMotion> m_motions;
     std::map<int, RyGltfParts> m_bases; // of nodes whose pose was edited: what clips play on where they drive nothing
-    std::vector<int> m_preOrder;        // of the file
+    std::vector<int> m_orderNow;        // of the document
+    std::vector<double> m_sizes;        // of nodes' spaces in the clip that is rewritten
+    std::set<int> m_heldByMatrix;       // nodes that should have got keys
     std::vector<RyGltfClipChange> m_changes;
     RyGltfDeletedBones m_deleted;
     QStringList m_unreadable, m_vanishing; // names of clips

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/clips/RyGltfParts.h"
 #include "rycore/io/gltf/clips/RyGltfScaleSpread.h"
+#include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
@@ -15,6 +16,7 @@ RyGltfFrameChanges::RyGltfFrameChanges(RyGltfScenePatch &patch, const RyGltfClip
         for (const RyGltfChannel &channel : clip.channels)
             m_isDriven[size_t(channel.node)] = true;
     }
+    m_isRelated = ryGltfRelatedNodes(patch.source.document->model(), m_isDriven);
 }
 
 void RyGltfFrameChanges::apply()
@@ -78,12 +80,13 @@ void RyGltfFrameChanges::compareRest(int index, Edit &edit)
 bool RyGltfFrameChanges::mustKeepRotation(int index, const Edit &edit)
 {
     const double reach = m_reach.of(*edit.node);
-    const double slack = 2e-6 * m_reach.heightOf(*edit.node) / std::max(1e-12, reach);
+    const double slack = ryGltfShearSlack(reach, m_reach.heightOf(*edit.node));
     const std::vector<int> &children = m_patch.source.document->model().nodes[size_t(index)].children;
     const auto isDriven = [this](int node) { return bool(m_isDriven[size_t(node)]); };
     if ((isDriven(index) || std::any_of(children.begin(), children.end(), isDriven)) && isStretched(edit, slack))
         return true;
-    if (!isDriven(index))
+    // Clips that move it otherwise say where a posed bone stands as well.
+    if (!isDriven(index) && !(m_isRelated[size_t(index)] && !(edit.node->getLocalMap() == RyAffine())))
         return false;
     const RyAffine turn = RyAffine::fromRotation(edit.node->getOrientation()) *
                           (edit.source->stretch.inverse() * edit.source->bind).inverse();

@@ -32,8 +32,9 @@ private:
     RyGltfScenePatch &m_patch;
     const RyGltfClips &m_clips;
     RyGltfReach m_reach;
-    std::vector<bool> m_isDriven; // by node of the file, by any clip
-    QStringList m_keepRotation;   // names of bones
+    std::vector<bool> m_isDriven;  // by node of the file, by any clip
+    std::vector<bool> m_isRelated; // likewise, or above or below such
+    QStringList m_keepRotation;    // names of bones
 };
 
 /// What is no bone stands where the scene has it in the world, although the file scales its parent with the figure.

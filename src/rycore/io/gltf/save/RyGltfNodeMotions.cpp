@@ -182,8 +182,8 @@ int RyGltfNodeMotions::giverOf(const RyNode &bone) const
 
 void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
 {
-    // Of the figure's height, over a whole limb, along which what may be off adds up: numbers that are rounded to floats
-    // leave it below a hundred thousandth.
+    // Of the figure's height, over a whole limb, along which what may be off adds up: numbers that are rounded to
+    // floats leave it below a hundred thousandth.
     constexpr double share = 8e-6;
     const std::vector<int> order = ryGltfPreOrder(m_now);
     const std::vector<RyAffine> worlds = ryGltfWorldMaps(m_now, order);
@@ -207,14 +207,15 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
     for (RyGltfNodeMotion &motion : motions) {
         const RyNode *node = shown[size_t(motion.node)];
         const RyNode *figure = node ? node->getSkeleton() : nullptr;
-        // Centimetres of the figure in units of the world of the file.
-        const double toWorld = (figure ? sizeOf(figure->worldMap()) : 1.0) / m_patch.source.unit;
-        const double height = figure ? m_reach.heightOf(*figure) : 100.0;
-        const int parent = m_now.nodes[size_t(motion.node)].parent;
-        const double parentSize = parent >= 0 ? sizeOf(worlds[size_t(parent)]) : 1.0;
-        motion.height = height * toWorld / std::max(1e-12, parentSize);
+        const double height = figure ? m_reach.heightOf(*figure) : 100.0; // centimetres
+        const double reach = node && figure ? m_reach.of(*node) : height;
+        motion.height = height * (figure ? sizeOf(figure->worldMap()) : 1.0) / m_patch.source.unit;
         motion.tolerance = share * motion.height / std::max(1, depth[size_t(motion.node)]);
-        motion.reach = (node && figure ? m_reach.of(*node) : height) * toWorld /
-                       std::max(1e-12, sizeOf(worlds[size_t(motion.node)]));
+        const auto edit = m_patch.edits.find(motion.node);
+        const bool isBone = edit != m_patch.edits.end() && qobject_cast<const RyBone *>(edit->second.node);
+        const double size =
+            isBone ? sizeOf(edit->second.bind) : sizeOf(worlds[size_t(motion.node)]) * m_patch.source.unit;
+        motion.reach = reach / std::max(1e-12, size);
+        motion.slack = std::max(1e-7, ryGltfShearSlack(reach, height));
     }
 }

@@ -16,9 +16,10 @@ struct RyGltfNodeMotion
     Eigen::Affine3d between = Eigen::Affine3d::Identity();
     std::vector<int> up; ///< likewise from the new parent
     Eigen::Affine3d after = Eigen::Affine3d::Identity();
-    double height = 0.0;    ///< of the figure, in units of the new parent
+    double height = 0.0;    ///< of the figure, in units of the world of the file
     double tolerance = 0.0; ///< likewise
     double reach = 0.0;     ///< in units of the node
+    double slack = 1e-7;    ///< shear that nobody sees, of the size
 
     /// Whether the new origin runs on another path than the old one.
     bool isOffPath() const { return !before.translation().isZero(0.0) || !down.empty() || !up.empty(); }

@@ -13,6 +13,11 @@
 #include <algorithm>
 #include <cmath>
 
+double ryGltfShearSlack(double reach, double height)
+{
+    return 2e-6 * height / std::max(1e-12, reach);
+}
+
 double RyGltfReach::of(const RyNode &node)
 {
     const double height = heightOf(node);
@@ -83,8 +88,11 @@ void RyGltfReach::measure(const RyNode &figure)
             continue;
         double &reach = m_reach[bone];
         const RyGltfBindingWeights weights(*binding);
-        for (const int vertex : weights.vertices)
+        for (const int vertex : weights.vertices) {
+            if (vertex >= mesh->getNumVertices())
+                break; // maps of scripts may be longer than the mesh
             reach = std::max(reach, double((mesh->getPositions()[size_t(vertex)] - bone->getOrigin()).length()));
+        }
     }
     // Below come before above in the reverse of the figure's order.
     for (auto bone = bones.rbegin(); bone != bones.rend(); ++bone) {

@@ -21,3 +21,6 @@ private:
     std::map<const RyNode *, double> m_reach;   // of bones
     std::map<const RyNode *, double> m_heights; // of figures
 };
+
+/// How much shear nobody sees, of the size of what is sheared, where it reaches so far in a figure so high.
+double ryGltfShearSlack(double reach, double height);
