@@ -1,4 +1,4 @@
-#include "ClipEdits.h"
+#include "ClipSessions.h"
 #include "ClipSketch.h"
 
 #include "rycore/io/RySceneFile.h"
@@ -55,6 +55,26 @@ private slots:
         const QStringList messages = save(character);
         QVERIFY2(messages.filter(QStringLiteral("hides")).size() == 1, qPrintable(messages.join(QLatin1Char('\n'))));
         holdsFiniteNumbers();
+        const QByteArray first = bytesOf(m_saved);
+        save(character);
+        QVERIFY(bytesOf(m_saved) == first);
+    }
+
+    /// The same where the node itself stands so, and no clip says otherwise.
+    void vanishedParent()
+    {
+        m_sketch->drive(m_sketch->addClip("hidden"), ClipSketch::Spine, "rotation", "LINEAR");
+        m_sketch->drive(m_sketch->addClip("hidden hand"), ClipSketch::LeftHand, "rotation", "LINEAR");
+        m_sketch->drive(m_sketch->addClip("elsewhere"), ClipSketch::Empty, "rotation", "LINEAR");
+        m_sketch->node(ClipSketch::RightArm)["scale"] = {0, 0, 0};
+        CharacterScene character(write());
+        boneOf(character, ClipSketch::RightArm)->addNodeChild(boneOf(character, ClipSketch::LeftHand), true);
+        const QStringList messages = save(character).filter(QStringLiteral(": hidden, hidden hand"));
+        QCOMPARE(messages.size(), 1);
+        holdsFiniteNumbers();
+        QCOMPARE(changedChannel(character.file, GltfEvaluator(m_saved.toStdString())), QString());
+        for (const json &clip : GltfEvaluator(m_saved.toStdString()).tree()["animations"])
+            QCOMPARE(clip["channels"].size(), size_t(1));
         const QByteArray first = bytesOf(m_saved);
         save(character);
         QVERIFY(bytesOf(m_saved) == first);
