@@ -38,6 +38,24 @@ RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float t
     m_sine = std::sin(m_angle);
 }
 
+bool RyGltfCurvePiece::standsStill() const
+{
+    const double *key = m_curve.key(m_key);
+    return m_isFlat ||
+           (m_curve.kind == RyGltfCurve::Linear && std::equal(key, key + m_curve.components, m_curve.key(m_key + 1)));
+}
+
+std::optional<Eigen::Vector3d> RyGltfCurvePiece::angularVelocity() const
+{
+    if (standsStill())
+        return Eigen::Vector3d(Eigen::Vector3d::Zero());
+    const Eigen::Quaterniond a(m_curve.key(m_key)), b(m_curve.key(m_key + 1));
+    if (m_curve.kind != RyGltfCurve::Linear || !(m_sine > 1e-9) || !(m_sizes[0] * m_sizes[1] > 1e-12))
+        return std::nullopt;
+    const Eigen::Vector3d axis = (a.conjugate() * b).vec() * m_sign;
+    return Eigen::Vector3d(axis.normalized() * (2.0 * m_angle / m_span));
+}
+
 std::array<double, 4> RyGltfCurvePiece::at(double time) const
 {
     std::array<double, 4> result{};

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 /// One property of a node over the time, as a sampler of the file says it: numbers of the file in double precision.
@@ -37,6 +38,13 @@ public:
 
     Eigen::Vector3d vector(double time) const;
     Eigen::Quaterniond rotation(double time) const;
+
+    bool standsStill() const;
+    /// Of the key at its beginning.
+    Eigen::Vector3d start() const { return Eigen::Vector3d(m_curve.key(m_key)); }
+    /// Of a rotation, about an axis in the turned frame, in radians per second; none for a cubic spline, which has no
+    /// single one.
+    std::optional<Eigen::Vector3d> angularVelocity() const;
 
 private:
     std::array<double, 4> at(double time) const;

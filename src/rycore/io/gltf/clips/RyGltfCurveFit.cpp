@@ -30,12 +30,14 @@ void RyGltfCurveFit::append(const Eigen::Vector3d &numbers)
     m_curve->values.insert(m_curve->values.end(), numbers.data(), numbers.data() + 3);
 }
 
-void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place)
+void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, const Rise &rise)
 {
+    const auto excess = [&](float from, float to) {
+        return (rise ? rise(from, to) : missOf(place, from, to)) / (RyGltfKeyTimes::TakingShare * m_tolerance);
+    };
     std::vector<float> times{span.from};
     if (m_curve->kind != RyGltfCurve::Step && span.to > span.from)
-        RyGltfKeyTimes::refine(
-            span.from, span.to, [&](float from, float to) { return excess(place, from, to); }, times, m_room);
+        RyGltfKeyTimes::refine(span.from, span.to, excess, times, m_room);
     if (span.endsInStep)
         times.push_back(span.to);
     for (size_t i = 0; i < times.size(); ++i) {
@@ -54,15 +56,15 @@ void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place)
     m_isBehindStep = span.to != span.next;
 }
 
-/// How far the curve is off in units of the tolerance.
-double RyGltfCurveFit::excess(const Place &place, float from, float to) const
+/// How far the curve is off between two keys, as far as some places tell.
+double RyGltfCurveFit::missOf(const Place &place, float from, float to) const
 {
     double worst = 0.0;
     for (const double share : {0.25, 0.5, 0.75}) {
         const double time = double(from) + share * (double(to) - double(from));
         worst = std::max(worst, (place(time) - between(place, from, to, share)).norm());
     }
-    return worst / (RyGltfKeyTimes::TakingShare * m_tolerance);
+    return worst;
 }
 
 std::shared_ptr<const RyGltfCurve> RyGltfCurveFit::take()

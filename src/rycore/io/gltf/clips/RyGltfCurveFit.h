@@ -11,12 +11,14 @@ public:
 
     /// Where the curve has to be at a time of a span; it must be smooth there.
     using Place = std::function<Eigen::Vector3d(double time)>;
+    /// How far the curve is from the line between two times, at most, where that is known without looking.
+    using Rise = std::function<double(float from, float to)>;
     /// The next span.
-    void add(const RyGltfKeyTimes::Span &span, const Place &place);
+    void add(const RyGltfKeyTimes::Span &span, const Place &place, const Rise &rise = {});
     std::shared_ptr<const RyGltfCurve> take();
 
 private:
-    double excess(const Place &place, float from, float to) const;
+    double missOf(const Place &place, float from, float to) const;
     Eigen::Vector3d between(const Place &place, float from, float to, double share) const;
     void append(const Eigen::Vector3d &numbers);
     void thin();

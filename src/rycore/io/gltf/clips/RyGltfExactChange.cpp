@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/clips/RyGltfExactChange.h"
 
+#include "rycore/io/gltf/clips/RyGltfArc.h"
 #include "rycore/io/gltf/clips/RyGltfCurveFit.h"
 #include "rycore/io/gltf/clips/RyGltfScaleSpread.h"
 
@@ -184,14 +185,19 @@ RyGltfExactChange::Curve RyGltfExactChange::fitted(const RyGltfMotion &motion) c
     keys.add(motion);
     const RyGltfCurve *before = motion.curve(RyGltfPath::Translation);
     const bool wasCubic = before && before->kind == RyGltfCurve::Cubic;
+    const RyGltfCurve::Kind kind = keys.isStepped() ? RyGltfCurve::Step
+                                   : wasCubic       ? RyGltfCurve::Cubic
+                                                    : RyGltfCurve::Linear;
     const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
-    RyGltfCurveFit fit(keys.isStepped() ? RyGltfCurve::Step
-                       : wasCubic       ? RyGltfCurve::Cubic
-                                        : RyGltfCurve::Linear,
-                       m_tolerance, spans.size());
+    RyGltfCurveFit fit(kind, m_tolerance, spans.size());
     for (const RyGltfKeyTimes::Span &span : spans) {
         const RyGltfMotionPiece piece(motion, span.from, span.next);
-        fit.add(span, [this, &piece](double time) { return place(piece, time); });
+        const auto arc = kind == RyGltfCurve::Linear ? RyGltfArc::find(piece, m_shift, m_after.linear()) : std::nullopt;
+        RyGltfCurveFit::Rise rise;
+        if (arc)
+            rise = [&arc](float from, float to) { return arc->rise(double(to) - double(from)); };
+        fit.add(
+            span, [this, &piece](double time) { return place(piece, time); }, rise);
     }
     return fit.take();
 }

@@ -30,3 +30,17 @@ Eigen::Affine3d RyGltfMotionPiece::map(double time) const
 {
     return m_motion.matrix ? *m_motion.matrix : parts(time).map();
 }
+
+std::optional<Eigen::Vector3d> RyGltfMotionPiece::angularVelocity() const
+{
+    const auto &piece = m_pieces[size_t(RyGltfPath::Rotation)];
+    return piece ? piece->angularVelocity() : Eigen::Vector3d(Eigen::Vector3d::Zero());
+}
+
+std::optional<Eigen::Vector3d> RyGltfMotionPiece::steadyScale() const
+{
+    const auto &piece = m_pieces[size_t(RyGltfPath::Scale)];
+    if (!piece)
+        return m_motion.rest.scale;
+    return piece->standsStill() ? std::optional(piece->start()) : std::nullopt;
+}

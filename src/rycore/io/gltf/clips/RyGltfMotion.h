@@ -29,6 +29,11 @@ public:
     RyGltfParts parts(double time) const { return {translation(time), rotation(time), scale(time)}; }
     Eigen::Affine3d map(double time) const;
 
+    /// See RyGltfCurvePiece; zero where nothing drives the rotation.
+    std::optional<Eigen::Vector3d> angularVelocity() const;
+    /// None where the scale changes.
+    std::optional<Eigen::Vector3d> steadyScale() const;
+
 private:
     const RyGltfMotion &m_motion;
     std::array<std::optional<RyGltfCurvePiece>, 3> m_pieces;
