@@ -59,10 +59,15 @@ void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, c
 /// How far the curve is off between two keys, as far as some places tell.
 double RyGltfCurveFit::missOf(const Place &place, float from, float to) const
 {
+    Stretch stretch{double(to) - double(from), place(double(from)), place(double(to)), {}, {}};
+    if (m_curve->kind == RyGltfCurve::Cubic) {
+        stretch.leaving = velocity(place, from, to, false);
+        stretch.arriving = velocity(place, from, to, true);
+    }
     double worst = 0.0;
     for (const double share : {0.25, 0.5, 0.75}) {
         const double time = double(from) + share * (double(to) - double(from));
-        worst = std::max(worst, (place(time) - between(place, from, to, share)).norm());
+        worst = std::max(worst, (place(time) - between(stretch, share)).norm());
     }
     return worst;
 }
@@ -91,12 +96,12 @@ void RyGltfCurveFit::thin()
     *m_curve = std::move(result);
 }
 
-Eigen::Vector3d RyGltfCurveFit::between(const Place &place, float from, float to, double share) const
+Eigen::Vector3d RyGltfCurveFit::between(const Stretch &stretch, double share) const
 {
-    const Eigen::Vector3d a = place(double(from)), b = place(double(to));
+    const auto &[span, a, b, leaving, arriving] = stretch;
     if (m_curve->kind != RyGltfCurve::Cubic)
         return a + share * (b - a);
-    const double span = double(to) - double(from), u = share, u2 = u * u, u3 = u2 * u;
-    return (2 * u3 - 3 * u2 + 1) * a + span * (u3 - 2 * u2 + u) * velocity(place, from, to, false) +
-           (3 * u2 - 2 * u3) * b + span * (u3 - u2) * velocity(place, from, to, true);
+    const double u = share, u2 = u * u, u3 = u2 * u;
+    return (2 * u3 - 3 * u2 + 1) * a + span * (u3 - 2 * u2 + u) * leaving + (3 * u2 - 2 * u3) * b +
+           span * (u3 - u2) * arriving;
 }

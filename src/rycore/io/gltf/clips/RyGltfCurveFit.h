@@ -19,7 +19,13 @@ public:
 
 private:
     double missOf(const Place &place, float from, float to) const;
-    Eigen::Vector3d between(const Place &place, float from, float to, double share) const;
+    struct Stretch // between two keys
+    {
+        double span = 0.0;
+        Eigen::Vector3d from, to;
+        Eigen::Vector3d leaving, arriving; // of a cubic spline
+    };
+    Eigen::Vector3d between(const Stretch &stretch, double share) const;
     void append(const Eigen::Vector3d &numbers);
     void thin();
 
