@@ -1,26 +1,20 @@
+#include "ClipEdits.h"
 #include "ClipSessions.h"
-#include "ClipSketch.h"
+#include "SketchTest.h"
 
-#include "rycore/io/RySceneFile.h"
-#include "rycore/scene/RyBone.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyTest.h"
-#include "support/RyValidator.h"
-
-#include <QTemporaryDir>
 
 using nlohmann::json;
 
-/// What stays as it was in clips when joints are edited: channels of others, times, kinds, sharing, names, what cannot
-/// be understood.
-class KeptChannelsTest : public QObject
+/// What stays as it was in clips when joints are edited: channels of others, times, kinds, sharing, names.
+class KeptChannelsTest : public SketchTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { m_random.seed(ryTestSeed()); }
-    void init() { m_sketch = std::make_unique<ClipSketch>(m_random); }
+    void init() { begin(); }
     void cleanup() { ryUndoStack()->clearAll(); }
 
     /// Channels of the other arm, and whole clips of it, say what they said.
@@ -147,75 +141,6 @@ private slots:
         }
     }
 
-    /// A channel that an extension aims stays; where it drives an edited joint, a message names its clip.
-    void pointers()
-    {
-        m_sketch->bind();
-        m_sketch->driveAll(m_sketch->addClip("plain"), "LINEAR");
-        const size_t clip = m_sketch->addClip("pointed");
-        m_sketch->drive(clip, ClipSketch::LeftArm, "rotation", "LINEAR");
-        m_sketch->drive(clip, ClipSketch::RightArm, "rotation", "LINEAR");
-        json &target = m_sketch->tree["animations"][clip]["channels"][0]["target"];
-        target = {{"path", "pointer"},
-                  {"extensions",
-                   {{"KHR_animation_pointer",
-                     {{"pointer", "/nodes/" + std::to_string(ClipSketch::LeftArm) + "/rotation"}}}}}};
-        m_sketch->tree["extensionsUsed"] = {"KHR_animation_pointer"};
-        const json old = m_sketch->tree["animations"][clip];
-        for (const int edited : {ClipSketch::LeftArm, ClipSketch::RightHand}) {
-            open();
-            editBoth(edited);
-            const GltfEvaluator after(save());
-            QCOMPARE(after.tree()["animations"][clip]["channels"][0]["target"], old["channels"][0]["target"]);
-            const json &sampler = samplerOf(after, clip, 0);
-            QVERIFY(after.accessorBytes(sampler["output"]) ==
-                    m_character->file.accessorBytes(samplerOf(m_character->file, clip, 0)["output"]));
-            const QStringList naming = m_messages.filter(QStringLiteral("pointed"));
-            QVERIFY2(naming.size() == int(edited == ClipSketch::LeftArm),
-                     qPrintable(m_messages.join(QLatin1Char('\n'))));
-            QVERIFY(naming.filter(QStringLiteral("plain")).isEmpty());
-            showsTheSame(after, {});
-        }
-    }
-
-    /// A channel that makes no sense stays as it is, and its clip is named.
-    void damagedChannels_data()
-    {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<float>("time");
-        QTest::newRow("repeated") << 3 << 0.5f;
-        QTest::newRow("falling") << 3 << 0.25f;
-        QTest::newRow("no number") << 2 << std::nanf("");
-        QTest::newRow("endless") << 4 << std::numeric_limits<float>::infinity();
-    }
-    void damagedChannels()
-    {
-        QFETCH(int, key);
-        QFETCH(float, time);
-        m_sketch->bind();
-        m_sketch->driveAll(m_sketch->addClip("whole"), "LINEAR");
-        const size_t clip = m_sketch->addClip("broken");
-        const int times = m_sketch->addTimes({0.0f, 0.25f, 0.5f, 0.75f, 1.0f});
-        m_sketch->set(times, size_t(key), time);
-        const int values =
-            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 5));
-        m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, values, "LINEAR"), ClipSketch::LeftArm,
-                             "rotation");
-        m_sketch->drive(clip, ClipSketch::RightArm, "rotation", "LINEAR");
-        open();
-        editBoth(ClipSketch::LeftArm);
-        const GltfEvaluator after(save());
-        const json &sampler = samplerOf(after, clip, 0);
-        QVERIFY(after.accessorBytes(sampler["input"]) == m_character->file.accessorBytes(times));
-        QVERIFY(after.accessorBytes(sampler["output"]) == m_character->file.accessorBytes(values));
-        QCOMPARE(sampler["interpolation"], json("LINEAR"));
-        const QStringList naming = m_messages.filter(QStringLiteral("broken"));
-        QVERIFY2(naming.size() == 1 && !naming[0].contains(QStringLiteral("whole")),
-                 qPrintable(m_messages.join(QLatin1Char('\n'))));
-        showsTheSame(after, {int(clip)});
-        CharacterScene again(m_saved);
-    }
-
     /// The channels of a deleted bone go; a clip with no others goes as a whole and is named, unless what hung on the
     /// bone has to do its motion.
     void deletedBone_data()
@@ -274,60 +199,6 @@ private slots:
         save();
         QVERIFY(bytesOf(m_saved) == edited);
     }
-
-private:
-    QString path() const { return m_folder.filePath(QStringLiteral("sketch.gltf")); }
-    void open() { m_character = std::make_unique<CharacterScene>(m_sketch->write(path())); }
-    std::string save()
-    {
-        m_saved = m_folder.filePath(QStringLiteral("saved.gltf"));
-        m_messages.clear();
-        QString error;
-        if (!RySceneFile::save(&m_character->scene, m_saved, &error, &m_messages))
-            throw std::runtime_error(error.toStdString());
-        return m_saved.toStdString();
-    }
-    RyBone *boneOf(int node) const
-    {
-        for (RyBone *bone : m_character->bones()) {
-            if (m_character->nodeOf(bone) == node)
-                return bone;
-        }
-        throw std::runtime_error("no such bone");
-    }
-    void editBoth(int node)
-    {
-        ClipEdits::moveOrigins({boneOf(node)}, 6.0, m_random);
-        ClipEdits::turnAtRandom({boneOf(node)}, m_random);
-    }
-    static const json &samplerOf(const GltfEvaluator &file, size_t clip, size_t channel)
-    {
-        const json &animation = file.tree()["animations"][clip];
-        return animation["samplers"][animation["channels"][channel]["sampler"].get<size_t>()];
-    }
-    void showsTheSame(const GltfEvaluator &after, const std::set<int> &otherClips) const
-    {
-        ClipChoice choice;
-        choice.frames = 300;
-        choice.otherClips = otherClips;
-        choice.steadyNodes = nodesBesideBones(*m_character);
-        const ClipDifference difference = largestClipDifference(m_character->file, after, choice);
-        QVERIFY2(difference.distance <= ClipSessions::Tolerance, qPrintable(difference.text()));
-    }
-    void isValid() const
-    {
-        const RyValidation before = ryValidate(path());
-        const RyValidation after = ryValidate(m_saved);
-        if (before.available)
-            QVERIFY2(after.errors <= before.errors, qPrintable(after.report));
-    }
-
-    QTemporaryDir m_folder;
-    std::mt19937 m_random;
-    std::unique_ptr<ClipSketch> m_sketch;
-    std::unique_ptr<CharacterScene> m_character;
-    QString m_saved;
-    QStringList m_messages;
 };
 
 RY_TEST(KeptChannelsTest)
