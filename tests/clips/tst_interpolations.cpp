@@ -114,6 +114,22 @@ private slots:
         check(sketch, OfTheRest);
     }
 
+    /// Splines that leave a value and come back to it: between two equal keys only tangents turn and scale.
+    void loops()
+    {
+        ClipSketch sketch = bound();
+        for (const std::string path : {"rotation", "scale"}) {
+            const size_t clip = sketch.addClip(path);
+            std::vector<float> values = sketch.someValues(ClipSketch::LeftArm, path, "CUBICSPLINE", 1);
+            const std::vector<float> again = values;
+            values.insert(values.end(), again.begin(), again.end());
+            const int output = sketch.addValues(path, values);
+            const size_t sampler = sketch.addSampler(clip, sketch.addTimes({0.25f, 1.75f}), output, "CUBICSPLINE");
+            sketch.addChannel(clip, sampler, ClipSketch::LeftArm, path);
+        }
+        check(sketch, {"origins", "origins and orientations"});
+    }
+
     /// Samplers of two channels, accessors of two samplers, of two clips, and of node values that are no clip's.
     void sharedNumbers()
     {

@@ -4,6 +4,7 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
@@ -13,6 +14,8 @@
 #include "support/RyTest.h"
 
 #include <QTemporaryDir>
+
+#include <algorithm>
 
 /// Clips that are left as they are on request, and weights that are more than full.
 class SaveOptionsTest : public QObject
@@ -72,17 +75,8 @@ private slots:
     {
         CharacterScene character(sketch());
         RySkeleton *figure = character.scene.getSkeletons()[0];
-        for (const bool isBeside : {true, false}) {
-            RyBone *arm = figure->findBone(QStringLiteral("left arm"));
-            auto *copy = new RyBone;
-            copy->setName(figure->getUniqueBoneName(arm->getName()));
-            copy->setOrigin(arm->getOrigin() * 0.6f + arm->getEndPoint() * 0.4f, true);
-            copy->setEndPoint(arm->getEndPoint(), true);
-            copy->setOrientation(arm->getOrientation(), true);
-            character.scene.addNode(copy);
-            (isBeside ? arm->getNodeParent() : arm)->addNodeChild(copy);
-            copyWeights(copy, arm);
-        }
+        for (const bool isBeside : {true, false})
+            addCopy(character, figure->findBone(QStringLiteral("left arm")), isBeside);
         QString error;
         QStringList messages;
         QVERIFY2(RySceneFile::save(&character.scene, saved(), &error, &messages), qPrintable(error));
@@ -114,7 +108,88 @@ private slots:
                  qPrintable(QStringLiteral("%1 %, %2").arg(told).arg(seen.text())));
     }
 
+    /// Two bones of equal weights move a vertex by what both of them have, as long as that is no more than full.
+    void equalWeights()
+    {
+        CharacterScene character(sketch());
+        RyBone *arm = character.scene.getSkeletons()[0]->findBone(QStringLiteral("left arm"));
+        RyBone *copy = addCopy(character, arm, true);
+        const RySkinBinding *skin = RySkinBinding::findSkinFromNode(arm);
+        for (RyBone *bone : {arm, copy}) {
+            RyWeightMap *map = skin->findBoneBinding(bone)->getWeights();
+            map->beginEdit();
+            for (int i = 0; i < map->getNumWeights(); ++i)
+                map->getWeights()[i] = quint16(map->getWeights()[i] / 2);
+            map->finishEdit();
+        }
+        // What halving lost.
+        RyWeightMap *rest = skin->findBoneBinding(arm->getNodeParent())->getWeights();
+        rest->beginEdit();
+        for (int i = 0; i < rest->getNumWeights(); ++i)
+            rest->getWeights()[i] = quint16(rest->getWeights()[i] + RyWeightMap::FullWeight - sumOfWeights(skin, i));
+        rest->finishEdit();
+        const RyGltfInfluences influences(skin, rest->getNumWeights());
+        int shared = 0;
+        for (int vertex = 0; vertex < rest->getNumWeights(); ++vertex) {
+            for (const RyGltfInfluences::Influence &influence : influences.of(vertex)) {
+                const RyNode *bone = influences.bones()[influence.bone];
+                QCOMPARE(int(influence.weight), weightOf(skin, bone, vertex));
+                shared += bone == copy;
+            }
+        }
+        QVERIFY(shared > 20);
+    }
+
+    /// A bone and its copies share to the last unit what it has: the weights of others stay what they were.
+    void sharedWeights()
+    {
+        CharacterScene character(sketch());
+        RyBone *arm = character.scene.getSkeletons()[0]->findBone(QStringLiteral("left arm"));
+        const RySkinBinding *skin = RySkinBinding::findSkinFromNode(arm);
+        const int count = skin->findBoneBinding(arm)->getWeights()->getNumWeights();
+        const std::vector<RyBone *> copies{arm, addCopy(character, arm, true), addCopy(character, arm, false)};
+        const RyGltfInfluences influences(skin, count);
+        int shared = 0;
+        for (int vertex = 0; vertex < count; ++vertex) {
+            int sum = 0;
+            for (const RyGltfInfluences::Influence &influence : influences.of(vertex)) {
+                const RyNode *bone = influences.bones()[influence.bone];
+                if (std::find(copies.begin(), copies.end(), bone) == copies.end())
+                    QCOMPARE(int(influence.weight), weightOf(skin, bone, vertex));
+                else
+                    sum += influence.weight;
+            }
+            QCOMPARE(sum, weightOf(skin, arm, vertex));
+            shared += sum > 0 && sum < RyWeightMap::FullWeight;
+        }
+        QVERIFY(shared > 20);
+    }
+
 private:
+    static int weightOf(const RySkinBinding *skin, const RyNode *bone, int vertex)
+    {
+        return skin->findBoneBinding(bone)->getWeights()->getWeights()[vertex];
+    }
+    static int sumOfWeights(const RySkinBinding *skin, int vertex)
+    {
+        int sum = 0;
+        for (const RyBoneBinding *binding : skin->bindings())
+            sum += binding->getWeights()->getWeights()[vertex];
+        return sum;
+    }
+    /// A bone with all weights of another one, beside or below it.
+    static RyBone *addCopy(CharacterScene &character, RyBone *bone, bool isBeside)
+    {
+        auto *copy = new RyBone;
+        copy->setName(bone->getSkeleton()->getUniqueBoneName(bone->getName()));
+        copy->setOrigin(bone->getOrigin() * 0.6f + bone->getEndPoint() * 0.4f, true);
+        copy->setEndPoint(bone->getEndPoint(), true);
+        copy->setOrientation(bone->getOrientation(), true);
+        character.scene.addNode(copy);
+        (isBeside ? bone->getNodeParent() : bone)->addNodeChild(copy);
+        copyWeights(copy, bone);
+        return copy;
+    }
     QString saved() const { return m_folder.filePath(QStringLiteral("saved.gltf")); }
     QString sketch()
     {

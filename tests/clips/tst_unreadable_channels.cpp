@@ -1,5 +1,7 @@
+#include "ClipSessions.h"
 #include "SketchTest.h"
 
+#include "rycore/scene/RyBone.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
 
@@ -84,6 +86,31 @@ private slots:
                  qPrintable(m_messages.join(QLatin1Char('\n'))));
         showsTheSame(after, {int(clip)});
         CharacterScene again(m_saved);
+    }
+
+    /// A joint that hangs elsewhere would have to follow a channel of its old or new parent that makes no sense.
+    void damagedParents_data()
+    {
+        QTest::addColumn<int>("damaged");
+        QTest::newRow("old parent") << int(ClipSketch::LeftArm);
+        QTest::newRow("new parent") << int(ClipSketch::RightArm);
+    }
+    void damagedParents()
+    {
+        QFETCH(int, damaged);
+        m_sketch->bind();
+        const size_t clip = m_sketch->addClip("broken");
+        m_sketch->drive(clip, ClipSketch::LeftHand, "rotation", "LINEAR");
+        m_sketch->drive(clip, ClipSketch::LeftHand, "translation", "LINEAR");
+        const int times = m_sketch->addTimes({0.0f, 0.5f, 0.5f});
+        const int values = m_sketch->addValues("rotation", m_sketch->someValues(damaged, "rotation", "LINEAR", 3));
+        m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, values, "LINEAR"), damaged, "rotation");
+        open();
+        QVERIFY(boneOf(ClipSketch::RightArm)->addNodeChild(boneOf(ClipSketch::LeftHand), true));
+        const GltfEvaluator after(save());
+        QCOMPARE(m_messages.filter(QStringLiteral("broken")).size(), 1);
+        QCOMPARE(changedChannel(m_character->file, after), QString());
+        QCOMPARE(after.tree()["animations"][0]["channels"].size(), size_t(3));
     }
 };
 
