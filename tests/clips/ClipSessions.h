@@ -5,6 +5,8 @@
 #include <QString>
 #include <QTemporaryDir>
 
+#include <array>
+
 /// One file that is opened, edited and saved several times in a row, each time from what was saved last.
 class ClipSessions
 {
@@ -16,16 +18,15 @@ public:
 
     /// After each session: no vertex of any frame stands elsewhere than in the file that the session opened, nodes that
     /// are no bones stand where they did, the scene comes back, a session without edits writes the same bytes, no
-    /// message speaks of clips but of removed channels. In the end: after
-    /// edits of all bones the file hardly grows any more. Empty when all of it holds.
+    /// message speaks of clips but of removed channels. Empty when all of it holds.
     QString check(const QString &path, const ClipEdits::Kind &kind, const ClipChoice &choice = {});
 
     /// One kind after the other, each from the same file; empty or the kind and what does not hold.
     QString checkAll(const QString &path, const std::vector<const char *> &kinds, const ClipChoice &choice = {});
 
-    int count = 3;        ///< of sessions; fewer see nothing of growth
-    double growth = 1.1;  ///< of the file from the second session to the third
-    bool mayTell = false; ///< messages may speak of clips
+    int count = 3;                 ///< of sessions
+    std::array<qint64, 3> sizes{}; ///< of the files of the last check
+    bool mayTell = false;          ///< messages may speak of clips
     bool isShown = true;  ///< false: the file's pose is sheared, which a scene shows and keeps as near as it can
     QStringList messages; ///< of the last save
     double worst = 0.0;   ///< distance of the last check, of the height

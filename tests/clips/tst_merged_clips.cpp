@@ -61,7 +61,6 @@ private slots:
         QVERIFY2(messages.filter(QStringLiteral("clip"), Qt::CaseInsensitive).isEmpty(),
                  qPrintable(messages.join(QLatin1Char('\n'))));
         ClipSessions sessions{m_random};
-        sessions.growth = 1.3; // the limb of the one moves all of the other
         QCOMPARE(sessions.check(hung, ClipEdits::named("origins and orientations"), all), QString());
     }
 

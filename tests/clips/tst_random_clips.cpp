@@ -34,7 +34,6 @@ private slots:
         ClipChoice choice;
         choice.frames = 120;
         ClipSessions sessions(m_random);
-        sessions.growth = 1.3; // few keys, far apart
         sessions.mayTell = isUneven;
         // Where bones that are posed are hung elsewhere, other controls hold the pose, and clips follow those; and
         // shear is no transform.

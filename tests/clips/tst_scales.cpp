@@ -223,7 +223,6 @@ private:
         ClipChoice choice;
         choice.frames = 150;
         ClipSessions sessions(m_random);
-        sessions.growth = 1.3; // few keys, far apart
         sessions.mayTell = mayTell;
         sessions.isShown = isShown;
         QCOMPARE(sessions.checkAll(write(sketch), kinds, choice), QString());

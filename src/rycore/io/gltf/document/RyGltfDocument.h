@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <memory>
+#include <set>
 #include <span>
 
 /// A glTF 2.0 file (.gltf with its buffers, .glb): the parsed tree and the buffers are kept whole and patched, so that
@@ -100,6 +101,8 @@ public:
 
     /// New accessors take the places of those that we made once and nothing uses any more. Before patching.
     void reuseSpares();
+    /// Every whole number that stands in an extension: it may be the place of anything.
+    std::set<int> numbersInExtensions() const;
     /// Those of the accessors that nothing uses any more, and their views, are as good as made by us.
     void releaseUnused(const std::vector<int> &accessors);
     /// The place of a node that we made once and that is gone, to be filled with a new one; -1 for none.

@@ -170,6 +170,11 @@ void RyGltfDocument::reuseSpares()
     std::reverse(d->spareViews.begin(), d->spareViews.end());
 }
 
+std::set<int> RyGltfDocument::numbersInExtensions() const
+{
+    return RyGltfSpares::numbersInExtensions(d->tree);
+}
+
 void RyGltfDocument::releaseUnused(const std::vector<int> &accessors)
 {
     const std::vector<int> &uses = d->countUses();

@@ -80,11 +80,17 @@ RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
     if (!hasMade("accessors") && !hasMade("bufferViews") && !hasMade("nodes"))
         return;
     // Any number in an extension may be the place of something.
-    std::set<int> named;
-    gatherFromExtensions(d.tree, named);
+    std::set<int> named = numbersInExtensions(d.tree);
     findAccessors(named);
     findNodes(named);
     findViews(std::move(named));
+}
+
+std::set<int> RyGltfSpares::numbersInExtensions(const Json &tree)
+{
+    std::set<int> numbers;
+    gatherFromExtensions(tree, numbers);
+    return numbers;
 }
 
 void RyGltfSpares::findAccessors(const std::set<int> &named)

@@ -17,6 +17,7 @@ public:
 
     static void mark(Json &entry);
     static bool isMade(const Json &entry);
+    static std::set<int> numbersInExtensions(const Json &tree);
 
     /// In ascending order.
     const std::vector<int> &accessors() const { return m_accessors; }

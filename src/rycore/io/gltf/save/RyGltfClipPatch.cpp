@@ -70,7 +70,10 @@ bool RyGltfClipPatch::drop(QString *error)
         tree.erase("animations");
     m_patch.sayOf(QStringLiteral("Channels of removed joints were taken out of the clips: %1"), shortened);
     m_patch.sayOf(QStringLiteral("Clips that drove nothing but removed joints are gone with them: %1"), left);
-    return RyGltfTreePatch(m_patch.document).finish(error);
+    if (!RyGltfTreePatch(m_patch.document).finish(error))
+        return false;
+    m_patch.document.releaseUnused({m_accessors.begin(), m_accessors.end()});
+    return true;
 }
 
 void RyGltfClipPatch::findGone()
@@ -101,7 +104,7 @@ bool RyGltfClipPatch::isGone(const Json &target) const
            isNumber;
 }
 
-bool RyGltfClipPatch::dropChannels(Json &clip) const
+bool RyGltfClipPatch::dropChannels(Json &clip)
 {
     const auto channels = clip.is_object() ? clip.find("channels") : clip.end();
     if (!clip.is_object() || channels == clip.end() || !channels->is_array())
@@ -141,8 +144,15 @@ void RyGltfClipPatch::dropSamplers(Json &clip, const std::set<size_t> &candidate
         if (sampler && RyGltfReferences::isIndex(*sampler))
             dropped.erase(sampler->get<size_t>());
     }
-    for (auto sampler = dropped.rbegin(); sampler != dropped.rend(); ++sampler)
+    for (auto sampler = dropped.rbegin(); sampler != dropped.rend(); ++sampler) {
+        for (const char *key : {"input", "output"}) {
+            const Json *accessor = find((*samplers)[*sampler], key);
+            if (accessor && RyGltfReferences::isIndex(*accessor) &&
+                accessor->get<size_t>() < m_patch.document.model().accessors.size())
+                m_accessors.insert(accessor->get<int>());
+        }
         samplers->erase(*sampler);
+    }
     for (Json &channel : channels) {
         const auto sampler = channel.find("sampler");
         if (sampler == channel.end() || !RyGltfReferences::isIndex(*sampler))

@@ -5,7 +5,7 @@
 
 /// Brings the clips in line with a patched tree: re-expresses them where rests or parents changed, and takes the
 /// channels of removed joints and props out of the clips, with the samplers that only they used. Nodes that stay in
-/// their places for what they hold keep their channels. Accessors stay. The tree must be in line with the scene.
+/// their places for what they hold keep their channels. The tree must be in line with the scene.
 class RyGltfClipPatch
 {
 public:
@@ -21,10 +21,11 @@ private:
     bool drop(QString *error);
     void findGone();
     bool isGone(const nlohmann::ordered_json &target) const;
-    bool dropChannels(nlohmann::ordered_json &clip) const;
-    static void dropSamplers(nlohmann::ordered_json &clip, const std::set<size_t> &candidates);
+    bool dropChannels(nlohmann::ordered_json &clip);
+    void dropSamplers(nlohmann::ordered_json &clip, const std::set<size_t> &candidates);
 
     RyGltfScenePatch &m_patch;
     const RyGltfClips &m_clips;
-    std::set<int> m_gone; // nodes that hang nowhere any more
+    std::set<int> m_gone;      // nodes that hang nowhere any more
+    std::set<int> m_accessors; // that dropped samplers read
 };

@@ -64,6 +64,7 @@ void RyGltfClipWriter::gather(const std::vector<RyGltfClipChange> &changes)
 {
     for (const RyGltfClipChange &change : changes) {
         const RyGltfClip &clip = m_clips.clips()[change.clip];
+        noteTimes(change.clip);
         const auto place =
             std::lower_bound(clip.channels.begin(), clip.channels.end(), change.channel,
                              [](const RyGltfChannel &channel, size_t wanted) { return channel.place < wanted; });
@@ -79,6 +80,19 @@ void RyGltfClipWriter::gather(const std::vector<RyGltfClipChange> &changes)
                 entry.sampler.input = place->sampler.input;
         }
         m_entries.push_back(std::move(entry));
+    }
+}
+
+/// New channels use key times that are there.
+void RyGltfClipWriter::noteTimes(size_t clip)
+{
+    if (!m_noted.insert(clip).second)
+        return;
+    for (const RyGltfChannel &channel : m_clips.clips()[clip].channels) {
+        const auto curve = m_clips.curve(channel.sampler, channel.path);
+        const QByteArray times = curve ? asFloats(curve->times) : QByteArray();
+        if (curve && !m_times.contains(times))
+            m_times.insert(times, channel.sampler.input);
     }
 }
 
@@ -119,11 +133,13 @@ void RyGltfClipWriter::overwrite()
         const auto &[clip, place] = channels.first;
         return channels.second == samplerUses(clip).at(place);
     };
+    const std::set<int> named = m_document.numbersInExtensions(); // any of them may be an accessor
     std::map<int, int> written;
     for (const auto &[output, users] : byOutput) {
         const RyGltfAccessor &form = m_document.model().accessors[size_t(output)];
         const std::span<const float> values = floatsOf(*users.values);
-        if (users.isSame && form.componentType == 5126 && values.size() == form.count * size_t(form.componentCount) &&
+        if (users.isSame && !named.count(output) && form.componentType == 5126 &&
+            values.size() == form.count * size_t(form.componentCount) &&
             std::all_of(users.channels.begin(), users.channels.end(), isAll))
             written[output] = m_document.replaceFloats(output, values, int(users.channels.size()));
     }

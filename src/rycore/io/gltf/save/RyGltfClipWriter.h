@@ -42,6 +42,7 @@ private:
 
     void gather(const std::vector<RyGltfClipChange> &changes);
     const std::map<size_t, size_t> &samplerUses(size_t clip);
+    void noteTimes(size_t clip);
     void overwrite();
     bool addAccessors();
     void writeClips();
@@ -52,5 +53,6 @@ private:
     const RyGltfClips &m_clips;
     std::vector<Entry> m_entries;
     QHash<QByteArray, int> m_times;                    // accessors by what they hold
+    std::set<size_t> m_noted;                          // clips whose times are known
     std::map<size_t, std::map<size_t, size_t>> m_uses; // of samplers, by clip and place
 };
