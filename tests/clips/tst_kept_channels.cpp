@@ -109,6 +109,56 @@ private slots:
         }
     }
 
+    /// Numbers of a joint that stays are copied for the one beside it; what is new stands once for all clips.
+    void sharingWithOthers()
+    {
+        m_sketch->bind();
+        const int times = m_sketch->addTimes(m_sketch->someTimes(5));
+        const int turns =
+            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 5));
+        for (int i = 0; i < 2; ++i) {
+            const size_t clip = m_sketch->addClip("again");
+            const size_t sampler = m_sketch->addSampler(clip, times, turns, "LINEAR");
+            m_sketch->addChannel(clip, sampler, ClipSketch::LeftArm, "rotation");
+            m_sketch->addChannel(clip, sampler, ClipSketch::RightArm, "rotation");
+        }
+        open();
+        editBoth(ClipSketch::LeftArm);
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        QCOMPARE(changedChannel(m_character->file, after, {ClipSketch::LeftArm}), QString());
+        QCOMPARE(samplerOf(after, 0, 0)["input"], json(times));
+        QVERIFY(samplerOf(after, 0, 0)["output"] != json(turns));
+        // The turn, and the new way of the joint's centre.
+        QCOMPARE(after.tree()["animations"][0]["channels"].size(), size_t(3));
+        for (const size_t channel : {0, 2}) {
+            QCOMPARE(samplerOf(after, 1, channel)["input"], samplerOf(after, 0, channel)["input"]);
+            QCOMPARE(samplerOf(after, 1, channel)["output"], samplerOf(after, 0, channel)["output"]);
+        }
+    }
+
+    /// New joints that turn as the one beside them read one sampler.
+    void sharingOfNewJoints()
+    {
+        m_sketch->bind();
+        m_sketch->drive(m_sketch->addClip("arm"), ClipSketch::LeftArm, "rotation", "LINEAR");
+        open();
+        for (int i = 0; i < 2; ++i)
+            ClipEdits::addEvenSibling(*m_character, boneOf(ClipSketch::LeftArm));
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        std::vector<json> samplers;
+        std::set<json> used;
+        for (const json &channel : after.tree()["animations"][0]["channels"]) {
+            used.insert(channel["sampler"]);
+            if (channel["target"]["node"] > int(ClipSketch::Prop) && channel["target"]["path"] == "rotation")
+                samplers.push_back(channel["sampler"]);
+        }
+        QCOMPARE(samplers.size(), size_t(2));
+        QCOMPARE(samplers[1], samplers[0]);
+        QCOMPARE(after.tree()["animations"][0]["samplers"].size(), used.size());
+    }
+
     void membersOfStrangers()
     {
         m_sketch->bind();
