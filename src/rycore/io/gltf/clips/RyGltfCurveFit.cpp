@@ -43,8 +43,6 @@ void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, c
     for (size_t i = 0; i < times.size(); ++i) {
         const float next = i + 1 < times.size() ? times[i + 1] : span.to;
         m_curve->times.push_back(times[i]);
-        const bool isBeforeStep = span.to != span.next && i + 1 == times.size();
-        m_isFixed.push_back(isBeforeStep || (m_isBehindStep && i == 0));
         if (m_curve->kind == RyGltfCurve::Cubic)
             append(m_arriving);
         append(place(double(times[i])));
@@ -53,7 +51,6 @@ void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, c
             m_arriving = velocity(place, times[i], next, true);
         }
     }
-    m_isBehindStep = span.to != span.next;
 }
 
 /// How far the curve is off between two keys, as far as some places tell.
@@ -89,7 +86,7 @@ void RyGltfCurveFit::thin()
                RyGltfKeyTimes::ThinningShare * m_tolerance;
     };
     RyGltfCurve result;
-    for (const size_t key : RyGltfKeyTimes::thin(m_isFixed, isNear)) {
+    for (const size_t key : RyGltfKeyTimes::thin(m_curve->keyCount(), isNear)) {
         result.times.push_back(m_curve->times[key]);
         result.values.insert(result.values.end(), at(key).data(), at(key).data() + 3);
     }

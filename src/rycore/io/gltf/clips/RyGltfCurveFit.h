@@ -32,7 +32,5 @@ private:
     double m_tolerance;
     size_t m_room; // see RyGltfKeyTimes::refine
     std::shared_ptr<RyGltfCurve> m_curve = std::make_shared<RyGltfCurve>();
-    std::vector<bool> m_isFixed;                          // keys at both sides of steps
-    bool m_isBehindStep = false;                          // the next key
     Eigen::Vector3d m_arriving = Eigen::Vector3d::Zero(); // tangent at the end of the span before
 };

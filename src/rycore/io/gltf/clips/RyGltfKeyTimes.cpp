@@ -81,21 +81,21 @@ void RyGltfKeyTimes::refine(float from, float to, const Excess &excess, std::vec
     room -= std::min(room, times.size() - before);
 }
 
-std::vector<size_t> RyGltfKeyTimes::thin(const std::vector<bool> &isFixed, const IsNear &isNear)
+std::vector<size_t> RyGltfKeyTimes::thin(size_t count, const IsNear &isNear)
 {
     constexpr size_t mostAtOnce = 64; // so that long curves cost no more than their length
     std::vector<size_t> kept;
-    for (size_t from = 0; from < isFixed.size();) {
+    for (size_t from = 0; from < count;) {
         kept.push_back(from);
         size_t to = from + 1;
         const auto fits = [&](size_t end) {
             for (size_t place = from + 1; place < end; ++place) {
-                if (isFixed[place] || !isNear(from, end, place))
+                if (!isNear(from, end, place))
                     return false;
             }
             return true;
         };
-        while (to + 1 < isFixed.size() && to - from < mostAtOnce && fits(to + 1))
+        while (to + 1 < count && to - from < mostAtOnce && fits(to + 1))
             ++to;
         from = to;
     }

@@ -38,8 +38,9 @@ public:
 
     /// Whether what stands at a place of a list of keys is near the line between two others.
     using IsNear = std::function<bool(size_t from, size_t to, size_t place)>;
-    /// The keys that are needed, `isFixed` ones in any case, as few as the first way finds.
-    static std::vector<size_t> thin(const std::vector<bool> &isFixed, const IsNear &isNear);
+    /// The keys of so many that are needed, as few as the first way finds. Those at both sides of a step that can be
+    /// seen stay: no line is near them.
+    static std::vector<size_t> thin(size_t count, const IsNear &isNear);
 
 private:
     std::vector<float> m_times;

@@ -52,17 +52,13 @@ struct Key
 {
     float time;
     RyGltfParts parts;
-    bool isFixed; // at a side of a step
 };
 
 std::vector<Key> thinned(const std::vector<Key> &keys, double tolerance, double reach)
 {
-    std::vector<bool> isFixed;
     std::vector<Eigen::Affine3d> maps;
-    for (const Key &key : keys) {
-        isFixed.push_back(key.isFixed);
+    for (const Key &key : keys)
         maps.push_back(key.parts.map());
-    }
     const auto isNear = [&](size_t from, size_t to, size_t place) {
         const double start = double(keys[from].time);
         const double share = (double(keys[place].time) - start) / (double(keys[to].time) - start);
@@ -70,7 +66,7 @@ std::vector<Key> thinned(const std::vector<Key> &keys, double tolerance, double 
                RyGltfKeyTimes::ThinningShare * tolerance;
     };
     std::vector<Key> result;
-    for (const size_t key : RyGltfKeyTimes::thin(isFixed, isNear))
+    for (const size_t key : RyGltfKeyTimes::thin(keys.size(), isNear))
         result.push_back(keys[key]);
     return result;
 }
@@ -149,7 +145,6 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
     const RyGltfCurve::Kind kind = keys.isStepped() ? RyGltfCurve::Step : RyGltfCurve::Linear;
     const double reach = m_change.reach;
     std::vector<Key> taken;
-    bool isBehindStep = false;
     const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
     size_t room = RyGltfKeyTimes::roomFor(spans.size());
     for (const RyGltfKeyTimes::Span &span : spans) {
@@ -171,10 +166,8 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
         for (const float time : times) {
             const RyGltfParts parts = piece.parts(double(time));
             *missed = std::max(*missed, ryGltfDistance(parts.map(), piece.whole(double(time)), reach));
-            taken.push_back({time, parts, isBehindStep || (span.to != span.next && time == times.back())});
-            isBehindStep = false;
+            taken.push_back({time, parts});
         }
-        isBehindStep = span.to != span.next;
     }
     Curves curves(kind);
     if (kind == RyGltfCurve::Linear)
