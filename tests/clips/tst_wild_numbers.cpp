@@ -119,6 +119,20 @@ private slots:
         holdsFiniteNumbers();
     }
 
+    /// Extensions may read the same bytes as whole views: those have no stride.
+    void overlappingViews()
+    {
+        m_sketch->driveAll(m_sketch->addClip("all"), "LINEAR");
+        json &views = m_sketch->tree["bufferViews"];
+        views[0]["extensions"]["X_unknown"] = json::object();
+        const json again = views[0];
+        views.push_back(again);
+        CharacterScene character(write());
+        ClipEdits::turnAtRandom(character.bones(), m_random);
+        save(character);
+        holdsFiniteNumbers();
+    }
+
     /// Such curves never come near their tolerance; what they get must stay in proportion to their keys.
     void longWildCurves()
     {

@@ -9,11 +9,11 @@
 
 namespace {
 
-/// A rotation times one factor; false where it holds more, by so much.
+/// A rotation times one factor, of either sign; false where it holds more, by so much.
 bool splitSimilarity(const Eigen::Matrix3d &linear, double slack, Eigen::Quaterniond &rotation, double &factor)
 {
     factor = std::cbrt(linear.determinant());
-    if (!(factor > 0.0) || !std::isfinite(factor))
+    if (!(std::abs(factor) > 0.0) || !std::isfinite(factor))
         return false;
     if (linear.isIdentity(0.0)) {
         rotation = Eigen::Quaterniond::Identity();

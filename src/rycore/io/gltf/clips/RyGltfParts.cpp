@@ -11,7 +11,7 @@ RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector
     parts.translation = map.translation();
     Eigen::Vector3d sign = signs.unaryExpr([](double factor) { return factor < 0.0 ? -1.0 : 1.0; });
     if (map.linear().determinant() * sign.prod() < 0.0)
-        sign.x() = -sign.x();
+        sign = -sign; // one factor stays one factor
     const Eigen::Matrix3d straight = map.linear() * sign.asDiagonal();
     const Eigen::JacobiSVD<Eigen::Matrix3d> svd(straight, Eigen::ComputeFullU | Eigen::ComputeFullV);
     // Of a map that is flat, or nothing, the last direction is free: so that it makes no reflection.

@@ -17,7 +17,7 @@ bool overlap(const Span &a, const Span &b)
 {
     if (a.buffer != b.buffer || a.to <= b.from || b.to <= a.from)
         return false;
-    if (a.stride != b.stride)
+    if (a.stride != b.stride || a.stride == 0) // whole views have none
         return true;
     // Interleaved: they meet only where their elements meet within one period.
     const std::uint64_t low = std::min(a.from, b.from);
