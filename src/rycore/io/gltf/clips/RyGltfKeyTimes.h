@@ -25,7 +25,8 @@ public:
     };
     std::vector<Span> spans() const;
 
-    /// Of the error that may be, the shares of taking keys and of leaving out such that others speak for.
+    /// The error that may be is spent twice: so many keys are taken that lines between them come this near, and then
+    /// those left out that are this near to the line between others.
     static constexpr double TakingShare = 0.25, ThinningShare = 0.75;
 
     /// How much too far the line between two keys is from what it stands for: 1 is the most that may be.

@@ -43,7 +43,7 @@ void RyGltfClipRewriter::findBases()
     }
 }
 
-RyGltfParts RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion) const
+RyGltfClipRewriter::Base RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion) const
 {
     const RyGltfTransform &transformNow = m_patch.document.model().nodes[size_t(node)].transform;
     Eigen::Affine3d now = ryGltfColumns(transformNow.toAffine());
@@ -54,9 +54,9 @@ RyGltfParts RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion)
         double missed = 0.0;
         change.before = Eigen::Affine3d::Identity();
         const Eigen::Affine3d behind = ryGltfChanged(still, change, &missed).rest.map();
-        now = behind.inverse() * now * motion->before.inverse();
+        now = behind.inverse() * now * motion->change.before.inverse();
         if (!now.matrix().allFinite())
-            return before;
+            return {before, before};
     }
     const RyGltfParts edited = RyGltfParts::nearest(now, before.scale);
     const RyGltfScenePatch::Edit &edit = m_patch.edits.at(node);
@@ -66,13 +66,13 @@ RyGltfParts RyGltfClipRewriter::baseOf(int node, const RyGltfNodeMotion *motion)
         return !std::equal(values.pose.begin() + long(from), values.pose.begin() + long(to),
                            loaded.pose.begin() + long(from));
     };
-    RyGltfParts base = before;
+    Base base{edited, before};
     if (isEdited(0, 3))
-        base.translation = edited.translation;
+        base.byProperty.translation = edited.translation;
     if (isEdited(3, 6))
-        base.rotation = edited.rotation;
+        base.byProperty.rotation = edited.rotation;
     if (isEdited(6, 10) || values.inheritScale != loaded.inheritScale)
-        base.scale = edited.scale;
+        base.byProperty.scale = edited.scale;
     return base;
 }
 
@@ -81,7 +81,7 @@ RyGltfMotion RyGltfClipRewriter::restOf(int node) const
     RyGltfMotion motion;
     const auto base = m_bases.find(node);
     const RyGltfTransform &transform = m_before.nodes[size_t(node)].transform;
-    motion.rest = base != m_bases.end() ? base->second : RyGltfParts::of(transform);
+    motion.rest = base != m_bases.end() ? base->second.whole : RyGltfParts::of(transform);
     if (transform.hasMatrix && base == m_bases.end())
         motion.matrix = ryGltfColumns(transform.toAffine());
     return motion;
@@ -95,21 +95,20 @@ RyGltfMotion RyGltfClipRewriter::motionOf(const RyGltfClip &clip, int node) cons
         if (channel)
             motion.curves[size_t(path)] = m_clips.curve(channel->sampler, path);
     }
-    if (motion.isDriven())
-        motion.matrix.reset();
+    if (!motion.isDriven())
+        return motion;
+    motion.matrix.reset();
+    const auto base = m_bases.find(node);
+    if (base != m_bases.end())
+        motion.rest = base->second.byProperty;
     return motion;
 }
 
 RyGltfMotionChange RyGltfClipRewriter::changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const
 {
-    RyGltfMotionChange change;
-    change.before = motion.before;
-    change.between = motion.between;
-    change.after = motion.after;
+    RyGltfMotionChange change = motion.change;
     const int parent = m_patch.document.model().nodes[size_t(motion.node)].parent;
-    change.tolerance = motion.tolerance / (parent >= 0 ? m_sizes[size_t(parent)] : 1.0);
-    change.reach = motion.reach;
-    change.slack = motion.slack;
+    change.tolerance /= parent >= 0 ? m_sizes[size_t(parent)] : 1.0;
     for (const int node : motion.down)
         change.down.push_back(motionOf(clip, node));
     for (const int node : motion.up)
@@ -131,7 +130,7 @@ bool RyGltfClipRewriter::canRewrite(const RyGltfClip &clip, const RyGltfNodeMoti
         return std::all_of(ryGltfPaths.begin(), ryGltfPaths.end(),
                            [&](RyGltfPath path) { return isReadable(clip, node, path); });
     };
-    const bool isOfParent = motion.before.matrix().isIdentity(0.0) && motion.node == motion.source;
+    const bool isOfParent = motion.change.before.matrix().isIdentity(0.0) && motion.node == motion.source;
     return (isOfParent || isWhole(motion.source)) && std::all_of(motion.down.begin(), motion.down.end(), isWhole) &&
            std::all_of(motion.up.begin(), motion.up.end(), isWhole) &&
            (isWhole(motion.source) || (motion.down.empty() && motion.up.empty()));
@@ -213,7 +212,7 @@ double RyGltfClipRewriter::rewriteNode(size_t index, const RyGltfNodeMotion &mot
     if (std::isinf(missed) && change.isConstant())
         return missed;
     // A node that nothing drives holds what a matrix holds.
-    const double heights = missed / std::max(1e-300, change.tolerance) * motion.tolerance / motion.height;
+    const double heights = missed / std::max(1e-300, change.tolerance) * motion.change.tolerance / motion.height;
     return addKeys(index, motion, result, change.tolerance) ? heights : 0.0;
 }
 
@@ -222,18 +221,19 @@ bool RyGltfClipRewriter::addKeys(size_t index, const RyGltfNodeMotion &motion, c
                                  double tolerance)
 {
     const RyGltfClip &clip = m_clips.clips()[index];
-    RyGltfTransform transform = m_patch.document.model().nodes[size_t(motion.node)].transform;
+    const RyGltfTransform transform = m_patch.document.model().nodes[size_t(motion.node)].transform;
     const RyGltfParts still = RyGltfParts::of(transform);
     const double slack = 0.1 * tolerance;
     const Eigen::Vector4d turn = result.rest.rotation.coeffs(), turnNow = still.rotation.coeffs();
-    if (transform.hasMatrix &&
-        ryGltfDistance(still.map(), ryGltfColumns(transform.toAffine()), motion.reach) > tolerance) {
+    const bool isOff[3] = {(result.rest.translation - still.translation).norm() > slack,
+                           std::min((turn - turnNow).norm(), (turn + turnNow).norm()) * motion.change.reach > slack,
+                           (result.rest.scale - still.scale).norm() * motion.change.reach > slack};
+    const bool isSheared = transform.hasMatrix && ryGltfDistance(still.map(), ryGltfColumns(transform.toAffine()),
+                                                                 motion.change.reach) > tolerance;
+    if (isSheared && (result.isDriven() || isOff[0] || isOff[1] || isOff[2])) {
         m_heldByMatrix.insert(motion.node); // it holds more than keys could
         return false;
     }
-    const bool isOff[3] = {(result.rest.translation - still.translation).norm() > slack,
-                           std::min((turn - turnNow).norm(), (turn + turnNow).norm()) * motion.reach > slack,
-                           (result.rest.scale - still.scale).norm() * motion.reach > slack};
     const double *numbers[3] = {result.rest.translation.data(), turn.data(), result.rest.scale.data()};
     bool isWritten = false;
     for (const RyGltfPath path : ryGltfPaths) {

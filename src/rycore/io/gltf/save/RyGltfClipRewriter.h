@@ -18,13 +18,20 @@ public:
     std::vector<RyGltfClipChange> rewrite();
 
 private:
+    /// What clips play on of a node whose pose was edited: where they drive nothing of it, and where they drive a part,
+    /// which leaves the edit to the other properties.
+    struct Base
+    {
+        RyGltfParts whole, byProperty;
+    };
+
     void rewriteClip(size_t clip);
     double rewriteNode(size_t clip, const RyGltfNodeMotion &motion, bool isRelated);
     RyGltfMotion motionOf(const RyGltfClip &clip, int node) const;
     RyGltfMotion restOf(int node) const;
     RyGltfMotionChange changeOf(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
     void findBases();
-    RyGltfParts baseOf(int node, const RyGltfNodeMotion *motion) const;
+    Base baseOf(int node, const RyGltfNodeMotion *motion) const;
     bool isReadable(const RyGltfClip &clip, int node, RyGltfPath path) const;
     bool canRewrite(const RyGltfClip &clip, const RyGltfNodeMotion &motion) const;
     std::vector<double> sizesIn(const RyGltfClip &clip) const;
@@ -38,10 +45,10 @@ private:
     const RyGltfClips &m_clips;
     const RyGltfModel &m_before;
     std::vector<RyGltfNodeMotion> m_motions;
-    std::map<int, RyGltfParts> m_bases; // of nodes whose pose was edited: what clips play on where they drive nothing
-    std::vector<int> m_orderNow;        // of the document
-    std::vector<double> m_sizes;        // of nodes' spaces in the clip that is rewritten
-    std::set<int> m_heldByMatrix;       // nodes that should have got keys
+    std::map<int, Base> m_bases;  // of nodes whose pose was edited
+    std::vector<int> m_orderNow;  // of the document
+    std::vector<double> m_sizes;  // of nodes' spaces in the clip that is rewritten
+    std::set<int> m_heldByMatrix; // nodes that should have got keys
     std::vector<RyGltfClipChange> m_changes;
     RyGltfDeletedBones m_deleted;
     QStringList m_unreadable, m_vanishing; // names of clips

@@ -68,7 +68,7 @@ std::vector<RyGltfNodeMotion> RyGltfNodeMotions::find()
         RyGltfNodeMotion motion;
         motion.node = node;
         motion.source = giver;
-        motion.before = m_frames.at(node);
+        motion.change.before = m_frames.at(node);
         hangElsewhere(motion, m_before.nodes[size_t(giver)].parent, m_now.nodes[size_t(node)].parent);
         m_motions.push_back(std::move(motion));
     }
@@ -103,27 +103,29 @@ void RyGltfNodeMotions::addKnown(int node)
     motion.node = motion.source = node;
     const auto frame = m_frames.find(node);
     if (frame != m_frames.end())
-        motion.before = frame->second;
+        motion.change.before = frame->second;
     const int oldParent = m_before.nodes[size_t(node)].parent;
     const int newParent = m_now.nodes[size_t(node)].parent;
     const auto edit = m_patch.edits.find(node);
     const bool isBone = edit == m_patch.edits.end() || edit->second.source->isBone;
     const auto carried = m_patch.carried.find(node);
     if (carried != m_patch.carried.end()) {
-        motion.between = ryGltfColumns(carried->second);
+        motion.change.between = ryGltfColumns(carried->second);
         hangElsewhere(motion, oldParent, newParent);
     } else if (oldParent != newParent && (isBone || m_patch.removed.count(oldParent))) {
         hangElsewhere(motion, oldParent, newParent);
     } else if (oldParent != newParent) {
         // A prop or a figure follows what it hangs on; its own clips move it from its new place.
-        motion.after = localNow(node) * ryGltfColumns(m_before.nodes[size_t(node)].transform.toAffine()).inverse();
+        motion.change.after =
+            localNow(node) * ryGltfColumns(m_before.nodes[size_t(node)].transform.toAffine()).inverse();
     } else if (oldParent >= 0 && m_frames.count(oldParent)) {
-        motion.after = m_frames.at(oldParent).inverse();
+        motion.change.after = m_frames.at(oldParent).inverse();
     }
     const auto isIdentity = [](const Eigen::Affine3d &map) { return map.matrix().isIdentity(0.0); };
     // A node that stands elsewhere now, although its frame is the same, must not do so in clips.
-    if ((isBone && m_patch.rewritten.count(node)) || !isIdentity(motion.before) || !isIdentity(motion.after) ||
-        !motion.down.empty() || !motion.up.empty() || !isIdentity(motion.between)) {
+    if ((isBone && m_patch.rewritten.count(node)) || !isIdentity(motion.change.before) ||
+        !isIdentity(motion.change.after) || !motion.down.empty() || !motion.up.empty() ||
+        !isIdentity(motion.change.between)) {
         m_motions.push_back(std::move(motion));
     }
 }
@@ -136,15 +138,15 @@ void RyGltfNodeMotions::hangElsewhere(RyGltfNodeMotion &motion, int oldParent, i
         between = localNow(newParent) * between;
         newParent = m_now.nodes[size_t(newParent)].parent;
     }
-    motion.after = between.inverse();
+    motion.change.after = between.inverse();
     if (newParent >= 0 && m_frames.count(newParent))
-        motion.after = motion.after * m_frames.at(newParent).inverse();
+        motion.change.after = motion.change.after * m_frames.at(newParent).inverse();
     const auto giver = m_givers.find(newParent);
     for (int at = oldParent; at >= 0; at = m_before.nodes[size_t(at)].parent)
         motion.down.push_back(at);
     for (int at = giver == m_givers.end() ? newParent : giver->second; at >= 0; at = m_before.nodes[size_t(at)].parent)
         motion.up.push_back(at);
-    while (motion.between.matrix().isIdentity(0.0) && !motion.down.empty() && !motion.up.empty() &&
+    while (motion.change.between.matrix().isIdentity(0.0) && !motion.down.empty() && !motion.up.empty() &&
            motion.down.back() == motion.up.back()) {
         motion.down.pop_back();
         motion.up.pop_back();
@@ -210,12 +212,12 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
         const double height = figure ? m_reach.heightOf(*figure) : 100.0; // centimetres
         const double reach = node && figure ? m_reach.of(*node) : height;
         motion.height = height * (figure ? sizeOf(figure->worldMap()) : 1.0) / m_patch.source.unit;
-        motion.tolerance = share * motion.height / std::max(1, depth[size_t(motion.node)]);
+        motion.change.tolerance = share * motion.height / std::max(1, depth[size_t(motion.node)]);
         const auto edit = m_patch.edits.find(motion.node);
         const bool isBone = edit != m_patch.edits.end() && qobject_cast<const RyBone *>(edit->second.node);
         const double size =
             isBone ? sizeOf(edit->second.bind) : sizeOf(worlds[size_t(motion.node)]) * m_patch.source.unit;
-        motion.reach = reach / std::max(1e-12, size);
-        motion.slack = std::max(1e-7, ryGltfShearSlack(reach, height));
+        motion.change.reach = reach / std::max(1e-12, size);
+        motion.change.slack = std::max(1e-7, ryGltfShearSlack(reach, height));
     }
 }

@@ -1,28 +1,22 @@
 #pragma once
 
-#include "rycore/io/gltf/clips/RyGltfParts.h"
+#include "rycore/io/gltf/clips/RyGltfMotionChange.h"
 #include "rycore/io/gltf/save/RyGltfReach.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 
-/// How the motion of a node follows from that of a node of the file. For column vectors:
-///
-///     new = after * inverse(up) * between * down * old * before
+/// How the motion of a node follows from that of a node of the file.
 struct RyGltfNodeMotion
 {
     int node = -1;   ///< of the patched document
     int source = -1; ///< of the file: the same one, or the joint whose weights a new one took over
-    Eigen::Affine3d before = Eigen::Affine3d::Identity();
-    std::vector<int> down; ///< of the file: from the old parent to where the new one hangs as well, the nearest first
-    Eigen::Affine3d between = Eigen::Affine3d::Identity();
-    std::vector<int> up; ///< likewise from the new parent
-    Eigen::Affine3d after = Eigen::Affine3d::Identity();
-    double height = 0.0;    ///< of the figure, in units of the world of the file
-    double tolerance = 0.0; ///< likewise
-    double reach = 0.0;     ///< in units of the node
-    double slack = 1e-7;    ///< shear that nobody sees, of the size
+    /// Nodes of the file whose motions `change.down` and `change.up` are.
+    std::vector<int> down, up;
+    double height = 0.0; ///< of the figure, in units of the world of the file
+    /// Without the motions of other nodes; its tolerance is in units of the world.
+    RyGltfMotionChange change;
 
     /// Whether the new origin runs on another path than the old one.
-    bool isOffPath() const { return !before.translation().isZero(0.0) || !down.empty() || !up.empty(); }
+    bool isOffPath() const { return !change.before.translation().isZero(0.0) || !down.empty() || !up.empty(); }
 };
 
 /// Finds the nodes of a patched document that clips have to move otherwise than they did, so that every vertex stays
@@ -35,9 +29,7 @@ public:
     std::vector<RyGltfNodeMotion> find();
 
 private:
-    void add(RyGltfNodeMotion motion);
     void addKnown(int node);
-    void addNew(int node, const RyNode &sceneNode);
     void hangElsewhere(RyGltfNodeMotion &motion, int oldParent, int newParent) const;
     int giverOf(const RyNode &bone) const;
     bool isNew(int node) const;

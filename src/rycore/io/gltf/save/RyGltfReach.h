@@ -4,8 +4,8 @@
 
 class RyNode;
 
-/// How far from the origin of a bone that reaches which follows it or a bone below it, in centimetres: vertices at
-/// rest, its end point, and things that hang on it.
+/// How far what a bone moves reaches from its origin, in centimetres: vertices at rest, its end point, things that hang
+/// on it, and all of that of the bones below.
 class RyGltfReach
 {
 public:
