@@ -181,7 +181,10 @@ void RyGltfClipRewriter::rewriteClip(size_t index)
         m_vanishing.append(clip.name);
     else if (worst > seen)
         m_sheared.append(withShare(clip.name, worst));
-    if (!m_deleted.isEmpty())
+    // A clip that drove nothing else than what is gone goes as well.
+    const auto stays = [this](const RyGltfChannel &channel) { return !m_patch.removed.count(channel.node); };
+    const bool isWritten = !m_changes.empty() && m_changes.back().clip == index;
+    if (!m_deleted.isEmpty() && (isWritten || std::any_of(clip.channels.begin(), clip.channels.end(), stays)))
         measureDeleted(clip);
 }
 
