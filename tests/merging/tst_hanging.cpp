@@ -151,12 +151,19 @@ private slots:
         QVERIFY2(all <= used, qPrintable(QStringLiteral("%1 of %2").arg(used).arg(all)));
     }
 
-    /// Figures and props on a figure itself, between its bones.
+    /// Figures and props on a figure itself, before and between its bones.
+    void onTheFigure_data()
+    {
+        QTest::addColumn<int>("place");
+        QTest::newRow("before") << 0;
+        QTest::newRow("between") << 1;
+    }
     void onTheFigure()
     {
+        QFETCH(int, place);
         MergedScene merged({FigureSketch().write(path("first")), animated(3.0).write(path("second"))});
         RySkeleton *figure = merged.figure(0);
-        QVERIFY(figure->addNodeChild(merged.figure(1)));
+        QVERIFY(figure->addNodeChild(merged.figure(1), false, place));
         QVERIFY(figure->addNodeChild(merged.scene.findNode(QStringLiteral("high"))));
         QCOMPARE(merged.check(path("saved")), QString());
     }

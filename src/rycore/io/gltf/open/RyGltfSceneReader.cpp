@@ -63,14 +63,16 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
         *error = QStringLiteral("%1 cannot be opened: %2").arg(m_origin->filePath, refusal);
         return false;
     }
-    // In the order of the file, so that what something hangs on is there before it.
-    std::vector<Figure *> figureOf(model.nodes.size(), nullptr);
+    // In the order of the file, so that what something hangs on is there before it: a figure with the node that
+    // carries it, since something else may hang there before its first bone.
+    std::map<int, std::vector<Figure *>> figuresAt;
     for (Figure &figure : m_figures)
-        figureOf[size_t(figure.joints.bones.front())] = &figure;
+        figuresAt[figure.carrier >= 0 ? figure.carrier : figure.joints.bones.front()].push_back(&figure);
     const std::vector<bool> isProp = findProps();
     for (const int node : m_preOrder) {
-        if (Figure *figure = figureOf[size_t(node)])
-            buildFigure(*figure);
+        const auto figures = figuresAt.find(node);
+        if (figures != figuresAt.end())
+            std::for_each(figures->second.begin(), figures->second.end(), [this](Figure *each) { buildFigure(*each); });
         else if (isProp[size_t(node)])
             buildProp(node);
     }

@@ -310,28 +310,30 @@ std::vector<int> RyGltfStructurePatch::newOrder(const std::vector<int> &before, 
     return result;
 }
 
-/// What stands at the top of the scene is read in the order of the roots that hold it. A root that holds nothing of the
-/// scene stays behind the one before it.
-void RyGltfStructurePatch::sortRoots(std::vector<int> &roots) const
+/// The place in the scene of the first of its nodes that a node holds, itself included; by node, -1 for none.
+std::vector<int> RyGltfStructurePatch::findFirstHeld() const
 {
-    std::vector<int> rootOf(m_parents.size(), -1);
-    std::map<int, int> rankOf; // of roots: the place of the first that they hold
+    std::vector<int> firstHeld(m_parents.size(), -1);
     for (size_t place = 0; place < m_order.size(); ++place) {
-        std::vector<int> path;
-        int at = m_patch.nodeOf.of(m_order[place]);
-        for (; rootOf[size_t(at)] < 0 && m_parents[size_t(at)] >= 0; at = m_parents[size_t(at)])
-            path.push_back(at);
-        const int root = rootOf[size_t(at)] < 0 ? at : rootOf[size_t(at)];
-        for (const int node : path)
-            rootOf[size_t(node)] = root;
-        rankOf.try_emplace(root, int(place));
+        for (int at = m_patch.nodeOf.of(m_order[place]); at >= 0 && firstHeld[size_t(at)] < 0;
+             at = m_parents[size_t(at)])
+            firstHeld[size_t(at)] = int(place);
     }
+    return firstHeld;
+}
+
+/// Siblings are read in the order of what they hold. One that holds nothing of the scene stays behind the one before
+/// it.
+void RyGltfStructurePatch::sortSiblings(std::vector<int> &siblings, const std::vector<int> &firstHeld)
+{
+    std::vector<std::pair<int, int>> ranked; // rank and node
     int rank = -1;
-    for (const int root : roots) {
-        const auto [known, isNew] = rankOf.try_emplace(root, rank);
-        rank = known->second;
+    for (const int node : siblings) {
+        rank = firstHeld[size_t(node)] >= 0 ? firstHeld[size_t(node)] : rank;
+        ranked.emplace_back(rank, node);
     }
-    std::stable_sort(roots.begin(), roots.end(), [&rankOf](int a, int b) { return rankOf.at(a) < rankOf.at(b); });
+    std::stable_sort(ranked.begin(), ranked.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::transform(ranked.begin(), ranked.end(), siblings.begin(), [](const auto &each) { return each.second; });
 }
 
 void RyGltfStructurePatch::writeLists()
@@ -341,6 +343,7 @@ void RyGltfStructurePatch::writeLists()
         const int index = m_patch.nodeOf.of(node);
         m_below[m_parents[size_t(index)]].push_back(index);
     }
+    const std::vector<int> firstHeld = findFirstHeld();
     std::set<int> touched; // parents that may have other children now
     for (size_t node = 0; node < m_parents.size(); ++node) {
         const bool isOld = node < model.nodes.size();
@@ -355,7 +358,8 @@ void RyGltfStructurePatch::writeLists()
             continue;
         const bool isOld = size_t(parent) < model.nodes.size();
         const std::vector<int> before = isOld ? model.nodes[size_t(parent)].children : std::vector<int>();
-        const std::vector<int> now = newOrder(before, parent);
+        std::vector<int> now = newOrder(before, parent);
+        sortSiblings(now, firstHeld);
         if (now != before)
             m_tree.setChildren(parent, now);
     }
@@ -364,7 +368,7 @@ void RyGltfStructurePatch::writeLists()
         std::vector<int> now;
         if (scene == m_patch.document.shownScene()) {
             now = newOrder(before, -1);
-            sortRoots(now);
+            sortSiblings(now, firstHeld);
         } else {
             std::copy_if(before.begin(), before.end(), std::back_inserter(now),
                          [this](int node) { return !m_hangsNowhere[size_t(node)] && m_parents[size_t(node)] < 0; });

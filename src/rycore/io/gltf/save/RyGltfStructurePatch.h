@@ -32,7 +32,8 @@ private:
     void gatherRoots(const RyGltfFigureSource &figure);
     void dropFigure(const RyGltfFigureSource &figure);
     void writeLists();
-    void sortRoots(std::vector<int> &roots) const;
+    std::vector<int> findFirstHeld() const;
+    static void sortSiblings(std::vector<int> &siblings, const std::vector<int> &firstHeld);
     std::vector<int> newOrder(const std::vector<int> &before, int parent) const;
 
     RyGltfScenePatch &m_patch;
