@@ -173,21 +173,21 @@ int RyGltfStructurePatch::parentNow(const RyNode &node, int index) const
         const int before = m_patch.document.model().nodes[size_t(index)].parent;
         return wanted >= 0 ? before : survivingAbove(before);
     }
-    if (wanted >= 0 || !above)
-        return wanted;
-    // A new topmost bone goes beside the one before it.
-    int before = -1;
-    bool isFirst = true;
-    for (const RyNode *sibling : above->nodeChildrenIterator()) {
-        if (sibling == &node)
-            break;
-        const int known = m_patch.nodeOf.of(sibling);
-        if (known >= 0) {
-            before = m_parents[size_t(known)];
-            isFirst = false;
-        }
-    }
-    return isFirst ? homeOf(above) : before;
+    if (!above)
+        return -1;
+    // Siblings may stand below a node that the scene does not show: a new one goes in there where it stands between
+    // them, and a topmost bone beside the one before it in any case.
+    const std::vector<RyNode *> siblings = above->nodeChildrenIterator();
+    const auto here = std::find(siblings.begin(), siblings.end(), &node);
+    const auto isKnown = [this](const RyNode *sibling) { return m_patch.nodeOf.of(sibling) >= 0; };
+    const auto previous = std::find_if(std::make_reverse_iterator(here), siblings.rend(), isKnown);
+    if (previous == siblings.rend())
+        return wanted >= 0 ? wanted : homeOf(above);
+    const int beside = m_parents[size_t(m_patch.nodeOf.of(*previous))];
+    const bool isBetween = std::any_of(here + 1, siblings.end(), [&](const RyNode *sibling) {
+        return isKnown(sibling) && m_parents[size_t(m_patch.nodeOf.of(sibling))] == beside;
+    });
+    return wanted < 0 || isBetween ? beside : wanted;
 }
 
 void RyGltfStructurePatch::placeNodes()
