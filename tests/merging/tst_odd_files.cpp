@@ -1,5 +1,6 @@
 #include "MergedScene.h"
 #include "RichSketch.h"
+#include "RigEdits.h"
 
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -103,7 +104,37 @@ private slots:
         QCOMPARE(tree["scenes"][0]["extensions"], second.tree["scenes"][0]["extensions"]);
     }
 
+    /// Roots that stand twice in their scene, while what stands there changes.
+    void rootsNamedTwice()
+    {
+        FigureSketch first = richSketch("", 1.0);
+        json &roots = first.tree["scenes"][0]["nodes"];
+        const json once = roots;
+        for (const json &root : once)
+            roots.push_back(root);
+        MergedScene merged({first.write(path("first")), richSketch(" two", 2.0).write(path("second"))});
+        merged.scene.removeNode(merged.scene.findNode(QStringLiteral("stool")));
+        merged.save(path("saved"));
+        json expected = once; // and what the second file hangs on
+        expected.erase(std::remove(expected.begin(), expected.end(), json(StoolNode)), expected.end());
+        const json written = GltfEvaluator(path("saved").toStdString()).tree()["scenes"][0]["nodes"];
+        expected.push_back(written.back());
+        QCOMPARE(written, expected);
+    }
+
+    /// A primitive without vertices beside one whose weights are written.
+    void primitiveWithoutAttributes()
+    {
+        FigureSketch second = richSketch(" two", 2.0);
+        second.tree["meshes"][0]["primitives"].push_back({{"mode", 4}});
+        MergedScene merged({FigureSketch().write(path("first")), second.write(path("second"))});
+        RigEdits::deleteBone(merged.scene, merged.figure(1)->getAllBones()[0]);
+        merged.save(path("saved"));
+        QCOMPARE(MergedScene({path("saved")}).bones().size(), merged.bones().size());
+    }
+
 private:
+    static constexpr int StoolNode = 7;
     static void mark(json &node) { node["extras"]["RYHOST_rigging"] = {{"version", 1}, {"removed", true}}; }
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name) + QStringLiteral(".gltf")); }
 

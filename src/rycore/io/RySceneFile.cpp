@@ -74,6 +74,12 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
         ryUndoStack()->setClean();
 }
 
+/// What a library says of a failure that nobody foresaw is for the log: users can make nothing of it.
+void logFailure(const QString &path, const std::exception &failure)
+{
+    RyMessageLog::global().warning(QStringLiteral("%1: %2").arg(path, QString::fromUtf8(failure.what())));
+}
+
 bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &origins, const QString &path,
                 const RySceneFile::SaveOptions &options, QString *error, QStringList *messages, QStringList *leftOut)
 {
@@ -81,9 +87,11 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
     std::shared_ptr<const RyGltfDocument> document;
     try {
         document = RyGltfSceneWriter(origins, options.jointsOnly).patch(scene, &reason, messages, leftOut);
+    } catch (const std::bad_alloc &) {
+        reason = QStringLiteral("the scene needs more memory than this machine has");
     } catch (const std::exception &failure) {
-        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it (%1)")
-                     .arg(QString::fromUtf8(failure.what()));
+        logFailure(path, failure);
+        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it");
     }
     if (!document)
         return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
@@ -148,9 +156,8 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         } catch (const std::bad_alloc &) {
             return refuse(error, QStringLiteral("%1: the file needs more memory than this machine has").arg(path));
         } catch (const std::exception &failure) {
-            return refuse(
-                error,
-                QStringLiteral("%1: the file does not fit together (%2)").arg(path, QString::fromUtf8(failure.what())));
+            logFailure(path, failure);
+            return refuse(error, QStringLiteral("%1: the parts of the file do not fit together").arg(path));
         }
     }
     if (tops.empty())

@@ -25,7 +25,7 @@ void RyGltfMeshPatch::writeInfluences(const std::vector<Part> &parts, const std:
     std::set<std::pair<int, int>> done; // several nodes may show one mesh
     std::vector<Sharers> groups;
     for (const Part &part : parts) {
-        if (!part.isWritten || !done.insert({part.mesh, part.primitive}).second)
+        if (!part.isWritten || part.vertexOfSplit->empty() || !done.insert({part.mesh, part.primitive}).second)
             continue;
         addToSharers(groups, part);
         writeTags(part, tags);

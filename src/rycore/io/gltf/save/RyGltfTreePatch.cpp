@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <set>
+
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -82,8 +84,10 @@ std::vector<int> RyGltfTreePatch::sceneRoots(int scene) const
     const Json *entry = RyExtrasJson::entry(m_document.json(), "scenes", scene);
     const Json *list = entry ? RyExtrasJson::find(*entry, "nodes") : nullptr;
     std::vector<int> roots;
+    std::set<size_t> known; // some files name a root twice
     for (const Json &root : list && list->is_array() ? *list : Json::array()) {
-        if (RyGltfReferences::isIndex(root) && root.get<size_t>() < m_document.model().nodes.size())
+        if (RyGltfReferences::isIndex(root) && root.get<size_t>() < m_document.model().nodes.size() &&
+            known.insert(root.get<size_t>()).second)
             roots.push_back(root.get<int>());
     }
     return roots;
