@@ -75,7 +75,9 @@ int RyPolygonFans::add(const std::vector<unsigned> &corners, const std::vector<R
         start = 0;
         first = m_indexCount + unsigned(copies.size());
         copies.push_back(corners[0]);
+        best = smallestShare(positions, start, whole);
     }
+    m_isFolded = best < Flat;
     for (size_t i = 1; i + 1 < count; ++i)
         triangles.insert(triangles.end(), {first, corners[(start + i) % count], corners[(start + i + 1) % count]});
     m_hasLast = true;

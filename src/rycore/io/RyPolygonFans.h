@@ -17,6 +17,8 @@ public:
     /// triangle folds over, as far as there is one.
     int add(const std::vector<unsigned> &corners, const std::vector<RyVec3> &positions);
     std::vector<unsigned> triangles;
+    /// Whether a triangle of the polygon that was added last folds over.
+    bool isFolded() const { return m_isFolded; }
     /// Indices of which a copy had to be made: a polygon that has one index only, behind another one of it.
     std::vector<unsigned> copies;
 
@@ -26,5 +28,6 @@ public:
 private:
     unsigned m_indexCount;
     bool m_hasLast = false;
+    bool m_isFolded = false;
     unsigned m_last = 0; // where the last fan starts
 };

@@ -21,7 +21,6 @@
 #include <QTextStream>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <unordered_map>
 
@@ -58,16 +57,26 @@ QString quoted(QString text)
     return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
-/// The corners beginning at the lowest one: it makes no difference where a polygon starts.
-std::array<int, 4> fromLowest(const RyFacet &facet)
+/// Begins at the lowest corner, of equal ones at the one that lower ones follow: it makes no difference where a polygon
+/// starts.
+void turnToLowest(std::vector<int> &corners)
 {
-    std::array<int, 4> lowest{facet.vertices[0], facet.vertices[1], facet.vertices[2], facet.vertices[3]};
-    std::array<int, 4> turned = lowest;
-    for (int turn = 1; turn < facet.count(); ++turn) {
-        std::rotate(turned.begin(), turned.begin() + 1, turned.begin() + facet.count());
-        lowest = std::min(lowest, turned);
+    const size_t count = corners.size();
+    size_t first = 0, other = 1, same = 0; // two starts, and how many corners from them on are alike
+    while (first < count && other < count && same < count) {
+        const int a = corners[(first + same) % count];
+        const int b = corners[(other + same) % count];
+        if (a == b) {
+            ++same;
+            continue;
+        }
+        // None of those that were compared begins a lower one.
+        (a > b ? first : other) += same + 1;
+        other += first == other;
+        same = 0;
     }
-    return lowest;
+    first = std::min(first, other);
+    std::rotate(corners.begin(), corners.begin() + ptrdiff_t(first), corners.end());
 }
 
 /// Of the pixels. Many dumps are made of one picture, so that of each is worked out once.
@@ -227,13 +236,23 @@ private:
             }
         }
         Hash facets;
-        for (const RyFacet &facet : mesh.getFacets()) {
-            for (const int vertex : fromLowest(facet))
+        std::vector<int> corners;
+        for (int facet = 0; facet < mesh.getNumFacets();) {
+            facet += mesh.readPolygon(facet, corners);
+            turnToLowest(corners);
+            if (corners.size() > 4)
+                facets.add(-int(corners.size()));
+            for (const int vertex : corners)
                 facets.add(vertex);
+            if (corners.size() == 3)
+                facets.add(-1);
         }
         m_out << "    vertices " << mesh.getNumVertices() << " sum " << number(sum[0]) << ' ' << number(sum[1]) << ' '
               << number(sum[2]) << " hash " << positions.text() << '\n';
-        m_out << "    facets " << mesh.getNumFacets() << " hash " << facets.text() << '\n';
+        m_out << "    facets " << mesh.getNumFacets();
+        if (!mesh.getPolygons().empty())
+            m_out << " polygons " << mesh.getPolygons().size();
+        m_out << " hash " << facets.text() << '\n';
         for (int g = 0; g < mesh.getNumFaceGroups(); ++g) {
             const RyFaceGroup &group = *mesh.getFaceGroup(g);
             Hash members;
@@ -257,7 +276,12 @@ private:
                 Hash uvs;
                 for (const float number : part.uvs)
                     uvs.add(number == 0.0f ? 0.0f : number);
-                m_out << " coordinates " << part.uvs.size() / 2 << " hash " << uvs.text();
+                for (const int split : part.withoutUv)
+                    uvs.add(split);
+                m_out << " coordinates " << part.uvs.size() / 2;
+                if (!part.withoutUv.empty())
+                    m_out << " without " << part.withoutUv.size();
+                m_out << " hash " << uvs.text();
             }
             if (part.hasNormals()) {
                 // Sums, since they are worked out through the maps of a file. Two that change places would not do.

@@ -5,6 +5,24 @@
 #include <algorithm>
 #include <numeric>
 
+namespace {
+
+bool isFan(const std::vector<RyFacet> &facets, const RyPolygon &polygon)
+{
+    if (polygon.facetCount < 3 || polygon.facetCount > int(facets.size()) - polygon.firstFacet ||
+        polygon.firstCorner < 0 || polygon.firstCorner >= polygon.count())
+        return false;
+    const RyFacet *facet = &facets[size_t(polygon.firstFacet)];
+    for (int i = 0; i < polygon.facetCount; ++i) {
+        if (!facet[i].isTriangle() || facet[i].vertices[0] != facet->vertices[0] ||
+            (i > 0 && facet[i].vertices[1] != facet[i - 1].vertices[2]))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
 RyFacetMesh::RyFacetMesh(QObject *parent) : RyVertexMesh(parent) {}
 
 RyFacetMesh::~RyFacetMesh() = default;
@@ -16,6 +34,7 @@ RyFacetMesh *RyFacetMesh::copy() const
     std::vector<RyVec3> positions = getPositions();
     mesh->swapPositions(positions);
     mesh->m_facets = m_facets;
+    mesh->m_polygons = m_polygons;
     for (const auto &group : m_groups)
         mesh->m_groups.push_back(std::make_unique<RyFaceGroup>(*group));
     mesh->m_selected = m_selected;
@@ -23,11 +42,11 @@ RyFacetMesh *RyFacetMesh::copy() const
     return mesh;
 }
 
-/// The facets with all groups: old facets cannot take the groups of new ones.
-struct RyFacetMesh::FacetsValue : RyValueOf<RyFacetMesh, std::pair<std::vector<RyFacet>, QStringList>>
+/// Facets, polygons and groups.
+struct RyFacetMesh::FacetsValue : RyValueOf<RyFacetMesh, Surface>
 {
-    static Value get(const RyFacetMesh &mesh) { return {mesh.m_facets, mesh.groupNames()}; }
-    static void exchange(RyFacetMesh &mesh, Value &value) { mesh.swapFacets(value.first, value.second); }
+    static Value get(const RyFacetMesh &mesh) { return mesh.surface(); }
+    static void exchange(RyFacetMesh &mesh, Value &value) { mesh.swapSurface(value); }
 };
 
 /// The groups and who is in them.
@@ -37,28 +56,55 @@ struct RyFacetMesh::GroupsValue : RyValueOf<RyFacetMesh, Grouping>
     static void put(RyFacetMesh &mesh, const Grouping &grouping) { mesh.restoreGrouping(grouping); }
 };
 
-void RyFacetMesh::setFacets(std::vector<RyFacet> facets)
+void RyFacetMesh::setFacets(std::vector<RyFacet> facets, std::vector<RyPolygon> polygons)
 {
     RyValueChange<FacetsValue>::record(this);
     for (RyFacet &facet : facets) {
         if (facet.group != -1) // facets fill many pages: they are written only where they differ
             facet.group = -1;
     }
-    QStringList names = groupNames();
-    swapFacets(facets, names);
+    int from = 0; // behind the last polygon
+    std::erase_if(polygons, [&](const RyPolygon &polygon) {
+        const bool isThere = polygon.firstFacet >= from && isFan(facets, polygon);
+        from = isThere ? polygon.firstFacet + polygon.facetCount : from;
+        return !isThere;
+    });
+    Surface next{std::move(facets), std::move(polygons), groupNames()};
+    swapSurface(next);
 }
 
-void RyFacetMesh::swapFacets(std::vector<RyFacet> &facets, QStringList &groups)
+void RyFacetMesh::swapSurface(Surface &surface)
 {
     const QStringList names = groupNames();
-    m_facets.swap(facets);
+    m_facets.swap(surface.facets);
+    m_polygons.swap(surface.polygons);
     m_selected.assign(m_facets.size(), false);
     m_neighbours.clear();
-    keepGroups(groups);
+    keepGroups(surface.groups);
     rebuildGroupLists();
-    groups = names;
+    surface.groups = names;
     touch();
     announceGroups();
+}
+
+const RyPolygon *RyFacetMesh::findPolygon(int firstFacet) const
+{
+    const auto found = std::lower_bound(m_polygons.begin(), m_polygons.end(), firstFacet,
+                                        [](const RyPolygon &polygon, int facet) { return polygon.firstFacet < facet; });
+    return found != m_polygons.end() && found->firstFacet == firstFacet ? &*found : nullptr;
+}
+
+int RyFacetMesh::readPolygon(int firstFacet, std::vector<int> &corners) const
+{
+    const RyFacet &first = getFacet(firstFacet);
+    corners.assign(first.vertices, first.vertices + first.count());
+    const RyPolygon *polygon = findPolygon(firstFacet);
+    if (!polygon)
+        return 1;
+    for (int i = 1; i < polygon->facetCount; ++i)
+        corners.push_back(getFacet(firstFacet + i).vertices[2]);
+    std::rotate(corners.begin(), corners.begin() + polygon->firstCorner, corners.end());
+    return polygon->facetCount;
 }
 
 RyFaceGroup *RyFacetMesh::getFaceGroup(int index) const
@@ -326,22 +372,19 @@ std::vector<RyVec3> RyFacetMesh::computeNormals(const std::vector<RyVec3> &posit
 void RyFacetMesh::editBegun()
 {
     RyVertexMesh::editBegun();
-    m_facetSnapshot = m_facets;
-    m_groupSnapshot = groupNames();
+    m_snapshot = surface();
 }
 
 void RyFacetMesh::editFinished()
 {
-    m_facetSnapshot = {};
-    m_groupSnapshot.clear();
+    m_snapshot = {};
     RyVertexMesh::editFinished();
 }
 
 void RyFacetMesh::editCancelled()
 {
-    if (m_facets != m_facetSnapshot || groupNames() != m_groupSnapshot)
-        swapFacets(m_facetSnapshot, m_groupSnapshot);
-    m_facetSnapshot = {};
-    m_groupSnapshot.clear();
+    if (!(surface() == m_snapshot))
+        swapSurface(m_snapshot);
+    m_snapshot = {};
     RyVertexMesh::editCancelled();
 }

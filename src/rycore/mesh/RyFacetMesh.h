@@ -3,13 +3,14 @@
 #include "rycore/base/RyFirstPlaces.h"
 #include "rycore/mesh/RyFaceGroup.h"
 #include "rycore/mesh/RyFacet.h"
+#include "rycore/mesh/RyPolygon.h"
 #include "rycore/mesh/RyVertexMesh.h"
 
 #include <QStringList>
 
 #include <memory>
 
-/// A mesh of triangles and quads with face groups.
+/// A mesh of triangles and quads with face groups. Larger polygons are cut into triangles that are known to be one.
 class RyFacetMesh : public RyVertexMesh
 {
     Q_OBJECT
@@ -17,15 +18,24 @@ public:
     explicit RyFacetMesh(QObject *parent = nullptr);
     ~RyFacetMesh() override;
 
-    /// A deep copy: positions, facets, groups, selection.
+    /// A deep copy: positions, facets, polygons, groups, selection.
     RyFacetMesh *copy() const;
 
     int getNumFacets() const { return int(m_facets.size()); }
     const RyFacet &getFacet(int index) const { return m_facets[size_t(index)]; }
     const std::vector<RyFacet> &getFacets() const { return m_facets; }
-    /// Replaces all facets (their `group` fields are ignored; use the groups below). Empties all groups and the
-    /// selection; undoable where a hold is open.
-    void setFacets(std::vector<RyFacet> facets);
+    /// Replaces all facets (their `group` fields are ignored; use the groups below) and polygons, which are ascending
+    /// and apart; those that the facets do not make are left out. Empties all groups and the selection; undoable where
+    /// a hold is open.
+    void setFacets(std::vector<RyFacet> facets, std::vector<RyPolygon> polygons = {});
+
+    /// Polygons of more than four corners, ascending. Their facets may be in different groups.
+    const std::vector<RyPolygon> &getPolygons() const { return m_polygons; }
+    /// Null where none begins with that facet.
+    const RyPolygon *findPolygon(int firstFacet) const;
+    /// The corners of the polygon that begins with a facet, or else of that facet alone, from its first one on. Gives
+    /// the number of its facets.
+    int readPolygon(int firstFacet, std::vector<int> &corners) const;
 
     int getNumFaceGroups() const { return int(m_groups.size()); }
     RyFaceGroup *getFaceGroup(int index) const;
@@ -79,18 +89,27 @@ private:
     /// Facets changed group.
     void announceGroupsOfFacets();
     void announceGroups();
-    /// Exchanges the facets, their `group` fields included, and makes the groups of these names.
-    void swapFacets(std::vector<RyFacet> &facets, QStringList &groups);
+    /// The facets with the names of all groups: old facets cannot take the groups of new ones.
+    struct Surface
+    {
+        std::vector<RyFacet> facets;
+        std::vector<RyPolygon> polygons;
+        QStringList groups;
+        bool operator==(const Surface &) const = default;
+    };
+    Surface surface() const { return {m_facets, m_polygons, groupNames()}; }
+    /// Exchanges all of it, the `group` fields of facets included.
+    void swapSurface(Surface &surface);
     void keepGroups(const QStringList &names);
     void buildNeighbours() const;
     void recordGroups();
 
     std::vector<RyFacet> m_facets;
+    std::vector<RyPolygon> m_polygons;
     std::vector<std::unique_ptr<RyFaceGroup>> m_groups;
     RyFirstPlaces<QString> m_groupPlaces; // by name
     std::vector<bool> m_selected;
     mutable std::vector<int> m_neighbours; // four per facet, empty until asked for
     quint64 m_groupRevision = 1;
-    std::vector<RyFacet> m_facetSnapshot;
-    QStringList m_groupSnapshot;
+    Surface m_snapshot;
 };

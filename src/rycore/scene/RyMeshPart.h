@@ -34,6 +34,7 @@ struct RyMeshPart
     std::vector<int> vertexOfSplit; // split vertex to vertex of the mesh
     std::vector<int> normalOfSplit; // split vertices with equal numbers share a smooth normal
     std::vector<float> uvs;         // two per split vertex, empty without texture coordinates; v grows downwards
+    std::vector<int> withoutUv;     // split vertices that have none all the same, ascending; 0 0 stands for them
     std::vector<RyVec3> normals;    // per split vertex, in figure space; empty without any, and where a source has them
     std::vector<unsigned> triangles; // three split vertices each, facet by facet
     std::shared_ptr<const RyNormalSource> normalSource;

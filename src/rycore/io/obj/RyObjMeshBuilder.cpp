@@ -28,7 +28,7 @@ RyFacetShape *RyObjMeshBuilder::makeShape()
         makeFacets(made);
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(m_positions));
-    mesh->setFacets(std::move(made.facets));
+    mesh->setFacets(std::move(made.facets), std::move(made.polygons));
     for (const QString &group : m_file.groups)
         mesh->createFaceGroup(group);
     mesh->setGroupsOfFacets(made.groups);
@@ -40,10 +40,20 @@ RyFacetShape *RyObjMeshBuilder::makeShape()
     return shape;
 }
 
-void RyObjMeshBuilder::Facets::add(const RyFacet &facet, int group)
+void RyObjMeshBuilder::Facets::add(const std::vector<int> &vertices, int start, int group)
 {
-    facets.push_back(facet);
-    groups.push_back(group);
+    const int count = int(vertices.size());
+    const auto at = [&](int corner) { return vertices[size_t(corner % count)]; };
+    if (count <= 4) {
+        facets.push_back({{at(0), at(1), at(2), count == 4 ? at(3) : -1}, -1});
+        groups.push_back(group);
+        return;
+    }
+    polygons.push_back({int(facets.size()), count - 2, (count - start) % count});
+    for (int i = 1; i + 1 < count; ++i) {
+        facets.push_back({{at(start), at(start + i), at(start + i + 1), -1}, -1});
+        groups.push_back(group);
+    }
 }
 
 bool RyObjMeshBuilder::needsParts() const
@@ -61,16 +71,28 @@ bool RyObjMeshBuilder::needsParts() const
 
 void RyObjMeshBuilder::makeFacets(Facets &result)
 {
+    RyPolygonFans fans(unsigned(m_positions.size()));
+    std::vector<int> vertices;
+    std::vector<RyVec3> points;
     for (const RyObjFile::Facet &polygon : m_file.facets) {
-        const auto corner = [&](int i) { return m_file.corners[size_t(polygon.firstCorner + i)].vertex; };
-        if (polygon.cornerCount == 4) {
-            result.add({{corner(0), corner(1), corner(2), corner(3)}, -1}, polygon.group);
-            continue;
+        vertices.clear();
+        points.clear();
+        for (int i = 0; i < polygon.cornerCount; ++i)
+            vertices.push_back(m_file.corners[size_t(polygon.firstCorner + i)].vertex);
+        int start = 0;
+        if (polygon.cornerCount > 4) {
+            for (const int vertex : vertices)
+                points.push_back(m_positions[size_t(vertex)]);
+            start = fans.add({vertices.begin(), vertices.end()}, points);
+            countFolded(fans, polygon.cornerCount);
         }
-        m_cutCount += polygon.cornerCount > 4;
-        for (int i = 1; i + 1 < polygon.cornerCount; ++i)
-            result.add({{corner(0), corner(i), corner(i + 1), -1}, -1}, polygon.group);
+        result.add(vertices, start, polygon.group);
     }
+}
+
+void RyObjMeshBuilder::countFolded(const RyPolygonFans &fans, int cornerCount)
+{
+    m_foldedCount += cornerCount > 4 && fans.isFolded();
 }
 
 /// A part for each material that facets have, in the order in which they come.
@@ -137,6 +159,7 @@ void RyObjMeshBuilder::findSplits()
                  corner.normal < 0 ? -1 : m_normals[size_t(corner.normal)]}));
         }
     }
+    m_usedCorners = int(m_corners.keys().size());
     std::vector<int> first(m_positions.size() + 1, 0); // by vertex: where its corners go
     for (const RyKeyTable::Key &key : m_corners.keys())
         ++first[size_t(key[1]) + 1];
@@ -200,6 +223,8 @@ void RyObjMeshBuilder::fillSplits()
             part.normalOfSplit.push_back(m_normalNumbers.numberOf({vertex, normal}));
             if (hasUvs) {
                 const bool isThere = texcoord >= 0;
+                if (!isThere && corner < m_usedCorners)
+                    part.withoutUv.push_back(int(part.vertexOfSplit.size()) - 1);
                 part.uvs.push_back(isThere ? float(m_file.texcoords[size_t(texcoord)][0]) : 0.0f);
                 part.uvs.push_back(isThere ? float(1.0 - m_file.texcoords[size_t(texcoord)][1]) : 0.0f);
             }
@@ -242,28 +267,29 @@ void RyObjMeshBuilder::makePartFacets(Facets &result)
         fans.emplace_back(unsigned(part.vertexOfSplit.size()));
     }
     std::vector<unsigned> splits;
+    std::vector<int> vertices;
     std::vector<RyVec3> points;
     for (const RyObjFile::Facet &polygon : m_file.facets) {
         const int part = m_partOfMaterial[size_t(polygon.material + 1)];
         const size_t from = size_t(polygon.firstCorner);
         const int count = polygon.cornerCount;
-        const auto vertex = [&](int corner) { return m_file.corners[from + size_t(corner % count)].vertex; };
         splits.assign(m_splitOfCorner.begin() + polygon.firstCorner,
                       m_splitOfCorner.begin() + polygon.firstCorner + count);
+        vertices.clear();
         points.clear();
-        for (int corner = 0; corner < count; ++corner)
-            points.push_back(m_positions[size_t(vertex(corner))]);
+        for (int corner = 0; corner < count; ++corner) {
+            vertices.push_back(m_file.corners[from + size_t(corner)].vertex);
+            points.push_back(m_positions[size_t(vertices.back())]);
+        }
         RyPolygonFans &fan = fans[size_t(part)];
         int start = 0;
-        if (hasPolygons)
+        if (hasPolygons) {
             start = fan.add(splits, points);
-        else
+            countFolded(fan, count);
+        } else {
             fan.triangles.insert(fan.triangles.end(), splits.begin(), splits.end());
-        if (count <= 4)
-            result.add({{vertex(0), vertex(1), vertex(2), count == 4 ? vertex(3) : -1}, -1}, polygon.group);
-        for (int i = 1; count > 4 && i + 1 < count; ++i)
-            result.add({{vertex(start), vertex(start + i), vertex(start + i + 1), -1}, -1}, polygon.group);
-        m_cutCount += count > 4;
+        }
+        result.add(vertices, start, polygon.group);
         addRun(part, count > 4 ? count - 2 : 1);
     }
     if (m_parts->order.size() == m_parts->parts.size())
@@ -274,6 +300,8 @@ void RyObjMeshBuilder::makePartFacets(Facets &result)
         for (const unsigned split : fans[p].copies) {
             part.vertexOfSplit.push_back(part.vertexOfSplit[split]);
             part.normalOfSplit.push_back(part.normalOfSplit[split]);
+            if (std::binary_search(part.withoutUv.begin(), part.withoutUv.end(), int(split)))
+                part.withoutUv.push_back(int(part.vertexOfSplit.size()) - 1);
             if (!part.uvs.empty())
                 part.uvs.insert(part.uvs.end(), {part.uvs[2 * split], part.uvs[2 * split + 1]});
             if (!part.normals.empty())

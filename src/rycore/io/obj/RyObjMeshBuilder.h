@@ -3,6 +3,7 @@
 #include "rycore/io/RyPolygonFans.h"
 #include "rycore/io/obj/RyKeyTable.h"
 #include "rycore/mesh/RyFacet.h"
+#include "rycore/mesh/RyPolygon.h"
 #include "rycore/scene/RyMeshPart.h"
 
 class RyFacetShape;
@@ -18,19 +19,22 @@ public:
     RyObjMeshBuilder(const RyObjFile &file, double unit, RyObjLooks &looks);
 
     RyFacetShape *makeShape();
-    /// Polygons that had to be cut.
-    int cutCount() const { return m_cutCount; }
+    /// Polygons of more than four corners that no fan of triangles covers.
+    int foldedCount() const { return m_foldedCount; }
 
 private:
     struct Facets
     {
         std::vector<RyFacet> facets;
+        std::vector<RyPolygon> polygons;
         std::vector<int> groups;
-        void add(const RyFacet &facet, int group);
+        /// A polygon of these vertices; a larger one is cut into the fan that starts at one of them.
+        void add(const std::vector<int> &vertices, int start, int group);
     };
 
     bool needsParts() const;
     void makeFacets(Facets &result);
+    void countFolded(const RyPolygonFans &fans, int cornerCount);
     void makePartFacets(Facets &result);
     void assignParts();
     void joinEqualNumbers();
@@ -51,8 +55,9 @@ private:
     std::vector<int> m_texcoords;                  // of the file's: the first equal one
     std::vector<int> m_normals;                    // likewise; -1 for what is no direction
     RyKeyTable m_corners;                          // part, vertex, texture coordinate, normal
+    int m_usedCorners = 0;                         // numbers of the table from here on are of no polygon
     std::vector<int> m_splitOfCorner;              // by the numbers of the table, in its part
     RyKeyTable m_normalNumbers;                    // vertex and normal
     std::vector<std::vector<int>> m_cornerOfSplit; // per part, numbers of the table
-    int m_cutCount = 0;
+    int m_foldedCount = 0;
 };

@@ -103,9 +103,11 @@ std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
     tops->emplace_back(prop);
     if (messages) {
         messages->append(origin->m_file->warnings);
-        if (builder.cutCount() > 0)
-            messages->append(
-                QStringLiteral("%1 polygons of more than four corners are shown as triangles").arg(builder.cutCount()));
+        if (builder.foldedCount() > 0) {
+            messages->append(QStringLiteral("%1 polygons of more than four corners are bent so that the triangles they "
+                                            "are shown as fold over")
+                                 .arg(builder.foldedCount()));
+        }
     }
     return origin;
 }

@@ -1,5 +1,6 @@
 #include "rycore/io/obj/RyObjSceneWriter.h"
 
+#include "rycore/io/RyPartPolygons.h"
 #include "rycore/io/RyPictureBytes.h"
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/obj/RyKeyTable.h"
@@ -12,7 +13,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <bit>
+#include <iterator>
 
 namespace {
 
@@ -41,6 +44,13 @@ QByteArray numbersText(const float *numbers, int count)
     for (int i = 0; i < count; ++i)
         text += ' ' + QByteArray::number(double(numbers[i]), 'g', 7);
     return text;
+}
+
+/// A polygon of which facets went to other groups is written in pieces.
+bool isInOneGroup(const RyFacetMesh &mesh, int firstFacet, int count)
+{
+    const auto first = mesh.getFacets().begin() + firstFacet;
+    return std::all_of(first, first + count, [first](const RyFacet &facet) { return facet.group == first->group; });
 }
 
 } // namespace
@@ -79,13 +89,24 @@ void RyObjSceneWriter::addMesh(const QString &name, const RyFacetShape &shape)
         addPartFacets(shape, firstVertex, object);
         return;
     }
-    for (const RyFacet &facet : mesh.getFacets()) {
-        const int firstCorner = int(m_file.corners.size());
-        for (int corner = 0; corner < facet.count(); ++corner)
-            m_file.corners.push_back({firstVertex + facet.vertices[corner], -1, -1});
-        m_file.facets.push_back(
-            {firstCorner, facet.count(), facet.group < 0 ? -1 : m_groupPlaces[size_t(facet.group)], object, -1});
+    std::vector<int> corners;
+    for (int facet = 0, count = 1; facet < mesh.getNumFacets(); facet += count) {
+        count = mesh.readPolygon(facet, corners);
+        if (!isInOneGroup(mesh, facet, count)) {
+            const RyFacet &piece = mesh.getFacet(facet);
+            corners.assign(piece.vertices, piece.vertices + piece.count());
+            count = 1;
+        }
+        m_file.facets.push_back({int(m_file.corners.size()), int(corners.size()), groupOf(mesh, facet), object, -1});
+        for (const int vertex : corners)
+            m_file.corners.push_back({firstVertex + vertex, -1, -1});
     }
+}
+
+int RyObjSceneWriter::groupOf(const RyFacetMesh &mesh, int facet) const
+{
+    const int group = mesh.getFacet(facet).group;
+    return group < 0 ? -1 : m_groupPlaces[size_t(group)];
 }
 
 /// Equal ones once. `places`: per split vertex.
@@ -94,6 +115,10 @@ void RyObjSceneWriter::addCoordinates(const RyMeshPart &part, std::vector<int> &
     const int first = int(m_file.texcoords.size());
     RyKeyTable table;
     for (size_t i = 0; i + 1 < part.uvs.size(); i += 2) {
+        if (std::binary_search(part.withoutUv.begin(), part.withoutUv.end(), int(i / 2))) {
+            places.push_back(-1);
+            continue;
+        }
         const float u = part.uvs[i] + 0.0f;
         const float v = part.uvs[i + 1] + 0.0f;
         const int number = table.numberOf({std::bit_cast<std::int32_t>(u), std::bit_cast<std::int32_t>(v)});
@@ -126,40 +151,29 @@ void RyObjSceneWriter::addPartFacets(const RyFacetShape &shape, int firstVertex,
     const RyFacetMesh &mesh = *shape.getFacetMesh();
     const RyMeshParts &parts = *shape.getParts();
     std::vector<RyObjFile::Facet> facets(static_cast<size_t>(mesh.getNumFacets()));
-    const std::vector<int> facetsByPart = parts.facetsByPart();
-    auto next = facetsByPart.begin();
+    RyPartPolygons polygons(mesh, parts);
     const RyPartNormals shown(shape);
     for (const RyMeshPart &part : parts.parts) {
         std::vector<int> coordinates, normals;
         addCoordinates(part, coordinates);
         addNormals(shown, part, normals);
         const int material = materialOf(parts, part.look);
-        const unsigned *triangle = part.triangles.data();
-        for (int i = 0; i < part.facetCount; ++i, ++next) {
-            const RyFacet &facet = mesh.getFacet(*next);
-            const int count = facet.count();
-            const unsigned splits[4] = {triangle[0], triangle[1], triangle[2], count == 4 ? triangle[5] : 0};
-            triangle += 3 * (count - 2);
-            // The fan may start at another corner than the facet.
-            const auto isTurnedBy = [&](int turn) {
-                for (int k = 0; k < count; ++k) {
-                    if (part.vertexOfSplit[splits[(k + turn) % count]] != facet.vertices[k])
-                        return false;
-                }
-                return true;
-            };
-            int turn = 0;
-            while (turn < count && !isTurnedBy(turn))
-                ++turn;
-            facets[size_t(*next)] = {int(m_file.corners.size()), count,
-                                     facet.group < 0 ? -1 : m_groupPlaces[size_t(facet.group)], object, material};
-            for (int k = 0; k < count; ++k) {
-                const unsigned split = splits[(k + turn) % count];
+        const auto add = [&](int facet, const std::vector<unsigned> &splits) {
+            facets[size_t(facet)] = {int(m_file.corners.size()), int(splits.size()), groupOf(mesh, facet), object,
+                                     material};
+            for (const unsigned split : splits)
                 m_file.corners.push_back({firstVertex + part.vertexOfSplit[split], coordinates[split], normals[split]});
-            }
-        }
+        };
+        polygons.forNextPart([&](const RyPartPolygon &polygon) {
+            if (isInOneGroup(mesh, polygon.firstFacet, polygon.facetCount))
+                return add(polygon.firstFacet, polygon.splits);
+            for (int i = 0; i < polygon.facetCount; ++i)
+                add(polygon.firstFacet + i, {polygon.inFan(0), polygon.inFan(i + 1), polygon.inFan(i + 2)});
+        });
     }
-    m_file.facets.insert(m_file.facets.end(), facets.begin(), facets.end());
+    // Only the first facet of a polygon stands for it.
+    std::copy_if(facets.begin(), facets.end(), std::back_inserter(m_file.facets),
+                 [](const RyObjFile::Facet &facet) { return facet.cornerCount > 0; });
 }
 
 int RyObjSceneWriter::materialOf(const RyMeshParts &parts, int look)

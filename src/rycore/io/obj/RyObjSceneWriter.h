@@ -13,7 +13,7 @@ struct RyMaterialLook;
 struct RyMeshPart;
 struct RyMeshParts;
 
-/// Writes the rest meshes of a scene as an OBJ file: vertices and facets in their order, groups, texture coordinates,
+/// Writes the rest meshes of a scene as an OBJ file: vertices and polygons in their order, groups, texture coordinates,
 /// normals, materials with a library and pictures beside the file.
 class RyObjSceneWriter
 {
@@ -33,6 +33,7 @@ private:
     void addMesh(const QString &name, const RyFacetShape &shape);
     void addPositions(const std::vector<RyVec3> &positions);
     void addGroups(const RyFacetMesh &mesh);
+    int groupOf(const RyFacetMesh &mesh, int facet) const;
     void addPartFacets(const RyFacetShape &shape, int firstVertex, int object);
     void addCoordinates(const RyMeshPart &part, std::vector<int> &places);
     void addNormals(const RyPartNormals &shown, const RyMeshPart &part, std::vector<int> &places);

@@ -74,6 +74,20 @@ Json orderJson(const RyFacetMesh &mesh, const RyMeshParts *parts)
     return order;
 }
 
+/// Facets have other places now; those of one part still follow one another in their order.
+void movePolygons(std::vector<RyPolygon> &polygons, const std::vector<int> &placeOf)
+{
+    const auto isTorn = [&placeOf](const RyPolygon &polygon) {
+        const auto first = placeOf.begin() + polygon.firstFacet;
+        return first[polygon.facetCount - 1] != *first + polygon.facetCount - 1;
+    };
+    polygons.erase(std::remove_if(polygons.begin(), polygons.end(), isTorn), polygons.end());
+    for (RyPolygon &polygon : polygons)
+        polygon.firstFacet = placeOf[size_t(polygon.firstFacet)];
+    std::sort(polygons.begin(), polygons.end(),
+              [](const RyPolygon &a, const RyPolygon &b) { return a.firstFacet < b.firstFacet; });
+}
+
 RyFacetShape *shapeOf(const RyNode &node)
 {
     return qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
@@ -152,7 +166,7 @@ bool RyFigureExtras::applyFaceGroups(const RyGltfDocument &document, int figure,
 }
 
 void RyFigureExtras::applyFacetOrder(const RyGltfDocument &document, int figure, std::vector<RyFacet> &facets,
-                                     RyMeshParts &parts, QStringList *messages)
+                                     std::vector<RyPolygon> &polygons, RyMeshParts &parts, QStringList *messages)
 {
     const Json *stored = figureJson(document, figure);
     const Json *runs = stored ? find(*stored, "order") : nullptr;
@@ -165,6 +179,7 @@ void RyFigureExtras::applyFacetOrder(const RyGltfDocument &document, int figure,
     }
     std::vector<RyFacet> ordered;
     ordered.reserve(facets.size());
+    std::vector<int> placeOf(facets.size());
     const auto fits = [&] {
         if (!runs->is_array() || runs->size() % 2 != 0)
             return false;
@@ -178,8 +193,10 @@ void RyFigureExtras::applyFacetOrder(const RyGltfDocument &document, int figure,
             const size_t place = part.get<size_t>();
             const size_t before = ordered.size();
             long long left = count.get<long long>();
-            for (; left > 0 && next[place] < end[place]; left -= ordered.back().count() - 2)
+            for (; left > 0 && next[place] < end[place]; left -= ordered.back().count() - 2) {
+                placeOf[next[place]] = int(ordered.size());
                 ordered.push_back(facets[next[place]++]);
+            }
             if (left != 0)
                 return false;
             parts.order.push_back({int(place), int(ordered.size() - before)});
@@ -188,6 +205,7 @@ void RyFigureExtras::applyFacetOrder(const RyGltfDocument &document, int figure,
     };
     if (fits()) {
         facets = std::move(ordered);
+        movePolygons(polygons, placeOf);
         return;
     }
     parts.order.clear();

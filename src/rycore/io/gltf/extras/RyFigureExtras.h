@@ -11,6 +11,7 @@
 class RyFacetMesh;
 struct RyFacet;
 struct RyMeshParts;
+struct RyPolygon;
 
 /// What our key in the extras of a file holds: the unit factor, and an entry for each figure and prop: face groups,
 /// selection map, the figure's own transform and the order of its bindings.
@@ -33,8 +34,8 @@ private:
 /// Centimetres per file unit as stored, 0 when nothing is stored.
 double storedUnit(const RyGltfDocument &document);
 /// Brings a mesh's facets, which come part by part, into the order that a save kept.
-void applyFacetOrder(const RyGltfDocument &document, int figure, std::vector<RyFacet> &facets, RyMeshParts &parts,
-                     QStringList *messages);
+void applyFacetOrder(const RyGltfDocument &document, int figure, std::vector<RyFacet> &facets,
+                     std::vector<RyPolygon> &polygons, RyMeshParts &parts, QStringList *messages);
 /// Face groups of a figure, whose facets are in their order; false when none fit.
 bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &mesh, QStringList *messages);
 void applySelectionMap(const RyGltfOrigin &origin, int figure, RyNode &skeleton);

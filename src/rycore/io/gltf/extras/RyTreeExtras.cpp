@@ -131,6 +131,41 @@ std::vector<int> RyTreeExtras::findFree(const RyGltfDocument &document, int mesh
     return findList(document, mesh, primitive, "free");
 }
 
+void RyTreeExtras::storeFirstCorners(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &pairs)
+{
+    storeList(document, mesh, primitive, "firstCorners", pairs);
+}
+
+std::vector<int> RyTreeExtras::findFirstCorners(const RyGltfDocument &document, int mesh, int primitive)
+{
+    return findList(document, mesh, primitive, "firstCorners");
+}
+
+void RyTreeExtras::storeWithoutUv(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &splits)
+{
+    storeList(document, mesh, primitive, "withoutUv", splits);
+}
+
+std::vector<int> RyTreeExtras::findWithoutUv(const RyGltfDocument &document, int mesh, int primitive)
+{
+    return findList(document, mesh, primitive, "withoutUv");
+}
+
+void RyTreeExtras::copySurface(RyGltfDocument &document, std::pair<int, int> from, std::pair<int, int> to)
+{
+    const Json *entry = primitiveJson(document, from.first, from.second);
+    const Json *said = entry ? RyExtrasJson::ours(*entry) : nullptr;
+    if (!said)
+        return;
+    Json &holder = document.json()["meshes"][size_t(to.first)]["primitives"][size_t(to.second)];
+    Json ours = storedOrNew(holder);
+    for (const char *key : {"madeNormals", "firstCorners", "withoutUv"}) {
+        if (const Json *value = find(*said, key))
+            ours[key] = *value;
+    }
+    RyExtrasJson::store(holder, ours.size() > 1 ? std::move(ours) : Json());
+}
+
 void RyTreeExtras::storeMadeNormals(RyGltfDocument &document, int mesh, int primitive)
 {
     Json &holder = document.json()["meshes"][size_t(mesh)]["primitives"][size_t(primitive)];

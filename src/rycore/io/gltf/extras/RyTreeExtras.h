@@ -2,6 +2,7 @@
 
 #include "rycore/math/RyAffine.h"
 
+#include <utility>
 #include <vector>
 
 class RyGltfDocument;
@@ -31,6 +32,19 @@ std::vector<int> findApart(const RyGltfDocument &document, int mesh, int primiti
 /// Split vertices that nothing moves: a file cannot say that, so it has them held by a joint.
 void storeFree(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &splits);
 std::vector<int> findFree(const RyGltfDocument &document, int mesh, int primitive);
+
+/// Polygons of a primitive whose first corner is not the one that their fan starts at: pairs of the polygon's first
+/// triangle, ascending, and the number of that corner, counted from the fan's.
+void storeFirstCorners(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &pairs);
+std::vector<int> findFirstCorners(const RyGltfDocument &document, int mesh, int primitive);
+
+/// Split vertices that have no texture coordinates where others have some, ascending: the format has no other way than
+/// to give them some.
+void storeWithoutUv(RyGltfDocument &document, int mesh, int primitive, const std::vector<int> &splits);
+std::vector<int> findWithoutUv(const RyGltfDocument &document, int mesh, int primitive);
+
+/// What is said of triangles, texture coordinates and normals, for a copy of the primitive.
+void copySurface(RyGltfDocument &document, std::pair<int, int> from, std::pair<int, int> to);
 
 /// A primitive whose normals were worked out, since what it was made from has none.
 void storeMadeNormals(RyGltfDocument &document, int mesh, int primitive);

@@ -38,6 +38,7 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
         if (primitive.texcoords >= 0) {
             result.uvs = m_document->readFloats(primitive.texcoords);
             result.uvs.resize(splits.count() * 2, 0.0f);
+            result.withoutUv = findWithoutUv(meshIndex, primitiveIndex, splits.count());
         }
         weld(splits, result);
         const RyMeshPart *same = findSharer(primitive, result);
@@ -51,7 +52,8 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
                 std::make_shared<RyGltfNormalSource>(m_document, primitive.positions, primitive.normals, toFigure);
         }
         result.hasFans = primitive.hasFans;
-        addFacets(ryGltfReadTriangles(*m_document, primitive, splits.count()), result);
+        addFacets(ryGltfReadTriangles(*m_document, primitive, splits.count()),
+                  RyTreeExtras::findFirstCorners(*m_document, meshIndex, primitiveIndex), result);
     }
     result.facetCount = int(facets.size() - firstFacet);
     parts.parts.push_back(std::move(result));
@@ -227,23 +229,51 @@ void RyGltfMeshBuilder::addVertices(const RyGltfSplitVertices &splits, int first
         m_runs.push_back(std::move(run));
 }
 
-void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result)
+void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, const std::vector<int> &firstCorners,
+                                  RyMeshPart &result)
 {
     const size_t count = triangles.size() / 3;
     if (facets.empty()) {
         facets.reserve(count);
         RyLargePages::prefer(facets.data(), count * sizeof(RyFacet));
     }
+    size_t next = 0; // of the first corners
     for (size_t t = 0; t < count;) {
         const size_t run = result.hasFans ? RyPolygonFans::runAt(triangles, t) : 1;
-        const auto vertex = [&](size_t corner) { return result.vertexOfSplit[triangles[corner]]; };
-        for (const size_t end = t + run; t < end; ++t) {
-            facets.push_back({{vertex(3 * t), vertex(3 * t + 1), vertex(3 * t + 2), -1}});
-            if (run == 2) // larger polygons stay cut
-                facets.back().vertices[3] = vertex(3 * ++t + 2);
-        }
+        while (next + 1 < firstCorners.size() && firstCorners[next] < int(t))
+            next += 2;
+        const bool isSaid = next + 1 < firstCorners.size() && firstCorners[next] == int(t);
+        addPolygon(&triangles[3 * t], int(run), isSaid ? firstCorners[next + 1] : 0, result);
+        t += run;
     }
     result.triangles = std::move(triangles);
+}
+
+/// A polygon that so many triangles make.
+void RyGltfMeshBuilder::addPolygon(const unsigned *triangles, int count, int firstCorner, const RyMeshPart &part)
+{
+    const auto vertex = [&](int index) { return part.vertexOfSplit[triangles[index]]; };
+    const bool isThere = firstCorner > 0 && firstCorner < count + 2;
+    if (count > 2) {
+        polygons.push_back({int(facets.size()), count, isThere ? firstCorner : 0});
+        for (int i = 0; i < 3 * count; i += 3)
+            facets.push_back({{vertex(i), vertex(i + 1), vertex(i + 2), -1}});
+        return;
+    }
+    facets.push_back({{vertex(0), vertex(1), vertex(2), count == 2 ? vertex(5) : -1}});
+    if (isThere) {
+        int *corners = facets.back().vertices;
+        std::rotate(corners, corners + firstCorner, corners + count + 2);
+    }
+}
+
+std::vector<int> RyGltfMeshBuilder::findWithoutUv(int mesh, int primitive, size_t count) const
+{
+    std::vector<int> splits = RyTreeExtras::findWithoutUv(*m_document, mesh, primitive);
+    std::erase_if(splits, [count](int split) { return split < 0 || size_t(split) >= count; });
+    std::sort(splits.begin(), splits.end());
+    splits.erase(std::unique(splits.begin(), splits.end()), splits.end());
+    return splits;
 }
 
 std::vector<RyGltfMeshBuilder::BoneWeights> RyGltfMeshBuilder::boneWeights(int boneCount) const

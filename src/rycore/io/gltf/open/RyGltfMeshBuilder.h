@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfModel.h"
 #include "rycore/math/RyAffine.h"
 #include "rycore/mesh/RyFacet.h"
+#include "rycore/mesh/RyPolygon.h"
 #include "rycore/scene/RyMeshPart.h"
 
 #include <QStringList>
@@ -32,6 +33,7 @@ public:
 
     std::vector<RyVec3> positions;
     std::vector<RyFacet> facets;
+    std::vector<RyPolygon> polygons;
     RyMeshParts parts;
     int droppedInfluences = 0;
     std::uint64_t comparisons = 0; ///< of split vertices with known ones
@@ -56,7 +58,10 @@ private:
     const RyMeshPart *findSharer(const RyGltfPrimitive &primitive, const RyMeshPart &part);
     void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
     void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);
-    void addFacets(std::vector<std::uint32_t> triangles, RyMeshPart &result);
+    /// `firstCorners`: as our extras say them.
+    void addFacets(std::vector<std::uint32_t> triangles, const std::vector<int> &firstCorners, RyMeshPart &result);
+    void addPolygon(const unsigned *triangles, int count, int firstCorner, const RyMeshPart &part);
+    std::vector<int> findWithoutUv(int mesh, int primitive, size_t count) const;
 
     std::shared_ptr<const RyGltfDocument> m_document;
     /// Parts of the weld class at hand; welded vertices refer to the split vertex that they came from.

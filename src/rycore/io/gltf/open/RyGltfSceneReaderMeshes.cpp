@@ -103,10 +103,10 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
 {
     const int vertexCount = int(figure.mesh->positions.size());
     auto *mesh = new RyFacetMesh;
-    RyFigureExtras::applyFacetOrder(*m_origin->document, figure.entry, figure.mesh->facets, figure.mesh->parts,
-                                    m_messages);
+    RyFigureExtras::applyFacetOrder(*m_origin->document, figure.entry, figure.mesh->facets, figure.mesh->polygons,
+                                    figure.mesh->parts, m_messages);
     mesh->setPositions(std::move(figure.mesh->positions));
-    mesh->setFacets(std::move(figure.mesh->facets));
+    mesh->setFacets(std::move(figure.mesh->facets), std::move(figure.mesh->polygons));
     auto parts = std::make_shared<RyMeshParts>(std::move(figure.mesh->parts));
     fillLooks(*parts);
     auto *shape = new RyFacetShape(mesh);

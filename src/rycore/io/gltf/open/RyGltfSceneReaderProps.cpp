@@ -142,10 +142,11 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
         figure.parts.push_back({source.node, meshIndex, int(p), -1});
     }
     const int entry = m_entries->find({source.node}, int(m_figures.size() + m_origin->figures.size()));
-    RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.parts, m_messages);
+    RyFigureExtras::applyFacetOrder(*m_origin->document, entry, builder.facets, builder.polygons, builder.parts,
+                                    m_messages);
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(builder.positions));
-    mesh->setFacets(std::move(builder.facets));
+    mesh->setFacets(std::move(builder.facets), std::move(builder.polygons));
     auto parts = std::make_shared<RyMeshParts>(std::move(builder.parts));
     fillLooks(*parts);
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, entry, *mesh, m_messages))

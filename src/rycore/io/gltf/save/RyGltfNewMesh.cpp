@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfNewMesh.h"
 
+#include "rycore/io/RyPartPolygons.h"
 #include "rycore/io/RyPolygonFans.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
@@ -60,15 +61,18 @@ void RyGltfNewMesh::makePart()
     part.vertexOfSplit.resize(size_t(mesh.getNumVertices()));
     std::iota(part.vertexOfSplit.begin(), part.vertexOfSplit.end(), 0);
     part.hasFans = std::any_of(mesh.getFacets().begin(), mesh.getFacets().end(),
-                               [](const RyFacet &facet) { return !facet.isTriangle(); });
+                               [](const RyFacet &facet) { return !facet.isTriangle(); }) ||
+                   !mesh.getPolygons().empty();
     RyPolygonFans fans(unsigned(mesh.getNumVertices()));
+    std::vector<int> vertices;
     std::vector<unsigned> corners;
     std::vector<RyVec3> positions;
-    for (const RyFacet &facet : mesh.getFacets()) {
-        corners.assign(facet.vertices, facet.vertices + facet.count());
+    for (int facet = 0; facet < mesh.getNumFacets();) {
+        facet += mesh.readPolygon(facet, vertices);
+        corners.assign(vertices.begin(), vertices.end());
         positions.clear();
-        for (const unsigned corner : corners)
-            positions.push_back(mesh.getVertex(int(corner)));
+        for (const int vertex : vertices)
+            positions.push_back(mesh.getVertex(vertex));
         if (part.hasFans)
             fans.add(corners, positions);
         else
@@ -133,6 +137,7 @@ int RyGltfNewMesh::write(const QString &name, const RyGltfInfluences *influences
 {
     const int mesh = m_document.addMesh(name);
     int primitive = 0;
+    RyPartPolygons polygons(*m_shape.getFacetMesh(), *m_parts);
     RyGltfInfluenceWriter::Part influencePart;
     influencePart.places = places;
     for (const RyMeshPart &part : m_parts->parts) {
@@ -141,6 +146,11 @@ int RyGltfNewMesh::write(const QString &name, const RyGltfInfluences *influences
                 std::max(influencePart.sets, RyGltfInfluenceWriter(*influences).setsNeeded(&part.vertexOfSplit));
     }
     for (const RyMeshPart &part : m_parts->parts) {
+        std::vector<int> firstCorners;
+        polygons.forNextPart([&firstCorners](const RyPartPolygon &polygon) {
+            if (polygon.firstCorner != 0)
+                firstCorners.insert(firstCorners.end(), {polygon.firstTriangle, polygon.firstCorner});
+        });
         if (part.triangles.empty())
             continue;
         Attributes attributes = addAttributes(part, normalsOf(part));
@@ -155,6 +165,8 @@ int RyGltfNewMesh::write(const QString &name, const RyGltfInfluences *influences
                                 material);
         if (part.hasFans)
             m_document.markFans(mesh, primitive);
+        if (!firstCorners.empty())
+            RyTreeExtras::storeFirstCorners(m_document, mesh, primitive, firstCorners);
         storeTags(mesh, primitive, part, influences);
         ++primitive;
     }
@@ -175,6 +187,8 @@ void RyGltfNewMesh::storeTags(int mesh, int primitive, const RyMeshPart &part, c
         RyTreeExtras::storeApart(m_document, mesh, primitive, apart);
     if (!free.empty())
         RyTreeExtras::storeFree(m_document, mesh, primitive, free);
+    if (!part.withoutUv.empty())
+        RyTreeExtras::storeWithoutUv(m_document, mesh, primitive, part.withoutUv);
     if (!part.hasNormals())
         RyTreeExtras::storeMadeNormals(m_document, mesh, primitive);
 }

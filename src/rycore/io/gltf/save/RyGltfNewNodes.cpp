@@ -216,8 +216,7 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
         parts.push_back({mesh, int(p), &known.meshParts->parts[p]});
     RyGltfVertexPatch(m_document, *meshOf(node), toFigure).write(parts);
     for (const RyGltfPartSource &part : known.parts) {
-        if (RyTreeExtras::hasMadeNormals(m_document, part.mesh, part.primitive))
-            RyTreeExtras::storeMadeNormals(m_document, mesh, int(&part - known.parts.data()));
+        RyTreeExtras::copySurface(m_document, {part.mesh, part.primitive}, {mesh, int(&part - known.parts.data())});
     }
     return mesh;
 }
