@@ -52,7 +52,7 @@ QByteArray randomPolygons(RyRandom &random, bool hasLooks)
         }
         text += '\n';
     }
-    return text;
+    return text + "f 3 3 3\nf 3 3 3\nf 3 3 3\n"; // fans that begin alike
 }
 
 /// What the last facets of a file say, as many as the other file has, corner by corner from the first one on.
@@ -89,6 +89,7 @@ private slots:
     void thereAndBack_data();
     void thereAndBack();
     void groupsTearPolygons();
+    void polygonOfTwoParts();
     void inTheDump();
     void foldedOnes();
     void oddExtras();
@@ -189,6 +190,20 @@ void PolygonsTest::groupsTearPolygons()
         mesh.setGroupsOfFacets({0, 1, 1, 1, 0});
         QCOMPARE(sizesWritten(scene), (std::vector<int>{3, 5, 4}));
     }
+}
+
+/// Somebody calls triangles of two materials one polygon: no file can hold that.
+void PolygonsTest::polygonOfTwoParts()
+{
+    RyScene scene;
+    QString error;
+    const QString original = write("mtllib polygons.mtl\nv 0 0 0\nv 2 0 0\nv 3 2 0\nv 1 3 0\nv -1 2 0\n"
+                                   "usemtl one\nf 1 2 3\nf 1 3 4\nusemtl two\nf 1 4 5\nf 1 5 2\n");
+    QVERIFY2(RySceneFile::open(&scene, original, &error), qPrintable(error));
+    RyFacetMesh &mesh = *shapeOf(scene)->getFacetMesh();
+    mesh.setFacets(mesh.getFacets(), {{0, 3, 1}});
+    QCOMPARE(mesh.getPolygons().size(), size_t(1));
+    QCOMPARE(sizesWritten(scene), (std::vector<int>{3, 3, 3, 3}));
 }
 
 /// The same triangles with and without a polygon, begun elsewhere, and with other corners.

@@ -17,6 +17,12 @@ void RyPartPolygons::forNextPart(const std::function<void(const RyPartPolygon &)
     while (m_nextFacet < end) {
         m_polygon.firstFacet = m_facets[m_nextFacet];
         m_polygon.facetCount = m_mesh.readPolygon(m_polygon.firstFacet, m_corners);
+        const size_t last = m_nextFacet + size_t(m_polygon.facetCount) - 1;
+        if (last >= end || m_facets[last] != m_polygon.firstFacet + m_polygon.facetCount - 1) { // of several parts
+            const RyFacet &facet = m_mesh.getFacet(m_polygon.firstFacet);
+            m_polygon.facetCount = 1;
+            m_corners.assign(facet.vertices, facet.vertices + facet.count());
+        }
         const unsigned *triangle = &part.triangles[3 * size_t(m_polygon.firstTriangle)];
         m_polygon.splits.assign(triangle, triangle + 3);
         for (size_t corner = 3; corner < m_corners.size(); ++corner)

@@ -77,11 +77,6 @@ Json orderJson(const RyFacetMesh &mesh, const RyMeshParts *parts)
 /// Facets have other places now; those of one part still follow one another in their order.
 void movePolygons(std::vector<RyPolygon> &polygons, const std::vector<int> &placeOf)
 {
-    const auto isTorn = [&placeOf](const RyPolygon &polygon) {
-        const auto first = placeOf.begin() + polygon.firstFacet;
-        return first[polygon.facetCount - 1] != *first + polygon.facetCount - 1;
-    };
-    polygons.erase(std::remove_if(polygons.begin(), polygons.end(), isTorn), polygons.end());
     for (RyPolygon &polygon : polygons)
         polygon.firstFacet = placeOf[size_t(polygon.firstFacet)];
     std::sort(polygons.begin(), polygons.end(),
