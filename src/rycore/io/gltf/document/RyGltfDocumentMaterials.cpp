@@ -1,4 +1,5 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/document/RyGltfSpares.h"
 
 #include <algorithm>
 
@@ -24,6 +25,7 @@ int RyGltfDocument::addImage(const QString &name, const QByteArray &bytes, const
         entry["name"] = name.toStdString();
     entry["bufferView"] = view;
     entry["mimeType"] = mimeType.toStdString();
+    RyGltfSpares::mark(entry);
     Json &images = d->list("images");
     images.push_back(std::move(entry));
     return int(images.size()) - 1;
@@ -40,6 +42,7 @@ int RyGltfDocument::addMaterial(const RyGltfMaterial &material)
     if (material.baseColorTexture >= 0) {
         Json texture = Json::object();
         texture["source"] = material.baseColorTexture;
+        RyGltfSpares::mark(texture);
         Json &textures = d->list("textures");
         textures.push_back(std::move(texture));
         roughness["baseColorTexture"] = Json{{"index", textures.size() - 1}};
@@ -53,6 +56,7 @@ int RyGltfDocument::addMaterial(const RyGltfMaterial &material)
         entry["alphaMode"] = "BLEND";
     if (material.doubleSided)
         entry["doubleSided"] = true;
+    RyGltfSpares::mark(entry);
     d->list("materials").push_back(std::move(entry));
     d->model.materials.push_back(material);
     return int(d->model.materials.size()) - 1;

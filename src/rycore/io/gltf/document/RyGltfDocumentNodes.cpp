@@ -1,4 +1,5 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/document/RyGltfSpares.h"
 
 #include <algorithm>
 #include <cmath>
@@ -159,6 +160,7 @@ int RyGltfDocument::addMesh(const QString &name)
     Json entry = Json::object();
     setText(entry, "name", name);
     entry["primitives"] = Json::array();
+    RyGltfSpares::mark(entry);
     d->list("meshes").push_back(std::move(entry));
     d->model.meshes.emplace_back();
     d->model.meshes.back().name = name;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 using Json = RyGltfSpares::Json;
 
@@ -77,12 +78,14 @@ RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
         const Json &entries = listOf(d.tree, list);
         return std::any_of(entries.begin(), entries.end(), isMade);
     };
-    if (!hasMade("accessors") && !hasMade("bufferViews") && !hasMade("nodes"))
+    const char *const lists[] = {"accessors", "bufferViews", "nodes", "meshes", "materials", "textures", "images"};
+    if (std::none_of(std::begin(lists), std::end(lists), hasMade))
         return;
     // Any number in an extension may be the place of something.
     std::set<int> named = numbersInExtensions(d.tree);
-    findAccessors(named);
     findNodes(named);
+    m_looks.emplace(d.tree, m_nodes);
+    findAccessors(named);
     findViews(std::move(named));
 }
 
@@ -95,7 +98,14 @@ std::set<int> RyGltfSpares::numbersInExtensions(const Json &tree)
 
 void RyGltfSpares::findAccessors(const std::set<int> &named)
 {
-    const std::vector<int> &counts = d.countUses();
+    std::vector<int> counts = d.countUses();
+    for (const int mesh : m_looks->of(RyGltfList::Meshes)) {
+        RyGltfReferences::visit(RyGltfList::Meshes, std::as_const(d.tree)["meshes"][size_t(mesh)],
+                                [&counts](RyGltfList to, const Json &index) {
+                                    if (to == RyGltfList::Accessors && index.get<std::uint64_t>() < counts.size())
+                                        --counts[index.get<size_t>()];
+                                });
+    }
     std::vector<bool> used(counts.size());
     std::transform(counts.begin(), counts.end(), used.begin(), [](int count) { return count > 0; });
     for (const int number : named) {
@@ -124,9 +134,11 @@ void RyGltfSpares::findViews(std::set<int> named)
             use(d.storage.layouts[i].sparse.valueView);
         }
     }
-    for (const Json &image : listOf(d.tree, "images")) {
-        if (image.contains("bufferView"))
-            gatherNumbers(image["bufferView"], named);
+    const Json &images = listOf(d.tree, "images");
+    const std::vector<int> &unused = m_looks->of(RyGltfList::Images);
+    for (size_t i = 0; i < images.size(); ++i) {
+        if (images[i].contains("bufferView") && !std::binary_search(unused.begin(), unused.end(), int(i)))
+            gatherNumbers(images[i]["bufferView"], named);
     }
     for (const int number : named)
         use(number);
@@ -181,6 +193,8 @@ void RyGltfSpares::findNodes(const std::set<int> &named)
 void RyGltfSpares::drop()
 {
     dropNodes();
+    m_looks->drop(d.tree);
+    d.isPatched = true;
     dropAccessors();
     if (!m_views.empty())
         RyGltfGaps(d, m_views).close();

@@ -20,6 +20,11 @@ void setList(Json &object, const char *key, const std::vector<int> &list)
         object[key] = list;
 }
 
+Json madeMark()
+{
+    return Json{{"version", RyExtrasJson::Version}, {"made", true}};
+}
+
 void setIndex(Json &object, const char *key, int index)
 {
     if (index < 0)
@@ -41,7 +46,7 @@ void RyGltfTreePatch::setNode(int node, const QString &name)
     Json entry = Json::object();
     if (!name.isEmpty())
         entry["name"] = name.toStdString();
-    RyExtrasJson::store(entry, Json{{"version", RyExtrasJson::Version}, {"made", true}});
+    RyExtrasJson::store(entry, madeMark());
     changingTree()["nodes"][size_t(node)] = std::move(entry);
 }
 
@@ -110,6 +115,7 @@ int RyGltfTreePatch::cloneMesh(int mesh)
 {
     Json &meshes = changingTree()["meshes"];
     Json copy = meshes[size_t(mesh)];
+    RyExtrasJson::store(copy, madeMark());
     meshes.push_back(std::move(copy));
     return int(meshes.size()) - 1;
 }
@@ -136,6 +142,7 @@ int RyGltfTreePatch::addMeshOf(const QString &name, const std::vector<std::pair<
         primitives.empty() ? Json::iterator() : meshes[size_t(primitives.front().first)].find("weights");
     if (!primitives.empty() && weights != meshes[size_t(primitives.front().first)].end())
         entry["weights"] = *weights;
+    RyExtrasJson::store(entry, madeMark());
     meshes.push_back(std::move(entry));
     return int(meshes.size()) - 1;
 }
