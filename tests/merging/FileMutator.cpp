@@ -198,10 +198,11 @@ void FileMutator::markAtRandom()
     Json map = Json::array();
     for (int i = 0; i < 12; ++i)
         map.push_back(below(3) == 0 ? 0.0 : double(below(40)) / 10.0 - 2.0);
-    const std::pair<const char *, Json> marks[] = {{"nodes", {{"figure", true}}},    {"nodes", {{"removed", true}}},
-                                                   {"skins", {{"removed", true}}},   {"skins", {{"toFigure", map}}},
-                                                   {"accessors", {{"made", true}}},  {"bufferViews", {{"made", true}}},
-                                                   {nullptr, {{"figures", figures}}}};
+    const std::pair<const char *, Json> marks[] = {
+        {"nodes", {{"figure", true}}},  {"nodes", {{"removed", true}}},   {"skins", {{"removed", true}}},
+        {"skins", {{"toFigure", map}}}, {"accessors", {{"made", true}}},  {"bufferViews", {{"made", true}}},
+        {"meshes", {{"made", true}}},   {"materials", {{"made", true}}},  {"textures", {{"made", true}}},
+        {"images", {{"made", true}}},   {nullptr, {{"figures", figures}}}};
     auto [list, mark] = marks[below(std::size(marks))];
     mark["version"] = 1;
     Json *holder = &m_tree;
