@@ -1,15 +1,25 @@
 #include "rycore/io/gltf/clips/RyGltfArc.h"
 
+#include <algorithm>
+
 std::optional<RyGltfArc> RyGltfArc::find(const RyGltfMotionPiece &piece, const Eigen::Vector3d &point,
                                          const Eigen::Matrix3d &after)
 {
-    const std::optional<Eigen::Vector3d> velocity = piece.angularVelocity();
-    const std::optional<Eigen::Vector3d> scale = piece.steadyScale();
-    if (!velocity || !scale)
+    const std::optional<Eigen::Vector3d> turning = piece.angularVelocity();
+    const auto scale = piece.straightScale();
+    if (!turning || !scale)
         return std::nullopt;
     RyGltfArc arc;
-    arc.m_speed = velocity->norm();
-    if (arc.m_speed > 0.0)
-        arc.m_radius = (after * velocity->cross(scale->cwiseProduct(point))).norm() / arc.m_speed;
+    if (turning->isZero(0.0))
+        return arc;
+    // In the turned frame. What is straight is longest at one of its ends.
+    const auto inwards = [&](const Eigen::Vector3d &size) {
+        return (after * turning->cross(turning->cross(size.cwiseProduct(point)))).norm();
+    };
+    arc.m_bend = inwards(scale->from);
+    if (!scale->perSecond.isZero(0.0)) {
+        arc.m_bend = std::max(arc.m_bend, inwards(scale->to)) +
+                     2.0 * (after * turning->cross(scale->perSecond.cwiseProduct(point))).norm();
+    }
     return arc;
 }

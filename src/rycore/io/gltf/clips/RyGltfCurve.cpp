@@ -45,6 +45,17 @@ bool RyGltfCurvePiece::standsStill() const
            (m_curve.kind == RyGltfCurve::Linear && std::equal(key, key + m_curve.components, m_curve.key(m_key + 1)));
 }
 
+std::optional<RyGltfCurvePiece::Line> RyGltfCurvePiece::line() const
+{
+    const Eigen::Vector3d from(m_curve.key(m_key));
+    if (standsStill())
+        return Line{from, from, Eigen::Vector3d::Zero()};
+    if (m_curve.kind != RyGltfCurve::Linear)
+        return std::nullopt;
+    const Eigen::Vector3d to(m_curve.key(m_key + 1));
+    return Line{from, to, (to - from) / m_span};
+}
+
 std::optional<Eigen::Vector3d> RyGltfCurvePiece::angularVelocity() const
 {
     if (standsStill())
@@ -67,6 +78,11 @@ std::array<double, 4> RyGltfCurvePiece::at(double time) const
     }
     const double *b = m_curve.key(m_key + 1);
     const double u = share(time);
+    if (u == 0.0) { // saves the sines at most keys
+        for (int i = 0; i < n; ++i)
+            result[size_t(i)] = a[i] / m_sizes[0];
+        return result;
+    }
     double fromA = 1.0 - u, fromB = u;
     if (m_curve.kind == RyGltfCurve::Cubic) {
         const double *out = a + n, *in = b - n;

@@ -40,8 +40,13 @@ public:
     Eigen::Quaterniond rotation(double time) const;
 
     bool standsStill() const;
-    /// Of the key at its beginning.
-    Eigen::Vector3d start() const { return Eigen::Vector3d(m_curve.key(m_key)); }
+    /// Something that changes at one speed; what it is between is that of the keys around the piece, or beyond it.
+    struct Line
+    {
+        Eigen::Vector3d from, to, perSecond;
+    };
+    /// None for a cubic spline that changes.
+    std::optional<Line> line() const;
     /// Of a rotation, about an axis in the turned frame, in radians per second; none for a cubic spline, which has no
     /// single one.
     std::optional<Eigen::Vector3d> angularVelocity() const;

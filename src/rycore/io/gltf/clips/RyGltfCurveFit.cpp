@@ -1,5 +1,7 @@
 #include "rycore/io/gltf/clips/RyGltfCurveFit.h"
 
+#include "rycore/io/gltf/clips/RyGltfArc.h"
+
 #include <algorithm>
 
 namespace {
@@ -30,25 +32,33 @@ void RyGltfCurveFit::append(const Eigen::Vector3d &numbers)
     m_curve->values.insert(m_curve->values.end(), numbers.data(), numbers.data() + 3);
 }
 
-void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, const Rise &rise)
+void RyGltfCurveFit::findStops(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc)
 {
-    const auto excess = [&](float from, float to) {
-        return (rise ? rise(from, to) : missOf(place, from, to)) / (RyGltfKeyTimes::TakingShare * m_tolerance);
-    };
-    std::vector<float> times{span.from};
-    if (m_curve->kind != RyGltfCurve::Step && span.to > span.from)
-        RyGltfKeyTimes::refine(span.from, span.to, excess, times, m_room);
+    if (m_curve->kind == RyGltfCurve::Step || !(span.to > span.from)) {
+        m_stops.push_back({span.from, 0.0});
+    } else if (arc) {
+        const double miss = arc->rise(double(span.to) - double(span.from)) / m_tolerance;
+        RyGltfKeyTimes::divide(span.from, span.to, miss, m_stops, m_room);
+    } else {
+        const auto miss = [&](float from, float to) { return missOf(place, from, to) / m_tolerance; };
+        RyGltfKeyTimes::refine(span.from, span.to, miss, m_stops, m_room);
+    }
     if (span.endsInStep)
-        times.push_back(span.to);
-    for (size_t i = 0; i < times.size(); ++i) {
-        const float next = i + 1 < times.size() ? times[i + 1] : span.to;
-        m_curve->times.push_back(times[i]);
+        m_stops.push_back({span.to, 0.0});
+}
+
+void RyGltfCurveFit::add(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc)
+{
+    size_t key = m_stops.size();
+    for (findStops(span, place, arc); key < m_stops.size(); ++key) {
+        const float time = m_stops[key].time;
+        const float next = key + 1 < m_stops.size() ? m_stops[key + 1].time : span.to;
         if (m_curve->kind == RyGltfCurve::Cubic)
             append(m_arriving);
-        append(place(double(times[i])));
+        append(place(double(time)));
         if (m_curve->kind == RyGltfCurve::Cubic) {
-            append(velocity(place, times[i], next, false));
-            m_arriving = velocity(place, times[i], next, true);
+            append(velocity(place, time, next, false));
+            m_arriving = velocity(place, time, next, true);
         }
     }
 }
@@ -71,6 +81,8 @@ double RyGltfCurveFit::missOf(const Place &place, float from, float to) const
 
 std::shared_ptr<const RyGltfCurve> RyGltfCurveFit::take()
 {
+    for (const RyGltfKeyTimes::Stop &stop : m_stops)
+        m_curve->times.push_back(stop.time);
     if (m_curve->kind == RyGltfCurve::Linear)
         thin();
     return std::move(m_curve);
@@ -79,14 +91,13 @@ std::shared_ptr<const RyGltfCurve> RyGltfCurveFit::take()
 void RyGltfCurveFit::thin()
 {
     const auto at = [this](size_t key) { return Eigen::Map<const Eigen::Vector3d>(m_curve->key(key)); };
-    const auto isNear = [&](size_t from, size_t to, size_t place) {
+    const auto distance = [&](size_t from, size_t to, size_t place) {
         const double start = double(m_curve->times[from]);
         const double share = (double(m_curve->times[place]) - start) / (double(m_curve->times[to]) - start);
-        return (at(from) + share * (at(to) - at(from)) - at(place)).norm() <=
-               RyGltfKeyTimes::ThinningShare * m_tolerance;
+        return (at(from) + share * (at(to) - at(from)) - at(place)).norm() / m_tolerance;
     };
     RyGltfCurve result;
-    for (const size_t key : RyGltfKeyTimes::thin(m_curve->keyCount(), isNear)) {
+    for (const size_t key : RyGltfKeyTimes::thin(m_stops, distance)) {
         result.times.push_back(m_curve->times[key]);
         result.values.insert(result.values.end(), at(key).data(), at(key).data() + 3);
     }

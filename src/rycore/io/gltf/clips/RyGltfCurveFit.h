@@ -2,6 +2,8 @@
 
 #include "rycore/io/gltf/clips/RyGltfKeyTimes.h"
 
+class RyGltfArc;
+
 /// Makes the keys of a translation that follows from several curves.
 class RyGltfCurveFit
 {
@@ -11,13 +13,12 @@ public:
 
     /// Where the curve has to be at a time of a span; it must be smooth there.
     using Place = std::function<Eigen::Vector3d(double time)>;
-    /// How far the curve is from the line between two times, at most, where that is known without looking.
-    using Rise = std::function<double(float from, float to)>;
-    /// The next span.
-    void add(const RyGltfKeyTimes::Span &span, const Place &place, const Rise &rise = {});
+    /// The next span; `arc`: what it is known to be, of a curve that is linear between its keys.
+    void add(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc);
     std::shared_ptr<const RyGltfCurve> take();
 
 private:
+    void findStops(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc);
     double missOf(const Place &place, float from, float to) const;
     struct Stretch // between two keys
     {
@@ -32,5 +33,6 @@ private:
     double m_tolerance;
     size_t m_room; // see RyGltfKeyTimes::refine
     std::shared_ptr<RyGltfCurve> m_curve = std::make_shared<RyGltfCurve>();
+    std::vector<RyGltfKeyTimes::Stop> m_stops;            // of its keys
     Eigen::Vector3d m_arriving = Eigen::Vector3d::Zero(); // tangent at the end of the span before
 };

@@ -193,11 +193,8 @@ RyGltfExactChange::Curve RyGltfExactChange::fitted(const RyGltfMotion &motion) c
     for (const RyGltfKeyTimes::Span &span : spans) {
         const RyGltfMotionPiece piece(motion, span.from, span.next);
         const auto arc = kind == RyGltfCurve::Linear ? RyGltfArc::find(piece, m_shift, m_after.linear()) : std::nullopt;
-        RyGltfCurveFit::Rise rise;
-        if (arc)
-            rise = [&arc](float from, float to) { return arc->rise(double(to) - double(from)); };
         fit.add(
-            span, [this, &piece](double time) { return place(piece, time); }, rise);
+            span, [this, &piece](double time) { return place(piece, time); }, arc ? &*arc : nullptr);
     }
     return fit.take();
 }

@@ -16,26 +16,37 @@ void unite(std::vector<float> &times, const std::vector<float> &others)
     times = std::move(result);
 }
 
-/// `before`: how far the line was that this is a piece of.
-void refinePiece(float from, float to, double before, const RyGltfKeyTimes::Excess &excess, std::vector<float> &times,
-                 size_t mostKeys)
+constexpr size_t mostAtOnce = 4096;
+
+/// Equal pieces, each given to `add`; fewer where floats know no more times.
+template<typename Add>
+void cut(float from, float to, size_t pieces, const Add &add)
 {
-    constexpr int mostPieces = 64;
-    const double much = excess(from, to);
-    if (!(much > 1.0) || !(much < 0.9 * before) || times.size() > mostKeys)
-        return;
-    // What is left of an arc's height falls with the square of the number of pieces.
-    const int pieces = int(std::clamp(std::ceil(std::sqrt(much)), 2.0, double(mostPieces)));
     float start = from;
-    for (int i = 1; i <= pieces; ++i) {
-        const float next = i == pieces ? to : float(double(from) + (double(to) - double(from)) * i / pieces);
+    for (size_t i = 1; i <= pieces; ++i) {
+        const double share = double(i) / double(pieces);
+        const float next = i == pieces ? to : float(double(from) + (double(to) - double(from)) * share);
         if (!(next > start) || (i < pieces && !(next < to)))
             continue;
-        refinePiece(start, next, much, excess, times, mostKeys);
-        if (i < pieces)
-            times.push_back(next);
+        add(start, next);
         start = next;
     }
+}
+
+/// `before`: how far the line was off that this is a piece of.
+void refinePiece(float from, float to, double before, const RyGltfKeyTimes::Miss &miss,
+                 std::vector<RyGltfKeyTimes::Stop> &stops, size_t mostStops)
+{
+    constexpr double enough = 0.5, mostPieces = 64.0;
+    const double much = miss(from, to);
+    if (!(much > enough) || !(much < 0.9 * before) || stops.size() >= mostStops) {
+        stops.push_back({from, much});
+        return;
+    }
+    // What is left of an arc's height falls with the square of the number of pieces.
+    const double pieces = std::clamp(std::ceil(std::sqrt(much / enough)), 2.0, mostPieces);
+    cut(from, to, size_t(pieces),
+        [&](float start, float next) { refinePiece(start, next, much, miss, stops, mostStops); });
 }
 
 } // namespace
@@ -72,30 +83,39 @@ std::vector<RyGltfKeyTimes::Span> RyGltfKeyTimes::spans() const
     return result;
 }
 
-void RyGltfKeyTimes::refine(float from, float to, const Excess &excess, std::vector<float> &times, size_t &room)
+void RyGltfKeyTimes::refine(float from, float to, const Miss &miss, std::vector<Stop> &stops, size_t &room)
 {
-    constexpr size_t mostAtOnce = 4096;
-    const size_t before = times.size();
-    if (room > 0)
-        refinePiece(from, to, std::numeric_limits<double>::infinity(), excess, times, std::min(room, mostAtOnce));
-    room -= std::min(room, times.size() - before);
+    const size_t before = stops.size();
+    refinePiece(from, to, std::numeric_limits<double>::infinity(), miss, stops, before + std::min(room, mostAtOnce));
+    room -= std::min(room, stops.size() - before - 1);
 }
 
-std::vector<size_t> RyGltfKeyTimes::thin(size_t count, const IsNear &isNear)
+void RyGltfKeyTimes::divide(float from, float to, double miss, std::vector<Stop> &stops, size_t &room)
 {
-    constexpr size_t mostAtOnce = 64; // so that long curves cost no more than their length
+    const double wanted = miss > 1.0 ? std::ceil(std::sqrt(miss)) : 1.0;
+    const size_t pieces = size_t(std::min(wanted, 1.0 + double(std::min(room, mostAtOnce))));
+    const size_t before = stops.size();
+    cut(from, to, pieces, [&](float start, float) { stops.push_back({start, miss / double(pieces * pieces)}); });
+    room -= std::min(room, stops.size() - before - 1);
+}
+
+std::vector<size_t> RyGltfKeyTimes::thin(const std::vector<Stop> &stops, const Distance &distance)
+{
+    constexpr size_t mostLeftOut = 64; // in one run, so that long curves cost no more than their length
     std::vector<size_t> kept;
-    for (size_t from = 0; from < count;) {
+    for (size_t from = 0; from < stops.size();) {
         kept.push_back(from);
         size_t to = from + 1;
+        // What lies between two stops is no farther from a line than they, and by what it is off already.
         const auto fits = [&](size_t end) {
             for (size_t place = from + 1; place < end; ++place) {
-                if (!isNear(from, end, place))
+                const double known = std::max(stops[place - 1].miss, stops[place].miss);
+                if (!(known <= 1.0) || !(distance(from, end, place) + known <= 1.0))
                     return false;
             }
             return true;
         };
-        while (to + 1 < count && to - from < mostAtOnce && fits(to + 1))
+        while (to + 1 < stops.size() && to - from < mostLeftOut && fits(to + 1))
             ++to;
         from = to;
     }

@@ -25,23 +25,29 @@ public:
     };
     std::vector<Span> spans() const;
 
-    /// The error that may be is spent twice: so many keys are taken that lines between them come this near, and then
-    /// those left out that are this near to the line between others.
-    static constexpr double TakingShare = 0.25, ThinningShare = 0.75;
-
-    /// How much too far the line between two keys is from what it stands for: 1 is the most that may be.
-    using Excess = std::function<double(float from, float to)>;
-    /// Adds times between two, neither of which is among them, until no line is too far, or where more keys no longer
-    /// help. `room` is left for all stretches of a curve together: values beyond all measure would take thousands each.
-    static void refine(float from, float to, const Excess &excess, std::vector<float> &times, size_t &room);
+    /// A key, and how far the line to the next one is from what it stands for. Of distances here 1 is the most that
+    /// may be.
+    struct Stop
+    {
+        float time;
+        double miss;
+    };
+    /// How far the line between two times is off, as some places between them tell.
+    using Miss = std::function<double(float from, float to)>;
+    /// Adds stops for what lies between two times, the first one and not the second, until lines are near enough to
+    /// leave room for what the places did not tell, or more keys no longer help. `room` is left for all stretches of a
+    /// curve together: values beyond all measure would take thousands each.
+    static void refine(float from, float to, const Miss &miss, std::vector<Stop> &stops, size_t &room);
+    /// The same by the distance of the whole line, where it is known to fall with the square of the number of pieces.
+    static void divide(float from, float to, double miss, std::vector<Stop> &stops, size_t &room);
     /// Keys that a curve of so many spans may get beside its own; others take far fewer.
     static size_t roomFor(size_t spans) { return (size_t(1) << 15) + 16 * spans; }
 
-    /// Whether what stands at a place of a list of keys is near the line between two others.
-    using IsNear = std::function<bool(size_t from, size_t to, size_t place)>;
-    /// The keys of so many that are needed, as few as the first way finds. Those at both sides of a step that can be
-    /// seen stay: no line is near them.
-    static std::vector<size_t> thin(size_t count, const IsNear &isNear);
+    /// How far a stop is from the line between two others.
+    using Distance = std::function<double(size_t from, size_t to, size_t place)>;
+    /// The stops that are needed, as few as the first way finds. Those at both sides of a step that can be seen stay:
+    /// no line is near them.
+    static std::vector<size_t> thin(const std::vector<Stop> &stops, const Distance &distance);
 
 private:
     std::vector<float> m_times;

@@ -37,10 +37,9 @@ std::optional<Eigen::Vector3d> RyGltfMotionPiece::angularVelocity() const
     return piece ? piece->angularVelocity() : Eigen::Vector3d(Eigen::Vector3d::Zero());
 }
 
-std::optional<Eigen::Vector3d> RyGltfMotionPiece::steadyScale() const
+std::optional<RyGltfCurvePiece::Line> RyGltfMotionPiece::straightScale() const
 {
     const auto &piece = m_pieces[size_t(RyGltfPath::Scale)];
-    if (!piece)
-        return m_motion.rest.scale;
-    return piece->standsStill() ? std::optional(piece->start()) : std::nullopt;
+    const Eigen::Vector3d &still = m_motion.rest.scale;
+    return piece ? piece->line() : RyGltfCurvePiece::Line{still, still, Eigen::Vector3d::Zero()};
 }

@@ -31,8 +31,8 @@ public:
 
     /// See RyGltfCurvePiece; zero where nothing drives the rotation.
     std::optional<Eigen::Vector3d> angularVelocity() const;
-    /// None where the scale changes.
-    std::optional<Eigen::Vector3d> steadyScale() const;
+    /// See RyGltfCurvePiece.
+    std::optional<RyGltfCurvePiece::Line> straightScale() const;
 
 private:
     const RyGltfMotion &m_motion;

@@ -69,6 +69,12 @@ Eigen::Affine3d ryGltfColumns(const RyAffine &rows)
     return map;
 }
 
+RyGltfParts ryGltfBetween(const RyGltfParts &a, const RyGltfParts &b, double share)
+{
+    return {a.translation + share * (b.translation - a.translation), a.rotation.slerp(share, b.rotation),
+            a.scale + share * (b.scale - a.scale)};
+}
+
 double ryGltfDistance(const Eigen::Affine3d &a, const Eigen::Affine3d &b, double reach)
 {
     // The Frobenius norm is no less than the largest factor by which a direction grows.

@@ -23,6 +23,9 @@ struct RyGltfParts
 
 Eigen::Affine3d ryGltfColumns(const RyAffine &rows);
 
+/// As a player has it between two keys: each part by itself, rotations the shorter way.
+RyGltfParts ryGltfBetween(const RyGltfParts &a, const RyGltfParts &b, double share);
+
 /// How far two maps take one point within `reach` of the origin from each other, at most. Infinite
 /// where one of them is not finite.
 double ryGltfDistance(const Eigen::Affine3d &a, const Eigen::Affine3d &b, double reach);

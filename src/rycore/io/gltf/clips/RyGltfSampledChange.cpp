@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <optional>
 
 /// All motions that enter, between two times.
@@ -27,49 +28,53 @@ public:
             result = motion.map(time) * result;
         return m_change.after * up.inverse() * m_change.between * result;
     }
-    Eigen::Affine3d whole(double time) const { return behind(time) * m_node.map(time) * m_change.before; }
-    RyGltfParts parts(double time) const
+
+    /// What a curve can say of a time, and how far that is off.
+    struct Sample
     {
-        const Eigen::Affine3d map = whole(time);
-        return map.matrix().allFinite() ? RyGltfParts::nearest(map, m_node.scale(time)) : m_node.parts(time);
+        RyGltfParts parts;
+        Eigen::Affine3d map; // of the parts
+        double missed;
+    };
+    const Sample &at(double time)
+    {
+        const auto [known, isNew] = m_samples.try_emplace(time);
+        if (isNew)
+            known->second = take(time);
+        return known->second;
+    }
+
+    /// How far the line between two times is off.
+    double missOf(float from, float to)
+    {
+        const RyGltfParts &a = at(double(from)).parts, &b = at(double(to)).parts;
+        double worst = 0.0;
+        for (const double share : {0.25, 0.5, 0.75}) {
+            const RyGltfParts line = ryGltfBetween(a, b, share);
+            const Sample &wanted = at(double(from) + share * (double(to) - double(from)));
+            worst = std::max(worst, ryGltfDistance(wanted.map, line.map(), m_change.reach));
+        }
+        return worst;
     }
 
 private:
+    Sample take(double time) const
+    {
+        const Eigen::Affine3d map = behind(time) * m_node.map(time) * m_change.before;
+        Sample sample;
+        sample.parts = map.matrix().allFinite() ? RyGltfParts::nearest(map, m_node.scale(time)) : m_node.parts(time);
+        sample.map = sample.parts.map();
+        sample.missed = ryGltfDistance(sample.map, map, m_change.reach);
+        return sample;
+    }
+
     const RyGltfMotionChange &m_change;
     RyGltfMotionPiece m_node;
     std::vector<RyGltfMotionPiece> m_down, m_up;
+    std::map<double, Sample> m_samples; // by time
 };
 
 namespace {
-
-RyGltfParts between(const RyGltfParts &a, const RyGltfParts &b, double share)
-{
-    return {a.translation + share * (b.translation - a.translation), a.rotation.slerp(share, b.rotation),
-            a.scale + share * (b.scale - a.scale)};
-}
-
-struct Key
-{
-    float time;
-    RyGltfParts parts;
-};
-
-std::vector<Key> thinned(const std::vector<Key> &keys, double tolerance, double reach)
-{
-    std::vector<Eigen::Affine3d> maps;
-    for (const Key &key : keys)
-        maps.push_back(key.parts.map());
-    const auto isNear = [&](size_t from, size_t to, size_t place) {
-        const double start = double(keys[from].time);
-        const double share = (double(keys[place].time) - start) / (double(keys[to].time) - start);
-        return ryGltfDistance(between(keys[from].parts, keys[to].parts, share).map(), maps[place], reach) <=
-               RyGltfKeyTimes::ThinningShare * tolerance;
-    };
-    std::vector<Key> result;
-    for (const size_t key : RyGltfKeyTimes::thin(keys.size(), isNear))
-        result.push_back(keys[key]);
-    return result;
-}
 
 /// The three curves of a list of transforms.
 class Curves
@@ -143,36 +148,37 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
             keys.add(motion);
     }
     const RyGltfCurve::Kind kind = keys.isStepped() ? RyGltfCurve::Step : RyGltfCurve::Linear;
-    const double reach = m_change.reach;
-    std::vector<Key> taken;
+    std::vector<RyGltfKeyTimes::Stop> stops;
+    std::vector<Piece::Sample> samples; // at the stops
     const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
     size_t room = RyGltfKeyTimes::roomFor(spans.size());
     for (const RyGltfKeyTimes::Span &span : spans) {
-        const Piece piece(*this, span.from, span.next);
-        const auto excess = [&](float from, float to) {
-            const RyGltfParts a = piece.parts(double(from)), b = piece.parts(double(to));
-            double worst = 0.0;
-            for (const double share : {0.25, 0.5, 0.75}) {
-                const RyGltfParts wanted = piece.parts(double(from) + share * (double(to) - double(from)));
-                worst = std::max(worst, ryGltfDistance(wanted.map(), between(a, b, share).map(), reach));
-            }
-            return worst / (RyGltfKeyTimes::TakingShare * m_change.tolerance);
-        };
-        std::vector<float> times{span.from};
-        if (kind != RyGltfCurve::Step && span.to > span.from)
-            RyGltfKeyTimes::refine(span.from, span.to, excess, times, room);
+        Piece piece(*this, span.from, span.next);
+        const auto miss = [&](float from, float to) { return piece.missOf(from, to) / m_change.tolerance; };
+        if (kind == RyGltfCurve::Step || !(span.to > span.from))
+            stops.push_back({span.from, 0.0});
+        else
+            RyGltfKeyTimes::refine(span.from, span.to, miss, stops, room);
         if (span.endsInStep)
-            times.push_back(span.to);
-        for (const float time : times) {
-            const RyGltfParts parts = piece.parts(double(time));
-            *missed = std::max(*missed, ryGltfDistance(parts.map(), piece.whole(double(time)), reach));
-            taken.push_back({time, parts});
+            stops.push_back({span.to, 0.0});
+        while (samples.size() < stops.size()) {
+            samples.push_back(piece.at(double(stops[samples.size()].time)));
+            *missed = std::max(*missed, samples.back().missed);
         }
     }
+    const auto distance = [&](size_t from, size_t to, size_t place) {
+        const double start = double(stops[from].time);
+        const double share = (double(stops[place].time) - start) / (double(stops[to].time) - start);
+        const RyGltfParts line = ryGltfBetween(samples[from].parts, samples[to].parts, share);
+        return ryGltfDistance(line.map(), samples[place].map, m_change.reach) / m_change.tolerance;
+    };
     Curves curves(kind);
-    if (kind == RyGltfCurve::Linear)
-        taken = thinned(taken, m_change.tolerance, reach);
-    for (const Key &key : taken)
-        curves.add(key.time, key.parts);
+    if (kind == RyGltfCurve::Linear) {
+        for (const size_t key : RyGltfKeyTimes::thin(stops, distance))
+            curves.add(stops[key].time, samples[key].parts);
+    } else {
+        for (size_t key = 0; key < stops.size(); ++key)
+            curves.add(stops[key].time, samples[key].parts);
+    }
     return curves.motion(m_motion);
 }
