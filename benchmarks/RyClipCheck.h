@@ -16,7 +16,7 @@ public:
     RyClipCheck(const RyGltfDocument &before, const RyGltfDocument &after) : m_before(before), m_after(after) {}
 
     /// How far points about a joint that follow it are from where they were, at most, at some times of all clips and of
-    /// the joints that both files have, in heights of the skeleton; infinite where there is nothing to compare.
+    /// the joints that both files have, in heights of the figure; infinite where there is nothing to compare.
     double worst() const
     {
         const size_t clips = m_before.clips.clips().size();
@@ -73,7 +73,24 @@ private:
                 low = std::min(low, at);
                 high = std::max(high, at);
             }
+            for (const RyGltfNode &node : model.nodes) {
+                if (node.mesh >= 0 && node.skin >= 0)
+                    includeVertices(document, model.meshes[size_t(node.mesh)], low, high);
+            }
             height = high - low;
+        }
+
+        /// What is skinned stands in the space of the joints' rest.
+        static void includeVertices(const RyGltfDocument &document, const RyGltfMesh &mesh, double &low, double &high)
+        {
+            for (const RyGltfPrimitive &primitive : mesh.primitives) {
+                const std::vector<float> positions =
+                    primitive.positions >= 0 ? document.readFloats(primitive.positions) : std::vector<float>();
+                for (size_t i = 1; i < positions.size(); i += 3) {
+                    low = std::min(low, double(positions[i]));
+                    high = std::max(high, double(positions[i]));
+                }
+            }
         }
 
         double end(size_t clip) const
@@ -106,7 +123,7 @@ private:
         RyGltfClips clips;
         std::vector<int> order;
         std::map<int, Eigen::Matrix4d> binds; // inverse ones, of the joints of all skins
-        double height = 0.0;                  // between the lowest and the highest joint
+        double height = 0.0;                  // of joints and vertices
     };
 
     double apart(size_t clip, float time) const

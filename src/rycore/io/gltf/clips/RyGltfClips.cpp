@@ -4,8 +4,6 @@
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 
-#include <QStringList>
-
 #include <algorithm>
 #include <optional>
 
@@ -30,14 +28,6 @@ std::optional<RyGltfPath> pathOf(const Json &target)
     return std::nullopt;
 }
 
-/// A list of an object; an empty one where there is none.
-const Json &listOf(const Json &object, const char *key)
-{
-    static const Json none = Json::array();
-    const Json *list = find(object, key);
-    return list && list->is_array() ? *list : none;
-}
-
 /// The index below `limit` that a member holds, -1 for none.
 int indexOf(const Json &object, const char *key, size_t limit)
 {
@@ -45,24 +35,28 @@ int indexOf(const Json &object, const char *key, size_t limit)
     return index && RyGltfReferences::isIndex(*index) && index->get<double>() < double(limit) ? index->get<int>() : -1;
 }
 
-/// The part of a node's transform that a pointer like "/nodes/7/translation" names.
+/// The part of a node's transform that a pointer names.
 std::optional<RyGltfTarget> targetOfPointer(const Json &target, size_t nodeCount)
 {
-    const Json *extensions = find(target, "extensions");
-    const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
-    const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
-    if (!pointer || !pointer->is_string())
-        return std::nullopt;
-    const QStringList steps = QString::fromStdString(pointer->get<std::string>()).split(QLatin1Char('/'));
-    bool isNumber = false;
-    const uint node = steps.value(2).toUInt(&isNumber);
-    if (steps.size() != 4 || steps[1] != QLatin1String("nodes") || !isNumber || node >= nodeCount)
+    const auto pointed = ryGltfPointedNode(target);
+    if (!pointed || size_t(pointed->first) >= nodeCount)
         return std::nullopt;
     for (const RyGltfPath path : ryGltfPaths) {
-        if (steps[3] == QLatin1String(ryGltfPathName(path)))
-            return RyGltfTarget(int(node), path);
+        if (pointed->second == std::string("/") + ryGltfPathName(path))
+            return RyGltfTarget(pointed->first, path);
     }
     return std::nullopt;
+}
+
+std::optional<RyGltfCurve::Kind> kindOf(const Json &sampler)
+{
+    const Json *kind = find(sampler, "interpolation");
+    const std::string *name = kind ? kind->get_ptr<const std::string *>() : nullptr;
+    if (!kind || (name && *name == "LINEAR"))
+        return RyGltfCurve::Linear;
+    if (!name || (*name != "STEP" && *name != "CUBICSPLINE"))
+        return std::nullopt;
+    return *name == "STEP" ? RyGltfCurve::Step : RyGltfCurve::Cubic;
 }
 
 RyGltfTarget targetOf(const RyGltfChannel &channel)
@@ -71,6 +65,21 @@ RyGltfTarget targetOf(const RyGltfChannel &channel)
 }
 
 } // namespace
+
+std::optional<std::pair<int, std::string>> ryGltfPointedNode(const Json &target)
+{
+    const Json *extensions = find(target, "extensions");
+    const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
+    const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
+    RyGltfList list = RyGltfList::Scenes;
+    int index = -1;
+    std::string rest;
+    if (!pointer || !pointer->is_string() ||
+        !RyGltfReferences::splitPointer(pointer->get_ref<const std::string &>(), list, index, rest) ||
+        list != RyGltfList::Nodes)
+        return std::nullopt;
+    return std::pair(index, rest);
+}
 
 const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const
 {
@@ -83,7 +92,7 @@ const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const
 
 RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(&document)
 {
-    for (const Json &clip : listOf(document.json(), "animations")) {
+    for (const Json &clip : RyGltfReferences::listIn(document.json(), "animations")) {
         RyGltfClip &result = m_clips.emplace_back();
         const Json *name = find(clip, "name");
         if (name && name->is_string())
@@ -94,11 +103,11 @@ RyGltfClips::RyGltfClips(const RyGltfDocument &document) : m_document(&document)
     }
 }
 
-void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
+void RyGltfClips::readClip(const Json &clip, RyGltfClip &result)
 {
     const size_t nodeCount = m_document->model().nodes.size();
     std::map<std::pair<int, RyGltfPath>, size_t> known; // places in `result.channels`
-    const Json &channels = listOf(clip, "channels");
+    const Json &channels = RyGltfReferences::listIn(clip, "channels");
     for (size_t place = 0; place < channels.size(); ++place) {
         const Json *target = find(channels[place], "target");
         if (!target)
@@ -116,8 +125,10 @@ void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
         if (!readSampler(clip, channels[place], channel) ||
             !known.try_emplace(targetOf(channel), result.channels.size()).second)
             result.unreadable.insert({channel.node, *path});
-        else
+        else {
+            channel.number = m_channelCount++;
             result.channels.push_back(channel);
+        }
     }
     for (const auto &[target, place] : known)
         result.byTarget.push_back(place);
@@ -125,7 +136,7 @@ void RyGltfClips::readClip(const Json &clip, RyGltfClip &result) const
 
 bool RyGltfClips::readSampler(const Json &clip, const Json &channel, RyGltfChannel &result) const
 {
-    const Json &samplers = listOf(clip, "samplers");
+    const Json &samplers = RyGltfReferences::listIn(clip, "samplers");
     const int place = indexOf(channel, "sampler", samplers.size());
     if (place < 0 || !samplers[size_t(place)].is_object())
         return false;
@@ -134,13 +145,10 @@ bool RyGltfClips::readSampler(const Json &clip, const Json &channel, RyGltfChann
     const size_t accessors = m_document->model().accessors.size();
     result.sampler.input = indexOf(sampler, "input", accessors);
     result.sampler.output = indexOf(sampler, "output", accessors);
-    const Json *kind = find(sampler, "interpolation");
-    const Json step("STEP"), linear("LINEAR"), cubic("CUBICSPLINE");
-    if (kind && *kind != step && *kind != linear && *kind != cubic)
+    const std::optional<RyGltfCurve::Kind> kind = kindOf(sampler);
+    if (!kind)
         return false;
-    result.sampler.kind = !kind || *kind == linear ? RyGltfCurve::Linear
-                          : *kind == step          ? RyGltfCurve::Step
-                                                   : RyGltfCurve::Cubic;
+    result.sampler.kind = *kind;
     return result.sampler.input >= 0 && result.sampler.output >= 0;
 }
 
@@ -150,6 +158,17 @@ std::shared_ptr<const RyGltfCurve> RyGltfClips::curve(const RyGltfSampler &sampl
     if (isNew)
         known->second = read(sampler, path);
     return known->second;
+}
+
+void RyGltfClips::readCurves() const
+{
+    if (m_read.size() == m_channelCount)
+        return;
+    m_read.resize(m_channelCount);
+    for (const RyGltfClip &clip : m_clips) {
+        for (const RyGltfChannel &channel : clip.channels)
+            m_read[channel.number] = curve(channel.sampler, channel.path);
+    }
 }
 
 const std::vector<float> &RyGltfClips::times(int accessor) const

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -31,7 +32,8 @@ struct RyGltfSampler
 
 struct RyGltfChannel
 {
-    size_t place = 0; ///< in the clip's list of channels
+    size_t number = 0; ///< among those of all clips here
+    size_t place = 0;  ///< in the clip's list of channels
     size_t samplerPlace = 0;
     RyGltfSampler sampler;
     int node = -1;
@@ -66,9 +68,15 @@ public:
     /// Null for a damaged one: other counts than the interpolation needs, numbers that are not finite, times that do
     /// not rise, rotations of no length.
     std::shared_ptr<const RyGltfCurve> curve(const RyGltfSampler &sampler, RyGltfPath path) const;
+    /// Reads the curves of all channels, which can then be looked up, from several threads as well.
+    void readCurves() const;
+    const std::shared_ptr<const RyGltfCurve> &curve(const RyGltfChannel &channel) const
+    {
+        return m_read[channel.number];
+    }
 
 private:
-    void readClip(const nlohmann::ordered_json &clip, RyGltfClip &result) const;
+    void readClip(const nlohmann::ordered_json &clip, RyGltfClip &result);
     bool readSampler(const nlohmann::ordered_json &clip, const nlohmann::ordered_json &channel,
                      RyGltfChannel &result) const;
     std::shared_ptr<const RyGltfCurve> read(const RyGltfSampler &sampler, RyGltfPath path) const;
@@ -76,6 +84,12 @@ private:
 
     const RyGltfDocument *m_document = nullptr;
     std::vector<RyGltfClip> m_clips;
+    size_t m_channelCount = 0;
     mutable std::map<std::pair<RyGltfSampler, bool>, std::shared_ptr<const RyGltfCurve>> m_curves; // by "rotation"
-    mutable std::map<int, std::vector<float>> m_times; // by accessor; empty for unusable ones
+    mutable std::map<int, std::vector<float>> m_times;              // by accessor; empty for unusable ones
+    mutable std::vector<std::shared_ptr<const RyGltfCurve>> m_read; // by number of a channel
 };
+
+/// The node that a pointer of KHR_animation_pointer like "/nodes/7/translation" goes to, and what follows it; none for
+/// any other target.
+std::optional<std::pair<int, std::string>> ryGltfPointedNode(const nlohmann::ordered_json &target);

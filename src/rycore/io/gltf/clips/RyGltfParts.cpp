@@ -5,13 +5,33 @@
 #include <cmath>
 #include <limits>
 
+namespace {
+
+/// Of the factors of a map, as far as they fit its reflection.
+Eigen::Vector3d signsFor(const Eigen::Affine3d &map, const Eigen::Vector3d &signs)
+{
+    const Eigen::Vector3d sign = signs.unaryExpr([](double factor) { return factor < 0.0 ? -1.0 : 1.0; });
+    const bool fits = map.linear().determinant() * sign.prod() >= 0.0;
+    return fits ? sign : Eigen::Vector3d(-sign); // one factor stays one factor
+}
+
+} // namespace
+
+RyGltfParts RyGltfParts::straight(const Eigen::Affine3d &map, const Eigen::Vector3d &signs)
+{
+    RyGltfParts parts;
+    parts.translation = map.translation();
+    parts.scale = map.linear().colwise().norm().transpose().cwiseProduct(signsFor(map, signs));
+    const Eigen::Matrix3d turn = map.linear() * parts.scale.cwiseInverse().asDiagonal();
+    parts.rotation = Eigen::Quaterniond(turn).normalized();
+    return parts;
+}
+
 RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector3d &signs)
 {
     RyGltfParts parts;
     parts.translation = map.translation();
-    Eigen::Vector3d sign = signs.unaryExpr([](double factor) { return factor < 0.0 ? -1.0 : 1.0; });
-    if (map.linear().determinant() * sign.prod() < 0.0)
-        sign = -sign; // one factor stays one factor
+    const Eigen::Vector3d sign = signsFor(map, signs);
     const Eigen::Matrix3d straight = map.linear() * sign.asDiagonal();
     const Eigen::JacobiSVD<Eigen::Matrix3d> svd(straight, Eigen::ComputeFullU | Eigen::ComputeFullV);
     // Of a map that is flat, or nothing, the last direction is free: so that it makes no reflection.

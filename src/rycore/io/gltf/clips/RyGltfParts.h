@@ -14,6 +14,8 @@ struct RyGltfParts
 
     /// The nearest to a finite map; `signs` of the scale are taken where they fit its reflection. Exact but for shear.
     static RyGltfParts nearest(const Eigen::Affine3d &map, const Eigen::Vector3d &signs = Eigen::Vector3d::Ones());
+    /// The same for a map without shear, and faster; of any other it gives some map beside it.
+    static RyGltfParts straight(const Eigen::Affine3d &map, const Eigen::Vector3d &signs);
     /// Of a node; a matrix is taken apart.
     static RyGltfParts of(const RyGltfTransform &transform);
 

@@ -5,6 +5,9 @@
 #include <map>
 #include <optional>
 
+/// Of what may be off: for shear that is not looked at further. The rest is for the lines between keys.
+static constexpr double shearShare = 1.0 / 16.0;
+
 /// All motions that enter, between two times.
 class RyGltfSampledChange::Piece
 {
@@ -23,10 +26,10 @@ public:
         Eigen::Affine3d up = Eigen::Affine3d::Identity();
         for (const RyGltfMotionPiece &motion : m_up)
             up = motion.map(time) * up;
-        Eigen::Affine3d result = Eigen::Affine3d::Identity();
-        for (const RyGltfMotionPiece &motion : m_down)
-            result = motion.map(time) * result;
-        return m_change.after * up.inverse() * m_change.between * result;
+        Eigen::Affine3d result = m_change.between;
+        for (auto motion = m_down.rbegin(); motion != m_down.rend(); ++motion)
+            result = result * motion->map(time);
+        return m_change.after * (m_up.empty() ? result : up.inverse() * result);
     }
 
     /// What a curve can say of a time, and how far that is off.
@@ -36,6 +39,7 @@ public:
         Eigen::Affine3d map; // of the parts
         double missed;
     };
+    void know(double time, const Sample &sample) { m_samples.emplace(time, sample); }
     const Sample &at(double time)
     {
         const auto [known, isNew] = m_samples.try_emplace(time);
@@ -61,11 +65,15 @@ private:
     Sample take(double time) const
     {
         const Eigen::Affine3d map = behind(time) * m_node.map(time) * m_change.before;
-        Sample sample;
-        sample.parts = map.matrix().allFinite() ? RyGltfParts::nearest(map, m_node.scale(time)) : m_node.parts(time);
-        sample.map = sample.parts.map();
-        sample.missed = ryGltfDistance(sample.map, map, m_change.reach);
-        return sample;
+        const auto said = [&](const RyGltfParts &parts) {
+            const Eigen::Affine3d now = parts.map();
+            return Sample{parts, now, ryGltfDistance(now, map, m_change.reach)};
+        };
+        if (!map.matrix().allFinite())
+            return said(m_node.parts(time));
+        const Eigen::Vector3d signs = m_node.scale(time);
+        const Sample straight = said(RyGltfParts::straight(map, signs));
+        return straight.missed <= shearShare * m_change.tolerance ? straight : said(RyGltfParts::nearest(map, signs));
     }
 
     const RyGltfMotionChange &m_change;
@@ -149,16 +157,23 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
     }
     const RyGltfCurve::Kind kind = keys.isStepped() ? RyGltfCurve::Step : RyGltfCurve::Linear;
     std::vector<RyGltfKeyTimes::Stop> stops;
-    std::vector<Piece::Sample> samples; // at the stops
+    std::vector<Piece::Sample> samples;                    // at the stops
+    std::optional<std::pair<float, Piece::Sample>> before; // at the end of the span before
+    const double tolerance = (1.0 - shearShare) * m_change.tolerance;
     const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
     size_t room = RyGltfKeyTimes::roomFor(spans.size());
     for (const RyGltfKeyTimes::Span &span : spans) {
         Piece piece(*this, span.from, span.next);
-        const auto miss = [&](float from, float to) { return piece.missOf(from, to) / m_change.tolerance; };
-        if (kind == RyGltfCurve::Step || !(span.to > span.from))
+        if (before && before->first == span.from)
+            piece.know(double(span.from), before->second);
+        before.reset();
+        const auto miss = [&](float from, float to) { return piece.missOf(from, to) / tolerance; };
+        if (kind == RyGltfCurve::Step || !(span.to > span.from)) {
             stops.push_back({span.from, 0.0});
-        else
+        } else {
             RyGltfKeyTimes::refine(span.from, span.to, miss, stops, room);
+            before.emplace(span.to, piece.at(double(span.to)));
+        }
         if (span.endsInStep)
             stops.push_back({span.to, 0.0});
         while (samples.size() < stops.size()) {
@@ -170,7 +185,7 @@ RyGltfMotion RyGltfSampledChange::apply(double *missed) const
         const double start = double(stops[from].time);
         const double share = (double(stops[place].time) - start) / (double(stops[to].time) - start);
         const RyGltfParts line = ryGltfBetween(samples[from].parts, samples[to].parts, share);
-        return ryGltfDistance(line.map(), samples[place].map, m_change.reach) / m_change.tolerance;
+        return ryGltfDistance(line.map(), samples[place].map, m_change.reach) / tolerance;
     };
     Curves curves(kind);
     if (kind == RyGltfCurve::Linear) {

@@ -187,6 +187,13 @@ bool RyGltfDocument::refresh(QString *error)
     return false;
 }
 
+void RyGltfDocument::refreshClips()
+{
+    RyGltfWarnings warnings(nullptr);
+    const RyGltfCursor root(d->tree);
+    RyGltfNodeReader(root, d->model, warnings).readAnimations();
+}
+
 QString RyGltfDocument::path() const
 {
     return d->path;

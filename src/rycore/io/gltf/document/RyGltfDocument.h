@@ -45,6 +45,8 @@ public:
     /// Reads the model anew from the tree. False with a message, and the model as it was, when the tree is not valid;
     /// buffers must not be added or removed in the tree.
     bool refresh(QString *error);
+    /// The same for what clips drive, where nothing of the tree but their channels and samplers was changed.
+    void refreshClips();
     /// The tree itself, for what has no accessor here (extras). Unknown to `model()` until `refresh`.
     nlohmann::ordered_json &json();
     const nlohmann::ordered_json &json() const;
@@ -108,7 +110,7 @@ public:
     /// The place of a node that we made once and that is gone, to be filled with a new one; -1 for none.
     int takeSpareNode();
     /// Takes away what we made and nothing uses any more, with its bytes where nothing lies behind them that came with
-    /// the file. After patching: it may move bytes.
+    /// the file. Last before writing: it may move bytes, and the model does not know of it.
     void dropUnused();
 
     /// Bytes of the document in the form of the ending (.glb: one binary chunk; .gltf: buffers embedded as data URIs

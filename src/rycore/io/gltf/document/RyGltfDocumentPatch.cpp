@@ -220,10 +220,8 @@ void RyGltfDocument::dropUnused()
     d->spareAccessors.clear();
     d->spareViews.clear();
     RyGltfSpares spares(*d);
-    if (spares.isEmpty())
-        return;
-    spares.drop();
-    d->readModel(nullptr);
+    if (!spares.isEmpty())
+        spares.drop();
 }
 
 int RyGltfDocument::addFloatAccessor(std::span<const float> values, int componentCount, int target, bool withBounds)

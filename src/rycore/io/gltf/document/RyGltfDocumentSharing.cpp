@@ -26,13 +26,6 @@ bool overlap(const Span &a, const Span &b)
     return shift < (aFirst ? a.size : b.size) || a.stride - shift < (aFirst ? b.size : a.size);
 }
 
-const Json &listOf(const Json &object, const char *key)
-{
-    static const Json none = Json::array();
-    const Json *found = RyGltfJson::find(object, key);
-    return found ? *found : none;
-}
-
 } // namespace
 
 const std::vector<int> &RyGltfDocument::Private::countUses() const
@@ -108,14 +101,14 @@ void RyGltfDocument::Private::gatherReaders(std::vector<Reader> &readers) const
             addView(layout.sparse.valueView);
         }
     }
-    for (const Json &image : listOf(tree, "images")) {
+    for (const Json &image : RyGltfReferences::listIn(tree, "images")) {
         const auto view = image.find("bufferView");
         if (view != image.end() && RyGltfReferences::isIndex(*view) &&
             view->get<std::uint64_t>() < storage.views.size())
             addView(view->get<int>());
     }
     // An extension may read a buffer view in ways of its own.
-    const Json &views = listOf(tree, "bufferViews");
+    const Json &views = RyGltfReferences::listIn(tree, "bufferViews");
     for (std::size_t i = 0; i < views.size() && i < storage.views.size(); ++i) {
         if (views[i].contains("extensions"))
             addView(int(i));

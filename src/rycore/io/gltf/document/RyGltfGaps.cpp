@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfGaps.h"
 
 #include "rycore/io/gltf/document/RyGltfSpares.h"
+#include "rycore/io/gltf/file/RyGltfJson.h"
 
 #include <algorithm>
 
@@ -37,7 +38,10 @@ std::uint64_t RyGltfGaps::endOfNamed(int buffer) const
 {
     std::uint64_t end = 0;
     for (const Json &view : d.tree["bufferViews"]) {
-        for (const Json &extension : view.value("extensions", Json::object())) {
+        const Json *extensions = RyGltfJson::find(view, "extensions");
+        if (!extensions)
+            continue;
+        for (const Json &extension : *extensions) {
             if (extension.is_object() && extension.value("buffer", Json()) == Json(buffer) &&
                 extension.contains("byteOffset") && extension["byteOffset"].is_number_unsigned() &&
                 extension.contains("byteLength") && extension["byteLength"].is_number_unsigned()) {

@@ -1,5 +1,12 @@
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 
+#include <cmath>
+
+double ryGltfSize(const RyAffine &map)
+{
+    return std::cbrt(std::abs(map.determinant()));
+}
+
 void ryGltfAppendMatrix(const RyAffine &map, std::vector<float> &values)
 {
     for (int row = 0; row < 4; ++row) {

@@ -14,6 +14,8 @@ public:
 
     /// Accessors and meshes must have been read.
     void read();
+    /// What clips drive, anew. Nodes must have been read.
+    void readAnimations();
 
 private:
     void readNodes();
@@ -21,7 +23,6 @@ private:
     void refuseCycles() const;
     void readSkins();
     void readSceneRoots();
-    void readAnimations();
     std::vector<int> topmostNodes() const;
 
     const RyGltfCursor &m_root;

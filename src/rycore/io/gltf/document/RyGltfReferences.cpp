@@ -253,6 +253,13 @@ void RyGltfReferences::visit(RyGltfList list, const Json &entry, const ConstVisi
     Walk<const Json, ConstVisit>(visit).visitEntry(list, entry);
 }
 
+const RyGltfReferences::Json &RyGltfReferences::listIn(const Json &object, const char *key)
+{
+    static const Json none = Json::array();
+    const Json *found = RyGltfJson::find(object, key);
+    return found && found->is_array() ? *found : none;
+}
+
 bool RyGltfReferences::splitPointer(const std::string &pointer, RyGltfList &list, int &index, std::string &rest)
 {
     for (int i = 0; i < ryGltfListCount; ++i) {

@@ -51,6 +51,9 @@ using ConstVisit = std::function<void(RyGltfList to, const Json &index)>;
 void visit(RyGltfList list, Json &entry, const Visit &visit);
 void visit(RyGltfList list, const Json &entry, const ConstVisit &visit);
 
+/// A list that a member of an object holds; an empty one where there is none.
+const Json &listIn(const Json &object, const char *key);
+
 /// A pointer of KHR_animation_pointer ("/materials/3/emissiveFactor") taken apart: the list and the index that it
 /// begins with, and what follows them. False for one that begins with neither.
 bool splitPointer(const std::string &pointer, RyGltfList &list, int &index, std::string &rest);

@@ -26,19 +26,18 @@ void gatherNumbers(const Json &value, std::set<int> &numbers)
 void gatherFromExtensions(const Json &value, std::set<int> &numbers)
 {
     if (const auto *elements = value.get_ptr<const Json::array_t *>()) {
-        for (const Json &each : *elements)
-            gatherFromExtensions(each, numbers);
+        for (const Json &each : *elements) {
+            if (each.is_structured())
+                gatherFromExtensions(each, numbers);
+        }
     } else if (const auto *members = value.get_ptr<const Json::object_t *>()) {
-        for (const auto &[key, each] : *members)
-            key == "extensions" ? gatherNumbers(each, numbers) : gatherFromExtensions(each, numbers);
+        for (const auto &[key, each] : *members) {
+            if (key == std::string_view("extensions"))
+                gatherNumbers(each, numbers);
+            else if (each.is_structured())
+                gatherFromExtensions(each, numbers);
+        }
     }
-}
-
-const Json &listOf(const Json &tree, const char *key)
-{
-    static const Json none = Json::array();
-    const Json *found = RyGltfJson::find(tree, key);
-    return found ? *found : none;
 }
 
 bool saysOfItself(const Json &entry, const char *key)
@@ -64,7 +63,8 @@ std::vector<int> madeBut(const std::vector<bool> &used, const Json &entries)
 
 void RyGltfSpares::mark(Json &entry)
 {
-    entry["extras"][RyGltfDocument::ExtrasKey] = Json{{"version", RyGltfDocument::ExtrasVersion}, {"made", true}};
+    static const Json made{{"version", RyGltfDocument::ExtrasVersion}, {"made", true}};
+    entry["extras"][RyGltfDocument::ExtrasKey] = made;
 }
 
 bool RyGltfSpares::isMade(const Json &entry)
@@ -75,7 +75,7 @@ bool RyGltfSpares::isMade(const Json &entry)
 RyGltfSpares::RyGltfSpares(RyGltfDocument::Private &document) : d(document)
 {
     const auto hasMade = [this](const char *list) {
-        const Json &entries = listOf(d.tree, list);
+        const Json &entries = RyGltfReferences::listIn(d.tree, list);
         return std::any_of(entries.begin(), entries.end(), isMade);
     };
     const char *const lists[] = {"accessors", "bufferViews", "nodes", "meshes", "materials", "textures", "images"};
@@ -112,7 +112,7 @@ void RyGltfSpares::findAccessors(const std::set<int> &named)
         if (number >= 0 && size_t(number) < used.size())
             used[size_t(number)] = true;
     }
-    m_accessors = madeBut(used, listOf(d.tree, "accessors"));
+    m_accessors = madeBut(used, RyGltfReferences::listIn(d.tree, "accessors"));
 }
 
 void RyGltfSpares::findViews(std::set<int> named)
@@ -134,7 +134,7 @@ void RyGltfSpares::findViews(std::set<int> named)
             use(d.storage.layouts[i].sparse.valueView);
         }
     }
-    const Json &images = listOf(d.tree, "images");
+    const Json &images = RyGltfReferences::listIn(d.tree, "images");
     const std::vector<int> &unused = m_looks->of(RyGltfList::Images);
     for (size_t i = 0; i < images.size(); ++i) {
         if (images[i].contains("bufferView") && !std::binary_search(unused.begin(), unused.end(), int(i)))
@@ -142,7 +142,7 @@ void RyGltfSpares::findViews(std::set<int> named)
     }
     for (const int number : named)
         use(number);
-    m_views = madeBut(used, listOf(d.tree, "bufferViews"));
+    m_views = madeBut(used, RyGltfReferences::listIn(d.tree, "bufferViews"));
 }
 
 /// By something else than the node above it.
@@ -169,7 +169,7 @@ std::vector<bool> RyGltfSpares::findUsedNodes(const std::set<int> &named) const
 
 void RyGltfSpares::findNodes(const std::set<int> &named)
 {
-    const Json &entries = listOf(d.tree, "nodes");
+    const Json &entries = RyGltfReferences::listIn(d.tree, "nodes");
     const std::vector<bool> used = findUsedNodes(named);
     const std::vector<int> order = ryGltfPreOrder(d.model);
     std::vector<bool> isRemoved(used.size(), false), isSpare(used.size(), false);

@@ -92,16 +92,8 @@ bool RyGltfClipPatch::isGone(const Json &target) const
 {
     if (const Json *node = find(target, "node"))
         return RyGltfReferences::isIndex(*node) && m_gone.count(node->get<int>()) > 0;
-    // KHR_animation_pointer says "/nodes/7/translation".
-    const Json *extensions = find(target, "extensions");
-    const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
-    const Json *pointer = extension ? find(*extension, "pointer") : nullptr;
-    if (!pointer || !pointer->is_string())
-        return false;
-    const QStringList steps = QString::fromStdString(pointer->get<std::string>()).split(QLatin1Char('/'));
-    bool isNumber = false;
-    return steps.size() > 2 && steps[1] == QLatin1String("nodes") && m_gone.count(steps[2].toInt(&isNumber)) > 0 &&
-           isNumber;
+    const auto pointed = ryGltfPointedNode(target);
+    return pointed && m_gone.count(pointed->first) > 0;
 }
 
 bool RyGltfClipPatch::dropChannels(Json &clip)

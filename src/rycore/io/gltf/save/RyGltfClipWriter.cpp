@@ -5,6 +5,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 using Json = RyExtrasJson::Json;
@@ -17,14 +18,27 @@ const char *kindName(RyGltfCurve::Kind kind)
 }
 
 template<typename T>
-QByteArray asFloats(const std::vector<T> &numbers)
+float asFloat(T number)
 {
     constexpr T Largest = std::numeric_limits<float>::max();
-    std::vector<float> floats;
-    floats.reserve(numbers.size());
-    for (const T number : numbers)
-        floats.push_back(float(std::clamp(number, -Largest, Largest)));
-    return {reinterpret_cast<const char *>(floats.data()), int(floats.size() * sizeof(float))};
+    return float(std::clamp(number, -Largest, Largest));
+}
+
+template<typename T>
+QByteArray asFloats(const std::vector<T> &numbers)
+{
+    QByteArray bytes(int(numbers.size() * sizeof(float)), Qt::Uninitialized);
+    std::transform(numbers.begin(), numbers.end(), reinterpret_cast<float *>(bytes.data()), asFloat<T>);
+    return bytes;
+}
+
+/// Bit for bit.
+bool areSameFloats(const std::vector<double> &a, const std::vector<double> &b)
+{
+    const auto isSame = [](double one, double other) {
+        return std::bit_cast<std::uint32_t>(asFloat(one)) == std::bit_cast<std::uint32_t>(asFloat(other));
+    };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), isSame);
 }
 
 std::span<const float> floatsOf(const QByteArray &bytes)
@@ -53,8 +67,7 @@ bool RyGltfClipWriter::write(const std::vector<RyGltfClipChange> &changes, QStri
         return false;
     }
     writeClips();
-    if (!m_document.refresh(error))
-        return false;
+    m_document.refreshClips();
     releaseOld();
     return true;
 }
@@ -62,23 +75,27 @@ bool RyGltfClipWriter::write(const std::vector<RyGltfClipChange> &changes, QStri
 /// Leaves out what comes to the same floats as before.
 void RyGltfClipWriter::gather(const std::vector<RyGltfClipChange> &changes)
 {
+    m_clips.readCurves();
+    m_entries.reserve(changes.size());
     for (const RyGltfClipChange &change : changes) {
         const RyGltfClip &clip = m_clips.clips()[change.clip];
         noteTimes(change.clip);
-        const auto place =
-            std::lower_bound(clip.channels.begin(), clip.channels.end(), change.channel,
-                             [](const RyGltfChannel &channel, size_t wanted) { return channel.place < wanted; });
-        Entry entry{&change, nullptr, asFloats(change.curve->times), asFloats(change.curve->values), {}};
+        Entry entry{&change, nullptr, {}, {}, {}};
         entry.sampler.kind = change.curve->kind;
         if (change.channel != RyGltfClipChange::isNew) {
-            entry.channel = &*place;
-            const auto old = m_clips.curve(place->sampler, place->path);
-            const QByteArray oldTimes = asFloats(old->times);
-            if (old->kind == change.curve->kind && oldTimes == entry.times && asFloats(old->values) == entry.values)
+            entry.channel =
+                &*std::lower_bound(clip.channels.begin(), clip.channels.end(), change.channel,
+                                   [](const RyGltfChannel &channel, size_t wanted) { return channel.place < wanted; });
+            const RyGltfCurve &old = *m_clips.curve(*entry.channel);
+            if (old.times == change.curve->times)
+                entry.sampler.input = entry.channel->sampler.input;
+            if (entry.sampler.input >= 0 && old.kind == change.curve->kind &&
+                areSameFloats(old.values, change.curve->values))
                 continue;
-            if (oldTimes == entry.times)
-                entry.sampler.input = place->sampler.input;
         }
+        if (entry.sampler.input < 0)
+            entry.times = asFloats(change.curve->times);
+        entry.values = asFloats(change.curve->values);
         m_entries.push_back(std::move(entry));
     }
 }
@@ -89,9 +106,11 @@ void RyGltfClipWriter::noteTimes(size_t clip)
     if (!m_noted.insert(clip).second)
         return;
     for (const RyGltfChannel &channel : m_clips.clips()[clip].channels) {
-        const auto curve = m_clips.curve(channel.sampler, channel.path);
-        const QByteArray times = curve ? asFloats(curve->times) : QByteArray();
-        if (curve && !m_times.contains(times))
+        const auto &curve = m_clips.curve(channel);
+        if (!curve || !m_notedInputs.insert(channel.sampler.input).second)
+            continue;
+        const QByteArray times = asFloats(curve->times);
+        if (!m_times.contains(times))
             m_times.insert(times, channel.sampler.input);
     }
 }

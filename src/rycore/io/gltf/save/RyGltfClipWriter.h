@@ -28,7 +28,7 @@ public:
     /// `clips`: as they were read, with the same list of clips and channels as the document. Both must outlive it.
     RyGltfClipWriter(RyGltfDocument &document, const RyGltfClips &clips) : m_document(document), m_clips(clips) {}
 
-    /// False with a reason when a buffer would grow too large, or the document would not be valid.
+    /// False with a reason when a buffer would grow too large.
     bool write(const std::vector<RyGltfClipChange> &changes, QString *error);
 
 private:
@@ -36,7 +36,7 @@ private:
     {
         const RyGltfClipChange *change;
         const RyGltfChannel *channel; // null for a new one
-        QByteArray times, values;     // as floats
+        QByteArray times, values;     // as floats; times only where they are others than before
         RyGltfSampler sampler;        // to be written
     };
 
@@ -54,5 +54,6 @@ private:
     std::vector<Entry> m_entries;
     QHash<QByteArray, int> m_times;                    // accessors by what they hold
     std::set<size_t> m_noted;                          // clips whose times are known
+    std::set<int> m_notedInputs;                       // accessors of times that are known
     std::map<size_t, std::map<size_t, size_t>> m_uses; // of samplers, by clip and place
 };

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfDeletedBones.h"
 
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/save/RyGltfReach.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -76,7 +77,7 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
         return;
     const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
     const RyGltfInfluences now(RySkinBinding::findSkinFromNode(figure.sceneNode), int(positions.size()));
-    const double size = std::cbrt(std::abs(figure.sceneNode->worldMap().determinant())) / m_patch.source.unit;
+    const double size = ryGltfSize(figure.sceneNode->worldMap()) / m_patch.source.unit;
     const double height = RyGltfReach().heightOf(*figure.sceneNode) * size;
     const size_t step = before.size() / enough + 1;
     size_t number = 0;
@@ -84,50 +85,70 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
         if (number++ % step != 0 || size_t(vertex) >= positions.size() || !(height > 0.0))
             continue;
         const RyVec3 &position = positions[size_t(vertex)];
-        Point point{{position.x, position.y, position.z}, height, shares, {}};
+        std::vector<Share> sharesNow;
         for (const RyGltfInfluences::Influence &influence : now.of(vertex)) {
             const int node = knownAbove(*now.bones()[influence.bone]);
             if (node >= 0)
-                point.now.push_back({node, double(influence.weight)});
+                sharesNow.push_back({node, double(influence.weight)});
         }
         const bool isKnown = std::all_of(shares.begin(), shares.end(),
                                          [this](const Share &share) { return m_toNode.count(share.node) > 0; });
-        if (!point.now.empty() && isKnown)
-            m_points.push_back(std::move(point));
+        if (!sharesNow.empty() && isKnown)
+            addPoint({position.x, position.y, position.z}, height, shares, sharesNow);
     }
+}
+
+/// `place`: at rest, in centimetres of the figure.
+void RyGltfDeletedBones::addPoint(const Eigen::Vector3d &place, double height, const std::vector<Share> &before,
+                                  const std::vector<Share> &now)
+{
+    std::map<int, double> weights;
+    for (const auto &[shares, sign] : {std::pair(&before, -1.0), std::pair(&now, 1.0)}) {
+        double whole = 0.0;
+        for (const Share &share : *shares)
+            whole += share.weight;
+        for (const Share &share : *shares)
+            weights[share.node] += sign * share.weight / whole;
+    }
+    Point point{height, {}};
+    for (const auto &[node, weight] : weights) {
+        if (weight != 0.0)
+            point.pulls.push_back({linkOf(node), weight, weight * (m_toNode.at(node) * place)});
+    }
+    m_points.push_back(std::move(point));
+}
+
+size_t RyGltfDeletedBones::linkOf(int node)
+{
+    const auto known = m_linkOf.find(node);
+    if (known != m_linkOf.end())
+        return known->second;
+    const int above = m_before.nodes[size_t(node)].parent;
+    const int parent = above >= 0 ? int(linkOf(above)) : -1;
+    m_chain.push_back({node, parent});
+    return m_linkOf[node] = m_chain.size() - 1;
 }
 
 double RyGltfDeletedBones::measure(const std::vector<float> &times, const MotionOf &motionOf) const
 {
     constexpr size_t enough = 24;
-    std::map<int, RyGltfMotion> motions;
+    std::vector<RyGltfMotion> motions;
+    for (const Link &link : m_chain)
+        motions.push_back(motionOf(link.node));
+    std::vector<Eigen::Affine3d> worlds(m_chain.size());
     double worst = 0.0;
     for (size_t i = 0; i < times.size(); i += times.size() / enough + 1) {
-        std::map<int, Eigen::Affine3d> worlds;
-        const std::function<const Eigen::Affine3d &(int)> worldOf = [&](int node) -> const Eigen::Affine3d & {
-            const auto known = worlds.find(node);
-            if (known != worlds.end())
-                return known->second;
-            const auto motion = motions.find(node);
-            const RyGltfMotion &own = motion != motions.end() ? motion->second : motions[node] = motionOf(node);
-            const float behind = std::nextafter(times[i], std::numeric_limits<float>::infinity());
-            Eigen::Affine3d world = RyGltfMotionPiece(own, times[i], behind).map(double(times[i]));
-            if (m_before.nodes[size_t(node)].parent >= 0)
-                world = worldOf(m_before.nodes[size_t(node)].parent) * world;
-            return worlds[node] = world;
-        };
-        const auto placeBy = [&](const std::vector<Share> &shares, const Eigen::Vector3d &place) {
-            Eigen::Vector3d sum = Eigen::Vector3d::Zero();
-            double whole = 0.0;
-            for (const Share &share : shares) {
-                sum += share.weight * (worldOf(share.node) * (m_toNode.at(share.node) * place));
-                whole += share.weight;
-            }
-            return Eigen::Vector3d(sum / whole);
-        };
+        const float behind = std::nextafter(times[i], std::numeric_limits<float>::infinity());
+        for (size_t link = 0; link < m_chain.size(); ++link) {
+            worlds[link] = RyGltfMotionPiece(motions[link], times[i], behind).map(double(times[i]));
+            if (m_chain[link].parent >= 0)
+                worlds[link] = worlds[size_t(m_chain[link].parent)] * worlds[link];
+        }
         for (const Point &point : m_points) {
-            worst = std::max(worst, (placeBy(point.now, point.place) - placeBy(point.before, point.place)).norm() /
-                                        point.height);
+            Eigen::Vector3d way = Eigen::Vector3d::Zero();
+            for (const Pull &pull : point.pulls)
+                way += worlds[pull.node].linear() * pull.place + pull.weight * worlds[pull.node].translation();
+            worst = std::max(worst, way.norm() / point.height);
         }
     }
     return worst;

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/clips/RyGltfParts.h"
 #include "rycore/io/gltf/clips/RyGltfScaleSpread.h"
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
@@ -180,7 +181,7 @@ double RyGltfFrameChanges::scaleOfNew(const RyNode &node) const
         return unit;
     const RyAffine &stretch = m_patch.edits.at(m_patch.nodeOf.of(known)).source->stretch;
     // Its axes are others than the other bone's: of a stretch that differs between axes it takes the mean.
-    const double scale = std::cbrt(std::abs(stretch.determinant()));
+    const double scale = ryGltfSize(stretch);
     return std::abs(scale - unit) <= 1e-5 * unit || !(scale > 0.0) ? unit : scale;
 }
 

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfNodeMotions.h"
 
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
@@ -34,11 +35,6 @@ qint64 givenTo(const RyGltfBindingWeights &taker, const RyGltfLoadedWeights &bef
         sum += std::clamp(then - (has ? int(now->weights[k]) : 0), 0, int(taker.weights[i]));
     }
     return sum;
-}
-
-double sizeOf(const RyAffine &map)
-{
-    return std::cbrt(std::abs(map.determinant()));
 }
 
 } // namespace
@@ -211,12 +207,13 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
         const RyNode *figure = node ? node->getSkeleton() : nullptr;
         const double height = figure ? m_reach.heightOf(*figure) : 100.0; // centimetres
         const double reach = node && figure ? m_reach.of(*node) : height;
-        motion.height = height * (figure ? sizeOf(figure->worldMap()) : 1.0) / m_patch.source.unit;
-        motion.change.tolerance = share * motion.height / std::max(1, depth[size_t(motion.node)]);
+        motion.height = height * (figure ? ryGltfSize(figure->worldMap()) : 1.0) / m_patch.source.unit;
+        motion.limit = share * motion.height;
+        motion.depth = std::max(1, depth[size_t(motion.node)]);
         const auto edit = m_patch.edits.find(motion.node);
         const bool isBone = edit != m_patch.edits.end() && qobject_cast<const RyBone *>(edit->second.node);
         const double size =
-            isBone ? sizeOf(edit->second.bind) : sizeOf(worlds[size_t(motion.node)]) * m_patch.source.unit;
+            isBone ? ryGltfSize(edit->second.bind) : ryGltfSize(worlds[size_t(motion.node)]) * m_patch.source.unit;
         motion.change.reach = reach / std::max(1e-12, size);
         motion.change.slack = std::max(1e-7, ryGltfShearSlack(reach, height));
     }

@@ -12,7 +12,9 @@ struct RyGltfNodeMotion
     /// Nodes of the file whose motions `change.down` and `change.up` are.
     std::vector<int> down, up;
     double height = 0.0; ///< of the figure, in units of the world of the file
-    /// Without the motions of other nodes; its tolerance is in units of the world.
+    double limit = 0.0;  ///< how far what follows may be off by all curves along a limb, in the same units
+    int depth = 1;       ///< curves along the longest limb through it that may be off between their keys in some clip
+    /// Without the motions of other nodes and a tolerance.
     RyGltfMotionChange change;
 
     /// Whether the new origin runs on another path than the old one.

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfReach.h"
 
+#include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/math/RyBox3.h"
@@ -59,7 +60,7 @@ double RyGltfReach::reachOfThings(const RyNode &bone, const RyNode &figure)
              shape && shape->getFacetMesh() ? shape->getFacetMesh()->getPositions() : std::vector<RyVec3>())
             reach = std::max(reach, double((toWorld.mapPoint(position) - origin).length()));
     }
-    const double size = std::cbrt(std::abs(figure.worldMap().determinant()));
+    const double size = ryGltfSize(figure.worldMap());
     return size > 0.0 ? reach / size : reach;
 }
 
