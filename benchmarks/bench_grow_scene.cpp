@@ -1,11 +1,13 @@
 // How the time of what touches the whole scene list grows: selecting, adding and removing nodes, in a window with the
-// scene list, the parameters and the joint tool, whose scene is a figure with chains of ten bones on a long spine.
+// scene list, the parameters and the joint tool, whose scene is a figure with chains of ten bones on a long spine; and
+// that of links between many values.
 #include "RyChainFigure.h"
 #include "RyGrowth.h"
 
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
+#include "rycore/base/RyERCLink.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -22,6 +24,7 @@ namespace {
 constexpr int Nodes = 16000;
 constexpr int EditedBones = 4000;
 constexpr int Vertices = 1000;
+constexpr int LinkedLayers = 10000;
 
 class Stage
 {
@@ -198,6 +201,81 @@ private:
     ParametersPane *m_parameters;
 };
 
+/// Values in layers of two, each of which both of the layer before control.
+class LinkLayers
+{
+public:
+    explicit LinkLayers(int layers)
+    {
+        for (int i = 0; i < 2 * layers; ++i)
+            m_values.push_back(std::make_unique<RyFloatProperty>(nullptr, QString()));
+        for (const auto &value : m_values) {
+            QObject::connect(value.get(), &RyFloatProperty::currentValueChanged, value.get(),
+                             [this] { ++m_announcements; });
+        }
+    }
+
+    /// From the last layer up, or from the first one down.
+    bool link(bool upwards)
+    {
+        const size_t count = m_values.size() / 2;
+        bool good = true;
+        for (size_t i = 1; i < count; ++i) {
+            const size_t layer = upwards ? count - i : i;
+            for (const size_t controller : {2 * layer - 2, 2 * layer - 1}) {
+                for (const size_t controlled : {2 * layer, 2 * layer + 1})
+                    good &= RyERCLink::create(m_values[controller].get(), m_values[controlled].get()) != nullptr;
+            }
+        }
+        return good;
+    }
+
+    /// There and back. Whether each value below said so twice.
+    bool pose()
+    {
+        m_announcements = 0;
+        m_values.front()->setValue(1.0f);
+        m_values.front()->setValue(0.0f);
+        return m_announcements == 2 * (m_values.size() - 1) && m_values.back()->getValue() == 0.0f;
+    }
+
+    bool refusesCircle() { return !RyERCLink::create(m_values.back().get(), m_values.front().get()); }
+
+private:
+    std::vector<std::unique_ptr<RyFloatProperty>> m_values;
+    size_t m_announcements = 0;
+};
+
+double linkLayers(int layers)
+{
+    LinkLayers down(layers), up(layers);
+    bool right = true;
+    const double time = RyBenchmark::threadMilliseconds([&] { right = down.link(false) && up.link(true); });
+    return right ? time : -1.0;
+}
+
+double poseLayers(int layers)
+{
+    LinkLayers values(layers);
+    bool right = values.link(false);
+    const double time = RyBenchmark::threadMilliseconds([&] {
+        for (int i = 0; i < 10; ++i)
+            right &= values.pose();
+    });
+    return right ? time : -1.0;
+}
+
+double refuseCircles(int layers)
+{
+    LinkLayers values(layers);
+    bool right = values.link(false);
+    const double time = RyBenchmark::threadMilliseconds([&] {
+        for (int i = 0; i < 10; ++i)
+            right &= values.refusesCircle();
+    });
+    return right ? time : -1.0;
+}
+
 /// The bindings of all bones, one after the other.
 double findBindings(int bones)
 {
@@ -224,6 +302,9 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     RyGrowth growth(argc, argv);
     growth.measure("find the bindings of all bones", Nodes, findBindings);
+    growth.measure("link layers of values", LinkedLayers, linkLayers);
+    growth.measure("pose the top of layers of links", LinkedLayers, poseLayers);
+    growth.measure("refuse a circle through layers of links", LinkedLayers, refuseCircles);
     {
         Stage stage;
         const auto figure = [&stage](auto work) {

@@ -5,6 +5,7 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <cmath>
 #include <random>
 #include <set>
 
@@ -193,6 +194,134 @@ private slots:
         ryUndoStack()->redo();
         QCOMPARE(b.getValue(), 0.0f);
         QVERIFY(b.getControllerLinks().empty());
+    }
+
+    /// Who is in the way of a link is named, by owner and property; of a long way the ends.
+    void circlesAreExplained()
+    {
+        class Element : public RyElement
+        {
+        public:
+            RyFloatProperty *add(const QString &name)
+            {
+                return createPublicGroups("General")->addProperty(std::make_unique<RyFloatProperty>(this, name));
+            }
+        };
+        Element arm, leg;
+        arm.setLabel("Left Arm");
+        leg.setName("leg");
+        RyFloatProperty *bend = arm.add("bend"), *turn = leg.add("turn"), *lift = leg.add("lift");
+        bend->setLabel("Bend It");
+        QVERIFY(RyERCLink::create(bend, turn));
+        QVERIFY(RyERCLink::create(turn, lift));
+        QString reason;
+        RyError error;
+        QVERIFY(!RyERCLink::create(lift, bend, &error, &reason));
+        QCOMPARE(error.code(), int(RyError::InvalidArgument));
+        QCOMPARE(reason, QString("\"leg: lift\" cannot control \"Left Arm: Bend It\", which controls it already: "
+                                 "\"Left Arm: Bend It\" > \"leg: turn\" > \"leg: lift\""));
+        QVERIFY(!RyERCLink::create(turn, turn, &error, &reason));
+        QCOMPARE(reason, QString("\"leg: turn\" cannot control itself"));
+        QVERIFY(!RyERCLink::create(nullptr, turn, nullptr, &reason));
+        QCOMPARE(reason, QString("a link needs two values"));
+
+        const Properties chain = makeProperties(20);
+        for (size_t i = 0; i + 1 < chain.size(); ++i)
+            QVERIFY(RyERCLink::create(chain[i].get(), chain[i + 1].get()));
+        QVERIFY(!RyERCLink::create(chain[19].get(), chain[0].get(), &error, &reason));
+        QVERIFY(reason.endsWith(": \"0\" > \"1\" > \"2\" > \"3\" > 12 more > \"16\" > \"17\" > \"18\" > \"19\""));
+    }
+
+    /// Each of two values is controlled by both of the layer above. There are as many ways to the last layer as a
+    /// number of three hundred digits says: who took them one by one would never come to an end.
+    void layersOfLinksAreWalkedOnce()
+    {
+        constexpr size_t Layers = 1000;
+        const Properties properties = makeProperties(2 * Layers);
+        std::vector<int> heard(properties.size(), 0);
+        std::vector<size_t> order;
+        for (size_t i = 0; i < properties.size(); ++i) {
+            properties[i]->setValue(0);
+            properties[i]->setDefaultValue(0);
+            connect(properties[i].get(), &RyFloatProperty::currentValueChanged, this, [&heard, &order, i] {
+                ++heard[i];
+                order.push_back(i);
+            });
+        }
+        for (size_t i = 2; i < properties.size(); ++i) {
+            const size_t above = i / 2 * 2 - 2;
+            QVERIFY(RyERCLink::create(properties[above].get(), properties[i].get()));
+            QVERIFY(RyERCLink::create(properties[above + 1].get(), properties[i].get()));
+        }
+        RyError error;
+        QVERIFY(!RyERCLink::create(properties.back().get(), properties.front().get(), &error));
+        QCOMPARE(error.code(), int(RyError::InvalidArgument));
+
+        properties.front()->setValue(1);
+        QCOMPARE(order.size(), properties.size() - 1); // all but the other one at the top
+        std::vector<size_t> placeOf(properties.size(), 0);
+        for (size_t place = 0; place < order.size(); ++place)
+            placeOf[order[place]] = place;
+        for (size_t i = 2; i < properties.size(); ++i) {
+            QCOMPARE(heard[i], 1);
+            QVERIFY(placeOf[i] > placeOf[i / 2 * 2 - 2] && placeOf[i] > placeOf[i / 2 * 2 - 1]);
+            QCOMPARE(properties[i]->getValue(), std::ldexp(1.0f, int(i / 2) - 1)); // infinite from the 129th layer on
+        }
+        properties.front()->setDefaultValue(1);
+        for (size_t i = 2; i < properties.size(); ++i) {
+            QCOMPARE(heard[i], 2);
+            QCOMPARE(properties[i]->getValue(), 0.0f);
+        }
+    }
+
+    /// Long chains are linked from either end, walked and taken apart without a deep call or a walk for every link.
+    void longChains()
+    {
+        constexpr int Length = 30000;
+        for (const bool fromTheTop : {true, false}) {
+            const Properties chain = makeProperties(Length);
+            for (int i = 1; i < Length; ++i) {
+                const size_t below = size_t(fromTheTop ? i : Length - i);
+                QVERIFY(RyERCLink::create(chain[below - 1].get(), chain[below].get()));
+            }
+            chain.front()->setValue(5);
+            QCOMPARE(chain.back()->getValue(), float(Length - 1) + 5.0f);
+            QVERIFY(!RyERCLink::create(chain.back().get(), chain.front().get()));
+            chain.front()->setValue(0);
+        }
+    }
+
+    /// What listeners read is final, whoever speaks first. They may write and delete what is still to be announced.
+    void listenersReadFinalValuesAndMayEdit()
+    {
+        RyFloatProperty top(nullptr, "top"), left(nullptr, "left"), bottom(nullptr, "bottom");
+        auto right = std::make_unique<RyFloatProperty>(nullptr, "right");
+        auto beyond = std::make_unique<RyFloatProperty>(nullptr, "beyond");
+        RyERCLink::create(&top, &left);
+        RyERCLink::create(&top, right.get());
+        RyERCLink::create(&left, &bottom);
+        RyERCLink::create(right.get(), &bottom);
+        RyERCLink::create(&bottom, beyond.get());
+        std::vector<float> seen, heardBelow;
+        connect(&left, &RyFloatProperty::currentValueChanged, this, [&] { seen.push_back(bottom.getValue()); });
+        connect(&bottom, &RyFloatProperty::currentValueChanged, this, [&] { heardBelow.push_back(bottom.getValue()); });
+        top.setValue(3);
+        QCOMPARE(seen, std::vector<float>{6});
+        QCOMPARE(heardBelow, std::vector<float>{6});
+
+        // The left one's listener writes what comes after it, and deletes the right one and the last.
+        const auto connection = connect(&left, &RyFloatProperty::currentValueChanged, this, [&] {
+            bottom.setValue(100);
+            right.reset();
+            beyond.reset();
+        });
+        top.setValue(4);
+        disconnect(connection);
+        QCOMPARE(bottom.getValue(), 104.0f);
+        QCOMPARE(heardBelow, (std::vector<float>{6, 108, 104}));
+        QVERIFY(bottom.getControlledLinks().empty());
+        top.setValue(0);
+        QCOMPARE(bottom.getValue(), 100.0f);
     }
 
     /// Random graphs and edits against plain sums. Each listener must hear of every change of the resulting value, and

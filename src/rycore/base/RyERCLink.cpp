@@ -1,6 +1,9 @@
 #include "rycore/base/RyERCLink.h"
 
+#include "rycore/base/RyLinkGraph.h"
 #include "rycore/undo/RyValueChange.h"
+
+#include <QStringList>
 
 #include <algorithm>
 #include <utility>
@@ -31,20 +34,48 @@ RyERCLink::RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled)
     : m_controller(controller), m_controlled(controlled)
 {}
 
-RyERCLink *RyERCLink::create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error)
+/// Why a controller cannot control a property that controls it already, on this way.
+static QString circleText(const std::vector<const RyFloatProperty *> &way)
 {
-    RyError unused;
-    RyError &result = error ? *error : unused;
-    result = RyError::Success;
-    if (!controller || !controlled || wouldCloseCycle(controller, controlled)) {
-        result = RyError::InvalidArgument;
+    constexpr size_t Shown = 8; // of long ways the ends
+    if (way.size() == 1)
+        return QStringLiteral("\"%1\" cannot control itself").arg(way.front()->getFullLabel());
+    QStringList names;
+    for (size_t i = 0; i < way.size(); ++i) {
+        if (way.size() > Shown && i == Shown / 2) {
+            i = way.size() - Shown / 2;
+            names.append(QStringLiteral("%1 more").arg(way.size() - Shown));
+        }
+        names.append(QLatin1Char('"') + way[i]->getFullLabel() + QLatin1Char('"'));
+    }
+    return QStringLiteral("%1 cannot control %2, which controls it already: %3")
+        .arg(names.back(), names.front(), names.join(QStringLiteral(" > ")));
+}
+
+RyERCLink *RyERCLink::create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error, QString *reason)
+{
+    const auto end = [error](RyError result) {
+        if (error)
+            *error = result;
         return nullptr;
+    };
+    if (!controller || !controlled) {
+        if (reason)
+            *reason = QStringLiteral("a link needs two values");
+        return end(RyError::InvalidArgument);
     }
     if (findLink(controller, controlled))
-        return nullptr;
+        return end(RyError::Success);
+    const std::vector<const RyFloatProperty *> way = RyLinkGraph::findWay(controlled, controller);
+    if (!way.empty()) {
+        if (reason)
+            *reason = circleText(way);
+        return end(RyError::InvalidArgument);
+    }
+    end(RyError::Success);
     const std::shared_ptr<RyERCLink> link(new RyERCLink(controller, controlled), [](RyERCLink *old) { delete old; });
     RyValueChange<AttachedValue>::record(link);
-    attach(link);
+    insert(link);
     return link.get();
 }
 
@@ -62,31 +93,26 @@ float RyERCLink::contribution() const
     return m_controller ? m_controller->getValue() - m_controller->getDefaultValue() : 0.0f;
 }
 
-bool RyERCLink::wouldCloseCycle(const RyFloatProperty *controller, const RyFloatProperty *controlled)
+void RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
 {
-    if (controller == controlled)
-        return true;
-    for (const RyERCLink *link : controlled->getControlledLinks()) {
-        if (wouldCloseCycle(controller, link->getControlled()))
-            return true;
+    const RyFloatProperty *controller = link->m_controller;
+    const RyFloatProperty *controlled = link->m_controlled;
+    if (!controller || !controlled || findLink(controller, controlled) ||
+        !RyLinkGraph::findWay(controlled, controller).empty()) {
+        return;
     }
-    return false;
+    insert(link);
 }
 
-bool RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
+void RyERCLink::insert(const std::shared_ptr<RyERCLink> &link)
 {
-    RyFloatProperty *controller = link->m_controller;
-    RyFloatProperty *controlled = link->m_controlled;
-    if (!controller || !controlled || findLink(controller, controlled) || wouldCloseCycle(controller, controlled))
-        return false;
     link->m_self = link;
-    const auto insert = [&](std::vector<RyERCLink *> &links, size_t place) {
+    const auto put = [&](std::vector<RyERCLink *> &links, size_t place) {
         links.insert(links.begin() + std::ptrdiff_t(std::min(place, links.size())), link.get());
     };
-    insert(controller->m_outgoing, link->m_outgoingPlace);
-    insert(controlled->m_incoming, link->m_incomingPlace);
-    controlled->announceIfChanged();
-    return true;
+    put(link->m_controller->m_outgoing, link->m_outgoingPlace);
+    put(link->m_controlled->m_incoming, link->m_incomingPlace);
+    link->m_controlled->update();
 }
 
 void RyERCLink::detach(bool announce)
@@ -101,5 +127,5 @@ void RyERCLink::detach(bool announce)
     m_outgoingPlace = take(m_controller->m_outgoing);
     m_incomingPlace = take(m_controlled->m_incoming);
     if (announce)
-        m_controlled->announceIfChanged();
+        m_controlled->update();
 }

@@ -13,9 +13,11 @@
 class RyERCLink : public std::enable_shared_from_this<RyERCLink>
 {
 public:
-    /// Makes and attaches a link. Null and `InvalidArgument` for null properties or a link that would close a cycle;
-    /// null and Success when the same link exists already. Undoable where a hold is open.
-    static RyERCLink *create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error = nullptr);
+    /// Makes and attaches a link. Null, `InvalidArgument` and a reason that names the properties for null ones or a
+    /// link that would close a circle; null and Success when the same link exists already. Undoable where a hold is
+    /// open.
+    static RyERCLink *create(RyFloatProperty *controller, RyFloatProperty *controlled, RyError *error = nullptr,
+                             QString *reason = nullptr);
     /// Null is ignored. Undoable where a hold is open.
     static void remove(RyERCLink *link);
 
@@ -28,10 +30,10 @@ private:
     struct AttachedValue;
     RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled);
     ~RyERCLink() = default;
-    static bool wouldCloseCycle(const RyFloatProperty *controller, const RyFloatProperty *controlled);
     bool isAttached() const { return m_self != nullptr; }
-    /// False, and nothing done, where the properties are gone or the link would repeat another or close a cycle.
-    static bool attach(const std::shared_ptr<RyERCLink> &link);
+    /// Does nothing where the properties are gone or the link would repeat another or close a circle.
+    static void attach(const std::shared_ptr<RyERCLink> &link);
+    static void insert(const std::shared_ptr<RyERCLink> &link);
     void detach(bool announce = true);
 
     QPointer<RyFloatProperty> m_controller;

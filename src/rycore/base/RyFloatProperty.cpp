@@ -2,16 +2,15 @@
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatPropertyChange.h"
+#include "rycore/base/RyLinkGraph.h"
 #include "rycore/undo/RyUndoStack.h"
-
-#include <QPointer>
 
 #include <algorithm>
 #include <cmath>
 
 RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float defaultValue)
-    : RyProperty(owner, name), m_raw(std::isfinite(defaultValue) ? defaultValue : 0.0f), m_announced(m_raw),
-      m_default(m_raw)
+    : RyProperty(owner, name), m_raw(std::isfinite(defaultValue) ? defaultValue : 0.0f), m_value(m_raw),
+      m_announced(m_raw), m_default(m_raw)
 {}
 
 RyFloatProperty::~RyFloatProperty()
@@ -35,9 +34,10 @@ float RyFloatProperty::clamp(float value) const
     return m_clamped ? std::min(std::max(value, m_min), m_max) : value;
 }
 
-float RyFloatProperty::getValue() const
+QString RyFloatProperty::getFullLabel() const
 {
-    return m_incoming.empty() ? m_raw : m_raw + linkedShare();
+    const QString owner = getOwner() ? getOwner()->getLabel() : QString();
+    return owner.isEmpty() ? getLabel() : owner + QStringLiteral(": ") + getLabel();
 }
 
 void RyFloatProperty::setValue(float value)
@@ -49,7 +49,7 @@ void RyFloatProperty::setValue(float value)
         return;
     recordChange();
     m_raw = clamped;
-    announceIfChanged();
+    update();
 }
 
 void RyFloatProperty::adjustValue(float value)
@@ -63,13 +63,13 @@ void RyFloatProperty::setDefaultValue(float value)
         return;
     recordChange();
     m_default = value;
+    const Dependents dependents = workOutDependents(true);
     const QPointer<RyFloatProperty> guard(this);
     if (RyElement *owner = getOwner())
         owner->propertyDefaultChanged(this);
     if (guard)
         emit defaultValueChanged();
-    if (guard)
-        announceControlled();
+    announce(dependents);
 }
 
 void RyFloatProperty::setIsClamped(bool clamped)
@@ -124,44 +124,63 @@ void RyFloatProperty::restore(const State &wanted)
     m_max = wanted.max;
     m_clamped = wanted.clamped;
 
+    const bool defaultChanged = before.defaultValue != wanted.defaultValue;
+    const Dependents dependents = workOutDependents(defaultChanged);
     const QPointer<RyFloatProperty> guard(this);
     if (before.min != wanted.min || before.max != wanted.max || before.clamped != wanted.clamped)
         emit limitsChanged();
-    const bool defaultChanged = before.defaultValue != wanted.defaultValue;
     if (guard && defaultChanged && getValue() == m_announced && getOwner())
         getOwner()->propertyDefaultChanged(this);
     if (guard && defaultChanged)
         emit defaultValueChanged();
-    if (guard)
-        announceIfChanged();
-    if (guard && defaultChanged)
-        announceControlled();
+    announce(dependents);
+}
+
+void RyFloatProperty::workOut()
+{
+    m_value = m_incoming.empty() ? m_raw : m_raw + linkedShare();
+}
+
+/// The resulting values of this property and of what hangs on it, which are given in the order in which they are to be
+/// announced.
+RyFloatProperty::Dependents RyFloatProperty::workOutDependents(bool defaultChanged)
+{
+    const float before = m_value;
+    workOut();
+    if (m_outgoing.empty() || (m_value == before && !defaultChanged))
+        return {this};
+    const std::vector<RyFloatProperty *> dependents = RyLinkGraph::dependents(this);
+    for (RyFloatProperty *property : dependents)
+        property->workOut();
+    return {dependents.begin(), dependents.end()};
+}
+
+void RyFloatProperty::update()
+{
+    if (!m_outgoing.empty()) {
+        announce(workOutDependents(false));
+        return;
+    }
+    workOut();
+    announceIfChanged();
 }
 
 // A listener may write this property again or delete it: what it wrote was announced then, and nothing is left to tell.
 void RyFloatProperty::announceIfChanged()
 {
-    const float value = getValue();
-    if (value == m_announced)
+    if (m_value == m_announced)
         return;
-    m_announced = value;
+    m_announced = m_value;
     const QPointer<RyFloatProperty> guard(this);
     if (RyElement *owner = getOwner())
         owner->propertyChanged(this);
     if (guard)
         emit currentValueChanged();
-    if (guard)
-        announceControlled();
 }
 
-void RyFloatProperty::announceControlled()
+void RyFloatProperty::announce(const Dependents &properties)
 {
-    if (m_outgoing.empty())
-        return;
-    std::vector<QPointer<RyFloatProperty>> controlled;
-    for (const RyERCLink *link : m_outgoing)
-        controlled.emplace_back(link->getControlled());
-    for (const QPointer<RyFloatProperty> &property : controlled) {
+    for (const QPointer<RyFloatProperty> &property : properties) {
         if (property)
             property->announceIfChanged();
     }

@@ -2,12 +2,15 @@
 
 #include "rycore/base/RyProperty.h"
 
+#include <QPointer>
+
 #include <vector>
 
 class RyERCLink;
 
 /// A float with default, current and limits. The resulting value is the raw value plus what links add to it; the limits
-/// hold for the raw value.
+/// hold for the raw value. A change works out the resulting values of all that hangs on the property by links before
+/// anything is announced: each one once, controllers first.
 /// Every change is undoable where a hold is open. A change of the default alone emits nothing but
 /// `defaultValueChanged`. Values that are not finite are refused.
 class RyFloatProperty : public RyProperty
@@ -18,7 +21,7 @@ public:
     ~RyFloatProperty() override;
 
     /// The resulting value.
-    float getValue() const;
+    float getValue() const { return m_value; }
     float getRawValue() const { return m_raw; }
     /// Writes the raw value, clamped to the limits of the moment where the property is clamped.
     void setValue(float value);
@@ -36,6 +39,9 @@ public:
     void setMax(float max);
     /// Takes the other's raw value, default, limits and label; undoable where a hold is open. Name and links stay.
     void copyFrom(const RyFloatProperty &other);
+
+    /// The labels of the owner and of the property, for messages.
+    QString getFullLabel() const;
 
     const std::vector<RyERCLink *> &getControllerLinks() const { return m_incoming; }
     const std::vector<RyERCLink *> &getControlledLinks() const { return m_outgoing; }
@@ -60,11 +66,16 @@ private:
     void recordChange();
     float linkedShare() const;
     float clamp(float value) const;
+    using Dependents = std::vector<QPointer<RyFloatProperty>>;
+    void workOut();
+    Dependents workOutDependents(bool defaultChanged);
+    void update();
     void announceIfChanged();
-    void announceControlled();
+    static void announce(const Dependents &properties);
 
     float m_raw;
-    float m_announced; // the resulting value that listeners know
+    float m_value;     // the resulting one
+    float m_announced; // the one that listeners know
     float m_default;
     float m_min = -10000.0f;
     float m_max = 10000.0f;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vector>
+
+class RyFloatProperty;
+
+/// Ways through the graph that links make of properties: from controllers to what they control, without circles. Both
+/// walks pass a link once, however many ways lead to it.
+namespace RyLinkGraph {
+
+/// The property and all that hangs on it, every controller before what it controls.
+std::vector<RyFloatProperty *> dependents(RyFloatProperty *property);
+/// A way along links, both ends included; empty where there is none. It is looked for from both ends, and takes as long
+/// as the end on which less hangs.
+std::vector<const RyFloatProperty *> findWay(const RyFloatProperty *from, const RyFloatProperty *to);
+
+} // namespace RyLinkGraph
