@@ -21,7 +21,7 @@ void RyCamera::lookAt(const RyVec3 &eye, const RyVec3 &target, const RyVec3 &up)
     RyAffine stretch;
     RyQuat rotation;
     map.decomposePolar(stretch, rotation);
-    setLocalTransform(eye, rotation, RyMatrix3(), 1.0f);
+    adjustLocalTransform(eye, rotation, RyMatrix3(), 1.0f);
     setFocalDistance((eye - target).length());
 }
 

@@ -114,8 +114,12 @@ public:
     /// M(orientation^-1) * diag(scale * general scale) * M(orientation).
     RyMatrix3 getLocalScale() const;
     void getLocalTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale, float &generalScale) const;
-    /// Sets all pose controls, within their limits. `scale` is taken without the general scale.
+    /// Sets the own share of all pose controls, within their limits; what links add comes on top. `scale` is taken
+    /// without the general scale.
     void setLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale, float generalScale);
+    /// The same for the resulting values: the inverse of `getLocalTransform`, also where links add to them.
+    void adjustLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale,
+                              float generalScale);
 
     // --- World.
     /// Maps `p - origin` (figure axes, p in figure space) to the world: T(origin) * X. Unposed it is T(origin).

@@ -109,8 +109,8 @@ void RyNodePose::getTransform(const RyQuat &orientation, RyVec3 &position, RyQua
     generalScale = this->generalScale();
 }
 
-void RyNodePose::setTransform(const RyQuat &orientation, const RyVec3 &position, const RyQuat &rotation,
-                              const RyMatrix3 &scale, float generalScale)
+void RyNodePose::writeTransform(const RyQuat &orientation, const RyVec3 &position, const RyQuat &rotation,
+                                const RyMatrix3 &scale, float generalScale, Write write)
 {
     const RyQuat pose = orientation * rotation * orientation.inverse();
     const RyMatrix3 inBoneAxes = RyMatrix3(orientation) * scale * RyMatrix3(orientation.inverse());
@@ -119,11 +119,11 @@ void RyNodePose::setTransform(const RyQuat &orientation, const RyVec3 &position,
     const RyVec3 degrees = rotation == RyQuat() ? RyVec3() : pose.toEuler(order);
     const bool unscaled = scale == RyMatrix3();
     for (int axis = 0; axis < 3; ++axis) {
-        m_controls[Translation + axis]->adjustValue(position[axis]);
-        m_controls[Rotation + axis]->adjustValue(degrees[axis]);
-        m_controls[Scale + axis]->adjustValue(unscaled ? 1.0f : inBoneAxes[axis][axis]);
+        (m_controls[Translation + axis]->*write)(position[axis]);
+        (m_controls[Rotation + axis]->*write)(degrees[axis]);
+        (m_controls[Scale + axis]->*write)(unscaled ? 1.0f : inBoneAxes[axis][axis]);
     }
-    m_controls[GeneralScale]->adjustValue(generalScale);
+    (m_controls[GeneralScale]->*write)(generalScale);
 }
 
 void RyNodePose::takeFrom(const RyAffine &local, const RyVec3 &origin, const RyQuat &orientation)
@@ -139,6 +139,6 @@ void RyNodePose::takeFrom(const RyAffine &local, const RyVec3 &origin, const RyQ
         for (int j = 0; j < 3; ++j)
             scale[i][j] = float(stretch.m[i][j]);
     }
-    setTransform(orientation, {float(to[0] - from[0]), float(to[1] - from[1]), float(to[2] - from[2])}, rotation, scale,
-                 1.0f);
+    writeTransform(orientation, {float(to[0] - from[0]), float(to[1] - from[1]), float(to[2] - from[2])}, rotation,
+                   scale, 1.0f, &RyFloatProperty::adjustValue);
 }

@@ -41,9 +41,11 @@ public:
     /// In figure axes; `scale` is without the general scale.
     void getTransform(const RyQuat &orientation, RyVec3 &position, RyQuat &rotation, RyMatrix3 &scale,
                       float &generalScale) const;
-    void setTransform(const RyQuat &orientation, const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale,
-                      float generalScale);
-    /// Sets the controls so that the local map becomes `local`, as far as they can say it.
+    /// Writes the controls with `setValue` or `adjustValue`: their own share, or what links add included.
+    using Write = void (RyFloatProperty::*)(float);
+    void writeTransform(const RyQuat &orientation, const RyVec3 &position, const RyQuat &rotation,
+                        const RyMatrix3 &scale, float generalScale, Write write);
+    /// Adjusts the controls so that the local map becomes `local`, as far as they can say it.
     void takeFrom(const RyAffine &local, const RyVec3 &origin, const RyQuat &orientation);
 
 private:

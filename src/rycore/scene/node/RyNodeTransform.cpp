@@ -1,5 +1,6 @@
 #include "rycore/scene/RyNode.h"
 
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyValueChange.h"
 
@@ -172,7 +173,13 @@ void RyNode::getLocalTransform(RyVec3 &position, RyQuat &rotation, RyMatrix3 &sc
 void RyNode::setLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale,
                                float generalScale)
 {
-    m_pose.setTransform(getOrientation(), position, rotation, scale, generalScale);
+    m_pose.writeTransform(getOrientation(), position, rotation, scale, generalScale, &RyFloatProperty::setValue);
+}
+
+void RyNode::adjustLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale,
+                                  float generalScale)
+{
+    m_pose.writeTransform(getOrientation(), position, rotation, scale, generalScale, &RyFloatProperty::adjustValue);
 }
 
 RyAffine RyNode::getLocalMap() const
