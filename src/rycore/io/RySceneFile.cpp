@@ -182,7 +182,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
     QStringList leftOut;
     const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
     const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
-                       : origins.empty()              ? saveWithoutSource(scene, path, error)
+                       : origins.empty()              ? saveWithoutSource(scene, path, error, messages)
                                          : saveJoined(*scene, origins, path, options, error, messages, &leftOut);
     if (!saved)
         return false;
@@ -193,7 +193,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
     return true;
 }
 
-bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error)
+bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error, QStringList *messages)
 {
     // What came from another format is written in metres, which is what other programs take a glTF unit for.
     constexpr double CentimetresPerMetre = 100.0;
@@ -201,5 +201,5 @@ bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString
     const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene->getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return RyGltfNewNodes::writeScene(*scene, unit)->write(path, error);
+    return RyGltfNewNodes::writeScene(*scene, unit, messages)->write(path, error);
 }

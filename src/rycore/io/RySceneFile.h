@@ -33,7 +33,7 @@ public:
     static bool save(RyScene *scene, const QString &path, const SaveOptions &options, QString *error,
                      QStringList *messages = nullptr, QStringList *losses = nullptr);
     /// As a new glTF file from the scene alone, without what the file it came from held besides.
-    static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error);
+    static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
 
     static QStringList readableEndings();
     static QStringList writableEndings();

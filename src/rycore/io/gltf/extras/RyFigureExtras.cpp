@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyLinkExtras.h"
 #include "rycore/io/gltf/extras/RyMapExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -336,8 +337,45 @@ static Json bindingsJson(const RySkeleton &skeleton, const RyGltfNodeIndex &node
     return skin && list != expected ? list : Json();
 }
 
+void RyFigureExtras::applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNode *> &figures,
+                                        QStringList *messages)
+{
+    for (const auto &[entry, node] : figures) {
+        auto *skeleton = qobject_cast<RySkeleton *>(node);
+        const Json *stored = figureJson(document, entry);
+        const Json *follows = stored ? find(*stored, "follows") : nullptr;
+        if (!skeleton || !follows)
+            continue;
+        const auto found = follows->is_number_integer() ? figures.find(follows->get<int>()) : figures.end();
+        if (found != figures.end()) {
+            skeleton->setFollowTarget(qobject_cast<RySkeleton *>(found->second));
+        } else if (messages) {
+            const QString name =
+                follows->is_number_integer() ? storedFigureName(document, follows->get<int>()) : QString();
+            messages->append(QStringLiteral("\"%1\" follows no figure any more: %2 does not stand in the scene")
+                                 .arg(skeleton->getName(), name.isEmpty()
+                                                               ? QStringLiteral("the stored one")
+                                                               : QLatin1Char('"') + name + QLatin1Char('"')));
+        }
+    }
+}
+
+/// The place of the figure that a skeleton follows; null where it follows none that is stored.
+static Json followsJson(const RySkeleton &skeleton, const std::vector<const RyNode *> &figures, QStringList *messages)
+{
+    const RySkeleton *target = skeleton.getFollowTarget();
+    const auto found = std::find(figures.begin(), figures.end(), target);
+    if (target && found != figures.end())
+        return int(found - figures.begin());
+    if (target && messages) {
+        messages->append(QStringLiteral("That \"%1\" follows \"%2\" is not stored: the latter has no place in the file")
+                             .arg(skeleton.getName(), target->getName()));
+    }
+    return Json();
+}
+
 void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-                               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints)
+                               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints, QStringList *messages)
 {
     Json list = Json::array();
     for (const RyNode *figure : figures) {
@@ -359,6 +397,9 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             entry["name"] = skeleton->getName().toStdString();
             entry["node"] = RyRiggingExtras::nodeJson(*skeleton, nullptr);
             entry["node"]["unit"] = unit;
+            Json follows = followsJson(*skeleton, figures, messages);
+            if (!follows.is_null())
+                entry["follows"] = std::move(follows);
             Json bindings = bindingsJson(*skeleton, nodeOf, joints);
             if (!bindings.is_null())
                 entry["bindings"] = std::move(bindings);
@@ -376,8 +417,11 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         }
         list.push_back(std::move(entry));
     }
-    RyExtrasJson::store(document.json(),
-                        Json{{"version", RyExtrasJson::Version}, {"unit", unit}, {"figures", std::move(list)}});
+    Json ours{{"version", RyExtrasJson::Version}, {"unit", unit}, {"figures", std::move(list)}};
+    Json links = RyLinkExtras::toJson(figures, nodeOf, messages);
+    if (!links.is_null())
+        ours["links"] = std::move(links);
+    RyExtrasJson::store(document.json(), std::move(ours));
 }
 
 QString RyFigureExtras::groupsText(const RyFacetMesh &mesh)

@@ -51,9 +51,13 @@ bool hasMaps(const RyGltfDocument &document, int figure);
 void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
                const RyGltfNodeIndex &nodeOf, RySkinBinding &skin, QStringList *messages);
 
-/// Writes all of it. `figures`: null for one that is gone; `joints`: nodes that a reader finds in skins.
+/// Sets what figures follow, found by their stored entries.
+void applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNode *> &figures, QStringList *messages);
+
+/// Writes all of it, with the links between nodes. `figures`: null for one that is gone; `joints`: nodes that a reader
+/// finds in skins.
 void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints);
+               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints, QStringList *messages);
 
 /// The face groups of a mesh as the extras say them, to see whether they were edited.
 QString groupsText(const RyFacetMesh &mesh);

@@ -50,11 +50,12 @@ struct RyGltfFigureSource
     /// In the order of the bindings. Shared, for it is large and never changes.
     using Weights = std::vector<RyGltfLoadedWeights>;
     std::shared_ptr<const Weights> weights = std::make_shared<Weights>();
-    QString mapsText;      // local, scale and bulge maps as the extras say them
-    int firstRoot = -1;    // node of the first topmost bone
-    QString riggingText;   // of the figure itself, as that of nodes
-    QString groupsText;    // face groups as they were read, in the text of the extras
-    QString selectionText; // likewise the selection map
+    QString mapsText;          // local, scale and bulge maps as the extras say them
+    int firstRoot = -1;        // node of the first topmost bone
+    QString riggingText;       // of the figure itself, as that of nodes
+    QString groupsText;        // face groups as they were read, in the text of the extras
+    QString selectionText;     // likewise the selection map
+    QPointer<RyNode> followed; // the figure that it follows
 
     /// Whether vertices are elsewhere than they were read.
     bool hasOtherVertices() const;

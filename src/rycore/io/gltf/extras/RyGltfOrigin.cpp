@@ -3,6 +3,14 @@
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/scene/RySkeleton.h"
 
+#include <algorithm>
+
+static RyNode *followedBy(const RyGltfFigureSource &figure)
+{
+    const auto *skeleton = qobject_cast<const RySkeleton *>(figure.sceneNode.data());
+    return skeleton ? skeleton->getFollowTarget() : nullptr;
+}
+
 void RyGltfOrigin::recordTree()
 {
     RyGltfNodeIndex nodeOf;
@@ -23,6 +31,24 @@ void RyGltfOrigin::recordTree()
         for (const RyNode *node : below)
             order.emplace_back(node, node->getNodeParent());
     }
+    links = linksNow();
+    for (RyGltfFigureSource &figure : figures)
+        figure.followed = followedBy(figure);
+}
+
+std::vector<RyLinkExtras::Link> RyGltfOrigin::linksNow() const
+{
+    std::vector<const RyNode *> all;
+    for (const auto &[node, parent] : order)
+        all.push_back(node);
+    return RyLinkExtras::linksOf(all);
+}
+
+bool RyGltfOrigin::isLinkedOtherwise() const
+{
+    return linksNow() != links || std::any_of(figures.begin(), figures.end(), [](const RyGltfFigureSource &figure) {
+               return figure.followed != followedBy(figure);
+           });
 }
 
 void RyGltfOrigin::addNode(RyGltfNodeSource source)

@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/extras/RyGltfNodeSource.h"
+#include "rycore/io/gltf/extras/RyLinkExtras.h"
 #include "rycore/scene/RyScene.h"
 
 #include <QPointer>
@@ -18,10 +19,12 @@ public:
     QString path() const override { return filePath; }
     double unitFactor() const override { return unit; }
 
-    /// Notes how the scene's nodes hang together; at the end of reading.
+    /// Notes how the scene's nodes and values hang together; at the end of reading.
     void recordTree();
     /// One more node once reading is done.
     void addNode(RyGltfNodeSource source);
+    /// Whether links of its nodes were made or removed since it was read, or figures follow others.
+    bool isLinkedOtherwise() const;
     const RyGltfNodeSource *findSource(const RyNode *node) const;
     const RyGltfFigureSource *findFigureSource(const RyNode *figure) const;
 
@@ -34,9 +37,12 @@ public:
     std::vector<QPointer<RyNode>> tops; // what was read at the top of the scene
     /// Those with all below them, pre-order, each with its parent: to see whether the tree was edited.
     std::vector<std::pair<const RyNode *, const RyNode *>> order;
+    std::vector<RyLinkExtras::Link> links;
     bool unitWasChosen = false; // by the user, not by the file
 
 private:
+    std::vector<RyLinkExtras::Link> linksNow() const;
+
     RyFirstPlaces<const RyNode *> m_placesOfNodes; // asked for once reading is done
     RyFirstPlaces<const RyNode *> m_placesOfFigures;
 };

@@ -110,12 +110,22 @@ static void applyTraits(const Json &ours, RyNode &sceneNode)
     }
 }
 
+static bool isNumbers(const Json *list, size_t count)
+{
+    return list && list->is_array() && list->size() == count &&
+           std::all_of(list->begin(), list->end(), [](const Json &number) { return number.is_number(); });
+}
+
 static void applyLimitsOf(const Json &ours, float scale, RyNode &sceneNode)
 {
+    const std::array<RyFloatProperty *, 10> pose = poseOf(sceneNode);
+    const Json *defaults = find(ours, "defaults");
+    const Json *ofPose = defaults ? find(*defaults, "pose") : nullptr;
+    for (size_t i = 0; isNumbers(ofPose, pose.size()) && i < pose.size(); ++i)
+        pose[i]->setDefaultValue((*ofPose)[i].get<float>() * (i < 3 ? scale : 1.0f));
     const Json *limits = find(ours, "limits");
     if (!limits || !limits->is_object())
         return;
-    const std::array<RyFloatProperty *, 10> pose = poseOf(sceneNode);
     for (size_t i = 0; i < pose.size(); ++i) {
         const Json *range = find(*limits, pose[i]->getName().toUtf8().constData());
         if (!range || !range->is_array() || range->size() < 2 || !(*range)[0].is_number() || !(*range)[1].is_number())
@@ -131,10 +141,8 @@ static bool applyPoseOf(const Json &ours, float scale, RyNode &sceneNode)
 {
     const Json *pose = find(ours, "pose");
     const std::array<RyFloatProperty *, 10> controls = poseOf(sceneNode);
-    if (!pose || !pose->is_array() || pose->size() != controls.size() ||
-        !std::all_of(pose->begin(), pose->end(), [](const Json &number) { return number.is_number(); })) {
+    if (!isNumbers(pose, controls.size()))
         return false;
-    }
     for (size_t i = 0; i < controls.size(); ++i)
         controls[i]->setValue((*pose)[i].get<float>() * (i < 3 ? scale : 1.0f));
     return true;
@@ -263,6 +271,16 @@ void RyRiggingExtras::applyFigure(const Json &ours, double unit, bool withPlace,
     applyLimitsOf(ours, scale, figure);
 }
 
+/// Whether the defaults of pose controls are others than those of a new node.
+static bool hasOtherDefaults(const std::array<RyFloatProperty *, 10> &pose)
+{
+    for (size_t i = 0; i < pose.size(); ++i) {
+        if (pose[i]->getDefaultValue() != (i < 6 ? 0.0f : 1.0f))
+            return true;
+    }
+    return false;
+}
+
 Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
 {
     Json ours{{"version", RyExtrasJson::Version}};
@@ -278,10 +296,15 @@ Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
     }
     if (place && *place != readTriple(rigging.data(), false))
         ours["place"] = vectorJson(*place);
+    const bool hasPoseDefaults = hasOtherDefaults(poseOf(sceneNode));
+    if (hasPoseDefaults) {
+        for (const RyFloatProperty *property : poseOf(sceneNode))
+            defaults["pose"].push_back(property->getDefaultValue());
+    }
     if (!defaults.empty())
         ours["defaults"] = std::move(defaults);
     ours["order"] = sceneNode.getRotationOrder().order();
-    if (sceneNode.isPosed()) {
+    if (sceneNode.isPosed() || hasPoseDefaults) {
         Json pose = Json::array();
         for (const RyFloatProperty *property : poseOf(sceneNode))
             pose.push_back(property->getValue());

@@ -16,7 +16,7 @@ namespace RyRiggingExtras {
 /// frame, a symmetric stretch: a frame with a reflection has several.
 bool applyToNode(const RyGltfDocument &document, int node, double unit, float tolerance, const RyAffine &bind,
                  RyNode &sceneNode, QStringList *messages);
-/// Applies the stored limits of the pose controls; after the pose, which is what the file says.
+/// Applies the stored limits and defaults of the pose controls; after the pose, which is what the file says.
 void applyLimits(const RyGltfDocument &document, int node, double unit, RyNode &sceneNode);
 
 /// The map that the stored pose makes, in centimetres; false when none is stored.

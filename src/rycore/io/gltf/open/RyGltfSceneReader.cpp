@@ -6,6 +6,7 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyLinkExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/file/RyGltfUri.h"
@@ -14,6 +15,7 @@
 #include "rycore/io/gltf/open/RyGltfNumberCheck.h"
 #include "rycore/io/gltf/open/RyImageDecoder.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/skin/RySkinBinding.h"
 
 #include <QFileInfo>
 
@@ -84,8 +86,37 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
     std::move(props.begin(), props.end(), std::back_inserter(m_origin->figures));
     for (const RyRef<RyNode> &top : m_tops)
         m_origin->tops.emplace_back(top.get());
+    readLinks();
     m_origin->recordTree();
     return true;
+}
+
+/// What nodes of the whole file have to do with one another. A value that links add to has another share of its own.
+void RyGltfSceneReader::readLinks()
+{
+    RyLinkExtras::Places places{m_sceneNodeOf, {}};
+    for (const Figure &figure : m_figures) {
+        if (figure.entry >= 0)
+            places.figures.emplace(figure.entry, figure.figure);
+    }
+    RyFigureExtras::applyFollowTargets(*m_origin->document, places.figures, m_messages);
+    const std::set<const RyNode *> linked = RyLinkExtras::apply(*m_origin->document, places, m_messages);
+    std::set<const RyNode *> figures;
+    for (const RyNode *node : linked)
+        figures.insert(node->getSkeleton());
+    const auto noteValues = [&linked](auto &source) {
+        if (!linked.count(source.sceneNode))
+            return;
+        source.loaded = RyNodeValues::of(*source.sceneNode);
+        source.riggingText = RyRiggingExtras::nodeText(*source.sceneNode);
+    };
+    for (RyGltfNodeSource &source : m_origin->nodes)
+        noteValues(source);
+    for (RyGltfFigureSource &source : m_origin->figures) {
+        noteValues(source);
+        if (figures.count(source.sceneNode))
+            source.mapsText = RyMapExtras::text(RySkinBinding::findSkinFromNode(source.sceneNode));
+    }
 }
 
 void RyGltfSceneReader::draftFigures()

@@ -60,6 +60,7 @@ private:
     void finishProp(RyGltfNodeSource &source);
     int placeBelow(const RyNode &above, int node) const;
     void setPropPose(RyGltfNodeSource &source) const;
+    void readLinks();
     void readPicture(int image, RyMaterialLook &look);
     QString imageName(int image) const;
     void fillLooks(RyMeshParts &parts);

@@ -65,13 +65,13 @@ RyAffine bindOf(const RyNode &node, double unit)
 
 } // namespace
 
-std::unique_ptr<RyGltfDocument> RyGltfNewNodes::writeScene(const RyScene &scene, double unit)
+std::unique_ptr<RyGltfDocument> RyGltfNewNodes::writeScene(const RyScene &scene, double unit, QStringList *messages)
 {
     std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
     RyGltfNewNodes newNodes(*document, unit);
     for (const RyNode *top : scene.getTopLevelNodes())
         newNodes.addTree(*top);
-    newNodes.storeExtras();
+    newNodes.storeExtras(messages);
     return document;
 }
 
@@ -240,7 +240,7 @@ std::vector<const RyNode *> RyGltfNewNodes::figures() const
     return sorted;
 }
 
-void RyGltfNewNodes::storeExtras()
+void RyGltfNewNodes::storeExtras(QStringList *messages)
 {
     for (const auto &[node, index] : m_nodeOf.entries()) {
         if (ryOwnBones(*node).empty())
@@ -248,5 +248,5 @@ void RyGltfNewNodes::storeExtras()
         else
             RyTreeExtras::markFigure(m_document, index);
     }
-    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints);
+    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints, messages);
 }

@@ -33,14 +33,15 @@ public:
     /// The meshes and skins of nodes that a patch added.
     void addMeshes(const RyGltfScenePatch &patch);
     /// Stores end points, orders, groups and the like in the file's extras; call once at the end.
-    void storeExtras();
+    void storeExtras(QStringList *messages);
 
     /// Nodes of all bones.
     const std::set<int> &joints() const { return m_joints; }
     /// Figures with their skins first, then props: the order in which they will be read.
     std::vector<const RyNode *> figures() const;
 
-    static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, double unit);
+    static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, double unit,
+                                                      QStringList *messages = nullptr);
 
 private:
     void addNode(const RyNode &node, int parent, const RyAffine &parentBind);

@@ -87,7 +87,7 @@ void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &new
     for (const RyNode *figure : newFigures)
         (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
     figures.insert(figures.end(), props.begin(), props.end());
-    RyFigureExtras::storeFile(patch.document, patch.source.unit, figures, patch.nodeOf, patch.joints);
+    RyFigureExtras::storeFile(patch.document, patch.source.unit, figures, patch.nodeOf, patch.joints, patch.messages);
 }
 
 } // namespace
@@ -107,7 +107,7 @@ bool RyGltfSceneWriter::isEdited(const RyScene &scene) const
             return true;
         }
     }
-    if (std::any_of(source.figures.begin(), source.figures.end(), isFigureEdited))
+    if (std::any_of(source.figures.begin(), source.figures.end(), isFigureEdited) || source.isLinkedOtherwise())
         return true;
     return source.unitWasChosen && source.unit != RyFigureExtras::storedUnit(*source.document);
 }
