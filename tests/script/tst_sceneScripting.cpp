@@ -69,6 +69,29 @@ private slots:
         RyMessageLog::global().setEcho(true);
     }
 
+    void links()
+    {
+        QVERIFY(holds("var hip = Scene.find('hip'), foot = Scene.find('foot');"
+                      "hip.setValue('xrot', 12); foot.setValue('yrot', 3);"
+                      "foot.addLink('yrot', hip, 'xrot') && !foot.addLink('yrot', hip, 'xrot')"));
+        QCOMPARE(m_foot->getYRotControl()->getValue(), 15.0f);
+        QVERIFY(holds("var prop = Scene.find('prop'); prop.addLink('xtran', foot, 'yrot') &&"
+                      "foot.addLink('yrot', Scene.getSkeletons()[0], 'zrot')"));
+        QVERIFY(holds("var links = foot.getLinks('yrot'); links.length === 2 && links[0].node === hip &&"
+                      "links[0].name === 'xrot' && links[1].name === 'zrot' && hip.getLinks('xrot').length === 0"));
+        QCOMPARE(errorOf("hip.addLink('xrot', prop, 'xtran')"),
+                 QString("Error: \"prop: X Translate\" cannot control \"hip: X Rotate\", which controls it already: "
+                         "\"hip: X Rotate\" > \"foot: Y Rotate\" > \"prop: X Translate\""));
+        QVERIFY(errorOf("hip.addLink('xrot', prop, 'wag')").contains(QLatin1String("has no value called \"wag\"")));
+        QVERIFY(errorOf("hip.addLink('wag', prop, 'xtran')").contains(QLatin1String("has no value called \"wag\"")));
+        QCOMPARE(errorOf("hip.addLink('xrot', null, 'xtran')"), QString("Error: There is no node."));
+        QVERIFY(holds("!foot.removeLink('yrot', hip, 'yrot') && foot.removeLink('yrot', hip, 'xrot')"));
+        QCOMPARE(m_foot->getYRotControl()->getValue(), 3.0f);
+        QVERIFY(holds(
+            "Undo.step('Link', function () { foot.addLink('yrot', hip, 'xrot'); }); foot.getValue('yrot') === 15"));
+        QVERIFY(holds("Undo.undo() && foot.getValue('yrot') === 3 && foot.getLinks('yrot').length === 1"));
+    }
+
     void nodesByNameAndPath()
     {
         QCOMPARE(run("Scene.find('foot')").toQObject(), static_cast<QObject *>(m_foot));

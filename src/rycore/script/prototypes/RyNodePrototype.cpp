@@ -1,5 +1,6 @@
 #include "rycore/script/prototypes/RyNodePrototype.h"
 
+#include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -163,9 +164,14 @@ void RyNodePrototype::select(bool onOff) const
 RyFloatProperty *RyNodePrototype::value(const QString &name) const
 {
     const RyNode *node = self<RyNode>();
-    QString error;
+    return node ? valueOf(node, name) : nullptr;
+}
+
+RyFloatProperty *RyNodePrototype::valueOf(const RyNode *node, const QString &name) const
+{
+    QString error = tr("There is no node.");
     RyFloatProperty *property = node ? RyNodeLookup::findValue(*node, name, false, &error) : nullptr;
-    if (node && !property)
+    if (!property)
         fail(error);
     return property;
 }
@@ -215,6 +221,51 @@ void RyNodePrototype::setDefaultValue(const QString &name, double value) const
         fail(tr("%1 takes a number.").arg(name));
     else if (property)
         property->setDefaultValue(float(value));
+}
+
+bool RyNodePrototype::addLink(const QString &name, RyNode *controller, const QString &controllerName) const
+{
+    RyFloatProperty *controlled = value(name);
+    RyFloatProperty *from = controlled ? valueOf(controller, controllerName) : nullptr;
+    if (!from)
+        return false;
+    RyError error;
+    QString reason;
+    const bool isMade = RyERCLink::create(from, controlled, &error, &reason);
+    if (!error.isSuccess())
+        fail(reason);
+    return isMade;
+}
+
+bool RyNodePrototype::removeLink(const QString &name, RyNode *controller, const QString &controllerName) const
+{
+    const RyFloatProperty *controlled = value(name);
+    const RyFloatProperty *from = controlled ? valueOf(controller, controllerName) : nullptr;
+    if (!from)
+        return false;
+    const std::vector<RyERCLink *> &links = controlled->getControllerLinks();
+    const auto found = std::find_if(links.begin(), links.end(),
+                                    [from](const RyERCLink *link) { return link->getController() == from; });
+    if (found == links.end())
+        return false;
+    RyERCLink::remove(*found);
+    return true;
+}
+
+QScriptValue RyNodePrototype::getLinks(const QString &name) const
+{
+    const RyFloatProperty *controlled = value(name);
+    if (!controlled)
+        return {};
+    QScriptValue array = engine()->newArray();
+    for (const RyERCLink *link : controlled->getControllerLinks()) {
+        QScriptValue entry = engine()->newObject();
+        entry.setProperty(QStringLiteral("node"),
+                          engine()->toScriptValue(qobject_cast<RyNode *>(link->getController()->getOwner())));
+        entry.setProperty(QStringLiteral("name"), link->getController()->getName());
+        array.setProperty(array.property(QStringLiteral("length")).toUInt32(), entry);
+    }
+    return array;
 }
 
 QScriptValue RyNodePrototype::getOrigin() const

@@ -42,6 +42,14 @@ public:
     Q_INVOKABLE double getDefaultValue(const QString &name) const;
     Q_INVOKABLE void setDefaultValue(const QString &name, double value) const;
 
+    /// Lets a value of another node add to one of this node what it is beyond its default. False where it does already;
+    /// throws where that would close a circle, and says which.
+    Q_INVOKABLE bool addLink(const QString &name, RyNode *controller, const QString &controllerName) const;
+    /// False where there is no such link.
+    Q_INVOKABLE bool removeLink(const QString &name, RyNode *controller, const QString &controllerName) const;
+    /// What adds to a value, in its order: objects with `node` and `name`.
+    Q_INVOKABLE QScriptValue getLinks(const QString &name) const;
+
     /// Places in figure space, in centimetres.
     Q_INVOKABLE QScriptValue getOrigin() const;
     Q_INVOKABLE void setOrigin(const QScriptValue &place) const;
@@ -61,4 +69,5 @@ public:
 
 private:
     RyFloatProperty *value(const QString &name) const;
+    RyFloatProperty *valueOf(const RyNode *node, const QString &name) const;
 };
