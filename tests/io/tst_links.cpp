@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyPropertyGroup.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
@@ -18,6 +19,8 @@
 
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <cmath>
 
 using json = nlohmann::json;
 
@@ -124,15 +127,15 @@ private slots:
     void defaultsOfThePose()
     {
         LinkedFile linked(plain());
-        linked.value("high", "xrot")->setDefaultValue(25);
-        linked.value("high", "xrot")->setValue(25);
+        linked.value("high", "xrot")->setDefaultValue(25.3f);
+        linked.value("high", "xrot")->setValue(25.3f);
         linked.value("thing", "xtran")->setDefaultValue(-5);
         linked.value("root", "ytran")->setDefaultValue(4);
         linked.save(path("saved"));
         LinkedFile again(path("saved"));
         QVERIFY(sameDumps(rySceneDump(again.scene()), rySceneDump(linked.scene())));
-        QCOMPARE(again.value("high", "xrot")->getDefaultValue(), 25.0f);
-        QCOMPARE(again.value("high", "xrot")->getValue(), 25.0f);
+        QVERIFY(again.value("high", "xrot")->getDefaultValue() == 25.3f);
+        QVERIFY(again.value("high", "xrot")->getValue() == 25.3f); // to the bit
         QCOMPARE(again.value("thing", "xtran")->getDefaultValue(), -5.0f);
         QVERIFY(again.distanceTo(path("saved")) < Slack);
     }
@@ -296,6 +299,54 @@ private slots:
         LinkedFile mended(path("mended"));
         QCOMPARE(mended.character.messages, QStringList());
         QVERIFY(sameDumps(rySceneDump(mended.scene()), rySceneDump(broken.scene())));
+    }
+
+    /// Where a stored link is left out a value may come back in another last digit: the file is not edited for that.
+    void whatIsLeftOutIsNoEdit()
+    {
+        LinkedFile linked(plain());
+        linked.value("low", "yrot")->setValue(-29.9f);
+        linked.value("steer", "yrot")->setValue(30.1f);
+        for (RyFloatProperty *controlled :
+             {linked.value("high", "xrot"), linked.value("root", "xrot"), linked.value("thing", "xrot"),
+              bulgeOf(linked)->getNegRightBulgeController()}) {
+            controlled->setValue(0.1337f);
+            linked.link(linked.value("low", "yrot"), controlled);
+            linked.link(linked.value("steer", "yrot"), controlled);
+        }
+        linked.save(path("saved"));
+        json tree = treeOf("saved");
+        for (json &entry : tree["extras"]["RYHOST_rigging"]["links"])
+            entry["from"][0]["node"] = 77;
+        write("broken", tree);
+        LinkedFile broken(path("broken"));
+        QCOMPARE(broken.character.messages.size(), 4);
+        const float before = linked.value("high", "xrot")->getValue();
+        const float now = broken.value("high", "xrot")->getValue();
+        QVERIFY(now != before && std::abs(now - before) < 1e-5f);
+        broken.save(path("same"));
+        QVERIFY(bytesOf(path("same")) == bytesOf(path("broken")));
+    }
+
+    /// Two values of a node may have one name; a file says which is meant.
+    void severalValuesOfAName()
+    {
+        LinkedFile linked(plain());
+        RyNode *figure = linked.scene().getSkeletons()[0];
+        RyFloatProperty *second = figure->getPropertyGroups()
+                                      ->addChild(QStringLiteral("More"))
+                                      ->addProperty(std::make_unique<RyFloatProperty>(figure, QStringLiteral("xrot")));
+        linked.link(second, linked.value("high", "xrot"));
+        linked.link(linked.value("root", "xrot"), linked.value("high", "xrot"));
+        linked.save(path("saved"));
+        QCOMPARE(linksOf("saved").at(0).at("from").dump(),
+                 std::string(R"([{"figure":0,"number":1,"property":"xrot"},{"figure":0,"property":"xrot"}])"));
+        // Nothing makes the second one when the file is opened.
+        LinkedFile again(path("saved"));
+        QCOMPARE(again.character.messages,
+                 QStringList(QStringLiteral("The stored link from \"root: xrot\" to \"high: X Rotate\" is left out: "
+                                            "\"root\" has no value called \"xrot\"")));
+        QCOMPARE(again.value("high", "xrot")->getControllerLinks().size(), size_t(1));
     }
 
     /// Another program turned the bone, or left our extras out: what the file shows is what results.
