@@ -125,6 +125,37 @@ private slots:
         QCOMPARE(f.child->getZRotControl()->getValue() - f.child->getZRotControl()->getRawValue(), 30.0f);
     }
 
+    /// A scene of values that hang on one another goes without telling each death to all that are left; what stays is
+    /// told once.
+    void clearingTheScene()
+    {
+        RyScene scene;
+        auto *figure = new RySkeleton;
+        std::vector<RyBone *> bones;
+        for (int i = 0; i < 200; ++i)
+            bones.push_back(Fixture::add(bones.empty() ? static_cast<RyNode *>(figure) : bones.back(), "bone", {}));
+        scene.addNode(figure);
+        const RyRef<RyNode> outside(new RyBone);
+        outside->getXRotControl()->setValue(7);
+        for (size_t i = 0; i < bones.size(); ++i) {
+            bones[i]->getXRotControl()->setValue(1);
+            Fixture::link(bones[i]->getXRotControl(), outside->getXRotControl());
+            if (i % 2 == 0 && i + 1 < bones.size())
+                Fixture::link(bones[i]->getXRotControl(), bones[i + 1]->getXRotControl());
+            if (i % 2 == 0 && i > 0) // from both ends, whichever goes first
+                Fixture::link(bones[bones.size() - i]->getXRotControl(), bones[bones.size() - i - 2]->getXRotControl());
+        }
+        int told = 0, toldOutside = 0;
+        for (const RyBone *bone : bones)
+            connect(bone->getXRotControl(), &RyFloatProperty::currentValueChanged, this, [&told] { ++told; });
+        connect(outside->getXRotControl(), &RyFloatProperty::currentValueChanged, this, [&] { ++toldOutside; });
+        scene.clear();
+        QCOMPARE(told, 0);
+        QCOMPARE(toldOutside, 1);
+        QCOMPARE(outside->getXRotControl()->getValue(), 7.0f);
+        QVERIFY(outside->getXRotControl()->getControllerLinks().empty());
+    }
+
     /// A camera goes where it is sent, wherever links would have it.
     void aCameraLooksWhereItIsTold()
     {

@@ -21,6 +21,9 @@ struct RyERCLink::AttachedValue : RyValueOf<RyERCLink, bool, std::shared_ptr<RyE
     }
 };
 
+static int s_deletions = 0;
+static std::vector<QPointer<RyFloatProperty>> s_waiting; // for the end of them
+
 static RyERCLink *findLink(const RyFloatProperty *controller, const RyFloatProperty *controlled)
 {
     for (RyERCLink *link : controlled->getControllerLinks()) {
@@ -115,6 +118,22 @@ void RyERCLink::insert(const std::shared_ptr<RyERCLink> &link)
     link->m_controlled->update();
 }
 
+RyERCLink::Deletion::Deletion()
+{
+    ++s_deletions;
+}
+
+RyERCLink::Deletion::~Deletion()
+{
+    if (--s_deletions > 0)
+        return;
+    const std::vector<QPointer<RyFloatProperty>> waiting = std::exchange(s_waiting, {});
+    for (const QPointer<RyFloatProperty> &property : waiting) {
+        if (property)
+            property->update();
+    }
+}
+
 void RyERCLink::detach(bool announce)
 {
     const std::shared_ptr<RyERCLink> keep = std::exchange(m_self, nullptr);
@@ -126,6 +145,10 @@ void RyERCLink::detach(bool announce)
     };
     m_outgoingPlace = take(m_controller->m_outgoing);
     m_incomingPlace = take(m_controlled->m_incoming);
-    if (announce)
+    if (!announce)
+        return;
+    if (s_deletions > 0)
+        s_waiting.emplace_back(m_controlled);
+    else
         m_controlled->update();
 }

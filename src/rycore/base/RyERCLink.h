@@ -21,6 +21,17 @@ public:
     /// Null is ignored. Undoable where a hold is open.
     static void remove(RyERCLink *link);
 
+    /// While one lives, what hangs on values that are deleted is not told at once, but when the last one ends: where
+    /// many go, each would be told to all that are still there.
+    class Deletion
+    {
+    public:
+        Deletion();
+        ~Deletion();
+        Deletion(const Deletion &) = delete;
+        Deletion &operator=(const Deletion &) = delete;
+    };
+
     RyFloatProperty *getController() const { return m_controller; }
     RyFloatProperty *getControlled() const { return m_controlled; }
     float contribution() const;

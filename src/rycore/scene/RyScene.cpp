@@ -1,5 +1,6 @@
 #include "rycore/scene/RyScene.h"
 
+#include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyPlaceChange.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRestoreKeeper.h"
@@ -185,8 +186,11 @@ void RyScene::clear()
     for (RyNode *node : std::vector<RyNode *>(m_nodes))
         emit node->aboutToBeRemoved();
     changeSelection({});
-    while (!m_nodes.empty())
-        unregisterNode(m_nodes.back(), int(m_nodes.size()) - 1);
+    {
+        const RyERCLink::Deletion deletion;
+        while (!m_nodes.empty())
+            unregisterNode(m_nodes.back(), int(m_nodes.size()) - 1);
+    }
     setOrigins({});
     emit nodeListChanged();
     emit drawnDataChanged();
