@@ -127,15 +127,20 @@ private slots:
     void defaultsOfThePose()
     {
         LinkedFile linked(plain());
-        linked.value("high", "xrot")->setDefaultValue(25.3f);
-        linked.value("high", "xrot")->setValue(25.3f);
+        float number = 25.3f;
+        for (const char *name : {"xrot", "yrot", "zrot", "xtran", "zscale"}) {
+            linked.value("high", name)->setDefaultValue(number *= 0.77f);
+            linked.value("high", name)->setValue(number);
+        }
         linked.value("thing", "xtran")->setDefaultValue(-5);
         linked.value("root", "ytran")->setDefaultValue(4);
         linked.save(path("saved"));
         LinkedFile again(path("saved"));
         QVERIFY(sameDumps(rySceneDump(again.scene()), rySceneDump(linked.scene())));
-        QVERIFY(again.value("high", "xrot")->getDefaultValue() == 25.3f);
-        QVERIFY(again.value("high", "xrot")->getValue() == 25.3f); // to the bit
+        for (const char *name : {"xrot", "yrot", "zrot", "xtran", "zscale"}) { // to the bit
+            QVERIFY(again.value("high", name)->getDefaultValue() == linked.value("high", name)->getValue());
+            QVERIFY(again.value("high", name)->getValue() == linked.value("high", name)->getValue());
+        }
         QCOMPARE(again.value("thing", "xtran")->getDefaultValue(), -5.0f);
         QVERIFY(again.distanceTo(path("saved")) < Slack);
     }
