@@ -137,6 +137,10 @@ public:
     const RyAffine &figureMap() const;
     /// T(-origin) * linear * T(origin + translation): from figure space to figure space, relative to the parent.
     RyAffine getLocalMap() const;
+    /// While a clip shows: stands for `figureMap` of a bone of a skeleton, and for `getLocalMap` in the maps of
+    /// anything else. Null gives the place back to the pose, which stays as it is. Announces nothing.
+    void setPlayedMap(const RyAffine *map) { RyNodeMaps::play(*this, map); }
+    bool isPlayed() const { return m_maps.isPlayed(); }
     /// Grows whenever figureMap may have changed, whether somebody asked for that or not.
     quint64 mapRevision() const;
     /// The posed end point in the world: `(endPoint - origin) * getWSTransform()`.

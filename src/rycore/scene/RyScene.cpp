@@ -6,6 +6,7 @@
 #include "rycore/scene/RyRestoreKeeper.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/RyUniqueNames.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <algorithm>
@@ -47,7 +48,9 @@ struct RyScene::NodeList : RyListOf<RyScene, RyNode>
     static void moved(RyScene &scene) { emit scene.nodeListChanged(); }
 };
 
-RyScene::RyScene(QObject *parent) : QObject(parent), m_keeper(std::make_unique<RyRestoreKeeper>(this))
+RyScene::RyScene(QObject *parent)
+    : QObject(parent), m_keeper(std::make_unique<RyRestoreKeeper>(this)),
+      m_player(std::make_unique<RyClipPlayer>(*this))
 {
     if (RyRestorePoints *points = ryRestorePoints())
         points->addKeeper(m_keeper.get());
@@ -272,6 +275,18 @@ void RyScene::addOrigin(std::shared_ptr<RySceneOrigin> origin)
 {
     m_origins.push_back(std::move(origin));
     emit originChanged();
+}
+
+RyScene::Clips RyScene::getClips() const
+{
+    Clips clips;
+    for (const auto &origin : m_origins) {
+        for (auto &clip : origin->clips()) {
+            if (!clip->subjects(*this).empty())
+                clips.push_back(std::move(clip));
+        }
+    }
+    return clips;
 }
 
 // --- Names

@@ -12,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+class RyClipPlayer;
 class RyNode;
 class RyRestoreKeeper;
 class RySkeleton;
@@ -91,6 +92,11 @@ public:
     /// Shared, for restore points bring them back.
     void setOrigins(Origins origins);
 
+    /// Those of all files, in their order, that move something in the scene.
+    using Clips = RySceneOrigin::Clips;
+    Clips getClips() const;
+    RyClipPlayer *getClipPlayer() const { return m_player.get(); }
+
 signals:
     void primarySelectionChanged(RyNode *node);
     void nodeSelectionListChanged();
@@ -119,6 +125,7 @@ private:
     Origins m_origins;
     RyRiggingEdits m_riggingEdits;
     std::unique_ptr<RyRestoreKeeper> m_keeper;
+    std::unique_ptr<RyClipPlayer> m_player;
 };
 
 /// The application's scene, made at first use.

@@ -6,6 +6,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RyUniqueNames.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyValueChange.h"
 
 /// Which selection map it has.
@@ -115,6 +116,7 @@ void RySkeleton::setDrawGLBones(bool draw)
 {
     if (draw == m_flags.drawGLBones)
         return;
+    const RyClipPlayer::Stay stay; // tools switch it
     recordFlags();
     Flags flags = m_flags;
     flags.drawGLBones = draw;

@@ -144,6 +144,7 @@ unsigned RyUndoStack::wants(const RyUndoKey &key)
         return 0;
     if (d->swapping)
         return d->swapped && !d->swapped->contains(key) && !d->aside->contains(key) ? unsigned(Aside) : 0u;
+    emit aboutToChange();
     unsigned takers = 0;
     if (!isRecording()) {
         d->noteLooseChange();
@@ -191,6 +192,7 @@ void RyUndoStack::record(const RyUndoKey &key, const std::function<std::unique_p
 
 void RyUndoStack::swapStep(RyUndoStep &step, bool done)
 {
+    emit aboutToChange();
     const QScopedValueRollback<bool> guard(d->swapping, true);
     RyUndoStep aside;
     const QScopedValueRollback<const RyUndoStep *> swapped(d->swapped, &step);
@@ -327,6 +329,7 @@ int RyUndoStack::openHold()
     // What a listener does during undo or redo is part of it and makes no step.
     if (d->swapping)
         return 0;
+    emit aboutToChange();
     const int id = ++d->lastHoldId;
     d->holds.push_back({id, std::make_shared<RyUndoStep>()});
     if (d->holds.size() == 1)

@@ -70,6 +70,9 @@ public:
     void setObserver(std::unique_ptr<RyUndoObserver> observer);
 
 signals:
+    /// The document is about to change: a hold opens, a change is to be kept or passes by unrecorded, a step is undone
+    /// or redone.
+    void aboutToChange();
     /// Steps, index, or what can be undone may have changed.
     void changed();
     void cleanChanged(bool clean);

@@ -4,6 +4,7 @@
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/look/HostIcons.h"
 
@@ -333,6 +334,7 @@ void SceneModel::toggleHidden(RyNode *node)
 {
     if (!node)
         return;
+    const RyClipPlayer::Stay stay;
     RyUndoStackHold hold;
     node->setHidden(!node->isHidden());
     hold.accept(node->isHidden() ? tr("Hide %1").arg(node->getLabel()) : tr("Show %1").arg(node->getLabel()));

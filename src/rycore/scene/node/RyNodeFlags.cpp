@@ -1,7 +1,10 @@
 #include "rycore/scene/node/RyNodeFlags.h"
 
 #include "rycore/scene/RyNode.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyValueChange.h"
+
+#include <optional>
 
 struct RyNodeFlags::FlagValue : RySlotOf<RyNode, bool, 4>
 {
@@ -14,6 +17,9 @@ void RyNodeFlags::set(Flag flag, bool value)
 {
     if (has(flag) == value)
         return;
+    std::optional<RyClipPlayer::Stay> stay;
+    if (flag == Hidden)
+        stay.emplace();
     RyValueChange<FlagValue>::record(&m_node, FlagValue(flag));
     apply(flag, value);
 }

@@ -1,5 +1,6 @@
 #include "rycore/scene/node/RyNodeMaps.h"
 
+#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
 namespace {
@@ -40,6 +41,11 @@ void RyNodeMaps::update(const RyNode &node)
 
 void RyNodeMaps::follow(const RyNode &node)
 {
+    m_valid = true;
+    if (m_played) {
+        followPlayed(node);
+        return;
+    }
     const RyNodeMaps *parent = node.getNodeParent() ? &node.getNodeParent()->m_maps : nullptr;
     const RyVec3 origin = node.getOrigin();
     const RyAffine local = node.getLocalMap();
@@ -62,7 +68,39 @@ void RyNodeMaps::follow(const RyNode &node)
         m_figure = local;
         m_figureRotation = rotation.normalized();
     }
-    m_valid = true;
+}
+
+/// A clip says all of the map, so that what a node inherits does not count.
+void RyNodeMaps::followPlayed(const RyNode &node)
+{
+    RyAffine stretch;
+    RyQuat turn;
+    m_played->decomposePolar(stretch, turn);
+    const RyNode *figure = qobject_cast<const RyBone *>(&node) ? node.getSkeleton() : nullptr;
+    const RyNode *above = figure ? figure : node.getNodeParent();
+    m_world = above ? *m_played * above->m_maps.m_world : *m_played;
+    m_worldRotation = (above ? turn * above->m_maps.m_worldRotation : turn).normalized();
+    if (qobject_cast<const RySkeleton *>(&node)) {
+        m_figure = RyAffine();
+        m_figureRotation = RyQuat();
+    } else {
+        m_figure = above ? *m_played * above->m_maps.m_figure : *m_played;
+        m_figureRotation = (above ? turn * above->m_maps.m_figureRotation : turn).normalized();
+    }
+}
+
+void RyNodeMaps::play(RyNode &node, const RyAffine *map)
+{
+    std::unique_ptr<RyAffine> &played = node.m_maps.m_played;
+    if (!map && !played)
+        return;
+    if (!map)
+        played.reset();
+    else if (played)
+        *played = *map;
+    else
+        played = std::make_unique<RyAffine>(*map);
+    invalidate(node);
 }
 
 void RyNodeMaps::invalidate(RyNode &node)

@@ -2,6 +2,8 @@
 
 #include "rycore/math/RyAffine.h"
 
+#include <memory>
+
 class RyNode;
 
 /// The maps of a node's place in the tree, kept until something above or in it changes. Row vectors: for node N with
@@ -25,6 +27,9 @@ public:
     static void update(const RyNode &node);
     /// Those of the node and of all below it.
     static void invalidate(RyNode &node);
+    /// See RyNode::setPlayedMap.
+    static void play(RyNode &node, const RyAffine *map);
+    bool isPlayed() const { return m_played != nullptr; }
     /// The maps of a node with defaults from it up to its skeleton, whose own place is kept.
     struct Default
     {
@@ -41,6 +46,7 @@ public:
 
 private:
     void follow(const RyNode &node);
+    void followPlayed(const RyNode &node);
 
     RyAffine m_world;
     RyAffine m_figure;
@@ -48,4 +54,5 @@ private:
     RyQuat m_figureRotation;
     quint64 m_revision = 1;
     bool m_valid = false;
+    std::unique_ptr<RyAffine> m_played;
 };

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "rycore/math/RyAffine.h"
+
+#include <QString>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+class RyNode;
+class RyScene;
+
+/// How nodes stand at one time of a clip: see RyNode::setPlayedMap. The same nodes in the same order at all times.
+struct RyClipFrame
+{
+    std::vector<std::pair<RyNode *, RyAffine>> maps;
+};
+
+/// Shows a clip in the scene as it stood when this was made; valid until nodes come, go or hang elsewhere.
+class RyClipMotion
+{
+public:
+    virtual ~RyClipMotion() = default;
+    virtual void evaluate(double seconds, RyClipFrame &frame) = 0;
+};
+
+/// A clip of a file as it was read: how nodes of the scene stand at all times. Edits of the rest do not enter.
+class RyClip
+{
+public:
+    static constexpr double FramesPerSecond = 30.0;
+
+    virtual ~RyClip() = default;
+
+    virtual QString name() const = 0;
+    /// Seconds of the first and the last key; they may be equal.
+    virtual double start() const = 0;
+    virtual double end() const = 0;
+    double length() const { return end() - start(); }
+    /// Frames count from 0 at the start and need not be whole.
+    double frameOf(double seconds) const { return (seconds - start()) * FramesPerSecond; }
+    double secondsOf(double frame) const { return start() + frame / FramesPerSecond; }
+    double lengthInFrames() const { return frameOf(end()); }
+
+    /// Figures of the scene of which it moves bones, or that it moves themselves; a clip that moves none gives the
+    /// props that it moves. Empty when nothing of it is in the scene any more.
+    virtual std::vector<RyNode *> subjects(const RyScene &scene) const = 0;
+    /// For the scene as it stands.
+    virtual std::unique_ptr<RyClipMotion> prepare(const RyScene &scene) const = 0;
+};
