@@ -1,4 +1,6 @@
 ry_test(player LIBS rycore_io ry_evaluator ry_test_core SOURCES
+  ${CMAKE_SOURCE_DIR}/tests/clips/ClipComparison.cpp
+  ${CMAKE_SOURCE_DIR}/tests/clips/ClipEdits.cpp
   ${CMAKE_SOURCE_DIR}/tests/clips/ClipSketch.cpp
   ${CMAKE_SOURCE_DIR}/tests/clips/ClipStage.cpp
   ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp

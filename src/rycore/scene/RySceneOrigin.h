@@ -8,7 +8,7 @@
 class RyClip;
 
 /// The file behind a scene: a slot that the file formats fill.
-class RySceneOrigin
+class RySceneOrigin : public std::enable_shared_from_this<RySceneOrigin>
 {
 public:
     virtual ~RySceneOrigin() = default;

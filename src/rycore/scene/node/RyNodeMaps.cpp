@@ -50,7 +50,7 @@ void RyNodeMaps::follow(const RyNode &node)
     const RyVec3 origin = node.getOrigin();
     const RyAffine local = node.getLocalMap();
     const RyQuat rotation = node.getLocalRot();
-    const bool inherits = node.inheritsScale();
+    const bool inherits = node.inheritsScale() || (parent && parent->m_played);
     if (parent) {
         m_world = composed(local, parent->m_world, parent->m_worldRotation, inherits, origin);
         m_worldRotation = (rotation * parent->m_worldRotation).normalized();

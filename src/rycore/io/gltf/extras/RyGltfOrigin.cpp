@@ -70,3 +70,11 @@ const RyGltfFigureSource *RyGltfOrigin::findFigureSource(const RyNode *figure) c
                                              [this](int i) { return figures[size_t(i)].sceneNode.data(); });
     return place < 0 ? nullptr : &figures[size_t(place)];
 }
+
+RySceneOrigin::Clips RyGltfOrigin::clips() const
+{
+    const auto self = std::static_pointer_cast<const RyGltfOrigin>(weak_from_this().lock());
+    if (!m_clips && self && readClips)
+        m_clips = readClips(self);
+    return m_clips.value_or(Clips());
+}

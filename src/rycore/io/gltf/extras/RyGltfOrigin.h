@@ -10,6 +10,7 @@
 #include <QPointer>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// The file behind a scene read from glTF: the kept tree, and which of its nodes stand in the scene.
@@ -18,6 +19,8 @@ class RyGltfOrigin : public RySceneOrigin
 public:
     QString path() const override { return filePath; }
     double unitFactor() const override { return unit; }
+    /// Read when they are first asked for, once the scene has the origin.
+    Clips clips() const override;
 
     /// Notes how the scene's nodes and values hang together; at the end of reading.
     void recordTree();
@@ -39,10 +42,13 @@ public:
     std::vector<std::pair<const RyNode *, const RyNode *>> order;
     std::vector<RyLinkExtras::Link> links;
     bool unitWasChosen = false; // by the user, not by the file
+    /// Who knows how clips play; it lies above.
+    Clips (*readClips)(const std::shared_ptr<const RyGltfOrigin> &origin) = nullptr;
 
 private:
     std::vector<RyLinkExtras::Link> linksNow() const;
 
     RyFirstPlaces<const RyNode *> m_placesOfNodes; // asked for once reading is done
     RyFirstPlaces<const RyNode *> m_placesOfFigures;
+    mutable std::optional<Clips> m_clips;
 };

@@ -14,6 +14,7 @@
 #include "rycore/io/gltf/open/RyGltfFigureFinder.h"
 #include "rycore/io/gltf/open/RyGltfNumberCheck.h"
 #include "rycore/io/gltf/open/RyImageDecoder.h"
+#include "rycore/io/gltf/play/RyGltfPlayedClip.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/skin/RySkinBinding.h"
 
@@ -31,6 +32,7 @@ RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, c
     m_origin->document = std::move(document);
     m_origin->filePath = path;
     m_origin->unit = unit;
+    m_origin->readClips = &RyGltfPlayedClip::allOf;
 }
 
 RyGltfSceneReader::~RyGltfSceneReader() = default;

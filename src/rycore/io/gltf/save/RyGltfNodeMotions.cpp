@@ -2,42 +2,13 @@
 
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
-#include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/extras/RyGltfWeightGiver.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
-#include <optional>
-
-namespace {
-
-/// What a bone gave away: its weights as they were read that are larger than those now, at the vertices that another
-/// bone weighs; half of its own where the other has a copy of them. All lists are ascending.
-qint64 givenTo(const RyGltfBindingWeights &taker, const RyGltfLoadedWeights &before, const RyGltfBindingWeights *now)
-{
-    if (now && now->isSameAs(taker))
-        return std::accumulate(now->weights.begin(), now->weights.end(), qint64(0)) / 2;
-    qint64 sum = 0;
-    size_t j = 0, k = 0;
-    for (size_t i = 0; i < taker.vertices.size(); ++i) {
-        const int vertex = taker.vertices[i];
-        while (j < before.vertices.size() && before.vertices[j] < vertex)
-            ++j;
-        while (now && k < now->vertices.size() && now->vertices[k] < vertex)
-            ++k;
-        const int then = j < before.vertices.size() && before.vertices[j] == vertex ? before.weights[j] : 0;
-        const bool has = now && k < now->vertices.size() && now->vertices[k] == vertex;
-        sum += std::clamp(then - (has ? int(now->weights[k]) : 0), 0, int(taker.weights[i]));
-    }
-    return sum;
-}
-
-} // namespace
 
 RyGltfNodeMotions::RyGltfNodeMotions(const RyGltfScenePatch &patch)
     : m_patch(patch), m_before(patch.source.document->model()), m_now(patch.document.model())
@@ -49,9 +20,11 @@ RyGltfNodeMotions::RyGltfNodeMotions(const RyGltfScenePatch &patch)
 std::vector<RyGltfNodeMotion> RyGltfNodeMotions::find()
 {
     for (const auto &[sceneNode, node] : m_patch.added) {
-        const int giver = qobject_cast<const RyBone *>(sceneNode) ? giverOf(*sceneNode) : -1;
-        if (giver < 0)
+        const RyNode *bone =
+            qobject_cast<const RyBone *>(sceneNode) ? ryGltfWeightGiver(m_patch.source, *sceneNode) : nullptr;
+        if (!bone)
             continue;
+        const int giver = m_patch.nodeOf.of(bone);
         m_givers[node] = giver;
         const RyGltfNodeSource &source = *m_patch.edits.at(giver).source;
         m_frames[node] = ryGltfColumns(m_patch.edits.at(node).bind * source.bind.inverse());
@@ -147,35 +120,6 @@ void RyGltfNodeMotions::hangElsewhere(RyGltfNodeMotion &motion, int oldParent, i
         motion.down.pop_back();
         motion.up.pop_back();
     }
-}
-
-/// The bone of the file that gave a new one most of its weights and moves otherwise: beside it, or below such; -1 for
-/// none. What is above a new bone moves it anyway.
-int RyGltfNodeMotions::giverOf(const RyNode &bone) const
-{
-    const RyGltfFigureSource *figure = m_patch.source.findFigureSource(bone.getSkeleton());
-    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&bone);
-    const RyBoneBinding *binding = skin ? skin->findBoneBinding(&bone) : nullptr;
-    if (!figure || !binding)
-        return -1;
-    const RyGltfBindingWeights taken(*binding);
-    const RyNode *giver = nullptr;
-    qint64 most = 0;
-    for (const RyGltfLoadedWeights &before : *figure->weights) {
-        const int node = before.bone ? m_patch.nodeOf.of(before.bone) : -1;
-        if (node < 0 || !m_patch.edits.at(node).source)
-            continue;
-        std::optional<RyGltfBindingWeights> now;
-        if (const RyBoneBinding *rest = skin->findBoneBinding(before.bone))
-            now.emplace(*rest);
-        const qint64 given = givenTo(taken, before, now ? &*now : nullptr);
-        if (given > most) {
-            most = given;
-            giver = before.bone;
-        }
-    }
-    const bool isBeside = giver && giver->isDescendantOf(bone.getNodeParent()) && !bone.isDescendantOf(giver);
-    return isBeside ? m_patch.nodeOf.of(giver) : -1;
 }
 
 void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)

@@ -33,7 +33,6 @@ public:
 private:
     void addKnown(int node);
     void hangElsewhere(RyGltfNodeMotion &motion, int oldParent, int newParent) const;
-    int giverOf(const RyNode &bone) const;
     bool isNew(int node) const;
     bool isThere(int node) const;
     Eigen::Affine3d localNow(int node) const;

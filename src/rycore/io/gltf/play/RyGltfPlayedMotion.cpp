@@ -1,0 +1,113 @@
+#include "rycore/io/gltf/play/RyGltfPlayedMotion.h"
+
+#include "rycore/io/gltf/extras/RyGltfWeightGiver.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <unordered_map>
+
+namespace {
+
+bool isFinite(const RyAffine &map)
+{
+    return std::all_of(&map.m[0][0], &map.m[0][0] + 12, [](double number) { return std::isfinite(number); });
+}
+
+/// From figure space to the world as it was read, of a figure without a node of its own in the file.
+RyAffine figureToWorld(const RyGltfOrigin &origin, const RyGltfFigureSource &figure)
+{
+    const auto root = std::find_if(origin.nodes.begin(), origin.nodes.end(),
+                                   [&](const RyGltfNodeSource &source) { return source.node == figure.firstRoot; });
+    return root != origin.nodes.end() ? root->figureToWorld : RyAffine();
+}
+
+} // namespace
+
+RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfClips &clips, const RyGltfClip &clip,
+                                       const std::vector<int> &moved, const RyScene &scene)
+    : m_chains(origin.document->model(), clips, clip)
+{
+    for (const int place : moved) {
+        const RyGltfNodeSource &source = origin.nodes[size_t(place)];
+        if (!source.sceneNode || source.sceneNode->getScene() != &scene)
+            continue;
+        if (source.isBone)
+            addBone(origin, source);
+        else
+            addOther(origin, source);
+    }
+    addTakers(origin);
+}
+
+/// Relative to its figure, which may move as well.
+void RyGltfPlayedMotion::addBone(const RyGltfOrigin &origin, const RyGltfNodeSource &source)
+{
+    const RyGltfFigureSource &figure = origin.figures[size_t(source.figure)];
+    if (!figure.sceneNode || source.sceneNode->getSkeleton() != figure.sceneNode)
+        return;
+    if (const RyGltfNodeSource *carrier = origin.findSource(figure.sceneNode)) {
+        add(source, carrier->node, carrier->bind);
+        return;
+    }
+    add(source, -1, RyAffine::fromScale(origin.unit) * figureToWorld(origin, figure).inverse());
+}
+
+/// A prop or a figure, relative to what it hangs on; one that hangs elsewhere follows that alone.
+void RyGltfPlayedMotion::addOther(const RyGltfOrigin &origin, const RyGltfNodeSource &source)
+{
+    const RyNode *parent = source.sceneNode->getNodeParent();
+    if (parent != source.sceneParent || (source.parent >= 0) != (parent != nullptr))
+        return;
+    if (!parent)
+        add(source, -1, RyAffine::fromScale(origin.unit));
+    else
+        add(source, source.parent, origin.findSource(parent)->bind);
+}
+
+void RyGltfPlayedMotion::add(const RyGltfNodeSource &source, int above, const RyAffine &behind)
+{
+    Played played{source.sceneNode, -1, {}, behind};
+    if (!source.bind.invert(played.before))
+        return;
+    played.chain = m_chains.add(source.node, above);
+    m_played.push_back(played);
+}
+
+/// New bones that took weights over from one beside them move as that one does.
+void RyGltfPlayedMotion::addTakers(const RyGltfOrigin &origin)
+{
+    std::unordered_map<const RyNode *, size_t> placeOf;
+    std::set<RyNode *> figures;
+    for (size_t i = 0; i < m_played.size(); ++i) {
+        placeOf[m_played[i].node] = i;
+        if (qobject_cast<RyBone *>(m_played[i].node))
+            figures.insert(m_played[i].node->getSkeleton());
+    }
+    for (const RyNode *figure : figures) {
+        for (RyBone *bone : ryOwnBones(*figure)) {
+            const RyNode *giver = origin.findSource(bone) ? nullptr : ryGltfWeightGiver(origin, *bone);
+            const auto place = placeOf.find(giver);
+            if (place == placeOf.end())
+                continue;
+            Played played = m_played[place->second];
+            played.node = bone;
+            m_played.push_back(played);
+        }
+    }
+}
+
+void RyGltfPlayedMotion::evaluate(double seconds, RyClipFrame &frame)
+{
+    m_chains.evaluate(seconds);
+    frame.maps.resize(m_played.size());
+    for (size_t i = 0; i < m_played.size(); ++i) {
+        const Played &played = m_played[i];
+        RyAffine map = played.before * m_chains.map(played.chain) * played.behind;
+        if (!isFinite(map))
+            map = RyAffine();
+        frame.maps[i] = {played.node, map};
+    }
+}
