@@ -1,5 +1,6 @@
 # Runs the program itself, as a person at a shell would, without a display.
-ry_test(batch LIBS rycore_io ry_evaluator ry_test_core)
+ry_test(batch LIBS rycore_io ry_evaluator ry_test_core SOURCES ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp)
+target_include_directories(tst_batch PRIVATE ${CMAKE_SOURCE_DIR}/tests/io)
 # Actions with dialogs of their own.
 add_library(tst_batch_dialogs MODULE ${CMAKE_CURRENT_LIST_DIR}/plugin/DialogPlugin.cpp)
 target_include_directories(tst_batch_dialogs PRIVATE ${CMAKE_SOURCE_DIR}/src)

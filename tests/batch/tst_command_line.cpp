@@ -42,9 +42,9 @@ private slots:
         const Result help = run({QStringLiteral("--help")});
         QCOMPARE(help.code, 0);
         QVERIFY(help.out.count('\n') <= 50);
-        for (const char *verb :
-             {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot", "--dump", "--run",
-              "--set", "--answer", "--script", "--report", "--merge", "--unit", "--redo", "--joints-only"})
+        for (const char *verb : {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot",
+                                 "--dump", "--run", "--set", "--answer", "--script", "--report", "--merge", "--unit",
+                                 "--redo", "--joints-only", "--clip", "--time"})
             QVERIFY2(help.out.contains(verb), verb);
     }
 

@@ -1,5 +1,6 @@
 #include "support/RyTest.h"
 
+#include "player/ToyClip.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyFigure.h"
@@ -7,6 +8,8 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
+#include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -129,6 +132,45 @@ private slots:
         QVERIFY(errorOf("Scene.setSelection([{}])").contains(QLatin1String("Entry 0")));
         QVERIFY(errorOf("Scene.setSelection('hip')").contains(QLatin1String("array")));
         QCOMPARE(m_scene->selectedNodeListIterator(), (std::vector<RyNode *>{m_hip, m_prop}));
+    }
+
+    void clips()
+    {
+        const auto origin = std::make_shared<ToyOrigin>();
+        origin->given = {std::make_shared<ToyClip>(QStringLiteral("walk"), 1.0, 3.0, std::vector<RyNode *>{m_figure}),
+                         std::make_shared<ToyClip>(QStringLiteral("spin"), 0.0, 1.0, std::vector<RyNode *>{m_prop})};
+        m_scene->addOrigin(origin);
+        QVERIFY(holds("var c = Scene.getClips(); c.length === 2 && c[0].name === 'walk' && c[0].start === 1 && "
+                      "c[0].end === 3 && c[0].figures.length === 1 && c[0].figures[0] === Scene.find('figure')"));
+        QVERIFY(holds("Scene.getShownClip() === null"));
+        QVERIFY(holds("Scene.showClip('figure/walk'); Scene.getShownClip().time === 1"));
+        QVERIFY(m_figure->isPlayed());
+        QVERIFY(holds("Scene.showClip('figure/1', 2.5); Scene.getShownClip().time === 2.5"));
+        QVERIFY(holds("Scene.find('figure').getWSPos().x === 2.5"));
+        QVERIFY(holds("Scene.setClipTime(2); Scene.getShownClip().time === 2"));
+        QVERIFY(holds("Scene.showClip('prop/spin'); Scene.getShownClip().name === 'spin'"));
+        QVERIFY(!m_figure->isPlayed());
+        QVERIFY(errorOf("Scene.showClip('prop/walk')").contains(QLatin1String("\"figure/walk\", \"prop/spin\"")));
+        QVERIFY(holds("Scene.stopClip(); Scene.getShownClip() === null"));
+        QVERIFY(errorOf("Scene.setClipTime(2)").contains(QLatin1String("No clip")));
+        QVERIFY(holds("Scene.showClip('figure/walk', 2); Undo.step('turn', function() { "
+                      "Scene.find('figure').setValue('xtran', Scene.find('figure').getWSPos().x + 7); }); "
+                      "Scene.getShownClip() === null && Scene.find('figure').getWSPos().x === 7"));
+    }
+    /// A script begins with poses.
+    void scriptsPutClipsAway()
+    {
+        const auto origin = std::make_shared<ToyOrigin>();
+        auto *figure = new RyFigure;
+        ryScene()->addNode(figure);
+        origin->given = {std::make_shared<ToyClip>(QStringLiteral("walk"), 1.0, 3.0, std::vector<RyNode *>{figure})};
+        ryScene()->setOrigins({origin});
+        ryScene()->getClipPlayer()->show(origin->given.front(), 2.0);
+        RyScript script(QStringLiteral("nothing"));
+        script.setSource(QStringLiteral("1 + 1"));
+        QVERIFY(script.execute());
+        QVERIFY(!ryScene()->getClipPlayer()->isShowing());
+        ryScene()->clear();
     }
 
     void values()

@@ -1,7 +1,10 @@
 #include "support/RyTest.h"
 
+#include "player/ToyClip.h"
 #include "rycore/base/RyTClassFactory.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMenu.h"
 #include "rycore/ui/RyActionMgr.h"
@@ -9,6 +12,7 @@
 #include "rycore/ui/RyViewToolAction.h"
 #include "rycore/viewport/RySelectTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
+#include "support/ToyAction.h"
 
 class CountingAction : public RyAction
 {
@@ -85,6 +89,31 @@ private slots:
         action->trigger();
         QCOMPARE(action->runs, 1);
         QCOMPARE(m_actions->findAction(QStringLiteral("NoAction")), nullptr);
+    }
+
+    /// Actions find poses; those that only choose a tool leave the clip.
+    void clipsMakeWay()
+    {
+        auto *figure = new RySkeleton;
+        ryScene()->addNode(figure);
+        const auto origin = std::make_shared<ToyOrigin>();
+        origin->given = {std::make_shared<ToyClip>(QStringLiteral("walk"), 0.0, 1.0, std::vector<RyNode *>{figure})};
+        ryScene()->setOrigins({origin});
+        RyClipPlayer &player = *ryScene()->getClipPlayer();
+        player.show(origin->given.front(), 0.5);
+        SecondToolAction tool;
+        tool.trigger();
+        QVERIFY(player.isShowing());
+        bool wasPlayed = true;
+        ToyAction edit(QStringLiteral("Edit"), [&] { wasPlayed = figure->isPlayed(); });
+        edit.setEnabled(false);
+        edit.trigger();
+        QVERIFY(player.isShowing());
+        edit.setEnabled(true);
+        edit.trigger();
+        QVERIFY(!wasPlayed);
+        QVERIFY(!player.isShowing());
+        ryScene()->clear();
     }
 
     void menusTakeKnownNamesOnly()

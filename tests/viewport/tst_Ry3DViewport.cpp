@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 #include "viewport/ViewportTestScene.h"
 
+#include "player/ToyClip.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -10,6 +11,8 @@
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
+#include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -171,6 +174,41 @@ private slots:
         m_figure.upper->getZRotControl()->setValue(25);
         settle();
         QCOMPARE(m_viewport->counts().positionUploads, uploads + 1);
+    }
+
+    /// A frame of a clip deforms what it moves once, uploads once and is drawn once; selecting meanwhile draws the tool
+    /// alone.
+    void clipFrames()
+    {
+        const ToyClip clip(QStringLiteral("walk"), 0.0, 3.0, {m_figure.upper});
+        RyClipPlayer &player = *m_scene->getClipPlayer();
+        player.show(std::make_shared<ToyClip>(clip), 1.0);
+        settle();
+        const RySkinDeformer &deformer = RySkinBinding::findSkinFromNode(m_figure.upper)->deformer();
+        const auto counts = m_viewport->counts();
+        const qint64 touched = deformer.totalTouched();
+        player.setTime(2.0);
+        settle();
+        QCOMPARE(m_viewport->counts().positionUploads, counts.positionUploads + 1);
+        QCOMPARE(m_viewport->counts().scenePaints, counts.scenePaints + 1);
+        QCOMPARE(m_viewport->counts().framePaints, counts.framePaints + 1);
+        QVERIFY(deformer.lastTouched() > 0);
+        QCOMPARE(deformer.totalTouched(), touched + deformer.lastTouched());
+        m_figure.upper->select(true);
+        settle();
+        QCOMPARE(m_viewport->counts().positionUploads, counts.positionUploads + 1);
+        QVERIFY(player.isShowing());
+        {
+            const Ry3DViewport another(m_manager.get());
+            const RyClipPlayer::Aside aside(*m_scene);
+        }
+        QVERIFY(player.isShowing());
+        QVERIFY(ryUndoStack()->isClean());
+        settle();
+        QCOMPARE(m_viewport->counts().scenePaints, counts.scenePaints + 1);
+        player.stop();
+        settle();
+        QCOMPARE(m_viewport->counts().positionUploads, counts.positionUploads + 2);
     }
 
     void mouseReachesTheTool()

@@ -9,6 +9,7 @@
 #include "rycore/io/obj/RyObjOrigin.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
 
@@ -174,6 +175,7 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
 bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &options, QString *error,
                        QStringList *messages, QStringList *losses)
 {
+    const RyClipPlayer::Aside aside(*scene);
     const QString ending = endingOf(path);
     if (!writableEndings().contains(ending)) {
         return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")

@@ -1,6 +1,8 @@
 #include "rycore/script/RyScript.h"
 
 #include "rycore/base/RyMessageLog.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/script/RyScriptEngine.h"
 
 #include <QDir>
@@ -52,6 +54,7 @@ bool RyScript::execute()
         RyMessageLog::global().warning(tr("The script %1 cannot run: there is no script engine.").arg(getName()));
         return false;
     }
+    ryScene()->getClipPlayer()->stop(); // it works on poses, unless it shows one itself
     engine->evaluate(m_source, m_filePath.isEmpty() ? getName() : m_filePath);
     return !engine->hasFailed();
 }

@@ -101,9 +101,13 @@ void RyLocalStages::appendChannels(const RyBoneBinding &binding, std::vector<RyS
 
 void RyLocalStages::fillMaps(const RyBone *bone, RyAffine maps[Count], RyAffine normalMaps[Count])
 {
-    if (!bone) {
-        std::fill(maps, maps + Count, RyAffine());
-        std::fill(normalMaps, normalMaps + Count, RyAffine());
+    std::fill(maps, maps + Count, RyAffine());
+    std::fill(normalMaps, normalMaps + Count, RyAffine());
+    if (!bone)
+        return;
+    if (bone->isPlayed()) { // files know the mean of the local maps alone
+        maps[0] = bone->figureMap();
+        normalMaps[0] = RyNormalMap::of(maps[0]);
         return;
     }
     // From figure space to the bone's axes about its origin, and back.

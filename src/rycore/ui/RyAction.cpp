@@ -1,5 +1,7 @@
 #include "rycore/ui/RyAction.h"
 
+#include "rycore/scene/RyScene.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyPlainText.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
@@ -48,6 +50,8 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
     connect(this, &QAction::triggered, this, [this] {
         if (!isEnabled())
             return;
+        if (!leavesSceneAlone())
+            ryScene()->getClipPlayer()->stop();
         // What undo does not take back can be gone back to before.
         const ActionOfScript script;
         const RyRestoreSpan span(RyRestoreSpan::Scope::Command, captionOf(this));

@@ -20,6 +20,8 @@ public:
     /// Path in the main menu, levels parted by "/"; empty for none.
     virtual QString getDefaultMenuPath() const;
     virtual QKeySequence getDefaultAccel() const;
+    /// Whether it only chooses, shows or sets up something. A clip that shows goes before any other action runs.
+    virtual bool leavesSceneAlone() const { return false; }
     /// The tips are made of it.
     QString getDescription() const { return m_description; }
 

@@ -13,6 +13,7 @@ public:
     explicit RyViewToolAction(const QString &toolClassName);
 
     void init() override;
+    bool leavesSceneAlone() const override { return true; }
     const QString &getToolClassName() const { return m_toolClassName; }
 
 public slots:

@@ -3,6 +3,7 @@
 #include "rycore/viewport/RyViewportPrivate.h"
 
 #include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/viewport/RyDrawStyle.h"
 #include "rycore/viewport/RyGLContext.h"
 #include "rycore/viewport/RyGLUtility.h"
@@ -39,7 +40,10 @@ Ry3DViewport::Ry3DViewport(RyViewportMgr *manager, QWidget *parent)
     : QGLWidget(viewportFormat(), parent), d(std::make_unique<Private>(*this))
 {
     d->manager = manager;
-    d->camera = new RyCamera;
+    {
+        const RyUndoStackSilence silence; // it is no part of the document
+        d->camera = new RyCamera;
+    }
     connect(d->camera.get(), &RyNode::poseChanged, this, [this] { update(); });
     connect(d->camera.get(), &RyCamera::lensChanged, this, [this] { update(); });
     d->refining.setSingleShot(true);

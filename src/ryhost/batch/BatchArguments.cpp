@@ -16,19 +16,13 @@ struct VerbRow
 };
 
 constexpr VerbRow Verbs[] = {
-    {"--unit", BatchStep::Unit, Value::Required},
-    {"--merge", BatchStep::Merge, Value::Required},
-    {"--select", BatchStep::Select, Value::Required},
-    {"--property", BatchStep::Property, Value::Required},
-    {"--pose", BatchStep::Pose, Value::Required},
-    {"--undo", BatchStep::Undo, Value::None},
-    {"--redo", BatchStep::Redo, Value::None},
-    {"--save", BatchStep::Save, Value::Required},
-    {"--screenshot", BatchStep::Screenshot, Value::Required},
-    {"--dump", BatchStep::Dump, Value::Optional},
-    {"--report", BatchStep::Report, Value::Optional},
-    {"--script", BatchStep::Script, Value::Required},
-    {"--run", BatchStep::Run, Value::Required},
+    {"--unit", BatchStep::Unit, Value::Required},     {"--merge", BatchStep::Merge, Value::Required},
+    {"--select", BatchStep::Select, Value::Required}, {"--property", BatchStep::Property, Value::Required},
+    {"--pose", BatchStep::Pose, Value::Required},     {"--clip", BatchStep::Clip, Value::Required},
+    {"--undo", BatchStep::Undo, Value::None},         {"--redo", BatchStep::Redo, Value::None},
+    {"--save", BatchStep::Save, Value::Required},     {"--screenshot", BatchStep::Screenshot, Value::Required},
+    {"--dump", BatchStep::Dump, Value::Optional},     {"--report", BatchStep::Report, Value::Optional},
+    {"--script", BatchStep::Script, Value::Required}, {"--run", BatchStep::Run, Value::Required},
 };
 
 bool isVerb(const QString &text)
@@ -42,6 +36,8 @@ bool isPictureOption(const QString &name)
 {
     return name == QLatin1String("--view") || name == QLatin1String("--size");
 }
+
+const QLatin1String Time("--time");
 
 bool isDialogOption(const QString &name)
 {
@@ -83,7 +79,7 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
 bool BatchArguments::isKnownVerb(const QString &name)
 {
     const auto isIt = [&](const VerbRow &row) { return name == QLatin1String(row.name); };
-    return isPictureOption(name) || isDialogOption(name) || name == JointsOnly ||
+    return isPictureOption(name) || isDialogOption(name) || name == Time || name == JointsOnly ||
            std::any_of(std::begin(Verbs), std::end(Verbs), isIt);
 }
 
@@ -124,6 +120,18 @@ bool BatchArguments::parsePictureOption(const QString &name, const QString &valu
     return true;
 }
 
+bool BatchArguments::parseTime(const QString &value, QString *error)
+{
+    if (steps.isEmpty() || steps.last().verb != BatchStep::Clip)
+        return fail(error, QStringLiteral("--time belongs after --clip"));
+    bool isNumber = false;
+    const double seconds = value.toDouble(&isNumber);
+    if (!isNumber || !std::isfinite(seconds))
+        return fail(error, QStringLiteral("--time: \"%1\" is no number of seconds").arg(value));
+    steps.last().time = seconds;
+    return true;
+}
+
 bool BatchArguments::parseDialogOption(const QString &name, const QString &value, QString *error)
 {
     if (steps.isEmpty() || (steps.last().verb != BatchStep::Run && steps.last().verb != BatchStep::Script))
@@ -143,11 +151,13 @@ bool BatchArguments::parseDialogOption(const QString &name, const QString &value
 bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *error)
 {
     const QString &name = arguments.at(at);
-    if (isPictureOption(name) || isDialogOption(name)) {
+    if (isPictureOption(name) || isDialogOption(name) || name == Time) {
         if (at + 1 >= arguments.size() || isVerb(arguments.at(at + 1)))
             return fail(error, QStringLiteral("%1 needs a value").arg(name));
         const QString &value = arguments.at(at + 1);
         at += 2;
+        if (name == Time)
+            return parseTime(value, error);
         return isPictureOption(name) ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
     }
     if (name == JointsOnly) {

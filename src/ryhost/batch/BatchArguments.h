@@ -6,13 +6,16 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+
 /// One verb of a batch run with what belongs to it.
 struct BatchStep
 {
-    enum Verb { Unit, Merge, Select, Property, Pose, Undo, Redo, Save, Screenshot, Dump, Report, Script, Run };
+    enum Verb { Unit, Merge, Select, Property, Pose, Clip, Undo, Redo, Save, Screenshot, Dump, Report, Script, Run };
     Verb verb = Undo;
     QString value;                          // as written; empty where the verb takes none
     double number = 0.0;                    // Unit
+    std::optional<double> time;             // Clip: seconds
     bool jointsOnly = false;                // Save
     QString view = QStringLiteral("front"); // Screenshot
     QSize size{1280, 900};                  // Screenshot
@@ -36,5 +39,6 @@ private:
     bool checkUnits(QString *error) const;
     bool parseVerb(const QStringList &arguments, int &at, QString *error);
     bool parsePictureOption(const QString &name, const QString &value, QString *error);
+    bool parseTime(const QString &value, QString *error);
     bool parseDialogOption(const QString &name, const QString &value, QString *error);
 };

@@ -11,6 +11,8 @@
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/clips/RyClipLookup.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/scene/node/RyNodeLookup.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -163,6 +165,8 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
         return writeProperty(step.value, false);
     case BatchStep::Pose:
         return writeProperty(step.value, true);
+    case BatchStep::Clip:
+        return showClip(step);
     case BatchStep::Undo:
         return undoOrRedo(false);
     case BatchStep::Redo:
@@ -238,6 +242,17 @@ ExitCode BatchRunner::writeProperty(const QString &text, bool poseOnly)
     RyUndoStackHold hold;
     property->adjustValue(value);
     hold.accept(QStringLiteral("Change %1").arg(property->getLabel()));
+    return ExitCode::Done;
+}
+
+ExitCode BatchRunner::showClip(const BatchStep &step)
+{
+    RyScene &scene = *m_window.getScene();
+    QString error;
+    const auto clip = step.value == QLatin1String("none") ? nullptr : RyClipLookup::findClip(scene, step.value, &error);
+    if (!error.isEmpty())
+        return fail(ExitCode::WrongUse, QStringLiteral("--clip: ") + error);
+    scene.getClipPlayer()->show(clip, clip ? step.time.value_or(clip->start()) : 0.0);
     return ExitCode::Done;
 }
 

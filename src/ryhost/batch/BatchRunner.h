@@ -29,6 +29,7 @@ private:
     ExitCode open(const QString &path, bool merge);
     ExitCode select(const QString &names);
     ExitCode writeProperty(const QString &text, bool poseOnly);
+    ExitCode showClip(const BatchStep &step);
     ExitCode undoOrRedo(bool redo);
     ExitCode save(const BatchStep &step);
     ExitCode screenshot(const BatchStep &step);

@@ -10,6 +10,7 @@ class RyJECustomColorsAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJECustomColorsAction() : RyJEToolAction(staticMetaObject) {}
+    bool leavesSceneAlone() const override { return true; }
 
 public slots:
     void executeAction() override;

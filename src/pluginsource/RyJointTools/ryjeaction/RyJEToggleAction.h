@@ -18,6 +18,7 @@ class RyJEToggleAction : public RyJEToolAction
 {
 public:
     void init() override;
+    bool leavesSceneAlone() const override { return true; }
 
 protected:
     RyJEToggleAction(const QMetaObject &actionClass, const RyToolFlag &flag);

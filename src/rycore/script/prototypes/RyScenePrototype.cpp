@@ -3,6 +3,8 @@
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/clips/RyClipLookup.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/scene/node/RyNodeLookup.h"
 
 RyNode *RyScenePrototype::find(const QString &nameOrPath) const
@@ -62,6 +64,73 @@ void RyScenePrototype::setSelection(const QScriptValue &nodes) const
         chosen.push_back(node);
     }
     scene->setSelection(chosen);
+}
+
+QScriptValue RyScenePrototype::clipObject(const RyClip &clip) const
+{
+    QScriptValue object = engine()->newObject();
+    object.setProperty(QStringLiteral("name"), clip.name());
+    object.setProperty(QStringLiteral("figures"), toArray(clip.subjects(*self<RyScene>())));
+    object.setProperty(QStringLiteral("start"), clip.start());
+    object.setProperty(QStringLiteral("end"), clip.end());
+    return object;
+}
+
+QScriptValue RyScenePrototype::getClips() const
+{
+    const RyScene *scene = self<RyScene>();
+    QScriptValue array = engine()->newArray();
+    quint32 count = 0;
+    for (const auto &clip : scene ? scene->getClips() : RyScene::Clips())
+        array.setProperty(count++, clipObject(*clip));
+    return array;
+}
+
+std::shared_ptr<const RyClip> RyScenePrototype::findClip(const QString &text) const
+{
+    const RyScene *scene = self<RyScene>();
+    QString error;
+    auto clip = scene ? RyClipLookup::findClip(*scene, text, &error) : nullptr;
+    if (scene && !clip)
+        fail(error);
+    return clip;
+}
+
+void RyScenePrototype::showClip(const QString &figureAndName) const
+{
+    if (const auto clip = findClip(figureAndName))
+        self<RyScene>()->getClipPlayer()->show(clip, clip->start());
+}
+
+void RyScenePrototype::showClip(const QString &figureAndName, double seconds) const
+{
+    if (const auto clip = findClip(figureAndName))
+        self<RyScene>()->getClipPlayer()->show(clip, seconds);
+}
+
+QScriptValue RyScenePrototype::getShownClip() const
+{
+    const RyScene *scene = self<RyScene>();
+    if (!scene || !scene->getClipPlayer()->isShowing())
+        return engine()->nullValue();
+    QScriptValue object = clipObject(*scene->getClipPlayer()->clip());
+    object.setProperty(QStringLiteral("time"), scene->getClipPlayer()->time());
+    return object;
+}
+
+void RyScenePrototype::setClipTime(double seconds) const
+{
+    const RyScene *scene = self<RyScene>();
+    if (scene && !scene->getClipPlayer()->isShowing())
+        fail(tr("No clip is shown."));
+    else if (scene)
+        scene->getClipPlayer()->setTime(seconds);
+}
+
+void RyScenePrototype::stopClip() const
+{
+    if (const RyScene *scene = self<RyScene>())
+        scene->getClipPlayer()->stop();
 }
 
 QString RyScenePrototype::getUniqueTopLevelName(const QString &name) const

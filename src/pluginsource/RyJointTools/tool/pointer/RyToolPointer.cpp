@@ -14,6 +14,7 @@
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyPickTool.h"
@@ -161,16 +162,29 @@ bool RyToolPointer::press(Ry3DViewport *viewport, QMouseEvent *event, RyViewMous
 
     RyNode *node = m_in.joint.node;
     if (createsBones() && modifier == RyViewMouseModifier::Control) {
-        createBone(event->pos());
+        if (!putClipAway())
+            createBone(event->pos());
     } else if (node && HandleId::isBone(id)) {
         selectBone(id, modifier);
     } else {
         setHoveredId(id);
         if (!node || id == HandleId::None)
             return m_in.tool.RyPickTool::mousePress(viewport, event, modifier);
-        startDrag(id, event->pos());
+        if (!putClipAway())
+            startDrag(id, event->pos());
     }
     event->accept();
+    return true;
+}
+
+/// What stands elsewhere in the pose must not be dragged from where a clip showed it: the press is used up.
+bool RyToolPointer::putClipAway()
+{
+    RyClipPlayer &player = *ryScene()->getClipPlayer();
+    if (!player.isShowing())
+        return false;
+    player.stop();
+    setHoveredId(HandleId::None);
     return true;
 }
 

@@ -72,6 +72,7 @@ public:
 
 private:
     bool pressRight(QMouseEvent *event);
+    bool putClipAway();
     void createBone(const QPoint &point);
     void startDrag(int id, const QPoint &point);
     void selectBone(int id, RyViewMouseModifier modifier);
