@@ -95,6 +95,11 @@ private slots:
         for (const RyBone *bone : character.bones())
             QVERIFY(!bone->isPlayed());
         QVERIFY(prop->isPlayed());
+        // What hangs elsewhere than in the file follows that alone.
+        auto *stick = const_cast<RyNode *>(prop);
+        QVERIFY(character.bones().front()->addNodeChild(stick));
+        player.show(clips[1], clips[1]->end());
+        QVERIFY(!stick->isPlayed());
         player.stop();
     }
 
