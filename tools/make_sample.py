@@ -4,7 +4,7 @@
 A plain humanoid of 1.75 m in a T-pose, Y up, facing +Z, its own left at +X, with 51 joints that have no rotation. A cage
 of quads is laid out ring by ring, subdivided twice by Catmull and Clark's rule, and bound to the joints: every face goes
 to one bone, these hard weights are then spread along the surface, so that limbs that only lie close never mix.
-The result depends on nothing but this file and quad_cage.py.
+It can wave and walk, see sample_clips.py. The result depends on nothing but these two files and quad_cage.py.
 
     tools/make_sample.py [OUT]
 """
@@ -16,6 +16,7 @@ import struct
 import sys
 
 from quad_cage import Cage, cross, dot, orient, shrink, sub, subdivide, unit, volume
+from sample_clips import add_clips
 
 # ---------------------------------------------------------------------------------------------------- the joints
 
@@ -559,9 +560,10 @@ def make():
             "baseColorFactor": [0.72, 0.66, 0.60, 1.0], "metallicFactor": 0.0, "roughnessFactor": 0.85}}],
         "accessors": buffer.accessors,
         "bufferViews": buffer.views,
-        "buffers": [{"byteLength": len(buffer.data) + -len(buffer.data) % 4}],
         "extras": {"RYHOST_rigging": {"version": 1, "unit": 100, "figures": [{"faceGroups": groups}]}},
     }
+    add_clips(gltf, buffer)
+    gltf["buffers"] = [{"byteLength": len(buffer.data) + -len(buffer.data) % 4}]
     return gltf, buffer.data
 
 
@@ -573,7 +575,8 @@ def main():
     write_glb(path, gltf, data)
     groups = gltf["extras"]["RYHOST_rigging"]["figures"][0]["faceGroups"]
     print(f"{path}: {gltf['accessors'][0]['count']} vertices, {gltf['accessors'][4]['count'] // 3} triangles, "
-          f"{len(gltf['skins'][0]['joints'])} joints, {len(groups)} face groups, {os.path.getsize(path)} bytes")
+          f"{len(gltf['skins'][0]['joints'])} joints, {len(groups)} face groups, "
+          f"{len(gltf['animations'])} clips, {os.path.getsize(path)} bytes")
 
 
 if __name__ == "__main__":

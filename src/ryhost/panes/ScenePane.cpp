@@ -3,6 +3,8 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "ryhost/look/clearButton.h"
+#include "ryhost/panes/ClipList.h"
+#include "ryhost/panes/ClipPane.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/SceneTree.h"
 
@@ -11,13 +13,22 @@
 #include <QScopedValueRollback>
 #include <QShortcut>
 #include <QSortFilterProxyModel>
+#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
 
+namespace {
+
+// Of the height.
+constexpr int TreeShare = 3;
+constexpr int ClipShare = 2;
+
+} // namespace
+
 ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     : QWidget(parent), m_scene(scene), m_model(new SceneModel(scene, this)), m_proxy(new QSortFilterProxyModel(this)),
-      m_filter(new QLineEdit(this)), m_tree(new SceneTree(this))
+      m_filter(new QLineEdit(this)), m_tree(new SceneTree(this)), m_clips(new ClipPane(scene, this))
 {
     setObjectName(QStringLiteral("ScenePane"));
     m_filter->setObjectName(QStringLiteral("SceneFilter"));
@@ -35,7 +46,14 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     layout->setContentsMargins(4, 4, 4, 0);
     layout->setSpacing(4);
     layout->addWidget(m_filter);
-    layout->addWidget(m_tree);
+    auto *parts = new QSplitter(Qt::Vertical, this);
+    parts->setObjectName(QStringLiteral("SceneSplitter"));
+    parts->setChildrenCollapsible(false);
+    parts->addWidget(m_tree);
+    parts->addWidget(m_clips);
+    parts->setStretchFactor(0, TreeShare);
+    parts->setStretchFactor(1, ClipShare);
+    layout->addWidget(parts);
 
     connect(m_filter, &QLineEdit::textChanged, this, &ScenePane::setFilter);
     connect(m_tree->selectionModel(), &QItemSelectionModel::selectionChanged, this, &ScenePane::takeSelection);
@@ -116,6 +134,7 @@ void ScenePane::setFilter(const QString &text)
     // Rows that go take their selection along; that is not what was selected in the scene.
     m_syncing = true;
     m_proxy->setFilterFixedString(text);
+    m_clips->list()->setFilter(text);
     restoreExpansion();
 }
 

@@ -7,6 +7,7 @@
 
 #include <vector>
 
+class ClipPane;
 class QLineEdit;
 class QSortFilterProxyModel;
 class QTreeView;
@@ -15,7 +16,8 @@ class RyScene;
 class SceneModel;
 class SceneTree;
 
-/// The tree of nodes with a filter. Selection goes both ways; the eye beside a name hides the node.
+/// The tree of nodes with a filter, and the clips below it. Selection goes both ways; the eye beside a name hides the
+/// node.
 class ScenePane : public QWidget
 {
     Q_OBJECT
@@ -25,6 +27,7 @@ public:
     QTreeView *tree() const;
     QLineEdit *filter() const { return m_filter; }
     SceneModel *model() const { return m_model; }
+    ClipPane *clips() const { return m_clips; }
 
 private:
     void showSelection();
@@ -42,6 +45,7 @@ private:
     QSortFilterProxyModel *m_proxy;
     QLineEdit *m_filter;
     SceneTree *m_tree;
+    ClipPane *m_clips;
     QSet<const RyNode *> m_collapsed; // while nothing is filtered
     bool m_syncing = false;
     bool m_isFiltered = false;

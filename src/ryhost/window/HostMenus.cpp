@@ -10,6 +10,9 @@
 #include "ryhost/menus/ScriptsMenu.h"
 #include "ryhost/menus/ToolMenus.h"
 #include "ryhost/menus/menuEntries.h"
+#include "ryhost/panes/ClipBar.h"
+#include "ryhost/panes/ClipPane.h"
+#include "ryhost/panes/ScenePane.h"
 #include "ryhost/window/GuideWindow.h"
 #include "ryhost/window/HostWindow.h"
 
@@ -40,6 +43,11 @@ constexpr struct
     {"ViewDark", QT_TRANSLATE_NOOP("HostMenus", "theme style colors colours")},
     {"ViewLight", QT_TRANSLATE_NOOP("HostMenus", "theme style colors colours")},
     {"ViewResetLayout", QT_TRANSLATE_NOOP("HostMenus", "workspace docks panes windows default")},
+    {"ClipPlay", QT_TRANSLATE_NOOP("HostMenus", "animation preview run pause motion timeline")},
+    {"ClipStop", QT_TRANSLATE_NOOP("HostMenus", "animation stop end pose")},
+    {"ClipPreviousFrame", QT_TRANSLATE_NOOP("HostMenus", "animation step back key")},
+    {"ClipNextFrame", QT_TRANSLATE_NOOP("HostMenus", "animation step forward key")},
+    {"ClipLoop", QT_TRANSLATE_NOOP("HostMenus", "animation repeat cycle")},
     {"HelpGuide", QT_TRANSLATE_NOOP("HostMenus", "manual documentation tutorial")},
     {"HelpSearch", QT_TRANSLATE_NOOP("HostMenus", "find command palette")},
 };
@@ -107,6 +115,9 @@ void HostMenus::makeViewMenu()
         themes->addAction(theme);
         connect(theme, &QAction::triggered, m_window, [this, dark] { m_window->setDark(dark); });
     }
+    QMenu *clip = menu->addMenu(tr("&Clip"));
+    clip->setObjectName(QStringLiteral("ClipMenu"));
+    clip->addActions(m_window->scenePane()->clips()->bar()->commands());
     menu->addSeparator();
     for (QDockWidget *dock : m_window->docks()) {
         dock->toggleViewAction()->setStatusTip(tr("Show or hide the pane %1").arg(dock->windowTitle()));

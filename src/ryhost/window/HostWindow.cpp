@@ -15,6 +15,7 @@
 #include "ryhost/look/HostIcons.h"
 #include "ryhost/look/HostTheme.h"
 #include "ryhost/look/WheelGuard.h"
+#include "ryhost/panes/ClipPane.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
@@ -126,6 +127,7 @@ void HostWindow::makePanes()
     m_parametersPane = new ParametersPane(getScene());
     m_toolSettingsPane = new ToolSettingsPane;
     connect(m_parametersPane, &ParametersPane::messagePosted, this, &HostWindow::showMessage);
+    connect(m_scenePane->clips(), &ClipPane::messagePosted, this, &HostWindow::showMessage);
     QDockWidget *scene = addDock(tr("Scene"), QStringLiteral("SceneDock"), m_scenePane, Qt::LeftDockWidgetArea);
     QDockWidget *parameters =
         addDock(tr("Parameters"), QStringLiteral("ParametersDock"), m_parametersPane, Qt::LeftDockWidgetArea);
