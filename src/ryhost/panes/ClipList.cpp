@@ -115,6 +115,7 @@ void ClipList::fill()
     }
     expandAll();
     markShown();
+    updateGeometry();
     if (wasEmpty != isEmpty())
         emit emptyChanged();
 }
@@ -161,6 +162,14 @@ void ClipList::setFilter(const QString &text)
 {
     m_proxy->setFilterFixedString(text);
     expandAll();
+}
+
+QSize ClipList::sizeHint() const
+{
+    constexpr int FewestRows = 3, MostRows = 8;
+    const int rows = int(m_rows.size() + m_branches.size());
+    const int height = std::clamp(rows, FewestRows, MostRows) * std::max(sizeHintForRow(0), fontMetrics().height());
+    return {QTreeView::sizeHint().width(), height + 2 * frameWidth()};
 }
 
 void ClipList::choose(const QModelIndex &index)

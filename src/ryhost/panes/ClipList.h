@@ -26,6 +26,8 @@ public:
     /// That of the current row; without one the first of the selected figure, else the first. Null when there are none.
     Clip current() const;
     void setFilter(const QString &text);
+    /// As high as its rows, within bounds.
+    QSize sizeHint() const override;
 
 signals:
     /// By mouse or key.

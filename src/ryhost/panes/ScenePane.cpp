@@ -18,14 +18,6 @@
 
 #include <algorithm>
 
-namespace {
-
-// Of the height.
-constexpr int TreeShare = 3;
-constexpr int ClipShare = 2;
-
-} // namespace
-
 ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     : QWidget(parent), m_scene(scene), m_model(new SceneModel(scene, this)), m_proxy(new QSortFilterProxyModel(this)),
       m_filter(new QLineEdit(this)), m_tree(new SceneTree(this)), m_clips(new ClipPane(scene, this))
@@ -51,8 +43,7 @@ ScenePane::ScenePane(RyScene *scene, QWidget *parent)
     parts->setChildrenCollapsible(false);
     parts->addWidget(m_tree);
     parts->addWidget(m_clips);
-    parts->setStretchFactor(0, TreeShare);
-    parts->setStretchFactor(1, ClipShare);
+    parts->setStretchFactor(0, 1); // the tree alone grows with the pane
     layout->addWidget(parts);
 
     connect(m_filter, &QLineEdit::textChanged, this, &ScenePane::setFilter);
