@@ -7,9 +7,9 @@
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "ryhost/commands/menuEntries.h"
 #include "ryhost/commands/menuText.h"
 #include "ryhost/menus/RestoreMenu.h"
-#include "ryhost/menus/menuEntries.h"
 
 #include <QMenu>
 #include <QMenuBar>

@@ -2,8 +2,8 @@
 
 #include "rycore/app/RyMainWindow.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/menuEntries.h"
 #include "ryhost/commands/menuText.h"
-#include "ryhost/menus/menuEntries.h"
 
 #include <QDir>
 #include <QFileInfo>

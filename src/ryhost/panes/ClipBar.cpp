@@ -1,6 +1,7 @@
 #include "ryhost/panes/ClipBar.h"
 
 #include "rycore/scene/clips/RyClipPlayer.h"
+#include "ryhost/commands/menuEntries.h"
 #include "ryhost/look/HostIcons.h"
 
 #include <QAction>
@@ -85,11 +86,17 @@ QAction *ClipBar::addCommand(const char *objectName, const QString &text, const 
     auto *command = new QAction(HostIcons::icon(QString::fromLatin1(icon)), text, this);
     command->setObjectName(QString::fromLatin1(objectName));
     command->setShortcut(QKeySequence(keys));
-    command->setStatusTip(tip);
     const QString shown = command->shortcut().toString(QKeySequence::NativeText);
-    command->setToolTip(shown.isEmpty() ? tip : tr("%1 (%2)").arg(tip, shown));
+    command->setData(shown.isEmpty() ? tip : tr("%1 (%2)").arg(tip, shown));
+    setAvailable(command, true, QString());
     m_commands.append(command);
     return command;
+}
+
+/// What an available command does stands in its data.
+void ClipBar::setAvailable(QAction *command, bool onOff, const QString &reason)
+{
+    setMenuEntryAvailable(command, onOff, reason, command->data().toString());
 }
 
 void ClipBar::makeFrames()
@@ -157,13 +164,9 @@ void ClipBar::showState()
     const bool isPlaying = isShowing && m_player->isPlaying();
     m_play->setText(isPlaying ? tr("&Hold Clip") : tr("&Play Clip"));
     m_play->setIcon(HostIcons::icon(isPlaying ? QStringLiteral("pause") : QStringLiteral("play")));
-    m_play->setEnabled(isShowing || m_hasClips);
-    const QString reason = tr("There is no clip in the scene.");
-    m_play->setProperty("unavailableReason", m_play->isEnabled() ? QString() : reason);
-    for (QAction *command : {m_stop, m_previous, m_next}) {
-        command->setEnabled(isShowing);
-        command->setProperty("unavailableReason", isShowing ? QString() : tr("No clip shows."));
-    }
+    setAvailable(m_play, isShowing || m_hasClips, tr("There is no clip in the scene."));
+    for (QAction *command : {m_stop, m_previous, m_next})
+        setAvailable(command, isShowing, tr("No clip shows."));
     for (QWidget *each : {static_cast<QWidget *>(m_slider), static_cast<QWidget *>(m_frame)})
         each->setEnabled(isShowing);
     const int last = isShowing ? lastFrameOf(*m_player->clip()) : 0;

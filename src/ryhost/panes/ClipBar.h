@@ -30,6 +30,7 @@ signals:
 private:
     QAction *addCommand(const char *objectName, const QString &text, const QString &tip, const QString &keys,
                         const char *icon);
+    static void setAvailable(QAction *command, bool onOff, const QString &reason);
     void makeFrames();
     void makeSpeeds();
     void playOrPause();

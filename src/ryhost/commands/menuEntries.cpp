@@ -1,4 +1,4 @@
-#include "ryhost/menus/menuEntries.h"
+#include "ryhost/commands/menuEntries.h"
 
 #include "ryhost/look/HostIcons.h"
 
