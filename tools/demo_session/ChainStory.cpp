@@ -11,8 +11,6 @@
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -182,19 +180,8 @@ void ChainStory::deleteAndRestore()
 
 void ChainStory::saveAndReopen()
 {
-    const QString path = m_stage.filePath(QStringLiteral("antenna.glb"));
-    QFile::remove(path);
-    const bool asked = m_stage.withDialog(
-        [this] {
-            m_stage.chooseFromMenu({QStringLiteral("File"), QStringLiteral("Save As")});
-        },
-        [&](QWidget *dialog) {
-            m_stage.pointer().key(dialog, QStringLiteral("ctrl+a"));
-            m_stage.pointer().type(dialog, path);
-            m_stage.pointer().key(dialog, QStringLiteral("Return"));
-        });
-    if (!asked ||
-        !m_stage.check(QFileInfo::exists(path), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(path))))
+    const QString path = m_stage.saveAs(QStringLiteral("antenna.glb"));
+    if (path.isEmpty())
         return;
     const QString before = dump();
     if (!m_stage.check(m_stage.window().files()->openPath(path), QStringLiteral("the saved file opens")))

@@ -1,6 +1,7 @@
 #include "demo_session/DemoSession.h"
 
 #include "demo_session/ChainStory.h"
+#include "demo_session/ClipStory.h"
 #include "demo_session/FirstSession.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
@@ -22,6 +23,8 @@ int DemoSession::run()
         FirstSession(m_stage).play();
     if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens again")))
         ChainStory(m_stage).play();
+    if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens a third time")))
+        ClipStory(m_stage).play();
     std::printf("%s\n",
                 m_stage.failures() == 0 ? "The session went as it should." : "The session did not go as it should.");
     return m_stage.failures() == 0 ? 0 : 1;

@@ -141,3 +141,21 @@ bool DemoStage::withDialog(const std::function<void()> &open, const std::functio
         PointerDriver::wait(50);
     return check(used, QStringLiteral("a dialog opens"));
 }
+
+QString DemoStage::saveAs(const QString &name)
+{
+    const QString path = filePath(name);
+    QFile::remove(path);
+    const bool asked = withDialog(
+        [this] {
+            chooseFromMenu({QStringLiteral("File"), QStringLiteral("Save As")});
+        },
+        [&](QWidget *dialog) {
+            m_pointer.key(dialog, QStringLiteral("ctrl+a"));
+            m_pointer.type(dialog, path);
+            m_pointer.key(dialog, QStringLiteral("Return"));
+        });
+    const bool saved =
+        asked && check(QFileInfo::exists(path), QStringLiteral("saved %1").arg(QDir::toNativeSeparators(path)));
+    return saved ? path : QString();
+}

@@ -35,6 +35,9 @@ public:
     /// Does what opens a modal dialog, and then, while the dialog is open, what is to be done with it.
     bool withDialog(const std::function<void()> &open, const std::function<void(QWidget *dialog)> &use);
 
+    /// By File > Save As, over what a former session left; the path, empty where it failed.
+    QString saveAs(const QString &name);
+
 private:
     HostWindow &m_window;
     QString m_folder;
