@@ -81,11 +81,11 @@ RyElement *RyElement::doDuplicateElement(RyElementDuplicateContext *)
 
 void RyElement::resolveDuplicate(const RyElement *, const RyElementDuplicateContext &) {}
 
-void RyElement::copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing)
+void RyElement::copyGroup(const RyElement &other, const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing)
 {
     for (int i = 0; i < from.getNumProperties(); ++i) {
         const auto *source = qobject_cast<const RyFloatProperty *>(from.getProperty(i));
-        if (!source)
+        if (!source || from.getProperty(i)->getOwner() != &other)
             continue;
         if (i >= to.getNumProperties() && addMissing)
             to.addProperty(std::make_unique<RyFloatProperty>(this, source->getName()));
@@ -98,7 +98,7 @@ void RyElement::copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool
             target = to.addChild(source->getName());
         if (!target)
             return;
-        copyGroup(*source, *target, addMissing);
+        copyGroup(other, *source, *target, addMissing);
         target = target->getNextSibling();
     }
 }
@@ -115,7 +115,7 @@ void RyElement::copyPropertiesFrom(const RyElement &other, bool addMissing)
         if (!to && addMissing)
             to = tree == trees[0] ? createPublicGroups(from->getName()) : createPrivateGroups(from->getName());
         if (to)
-            copyGroup(*from, *to, addMissing);
+            copyGroup(other, *from, *to, addMissing);
     }
 }
 

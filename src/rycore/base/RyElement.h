@@ -42,7 +42,8 @@ public:
     /// duplicates.
     virtual void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context);
     /// Takes the values, limits and labels of the properties at the same places of the other's groups. `addMissing`:
-    /// properties and groups that the other has beyond those of this element are added. Links are not taken over.
+    /// properties and groups that the other has beyond those of this element are added. Links are not taken over, nor
+    /// properties that stand in the other's groups and belong to something else.
     void copyPropertiesFrom(const RyElement &other, bool addMissing);
 
     /// Called by a property of this element after its value (raw or by a link) changed, before its listeners hear of
@@ -69,7 +70,7 @@ protected:
 private:
     struct LabelValue;
     void applyLabel(const QString &label);
-    void copyGroup(const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing);
+    void copyGroup(const RyElement &other, const RyPropertyGroup &from, RyPropertyGroup &to, bool addMissing);
 
     QString m_label; // null: never set
     std::unique_ptr<RyPropertyGroup> m_publicGroups;

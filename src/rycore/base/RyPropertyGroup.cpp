@@ -2,6 +2,8 @@
 
 #include "rycore/base/RyProperty.h"
 
+#include <algorithm>
+
 RyPropertyGroup::RyPropertyGroup(const QString &name) : m_name(name) {}
 
 RyPropertyGroup::~RyPropertyGroup() = default;
@@ -33,6 +35,19 @@ void RyPropertyGroup::adopt(std::unique_ptr<RyProperty> property)
         return;
     property->m_group = this;
     m_properties.push_back(std::move(property));
+}
+
+std::unique_ptr<RyProperty> RyPropertyGroup::takeProperty(const RyProperty *property)
+{
+    // Those that came last mostly go first.
+    const auto place = std::find_if(m_properties.rbegin(), m_properties.rend(),
+                                    [property](const auto &each) { return each.get() == property; });
+    if (place == m_properties.rend())
+        return nullptr;
+    std::unique_ptr<RyProperty> taken = std::move(*place);
+    m_properties.erase(std::next(place).base());
+    taken->m_group = nullptr;
+    return taken;
 }
 
 void RyPropertyGroup::forgetOwner()

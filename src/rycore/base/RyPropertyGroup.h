@@ -29,6 +29,8 @@ public:
         adopt(std::move(property));
         return added;
     }
+    /// Gives a property of this group away, without any group; null for one that is not here.
+    std::unique_ptr<RyProperty> takeProperty(const RyProperty *property);
 
 private:
     friend class RyElement;

@@ -46,6 +46,16 @@ void RyPartNormals::markMoved(const RyMeshPart &part, const HasMoved &hasMoved)
     }
 }
 
+/// Those of the shape are of what its morphs show.
+const RyShapeNormals &RyPartNormals::baseNormals() const
+{
+    const RyShapeNormals *current = m_shape.getNormals();
+    if (!m_shape.morphedPositions().areMorphed())
+        return *current;
+    m_base.update(*m_shape.getFacetMesh(), m_shape.getParts());
+    return m_base;
+}
+
 std::vector<RyVec3> RyPartNormals::of(const RyMeshPart &part) const
 {
     std::vector<RyVec3> normals = part.readNormals();
@@ -56,7 +66,7 @@ std::vector<RyVec3> RyPartNormals::of(const RyMeshPart &part) const
         if ((m_isOther.empty() || !m_isOther[size_t(number)]) && !(normals[split] == RyVec3()))
             continue;
         if (!smooth)
-            smooth = m_shape.getNormals();
+            smooth = &baseNormals();
         const RyVec3 &normal = smooth->normals()[size_t(smooth->placeOf(number))];
         const float length = std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
         if (length > 0.5f)

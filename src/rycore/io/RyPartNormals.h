@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/math/RyVec3.h"
+#include "rycore/scene/RyShapeNormals.h"
 
 #include <vector>
 
@@ -8,7 +9,7 @@ class RyFacetShape;
 struct RyMeshPart;
 
 /// Normals of a shape's parts as a file should have them: those that came with the parts, and smooth ones where there
-/// are none or where vertices of a facet have moved since.
+/// are none or where vertices of a facet have moved since. Of the base: morphs are left aside.
 class RyPartNormals
 {
 public:
@@ -21,7 +22,9 @@ public:
 private:
     template<typename HasMoved>
     void markMoved(const RyMeshPart &part, const HasMoved &hasMoved);
+    const RyShapeNormals &baseNormals() const;
 
     const RyFacetShape &m_shape;
+    mutable RyShapeNormals m_base;
     std::vector<bool> m_isOther; // by RyMeshPart::normalOfSplit; empty where nothing moved
 };

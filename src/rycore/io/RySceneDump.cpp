@@ -9,6 +9,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyMorph.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -185,8 +186,8 @@ private:
         if (property.hasOwnLabel())
             m_out << " label " << quoted(property.getLabel());
         for (const RyERCLink *link : property.getControllerLinks()) {
-            const auto *owner = qobject_cast<const RyNode *>(link->getController()->getOwner());
-            m_out << " from " << path(owner) << ':' << quoted(link->getController()->getName());
+            m_out << " from " << path(RyMorph::nodeOf(*link->getController())) << ':'
+                  << quoted(link->getController()->getName());
         }
         m_out << '\n';
     }
@@ -215,6 +216,8 @@ private:
                 if (facets->getParts() && facets->getParts()->fits(*facets->getFacetMesh()))
                     writeParts(*facets);
             }
+            for (const RyMorph *morph : shape->getMorphs())
+                writeMorph(*morph);
         }
         for (RyModifier *modifier : object.getModifiers()) {
             m_out << "  modifier " << modifier->metaObject()->className() << '\n';
@@ -298,6 +301,22 @@ private:
             if (hasLook)
                 writeLook(parts.looks[size_t(part.look)]);
         }
+    }
+
+    /// Its value stands with the properties of the node, but for what a clip shows.
+    void writeMorph(const RyMorph &morph)
+    {
+        Hash vertices;
+        for (const int vertex : morph.vertices())
+            vertices.add(vertex);
+        // Sums, since they are worked out through the maps of a file.
+        double sum[3] = {0, 0, 0};
+        for (size_t i = 0; i < morph.deltas().size(); ++i) {
+            for (int axis = 0; axis < 3; ++axis)
+                sum[axis] += double(1 + i % 7) * double(morph.deltas()[i][axis]);
+        }
+        m_out << "    morph " << quoted(morph.getName()) << " of " << morph.vertices().size() << " hash "
+              << vertices.text() << " sum " << number(sum[0]) << ' ' << number(sum[1]) << ' ' << number(sum[2]) << '\n';
     }
 
     void writeLook(const RyMaterialLook &look)

@@ -4,6 +4,7 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyMorph.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/assets/RyAssetList.h"
 
@@ -82,7 +83,7 @@ void RyElementDuplicateContext::createAlaises()
 
 bool RyElementDuplicateContext::isOutsideRoot(const RyFloatProperty *controller) const
 {
-    const auto *owner = qobject_cast<const RyNode *>(controller->getOwner());
+    const RyNode *owner = RyMorph::nodeOf(*controller);
     return m_root && owner != m_root && !(owner && owner->isDescendantOf(m_root));
 }
 

@@ -42,7 +42,8 @@ const RyShapeNormals *RyFacetShape::getNormals() const
 {
     if (!m_mesh)
         return nullptr;
-    m_normals.update(*m_mesh, m_parts);
+    const std::vector<RyVec3> &positions = getCurrentPositions();
+    m_normals.update(*m_mesh, m_parts, positions, morphedPositions().changes());
     return &m_normals;
 }
 

@@ -174,6 +174,8 @@ signals:
     void inheritScaleChanged();
     void rotationOrderChanged();
     void childrenChanged();
+    /// Values of morphs came into the node's public properties, or went.
+    void morphsChanged();
 
 protected:
     /// Tells the scene, where the node is in one, that something drawn changed.

@@ -1,10 +1,11 @@
 #include "rycore/scene/RyObject.h"
 
 #include "rycore/base/RyPlaceChange.h"
-#include "rycore/mesh/RyVertexMesh.h"
+#include "rycore/base/RyPropertyGroup.h"
 #include "rycore/scene/RyModifier.h"
+#include "rycore/scene/RyMorph.h"
+#include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyShape.h"
-#include "rycore/scene/RyShapeNormals.h"
 
 #include <algorithm>
 
@@ -30,13 +31,15 @@ RyObject::~RyObject()
         modifier->m_object = nullptr;
         modifier->unref();
     }
-    for (RyShape *shape : m_shapes)
+    for (RyShape *shape : m_shapes) {
+        shape->m_object = nullptr;
         shape->unref();
+    }
 }
 
 void RyObject::addShape(RyShape *shape)
 {
-    if (!shape || std::find(m_shapes.begin(), m_shapes.end(), shape) != m_shapes.end())
+    if (!shape || shape->m_object)
         return;
     const RyRef<RyShape> guard(shape);
     RyPlaceChange<ShapeList>::record(this, shape, -1);
@@ -46,10 +49,13 @@ void RyObject::addShape(RyShape *shape)
 void RyObject::insertShape(RyShape *shape, int index)
 {
     shape->ref();
+    shape->m_object = this;
     m_shapes.insert(m_shapes.begin() + std::min(index, int(m_shapes.size())), shape);
     if (!m_current)
         m_current = shape;
     connect(shape, &RyShape::geometryChanged, this, &RyObject::contentChanged);
+    connect(shape, &RyShape::morphsChanged, this, &RyObject::placeMorphControls);
+    placeMorphControls();
     emit shapesChanged();
     emit contentChanged();
 }
@@ -58,11 +64,36 @@ void RyObject::takeShape(RyShape *shape)
 {
     m_shapes.erase(std::find(m_shapes.begin(), m_shapes.end(), shape));
     disconnect(shape, nullptr, this, nullptr);
+    shape->m_object = nullptr;
+    for (RyMorph *morph : shape->getMorphs())
+        morph->moveControl(nullptr);
+    placeMorphControls();
     if (m_current == shape)
         m_current = m_shapes.empty() ? nullptr : m_shapes.front();
     emit shapesChanged();
     emit contentChanged();
     shape->unref();
+}
+
+/// The controls of all morphs stand in one group of the node, in the order of shapes and morphs.
+void RyObject::placeMorphControls()
+{
+    std::vector<RyMorph *> morphs;
+    for (const RyShape *shape : m_shapes)
+        morphs.insert(morphs.end(), shape->getMorphs().begin(), shape->getMorphs().end());
+    std::for_each(morphs.rbegin(), morphs.rend(), [](RyMorph *morph) { morph->moveControl(nullptr); });
+    if (!m_node)
+        return;
+    const QLatin1String name(MorphGroup);
+    RyPropertyGroup *group = m_node->getPropertyGroups()->getFirstChild();
+    while (group && group->getName() != name)
+        group = group->getNextSibling();
+    if (!group && !morphs.empty())
+        group = m_node->getPropertyGroups()->addChild(name);
+    for (RyMorph *morph : morphs)
+        morph->moveControl(group);
+    if (group)
+        emit m_node->morphsChanged();
 }
 
 void RyObject::addModifier(RyModifier *modifier)
@@ -117,30 +148,9 @@ RyShapePoints RyObject::getDeformedPoints()
     return deformedPoints();
 }
 
-RyShapePoints RyObject::restPoints()
-{
-    RyShapePoints points;
-    RyVertexMesh *mesh = m_current ? m_current->getGeometry() : nullptr;
-    if (!mesh)
-        return points;
-    points.positions = &mesh->getPositions();
-    points.places = m_normalsWanted ? m_current->getNormals() : nullptr;
-    if (points.places)
-        points.normals = &points.places->normals();
-    const quint64 normals = points.places ? points.places->revision() : 0;
-    if (mesh != m_restMesh || mesh->revision() != m_restRevision || normals != m_restNormals) {
-        m_restMesh = mesh;
-        m_restRevision = mesh->revision();
-        m_restNormals = normals;
-        m_restChanges.markAll(int(points.normals ? points.normals->size() : points.positions->size()));
-    }
-    points.changes = &m_restChanges;
-    return points;
-}
-
 RyShapePoints RyObject::deformedPoints()
 {
-    RyShapePoints points = restPoints();
+    RyShapePoints points = m_current ? m_current->getCurrentPoints(m_normalsWanted) : RyShapePoints();
     for (RyModifier *modifier : m_modifiers) {
         if (points.positions)
             modifier->deform(points);

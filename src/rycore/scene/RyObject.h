@@ -4,14 +4,11 @@
 #include "rycore/base/RyRefCounted.h"
 #include "rycore/scene/RyShapePoints.h"
 
-#include <QPointer>
-
 #include <vector>
 
 class RyModifier;
 class RyNode;
 class RyShape;
-class RyVertexMesh;
 
 /// What a node shows: shapes, of which one is current, and the modifiers that deform it.
 class RyObject : public RyElement, public RyRefCountedItem
@@ -23,10 +20,14 @@ public:
 
     /// The node that has this object, null when none.
     RyNode *getNode() const { return m_node; }
-    /// The first shape added becomes current. Undoable where a hold is open.
+    /// The first shape added becomes current. Does nothing for a shape that an object has. Undoable where a hold is
+    /// open.
     void addShape(RyShape *shape);
     RyShape *getCurrentShape() const { return m_current; }
     const std::vector<RyShape *> &getShapes() const { return m_shapes; }
+
+    /// Group of a node's public properties in which the values of the morphs stand.
+    static constexpr const char *MorphGroup = "Morphs";
 
     /// Undoable where a hold is open.
     void addModifier(RyModifier *modifier);
@@ -63,19 +64,15 @@ private:
     void takeShape(RyShape *shape);
     void insertModifier(RyModifier *modifier, int index);
     void takeModifier(RyModifier *modifier);
+    void placeMorphControls();
 
     RyNode *m_node = nullptr;
     std::vector<RyShape *> m_shapes;       // each counted once
     std::vector<RyModifier *> m_modifiers; // each counted once
     RyShape *m_current = nullptr;
-    RyShapePoints restPoints();
     RyShapePoints deformedPoints();
 
     bool m_normalsWanted = false;
-    RyPointChanges m_restChanges;
-    QPointer<RyVertexMesh> m_restMesh; // what m_restChanges is of
-    quint64 m_restRevision = 0;
-    quint64 m_restNormals = 0;
     const RyPointChanges *m_source = nullptr; // of the last points: compared, never followed
     quint64 m_sourceRevision = 0;             // since when they have come from there
 };

@@ -1,38 +1,66 @@
 #include "rycore/scene/RyShapeNormals.h"
 
-#include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/scene/RyMeshPart.h"
-#include "rycore/scene/RyPointChanges.h"
+#include "rycore/scene/ryWalkTriangles.h"
 
 #include <algorithm>
 
 namespace {
 
+/// Where more than one in so many vertices moved, all normals are made: finding those around costs more.
+constexpr int WholeFrom = 4;
+
 /// Twice the area times the normal.
-RyVec3 areaNormal(const RyVec3 &a, const RyVec3 &b, const RyVec3 &c)
+RyVec3 areaNormal(const RyTriangleCorner *corners, const std::vector<RyVec3> &positions)
 {
-    const RyVec3 u = b - a;
-    const RyVec3 v = c - a;
+    const RyVec3 &a = positions[size_t(corners[0].vertex)];
+    const RyVec3 u = positions[size_t(corners[1].vertex)] - a;
+    const RyVec3 v = positions[size_t(corners[2].vertex)] - a;
     return {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+}
+
+RyVec3 unit(const RyVec3 &normal)
+{
+    return normal / std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
 }
 
 } // namespace
 
 void RyShapeNormals::update(const RyFacetMesh &mesh, const std::shared_ptr<const RyMeshParts> &parts)
 {
+    static const RyPointChanges unknown;
+    update(mesh, parts, mesh.getPositions(), unknown);
+}
+
+void RyShapeNormals::update(const RyFacetMesh &mesh, const std::shared_ptr<const RyMeshParts> &parts,
+                            const std::vector<RyVec3> &positions, const RyPointChanges &changes)
+{
     const int vertexCount = mesh.getNumVertices();
     const bool otherPlaces = parts != m_parts || vertexCount != m_vertexCount;
-    if (!otherPlaces && mesh.revision() == m_meshRevision)
+    const bool otherMesh = otherPlaces || mesh.revision() != m_meshRevision;
+    if (!otherMesh && changes.revision() == m_positionsRevision)
         return;
+    const quint64 positionsBefore = m_positionsRevision;
     m_meshRevision = mesh.revision();
-    m_revision = RyPointChanges::nextRevision();
+    m_positionsRevision = changes.revision();
     if (otherPlaces) {
         m_parts = parts;
         m_vertexCount = vertexCount;
-        m_layoutRevision = m_revision;
+        m_layoutRevision = RyPointChanges::nextRevision();
         assignPlaces(vertexCount);
     }
-    sumFacets(mesh);
+    if (otherMesh) {
+        m_triangles = RyShapeTriangles();
+        sumAll(mesh, positions);
+        return;
+    }
+    const std::vector<RyPointChanges::Range> moved = changes.since(positionsBefore);
+    qint64 movedCount = 0;
+    for (const RyPointChanges::Range &range : moved)
+        movedCount += range.count;
+    if (movedCount * WholeFrom > vertexCount)
+        sumAll(mesh, positions);
+    else
+        sumAround(moved, mesh, positions);
 }
 
 int RyShapeNormals::placeOf(int number) const
@@ -68,36 +96,44 @@ void RyShapeNormals::assignPlaces(int vertexCount)
     std::replace(m_placeOfNumber.begin(), m_placeOfNumber.end(), -1, 0);
 }
 
-void RyShapeNormals::sumFacets(const RyFacetMesh &mesh)
+void RyShapeNormals::sumAll(const RyFacetMesh &mesh, const std::vector<RyVec3> &positions)
 {
-    const std::vector<RyVec3> &positions = mesh.getPositions();
     m_normals.assign(size_t(m_vertexCount) + m_vertexOfFurther.size(), RyVec3());
-    if (m_placeOfNumber.empty()) {
-        for (const RyFacet &facet : mesh.getFacets()) {
-            const int corners = facet.count();
-            if (std::any_of(facet.vertices, facet.vertices + corners,
-                            [&](int v) { return v < 0 || v >= m_vertexCount; }))
-                continue;
-            const auto at = [&](int corner) -> const RyVec3 & { return positions[size_t(facet.vertices[corner])]; };
-            for (int corner = 2; corner < corners; ++corner) {
-                const RyVec3 normal = areaNormal(at(0), at(corner - 1), at(corner));
-                for (int c : {0, corner - 1, corner})
-                    m_normals[size_t(facet.vertices[c])] += normal;
-            }
-        }
-    } else {
-        for (const RyMeshPart &part : m_parts->parts) {
-            const auto at = [&](unsigned split) -> const RyVec3 & {
-                return positions[size_t(std::clamp(part.vertexOfSplit[split], 0, m_vertexCount - 1))];
-            };
-            for (size_t i = 0; i + 2 < part.triangles.size(); i += 3) {
-                const unsigned *corner = &part.triangles[i];
-                const RyVec3 normal = areaNormal(at(corner[0]), at(corner[1]), at(corner[2]));
+    ryWalkTriangles(mesh, partsWithNormals(), m_placeOfNumber, [&](const RyTriangleCorner *corners) {
+        const RyVec3 normal = areaNormal(corners, positions);
+        for (int c = 0; c < 3; ++c)
+            m_normals[size_t(corners[c].place)] += normal;
+    });
+    for (RyVec3 &normal : m_normals)
+        normal = unit(normal);
+    m_lastTouched = qint64(m_normals.size());
+    m_changes.markAll(int(m_normals.size()));
+}
+
+/// Each is summed in the order of all triangles, so that it comes out as when all are made.
+void RyShapeNormals::sumAround(const std::vector<RyPointChanges::Range> &vertices, const RyFacetMesh &mesh,
+                               const std::vector<RyVec3> &positions)
+{
+    if (m_triangles.isEmpty())
+        m_triangles.build(mesh, partsWithNormals(), m_placeOfNumber, int(m_normals.size()));
+    std::vector<int> places;
+    for (const RyPointChanges::Range &range : vertices) {
+        for (int vertex = range.first; vertex < range.first + range.count; ++vertex) {
+            for (const int triangle : m_triangles.aroundVertex(vertex)) {
                 for (int c = 0; c < 3; ++c)
-                    m_normals[size_t(m_placeOfNumber[size_t(part.normalOfSplit[corner[c]])])] += normal;
+                    places.push_back(m_triangles.corners(triangle)[c].place);
             }
         }
     }
-    for (RyVec3 &normal : m_normals)
-        normal = normal / std::sqrt(normal.x * normal.x + normal.y * normal.y + normal.z * normal.z);
+    std::sort(places.begin(), places.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    m_changes.begin();
+    for (const int place : places) {
+        RyVec3 sum;
+        for (const int triangle : m_triangles.ofPlace(place))
+            sum += areaNormal(m_triangles.corners(triangle), positions);
+        m_normals[size_t(place)] = unit(sum);
+        m_changes.mark(place, 1);
+    }
+    m_lastTouched = qint64(places.size());
 }

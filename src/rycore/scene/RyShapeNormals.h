@@ -1,6 +1,8 @@
 #pragma once
 
 #include "rycore/math/RyVec3.h"
+#include "rycore/scene/RyPointChanges.h"
+#include "rycore/scene/RyShapeTriangles.h"
 
 #include <QtGlobal>
 
@@ -17,6 +19,10 @@ class RyShapeNormals
 public:
     /// Makes anew what differs from the last call for this mesh. `parts` may be null: then every vertex has one normal.
     void update(const RyFacetMesh &mesh, const std::shared_ptr<const RyMeshParts> &parts);
+    /// The same for a mesh whose vertices stand elsewhere: while the mesh stays, only normals around vertices that
+    /// `changes` says of are made anew.
+    void update(const RyFacetMesh &mesh, const std::shared_ptr<const RyMeshParts> &parts,
+                const std::vector<RyVec3> &positions, const RyPointChanges &changes);
 
     /// Unit vectors, in places: the vertices', then the further ones.
     const std::vector<RyVec3> &normals() const { return m_normals; }
@@ -25,19 +31,30 @@ public:
     /// The place of a number of RyMeshPart::normalOfSplit; without parts, of a vertex.
     int placeOf(int number) const;
     /// Another one whenever normals differ, and whenever what they belong to differs (numbers of RyPointChanges).
-    quint64 revision() const { return m_revision; }
+    quint64 revision() const { return m_changes.revision(); }
     quint64 layoutRevision() const { return m_layoutRevision; }
+    /// By places.
+    const RyPointChanges &changes() const { return m_changes; }
+    /// Normals made by the last update that made any.
+    qint64 lastTouched() const { return m_lastTouched; }
 
 private:
     void assignPlaces(int vertexCount);
-    void sumFacets(const RyFacetMesh &mesh);
+    void sumAll(const RyFacetMesh &mesh, const std::vector<RyVec3> &positions);
+    void sumAround(const std::vector<RyPointChanges::Range> &vertices, const RyFacetMesh &mesh,
+                   const std::vector<RyVec3> &positions);
+    /// Null where the facets say all.
+    const RyMeshParts *partsWithNormals() const { return m_placeOfNumber.empty() ? nullptr : m_parts.get(); }
 
     quint64 m_meshRevision = 0;
+    quint64 m_positionsRevision = 0;
     int m_vertexCount = -1;
     std::shared_ptr<const RyMeshParts> m_parts;
     std::vector<RyVec3> m_normals;
     std::vector<int> m_vertexOfFurther;
     std::vector<int> m_placeOfNumber; // empty without parts
-    quint64 m_revision = 0;
+    RyShapeTriangles m_triangles;     // empty until some of the vertices move
+    RyPointChanges m_changes;
     quint64 m_layoutRevision = 0;
+    qint64 m_lastTouched = 0;
 };

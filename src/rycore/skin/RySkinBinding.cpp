@@ -293,8 +293,8 @@ bool RySkinBinding::deform(RyShapePoints &points)
     updateFurtherNormals(points.places);
     updateMaps();
     const quint64 revision = points.changes ? points.changes->revision() : 0;
-    points.positions =
-        &m_deformer.deform(*points.positions, m_maps, points.changes, revision, {points.normals, &m_normalMaps});
+    points.positions = &m_deformer.deform(*points.positions, m_maps, points.changes, revision,
+                                          {points.normals, &m_normalMaps}, points.changes);
     if (points.normals)
         points.normals = &m_deformer.normals();
     points.changes = &m_deformer.changes();

@@ -40,6 +40,15 @@ bool differ(const Delta &a, const Delta &b)
     return std::memcmp(&a, &b, sizeof a) != 0;
 }
 
+/// Whether it pays to look for what lies at these places.
+bool areFew(const std::vector<RyPointChanges::Range> &ranges, int placeCount)
+{
+    int count = 0;
+    for (const RyPointChanges::Range &range : ranges)
+        count += range.count;
+    return 2 * qint64(count) <= placeCount;
+}
+
 } // namespace
 
 void RySkinDeformer::setInfluences(int vertexCount, const std::vector<Channel> &channels)
@@ -86,7 +95,8 @@ bool RySkinDeformer::takeMaps(const std::vector<RyAffine> &maps, const std::vect
 }
 
 const std::vector<RyVec3> &RySkinDeformer::deform(const std::vector<RyVec3> &rest, const std::vector<RyAffine> &maps,
-                                                  const void *source, quint64 revision, const RySkinNormals &normals)
+                                                  const void *source, quint64 revision, const RySkinNormals &normals,
+                                                  const RyPointChanges *changes)
 {
     m_lastTouched = 0;
     const size_t channelCount = m_deltas.size();
@@ -101,37 +111,41 @@ const std::vector<RyVec3> &RySkinDeformer::deform(const std::vector<RyVec3> &res
     }
     std::vector<char> changed(channelCount, 0);
     const bool moved = takeMaps(maps, normals.maps, changed);
-    const bool sameRest =
-        m_resultValid && source && source == m_source && revision == m_revision && normalCount == m_normals.size();
+    const bool sameSource = m_resultValid && source && source == m_source && normalCount == m_normals.size();
+    const bool sameRest = sameSource && revision == m_revision;
+    std::vector<RyPointChanges::Range> others; // places of which the rest differs
+    if (sameSource && !sameRest && changes)
+        others = changes->since(m_revision);
+    const bool mostlySame = sameRest || (sameSource && changes && areFew(others, m_influences.placeCount()));
     m_source = source;
     m_revision = revision;
     m_resultValid = true;
-    if (sameRest && !moved)
+    if (mostlySame && !moved && others.empty())
         return m_positions;
 
     m_restPositions = rest.data();
     m_restNormals = normals.rest ? normals.rest->data() : nullptr;
-    if (sameRest && !m_influences.isMovedAsWhole(changed)) {
-        computeMovedBy(changed);
+    if (mostlySame && !m_influences.isMovedAsWhole(changed)) {
+        computeMovedBy(changed, others);
     } else {
+        m_positions.resize(rest.size());
+        m_normals.resize(normalCount);
         if (!sameRest)
-            copyUnmoved(rest, normals.rest);
+            copyRest(m_influences.unmoved());
         computeAll();
     }
     m_totalTouched += m_lastTouched;
     return m_positions;
 }
 
-void RySkinDeformer::copyUnmoved(const std::vector<RyVec3> &rest, const std::vector<RyVec3> *normals)
+void RySkinDeformer::copyRest(const std::vector<int> &places)
 {
-    m_positions.resize(rest.size());
-    m_normals.resize(normals ? normals->size() : 0);
-    for (int unmoved : m_influences.unmoved()) {
-        const auto place = size_t(unmoved);
+    for (const int each : places) {
+        const auto place = size_t(each);
         if (place < m_positions.size())
-            m_positions[place] = rest[place];
+            m_positions[place] = m_restPositions[place];
         if (place < m_normals.size())
-            m_normals[place] = (*normals)[place];
+            m_normals[place] = m_restNormals[place];
     }
 }
 
@@ -150,12 +164,17 @@ void RySkinDeformer::computeAll()
     m_changes.markAll(int(std::max(m_positions.size(), m_normals.size())));
 }
 
-void RySkinDeformer::computeMovedBy(const std::vector<char> &channels)
+void RySkinDeformer::computeMovedBy(const std::vector<char> &channels, const std::vector<RyPointChanges::Range> &places)
 {
-    const RySkinInfluences::Part part = m_influences.movedBy(channels);
-    if (part.runs.empty() && part.picks.empty())
+    const RySkinInfluences::Part part =
+        places.empty() ? m_influences.movedBy(channels) : m_influences.movedBy(channels, places);
+    const std::vector<int> unmoved = places.empty() ? std::vector<int>() : m_influences.unmovedIn(places);
+    if (part.runs.empty() && part.picks.empty() && unmoved.empty())
         return;
     m_changes.begin();
+    copyRest(unmoved);
+    for (const int place : unmoved)
+        m_changes.mark(place, 1);
     for (const Run &run : part.runs) {
         const Class &its = m_influences.classAt(run.classIndex);
         count(run.classIndex, run.count);

@@ -36,11 +36,13 @@ public:
     int getNumVertices() const { return m_influences.vertexCount(); }
 
     /// The deformed positions, valid until the next call. `maps` has one map per channel. With the same `source` (not
-    /// null) and `revision` as in the last call the rest positions and normals are taken to be the same. Other sizes
-    /// than those of the influences give the rest as it is.
+    /// null) and `revision` as in the last call the rest positions and normals are taken to be the same; with another
+    /// revision of that source, to differ where `changes` (by places) say so, everywhere without any. Other sizes than
+    /// those of the influences give the rest as it is.
     const std::vector<RyVec3> &deform(const std::vector<RyVec3> &rest, const std::vector<RyAffine> &maps,
                                       const void *source = nullptr, quint64 revision = 0,
-                                      const RySkinNormals &normals = RySkinNormals());
+                                      const RySkinNormals &normals = RySkinNormals(),
+                                      const RyPointChanges *changes = nullptr);
     /// Those of the last call, of any length; empty when it carried none.
     const std::vector<RyVec3> &normals() const { return m_normals; }
     /// By places (see RySkinInfluences).
@@ -66,9 +68,9 @@ private:
 
     bool takeMaps(const std::vector<RyAffine> &maps, const std::vector<RyAffine> *normalMaps,
                   std::vector<char> &changed);
-    void copyUnmoved(const std::vector<RyVec3> &rest, const std::vector<RyVec3> *normals);
+    void copyRest(const std::vector<int> &places);
     void computeAll();
-    void computeMovedBy(const std::vector<char> &channels);
+    void computeMovedBy(const std::vector<char> &channels, const std::vector<RyPointChanges::Range> &places);
     template<class Compute>
     void forParts(size_t count, Compute compute) const;
     RySkinKernels::Task taskFor(int classIndex);

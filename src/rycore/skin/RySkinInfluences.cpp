@@ -155,6 +155,7 @@ void RySkinInfluences::finish()
             its.places = {};
     }
     m_blocksOfChannel.clear();
+    m_elementOfPlace.clear();
     makeRuns();
 }
 
@@ -228,10 +229,54 @@ std::vector<quint16> RySkinInfluences::masksOf(const std::vector<char> &channels
     return masks;
 }
 
+void RySkinInfluences::makeElements()
+{
+    if (!m_elementOfPlace.empty())
+        return;
+    makeBlocks();
+    m_elementOfPlace.assign(size_t(m_placeCount), Unmoved);
+    for (size_t c = 0; c < m_classes.size(); ++c) {
+        for (int element = 0; element < m_classes[c].count; ++element)
+            m_elementOfPlace[size_t(m_classes[c].placeOf(element))] = quint32(BlockSize * m_firstBlock[c] + element);
+    }
+}
+
 RySkinInfluences::Part RySkinInfluences::movedBy(const std::vector<char> &channels)
 {
+    return partOf(masksOf(channels));
+}
+
+RySkinInfluences::Part RySkinInfluences::movedBy(const std::vector<char> &channels,
+                                                 const std::vector<RyPointChanges::Range> &places)
+{
+    makeElements();
+    std::vector<quint16> masks = masksOf(channels);
+    for (const RyPointChanges::Range &range : places) {
+        for (int place = range.first; place < range.first + range.count; ++place) {
+            const quint32 element = m_elementOfPlace[size_t(place)];
+            if (element != Unmoved)
+                masks[element / BlockSize] |= quint16(1u << (element % BlockSize));
+        }
+    }
+    return partOf(masks);
+}
+
+std::vector<int> RySkinInfluences::unmovedIn(const std::vector<RyPointChanges::Range> &places)
+{
+    makeElements();
+    std::vector<int> unmoved;
+    for (const RyPointChanges::Range &range : places) {
+        for (int place = range.first; place < range.first + range.count; ++place) {
+            if (m_elementOfPlace[size_t(place)] == Unmoved)
+                unmoved.push_back(place);
+        }
+    }
+    return unmoved;
+}
+
+RySkinInfluences::Part RySkinInfluences::partOf(const std::vector<quint16> &masks) const
+{
     Part part;
-    const std::vector<quint16> masks = masksOf(channels);
     for (size_t c = 0; c < m_classes.size(); ++c) {
         const int blocks = (m_classes[c].count + BlockSize - 1) / BlockSize;
         const size_t firstRun = part.runs.size();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "rycore/scene/RyPointChanges.h"
+
 #include <QtGlobal>
 
+#include <limits>
 #include <vector>
 
 class RyWeightMap;
@@ -78,6 +81,10 @@ public:
     /// The elements that have one of the marked channels: exactly those where they are few, else with what shares
     /// their blocks of 16.
     Part movedBy(const std::vector<char> &channels);
+    /// These and the elements at places in any of the ranges.
+    Part movedBy(const std::vector<char> &channels, const std::vector<RyPointChanges::Range> &places);
+    /// Of the places in these ranges, those that nothing moves.
+    std::vector<int> unmovedIn(const std::vector<RyPointChanges::Range> &places);
     /// A mark for each block of 16 that holds an element with one of the marked channels.
     std::vector<char> blocksOf(const std::vector<char> &channels);
     int blockOf(int classIndex, int element) const { return m_firstBlock[size_t(classIndex)] + element / BlockSize; }
@@ -92,7 +99,9 @@ private:
     void finish();
     void makeBlocks();
     void makeRuns();
+    void makeElements();
     std::vector<quint16> masksOf(const std::vector<char> &channels);
+    Part partOf(const std::vector<quint16> &masks) const;
 
     int m_vertexCount = 0;
     int m_placeCount = 0;
@@ -105,5 +114,8 @@ private:
     std::vector<int> m_firstBlock; // of each class
     int m_blockCount = 0;
     std::vector<std::vector<BlockMask>> m_blocksOfChannel; // empty until asked for
+    static constexpr quint32 Unmoved = std::numeric_limits<quint32>::max();
+    /// Per place its element, counted in blocks of 16 through all classes; empty until asked for.
+    std::vector<quint32> m_elementOfPlace;
     std::vector<Run> m_all;
 };

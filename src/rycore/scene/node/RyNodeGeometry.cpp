@@ -29,13 +29,18 @@ void RyNodeGeometry::apply(RyObject *object)
 {
     if (RyObject *old = m_object.get()) {
         QObject::disconnect(old, nullptr, &m_node, nullptr);
-        if (old->m_node == &m_node)
+        if (old->m_node == &m_node) {
             old->m_node = nullptr;
+            old->placeMorphControls();
+        }
     }
     m_object = RyRef<RyObject>(object);
     if (object) {
         object->m_node = &m_node;
         QObject::connect(object, &RyObject::contentChanged, &m_node, &RyNode::announceDrawn);
+        object->placeMorphControls();
+    } else {
+        emit m_node.morphsChanged();
     }
     m_node.announceDrawn();
 }
@@ -50,13 +55,17 @@ RyBox3 RyNodeGeometry::box() const
         return {};
     const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
     const RyFaceGroup *group = map ? mesh->findFaceGroup(map->findGroupForNode(&m_node)) : nullptr;
-    if (!group)
-        return mesh->getBoundingBox();
+    const std::vector<RyVec3> &positions = shape->getCurrentPositions();
     RyBox3 box;
+    if (!group) {
+        for (const RyVec3 &position : positions)
+            box.include(position);
+        return box;
+    }
     for (int i = 0; i < group->getFacets().count(); ++i) {
         const RyFacet &facet = mesh->getFacet(group->getFacets().getIndex(i));
         for (int corner = 0; corner < facet.count(); ++corner)
-            box.include(mesh->getVertex(facet.vertices[corner]));
+            box.include(positions[size_t(facet.vertices[corner])]);
     }
     return box;
 }

@@ -84,7 +84,9 @@ std::vector<RyFloatProperty *> RyNodeLookup::values(const RyNode &node, bool pos
 {
     std::vector<RyFloatProperty *> properties;
     collect(node.getPropertyGroups(), properties);
-    if (!poseOnly)
+    if (poseOnly)
+        std::erase_if(properties, [&node](const auto *property) { return property->getOwner() != &node; }); // morphs
+    else
         collect(node.getPrivatePropertyGroups(), properties);
     return properties;
 }

@@ -44,8 +44,10 @@ void cutLinksOf(const RyPropertyGroup *group, const std::unordered_set<const RyE
     for (; group; group = group->getNextSibling()) {
         for (int i = 0; i < group->getNumProperties(); ++i) {
             const auto *property = qobject_cast<const RyFloatProperty *>(group->getProperty(i));
-            const std::vector<RyERCLink *> links =
-                property ? property->getControlledLinks() : std::vector<RyERCLink *>();
+            // What belongs to a morph goes along with the object.
+            const std::vector<RyERCLink *> links = property && going.count(property->getOwner())
+                                                       ? property->getControlledLinks()
+                                                       : std::vector<RyERCLink *>();
             for (RyERCLink *link : links) {
                 if (!going.count(link->getControlled()->getOwner()))
                     RyERCLink::remove(link);

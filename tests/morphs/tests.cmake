@@ -1,0 +1,6 @@
+ry_test(morphs LIBS rycore_io ry_evaluator ry_test_core SOURCES
+  ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp
+  ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp
+  ${CMAKE_SOURCE_DIR}/tests/io/RigEdits.cpp
+  ${CMAKE_SOURCE_DIR}/tests/merging/FileMutator.cpp)
+target_include_directories(tst_morphs PRIVATE ${CMAKE_SOURCE_DIR}/tests/io ${CMAKE_SOURCE_DIR}/tests/merging)
