@@ -176,6 +176,8 @@ std::vector<Eigen::Vector3d> GltfEvaluator::positions(const GltfPrimitive &primi
         const json &mesh = d->file.json.at("meshes").at(std::size_t(primitive.mesh));
         std::vector<double> amounts = mesh.value("weights", std::vector<double>(targets.size(), 0.0));
         amounts = d->node(primitive.node).value("weights", amounts);
+        if (const auto other = pose.weights.find(primitive.node); other != pose.weights.end())
+            amounts = other->second;
         for (std::size_t t = 0; t < targets.size() && t < amounts.size(); ++t) {
             if (amounts[t] == 0.0 || !targets[t].contains("POSITION"))
                 continue;

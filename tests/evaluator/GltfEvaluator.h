@@ -21,6 +21,7 @@ struct GltfPose
 {
     std::map<int, Eigen::Matrix4d> local;
     std::map<int, Eigen::Matrix3d> turn;
+    std::map<int, std::vector<double>> weights; ///< of morph targets, in place of those of node and mesh
 };
 
 /// One influence of a vertex: the joint's node index and its share; the shares of a vertex sum up to 1.

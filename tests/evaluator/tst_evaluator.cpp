@@ -246,6 +246,9 @@ private slots:
         QVERIFY((only(source.asText())[2] - Eigen::Vector3d(10, 2, 4)).norm() < 1e-12);
         source.tree["nodes"][3]["weights"] = {0.25};
         QVERIFY((only(source.asText())[2] - Eigen::Vector3d(10, 2, 2)).norm() < 1e-12);
+        GltfPose pose;
+        pose.weights[3] = {1.0};
+        QVERIFY((only(source.asText(), pose)[2] - Eigen::Vector3d(10, 2, 8)).norm() < 1e-12);
     }
 
     void stridesAndSparseValues()

@@ -63,6 +63,12 @@ QStringList lostParts(const RyScene &scene)
     const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
     if (std::any_of(nodes.begin(), nodes.end(), [](const RyNode *node) { return qobject_cast<const RyBone *>(node); }))
         parts << QStringLiteral("bones") << QStringLiteral("weights");
+    const auto hasMorphs = [](const RyNode *node) {
+        const RyShape *shape = RyShape::getCurrentShapeForNode(node);
+        return shape && !shape->getMorphs().empty();
+    };
+    if (std::any_of(nodes.begin(), nodes.end(), hasMorphs))
+        parts << QStringLiteral("morphs");
     const std::vector<const RyGltfOrigin *> sources = RyGltfJoin::liveOrigins(scene);
     if (std::any_of(sources.begin(), sources.end(),
                     [](const RyGltfOrigin *source) { return !source->document->model().animationNames.empty(); }))

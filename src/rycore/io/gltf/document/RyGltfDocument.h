@@ -75,6 +75,8 @@ public:
     void addPrimitive(int mesh, const std::vector<std::pair<std::string, int>> &attributes, int indices, int material);
     /// Accessor -1 removes the attribute.
     void setPrimitiveAttribute(int mesh, int primitive, const std::string &name, int accessor);
+    /// Morph targets in the place of those that the primitive has: attributes and accessors of each.
+    void setTargets(int mesh, int primitive, const std::vector<std::vector<std::pair<std::string, int>>> &targets);
     /// Puts these attributes in the place of all JOINTS_n and WEIGHTS_n, of those too that no reader takes: one without
     /// the other, or behind a gap.
     void setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes);

@@ -195,6 +195,28 @@ void RyGltfDocument::setPrimitiveAttribute(int mesh, int primitive, const std::s
     d->useCountsValid = false;
 }
 
+void RyGltfDocument::setTargets(int mesh, int primitive,
+                                const std::vector<std::vector<std::pair<std::string, int>>> &targets)
+{
+    std::vector<int> &positions =
+        d->model.meshes.at(std::size_t(mesh)).primitives.at(std::size_t(primitive)).morphPositions;
+    Json entry = Json::array();
+    positions.clear();
+    for (const auto &target : targets) {
+        Json attributes = Json::object();
+        for (const auto &[name, accessor] : target)
+            attributes[name] = accessor;
+        positions.push_back(attribute(attributes, "POSITION"));
+        entry.push_back(std::move(attributes));
+    }
+    Json &json = d->list("meshes")[std::size_t(mesh)]["primitives"][std::size_t(primitive)];
+    if (targets.empty())
+        json.erase("targets");
+    else
+        json["targets"] = std::move(entry);
+    d->useCountsValid = false;
+}
+
 void RyGltfDocument::setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes)
 {
     const Json &before = d->list("meshes")[std::size_t(mesh)]["primitives"][std::size_t(primitive)]["attributes"];

@@ -183,6 +183,22 @@ RyGltfPrimitive RyGltfMeshReader::readPrimitive(const RyGltfCursor &cursor, cons
     return primitive;
 }
 
+void RyGltfMeshReader::readTargets(const RyGltfCursor &cursor, RyGltfMesh &mesh)
+{
+    const RyGltfCursor weights = cursor.array("weights");
+    for (int i = 0; i < weights.size(); ++i)
+        mesh.weights.push_back(weights.element(i).asNumber());
+    // Extras may be anything.
+    const nlohmann::ordered_json &value = cursor.member("extras").value();
+    const auto names = value.is_object() ? value.find("targetNames") : value.end();
+    if (names == value.end() || !names->is_array())
+        return;
+    for (const auto &name : *names) {
+        mesh.targetNames.push_back(name.is_string() ? QString::fromStdString(name.get_ref<const std::string &>())
+                                                    : QString());
+    }
+}
+
 void RyGltfMeshReader::readMeshes(RyGltfModel &model) const
 {
     std::vector<bool> checked(model.accessors.size(), false);
@@ -213,6 +229,7 @@ void RyGltfMeshReader::readMeshes(RyGltfModel &model) const
                 cursor.refuse(QStringLiteral("the meshes have more than %1 vertices in all").arg(maximumVertices));
             mesh.primitives.push_back(primitive);
         }
+        readTargets(cursor, mesh);
         model.meshes.push_back(std::move(mesh));
     }
 }

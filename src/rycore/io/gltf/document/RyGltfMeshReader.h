@@ -23,6 +23,7 @@ public:
 
 private:
     RyGltfPrimitive readPrimitive(const RyGltfCursor &cursor, const RyGltfModel &model) const;
+    static void readTargets(const RyGltfCursor &cursor, RyGltfMesh &mesh);
     int readAttribute(const RyGltfCursor &attributes, const char *name, const RyGltfModel &model) const;
     int readOptional(const RyGltfCursor &attributes, const char *name, const RyGltfModel &model, int least, int most,
                      std::uint64_t count) const;

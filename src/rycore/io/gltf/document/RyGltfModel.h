@@ -60,6 +60,8 @@ struct RyGltfMesh
 {
     QString name;
     std::vector<RyGltfPrimitive> primitives;
+    std::vector<double> weights;      // of the morph targets, where a node does not say others
+    std::vector<QString> targetNames; // from the extras, as other programs do; an empty one where there is none
 };
 
 struct RyGltfSkin

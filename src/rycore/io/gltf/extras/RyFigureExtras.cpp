@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyLinkExtras.h"
 #include "rycore/io/gltf/extras/RyMapExtras.h"
+#include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -303,6 +304,12 @@ void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const
     }
 }
 
+const Json *RyFigureExtras::storedMorphs(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    return stored ? find(*stored, "morphs") : nullptr;
+}
+
 void RyFigureExtras::applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace,
                                    RyNode &node)
 {
@@ -393,6 +400,10 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             if (!order.is_null())
                 entry["order"] = std::move(order);
         }
+        const RyFacetShape *shape = figure ? shapeOf(*figure) : nullptr;
+        Json morphs = shape ? RyMorphExtras::toJson(*shape) : Json();
+        if (!morphs.is_null())
+            entry["morphs"] = std::move(morphs);
         if (skeleton) {
             entry["name"] = skeleton->getName().toStdString();
             entry["node"] = RyRiggingExtras::nodeJson(*skeleton, nullptr);

@@ -54,6 +54,9 @@ void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fi
 /// Sets what figures follow, found by their stored entries.
 void applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNode *> &figures, QStringList *messages);
 
+/// What is stored of the values of morphs; null for nothing.
+const nlohmann::ordered_json *storedMorphs(const RyGltfDocument &document, int figure);
+
 /// Writes all of it, with the links between nodes. `figures`: null for one that is gone; `joints`: nodes that a reader
 /// finds in skins.
 void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/io/gltf/extras/RyGltfMorphSource.h"
 #include "rycore/io/gltf/extras/RyNodeValues.h"
 #include "rycore/math/RyAffine.h"
 #include "rycore/scene/RyNode.h"
@@ -56,6 +57,8 @@ struct RyGltfFigureSource
     QString groupsText;        // face groups as they were read, in the text of the extras
     QString selectionText;     // likewise the selection map
     QPointer<RyNode> followed; // the figure that it follows
+    std::vector<RyGltfMorphSource> morphs;
+    QString morphsText; // their values as they were read, in the text of the extras
 
     /// Whether vertices are elsewhere than they were read.
     bool hasOtherVertices() const;

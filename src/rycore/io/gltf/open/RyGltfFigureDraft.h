@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/open/RyGltfJointSet.h"
 #include "rycore/io/gltf/open/RyGltfMeshBuilder.h"
+#include "rycore/io/gltf/open/RyGltfMorphReader.h"
 #include "rycore/io/gltf/open/RyGltfRest.h"
 
 #include <memory>
@@ -23,4 +24,5 @@ struct RyGltfFigureDraft
     RyGltfFigureSource source;
     int entry = -1; // of what an earlier save stored
     std::unique_ptr<RyGltfMeshBuilder> mesh;
+    std::vector<RyGltfMorphReader::Linear> toNodePose; // per vertex, how it was turned when it was brought there
 };

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/open/RyGltfFigureDraft.h"
+#include "rycore/io/gltf/open/RyGltfMorphReader.h"
 #include "rycore/io/gltf/open/RyGltfNames.h"
 
 #include <QStringList>
@@ -44,7 +45,9 @@ private:
     void noteNode(int node, RyNode &sceneNode);
     RyNode *sceneNodeAbove(int node) const;
     void buildMesh(Figure &figure);
-    void bringToNodePose(Figure &figure);
+    std::vector<RyGltfMorphReader::Linear> bringToNodePose(Figure &figure);
+    void readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame,
+                    const std::vector<RyGltfMorphReader::Linear> &further);
     std::vector<std::vector<RyAffine>> restToNodePose(const Figure &figure) const;
     std::vector<size_t> bonesToBind(const Figure &figure,
                                     const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const;

@@ -3,6 +3,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
@@ -44,7 +45,7 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
         say(QStringLiteral("%1 influences that name no joint or are no positive numbers were left out")
                 .arg(figure.mesh->droppedInfluences));
     if (figure.rest.rebound)
-        bringToNodePose(figure);
+        figure.toNodePose = bringToNodePose(figure);
 }
 
 /// Per skin and bone: from figure space, where the mesh lies as the file has it, to where the file's skinning brings
@@ -66,8 +67,8 @@ std::vector<std::vector<RyAffine>> RyGltfSceneReader::restToNodePose(const Figur
     return result;
 }
 
-/// The file's own skinning, once. A vertex belongs to the parts of one skin.
-void RyGltfSceneReader::bringToNodePose(Figure &figure)
+/// The file's own skinning, once. A vertex belongs to the parts of one skin. Says how each was turned and scaled.
+std::vector<RyGltfMorphReader::Linear> RyGltfSceneReader::bringToNodePose(Figure &figure)
 {
     std::vector<RyVec3> &positions = figure.mesh->positions;
     std::vector<int> skinOfVertex(positions.size(), -1);
@@ -78,6 +79,7 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
     }
     const std::vector<std::vector<RyAffine>> toNodePose = restToNodePose(figure);
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
+    std::vector<RyGltfMorphReader::Linear> linear(positions.size(), RyGltfMorphReader::Linear{});
     const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
     for (size_t bone = 0; bone < weights.size(); ++bone) {
         for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
@@ -85,9 +87,13 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
             const double weight = double(weights[bone].weights[i]) / RyWeightMap::FullWeight;
             const double from[3] = {positions[vertex].x, positions[vertex].y, positions[vertex].z};
             double at[3];
-            toNodePose[size_t(skinOfVertex[vertex])][bone].mapPoint(from, at);
-            for (size_t axis = 0; axis < 3; ++axis)
+            const RyAffine &map = toNodePose[size_t(skinOfVertex[vertex])][bone];
+            map.mapPoint(from, at);
+            for (size_t axis = 0; axis < 3; ++axis) {
                 sums[vertex][axis] += weight * at[axis];
+                for (size_t row = 0; row < 3; ++row)
+                    linear[vertex][row][axis] += weight * map.m[row][axis];
+            }
             sums[vertex][3] += weight;
         }
     }
@@ -95,8 +101,32 @@ void RyGltfSceneReader::bringToNodePose(Figure &figure)
         const std::array<double, 4> &sum = sums[vertex];
         if (sum[3] > 0.0)
             positions[vertex] = {float(sum[0] / sum[3]), float(sum[1] / sum[3]), float(sum[2] / sum[3])};
+        for (size_t row = 0; row < 3; ++row) {
+            for (size_t axis = 0; axis < 3; ++axis) {
+                double &number = linear[vertex][row][axis];
+                number = sum[3] > 0.0 ? number / sum[3] : row == axis ? 1.0 : 0.0;
+            }
+        }
     }
     figure.mesh->parts.shapedFrom = positions;
+    return linear;
+}
+
+/// `propFrame`: mesh space of a prop to figure space in centimetres.
+void RyGltfSceneReader::readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame,
+                                   const std::vector<RyGltfMorphReader::Linear> &further)
+{
+    RyGltfMorphReader morphs(*m_origin->document, m_messages);
+    for (size_t p = 0; p < source.parts.size(); ++p) {
+        const RyGltfPartSource &part = source.parts[p];
+        const auto skin = std::find_if(source.skins.begin(), source.skins.end(),
+                                       [&part](const RyGltfSkinSource &each) { return each.skin == part.skin; });
+        morphs.addPart(part, source.meshParts->parts[p], skin == source.skins.end() ? propFrame : skin->toFigure,
+                       further);
+    }
+    source.morphs = morphs.addTo(shape, *source.sceneNode);
+    RyMorphExtras::apply(*m_origin->document, entry, shape);
+    source.morphsText = RyMorphExtras::text(shape);
 }
 
 void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights)
@@ -118,9 +148,10 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
         addPartGroups(*mesh, *parts);
 
     object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
+    figure.source.meshParts = parts;
+    readMorphs(figure.source, *shape, figure.entry, RyAffine(), figure.toNodePose);
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
-    figure.source.meshParts = parts;
     figure.source.vertexCount = vertexCount;
     figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
     RyFigureExtras::applySelectionMap(*m_origin, figure.entry, *figure.figure);

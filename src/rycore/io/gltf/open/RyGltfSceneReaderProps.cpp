@@ -156,9 +156,10 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     auto *object = new RyObject;
     object->setName(source.sceneNode->getName());
     object->addShape(shape);
+    figure.meshParts = parts;
+    readMorphs(figure, *shape, entry, source.bind, {});
     source.sceneNode->setObject(object);
     figure.positionsHash = ryPositionsHash(*source.sceneNode);
-    figure.meshParts = parts;
     figure.vertexCount = mesh->getNumVertices();
     figure.groupsText = RyFigureExtras::groupsText(*mesh);
     m_origin->figures.push_back(std::move(figure));

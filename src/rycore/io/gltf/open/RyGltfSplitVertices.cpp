@@ -22,8 +22,12 @@ RyGltfSplitVertices::RyGltfSplitVertices(const RyGltfDocument &document, int mes
     for (const int morph : primitive.morphPositions) {
         if (morph < 0)
             continue;
-        m_morphs.push_back(document.readFloats(morph));
-        m_morphs.back().resize(m_count * 3, 0.0f);
+        std::vector<float> deltas = document.readFloats(morph);
+        // One that moves nothing is only there because other primitives of the mesh have it.
+        if (std::all_of(deltas.begin(), deltas.end(), [](float number) { return number == 0.0f; }))
+            continue;
+        deltas.resize(m_count * 3, 0.0f);
+        m_morphs.push_back(std::move(deltas));
     }
     if (!m_bonesOfJoints.empty())
         m_sets.resize(std::min(primitive.joints.size(), primitive.weights.size()));

@@ -194,6 +194,12 @@ void RyGltfJoin::addSources(const RyGltfOrigin &other, const RyGltfPlaces &place
             part.mesh = places.at(RyGltfList::Meshes, part.mesh);
             part.skin = places.at(RyGltfList::Skins, part.skin);
         }
+        for (RyGltfMorphSource &morph : figure.morphs) {
+            for (RyGltfMorphSource::Target &target : morph.targets) {
+                target.node = node(target.node);
+                target.mesh = places.at(RyGltfList::Meshes, target.mesh);
+            }
+        }
         figure.firstRoot = node(figure.firstRoot);
         m_joined->figures.push_back(std::move(figure));
     }

@@ -5,6 +5,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
+#include "rycore/io/gltf/save/RyGltfMorphWriter.h"
 #include "rycore/io/gltf/save/RyGltfNewLooks.h"
 #include "rycore/scene/RyFacetShape.h"
 
@@ -138,6 +139,7 @@ int RyGltfNewMesh::write(const QString &name, const RyGltfInfluences *influences
     const int mesh = m_document.addMesh(name);
     int primitive = 0;
     RyPartPolygons polygons(*m_shape.getFacetMesh(), *m_parts);
+    RyGltfMorphWriter morphs(m_document, m_shape, m_toMesh.inverse());
     RyGltfInfluenceWriter::Part influencePart;
     influencePart.places = places;
     for (const RyMeshPart &part : m_parts->parts) {
@@ -167,9 +169,13 @@ int RyGltfNewMesh::write(const QString &name, const RyGltfInfluences *influences
             m_document.markFans(mesh, primitive);
         if (!firstCorners.empty())
             RyTreeExtras::storeFirstCorners(m_document, mesh, primitive, firstCorners);
+        if (!m_shape.getMorphs().empty())
+            morphs.writeTargets(mesh, primitive, part);
         storeTags(mesh, primitive, part, influences);
         ++primitive;
     }
+    if (!m_shape.getMorphs().empty())
+        morphs.writeValues(mesh);
     return mesh;
 }
 

@@ -5,6 +5,7 @@
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
+#include "rycore/io/gltf/save/RyGltfMorphWriter.h"
 #include "rycore/io/gltf/save/RyGltfNewMesh.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
@@ -215,6 +216,12 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
     for (size_t p = 0; p < known.parts.size(); ++p)
         parts.push_back({mesh, int(p), &known.meshParts->parts[p]});
     RyGltfVertexPatch(m_document, *meshOf(node), toFigure).write(parts);
+    if (!known.morphs.empty() || !shapeOf(node)->getMorphs().empty()) {
+        RyGltfMorphWriter morphs(m_document, *shapeOf(node), toFigure);
+        for (size_t p = 0; p < known.parts.size(); ++p)
+            morphs.writeTargets(mesh, int(p), known.meshParts->parts[p], &known, &known.parts[p]);
+        morphs.writeValues(mesh);
+    }
     for (const RyGltfPartSource &part : known.parts) {
         RyTreeExtras::copySurface(m_document, {part.mesh, part.primitive}, {mesh, int(&part - known.parts.data())});
     }

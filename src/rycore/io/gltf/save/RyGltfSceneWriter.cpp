@@ -1,12 +1,14 @@
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfCarriers.h"
 #include "rycore/io/gltf/save/RyGltfClipPatch.h"
 #include "rycore/io/gltf/save/RyGltfFrameChanges.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
+#include "rycore/io/gltf/save/RyGltfMorphPatch.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
 #include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
@@ -29,6 +31,8 @@ bool isFigureEdited(const RyGltfFigureSource &figure)
         return true;
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
     if (shape && shape->getFacetMesh() && RyFigureExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText)
+        return true;
+    if (shape && RyMorphExtras::text(*shape) != figure.morphsText)
         return true;
     if (!qobject_cast<const RySkeleton *>(&node))
         return false;
@@ -152,6 +156,7 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
     RyGltfNodePatch(patch).apply();
     if (!RyGltfClipPatch(patch, clips).apply(&reason) || !RyGltfSkinPatch(patch).apply(&reason))
         return refuse();
+    RyGltfMorphPatch(patch).apply();
     // Meshes and skins that no file had.
     RyGltfNewNodes newNodes(*document, source->unit, source.get());
     newNodes.addMeshes(patch);

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/save/RyGltfFigurePlanner.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
+#include "rycore/io/gltf/save/RyGltfMorphWriter.h"
 #include "rycore/io/gltf/save/RyGltfVertexPatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -206,6 +207,23 @@ void RyGltfSkinPatch::writeVertices(const Figure &figure)
                 parts.push_back({figure.meshes[p], part.primitive, &figure.parts->parts[p]});
         }
         vertices.write(parts);
+        if (figure.isRebuilt)
+            renewMorphs(figure, skin);
+    }
+}
+
+/// Their deltas are in the space of the mesh, which is another now.
+void RyGltfSkinPatch::renewMorphs(const Figure &figure, const Skin &skin)
+{
+    const RyShape *shape = RyShape::getCurrentShapeForNode(figure.source->sceneNode);
+    if (!shape || shape->getMorphs().empty())
+        return;
+    RyGltfMorphWriter morphs(m_patch.document, *shape, figure.meshToFigure(skin, m_patch.source.unit));
+    std::set<std::pair<int, int>> done; // several nodes may show one mesh
+    for (size_t p = 0; p < figure.source->parts.size(); ++p) {
+        const RyGltfPartSource &part = figure.source->parts[p];
+        if (part.skin == skin.source->skin && done.insert({figure.meshes[p], part.primitive}).second)
+            morphs.renewTargets(figure.meshes[p], part.primitive, figure.parts->parts[p], *figure.source, part);
     }
 }
 

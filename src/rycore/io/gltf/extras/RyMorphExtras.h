@@ -1,0 +1,22 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <QString>
+
+class RyGltfDocument;
+class RyShape;
+
+/// What our key in the extras of a file says of the values of morphs where it is not what the weights of the file make:
+/// limits, default, label, and the value's own share where links add to it.
+namespace RyMorphExtras {
+
+/// Null where the weights say all.
+nlohmann::ordered_json toJson(const RyShape &shape);
+/// Applies what a figure's entry holds to morphs whose values are those of the file. What says a share of another value
+/// than the file's is left out.
+void apply(const RyGltfDocument &document, int figure, const RyShape &shape);
+/// All values, to see whether they were edited.
+QString text(const RyShape &shape);
+
+} // namespace RyMorphExtras

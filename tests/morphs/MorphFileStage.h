@@ -1,0 +1,80 @@
+#pragma once
+
+#include "MorphFile.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/io/RySceneFile.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyMorph.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "support/RyTest.h"
+
+#include <QTemporaryDir>
+
+/// A file with morphs in a folder of its own, and what tests of files need.
+class MorphFileStage
+{
+public:
+    MorphFileStage() : file(ryTestSeed()), path(folder.filePath("face.gltf")) { file.sketch.write(path); }
+
+    static RyNode *nodeCalled(const RyScene &scene, const QString &name)
+    {
+        for (RyNode *node : scene.getNodes()) {
+            if (node->getName() == name)
+                return node;
+        }
+        return nullptr;
+    }
+    static RySkeleton *figureOf(const RyScene &scene) { return scene.getSkeletons().front(); }
+    static const std::vector<RyMorph *> &morphsOf(const RyNode &node)
+    {
+        return RyShape::getCurrentShapeForNode(&node)->getMorphs();
+    }
+    static RyMorph *morphCalled(const RyNode &node, const QString &name)
+    {
+        for (RyMorph *morph : morphsOf(node)) {
+            if (morph->getName() == name)
+                return morph;
+        }
+        return nullptr;
+    }
+    /// Some values of all morphs of the scene, one step.
+    static void changeValues(RyScene &scene, std::mt19937 &random)
+    {
+        RyUndoStackHold hold;
+        for (RyNode *node : scene.getNodes()) {
+            if (!RyShape::getCurrentShapeForNode(node) || !node->getObject())
+                continue;
+            for (RyMorph *morph : morphsOf(*node)) {
+                if (random() % 3 == 0)
+                    morph->getValueControl()->setValue(float(random() % 1000) / 1000.0f);
+            }
+        }
+        hold.accept("values");
+    }
+    QString save(RyScene &scene, const char *name)
+    {
+        QString error;
+        const QString to = folder.filePath(name);
+        if (!RySceneFile::save(&scene, to, &error))
+            throw std::runtime_error(error.toStdString());
+        return to;
+    }
+    /// How far what is shown lies from what the file shows, in heights of the figure.
+    static double apart(const CharacterScene &character)
+    {
+        const CharacterScene::Positions shown = character.shown();
+        CharacterScene::Positions said = positionsOf(character.file, character.unit());
+        std::erase_if(said, [&](const auto &each) { return !shown.count(each.first); }); // of nodes that hang nowhere
+        return largestDistance(shown, said) / character.height;
+    }
+
+    QTemporaryDir folder;
+    MorphFile file;
+    QString path;
+};
