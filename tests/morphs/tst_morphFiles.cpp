@@ -304,6 +304,69 @@ private slots:
         // Without the first file's figure the guest's document is the one that is patched.
     }
 
+    void morphsThatNoFileHas()
+    {
+        MorphFileStage stage;
+        stage.file.sketch.tree["animations"][0]["channels"].erase(0); // that of the weights
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        std::mt19937 random(ryTestSeed());
+        stage.changeValues(character.scene, random);
+        RyNode *prop = stage.nodeCalled(character.scene, "prop");
+        for (RyNode *node : {static_cast<RyNode *>(stage.figureOf(character.scene)), prop}) {
+            RyShape *shape = RyShape::getCurrentShapeForNode(node);
+            const int last = shape->getGeometry()->getNumVertices() - 1;
+            auto *morph = new RyMorph("added", {1, 4, last}, {{1, 20, 3}, {-4, 5, 6}, {7, 8, 30}});
+            shape->addMorph(morph);
+            morph->getValueControl()->setValue(0.625f);
+            auto *other = new RyMorph("idle", {2}, {{1, 2, 3}});
+            shape->addMorph(other);
+        }
+        QStringList losses;
+        QString error;
+        const QString saved = stage.folder.filePath("added.glb");
+        QVERIFY(RySceneFile::save(&character.scene, saved, &error, nullptr, &losses));
+        QVERIFY2(losses.isEmpty(), qPrintable(losses.join('\n')));
+        CharacterScene again(saved);
+        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        QVERIFY(largestDistance(character.shown(), again.shown()) < Near * character.height);
+        for (const char *name : {"added", "idle"}) {
+            for (const QString &node : {stage.figureOf(character.scene)->getName(), QString("prop")}) {
+                const RyMorph *was = stage.morphCalled(*stage.nodeCalled(character.scene, node), name);
+                const RyMorph *read = stage.morphCalled(*stage.nodeCalled(again.scene, node), name);
+                QVERIFY(read);
+                QVERIFY(read->vertices() == was->vertices());
+                for (size_t i = 0; i < read->deltas().size(); ++i)
+                    QVERIFY((read->deltas()[i] - was->deltas()[i]).length() < 1e-4f);
+                QCOMPARE(read->getValueControl()->getValue(), was->getValueControl()->getValue());
+            }
+        }
+        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
+        // A clip counts the targets of the body: it has no place for more.
+        MorphFileStage driven;
+        CharacterScene busy(driven.path);
+        RyShape::getCurrentShapeForNode(driven.figureOf(busy.scene))->addMorph(new RyMorph("added", {1}, {{1, 2, 3}}));
+        QVERIFY(RySceneFile::save(&busy.scene, driven.folder.filePath("busy.glb"), &error, nullptr, &losses));
+        QVERIFY2(losses.join('\n').contains("1 new morphs"), qPrintable(losses.join('\n')));
+    }
+
+    void removedMorphsStayInTheFile()
+    {
+        MorphFileStage stage;
+        CharacterScene character(stage.path);
+        RyShape *shape = RyShape::getCurrentShapeForNode(stage.figureOf(character.scene));
+        shape->removeMorph(stage.morphCalled(*stage.figureOf(character.scene), "shape 1"));
+        QStringList messages;
+        QString error;
+        const QString saved = stage.folder.filePath("removed.glb");
+        QVERIFY(RySceneFile::save(&character.scene, saved, &error, &messages));
+        QVERIFY2(messages.join('\n').contains("1 morphs that were removed"), qPrintable(messages.join('\n')));
+        CharacterScene again(saved);
+        QVERIFY(stage.apart(again) < Near);
+        QVERIFY(largestDistance(character.shown(), again.shown()) < Near * character.height);
+        QCOMPARE(stage.morphCalled(*stage.figureOf(again.scene), "shape 1")->getValueControl()->getValue(), 0.0f);
+    }
+
     void withoutItsFile()
     {
         MorphFileStage stage;

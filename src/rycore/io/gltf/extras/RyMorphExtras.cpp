@@ -22,10 +22,10 @@ bool readNumber(const Json *value, float &number)
     return std::isfinite(number);
 }
 
+/// Without what links add.
 Json allOf(const RyFloatProperty &control)
 {
-    Json json{{"value", control.getValue()},
-              {"own", control.getRawValue()},
+    Json json{{"own", control.getRawValue()},
               {"default", control.getDefaultValue()},
               {"limits", Json::array({control.getMin(), control.getMax(), control.isClamped()})}};
     if (control.hasOwnLabel())
@@ -40,7 +40,7 @@ Json othersOf(const RyFloatProperty &control)
     const Json all = allOf(control);
     Json json = Json::object();
     if (control.getRawValue() != value) {
-        json["value"] = all["value"];
+        json["value"] = value;
         json["own"] = all["own"];
     }
     if (control.getDefaultValue() != 0.0f)

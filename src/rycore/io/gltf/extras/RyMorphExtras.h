@@ -16,7 +16,7 @@ nlohmann::ordered_json toJson(const RyShape &shape);
 /// Applies what a figure's entry holds to morphs whose values are those of the file. What says a share of another value
 /// than the file's is left out.
 void apply(const RyGltfDocument &document, int figure, const RyShape &shape);
-/// All values, to see whether they were edited.
+/// All values without what links add to them, to see whether they were edited.
 QString text(const RyShape &shape);
 
 } // namespace RyMorphExtras

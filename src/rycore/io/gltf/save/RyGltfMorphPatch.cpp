@@ -1,6 +1,8 @@
 #include "rycore/io/gltf/save/RyGltfMorphPatch.h"
 
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/save/RyGltfMorphWriter.h"
+#include "rycore/scene/RyMeshPart.h"
 #include "rycore/scene/RyShape.h"
 
 #include <nlohmann/json.hpp>
@@ -9,54 +11,156 @@
 
 using Json = nlohmann::ordered_json;
 
-void RyGltfMorphPatch::apply()
+void RyGltfMorphPatch::apply(QStringList *losses)
 {
     for (const RyGltfFigureSource &figure : m_patch.source.figures) {
-        if (!figure.sceneNode || !figure.sceneNode->getScene())
+        const RyNode *node = figure.sceneNode;
+        const RyShape *shape = node && node->getScene() ? RyShape::getCurrentShapeForNode(node) : nullptr;
+        if (!shape)
             continue;
-        const RyShape *shape = RyShape::getCurrentShapeForNode(figure.sceneNode);
-        QStringList added, removed;
-        std::vector<const RyMorph *> known;
-        for (const RyGltfMorphSource &source : figure.morphs) {
-            const bool isThere = source.morph && shape && source.morph->getShape() == shape;
-            if (isThere)
-                known.push_back(source.morph);
-            else
-                removed.append(QStringLiteral("target %1").arg(source.targets.front().number));
-            const float value = isThere ? RyGltfMorphWriter::valueOf(*source.morph) : 0.0f;
-            if (value == source.value)
-                continue;
-            for (const RyGltfMorphSource::Target &target : source.targets)
-                write(target, value);
-        }
-        for (const RyMorph *morph : shape ? shape->getMorphs() : std::vector<RyMorph *>()) {
+        const Morphs known = writeKnown(figure, *shape);
+        Morphs added;
+        for (const RyMorph *morph : shape->getMorphs()) {
             if (std::find(known.begin(), known.end(), morph) == known.end())
-                added.append(QLatin1Char('"') + morph->getName() + QLatin1Char('"'));
+                added.push_back(morph);
         }
-        m_patch.sayOf(QStringLiteral("Morphs that were removed stay in the file, at 0: %1"), removed);
-        m_patch.sayOf(QStringLiteral("Morphs that the file does not have are not written into its meshes: %1"), added);
+        if (added.empty())
+            continue;
+        std::set<int> nodes;
+        for (const RyGltfPartSource &part : figure.parts)
+            nodes.insert(part.node);
+        if (std::all_of(nodes.begin(), nodes.end(), [&](int each) { return canTakeMore(figure, each); })) {
+            for (const int each : nodes)
+                addTo(figure, each, *shape, added);
+        } else if (losses) {
+            losses->append(
+                QStringLiteral("%1 new morphs of \"%2\": others use its meshes as well, or clips their morphs")
+                    .arg(added.size())
+                    .arg(node->getName()));
+        }
     }
+}
+
+/// Writes the values of the figure's morphs that its file has, and gives these.
+RyGltfMorphPatch::Morphs RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &figure, const RyShape &shape)
+{
+    Morphs known;
+    int removed = 0;
+    for (const RyGltfMorphSource &source : figure.morphs) {
+        const bool isThere = source.morph && source.morph->getShape() == &shape;
+        if (isThere)
+            known.push_back(source.morph);
+        else
+            ++removed;
+        const float value = isThere ? RyGltfMorphWriter::valueOf(*source.morph) : 0.0f;
+        if (value == source.value)
+            continue;
+        for (const RyGltfMorphSource::Target &target : source.targets)
+            write(target, value);
+    }
+    if (removed > 0) {
+        m_patch.say(QStringLiteral("%1 morphs that were removed from \"%2\" stay in the file, at 0")
+                        .arg(removed)
+                        .arg(figure.sceneNode->getName()));
+    }
+    return known;
+}
+
+size_t RyGltfMorphPatch::countTargets(int mesh) const
+{
+    size_t count = 0;
+    for (const RyGltfPrimitive &primitive : m_patch.document.model().meshes[size_t(mesh)].primitives)
+        count = std::max(count, primitive.morphPositions.size());
+    return count;
+}
+
+/// Those of the node itself, as many as its mesh has targets; where it has none, those of the mesh become its own.
+Json &RyGltfMorphPatch::weightsOf(int node)
+{
+    const int mesh = m_patch.document.model().nodes[size_t(node)].mesh;
+    const Json &ofMesh = std::as_const(m_patch.document).json()["meshes"][size_t(mesh)];
+    Json &json = m_patch.document.json()["nodes"][size_t(node)];
+    if (!json.contains("weights"))
+        json["weights"] = ofMesh.contains("weights") ? ofMesh["weights"] : Json::array();
+    Json &weights = json["weights"];
+    while (weights.size() < countTargets(mesh))
+        weights.push_back(0.0);
+    return weights;
 }
 
 void RyGltfMorphPatch::write(const RyGltfMorphSource::Target &target, float value)
 {
-    Json &nodes = m_patch.document.json()["nodes"];
-    if (size_t(target.node) >= nodes.size())
-        return;
-    Json &node = nodes[size_t(target.node)];
-    const auto mesh = node.find("mesh");
-    if (mesh == node.end())
-        return; // nothing of it is shown any more
-    const Json &json = std::as_const(m_patch.document).json()["meshes"][mesh->get<size_t>()];
-    size_t count = 0;
-    for (const RyGltfPrimitive &primitive : m_patch.document.model().meshes[mesh->get<size_t>()].primitives)
-        count = std::max(count, primitive.morphPositions.size());
-    if (size_t(target.number) >= count)
-        return;
-    if (!node.contains("weights"))
-        node["weights"] = json.contains("weights") ? json["weights"] : Json::array();
-    Json &weights = node["weights"];
-    while (weights.size() < count)
-        weights.push_back(0.0);
-    weights[size_t(target.number)] = value;
+    const RyGltfModel &model = m_patch.document.model();
+    const int mesh = size_t(target.node) < model.nodes.size() ? model.nodes[size_t(target.node)].mesh : -1;
+    if (mesh >= 0 && size_t(target.number) < countTargets(mesh)) // else nothing of it is shown any more
+        weightsOf(target.node)[size_t(target.number)] = value;
+}
+
+// --- Morphs that the file does not have
+
+/// Whether the node's mesh is shown by it alone, whole and as a part of the figure, and no clip counts its targets.
+bool RyGltfMorphPatch::canTakeMore(const RyGltfFigureSource &figure, int node) const
+{
+    const RyGltfModel &model = m_patch.document.model();
+    const int mesh = model.nodes[size_t(node)].mesh;
+    if (mesh < 0 || std::count_if(model.nodes.begin(), model.nodes.end(),
+                                  [mesh](const RyGltfNode &each) { return each.mesh == mesh; }) != 1)
+        return false;
+    const size_t count = countTargets(mesh);
+    size_t shown = 0;
+    for (size_t p = 0; p < figure.parts.size(); ++p)
+        shown += figure.parts[p].node == node && !figure.meshParts->parts[p].vertexOfSplit.empty();
+    const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(mesh)].primitives;
+    if (shown != primitives.size() ||
+        std::any_of(primitives.begin(), primitives.end(),
+                    [count](const RyGltfPrimitive &each) { return each.morphPositions.size() != count; }))
+        return false;
+    const Json &tree = std::as_const(m_patch.document).json();
+    const Json &json = tree["meshes"][size_t(mesh)];
+    if (json.contains("extras") && !json["extras"].is_object())
+        return false;
+    for (const Json &clip : tree.value("animations", Json::array())) {
+        for (const Json &channel : clip.value("channels", Json::array())) {
+            const Json *target = RyExtrasJson::find(channel, "target");
+            const Json *path = target ? RyExtrasJson::find(*target, "path") : nullptr;
+            const Json *driven = target ? RyExtrasJson::find(*target, "node") : nullptr;
+            if (path && *path == Json("weights") && (!driven || *driven == Json(node)))
+                return false;
+        }
+    }
+    return true;
+}
+
+RyAffine RyGltfMorphPatch::meshToFigure(const RyGltfPartSource &part) const
+{
+    const auto ofSkin = m_patch.toFigure.find(part.skin);
+    if (part.skin >= 0 && ofSkin != m_patch.toFigure.end())
+        return ofSkin->second * RyAffine::fromScale(m_patch.source.unit);
+    return m_patch.edits.at(part.node).bind;
+}
+
+void RyGltfMorphPatch::addTo(const RyGltfFigureSource &figure, int node, const RyShape &shape, const Morphs &morphs)
+{
+    const int mesh = m_patch.document.model().nodes[size_t(node)].mesh;
+    const size_t before = countTargets(mesh);
+    Json &weights = weightsOf(node);
+    for (size_t p = 0; p < figure.parts.size(); ++p) {
+        if (figure.parts[p].node != node)
+            continue;
+        RyGltfMorphWriter(m_patch.document, shape, meshToFigure(figure.parts[p]))
+            .appendTargets(mesh, figure.parts[p].primitive, figure.meshParts->parts[p], morphs);
+    }
+    Json &names = m_patch.document.json()["meshes"][size_t(mesh)]["extras"]["targetNames"];
+    if (!names.is_array())
+        names = Json::array();
+    while (names.size() < before)
+        names.push_back("");
+    for (size_t i = 0; i < morphs.size(); ++i) {
+        const Json name = morphs[i]->getName().toStdString();
+        if (before + i < names.size())
+            names[before + i] = name;
+        else
+            names.push_back(name);
+        weights.push_back(RyGltfMorphWriter::valueOf(*morphs[i]));
+    }
 }

@@ -161,6 +161,18 @@ void RyGltfMorphWriter::renewTargets(int mesh, int primitive, const RyMeshPart &
         m_document.setTargets(mesh, primitive, targets);
 }
 
+void RyGltfMorphWriter::appendTargets(int mesh, int primitive, const RyMeshPart &part,
+                                      const std::vector<const RyMorph *> &morphs)
+{
+    const size_t count = m_document.model().meshes[size_t(mesh)].primitives[size_t(primitive)].morphPositions.size();
+    std::vector<Target> targets;
+    for (size_t i = 0; i < count; ++i)
+        targets.push_back(targetAt(mesh, primitive, int(i)));
+    for (const RyMorph *morph : morphs)
+        targets.push_back({{"POSITION", addDeltas(*morph, part)}});
+    m_document.setTargets(mesh, primitive, targets);
+}
+
 void RyGltfMorphWriter::writeValues(int mesh)
 {
     Json &json = m_document.json()["meshes"][size_t(mesh)];

@@ -27,6 +27,8 @@ public:
     /// Renews the deltas of a primitive of the file that are others now.
     void renewTargets(int mesh, int primitive, const RyMeshPart &part, const RyGltfFigureSource &known,
                       const RyGltfPartSource &from);
+    /// Morphs behind the targets that a primitive has.
+    void appendTargets(int mesh, int primitive, const RyMeshPart &part, const std::vector<const RyMorph *> &morphs);
     /// Names of the morphs and their values, for a mesh of which only one node has to show them.
     void writeValues(int mesh);
 

@@ -156,7 +156,7 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
     RyGltfNodePatch(patch).apply();
     if (!RyGltfClipPatch(patch, clips).apply(&reason) || !RyGltfSkinPatch(patch).apply(&reason))
         return refuse();
-    RyGltfMorphPatch(patch).apply();
+    RyGltfMorphPatch(patch).apply(losses);
     // Meshes and skins that no file had.
     RyGltfNewNodes newNodes(*document, source->unit, source.get());
     newNodes.addMeshes(patch);
