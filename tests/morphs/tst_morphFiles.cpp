@@ -1,6 +1,7 @@
 #include "MorphFileStage.h"
 #include "RigEdits.h"
 
+#include "rycore/base/RyERCLink.h"
 #include "rycore/figure/RyFigure.h"
 
 using nlohmann::json;
@@ -158,6 +159,9 @@ private slots:
         control->setIsClamped(false);
         control->setValue(3);
         control->setDefaultValue(0.25f);
+        control = stage.morphCalled(*stage.nodeCalled(character.scene, "prop"), "Morph 3")->getValueControl();
+        control->setLabel("Bend");
+        control->setMax(5);
         const QString dump = rySceneDump(character.scene);
         const QString saved = stage.save(character.scene, "extras.glb");
         CharacterScene again(saved);
@@ -388,6 +392,63 @@ private slots:
         }
         QCOMPARE(stage.morphCalled(*stage.figureOf(again.scene), "head 1")->getValueControl()->getLabel(),
                  QString("Nod"));
+    }
+
+    /// Normals that are worked out for a new mesh are those of the base, whatever its morphs show.
+    void newNormalsAreOfTheBase()
+    {
+        MorphFileStage stage;
+        CharacterScene character(stage.path);
+        const auto normals = [&](const char *name) {
+            const QString path = stage.folder.filePath(name);
+            QString error;
+            if (!RySceneFile::saveWithoutSource(&character.scene, path, &error))
+                throw std::runtime_error(error.toStdString());
+            const GltfEvaluator file(path.toStdString());
+            std::string all;
+            for (const json &mesh : file.tree()["meshes"]) {
+                for (const json &primitive : mesh["primitives"])
+                    all += file.accessorBytes(primitive["attributes"]["NORMAL"].get<int>());
+            }
+            return all;
+        };
+        const std::string before = normals("one.glb");
+        std::mt19937 random(ryTestSeed());
+        stage.changeValues(character.scene, random);
+        QVERIFY(!before.empty());
+        QVERIFY(normals("two.glb") == before);
+        for (RyMorph *morph : stage.morphsOf(*stage.figureOf(character.scene)))
+            morph->setPlayedValue(0.0f);
+        QVERIFY(normals("three.glb") == before);
+    }
+
+    void linksStayWithTheirMorphs()
+    {
+        MorphFileStage stage;
+        CharacterScene character(stage.path);
+        RySkeleton *figure = stage.figureOf(character.scene);
+        RyNode *prop = stage.nodeCalled(character.scene, "prop");
+        RyFloatProperty *control = stage.morphCalled(*figure, "shape 6")->getValueControl();
+        RyFloatProperty *idle = stage.morphCalled(*figure, "shape 2")->getValueControl();
+        RyERCLink::create(control, prop->getXTransControl());
+        RyERCLink::create(prop->getYTransControl(), idle);
+        prop->getYTransControl()->setValue(0.5f);
+        const QString before = rySceneDump(character.scene);
+        RyNode *statue = RySkeleton::convertFigureToProp(figure, "statue");
+        QCOMPARE(control->getControlledLinks().size(), size_t(1));
+        QCOMPARE(idle->getControllerLinks().size(), size_t(1));
+        const float start = control->getValue();
+        const float linked = prop->getXTransControl()->getValue();
+        control->setValue(start + 0.25f);
+        QVERIFY(std::abs(prop->getXTransControl()->getValue() - linked - 0.25f) < 1e-5f);
+        QCOMPARE(idle->getValue(), idle->getRawValue() + prop->getYTransControl()->getValue());
+        QVERIFY2(rySceneDump(character.scene).contains("from #1 \"statue\":\"shape 6\""), "its node is told");
+        control->setValue(start);
+        QVERIFY(RyFigure::convertPropToFigure(statue, "stem", false, false));
+        QCOMPARE(control->getControlledLinks().size(), size_t(1));
+        ryUndoStack()->undo();
+        ryUndoStack()->undo();
+        QCOMPARE(rySceneDump(character.scene), before);
     }
 
     /// Bind matrices that place a joint at two places: the rest is the node pose, and deltas are brought there too.

@@ -93,7 +93,8 @@ void MutatedMorphsTest::spoil(FigureSketch &sketch)
     json &target = primitive["targets"][below(primitive["targets"].size())];
     switch (below(8)) {
     case 0:
-        if (target.contains("POSITION") && target["POSITION"].is_number_integer()) {
+        if (target.contains("POSITION") && target["POSITION"].is_number_integer() && target["POSITION"] >= 0 &&
+            target["POSITION"] < sketch.tree["accessors"].size()) {
             json &accessor = sketch.tree["accessors"][target["POSITION"].get<size_t>()];
             if (accessor.contains("bufferView") && accessor["componentType"] == 5126)
                 sketch.set(target["POSITION"].get<int>(), below(54), strange[below(std::size(strange))]);

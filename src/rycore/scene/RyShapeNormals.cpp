@@ -117,22 +117,26 @@ void RyShapeNormals::sumAround(const std::vector<RyPointChanges::Range> &vertice
     if (m_triangles.isEmpty())
         m_triangles.build(mesh, partsWithNormals(), m_placeOfNumber, int(m_normals.size()));
     std::vector<int> places;
+    m_isListed.resize(m_normals.size(), 0);
     for (const RyPointChanges::Range &range : vertices) {
         for (int vertex = range.first; vertex < range.first + range.count; ++vertex) {
             for (const int triangle : m_triangles.aroundVertex(vertex)) {
-                for (int c = 0; c < 3; ++c)
-                    places.push_back(m_triangles.corners(triangle)[c].place);
+                for (int c = 0; c < 3; ++c) {
+                    const int place = m_triangles.corners(triangle)[c].place;
+                    if (!m_isListed[size_t(place)])
+                        places.push_back(place);
+                    m_isListed[size_t(place)] = 1;
+                }
             }
         }
     }
-    std::sort(places.begin(), places.end());
-    places.erase(std::unique(places.begin(), places.end()), places.end());
     m_changes.begin();
     for (const int place : places) {
         RyVec3 sum;
         for (const int triangle : m_triangles.ofPlace(place))
             sum += areaNormal(m_triangles.corners(triangle), positions);
         m_normals[size_t(place)] = unit(sum);
+        m_isListed[size_t(place)] = 0;
         m_changes.mark(place, 1);
     }
     m_lastTouched = qint64(places.size());

@@ -54,6 +54,7 @@ private:
     std::vector<int> m_vertexOfFurther;
     std::vector<int> m_placeOfNumber; // empty without parts
     RyShapeTriangles m_triangles;     // empty until some of the vertices move
+    std::vector<char> m_isListed;     // by place, while normals are gathered; else all 0
     RyPointChanges m_changes;
     quint64 m_layoutRevision = 0;
     qint64 m_lastTouched = 0;
