@@ -5,6 +5,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "ryhost/panes/MorphSliders.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -75,6 +76,9 @@ ParametersPane::ParametersPane(RyScene *scene, QWidget *parent)
         column->addWidget(widget);
         m_rows.push_back(widget);
     }
+    m_morphs = new MorphSliders(content);
+    connect(m_morphs, &MorphSliders::messagePosted, this, &ParametersPane::messagePosted);
+    column->addWidget(m_morphs);
     column->addStretch();
     area->setWidget(content);
     layout->addWidget(area);
@@ -94,6 +98,7 @@ void ParametersPane::showNode(RyNode *node)
         m_title->setToolTip(m_node ? m_node->getLabel() : QString());
         m_restore->setEnabled(m_node && m_node->isPosed());
     };
+    m_morphs->showNode(node);
     for (size_t i = 0; i < m_rows.size(); ++i) {
         m_rows[i]->clearProperties();
         const auto control = Rows[i].control; // read apart: GCC 12's bounds checks mistake the index within ->*

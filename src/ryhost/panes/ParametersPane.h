@@ -5,13 +5,14 @@
 
 #include <vector>
 
+class MorphSliders;
 class QLabel;
 class QPushButton;
 class RyFloatPropertyWgt;
 class RyNode;
 class RyScene;
 
-/// The pose of the primary node: a slider for each pose control, and a way back to rest.
+/// The pose of the primary node: a slider for each pose control, and a way back to rest; and those of its morphs.
 class ParametersPane : public QWidget
 {
     Q_OBJECT
@@ -30,4 +31,5 @@ private:
     QLabel *m_title;
     QPushButton *m_restore;
     std::vector<RyFloatPropertyWgt *> m_rows;
+    MorphSliders *m_morphs;
 };
