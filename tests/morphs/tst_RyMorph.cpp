@@ -60,6 +60,7 @@ private slots:
         float value = 0;
         QCOMPARE(RyNodeLookup::findProperty(stage.scene, "figure:frown=0.5", false, &value, &error), control);
         QVERIFY(control->getOwner() == stage.morph(1));
+        QVERIFY2(!RyNodeLookup::findProperty(stage.scene, "figure:frown=0.5", true, &value, &error), "it is no pose");
     }
 
     void editsAreUndone()

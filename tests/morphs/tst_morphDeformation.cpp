@@ -80,7 +80,7 @@ private slots:
     {
         MorphedSheet sheet;
         sheet.addMorph("all", 0, 1, MorphedSheet::Vertices)->getValueControl()->setValue(0.3f);
-        RyMorph *run = sheet.addMorph("run", 1000, 1, 96);
+        RyMorph *run = sheet.addMorph("run", 2000, 1, 96);
         RyMorph *nothing = sheet.addMorph("nothing", 0, 1, 0);
         RyObject *object = sheet.skeleton->getObject();
         object->getDeformedPoints();

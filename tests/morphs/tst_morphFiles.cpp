@@ -284,6 +284,24 @@ private slots:
         QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
     }
 
+    /// A mesh without targets gets empty ones then; its primitives stay joined where they share vertices.
+    void figureBecomesPropBesideAPlainMesh()
+    {
+        MorphFileStage stage;
+        json &head = stage.file.sketch.tree["meshes"][1];
+        head["primitives"][0].erase("targets");
+        head.erase("weights");
+        head["primitives"].push_back(head["primitives"][0]);
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        RyNode *prop = RySkeleton::convertFigureToProp(stage.figureOf(character.scene), "statue");
+        const QString dump = rySceneDump(character.scene);
+        CharacterScene again(stage.save(character.scene, "statue.glb"));
+        stage.nodeCalled(again.scene, "statue")->getObject()->setName(prop->getObject()->getName());
+        QVERIFY(stage.apart(again) < Near);
+        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+    }
+
     void mergedFilesBringTheirs()
     {
         MorphFileStage first, second;
