@@ -16,6 +16,8 @@
 
 #include <QTemporaryDir>
 
+constexpr double Near = 2e-5; // of the height
+
 /// A file with morphs in a folder of its own, and what tests of files need.
 class MorphFileStage
 {
