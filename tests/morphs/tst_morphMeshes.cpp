@@ -203,6 +203,30 @@ private slots:
         QVERIFY(normals("three.glb") == before);
     }
 
+    /// A joint that turns shows a morph, and a morph moves a prop.
+    void linksComeBack()
+    {
+        MorphFileStage stage;
+        CharacterScene character(stage.path);
+        RySkeleton *figure = stage.figureOf(character.scene);
+        RyFloatProperty *control = stage.morphCalled(*figure, "shape 6")->getValueControl();
+        RyERCLink::create(character.bones().back()->getXTransControl(), control);
+        RyERCLink::create(control, stage.nodeCalled(character.scene, "prop")->getYTransControl());
+        character.bones().back()->getXTransControl()->setDefaultValue(1);
+        control->setValue(0.125f);
+        QVERIFY(control->getValue() != control->getRawValue());
+        const QString dump = rySceneDump(character.scene);
+        const QString saved = stage.save(character.scene, "linked.glb");
+        CharacterScene again(saved);
+        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        const RyFloatProperty *read = stage.morphCalled(*stage.figureOf(again.scene), "shape 6")->getValueControl();
+        QCOMPARE(read->getRawValue(), 0.125f);
+        QCOMPARE(read->getControllerLinks().size(), size_t(1));
+        QCOMPARE(read->getControlledLinks().size(), size_t(1));
+        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
+    }
+
     void linksStayWithTheirMorphs()
     {
         MorphFileStage stage;

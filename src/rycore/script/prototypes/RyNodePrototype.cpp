@@ -4,6 +4,7 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyMorph.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/node/RyNodeLookup.h"
@@ -260,8 +261,7 @@ QScriptValue RyNodePrototype::getLinks(const QString &name) const
     QScriptValue array = engine()->newArray();
     for (const RyERCLink *link : controlled->getControllerLinks()) {
         QScriptValue entry = engine()->newObject();
-        entry.setProperty(QStringLiteral("node"),
-                          engine()->toScriptValue(qobject_cast<RyNode *>(link->getController()->getOwner())));
+        entry.setProperty(QStringLiteral("node"), engine()->toScriptValue(RyMorph::nodeOf(*link->getController())));
         entry.setProperty(QStringLiteral("name"), link->getController()->getName());
         array.setProperty(array.property(QStringLiteral("length")).toUInt32(), entry);
     }

@@ -39,10 +39,6 @@ Json othersOf(const RyFloatProperty &control)
     const float value = control.getValue();
     const Json all = allOf(control);
     Json json = Json::object();
-    if (control.getRawValue() != value) {
-        json["value"] = value;
-        json["own"] = all["own"];
-    }
     if (control.getDefaultValue() != 0.0f)
         json["default"] = all["default"];
     if (control.getMin() != std::min(0.0f, value) || control.getMax() != std::max(1.0f, value) || !control.isClamped())
@@ -55,9 +51,6 @@ Json othersOf(const RyFloatProperty &control)
 void applyTo(RyFloatProperty &control, const Json &stored)
 {
     float number = 0.0f;
-    float own = control.getRawValue();
-    if (readNumber(find(stored, "value"), number) && number == control.getValue())
-        readNumber(find(stored, "own"), own);
     if (readNumber(find(stored, "default"), number))
         control.setDefaultValue(number);
     const Json *limits = find(stored, "limits");
@@ -69,10 +62,6 @@ void applyTo(RyFloatProperty &control, const Json &stored)
         control.setMax(max);
         control.setIsClamped((*limits)[2] != Json(false));
     }
-    const bool isClamped = control.isClamped();
-    control.setIsClamped(false); // the limits acted when it was written
-    control.setValue(own);
-    control.setIsClamped(isClamped);
     if (const Json *label = find(stored, "label"); label && label->is_string())
         control.setLabel(QString::fromStdString(label->get<std::string>()));
 }

@@ -8,13 +8,12 @@ class RyGltfDocument;
 class RyShape;
 
 /// What our key in the extras of a file says of the values of morphs where it is not what the weights of the file make:
-/// limits, default, label, and the value's own share where links add to it.
+/// limits, default and label. The share beside links is stored with these.
 namespace RyMorphExtras {
 
 /// Null where the weights say all.
 nlohmann::ordered_json toJson(const RyShape &shape);
-/// Applies what a figure's entry holds to morphs whose values are those of the file. What says a share of another value
-/// than the file's is left out.
+/// Applies what a figure's entry holds to morphs whose values are those of the file; the values stay.
 void apply(const RyGltfDocument &document, int figure, const RyShape &shape);
 /// All values without what links add to them, to see whether they were edited.
 QString text(const RyShape &shape);

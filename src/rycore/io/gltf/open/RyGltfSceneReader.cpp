@@ -7,6 +7,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyLinkExtras.h"
+#include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/file/RyGltfUri.h"
@@ -16,6 +17,7 @@
 #include "rycore/io/gltf/open/RyImageDecoder.h"
 #include "rycore/io/gltf/play/RyGltfPlayedClip.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyShape.h"
 #include "rycore/skin/RySkinBinding.h"
 
 #include <QFileInfo>
@@ -116,6 +118,9 @@ void RyGltfSceneReader::readLinks()
         noteValues(source);
     for (RyGltfFigureSource &source : m_origin->figures) {
         noteValues(source);
+        const RyShape *shape = RyShape::getCurrentShapeForNode(source.sceneNode);
+        if (shape && linked.count(source.sceneNode))
+            source.morphsText = RyMorphExtras::text(*shape);
         if (figures.count(source.sceneNode))
             source.mapsText = RyMapExtras::text(RySkinBinding::findSkinFromNode(source.sceneNode));
     }
