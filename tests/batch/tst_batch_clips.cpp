@@ -86,7 +86,8 @@ private slots:
     }
     void withoutClips()
     {
-        const RyBatchRun::Result result = m_run.batch({"--clip", "mannequin/walk"});
+        const QString bare = QStringLiteral(RY_SOURCE_DIR "/resources/samples/hand.obj");
+        const RyBatchRun::Result result = m_run.run({"--batch", bare, "--clip", "hand/walk"});
         QCOMPARE(result.code, 2);
         QVERIFY2(result.err.contains("there are no clips"), result.err.constData());
     }

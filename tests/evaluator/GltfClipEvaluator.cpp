@@ -51,6 +51,11 @@ GltfClipEvaluator::GltfClipEvaluator(const GltfEvaluator &file, int clip)
         try {
             const json &target = channels[c].at("target");
             const std::string path = target.at("path").get<std::string>();
+            if (path == "weights" && target.contains("node")) {
+                m_weights.push_back(readWeights(file, source.at("samplers").at(channels[c].at("sampler").get<size_t>()),
+                                                target["node"].get<int>()));
+                continue;
+            }
             const bool isPlace = path == "translation" || path == "rotation" || path == "scale";
             if (!isPlace || !target.contains("node"))
                 continue;
@@ -66,15 +71,58 @@ GltfClipEvaluator::GltfClipEvaluator(const GltfEvaluator &file, int clip)
     }
 }
 
+GltfClipEvaluator::Kind GltfClipEvaluator::kindOf(const json &sampler)
+{
+    const std::string kind = sampler.value("interpolation", "LINEAR");
+    if (kind != "STEP" && kind != "LINEAR" && kind != "CUBICSPLINE")
+        fail("unknown interpolation " + kind);
+    return kind == "STEP" ? Kind::Step : kind == "LINEAR" ? Kind::Linear : Kind::Cubic;
+}
+
+GltfClipEvaluator::Weights GltfClipEvaluator::readWeights(const GltfEvaluator &file, const json &sampler, int node)
+{
+    Weights weights;
+    weights.node = node;
+    weights.kind = kindOf(sampler);
+    weights.times = file.accessorValues(sampler.at("input").get<int>()).values;
+    const std::vector<double> numbers = file.accessorValues(sampler.at("output").get<int>()).values;
+    const size_t rows = weights.times.size() * (weights.kind == Kind::Cubic ? 3 : 1);
+    if (rows == 0 || numbers.empty() || numbers.size() % rows != 0)
+        fail("the counts of times and weights do not fit");
+    const auto width = std::ptrdiff_t(numbers.size() / rows);
+    for (auto at = numbers.begin(); at != numbers.end(); at += width)
+        weights.rows.emplace_back(at, at + width);
+    return weights;
+}
+
+std::vector<double> GltfClipEvaluator::weightsAt(const Weights &weights, double time)
+{
+    const bool isCubic = weights.kind == Kind::Cubic;
+    const auto row = [&](size_t key, size_t part) { return weights.rows[isCubic ? 3 * key + part : key]; };
+    size_t key = 0;
+    while (key + 1 < weights.times.size() && weights.times[key + 1] <= time)
+        ++key;
+    std::vector<double> result = row(key, 1);
+    if (weights.kind == Kind::Step || time <= weights.times[key] || key + 1 == weights.times.size())
+        return result;
+    const double span = weights.times[key + 1] - weights.times[key];
+    const double t = (time - weights.times[key]) / span;
+    const std::vector<double> next = row(key + 1, 1), out = row(key, 2), in = row(key + 1, 0);
+    for (size_t i = 0; i < result.size(); ++i) {
+        const double a = result[i], b = next[i];
+        result[i] = isCubic ? (1 + 2 * t) * (1 - t) * (1 - t) * a + t * (1 - t) * (1 - t) * span * out[i] +
+                                  t * t * (3 - 2 * t) * b + t * t * (t - 1) * span * in[i]
+                            : (1 - t) * a + t * b;
+    }
+    return result;
+}
+
 GltfClipEvaluator::Track GltfClipEvaluator::readTrack(const GltfEvaluator &file, const json &sampler,
                                                       const std::string &path) const
 {
     Track track;
     track.isRotation = path == "rotation";
-    const std::string kind = sampler.value("interpolation", "LINEAR");
-    if (kind != "STEP" && kind != "LINEAR" && kind != "CUBICSPLINE")
-        fail("unknown interpolation " + kind);
-    track.kind = kind == "STEP" ? Kind::Step : kind == "LINEAR" ? Kind::Linear : Kind::Cubic;
+    track.kind = kindOf(sampler);
     const GltfTable times = file.accessorValues(sampler.at("input").get<int>());
     const GltfTable values = file.accessorValues(sampler.at("output").get<int>());
     const size_t rows = track.kind == Kind::Cubic ? 3 : 1;
@@ -120,6 +168,8 @@ std::vector<double> GltfClipEvaluator::keyTimes() const
     std::vector<double> all;
     for (const Track &track : m_tracks)
         all.insert(all.end(), track.times.begin(), track.times.end());
+    for (const Weights &weights : m_weights)
+        all.insert(all.end(), weights.times.begin(), weights.times.end());
     std::sort(all.begin(), all.end());
     all.erase(std::unique(all.begin(), all.end()), all.end());
     return all;
@@ -149,6 +199,8 @@ GltfPose GltfClipEvaluator::pose(double time) const
     GltfPose pose;
     for (const DrivenNode &driven : m_driven)
         pose.local[driven.node] = locals[size_t(driven.node)];
+    for (const Weights &weights : m_weights)
+        pose.weights[weights.node] = weightsAt(weights, time);
     return pose;
 }
 

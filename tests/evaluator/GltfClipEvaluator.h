@@ -12,7 +12,7 @@
 /// shorter arc) and CUBICSPLINE (rotations normalised); before the first key and after the last one its value. What a
 /// clip does not drive is the node's own. Of two channels on one property of a node the later one plays.
 ///
-/// Morph weights and targets of extensions are left aside. A channel that makes no sense is left out: see leftOut.
+/// Targets of extensions are left aside. A channel that makes no sense is left out: see leftOut.
 class GltfClipEvaluator
 {
 public:
@@ -45,6 +45,18 @@ private:
         int translation = -1, rotation = -1, scale = -1; ///< tracks
     };
 
+    /// All weights of a node's morphs.
+    struct Weights
+    {
+        int node = -1;
+        Kind kind = Kind::Linear;
+        std::vector<double> times;
+        std::vector<std::vector<double>> rows; ///< three for each key of a cubic spline: tangents in, values, out
+    };
+
+    static Kind kindOf(const nlohmann::json &sampler);
+    static Weights readWeights(const GltfEvaluator &file, const nlohmann::json &sampler, int node);
+    static std::vector<double> weightsAt(const Weights &weights, double time);
     Track readTrack(const GltfEvaluator &file, const nlohmann::json &sampler, const std::string &path) const;
     DrivenNode &drivenNode(const GltfEvaluator &file, int node);
     static Eigen::Vector4d valueAt(const Track &track, double time);
@@ -52,6 +64,7 @@ private:
 
     std::vector<Track> m_tracks;
     std::vector<DrivenNode> m_driven;
+    std::vector<Weights> m_weights;
     std::vector<std::string> m_leftOut;
 };
 

@@ -2,19 +2,23 @@
 
 #include "rycore/math/RyAffine.h"
 
+#include <QPointer>
 #include <QString>
 
 #include <memory>
 #include <utility>
 #include <vector>
 
+class RyMorph;
 class RyNode;
 class RyScene;
 
-/// How nodes stand at one time of a clip: see RyNode::setPlayedMap. The same nodes in the same order at all times.
+/// How nodes and morphs stand at one time of a clip: see RyNode::setPlayedMap and RyMorph::setPlayedValue. The same
+/// ones in the same order at all times.
 struct RyClipFrame
 {
     std::vector<std::pair<RyNode *, RyAffine>> maps;
+    std::vector<std::pair<QPointer<RyMorph>, float>> morphs;
 };
 
 /// Shows a clip in the scene as it stood when this was made; valid until nodes come, go or hang elsewhere.
@@ -25,7 +29,8 @@ public:
     virtual void evaluate(double seconds, RyClipFrame &frame) = 0;
 };
 
-/// A clip of a file as it was read: how nodes of the scene stand at all times. Edits of the rest do not enter.
+/// A clip of a file as it was read: how nodes and morphs of the scene stand at all times. Edits of the rest do not
+/// enter.
 class RyClip
 {
 public:

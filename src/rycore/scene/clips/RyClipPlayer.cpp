@@ -1,5 +1,6 @@
 #include "rycore/scene/clips/RyClipPlayer.h"
 
+#include "rycore/scene/RyMorph.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -155,12 +156,20 @@ void RyClipPlayer::giveMaps()
         return;
     for (const auto &[node, map] : m_frame.maps)
         node->setPlayedMap(&map);
+    for (const auto &[morph, value] : m_frame.morphs) {
+        if (morph)
+            morph->setPlayedValue(value);
+    }
 }
 
 void RyClipPlayer::takeMaps()
 {
     for (const auto &[node, map] : m_frame.maps)
         node->setPlayedMap(nullptr);
+    for (const auto &[morph, value] : m_frame.morphs) {
+        if (morph)
+            morph->setPlayedValue(std::nullopt);
+    }
 }
 
 void RyClipPlayer::makeWay()

@@ -7,7 +7,7 @@
 #include <QTimer>
 
 /// Shows one clip in a scene, at a time or running. Nodes that it moves stand where it says instead of where their pose
-/// puts them; poses stay, and nothing is recorded.
+/// puts them, and morphs show its values; poses and values stay, and nothing is recorded.
 ///
 /// It stands aside for every edit: the clip goes before a hold opens, a value changes, steps are undone or redone. It
 /// also goes with what it moves, and with the file that it came from. Selection, cameras, tools and visibility leave

@@ -17,12 +17,17 @@ const char *ryGltfPathName(RyGltfPath path)
 
 namespace {
 
-std::optional<RyGltfPath> pathOf(const Json &target)
+std::string pathTextOf(const Json &target)
 {
     const Json *path = find(target, "path");
-    const std::string *text = path ? path->get_ptr<const std::string *>() : nullptr;
+    return path && path->is_string() ? path->get<std::string>() : std::string();
+}
+
+std::optional<RyGltfPath> pathOf(const Json &target)
+{
+    const std::string text = pathTextOf(target);
     for (const RyGltfPath each : ryGltfPaths) {
-        if (text && *text == ryGltfPathName(each))
+        if (text == ryGltfPathName(each))
             return each;
     }
     return std::nullopt;
@@ -116,6 +121,11 @@ void RyGltfClips::readClip(const Json &clip, RyGltfClip &result)
         channel.place = place;
         channel.node = indexOf(*target, "node", nodeCount);
         const std::optional<RyGltfPath> path = pathOf(*target);
+        if (channel.node >= 0 && pathTextOf(*target) == "weights") {
+            if (readSampler(clip, channels[place], channel))
+                result.weights.push_back({channel.node, channel.sampler});
+            continue;
+        }
         if (channel.node < 0 || !path) {
             if (const std::optional<RyGltfTarget> pointed = targetOfPointer(*target, nodeCount))
                 result.unreadable.insert(*pointed);
@@ -158,6 +168,30 @@ std::shared_ptr<const RyGltfCurve> RyGltfClips::curve(const RyGltfSampler &sampl
     if (isNew)
         known->second = read(sampler, path);
     return known->second;
+}
+
+std::vector<std::shared_ptr<const RyGltfCurve>> RyGltfClips::weightCurves(const RyGltfSampler &sampler,
+                                                                          size_t count) const
+{
+    const RyGltfAccessor &form = m_document->model().accessors[size_t(sampler.output)];
+    const std::vector<float> &keys = times(sampler.input);
+    const size_t rows = keys.size() * (sampler.kind == RyGltfCurve::Cubic ? 3 : 1);
+    const bool isFloat = form.componentType == 5126;
+    if (rows == 0 || form.componentCount != 1 || (!isFloat && !form.normalized) || form.count != rows * count ||
+        (isFloat && !m_document->hasFiniteNumbers(sampler.output)))
+        return {};
+    const std::vector<float> numbers = m_document->readFloats(sampler.output);
+    std::vector<std::shared_ptr<const RyGltfCurve>> curves;
+    for (size_t morph = 0; morph < count; ++morph) {
+        auto curve = std::make_shared<RyGltfCurve>();
+        curve->kind = sampler.kind;
+        curve->components = 1;
+        curve->times = keys;
+        for (size_t row = 0; row < rows; ++row)
+            curve->values.push_back(double(numbers[row * count + morph]));
+        curves.push_back(std::move(curve));
+    }
+    return curves;
 }
 
 void RyGltfClips::readCurves() const

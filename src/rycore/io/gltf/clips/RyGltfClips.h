@@ -40,6 +40,13 @@ struct RyGltfChannel
     RyGltfPath path = RyGltfPath::Translation;
 };
 
+/// A channel of the values of all morphs of a node's mesh.
+struct RyGltfWeightsChannel
+{
+    int node = -1;
+    RyGltfSampler sampler;
+};
+
 /// A part of a node's transform.
 using RyGltfTarget = std::pair<int, RyGltfPath>;
 
@@ -49,6 +56,7 @@ struct RyGltfClip
     std::vector<RyGltfChannel> channels; ///< those of nodes' transforms that are well formed
     /// What is driven in a way nobody here can follow: by a damaged channel, by two channels, or through an extension.
     std::set<RyGltfTarget> unreadable;
+    std::vector<RyGltfWeightsChannel> weights; ///< those that are well formed
 
     std::vector<size_t> byTarget; ///< places in `channels`, by node and path
 
@@ -68,7 +76,9 @@ public:
     /// Null for a damaged one: other counts than the interpolation needs, numbers that are not finite, times that do
     /// not rise, rotations of no length.
     std::shared_ptr<const RyGltfCurve> curve(const RyGltfSampler &sampler, RyGltfPath path) const;
-    /// Reads the curves of all channels, which can then be looked up, from several threads as well.
+    /// One number each, in the order of a mesh with so many morphs; none for a damaged one, as above.
+    std::vector<std::shared_ptr<const RyGltfCurve>> weightCurves(const RyGltfSampler &sampler, size_t count) const;
+    /// Reads the curves of all channels of transforms, which can then be looked up, from several threads as well.
     void readCurves() const;
     const std::shared_ptr<const RyGltfCurve> &curve(const RyGltfChannel &channel) const
     {

@@ -11,6 +11,7 @@ RyGltfPlayedClip::RyGltfPlayedClip(const std::shared_ptr<const RyGltfOrigin> &or
                                    std::shared_ptr<const RyGltfClips> clips, size_t index)
     : m_origin(origin), m_document(origin->document), m_clips(std::move(clips)), m_index(index)
 {
+    m_morphs = RyGltfDrivenMorph::allOf(*origin, *m_clips, clip());
     findMoved(*origin);
 }
 
@@ -63,13 +64,19 @@ std::vector<RyNode *> RyGltfPlayedClip::subjects(const RyScene &scene) const
         if (std::find(list.begin(), list.end(), figure ? figure : node) == list.end())
             list.push_back(figure ? figure : node);
     }
+    for (const RyGltfDrivenMorph &driven : m_morphs) {
+        RyNode *node = driven.morph ? driven.morph->getNode() : nullptr;
+        std::vector<RyNode *> &list = qobject_cast<RySkeleton *>(node) ? figures : props;
+        if (node && node->getScene() == &scene && std::find(list.begin(), list.end(), node) == list.end())
+            list.push_back(node);
+    }
     return figures.empty() ? props : figures;
 }
 
 std::unique_ptr<RyClipMotion> RyGltfPlayedClip::prepare(const RyScene &scene) const
 {
     const auto origin = m_origin.lock();
-    return origin ? std::make_unique<RyGltfPlayedMotion>(*origin, *m_clips, clip(), m_moved, scene) : nullptr;
+    return origin ? std::make_unique<RyGltfPlayedMotion>(*origin, *m_clips, clip(), m_moved, m_morphs, scene) : nullptr;
 }
 
 std::pair<double, double> RyGltfPlayedClip::span() const
@@ -77,12 +84,16 @@ std::pair<double, double> RyGltfPlayedClip::span() const
     if (!m_span) {
         constexpr double infinity = std::numeric_limits<double>::infinity();
         m_span = {infinity, -infinity};
+        const auto include = [this](const RyGltfCurve &curve) {
+            m_span->first = std::min(m_span->first, double(curve.times.front()));
+            m_span->second = std::max(m_span->second, double(curve.times.back()));
+        };
         for (const RyGltfChannel &channel : clip().channels) {
-            if (const auto curve = m_clips->curve(channel.sampler, channel.path)) {
-                m_span->first = std::min(m_span->first, double(curve->times.front()));
-                m_span->second = std::max(m_span->second, double(curve->times.back()));
-            }
+            if (const auto curve = m_clips->curve(channel.sampler, channel.path))
+                include(*curve);
         }
+        for (const RyGltfDrivenMorph &driven : m_morphs)
+            include(*driven.curve);
     }
     return *m_span;
 }
@@ -92,12 +103,9 @@ RySceneOrigin::Clips RyGltfPlayedClip::allOf(const std::shared_ptr<const RyGltfO
     const auto clips = std::make_shared<const RyGltfClips>(*origin->document);
     RySceneOrigin::Clips result;
     for (size_t i = 0; i < clips->clips().size(); ++i) {
-        const std::vector<RyGltfChannel> &channels = clips->clips()[i].channels;
-        const auto isUsable = [&](const RyGltfChannel &channel) {
-            return clips->curve(channel.sampler, channel.path) != nullptr;
-        };
-        if (std::any_of(channels.begin(), channels.end(), isUsable))
-            result.push_back(std::make_shared<RyGltfPlayedClip>(origin, clips, i));
+        auto clip = std::make_shared<const RyGltfPlayedClip>(origin, clips, i);
+        if (clip->length() >= 0.0) // without a key the start is behind the end
+            result.push_back(std::move(clip));
     }
     return result;
 }

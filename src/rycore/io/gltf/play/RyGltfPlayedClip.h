@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/clips/RyGltfClips.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/play/RyGltfDrivenMorph.h"
 #include "rycore/scene/clips/RyClip.h"
 
 /// A clip of a glTF file that plays in the scene that the file became.
@@ -30,5 +31,6 @@ private:
     std::shared_ptr<const RyGltfClips> m_clips; // of the document
     size_t m_index;
     std::vector<int> m_moved; // places in the origin's nodes
+    std::vector<RyGltfDrivenMorph> m_morphs;
     mutable std::optional<std::pair<double, double>> m_span;
 };

@@ -27,7 +27,8 @@ RyAffine figureToWorld(const RyGltfOrigin &origin, const RyGltfFigureSource &fig
 } // namespace
 
 RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfClips &clips, const RyGltfClip &clip,
-                                       const std::vector<int> &moved, const RyScene &scene)
+                                       const std::vector<int> &moved, const std::vector<RyGltfDrivenMorph> &morphs,
+                                       const RyScene &scene)
     : m_chains(origin.document->model(), clips, clip)
 {
     for (const int place : moved) {
@@ -40,6 +41,11 @@ RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfC
             addOther(origin, source);
     }
     addTakers(origin);
+    for (const RyGltfDrivenMorph &driven : morphs) {
+        const RyNode *node = driven.morph ? driven.morph->getNode() : nullptr;
+        if (node && node->getScene() == &scene)
+            m_morphs.emplace_back(driven.morph, RyGltfTrack(driven.curve));
+    }
 }
 
 /// Relative to its figure, which may move as well.
@@ -110,4 +116,7 @@ void RyGltfPlayedMotion::evaluate(double seconds, RyClipFrame &frame)
             map = RyAffine();
         frame.maps[i] = {played.node, map};
     }
+    frame.morphs.resize(m_morphs.size());
+    for (size_t i = 0; i < m_morphs.size(); ++i)
+        frame.morphs[i] = {m_morphs[i].first, float(m_morphs[i].second.vector(seconds).x())};
 }
