@@ -58,7 +58,8 @@ void assign(Json &sampler, const RyGltfSampler &to)
 
 bool RyGltfClipWriter::write(const std::vector<RyGltfClipChange> &changes, QString *error)
 {
-    gather(changes);
+    if (!changes.empty()) // reading all curves takes its time
+        gather(changes);
     if (m_entries.empty())
         return true;
     overwrite();
