@@ -114,13 +114,18 @@ private slots:
     void frames()
     {
         QCOMPARE(m_clip->frameOf(1.0), 0.0);
-        QCOMPARE(m_clip->lengthInFrames(), 60.0);
+        QCOMPARE(m_clip->lastFrame(), 60);
+        QCOMPARE(ToyClip("late", 0.0, 30.4 / 30.0, {}).lastFrame(), 31);
+        QCOMPARE(ToyClip("rounded", 0.0, 2.0 + 1e-7, {}).lastFrame(), 60);
+        QCOMPARE(ToyClip("damaged", 0.0, 1e30, {}).lastFrame(), 1000000);
         QCOMPARE(m_clip->secondsOf(15.0), 1.5);
     }
     void timeStaysInTheClip()
     {
         player().show(m_clip, 0.0);
         QCOMPARE(player().time(), 1.0);
+        player().setTime(std::nan(""));
+        QCOMPARE(player().time(), m_clip->start());
         player().setTime(9.0);
         QCOMPARE(player().time(), 3.0);
         player().setSpeed(99.0);

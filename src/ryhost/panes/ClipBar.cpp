@@ -16,17 +16,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-/// A last key may stand a rounding behind a whole frame.
-int lastFrameOf(const RyClip &clip)
-{
-    constexpr double Rounding = 1e-3;
-    return int(std::ceil(clip.lengthInFrames() - Rounding));
-}
-
-} // namespace
-
 ClipBar::ClipBar(RyClipPlayer *player, QWidget *parent)
     : QWidget(parent), m_player(player), m_slider(new QSlider(Qt::Horizontal, this)), m_frame(new QSpinBox(this)),
       m_last(new QLabel(this)), m_speed(new QComboBox(this))
@@ -155,7 +144,9 @@ void ClipBar::goTo(int frame)
 
 int ClipBar::shownFrame() const
 {
-    return qRound(m_player->clip()->frameOf(m_player->time()));
+    const RyClip &clip = *m_player->clip();
+    const int last = clip.lastFrame();
+    return m_player->time() >= clip.end() ? last : qRound(std::min(clip.frameOf(m_player->time()), double(last)));
 }
 
 void ClipBar::showState()
@@ -169,10 +160,10 @@ void ClipBar::showState()
         setAvailable(command, isShowing, tr("No clip shows."));
     for (QWidget *each : {static_cast<QWidget *>(m_slider), static_cast<QWidget *>(m_frame)})
         each->setEnabled(isShowing);
-    const int last = isShowing ? lastFrameOf(*m_player->clip()) : 0;
+    const int last = isShowing ? m_player->clip()->lastFrame() : 0;
     const QSignalBlocker noSlider(m_slider), noFrame(m_frame);
-    m_slider->setMaximum(last);
-    m_frame->setMaximum(last);
+    m_slider->setRange(0, last);
+    m_frame->setRange(0, last);
     m_last->setText(tr("/ %1").arg(last));
     showTime();
 }

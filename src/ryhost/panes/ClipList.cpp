@@ -107,8 +107,7 @@ void ClipList::fill()
         length->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
         for (QStandardItem *item : {name, length}) {
             item->setData(int(i), RowRole);
-            item->setToolTip(
-                tr("%1: %2 frames. Click to watch it.").arg(clip.name()).arg(qRound(clip.lengthInFrames())));
+            item->setToolTip(tr("%1: %2 frames. Click to watch it.").arg(clip.name()).arg(clip.lastFrame()));
         }
         branch->appendRow({name, length});
         m_items.push_back(name);

@@ -5,6 +5,8 @@
 #include <QPointer>
 #include <QString>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -46,7 +48,13 @@ public:
     /// Frames count from 0 at the start and need not be whole.
     double frameOf(double seconds) const { return (seconds - start()) * FramesPerSecond; }
     double secondsOf(double frame) const { return start() + frame / FramesPerSecond; }
-    double lengthInFrames() const { return frameOf(end()); }
+    /// The first whole frame at or behind the end; a last key may stand a rounding behind a whole frame. Bounded: a
+    /// damaged file may say any time.
+    int lastFrame() const
+    {
+        constexpr double Most = 1e6, Rounding = 1e-3;
+        return int(std::ceil(std::min(frameOf(end()), Most) - Rounding));
+    }
 
     /// Figures of the scene of which it moves bones, or that it moves themselves; a clip that moves none gives the
     /// props that it moves. Empty when nothing of it is in the scene any more.

@@ -51,7 +51,7 @@ void RyClipPlayer::show(std::shared_ptr<const RyClip> clip, double seconds)
     m_clip = std::move(clip);
     m_motion = m_clip->prepare(m_scene);
     m_frame = {};
-    m_time = std::clamp(seconds, m_clip->start(), m_clip->end());
+    m_time = withinClip(seconds);
     connect(ryUndoStack(), &RyUndoStack::aboutToChange, this, &RyClipPlayer::makeWay, Qt::UniqueConnection);
     showFrame();
     emit shownChanged();
@@ -104,12 +104,17 @@ void RyClipPlayer::setTime(double seconds)
 {
     if (!isShowing())
         return;
-    const double time = std::clamp(seconds, m_clip->start(), m_clip->end());
+    const double time = withinClip(seconds);
     if (time != m_time) {
         m_time = time;
         showFrame();
     }
     startClock();
+}
+
+double RyClipPlayer::withinClip(double seconds) const
+{
+    return std::isfinite(seconds) ? std::clamp(seconds, m_clip->start(), m_clip->end()) : m_clip->start();
 }
 
 void RyClipPlayer::setSpeed(double speed)

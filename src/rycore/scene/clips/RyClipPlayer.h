@@ -69,6 +69,8 @@ signals:
     void timeChanged();
 
 private:
+    /// The start for what is no number.
+    double withinClip(double seconds) const;
     void advance();
     void startClock();
     void setPlaying(bool playing);

@@ -127,7 +127,7 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
     // Of the figure's height, over a whole limb, along which what may be off adds up: numbers that are rounded to
     // floats, places of nodes that are near enough, and what is not seen between three places of a curve leave it below
     // a hundred thousandth.
-    constexpr double share = 6.5e-6;
+    constexpr double share = 5.8e-6;
     const std::vector<int> order = ryGltfPreOrder(m_now);
     const std::vector<RyAffine> worlds = ryGltfWorldMaps(m_now, order);
     std::vector<int> depth(m_now.nodes.size(), 0); // motions off their paths at and above a node
