@@ -26,7 +26,7 @@ public:
         Stay &operator=(const Stay &) = delete;
     };
     /// While one lives nodes stand where their poses put them, for whoever reads the scene and not the clip. Nothing
-    /// is announced.
+    /// is announced but the values that morphs show.
     class Aside
     {
     public:

@@ -7,6 +7,7 @@
 #include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <optional>
 
@@ -33,6 +34,22 @@ qint64 givenTo(const RyGltfBindingWeights &taker, const RyGltfLoadedWeights &bef
     return sum;
 }
 
+/// Whether two bones weigh the same vertices in the same proportions, but for rounding: what is left where one gave a
+/// share of its weights to the other.
+bool areShares(const RyGltfBindingWeights &a, const RyGltfBindingWeights &b)
+{
+    constexpr double Rounding = 2.0; // each may have been shared again
+    if (!std::equal(a.vertices.begin(), a.vertices.end(), b.vertices.begin(), b.vertices.end()))
+        return false;
+    const double sumA = std::accumulate(a.weights.begin(), a.weights.end(), 0.0);
+    const double sumB = std::accumulate(b.weights.begin(), b.weights.end(), 0.0);
+    for (size_t i = 0; i < a.weights.size(); ++i) {
+        if (std::abs(double(a.weights[i]) / sumA - double(b.weights[i]) / sumB) * std::min(sumA, sumB) > Rounding)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
@@ -44,7 +61,7 @@ const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
         return nullptr;
     const RyGltfBindingWeights taken(*binding);
     const RyNode *giver = nullptr;
-    qint64 most = 0;
+    std::pair<bool, qint64> best; // whether both have shares of the same weights, and how much was given
     for (const RyGltfLoadedWeights &before : *figure->weights) {
         if (!before.bone || !before.bone->getScene() || !origin.findSource(before.bone))
             continue;
@@ -52,8 +69,9 @@ const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
         if (const RyBoneBinding *rest = skin->findBoneBinding(before.bone))
             now.emplace(*rest);
         const qint64 given = givenTo(taken, before, now ? &*now : nullptr);
-        if (given > most) {
-            most = given;
+        const std::pair match(given > 0 && now && areShares(taken, *now), given);
+        if (match > best) {
+            best = match;
             giver = before.bone;
         }
     }
