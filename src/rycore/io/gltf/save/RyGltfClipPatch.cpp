@@ -46,9 +46,10 @@ void RyGltfClipPatch::reportKept() const
 bool RyGltfClipPatch::drop(QString *error)
 {
     findGone();
+    findWithoutMesh();
     Json &tree = m_patch.document.json();
     const auto clips = tree.find("animations");
-    if (m_gone.empty() || clips == tree.end() || !clips->is_array())
+    if ((m_gone.empty() && m_withoutMesh.empty()) || clips == tree.end() || !clips->is_array())
         return true;
     QStringList shortened, left;
     const RyGltfModel &before = m_patch.source.document->model();
@@ -68,7 +69,8 @@ bool RyGltfClipPatch::drop(QString *error)
         return true;
     if (clips->empty())
         tree.erase("animations");
-    m_patch.sayOf(QStringLiteral("Channels of removed joints were taken out of the clips: %1"), shortened);
+    if (!m_gone.empty())
+        m_patch.sayOf(QStringLiteral("Channels of removed joints were taken out of the clips: %1"), shortened);
     m_patch.sayOf(QStringLiteral("Clips that drove nothing but removed joints are gone with them: %1"), left);
     if (!RyGltfTreePatch(m_patch.document).finish(error))
         return false;
@@ -88,10 +90,35 @@ void RyGltfClipPatch::findGone()
     }
 }
 
+/// A mesh that became part of a figure or prop of another kind stands on another node.
+void RyGltfClipPatch::findWithoutMesh()
+{
+    const RyGltfModel &before = m_patch.source.document->model();
+    QStringList names;
+    for (size_t clip = 0; clip < m_clips.clips().size(); ++clip) {
+        for (const RyGltfWeightsChannel &channel : m_clips.clips()[clip].weights) {
+            const auto node = size_t(channel.node);
+            if (before.nodes[node].mesh < 0 || m_patch.document.model().nodes[node].mesh >= 0 ||
+                m_gone.count(channel.node))
+                continue;
+            m_withoutMesh.insert(channel.node);
+            names.append(RyGltfScenePatch::clipName(before, clip));
+        }
+    }
+    names.removeDuplicates();
+    m_patch.sayOf(QStringLiteral("Morphs of meshes that stand on another node now are not driven any more by: %1"),
+                  names);
+}
+
 bool RyGltfClipPatch::isGone(const Json &target) const
 {
-    if (const Json *node = find(target, "node"))
-        return RyGltfReferences::isIndex(*node) && m_gone.count(node->get<int>()) > 0;
+    if (const Json *node = find(target, "node")) {
+        if (!RyGltfReferences::isIndex(*node))
+            return false;
+        const Json *path = find(target, "path");
+        return m_gone.count(node->get<int>()) > 0 ||
+               (path && *path == "weights" && m_withoutMesh.count(node->get<int>()) > 0);
+    }
     const auto pointed = ryGltfPointedNode(target);
     return pointed && m_gone.count(pointed->first) > 0;
 }

@@ -20,12 +20,14 @@ private:
     void reportKept() const;
     bool drop(QString *error);
     void findGone();
+    void findWithoutMesh();
     bool isGone(const nlohmann::ordered_json &target) const;
     bool dropChannels(nlohmann::ordered_json &clip);
     void dropSamplers(nlohmann::ordered_json &clip, const std::set<size_t> &candidates);
 
     RyGltfScenePatch &m_patch;
     const RyGltfClips &m_clips;
-    std::set<int> m_gone;      // nodes that hang nowhere any more
-    std::set<int> m_accessors; // that dropped samplers read
+    std::set<int> m_gone;        // nodes that hang nowhere any more
+    std::set<int> m_withoutMesh; // nodes whose morphs clips drove
+    std::set<int> m_accessors;   // that dropped samplers read
 };
