@@ -137,6 +137,58 @@ private slots:
         }
     }
 
+    /// The new way of a joint's centre stands where the old one stood, although it has more keys; what another joint,
+    /// an extension or another clip reads of the old one stays.
+    void placesOfLongerWays_data()
+    {
+        QTest::addColumn<QString>("reader");
+        for (const char *reader : {"none", "other joint", "other clip", "accessor", "view"})
+            QTest::newRow(reader) << QString::fromLatin1(reader);
+    }
+    void placesOfLongerWays()
+    {
+        QFETCH(QString, reader);
+        m_sketch->bind();
+        const size_t clip = m_sketch->addClip("arm");
+        m_sketch->drive(clip, ClipSketch::LeftArm, "rotation", "LINEAR");
+        const int times = m_sketch->addTimes({0.0f, 2.0f});
+        const int way =
+            m_sketch->addValues("translation", m_sketch->someValues(ClipSketch::LeftArm, "translation", "LINEAR", 2));
+        m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, way, "LINEAR"), ClipSketch::LeftArm,
+                             "translation");
+        const size_t other = reader == "other clip" ? m_sketch->addClip("other") : clip;
+        if (reader.startsWith("other")) {
+            m_sketch->addChannel(other, m_sketch->addSampler(other, times, way, "LINEAR"), ClipSketch::RightArm,
+                                 "translation");
+        }
+        json &views = m_sketch->tree["bufferViews"];
+        const json view = views.size(); // another number than the accessor's
+        views.push_back(json(views[m_sketch->tree["accessors"][size_t(way)]["bufferView"].get<size_t>()]));
+        m_sketch->tree["accessors"][size_t(way)]["bufferView"] = view;
+        if (reader == "accessor" || reader == "view") {
+            m_sketch->tree["extensionsUsed"] = {"X_unknown"};
+            m_sketch->tree["extensions"]["X_unknown"] = {{"place", reader == "view" ? view : json(way)}};
+        }
+        open();
+        ClipEdits::moveOrigins({boneOf(ClipSketch::LeftArm)}, 30.0, m_random);
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        QCOMPARE(changedChannel(m_character->file, after, {ClipSketch::LeftArm, ClipSketch::LeftHand}), QString());
+        const json &sampler = samplerOf(after, 0, 1);
+        const json &accessors = after.tree()["accessors"];
+        QVERIFY(accessors[sampler["output"].get<size_t>()]["count"] > 2);
+        QCOMPARE(sampler["output"] == json(way), reader == "none");
+        if (reader == "view")
+            QCOMPARE(after.tree()["bufferViews"][view.get<size_t>()]["byteLength"], json(24));
+        else if (reader != "none")
+            QVERIFY(after.accessorBytes(way) == m_character->file.accessorBytes(way));
+        const size_t newOnes = reader == "none" ? 1 : 2; // key times, and the way
+        QCOMPARE(accessors.size(), m_sketch->tree["accessors"].size() + newOnes);
+        const QByteArray first = bytesOf(m_saved);
+        save();
+        QVERIFY(bytesOf(m_saved) == first);
+    }
+
     /// New joints that turn as the one beside them read one sampler.
     void sharingOfNewJoints()
     {

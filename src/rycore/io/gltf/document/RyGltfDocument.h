@@ -100,6 +100,9 @@ public:
     /// its buffer, no other accessor overlapping, no more users of the accessor than the `users` that are to get the
     /// numbers); otherwise adds a new accessor and returns its index. Bounds that the accessor has are kept right.
     int replaceFloats(int accessor, std::span<const float> values, int users = 1);
+    /// Gives a float accessor any number of values; it keeps its place and its view, and the bytes stand at the end of
+    /// a buffer. False where anything else reads its bytes or its view. Bounds that it has are kept right.
+    bool resizeFloats(int accessor, std::span<const float> values, int users = 1);
     /// Likewise groups of four 16-bit numbers of vertices; an accessor of another kind, or -1, gives a new one.
     int replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized, int users = 1);
 

@@ -59,14 +59,14 @@ int RyGltfDocument::Private::place(const T &what, std::vector<T> &all, Json entr
     return index;
 }
 
-int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, int target, int stride)
+bool RyGltfDocument::Private::appendBytes(const char *bytes, std::uint64_t size, RyGltfBufferView &view)
 {
     Json &bufferList = list("buffers");
     const auto hasRoom = [size](const RyGltfBuffer &buffer) {
         return std::uint64_t(buffer.bytes.size()) + size + 4 <= std::uint64_t(largestBuffer);
     };
     if (size + 4 > std::uint64_t(largestBuffer))
-        return -1;
+        return false;
     if (storage.buffers.empty() || storage.buffers.back().source == RyGltfBuffer::External ||
         !hasRoom(storage.buffers.back())) {
         storage.buffers.emplace_back();
@@ -75,14 +75,20 @@ int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, i
     RyGltfBuffer &buffer = storage.buffers.back();
     while (buffer.bytes.size() % 4 != 0)
         buffer.bytes.append('\0');
-    RyGltfBufferView view;
     view.buffer = int(storage.buffers.size()) - 1;
     view.offset = std::uint64_t(buffer.bytes.size());
     view.length = size;
-    view.stride = std::uint64_t(stride);
     buffer.bytes.append(bytes, int(size));
     bufferList.back()["byteLength"] = buffer.bytes.size();
+    return true;
+}
 
+int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, int target, int stride)
+{
+    RyGltfBufferView view;
+    if (!appendBytes(bytes, size, view))
+        return -1;
+    view.stride = std::uint64_t(stride);
     Json entry = Json::object();
     entry["buffer"] = view.buffer;
     entry["byteOffset"] = view.offset;
@@ -129,6 +135,8 @@ int RyGltfDocument::Private::appendAccessor(int view, int componentType, int com
     useCounts.resize(model.accessors.size(), 0);
     isShared.resize(model.accessors.size(), false);
     isShared[std::size_t(index)] = false;
+    viewReaders.resize(storage.views.size(), 0);
+    viewReaders[std::size_t(view)] = 1;
     sharesValid = sharesValid && hasFreshBytes;
     return index;
 }
@@ -220,7 +228,7 @@ void RyGltfDocument::dropUnused()
     d->spareAccessors.clear();
     d->spareViews.clear();
     RyGltfSpares spares(*d);
-    if (!spares.isEmpty())
+    if (!spares.isEmpty() || !d->freed.empty())
         spares.drop();
 }
 
@@ -297,6 +305,34 @@ int RyGltfDocument::replaceFloats(int accessor, std::span<const float> values, i
     if (layout.hasBounds)
         d->setBounds(accessor, values);
     return accessor;
+}
+
+bool RyGltfDocument::resizeFloats(int accessor, std::span<const float> values, int users)
+{
+    RyGltfAccessor &a = d->model.accessors.at(std::size_t(accessor));
+    const RyGltfLayout &layout = d->storage.layouts.at(std::size_t(accessor));
+    const std::size_t components = std::size_t(a.componentCount);
+    if (a.componentType != 5126 || a.sparse || a.bufferView < 0 || layout.isPadded() || values.empty() ||
+        values.size() % components != 0 || d->sharesBytes(accessor, users))
+        return false;
+    RyGltfBufferView &view = d->storage.views[std::size_t(a.bufferView)];
+    const RyGltfBufferView old = view;
+    if (old.stride != 0 || d->viewReaders[std::size_t(a.bufferView)] != 1 ||
+        !d->appendBytes(reinterpret_cast<const char *>(values.data()), values.size_bytes(), view))
+        return false;
+    d->freed.push_back({old.buffer, old.offset, old.offset + old.length, 0, 0});
+    Json &viewEntry = d->list("bufferViews")[std::size_t(a.bufferView)];
+    viewEntry["buffer"] = view.buffer;
+    viewEntry["byteOffset"] = view.offset;
+    viewEntry["byteLength"] = view.length;
+    a.count = values.size() / components;
+    a.byteOffset = 0;
+    Json &entry = d->list("accessors")[std::size_t(accessor)];
+    entry["count"] = a.count;
+    entry.erase("byteOffset");
+    if (layout.hasBounds)
+        d->setBounds(accessor, values);
+    return true;
 }
 
 int RyGltfDocument::replaceUints(int accessor, std::span<const std::uint32_t> values, bool normalized, int users)

@@ -39,12 +39,14 @@ struct RyGltfDocument::Private
     std::vector<RyGlbContainer::Chunk> otherChunks;
 
     std::vector<int> spareAccessors, spareViews, spareNodes; // places to use again, the last first
+    std::vector<RyGltfByteSpan> freed;                       // bytes that accessors left for others
 
     /// How often each accessor is used by anything; counted when asked for.
     mutable std::vector<int> useCounts;
     mutable bool useCountsValid = false;
     /// Whether anything else reads bytes of each accessor; found when asked for.
     mutable std::vector<bool> isShared;
+    mutable std::vector<int> viewReaders; // of each view, found with it
     mutable bool sharesValid = false;
 
     /// Builds model and layouts from the tree and the buffers. Throws RyGltfError.
@@ -55,6 +57,7 @@ struct RyGltfDocument::Private
     {
         RyGltfByteSpan span;
         int accessor; // -1: an image, a sparse accessor's lists or an extension
+        int view;
     };
     void gatherReaders(std::vector<Reader> &readers) const;
     const std::vector<bool> &findShared() const;
@@ -68,6 +71,8 @@ struct RyGltfDocument::Private
     /// Bytes at the end of a buffer of our own or of the container; the index of their new buffer view, or -1 when
     /// there is no room.
     int appendView(const char *bytes, std::uint64_t size, int target, int stride);
+    /// The bytes alone, whose place the view gets. False when there is no room.
+    bool appendBytes(const char *bytes, std::uint64_t size, RyGltfBufferView &view);
     int appendAccessor(int view, int componentType, int componentCount, std::uint64_t count, bool normalized);
     void setBounds(int accessor, std::span<const float> values);
 };

@@ -56,8 +56,11 @@ const std::vector<bool> &RyGltfDocument::Private::findShared() const
     if (sharesValid)
         return isShared;
     isShared.assign(model.accessors.size(), false);
+    viewReaders.assign(storage.views.size(), 0);
     std::vector<Reader> readers;
     gatherReaders(readers);
+    for (const Reader &reader : readers)
+        ++viewReaders[std::size_t(reader.view)];
     std::sort(readers.begin(), readers.end(), [](const Reader &a, const Reader &b) {
         return std::tie(a.span.buffer, a.span.from) < std::tie(b.span.buffer, b.span.from);
     });
@@ -84,7 +87,7 @@ void RyGltfDocument::Private::gatherReaders(std::vector<Reader> &readers) const
 {
     const auto addView = [this, &readers](int index) {
         const RyGltfBufferView &view = storage.views[std::size_t(index)];
-        readers.push_back({{view.buffer, view.offset, view.offset + view.length, 0, 0}, -1});
+        readers.push_back({{view.buffer, view.offset, view.offset + view.length, 0, 0}, -1, index});
     };
     for (std::size_t i = 0; i < model.accessors.size(); ++i) {
         const RyGltfAccessor &accessor = model.accessors[i];
@@ -94,7 +97,7 @@ void RyGltfDocument::Private::gatherReaders(std::vector<Reader> &readers) const
             const std::uint64_t from = view.offset + accessor.byteOffset;
             const std::uint64_t size = std::uint64_t(layout.elementSize);
             const std::uint64_t to = accessor.count == 0 ? from : from + (accessor.count - 1) * layout.stride + size;
-            readers.push_back({{view.buffer, from, to, layout.stride, size}, int(i)});
+            readers.push_back({{view.buffer, from, to, layout.stride, size}, int(i), accessor.bufferView});
         }
         if (accessor.sparse) {
             addView(layout.sparse.indexView);

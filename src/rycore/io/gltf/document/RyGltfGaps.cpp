@@ -22,7 +22,9 @@ void RyGltfGaps::close()
 {
     for (int buffer = 0; buffer < int(d.storage.buffers.size()); ++buffer) {
         const bool isNamed = std::any_of(m_unused.begin(), m_unused.end(),
-                                         [&](int view) { return d.storage.views[size_t(view)].buffer == buffer; });
+                                         [&](int view) { return d.storage.views[size_t(view)].buffer == buffer; }) ||
+                             std::any_of(d.freed.begin(), d.freed.end(),
+                                         [&](const RyGltfByteSpan &span) { return span.buffer == buffer; });
         if (isNamed && d.storage.buffers[size_t(buffer)].source != RyGltfBuffer::External)
             closeIn(buffer, find(buffer));
     }
@@ -61,6 +63,10 @@ std::vector<RyGltfGaps::Range> RyGltfGaps::find(int buffer) const
         const RyGltfBufferView &view = d.storage.views[size_t(i)];
         if (view.buffer == buffer)
             (isUnused(i) ? unused : used).push_back({view.offset, view.offset + view.length});
+    }
+    for (const RyGltfByteSpan &span : d.freed) {
+        if (span.buffer == buffer)
+            unused.push_back({span.from, span.to});
     }
     const auto isBefore = [](const Range &a, const Range &b) { return a.from < b.from; };
     std::sort(used.begin(), used.end(), isBefore);

@@ -2,8 +2,9 @@
 
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
 
-/// Takes the bytes out of a buffer that only unused views name. What lies behind them moves, by multiples of four
-/// bytes, and the views of it with it; nothing moves that an extension names by its place in the buffer.
+/// Takes the bytes out of a buffer that only unused views name, or that accessors left. What lies behind them moves, by
+/// multiples of four bytes, and the views of it with it; nothing moves that an extension names by its place in the
+/// buffer.
 class RyGltfGaps
 {
 public:

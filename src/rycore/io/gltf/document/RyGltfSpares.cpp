@@ -193,11 +193,13 @@ void RyGltfSpares::findNodes(const std::set<int> &named)
 void RyGltfSpares::drop()
 {
     dropNodes();
-    m_looks->drop(d.tree);
+    if (m_looks)
+        m_looks->drop(d.tree);
     d.isPatched = true;
     dropAccessors();
-    if (!m_views.empty())
+    if (!m_views.empty() || !d.freed.empty())
         RyGltfGaps(d, m_views).close();
+    d.freed.clear();
     dropViews();
     d.useCountsValid = false;
     d.sharesValid = false;

@@ -131,7 +131,8 @@ const std::map<size_t, size_t> &RyGltfClipWriter::samplerUses(size_t clip)
     return known->second;
 }
 
-/// Where all samplers that read an accessor get the same numbers, and as many, its own are overwritten.
+/// Where all samplers that read an accessor get the same numbers, its own are overwritten, or moved where others need
+/// another room.
 void RyGltfClipWriter::overwrite()
 {
     struct Users
@@ -158,10 +159,13 @@ void RyGltfClipWriter::overwrite()
     for (const auto &[output, users] : byOutput) {
         const RyGltfAccessor &form = m_document.model().accessors[size_t(output)];
         const std::span<const float> values = floatsOf(*users.values);
-        if (users.isSame && !named.count(output) && form.componentType == 5126 &&
-            values.size() == form.count * size_t(form.componentCount) &&
-            std::all_of(users.channels.begin(), users.channels.end(), isAll))
+        if (!users.isSame || named.count(output) || form.componentType != 5126 ||
+            !std::all_of(users.channels.begin(), users.channels.end(), isAll))
+            continue;
+        if (values.size() == form.count * size_t(form.componentCount))
             written[output] = m_document.replaceFloats(output, values, int(users.channels.size()));
+        else if (!named.count(form.bufferView) && m_document.resizeFloats(output, values, int(users.channels.size())))
+            written[output] = output;
     }
     for (Entry &entry : m_entries) {
         const auto found = entry.channel ? written.find(entry.channel->sampler.output) : written.end();
