@@ -4,7 +4,6 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfClipRewriter.h"
-#include "rycore/io/gltf/save/RyGltfTreePatch.h"
 
 #include <algorithm>
 
@@ -13,7 +12,10 @@ using Json = RyExtrasJson::Json;
 
 bool RyGltfClipPatch::apply(QString *error)
 {
-    return reexpress(error) && drop(error);
+    if (!reexpress(error))
+        return false;
+    drop();
+    return true;
 }
 
 bool RyGltfClipPatch::reexpress(QString *error) const
@@ -43,14 +45,14 @@ void RyGltfClipPatch::reportKept() const
     m_patch.sayOf(QStringLiteral("Clips were written as they were and say the old rest of edited joints: %1"), names);
 }
 
-bool RyGltfClipPatch::drop(QString *error)
+void RyGltfClipPatch::drop()
 {
     findGone();
     findWithoutMesh();
     Json &tree = m_patch.document.json();
     const auto clips = tree.find("animations");
     if ((m_gone.empty() && m_withoutMesh.empty()) || clips == tree.end() || !clips->is_array())
-        return true;
+        return;
     QStringList shortened, left;
     const RyGltfModel &before = m_patch.source.document->model();
     size_t number = 0;
@@ -66,16 +68,14 @@ bool RyGltfClipPatch::drop(QString *error)
         clip = isEmpty ? clips->erase(clip) : clip + 1;
     }
     if (shortened.isEmpty() && left.isEmpty())
-        return true;
+        return;
     if (clips->empty())
         tree.erase("animations");
     if (!m_gone.empty())
         m_patch.sayOf(QStringLiteral("Channels of removed joints were taken out of the clips: %1"), shortened);
     m_patch.sayOf(QStringLiteral("Clips that drove nothing but removed joints are gone with them: %1"), left);
-    if (!RyGltfTreePatch(m_patch.document).finish(error))
-        return false;
+    m_patch.document.refreshClips();
     m_patch.document.releaseUnused({m_accessors.begin(), m_accessors.end()});
-    return true;
 }
 
 void RyGltfClipPatch::findGone()

@@ -12,13 +12,13 @@ public:
     /// `clips`: of the document as it was read; none to leave them as they are.
     RyGltfClipPatch(RyGltfScenePatch &patch, const RyGltfClips &clips) : m_patch(patch), m_clips(clips) {}
 
-    /// False with a reason when the document would not be valid.
+    /// False with a reason when the clips do not fit into the file.
     bool apply(QString *error);
 
 private:
     bool reexpress(QString *error) const;
     void reportKept() const;
-    bool drop(QString *error);
+    void drop();
     void findGone();
     void findWithoutMesh();
     bool isGone(const nlohmann::ordered_json &target) const;
