@@ -8,10 +8,9 @@
 class RyGltfArc
 {
 public:
-    /// None where the way is another one. The translation must stand still, step or be straight. `after`: a rotation
-    /// times one factor, which acts on the place in the parent.
-    static std::optional<RyGltfArc> find(const RyGltfMotionPiece &piece, const Eigen::Vector3d &point,
-                                         const Eigen::Matrix3d &after);
+    /// None where the way is another one. The translation must stand still, step or be straight. `factor`: how much
+    /// larger its place in the parent is taken.
+    static std::optional<RyGltfArc> find(const RyGltfMotionPiece &piece, const Eigen::Vector3d &point, double factor);
 
     /// How far a piece of the way that takes so long is from the line between its ends, at most.
     double rise(double seconds) const { return 0.125 * m_bend * seconds * seconds; }

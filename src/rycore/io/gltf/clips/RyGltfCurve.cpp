@@ -22,96 +22,90 @@ RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float t
 {
     const auto behind = std::upper_bound(curve.times.begin(), curve.times.end(), from);
     m_key = behind == curve.times.begin() ? 0 : size_t(behind - curve.times.begin()) - 1;
-    m_isFlat =
-        curve.kind == RyGltfCurve::Step || behind == curve.times.begin() || behind == curve.times.end() || from == to;
+    std::copy_n(curve.key(m_key), curve.components, m_first.data());
+    m_isFlat = curve.kind == RyGltfCurve::Step || behind == curve.times.begin() || behind == curve.times.end() ||
+               from == to ||
+               (curve.kind == RyGltfCurve::Linear &&
+                std::equal(curve.key(m_key), curve.key(m_key) + curve.components, curve.key(m_key + 1)));
     if (m_isFlat)
         return;
     m_from = double(curve.times[m_key]);
     m_span = double(curve.times[m_key + 1]) - m_from;
-    if (curve.kind != RyGltfCurve::Linear || curve.components != 4)
+    if (curve.kind != RyGltfCurve::Linear)
         return;
-    const Eigen::Map<const Eigen::Vector4d> a(curve.key(m_key)), b(curve.key(m_key + 1));
-    m_sizes = {std::max(1e-300, a.norm()), std::max(1e-300, b.norm())};
-    const double cosine = a.dot(b) / (m_sizes[0] * m_sizes[1]);
-    m_sign = cosine < 0.0 ? -1.0 : 1.0;
+    std::copy_n(curve.key(m_key + 1), curve.components, m_second.data());
+    if (curve.components == 4)
+        findTurn();
+}
+
+void RyGltfCurvePiece::findTurn()
+{
+    m_first /= std::max(1e-300, m_first.norm());
+    m_second /= std::max(1e-300, m_second.norm());
+    const double cosine = m_first.dot(m_second);
+    if (cosine < 0.0)
+        m_second = -m_second;
     m_angle = std::acos(std::min(1.0, std::abs(cosine)));
     m_sine = std::sin(m_angle);
 }
 
-bool RyGltfCurvePiece::standsStill() const
-{
-    const double *key = m_curve.key(m_key);
-    return m_isFlat ||
-           (m_curve.kind == RyGltfCurve::Linear && std::equal(key, key + m_curve.components, m_curve.key(m_key + 1)));
-}
-
 std::optional<RyGltfCurvePiece::Line> RyGltfCurvePiece::line() const
 {
-    const Eigen::Vector3d from(m_curve.key(m_key));
-    if (standsStill())
+    const Eigen::Vector3d from = m_first.head<3>(), to = m_second.head<3>();
+    if (m_isFlat)
         return Line{from, from, Eigen::Vector3d::Zero()};
     if (m_curve.kind != RyGltfCurve::Linear)
         return std::nullopt;
-    const Eigen::Vector3d to(m_curve.key(m_key + 1));
     return Line{from, to, (to - from) / m_span};
 }
 
 std::optional<Eigen::Vector3d> RyGltfCurvePiece::angularVelocity() const
 {
-    if (standsStill())
+    if (m_isFlat)
         return Eigen::Vector3d(Eigen::Vector3d::Zero());
-    const Eigen::Quaterniond a(m_curve.key(m_key)), b(m_curve.key(m_key + 1));
-    if (m_curve.kind != RyGltfCurve::Linear || !(m_sine > 1e-9) || !(m_sizes[0] * m_sizes[1] > 1e-12))
+    if (m_curve.kind != RyGltfCurve::Linear || !(m_sine > 1e-9))
         return std::nullopt;
-    const Eigen::Vector3d axis = (a.conjugate() * b).vec() * m_sign;
+    const Eigen::Vector3d axis = (Eigen::Quaterniond(m_first).conjugate() * Eigen::Quaterniond(m_second)).vec();
     return Eigen::Vector3d(axis.normalized() * (2.0 * m_angle / m_span));
 }
 
-std::array<double, 4> RyGltfCurvePiece::at(double time) const
+/// Four numbers, of which a vector takes three; a rotation of any length.
+Eigen::Vector4d RyGltfCurvePiece::at(double time) const
 {
-    std::array<double, 4> result{};
+    if (m_isFlat)
+        return m_first;
+    const double u = (time - m_from) / m_span;
+    if (m_curve.kind == RyGltfCurve::Cubic)
+        return onSpline(u);
+    if (u == 0.0) // saves the sines at most keys
+        return m_first;
+    if (m_sine > 1e-9 && m_curve.components == 4)
+        return std::sin((1.0 - u) * m_angle) / m_sine * m_first + std::sin(u * m_angle) / m_sine * m_second;
+    return (1.0 - u) * m_first + u * m_second;
+}
+
+Eigen::Vector4d RyGltfCurvePiece::onSpline(double u) const
+{
     const int n = m_curve.components;
-    const double *a = m_curve.key(m_key);
-    if (m_isFlat) {
-        std::copy_n(a, n, result.begin());
-        return result;
+    const double *a = m_curve.key(m_key), *b = m_curve.key(m_key + 1);
+    const double *out = a + n, *in = b - n;
+    const double u2 = u * u, u3 = u2 * u;
+    Eigen::Vector4d result = Eigen::Vector4d::Zero();
+    for (int i = 0; i < n; ++i) {
+        result[i] = (2 * u3 - 3 * u2 + 1) * a[i] + m_span * (u3 - 2 * u2 + u) * out[i] + (3 * u2 - 2 * u3) * b[i] +
+                    m_span * (u3 - u2) * in[i];
     }
-    const double *b = m_curve.key(m_key + 1);
-    const double u = share(time);
-    if (u == 0.0) { // saves the sines at most keys
-        for (int i = 0; i < n; ++i)
-            result[size_t(i)] = a[i] / m_sizes[0];
-        return result;
-    }
-    double fromA = 1.0 - u, fromB = u;
-    if (m_curve.kind == RyGltfCurve::Cubic) {
-        const double *out = a + n, *in = b - n;
-        const double u2 = u * u, u3 = u2 * u;
-        for (int i = 0; i < n; ++i) {
-            result[size_t(i)] = (2 * u3 - 3 * u2 + 1) * a[i] + m_span * (u3 - 2 * u2 + u) * out[i] +
-                                (3 * u2 - 2 * u3) * b[i] + m_span * (u3 - u2) * in[i];
-        }
-        return result;
-    }
-    if (n == 4 && m_sine > 1e-9) {
-        fromA = std::sin((1.0 - u) * m_angle) / m_sine;
-        fromB = std::sin(u * m_angle) / m_sine;
-    }
-    for (int i = 0; i < n; ++i)
-        result[size_t(i)] = fromA * a[i] / m_sizes[0] + fromB * m_sign * b[i] / m_sizes[1];
     return result;
 }
 
 Eigen::Vector3d RyGltfCurvePiece::vector(double time) const
 {
-    const std::array<double, 4> numbers = at(time);
-    return {numbers[0], numbers[1], numbers[2]};
+    return at(time).head<3>();
 }
 
 Eigen::Quaterniond RyGltfCurvePiece::rotation(double time) const
 {
-    const std::array<double, 4> numbers = at(time);
-    Eigen::Quaterniond result(numbers[3], numbers[0], numbers[1], numbers[2]);
+    const Eigen::Quaterniond result(at(time));
     if (!(result.squaredNorm() > 1e-24))
         return Eigen::Quaterniond::Identity();
     return result.normalized();

@@ -39,7 +39,6 @@ public:
     Eigen::Vector3d vector(double time) const;
     Eigen::Quaterniond rotation(double time) const;
 
-    bool standsStill() const;
     /// Something that changes at one speed; what it is between is that of the keys around the piece, or beyond it.
     struct Line
     {
@@ -52,16 +51,17 @@ public:
     std::optional<Eigen::Vector3d> angularVelocity() const;
 
 private:
-    std::array<double, 4> at(double time) const;
-    double share(double time) const { return (time - m_from) / m_span; }
+    void findTurn();
+    Eigen::Vector4d at(double time) const;
+    Eigen::Vector4d onSpline(double share) const;
 
     const RyGltfCurve &m_curve;
     size_t m_key;        // the last one at or before the piece
     bool m_isFlat;       // holds the value of that key
     double m_from = 0.0; // of the two keys around it
     double m_span = 1.0;
+    // What they say, but for cubic splines; rotations of length one, on one side.
+    Eigen::Vector4d m_first = Eigen::Vector4d::Zero(), m_second = Eigen::Vector4d::Zero();
     double m_angle = 0.0; // of a slerp: half the turn
     double m_sine = 1.0;
-    std::array<double, 2> m_sizes{1.0, 1.0}; // of the two rotations
-    double m_sign = 1.0;                     // that takes the second rotation to the nearer side
 };

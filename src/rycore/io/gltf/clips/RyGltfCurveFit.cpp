@@ -29,7 +29,8 @@ RyGltfCurveFit::RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance, size_t 
 
 void RyGltfCurveFit::append(const Eigen::Vector3d &numbers)
 {
-    m_curve->values.insert(m_curve->values.end(), numbers.data(), numbers.data() + 3);
+    for (const double number : numbers)
+        m_curve->values.push_back(number);
 }
 
 void RyGltfCurveFit::findStops(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc)
@@ -81,6 +82,7 @@ double RyGltfCurveFit::missOf(const Place &place, float from, float to) const
 
 std::shared_ptr<const RyGltfCurve> RyGltfCurveFit::take()
 {
+    m_curve->times.reserve(m_stops.size());
     for (const RyGltfKeyTimes::Stop &stop : m_stops)
         m_curve->times.push_back(stop.time);
     if (m_curve->kind == RyGltfCurve::Linear)
@@ -96,12 +98,14 @@ void RyGltfCurveFit::thin()
         const double share = (double(m_curve->times[place]) - start) / (double(m_curve->times[to]) - start);
         return (at(from) + share * (at(to) - at(from)) - at(place)).norm() / m_tolerance;
     };
-    RyGltfCurve result;
+    size_t count = 0;
     for (const size_t key : RyGltfKeyTimes::thin(m_stops, distance)) {
-        result.times.push_back(m_curve->times[key]);
-        result.values.insert(result.values.end(), at(key).data(), at(key).data() + 3);
+        m_curve->times[count] = m_curve->times[key];
+        std::copy_n(m_curve->key(key), 3, m_curve->values.begin() + long(3 * count));
+        ++count;
     }
-    *m_curve = std::move(result);
+    m_curve->times.resize(count);
+    m_curve->values.resize(3 * count);
 }
 
 Eigen::Vector3d RyGltfCurveFit::between(const Stretch &stretch, double share) const

@@ -44,6 +44,7 @@ std::optional<RyGltfExactChange> RyGltfExactChange::find(const RyGltfMotion &mot
     }
     change.m_shift = before.translation();
     change.m_after = after;
+    change.m_factorAfter = std::abs(factorAfter);
     change.m_factor = factorBefore * factorAfter;
     if (std::abs(change.m_factor - 1.0) < 1e-7)
         change.m_factor = 1.0;
@@ -192,7 +193,7 @@ RyGltfExactChange::Curve RyGltfExactChange::fitted(const RyGltfMotion &motion) c
     RyGltfCurveFit fit(kind, m_tolerance, spans.size());
     for (const RyGltfKeyTimes::Span &span : spans) {
         const RyGltfMotionPiece piece(motion, span.from, span.next);
-        const auto arc = kind == RyGltfCurve::Linear ? RyGltfArc::find(piece, m_shift, m_after.linear()) : std::nullopt;
+        const auto arc = kind == RyGltfCurve::Linear ? RyGltfArc::find(piece, m_shift, m_factorAfter) : std::nullopt;
         fit.add(
             span, [this, &piece](double time) { return place(piece, time); }, arc ? &*arc : nullptr);
     }

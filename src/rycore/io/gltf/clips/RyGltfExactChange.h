@@ -32,6 +32,7 @@ private:
     Eigen::Matrix3d m_permutation = Eigen::Matrix3d::Identity(); // of the scale's factors
     Eigen::Quaterniond m_parentTurn = Eigen::Quaterniond::Identity();
     Eigen::Affine3d m_after = Eigen::Affine3d::Identity();
-    double m_factor = 1.0; // of scales
+    double m_factorAfter = 1.0; // of lengths in the parent
+    double m_factor = 1.0;      // of scales
     double m_tolerance = 0.0;
 };

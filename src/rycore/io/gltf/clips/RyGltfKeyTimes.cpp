@@ -92,32 +92,13 @@ void RyGltfKeyTimes::refine(float from, float to, const Miss &miss, std::vector<
 
 void RyGltfKeyTimes::divide(float from, float to, double miss, std::vector<Stop> &stops, size_t &room)
 {
-    const double wanted = miss > 1.0 ? std::ceil(std::sqrt(miss)) : 1.0;
-    const size_t pieces = size_t(std::min(wanted, 1.0 + double(std::min(room, mostAtOnce))));
+    if (!(miss > 1.0)) {
+        stops.push_back({from, miss});
+        return;
+    }
+    const double most = 1.0 + double(std::min(room, mostAtOnce));
+    const size_t pieces = size_t(std::min(std::ceil(std::sqrt(miss)), most));
     const size_t before = stops.size();
     cut(from, to, pieces, [&](float start, float) { stops.push_back({start, miss / double(pieces * pieces)}); });
     room -= std::min(room, stops.size() - before - 1);
-}
-
-std::vector<size_t> RyGltfKeyTimes::thin(const std::vector<Stop> &stops, const Distance &distance)
-{
-    constexpr size_t mostLeftOut = 64; // in one run, so that long curves cost no more than their length
-    std::vector<size_t> kept;
-    for (size_t from = 0; from < stops.size();) {
-        kept.push_back(from);
-        size_t to = from + 1;
-        // What lies between two stops is no farther from a line than they, and by what it is off already.
-        const auto fits = [&](size_t end) {
-            for (size_t place = from + 1; place < end; ++place) {
-                const double known = std::max(stops[place - 1].miss, stops[place].miss);
-                if (!(known <= 1.0) || !(distance(from, end, place) + known <= 1.0))
-                    return false;
-            }
-            return true;
-        };
-        while (to + 1 < stops.size() && to - from < mostLeftOut && fits(to + 1))
-            ++to;
-        from = to;
-    }
-    return kept;
 }

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/clips/RyGltfMotion.h"
 
+#include <algorithm>
 #include <functional>
 
 /// Where something that follows from several curves needs keys.
@@ -43,10 +44,9 @@ public:
     /// Keys that a curve of so many spans may get beside its own; others take far fewer.
     static size_t roomFor(size_t spans) { return (size_t(1) << 15) + 16 * spans; }
 
-    /// How far a stop is from the line between two others.
-    using Distance = std::function<double(size_t from, size_t to, size_t place)>;
     /// The stops that are needed, as few as the first way finds. Those at both sides of a step that can be seen stay:
-    /// no line is near them.
+    /// no line is near them. `distance(from, to, place)`: how far a stop is from the line between two others.
+    template<typename Distance>
     static std::vector<size_t> thin(const std::vector<Stop> &stops, const Distance &distance);
 
 private:
@@ -54,3 +54,27 @@ private:
     std::vector<float> m_steps; // key times of stepped curves, rising
     bool m_isStepped = true;
 };
+
+template<typename Distance>
+std::vector<size_t> RyGltfKeyTimes::thin(const std::vector<Stop> &stops, const Distance &distance)
+{
+    constexpr size_t mostLeftOut = 64; // in one run, so that long curves cost no more than their length
+    std::vector<size_t> kept;
+    for (size_t from = 0; from < stops.size();) {
+        kept.push_back(from);
+        size_t to = from + 1;
+        // What lies between two stops is no farther from a line than they, and by what it is off already.
+        const auto fits = [&](size_t end) {
+            for (size_t place = from + 1; place < end; ++place) {
+                const double known = std::max(stops[place - 1].miss, stops[place].miss);
+                if (!(known <= 1.0) || !(distance(from, end, place) + known <= 1.0))
+                    return false;
+            }
+            return true;
+        };
+        while (to + 1 < stops.size() && to - from < mostLeftOut && fits(to + 1))
+            ++to;
+        from = to;
+    }
+    return kept;
+}
