@@ -18,23 +18,45 @@ bool RyGltfCurve::isConstant() const
     return true;
 }
 
-RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float to) : m_curve(curve)
+namespace {
+
+/// Of a key, with zeros for those it has not.
+Eigen::Vector4d fourOf(const RyGltfCurve &curve, size_t index)
 {
-    const auto behind = std::upper_bound(curve.times.begin(), curve.times.end(), from);
+    const double *key = curve.key(index);
+    if (curve.components < 3)
+        return {key[0], 0.0, 0.0, 0.0};
+    return {key[0], key[1], key[2], curve.components == 4 ? key[3] : 0.0};
+}
+
+/// The first key behind a time. Pieces are mostly made one after the other.
+std::vector<float>::const_iterator keyBehind(const std::vector<float> &times, float from, size_t near)
+{
+    for (size_t behind = near + 1; behind < std::min(near + 3, times.size()); ++behind) {
+        if (times[behind - 1] <= from && from < times[behind])
+            return times.begin() + long(behind);
+    }
+    return std::upper_bound(times.begin(), times.end(), from);
+}
+
+} // namespace
+
+RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float to, size_t near) : m_curve(curve)
+{
+    const auto behind = keyBehind(curve.times, from, near);
     m_key = behind == curve.times.begin() ? 0 : size_t(behind - curve.times.begin()) - 1;
-    std::copy_n(curve.key(m_key), curve.components, m_first.data());
-    m_isFlat = curve.kind == RyGltfCurve::Step || behind == curve.times.begin() || behind == curve.times.end() ||
-               from == to ||
-               (curve.kind == RyGltfCurve::Linear &&
-                std::equal(curve.key(m_key), curve.key(m_key) + curve.components, curve.key(m_key + 1)));
+    m_first = fourOf(curve, m_key);
+    m_isFlat =
+        curve.kind == RyGltfCurve::Step || behind == curve.times.begin() || behind == curve.times.end() || from == to;
     if (m_isFlat)
         return;
     m_from = double(curve.times[m_key]);
     m_span = double(curve.times[m_key + 1]) - m_from;
     if (curve.kind != RyGltfCurve::Linear)
         return;
-    std::copy_n(curve.key(m_key + 1), curve.components, m_second.data());
-    if (curve.components == 4)
+    m_second = fourOf(curve, m_key + 1);
+    m_isFlat = m_first == m_second;
+    if (curve.components == 4 && !m_isFlat)
         findTurn();
 }
 

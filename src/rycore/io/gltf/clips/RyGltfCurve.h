@@ -34,8 +34,11 @@ struct RyGltfCurve
 class RyGltfCurvePiece
 {
 public:
-    RyGltfCurvePiece(const RyGltfCurve &curve, float from, float to);
+    /// `near`: a key beside which the piece is looked for first.
+    RyGltfCurvePiece(const RyGltfCurve &curve, float from, float to, size_t near = 0);
 
+    /// The last one at or before the piece.
+    size_t key() const { return m_key; }
     Eigen::Vector3d vector(double time) const;
     Eigen::Quaterniond rotation(double time) const;
 
@@ -56,7 +59,7 @@ private:
     Eigen::Vector4d onSpline(double share) const;
 
     const RyGltfCurve &m_curve;
-    size_t m_key;        // the last one at or before the piece
+    size_t m_key;
     bool m_isFlat;       // holds the value of that key
     double m_from = 0.0; // of the two keys around it
     double m_span = 1.0;

@@ -25,12 +25,14 @@ RyGltfCurveFit::RyGltfCurveFit(RyGltfCurve::Kind kind, double tolerance, size_t 
     : m_tolerance(tolerance), m_room(RyGltfKeyTimes::roomFor(spans))
 {
     m_curve->kind = kind;
+    m_stops.reserve(2 * spans);
+    m_curve->values.reserve(2 * spans * size_t(m_curve->numbersPerKey()));
 }
 
 void RyGltfCurveFit::append(const Eigen::Vector3d &numbers)
 {
-    for (const double number : numbers)
-        m_curve->values.push_back(number);
+    m_curve->values.resize(m_curve->values.size() + 3);
+    std::copy_n(numbers.data(), 3, m_curve->values.end() - 3);
 }
 
 void RyGltfCurveFit::findStops(const RyGltfKeyTimes::Span &span, const Place &place, const RyGltfArc *arc)

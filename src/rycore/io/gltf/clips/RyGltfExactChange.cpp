@@ -191,8 +191,10 @@ RyGltfExactChange::Curve RyGltfExactChange::fitted(const RyGltfMotion &motion) c
                                                     : RyGltfCurve::Linear;
     const std::vector<RyGltfKeyTimes::Span> spans = keys.spans();
     RyGltfCurveFit fit(kind, m_tolerance, spans.size());
+    RyGltfMotionPiece::Keys near{};
     for (const RyGltfKeyTimes::Span &span : spans) {
-        const RyGltfMotionPiece piece(motion, span.from, span.next);
+        const RyGltfMotionPiece piece(motion, span.from, span.next, near);
+        near = piece.keys();
         const auto arc = kind == RyGltfCurve::Linear ? RyGltfArc::find(piece, m_shift, m_factorAfter) : std::nullopt;
         fit.add(
             span, [this, &piece](double time) { return place(piece, time); }, arc ? &*arc : nullptr);

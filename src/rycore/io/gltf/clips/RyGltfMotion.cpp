@@ -1,11 +1,20 @@
 #include "rycore/io/gltf/clips/RyGltfMotion.h"
 
-RyGltfMotionPiece::RyGltfMotionPiece(const RyGltfMotion &motion, float from, float to) : m_motion(motion)
+RyGltfMotionPiece::RyGltfMotionPiece(const RyGltfMotion &motion, float from, float to, const Keys &near)
+    : m_motion(motion)
 {
     for (size_t i = 0; i < m_pieces.size(); ++i) {
         if (motion.curves[i])
-            m_pieces[i].emplace(*motion.curves[i], from, to);
+            m_pieces[i].emplace(*motion.curves[i], from, to, near[i]);
     }
+}
+
+RyGltfMotionPiece::Keys RyGltfMotionPiece::keys() const
+{
+    Keys keys{};
+    for (size_t i = 0; i < m_pieces.size(); ++i)
+        keys[i] = m_pieces[i] ? m_pieces[i]->key() : 0;
+    return keys;
 }
 
 Eigen::Vector3d RyGltfMotionPiece::translation(double time) const

@@ -21,7 +21,11 @@ struct RyGltfMotion
 class RyGltfMotionPiece
 {
 public:
-    RyGltfMotionPiece(const RyGltfMotion &motion, float from, float to);
+    /// The keys before it of the three curves.
+    using Keys = std::array<size_t, 3>;
+    /// `near`: of a piece that is not far away.
+    RyGltfMotionPiece(const RyGltfMotion &motion, float from, float to, const Keys &near = {});
+    Keys keys() const;
 
     Eigen::Vector3d translation(double time) const;
     Eigen::Quaterniond rotation(double time) const;
