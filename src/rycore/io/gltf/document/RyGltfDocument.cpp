@@ -222,6 +222,12 @@ nlohmann::ordered_json &RyGltfDocument::json()
     return d->tree;
 }
 
+nlohmann::ordered_json &RyGltfDocument::clips()
+{
+    d->useCountsValid = false;
+    return d->list("animations");
+}
+
 const nlohmann::ordered_json &RyGltfDocument::json() const
 {
     return d->tree;

@@ -50,6 +50,8 @@ public:
     /// The tree itself, for what has no accessor here (extras). Unknown to `model()` until `refresh`.
     nlohmann::ordered_json &json();
     const nlohmann::ordered_json &json() const;
+    /// The clips in the tree, for other samplers and channels. Where bytes stand and who shares them stays known.
+    nlohmann::ordered_json &clips();
 
     // Reading an accessor into a flat array of count * componentCount numbers. Sparse accessors are resolved; a missing
     // bufferView reads as zeros. Normalised integers become floats in [0,1] or [-1,1] by readFloats.

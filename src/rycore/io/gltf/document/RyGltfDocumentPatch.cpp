@@ -32,6 +32,14 @@ const char *typeName(int componentCount)
     }
 }
 
+/// Of an object that is empty yet, with room for so many: growing copies them.
+Json::object_t &membersFor(Json &object, std::size_t count)
+{
+    auto &members = object.get_ref<Json::object_t &>();
+    members.reserve(count);
+    return members;
+}
+
 } // namespace
 
 Json &RyGltfDocument::Private::list(const char *key)
@@ -90,13 +98,14 @@ int RyGltfDocument::Private::appendView(const char *bytes, std::uint64_t size, i
         return -1;
     view.stride = std::uint64_t(stride);
     Json entry = Json::object();
-    entry["buffer"] = view.buffer;
-    entry["byteOffset"] = view.offset;
-    entry["byteLength"] = view.length;
+    Json::object_t &members = membersFor(entry, 6);
+    members.emplace_back("buffer", view.buffer);
+    members.emplace_back("byteOffset", view.offset);
+    members.emplace_back("byteLength", view.length);
     if (stride != 0)
-        entry["byteStride"] = stride;
+        members.emplace_back("byteStride", stride);
     if (target != 0)
-        entry["target"] = target;
+        members.emplace_back("target", target);
     RyGltfSpares::mark(entry);
     return place(view, storage.views, std::move(entry), "bufferViews", spareViews);
 }
@@ -119,12 +128,13 @@ int RyGltfDocument::Private::appendAccessor(int view, int componentType, int com
     layout.stride = stride != 0 ? stride : std::uint64_t(layout.elementSize);
 
     Json entry = Json::object();
-    entry["bufferView"] = view;
-    entry["componentType"] = componentType;
+    Json::object_t &members = membersFor(entry, 8); // with bounds
+    members.emplace_back("bufferView", view);
+    members.emplace_back("componentType", componentType);
     if (normalized)
-        entry["normalized"] = true;
-    entry["count"] = count;
-    entry["type"] = typeName(componentCount);
+        members.emplace_back("normalized", true);
+    members.emplace_back("count", count);
+    members.emplace_back("type", typeName(componentCount));
     RyGltfSpares::mark(entry);
     const bool hasFreshBytes =
         spareAccessors.empty() || model.accessors[std::size_t(spareAccessors.back())].bufferView < 0;

@@ -117,15 +117,17 @@ void RyGltfClipWriter::noteTimes(size_t clip)
 }
 
 /// How many channels use each sampler of a clip.
-const std::map<size_t, size_t> &RyGltfClipWriter::samplerUses(size_t clip)
+const std::vector<size_t> &RyGltfClipWriter::samplerUses(size_t clip)
 {
     const auto [known, isNew] = m_uses.try_emplace(clip);
     if (!isNew)
         return known->second;
     const RyGltfDocument &document = m_document; // what may write makes it count its uses anew
-    for (const Json &channel : document.json()["animations"][clip]["channels"]) {
+    const Json &entry = RyGltfReferences::listIn(document.json(), "animations")[clip];
+    known->second.resize(RyGltfReferences::listIn(entry, "samplers").size());
+    for (const Json &channel : RyGltfReferences::listIn(entry, "channels")) {
         const Json *sampler = RyExtrasJson::find(channel, "sampler");
-        if (sampler && RyGltfReferences::isIndex(*sampler))
+        if (sampler && RyGltfReferences::isIndex(*sampler) && sampler->get<size_t>() < known->second.size())
             ++known->second[sampler->get<size_t>()];
     }
     return known->second;
@@ -204,7 +206,7 @@ void RyGltfClipWriter::writeClips()
     for (const Entry &entry : m_entries)
         byClip[entry.change->clip].push_back(&entry);
     for (const auto &[clip, entries] : byClip)
-        writeClip(m_document.json()["animations"][clip], entries);
+        writeClip(m_document.clips()[clip], entries);
 }
 
 /// A sampler that other channels use as well, or that they want otherwise, stays; a copy of it is changed.
@@ -212,7 +214,7 @@ void RyGltfClipWriter::writeClip(Json &clip, const std::vector<const Entry *> &e
 {
     Json &channels = clip["channels"];
     Json &samplers = clip["samplers"];
-    const std::map<size_t, size_t> uses = samplerUses(entries.front()->change->clip);
+    const std::vector<size_t> &uses = samplerUses(entries.front()->change->clip);
     std::map<size_t, std::map<RyGltfSampler, std::vector<const Entry *>>> wanted; // by place of the sampler
     std::map<RyGltfSampler, size_t> added;
     for (const Entry *entry : entries) {

@@ -41,7 +41,7 @@ private:
     };
 
     void gather(const std::vector<RyGltfClipChange> &changes);
-    const std::map<size_t, size_t> &samplerUses(size_t clip);
+    const std::vector<size_t> &samplerUses(size_t clip);
     void noteTimes(size_t clip);
     void overwrite();
     bool addAccessors();
@@ -52,8 +52,8 @@ private:
     RyGltfDocument &m_document;
     const RyGltfClips &m_clips;
     std::vector<Entry> m_entries;
-    QHash<QByteArray, int> m_times;                    // accessors by what they hold
-    std::set<size_t> m_noted;                          // clips whose times are known
-    std::set<int> m_notedInputs;                       // accessors of times that are known
-    std::map<size_t, std::map<size_t, size_t>> m_uses; // of samplers, by clip and place
+    QHash<QByteArray, int> m_times;               // accessors by what they hold
+    std::set<size_t> m_noted;                     // clips whose times are known
+    std::set<int> m_notedInputs;                  // accessors of times that are known
+    std::map<size_t, std::vector<size_t>> m_uses; // of samplers, by clip and place
 };
