@@ -29,6 +29,13 @@ Eigen::Vector4d fourOf(const RyGltfCurve &curve, size_t index)
     return {key[0], key[1], key[2], curve.components == 4 ? key[3] : 0.0};
 }
 
+/// Of length one; the identity where it has none.
+Eigen::Vector4d unit(const Eigen::Vector4d &rotation)
+{
+    const double squared = rotation.squaredNorm();
+    return squared > 1e-24 ? Eigen::Vector4d(rotation / std::sqrt(squared)) : Eigen::Vector4d::UnitW();
+}
+
 /// The first key behind a time. Pieces are mostly made one after the other.
 std::vector<float>::const_iterator keyBehind(const std::vector<float> &times, float from, size_t near)
 {
@@ -46,6 +53,9 @@ RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float t
     const auto behind = keyBehind(curve.times, from, near);
     m_key = behind == curve.times.begin() ? 0 : size_t(behind - curve.times.begin()) - 1;
     m_first = fourOf(curve, m_key);
+    const bool isTurn = curve.components == 4 && curve.kind != RyGltfCurve::Cubic;
+    if (isTurn)
+        m_first = unit(m_first);
     m_isFlat =
         curve.kind == RyGltfCurve::Step || behind == curve.times.begin() || behind == curve.times.end() || from == to;
     if (m_isFlat)
@@ -55,15 +65,14 @@ RyGltfCurvePiece::RyGltfCurvePiece(const RyGltfCurve &curve, float from, float t
     if (curve.kind != RyGltfCurve::Linear)
         return;
     m_second = fourOf(curve, m_key + 1);
-    m_isFlat = m_first == m_second;
-    if (curve.components == 4 && !m_isFlat)
+    if (isTurn)
         findTurn();
+    m_isFlat = m_first == m_second;
 }
 
 void RyGltfCurvePiece::findTurn()
 {
-    m_first /= std::max(1e-300, m_first.norm());
-    m_second /= std::max(1e-300, m_second.norm());
+    m_second = unit(m_second);
     const double cosine = m_first.dot(m_second);
     if (cosine < 0.0)
         m_second = -m_second;
@@ -91,7 +100,7 @@ std::optional<Eigen::Vector3d> RyGltfCurvePiece::angularVelocity() const
     return Eigen::Vector3d(axis.normalized() * (2.0 * m_angle / m_span));
 }
 
-/// Four numbers, of which a vector takes three; a rotation of any length.
+/// Four numbers, of which a vector takes three; of a cubic spline, a rotation of any length.
 Eigen::Vector4d RyGltfCurvePiece::at(double time) const
 {
     if (m_isFlat)
@@ -127,8 +136,7 @@ Eigen::Vector3d RyGltfCurvePiece::vector(double time) const
 
 Eigen::Quaterniond RyGltfCurvePiece::rotation(double time) const
 {
-    const Eigen::Quaterniond result(at(time));
-    if (!(result.squaredNorm() > 1e-24))
-        return Eigen::Quaterniond::Identity();
-    return result.normalized();
+    // What lies between two of length one has that length as well.
+    const Eigen::Vector4d numbers = at(time);
+    return Eigen::Quaterniond(m_curve.kind == RyGltfCurve::Cubic ? unit(numbers) : numbers);
 }

@@ -40,7 +40,7 @@ const std::vector<int> &RyGltfDocument::Private::countUses() const
     for (const RyGltfList list : {RyGltfList::Nodes, RyGltfList::Animations, RyGltfList::Skins, RyGltfList::Meshes}) {
         const Json *entries = RyGltfReferences::findList(tree, list);
         for (std::size_t i = 0; entries && i < entries->size(); ++i)
-            RyGltfReferences::visit(list, (*entries)[i], count);
+            RyGltfReferences::visit(list, (*entries)[i], count, RyGltfList::Accessors);
     }
     useCountsValid = true;
     return useCounts;

@@ -39,7 +39,7 @@ template<class Value, class Visit>
 class Walk
 {
 public:
-    explicit Walk(const Visit &visit) : m_visit(visit) {}
+    explicit Walk(const Visit &visit, std::optional<RyGltfList> only = {}) : m_visit(visit), m_only(only) {}
 
     void visitEntry(RyGltfList list, Value &entry)
     {
@@ -158,10 +158,14 @@ private:
 
     void visitAnimation(Value &animation)
     {
-        forEach(member(animation, "channels"), [this](Value &channel) {
-            if (Value *target = member(channel, "target"))
-                visitOf(target, "node", RyGltfList::Nodes);
-        });
+        if (!m_only || m_only == RyGltfList::Nodes) {
+            forEach(member(animation, "channels"), [this](Value &channel) {
+                if (Value *target = member(channel, "target"))
+                    visitOf(target, "node", RyGltfList::Nodes);
+            });
+        }
+        if (m_only && m_only != RyGltfList::Accessors)
+            return;
         forEach(member(animation, "samplers"), [this](Value &sampler) {
             visitOf(&sampler, "input", RyGltfList::Accessors);
             visitOf(&sampler, "output", RyGltfList::Accessors);
@@ -203,6 +207,7 @@ private:
     }
 
     const Visit &m_visit;
+    std::optional<RyGltfList> m_only;
 };
 
 } // namespace
@@ -248,9 +253,10 @@ void RyGltfReferences::visit(RyGltfList list, Json &entry, const Visit &visit)
     Walk<Json, Visit>(visit).visitEntry(list, entry);
 }
 
-void RyGltfReferences::visit(RyGltfList list, const Json &entry, const ConstVisit &visit)
+void RyGltfReferences::visit(RyGltfList list, const Json &entry, const ConstVisit &visit,
+                             std::optional<RyGltfList> only)
 {
-    Walk<const Json, ConstVisit>(visit).visitEntry(list, entry);
+    Walk<const Json, ConstVisit>(visit, only).visitEntry(list, entry);
 }
 
 const RyGltfReferences::Json &RyGltfReferences::listIn(const Json &object, const char *key)

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 /// The lists of a document that indices point into, in an order in which what points stands before what it points at
@@ -45,11 +46,11 @@ Json &makeList(Json &tree, RyGltfList list);
 bool isIndex(const Json &value);
 
 /// Called with every index that stands in an entry of a list, and the list it points into. Indices of a wrong kind are
-/// passed over.
+/// passed over. With `only`, those into other lists are passed over where that saves time.
 using Visit = std::function<void(RyGltfList to, Json &index)>;
 using ConstVisit = std::function<void(RyGltfList to, const Json &index)>;
 void visit(RyGltfList list, Json &entry, const Visit &visit);
-void visit(RyGltfList list, const Json &entry, const ConstVisit &visit);
+void visit(RyGltfList list, const Json &entry, const ConstVisit &visit, std::optional<RyGltfList> only = {});
 
 /// A list that a member of an object holds; an empty one where there is none.
 const Json &listIn(const Json &object, const char *key);

@@ -68,7 +68,8 @@ bool RyGltfClipWriter::write(const std::vector<RyGltfClipChange> &changes, QStri
         return false;
     }
     writeClips();
-    m_document.refreshClips();
+    if (std::any_of(m_entries.begin(), m_entries.end(), [](const Entry &entry) { return !entry.channel; }))
+        m_document.refreshClips();
     releaseOld();
     return true;
 }
@@ -137,43 +138,53 @@ const std::vector<size_t> &RyGltfClipWriter::samplerUses(size_t clip)
 /// another room.
 void RyGltfClipWriter::overwrite()
 {
-    struct Users
-    {
-        std::map<std::pair<size_t, size_t>, size_t> channels; // by clip and place of the sampler
-        const QByteArray *values = nullptr;
-        bool isSame = true;
-    };
-    std::map<int, Users> byOutput;
-    for (const Entry &entry : m_entries) {
-        if (!entry.channel)
-            continue;
-        Users &users = byOutput[entry.channel->sampler.output];
-        users.isSame = users.isSame && (!users.values || *users.values == entry.values);
-        users.values = &entry.values;
-        ++users.channels[{entry.change->clip, entry.channel->samplerPlace}];
-    }
-    const auto isAll = [this](const auto &channels) { // of those that use the sampler
-        const auto &[clip, place] = channels.first;
-        return channels.second == samplerUses(clip).at(place);
-    };
-    const std::set<int> named = m_document.numbersInExtensions(); // any of them may be an accessor
-    std::map<int, int> written;
-    for (const auto &[output, users] : byOutput) {
-        const RyGltfAccessor &form = m_document.model().accessors[size_t(output)];
-        const std::span<const float> values = floatsOf(*users.values);
-        if (!users.isSame || named.count(output) || form.componentType != 5126 ||
-            !std::all_of(users.channels.begin(), users.channels.end(), isAll))
-            continue;
-        if (values.size() == form.count * size_t(form.componentCount))
-            written[output] = m_document.replaceFloats(output, values, int(users.channels.size()));
-        else if (!named.count(form.bufferView) && m_document.resizeFloats(output, values, int(users.channels.size())))
-            written[output] = output;
-    }
+    std::vector<Entry *> known; // those of channels, by output and sampler
     for (Entry &entry : m_entries) {
-        const auto found = entry.channel ? written.find(entry.channel->sampler.output) : written.end();
-        if (found != written.end())
-            entry.sampler.output = found->second;
+        if (entry.channel)
+            known.push_back(&entry);
     }
+    std::sort(known.begin(), known.end(), [](const Entry *a, const Entry *b) { return placeOf(*a) < placeOf(*b); });
+    const std::set<int> named = m_document.numbersInExtensions(); // any of them may be an accessor
+    for (size_t from = 0, to = 0; from < known.size(); from = to) {
+        const int output = known[from]->channel->sampler.output;
+        while (to < known.size() && known[to]->channel->sampler.output == output)
+            ++to;
+        const std::span<Entry *const> entries(known.data() + from, to - from);
+        const int samplers = samplersOf(entries);
+        const RyGltfAccessor &form = m_document.model().accessors[size_t(output)];
+        if (samplers == 0 || named.count(output) || form.componentType != 5126)
+            continue;
+        const std::span<const float> values = floatsOf(entries.front()->values);
+        int written = -1;
+        if (values.size() == form.count * size_t(form.componentCount))
+            written = m_document.replaceFloats(output, values, samplers);
+        else if (!named.count(form.bufferView) && m_document.resizeFloats(output, values, samplers))
+            written = output;
+        for (Entry *entry : entries)
+            entry->sampler.output = written;
+    }
+}
+
+std::tuple<int, size_t, size_t> RyGltfClipWriter::placeOf(const Entry &entry)
+{
+    return {entry.channel->sampler.output, entry.change->clip, entry.channel->samplerPlace};
+}
+
+/// How many samplers the entries, in order, stand for; none where one has other channels as well, or other numbers than
+/// the first.
+int RyGltfClipWriter::samplersOf(std::span<Entry *const> entries)
+{
+    int count = 0;
+    for (size_t from = 0, to = 0; from < entries.size(); from = to, ++count) {
+        const Entry &first = *entries[from];
+        for (; to < entries.size() && placeOf(*entries[to]) == placeOf(first); ++to) {
+            if (entries[to]->values != entries.front()->values)
+                return 0;
+        }
+        if (to - from != samplerUses(first.change->clip)[first.channel->samplerPlace])
+            return 0;
+    }
+    return count;
 }
 
 bool RyGltfClipWriter::addAccessors()

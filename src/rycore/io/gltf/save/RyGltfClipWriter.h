@@ -7,6 +7,8 @@
 
 #include <map>
 #include <set>
+#include <span>
+#include <tuple>
 
 /// A curve that a channel of a clip is to have.
 struct RyGltfClipChange
@@ -44,6 +46,8 @@ private:
     const std::vector<size_t> &samplerUses(size_t clip);
     void noteTimes(size_t clip);
     void overwrite();
+    static std::tuple<int, size_t, size_t> placeOf(const Entry &entry);
+    int samplersOf(std::span<Entry *const> entries);
     bool addAccessors();
     void writeClips();
     void writeClip(nlohmann::ordered_json &clip, const std::vector<const Entry *> &entries);
