@@ -158,14 +158,12 @@ private:
 
     void visitAnimation(Value &animation)
     {
-        if (!m_only || m_only == RyGltfList::Nodes) {
+        if (m_only != RyGltfList::Accessors) {
             forEach(member(animation, "channels"), [this](Value &channel) {
                 if (Value *target = member(channel, "target"))
                     visitOf(target, "node", RyGltfList::Nodes);
             });
         }
-        if (m_only && m_only != RyGltfList::Accessors)
-            return;
         forEach(member(animation, "samplers"), [this](Value &sampler) {
             visitOf(&sampler, "input", RyGltfList::Accessors);
             visitOf(&sampler, "output", RyGltfList::Accessors);
