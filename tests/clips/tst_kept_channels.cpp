@@ -137,6 +137,24 @@ private slots:
         }
     }
 
+    /// Two joints that read the same numbers, each turned in its own way, no longer share them.
+    void sharingOfJointsThatPart()
+    {
+        m_sketch->bind();
+        const int times = m_sketch->addTimes(m_sketch->someTimes(5));
+        const int turns =
+            m_sketch->addValues("rotation", m_sketch->someValues(ClipSketch::LeftArm, "rotation", "LINEAR", 5));
+        const size_t clip = m_sketch->addClip("both");
+        for (const int arm : {ClipSketch::LeftArm, ClipSketch::RightArm})
+            m_sketch->addChannel(clip, m_sketch->addSampler(clip, times, turns, "LINEAR"), arm, "rotation");
+        open();
+        ClipEdits::turnAtRandom({boneOf(ClipSketch::LeftArm), boneOf(ClipSketch::RightArm)}, m_random);
+        const GltfEvaluator after(save());
+        showsTheSame(after, {});
+        QVERIFY(samplerOf(after, 0, 0)["output"] != samplerOf(after, 0, 1)["output"]);
+        QCOMPARE(samplerOf(after, 0, 0)["input"], samplerOf(after, 0, 1)["input"]);
+    }
+
     /// The new way of a joint's centre stands where the old one stood, although it has more keys; what another joint,
     /// an extension or another clip reads of the old one stays.
     void placesOfLongerWays_data()
