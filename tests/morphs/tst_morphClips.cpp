@@ -72,6 +72,18 @@ private slots:
         QVERIFY(!player.isShowing());
     }
 
+    /// The longest list of targets counts, wherever it stands.
+    void firstPrimitiveWithoutTargets()
+    {
+        file.sketch.tree["meshes"][0]["primitives"][0].erase("targets");
+        file.sketch.write(path);
+        CharacterScene character(path);
+        const RyMorph *morph = morphCalled(*figureOf(character.scene), "shape 1");
+        QVERIFY(morph->shownValue() != 0.125f);
+        character.scene.getClipPlayer()->show(character.scene.getClips().at(0), 0.0);
+        QCOMPARE(morph->shownValue(), 0.125f);
+    }
+
     void damaged_data()
     {
         QTest::addColumn<int>("left");

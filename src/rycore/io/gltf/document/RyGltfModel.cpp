@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/document/RyGltfModel.h"
 
+#include <algorithm>
 #include <cmath>
 
 RyAffine RyGltfTransform::toAffine() const
@@ -32,4 +33,12 @@ RyAffine RyGltfTransform::toAffine() const
         result.m[3][row] = translation[std::size_t(row)];
     }
     return result;
+}
+
+size_t RyGltfMesh::targetCount() const
+{
+    size_t count = 0;
+    for (const RyGltfPrimitive &primitive : primitives)
+        count = std::max(count, primitive.morphPositions.size());
+    return count;
 }

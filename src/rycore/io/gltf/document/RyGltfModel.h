@@ -62,6 +62,9 @@ struct RyGltfMesh
     std::vector<RyGltfPrimitive> primitives;
     std::vector<double> weights;      // of the morph targets, where a node does not say others
     std::vector<QString> targetNames; // from the extras, as other programs do; an empty one where there is none
+
+    /// Of morphs: as many as the primitive with most of them has.
+    size_t targetCount() const;
 };
 
 struct RyGltfSkin

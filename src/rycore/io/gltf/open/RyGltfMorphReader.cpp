@@ -47,9 +47,7 @@ std::vector<RyGltfMorphReader::Key> RyGltfMorphReader::keysOf(int mesh)
     if (known != m_keys.end())
         return known->second;
     const RyGltfMesh &each = m_document.model().meshes[size_t(mesh)];
-    size_t count = 0;
-    for (const RyGltfPrimitive &primitive : each.primitives)
-        count = std::max(count, primitive.morphPositions.size());
+    const size_t count = each.targetCount();
     std::vector<Key> keys;
     std::map<QString, int> before;
     for (size_t i = 0; i < count; ++i) {

@@ -9,9 +9,9 @@ std::vector<RyGltfDrivenMorph> RyGltfDrivenMorph::allOf(const RyGltfOrigin &orig
     std::unordered_map<int, std::vector<std::shared_ptr<const RyGltfCurve>>> curvesOf; // by node
     for (const RyGltfWeightsChannel &channel : clip.weights) {
         const int mesh = model.nodes[size_t(channel.node)].mesh;
-        if (mesh < 0 || model.meshes[size_t(mesh)].primitives.empty())
+        if (mesh < 0)
             continue;
-        const size_t count = model.meshes[size_t(mesh)].primitives.front().morphPositions.size();
+        const size_t count = model.meshes[size_t(mesh)].targetCount();
         curvesOf.try_emplace(channel.node, clips.weightCurves(channel.sampler, count));
     }
     std::vector<RyGltfDrivenMorph> all;

@@ -68,10 +68,7 @@ RyGltfMorphPatch::Morphs RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &
 
 size_t RyGltfMorphPatch::countTargets(int mesh) const
 {
-    size_t count = 0;
-    for (const RyGltfPrimitive &primitive : m_patch.document.model().meshes[size_t(mesh)].primitives)
-        count = std::max(count, primitive.morphPositions.size());
-    return count;
+    return m_patch.document.model().meshes[size_t(mesh)].targetCount();
 }
 
 /// Those of the node itself, as many as its mesh has targets; where it has none, those of the mesh become its own.
