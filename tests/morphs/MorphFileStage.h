@@ -67,6 +67,18 @@ public:
             throw std::runtime_error(error.toStdString());
         return to;
     }
+    /// Bind matrices that place the joints at two places: the rest is the node pose then.
+    void useTwoBinds()
+    {
+        nlohmann::json skin = file.sketch.tree["skins"][0];
+        Eigen::Matrix4d low = Eigen::Matrix4d::Identity(), high = low;
+        low(0, 3) = 0.5;
+        high(1, 3) = 0.25;
+        skin["inverseBindMatrices"] = file.sketch.addBinds({low, high});
+        file.sketch.tree["skins"].push_back(skin);
+        file.sketch.tree["nodes"][4]["skin"] = 1;
+        file.sketch.write(path);
+    }
     /// How far what is shown lies from what the file shows, in heights of the figure.
     static double apart(const CharacterScene &character)
     {

@@ -144,6 +144,51 @@ private slots:
         QVERIFY2(losses.join('\n').contains("1 new morphs"), qPrintable(losses.join('\n')));
     }
 
+    /// They are written in the space that the vertices have then.
+    void newMorphsOfReboundMeshes()
+    {
+        MorphFileStage stage;
+        stage.file.sketch.tree["animations"][0]["channels"].erase(0); // that of the weights
+        stage.useTwoBinds();
+        CharacterScene character(stage.path);
+        auto *morph = new RyMorph("added", {1, 4, 20}, {{1, 20, 3}, {-4, 5, 6}, {7, 8, 30}});
+        RyShape::getCurrentShapeForNode(stage.figureOf(character.scene))->addMorph(morph);
+        const CharacterScene::Positions before = character.shown();
+        morph->getValueControl()->setValue(0.5f);
+        QVERIFY(largestDistance(character.shown(), before) > 1.0);
+        QStringList losses;
+        QString error;
+        const QString saved = stage.folder.filePath("added.glb");
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error, nullptr, &losses), qPrintable(error));
+        QVERIFY2(losses.isEmpty(), qPrintable(losses.join('\n')));
+        CharacterScene again(saved);
+        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        QVERIFY(largestDistance(character.shown(), again.shown()) < Near * character.height);
+        const RyMorph *read = stage.morphCalled(*stage.figureOf(again.scene), "added");
+        QVERIFY(read && read->vertices() == morph->vertices());
+        for (size_t i = 0; i < read->deltas().size(); ++i)
+            QVERIFY((read->deltas()[i] - morph->deltas()[i]).length() < 1e-3f);
+        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
+    }
+
+    /// Without bones its vertices stay where the file has them, in a space that nothing tells any more.
+    void newMorphsOfReboundMeshesWithoutBones()
+    {
+        MorphFileStage stage;
+        stage.file.sketch.tree["animations"][0]["channels"].erase(0);
+        stage.useTwoBinds();
+        CharacterScene character(stage.path);
+        RySkeleton *figure = stage.figureOf(character.scene);
+        RyShape::getCurrentShapeForNode(figure)->addMorph(new RyMorph("added", {1}, {{1, 20, 3}}));
+        for (RyBone *bone : character.bones())
+            character.scene.removeNode(bone);
+        QStringList losses;
+        QString error;
+        QVERIFY2(RySceneFile::save(&character.scene, stage.folder.filePath("bare.glb"), &error, nullptr, &losses),
+                 qPrintable(error));
+        QCOMPARE(losses.filter("1 new morphs").size(), 1);
+    }
+
     void removedMorphsStayInTheFile()
     {
         MorphFileStage stage;

@@ -60,3 +60,14 @@ bool RyGltfFigureSource::canWriteVertices() const
     return shape && shape->getFacetMesh() && shape->getFacetMesh()->getNumVertices() == vertexCount && !parts.empty() &&
            shape->getParts() == meshParts && hasOtherVertices();
 }
+
+std::vector<const RyMorph *> RyGltfFigureSource::newMorphs(const RyShape &shape) const
+{
+    std::vector<const RyMorph *> result;
+    for (const RyMorph *morph : shape.getMorphs()) {
+        if (std::none_of(morphs.begin(), morphs.end(),
+                         [morph](const RyGltfMorphSource &known) { return known.morph == morph; }))
+            result.push_back(morph);
+    }
+    return result;
+}

@@ -11,6 +11,7 @@
 #include <vector>
 
 class RyBone;
+class RyShape;
 struct RyMeshParts;
 
 /// A skin of the file: one map brings its mesh space to figure space.
@@ -64,6 +65,8 @@ struct RyGltfFigureSource
     bool hasOtherVertices() const;
     /// Whether they can go into the file's own meshes: they are still as many, in the same parts.
     bool canWriteVertices() const;
+    /// Morphs of a shape that the file does not have.
+    std::vector<const RyMorph *> newMorphs(const RyShape &shape) const;
 };
 
 /// Bones of a figure without those of figures that hang on it, in the order of the figure's list.

@@ -42,7 +42,9 @@ bool RyGltfFigurePlanner::mustBeRebuilt(const RyGltfFigureSource &source, bool w
     // has them, in figure space, with bind matrices that say so.
     if (!source.skins.front().rebound)
         return false;
-    if (weightsAreOther || source.canWriteVertices() || !(RyNodeValues::of(*source.sceneNode) == source.loaded))
+    const RyShape *shape = RyShape::getCurrentShapeForNode(source.sceneNode);
+    if (weightsAreOther || source.canWriteVertices() || (shape && !source.newMorphs(*shape).empty()) ||
+        !(RyNodeValues::of(*source.sceneNode) == source.loaded))
         return true;
     for (const RyGltfNodeSource &node : m_patch.source.nodes) {
         if (node.isBone && node.figure == &source - m_patch.source.figures.data() && m_patch.removed.count(node.node))

@@ -18,12 +18,8 @@ void RyGltfMorphPatch::apply(QStringList *losses)
         const RyShape *shape = node && node->getScene() ? RyShape::getCurrentShapeForNode(node) : nullptr;
         if (!shape)
             continue;
-        const Morphs known = writeKnown(figure, *shape);
-        Morphs added;
-        for (const RyMorph *morph : shape->getMorphs()) {
-            if (std::find(known.begin(), known.end(), morph) == known.end())
-                added.push_back(morph);
-        }
+        writeKnown(figure, *shape);
+        const Morphs added = figure.newMorphs(*shape);
         if (added.empty())
             continue;
         std::set<int> nodes;
@@ -41,17 +37,13 @@ void RyGltfMorphPatch::apply(QStringList *losses)
     }
 }
 
-/// Writes the values of the figure's morphs that its file has, and gives these.
-RyGltfMorphPatch::Morphs RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &figure, const RyShape &shape)
+/// Writes the values of the figure's morphs that its file has.
+void RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &figure, const RyShape &shape)
 {
-    Morphs known;
     int removed = 0;
     for (const RyGltfMorphSource &source : figure.morphs) {
         const bool isThere = source.morph && source.morph->getShape() == &shape;
-        if (isThere)
-            known.push_back(source.morph);
-        else
-            ++removed;
+        removed += !isThere;
         const float value = isThere ? RyGltfMorphWriter::valueOf(*source.morph) : 0.0f;
         if (value == source.value)
             continue;
@@ -63,7 +55,6 @@ RyGltfMorphPatch::Morphs RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &
                         .arg(removed)
                         .arg(figure.sceneNode->getName()));
     }
-    return known;
 }
 
 size_t RyGltfMorphPatch::countTargets(int mesh) const
@@ -95,7 +86,8 @@ void RyGltfMorphPatch::write(const RyGltfMorphSource::Target &target, float valu
 
 // --- Morphs that the file does not have
 
-/// Whether the node's mesh is shown by it alone, whole and as a part of the figure, and no clip counts its targets.
+/// Whether the node's mesh is shown by it alone, whole and as a part of the figure in one space, and no clip counts its
+/// targets.
 bool RyGltfMorphPatch::canTakeMore(const RyGltfFigureSource &figure, int node) const
 {
     const RyGltfModel &model = m_patch.document.model();
@@ -105,8 +97,11 @@ bool RyGltfMorphPatch::canTakeMore(const RyGltfFigureSource &figure, int node) c
         return false;
     const size_t count = countTargets(mesh);
     size_t shown = 0;
-    for (size_t p = 0; p < figure.parts.size(); ++p)
-        shown += figure.parts[p].node == node && !figure.meshParts->parts[p].vertexOfSplit.empty();
+    for (size_t p = 0; p < figure.parts.size(); ++p) {
+        if (figure.parts[p].node == node && !figure.meshParts->parts[p].vertexOfSplit.empty() &&
+            meshToFigure(figure.parts[p]))
+            ++shown;
+    }
     const std::vector<RyGltfPrimitive> &primitives = model.meshes[size_t(mesh)].primitives;
     if (shown != primitives.size() ||
         std::any_of(primitives.begin(), primitives.end(),
@@ -128,12 +123,15 @@ bool RyGltfMorphPatch::canTakeMore(const RyGltfFigureSource &figure, int node) c
     return true;
 }
 
-RyAffine RyGltfMorphPatch::meshToFigure(const RyGltfPartSource &part) const
+/// None for the mesh of a rebound skin that stays as it is: no one map says where its vertices are in the scene.
+std::optional<RyAffine> RyGltfMorphPatch::meshToFigure(const RyGltfPartSource &part) const
 {
+    if (part.skin < 0)
+        return m_patch.edits.at(part.node).bind;
     const auto ofSkin = m_patch.toFigure.find(part.skin);
-    if (part.skin >= 0 && ofSkin != m_patch.toFigure.end())
-        return ofSkin->second * RyAffine::fromScale(m_patch.source.unit);
-    return m_patch.edits.at(part.node).bind;
+    if (ofSkin == m_patch.toFigure.end())
+        return {};
+    return ofSkin->second * RyAffine::fromScale(m_patch.source.unit);
 }
 
 void RyGltfMorphPatch::addTo(const RyGltfFigureSource &figure, int node, const RyShape &shape, const Morphs &morphs)
@@ -144,7 +142,7 @@ void RyGltfMorphPatch::addTo(const RyGltfFigureSource &figure, int node, const R
     for (size_t p = 0; p < figure.parts.size(); ++p) {
         if (figure.parts[p].node != node)
             continue;
-        RyGltfMorphWriter(m_patch.document, shape, meshToFigure(figure.parts[p]))
+        RyGltfMorphWriter(m_patch.document, shape, *meshToFigure(figure.parts[p]))
             .appendTargets(mesh, figure.parts[p].primitive, figure.meshParts->parts[p], morphs);
     }
     Json &names = m_patch.document.json()["meshes"][size_t(mesh)]["extras"]["targetNames"];

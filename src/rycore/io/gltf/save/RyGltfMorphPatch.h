@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 
+#include <optional>
 #include <set>
 
 /// Writes values of morphs that are others than they were read into the weights of the nodes that show them. What the
@@ -18,11 +19,11 @@ public:
 private:
     using Morphs = std::vector<const RyMorph *>;
 
-    Morphs writeKnown(const RyGltfFigureSource &figure, const RyShape &shape);
+    void writeKnown(const RyGltfFigureSource &figure, const RyShape &shape);
     void write(const RyGltfMorphSource::Target &target, float value);
     bool canTakeMore(const RyGltfFigureSource &figure, int node) const;
     void addTo(const RyGltfFigureSource &figure, int node, const RyShape &shape, const Morphs &morphs);
-    RyAffine meshToFigure(const RyGltfPartSource &part) const;
+    std::optional<RyAffine> meshToFigure(const RyGltfPartSource &part) const;
     size_t countTargets(int mesh) const;
     nlohmann::ordered_json &weightsOf(int node);
 
