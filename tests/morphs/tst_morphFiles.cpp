@@ -140,6 +140,27 @@ private slots:
         QCOMPARE(bytesOf(stage.save(again.scene, "second.gltf")), bytesOf(saved));
     }
 
+    /// What is saved opens again, however far a morph is shown.
+    void hugeValues()
+    {
+        MorphFileStage stage;
+        stage.file.sketch.tree["nodes"][3]["weights"][2] = 1e30; // what readers take
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        RyFloatProperty *control = stage.morphCalled(*stage.figureOf(character.scene), "shape 6")->getValueControl();
+        control->setIsClamped(false);
+        control->setValue(-3e38f);
+        QString error;
+        RyScene again;
+        QVERIFY2(RySceneFile::open(&again, stage.save(character.scene, "huge.glb"), &error), qPrintable(error));
+        QVERIFY(stage.morphCalled(*stage.figureOf(again), "shape 6")->getValueControl()->getValue() < -0.9e30f);
+        const QString bare = stage.folder.filePath("bare.glb");
+        QVERIFY2(RySceneFile::saveWithoutSource(&character.scene, bare, &error), qPrintable(error));
+        RyScene third;
+        QVERIFY2(RySceneFile::open(&third, bare, &error), qPrintable(error));
+        QVERIFY(stage.morphCalled(*stage.figureOf(third), "shape 2")->getValueControl()->getValue() > 0.9e30f);
+    }
+
     /// Limits, label, default, and the share beside what links add.
     void whatWeightsCannotSay()
     {

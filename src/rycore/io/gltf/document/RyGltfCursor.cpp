@@ -200,7 +200,7 @@ double RyGltfCursor::asNumber() const
     if (!m_value->is_number())
         refuse(QStringLiteral("%1 is not a number").arg(shown(*m_value)));
     const double result = m_value->get<double>();
-    if (!(std::abs(result) <= 1e30))
+    if (!(std::abs(result) <= Largest))
         refuse(QStringLiteral("%1 is too large").arg(shown(*m_value)));
     return result;
 }

@@ -45,7 +45,8 @@ public:
     /// True, and the index, when this is a whole number below `limit`; never throws.
     bool peekIndex(int limit, int &index) const;
     bool flag(const char *key) const;
-    /// A finite number no larger than 1e30.
+    static constexpr double Largest = 1e30;
+    /// A finite number no larger than `Largest`.
     double asNumber() const;
     double number(const char *key, double absent) const;
     /// True when the member exists, which must then hold exactly `count` numbers.

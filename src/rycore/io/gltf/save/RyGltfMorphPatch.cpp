@@ -45,7 +45,7 @@ void RyGltfMorphPatch::writeKnown(const RyGltfFigureSource &figure, const RyShap
         const bool isThere = source.morph && source.morph->getShape() == &shape;
         removed += !isThere;
         const float value = isThere ? RyGltfMorphWriter::valueOf(*source.morph) : 0.0f;
-        if (value == source.value)
+        if (value == RyGltfMorphWriter::readable(source.value))
             continue;
         for (const RyGltfMorphSource::Target &target : source.targets)
             write(target, value);

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfMorphWriter.h"
 
+#include "rycore/io/gltf/document/RyGltfCursor.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/scene/RyMeshPart.h"
 #include "rycore/scene/RyMorph.h"
@@ -8,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 using Json = nlohmann::ordered_json;
 
@@ -44,7 +46,13 @@ RyGltfMorphWriter::RyGltfMorphWriter(RyGltfDocument &document, const RyShape &sh
 
 float RyGltfMorphWriter::valueOf(const RyMorph &morph)
 {
-    return morph.getValueControl() ? morph.getValueControl()->getValue() : 0.0f;
+    return morph.getValueControl() ? readable(morph.getValueControl()->getValue()) : 0.0f;
+}
+
+float RyGltfMorphWriter::readable(float value)
+{
+    static const float largest = std::nextafter(float(RyGltfCursor::Largest), 0.0f);
+    return std::clamp(value, -largest, largest);
 }
 
 int RyGltfMorphWriter::numberIn(const RyGltfFigureSource &known, const RyMorph &morph, int node)

@@ -32,8 +32,10 @@ public:
     /// Names of the morphs and their values, for a mesh of which only one node has to show them.
     void writeValues(int mesh);
 
-    /// What is shown of a morph without a clip.
+    /// What is shown of a morph without a clip, as far as a file can say it.
     static float valueOf(const RyMorph &morph);
+    /// The value, or the nearest that readers take.
+    static float readable(float value);
 
 private:
     using Target = std::vector<std::pair<std::string, int>>;
