@@ -7,6 +7,7 @@
 
 #include <QPointer>
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -40,6 +41,9 @@ struct RyGltfLoadedWeights
     std::vector<quint16> weights;
 };
 
+/// The linear part of a map, for row vectors.
+using RyGltfLinear = std::array<std::array<double, 3>, 3>;
+
 struct RyGltfFigureSource
 {
     QPointer<RyNode> sceneNode; // a figure, or a prop
@@ -52,6 +56,8 @@ struct RyGltfFigureSource
     /// In the order of the bindings. Shared, for it is large and never changes.
     using Weights = std::vector<RyGltfLoadedWeights>;
     std::shared_ptr<const Weights> weights = std::make_shared<Weights>();
+    /// Of a rebound figure, by vertex: how it was turned and scaled when it was brought to the rest, behind `toFigure`.
+    std::shared_ptr<const std::vector<RyGltfLinear>> toNodePose;
     QString mapsText;          // local, scale and bulge maps as the extras say them
     int firstRoot = -1;        // node of the first topmost bone
     QString riggingText;       // of the figure itself, as that of nodes

@@ -24,5 +24,4 @@ struct RyGltfFigureDraft
     RyGltfFigureSource source;
     int entry = -1; // of what an earlier save stored
     std::unique_ptr<RyGltfMeshBuilder> mesh;
-    std::vector<RyGltfMorphReader::Linear> toNodePose; // per vertex, how it was turned when it was brought there
 };

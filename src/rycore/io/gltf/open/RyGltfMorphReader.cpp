@@ -3,7 +3,6 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/document/RyGltfFloats.h"
-#include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/open/RyGltfNames.h"
 #include "rycore/scene/RyMeshPart.h"
 #include "rycore/scene/RyShape.h"
@@ -16,15 +15,15 @@ namespace {
 
 constexpr double Farthest = 1e9; // centimetres, as for positions
 
-RyGltfMorphReader::Linear linearOf(const RyAffine &map)
+RyGltfLinear linearOf(const RyAffine &map)
 {
-    RyGltfMorphReader::Linear linear;
+    RyGltfLinear linear;
     for (size_t row = 0; row < 3; ++row)
         std::copy_n(map.m[row], 3, linear[row].begin());
     return linear;
 }
 
-void apply(const RyGltfMorphReader::Linear &linear, double (&delta)[3])
+void apply(const RyGltfLinear &linear, double (&delta)[3])
 {
     const double from[3] = {delta[0], delta[1], delta[2]};
     for (size_t column = 0; column < 3; ++column)
@@ -68,7 +67,7 @@ bool RyGltfMorphReader::isUsable(int accessor)
 }
 
 void RyGltfMorphReader::addPart(const RyGltfPartSource &source, const RyMeshPart &part, const RyAffine &toFigure,
-                                const std::vector<Linear> &further)
+                                const std::vector<RyGltfLinear> *further)
 {
     const std::vector<int> &accessors =
         m_document.model().meshes[size_t(source.mesh)].primitives[size_t(source.primitive)].morphPositions;
@@ -94,12 +93,12 @@ void RyGltfMorphReader::addPart(const RyGltfPartSource &source, const RyMeshPart
 }
 
 bool RyGltfMorphReader::addDeltas(int accessor, const RyMeshPart &part, const RyAffine &toFigure,
-                                  const std::vector<Linear> &further, Draft &draft)
+                                  const std::vector<RyGltfLinear> *further, Draft &draft)
 {
     const RyGltfFloats floats(m_document, accessor);
     if (floats.count() != part.vertexOfSplit.size())
         return false;
-    const Linear linear = linearOf(toFigure);
+    const RyGltfLinear linear = linearOf(toFigure);
     const size_t before = draft.deltas.size();
     for (size_t split = 0; split < floats.count(); ++split) {
         const float *from = floats.data() + 3 * split;
@@ -108,8 +107,8 @@ bool RyGltfMorphReader::addDeltas(int accessor, const RyMeshPart &part, const Ry
         const int vertex = part.vertexOfSplit[split];
         double delta[3] = {double(from[0]), double(from[1]), double(from[2])};
         apply(linear, delta);
-        if (!further.empty())
-            apply(further[size_t(vertex)], delta);
+        if (further)
+            apply((*further)[size_t(vertex)], delta);
         for (const double number : delta) {
             if (!(std::abs(number) <= Farthest)) {
                 draft.deltas.resize(before);

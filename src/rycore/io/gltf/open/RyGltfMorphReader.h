@@ -1,12 +1,11 @@
 #pragma once
 
-#include "rycore/io/gltf/extras/RyGltfMorphSource.h"
+#include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/math/RyAffine.h"
 #include "rycore/math/RyVec3.h"
 
 #include <QStringList>
 
-#include <array>
 #include <map>
 #include <utility>
 #include <vector>
@@ -14,7 +13,6 @@
 class RyGltfDocument;
 class RyNode;
 class RyShape;
-struct RyGltfPartSource;
 struct RyMeshPart;
 
 /// Makes the morphs of a shape of the targets of its parts. Targets of one name are one morph, the second ones of a
@@ -23,17 +21,14 @@ struct RyMeshPart;
 class RyGltfMorphReader
 {
 public:
-    /// The linear part of a map, for row vectors.
-    using Linear = std::array<std::array<double, 3>, 3>;
-
     RyGltfMorphReader(const RyGltfDocument &document, QStringList *messages)
         : m_document(document), m_messages(messages)
     {}
 
-    /// `toFigure`: mesh space to figure space in centimetres; `further`, where it is not empty: what was done with each
+    /// `toFigure`: mesh space to figure space in centimetres; `further`, where it is not null: what was done with each
     /// vertex of the shape from there on.
     void addPart(const RyGltfPartSource &source, const RyMeshPart &part, const RyAffine &toFigure,
-                 const std::vector<Linear> &further);
+                 const std::vector<RyGltfLinear> *further);
     /// Adds the morphs, with the values that the file says; names differ from those of the values of `node`.
     std::vector<RyGltfMorphSource> addTo(RyShape &shape, const RyNode &node);
 
@@ -49,8 +44,8 @@ private:
 
     std::vector<Key> keysOf(int mesh);
     bool isUsable(int accessor);
-    bool addDeltas(int accessor, const RyMeshPart &part, const RyAffine &toFigure, const std::vector<Linear> &further,
-                   Draft &draft);
+    bool addDeltas(int accessor, const RyMeshPart &part, const RyAffine &toFigure,
+                   const std::vector<RyGltfLinear> *further, Draft &draft);
     void addTarget(const RyGltfMorphSource::Target &target, Draft &draft);
     void say(const QString &message) const
     {

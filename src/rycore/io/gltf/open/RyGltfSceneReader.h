@@ -45,9 +45,8 @@ private:
     void noteNode(int node, RyNode &sceneNode);
     RyNode *sceneNodeAbove(int node) const;
     void buildMesh(Figure &figure);
-    std::vector<RyGltfMorphReader::Linear> bringToNodePose(Figure &figure);
-    void readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame,
-                    const std::vector<RyGltfMorphReader::Linear> &further);
+    std::vector<RyGltfLinear> bringToNodePose(Figure &figure);
+    void readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame);
     std::vector<std::vector<RyAffine>> restToNodePose(const Figure &figure) const;
     std::vector<size_t> bonesToBind(const Figure &figure,
                                     const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const;

@@ -45,7 +45,7 @@ void RyGltfSceneReader::buildMesh(Figure &figure)
         say(QStringLiteral("%1 influences that name no joint or are no positive numbers were left out")
                 .arg(figure.mesh->droppedInfluences));
     if (figure.rest.rebound)
-        figure.toNodePose = bringToNodePose(figure);
+        figure.source.toNodePose = std::make_shared<std::vector<RyGltfLinear>>(bringToNodePose(figure));
 }
 
 /// Per skin and bone: from figure space, where the mesh lies as the file has it, to where the file's skinning brings
@@ -68,7 +68,7 @@ std::vector<std::vector<RyAffine>> RyGltfSceneReader::restToNodePose(const Figur
 }
 
 /// The file's own skinning, once. A vertex belongs to the parts of one skin. Says how each was turned and scaled.
-std::vector<RyGltfMorphReader::Linear> RyGltfSceneReader::bringToNodePose(Figure &figure)
+std::vector<RyGltfLinear> RyGltfSceneReader::bringToNodePose(Figure &figure)
 {
     std::vector<RyVec3> &positions = figure.mesh->positions;
     std::vector<int> skinOfVertex(positions.size(), -1);
@@ -79,7 +79,7 @@ std::vector<RyGltfMorphReader::Linear> RyGltfSceneReader::bringToNodePose(Figure
     }
     const std::vector<std::vector<RyAffine>> toNodePose = restToNodePose(figure);
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
-    std::vector<RyGltfMorphReader::Linear> linear(positions.size(), RyGltfMorphReader::Linear{});
+    std::vector<RyGltfLinear> linear(positions.size(), RyGltfLinear{});
     const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
     for (size_t bone = 0; bone < weights.size(); ++bone) {
         for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
@@ -113,8 +113,7 @@ std::vector<RyGltfMorphReader::Linear> RyGltfSceneReader::bringToNodePose(Figure
 }
 
 /// `propFrame`: mesh space of a prop to figure space in centimetres.
-void RyGltfSceneReader::readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame,
-                                   const std::vector<RyGltfMorphReader::Linear> &further)
+void RyGltfSceneReader::readMorphs(RyGltfFigureSource &source, RyShape &shape, int entry, const RyAffine &propFrame)
 {
     RyGltfMorphReader morphs(*m_origin->document, m_messages);
     for (size_t p = 0; p < source.parts.size(); ++p) {
@@ -122,7 +121,7 @@ void RyGltfSceneReader::readMorphs(RyGltfFigureSource &source, RyShape &shape, i
         const auto skin = std::find_if(source.skins.begin(), source.skins.end(),
                                        [&part](const RyGltfSkinSource &each) { return each.skin == part.skin; });
         morphs.addPart(part, source.meshParts->parts[p], skin == source.skins.end() ? propFrame : skin->toFigure,
-                       further);
+                       source.toNodePose.get());
     }
     source.morphs = morphs.addTo(shape, *source.sceneNode);
     RyMorphExtras::apply(*m_origin->document, entry, shape);
@@ -149,7 +148,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
 
     object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
     figure.source.meshParts = parts;
-    readMorphs(figure.source, *shape, figure.entry, RyAffine(), figure.toNodePose);
+    readMorphs(figure.source, *shape, figure.entry, RyAffine());
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
     figure.source.vertexCount = vertexCount;

@@ -157,7 +157,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     object->setName(source.sceneNode->getName());
     object->addShape(shape);
     figure.meshParts = parts;
-    readMorphs(figure, *shape, entry, source.bind, {});
+    readMorphs(figure, *shape, entry, source.bind);
     source.sceneNode->setObject(object);
     figure.positionsHash = ryPositionsHash(*source.sceneNode);
     figure.vertexCount = mesh->getNumVertices();

@@ -125,16 +125,17 @@ int RyGltfMorphWriter::addDeltas(const RyMorph &morph, const RyMeshPart &part)
     return zeros->second;
 }
 
-void RyGltfMorphWriter::writeTargets(int mesh, int primitive, const RyMeshPart &part, const RyGltfFigureSource *known,
-                                     const RyGltfPartSource *from)
+void RyGltfMorphWriter::writeTargets(int mesh, int primitive, const RyMeshPart &part, const Origin *origin)
 {
     if (part.vertexOfSplit.empty())
         return;
     std::vector<Target> targets;
     for (const RyMorph *morph : m_shape.getMorphs()) {
         Target target;
-        if (known && from)
-            target = targetAt(mesh, primitive, numberIn(*known, *morph, from->node));
+        if (origin)
+            target = targetAt(mesh, primitive, numberIn(origin->figure, *morph, origin->part.node));
+        for (auto &[name, accessor] : target)
+            accessor = origin->change.turnDeltas(name, accessor, mesh, primitive, part);
         const auto position = std::find_if(target.begin(), target.end(),
                                            [](const auto &attribute) { return attribute.first == "POSITION"; });
         if (position == target.end())
@@ -146,26 +147,27 @@ void RyGltfMorphWriter::writeTargets(int mesh, int primitive, const RyMeshPart &
     m_document.setTargets(mesh, primitive, targets);
 }
 
-void RyGltfMorphWriter::renewTargets(int mesh, int primitive, const RyMeshPart &part, const RyGltfFigureSource &known,
-                                     const RyGltfPartSource &from)
+void RyGltfMorphWriter::renewTargets(int mesh, int primitive, const RyMeshPart &part, const Origin &origin)
 {
     const size_t count = m_document.model().meshes[size_t(mesh)].primitives[size_t(primitive)].morphPositions.size();
-    std::vector<Target> targets;
-    bool isOther = false;
+    std::vector<Target> targets, before;
     for (size_t i = 0; i < count; ++i)
-        targets.push_back(targetAt(mesh, primitive, int(i)));
+        before.push_back(targetAt(mesh, primitive, int(i)));
+    targets = before;
+    for (Target &target : targets) {
+        for (auto &[name, accessor] : target)
+            accessor = origin.change.turnDeltas(name, accessor, mesh, primitive, part);
+    }
     for (const RyMorph *morph : m_shape.getMorphs()) {
-        const int number = numberIn(known, *morph, from.node);
+        const int number = numberIn(origin.figure, *morph, origin.part.node);
         if (number < 0 || size_t(number) >= count)
             continue;
         for (auto &[name, accessor] : targets[size_t(number)]) {
-            if (name != "POSITION" || isSame(accessor, *morph, part))
-                continue;
-            accessor = m_document.replaceFloats(accessor, deltasOf(*morph, part));
-            isOther = true;
+            if (name == "POSITION" && !isSame(accessor, *morph, part))
+                accessor = m_document.replaceFloats(accessor, deltasOf(*morph, part));
         }
     }
-    if (isOther)
+    if (targets != before)
         m_document.setTargets(mesh, primitive, targets);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/io/gltf/extras/RyGltfFigureSource.h"
+#include "rycore/io/gltf/save/RyGltfSpaceChange.h"
 
 #include <map>
 #include <string>
@@ -20,13 +20,19 @@ public:
     /// `toFigure`: from the mesh space of the primitives to figure space in centimetres.
     RyGltfMorphWriter(RyGltfDocument &document, const RyShape &shape, const RyAffine &toFigure);
 
-    /// All morphs of the shape as targets of a primitive. Those that `known` says of a node of the file keep what the
-    /// primitive had in its mesh, as far as that still holds; null for a primitive that no file had.
-    void writeTargets(int mesh, int primitive, const RyMeshPart &part, const RyGltfFigureSource *known = nullptr,
-                      const RyGltfPartSource *from = nullptr);
+    /// Where a primitive comes from, and how directions go along.
+    struct Origin
+    {
+        const RyGltfFigureSource &figure;
+        const RyGltfPartSource &part;
+        const RyGltfSpaceChange &change;
+    };
+
+    /// All morphs of the shape as targets of a primitive. Those of its origin keep what the primitive had in its mesh,
+    /// as far as that still holds; null for a primitive that no file had.
+    void writeTargets(int mesh, int primitive, const RyMeshPart &part, const Origin *origin = nullptr);
     /// Renews the deltas of a primitive of the file that are others now.
-    void renewTargets(int mesh, int primitive, const RyMeshPart &part, const RyGltfFigureSource &known,
-                      const RyGltfPartSource &from);
+    void renewTargets(int mesh, int primitive, const RyMeshPart &part, const Origin &origin);
     /// Morphs behind the targets that a primitive has.
     void appendTargets(int mesh, int primitive, const RyMeshPart &part, const std::vector<const RyMorph *> &morphs);
     /// Names of the morphs and their values, for a mesh of which only one node has to show them.

@@ -216,12 +216,17 @@ int RyGltfNewNodes::addKnownMesh(const RyNode &node, const RyGltfFigureSource &k
     for (size_t p = 0; p < known.parts.size(); ++p)
         parts.push_back({mesh, int(p), &known.meshParts->parts[p]});
     RyGltfVertexPatch(m_document, *meshOf(node), toFigure).write(parts);
-    if (!known.morphs.empty() || !shapeOf(node)->getMorphs().empty()) {
-        RyGltfMorphWriter morphs(m_document, *shapeOf(node), toFigure);
-        for (size_t p = 0; p < known.parts.size(); ++p)
-            morphs.writeTargets(mesh, int(p), known.meshParts->parts[p], &known, &known.parts[p]);
-        morphs.writeValues(mesh);
+    const bool hasMorphs = !known.morphs.empty() || !shapeOf(node)->getMorphs().empty();
+    RyGltfMorphWriter morphs(m_document, *shapeOf(node), toFigure);
+    for (size_t p = 0; p < known.parts.size(); ++p) {
+        const RyGltfSpaceChange change(m_document, known, frameOf(*m_source, known.parts[p]), toFigure);
+        change.turnTangents(mesh, int(p), known.meshParts->parts[p]);
+        const RyGltfMorphWriter::Origin origin{known, known.parts[p], change};
+        if (hasMorphs)
+            morphs.writeTargets(mesh, int(p), known.meshParts->parts[p], &origin);
     }
+    if (hasMorphs)
+        morphs.writeValues(mesh);
     for (const RyGltfPartSource &part : known.parts) {
         RyTreeExtras::copySurface(m_document, {part.mesh, part.primitive}, {mesh, int(&part - known.parts.data())});
     }

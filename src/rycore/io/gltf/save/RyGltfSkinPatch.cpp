@@ -208,22 +208,23 @@ void RyGltfSkinPatch::writeVertices(const Figure &figure)
         }
         vertices.write(parts);
         if (figure.isRebuilt)
-            renewMorphs(figure, skin);
+            renewDirections(figure, skin);
     }
 }
 
-/// Their deltas are in the space of the mesh, which is another now.
-void RyGltfSkinPatch::renewMorphs(const Figure &figure, const Skin &skin)
+/// Tangents and morphs are in the space of the mesh, which is another now.
+void RyGltfSkinPatch::renewDirections(const Figure &figure, const Skin &skin)
 {
-    const RyShape *shape = RyShape::getCurrentShapeForNode(figure.source->sceneNode);
-    if (!shape || shape->getMorphs().empty())
-        return;
-    RyGltfMorphWriter morphs(m_patch.document, *shape, figure.meshToFigure(skin, m_patch.source.unit));
+    const RyAffine toFigure = figure.meshToFigure(skin, m_patch.source.unit);
+    const RyGltfSpaceChange change(m_patch.document, *figure.source, skin.source->toFigure, toFigure);
+    RyGltfMorphWriter morphs(m_patch.document, *RyShape::getCurrentShapeForNode(figure.source->sceneNode), toFigure);
     std::set<std::pair<int, int>> done; // several nodes may show one mesh
     for (size_t p = 0; p < figure.source->parts.size(); ++p) {
         const RyGltfPartSource &part = figure.source->parts[p];
-        if (part.skin == skin.source->skin && done.insert({figure.meshes[p], part.primitive}).second)
-            morphs.renewTargets(figure.meshes[p], part.primitive, figure.parts->parts[p], *figure.source, part);
+        if (part.skin != skin.source->skin || !done.insert({figure.meshes[p], part.primitive}).second)
+            continue;
+        change.turnTangents(figure.meshes[p], part.primitive, figure.parts->parts[p]);
+        morphs.renewTargets(figure.meshes[p], part.primitive, figure.parts->parts[p], {*figure.source, part, change});
     }
 }
 
