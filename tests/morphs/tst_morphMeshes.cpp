@@ -144,6 +144,70 @@ private slots:
         QVERIFY2(losses.join('\n').contains("1 new morphs"), qPrintable(losses.join('\n')));
     }
 
+    /// Clips that drive the list by a pointer count its numbers as well.
+    void newMorphsBesidePointers_data()
+    {
+        QTest::addColumn<QString>("pointer");
+        QTest::addColumn<bool>("isTaken");
+        QTest::newRow("of the node") << "/nodes/3/weights" << false;
+        QTest::newRow("one of the node") << "/nodes/3/weights/2" << false;
+        QTest::newRow("of the mesh") << "/meshes/0/weights" << false;
+        QTest::newRow("of another mesh") << "/meshes/2/weights" << true;
+        QTest::newRow("no weights") << "/nodes/3/scale" << true;
+    }
+    void newMorphsBesidePointers()
+    {
+        QFETCH(QString, pointer);
+        QFETCH(bool, isTaken);
+        MorphFileStage stage;
+        json &tree = stage.file.sketch.tree;
+        tree["animations"][0]["channels"][0]["target"] = {
+            {"path", "pointer"}, {"extensions", {{"KHR_animation_pointer", {{"pointer", pointer.toStdString()}}}}}};
+        tree["extensionsUsed"].push_back("KHR_animation_pointer");
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        RyShape::getCurrentShapeForNode(stage.figureOf(character.scene))
+            ->addMorph(new RyMorph("added", {1}, {{1, 2, 3}}));
+        QStringList losses;
+        QString error;
+        const QString saved = stage.folder.filePath("pointed.gltf");
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error, nullptr, &losses), qPrintable(error));
+        QCOMPARE(losses.filter("1 new morphs").size(), isTaken ? 0 : 1);
+        CharacterScene again(saved);
+        QCOMPARE(stage.morphCalled(*stage.figureOf(again.scene), "added") != nullptr, isTaken);
+    }
+
+    /// Lists of another length than the targets.
+    void newMorphsBesideOddLists_data()
+    {
+        QTest::addColumn<int>("ofNode");
+        QTest::addColumn<int>("ofMesh");
+        QTest::newRow("too long") << MorphFile::BodyTargets + 3 << MorphFile::BodyTargets + 1;
+        QTest::newRow("too short") << 7 << 5;
+    }
+    void newMorphsBesideOddLists()
+    {
+        QFETCH(int, ofNode);
+        QFETCH(int, ofMesh);
+        MorphFileStage stage;
+        json &tree = stage.file.sketch.tree;
+        tree["animations"][0]["channels"].erase(0); // that of the weights
+        tree["nodes"][3]["weights"] = std::vector<double>(size_t(ofNode), 0.5);
+        tree["meshes"][0]["weights"] = std::vector<double>(size_t(ofMesh), 0.75);
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        auto *morph = new RyMorph("added", {1}, {{1, 2, 3}});
+        RyShape::getCurrentShapeForNode(stage.figureOf(character.scene))->addMorph(morph);
+        morph->getValueControl()->setValue(0.625f);
+        CharacterScene again(stage.save(character.scene, "added.gltf"));
+        QCOMPARE(stage.morphCalled(*stage.figureOf(again.scene), "added")->getValueControl()->getValue(), 0.625f);
+        const json &mesh = again.file.tree()["meshes"][0];
+        QCOMPARE(mesh["primitives"][0]["targets"].size(), size_t(MorphFile::BodyTargets + 1));
+        QCOMPARE(mesh["weights"].size(), size_t(MorphFile::BodyTargets + 1));
+        QCOMPARE(again.file.tree()["nodes"][3]["weights"].size(), size_t(MorphFile::BodyTargets + 1));
+        QVERIFY(largestDistance(character.shown(), again.shown()) < Near * character.height);
+    }
+
     /// They are written in the space that the vertices have then.
     void newMorphsOfReboundMeshes()
     {

@@ -71,7 +71,9 @@ RyGltfTarget targetOf(const RyGltfChannel &channel)
 
 } // namespace
 
-std::optional<std::pair<int, std::string>> ryGltfPointedNode(const Json &target)
+namespace {
+
+std::optional<std::pair<int, std::string>> pointedIn(RyGltfList wanted, const Json &target)
 {
     const Json *extensions = find(target, "extensions");
     const Json *extension = extensions ? find(*extensions, "KHR_animation_pointer") : nullptr;
@@ -80,10 +82,29 @@ std::optional<std::pair<int, std::string>> ryGltfPointedNode(const Json &target)
     int index = -1;
     std::string rest;
     if (!pointer || !pointer->is_string() ||
-        !RyGltfReferences::splitPointer(pointer->get_ref<const std::string &>(), list, index, rest) ||
-        list != RyGltfList::Nodes)
+        !RyGltfReferences::splitPointer(pointer->get_ref<const std::string &>(), list, index, rest) || list != wanted)
         return std::nullopt;
     return std::pair(index, rest);
+}
+
+} // namespace
+
+std::optional<std::pair<int, std::string>> ryGltfPointedNode(const Json &target)
+{
+    return pointedIn(RyGltfList::Nodes, target);
+}
+
+bool ryGltfDrivesWeights(const Json &target, int node, int mesh)
+{
+    const Json *path = find(target, "path");
+    const Json *driven = find(target, "node");
+    if (path && *path == "weights")
+        return !driven || *driven == node;
+    const auto isOfWeights = [](const auto &pointed, int index) {
+        return pointed && pointed->first == index && pointed->second.rfind("/weights", 0) == 0;
+    };
+    return isOfWeights(pointedIn(RyGltfList::Nodes, target), node) ||
+           isOfWeights(pointedIn(RyGltfList::Meshes, target), mesh);
 }
 
 const RyGltfChannel *RyGltfClip::find(int node, RyGltfPath path) const

@@ -103,3 +103,5 @@ private:
 /// The node that a pointer of KHR_animation_pointer like "/nodes/7/translation" goes to, and what follows it; none for
 /// any other target.
 std::optional<std::pair<int, std::string>> ryGltfPointedNode(const nlohmann::ordered_json &target);
+/// Whether a target is the weights of a node, or of its mesh, or one of them, by whatever way.
+bool ryGltfDrivesWeights(const nlohmann::ordered_json &target, int node, int mesh);

@@ -1,5 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfMorphPatch.h"
 
+#include "rycore/io/gltf/clips/RyGltfClips.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/save/RyGltfMorphWriter.h"
 #include "rycore/scene/RyMeshPart.h"
@@ -10,6 +12,19 @@
 #include <algorithm>
 
 using Json = nlohmann::ordered_json;
+
+namespace {
+
+/// A list of weights; those that are new are 0.
+void resize(Json &weights, size_t count)
+{
+    while (weights.size() > count)
+        weights.erase(weights.size() - 1);
+    while (weights.size() < count)
+        weights.push_back(0.0);
+}
+
+} // namespace
 
 void RyGltfMorphPatch::apply(QStringList *losses)
 {
@@ -71,8 +86,8 @@ Json &RyGltfMorphPatch::weightsOf(int node)
     if (!json.contains("weights"))
         json["weights"] = ofMesh.contains("weights") ? ofMesh["weights"] : Json::array();
     Json &weights = json["weights"];
-    while (weights.size() < countTargets(mesh))
-        weights.push_back(0.0);
+    if (weights.size() < countTargets(mesh))
+        resize(weights, countTargets(mesh));
     return weights;
 }
 
@@ -111,12 +126,10 @@ bool RyGltfMorphPatch::canTakeMore(const RyGltfFigureSource &figure, int node) c
     const Json &json = tree["meshes"][size_t(mesh)];
     if (json.contains("extras") && !json["extras"].is_object())
         return false;
-    for (const Json &clip : tree.value("animations", Json::array())) {
-        for (const Json &channel : clip.value("channels", Json::array())) {
+    for (const Json &clip : RyGltfReferences::listIn(tree, "animations")) {
+        for (const Json &channel : RyGltfReferences::listIn(clip, "channels")) {
             const Json *target = RyExtrasJson::find(channel, "target");
-            const Json *path = target ? RyExtrasJson::find(*target, "path") : nullptr;
-            const Json *driven = target ? RyExtrasJson::find(*target, "node") : nullptr;
-            if (path && *path == Json("weights") && (!driven || *driven == Json(node)))
+            if (target && ryGltfDrivesWeights(*target, node, mesh))
                 return false;
         }
     }
@@ -139,6 +152,7 @@ void RyGltfMorphPatch::addTo(const RyGltfFigureSource &figure, int node, const R
     const int mesh = m_patch.document.model().nodes[size_t(node)].mesh;
     const size_t before = countTargets(mesh);
     Json &weights = weightsOf(node);
+    resize(weights, before);
     for (size_t p = 0; p < figure.parts.size(); ++p) {
         if (figure.parts[p].node != node)
             continue;
@@ -158,4 +172,7 @@ void RyGltfMorphPatch::addTo(const RyGltfFigureSource &figure, int node, const R
             names.push_back(name);
         weights.push_back(RyGltfMorphWriter::valueOf(*morphs[i]));
     }
+    Json &json = m_patch.document.json()["meshes"][size_t(mesh)];
+    if (json.contains("weights"))
+        resize(json["weights"], weights.size());
 }
