@@ -144,6 +144,59 @@ private slots:
         QVERIFY2(losses.join('\n').contains("1 new morphs"), qPrintable(losses.join('\n')));
     }
 
+    /// What is not shown gets targets as well: all primitives of a mesh have as many.
+    void linesAndPointsBesideTriangles_data()
+    {
+        QTest::addColumn<bool>("isConverted");
+        QTest::newRow("added") << false;
+        QTest::newRow("converted") << true;
+    }
+    void linesAndPointsBesideTriangles()
+    {
+        QFETCH(bool, isConverted);
+        MorphFileStage stage;
+        json &tree = stage.file.sketch.tree;
+        tree["animations"][0]["channels"].erase(0); // that of the weights
+        for (const int mode : {0, 1}) {
+            json &body = tree["meshes"][0];
+            json bare = body["primitives"][size_t(mode)];
+            bare.erase("indices");
+            bare["mode"] = mode;
+            body["primitives"].insert(body["primitives"].begin() + mode, bare);
+        }
+        stage.file.sketch.write(stage.path);
+        CharacterScene character(stage.path);
+        RySkeleton *figure = stage.figureOf(character.scene);
+        auto *morph = new RyMorph("added", {1}, {{1, 20, 3}});
+        RyShape::getCurrentShapeForNode(figure)->addMorph(morph);
+        morph->getValueControl()->setValue(0.5f);
+        if (isConverted)
+            RySkeleton::convertFigureToProp(figure, "statue");
+        QStringList losses;
+        QString error;
+        const QString saved = stage.folder.filePath("lines.glb");
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error, nullptr, &losses), qPrintable(error));
+        QVERIFY2(losses.isEmpty(), qPrintable(losses.join('\n')));
+        CharacterScene again(saved);
+        const RyNode *read = stage.nodeCalled(again.scene, isConverted ? "statue" : figure->getName());
+        QCOMPARE(stage.morphCalled(*read, "added")->getValueControl()->getValue(), 0.5f);
+        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        int bare = 0;
+        for (const json &mesh : again.file.tree()["meshes"]) {
+            for (const json &primitive : mesh["primitives"]) {
+                bare += primitive.value("mode", 4) < 4;
+                QCOMPARE(primitive["targets"].size(), mesh["primitives"][0]["targets"].size());
+                for (const json &target : primitive["targets"]) {
+                    const json &accessors = again.file.tree()["accessors"];
+                    QVERIFY(accessors[target["POSITION"].get<size_t>()]["count"] ==
+                            accessors[primitive["attributes"]["POSITION"].get<size_t>()]["count"]);
+                }
+            }
+        }
+        QCOMPARE(bare, isConverted ? 4 : 2);
+        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
+    }
+
     /// Clips that drive the list by a pointer count its numbers as well.
     void newMorphsBesidePointers_data()
     {
