@@ -287,6 +287,36 @@ private slots:
         QVERIFY(sameDumps(rySceneDump(moved.scene), rySceneDump(character.scene)));
     }
 
+    void movedVerticesAreTold_data()
+    {
+        QTest::addColumn<bool>("isRebound");
+        QTest::newRow("as bound") << false;
+        QTest::newRow("rebound") << true;
+    }
+    void movedVerticesAreTold()
+    {
+        QFETCH(bool, isRebound);
+        MorphFileStage stage;
+        if (isRebound)
+            stage.useTwoBinds();
+        CharacterScene character(stage.path);
+        RyFacetMesh *mesh =
+            qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(stage.figureOf(character.scene)))
+                ->getFacetMesh();
+        std::vector<RyVec3> positions = mesh->getPositions();
+        positions[3] += RyVec3(1, 2, 3);
+        mesh->setPositions(positions);
+        QString error;
+        QStringList messages;
+        const QString saved = stage.folder.filePath("moved.glb");
+        QVERIFY2(RySceneFile::save(&character.scene, saved, &error, &messages), qPrintable(error));
+        QCOMPARE(messages.filter("its morphs in the file stay as they were").size(), isRebound ? 0 : 1);
+        QCOMPARE(messages.filter("its morphs are written for the new space").size(), isRebound ? 1 : 0);
+        CharacterScene again(saved);
+        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        QVERIFY(largestDistance(character.shown(), again.shown()) < Near * character.height);
+    }
+
     void damagedTargets()
     {
         MorphFileStage stage;
