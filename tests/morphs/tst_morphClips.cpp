@@ -1,6 +1,7 @@
 #include "MorphFileStage.h"
 
 #include "evaluator/GltfClipEvaluator.h"
+#include "rycore/figure/RyFigure.h"
 #include "rycore/scene/clips/RyClipPlayer.h"
 
 using nlohmann::json;
@@ -84,6 +85,85 @@ private slots:
         QCOMPARE(morph->shownValue(), 0.125f);
     }
 
+    /// The clip drives the morphs where the mesh stands then, of one node or of two, with clips left as they are as
+    /// well.
+    void followsItsMesh_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<bool>("jointsOnly");
+        QTest::addColumn<QString>("head");
+        for (const char *kind : {"LINEAR", "STEP", "CUBICSPLINE"}) {
+            for (const bool jointsOnly : {false, true}) {
+                for (const char *head : {"", "same times", "other times"})
+                    QTest::addRow("%s%s, head %s", kind, jointsOnly ? ", joints only" : "", head)
+                        << kind << jointsOnly << head;
+            }
+        }
+    }
+    void followsItsMesh()
+    {
+        QFETCH(QString, kind);
+        QFETCH(bool, jointsOnly);
+        QFETCH(QString, head);
+        useKind(kind.toStdString());
+        if (!head.isEmpty())
+            driveHead(head == "other times");
+        CharacterScene character(path);
+        std::mt19937 random(ryTestSeed());
+        changeValues(character.scene, random);
+        RyNode *figure = figureOf(character.scene);
+        std::map<QString, std::vector<float>> wanted;
+        for (const double time : Times) {
+            character.scene.getClipPlayer()->show(character.scene.getClips().at(0), time);
+            for (const RyMorph *morph : morphsOf(*figure))
+                wanted[morph->getName()].push_back(morph->shownValue());
+        }
+        character.scene.getClipPlayer()->stop();
+        RySkeleton::convertFigureToProp(figureOf(character.scene), "statue");
+        RySceneFile::SaveOptions options;
+        options.jointsOnly = jointsOnly;
+        QString error;
+        QStringList messages;
+        const QString saved = folder.filePath("statue.glb");
+        QVERIFY2(RySceneFile::save(&character.scene, saved, options, &error, &messages), qPrintable(error));
+        const bool isLost = head == "other times";
+        QCOMPARE(messages.filter("Morphs of meshes that stand on another node now").filter("talk").size(), int(isLost));
+        CharacterScene again(saved);
+        QVERIFY(GltfClipEvaluator(again.file, 0).leftOut().empty());
+        const RyNode *statue = nodeCalled(again.scene, "statue");
+        for (size_t i = 0; i < std::size(Times); ++i) {
+            again.scene.getClipPlayer()->show(again.scene.getClips().at(0), Times[i]);
+            for (const auto &[name, values] : wanted) {
+                const bool isOfBody = file.figureMorphs.at(name).front().first == 3;
+                if (isOfBody || !isLost)
+                    QVERIFY(std::abs(morphCalled(*statue, name)->shownValue() - values[i]) < 1e-6f);
+            }
+        }
+        again.scene.getClipPlayer()->stop();
+        QCOMPARE(bytesOf(save(again.scene, "second.glb")), bytesOf(saved));
+    }
+
+    void followsItsMeshIntoAFigure()
+    {
+        json &clip = file.sketch.tree["animations"][0];
+        clip["samplers"][0]["output"] = file.sketch.add<float>({0, 0.25f, 0.5f, 1, 1, 0.75f, 0, 0.5f}, 5126, "SCALAR");
+        clip["channels"][0]["target"]["node"] = 5;
+        file.sketch.write(path);
+        CharacterScene character(path);
+        RyNode *prop = nodeCalled(character.scene, "prop");
+        QVERIFY(RyFigure::convertPropToFigure(prop, "stem", false, false));
+        CharacterScene again(save(character.scene, "stem.glb"));
+        QVERIFY(GltfClipEvaluator(again.file, 0).leftOut().empty());
+        again.scene.getClipPlayer()->show(again.scene.getClips().at(0), 0.5);
+        RyNode *figure = nullptr;
+        for (RySkeleton *each : again.scene.getSkeletons())
+            figure = morphCalled(*each, "shape 1") ? figure : each;
+        QVERIFY(figure);
+        QCOMPARE(morphCalled(*figure, "Morph 1")->shownValue(), 0.5f);
+        QCOMPARE(morphCalled(*figure, "Morph 3")->shownValue(), 0.25f);
+        QCOMPARE(morphCalled(*figure, "Morph 4")->shownValue(), 0.75f);
+    }
+
     void damaged_data()
     {
         QTest::addColumn<int>("left");
@@ -116,6 +196,26 @@ private:
         for (int i = 0; i < rows * MorphFile::BodyTargets; ++i)
             values.push_back(float(i % 11) / 8.0f - 0.25f);
         sampler["output"] = file.sketch.add<float>(values, 5126, "SCALAR");
+        file.sketch.write(path);
+    }
+
+    static constexpr double Times[] = {0.0, 0.3, 0.5, 1.0};
+
+    /// A second channel, of the head's weights.
+    void driveHead(bool atOtherTimes)
+    {
+        json &clip = file.sketch.tree["animations"][0];
+        json sampler = clip["samplers"][0];
+        if (atOtherTimes)
+            sampler["input"] = file.sketch.add<float>({0.25f, 0.75f}, 5126, "SCALAR");
+        const int rows = sampler["interpolation"] == "CUBICSPLINE" ? 6 : 2;
+        std::vector<float> values;
+        for (int i = 0; i < rows * MorphFile::HeadTargets; ++i)
+            values.push_back(float(i % 5) / 16.0f + 0.5f);
+        sampler["output"] = file.sketch.add<float>(values, 5126, "SCALAR");
+        clip["channels"].push_back(
+            {{"sampler", clip["samplers"].size()}, {"target", {{"node", 4}, {"path", "weights"}}}});
+        clip["samplers"].push_back(sampler);
         file.sketch.write(path);
     }
 

@@ -71,3 +71,13 @@ std::vector<const RyMorph *> RyGltfFigureSource::newMorphs(const RyShape &shape)
     }
     return result;
 }
+
+bool RyGltfFigureSource::hasMorphsOf(int node) const
+{
+    return std::any_of(morphs.begin(), morphs.end(), [node](const RyGltfMorphSource &each) {
+        const RyNode *shown = each.morph ? each.morph->getNode() : nullptr;
+        return shown && shown->getScene() &&
+               std::any_of(each.targets.begin(), each.targets.end(),
+                           [node](const RyGltfMorphSource::Target &target) { return target.node == node; });
+    });
+}

@@ -71,6 +71,8 @@ struct RyGltfFigureSource
     bool hasOtherVertices() const;
     /// Whether they can go into the file's own meshes: they are still as many, in the same parts.
     bool canWriteVertices() const;
+    /// Whether morphs that a node of the file shows are in the scene, on whatever node.
+    bool hasMorphsOf(int node) const;
     /// Morphs of a shape that the file does not have.
     std::vector<const RyMorph *> newMorphs(const RyShape &shape) const;
 };

@@ -4,8 +4,8 @@
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 
 /// Brings the clips in line with a patched tree: re-expresses them where rests or parents changed, and takes the
-/// channels of removed joints and props out of the clips, with the samplers that only they used. Nodes that stay in
-/// their places for what they hold keep their channels. The tree must be in line with the scene.
+/// channels of removed joints and props out of the clips. Nodes that stay in their places for what they hold keep their
+/// channels. The tree must be in line with the scene.
 class RyGltfClipPatch
 {
 public:
@@ -20,14 +20,9 @@ private:
     void reportKept() const;
     void drop();
     void findGone();
-    void findWithoutMesh();
     bool isGone(const nlohmann::ordered_json &target) const;
-    bool dropChannels(nlohmann::ordered_json &clip);
-    void dropSamplers(nlohmann::ordered_json &clip, const std::set<size_t> &candidates);
 
     RyGltfScenePatch &m_patch;
     const RyGltfClips &m_clips;
-    std::set<int> m_gone;        // nodes that hang nowhere any more
-    std::set<int> m_withoutMesh; // nodes whose morphs clips drove
-    std::set<int> m_accessors;   // that dropped samplers read
+    std::set<int> m_gone; // nodes that hang nowhere any more
 };

@@ -143,6 +143,7 @@ void RyGltfNewNodes::addMeshOf(const RyNode &node, int fileNode, const RyAffine 
         return;
     if (const RyGltfFigureSource *known = knownMesh(node)) {
         m_document.setNodeMeshAndSkin(fileNode, addKnownMesh(node, *known, frame), -1);
+        m_moved.push_back({known, shapeOf(node), fileNode});
         m_figures.push_back(&node);
         return;
     }
@@ -180,6 +181,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
         bindKnownMesh(skeletonNode, knownIndex, jointOf);
         const int holder = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
         m_document.setNodeMeshAndSkin(holder, knownIndex, skin);
+        m_moved.push_back({known, shapeOf(skeleton), holder});
         return;
     }
     const RyGltfInfluences influences(binding, mesh->getNumVertices());

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/io/gltf/save/RyGltfNewLooks.h"
+#include "rycore/io/gltf/save/RyGltfWeightsPatch.h"
 
 #include <QStringList>
 
@@ -37,6 +38,8 @@ public:
 
     /// Nodes of all bones.
     const std::set<int> &joints() const { return m_joints; }
+    /// Meshes of the source that nodes of ours show.
+    const std::vector<RyGltfMovedMesh> &movedMeshes() const { return m_moved; }
     /// Figures with their skins first, then props: the order in which they will be read.
     std::vector<const RyNode *> figures() const;
 
@@ -58,4 +61,5 @@ private:
     RyGltfNodeIndex m_nodeOf;
     std::vector<const RyNode *> m_figures;
     std::set<int> m_joints;
+    std::vector<RyGltfMovedMesh> m_moved;
 };

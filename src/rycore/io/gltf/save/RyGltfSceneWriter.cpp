@@ -14,6 +14,7 @@
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 #include "rycore/io/gltf/save/RyGltfStructurePatch.h"
 #include "rycore/io/gltf/save/RyGltfWeightComparison.h"
+#include "rycore/io/gltf/save/RyGltfWeightsPatch.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -163,6 +164,7 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
     // Meshes and skins that no file had.
     RyGltfNewNodes newNodes(*document, source->unit, source.get());
     newNodes.addMeshes(patch);
+    RyGltfWeightsPatch(patch, newNodes.movedMeshes()).apply();
     patch.joints.insert(newNodes.joints().begin(), newNodes.joints().end());
     storeExtras(patch, newNodes.figures());
     document->dropUnused();
