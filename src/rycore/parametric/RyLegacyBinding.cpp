@@ -1,0 +1,121 @@
+#include "rycore/parametric/RyLegacyBinding.h"
+
+#include "rycore/base/RyPlaceChange.h"
+#include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <algorithm>
+#include <utility>
+
+struct RyLegacyBinding::JointList : RyListOf<RyLegacyBinding, RyLegacyJoint>
+{
+    static bool mayMove(const RyLegacyBinding &binding, const RyLegacyJoint &joint)
+    {
+        return !joint.getBinding() || joint.getBinding() == &binding;
+    }
+    static const auto &of(const RyLegacyBinding &binding) { return binding.m_joints; }
+    static bool has(const RyLegacyBinding &binding, const RyLegacyJoint &joint)
+    {
+        return joint.getBinding() == &binding;
+    }
+    static void take(RyLegacyBinding &binding, RyLegacyJoint *joint, int place) { binding.takeJoint(joint, place); }
+    static void insert(RyLegacyBinding &binding, RyLegacyJoint *joint, int index) { binding.insertJoint(joint, index); }
+};
+
+RyLegacyBinding::RyLegacyBinding()
+{
+    connect(this, &RyLegacyBinding::bindingChanged, this, &RyModifier::modifierChanged);
+}
+
+RyLegacyBinding::~RyLegacyBinding()
+{
+    for (RyLegacyJoint *joint : m_joints) {
+        disconnect(joint, nullptr, this, nullptr);
+        joint->m_binding = nullptr;
+        joint->unref();
+    }
+}
+
+RyLegacyBinding *RyLegacyBinding::findBinding(const RySkeleton *skeleton)
+{
+    return findBinding(skeleton ? skeleton->getObject() : nullptr);
+}
+
+RyLegacyBinding *RyLegacyBinding::findBinding(const RyObject *object)
+{
+    return object ? object->findModifier<RyLegacyBinding>() : nullptr;
+}
+
+RyLegacyJoint *RyLegacyBinding::findJoint(const RyNode *bone) const
+{
+    const auto found = std::find_if(m_joints.begin(), m_joints.end(),
+                                    [bone](const RyLegacyJoint *joint) { return joint->getBone() == bone; });
+    return bone && found != m_joints.end() ? *found : nullptr;
+}
+
+bool RyLegacyBinding::addJoint(RyLegacyJoint *joint)
+{
+    if (!joint || joint->m_binding)
+        return false;
+    const RyRef<RyLegacyJoint> guard(joint);
+    RyPlaceChange<JointList>::record(this, joint, -1);
+    insertJoint(joint, int(m_joints.size()));
+    return true;
+}
+
+bool RyLegacyBinding::removeJoint(RyLegacyJoint *joint)
+{
+    const auto place = std::find(m_joints.begin(), m_joints.end(), joint);
+    if (place == m_joints.end())
+        return false;
+    const RyRef<RyLegacyJoint> guard(joint);
+    const int index = int(place - m_joints.begin());
+    RyPlaceChange<JointList>::record(this, joint, index);
+    takeJoint(joint, index);
+    return true;
+}
+
+void RyLegacyBinding::insertJoint(RyLegacyJoint *joint, int index)
+{
+    joint->ref();
+    joint->m_binding = this;
+    m_joints.insert(m_joints.begin() + std::min(index, int(m_joints.size())), joint);
+    connect(joint, &RyLegacyJoint::jointChanged, this, &RyLegacyBinding::announce);
+    announce();
+}
+
+void RyLegacyBinding::takeJoint(RyLegacyJoint *joint, int index)
+{
+    for (RyLegacyJointParam *param : joint->params())
+        emit param->aboutToBeRemoved();
+    m_joints.erase(m_joints.begin() + index);
+    disconnect(joint, nullptr, this, nullptr);
+    joint->m_binding = nullptr;
+    announce();
+    joint->unref();
+}
+
+void RyLegacyBinding::announce()
+{
+    if (editLevel() > 0)
+        m_touched = true;
+    else
+        emit bindingChanged();
+}
+
+void RyLegacyBinding::editFinished()
+{
+    if (std::exchange(m_touched, false))
+        emit bindingChanged();
+}
+
+RyWeightMap *RyLegacyBinding::makeWeights(const RyLegacyJointParam &, const RySkeleton *)
+{
+    return nullptr;
+}
+
+bool RyLegacyBinding::deform(RyShapePoints &)
+{
+    return true;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/scene/RyModifier.h"
+
+class RyNode;
+class RySkeleton;
+class RyWeightMap;
+
+/// Moves the vertices of a parametric figure's shape with its bones: the joints with their parameters say how far each
+/// vertex follows each motion of each bone. Edits are undoable where a hold is open.
+class RyLegacyBinding : public RyModifier
+{
+    Q_OBJECT
+public:
+    RyLegacyBinding();
+    ~RyLegacyBinding() override;
+
+    /// The binding of that object, or of the object of that skeleton; null without one and for null.
+    static RyLegacyBinding *findBinding(const RySkeleton *skeleton);
+    static RyLegacyBinding *findBinding(const RyObject *object);
+
+    // --- Joints, in the order in which they were added.
+    const std::vector<RyLegacyJoint *> &joints() const { return m_joints; }
+    /// The joint of exactly that bone; null without one and for null.
+    RyLegacyJoint *findJoint(const RyNode *bone) const;
+    /// False for null and for a joint that is in a binding. Takes ownership.
+    bool addJoint(RyLegacyJoint *joint);
+    /// The joint is deleted unless something else (an undo step) holds it.
+    bool removeJoint(RyLegacyJoint *joint);
+
+    /// See RyLegacyJointParam::getWeights; a new map.
+    RyWeightMap *makeWeights(const RyLegacyJointParam &param, const RySkeleton *skeleton);
+
+    bool deform(RyShapePoints &points) override;
+
+signals:
+    /// Joints, parameters or values changed; once per outermost edit of the binding, where one is open.
+    void bindingChanged();
+
+protected:
+    void editBegun() override { m_touched = false; }
+    void editFinished() override;
+    /// Parameters have snapshots of their own; what was changed stays.
+    void editCancelled() override { editFinished(); }
+
+private:
+    struct JointList;
+    void insertJoint(RyLegacyJoint *joint, int index);
+    void takeJoint(RyLegacyJoint *joint, int index);
+    void announce();
+
+    std::vector<RyLegacyJoint *> m_joints; // each counted once
+    bool m_touched = false;                // within an edit
+};
