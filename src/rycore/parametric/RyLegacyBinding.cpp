@@ -1,11 +1,15 @@
 #include "rycore/parametric/RyLegacyBinding.h"
 
 #include "rycore/base/RyPlaceChange.h"
+#include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyObject.h"
+#include "rycore/scene/RyShape.h"
+#include "rycore/scene/RyShapeNormals.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 struct RyLegacyBinding::JointList : RyListOf<RyLegacyBinding, RyLegacyJoint>
@@ -110,12 +114,44 @@ void RyLegacyBinding::editFinished()
         emit bindingChanged();
 }
 
-RyWeightMap *RyLegacyBinding::makeWeights(const RyLegacyJointParam &, const RySkeleton *)
+RyWeightMap *RyLegacyBinding::makeWeights(const RyLegacyJointParam &param, const RySkeleton *skeleton)
 {
-    return nullptr;
+    const RyObject *object = skeleton ? skeleton->getObject() : nullptr;
+    const RyShape *shape = object ? object->getCurrentShape() : nullptr;
+    const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;
+    if (!mesh)
+        return nullptr;
+    auto *map = new RyWeightMap(param.getName());
+    map->setNumWeights(mesh->getNumVertices());
+    m_deformer.setRig(m_rig.of(*this, *skeleton), shape->getCurrentPositions());
+    const int index = m_rig.indexOf(param);
+    if (index < 0)
+        return map;
+    std::vector<int> vertices;
+    std::vector<quint16> weights;
+    const std::vector<float> exact = m_deformer.weights(index);
+    for (size_t v = 0; v < exact.size(); ++v) {
+        const auto weight = quint16(std::lround(double(exact[v]) * RyWeightMap::FullWeight));
+        if (weight == 0)
+            continue;
+        vertices.push_back(int(v));
+        weights.push_back(weight);
+    }
+    map->setAffected(int(exact.size()), std::move(vertices), std::move(weights));
+    return map;
 }
 
-bool RyLegacyBinding::deform(RyShapePoints &)
+bool RyLegacyBinding::deform(RyShapePoints &points)
 {
+    const RyNode *node = getObject() ? getObject()->getNode() : nullptr;
+    const RySkeleton *skeleton = node ? node->getSkeleton() : nullptr;
+    if (!skeleton)
+        return true;
+    m_deformer.setRig(m_rig.of(*this, *skeleton), *points.positions);
+    m_deformer.setFurtherNormals(points.places ? points.places->vertexOfFurther() : std::vector<int>());
+    points.positions = &m_deformer.pose(RyLegacyRig::controlsOf(*skeleton), points.normals, points.revision());
+    if (points.normals)
+        points.normals = &m_deformer.normals();
+    points.changes = &m_deformer.changes();
     return true;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "rycore/parametric/RyLegacyDeformer.h"
 #include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/parametric/RyLegacyRigCache.h"
 #include "rycore/scene/RyModifier.h"
 
 class RyNode;
@@ -33,6 +35,8 @@ public:
     RyWeightMap *makeWeights(const RyLegacyJointParam &param, const RySkeleton *skeleton);
 
     bool deform(RyShapePoints &points) override;
+    /// What `deform` works with, with counters of what it did; as of its last call.
+    const RyLegacyDeformer &deformer() const { return m_deformer; }
 
 signals:
     /// Joints, parameters or values changed; once per outermost edit of the binding, where one is open.
@@ -52,4 +56,6 @@ private:
 
     std::vector<RyLegacyJoint *> m_joints; // each counted once
     bool m_touched = false;                // within an edit
+    RyLegacyDeformer m_deformer;
+    RyLegacyRigCache m_rig;
 };

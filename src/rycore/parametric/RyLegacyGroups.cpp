@@ -1,0 +1,174 @@
+#include "rycore/parametric/RyLegacyGroups.h"
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_map>
+
+namespace {
+
+bool isWhole(const RyLegacyFractions &f)
+{
+    return f == RyLegacyFractions::all();
+}
+
+bool isZeroOrOne(double f)
+{
+    return f == 0.0 || f == 1.0;
+}
+
+bool isUniform(const RyLegacyFractions &f)
+{
+    return isZeroOrOne(f.turn[0]) && isZeroOrOne(f.turn[1]) && isZeroOrOne(f.turn[2]) && isZeroOrOne(f.translation) &&
+           isZeroOrOne(f.scale);
+}
+
+int bitsOf(const RyLegacyFractions &f)
+{
+    return int(f.turn[0]) | int(f.turn[1]) << 1 | int(f.turn[2]) << 2 | int(f.translation) << 3 | int(f.scale) << 4;
+}
+
+struct HashOfKey
+{
+    size_t operator()(const std::vector<int> &key) const
+    {
+        size_t hash = 1469598103934665603u;
+        for (const int each : key)
+            hash = (hash ^ size_t(unsigned(each))) * 1099511628211u;
+        return hash;
+    }
+};
+
+} // namespace
+
+RyLegacyFractions RyLegacyGroups::Group::fractionsOf(size_t driver, size_t number) const
+{
+    if (uniform)
+        return fixed[driver];
+    RyLegacyFractions f;
+    for (size_t axis = 0; axis < 3; ++axis)
+        f.turn[axis] = component(driver, axis)[number];
+    f.translation = component(driver, 3)[number];
+    f.scale = component(driver, 4)[number];
+    return f;
+}
+
+/// What is gathered while groups are made; members are kept from vertex to vertex to save their memory.
+struct RyLegacyGroups::Sketch
+{
+    std::unordered_map<std::vector<int>, int, HashOfKey> groupOfKey;
+    std::vector<int> key;
+    std::vector<int> drivers;
+    std::vector<RyLegacyFractions> fractions;
+    std::vector<std::pair<int, int>> bulges;              // parameter, driver
+    std::vector<std::vector<RyLegacyFractions>> byVertex; // of each group, all drivers of a vertex in a row
+};
+
+void RyLegacyGroups::build(const RyLegacyWeights &weights)
+{
+    const size_t count = weights.positions().size();
+    m_groups.clear();
+    m_groupOf.assign(count, -1);
+    m_numberOf.assign(count, -1);
+    Sketch sketch;
+    for (int owner = 0; owner < int(weights.rig().bones.size()); ++owner) {
+        const std::vector<int> &vertices = weights.verticesOf(owner);
+        for (size_t i = 0; i < vertices.size(); ++i)
+            addVertex(sketch, weights, owner, i, vertices[i]);
+    }
+    // Lists by vertex become lists by driver and component.
+    for (size_t g = 0; g < m_groups.size(); ++g) {
+        Group &group = m_groups[g];
+        if (group.uniform)
+            continue;
+        const size_t drivers = group.drivers.size();
+        const size_t size = group.vertices.size();
+        group.fractions.resize(drivers * Group::Components * size);
+        for (size_t i = 0; i < size; ++i) {
+            for (size_t d = 0; d < drivers; ++d) {
+                const RyLegacyFractions &f = sketch.byVertex[g][i * drivers + d];
+                float *to = group.fractions.data() + d * Group::Components * size + i;
+                for (size_t axis = 0; axis < 3; ++axis)
+                    to[axis * size] = float(f.turn[axis]);
+                to[3 * size] = float(f.translation);
+                to[4 * size] = float(f.scale);
+            }
+        }
+    }
+}
+
+void RyLegacyGroups::addVertex(Sketch &sketch, const RyLegacyWeights &weights, int owner, size_t number, int vertex)
+{
+    sketch.drivers.clear();
+    sketch.fractions.clear();
+    sketch.bulges.clear();
+    bool uniform = true;
+    int wholeBelow = weights.rig().bones[size_t(owner)].parent;
+    const std::vector<RyLegacySite> &sites = weights.reach().sitesOf(owner);
+    for (auto site = sites.rbegin(); site != sites.rend(); ++site) {
+        bool bulges = false;
+        for (const int param : site->acting) {
+            const float *shares = param >= 0 ? weights.bulges(param, owner) : nullptr;
+            if (shares && shares[number] != 0.0f) {
+                sketch.bulges.emplace_back(param, site->driver);
+                bulges = true;
+            }
+        }
+        const RyLegacyFractions fractions = weights.fractions(*site, owner, number);
+        uniform = uniform && !bulges && isUniform(fractions);
+        if (site->own && isWhole(fractions)) {
+            wholeBelow = owner;
+        } else if (!fractions.isNone()) {
+            sketch.drivers.push_back(site->driver);
+            sketch.fractions.push_back(fractions);
+        }
+    }
+    sketch.key = {owner, wholeBelow, int(uniform)};
+    sketch.key.insert(sketch.key.end(), sketch.drivers.begin(), sketch.drivers.end());
+    for (const RyLegacyFractions &f : sketch.fractions) {
+        if (uniform)
+            sketch.key.push_back(bitsOf(f));
+    }
+    sketch.key.push_back(-1);
+    for (const auto &[param, driver] : sketch.bulges)
+        sketch.key.push_back(param);
+    const auto [found, isNew] = sketch.groupOfKey.try_emplace(sketch.key, int(m_groups.size()));
+    if (isNew) {
+        Group group;
+        group.owner = owner;
+        group.wholeBelow = wholeBelow;
+        group.uniform = uniform;
+        group.drivers = sketch.drivers;
+        if (uniform)
+            group.fixed = sketch.fractions;
+        for (const auto &[param, driver] : sketch.bulges)
+            group.bulges.push_back({param, driver, {}});
+        m_groups.push_back(std::move(group));
+        sketch.byVertex.emplace_back();
+    }
+    Group &group = m_groups[size_t(found->second)];
+    m_groupOf[size_t(vertex)] = found->second;
+    m_numberOf[size_t(vertex)] = int(group.vertices.size());
+    group.vertices.push_back(vertex);
+    for (Bulge &bulge : group.bulges)
+        bulge.shares.push_back(weights.bulges(bulge.param, owner)[number]);
+    if (!uniform) {
+        std::vector<RyLegacyFractions> &list = sketch.byVertex[size_t(found->second)];
+        list.insert(list.end(), sketch.fractions.begin(), sketch.fractions.end());
+    }
+}
+
+void RyLegacyGroups::setFurtherNormals(const std::vector<int> &vertices)
+{
+    for (Group &group : m_groups) {
+        group.furtherNormals.clear();
+        group.furtherVertices.clear();
+    }
+    for (size_t i = 0; i < vertices.size(); ++i) {
+        const int vertex = vertices[i];
+        if (vertex < 0 || size_t(vertex) >= m_groupOf.size() || groupOf(vertex) < 0)
+            continue;
+        Group &group = m_groups[size_t(groupOf(vertex))];
+        group.furtherNormals.push_back(int(m_groupOf.size() + i));
+        group.furtherVertices.push_back(numberOf(vertex));
+    }
+}

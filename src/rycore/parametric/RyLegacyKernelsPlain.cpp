@@ -1,0 +1,6 @@
+#include "rycore/parametric/RyLegacyLoop.h"
+
+void RyLegacyKernels::movePlain(const Task &task)
+{
+    moveTask(task);
+}

@@ -1,0 +1,84 @@
+#include "rycore/parametric/RyLegacyRig.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/math/RyAffine.h"
+#include "rycore/math/RyFastMath.h"
+#include "rycore/parametric/RyLegacyBonePlaces.h"
+#include "rycore/parametric/RyLegacyRigCache.h"
+#include "rycore/scene/RySkeleton.h"
+
+namespace {
+
+RyLegacyControls controlsOfPose(const RyBone &bone)
+{
+    const RyFloatProperty *turns[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
+    const RyFloatProperty *moves[3] = {bone.getXTransControl(), bone.getYTransControl(), bone.getZTransControl()};
+    const RyFloatProperty *scales[3] = {bone.getXScaleControl(), bone.getYScaleControl(), bone.getZScaleControl()};
+    const double general = bone.getScaleControl()->getValue();
+    RyLegacyControls controls;
+    for (size_t i = 0; i < 3; ++i) {
+        controls.turn[i] = double(turns[i]->getValue()) * RyFastMath::RadiansPerDegree;
+        controls.translation[i] = moves[i]->getValue();
+        controls.scale[i] = general * scales[i]->getValue();
+    }
+    return controls;
+}
+
+/// The controls that make a bone's map of what is above it, as near as controls can say it.
+RyLegacyControls controlsOfMap(const RyBone &bone, const RyBone *parent, const RyQuat &parentTurn, RyQuat &turn)
+{
+    const RyAffine &map = bone.figureMap();
+    const RyAffine above = parent ? parent->figureMap() : RyAffine();
+    const RyVec3 origin = bone.getOrigin();
+    RyAffine place;
+    RyLegacyControls controls;
+    const double from[3] = {origin.x, origin.y, origin.z};
+    double to[3];
+    map.mapPoint(from, to);
+    if (above.invert(place))
+        place.mapPoint(to, to);
+    for (size_t i = 0; i < 3; ++i)
+        controls.translation[i] = to[i] - from[i];
+    const RyAffine local = bone.inheritsScale() ? map * place : map * RyAffine::fromRotation(parentTurn.inverse());
+    RyAffine stretch;
+    local.decomposePolar(stretch, turn);
+    const RyQuat orientation = bone.getOrientation();
+    const RyRotationOrder order = bone.getRotationOrder();
+    const int axes[3] = {order[0], order[1], order[2]};
+    const RyVec3 degrees = (orientation * turn * orientation.inverse()).toEuler(axes);
+    const RyAffine inAxes =
+        RyAffine::fromRotation(orientation) * stretch * RyAffine::fromRotation(orientation.inverse());
+    for (int i = 0; i < 3; ++i) {
+        controls.turn[size_t(i)] = double(degrees[i]) * RyFastMath::RadiansPerDegree;
+        controls.scale[size_t(i)] = inAxes.m[i][i];
+    }
+    return controls;
+}
+
+} // namespace
+
+RyLegacyRig RyLegacyRig::of(const RyLegacyBinding &binding, const RySkeleton &skeleton)
+{
+    return RyLegacyRigCache().of(binding, skeleton);
+}
+
+std::vector<RyLegacyControls> RyLegacyRig::controlsOf(const RySkeleton &skeleton)
+{
+    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    const BonePlaces places(bones);
+    std::vector<RyLegacyControls> controls;
+    std::vector<RyQuat> turns; // from figure space to figure space
+    for (const RyBone *bone : bones) {
+        const int place = places.ofParent(bone);
+        const RyBone *parent = place < 0 ? nullptr : bones[size_t(place)];
+        const RyQuat parentTurn = parent ? turns[size_t(place)] : RyQuat();
+        RyQuat turn = bone->getLocalRot();
+        // Below a played bone scale is inherited in any case, which controls do not say.
+        if (bone->isPlayed() || (parent && parent->isPlayed()))
+            controls.push_back(controlsOfMap(*bone, parent, parentTurn, turn));
+        else
+            controls.push_back(controlsOfPose(*bone));
+        turns.push_back((turn * parentTurn).normalized());
+    }
+    return controls;
+}
