@@ -217,21 +217,30 @@ void RyLegacyJointParam::editFinished()
 void RyLegacyJointParam::editCancelled()
 {
     const std::unique_ptr<Snapshot> before = std::move(m_snapshot);
+    const RyRef<RyLegacyBinding> binding(m_joint ? m_joint->getBinding() : nullptr);
+    if (binding)
+        binding->beginEdit();
     if (RyLegacyJointParam *partner = std::exchange(m_led, nullptr))
         partner->cancelEdit();
     m_isLed = false;
-    if (!before)
-        return;
+    if (before)
+        restore(*before);
+    if (binding)
+        binding->finishEdit();
+}
+
+void RyLegacyJointParam::restore(const Snapshot &before)
+{
     // The level is 0 by now: one more, without the partner, makes the announcement a single one.
     const bool touched = m_touched;
     m_isLed = true;
     beginEdit();
     m_touched = touched;
-    setState(before->state);
+    setState(before.state);
     const std::vector<RyFloatProperty *> all = allControllers();
     for (size_t i = 0; i < all.size(); ++i) {
-        all[i]->setDefaultValue(before->values[i].second);
-        all[i]->setValue(before->values[i].first);
+        all[i]->setDefaultValue(before.values[i].second);
+        all[i]->setValue(before.values[i].first);
     }
     finishEdit();
 }

@@ -130,6 +130,7 @@ private:
     void setState(const State &state);
     void applyState(const State &state);
     void applyDriver(RyBone *driver);
+    void restore(const Snapshot &before);
     void valuesChanged();
 
     State m_state;
