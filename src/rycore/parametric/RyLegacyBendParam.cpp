@@ -44,6 +44,45 @@ void RyLegacyBendParam::setAngles(float staticA, float dynamicB, float dynamicC,
     finishEdit();
 }
 
+RyBendAngles::Values RyLegacyBendParam::angleValues() const
+{
+    RyBendAngles::Values degrees{};
+    for (size_t i = 0; i < degrees.size(); ++i)
+        degrees[i] = controllers()[i]->getValue();
+    return degrees;
+}
+
+void RyLegacyBendParam::setAngleValues(const RyBendAngles::Values &degrees)
+{
+    for (size_t i = 0; i < degrees.size(); ++i)
+        controllers()[i]->adjustValue(degrees[i]);
+}
+
+void RyLegacyBendParam::setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start)
+{
+    if (index < 0 || index > 3)
+        return;
+    const auto degrees = float(radians * RyFastMath::DegreesPerRadian);
+    RyBendAngles::Values values = start;
+    if (push) {
+        RyBendAngles angles(start);
+        angles.push(index, double(degrees));
+        values = angles.values();
+    } else {
+        values[size_t(index)] = degrees;
+    }
+    beginEdit();
+    setAngleValues(values);
+    if (auto *partner = qobject_cast<RyLegacyBendParam *>(findPartner()))
+        partner->setAngleValues(values);
+    finishEdit();
+}
+
+void RyLegacyBendParam::setAnglePushing(int index, float radians, bool push)
+{
+    setAnglePushing(index, radians, push, angleValues());
+}
+
 RyLegacyJointParam *RyLegacyBendParam::copy() const
 {
     return copyInto(new RyLegacyBendParam(QString(), getAxis(), getDriver()));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/parametric/RyBendAngles.h"
 #include "rycore/parametric/RyLegacyJointParam.h"
 
 /// How far vertices follow a turn of the driver about one of its axes: four rays about that axis, and how the surface
@@ -27,6 +28,13 @@ public:
     void setStaticD(float radians) { setAngle(3, radians); }
     void getAngles(float &staticA, float &dynamicB, float &dynamicC, float &staticD) const;
     void setAngles(float staticA, float dynamicB, float dynamicC, float staticD);
+    /// What the four angle controllers say, in degrees.
+    RyBendAngles::Values angleValues() const;
+    /// Sets one angle (0 to 3 for A to D), here and on the partner where that is a bend, as a drag does that began at
+    /// `start`: the others go back to where they were then. `push`: neighbours that it would pass go along; otherwise
+    /// it is set as asked.
+    void setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start);
+    void setAnglePushing(int index, float radians, bool push);
     RyFloatProperty *getStaticAngleAController() const { return controllers()[0]; }
     RyFloatProperty *getDynamicAngleBController() const { return controllers()[1]; }
     RyFloatProperty *getDynamicAngleCController() const { return controllers()[2]; }
@@ -43,4 +51,5 @@ public:
 private:
     float angle(int index) const;
     void setAngle(int index, float radians);
+    void setAngleValues(const RyBendAngles::Values &degrees);
 };
