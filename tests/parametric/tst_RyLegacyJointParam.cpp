@@ -357,6 +357,17 @@ private slots:
         copy->cancelEdit();
         QCOMPARE(bend->editLevel(), 0);
         QCOMPARE(copy->getStaticA(), 1.0f);
+        // One that became the partner while its edit was open.
+        bend->setAxis(0);
+        copy->beginEdit();
+        QCOMPARE(bend->editLevel(), 0);
+        bend->setAxis(1);
+        copy->setStaticA(2);
+        bend->beginEdit();
+        bend->cancelEdit();
+        QCOMPARE(copy->editLevel(), 1);
+        QCOMPARE(copy->getStaticA(), 2.0f);
+        copy->finishEdit();
     }
 
     void removedPartnerEndsNoEdit()

@@ -6,6 +6,7 @@
 #include "rycore/io/RyPartNormals.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -136,6 +137,22 @@ private:
         return QLatin1Char('#') + place + QLatin1Char(' ') + quoted(node->getName());
     }
 
+    /// What a property belongs to.
+    QString place(const RyProperty &property) const
+    {
+        const RyElement *owner = property.getOwner();
+        const auto *sphere = qobject_cast<const RyLegacyJointSphere *>(owner);
+        const auto *param = sphere ? sphere->getParam() : qobject_cast<const RyLegacyJointParam *>(owner);
+        if (!param)
+            return path(RyMorph::nodeOf(property));
+        const RyLegacyJoint *joint = param->getJoint();
+        if (!joint)
+            return QStringLiteral("none");
+        const auto found = std::find(joint->params().begin(), joint->params().end(), param);
+        return path(joint->getBone()) + QStringLiteral(" parameter ") +
+               QString::number(found - joint->params().begin());
+    }
+
     void writeNode(const RyNode &node)
     {
         m_out << "node " << path(&node) << " below " << path(node.getNodeParent()) << ' '
@@ -186,8 +203,7 @@ private:
         if (property.hasOwnLabel())
             m_out << " label " << quoted(property.getLabel());
         for (const RyERCLink *link : property.getControllerLinks()) {
-            m_out << " from " << path(RyMorph::nodeOf(*link->getController())) << ':'
-                  << quoted(link->getController()->getName());
+            m_out << " from " << place(*link->getController()) << ':' << quoted(link->getController()->getName());
         }
         m_out << '\n';
     }
@@ -224,6 +240,10 @@ private:
             if (const auto *skin = dynamic_cast<const RySkinBinding *>(modifier)) {
                 for (const RyBoneBinding *binding : skin->bindings())
                     writeBinding(*binding);
+            }
+            if (const auto *legacy = qobject_cast<const RyLegacyBinding *>(modifier)) {
+                for (const RyLegacyJoint *joint : legacy->joints())
+                    writeJoint(*joint);
             }
         }
     }
@@ -367,6 +387,31 @@ private:
                   bulge->getPosRightBulgeController(), bulge->getNegRightBulgeController()}) {
                 writeProperty(*controller, "        ");
             }
+        }
+    }
+
+    void writeJoint(const RyLegacyJoint &joint)
+    {
+        m_out << "    joint " << quoted(joint.getName()) << " of " << path(joint.getBone());
+        if (joint.hasOwnLabel())
+            m_out << " label " << quoted(joint.getLabel());
+        m_out << '\n';
+        for (const RyLegacyJointParam *param : joint.params())
+            writeParam(*param);
+    }
+
+    void writeParam(const RyLegacyJointParam &param)
+    {
+        m_out << "      " << param.metaObject()->className() << ' ' << quoted(param.getName()) << " axis "
+              << param.getAxis() << " flags " << param.flags() << " driver " << path(param.getDriver());
+        if (param.hasOwnLabel())
+            m_out << " label " << quoted(param.getLabel());
+        m_out << '\n';
+        for (const RyFloatProperty *controller : param.controllers())
+            writeProperty(*controller, "        ");
+        for (const RyLegacyJointSphere *sphere : {param.getDynamicSphere(), param.getStaticSphere()}) {
+            for (const RyFloatProperty *control : sphere->controls())
+                writeProperty(*control, "        ");
         }
     }
 
