@@ -20,10 +20,9 @@
 /// the copies of them, and where two bones meet a smooth-scale stands on either side.
 struct ParamArm
 {
-    ParamArm()
+    explicit ParamArm(RySkeleton *figure = new RySkeleton) : skeleton(figure)
     {
         ryUndoStack()->clearAll();
-        skeleton = RyRef<RySkeleton>(new RySkeleton);
         skeleton->setName("figure");
         skeleton->getXTransControl()->setValue(12);
         skeleton->getYRotControl()->setValue(35);

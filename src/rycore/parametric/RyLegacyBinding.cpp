@@ -3,6 +3,7 @@
 #include "rycore/base/RyPlaceChange.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyShape.h"
 #include "rycore/scene/RyShapeNormals.h"
@@ -98,6 +99,30 @@ void RyLegacyBinding::takeJoint(RyLegacyJoint *joint, int index)
     joint->m_binding = nullptr;
     announce();
     joint->unref();
+}
+
+std::vector<const RyElement *> RyLegacyBinding::parts() const
+{
+    std::vector<const RyElement *> parts;
+    for (const RyLegacyJoint *joint : m_joints) {
+        for (const RyLegacyJointParam *param : joint->params())
+            parts.insert(parts.end(), {param, param->getDynamicSphere(), param->getStaticSphere()});
+    }
+    return parts;
+}
+
+RyElement *RyLegacyBinding::doDuplicateElement(RyElementDuplicateContext *context)
+{
+    if (!context)
+        return nullptr;
+    auto *binding = new RyLegacyBinding;
+    binding->setName(getName());
+    if (hasOwnLabel())
+        binding->setLabel(getLabel());
+    context->addDuplicate(this, binding);
+    for (RyLegacyJoint *joint : m_joints)
+        binding->addJoint(static_cast<RyLegacyJoint *>(joint->doDuplicateElement(context)));
+    return binding;
 }
 
 void RyLegacyBinding::announce()

@@ -37,6 +37,10 @@ public:
     bool deform(RyShapePoints &points) override;
     /// What `deform` works with, with counters of what it did; as of its last call.
     const RyLegacyDeformer &deformer() const { return m_deformer; }
+    std::vector<const RyElement *> parts() const override;
+
+    /// With its joints, on no object. Their bones and drivers are those of the duplicates once these are resolved.
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
 
 signals:
     /// Joints, parameters or values changed; once per outermost edit of the binding, where one is open.

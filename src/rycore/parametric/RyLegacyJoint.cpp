@@ -3,6 +3,7 @@
 #include "rycore/base/RyPlaceChange.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyValueChange.h"
@@ -123,4 +124,30 @@ RyLegacyJointParam *RyLegacyJoint::findParam(const QString &name) const
     const auto found = std::find_if(m_params.begin(), m_params.end(),
                                     [&name](const RyLegacyJointParam *param) { return param->getName() == name; });
     return found != m_params.end() ? *found : nullptr;
+}
+
+RyElement *RyLegacyJoint::doDuplicateElement(RyElementDuplicateContext *context)
+{
+    if (!context)
+        return nullptr;
+    auto *joint = new RyLegacyJoint;
+    joint->setName(getName());
+    if (hasOwnLabel())
+        joint->setLabel(getLabel());
+    joint->setBone(m_bone);
+    context->addDuplicate(this, joint);
+    for (RyLegacyJointParam *param : m_params)
+        joint->addJointParam(static_cast<RyLegacyJointParam *>(param->doDuplicateElement(context)));
+    return joint;
+}
+
+void RyLegacyJoint::resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context)
+{
+    const auto *from = qobject_cast<const RyLegacyJoint *>(original);
+    auto *bone = from ? qobject_cast<RyBone *>(context.findNewElement(from->getBone())) : nullptr;
+    if (!bone)
+        return;
+    if (from->getName() == from->getBone()->getName())
+        setName(bone->getName());
+    setBone(bone);
 }

@@ -42,6 +42,11 @@ public:
     RyLegacyJointParam *findParam(RyLegacyJointParam::Type type, const RyBone *driver, int axis) const;
     RyLegacyJointParam *findParam(const QString &name) const;
 
+    /// With its parameters; in no binding until the duplicate of its binding takes it.
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
+    /// The bone's duplicate becomes the bone.
+    void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context) override;
+
 signals:
     void jointChanged();
 

@@ -6,6 +6,7 @@
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
@@ -168,6 +169,26 @@ void RyLegacyJointParam::copyValuesFrom(const RyLegacyJointParam &other)
     for (size_t i = 0; i < to.size(); ++i)
         to[i]->copyFrom(*from[i]);
     finishEdit();
+}
+
+RyElement *RyLegacyJointParam::doDuplicateElement(RyElementDuplicateContext *context)
+{
+    if (!context)
+        return nullptr;
+    RyLegacyJointParam *param = copy();
+    if (hasOwnLabel())
+        param->setLabel(getLabel());
+    context->addDuplicate(this, param);
+    context->addDuplicate(m_dynamic.get(), param->m_dynamic.get());
+    context->addDuplicate(m_static.get(), param->m_static.get());
+    return param;
+}
+
+void RyLegacyJointParam::resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context)
+{
+    const auto *from = qobject_cast<const RyLegacyJointParam *>(original);
+    if (auto *driver = from ? qobject_cast<RyBone *>(context.findNewElement(from->getDriver())) : nullptr)
+        setDriver(driver);
 }
 
 void RyLegacyJointParam::propertyChanged(RyFloatProperty *)

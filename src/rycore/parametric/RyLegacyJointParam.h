@@ -87,6 +87,10 @@ public:
     /// Takes the values, flags and axis of one of the same kind; name and driver stay.
     void copyValuesFrom(const RyLegacyJointParam &other);
 
+    /// On no joint until the duplicate of its joint takes it; the spheres are duplicated with it.
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
+    /// The driver's duplicate becomes the driver.
+    void resolveDuplicate(const RyElement *original, const RyElementDuplicateContext &context) override;
     void propertyChanged(RyFloatProperty *property) override;
 
 signals:

@@ -25,6 +25,18 @@ void sortNodes(RySkeleton *skeleton, std::vector<RyNode *> &going, std::vector<R
     }
 }
 
+/// The nodes, and what belongs to the modifiers of the skeleton's object.
+std::vector<const RyElement *> withParts(const RySkeleton &skeleton, const std::vector<RyNode *> &nodes)
+{
+    std::vector<const RyElement *> all(nodes.begin(), nodes.end());
+    for (const RyModifier *modifier :
+         skeleton.getObject() ? skeleton.getObject()->getModifiers() : std::vector<RyModifier *>()) {
+        const std::vector<const RyElement *> parts = modifier->parts();
+        all.insert(all.end(), parts.begin(), parts.end());
+    }
+    return all;
+}
+
 } // namespace
 
 RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &name)
@@ -42,7 +54,7 @@ RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &nam
     const RyRef<RyNode> prop(new RyNode);
     prop->setName(name);
     RyNodeReplacement::takePlace(skeleton, prop.get());
-    RyNodeReplacement::cutLinks(going);
+    RyNodeReplacement::cutLinks(withParts(*skeleton, going));
     for (RyNode *node : staying)
         prop->addNodeChild(node, node->getNodeParent() != skeleton);
     if (RyObject *object = skeleton->getObject()) {

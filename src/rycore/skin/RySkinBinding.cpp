@@ -300,3 +300,15 @@ bool RySkinBinding::deform(RyShapePoints &points)
     points.changes = &m_deformer.changes();
     return true;
 }
+
+std::vector<const RyElement *> RySkinBinding::parts() const
+{
+    std::vector<const RyElement *> parts;
+    for (const RyBoneBinding *binding : m_bindings) {
+        for (int axis = 0; axis < 3; ++axis) {
+            if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis))
+                parts.push_back(bulge);
+        }
+    }
+    return parts;
+}

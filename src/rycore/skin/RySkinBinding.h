@@ -77,6 +77,7 @@ public:
 
     /// False when a map is for another number of vertices.
     bool deform(RyShapePoints &points) override;
+    std::vector<const RyElement *> parts() const override;
     /// The flat arrays behind `deform`, with counters of what it did.
     const RySkinDeformer &deformer() const { return m_deformer; }
 

@@ -95,12 +95,12 @@ void RyNodeReplacement::moveObject(RyNode *from, RyNode *to)
     to->setObject(object.get());
 }
 
-void RyNodeReplacement::cutLinks(const std::vector<RyNode *> &going)
+void RyNodeReplacement::cutLinks(const std::vector<const RyElement *> &going)
 {
     const std::unordered_set<const RyElement *> set(going.begin(), going.end());
-    for (const RyNode *node : going) {
-        cutLinksOf(node->getPropertyGroups(), set);
-        cutLinksOf(node->getPrivatePropertyGroups(), set);
+    for (const RyElement *element : going) {
+        cutLinksOf(element->getPropertyGroups(), set);
+        cutLinksOf(element->getPrivatePropertyGroups(), set);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+class RyElement;
 class RyNode;
 class RyScene;
 
@@ -16,8 +17,8 @@ namespace RyNodeReplacement {
 void takePlace(RyNode *node, RyNode *with);
 /// Moves the object, which then deforms with its new node alone: modifiers stay in it.
 void moveObject(RyNode *from, RyNode *to);
-/// Removes links by which nodes that are about to go move nodes that stay.
-void cutLinks(const std::vector<RyNode *> &going);
+/// Removes links by which elements that are about to go move what stays.
+void cutLinks(const std::vector<const RyElement *> &going);
 /// Takes `node` out of its scene, or from its parent where it is in none; `with` is selected in its place where it was
 /// selected. Undo and redo select what was selected before and after.
 void removeNode(RyNode *node, RyNode *with, const std::vector<RyNode *> &selectionBefore);
