@@ -36,3 +36,8 @@ RySkinBinding *RySkeletonPrototype::getSkinBinding() const
 {
     return RySkinBinding::findSkin(self<RySkeleton>());
 }
+
+RyLegacyBinding *RySkeletonPrototype::getLegacyBinding() const
+{
+    return RyLegacyBinding::findBinding(self<RySkeleton>());
+}

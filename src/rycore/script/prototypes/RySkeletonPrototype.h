@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/script/prototypes/RyScriptPrototype.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -19,4 +20,6 @@ public:
     Q_INVOKABLE QString getUniqueBoneLabel(const QString &label) const;
     /// Null for a skeleton without skin.
     Q_INVOKABLE RySkinBinding *getSkinBinding() const;
+    /// Null for a skeleton that is not parametric.
+    Q_INVOKABLE RyLegacyBinding *getLegacyBinding() const;
 };

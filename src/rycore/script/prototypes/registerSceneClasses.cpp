@@ -1,11 +1,15 @@
 #include "rycore/script/prototypes/registerSceneClasses.h"
 
 #include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/script/RyScriptPointer.h"
 #include "rycore/script/prototypes/RyBoneBindingPrototype.h"
+#include "rycore/script/prototypes/RyLegacyBindingPrototype.h"
+#include "rycore/script/prototypes/RyLegacyJointParamPrototype.h"
+#include "rycore/script/prototypes/RyLegacyJointPrototype.h"
 #include "rycore/script/prototypes/RyNodePrototype.h"
 #include "rycore/script/prototypes/RyRestoreScripting.h"
 #include "rycore/script/prototypes/RyScenePrototype.h"
@@ -36,9 +40,13 @@ void ryRegisterSceneClasses(RyScriptEngine *engine)
     add<RyCamera>(engine, nodes);
     add<RySkeleton>(engine, skeletons);
     add<RyFigure>(engine, skeletons);
+    add<RyLegacyFigure>(engine, skeletons);
     add<RyScene>(engine, make(new RyScenePrototype(engine)));
     add<RySkinBinding>(engine, make(new RySkinPrototype(engine)));
     add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
+    add<RyLegacyBinding>(engine, make(new RyLegacyBindingPrototype(engine)));
+    add<RyLegacyJoint>(engine, make(new RyLegacyJointPrototype(engine)));
+    add<RyLegacyJointParam>(engine, make(new RyLegacyJointParamPrototype(engine)));
     add<RyWeightMap>(engine, make(new RyWeightMapPrototype(engine)));
     engine->globalObject().setProperty(QStringLiteral("Undo"), make(new RyUndoScripting(engine)));
     engine->globalObject().setProperty(QStringLiteral("RestorePoints"), make(new RyRestoreScripting(engine)));
