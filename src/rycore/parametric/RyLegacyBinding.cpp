@@ -54,9 +54,28 @@ RyLegacyBinding *RyLegacyBinding::findBinding(const RyObject *object)
 
 RyLegacyJoint *RyLegacyBinding::findJoint(const RyNode *bone) const
 {
-    const auto found = std::find_if(m_joints.begin(), m_joints.end(),
-                                    [bone](const RyLegacyJoint *joint) { return joint->getBone() == bone; });
-    return bone && found != m_joints.end() ? *found : nullptr;
+    // A bone that was deleted may have had the same address.
+    const auto isOfBone = [bone](const RyLegacyJoint *joint) { return joint->getBone() == bone; };
+    const auto [first, last] = m_jointsOfBones.equal_range(bone);
+    const auto found = bone ? std::find_if(first, last, isOfBone) : last;
+    if (found == last)
+        return nullptr;
+    if (std::find_if(std::next(found), last, isOfBone) == last)
+        return *found;
+    return *std::find_if(m_joints.begin(), m_joints.end(), isOfBone);
+}
+
+void RyLegacyBinding::indexBone(RyLegacyJoint *joint)
+{
+    joint->m_indexedBone = joint->getBone();
+    if (joint->m_indexedBone)
+        m_jointsOfBones.insert(joint->m_indexedBone, joint);
+}
+
+void RyLegacyBinding::dropBone(RyLegacyJoint *joint)
+{
+    m_jointsOfBones.remove(joint->m_indexedBone, joint);
+    joint->m_indexedBone = nullptr;
 }
 
 bool RyLegacyBinding::addJoint(RyLegacyJoint *joint)
@@ -86,6 +105,7 @@ void RyLegacyBinding::insertJoint(RyLegacyJoint *joint, int index)
     joint->ref();
     joint->m_binding = this;
     m_joints.insert(m_joints.begin() + std::min(index, int(m_joints.size())), joint);
+    indexBone(joint);
     connect(joint, &RyLegacyJoint::jointChanged, this, &RyLegacyBinding::announce);
     announce();
 }
@@ -96,6 +116,7 @@ void RyLegacyBinding::takeJoint(RyLegacyJoint *joint, int index)
         emit param->aboutToBeRemoved();
     m_joints.erase(m_joints.begin() + index);
     disconnect(joint, nullptr, this, nullptr);
+    dropBone(joint);
     joint->m_binding = nullptr;
     announce();
     joint->unref();

@@ -5,6 +5,8 @@
 #include "rycore/parametric/RyLegacyRigCache.h"
 #include "rycore/scene/RyModifier.h"
 
+#include <QMultiHash>
+
 class RyNode;
 class RySkeleton;
 class RyWeightMap;
@@ -24,7 +26,7 @@ public:
 
     // --- Joints, in the order in which they were added.
     const std::vector<RyLegacyJoint *> &joints() const { return m_joints; }
-    /// The joint of exactly that bone; null without one and for null.
+    /// The first joint of exactly that bone; null without one and for null.
     RyLegacyJoint *findJoint(const RyNode *bone) const;
     /// False for null and for a joint that is in a binding. Takes ownership.
     bool addJoint(RyLegacyJoint *joint);
@@ -53,13 +55,18 @@ protected:
     void editCancelled() override { editFinished(); }
 
 private:
+    friend class RyLegacyJoint;
     struct JointList;
     void insertJoint(RyLegacyJoint *joint, int index);
     void takeJoint(RyLegacyJoint *joint, int index);
+    /// Finds the joint by its bone from here on.
+    void indexBone(RyLegacyJoint *joint);
+    void dropBone(RyLegacyJoint *joint);
     void announce();
 
     std::vector<RyLegacyJoint *> m_joints; // each counted once
-    bool m_touched = false;                // within an edit
+    QMultiHash<const RyNode *, RyLegacyJoint *> m_jointsOfBones;
+    bool m_touched = false; // within an edit
     RyLegacyDeformer m_deformer;
     RyLegacyRigCache m_rig;
 };

@@ -56,7 +56,11 @@ void RyLegacyJoint::setBone(RyBone *bone, bool takeName)
 
 void RyLegacyJoint::applyBone(RyBone *bone)
 {
+    if (m_binding)
+        m_binding->dropBone(this);
     m_bone = bone;
+    if (m_binding)
+        m_binding->indexBone(this);
     emit jointChanged();
 }
 

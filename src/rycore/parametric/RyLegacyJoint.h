@@ -59,6 +59,7 @@ private:
     void takeParam(RyLegacyJointParam *param, int index);
 
     QPointer<RyBone> m_bone;
+    const RyNode *m_indexedBone = nullptr; // by which its binding finds it; compared, never followed
     RyLegacyBinding *m_binding = nullptr;
     std::vector<RyLegacyJointParam *> m_params; // each counted once
 };
