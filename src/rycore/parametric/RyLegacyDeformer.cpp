@@ -49,6 +49,19 @@ RyLegacyFractions RyLegacyDeformer::fractions(int bone, int vertex) const
     return group.fractionsOf(size_t(found - group.drivers.begin()), size_t(m_groups.numberOf(vertex)));
 }
 
+int RyLegacyDeformer::leader(int vertex) const
+{
+    const int number = m_groups.groupOf(vertex);
+    if (number < 0)
+        return -1;
+    const Group &group = m_groups.groups()[size_t(number)];
+    for (size_t driver = 0; driver < group.drivers.size(); ++driver) {
+        if (group.fractionsOf(driver, size_t(m_groups.numberOf(vertex))).translation >= 0.5)
+            return group.drivers[driver];
+    }
+    return group.wholeBelow;
+}
+
 std::vector<float> RyLegacyDeformer::weights(int index) const
 {
     std::vector<float> result(m_weights.positions().size(), 0.0f);

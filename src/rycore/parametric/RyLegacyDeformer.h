@@ -25,6 +25,8 @@ public:
 
     /// How far a vertex follows a bone.
     RyLegacyFractions fractions(int bone, int vertex) const;
+    /// The lowest bone whose translation the vertex follows by half or more, -1 where it follows none.
+    int leader(int vertex) const;
     /// The weights of a parameter, one for each vertex: its fractions, of a smooth-scale the share of its driver's
     /// scale, where it acts; 0 elsewhere.
     std::vector<float> weights(int param) const;

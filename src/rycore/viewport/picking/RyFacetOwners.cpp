@@ -1,6 +1,7 @@
 #include "rycore/viewport/picking/RyFacetOwners.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
@@ -68,28 +69,46 @@ std::vector<quint64> RyFacetOwners::weightsKey(const RySkinBinding &skin) const
     return key;
 }
 
+std::vector<quint64> RyFacetOwners::weightsKey(const RyLegacyBinding &binding) const
+{
+    std::vector<quint64> key{quint64(m_mesh->getNumFacets()), quint64(quintptr(&binding)),
+                             quint64(binding.deformer().groupBuilds())};
+    for (const QPointer<RyNode> &bone : m_owners)
+        key.push_back(quint64(quintptr(bone.data())));
+    return key;
+}
+
 void RyFacetOwners::assignBones()
 {
-    const RySkinBinding *skin =
-        qobject_cast<RySkeleton *>(m_node.data()) ? RySkinBinding::findSkinFromNode(m_node) : nullptr;
-    if (!skin) {
+    const auto *skeleton = qobject_cast<const RySkeleton *>(m_node.data());
+    const auto assign = [this](const auto &modifier) {
+        std::vector<quint64> key = weightsKey(modifier);
+        if (key == m_weightsKey)
+            return;
+        m_weightsKey = std::move(key);
+        assignFacets(ownersOf(modifier));
+    };
+    if (const RySkinBinding *skin = RySkinBinding::findSkin(skeleton)) {
+        for (const RyBoneBinding *binding : skin->bindings())
+            m_owners.emplace_back(binding->getBone());
+        assign(*skin);
+    } else if (const RyLegacyBinding *binding = RyLegacyBinding::findBinding(skeleton)) {
+        for (RyBone *bone : skeleton->getAllBones())
+            m_owners.emplace_back(bone);
+        assign(*binding);
+    } else {
         m_weightsKey.clear();
         m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);
-        return;
     }
-    for (const RyBoneBinding *binding : skin->bindings())
-        m_owners.emplace_back(binding->getBone());
-    std::vector<quint64> key = weightsKey(*skin);
-    if (key == m_weightsKey)
-        return;
-    m_weightsKey = std::move(key);
+}
 
-    // The strongest binding of each vertex; then of each facet, counting its corners by their weight.
+/// The strongest binding of each vertex.
+RyFacetOwners::VertexOwners RyFacetOwners::ownersOf(const RySkinBinding &skin) const
+{
     const auto vertexCount = size_t(m_mesh->getNumVertices());
-    std::vector<int> bestOwner(vertexCount, 0);
-    std::vector<int> bestWeight(vertexCount, 0);
+    VertexOwners vertices{std::vector<int>(vertexCount, 0), std::vector<int>(vertexCount, 0)};
     int owner = 0;
-    for (const RyBoneBinding *binding : skin->bindings()) {
+    for (const RyBoneBinding *binding : skin.bindings()) {
         ++owner;
         std::vector<const RyWeightMap *> maps{binding->getWeights()};
         if (!maps[0])
@@ -101,23 +120,41 @@ void RyFacetOwners::assignBones()
             const quint16 *weights = map->getAffectedWeights();
             for (int i = 0; i < map->getNumAffected(); ++i) {
                 const auto vertex = size_t(indices[i]);
-                if (weights[i] > bestWeight[vertex]) {
-                    bestWeight[vertex] = weights[i];
-                    bestOwner[vertex] = owner;
+                if (weights[i] > vertices.weights[vertex]) {
+                    vertices.weights[vertex] = weights[i];
+                    vertices.places[vertex] = owner;
                 }
             }
         }
     }
+    return vertices;
+}
+
+RyFacetOwners::VertexOwners RyFacetOwners::ownersOf(const RyLegacyBinding &binding) const
+{
+    const auto vertexCount = size_t(m_mesh->getNumVertices());
+    VertexOwners vertices{std::vector<int>(vertexCount, 0), std::vector<int>(vertexCount, 1)};
+    const RyLegacyDeformer &deformer = binding.deformer();
+    if (deformer.getNumVertices() != int(vertexCount) || deformer.rig().bones.size() + 1 != m_owners.size())
+        return vertices;
+    for (size_t vertex = 0; vertex < vertexCount; ++vertex)
+        vertices.places[vertex] = deformer.leader(int(vertex)) + 1;
+    return vertices;
+}
+
+/// Of the owners of its corners a facet goes to the one with the most weight on it.
+void RyFacetOwners::assignFacets(const VertexOwners &vertices)
+{
     m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);
     for (size_t f = 0; f < m_boneOfFacet.size(); ++f) {
         const RyFacet &facet = m_mesh->getFacet(int(f));
         int bestSum = -1;
         for (int corner = 0; corner < facet.count(); ++corner) {
-            const int candidate = bestOwner[size_t(facet.vertices[corner])];
+            const int candidate = vertices.places[size_t(facet.vertices[corner])];
             int sum = 0;
             for (int other = 0; other < facet.count(); ++other) {
                 const auto vertex = size_t(facet.vertices[other]);
-                sum += bestOwner[vertex] == candidate ? bestWeight[vertex] : 0;
+                sum += vertices.places[vertex] == candidate ? vertices.weights[vertex] : 0;
             }
             if (sum > bestSum) {
                 bestSum = sum;
