@@ -1,5 +1,7 @@
 #include "support/RyTest.h"
 
+#include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
@@ -56,6 +58,23 @@ private slots:
         m_c = makeBone(m_a, QStringLiteral("c"));
         m_model = std::make_unique<SceneModel>(m_scene.get());
         QCOMPARE(shown(*m_model), QStringLiteral("figure(a(b c))"));
+    }
+
+    void parametricFiguresSaySo()
+    {
+        auto *parametric = new RyLegacyFigure;
+        parametric->setName(QStringLiteral("old"));
+        auto *weighted = new RyFigure;
+        weighted->setName(QStringLiteral("new"));
+        m_scene->addNode(parametric);
+        m_scene->addNode(weighted);
+        QTest::qWait(1);
+        const auto tip = [this](const RyNode *node) { return m_model->indexOf(node).data(Qt::ToolTipRole).toString(); };
+        QCOMPARE(tip(parametric), QStringLiteral("old, a parametric figure"));
+        parametric->setLabel(QStringLiteral("Old"));
+        QCOMPARE(tip(parametric), QStringLiteral("Old (name: old), a parametric figure"));
+        QCOMPARE(tip(weighted), QStringLiteral("new"));
+        QCOMPARE(tip(m_a), QStringLiteral("a"));
     }
 
     void cleanup()

@@ -1,5 +1,6 @@
 #include "ryhost/panes/SceneModel.h"
 
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
@@ -281,6 +282,13 @@ QVariant SceneModel::data(const QModelIndex &index, int role) const
     return index.column() == LabelColumn ? labelData(*node, role) : visibleData(*node, role);
 }
 
+QString SceneModel::toolTip(const RyNode &node)
+{
+    const QString text =
+        node.getLabel() == node.getName() ? node.getName() : tr("%1 (name: %2)").arg(node.getLabel(), node.getName());
+    return qobject_cast<const RyLegacyFigure *>(&node) ? tr("%1, a parametric figure").arg(text) : text;
+}
+
 QVariant SceneModel::labelData(const RyNode &node, int role) const
 {
     switch (role) {
@@ -289,8 +297,7 @@ QVariant SceneModel::labelData(const RyNode &node, int role) const
     case Qt::DecorationRole:
         return icon(iconName(node));
     case Qt::ToolTipRole:
-        return node.getLabel() == node.getName() ? node.getName()
-                                                 : tr("%1 (name: %2)").arg(node.getLabel(), node.getName());
+        return toolTip(node);
     default:
         return {};
     }

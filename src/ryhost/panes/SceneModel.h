@@ -61,6 +61,7 @@ private:
     void announceNode(const RyNode *node);
     QModelIndex indexOfRow(const Row &row, int column = LabelColumn) const;
     Row &rowAt(const QModelIndex &index) const;
+    static QString toolTip(const RyNode &node);
     QVariant labelData(const RyNode &node, int role) const;
     QVariant visibleData(const RyNode &node, int role) const;
     QIcon icon(const QString &name) const;

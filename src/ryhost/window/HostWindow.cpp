@@ -2,6 +2,7 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/base/RyAppSettings.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
@@ -174,7 +175,9 @@ void HostWindow::updateStatus()
         text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
                      : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, "
                           "the wheel zooms, F frames it.")
-                           .arg(node->getLabel());
+                           .arg(qobject_cast<const RyLegacyFigure *>(node)
+                                    ? tr("%1, a parametric figure").arg(node->getLabel())
+                                    : node->getLabel());
     }
     m_status->setText(text);
     const RyUndoStack *stack = ryUndoStack();
