@@ -5,6 +5,7 @@
 #include "rycore/math/RyFastMath.h"
 #include "rycore/parametric/RyLegacyBonePlaces.h"
 #include "rycore/parametric/RyLegacyRigCache.h"
+#include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RySkeleton.h"
 
 namespace {
@@ -64,6 +65,7 @@ RyLegacyRig RyLegacyRig::of(const RyLegacyBinding &binding, const RySkeleton &sk
 
 std::vector<RyLegacyControls> RyLegacyRig::controlsOf(const RySkeleton &skeleton)
 {
+    const RyBoneListOrder order(RyBoneListOrder::Tree); // also within a pick pass
     const std::vector<RyBone *> bones = skeleton.getAllBones();
     const BonePlaces places(bones);
     std::vector<RyLegacyControls> controls;

@@ -4,6 +4,7 @@
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/parametric/RyLegacyBonePlaces.h"
 #include "rycore/parametric/RyLegacyOwners.h"
+#include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -58,6 +59,7 @@ RyLegacyRigCache::OwnersKey RyLegacyRigCache::ownersKey(const RySkeleton &skelet
 
 const RyLegacyRig &RyLegacyRigCache::of(const RyLegacyBinding &binding, const RySkeleton &skeleton)
 {
+    const RyBoneListOrder order(RyBoneListOrder::Tree); // also within a pick pass
     const std::vector<RyBone *> bones = skeleton.getAllBones();
     const BonePlaces places(bones);
     std::vector<RyLegacyRig::Bone> rigBones;
