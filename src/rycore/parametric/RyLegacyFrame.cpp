@@ -11,18 +11,25 @@ using Part = RyLegacyPose::Part;
 
 namespace {
 
-void moveAlike(const RyAffine &map, bool direction, const int *places, int count, const RyVec3 *in, RyVec3 *out)
+/// By a turn about a bone axis, right-handed (see RyLegacyMotion).
+void appendTurn(double matrix[3][3], int axis, double angle)
 {
-    const double shift[3] = {direction ? 0.0 : map.m[3][0], direction ? 0.0 : map.m[3][1],
-                             direction ? 0.0 : map.m[3][2]};
-    for (int i = 0; i < count; ++i) {
-        const RyVec3 &p = in[places[i]];
-        const double x = p.x;
-        const double y = p.y;
-        const double z = p.z;
-        out[places[i]] = {float(x * map.m[0][0] + y * map.m[1][0] + z * map.m[2][0] + shift[0]),
-                          float(x * map.m[0][1] + y * map.m[1][1] + z * map.m[2][1] + shift[1]),
-                          float(x * map.m[0][2] + y * map.m[1][2] + z * map.m[2][2] + shift[2])};
+    const double s = std::sin(angle);
+    const double c = std::cos(angle);
+    for (int i = 0; i < 3; ++i) {
+        double &next = matrix[i][(axis + 1) % 3];
+        double &last = matrix[i][(axis + 2) % 3];
+        const double turned = next * c - last * s;
+        last = next * s + last * c;
+        next = turned;
+    }
+}
+
+void setIdentity(double matrix[3][3])
+{
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            matrix[i][j] = i == j ? 1.0 : 0.0;
     }
 }
 
@@ -100,7 +107,9 @@ void RyLegacyFrame::prepare(int number)
         return;
     }
     plan.how = driversRest && plan.bulges.empty() ? Plan::Map : Plan::Steps;
-    addSteps(group, plan);
+    addSteps(group, plan, false);
+    if (m_normals)
+        addSteps(group, plan, true);
 }
 
 void RyLegacyFrame::addBulges(const Group &group, Plan &plan) const
@@ -117,7 +126,80 @@ void RyLegacyFrame::addBulges(const Group &group, Plan &plan) const
     }
 }
 
-void RyLegacyFrame::addSteps(const Group &group, Plan &plan) const
+RyLegacyKernels::Step RyLegacyFrame::makeStep(const Group &group, size_t driver, bool normals) const
+{
+    const RyLegacyMotion &motion = m_pose.motion(group.drivers[driver]);
+    const RyLegacyFractions alike = group.fractionsOf(driver, 0); // where they are
+    RyLegacyKernels::Step step{};
+    std::copy(&motion.toAxes[0][0], &motion.toAxes[0][0] + 9, &step.first[0][0]);
+    std::copy(motion.origin, motion.origin + 3, step.origin);
+    std::copy(motion.origin, motion.origin + 3, step.moved);
+    if (motion.isScaled && !group.isAlike(driver, 4)) {
+        std::copy(motion.controls.scale.begin(), motion.controls.scale.end(), step.scale);
+        step.scaleFractions = group.component(driver, 4);
+    } else if (motion.isScaled && alike.scale == 1.0) {
+        double factors[3] = {motion.controls.scale[0], motion.controls.scale[1], motion.controls.scale[2]};
+        if (normals)
+            RyLegacyMotion::carryNormals(factors);
+        for (auto &row : step.first) {
+            for (int k = 0; k < 3; ++k)
+                row[k] *= factors[k];
+        }
+    }
+    double(*matrix)[3] = step.first; // of what stands before the next turn
+    for (const int axis : motion.order) {
+        const double angle = motion.controls.turn[size_t(axis)];
+        if (angle == 0.0)
+            continue;
+        if (group.isAlike(driver, size_t(axis)) && matrix == step.first && step.scaleFractions) {
+            // The scale in part stands between.
+            RyLegacyKernels::Step::Turn &none = step.turns[step.turnCount++];
+            none = {axis, 0.0, group.component(driver, size_t(axis)), true, {}};
+            matrix = none.next;
+            setIdentity(matrix);
+        }
+        if (group.isAlike(driver, size_t(axis))) {
+            appendTurn(matrix, axis, angle * alike.turn[axis]);
+            if (matrix != step.first)
+                step.turns[step.turnCount - 1].isFollowed = true;
+            continue;
+        }
+        RyLegacyKernels::Step::Turn &turn = step.turns[step.turnCount++];
+        turn = {axis, angle, group.component(driver, size_t(axis)), false, {}};
+        matrix = turn.next;
+        setIdentity(matrix);
+    }
+    double last[3][3];
+    const bool scaleLast = matrix == step.first && step.scaleFractions;
+    std::copy(&matrix[0][0], &matrix[0][0] + 9, &last[0][0]);
+    if (scaleLast) {
+        RyLegacyKernels::Step::Turn &none = step.turns[step.turnCount++];
+        none = {0, 0.0, group.component(driver, 0), true, {}};
+        matrix = none.next;
+        setIdentity(last);
+    } else if (matrix != step.first) {
+        step.turns[step.turnCount - 1].isFollowed = true;
+    }
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j) {
+            matrix[i][j] = 0.0;
+            for (int k = 0; k < 3; ++k)
+                matrix[i][j] += last[i][k] * motion.toAxes[j][k];
+        }
+    }
+    if (!motion.isMoved)
+        return step;
+    if (group.isAlike(driver, 3)) {
+        for (size_t k = 0; k < 3; ++k)
+            step.moved[k] += alike.translation * motion.controls.translation[k];
+    } else {
+        std::copy(motion.controls.translation.begin(), motion.controls.translation.end(), step.translation);
+        step.translationFractions = group.component(driver, 3);
+    }
+    return step;
+}
+
+void RyLegacyFrame::addSteps(const Group &group, Plan &plan, bool normals) const
 {
     std::vector<int> stepOf(group.drivers.size(), -1);
     int count = 0;
@@ -128,17 +210,7 @@ void RyLegacyFrame::addSteps(const Group &group, Plan &plan) const
     for (size_t d = 0; d < group.drivers.size(); ++d) {
         if (stepOf[d] < 0)
             continue;
-        const RyLegacyMotion &motion = m_pose.motion(group.drivers[d]);
-        RyLegacyKernels::Step step{};
-        for (int k = 0; k < 3; ++k) {
-            step.origin[k] = motion.origin[k];
-            step.order[k] = motion.order[k];
-            step.turn[k] = motion.controls.turn[size_t(k)];
-            step.translation[k] = motion.controls.translation[size_t(k)];
-            step.scale[k] = motion.controls.scale[size_t(k)];
-            std::copy(motion.toAxes[k], motion.toAxes[k] + 3, step.toAxes[k]);
-        }
-        step.isScaled = motion.isScaled;
+        RyLegacyKernels::Step step = makeStep(group, d, normals);
         step.target = count;
         const std::vector<RyLegacyRig::Bone> &bones = m_weights.rig().bones;
         for (int b = bones[size_t(group.drivers[d])].parent; b >= 0 && step.target == count;
@@ -147,9 +219,7 @@ void RyLegacyFrame::addSteps(const Group &group, Plan &plan) const
             if (above != group.drivers.end() && stepOf[size_t(above - group.drivers.begin())] >= 0)
                 step.target = stepOf[size_t(above - group.drivers.begin())];
         }
-        for (size_t c = 0; c < Group::Components; ++c)
-            step.fractions[c] = group.component(d, c);
-        plan.steps.push_back(step);
+        (normals ? plan.normalSteps : plan.steps).push_back(step);
     }
 }
 
@@ -157,10 +227,11 @@ Task RyLegacyFrame::taskFor(const Plan &plan, const Elements &elements, bool nor
                             RyVec3 *out) const
 {
     Task task{};
-    task.steps = plan.steps.data();
-    task.stepCount = int(plan.steps.size());
+    const std::vector<RyLegacyKernels::Step> &steps = normals ? plan.normalSteps : plan.steps;
+    task.steps = steps.data();
+    task.stepCount = int(steps.size());
     task.bulges = plan.bulges.data();
-    task.bulgeCount = int(plan.bulges.size());
+    task.bulgeCount = normals ? 0 : int(plan.bulges.size());
     task.normals = normals;
     const RyAffine &last = normals ? plan.normalMap : plan.map;
     std::copy(&last.m[0][0], &last.m[0][0] + 12, &task.last[0][0]);
@@ -218,8 +289,6 @@ void RyLegacyFrame::move(int number, const Elements &elements, bool normals, con
             out[elements.places[i]] = in[elements.places[i]];
         break;
     case Plan::Map:
-        moveAlike(normals ? plan.normalMap : plan.map, normals, elements.places, elements.count, in, out);
-        break;
     case Plan::Steps:
         run(taskFor(plan, elements, normals, in, out));
         break;

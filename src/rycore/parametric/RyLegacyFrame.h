@@ -33,6 +33,7 @@ private:
         RyAffine map; // of all vertices, or what follows the steps
         RyAffine normalMap;
         std::vector<RyLegacyKernels::Step> steps;
+        std::vector<RyLegacyKernels::Step> normalSteps;
         std::vector<RyLegacyKernels::Bulge> bulges;
         std::vector<RyLegacyPose::Part> parts; // one by one: all bones, children before parents
     };
@@ -45,7 +46,8 @@ private:
         int count;
     };
     void addBulges(const Group &group, Plan &plan) const;
-    void addSteps(const Group &group, Plan &plan) const;
+    void addSteps(const Group &group, Plan &plan, bool normals) const;
+    RyLegacyKernels::Step makeStep(const Group &group, size_t driver, bool normals) const;
     std::vector<RyLegacyPose::Part> partsOf(const Group &group) const;
     RyLegacyKernels::Task taskFor(const Plan &plan, const Elements &elements, bool normals, const RyVec3 *in,
                                   RyVec3 *out) const;

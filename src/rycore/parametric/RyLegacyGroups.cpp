@@ -22,9 +22,13 @@ bool isUniform(const RyLegacyFractions &f)
            isZeroOrOne(f.scale);
 }
 
-int bitsOf(const RyLegacyFractions &f)
+/// Which fractions are 0, 1, or between, as one number.
+int patternOf(const RyLegacyFractions &f)
 {
-    return int(f.turn[0]) | int(f.turn[1]) << 1 | int(f.turn[2]) << 2 | int(f.translation) << 3 | int(f.scale) << 4;
+    int pattern = 0;
+    for (const double each : {f.turn[0], f.turn[1], f.turn[2], f.translation, f.scale})
+        pattern = 3 * pattern + (each == 0.0 ? 0 : each == 1.0 ? 1 : 2);
+    return pattern;
 }
 
 struct HashOfKey
@@ -50,6 +54,12 @@ RyLegacyFractions RyLegacyGroups::Group::fractionsOf(size_t driver, size_t numbe
     f.translation = component(driver, 3)[number];
     f.scale = component(driver, 4)[number];
     return f;
+}
+
+bool RyLegacyGroups::Group::isAlike(size_t driver, size_t which) const
+{
+    // Vertices with another pattern are in another group.
+    return uniform || isZeroOrOne(component(driver, which)[0]);
 }
 
 /// What is gathered while groups are made; members are kept from vertex to vertex to save their memory.
@@ -124,10 +134,8 @@ void RyLegacyGroups::addVertex(Sketch &sketch, const RyLegacyWeights &weights, i
     }
     sketch.key = {owner, wholeBelow, int(uniform)};
     sketch.key.insert(sketch.key.end(), sketch.drivers.begin(), sketch.drivers.end());
-    for (const RyLegacyFractions &f : sketch.fractions) {
-        if (uniform)
-            sketch.key.push_back(bitsOf(f));
-    }
+    for (const RyLegacyFractions &f : sketch.fractions)
+        sketch.key.push_back(patternOf(f));
     sketch.key.push_back(-1);
     for (const auto &[param, driver] : sketch.bulges)
         sketch.key.push_back(param);

@@ -5,7 +5,8 @@
 #include <vector>
 
 /// The vertices of a figure, grouped by the bones that move them: those of a group go through the same steps. Where all
-/// fractions are 0 or 1 they are part of what makes the group, and one map moves it.
+/// fractions are 0 or 1 they are part of what makes the group, and one map moves it; also elsewhere a fraction that is 0
+/// or 1 is so for all of a group.
 class RyLegacyGroups
 {
 public:
@@ -36,6 +37,8 @@ public:
             return fractions.data() + (driver * Components + which) * vertices.size();
         }
         RyLegacyFractions fractionsOf(size_t driver, size_t number) const;
+        /// Whether all vertices have the same fraction, which is 0 or 1.
+        bool isAlike(size_t driver, size_t which) const;
     };
 
     void build(const RyLegacyWeights &weights);

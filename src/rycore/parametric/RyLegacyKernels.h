@@ -8,18 +8,28 @@ namespace RyLegacyKernels {
 /// Vertices that a loop takes at once.
 constexpr int Lanes = 16;
 
-/// One bone that moves the vertices (see RyLegacyMotion).
+/// One bone that moves the vertices (see RyLegacyMotion). What is the same for all of them is multiplied together: each
+/// turn that they take in part is followed by a matrix of what stands between it and the next one.
 struct Step
 {
+    struct Turn
+    {
+        int axis;
+        double angle;
+        const float *fractions; // of each vertex of the group
+        bool isFollowed;        // the matrix is not the identity
+        double next[3][3];
+    };
     double origin[3];
-    double toAxes[3][3];
-    int order[3];
-    double turn[3]; // about X, Y, Z
+    double first[3][3]; // before the first turn
+    Turn turns[3];
+    int turnCount;
+    double moved[3]; // origin and the part of the translation that all take
     double translation[3];
+    const float *translationFractions; // null where all take the same
     double scale[3];
-    bool isScaled;
-    int target;                // the step that its push goes to; the number of steps for the result
-    const float *fractions[5]; // turns, translation, scale; one for each vertex of the group
+    const float *scaleFractions; // null where all take the same; otherwise `first` ends in bone axes
+    int target;                  // the step that its push goes to; the number of steps for the result
 };
 
 /// Pushes vertices away from a line before anything else moves them.

@@ -131,38 +131,57 @@ void turnAbout(int axis, double turn, const double *share, Lane &y)
     }
 }
 
-/// What the step adds to where a point is.
-void applyStep(const Step &step, const Elements &elements, bool normals, const Lane &point, Lane &push)
+void multiply(const double matrix[3][3], const Lane &in, Lane &out)
 {
-    Lane off;
-    Lane y;
+    for (int l = 0; l < Lanes; ++l) {
+        const double x = in.x[0][l];
+        const double y = in.x[1][l];
+        const double z = in.x[2][l];
+        out.x[0][l] = x * matrix[0][0] + y * matrix[1][0] + z * matrix[2][0];
+        out.x[1][l] = x * matrix[0][1] + y * matrix[1][1] + z * matrix[2][1];
+        out.x[2][l] = x * matrix[0][2] + y * matrix[1][2] + z * matrix[2][2];
+    }
+}
+
+/// Where the step takes a point.
+void applyStep(const Step &step, const Elements &elements, bool normals, const Lane &point, Lane &image)
+{
     double share[Lanes];
-    for (int k = 0; k < 3; ++k) {
-        const double origin = normals ? 0.0 : step.origin[k];
-        for (int l = 0; l < Lanes; ++l)
-            off.x[k][l] = point.x[k][l] - origin;
+    Lane off = point;
+    if (!normals) {
+        for (int k = 0; k < 3; ++k) {
+            for (int l = 0; l < Lanes; ++l)
+                off.x[k][l] -= step.origin[k];
+        }
     }
-    for (int k = 0; k < 3; ++k) {
-        for (int l = 0; l < Lanes; ++l)
-            y.x[k][l] =
-                off.x[0][l] * step.toAxes[0][k] + off.x[1][l] * step.toAxes[1][k] + off.x[2][l] * step.toAxes[2][k];
-    }
-    if (step.isScaled) {
-        elements.read(step.fractions[4], share);
+    Lane y;
+    multiply(step.first, off, y);
+    if (step.scaleFractions) {
+        elements.read(step.scaleFractions, share);
         scaleBy(step, share, normals, y);
     }
-    for (const int axis : step.order) {
-        if (step.turn[axis] == 0.0)
-            continue;
-        elements.read(step.fractions[axis], share);
-        turnAbout(axis, step.turn[axis], share, y);
+    for (int t = 0; t < step.turnCount; ++t) {
+        const Step::Turn &turn = step.turns[t];
+        elements.read(turn.fractions, share);
+        turnAbout(turn.axis, turn.angle, share, y);
+        if (turn.isFollowed) {
+            off = y;
+            multiply(turn.next, off, y);
+        }
     }
-    elements.read(step.fractions[3], share);
+    image = y;
+    if (normals)
+        return;
     for (int k = 0; k < 3; ++k) {
-        const double moved = normals ? 0.0 : step.translation[k];
         for (int l = 0; l < Lanes; ++l)
-            push.x[k][l] = y.x[0][l] * step.toAxes[k][0] + y.x[1][l] * step.toAxes[k][1] +
-                           y.x[2][l] * step.toAxes[k][2] - off.x[k][l] + share[l] * moved;
+            image.x[k][l] += step.moved[k];
+    }
+    if (!step.translationFractions)
+        return;
+    elements.read(step.translationFractions, share);
+    for (int k = 0; k < 3; ++k) {
+        for (int l = 0; l < Lanes; ++l)
+            image.x[k][l] += share[l] * step.translation[k];
     }
 }
 
@@ -184,13 +203,12 @@ void moveLanes(const Task &task, int first)
     for (int s = 0; s <= task.stepCount; ++s)
         points[s] = start;
     for (int s = 0; s < task.stepCount; ++s) {
-        Lane push;
-        const Lane &point = points[s];
-        applyStep(task.steps[s], elements, task.normals, point, push);
+        Lane image;
+        applyStep(task.steps[s], elements, task.normals, points[s], image);
         Lane &target = points[task.steps[s].target];
         for (int k = 0; k < 3; ++k) {
             for (int l = 0; l < Lanes; ++l)
-                target.x[k][l] += push.x[k][l] + (point.x[k][l] - start.x[k][l]);
+                target.x[k][l] += image.x[k][l] - start.x[k][l];
         }
     }
     const Lane &moved = points[task.stepCount];
@@ -209,8 +227,31 @@ void moveLanes(const Task &task, int first)
     }
 }
 
+/// One map for all, without steps.
+void moveAlike(const Task &task)
+{
+    typedef double Four __attribute__((vector_size(32)));
+    typedef float FourFloats __attribute__((vector_size(16)));
+    Four rows[4];
+    for (int i = 0; i < 4; ++i)
+        rows[i] = Four{task.last[i][0], task.last[i][1], task.last[i][2], 0.0};
+    if (task.normals)
+        rows[3] = Four{};
+    for (int i = 0; i < task.count; ++i) {
+        const RyVec3 &in = task.in[task.places[i]];
+        const Four image = rows[3] + double(in.x) * rows[0] + double(in.y) * rows[1] + double(in.z) * rows[2];
+        const FourFloats rounded = __builtin_convertvector(image, FourFloats);
+        RyVec3 &out = task.out[task.places[i]];
+        out.x = rounded[0];
+        out.y = rounded[1];
+        out.z = rounded[2];
+    }
+}
+
 void moveTask(const Task &task)
 {
+    if (task.stepCount == 0 && task.bulgeCount == 0)
+        return moveAlike(task);
     for (int first = 0; first < task.count; first += Lanes)
         moveLanes(task, first);
 }
