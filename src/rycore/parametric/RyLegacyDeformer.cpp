@@ -166,6 +166,8 @@ std::vector<char> RyLegacyDeformer::movedGroups(const std::vector<RyLegacyContro
 
 void RyLegacyDeformer::markChanges(const std::vector<char> &moved)
 {
+    if (std::find(moved.begin(), moved.end(), 0) == moved.end())
+        return m_changes.markAll(int(std::max(m_positions.size(), m_normals.size())));
     m_changes.begin();
     for (size_t g = 0; g < moved.size(); ++g) {
         if (!moved[g])

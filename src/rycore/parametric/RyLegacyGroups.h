@@ -5,8 +5,8 @@
 #include <vector>
 
 /// The vertices of a figure, grouped by the bones that move them: those of a group go through the same steps. Where all
-/// fractions are 0 or 1 they are part of what makes the group, and one map moves it; also elsewhere a fraction that is 0
-/// or 1 is so for all of a group.
+/// fractions are 0 or 1 they are part of what makes the group, and one map moves it; also elsewhere a fraction that is
+/// 0 or 1 is so for all of a group.
 class RyLegacyGroups
 {
 public:

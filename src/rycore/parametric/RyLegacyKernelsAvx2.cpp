@@ -7,6 +7,7 @@
 // What is compiled from here on may only run where RySkinKernels::hasAvx2().
 #pragma GCC push_options
 #pragma GCC target("avx2,fma")
+#pragma GCC optimize("O3")
 
 #include "rycore/parametric/RyLegacyLoop.h"
 

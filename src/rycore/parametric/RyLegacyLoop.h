@@ -18,7 +18,7 @@ struct Lane
     double x[3][Lanes];
 };
 
-/// Both to 1e-11, for angles up to a million.
+/// Both to 2e-9, for angles up to a million.
 inline void sineAndCosine(const double *angle, double *sine, double *cosine)
 {
     constexpr double ByQuarter = 0.63661977236758134308;
@@ -29,13 +29,9 @@ inline void sineAndCosine(const double *angle, double *sine, double *cosine)
         const double quarters = (angle[l] * ByQuarter + ToWhole) - ToWhole;
         const double r = (angle[l] - quarters * QuarterHigh) - quarters * QuarterLow;
         const double z = r * r;
-        const double s =
-            r + r * z *
-                    (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 +
-                                                      z * (1.0 / 362880 + z * (-1.0 / 39916800 + z / 6227020800.0)))));
+        const double s = r + r * z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
         const double c =
-            1.0 + z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 +
-                                                   z * (1.0 / 40320 + z * (-1.0 / 3628800 + z * (1.0 / 479001600))))));
+            1.0 + z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320 + z * (-1.0 / 3628800)))));
         // Quarters modulo 4 as -2 to 2: an odd one exchanges the two.
         const double rest = quarters - 4.0 * ((quarters * 0.25 + ToWhole) - ToWhole);
         const double odd = std::fabs(rest) == 1.0 ? 1.0 : 0.0;
