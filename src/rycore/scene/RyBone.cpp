@@ -1,3 +1,10 @@
 #include "rycore/scene/RyBone.h"
 
 RyBone::RyBone() = default;
+
+RyOrientedBox3 RyBone::getOrientedBoundingBox() const
+{
+    RyOrientedBox3 oriented;
+    oriented.box = boxInParameterSpace();
+    return oriented;
+}

@@ -9,6 +9,10 @@ class RyBone : public RyNode
 public:
     RyBone();
 
+    /// Of the vertices of `getBoundingBox`, in parameter space of the bone, which has bone axes about the bone's
+    /// origin: `orientation^-1 (p - origin) + origin`. The transform is the identity.
+    RyOrientedBox3 getOrientedBoundingBox() const override;
+
 protected:
     RyNode *makeSameKind() const override { return new RyBone; }
 };

@@ -178,6 +178,8 @@ signals:
     void morphsChanged();
 
 protected:
+    /// The vertices of `getBoundingBox` in bone axes about the origin, `orientation^-1 (p - origin) + origin`.
+    RyBox3 boxInParameterSpace() const { return m_geometry.boxInParameterSpace(); }
     /// Tells the scene, where the node is in one, that something drawn changed.
     void announceDrawn();
     void nameHasChanged() override;

@@ -47,25 +47,38 @@ void RyNodeGeometry::apply(RyObject *object)
 
 RyBox3 RyNodeGeometry::box() const
 {
+    return boxOf([](const RyVec3 &point) { return point; });
+}
+
+RyBox3 RyNodeGeometry::boxInParameterSpace() const
+{
+    const RyVec3 origin = m_node.getOrigin();
+    const RyQuat toBone = m_node.getOrientation().inverse();
+    return boxOf([&](const RyVec3 &point) { return toBone.multVec(point - origin) + origin; });
+}
+
+template<typename Map>
+RyBox3 RyNodeGeometry::boxOf(const Map &map) const
+{
     const RySkeleton *skeleton = m_node.getSkeleton();
     const RyObject *object = m_object || !skeleton ? m_object.get() : skeleton->getObject();
     const auto *shape = object ? qobject_cast<RyFacetShape *>(object->getCurrentShape()) : nullptr;
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
     if (!mesh)
         return {};
-    const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
-    const RyFaceGroup *group = map ? mesh->findFaceGroup(map->findGroupForNode(&m_node)) : nullptr;
+    const RySelectionMap *pairs = skeleton ? skeleton->getSelectionMap() : nullptr;
+    const RyFaceGroup *group = pairs ? mesh->findFaceGroup(pairs->findGroupForNode(&m_node)) : nullptr;
     const std::vector<RyVec3> &positions = shape->getCurrentPositions();
     RyBox3 box;
     if (!group) {
         for (const RyVec3 &position : positions)
-            box.include(position);
+            box.include(map(position));
         return box;
     }
     for (int i = 0; i < group->getFacets().count(); ++i) {
         const RyFacet &facet = mesh->getFacet(group->getFacets().getIndex(i));
         for (int corner = 0; corner < facet.count(); ++corner)
-            box.include(positions[size_t(facet.vertices[corner])]);
+            box.include(map(positions[size_t(facet.vertices[corner])]));
     }
     return box;
 }

@@ -22,11 +22,15 @@ public:
     /// In figure space, pose not applied: the vertices of the face group that the skeleton's selection map pairs with
     /// the node, otherwise those of the whole object; empty without geometry.
     RyBox3 box() const;
+    /// The same in parameter space of the node: its bone axes about its origin, `orientation^-1 (p - origin) + origin`.
+    RyBox3 boxInParameterSpace() const;
 
 private:
     struct ObjectValue;
 
     void apply(RyObject *object);
+    template<typename Map>
+    RyBox3 boxOf(const Map &map) const;
 
     RyNode &m_node;
     RyRef<RyObject> m_object;
