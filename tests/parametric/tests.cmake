@@ -1,1 +1,1 @@
-ry_test(parametric LIBS rycore_parametric ry_test_core)
+ry_test(parametric LIBS rycore_io ry_test_core)

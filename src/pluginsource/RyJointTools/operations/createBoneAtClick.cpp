@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/operations/createBoneAtClick.h"
 
 #include "pluginsource/RyJointTools/operations/bindBone.h"
+#include "pluginsource/RyJointTools/operations/createLegacyJoint.h"
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/math/RyLine3.h"
@@ -40,5 +41,7 @@ RyBone *createBoneAtClick(RyNode *node, const RyLine3 &ray, const RyQuat &camera
     node->addNodeChild(bone);
     if (qobject_cast<const RyFigure *>(skeleton))
         addEmptyBoneBinding(bone, node);
+    else
+        createLegacyJoint(bone, node, true, false);
     return bone;
 }

@@ -1,10 +1,12 @@
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
 
 #include "pluginsource/RyJointTools/operations/bindBone.h"
+#include "pluginsource/RyJointTools/operations/createLegacyJoint.h"
 
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
 
 RyBone *createChildBone(RyNode *parent, const QString &name, const QString &label, const RyRotationOrder &order)
 {
@@ -22,6 +24,9 @@ RyBone *createChildBone(RyNode *parent, const QString &name, const QString &labe
     bone->setInheritScale(qobject_cast<RySkeleton *>(parent) != nullptr);
     ryScene()->addNode(bone);
     parent->addNodeChild(bone);
-    addEmptyBoneBinding(bone, parent);
+    if (RySkinBinding::findSkinFromNode(parent))
+        addEmptyBoneBinding(bone, parent);
+    else
+        createLegacyJoint(bone, parent, true, false);
     return bone;
 }

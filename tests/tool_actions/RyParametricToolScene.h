@@ -1,0 +1,18 @@
+#pragma once
+
+#include "parametric/ParametricScene.h"
+#include "parametric/legacyDump.h"
+#include "tool/RyWindowScene.h"
+
+/// The scene of the tool tests with an untidy parametric figure beside the weight-mapped one.
+struct RyParametricToolScene : RyWindowScene
+{
+    RyParametricToolScene()
+    {
+        doll.makeUntidy();
+        doll.makeJoints();
+    }
+    static QString wholeDump() { return rySceneDump(*ryScene()) + legacyDump(); }
+
+    ParametricScene doll{false};
+};
