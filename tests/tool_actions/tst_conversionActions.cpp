@@ -7,7 +7,9 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
 #include "rycore/app/RyApp.h"
 #include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/skin/RyBoneBinding.h"
@@ -87,8 +89,7 @@ private slots:
                  QStringList({"KorvexRBtn", "Korvex Weight Mapping", "on", "GeneralRBtn", "General Weight Mapping",
                               "off", "LegacyRBtn", "Parametric Joint Parameters", "off"}));
         const auto *parametric = child<QRadioButton>(dialog, "LegacyRBtn");
-        QVERIFY(!parametric->isEnabled());
-        QCOMPARE(parametric->toolTip(), QStringLiteral("Not available yet in this version."));
+        QVERIFY(parametric->isEnabled());
         const auto *inherit = child<QCheckBox>(dialog, "InheritParentSkeletonCbx");
         QCOMPARE(inherit->text(), QStringLiteral("Inherit Skeleton of Parent"));
         QVERIFY(inherit->isChecked() && !name->isEnabled());
@@ -221,6 +222,56 @@ private slots:
         action.trigger();
         QCOMPARE(scene.figure->getAllBones().size(), bones + 1);
         QVERIFY(scene.figure->findBone(QStringLiteral("Bone")));
+    }
+
+    void convertsToAParametricFigure()
+    {
+        RyWindowScene scene;
+        giveMesh(scene.prop, 5);
+        scene.select(scene.prop);
+        ryUndoStack()->clearAll();
+        const QString before = scene.dump();
+        RyDialogDriver driver;
+        driver.setField(QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"), QStringLiteral("false"));
+        driver.setField(QStringLiteral("ConvertPropToFigureRootBoneLEdit"), QStringLiteral("root"));
+        driver.setField(QStringLiteral("ConvertPropToFigureLegacyRBtn"), QStringLiteral("true"));
+        RyJEConvertPropToFigureAction().executeAction();
+        QCOMPARE(driver.errors(), QStringList());
+        QVERIFY(!newFigure(scene));
+        auto *figure = qobject_cast<RyLegacyFigure *>(ryScene()->getSkeletons().back());
+        QVERIFY(figure && figure->findBone(QStringLiteral("root")));
+        QVERIFY(RyLegacyJoint::findJoint(figure->getAllBones().front()));
+        QCOMPARE(RyApp::busyCursorDepth(), 0);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Convert Prop to Figure"));
+        ryUndoStack()->undo();
+        QCOMPARE(scene.dump(), before);
+        ryUndoStack()->redo();
+        // And back, by the action for it.
+        ryScene()->setSelection({figure->getAllBones().front()});
+        RyJEConvertFigureToPropAction().executeAction();
+        QVERIFY(!qobject_cast<RySkeleton *>(ryScene()->findNode(QStringLiteral("prop"))));
+        QCOMPARE(int(ryScene()->getSkeletons().size()), 1);
+    }
+
+    void parametricBoneMayNotJoinAWeightMappedSkeleton()
+    {
+        RyWindowScene scene;
+        giveMesh(scene.prop, 4);
+        scene.lFoot->addNodeChild(scene.prop, false);
+        scene.select(scene.prop);
+        ryUndoStack()->clearAll();
+        const QString before = scene.dump();
+        RyDialogDriver driver;
+        driver.setField(QStringLiteral("ConvertPropToFigureLegacyRBtn"), QStringLiteral("true"));
+        RyJEConvertPropToFigureAction().executeAction();
+        QCOMPARE(int(driver.records().size()), 2);
+        QCOMPARE(driver.records().back().title, QStringLiteral("Selection Error"));
+        QCOMPARE(driver.records().back().text,
+                 QStringLiteral("A bone with joint parameters cannot join the weight mapped skeleton of the parent. "
+                                "Convert the object without inheriting that skeleton, or with weight mapping."));
+        QCOMPARE(scene.dump(), before);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QCOMPARE(RyApp::busyCursorDepth(), 0);
     }
 
     void cancelChangesNothing()

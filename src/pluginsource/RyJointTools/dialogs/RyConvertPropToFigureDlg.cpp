@@ -70,9 +70,6 @@ QWidget *RyConvertPropToFigureDlg::makeRiggingModes()
     add(tr("Korvex Weight Mapping"), "KorvexRBtn")->setChecked(true);
     m_general = add(tr("General Weight Mapping"), "GeneralRBtn");
     m_parametric = add(tr("Parametric Joint Parameters"), "LegacyRBtn");
-    // The host has no parametric figures.
-    m_parametric->setEnabled(false);
-    m_parametric->setToolTip(tr("Not available yet in this version."));
     return modes;
 }
 

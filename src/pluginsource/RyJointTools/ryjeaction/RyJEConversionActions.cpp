@@ -7,6 +7,7 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
@@ -33,11 +34,21 @@ void RyJEConvertPropToFigureAction::executeAction()
     RyGuardedDialog<RyConvertPropToFigureDlg> dialog(RyApp::getInterface());
     if (dialog.exec() != QDialog::Accepted || !prop)
         return;
+    const auto rigging = dialog->getRigging();
+    const bool inherit = dialog->inheritsParentSkeleton();
+    const bool parametric = rigging == RyConvertPropToFigureDlg::Rigging::Parametric;
+    if (parametric && inherit && !RyLegacyFigure::mayJoinOuterSkeleton(prop)) {
+        warnOfSelection(RyJEToolAction::tr(
+            "A bone with joint parameters cannot join the weight mapped skeleton of the parent. Convert "
+            "the object without inheriting that skeleton, or with weight mapping."));
+        return;
+    }
     RyApp::startBusyCursor();
-    // Parametric figures cannot be chosen yet.
-    RyFigure::convertPropToFigure(prop, dialog->getRootBoneName(),
-                                  dialog->getRigging() == RyConvertPropToFigureDlg::Rigging::LocalMaps,
-                                  dialog->inheritsParentSkeleton());
+    if (parametric)
+        RyLegacyFigure::convertPropToFigure(prop, dialog->getRootBoneName(), inherit);
+    else
+        RyFigure::convertPropToFigure(prop, dialog->getRootBoneName(),
+                                      rigging == RyConvertPropToFigureDlg::Rigging::LocalMaps, inherit);
     RyApp::endBusyCursor();
 }
 
