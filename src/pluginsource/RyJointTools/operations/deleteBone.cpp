@@ -3,6 +3,7 @@
 #include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/operations/normalizeWeights.h"
 
+#include "rycore/figure/RyLegacyBoneRemoval.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -97,15 +98,18 @@ void deleteBone(RyBone *bone)
     if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr)
         removePairs(map, bone);
     const std::vector<RySkinBinding *> skins = findSkinsThatBind(bone);
+    RyLegacyBoneRemoval removal(bone);
     if (parent)
         parent->removeNodeChild(bone);
     for (RySkinBinding *skin : skins)
         moveWeightsOfDeletedBone(skin, bone, parent);
+    removal.removeLegacyJoint();
     for (RyNode *child : bone->nodeChildrenIterator()) {
         const RyRef<RyNode> held(child); // nobody else may hold one that is not in the scene
         bone->removeNodeChild(child);
         if (parent)
             parent->addNodeChild(child);
+        removal.rebuildLegacyJoint(child, parent);
     }
     ryScene()->removeNode(bone);
 }
