@@ -267,7 +267,8 @@ private slots:
         RyLegacyJointMaker(scene.lArm, Side::ByEndPoint).make(scene.chest, true);
         const QString before = legacyDump() + rySceneDump(*ryScene());
         int announced = 0;
-        connect(scene.binding, &RyLegacyBinding::bindingChanged, this, [&] { ++announced; });
+        const QObject listener;
+        connect(scene.binding, &RyLegacyBinding::bindingChanged, &listener, [&] { ++announced; });
         RyUndoStackHold hold;
         RyLegacyJointMaker(scene.lHand, Side::ByEndPoint).make(scene.lArm, true);
         QCOMPARE(announced, 1);

@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
+#include "pluginsource/RyJointTools/operations/changeRotationOrder.h"
 #include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
 #include "pluginsource/RyJointTools/tool/RyJointToolMenus.h"
 
@@ -128,5 +129,11 @@ void RyJointEditorTool::finishDrag()
 
 void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder &order)
 {
-    m_selection.changeRotationOrder(node, order);
+    const OrderChange change = ::changeRotationOrder(node, order);
+    if (change == OrderChange::None)
+        return;
+    emit nodeChanged(currentNode());
+    RyMainWindow *window = RyApp::getInterface();
+    if (window && change == OrderChange::AnglesKept)
+        window->showMessage(tr("The bend angles stay as they were. \"Fit Zones to Bone\" turns them along the bone."));
 }

@@ -101,7 +101,7 @@ public:
     bool autoSnapEndPoints() const { return m_options.autoSnapEndPoints; }
     void setAutoSnapEndPoints(bool onOff);
 
-    /// Gives the node another rotation order and announces the current node anew. Nothing for null or the same order.
+    /// See operations/changeRotationOrder.h; announces the current node anew. Nothing for null or the same order.
     void changeRotationOrder(RyNode *node, const RyRotationOrder &order);
 
 signals:

@@ -121,11 +121,3 @@ void RyToolSelection::forgetNode()
     if (hadText)
         emit m_tool.statusTextChanged();
 }
-
-void RyToolSelection::changeRotationOrder(RyNode *node, const RyRotationOrder &order)
-{
-    if (!node || node->getRotationOrder() == order)
-        return;
-    node->setRotationOrder(order);
-    emit m_tool.nodeChanged(m_joint.node);
-}

@@ -3,7 +3,6 @@
 class QEvent;
 class RyJointEditorTool;
 class RyNode;
-class RyRotationOrder;
 class RyToolPointer;
 struct RyJointState;
 
@@ -26,7 +25,6 @@ public:
     void update(RyNode *node);
     /// The current node goes away; the selection says later what comes instead.
     void forgetNode();
-    void changeRotationOrder(RyNode *node, const RyRotationOrder &order);
 
 private:
     void connectNode() const;
