@@ -1,0 +1,268 @@
+#include "support/RyTest.h"
+
+#include "ParametricScene.h"
+#include "legacyDump.h"
+
+#include "rycore/figure/RyLegacyMirror.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/parametric/RyLegacyBendParam.h"
+#include "rycore/parametric/RyLegacySmoothScale.h"
+#include "rycore/parametric/RyLegacyTwistParam.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "support/RyNear.h"
+
+#include <random>
+
+namespace {
+
+RyVec3 reflected(RyVec3 v, int axis)
+{
+    v[axis] = -v[axis];
+    return v;
+}
+
+/// Bone to bone, as the rigging is mirrored before the joints are.
+void mirrorRigging(const RyBone *source, RyBone *target, int axis)
+{
+    target->setRotationOrder(source->getRotationOrder());
+    target->setOrigin(reflected(source->getOrigin(), axis));
+    target->setEndPoint(reflected(source->getEndPoint(), axis));
+    RyVec3 around;
+    float angle = 0;
+    source->getOrientation().getValue(around, angle);
+    target->setOrientation(RyQuat(reflected(around, axis), -angle));
+}
+
+/// The direction of a ray of a bend, in figure space.
+RyVec3 rayOf(const RyLegacyJointParam *param, int index)
+{
+    const double t = double(param->controllers()[size_t(index)]->getValue()) * M_PI / 180;
+    const float c = float(std::cos(t));
+    const float s = float(std::sin(t));
+    const RyVec3 ray = param->getAxis() == 0   ? RyVec3(0, s, -c)
+                       : param->getAxis() == 1 ? RyVec3(c, 0, s)
+                                               : RyVec3(c, s, 0);
+    return param->getDriver()->getOrientation().multVec(ray);
+}
+
+/// How far a point of figure space is out of a sphere, as a multiple of its radius.
+float distanceIn(const RyLegacyJointParam *param, const RyVec3 &point)
+{
+    const RyBone *driver = param->getDriver();
+    const RyVec3 x = driver->getOrientation().inverse().multVec(point - driver->getOrigin()) + driver->getOrigin();
+    return param->getStaticMatrix().inverse().multVecMatrix(x).length();
+}
+
+/// Values, flags and spheres that an artist might leave, other defaults among them.
+void workOn(const RyLegacyJoint *joint, std::mt19937 &random)
+{
+    std::uniform_int_distribution<int> number(-150, 150);
+    for (RyLegacyJointParam *param : joint->params()) {
+        for (RyFloatProperty *value : param->controllers()) {
+            value->setDefaultValue(float(number(random)));
+            value->setValue(float(number(random)));
+        }
+        for (const RyLegacyJointSphere *sphere : {param->getDynamicSphere(), param->getStaticSphere()}) {
+            for (size_t i = 0; i < 10; ++i)
+                sphere->controls()[i]->setValue(i < 6 ? float(number(random))
+                                                      : 1.0f + 0.01f * float(number(random) + 151));
+        }
+        param->setFlags((param->flags() & RyLegacyJointParam::Flipped) |
+                        (unsigned(random()) & 254u & ~unsigned(RyLegacyJointParam::Flipped)));
+    }
+}
+
+} // namespace
+
+/// Joint parameters of one side of a figure on the other.
+class RyLegacyMirrorTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void reflects_data()
+    {
+        QTest::addColumn<int>("axis");
+        QTest::newRow("X") << 0;
+        QTest::newRow("Y") << 1;
+        QTest::newRow("Z") << 2;
+    }
+    void reflects()
+    {
+        QFETCH(int, axis);
+        ParametricScene scene;
+        scene.makeUntidy();
+        for (const auto &[source, target] : {std::pair(scene.lArm, scene.rArm), std::pair(scene.lHand, scene.rHand)})
+            mirrorRigging(source, target, axis);
+        scene.makeJoints();
+        std::mt19937 random(ryTestSeed());
+        for (RyBone *bone : {scene.chest, scene.lArm, scene.lHand})
+            workOn(scene.joint(bone), random);
+        const QString sourceBefore = legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm));
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), axis);
+        QCOMPARE(legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm)), sourceBefore);
+
+        int compared = 0;
+        for (const RyBone *side : {scene.lHand, scene.lArm}) {
+            for (const RyLegacyJointParam *from : scene.joint(side)->params()) {
+                const bool isHands = from->getDriver() == scene.lHand || from->getName() == "lArm_smoox";
+                QString name = from->getName();
+                if (name.startsWith('l'))
+                    name[0] = 'r';
+                const RyLegacyJointParam *to =
+                    scene.joint(side == scene.lHand ? scene.rHand : scene.rArm)->findParam(name);
+                if (!isHands)
+                    continue;
+                QVERIFY(to);
+                ++compared;
+                QCOMPARE(to->isFlipped(), from->isFlipped());
+                QCOMPARE(to->applyMatrices(), from->applyMatrices());
+                const RyVec3 point(20, 110, 7);
+                QVERIFY(std::abs(distanceIn(to, reflected(point, axis)) / distanceIn(from, point) - 1.0f) < 1e-3f);
+                if (from->type() == RyLegacyJointParam::Bend) {
+                    const bool same = from->getAxis() == axis;
+                    for (int i = 0; i < 4; ++i)
+                        QVERIFY(ryIsNear(rayOf(to, same ? i : 3 - i), reflected(rayOf(from, i), axis), 1e-4f));
+                    // Left and right of the other turn.
+                    const size_t crosswise[] = {7, 6, 5, 4};
+                    for (size_t i = 0; i < 4; ++i)
+                        QCOMPARE(to->controllers()[4 + i]->getValue(),
+                                 from->controllers()[same ? 4 + i : crosswise[i]]->getValue());
+                } else if (from->type() == RyLegacyJointParam::Twist) {
+                    const float sign = from->getAxis() == axis ? -1.0f : 1.0f;
+                    for (size_t i = 0; i < 2; ++i) {
+                        QCOMPARE(to->controllers()[i]->getValue(), sign * from->controllers()[i]->getValue());
+                        QCOMPARE(to->controllers()[i]->getDefaultValue(),
+                                 sign * from->controllers()[i]->getDefaultValue());
+                    }
+                } else {
+                    const auto *a = dynamic_cast<const RyLegacySmoothScale *>(from);
+                    const auto *b = dynamic_cast<const RyLegacySmoothScale *>(to);
+                    const bool along = a->getAxis() == axis;
+                    QCOMPARE(b->getHiStart(), along ? -a->getLoStart() : a->getHiStart());
+                    QCOMPARE(b->getHiEnd(), along ? -a->getLoEnd() : a->getHiEnd());
+                    QCOMPARE(b->getLoStart(), along ? -a->getHiStart() : a->getLoStart());
+                    QCOMPARE(b->getLoEnd(), along ? -a->getHiEnd() : a->getLoEnd());
+                    QCOMPARE(b->hiValid(), along ? a->loValid() : a->hiValid());
+                    QCOMPARE(b->applyZones(), a->applyZones());
+                }
+            }
+        }
+        QCOMPARE(compared, 8);
+        // And back: what was there.
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.rHand), scene.joint(scene.lHand), axis);
+        QCOMPARE(legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm)), sourceBefore);
+    }
+
+    void copiesOfChildrenAreTheChildrens()
+    {
+        ParametricScene scene;
+        scene.makeUntidy();
+        scene.makeJoints();
+        const RyLegacyJointParam *copy = scene.param(scene.rArm, "rHand_jointy");
+        scene.param(scene.lArm, "lHand_jointy")->controllers()[0]->setValue(77);
+        const QString before = legacyDumpOf(*copy);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lArm), scene.joint(scene.rArm), 0);
+        QCOMPARE(legacyDumpOf(*copy), before);
+    }
+
+    void tableOfNewBonesTurnsIntoItself()
+    {
+        ParametricScene scene;
+        scene.makeJoints();
+        for (const char *name : {"jointy", "jointz"})
+            scene.param(scene.rArm, name)->controllers()[2]->setValue(11);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lArm), scene.joint(scene.rArm), 0);
+        for (const char *name : {"jointy", "jointz"}) {
+            const auto *bend = dynamic_cast<const RyLegacyBendParam *>(scene.param(scene.rArm, name));
+            QCOMPARE(bend->controllers()[0]->getValue(), -90.0f);
+            QCOMPARE(bend->controllers()[1]->getValue(), -135.0f);
+            QCOMPARE(bend->controllers()[2]->getValue(), 135.0f);
+            QCOMPARE(bend->controllers()[3]->getValue(), 90.0f);
+        }
+    }
+
+    void firstLetters_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<bool>("isFound");
+        QTest::newRow("same") << "arm_smoox"
+                              << "arm_smoox" << true;
+        QTest::newRow("l to r") << "larm_smoox"
+                                << "rarm_smoox" << true;
+        QTest::newRow("L to r") << "Larm_smoox"
+                                << "rarm_smoox" << true;
+        QTest::newRow("r to l") << "rarm_smoox"
+                                << "larm_smoox" << true;
+        QTest::newRow("R stays") << "Rarm_smoox"
+                                 << "Larm_smoox" << false;
+        QTest::newRow("not L") << "larm_smoox"
+                               << "Rarm_smoox" << false;
+    }
+    void firstLetters()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, target);
+        QFETCH(bool, isFound);
+        ParametricScene scene;
+        scene.makeJoints();
+        // Driven by tips, so that only the names tell.
+        auto *from = new RyLegacySmoothScale(source, 1, scene.lTip);
+        auto *to = new RyLegacySmoothScale(target, 1, scene.rTip);
+        from->setHiStart(12.5f);
+        scene.joint(scene.lArm)->addJointParam(from);
+        scene.joint(scene.rArm)->addJointParam(to);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lArm), scene.joint(scene.rArm), 0);
+        QCOMPARE(to->getHiStart() == 12.5f, isFound);
+    }
+
+    void parentsOfOtherNames()
+    {
+        ParametricScene scene;
+        scene.lArm->setName(QStringLiteral("leftArm"));
+        scene.rArm->setName(QStringLiteral("rightArm"));
+        scene.makeJoints();
+        auto *from = dynamic_cast<RyLegacySmoothScale *>(scene.param(scene.lHand, "leftArm_smoox"));
+        from->setHiStart(31);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 0);
+        QCOMPARE(dynamic_cast<RyLegacySmoothScale *>(scene.param(scene.rHand, "rightArm_smoox"))->getLoStart(), -31.0f);
+    }
+
+    void otherKindsAndNothing()
+    {
+        ParametricScene scene;
+        scene.makeJoints();
+        scene.joint(scene.lTip)->addJointParam(new RyLegacyTwistParam("odd", 0, scene.lTip));
+        scene.joint(scene.rTip)->addJointParam(new RyLegacyBendParam("odd", 0, scene.rTip));
+        const QString odd = legacyDumpOf(*scene.param(scene.rTip, "odd"));
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lTip), scene.joint(scene.rTip), 0);
+        QCOMPARE(legacyDumpOf(*scene.param(scene.rTip, "odd")), odd);
+        const QString before = legacyDump();
+        RyLegacyMirror::mirrorJoint(nullptr, scene.joint(scene.rTip), 0);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.rTip), nullptr, 0);
+        QCOMPARE(legacyDump(), before);
+    }
+
+    void isUndoable()
+    {
+        ParametricScene scene;
+        scene.makeUntidy();
+        scene.makeJoints();
+        std::mt19937 random(ryTestSeed());
+        workOn(scene.joint(scene.lHand), random);
+        const QString before = legacyDump() + rySceneDump(*ryScene());
+        RyUndoStackHold hold;
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 0);
+        hold.accept(QStringLiteral("Mirror"));
+        const QString after = legacyDump() + rySceneDump(*ryScene());
+        QVERIFY(after != before);
+        ryUndoStack()->undo();
+        QCOMPARE(legacyDump() + rySceneDump(*ryScene()), before);
+        ryUndoStack()->redo();
+        QCOMPARE(legacyDump() + rySceneDump(*ryScene()), after);
+    }
+};
+
+RY_TEST(RyLegacyMirrorTest)
+#include "tst_RyLegacyMirror.moc"
