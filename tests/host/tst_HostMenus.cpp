@@ -67,6 +67,15 @@ private slots:
         QCOMPARE(titles, QStringList({"&File", "&Edit", "&View", "&Tools", "&Joint Editor", "&Scripts", "&Help"}));
     }
 
+    void editMenuEndsWithTheLibrarysActions()
+    {
+        const QList<QAction *> actions = m_window->findChild<QMenu *>(QStringLiteral("EditMenu"))->actions();
+        QStringList names;
+        for (const QAction *action : actions.mid(actions.size() - 2))
+            names << action->objectName();
+        QCOMPARE(names, QStringList({"RyBindToNearestBonesAction", "RyFitZonesToBoneAction"}));
+    }
+
     void theToolsMenuStandsInThreePlaces()
     {
         RyMenu expected;

@@ -37,8 +37,10 @@ EditMenu::EditMenu(RyMainWindow *window, QObject *parent)
 
 void EditMenu::refresh()
 {
-    if (RyAction *bind = m_window->getActionMgr()->findAction(QStringLiteral("RyBindToNearestBonesAction")))
-        m_menu->addAction(bind);
+    for (const char *name : {"RyBindToNearestBonesAction", "RyFitZonesToBoneAction"}) {
+        if (RyAction *action = m_window->getActionMgr()->findAction(QLatin1String(name)))
+            m_menu->addAction(action);
+    }
 }
 
 void EditMenu::updateUndo()

@@ -2,6 +2,7 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyBindToNearestBonesAction.h"
+#include "rycore/app/RyFitZonesToBoneAction.h"
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/ui/RyActionMgr.h"
@@ -34,6 +35,7 @@ static void checkScriptLibrary()
 int loadHostPlugins(RyMainWindow &window)
 {
     window.getActionMgr()->addAction(new RyBindToNearestBonesAction);
+    window.getActionMgr()->addAction(new RyFitZonesToBoneAction);
     const int loaded = window.loadPlugins(hostPluginFolder());
     checkScriptLibrary();
     return loaded;
