@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <cmath>
 
-static const RyFacetMesh *meshOf(const RyNode *node)
+static RyFacetMesh *meshOf(const RyNode *node)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(node));
     return shape ? shape->getFacetMesh() : nullptr;
@@ -332,6 +332,12 @@ int RyNodePrototype::getNumVertices() const
     const RyNode *node = self<RyNode>();
     const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
     return mesh ? mesh->getNumVertices() : 0;
+}
+
+RyFacetMesh *RyNodePrototype::getMesh() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? meshOf(node) : nullptr;
 }
 
 int RyNodePrototype::getNumFacets() const

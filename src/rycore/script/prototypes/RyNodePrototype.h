@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/script/prototypes/RyScriptPrototype.h"
 
@@ -62,6 +63,8 @@ public:
     Q_INVOKABLE QString getRotationOrder() const;
     Q_INVOKABLE void setRotationOrder(const QString &order) const;
 
+    /// Null without one.
+    Q_INVOKABLE RyFacetMesh *getMesh() const;
     /// Of the node's mesh; 0 without one.
     Q_INVOKABLE int getNumVertices() const;
     Q_INVOKABLE int getNumFacets() const;

@@ -18,6 +18,12 @@ public:
     Q_INVOKABLE RyBone *findBoneByLabel(const QString &label) const;
     Q_INVOKABLE QString getUniqueBoneName(const QString &name) const;
     Q_INVOKABLE QString getUniqueBoneLabel(const QString &label) const;
+    /// The face group that belongs to a bone, or an empty text.
+    Q_INVOKABLE QString getFaceGroup(RyBone *bone) const;
+    /// Gives a face group of the mesh to a bone; no other group is the bone's then, and the group no other bone's. An
+    /// empty name takes the bone's group from it. Throws for a bone of another figure and for a name that no group
+    /// has. Undoable.
+    Q_INVOKABLE void setFaceGroup(RyBone *bone, const QString &name) const;
     /// Null for a skeleton without skin.
     Q_INVOKABLE RySkinBinding *getSkinBinding() const;
     /// Null for a skeleton that is not parametric.

@@ -2,11 +2,13 @@
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/RyLegacyFigure.h"
+#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/script/RyScriptPointer.h"
 #include "rycore/script/prototypes/RyBoneBindingPrototype.h"
+#include "rycore/script/prototypes/RyFacetMeshPrototype.h"
 #include "rycore/script/prototypes/RyLegacyBindingPrototype.h"
 #include "rycore/script/prototypes/RyLegacyJointParamPrototype.h"
 #include "rycore/script/prototypes/RyLegacyJointPrototype.h"
@@ -42,6 +44,7 @@ void ryRegisterSceneClasses(RyScriptEngine *engine)
     add<RyFigure>(engine, skeletons);
     add<RyLegacyFigure>(engine, skeletons);
     add<RyScene>(engine, make(new RyScenePrototype(engine)));
+    add<RyFacetMesh>(engine, make(new RyFacetMeshPrototype(engine)));
     add<RySkinBinding>(engine, make(new RySkinPrototype(engine)));
     add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
     add<RyLegacyBinding>(engine, make(new RyLegacyBindingPrototype(engine)));
