@@ -13,8 +13,8 @@ void RampPlot::addCurve(const QString &name, const QColor &color, std::function<
 bool RampPlot::save(const QString &path) const
 {
     constexpr int Width = 640;
-    constexpr int Height = 260;
-    const QRectF area(46, 16, Width - 66, Height - 76);
+    constexpr int Height = 284;
+    const QRectF area(46, 16, Width - 66, Height - 100);
     const auto placeOf = [&](double x, double y) {
         return QPointF(area.left() + (x - m_from) / (m_to - m_from) * area.width(), area.bottom() - y * area.height());
     };
@@ -47,7 +47,7 @@ bool RampPlot::save(const QString &path) const
         left += painter.fontMetrics().horizontalAdvance(curve.name) + 26;
     }
     painter.setPen(Qt::black);
-    painter.drawText(QRectF(0, Height - 30, Width - 20, 20), Qt::AlignRight, m_axis);
+    painter.drawText(QRectF(0, Height - 56, Width - 20, 20), Qt::AlignRight, m_axis);
     painter.end();
     return image.save(path);
 }
