@@ -89,11 +89,11 @@ RampPlot smoothPlot()
     using Param = RyLegacyJointParam;
     const std::vector<float> zones{22, 28, 8, 2};
     RampPlot plot("coordinate on the axis, cm", 0, 30, 5);
-    plot.addCurve("high zone 22 to 28 and low zone 8 to 2", First,
+    plot.addCurve("high 22 to 28, low 8 to 2", First,
                   alongX(zonesOf(Param::SmoothScale, Param::ApplyZones | Param::HighSide | Param::LowSide, zones)));
     const RyLegacyParamZones high =
         zonesOf(Param::SmoothScale, Param::ApplyZones | Param::HighSide, {10, 20, -24140.16f, -24384});
-    plot.addCurve("high zone 10 to 20", Second, alongX(high));
+    plot.addCurve("high 10 to 20", Second, alongX(high));
     plot.addCurve("the child's share", Third, [=](double x) { return 1 - alongX(high)(x); });
     return plot;
 }
