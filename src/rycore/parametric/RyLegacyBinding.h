@@ -7,8 +7,11 @@
 
 #include <QMultiHash>
 
+#include <memory>
+
 class RyNode;
 class RySkeleton;
+struct RyLegacyFit;
 class RyWeightMap;
 
 /// Moves the vertices of a parametric figure's shape with its bones: the joints with their parameters say how far each
@@ -44,6 +47,10 @@ public:
     /// With its joints, on no object. Their bones and drivers are those of the duplicates once these are resolved.
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
 
+    /// The fit that was made last, with what it was made from; null before. Nothing here looks at it.
+    const std::shared_ptr<const RyLegacyFit> &keptFit() const { return m_fit; }
+    void keepFit(std::shared_ptr<const RyLegacyFit> fit) { m_fit = std::move(fit); }
+
 signals:
     /// Joints, parameters or values changed; once per outermost edit of the binding, where one is open.
     void bindingChanged();
@@ -69,4 +76,5 @@ private:
     bool m_touched = false; // within an edit
     RyLegacyDeformer m_deformer;
     RyLegacyRigCache m_rig;
+    std::shared_ptr<const RyLegacyFit> m_fit;
 };
