@@ -99,6 +99,24 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
     return document->write(path, error);
 }
 
+bool saveAlone(const RyScene &scene, const QString &path, QString *error, QStringList *messages)
+{
+    // What came from another format is written in metres, which is what other programs take a glTF unit for.
+    constexpr double CentimetresPerMetre = 100.0;
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
+    const double unit = source ? source->unitFactor() : CentimetresPerMetre;
+    if (scene.getTopLevelNodes().empty())
+        return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
+    return RyGltfNewNodes::writeScene(scene, unit, messages)->write(path, error);
+}
+
+void makeFits(const RyScene &scene, const RySceneFile::SaveOptions &options, QStringList *messages)
+{
+    const std::vector<RyFigureFits::Fit> fits = RyFigureFits::make(scene, options.progress, messages);
+    if (options.fits)
+        *options.fits = fits;
+}
+
 } // namespace
 
 QStringList RySceneFile::readableEndings()
@@ -183,8 +201,10 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
     }
     QStringList leftOut;
     const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
+    if (ending != QLatin1String("obj"))
+        makeFits(*scene, options, messages);
     const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
-                       : origins.empty()              ? saveWithoutSource(scene, path, error, messages)
+                       : origins.empty()              ? saveAlone(*scene, path, error, messages)
                                          : saveJoined(*scene, origins, path, options, error, messages, &leftOut);
     if (!saved)
         return false;
@@ -197,11 +217,6 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
 
 bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error, QStringList *messages)
 {
-    // What came from another format is written in metres, which is what other programs take a glTF unit for.
-    constexpr double CentimetresPerMetre = 100.0;
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene->getOrigin());
-    const double unit = source ? source->unitFactor() : CentimetresPerMetre;
-    if (scene->getTopLevelNodes().empty())
-        return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return RyGltfNewNodes::writeScene(*scene, unit, messages)->write(path, error);
+    makeFits(*scene, SaveOptions(), messages);
+    return saveAlone(*scene, path, error, messages);
 }

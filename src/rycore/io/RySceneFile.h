@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rycore/io/RyFigureFits.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -19,6 +21,10 @@ public:
     {
         /// Clips are written as they were, and say the old rest of joints that were edited.
         bool jointsOnly = false;
+        /// Told of the fits of parametric figures, which may take long.
+        RyFigureFits::Progress progress;
+        /// Gets how well they fit.
+        std::vector<RyFigureFits::Fit> *fits = nullptr;
     };
 
     /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names

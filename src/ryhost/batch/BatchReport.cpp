@@ -85,6 +85,8 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
         {QStringLiteral("runs"), QJsonArray::fromVariantList(events.runs)},
         {QStringLiteral("boxes"), QJsonArray::fromVariantList(events.boxes)},
     };
+    if (!events.fits.isEmpty())
+        report[QStringLiteral("fits")] = QJsonArray::fromVariantList(events.fits);
     if (const RySceneOrigin *origin = scene.getOrigin()) {
         report[QStringLiteral("file")] = QFileInfo(origin->path()).fileName();
         report[QStringLiteral("unit")] = origin->unitFactor();

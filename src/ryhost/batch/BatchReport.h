@@ -11,6 +11,7 @@ struct BatchEvents
 {
     QStringList messages;
     QVariantList runs;  // of actions: `action`, and what RyActionResult says
+    QVariantList fits;  // of parametric figures as they were saved
     QVariantList boxes; // dialogs and message boxes, each with the verb `during` which it opened
 };
 

@@ -270,6 +270,19 @@ ExitCode BatchRunner::undoOrRedo(bool redo)
     return ExitCode::Done;
 }
 
+void BatchRunner::note(const RyFigureFits::Fit &fit)
+{
+    m_events.fits.append(QVariantMap{{QStringLiteral("figure"), fit.figure},
+                                     {QStringLiteral("plain"), fit.isPlain},
+                                     {QStringLiteral("poses"), fit.report.poses},
+                                     {QStringLiteral("rms"), fit.report.rms},
+                                     {QStringLiteral("rmsPartly"), fit.report.rmsPartly},
+                                     {QStringLiteral("max"), fit.report.max},
+                                     {QStringLiteral("bulges"), fit.report.bulges},
+                                     {QStringLiteral("bone"), fit.report.bone},
+                                     {QStringLiteral("pose"), fit.report.pose}});
+}
+
 ExitCode BatchRunner::save(const BatchStep &step)
 {
     const QString &path = step.value;
@@ -277,7 +290,11 @@ ExitCode BatchRunner::save(const BatchStep &step)
     options.jointsOnly = step.jointsOnly;
     QString error;
     QStringList messages, losses;
+    std::vector<RyFigureFits::Fit> fits;
+    options.fits = &fits;
     const bool saved = RySceneFile::save(m_window.getScene(), path, options, &error, &messages, &losses);
+    for (const RyFigureFits::Fit &fit : fits)
+        note(fit);
     for (const QString &message : qAsConst(messages))
         say(message);
     if (saved && !losses.isEmpty())

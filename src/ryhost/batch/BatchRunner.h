@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/io/RyFigureFits.h"
 #include "ryhost/batch/BatchArguments.h"
 #include "ryhost/batch/BatchReport.h"
 
@@ -40,6 +41,7 @@ private:
     ExitCode runVerb(const BatchStep &step);
     /// The joint editor, as in a window where a person would use its actions.
     void activateTool();
+    void note(const RyFigureFits::Fit &fit);
     void note(const QString &during, const std::vector<RyDialogRecord> &boxes);
     ExitCode fail(ExitCode code, const QString &message);
     void say(const QString &message);

@@ -12,7 +12,10 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QStandardPaths>
+
+#include <memory>
 
 namespace {
 
@@ -183,6 +186,18 @@ bool HostFiles::savePath(const QString &path)
     QStringList messages, losses;
     RySceneFile::SaveOptions options;
     options.jointsOnly = m_jointsOnly;
+    std::unique_ptr<QProgressDialog> progress; // shown only where it takes long
+    options.progress = [this, &progress](const QString &figure, double done) {
+        if (!progress) {
+            progress = std::make_unique<QProgressDialog>(QString(), tr("Write Plain Weights"), 0, 1000, m_window);
+            progress->setObjectName(QStringLiteral("FitProgress"));
+            progress->setWindowModality(Qt::WindowModal);
+            progress->setMinimumDuration(1000);
+        }
+        progress->setLabelText(tr("Fitting weights to the joints of %1").arg(figure));
+        progress->setValue(int(1000 * done));
+        return !progress->wasCanceled();
+    };
     RyApp::startBusyCursor();
     const bool done = RySceneFile::save(m_scene, path, options, &error, &messages, &losses);
     RyApp::endBusyCursor();

@@ -1,11 +1,14 @@
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/extras/RyLinkExtras.h"
 #include "rycore/io/gltf/extras/RyMapExtras.h"
 #include "rycore/io/gltf/extras/RyMorphExtras.h"
+#include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -304,6 +307,12 @@ void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const
     }
 }
 
+const Json *RyFigureExtras::storedParametric(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    return stored ? find(*stored, "parametric") : nullptr;
+}
+
 const Json *RyFigureExtras::storedMorphs(const RyGltfDocument &document, int figure)
 {
     const Json *stored = figureJson(document, figure);
@@ -381,8 +390,23 @@ static Json followsJson(const RySkeleton &skeleton, const std::vector<const RyNo
     return Json();
 }
 
+/// The joints of a parametric figure with the fit that the file's weights are.
+static Json parametricJson(const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf, QStringList *messages)
+{
+    const RyLegacyBinding *binding = RyLegacyBinding::findBinding(&skeleton);
+    if (!binding)
+        return Json();
+    const RyFacetMesh *mesh = meshOf(skeleton);
+    const bool hasMesh = mesh && mesh->getNumFacets() > 0; // a file holds no vertices without facets
+    const RyGltfInfluences influences(&skeleton, hasMesh ? mesh->getNumVertices() : 0);
+    Json json = RyParametricExtras::toJson(*binding, nodeOf, messages);
+    json["fit"] = RyParametricExtras::fitJson(*binding, influences.fingerprint(nodeOf));
+    return json;
+}
+
 void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-                               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints, QStringList *messages)
+                               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints,
+                               const std::map<const RyNode *, QString> &keptParametric, QStringList *messages)
 {
     Json list = Json::array();
     for (const RyNode *figure : figures) {
@@ -419,6 +443,12 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             Json maps = skin && mesh ? RyMapExtras::toJson(*skin, mesh->getNumVertices(), nodeOf) : Json();
             if (!maps.is_null())
                 entry["maps"] = std::move(maps);
+            Json parametric = parametricJson(*skeleton, nodeOf, messages);
+            const auto kept = keptParametric.find(skeleton);
+            if (!parametric.is_null())
+                entry["parametric"] = std::move(parametric);
+            else if (kept != keptParametric.end())
+                entry["parametric"] = Json::parse(kept->second.toStdString());
         }
         if (const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
             Json pairs = Json::array();

@@ -51,6 +51,9 @@ bool hasMaps(const RyGltfDocument &document, int figure);
 void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
                const RyGltfNodeIndex &nodeOf, RySkinBinding &skin, QStringList *messages);
 
+/// What is stored of the joints of a parametric figure; null for nothing.
+const nlohmann::ordered_json *storedParametric(const RyGltfDocument &document, int figure);
+
 /// Sets what figures follow, found by their stored entries.
 void applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNode *> &figures, QStringList *messages);
 
@@ -58,9 +61,10 @@ void applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNo
 const nlohmann::ordered_json *storedMorphs(const RyGltfDocument &document, int figure);
 
 /// Writes all of it, with the links between nodes. `figures`: null for one that is gone; `joints`: nodes that a reader
-/// finds in skins.
+/// finds in skins; `keptParametric`: joints of figures that they do not fit, as they stood in the file.
 void storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
-               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints, QStringList *messages);
+               const RyGltfNodeIndex &nodeOf, const std::set<int> &joints,
+               const std::map<const RyNode *, QString> &keptParametric, QStringList *messages);
 
 /// The face groups of a mesh as the extras say them, to see whether they were edited.
 QString groupsText(const RyFacetMesh &mesh);

@@ -65,7 +65,9 @@ struct RyGltfFigureSource
     QString selectionText;     // likewise the selection map
     QPointer<RyNode> followed; // the figure that it follows
     std::vector<RyGltfMorphSource> morphs;
-    QString morphsText; // their values as they were read, in the text of the extras
+    QString morphsText;     // their values as they were read, in the text of the extras
+    QString parametricText; // likewise the joints of a parametric figure
+    QString keptParametric; // stored joints that do not fit the file, as they stand there
 
     /// Whether vertices are elsewhere than they were read.
     bool hasOtherVertices() const;

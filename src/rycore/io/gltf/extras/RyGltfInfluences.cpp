@@ -1,6 +1,8 @@
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 
 #include "rycore/mesh/RyWeightQuantizer.h"
+#include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/parametric/fit/RyLegacyFit.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RyBoneBinding.h"
@@ -20,17 +22,17 @@ struct Copy
     size_t count = 1;
 };
 
-std::vector<Copy> findCopies(const std::vector<RyGltfBindingWeights> &maps)
+std::vector<Copy> findCopies(const std::vector<RyGltfBoneWeights> &maps)
 {
     std::vector<Copy> copies(maps.size());
     std::multimap<size_t, size_t> firsts; // of bones with the same weights, by how many they are
     std::vector<std::vector<size_t>> same(maps.size());
     for (size_t bone = 0; bone < maps.size(); ++bone) {
-        const auto [from, to] = firsts.equal_range(maps[bone].vertices.size());
-        const auto first =
-            std::find_if(from, to, [&](const auto &entry) { return maps[entry.second].isSameAs(maps[bone]); });
+        const auto [from, to] = firsts.equal_range(maps[bone].weights.vertices.size());
+        const auto first = std::find_if(
+            from, to, [&](const auto &entry) { return maps[entry.second].weights.isSameAs(maps[bone].weights); });
         if (first == to)
-            firsts.emplace(maps[bone].vertices.size(), bone);
+            firsts.emplace(maps[bone].weights.vertices.size(), bone);
         same[first == to ? bone : first->second].push_back(bone);
     }
     for (const std::vector<size_t> &bones : same) {
@@ -106,22 +108,32 @@ bool RyGltfBindingWeights::isSameAs(const RyGltfBindingWeights &o) const
            std::equal(weights.begin(), weights.end(), o.weights.begin(), o.weights.end());
 }
 
-bool RyGltfBindingWeights::isHeld(const RyBoneBinding &binding)
+std::vector<RyGltfBoneWeights> ryGltfBoneWeights(const RyNode *figure)
 {
-    const RyObject *object = binding.getSkin() ? binding.getSkin()->getObject() : nullptr;
-    return binding.getBone() && object && binding.getBone()->getSkeleton() == object->getNode();
+    std::vector<RyGltfBoneWeights> all;
+    const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
+    const RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
+    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+        const RyNode *bone = binding->getBone();
+        if (bone && bone->getSkeleton() == figure) // the others move nothing in a file
+            all.push_back({bone, RyGltfBindingWeights(*binding)});
+    }
+    const RyLegacyBinding *joints = skin ? nullptr : RyLegacyBinding::findBinding(skeleton);
+    if (!joints || !joints->keptFit())
+        return all;
+    for (const RyLegacyFit::Bone &each : joints->keptFit()->bones) {
+        if (each.bone && each.bone->getSkeleton() == figure)
+            all.push_back({each.bone, RyGltfBindingWeights(each.vertices, each.weights)});
+    }
+    return all;
 }
 
-RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) : m_first(size_t(vertexCount) + 1, 0)
+RyGltfInfluences::RyGltfInfluences(const RyNode *figure, int vertexCount) : m_first(size_t(vertexCount) + 1, 0)
 {
-    std::vector<RyGltfBindingWeights> maps;
-    maps.reserve(skin ? skin->bindings().size() : 0);
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        if (!RyGltfBindingWeights::isHeld(*binding))
-            continue;
-        m_bones.push_back(binding->getBone());
-        maps.emplace_back(*binding);
-        for (const int vertex : maps.back().vertices) {
+    const std::vector<RyGltfBoneWeights> maps = ryGltfBoneWeights(figure);
+    for (const RyGltfBoneWeights &each : maps) {
+        m_bones.push_back(each.bone);
+        for (const int vertex : each.weights.vertices) {
             if (vertex < vertexCount)
                 ++m_first[size_t(vertex) + 1];
         }
@@ -131,10 +143,10 @@ RyGltfInfluences::RyGltfInfluences(const RySkinBinding *skin, int vertexCount) :
     m_influences.resize(m_first.back());
     std::vector<size_t> next(m_first.begin(), m_first.end() - 1);
     for (size_t bone = 0; bone < maps.size(); ++bone) {
-        for (size_t i = 0; i < maps[bone].vertices.size(); ++i) {
-            const int vertex = maps[bone].vertices[i];
+        for (size_t i = 0; i < maps[bone].weights.vertices.size(); ++i) {
+            const int vertex = maps[bone].weights.vertices[i];
             if (vertex < vertexCount)
-                m_influences[next[size_t(vertex)]++] = {quint16(bone), maps[bone].weights[i]};
+                m_influences[next[size_t(vertex)]++] = {quint16(bone), maps[bone].weights.weights[i]};
         }
     }
     const std::vector<Copy> copies = findCopies(maps);
@@ -160,4 +172,17 @@ std::vector<int> RyGltfInfluences::placesIn(const RyGltfNodeIndex &placeOf) cons
     for (const RyNode *bone : m_bones)
         places.push_back(std::max(0, placeOf.of(bone)));
     return places;
+}
+
+RyMapExtras::Fingerprint RyGltfInfluences::fingerprint(const RyGltfNodeIndex &nodeOf) const
+{
+    std::vector<int> nodes;
+    for (const RyNode *bone : m_bones)
+        nodes.push_back(nodeOf.of(bone));
+    RyMapExtras::Fingerprint fingerprint;
+    for (int vertex = 0; vertex < vertexCount(); ++vertex) {
+        for (const Influence &influence : of(vertex))
+            fingerprint.add(nodes[influence.bone], vertex, influence.weight);
+    }
+    return fingerprint;
 }

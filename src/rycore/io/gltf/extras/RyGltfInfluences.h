@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
+#include "rycore/io/gltf/extras/RyMapExtras.h"
 
 #include <QtGlobal>
 
@@ -9,15 +10,18 @@
 
 class RyBoneBinding;
 class RyNode;
-class RySkinBinding;
 
 /// What one binding weighs, as a file holds it: its general map, or the mean of its local ones.
 class RyGltfBindingWeights
 {
 public:
     explicit RyGltfBindingWeights(const RyBoneBinding &binding);
-    /// Whether the binding's bone still belongs to the skin's figure; the others move nothing in a file.
-    static bool isHeld(const RyBoneBinding &binding);
+    /// Of lists that outlive it; `ofVertices` ascending.
+    RyGltfBindingWeights(std::span<const int> ofVertices, std::span<const quint16> list)
+        : vertices(ofVertices), weights(list)
+    {}
+    RyGltfBindingWeights(RyGltfBindingWeights &&) = default;
+    RyGltfBindingWeights &operator=(RyGltfBindingWeights &&) = default;
 
     bool isSameAs(const RyGltfBindingWeights &o) const;
 
@@ -29,13 +33,24 @@ private:
     std::vector<quint16> m_weights;
 };
 
-/// The influences of a skin's vertices as a file holds them: weights that sum to exactly full weight. A binding with
+/// What a bone of a figure weighs.
+struct RyGltfBoneWeights
+{
+    const RyNode *bone;
+    RyGltfBindingWeights weights;
+};
+
+/// What moves the vertices of a figure in a file: of a skin the bindings whose bones belong to the figure, in their
+/// order; of a parametric figure the weights that were fitted to it, for all of its bones. Empty for null.
+std::vector<RyGltfBoneWeights> ryGltfBoneWeights(const RyNode *figure);
+
+/// The influences of a figure's vertices as a file holds them: weights that sum to exactly full weight. A binding with
 /// local maps counts with their mean. Where weights are more than full, a bone and the copies of its weights share what
 /// it has, so that they move the vertex as it did.
 class RyGltfInfluences
 {
 public:
-    RyGltfInfluences(const RySkinBinding *skin, int vertexCount);
+    RyGltfInfluences(const RyNode *figure, int vertexCount);
 
     struct Influence
     {
@@ -52,6 +67,8 @@ public:
     int vertexCount() const { return int(m_first.size()) - 1; }
     /// Joints of all bones; the first one for those that have none.
     std::vector<int> placesIn(const RyGltfNodeIndex &placeOf) const;
+    /// `nodeOf`: nodes of bones.
+    RyMapExtras::Fingerprint fingerprint(const RyGltfNodeIndex &nodeOf) const;
 
 private:
     std::vector<const RyNode *> m_bones;

@@ -3,13 +3,10 @@
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include <optional>
 
 namespace {
 
@@ -55,21 +52,22 @@ bool areShares(const RyGltfBindingWeights &a, const RyGltfBindingWeights &b)
 const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
 {
     const RyGltfFigureSource *figure = origin.findFigureSource(bone.getSkeleton());
-    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(&bone);
-    const RyBoneBinding *binding = skin ? skin->findBoneBinding(&bone) : nullptr;
-    if (!figure || !binding)
+    const std::vector<RyGltfBoneWeights> all = ryGltfBoneWeights(bone.getSkeleton());
+    const auto weightsOf = [&all](const RyNode *node) {
+        const auto found = std::find_if(all.begin(), all.end(), [node](const auto &each) { return each.bone == node; });
+        return found == all.end() ? nullptr : &found->weights;
+    };
+    const RyGltfBindingWeights *taken = weightsOf(&bone);
+    if (!figure || !taken)
         return nullptr;
-    const RyGltfBindingWeights taken(*binding);
     const RyNode *giver = nullptr;
     std::pair<bool, qint64> best; // whether both have shares of the same weights, and how much was given
     for (const RyGltfLoadedWeights &before : *figure->weights) {
         if (!before.bone || !before.bone->getScene() || !origin.findSource(before.bone))
             continue;
-        std::optional<RyGltfBindingWeights> now;
-        if (const RyBoneBinding *rest = skin->findBoneBinding(before.bone))
-            now.emplace(*rest);
-        const qint64 given = givenTo(taken, before, now ? &*now : nullptr);
-        const std::pair match(given > 0 && now && areShares(taken, *now), given);
+        const RyGltfBindingWeights *now = weightsOf(before.bone);
+        const qint64 given = givenTo(*taken, before, now);
+        const std::pair match(given > 0 && now && areShares(*taken, *now), given);
         if (match > best) {
             best = match;
             giver = before.bone;

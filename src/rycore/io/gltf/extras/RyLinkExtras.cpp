@@ -232,6 +232,8 @@ void Reader::attach(const Entry &entry)
     RyFloatProperty &property = *entry.controlled.property;
     for (const End &controller : entry.controllers)
         RyERCLink::create(controller.property, &property);
+    if (RyNamedValues::isKeptRaw(property))
+        return;
     const bool isClamped = property.isClamped();
     property.setIsClamped(false);
     property.setValue(entry.ownShare);
@@ -301,7 +303,8 @@ Json RyLinkExtras::toJson(const std::vector<const RyNode *> &figures, const RyGl
             if (from.empty())
                 continue;
             Json entry = referenceTo(holders[i], value);
-            if (value.property->getRawValue() != value.property->getValue())
+            if (value.property->getRawValue() != value.property->getValue() &&
+                !RyNamedValues::isKeptRaw(*value.property))
                 entry["raw"] = value.property->getRawValue();
             entry["from"] = std::move(from);
             entries.push_back(std::move(entry));

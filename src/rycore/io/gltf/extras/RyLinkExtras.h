@@ -15,7 +15,7 @@ class RyNode;
 
 /// Links between values of nodes, in the extras of a file. A controlled value has an entry: its node or, for a figure,
 /// the place of that among the stored figures; its name; its own share where links make it another than the file's
-/// number; and its controllers in their order.
+/// number; and its controllers in their order. The values of joint parameters stand with these, without what links add.
 namespace RyLinkExtras {
 
 /// A link as it stands in a scene, to see whether links were edited.

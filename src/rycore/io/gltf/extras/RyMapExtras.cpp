@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RyBulgeBinding.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -189,16 +190,9 @@ Json RyMapExtras::toJson(const RySkinBinding &skin, int vertexCount, const RyGlt
     }
     if (list.empty())
         return Json();
-    const RyGltfInfluences influences(&skin, vertexCount);
-    std::vector<int> nodes; // of the bones
-    for (const RyNode *bone : influences.bones())
-        nodes.push_back(nodeOf.of(bone));
-    Fingerprint fingerprint;
-    for (int vertex = 0; vertex < vertexCount; ++vertex) {
-        for (const RyGltfInfluences::Influence &influence : influences.of(vertex))
-            fingerprint.add(nodes[influence.bone], vertex, influence.weight);
-    }
-    return Json{{"weights", QString::number(fingerprint.value(), 16).toStdString()}, {"bindings", std::move(list)}};
+    const RyNode *figure = skin.getObject() ? skin.getObject()->getNode() : nullptr;
+    const Fingerprint fingerprint = RyGltfInfluences(figure, vertexCount).fingerprint(nodeOf);
+    return Json{{"weights", fingerprint.text()}, {"bindings", std::move(list)}};
 }
 
 bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int vertexCount,
@@ -206,8 +200,7 @@ bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int v
 {
     const Json *weights = find(stored, "weights");
     const Json *list = find(stored, "bindings");
-    if (!weights || !list || !list->is_array() ||
-        *weights != Json(QString::number(influences.value(), 16).toStdString()))
+    if (!weights || !list || !list->is_array() || *weights != Json(influences.text()))
         return false;
     std::vector<std::pair<RyBoneBinding *, StoredBinding>> all;
     for (const Json &entry : *list) {

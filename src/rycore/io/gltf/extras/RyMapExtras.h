@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include <string>
 #include <vector>
 
 class RySkinBinding;
@@ -19,7 +20,8 @@ class Fingerprint
 {
 public:
     void add(int node, int vertex, int weight);
-    quint64 value() const { return m_value; }
+    /// As it stands in a file.
+    std::string text() const { return QString::number(m_value, 16).toStdString(); }
 
 private:
     quint64 m_value = 0;

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/extras/RyNamedValues.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/node/RyNodeLookup.h"
@@ -26,6 +27,21 @@ std::array<RyFloatProperty *, 4> controllersOf(const RyBulgeBinding &bulge)
             bulge.getNegRightBulgeController()};
 }
 
+/// Calls `work(parameter, property)` for the values of the parameters of a bone's joint.
+template<typename Work>
+void forJointValues(const RyNode &node, const Work &work)
+{
+    const RyLegacyJoint *joint = qobject_cast<const RyBone *>(&node) ? RyLegacyJoint::findJoint(&node) : nullptr;
+    for (const RyLegacyJointParam *param : joint ? joint->params() : std::vector<RyLegacyJointParam *>()) {
+        for (const RyLegacyJointSphere *sphere : {param->getDynamicSphere(), param->getStaticSphere()}) {
+            for (RyFloatProperty *control : sphere->controls())
+                work(*param, control);
+        }
+        for (RyFloatProperty *controller : param->controllers())
+            work(*param, controller);
+    }
+}
+
 } // namespace
 
 RyNamedValues::RyNamedValues(const RyNode &node)
@@ -39,6 +55,15 @@ RyNamedValues::RyNamedValues(const RyNode &node)
             add(QStringLiteral("bulge%1%2").arg(QLatin1Char(char('X' + axis))).arg(BulgeNames[i]),
                 controllersOf(*bulge)[i]);
     }
+    forJointValues(node, [this](const RyLegacyJointParam &param, RyFloatProperty *property) {
+        add(param.getName() + QLatin1Char('/') + property->getName(), property);
+    });
+}
+
+bool RyNamedValues::isKeptRaw(const RyFloatProperty &property)
+{
+    return qobject_cast<const RyLegacyJointParam *>(property.getOwner()) ||
+           qobject_cast<const RyLegacyJointSphere *>(property.getOwner());
 }
 
 std::vector<RyFloatProperty *> RyNamedValues::propertiesOf(const RyNode &node)
@@ -51,6 +76,8 @@ std::vector<RyFloatProperty *> RyNamedValues::propertiesOf(const RyNode &node)
             properties.insert(properties.end(), controllers.begin(), controllers.end());
         }
     }
+    forJointValues(
+        node, [&properties](const RyLegacyJointParam &, RyFloatProperty *property) { properties.push_back(property); });
     return properties;
 }
 

@@ -6,11 +6,14 @@
 #include "rycore/io/gltf/open/RyGltfMorphReader.h"
 #include "rycore/io/gltf/open/RyGltfRest.h"
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <memory>
 #include <vector>
 
 class RyBone;
-class RyFigure;
+class RySkeleton;
+struct RyLegacyFit;
 
 /// A figure while it is read.
 struct RyGltfFigureDraft
@@ -20,8 +23,10 @@ struct RyGltfFigureDraft
     RyGltfJointSet joints;
     RyGltfRest rest;
     std::vector<RyBone *> bones; // in step with the set's
-    RyFigure *figure = nullptr;
+    RySkeleton *figure = nullptr;
     RyGltfFigureSource source;
-    int entry = -1; // of what an earlier save stored
+    int entry = -1;                                     // of what an earlier save stored
+    const nlohmann::ordered_json *parametric = nullptr; // stored joints that fit the weights
+    std::shared_ptr<RyLegacyFit> fit;                   // of a parametric figure: the file's weights
     std::unique_ptr<RyGltfMeshBuilder> mesh;
 };

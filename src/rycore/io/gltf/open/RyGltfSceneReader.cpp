@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 
 #include "rycore/figure/RyFigure.h"
+#include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/document/RyGltfFloats.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
@@ -91,6 +92,7 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
     for (const RyRef<RyNode> &top : m_tops)
         m_origin->tops.emplace_back(top.get());
     readLinks();
+    noteFits();
     m_origin->recordTree();
     return true;
 }
@@ -264,7 +266,13 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
                 .arg(figure.rest.reason));
     }
     figure.entry = m_entries->find(figure.joints.bones, figure.place);
-    figure.figure = new RyFigure;
+    buildMesh(figure);
+    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.joints.bones.size()));
+    figure.mesh->finish();
+    if (findParametric(figure, weights))
+        figure.figure = new RyLegacyFigure;
+    else
+        figure.figure = new RyFigure;
     figure.source.sceneNode = figure.figure;
     RyFigureExtras::applyToFigure(*m_origin->document, figure.entry, m_origin->unit, figure.rest.isStored,
                                   *figure.figure);
@@ -282,9 +290,6 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         figure.bones.push_back(bone);
         noteNode(node, *bone);
     }
-    buildMesh(figure);
-    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
-    figure.mesh->finish();
     std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
     if (figure.carrier >= 0)
         addSource(carrierSource(figure));

@@ -13,6 +13,7 @@
 #include <unordered_map>
 
 class RyFacetMesh;
+class RyModifier;
 class RySkinBinding;
 
 /// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is
@@ -51,6 +52,9 @@ private:
     std::vector<size_t> bonesToBind(const Figure &figure,
                                     const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const;
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
+    bool findParametric(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights);
+    RyModifier *bindJoints(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
+    void noteFits();
     RySkinBinding *bindBones(Figure &figure, int vertexCount,
                              std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
     void addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts);

@@ -1,11 +1,15 @@
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 
 #include "rycore/figure/RyFigure.h"
+#include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/extras/RyMorphExtras.h"
+#include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
+#include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/parametric/fit/RyLegacyFit.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -55,7 +59,7 @@ std::vector<std::vector<RyAffine>> RyGltfSceneReader::restToNodePose(const Figur
     const RyGltfModel &model = m_origin->document->model();
     std::vector<std::vector<RyAffine>> result(figure.joints.skins.size());
     for (size_t s = 0; s < result.size(); ++s) {
-        result[s].resize(figure.bones.size());
+        result[s].resize(figure.joints.bones.size());
         const RyGltfSkin &skin = model.skins[size_t(figure.joints.skins[s])];
         const RyAffine figureToMesh = figure.source.skins[s].toFigure.inverse();
         for (size_t j = 0; j < skin.joints.size(); ++j) {
@@ -80,7 +84,8 @@ std::vector<RyGltfLinear> RyGltfSceneReader::bringToNodePose(Figure &figure)
     const std::vector<std::vector<RyAffine>> toNodePose = restToNodePose(figure);
     std::vector<std::array<double, 4>> sums(positions.size(), std::array<double, 4>{});
     std::vector<RyGltfLinear> linear(positions.size(), RyGltfLinear{});
-    const std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.bones.size()));
+    const std::vector<RyGltfMeshBuilder::BoneWeights> weights =
+        figure.mesh->boneWeights(int(figure.joints.bones.size()));
     for (size_t bone = 0; bone < weights.size(); ++bone) {
         for (size_t i = 0; i < weights[bone].vertices.size(); ++i) {
             const size_t vertex = size_t(weights[bone].vertices[i]);
@@ -146,12 +151,14 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, figure.entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
 
-    object->addModifier(bindBones(figure, vertexCount, std::move(weights)));
+    object->addModifier(figure.parametric ? bindJoints(figure, std::move(weights))
+                                          : bindBones(figure, vertexCount, std::move(weights)));
     figure.source.meshParts = parts;
     readMorphs(figure.source, *shape, figure.entry, RyAffine());
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
     figure.source.vertexCount = vertexCount;
+    figure.source.parametricText = RyParametricExtras::text(*figure.figure);
     figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
     RyFigureExtras::applySelectionMap(*m_origin, figure.entry, *figure.figure);
     figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
@@ -221,6 +228,65 @@ RySkinBinding *RyGltfSceneReader::bindBones(Figure &figure, int vertexCount,
     figure.source.weights = std::move(loaded);
     figure.source.mapsText = RyMapExtras::text(skin);
     return skin;
+}
+
+/// Whether joints are stored that belong to these weights: only then the figure is parametric.
+bool RyGltfSceneReader::findParametric(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights)
+{
+    const RyExtrasJson::Json *stored = RyFigureExtras::storedParametric(*m_origin->document, figure.entry);
+    if (!stored)
+        return false;
+    RyMapExtras::Fingerprint fingerprint;
+    for (size_t bone = 0; bone < weights.size(); ++bone) {
+        for (size_t i = 0; i < weights[bone].vertices.size(); ++i)
+            fingerprint.add(figure.joints.bones[bone], weights[bone].vertices[i], weights[bone].weights[i]);
+    }
+    const bool isWhole = RyParametricExtras::isReadable(*stored);
+    if (isWhole && RyParametricExtras::fits(*stored, fingerprint)) {
+        figure.parametric = stored;
+        return true;
+    }
+    say(isWhole
+            ? QStringLiteral("\"%1\" opens weight mapped: its weights or vertices are not those that its joint "
+                             "parameters were saved with, which stay in the file until the figure is saved anew")
+                  .arg(figureName(figure))
+            : QStringLiteral("\"%1\" opens weight mapped: its joint parameters are damaged").arg(figureName(figure)));
+    figure.source.keptParametric =
+        QString::fromStdString(stored->dump(-1, ' ', false, RyExtrasJson::Json::error_handler_t::replace));
+    return false;
+}
+
+/// Joints take the place of the skin, whose weights are what was fitted to them.
+RyModifier *RyGltfSceneReader::bindJoints(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights) const
+{
+    std::map<int, RyBone *> bones;
+    auto loaded = std::make_shared<RyGltfFigureSource::Weights>();
+    auto fit = std::make_shared<RyLegacyFit>();
+    for (size_t i = 0; i < figure.bones.size(); ++i) {
+        bones.emplace(figure.joints.bones[i], figure.bones[i]);
+        fit->bones.push_back({figure.bones[i], weights[i].vertices, weights[i].weights});
+        loaded->push_back({figure.bones[i], std::move(weights[i].vertices), std::move(weights[i].weights)});
+    }
+    figure.source.weights = std::move(loaded);
+    RyParametricExtras::readReport(*figure.parametric, *fit);
+    bool isWhole = false;
+    const double stored = RyFigureExtras::storedUnit(*m_origin->document);
+    RyLegacyBinding *binding =
+        RyParametricExtras::read(*figure.parametric, bones, stored > 0.0 ? float(m_origin->unit / stored) : 1.0f,
+                                 figure.figure->getName(), &isWhole, m_messages);
+    binding->keepFit(fit);
+    if (isWhole)
+        figure.fit = std::move(fit);
+    return binding;
+}
+
+/// What the weights of the file were fitted to, once all values are there: they stay as long as it does.
+void RyGltfSceneReader::noteFits()
+{
+    for (const Figure &figure : m_figures) {
+        if (figure.fit)
+            figure.fit->input = RyLegacyFitInput::of(*RyLegacyBinding::findBinding(figure.figure), *figure.figure);
+    }
 }
 
 void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)

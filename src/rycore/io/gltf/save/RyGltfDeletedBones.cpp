@@ -7,7 +7,6 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <cmath>
@@ -76,7 +75,7 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
     if (before.empty() || !shape || !shape->getFacetMesh())
         return;
     const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
-    const RyGltfInfluences now(RySkinBinding::findSkinFromNode(figure.sceneNode), int(positions.size()));
+    const RyGltfInfluences now(figure.sceneNode, int(positions.size()));
     const double size = ryGltfSize(figure.sceneNode->worldMap()) / m_patch.source.unit;
     const double height = RyGltfReach().heightOf(*figure.sceneNode) * size;
     const size_t step = before.size() / enough + 1;

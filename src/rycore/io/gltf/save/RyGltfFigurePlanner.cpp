@@ -5,8 +5,6 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 
@@ -108,9 +106,8 @@ void RyGltfFigurePlanner::addJoints(Figure &figure) const
         for (const int joint : skin.joints)
             joints.insert(m_patch.edits.at(joint).node);
     }
-    const RySkinBinding *binds = RySkinBinding::findSkinFromNode(figure.source->sceneNode);
-    for (const RyBoneBinding *binding : binds ? binds->bindings() : std::vector<RyBoneBinding *>())
-        bound.insert(binding->getBone());
+    for (const RyGltfBoneWeights &each : ryGltfBoneWeights(figure.source->sceneNode))
+        bound.insert(each.bone);
     for (const RyNode *joint : joints) {
         for (const RyNode *above = joint->getNodeParent(); above && aboveJoints.insert(above).second;)
             above = above->getNodeParent();
@@ -163,8 +160,7 @@ void RyGltfFigurePlanner::findDirtyParts(Figure &figure, const std::vector<bool>
         more = more && figure.isDirty.size() > 1;
     }
     if (any) {
-        figure.influences = std::make_unique<RyGltfInfluences>(
-            RySkinBinding::findSkinFromNode(figure.source->sceneNode), figure.mesh->getNumVertices());
+        figure.influences = std::make_unique<RyGltfInfluences>(figure.source->sceneNode, figure.mesh->getNumVertices());
     }
 }
 

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfAppender.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 
 #include "rycore/scene/RyFacetShape.h"
@@ -201,6 +202,8 @@ void RyGltfJoin::addSources(const RyGltfOrigin &other, const RyGltfPlaces &place
             }
         }
         figure.firstRoot = node(figure.firstRoot);
+        if (!figure.keptParametric.isEmpty())
+            figure.keptParametric = RyParametricExtras::renumbered(figure.keptParametric, node);
         m_joined->figures.push_back(std::move(figure));
     }
     for (const RyGltfNodeSource &each : other.nodes) {

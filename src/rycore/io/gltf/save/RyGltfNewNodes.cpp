@@ -17,7 +17,6 @@
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 
@@ -172,7 +171,6 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
     const int skin =
         m_document.addSkin(skeleton.getName(), joints, m_document.addFloatAccessor(inverseBinds, 16, 0), -1);
     RyTreeExtras::storeToFigure(m_document, skin, toFigure * RyAffine::fromScale(1.0 / m_unit));
-    const RySkinBinding *binding = RySkinBinding::findSkinFromNode(&skeletonNode);
     if (!mesh || mesh->getNumVertices() == 0 || mesh->getNumFacets() == 0)
         return;
 
@@ -184,7 +182,7 @@ void RyGltfNewNodes::addSkinnedMesh(const RyNode &skeletonNode)
         m_moved.push_back({known, shapeOf(skeleton), holder});
         return;
     }
-    const RyGltfInfluences influences(binding, mesh->getNumVertices());
+    const RyGltfInfluences influences(&skeletonNode, mesh->getNumVertices());
     RyGltfNewMesh newMesh(m_document, m_looks, *shapeOf(skeleton), RyAffine::fromScale(1.0 / m_unit));
     const int meshIndex = newMesh.write(skeleton.getName(), &influences, influences.placesIn(jointOf));
     const int node = m_document.addNode(skeleton.getName() + QStringLiteral(" mesh"), RyGltfTransform(), -1);
@@ -239,7 +237,7 @@ void RyGltfNewNodes::bindKnownMesh(const RyNode &skeleton, int mesh, const RyGlt
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&skeleton));
     const RyFacetMesh &facets = *shape->getFacetMesh();
-    const RyGltfInfluences influences(RySkinBinding::findSkinFromNode(&skeleton), facets.getNumVertices());
+    const RyGltfInfluences influences(&skeleton, facets.getNumVertices());
     std::vector<RyGltfMeshPatch::Part> parts;
     for (size_t p = 0; p < shape->getParts()->parts.size(); ++p)
         parts.push_back({mesh, int(p), &shape->getParts()->parts[p].vertexOfSplit});
@@ -262,5 +260,5 @@ void RyGltfNewNodes::storeExtras(QStringList *messages)
         else
             RyTreeExtras::markFigure(m_document, index);
     }
-    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints, messages);
+    RyFigureExtras::storeFile(m_document, m_unit, figures(), m_nodeOf, m_joints, {}, messages);
 }

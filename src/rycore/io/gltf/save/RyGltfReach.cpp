@@ -8,8 +8,6 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <cmath>
@@ -77,22 +75,19 @@ void RyGltfReach::measure(const RyNode &figure)
         box.include(bone->getEndPoint());
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&figure));
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
-    const RySkinBinding *skin = mesh ? RySkinBinding::findSkinFromNode(&figure) : nullptr;
     if (mesh && !mesh->getPositions().empty()) {
         box = RyBox3();
         for (const RyVec3 &position : mesh->getPositions())
             box.include(position);
     }
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        const RyNode *bone = binding->getBone();
-        if (!m_reach.count(bone))
+    for (const RyGltfBoneWeights &each : mesh ? ryGltfBoneWeights(&figure) : std::vector<RyGltfBoneWeights>()) {
+        if (!m_reach.count(each.bone))
             continue;
-        double &reach = m_reach[bone];
-        const RyGltfBindingWeights weights(*binding);
-        for (const int vertex : weights.vertices) {
+        double &reach = m_reach[each.bone];
+        for (const int vertex : each.weights.vertices) {
             if (vertex >= mesh->getNumVertices())
                 break; // maps of scripts may be longer than the mesh
-            reach = std::max(reach, double((mesh->getPositions()[size_t(vertex)] - bone->getOrigin()).length()));
+            reach = std::max(reach, double((mesh->getPositions()[size_t(vertex)] - each.bone->getOrigin()).length()));
         }
     }
     // Below come before above in the reverse of the figure's order.

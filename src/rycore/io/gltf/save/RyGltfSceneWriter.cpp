@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyMorphExtras.h"
+#include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/io/gltf/save/RyGltfCarriers.h"
@@ -39,7 +40,8 @@ bool isFigureEdited(const RyGltfFigureSource &figure)
         return false;
     return !(RyNodeValues::of(node) == figure.loaded) || RyRiggingExtras::nodeText(node) != figure.riggingText ||
            RyFigureExtras::selectionText(node) != figure.selectionText || ryGltfWeightsChanged(figure) ||
-           RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText;
+           RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText ||
+           RyParametricExtras::text(node) != figure.parametricText;
 }
 
 /// Says what the file cannot take of changed vertices.
@@ -70,6 +72,37 @@ void reportMeshes(const RyGltfOrigin &source, QStringList *messages)
     }
 }
 
+/// Whether bones of a figure were placed, hung elsewhere, added or removed.
+bool areBonesEdited(const RyGltfScenePatch &patch, const RyGltfFigureSource &figure)
+{
+    const int place = int(&figure - patch.source.figures.data());
+    return std::any_of(patch.edits.begin(), patch.edits.end(),
+                       [&figure](const auto &entry) {
+                           const RyGltfScenePatch::Edit &edit = entry.second;
+                           return edit.node->getSkeleton() == figure.sceneNode.data() &&
+                                  (!edit.source || edit.restChanged || edit.moved);
+                       }) ||
+           std::any_of(patch.source.nodes.begin(), patch.source.nodes.end(), [&](const RyGltfNodeSource &node) {
+               return node.isBone && node.figure == place && patch.removed.count(node.node);
+           });
+}
+
+/// Stored joints that do not fit their figure stay in the file as long as its weights, vertices and bones do.
+std::map<const RyNode *, QString> parametricToKeep(const RyGltfScenePatch &patch)
+{
+    std::map<const RyNode *, QString> kept;
+    for (const RyGltfFigureSource &figure : patch.source.figures) {
+        if (!figure.sceneNode || !figure.sceneNode->getScene() || figure.keptParametric.isEmpty())
+            continue;
+        if (!ryGltfWeightsChanged(figure) && !figure.hasOtherVertices() && !areBonesEdited(patch, figure))
+            kept.emplace(figure.sceneNode, figure.keptParametric);
+        else
+            patch.say(QStringLiteral("The joint parameters that the file had for \"%1\" did not fit it and are gone")
+                          .arg(figure.sceneNode->getName()));
+    }
+    return kept;
+}
+
 /// Stores what glTF has no place for.
 void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures)
 {
@@ -95,7 +128,8 @@ void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &new
     for (const RyNode *figure : newFigures)
         (qobject_cast<const RySkeleton *>(figure) ? figures : props).push_back(figure);
     figures.insert(figures.end(), props.begin(), props.end());
-    RyFigureExtras::storeFile(patch.document, patch.source.unit, figures, patch.nodeOf, patch.joints, patch.messages);
+    RyFigureExtras::storeFile(patch.document, patch.source.unit, figures, patch.nodeOf, patch.joints,
+                              parametricToKeep(patch), patch.messages);
 }
 
 } // namespace

@@ -2,8 +2,6 @@
 
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/skin/RyBoneBinding.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 #include <climits>
@@ -64,18 +62,14 @@ bool ryGltfWeightsChanged(const RyGltfFigureSource &figure, std::vector<bool> *c
         order.push_back(weights.bone);
         loaded.emplace(weights.bone, &weights);
     }
-    const RySkinBinding *skin = RySkinBinding::findSkinFromNode(figure.sceneNode);
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
-        if (!RyGltfBindingWeights::isHeld(*binding))
-            continue;
-        orderNow.push_back(binding->getBone());
-        const RyGltfBindingWeights now(*binding);
-        const auto before = loaded.find(binding->getBone());
+    for (const RyGltfBoneWeights &now : ryGltfBoneWeights(figure.sceneNode)) {
+        orderNow.push_back(now.bone);
+        const auto before = loaded.find(now.bone);
         if (before == loaded.end()) {
-            comparison.markAll(now.vertices);
+            comparison.markAll(now.weights.vertices);
             continue;
         }
-        comparison.compare(now, *before->second);
+        comparison.compare(now.weights, *before->second);
         loaded.erase(before);
     }
     for (const auto &[bone, weights] : loaded)
