@@ -1,6 +1,8 @@
 #include "parametric/LegacyEvaluator.h"
 #include "parametric/RandomRig.h"
+#include "rycore/math/RyFastMath.h"
 #include "rycore/parametric/RyLegacyDeformer.h"
+#include "rycore/parametric/RyLegacyJointParam.h"
 #include "support/RyTest.h"
 
 #include <QObject>
@@ -14,6 +16,7 @@ class LegacyDeformerTest : public QObject
 
 private slots:
     void matchesEvaluator();
+    void fractionsNextToWhole();
 };
 
 void LegacyDeformerTest::matchesEvaluator()
@@ -44,6 +47,41 @@ void LegacyDeformerTest::matchesEvaluator()
     }
     qInfo("%d figures, largest difference %g of the size, %d vertices moved", figures, worst, moved);
     QVERIFY(moved > 10 * figures);
+}
+
+/// The mean of two bends that is so near to 1 that a float takes it for 1 does not make its neighbours' means whole.
+void LegacyDeformerTest::fractionsNextToWhole()
+{
+    RyLegacyRig rig;
+    rig.bones.resize(2);
+    rig.bones[1].parent = 0;
+    rig.bones[1].end = {10, 0, 0};
+    for (const int axis : {1, 2}) {
+        RyLegacyRig::Param bend;
+        bend.type = RyLegacyJointParam::Bend;
+        bend.flags = RyLegacyJointParam::ApplyAngles;
+        bend.axis = axis;
+        bend.bone = bend.driver = 1;
+        bend.values = {90.0f, 45.0f, -45.0f, -90.0f, 0.0f, 0.0f, 0.0f, 0.0f};
+        rig.params.push_back(bend);
+    }
+    // Degrees about Z; the bend about Y has all of them between its dynamic rays.
+    const double degrees[] = {45.0063, 60.0, 75.0};
+    const double means[] = {1.0, (1.0 + 20.0 / 27.0) / 2.0, (1.0 + 7.0 / 27.0) / 2.0};
+    std::vector<RyVec3> rest;
+    for (const double each : degrees) {
+        const double angle = each * RyFastMath::RadiansPerDegree;
+        rest.push_back({float(10.0 * std::cos(angle)), float(10.0 * std::sin(angle)), 0.0f});
+    }
+    rig.owners.assign(rest.size(), 1);
+    std::vector<RyLegacyControls> controls(2);
+    controls[1].translation[2] = 10.0;
+    RyLegacyDeformer deformer;
+    deformer.setRig(rig, rest);
+    std::vector<RyVec3> out;
+    deformer.deform(rest, controls, out);
+    for (size_t i = 0; i < rest.size(); ++i)
+        QVERIFY2(std::abs(out[i].z - 10.0 * means[i]) < 1e-4, qPrintable(QString::number(out[i].z)));
 }
 
 RY_TEST(LegacyDeformerTest)

@@ -22,6 +22,14 @@ bool isUniform(const RyLegacyFractions &f)
            isZeroOrOne(f.scale);
 }
 
+/// As a group keeps them: one that a float cannot tell from 0 or 1 is 0 or 1 for its pattern, too.
+RyLegacyFractions asKept(RyLegacyFractions f)
+{
+    for (double *each : {&f.turn[0], &f.turn[1], &f.turn[2], &f.translation, &f.scale})
+        *each = float(*each);
+    return f;
+}
+
 /// Which fractions are 0, 1, or between, as one number.
 int patternOf(const RyLegacyFractions &f)
 {
@@ -123,7 +131,7 @@ void RyLegacyGroups::addVertex(Sketch &sketch, const RyLegacyWeights &weights, i
                 bulges = true;
             }
         }
-        const RyLegacyFractions fractions = weights.fractions(*site, owner, number);
+        const RyLegacyFractions fractions = asKept(weights.fractions(*site, owner, number));
         uniform = uniform && !bulges && isUniform(fractions);
         if (site->own && isWhole(fractions)) {
             wholeBelow = owner;

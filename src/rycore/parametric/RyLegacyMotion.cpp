@@ -8,12 +8,13 @@
 RyLegacyMotion::RyLegacyMotion(const RyLegacyRig::Bone &bone, const RyLegacyControls &itsControls)
     : controls(itsControls)
 {
-    const RyAffine turn = RyAffine::fromRotation(bone.orientation.inverse());
+    // Transposed: an inverse quaternion would be rounded to floats.
+    const RyAffine turn = RyAffine::fromRotation(bone.orientation);
     for (int i = 0; i < 3; ++i) {
         origin[i] = bone.origin[i];
         order[i] = bone.order[i];
         for (int j = 0; j < 3; ++j)
-            toAxes[i][j] = turn.m[i][j];
+            toAxes[i][j] = turn.m[j][i];
     }
     const RyLegacyControls rest;
     isTurned = controls.turn != rest.turn;

@@ -28,14 +28,15 @@ RyLegacyParamZones::RyLegacyParamZones(const RyLegacyRig &rig, const RyLegacyRig
     if (param.driver < 0 || param.axis < 0 || param.axis > 2 || param.type == Param::Curve)
         return;
     const RyLegacyRig::Bone &driver = rig.bones[size_t(param.driver)];
-    const RyAffine turn = RyAffine::fromRotation(driver.orientation.inverse());
+    // Transposed: an inverse quaternion would be rounded to floats.
+    const RyAffine turn = RyAffine::fromRotation(driver.orientation);
     double line = 0.0;
     for (int i = 0; i < 3; ++i) {
         m_origin[i] = driver.origin[i];
         const double along = double(driver.end[i]) - driver.origin[i];
         line += along * along;
         for (int j = 0; j < 3; ++j)
-            m_toAxes[i][j] = turn.m[i][j];
+            m_toAxes[i][j] = turn.m[j][i];
     }
     m_axis = param.axis;
     m_hasSpheres = (param.flags & Param::ApplyMatrices) && param.dynamicMatrix != param.staticMatrix;
