@@ -136,7 +136,7 @@ private slots:
         for (int i = 0; i < rest->getNumWeights(); ++i)
             rest->getWeights()[i] = quint16(rest->getWeights()[i] + RyWeightMap::FullWeight - sumOfWeights(skin, i));
         rest->finishEdit();
-        const RyGltfInfluences influences(skin, rest->getNumWeights());
+        const RyGltfInfluences influences(arm->getSkeleton(), rest->getNumWeights());
         int shared = 0;
         for (int vertex = 0; vertex < rest->getNumWeights(); ++vertex) {
             for (const RyGltfInfluences::Influence &influence : influences.of(vertex)) {
@@ -156,7 +156,7 @@ private slots:
         const RySkinBinding *skin = RySkinBinding::findSkinFromNode(arm);
         const int count = skin->findBoneBinding(arm)->getWeights()->getNumWeights();
         const std::vector<RyBone *> copies{arm, addCopy(character, arm, true), addCopy(character, arm, false)};
-        const RyGltfInfluences influences(skin, count);
+        const RyGltfInfluences influences(arm->getSkeleton(), count);
         int shared = 0;
         for (int vertex = 0; vertex < count; ++vertex) {
             int sum = 0;
