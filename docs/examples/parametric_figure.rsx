@@ -107,9 +107,10 @@ BONES.forEach(function (each) {
     figure.setFaceGroup(figure.findBone(each), each);
 });
 BONES.slice(1).forEach(function (each) { run("RyFitZonesToBoneAction", each); });
-// The rays of one leg reach the other one; two ellipsoids around the thigh keep it out. Their numbers are centimetres in the axes
-// of the bone: full weight inside the first, none outside the second.
-["lThigh", "rThigh"].forEach(function (each) {
+// Where limbs branch off, the rays of one reach the others; two ellipsoids around each keep it to itself. Their radii across the
+// bone are centimetres: full weight inside the first, none outside the second.
+var RADII = {neck: [9, 13], lCollar: [9, 14], rCollar: [9, 14], lThigh: [9, 12], rThigh: [9, 12]};
+Object.keys(RADII).forEach(function (each) {
     var bone = figure.findBone(each), axis = "XYZ".indexOf(places[each].order[0]);
     var origin = bone.getOrigin(), end = bone.getEndPoint();
     var center = [origin.x, origin.y, origin.z], tip = [end.x, end.y, end.z];
@@ -128,8 +129,8 @@ BONES.slice(1).forEach(function (each) { run("RyFitZonesToBoneAction", each); })
         if (param.getKind() !== "bend" || param.getDriver() !== bone)
             return;
         [param, param.getPartner()].forEach(function (side) {
-            side.setDynamicMatrix(ellipsoid(0.9 * length, 9));
-            side.setStaticMatrix(ellipsoid(1.1 * length, 12));
+            side.setDynamicMatrix(ellipsoid(0.9 * length, RADII[each][0]));
+            side.setStaticMatrix(ellipsoid(1.1 * length, RADII[each][1]));
             side.setFlag("matrices", true);
         });
     });
