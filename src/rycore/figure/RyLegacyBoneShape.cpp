@@ -1,17 +1,37 @@
 #include "rycore/figure/RyLegacyBoneShape.h"
 
+#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
 
-/// Empty where no face group of that object is paired with the bone.
-static RyBox3 boxOfGroup(const RyBone &bone, const RyObject *object)
+/// In parameter space; empty where no face group of that object is paired with the bone.
+static RyBox3 boxOfGroup(const RyLegacyBoneShape &bone, const QString &name, const RyObject &object)
 {
-    const RySkeleton *skeleton = bone.getSkeleton();
-    const RySelectionMap *map = skeleton && skeleton->getObject() == object ? skeleton->getSelectionMap() : nullptr;
-    return map && map->findPair(&bone) >= 0 ? bone.getOrientedBoundingBox().box : RyBox3();
+    const auto *shape = qobject_cast<const RyFacetShape *>(object.getCurrentShape());
+    const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
+    const RyFaceGroup *group = mesh ? mesh->findFaceGroup(name) : nullptr;
+    RyBox3 box;
+    for (int i = 0; group && i < group->getFacets().count(); ++i) {
+        const RyFacet &facet = mesh->getFacet(group->getFacets().getIndex(i));
+        for (int corner = 0; corner < facet.count(); ++corner)
+            box.include(bone.toParameterSpace(shape->getCurrentPositions()[size_t(facet.vertices[corner])]));
+    }
+    return box;
+}
+
+static RyBox3 boxOfGroup(const RyLegacyBoneShape &shape, const RyBone &bone, const RyObject *object)
+{
+    const auto *figure = object ? qobject_cast<const RySkeleton *>(object->getNode()) : nullptr;
+    const RySelectionMap *map = figure ? figure->getSelectionMap() : nullptr;
+    if (!map || map->findPair(&bone) < 0)
+        return {};
+    return bone.getSkeleton() == figure ? bone.getOrientedBoundingBox().box
+                                        : boxOfGroup(shape, map->findGroupForNode(&bone), *object);
 }
 
 RyLegacyBoneShape::RyLegacyBoneShape(const RyBone &bone, const RyObject *object)
@@ -19,7 +39,7 @@ RyLegacyBoneShape::RyLegacyBoneShape(const RyBone &bone, const RyObject *object)
       way(orientation.inverse().multVec(bone.getEndPoint() - origin)), sphereCenter(origin), sphereSize(way.length()),
       radius(sphereSize / 4.0f)
 {
-    const RyBox3 box = boxOfGroup(bone, object);
+    const RyBox3 box = boxOfGroup(*this, bone, object);
     if (box.isEmpty())
         return;
     sphereCenter = box.getCenter();

@@ -10,8 +10,8 @@ class RyObject;
 /// How a bone of a parametric figure stands at rest, for zones and spheres that are fitted to it.
 struct RyLegacyBoneShape
 {
-    /// `object`: the one whose vertices the bone moves. Its face group counts where the bone is of that object's figure
-    /// and paired with one.
+    /// `object`: the one whose vertices the bone moves. Its face group counts where that object's figure pairs the bone
+    /// with one.
     RyLegacyBoneShape(const RyBone &bone, const RyObject *object);
 
     /// About the box of the face group, by `share` of its diagonal; without a group about the bone's origin, by that

@@ -26,7 +26,9 @@ bool RyLegacyJointMaker::goesForward(const RyBone &bone, int axis, Side side)
 
 RyLegacyJoint *RyLegacyJointMaker::make(RyNode *parent, bool newJoint) const
 {
-    RyLegacyBinding *binding = m_bone ? RyLegacyBinding::findBinding(m_bone->getSkeleton()) : nullptr;
+    if (!m_bone)
+        return nullptr;
+    RyLegacyBinding *binding = RyLegacyBinding::bindingForChildOf(newJoint && parent ? parent : m_bone);
     if (!binding)
         return nullptr;
     binding->beginEdit();

@@ -18,9 +18,9 @@ public:
 
     RyLegacyJointMaker(RyBone *bone, Side side) : m_bone(bone), m_side(side) {}
 
-    /// In the binding of the bone's figure. A new joint, after which the rotation controls of the bone are labelled, or
-    /// the bone's own (`newJoint` false), gets the parameters. Null, and nothing done, without a binding and without
-    /// the joint.
+    /// In the binding that has the parent's joint, else that of the bone's figure. A new joint, after which the
+    /// rotation controls of the bone are labelled, or the bone's own (`newJoint` false), gets the parameters. Null, and
+    /// nothing done, without a binding and without the joint.
     RyLegacyJoint *make(RyNode *parent, bool newJoint) const;
     /// The joint of a bone that moves the whole object of a binding: vertices follow whichever way they lie. No
     /// smooth-scale, nothing on another joint.

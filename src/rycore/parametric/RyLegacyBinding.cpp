@@ -3,6 +3,7 @@
 #include "rycore/base/RyPlaceChange.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/mesh/RyWeightMap.h"
+#include "rycore/parametric/RyLegacyJointIndex.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyShape.h"
@@ -37,6 +38,7 @@ RyLegacyBinding::~RyLegacyBinding()
 {
     for (RyLegacyJoint *joint : m_joints) {
         disconnect(joint, nullptr, this, nullptr);
+        RyLegacyJointIndex::remove(joint);
         joint->m_binding = nullptr;
         joint->unref();
     }
@@ -54,28 +56,36 @@ RyLegacyBinding *RyLegacyBinding::findBinding(const RyObject *object)
 
 RyLegacyJoint *RyLegacyBinding::findJoint(const RyNode *bone) const
 {
-    // A bone that was deleted may have had the same address.
-    const auto isOfBone = [bone](const RyLegacyJoint *joint) { return joint->getBone() == bone; };
-    const auto [first, last] = m_jointsOfBones.equal_range(bone);
-    const auto found = bone ? std::find_if(first, last, isOfBone) : last;
-    if (found == last)
-        return nullptr;
-    if (std::find_if(std::next(found), last, isOfBone) == last)
-        return *found;
-    return *std::find_if(m_joints.begin(), m_joints.end(), isOfBone);
+    const std::vector<RyLegacyJoint *> joints = RyLegacyJointIndex::jointsOf(bone);
+    const auto isHere = [this](const RyLegacyJoint *joint) { return joint->getBinding() == this; };
+    const auto found = std::find_if(joints.begin(), joints.end(), isHere);
+    if (found == joints.end() || std::none_of(std::next(found), joints.end(), isHere))
+        return found == joints.end() ? nullptr : *found;
+    return *std::find_if(m_joints.begin(), m_joints.end(),
+                         [bone](const RyLegacyJoint *joint) { return joint->getBone() == bone; });
 }
 
-void RyLegacyBinding::indexBone(RyLegacyJoint *joint)
+bool RyLegacyBinding::isJoined(const RySkeleton &figure, const RyNode *bone)
 {
-    joint->m_indexedBone = joint->getBone();
-    if (joint->m_indexedBone)
-        m_jointsOfBones.insert(joint->m_indexedBone, joint);
+    const RySkeleton *skeleton = bone ? bone->getSkeleton() : nullptr;
+    if (!skeleton || skeleton == &figure || bone->getScene() != figure.getScene())
+        return false;
+    const RyNode *above = figure.getNodeParent();
+    return figure.getFollowTarget() == skeleton || (above && above->getSkeleton() == skeleton);
 }
 
-void RyLegacyBinding::dropBone(RyLegacyJoint *joint)
+RyLegacyBinding *RyLegacyBinding::bindingForChildOf(const RyNode *node)
 {
-    m_jointsOfBones.remove(joint->m_indexedBone, joint);
-    joint->m_indexedBone = nullptr;
+    for (const RyNode *above = node; above && above != node->getSkeleton(); above = above->getNodeParent()) {
+        if (const RyLegacyJoint *joint = RyLegacyJoint::findJoint(above))
+            return joint->getBinding();
+    }
+    return findBinding(node ? node->getSkeleton() : nullptr);
+}
+
+RySkeleton *RyLegacyBinding::getFigure() const
+{
+    return getObject() ? qobject_cast<RySkeleton *>(getObject()->getNode()) : nullptr;
 }
 
 bool RyLegacyBinding::addJoint(RyLegacyJoint *joint)
@@ -105,7 +115,7 @@ void RyLegacyBinding::insertJoint(RyLegacyJoint *joint, int index)
     joint->ref();
     joint->m_binding = this;
     m_joints.insert(m_joints.begin() + std::min(index, int(m_joints.size())), joint);
-    indexBone(joint);
+    RyLegacyJointIndex::insert(joint);
     connect(joint, &RyLegacyJoint::jointChanged, this, &RyLegacyBinding::announce);
     announce();
 }
@@ -116,7 +126,7 @@ void RyLegacyBinding::takeJoint(RyLegacyJoint *joint, int index)
         emit param->aboutToBeRemoved();
     m_joints.erase(m_joints.begin() + index);
     disconnect(joint, nullptr, this, nullptr);
-    dropBone(joint);
+    RyLegacyJointIndex::remove(joint);
     joint->m_binding = nullptr;
     announce();
     joint->unref();
@@ -162,6 +172,10 @@ void RyLegacyBinding::editFinished()
 
 RyWeightMap *RyLegacyBinding::makeWeights(const RyLegacyJointParam &param, const RySkeleton *skeleton)
 {
+    const RySkeleton *figure = getFigure();
+    const RyBone *bone = param.getJoint() ? param.getJoint()->getBone() : nullptr;
+    if (figure && bone && bone->getSkeleton() == skeleton && isJoined(*figure, bone))
+        skeleton = figure;
     const RyObject *object = skeleton ? skeleton->getObject() : nullptr;
     const RyShape *shape = object ? object->getCurrentShape() : nullptr;
     const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr;

@@ -5,14 +5,12 @@
 #include "rycore/parametric/RyLegacyRigCache.h"
 #include "rycore/scene/RyModifier.h"
 
-#include <QMultiHash>
-
 #include <memory>
 
 class RyNode;
 class RySkeleton;
-struct RyLegacyFit;
 class RyWeightMap;
+struct RyLegacyFit;
 
 /// Moves the vertices of a parametric figure's shape with its bones: the joints with their parameters say how far each
 /// vertex follows each motion of each bone. Edits are undoable where a hold is open.
@@ -26,6 +24,14 @@ public:
     /// The binding of that object, or of the object of that skeleton; null without one and for null.
     static RyLegacyBinding *findBinding(const RySkeleton *skeleton);
     static RyLegacyBinding *findBinding(const RyObject *object);
+    /// True for a bone of another skeleton that the figure follows or hangs on: a root bone that inherited it, or one
+    /// below such a bone.
+    static bool isJoined(const RySkeleton &figure, const RyNode *bone);
+    /// Where a new child of that node gets its joint: the binding that has the joint of the node, or of the nearest
+    /// node above it that has one; else that of its skeleton's object. Null without one and for null.
+    static RyLegacyBinding *bindingForChildOf(const RyNode *node);
+    /// The figure whose object has this; null when none.
+    RySkeleton *getFigure() const;
 
     // --- Joints, in the order in which they were added.
     const std::vector<RyLegacyJoint *> &joints() const { return m_joints; }
@@ -36,7 +42,8 @@ public:
     /// The joint is deleted unless something else (an undo step) holds it.
     bool removeJoint(RyLegacyJoint *joint);
 
-    /// See RyLegacyJointParam::getWeights; a new map.
+    /// See RyLegacyJointParam::getWeights; a new map. For a bone that joined another skeleton, that of the binding's
+    /// figure also where it is asked of the skeleton.
     RyWeightMap *makeWeights(const RyLegacyJointParam &param, const RySkeleton *skeleton);
 
     bool deform(RyShapePoints &points) override;
@@ -66,14 +73,10 @@ private:
     struct JointList;
     void insertJoint(RyLegacyJoint *joint, int index);
     void takeJoint(RyLegacyJoint *joint, int index);
-    /// Finds the joint by its bone from here on.
-    void indexBone(RyLegacyJoint *joint);
-    void dropBone(RyLegacyJoint *joint);
     void announce();
 
     std::vector<RyLegacyJoint *> m_joints; // each counted once
-    QMultiHash<const RyNode *, RyLegacyJoint *> m_jointsOfBones;
-    bool m_touched = false; // within an edit
+    bool m_touched = false;                // within an edit
     RyLegacyDeformer m_deformer;
     RyLegacyRigCache m_rig;
     std::shared_ptr<const RyLegacyFit> m_fit;

@@ -6,11 +6,11 @@
 
 #include <vector>
 
-/// The places of bones in a list; -1 for what is not in it.
+/// The places of bones, and of what else moves bones, in a list; -1 for what is not in it.
 class BonePlaces
 {
 public:
-    explicit BonePlaces(const std::vector<RyBone *> &bones)
+    explicit BonePlaces(const std::vector<RyNode *> &bones)
     {
         for (size_t i = 0; i < bones.size(); ++i)
             m_places.insert(bones[i], int(i));

@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyPlaceChange.h"
 #include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/parametric/RyLegacyJointIndex.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -40,8 +41,18 @@ RyLegacyJoint::~RyLegacyJoint()
 
 RyLegacyJoint *RyLegacyJoint::findJoint(const RyNode *node)
 {
-    const RyLegacyBinding *binding = node ? RyLegacyBinding::findBinding(node->getSkeleton()) : nullptr;
-    return binding ? binding->findJoint(node) : nullptr;
+    const RySkeleton *skeleton = node ? node->getSkeleton() : nullptr;
+    if (!skeleton)
+        return nullptr;
+    const RyLegacyBinding *binding = RyLegacyBinding::findBinding(skeleton);
+    if (RyLegacyJoint *joint = binding ? binding->findJoint(node) : nullptr)
+        return joint;
+    for (const RyLegacyJoint *joint : RyLegacyJointIndex::jointsOf(node)) {
+        const RySkeleton *figure = joint->getBinding()->getFigure();
+        if (figure && RyLegacyBinding::isJoined(*figure, node))
+            return joint->getBinding()->findJoint(node);
+    }
+    return nullptr;
 }
 
 void RyLegacyJoint::setBone(RyBone *bone, bool takeName)
@@ -57,17 +68,20 @@ void RyLegacyJoint::setBone(RyBone *bone, bool takeName)
 void RyLegacyJoint::applyBone(RyBone *bone)
 {
     if (m_binding)
-        m_binding->dropBone(this);
+        RyLegacyJointIndex::remove(this);
     m_bone = bone;
     if (m_binding)
-        m_binding->indexBone(this);
+        RyLegacyJointIndex::insert(this);
     emit jointChanged();
 }
 
 QString RyLegacyJoint::getGroupName() const
 {
+    const RySkeleton *figure = m_binding ? m_binding->getFigure() : nullptr;
     const RySkeleton *skeleton = m_bone ? m_bone->getSkeleton() : nullptr;
-    const RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr;
+    if (!figure)
+        figure = skeleton;
+    const RySelectionMap *map = figure ? figure->getSelectionMap() : nullptr;
     QString group;
     for (const RyNode *node = m_bone; map && node && node != skeleton && group.isEmpty(); node = node->getNodeParent())
         group = map->findGroupForNode(node);

@@ -19,7 +19,8 @@ public:
     RyLegacyJoint() = default;
     ~RyLegacyJoint() override;
 
-    /// The joint of that bone in the binding of its skeleton's object; null without one and for null.
+    /// The joint of that bone in the binding of its skeleton's object, else of a figure whose bone joined that
+    /// skeleton (RyLegacyBinding::isJoined); null without one and for null.
     static RyLegacyJoint *findJoint(const RyNode *node);
 
     RyBone *getBone() const { return m_bone.data(); }
@@ -52,6 +53,7 @@ signals:
 
 private:
     friend class RyLegacyBinding;
+    friend class RyLegacyJointIndex;
     struct BoneValue;
     struct ParamList;
     void applyBone(RyBone *bone);
@@ -59,7 +61,7 @@ private:
     void takeParam(RyLegacyJointParam *param, int index);
 
     QPointer<RyBone> m_bone;
-    const RyNode *m_indexedBone = nullptr; // by which its binding finds it; compared, never followed
+    const RyNode *m_indexedBone = nullptr; // by which it is found; compared, never followed
     RyLegacyBinding *m_binding = nullptr;
     std::vector<RyLegacyJointParam *> m_params; // each counted once
 };

@@ -22,7 +22,7 @@ bool isAbove(const std::vector<RyLegacyRig::Bone> &bones, int bone, int below)
 
 } // namespace
 
-int RyLegacyOwners::common(const std::vector<RyLegacyRig::Bone> &bones, const std::vector<int> &candidates)
+int RyLegacyOwners::common(const std::vector<RyLegacyRig::Bone> &bones, const std::vector<int> &candidates, int first)
 {
     std::vector<int> lowest;
     for (const int bone : candidates) {
@@ -37,17 +37,18 @@ int RyLegacyOwners::common(const std::vector<RyLegacyRig::Bone> &bones, const st
             owner = bones[size_t(owner)].parent;
     }
     // No bone above all of them, or no candidate at all.
-    return owner >= 0 || bones.empty() ? owner : 0;
+    return owner >= 0 || bones.empty() ? owner : first;
 }
 
-void RyLegacyOwners::fill(const RySkeleton &skeleton, const std::vector<RyBone *> &bones, RyLegacyRig &rig)
+void RyLegacyOwners::fill(const RySkeleton &skeleton, const std::vector<RyNode *> &bones, int firstBone,
+                          RyLegacyRig &rig)
 {
     const RyObject *object = skeleton.getObject();
     const RyShape *shape = object ? object->getCurrentShape() : nullptr;
     const RyVertexMesh *vertices = shape ? shape->getGeometry() : nullptr;
     const auto *mesh = qobject_cast<const RyFacetMesh *>(vertices);
     const RySelectionMap *map = skeleton.getSelectionMap();
-    rig.owners.assign(vertices ? size_t(vertices->getNumVertices()) : 0, bones.empty() ? -1 : 0);
+    rig.owners.assign(vertices ? size_t(vertices->getNumVertices()) : 0, bones.empty() ? -1 : firstBone);
     if (!mesh || !map || bones.empty())
         return;
     std::vector<int> boneOfGroup(size_t(mesh->getNumFaceGroups()), -1);
@@ -82,6 +83,6 @@ void RyLegacyOwners::fill(const RySkeleton &skeleton, const std::vector<RyBone *
     }
     for (auto &[vertex, list] : others) {
         list.push_back(first[size_t(vertex)]);
-        rig.owners[size_t(vertex)] = common(rig.bones, list);
+        rig.owners[size_t(vertex)] = common(rig.bones, list, firstBone);
     }
 }

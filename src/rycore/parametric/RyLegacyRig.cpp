@@ -3,14 +3,17 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/math/RyAffine.h"
 #include "rycore/math/RyFastMath.h"
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/parametric/RyLegacyBonePlaces.h"
 #include "rycore/parametric/RyLegacyRigCache.h"
 #include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RySkeleton.h"
 
+#include <QSet>
+
 namespace {
 
-RyLegacyControls controlsOfPose(const RyBone &bone)
+RyLegacyControls controlsOfPose(const RyNode &bone)
 {
     const RyFloatProperty *turns[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
     const RyFloatProperty *moves[3] = {bone.getXTransControl(), bone.getYTransControl(), bone.getZTransControl()};
@@ -26,7 +29,7 @@ RyLegacyControls controlsOfPose(const RyBone &bone)
 }
 
 /// The controls that make a bone's map of what is above it, as near as controls can say it.
-RyLegacyControls controlsOfMap(const RyBone &bone, const RyBone *parent, const RyQuat &parentTurn, RyQuat &turn)
+RyLegacyControls controlsOfMap(const RyNode &bone, const RyNode *parent, const RyQuat &parentTurn, RyQuat &turn)
 {
     const RyAffine &map = bone.figureMap();
     const RyAffine above = parent ? parent->figureMap() : RyAffine();
@@ -63,16 +66,35 @@ RyLegacyRig RyLegacyRig::of(const RyLegacyBinding &binding, const RySkeleton &sk
     return RyLegacyRigCache().of(binding, skeleton);
 }
 
-std::vector<RyLegacyControls> RyLegacyRig::controlsOf(const RySkeleton &skeleton)
+std::vector<RyNode *> RyLegacyRig::bonesOf(const RyLegacyBinding *binding, const RySkeleton &skeleton)
 {
     const RyBoneListOrder order(RyBoneListOrder::Tree); // also within a pick pass
-    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    const std::vector<RyBone *> own = skeleton.getAllBones();
+    std::vector<RyNode *> bones(own.begin(), own.end());
+    QSet<const RyNode *> listed(bones.begin(), bones.end());
+    for (const RyLegacyJoint *joint : binding ? binding->joints() : std::vector<RyLegacyJoint *>()) {
+        if (!RyLegacyBinding::isJoined(skeleton, joint->getBone()))
+            continue;
+        std::vector<RyNode *> chain;
+        for (RyNode *node = joint->getBone(); node != joint->getBone()->getSkeleton(); node = node->getNodeParent()) {
+            if (!listed.contains(node))
+                chain.push_back(node);
+            listed.insert(node);
+        }
+        bones.insert(bones.end(), chain.rbegin(), chain.rend());
+    }
+    return bones;
+}
+
+std::vector<RyLegacyControls> RyLegacyRig::controlsOf(const RySkeleton &skeleton)
+{
+    const std::vector<RyNode *> bones = bonesOf(RyLegacyBinding::findBinding(&skeleton), skeleton);
     const BonePlaces places(bones);
     std::vector<RyLegacyControls> controls;
     std::vector<RyQuat> turns; // from figure space to figure space
-    for (const RyBone *bone : bones) {
+    for (const RyNode *bone : bones) {
         const int place = places.ofParent(bone);
-        const RyBone *parent = place < 0 ? nullptr : bones[size_t(place)];
+        const RyNode *parent = place < 0 ? nullptr : bones[size_t(place)];
         const RyQuat parentTurn = parent ? turns[size_t(place)] : RyQuat();
         RyQuat turn = bone->getLocalRot();
         // Below a played bone scale is inherited in any case, which controls do not say.

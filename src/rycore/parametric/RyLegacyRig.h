@@ -9,6 +9,7 @@
 #include <vector>
 
 class RyLegacyBinding;
+class RyNode;
 class RySkeleton;
 
 /// What one bone's pose controls say, all at rest by default.
@@ -47,11 +48,14 @@ struct RyLegacyRig
         std::vector<float> values; // of its controllers, in their order; degrees for angles
         bool operator==(const Param &) const = default;
     };
-    std::vector<Bone> bones;   // parents before children: the order of RySkeleton::getAllBones
+    std::vector<Bone> bones;   // parents before children: the order of `bonesOf`
     std::vector<Param> params; // in the order of joints, then of parameters
     std::vector<int> owners;   // index of a bone for each vertex
 
     static RyLegacyRig of(const RyLegacyBinding &binding, const RySkeleton &skeleton);
+    /// The bones of the figure in tree order; then those that joined another skeleton, each with all nodes above it
+    /// there, which move it as bones without parameters do.
+    static std::vector<RyNode *> bonesOf(const RyLegacyBinding *binding, const RySkeleton &skeleton);
     /// What the bones' pose controls say at present, one for each bone; a played clip counts as controls.
     static std::vector<RyLegacyControls> controlsOf(const RySkeleton &skeleton);
 };

@@ -4,7 +4,6 @@
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/parametric/RyLegacyBonePlaces.h"
 #include "rycore/parametric/RyLegacyOwners.h"
-#include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
@@ -14,7 +13,7 @@
 
 namespace {
 
-RyLegacyRig::Bone boneOf(const RyBone &bone, const BonePlaces &places)
+RyLegacyRig::Bone boneOf(const RyNode &bone, const BonePlaces &places)
 {
     RyLegacyRig::Bone result;
     result.parent = places.ofParent(&bone);
@@ -24,6 +23,19 @@ RyLegacyRig::Bone boneOf(const RyBone &bone, const BonePlaces &places)
     result.order = bone.getRotationOrder();
     result.inheritsScale = bone.inheritsScale();
     return result;
+}
+
+/// The figure's own first bone; where all have joined another skeleton, that of the first joint.
+int firstBone(const RyLegacyBinding &binding, const RySkeleton &skeleton, const std::vector<RyNode *> &bones,
+              const BonePlaces &places)
+{
+    if (bones.empty() || bones.front()->getSkeleton() == &skeleton)
+        return bones.empty() ? -1 : 0;
+    for (const RyLegacyJoint *joint : binding.joints()) {
+        if (places.of(joint->getBone()) >= 0)
+            return places.of(joint->getBone());
+    }
+    return 0;
 }
 
 void readParam(const RyLegacyJointParam &param, RyLegacyRig::Param &result)
@@ -40,7 +52,7 @@ void readParam(const RyLegacyJointParam &param, RyLegacyRig::Param &result)
 
 } // namespace
 
-RyLegacyRigCache::OwnersKey RyLegacyRigCache::ownersKey(const RySkeleton &skeleton, const std::vector<RyBone *> &bones)
+RyLegacyRigCache::OwnersKey RyLegacyRigCache::ownersKey(const RySkeleton &skeleton, const std::vector<RyNode *> &bones)
 {
     OwnersKey key;
     const RyObject *object = skeleton.getObject();
@@ -59,21 +71,21 @@ RyLegacyRigCache::OwnersKey RyLegacyRigCache::ownersKey(const RySkeleton &skelet
 
 const RyLegacyRig &RyLegacyRigCache::of(const RyLegacyBinding &binding, const RySkeleton &skeleton)
 {
-    const RyBoneListOrder order(RyBoneListOrder::Tree); // also within a pick pass
-    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    const std::vector<RyNode *> bones = RyLegacyRig::bonesOf(&binding, skeleton);
     const BonePlaces places(bones);
     std::vector<RyLegacyRig::Bone> rigBones;
-    for (const RyBone *bone : bones)
+    for (const RyNode *bone : bones)
         rigBones.push_back(boneOf(*bone, places));
     OwnersKey key = ownersKey(skeleton, bones);
     for (const RyLegacyRig::Bone &bone : rigBones)
         key.parents.push_back(bone.parent);
+    key.firstBone = firstBone(binding, skeleton, bones, places);
     const bool sameOwners = key.mesh && key == m_ownersKey;
     for (size_t i = 0; sameOwners && i < bones.size(); ++i)
         rigBones[i].hasGroup = m_rig.bones[i].hasGroup;
     m_rig.bones = std::move(rigBones);
     if (!sameOwners)
-        RyLegacyOwners::fill(skeleton, bones, m_rig);
+        RyLegacyOwners::fill(skeleton, bones, key.firstBone, m_rig);
     m_ownersKey = std::move(key);
 
     size_t count = 0;

@@ -27,6 +27,7 @@ private:
         std::vector<std::pair<QString, const void *>> pairs;
         std::vector<const void *> bones;
         std::vector<int> parents;
+        int firstBone = -1;
         bool operator==(const OwnersKey &) const = default;
     };
     struct ParamSource
@@ -34,7 +35,7 @@ private:
         QPointer<const RyLegacyJointParam> param;
         quint64 revision = 0;
     };
-    static OwnersKey ownersKey(const RySkeleton &skeleton, const std::vector<RyBone *> &bones);
+    static OwnersKey ownersKey(const RySkeleton &skeleton, const std::vector<RyNode *> &bones);
 
     RyLegacyRig m_rig;
     OwnersKey m_ownersKey;

@@ -147,7 +147,7 @@ bool changeParams(RyBone *bone, const RyRotationOrder &order)
 {
     Reordering reordering(bone, order);
     RyLegacyJoint *own = RyLegacyJoint::findJoint(bone);
-    const RyRef<RyLegacyBinding> binding(RyLegacyBinding::findBinding(bone->getSkeleton()));
+    const RyRef<RyLegacyBinding> binding(RyLegacyBinding::bindingForChildOf(bone));
     if (binding)
         binding->beginEdit();
     if (own)

@@ -93,7 +93,7 @@ void RyFacetOwners::assignBones()
             m_owners.emplace_back(binding->getBone());
         assign(*skin);
     } else if (const RyLegacyBinding *binding = RyLegacyBinding::findBinding(skeleton)) {
-        for (RyBone *bone : skeleton->getAllBones())
+        for (RyNode *bone : RyLegacyRig::bonesOf(binding, *skeleton))
             m_owners.emplace_back(bone);
         assign(*binding);
     } else {
