@@ -1,5 +1,6 @@
 #pragma once
 
+#include "parametric/paramTexts.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
@@ -122,39 +123,3 @@ struct ParamArm
     RyBone *hand = nullptr;
     RyLegacyBinding *binding = nullptr;
 };
-
-/// All that a parameter keeps, as one text.
-inline QString ryParamText(const RyLegacyJointParam &param)
-{
-    QString text = QString("%1 %2 axis %3 flags %4 driver %5:")
-                       .arg(param.type())
-                       .arg(param.getName())
-                       .arg(param.getAxis())
-                       .arg(param.flags())
-                       .arg(param.getDriver() ? param.getDriver()->getName() : QString("none"));
-    const auto add = [&text](const RyFloatProperty *property) {
-        text += QString(" %1=%2/%3")
-                    .arg(property->getName())
-                    .arg(double(property->getRawValue()), 0, 'g', 9)
-                    .arg(double(property->getDefaultValue()), 0, 'g', 9);
-    };
-    for (const RyFloatProperty *property : param.controllers())
-        add(property);
-    for (const RyLegacyJointSphere *sphere : {param.getDynamicSphere(), param.getStaticSphere()}) {
-        for (const RyFloatProperty *property : sphere->controls())
-            add(property);
-    }
-    return text;
-}
-
-/// The same of all joints, in their order.
-inline QString ryBindingText(const RyLegacyBinding &binding)
-{
-    QString text;
-    for (const RyLegacyJoint *joint : binding.joints()) {
-        text += joint->getName() + " of " + (joint->getBone() ? joint->getBone()->getName() : QString("none")) + '\n';
-        for (const RyLegacyJointParam *param : joint->params())
-            text += "  " + ryParamText(*param) + '\n';
-    }
-    return text;
-}

@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
 #include "ParametricScene.h"
-#include "legacyDump.h"
+#include "paramTexts.h"
 
 #include "rycore/figure/RyLegacyMirror.h"
 #include "rycore/io/RySceneDump.h"
@@ -98,9 +98,9 @@ private slots:
         std::mt19937 random(ryTestSeed());
         for (RyBone *bone : {scene.chest, scene.lArm, scene.lHand})
             workOn(scene.joint(bone), random);
-        const QString sourceBefore = legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm));
+        const QString sourceBefore = ryParamText(*scene.joint(scene.lHand)) + ryParamText(*scene.joint(scene.lArm));
         RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), axis);
-        QCOMPARE(legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm)), sourceBefore);
+        QCOMPARE(ryParamText(*scene.joint(scene.lHand)) + ryParamText(*scene.joint(scene.lArm)), sourceBefore);
 
         int compared = 0;
         for (const RyBone *side : {scene.lHand, scene.lArm}) {
@@ -151,7 +151,7 @@ private slots:
         QCOMPARE(compared, 8);
         // And back: what was there.
         RyLegacyMirror::mirrorJoint(scene.joint(scene.rHand), scene.joint(scene.lHand), axis);
-        QCOMPARE(legacyDumpOf(*scene.joint(scene.lHand)) + legacyDumpOf(*scene.joint(scene.lArm)), sourceBefore);
+        QCOMPARE(ryParamText(*scene.joint(scene.lHand)) + ryParamText(*scene.joint(scene.lArm)), sourceBefore);
     }
 
     void copiesOfChildrenAreTheChildrens()
@@ -161,9 +161,9 @@ private slots:
         scene.makeJoints();
         const RyLegacyJointParam *copy = scene.param(scene.rArm, "rHand_jointy");
         scene.param(scene.lArm, "lHand_jointy")->controllers()[0]->setValue(77);
-        const QString before = legacyDumpOf(*copy);
+        const QString before = ryParamText(*copy);
         RyLegacyMirror::mirrorJoint(scene.joint(scene.lArm), scene.joint(scene.rArm), 0);
-        QCOMPARE(legacyDumpOf(*copy), before);
+        QCOMPARE(ryParamText(*copy), before);
     }
 
     void tableOfNewBonesTurnsIntoItself()
@@ -235,13 +235,13 @@ private slots:
         scene.makeJoints();
         scene.joint(scene.lTip)->addJointParam(new RyLegacyTwistParam("odd", 0, scene.lTip));
         scene.joint(scene.rTip)->addJointParam(new RyLegacyBendParam("odd", 0, scene.rTip));
-        const QString odd = legacyDumpOf(*scene.param(scene.rTip, "odd"));
+        const QString odd = ryParamText(*scene.param(scene.rTip, "odd"));
         RyLegacyMirror::mirrorJoint(scene.joint(scene.lTip), scene.joint(scene.rTip), 0);
-        QCOMPARE(legacyDumpOf(*scene.param(scene.rTip, "odd")), odd);
-        const QString before = legacyDump();
+        QCOMPARE(ryParamText(*scene.param(scene.rTip, "odd")), odd);
+        const QString before = rySceneDump(*ryScene());
         RyLegacyMirror::mirrorJoint(nullptr, scene.joint(scene.rTip), 0);
         RyLegacyMirror::mirrorJoint(scene.joint(scene.rTip), nullptr, 0);
-        QCOMPARE(legacyDump(), before);
+        QCOMPARE(rySceneDump(*ryScene()), before);
     }
 
     void isUndoable()
@@ -251,16 +251,16 @@ private slots:
         scene.makeJoints();
         std::mt19937 random(ryTestSeed());
         workOn(scene.joint(scene.lHand), random);
-        const QString before = legacyDump() + rySceneDump(*ryScene());
+        const QString before = rySceneDump(*ryScene());
         RyUndoStackHold hold;
         RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 0);
         hold.accept(QStringLiteral("Mirror"));
-        const QString after = legacyDump() + rySceneDump(*ryScene());
+        const QString after = rySceneDump(*ryScene());
         QVERIFY(after != before);
         ryUndoStack()->undo();
-        QCOMPARE(legacyDump() + rySceneDump(*ryScene()), before);
+        QCOMPARE(rySceneDump(*ryScene()), before);
         ryUndoStack()->redo();
-        QCOMPARE(legacyDump() + rySceneDump(*ryScene()), after);
+        QCOMPARE(rySceneDump(*ryScene()), after);
     }
 };
 

@@ -1,7 +1,7 @@
 #include "support/RyTest.h"
 
 #include "ParametricScene.h"
-#include "legacyDump.h"
+#include "paramTexts.h"
 
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
@@ -38,7 +38,7 @@ RyNode *makeProp(RyNode *parent, const QStringList &groups)
 
 QString wholeDump()
 {
-    return rySceneDump(*ryScene()) + legacyDump();
+    return rySceneDump(*ryScene());
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "parametric/ParametricScene.h"
-#include "parametric/legacyDump.h"
+#include "parametric/paramTexts.h"
 #include "tool/RyWindowScene.h"
 
 /// The scene of the tool tests with an untidy parametric figure beside the weight-mapped one.
@@ -12,7 +12,7 @@ struct RyParametricToolScene : RyWindowScene
         doll.makeUntidy();
         doll.makeJoints();
     }
-    static QString wholeDump() { return rySceneDump(*ryScene()) + legacyDump(); }
+    static QString wholeDump() { return rySceneDump(*ryScene()); }
 
     ParametricScene doll{false};
 };

@@ -35,14 +35,14 @@ private slots:
         ParametricScene &doll = scene.doll;
         ryScene()->setSelection({doll.lHand, scene.lFoot, doll.rTip});
         const QString before = RyParametricToolScene::wholeDump();
-        const QString chest = legacyDumpOf(*doll.joint(doll.chest));
+        const QString chest = ryParamText(*doll.joint(doll.chest));
         RyFitZonesToBoneAction action;
         QCOMPARE(action.text(), QStringLiteral("Fit Zones to Bone"));
         action.trigger();
         for (const RyBone *bone : {doll.lHand, doll.rTip})
             QVERIFY(doll.param(bone, "jointy")->controllers()[0]->getValue() !=
                     doll.param(bone, "jointy")->controllers()[0]->getDefaultValue());
-        QCOMPARE(legacyDumpOf(*doll.joint(doll.chest)), chest);
+        QCOMPARE(ryParamText(*doll.joint(doll.chest)), chest);
         QCOMPARE(ryUndoStack()->count(), 1);
         QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Fit Zones to Bone"));
         const QString after = RyParametricToolScene::wholeDump();

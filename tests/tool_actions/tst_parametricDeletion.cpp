@@ -15,8 +15,8 @@ namespace {
 /// Nothing about the bones but kind, axis, flags and values.
 QString valuesOf(const RyLegacyJointParam *param)
 {
-    const QStringList parts = legacyDumpOf(*param).split(' ');
-    return QStringList(parts.mid(5)).join(' ');
+    const QStringList parts = ryParamText(*param).split(' ');
+    return QStringList(parts.mid(8)).join(' ');
 }
 
 /// Values and flags as an artist leaves them: the own parameter and its copy agree.
@@ -52,9 +52,9 @@ private slots:
         zones->setApplyZones(true);
         auto *counterpart = dynamic_cast<RyLegacySmoothScale *>(doll.param(doll.lArm, "lHand_smoox"));
         counterpart->setLoEnd(29.0f);
-        const QString counterpartBefore = legacyDumpOf(*counterpart);
+        const QString counterpartBefore = ryParamText(*counterpart);
         const QStringList chestBefore = legacyParamsOf(doll.joint(doll.chest));
-        const QString rightBefore = legacyDumpOf(*doll.joint(doll.rArm));
+        const QString rightBefore = ryParamText(*doll.joint(doll.rArm));
 
         deleteBone(doll.lArm);
         QCOMPARE(doll.lHand->getNodeParent(), static_cast<RyNode *>(doll.chest));
@@ -74,7 +74,7 @@ private slots:
         QCOMPARE(zones->getName(), QStringLiteral("chest_smooy"));
         QCOMPARE(zones->getHiStart(), 31.0f);
         QVERIFY(zones->applyZones() && zones->hiValid());
-        QCOMPARE(legacyDumpOf(*doll.param(doll.chest, "lHand_smoox")), counterpartBefore);
+        QCOMPARE(ryParamText(*doll.param(doll.chest, "lHand_smoox")), counterpartBefore);
         for (const char *name : {"twistx", "jointy", "jointz"}) {
             const RyLegacyJointParam *own = doll.param(doll.lHand, name);
             const RyLegacyJointParam *copy = doll.joint(doll.chest)->findParam("lHand_" + QString(name));
@@ -82,7 +82,7 @@ private slots:
             QCOMPARE(copy->flags(), own->flags() | RyLegacyJointParam::Flipped);
             QCOMPARE(own->findPartner(), copy);
         }
-        QCOMPARE(legacyDumpOf(*doll.joint(doll.rArm)), rightBefore);
+        QCOMPARE(ryParamText(*doll.joint(doll.rArm)), rightBefore);
     }
 
     void childOfATopBoneIsDrivenByNoParent()

@@ -86,9 +86,9 @@ private slots:
     {
         RyParametricToolScene scene;
         ParametricScene &doll = scene.doll;
-        const QString before = legacyDump();
+        const QString before = ryBindingText(*doll.binding);
         doll.rArm->addNodeChild(doll.lHand);
-        QCOMPARE(legacyDump(), before);
+        QCOMPARE(ryBindingText(*doll.binding), before);
         // The copy on the old parent's joint is nobody's partner any more.
         QVERIFY(!doll.param(doll.lHand, "jointy")->findPartner());
         doll.figure->addNodeChild(doll.lTip);
