@@ -72,6 +72,55 @@ void workOn(const RyLegacyJoint *joint, std::mt19937 &random)
     }
 }
 
+/// Zones, spheres and bulges that bend an arm, as an artist sets them by hand on both sides of a joint.
+void shapeZones(RyLegacyJointParam *param, std::mt19937 &random)
+{
+    const auto number = [&random](double low, double high) {
+        return float(std::uniform_real_distribution<double>(low, high)(random));
+    };
+    const RyVec3 origin = param->getDriver()->getOrigin();
+    param->beginEdit();
+    const std::vector<RyFloatProperty *> values = param->controllers();
+    if (param->type() == RyLegacyJointParam::Bend) {
+        const double angles[4] = {110, 30, -30, -110};
+        for (size_t i = 0; i < 4; ++i)
+            values[i]->setValue(float(angles[i]) + number(-20, 20));
+        for (size_t i = 4; i < 8; ++i)
+            values[i]->setValue(number(-0.3, 0.3));
+    } else {
+        for (RyFloatProperty *value : values)
+            value->setValue(origin[param->getAxis()] + number(-15, 15));
+    }
+    param->getDynamicSphere()->getScaleControl()->setValue(number(6, 9));
+    param->getStaticSphere()->getScaleControl()->setValue(number(14, 20));
+    for (const RyLegacyJointSphere *sphere : {param->getDynamicSphere(), param->getStaticSphere()}) {
+        for (size_t i = 0; i < 3; ++i)
+            sphere->controls()[i]->setValue(origin[int(i)] + number(-4, 4));
+        for (size_t i = 3; i < 6; ++i)
+            sphere->controls()[i]->setValue(number(-60, 60));
+        sphere->getXScaleControl()->setValue(number(0.7, 1.3));
+    }
+    param->setFlags(param->flags() | RyLegacyJointParam::ApplyAngles | RyLegacyJointParam::ApplyBulges |
+                    RyLegacyJointParam::ApplyMatrices | RyLegacyJointParam::ApplyBlend |
+                    RyLegacyJointParam::ApplyZones);
+    param->finishEdit();
+}
+
+/// Turns about the mirror axis stay, the others are reversed; moves along it are.
+void mirrorPose(const RyBone *source, RyBone *target, int axis)
+{
+    const RyFloatProperty *turns[3] = {source->getXRotControl(), source->getYRotControl(), source->getZRotControl()};
+    RyFloatProperty *turned[3] = {target->getXRotControl(), target->getYRotControl(), target->getZRotControl()};
+    const RyFloatProperty *moves[3] = {source->getXTransControl(), source->getYTransControl(),
+                                       source->getZTransControl()};
+    RyFloatProperty *moved[3] = {target->getXTransControl(), target->getYTransControl(), target->getZTransControl()};
+    for (int k = 0; k < 3; ++k) {
+        turned[k]->setValue(k == axis ? turns[k]->getValue() : -turns[k]->getValue());
+        moved[k]->setValue(k == axis ? -moves[k]->getValue() : moves[k]->getValue());
+    }
+    target->getYScaleControl()->setValue(source->getYScaleControl()->getValue());
+}
+
 } // namespace
 
 /// Joint parameters of one side of a figure on the other.
@@ -242,6 +291,67 @@ private slots:
         RyLegacyMirror::mirrorJoint(nullptr, scene.joint(scene.rTip), 0);
         RyLegacyMirror::mirrorJoint(scene.joint(scene.rTip), nullptr, 0);
         QCOMPARE(rySceneDump(*ryScene()), before);
+    }
+
+    void mirroredPoseIsSymmetric()
+    {
+        ParametricScene scene;
+        scene.makeUntidy();
+        const std::vector<std::pair<RyBone *, RyBone *>> sides = {
+            {scene.lArm, scene.rArm}, {scene.lHand, scene.rHand}, {scene.lTip, scene.rTip}};
+        for (const auto &[source, target] : sides)
+            mirrorRigging(source, target, 0);
+        // What the arms hang on is symmetric itself.
+        scene.chest->setOrientation(RyQuat({1, 0, 0}, 0.5f));
+        scene.makeJoints();
+        std::mt19937 random(ryTestSeed());
+        for (const auto &[source, target] : sides) {
+            for (RyLegacyJointParam *param : scene.joint(source)->params()) {
+                const bool isScale = param->type() == RyLegacyJointParam::SmoothScale;
+                if (isScale || param->getDriver() == source)
+                    shapeZones(param, random);
+                RyLegacyJointParam *partner = isScale || param->getDriver() != source ? nullptr : param->findPartner();
+                if (partner) {
+                    partner->copyValuesFrom(*param);
+                    partner->setFlipped(true);
+                }
+            }
+        }
+        for (const auto &[source, target] : sides)
+            RyLegacyMirror::mirrorJoint(scene.joint(source), scene.joint(target), 0);
+
+        const std::vector<RyVec3> rest = scene.mesh()->getPositions();
+        float turn = 30;
+        for (const auto &[source, target] : sides) {
+            source->getXRotControl()->setValue(turn);
+            source->getYRotControl()->setValue(turn - 55);
+            source->getZRotControl()->setValue(turn += 15);
+            source->getXTransControl()->setValue(1.5f);
+            source->getYTransControl()->setValue(-2);
+            source->getYScaleControl()->setValue(1.2f);
+            mirrorPose(source, target, 0);
+        }
+        const std::vector<RyVec3> posed = scene.figure->getObject()->getDeformedPositions();
+        RyBox3 box;
+        for (const RyVec3 &point : posed)
+            box.include(point);
+        float farthest = 0;
+        int partly = 0;
+        for (size_t v = 0; v < rest.size(); ++v) {
+            // The tubes of the two sides stand in the same order, with their points the other way round.
+            const size_t tube = v / 40;
+            const size_t otherTube = tube == 0 ? 0 : tube < 4 ? tube + 3 : tube - 3;
+            const size_t other = otherTube * 40 + v % 40 / 8 * 8 + (12 - v % 8) % 8;
+            QVERIFY(ryIsNear(rest[other], reflected(rest[v], 0), 1e-4f));
+            const RyVec3 expected = reflected(posed[other], 0);
+            farthest = std::max(farthest, (posed[v] - expected).length() / box.getSize());
+            bool follows = false;
+            for (const RyBone *bone : scene.figure->getAllBones())
+                follows = follows || ryIsNear(bone->figureMap().mapPoint(rest[v]), posed[v], 1e-2f);
+            partly += follows ? 0 : 1;
+        }
+        QVERIFY2(farthest < 1e-5f, qPrintable(QString::number(double(farthest))));
+        QVERIFY(partly > 50);
     }
 
     void isUndoable()

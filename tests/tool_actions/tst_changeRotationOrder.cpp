@@ -175,6 +175,45 @@ private slots:
         QCOMPARE(third->getStaticSphere()->getXRotControl()->getDefaultValue(), 33.0f);
     }
 
+    void nothingMovesAtRest_data()
+    {
+        QTest::addColumn<int>("order");
+        for (int order = RyRotationOrder::XYZ; order <= RyRotationOrder::ZYX; ++order)
+            QTest::addRow("%s", qPrintable(RyRotationOrder(order).name())) << order;
+    }
+    void nothingMovesAtRest()
+    {
+        QFETCH(int, order);
+        RyParametricToolScene scene;
+        ParametricScene &doll = scene.doll;
+        for (RyBone *bone : {doll.chest, doll.lArm, doll.lHand, doll.lTip, doll.rArm, doll.rHand, doll.rTip}) {
+            for (RyFloatProperty *turn : {bone->getXRotControl(), bone->getYRotControl(), bone->getZRotControl()})
+                turn->setValue(0);
+        }
+        for (RyLegacyJointParam *param : doll.joint(doll.lArm)->params()) {
+            param->setFlags(param->flags() | RyLegacyJointParam::ApplyMatrices | RyLegacyJointParam::ApplyBulges |
+                            RyLegacyJointParam::ApplyBlend | RyLegacyJointParam::ApplyZones);
+            for (RyFloatProperty *value : param->controllers())
+                value->setValue(value->getValue() + 0.2f);
+        }
+        const std::vector<RyVec3> rest = doll.mesh()->getPositions();
+        // Once posed, so that what was worked out before the change is there.
+        doll.lArm->getZRotControl()->setValue(50);
+        const std::vector<RyVec3> posed = doll.figure->getObject()->getDeformedPositions();
+        QVERIFY(posed != rest);
+        doll.lArm->getZRotControl()->setValue(0);
+        changeRotationOrder(doll.lArm, RyRotationOrder(order));
+        QVERIFY(doll.figure->getObject()->getDeformedPositions() == rest);
+        // And a pose is that of a figure that was never in another order.
+        doll.lArm->getZRotControl()->setValue(50);
+        const std::vector<RyVec3> after = doll.figure->getObject()->getDeformedPositions();
+        RyLegacyDeformer fresh;
+        fresh.setRig(RyLegacyRig::of(*doll.binding, *doll.figure), rest);
+        std::vector<RyVec3> expected;
+        fresh.deform(rest, RyLegacyRig::controlsOf(*doll.figure), expected);
+        QVERIFY(after == expected);
+    }
+
     void isUndoable()
     {
         RyParametricToolScene scene;
