@@ -1,11 +1,14 @@
 #include "RandomEdits.h"
 
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -17,9 +20,19 @@ const char *const quietActions[] = {"RyJEAlignNodeAction",        "RyJEAlignAllB
                                     "RyJERotationOrderXYZAction", "RyJERotationOrderXZYAction",
                                     "RyJERotationOrderYXZAction", "RyJERotationOrderYZXAction",
                                     "RyJERotationOrderZXYAction", "RyJERotationOrderZYXAction"};
+const char *const quietParametricActions[] = {"RyFitZonesToBoneAction", "RyJEAlignNodeAction",
+                                              "RyJERotationOrderXYZAction", "RyJERotationOrderYZXAction",
+                                              "RyJERotationOrderZYXAction"};
 const char *const switches[] = {"RyJETogglePropagateTranslationAction", "RyJEToggleViewBoneCreationAction",
                                 "RyJEToggleAutoAlignNodeAction", "RyJEToggleAutoSnapEndPointsAction"};
 const char *const attributeRows[] = {"CenterX", "CenterY", "CenterZ", "EndX", "EndY", "EndZ"};
+
+bool hasParametricFigure()
+{
+    const std::vector<RySkeleton *> figures = ryScene()->getSkeletons();
+    return std::any_of(figures.begin(), figures.end(),
+                       [](const RySkeleton *figure) { return RyLegacyBinding::findBinding(figure) != nullptr; });
+}
 
 } // namespace
 
@@ -107,6 +120,8 @@ QString RandomEdits::edit()
         return selectSome();
     if (kind < 45)
         return dragSomething();
+    if (kind >= 60 && kind < 65 && hasParametricFigure())
+        return runAction(quietParametricActions[size_t(pick(int(std::size(quietParametricActions))))]);
     if (kind < 65)
         return runAction(quietActions[size_t(pick(int(std::size(quietActions))))]);
     if (kind < 69)
@@ -249,6 +264,12 @@ void RandomEdits::watch()
             add(binding);
             for (RyWeightMap *map : binding->getAllWeightMaps())
                 add(map);
+        }
+        const RyLegacyBinding *legacy = RyLegacyBinding::findBinding(skeleton);
+        for (RyLegacyJoint *joint : legacy ? legacy->joints() : std::vector<RyLegacyJoint *>()) {
+            add(joint);
+            for (RyLegacyJointParam *param : joint->params())
+                add(param);
         }
     }
 }

@@ -25,8 +25,8 @@ public:
     /// Undoes everything that can be undone and goes back through all restore points, comparing each state.
     QString unwind();
 
-    /// Watches the nodes, bindings and maps that there are now; `stillAlive` names those that live of all that were
-    /// ever watched.
+    /// Watches the nodes, bindings, maps, joints and parameters that there are now; `stillAlive` names those that live
+    /// of all that were ever watched.
     void watch();
     QStringList stillAlive() const;
 

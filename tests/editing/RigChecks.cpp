@@ -1,8 +1,11 @@
 #include "RigChecks.h"
 
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RyShape.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 
@@ -113,6 +116,46 @@ QString namesAreUnique(const RySkeleton &skeleton)
     return {};
 }
 
+QString jointsHaveBones(const RySkeleton &skeleton)
+{
+    const RyLegacyBinding *binding = RyLegacyBinding::findBinding(&skeleton);
+    QSet<const RyNode *> jointed;
+    for (RyLegacyJoint *joint : binding ? binding->joints() : std::vector<RyLegacyJoint *>()) {
+        const RyBone *bone = joint->getBone();
+        if (!bone || bone->getSkeleton() != &skeleton)
+            return QStringLiteral("the joint \"%1\" has no bone of the figure").arg(joint->getName());
+        if (jointed.contains(bone) || RyLegacyJoint::findJoint(bone) != joint)
+            return QStringLiteral("the bone \"%1\" has another joint").arg(bone->getName());
+        jointed.insert(bone);
+        for (const RyLegacyJointParam *param : joint->params()) {
+            if (!param->getDriver() || param->getDriver()->getSkeleton() != &skeleton)
+                return QStringLiteral("the parameter \"%1\" of \"%2\" has no driver of the figure")
+                    .arg(param->getName(), joint->getName());
+        }
+    }
+    return {};
+}
+
+QString deformsAsNew(const RySkeleton &skeleton)
+{
+    RyObject *object = skeleton.getObject();
+    const RyLegacyBinding *binding = RyLegacyBinding::findBinding(object);
+    if (!binding)
+        return {};
+    const std::vector<RyVec3> shown = object->getDeformedPositions();
+    const std::vector<RyVec3> rest = object->getCurrentShape()->getCurrentPositions();
+    RyLegacyDeformer fresh;
+    fresh.setRig(RyLegacyRig::of(*binding, skeleton), rest);
+    std::vector<RyVec3> expected;
+    fresh.deform(rest, RyLegacyRig::controlsOf(skeleton), expected);
+    for (size_t v = 0; v < expected.size(); ++v) {
+        const RyVec3 difference = shown[v] - expected[v];
+        if (!(difference.length() <= 1e-3f))
+            return QStringLiteral("vertex %1 is %2 from where it belongs").arg(v).arg(double(difference.length()));
+    }
+    return {};
+}
+
 QString treeIsSound(const RySkeleton &skeleton)
 {
     for (const RyBone *bone : skeleton.getAllBones()) {
@@ -161,7 +204,7 @@ std::map<const RySkinBinding *, WeightSums> allWeightSums(const RyScene &scene)
 QString check(const RyScene &scene, const std::map<const RySkinBinding *, WeightSums> &before)
 {
     for (const RySkeleton *skeleton : scene.getSkeletons()) {
-        for (const auto &rule : {bindingsHaveBones, pairsHaveNodes, namesAreUnique, treeIsSound}) {
+        for (const auto &rule : {bindingsHaveBones, jointsHaveBones, pairsHaveNodes, namesAreUnique, treeIsSound}) {
             const QString wrong = rule(*skeleton);
             if (!wrong.isEmpty())
                 return QStringLiteral("%1: %2").arg(skeleton->getName(), wrong);

@@ -31,6 +31,11 @@ QString bindingsHaveBones(const RySkeleton &skeleton);
 QString pairsHaveNodes(const RySkeleton &skeleton);
 /// No two nodes of a figure share a name, and every bone has one.
 QString namesAreUnique(const RySkeleton &skeleton);
+/// Every joint of a parametric figure has a bone of it, and so has every parameter a driver; no bone has two joints,
+/// and each is found by its bone.
+QString jointsHaveBones(const RySkeleton &skeleton);
+/// A parametric figure shows what one does that has kept nothing of what was before: all is finite and the same.
+QString deformsAsNew(const RySkeleton &skeleton);
 /// Bones are in the scene, parents list their children, children know their parents.
 QString treeIsSound(const RySkeleton &skeleton);
 
