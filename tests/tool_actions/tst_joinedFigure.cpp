@@ -260,6 +260,7 @@ private slots:
         f.convert();
         f.figure->setFollowTarget(nullptr);
         QVERIFY(RyLegacyJoint::findJoint(f.bone)); // it still hangs there
+        f.figure->setFollowTarget(f.doll.figure);
         ryScene()->removeNode(f.figure);
         QVERIFY(!RyLegacyJoint::findJoint(f.bone));
         QVERIFY(!RyLegacyJoint::findJoint(nullptr));
