@@ -5,8 +5,10 @@
 #include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
+#include "rycore/io/RySceneFile.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/parametric/RyLegacyRig.h"
+#include "rycore/parametric/fit/RyLegacyFit.h"
 #include "support/RyNear.h"
 
 namespace {
@@ -142,6 +144,24 @@ class RyJoinedFigureTest : public QObject
     Q_OBJECT
 
 private slots:
+    /// Bones that joined another skeleton stand behind the figure's own where weights are fitted.
+    void isSavedBesideBonesOfItsOwn()
+    {
+        Sleeve sleeve;
+        sleeve.convert();
+        createChildBone(sleeve.figure, "tassel", "Tassel", RyRotationOrder());
+        const QTemporaryDir folder;
+        QString error;
+        QVERIFY2(RySceneFile::save(ryScene(), folder.filePath("joined.glb"), &error), qPrintable(error));
+        const std::vector<RyNode *> bones = RyLegacyRig::bonesOf(sleeve.binding, *sleeve.figure);
+        const auto fit = sleeve.binding->keptFit();
+        QVERIFY(fit && bones.size() > 2);
+        QCOMPARE(fit->bones.size(), bones.size());
+        QCOMPARE(fit->input.limits.size(), bones.size());
+        for (size_t i = 0; i < bones.size(); ++i)
+            QCOMPARE(fit->bones[i].bone.data(), qobject_cast<RyBone *>(bones[i]));
+    }
+
     void nothingMovesAndItFollowsWhatItJoined_data()
     {
         QTest::addColumn<bool>("onProp");

@@ -26,9 +26,9 @@ const RyLegacyFit &fitOf(RyLegacyBinding &binding, const RySkeleton &skeleton, c
         return *kept;
     const auto told = [&](double done) { return !progress || progress(skeleton.getName(), done); };
     const std::shared_ptr<RyLegacyFit> fit = RyLegacyFitter(std::move(input)).fit(told);
-    const std::vector<RyBone *> bones = skeleton.getAllBones();
+    const std::vector<RyNode *> bones = RyLegacyRig::bonesOf(&binding, skeleton);
     for (size_t i = 0; i < fit->bones.size(); ++i)
-        fit->bones[i].bone = bones[i];
+        fit->bones[i].bone = qobject_cast<RyBone *>(bones[i]);
     binding.keepFit(fit);
     return *fit;
 }

@@ -15,7 +15,7 @@ namespace {
 /// A control without limits of its own turns as far as the place of its axis in the rotation order makes likely.
 constexpr double Usual[3] = {60.0, 90.0, 120.0};
 
-RyLegacyFitInput::Limits limitsOf(const RyBone &bone)
+RyLegacyFitInput::Limits limitsOf(const RyNode &bone)
 {
     const RyFloatProperty *controls[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
     RyLegacyFitInput::Limits limits;
@@ -38,7 +38,7 @@ RyLegacyFitInput RyLegacyFitInput::of(const RyLegacyBinding &binding, const RySk
     const RyShape *shape = RyShape::getCurrentShapeForNode(&skeleton);
     if (const RyVertexMesh *mesh = shape ? shape->getGeometry() : nullptr)
         input.rest = mesh->getPositions();
-    for (const RyBone *bone : skeleton.getAllBones()) {
+    for (const RyNode *bone : RyLegacyRig::bonesOf(&binding, skeleton)) {
         input.limits.push_back(limitsOf(*bone));
         input.names.push_back(bone->getName().toStdString());
     }
