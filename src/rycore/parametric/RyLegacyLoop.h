@@ -18,6 +18,22 @@ struct Lane
     double x[3][Lanes];
 };
 
+/// Both to 1e-8, for angles up to a half turn: of a quarter of the angle, doubled twice.
+inline void sineAndCosineOfHalfTurn(const double *angle, double *sine, double *cosine)
+{
+    for (int l = 0; l < Lanes; ++l) {
+        const double r = 0.25 * angle[l];
+        const double z = r * r;
+        const double s = r + r * z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
+        const double c =
+            1.0 + z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320 + z * (-1.0 / 3628800)))));
+        const double s2 = 2.0 * s * c;
+        const double c2 = 1.0 - 2.0 * s * s;
+        sine[l] = 2.0 * s2 * c2;
+        cosine[l] = 1.0 - 2.0 * s2 * s2;
+    }
+}
+
 /// Both to 2e-9, for angles up to a million.
 inline void sineAndCosine(const double *angle, double *sine, double *cosine)
 {
@@ -116,7 +132,10 @@ void turnAbout(int axis, double turn, const double *share, Lane &y)
     double cosine[Lanes];
     for (int l = 0; l < Lanes; ++l)
         angle[l] = share[l] * turn;
-    sineAndCosine(angle, sine, cosine);
+    if (std::fabs(turn) <= 3.141592653589793)
+        sineAndCosineOfHalfTurn(angle, sine, cosine);
+    else
+        sineAndCosine(angle, sine, cosine);
     double *next = y.x[(axis + 1) % 3];
     double *last = y.x[(axis + 2) % 3];
     for (int l = 0; l < Lanes; ++l) {
