@@ -231,7 +231,7 @@ std::vector<Row> privateRows()
     };
 }
 
-/// They change parameters of joints, of which there are none yet.
+/// They change the current parameter of a joint, and the tool takes none as such.
 QStringList slotsOfParameters()
 {
     return {"translateParam(RyLegacyJointParam*,RyVec3)",
@@ -315,7 +315,8 @@ void RyJointEditorToolEmissionsTest::slotsAndSetters_data()
 void RyJointEditorToolEmissionsTest::parameters()
 {
     const QString what = slotsOfParameters().join(QStringLiteral(", "));
-    QSKIP(qPrintable(QStringLiteral("nothing to see yet without parametric joints: %1").arg(what)));
+    QSKIP(qPrintable(
+        QStringLiteral("nothing to see while the tool takes no parameter as the current one: %1").arg(what)));
 }
 
 void RyJointEditorToolEmissionsTest::slotsAndSetters()

@@ -257,8 +257,7 @@ void RyJointEditorTool::removeParamConnections()
     m_joint.forgetAngles();
 }
 
-// The host has no parametric joints yet: whatever parameter is given is none of the current node's, so that none
-// becomes current and there is none to change.
+// The tool takes no parameter of a joint as the current one, so that there is none to change.
 
 void RyJointEditorTool::setParam(RyLegacyJointParam *) {}
 
