@@ -19,7 +19,7 @@ private slots:
     void cleanupTestCase();
 
 private:
-    static constexpr unsigned FilesByDefault = 60;
+    static constexpr unsigned FilesByDefault = 240; // half are saved: chance does not bring that below a third
 
     size_t below(size_t limit) { return m_random() % std::max(limit, size_t(1)); }
     void spoil(FigureSketch &sketch);
