@@ -118,12 +118,16 @@ void RyNodePose::writeTransform(const RyQuat &orientation, const RyVec3 &positio
     // The identity is written as such, not as what rounding leaves of it.
     const RyVec3 degrees = rotation == RyQuat() ? RyVec3() : pose.toEuler(order);
     const bool unscaled = scale == RyMatrix3();
+    const auto put = [&](int index, float value) {
+        RyFloatProperty *control = m_controls[index]; // g++ 12 checks a wrong index where this stands before ->*
+        (control->*write)(value);
+    };
     for (int axis = 0; axis < 3; ++axis) {
-        (m_controls[Translation + axis]->*write)(position[axis]);
-        (m_controls[Rotation + axis]->*write)(degrees[axis]);
-        (m_controls[Scale + axis]->*write)(unscaled ? 1.0f : inBoneAxes[axis][axis]);
+        put(Translation + axis, position[axis]);
+        put(Rotation + axis, degrees[axis]);
+        put(Scale + axis, unscaled ? 1.0f : inBoneAxes[axis][axis]);
     }
-    (m_controls[GeneralScale]->*write)(generalScale);
+    put(GeneralScale, generalScale);
 }
 
 void RyNodePose::takeFrom(const RyAffine &local, const RyVec3 &origin, const RyQuat &orientation)
