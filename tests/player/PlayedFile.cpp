@@ -50,6 +50,10 @@ double PlayedFile::vertexDistance(const GltfPose &pose) const
                 const std::vector<int> &vertices = shape->getParts()->parts[p].vertexOfSplit;
                 if (wanted.size() != vertices.size())
                     return INFINITY;
+                const bool isRigid =
+                    std::all_of(influences.begin(), influences.end(), [](const auto &each) { return each.empty(); });
+                if (isRigid && goneNodes.count(primitive.node))
+                    continue; // hung on a deleted bone, whose motion nothing has any more
                 for (size_t v = 0; v < wanted.size(); ++v) {
                     const bool isPulled = v < influences.size() &&
                                           std::any_of(influences[v].begin(), influences[v].end(),
