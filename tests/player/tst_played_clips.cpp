@@ -181,8 +181,6 @@ private:
         PlayedFile played(character.scene, character.origin(), character.file);
         played.goneNodes = choice.goneNodes;
         played.comparesHeads = kind.isEmpty();
-        if (!kind.isEmpty() && character.file.nodeCount() > 40)
-            played.frames = 4;
         QCOMPARE(played.check(), QString());
         if (kind.isEmpty())
             return;
