@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
 #include <optional>
@@ -220,24 +221,46 @@ void RyGltfClips::readCurves() const
     if (m_read.size() == m_channelCount)
         return;
     m_read.resize(m_channelCount);
+    struct Unread
+    {
+        const RyGltfChannel *channel;
+        std::shared_ptr<const RyGltfCurve> *curve;
+    };
+    std::vector<Unread> unread;
+    std::vector<const std::shared_ptr<const RyGltfCurve> *> curves(m_channelCount);
     for (const RyGltfClip &clip : m_clips) {
-        for (const RyGltfChannel &channel : clip.channels)
-            m_read[channel.number] = curve(channel.sampler, channel.path);
+        for (const RyGltfChannel &channel : clip.channels) {
+            const auto [known, isNew] = m_curves.try_emplace({channel.sampler, channel.path == RyGltfPath::Rotation});
+            if (isNew) {
+                times(channel.sampler.input); // so that the threads find them
+                unread.push_back({&channel, &known->second});
+            }
+            curves[channel.number] = &known->second;
+        }
     }
+    constexpr size_t Grain = 256;
+    RyParallel::forRanges(unread.size(), Grain, [&](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i)
+            *unread[i].curve = read(unread[i].channel->sampler, unread[i].channel->path);
+    });
+    for (size_t i = 0; i < m_channelCount; ++i)
+        m_read[i] = *curves[i];
 }
 
 const std::vector<float> &RyGltfClips::times(int accessor) const
 {
-    const auto [known, isNew] = m_times.try_emplace(accessor);
-    const RyGltfAccessor &form = m_document->model().accessors[size_t(accessor)];
-    if (!isNew || form.componentType != 5126 || form.componentCount != 1 || !m_document->hasFiniteNumbers(accessor))
+    if (const auto known = m_times.find(accessor); known != m_times.end())
         return known->second;
+    std::vector<float> &known = m_times[accessor];
+    const RyGltfAccessor &form = m_document->model().accessors[size_t(accessor)];
+    if (form.componentType != 5126 || form.componentCount != 1 || !m_document->hasFiniteNumbers(accessor))
+        return known;
     std::vector<float> times = m_document->readFloats(accessor);
     const bool rises =
         std::adjacent_find(times.begin(), times.end(), [](float a, float b) { return !(a < b); }) == times.end();
     if (rises)
-        known->second = std::move(times);
-    return known->second;
+        known = std::move(times);
+    return known;
 }
 
 std::shared_ptr<const RyGltfCurve> RyGltfClips::read(const RyGltfSampler &sampler, RyGltfPath path) const

@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
+#include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
 #include <bit>
@@ -82,24 +83,36 @@ void RyGltfClipWriter::gather(const std::vector<RyGltfClipChange> &changes)
     for (const RyGltfClipChange &change : changes) {
         const RyGltfClip &clip = m_clips.clips()[change.clip];
         noteTimes(change.clip);
-        Entry entry{&change, nullptr, {}, {}, {}};
-        entry.sampler.kind = change.curve->kind;
+        Entry &entry = m_entries.emplace_back(Entry{&change, nullptr, {}, {}, {}});
         if (change.channel != RyGltfClipChange::isNew) {
             entry.channel =
                 &*std::lower_bound(clip.channels.begin(), clip.channels.end(), change.channel,
                                    [](const RyGltfChannel &channel, size_t wanted) { return channel.place < wanted; });
-            const RyGltfCurve &old = *m_clips.curve(*entry.channel);
-            if (old.times == change.curve->times)
-                entry.sampler.input = entry.channel->sampler.input;
-            if (entry.sampler.input >= 0 && old.kind == change.curve->kind &&
-                areSameFloats(old.values, change.curve->values))
-                continue;
         }
-        if (entry.sampler.input < 0)
-            entry.times = asFloats(change.curve->times);
-        entry.values = asFloats(change.curve->values);
-        m_entries.push_back(std::move(entry));
     }
+    constexpr size_t Grain = 64;
+    RyParallel::forRanges(m_entries.size(), Grain, [this](size_t from, size_t to) {
+        for (size_t i = from; i < to; ++i)
+            fill(m_entries[i]);
+    });
+    std::erase_if(m_entries, [](const Entry &entry) { return entry.values.isEmpty(); });
+}
+
+/// What an entry writes; nothing where that is there already.
+void RyGltfClipWriter::fill(Entry &entry) const
+{
+    const RyGltfCurve &curve = *entry.change->curve;
+    entry.sampler.kind = curve.kind;
+    if (entry.channel) {
+        const RyGltfCurve &old = *m_clips.curve(*entry.channel);
+        if (old.times == curve.times)
+            entry.sampler.input = entry.channel->sampler.input;
+        if (entry.sampler.input >= 0 && old.kind == curve.kind && areSameFloats(old.values, curve.values))
+            return;
+    }
+    if (entry.sampler.input < 0)
+        entry.times = asFloats(curve.times);
+    entry.values = asFloats(curve.values);
 }
 
 /// New channels use key times that are there.

@@ -43,6 +43,7 @@ private:
     };
 
     void gather(const std::vector<RyGltfClipChange> &changes);
+    void fill(Entry &entry) const;
     const std::vector<size_t> &samplerUses(size_t clip);
     void noteTimes(size_t clip);
     void overwrite();
