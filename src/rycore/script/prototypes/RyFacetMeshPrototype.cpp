@@ -4,16 +4,32 @@
 
 #include <optional>
 
+int RyFacetMeshPrototype::numVertices(const RyFacetMesh *mesh)
+{
+    return mesh ? mesh->getNumVertices() : 0;
+}
+
+int RyFacetMeshPrototype::numFacets(const RyFacetMesh *mesh)
+{
+    return mesh ? mesh->getNumFacets() : 0;
+}
+
+QStringList RyFacetMeshPrototype::faceGroupNames(const RyFacetMesh *mesh)
+{
+    QStringList names;
+    for (int i = 0; mesh && i < mesh->getNumFaceGroups(); ++i)
+        names.append(mesh->getFaceGroup(i)->getName());
+    return names;
+}
+
 int RyFacetMeshPrototype::getNumVertices() const
 {
-    const RyFacetMesh *mesh = self<RyFacetMesh>();
-    return mesh ? mesh->getNumVertices() : 0;
+    return numVertices(self<RyFacetMesh>());
 }
 
 int RyFacetMeshPrototype::getNumFacets() const
 {
-    const RyFacetMesh *mesh = self<RyFacetMesh>();
-    return mesh ? mesh->getNumFacets() : 0;
+    return numFacets(self<RyFacetMesh>());
 }
 
 QScriptValue RyFacetMeshPrototype::getVertex(int index) const
@@ -46,11 +62,7 @@ QScriptValue RyFacetMeshPrototype::getFacetVertices(int index) const
 
 QStringList RyFacetMeshPrototype::getFaceGroupNames() const
 {
-    const RyFacetMesh *mesh = self<RyFacetMesh>();
-    QStringList names;
-    for (int i = 0; mesh && i < mesh->getNumFaceGroups(); ++i)
-        names.append(mesh->getFaceGroup(i)->getName());
-    return names;
+    return faceGroupNames(self<RyFacetMesh>());
 }
 
 QScriptValue RyFacetMeshPrototype::getFaceGroup(const QString &name) const

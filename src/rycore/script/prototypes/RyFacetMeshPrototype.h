@@ -2,6 +2,8 @@
 
 #include "rycore/script/prototypes/RyScriptPrototype.h"
 
+class RyFacetMesh;
+
 /// Meshes in scripts: what they are made of, to read, and their face groups. Vertices and facets go by numbers from 0.
 class RyFacetMeshPrototype : public RyScriptPrototype
 {
@@ -21,4 +23,9 @@ public:
     /// Makes a group of exactly these facets, which leave the groups they are in; what else was in it is in none.
     /// Throws for an empty name and for what is no number of a facet. Undoable.
     Q_INVOKABLE void setFaceGroup(const QString &name, const QScriptValue &facets) const;
+
+    // --- The same of a mesh outside of a script; 0 and none for null.
+    static int numVertices(const RyFacetMesh *mesh);
+    static int numFacets(const RyFacetMesh *mesh);
+    static QStringList faceGroupNames(const RyFacetMesh *mesh);
 };

@@ -6,7 +6,6 @@
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/scene/node/RyNodeLookup.h"
 
 #include <cmath>
 
@@ -33,14 +32,6 @@ constexpr FlagName FlagNames[] = {
 bool isFlagOf(const RyLegacyJointParam &param, const FlagName &flag)
 {
     return flag.kind < 0 || flag.kind == param.type();
-}
-
-std::vector<RyFloatProperty *> valuesOf(const RyLegacyJointParam &param)
-{
-    std::vector<RyFloatProperty *> values = param.controllers();
-    for (const RyLegacyJointSphere *sphere : {param.getDynamicSphere(), param.getStaticSphere()})
-        values.insert(values.end(), sphere->controls().begin(), sphere->controls().end());
-    return values;
 }
 
 } // namespace
@@ -136,14 +127,15 @@ void RyLegacyJointParamPrototype::setFlag(const QString &name, bool onOff) const
         param->setFlags(onOff ? param->flags() | bit : param->flags() & ~bit);
 }
 
-QStringList RyLegacyJointParamPrototype::getValueNames() const
+std::vector<RyFloatProperty *> RyLegacyJointParamPrototype::values() const
 {
-    QStringList names;
-    if (const auto *param = self<RyLegacyJointParam>()) {
-        for (const RyFloatProperty *property : valuesOf(*param))
-            names.append(property->getName());
-    }
-    return names;
+    const auto *param = self<RyLegacyJointParam>();
+    if (!param)
+        return {};
+    std::vector<RyFloatProperty *> values = param->controllers();
+    for (const RyLegacyJointSphere *sphere : {param->getDynamicSphere(), param->getStaticSphere()})
+        values.insert(values.end(), sphere->controls().begin(), sphere->controls().end());
+    return values;
 }
 
 RyFloatProperty *RyLegacyJointParamPrototype::value(const QString &name) const
@@ -151,40 +143,12 @@ RyFloatProperty *RyLegacyJointParamPrototype::value(const QString &name) const
     const auto *param = self<RyLegacyJointParam>();
     if (!param)
         return nullptr;
-    for (RyFloatProperty *property : valuesOf(*param)) {
+    for (RyFloatProperty *property : values()) {
         if (property->getName() == name)
             return property;
     }
     fail(tr("\"%1\" has no value called \"%2\".").arg(param->getName(), name));
     return nullptr;
-}
-
-double RyLegacyJointParamPrototype::getValue(const QString &name) const
-{
-    const RyFloatProperty *property = value(name);
-    return property ? double(property->getValue()) : 0.0;
-}
-
-void RyLegacyJointParamPrototype::setValue(const QString &name, double value) const
-{
-    RyFloatProperty *property = this->value(name);
-    if (!property)
-        return;
-    if (!std::isfinite(value)) {
-        fail(tr("%1 takes a number.").arg(name));
-        return;
-    }
-    QString error;
-    if (RyNodeLookup::canBecome(*property, float(value), &error))
-        property->adjustValue(float(value));
-    else
-        fail(error);
-}
-
-double RyLegacyJointParamPrototype::getDefaultValue(const QString &name) const
-{
-    const RyFloatProperty *property = value(name);
-    return property ? double(property->getDefaultValue()) : 0.0;
 }
 
 QScriptValue RyLegacyJointParamPrototype::getAngles() const

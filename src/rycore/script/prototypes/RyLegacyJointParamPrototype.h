@@ -1,15 +1,15 @@
 #pragma once
 
 #include "rycore/parametric/RyLegacyJointParam.h"
-#include "rycore/script/prototypes/RyScriptPrototype.h"
+#include "rycore/script/prototypes/RyValuesPrototype.h"
 
 /// Parameters of joints in scripts. Values go by the names of their controllers ("staticA", "dynamic_xtran"), angles
 /// are in degrees.
-class RyLegacyJointParamPrototype : public RyScriptPrototype
+class RyLegacyJointParamPrototype : public RyValuesPrototype
 {
     Q_OBJECT
 public:
-    explicit RyLegacyJointParamPrototype(QObject *parent) : RyScriptPrototype(parent) {}
+    explicit RyLegacyJointParamPrototype(QObject *parent) : RyValuesPrototype(parent) {}
 
     /// "bend", "smoothScale", "twist" or "curve".
     Q_INVOKABLE QString getKind() const;
@@ -29,13 +29,6 @@ public:
     Q_INVOKABLE bool getFlag(const QString &name) const;
     Q_INVOKABLE void setFlag(const QString &name, bool onOff) const;
 
-    /// Of its kind, then of the two spheres.
-    Q_INVOKABLE QStringList getValueNames() const;
-    Q_INVOKABLE double getValue(const QString &name) const;
-    /// Throws, and changes nothing, where the limits of the value do not let it become `value`.
-    Q_INVOKABLE void setValue(const QString &name, double value) const;
-    Q_INVOKABLE double getDefaultValue(const QString &name) const;
-
     /// Of a bend: A, B, C and D.
     Q_INVOKABLE QScriptValue getAngles() const;
     Q_INVOKABLE void setAngles(double staticA, double dynamicB, double dynamicC, double staticD) const;
@@ -51,8 +44,12 @@ public:
     /// A map that holds until the next call; null where there is no mesh.
     Q_INVOKABLE RyWeightMap *getWeights() const;
 
+protected:
+    /// Of its kind, then of the two spheres.
+    std::vector<RyFloatProperty *> values() const override;
+    RyFloatProperty *value(const QString &name) const override;
+
 private:
-    RyFloatProperty *value(const QString &name) const;
     /// The bit of a flag, 0 with a script error where the kind of `param` has none of that name.
     unsigned flag(const RyLegacyJointParam &param, const QString &name) const;
     QScriptValue toNumbers(const RyMatrix4 &matrix) const;

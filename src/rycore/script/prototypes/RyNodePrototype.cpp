@@ -8,9 +8,9 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/node/RyNodeLookup.h"
+#include "rycore/script/prototypes/RyFacetMeshPrototype.h"
 
 #include <algorithm>
-#include <cmath>
 
 static RyFacetMesh *meshOf(const RyNode *node)
 {
@@ -162,6 +162,12 @@ void RyNodePrototype::select(bool onOff) const
         node->select(onOff);
 }
 
+std::vector<RyFloatProperty *> RyNodePrototype::values() const
+{
+    const RyNode *node = self<RyNode>();
+    return node ? RyNodeLookup::values(*node) : std::vector<RyFloatProperty *>();
+}
+
 RyFloatProperty *RyNodePrototype::value(const QString &name) const
 {
     const RyNode *node = self<RyNode>();
@@ -177,50 +183,10 @@ RyFloatProperty *RyNodePrototype::valueOf(const RyNode *node, const QString &nam
     return property;
 }
 
-QStringList RyNodePrototype::getValueNames() const
-{
-    QStringList names;
-    if (const RyNode *node = self<RyNode>()) {
-        for (const RyFloatProperty *property : RyNodeLookup::values(*node))
-            names.append(property->getName());
-    }
-    return names;
-}
-
-double RyNodePrototype::getValue(const QString &name) const
-{
-    const RyFloatProperty *property = value(name);
-    return property ? double(property->getValue()) : 0.0;
-}
-
-void RyNodePrototype::setValue(const QString &name, double value) const
-{
-    RyFloatProperty *property = this->value(name);
-    if (!property)
-        return;
-    if (!std::isfinite(value)) {
-        fail(tr("%1 takes a number.").arg(name));
-        return;
-    }
-    QString error;
-    if (RyNodeLookup::canBecome(*property, float(value), &error))
-        property->adjustValue(float(value));
-    else
-        fail(error);
-}
-
-double RyNodePrototype::getDefaultValue(const QString &name) const
-{
-    const RyFloatProperty *property = value(name);
-    return property ? double(property->getDefaultValue()) : 0.0;
-}
-
 void RyNodePrototype::setDefaultValue(const QString &name, double value) const
 {
     RyFloatProperty *property = this->value(name);
-    if (property && !std::isfinite(value))
-        fail(tr("%1 takes a number.").arg(name));
-    else if (property)
+    if (property && isNumber(name, value))
         property->setDefaultValue(float(value));
 }
 
@@ -327,32 +293,23 @@ void RyNodePrototype::setRotationOrder(const QString &order) const
         fail(tr("\"%1\" is no rotation order; there is XYZ, XZY, YXZ, YZX, ZXY and ZYX.").arg(order));
 }
 
-int RyNodePrototype::getNumVertices() const
-{
-    const RyNode *node = self<RyNode>();
-    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
-    return mesh ? mesh->getNumVertices() : 0;
-}
-
 RyFacetMesh *RyNodePrototype::getMesh() const
 {
     const RyNode *node = self<RyNode>();
     return node ? meshOf(node) : nullptr;
 }
 
+int RyNodePrototype::getNumVertices() const
+{
+    return RyFacetMeshPrototype::numVertices(getMesh());
+}
+
 int RyNodePrototype::getNumFacets() const
 {
-    const RyNode *node = self<RyNode>();
-    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
-    return mesh ? mesh->getNumFacets() : 0;
+    return RyFacetMeshPrototype::numFacets(getMesh());
 }
 
 QStringList RyNodePrototype::getFaceGroupNames() const
 {
-    const RyNode *node = self<RyNode>();
-    const RyFacetMesh *mesh = node ? meshOf(node) : nullptr;
-    QStringList names;
-    for (int i = 0; mesh && i < mesh->getNumFaceGroups(); ++i)
-        names.append(mesh->getFaceGroup(i)->getName());
-    return names;
+    return RyFacetMeshPrototype::faceGroupNames(getMesh());
 }

@@ -2,16 +2,14 @@
 
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/script/prototypes/RyScriptPrototype.h"
-
-class RyFloatProperty;
+#include "rycore/script/prototypes/RyValuesPrototype.h"
 
 /// Nodes in scripts. Values go by the names of the properties: "xrot", "originY".
-class RyNodePrototype : public RyScriptPrototype
+class RyNodePrototype : public RyValuesPrototype
 {
     Q_OBJECT
 public:
-    explicit RyNodePrototype(QObject *parent) : RyScriptPrototype(parent) {}
+    explicit RyNodePrototype(QObject *parent) : RyValuesPrototype(parent) {}
 
     Q_INVOKABLE QString className() const;
     Q_INVOKABLE bool isA(const QString &className) const;
@@ -36,11 +34,6 @@ public:
     Q_INVOKABLE bool isSelected() const;
     Q_INVOKABLE void select(bool onOff) const;
 
-    Q_INVOKABLE QStringList getValueNames() const;
-    Q_INVOKABLE double getValue(const QString &name) const;
-    /// Throws, and changes nothing, where the limits of the value do not let it become `value`.
-    Q_INVOKABLE void setValue(const QString &name, double value) const;
-    Q_INVOKABLE double getDefaultValue(const QString &name) const;
     Q_INVOKABLE void setDefaultValue(const QString &name, double value) const;
 
     /// Lets a value of another node add to one of this node what it is beyond its default. False where it does already;
@@ -70,7 +63,10 @@ public:
     Q_INVOKABLE int getNumFacets() const;
     Q_INVOKABLE QStringList getFaceGroupNames() const;
 
+protected:
+    std::vector<RyFloatProperty *> values() const override;
+    RyFloatProperty *value(const QString &name) const override;
+
 private:
-    RyFloatProperty *value(const QString &name) const;
     RyFloatProperty *valueOf(const RyNode *node, const QString &name) const;
 };

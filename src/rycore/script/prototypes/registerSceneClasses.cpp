@@ -30,11 +30,15 @@ static void add(QScriptEngine *engine, const QScriptValue &prototype)
 
 void ryRegisterSceneClasses(RyScriptEngine *engine)
 {
-    const auto make = [engine](QObject *prototype) {
-        return engine->newQObject(prototype, QScriptEngine::QtOwnership,
-                                  QScriptEngine::ExcludeSuperClassContents | QScriptEngine::ExcludeDeleteLater);
+    const auto make = [engine](QObject *prototype,
+                               QScriptEngine::QObjectWrapOptions hidden = QScriptEngine::ExcludeSuperClassContents) {
+        return engine->newQObject(prototype, QScriptEngine::QtOwnership, hidden | QScriptEngine::ExcludeDeleteLater);
     };
-    const QScriptValue nodes = make(new RyNodePrototype(engine));
+    // What a prototype has from RyValuesPrototype shows as well.
+    const auto makeWithValues = [&make](RyValuesPrototype *prototype) {
+        return make(prototype, QScriptEngine::ExcludeSuperClassProperties);
+    };
+    const QScriptValue nodes = makeWithValues(new RyNodePrototype(engine));
     QScriptValue skeletons = make(new RySkeletonPrototype(engine));
     skeletons.setPrototype(nodes);
     add<RyNode>(engine, nodes);
@@ -49,7 +53,7 @@ void ryRegisterSceneClasses(RyScriptEngine *engine)
     add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
     add<RyLegacyBinding>(engine, make(new RyLegacyBindingPrototype(engine)));
     add<RyLegacyJoint>(engine, make(new RyLegacyJointPrototype(engine)));
-    add<RyLegacyJointParam>(engine, make(new RyLegacyJointParamPrototype(engine)));
+    add<RyLegacyJointParam>(engine, makeWithValues(new RyLegacyJointParamPrototype(engine)));
     add<RyWeightMap>(engine, make(new RyWeightMapPrototype(engine)));
     engine->globalObject().setProperty(QStringLiteral("Undo"), make(new RyUndoScripting(engine)));
     engine->globalObject().setProperty(QStringLiteral("RestorePoints"), make(new RyRestoreScripting(engine)));
