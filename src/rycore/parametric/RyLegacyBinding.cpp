@@ -142,6 +142,31 @@ std::vector<const RyElement *> RyLegacyBinding::parts() const
     return parts;
 }
 
+std::vector<RyNode *> RyLegacyBinding::bones() const
+{
+    const RySkeleton *figure = getFigure();
+    return figure ? RyLegacyRig::bonesOf(this, *figure) : std::vector<RyNode *>();
+}
+
+RyVertexBones RyLegacyBinding::vertexBones(int vertexCount) const
+{
+    RyVertexBones lowest = RyModifier::vertexBones(vertexCount);
+    if (m_deformer.getNumVertices() != vertexCount || m_deformer.rig().bones.size() != bones().size())
+        return lowest;
+    for (int vertex = 0; vertex < vertexCount; ++vertex)
+        lowest.bones[size_t(vertex)] = m_deformer.leader(vertex);
+    lowest.weights.assign(size_t(vertexCount), 1);
+    return lowest;
+}
+
+std::vector<quint64> RyLegacyBinding::vertexBonesKey() const
+{
+    std::vector<quint64> key{quint64(m_deformer.groupBuilds())};
+    for (const RyNode *bone : bones())
+        key.push_back(quint64(quintptr(bone)));
+    return key;
+}
+
 RyElement *RyLegacyBinding::doDuplicateElement(RyElementDuplicateContext *context)
 {
     if (!context)

@@ -50,6 +50,11 @@ public:
     /// What `deform` works with, with counters of what it did; as of its last call.
     const RyLegacyDeformer &deformer() const { return m_deformer; }
     std::vector<const RyElement *> parts() const override;
+    /// See RyLegacyRig::bonesOf; none without a figure.
+    std::vector<RyNode *> bones() const override;
+    /// The lowest one that a vertex follows by half or more.
+    RyVertexBones vertexBones(int vertexCount) const override;
+    std::vector<quint64> vertexBonesKey() const override;
 
     /// With its joints, on no object. Their bones and drivers are those of the duplicates once these are resolved.
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;

@@ -5,8 +5,16 @@
 
 #include <vector>
 
+class RyNode;
 class RyObject;
 struct RyShapePoints;
+
+/// Of each vertex the bone that a click on it means.
+struct RyVertexBones
+{
+    std::vector<int> bones;   // places in `RyModifier::bones`, -1 for none
+    std::vector<int> weights; // how much that one counts where the corners of a facet differ
+};
 
 /// What deforms an object's shape: a slot that skins and parametric joints fill.
 class RyModifier : public RyElement, public RyRefCountedItem
@@ -21,6 +29,16 @@ public:
     virtual bool deform(RyShapePoints &points) = 0;
     /// What belongs to it and has properties of its own.
     virtual std::vector<const RyElement *> parts() const { return {}; }
+
+    /// The bones by which it moves vertices, null for those that are gone; none where it moves them by other means.
+    virtual std::vector<RyNode *> bones() const { return {}; }
+    /// Of so many vertices, as of the last `deform`.
+    virtual RyVertexBones vertexBones(int vertexCount) const
+    {
+        return {std::vector<int>(size_t(vertexCount), -1), std::vector<int>(size_t(vertexCount), 0)};
+    }
+    /// Differs from an earlier one where `vertexBones` may.
+    virtual std::vector<quint64> vertexBonesKey() const { return {}; }
 
 signals:
     /// What it does to a shape changed.

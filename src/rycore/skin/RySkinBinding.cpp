@@ -312,3 +312,44 @@ std::vector<const RyElement *> RySkinBinding::parts() const
     }
     return parts;
 }
+
+std::vector<RyNode *> RySkinBinding::bones() const
+{
+    std::vector<RyNode *> bones;
+    for (const RyBoneBinding *binding : m_bindings)
+        bones.push_back(binding->getBone());
+    return bones;
+}
+
+RyVertexBones RySkinBinding::vertexBones(int vertexCount) const
+{
+    RyVertexBones strongest = RyModifier::vertexBones(vertexCount);
+    for (size_t bone = 0; bone < m_bindings.size(); ++bone) {
+        const RyBoneBinding *binding = m_bindings[bone];
+        std::vector<const RyWeightMap *> maps{binding->getWeights()};
+        if (!maps[0])
+            maps = {binding->getLocalWeights(0), binding->getLocalWeights(1), binding->getLocalWeights(2)};
+        for (const RyWeightMap *map : maps) {
+            if (!map || map->getNumWeights() != vertexCount)
+                continue;
+            const int *indices = map->getAffectedIndices();
+            const quint16 *weights = map->getAffectedWeights();
+            for (int i = 0; i < map->getNumAffected(); ++i) {
+                const auto vertex = size_t(indices[i]);
+                if (weights[i] > strongest.weights[vertex]) {
+                    strongest.weights[vertex] = weights[i];
+                    strongest.bones[vertex] = int(bone);
+                }
+            }
+        }
+    }
+    return strongest;
+}
+
+std::vector<quint64> RySkinBinding::vertexBonesKey() const
+{
+    std::vector<quint64> key = weightsKey();
+    for (const RyBoneBinding *binding : m_bindings)
+        key.push_back(quint64(quintptr(binding)));
+    return key;
+}

@@ -78,6 +78,11 @@ public:
     /// False when a map is for another number of vertices.
     bool deform(RyShapePoints &points) override;
     std::vector<const RyElement *> parts() const override;
+    /// Of each binding, in their order.
+    std::vector<RyNode *> bones() const override;
+    /// The strongest one.
+    RyVertexBones vertexBones(int vertexCount) const override;
+    std::vector<quint64> vertexBonesKey() const override;
     /// The flat arrays behind `deform`, with counters of what it did.
     const RySkinDeformer &deformer() const { return m_deformer; }
 

@@ -1,11 +1,10 @@
 #include "rycore/viewport/picking/RyFacetOwners.h"
 
 #include "rycore/mesh/RyFacetMesh.h"
-#include "rycore/parametric/RyLegacyBinding.h"
-#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyModifier.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
 
@@ -57,108 +56,50 @@ std::vector<int> RyFacetOwners::facetsOf(const RyNode *owner) const
     return facets;
 }
 
-std::vector<quint64> RyFacetOwners::weightsKey(const RySkinBinding &skin) const
+std::vector<quint64> RyFacetOwners::keyOf(const RyModifier &modifier) const
 {
-    std::vector<quint64> key{quint64(m_mesh->getNumFacets()), quint64(m_mesh->getNumVertices())};
-    for (const RyBoneBinding *binding : skin.bindings()) {
-        key.push_back(quint64(quintptr(binding)));
-        key.push_back(binding->revision());
-        for (const RyWeightMap *map : binding->getAllWeightMaps())
-            key.push_back(map->revision());
-    }
-    return key;
-}
-
-std::vector<quint64> RyFacetOwners::weightsKey(const RyLegacyBinding &binding) const
-{
-    std::vector<quint64> key{quint64(m_mesh->getNumFacets()), quint64(quintptr(&binding)),
-                             quint64(binding.deformer().groupBuilds())};
-    for (const QPointer<RyNode> &bone : m_owners)
-        key.push_back(quint64(quintptr(bone.data())));
+    std::vector<quint64> key = modifier.vertexBonesKey();
+    for (const quint64 part :
+         {quint64(quintptr(&modifier)), quint64(m_mesh->getNumFacets()), quint64(m_mesh->getNumVertices())})
+        key.push_back(part);
     return key;
 }
 
 void RyFacetOwners::assignBones()
 {
-    const auto *skeleton = qobject_cast<const RySkeleton *>(m_node.data());
-    const auto assign = [this](const auto &modifier) {
-        std::vector<quint64> key = weightsKey(modifier);
-        if (key == m_weightsKey)
-            return;
-        m_weightsKey = std::move(key);
-        assignFacets(ownersOf(modifier));
-    };
-    if (const RySkinBinding *skin = RySkinBinding::findSkin(skeleton)) {
-        for (const RyBoneBinding *binding : skin->bindings())
-            m_owners.emplace_back(binding->getBone());
-        assign(*skin);
-    } else if (const RyLegacyBinding *binding = RyLegacyBinding::findBinding(skeleton)) {
-        for (RyNode *bone : RyLegacyRig::bonesOf(binding, *skeleton))
-            m_owners.emplace_back(bone);
-        assign(*binding);
-    } else {
-        m_weightsKey.clear();
-        m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);
+    const bool isFigure = qobject_cast<const RySkeleton *>(m_node.data()) && m_node->getObject();
+    for (const RyModifier *modifier : isFigure ? m_node->getObject()->getModifiers() : std::vector<RyModifier *>()) {
+        const std::vector<RyNode *> bones = modifier->bones();
+        if (bones.empty())
+            continue;
+        m_owners.insert(m_owners.end(), bones.begin(), bones.end());
+        std::vector<quint64> key = keyOf(*modifier);
+        if (key != m_bonesKey)
+            assignFacets(modifier->vertexBones(m_mesh->getNumVertices()));
+        m_bonesKey = std::move(key);
+        return;
     }
+    m_bonesKey.clear();
+    m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);
 }
 
-/// The strongest binding of each vertex.
-RyFacetOwners::VertexOwners RyFacetOwners::ownersOf(const RySkinBinding &skin) const
-{
-    const auto vertexCount = size_t(m_mesh->getNumVertices());
-    VertexOwners vertices{std::vector<int>(vertexCount, 0), std::vector<int>(vertexCount, 0)};
-    int owner = 0;
-    for (const RyBoneBinding *binding : skin.bindings()) {
-        ++owner;
-        std::vector<const RyWeightMap *> maps{binding->getWeights()};
-        if (!maps[0])
-            maps = {binding->getLocalWeights(0), binding->getLocalWeights(1), binding->getLocalWeights(2)};
-        for (const RyWeightMap *map : maps) {
-            if (!map || map->getNumWeights() != int(vertexCount))
-                continue;
-            const int *indices = map->getAffectedIndices();
-            const quint16 *weights = map->getAffectedWeights();
-            for (int i = 0; i < map->getNumAffected(); ++i) {
-                const auto vertex = size_t(indices[i]);
-                if (weights[i] > vertices.weights[vertex]) {
-                    vertices.weights[vertex] = weights[i];
-                    vertices.places[vertex] = owner;
-                }
-            }
-        }
-    }
-    return vertices;
-}
-
-RyFacetOwners::VertexOwners RyFacetOwners::ownersOf(const RyLegacyBinding &binding) const
-{
-    const auto vertexCount = size_t(m_mesh->getNumVertices());
-    VertexOwners vertices{std::vector<int>(vertexCount, 0), std::vector<int>(vertexCount, 1)};
-    const RyLegacyDeformer &deformer = binding.deformer();
-    if (deformer.getNumVertices() != int(vertexCount) || deformer.rig().bones.size() + 1 != m_owners.size())
-        return vertices;
-    for (size_t vertex = 0; vertex < vertexCount; ++vertex)
-        vertices.places[vertex] = deformer.leader(int(vertex)) + 1;
-    return vertices;
-}
-
-/// Of the owners of its corners a facet goes to the one with the most weight on it.
-void RyFacetOwners::assignFacets(const VertexOwners &vertices)
+/// Of the bones of its corners a facet goes to the one with the most weight on it.
+void RyFacetOwners::assignFacets(const RyVertexBones &vertices)
 {
     m_boneOfFacet.assign(size_t(m_mesh->getNumFacets()), 0);
     for (size_t f = 0; f < m_boneOfFacet.size(); ++f) {
         const RyFacet &facet = m_mesh->getFacet(int(f));
         int bestSum = -1;
         for (int corner = 0; corner < facet.count(); ++corner) {
-            const int candidate = vertices.places[size_t(facet.vertices[corner])];
+            const int candidate = vertices.bones[size_t(facet.vertices[corner])];
             int sum = 0;
             for (int other = 0; other < facet.count(); ++other) {
                 const auto vertex = size_t(facet.vertices[other]);
-                sum += vertices.places[vertex] == candidate ? vertices.weights[vertex] : 0;
+                sum += vertices.bones[vertex] == candidate ? vertices.weights[vertex] : 0;
             }
             if (sum > bestSum) {
                 bestSum = sum;
-                m_boneOfFacet[f] = candidate;
+                m_boneOfFacet[f] = candidate + 1; // behind the node itself
             }
         }
     }

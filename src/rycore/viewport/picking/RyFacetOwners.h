@@ -5,13 +5,12 @@
 #include <vector>
 
 class RyFacetMesh;
-class RyLegacyBinding;
+class RyModifier;
 class RyNode;
-class RySkinBinding;
+struct RyVertexBones;
 
 /// Which node each facet of a mesh stands for when it is pointed at: for a figure the node paired with the facet's
-/// group in the selection map, else the bone that weighs most on its vertices, of a parametric figure the lowest one
-/// that moves them; for other nodes the node itself.
+/// group in the selection map, else the bone that the modifier names for its vertices; for other nodes the node itself.
 class RyFacetOwners
 {
 public:
@@ -22,24 +21,15 @@ public:
     std::vector<int> facetsOf(const RyNode *owner) const;
 
 private:
-    /// For each vertex a place in `m_owners` and a weight.
-    struct VertexOwners
-    {
-        std::vector<int> places;
-        std::vector<int> weights;
-    };
-    std::vector<quint64> weightsKey(const RySkinBinding &skin) const;
-    std::vector<quint64> weightsKey(const RyLegacyBinding &binding) const;
-    VertexOwners ownersOf(const RySkinBinding &skin) const;
-    VertexOwners ownersOf(const RyLegacyBinding &binding) const;
+    std::vector<quint64> keyOf(const RyModifier &modifier) const;
     void assignBones();
-    void assignFacets(const VertexOwners &vertices);
+    void assignFacets(const RyVertexBones &vertices);
 
     quint64 m_revision = 0;
     QPointer<RyNode> m_node;
     QPointer<RyFacetMesh> m_mesh;
     std::vector<QPointer<RyNode>> m_owners; // index 0: the node itself
     std::vector<int> m_ownerOfFacet;        // index into m_owners
-    std::vector<quint64> m_weightsKey;      // what the next one was made from
-    std::vector<int> m_boneOfFacet;         // by weights alone
+    std::vector<quint64> m_bonesKey;        // what the next one was made from
+    std::vector<int> m_boneOfFacet;         // by the modifier alone
 };
