@@ -13,6 +13,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyRandom.h"
 #include "support/RyTest.h"
+#include "support/checkUndo.h"
 
 #include <QTemporaryDir>
 
@@ -222,12 +223,7 @@ void PolygonsTest::inTheDump()
         mesh.setFacets(facets, {polygons[1]});
         hold.accept(QStringLiteral("Cut"));
     }
-    const QString cut = rySceneDump(scene);
-    QVERIFY(cut != whole);
-    ryUndoStack()->undo();
-    QCOMPARE(rySceneDump(scene), whole);
-    ryUndoStack()->redo();
-    QCOMPARE(rySceneDump(scene), cut);
+    checkLastStep(whole, scene);
     ryUndoStack()->undo();
 
     const auto facetsLine = [&scene] { return rySceneDump(scene).split(QLatin1Char('\n')).filter(" facets ").front(); };

@@ -8,8 +8,8 @@
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacySmoothScale.h"
 #include "rycore/parametric/RyLegacyTwistParam.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyNear.h"
+#include "support/checkUndo.h"
 
 #include <random>
 
@@ -361,16 +361,7 @@ private slots:
         scene.makeJoints();
         std::mt19937 random(ryTestSeed());
         workOn(scene.joint(scene.lHand), random);
-        const QString before = rySceneDump(*ryScene());
-        RyUndoStackHold hold;
-        RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 0);
-        hold.accept(QStringLiteral("Mirror"));
-        const QString after = rySceneDump(*ryScene());
-        QVERIFY(after != before);
-        ryUndoStack()->undo();
-        QCOMPARE(rySceneDump(*ryScene()), before);
-        ryUndoStack()->redo();
-        QCOMPARE(rySceneDump(*ryScene()), after);
+        checkUndoInHold([&] { RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 0); });
     }
 };
 

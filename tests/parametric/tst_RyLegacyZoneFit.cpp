@@ -8,8 +8,8 @@
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacySmoothScale.h"
 #include "rycore/parametric/RyLegacyTwistParam.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyNear.h"
+#include "support/checkUndo.h"
 
 namespace {
 
@@ -180,16 +180,7 @@ private slots:
         ParametricScene scene;
         scene.makeUntidy();
         scene.makeJoints();
-        const QString before = rySceneDump(*ryScene());
-        RyUndoStackHold hold;
-        RyLegacyZoneFit::fit(scene.rArm);
-        hold.accept(QStringLiteral("Fit"));
-        const QString after = rySceneDump(*ryScene());
-        QVERIFY(after != before);
-        ryUndoStack()->undo();
-        QCOMPARE(rySceneDump(*ryScene()), before);
-        ryUndoStack()->redo();
-        QCOMPARE(rySceneDump(*ryScene()), after);
+        checkUndoInHold([&] { QVERIFY(RyLegacyZoneFit::fit(scene.rArm)); });
     }
 };
 

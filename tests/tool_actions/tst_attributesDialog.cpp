@@ -1,7 +1,6 @@
 #include "support/RyTest.h"
 
 #include "RyFilledAttributesDialog.h"
-#include "checkUndoInHold.h"
 
 #include "tool/RyWindowScene.h"
 
@@ -9,6 +8,7 @@
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "support/checkUndo.h"
 
 #include <QCheckBox>
 #include <QDoubleSpinBox>

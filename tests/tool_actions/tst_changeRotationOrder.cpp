@@ -1,13 +1,13 @@
 #include "support/RyTest.h"
 
 #include "RyParametricToolScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/changeRotationOrder.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJERotationOrderActions.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyCurve.h"
 #include "rycore/parametric/RyLegacySmoothScale.h"
+#include "support/checkUndo.h"
 
 #include <QStatusBar>
 

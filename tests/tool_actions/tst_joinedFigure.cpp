@@ -2,7 +2,6 @@
 
 #include "RyFilledBoneDialog.h"
 #include "RyParametricToolScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
 #include "rycore/io/RySceneFile.h"
@@ -10,6 +9,7 @@
 #include "rycore/parametric/RyLegacyRig.h"
 #include "rycore/parametric/fit/RyLegacyFit.h"
 #include "support/RyNear.h"
+#include "support/checkUndo.h"
 
 namespace {
 

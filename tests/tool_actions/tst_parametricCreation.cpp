@@ -2,7 +2,6 @@
 
 #include "RyFilledBoneDialog.h"
 #include "RyParametricToolScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/createBoneAtClick.h"
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
@@ -11,6 +10,7 @@
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "support/RyNear.h"
+#include "support/checkUndo.h"
 
 /// New bones of parametric figures.
 class RyParametricCreationTest : public QObject

@@ -1,7 +1,6 @@
 #include "support/RyTest.h"
 
 #include "RyParametricToolScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
@@ -9,6 +8,7 @@
 #include "rycore/parametric/RyLegacySmoothScale.h"
 #include "rycore/parametric/RyLegacyTwistParam.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+#include "support/checkUndo.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 #include "support/RyTest.h"
 
 #include "RySkinnedScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/createSiblingBone.h"
 #include "pluginsource/RyJointTools/operations/splitBone.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "support/checkUndo.h"
 
 #include <array>
 

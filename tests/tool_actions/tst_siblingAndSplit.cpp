@@ -2,7 +2,6 @@
 
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
-#include "checkUndoInHold.h"
 
 #include "pluginsource/RyJointTools/operations/bindBone.h"
 #include "pluginsource/RyJointTools/operations/createSiblingBone.h"
@@ -10,6 +9,7 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
+#include "support/checkUndo.h"
 
 #include <QSignalSpy>
 #include <QStatusBar>

@@ -7,6 +7,17 @@
 
 #include <QtTest>
 
+/// The last step takes back all that was done since the dump `before`, and brings it again.
+inline void checkLastStep(const QString &before, const RyScene &scene = *ryScene())
+{
+    const QString after = rySceneDump(scene);
+    QVERIFY(after != before);
+    ryUndoStack()->undo();
+    QCOMPARE(rySceneDump(scene), before);
+    ryUndoStack()->redo();
+    QCOMPARE(rySceneDump(scene), after);
+}
+
 /// Runs an edit that opens no hold of its own within the hold of somebody else: one step takes all of it back and
 /// brings it again.
 template<typename Edit>
@@ -16,10 +27,5 @@ void checkUndoInHold(const Edit &edit)
     RyUndoStackHold hold;
     edit();
     hold.accept(QStringLiteral("Around it"));
-    const QString after = rySceneDump(*ryScene());
-    QVERIFY(after != before);
-    ryUndoStack()->undo();
-    QCOMPARE(rySceneDump(*ryScene()), before);
-    ryUndoStack()->redo();
-    QCOMPARE(rySceneDump(*ryScene()), after);
+    checkLastStep(before);
 }
