@@ -1,10 +1,12 @@
 #include "FigureScene.h"
+#include "addProp.h"
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyNear.h"
 #include "support/RyTest.h"
+#include "support/checkUndo.h"
 
 namespace {
 
@@ -32,23 +34,13 @@ bool areNear(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
 
 RyNode *makeProp(RyNode *parent, int vertices = 3)
 {
-    auto *prop = new RyNode;
-    prop->setName(QStringLiteral("box"));
-    prop->setLabel(QStringLiteral("A Box"));
     auto *mesh = new RyFacetMesh;
     std::vector<RyVec3> positions;
     for (int i = 0; i < vertices; ++i)
         positions.push_back({float(i % 3), float(i % 7) + 1, float(i % 5)});
     mesh->setPositions(positions);
-    auto *object = new RyObject;
-    object->addShape(new RyFacetShape(mesh));
-    prop->setObject(object);
-    prop->getXTransControl()->setValue(3);
-    prop->getYRotControl()->setValue(40);
-    prop->getZScaleControl()->setValue(2);
-    if (parent)
-        parent->addNodeChild(prop);
-    ryScene()->addNode(prop);
+    RyNode *prop = addProp(QStringLiteral("box"), mesh, parent);
+    prop->setLabel(QStringLiteral("A Box"));
     return prop;
 }
 
@@ -165,11 +157,7 @@ private slots:
         QVERIFY(figure->getSkinBinding()->findBoneBinding(bone));
         QCOMPARE(scene.figure->getSelectionMap()->findGroupForNode(bone), QString("ring"));
         QVERIFY(areNear(shown(figure), before));
-        const QString converted = rySceneDump(*ryScene());
-        ryUndoStack()->undo();
-        QCOMPARE(rySceneDump(*ryScene()), dump);
-        ryUndoStack()->redo();
-        QCOMPARE(rySceneDump(*ryScene()), converted);
+        checkLastStep(dump);
 
         // It follows the hand as the prop did.
         const RyVec3 old = shown(figure)[1];

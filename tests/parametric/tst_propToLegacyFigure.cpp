@@ -3,19 +3,18 @@
 #include "ParametricScene.h"
 #include "paramTexts.h"
 
+#include "figure/addProp.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyNear.h"
+#include "support/checkUndo.h"
 
 namespace {
 
 /// A quad of its own, in as many face groups.
 RyNode *makeProp(RyNode *parent, const QStringList &groups)
 {
-    auto *prop = new RyNode;
-    prop->setName(QStringLiteral("ring"));
     auto *mesh = new RyFacetMesh;
     mesh->setPositions({{1, 2, 3}, {5, 2, 3}, {5, 9, 4}, {1, 9, 4}});
     mesh->setFacets({{{0, 1, 2, 3}, -1}});
@@ -23,15 +22,7 @@ RyNode *makeProp(RyNode *parent, const QStringList &groups)
         mesh->createFaceGroup(group);
     if (!groups.isEmpty())
         mesh->setGroupsOfFacets({0});
-    auto *object = new RyObject;
-    object->addShape(new RyFacetShape(mesh));
-    prop->setObject(object);
-    prop->getXTransControl()->setValue(3);
-    prop->getYRotControl()->setValue(40);
-    prop->getZScaleControl()->setValue(2);
-    if (parent)
-        parent->addNodeChild(prop);
-    ryScene()->addNode(prop);
+    RyNode *prop = addProp(QStringLiteral("ring"), mesh, parent);
     ryUndoStack()->clearAll();
     return prop;
 }
@@ -135,11 +126,7 @@ private slots:
         QCOMPARE(int(binding->findJoint(bone)->params().size()), 3);
         QCOMPARE(figure->getSelectionMap()->findGroupForNode(bone), QStringLiteral("gold"));
         QVERIFY(ryIsNear(bone->worldMap().mapPoint({5, 9, 4}), place.mapPoint({5, 9, 4}), 1e-3f));
-        const QString after = wholeDump();
-        ryUndoStack()->undo();
-        QCOMPARE(wholeDump(), before);
-        ryUndoStack()->redo();
-        QCOMPARE(wholeDump(), after);
+        checkLastStep(before);
     }
 
     void mayNotJoinAWeightMappedSkeleton()
