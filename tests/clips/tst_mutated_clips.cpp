@@ -180,10 +180,7 @@ QString MutatedClipsTest::writeMutated(bool damaged)
     FileMutator mutator(bytesOf(sketch.write(path)), m_random);
     for (size_t i = below(3); i > 0; --i)
         mutator.mutateBelow(json::json_pointer("/animations"));
-    QFile file(path);
-    const QByteArray bytes = mutator.bytes(damaged);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        throw std::runtime_error("cannot write the file of the test");
+    mutator.write(path, damaged);
     return path;
 }
 

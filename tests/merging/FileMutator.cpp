@@ -1,8 +1,10 @@
 #include "FileMutator.h"
 
+#include <QFile>
 #include <QtEndian>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 
@@ -77,6 +79,14 @@ QByteArray FileMutator::bytes(bool damaged)
             *digit = char('0' + below(10));
     }
     return file;
+}
+
+void FileMutator::write(const QString &path, bool damaged)
+{
+    QFile file(path);
+    const QByteArray written = bytes(damaged);
+    if (!file.open(QIODevice::WriteOnly) || file.write(written) != written.size())
+        throw std::runtime_error("cannot write the file of the test");
 }
 
 /// One of all values, of those below one entry at the top, or of those below our key.

@@ -20,6 +20,8 @@ public:
     void mutateBelow(const nlohmann::json::json_pointer &place);
     /// The file with a few of its bytes changed when `damaged`.
     QByteArray bytes(bool damaged);
+    /// Those into a file.
+    void write(const QString &path, bool damaged);
 
 private:
     using Json = nlohmann::json;

@@ -132,10 +132,7 @@ QString MutatedMorphsTest::writeMutated(bool damaged)
     FileMutator mutator(bytesOf(file.sketch.write(path)), m_random);
     for (size_t i = below(2); i > 0; --i)
         mutator.mutateBelow(json::json_pointer("/meshes"));
-    QFile out(path);
-    const QByteArray bytes = mutator.bytes(damaged);
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
-        throw std::runtime_error("cannot write the file of the test");
+    mutator.write(path, damaged);
     return path;
 }
 

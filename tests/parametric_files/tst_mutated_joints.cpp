@@ -34,7 +34,6 @@ private:
 
     size_t below(size_t limit) { return m_random() % std::max(limit, size_t(1)); }
     void spoil(json &tree);
-    QString write(const QByteArray &bytes);
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
 
     std::mt19937 m_random;
@@ -117,14 +116,6 @@ void MutatedJointsTest::spoil(json &tree)
     }
 }
 
-QString MutatedJointsTest::write(const QByteArray &bytes)
-{
-    QFile out(path("mutated.gltf"));
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size())
-        throw std::runtime_error("cannot write the file of the test");
-    return out.fileName();
-}
-
 void MutatedJointsTest::files()
 {
     QFETCH(unsigned, number);
@@ -135,7 +126,8 @@ void MutatedJointsTest::files()
     FileMutator mutator(QByteArray::fromStdString(tree.dump()), m_random);
     for (size_t i = below(3); i > 0; --i)
         mutator.mutateBelow(json::json_pointer("/extras/RYHOST_rigging/figures"));
-    const QString mutated = write(mutator.bytes(below(8) == 0));
+    const QString mutated = path("mutated.gltf");
+    mutator.write(mutated, below(8) == 0);
     RyScene scene;
     QString error;
     if (!RySceneFile::open(&scene, mutated, &error)) {
