@@ -14,6 +14,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyTest.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 constexpr double Near = 2e-5; // of the height
@@ -66,6 +67,14 @@ public:
         if (!RySceneFile::save(&scene, to, &error))
             throw std::runtime_error(error.toStdString());
         return to;
+    }
+    /// What `saved` opened as shows what the file says, is told as what was saved, and is saved as the same bytes.
+    void checkReopened(CharacterScene &again, const QString &saved, const QString &dump)
+    {
+        QVERIFY2(apart(again) < Near, qPrintable(QString::number(apart(again))));
+        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+        const QString ending = QFileInfo(saved).suffix();
+        QCOMPARE(bytesOf(save(again.scene, qPrintable("second." + ending))), bytesOf(saved));
     }
     /// Bind matrices that place the joints at two places: the rest is the node pose then.
     void useTwoBinds()

@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/figure/RyFigure.h"
+#include "support/checkUndo.h"
 
 using nlohmann::json;
 
@@ -37,9 +38,7 @@ private slots:
         const auto shown = figure->getObject()->getDeformedPositions();
         const QString saved = stage.save(character.scene, "converted.glb");
         CharacterScene again(saved);
-        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
-        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
-        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
+        stage.checkReopened(again, saved, dump);
     }
 
     /// Primitives of two meshes, with different targets, become one mesh.
@@ -54,23 +53,16 @@ private slots:
         QVERIFY(prop);
         QCOMPARE(stage.morphsOf(*prop).size(), stage.file.figureMorphs.size());
         const QString dump = rySceneDump(character.scene);
-        ryUndoStack()->undo();
-        QCOMPARE(rySceneDump(character.scene), before);
-        ryUndoStack()->redo();
-        QCOMPARE(rySceneDump(character.scene), dump);
-        const QString saved = stage.folder.filePath("statue.glb");
-        QString error;
-        QVERIFY2(RySceneFile::save(&character.scene, saved, &error), qPrintable(error));
+        checkLastStep(before, character.scene);
+        const QString saved = stage.save(character.scene, "statue.glb");
         CharacterScene again(saved);
         stage.nodeCalled(again.scene, "statue")->getObject()->setName(prop->getObject()->getName());
-        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
-        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
+        stage.checkReopened(again, saved, dump);
         for (const json &mesh : again.file.tree()["meshes"]) {
             for (const json &primitive : mesh["primitives"])
                 QCOMPARE(primitive.value("targets", json()).size(),
                          mesh["primitives"][0].value("targets", json()).size());
         }
-        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
     }
 
     /// A mesh without targets gets empty ones then; its primitives stay joined where they share vertices.
@@ -382,13 +374,11 @@ private slots:
         const QString dump = rySceneDump(character.scene);
         const QString saved = stage.save(character.scene, "linked.glb");
         CharacterScene again(saved);
-        QVERIFY(sameDumps(rySceneDump(again.scene), dump));
-        QVERIFY2(stage.apart(again) < Near, qPrintable(QString::number(stage.apart(again))));
+        stage.checkReopened(again, saved, dump);
         const RyFloatProperty *read = stage.morphCalled(*stage.figureOf(again.scene), "shape 6")->getValueControl();
         QCOMPARE(read->getRawValue(), 0.125f);
         QCOMPARE(read->getControllerLinks().size(), size_t(1));
         QCOMPARE(read->getControlledLinks().size(), size_t(1));
-        QCOMPARE(bytesOf(stage.save(again.scene, "second.glb")), bytesOf(saved));
     }
 
     void linksStayWithTheirMorphs()
