@@ -23,12 +23,6 @@ bool splitSimilarity(const Eigen::Matrix3d &linear, double slack, Eigen::Quatern
     return (linear / factor - rotation.toRotationMatrix()).norm() <= slack;
 }
 
-/// Axes that only change places, with signs; false for any other rotation.
-bool isQuarterTurn(const Eigen::Matrix3d &turn)
-{
-    return ((turn.array().abs() - turn.array().abs().round()).abs() < 1e-6).all();
-}
-
 } // namespace
 
 std::optional<RyGltfExactChange> RyGltfExactChange::find(const RyGltfMotion &motion, const Eigen::Affine3d &before,
@@ -68,7 +62,7 @@ bool RyGltfExactChange::findTurn(const RyGltfMotion &motion, const Eigen::Matrix
         m_turn = Eigen::Quaterniond(Eigen::Matrix3d(signs * turn * signs));
         return true;
     }
-    if (!isQuarterTurn(turn))
+    if (!ryGltfIsQuarterTurn(turn))
         return false;
     m_permutation = turn.array().round().abs().matrix().transpose();
     return true;

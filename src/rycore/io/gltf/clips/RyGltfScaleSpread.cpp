@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <limits>
 
+bool ryGltfIsQuarterTurn(const Eigen::Matrix3d &turn)
+{
+    return ((turn.array().abs() - turn.array().abs().round()).abs() < 1e-6).all();
+}
+
 void RyGltfScaleSpread::add(const RyGltfCurve &curve)
 {
     for (size_t i = 0; i < curve.keyCount(); ++i) {

@@ -2,6 +2,9 @@
 
 #include "rycore/io/gltf/clips/RyGltfCurve.h"
 
+/// Axes that only change places, with signs, and so do the factors of a scale; false for any other rotation.
+bool ryGltfIsQuarterTurn(const Eigen::Matrix3d &turn);
+
 /// How far the three factors of a scale differ, over all of its keys.
 class RyGltfScaleSpread
 {

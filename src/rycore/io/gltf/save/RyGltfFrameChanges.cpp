@@ -107,7 +107,7 @@ bool RyGltfFrameChanges::isStretched(const Edit &edit, double slack)
 /// makes the factors change places.
 double RyGltfFrameChanges::scaleSpread(int node, const Eigen::Matrix3d &turn) const
 {
-    if (((turn.array().abs() - turn.array().abs().round()).abs() < 1e-6).all())
+    if (ryGltfIsQuarterTurn(turn))
         return 0.0;
     RyGltfScaleSpread spread;
     spread.add(RyGltfParts::of(m_patch.source.document->model().nodes[size_t(node)].transform).scale);
