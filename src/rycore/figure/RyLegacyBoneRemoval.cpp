@@ -21,11 +21,10 @@ static RyLegacyJointParam *makeSmoothScale(const RyLegacyJoint &own, const RyBon
     return scale;
 }
 
-static bool knows(const RyLegacyBinding &binding, const RyBone *bone)
+static bool isDriver(const RyBone *bone, const RyLegacyBinding &binding)
 {
     return std::any_of(binding.joints().begin(), binding.joints().end(), [bone](const RyLegacyJoint *joint) {
-        return joint->getBone() == bone ||
-               std::any_of(joint->params().begin(), joint->params().end(),
+        return std::any_of(joint->params().begin(), joint->params().end(),
                            [bone](const RyLegacyJointParam *param) { return param->getDriver() == bone; });
     });
 }
@@ -35,13 +34,14 @@ RyLegacyBoneRemoval::RyLegacyBoneRemoval(RyBone *bone) : m_bone(bone)
     for (RyNode *child : bone->nodeChildrenIterator())
         m_children.emplace_back(child);
     std::vector<RySkeleton *> skeletons{bone->getSkeleton()};
-    // The joint of a bone that joined another skeleton is in the figure that came with it.
+    // It may have joined another skeleton or drive parameters of other figures.
     if (const RyScene *scene = bone->getScene())
         skeletons = scene->getSkeletons();
     for (const RySkeleton *skeleton : skeletons) {
         RyLegacyBinding *binding = RyLegacyBinding::findBinding(skeleton);
-        if (binding && knows(*binding, bone))
-            m_places.push_back({RyRef<RyLegacyBinding>(binding), RyRef<RyLegacyJoint>(binding->findJoint(bone))});
+        RyLegacyJoint *joint = binding ? binding->findJoint(bone) : nullptr;
+        if (joint || (binding && isDriver(bone, *binding)))
+            m_places.push_back({RyRef<RyLegacyBinding>(binding), RyRef<RyLegacyJoint>(joint)});
     }
 }
 
