@@ -1,48 +1,23 @@
+#include "ScriptStage.h"
 #include "parametric/ParamArm.h"
 
-#include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyWeightMap.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/script/RyScriptEngine.h"
 #include "support/RyTest.h"
 
 /// What scripts see of parametric figures.
-class LegacyScriptingTest : public QObject
+class LegacyScriptingTest : public QObject, private ScriptStage
 {
     Q_OBJECT
 
     std::unique_ptr<ParamArm> m_arm;
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyScriptEngine> m_engine;
-
-    QScriptValue run(const char *program)
-    {
-        return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
-    }
-    bool holds(const char *program)
-    {
-        const QScriptValue value = run(program);
-        if (m_engine->hasFailed())
-            qWarning("%s", qPrintable(value.toString()));
-        return !m_engine->hasFailed() && value.isBool() && value.toBool();
-    }
-    /// The message of the error that the program ends with.
-    QString errorOf(const char *program)
-    {
-        const QScriptValue value = run(program);
-        return m_engine->hasFailed() ? value.toString() : QStringLiteral("no error");
-    }
 
 private slots:
     void init()
     {
-        RyMessageLog::global().setEcho(false);
+        open();
         m_arm = std::make_unique<ParamArm>(new RyLegacyFigure);
-        m_scene = std::make_unique<RyScene>();
         m_scene->addNode(m_arm->skeleton.get());
-        m_engine = std::make_unique<RyScriptEngine>();
-        m_engine->setGlobalScene(m_scene.get());
         run("var figure = Scene.getSkeletons()[0], binding = figure.getLegacyBinding();"
             "var arm = Scene.find('arm'), elbow = Scene.find('elbow'), hand = Scene.find('hand');"
             "var joint = binding.findJoint(elbow);"
@@ -52,11 +27,8 @@ private slots:
     }
     void cleanup()
     {
-        m_engine.reset();
-        m_scene.reset();
+        close();
         m_arm.reset();
-        ryUndoStack()->clearAll();
-        RyMessageLog::global().setEcho(true);
     }
 
     void figuresBindingsAndJoints()

@@ -1,45 +1,25 @@
-#include "support/RyTest.h"
+#include "ScriptStage.h"
 
-#include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
-#include "rycore/script/RyScriptEngine.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
 
 /// Meshes and face groups as scripts see them: a strip of two quads and a triangle.
-class MeshScriptingTest : public QObject
+class MeshScriptingTest : public QObject, private ScriptStage
 {
     Q_OBJECT
 
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyScriptEngine> m_engine;
     RyFigure *m_figure = nullptr;
     RyFacetMesh *m_mesh = nullptr;
-
-    bool holds(const char *program)
-    {
-        const QScriptValue value = m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
-        if (m_engine->hasFailed())
-            qWarning("%s", qPrintable(value.toString()));
-        return !m_engine->hasFailed() && value.isBool() && value.toBool();
-    }
-    QString errorOf(const char *program)
-    {
-        const QScriptValue value = m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
-        return m_engine->hasFailed() ? value.toString() : QStringLiteral("no error");
-    }
 
 private slots:
     void init()
     {
-        RyMessageLog::global().setEcho(false);
-        ryUndoStack()->clearAll();
-        m_scene = std::make_unique<RyScene>();
+        open();
         m_figure = new RyFigure;
         m_figure->setName("figure");
         for (const char *name : {"hip", "foot"}) {
@@ -63,19 +43,11 @@ private slots:
         prop->setName("empty");
         m_scene->addNode(m_figure);
         m_scene->addNode(prop);
-        m_engine = std::make_unique<RyScriptEngine>();
-        m_engine->setGlobalScene(m_scene.get());
         QVERIFY(holds("var figure = Scene.find('figure'), mesh = figure.getMesh(), hip = Scene.find('hip'),"
                       "foot = Scene.find('foot'); true"));
     }
 
-    void cleanup()
-    {
-        m_engine.reset();
-        m_scene.reset();
-        ryUndoStack()->clearAll();
-        RyMessageLog::global().setEcho(true);
-    }
+    void cleanup() { close(); }
 
     void whatItIsMadeOf()
     {

@@ -1,53 +1,30 @@
-#include "support/RyTest.h"
+#include "ScriptStage.h"
 
 #include "player/ToyClip.h"
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/script/RyScript.h"
-#include "rycore/script/RyScriptEngine.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
 
 /// What scripts see of the scene.
-class SceneScriptingTest : public QObject
+class SceneScriptingTest : public QObject, private ScriptStage
 {
     Q_OBJECT
 
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyScriptEngine> m_engine;
     RyFigure *m_figure = nullptr;
     RyBone *m_hip = nullptr;
     RyBone *m_foot = nullptr;
     RyNode *m_prop = nullptr;
 
-    QScriptValue run(const char *program)
-    {
-        return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
-    }
-    bool holds(const char *program)
-    {
-        const QScriptValue value = run(program);
-        return !m_engine->hasFailed() && value.isBool() && value.toBool();
-    }
-    /// The message of the error that the program ends with.
-    QString errorOf(const char *program)
-    {
-        const QScriptValue value = run(program);
-        return m_engine->hasFailed() ? value.toString() : QStringLiteral("no error");
-    }
-
 private slots:
     void init()
     {
-        RyMessageLog::global().setEcho(false);
-        ryUndoStack()->clearAll();
-        m_scene = std::make_unique<RyScene>();
+        open();
         m_figure = new RyFigure;
         m_hip = new RyBone;
         m_foot = new RyBone;
@@ -60,17 +37,9 @@ private slots:
         m_hip->addNodeChild(m_foot);
         m_scene->addNode(m_figure);
         m_scene->addNode(m_prop);
-        m_engine = std::make_unique<RyScriptEngine>();
-        m_engine->setGlobalScene(m_scene.get());
     }
 
-    void cleanup()
-    {
-        m_engine.reset();
-        m_scene.reset();
-        ryUndoStack()->clearAll();
-        RyMessageLog::global().setEcho(true);
-    }
+    void cleanup() { close(); }
 
     void links()
     {

@@ -1,14 +1,11 @@
-#include "support/RyTest.h"
+#include "ScriptStage.h"
 
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/script/RyScriptEngine.h"
-#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
+#include "support/RyTest.h"
 
 #include <QTimer>
 
@@ -31,19 +28,13 @@ private:
 };
 
 /// Steps, restore points and the end of running scripts.
-class UndoScriptingTest : public QObject
+class UndoScriptingTest : public QObject, private ScriptStage
 {
     Q_OBJECT
 
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyScriptEngine> m_engine;
     std::unique_ptr<Commands> m_commands;
     RyNode *m_prop = nullptr;
 
-    QScriptValue run(const char *program)
-    {
-        return m_engine->evaluate(QString::fromUtf8(program), QStringLiteral("test"));
-    }
     QString dump() const { return rySceneDump(*m_scene); }
     static QString lastWarning()
     {
@@ -53,15 +44,10 @@ class UndoScriptingTest : public QObject
 private slots:
     void init()
     {
-        RyMessageLog::global().setEcho(false);
-        RyMessageLog::global().clear();
-        ryUndoStack()->clearAll();
-        m_scene = std::make_unique<RyScene>();
+        open();
         m_prop = new RyNode;
         m_prop->setName(QStringLiteral("prop"));
         m_scene->addNode(m_prop);
-        m_engine = std::make_unique<RyScriptEngine>();
-        m_engine->setGlobalScene(m_scene.get());
         m_commands = std::make_unique<Commands>(m_prop);
         m_engine->setGlobal(QStringLiteral("Commands"), m_commands.get());
         run("var prop = Scene.find('prop'); Undo.step('First', function() { prop.setValue('xrot', 10); });");
@@ -69,11 +55,8 @@ private slots:
     }
     void cleanup()
     {
-        m_engine.reset();
-        m_scene.reset();
-        ryUndoStack()->clearAll();
+        close();
         ryRestorePoints()->setMost(0);
-        RyMessageLog::global().setEcho(true);
     }
 
     void whatThrowsComesBackWhole_data()
