@@ -139,6 +139,15 @@ struct ArmFixture
         bones[0]->getYRotControl()->setValue(20);
     }
 
+    /// The farthest way between the same points of two lists; endless where one of them is longer.
+    static double apart(const std::vector<RyVec3> &a, const std::vector<RyVec3> &b)
+    {
+        double most = a.size() == b.size() ? 0.0 : 1e30;
+        for (size_t i = 0; i < a.size() && i < b.size(); ++i)
+            most = std::max(most, double((a[i] - b[i]).length()));
+        return most;
+    }
+
     const std::vector<RyVec3> &deformed() { return object->getDeformedPositions(); }
     int vertex(int ring, int around) const { return ring * Around + around; }
 
