@@ -1,61 +1,30 @@
-#include "host/WindowStage.h"
+#include "host/MenuStage.h"
 #include "support/RyTest.h"
 
 #include "pointer/PointerDriver.h"
-#include "rycore/automation/RyActionRunner.h"
-#include "rycore/automation/RyDialogDriver.h"
-#include "rycore/base/RyFloatProperty.h"
-#include "rycore/io/RySceneDump.h"
-#include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/RyNode.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 #include "rycore/ui/RyMenu.h"
-#include "rycore/ui/RyViewToolAction.h"
-#include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/restore/RyRestoreSpan.h"
-#include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
-#include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/commands/ActionSearch.h"
-#include "ryhost/commands/HostFiles.h"
 #include "ryhost/commands/menuText.h"
 #include "ryhost/panes/ToolSettingsPane.h"
 
 #include <QActionGroup>
-#include <QLabel>
 #include <QMenuBar>
-#include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
 #include <QToolTip>
-#include <QTreeView>
 
-/// The menus of the program with the joint editor loaded: what stands in them, what they say, and the search over them.
-class HostMenusTest : public QObject, private WindowStage
+/// The menus of the program with the joint editor loaded: what stands in them, and what they say.
+class HostMenusTest : public QObject, private MenuStage
 {
     Q_OBJECT
-public:
-    HostMenusTest() : WindowStage(Plugins::All) {}
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(open());
-        QVERIFY(m_window->getViewportMgr()->findTool(QStringLiteral("RyJointEditorTool")));
-        m_window->resize(1200, 800);
-        m_window->move(0, 0);
-    }
+    void initTestCase() { QVERIFY(openWithTools()); }
     void cleanupTestCase() { close(); }
-    void init()
-    {
-        ryScene()->selectAllNodes(false);
-        ryUndoStack()->clearAll();
-        m_window->statusBar()->clearMessage();
-        QApplication::setActiveWindow(m_window.get());
-        QCoreApplication::processEvents();
-    }
+    void init() { begin(); }
 
     void cleanup() { delete m_window->findChild<QMenu *>(QStringLiteral("ToolMenu")); }
 
@@ -164,38 +133,6 @@ private slots:
         QVERIFY(doesSomething(&toggled));
     }
 
-    void everyActionHasAnEffect_data()
-    {
-        QTest::addColumn<QString>("className");
-        for (const RyAction *action : m_window->getActionMgr()->getActions()) {
-            // What is to come says so and cannot be run.
-            if (action->unavailableReason().startsWith(QLatin1String("Not available yet")))
-                continue;
-            // The sample has no parametric figure; the command's own test has.
-            if (action->objectName() != QLatin1String("RyFitZonesToBoneAction"))
-                QTest::newRow(action->metaObject()->className())
-                    << QString::fromLatin1(action->metaObject()->className());
-        }
-    }
-
-    void everyActionHasAnEffect()
-    {
-        QFETCH(QString, className);
-        const QString figure = ryScene()->getSkeletons().front()->getName();
-        bool isAlive = false;
-        for (const QStringList &selected :
-             {QStringList{QStringLiteral("lForearm")},
-              QStringList{QStringLiteral("lForearm"), QStringLiteral("rForearm")}, QStringList{figure}, QStringList{}})
-            isAlive = isAlive || hasEffect(className, selected);
-        if (qobject_cast<RyViewToolAction *>(m_window->getActionMgr()->findAction(className))) {
-            RyViewportMgr *viewports = m_window->getViewportMgr();
-            viewports->setActiveTool(viewports->findTool(QStringLiteral("RySelectTool")));
-            m_window->getActionMgr()->findAction(className)->trigger();
-            isAlive = viewports->getActiveTool() != viewports->findTool(QStringLiteral("RySelectTool"));
-        }
-        QVERIFY(isAlive);
-    }
-
     void noKeyTwice()
     {
         // Keys that the viewport takes itself.
@@ -245,133 +182,6 @@ private slots:
         QTRY_COMPARE(m_window->statusBar()->currentMessage(), reason);
         context->close();
         QTRY_COMPARE(m_window->statusBar()->currentMessage(), QString());
-    }
-
-    void searchFinds_data()
-    {
-        QTest::addColumn<QString>("first");
-        QTest::newRow("roll") << "Align Node";
-        QTest::newRow("symmetrize") << "Mirror Joints...";
-        QTest::newRow("parent") << "Reparent Bone...";
-        QTest::newRow("add") << "Create Child Bone...";
-        QTest::newRow("new") << "Create Child Bone...";
-        QTest::newRow("extrude") << "Create Child Bone...";
-        QTest::newRow("remove") << "Delete Bone";
-        QTest::newRow("subdivide") << "Split Bone";
-        QTest::newRow("copy") << "Duplicate Bones";
-        QTest::newRow("freeze") << "Memorize Figure Rigging";
-        QTest::newRow("apply rest pose") << "Memorize Figure Rigging";
-        QTest::newRow("reset") << "Restore Figure Rigging";
-        QTest::newRow("euler") << "XYZ";
-        QTest::newRow("rotation mode") << "XYZ";
-        QTest::newRow("Selected Node") << "Selected Node(s) Attributes...";
-        QTest::newRow("further down the bone hierarchy") << "Propagate Translations";
-        QTest::newRow("wirefr") << "Wireframe";
-        QTest::newRow("theme") << "Dark Look";
-    }
-
-    void searchFinds()
-    {
-        QFETCH(QString, first);
-        // As if everything could run: what is disabled otherwise goes last of its kind.
-        QList<RyAction *> disabled;
-        for (RyAction *action : m_window->getActionMgr()->getActions()) {
-            if (!action->isEnabled())
-                disabled.append(action);
-            action->setEnabled(true);
-        }
-        QStringList names;
-        for (const CommandList::Command &command :
-             m_window->actionSearch()->commands().find(QString::fromLatin1(QTest::currentDataTag())))
-            names.append(command.name);
-        for (RyAction *action : disabled)
-            action->setEnabled(false);
-        QVERIFY2(names.mid(0, 5).contains(first), qPrintable(names.join(QStringLiteral(", "))));
-    }
-
-    void searchWithTheKeyboard_data()
-    {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-        QTest::newRow("F3") << int(Qt::Key_F3) << Qt::KeyboardModifiers();
-        QTest::newRow("Ctrl+Shift+P") << int(Qt::Key_P)
-                                      << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
-    }
-
-    void searchWithTheKeyboard()
-    {
-        QFETCH(int, key);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
-        RyNode *forearm = ryScene()->findNode(QStringLiteral("lForearm"));
-        ryScene()->setSelection({forearm});
-        m_window->viewport()->setFocus();
-        forearm->setRotationOrder(RyRotationOrder(0));
-        QTest::keyClick(m_window.get(), Qt::Key(key), modifiers);
-        ActionSearch *search = m_window->actionSearch();
-        QTRY_VERIFY(search->hasFocus());
-        QVERIFY(search->results()->isVisible());
-        const int all = search->results()->model()->rowCount();
-        QVERIFY(all > 50);
-        type(QStringLiteral("rotation order"));
-        QAbstractItemModel *rows = search->results()->model();
-        for (int i = 0; i < 6; ++i)
-            QCOMPARE(rows->index(i, 1).data().toString(), QStringLiteral("Joint Editor > Rotation Order"));
-        QVERIFY(rows->rowCount() < all / 4);
-        press(Qt::Key_Down);
-        press(Qt::Key_Down);
-        QCOMPARE(search->results()->currentIndex().data().toString(), QStringLiteral("YXZ"));
-        QCOMPARE(search->text(), QStringLiteral("rotation order"));
-        QCOMPARE(m_window->statusBar()->currentMessage(),
-                 QStringLiteral("Modifies the rotation order of the selected node."));
-        bool isBack = false;
-        const auto watch = connect(qApp, &QApplication::focusChanged, this,
-                                   [&](QWidget *, QWidget *now) { isBack = isBack || now == m_window->viewport(); });
-        press(Qt::Key_Return);
-        QTRY_COMPARE(forearm->getRotationOrder().order(), 2);
-        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Rotation Order YXZ"));
-        QVERIFY(search->text().isEmpty());
-        QVERIFY(!search->results()->isVisible());
-        // Where no window manager runs, the list that closes may take the keyboard along later.
-        QTRY_VERIFY(isBack);
-        disconnect(watch);
-    }
-
-    void searchShowsWhyNot()
-    {
-        ActionSearch *search = m_window->actionSearch();
-        search->begin();
-        type(QStringLiteral("align all"));
-        const QAbstractItemModel *rows = search->results()->model();
-        QCOMPARE(rows->rowCount(), 1);
-        QCOMPARE(rows->index(0, 0).data().toString(), QStringLiteral("Align All Bones"));
-        QVERIFY(!(rows->flags(rows->index(0, 0)) & Qt::ItemIsEnabled));
-        QCOMPARE(rows->index(0, 1).data().toString(),
-                 QStringLiteral("Joint Editor > Align - Select a bone or a figure first."));
-        press(Qt::Key_Return);
-        QCoreApplication::processEvents();
-        QCOMPARE(m_window->statusBar()->currentMessage(), QStringLiteral("Select a bone or a figure first."));
-        QCOMPARE(ryUndoStack()->count(), 0);
-        QCOMPARE(search->text(), QStringLiteral("align all"));
-        press(Qt::Key_Escape);
-        QVERIFY(search->text().isEmpty());
-        search->begin();
-        type(QStringLiteral("xyzzy"));
-        QCOMPARE(search->results()->model()->index(0, 0).data().toString(), QStringLiteral("No command is called so."));
-        press(Qt::Key_Escape);
-        QVERIFY(!search->results()->isVisible());
-    }
-
-    void searchShowsKeys()
-    {
-        ActionSearch *search = m_window->actionSearch();
-        search->begin();
-        type(QStringLiteral("joint editor"));
-        const QAbstractItemModel *rows = search->results()->model();
-        QCOMPARE(rows->index(0, 0).data().toString(), QStringLiteral("Joint Editor"));
-        QCOMPARE(rows->index(0, 1).data().toString(), QStringLiteral("Tools"));
-        QCOMPARE(rows->index(0, 2).data().toString(),
-                 QKeySequence(QStringLiteral("Alt+Shift+J")).toString(QKeySequence::NativeText));
-        press(Qt::Key_Escape);
     }
 
 private:
@@ -434,41 +244,6 @@ private:
         }
         return listenersOf(entry, SIGNAL(triggered(bool))) > 0;
     }
-    /// Everything that an action may change.
-    QString stateOfAll() const
-    {
-        QStringList state{rySceneDump(*ryScene()), QString::number(ryUndoStack()->count())};
-        for (int i = 0; i < ryUndoStack()->count(); ++i)
-            state.append(ryUndoStack()->caption(i));
-        for (const RyAction *action : m_window->getActionMgr()->getActions())
-            state.append(QString::number(action->isChecked()));
-        for (const QAbstractButton *button : m_window->toolSettingsPane()->findChildren<QAbstractButton *>())
-            state.append(QString::number(button->isChecked()));
-        const RyViewTool *tool = m_window->getViewportMgr()->getActiveTool();
-        state.append(tool ? tool->objectName() : QString());
-        return state.join(QLatin1Char('\n'));
-    }
-    /// Whether it changes something, opens a dialog or says something; everything is as before afterwards.
-    bool hasEffect(const QString &className, const QStringList &selected)
-    {
-        std::vector<RyNode *> nodes;
-        for (const QString &name : selected)
-            nodes.push_back(ryScene()->findNode(name));
-        ryScene()->setSelection(nodes);
-        QCoreApplication::sendPostedEvents();
-        RyRestoreSpan span(RyRestoreSpan::Scope::Work, className);
-        // Posed and moved, for actions that bring the one into the other.
-        RyNode *forearm = ryScene()->findNode(QStringLiteral("lForearm"));
-        forearm->getYRotControl()->setValue(20);
-        forearm->adjustOrigin(forearm->getOrigin() + RyVec3(0, 2, 0));
-        const QString before = stateOfAll();
-        const RyDialogDriver driver;
-        const RyActionResult result = RyActionRunner(m_window->getActionMgr()).run(className, driver);
-        const bool changed = !result.dialogs.empty() || stateOfAll() != before;
-        RyViewportMgr *viewports = m_window->getViewportMgr();
-        viewports->setActiveTool(viewports->findTool(QStringLiteral("RyJointEditorTool")));
-        return span.goBack() && changed;
-    }
     /// Moves the real pointer through the sub-menus to the entry of an action.
     void hover(QMenu *menu, const QString &className)
     {
@@ -491,18 +266,6 @@ private:
         }
         QFAIL("no such entry");
     }
-    /// Keys go to the list while it is open, as a window system would send them.
-    QWidget *keyboard() const
-    {
-        ActionSearch *search = m_window->actionSearch();
-        return search->results()->isVisible() ? static_cast<QWidget *>(search->results()) : search;
-    }
-    void type(const QString &text)
-    {
-        for (const QChar &letter : text)
-            QTest::keyClick(keyboard(), letter.toLatin1());
-    }
-    void press(Qt::Key key) { QTest::keyClick(keyboard(), key); }
 
     PointerDriver m_pointer;
 };
