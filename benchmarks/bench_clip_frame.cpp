@@ -3,6 +3,7 @@
 // here. That both deform and upload once is checked first. --short: a small figure and few turns.
 #include "rycore/viewport/RyGL.h"
 
+#include "RyOffscreenProgram.h"
 #include "RyRoundRobin.h"
 #include "RyTubeFigure.h"
 
@@ -12,18 +13,13 @@
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/viewport/RyCameraController.h"
-#include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
 #include <nlohmann/json.hpp>
 
-#include <QApplication>
 #include <QFile>
 #include <QTemporaryDir>
-
-#include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -157,13 +153,10 @@ QString sourceFile(bool isShort, const QTemporaryDir &folder)
 
 int main(int argc, char **argv)
 {
-    const bool isShort = argc > 1 && std::strcmp(argv[1], "--short") == 0;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (!RyOffscreenContext::instance().makeCurrent()) {
-        std::puts("no OpenGL here");
+    const RyOffscreenProgram program(argc, argv);
+    if (!program.canDraw())
         return 0;
-    }
+    const bool isShort = program.isShort;
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("clip.glb"));
     if (!addClip(sourceFile(isShort, folder), path)) {

@@ -3,6 +3,7 @@
 //
 // Arguments: how many frames are timed (31). With a folder of models in RY_MODELS its mh_large.glb is taken too.
 #include "RyLiteralDrawing.h"
+#include "RyOffscreenProgram.h"
 #include "RyPlainPainter.h"
 #include "RyRoundRobin.h"
 #include "RyTubeFigure.h"
@@ -15,11 +16,9 @@
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyCameraController.h"
 #include "rycore/viewport/RyDrawStyle.h"
-#include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
-#include <QApplication>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -195,19 +194,14 @@ double measure(const char *name, const Model &model, int turns)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    const RyOffscreenProgram program(argc, argv);
     const QTemporaryDir settings;
     RyAppSettings::setSettingsPath(settings.path());
-    const bool isShort = argc > 1 && qstrcmp(argv[1], "--short") == 0;
-    const int turns = isShort ? 2 : argc > 1 ? std::atoi(argv[1]) : 31;
-    if (!RyOffscreenContext::instance().makeCurrent()) {
-        std::puts("no OpenGL here");
+    if (!program.canDraw())
         return 0;
-    }
+    const int turns = program.number(2, 31);
     const double little = measure("few vertices", makeTube(5000), turns);
-    const double much = measure("many vertices", makeTube(isShort ? 20000 : 500000), turns);
+    const double much = measure("many vertices", makeTube(program.isShort ? 20000 : 500000), turns);
     std::printf("dragged joint, many vertices / few: %.2f\n", much / little);
     const Model file = openFile(qEnvironmentVariable("RY_MODELS") + QStringLiteral("/mh_large.glb"));
     if (file.figure)

@@ -3,16 +3,14 @@
 // Argument: how often each way is timed (61), or --short for a few times.
 #include "RyBoneCrowd.h"
 #include "RyLiteralDrawing.h"
+#include "RyOffscreenProgram.h"
 #include "RyRoundRobin.h"
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
 
 #include "rycore/scene/RyCamera.h"
-#include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewMatrices.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
-
-#include <QApplication>
 
 #include <cstdlib>
 
@@ -136,15 +134,10 @@ double measure(const Stage &stage, bool withLinks, int turns)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    const bool isShort = argc > 1 && qstrcmp(argv[1], "--short") == 0;
-    const int turns = isShort ? 3 : argc > 1 ? std::atoi(argv[1]) : 61;
-    if (!RyOffscreenContext::instance().makeCurrent()) {
-        std::printf("no OpenGL here\n");
+    const RyOffscreenProgram program(argc, argv);
+    if (!program.canDraw())
         return 0;
-    }
+    const int turns = program.number(3, 61);
     std::printf("%s, %d x %d\n", reinterpret_cast<const char *>(glGetString(GL_RENDERER)), Width, Height);
     double ratio = 0.0;
     {

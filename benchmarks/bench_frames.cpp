@@ -2,6 +2,7 @@
 // beside the straight road (RyPlainPainter). The pictures of both are compared first.
 //
 // Arguments: --short for a small figure and few turns, or how many vertices.
+#include "RyOffscreenProgram.h"
 #include "RyPlainPainter.h"
 #include "RyRoundRobin.h"
 #include "RyTubeFigure.h"
@@ -9,14 +10,10 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/RyCameraController.h"
-#include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/drawing/RySplitMesh.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
-#include <QApplication>
-
 #include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -127,14 +124,11 @@ double difference(const QImage &a, const QImage &b)
 
 int main(int argc, char **argv)
 {
-    const bool isShort = argc > 1 && std::strcmp(argv[1], "--short") == 0;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
-    if (!RyOffscreenContext::instance().makeCurrent()) {
-        std::puts("no OpenGL here");
+    const RyOffscreenProgram program(argc, argv);
+    if (!program.canDraw())
         return 0;
-    }
-    const int vertices = isShort ? 5000 : argc > 1 ? std::atoi(argv[1]) : 214000;
+    const bool isShort = program.isShort;
+    const int vertices = program.number(5000, 214000);
     const int turns = isShort ? 2 : 15;
     std::printf("%d vertices on %s\n", vertices, reinterpret_cast<const char *>(glGetString(GL_RENDERER)));
     Stage stage(vertices);

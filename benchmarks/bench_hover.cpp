@@ -5,6 +5,7 @@
 // Argument: how many places are timed (61), or --short for a few.
 #include "RyBoneCrowd.h"
 #include "RyLiteralDrawing.h"
+#include "RyOffscreenProgram.h"
 #include "RyRoundRobin.h"
 
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
@@ -13,15 +14,12 @@
 #include "rycore/scene/RyBoneListOrder.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewMatrices.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 
-#include <QApplication>
 #include <QTemporaryDir>
 
-#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -192,18 +190,13 @@ double measure(int bones, int places, bool &isGood)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QApplication application(argc, argv);
+    const RyOffscreenProgram program(argc, argv);
     const QTemporaryDir settings;
     RyAppSettings::setSettingsPath(settings.path());
-    if (!RyOffscreenContext::instance().makeCurrent()) {
-        std::printf("no OpenGL here\n");
+    if (!program.canDraw())
         return 0;
-    }
     std::printf("%s, %d x %d\n", reinterpret_cast<const char *>(glGetString(GL_RENDERER)), Width, Height);
-    const bool isShort = argc > 1 && qstrcmp(argv[1], "--short") == 0;
-    const int places = isShort ? 3 : argc > 1 ? std::atoi(argv[1]) : 61;
+    const int places = program.number(3, 61);
     bool isGood = true;
     for (const int bones : {100, 200, 300, 1000, 2000})
         measure(bones, places, isGood);
