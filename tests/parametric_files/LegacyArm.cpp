@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/io/RySceneDump.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyCurve.h"
@@ -11,8 +12,6 @@
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/undo/RyUndoStack.h"
-
-#include <QTextStream>
 
 #include <cmath>
 
@@ -243,37 +242,13 @@ RyLegacyBinding *LegacyArm::bindingOf(const RyScene &scene)
 
 QString LegacyArm::dump(const RyScene &scene)
 {
-    QString text;
-    QTextStream out(&text);
-    const auto name = [](const QObject *object) { return object ? object->objectName() : QStringLiteral("none"); };
-    const auto writeProperty = [&](const RyFloatProperty &property) {
-        out << "    " << property.getName() << " label " << property.getLabel() << ' ';
-        for (const float number : {property.getRawValue(), property.getValue(), property.getDefaultValue(),
-                                   property.getMin(), property.getMax()})
-            out << QString::number(double(number), 'g', 9) << ' ';
-        out << property.isClamped();
-        for (const RyERCLink *link : property.getControllerLinks())
-            out << " from " << link->getController()->getFullLabel();
-        out << '\n';
-    };
-    for (const RyNode *node : scene.getNodes()) {
-        const RyLegacyBinding *binding = RyLegacyBinding::findBinding(qobject_cast<const RySkeleton *>(node));
-        for (const RyLegacyJoint *joint : binding ? binding->joints() : std::vector<RyLegacyJoint *>()) {
-            out << "joint " << joint->getName() << " label " << joint->getLabel() << " of " << name(joint->getBone())
-                << '\n';
-            for (const RyLegacyJointParam *param : joint->params()) {
-                out << "  param " << param->getName() << " label " << param->getLabel() << " type " << param->type()
-                    << " axis " << param->getAxis() << " flags " << param->flags() << " driver "
-                    << name(param->getDriver()) << '\n';
-                for (const RyLegacyJointSphere *sphere : {param->getDynamicSphere(), param->getStaticSphere()}) {
-                    for (const RyFloatProperty *control : sphere->controls())
-                        writeProperty(*control);
-                }
-                for (const RyFloatProperty *controller : param->controllers())
-                    writeProperty(*controller);
-            }
-        }
+    QString joints;
+    bool isOfJoints = false;
+    for (const QString &line : rySceneDump(scene).split(QLatin1Char('\n'))) {
+        if (!line.startsWith(QLatin1String("    ")))
+            isOfJoints = line.endsWith(QLatin1String("modifier RyLegacyBinding"));
+        else if (isOfJoints)
+            joints += line + QLatin1Char('\n');
     }
-    out.flush();
-    return text;
+    return joints;
 }

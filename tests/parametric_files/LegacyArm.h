@@ -28,7 +28,7 @@ public:
 
     static RyLegacyFigure *figureOf(const RyScene &scene);
     static RyLegacyBinding *bindingOf(const RyScene &scene);
-    /// Everything that joints of the scene's parametric figures say.
+    /// What the dump of a scene says of the joints of parametric figures.
     static QString dump(const RyScene &scene);
 
     static constexpr double Height = 170.0;
