@@ -41,8 +41,13 @@ private slots:
         m_figure->setObject(object);
         auto *prop = new RyNode;
         prop->setName("empty");
-        m_scene->addNode(m_figure);
-        m_scene->addNode(prop);
+        auto *other = new RyFigure;
+        other->setName("other");
+        auto *tail = new RyBone;
+        tail->setName("tail");
+        other->addNodeChild(tail);
+        for (RyNode *node : {static_cast<RyNode *>(m_figure), prop, static_cast<RyNode *>(other)})
+            m_scene->addNode(node);
         QVERIFY(holds("var figure = Scene.find('figure'), mesh = figure.getMesh(), hip = Scene.find('hip'),"
                       "foot = Scene.find('foot'); true"));
     }
@@ -54,7 +59,9 @@ private slots:
         QVERIFY(holds("mesh.getNumVertices() === 7 && mesh.getNumFacets() === 3"));
         QVERIFY(holds("var v = mesh.getVertex(6); v.x === 9 && v.y === 1 && v.z === 0"));
         QVERIFY(holds("mesh.getFacetVertices(1).join() === '2,4,5,3' && mesh.getFacetVertices(2).join() === '4,6,5'"));
-        QVERIFY(holds("Scene.find('empty').getMesh() === null"));
+        QVERIFY(holds("figure.getNumVertices() === 7 && figure.getNumFacets() === 3"));
+        QVERIFY(holds("var empty = Scene.find('empty'); empty.getMesh() === null && empty.getNumVertices() === 0 &&"
+                      "empty.getNumFacets() === 0 && empty.getFaceGroupNames().length === 0"));
         QCOMPARE(errorOf("mesh.getVertex(7)"), QString("Error: There is no vertex 7: the mesh has 7."));
         QCOMPARE(errorOf("mesh.getFacetVertices(-1)"), QString("Error: There is no facet -1: the mesh has 3."));
     }
@@ -63,7 +70,8 @@ private slots:
     {
         QVERIFY(holds("mesh.setFaceGroup('arm', [2, 0]); mesh.getFaceGroup('arm').join() === '0,2'"));
         QVERIFY(holds("mesh.setFaceGroup('leg', [0, 1]); mesh.getFaceGroup('arm').join() === '2' &&"
-                      "mesh.getFaceGroup('leg').join() === '0,1' && mesh.getFaceGroupNames().join() === 'arm,leg'"));
+                      "mesh.getFaceGroup('leg').join() === '0,1' && mesh.getFaceGroupNames().join() === 'arm,leg' &&"
+                      "figure.getFaceGroupNames().join() === 'arm,leg'"));
         QVERIFY(holds("mesh.setFaceGroup('leg', [1]); mesh.getFaceGroup('leg').join() === '1'"));
         QVERIFY(holds("Undo.step('All', function () { mesh.setFaceGroup('arm', [0, 1, 2]); });"
                       "mesh.getFaceGroup('leg').length === 0 && mesh.getFaceGroup('arm').length === 3"));
@@ -102,8 +110,10 @@ private slots:
         QVERIFY(holds("Undo.undo() && figure.getFaceGroup(foot) === 'leg'"));
         QCOMPARE(errorOf("figure.setFaceGroup(foot, 'tail')"),
                  QString("Error: The mesh has no face group called \"tail\"."));
-        QCOMPARE(errorOf("figure.setFaceGroup(null, 'leg')"),
-                 QString("Error: Only a bone of \"figure\" can have a face group of it."));
+        for (const char *bone : {"null", "Scene.find('tail')"}) {
+            const QByteArray program = QByteArray("figure.setFaceGroup(") + bone + ", 'leg')";
+            QCOMPARE(errorOf(program), QString("Error: Only a bone of \"figure\" can have a face group of it."));
+        }
     }
 };
 
