@@ -125,15 +125,21 @@ private:
     std::vector<int> m_groups; // of each facet
 };
 
-void build(const Surface &surface, bool regroup, int threads)
+void build(const Surface &surface, bool regroup)
 {
-    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, size_t(threads));
-    tbb::task_arena arena(threads);
-    arena.execute([&] {
-        RyBindingToSelectionMapBuilder builder;
-        builder.setAllowRegrouping(regroup);
-        allGood = builder.buildSelectionMap(surface.figure()).isSuccess() && allGood;
-    });
+    RyBindingToSelectionMapBuilder builder;
+    builder.setAllowRegrouping(regroup);
+    allGood = builder.buildSelectionMap(surface.figure()).isSuccess() && allGood;
+}
+
+/// Runs what is timed with so many threads of the thread library.
+auto withThreads(int threads)
+{
+    return [threads](const RyRoundRobin::Work &timed) {
+        const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, size_t(threads));
+        tbb::task_arena arena(threads);
+        arena.execute(timed);
+    };
 }
 
 void buildPlainly(const Surface &surface, bool regroup)
@@ -151,7 +157,7 @@ void checkEqual(const Surface &surface, bool regroup)
     const RySelectionState wanted(surface.figure());
     for (const int threads : {1, 2, 4}) {
         surface.reset();
-        build(surface, regroup, threads);
+        withThreads(threads)([&] { build(surface, regroup); });
         const RySelectionState ours(surface.figure());
         if (ours == wanted && !(ours == before))
             continue;
@@ -175,9 +181,10 @@ void compare(const Surface &surface, bool regroup)
     const auto reset = [&] { surface.reset(); };
     const size_t plain = ways.add("plain steps", [&] { buildPlainly(surface, regroup); });
     ways.before(reset);
-    const size_t one = ways.add("ours, one thread", [&] { build(surface, regroup, 1); });
+    const auto ours = [&] { build(surface, regroup); };
+    const size_t one = ways.add("ours, one thread", ours, withThreads(1));
     ways.before(reset);
-    const size_t two = ways.add("ours, two threads", [&] { build(surface, regroup, 2); });
+    const size_t two = ways.add("ours, two threads", ours, withThreads(2));
     ways.before(reset);
     ways.run(isShort ? 1 : 15);
     ways.print();

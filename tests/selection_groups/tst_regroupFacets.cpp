@@ -205,6 +205,26 @@ private slots:
         QCOMPARE(groupsOf(scene), QStringList({"upper:", "lower: 3 4 5", "nothing:", "leg: 0 1 2"}));
     }
 
+    /// Facets with vertices that the mesh does not have weigh by the others.
+    void verticesThatThereAreNot()
+    {
+        for (const bool regroup : {true, false}) {
+            RyGroupedFigure scene;
+            scene.bindColumns(scene.leg, {0, 1, 2, 3, 4, 5, 6}, 100);
+            std::vector<RyFacet> facets = scene.mesh->getFacets();
+            facets[0] = {{15, 1000000, -5, 2}, -1};
+            facets[1] = {{15, 1000000, -5, 2147483647}, -1};
+            scene.mesh->setFacets(facets);
+            scene.mesh->setGroupsOfFacets({0, 1, 2, 2, 2, 2, 2});
+            RyBindingToSelectionMapBuilder builder;
+            builder.setAllowRegrouping(regroup);
+            builder.setMaintainExistingSelectionMappings(false);
+            QCOMPARE(builder.buildSelectionMap(scene.figure).code(), 0);
+            QCOMPARE(scene.pairs(), regroup ? QStringList({"leg leg"}) : QStringList({"upper leg", "nothing leg"}));
+            QCOMPARE(scene.mesh->getFacet(1).group, 1);
+        }
+    }
+
     /// Whoever listens hears of the facets' groups once, beside what he hears of each new group.
     void facetsMoveAtOnce()
     {
