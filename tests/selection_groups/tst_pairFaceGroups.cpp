@@ -144,7 +144,7 @@ private slots:
         scene.bindColumns(scene.arm, {2, 3}, 150);
         RyIndexList &upper = scene.mesh->findFaceGroup("upper")->facets();
         upper.clear();
-        for (const int facet : {-8, -1, 0, 7, 1000000})
+        for (const int facet : {-2000000000, -1, 0, 7, 2000000000})
             upper.append(facet);
         RyIndexList &lower = scene.mesh->findFaceGroup("lower")->facets();
         lower.clear();

@@ -11,9 +11,10 @@ void RyFaceGroupCorners::add(const RyFaceGroup &group, int key)
     const int *members = group.getFacets().getIndicesPtr();
     const int memberCount = group.getFacets().count();
     for (int i = 0; i < memberCount; ++i) {
-        if (members[i] < 0 || size_t(members[i]) >= facets.size())
+        const auto member = size_t(members[i]); // negative ones are beyond all facets
+        if (member >= facets.size())
             continue;
-        const RyFacet &facet = facets[size_t(members[i])];
+        const RyFacet &facet = facets[member];
         const int cornerCount = facet.count();
         for (int corner = 0; corner < cornerCount; ++corner) {
             const auto vertex = size_t(facet.vertices[corner]);
