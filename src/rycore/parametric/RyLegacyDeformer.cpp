@@ -6,6 +6,7 @@
 #include <algorithm>
 
 using Group = RyLegacyGroups::Group;
+using Row = RyLegacyKernels::Row;
 
 void RyLegacyDeformer::setRig(const RyLegacyRig &rig, const std::vector<RyVec3> &rest)
 {
@@ -16,6 +17,7 @@ void RyLegacyDeformer::setRig(const RyLegacyRig &rig, const std::vector<RyVec3> 
     ++m_groupBuilds;
     m_resultValid = false;
     constexpr int RunSize = 256;
+    static_assert(RunSize % RyLegacyKernels::Lanes == 0);
     m_runs.clear();
     for (int g = 0; g < int(m_groups.groups().size()); ++g) {
         const int count = int(m_groups.groups()[size_t(g)].vertices.size());
@@ -89,8 +91,8 @@ std::vector<float> RyLegacyDeformer::weights(int index) const
     return result;
 }
 
-template<class Work>
-void RyLegacyDeformer::forRuns(const std::vector<char> &moved, Work work) const
+void RyLegacyDeformer::moveGroups(const RyLegacyFrame &frame, const std::vector<char> &moved, const Row &points,
+                                  const Row &normals) const
 {
     std::vector<const Run *> runs;
     qint64 count = 0;
@@ -101,8 +103,12 @@ void RyLegacyDeformer::forRuns(const std::vector<char> &moved, Work work) const
         }
     }
     const auto range = [&](size_t begin, size_t end) {
-        for (size_t i = begin; i < end; ++i)
-            work(*runs[i]);
+        RyLegacyMover mover(frame);
+        for (size_t i = begin; i < end; ++i) {
+            mover.move(runs[i]->group, runs[i]->first, runs[i]->count, points, normals);
+            if (normals.in && runs[i]->first == 0)
+                mover.moveFurtherNormals(runs[i]->group, normals);
+        }
     };
     if (count > ThreadedAbove)
         RyParallel::forRanges(runs.size(), 4, range);
@@ -116,15 +122,13 @@ void RyLegacyDeformer::deform(const std::vector<RyVec3> &rest, const std::vector
     out = rest;
     if (rest.size() != m_weights.positions().size())
         return;
-    RyLegacyFrame frame(m_weights, m_groups, controls, false);
+    const RyLegacyFrame frame(m_weights, m_groups, controls, false);
     if (frame.pose().isAtRest())
         return;
-    std::vector<char> moved(m_groups.groups().size(), 1);
-    for (int g = 0; g < int(moved.size()); ++g) {
-        frame.prepare(g);
+    std::vector<char> moved(m_groups.groups().size());
+    for (int g = 0; g < int(moved.size()); ++g)
         moved[size_t(g)] = !frame.isAtRest(g);
-    }
-    forRuns(moved, [&](const Run &run) { frame.movePoints(run.group, run.first, run.count, rest.data(), out.data()); });
+    moveGroups(frame, moved, {rest.data(), out.data()}, {});
 }
 
 void RyLegacyDeformer::mapPoint(const RyLegacyPose &pose, int owner, const double rest[3], double out[3]) const
@@ -204,22 +208,16 @@ const std::vector<RyVec3> &RyLegacyDeformer::pose(const std::vector<RyLegacyCont
     m_normalsRevision = normalsRevision;
     m_resultValid = normalsFit;
     const bool withNormals = restNormals && normalsFit;
-    RyLegacyFrame frame(m_weights, m_groups, m_controls, withNormals);
+    const RyLegacyFrame frame(m_weights, m_groups, m_controls, withNormals);
     for (int g = 0; g < int(moved.size()); ++g) {
         if (!moved[size_t(g)])
             continue;
-        frame.prepare(g);
-        if (frame.isAtRest(g) && !partly)
+        if (!partly && frame.isAtRest(g))
             moved[size_t(g)] = 0; // the rest is there already
         else
             m_lastTouched += qint64(m_groups.groups()[size_t(g)].vertices.size());
     }
-    forRuns(moved, [&](const Run &run) {
-        frame.movePoints(run.group, run.first, run.count, rest.data(), m_positions.data());
-        if (withNormals)
-            frame.moveNormals(run.group, run.first, run.count, restNormals->data(), m_normals.data());
-        if (withNormals && run.first == 0)
-            frame.moveFurtherNormals(run.group, restNormals->data(), m_normals.data());
-    });
+    const Row normals = withNormals ? Row{restNormals->data(), m_normals.data()} : Row();
+    moveGroups(frame, moved, {rest.data(), m_positions.data()}, normals);
     return m_positions;
 }

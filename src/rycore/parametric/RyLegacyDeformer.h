@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/parametric/RyLegacyFrame.h"
+#include "rycore/parametric/RyLegacyMover.h"
 #include "rycore/scene/RyPointChanges.h"
 
 #include <QtGlobal>
@@ -64,8 +64,8 @@ private:
     };
     std::vector<char> movedGroups(const std::vector<RyLegacyControls> &controls) const;
     void markChanges(const std::vector<char> &moved);
-    template<class Work>
-    void forRuns(const std::vector<char> &moved, Work work) const;
+    void moveGroups(const RyLegacyFrame &frame, const std::vector<char> &moved, const RyLegacyKernels::Row &points,
+                    const RyLegacyKernels::Row &normals) const;
 
     RyLegacyWeights m_weights;
     RyLegacyGroups m_groups;

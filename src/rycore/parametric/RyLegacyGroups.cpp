@@ -52,6 +52,14 @@ struct HashOfKey
 
 } // namespace
 
+RyLegacyKernels::Fractions RyLegacyGroups::Group::component(size_t driver, size_t which) const
+{
+    const size_t turns = drivers.size() * 3 * RyLegacyKernels::Lanes;
+    if (which < 3)
+        return {fractions + (driver * 3 + which) * RyLegacyKernels::Lanes, int(turns)};
+    return {fractions + blocks() * turns + (driver * 2 + which - 3) * RyLegacyKernels::Lanes, int(turns / 3 * 2)};
+}
+
 RyLegacyFractions RyLegacyGroups::Group::fractionsOf(size_t driver, size_t number) const
 {
     if (uniform)
@@ -67,7 +75,8 @@ RyLegacyFractions RyLegacyGroups::Group::fractionsOf(size_t driver, size_t numbe
 bool RyLegacyGroups::Group::isAlike(size_t driver, size_t which) const
 {
     // Vertices with another pattern are in another group.
-    return uniform || isZeroOrOne(component(driver, which)[0]);
+    const RyLegacyFractions &f = fixed[driver];
+    return uniform || isZeroOrOne(which < 3 ? f.turn[which] : which == 3 ? f.translation : f.scale);
 }
 
 /// What is gathered while groups are made; members are kept from vertex to vertex to save their memory.
@@ -78,6 +87,7 @@ struct RyLegacyGroups::Sketch
     std::vector<int> drivers;
     std::vector<RyLegacyFractions> fractions;
     std::vector<std::pair<int, int>> bulges;              // parameter, driver
+    std::vector<std::vector<int>> vertices;               // of each group
     std::vector<std::vector<RyLegacyFractions>> byVertex; // of each group, all drivers of a vertex in a row
 };
 
@@ -93,24 +103,47 @@ void RyLegacyGroups::build(const RyLegacyWeights &weights)
         for (size_t i = 0; i < vertices.size(); ++i)
             addVertex(sketch, weights, owner, i, vertices[i]);
     }
-    // Lists by vertex become lists by driver and component.
+    layOut(sketch);
+}
+
+/// Lists by vertex become lists by driver and component.
+void RyLegacyGroups::layOut(const Sketch &sketch)
+{
+    using namespace RyLegacyKernels;
+    m_vertices.clear();
+    for (const std::vector<int> &vertices : sketch.vertices)
+        m_vertices.insert(m_vertices.end(), vertices.begin(), vertices.end());
+    size_t vertex = 0;
+    size_t size = 0;
+    for (size_t g = 0; g < m_groups.size(); ++g) {
+        Group &group = m_groups[g];
+        group.vertices = {m_vertices.data() + vertex, sketch.vertices[g].size()};
+        vertex += group.vertices.size();
+        size += group.uniform ? 0 : group.blocks() * Lanes * group.drivers.size() * Group::Components;
+        for (Bulge &bulge : group.bulges)
+            bulge.shares.resize(group.blocks() * Lanes);
+    }
+    m_fractions.assign(size, 0.0f);
+    float *next = m_fractions.data();
     for (size_t g = 0; g < m_groups.size(); ++g) {
         Group &group = m_groups[g];
         if (group.uniform)
             continue;
+        group.fractions = next;
         const size_t drivers = group.drivers.size();
-        const size_t size = group.vertices.size();
-        group.fractions.resize(drivers * Group::Components * size);
-        for (size_t i = 0; i < size; ++i) {
-            for (size_t d = 0; d < drivers; ++d) {
-                const RyLegacyFractions &f = sketch.byVertex[g][i * drivers + d];
-                float *to = group.fractions.data() + d * Group::Components * size + i;
-                for (size_t axis = 0; axis < 3; ++axis)
-                    to[axis * size] = float(f.turn[axis]);
-                to[3 * size] = float(f.translation);
-                to[4 * size] = float(f.scale);
+        for (size_t d = 0; d < drivers; ++d) {
+            for (size_t which = 0; which < Group::Components; ++which) {
+                const Fractions its = group.component(d, which);
+                float *to = next + (its.first - group.fractions);
+                for (size_t i = 0; i < group.vertices.size(); ++i) {
+                    const RyLegacyFractions &f = sketch.byVertex[g][i * drivers + d];
+                    to[i / Lanes * size_t(its.stride) + i % Lanes] = float(which < 3    ? f.turn[which]
+                                                                           : which == 3 ? f.translation
+                                                                                        : f.scale);
+                }
             }
         }
+        next += group.blocks() * Lanes * drivers * Group::Components;
     }
 }
 
@@ -154,17 +187,18 @@ void RyLegacyGroups::addVertex(Sketch &sketch, const RyLegacyWeights &weights, i
         group.wholeBelow = wholeBelow;
         group.uniform = uniform;
         group.drivers = sketch.drivers;
-        if (uniform)
-            group.fixed = sketch.fractions;
+        group.fixed = sketch.fractions;
         for (const auto &[param, driver] : sketch.bulges)
             group.bulges.push_back({param, driver, {}});
         m_groups.push_back(std::move(group));
+        sketch.vertices.emplace_back();
         sketch.byVertex.emplace_back();
     }
     Group &group = m_groups[size_t(found->second)];
     m_groupOf[size_t(vertex)] = found->second;
-    m_numberOf[size_t(vertex)] = int(group.vertices.size());
-    group.vertices.push_back(vertex);
+    std::vector<int> &vertices = sketch.vertices[size_t(found->second)];
+    m_numberOf[size_t(vertex)] = int(vertices.size());
+    vertices.push_back(vertex);
     for (Bulge &bulge : group.bulges)
         bulge.shares.push_back(weights.bulges(bulge.param, owner)[number]);
     if (!uniform) {

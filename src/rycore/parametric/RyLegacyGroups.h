@@ -1,12 +1,15 @@
 #pragma once
 
+#include "rycore/parametric/RyLegacyKernels.h"
 #include "rycore/parametric/RyLegacyWeights.h"
 
+#include <span>
 #include <vector>
 
 /// The vertices of a figure, grouped by the bones that move them: those of a group go through the same steps. Where all
 /// fractions are 0 or 1 they are part of what makes the group, and one map moves it; also elsewhere a fraction that is
-/// 0 or 1 is so for all of a group.
+/// 0 or 1 is so for all of a group. Lists that loops read are followed by zeros, for loops read several numbers at
+/// once.
 class RyLegacyGroups
 {
 public:
@@ -14,7 +17,8 @@ public:
     {
         int param = -1;
         int driver = -1;
-        std::vector<float> shares; // in step with the vertices, negative on the side of D
+        std::vector<float> shares; // in step with the vertices, negative on the side of D; in whole blocks
+        RyLegacyKernels::Fractions all() const { return {shares.data(), RyLegacyKernels::Lanes}; }
     };
     struct Group
     {
@@ -22,25 +26,27 @@ public:
         int wholeBelow = -1;                  // the lowest bone that all follow wholly, with all above; -1 for none
         bool uniform = true;                  // all fractions are 0 or 1
         std::vector<int> drivers;             // further bones, children before parents
-        std::vector<RyLegacyFractions> fixed; // of a uniform group, one for each driver
-        std::vector<int> vertices;            // ascending
-        /// Of other groups: for each driver the fractions about X, Y, Z, of translation and of scale, each in step with
-        /// the vertices.
-        std::vector<float> fractions;
+        std::vector<RyLegacyFractions> fixed; // one for each driver; of other groups where they are alike
+        std::span<const int> vertices;        // ascending
+        /// Of other groups, block by block: for each driver the fractions about X, Y and Z. Behind those of all
+        /// vertices come the ones of translation and scale, likewise.
+        const float *fractions = nullptr;
         std::vector<Bulge> bulges;
         std::vector<int> furtherNormals; // of its vertices: their places, and which vertex of the group
         std::vector<int> furtherVertices;
 
+        /// `which`: 0 to 2 for a turn, 3 for translation, 4 for scale.
+        RyLegacyKernels::Fractions component(size_t driver, size_t which) const;
+        size_t blocks() const { return (vertices.size() + RyLegacyKernels::Lanes - 1) / RyLegacyKernels::Lanes; }
         static constexpr size_t Components = 5;
-        const float *component(size_t driver, size_t which) const
-        {
-            return fractions.data() + (driver * Components + which) * vertices.size();
-        }
         RyLegacyFractions fractionsOf(size_t driver, size_t number) const;
         /// Whether all vertices have the same fraction, which is 0 or 1.
         bool isAlike(size_t driver, size_t which) const;
     };
 
+    RyLegacyGroups() = default;
+    RyLegacyGroups(const RyLegacyGroups &) = delete; // groups know where lists lie
+    RyLegacyGroups &operator=(const RyLegacyGroups &) = delete;
     void build(const RyLegacyWeights &weights);
     /// The vertex of each normal behind those of the vertices.
     void setFurtherNormals(const std::vector<int> &vertices);
@@ -53,7 +59,12 @@ private:
     struct Sketch;
     void addVertex(Sketch &sketch, const RyLegacyWeights &weights, int owner, size_t number, int vertex);
 
+    void layOut(const Sketch &sketch);
+
     std::vector<Group> m_groups;
+    // Of one group after the other, as loops read them.
+    std::vector<int> m_vertices;
+    std::vector<float> m_fractions;
     std::vector<int> m_groupOf;
     std::vector<int> m_numberOf;
 };

@@ -2,273 +2,381 @@
 
 #include "rycore/parametric/RyLegacyKernels.h"
 
-#include <cmath>
+#define RY_ALWAYS_INLINE inline __attribute__((always_inline))
 
-// The loop over the elements of a task. Included by each file that compiles it for its processor; what is here stays
-// local to that file. All inner loops have a fixed length, so that compilers make them one instruction each.
+// The loop over the elements of a task for one kind of registers, of four doubles. Included by each file that compiles
+// it for its processor; what is here stays local to that file. Sums of products are written by `timesPlus` alone, so
+// that no compiler may round them in another way here and there.
 namespace {
 
 using RyLegacyKernels::Bulge;
+using RyLegacyKernels::Fractions;
 using RyLegacyKernels::Lanes;
+using RyLegacyKernels::Row;
 using RyLegacyKernels::Step;
 using RyLegacyKernels::Task;
 
-struct Lane
+/// A number of each lane.
+template<class Registers>
+struct RyLegacyLanes
 {
-    double x[3][Lanes];
+    using Vector = typename Registers::Vector;
+    static constexpr int Half = Lanes / 2;
+    Vector low, high;
+
+    static RY_ALWAYS_INLINE RyLegacyLanes of(double number)
+    {
+        const Vector all = Registers::spread(number);
+        return {all, all};
+    }
+    static RY_ALWAYS_INLINE RyLegacyLanes read(const float *from)
+    {
+        return {Registers::read(from), Registers::read(from + Half)};
+    }
+    /// Numbers that stand so far behind `from`.
+    static RY_ALWAYS_INLINE RyLegacyLanes gather(const float *from, const int *offsets)
+    {
+        return {Registers::gather(from, offsets), Registers::gather(from, offsets + Half)};
+    }
+    RY_ALWAYS_INLINE void write(float *to) const
+    {
+        Registers::write(low, to);
+        Registers::write(high, to + Half);
+    }
+    static RY_ALWAYS_INLINE RyLegacyLanes load(const double *from)
+    {
+        return {Registers::load(from), Registers::load(from + Half)};
+    }
+    RY_ALWAYS_INLINE void store(double *to) const
+    {
+        Registers::store(low, to);
+        Registers::store(high, to + Half);
+    }
+    RY_ALWAYS_INLINE RyLegacyLanes operator*(const RyLegacyLanes &o) const
+    {
+        return {Registers::times(low, o.low), Registers::times(high, o.high)};
+    }
+    RY_ALWAYS_INLINE RyLegacyLanes operator+(const RyLegacyLanes &o) const
+    {
+        return {Registers::plus(low, o.low), Registers::plus(high, o.high)};
+    }
+    RY_ALWAYS_INLINE RyLegacyLanes operator-(const RyLegacyLanes &o) const
+    {
+        return {Registers::minus(low, o.low), Registers::minus(high, o.high)};
+    }
+    /// This times a number, plus another one.
+    RY_ALWAYS_INLINE RyLegacyLanes timesPlus(const RyLegacyLanes &by, const RyLegacyLanes &more) const
+    {
+        return {Registers::timesPlus(low, by.low, more.low), Registers::timesPlus(high, by.high, more.high)};
+    }
+    /// Another number, less this times one.
+    RY_ALWAYS_INLINE RyLegacyLanes timesFrom(const RyLegacyLanes &by, const RyLegacyLanes &whole) const
+    {
+        return {Registers::timesFrom(low, by.low, whole.low), Registers::timesFrom(high, by.high, whole.high)};
+    }
+    RY_ALWAYS_INLINE RyLegacyLanes timesPlus(double by, const RyLegacyLanes &more) const
+    {
+        return timesPlus(of(by), more);
+    }
+    RY_ALWAYS_INLINE RyLegacyLanes timesFrom(double by, const RyLegacyLanes &whole) const
+    {
+        return timesFrom(of(by), whole);
+    }
+    /// 0 where it is below.
+    RY_ALWAYS_INLINE RyLegacyLanes positive() const { return {Registers::positive(low), Registers::positive(high)}; }
 };
 
-/// Both to 1e-8, for angles up to a half turn: of a quarter of the angle, doubled twice.
-inline void sineAndCosineOfHalfTurn(const double *angle, double *sine, double *cosine)
+/// `WithPoints`, `WithNormals`: what the task moves.
+template<class Registers, bool WithPoints, bool WithNormals>
+struct RyLegacyLoop
 {
-    for (int l = 0; l < Lanes; ++l) {
-        const double r = 0.25 * angle[l];
-        const double z = r * r;
-        const double s = r + r * z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
-        const double c =
-            1.0 + z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320 + z * (-1.0 / 3628800)))));
-        const double s2 = 2.0 * s * c;
-        const double c2 = 1.0 - 2.0 * s * s;
-        sine[l] = 2.0 * s2 * c2;
-        cosine[l] = 1.0 - 2.0 * s2 * s2;
-    }
-}
-
-/// Both to 2e-9, for angles up to a million.
-inline void sineAndCosine(const double *angle, double *sine, double *cosine)
-{
-    constexpr double ByQuarter = 0.63661977236758134308;
-    constexpr double QuarterHigh = 1.57079632673412561417;
-    constexpr double QuarterLow = 6.07710050650619224932e-11;
-    constexpr double ToWhole = 6755399441055744.0; // adding it rounds to a whole number
-    for (int l = 0; l < Lanes; ++l) {
-        const double quarters = (angle[l] * ByQuarter + ToWhole) - ToWhole;
-        const double r = (angle[l] - quarters * QuarterHigh) - quarters * QuarterLow;
-        const double z = r * r;
-        const double s = r + r * z * (-1.0 / 6 + z * (1.0 / 120 + z * (-1.0 / 5040 + z * (1.0 / 362880))));
-        const double c =
-            1.0 + z * (-0.5 + z * (1.0 / 24 + z * (-1.0 / 720 + z * (1.0 / 40320 + z * (-1.0 / 3628800)))));
-        // Quarters modulo 4 as -2 to 2: an odd one exchanges the two.
-        const double rest = quarters - 4.0 * ((quarters * 0.25 + ToWhole) - ToWhole);
-        const double odd = std::fabs(rest) == 1.0 ? 1.0 : 0.0;
-        const double swappedS = odd * c + (1.0 - odd) * s;
-        const double swappedC = odd * s + (1.0 - odd) * c;
-        const double signS = rest == -1.0 || std::fabs(rest) == 2.0 ? -1.0 : 1.0;
-        const double signC = rest == 1.0 || std::fabs(rest) == 2.0 ? -1.0 : 1.0;
-        sine[l] = signS * swappedS;
-        cosine[l] = signC * swappedC;
-    }
-}
-
-struct Elements
-{
-    const Task &task;
-    int first;
-    int count;
-    int numbers[Lanes];
-
-    Elements(const Task &itsTask, int itsFirst) : task(itsTask), first(itsFirst)
+    using Number = RyLegacyLanes<Registers>;
+    struct Vectors
     {
-        count = task.count - first < Lanes ? task.count - first : Lanes;
-        for (int l = 0; l < Lanes; ++l) {
-            const int element = first + (l < count ? l : count - 1);
-            numbers[l] = task.numbers ? task.numbers[element] : task.firstNumber + element;
-        }
-    }
+        Number x, y, z;
 
-    void read(const float *from, double *to) const
+        static RY_ALWAYS_INLINE Vectors of(const double *vector)
+        {
+            return {Number::of(vector[0]), Number::of(vector[1]), Number::of(vector[2])};
+        }
+        RY_ALWAYS_INLINE Vectors operator+(const Vectors &o) const { return {x + o.x, y + o.y, z + o.z}; }
+        RY_ALWAYS_INLINE Vectors operator-(const Vectors &o) const { return {x - o.x, y - o.y, z - o.z}; }
+        RY_ALWAYS_INLINE Vectors timesPlus(const Number &by, const Vectors &more) const
+        {
+            return {x.timesPlus(by, more.x), y.timesPlus(by, more.y), z.timesPlus(by, more.z)};
+        }
+        RY_ALWAYS_INLINE Vectors by(const double (*matrix)[3]) const
+        {
+            return {z.timesPlus(matrix[2][0], y.timesPlus(matrix[1][0], x * Number::of(matrix[0][0]))),
+                    z.timesPlus(matrix[2][1], y.timesPlus(matrix[1][1], x * Number::of(matrix[0][1]))),
+                    z.timesPlus(matrix[2][2], y.timesPlus(matrix[1][2], x * Number::of(matrix[0][2])))};
+        }
+        RY_ALWAYS_INLINE void store(double *to) const
+        {
+            x.store(to);
+            y.store(to + Lanes);
+            z.store(to + 2 * Lanes);
+        }
+        static RY_ALWAYS_INLINE Vectors load(const double *from)
+        {
+            return {Number::load(from), Number::load(from + Lanes), Number::load(from + 2 * Lanes)};
+        }
+    };
+    /// What is moved of a vertex; without points or normals these stay what they are and cost nothing.
+    struct Both
     {
-        if (!task.numbers && count == Lanes) {
-            const float *row = from + numbers[0];
-            for (int l = 0; l < Lanes; ++l)
-                to[l] = row[l];
-        } else {
-            for (int l = 0; l < Lanes; ++l)
-                to[l] = from[numbers[l]];
+        Vectors point, normal;
+    };
+
+    const Task task;
+
+    RY_ALWAYS_INLINE void run() const
+    {
+        for (int first = 0; first < task.count; first += Lanes)
+            moveFrom(first);
+    }
+
+    RY_ALWAYS_INLINE void moveFrom(int first) const
+    {
+        const Elements elements(task, first);
+        const Both rest{WithPoints ? elements.gather(task.points.in) : Vectors{},
+                        WithNormals ? elements.gather(task.normals.in) : Vectors{}};
+        Both start = rest;
+        if constexpr (WithPoints) {
+            for (int b = 0; b < task.bulgeCount; ++b)
+                start.point = pushed(task.bulges[b], elements, rest.point, start.point);
         }
+        Both image = start;
+        for (int s = 0; s < task.stepCount; ++s) {
+            const Step &step = task.steps[s];
+            image = apply(step, elements, step.isPushed ? load(s) : start);
+            if (s + 1 == task.stepCount && step.pushesFirst)
+                break;
+            if (!step.pushesFirst)
+                image = pushedFurther(load(step.target), image, start);
+            store(step.target, image);
+        }
+        if constexpr (WithPoints)
+            elements.write(image.point.by(task.last) + Vectors::of(task.last[3]), task.points.out);
+        if constexpr (WithNormals)
+            elements.write(image.normal.by(task.lastOfNormals), task.normals.out);
     }
 
-    int place(int l) const { return task.places[first + (l < count ? l : count - 1)]; }
-};
+private:
+    struct Elements
+    {
+        int count;
+        int block;
+        const int *places;
+        const int *numbers;
 
-void applyBulge(const Bulge &bulge, const Elements &elements, const Lane &rest, Lane &points)
-{
-    double share[Lanes];
-    elements.read(bulge.shares, share);
-    for (int l = 0; l < Lanes; ++l) {
-        double off[3];
-        for (int k = 0; k < 3; ++k)
-            off[k] = rest.x[k][l] - bulge.origin[k];
-        const double along = off[0] * bulge.line[0] + off[1] * bulge.line[1] + off[2] * bulge.line[2];
-        const double by = share[l] >= 0.0 ? share[l] * bulge.factor[0] : -share[l] * bulge.factor[1];
-        for (int k = 0; k < 3; ++k)
-            points.x[k][l] += by * (off[k] - along * bulge.line[k]);
+        RY_ALWAYS_INLINE Elements(const Task &of, int first)
+            : count(of.count - first < Lanes ? of.count - first : Lanes), block((of.firstNumber + first) / Lanes),
+              places(of.places + first), numbers(of.numbers ? of.numbers + first : nullptr)
+        {}
+        RY_ALWAYS_INLINE Number read(const Fractions &fractions) const
+        {
+            if (!numbers)
+                return Number::read(fractions.first + block * fractions.stride);
+            int offsets[Lanes];
+            for (int l = 0; l < Lanes; ++l) {
+                const int number = numbers[l < count ? l : count - 1];
+                offsets[l] = number / Lanes * fractions.stride + number % Lanes;
+            }
+            return Number::gather(fractions.first, offsets);
+        }
+        RY_ALWAYS_INLINE Vectors gather(const RyVec3 *from) const
+        {
+            int offsets[Lanes];
+            for (int l = 0; l < Lanes; ++l)
+                offsets[l] = 3 * places[l < count ? l : count - 1];
+            return {Number::gather(&from->x, offsets), Number::gather(&from->y, offsets),
+                    Number::gather(&from->z, offsets)};
+        }
+        RY_ALWAYS_INLINE void write(const Vectors &vectors, RyVec3 *to) const
+        {
+            alignas(32) float rows[3][Lanes];
+            vectors.x.write(rows[0]);
+            vectors.y.write(rows[1]);
+            vectors.z.write(rows[2]);
+            for (int l = 0; l < count; ++l)
+                to[places[l]] = {rows[0][l], rows[1][l], rows[2][l]};
+        }
+    };
+
+    RY_ALWAYS_INLINE Both load(int step) const
+    {
+        const double *from = task.room + 6 * Lanes * step;
+        return {WithPoints ? Vectors::load(from) : Vectors{},
+                WithNormals ? Vectors::load(from + 3 * Lanes) : Vectors{}};
     }
-}
+    RY_ALWAYS_INLINE void store(int step, const Both &both) const
+    {
+        double *to = task.room + 6 * Lanes * step;
+        if constexpr (WithPoints)
+            both.point.store(to);
+        if constexpr (WithNormals)
+            both.normal.store(to + 3 * Lanes);
+    }
+    static RY_ALWAYS_INLINE Both pushedFurther(const Both &at, const Both &image, const Both &start)
+    {
+        return {WithPoints ? at.point + (image.point - start.point) : Vectors{},
+                WithNormals ? at.normal + (image.normal - start.normal) : Vectors{}};
+    }
 
-void scaleBy(const Step &step, const double *share, bool normals, Lane &y)
-{
-    for (int l = 0; l < Lanes; ++l) {
-        double s[3];
+    static RY_ALWAYS_INLINE Vectors pushed(const Bulge &bulge, const Elements &elements, const Vectors &rest,
+                                           const Vectors &point)
+    {
+        const Number share = elements.read(bulge.shares);
+        const Number by = share.positive().timesPlus(bulge.factor[0], (Number::of(0.0) - share).positive() *
+                                                                          Number::of(bulge.factor[1]));
+        const Vectors off = rest - Vectors::of(bulge.origin);
+        const Number along =
+            off.x.timesPlus(bulge.line[0], off.y.timesPlus(bulge.line[1], off.z * Number::of(bulge.line[2])));
+        const Vectors away{along.timesFrom(bulge.line[0], off.x), along.timesFrom(bulge.line[1], off.y),
+                           along.timesFrom(bulge.line[2], off.z)};
+        return away.timesPlus(by, point);
+    }
+
+    /// Where the step takes points and normals.
+    static RY_ALWAYS_INLINE Both apply(const Step &step, const Elements &elements, const Both &from)
+    {
+        Both at;
+        if constexpr (WithPoints)
+            at.point = (from.point - Vectors::of(step.origin)).by(step.first);
+        if constexpr (WithNormals)
+            at.normal = from.normal.by(step.firstOfNormals);
+        if (step.scaleFractions.first)
+            scaleBy(step, elements.read(step.scaleFractions), at);
+        for (int t = 0; t < step.turnCount; ++t) {
+            const Step::Turn &turn = step.turns[t];
+            if (turn.angle != 0.0)
+                turnAbout(turn.axis, turn.angle, elements.read(turn.fractions), at);
+            if (!turn.isFollowed)
+                continue;
+            if constexpr (WithPoints)
+                at.point = at.point.by(turn.next);
+            if constexpr (WithNormals)
+                at.normal = at.normal.by(turn.next);
+        }
+        if constexpr (WithPoints) {
+            at.point = at.point + Vectors::of(step.moved);
+            if (step.translationFractions.first)
+                at.point = Vectors::of(step.translation).timesPlus(elements.read(step.translationFractions), at.point);
+        }
+        return at;
+    }
+
+    static void scaleBy(const Step &step, const Number &share, Both &at)
+    {
+        Number factors[3];
         for (int k = 0; k < 3; ++k)
-            s[k] = 1.0 + share[l] * (step.scale[k] - 1.0);
-        if (normals) {
-            const double inverse[3] = {s[1] * s[2], s[0] * s[2], s[0] * s[1]};
-            const double size = std::sqrt(s[0] * s[0] + s[1] * s[1] + s[2] * s[2]);
-            const double other = std::sqrt(inverse[0] * inverse[0] + inverse[1] * inverse[1] + inverse[2] * inverse[2]);
-            const double factor = std::copysign(size / (other > 0.0 ? other : 1.0), s[0] * s[1] * s[2]);
+            factors[k] = share.timesPlus(step.scale[k] - 1.0, Number::of(1.0));
+        if constexpr (WithPoints)
+            at.point = {at.point.x * factors[0], at.point.y * factors[1], at.point.z * factors[2]};
+        if constexpr (WithNormals) {
+            double rows[3][Lanes];
             for (int k = 0; k < 3; ++k)
-                s[k] = other > 0.0 ? factor * inverse[k] : s[k];
-        }
-        for (int k = 0; k < 3; ++k)
-            y.x[k][l] *= s[k];
-    }
-}
-
-void turnAbout(int axis, double turn, const double *share, Lane &y)
-{
-    double angle[Lanes];
-    double sine[Lanes];
-    double cosine[Lanes];
-    for (int l = 0; l < Lanes; ++l)
-        angle[l] = share[l] * turn;
-    if (std::fabs(turn) <= 3.141592653589793)
-        sineAndCosineOfHalfTurn(angle, sine, cosine);
-    else
-        sineAndCosine(angle, sine, cosine);
-    double *next = y.x[(axis + 1) % 3];
-    double *last = y.x[(axis + 2) % 3];
-    for (int l = 0; l < Lanes; ++l) {
-        const double n = next[l];
-        const double t = last[l];
-        next[l] = n * cosine[l] - t * sine[l];
-        last[l] = n * sine[l] + t * cosine[l];
-    }
-}
-
-void multiply(const double matrix[3][3], const Lane &in, Lane &out)
-{
-    for (int l = 0; l < Lanes; ++l) {
-        const double x = in.x[0][l];
-        const double y = in.x[1][l];
-        const double z = in.x[2][l];
-        out.x[0][l] = x * matrix[0][0] + y * matrix[1][0] + z * matrix[2][0];
-        out.x[1][l] = x * matrix[0][1] + y * matrix[1][1] + z * matrix[2][1];
-        out.x[2][l] = x * matrix[0][2] + y * matrix[1][2] + z * matrix[2][2];
-    }
-}
-
-/// Where the step takes a point.
-void applyStep(const Step &step, const Elements &elements, bool normals, const Lane &point, Lane &image)
-{
-    double share[Lanes];
-    Lane off = point;
-    if (!normals) {
-        for (int k = 0; k < 3; ++k) {
-            for (int l = 0; l < Lanes; ++l)
-                off.x[k][l] -= step.origin[k];
+                factors[k].store(rows[k]);
+            for (int l = 0; l < Lanes; ++l) {
+                double each[3] = {rows[0][l], rows[1][l], rows[2][l]};
+                RyLegacyMotion::carryNormals(each);
+                for (int k = 0; k < 3; ++k)
+                    rows[k][l] = each[k];
+            }
+            at.normal = {at.normal.x * Number::load(rows[0]), at.normal.y * Number::load(rows[1]),
+                         at.normal.z * Number::load(rows[2])};
         }
     }
-    Lane y;
-    multiply(step.first, off, y);
-    if (step.scaleFractions) {
-        elements.read(step.scaleFractions, share);
-        scaleBy(step, share, normals, y);
-    }
-    for (int t = 0; t < step.turnCount; ++t) {
-        const Step::Turn &turn = step.turns[t];
-        elements.read(turn.fractions, share);
-        turnAbout(turn.axis, turn.angle, share, y);
-        if (turn.isFollowed) {
-            off = y;
-            multiply(turn.next, off, y);
-        }
-    }
-    image = y;
-    if (normals)
-        return;
-    for (int k = 0; k < 3; ++k) {
-        for (int l = 0; l < Lanes; ++l)
-            image.x[k][l] += step.moved[k];
-    }
-    if (!step.translationFractions)
-        return;
-    elements.read(step.translationFractions, share);
-    for (int k = 0; k < 3; ++k) {
-        for (int l = 0; l < Lanes; ++l)
-            image.x[k][l] += share[l] * step.translation[k];
-    }
-}
 
-void moveLanes(const Task &task, int first)
-{
-    const Elements elements(task, first);
-    Lane rest;
-    for (int l = 0; l < Lanes; ++l) {
-        const RyVec3 &in = task.in[elements.place(l)];
-        rest.x[0][l] = in.x;
-        rest.x[1][l] = in.y;
-        rest.x[2][l] = in.z;
+    static RY_ALWAYS_INLINE void turnAbout(int axis, double turn, const Number &share, Both &at)
+    {
+        Number sine, cosine;
+        sineAndCosine(share, turn, sine, cosine);
+        if constexpr (WithPoints)
+            turnBy(axis, sine, cosine, at.point);
+        if constexpr (WithNormals)
+            turnBy(axis, sine, cosine, at.normal);
     }
-    Lane start = rest;
-    for (int b = 0; b < task.bulgeCount && !task.normals; ++b)
-        applyBulge(task.bulges[b], elements, rest, start);
-    // Where the point is for each step, from what lies below it; the last one is the result.
-    Lane *points = reinterpret_cast<Lane *>(task.room);
-    for (int s = 0; s <= task.stepCount; ++s)
-        points[s] = start;
-    for (int s = 0; s < task.stepCount; ++s) {
-        Lane image;
-        applyStep(task.steps[s], elements, task.normals, points[s], image);
-        Lane &target = points[task.steps[s].target];
-        for (int k = 0; k < 3; ++k) {
-            for (int l = 0; l < Lanes; ++l)
-                target.x[k][l] += image.x[k][l] - start.x[k][l];
+    static RY_ALWAYS_INLINE void turnBy(int axis, const Number &sine, const Number &cosine, Vectors &at)
+    {
+        if (axis == 0)
+            turnPlane(sine, cosine, at.y, at.z);
+        else if (axis == 1)
+            turnPlane(sine, cosine, at.z, at.x);
+        else
+            turnPlane(sine, cosine, at.x, at.y);
+    }
+    static RY_ALWAYS_INLINE void turnPlane(const Number &sine, const Number &cosine, Number &next, Number &last)
+    {
+        const Number turned = last.timesFrom(sine, next * cosine);
+        last = next.timesPlus(sine, last * cosine);
+        next = turned;
+    }
+
+    /// Both to 1e-8, for angles up to a million: of a quarter of what is left within a half turn, doubled twice.
+    static RY_ALWAYS_INLINE void sineAndCosine(const Number &share, double turn, Number &sine, Number &cosine)
+    {
+        constexpr double Pi = 3.14159265358979323846;
+        Number r = share * Number::of(0.25 * turn);
+        if (turn > Pi || turn < -Pi) {
+            constexpr double HalfPiHigh = 1.57079632673412561417;
+            constexpr double HalfPiLow = 6.07710050650619224932e-11;
+            const Number toWhole = Number::of(6755399441055744.0); // adding it rounds to a whole number
+            const Number whole = r.timesPlus(2.0 / Pi, toWhole) - toWhole;
+            r = whole.timesFrom(HalfPiLow, whole.timesFrom(HalfPiHigh, r));
         }
+        const Number one = Number::of(1.0);
+        const Number z = r * r;
+        const Number fifth = z.timesPlus(1.0 / 362880, Number::of(-1.0 / 5040));
+        const Number third = z.timesPlus(z.timesPlus(fifth, Number::of(1.0 / 120)), Number::of(-1.0 / 6));
+        const Number s = (r * z).timesPlus(third, r);
+        const Number eighth = z.timesPlus(-1.0 / 3628800, Number::of(1.0 / 40320));
+        const Number fourth = z.timesPlus(z.timesPlus(eighth, Number::of(-1.0 / 720)), Number::of(1.0 / 24));
+        const Number c = z.timesPlus(z.timesPlus(fourth, Number::of(-0.5)), one);
+        const Number twice = s + s;
+        const Number s2 = twice * c;
+        const Number c2 = twice.timesFrom(s, one);
+        const Number twice2 = s2 + s2;
+        sine = twice2 * c2;
+        cosine = twice2.timesFrom(s2, one);
     }
-    const Lane &moved = points[task.stepCount];
-    Lane result;
-    for (int k = 0; k < 3; ++k) {
-        const double translation = task.normals ? 0.0 : task.last[3][k];
-        for (int l = 0; l < Lanes; ++l)
-            result.x[k][l] = moved.x[0][l] * task.last[0][k] + moved.x[1][l] * task.last[1][k] +
-                             moved.x[2][l] * task.last[2][k] + translation;
-    }
-    for (int l = 0; l < elements.count; ++l) {
-        RyVec3 &out = task.out[elements.place(l)];
-        out.x = float(result.x[0][l]);
-        out.y = float(result.x[1][l]);
-        out.z = float(result.x[2][l]);
-    }
-}
+};
 
 /// One map for all, without steps.
-void moveAlike(const Task &task)
+void moveAlike(const Task &task, const Row &row, const double (*map)[3], bool isTranslated)
 {
     typedef double Four __attribute__((vector_size(32)));
     typedef float FourFloats __attribute__((vector_size(16)));
-    Four rows[4];
-    for (int i = 0; i < 4; ++i)
-        rows[i] = Four{task.last[i][0], task.last[i][1], task.last[i][2], 0.0};
-    if (task.normals)
-        rows[3] = Four{};
+    Four rows[4] = {};
+    for (int i = 0; i < (isTranslated ? 4 : 3); ++i)
+        rows[i] = Four{map[i][0], map[i][1], map[i][2], 0.0};
     for (int i = 0; i < task.count; ++i) {
-        const RyVec3 &in = task.in[task.places[i]];
+        const RyVec3 &in = row.in[task.places[i]];
         const Four image = rows[3] + double(in.x) * rows[0] + double(in.y) * rows[1] + double(in.z) * rows[2];
         const FourFloats rounded = __builtin_convertvector(image, FourFloats);
-        RyVec3 &out = task.out[task.places[i]];
+        RyVec3 &out = row.out[task.places[i]];
         out.x = rounded[0];
         out.y = rounded[1];
         out.z = rounded[2];
     }
 }
 
+template<class Registers>
 void moveTask(const Task &task)
 {
-    if (task.stepCount == 0 && task.bulgeCount == 0)
-        return moveAlike(task);
-    for (int first = 0; first < task.count; first += Lanes)
-        moveLanes(task, first);
+    if (task.stepCount == 0 && task.bulgeCount == 0) {
+        if (task.points.in)
+            moveAlike(task, task.points, task.last, true);
+        if (task.normals.in)
+            moveAlike(task, task.normals, task.lastOfNormals, false);
+    } else if (task.points.in && task.normals.in) {
+        RyLegacyLoop<Registers, true, true>{task}.run();
+    } else if (task.points.in) {
+        RyLegacyLoop<Registers, true, false>{task}.run();
+    } else {
+        RyLegacyLoop<Registers, false, true>{task}.run();
+    }
 }
 
 } // namespace

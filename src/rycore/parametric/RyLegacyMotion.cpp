@@ -1,7 +1,5 @@
 #include "rycore/parametric/RyLegacyMotion.h"
 
-#include "rycore/math/RyAffine.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -58,6 +56,59 @@ void RyLegacyMotion::mapPoint(const RyLegacyFractions &by, const double in[3], d
     mapLinear(by, Scale::Points, from, out);
     for (size_t i = 0; i < 3; ++i)
         out[i] += origin[i] + by.translation * controls.translation[i];
+}
+
+RyAffine RyLegacyMotion::wholeLinear(Scale scale) const
+{
+    double linear[3][3];
+    std::copy(&toAxes[0][0], &toAxes[0][0] + 9, &linear[0][0]);
+    if (isScaled) {
+        double factors[3] = {controls.scale[0], controls.scale[1], controls.scale[2]};
+        if (scale == Scale::Normals)
+            carryNormals(factors);
+        for (auto &row : linear) {
+            for (int k = 0; k < 3; ++k)
+                row[k] *= factors[k];
+        }
+    }
+    for (const int axis : order)
+        appendTurn(linear, axis, controls.turn[size_t(axis)]);
+    RyAffine map;
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            map.m[i][j] = linear[i][0] * toAxes[j][0] + linear[i][1] * toAxes[j][1] + linear[i][2] * toAxes[j][2];
+    }
+    return map;
+}
+
+RyAffine RyLegacyMotion::wholeMap() const
+{
+    RyAffine map = wholeLinear(Scale::Points);
+    double image[3];
+    map.mapPoint(origin, image);
+    for (size_t k = 0; k < 3; ++k)
+        map.m[3][k] = origin[k] - image[k] + controls.translation[k];
+    return map;
+}
+
+RyAffine RyLegacyMotion::wholeNormalMap() const
+{
+    return wholeLinear(Scale::Normals);
+}
+
+void RyLegacyMotion::appendTurn(double matrix[3][3], int axis, double angle)
+{
+    if (angle == 0.0)
+        return;
+    const double s = std::sin(angle);
+    const double c = std::cos(angle);
+    for (int i = 0; i < 3; ++i) {
+        double &next = matrix[i][(axis + 1) % 3];
+        double &last = matrix[i][(axis + 2) % 3];
+        const double turned = next * c - last * s;
+        last = next * s + last * c;
+        next = turned;
+    }
 }
 
 void RyLegacyMotion::carryNormals(double s[3])

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/math/RyAffine.h"
 #include "rycore/parametric/RyLegacyReach.h"
 
 /// What the controls of one bone, the driver, do to a point that follows it by fractions:
@@ -18,7 +19,12 @@ struct RyLegacyMotion
     enum class Scale { None, Points, Normals };
     void mapLinear(const RyLegacyFractions &by, Scale scale, const double in[3], double out[3]) const;
     void mapPoint(const RyLegacyFractions &by, const double in[3], double out[3]) const;
+    /// The local map of points that follow wholly, and the linear one of their normals.
+    RyAffine wholeMap() const;
+    RyAffine wholeNormalMap() const;
 
+    /// By a turn about a bone axis.
+    static void appendTurn(double matrix[3][3], int axis, double angle);
     /// Turns factors along the axes into those that normals take.
     static void carryNormals(double factors[3]);
 
@@ -30,4 +36,7 @@ struct RyLegacyMotion
     bool isScaled = false;
     bool isMoved = false;
     bool isAtRest() const { return !isTurned && !isScaled && !isMoved; }
+
+private:
+    RyAffine wholeLinear(Scale scale) const;
 };
