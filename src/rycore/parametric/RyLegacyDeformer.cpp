@@ -51,6 +51,20 @@ RyLegacyFractions RyLegacyDeformer::fractions(int bone, int vertex) const
     return group.fractionsOf(size_t(found - group.drivers.begin()), size_t(m_groups.numberOf(vertex)));
 }
 
+std::vector<RyLegacyPose::Part> RyLegacyDeformer::parts(int vertex) const
+{
+    std::vector<RyLegacyPose::Part> parts;
+    const int number = m_groups.groupOf(vertex);
+    if (number < 0)
+        return parts;
+    const Group &group = m_groups.groups()[size_t(number)];
+    for (size_t driver = 0; driver < group.drivers.size(); ++driver)
+        parts.push_back({group.drivers[driver], group.fractionsOf(driver, size_t(m_groups.numberOf(vertex)))});
+    for (int b = group.wholeBelow; b >= 0; b = rig().bones[size_t(b)].parent)
+        parts.push_back({b, RyLegacyFractions::all()});
+    return parts;
+}
+
 int RyLegacyDeformer::leader(int vertex) const
 {
     const int number = m_groups.groupOf(vertex);

@@ -25,6 +25,8 @@ public:
 
     /// How far a vertex follows a bone.
     RyLegacyFractions fractions(int bone, int vertex) const;
+    /// All bones that move a vertex, children before parents.
+    std::vector<RyLegacyPose::Part> parts(int vertex) const;
     /// The lowest bone whose translation the vertex follows by half or more, -1 where it follows none.
     int leader(int vertex) const;
     /// The weights of a parameter, one for each vertex: its fractions, of a smooth-scale the share of its driver's

@@ -10,11 +10,35 @@ namespace {
 using Point = std::array<double, 3>;
 using Part = RyLegacyPose::Part;
 
-size_t placeOf(const std::vector<Part> &parts, int bone)
+size_t placeOf(const std::vector<Part> &parts, int bone, size_t from = 0)
 {
-    const auto found = std::find_if(parts.begin(), parts.end(), [bone](const Part &p) { return p.bone == bone; });
-    return size_t(found - parts.begin());
+    while (from < parts.size() && parts[from].bone != bone)
+        ++from;
+    return from;
 }
+
+/// Some points for each part; those of few parts lie within.
+class Points
+{
+public:
+    explicit Points(size_t count)
+    {
+        if (count <= Few)
+            std::fill_n(m_few, count, Point{});
+        else
+            m_many.resize(count);
+        m_points = count <= Few ? m_few : m_many.data();
+    }
+    Points(const Points &) = delete;
+    Points &operator=(const Points &) = delete;
+    Point &operator[](size_t number) { return m_points[number]; }
+
+private:
+    static constexpr size_t Few = 16;
+    Point m_few[Few];
+    std::vector<Point> m_many;
+    Point *m_points;
+};
 
 } // namespace
 
@@ -83,19 +107,22 @@ template<bool Normals>
 void RyLegacyPose::map(const std::vector<Part> &parts, const double in[3], double out[3]) const
 {
     constexpr auto Scaled = Normals ? RyLegacyMotion::Scale::Normals : RyLegacyMotion::Scale::Points;
-    std::vector<Point> pushed(parts.size(), Point{});  // by what lies below
-    std::vector<Point> origins(parts.size(), Point{}); // of bones that do not inherit scale, where they have come to
+    Points pushed(parts.size());  // by what lies below
+    Points origins(parts.size()); // of bones that do not inherit scale, where they have come to
     Point all{in[0], in[1], in[2]};
     for (size_t i = 0; i < parts.size(); ++i) {
         const Part &part = parts[i];
         const RyLegacyMotion &its = motion(part.bone);
         const Point x{in[0] + pushed[i][0], in[1] + pushed[i][1], in[2] + pushed[i][2]};
-        Point y;
-        if constexpr (Normals)
+        const bool rests = its.isAtRest();
+        Point y = x;
+        if (!rests && Normals)
             its.mapLinear(part.by, Scaled, x.data(), y.data());
-        else
+        else if (!rests)
             its.mapPoint(part.by, x.data(), y.data());
         for (const int kept : m_keptApart[size_t(part.bone)]) {
+            if (rests)
+                break;
             const size_t place = placeOf(parts, kept);
             if (place == parts.size())
                 continue;
@@ -119,7 +146,7 @@ void RyLegacyPose::map(const std::vector<Part> &parts, const double in[3], doubl
         size_t above = parts.size();
         for (int b = m_rig->bones[size_t(part.bone)].parent; b >= 0 && above == parts.size();
              b = m_rig->bones[size_t(b)].parent)
-            above = placeOf(parts, b);
+            above = placeOf(parts, b, i + 1);
         Point &target = above < parts.size() ? pushed[above] : all;
         for (size_t k = 0; k < 3; ++k)
             target[k] += y[k] - in[k];

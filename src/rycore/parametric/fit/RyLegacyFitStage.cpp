@@ -1,7 +1,6 @@
 #include "rycore/parametric/fit/RyLegacyFitStage.h"
 
 #include <algorithm>
-#include <set>
 
 RyLegacyFitStage::RyLegacyFitStage(const RyLegacyFitInput &input, const std::vector<int> &drivers)
     : m_inheritsScale(std::all_of(input.rig.bones.begin(), input.rig.bones.end(),
@@ -26,8 +25,7 @@ std::vector<RyAffine> RyLegacyFitStage::mapsOf(const RyLegacyRig &rig, const RyL
         const int parent = rig.bones[size_t(bone)].parent;
         if (m_inheritsScale && parent < bone) {
             const RyAffine above = parent < 0 ? RyAffine() : maps[size_t(parent)];
-            maps.push_back(pose.motion(bone).isAtRest() ? above
-                                                        : pose.mapOf({{bone, RyLegacyFractions::all()}}) * above);
+            maps.push_back(pose.motion(bone).isAtRest() ? above : pose.motion(bone).wholeMap() * above);
             continue;
         }
         std::vector<RyLegacyPose::Part> chain;
@@ -40,12 +38,14 @@ std::vector<RyAffine> RyLegacyFitStage::mapsOf(const RyLegacyRig &rig, const RyL
 
 std::vector<int> RyLegacyFitStage::posesFor(const RyLegacyFitVertex &vertex, bool measured) const
 {
-    std::set<int> all;
+    std::vector<int> all;
     for (const int bone : vertex.partly)
-        all.insert(m_posesOf[size_t(bone)].begin(), m_posesOf[size_t(bone)].end());
+        all.insert(all.end(), m_posesOf[size_t(bone)].begin(), m_posesOf[size_t(bone)].end());
     if (measured)
-        all.insert(m_random.begin(), m_random.end());
-    return {all.begin(), all.end()};
+        all.insert(all.end(), m_random.begin(), m_random.end());
+    std::sort(all.begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    return all;
 }
 
 void RyLegacyFitStage::stand(const RyLegacyFitVertex &vertex, const RyVec3 &rest, int pose, double *images,

@@ -7,6 +7,7 @@
 /// What a fit has to know of one vertex: which bones move it, and which of them a blend may use.
 struct RyLegacyFitVertex
 {
+    RyLegacyFitVertex() = default;
     /// `movers`: all bones that move the vertex, children before parents.
     RyLegacyFitVertex(const RyLegacyRig &rig, int owner, std::vector<RyLegacyPose::Part> movers);
 
@@ -21,6 +22,6 @@ struct RyLegacyFitVertex
     int wholeFrom = -1;
 
 private:
-    void findLower(const RyLegacyRig &rig);
-    double wholeOf(const RyLegacyRig &rig, int bone) const;
+    void findLower(const std::vector<size_t> &above);
+    std::vector<double> wholes(const RyLegacyRig &rig, const std::vector<size_t> &above) const;
 };

@@ -22,23 +22,6 @@ struct RyLegacyFitter::Vertex
     int farthestPose = -1;
 };
 
-namespace {
-
-std::vector<int> childrenFirst(const RyLegacyRig &rig)
-{
-    std::vector<int> depths, order;
-    for (int bone = 0; bone < int(rig.bones.size()); ++bone) {
-        depths.push_back(0);
-        for (int above = rig.bones[size_t(bone)].parent; above >= 0; above = rig.bones[size_t(above)].parent)
-            ++depths.back();
-        order.push_back(bone);
-    }
-    std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return depths[size_t(a)] > depths[size_t(b)]; });
-    return order;
-}
-
-} // namespace
-
 RyLegacyFitter::RyLegacyFitter(RyLegacyFitInput input) : m_input(std::move(input))
 {
     findVertices();
@@ -50,19 +33,16 @@ void RyLegacyFitter::findVertices()
 {
     RyLegacyDeformer deformer;
     deformer.setRig(m_input.rig, m_input.rest);
-    const std::vector<int> order = childrenFirst(m_input.rig);
-    std::set<int> drivers;
-    for (int vertex = 0; vertex < int(m_input.rest.size()); ++vertex) {
-        std::vector<RyLegacyPose::Part> parts;
-        for (const int bone : order) {
-            const RyLegacyFractions by = deformer.fractions(bone, vertex);
-            if (!by.isNone())
-                parts.push_back({bone, by});
+    m_vertices.resize(m_input.rest.size());
+    RyParallel::forRanges(m_vertices.size(), 256, [&](size_t first, size_t last) {
+        for (size_t i = first; i < last; ++i) {
+            m_vertices[i].number = int(i);
+            m_vertices[i].moved = {m_input.rig, m_input.rig.owners[i], deformer.parts(int(i))};
         }
-        const int owner = m_input.rig.owners[size_t(vertex)];
-        m_vertices.push_back({vertex, {m_input.rig, owner, std::move(parts)}, {}});
-        drivers.insert(m_vertices.back().moved.partly.begin(), m_vertices.back().moved.partly.end());
-    }
+    });
+    std::set<int> drivers;
+    for (const Vertex &vertex : m_vertices)
+        drivers.insert(vertex.moved.partly.begin(), vertex.moved.partly.end());
     m_drivers.assign(drivers.begin(), drivers.end());
 }
 

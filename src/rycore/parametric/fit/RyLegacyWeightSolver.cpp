@@ -7,42 +7,49 @@
 
 namespace {
 
-using Matrix = Eigen::MatrixXd;
-using Vector = Eigen::VectorXd;
+// Of up to so many rows, which then need no memory of their own.
+template<int Most>
+using Matrix = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, Most, Most>;
+template<int Most>
+using Vector = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, Most, 1>;
+constexpr int MostTried = int(RyLegacyWeightSolver::MostTried);
 
 /// Minimises wᵀ A w - 2 rᵀ w for weights with the sum 1 on the listed places; the others are 0. `A` is positive
 /// definite.
-Vector solveOn(const Matrix &a, const Vector &r, const std::vector<int> &places)
+template<int Most>
+Vector<Most> solveOn(const Matrix<Most> &a, const Vector<Most> &r, const std::vector<int> &places)
 {
+    using Columns = Eigen::Matrix<double, Eigen::Dynamic, 2, 0, Most, 2>;
     const Eigen::Index count = Eigen::Index(places.size());
-    Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic> part(count, count);
-    Eigen::Matrix<double, Eigen::Dynamic, 2> right(count, 2);
+    Matrix<Most> part(count, count);
+    Columns right(count, 2);
     for (Eigen::Index i = 0; i < count; ++i) {
         for (Eigen::Index j = 0; j < count; ++j)
             part(i, j) = a(places[size_t(i)], places[size_t(j)]);
         right(i, 0) = r(places[size_t(i)]);
         right(i, 1) = 1.0;
     }
-    const Eigen::Matrix<double, Eigen::Dynamic, 2> solved = part.ldlt().solve(right);
-    const Vector best = solved.col(0) + (1.0 - solved.col(0).sum()) / solved.col(1).sum() * solved.col(1);
-    Vector weights = Vector::Zero(a.rows());
+    const Columns solved = part.ldlt().solve(right);
+    const Vector<Most> best = solved.col(0) + (1.0 - solved.col(0).sum()) / solved.col(1).sum() * solved.col(1);
+    Vector<Most> weights = Vector<Most>::Zero(a.rows());
     for (Eigen::Index i = 0; i < count; ++i)
         weights(places[size_t(i)]) = best(i);
     return weights;
 }
 
-Vector bestSubset(const Matrix &a, const Vector &r)
+Vector<MostTried> bestSubset(const Matrix<MostTried> &a, const Vector<MostTried> &r)
 {
     const int count = int(a.rows());
-    Vector best;
+    Vector<MostTried> best;
+    std::vector<int> places;
     double least = std::numeric_limits<double>::infinity();
     for (int subset = 1; subset < 1 << count; ++subset) {
-        std::vector<int> places;
+        places.clear();
         for (int i = 0; i < count; ++i) {
             if (subset & 1 << i)
                 places.push_back(i);
         }
-        const Vector weights = solveOn(a, r, places);
+        const Vector<MostTried> weights = solveOn<MostTried>(a, r, places);
         if (!(weights.minCoeff() >= 0.0))
             continue;
         const double value = weights.dot(a * weights) - 2.0 * r.dot(weights);
@@ -55,7 +62,7 @@ Vector bestSubset(const Matrix &a, const Vector &r)
 }
 
 /// Starts from a single place and lets in, one by one, what lowers the value most.
-Vector byActiveSet(const Matrix &a, const Vector &r)
+Vector<Eigen::Dynamic> byActiveSet(const Matrix<Eigen::Dynamic> &a, const Vector<Eigen::Dynamic> &r)
 {
     const int count = int(a.rows());
     std::vector<bool> isFree(size_t(count), false);
@@ -65,7 +72,7 @@ Vector byActiveSet(const Matrix &a, const Vector &r)
             first = i;
     }
     isFree[size_t(first)] = true;
-    Vector weights = Vector::Zero(count);
+    Vector<Eigen::Dynamic> weights = Vector<Eigen::Dynamic>::Zero(count);
     weights(first) = 1.0;
     for (int round = 0; round < 10 * count; ++round) {
         std::vector<int> places;
@@ -73,7 +80,7 @@ Vector byActiveSet(const Matrix &a, const Vector &r)
             if (isFree[size_t(i)])
                 places.push_back(i);
         }
-        const Vector wanted = solveOn(a, r, places);
+        const Vector<Eigen::Dynamic> wanted = solveOn<Eigen::Dynamic>(a, r, places);
         double step = 1.0;
         int blocking = -1;
         for (const int i : places) {
@@ -89,7 +96,7 @@ Vector byActiveSet(const Matrix &a, const Vector &r)
             continue;
         }
         // All free weights have the same slope here; one that is steeper down lowers the value.
-        const Vector slope = a * weights - r;
+        const Vector<Eigen::Dynamic> slope = a * weights - r;
         int next = -1;
         double steepest = slope(places.front()) - 1e-12 * a.diagonal().maxCoeff();
         for (int i = 0; i < count; ++i) {
@@ -147,14 +154,18 @@ std::vector<double> RyLegacyWeightSolver::solve(const std::vector<double> &plain
     const double lean = ridge();
     if (m_count < 2 || !(lean > 0.0))
         return plain;
-    Matrix a(m_count, m_count);
-    Vector r(m_count);
+    Matrix<Eigen::Dynamic> a(m_count, m_count);
+    Vector<Eigen::Dynamic> r(m_count);
     for (std::size_t i = 0; i < m_count; ++i) {
         for (std::size_t j = 0; j < m_count; ++j)
             a(Eigen::Index(i), Eigen::Index(j)) = product(i, j) + (i == j ? lean : 0.0);
         r(Eigen::Index(i)) = lean * plain[i];
     }
-    const Vector weights = m_count <= MostTried ? bestSubset(a, r) : byActiveSet(a, r);
+    Vector<Eigen::Dynamic> weights;
+    if (m_count <= MostTried)
+        weights = bestSubset(a, r);
+    else
+        weights = byActiveSet(a, r);
     if (weights.size() == 0)
         return plain;
     return {weights.data(), weights.data() + weights.size()};
