@@ -50,6 +50,10 @@ public:
     double ratio(size_t way, size_t to) const { return median(way) / median(to); }
     /// Of the time that all threads of the process worked: it does not grow while others use the machine.
     double cpuMedian(size_t way) const { return RyBenchmark::median(m_ways[way].cpuTimes); }
+    double cpuLeast(size_t way) const
+    {
+        return *std::min_element(m_ways[way].cpuTimes.begin(), m_ways[way].cpuTimes.end());
+    }
     /// One line for each way: its median and its part of that of the first, then the same of the processors' time.
     void print() const
     {

@@ -17,6 +17,9 @@ class LegacyDeformerTest : public QObject
 private slots:
     void matchesEvaluator();
     void fractionsNextToWhole();
+    void turnsBeyondHalfATurn();
+    void pointsAreTheSameWithNormals();
+    void partsAreTheFractionsOfAllBones();
 };
 
 void LegacyDeformerTest::matchesEvaluator()
@@ -82,6 +85,83 @@ void LegacyDeformerTest::fractionsNextToWhole()
     deformer.deform(rest, controls, out);
     for (size_t i = 0; i < rest.size(); ++i)
         QVERIFY2(std::abs(out[i].z - 10.0 * means[i]) < 1e-4, qPrintable(QString::number(out[i].z)));
+}
+
+void LegacyDeformerTest::turnsBeyondHalfATurn()
+{
+    RyRandom random;
+    int partly = 0;
+    for (int i = 0; i < 500; ++i) {
+        RandomRig figure(random);
+        for (size_t b = 0; b < figure.controls.size(); ++b) {
+            for (size_t k = 0; k < 3; ++k)
+                figure.posed[b].turn[k] = figure.controls[b].turn[k] = random.number(-20, 20);
+        }
+        RyLegacyDeformer deformer;
+        deformer.setRig(figure.rig, figure.rest);
+        const std::vector<RyVec3> &posed = deformer.pose(figure.controls);
+        for (size_t v = 0; v < posed.size(); ++v) {
+            const LegacyEvaluator::Vec right = figure.evaluate(v);
+            const double apart = std::sqrt(std::pow(posed[v].x - right[0], 2) + std::pow(posed[v].y - right[1], 2) +
+                                           std::pow(posed[v].z - right[2], 2));
+            QVERIFY2(apart <= 1e-5 * figure.size(right), qPrintable(QString::number(apart)));
+            for (int bone = 0; bone < int(figure.rig.bones.size()); ++bone) {
+                const double followed = deformer.fractions(bone, int(v)).turn[1];
+                partly += followed > 0.0 && followed < 1.0;
+            }
+        }
+    }
+    QVERIFY(partly > 1000);
+}
+
+void LegacyDeformerTest::pointsAreTheSameWithNormals()
+{
+    RyRandom random;
+    for (int i = 0; i < 300; ++i) {
+        RandomRig figure(random);
+        std::vector<RyVec3> normals;
+        for (size_t v = 0; v < figure.rest.size(); ++v)
+            normals.push_back(random.vector(1).normalized());
+        RyLegacyDeformer deformer;
+        deformer.setRig(figure.rig, figure.rest);
+        std::vector<RyVec3> alone;
+        deformer.deform(figure.rest, figure.controls, alone);
+        QVERIFY(deformer.pose(figure.controls, &normals, 1) == alone);
+        // Those of a vertex by itself, by the linear parts.
+        const RyLegacyPose pose(figure.rig, figure.controls);
+        for (size_t v = 0; v < normals.size(); ++v) {
+            const double n[3] = {normals[v].x, normals[v].y, normals[v].z};
+            double image[3];
+            pose.mapNormal(deformer.parts(int(v)), n, image);
+            const RyVec3 right{float(image[0]), float(image[1]), float(image[2])};
+            QVERIFY((deformer.normals()[v] - right).length() <= 1e-5f * (1 + right.length()));
+        }
+    }
+}
+
+void LegacyDeformerTest::partsAreTheFractionsOfAllBones()
+{
+    RyRandom random;
+    int count = 0;
+    for (int i = 0; i < 200; ++i) {
+        const RandomRig figure(random);
+        RyLegacyDeformer deformer;
+        deformer.setRig(figure.rig, figure.rest);
+        for (int v = 0; v < int(figure.rest.size()); ++v) {
+            const std::vector<RyLegacyPose::Part> parts = deformer.parts(v);
+            std::vector<char> said(figure.rig.bones.size(), 0);
+            for (const RyLegacyPose::Part &part : parts) {
+                const int parent = figure.rig.bones[size_t(part.bone)].parent;
+                QVERIFY(!said[size_t(part.bone)] && (parent < 0 || !said[size_t(parent)]));
+                QVERIFY(!part.by.isNone() && part.by == deformer.fractions(part.bone, v));
+                said[size_t(part.bone)] = 1;
+            }
+            for (int bone = 0; bone < int(said.size()); ++bone)
+                QVERIFY(said[size_t(bone)] || deformer.fractions(bone, v).isNone());
+            count += int(parts.size());
+        }
+    }
+    QVERIFY(count > 5000);
 }
 
 RY_TEST(LegacyDeformerTest)

@@ -26,6 +26,17 @@ std::vector<size_t> placesAbove(const RyLegacyRig &rig, const std::vector<Part> 
     return above;
 }
 
+/// Whether a bone and all above it move the vertex, wholly, and nothing else.
+bool isChain(const RyLegacyRig &rig, const std::vector<Part> &parts)
+{
+    for (size_t i = 0; i < parts.size(); ++i) {
+        const int next = i + 1 < parts.size() ? parts[i + 1].bone : -1;
+        if (rig.bones[size_t(parts[i].bone)].parent != next || !(parts[i].by == RyLegacyFractions::all()))
+            return false;
+    }
+    return !parts.empty();
+}
+
 /// What some bones have of a vertex, ascending.
 class Shares
 {
@@ -73,6 +84,13 @@ void RyLegacyFitVertex::findLower(const std::vector<size_t> &above)
 RyLegacyFitVertex::RyLegacyFitVertex(const RyLegacyRig &rig, int owner, std::vector<Part> movers)
     : parts(std::move(movers))
 {
+    if (isChain(rig, parts)) { // as most are
+        bones = {parts.front().bone};
+        plain = {1.0};
+        parts.clear();
+        parts.shrink_to_fit();
+        return;
+    }
     const std::vector<size_t> above = placesAbove(rig, parts);
     const std::vector<double> whole = wholes(rig, above);
     findLower(above);

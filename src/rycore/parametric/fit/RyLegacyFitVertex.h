@@ -11,9 +11,9 @@ struct RyLegacyFitVertex
     /// `movers`: all bones that move the vertex, children before parents.
     RyLegacyFitVertex(const RyLegacyRig &rig, int owner, std::vector<RyLegacyPose::Part> movers);
 
-    std::vector<RyLegacyPose::Part> parts;
-    std::vector<int> partly;   // bones that move it neither wholly nor not at all, ascending
-    std::vector<int> bones;    // candidates, ascending
+    std::vector<RyLegacyPose::Part> parts; // none where one bone and all above it move it wholly
+    std::vector<int> partly;               // bones that move it neither wholly nor not at all, ascending
+    std::vector<int> bones;                // candidates, ascending
     std::vector<double> plain; // their plain averages: means of the turns' fractions, chained down the bones; sum 1
     bool isPartly() const { return bones.size() > 1; }
     /// Where all bones inherit scale: the parts without the chain of bones above them that move it wholly, and the
