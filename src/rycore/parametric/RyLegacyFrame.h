@@ -19,7 +19,7 @@ public:
     bool hasNormals() const { return m_normals; }
     /// Nothing moves the group.
     bool isAtRest(int group) const;
-    /// Of what follows a bone and all above wholly, scale that is not inherited left aside; of the root for -1.
+    /// Of what follows a bone and all above wholly, scale that is not inherited left aside; the identity for -1.
     const RyAffine &wholeMap(int bone) const { return m_wholeMaps[size_t(bone + 1)]; }
     const RyAffine &wholeNormalMap(int bone) const { return m_wholeNormalMaps[size_t(bone + 1)]; }
     /// Whether any bone is taken out of the scale of others.
@@ -31,7 +31,7 @@ private:
     RyLegacyPose m_pose;
     bool m_normals;
     bool m_anyApart = false;
-    // Behind one for no bone.
+    // Those of bones stand behind one for no bone.
     std::vector<RyAffine> m_wholeMaps;
     std::vector<RyAffine> m_wholeNormalMaps;
     std::vector<char> m_wholeAtRest;
