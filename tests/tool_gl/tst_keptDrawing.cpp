@@ -3,6 +3,7 @@
 #include "RyDrawingStage.h"
 
 #include "pluginsource/RyJointTools/tool/drawing/RyToolDrawing.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -78,8 +79,10 @@ void RyKeptDrawingTest::bonesFollowEveryChange()
         change();
         const auto kept = stage.draw();
         RyToolDrawing fresh;
+        RyJointState joint;
+        joint.node = stage.tool->currentNode();
         RyGLRecorder recorder;
-        fresh.draw(stage.viewport.get(), false, *stage.tool->currentNode(), stage.tool->display(), 0);
+        fresh.draw(stage.viewport.get(), false, joint, stage.tool->display(), 0);
         recorder.stop();
         const auto verticesOf = [](const RyGLRecorder &recording) {
             std::vector<RyVec3> vertices;

@@ -15,7 +15,9 @@ static constexpr int toolPriority = 29;
 RyJointEditorTool::RyJointEditorTool()
     : RyPickTool(QStringLiteral("Joint Editor")),
       m_pointer(RyToolPointer::Surroundings{*this, m_joint, m_options, m_display.values(), m_drawing.bones(),
-                                            [this](RyBendAngle angle, float value) { setAngle(angle, value); }})
+                                            [this](int index, float radians, const RyBendAngles::Values &start) {
+                                                m_param.setAngle(index, radians, start);
+                                            }})
 {
     setObjectName(QStringLiteral("Joint Editor"));
     qRegisterMetaType<EditMode>("RyJointEditorTool::EditMode");
@@ -89,7 +91,7 @@ void RyJointEditorTool::draw(Ry3DViewport *viewport, const RyDrawStyle &style)
 {
     RyPickTool::draw(viewport, style);
     if (m_joint.node)
-        m_drawing.draw(viewport, style.shadeStyle == RyDrawStyle::PickPass, *m_joint.node, display(), hoveredId());
+        m_drawing.draw(viewport, style.shadeStyle == RyDrawStyle::PickPass, m_joint, display(), hoveredId());
 }
 
 void RyJointEditorTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pluginsource/RyJointTools/tool/RyPointFollowUp.h"
+#include "pluginsource/RyJointTools/tool/RyToolParam.h"
 #include "pluginsource/RyJointTools/tool/RyToolSelection.h"
 #include "pluginsource/RyJointTools/tool/display/RyToolDisplay.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyToolDrawing.h"
@@ -183,8 +184,6 @@ private slots:
     void postSelectionChangeEvent();
 
 private:
-    /// For drags: as an edit in the viewport.
-    void setAngle(RyBendAngle angle, float value);
     /// Sets an option that menus show.
     void setMenuOption(bool RyToolOptions::*option, bool onOff);
 
@@ -194,7 +193,8 @@ private:
     RyToolDrawing m_drawing;
     RyToolPointer m_pointer;
     RyPointFollowUp m_followUp{m_joint, m_options, m_pointer};
-    RyToolSelection m_selection{*this, m_joint, m_pointer};
+    RyToolParam m_param{*this, m_joint, m_options};
+    RyToolSelection m_selection{*this, m_joint, m_param, m_pointer};
 
     QPointer<QWidget> m_toolFrame;
     QPointer<QWidget> m_dividerBar;

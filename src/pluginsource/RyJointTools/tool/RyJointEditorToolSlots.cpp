@@ -254,16 +254,23 @@ void RyJointEditorTool::staticMatrixChange()
 
 void RyJointEditorTool::removeParamConnections()
 {
-    m_joint.forgetAngles();
+    m_param.disconnectValues();
 }
 
-// The tool takes no parameter of a joint as the current one, so that there is none to change.
+void RyJointEditorTool::updateParamConnections()
+{
+    m_param.connectValues();
+}
 
-void RyJointEditorTool::setParam(RyLegacyJointParam *) {}
+void RyJointEditorTool::validateAngleChange()
+{
+    m_param.angleChanged(sender());
+}
 
-void RyJointEditorTool::updateParamConnections() {}
-
-void RyJointEditorTool::validateAngleChange() {}
+void RyJointEditorTool::setParam(RyLegacyJointParam *param)
+{
+    m_param.set(param);
+}
 
 void RyJointEditorTool::translateParam(RyLegacyJointParam *, RyVec3) {}
 
@@ -273,25 +280,22 @@ void RyJointEditorTool::propagateParamTranslation(RyNode *, RyLegacyJointParam *
 
 void RyJointEditorTool::propagateSphereTranslation(RyLegacyJointSphere *, float, int) {}
 
-void RyJointEditorTool::setStaticA(float, int) {}
-
-void RyJointEditorTool::setDynamicB(float, int) {}
-
-void RyJointEditorTool::setDynamicC(float, int) {}
-
-void RyJointEditorTool::setStaticD(float, int) {}
-
-void RyJointEditorTool::setAngle(RyBendAngle angle, float value)
+void RyJointEditorTool::setStaticA(float angle, int)
 {
-    constexpr int viewport = 0;
-    switch (angle) {
-    case RyBendAngle::StaticA:
-        return setStaticA(value, viewport);
-    case RyBendAngle::DynamicB:
-        return setDynamicB(value, viewport);
-    case RyBendAngle::DynamicC:
-        return setDynamicC(value, viewport);
-    case RyBendAngle::StaticD:
-        return setStaticD(value, viewport);
-    }
+    m_param.setAngle(0, angle);
+}
+
+void RyJointEditorTool::setDynamicB(float angle, int)
+{
+    m_param.setAngle(1, angle);
+}
+
+void RyJointEditorTool::setDynamicC(float angle, int)
+{
+    m_param.setAngle(2, angle);
+}
+
+void RyJointEditorTool::setStaticD(float angle, int)
+{
+    m_param.setAngle(3, angle);
 }

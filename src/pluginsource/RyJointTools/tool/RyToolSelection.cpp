@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/tool/RyToolSelection.h"
 
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+#include "pluginsource/RyJointTools/tool/RyToolParam.h"
 #include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
@@ -24,8 +25,9 @@ static std::array<RyFloatProperty *, 3> endPointControls(const RyNode &node)
     return {node.getEndXControl(), node.getEndYControl(), node.getEndZControl()};
 }
 
-RyToolSelection::RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolPointer &pointer)
-    : m_tool(tool), m_joint(joint), m_pointer(pointer)
+RyToolSelection::RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolParam &param,
+                                 RyToolPointer &pointer)
+    : m_tool(tool), m_joint(joint), m_param(param), m_pointer(pointer)
 {}
 
 void RyToolSelection::start()
@@ -104,7 +106,7 @@ void RyToolSelection::update(RyNode *node)
         connectNode();
         m_joint.cachedOrigin = m_joint.node->getOrigin();
     }
-    m_tool.setParam(nullptr);
+    m_param.set(m_param.choose());
     m_tool.drawnDataChanged();
     emit m_tool.statusTextChanged();
     m_tool.hoverAgain();

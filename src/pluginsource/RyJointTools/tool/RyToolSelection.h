@@ -4,6 +4,7 @@ class QEvent;
 class RyJointEditorTool;
 class RyNode;
 class RyToolPointer;
+class RyToolParam;
 struct RyJointState;
 
 /// Which node is the tool's current one: while the tool is active it is the scene's primary selection. Many changes of
@@ -11,7 +12,7 @@ struct RyJointState;
 class RyToolSelection
 {
 public:
-    RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolPointer &pointer);
+    RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolParam &param, RyToolPointer &pointer);
 
     /// Begins and ends to follow the scene.
     void start();
@@ -32,6 +33,7 @@ private:
 
     RyJointEditorTool &m_tool;
     RyJointState &m_joint;
+    RyToolParam &m_param;
     RyToolPointer &m_pointer;
     bool m_pending = false;
 };

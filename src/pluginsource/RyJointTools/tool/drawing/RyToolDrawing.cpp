@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -38,9 +39,10 @@ const RyBoneFrames &RyToolDrawing::framesFor(const RyNode &node, const RyDrawCon
     return m_frames;
 }
 
-void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, RyNode &node, const RyJointToolDisplay &display,
-                         int hoveredId)
+void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, const RyJointState &joint,
+                         const RyJointToolDisplay &display, int hoveredId)
 {
+    const RyNode &node = *joint.node;
     if (pickPass)
         m_bones.refill(node.getSkeleton());
     const RyDrawContext context{pickPass, hoveredId, display, &node, m_bones, viewport};

@@ -8,6 +8,7 @@
 
 class Ry3DViewport;
 class RyNode;
+struct RyJointState;
 struct RyJointToolDisplay;
 
 /// All that the tool draws over the scene for its current node, and what is kept of it: the bones that have ids since
@@ -15,7 +16,9 @@ struct RyJointToolDisplay;
 class RyToolDrawing
 {
 public:
-    void draw(Ry3DViewport *viewport, bool pickPass, RyNode &node, const RyJointToolDisplay &display, int hoveredId);
+    /// Of a joint with a current node.
+    void draw(Ry3DViewport *viewport, bool pickPass, const RyJointState &joint, const RyJointToolDisplay &display,
+              int hoveredId);
     const RyBoneIndex &bones() const { return m_bones; }
 
 private:

@@ -1,6 +1,10 @@
 #include "pluginsource/RyJointTools/tool/handles/RyHandleFrame.h"
 
+#include "pluginsource/RyJointTools/tool/handles/RyParamSpace.h"
+
 #include "rycore/scene/RyNode.h"
+
+#include <algorithm>
 
 #include <cmath>
 
@@ -37,6 +41,52 @@ RyHandleFrame RyHandleFrame::ofEndPoint(const RyNode &node, const RyQuat &viewRo
     return makeFrame(node.getWSEndPoint(), node.getWSRot(), worldScale(node), viewRotation);
 }
 
+/// The anchor and axes of a map that handles are drawn with.
+static RyHandleFrame ofMap(const RyMatrix4 &map)
+{
+    RyHandleFrame frame;
+    frame.anchor = map.translation();
+    for (int k = 0; k < 3; ++k) {
+        const RyVec3 image = map.multDirMatrix(RyVec3::axis(k));
+        frame.axes[k] = image.normalized();
+        frame.lengths[k] = image.length();
+    }
+    return frame;
+}
+
+RyHandleFrame RyHandleFrame::ofSphere(const RyParamSpace &space, const RyMatrix4 &sphere)
+{
+    return ofMap(space.sphereToWorld(sphere));
+}
+
+RyHandleFrame RyHandleFrame::ofSphereArrows(const RyParamSpace &space, const RyMatrix4 &sphere)
+{
+    const RyHandleFrame extents = ofSphere(space, sphere);
+    RyHandleFrame frame = ofMap(space.toWorld);
+    frame.anchor = extents.anchor;
+    const float length = std::min({extents.lengths[0], extents.lengths[1], extents.lengths[2]}) / 3.0f;
+    std::fill(std::begin(frame.lengths), std::end(frame.lengths), length);
+    return frame;
+}
+
+RyHandleFrame RyHandleFrame::ofZones(const RyParamSpace &space)
+{
+    return ofMap(space.toWorld);
+}
+
+RyHandleFrame RyHandleFrame::ofAngles(const RyParamSpace &space)
+{
+    RyHandleFrame frame;
+    frame.anchor = space.toWorld.translation();
+    std::copy(std::begin(space.axes), std::end(space.axes), std::begin(frame.axes));
+    return frame;
+}
+
+RyVec3 RyHandleFrame::diagonal() const
+{
+    return (axes[0] + axes[1] + axes[2]).normalized();
+}
+
 RyMatrix4 RyHandleFrame::toWorld() const
 {
     RyMatrix3 linear;
@@ -45,12 +95,19 @@ RyMatrix4 RyHandleFrame::toWorld() const
     return RyMatrix4(linear, anchor);
 }
 
-RyVec3 RyHandleFrame::wayAlongAxis(int axis, const RyLine3 &ray) const
+RyVec3 RyHandleFrame::wayAlong(const RyVec3 &direction, const RyLine3 &ray) const
 {
-    const RyLine3 line(anchor, anchor + axes[axis]);
+    const RyLine3 line(anchor, anchor + direction);
     RyVec3 nearest;
     line.minDistanceFromLine(ray, nearest);
-    return axes[axis] * (nearest - anchor).dot(axes[axis]);
+    return direction * (nearest - anchor).dot(direction);
+}
+
+RyVec3 RyHandleFrame::wayAcrossAxis(int axis, const RyLine3 &ray) const
+{
+    RyVec3 hit;
+    ray.planeIntersect(anchor, axes[(axis + 1) % 3].cross(axes[(axis + 2) % 3]), hit);
+    return hit - anchor;
 }
 
 RyVec3 RyHandleFrame::wayInPlane(const RyLine3 &ray) const

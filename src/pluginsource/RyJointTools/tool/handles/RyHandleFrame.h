@@ -6,6 +6,7 @@
 #include "rycore/math/RyVec3.h"
 
 class RyNode;
+struct RyParamSpace;
 
 /// Where handles stand in the world. It is worked out here alone, for drawing them, for the pick pass and for dragging
 /// them: what is drawn begins at the anchor and runs along the axes, and drags measure from the anchor along the same
@@ -13,7 +14,7 @@ class RyNode;
 struct RyHandleFrame
 {
     RyVec3 anchor;
-    RyVec3 axes[3];                        // unit vectors, at right angles to each other
+    RyVec3 axes[3];                        // unit vectors, at right angles to each other unless a scale shears
     float lengths[3] = {1.0f, 1.0f, 1.0f}; // of one unit of what is drawn, along each axis; below zero where mirrored
     RyVec3 planeNormal;                    // of the plane that a handle without an axis moves in
 
@@ -24,10 +25,31 @@ struct RyHandleFrame
     /// Of a node's end point: the posed end point, with the axes of the node's own world rotation; the rest as above.
     static RyHandleFrame ofEndPoint(const RyNode &node, const RyQuat &viewRotation = RyQuat());
 
+    // --- Of a parameter of a joint, in its space. What is drawn there takes part in every scale, and so do the axes.
+
+    /// Of the rings and cubes of a sphere: its centre, with the directions of its own axes and half its extent along
+    /// each.
+    static RyHandleFrame ofSphere(const RyParamSpace &space, const RyMatrix4 &sphere);
+    /// Of the arrows that move a sphere: its centre, with the axes of the space; the lengths are those of the arrows, a
+    /// third of the sphere's least half extent.
+    static RyHandleFrame ofSphereArrows(const RyParamSpace &space, const RyMatrix4 &sphere);
+    /// Of the ends of zones: the driver's origin, with the axes of the space and the length of one unit along each.
+    static RyHandleFrame ofZones(const RyParamSpace &space);
+    /// Of bend angles: the driver's origin, with the axes of the space as rotations alone turn them; rays have no
+    /// scale.
+    static RyHandleFrame ofAngles(const RyParamSpace &space);
+
     /// From the space in which the handles' shapes are given, with the anchor at zero, to the world.
     RyMatrix4 toWorld() const;
+    /// Along which general scale is dragged: equally far from all axes. A unit vector.
+    RyVec3 diagonal() const;
     /// From the anchor to the place on an axis that is nearest to a ray of the world.
-    RyVec3 wayAlongAxis(int axis, const RyLine3 &ray) const;
+    RyVec3 wayAlongAxis(int axis, const RyLine3 &ray) const { return wayAlong(axes[axis], ray); }
+    /// The same on the line through the anchor along a unit vector.
+    RyVec3 wayAlong(const RyVec3 &direction, const RyLine3 &ray) const;
+    /// From the anchor to where a ray meets the plane of the two other axes; to the ray's origin when they are
+    /// parallel.
+    RyVec3 wayAcrossAxis(int axis, const RyLine3 &ray) const;
     /// From the anchor to where a ray of the world meets the plane; to the ray's origin when they are parallel.
     RyVec3 wayInPlane(const RyLine3 &ray) const;
 };

@@ -37,7 +37,7 @@ public:
         const RyToolOptions &options;
         const RyJointToolDisplay &display;
         const RyBoneIndex &bones;
-        std::function<void(RyBendAngle, float)> setAngle;
+        RyDragContext::SetAngle setAngle;
     };
     explicit RyToolPointer(const Surroundings &surroundings);
     ~RyToolPointer();
