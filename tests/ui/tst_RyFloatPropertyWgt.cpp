@@ -181,6 +181,45 @@ private slots:
         m_widget->addProperty(nullptr);
         m_widget->addProperty(m_second);
         QCOMPARE(field()->text(), QStringLiteral("4"));
+        QVERIFY(m_widget->isEnabled());
+    }
+
+    void staysDisabledByOthers()
+    {
+        m_widget->setEnabled(false);
+        m_first->setValue(3);
+        QVERIFY(!m_widget->isEnabled());
+        QCOMPARE(field()->text(), QStringLiteral("3"));
+        m_widget->addProperty(m_bone->getEndYControl());
+        QVERIFY(!m_widget->isEnabled());
+    }
+
+    void whoCorrectsTheFirstCorrectsAll()
+    {
+        connect(m_first, &RyFloatProperty::currentValueChanged, m_widget.get(), [this] {
+            for (RyFloatProperty *property : {m_first, m_second}) {
+                if (property->getValue() > 90.0f)
+                    property->setValue(90.0f);
+            }
+        });
+        type("120");
+        QCOMPARE(m_first->getValue(), 90.0f);
+        QCOMPARE(m_second->getValue(), 90.0f);
+    }
+
+    void spokenName()
+    {
+        m_widget->setLabelText(QStringLiteral("X Axis"));
+        QCOMPARE(field()->accessibleName(), QStringLiteral("X Axis"));
+        m_widget->setSpokenName(QStringLiteral("Position X Axis"));
+        QCOMPARE(field()->accessibleName(), QStringLiteral("Position X Axis"));
+        QCOMPARE(m_widget->slider()->accessibleName(), QStringLiteral("Position X Axis"));
+        QVERIFY(m_widget->label()->toolTip().startsWith(QStringLiteral("X Axis\n")));
+        QSignalSpy messages(m_widget.get(), &RyFloatPropertyWgt::messagePosted);
+        type("five");
+        QVERIFY(messages[0][0].toString().startsWith(QStringLiteral("Position X Axis: ")));
+        type("5");
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Change Position X Axis"));
     }
 
 private:

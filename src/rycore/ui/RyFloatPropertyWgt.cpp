@@ -39,12 +39,8 @@ RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
     setFocusProxy(m_field);
 
     connect(m_field, &RyNumberField::valueEdited, this, &RyFloatPropertyWgt::applyValue);
-    connect(m_field, &RyNumberField::refused, this, [this](const QString &reason) {
-        emit messagePosted(
-            tr("%1: not taken, %2.")
-                .arg(m_labelText.isNull() && getFirstProperty() ? getFirstProperty()->getLabel() : m_labelText,
-                     reason));
-    });
+    connect(m_field, &RyNumberField::refused, this,
+            [this](const QString &reason) { emit messagePosted(tr("%1: not taken, %2.").arg(spokenName(), reason)); });
     connect(m_label, &RyScrubLabel::scrubStarted, this, &RyFloatPropertyWgt::beginDrag);
     connect(m_label, &RyScrubLabel::scrubbed, this,
             [this](double pixels) { dragTo(m_dragStart + pixels * m_field->step() * 0.5); });
@@ -129,6 +125,12 @@ void RyFloatPropertyWgt::setLabelText(const QString &text)
     refresh();
 }
 
+void RyFloatPropertyWgt::setSpokenName(const QString &name)
+{
+    m_spokenName = name;
+    refresh();
+}
+
 float RyFloatPropertyWgt::sliderMin() const
 {
     const RyFloatProperty *property = getFirstProperty();
@@ -141,20 +143,29 @@ float RyFloatPropertyWgt::sliderMax() const
     return property && property->isClamped() ? property->getMax() : m_rangeMax;
 }
 
-QString RyFloatPropertyWgt::caption() const
+QString RyFloatPropertyWgt::spokenName() const
 {
     const RyFloatProperty *property = getFirstProperty();
-    return tr("Change %1").arg(!m_labelText.isEmpty() || !property ? m_labelText : property->getLabel());
+    if (!m_spokenName.isEmpty())
+        return m_spokenName;
+    return m_labelText.isEmpty() && property ? property->getLabel() : m_labelText;
+}
+
+QString RyFloatPropertyWgt::caption() const
+{
+    return tr("Change %1").arg(spokenName());
 }
 
 void RyFloatPropertyWgt::refresh()
 {
     const RyFloatProperty *property = getFirstProperty();
-    setEnabled(property != nullptr);
-    const QString text = m_labelText.isNull() ? (property ? property->getLabel() : QString()) : m_labelText;
-    m_label->setFullText(text);
-    m_field->setAccessibleName(text);
-    m_slider->setAccessibleName(text);
+    if (m_hasProperty != (property != nullptr)) {
+        m_hasProperty = property != nullptr;
+        setEnabled(m_hasProperty);
+    }
+    m_label->setFullText(m_labelText.isNull() && property ? property->getLabel() : m_labelText);
+    m_field->setAccessibleName(spokenName());
+    m_slider->setAccessibleName(spokenName());
     const double value = property ? double(property->getValue()) : 0.0;
     m_field->setBlank(!property);
     m_field->setValue(value);
@@ -170,7 +181,8 @@ void RyFloatPropertyWgt::refresh()
 
 void RyFloatPropertyWgt::writeAll(float value)
 {
-    const std::vector<QPointer<RyFloatProperty>> properties = m_properties;
+    // The first one last: who follows it and corrects all of them has the last word.
+    const std::vector<QPointer<RyFloatProperty>> properties(m_properties.rbegin(), m_properties.rend());
     for (const QPointer<RyFloatProperty> &property : properties) {
         if (property)
             property->adjustValue(value);

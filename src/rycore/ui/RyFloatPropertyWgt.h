@@ -14,6 +14,8 @@ class RyUndoStackHold;
 
 /// Shows the first of its float properties and writes every edit to all of them. One edit is one undo step: a typed
 /// value, a key step, a whole drag of the slider or of the label.
+///
+/// It is enabled when it gets its first property and disabled when it has none left; in between others may say.
 class RyFloatPropertyWgt : public QWidget
 {
     Q_OBJECT
@@ -33,6 +35,8 @@ public:
     void setSuffix(const QString &suffix);
     /// Instead of the property's label; null goes back to that.
     void setLabelText(const QString &text);
+    /// What undo steps, messages and screen readers call the value where the label alone would not tell it.
+    void setSpokenName(const QString &name);
 
     RyNumberField *numberField() const { return m_field; }
     RyScrubLabel *label() const { return m_label; }
@@ -53,6 +57,7 @@ private:
     void endDrag(bool cancelled);
     float sliderMin() const;
     float sliderMax() const;
+    QString spokenName() const;
     QString caption() const;
 
     std::vector<QPointer<RyFloatProperty>> m_properties;
@@ -64,5 +69,7 @@ private:
     float m_rangeMin = 0.0f;
     float m_rangeMax = 0.0f;
     QString m_labelText;
+    QString m_spokenName;
+    bool m_hasProperty = true;
     bool m_fullLength = false;
 };
