@@ -2,6 +2,7 @@
 
 #include "rycore/figure/RyLegacyBendRays.h"
 #include "rycore/figure/RyLegacyBoneShape.h"
+#include "rycore/figure/RyLegacySpheres.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/parametric/RyLegacySmoothScale.h"
@@ -10,9 +11,6 @@
 
 namespace {
 
-/// Shares of the box's diagonal, as spheres are reset.
-constexpr float DynamicShare = 0.5f;
-constexpr float StaticShare = 0.75f;
 constexpr double StaticSpread = 135.0;
 constexpr double DynamicSpread = 45.0;
 
@@ -25,7 +23,7 @@ public:
     void apply(RyLegacyJointParam &param) const
     {
         param.beginEdit();
-        setSpheres(param);
+        RyLegacySpheres::place(param, m_shape.toFigureSpace(m_shape.sphereCenter), m_shape.sphereSize);
         if (auto *bend = dynamic_cast<RyLegacyBendParam *>(&param))
             setAngles(*bend);
         if (auto *twist = dynamic_cast<RyLegacyTwistParam *>(&param))
@@ -36,19 +34,6 @@ public:
     }
 
 private:
-    void setSpheres(RyLegacyJointParam &param) const
-    {
-        const RyVec3 center = m_shape.toFigureSpace(m_shape.sphereCenter);
-        const RyLegacyBoneShape driver(*param.getDriver(), m_object);
-        const auto sphere = [&](float share) {
-            RyMatrix4 matrix(true);
-            matrix.scale(m_shape.sphereSize * share);
-            matrix.translate(driver.toParameterSpace(center));
-            return matrix;
-        };
-        param.setMatrices(sphere(DynamicShare), sphere(StaticShare), false);
-    }
-
     void setAngles(RyLegacyBendParam &bend) const
     {
         RyVec3 across = m_shape.way;
