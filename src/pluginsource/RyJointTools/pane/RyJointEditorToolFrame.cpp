@@ -1,14 +1,19 @@
 #include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
 
+#include "pluginsource/RyJointTools/pane/RyJointParamCombo.h"
+#include "pluginsource/RyJointTools/pane/RyJointParamPanel.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/parametric/RyLegacyCurve.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
+#include "rycore/ui/RyStandardMetrics.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -46,12 +51,12 @@ RyJointEditorToolFrame::RyJointEditorToolFrame(QWidget *parent, RyJointEditorToo
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeHeader());
-    layout->addWidget(makeNumbers());
-    layout->addStretch(1);
+    layout->addWidget(makeTop());
 
     updateNode(tool->currentNode());
+    updateParam(tool->currentParam());
     connect(tool, SIGNAL(nodeChanged(RyNode *)), this, SLOT(updateNode(RyNode *)));
+    connect(tool, SIGNAL(paramChanged(RyLegacyJointParam *)), this, SLOT(updateParam(RyLegacyJointParam *)));
 }
 
 QSize RyJointEditorToolFrame::minimumSizeHint() const
@@ -59,43 +64,69 @@ QSize RyJointEditorToolFrame::minimumSizeHint() const
     return QSize(paneWidth, paneHeight);
 }
 
-QWidget *RyJointEditorToolFrame::makeHeader()
+QWidget *RyJointEditorToolFrame::makeTop()
 {
-    auto *header = new QWidget(this);
-    header->setObjectName(QStringLiteral("JointEditorTopWgt"));
-    auto *grid = new QGridLayout(header);
+    auto *top = new QWidget(this);
+    top->setObjectName(QStringLiteral("JointEditorTopWgt"));
+    auto *grid = new QGridLayout(top);
     grid->setContentsMargins(spacing, spacing, spacing, spacing);
     grid->setSpacing(spacing);
 
-    auto *nodeLabel = new QLabel(tr("Node :"), header);
-    nodeLabel->setObjectName(QStringLiteral("JointEditorNodeLbl"));
-    m_nodeName = new QLabel(header);
+    m_nodeName = new QLabel(top);
     m_nodeName->setObjectName(QStringLiteral("JointEditorNodeNameLbl"));
     m_nodeName->setTextFormat(Qt::PlainText);
-    grid->addWidget(nodeLabel, 0, 0);
-    grid->addWidget(m_nodeName, 0, 1);
+    addRow(grid, tr("Node :"), "JointEditorNodeLbl", m_nodeName);
 
-    auto *orderLabel = new QLabel(tr("Rotation Order :"), header);
-    orderLabel->setObjectName(QStringLiteral("JointEditorRotationOrderLbl"));
-    m_rotationOrder = new QComboBox(header);
+    m_params = new RyJointParamCombo(m_tool, top);
+    m_params->setObjectName(QStringLiteral("JointEditorParameterCmb"));
+    m_params->setAccessibleName(tr("Parameter"));
+    m_params->setFixedHeight(RyStandardMetrics::DropDownHeight);
+    connect(m_params, SIGNAL(activated(int)), this, SLOT(setParam(int)));
+    addRow(grid, tr("Parameter :"), "JointEditorParameterLbl", m_params);
+
+    m_rotationOrder = new QComboBox(top);
     m_rotationOrder->setObjectName(QStringLiteral("JointEditorRotationOrderCmb"));
     m_rotationOrder->setAccessibleName(tr("Rotation Order"));
+    m_rotationOrder->setFixedHeight(RyStandardMetrics::DropDownHeight);
     for (int code = RyRotationOrder::XYZ; code <= RyRotationOrder::ZYX; ++code)
         m_rotationOrder->addItem(RyRotationOrder(code).name());
-    orderLabel->setBuddy(m_rotationOrder);
     connect(m_rotationOrder, SIGNAL(activated(int)), this, SLOT(setRotation(int)));
-    grid->addWidget(orderLabel, 1, 0);
-    grid->addWidget(m_rotationOrder, 1, 1);
+    addRow(grid, tr("Rotation Order :"), "JointEditorRotationOrderLbl", m_rotationOrder);
+
+    m_points = makeNumbers();
+    m_paramPanel = new RyJointParamPanel(m_tool, top);
+    m_paramPanel->setObjectName(QStringLiteral("JointEditorParamPanel"));
+    const int row = grid->rowCount();
+    grid->addWidget(m_points, row, 0, 1, 2);
+    grid->addWidget(m_paramPanel, row + 1, 0, 1, 2);
     grid->setColumnStretch(1, 1);
-    return header;
+    // A page that is hidden takes no room.
+    grid->setRowStretch(row, 1);
+    grid->setRowStretch(row + 1, 1);
+    return top;
+}
+
+void RyJointEditorToolFrame::addRow(QGridLayout *grid, const QString &label, const char *labelName, QWidget *field)
+{
+    auto *title = new QLabel(label, field->parentWidget());
+    title->setObjectName(QLatin1String(labelName));
+    title->setBuddy(field);
+    const int row = grid->isEmpty() ? 0 : grid->rowCount();
+    grid->addWidget(title, row, 0);
+    grid->addWidget(field, row, 1);
 }
 
 QWidget *RyJointEditorToolFrame::makeNumbers()
 {
-    auto *numbers = new QWidget(this);
+    auto *area = new QScrollArea(this);
+    area->setObjectName(QStringLiteral("JointEditorNumbersScrollArea"));
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    auto *numbers = new QWidget(area);
     numbers->setObjectName(QStringLiteral("JointEditorNumbersWgt"));
+    area->setWidget(numbers);
     auto *grid = new QGridLayout(numbers);
-    grid->setContentsMargins(spacing, spacing, spacing, spacing);
+    grid->setContentsMargins(0, spacing, 0, spacing);
     grid->setSpacing(spacing);
     int row = 0;
     for (int triple = 0; triple < 3; ++triple) {
@@ -115,7 +146,8 @@ QWidget *RyJointEditorToolFrame::makeNumbers()
             grid->addWidget(number, row++, 0);
         }
     }
-    return numbers;
+    grid->setRowStretch(row, 1);
+    return area;
 }
 
 void RyJointEditorToolFrame::updateHeader()
@@ -127,17 +159,35 @@ void RyJointEditorToolFrame::updateHeader()
     }
 }
 
+void RyJointEditorToolFrame::setParam(int selection)
+{
+    RyLegacyJointParam *param = m_params->paramAt(selection);
+    if (param || m_tool->currentParam())
+        m_tool->setParam(param);
+    else
+        updateParam(nullptr);
+}
+
+void RyJointEditorToolFrame::updateParam(RyLegacyJointParam *param)
+{
+    const bool isCurve = qobject_cast<RyLegacyCurve *>(param);
+    m_points->setVisible(!param);
+    m_paramPanel->setVisible(param && !isCurve);
+    m_params->choose(param);
+}
+
 void RyJointEditorToolFrame::updateNode(RyNode *node)
 {
     if (m_node)
         disconnect(m_node, nullptr, this, nullptr);
     m_node = node;
     if (m_node) {
-        connect(m_node, SIGNAL(nameChanged(QString)), this, SLOT(updateHeader()));
-        connect(m_node, SIGNAL(labelChanged(QString)), this, SLOT(updateHeader()));
-        connect(m_node, SIGNAL(rotationOrderChanged()), this, SLOT(updateHeader()));
+        connect(m_node, &RyBase::nameChanged, this, &RyJointEditorToolFrame::updateHeader);
+        connect(m_node, &RyElement::labelChanged, this, &RyJointEditorToolFrame::updateHeader);
+        connect(m_node, &RyNode::rotationOrderChanged, this, &RyJointEditorToolFrame::updateHeader);
     }
     setEnabled(node != nullptr);
+    m_params->fill();
     updateHeader();
     RyFloatProperty *properties[9] = {};
     if (node) {
@@ -152,6 +202,8 @@ void RyJointEditorToolFrame::updateNode(RyNode *node)
         if (properties[i])
             m_numbers[i]->addProperty(properties[i]);
     }
+    if (!node)
+        updateParam(m_tool->currentParam());
 }
 
 void RyJointEditorToolFrame::setRotation(int selection)

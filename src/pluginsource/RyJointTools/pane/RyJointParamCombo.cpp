@@ -1,0 +1,108 @@
+#include "pluginsource/RyJointTools/pane/RyJointParamCombo.h"
+
+#include "pluginsource/RyJointTools/operations/listParams.h"
+#include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/scene/RyScene.h"
+
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+using Param = RyLegacyJointParam;
+
+RyJointParamCombo::RyJointParamCombo(const RyJointEditorTool *tool, QWidget *parent) : QComboBox(parent), m_tool(tool)
+{
+    setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(4);
+}
+
+/// The control that turns a node about an axis, null for what is no axis.
+static const RyFloatProperty *rotationControl(const RyNode &node, int axis)
+{
+    switch (axis) {
+    case 0:
+        return node.getXRotControl();
+    case 1:
+        return node.getYRotControl();
+    case 2:
+        return node.getZRotControl();
+    default:
+        return nullptr;
+    }
+}
+
+QString RyJointParamCombo::textOf(const Param &param) const
+{
+    const RyNode &node = *m_tool->currentNode();
+    if (param.type() == Param::SmoothScale) {
+        const bool isParents = param.getDriver() && param.getDriver() == node.getNodeParent();
+        return param.objectName() + (isParents ? tr(" [Parent]") : tr(" [Child]"));
+    }
+    const RyFloatProperty *control = rotationControl(node, param.getAxis());
+    return control ? param.objectName() + tr(" [%1]").arg(control->getLabel()) : param.objectName();
+}
+
+std::vector<RyJointParamCombo::Entry> RyJointParamCombo::wantedEntries() const
+{
+    std::vector<Entry> entries{{nullptr, tr("Center/EndPoint")}};
+    for (Param *param : listParams(m_tool->currentNode()))
+        entries.push_back({param, textOf(*param)});
+    return entries;
+}
+
+void RyJointParamCombo::fill()
+{
+    const QSignalBlocker blocker(this);
+    m_entries = wantedEntries();
+    clear();
+    for (const Entry &entry : m_entries)
+        addItem(entry.text);
+    const Param *current = m_tool->currentParam();
+    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
+                                    [current](const Entry &entry) { return entry.param == current; });
+    setCurrentIndex(found != m_entries.end() ? int(found - m_entries.begin()) : 0);
+    connectSources();
+}
+
+void RyJointParamCombo::choose(const Param *param)
+{
+    const QSignalBlocker blocker(this);
+    const auto found =
+        std::find_if(m_entries.begin(), m_entries.end(), [param](const Entry &entry) { return entry.param == param; });
+    const int index = found != m_entries.end() ? int(found - m_entries.begin()) : 1;
+    setCurrentIndex(std::min(index, count() - 1));
+}
+
+Param *RyJointParamCombo::paramAt(int index) const
+{
+    return index > 0 && index < int(m_entries.size()) ? m_entries[size_t(index)].param : nullptr;
+}
+
+void RyJointParamCombo::follow()
+{
+    if (wantedEntries() != m_entries)
+        fill();
+}
+
+void RyJointParamCombo::connectSources()
+{
+    for (const QMetaObject::Connection &source : m_sources)
+        disconnect(source);
+    m_sources.clear();
+    const RyNode *node = m_tool->currentNode();
+    if (!node)
+        return;
+    const auto followSignal = [this](const auto *sender, auto signal) {
+        if (sender)
+            m_sources.push_back(connect(sender, signal, this, &RyJointParamCombo::follow));
+    };
+    followSignal(RyLegacyBinding::bindingForChildOf(node), &RyLegacyBinding::bindingChanged);
+    followSignal(node->getScene(), &RyScene::nodeListChanged);
+    for (int axis = 0; axis < 3; ++axis)
+        followSignal(rotationControl(*node, axis), &RyElement::labelChanged);
+    for (const Entry &entry : m_entries)
+        followSignal(entry.param.data(), &RyBase::nameChanged);
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "rycore/parametric/RyLegacyParamPair.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <vector>
+
+class QBoxLayout;
+class QVBoxLayout;
+class RyFloatPropertyWgt;
+class RyJointEditorTool;
+
+/// A page with numbers and switches of the joint parameter that the tool edits. What is edited goes to the parameter
+/// and to its partner at once.
+class RyJointParamPage : public QWidget
+{
+    Q_OBJECT
+public:
+    RyJointParamPage(RyJointEditorTool *tool, QWidget *parent);
+
+protected:
+    /// A row of numbers. `name`: the object names are made from it. `spoken` goes before the label where that alone
+    /// does not say what it is.
+    struct Row
+    {
+        QString label;
+        QString name;
+        QString spoken;
+        QString suffix;
+        float step;
+    };
+
+    RyJointEditorTool *tool() const { return m_tool; }
+    /// Null when it is gone.
+    RyLegacyJointParam *param() const { return m_param; }
+    RyLegacyParamPair pair() const;
+    /// From here on `showFlags` follows that parameter, and `showParam` its partner.
+    void follow(RyLegacyJointParam *param);
+    /// One step where the flag of the parameter or of its partner is another one, otherwise none.
+    void apply(RyLegacyJointParam::Flag flag, bool on, const QString &caption);
+
+    /// A column that scrolls.
+    QVBoxLayout *makeColumn(const QString &areaName, const QString &contentsName);
+    RyFloatPropertyWgt *addField(QBoxLayout *layout, const Row &row);
+    /// Fills the field with the value and with the partner's one, after what it has.
+    void addValue(RyFloatPropertyWgt *field, RyFloatProperty *value) const;
+    void clearFields();
+    /// After the last field: all labels as wide as the widest.
+    void alignLabels();
+
+    virtual void showParam() = 0;
+    virtual void showFlags() = 0;
+
+private:
+    void jointChanged();
+
+    RyJointEditorTool *m_tool;
+    QPointer<RyLegacyJointParam> m_param;
+    const RyLegacyJointParam *m_partner = nullptr; // the one shown; compared, never followed
+    QMetaObject::Connection m_following;
+    std::vector<RyFloatPropertyWgt *> m_allFields;
+    int m_labelWidth = 0;
+};

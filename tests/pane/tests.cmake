@@ -1,0 +1,5 @@
+# The settings pane of the tool, worked with keys and mouse.
+if(TARGET ry_jointtools)
+  ry_test(pane GL LIBS ry_jointtools rycore
+          SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/tool/RyToolScene.cpp ${CMAKE_CURRENT_SOURCE_DIR}/tool/RyToolScene.h)
+endif()

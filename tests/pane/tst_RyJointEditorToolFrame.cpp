@@ -1,0 +1,269 @@
+#include "RyPaneScene.h"
+#include "slotsOf.h"
+
+#include "rycore/parametric/RyLegacyBinding.h"
+
+#include <QLabel>
+#include <QLayout>
+#include <QMetaMethod>
+#include <QScrollArea>
+#include <QTabWidget>
+
+/// Choosing in the pane what of a node is edited.
+class RyJointEditorToolFrameTest : public QObject
+{
+    Q_OBJECT
+
+    static QComboBox &combo(const RyPaneScene &scene) { return *scene.find<QComboBox>("JointEditorParameterCmb"); }
+    static QStringList items(const RyPaneScene &scene)
+    {
+        QStringList list;
+        for (int i = 0; i < combo(scene).count(); ++i)
+            list.append(combo(scene).itemText(i));
+        return list;
+    }
+    /// "points", "parameter", "none", and the chosen item.
+    static QString look(const RyPaneScene &scene)
+    {
+        const bool points = scene.find<QScrollArea>("JointEditorNumbersScrollArea")->isVisible();
+        const bool panel = scene.find<QWidget>("JointEditorParamPanel")->isVisible();
+        const QString page = points && panel ? "both" : points ? "points" : panel ? "parameter" : "none";
+        return page + ' ' + combo(scene).currentText();
+    }
+
+private slots:
+    void slotsInOrder()
+    {
+        QCOMPARE(slotsOf<RyJointEditorToolFrame>(),
+                 QStringList(
+                     {"setParam(int)", "updateNode(RyNode*)", "updateParam(RyLegacyJointParam*)", "setRotation(int)"}));
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(RyJointEditorToolFrame::staticMetaObject
+                         .method(RyJointEditorToolFrame::staticMetaObject.methodOffset() + i)
+                         .access(),
+                     QMetaMethod::Private);
+    }
+
+    void rows()
+    {
+        RyPaneScene scene;
+        const auto *label = scene.find<QLabel>("JointEditorParameterLbl");
+        QCOMPARE(label->text(), QStringLiteral("Parameter :"));
+        QCOMPARE(label->buddy(), static_cast<QWidget *>(&combo(scene)));
+        QCOMPARE(combo(scene).minimumHeight(), combo(scene).maximumHeight());
+        int last = -1;
+        for (const char *name : {"JointEditorNodeLbl", "JointEditorParameterLbl", "JointEditorRotationOrderLbl",
+                                 "JointEditorNumbersScrollArea"}) {
+            const QWidget *widget = scene.find<QWidget>(name);
+            QCOMPARE(widget->parentWidget(), scene.find<QWidget>("JointEditorTopWgt"));
+            QVERIFY(widget->y() > last);
+            last = widget->y();
+        }
+    }
+
+    void lists()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint", "twistx [XRot]", "jointy [YRot]", "jointz [ZRot]",
+                                            "lArm_smoox [Parent]", "lTip_smoox [Child]"}));
+        // The copies that stand on the joint of the parent, and those of the children here, are not listed.
+        QVERIFY(scene.doll.param(scene.doll.lArm, "lHand_jointy"));
+        QVERIFY(scene.doll.param(scene.doll.lHand, "lTip_jointy"));
+        scene.doll.lHand->getYRotControl()->setLabel("Side-Side");
+        QCOMPARE(items(scene)[2], QStringLiteral("jointy [Side-Side]"));
+        scene.select(scene.lShin);
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+        scene.manager->setActiveTool(nullptr);
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        QVERIFY(!scene.pane->isEnabled());
+    }
+
+    void otherAxesAndDrivers()
+    {
+        RyPaneScene scene;
+        RyLegacyJoint *joint = scene.doll.joint(scene.doll.lHand);
+        joint->addJointParam(new RyLegacyCurve("plane", 4, scene.doll.lHand));
+        joint->addJointParam(new RyLegacyCurve("edge", 1, scene.doll.lHand));
+        joint->addJointParam(new RyLegacyTwistParam("stranger", 0, scene.doll.rArm));
+        joint->addJointParam(new RyLegacySmoothScale("lost", 0, nullptr));
+        scene.doll.joint(scene.doll.rHand)->addJointParam(new RyLegacyTwistParam("elsewhere", 0, scene.doll.lHand));
+        scene.select(scene.doll.lHand);
+        QCOMPARE(items(scene).mid(6), QStringList({"plane", "edge [YRot]", "lost [Child]"}));
+        scene.choose(scene.doll.lHand, "jointy");
+        pick(scene, "plane");
+        QCOMPARE(scene.tool->currentParam(), joint->findParam("plane"));
+        QCOMPARE(look(scene), QStringLiteral("none plane"));
+        pick(scene, "edge");
+        QCOMPARE(look(scene), QStringLiteral("none edge [YRot]"));
+        pick(scene, "lost");
+        QCOMPARE(look(scene), QStringLiteral("parameter lost [Child]"));
+    }
+
+    void choosing()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        QSignalSpy changes(scene.tool, &RyJointEditorTool::paramChanged);
+        pick(scene, "jointz");
+        QCOMPARE(scene.tool->currentParam(), scene.doll.param(scene.doll.lHand, "jointz"));
+        QCOMPARE(look(scene), QStringLiteral("parameter jointz [ZRot]"));
+        QCOMPARE(changes.count(), 3); // the list was walked
+        pick(scene, "Center/EndPoint");
+        QVERIFY(!scene.tool->currentParam());
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+        // Nothing is current: the pane shows the points again all the same.
+        const int before = changes.count();
+        emptyPane(scene);
+        QVERIFY(QMetaObject::invokeMethod(scene.pane, "setParam", Q_ARG(int, 0)));
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+        QCOMPARE(changes.count(), before);
+        scene.tool->setParam(scene.doll.param(scene.doll.lHand, "twistx"));
+        QCOMPARE(look(scene), QStringLiteral("parameter twistx [XRot]"));
+        QCOMPARE(ryUndoStack()->count(), 0);
+    }
+
+    void unlistedParameters()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        const auto show = [&](RyLegacyJointParam *param) {
+            return QMetaObject::invokeMethod(scene.pane, "updateParam", Q_ARG(RyLegacyJointParam *, param));
+        };
+        QVERIFY(show(scene.doll.param(scene.doll.rArm, "jointz")));
+        QCOMPARE(look(scene), QStringLiteral("parameter twistx [XRot]"));
+        scene.select(scene.lShin);
+        QVERIFY(show(scene.doll.param(scene.doll.rArm, "jointz")));
+        QCOMPARE(look(scene), QStringLiteral("parameter Center/EndPoint"));
+    }
+
+    void followsTheBone()
+    {
+        RyPaneScene scene;
+        scene.choose(scene.doll.lHand, "jointz");
+        scene.select(scene.doll.rHand);
+        QCOMPARE(scene.tool->currentParam(), scene.doll.param(scene.doll.rHand, "jointz"));
+        QCOMPARE(look(scene), QStringLiteral("parameter jointz [ZRot]"));
+        scene.select(scene.hip);
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+        scene.choose(scene.doll.lHand, "lTip_smoox");
+        scene.select(scene.doll.rHand);
+        QCOMPARE(look(scene), QStringLiteral("parameter rTip_smoox [Child]"));
+    }
+
+    void followsWhatBecomesOfTheJoint()
+    {
+        RyPaneScene scene;
+        RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
+        const QStringList before = items(scene);
+        RyLegacyJoint *joint = scene.doll.joint(scene.doll.lHand);
+        {
+            RyUndoStackHold hold;
+            joint->removeJointParam(joint->findParam("jointy"));
+            hold.accept("Remove");
+        }
+        QVERIFY(!items(scene).contains("jointy [YRot]"));
+        QCOMPARE(look(scene), QStringLiteral("parameter jointz [ZRot]"));
+        ryUndoStack()->undo();
+        QCOMPARE(items(scene), before);
+        QCOMPARE(look(scene), QStringLiteral("parameter jointz [ZRot]"));
+        ryUndoStack()->redo();
+        joint->addJointParam(new RyLegacyTwistParam("roll", 0, scene.doll.lHand));
+        QCOMPARE(items(scene).back(), QStringLiteral("roll [XRot]"));
+        bend->setName("fold");
+        QCOMPARE(look(scene), QStringLiteral("parameter fold [ZRot]"));
+        joint->findParam("roll")->setDriver(scene.doll.rArm);
+        QVERIFY(!items(scene).contains("roll [XRot]"));
+        // The one that is shown goes.
+        joint->removeJointParam(bend);
+        QVERIFY(!scene.tool->currentParam());
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+        QVERIFY(!items(scene).contains("fold [ZRot]"));
+    }
+
+    void followsTheJointAndTheParent()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        const QStringList before = items(scene);
+        {
+            RyUndoStackHold hold;
+            scene.doll.binding->removeJoint(scene.doll.joint(scene.doll.lHand));
+            hold.accept("Remove");
+        }
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        ryUndoStack()->undo();
+        QCOMPARE(items(scene), before);
+        {
+            RyUndoStackHold hold;
+            scene.doll.rArm->addNodeChild(scene.doll.lHand, true);
+            hold.accept("Move");
+        }
+        QVERIFY(items(scene).contains("lArm_smoox [Child]"));
+        ryUndoStack()->undo();
+        QCOMPARE(items(scene), before);
+    }
+
+    void rotationOrder()
+    {
+        RyPaneScene scene;
+        const RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
+        ryUndoStack()->clearAll();
+        auto *orders = scene.find<QComboBox>("JointEditorRotationOrderCmb");
+        QSignalSpy params(scene.tool, &RyJointEditorTool::paramChanged);
+        QSignalSpy activations(orders, QOverload<int>::of(&QComboBox::currentIndexChanged));
+        const QString before = RyPaneScene::wholeDump();
+        orders->setFocus();
+        QTest::keyClick(orders, Qt::Key_End);
+        QCOMPARE(scene.doll.lHand->getRotationOrder().order(), 5);
+        QCOMPARE(scene.tool->currentParam(), bend);
+        QCOMPARE(look(scene), QStringLiteral("parameter jointx [XRot]"));
+        RyPaneScene::checkStep(before, QStringLiteral("Rotation Order Change"));
+        QCOMPARE(look(scene), QStringLiteral("parameter jointx [XRot]"));
+        ryUndoStack()->undo();
+        QCOMPARE(look(scene), QStringLiteral("parameter jointz [ZRot]"));
+        QCOMPARE(orders->currentIndex(), 0);
+        QCOMPARE(params.count(), 0);
+        QCOMPARE(activations.count(), 1); // the key
+        // By other hands, too.
+        scene.tool->changeRotationOrder(scene.doll.lHand, RyRotationOrder(RyRotationOrder::YZX));
+        QCOMPARE(orders->currentIndex(), 3);
+        QVERIFY(look(scene).startsWith(QStringLiteral("parameter joint")));
+        QCOMPARE(scene.tool->currentParam(), bend);
+    }
+
+    void fitsItsWidth()
+    {
+        RyPaneScene scene;
+        for (const char *name : {"jointz", "twistx", "lArm_smoox"}) {
+            scene.choose(scene.doll.lHand, name);
+            int tab = 0;
+            for (const char *page : {"JointParamGeneralScrollArea", "JointParamMatricesScrollArea"}) {
+                scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(tab++);
+                const auto *area = scene.find<QScrollArea>(page);
+                QVERIFY(area->isVisible());
+                QVERIFY2(area->widget()->minimumSizeHint().width() <= area->viewport()->width(), page);
+            }
+            QVERIFY2(scene.pane->layout()->totalMinimumSize().width() <= 220,
+                     QByteArray::number(scene.pane->layout()->totalMinimumSize().width()));
+            QVERIFY(scene.pane->layout()->totalMinimumSize().height() <= 400);
+        }
+    }
+
+private:
+    static void pick(RyPaneScene &scene, const char *begin)
+    {
+        RyPaneScene::pickItem(combo(scene), QString::fromLatin1(begin));
+    }
+    static void emptyPane(RyPaneScene &scene)
+    {
+        RyLegacyCurve curve;
+        QVERIFY(QMetaObject::invokeMethod(scene.pane, "updateParam", Q_ARG(RyLegacyJointParam *, &curve)));
+        QVERIFY(look(scene).startsWith(QStringLiteral("none")));
+    }
+};
+
+RY_TEST(RyJointEditorToolFrameTest)
+
+#include "tst_RyJointEditorToolFrame.moc"
