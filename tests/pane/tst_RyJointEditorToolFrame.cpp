@@ -59,6 +59,13 @@ private slots:
             QVERIFY(widget->y() > last);
             last = widget->y();
         }
+        // Either page has the same room.
+        scene.select(scene.doll.lHand);
+        QCoreApplication::processEvents();
+        const QRect room = scene.find<QWidget>("JointEditorNumbersScrollArea")->geometry();
+        QVERIFY(scene.choose(scene.doll.lHand, "jointz"));
+        QCoreApplication::processEvents();
+        QCOMPARE(scene.find<QWidget>("JointEditorParamPanel")->geometry(), room);
     }
 
     void lists()

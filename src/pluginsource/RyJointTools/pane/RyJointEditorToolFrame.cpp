@@ -98,11 +98,9 @@ QWidget *RyJointEditorToolFrame::makeTop()
     m_paramPanel->setObjectName(QStringLiteral("JointEditorParamPanel"));
     const int row = grid->rowCount();
     grid->addWidget(m_points, row, 0, 1, 2);
-    grid->addWidget(m_paramPanel, row + 1, 0, 1, 2);
+    grid->addWidget(m_paramPanel, row, 0, 1, 2); // one of the two shows
     grid->setColumnStretch(1, 1);
-    // A page that is hidden takes no room.
     grid->setRowStretch(row, 1);
-    grid->setRowStretch(row + 1, 1);
     return top;
 }
 
