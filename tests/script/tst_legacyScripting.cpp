@@ -80,6 +80,38 @@ private slots:
         QCOMPARE(errorOf("twist.getFlag('angles')"), QString("Error: \"twistx\" has no flag called \"angles\"."));
     }
 
+    void bothSides()
+    {
+        QVERIFY(holds("bend.setFlag('bulges', true, true);"
+                      "bend.getFlag('bulges') && bend.getPartner().getFlag('bulges')"));
+        QVERIFY(holds("bend.setFlag('bulges', false); !bend.getFlag('bulges') && bend.getPartner().getFlag('bulges')"));
+        for (const char *name : {"flipped", "high", "low"})
+            QCOMPARE(errorOf(QByteArray("scale.setFlag('") + name + "', true, true)"),
+                     QString("Error: The sides of a joint differ in \"%1\".").arg(QLatin1String(name)));
+        QVERIFY(holds("bend.setValue('staticD', 12, true);"
+                      "bend.getValue('staticD') === 12 && bend.getPartner().getValue('staticD') === 12"));
+        QVERIFY(holds("scale.setValue('loEnd', 7, true);"
+                      "scale.getValue('loEnd') === 7 && scale.getPartner().getValue('hiStart') === 7"));
+        RyFloatProperty *other = m_arm->scaleOf(m_arm->arm, "elbow_smoox")->getHiStartController();
+        other->setMax(50);
+        other->setIsClamped(true);
+        QVERIFY(errorOf("scale.setValue('loEnd', 60, true)") != QString("no error"));
+        QVERIFY(holds("scale.getValue('loEnd') === 7 && scale.getPartner().getValue('hiStart') === 7"));
+        QVERIFY(holds("scale.setValue('loEnd', 60); scale.getValue('loEnd') === 60"));
+    }
+
+    void resetMatrices()
+    {
+        QVERIFY(holds("var untouched = bend.getPartner().getStaticMatrix().join(); bend.resetMatrices(false);"
+                      "bend.getPartner().getStaticMatrix().join() === untouched"));
+        QVERIFY(holds("Math.abs(bend.getStaticMatrix()[5] / bend.getDynamicMatrix()[5] - 1.5) < 1e-4"));
+        QVERIFY(holds("bend.resetMatrices(); bend.getStaticMatrix().every(function (number, i) {"
+                      "    return Math.abs(number - bend.getPartner().getStaticMatrix()[i]) < 1e-3; })"));
+        RyRef<RyLegacyJointParam> kept(m_arm->twistOf(m_arm->elbow, "twistx"));
+        m_arm->jointOf(m_arm->elbow)->removeJointParam(kept.get());
+        QCOMPARE(errorOf("twist.resetMatrices()"), QString("Error: \"twistx\" is on no joint."));
+    }
+
     void values()
     {
         QVERIFY(holds("twist.getValueNames().slice(0, 3).join() === 'start,end,dynamic_xtran'"));

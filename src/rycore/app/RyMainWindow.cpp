@@ -63,7 +63,7 @@ RyMainWindow::RyMainWindow(RyScene *scene, QWidget *parent) : QMainWindow(parent
     d->viewports = std::make_unique<RyViewportMgr>(scene);
     d->actions = std::make_unique<RyActionMgr>(d->viewports.get());
     d->scripts->setGlobalScene(scene);
-    ryAddScriptServices(d->scripts.get(), d->actions.get());
+    ryAddScriptServices(d->scripts.get(), d->actions.get(), d->viewports.get());
     if (scene)
         new RyScriptSteps(scene, d->viewports.get(), d->scripts.get(), this);
     connect(d->viewports.get(), &RyViewportMgr::viewportAdded, this, [this](Ry3DViewport *viewport) {

@@ -33,6 +33,8 @@ class RyLegacyJointSphere;
 class RyJointEditorTool : public RyPickTool
 {
     Q_OBJECT
+    Q_PROPERTY(RyNode *currentNode READ currentNode NOTIFY nodeChanged)
+    Q_PROPERTY(RyLegacyJointParam *currentParam READ currentParam WRITE setParam NOTIFY paramChanged)
 public:
     enum EditMode { CenterEndMode = 0, ParamMode = 1 };
     Q_ENUM(EditMode)

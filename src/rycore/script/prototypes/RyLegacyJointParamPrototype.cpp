@@ -1,11 +1,14 @@
 #include "rycore/script/prototypes/RyLegacyJointParamPrototype.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyLegacySpheres.h"
 #include "rycore/math/RyFastMath.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/parametric/RyLegacyParamPair.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 
 #include <cmath>
 
@@ -33,6 +36,8 @@ bool isFlagOf(const RyLegacyJointParam &param, const FlagName &flag)
 {
     return flag.kind < 0 || flag.kind == param.type();
 }
+
+constexpr unsigned OneSided = RyLegacyJointParam::Flipped | RyLegacyJointParam::HighSide | RyLegacyJointParam::LowSide;
 
 } // namespace
 
@@ -120,11 +125,16 @@ bool RyLegacyJointParamPrototype::getFlag(const QString &name) const
     return param && (param->flags() & flag(*param, name));
 }
 
-void RyLegacyJointParamPrototype::setFlag(const QString &name, bool onOff) const
+void RyLegacyJointParamPrototype::setFlag(const QString &name, bool onOff, bool both) const
 {
     auto *param = self<RyLegacyJointParam>();
-    if (const unsigned bit = param ? flag(*param, name) : 0)
-        param->setFlags(onOff ? param->flags() | bit : param->flags() & ~bit);
+    const unsigned bit = param ? flag(*param, name) : 0;
+    if (!bit)
+        return;
+    if (both && (bit & OneSided))
+        fail(tr("The sides of a joint differ in \"%1\".").arg(name));
+    else
+        RyLegacyParamPair(param, both ? param->findPartner() : nullptr).setFlag(RyLegacyJointParam::Flag(bit), onOff);
 }
 
 std::vector<RyFloatProperty *> RyLegacyJointParamPrototype::values() const
@@ -149,6 +159,26 @@ RyFloatProperty *RyLegacyJointParamPrototype::value(const QString &name) const
     }
     fail(tr("\"%1\" has no value called \"%2\".").arg(param->getName(), name));
     return nullptr;
+}
+
+void RyLegacyJointParamPrototype::setValue(const QString &name, double value, bool both) const
+{
+    auto *param = self<RyLegacyJointParam>();
+    RyFloatProperty *property = this->value(name);
+    if (!property || !isNumber(name, value))
+        return;
+    const std::vector<RyFloatProperty *> properties =
+        RyLegacyParamPair(param, both ? param->findPartner() : nullptr).both(property);
+    for (const RyFloatProperty *each : properties) {
+        QString error;
+        if (!RyNodeLookup::canBecome(*each, float(value), &error)) {
+            fail(error);
+            return;
+        }
+    }
+    // As fields write them: who follows the first one has the last word.
+    for (auto each = properties.rbegin(); each != properties.rend(); ++each)
+        (*each)->adjustValue(float(value));
 }
 
 QScriptValue RyLegacyJointParamPrototype::getAngles() const
@@ -234,6 +264,21 @@ void RyLegacyJointParamPrototype::setStaticMatrix(const QScriptValue &numbers) c
     RyMatrix4 matrix;
     if (param && toMatrix(numbers, &matrix))
         param->setStaticMatrix(matrix);
+}
+
+void RyLegacyJointParamPrototype::resetMatrices(bool both) const
+{
+    auto *param = self<RyLegacyJointParam>();
+    const RyLegacyJoint *joint = param ? param->getJoint() : nullptr;
+    if (!joint || !joint->getBone()) {
+        if (param)
+            fail(tr("\"%1\" is on no joint.").arg(param->getName()));
+        return;
+    }
+    RyLegacyJointParam *partner = both ? RyLegacyParamPair(param).partner() : nullptr;
+    RyLegacySpheres::reset(*param, *joint->getBone());
+    if (partner)
+        RyLegacySpheres::reset(*partner, *joint->getBone());
 }
 
 RyWeightMap *RyLegacyJointParamPrototype::getWeights() const

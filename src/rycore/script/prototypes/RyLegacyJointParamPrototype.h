@@ -27,7 +27,12 @@ public:
     /// Those that its kind has: "flipped", "matrices", "angles", "bulges", "blend", "zones", "high", "low".
     Q_INVOKABLE QStringList getFlagNames() const;
     Q_INVOKABLE bool getFlag(const QString &name) const;
-    Q_INVOKABLE void setFlag(const QString &name, bool onOff) const;
+    /// `both`: on both sides of the joint, but for "flipped", "high" and "low", in which these differ.
+    Q_INVOKABLE void setFlag(const QString &name, bool onOff, bool both = false) const;
+
+    using RyValuesPrototype::setValue;
+    /// `both`: the partner's equal one, too; of a smooth-scale that is the zone seen from the other side.
+    Q_INVOKABLE void setValue(const QString &name, double value, bool both) const;
 
     /// Of a bend: A, B, C and D.
     Q_INVOKABLE QScriptValue getAngles() const;
@@ -40,6 +45,8 @@ public:
     Q_INVOKABLE QScriptValue getStaticMatrix() const;
     Q_INVOKABLE void setDynamicMatrix(const QScriptValue &numbers) const;
     Q_INVOKABLE void setStaticMatrix(const QScriptValue &numbers) const;
+    /// Puts the spheres, and with `both` those of the partner, around the bone of the joint.
+    Q_INVOKABLE void resetMatrices(bool both = true) const;
 
     /// A map that holds until the next call; null where there is no mesh.
     Q_INVOKABLE RyWeightMap *getWeights() const;
