@@ -226,6 +226,9 @@ private slots:
         const int all = row == 2 ? 2 : 4;
         QVERIFY(box->isChecked());
         QCOMPARE(enabled(), all);
+        auto *page = scene.find<RyJointParamGeneralPage>("JointEditorParamGeneralPage");
+        QVERIFY(QMetaObject::invokeMethod(page, group.slot, Q_ARG(bool, true)));
+        QCOMPARE(ryUndoStack()->count(), 0); // it was so
         const QString before = RyPaneScene::wholeDump();
         RyPaneScene::click(*box);
         QVERIFY(!(param->flags() & group.flag) && !(partner->flags() & group.flag));

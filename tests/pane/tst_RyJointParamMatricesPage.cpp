@@ -274,6 +274,11 @@ private slots:
         QTest::mouseClick(restrict, Qt::LeftButton, Qt::NoModifier, QPoint(8, restrict->height() / 2));
         QVERIFY(!scene.tool->display().restrictRotationAxes);
         QVERIFY(scene.field(rotationX)->isEnabled() && scene.field(rotationY)->isEnabled());
+        // What is so when they are restricted stays until a turn changes, and nobody else asks.
+        sphere->getXRotControl()->setValue(5.0f);
+        scene.tool->setRestrictRotationAxes(true);
+        QVERIFY(QMetaObject::invokeMethod(scene.page(), "validateRotationAxisRestriction"));
+        QVERIFY(scene.field(rotationX)->isEnabled() && scene.field(rotationY)->isEnabled());
         // Fields of nothing stay disabled.
         scene.tool->setParam(nullptr);
         QVERIFY(QMetaObject::invokeMethod(scene.page(), "restrictRotationAxesToggled", Q_ARG(bool, false)));

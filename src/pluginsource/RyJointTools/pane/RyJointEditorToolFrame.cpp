@@ -96,9 +96,11 @@ QWidget *RyJointEditorToolFrame::makeTop()
     m_points = makeNumbers();
     m_paramPanel = new RyJointParamPanel(m_tool, top);
     m_paramPanel->setObjectName(QStringLiteral("JointEditorParamPanel"));
+    auto *pages = new QVBoxLayout; // one of them shows
+    pages->addWidget(m_points);
+    pages->addWidget(m_paramPanel);
     const int row = grid->rowCount();
-    grid->addWidget(m_points, row, 0, 1, 2);
-    grid->addWidget(m_paramPanel, row, 0, 1, 2); // one of the two shows
+    grid->addLayout(pages, row, 0, 1, 2);
     grid->setColumnStretch(1, 1);
     grid->setRowStretch(row, 1);
     return top;
