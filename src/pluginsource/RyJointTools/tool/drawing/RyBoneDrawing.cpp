@@ -2,9 +2,9 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 #include "pluginsource/RyJointTools/tool/drawing/handleColors.h"
+#include "pluginsource/RyJointTools/tool/drawing/unitCircle.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 
-#include "rycore/math/RyFastMath.h"
 #include "rycore/scene/RyBone.h"
 
 #include <GL/gl.h>
@@ -30,21 +30,6 @@ struct Waist
     }
     std::array<RyVec3, 4> corners;
 };
-
-struct CirclePoint
-{
-    float sine, cosine;
-};
-
-std::array<CirclePoint, ringSegments> makeCircle()
-{
-    std::array<CirclePoint, ringSegments> points{};
-    for (size_t i = 0; i < points.size(); ++i) {
-        const double angle = 2.0 * RyFastMath::Pi * double(i) / ringSegments;
-        points[i] = {float(std::sin(angle)), float(std::cos(angle))};
-    }
-    return points;
-}
 
 } // namespace
 
@@ -166,14 +151,13 @@ void RyBoneDrawing::drawOutline(const RyBoneFrame &frame, float alpha) const
 
 void RyBoneDrawing::drawRing(const RyBoneFrame &frame, float alpha) const
 {
-    static const std::array<CirclePoint, ringSegments> circle = makeCircle();
     const bool inOrder = frame.axes[1] == (frame.axes[0] + 1) % 3;
     const RyVec3 &first = frame.sides[inOrder ? 0 : 1];
     const RyVec3 &second = frame.sides[inOrder ? 1 : 0];
     const RyVec3 middle = frame.waistMiddle();
     glBegin(GL_LINE_LOOP);
     setColor(m_axisColors[frame.axes[0]], alpha);
-    for (const CirclePoint &point : circle)
+    for (const RyCirclePoint &point : unitCircle<ringSegments>())
         putVertex(middle + first * point.cosine + second * point.sine);
     glEnd();
 }

@@ -54,22 +54,13 @@ bool RyManipulatorDrawing::isSeen(const RyMatrix4 &toWorld) const
 void RyManipulatorDrawing::drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const
 {
     if (m_context.display.showManipulators) {
-        for (const RyHandle &handle : RyHandleTable::handles()) {
-            if (handle.target == target && handle.kind == RyHandle::AxisArrow)
-                drawArrow(toWorld, handle);
-        }
+        for (const RyHandle *handle : RyHandleTable::handlesOf(target, RyHandle::AxisArrow))
+            drawArrow(toWorld, *handle);
     }
-    for (const RyHandle &handle : RyHandleTable::handles()) {
-        if (handle.target == target && handle.kind == RyHandle::Point) {
-            drawCrosshair(toWorld, handle);
-            drawBall(toWorld, handle);
-        }
+    for (const RyHandle *handle : RyHandleTable::handlesOf(target, RyHandle::Point)) {
+        drawCrosshair(toWorld, *handle);
+        drawBall(toWorld, *handle);
     }
-}
-
-void RyManipulatorDrawing::setColorOf(const RyHandle &handle) const
-{
-    setHandleColor(m_context, handle.id, m_context.display.dynamicColor);
 }
 
 void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, const RyHandle &handle) const
@@ -77,7 +68,7 @@ void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, const RyHandle &h
     const RyVec3 tip = RyVec3::axis(handle.axis) * handleLength;
     const RyVec3 worldTip = toWorld.multVecMatrix(tip);
     glBegin(GL_LINES);
-    setColorOf(handle);
+    setHandleColor(m_context, handle);
     putVertex(toWorld.translation());
     putVertex(worldTip);
     glEnd();
@@ -87,7 +78,7 @@ void RyManipulatorDrawing::drawArrow(const RyMatrix4 &toWorld, const RyHandle &h
 void RyManipulatorDrawing::drawCrosshair(const RyMatrix4 &toWorld, const RyHandle &handle) const
 {
     glBegin(GL_LINES);
-    setColorOf(handle);
+    setHandleColor(m_context, handle);
     for (int axis = 0; axis < 3; ++axis) {
         putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * -handleLength));
         putVertex(toWorld.multVecMatrix(RyVec3::axis(axis) * handleLength));
@@ -101,7 +92,7 @@ void RyManipulatorDrawing::drawBall(const RyMatrix4 &toWorld, const RyHandle &ha
     glPushMatrix();
     glMultMatrixf(toWorld.data());
     glBegin(GL_TRIANGLES);
-    setColorOf(handle);
+    setHandleColor(m_context, handle);
     glEnd();
     RyGLUtility::drawSphere(std::max(m_context.display.sphereLineDensity, 1), radius, false, true);
     glPopMatrix();

@@ -18,9 +18,6 @@ public:
 private:
     bool isSeen(const RyMatrix4 &toWorld) const;
     void drawPoint(RyHandle::Target target, const RyMatrix4 &toWorld) const;
-    /// To be called within glBegin and glEnd: a driver keeps one program for all that gives its colour there, and needs
-    /// another where the colour is set aside.
-    void setColorOf(const RyHandle &handle) const;
     void drawArrow(const RyMatrix4 &toWorld, const RyHandle &handle) const;
     void drawCrosshair(const RyMatrix4 &toWorld, const RyHandle &handle) const;
     void drawBall(const RyMatrix4 &toWorld, const RyHandle &handle) const;

@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyParamDrawing.h"
 #include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 
 #include "rycore/scene/RySkeleton.h"
@@ -47,7 +48,10 @@ void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, const RyJointSta
         m_bones.refill(node.getSkeleton());
     const RyDrawContext context{pickPass, hoveredId, display, &node, m_bones, viewport};
     RyBoneDrawing(context).draw(framesFor(node, context));
-    RyManipulatorDrawing(context).draw(node);
+    if (const RyLegacyJointParam *param = joint.param.get())
+        RyParamDrawing(context).draw(*param, node);
+    else
+        RyManipulatorDrawing(context).draw(node);
     if (display.drawMeshBoundaries)
         RyBoundaryDrawing(context, m_boundaryEdges).draw(node);
 }

@@ -11,14 +11,20 @@ void setPickColor(int id)
     glColor3ub(GLubyte(id), 0, pickMark);
 }
 
-void setHandleColor(const RyDrawContext &context, int id, const QColor &color)
+QColor restingColor(const RyDrawContext &context, RyHandle::ColorRole role)
+{
+    return role == RyHandle::StaticColor ? context.display.staticColor : context.display.dynamicColor;
+}
+
+void setHandleColor(const RyDrawContext &context, const RyHandle &handle)
 {
     if (context.pickPass) {
-        setPickColor(id);
-    } else if (id != 0 && id == context.hoveredId) {
+        setPickColor(handle.id);
+    } else if (handle.id == context.hoveredId) {
         const QColor &selected = context.display.selectedColor;
         glColor3f(GLfloat(selected.red()), GLfloat(selected.green()), GLfloat(selected.blue()));
     } else {
+        const QColor color = restingColor(context, handle.color);
         glColor3ub(GLubyte(color.red()), GLubyte(color.green()), GLubyte(color.blue()));
     }
 }

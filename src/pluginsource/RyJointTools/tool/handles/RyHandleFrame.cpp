@@ -82,6 +82,18 @@ RyHandleFrame RyHandleFrame::ofAngles(const RyParamSpace &space)
     return frame;
 }
 
+RyHandleFrame::AngleReferences RyHandleFrame::angleReferences(int axis) const
+{
+    switch (axis) {
+    case 0:
+        return {-axes[2], axes[1]};
+    case 1:
+        return {axes[0], axes[2]};
+    default:
+        return {axes[0], axes[1]};
+    }
+}
+
 RyVec3 RyHandleFrame::diagonal() const
 {
     return (axes[0] + axes[1] + axes[2]).normalized();

@@ -41,6 +41,13 @@ struct RyHandleFrame
 
     /// From the space in which the handles' shapes are given, with the anchor at zero, to the world.
     RyMatrix4 toWorld() const;
+    /// In the plane across an axis: where angles about it are counted from, and where a quarter turn lies.
+    struct AngleReferences
+    {
+        RyVec3 zero;
+        RyVec3 quarter;
+    };
+    AngleReferences angleReferences(int axis) const;
     /// Along which general scale is dragged: equally far from all axes. A unit vector.
     RyVec3 diagonal() const;
     /// From the anchor to the place on an axis that is nearest to a ray of the world.

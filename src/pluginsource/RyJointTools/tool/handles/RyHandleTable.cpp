@@ -189,6 +189,16 @@ const RyHandle *RyHandleTable::find(int id)
     return found != end && found->id == id ? found : nullptr;
 }
 
+std::vector<const RyHandle *> RyHandleTable::handlesOf(RyHandle::Target target, RyHandle::Kind kind)
+{
+    std::vector<const RyHandle *> found;
+    for (const RyHandle &handle : allHandles) {
+        if (handle.target == target && handle.kind == kind)
+            found.push_back(&handle);
+    }
+    return found;
+}
+
 QString RyHandleTable::toolTip(const RyHandle &handle)
 {
     return translated(handle.toolTip);

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <span>
+#include <vector>
 
 /// All handles, in order of their ids; bones are not in it.
 class RyHandleTable
@@ -13,6 +14,8 @@ public:
     static std::span<const RyHandle> handles();
     /// Null for ids that are no handle.
     static const RyHandle *find(int id);
+    /// Those that change a target and are of one kind, in order of their ids.
+    static std::vector<const RyHandle *> handlesOf(RyHandle::Target target, RyHandle::Kind kind);
     static QString toolTip(const RyHandle &handle);
     /// Rings may not be turned freely while rotation axes are restricted.
     static Qt::CursorShape cursor(const RyHandle &handle, bool restrictRotationAxes);

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "RyDrawingStage.h"
+
+#include "parametric/ParametricScene.h"
+
+#include "rycore/parametric/RyLegacyBendParam.h"
+#include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/parametric/RyLegacySmoothScale.h"
+#include "rycore/parametric/RyLegacyTwistParam.h"
+
+/// The drawing stage with an untidy parametric figure, whose left arm has values of its own in each parameter: turned
+/// and uneven spheres, angles that are none of a new joint, zones within the arm. No bones and boundaries are drawn.
+struct RyParamStage : RyDrawingStage
+{
+    explicit RyParamStage(bool untidy = true)
+    {
+        if (untidy)
+            doll.makeUntidy();
+        doll.makeJoints();
+        for (RyLegacyJointParam *param : doll.joint(doll.lArm)->params())
+            setValues(*param);
+        tool->setBoneDrawMode(RyJointEditorTool::NoBones);
+        tool->setDrawMeshBoundaries(false);
+        tool->setWeightVis(false);
+        tool->setDynamicColor(QColor(12, 34, 56));
+        tool->setStaticColor(QColor(210, 120, 30));
+        lookAtArm(150.0f);
+        select(doll.lArm);
+    }
+
+    /// From so far away that all of its handles but the rays' tips are in the picture.
+    void lookAtArm(float distance)
+    {
+        const RyVec3 middle = (doll.lArm->getWSPos() + doll.lArm->getWSEndPoint()) * 0.5f;
+        viewport->getCamera()->lookAt(middle + RyVec3(0.35f, 0.3f, 0.9f).normalized() * distance, middle);
+    }
+    /// The first parameter of the kind on the joint of the node; makes it the current one.
+    template<typename P>
+    P &take(RyLegacyJointParam::Type type)
+    {
+        for (RyLegacyJointParam *param : doll.joint(doll.lArm)->params()) {
+            if (param->type() != type)
+                continue;
+            tool->setParam(param);
+            return *qobject_cast<P *>(param);
+        }
+        qFatal("no such parameter");
+    }
+    RyLegacyBendParam &takeBend() { return take<RyLegacyBendParam>(RyLegacyJointParam::Bend); }
+    RyLegacyTwistParam &takeTwist() { return take<RyLegacyTwistParam>(RyLegacyJointParam::Twist); }
+    RyLegacySmoothScale &takeSmooth() { return take<RyLegacySmoothScale>(RyLegacyJointParam::SmoothScale); }
+
+    ParametricScene doll{false};
+
+private:
+    static void setSphere(const RyLegacyJointSphere &sphere, const RyVec3 &center, float size)
+    {
+        const float values[10] = {center.x, center.y, center.z, 20, -35, 50, size, 1.1f, 0.8f, 1.3f};
+        for (size_t i = 0; i < 10; ++i)
+            sphere.controls()[i]->setValue(values[i]);
+    }
+    static void setValues(RyLegacyJointParam &param)
+    {
+        const RyVec3 origin = param.getDriver()->getOrigin();
+        param.setApplyMatrices(true);
+        setSphere(*param.getDynamicSphere(), origin + RyVec3(9, 2, -1), 7.0f);
+        setSphere(*param.getStaticSphere(), origin + RyVec3(11, 1, 1.5f), 11.0f);
+        if (auto *bend = qobject_cast<RyLegacyBendParam *>(&param))
+            bend->setAngles(1.9f, 0.6f, -0.4f, -2.2f);
+        if (auto *twist = qobject_cast<RyLegacyTwistParam *>(&param)) {
+            twist->setApplyBlend(true);
+            twist->setStart(origin[twist->getAxis()] + 4.0f);
+            twist->setEnd(origin[twist->getAxis()] + 22.5f);
+        }
+        if (auto *smooth = qobject_cast<RyLegacySmoothScale *>(&param)) {
+            smooth->setApplyZones(true);
+            smooth->setHiValid(true);
+            smooth->setLoValid(true);
+            const float values[4] = {5.0f, 12.0f, -3.5f, -9.0f};
+            smooth->setHiStart(origin[smooth->getAxis()] + values[0]);
+            smooth->setHiEnd(origin[smooth->getAxis()] + values[1]);
+            smooth->setLoStart(origin[smooth->getAxis()] + values[2]);
+            smooth->setLoEnd(origin[smooth->getAxis()] + values[3]);
+        }
+    }
+};
