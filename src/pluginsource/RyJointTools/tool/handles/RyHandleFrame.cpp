@@ -61,11 +61,12 @@ RyHandleFrame RyHandleFrame::ofSphere(const RyParamSpace &space, const RyMatrix4
 
 RyHandleFrame RyHandleFrame::ofSphereArrows(const RyParamSpace &space, const RyMatrix4 &sphere)
 {
-    const RyHandleFrame extents = ofSphere(space, sphere);
     RyHandleFrame frame = ofMap(space.toWorld);
-    frame.anchor = extents.anchor;
-    const float length = std::min({extents.lengths[0], extents.lengths[1], extents.lengths[2]}) / 3.0f;
-    std::fill(std::begin(frame.lengths), std::end(frame.lengths), length);
+    frame.anchor = ofSphere(space, sphere).anchor;
+    const RyMatrix3 radii = sphere.linear();
+    const float length = std::min({radii.row(0).length(), radii.row(1).length(), radii.row(2).length()}) / 3.0f;
+    for (float &unit : frame.lengths)
+        unit *= length;
     return frame;
 }
 

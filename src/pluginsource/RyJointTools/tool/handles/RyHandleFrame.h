@@ -31,7 +31,7 @@ struct RyHandleFrame
     /// each.
     static RyHandleFrame ofSphere(const RyParamSpace &space, const RyMatrix4 &sphere);
     /// Of the arrows that move a sphere: its centre, with the axes of the space; the lengths are those of the arrows, a
-    /// third of the sphere's least half extent.
+    /// third of the sphere's least radius there.
     static RyHandleFrame ofSphereArrows(const RyParamSpace &space, const RyMatrix4 &sphere);
     /// Of the ends of zones: the driver's origin, with the axes of the space and the length of one unit along each.
     static RyHandleFrame ofZones(const RyParamSpace &space);
