@@ -19,6 +19,12 @@ struct RyParamTruth
         const RyVec3 origin = driver.getOrigin();
         return driver.worldMap().mapPoint(origin + driver.getOrientation().multVec(x - origin));
     }
+    /// The way back.
+    RyVec3 value(const RyVec3 &world) const
+    {
+        const RyVec3 origin = driver.getOrigin();
+        return driver.getOrientation().inverse().multVec(driver.worldMap().inverse().mapPoint(world) - origin) + origin;
+    }
     /// The image of a way, from the driver's origin.
     RyVec3 way(const RyVec3 &x) const { return world(driver.getOrigin() + x) - world(driver.getOrigin()); }
     /// The directions of the bone axes by turns alone: what the rotation controls of the driver and of all above make
@@ -47,12 +53,15 @@ inline void ryAddFigureLooks()
 
 inline void ryMakeLook(const ParametricScene &doll, RyFigureLook look)
 {
-    if (look == RyFigureLook::Uneven) {
+    if (look == RyFigureLook::Untidy) {
+        doll.lArm->getScaleControl()->setValue(1.2f); // it does not take over those of its parents
+    } else if (look == RyFigureLook::Uneven) {
         doll.figure->getYScaleControl()->setValue(0.8f);
         doll.lArm->getXScaleControl()->setValue(1.3f);
         doll.lArm->getZScaleControl()->setValue(0.7f);
     } else if (look == RyFigureLook::Mirrored) {
         doll.figure->getXScaleControl()->setValue(-1.0f);
+        doll.lArm->getXScaleControl()->setValue(-1.0f);
     }
 }
 

@@ -86,6 +86,11 @@ std::vector<RyGLRecorder::Primitive> RyGLRecorder::ofColor(const Color &color) c
     return found;
 }
 
+std::vector<RyGLRecorder::Primitive> RyGLRecorder::ofId(int id) const
+{
+    return ofColor(rgbBytes(id, 0, 128));
+}
+
 int RyGLRecorder::count(const char *function) const
 {
     int found = 0;
@@ -126,6 +131,13 @@ void glBegin(GLenum mode)
             primitive.lighting = glIsEnabled(GL_LIGHTING);
             primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
             primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
+            GLint values[2] = {};
+            glGetIntegerv(GL_DEPTH_WRITEMASK, values);
+            primitive.depthWrites = values[0] != 0;
+            glGetIntegerv(GL_DEPTH_FUNC, values);
+            primitive.depthFunction = GLenum(values[0]);
+            glGetIntegerv(GL_POLYGON_MODE, values);
+            primitive.polygonMode = GLenum(values[0]);
             glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
             glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
         }

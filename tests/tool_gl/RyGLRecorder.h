@@ -42,6 +42,9 @@ public:
         bool lighting = false;
         bool depthTest = false;
         bool stipple = false;
+        bool depthWrites = false;
+        GLenum depthFunction = 0;
+        GLenum polygonMode = 0; // of front faces
         float lineWidth = 1;
         float pointSize = 1;
         int firstCall = 0; // place of its glBegin among the calls
@@ -54,6 +57,8 @@ public:
 
     std::vector<Primitive> ofMode(GLenum mode) const;
     std::vector<Primitive> ofColor(const Color &color) const;
+    /// In the colour that is an id in the pick pass.
+    std::vector<Primitive> ofId(int id) const;
     int count(const char *function) const;
     bool contains(const char *function, const QVector<double> &arguments) const;
 

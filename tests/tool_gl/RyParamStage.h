@@ -2,7 +2,7 @@
 
 #include "RyDrawingStage.h"
 
-#include "parametric/ParametricScene.h"
+#include "tool/RyParamTruth.h"
 
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacyJoint.h"
@@ -13,11 +13,12 @@
 /// and uneven spheres, angles that are none of a new joint, zones within the arm. No bones and boundaries are drawn.
 struct RyParamStage : RyDrawingStage
 {
-    explicit RyParamStage(bool untidy = true)
+    explicit RyParamStage(RyFigureLook look = RyFigureLook::Untidy)
     {
-        if (untidy)
+        if (look != RyFigureLook::Plain)
             doll.makeUntidy();
         doll.makeJoints();
+        ryMakeLook(doll, look);
         for (RyLegacyJointParam *param : doll.joint(doll.lArm)->params())
             setValues(*param);
         tool->setBoneDrawMode(RyJointEditorTool::NoBones);
@@ -29,13 +30,49 @@ struct RyParamStage : RyDrawingStage
         select(doll.lArm);
     }
 
+    /// Another tool in place of the first one, which reads the settings anew.
+    void renewTool()
+    {
+        manager->deleteTools();
+        tool = new RyJointEditorTool;
+        manager->addTool(tool);
+        select(doll.lArm);
+    }
     /// From so far away that all of its handles but the rays' tips are in the picture.
     void lookAtArm(float distance)
     {
         const RyVec3 middle = (doll.lArm->getWSPos() + doll.lArm->getWSEndPoint()) * 0.5f;
         viewport->getCamera()->lookAt(middle + RyVec3(0.35f, 0.3f, 0.9f).normalized() * distance, middle);
     }
-    /// The first parameter of the kind on the joint of the node; makes it the current one.
+    /// Only the edges of spheres as rings, nothing of them that is no handle.
+    void showRingsOnly() const { tool->setSphereDrawing(0); }
+    /// Of the current node's own parameters, and of those that the parent drives.
+    RyParamTruth truth() const { return {*doll.lArm}; }
+    RyParamTruth parentTruth() const { return {*doll.chest}; }
+    /// The ids of a pick pass in the order in which they are first drawn.
+    QList<int> drawnIds()
+    {
+        QList<int> ids;
+        const auto recording = draw(PickPass);
+        for (const auto &primitive : recording->primitives) {
+            for (const auto &color : primitive.colors) {
+                if (!ids.contains(int(color.r)))
+                    ids.append(int(color.r));
+            }
+        }
+        return ids;
+    }
+    std::vector<RyVec3> worldVertices(const RyGLRecorder::Primitive &primitive) const
+    {
+        std::vector<RyVec3> places;
+        for (size_t i = 0; i < primitive.vertices.size(); ++i)
+            places.push_back(world(primitive, i));
+        return places;
+    }
+    static RyGLRecorder::Color dynamicColor() { return rgbBytes(12, 34, 56); }
+    static RyGLRecorder::Color staticColor() { return rgbBytes(210, 120, 30); }
+
+    /// The first parameter of the kind on the arm's joint; makes it the current one.
     template<typename P>
     P &take(RyLegacyJointParam::Type type)
     {

@@ -118,7 +118,8 @@ void RyDrawingCountsTest::linksOutOfViewAreLeftOut()
     stage.viewport->getCamera()->lookAt(bone->getWSPos() + RyVec3(0, 0, 60), bone->getWSPos());
     size_t vertices = 0;
     bool isDrawn = false;
-    for (const auto &primitive : stage.draw()->primitives) {
+    const auto recording = stage.draw();
+    for (const auto &primitive : recording->primitives) {
         if (!primitive.stipple)
             continue;
         vertices += primitive.vertices.size();

@@ -1,12 +1,12 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyParamDrawing.h"
 
 #include "pluginsource/RyJointTools/tool/drawing/RyAngleDrawing.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyKeptBox.h"
 #include "pluginsource/RyJointTools/tool/drawing/RySphereDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyZoneDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 #include "pluginsource/RyJointTools/tool/handles/RyParamSpace.h"
 
-#include "rycore/math/RyBox3.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/parametric/RyLegacySmoothScale.h"
 #include "rycore/parametric/RyLegacyTwistParam.h"
@@ -14,17 +14,6 @@
 #include <GL/gl.h>
 
 #include <vector>
-
-/// Half the diagonal of the node's vertices across an axis; a bone that has none gets a quarter of its length.
-static float radiusAcross(const RyNode &node, int axis)
-{
-    const RyBox3 box = node.getOrientedBoundingBox().box;
-    if (box.isEmpty())
-        return (node.getEndPoint() - node.getOrigin()).length() / 4.0f;
-    RyVec3 extents = box.getExtents();
-    extents[axis] = 0.0f;
-    return extents.length() / 2.0f;
-}
 
 void RyParamDrawing::draw(const RyLegacyJointParam &param, const RyNode &node) const
 {
@@ -71,6 +60,17 @@ void RyParamDrawing::drawZones(const RyLegacyJointParam &param, const RyNode &no
         drawing().draw(*twist);
     if (smooth && m_context.display.smoothVis && smooth->applyZones())
         drawing().draw(*smooth);
+}
+
+/// Half the diagonal of the node's vertices across an axis; a bone that has none gets a quarter of its length.
+float RyParamDrawing::radiusAcross(const RyNode &node, int axis) const
+{
+    const RyBox3 &box = m_box.of(node, sceneRevision(m_context));
+    if (box.isEmpty())
+        return (node.getEndPoint() - node.getOrigin()).length() / 4.0f;
+    RyVec3 extents = box.getExtents();
+    extents[axis] = 0.0f;
+    return extents.length() / 2.0f;
 }
 
 void RyParamDrawing::drawAngles(const RyLegacyJointParam &param, const RyParamSpace &space) const

@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/RyDrawContext.h"
 
+class RyKeptBox;
 class RyLegacyJointParam;
 class RyNode;
 struct RyParamSpace;
@@ -11,7 +12,7 @@ struct RyParamSpace;
 class RyParamDrawing
 {
 public:
-    explicit RyParamDrawing(const RyDrawContext &context) : m_context(context) {}
+    RyParamDrawing(const RyDrawContext &context, RyKeptBox &box) : m_context(context), m_box(box) {}
 
     /// A parameter of the node's joint.
     void draw(const RyLegacyJointParam &param, const RyNode &node) const;
@@ -19,7 +20,9 @@ public:
 private:
     void drawSpheres(const RyLegacyJointParam &param, const RyParamSpace &space) const;
     void drawZones(const RyLegacyJointParam &param, const RyNode &node, const RyParamSpace &space) const;
+    float radiusAcross(const RyNode &node, int axis) const;
     void drawAngles(const RyLegacyJointParam &param, const RyParamSpace &space) const;
 
     const RyDrawContext &m_context;
+    RyKeptBox &m_box;
 };

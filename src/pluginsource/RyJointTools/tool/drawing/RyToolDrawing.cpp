@@ -3,11 +3,10 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyBoneDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyManipulatorDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyParamDrawing.h"
+#include "pluginsource/RyJointTools/tool/drawing/glGeometry.h"
 #include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyViewportMgr.h"
 
 static RyBoneFrames makeFrames(const RyNode &node, const RyJointToolDisplay &display)
 {
@@ -30,10 +29,8 @@ static RyBoneFrames makeFrames(const RyNode &node, const RyJointToolDisplay &dis
 
 const RyBoneFrames &RyToolDrawing::framesFor(const RyNode &node, const RyDrawContext &context)
 {
-    const RyViewportMgr *manager = context.viewport ? context.viewport->getViewportMgr() : nullptr;
-    const FramesKey key{&node, context.display.boneDrawMode, context.display.ghostBones,
-                        manager ? manager->sceneRevision() : 0};
-    if (!manager || m_framesKey != key) {
+    const FramesKey key{&node, context.display.boneDrawMode, context.display.ghostBones, sceneRevision(context)};
+    if (key.sceneRevision == 0 || m_framesKey != key) {
         m_frames = makeFrames(node, context.display);
         m_framesKey = key;
     }
@@ -49,7 +46,7 @@ void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, const RyJointSta
     const RyDrawContext context{pickPass, hoveredId, display, &node, m_bones, viewport};
     RyBoneDrawing(context).draw(framesFor(node, context));
     if (const RyLegacyJointParam *param = joint.param.get())
-        RyParamDrawing(context).draw(*param, node);
+        RyParamDrawing(context, m_nodeBox).draw(*param, node);
     else
         RyManipulatorDrawing(context).draw(node);
     if (display.drawMeshBoundaries)

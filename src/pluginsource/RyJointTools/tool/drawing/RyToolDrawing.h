@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyKeptBox.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneFrames.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
 
@@ -12,7 +13,8 @@ struct RyJointState;
 struct RyJointToolDisplay;
 
 /// All that the tool draws over the scene for its current node, and what is kept of it: the bones that have ids since
-/// the last pick pass, where bones stand as long as the scene stays as it is, and where the mesh ends.
+/// the last pick pass, where bones stand and what the node spans as long as the scene stays as it is, and where the
+/// mesh ends.
 class RyToolDrawing
 {
 public:
@@ -37,4 +39,5 @@ private:
     RyBoneFrames m_frames;
     std::optional<FramesKey> m_framesKey;
     RyBoundaryEdges m_boundaryEdges;
+    RyKeptBox m_nodeBox;
 };

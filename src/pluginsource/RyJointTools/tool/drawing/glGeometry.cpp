@@ -39,6 +39,12 @@ void capLineWidth()
     glLineWidth(std::min(width, maxPickLineWidth));
 }
 
+quint64 sceneRevision(const RyDrawContext &context)
+{
+    const RyViewportMgr *manager = context.viewport ? context.viewport->getViewportMgr() : nullptr;
+    return manager ? manager->sceneRevision() : 0;
+}
+
 float distanceFromCamera(const RyDrawContext &context, const RyVec3 &place)
 {
     const RyCamera *camera = nullptr;

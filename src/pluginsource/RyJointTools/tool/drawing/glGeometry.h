@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 class RyMatrix4;
 class RyVec3;
 struct RyDrawContext;
@@ -11,5 +13,7 @@ void putVertex(const RyVec3 &point);
 void putRing(const RyMatrix4 &toWorld, const RyVec3 &center, int axis, float radius);
 /// Thick lines would swallow their neighbours in the pick pass.
 void capLineWidth();
+/// Of the scene that the viewport shows, 0 where nobody counts.
+quint64 sceneRevision(const RyDrawContext &context);
 /// Distance of a place in the world from the camera that looks.
 float distanceFromCamera(const RyDrawContext &context, const RyVec3 &place);
