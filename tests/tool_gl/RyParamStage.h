@@ -41,10 +41,13 @@ struct RyParamStage : RyDrawingStage
     /// From so far away that all of its handles but the rays' tips are in the picture.
     void lookAtArm(float distance)
     {
-        const RyVec3 middle = (doll.lArm->getWSPos() + doll.lArm->getWSEndPoint()) * 0.5f;
-        viewport->getCamera()->lookAt(middle + RyVec3(0.35f, 0.3f, 0.9f).normalized() * distance, middle);
+        lookAtPlace((doll.lArm->getWSPos() + doll.lArm->getWSEndPoint()) * 0.5f, distance);
     }
-    /// Only the edges of spheres as rings, nothing of them that is no handle.
+    void lookAtPlace(const RyVec3 &place, float distance)
+    {
+        viewport->getCamera()->lookAt(place + RyVec3(0.35f, 0.3f, 0.9f).normalized() * distance, place);
+    }
+    /// No bodies of spheres.
     void showRingsOnly() const { tool->setSphereDrawing(0); }
     /// Of the current node's own parameters, and of those that the parent drives.
     RyParamTruth truth() const { return {*doll.lArm}; }
