@@ -7,8 +7,9 @@
 class RyLegacyBendParam;
 struct RyParamSpace;
 
-/// Draws the four rays of a bend about its axis: lines of 100 cm from the driver's origin, each with a flag at its tip
-/// that points to where the next dynamic ray lies. To be drawn with depth testing off.
+/// Draws the four rays of a bend about its axis: lines of 100 cm from the driver's origin, with flags near their tips.
+/// The flags of dynamic rays point to the side that moves, those of static rays to the side that rests. To be drawn
+/// with depth testing off.
 class RyAngleDrawing
 {
 public:
