@@ -338,6 +338,7 @@ void RySphereDrawingTest::sizesFollowTheCamera()
     };
     const float scale = 1.2f; // of the bone
     const float nearEdge = edge(20);
+    QVERIFY(std::abs(double(nearEdge) - 0.25 * stage.worldSize(45, place) * double(scale)) < 2e-3);
     QVERIFY(nearEdge < 0.9f * scale);
     QVERIFY(std::abs(edge(40) - 2 * nearEdge) < 2e-3f);
     QVERIFY(std::abs(edge(900) - scale) < 1e-2f); // the cap
