@@ -19,6 +19,7 @@ RyDrawingStage::RyDrawingStage()
 {
     RyOffscreenContext::instance().makeCurrent();
     m_target = std::make_unique<RyFramebuffer>(pictureWidth, pictureHeight, 0);
+    m_target->bind();
 }
 
 RyDrawingStage::~RyDrawingStage()
