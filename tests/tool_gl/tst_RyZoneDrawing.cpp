@@ -128,6 +128,7 @@ private slots:
     void driverIsGone();
     void zonesThatNobodyPlaced();
     void radiusFollowsTheMesh();
+    void radiusIsThatOfTheCurrentNode();
     void nothingBeyondTheView();
 };
 
@@ -362,6 +363,33 @@ void RyZoneDrawingTest::radiusFollowsTheMesh()
     // Other axes of the bone span it otherwise.
     stage.doll.lArm->setOrientation(RyQuat({0, 1, 1}, 0.9f));
     check();
+}
+
+void RyZoneDrawingTest::radiusIsThatOfTheCurrentNode()
+{
+    RyParamStage stage;
+    stage.viewport->getCamera()->lookAt({40, 140, 330}, {20, 110, 0});
+    const auto radiusAt = [&](RyBone *bone) {
+        stage.select(bone);
+        for (RyLegacyJointParam *param : stage.doll.joint(bone)->params()) {
+            auto *twist = qobject_cast<RyLegacyTwistParam *>(param);
+            if (!twist || twist->getDriver() != bone)
+                continue;
+            twist->setApplyBlend(true);
+            twist->setStart(bone->getOrigin()[twist->getAxis()]);
+            stage.tool->setParam(twist);
+            const auto recording = stage.draw(RyDrawingStage::PickPass);
+            const RyParamTruth truth{*bone};
+            const RyVec3 arm = truth.value(stage.world(drawnAt(*recording, 33).cross, 0)) - bone->getOrigin();
+            return std::pair(arm.length(), radiusOf(stage.doll, *bone, twist->getAxis()));
+        }
+        return std::pair(0.0f, 1.0f);
+    };
+    // Forth and back, so that no value changes between the last two.
+    for (RyBone *bone : {stage.doll.lArm, stage.doll.lTip, stage.doll.lArm, stage.doll.lTip}) {
+        const auto [drawn, expected] = radiusAt(bone);
+        QVERIFY2(std::abs(drawn - expected) < 5 * tolerance, qPrintable(bone->getName()));
+    }
 }
 
 void RyZoneDrawingTest::nothingBeyondTheView()
