@@ -20,6 +20,7 @@ private slots:
     void turnsBeyondHalfATurn();
     void pointsAreTheSameWithNormals();
     void partsAreTheFractionsOfAllBones();
+    void changesAreWhatMoves();
 };
 
 void LegacyDeformerTest::matchesEvaluator()
@@ -162,6 +163,61 @@ void LegacyDeformerTest::partsAreTheFractionsOfAllBones()
         }
     }
     QVERIFY(count > 5000);
+}
+
+/// Whatever changes, what is told of it is where points differ, by groups of 16; at rest no weights move anything.
+void LegacyDeformerTest::changesAreWhatMoves()
+{
+    RyLegacyRig rig;
+    rig.bones.resize(2);
+    rig.bones[1].parent = 0;
+    rig.bones[1].end = {10, 0, 0};
+    RyLegacyRig::Param bend;
+    bend.type = RyLegacyJointParam::Bend;
+    bend.flags = RyLegacyJointParam::ApplyAngles;
+    bend.axis = 2;
+    bend.bone = bend.driver = 1;
+    bend.values = {90.0f, 45.0f, -45.0f, -90.0f, 0.0f, 0.0f, 0.0f, 0.0f};
+    rig.params.push_back(bend);
+    // 16 vertices at 60 degrees, 16 at 20, 16 of the parent; normals beside them and for five more corners.
+    std::vector<RyVec3> rest, normals;
+    for (int i = 0; i < 48; ++i) {
+        const double angle = (i < 16 ? 60.0 : 20.0) * RyFastMath::RadiansPerDegree;
+        rest.push_back({float((5.0 + i) * std::cos(angle)), float((5.0 + i) * std::sin(angle)), 1.0f});
+        normals.push_back({0, 0.6f, 0.8f});
+        rig.owners.push_back(i < 32 ? 1 : 0);
+    }
+    const std::vector<int> further = {20, 0, 1, 20, 20};
+    normals.resize(rest.size() + further.size(), {0, 0.8f, 0.6f});
+    RyLegacyDeformer deformer;
+    deformer.setRig(rig, rest);
+    deformer.setFurtherNormals(further);
+    std::vector<RyLegacyControls> controls(2);
+    const auto changed = [&](bool withNormals = true) {
+        const quint64 before = deformer.changes().revision();
+        deformer.setRig(rig, rest);
+        const std::vector<RyVec3> out = deformer.pose(controls, withNormals ? &normals : nullptr, 1);
+        std::vector<RyVec3> expected;
+        deformer.deform(rest, controls, expected);
+        QTest::qCompare(out == expected, true, "positions", "expected", __FILE__, __LINE__);
+        if (deformer.changes().revision() == before)
+            return std::vector<RyPointChanges::Range>();
+        return deformer.changes().since(before);
+    };
+    using Ranges = std::vector<RyPointChanges::Range>;
+    QVERIFY(changed() == (Ranges{{0, 53}}));
+    QVERIFY(changed() == Ranges());
+    rig.params[0].values[0] = 80.0f;
+    QVERIFY(changed() == Ranges()); // at rest
+    controls[1].turn[2] = 0.5;
+    QVERIFY(changed() == (Ranges{{0, 32}, {48, 5}}));
+    rig.params[0].values[0] = 85.0f; // of the two zones only the first ends at A
+    QVERIFY(changed() == (Ranges{{0, 16}, {48, 5}}));
+    rig.params[0].values[3] = -95.0f; // on the side where no vertex is
+    QVERIFY(changed() == Ranges());
+    rest[40].z = 2.0f;
+    QVERIFY(changed() == (Ranges{{32, 16}}));
+    QVERIFY(changed(false) == (Ranges{{0, 48}})); // other places than before
 }
 
 RY_TEST(LegacyDeformerTest)

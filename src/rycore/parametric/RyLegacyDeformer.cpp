@@ -4,6 +4,8 @@
 #include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 using Group = RyLegacyGroups::Group;
 using Row = RyLegacyKernels::Row;
@@ -197,6 +199,25 @@ void RyLegacyDeformer::markChanges(const std::vector<char> &moved)
     }
 }
 
+void RyLegacyDeformer::markDifferences(const std::vector<RyVec3> &positions, const std::vector<RyVec3> &normals)
+{
+    const int count = int(std::max(m_positions.size(), m_normals.size()));
+    if (m_changes.revision() == 0 || positions.size() != m_positions.size() || normals.size() != m_normals.size())
+        return m_changes.markAll(count);
+    const auto differ = [](const std::vector<RyVec3> &a, const std::vector<RyVec3> &b, size_t first) {
+        const size_t last = std::min(first + size_t(RyPointChanges::GroupSize), a.size());
+        return first < last && std::memcmp(&a[first], &b[first], (last - first) * sizeof(RyVec3)) != 0;
+    };
+    bool isOpen = false;
+    for (int first = 0; first < count; first += RyPointChanges::GroupSize) {
+        if (!differ(m_positions, positions, size_t(first)) && !differ(m_normals, normals, size_t(first)))
+            continue;
+        if (!std::exchange(isOpen, true))
+            m_changes.begin();
+        m_changes.mark(first, std::min(RyPointChanges::GroupSize, count - first));
+    }
+}
+
 const std::vector<RyVec3> &RyLegacyDeformer::pose(const std::vector<RyLegacyControls> &controls,
                                                   const std::vector<RyVec3> *restNormals, quint64 normalsRevision)
 {
@@ -211,10 +232,10 @@ const std::vector<RyVec3> &RyLegacyDeformer::pose(const std::vector<RyLegacyCont
     if (partly && all == m_controls)
         return m_positions;
     std::vector<char> moved = partly ? movedGroups(all) : std::vector<char>(m_groups.groups().size(), 1);
+    std::vector<RyVec3> positionsBefore, normalsBefore; // where all is made anew
     if (!partly) {
-        m_positions = rest;
-        m_normals = restNormals ? *restNormals : std::vector<RyVec3>();
-        m_changes.markAll(int(std::max(m_positions.size(), m_normals.size())));
+        positionsBefore = std::exchange(m_positions, rest);
+        normalsBefore = std::exchange(m_normals, restNormals ? *restNormals : std::vector<RyVec3>());
     } else if (std::find(moved.begin(), moved.end(), 1) != moved.end()) {
         markChanges(moved);
     }
@@ -233,5 +254,8 @@ const std::vector<RyVec3> &RyLegacyDeformer::pose(const std::vector<RyLegacyCont
     }
     const Row normals = withNormals ? Row{restNormals->data(), m_normals.data()} : Row();
     moveGroups(frame, moved, {rest.data(), m_positions.data()}, normals);
+    // Other weights or another rest need not move anything: at rest no weights do.
+    if (!partly)
+        markDifferences(positionsBefore, normalsBefore);
     return m_positions;
 }

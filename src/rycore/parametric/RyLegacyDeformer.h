@@ -66,6 +66,8 @@ private:
     };
     std::vector<char> movedGroups(const std::vector<RyLegacyControls> &controls) const;
     void markChanges(const std::vector<char> &moved);
+    /// What is no longer as it was, bit for bit.
+    void markDifferences(const std::vector<RyVec3> &positions, const std::vector<RyVec3> &normals);
     void moveGroups(const RyLegacyFrame &frame, const std::vector<char> &moved, const RyLegacyKernels::Row &points,
                     const RyLegacyKernels::Row &normals) const;
 
