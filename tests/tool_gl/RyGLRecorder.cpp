@@ -1,7 +1,10 @@
+#include "rycore/viewport/RyGL.h"
+
 #include "RyGLRecorder.h"
 
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -39,6 +42,85 @@ public:
 private:
     RyGLRecorder *m_recorder;
 };
+
+template<typename T>
+std::vector<T> readBuffer(GLenum target, size_t offset, size_t count)
+{
+    std::vector<T> values(count);
+    glGetBufferSubData(target, GLintptr(offset), GLsizeiptr(count * sizeof(T)), values.data());
+    return values;
+}
+
+/// Values of an array that lies in a buffer without gaps, from its first one to the last that indices name.
+template<typename T>
+std::vector<T> readArray(GLenum buffer, GLenum pointer, const std::vector<GLuint> &indices)
+{
+    GLint name = 0;
+    GLint bound = 0;
+    void *offset = nullptr;
+    glGetIntegerv(buffer, &name);
+    glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &bound);
+    glGetPointerv(pointer, &offset);
+    if (name == 0)
+        return {};
+    glBindBuffer(GL_ARRAY_BUFFER, GLuint(name));
+    const std::vector<T> values = readBuffer<T>(GL_ARRAY_BUFFER, reinterpret_cast<size_t>(offset),
+                                                size_t(*std::max_element(indices.begin(), indices.end())) + 1);
+    glBindBuffer(GL_ARRAY_BUFFER, GLuint(bound));
+    return values;
+}
+
+void readState(RyGLRecorder::Primitive &primitive)
+{
+    glGetFloatv(GL_MODELVIEW_MATRIX, primitive.modelview.data());
+    primitive.lighting = glIsEnabled(GL_LIGHTING);
+    primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
+    primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
+    GLint values[2] = {};
+    glGetIntegerv(GL_DEPTH_WRITEMASK, values);
+    primitive.depthWrites = values[0] != 0;
+    glGetIntegerv(GL_DEPTH_FUNC, values);
+    primitive.depthFunction = GLenum(values[0]);
+    glGetIntegerv(GL_POLYGON_MODE, values);
+    primitive.polygonMode = GLenum(values[0]);
+    glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
+    glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
+}
+
+/// Of arrays as the drawing of weights has them: floats, bytes, indices of 32 bits.
+RyGLRecorder::Elements readElements(GLenum mode, GLsizei count, const GLvoid *offset)
+{
+    struct Bytes
+    {
+        GLubyte r, g, b, a;
+    };
+    RyGLRecorder::Elements elements;
+    elements.primitive.mode = mode;
+    readState(elements.primitive);
+    glGetIntegerv(GL_POLYGON_MODE, elements.polygonMode);
+    GLboolean mask[4] = {};
+    glGetBooleanv(GL_COLOR_WRITEMASK, mask);
+    elements.writesColors = mask[0] && mask[1] && mask[2] && mask[3];
+    GLint indexBuffer = 0;
+    glGetIntegerv(GL_ELEMENT_ARRAY_BUFFER_BINDING, &indexBuffer);
+    if (indexBuffer == 0 || count == 0)
+        return elements;
+    const auto indices = readBuffer<GLuint>(GL_ELEMENT_ARRAY_BUFFER, reinterpret_cast<size_t>(offset), size_t(count));
+    const auto positions = readArray<RyVec3>(GL_VERTEX_ARRAY_BUFFER_BINDING, GL_VERTEX_ARRAY_POINTER, indices);
+    const bool isColored = glIsEnabled(GL_COLOR_ARRAY);
+    const auto colors = isColored ? readArray<Bytes>(GL_COLOR_ARRAY_BUFFER_BINDING, GL_COLOR_ARRAY_POINTER, indices)
+                                  : std::vector<Bytes>();
+    elements.hasBuffers = !positions.empty() && isColored == !colors.empty();
+    for (const GLuint index : indices) {
+        if (!positions.empty())
+            elements.primitive.vertices.push_back(positions[index]);
+        if (!colors.empty()) {
+            const Bytes &c = colors[index];
+            elements.primitive.colors.push_back({"4ub", double(c.r), double(c.g), double(c.b), double(c.a)});
+        }
+    }
+    return elements;
+}
 
 } // namespace
 
@@ -127,19 +209,7 @@ void glBegin(GLenum mode)
         primitive.firstCall = int(recorder->calls.size()) - 1;
         {
             const Unrecorded unrecorded;
-            glGetFloatv(GL_MODELVIEW_MATRIX, primitive.modelview.data());
-            primitive.lighting = glIsEnabled(GL_LIGHTING);
-            primitive.depthTest = glIsEnabled(GL_DEPTH_TEST);
-            primitive.stipple = glIsEnabled(GL_LINE_STIPPLE);
-            GLint values[2] = {};
-            glGetIntegerv(GL_DEPTH_WRITEMASK, values);
-            primitive.depthWrites = values[0] != 0;
-            glGetIntegerv(GL_DEPTH_FUNC, values);
-            primitive.depthFunction = GLenum(values[0]);
-            glGetIntegerv(GL_POLYGON_MODE, values);
-            primitive.polygonMode = GLenum(values[0]);
-            glGetFloatv(GL_LINE_WIDTH, &primitive.lineWidth);
-            glGetFloatv(GL_POINT_SIZE, &primitive.pointSize);
+            readState(primitive);
         }
         recorder->primitives.push_back(primitive);
         insideBegin = true;
@@ -336,6 +406,10 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count)
 void glDrawElements(GLenum mode, GLsizei count, GLenum type, const GLvoid *indices)
 {
     noteOther("glDrawElements");
+    if (RyGLRecorder *const recording = recorder) {
+        const Unrecorded unrecorded;
+        recording->elements.push_back(readElements(mode, count, indices));
+    }
     static const auto forward = next<void(GLenum, GLsizei, GLenum, const GLvoid *)>("glDrawElements");
     forward(mode, count, type, indices);
 }
@@ -352,6 +426,13 @@ void glBindFramebuffer(GLenum target, GLuint framebuffer)
     noteOther("glBindFramebuffer");
     static const auto forward = next<void(GLenum, GLuint)>("glBindFramebuffer");
     forward(target, framebuffer);
+}
+
+void glBufferData(GLenum target, GLsizeiptr size, const void *data, GLenum usage)
+{
+    noteOther("glBufferData");
+    static const auto forward = next<void(GLenum, GLsizeiptr, const void *, GLenum)>("glBufferData");
+    forward(target, size, data, usage);
 }
 
 } // extern "C"

@@ -24,7 +24,7 @@ public:
             return name == function && arguments == values;
         }
     };
-    /// A colour as it was given: kind is "3ub", "3f" or "4f".
+    /// A colour as it was given: kind is "3ub", "3f" or "4f", of arrays "4ub".
     struct Color
     {
         QByteArray kind;
@@ -51,6 +51,16 @@ public:
         Color color() const { return colors.empty() ? Color() : colors.front(); }
     };
 
+    /// What a call of glDrawElements drew: vertices in the order of the indices, colours only where there is an array
+    /// of them.
+    struct Elements
+    {
+        Primitive primitive;
+        GLint polygonMode[2] = {};
+        bool writesColors = true;
+        bool hasBuffers = false; // positions, colours and indices come from the graphics memory
+    };
+
     RyGLRecorder();
     ~RyGLRecorder();
     void stop();
@@ -67,6 +77,7 @@ public:
 
     std::vector<Call> calls;
     std::vector<Primitive> primitives;
+    std::vector<Elements> elements;
     std::map<QByteArray, int> others;
 };
 

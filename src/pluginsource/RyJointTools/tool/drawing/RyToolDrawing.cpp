@@ -45,6 +45,7 @@ void RyToolDrawing::draw(Ry3DViewport *viewport, bool pickPass, const RyJointSta
         m_bones.refill(node.getSkeleton());
     const RyDrawContext context{pickPass, hoveredId, display, &node, m_bones, viewport};
     RyBoneDrawing(context).draw(framesFor(node, context));
+    m_weights.draw(context, joint);
     if (const RyLegacyJointParam *param = joint.param.get())
         RyParamDrawing(context, m_nodeBox).draw(*param, node);
     else

@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/tool/drawing/RyBoundaryDrawing.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyKeptBox.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyWeightDrawing.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneFrames.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
 
@@ -13,8 +14,8 @@ struct RyJointState;
 struct RyJointToolDisplay;
 
 /// All that the tool draws over the scene for its current node, and what is kept of it: the bones that have ids since
-/// the last pick pass, where bones stand and what the node spans as long as the scene stays as it is, and where the
-/// mesh ends.
+/// the last pick pass, where bones stand and what the node spans as long as the scene stays as it is, where the mesh
+/// ends, and the weights of the current parameter.
 class RyToolDrawing
 {
 public:
@@ -22,6 +23,7 @@ public:
     void draw(Ry3DViewport *viewport, bool pickPass, const RyJointState &joint, const RyJointToolDisplay &display,
               int hoveredId);
     const RyBoneIndex &bones() const { return m_bones; }
+    const RyWeightDrawing &weights() const { return m_weights; }
 
 private:
     /// What frames of bones were made for.
@@ -40,4 +42,5 @@ private:
     std::optional<FramesKey> m_framesKey;
     RyBoundaryEdges m_boundaryEdges;
     RyKeptBox m_nodeBox;
+    RyWeightDrawing m_weights;
 };
