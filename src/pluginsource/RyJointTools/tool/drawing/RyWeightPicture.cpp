@@ -49,9 +49,12 @@ void RyWeightPicture::paint(const std::function<void()> &draw)
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glEnable(GL_DEPTH_TEST);
     glDepthFunc(GL_LEQUAL);
-    // Colours come to lie in the picture multiplied by their alpha, so that edges are smoothed without a dark fringe.
-    glEnable(GL_BLEND);
-    glBlendFuncSeparate(GL_SRC_ALPHA, GL_ZERO, GL_ONE, GL_ZERO);
+    glDisable(GL_BLEND);
+    if (m_canvas) {
+        // Where edges are smoothed, colours are multiplied by their alpha first, or they would get a dark fringe.
+        glEnable(GL_BLEND);
+        glBlendFuncSeparate(GL_SRC_ALPHA, GL_ZERO, GL_ONE, GL_ZERO);
+    }
     draw();
     glPopAttrib();
     if (m_canvas)
@@ -72,7 +75,7 @@ void RyWeightPicture::show(quint64 content, const std::function<void()> &draw)
     }
     glPushAttrib(GL_COLOR_BUFFER_BIT);
     glEnable(GL_BLEND);
-    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glBlendFuncSeparate(m_canvas ? GL_ONE : GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     m_laying.draw(m_picture->texture());
     glPopAttrib();
 }

@@ -17,8 +17,8 @@ public:
     ~RyWeightPicture();
 
     /// With the matrices, the viewport and the samples of the bound frame buffer. `draw` is called for another picture
-    /// than last time: `content` tells apart what it draws. It finds a depth of its own, and blending that lets colours
-    /// replace each other.
+    /// than last time: `content` tells apart what it draws. It finds a depth of its own, and colours replace each
+    /// other, whatever their alpha.
     void show(quint64 content, const std::function<void()> &draw);
     int paints() const { return m_paints; }
 
