@@ -12,13 +12,15 @@ class RyWeightPixelsTest : public QObject
 private slots:
     void initTestCase();
     void nearestShowsOnce();
+    void notInPickPass();
     void surfaceHidesPointsAndLines_data();
     void surfaceHidesPointsAndLines();
     void depthIsLeft();
     void samplesSmoothEdges();
 
 private:
-    static QImage pictureOf(RyWeightStage &stage);
+    /// The second of two drawings, on a ground of one colour.
+    static QImage pictureOf(RyWeightStage &stage, int shadeStyle = 3);
     static QColor under(const QImage &picture, const RyWeightStage &stage, const RyVec3 &place);
 };
 
@@ -71,12 +73,12 @@ void RyWeightPixelsTest::initTestCase()
         QSKIP("no OpenGL here");
 }
 
-QImage RyWeightPixelsTest::pictureOf(RyWeightStage &stage)
+QImage RyWeightPixelsTest::pictureOf(RyWeightStage &stage, int shadeStyle)
 {
     stage.draw(); // binds the picture
     glClearColor(float(Ground.redF()), float(Ground.greenF()), float(Ground.blueF()), 1);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    stage.draw();
+    stage.draw(shadeStyle);
     QImage image(800, 600, QImage::Format_RGBA8888);
     glReadPixels(0, 0, 800, 600, GL_RGBA, GL_UNSIGNED_BYTE, image.bits());
     return image.mirrored();
@@ -107,6 +109,18 @@ void RyWeightPixelsTest::nearestShowsOnce()
         QCOMPARE(found.alpha(), 255);
     }
     QCOMPARE(picture.pixelColor(2, 2), Ground);
+}
+
+/// Neither anew nor as a kept picture.
+void RyWeightPixelsTest::notInPickPass()
+{
+    RyWeightStage stage;
+    QVERIFY(stage.draw(RyDrawingStage::PickPass)->elements.empty());
+    const QImage kept = pictureOf(stage, RyDrawingStage::PickPass);
+    stage.tool->setWeightVis(false);
+    QCOMPARE(kept, pictureOf(stage, RyDrawingStage::PickPass));
+    stage.tool->setWeightVis(true);
+    QVERIFY(kept != pictureOf(stage));
 }
 
 void RyWeightPixelsTest::surfaceHidesPointsAndLines_data()
