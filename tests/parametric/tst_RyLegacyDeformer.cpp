@@ -21,6 +21,7 @@ private slots:
     void pointsAreTheSameWithNormals();
     void partsAreTheFractionsOfAllBones();
     void changesAreWhatMoves();
+    void keptIsAsMadeAnew();
 };
 
 void LegacyDeformerTest::matchesEvaluator()
@@ -218,6 +219,56 @@ void LegacyDeformerTest::changesAreWhatMoves()
     rest[40].z = 2.0f;
     QVERIFY(changed() == (Ranges{{32, 16}}));
     QVERIFY(changed(false) == (Ranges{{0, 48}})); // other places than before
+}
+
+/// After any change what was kept is what a new deformer makes.
+void LegacyDeformerTest::keptIsAsMadeAnew()
+{
+    RyRandom random;
+    int moved = 0;
+    for (int i = 0; i < 300; ++i) {
+        RandomRig figure(random);
+        RyLegacyRig rig = figure.rig;
+        RyLegacyDeformer kept;
+        for (int step = 0; step < 12; ++step) {
+            kept.setRig(rig, figure.rest);
+            RyLegacyDeformer fresh;
+            fresh.setRig(rig, figure.rest);
+            const std::vector<RyVec3> right = fresh.pose(figure.controls);
+            if (kept.pose(figure.controls) != right)
+                QFAIL(qPrintable(QStringLiteral("figure %1, step %2").arg(i).arg(step)));
+            moved += right != figure.rest;
+            const int count = int(rig.params.size());
+            RyLegacyRig::Param *param = count > 0 ? &rig.params[size_t(random.integer(0, count - 1))] : nullptr;
+            switch (param ? random.integer(0, 7) : 7) {
+            case 0:
+                param->flags ^= 1u << random.integer(0, 7);
+                break;
+            case 1:
+                param->axis = random.integer(0, 2);
+                break;
+            case 2:
+                std::swap(*param, rig.params.back());
+                break;
+            case 3:
+                rig.params.pop_back();
+                break;
+            case 4:
+                rig.bones[size_t(random.integer(0, int(rig.bones.size()) - 1))].origin = random.vector(10);
+                break;
+            case 5:
+                param->staticMatrix.translate(random.vector(4));
+                break;
+            case 6:
+                for (float &value : param->values)
+                    value += float(random.number(-3, 3));
+                break;
+            default:
+                figure.rest[size_t(random.integer(0, int(figure.rest.size()) - 1))] = random.vector(15);
+            }
+        }
+    }
+    QVERIFY(moved > 2000);
 }
 
 RY_TEST(LegacyDeformerTest)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -82,6 +83,7 @@ bool RyLegacyGroups::Group::isAlike(size_t driver, size_t which) const
 /// What is gathered while groups are made; members are kept from vertex to vertex to save their memory.
 struct RyLegacyGroups::Sketch
 {
+    size_t firstGroup = 0; // of the owner
     std::unordered_map<std::vector<int>, int, HashOfKey> groupOfKey;
     std::vector<int> key;
     std::vector<int> drivers;
@@ -94,39 +96,70 @@ struct RyLegacyGroups::Sketch
 void RyLegacyGroups::build(const RyLegacyWeights &weights)
 {
     const size_t count = weights.positions().size();
-    m_groups.clear();
-    m_groupOf.assign(count, -1);
-    m_numberOf.assign(count, -1);
-    Sketch sketch;
-    for (int owner = 0; owner < int(weights.rig().bones.size()); ++owner) {
-        const std::vector<int> &vertices = weights.verticesOf(owner);
-        for (size_t i = 0; i < vertices.size(); ++i)
-            addVertex(sketch, weights, owner, i, vertices[i]);
+    std::vector<Group> before = std::exchange(m_groups, {});
+    const std::vector<char> &stays = weights.unchangedOwners();
+    if (stays.empty() || m_groupOf.size() != count) {
+        before.clear();
+        m_groupOf.assign(count, -1);
+        m_numberOf.assign(count, -1);
     }
-    layOut(sketch);
+    const bool isKnown = !before.empty();
+    m_lists.resize(weights.rig().bones.size());
+    size_t next = 0;
+    for (int owner = 0; owner < int(m_lists.size()); ++owner) {
+        const size_t first = next;
+        while (next < before.size() && before[next].owner == owner)
+            ++next;
+        if (isKnown && stays[size_t(owner)])
+            takeGroups(before, first, next);
+        else
+            buildOwner(weights, owner);
+    }
+}
+
+void RyLegacyGroups::takeGroups(std::vector<Group> &from, size_t first, size_t last)
+{
+    for (size_t g = first; g < last; ++g) {
+        if (g != m_groups.size()) {
+            for (const int vertex : from[g].vertices)
+                m_groupOf[size_t(vertex)] = int(m_groups.size());
+        }
+        m_groups.push_back(std::move(from[g]));
+    }
+}
+
+void RyLegacyGroups::buildOwner(const RyLegacyWeights &weights, int owner)
+{
+    Sketch sketch;
+    sketch.firstGroup = m_groups.size();
+    const std::vector<int> &vertices = weights.verticesOf(owner);
+    for (size_t i = 0; i < vertices.size(); ++i)
+        addVertex(sketch, weights, owner, i, vertices[i]);
+    layOut(sketch, m_lists[size_t(owner)]);
 }
 
 /// Lists by vertex become lists by driver and component.
-void RyLegacyGroups::layOut(const Sketch &sketch)
+void RyLegacyGroups::layOut(const Sketch &sketch, Lists &lists)
 {
     using namespace RyLegacyKernels;
-    m_vertices.clear();
+    const std::span<Group> groups(m_groups.begin() + long(sketch.firstGroup), m_groups.end());
+    lists.vertices.clear();
     for (const std::vector<int> &vertices : sketch.vertices)
-        m_vertices.insert(m_vertices.end(), vertices.begin(), vertices.end());
+        lists.vertices.insert(lists.vertices.end(), vertices.begin(), vertices.end());
     size_t vertex = 0;
     size_t size = 0;
-    for (size_t g = 0; g < m_groups.size(); ++g) {
-        Group &group = m_groups[g];
-        group.vertices = {m_vertices.data() + vertex, sketch.vertices[g].size()};
+    for (size_t g = 0; g < groups.size(); ++g) {
+        Group &group = groups[g];
+        group.vertices = {lists.vertices.data() + vertex, sketch.vertices[g].size()};
         vertex += group.vertices.size();
         size += group.uniform ? 0 : group.blocks() * Lanes * group.drivers.size() * Group::Components;
         for (Bulge &bulge : group.bulges)
             bulge.shares.resize(group.blocks() * Lanes);
     }
-    m_fractions.assign(size, 0.0f);
-    float *next = m_fractions.data();
-    for (size_t g = 0; g < m_groups.size(); ++g) {
-        Group &group = m_groups[g];
+    lists.fractions.assign(size, 0.0f);
+    float *next = lists.fractions.data();
+    for (size_t g = 0; g < groups.size(); ++g) {
+        Group &group = groups[g];
         if (group.uniform)
             continue;
         group.fractions = next;
@@ -196,13 +229,13 @@ void RyLegacyGroups::addVertex(Sketch &sketch, const RyLegacyWeights &weights, i
     }
     Group &group = m_groups[size_t(found->second)];
     m_groupOf[size_t(vertex)] = found->second;
-    std::vector<int> &vertices = sketch.vertices[size_t(found->second)];
+    std::vector<int> &vertices = sketch.vertices[size_t(found->second) - sketch.firstGroup];
     m_numberOf[size_t(vertex)] = int(vertices.size());
     vertices.push_back(vertex);
     for (Bulge &bulge : group.bulges)
         bulge.shares.push_back(weights.bulges(bulge.param, owner)[number]);
     if (!uniform) {
-        std::vector<RyLegacyFractions> &list = sketch.byVertex[size_t(found->second)];
+        std::vector<RyLegacyFractions> &list = sketch.byVertex[size_t(found->second) - sketch.firstGroup];
         list.insert(list.end(), sketch.fractions.begin(), sketch.fractions.end());
     }
 }

@@ -47,6 +47,7 @@ public:
     RyLegacyGroups() = default;
     RyLegacyGroups(const RyLegacyGroups &) = delete; // groups know where lists lie
     RyLegacyGroups &operator=(const RyLegacyGroups &) = delete;
+    /// Those of owners that are unchanged stay.
     void build(const RyLegacyWeights &weights);
     /// The vertex of each normal behind those of the vertices.
     void setFurtherNormals(const std::vector<int> &vertices);
@@ -57,14 +58,19 @@ public:
 
 private:
     struct Sketch;
+    /// Of one group after the other, as loops read them.
+    struct Lists
+    {
+        std::vector<int> vertices;
+        std::vector<float> fractions;
+    };
+    void takeGroups(std::vector<Group> &from, size_t first, size_t last);
+    void buildOwner(const RyLegacyWeights &weights, int owner);
     void addVertex(Sketch &sketch, const RyLegacyWeights &weights, int owner, size_t number, int vertex);
+    void layOut(const Sketch &sketch, Lists &lists);
 
-    void layOut(const Sketch &sketch);
-
-    std::vector<Group> m_groups;
-    // Of one group after the other, as loops read them.
-    std::vector<int> m_vertices;
-    std::vector<float> m_fractions;
+    std::vector<Group> m_groups; // by owner
+    std::vector<Lists> m_lists;  // of each owner
     std::vector<int> m_groupOf;
     std::vector<int> m_numberOf;
 };

@@ -35,6 +35,7 @@ struct RyLegacySite
         int param = -1;
         bool fixed = false;
         double value = 0.0;
+        bool operator==(const Turn &) const = default;
     };
     int driver = -1;
     bool own = false;
@@ -43,6 +44,7 @@ struct RyLegacySite
     std::vector<int> bends;       // those with zones
     int smooth = -1;
     bool smoothIsParents = false;
+    bool operator==(const RyLegacySite &) const = default;
 
     /// `weight(param)` gives the weight of a parameter's zones at the vertex.
     template<class Weight>

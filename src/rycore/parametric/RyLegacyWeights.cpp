@@ -3,6 +3,7 @@
 #include "rycore/skin/RyParallel.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -57,7 +58,8 @@ bool RyLegacyWeights::update(const RyLegacyRig &rig, const std::vector<RyVec3> &
         m_zones.emplace_back(m_rig, param);
         decides.push_back(m_zones.back().decides());
     }
-    m_reach = RyLegacyReach(m_rig, decides);
+    const RyLegacyReach oldReach = std::exchange(m_reach, RyLegacyReach(m_rig, decides));
+    m_unchangedOwners = treeStays ? findUnchangedOwners(old, oldReach, moved) : std::vector<char>();
     fillMissing();
     return true;
 }
@@ -98,6 +100,27 @@ std::vector<char> RyLegacyWeights::movedOwners(const std::vector<RyVec3> &positi
             moved[size_t(m_rig.owners[v])] = 1;
     }
     return moved;
+}
+
+std::vector<char> RyLegacyWeights::findUnchangedOwners(const RyLegacyRig &old, const RyLegacyReach &oldReach,
+                                                       const std::vector<char> &moved) const
+{
+    if (old.params.size() != m_rig.params.size())
+        return {};
+    std::vector<char> same;
+    for (size_t i = 0; i < m_rig.params.size(); ++i)
+        same.push_back(sameWeights(old, old.params[i], m_rig, m_rig.params[i]));
+    const auto isSame = [&same](int param) { return param < 0 || same[size_t(param)]; };
+    std::vector<char> unchanged;
+    for (int owner = 0; owner < int(m_rig.bones.size()); ++owner) {
+        const std::vector<RyLegacySite> &sites = m_reach.sitesOf(owner);
+        unchanged.push_back(!moved[size_t(owner)] && sites == oldReach.sitesOf(owner) &&
+                            std::all_of(sites.begin(), sites.end(), [&](const RyLegacySite &site) {
+                                return isSame(site.smooth) &&
+                                       std::all_of(std::begin(site.acting), std::end(site.acting), isSame);
+                            }));
+    }
+    return unchanged;
 }
 
 void RyLegacyWeights::fillMissing()

@@ -18,6 +18,9 @@ public:
     const RyLegacyRig &rig() const { return m_rig; }
     const RyLegacyReach &reach() const { return m_reach; }
     const std::vector<RyVec3> &positions() const { return m_positions; }
+    /// The bones whose vertices have the same fractions as before the last update that found a difference, for the same
+    /// reasons; empty where nothing is known of that.
+    const std::vector<char> &unchangedOwners() const { return m_unchangedOwners; }
     /// The vertices of a bone, ascending.
     const std::vector<int> &verticesOf(int owner) const { return m_vertices[size_t(owner)]; }
     const RyLegacyParamZones &zones(int param) const { return m_zones[size_t(param)]; }
@@ -42,10 +45,13 @@ private:
     void takeKept(const RyLegacyRig &old, std::vector<Kept> &kept);
     void listVertices();
     std::vector<char> movedOwners(const std::vector<RyVec3> &positions) const;
+    std::vector<char> findUnchangedOwners(const RyLegacyRig &old, const RyLegacyReach &oldReach,
+                                          const std::vector<char> &moved) const;
     void fillMissing();
 
     RyLegacyRig m_rig;
     RyLegacyReach m_reach;
+    std::vector<char> m_unchangedOwners;
     std::vector<RyVec3> m_positions;
     std::vector<std::vector<int>> m_vertices;
     std::vector<RyLegacyParamZones> m_zones;
