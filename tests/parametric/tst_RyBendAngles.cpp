@@ -5,6 +5,8 @@
 
 #include <QSignalSpy>
 
+#include <limits>
+
 using Values = RyBendAngles::Values;
 Q_DECLARE_METATYPE(Values)
 
@@ -135,7 +137,38 @@ private slots:
         QCOMPARE(textOf(f.bendOf(f.arm, "elbow_jointy")->angleValues()), QString("90 100 -45 -200"));
         bend->setAnglePushing(4, 1, true);
         bend->setAnglePushing(-1, 1, false);
+        bend->setAnglePushing(0, std::numeric_limits<float>::quiet_NaN(), true);
         QCOMPARE(textOf(bend->angleValues()), QString("90 100 -45 -200"));
+    }
+
+    void withoutPushingTheRestOfAnUnlikePartnerStays()
+    {
+        const ParamArm f;
+        RyLegacyBendParam *bend = f.bendOf(f.elbow, "jointy");
+        RyLegacyBendParam *copy = f.bendOf(f.arm, "elbow_jointy");
+        copy->getDynamicAngleCController()->setValue(-12.5f);
+        bend->setAnglePushing(1, radiansOf(60), false);
+        QCOMPARE(textOf(copy->angleValues()), QString("90 60 -12.5 -90"));
+        bend->setAnglePushing(1, radiansOf(50), true);
+        QCOMPARE(textOf(copy->angleValues()), QString("90 50 -45 -90"));
+    }
+
+    /// Numbers come out as they went in: neither by way of radians nor to the other side of the cut.
+    void numbersStay()
+    {
+        const ParamArm f;
+        RyLegacyBendParam *bend = f.bendOf(f.elbow, "jointy");
+        bend->getStaticAngleAController()->setValue(200.0f);
+        bend->getDynamicAngleBController()->setValue(45.3f);
+        bend->getDynamicAngleCController()->setValue(45.3f);
+        bend->getStaticAngleDController()->setValue(-130.0f);
+        for (const float degrees : {37.3f, 77.7f, -33.1f, 0.1f}) {
+            bend->setAngleValuePushing(2, degrees, true, {200.0f, 45.3f, 45.3f, -130.0f});
+            const float pushed = std::max(degrees, 45.3f);
+            QCOMPARE(bend->angleValues(), (Values{200.0f, pushed, degrees, -130.0f}));
+        }
+        bend->setAngleValuePushing(2, 190.0f, true, {200.0f, 45.3f, 45.3f, -130.0f});
+        QCOMPARE(bend->angleValues()[2], -170.0f);
     }
 
     void pushedNeighboursComeBackWithinADrag()

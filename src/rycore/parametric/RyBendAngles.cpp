@@ -21,7 +21,7 @@ double RyBendAngles::wrap(double degrees)
     return upward > FullTurn / 2.0 ? upward - FullTurn : upward;
 }
 
-RyBendAngles::RyBendAngles(const Values &degrees)
+RyBendAngles::RyBendAngles(const Values &degrees) : m_start(degrees)
 {
     const double a = double(degrees[0]), b = double(degrees[1]), c = double(degrees[2]), d = double(degrees[3]);
     m_unwrapped[0] = b + std::max(wrap(a - b), 0.0);
@@ -54,8 +54,11 @@ void RyBendAngles::push(int index, double degrees)
 
 RyBendAngles::Values RyBendAngles::values() const
 {
-    Values values{};
-    for (size_t i = 0; i < values.size(); ++i)
-        values[i] = float(wrap(m_unwrapped[i]));
+    constexpr double sameDirection = 1e-6; // less than a float tells apart
+    Values values = m_start;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (std::abs(wrap(m_unwrapped[i] - double(m_start[i]))) > sameDirection)
+            values[i] = float(wrap(m_unwrapped[i]));
+    }
     return values;
 }

@@ -14,7 +14,7 @@ public:
     /// The ray goes to that direction by the shorter way, and those that it meets go along with it: it stays between
     /// its neighbours, and the rays together stay within one turn, for which the far end gives way.
     void push(int index, double degrees);
-    /// Each in (-180, 180].
+    /// Each in (-180, 180]; rays that point where they did before keep their number.
     Values values() const;
 
     /// The same direction in (-180, 180].
@@ -23,5 +23,6 @@ public:
     static double wrapUpward(double degrees);
 
 private:
+    Values m_start;
     std::array<double, 4> m_unwrapped; // downward without a cut, as far as they were in order
 };

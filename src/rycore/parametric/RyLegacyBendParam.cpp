@@ -3,6 +3,8 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/math/RyFastMath.h"
 
+#include <cmath>
+
 RyLegacyBendParam::RyLegacyBendParam(const QString &name, int axis, RyBone *driver)
     : RyLegacyJointParam(name, axis, driver, ApplyAngles)
 {
@@ -52,17 +54,28 @@ RyBendAngles::Values RyLegacyBendParam::angleValues() const
     return degrees;
 }
 
+void RyLegacyBendParam::setAngleValue(int index, float degrees)
+{
+    RyFloatProperty *controller = controllers()[size_t(index)];
+    if (controller->getValue() != degrees)
+        controller->adjustValue(degrees);
+}
+
 void RyLegacyBendParam::setAngleValues(const RyBendAngles::Values &degrees)
 {
-    for (size_t i = 0; i < degrees.size(); ++i)
-        controllers()[i]->adjustValue(degrees[i]);
+    for (int i = 0; i < int(degrees.size()); ++i)
+        setAngleValue(i, degrees[size_t(i)]);
 }
 
 void RyLegacyBendParam::setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start)
 {
-    if (index < 0 || index > 3)
+    setAngleValuePushing(index, float(radians * RyFastMath::DegreesPerRadian), push, start);
+}
+
+void RyLegacyBendParam::setAngleValuePushing(int index, float degrees, bool push, const RyBendAngles::Values &start)
+{
+    if (index < 0 || index > 3 || !std::isfinite(degrees))
         return;
-    const auto degrees = float(radians * RyFastMath::DegreesPerRadian);
     RyBendAngles::Values values = start;
     if (push) {
         RyBendAngles angles(start);
@@ -73,8 +86,11 @@ void RyLegacyBendParam::setAnglePushing(int index, float radians, bool push, con
     }
     beginEdit();
     setAngleValues(values);
-    if (auto *partner = qobject_cast<RyLegacyBendParam *>(findPartner()))
+    auto *partner = qobject_cast<RyLegacyBendParam *>(findPartner());
+    if (partner && push)
         partner->setAngleValues(values);
+    else if (partner)
+        partner->setAngleValue(index, degrees);
     finishEdit();
 }
 

@@ -31,10 +31,12 @@ public:
     /// What the four angle controllers say, in degrees.
     RyBendAngles::Values angleValues() const;
     /// Sets one angle (0 to 3 for A to D), here and on the partner where that is a bend, as a drag does that began at
-    /// `start`: the others go back to where they were then. `push`: neighbours that it would pass go along; otherwise
-    /// it is set as asked.
+    /// `start`: the others go back to where they were then. `push`: neighbours that it would pass go along, and the
+    /// partner takes all four; otherwise it is set as asked, and the partner takes this one alone.
     void setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start);
     void setAnglePushing(int index, float radians, bool push);
+    /// The same for a number of a controller, which stays as it is.
+    void setAngleValuePushing(int index, float degrees, bool push, const RyBendAngles::Values &start);
     RyFloatProperty *getStaticAngleAController() const { return controllers()[0]; }
     RyFloatProperty *getDynamicAngleBController() const { return controllers()[1]; }
     RyFloatProperty *getDynamicAngleCController() const { return controllers()[2]; }
@@ -51,5 +53,6 @@ public:
 private:
     float angle(int index) const;
     void setAngle(int index, float radians);
+    void setAngleValue(int index, float degrees);
     void setAngleValues(const RyBendAngles::Values &degrees);
 };

@@ -214,7 +214,7 @@ void RyLegacyJointParamPrototype::setAngle(int index, double degrees, bool push)
     if (index < 0 || index > 3 || !std::isfinite(degrees))
         fail(tr("An angle has an index from 0 to 3, and is a number."));
     else
-        bend->setAnglePushing(index, float(degrees * RyFastMath::RadiansPerDegree), push);
+        bend->setAngleValuePushing(index, float(degrees), push, bend->angleValues());
 }
 
 QScriptValue RyLegacyJointParamPrototype::toNumbers(const RyMatrix4 &matrix) const
