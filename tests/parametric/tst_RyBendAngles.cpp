@@ -171,6 +171,22 @@ private slots:
         QCOMPARE(bend->angleValues()[2], -170.0f);
     }
 
+    void backAtTheStartNothingIsPushed()
+    {
+        const ParamArm f;
+        RyLegacyBendParam *bend = f.bendOf(f.elbow, "jointy");
+        // B has passed A, and lies on a number that degrees and radians do not share.
+        const Values start{10.0f, 40.123459f, -45.0f, 230.0f};
+        for (const bool push : {true, false}) {
+            bend->setAnglePushing(2, radiansOf(70), push, start);
+            QVERIFY(bend->angleValues() != start);
+            for (int i = 0; i < 4; ++i) {
+                bend->setAnglePushing(i, radiansOf(start[size_t(i)]), push, start);
+                QCOMPARE(bend->angleValues(), start);
+            }
+        }
+    }
+
     void pushedNeighboursComeBackWithinADrag()
     {
         const ParamArm f;

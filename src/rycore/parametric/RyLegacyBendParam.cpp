@@ -5,6 +5,11 @@
 
 #include <cmath>
 
+static float toRadians(float degrees)
+{
+    return float(degrees * RyFastMath::RadiansPerDegree);
+}
+
 RyLegacyBendParam::RyLegacyBendParam(const QString &name, int axis, RyBone *driver)
     : RyLegacyJointParam(name, axis, driver, ApplyAngles)
 {
@@ -20,7 +25,7 @@ RyLegacyBendParam::RyLegacyBendParam(const QString &name, int axis, RyBone *driv
 
 float RyLegacyBendParam::angle(int index) const
 {
-    return float(controllers()[size_t(index)]->getValue() * RyFastMath::RadiansPerDegree);
+    return toRadians(controllers()[size_t(index)]->getValue());
 }
 
 void RyLegacyBendParam::setAngle(int index, float radians)
@@ -69,7 +74,11 @@ void RyLegacyBendParam::setAngleValues(const RyBendAngles::Values &degrees)
 
 void RyLegacyBendParam::setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start)
 {
-    setAngleValuePushing(index, float(radians * RyFastMath::DegreesPerRadian), push, start);
+    if (index < 0 || index > 3)
+        return;
+    const float before = start[size_t(index)];
+    const bool isBack = radians == toRadians(before);
+    setAngleValuePushing(index, isBack ? before : float(radians * RyFastMath::DegreesPerRadian), push, start);
 }
 
 void RyLegacyBendParam::setAngleValuePushing(int index, float degrees, bool push, const RyBendAngles::Values &start)
@@ -77,7 +86,7 @@ void RyLegacyBendParam::setAngleValuePushing(int index, float degrees, bool push
     if (index < 0 || index > 3 || !std::isfinite(degrees))
         return;
     RyBendAngles::Values values = start;
-    if (push) {
+    if (push && degrees != start[size_t(index)]) {
         RyBendAngles angles(start);
         angles.push(index, double(degrees));
         values = angles.values();

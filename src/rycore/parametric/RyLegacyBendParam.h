@@ -32,7 +32,8 @@ public:
     RyBendAngles::Values angleValues() const;
     /// Sets one angle (0 to 3 for A to D), here and on the partner where that is a bend, as a drag does that began at
     /// `start`: the others go back to where they were then. `push`: neighbours that it would pass go along, and the
-    /// partner takes all four; otherwise it is set as asked, and the partner takes this one alone.
+    /// partner takes all four; otherwise it is set as asked, and the partner takes this one alone. Back at its start an
+    /// angle pushes nothing, so that all four are what they were.
     void setAnglePushing(int index, float radians, bool push, const RyBendAngles::Values &start);
     void setAnglePushing(int index, float radians, bool push);
     /// The same for a number of a controller, which stays as it is.
