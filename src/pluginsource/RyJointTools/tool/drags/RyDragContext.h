@@ -13,11 +13,10 @@ struct RyDragContext
 {
     using SetAngle = std::function<void(int index, float radians, const RyBendAngles::Values &start)>;
 
-    RyNode *node = nullptr;                    // whose handles are drawn
-    RyLegacyJointParam *param = nullptr;       // the current one of the node's joint
-    RyLegacyJointParam *partner = nullptr;     // on the parent's joint
-    RyLegacyJointParam *bendPartner = nullptr; // on the driver's joint
-    const RyCamera *camera = nullptr;          // of the viewport that was pressed
+    RyNode *node = nullptr;                // whose handles are drawn
+    RyLegacyJointParam *param = nullptr;   // the current one of the node's joint
+    RyLegacyJointParam *partner = nullptr; // its counterpart on the other side of the joint
+    const RyCamera *camera = nullptr;      // of the viewport that was pressed
     /// Sets an angle (0 to 3 for A to D, radians) of the current bend parameter and what goes along with it; all four
     /// start from where they were at the press, in degrees.
     SetAngle setAngle = {};

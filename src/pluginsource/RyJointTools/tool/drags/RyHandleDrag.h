@@ -22,7 +22,8 @@ public:
     {
         bool keepLength = false;
         bool propagate = false;
-        bool isAligned = false; // the orientation of bones follows their points
+        bool isAligned = false;    // the orientation of bones follows their points
+        bool restrictAxes = false; // spheres are not turned
     };
 
     /// `element` is edited by the drag; null where nothing is.
@@ -37,8 +38,8 @@ public:
     void press(const RyLine3 &ray);
     /// Changes the scene by the way from the press to where the ray points.
     void move(const RyLine3 &ray, const Options &options);
-    /// Whether the handle's axis points at the eye, so that no way along it can be told from the mouse and the drag
-    /// moves nothing.
+    /// Whether the handle's axis points at the eye or its plane is seen from its edge, so that no way can be told from
+    /// the mouse and the drag moves nothing.
     virtual bool pointsAtEye() const { return false; }
     /// Takes over the propagation of a change of the origin that this drag makes: everything is placed from where it
     /// was at the press. False when the drag does not move that node's origin.

@@ -2,19 +2,11 @@
 
 #include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 #include "pluginsource/RyJointTools/tool/drags/bringToPlace.h"
+#include "pluginsource/RyJointTools/tool/drags/viewAngles.h"
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRiggingEdit.h"
-
-static bool isAlongView(const RyLine3 &line, const RyCamera *camera)
-{
-    if (!camera)
-        return false;
-    const RyVec3 &place = line.getOrigin();
-    return line.isParallelTo(
-        RyLine3(camera->isOrthographic() ? place - camera->viewDirection() : camera->getWSPos(), place));
-}
 
 static RyQuat rotationOf(const RyCamera *camera)
 {

@@ -119,7 +119,7 @@ RyVec3 RyHandleFrame::wayAlong(const RyVec3 &direction, const RyLine3 &ray) cons
 RyVec3 RyHandleFrame::wayAcrossAxis(int axis, const RyLine3 &ray) const
 {
     RyVec3 hit;
-    ray.planeIntersect(anchor, axes[(axis + 1) % 3].cross(axes[(axis + 2) % 3]), hit);
+    ray.planeIntersect(anchor, normalAcrossAxis(axis), hit);
     return hit - anchor;
 }
 

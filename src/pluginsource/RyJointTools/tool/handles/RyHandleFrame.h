@@ -54,8 +54,9 @@ struct RyHandleFrame
     RyVec3 wayAlongAxis(int axis, const RyLine3 &ray) const { return wayAlong(axes[axis], ray); }
     /// The same on the line through the anchor along a unit vector.
     RyVec3 wayAlong(const RyVec3 &direction, const RyLine3 &ray) const;
-    /// From the anchor to where a ray meets the plane of the two other axes; to the ray's origin when they are
-    /// parallel.
+    /// Of the plane of the two other axes; not a unit vector.
+    RyVec3 normalAcrossAxis(int axis) const { return axes[(axis + 1) % 3].cross(axes[(axis + 2) % 3]); }
+    /// From the anchor to where a ray meets that plane; to the ray's origin when they are parallel.
     RyVec3 wayAcrossAxis(int axis, const RyLine3 &ray) const;
     /// From the anchor to where a ray of the world meets the plane; to the ray's origin when they are parallel.
     RyVec3 wayInPlane(const RyLine3 &ray) const;

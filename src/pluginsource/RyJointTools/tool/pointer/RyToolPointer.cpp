@@ -5,11 +5,13 @@
 #include "pluginsource/RyJointTools/tool/drags/RyHandleDrag.h"
 #include "pluginsource/RyJointTools/tool/drags/makeDrag.h"
 #include "pluginsource/RyJointTools/tool/handles/RyBoneIndex.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandle.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 #include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
 #include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 #include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
 
+#include "rycore/parametric/RyLegacyJointParam.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyScene.h"
@@ -94,7 +96,9 @@ RyDragContext RyToolPointer::dragContext() const
 {
     const RyJointState &joint = m_in.joint;
     const RyCamera *camera = m_pressViewport ? m_pressViewport->getCamera() : nullptr;
-    return {joint.node, joint.param.get(), joint.partner.get(), joint.bendPartner.get(), camera, m_in.setAngle};
+    RyLegacyJointParam *param = joint.param.get();
+    const bool isSmooth = param && param->type() == RyLegacyJointParam::SmoothScale;
+    return {joint.node, param, (isSmooth ? joint.bendPartner : joint.partner).get(), camera, m_in.setAngle};
 }
 
 RyLine3 RyToolPointer::pressViewportRay(const QPoint &point) const
@@ -231,6 +235,7 @@ bool RyToolPointer::move(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouse
     options.keepLength = event->modifiers().testFlag(Qt::ControlModifier);
     options.propagate = m_in.options.propagateTranslation && !ryScene()->isInRiggingEdit();
     options.isAligned = m_in.options.autoAlign;
+    options.restrictAxes = m_in.display.restrictRotationAxes;
     m_drag->move(pressViewportRay(event->pos()), options);
     m_in.tool.drawnDataChanged();
     event->accept();
@@ -255,14 +260,20 @@ void RyToolPointer::endPress()
     setHoveredId(HandleId::None);
 }
 
+/// Why a handle does not move.
+QString RyToolPointer::atEyeText(const RyHandle *handle)
+{
+    const bool isInPlane = handle && (handle->kind == RyHandle::Ring || handle->kind == RyHandle::AngleRay);
+    return isInPlane ? tr("This handle turns in a plane seen from its edge and moves nothing; turn the view")
+                     : tr("This axis points at the eye and moves nothing; turn the view");
+}
+
 QString RyToolPointer::statusText() const
 {
     const RyNode *node = m_in.joint.node;
     const RyHandle *handle = node ? RyHandleTable::find(m_hoveredId) : nullptr;
     const QString handleText = handle ? RyHandleTable::statusText(*handle, node->getLabel()) : QString();
-    const QString pressedText = m_drag && m_drag->pointsAtEye()
-                                    ? tr("This axis points at the eye and moves nothing; turn the view")
-                                    : handleText;
+    const QString pressedText = m_drag && m_drag->pointsAtEye() ? atEyeText(handle) : handleText;
     if (m_dragging && node)
         return handle ? tr("%1; right click or Esc cancels").arg(pressedText) : QString();
     QStringList hints;

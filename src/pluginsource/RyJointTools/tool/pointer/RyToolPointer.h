@@ -19,6 +19,7 @@ class RyHandleDrag;
 class RyLine3;
 class RyPickTool;
 class RyVec3;
+struct RyHandle;
 struct RyJointState;
 struct RyJointToolDisplay;
 struct RyToolOptions;
@@ -80,6 +81,7 @@ private:
     bool createsBones() const;
     void setHoveredId(int id);
     void hideToolTip();
+    static QString atEyeText(const RyHandle *handle);
     RyDragContext dragContext() const;
     RyLine3 pressViewportRay(const QPoint &point) const;
 
