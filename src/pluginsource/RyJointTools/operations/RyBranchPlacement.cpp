@@ -1,5 +1,7 @@
 #include "pluginsource/RyJointTools/operations/RyBranchPlacement.h"
 
+#include "pluginsource/RyJointTools/operations/moveParams.h"
+
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
@@ -14,26 +16,45 @@ std::vector<RyNode *> bonesBelow(const RyNode *node)
     return nodes;
 }
 
-RyBranchPlacement::RyBranchPlacement(RyNode *node) : m_node(node), m_endPoint(node->getEndPoint())
+RyBranchPlacement::Place::Place(RyNode *placed, bool withParams)
+    : node(placed), origin(placed->getOrigin()), endPoint(placed->getEndPoint())
+{
+    if (!withParams)
+        return;
+    for (RyLegacyJointParam *param : paramsAround(placed))
+        params.emplace_back(*param);
+}
+
+void RyBranchPlacement::Place::followOrigin(const RyVec3 &way) const
+{
+    node->adjustEndPoint(endPoint + way);
+    for (const RyParamPlacement &param : params)
+        param.move(way);
+}
+
+RyBranchPlacement::RyBranchPlacement(RyNode *node, bool withParams) : m_place(node, withParams)
 {
     const std::vector<RyNode *> bones = bonesBelow(node);
     m_descendants.reserve(bones.size());
     for (RyNode *bone : bones)
-        m_descendants.push_back({bone, bone->getOrigin(), bone->getEndPoint()});
+        m_descendants.emplace_back(bone, withParams);
 }
 
-void RyBranchPlacement::moveEndPoint(const RyVec3 &way) const
+void RyBranchPlacement::followOrigin(const RyVec3 &way) const
 {
-    if (m_node)
-        m_node->adjustEndPoint(m_endPoint + way);
+    if (!m_place.node)
+        return;
+    const RyBindingEdit edit(m_place.node);
+    m_place.followOrigin(way);
 }
 
 void RyBranchPlacement::moveDescendants(const RyVec3 &way) const
 {
+    const RyBindingEdit edit(m_place.node);
     for (const Place &place : m_descendants) {
-        if (!place.bone)
+        if (!place.node)
             continue;
-        place.bone->adjustOrigin(place.origin + way);
-        place.bone->adjustEndPoint(place.endPoint + way);
+        place.node->adjustOrigin(place.origin + way);
+        place.followOrigin(way);
     }
 }

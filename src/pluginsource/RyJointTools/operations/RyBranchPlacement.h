@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/math/RyVec3.h"
+#include "pluginsource/RyJointTools/operations/RyParamPlacement.h"
 
 #include <QPointer>
 
@@ -8,26 +8,31 @@
 
 class RyNode;
 
-/// Where a node's end point and the bones below it stood at one moment, in figure space. Placing them from there by a
-/// total way, and not by small ways one after the other, keeps long drags free of drift.
+/// Where a node, its parameters and the bones below it stood at one moment, in figure space. Placing them from there by
+/// a total way, and not by small ways one after the other, keeps long drags free of drift.
 class RyBranchPlacement
 {
 public:
-    explicit RyBranchPlacement(RyNode *node);
+    /// `withParams`: parameters of joints go along.
+    explicit RyBranchPlacement(RyNode *node, bool withParams = true);
 
-    void moveEndPoint(const RyVec3 &way) const;
-    /// Origins and end points of all bones below, parents first. Current values only.
+    /// The end point and the parameters of the node, whose origin has moved.
+    void followOrigin(const RyVec3 &way) const;
+    /// Origins, end points and parameters of all bones below, parents first. Current values only.
     void moveDescendants(const RyVec3 &way) const;
 
 private:
     struct Place
     {
-        QPointer<RyNode> bone;
+        Place(RyNode *node, bool withParams);
+        void followOrigin(const RyVec3 &way) const;
+
+        QPointer<RyNode> node;
         RyVec3 origin;
         RyVec3 endPoint;
+        std::vector<RyParamPlacement> params;
     };
-    QPointer<RyNode> m_node;
-    RyVec3 m_endPoint;
+    Place m_place;
     std::vector<Place> m_descendants;
 };
 

@@ -16,7 +16,7 @@ RyJointEditorTool::RyJointEditorTool()
     : RyPickTool(QStringLiteral("Joint Editor")),
       m_pointer(RyToolPointer::Surroundings{*this, m_joint, m_options, m_display.values(), m_drawing.bones(),
                                             [this](int index, float radians, const RyBendAngles::Values &start) {
-                                                m_param.setAngle(index, radians, start);
+                                                m_paramFollowUp.setAngle(index, radians, start);
                                             }})
 {
     setObjectName(QStringLiteral("Joint Editor"));

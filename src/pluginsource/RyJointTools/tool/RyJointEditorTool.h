@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pluginsource/RyJointTools/tool/RyParamFollowUp.h"
 #include "pluginsource/RyJointTools/tool/RyPointFollowUp.h"
 #include "pluginsource/RyJointTools/tool/RyToolParam.h"
 #include "pluginsource/RyJointTools/tool/RyToolSelection.h"
@@ -148,7 +149,8 @@ public slots:
     void setPropagateTranslation(bool onOff);
     void setPropagateOrientation(bool onOff);
 
-    // Edits carried on to what hangs below a node: see operations/propagateEdits.h. They run in the caller's undo hold.
+    // Edits carried on to what hangs below a node: see operations/propagateEdits.h and moveParams.h. They run in the
+    // caller's undo hold.
     void performTransPropagation(RyNode *node, RyVec3 origin, RyVec3 newOrigin);
     void performOrientPropagation(RyNode *node, RyQuat delta);
     void translateParam(RyLegacyJointParam *param, RyVec3 delta);
@@ -195,7 +197,8 @@ private:
     RyToolDrawing m_drawing;
     RyToolPointer m_pointer;
     RyPointFollowUp m_followUp{m_joint, m_options, m_pointer};
-    RyToolParam m_param{*this, m_joint, m_options};
+    RyParamFollowUp m_paramFollowUp{*this, m_joint, m_options, m_display.values()};
+    RyToolParam m_param{*this, m_joint, m_paramFollowUp, m_pointer};
     RyToolSelection m_selection{*this, m_joint, m_param, m_pointer};
 
     QPointer<QWidget> m_toolFrame;

@@ -1,3 +1,4 @@
+#include "pluginsource/RyJointTools/operations/moveParams.h"
 #include "pluginsource/RyJointTools/operations/propagateEdits.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
@@ -196,25 +197,45 @@ void RyJointEditorTool::performOrientPropagation(RyNode *node, RyQuat delta)
     m_followUp.placePoints([&] { ::propagateOrientation(node, delta); });
 }
 
-void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
+void RyJointEditorTool::performRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom)
 {
-    m_followUp.placePoints([&] { ::propagateRotation(node, axis, delta, recursive); });
+    m_followUp.placePoints([&] { ::propagateRotation(node, axis, delta, recursive, includeGeom); });
 }
 
-void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive, bool,
-                                                   RyVec3 &origin)
+void RyJointEditorTool::performChildRotPropagation(RyNode *node, int axis, float delta, bool recursive,
+                                                   bool includeGeom, RyVec3 &origin)
 {
-    m_followUp.placePoints([&] { ::propagateChildRotation(node, axis, delta, recursive, origin); });
+    m_followUp.placePoints([&] { ::propagateChildRotation(node, axis, delta, recursive, includeGeom, origin); });
 }
 
-void RyJointEditorTool::performScalePropagation(RyNode *node, int axis, float factor, bool recursive, bool)
+void RyJointEditorTool::performScalePropagation(RyNode *node, int axis, float factor, bool recursive, bool includeGeom)
 {
-    m_followUp.placePoints([&] { ::propagateScale(node, axis, factor, recursive); });
+    m_followUp.placePoints([&] { ::propagateScale(node, axis, factor, recursive, includeGeom); });
 }
 
-void RyJointEditorTool::performTransPropagation(RyNode *node, int axis, float delta, bool recursive, bool)
+void RyJointEditorTool::performTransPropagation(RyNode *node, int axis, float delta, bool recursive, bool includeGeom)
 {
-    m_followUp.placePoints([&] { ::propagateTranslation(node, axis, delta, recursive); });
+    m_followUp.placePoints([&] { ::propagateTranslation(node, axis, delta, recursive, includeGeom); });
+}
+
+void RyJointEditorTool::translateParam(RyLegacyJointParam *param, RyVec3 delta)
+{
+    ::translateParam(param, delta);
+}
+
+void RyJointEditorTool::rotateParam(RyLegacyJointParam *param, RyQuat delta)
+{
+    ::rotateParam(param, delta);
+}
+
+void RyJointEditorTool::propagateParamTranslation(RyNode *node, RyLegacyJointParam *param, float value, int axis)
+{
+    ::propagateParamTranslation(node, param, value, axis);
+}
+
+void RyJointEditorTool::propagateSphereTranslation(RyLegacyJointSphere *sphere, float value, int axis)
+{
+    ::propagateSphereTranslation(sphere, value, axis);
 }
 
 void RyJointEditorTool::updateSelection(RyNode *node)
@@ -244,27 +265,27 @@ void RyJointEditorTool::endPointChange()
 
 void RyJointEditorTool::dynamicMatrixChange()
 {
-    drawnDataChanged();
+    m_paramFollowUp.dynamicTurnChanged(sender());
 }
 
 void RyJointEditorTool::staticMatrixChange()
 {
-    drawnDataChanged();
+    m_paramFollowUp.staticTurnChanged(sender());
 }
 
 void RyJointEditorTool::removeParamConnections()
 {
-    m_param.disconnectValues();
+    m_paramFollowUp.disconnectValues();
 }
 
 void RyJointEditorTool::updateParamConnections()
 {
-    m_param.connectValues();
+    m_paramFollowUp.connectValues();
 }
 
 void RyJointEditorTool::validateAngleChange()
 {
-    m_param.angleChanged(sender());
+    m_paramFollowUp.angleChanged(sender());
 }
 
 void RyJointEditorTool::setParam(RyLegacyJointParam *param)
@@ -272,30 +293,22 @@ void RyJointEditorTool::setParam(RyLegacyJointParam *param)
     m_param.set(param);
 }
 
-void RyJointEditorTool::translateParam(RyLegacyJointParam *, RyVec3) {}
-
-void RyJointEditorTool::rotateParam(RyLegacyJointParam *, RyQuat) {}
-
-void RyJointEditorTool::propagateParamTranslation(RyNode *, RyLegacyJointParam *, float, int) {}
-
-void RyJointEditorTool::propagateSphereTranslation(RyLegacyJointSphere *, float, int) {}
-
 void RyJointEditorTool::setStaticA(float angle, int)
 {
-    m_param.setAngle(0, angle);
+    m_paramFollowUp.setAngle(0, angle);
 }
 
 void RyJointEditorTool::setDynamicB(float angle, int)
 {
-    m_param.setAngle(1, angle);
+    m_paramFollowUp.setAngle(1, angle);
 }
 
 void RyJointEditorTool::setDynamicC(float angle, int)
 {
-    m_param.setAngle(2, angle);
+    m_paramFollowUp.setAngle(2, angle);
 }
 
 void RyJointEditorTool::setStaticD(float angle, int)
 {
-    m_param.setAngle(3, angle);
+    m_paramFollowUp.setAngle(3, angle);
 }

@@ -1,51 +1,48 @@
 #pragma once
 
-#include "rycore/parametric/RyBendAngles.h"
-
-class QObject;
 class RyJointEditorTool;
-class RyLegacyBendParam;
 class RyLegacyJointParam;
-class RyNode;
+class RyParamFollowUp;
+class RyToolPointer;
 struct RyJointState;
-struct RyToolOptions;
 
-/// Which parameter of the current node's joint the tool edits, with its partners on the other side of the joint, and
-/// what follows when the values change by whatever hand.
+/// Which parameter of the current node's joint the tool edits, with its partners on the other side of the joint. What
+/// leaves its joint is dropped, after the drag of it has ended; partners are looked for again when the scene changes.
 class RyToolParam
 {
 public:
-    RyToolParam(RyJointEditorTool &tool, RyJointState &joint, const RyToolOptions &options);
+    RyToolParam(RyJointEditorTool &tool, RyJointState &joint, RyParamFollowUp &values, RyToolPointer &pointer)
+        : m_tool(tool), m_joint(joint), m_values(values), m_pointer(pointer)
+    {}
 
     /// A parameter that is not one of the current node's joint selects none. Announces it when it is another one.
     void set(RyLegacyJointParam *param);
-    /// The one of the current node that is most like the one that was chosen last; null for a node whose figure has a
-    /// skin, for one without a joint, and while none has been chosen.
-    RyLegacyJointParam *choose() const;
-
-    /// Begins and ends to follow the values of the current parameter.
-    void connectValues();
-    void disconnectValues();
-
-    /// Sets an angle (0 to 3 for A to D, radians) of the current bend parameter and of its partner, as an edit that
-    /// began at `start` (degrees). Neighbours go along as the options say. Nothing without a bend parameter.
-    void setAngle(int index, float radians, const RyBendAngles::Values &start);
-    /// The same from where the angles are.
-    void setAngle(int index, float radians);
-    /// An angle controller of the current parameter has changed: neighbours follow it.
-    void angleChanged(const QObject *controller);
+    /// Takes the one of the current node that is most like the one that was chosen last; none for a node whose figure
+    /// has a skin, for one without a joint, and while none has been chosen.
+    void choose();
+    /// The scene has changed: the node may hang elsewhere, and joints and parameters may have come or gone. Announces
+    /// the parameter anew when its partners are others.
+    void check();
 
 private:
-    bool isOwn(const RyLegacyJointParam *param) const;
+    /// False when nothing has changed.
+    bool change(RyLegacyJointParam *param);
+    bool changeWithStatus(RyLegacyJointParam *param);
+    void drop();
     void clear();
     void take(RyLegacyJointParam &param);
+    bool isOwn(const RyLegacyJointParam *param) const;
+    bool isDrivenByParent(const RyLegacyJointParam &param) const;
+    RyLegacyJointParam *findLikeLast() const;
     RyLegacyJointParam *findPartner(const RyLegacyJointParam &param) const;
     RyLegacyJointParam *findBendPartner(const RyLegacyJointParam &param) const;
-    RyLegacyBendParam *bend() const;
-    void cacheAngles(const RyLegacyBendParam &bend);
+    void setPartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
+    void changePartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
+    void dropPartner(const RyLegacyJointParam *param);
 
     RyJointEditorTool &m_tool;
     RyJointState &m_joint;
-    const RyToolOptions &m_options;
-    bool m_isSettingAngle = false;
+    RyParamFollowUp &m_values;
+    RyToolPointer &m_pointer;
+    bool m_isSet = false; // one was announced; it may be gone by now
 };

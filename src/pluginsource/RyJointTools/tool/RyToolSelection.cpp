@@ -32,8 +32,11 @@ RyToolSelection::RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, R
 
 void RyToolSelection::start()
 {
-    QObject::connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode *)), &m_tool, SLOT(postSelectionChangeEvent()),
-                     Qt::UniqueConnection);
+    QObject::disconnect(ryScene(), nullptr, &m_tool, nullptr);
+    const auto check = [this] { m_param.check(); };
+    QObject::connect(ryScene(), &RyScene::nodeListChanged, &m_tool, check);
+    QObject::connect(ryScene(), &RyScene::drawnDataChanged, &m_tool, check);
+    QObject::connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode *)), &m_tool, SLOT(postSelectionChangeEvent()));
     update(ryScene()->getPrimarySelection());
 }
 
@@ -106,7 +109,7 @@ void RyToolSelection::update(RyNode *node)
         connectNode();
         m_joint.cachedOrigin = m_joint.node->getOrigin();
     }
-    m_param.set(m_param.choose());
+    m_param.choose();
     m_tool.drawnDataChanged();
     emit m_tool.statusTextChanged();
     m_tool.hoverAgain();

@@ -88,7 +88,7 @@ bool RyPointDrag::propagateOrigin(RyNode *node, const RyVec3 &newOrigin)
 {
     if (m_point != Origin || !isOpen() || node != m_node)
         return false;
-    m_branch.moveEndPoint(newOrigin - m_start);
+    m_branch.followOrigin(newOrigin - m_start);
     m_branch.moveDescendants(newOrigin - m_start);
     return true;
 }

@@ -13,7 +13,7 @@ class RyLegacyJointParam;
 struct RyJointState
 {
     QPointer<RyNode> node;
-    QPointer<RyNode> parent; // when the node became the current one
+    QPointer<RyNode> parent; // of the node, null without one
     RyVec3 cachedOrigin;     // of the node when it was last seen, in figure space
 
     RyGuardedPointer<RyLegacyJointParam> param;
@@ -27,5 +27,10 @@ struct RyJointState
     float angleC = 0.0f;
     float angleD = 0.0f;
 
+    /// The one whose values go with those of the current parameter, a smooth-scale one or another.
+    RyLegacyJointParam *editedPartner(bool isSmoothScale) const
+    {
+        return isSmoothScale ? bendPartner.get() : partner.get();
+    }
     void forgetAngles() { angleA = angleB = angleC = angleD = 0.0f; }
 };

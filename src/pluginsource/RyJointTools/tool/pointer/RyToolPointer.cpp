@@ -50,11 +50,12 @@ void RyToolPointer::hideToolTip()
 
 void RyToolPointer::finish()
 {
-    if (!m_drag)
+    // Who hears of the end of the edit may end the drag as well.
+    const std::unique_ptr<RyHandleDrag> drag = std::move(m_drag);
+    if (!drag)
         return;
     if (m_dragging)
-        m_drag->finish(tr("Joint Edit"));
-    m_drag.reset();
+        drag->finish(tr("Joint Edit"));
     m_dragging = false;
     m_pressViewport = nullptr;
     hideToolTip();
@@ -69,9 +70,8 @@ void RyToolPointer::cancel()
 
 void RyToolPointer::drop()
 {
-    if (m_drag)
-        m_drag->cancel();
-    m_drag.reset();
+    if (const std::unique_ptr<RyHandleDrag> drag = std::move(m_drag))
+        drag->cancel();
     m_dragging = false;
     hideToolTip();
     setHoveredId(HandleId::None);
