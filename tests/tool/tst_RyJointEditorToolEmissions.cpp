@@ -1,19 +1,16 @@
 #include "support/RyTest.h"
 
 #include "RySignalLog.h"
-#include "RyToolScene.h"
+#include "tool_actions/RyParametricToolScene.h"
 
 #include "rycore/base/RyFloatProperty.h"
 
 #include <functional>
 
-class RyLegacyJointParam;
-class RyLegacyJointSphere;
-
 namespace {
 
 using Tool = RyJointEditorTool;
-using Call = std::function<void(RyToolScene &)>;
+using Call = std::function<void(RyParametricToolScene &)>;
 
 constexpr char redraw[] = "drawnDataChangeRequested";
 constexpr char options[] = "optionsChanged";
@@ -28,6 +25,7 @@ struct Row
     QStringList ofSame;
     Call outOfRange = nullptr;
     QStringList ofOutOfRange = {};
+    bool ofParam = false; // a parameter is the current one
 };
 
 template<typename Value>
@@ -45,12 +43,6 @@ Call callPrivate(const char *slot)
 void updateSelection(RyToolScene &scene)
 {
     QVERIFY(QMetaObject::invokeMethod(scene.tool, "updateSelection", Q_ARG(RyNode *, scene.rThigh)));
-}
-
-RyLegacyJointParam *stranger()
-{
-    static int nothing = 0;
-    return reinterpret_cast<RyLegacyJointParam *>(&nothing);
 }
 
 std::vector<Row> displayRows()
@@ -116,11 +108,6 @@ std::vector<Row> editingRows()
         return Row{slot, call(setter, fresh), emitted, emitted};
     };
     return {
-        {"setParam(RyLegacyJointParam*)",
-         [](RyToolScene &scene) { scene.tool->setParam(nullptr); },
-         {},
-         {},
-         [](RyToolScene &scene) { scene.tool->setParam(stranger()); }},
         flag("setPushNeighborAngles(bool)", &Tool::setPushNeighborAngles, false, {}),
         flag("setPropagationEnabled(bool)", &Tool::setPropagationEnabled, true, {}),
         flag("setPropagateTranslation(bool)", &Tool::setPropagateTranslation, true, {options}),
@@ -147,13 +134,6 @@ std::vector<Row> propagationRows()
                    [edit](RyToolScene &scene) { (scene.tool->*edit)(nullptr, 1, 1.5f, true, true); }};
     };
     using AxisEdit = void (Tool::*)(RyNode *, int, float, bool, bool);
-    const auto angle = [](const char *slot, void (Tool::*setter)(float, int)) {
-        return Row{slot,
-                   [setter](RyToolScene &scene) { (scene.tool->*setter)(0.5f, 1); },
-                   {},
-                   {},
-                   [setter](RyToolScene &scene) { (scene.tool->*setter)(-70.0f, 9); }};
-    };
     return {
         {"performTransPropagation(RyNode*,RyVec3,RyVec3)",
          [](RyToolScene &scene) {
@@ -171,18 +151,6 @@ std::vector<Row> propagationRows()
          {},
          {},
          [](RyToolScene &scene) { scene.tool->performOrientPropagation(nullptr, RyQuat()); }},
-        {"translateParam(RyLegacyJointParam*,RyVec3)",
-         [](RyToolScene &scene) {
-             scene.tool->translateParam(nullptr, {1, 0, 0});
-         },
-         {},
-         {}},
-        {"rotateParam(RyLegacyJointParam*,RyQuat)",
-         [](RyToolScene &scene) {
-             scene.tool->rotateParam(nullptr, RyQuat({0, 1, 0}, 0.3f));
-         },
-         {},
-         {}},
         axisEdit("performRotPropagation(RyNode*,int,float,bool,bool)", &Tool::performRotPropagation),
         {"performChildRotPropagation(RyNode*,int,float,bool,bool,RyVec3&)",
          [](RyToolScene &scene) {
@@ -193,18 +161,6 @@ std::vector<Row> propagationRows()
          {}},
         axisEdit("performScalePropagation(RyNode*,int,float,bool,bool)", &Tool::performScalePropagation),
         axisEdit("performTransPropagation(RyNode*,int,float,bool,bool)", AxisEdit(&Tool::performTransPropagation)),
-        {"propagateParamTranslation(RyNode*,RyLegacyJointParam*,float,int)",
-         [](RyToolScene &scene) { scene.tool->propagateParamTranslation(scene.lShin, nullptr, 2.0f, 1); },
-         {},
-         {}},
-        {"propagateSphereTranslation(RyLegacyJointSphere*,float,int)",
-         [](RyToolScene &scene) { scene.tool->propagateSphereTranslation(nullptr, 2.0f, 1); },
-         {},
-         {}},
-        angle("setStaticA(float,int)", &Tool::setStaticA),
-        angle("setDynamicB(float,int)", &Tool::setDynamicB),
-        angle("setDynamicC(float,int)", &Tool::setDynamicC),
-        angle("setStaticD(float,int)", &Tool::setStaticD),
     };
 }
 
@@ -222,34 +178,78 @@ std::vector<Row> privateRows()
         {"nodeRemoved()", callPrivate("nodeRemoved"), {}, {}},
         {"centerPointChange()", callPrivate("centerPointChange"), {}, {}},
         {"endPointChange()", callPrivate("endPointChange"), {}, {}},
-        {"updateParamConnections()", callPrivate("updateParamConnections"), {}, {}},
-        {"removeParamConnections()", callPrivate("removeParamConnections"), {}, {}},
         {"dynamicMatrixChange()", callPrivate("dynamicMatrixChange"), {redraw}, {redraw}},
         {"staticMatrixChange()", callPrivate("staticMatrixChange"), {redraw}, {redraw}},
-        {"validateAngleChange()", callPrivate("validateAngleChange"), {}, {}},
         {"postSelectionChangeEvent()", callPrivate("postSelectionChangeEvent"), {}, {}},
     };
 }
 
-/// They change the current parameter of a joint, and the tool takes none as such.
-QStringList slotsOfParameters()
+/// The bend about Y of the left hand is the current parameter.
+std::vector<Row> parameterRows()
 {
-    return {"translateParam(RyLegacyJointParam*,RyVec3)",
+    using Scene = RyParametricToolScene;
+    const auto row = [](const char *slot, const Call &fresh, const QStringList &ofFresh, const QStringList &ofSame,
+                        const Call &outOfRange = nullptr, const QStringList &ofOutOfRange = {}) {
+        return Row{slot, fresh, ofFresh, ofSame, outOfRange, ofOutOfRange, true};
+    };
+    const auto angle = [row](const char *slot, void (Tool::*setter)(float, int)) {
+        return row(
+            slot, [setter](Scene &scene) { (scene.tool->*setter)(0.5f, 1); }, {redraw}, {},
+            [setter](Scene &scene) { (scene.tool->*setter)(-70.0f, 9); }, {redraw});
+    };
+    return {
+        row(
+            "setParam(RyLegacyJointParam*)",
+            [](Scene &scene) { scene.tool->setParam(scene.doll.param(scene.doll.lHand, "jointz")); },
+            {"paramChanged", redraw, "hoverRequested"}, {},
+            [](Scene &scene) { scene.tool->setParam(scene.doll.param(scene.doll.rHand, "jointz")); },
+            {"paramChanged", redraw, "hoverRequested"}),
+        row(
+            "translateParam(RyLegacyJointParam*,RyVec3)",
+            [](Scene &scene) {
+                scene.tool->translateParam(scene.tool->currentParam(), {1, -2, 3});
+            },
+            {redraw}, {redraw},
+            [](Scene &scene) {
+                scene.tool->translateParam(nullptr, {1, 0, 0});
+            }),
+        // Each turn of a sphere asks for one as well.
+        row(
             "rotateParam(RyLegacyJointParam*,RyQuat)",
+            [](Scene &scene) {
+                scene.tool->rotateParam(scene.tool->currentParam(), RyQuat({0, 1, 0}, 0.3f));
+            },
+            {redraw, redraw, redraw}, {redraw, redraw, redraw},
+            [](Scene &scene) {
+                scene.tool->rotateParam(nullptr, RyQuat({0, 1, 0}, 0.3f));
+            }),
+        row(
             "propagateParamTranslation(RyNode*,RyLegacyJointParam*,float,int)",
+            [](Scene &scene) {
+                scene.tool->propagateParamTranslation(scene.doll.lHand, scene.tool->currentParam(), 2.0f, 1);
+            },
+            {redraw}, {redraw},
+            [](Scene &scene) { scene.tool->propagateParamTranslation(scene.doll.lHand, nullptr, 2.0f, 1); }),
+        row(
             "propagateSphereTranslation(RyLegacyJointSphere*,float,int)",
-            "setStaticA(float,int)",
-            "setDynamicB(float,int)",
-            "setDynamicC(float,int)",
-            "setStaticD(float,int)",
-            "updateParamConnections()",
-            "validateAngleChange()"};
+            [](Scene &scene) {
+                scene.tool->propagateSphereTranslation(scene.tool->currentParam()->getStaticSphere(), 2.0f, 1);
+            },
+            {redraw}, {redraw}, [](Scene &scene) { scene.tool->propagateSphereTranslation(nullptr, 2.0f, 1); }),
+        angle("setStaticA(float,int)", &Tool::setStaticA),
+        angle("setDynamicB(float,int)", &Tool::setDynamicB),
+        angle("setDynamicC(float,int)", &Tool::setDynamicC),
+        angle("setStaticD(float,int)", &Tool::setStaticD),
+        row("updateParamConnections()", callPrivate("updateParamConnections"), {}, {}),
+        row("removeParamConnections()", callPrivate("removeParamConnections"), {}, {}),
+        row("validateAngleChange()", callPrivate("validateAngleChange"), {}, {}),
+    };
 }
 
 std::vector<Row> allRows()
 {
     std::vector<Row> rows = displayRows();
-    for (const std::vector<Row> &more : {editingRows(), propagationRows(), privateRows()})
+    for (const std::vector<Row> &more : {editingRows(), propagationRows(), privateRows(), parameterRows()})
         rows.insert(rows.end(), more.begin(), more.end());
     return rows;
 }
@@ -257,15 +257,17 @@ std::vector<Row> allRows()
 /// The tool at work: a posed, turned and scaled figure, whose shin is the current node.
 struct Fixture
 {
-    RyToolScene scene;
+    RyParametricToolScene scene;
     std::unique_ptr<RySignalLog> log;
 
-    Fixture()
+    explicit Fixture(bool ofParam = false)
     {
         scene.pose();
         scene.figure->getScaleControl()->setValue(1.25f);
         scene.lThigh->getXScaleControl()->setValue(0.7f);
-        scene.select(scene.lShin);
+        scene.select(ofParam ? scene.doll.lHand : scene.lShin);
+        if (ofParam)
+            scene.tool->setParam(scene.doll.param(scene.doll.lHand, "jointy"));
         log = std::make_unique<RySignalLog>(*scene.tool);
     }
 };
@@ -281,7 +283,6 @@ private slots:
     void everySlotIsInTheTable();
     void slotsAndSetters_data();
     void slotsAndSetters();
-    void parameters();
     void selection();
     void mouse();
     void cancelledDrag();
@@ -306,24 +307,15 @@ void RyJointEditorToolEmissionsTest::slotsAndSetters_data()
 {
     QTest::addColumn<int>("row");
     const std::vector<Row> rows = allRows();
-    for (size_t i = 0; i < rows.size(); ++i) {
-        if (!slotsOfParameters().contains(QLatin1String(rows[i].slot)))
-            QTest::newRow(rows[i].slot) << int(i);
-    }
-}
-
-void RyJointEditorToolEmissionsTest::parameters()
-{
-    const QString what = slotsOfParameters().join(QStringLiteral(", "));
-    QSKIP(qPrintable(
-        QStringLiteral("nothing to see while the tool takes no parameter as the current one: %1").arg(what)));
+    for (size_t i = 0; i < rows.size(); ++i)
+        QTest::newRow(rows[i].slot) << int(i);
 }
 
 void RyJointEditorToolEmissionsTest::slotsAndSetters()
 {
     QFETCH(int, row);
     const Row tested = allRows().at(size_t(row));
-    Fixture fixture;
+    Fixture fixture(tested.ofParam);
     tested.fresh(fixture.scene);
     QCOMPARE(fixture.log->take(), tested.ofFresh);
     tested.fresh(fixture.scene);
@@ -356,7 +348,7 @@ void RyJointEditorToolEmissionsTest::selection()
 void RyJointEditorToolEmissionsTest::mouse()
 {
     Fixture fixture;
-    RyToolScene &scene = fixture.scene;
+    RyParametricToolScene &scene = fixture.scene;
     const QStringList changed{redraw, "statusTextChanged"};
     scene.hover(44);
     QCOMPARE(fixture.log->take(), changed);
@@ -387,7 +379,7 @@ void RyJointEditorToolEmissionsTest::mouse()
 void RyJointEditorToolEmissionsTest::cancelledDrag()
 {
     Fixture fixture;
-    RyToolScene &scene = fixture.scene;
+    RyParametricToolScene &scene = fixture.scene;
     scene.press(1, {400, 300});
     scene.move({410, 300});
     fixture.log->take();
@@ -408,7 +400,7 @@ void RyJointEditorToolEmissionsTest::cancelledDrag()
 void RyJointEditorToolEmissionsTest::lostRelease()
 {
     Fixture fixture;
-    RyToolScene &scene = fixture.scene;
+    RyParametricToolScene &scene = fixture.scene;
     scene.press(44, {400, 300});
     scene.move({410, 300});
     fixture.log->take();
@@ -431,7 +423,7 @@ void RyJointEditorToolEmissionsTest::lostRelease()
 void RyJointEditorToolEmissionsTest::creatingBones()
 {
     Fixture fixture;
-    RyToolScene &scene = fixture.scene;
+    RyParametricToolScene &scene = fixture.scene;
     scene.tool->setBoneCreationActive(true);
     scene.hover(44);
     fixture.log->take();
