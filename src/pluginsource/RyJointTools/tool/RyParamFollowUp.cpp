@@ -5,7 +5,6 @@
 #include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
 
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/math/RyFastMath.h"
 #include "rycore/parametric/RyLegacyBendParam.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/viewport/RyViewTool.h"
@@ -105,16 +104,12 @@ void RyParamFollowUp::setAngle(int index, float radians)
 void RyParamFollowUp::setAngle(int index, float radians, const RyBendAngles::Values &start)
 {
     m_edit = Edit();
-    if (RyLegacyBendParam *bend = this->bend())
-        setAngleValue(*bend, index, float(double(radians) * RyFastMath::DegreesPerRadian), start);
-}
-
-void RyParamFollowUp::setAngleValue(RyLegacyBendParam &bend, int index, float degrees,
-                                    const RyBendAngles::Values &start)
-{
+    RyLegacyBendParam *bend = this->bend();
+    if (!bend)
+        return;
     const QScopedValueRollback<bool> guard(m_isWriting, true);
-    bend.setAngleValuePushing(index, degrees, m_options.pushNeighborAngles, start);
-    cacheAngles(bend);
+    bend->setAnglePushing(index, radians, m_options.pushNeighborAngles, start);
+    cacheAngles(*bend);
 }
 
 RyBendAngles::Values RyParamFollowUp::startOf(int index)
@@ -142,8 +137,12 @@ void RyParamFollowUp::angleChanged(const QObject *controller)
         return;
     }
     const auto index = size_t(found - controllers.begin());
-    if ((*found)->getValue() != m_angles[index])
-        setAngleValue(*bend, int(index), (*found)->getValue(), startOf(int(index)));
+    const float degrees = (*found)->getValue();
+    if (degrees == m_angles[index])
+        return;
+    const QScopedValueRollback<bool> guard(m_isWriting, true);
+    bend->setAngleValuePushing(int(index), degrees, m_options.pushNeighborAngles, startOf(int(index)));
+    cacheAngles(*bend);
 }
 
 // --- Turns of spheres

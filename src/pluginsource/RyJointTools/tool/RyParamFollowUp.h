@@ -42,7 +42,6 @@ private:
     using SphereOf = RyLegacyJointSphere *(*)(const RyLegacyJointParam &param);
     RyLegacyBendParam *bend() const;
     bool isEditOfOneValue(const RyLegacyJointParam &param) const;
-    void setAngleValue(RyLegacyBendParam &bend, int index, float degrees, const RyBendAngles::Values &start);
     RyBendAngles::Values startOf(int index);
     void cacheAngles(const RyLegacyBendParam &bend);
     void turnChanged(SphereOf sphereOf, const QObject *control);
