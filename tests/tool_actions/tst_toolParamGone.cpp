@@ -140,7 +140,7 @@ void RyToolParamGoneTest::deletedUnrecorded()
     QVERIFY(!f.tool->currentParam() && !f.tool->partnerParam());
     QVERIFY(!told.isEmpty());
     // Taking another one afterwards disconnects nothing that is gone.
-    f.select(f.doll.chest);
+    f.select(f.rThigh);
     QVERIFY(!f.tool->currentParam());
 }
 
