@@ -9,6 +9,9 @@
 
 #include <QMouseEvent>
 #include <QSlider>
+#include <QWheelEvent>
+
+Q_DECLARE_METATYPE(std::function<void()>)
 
 class RyFloatPropertyWgtTest : public QObject
 {
@@ -25,7 +28,8 @@ private slots:
         m_widget->addProperty(m_second);
         m_widget->resize(320, 30);
         m_widget->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_widget.get()));
+        m_widget->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_widget.get()));
         ryUndoStack()->clearAll();
     }
     void cleanup()
@@ -40,7 +44,6 @@ private slots:
     {
         QCOMPARE(m_widget->getFirstProperty(), m_first);
         m_second->setValue(99);
-        QCOMPARE(field()->text(), QStringLiteral("0"));
         type("3*4+1");
         QCOMPARE(m_first->getValue(), 13.0f);
         QCOMPARE(m_second->getValue(), 13.0f);
@@ -49,21 +52,65 @@ private slots:
         ryUndoStack()->undo();
         QCOMPARE(m_first->getValue(), 0.0f);
         QCOMPARE(m_second->getValue(), 99.0f);
-        QCOMPARE(field()->text(), QStringLiteral("0"));
+        QCOMPARE(field()->text(), QString());
         ryUndoStack()->redo();
         QCOMPARE(field()->text(), QStringLiteral("13"));
     }
 
+    void showsThatValuesDiffer()
+    {
+        setBoth(3);
+        QCOMPARE(field()->text(), QStringLiteral("3"));
+        QCOMPARE(field()->placeholderText(), QString());
+        m_second->setValue(4);
+        QCOMPARE(field()->text(), QString());
+        QCOMPARE(field()->placeholderText(), QStringLiteral("mixed"));
+        // What differs beyond the digits shown does not differ.
+        m_second->setValue(3.00001f);
+        QCOMPARE(field()->text(), QStringLiteral("3"));
+        // Also one that is already the first one's is written to the others.
+        m_second->setValue(4);
+        type("3");
+        QCOMPARE(m_second->getValue(), 3.0f);
+        QCOMPARE(field()->text(), QStringLiteral("3"));
+        QCOMPARE(ryUndoStack()->count(), 1);
+        // Focus that only comes by writes nothing.
+        m_second->setValue(4);
+        field()->setFocus();
+        QTest::keyClick(field(), Qt::Key_Tab);
+        QCOMPARE(m_second->getValue(), 4.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+    }
+
+    void aStepFromMixedValuesMakesThemOne()
+    {
+        m_first->setValue(3);
+        m_second->setValue(40);
+        field()->setFocus();
+        QTest::keyClick(field(), Qt::Key_Up);
+        QCOMPARE(m_first->getValue(), 4.0f);
+        QCOMPARE(m_second->getValue(), 4.0f);
+        ryUndoStack()->undo();
+        QCOMPARE(m_second->getValue(), 40.0f);
+        // A drag that ends where it began leaves the others as they were.
+        drag({8, 16, 8, 4, 0});
+        QCOMPARE(m_first->getValue(), 3.0f);
+        QCOMPARE(m_second->getValue(), 3.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        ryUndoStack()->undo();
+        QCOMPARE(m_second->getValue(), 40.0f);
+    }
+
     void followsTheProperty()
     {
-        m_first->setValue(1.23456f);
+        setBoth(1.23456f);
         QCOMPARE(field()->text(), QStringLiteral("1.2346"));
         QCOMPARE(ryUndoStack()->count(), 0);
     }
 
     void confirmingWhatIsShownChangesNothing()
     {
-        m_first->setValue(1.23456f);
+        setBoth(1.23456f);
         type("1.2346");
         QCOMPARE(m_first->getValue(), 1.23456f);
         QCOMPARE(ryUndoStack()->count(), 0);
@@ -71,7 +118,7 @@ private slots:
 
     void nonsenseGoesBackAndSaysWhy()
     {
-        m_first->setValue(5);
+        setBoth(5);
         QSignalSpy messages(m_widget.get(), &RyFloatPropertyWgt::messagePosted);
         type("five");
         QCOMPARE(m_first->getValue(), 5.0f);
@@ -117,9 +164,11 @@ private slots:
 
     void limitsHold()
     {
-        m_first->setIsClamped(true);
-        m_first->setMin(-2);
-        m_first->setMax(2);
+        for (RyFloatProperty *property : {m_first, m_second}) {
+            property->setIsClamped(true);
+            property->setMin(-2);
+            property->setMax(2);
+        }
         type("50");
         QCOMPARE(m_first->getValue(), 2.0f);
         QCOMPARE(field()->text(), QStringLiteral("2"));
@@ -147,10 +196,10 @@ private slots:
 
     void scrubbingTheLabelIsOneStepAndCanBeCancelled()
     {
-        drag(40, false);
+        drag({4, 8, 20, 40});
         QCOMPARE(m_first->getValue(), 20.0f);
         QCOMPARE(ryUndoStack()->count(), 1);
-        drag(40, true);
+        drag({4, 8, 20, 40}, true);
         QCOMPARE(m_first->getValue(), 20.0f);
         QCOMPARE(ryUndoStack()->count(), 1);
         // A press without motion is no edit.
@@ -167,6 +216,91 @@ private slots:
         type("8");
         QCOMPARE(m_first->getValue(), 8.0f);
         QCOMPARE(field()->text(), QStringLiteral("8 cm"));
+    }
+
+    void announcesEveryEdit_data()
+    {
+        QTest::addColumn<std::function<void()>>("edit");
+        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<int>("steps");
+        const auto add = [](const char *name, const std::function<void()> &edit, const QStringList &expected,
+                            int steps = 1) { QTest::newRow(name) << edit << expected << steps; };
+        const QStringList one = {"started 5", "changed 1"};
+        add("typed", [this] { type("7"); }, {"started 5", "changed 1"});
+        add(
+            "confirmed", [this] { type("5"); }, {}, 0);
+        add(
+            "nonsense", [this] { type("five"); }, {}, 0);
+        add(
+            "arrow key", [this] { key(Qt::Key_Up); }, one);
+        add(
+            "page", [this] { key(Qt::Key_PageDown); }, one);
+        add(
+            "wheel", [this] { wheel(120); }, one);
+        add(
+            "label",
+            [this] {
+                drag({8, 16, 40});
+            },
+            one);
+        add(
+            "label, cancelled",
+            [this] {
+                drag({8, 16, 40}, true);
+            },
+            {"started 5", "changed 0"}, 0);
+        add(
+            "label, back again",
+            [this] {
+                drag({8, 16, 0});
+            },
+            {"started 5", "changed 0"}, 0);
+        add(
+            "slider",
+            [this] {
+                dragSlider({0.6, 0.7, 0.8});
+            },
+            one);
+        add(
+            "slider by key", [this] { QTest::keyClick(m_widget->slider(), Qt::Key_Right); }, one);
+    }
+    void announcesEveryEdit()
+    {
+        QFETCH(std::function<void()>, edit);
+        QFETCH(QStringList, expected);
+        QFETCH(int, steps);
+        m_widget->setSliderRange(-100, 100);
+        setBoth(5);
+        QStringList told;
+        connect(m_widget.get(), &RyFloatPropertyWgt::editStarted, this,
+                [&] { told.append(QStringLiteral("started %1").arg(double(m_first->getValue()))); });
+        connect(m_widget.get(), &RyFloatPropertyWgt::editFinished, this, [&](bool changed) {
+            QCOMPARE(m_first->getValue() != 5.0f, changed);
+            told.append(QStringLiteral("changed %1").arg(changed));
+            // What listeners write belongs to the step.
+            m_bone->getEndYControl()->setValue(changed ? 1 : 0);
+        });
+        edit();
+        QCOMPARE(told, expected);
+        QCOMPARE(ryUndoStack()->count(), steps);
+        while (ryUndoStack()->canUndo())
+            ryUndoStack()->undo();
+        QCOMPARE(m_first->getValue(), 5.0f);
+        QCOMPARE(m_bone->getEndYControl()->getValue(), 0.0f);
+    }
+
+    void aNodeThatGoesEndsTheEdit()
+    {
+        QSignalSpy finished(m_widget.get(), &RyFloatPropertyWgt::editFinished);
+        emit m_widget->label()->scrubStarted();
+        emit m_widget->label()->scrubbed(40);
+        QCOMPARE(m_first->getValue(), 20.0f);
+        m_widget->clearProperties();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished[0][0].toBool(), false);
+        QCOMPARE(m_first->getValue(), 0.0f);
+        emit m_widget->label()->scrubFinished(false);
+        QCOMPARE(finished.count(), 1);
     }
 
     void livesWithoutProperties()
@@ -231,7 +365,26 @@ private:
         QTest::keyClicks(field(), QString::fromLatin1(text));
         QTest::keyClick(field(), Qt::Key_Return);
     }
-    void drag(int pixels, bool cancel)
+    void setBoth(float value)
+    {
+        m_first->setValue(value);
+        m_second->setValue(value);
+    }
+    void key(Qt::Key key)
+    {
+        field()->setFocus();
+        QTest::keyClick(field(), key);
+    }
+    void wheel(int angle)
+    {
+        field()->setFocus();
+        const QPointF place(10, 5);
+        QWheelEvent event(place, field()->mapToGlobal(place.toPoint()), QPoint(), QPoint(0, angle), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(field(), &event);
+    }
+    /// Drags the label through these places, in pixels from the press.
+    void drag(const std::vector<int> &places, bool cancel = false)
     {
         RyScrubLabel *label = m_widget->label();
         const auto send = [&](QEvent::Type type, int x, Qt::MouseButton button, Qt::MouseButtons buttons) {
@@ -240,11 +393,21 @@ private:
             QCoreApplication::sendEvent(label, &event);
         };
         send(QEvent::MouseButtonPress, 0, Qt::LeftButton, Qt::LeftButton);
-        for (int x = 4; x <= pixels; x += 4)
+        for (int x : places)
             send(QEvent::MouseMove, x, Qt::NoButton, Qt::LeftButton);
         if (cancel)
             QTest::keyClick(label, Qt::Key_Escape);
-        send(QEvent::MouseButtonRelease, pixels, Qt::LeftButton, Qt::NoButton);
+        send(QEvent::MouseButtonRelease, places.back(), Qt::LeftButton, Qt::NoButton);
+    }
+    /// Drags the handle of the slider to these shares of its way.
+    void dragSlider(const std::vector<double> &places)
+    {
+        QSlider *slider = m_widget->slider();
+        QVERIFY(slider->isVisible());
+        slider->setSliderDown(true);
+        for (double place : places)
+            slider->setValue(int(place * slider->maximum()));
+        slider->setSliderDown(false);
     }
     std::unique_ptr<RyBone> m_bone;
     std::unique_ptr<RyBone> m_other;

@@ -12,6 +12,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -167,7 +168,9 @@ void RyFloatPropertyWgt::refresh()
     m_field->setAccessibleName(spokenName());
     m_slider->setAccessibleName(spokenName());
     const double value = property ? double(property->getValue()) : 0.0;
-    m_field->setBlank(!property);
+    const bool mixed = isMixed();
+    m_field->setPlaceholderText(mixed ? tr("mixed") : QString());
+    m_field->setBlank(!property || mixed);
     m_field->setValue(value);
     const double min = double(sliderMin());
     const double max = double(sliderMax());
@@ -177,6 +180,28 @@ void RyFloatPropertyWgt::refresh()
         const double place = std::min(std::max((value - min) / (max - min), 0.0), 1.0);
         m_slider->setValue(int(std::lround(place * SliderSteps)));
     }
+}
+
+QString RyFloatPropertyWgt::shownValue() const
+{
+    const RyFloatProperty *property = getFirstProperty();
+    return property ? RyNumberExpression::format(double(property->getValue())) : QString();
+}
+
+bool RyFloatPropertyWgt::isMixed() const
+{
+    const QString shown = shownValue();
+    return std::any_of(m_properties.begin(), m_properties.end(), [&](const QPointer<RyFloatProperty> &property) {
+        return property && RyNumberExpression::format(double(property->getValue())) != shown;
+    });
+}
+
+std::vector<float> RyFloatPropertyWgt::values() const
+{
+    std::vector<float> values;
+    for (const QPointer<RyFloatProperty> &property : m_properties)
+        values.push_back(property ? property->getValue() : 0.0f);
+    return values;
 }
 
 void RyFloatPropertyWgt::writeAll(float value)
@@ -193,14 +218,15 @@ void RyFloatPropertyWgt::applyValue(double value)
 {
     const RyFloatProperty *property = getFirstProperty();
     // What is shown with four decimals must not round the value when it is merely confirmed.
-    if (!property || m_dragHold ||
-        RyNumberExpression::format(value) == RyNumberExpression::format(double(property->getValue()))) {
+    if (!property || m_dragHold || (!isMixed() && RyNumberExpression::format(value) == shownValue())) {
         refresh();
         return;
     }
     const QString text = caption();
     RyUndoStackHold hold;
+    emit editStarted();
     writeAll(float(value));
+    emit editFinished(true);
     hold.accept(text);
     refresh();
 }
@@ -211,7 +237,9 @@ void RyFloatPropertyWgt::beginDrag()
         return;
     m_field->commitText();
     m_dragStart = double(getFirstProperty()->getValue());
+    m_valuesAtPress = values();
     m_dragHold = std::make_unique<RyUndoStackHold>();
+    emit editStarted();
 }
 
 void RyFloatPropertyWgt::dragTo(double value)
@@ -224,12 +252,14 @@ void RyFloatPropertyWgt::endDrag(bool cancelled)
 {
     if (!m_dragHold)
         return;
-    const RyFloatProperty *property = getFirstProperty();
-    const bool changed = property && double(property->getValue()) != m_dragStart;
+    const QString text = caption();
+    const bool changed = !cancelled && values() != m_valuesAtPress;
     const std::unique_ptr<RyUndoStackHold> hold = std::move(m_dragHold);
-    if (cancelled || !changed)
+    // Values that are to be taken back are back before listeners look at them.
+    if (!changed)
         hold->cancel();
-    else
-        hold->accept(caption());
+    emit editFinished(changed);
+    if (changed)
+        hold->accept(text);
     refresh();
 }

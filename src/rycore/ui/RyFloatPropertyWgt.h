@@ -12,8 +12,9 @@ class RyNumberField;
 class RyScrubLabel;
 class RyUndoStackHold;
 
-/// Shows the first of its float properties and writes every edit to all of them. One edit is one undo step: a typed
-/// value, a key step, a whole drag of the slider or of the label.
+/// Shows the value of its float properties, "mixed" where they differ, and writes every edit to all of them; steps and
+/// drags start from the first one. One edit is one undo step: a typed value, a key step, a whole drag of the slider or
+/// of the label.
 ///
 /// It is enabled when it gets its first property and disabled when it has none left; in between others may say.
 class RyFloatPropertyWgt : public QWidget
@@ -43,6 +44,10 @@ public:
     QSlider *slider() const { return m_slider; }
 
 signals:
+    /// Around each edit, within its step: what listeners write becomes part of the step. Finished without a change: the
+    /// edit was cancelled and the values of before are back, or a drag came back to where it began.
+    void editStarted();
+    void editFinished(bool changed);
     /// A typed text was not taken, and why.
     void messagePosted(const QString &message);
 
@@ -59,13 +64,18 @@ private:
     float sliderMax() const;
     QString spokenName() const;
     QString caption() const;
+    /// As it is shown; of the first one where they differ.
+    QString shownValue() const;
+    bool isMixed() const;
+    std::vector<float> values() const;
 
     std::vector<QPointer<RyFloatProperty>> m_properties;
     RyScrubLabel *m_label;
     QSlider *m_slider;
     RyNumberField *m_field;
     std::unique_ptr<RyUndoStackHold> m_dragHold;
-    double m_dragStart = 0.0;
+    double m_dragStart = 0.0; // of the first property
+    std::vector<float> m_valuesAtPress;
     float m_rangeMin = 0.0f;
     float m_rangeMax = 0.0f;
     QString m_labelText;
