@@ -2,6 +2,7 @@
 
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/ui/RyNodeListFilter.h"
 
 #include <QTreeWidgetItemIterator>
 
@@ -28,21 +29,54 @@ RyNodeTreeWgt::RyNodeTreeWgt(QWidget *parent) : QTreeWidget(parent)
 
 void RyNodeTreeWgt::setRoot(RyNode *root, const QString &className, bool showRoot)
 {
-    if (m_scene)
-        disconnect(m_scene, nullptr, this, nullptr);
     m_root = root;
-    m_scene = root ? root->getScene() : nullptr;
+    m_nodeFilter = nullptr;
     m_className = className.toLatin1();
     m_showRoot = showRoot;
+    follow(root ? root->getScene() : nullptr);
+    makePrimaryCurrent(QItemSelectionModel::NoUpdate);
+}
+
+void RyNodeTreeWgt::setScene(RyScene *scene, RyNodeListFilter *filter)
+{
+    m_root.clear();
+    m_nodeFilter = filter;
+    follow(scene);
+    const auto pickPrimary = [this] { makePrimaryCurrent(QItemSelectionModel::ClearAndSelect); };
+    if (scene) {
+        connect(scene, &RyScene::nodeSelectionListChanged, this, &RyNodeTreeWgt::rebuild);
+        connect(scene, &RyScene::nodeSelectionListChanged, this, pickPrimary);
+    }
+    pickPrimary();
+}
+
+void RyNodeTreeWgt::follow(RyScene *scene)
+{
+    if (m_scene)
+        disconnect(m_scene, nullptr, this, nullptr);
+    m_scene = scene;
     clear();
     if (m_scene)
         connect(m_scene, &RyScene::nodeListChanged, this, &RyNodeTreeWgt::rebuild);
     rebuild();
+}
+
+void RyNodeTreeWgt::makePrimaryCurrent(QItemSelectionModel::SelectionFlags flags)
+{
     const RyNode *primary = m_scene ? m_scene->getPrimarySelection() : nullptr;
     for (RyNodeTreeItem *item : allItems()) {
-        if (item->node == primary)
-            setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
+        if (primary && item->node == primary)
+            setCurrentItem(item, 0, flags);
     }
+}
+
+void RyNodeTreeWgt::addBranch(RyNode *top, bool showTop)
+{
+    std::unique_ptr<RyNodeTreeItem> branch(makeBranch(top));
+    if (branch && showTop)
+        addTopLevelItem(branch.release());
+    else if (branch)
+        addTopLevelItems(branch->takeChildren());
 }
 
 void RyNodeTreeWgt::rebuild()
@@ -52,17 +86,17 @@ void RyNodeTreeWgt::rebuild()
     const QPointer<RyNode> current = currentNodeItem ? currentNodeItem->node : nullptr;
     m_rebuilding = true;
     clear();
-    // A root that left its scene is as good as gone.
-    if (m_root && m_root->getScene() == m_scene) {
-        std::unique_ptr<RyNodeTreeItem> branch(makeBranch(m_root));
-        if (branch && m_showRoot)
-            addTopLevelItem(branch.release());
-        else if (branch)
-            addTopLevelItems(branch->takeChildren());
+    if (m_nodeFilter && m_scene) {
+        m_nodeFilter->refresh();
+        for (RyNode *top : m_scene->getTopLevelNodes())
+            addBranch(top, true);
+    } else if (m_root && m_root->getScene() == m_scene) { // a root that left its scene is as good as gone
+        addBranch(m_root, m_showRoot);
     }
     expandAll();
     for (RyNodeTreeItem *item : allItems()) {
         connect(item->node, &QObject::destroyed, this, &RyNodeTreeWgt::rebuild, Qt::UniqueConnection);
+        connect(item->node, &RyElement::labelChanged, this, &RyNodeTreeWgt::rebuild, Qt::UniqueConnection);
         if (current && item->node == current)
             setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
         item->setSelected(std::find(picked.begin(), picked.end(), item->node) != picked.end());
@@ -70,6 +104,11 @@ void RyNodeTreeWgt::rebuild()
     filterBranch(invisibleRootItem());
     m_rebuilding = false;
     emit pickChanged();
+}
+
+bool RyNodeTreeWgt::isWanted(RyNode *node) const
+{
+    return m_nodeFilter ? m_nodeFilter->accept(node) : node->inherits(m_className.constData());
 }
 
 RyNodeTreeItem *RyNodeTreeWgt::makeBranch(RyNode *node)
@@ -80,13 +119,13 @@ RyNodeTreeItem *RyNodeTreeWgt::makeBranch(RyNode *node)
     QFont itemFont = font();
     itemFont.setBold(node->isSelected());
     item->setFont(0, itemFont);
-    const bool isWanted = node->inherits(m_className.constData());
-    item->setFlags(isWanted ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::ItemIsEnabled);
+    const bool wanted = isWanted(node);
+    item->setFlags(wanted ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::ItemIsEnabled);
     for (RyNode *child : node->nodeChildrenIterator()) {
         if (RyNodeTreeItem *branch = makeBranch(child))
             item->addChild(branch);
     }
-    return isWanted || item->childCount() > 0 ? item.release() : nullptr;
+    return wanted || item->childCount() > 0 ? item.release() : nullptr;
 }
 
 bool RyNodeTreeWgt::filter(const QString &text)
