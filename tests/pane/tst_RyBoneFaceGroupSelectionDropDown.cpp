@@ -1,0 +1,293 @@
+#include "RyGroupedScene.h"
+#include "support/RyTest.h"
+#include "support/checkUndo.h"
+
+#include "pluginsource/RyJointTools/pane/RyBoneFaceGroupSelectionDropDown.h"
+#include "rycore/ui/RyPopUpWidget.h"
+#include "rycore/ui/RyStandardMetrics.h"
+
+#include <QHeaderView>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+class RyBoneFaceGroupSelectionDropDownTest : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init()
+    {
+        m_scene = std::make_unique<RyGroupedScene>();
+        m_scene->select(m_scene->lThigh);
+        m_window = std::make_unique<QWidget>();
+        auto *layout = new QVBoxLayout(m_window.get());
+        m_button = new RyBoneFaceGroupSelectionDropDown(m_window.get());
+        layout->addWidget(m_button);
+        m_window->setGeometry(300, 300, 240, 60);
+        QCursor::setPos(m_window->mapToGlobal(QPoint(120, 30)));
+        m_window->show();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    }
+    void cleanup()
+    {
+        m_window.reset();
+        m_scene.reset();
+    }
+
+    void showsTheGroup_data()
+    {
+        QTest::addColumn<QString>("primary");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("enabled");
+        QTest::newRow("paired") << "hip"
+                                << "Pelvis" << true;
+        QTest::newRow("not paired") << "lFoot"
+                                    << "None" << true;
+        QTest::newRow("figure") << "figure"
+                                << "figure" << false;
+        QTest::newRow("prop") << "prop"
+                              << "prop" << false;
+        QTest::newRow("nothing") << ""
+                                 << "None" << false;
+    }
+    void showsTheGroup()
+    {
+        QFETCH(QString, primary);
+        RyNode *node = ryScene()->findNode(primary);
+        ryScene()->setSelection(node ? std::vector<RyNode *>{node} : std::vector<RyNode *>());
+        QTEST(m_button->text(), "text");
+        QTEST(m_button->toolTip(), "text");
+        QTEST(m_button->isEnabled(), "enabled");
+    }
+
+    void showsTheNameWithoutAMap()
+    {
+        m_scene->figure->setSelectionMap(nullptr);
+        QCOMPARE(m_button->text(), QStringLiteral("lThigh"));
+        QVERIFY(m_button->isEnabled());
+        m_scene->figure->setSelectionMap(new RySelectionMap);
+        QCOMPARE(m_button->text(), QStringLiteral("None"));
+        m_scene->figure->getSelectionMap()->addPair(QStringLiteral("Pelvis"), m_scene->lThigh, true);
+        QCOMPARE(m_button->text(), QStringLiteral("Pelvis"));
+        ryScene()->removeNode(m_scene->lThigh);
+        QCOMPARE(m_button->text(), QStringLiteral("None"));
+    }
+
+    void isNotRefreshedWhileHidden()
+    {
+        m_window->hide();
+        m_scene->select(m_scene->hip);
+        QCOMPARE(m_button->text(), QStringLiteral("lThigh"));
+        m_window->show();
+        QCOMPARE(m_button->text(), QStringLiteral("Pelvis"));
+    }
+
+    void keepsTheKeyboardOverARefresh()
+    {
+        m_button->setFocus();
+        m_scene->select(m_scene->hip);
+        QVERIFY(m_button->hasFocus());
+    }
+
+    void looks()
+    {
+        QCOMPARE(m_button->height(), RyStandardMetrics::DropDownHeight);
+        open();
+        QCOMPARE(popup()->objectName(), QStringLiteral("SceneSelectionPopUpWgt"));
+        QCOMPARE(popup()->pos(), m_button->mapToGlobal(QPoint(0, m_button->height())));
+        QCOMPARE(popup()->size(), QSize(RyStandardMetrics::PopUpWidth, RyStandardMetrics::PopUpHeight));
+        QVERIFY(!view()->isHeaderHidden());
+        QVERIFY(!view()->rootIsDecorated());
+        QVERIFY(!view()->selectionModel()->hasSelection());
+        QCOMPARE(view()->currentIndex().row(), 2);
+        auto *layout = qobject_cast<QVBoxLayout *>(popup()->layout());
+        QCOMPARE(layout->spacing(), RyStandardMetrics::Spacing);
+        QCOMPARE(layout->contentsMargins().left(), RyStandardMetrics::Spacing);
+        QCOMPARE(layout->stretch(0), 100);
+        QTest::mouseClick(m_button, Qt::LeftButton);
+        QVERIFY(!popup());
+        m_window->resize(400, 60);
+        QTRY_VERIFY(m_button->width() > RyStandardMetrics::PopUpWidth);
+        open();
+        QCOMPARE(popup()->width(), m_button->width());
+    }
+
+    void aCheckIsOneStep_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<bool>("byKey");
+        QTest::addColumn<QString>("group");
+        for (bool byKey : {false, true}) {
+            const char *way = byKey ? "key" : "mouse";
+            QTest::addRow("none, by %s", way) << 0 << byKey << "";
+            QTest::addRow("of another bone, by %s", way) << 1 << byKey << "Pelvis";
+            QTest::addRow("free, by %s", way) << 3 << byKey << "free patch";
+        }
+    }
+    void aCheckIsOneStep()
+    {
+        QFETCH(int, row);
+        QFETCH(bool, byKey);
+        QFETCH(QString, group);
+        open();
+        const QString before = m_scene->dump();
+        if (byKey)
+            checkByKey(row);
+        else
+            QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, checkBox(row));
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), group);
+        QCOMPARE(m_button->text(), group.isEmpty() ? QStringLiteral("None") : group);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Selection Group"));
+        QVERIFY(popup());
+        checkLastStep(before);
+        ryUndoStack()->undo();
+        QCOMPARE(m_button->text(), QStringLiteral("lThigh"));
+        QCOMPARE(view()->model()->index(2, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+    }
+
+    void theFirstCheckMakesTheMapInItsStep()
+    {
+        m_scene->figure->setSelectionMap(nullptr);
+        ryUndoStack()->clearAll();
+        open();
+        const QString before = m_scene->dump();
+        checkByKey(3);
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("free patch"));
+        QCOMPARE(ryUndoStack()->count(), 1);
+        checkLastStep(before);
+        ryUndoStack()->undo();
+        QVERIFY(!m_scene->figure->getSelectionMap());
+        QCOMPARE(m_button->text(), QStringLiteral("lThigh"));
+    }
+
+    void whatIsCheckedStaysSo()
+    {
+        open();
+        QSignalSpy holds(ryUndoStack(), &RyUndoStack::aboutToChange);
+        QTest::keyClick(view(), Qt::Key_Space);
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, checkBox(2));
+        QTest::mouseMove(view()->viewport(), checkBox(1));
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("lThigh"));
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QCOMPARE(holds.count(), 0);
+        // A click beside the box only goes there; from there the space bar checks, in whatever column.
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          view()->visualRect(view()->model()->index(1, 1)).center());
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QTest::keyClick(view(), Qt::Key_Space);
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("Pelvis"));
+        QCOMPARE(ryUndoStack()->count(), 1);
+    }
+
+    void opensByKeyAndClosesByEscape()
+    {
+        for (Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Down}) {
+            m_button->setFocus();
+            QTest::keyClick(m_button, key);
+            QVERIFY(popup());
+            QTRY_VERIFY(view()->hasFocus());
+            QTest::keyClick(view(), Qt::Key_Escape);
+            QVERIFY(!popup());
+            QTRY_VERIFY(m_button->hasFocus());
+        }
+        open();
+        QTest::keyClick(m_button, Qt::Key_Escape);
+        QVERIFY(!popup());
+        QCOMPARE(ryUndoStack()->count(), 0);
+    }
+
+    void goesWithTheMouse()
+    {
+        open();
+        // From the button to the list and about in it.
+        leaveTo(popup()->geometry().center());
+        QVERIFY(popup());
+        emit popup()->mouseLeave();
+        QVERIFY(popup());
+        QCursor::setPos(m_button->mapToGlobal(QPoint(5, 5)));
+        emit popup()->mouseLeave();
+        QVERIFY(popup());
+        leaveTo(popup()->geometry().bottomRight() + QPoint(40, 40));
+        QVERIFY(!popup());
+        open();
+        QCursor::setPos(popup()->geometry().bottomRight() + QPoint(40, 40));
+        emit popup()->mouseLeave();
+        QVERIFY(!popup());
+    }
+
+    void goesWithItsButton()
+    {
+        open();
+        m_scene->select(m_scene->prop);
+        QVERIFY(!popup());
+        m_scene->select(m_scene->hip);
+        open();
+        QPointer<RyPopUpWidget> shown = popup();
+        m_button->hidePopup();
+        QVERIFY(shown->isHidden());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!shown);
+    }
+
+    void slotsAreFoundByName()
+    {
+        const QMetaObject *meta = m_button->metaObject();
+        for (const char *slot : {"showPopup()", "hidePopup()", "updateText()", "mouseLeave()"})
+            QVERIFY2(meta->indexOfSlot(slot) >= meta->methodOffset(), slot);
+    }
+
+private:
+    void open()
+    {
+        QVERIFY(!popup());
+        QCursor::setPos(m_button->mapToGlobal(QPoint(5, 5)));
+        QTest::mouseClick(m_button, Qt::LeftButton);
+        QVERIFY(popup());
+        QTRY_VERIFY(view()->hasFocus());
+    }
+    void leaveTo(const QPoint &place)
+    {
+        QCursor::setPos(place);
+        QEvent leave(QEvent::Leave);
+        QCoreApplication::sendEvent(m_button, &leave);
+    }
+    /// The one that is open.
+    RyPopUpWidget *popup() const
+    {
+        for (auto *child : m_button->findChildren<RyPopUpWidget *>()) {
+            if (child->isVisible())
+                return child;
+        }
+        return nullptr;
+    }
+    QTreeView *view() const
+    {
+        return popup()->findChild<QTreeView *>(QStringLiteral("BoneFaceGroupSelectionDropDownListView"));
+    }
+    QPoint checkBox(int row) const
+    {
+        const QModelIndex index = view()->model()->index(row, 0);
+        QStyleOptionViewItem option;
+        option.initFrom(view());
+        option.rect = view()->visualRect(index);
+        option.features = QStyleOptionViewItem::HasCheckIndicator | QStyleOptionViewItem::HasDisplay;
+        option.text = index.data().toString();
+        return view()->style()->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, view()).center();
+    }
+    void checkByKey(int row) const
+    {
+        QTest::keyClick(view(), Qt::Key_Home);
+        for (int i = 0; i < row; ++i)
+            QTest::keyClick(view(), Qt::Key_Down);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QTest::keyClick(view(), Qt::Key_Space);
+    }
+
+    std::unique_ptr<RyGroupedScene> m_scene;
+    std::unique_ptr<QWidget> m_window;
+    RyBoneFaceGroupSelectionDropDown *m_button = nullptr;
+};
+
+RY_TEST(RyBoneFaceGroupSelectionDropDownTest)
+#include "tst_RyBoneFaceGroupSelectionDropDown.moc"
