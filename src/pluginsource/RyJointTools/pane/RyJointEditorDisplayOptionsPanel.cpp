@@ -80,6 +80,7 @@ void RyJointEditorDisplayOptionsPanel::addBones(QGridLayout *grid)
     m_bones->setMinimumContentsLength(8);
     label->setBuddy(m_bones);
     auto *row = new QHBoxLayout;
+    row->setSpacing(RyStandardMetrics::Margin);
     row->addWidget(label);
     row->addWidget(m_bones, 1);
     grid->addLayout(row, 0, 0, 1, 2);
