@@ -180,6 +180,7 @@ private slots:
     {
         open();
         m_hip->setLabel(QStringLiteral("Pelvis"));
+        QCOMPARE(shown()[1], QStringLiteral(" Pelvis*"));
         m_shin->setName(QStringLiteral("lCalf"));
         QCOMPARE(shown(),
                  (QStringList{"figure", " Pelvis*", "  Left Upper Leg", "   lCalf", "hat & feather", " nail"}));
