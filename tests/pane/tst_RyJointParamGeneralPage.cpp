@@ -179,6 +179,7 @@ private slots:
         QVERIFY(scene.shown(fieldName(field)) != text);
         // By other hands.
         own->setValue(7.25f);
+        other->setValue(7.25f);
         QCOMPARE(scene.shown(fieldName(field)), QStringLiteral("7.25") + QString::fromUtf8(field.suffix));
     }
 

@@ -198,6 +198,7 @@ void RyToolParamGoneTest::partnerGoesAndComesBack()
     Fixture::step([&] { edit(f); });
     QVERIFY(f.tool->partnerParam() != f.partner);
     QVERIFY(isSound());
+    QCoreApplication::processEvents();
     QVERIFY(!told.isEmpty());
     QCOMPARE(told.last().first().value<RyLegacyJointParam *>(), f.param);
     for (int i = 0; i < 2; ++i) {
@@ -205,6 +206,7 @@ void RyToolParamGoneTest::partnerGoesAndComesBack()
         ryUndoStack()->undo();
         QCOMPARE(f.tool->partnerParam(), f.partner);
         QVERIFY(isSound());
+        QCoreApplication::processEvents();
         QVERIFY(!told.isEmpty());
         ryUndoStack()->redo();
         QVERIFY(f.tool->partnerParam() != f.partner);

@@ -196,7 +196,8 @@ void RyKeptWeightsTest::editAtRestChangesColorsAlone()
         builds.push_back(deformer.weightBuilds(i));
     const quint64 points = stage.doll.figure->getObject()->getDeformedPoints().revision();
     own->beginEdit();
-    own->setDynamicB(own->getDynamicB() - 0.3f); // the tool sets that of the partner, too
+    for (RyLegacyBendParam *each : {own, static_cast<RyLegacyBendParam *>(own->findPartner())})
+        each->setDynamicB(each->getDynamicB() - 0.3f);
     QCOMPARE(stage.madeByDrawing(), (Counts{{0, 0, 1, 1}, {0, 0, 1, 1}, 2, 1}));
     own->getDynamicSphere()->getXTransControl()->setValue(31.0f);
     own->setApplyMatrices(true);

@@ -322,6 +322,7 @@ private slots:
     {
         m_widget->setEnabled(false);
         m_first->setValue(3);
+        m_second->setValue(3);
         QVERIFY(!m_widget->isEnabled());
         QCOMPARE(field()->text(), QStringLiteral("3"));
         m_widget->addProperty(m_bone->getEndYControl());

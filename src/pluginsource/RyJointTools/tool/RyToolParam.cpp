@@ -97,6 +97,7 @@ void RyToolParam::take(Param &param)
         m_joint.paramDrivenByParent = isDrivenByParent(param);
     m_joint.rememberedAxis = param.getAxis();
     m_joint.rememberedType = param.type();
+    m_announced = {m_joint.partner.get(), m_joint.bendPartner.get()};
     emit m_tool.paramChanged(&param);
     m_tool.drawnDataChanged();
 }
@@ -142,8 +143,19 @@ void RyToolParam::changePartners(Param *partner, Param *bendPartner)
         return;
     m_pointer.finish();
     setPartners(partner, bendPartner);
-    emit m_tool.paramChanged(m_joint.param.get());
     m_tool.drawnDataChanged();
+    QMetaObject::invokeMethod(
+        &m_tool, [this] { announcePartners(); }, Qt::QueuedConnection);
+}
+
+/// Once a change has come to its end: many of them lead through other partners and back.
+void RyToolParam::announcePartners()
+{
+    Param *param = m_joint.param.get();
+    if (!param || m_announced == Partners(m_joint.partner.get(), m_joint.bendPartner.get()))
+        return;
+    m_announced = {m_joint.partner.get(), m_joint.bendPartner.get()};
+    emit m_tool.paramChanged(param);
 }
 
 void RyToolParam::dropPartner(const Param *param)

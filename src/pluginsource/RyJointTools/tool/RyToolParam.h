@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 class RyJointEditorTool;
 class RyLegacyJointParam;
 class RyParamFollowUp;
@@ -21,7 +23,7 @@ public:
     /// has a skin, for one without a joint, and while none has been chosen.
     void choose();
     /// The scene has changed: the node may hang elsewhere, and joints and parameters may have come or gone. Announces
-    /// the parameter anew when its partners are others.
+    /// the parameter anew when its partners are others, as soon as the event loop comes round.
     void check();
 
 private:
@@ -38,6 +40,7 @@ private:
     RyLegacyJointParam *findBendPartner(const RyLegacyJointParam &param) const;
     void setPartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
     void changePartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
+    void announcePartners();
     void dropPartner(const RyLegacyJointParam *param);
 
     RyJointEditorTool &m_tool;
@@ -45,4 +48,6 @@ private:
     RyParamFollowUp &m_values;
     RyToolPointer &m_pointer;
     bool m_isSet = false; // one was announced; it may be gone by now
+    using Partners = std::pair<const RyLegacyJointParam *, const RyLegacyJointParam *>;
+    Partners m_announced; // partners that were told of; compared, never followed
 };
