@@ -145,6 +145,35 @@ private slots:
         QCOMPARE(look(scene), QStringLiteral("parameter Center/EndPoint"));
     }
 
+    void anUnlistedParameterWhileTheListChanges()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        scene.tool->setParam(scene.doll.param(scene.doll.lHand, "lTip_jointy"));
+        QCOMPARE(look(scene), QStringLiteral("parameter twistx [XRot]"));
+        scene.doll.param(scene.doll.lHand, "jointz")->setName("fold");
+        QVERIFY(items(scene).contains("fold [ZRot]"));
+        QCOMPARE(look(scene), QStringLiteral("parameter twistx [XRot]"));
+    }
+
+    void aBindingThatGoes()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        const QStringList before = items(scene);
+        {
+            RyUndoStackHold hold;
+            scene.doll.figure->getObject()->removeModifier(scene.doll.binding);
+            hold.accept("Remove");
+        }
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        ryUndoStack()->undo();
+        QCOMPARE(items(scene), before);
+        ryUndoStack()->redo();
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+    }
+
     void followsTheBone()
     {
         RyPaneScene scene;

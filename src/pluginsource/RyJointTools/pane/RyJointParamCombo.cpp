@@ -60,10 +60,7 @@ void RyJointParamCombo::fill()
     clear();
     for (const Entry &entry : m_entries)
         addItem(entry.text);
-    const Param *current = m_tool->currentParam();
-    const auto found = std::find_if(m_entries.begin(), m_entries.end(),
-                                    [current](const Entry &entry) { return entry.param == current; });
-    setCurrentIndex(found != m_entries.end() ? int(found - m_entries.begin()) : 0);
+    choose(m_tool->currentParam());
     connectSources();
 }
 
@@ -87,6 +84,15 @@ void RyJointParamCombo::follow()
         fill();
 }
 
+/// Told of whatever is drawn, so it makes no texts.
+void RyJointParamCombo::followJoint()
+{
+    const std::vector<Param *> params = listParams(m_tool->currentNode());
+    const auto isOf = [](const Param *param, const Entry &entry) { return entry.param == param; };
+    if (!std::equal(params.begin(), params.end(), m_entries.begin() + 1, m_entries.end(), isOf))
+        fill();
+}
+
 void RyJointParamCombo::connectSources()
 {
     for (const QMetaObject::Connection &source : m_sources)
@@ -101,6 +107,10 @@ void RyJointParamCombo::connectSources()
     };
     followSignal(RyLegacyBinding::bindingForChildOf(node), &RyLegacyBinding::bindingChanged);
     followSignal(node->getScene(), &RyScene::nodeListChanged);
+    // A binding that goes or comes back says nothing itself.
+    if (node->getScene())
+        m_sources.push_back(
+            connect(node->getScene(), &RyScene::drawnDataChanged, this, &RyJointParamCombo::followJoint));
     for (int axis = 0; axis < 3; ++axis)
         followSignal(rotationControl(*node, axis), &RyElement::labelChanged);
     for (const Entry &entry : m_entries)

@@ -34,6 +34,7 @@ private:
     QString textOf(const RyLegacyJointParam &param) const;
     std::vector<Entry> wantedEntries() const;
     void follow();
+    void followJoint();
     void connectSources();
 
     const RyJointEditorTool *m_tool;
