@@ -1,200 +1,28 @@
-#include "support/RyRandom.h"
 #include "support/RyTest.h"
 
-#include "RyParametricToolScene.h"
+#include "RyParamSession.h"
 
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
-#include "rycore/parametric/RyLegacyBendParam.h"
-#include "rycore/parametric/RyLegacySmoothScale.h"
-#include "rycore/parametric/RyLegacyTwistParam.h"
-#include "rycore/undo/RyUndoStackHold.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleTable.h"
+#include "rycore/app/RyFitZonesToBoneAction.h"
+#include "rycore/ui/RyScrubLabel.h"
 
 #include <QMap>
-
-#include <algorithm>
-#include <functional>
+#include <QPushButton>
+#include <QTabWidget>
 
 using Param = RyLegacyJointParam;
 
 namespace {
 
-/// A figure, a tool, and what every state of the history looks like. Fixture and random numbers for the edits below.
-class Session
-{
-public:
-    Session()
-    {
-        QObject::connect(ryUndoStack(), &RyUndoStack::changed, &m_listener, [this] { forgetWhatWasUndone(); });
-    }
-    ~Session() { QObject::disconnect(ryUndoStack(), nullptr, &m_listener, nullptr); }
-
-    RyBone *bone()
-    {
-        const std::vector<RyBone *> bones = scene.doll.figure->getAllBones();
-        return bones.empty() ? nullptr : bones[size_t(random.integer(0, int(bones.size()) - 1))];
-    }
-    Param *param(const RyLegacyJoint *joint)
-    {
-        const int last = joint ? int(joint->params().size()) - 1 : -1;
-        return last < 0 ? nullptr : joint->params()[size_t(random.integer(0, last))];
-    }
-    RyLegacyJoint *joint() { return RyLegacyJoint::findJoint(bone()); }
-    /// The tool's parameter and the one whose values go with it.
-    std::vector<Param *> edited() const
-    {
-        Param *current = scene.tool->currentParam();
-        if (!current)
-            return {};
-        Param *partner =
-            current->type() == Param::SmoothScale ? scene.tool->bendPartnerParam() : scene.tool->partnerParam();
-        return partner ? std::vector<Param *>{current, partner} : std::vector<Param *>{current};
-    }
-    /// Writes a control of all these parameters as a field of the pane does: as one step.
-    void type(const std::vector<Param *> &params, const std::function<RyFloatProperty *(const Param &)> &control,
-              float value)
-    {
-        step([&] {
-            for (const Param *param : params) {
-                if (RyFloatProperty *property = control(*param))
-                    property->adjustValue(value);
-            }
-        });
-    }
-    void step(const std::function<void()> &edit)
-    {
-        RyUndoStackHold hold;
-        edit();
-        hold.accept(QStringLiteral("Edit"));
-    }
-
-    /// Says what is wrong afterwards.
-    QString undo() { return move(&RyUndoStack::undo); }
-    QString redo() { return move(&RyUndoStack::redo); }
-
-    /// Keeps the state of a step that was made; empty when the history is as it must be.
-    QString account()
-    {
-        const RyUndoStack &stack = *ryUndoStack();
-        const QString dump = scene.wholeDump();
-        if (stack.isHoldOpen())
-            return QStringLiteral("a hold is open");
-        const auto index = size_t(stack.index());
-        m_dumps.resize(std::max(m_dumps.size(), index + 1));
-        if (m_dumps[index].isEmpty())
-            m_dumps[index] = content(dump);
-        return m_dumps[index] == content(dump) ? QString() : difference(m_dumps[index], content(dump));
-    }
-    QString compareNow() const
-    {
-        const size_t index = size_t(ryUndoStack()->index());
-        if (index >= m_dumps.size() || m_dumps[index].isEmpty())
-            return {};
-        const QString dump = content(scene.wholeDump());
-        return m_dumps[index] == dump ? QString() : difference(m_dumps[index], dump);
-    }
-    /// What the tool points at, looked for without it.
-    QString wrongPointer() const
-    {
-        const RyJointEditorTool &tool = *scene.tool;
-        const RyNode *node = tool.currentNode();
-        const Param *param = tool.currentParam();
-        if (node != ryScene()->getPrimarySelection())
-            return QStringLiteral("another node is selected");
-        if (node && tool.currentNodeParent() != node->getNodeParent())
-            return QStringLiteral("the parent is another one");
-        if (!param) {
-            return tool.partnerParam() || tool.bendPartnerParam() ? QStringLiteral("partners of nothing")
-                                                                  : wrongAngles(nullptr);
-        }
-        const RyLegacyJoint *joint = RyLegacyJoint::findJoint(node);
-        if (!joint || param->getJoint() != joint)
-            return QStringLiteral("the parameter is none of the node's");
-        if (param->editLevel() != 0)
-            return QStringLiteral("an edit is open");
-        if (tool.partnerParam() != find(RyLegacyJoint::findJoint(node->getNodeParent()), [&](const Param &other) {
-                return other.getDriver() == node && other.getAxis() == param->getAxis();
-            }))
-            return QStringLiteral("another partner");
-        const RyLegacyJoint *drivers =
-            param->type() == Param::SmoothScale ? RyLegacyJoint::findJoint(param->getDriver()) : nullptr;
-        if (tool.bendPartnerParam() != find(drivers, [&](const Param &other) {
-                return other.getDriver() == node && other.type() == Param::SmoothScale;
-            }))
-            return QStringLiteral("another bend partner");
-        return wrongAngles(dynamic_cast<const RyLegacyBendParam *>(param));
-    }
-
-    RyParametricToolScene scene;
-    RyRandom random;
-
-private:
-    QString move(void (RyUndoStack::*way)())
-    {
-        m_isMoving = true;
-        (ryUndoStack()->*way)();
-        m_isMoving = false;
-        QCoreApplication::sendPostedEvents();
-        return compareNow() + wrongPointer();
-    }
-    void forgetWhatWasUndone()
-    {
-        const int index = ryUndoStack()->index();
-        if (!m_isMoving && index > m_index)
-            m_dumps.resize(std::min(m_dumps.size(), size_t(m_index) + 1));
-        m_index = index;
-    }
-    static const Param *find(const RyLegacyJoint *joint, const std::function<bool(const Param &)> &fits)
-    {
-        for (const Param *param : joint ? joint->params() : std::vector<Param *>()) {
-            if (fits(*param))
-                return param;
-        }
-        return nullptr;
-    }
-    QString wrongAngles(const RyLegacyBendParam *bend) const
-    {
-        const RyJointEditorTool &tool = *scene.tool;
-        const bool same =
-            bend ? tool.cachedAngleA() == bend->getStaticA() && tool.cachedAngleB() == bend->getDynamicB() &&
-                       tool.cachedAngleC() == bend->getDynamicC() && tool.cachedAngleD() == bend->getStaticD()
-                 : tool.cachedAngleA() == 0.0f && tool.cachedAngleD() == 0.0f;
-        return same ? QString() : QStringLiteral("other angles are cached");
-    }
-    /// Without the selection, which is no part of a step.
-    static QString content(const QString &dump)
-    {
-        QStringList lines = dump.split(QLatin1Char('\n'));
-        for (QString &line : lines) {
-            if (line.startsWith(QLatin1String("selection")))
-                line = QStringLiteral("selection");
-        }
-        return lines.join(QLatin1Char('\n'));
-    }
-    static QString difference(const QString &expected, const QString &found)
-    {
-        const QStringList a = expected.split(QLatin1Char('\n'));
-        const QStringList b = found.split(QLatin1Char('\n'));
-        for (int i = 0; i < qMax(a.size(), b.size()); ++i) {
-            if (a.value(i) != b.value(i))
-                return QStringLiteral("expected %1\n  found    %2").arg(a.value(i), b.value(i));
-        }
-        return {};
-    }
-
-    QObject m_listener;
-    int m_index = 0; // of the stack when it last told
-    bool m_isMoving = false;
-    std::vector<QString> m_dumps; // by index of the stack; empty where nobody has seen the state
-};
-
 struct Kind
 {
     const char *name;
     int share; // how often, against the others
-    std::function<void(Session &)> edit;
+    void (*edit)(RyParamSession &);
 };
 
-void undoOrRedo(Session &s)
+void undoOrRedo(RyParamSession &s)
 {
     for (int i = s.random.integer(1, 5); i > 0; --i) {
         const QString wrong = s.random.chance(0.6) ? s.undo() : s.redo();
@@ -202,13 +30,13 @@ void undoOrRedo(Session &s)
     }
 }
 
-void select(Session &s)
+void select(RyParamSession &s)
 {
     RyNode *others[] = {s.scene.lShin, s.scene.doll.figure, s.scene.prop};
     s.scene.select(s.random.chance(0.9) ? s.bone() : others[s.random.integer(0, 2)]);
 }
 
-void choose(Session &s)
+void choose(RyParamSession &s)
 {
     if (s.random.chance(0.5))
         s.scene.select(s.bone());
@@ -216,7 +44,7 @@ void choose(Session &s)
                                                 : s.param(s.joint()));
 }
 
-void setAngle(Session &s)
+void setAngle(RyParamSession &s)
 {
     using Set = void (RyJointEditorTool::*)(float, int);
     const Set sets[] = {&RyJointEditorTool::setStaticA, &RyJointEditorTool::setDynamicB,
@@ -226,7 +54,7 @@ void setAngle(Session &s)
     s.step([&] { (s.scene.tool->*set)(radians, s.random.integer(0, 2)); });
 }
 
-void typeController(Session &s)
+void typeController(RyParamSession &s)
 {
     const auto index = size_t(s.random.integer(0, 7));
     const auto value = float(s.random.number(-200, 200));
@@ -236,7 +64,7 @@ void typeController(Session &s)
         value);
 }
 
-void typeSphere(Session &s)
+void typeSphere(RyParamSession &s)
 {
     const auto index = size_t(s.random.integer(0, 9));
     const bool dynamic = s.random.chance(0.5);
@@ -249,7 +77,7 @@ void typeSphere(Session &s)
         value);
 }
 
-void setFlags(Session &s)
+void setFlags(RyParamSession &s)
 {
     const auto flags = unsigned(s.random.integer(0, 63)) << 1;
     s.step([&] {
@@ -258,7 +86,7 @@ void setFlags(Session &s)
     });
 }
 
-void setSwitch(Session &s)
+void setSwitch(RyParamSession &s)
 {
     RyJointEditorTool &tool = *s.scene.tool;
     const bool on = s.random.chance(0.5);
@@ -270,12 +98,9 @@ void setSwitch(Session &s)
     switches[s.random.integer(0, 4)]();
 }
 
-void drag(Session &s)
+void dragFrom(RyParamSession &s, int id, const QPoint &from)
 {
-    const QPoint from(s.random.integer(100, 700), s.random.integer(100, 500));
-    // Points where no parameter is chosen; whatever handles a parameter has otherwise.
-    const int points[] = {1, 2, 41, 42, 43, 44, 45, 46};
-    const int id = s.scene.tool->currentParam() ? s.random.integer(5, 40) : points[s.random.integer(0, 7)];
+    const int index = ryUndoStack()->index();
     s.scene.press(id, from);
     QPoint place = from;
     for (int i = s.random.integer(0, 4); i > 0; --i) {
@@ -285,11 +110,136 @@ void drag(Session &s)
     if (s.random.chance(0.15))
         s.scene.press(id, place, Qt::RightButton);
     else if (s.random.chance(0.1))
+        s.scene.tool->cancelDrag();
+    else if (s.random.chance(0.1))
         s.scene.tool->setParam(s.param(RyLegacyJoint::findJoint(s.scene.tool->currentNode())));
     s.scene.release(place);
+    if (ryUndoStack()->index() > index)
+        s.draggedHandles.insert(id);
 }
 
-void propagate(Session &s)
+/// Of points, and of handles that the parameter need not have.
+void drag(RyParamSession &s)
+{
+    const int points[] = {1, 2, 41, 42, 43, 44, 45, 46};
+    const int id = s.scene.tool->currentParam() ? s.random.integer(5, 40) : points[s.random.integer(0, 7)];
+    dragFrom(s, id, QPoint(s.random.integer(100, 700), s.random.integer(100, 500)));
+}
+
+bool hasHandle(const Param &param, RyHandle::Target target)
+{
+    switch (target) {
+    case RyHandle::DynamicSphere:
+    case RyHandle::StaticSphere:
+        return true;
+    case RyHandle::BendAngle:
+        return param.type() == Param::Bend;
+    case RyHandle::TwistZone:
+        return param.type() == Param::Twist;
+    default:
+        return param.type() == Param::SmoothScale;
+    }
+}
+
+/// Seen from anywhere, now and then along an axis: that shows some handles from their edge.
+void dragHandle(RyParamSession &s)
+{
+    const Param *param = s.scene.tool->currentParam();
+    if (!param || !param->getDriver())
+        return;
+    int id = 0;
+    do
+        id = s.random.integer(5, 40);
+    while (!hasHandle(*param, RyHandleTable::find(id)->target));
+    const RyVec3 place = param->getDriver()->getWSPos();
+    const RyVec3 way = s.random.chance(0.1) ? RyVec3::axis(2) : s.random.vector(1.0);
+    s.scene.viewport->getCamera()->lookAt(place + way.normalized() * float(s.random.number(30, 300)), place);
+    dragFrom(s, id, s.scene.pixelOf(place) + QPoint(s.random.integer(-80, 80), s.random.integer(-80, 80)));
+}
+
+/// One of the fields that can be used as the pane stands, or null.
+RyFloatPropertyWgt *fieldOf(RyParamSession &s)
+{
+    s.scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(s.random.integer(0, 1));
+    QList<RyFloatPropertyWgt *> fields = s.scene.pane->findChildren<RyFloatPropertyWgt *>();
+    fields.erase(std::remove_if(fields.begin(), fields.end(),
+                                [](const QWidget *field) { return !field->isVisible() || !field->isEnabled(); }),
+                 fields.end());
+    return fields.isEmpty() ? nullptr : fields[s.random.integer(0, int(fields.size()) - 1)];
+}
+
+void typeIntoField(RyParamSession &s)
+{
+    RyFloatPropertyWgt *field = fieldOf(s);
+    if (!field)
+        return;
+    const bool isScale = field->objectName().contains(QLatin1String("Scale"));
+    const double value = isScale ? s.random.number(0.2, 3) : s.random.number(-200, 200);
+    if (s.random.chance(0.2))
+        QTest::keyClick(field->numberField(), s.random.chance(0.5) ? Qt::Key_Up : Qt::Key_PageDown);
+    else
+        s.scene.type(field->objectName().toLatin1(), QString::number(value, 'f', 2));
+}
+
+void scrubField(RyParamSession &s)
+{
+    RyFloatPropertyWgt *field = fieldOf(s);
+    if (!field)
+        return;
+    emit field->label()->scrubStarted();
+    for (int i = s.random.integer(0, 3); i > 0; --i)
+        emit field->label()->scrubbed(s.random.number(-60, 60));
+    if (s.random.chance(0.2))
+        s.scene.tool->setParam(nullptr);
+    emit field->label()->scrubFinished(s.random.chance(0.2));
+}
+
+void clickGroup(RyParamSession &s)
+{
+    s.scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(s.random.integer(0, 1));
+    QList<QGroupBox *> boxes = s.scene.pane->findChildren<QGroupBox *>();
+    boxes.erase(std::remove_if(boxes.begin(), boxes.end(),
+                               [](const QGroupBox *box) { return !box->isCheckable() || !box->isVisible(); }),
+                boxes.end());
+    if (!boxes.isEmpty())
+        RyPaneScene::click(*boxes[s.random.integer(0, int(boxes.size()) - 1)]);
+}
+
+void resetMatrices(RyParamSession &s)
+{
+    s.scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(1);
+    auto *button = s.scene.find<QPushButton>("JointParamMatricesResetBtn");
+    if (button->isVisible())
+        QTest::mouseClick(button, Qt::LeftButton);
+}
+
+void chooseInPane(RyParamSession &s)
+{
+    const bool isSphere = s.random.chance(0.3);
+    auto *combo = s.scene.find<QComboBox>(isSphere ? "JointParamMatricesActiveSphereCmb" : "JointEditorParameterCmb");
+    s.scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(1);
+    if (!combo->isVisible() || !combo->isEnabled())
+        return;
+    combo->setFocus();
+    const int wanted = s.random.integer(0, combo->count() - 1);
+    for (int i = 0; i < combo->count() && combo->currentIndex() != wanted; ++i)
+        QTest::keyClick(combo, combo->currentIndex() < wanted ? Qt::Key_Down : Qt::Key_Up);
+    QCOMPARE(combo->currentIndex(), wanted);
+}
+
+void fitZones(RyParamSession &s)
+{
+    std::vector<RyNode *> nodes;
+    for (int i = s.random.integer(1, 3); i > 0; --i)
+        nodes.push_back(s.random.chance(0.9) ? static_cast<RyNode *>(s.bone()) : s.scene.prop);
+    ryScene()->setSelection(nodes);
+    RyFitZonesToBoneAction action;
+    action.init();
+    if (action.isEnabled())
+        action.trigger();
+}
+
+void propagate(RyParamSession &s)
 {
     RyJointEditorTool &tool = *s.scene.tool;
     RyBone *bone = s.bone();
@@ -305,12 +255,12 @@ void propagate(Session &s)
     s.step([&] { edits[s.random.integer(0, 4)](); });
 }
 
-void changeOrder(Session &s)
+void changeOrder(RyParamSession &s)
 {
     s.step([&] { s.scene.tool->changeRotationOrder(s.bone(), RyRotationOrder(s.random.integer(0, 5))); });
 }
 
-void addParam(Session &s)
+void addParam(RyParamSession &s)
 {
     RyLegacyJoint *joint = s.joint();
     RyBone *driver = s.random.chance(0.9) ? s.bone() : nullptr;
@@ -324,20 +274,20 @@ void addParam(Session &s)
     });
 }
 
-void removeParam(Session &s)
+void removeParam(RyParamSession &s)
 {
     RyLegacyJoint *joint = s.joint();
     if (Param *param = s.param(joint))
         s.step([&] { joint->removeJointParam(param); });
 }
 
-void removeJoint(Session &s)
+void removeJoint(RyParamSession &s)
 {
     if (RyLegacyJoint *joint = s.joint())
         s.step([&] { joint->getBinding()->removeJoint(joint); });
 }
 
-void changeParam(Session &s)
+void changeParam(RyParamSession &s)
 {
     if (Param *param = s.param(s.joint())) {
         s.step([&] {
@@ -349,19 +299,19 @@ void changeParam(Session &s)
     }
 }
 
-void reparent(Session &s)
+void reparent(RyParamSession &s)
 {
     RyNode *parent = s.random.chance(0.8) ? static_cast<RyNode *>(s.bone()) : s.scene.doll.figure;
     s.step([&] { parent->addNodeChild(s.bone()); });
 }
 
-void deleteOne(Session &s)
+void deleteOne(RyParamSession &s)
 {
     if (s.scene.doll.figure->getAllBones().size() > 3)
         s.step([&] { deleteBone(s.bone()); });
 }
 
-void takeFigureAway(Session &s)
+void takeFigureAway(RyParamSession &s)
 {
     RyObject *object = s.scene.doll.figure->getObject();
     s.step([&] {
@@ -372,7 +322,9 @@ void takeFigureAway(Session &s)
     });
     QCoreApplication::sendPostedEvents();
     QVERIFY(!s.scene.tool->currentParam());
-    const QString wrong = s.undo();
+    QString wrong = s.wrongTool();
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+    wrong = s.undo();
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
 }
 
@@ -388,7 +340,14 @@ const std::vector<Kind> &kinds()
         {"type a sphere's value", 8, typeSphere},
         {"set flags", 3, setFlags},
         {"set a switch", 4, setSwitch},
-        {"drag", 14, drag},
+        {"drag", 8, drag},
+        {"drag a handle", 16, dragHandle},
+        {"type into a field", 10, typeIntoField},
+        {"drag a field's label", 4, scrubField},
+        {"click a group", 6, clickGroup},
+        {"reset the matrices", 4, resetMatrices},
+        {"choose in the pane", 8, chooseInPane},
+        {"fit zones", 4, fitZones},
         {"propagate", 4, propagate},
         {"change the rotation order", 3, changeOrder},
         {"add a parameter", 3, addParam},
@@ -429,23 +388,28 @@ private slots:
 
 void RyRandomParametersTest::everyUndoIsExact()
 {
-    Session session;
+    RyParamSession session;
     session.scene.select(session.scene.doll.lHand);
     QString wrong = session.account();
-    QMap<QString, int> withParam;
+    QMap<QString, int> stepsWithParam;
     for (int i = 0; i < 1000; ++i) {
         const Kind &kind = pick(session.random);
-        withParam[kind.name] += session.scene.tool->currentParam() ? 1 : 0;
+        const bool hasParam = session.scene.tool->currentParam();
+        const int index = ryUndoStack()->index();
         kind.edit(session);
+        const int steps = ryUndoStack()->index() - index;
+        QVERIFY2(steps <= 1 || kind.edit == undoOrRedo, kind.name);
+        stepsWithParam[kind.name] += hasParam && steps == 1;
         if (QTest::currentTestFailed()) {
             qInfo("edit %d: %s", i, kind.name);
             return;
         }
         QCoreApplication::sendPostedEvents();
-        wrong = session.account() + session.wrongPointer();
+        wrong = session.account() + session.wrongTool();
         QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("edit %1, %2: %3").arg(i).arg(kind.name).arg(wrong)));
-        // What leaves few bones is taken back now and then, so that there is always something to edit.
-        if (session.scene.doll.figure->getAllBones().size() <= 3 || !session.scene.doll.binding->joints().size()) {
+        // What leaves little to edit is taken back now and then.
+        if (session.scene.doll.figure->getAllBones().size() <= 3 || !session.scene.doll.binding->joints().size() ||
+            (session.isFigureAway() && session.random.chance(0.3))) {
             while (ryUndoStack()->canUndo()) {
                 wrong = session.undo();
                 QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
@@ -456,9 +420,11 @@ void RyRandomParametersTest::everyUndoIsExact()
         wrong = session.undo();
         QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
     }
-    // The edits met parameters, or nothing was tested.
-    for (const char *name : {"set an angle", "type a value", "type a sphere's value", "drag", "undo or redo"})
-        QVERIFY2(withParam[name] > 3, name);
+    // The edits changed parameters, or nothing was tested.
+    for (const char *name : {"set an angle", "type a value", "type a sphere's value", "drag", "drag a handle",
+                             "type into a field", "click a group", "fit zones"})
+        QVERIFY2(stepsWithParam[name] > 2, name);
+    QVERIFY(session.draggedHandles.size() > 12);
 }
 
 RY_TEST(RyRandomParametersTest)
