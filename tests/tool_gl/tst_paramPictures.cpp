@@ -31,6 +31,14 @@ struct PictureStage : RyParamStage
         tool->setAngleVis(false);
         tool->setSphereDrawing(style);
     }
+    void showWeightsOnly(int mode) const
+    {
+        hideSpheres();
+        tool->setAngleVis(false);
+        tool->setWeightVis(true);
+        tool->setWeightMapMode(mode);
+        tool->setWeightOpacity(255);
+    }
     void hideSpheres() const
     {
         tool->setMatAVis(false);
@@ -124,6 +132,21 @@ const View views[] = {
          stage.tool->setSphereDrawing(1);
          stage.tool->setBoneDrawMode(RyJointEditorTool::EntireFigure);
          stage.tool->setDrawMeshBoundaries(true);
+     }},
+    {"weights-points",
+     [](PictureStage &stage) {
+         stage.takeBend();
+         stage.showWeightsOnly(0);
+     }},
+    {"weights-lines",
+     [](PictureStage &stage) {
+         stage.takeBend();
+         stage.showWeightsOnly(1);
+     }},
+    {"weights-filled",
+     [](PictureStage &stage) {
+         stage.takeBend();
+         stage.showWeightsOnly(2);
      }},
 };
 
