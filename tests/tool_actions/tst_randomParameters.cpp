@@ -107,13 +107,15 @@ void dragFrom(RyParamSession &s, int id, const QPoint &from)
         place += QPoint(s.random.integer(-40, 40), s.random.integer(-40, 40));
         s.scene.move(place, s.random.chance(0.2) ? Qt::ControlModifier : Qt::NoModifier);
     }
-    if (s.random.chance(0.15))
+    const bool isCancelled = s.random.chance(0.25);
+    if (isCancelled && s.random.chance(0.5))
         s.scene.press(id, place, Qt::RightButton);
-    else if (s.random.chance(0.1))
+    else if (isCancelled)
         s.scene.tool->cancelDrag();
     else if (s.random.chance(0.1))
         s.scene.tool->setParam(s.param(RyLegacyJoint::findJoint(s.scene.tool->currentNode())));
     s.scene.release(place);
+    QVERIFY(!isCancelled || ryUndoStack()->index() == index);
     if (ryUndoStack()->index() > index)
         s.draggedHandles.insert(id);
 }
