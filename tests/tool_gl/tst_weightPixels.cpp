@@ -2,6 +2,8 @@
 
 #include "RyWeightStage.h"
 
+#include "pluginsource/RyJointTools/tool/drawing/RyToolDrawing.h"
+#include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 
 /// What weights look like on what was there before.
@@ -16,6 +18,7 @@ private slots:
     void surfaceHidesPointsAndLines_data();
     void surfaceHidesPointsAndLines();
     void depthIsLeft();
+    void linesCoverThePartners();
     void samplesSmoothEdges();
 
 private:
@@ -175,6 +178,41 @@ void RyWeightPixelsTest::depthIsLeft()
     const QPoint pixel = stage.pixelOf(spotsOf(stage).front().world);
     glReadPixels(pixel.x(), 599 - pixel.y(), 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
     QCOMPARE(depth, 1.0f);
+}
+
+/// Where both sides draw the same facets, lines have the colours that they have without a partner.
+void RyWeightPixelsTest::linesCoverThePartners()
+{
+    RyWeightStage stage;
+    RySelectionMap *map = stage.doll.figure->getSelectionMap();
+    while (map->getNumPairs() > 0)
+        map->removePair(0);
+    stage.tool->setWeightMapMode(1);
+    stage.viewport->getCamera()->lookAt(stage.doll.lHand->getWSPos() + RyVec3(10, 10, 60),
+                                        stage.doll.lHand->getWSPos());
+    const auto pictureWith = [&](RyLegacyJointParam *partner) {
+        RyJointState joint;
+        joint.node = stage.tool->currentNode();
+        joint.param = {stage.tool->currentParam(), stage.tool->currentParam()};
+        joint.partner = {partner, partner};
+        stage.draw(); // binds the picture and loads the matrices
+        glClearColor(float(Ground.redF()), float(Ground.greenF()), float(Ground.blueF()), 1);
+        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+        RyToolDrawing drawing;
+        drawing.draw(stage.viewport.get(), false, joint, stage.tool->display(), 0);
+        QImage image(800, 600, QImage::Format_RGBA8888);
+        glReadPixels(0, 0, 800, 600, GL_RGBA, GL_UNSIGNED_BYTE, image.bits());
+        return image;
+    };
+    stage.use(stage.doll.lHand, "jointy");
+    RyLegacyJointParam *partner = stage.tool->partnerParam();
+    QVERIFY(partner);
+    const QImage alone = pictureWith(nullptr);
+    QCOMPARE(pictureWith(partner), alone);
+    // The partner by itself looks otherwise.
+    stage.use(stage.doll.lArm, "lHand_jointy");
+    QCOMPARE(stage.tool->currentParam(), partner);
+    QVERIFY(pictureWith(nullptr) != alone);
 }
 
 /// With samples the edge has colours between that of the surface and the ground, and none that is darker than both.

@@ -78,8 +78,9 @@ void RyWeightDrawing::drawSides(OfContext &here) const
         if (m_stamp.sides[i].isShown)
             here.buffers[i].update(m_kept[i]);
     }
+    // Where both sides have the same facets, the current parameter's own is drawn last and covers its partner's.
     const auto drawAll = [&](bool withColors) {
-        for (size_t i = 0; i < m_kept.size(); ++i) {
+        for (size_t i = m_kept.size(); i-- > 0;) {
             if (m_stamp.sides[i].isShown)
                 here.buffers[i].draw(m_kept[i], withColors);
         }
