@@ -7,9 +7,13 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/scene/RyBone.h"
 #include "rycore/viewport/RyGLContext.h"
 
 #include <QCoreApplication>
+
+#include <utility>
 
 enum Mode { Points = 0, Lines = 1, Solid = 2 };
 
@@ -26,8 +30,12 @@ static GLenum polygonMode(int mode)
 void RyWeightDrawing::draw(const RyDrawContext &context, const RyJointState &joint)
 {
     const int mode = context.display.weightMapMode;
-    if (context.pickPass || !context.display.weightVis || mode < Points || mode > Solid || !joint.param.get())
+    if (context.pickPass)
         return;
+    if (!context.display.weightVis || mode < Points || mode > Solid || !joint.param.get()) {
+        m_told = {};
+        return;
+    }
     if (!update(context, joint))
         return;
     OfContext &here = m_contexts[RyGLContext::currentNumber()];
@@ -50,26 +58,30 @@ bool RyWeightDrawing::update(const RyDrawContext &context, const RyJointState &j
         if (stamp.mode == Points)
             stamp.pointSize = pointSize(distanceFromCamera(context, kept.firstVertex()));
     }
-    tellMissingGroup(joint.param.get());
+    tellMissingGroups(sides);
     if (stamp != m_stamp)
         ++m_content;
     m_stamp = stamp;
     return stamp.sides[0].isShown || stamp.sides[1].isShown;
 }
 
-void RyWeightDrawing::tellMissingGroup(const RyLegacyJointParam *param)
+void RyWeightDrawing::tellMissingGroups(const std::array<RyWeightSide, 2> &sides)
 {
-    const QString &first = m_kept[0].missingGroup();
-    const QString &group = first.isEmpty() ? m_kept[1].missingGroup() : first;
-    const std::pair<const void *, QString> told(group.isEmpty() ? nullptr : param, group);
-    if (told == m_told)
+    QStringList missing;
+    for (size_t i = 0; i < sides.size(); ++i) {
+        if (!m_kept[i].missingGroup().isEmpty())
+            missing.append(
+                QCoreApplication::translate(
+                    "RyWeightDrawing", "The vertex weights of %1 are not drawn: the mesh has no face group \"%2\".")
+                    .arg(sides[i].param->getJoint()->getBone()->getLabel(), m_kept[i].missingGroup()));
+    }
+    const std::pair<const void *, QStringList> told(missing.isEmpty() ? nullptr : sides[0].param, missing);
+    if (std::exchange(m_told, told) == told || missing.isEmpty())
         return;
-    m_told = told;
-    RyMainWindow *window = RyApp::getInterface();
-    if (window && !group.isEmpty())
-        window->showMessage(QCoreApplication::translate(
-                                "RyWeightDrawing", "Vertex weights are not drawn: the mesh has no face group \"%1\".")
-                                .arg(group));
+    // Widgets are left alone while one of them paints. By name, since the message may outlive the library.
+    if (RyMainWindow *window = RyApp::getInterface())
+        QMetaObject::invokeMethod(window, "showMessage", Qt::QueuedConnection,
+                                  Q_ARG(QString, missing.join(QLatin1Char(' '))));
 }
 
 void RyWeightDrawing::drawSides(OfContext &here) const

@@ -4,6 +4,9 @@
 #include "pluginsource/RyJointTools/tool/drawing/RyKeptWeights.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyWeightBuffers.h"
 #include "pluginsource/RyJointTools/tool/drawing/RyWeightPicture.h"
+#include "pluginsource/RyJointTools/tool/drawing/RyWeightSide.h"
+
+#include <QStringList>
 
 #include <array>
 #include <map>
@@ -49,13 +52,13 @@ private:
         bool operator==(const Stamp &) const = default;
     };
     bool update(const RyDrawContext &context, const RyJointState &joint);
-    void tellMissingGroup(const RyLegacyJointParam *param);
+    void tellMissingGroups(const std::array<RyWeightSide, 2> &sides);
     void drawSides(OfContext &here) const;
 
     RyWeightColors m_colors;
     Kept m_kept;
     Stamp m_stamp; // of what is drawn
     quint64 m_content = 1;
-    std::map<quint64, OfContext> m_contexts; // by RyGLContext::currentNumber
-    std::pair<const void *, QString> m_told; // parameter, which is compared only, and missing group
+    std::map<quint64, OfContext> m_contexts;     // by RyGLContext::currentNumber
+    std::pair<const void *, QStringList> m_told; // of a parameter, which is compared only, since weights are shown
 };
