@@ -7,6 +7,7 @@
 
 #include <QObject>
 
+#include <algorithm>
 #include <cmath>
 
 /// The deformer beside an evaluator that shares nothing with it.
@@ -221,6 +222,20 @@ void LegacyDeformerTest::changesAreWhatMoves()
     QVERIFY(changed(false) == (Ranges{{0, 48}})); // other places than before
 }
 
+static bool arePartsEqual(const RyLegacyDeformer &a, const RyLegacyDeformer &b)
+{
+    const auto isSame = [](const RyLegacyPose::Part &p, const RyLegacyPose::Part &q) {
+        return p.bone == q.bone && p.by == q.by;
+    };
+    for (int vertex = 0; vertex < a.getNumVertices(); ++vertex) {
+        const auto parts = a.parts(vertex);
+        const auto others = b.parts(vertex);
+        if (!std::equal(parts.begin(), parts.end(), others.begin(), others.end(), isSame))
+            return false;
+    }
+    return true;
+}
+
 /// After any change what was kept is what a new deformer makes.
 void LegacyDeformerTest::keptIsAsMadeAnew()
 {
@@ -230,17 +245,30 @@ void LegacyDeformerTest::keptIsAsMadeAnew()
         RandomRig figure(random);
         RyLegacyRig rig = figure.rig;
         RyLegacyDeformer kept;
-        for (int step = 0; step < 12; ++step) {
-            kept.setRig(rig, figure.rest);
+        const int last = int(figure.rest.size()) - 1;
+        const std::vector<int> further = {random.integer(0, last), last, random.integer(0, last), 0};
+        std::vector<RyVec3> normals;
+        for (size_t n = 0; n < figure.rest.size() + further.size(); ++n)
+            normals.push_back(random.vector(1).normalized());
+        const auto vertex = size_t(random.integer(0, last));
+        int otherOwner = random.integer(0, int(rig.bones.size()) - 1); // of the vertex, which goes to and fro
+        for (int step = 0; step < 15; ++step) {
             RyLegacyDeformer fresh;
-            fresh.setRig(rig, figure.rest);
-            const std::vector<RyVec3> right = fresh.pose(figure.controls);
-            if (kept.pose(figure.controls) != right)
-                QFAIL(qPrintable(QStringLiteral("figure %1, step %2").arg(i).arg(step)));
+            for (RyLegacyDeformer *deformer : {&kept, &fresh}) {
+                deformer->setRig(rig, figure.rest);
+                deformer->setFurtherNormals(further);
+                deformer->pose(figure.controls, &normals, 1);
+            }
+            const std::vector<RyVec3> right = fresh.pose(figure.controls, &normals, 1);
+            const QString where = QStringLiteral("figure %1, step %2").arg(i).arg(step);
+            QVERIFY2(kept.pose(figure.controls, &normals, 1) == right, qPrintable(where));
+            QVERIFY2(kept.normals() == fresh.normals(), qPrintable(where));
+            QCOMPARE(kept.normals().size(), normals.size());
+            QVERIFY2(arePartsEqual(kept, fresh), qPrintable(where));
             moved += right != figure.rest;
             const int count = int(rig.params.size());
             RyLegacyRig::Param *param = count > 0 ? &rig.params[size_t(random.integer(0, count - 1))] : nullptr;
-            switch (param ? random.integer(0, 7) : 7) {
+            switch (param ? random.integer(0, 10) : 10) {
             case 0:
                 param->flags ^= 1u << random.integer(0, 7);
                 break;
@@ -263,8 +291,18 @@ void LegacyDeformerTest::keptIsAsMadeAnew()
                 for (float &value : param->values)
                     value += float(random.number(-3, 3));
                 break;
+            case 7: {
+                RyLegacyRig::Param another = *param;
+                another.axis = random.integer(0, 2);
+                rig.params.insert(rig.params.begin() + count / 2, another);
+                break;
+            }
+            case 8:
+            case 9:
+                std::swap(otherOwner, rig.owners[vertex]);
+                break;
             default:
-                figure.rest[size_t(random.integer(0, int(figure.rest.size()) - 1))] = random.vector(15);
+                figure.rest[size_t(random.integer(0, last))] = random.vector(15);
             }
         }
     }
