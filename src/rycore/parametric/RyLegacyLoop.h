@@ -5,8 +5,8 @@
 #define RY_ALWAYS_INLINE inline __attribute__((always_inline))
 
 // The loop over the elements of a task for one kind of registers, of four doubles. Included by each file that compiles
-// it for its processor; what is here stays local to that file. Sums of products are written by `timesPlus` alone, so
-// that no compiler may round them in another way here and there.
+// it for its processor; what is here stays local to that file. Sums of products of the steps are written by `timesPlus`
+// alone, so that no compiler may round them in another way here and there.
 namespace {
 
 using RyLegacyKernels::Bulge;
@@ -343,7 +343,7 @@ private:
     }
 };
 
-/// One map for all, without steps.
+/// One map for all, without steps: a few sums in doubles, whose last digits are left to the compiler.
 void moveAlike(const Task &task, const Row &row, const double (*map)[3], bool isTranslated)
 {
     typedef double Four __attribute__((vector_size(32)));

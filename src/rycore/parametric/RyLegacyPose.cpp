@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace {
 
@@ -120,9 +121,10 @@ void RyLegacyPose::map(const std::vector<Part> &parts, const double in[3], doubl
             its.mapLinear(part.by, Scaled, x.data(), y.data());
         else if (!rests)
             its.mapPoint(part.by, x.data(), y.data());
-        for (const int kept : m_keptApart[size_t(part.bone)]) {
-            if (rests)
-                break;
+        std::span<const int> keptApart;
+        if (!rests)
+            keptApart = m_keptApart[size_t(part.bone)];
+        for (const int kept : keptApart) {
             const size_t place = placeOf(parts, kept);
             if (place == parts.size())
                 continue;

@@ -14,9 +14,11 @@ struct RyParamSpace;
 struct RyHandleFrame
 {
     RyVec3 anchor;
-    RyVec3 axes[3];                        // unit vectors, at right angles to each other unless a scale shears
-    float lengths[3] = {1.0f, 1.0f, 1.0f}; // of one unit of what is drawn, along each axis; below zero where mirrored
-    RyVec3 planeNormal;                    // of the plane that a handle without an axis moves in
+    RyVec3 axes[3]; // unit vectors, at right angles to each other unless a scale shears
+    // Of one unit of what is drawn, along each axis; below zero where a node's scale mirrors. What takes part in every
+    // scale has its axes mirrored instead, and lengths of zero and more.
+    float lengths[3] = {1.0f, 1.0f, 1.0f};
+    RyVec3 planeNormal; // of the plane that a handle without an axis moves in
 
     /// Of a node's origin: the node's world position, with the axes of the parent's world rotation (those of the world
     /// without a parent), since an origin moves in the space that the parent's pose gives it. The lengths are those of
