@@ -3,7 +3,6 @@
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
@@ -24,7 +23,7 @@ bool RyKeptWeights::update(const RyWeightSide &side, RyWeightColors &colors, boo
         return false;
     const auto *shape = qobject_cast<RyFacetShape *>(object->getCurrentShape());
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
-    if (!mesh || mesh->getNumVertices() == 0 || !updateFacets(*mesh, joint->getGroupName()))
+    if (!mesh || mesh->getNumVertices() == 0 || !updateFacets(*object, *mesh, joint->getGroupName()))
         return false;
     const RyShapePoints points = object->getDeformedPoints();
     if (!points.positions || points.positions->size() != size_t(mesh->getNumVertices()))
@@ -37,14 +36,14 @@ bool RyKeptWeights::update(const RyWeightSide &side, RyWeightColors &colors, boo
     return true;
 }
 
-bool RyKeptWeights::updateFacets(const RyFacetMesh &mesh, const QString &group)
+bool RyKeptWeights::updateFacets(const RyObject &object, const RyFacetMesh &mesh, const QString &group)
 {
     const RyFaceGroup *faces = group.isEmpty() ? nullptr : mesh.findFaceGroup(group);
     if (!faces && !group.isEmpty()) {
         m_missingGroup = group;
         return false;
     }
-    const FacetsKey key{&mesh, mesh.revision(), mesh.groupRevision(), group};
+    const FacetsKey key{&object, &mesh, mesh.revision(), mesh.groupRevision(), group};
     if (key != m_facetsKey) {
         m_facetsKey = key;
         listFacets(mesh, faces);

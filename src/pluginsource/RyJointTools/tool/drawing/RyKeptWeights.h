@@ -6,6 +6,7 @@
 #include "rycore/math/RyMatrix4.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/scene/RyObject.h"
 
 #include <QPointer>
 
@@ -52,6 +53,7 @@ public:
 private:
     struct FacetsKey
     {
+        QPointer<const RyObject> object; // whose posed points are taken
         QPointer<const RyFacetMesh> mesh;
         quint64 revision = 0;
         quint64 groupRevision = 0;
@@ -76,7 +78,7 @@ private:
         bool ownAlone = false;
         bool operator==(const ColorsKey &) const = default;
     };
-    bool updateFacets(const RyFacetMesh &mesh, const QString &group);
+    bool updateFacets(const RyObject &object, const RyFacetMesh &mesh, const QString &group);
     void listFacets(const RyFacetMesh &mesh, const RyFaceGroup *group);
     void updatePositions(const RyShapePoints &points);
     bool areTouched(const RyShapePoints &points) const;
