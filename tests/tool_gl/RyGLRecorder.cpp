@@ -403,12 +403,27 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count)
     forward(mode, first, count);
 }
 
+void glRectf(GLfloat x1, GLfloat y1, GLfloat x2, GLfloat y2)
+{
+    note("glRectf", x1, y1, x2, y2);
+    static const auto forward = next<void(GLfloat, GLfloat, GLfloat, GLfloat)>("glRectf");
+    forward(x1, y1, x2, y2);
+}
+
+void glDeleteTextures(GLsizei count, const GLuint *names)
+{
+    noteOther("glDeleteTextures");
+    static const auto forward = next<void(GLsizei, const GLuint *)>("glDeleteTextures");
+    forward(count, names);
+}
+
 void glDrawElements(GLenum mode, GLsizei count, GLenum type, const GLvoid *indices)
 {
     noteOther("glDrawElements");
     if (RyGLRecorder *const recording = recorder) {
         const Unrecorded unrecorded;
         recording->elements.push_back(readElements(mode, count, indices));
+        recording->elements.back().firstCall = int(recording->calls.size());
     }
     static const auto forward = next<void(GLenum, GLsizei, GLenum, const GLvoid *)>("glDrawElements");
     forward(mode, count, type, indices);

@@ -58,6 +58,7 @@ public:
         Primitive primitive;
         GLint polygonMode[2] = {};
         bool writesColors = true;
+        int firstCall = 0;       // how many calls came before
         bool hasBuffers = false; // positions, colours and indices come from the graphics memory
     };
 

@@ -47,7 +47,7 @@ private slots:
     void everyHandleOnce();
     void pickPassHoldsIdsAlone();
     void pointsWithoutParameter();
-    void bonesBeforeBoundaryAfter();
+    void orderOfAll();
     void lineWidth();
     void hobbleChangesNothing();
     void stateIsLeftAsItWas();
@@ -127,10 +127,12 @@ void RyParamDrawingTest::pointsWithoutParameter()
     QCOMPARE(stage.drawnIds(), points);
 }
 
-void RyParamDrawingTest::bonesBeforeBoundaryAfter()
+/// Bones, weights, handles, boundary.
+void RyParamDrawingTest::orderOfAll()
 {
     RyParamStage stage;
     stage.takeBend();
+    stage.tool->setWeightVis(true);
     stage.tool->setBoneDrawMode(RyJointEditorTool::EntireFigure);
     stage.tool->setDrawMeshBoundaries(true);
     stage.tool->setBoundaryColor(QColor(9, 9, 9));
@@ -140,7 +142,17 @@ void RyParamDrawingTest::bonesBeforeBoundaryAfter()
     const auto bodies = RyDrawingStage::bodies(*recording);
     QVERIFY(bodies.size() >= 2);
     const auto handles = recording->ofColor(RyParamStage::dynamicColor());
-    QVERIFY(bodies.back().firstCall < handles.front().firstCall);
+    // Weights go into a picture of their own, and then over what is there.
+    QVERIFY(!recording->elements.empty());
+    const auto isLaying = [](const RyGLRecorder::Call &call) { return call.name == "glRectf"; };
+    const auto laying = std::find_if(recording->calls.begin(), recording->calls.end(), isLaying);
+    QVERIFY(laying != recording->calls.end());
+    QCOMPARE(recording->count("glRectf"), 1);
+    const int layingCall = int(laying - recording->calls.begin());
+    QVERIFY(bodies.back().firstCall < recording->elements.front().firstCall);
+    QVERIFY(recording->elements.back().firstCall <= layingCall);
+    for (const auto &color : {RyParamStage::dynamicColor(), RyParamStage::staticColor()})
+        QVERIFY(layingCall < recording->ofColor(color).front().firstCall);
     QVERIFY(recording->ofColor(RyParamStage::staticColor()).back().firstCall < boundary[0].firstCall);
 }
 

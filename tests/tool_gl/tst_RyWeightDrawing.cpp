@@ -8,6 +8,8 @@
 
 #include <QStatusBar>
 
+#include <cmath>
+
 Q_DECLARE_METATYPE(std::function<void(RyWeightStage &)>)
 
 using Corners = std::vector<RyWeightStage::Corner>;
@@ -194,12 +196,29 @@ void RyWeightDrawingTest::pointSizes_data()
 {
     QTest::addColumn<float>("distance");
     QTest::addColumn<float>("size");
-    QTest::newRow("100") << 99.99f << 12.0f;
-    QTest::newRow("100.1") << 100.1f << 9.0f;
-    QTest::newRow("200") << 199.99f << 9.0f;
-    QTest::newRow("200.1") << 200.1f << 6.0f;
-    QTest::newRow("300") << 299.99f << 6.0f;
-    QTest::newRow("301") << 301.0f << 3.0f;
+    const auto above = [](float distance) { return std::nextafter(distance, 1e6f); };
+    QTest::newRow("near") << 30.0f << 12.0f;
+    QTest::newRow("100") << 100.0f << 12.0f;
+    QTest::newRow("just above 100") << above(100.0f) << 9.0f;
+    QTest::newRow("200") << 200.0f << 9.0f;
+    QTest::newRow("just above 200") << above(200.0f) << 6.0f;
+    QTest::newRow("300") << 300.0f << 6.0f;
+    QTest::newRow("just above 300") << above(300.0f) << 3.0f;
+    QTest::newRow("far") << 700.0f << 3.0f;
+}
+
+/// So far from a place to the last digit, as far as floats allow.
+static bool placeCamera(RyCamera &camera, const RyVec3 &place, float distance)
+{
+    const float step = std::nextafter(distance, 1e6f) - distance;
+    for (int sign : {1, -1}) {
+        for (int tries = -20; tries <= 20; ++tries) {
+            camera.lookAt(place + RyVec3(0, 0, float(sign) * (distance + float(tries) * step)), place);
+            if ((place - camera.getWSPos()).length() == distance)
+                return true;
+        }
+    }
+    return false;
 }
 
 void RyWeightDrawingTest::pointSizes()
@@ -211,7 +230,7 @@ void RyWeightDrawingTest::pointSizes()
     stage.use(stage.doll.lHand, "twistx");
     const RyVec3 first = stage.doll.figure->worldMap().toMatrix4().multVecMatrix(
         stage.doll.figure->getObject()->getDeformedPositions().front());
-    stage.viewport->getCamera()->lookAt(first + RyVec3(0, 0, distance), first);
+    QVERIFY(placeCamera(*stage.viewport->getCamera(), first, distance));
     const auto recording = stage.draw();
     int drawn = 0;
     for (const auto &elements : recording->elements) {

@@ -24,7 +24,8 @@ public:
     CountedStage() { draw(); }
 
     std::unique_ptr<RyGLRecorder> draw() { return draw(m_drawing); }
-    std::unique_ptr<RyGLRecorder> draw(RyToolDrawing &drawing)
+    std::unique_ptr<RyGLRecorder> draw(RyToolDrawing &drawing) { return draw(drawing, tool->display()); }
+    std::unique_ptr<RyGLRecorder> draw(RyToolDrawing &drawing, const RyJointToolDisplay &display)
     {
         RyWeightStage::draw(); // prepares the context
         RyJointState joint;
@@ -37,7 +38,7 @@ public:
         joint.partner = guarded(tool->partnerParam());
         joint.bendPartner = guarded(tool->bendPartnerParam());
         auto recording = std::make_unique<RyGLRecorder>();
-        drawing.draw(viewport.get(), false, joint, tool->display(), 0);
+        drawing.draw(viewport.get(), false, joint, display, 0);
         recording->stop();
         return recording;
     }
@@ -94,7 +95,10 @@ class RyKeptWeightsTest : public QObject
 private slots:
     void initTestCase();
     void nothingChanges();
+    void unknownModeDrawsNothing();
     void cameraPaintsAlone();
+    void lineWidthMattersToLines();
+    void hiddenGiveTheirPictureBack();
     void colorsAlone_data();
     void colorsAlone();
     void posesMovePositionsAlone();
@@ -122,6 +126,22 @@ void RyKeptWeightsTest::nothingChanges()
     QCOMPARE(recording->others["glBindFramebuffer"], 0);
 }
 
+/// Settings may hold any number.
+void RyKeptWeightsTest::unknownModeDrawsNothing()
+{
+    CountedStage stage;
+    RyToolDrawing drawing;
+    RyJointToolDisplay display = stage.tool->display();
+    for (const int mode : {-1, 3}) {
+        display.weightMapMode = mode;
+        const auto recording = stage.draw(drawing, display);
+        QVERIFY(recording->elements.empty());
+        QCOMPARE(recording->count("glRectf"), 0);
+    }
+    display.weightMapMode = 0;
+    QCOMPARE(stage.draw(drawing, display)->count("glRectf"), 1);
+}
+
 void RyKeptWeightsTest::cameraPaintsAlone()
 {
     CountedStage stage;
@@ -131,6 +151,30 @@ void RyKeptWeightsTest::cameraPaintsAlone()
         const Counts made = stage.madeByDrawing();
         QVERIFY(made == (Counts{{}, {}, 0, 1}));
     }
+}
+
+void RyKeptWeightsTest::lineWidthMattersToLines()
+{
+    CountedStage stage;
+    for (const int mode : {0, 1, 2}) {
+        stage.tool->setWeightMapMode(mode);
+        glLineWidth(1.0f);
+        stage.draw();
+        glLineWidth(4.0f);
+        QCOMPARE(stage.madeByDrawing().paints, mode == 1 ? 1 : 0);
+    }
+    glLineWidth(1.0f);
+}
+
+void RyKeptWeightsTest::hiddenGiveTheirPictureBack()
+{
+    CountedStage stage;
+    QCOMPARE(stage.draw()->others["glDeleteTextures"], 0);
+    stage.tool->setWeightVis(false);
+    QCOMPARE(stage.draw()->others["glDeleteTextures"], 1);
+    QCOMPARE(stage.draw()->others["glDeleteTextures"], 0);
+    stage.tool->setWeightVis(true);
+    QCOMPARE(stage.madeByDrawing(), (Counts{{}, {}, 0, 1})); // what it is made of was kept
 }
 
 void RyKeptWeightsTest::colorsAlone_data()

@@ -15,7 +15,11 @@
 
 #include <utility>
 
+namespace {
+
 enum Mode { Points = 0, Lines = 1, Solid = 2 };
+
+} // namespace
 
 static float pointSize(float distance)
 {
@@ -34,12 +38,20 @@ void RyWeightDrawing::draw(const RyDrawContext &context, const RyJointState &joi
         return;
     if (!context.display.weightVis || mode < Points || mode > Solid || !joint.param.get()) {
         m_told = {};
-        return;
+        releasePicture();
+    } else if (update(context, joint)) {
+        OfContext &here = m_contexts[RyGLContext::currentNumber()];
+        here.picture.show(m_content, [&] { drawSides(here); });
+    } else {
+        releasePicture();
     }
-    if (!update(context, joint))
-        return;
-    OfContext &here = m_contexts[RyGLContext::currentNumber()];
-    here.picture.show(m_content, [&] { drawSides(here); });
+}
+
+void RyWeightDrawing::releasePicture()
+{
+    const auto here = m_contexts.find(RyGLContext::currentNumber());
+    if (here != m_contexts.end())
+        here->second.picture.release();
 }
 
 bool RyWeightDrawing::update(const RyDrawContext &context, const RyJointState &joint)
@@ -48,7 +60,8 @@ bool RyWeightDrawing::update(const RyDrawContext &context, const RyJointState &j
     m_colors.set(display.staticColor, display.dynamicColor, display.weightOpacity);
     Stamp stamp;
     stamp.mode = display.weightMapMode;
-    glGetFloatv(GL_LINE_WIDTH, &stamp.lineWidth);
+    if (stamp.mode == Lines)
+        glGetFloatv(GL_LINE_WIDTH, &stamp.lineWidth);
     const std::array<RyWeightSide, 2> sides = RyWeightSide::of(joint);
     for (size_t i = 0; i < sides.size(); ++i) {
         RyKeptWeights &kept = m_kept[i];

@@ -51,6 +51,8 @@ private:
         std::array<SideStamp, 2> sides;
         bool operator==(const Stamp &) const = default;
     };
+    /// Of the current context, so that nothing the size of the view is kept for what is not shown.
+    void releasePicture();
     bool update(const RyDrawContext &context, const RyJointState &joint);
     void tellMissingGroups(const std::array<RyWeightSide, 2> &sides);
     void drawSides(OfContext &here) const;

@@ -12,6 +12,13 @@ RyWeightPicture::~RyWeightPicture()
     }
 }
 
+void RyWeightPicture::release()
+{
+    m_stamp = {};
+    m_canvas.reset();
+    m_picture.reset();
+}
+
 RyWeightPicture::Stamp RyWeightPicture::stampOfContext(quint64 content)
 {
     Stamp stamp;

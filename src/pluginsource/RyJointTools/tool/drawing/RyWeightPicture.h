@@ -20,6 +20,8 @@ public:
     /// than last time: `content` tells apart what it draws. It finds a depth of its own, and colours replace each
     /// other, whatever their alpha.
     void show(quint64 content, const std::function<void()> &draw);
+    /// Gives the picture back; in its context.
+    void release();
     int paints() const { return m_paints; }
 
 private:
