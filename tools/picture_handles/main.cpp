@@ -34,12 +34,14 @@ public:
         m_viewport.resize(width, height);
         RyRenderOptions options = m_viewport.renderOptions();
         options.seeThrough = true;
+        options.showGrid = false; // its lines would run through the handles
         m_viewport.setRenderOptions(options);
         m_manager.addTool(m_tool);
         m_manager.setActiveTool(m_tool);
         m_tool->setBoneDrawMode(RyJointEditorTool::SelectedBoneAndFamily);
         m_tool->setDrawMeshBoundaries(false);
         m_tool->setHandleDrawing(1);
+        m_tool->setWeightVis(false);
     }
     bool open()
     {
@@ -60,6 +62,16 @@ public:
             return false;
         lookAtElbow(310.0f);
         return save("elbow-rays");
+    }
+    bool drawWeights()
+    {
+        if (!take<RyLegacyBendParam>(2))
+            return false;
+        m_tool->setWeightVis(true);
+        lookAtElbow(110.0f);
+        const bool isSaved = save("elbow-weights");
+        m_tool->setWeightVis(false);
+        return isSaved;
     }
     bool drawSpheres()
     {
@@ -145,7 +157,8 @@ private:
 bool drawAll(const QString &folder)
 {
     Elbow elbow{QDir(folder)};
-    return elbow.open() && elbow.drawRays() && elbow.drawSpheres() && elbow.drawTwist() && elbow.drawSmoothZones();
+    return elbow.open() && elbow.drawRays() && elbow.drawWeights() && elbow.drawSpheres() && elbow.drawTwist() &&
+           elbow.drawSmoothZones();
 }
 
 } // namespace
