@@ -5,11 +5,6 @@
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 
-static bool isAxis(int axis)
-{
-    return axis >= 0 && axis <= 2;
-}
-
 static RyFloatProperty *centerControl(const RyLegacyJointSphere &sphere, int axis)
 {
     return sphere.controls()[size_t(axis)];

@@ -17,6 +17,11 @@ class RyNode;
 // parameters and axes other than 0 to 2 do nothing. A value along an axis counts from the origin of figure space, as
 // parameter space does, so that it moves by as much as its bone does.
 
+inline bool isAxis(int axis)
+{
+    return axis >= 0 && axis <= 2;
+}
+
 /// The parameters that tell of the joint at a node: those of the node's joint, and the copies of what it drives on its
 /// parent's joint. What a child drives tells of the joint at the child.
 std::vector<RyLegacyJointParam *> paramsAround(const RyNode *node);

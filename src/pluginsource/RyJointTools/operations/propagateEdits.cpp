@@ -5,11 +5,6 @@
 
 #include "rycore/scene/RyBone.h"
 
-static bool isAxis(int axis)
-{
-    return axis >= 0 && axis <= 2;
-}
-
 // A control value turns right-handed; the rotation that does it has the negative angle.
 static RyQuat rightHandedTurn(int axis, float angle)
 {

@@ -9,7 +9,7 @@
 /// The control that moves a sphere along an axis.
 static RyFloatProperty &control(const RyLegacyJointSphere &sphere, int axis)
 {
-    return *(axis == 0 ? sphere.getXTransControl() : axis == 1 ? sphere.getYTransControl() : sphere.getZTransControl());
+    return *sphere.controls()[size_t(axis)];
 }
 
 RySphereMoveDrag::RySphereMoveDrag(const RyDragContext &context, Sphere sphere, int axis)
