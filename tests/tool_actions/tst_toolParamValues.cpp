@@ -156,10 +156,10 @@ void RyToolParamValuesTest::typedAnglePushes()
 {
     Fixture f;
     const QString before = RyParametricToolScene::wholeDump();
-    // As a field does: the parameter's property, then the partner's.
+    // As a field does: the partner's property, then the parameter's.
     Fixture::step([&] {
-        f.bend->getDynamicAngleBController()->adjustValue(-77.7f);
         f.copy->getDynamicAngleBController()->adjustValue(-77.7f);
+        f.bend->getDynamicAngleBController()->adjustValue(-77.7f);
     });
     QCOMPARE(f.bend->angleValues(), (Values{112.3f, -77.7f, -77.7f, -97.1f}));
     QCOMPARE(f.copy->angleValues(), f.bend->angleValues());
@@ -290,7 +290,8 @@ void RyToolParamValuesTest::restrictedAxes()
     Param *other = f.doll.joint(f.doll.lArm)->findParam(partner);
     const auto sphereOf = [dynamic](const Param *p) { return dynamic ? p->getDynamicSphere() : p->getStaticSphere(); };
     const auto type = [&](RyFloatProperty *(RyLegacyJointSphere::*control)() const, float degrees) {
-        for (const Param *each : {param, other})
+        // As a field does, the partner first.
+        for (const Param *each : {other, param})
             (sphereOf(each)->*control)()->adjustValue(degrees);
     };
     const auto turnsOf = [&](const Param *p) {
