@@ -3,6 +3,7 @@
 #include "tool/RyParamDragScene.h"
 #include "viewport/ViewportTestScene.h"
 
+#include <QGuiApplication>
 #include <QTest>
 
 #include <cmath>
@@ -48,6 +49,8 @@ struct RyMouseStage : RyParamDragScene
         view.resize(800, 600);
         view.show();
     }
+    /// No display was asked for, and there may be no window.
+    static bool isOffscreen() { return QGuiApplication::platformName() == QLatin1String("offscreen"); }
     bool isShown() { return QTest::qWaitForWindowExposed(&view); }
 
     /// Turns the view until the handle can be caught, where a whole pixel is; none when it never can.

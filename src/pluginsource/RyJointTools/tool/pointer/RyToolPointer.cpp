@@ -204,7 +204,7 @@ void RyToolPointer::startDrag(int id, const QPoint &point)
 {
     m_drag = makeDrag(RyHandleTable::find(id), dragContext());
     m_drag->press(pressViewportRay(point));
-    if (m_drag->pointsAtEye())
+    if (m_drag->pointsAtEye() || isRestricted(RyHandleTable::find(id)))
         emit m_in.tool.statusTextChanged();
 }
 
@@ -260,9 +260,16 @@ void RyToolPointer::endPress()
     setHoveredId(HandleId::None);
 }
 
-/// Why a handle does not move.
-QString RyToolPointer::atEyeText(const RyHandle *handle)
+bool RyToolPointer::isRestricted(const RyHandle *handle) const
 {
+    return handle && handle->kind == RyHandle::Ring && m_in.display.restrictRotationAxes;
+}
+
+/// Why a handle does not move.
+QString RyToolPointer::stillText(const RyHandle *handle) const
+{
+    if (isRestricted(handle))
+        return tr("This handle turns nothing while rotation axes are restricted; type the angle instead");
     const bool isInPlane = handle && (handle->kind == RyHandle::Ring || handle->kind == RyHandle::AngleRay);
     return isInPlane ? tr("This handle turns in a plane seen from its edge and moves nothing; turn the view")
                      : tr("This axis points at the eye and moves nothing; turn the view");
@@ -273,7 +280,8 @@ QString RyToolPointer::statusText() const
     const RyNode *node = m_in.joint.node;
     const RyHandle *handle = node ? RyHandleTable::find(m_hoveredId) : nullptr;
     const QString handleText = handle ? RyHandleTable::statusText(*handle, node->getLabel()) : QString();
-    const QString pressedText = m_drag && m_drag->pointsAtEye() ? atEyeText(handle) : handleText;
+    const QString pressedText =
+        m_drag && (isRestricted(handle) || m_drag->pointsAtEye()) ? stillText(handle) : handleText;
     if (m_dragging && node)
         return handle ? tr("%1; right click or Esc cancels").arg(pressedText) : QString();
     QStringList hints;

@@ -81,7 +81,8 @@ private:
     bool createsBones() const;
     void setHoveredId(int id);
     void hideToolTip();
-    static QString atEyeText(const RyHandle *handle);
+    bool isRestricted(const RyHandle *handle) const;
+    QString stillText(const RyHandle *handle) const;
     RyDragContext dragContext() const;
     RyLine3 pressViewportRay(const QPoint &point) const;
 
