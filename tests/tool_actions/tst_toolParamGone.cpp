@@ -209,6 +209,7 @@ void RyToolParamGoneTest::partnerGoesAndComesBack()
         QCoreApplication::processEvents();
         QVERIFY(!told.isEmpty());
         ryUndoStack()->redo();
+        QCoreApplication::processEvents();
         QVERIFY(f.tool->partnerParam() != f.partner);
         QVERIFY(isSound());
     }

@@ -7,6 +7,7 @@
 #include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
@@ -199,10 +200,15 @@ void RyLegacyJointParam::propertyChanged(RyFloatProperty *)
 void RyLegacyJointParam::valuesChanged()
 {
     ++m_revision;
-    if (editLevel() > 0)
-        m_touched = true;
-    else
+    if (editLevel() == 0) {
         emit paramChanged();
+        return;
+    }
+    m_touched = true;
+    // Announced at the end, but drawn meanwhile: a drag is one edit.
+    const RyLegacyBinding *binding = m_joint ? m_joint->getBinding() : nullptr;
+    if (RyObject *object = binding ? binding->getObject() : nullptr)
+        emit object->contentChanged();
 }
 
 void RyLegacyJointParam::editBegun()
