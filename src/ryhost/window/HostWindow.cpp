@@ -173,8 +173,8 @@ void HostWindow::updateStatus()
     if (text.isEmpty() && tool) {
         const RyNode *node = getScene()->getPrimarySelection();
         text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
-                     : tr("%1: drag a handle to move its center or end point; Alt+drag or middle drag turns the view, "
-                          "the wheel zooms, F frames it.")
+                     : tr("%1: drag a handle to change its joint; Alt+drag or middle drag turns the view, the wheel "
+                          "zooms, F frames it.")
                            .arg(qobject_cast<const RyLegacyFigure *>(node)
                                     ? tr("%1, a parametric figure").arg(node->getLabel())
                                     : node->getLabel());
