@@ -11,6 +11,16 @@ std::vector<RyVec3> RyMeshPart::readNormals() const
     return normalSource ? normalSource->normals() : normals;
 }
 
+std::vector<RyMeshParts::Run> RyMeshParts::runs() const
+{
+    if (!order.empty())
+        return order;
+    std::vector<Run> result;
+    for (size_t place = 0; place < parts.size(); ++place)
+        result.push_back({int(place), parts[place].facetCount});
+    return result;
+}
+
 std::vector<int> RyMeshParts::facetsByPart() const
 {
     std::vector<int> next; // where the next facet of a part goes
@@ -44,14 +54,14 @@ bool RyMeshParts::fits(const RyFacetMesh &mesh) const
     }
     if (parts.empty() || facetCount != size_t(mesh.getNumFacets()))
         return false;
-    const std::vector<int> facets = facetsByPart();
-    size_t place = 0;
-    for (const RyMeshPart &part : parts) {
-        size_t corners = 0;
-        for (int i = 0; i < part.facetCount; ++i)
-            corners += 3 * size_t(mesh.getFacet(facets[place++]).count() - 2);
-        if (corners != part.triangles.size())
+    std::vector<size_t> corners(parts.size(), 0);
+    int facet = 0;
+    for (const Run &run : runs()) {
+        if (run.facetCount > mesh.getNumFacets() - facet)
             return false;
+        for (const int end = facet + run.facetCount; facet < end; ++facet)
+            corners[size_t(run.part)] += 3 * size_t(mesh.getFacet(facet).count() - 2);
     }
-    return true;
+    return std::equal(parts.begin(), parts.end(), corners.begin(),
+                      [](const RyMeshPart &part, size_t count) { return part.triangles.size() == count; });
 }

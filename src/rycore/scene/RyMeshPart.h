@@ -61,6 +61,8 @@ struct RyMeshParts
     std::vector<RyVec3> shapedFrom; // the mesh's positions that the normals belong to; empty where only sources know
     int normalCount = 0;            // normalOfSplit counts through all parts
 
+    /// All facets of the mesh, whose they are.
+    std::vector<Run> runs() const;
     /// Facets of the mesh in the order of the parts.
     std::vector<int> facetsByPart() const;
     /// Whether these are the parts of such a mesh: its facets, and vertices that it has.

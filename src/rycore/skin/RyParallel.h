@@ -10,4 +10,8 @@ namespace RyParallel {
 /// keywords.
 void forRanges(std::size_t count, std::size_t grain, const std::function<void(std::size_t, std::size_t)> &work);
 
+/// Calls both, at the same time where there is a thread for it, and waits for both. The other one runs on the calling
+/// thread.
+void both(const std::function<void()> &one, const std::function<void()> &other);
+
 } // namespace RyParallel

@@ -15,6 +15,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 RyGltfMeshBuilder::RyGltfMeshBuilder(std::shared_ptr<const RyGltfDocument> document) : m_document(std::move(document))
 {}
@@ -35,25 +36,30 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
         m_classParts.push_back(
             std::make_unique<RyGltfSplitVertices>(*m_document, meshIndex, primitiveIndex, bonesOfJoints));
         const RyGltfSplitVertices &splits = *m_classParts.back();
-        if (primitive.texcoords >= 0) {
-            result.uvs = m_document->readFloats(primitive.texcoords);
-            result.uvs.resize(splits.count() * 2, 0.0f);
-            result.withoutUv = findWithoutUv(meshIndex, primitiveIndex, splits.count());
+        growTable(splits.count());
+        result.vertexOfSplit.resize(splits.count());
+        // What large arrays need is taken by one thread: another one would not reuse what this one has freed.
+        std::vector<std::uint32_t> triangles;
+        RyParallel::both([&] { weld(splits, result); },
+                         [&] {
+                             readTexcoords(meshIndex, primitiveIndex, splits.count(), result);
+                             triangles = ryGltfReadTriangles(*m_document, primitive, splits.count());
+                         });
+        result.hasFans = primitive.hasFans;
+        const std::vector<int> firstCorners = RyTreeExtras::findFirstCorners(*m_document, meshIndex, primitiveIndex);
+        if (facets.empty()) {
+            facets.reserve(triangles.size() / 3);
+            RyLargePages::prefer(facets.data(), facets.capacity() * sizeof(RyFacet));
         }
-        weld(splits, result);
-        const RyMeshPart *same = findSharer(primitive, result);
-        if (same)
-            result.normalOfSplit = same->normalOfSplit;
-        else
-            shareNormals(splits, firstVertex, result);
-        addVertices(splits, firstVertex, toFigure);
+        RyParallel::both([&] { addFacets(std::move(triangles), firstCorners, result); },
+                         [&] {
+                             findNormals(splits, primitive, firstVertex, result);
+                             addVertices(splits, firstVertex, toFigure);
+                         });
         if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(*m_document, meshIndex, primitiveIndex)) {
             result.normalSource =
                 std::make_shared<RyGltfNormalSource>(m_document, primitive.positions, primitive.normals, toFigure);
         }
-        result.hasFans = primitive.hasFans;
-        addFacets(ryGltfReadTriangles(*m_document, primitive, splits.count()),
-                  RyTreeExtras::findFirstCorners(*m_document, meshIndex, primitiveIndex), result);
     }
     result.facetCount = int(facets.size() - firstFacet);
     parts.parts.push_back(std::move(result));
@@ -106,9 +112,7 @@ void RyGltfMeshBuilder::growTable(size_t added)
 void RyGltfMeshBuilder::weld(const RyGltfSplitVertices &splits, RyMeshPart &result)
 {
     const int thisPart = int(m_classParts.size()) - 1;
-    growTable(splits.count());
     const size_t mask = m_table.size() - 1;
-    result.vertexOfSplit.resize(splits.count());
     // Most of the time would go into waiting for starts: those of a few vertices are fetched at once.
     constexpr size_t Batch = 32;
     std::uint64_t hashes[Batch];
@@ -138,6 +142,26 @@ void RyGltfMeshBuilder::weld(const RyGltfSplitVertices &splits, RyMeshPart &resu
             result.vertexOfSplit[first + i] = m_firstOfClass + int(m_table[slot] & mask) - 1;
         }
     }
+}
+
+void RyGltfMeshBuilder::readTexcoords(int meshIndex, int primitiveIndex, size_t count, RyMeshPart &result) const
+{
+    const RyGltfPrimitive &primitive = m_document->model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
+    if (primitive.texcoords < 0)
+        return;
+    result.uvs = m_document->readFloats(primitive.texcoords);
+    result.uvs.resize(count * 2, 0.0f);
+    result.withoutUv = findWithoutUv(meshIndex, primitiveIndex, count);
+}
+
+/// Which split vertices share a normal.
+void RyGltfMeshBuilder::findNormals(const RyGltfSplitVertices &splits, const RyGltfPrimitive &primitive,
+                                    int firstVertex, RyMeshPart &result)
+{
+    if (const RyMeshPart *same = findSharer(primitive, result))
+        result.normalOfSplit = same->normalOfSplit;
+    else
+        shareNormals(splits, firstVertex, result);
 }
 
 /// A part that has its normals in the same place: one that moves is smoothed with the triangles of both.
@@ -233,10 +257,6 @@ void RyGltfMeshBuilder::addFacets(std::vector<std::uint32_t> triangles, const st
                                   RyMeshPart &result)
 {
     const size_t count = triangles.size() / 3;
-    if (facets.empty()) {
-        facets.reserve(count);
-        RyLargePages::prefer(facets.data(), count * sizeof(RyFacet));
-    }
     size_t next = 0; // of the first corners
     for (size_t t = 0; t < count;) {
         const size_t run = result.hasFans ? RyPolygonFans::runAt(triangles, t) : 1;
@@ -278,29 +298,52 @@ std::vector<int> RyGltfMeshBuilder::findWithoutUv(int mesh, int primitive, size_
 
 std::vector<RyGltfMeshBuilder::BoneWeights> RyGltfMeshBuilder::boneWeights(int boneCount) const
 {
-    std::vector<int> counts(size_t(boneCount), 0);
+    // Pieces are counted and filled side by side, each behind what the ones before it bring.
+    struct Piece
+    {
+        const InfluenceRun *run;
+        int first, end;          // of the run's vertices
+        std::vector<int> places; // per bone: how many at first, then where the next one goes
+    };
+    constexpr int PieceSize = 65536;
+    std::vector<Piece> pieces;
     for (const InfluenceRun &run : m_runs) {
-        for (size_t i = 0; i < run.weights.size(); ++i)
-            counts[run.bones[i]] += run.weights[i] != 0;
+        for (int first = 0; first < run.vertexCount; first += PieceSize)
+            pieces.push_back({&run, first, std::min(first + PieceSize, run.vertexCount), {}});
     }
-    std::vector<BoneWeights> result(static_cast<size_t>(boneCount));
-    for (size_t bone = 0; bone < result.size(); ++bone) {
-        result[bone].vertices.resize(size_t(counts[bone]));
-        result[bone].weights.resize(size_t(counts[bone]));
-        counts[bone] = 0;
-    }
-    for (const InfluenceRun &run : m_runs) {
-        for (int v = 0; v < run.vertexCount; ++v) {
-            for (int slot = 0; slot < run.width; ++slot) {
-                const size_t i = size_t(v) * size_t(run.width) + size_t(slot);
-                if (run.weights[i] == 0)
-                    continue;
-                BoneWeights &weights = result[run.bones[i]];
-                const size_t at = size_t(counts[run.bones[i]]++);
-                weights.vertices[at] = run.firstVertex + v;
-                weights.weights[at] = run.weights[i];
+    const auto forInfluences = [](const Piece &piece, const auto &use) {
+        const InfluenceRun &run = *piece.run;
+        for (int v = piece.first; v < piece.end; ++v) {
+            const size_t begin = size_t(v) * size_t(run.width);
+            for (size_t i = begin; i < begin + size_t(run.width); ++i) {
+                if (run.weights[i] != 0)
+                    use(size_t(run.bones[i]), run.firstVertex + v, run.weights[i]);
             }
         }
+    };
+    const auto forPieces = [&pieces](const auto &work) {
+        RyParallel::forRanges(pieces.size(), 1, [&](size_t begin, size_t end) {
+            std::for_each(pieces.begin() + long(begin), pieces.begin() + long(end), work);
+        });
+    };
+    forPieces([&](Piece &piece) {
+        piece.places.assign(size_t(boneCount), 0);
+        forInfluences(piece, [&piece](size_t bone, int, quint16) { ++piece.places[bone]; });
+    });
+    std::vector<BoneWeights> result(static_cast<size_t>(boneCount));
+    for (size_t bone = 0; bone < result.size(); ++bone) {
+        int count = 0;
+        for (Piece &piece : pieces)
+            count += std::exchange(piece.places[bone], count);
+        result[bone].vertices.resize(size_t(count));
+        result[bone].weights.resize(size_t(count));
     }
+    forPieces([&](Piece &piece) {
+        forInfluences(piece, [&](size_t bone, int vertex, quint16 weight) {
+            const size_t at = size_t(piece.places[bone]++);
+            result[bone].vertices[at] = vertex;
+            result[bone].weights[at] = weight;
+        });
+    });
     return result;
 }

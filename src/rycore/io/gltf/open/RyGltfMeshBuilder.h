@@ -55,6 +55,9 @@ private:
     void beginClass(int weldClass);
     void growTable(size_t added);
     void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
+    void readTexcoords(int mesh, int primitive, size_t count, RyMeshPart &result) const;
+    void findNormals(const RyGltfSplitVertices &splits, const RyGltfPrimitive &primitive, int firstVertex,
+                     RyMeshPart &result);
     const RyMeshPart *findSharer(const RyGltfPrimitive &primitive, const RyMeshPart &part);
     void shareNormals(const RyGltfSplitVertices &splits, int firstVertex, RyMeshPart &result);
     void addVertices(const RyGltfSplitVertices &splits, int firstVertex, const RyAffine &toFigure);

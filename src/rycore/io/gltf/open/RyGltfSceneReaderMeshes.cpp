@@ -291,18 +291,18 @@ void RyGltfSceneReader::noteFits()
 
 void RyGltfSceneReader::addPartGroups(RyFacetMesh &mesh, const RyMeshParts &parts)
 {
-    std::vector<int> groupOfFacet(size_t(mesh.getNumFacets()), -1);
     std::map<QString, int> groups;
-    const std::vector<int> facets = parts.facetsByPart();
-    auto next = facets.begin();
+    std::vector<int> groupOfPart;
     for (const RyMeshPart &part : parts.parts) {
-        if (part.facetCount == 0)
-            continue;
-        const auto [group, isNew] = groups.try_emplace(part.name, int(groups.size()));
+        const auto [group, isNew] =
+            part.facetCount == 0 ? std::pair(groups.end(), false) : groups.try_emplace(part.name, int(groups.size()));
         if (isNew)
             mesh.createFaceGroup(part.name);
-        for (int i = 0; i < part.facetCount; ++i)
-            groupOfFacet[size_t(*next++)] = group->second;
+        groupOfPart.push_back(group == groups.end() ? -1 : group->second);
     }
+    std::vector<int> groupOfFacet;
+    groupOfFacet.reserve(size_t(mesh.getNumFacets()));
+    for (const RyMeshParts::Run &run : parts.runs())
+        groupOfFacet.insert(groupOfFacet.end(), size_t(run.facetCount), groupOfPart[size_t(run.part)]);
     mesh.setGroupsOfFacets(groupOfFacet);
 }
