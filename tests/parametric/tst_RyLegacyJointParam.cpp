@@ -230,6 +230,9 @@ private slots:
         RyLegacySmoothScale *upper = f.scaleOf(f.arm, "elbow_smoox");
         QCOMPARE(lower->findPartner(), upper);
         QCOMPARE(upper->findPartner(), lower);
+        // One that its own bone drives is not its own partner.
+        upper->setDriver(f.arm);
+        QVERIFY(!upper->findPartner());
         // The first bone has no joint above it.
         QVERIFY(!f.bendOf(f.arm, "jointy")->findPartner());
         RyLegacyBendParam *own = f.bendOf(f.elbow, "jointy");

@@ -52,10 +52,7 @@ struct RyParamDragScene : RyToolScene
         const RyBone *driver = type == Type::SmoothScale ? doll.lArm : doll.lHand;
         return doll.joint(doll.lHand)->findParam(type, driver, -1);
     }
-    RyLegacyJointParam *counterpart() const
-    {
-        return tool->currentParam()->type() == Type::SmoothScale ? tool->bendPartnerParam() : tool->partnerParam();
-    }
+    RyLegacyJointParam *counterpart() const { return tool->editedPartnerParam(); }
     /// As a press of the mouse makes it, without a camera.
     RyDragContext context() const
     {

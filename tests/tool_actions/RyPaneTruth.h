@@ -142,11 +142,18 @@ private:
     /// Null where there is none of the same kind.
     const Param *partner() const
     {
-        if (!m_param)
+        const RyBone *driver = m_param ? m_param->getDriver() : nullptr;
+        if (!driver)
             return nullptr;
         const bool isSmooth = m_param->type() == Param::SmoothScale;
-        const Param *other = isSmooth ? m_scene.tool->bendPartnerParam() : m_scene.tool->partnerParam();
-        return other && other->type() == m_param->type() ? other : nullptr;
+        const bool isDrivers = isSmooth || driver != m_node;
+        const RyLegacyJoint *joint = RyLegacyJoint::findJoint(isDrivers ? driver : driver->getNodeParent());
+        for (const Param *other : joint && joint->getBone() != m_node ? joint->params() : std::vector<Param *>()) {
+            if (other->type() == m_param->type() && other->getDriver() == (isSmooth ? m_node : driver) &&
+                (isSmooth || other->getAxis() == m_param->getAxis()))
+                return other;
+        }
+        return nullptr;
     }
     /// A zone is told from its other end there.
     const RyFloatProperty *partnersController(size_t own) const

@@ -41,9 +41,7 @@ public:
         RyLegacyJointParam *current = scene.tool->currentParam();
         if (!current)
             return {};
-        RyLegacyJointParam *partner = current->type() == RyLegacyJointParam::SmoothScale
-                                          ? scene.tool->bendPartnerParam()
-                                          : scene.tool->partnerParam();
+        RyLegacyJointParam *partner = scene.tool->editedPartnerParam();
         return partner ? std::vector<RyLegacyJointParam *>{current, partner}
                        : std::vector<RyLegacyJointParam *>{current};
     }

@@ -31,12 +31,7 @@ public:
         RyJointState joint;
         joint.node = tool->currentNode();
         joint.parent = tool->currentNodeParent();
-        const auto guarded = [](RyLegacyJointParam *param) {
-            return RyGuardedPointer<RyLegacyJointParam>(param, param);
-        };
-        joint.param = guarded(tool->currentParam());
-        joint.partner = guarded(tool->partnerParam());
-        joint.bendPartner = guarded(tool->bendPartnerParam());
+        joint.param = {tool->currentParam(), tool->currentParam()};
         auto recording = std::make_unique<RyGLRecorder>();
         drawing.draw(viewport.get(), false, joint, display, 0);
         recording->stop();

@@ -190,11 +190,10 @@ void RyWeightPixelsTest::linesCoverThePartners()
     stage.tool->setWeightMapMode(1);
     stage.viewport->getCamera()->lookAt(stage.doll.lHand->getWSPos() + RyVec3(10, 10, 60),
                                         stage.doll.lHand->getWSPos());
-    const auto pictureWith = [&](RyLegacyJointParam *partner) {
+    const auto picture = [&] {
         RyJointState joint;
         joint.node = stage.tool->currentNode();
         joint.param = {stage.tool->currentParam(), stage.tool->currentParam()};
-        joint.partner = {partner, partner};
         stage.draw(); // binds the picture and loads the matrices
         glClearColor(float(Ground.redF()), float(Ground.greenF()), float(Ground.blueF()), 1);
         glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -205,14 +204,21 @@ void RyWeightPixelsTest::linesCoverThePartners()
         return image;
     };
     stage.use(stage.doll.lHand, "jointy");
-    RyLegacyJointParam *partner = stage.tool->partnerParam();
+    const RyRef<RyLegacyJointParam> own(stage.tool->currentParam());
+    const RyRef<RyLegacyJointParam> partner(stage.tool->editedPartnerParam());
     QVERIFY(partner);
-    const QImage alone = pictureWith(nullptr);
-    QCOMPARE(pictureWith(partner), alone);
+    const QImage both = picture();
+    RyLegacyJoint *above = partner->getJoint();
+    above->removeJointParam(partner.get());
+    QVERIFY(!stage.tool->editedPartnerParam());
+    QCOMPARE(picture(), both);
     // The partner by itself looks otherwise.
+    above->addJointParam(partner.get());
+    own->getJoint()->removeJointParam(own.get());
     stage.use(stage.doll.lArm, "lHand_jointy");
-    QCOMPARE(stage.tool->currentParam(), partner);
-    QVERIFY(pictureWith(nullptr) != alone);
+    QCOMPARE(stage.tool->currentParam(), partner.get());
+    QVERIFY(!stage.tool->editedPartnerParam());
+    QVERIFY(picture() != both);
 }
 
 /// With samples the edge has colours between that of the surface and the ground, and none that is darker than both.

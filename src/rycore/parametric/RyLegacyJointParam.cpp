@@ -145,7 +145,7 @@ RyLegacyJointParam *RyLegacyJointParam::findPartner() const
     if (type() == SmoothScale) {
         // The two bones of the joint: each has the parameter that the other one drives.
         const RyLegacyJoint *other = RyLegacyJoint::findJoint(m_driver);
-        return other ? other->findParam(SmoothScale, bone, -1) : nullptr;
+        return other && other != m_joint ? other->findParam(SmoothScale, bone, -1) : nullptr;
     }
     const RyLegacyJoint *other = RyLegacyJoint::findJoint(bone == m_driver ? parent : m_driver.data());
     return other && other != m_joint ? other->findParam(type(), m_driver, m_state.axis) : nullptr;

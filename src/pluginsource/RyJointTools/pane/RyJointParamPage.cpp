@@ -19,11 +19,7 @@ RyJointParamPage::RyJointParamPage(RyJointEditorTool *tool, QWidget *parent) : Q
 
 RyLegacyParamPair RyJointParamPage::pair() const
 {
-    const bool isSmooth = m_param && m_param->type() == RyLegacyJointParam::SmoothScale;
-    RyLegacyJointParam *partner = isSmooth ? m_tool->bendPartnerParam() : m_tool->partnerParam();
-    // One that an undo step keeps belongs to no binding.
-    const RyLegacyJoint *joint = partner ? partner->getJoint() : nullptr;
-    return {m_param, joint && joint->getBinding() ? partner : nullptr};
+    return {m_param, m_param ? m_tool->editedPartnerParam() : nullptr};
 }
 
 void RyJointParamPage::follow(RyLegacyJointParam *param)

@@ -75,6 +75,8 @@ public:
     RyLegacyJointParam *currentParam() const { return m_joint.param.get(); }
     RyLegacyJointParam *partnerParam() const { return m_joint.partner.get(); }
     RyLegacyJointParam *bendPartnerParam() const { return m_joint.bendPartner.get(); }
+    /// The one that is edited with the current parameter, null without one.
+    RyLegacyJointParam *editedPartnerParam() const { return m_joint.editedPartner(); }
     RyVec3 cachedOrigin() const { return m_joint.cachedOrigin; }
     bool paramDrivenByParent() const { return m_joint.paramDrivenByParent; }
     int rememberedAxis() const { return m_joint.rememberedAxis; }

@@ -169,7 +169,7 @@ void RyParamFollowUp::turnChanged(SphereOf sphereOf, const QObject *control)
             const QScopedValueRollback<bool> guard(m_isWriting, true);
             const size_t other = changed == pair.begin() ? 1 : 0;
             pair[other]->adjustValue(0.0f);
-            if (const Param *partner = m_joint.editedPartner(param->type() == Param::SmoothScale))
+            if (const Param *partner = m_joint.editedPartner())
                 turns(sphereOf(*partner))[other]->adjustValue(0.0f);
         }
     }

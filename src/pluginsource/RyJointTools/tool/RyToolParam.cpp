@@ -71,7 +71,7 @@ void RyToolParam::clear()
     if (const Param *old = m_joint.param.get())
         QObject::disconnect(old, nullptr, &m_tool, nullptr);
     m_joint.param = {};
-    setPartners(nullptr, nullptr);
+    setPartners({});
     m_isSet = false;
     if (m_joint.node) {
         m_joint.rememberedAxis = -1;
@@ -90,14 +90,14 @@ void RyToolParam::take(Param &param)
     m_joint.param = guarded(&param);
     m_isSet = true;
     m_values.connectValues();
-    setPartners(findPartner(param), findBendPartner(param));
+    setPartners(findPartners(param));
     QObject::connect(&param, &Param::aboutToBeRemoved, &m_tool, [this] { drop(); });
     QObject::connect(&param, &Param::paramChanged, &m_tool, [this] { m_tool.drawnDataChanged(); });
     if (param.type() == Param::SmoothScale)
         m_joint.paramDrivenByParent = isDrivenByParent(param);
     m_joint.rememberedAxis = param.getAxis();
     m_joint.rememberedType = param.type();
-    m_announced = {m_joint.partner.get(), m_joint.bendPartner.get()};
+    m_announced = partners();
     emit m_tool.paramChanged(&param);
     m_tool.drawnDataChanged();
 }
@@ -123,26 +123,38 @@ Param *RyToolParam::findBendPartner(const Param &param) const
     return joint ? joint->findParam(Param::SmoothScale, qobject_cast<RyBone *>(m_joint.node), -1) : nullptr;
 }
 
-void RyToolParam::setPartners(Param *partner, Param *bendPartner)
+RyToolParam::Partners RyToolParam::findPartners(const Param &param) const
 {
-    for (const Param *old : {m_joint.partner.get(), m_joint.bendPartner.get()}) {
+    return {findPartner(param), findBendPartner(param), m_joint.editedPartner()};
+}
+
+RyToolParam::Partners RyToolParam::partners() const
+{
+    return {m_joint.partner.get(), m_joint.bendPartner.get(), m_editedPartner.get()};
+}
+
+void RyToolParam::setPartners(const Partners &partners)
+{
+    const Partners before = this->partners();
+    for (const Param *old : {before.ofParent, before.ofBend, before.edited}) {
         if (old)
             QObject::disconnect(old, nullptr, &m_tool, nullptr);
     }
-    m_joint.partner = guarded(partner);
-    m_joint.bendPartner = guarded(bendPartner);
-    for (const Param *present : {partner, bendPartner}) {
+    m_joint.partner = guarded(partners.ofParent);
+    m_joint.bendPartner = guarded(partners.ofBend);
+    m_editedPartner = guarded(partners.edited);
+    for (const Param *present : {partners.ofParent, partners.ofBend, partners.edited}) {
         if (present)
             QObject::connect(present, &Param::aboutToBeRemoved, &m_tool, [this, present] { dropPartner(present); });
     }
 }
 
-void RyToolParam::changePartners(Param *partner, Param *bendPartner)
+void RyToolParam::changePartners(const Partners &partners)
 {
-    if (partner == m_joint.partner.get() && bendPartner == m_joint.bendPartner.get())
+    if (partners == this->partners())
         return;
     m_pointer.finish();
-    setPartners(partner, bendPartner);
+    setPartners(partners);
     m_tool.drawnDataChanged();
     QMetaObject::invokeMethod(
         &m_tool, [this] { announcePartners(); }, Qt::QueuedConnection);
@@ -152,18 +164,17 @@ void RyToolParam::changePartners(Param *partner, Param *bendPartner)
 void RyToolParam::announcePartners()
 {
     Param *param = m_joint.param.get();
-    if (!param || m_announced == Partners(m_joint.partner.get(), m_joint.bendPartner.get()))
+    if (!param || m_announced == partners())
         return;
-    m_announced = {m_joint.partner.get(), m_joint.bendPartner.get()};
+    m_announced = partners();
     emit m_tool.paramChanged(param);
 }
 
 void RyToolParam::dropPartner(const Param *param)
 {
-    const auto rest = [param](const RyGuardedPointer<Param> &held) {
-        return held.get() == param ? nullptr : held.get();
-    };
-    changePartners(rest(m_joint.partner), rest(m_joint.bendPartner));
+    const auto rest = [param](Param *held) { return held == param ? nullptr : held; };
+    const Partners held = partners();
+    changePartners({rest(held.ofParent), rest(held.ofBend), rest(held.edited)});
 }
 
 void RyToolParam::check()
@@ -181,7 +192,7 @@ void RyToolParam::check()
     }
     if (param->type() == Param::SmoothScale)
         m_joint.paramDrivenByParent = isDrivenByParent(*param);
-    changePartners(findPartner(*param), findBendPartner(*param));
+    changePartners(findPartners(*param));
 }
 
 // --- The parameter of another node

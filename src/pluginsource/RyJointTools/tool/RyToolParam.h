@@ -1,6 +1,6 @@
 #pragma once
 
-#include <utility>
+#include "pluginsource/RyJointTools/tool/joint/RyGuardedPointer.h"
 
 class RyJointEditorTool;
 class RyLegacyJointParam;
@@ -27,6 +27,14 @@ public:
     void check();
 
 private:
+    /// Null where there is none.
+    struct Partners
+    {
+        RyLegacyJointParam *ofParent = nullptr;
+        RyLegacyJointParam *ofBend = nullptr;
+        RyLegacyJointParam *edited = nullptr;
+        bool operator==(const Partners &) const = default;
+    };
     /// False when nothing has changed.
     bool change(RyLegacyJointParam *param);
     bool changeWithStatus(RyLegacyJointParam *param);
@@ -38,8 +46,10 @@ private:
     RyLegacyJointParam *findLikeLast() const;
     RyLegacyJointParam *findPartner(const RyLegacyJointParam &param) const;
     RyLegacyJointParam *findBendPartner(const RyLegacyJointParam &param) const;
-    void setPartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
-    void changePartners(RyLegacyJointParam *partner, RyLegacyJointParam *bendPartner);
+    Partners findPartners(const RyLegacyJointParam &param) const;
+    Partners partners() const;
+    void setPartners(const Partners &partners);
+    void changePartners(const Partners &partners);
     void announcePartners();
     void dropPartner(const RyLegacyJointParam *param);
 
@@ -47,7 +57,7 @@ private:
     RyJointState &m_joint;
     RyParamFollowUp &m_values;
     RyToolPointer &m_pointer;
-    bool m_isSet = false; // one was announced; it may be gone by now
-    using Partners = std::pair<const RyLegacyJointParam *, const RyLegacyJointParam *>;
-    Partners m_announced; // partners that were told of; compared, never followed
+    bool m_isSet = false;                                 // one was announced; it may be gone by now
+    RyGuardedPointer<RyLegacyJointParam> m_editedPartner; // the one that a drag writes
+    Partners m_announced;                                 // those that were told of; compared, never followed
 };

@@ -15,7 +15,7 @@ struct RyDragContext
 
     RyNode *node = nullptr;                // whose handles are drawn
     RyLegacyJointParam *param = nullptr;   // the current one of the node's joint
-    RyLegacyJointParam *partner = nullptr; // its counterpart on the other side of the joint
+    RyLegacyJointParam *partner = nullptr; // of the same kind, edited with it; or null
     const RyCamera *camera = nullptr;      // of the viewport that was pressed
     /// Sets an angle (0 to 3 for A to D, radians) of the current bend parameter and what goes along with it; all four
     /// start from where they were at the press, in degrees.

@@ -2,14 +2,8 @@
 
 #include "pluginsource/RyJointTools/tool/drags/RyDragContext.h"
 
-static RyLegacyJointParam *partnerOf(const RyDragContext &context)
-{
-    RyLegacyJointParam *partner = context.partner;
-    return partner && partner->type() == context.param->type() ? partner : nullptr;
-}
-
 RyParamDrag::RyParamDrag(const RyDragContext &context)
-    : RyHandleDrag(context.param), m_param(context.param), m_partner(partnerOf(context)), m_recorded(m_param),
+    : RyHandleDrag(context.param), m_param(context.param), m_partner(context.partner), m_recorded(m_param),
       m_recordedPartner(m_partner)
 {}
 

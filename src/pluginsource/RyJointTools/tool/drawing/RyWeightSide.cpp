@@ -11,6 +11,6 @@ std::array<RyWeightSide, 2> RyWeightSide::of(const RyJointState &joint)
         return {};
     // The shares of two smooth-scales make one whole: what is more of one is less of the other.
     const bool isScale = param->type() == RyLegacyJointParam::SmoothScale;
-    RyLegacyJointParam *partner = isScale ? joint.bendPartner.get() : joint.partner.get();
+    RyLegacyJointParam *partner = joint.editedPartner();
     return {RyWeightSide{param, partner, isScale, false}, RyWeightSide{partner, param, false, isScale}};
 }

@@ -27,10 +27,9 @@ struct RyJointState
     float angleC = 0.0f;
     float angleD = 0.0f;
 
-    /// The one whose values go with those of the current parameter, a smooth-scale one or another.
-    RyLegacyJointParam *editedPartner(bool isSmoothScale) const
-    {
-        return isSmoothScale ? bendPartner.get() : partner.get();
-    }
+    /// The one whose values go with those of the current parameter: of the same kind, about the same axis, on the other
+    /// side of the joint. Null without one. Neither of the two above where another kind stands before it or where
+    /// another bone than the node drives the parameter.
+    RyLegacyJointParam *editedPartner() const;
     void forgetAngles() { angleA = angleB = angleC = angleD = 0.0f; }
 };

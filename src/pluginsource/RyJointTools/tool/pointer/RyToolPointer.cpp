@@ -96,9 +96,7 @@ RyDragContext RyToolPointer::dragContext() const
 {
     const RyJointState &joint = m_in.joint;
     const RyCamera *camera = m_pressViewport ? m_pressViewport->getCamera() : nullptr;
-    RyLegacyJointParam *param = joint.param.get();
-    const bool isSmooth = param && param->type() == RyLegacyJointParam::SmoothScale;
-    return {joint.node, param, (isSmooth ? joint.bendPartner : joint.partner).get(), camera, m_in.setAngle};
+    return {joint.node, joint.param.get(), joint.editedPartner(), camera, m_in.setAngle};
 }
 
 RyLine3 RyToolPointer::pressViewportRay(const QPoint &point) const
