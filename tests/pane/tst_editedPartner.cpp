@@ -18,6 +18,7 @@ void editEverything(RyPaneScene &scene)
     scene.find<QTabWidget>("JointEditorParamTabWgt")->setCurrentIndex(1);
     RyPaneScene::click(*scene.find<QGroupBox>("JointParamMatricesEnableSphereMatricesGrpBox"));
     scene.type("JointParamMatricesMatrixPositionYWgt", "3.5");
+    scene.type("JointParamMatricesMatrixRotationYWgt", "15");
     scene.tool->setRestrictRotationAxes(true);
     scene.type("JointParamMatricesMatrixRotationXWgt", "20");
     scene.tool->setDynamicB(0.25f, 1);
@@ -93,8 +94,19 @@ class RyEditedPartnerTest : public QObject
         const RyRef<Param> held(&partner);
         dragSphere(scene);
         QVERIFY(scene.tool->isDragging());
+        const QString dragged = RyPaneScene::wholeDump();
+        RyUndoStackHold hold;
+        scene.doll.binding->beginEdit();
         partner.getJoint()->removeJointParam(&partner);
         QVERIFY(!scene.tool->isDragging());
+        scene.doll.binding->finishEdit();
+        hold.accept(QStringLiteral("Remove"));
+        ryUndoStack()->undo();
+        QCOMPARE(RyPaneScene::wholeDump(), dragged);
+        ryUndoStack()->undo();
+        QCOMPARE(RyPaneScene::wholeDump(), before);
+        ryUndoStack()->redo();
+        ryUndoStack()->redo();
         QVERIFY(!scene.tool->editedPartnerParam());
         const QString gone = values(partner);
         scene.type("JointParamMatricesMatrixPositionYWgt", "4.5");
