@@ -71,6 +71,8 @@ private slots:
     void partnerAmongDecoys();
     void bendPartnerAmongDecoys();
     void rotationOrderKeepsTheParameter();
+    void rotationOrderMovesTheMemory();
+    void sameNodeKeepsItsParameter();
     void inactiveToolHasNone();
 };
 
@@ -344,6 +346,50 @@ void RyToolParamTest::rotationOrderKeepsTheParameter()
     QCOMPARE(scene.tool->partnerParam(), partner);
     QCOMPARE(partner->getAxis(), 0);
     QCOMPARE(told.take(), QStringList("lHand"));
+}
+
+void RyToolParamTest::rotationOrderMovesTheMemory()
+{
+    RyParametricToolScene scene;
+    const ParametricScene &doll = scene.doll;
+    scene.select(doll.lHand);
+    Param *param = doll.param(doll.lHand, "twistx");
+    scene.tool->setParam(param);
+    QCOMPARE(scene.tool->rememberedAxis(), 0);
+    RyUndoStackHold hold;
+    scene.tool->changeRotationOrder(doll.lHand, RyRotationOrder(RyRotationOrder::ZXY));
+    hold.accept(QStringLiteral("Order"));
+    QCOMPARE(nameOf(param), QStringLiteral("twistz"));
+    QCOMPARE(scene.tool->rememberedAxis(), 2);
+    scene.select(doll.rHand);
+    QCOMPARE(nameOf(scene.tool->currentParam()), QStringLiteral("jointz"));
+    scene.select(doll.lHand);
+    QCOMPARE(scene.tool->currentParam(), param);
+    ryUndoStack()->undo();
+    QCOMPARE(scene.tool->currentParam(), param);
+    QCOMPARE(scene.tool->rememberedAxis(), 0);
+}
+
+/// Though others are like it and stand before it: several children, and one more that the node drives.
+void RyToolParamTest::sameNodeKeepsItsParameter()
+{
+    RyParametricToolScene scene;
+    const ParametricScene &doll = scene.doll;
+    putFirst(doll.joint(doll.lHand), {new RyLegacyTwistParam("first on Y", 1, doll.lHand)});
+    const std::pair<RyBone *, const char *> all[] = {
+        {doll.lHand, "jointy"}, {doll.chest, "lArm_smoox"}, {doll.chest, "rArm_smoox"}};
+    for (const auto &[bone, name] : all) {
+        scene.select(bone);
+        Param *param = doll.param(bone, name);
+        QVERIFY2(param, name);
+        scene.tool->setParam(param);
+        Told told(*scene.tool);
+        ryScene()->selectAllNodes(false);
+        bone->select(true);
+        QCoreApplication::processEvents();
+        QCOMPARE(scene.tool->currentParam(), param);
+        QCOMPARE(told.take(), QStringList(bone->getName()));
+    }
 }
 
 void RyToolParamTest::inactiveToolHasNone()

@@ -92,7 +92,10 @@ void RyToolParam::take(Param &param)
     m_values.connectValues();
     setPartners(findPartners(param));
     QObject::connect(&param, &Param::aboutToBeRemoved, &m_tool, [this] { drop(); });
-    QObject::connect(&param, &Param::paramChanged, &m_tool, [this] { m_tool.drawnDataChanged(); });
+    QObject::connect(&param, &Param::paramChanged, &m_tool, [this, &param] {
+        m_joint.rememberedAxis = param.getAxis();
+        m_tool.drawnDataChanged();
+    });
     if (param.type() == Param::SmoothScale)
         m_joint.paramDrivenByParent = isDrivenByParent(param);
     m_joint.rememberedAxis = param.getAxis();
@@ -221,6 +224,8 @@ Param *RyToolParam::findLikeLast() const
 
 void RyToolParam::choose()
 {
-    change(findLikeLast());
+    Param *current = m_joint.param.get();
+    const bool stays = current && isOwn(current) && !RySkinBinding::findSkinFromNode(m_joint.node);
+    change(stays ? current : findLikeLast());
     check();
 }

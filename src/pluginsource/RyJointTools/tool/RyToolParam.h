@@ -19,8 +19,8 @@ public:
 
     /// A parameter that is not one of the current node's joint selects none. Announces it when it is another one.
     void set(RyLegacyJointParam *param);
-    /// Takes the one of the current node that is most like the one that was chosen last; none for a node whose figure
-    /// has a skin, for one without a joint, and while none has been chosen.
+    /// Keeps one that is the current node's, else takes the one of it that is most like the one that was chosen last;
+    /// none for a node whose figure has a skin, for one without a joint, and while none has been chosen.
     void choose();
     /// The scene has changed: the node may hang elsewhere, and joints and parameters may have come or gone. Announces
     /// the parameter anew when its partners are others, as soon as the event loop comes round.
