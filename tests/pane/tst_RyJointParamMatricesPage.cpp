@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QSignalSpy>
 #include <QTabWidget>
 
 namespace {
@@ -211,7 +212,9 @@ private slots:
             RyLegacyJointParam *param = scene.choose(scene.doll.lHand, name);
             const QString before = RyPaneScene::wholeDump();
             ryUndoStack()->clearAll();
+            QSignalSpy announced(scene.doll.binding, &RyLegacyBinding::bindingChanged);
             QTest::mouseClick(scene.reset(), Qt::LeftButton);
+            QCOMPARE(announced.count(), 1);
             const RyBox3 box = scene.doll.lHand->getOrientedBoundingBox().box;
             QVERIFY(box.getSize() > 5.0f);
             for (const RyLegacyJointParam *each : {static_cast<const RyLegacyJointParam *>(param),

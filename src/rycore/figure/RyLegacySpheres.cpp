@@ -38,3 +38,12 @@ void RyLegacySpheres::reset(RyLegacyJointParam &param, const RyBone &bone)
     const RyVec3 center = isOfFigure ? oriented.transform.multVec(oriented.box.getCenter()) : shape.sphereCenter;
     place(param, shape.toFigureSpace(center), isOfFigure ? oriented.box.getSize() : shape.sphereSize);
 }
+
+void RyLegacySpheres::resetBoth(RyLegacyJointParam &param, const RyBone &bone)
+{
+    param.beginEdit();
+    reset(param, bone);
+    if (RyLegacyJointParam *partner = param.findPartner())
+        reset(*partner, bone);
+    param.finishEdit();
+}

@@ -14,5 +14,7 @@ void place(RyLegacyJointParam &param, const RyVec3 &center, float size);
 /// Around the oriented box of the bone, of the size of its diagonal; where there is none, by the bone's length. `param`
 /// may be driven by another bone.
 void reset(RyLegacyJointParam &param, const RyBone &bone);
+/// Those of its partner as well, as one edit.
+void resetBoth(RyLegacyJointParam &param, const RyBone &bone);
 
 } // namespace RyLegacySpheres

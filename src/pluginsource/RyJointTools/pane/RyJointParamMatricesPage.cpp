@@ -198,9 +198,7 @@ void RyJointParamMatricesPage::makeMatricesDefault()
     if (!bone || !param())
         return;
     RyUndoStackHold hold;
-    RyLegacySpheres::reset(*param(), *bone);
-    if (RyLegacyJointParam *partner = pair().partner())
-        RyLegacySpheres::reset(*partner, *bone);
+    RyLegacySpheres::resetBoth(*param(), *bone);
     hold.accept(tr("Set Matrices to Default"));
 }
 

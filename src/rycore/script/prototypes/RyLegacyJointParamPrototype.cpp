@@ -275,10 +275,7 @@ void RyLegacyJointParamPrototype::resetMatrices(bool both) const
             fail(tr("\"%1\" is on no joint.").arg(param->getName()));
         return;
     }
-    RyLegacyJointParam *partner = both ? RyLegacyParamPair(param).partner() : nullptr;
-    RyLegacySpheres::reset(*param, *joint->getBone());
-    if (partner)
-        RyLegacySpheres::reset(*partner, *joint->getBone());
+    (both ? RyLegacySpheres::resetBoth : RyLegacySpheres::reset)(*param, *joint->getBone());
 }
 
 RyWeightMap *RyLegacyJointParamPrototype::getWeights() const
