@@ -1,6 +1,7 @@
 #include "RyPaneScene.h"
 #include "slotsOf.h"
 
+#include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 
 #include <QLabel>
@@ -172,6 +173,26 @@ private slots:
         ryUndoStack()->redo();
         QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
         QCOMPARE(look(scene), QStringLiteral("points Center/EndPoint"));
+    }
+
+    /// One that comes unannounced is listed at the end of the drag.
+    void noListIsMadeWhileAParameterIsDragged()
+    {
+        RyPaneScene scene;
+        QVERIFY(scene.choose(scene.doll.lHand, "jointz"));
+        const int before = combo(scene).count();
+        RyLegacyJoint *joint = scene.doll.joint(scene.doll.lHand);
+        joint->blockSignals(true);
+        joint->addJointParam(new RyLegacyTwistParam("silent", 0, scene.doll.lHand));
+        joint->blockSignals(false);
+        QSignalSpy drawn(ryScene(), &RyScene::drawnDataChanged);
+        scene.press(HandleId::DynamicTranslateX, {400, 300});
+        scene.move({440, 260});
+        scene.move({450, 230});
+        QVERIFY(drawn.count() > 1);
+        QCOMPARE(combo(scene).count(), before);
+        scene.release();
+        QCOMPARE(combo(scene).count(), before + 1);
     }
 
     void followsTheBone()

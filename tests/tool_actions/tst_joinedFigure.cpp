@@ -4,12 +4,16 @@
 #include "RyParametricToolScene.h"
 
 #include "pluginsource/RyJointTools/operations/createChildBone.h"
+#include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/mesh/RyWeightMap.h"
 #include "rycore/parametric/RyLegacyRig.h"
 #include "rycore/parametric/fit/RyLegacyFit.h"
+#include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyNear.h"
 #include "support/checkUndo.h"
+
+#include <QComboBox>
 
 namespace {
 
@@ -272,6 +276,30 @@ private slots:
         for (const RyVec3 &point : f.rest())
             box.include(f.bone->getOrientation().inverse().multVec(point));
         QVERIFY(ryIsNear(center, box.getCenter(), 1e-3f));
+    }
+
+    void paneListsWhatComesAndGoes()
+    {
+        Sleeve f;
+        f.convert();
+        f.select(f.bone);
+        const auto *list = f.tool->frame()->findChild<QComboBox *>("JointEditorParameterCmb");
+        const int all = list->count();
+        QVERIFY(all > 1);
+        {
+            RyUndoStackHold hold;
+            f.figure->getObject()->removeModifier(f.binding);
+            hold.accept("Remove");
+        }
+        QCOMPARE(list->count(), 1);
+        ryUndoStack()->undo();
+        QCOMPARE(list->count(), all);
+        f.figure->getNodeParent()->removeNodeChild(f.figure);
+        QCOMPARE(list->count(), all);
+        f.figure->setFollowTarget(nullptr);
+        QCOMPARE(list->count(), 1);
+        f.figure->setFollowTarget(f.doll.figure);
+        QCOMPARE(list->count(), all);
     }
 
     void endsWithTheFigure()

@@ -7,7 +7,6 @@
 #include "rycore/parametric/RyLegacyJoint.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyElementDuplicateContext.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/undo/RyValueChange.h"
 
 #include <algorithm>
@@ -206,9 +205,8 @@ void RyLegacyJointParam::valuesChanged()
     }
     m_touched = true;
     // Announced at the end, but drawn meanwhile: a drag is one edit.
-    const RyLegacyBinding *binding = m_joint ? m_joint->getBinding() : nullptr;
-    if (RyObject *object = binding ? binding->getObject() : nullptr)
-        emit object->contentChanged();
+    if (RyLegacyBinding *binding = m_joint ? m_joint->getBinding() : nullptr)
+        emit binding->modifierChanging();
 }
 
 void RyLegacyJointParam::editBegun()

@@ -43,6 +43,8 @@ public:
 signals:
     /// What it does to a shape changed.
     void modifierChanged();
+    /// What it does changes while an edit of it is open; modifierChanged comes at the end of that.
+    void modifierChanging();
 
 private:
     friend class RyObject;

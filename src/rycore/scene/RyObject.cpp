@@ -121,6 +121,7 @@ void RyObject::insertModifier(RyModifier *modifier, int index)
     modifier->m_object = this;
     m_modifiers.insert(m_modifiers.begin() + std::min(index, int(m_modifiers.size())), modifier);
     connect(modifier, &RyModifier::modifierChanged, this, &RyObject::contentChanged);
+    connect(modifier, &RyModifier::modifierChanging, this, &RyObject::contentChanged);
     emit modifiersChanged();
     emit contentChanged();
 }

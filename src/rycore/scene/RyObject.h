@@ -53,7 +53,7 @@ public:
 signals:
     void modifiersChanged();
     void shapesChanged();
-    /// Shapes, modifiers, or what is in them; once per finished edit, of joint parameters also while one is open.
+    /// Shapes, modifiers, or what is in them; once per finished edit, of modifiers also while one is open.
     void contentChanged();
 
 private:

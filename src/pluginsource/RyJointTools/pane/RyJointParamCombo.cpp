@@ -5,7 +5,9 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/RySkeleton.h"
 
 #include <QSignalBlocker>
 
@@ -78,19 +80,38 @@ Param *RyJointParamCombo::paramAt(int index) const
     return index > 0 && index < int(m_entries.size()) ? m_entries[size_t(index)].param : nullptr;
 }
 
+template<typename Sender, typename Signal>
+void RyJointParamCombo::followSignal(const Sender *sender, Signal signal)
+{
+    if (sender)
+        m_sources.push_back(connect(sender, signal, this, &RyJointParamCombo::follow));
+}
+
 void RyJointParamCombo::follow()
 {
     if (wantedEntries() != m_entries)
         fill();
 }
 
-/// Told of whatever is drawn, so it makes no texts.
-void RyJointParamCombo::followJoint()
+/// A figure has come or gone, among many bones perhaps.
+void RyJointParamCombo::followScene(const RyNode *node)
 {
-    const std::vector<Param *> params = listParams(m_tool->currentNode());
-    const auto isOf = [](const Param *param, const Entry &entry) { return entry.param == param; };
-    if (!std::equal(params.begin(), params.end(), m_entries.begin() + 1, m_entries.end(), isOf))
-        fill();
+    if (qobject_cast<const RySkeleton *>(node))
+        connectSources();
+}
+
+/// A binding that goes or comes back says nothing itself, and that of another figure may have the node's joint.
+void RyJointParamCombo::followFigures(const RyScene *scene)
+{
+    if (!scene)
+        return;
+    followSignal(scene, &RyScene::nodeListChanged);
+    for (const auto signal : {&RyScene::nodeAdded, &RyScene::nodeRemoved})
+        m_sources.push_back(connect(scene, signal, this, &RyJointParamCombo::followScene));
+    for (const RySkeleton *skeleton : scene->getSkeletons()) {
+        followSignal(skeleton, &RySkeleton::followTargetChanged);
+        followSignal(skeleton->getObject(), &RyObject::modifiersChanged);
+    }
 }
 
 void RyJointParamCombo::connectSources()
@@ -101,16 +122,8 @@ void RyJointParamCombo::connectSources()
     const RyNode *node = m_tool->currentNode();
     if (!node)
         return;
-    const auto followSignal = [this](const auto *sender, auto signal) {
-        if (sender)
-            m_sources.push_back(connect(sender, signal, this, &RyJointParamCombo::follow));
-    };
     followSignal(RyLegacyBinding::bindingForChildOf(node), &RyLegacyBinding::bindingChanged);
-    followSignal(node->getScene(), &RyScene::nodeListChanged);
-    // A binding that goes or comes back says nothing itself.
-    if (node->getScene())
-        m_sources.push_back(
-            connect(node->getScene(), &RyScene::drawnDataChanged, this, &RyJointParamCombo::followJoint));
+    followFigures(node->getScene());
     for (int axis = 0; axis < 3; ++axis)
         followSignal(rotationControl(*node, axis), &RyElement::labelChanged);
     for (const Entry &entry : m_entries)

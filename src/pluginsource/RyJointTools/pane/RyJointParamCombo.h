@@ -8,6 +8,7 @@
 #include <vector>
 
 class RyJointEditorTool;
+class RyScene;
 
 /// What of the tool's current node is edited: its points, or one of the parameters that it lists. The list follows what
 /// becomes of the joint and of the names; whatever is chosen by hand is only announced.
@@ -34,7 +35,10 @@ private:
     QString textOf(const RyLegacyJointParam &param) const;
     std::vector<Entry> wantedEntries() const;
     void follow();
-    void followJoint();
+    void followScene(const RyNode *node);
+    void followFigures(const RyScene *scene);
+    template<typename Sender, typename Signal>
+    void followSignal(const Sender *sender, Signal signal);
     void connectSources();
 
     const RyJointEditorTool *m_tool;
