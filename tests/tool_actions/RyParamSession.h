@@ -45,10 +45,12 @@ public:
         return partner ? std::vector<RyLegacyJointParam *>{current, partner}
                        : std::vector<RyLegacyJointParam *>{current};
     }
-    /// Writes a control of all these parameters as a field of the pane does: as one step.
-    void type(const std::vector<RyLegacyJointParam *> &params,
+    /// Writes a control of all these parameters as a field of the pane does: as one step; either of two comes first.
+    void type(std::vector<RyLegacyJointParam *> params,
               const std::function<RyFloatProperty *(const RyLegacyJointParam &)> &control, float value)
     {
+        if (random.chance(0.5))
+            std::reverse(params.begin(), params.end());
         step([&] {
             for (const RyLegacyJointParam *param : params) {
                 if (RyFloatProperty *property = control(*param))
