@@ -98,7 +98,7 @@ std::vector<Row> displayRows()
         flag("setGhostBones(bool)", &Tool::setGhostBones, true, {redraw}, {redraw}),
         flag("setShowManipulators(bool)", &Tool::setShowManipulators, false, {redraw}, {redraw}),
         flag("setShowBoneHierarchy(bool)", &Tool::setShowBoneHierarchy, false, {redraw}, {redraw}),
-        flag("setRestrictRotationAxes(bool)", &Tool::setRestrictRotationAxes, true, {}, {}),
+        flag("setRestrictRotationAxes(bool)", &Tool::setRestrictRotationAxes, true, {options}, {options}),
     };
 }
 
@@ -108,7 +108,7 @@ std::vector<Row> editingRows()
         return Row{slot, call(setter, fresh), emitted, emitted};
     };
     return {
-        flag("setPushNeighborAngles(bool)", &Tool::setPushNeighborAngles, false, {}),
+        flag("setPushNeighborAngles(bool)", &Tool::setPushNeighborAngles, false, {options}),
         flag("setPropagationEnabled(bool)", &Tool::setPropagationEnabled, true, {}),
         flag("setPropagateTranslation(bool)", &Tool::setPropagateTranslation, true, {options}),
         flag("setPropagateOrientation(bool)", &Tool::setPropagateOrientation, true, {}),

@@ -64,7 +64,7 @@ signals:
     void drawnDataChangeRequested();
     void hoverRequested();
     void statusTextChanged();
-    /// A switch that menus show, with a check mark for example, is set.
+    /// A switch that menus or the settings pane show, with a check mark for example, is set.
     void optionsChanged();
 
 private:

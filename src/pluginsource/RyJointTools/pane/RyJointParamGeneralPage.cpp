@@ -114,6 +114,10 @@ QGroupBox *RyJointParamGeneralPage::makeGroup(int group, QWidget *parent)
         push->setToolTip(tr("A ray that would pass its neighbor takes it along."));
         push->setChecked(tool()->pushNeighborAngles());
         connect(push, SIGNAL(toggled(bool)), tool(), SLOT(setPushNeighborAngles(bool)));
+        connect(tool(), &RyViewTool::optionsChanged, this, [this, push] {
+            const QSignalBlocker blocker(push);
+            push->setChecked(tool()->pushNeighborAngles());
+        });
         rows->addWidget(push);
     }
     const QString spoken = *row.spoken ? tr(row.spoken) : QString();

@@ -124,6 +124,7 @@ QGroupBox *RyJointParamMatricesPage::makeGroup(const GroupRow &row, QWidget *par
         restrict->setChecked(tool()->display().restrictRotationAxes);
         connect(restrict, SIGNAL(toggled(bool)), tool(), SLOT(setRestrictRotationAxes(bool)));
         connect(restrict, SIGNAL(toggled(bool)), this, SLOT(restrictRotationAxesToggled(bool)));
+        connect(tool(), &RyViewTool::optionsChanged, this, [this, restrict] { showRestriction(*restrict); });
         rows->addWidget(restrict);
     }
     for (size_t i = row.firstField; i <= row.lastField; ++i)
@@ -208,6 +209,16 @@ void RyJointParamMatricesPage::restrictRotationAxesToggled(bool onOff)
         return;
     for (const size_t field : {XRotation, YRotation})
         m_fields[field]->setEnabled(m_fields[field]->getFirstProperty());
+}
+
+void RyJointParamMatricesPage::showRestriction(QCheckBox &box)
+{
+    const bool on = tool()->display().restrictRotationAxes;
+    if (box.isChecked() == on)
+        return;
+    const QSignalBlocker blocker(box);
+    box.setChecked(on);
+    restrictRotationAxesToggled(on);
 }
 
 void RyJointParamMatricesPage::validateRotationAxisRestriction()

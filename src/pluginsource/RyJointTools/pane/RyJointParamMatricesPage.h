@@ -4,6 +4,7 @@
 
 #include <array>
 
+class QCheckBox;
 class QComboBox;
 class QGroupBox;
 class RyLegacyJointSphere;
@@ -38,6 +39,7 @@ private:
     QGroupBox *makeGroup(const GroupRow &row, QWidget *parent);
     void addSphere(const RyLegacyJointSphere &sphere);
     void followRotations();
+    void showRestriction(QCheckBox &box);
     void showParam() override { refresh(); }
     void showFlags() override;
 

@@ -190,7 +190,7 @@ private slots:
     void postSelectionChangeEvent();
 
 private:
-    /// Sets an option that menus show.
+    /// Sets an option that menus or pages show.
     void setMenuOption(bool RyToolOptions::*option, bool onOff);
 
     RyJointState m_joint;

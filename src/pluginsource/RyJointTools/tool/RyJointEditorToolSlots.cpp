@@ -126,7 +126,11 @@ void RyJointEditorTool::setShowManipulators(bool onOff)
 
 void RyJointEditorTool::setRestrictRotationAxes(bool onOff)
 {
+    const QString textBefore = getStatusText();
     m_display.setFlag(RyDisplaySettings::restrictRotationAxes, onOff);
+    if (getStatusText() != textBefore)
+        emit statusTextChanged();
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setDrawMeshBoundaries(bool onOff)
@@ -141,7 +145,7 @@ void RyJointEditorTool::setShowBoneHierarchy(bool onOff)
 
 void RyJointEditorTool::setPushNeighborAngles(bool onOff)
 {
-    m_options.pushNeighborAngles = onOff;
+    setMenuOption(&RyToolOptions::pushNeighborAngles, onOff);
 }
 
 void RyJointEditorTool::setPropagationEnabled(bool onOff)
