@@ -294,6 +294,19 @@ private slots:
         QCOMPARE(list->count(), 1);
         ryUndoStack()->undo();
         QCOMPARE(list->count(), all);
+        {
+            RyUndoStackHold hold;
+            ryScene()->removeNode(f.figure);
+            hold.accept("Remove");
+        }
+        QCOMPARE(list->count(), 1);
+        const RyRef<RyLegacyBinding> binding(f.binding);
+        RyObject *object = f.figure->getObject();
+        object->removeModifier(binding.get());
+        ryUndoStack()->undo();
+        QCOMPARE(list->count(), 1);
+        object->addModifier(binding.get());
+        QCOMPARE(list->count(), all);
         f.figure->getNodeParent()->removeNodeChild(f.figure);
         QCOMPARE(list->count(), all);
         f.figure->setFollowTarget(nullptr);
