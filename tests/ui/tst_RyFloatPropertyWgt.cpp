@@ -303,6 +303,66 @@ private slots:
         QCOMPARE(finished.count(), 1);
     }
 
+    void finishingEndsADragAsItsRelease()
+    {
+        QSignalSpy finished(m_widget.get(), &RyFloatPropertyWgt::editFinished);
+        m_widget->finishEdit();
+        QCOMPARE(finished.count(), 0);
+        emit m_widget->label()->scrubStarted();
+        emit m_widget->label()->scrubbed(40);
+        m_widget->finishEdit();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished[0][0].toBool(), true);
+        QCOMPARE(m_first->getValue(), 20.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        emit m_widget->label()->scrubbed(80);
+        emit m_widget->label()->scrubFinished(false);
+        QCOMPARE(m_first->getValue(), 20.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+    }
+
+    void finishingTakesTheText()
+    {
+        field()->setFocus();
+        field()->selectAll();
+        QTest::keyClicks(field(), QStringLiteral("6+1"));
+        m_widget->finishEdit();
+        QCOMPARE(m_first->getValue(), 7.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+    }
+
+    void aLabelOutsideIsEnabledWithTheField()
+    {
+        QWidget outside;
+        m_widget->label()->setParent(&outside);
+        m_widget->clearProperties();
+        QVERIFY(!m_widget->label()->isEnabled());
+        m_widget->addProperty(m_first);
+        QVERIFY(m_widget->label()->isEnabled());
+        m_widget.reset();
+    }
+
+    void timesWhatItShows()
+    {
+        setBoth(-3.125f);
+        type("*2");
+        QCOMPARE(m_first->getValue(), -6.25f);
+        QCOMPARE(m_second->getValue(), -6.25f);
+        type("/(1+1) - 1");
+        QCOMPARE(m_first->getValue(), -4.125f);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        // A sign is the number's own.
+        type("-2");
+        QCOMPARE(m_first->getValue(), -2.0f);
+        // Of values that differ there is no one to start from.
+        m_second->setValue(5);
+        QSignalSpy messages(m_widget.get(), &RyFloatPropertyWgt::messagePosted);
+        type("*2");
+        QCOMPARE(messages.count(), 1);
+        QCOMPARE(m_first->getValue(), -2.0f);
+        QCOMPARE(m_second->getValue(), 5.0f);
+    }
+
     void livesWithoutProperties()
     {
         m_bone.reset();

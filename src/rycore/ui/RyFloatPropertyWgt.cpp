@@ -8,6 +8,7 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -82,6 +83,19 @@ void RyFloatPropertyWgt::clearProperties()
     m_properties.clear();
     m_field->setModified(false);
     refresh();
+}
+
+void RyFloatPropertyWgt::finishEdit()
+{
+    m_field->commitText();
+    endDrag(false);
+}
+
+void RyFloatPropertyWgt::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange)
+        m_label->setEnabled(isEnabled());
+    QWidget::changeEvent(event);
 }
 
 RyFloatProperty *RyFloatPropertyWgt::getFirstProperty() const

@@ -25,7 +25,10 @@ public:
     ~RyFloatPropertyWgt() override;
 
     void addProperty(RyFloatProperty *property);
+    /// Cancels a drag and drops a text that was not entered.
     void clearProperties();
+    /// Ends what is going on here as the release of the mouse and Enter do.
+    void finishEdit();
     /// Null when there is none.
     RyFloatProperty *getFirstProperty() const;
     /// True: no slider, the text field takes the room.
@@ -40,6 +43,7 @@ public:
     void setSpokenName(const QString &name);
 
     RyNumberField *numberField() const { return m_field; }
+    /// May be put into a layout outside; it is enabled with this.
     RyScrubLabel *label() const { return m_label; }
     QSlider *slider() const { return m_slider; }
 
@@ -53,6 +57,9 @@ signals:
 
 public slots:
     void refresh();
+
+protected:
+    void changeEvent(QEvent *event) override;
 
 private:
     void applyValue(double value);

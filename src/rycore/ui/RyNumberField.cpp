@@ -55,6 +55,9 @@ void RyNumberField::commitText()
     QString typed = text().trimmed();
     if (!m_suffix.isEmpty() && typed.endsWith(m_suffix.trimmed()))
         typed.chop(m_suffix.trimmed().size());
+    // "*2" is twice what the field has; a sign belongs to the number that is typed.
+    if (!m_blank && (typed.startsWith(QLatin1Char('*')) || typed.startsWith(QLatin1Char('/'))))
+        typed.prepend(QString::number(m_value, 'f', 9));
     double value = 0.0;
     QString reason;
     const bool valid = RyNumberExpression::evaluate(typed, value, &reason);
