@@ -16,9 +16,10 @@
 #include "rycore/viewport/RyPickTool.h"
 
 #include <QComboBox>
-#include <QLabel>
+#include <QGroupBox>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QPushButton>
 
 /// Bears the name of the plug-in's tool and is none.
 class RyJointEditorTool : public RyPickTool
@@ -125,14 +126,14 @@ void RyJointToolsWindowTest::activatingActionActivates()
 
 void RyJointToolsWindowTest::paneShowsTheNode()
 {
-    QVERIFY(!m_tool->getSettingsWidget()->isEnabled());
+    QVERIFY(!paneWidget<RyFloatPropertyWgt>("JointEditorEndPointXWgt")->isEnabled());
     select(m_lower);
-    QVERIFY(m_tool->getSettingsWidget()->isEnabled());
-    QCOMPARE(paneWidget<QLabel>("JointEditorNodeNameLbl")->text(), QStringLiteral("lForearm"));
+    QVERIFY(paneWidget<RyFloatPropertyWgt>("JointEditorEndPointXWgt")->isEnabled());
+    QCOMPARE(paneWidget<QPushButton>("JointEditorNodeBtn")->text(), QStringLiteral("lForearm"));
     const std::pair<const char *, RyFloatProperty *> numbers[] = {
-        {"JointEditorCenterPointXWgt", m_lower->getOriginXControl()},
-        {"JointEditorCenterPointYWgt", m_lower->getOriginYControl()},
-        {"JointEditorCenterPointZWgt", m_lower->getOriginZControl()},
+        {"JointEditorOriginXWgt", m_lower->getOriginXControl()},
+        {"JointEditorOriginYWgt", m_lower->getOriginYControl()},
+        {"JointEditorOriginZWgt", m_lower->getOriginZControl()},
         {"JointEditorEndPointXWgt", m_lower->getEndXControl()},
         {"JointEditorEndPointYWgt", m_lower->getEndYControl()},
         {"JointEditorEndPointZWgt", m_lower->getEndZControl()},
@@ -145,13 +146,13 @@ void RyJointToolsWindowTest::paneShowsTheNode()
         QCOMPARE(number->getFirstProperty(), property);
     }
     QStringList titles;
-    for (const char *name : {"JointEditorCenterPointLbl", "JointEditorEndPointLbl", "JointEditorOrientationLbl"})
-        titles.append(paneWidget<QLabel>(name)->text());
+    for (const char *name : {"JointEditorOriginGrpBox", "JointEditorEndPointGrpBox", "JointEditorOrientationGrpBox"})
+        titles.append(paneWidget<QGroupBox>(name)->title());
     QCOMPARE(titles, QStringList({"Center Point :", "End Point :", "Orientation :"}));
     ryScene()->selectAllNodes(false);
     QCoreApplication::processEvents();
     QVERIFY(!paneWidget<RyFloatPropertyWgt>("JointEditorEndPointXWgt")->getFirstProperty());
-    QVERIFY(paneWidget<QLabel>("JointEditorNodeNameLbl")->text().isEmpty());
+    QCOMPARE(paneWidget<QPushButton>("JointEditorNodeBtn")->text(), QStringLiteral("None"));
 }
 
 void RyJointToolsWindowTest::rotationOrderFromThePane()
@@ -173,7 +174,7 @@ void RyJointToolsWindowTest::rotationOrderFromThePane()
     QCOMPARE(m_lower->getRotationOrder().order(), 0);
     QCOMPARE(orders->currentIndex(), 0);
     m_lower->setLabel(QStringLiteral("Left Forearm"));
-    QCOMPARE(paneWidget<QLabel>("JointEditorNodeNameLbl")->text(), QStringLiteral("Left Forearm"));
+    QCOMPARE(paneWidget<QPushButton>("JointEditorNodeBtn")->text(), QStringLiteral("Left Forearm"));
     m_upper->setRotationOrder(RyRotationOrder(3));
     select(m_upper);
     QCOMPARE(orders->currentIndex(), 3);

@@ -63,12 +63,12 @@ private slots:
     {
         select(m_doll->lHand);
         QVERIFY(!current());
-        QVERIFY(isShown("JointEditorNumbersScrollArea") && !isShown("JointEditorParamPanel"));
+        QVERIFY(isShown("JointEditorCenterEndPanel") && !isShown("JointEditorParamPanel"));
         params().setFocus();
         for (int i = 0; i < 2; ++i)
             QTest::keyClick(&params(), Qt::Key_Down);
         QCOMPARE(current(), m_doll->param(m_doll->lHand, "jointy"));
-        QVERIFY(!isShown("JointEditorNumbersScrollArea") && isShown("JointEditorParamPanel"));
+        QVERIFY(!isShown("JointEditorCenterEndPanel") && isShown("JointEditorParamPanel"));
 
         // Several changes, one event.
         ryScene()->setSelection({m_doll->chest});
@@ -81,7 +81,7 @@ private slots:
         m_window->getViewportMgr()->setActiveTool(nullptr);
         QVERIFY(!current());
         QCOMPARE(params().count(), 1);
-        QVERIFY(isShown("JointEditorNumbersScrollArea") && !isShown("JointEditorParamPanel"));
+        QVERIFY(isShown("JointEditorCenterEndPanel") && !isShown("JointEditorParamPanel"));
         select(m_doll->lHand);
         QVERIFY(!current());
         m_window->getViewportMgr()->setActiveTool(m_tool);

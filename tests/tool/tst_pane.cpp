@@ -27,8 +27,6 @@ void RyPaneTest::names()
     RyToolScene scene;
     const RyJointEditorToolFrame *pane = scene.tool->frame();
     QCOMPARE(pane->objectName(), QStringLiteral("Joint Editor Tool Settings"));
-    QCOMPARE(pane->getDividerBar()->objectName(), QStringLiteral("JointEditorDividerBarWgt"));
-    QVERIFY(pane->getDividerBar()->isHidden());
     const auto *label = pane->findChild<QLabel *>(QStringLiteral("JointEditorNodeLbl"));
     QVERIFY(label);
     QCOMPARE(label->text(), QStringLiteral("Node :"));
@@ -41,12 +39,15 @@ void RyPaneTest::keepsToTheTop()
     pane->resize(400, 3000);
     pane->show();
     const auto *orders = pane->findChild<QWidget *>(QStringLiteral("JointEditorRotationOrderCmb"));
-    const auto *numbers = pane->findChild<QWidget *>(QStringLiteral("JointEditorNumbersWgt"));
-    const int top = numbers->mapTo(pane, QPoint()).y();
+    const auto *panel = pane->findChild<QWidget *>(QStringLiteral("JointEditorCenterEndPanel"));
+    const int top = panel->mapTo(pane, QPoint()).y();
     QVERIFY(top > orders->geometry().bottom() && top < orders->geometry().bottom() + 20);
-    const auto *last = pane->findChild<QWidget *>(QStringLiteral("JointEditorOrientationZWgt"));
-    QVERIFY(last->mapTo(pane, QPoint()).y() < top + 500);
-    QCOMPARE(pane->findChild<QWidget *>(QStringLiteral("JointEditorTopWgt"))->geometry(), pane->rect());
+    const auto *last = pane->findChild<QWidget *>(QStringLiteral("JointEditorHiddenCbx"));
+    QVERIFY(last->mapTo(pane, QPoint()).y() < top + 600);
+    // The display options stay at the bottom, as high as they need.
+    const auto *display = pane->findChild<QWidget *>(QStringLiteral("JointEditorDisplayPanel"));
+    QCOMPARE(display->mapTo(pane, display->rect().bottomLeft()).y(), pane->height() - 1);
+    QCOMPARE(display->height(), display->minimumSizeHint().height());
 }
 
 void RyPaneTest::labelsStandLeftOfTheirFields()
@@ -54,16 +55,14 @@ void RyPaneTest::labelsStandLeftOfTheirFields()
     RyToolScene scene;
     RyJointEditorToolFrame *pane = scene.tool->frame();
     pane->resize(400, 700);
-    pane->layout()->activate();
-    const auto *header = pane->findChild<QWidget *>(QStringLiteral("JointEditorTopWgt"));
-    header->layout()->activate();
+    pane->show();
     const auto place = [&](const char *name) { return pane->findChild<QWidget *>(QLatin1String(name))->geometry(); };
     const QRect node = place("JointEditorNodeLbl");
     const QRect order = place("JointEditorRotationOrderLbl");
     const QRect orders = place("JointEditorRotationOrderCmb");
     QVERIFY(order.top() > node.bottom());
     QVERIFY(orders.left() > order.right());
-    QVERIFY(orders.top() > place("JointEditorNodeNameLbl").bottom());
+    QVERIFY(orders.top() > place("JointEditorNodeBtn").bottom());
 }
 
 void RyPaneTest::numbersHaveNoSlider()
@@ -74,8 +73,7 @@ void RyPaneTest::numbersHaveNoSlider()
     origin->setMax(100.0f);
     origin->setIsClamped(true);
     scene.select(scene.lShin);
-    const auto *number =
-        scene.tool->frame()->findChild<RyFloatPropertyWgt *>(QStringLiteral("JointEditorCenterPointXWgt"));
+    const auto *number = scene.tool->frame()->findChild<RyFloatPropertyWgt *>(QStringLiteral("JointEditorOriginXWgt"));
     QCOMPARE(number->getFirstProperty(), origin);
     QVERIFY(number->slider()->isHidden());
 }

@@ -15,12 +15,10 @@ public:
     /// Empty when the pane shows just that.
     QString difference() const
     {
-        const bool showsPoints = !m_scene.find<QWidget>("JointEditorNumbersScrollArea")->isHidden();
+        const bool showsPoints = !m_scene.find<QWidget>("JointEditorCenterEndPanel")->isHidden();
         const bool showsParam = !m_scene.find<QWidget>("JointEditorParamPanel")->isHidden();
         if (showsPoints == (m_param != nullptr) || showsParam == showsPoints)
             return QStringLiteral("the pane shows the other numbers");
-        if (m_scene.pane->isEnabled() != (m_node != nullptr))
-            return QStringLiteral("the pane can be used without a node");
         return wrongList() + wrongPoints() + wrongValues() + wrongSpheres();
     }
 
@@ -56,7 +54,7 @@ private:
     }
     QString wrongPoints() const
     {
-        const char *names[] = {"CenterPoint", "EndPoint", "Orientation"};
+        const char *names[] = {"Origin", "EndPoint", "Orientation"};
         QString wrong;
         for (int i = 0; i < 9; ++i) {
             const QByteArray name = QByteArray("JointEditor") + names[i / 3] + "XYZ"[i % 3] + "Wgt";

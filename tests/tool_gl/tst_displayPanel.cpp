@@ -1,6 +1,6 @@
 #include "support/RyTest.h"
 
-#include "RyDrawingStage.h"
+#include "RyParamStage.h"
 
 #include "pluginsource/RyJointTools/pane/RyJointEditorDisplayOptionsPanel.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -47,6 +47,47 @@ private slots:
         QCOMPARE(drawn(stage), with);
     }
 
+    void boxesOfParameters_data()
+    {
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("param");
+        for (const auto &[kind, param] : {std::pair("VertexWeights", "jointz"), std::pair("JointAngles", "jointz"),
+                                          std::pair("StaticSphere", "jointz"), std::pair("DynamicSphere", "jointz"),
+                                          std::pair("TwistBlendZone", "twistx"), std::pair("SmoothZones", "smoo")})
+            QTest::newRow(kind) << QStringLiteral("JointEditor%1Cbx").arg(QLatin1String(kind)) << QString(param);
+    }
+    void boxesOfParameters()
+    {
+        if (!RyDrawingStage::hasGL())
+            QSKIP("no OpenGL");
+        QFETCH(QString, box);
+        QFETCH(QString, param);
+        RyParamStage stage;
+        RyJointEditorDisplayOptionsPanel panel(stage.tool);
+        for (QCheckBox *each : panel.findChildren<QCheckBox *>()) {
+            if (each->objectName() != QLatin1String("JointEditorManipulatorsCbx"))
+                each->setChecked(false);
+        }
+        if (param == QLatin1String("twistx"))
+            stage.takeTwist();
+        else if (param == QLatin1String("smoo"))
+            stage.takeSmooth();
+        else
+            stage.takeBend();
+        auto *widget = panel.findChild<QCheckBox *>(box);
+        QVERIFY(widget->isEnabled());
+        const auto without = contents(stage);
+        QTest::keyClick(widget, Qt::Key_Space);
+        QVERIFY(widget->isChecked());
+        const auto with = contents(stage);
+        QVERIFY2(with.size() > without.size(), qPrintable(QString::number(with.size())));
+        // Nothing but that: whatever was drawn is drawn still.
+        for (const QString &primitive : without)
+            QVERIFY(with.contains(primitive));
+        QTest::keyClick(widget, Qt::Key_Space);
+        QCOMPARE(contents(stage), without);
+    }
+
     void visibleBones()
     {
         if (!RyDrawingStage::hasGL())
@@ -64,6 +105,25 @@ private slots:
     }
 
 private:
+    /// What is drawn, by color and first place.
+    static QStringList contents(RyDrawingStage &stage)
+    {
+        QStringList list;
+        const auto recording = stage.draw();
+        for (const auto &primitive : recording->primitives) {
+            const auto color = primitive.color();
+            const RyVec3 place = primitive.vertices.empty() ? RyVec3() : stage.world(primitive, 0);
+            list.append(QStringLiteral("%1 %2 %3 %4 at %5 %6 %7")
+                            .arg(color.r)
+                            .arg(color.g)
+                            .arg(color.b)
+                            .arg(color.a)
+                            .arg(double(place.x), 0, 'f', 2)
+                            .arg(double(place.y), 0, 'f', 2)
+                            .arg(double(place.z), 0, 'f', 2));
+        }
+        return list;
+    }
     /// Number of bones, of primitives, and of those that are seen through.
     static QVector<int> drawn(RyDrawingStage &stage)
     {

@@ -77,7 +77,7 @@ bool ClipStory::moveElbow()
 {
     HostWindow &window = m_stage.window();
     const RyNode *elbow = m_stage.node(Elbow);
-    const auto *number = window.findChild<QWidget *>(QStringLiteral("JointEditorCenterPointXWgt"));
+    const auto *number = window.findChild<QWidget *>(QStringLiteral("JointEditorOriginXWgt"));
     auto *field = number ? number->findChild<QLineEdit *>() : nullptr;
     if (!m_stage.check(elbow && field, QStringLiteral("the tool settings show the elbow's center point")))
         return false;

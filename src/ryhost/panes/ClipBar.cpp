@@ -4,6 +4,7 @@
 #include "ryhost/commands/menuEntries.h"
 #include "ryhost/look/HostIcons.h"
 
+#include <QAbstractItemView>
 #include <QAction>
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -106,6 +107,7 @@ void ClipBar::makeSpeeds()
 {
     m_speed->setObjectName(QStringLiteral("ClipSpeedCmb"));
     m_speed->setAccessibleName(tr("Speed of the clip"));
+    m_speed->view()->setAccessibleName(m_speed->accessibleName());
     m_speed->setToolTip(tr("How fast the clip plays"));
     for (const double speed : {0.1, 0.25, 0.5, 1.0, 2.0, 4.0})
         m_speed->addItem(tr("%1 x").arg(speed), speed);

@@ -112,6 +112,7 @@ void ClipList::fill()
         branch->appendRow({name, length});
         m_items.push_back(name);
     }
+    nameBranches();
     expandAll();
     markShown();
     updateGeometry();
@@ -122,8 +123,11 @@ void ClipList::fill()
 void ClipList::nameBranches()
 {
     for (const auto &[subject, branch] : m_branches) {
-        if (subject)
-            branch->setText(subject->getLabel());
+        if (!subject)
+            continue;
+        branch->setText(subject->getLabel());
+        m_model->item(branch->row(), LengthColumn)
+            ->setData(tr("Clips of %1").arg(subject->getLabel()), Qt::AccessibleTextRole);
     }
 }
 

@@ -3,12 +3,17 @@
 #include "rycore/ui/RyMenu.h"
 #include "rycore/viewport/RyViewTool.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
 
-static constexpr int LeastWidth = 220; // narrower than settings like to be: then they scroll sideways
+#include <algorithm>
+
+static constexpr int LeastWidth = 220;
+static constexpr int MostLeastWidth = 350; // what needs more scrolls sideways
 
 ToolSettingsPane::ToolSettingsPane(QWidget *parent)
     : QWidget(parent), m_header(new QWidget(this)), m_name(new QLabel(m_header)),
@@ -37,6 +42,7 @@ ToolSettingsPane::ToolSettingsPane(QWidget *parent)
     m_scroll->setObjectName(QStringLiteral("ToolSettingsScroll"));
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(true);
+    m_scroll->setFocusPolicy(Qt::NoFocus); // what has the focus is scrolled into sight
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -62,6 +68,25 @@ void ToolSettingsPane::showHeader(RyViewTool *tool)
     m_header->setVisible(tool != nullptr);
 }
 
+/// The hint of what is shown is a wish: what its parts need is less, and goes before. They have room side by side at
+/// any height.
+void ToolSettingsPane::giveRoom()
+{
+    if (!m_shown->layout())
+        return;
+    m_shown->setMinimumSize(m_shown->layout()->totalMinimumSize());
+    const int bar = m_scroll->verticalScrollBar()->sizeHint().width();
+    setMinimumWidth(std::clamp(m_shown->minimumWidth() + bar, LeastWidth, MostLeastWidth));
+}
+
+bool ToolSettingsPane::eventFilter(QObject *watched, QEvent *event)
+{
+    // Parts come and go.
+    if (watched == m_shown && event->type() == QEvent::LayoutRequest)
+        giveRoom();
+    return QWidget::eventFilter(watched, event);
+}
+
 void ToolSettingsPane::showSettings(RyViewTool *tool)
 {
     QWidget *wanted = tool ? tool->getSettingsWidget() : nullptr;
@@ -69,6 +94,7 @@ void ToolSettingsPane::showSettings(RyViewTool *tool)
         return;
     // A pane belongs to its tool: it is taken out, hidden, and stays alive for the next time.
     if (m_shown) {
+        m_shown->removeEventFilter(this);
         m_scroll->takeWidget();
         m_shown->setParent(nullptr);
         m_shown->hide();
@@ -76,10 +102,10 @@ void ToolSettingsPane::showSettings(RyViewTool *tool)
         delete m_scroll->takeWidget();
     }
     m_shown = wanted;
+    setMinimumWidth(LeastWidth);
     if (wanted) {
-        // Its hint is a wish: what its parts need is less, and goes before.
-        if (wanted->layout())
-            wanted->setMinimumSize(wanted->layout()->totalMinimumSize());
+        wanted->installEventFilter(this);
+        giveRoom();
         m_scroll->setWidget(wanted);
         wanted->show();
         return;

@@ -20,7 +20,11 @@ public:
     void showTool(RyViewTool *tool);
     RyMenu *optionsMenu() const { return m_menu; }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    void giveRoom();
     void showHeader(RyViewTool *tool);
     void showSettings(RyViewTool *tool);
 

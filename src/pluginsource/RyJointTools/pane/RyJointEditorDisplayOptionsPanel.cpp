@@ -2,6 +2,7 @@
 
 #include "rycore/ui/RyStandardMetrics.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
@@ -73,6 +74,7 @@ void RyJointEditorDisplayOptionsPanel::addBones(QGridLayout *grid)
     m_bones = new QComboBox;
     m_bones->setObjectName(QStringLiteral("JointEditorVisibleBonesCmb"));
     m_bones->setAccessibleName(tr("Visible Bones"));
+    m_bones->view()->setAccessibleName(m_bones->accessibleName());
     m_bones->setFixedHeight(RyStandardMetrics::DropDownHeight);
     m_bones->addItems({tr("Entire Figure"), tr("Selected, Children, and Parent"), tr("Selected Only"), tr("None")});
     // The longest entry may be cut rather than widen the pane.

@@ -1,15 +1,21 @@
 #include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
 
+#include "pluginsource/RyJointTools/pane/RyBoneFaceGroupSelectionDropDown.h"
+#include "pluginsource/RyJointTools/pane/RyCenterEndPanel.h"
+#include "pluginsource/RyJointTools/pane/RyJointEditorDisplayOptionsPanel.h"
 #include "pluginsource/RyJointTools/pane/RyJointParamCombo.h"
 #include "pluginsource/RyJointTools/pane/RyJointParamPanel.h"
+#include "pluginsource/RyJointTools/pane/RyJointToolNodeFilter.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
-#include "rycore/base/RyFloatProperty.h"
 #include "rycore/parametric/RyLegacyCurve.h"
-#include "rycore/ui/RyFloatPropertyWgt.h"
+#include "rycore/ui/RyDividerBar.h"
+#include "rycore/ui/RyDynamicDividerWgt.h"
+#include "rycore/ui/RySceneSelectionDropDown.h"
 #include "rycore/ui/RyStandardMetrics.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -17,42 +23,28 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 static constexpr int paneWidth = 350;
 static constexpr int paneHeight = 600;
-static constexpr int spacing = 5;
 
-namespace {
-
-/// One of the three groups of numbers in the pane.
-struct Triple
-{
-    const char *title; // source text of the context RyJointEditorToolFrame
-    const char *objectName;
-    const char *unit;
-};
-
-constexpr Triple triples[3] = {
-    {QT_TRANSLATE_NOOP("RyJointEditorToolFrame", "Center Point :"), "CenterPoint", " cm"},
-    {QT_TRANSLATE_NOOP("RyJointEditorToolFrame", "End Point :"), "EndPoint", " cm"},
-    {QT_TRANSLATE_NOOP("RyJointEditorToolFrame", "Orientation :"), "Orientation", "\u00b0"},
-};
-
-} // namespace
-
-RyJointEditorToolFrame::RyJointEditorToolFrame(QWidget *parent, RyJointEditorTool *tool)
-    : QFrame(parent), m_tool(tool), m_dividerBar(new QWidget(this))
+RyJointEditorToolFrame::RyJointEditorToolFrame(QWidget *parent, RyJointEditorTool *tool) : QFrame(parent), m_tool(tool)
 {
     setObjectName(QStringLiteral("Joint Editor Tool Settings"));
-    m_dividerBar->setObjectName(QStringLiteral("JointEditorDividerBarWgt"));
-    m_dividerBar->hide();
-
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeTop());
+    QWidget *top = makeTop();
+    auto *display = new RyJointEditorDisplayOptionsPanel(m_tool, this);
+    display->setObjectName(QStringLiteral("JointEditorDisplayPanel"));
+    m_divider = new RyDynamicDividerWgt(top, display, this);
+    m_divider->setObjectName(QStringLiteral("JointEditorDynamicDividerWgt"));
+    m_divider->setResizeType(RyDynamicDividerWgt::SecondKeeps);
+    m_divider->setToggleDirection(RyDynamicDividerWgt::FoldsDown);
+    m_divider->setPreferredExtent(display->minimumSizeHint().height());
+    m_divider->setBarMovesEnabled(false);
+    layout->addWidget(m_divider);
+    orderFocus(top);
 
+    m_centerEndPanel->showNode(tool->currentNode());
     updateNode(tool->currentNode());
     updateParam(tool->currentParam());
     connect(tool, SIGNAL(nodeChanged(RyNode *)), this, SLOT(updateNode(RyNode *)));
@@ -64,99 +56,103 @@ QSize RyJointEditorToolFrame::minimumSizeHint() const
     return QSize(paneWidth, paneHeight);
 }
 
+QWidget *RyJointEditorToolFrame::getDividerBar() const
+{
+    return m_divider->getDividerBar();
+}
+
+static void speakAs(QComboBox *combo, const QString &name)
+{
+    combo->setAccessibleName(name);
+    combo->view()->setAccessibleName(name);
+}
+
 QWidget *RyJointEditorToolFrame::makeTop()
 {
     auto *top = new QWidget(this);
     top->setObjectName(QStringLiteral("JointEditorTopWgt"));
     auto *grid = new QGridLayout(top);
-    grid->setContentsMargins(spacing, spacing, spacing, spacing);
-    grid->setSpacing(spacing);
+    const int margin = RyStandardMetrics::Margin;
+    grid->setContentsMargins(margin, margin, margin, margin);
+    grid->setHorizontalSpacing(margin);
+    grid->setVerticalSpacing(RyStandardMetrics::Spacing);
+    int row = 0;
 
-    m_nodeName = new QLabel(top);
-    m_nodeName->setObjectName(QStringLiteral("JointEditorNodeNameLbl"));
-    m_nodeName->setTextFormat(Qt::PlainText);
-    addRow(grid, tr("Node :"), "JointEditorNodeLbl", m_nodeName);
+    auto *nodes = new RySceneSelectionDropDown(std::make_unique<RyJointToolNodeFilter>(), top);
+    nodes->setObjectName(QStringLiteral("JointEditorNodeBtn"));
+    addRow(grid, row++, tr("Node :"), "JointEditorNodeLbl", nodes);
+    grid->addItem(new QSpacerItem(0, RyStandardMetrics::Spacing, QSizePolicy::Minimum, QSizePolicy::Fixed), row++, 0);
+    addRow(grid, row++, tr("Selection Group :"), "JointEditorSelectionGroupLbl",
+           new RyBoneFaceGroupSelectionDropDown(top));
 
     m_params = new RyJointParamCombo(m_tool, top);
     m_params->setObjectName(QStringLiteral("JointEditorParameterCmb"));
-    m_params->setAccessibleName(tr("Parameter"));
+    speakAs(m_params, tr("Parameter"));
     m_params->setFixedHeight(RyStandardMetrics::DropDownHeight);
     connect(m_params, SIGNAL(activated(int)), this, SLOT(setParam(int)));
-    addRow(grid, tr("Parameter :"), "JointEditorParameterLbl", m_params);
+    addRow(grid, row++, tr("Parameter :"), "JointEditorParameterLbl", m_params);
 
-    m_rotationOrder = new QComboBox(top);
-    m_rotationOrder->setObjectName(QStringLiteral("JointEditorRotationOrderCmb"));
-    m_rotationOrder->setAccessibleName(tr("Rotation Order"));
-    m_rotationOrder->setFixedHeight(RyStandardMetrics::DropDownHeight);
-    for (int code = RyRotationOrder::XYZ; code <= RyRotationOrder::ZYX; ++code)
-        m_rotationOrder->addItem(RyRotationOrder(code).name());
-    connect(m_rotationOrder, SIGNAL(activated(int)), this, SLOT(setRotation(int)));
-    addRow(grid, tr("Rotation Order :"), "JointEditorRotationOrderLbl", m_rotationOrder);
+    m_rotationOrder = makeRotationOrder(top);
+    addRow(grid, row++, tr("Rotation Order :"), "JointEditorRotationOrderLbl", m_rotationOrder);
 
-    m_points = makeNumbers();
+    // One of the two shows.
+    m_centerEndPanel = new RyCenterEndPanel(m_tool, top);
     m_paramPanel = new RyJointParamPanel(m_tool, top);
     m_paramPanel->setObjectName(QStringLiteral("JointEditorParamPanel"));
-    auto *pages = new QVBoxLayout; // one of them shows
-    pages->addWidget(m_points);
+    auto *pages = new QVBoxLayout;
+    pages->setContentsMargins(0, RyStandardMetrics::Spacing, 0, 0);
+    pages->addWidget(m_centerEndPanel);
     pages->addWidget(m_paramPanel);
-    const int row = grid->rowCount();
     grid->addLayout(pages, row, 0, 1, 2);
-    grid->setColumnStretch(1, 1);
     grid->setRowStretch(row, 1);
+    grid->setColumnStretch(0, 0);
+    grid->setColumnStretch(1, 1);
     return top;
 }
 
-void RyJointEditorToolFrame::addRow(QGridLayout *grid, const QString &label, const char *labelName, QWidget *field)
+/// From top to bottom, and only to what can be worked with keys.
+void RyJointEditorToolFrame::orderFocus(QWidget *top)
+{
+    // What has the focus is scrolled into sight.
+    for (QScrollArea *area : findChildren<QScrollArea *>())
+        area->setFocusPolicy(Qt::NoFocus);
+    // The bar was made last.
+    QWidget *last = getDividerBar();
+    do
+        last = last->previousInFocusChain();
+    while (!top->isAncestorOf(last) || last->focusPolicy() == Qt::NoFocus);
+    setTabOrder(last, getDividerBar());
+}
+
+QComboBox *RyJointEditorToolFrame::makeRotationOrder(QWidget *parent)
+{
+    auto *combo = new QComboBox(parent);
+    combo->setObjectName(QStringLiteral("JointEditorRotationOrderCmb"));
+    speakAs(combo, tr("Rotation Order"));
+    combo->setFixedHeight(RyStandardMetrics::DropDownHeight);
+    for (int code = RyRotationOrder::XYZ; code <= RyRotationOrder::ZYX; ++code)
+        combo->addItem(RyRotationOrder(code).name());
+    connect(combo, SIGNAL(activated(int)), this, SLOT(setRotation(int)));
+    return combo;
+}
+
+void RyJointEditorToolFrame::addRow(QGridLayout *grid, int row, const QString &label, const char *labelName,
+                                    QWidget *field)
 {
     auto *title = new QLabel(label, field->parentWidget());
     title->setObjectName(QLatin1String(labelName));
     title->setBuddy(field);
-    const int row = grid->isEmpty() ? 0 : grid->rowCount();
     grid->addWidget(title, row, 0);
     grid->addWidget(field, row, 1);
 }
 
-QWidget *RyJointEditorToolFrame::makeNumbers()
+void RyJointEditorToolFrame::updateRotationOrder()
 {
-    auto *area = new QScrollArea(this);
-    area->setObjectName(QStringLiteral("JointEditorNumbersScrollArea"));
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    auto *numbers = new QWidget(area);
-    numbers->setObjectName(QStringLiteral("JointEditorNumbersWgt"));
-    area->setWidget(numbers);
-    auto *grid = new QGridLayout(numbers);
-    grid->setContentsMargins(0, spacing, 0, spacing);
-    grid->setSpacing(spacing);
-    int row = 0;
-    for (int triple = 0; triple < 3; ++triple) {
-        auto *title = new QLabel(tr(triples[triple].title), numbers);
-        title->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName) +
-                             QLatin1String("Lbl"));
-        grid->addWidget(title, row++, 0);
-        for (int axis = 0; axis < 3; ++axis) {
-            const QString axisName(QLatin1Char("XYZ"[axis]));
-            auto *number = new RyFloatPropertyWgt(numbers);
-            number->setObjectName(QLatin1String("JointEditor") + QLatin1String(triples[triple].objectName) + axisName +
-                                  QLatin1String("Wgt"));
-            number->setLabelText(axisName);
-            number->setSuffix(QString::fromUtf8(triples[triple].unit));
-            number->setFullLengthTextEdit(true);
-            m_numbers[3 * triple + axis] = number;
-            grid->addWidget(number, row++, 0);
-        }
-    }
-    grid->setRowStretch(row, 1);
-    return area;
-}
-
-void RyJointEditorToolFrame::updateHeader()
-{
-    m_nodeName->setText(m_node ? m_node->getLabel() : QString());
-    if (m_node) {
-        const QSignalBlocker blocker(m_rotationOrder);
-        m_rotationOrder->setCurrentIndex(m_node->getRotationOrder().order());
-    }
+    const QSignalBlocker blocker(m_rotationOrder);
+    const int order = m_node ? m_node->getRotationOrder().order() : -1;
+    if (order >= RyRotationOrder::XYZ && order <= RyRotationOrder::ZYX)
+        m_rotationOrder->setCurrentIndex(order);
+    m_rotationOrder->setEnabled(m_node);
 }
 
 void RyJointEditorToolFrame::setParam(int selection)
@@ -171,8 +167,12 @@ void RyJointEditorToolFrame::setParam(int selection)
 void RyJointEditorToolFrame::updateParam(RyLegacyJointParam *param)
 {
     const bool isCurve = qobject_cast<RyLegacyCurve *>(param);
-    m_points->setVisible(!param);
+    // Never both, which would ask for more room for a moment.
+    if (param)
+        m_centerEndPanel->hide();
     m_paramPanel->setVisible(param && !isCurve);
+    if (!param)
+        m_centerEndPanel->show();
     m_params->choose(param);
 }
 
@@ -181,27 +181,10 @@ void RyJointEditorToolFrame::updateNode(RyNode *node)
     if (m_node)
         disconnect(m_node, nullptr, this, nullptr);
     m_node = node;
-    if (m_node) {
-        connect(m_node, &RyBase::nameChanged, this, &RyJointEditorToolFrame::updateHeader);
-        connect(m_node, &RyElement::labelChanged, this, &RyJointEditorToolFrame::updateHeader);
-        connect(m_node, &RyNode::rotationOrderChanged, this, &RyJointEditorToolFrame::updateHeader);
-    }
-    setEnabled(node != nullptr);
+    if (m_node)
+        connect(m_node, &RyNode::rotationOrderChanged, this, &RyJointEditorToolFrame::updateRotationOrder);
     m_params->fill();
-    updateHeader();
-    RyFloatProperty *properties[9] = {};
-    if (node) {
-        RyFloatProperty *const controls[9] = {
-            node->getOriginXControl(), node->getOriginYControl(), node->getOriginZControl(),
-            node->getEndXControl(),    node->getEndYControl(),    node->getEndZControl(),
-            node->getOrientXControl(), node->getOrientYControl(), node->getOrientZControl()};
-        std::copy(std::begin(controls), std::end(controls), properties);
-    }
-    for (int i = 0; i < 9; ++i) {
-        m_numbers[i]->clearProperties();
-        if (properties[i])
-            m_numbers[i]->addProperty(properties[i]);
-    }
+    updateRotationOrder();
     if (!node)
         updateParam(m_tool->currentParam());
 }
@@ -214,4 +197,5 @@ void RyJointEditorToolFrame::setRotation(int selection)
     RyUndoStackHold hold;
     m_tool->changeRotationOrder(node, RyRotationOrder(selection));
     hold.accept(tr("Rotation Order Change"));
+    updateParam(m_tool->currentParam());
 }

@@ -7,16 +7,16 @@
 
 class QComboBox;
 class QGridLayout;
-class QLabel;
-class RyFloatPropertyWgt;
+class RyCenterEndPanel;
+class RyDynamicDividerWgt;
 class RyJointEditorTool;
 class RyJointParamCombo;
 class RyJointParamPanel;
 class RyLegacyJointParam;
 
-/// The tool settings pane: the current node, what of it is edited, its rotation order, and the numbers of what is
-/// edited: center point, end point and orientation, or one parameter of its joint. Made by the tool, which it does not
-/// own.
+/// The tool settings pane: the node, the group that selects it, what of it is edited and its rotation order; below them
+/// its points or one parameter of its joint; behind a divider what the tool draws. Made by the tool, which it does not
+/// own. Without a node another one can still be chosen.
 class RyJointEditorToolFrame : public QFrame
 {
     Q_OBJECT
@@ -24,8 +24,8 @@ public:
     RyJointEditorToolFrame(QWidget *parent, RyJointEditorTool *tool);
 
     QSize minimumSizeHint() const override;
-    /// What the host offers to fold the pane away with.
-    QWidget *getDividerBar() const { return m_dividerBar; }
+    /// Folds the display options away.
+    QWidget *getDividerBar() const;
 
 private slots:
     void setParam(int selection);
@@ -35,17 +35,16 @@ private slots:
 
 private:
     QWidget *makeTop();
-    void addRow(QGridLayout *grid, const QString &label, const char *labelName, QWidget *field);
-    QWidget *makeNumbers();
-    void updateHeader();
+    void addRow(QGridLayout *grid, int row, const QString &label, const char *labelName, QWidget *field);
+    QComboBox *makeRotationOrder(QWidget *parent);
+    void orderFocus(QWidget *top);
+    void updateRotationOrder();
 
     RyJointEditorTool *m_tool;
     QPointer<RyNode> m_node;
-    QLabel *m_nodeName = nullptr;
+    RyJointParamPanel *m_paramPanel = nullptr;
+    RyCenterEndPanel *m_centerEndPanel = nullptr;
     RyJointParamCombo *m_params = nullptr;
     QComboBox *m_rotationOrder = nullptr;
-    QWidget *m_points = nullptr; // what shows while no parameter is edited
-    RyJointParamPanel *m_paramPanel = nullptr;
-    RyFloatPropertyWgt *m_numbers[9] = {};
-    QWidget *m_dividerBar;
+    RyDynamicDividerWgt *m_divider = nullptr;
 };

@@ -134,7 +134,8 @@ void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder 
     const OrderChange change = ::changeRotationOrder(node, order);
     if (change == OrderChange::None)
         return;
-    emit nodeChanged(currentNode());
+    if (node == currentNode())
+        emit nodeChanged(node);
     RyMainWindow *window = RyApp::getInterface();
     if (window && change == OrderChange::AnglesKept)
         window->showMessage(tr("The bend angles stay as they were. \"Fit Zones to Bone\" turns them along the bone."));

@@ -107,7 +107,8 @@ public:
     bool autoSnapEndPoints() const { return m_options.autoSnapEndPoints; }
     void setAutoSnapEndPoints(bool onOff);
 
-    /// See operations/changeRotationOrder.h; announces the current node anew. Nothing for null or the same order.
+    /// See operations/changeRotationOrder.h; announces the current node anew when it is that one. Nothing for null or
+    /// the same order.
     void changeRotationOrder(RyNode *node, const RyRotationOrder &order);
 
 signals:

@@ -1,0 +1,94 @@
+#include "pluginsource/RyJointTools/pane/RyBindingBulgeView.h"
+
+#include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/ui/RyFloatPropertyWgt.h"
+#include "rycore/ui/RyNumberField.h"
+#include "rycore/ui/RyScrubLabel.h"
+
+#include <QHeaderView>
+
+static constexpr float step = 0.05f;
+
+RyBindingBulgeView::RyBindingBulgeView(QWidget *parent) : QTreeWidget(parent)
+{
+    setObjectName(QStringLiteral("JointEditorBindingBulgeView"));
+    setAccessibleName(tr("Bulges"));
+    setFrameShape(QFrame::NoFrame);
+    setColumnCount(2);
+    setHeaderLabels({tr("Bulge"), tr("Property")});
+    setAllColumnsShowFocus(false);
+    header()->setSectionResizeMode(QHeaderView::Stretch);
+    header()->setSectionsMovable(false);
+}
+
+std::vector<RyBindingBulgeView::Side> RyBindingBulgeView::sidesOf(const RyBoneBinding &binding)
+{
+    std::vector<Side> sides;
+    for (int axis = 0; axis < 3; ++axis) {
+        const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
+        if (!bulge)
+            continue;
+        if (const RyWeightMap *map = bulge->getLeftWeights())
+            sides.push_back(
+                {axis, map, map->objectName(), bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController()});
+        if (const RyWeightMap *map = bulge->getRightWeights())
+            sides.push_back({axis, map, map->objectName(), bulge->getPosRightBulgeController(),
+                             bulge->getNegRightBulgeController()});
+    }
+    return sides;
+}
+
+void RyBindingBulgeView::showBinding(const RyBoneBinding *binding)
+{
+    const std::vector<Side> sides = binding ? sidesOf(*binding) : std::vector<Side>();
+    if (sides == m_sides && (topLevelItemCount() > 0) == (binding != nullptr))
+        return;
+    clear();
+    m_sides = sides;
+    m_lastField = this;
+    for (int axis = 0; binding && axis < 3; ++axis)
+        addAxis(axis);
+    expandAll();
+}
+
+void RyBindingBulgeView::addAxis(int axis)
+{
+    const QString titles[] = {tr("X Axis"), tr("Y Axis"), tr("Z Axis")};
+    auto *item = new QTreeWidgetItem(this, {titles[axis]});
+    for (const Side &side : m_sides) {
+        if (side.axis == axis)
+            addSide(item, side);
+    }
+}
+
+void RyBindingBulgeView::addSide(QTreeWidgetItem *above, const Side &side)
+{
+    auto *item = new QTreeWidgetItem(above, {side.name});
+    addController(item, tr("Pos"), side.pos);
+    addController(item, tr("Neg"), side.neg);
+}
+
+void RyBindingBulgeView::addController(QTreeWidgetItem *above, const QString &title, RyFloatProperty *property)
+{
+    auto *item = new QTreeWidgetItem(above, {title});
+    const QString spoken = above->parent()->text(0) + QLatin1Char(' ') + above->text(0) + QLatin1Char(' ') + title;
+    item->setData(1, Qt::AccessibleTextRole, spoken);
+    auto *field = new RyFloatPropertyWgt;
+    field->setAutoFillBackground(true); // over the row's own drawing
+    field->label()->hide();
+    field->setFullLengthTextEdit(true);
+    field->setStep(step);
+    field->setLabelText(title);
+    field->setSpokenName(spoken);
+    field->addProperty(property);
+    connect(field, &RyFloatPropertyWgt::messagePosted, this, [](const QString &message) {
+        if (RyMainWindow *window = RyApp::getInterface())
+            window->showMessage(message);
+    });
+    setItemWidget(item, 1, field);
+    setTabOrder(m_lastField, field->numberField());
+    m_lastField = field->numberField();
+}

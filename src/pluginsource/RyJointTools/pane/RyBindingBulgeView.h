@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QTreeWidget>
+
+#include <vector>
+
+class RyBoneBinding;
+class RyBulgeBinding;
+class RyFloatProperty;
+class RyWeightMap;
+
+/// How far a bone of a skin bulges: by axis, by weight map, for positive and negative turns, each with its field.
+class RyBindingBulgeView : public QTreeWidget
+{
+    Q_OBJECT
+public:
+    explicit RyBindingBulgeView(QWidget *parent = nullptr);
+
+    /// Lists the bulges of a binding; nothing for null. What stays the same is left alone.
+    void showBinding(const RyBoneBinding *binding);
+
+private:
+    /// One side of a bulge binding.
+    struct Side
+    {
+        int axis;
+        const RyWeightMap *map; // compared, never followed
+        QString name;
+        RyFloatProperty *pos;
+        RyFloatProperty *neg;
+        bool operator==(const Side &) const = default;
+    };
+    static std::vector<Side> sidesOf(const RyBoneBinding &binding);
+    void addAxis(int axis);
+    void addSide(QTreeWidgetItem *above, const Side &side);
+    void addController(QTreeWidgetItem *above, const QString &title, RyFloatProperty *property);
+
+    std::vector<Side> m_sides;
+    QWidget *m_lastField = nullptr; // while fields are made
+};
