@@ -105,15 +105,16 @@ private slots:
     }
 
 private:
-    /// What is drawn, by color and first place.
+    /// What is drawn, by size, color and first place.
     static QStringList contents(RyDrawingStage &stage)
     {
         QStringList list;
         const auto recording = stage.draw();
-        for (const auto &primitive : recording->primitives) {
+        const auto add = [&](const RyGLRecorder::Primitive &primitive) {
             const auto color = primitive.color();
             const RyVec3 place = primitive.vertices.empty() ? RyVec3() : stage.world(primitive, 0);
-            list.append(QStringLiteral("%1 %2 %3 %4 at %5 %6 %7")
+            list.append(QStringLiteral("%1 vertices, %2 %3 %4 %5 at %6 %7 %8")
+                            .arg(primitive.vertices.size())
                             .arg(color.r)
                             .arg(color.g)
                             .arg(color.b)
@@ -121,7 +122,11 @@ private:
                             .arg(double(place.x), 0, 'f', 2)
                             .arg(double(place.y), 0, 'f', 2)
                             .arg(double(place.z), 0, 'f', 2));
-        }
+        };
+        for (const auto &primitive : recording->primitives)
+            add(primitive);
+        for (const auto &elements : recording->elements)
+            add(elements.primitive);
         return list;
     }
     /// Number of bones, of primitives, and of those that are seen through.
