@@ -105,6 +105,10 @@ const EnablingRow working[] = {
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
+    {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
+    {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},
+    {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
+    {"RyJERestoreNodeRiggingPropertiesAction", "011111", anyReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
@@ -112,10 +116,6 @@ const EnablingRow working[] = {
 const EnablingRow notYetWorking[] = {
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
-    {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
-    {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},
-    {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
-    {"RyJERestoreNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJETransferWSRiggingAction", "111111", ""},
     {"RyJECreateDonorFigureAction", "111111", ""},
     {"RyJECreateControlBonesAction", "111111", ""},

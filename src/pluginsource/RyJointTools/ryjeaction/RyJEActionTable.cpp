@@ -119,22 +119,22 @@ constexpr RyJEActionRow rows[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "Enables automatic snapping of End Points of bones to the Center Point of "
                                          "their respective children."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "tail tip connect keep connected automatic")},
-    {"RyJEMemorizeFigureRiggingPropertiesAction", "7B3B3C16-624E-4C12-B305-312B78E1C245", notYet, command,
+    {"RyJEMemorizeFigureRiggingPropertiesAction", "7B3B3C16-624E-4C12-B305-312B78E1C245", isSkeletonOrBone, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Memorize Figure Rigging"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Sets the current values of the rigging properties for each node of a "
                                          "figure as their default values."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "freeze apply rest pose bind pose default store save set zero")},
-    {"RyJEMemorizeNodeRiggingPropertiesAction", "2e95c3a6-3772-4025-a757-7a884cd94542", notYet, command,
+    {"RyJEMemorizeNodeRiggingPropertiesAction", "2e95c3a6-3772-4025-a757-7a884cd94542", isAnyNode, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Memorize Selected Node(s) Rigging"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Sets the current values of the rigging properties for the selected node "
                                          "as the default values."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "freeze apply rest pose bind pose default store save set zero")},
-    {"RyJERestoreFigureRiggingPropertiesAction", "B916F30C-9701-47D9-AFD3-2D08FCD9BD78", notYet, command,
+    {"RyJERestoreFigureRiggingPropertiesAction", "B916F30C-9701-47D9-AFD3-2D08FCD9BD78", isSkeletonOrBone, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Restore Figure Rigging"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Restores the rigging properties for each node of a figure to their "
                                          "default values."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "reset revert default zero rest bind pose undo changes")},
-    {"RyJERestoreNodeRiggingPropertiesAction", "c7dfb33c-d73a-4e93-9035-c73fbc3b1da5", notYet, command,
+    {"RyJERestoreNodeRiggingPropertiesAction", "c7dfb33c-d73a-4e93-9035-c73fbc3b1da5", isAnyNode, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Restore Selected Node(s) Rigging"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Restores the rigging properties for the selected nodes to their default "
                                          "values."),

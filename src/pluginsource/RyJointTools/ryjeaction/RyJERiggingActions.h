@@ -2,13 +2,21 @@
 
 #include "pluginsource/RyJointTools/ryjeaction/RyJEToolAction.h"
 
-// Actions that memorize and restore riggings.
+#include <vector>
+
+class RyNode;
+
+// Actions that memorize and restore riggings and take them to another figure.
 
 class RyJEMemorizeFigureRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
     RyJEMemorizeFigureRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
+    void selectionChanged() { followRule(); }
 };
 
 class RyJEMemorizeNodeRiggingPropertiesAction : public RyJEToolAction
@@ -16,6 +24,10 @@ class RyJEMemorizeNodeRiggingPropertiesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJEMemorizeNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
+    void selectionChanged() { followRule(); }
 };
 
 class RyJERestoreFigureRiggingPropertiesAction : public RyJEToolAction
@@ -23,11 +35,27 @@ class RyJERestoreFigureRiggingPropertiesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJERestoreFigureRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
+    void selectionChanged() { followRule(); }
 };
 
+/// Works on the selection, or, where a node is set as the action's data (a `QObject *`), on that node and all below it.
+/// Does nothing when that node has left the scene since.
 class RyJERestoreNodeRiggingPropertiesAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
-    RyJERestoreNodeRiggingPropertiesAction() : RyJEToolAction(staticMetaObject) {}
+    RyJERestoreNodeRiggingPropertiesAction();
+
+public slots:
+    void executeAction() override;
+    void selectionChanged() { followRule(); }
+
+private:
+    void followData();
+    void forget(const QObject *gone);
+    /// False when there is nothing to work on.
+    bool findNodes(std::vector<RyNode *> &nodes) const;
 };

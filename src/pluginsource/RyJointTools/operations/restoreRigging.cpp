@@ -1,0 +1,21 @@
+#include "pluginsource/RyJointTools/operations/restoreRigging.h"
+
+#include "pluginsource/RyJointTools/operations/adjustValues.h"
+#include "pluginsource/RyJointTools/operations/listRiggingProperties.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyNode.h"
+#include "rycore/scene/RyRiggingEdit.h"
+
+void restoreRigging(const std::vector<RyNode *> &nodes)
+{
+    std::vector<RyWantedValue> defaults;
+    for (const RyNode *node : nodes) {
+        if (!node)
+            continue;
+        for (RyFloatProperty *property : listRiggingProperties(*node))
+            defaults.push_back({property, property->getDefaultValue()});
+    }
+    const RyRiggingEdit edit;
+    adjustValues(defaults);
+}
