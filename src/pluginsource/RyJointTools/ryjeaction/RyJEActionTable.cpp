@@ -139,7 +139,7 @@ constexpr RyJEActionRow rows[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "Restores the rigging properties for the selected nodes to their default "
                                          "values."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "reset revert default zero rest bind pose undo changes")},
-    {"RyJETransferWSRiggingAction", "3dd85216-d77c-44a6-94fb-53485b4bff6e", notYet, command,
+    {"RyJETransferWSRiggingAction", "3dd85216-d77c-44a6-94fb-53485b4bff6e", always, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Transfer Rigging (Figure Space)"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Transfers the bone positions and orientations, in figure space "
                                          "coordinates, from the first selected figure to the second selected "

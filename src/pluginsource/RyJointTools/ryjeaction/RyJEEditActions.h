@@ -17,10 +17,3 @@ class RyJEBakeRotationsAction : public RyJEToolAction
 public:
     RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}
 };
-
-class RyJETransferWSRiggingAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJETransferWSRiggingAction() : RyJEToolAction(staticMetaObject) {}
-};

@@ -2,11 +2,19 @@
 
 #include "pluginsource/RyJointTools/operations/memorizeRigging.h"
 #include "pluginsource/RyJointTools/operations/restoreRigging.h"
+#include "pluginsource/RyJointTools/operations/transferRigging.h"
+#include "pluginsource/RyJointTools/ryjeaction/selectionBoxes.h"
 
+#include "rycore/app/RyApp.h"
+#include "rycore/app/RyMainWindow.h"
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStackHold.h"
+
+#include <QSet>
 
 using RyRiggingOperation = void (*)(const std::vector<RyNode *> &);
 
@@ -84,4 +92,49 @@ void RyJERestoreNodeRiggingPropertiesAction::executeAction()
     std::vector<RyNode *> nodes;
     if (findNodes(nodes))
         runAsStep(restoreRigging, nodes, text());
+}
+
+/// The skeletons of the selected nodes but the primary one, less the target.
+static QSet<const RySkeleton *> selectedSources(const RySkeleton *target)
+{
+    std::vector<RyNode *> nodes = ryScene()->selectedNodeListIterator();
+    nodes.pop_back();
+    QSet<const RySkeleton *> sources;
+    for (const RyNode *node : nodes) {
+        const RySkeleton *skeleton = node->getSkeleton();
+        if (skeleton && skeleton != target)
+            sources.insert(skeleton);
+    }
+    return sources;
+}
+
+static void reportTransfer(const RyRiggingTransfer &transfer, const RySkeleton &source, const RySkeleton &target)
+{
+    QString text = RyJEToolAction::tr("Bones placed as in %1: %2. In %1 alone: %3. Without a namesake there: %4.")
+                       .arg(source.getLabel())
+                       .arg(transfer.matched)
+                       .arg(transfer.sourceOnly)
+                       .arg(transfer.unmatched.size());
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(text);
+    if (!transfer.unmatched.isEmpty())
+        text += QLatin1Char(' ') + transfer.unmatched.join(QStringLiteral(", "));
+    RyMessageLog::global().info(target.getLabel() + QStringLiteral(": ") + text);
+}
+
+void RyJETransferWSRiggingAction::executeAction()
+{
+    const RyNode *primary = ryScene()->getPrimarySelection();
+    const auto *target = primary ? qobject_cast<const RyFigure *>(primary->getSkeleton()) : nullptr;
+    const QSet<const RySkeleton *> sources = target ? selectedSources(target) : QSet<const RySkeleton *>();
+    if (sources.size() != 1) {
+        informOfSelection(RyJEToolAction::tr("Select a source figure, and then a target, to use this action.<br />Both "
+                                             "figures must be based on Korvex<sup>TM</sup> technology."));
+        return;
+    }
+    const RySkeleton &source = **sources.begin();
+    RyUndoStackHold hold;
+    const RyRiggingTransfer transfer = transferRigging(source, *target);
+    hold.accept(text());
+    reportTransfer(transfer, source, *target);
 }

@@ -59,3 +59,14 @@ private:
     /// False when there is nothing to work on.
     bool findNodes(std::vector<RyNode *> &nodes) const;
 };
+
+/// The skeleton of the primary selection is the target; the other selected nodes must be of one other skeleton.
+class RyJETransferWSRiggingAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJETransferWSRiggingAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
+};
