@@ -110,6 +110,7 @@ const EnablingRow working[] = {
     {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJERestoreNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJETransferWSRiggingAction", "111111", ""},
+    {"RyJECreateDonorFigureAction", "111111", ""},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
@@ -117,7 +118,6 @@ const EnablingRow working[] = {
 const EnablingRow notYetWorking[] = {
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
-    {"RyJECreateDonorFigureAction", "111111", ""},
     {"RyJECreateControlBonesAction", "111111", ""},
 };
 

@@ -9,7 +9,7 @@
 /// "foot", and two bones more; it has no right thigh.
 struct RyTwoFigures : RySkinnedScene
 {
-    RyTwoFigures()
+    explicit RyTwoFigures(Maps maps = General) : RySkinnedScene(maps)
     {
         pose();
         figure->getScaleControl()->setValue(1.25f);

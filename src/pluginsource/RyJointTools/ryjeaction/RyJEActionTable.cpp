@@ -145,7 +145,7 @@ constexpr RyJEActionRow rows[] = {
                                          "coordinates, from the first selected figure to the second selected "
                                          "figure."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "copy skeleton retarget fit move bones")},
-    {"RyJECreateDonorFigureAction", "CC213796-7484-4626-B024-04E1DA2239D3", notYet, command,
+    {"RyJECreateDonorFigureAction", "CC213796-7484-4626-B024-04E1DA2239D3", always, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Extract Donor Figure"),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Extracts a duplicate of the selected weight mapped skeleton to act as "
                                          "donor for repositioning and transferring."),

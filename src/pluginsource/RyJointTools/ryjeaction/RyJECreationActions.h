@@ -48,13 +48,6 @@ public slots:
     void selectionChanged() { followRule(); }
 };
 
-class RyJECreateDonorFigureAction : public RyJEToolAction
-{
-    Q_OBJECT
-public:
-    RyJECreateDonorFigureAction() : RyJEToolAction(staticMetaObject) {}
-};
-
 class RyJECreateControlBonesAction : public RyJEToolAction
 {
     Q_OBJECT

@@ -1,5 +1,6 @@
 #include "pluginsource/RyJointTools/ryjeaction/RyJERiggingActions.h"
 
+#include "pluginsource/RyJointTools/operations/extractDonor.h"
 #include "pluginsource/RyJointTools/operations/memorizeRigging.h"
 #include "pluginsource/RyJointTools/operations/restoreRigging.h"
 #include "pluginsource/RyJointTools/operations/transferRigging.h"
@@ -137,4 +138,21 @@ void RyJETransferWSRiggingAction::executeAction()
     const RyRiggingTransfer transfer = transferRigging(source, *target);
     hold.accept(text());
     reportTransfer(transfer, source, *target);
+}
+
+void RyJECreateDonorFigureAction::executeAction()
+{
+    RyNode *primary = ryScene()->getPrimarySelection();
+    const auto *bone = qobject_cast<const RyBone *>(primary);
+    const auto *source = qobject_cast<const RyFigure *>(bone ? bone->getSkeleton() : primary);
+    if (!source) {
+        warnOfSelection(RyJEToolAction::tr("A weight mapped figure must be selected to continue."),
+                        RyApp::getInterface());
+        return;
+    }
+    RyUndoStackHold hold;
+    const RyFigure *donor = extractDonor(*source);
+    hold.accept(text());
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(RyJEToolAction::tr("%1 was added to the scene.").arg(donor->getLabel()));
 }

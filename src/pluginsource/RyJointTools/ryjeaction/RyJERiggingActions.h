@@ -70,3 +70,13 @@ public:
 public slots:
     void executeAction() override;
 };
+
+class RyJECreateDonorFigureAction : public RyJEToolAction
+{
+    Q_OBJECT
+public:
+    RyJECreateDonorFigureAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
+};
