@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <memory>
 
 using RyExtrasJson::find;
 using Json = RyExtrasJson::Json;
@@ -307,6 +308,21 @@ void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const
     }
 }
 
+bool RyFigureExtras::hasSkin(const RyGltfDocument &document, int figure)
+{
+    const Json *stored = figureJson(document, figure);
+    return stored && find(*stored, "skin");
+}
+
+std::unique_ptr<RySkinBinding> RyFigureExtras::readSkin(const RyGltfDocument &document, int figure,
+                                                        const std::map<int, RyBone *> &bones)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *json = stored ? find(*stored, "skin") : nullptr;
+    auto skin = std::make_unique<RySkinBinding>();
+    return json && RyMapExtras::readSkin(*json, bones, *skin) ? std::move(skin) : nullptr;
+}
+
 const Json *RyFigureExtras::storedParametric(const RyGltfDocument &document, int figure)
 {
     const Json *stored = figureJson(document, figure);
@@ -335,7 +351,8 @@ QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int fig
 }
 
 /// The bones of a figure's bindings, where they are not its joints in their order.
-static Json bindingsJson(const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf, const std::set<int> &joints)
+static Json bindingsJson(const RySkinBinding &skin, const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf,
+                         const std::set<int> &joints)
 {
     Json expected = Json::array();
     for (const RyBone *bone : ryOwnBones(skeleton)) {
@@ -344,13 +361,12 @@ static Json bindingsJson(const RySkeleton &skeleton, const RyGltfNodeIndex &node
             expected.push_back(node);
     }
     Json list = Json::array();
-    const RySkinBinding *skin = RySkinBinding::findSkin(&skeleton);
-    for (const RyBoneBinding *binding : skin ? skin->bindings() : std::vector<RyBoneBinding *>()) {
+    for (const RyBoneBinding *binding : skin.bindings()) {
         const int node = nodeOf.of(binding->getBone());
         if (node >= 0)
             list.push_back(node);
     }
-    return skin && list != expected ? list : Json();
+    return list != expected ? list : Json();
 }
 
 void RyFigureExtras::applyFollowTargets(const RyGltfDocument &document, const std::map<int, RyNode *> &figures,
@@ -404,6 +420,25 @@ static Json parametricJson(const RySkeleton &skeleton, const RyGltfNodeIndex &no
     return json;
 }
 
+static void storeSkin(const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf, const std::set<int> &joints,
+                      Json &entry)
+{
+    const RySkinBinding *skin = RySkinBinding::findSkin(&skeleton);
+    if (!skin)
+        return;
+    const RyFacetMesh *mesh = meshOf(skeleton);
+    if (!mesh) {
+        entry["skin"] = RyMapExtras::skinToJson(*skin, nodeOf);
+        return;
+    }
+    Json bindings = bindingsJson(*skin, skeleton, nodeOf, joints);
+    if (!bindings.is_null())
+        entry["bindings"] = std::move(bindings);
+    Json maps = RyMapExtras::toJson(*skin, mesh->getNumVertices(), nodeOf);
+    if (!maps.is_null())
+        entry["maps"] = std::move(maps);
+}
+
 void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std::vector<const RyNode *> &figures,
                                const RyGltfNodeIndex &nodeOf, const std::set<int> &joints,
                                const std::map<const RyNode *, QString> &keptParametric, QStringList *messages)
@@ -435,14 +470,7 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             Json follows = followsJson(*skeleton, figures, messages);
             if (!follows.is_null())
                 entry["follows"] = std::move(follows);
-            Json bindings = bindingsJson(*skeleton, nodeOf, joints);
-            if (!bindings.is_null())
-                entry["bindings"] = std::move(bindings);
-            const RyFacetMesh *mesh = meshOf(*skeleton);
-            const RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
-            Json maps = skin && mesh ? RyMapExtras::toJson(*skin, mesh->getNumVertices(), nodeOf) : Json();
-            if (!maps.is_null())
-                entry["maps"] = std::move(maps);
+            storeSkin(*skeleton, nodeOf, joints, entry);
             Json parametric = parametricJson(*skeleton, nodeOf, messages);
             const auto kept = keptParametric.find(skeleton);
             if (!parametric.is_null())

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 using RyExtrasJson::find;
 using Json = RyExtrasJson::Json;
@@ -19,6 +20,9 @@ using Json = RyExtrasJson::Json;
 namespace {
 
 const char *const localNames[3] = {"x", "y", "z"};
+/// No text unpacks to more: what claims to is damaged, and memory for it would be asked for nothing.
+constexpr quint64 BestPacking = 1100;
+constexpr int MostVertices = 1 << 28;
 
 Json mapJson(const RyWeightMap *map)
 {
@@ -52,7 +56,7 @@ bool readMap(const Json *text, int vertexCount, const QString &name, RyRef<RyWei
     quint64 size = 0;
     for (int byte = 0; byte < std::min(4, int(packed.size())); ++byte)
         size = (size << 8) | quint8(packed[byte]);
-    if (size < 8 || size > 8 + 6 * quint64(vertexCount))
+    if (size < 8 || size > 8 + 6 * quint64(vertexCount) || size > BestPacking * quint64(packed.size()))
         return false;
     const QByteArray bytes = qUncompress(packed);
     const auto read = [&bytes](qsizetype at, int length) {
@@ -146,6 +150,17 @@ Json bindingJson(const RyBoneBinding &binding)
 
 struct StoredBinding
 {
+    void giveTo(RyBoneBinding &binding) const
+    {
+        for (int axis = 0; axis < 3; ++axis) {
+            binding.setLocalWeights(local[axis].get(), axis);
+            if (bulges[axis])
+                binding.setBulgeBinding(axis, bulges[axis].get());
+        }
+        binding.setScaleWeights(scale.get());
+    }
+
+    RyRef<RyWeightMap> general; // of a skin without a mesh
     RyRef<RyWeightMap> local[3];
     RyRef<RyWeightMap> scale;
     RyRef<RyBulgeBinding> bulges[3];
@@ -216,14 +231,67 @@ bool RyMapExtras::apply(const Json &stored, const Fingerprint &influences, int v
             return false;
     }
     for (auto &[binding, maps] : all) {
-        for (int axis = 0; axis < 3; ++axis) {
-            binding->setLocalWeights(maps.local[axis].get(), axis);
-            if (maps.bulges[axis])
-                binding->setBulgeBinding(axis, maps.bulges[axis].get());
-        }
-        binding->setScaleWeights(maps.scale.get());
+        maps.giveTo(*binding);
         if (!maps.hasGeneral)
             binding->setWeights(nullptr);
+    }
+    return true;
+}
+
+Json RyMapExtras::skinToJson(const RySkinBinding &skin, const RyGltfNodeIndex &nodeOf)
+{
+    Json list = Json::array();
+    int vertexCount = 0;
+    for (const RyBoneBinding *binding : skin.bindings()) {
+        const int node = nodeOf.of(binding->getBone());
+        if (node < 0)
+            continue;
+        Json entry = bindingJson(*binding);
+        entry["bone"] = node; // makes an object of null
+        if (binding->getWeights())
+            entry["weights"] = mapJson(binding->getWeights());
+        for (const RyWeightMap *map : binding->getAllWeightMaps())
+            vertexCount = std::max(vertexCount, map->getNumWeights());
+        list.push_back(std::move(entry));
+    }
+    return Json{{"vertices", vertexCount}, {"bindings", std::move(list)}};
+}
+
+bool RyMapExtras::readSkin(const Json &stored, const std::map<int, RyBone *> &bones, RySkinBinding &skin)
+{
+    const Json *vertices = find(stored, "vertices");
+    const Json *list = find(stored, "bindings");
+    const auto isCount = [](const Json &json) {
+        return json.is_number_integer() && json >= Json(0) && json <= Json(MostVertices);
+    };
+    if (!vertices || !isCount(*vertices) || !list || !list->is_array())
+        return false;
+    const int vertexCount = vertices->get<int>();
+    std::map<RyBone *, bool> isBound;
+    std::vector<std::pair<RyBone *, StoredBinding>> all;
+    for (const Json &entry : *list) {
+        const Json *node = find(entry, "bone");
+        const auto bone = node && isCount(*node) ? bones.find(node->get<int>()) : bones.end();
+        if (bone == bones.end() || std::exchange(isBound[bone->second], true))
+            return false;
+        StoredBinding binding;
+        if (!readBinding(entry, vertexCount, binding) ||
+            !readMap(find(entry, "weights"), vertexCount, bone->second->getName(), binding.general) ||
+            binding.hasGeneral != bool(binding.general)) {
+            return false;
+        }
+        all.emplace_back(bone->second, std::move(binding));
+    }
+    for (auto &[bone, maps] : all) {
+        auto *binding = new RyBoneBinding;
+        binding->setBone(bone);
+        binding->setWeights(maps.general.get());
+        maps.giveTo(*binding);
+        for (int axis = 0; axis < 3; ++axis) {
+            if (maps.bulges[axis])
+                maps.bulges[axis]->updatePropertyNames();
+        }
+        skin.addBoneBinding(binding);
     }
     return true;
 }

@@ -6,9 +6,11 @@
 
 #include <QStringList>
 
+#include <map>
 #include <string>
 #include <vector>
 
+class RyBone;
 class RySkinBinding;
 
 /// The weight maps that a file has no place for: local and scale maps, and those of bulges with their controllers. Each
@@ -32,7 +34,12 @@ nlohmann::ordered_json toJson(const RySkinBinding &skin, int vertexCount, const 
 /// Gives the bindings their maps. False, and nothing done, when something does not fit.
 bool apply(const nlohmann::ordered_json &stored, const Fingerprint &influences, int vertexCount,
            const RyGltfNodeIndex &nodeOf, RySkinBinding &skin);
-/// What is stored, as a text, to see whether it was edited; empty without such maps.
+/// All maps of a skin that has no mesh, general ones too, with its bindings in their order. `nodeOf`: nodes of bones.
+nlohmann::ordered_json skinToJson(const RySkinBinding &skin, const RyGltfNodeIndex &nodeOf);
+/// Makes its bindings. `bones`: by their nodes. False, and nothing done, when something does not fit.
+bool readSkin(const nlohmann::ordered_json &stored, const std::map<int, RyBone *> &bones, RySkinBinding &skin);
+
+/// What is stored of a skin with a mesh, as a text, to see whether it was edited; empty without such maps.
 QString text(const RySkinBinding *skin);
 
 } // namespace RyMapExtras

@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
 #include <cmath>
@@ -107,6 +108,8 @@ static void applyTraits(const Json &ours, RyNode &sceneNode)
         sceneNode.setSelectable(flag("selectable", true));
         sceneNode.setPromoteSelection(flag("promote", false));
         sceneNode.setInheritScale(flag("inheritScale", true));
+        if (auto *skeleton = qobject_cast<RySkeleton *>(&sceneNode))
+            skeleton->setDrawGLBones(flag("drawBones", false));
     }
 }
 
@@ -321,6 +324,8 @@ Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
         flags["promote"] = true;
     if (!sceneNode.inheritsScale())
         flags["inheritScale"] = false;
+    if (const auto *skeleton = qobject_cast<const RySkeleton *>(&sceneNode); skeleton && skeleton->drawsGLBones())
+        flags["drawBones"] = true;
     if (!flags.empty())
         ours["flags"] = std::move(flags);
     Json limits = Json::object();

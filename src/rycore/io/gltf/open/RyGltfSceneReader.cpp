@@ -295,7 +295,8 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         addSource(carrierSource(figure));
     for (RyGltfNodeSource &source : sources)
         addSource(std::move(source));
-    attachMesh(figure, std::move(weights));
+    if (!attachSkin(figure))
+        attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
     figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
 }

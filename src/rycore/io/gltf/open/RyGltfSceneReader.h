@@ -52,6 +52,7 @@ private:
     std::vector<size_t> bonesToBind(const Figure &figure,
                                     const std::vector<RyGltfMeshBuilder::BoneWeights> &weights) const;
     void attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights);
+    bool attachSkin(Figure &figure);
     bool findParametric(Figure &figure, const std::vector<RyGltfMeshBuilder::BoneWeights> &weights);
     RyModifier *bindJoints(Figure &figure, std::vector<RyGltfMeshBuilder::BoneWeights> weights) const;
     void noteFits();

@@ -165,6 +165,42 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     figure.mesh.reset();
 }
 
+/// The skin of a figure that has no mesh, but weights for one. False, and nothing done, where none is stored that fits.
+bool RyGltfSceneReader::attachSkin(Figure &figure)
+{
+    if (!RyFigureExtras::hasSkin(*m_origin->document, figure.entry))
+        return false;
+    if (!figure.source.parts.empty()) {
+        say(QStringLiteral("The weights that \"%1\" was saved with are left out: it has a mesh by now")
+                .arg(figure.figure->getName()));
+        return false;
+    }
+    std::map<int, RyBone *> bones;
+    for (size_t i = 0; i < figure.bones.size(); ++i)
+        bones.emplace(figure.joints.bones[i], figure.bones[i]);
+    std::unique_ptr<RySkinBinding> skin = RyFigureExtras::readSkin(*m_origin->document, figure.entry, bones);
+    if (!skin) {
+        say(QStringLiteral("The weights of \"%1\", which has no mesh, are damaged and left out")
+                .arg(figure.figure->getName()));
+        return false;
+    }
+    auto loaded = std::make_shared<RyGltfFigureSource::Weights>();
+    for (const RyBoneBinding *binding : skin->bindings()) {
+        const RyGltfBindingWeights read(*binding);
+        loaded->push_back({binding->getBone(),
+                           {read.vertices.begin(), read.vertices.end()},
+                           {read.weights.begin(), read.weights.end()}});
+    }
+    figure.source.weights = std::move(loaded);
+    figure.source.mapsText = RyMapExtras::text(skin.get());
+    auto *object = new RyObject;
+    object->setName(figure.figure->getName());
+    object->addModifier(skin.release());
+    figure.figure->setObject(object);
+    figure.source.positionsHash = ryPositionsHash(*figure.figure);
+    return true;
+}
+
 /// Bones that get a binding, in order: those that an earlier save stored, then what has weights all the same; without
 /// such a list all joints.
 std::vector<size_t> RyGltfSceneReader::bonesToBind(const Figure &figure,
