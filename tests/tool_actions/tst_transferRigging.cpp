@@ -184,10 +184,10 @@ void RyTransferRiggingTest::namesakesLand()
     QCOMPARE(defaultsOf(scene.figure), defaults);
     QCOMPARE(riggingOf(scene.otherThigh, false), source);
     const QString text =
-        QStringLiteral("Bones placed as in The giant: 3. In The giant alone: 2. Without a namesake there: 2.");
+        QStringLiteral("Bones placed as in The giant: 3. In The giant alone: 2. Without a namesake there: 2. "
+                       "lFoot, rThigh");
     QCOMPARE(scene.window->statusBar()->currentMessage(), text);
-    QCOMPARE(RyMessageLog::global().messages(),
-             QStringList(QStringLiteral("figure: ") + text + QStringLiteral(" lFoot, rThigh")));
+    QCOMPARE(RyMessageLog::global().messages(), QStringList(QStringLiteral("figure: ") + text));
     QCOMPARE(ryUndoStack()->count(), 1);
     QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Transfer Rigging (Figure Space)"));
     checkLastStep(before);

@@ -116,10 +116,10 @@ static void reportTransfer(const RyRiggingTransfer &transfer, const RySkeleton &
                        .arg(transfer.matched)
                        .arg(transfer.sourceOnly)
                        .arg(transfer.unmatched.size());
-    if (RyMainWindow *window = RyApp::getInterface())
-        window->showMessage(text);
     if (!transfer.unmatched.isEmpty())
         text += QLatin1Char(' ') + transfer.unmatched.join(QStringLiteral(", "));
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(text);
     RyMessageLog::global().info(target.getLabel() + QStringLiteral(": ") + text);
 }
 
