@@ -13,6 +13,7 @@
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <QAccessible>
 #include <QTabWidget>
 
 namespace {
@@ -126,7 +127,17 @@ private slots:
                 QVERIFY(field->isVisible() && field->label()->isHidden());
                 QVERIFY(field->numberField()->height() <= scene.view.visualItemRect(*it).height());
                 QVERIFY(!field->numberField()->accessibleName().isEmpty());
+            } else {
+                // A name has the whole row.
+                QVERIFY((*it)->isFirstColumnSpanned());
             }
+        }
+        // Screen readers find a name in every cell.
+        QAccessibleTableInterface *cells = QAccessible::queryAccessibleInterface(&scene.view)->tableInterface();
+        QCOMPARE(cells->rowCount(), int(scene.rows().size()));
+        for (int row = 0; row < cells->rowCount(); ++row) {
+            for (int column : {0, 1})
+                QVERIFY(!cells->cellAt(row, column)->text(QAccessible::Name).isEmpty());
         }
     }
 

@@ -4,6 +4,9 @@
 
 #include "rycore/ui/RyNumberExpression.h"
 
+#include <QCheckBox>
+#include <QPushButton>
+
 /// What the pane must show, told from the tool's node and parameter and the scene alone.
 class RyPaneTruth
 {
@@ -19,7 +22,7 @@ public:
         const bool showsParam = !m_scene.find<QWidget>("JointEditorParamPanel")->isHidden();
         if (showsPoints == (m_param != nullptr) || showsParam == showsPoints)
             return QStringLiteral("the pane shows the other numbers");
-        return wrongList() + wrongPoints() + wrongValues() + wrongSpheres();
+        return wrongHeader() + wrongSwitches() + wrongList() + wrongPoints() + wrongValues() + wrongSpheres();
     }
 
 private:
@@ -32,6 +35,32 @@ private:
         std::vector<const char *> fields; // by controller
     };
 
+    QString wrongHeader() const
+    {
+        const RyNode *primary = ryScene()->getPrimarySelection();
+        const QString label = primary ? primary->getLabel() : QStringLiteral("None");
+        const auto *nodes = m_scene.find<QPushButton>("JointEditorNodeBtn");
+        if (nodes->accessibleDescription() != label)
+            return QStringLiteral("the node is %1, not %2").arg(nodes->accessibleDescription(), label);
+        const auto *orders = m_scene.find<QComboBox>("JointEditorRotationOrderCmb");
+        if (orders->isEnabled() != (m_node != nullptr) ||
+            (m_node && orders->currentIndex() != m_node->getRotationOrder().order()))
+            return QStringLiteral("the rotation order is another one");
+        return {};
+    }
+    QString wrongSwitches() const
+    {
+        const std::pair<const char *, bool> boxes[] = {
+            {"JointEditorInheritParentScaleCbx", !m_node || m_node->inheritsScale()},
+            {"JointEditorPromoteSelectionCbx", m_node && m_node->isSelectionPromoted()},
+            {"JointEditorHiddenCbx", m_node && m_node->isHidden()}};
+        QString wrong;
+        for (const auto &[name, isOn] : boxes) {
+            if (m_scene.find<QCheckBox>(name)->isChecked() != isOn)
+                wrong += QLatin1String(name) + QLatin1String(" is another one");
+        }
+        return wrong;
+    }
     QString wrongList() const
     {
         const auto *combo = m_scene.find<QComboBox>("JointEditorParameterCmb");

@@ -193,6 +193,8 @@ void scrubField(RyParamSession &s)
         emit field->label()->scrubbed(s.random.number(-60, 60));
     if (s.random.chance(0.2))
         s.scene.tool->setParam(nullptr);
+    if (s.random.chance(0.2))
+        s.scene.select(s.bone());
     emit field->label()->scrubFinished(s.random.chance(0.2));
 }
 
@@ -260,6 +262,26 @@ void propagate(RyParamSession &s)
 void changeOrder(RyParamSession &s)
 {
     s.step([&] { s.scene.tool->changeRotationOrder(s.bone(), RyRotationOrder(s.random.integer(0, 5))); });
+}
+
+void chooseOrder(RyParamSession &s)
+{
+    auto *orders = s.scene.find<QComboBox>("JointEditorRotationOrderCmb");
+    if (orders->isEnabled())
+        QTest::keyClick(orders, s.random.chance(0.5) ? Qt::Key_Down : Qt::Key_Up);
+}
+
+/// Names and what the pane's check boxes show.
+void changeNode(RyParamSession &s)
+{
+    RyNode *current = s.scene.tool->currentNode();
+    RyNode *node = current && s.random.chance(0.7) ? current : s.bone();
+    const bool on = s.random.chance(0.5);
+    const QString name = QStringLiteral("n%1").arg(s.random.integer(0, 999));
+    const std::function<void()> edits[] = {[&] { node->setName(name); }, [&] { node->setLabel(name); },
+                                           [&] { node->setHidden(on); }, [&] { node->setInheritScale(on); },
+                                           [&] { node->setPromoteSelection(on); }};
+    s.step([&] { edits[s.random.integer(0, 4)](); });
 }
 
 void addParam(RyParamSession &s)
@@ -352,6 +374,8 @@ const std::vector<Kind> &kinds()
         {"fit zones", 4, fitZones},
         {"propagate", 4, propagate},
         {"change the rotation order", 3, changeOrder},
+        {"choose a rotation order", 3, chooseOrder},
+        {"change a node", 4, changeNode},
         {"add a parameter", 3, addParam},
         {"remove a parameter", 3, removeParam},
         {"remove a joint", 1, removeJoint},

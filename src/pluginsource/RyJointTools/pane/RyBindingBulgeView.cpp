@@ -17,6 +17,8 @@ RyBindingBulgeView::RyBindingBulgeView(QWidget *parent) : QTreeWidget(parent)
     setObjectName(QStringLiteral("JointEditorBindingBulgeView"));
     setAccessibleName(tr("Bulges"));
     setFrameShape(QFrame::NoFrame);
+    viewport()->setBackgroundRole(QPalette::Window); // fields stand out from it
+    setTextElideMode(Qt::ElideMiddle);
     setColumnCount(2);
     setHeaderLabels({tr("Bulge"), tr("Property")});
     setAllColumnsShowFocus(false);
@@ -54,10 +56,18 @@ void RyBindingBulgeView::showBinding(const RyBoneBinding *binding)
     expandAll();
 }
 
+/// A title has both columns.
+static void spread(QTreeWidgetItem *item)
+{
+    item->setFirstColumnSpanned(true);
+    item->setData(1, Qt::AccessibleTextRole, item->text(0));
+}
+
 void RyBindingBulgeView::addAxis(int axis)
 {
     const QString titles[] = {tr("X Axis"), tr("Y Axis"), tr("Z Axis")};
     auto *item = new QTreeWidgetItem(this, {titles[axis]});
+    spread(item);
     for (const Side &side : m_sides) {
         if (side.axis == axis)
             addSide(item, side);
@@ -67,6 +77,8 @@ void RyBindingBulgeView::addAxis(int axis)
 void RyBindingBulgeView::addSide(QTreeWidgetItem *above, const Side &side)
 {
     auto *item = new QTreeWidgetItem(above, {side.name});
+    item->setToolTip(0, side.name);
+    spread(item);
     addController(item, tr("Pos"), side.pos);
     addController(item, tr("Neg"), side.neg);
 }
