@@ -427,8 +427,10 @@ void RyActionsTest::rotationOrders()
     const RyQuat orientation = bone->getOrientation();
     int announced = 0;
     QObject listener;
-    if (withTool)
+    if (withTool) {
+        scene.window->getViewportMgr()->setActiveTool(scene.windowTool); // the node is its own from here on
         connect(scene.windowTool, &RyJointEditorTool::nodeChanged, &listener, [&announced] { ++announced; });
+    }
 
     const std::unique_ptr<RyAction> action = makeOrderAction(order);
     QCOMPARE(action->text(), QString::fromLatin1(orderNames[order]));

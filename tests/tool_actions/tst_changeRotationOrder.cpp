@@ -230,7 +230,7 @@ private slots:
     void toolTellsOfTheNodeLast()
     {
         RyParametricToolScene scene;
-        scene.select(scene.doll.lHand);
+        scene.select(scene.doll.lArm);
         QStringList calls;
         const QObject listener;
         connect(scene.doll.lArm, &RyNode::rotationOrderChanged, &listener, [&] { calls << "order"; });
@@ -238,7 +238,12 @@ private slots:
         connect(scene.tool, &RyJointEditorTool::nodeChanged, &listener,
                 [&](RyNode *node) { calls << node->getName(); });
         scene.tool->changeRotationOrder(scene.doll.lArm, RyRotationOrder(RyRotationOrder::ZYX));
-        QCOMPARE(calls, QStringList({"joints", "order", "lHand"}));
+        QCOMPARE(calls, QStringList({"joints", "order", "lArm"}));
+        // Of another node it tells nothing.
+        scene.select(scene.doll.lHand);
+        calls.clear();
+        scene.tool->changeRotationOrder(scene.doll.lArm, RyRotationOrder(RyRotationOrder::XYZ));
+        QCOMPARE(calls, QStringList({"joints", "order"}));
     }
 
     void actionsGoThroughTheTool()
