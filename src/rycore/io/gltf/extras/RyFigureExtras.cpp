@@ -22,7 +22,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <memory>
 
 using RyExtrasJson::find;
 using Json = RyExtrasJson::Json;
@@ -308,19 +307,10 @@ void RyFigureExtras::applyMaps(const RyGltfDocument &document, int figure, const
     }
 }
 
-bool RyFigureExtras::hasSkin(const RyGltfDocument &document, int figure)
+const Json *RyFigureExtras::storedSkin(const RyGltfDocument &document, int figure)
 {
     const Json *stored = figureJson(document, figure);
-    return stored && find(*stored, "skin");
-}
-
-std::unique_ptr<RySkinBinding> RyFigureExtras::readSkin(const RyGltfDocument &document, int figure,
-                                                        const std::map<int, RyBone *> &bones)
-{
-    const Json *stored = figureJson(document, figure);
-    const Json *json = stored ? find(*stored, "skin") : nullptr;
-    auto skin = std::make_unique<RySkinBinding>();
-    return json && RyMapExtras::readSkin(*json, bones, *skin) ? std::move(skin) : nullptr;
+    return stored ? find(*stored, "skin") : nullptr;
 }
 
 const Json *RyFigureExtras::storedParametric(const RyGltfDocument &document, int figure)

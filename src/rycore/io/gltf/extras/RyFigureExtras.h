@@ -51,10 +51,8 @@ bool hasMaps(const RyGltfDocument &document, int figure);
 void applyMaps(const RyGltfDocument &document, int figure, const RyMapExtras::Fingerprint &influences, int vertexCount,
                const RyGltfNodeIndex &nodeOf, RySkinBinding &skin, QStringList *messages);
 
-bool hasSkin(const RyGltfDocument &document, int figure);
-/// The skin of a figure without a mesh; null where it is damaged. `bones`: by their nodes.
-std::unique_ptr<RySkinBinding> readSkin(const RyGltfDocument &document, int figure,
-                                        const std::map<int, RyBone *> &bones);
+/// What is stored of the skin of a figure without a mesh; null for nothing.
+const nlohmann::ordered_json *storedSkin(const RyGltfDocument &document, int figure);
 
 /// What is stored of the joints of a parametric figure; null for nothing.
 const nlohmann::ordered_json *storedParametric(const RyGltfDocument &document, int figure);

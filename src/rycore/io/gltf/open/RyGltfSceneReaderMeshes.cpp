@@ -168,7 +168,8 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
 /// The skin of a figure that has no mesh, but weights for one. False, and nothing done, where none is stored that fits.
 bool RyGltfSceneReader::attachSkin(Figure &figure)
 {
-    if (!RyFigureExtras::hasSkin(*m_origin->document, figure.entry))
+    const RyExtrasJson::Json *stored = RyFigureExtras::storedSkin(*m_origin->document, figure.entry);
+    if (!stored)
         return false;
     if (!figure.source.parts.empty()) {
         say(QStringLiteral("The weights that \"%1\" was saved with are left out: it has a mesh by now")
@@ -178,8 +179,8 @@ bool RyGltfSceneReader::attachSkin(Figure &figure)
     std::map<int, RyBone *> bones;
     for (size_t i = 0; i < figure.bones.size(); ++i)
         bones.emplace(figure.joints.bones[i], figure.bones[i]);
-    std::unique_ptr<RySkinBinding> skin = RyFigureExtras::readSkin(*m_origin->document, figure.entry, bones);
-    if (!skin) {
+    auto skin = std::make_unique<RySkinBinding>();
+    if (!RyMapExtras::readSkin(*stored, bones, *skin)) {
         say(QStringLiteral("The weights of \"%1\", which has no mesh, are damaged and left out")
                 .arg(figure.figure->getName()));
         return false;
