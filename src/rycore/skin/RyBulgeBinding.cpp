@@ -4,6 +4,7 @@
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyValueChange.h"
 
 namespace {
@@ -61,7 +62,15 @@ void RyBulgeBinding::applyWeights(int side, const RyRef<RyWeightMap> &map)
     m_weights[side] = map;
     if (map)
         connect(map.get(), &RyWeightMap::weightsChanged, this, &RyBulgeBinding::weightsChanged, Qt::UniqueConnection);
+    ++m_revision;
     emit weightsChanged();
+}
+
+void RyBulgeBinding::propertyChanged(RyFloatProperty *)
+{
+    // What the skin does differs, what it is made of stays.
+    if (RySkinBinding *skin = m_binding ? m_binding->getSkin() : nullptr)
+        emit skin->modifierChanged();
 }
 
 QString RyBulgeBinding::controllerName(int index) const

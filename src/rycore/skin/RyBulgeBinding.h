@@ -8,8 +8,8 @@ class RyBoneBinding;
 class RyFloatProperty;
 
 /// How a bone bulges when it turns about one of its axes: a map for either side (left and right of the joint), and for
-/// either side how much positive and negative turns bulge. The values and maps are kept, edited and saved with the rig;
-/// the linear blend of the skin does not use them.
+/// either side how much positive and negative turns bulge, in lengths of the bone at a turn of 90 degrees. RySkinBulges
+/// tells how they push vertices.
 class RyBulgeBinding : public RyElement, public RyRefCountedItem
 {
     Q_OBJECT
@@ -40,6 +40,10 @@ public:
     void updatePropertyNames();
     /// A deep copy, in no binding; its maps on demand.
     RyBulgeBinding *copy(bool withMaps = true) const;
+    /// Grows when another map is put in; caches compare it, and the revisions of the maps.
+    quint64 revision() const { return m_revision; }
+
+    void propertyChanged(RyFloatProperty *property) override;
 
 signals:
     /// Another map, or other weights.
@@ -56,4 +60,5 @@ private:
     RyBoneBinding *m_binding = nullptr;
     RyFloatProperty *m_controllers[4] = {};
     RyRef<RyWeightMap> m_weights[2];
+    quint64 m_revision = 1;
 };

@@ -252,6 +252,7 @@ bool RySkinBinding::updateInfluences(int vertexCount)
     m_maps.assign(channels.size(), RyAffine());
     m_normalMaps = m_maps;
     m_furtherNormals = 0;
+    m_bulges.setBindings(m_bindings);
     m_deformer.setInfluences(vertexCount, channels);
     m_influencesKey = std::move(key);
     return true;
@@ -290,6 +291,8 @@ bool RySkinBinding::deform(RyShapePoints &points)
 {
     if (!updateInfluences(int(points.positions->size())))
         return false;
+    if (m_bulges.areAny())
+        m_bulges.push(points, getObject() ? getObject()->getCurrentShape() : nullptr);
     updateFurtherNormals(points.places);
     updateMaps();
     const quint64 revision = points.changes ? points.changes->revision() : 0;

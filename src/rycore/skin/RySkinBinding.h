@@ -2,6 +2,7 @@
 
 #include "rycore/scene/RyModifier.h"
 #include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBulges.h"
 #include "rycore/skin/RySkinDeformer.h"
 
 #include <QMultiHash>
@@ -20,6 +21,9 @@ class RySkeleton;
 /// then the rotation about the third, second and first axis of the rotation order join in turn, at last the scale. Each
 /// stage adds its share (the difference to the stage before), weighted by that axis' map and by the scale map; X0 - 1
 /// is weighted by the mean of the three local maps. Equal maps therefore give what one general map gives.
+///
+/// Bones with bulges push vertices before that (see RySkinBulges): v is then the pushed vertex, and its weights stay
+/// what they are.
 ///
 /// Normals are carried along by the same sums, with the map of normals (see RyNormalMap) of X and of each stage.
 class RySkinBinding : public RyModifier
@@ -85,6 +89,8 @@ public:
     std::vector<quint64> vertexBonesKey() const override;
     /// The flat arrays behind `deform`, with counters of what it did.
     const RySkinDeformer &deformer() const { return m_deformer; }
+    /// What comes before the blend, with counters likewise.
+    const RySkinBulges &bulges() const { return m_bulges; }
 
 signals:
     /// Bindings, maps or weights changed; once per outermost edit of the skin, where one is open.
@@ -127,6 +133,7 @@ private:
     bool m_localKind = false;
     bool m_generalKind = false;
     bool m_touched = false; // within an edit
+    RySkinBulges m_bulges;
     RySkinDeformer m_deformer;
     std::vector<quint64> m_influencesKey;
     quint64 m_furtherNormals = 0; // layout revision of those that the deformer has
