@@ -69,12 +69,13 @@ struct BulgedFigure : SkinFixture
             }
         }
     }
-    /// Of a third of the vertices.
+    /// Of half of the vertices in an eighth of all.
     RyWeightMap *someWeights()
     {
         std::vector<quint16> weights(size_t(mesh->getNumVertices()), 0);
-        for (quint16 &weight : weights)
-            weight = random() % 3u == 0 ? quint16(random()) : quint16(0);
+        const size_t first = random() % (weights.size() - weights.size() / 8);
+        for (size_t vertex = first; vertex < first + weights.size() / 8; ++vertex)
+            weights[vertex] = random() % 2u == 0 ? quint16(20000 + random() % 45000u) : quint16(0);
         return ryMapOf(weights);
     }
 
@@ -148,7 +149,7 @@ struct BulgedFigure : SkinFixture
     RyMorph *morph = nullptr;
 
 private:
-    /// Random triangles; the corners of every third one have normals of their own.
+    /// Triangles of vertices with near numbers; the corners of every third one have normals of their own.
     void addFacets()
     {
         const auto count = unsigned(mesh->getNumVertices());
@@ -156,8 +157,7 @@ private:
         RyMeshPart part;
         int normals = int(count);
         for (unsigned vertex = 0; vertex < count; ++vertex) {
-            const int corners[3] = {int(vertex), int((vertex + 1 + random() % (count / 3)) % count),
-                                    int((vertex + count / 2) % count)};
+            const int corners[3] = {int(vertex), int((vertex + 1 + random() % 4) % count), int((vertex + 7) % count)};
             facets.push_back({{corners[0], corners[1], corners[2], -1}, -1});
             for (const int corner : corners) {
                 part.triangles.push_back(unsigned(part.vertexOfSplit.size()));

@@ -102,6 +102,9 @@ private slots:
     void valuesAreDrawnWithoutAnotherSkin();
     void undoAndRedoAreExact();
     void mirroredBulgesGiveMirroredVertices();
+    void whatBulgedComesBackFromRest();
+    void morphsBesideBulges();
+    void anotherObject();
     void clipsMoveWithoutBulges();
     void mapsOfAnotherLength();
     void withoutBulgesNothingIsKept();
@@ -130,6 +133,13 @@ void RySkinBulgesTest::pushesAtRightAnglesToTheBone()
     arm.bulge->getPosLeftBulgeController()->setDefaultValue(3);
     QCOMPARE(arm.at(90)[0], RyVec3(9, 8, 0));
     QVERIFY(arm.at(0) == arm.mesh->getPositions());
+    // On the line of a slanted bone nothing is pushed, however single precision rounds the place.
+    arm.bone()->setOrigin({11.3f, 97.1f, -3.7f});
+    arm.bone()->setEndPoint({18.9f, 121.7f, 4.1f});
+    const RyVec3 between = arm.bone()->getOrigin() + (arm.bone()->getEndPoint() - arm.bone()->getOrigin()) * 0.37f;
+    arm.mesh->setVertex(0, between);
+    QCOMPARE(arm.at(90)[0], between);
+    arm.bone()->setOrigin({0, 0, 0});
     // A bone without length has no line.
     arm.bone()->setEndPoint({0, 0, 0});
     QVERIFY(arm.at(90) == arm.mesh->getPositions());
@@ -258,7 +268,8 @@ void RySkinBulgesTest::everyWayToAPoseGivesTheSame()
             f.morph->getValueControl()->setValue(float(f.random() % 3u) / 2);
             break;
         case 7:
-            for (RyBone *each : f.bones) { // nothing is pushed
+            f.poseAndBulge();
+            for (RyBone *each : f.random() % 4u == 0 ? f.bones : std::vector<RyBone *>()) { // nothing is pushed
                 for (int axis = 0; axis < 3; ++axis)
                     BulgedFigure::turn(each, axis)->setValue(0);
             }
@@ -273,7 +284,7 @@ void RySkinBulgesTest::everyWayToAPoseGivesTheSame()
         QVERIFY2(after.tellsWhatDiffersFrom(before), qPrintable(QString("step %1").arg(step)));
         const double error = f.error();
         QVERIFY2(error < 3e-3, qPrintable(QString("step %1: %2").arg(step).arg(error)));
-        if (step % 5 == 0) {
+        if (step % 3 == 0) {
             QVERIFY2(after == shownAnew(f), qPrintable(QString("step %1").arg(step)));
             before = Shown(f);
         } else {
@@ -432,6 +443,75 @@ void RySkinBulgesTest::mirroredBulgesGiveMirroredVertices()
     }
 }
 
+void RySkinBulgesTest::whatBulgedComesBackFromRest()
+{
+    BulgedFigure f;
+    f.addBulge(1, 0);
+    f.addBulge(2, 0);
+    for (int round = 0; round < 3; ++round) {
+        for (const size_t bone : {1, 2}) {
+            RyFloatProperty *turn = BulgedFigure::turn(f.bones[bone], 0);
+            turn->setValue(80);
+            QVERIFY(f.error() < 2e-3);
+            turn->setValue(0);
+            QVERIFY(f.error() < 2e-3);
+        }
+    }
+}
+
+/// A morph moves vertices that nothing pushes.
+void RySkinBulgesTest::morphsBesideBulges()
+{
+    BulgedFigure f(6, 1000);
+    std::vector<quint16> few(1000, 0);
+    std::fill_n(few.begin() + 100, 20, quint16(50000));
+    RyBulgeBinding *bulge = f.addBulge(1, 0);
+    bulge->setLeftWeights(ryMapOf(few));
+    bulge->setRightWeights(nullptr);
+    auto *far = new RyMorph("far", {600, 601}, {{5, 1, 0}, {0, 7, 3}});
+    f.shape()->addMorph(far);
+    f.poseAndBulge();
+    const Shown before(f);
+    far->getValueControl()->setValue(0.5f);
+    const Shown after(f);
+    QVERIFY(!(after.positions[600] == before.positions[600]) && !(after.normals[600] == before.normals[600]));
+    QVERIFY(after.tellsWhatDiffersFrom(before));
+    QCOMPARE(f.skin->bulges().lastTouched(), qint64(0));
+    QVERIFY(f.error() < 2e-3);
+    QVERIFY(after == shownAnew(f));
+}
+
+/// The skin goes to another object, with as many vertices.
+void RySkinBulgesTest::anotherObject()
+{
+    BulgedFigure f;
+    f.addBulge(1, 0);
+    f.addBulge(2, 2);
+    f.poseAndBulge();
+    const Shown before(f);
+    auto *mesh = new RyFacetMesh;
+    std::vector<RyVec3> positions = f.mesh->getPositions();
+    std::reverse(positions.begin(), positions.end());
+    mesh->setPositions(positions);
+    mesh->setFacets(f.mesh->getFacets());
+    auto *shape = new RyFacetShape(mesh);
+    shape->setParts(f.shape()->getParts());
+    const RyRef<RyObject> old(f.skeleton->getObject());
+    const RyRef<RySkinBinding> skin(f.skin);
+    const RyRef<RyObject> other(new RyObject);
+    other->addShape(shape);
+    const auto moveSkin = [&](RyObject *from, RyObject *to) {
+        from->removeModifier(f.skin);
+        to->addModifier(f.skin);
+        f.skeleton->setObject(to);
+    };
+    moveSkin(old.get(), other.get());
+    QVERIFY(f.error() < 2e-3);
+    QVERIFY(Shown(f) == shownAnew(f));
+    moveSkin(other.get(), old.get());
+    QVERIFY(Shown(f) == before);
+}
+
 void RySkinBulgesTest::clipsMoveWithoutBulges()
 {
     Arm arm;
@@ -449,7 +529,9 @@ void RySkinBulgesTest::clipsMoveWithoutBulges()
 void RySkinBulgesTest::mapsOfAnotherLength()
 {
     Arm arm;
-    arm.bulge->setRightWeights(ryMapOf({0, 0, 0, 65535, 65535}));
+    auto *longer = new RyWeightMap;
+    longer->setAffected(9000000, {3, 8999999}, {65535, 65535});
+    arm.bulge->setRightWeights(longer);
     arm.bulge->getPosRightBulgeController()->setValue(1);
     QCOMPARE(arm.at(90)[0], RyVec3(5, 8, 0));
     arm.bulge->setLeftWeights(ryMapOf({65535}));
@@ -475,8 +557,8 @@ void RySkinBulgesTest::withoutBulgesNothingIsKept()
 /// Enough of them for threads.
 void RySkinBulgesTest::manyVertices()
 {
-    BulgedFigure f(3, 70000);
-    f.addBulge(1, 0);
+    BulgedFigure f(3, 30000);
+    f.addBulge(1, 0)->setLeftWeights(ryMapOf(std::vector<quint16>(30000, 50000)));
     f.addBulge(1, 2);
     f.poseAndBulge();
     QVERIFY(f.error() < 3e-3);
