@@ -366,6 +366,13 @@ private:
               << " hash " << hash.text();
     }
 
+    void writeNamedMap(const char *kind, const RyWeightMap *map)
+    {
+        writeMap(kind, map);
+        if (map && !map->getName().isEmpty())
+            m_out << ' ' << quoted(map->getName());
+    }
+
     void writeBinding(const RyBoneBinding &binding)
     {
         m_out << "    binding " << path(binding.getBone());
@@ -379,8 +386,8 @@ private:
             if (!bulge)
                 continue;
             m_out << "      bulge " << axis;
-            writeMap("left", bulge->getLeftWeights());
-            writeMap("right", bulge->getRightWeights());
+            writeNamedMap("left", bulge->getLeftWeights());
+            writeNamedMap("right", bulge->getRightWeights());
             m_out << '\n';
             for (const RyFloatProperty *controller :
                  {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(),

@@ -461,6 +461,8 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
             if (!follows.is_null())
                 entry["follows"] = std::move(follows);
             storeSkin(*skeleton, nodeOf, joints, entry);
+            if (const RySkinBinding *skin = RySkinBinding::findSkin(skeleton))
+                RyMapExtras::reportBulges(*skin, messages);
             Json parametric = parametricJson(*skeleton, nodeOf, messages);
             const auto kept = keptParametric.find(skeleton);
             if (!parametric.is_null())

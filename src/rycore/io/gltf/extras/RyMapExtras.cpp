@@ -89,6 +89,19 @@ std::vector<RyFloatProperty *> controllersOf(const RyBulgeBinding &bulge)
             bulge.getNegRightBulgeController()};
 }
 
+std::vector<std::string> propertyNames(const RyBulgeBinding &bulge)
+{
+    std::vector<std::string> names;
+    for (const RyFloatProperty *property : controllersOf(bulge))
+        names.push_back(property->getName().toStdString());
+    return names;
+}
+
+std::string nameOf(const RyWeightMap *map)
+{
+    return map ? map->getName().toStdString() : std::string();
+}
+
 Json bulgeJson(const RyBulgeBinding &bulge)
 {
     Json entry = Json::object();
@@ -96,6 +109,11 @@ Json bulgeJson(const RyBulgeBinding &bulge)
         entry["left"] = mapJson(bulge.getLeftWeights());
     if (bulge.getRightWeights())
         entry["right"] = mapJson(bulge.getRightWeights());
+    const std::string names[2] = {nameOf(bulge.getLeftWeights()), nameOf(bulge.getRightWeights())};
+    if (!names[0].empty() || !names[1].empty())
+        entry["names"] = names;
+    if (propertyNames(bulge) != propertyNames(*RyRef<RyBulgeBinding>(new RyBulgeBinding(bulge.getAxis()))))
+        entry["properties"] = propertyNames(bulge);
     for (const RyFloatProperty *property : controllersOf(bulge)) {
         entry["values"].push_back(Json::array({property->getValue(), property->getDefaultValue(), property->getMin(),
                                                property->getMax(), property->isClamped()}));
@@ -103,23 +121,50 @@ Json bulgeJson(const RyBulgeBinding &bulge)
     return entry;
 }
 
+/// As many as there are names; false where they are none. Without any these stay.
+bool readNames(const Json *stored, std::vector<QString> &names)
+{
+    if (!stored)
+        return true;
+    if (!stored->is_array() || stored->size() != names.size())
+        return false;
+    for (size_t i = 0; i < names.size(); ++i) {
+        if (!(*stored)[i].is_string())
+            return false;
+        names[i] = QString::fromStdString((*stored)[i].get<std::string>());
+    }
+    return true;
+}
+
+bool isFloat(const Json &number)
+{
+    return number.is_number() && std::isfinite(number.get<float>());
+}
+
 bool readBulge(const Json &entry, int axis, int vertexCount, RyRef<RyBulgeBinding> &bulge)
 {
     RyRef<RyWeightMap> left, right;
+    std::vector<QString> names(2);
     const Json *values = find(entry, "values");
     bulge = RyRef<RyBulgeBinding>(new RyBulgeBinding(axis));
-    if (!readMap(find(entry, "left"), vertexCount, QString(), left) ||
-        !readMap(find(entry, "right"), vertexCount, QString(), right) || !values || !values->is_array() ||
+    if (!readNames(find(entry, "names"), names) || !readMap(find(entry, "left"), vertexCount, names[0], left) ||
+        !readMap(find(entry, "right"), vertexCount, names[1], right) || !values || !values->is_array() ||
         values->size() != 4) {
         return false;
     }
     bulge->setLeftWeights(left.get());
     bulge->setRightWeights(right.get());
     const std::vector<RyFloatProperty *> controllers = controllersOf(*bulge);
+    std::vector<QString> properties;
+    for (const RyFloatProperty *controller : controllers)
+        properties.push_back(controller->getName());
+    if (!readNames(find(entry, "properties"), properties))
+        return false;
     for (size_t i = 0; i < controllers.size(); ++i) {
+        controllers[i]->setName(properties[i]);
         const Json &row = (*values)[i];
         if (!row.is_array() || row.size() != 5 || !row[4].is_boolean() ||
-            !std::all_of(row.begin(), row.begin() + 4, [](const Json &number) { return number.is_number(); })) {
+            !std::all_of(row.begin(), row.begin() + 4, isFloat)) {
             return false;
         }
         controllers[i]->setMin(row[2].get<float>());
@@ -129,6 +174,16 @@ bool readBulge(const Json &entry, int axis, int vertexCount, RyRef<RyBulgeBindin
         controllers[i]->setIsClamped(row[4].get<bool>());
     }
     return true;
+}
+
+/// Whether turns of its bone show it.
+bool pushes(const RyBulgeBinding &bulge)
+{
+    const auto hasWeights = [](const RyWeightMap *map) { return map && map->getNumAffected() > 0; };
+    float posLeft, negLeft, posRight, negRight;
+    bulge.getBulgeValues(posLeft, negLeft, posRight, negRight);
+    return (hasWeights(bulge.getLeftWeights()) && (posLeft != 0.0f || negLeft != 0.0f)) ||
+           (hasWeights(bulge.getRightWeights()) && (posRight != 0.0f || negRight != 0.0f));
 }
 
 /// Null for a binding with a general map alone.
@@ -170,6 +225,8 @@ struct StoredBinding
 bool readBinding(const Json &entry, int vertexCount, StoredBinding &stored)
 {
     const Json *bulges = find(entry, "bulges");
+    if (bulges && !bulges->is_object())
+        return false;
     for (int axis = 0; axis < 3; ++axis) {
         const Json *bulge = bulges ? find(*bulges, localNames[axis]) : nullptr;
         if (!readMap(find(entry, localNames[axis]), vertexCount, QString(), stored.local[axis]) ||
@@ -287,13 +344,28 @@ bool RyMapExtras::readSkin(const Json &stored, const std::map<int, RyBone *> &bo
         binding->setBone(bone);
         binding->setWeights(maps.general.get());
         maps.giveTo(*binding);
-        for (int axis = 0; axis < 3; ++axis) {
-            if (maps.bulges[axis])
-                maps.bulges[axis]->updatePropertyNames();
-        }
         skin.addBoneBinding(binding);
     }
     return true;
+}
+
+void RyMapExtras::reportBulges(const RySkinBinding &skin, QStringList *messages)
+{
+    const auto bulges = [](const RyBoneBinding *binding) {
+        for (int axis = 0; axis < 3; ++axis) {
+            if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis); bulge && pushes(*bulge))
+                return true;
+        }
+        return false;
+    };
+    const auto count = std::count_if(skin.bindings().begin(), skin.bindings().end(), bulges);
+    const RyNode *figure = skin.getObject() ? skin.getObject()->getNode() : nullptr;
+    if (count == 0 || !figure || !messages)
+        return;
+    messages->append((count == 1 ? QStringLiteral("%1 bone of \"%2\" bulges; other programs do not see that")
+                                 : QStringLiteral("%1 bones of \"%2\" bulge; other programs do not see that"))
+                         .arg(count)
+                         .arg(figure->getName()));
 }
 
 QString RyMapExtras::text(const RySkinBinding *skin)

@@ -39,6 +39,8 @@ nlohmann::ordered_json skinToJson(const RySkinBinding &skin, const RyGltfNodeInd
 /// Makes its bindings. `bones`: by their nodes. False, and nothing done, when something does not fit.
 bool readSkin(const nlohmann::ordered_json &stored, const std::map<int, RyBone *> &bones, RySkinBinding &skin);
 
+/// Says how many bones bulge, which only we show.
+void reportBulges(const RySkinBinding &skin, QStringList *messages);
 /// What is stored of a skin with a mesh, as a text, to see whether it was edited; empty without such maps.
 QString text(const RySkinBinding *skin);
 
