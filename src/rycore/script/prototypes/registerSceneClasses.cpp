@@ -8,6 +8,7 @@
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/script/RyScriptPointer.h"
 #include "rycore/script/prototypes/RyBoneBindingPrototype.h"
+#include "rycore/script/prototypes/RyBulgeBindingPrototype.h"
 #include "rycore/script/prototypes/RyFacetMeshPrototype.h"
 #include "rycore/script/prototypes/RyLegacyBindingPrototype.h"
 #include "rycore/script/prototypes/RyLegacyJointParamPrototype.h"
@@ -51,6 +52,7 @@ void ryRegisterSceneClasses(RyScriptEngine *engine)
     add<RyFacetMesh>(engine, make(new RyFacetMeshPrototype(engine)));
     add<RySkinBinding>(engine, make(new RySkinPrototype(engine)));
     add<RyBoneBinding>(engine, make(new RyBoneBindingPrototype(engine)));
+    add<RyBulgeBinding>(engine, makeWithValues(new RyBulgeBindingPrototype(engine)));
     add<RyLegacyBinding>(engine, make(new RyLegacyBindingPrototype(engine)));
     add<RyLegacyJoint>(engine, make(new RyLegacyJointPrototype(engine)));
     add<RyLegacyJointParam>(engine, makeWithValues(new RyLegacyJointParamPrototype(engine)));
