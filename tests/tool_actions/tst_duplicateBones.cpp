@@ -115,6 +115,7 @@ private slots:
     void childrenHangUnderDuplicates();
     void bindingsHaveNoWeights_data();
     void bindingsHaveNoWeights();
+    void bulgesHaveNoWeights();
     void linksGoToDuplicates();
     void runsInOrder();
     void boneThatCannotBeDuplicated();
@@ -221,6 +222,30 @@ void RyDuplicateBonesTest::bindingsHaveNoWeights()
     QCOMPARE(ryWeightsOf(scene.binding(scene.lShin)->getAllWeightMaps().front()), before);
     QCOMPARE(ryLargestWay(scene.shown(), shown), 0.0f);
     QCOMPARE(ryFaultsOf(scene.figure), QString());
+}
+
+/// They have the values and would push vertices that the copy does not move.
+void RyDuplicateBonesTest::bulgesHaveNoWeights()
+{
+    RySkinnedScene scene;
+    auto *bulge = new RyBulgeBinding(1);
+    bulge->setLeftWeights(ryMapOf(std::vector<quint16>(60, 40000), "inner"));
+    bulge->adjustBulgeValues(0.5f, -0.25f, 1.5f, 2);
+    scene.binding(scene.lShin)->setBulgeBinding(1, bulge);
+    scene.pose();
+    scene.lShin->getYRotControl()->setValue(60);
+    const std::vector<RyVec3> shown = scene.shown();
+    ryScene()->setSelection({scene.lShin});
+    RyJEDuplicateBonesAction().executeAction();
+    const RyBulgeBinding *copied = scene.binding(ryScene()->findNode("lShin2"))->getBulgeBinding(1);
+    QVERIFY(copied && copied != bulge);
+    QCOMPARE(ryWeightsOf(copied->getLeftWeights()), std::vector<int>(60, 0));
+    QCOMPARE(copied->getLeftWeights()->getName(), QString("inner"));
+    QVERIFY(!copied->getRightWeights());
+    QCOMPARE(copied->getPosRightBulgeController()->getValue(), 1.5f);
+    QCOMPARE(copied->getPosRightBulgeController()->getName(), QString("lShin2_bulgeYPosRight"));
+    QCOMPARE(ryWeightsOf(bulge->getLeftWeights()), std::vector<int>(60, 40000));
+    QCOMPARE(ryLargestWay(scene.shown(), shown), 0.0f);
 }
 
 void RyDuplicateBonesTest::linksGoToDuplicates()

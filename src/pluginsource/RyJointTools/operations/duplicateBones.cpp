@@ -83,7 +83,14 @@ private:
             return;
         }
         // A bone that was just made has no influence yet.
-        for (RyWeightMap *map : copy->getAllWeightMaps()) {
+        std::vector<RyWeightMap *> maps = copy->getAllWeightMaps();
+        for (int axis = 0; axis < 3; ++axis) {
+            if (const RyBulgeBinding *bulge = copy->getBulgeBinding(axis))
+                maps.insert(maps.end(), {bulge->getLeftWeights(), bulge->getRightWeights()});
+        }
+        for (RyWeightMap *map : maps) {
+            if (!map)
+                continue;
             map->beginEdit();
             map->setNumWeights(map->getNumWeights());
             map->finishEdit();
