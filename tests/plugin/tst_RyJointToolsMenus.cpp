@@ -111,12 +111,12 @@ const EnablingRow working[] = {
     {"RyJERestoreNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJETransferWSRiggingAction", "111111", ""},
     {"RyJECreateDonorFigureAction", "111111", ""},
+    {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
 };
 
 /// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
 /// brought to life.
 const EnablingRow notYetWorking[] = {
-    {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
     {"RyJEBakeRotationsAction", "000011", figureReason},
     {"RyJECreateControlBonesAction", "111111", ""},
 };

@@ -63,7 +63,7 @@ constexpr RyJEActionRow rows[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "Reparent Bone..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Change the parent relationship of the selected bone."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "parent unparent attach detach connect disconnect hierarchy")},
-    {"RyJEMirrorAction", "A82C5AE2-732A-437b-98FB-B3A46D9E3A54", notYet, command,
+    {"RyJEMirrorAction", "A82C5AE2-732A-437b-98FB-B3A46D9E3A54", isSkeletonOrBone, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Mirror Joints..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Copies joint parameters from one side of the figure to the other."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "symmetrize symmetry flip left right copy side")},

@@ -4,11 +4,15 @@
 
 // Actions that rework skeletons and figures.
 
+/// Opens the options of mirroring; does nothing without the tool.
 class RyJEMirrorAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
     RyJEMirrorAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
 };
 
 class RyJEBakeRotationsAction : public RyJEToolAction

@@ -1,11 +1,14 @@
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
 #include "pluginsource/RyJointTools/operations/changeRotationOrder.h"
+#include "pluginsource/RyJointTools/operations/listMirrorPairs.h"
+#include "pluginsource/RyJointTools/operations/mirrorNode.h"
 #include "pluginsource/RyJointTools/pane/RyJointEditorToolFrame.h"
 #include "pluginsource/RyJointTools/tool/RyJointToolMenus.h"
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/scene/RyScene.h"
 #include "rycore/viewport/RyDrawStyle.h"
 
 // The host's tool interface. The slots stand in RyJointEditorToolSlots.cpp.
@@ -139,4 +142,18 @@ void RyJointEditorTool::changeRotationOrder(RyNode *node, const RyRotationOrder 
     RyMainWindow *window = RyApp::getInterface();
     if (window && change == OrderChange::AnglesKept)
         window->showMessage(tr("The bend angles stay as they were. \"Fit Zones to Bone\" turns them along the bone."));
+}
+
+bool RyJointEditorTool::mirrorNode(RyNode *source, RyNode *target, int axis)
+{
+    const RyRotationOrder before = target ? target->getRotationOrder() : RyRotationOrder();
+    const MirrorResult result = ::mirrorNode(source, target, axis);
+    if (target && target == currentNode() && target->getRotationOrder() != before)
+        emit nodeChanged(currentNode());
+    return result == MirrorResult::Done;
+}
+
+QVariantMap RyJointEditorTool::mirrorPairs(int axis) const
+{
+    return listMirrorPairs(ryScene()->getPrimarySelection(), axis);
 }

@@ -19,6 +19,7 @@
 
 #include <QColor>
 #include <QPointer>
+#include <QVariantMap>
 #include <QWidget>
 
 class RyJointEditorToolFrame;
@@ -110,6 +111,13 @@ public:
     /// See operations/changeRotationOrder.h; announces the current node anew when it is that one. Nothing for null or
     /// the same order.
     void changeRotationOrder(RyNode *node, const RyRotationOrder &order);
+
+    /// See operations/mirrorNode.h; false where bulges were left out. Announces the current node anew where it got
+    /// another rotation order.
+    bool mirrorNode(RyNode *source, RyNode *target, int axis);
+    /// Which bones of the selected figure are opposites along an axis (0 to 2), without any change: `pairs`, each with
+    /// `first`, `second` and `stage` ("prefix", "name" or "place"), and `alone`, the bones without an opposite.
+    Q_INVOKABLE QVariantMap mirrorPairs(int axis) const;
 
 signals:
     void nodeChanged(RyNode *node);

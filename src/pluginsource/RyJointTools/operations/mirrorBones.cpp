@@ -1,0 +1,91 @@
+#include "pluginsource/RyJointTools/operations/mirrorBones.h"
+
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyRiggingEdit.h"
+#include "rycore/scene/RySkeleton.h"
+
+#include <QSet>
+
+namespace {
+
+RySide otherSide(RySide side)
+{
+    return side == RySide::Left ? RySide::Right : side == RySide::Right ? RySide::Left : RySide::None;
+}
+
+/// Where the run begins; null for nowhere.
+RyNode *rootOf(RyNode *primary, RyNode *opposite, RySide side, MirrorOptions::Direction direction)
+{
+    switch (direction) {
+    case MirrorOptions::SelectedToOpposite:
+        return primary;
+    case MirrorOptions::OppositeToSelected:
+        return opposite;
+    case MirrorOptions::LeftToRight:
+        return side == RySide::Left ? primary : side == RySide::Right ? opposite : nullptr;
+    case MirrorOptions::RightToLeft:
+        return side == RySide::Left ? opposite : side == RySide::Right ? primary : nullptr;
+    }
+    return nullptr;
+}
+
+RySide sideOf(RySide primary, MirrorOptions::Direction direction)
+{
+    switch (direction) {
+    case MirrorOptions::SelectedToOpposite:
+        return primary;
+    case MirrorOptions::OppositeToSelected:
+        return otherSide(primary);
+    case MirrorOptions::LeftToRight:
+        return RySide::Left;
+    case MirrorOptions::RightToLeft:
+        return RySide::Right;
+    }
+    return RySide::None;
+}
+
+} // namespace
+
+MirrorPlan planMirror(RyNode *primary, const RyBonePairing &pairing, const MirrorOptions &options)
+{
+    const RySide side = pairing.sideOf(primary);
+    RyNode *found = pairing.oppositeOf(primary);
+    RyNode *root = rootOf(primary, found ? found : primary, side, options.direction);
+    MirrorPlan plan;
+    plan.side = sideOf(side, options.direction);
+    if (options.nodes == MirrorOptions::RootRecursive) {
+        plan.nodes = pairing.nodes();
+        return plan;
+    }
+    if (options.nodes == MirrorOptions::SelectedRecursive) {
+        root = root ? root : primary;
+        root->getNodeChildren(plan.nodes, true);
+    }
+    if (root)
+        plan.nodes.push_back(root);
+    return plan;
+}
+
+MirrorReport mirrorBones(RyNode *primary, const MirrorOptions &options,
+                         const std::function<bool(RyNode *source, RyNode *target, int axis)> &copy)
+{
+    const RySkeleton *skeleton = primary->getSkeleton();
+    const RyBonePairing pairing(*skeleton, options.axis, options.prefixes);
+    const MirrorPlan plan = planMirror(primary, pairing, options);
+    MirrorReport report;
+    report.offset = pairing.size() > 0.0f ? pairing.meanOffset() / pairing.size() : 0.0f;
+    QSet<const RyNode *> written;
+    const RyRiggingEdit edit;
+    for (RyNode *node : plan.nodes) {
+        RyNode *target = pairing.oppositeOf(node, plan.side);
+        if (target) {
+            const bool isComplete = copy(node, target, options.axis);
+            if (!written.contains(node))
+                report.copied.push_back({node, target, pairing.stageOf(node), !isComplete});
+            written.insert(target);
+        } else if (pairing.stageOf(node) == RyBonePairing::Stage::None && qobject_cast<RyBone *>(node)) {
+            report.skipped.push_back(node);
+        }
+    }
+    return report;
+}
