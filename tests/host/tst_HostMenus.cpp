@@ -40,9 +40,10 @@ private slots:
     {
         const QList<QAction *> actions = m_window->findChild<QMenu *>(QStringLiteral("EditMenu"))->actions();
         QStringList names;
-        for (const QAction *action : actions.mid(actions.size() - 2))
+        for (const QAction *action : actions.mid(actions.size() - 3))
             names << action->objectName();
-        QCOMPARE(names, QStringList({"RyBindToNearestBonesAction", "RyFitZonesToBoneAction"}));
+        QCOMPARE(names,
+                 QStringList({"RyBindToNearestBonesAction", "RyFitZonesToBoneAction", "RySymmetricEditingAction"}));
     }
 
     void theToolsMenuStandsInThreePlaces()

@@ -37,7 +37,7 @@ EditMenu::EditMenu(RyMainWindow *window, QObject *parent)
 
 void EditMenu::refresh()
 {
-    for (const char *name : {"RyBindToNearestBonesAction", "RyFitZonesToBoneAction"}) {
+    for (const char *name : {"RyBindToNearestBonesAction", "RyFitZonesToBoneAction", "RySymmetricEditingAction"}) {
         if (RyAction *action = m_window->getActionMgr()->findAction(QLatin1String(name)))
             m_menu->addAction(action);
     }

@@ -4,6 +4,7 @@
 #include "rycore/app/RyBindToNearestBonesAction.h"
 #include "rycore/app/RyFitZonesToBoneAction.h"
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/app/RySymmetricEditingAction.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/ui/RyActionMgr.h"
 
@@ -36,6 +37,7 @@ int loadHostPlugins(RyMainWindow &window)
 {
     window.getActionMgr()->addAction(new RyBindToNearestBonesAction);
     window.getActionMgr()->addAction(new RyFitZonesToBoneAction);
+    window.getActionMgr()->addAction(new RySymmetricEditingAction);
     const int loaded = window.loadPlugins(hostPluginFolder());
     checkScriptLibrary();
     return loaded;

@@ -4,9 +4,11 @@
 #include "pluginsource/RyJointTools/tool/drags/bringToPlace.h"
 #include "pluginsource/RyJointTools/tool/drags/viewAngles.h"
 
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRiggingEdit.h"
+#include "rycore/scene/RyScene.h"
 
 static RyQuat rotationOf(const RyCamera *camera)
 {
@@ -56,8 +58,10 @@ void RyPointDrag::apply(const Options &options)
         followTurnedPose(m_frame.anchor + way, options);
 }
 
-void RyPointDrag::place(const RyVec3 &value, bool propagate)
+void RyPointDrag::place(const RyVec3 &wanted, bool propagate)
 {
+    // What hangs below must not go where this node may not.
+    const RyVec3 value = RySymmetricEditing::of(*ryScene()).held(*m_node, wanted);
     if (m_point == Origin) {
         m_node->adjustOrigin(value);
         return;

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "rycore/figure/pairing/RyBonePairing.h"
+
+#include "rycore/scene/RyNode.h"
+
+#include <QSet>
+
+#include <memory>
+
+class RyFloatProperty;
+class RyScene;
+
+/// While it is on, what an undo step writes to the current rigging of a bone is written, reflected through the plane of
+/// figure space's origin at right angles to X, to its opposite in the same step; joint parameters are not. Bones in the
+/// plane stay in it: their points along the axis at 0, one of their axes along it.
+///
+/// Within a rig edit nothing follows. At its end bones whose opposites were not placed by the same work are followed;
+/// where both sides were, the work meant what it did, but for a bone in the plane that is being edited itself. Undo and
+/// redo swap both sides of a step by themselves. Bones are paired by the usual prefixes, anew when a name or the tree
+/// has changed; a step that changes one itself is not followed from there on.
+class RySymmetricEditing : public QObject
+{
+    Q_OBJECT
+public:
+    /// That of a scene, off at first; goes with the scene.
+    static RySymmetricEditing &of(RyScene &scene);
+
+    bool isOn() const { return m_isOn; }
+    void setOn(bool onOff);
+
+    /// A point of a node as it may be written: that of a bone in the plane stays there while edits are followed.
+    RyVec3 held(const RyNode &node, RyVec3 point) const;
+
+    /// Nothing is followed while one lives: of commands that mean both sides, or one.
+    class Suspension
+    {
+    public:
+        Suspension();
+        ~Suspension();
+        Suspension(const Suspension &) = delete;
+        Suspension &operator=(const Suspension &) = delete;
+    };
+
+signals:
+    void toggled(bool onOff);
+    /// A bone beside the plane was edited that has no opposite; once for each row of its edits.
+    void unmatchedEdited(RyNode *node);
+
+private slots:
+    void prepare();
+    void forgetBones();
+
+private:
+    struct Bone
+    {
+        RyNode *node;
+        RyNode *opposite; // null for none
+        bool isOnPlane;
+    };
+    explicit RySymmetricEditing(RyScene &scene);
+    void watch(const Bone &bone);
+    bool isFollowing() const;
+    void valueChanged(const Bone &bone, int control);
+    void settle(const Bone &bone);
+    void follow(const Bone &bone, int control);
+    void followRiggingEdit();
+    void keepOnPlane(const Bone &bone, int control);
+    void turnIntoPlane(RyNode &node);
+    void write(RyFloatProperty &control, float value);
+
+    RyScene &m_scene;
+    bool m_isOn = false;
+    bool m_isReady = false;
+    float m_tolerance = 0.0f;                // cm
+    std::unique_ptr<QObject> m_watch;        // holds the connections to bones
+    std::vector<std::pair<Bone, int>> m_put; // off until the rig edit ends: bones and controls
+    QSet<const RyNode *> m_inPlane;
+    QSet<const RyNode *> m_turned; // in the plane, until they announce their rigging
+    const RyFloatProperty *m_written = nullptr;
+    const RyNode *m_told = nullptr; // the last one without an opposite
+};
