@@ -6,7 +6,6 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
 
-#include <array>
 #include <cmath>
 #include <utility>
 
@@ -71,6 +70,7 @@ void RySymmetricEditing::forgetBones()
 {
     m_watch.reset();
     m_put.clear();
+    m_bones.clear();
     m_inPlane.clear();
     m_turned.clear();
     m_told = nullptr;
@@ -92,26 +92,28 @@ void RySymmetricEditing::prepare()
         for (const RyBonePairing::Pair &pair : pairing.pairs()) {
             if (pairing.mutualOf(pair.first) != pair.second)
                 continue;
-            watch({pair.first, pair.second, false});
-            watch({pair.second, pair.first, false});
+            watch(pair.first, pair.second, false);
+            watch(pair.second, pair.first, false);
         }
         for (RyNode *node : pairing.alone())
-            watch({node, nullptr, pairing.isOnPlane(node)});
+            watch(node, nullptr, pairing.isOnPlane(node));
     }
     m_tolerance = toleranceShare * size;
 }
 
-void RySymmetricEditing::watch(const Bone &bone)
+void RySymmetricEditing::watch(RyNode *node, RyNode *opposite, bool isOnPlane)
 {
-    if (bone.isOnPlane)
-        m_inPlane.insert(bone.node);
-    const auto controls = riggingOf(*bone.node);
-    for (int i = 0; i < int(controls.size()); ++i) {
-        if (controls[size_t(i)])
-            connect(controls[size_t(i)], &RyFloatProperty::currentValueChanged, m_watch.get(),
-                    [this, bone, i] { valueChanged(bone, i); });
+    if (!node->getOriginXControl() || (opposite && !opposite->getOriginXControl()))
+        return;
+    if (isOnPlane)
+        m_inPlane.insert(node);
+    m_bones.push_back({node, opposite, isOnPlane, riggingOf(*node), riggingOf(opposite ? *opposite : *node)});
+    const Bone &bone = m_bones.back();
+    for (int i = 0; i < int(bone.controls.size()); ++i) {
+        connect(bone.controls[size_t(i)], &RyFloatProperty::currentValueChanged, m_watch.get(),
+                [this, &bone, i] { valueChanged(bone, i); });
     }
-    connect(bone.node, &RyNode::riggingChanged, m_watch.get(), [this, bone] { settle(bone); });
+    connect(node, &RyNode::riggingChanged, m_watch.get(), [this, &bone] { settle(bone); });
 }
 
 bool RySymmetricEditing::isFollowing() const
@@ -129,10 +131,10 @@ RyVec3 RySymmetricEditing::held(const RyNode &node, RyVec3 point) const
 
 void RySymmetricEditing::valueChanged(const Bone &bone, int control)
 {
-    if (!isFollowing() || riggingOf(*bone.node)[size_t(control)] == m_written)
+    if (bone.controls[size_t(control)] == m_written || !isFollowing())
         return;
     if (m_scene.isInRiggingEdit())
-        m_put.emplace_back(bone, control);
+        m_put.emplace_back(&bone, control);
     else
         follow(bone, control);
 }
@@ -141,16 +143,17 @@ void RySymmetricEditing::valueChanged(const Bone &bone, int control)
 /// are written one number after the other.
 void RySymmetricEditing::settle(const Bone &bone)
 {
-    if (m_scene.isInRiggingEdit())
+    if (m_scene.isInRiggingEdit() || (m_put.empty() && m_turned.isEmpty()))
         return;
     if (!isFollowing()) {
         m_put.clear();
         m_turned.clear();
         return;
     }
+    RyNode *node = bone.node;
     followRiggingEdit();
-    if (m_isReady && m_turned.remove(bone.node))
-        turnIntoPlane(*bone.node);
+    if (m_turned.remove(node))
+        turnIntoPlane(*node);
 }
 
 void RySymmetricEditing::followRiggingEdit()
@@ -159,14 +162,16 @@ void RySymmetricEditing::followRiggingEdit()
     QSet<const RyNode *> placed;
     bool areBothPlaced = false;
     for (const auto &[bone, control] : put) {
-        placed.insert(bone.node);
-        areBothPlaced |= placed.contains(bone.opposite);
+        placed.insert(bone->node);
+        areBothPlaced |= placed.contains(bone->opposite);
     }
     for (const auto &[bone, control] : put) {
         const bool isMeant =
-            bone.opposite ? placed.contains(bone.opposite) : areBothPlaced && bone.node->editLevel() == 0;
-        if (m_isReady && !isMeant)
-            follow(bone, control);
+            bone->opposite ? placed.contains(bone->opposite) : areBothPlaced && bone->node->editLevel() == 0;
+        if (!isMeant)
+            follow(*bone, control);
+        if (!m_isReady) // a listener changed the tree: the bones are gone
+            return;
     }
 }
 
@@ -174,8 +179,8 @@ void RySymmetricEditing::follow(const Bone &bone, int control)
 {
     if (bone.opposite) {
         m_told = nullptr;
-        const float value = riggingOf(*bone.node)[size_t(control)]->getValue();
-        write(*riggingOf(*bone.opposite)[size_t(control)], reflected(value, control));
+        const float value = bone.controls[size_t(control)]->getValue();
+        write(*bone.oppositeControls[size_t(control)], reflected(value, control));
     } else if (bone.isOnPlane) {
         m_told = nullptr;
         keepOnPlane(bone, control);
@@ -191,7 +196,7 @@ void RySymmetricEditing::keepOnPlane(const Bone &bone, int control)
     else if (control >= firstAngle)
         turnIntoPlane(*bone.node);
     else if (control % 3 == mirrorAxis)
-        write(*riggingOf(*bone.node)[size_t(control)], 0.0f);
+        write(*bone.controls[size_t(control)], 0.0f);
 }
 
 /// The least turn that lays the bone axis that is nearest to the mirror axis along it.

@@ -6,6 +6,8 @@
 
 #include <QSet>
 
+#include <array>
+#include <deque>
 #include <memory>
 
 class RyFloatProperty;
@@ -57,9 +59,11 @@ private:
         RyNode *node;
         RyNode *opposite; // null for none
         bool isOnPlane;
+        std::array<RyFloatProperty *, 9> controls;
+        std::array<RyFloatProperty *, 9> oppositeControls;
     };
     explicit RySymmetricEditing(RyScene &scene);
-    void watch(const Bone &bone);
+    void watch(RyNode *node, RyNode *opposite, bool isOnPlane);
     bool isFollowing() const;
     void valueChanged(const Bone &bone, int control);
     void settle(const Bone &bone);
@@ -72,9 +76,10 @@ private:
     RyScene &m_scene;
     bool m_isOn = false;
     bool m_isReady = false;
-    float m_tolerance = 0.0f;                // cm
-    std::unique_ptr<QObject> m_watch;        // holds the connections to bones
-    std::vector<std::pair<Bone, int>> m_put; // off until the rig edit ends: bones and controls
+    float m_tolerance = 0.0f;                        // cm
+    std::unique_ptr<QObject> m_watch;                // holds the connections to bones
+    std::deque<Bone> m_bones;                        // connections know them by address
+    std::vector<std::pair<const Bone *, int>> m_put; // off until the rig edit ends: bones and controls
     QSet<const RyNode *> m_inPlane;
     QSet<const RyNode *> m_turned; // in the plane, until they announce their rigging
     const RyFloatProperty *m_written = nullptr;

@@ -1,5 +1,6 @@
 #include "rycore/script/prototypes/RyScenePrototype.h"
 
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
@@ -131,6 +132,18 @@ void RyScenePrototype::stopClip() const
 {
     if (const RyScene *scene = self<RyScene>())
         scene->getClipPlayer()->stop();
+}
+
+bool RyScenePrototype::isSymmetricEditing() const
+{
+    RyScene *scene = self<RyScene>();
+    return scene && RySymmetricEditing::of(*scene).isOn();
+}
+
+void RyScenePrototype::setSymmetricEditing(bool onOff) const
+{
+    if (RyScene *scene = self<RyScene>())
+        RySymmetricEditing::of(*scene).setOn(onOff);
 }
 
 QString RyScenePrototype::getUniqueTopLevelName(const QString &name) const

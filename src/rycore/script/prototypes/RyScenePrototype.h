@@ -32,6 +32,9 @@ public:
     Q_INVOKABLE void setClipTime(double seconds) const;
     /// Puts the clip away.
     Q_INVOKABLE void stopClip() const;
+    /// See RySymmetricEditing.
+    Q_INVOKABLE bool isSymmetricEditing() const;
+    Q_INVOKABLE void setSymmetricEditing(bool onOff) const;
     /// The name itself, or with a number where a top-level node has it.
     Q_INVOKABLE QString getUniqueTopLevelName(const QString &name) const;
     /// A canonical text of the scene: equal texts, equal scenes.
