@@ -89,6 +89,7 @@ private slots:
     void drags_data();
     void drags();
     void cancelledDrag();
+    void oneAnnouncementForAnEdit();
     void alignAll();
     void followsNames();
     void treeThatChanges();
@@ -296,6 +297,32 @@ void RySymmetricEditingTest::cancelledDrag()
     QVERIFY(scene.dump() != before);
     scene.tool->cancelDrag();
     QCOMPARE(scene.dump(), before);
+    QCOMPARE(scene.rThigh->editLevel(), 0);
+}
+
+void RySymmetricEditingTest::oneAnnouncementForAnEdit()
+{
+    SymmetricScene scene;
+    int announced = 0;
+    QObject::connect(scene.rShin, &RyNode::riggingChanged, scene.tool, [&] { ++announced; });
+    scene.after([&] {
+        scene.lShin->beginEdit();
+        for (int i = 0; i < 5; ++i)
+            scene.lShin->setOrigin({float(i), 50, 2});
+        QCOMPARE(scene.rShin->getOrigin(), RyVec3(-4, 50, 2));
+        QCOMPARE(announced, 0);
+        scene.lShin->finishEdit();
+    });
+    QCOMPARE(announced, 1);
+    QCOMPARE(scene.rShin->editLevel(), 0);
+    // Also where the bones are paired anew in between.
+    scene.after([&] {
+        scene.lShin->beginEdit();
+        scene.lShin->setOrigin({3, 50, 2});
+        scene.rFoot->setName("rToe");
+        QCOMPARE(scene.rShin->editLevel(), 0);
+        scene.lShin->finishEdit();
+    });
 }
 
 /// The right side of what Align All Bones gives by itself, and no other.

@@ -54,7 +54,6 @@ RySymmetricEditing &RySymmetricEditing::of(RyScene &scene)
 RySymmetricEditing::RySymmetricEditing(RyScene &scene) : QObject(&scene), m_scene(scene)
 {
     connect(&scene, &RyScene::nodeListChanged, this, &RySymmetricEditing::forgetBones);
-    connect(ryUndoStack(), &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare);
 }
 
 void RySymmetricEditing::setOn(bool onOff)
@@ -69,12 +68,22 @@ void RySymmetricEditing::setOn(bool onOff)
 void RySymmetricEditing::forgetBones()
 {
     m_watch.reset();
+    for (const QPointer<RyNode> &opposite : std::exchange(m_edited, {})) {
+        if (opposite)
+            opposite->finishEdit();
+    }
     m_put.clear();
     m_bones.clear();
     m_inPlane.clear();
     m_turned.clear();
     m_told = nullptr;
     m_isReady = false;
+    // Every change is told before it is recorded: only who waits for the next step listens.
+    const RyUndoStack *stack = ryUndoStack();
+    if (m_isOn && stack)
+        connect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare, Qt::UniqueConnection);
+    else if (stack)
+        disconnect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare);
 }
 
 /// Before a step begins: the tree changes while nothing can be followed, often many times in a row.
@@ -83,6 +92,7 @@ void RySymmetricEditing::prepare()
     const RyUndoStack *stack = ryUndoStack();
     if (!m_isOn || m_isReady || !stack || stack->isHoldOpen() || stack->isInUndoRedo())
         return;
+    disconnect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare);
     m_watch = std::make_unique<QObject>();
     m_isReady = true;
     float size = 0.0f;
@@ -143,6 +153,8 @@ void RySymmetricEditing::valueChanged(const Bone &bone, int control)
 /// are written one number after the other.
 void RySymmetricEditing::settle(const Bone &bone)
 {
+    if (const QPointer<RyNode> opposite = m_edited.take(bone.node))
+        opposite->finishEdit();
     if (m_scene.isInRiggingEdit() || (m_put.empty() && m_turned.isEmpty()))
         return;
     if (!isFollowing()) {
@@ -179,6 +191,10 @@ void RySymmetricEditing::follow(const Bone &bone, int control)
 {
     if (bone.opposite) {
         m_told = nullptr;
+        if (bone.node->editLevel() > 0 && !m_edited.contains(bone.node)) {
+            bone.opposite->beginEdit();
+            m_edited.insert(bone.node, bone.opposite);
+        }
         const float value = bone.controls[size_t(control)]->getValue();
         write(*bone.oppositeControls[size_t(control)], reflected(value, control));
     } else if (bone.isOnPlane) {

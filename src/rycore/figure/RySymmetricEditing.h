@@ -6,6 +6,8 @@
 
 #include <QSet>
 
+#include <QPointer>
+
 #include <array>
 #include <deque>
 #include <memory>
@@ -76,10 +78,11 @@ private:
     RyScene &m_scene;
     bool m_isOn = false;
     bool m_isReady = false;
-    float m_tolerance = 0.0f;                        // cm
-    std::unique_ptr<QObject> m_watch;                // holds the connections to bones
-    std::deque<Bone> m_bones;                        // connections know them by address
-    std::vector<std::pair<const Bone *, int>> m_put; // off until the rig edit ends: bones and controls
+    float m_tolerance = 0.0f;                         // cm
+    std::unique_ptr<QObject> m_watch;                 // holds the connections to bones
+    std::deque<Bone> m_bones;                         // connections know them by address
+    std::vector<std::pair<const Bone *, int>> m_put;  // off until the rig edit ends: bones and controls
+    QHash<const RyNode *, QPointer<RyNode>> m_edited; // opposites whose edit lasts as long as that of a bone
     QSet<const RyNode *> m_inPlane;
     QSet<const RyNode *> m_turned; // in the plane, until they announce their rigging
     const RyFloatProperty *m_written = nullptr;
