@@ -440,7 +440,7 @@ void RyJointToolsPluginTest::hostClasses()
     QVERIFY(!adjuster->getLastError().isEmpty());
     RyRef<RyFigure> figure(new RyFigure);
     QCOMPARE(adjuster->adjustRiggingToShape(figure.get()).code(), 96);
-    QCOMPARE(adjuster->getLastError(), QStringLiteral("The figure has no shape that differs from its base."));
+    QCOMPARE(adjuster->getLastError(), QStringLiteral("The figure has no facets to follow."));
 }
 
 void RyJointToolsPluginTest::refusesAnotherVersion()
