@@ -1,7 +1,8 @@
 // The bones of a limb follow its surface: 300 bones in 500,000 quads, in one thread and in two, beside a plain loop in
 // double precision over points and facets, which takes each point once and has its unit vectors made before, too, but
 // works out one triangle after the other by the published form. The places of all points are compared before anything
-// is timed. One thread: processor's time; two: the wall clock. The argument --short takes a small limb.
+// is timed. One thread: processor's time; two: the wall clock. A number as argument takes so many bones, --short a
+// small limb.
 #include <tbb/global_control.h>
 
 #include "RyRoundRobin.h"
@@ -11,6 +12,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -176,7 +178,8 @@ std::function<void(const RyRoundRobin::Work &)> inThreads(size_t count)
 int main(int argc, char **argv)
 {
     const bool isShort = argc > 1 && std::strcmp(argv[1], "--short") == 0;
-    const Limb limb = isShort ? Limb(12, 101, 50) : Limb(300, 1001, 500);
+    const int bones = argc > 1 && !isShort ? std::atoi(argv[1]) : 300;
+    const Limb limb = isShort ? Limb(12, 101, 50) : Limb(bones, 1001, 500);
     const PlainLoop plain(limb);
     const auto follow = [&] { return *moveWithSurface(limb.points, limb.base, limb.positions, limb.facets, {}); };
     const std::vector<RyVec3> places = follow();
