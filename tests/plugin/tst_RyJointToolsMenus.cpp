@@ -105,6 +105,7 @@ const EnablingRow working[] = {
     {"RyJEConvertPropToFigureAction", "111111", ""},
     {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
+    {"RyJECreateControlBonesAction", "111111", ""},
     {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
@@ -118,7 +119,6 @@ const EnablingRow working[] = {
 /// brought to life.
 const EnablingRow notYetWorking[] = {
     {"RyJEBakeRotationsAction", "000011", figureReason},
-    {"RyJECreateControlBonesAction", "111111", ""},
 };
 
 } // namespace

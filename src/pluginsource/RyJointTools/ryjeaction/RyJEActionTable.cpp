@@ -154,7 +154,7 @@ constexpr RyJEActionRow rows[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "Selected Node(s) Attributes..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Set the center, end, and orientation values of all selected nodes."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "numeric transform position coordinates head tail values batch edit type in")},
-    {"RyJECreateControlBonesAction", "1165A48B-EC51-46B9-ABE7-E7420EA5361E", notYet, command,
+    {"RyJECreateControlBonesAction", "1165A48B-EC51-46B9-ABE7-E7420EA5361E", always, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Create Control Bone(s)..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Creates one or more control bones."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "add new controllers helper driver ghost follow rig")},

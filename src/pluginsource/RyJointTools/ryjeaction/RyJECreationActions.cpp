@@ -2,6 +2,7 @@
 
 #include "pluginsource/RyJointTools/dialogs/RyGuardedDialog.h"
 #include "pluginsource/RyJointTools/dialogs/RyJEBoneCreationDlg.h"
+#include "pluginsource/RyJointTools/dialogs/RyJECreateControlBonesDlg.h"
 #include "pluginsource/RyJointTools/operations/createSiblingBone.h"
 #include "pluginsource/RyJointTools/operations/duplicateBones.h"
 #include "pluginsource/RyJointTools/operations/splitBone.h"
@@ -15,6 +16,10 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/skin/RySkinBinding.h"
+#include "rycore/undo/RyUndoStackHold.h"
+
+#include <QPointer>
 
 #include <algorithm>
 
@@ -108,4 +113,41 @@ void RyJESplitBoneAction::executeAction()
 {
     if (!splitBone(qobject_cast<RyBone *>(ryScene()->getPrimarySelection())))
         saySkinIsMissing();
+}
+
+static void reportControlBones(int made, int skipped)
+{
+    RyMainWindow *window = RyApp::getInterface();
+    if (!window)
+        return;
+    if (made == 0 && skipped == 0)
+        window->showMessage(RyJEToolAction::tr("Nothing done: the selected bones have no children."));
+    else
+        window->showMessage(RyJEToolAction::tr("Control bones made: %1. Bones skipped, as they have or are control "
+                                               "bones of that prefix: %2.")
+                                .arg(made)
+                                .arg(skipped));
+}
+
+void RyJECreateControlBonesAction::executeAction()
+{
+    // While the dialog is open the bone may leave the scene, and be deleted.
+    const QPointer<RyBone> primary(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
+    if (!primary || !RySkinBinding::findSkinFromNode(primary)) {
+        warnOfSelection(
+            RyJEToolAction::tr("One or more bone(s) of a weight mapped figure must be selected to continue."));
+        return;
+    }
+    RyGuardedDialog<RyJECreateControlBonesDlg> dialog(RyApp::getInterface());
+    if (dialog.exec() != QDialog::Accepted || !primary || primary->getScene() != ryScene())
+        return;
+    const std::vector<RyBone *> bones =
+        listBonesToControl(ryScene()->selectedNodeListIterator(), primary->getSkeleton(), dialog->getMode());
+    RyUndoStackHold hold;
+    const int made = createControlBones(bones, dialog->getPrefix());
+    if (made > 0)
+        hold.accept(text());
+    else
+        hold.cancel();
+    reportControlBones(made, int(bones.size()) - made);
 }

@@ -53,4 +53,7 @@ class RyJECreateControlBonesAction : public RyJEToolAction
     Q_OBJECT
 public:
     RyJECreateControlBonesAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
 };
