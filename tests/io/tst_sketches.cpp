@@ -50,6 +50,36 @@ private slots:
     void initTestCase() { m_random.seed(ryTestSeed()); }
     void init() { ryUndoStack()->clearAll(); }
 
+    /// The file's node holds the parent's scale as well, against which the bone stands; the numbers of its pose come
+    /// back all the same, of which many make that node.
+    void poseOfABoneThatTakesNoScale()
+    {
+        FigureSketch sketch;
+        sketch.write(path());
+        CharacterScene scene(path());
+        RyBone *low = scene.bones()[0];
+        RyBone *high = scene.bones()[1];
+        low->getSkeleton()->getYRotControl()->setValue(30.0f);
+        low->getScaleControl()->setValue(1.5f);
+        low->getXRotControl()->setValue(-20.0f);
+        low->getZTransControl()->setValue(3.0f);
+        high->setInheritScale(false);
+        high->setOrigin(high->getOrigin() + RyVec3(4, -2, 1));
+        float number = 1.3f;
+        for (RyFloatProperty *each :
+             {high->getScaleControl(), high->getXScaleControl(), high->getYScaleControl(), high->getZScaleControl()})
+            each->setValue(number -= 0.17f);
+        high->getXTransControl()->setValue(2.5f);
+        high->getZRotControl()->setValue(200.0f);
+        QString error;
+        QVERIFY2(RySceneFile::save(&scene.scene, m_folder.filePath("saved.gltf"), &error), qPrintable(error));
+        const CharacterScene again(m_folder.filePath("saved.gltf"));
+        QCOMPARE(again.messages, QStringList());
+        QVERIFY(sameDumps(rySceneDump(again.scene), rySceneDump(scene.scene)));
+        QCOMPARE(again.bones()[1]->getYScaleControl()->getValue(), high->getYScaleControl()->getValue());
+        QVERIFY(largestDistance(again.shown(), positionsOf(again.file, again.unit())) < 5e-3);
+    }
+
     void plain()
     {
         FigureSketch sketch;

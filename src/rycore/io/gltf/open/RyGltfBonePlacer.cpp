@@ -162,27 +162,27 @@ void RyGltfBonePlacer::placeBone(size_t index, const RyVec3 &end)
 void RyGltfBonePlacer::setPose(RyGltfNodeSource &source) const
 {
     RyNode *node = source.sceneNode;
-    if (RyRiggingExtras::applyPose(*m_origin.document, source.node, m_origin.unit, source.localPose, 1e-4f * m_height,
-                                   *node))
-        return;
     const RyVec3 origin = node->getOrigin();
     const double from[3] = {origin.x, origin.y, origin.z};
     double at[3];
     source.localPose.mapPoint(from, at);
-    const PoseParts pose({float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])},
-                         poseWithoutParentScale(source), m_height);
+    const RyAffine linear = poseWithoutParentScale(source);
+    const RyAffine own = RyAffine::fromTranslation(-origin) * linear * RyAffine::fromTranslation(at[0], at[1], at[2]);
+    if (RyRiggingExtras::applyPose(*m_origin.document, source.node, m_origin.unit, own, 1e-4f * m_height, *node))
+        return;
+    const PoseParts pose({float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])}, linear, m_height);
     if (!pose.isPose)
         return;
     node->setLocalTransform(pose.translation, pose.rotation, pose.scale, 1.0f);
     reportShear(*node, pose.scale * RyMatrix3(pose.rotation));
 }
 
-/// What a node leaves out of its parent's map the file's node holds against it.
+/// The linear part. What a node leaves out of its parent's map the file's node holds against it.
 RyAffine RyGltfBonePlacer::poseWithoutParentScale(const RyGltfNodeSource &source) const
 {
     const RyNode *parent = source.sceneNode->getNodeParent();
     if (source.sceneNode->inheritsScale() || !parent)
-        return source.localPose;
+        return linearPart(source.localPose);
     const RyQuat turnInFigure = parent->getWSRot() * m_figure.figure->getWSRot().inverse();
     return linearPart(source.localPose * parent->figureMap()) * RyAffine::fromRotation(turnInFigure.inverse());
 }
