@@ -1,5 +1,6 @@
 #include "FigureScene.h"
 
+#include "rycore/base/RyERCLink.h"
 #include "rycore/figure/RyTransferUtility.h"
 #include "rycore/undo/RyUndoStackHold.h"
 #include "support/RyTest.h"
@@ -93,6 +94,40 @@ private slots:
         QCOMPARE(RyTransferUtility::removeUnusedBones(inner), 1);
         QCOMPARE(inner->getNumNodeChildren(), 0);
         QCOMPARE(innerSkin->getNumBoneBindings(), 1);
+    }
+
+    /// A bone without weights is of use where it moves what stays.
+    void bonesThatMoveOthersStay()
+    {
+        FigureScene scene;
+        RyBone *hip = scene.addBone("hip", scene.figure, 100);
+        RyBone *group = scene.addBone("group", hip, -1); // above a bone that stays
+        RyBone *control = scene.addBone("control", group, -1);
+        RyBone *control2 = scene.addBone("control2", hip, 0); // moves one that moves
+        RyBone *tilt = scene.addBone("tilt", hip, -1);        // a thing beside the figure
+        RyBone *idle = scene.addBone("idle", hip, 0);         // two that move one another's values alone
+        RyBone *idle2 = scene.addBone("idle2", hip, -1);
+        RyBone *follows = scene.addBone("follows", hip, -1); // is moved itself
+        RyBone *worn = scene.addBone("worn", hip, -1);       // moves an idle bone of a figure on this one
+        auto *inner = new RyFigure;
+        scene.figure->addNodeChild(inner);
+        ryScene()->addNode(inner);
+        auto *own = new RyBone;
+        own->setName("own");
+        inner->addNodeChild(own);
+        ryScene()->addNode(own);
+        auto *thing = new RyNode;
+        ryScene()->addNode(thing);
+        RyERCLink::create(control->getXRotControl(), hip->getXRotControl());
+        RyERCLink::create(control2->getYRotControl(), control->getScaleControl());
+        RyERCLink::create(tilt->getYRotControl(), thing->getOriginXControl());
+        RyERCLink::create(idle->getXRotControl(), idle2->getXRotControl());
+        RyERCLink::create(idle2->getYRotControl(), idle->getYRotControl());
+        RyERCLink::create(hip->getYRotControl(), follows->getYRotControl());
+        RyERCLink::create(worn->getYRotControl(), own->getYRotControl());
+        QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 3);
+        QCOMPARE(scene.boneNames(), (QStringList{"hip", "group", "control", "control2", "tilt", "worn", "own"}));
+        QVERIFY(!ryScene()->findNode("idle") && !ryScene()->findNode("idle2") && !ryScene()->findNode("follows"));
     }
 
     void convertedPropKeepsItsBone()

@@ -2,11 +2,13 @@
 
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
+#include "support/checkUndo.h"
 
 #include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEDeleteActions.h"
 #include "rycore/app/RyApp.h"
+#include "rycore/base/RyERCLink.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
@@ -42,6 +44,7 @@ private slots:
     void childrenMoveUp();
     void deletesInOrder();
     void pairsGo();
+    void whatItMovedIsLetGo();
     void deleteWithoutParentOrSkin_data();
     void deleteWithoutParentOrSkin();
     void actionClearsUndoAndSelectsTheParent();
@@ -256,6 +259,27 @@ void RyDeleteBoneTest::pairsGo()
     deleteBone(scene.lShin);
     QCOMPARE(map->getNumPairs(), 1);
     QCOMPARE(map->getPairNode(0), static_cast<RyNode *>(scene.lFoot));
+}
+
+/// Also where somebody holds the bone, as a history does.
+void RyDeleteBoneTest::whatItMovedIsLetGo()
+{
+    RySkinnedScene scene;
+    scene.pose();
+    RyFloatProperty *moved = scene.lShin->getXRotControl();
+    RyERCLink::create(scene.rThigh->getXRotControl(), moved);
+    RyERCLink::create(scene.hip->getYRotControl(), moved);
+    RyERCLink::create(scene.hip->getYRotControl(), scene.rThigh->getYRotControl());
+    scene.rThigh->getXRotControl()->setValue(20.0f);
+    QCOMPARE(moved->getValue(), 75.0f);
+    const RyRef<RyBone> held(scene.rThigh);
+    checkUndoInHold([&] { deleteBone(scene.rThigh); });
+    QCOMPARE(moved->getValue(), 55.0f);
+    QCOMPARE(moved->getControllerLinks().size(), size_t(1));
+    ryUndoStack()->undo();
+    QCOMPARE(moved->getValue(), 75.0f);
+    scene.rThigh->getXRotControl()->setValue(0.0f);
+    QCOMPARE(moved->getValue(), 55.0f);
 }
 
 void RyDeleteBoneTest::deleteWithoutParentOrSkin_data()

@@ -1,9 +1,11 @@
 #include "rycore/figure/RyTransferUtility.h"
 
+#include "rycore/base/RyERCLink.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/node/RyNodeLookup.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackLock.h"
 
@@ -32,7 +34,21 @@ std::vector<RySkinBinding *> skinsOf(const RyFigure &figure, const std::vector<R
     return skins;
 }
 
-/// The nodes of the figure's tree that stay: everything that is no bone, bones with weights, and all above either.
+/// Whether a node moves, by a link, anything but nodes that may go.
+bool movesWhatStays(const RyNode &node, const std::unordered_set<const RyNode *> &mayGo)
+{
+    for (const RyFloatProperty *value : RyNodeLookup::values(node)) {
+        for (const RyERCLink *link : value->getControlledLinks()) {
+            const auto *moved = qobject_cast<const RyNode *>(link->getControlled()->getOwner());
+            if (!moved || !mayGo.count(moved))
+                return true;
+        }
+    }
+    return false;
+}
+
+/// The nodes of the figure's tree that stay: everything that is no bone, bones with weights, bones that move what
+/// stays, and all above these.
 std::unordered_set<const RyNode *> usedNodes(const RyFigure &figure, const std::vector<RyNode *> &below,
                                              const std::vector<RySkinBinding *> &skins)
 {
@@ -50,6 +66,18 @@ std::unordered_set<const RyNode *> usedNodes(const RyFigure &figure, const std::
     for (const RyNode *node : below) {
         if (!qobject_cast<const RyBone *>(node))
             keep(node);
+    }
+    std::unordered_set<const RyNode *> mayGo;
+    for (const RyNode *node : below) {
+        if (!used.count(node) && node->getSkeleton() == &figure)
+            mayGo.insert(node);
+    }
+    // Each that stays for what it moves may be moved by others.
+    const auto isMover = [&mayGo](const RyNode *node) { return movesWhatStays(*node, mayGo); };
+    for (auto mover = std::find_if(mayGo.begin(), mayGo.end(), isMover); mover != mayGo.end();
+         mover = std::find_if(mayGo.begin(), mayGo.end(), isMover)) {
+        keep(*mover);
+        std::erase_if(mayGo, [&used](const RyNode *node) { return used.count(node) > 0; });
     }
     return used;
 }

@@ -8,6 +8,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/scene/node/RyNodeReplacement.h"
 #include "rycore/skin/RySkinBinding.h"
 
 #include <algorithm>
@@ -97,6 +98,8 @@ void deleteBone(RyBone *bone)
     const RySkeleton *skeleton = bone->getSkeleton();
     if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr)
         removePairs(map, bone);
+    // Somebody may hold the bone, and what it moved would stay as it was left.
+    RyNodeReplacement::cutLinks({bone});
     const std::vector<RySkinBinding *> skins = findSkinsThatBind(bone);
     RyLegacyBoneRemoval removal(bone);
     if (parent)
