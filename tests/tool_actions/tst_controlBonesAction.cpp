@@ -294,6 +294,7 @@ void RyControlBonesActionTest::goneWhileOpen()
     RyJECreateControlBonesAction().executeAction();
     QCOMPARE(int(driver.records().size()), 1);
     QCOMPARE(scene.dump(), left);
+    QVERIFY(!scene.window || scene.window->statusBar()->currentMessage().isEmpty());
 }
 
 RY_TEST(RyControlBonesActionTest)
