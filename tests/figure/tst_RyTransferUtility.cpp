@@ -104,6 +104,7 @@ private slots:
         RyBone *group = scene.addBone("group", hip, -1); // above a bone that stays
         RyBone *control = scene.addBone("control", group, -1);
         RyBone *control2 = scene.addBone("control2", hip, 0); // moves one that moves
+        RyBone *swell = scene.addBone("swell", hip, -1);      // a bulge
         RyBone *tilt = scene.addBone("tilt", hip, -1);        // a thing beside the figure
         RyBone *idle = scene.addBone("idle", hip, 0);         // two that move one another's values alone
         RyBone *idle2 = scene.addBone("idle2", hip, -1);
@@ -121,12 +122,16 @@ private slots:
         RyERCLink::create(control->getXRotControl(), hip->getXRotControl());
         RyERCLink::create(control2->getYRotControl(), control->getScaleControl());
         RyERCLink::create(tilt->getYRotControl(), thing->getOriginXControl());
+        auto *bulge = new RyBulgeBinding(0);
+        scene.skin->findBoneBinding(hip)->setBulgeBinding(0, bulge);
+        RyERCLink::create(swell->getXRotControl(), bulge->getPosLeftBulgeController());
         RyERCLink::create(idle->getXRotControl(), idle2->getXRotControl());
         RyERCLink::create(idle2->getYRotControl(), idle->getYRotControl());
         RyERCLink::create(hip->getYRotControl(), follows->getYRotControl());
         RyERCLink::create(worn->getYRotControl(), own->getYRotControl());
         QCOMPARE(RyTransferUtility::removeUnusedBones(scene.figure), 3);
-        QCOMPARE(scene.boneNames(), (QStringList{"hip", "group", "control", "control2", "tilt", "worn", "own"}));
+        QCOMPARE(scene.boneNames(),
+                 (QStringList{"hip", "group", "control", "control2", "swell", "tilt", "worn", "own"}));
         QVERIFY(!ryScene()->findNode("idle") && !ryScene()->findNode("idle2") && !ryScene()->findNode("follows"));
     }
 

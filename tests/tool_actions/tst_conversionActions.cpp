@@ -1,11 +1,12 @@
 #include "support/RyTest.h"
 
 #include "RyMessageBoxes.h"
-#include "tool/RyWindowScene.h"
+#include "RySkinnedScene.h"
 
 #include "pluginsource/RyJointTools/dialogs/RyConvertPropToFigureDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJEConversionActions.h"
 #include "rycore/app/RyApp.h"
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -23,6 +24,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStatusBar>
+
+#include <functional>
 
 namespace {
 
@@ -42,6 +46,24 @@ void giveMesh(RyNode *node, int vertices)
         mesh->setFacets({{{0, 1, 2, -1}, -1}});
     auto *object = new RyObject;
     object->addShape(new RyFacetShape(mesh));
+    node->setObject(object);
+}
+
+/// A shape whose geometry has no facets.
+class PointShape : public RyShape
+{
+public:
+    PointShape() { m_points->setPositions({{1, 2, 3}, {4, 5, 6}}); }
+    RyVertexMesh *getGeometry() const override { return m_points.get(); }
+
+private:
+    RyRef<RyVertexMesh> m_points{new RyVertexMesh};
+};
+
+void givePoints(RyNode *node)
+{
+    auto *object = new RyObject;
+    object->addShape(new PointShape);
     node->setObject(object);
 }
 
@@ -139,13 +161,15 @@ private slots:
         giveMesh(empty, 0);
         auto *shapeless = new RyNode;
         shapeless->setObject(new RyObject);
+        auto *points = new RyNode;
+        givePoints(points);
         giveMesh(scene.lFoot, 3);
-        for (RyNode *node : {empty, shapeless})
+        for (RyNode *node : {empty, shapeless, points})
             ryScene()->addNode(node);
         RyJEConvertPropToFigureAction action;
         const QString before = scene.dump();
         for (RyNode *node : {static_cast<RyNode *>(nullptr), static_cast<RyNode *>(scene.figure),
-                             static_cast<RyNode *>(scene.lFoot), scene.prop, empty, shapeless}) {
+                             static_cast<RyNode *>(scene.lFoot), scene.prop, empty, shapeless, points}) {
             ryScene()->selectAllNodes(false);
             if (node)
                 node->select(true);
@@ -294,12 +318,16 @@ private slots:
         RyWindowScene scene;
         RyJEConvertFigureToPropAction action;
         giveMesh(scene.prop, 4);
-        for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(scene.lShin),
-                             static_cast<RyNode *>(scene.figure)}) {
-            if (scene.figure->getObject())
-                scene.figure->setObject(nullptr);
-            if (node == scene.figure)
-                giveMesh(scene.figure, 0);
+        RyNode *const figure = scene.figure;
+        const std::vector<std::pair<RyNode *, std::function<void()>>> cases = {
+            {nullptr, [] {}},
+            {scene.prop, [] {}},
+            {scene.lShin, [] {}},
+            {figure, [figure] { giveMesh(figure, 0); }},
+            {scene.hip, [figure] { givePoints(figure); }},
+            {figure, [figure] { figure->setObject(new RyObject); }}};
+        for (const auto &[node, prepare] : cases) {
+            prepare();
             ryScene()->selectAllNodes(false);
             if (node)
                 node->select(true);
@@ -315,12 +343,20 @@ private slots:
     {
         RyWindowScene scene;
         giveMesh(scene.figure, 6);
+        scene.figure->setLabel(QStringLiteral("Old Man"));
         const QString name = scene.figure->getName();
         scene.select(scene.lShin);
         ryUndoStack()->clearAll();
         const QString before = scene.dump();
         RyJEConvertFigureToPropAction action;
+        int busy = 0;
+        const QObject context;
+        connect(ryScene(), &RyScene::nodeListChanged, &context,
+                [&] { busy = std::max(busy, RyApp::busyCursorDepth()); });
         action.trigger();
+        QCOMPARE(busy, 1);
+        QCOMPARE(RyApp::busyCursorDepth(), 0);
+        QVERIFY(scene.window->statusBar()->currentMessage().isEmpty()); // its geometry hung on no bone
         QVERIFY(ryScene()->getSkeletons().empty());
         const RyNode *prop = ryScene()->findNode(name);
         QVERIFY(prop);
@@ -333,6 +369,26 @@ private slots:
         ryUndoStack()->redo();
         QCOMPARE(scene.dump(), after);
         ryUndoStack()->undo(); // the scene of the test still knows its nodes
+    }
+
+    /// A figure that only stands somewhere is not posed.
+    void saysThatAFigureWasPosed()
+    {
+        RySkinnedScene scene;
+        scene.figure->setLabel(QStringLiteral("Old Man"));
+        scene.figure->getYRotControl()->setValue(30.0f);
+        scene.figure->getScaleControl()->setValue(1.2f);
+        const auto message = [&] {
+            scene.select(scene.figure);
+            scene.window->statusBar()->clearMessage();
+            RyJEConvertFigureToPropAction().executeAction();
+            const QString said = scene.window->statusBar()->currentMessage();
+            ryUndoStack()->undo();
+            return said;
+        };
+        QCOMPARE(message(), QString());
+        scene.lShin->getXRotControl()->setValue(40.0f);
+        QCOMPARE(message(), QStringLiteral("Old Man was posed: the object has its shape at rest."));
     }
 };
 

@@ -10,16 +10,30 @@
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RyShape.h"
 
 #include <QPointer>
+
+#include <algorithm>
 
 static bool hasGeometry(const RyNode *node)
 {
     const RyShape *shape = RyShape::getCurrentShapeForNode(node);
     const auto *mesh = shape ? qobject_cast<const RyFacetMesh *>(shape->getGeometry()) : nullptr;
     return mesh && mesh->getNumVertices() > 0;
+}
+
+/// Whether vertices stand elsewhere than at rest, by more than the last digits.
+static bool isDeformed(const RySkeleton &skeleton)
+{
+    RyObject *object = skeleton.getObject();
+    const std::vector<RyVec3> &rest = object->getCurrentShape()->getCurrentPositions();
+    const std::vector<RyVec3> &shown = object->getDeformedPositions();
+    const float tolerance = 1e-5f * skeleton.getBoundingBox().getSize();
+    return !std::equal(rest.begin(), rest.end(), shown.begin(), shown.end(),
+                       [tolerance](const RyVec3 &a, const RyVec3 &b) { return (a - b).length() <= tolerance; });
 }
 
 void RyJEConvertPropToFigureAction::executeAction()
@@ -61,7 +75,12 @@ void RyJEConvertFigureToPropAction::executeAction()
         warnOfSelection(RyJEToolAction::tr("A figure in the scene must be selected to continue."));
         return;
     }
+    const QString label = skeleton->getLabel();
     RyApp::startBusyCursor();
+    const bool wasDeformed = isDeformed(*skeleton);
     RySkeleton::convertFigureToProp(skeleton, skeleton->getName());
     RyApp::endBusyCursor();
+    RyMainWindow *window = RyApp::getInterface();
+    if (wasDeformed && window)
+        window->showMessage(RyJEToolAction::tr("%1 was posed: the object has its shape at rest.").arg(label));
 }
