@@ -139,8 +139,13 @@ QString RandomEdits::edit()
         return runAction("RyJESplitBoneAction");
     if (kind < 85)
         return runAction("RyJECreateSiblingBoneAction");
-    if (kind < 88)
+    if (kind < 87)
         return runAction("RyJEDuplicateBonesAction");
+    if (kind < 88) {
+        return runAction("RyJECreateControlBonesAction",
+                         {{QStringLiteral("JointEditorPrefixLEdit"), name},
+                          {QStringLiteral("JointEditorControlBoneModeCmb"), QString::number(pick(2))}});
+    }
     if (kind < 91) {
         return runAction("RyJECreateBoneAction",
                          {{QStringLiteral("JointEditorCreateBoneNameLEdit"), name},

@@ -6,6 +6,7 @@
 
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/base/RyMessageLog.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -80,7 +81,10 @@ void RyJEConvertFigureToPropAction::executeAction()
     const bool wasDeformed = isDeformed(*skeleton);
     RySkeleton::convertFigureToProp(skeleton, skeleton->getName());
     RyApp::endBusyCursor();
-    RyMainWindow *window = RyApp::getInterface();
-    if (wasDeformed && window)
-        window->showMessage(RyJEToolAction::tr("%1 was posed: the object has its shape at rest.").arg(label));
+    if (!wasDeformed)
+        return;
+    const QString text = RyJEToolAction::tr("%1 was posed: the object has its shape at rest.").arg(label);
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(text);
+    RyMessageLog::global().info(text);
 }

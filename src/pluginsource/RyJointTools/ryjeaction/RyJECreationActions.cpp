@@ -117,16 +117,15 @@ void RyJESplitBoneAction::executeAction()
 
 static void reportControlBones(int made, int skipped)
 {
-    RyMainWindow *window = RyApp::getInterface();
-    if (!window)
-        return;
-    if (made == 0 && skipped == 0)
-        window->showMessage(RyJEToolAction::tr("Nothing done: the selected bones have no children."));
-    else
-        window->showMessage(RyJEToolAction::tr("Control bones made: %1. Bones skipped, as they have or are control "
-                                               "bones of that prefix: %2.")
-                                .arg(made)
-                                .arg(skipped));
+    const QString text = made == 0 && skipped == 0
+                             ? RyJEToolAction::tr("Nothing done: the selected bones have no children.")
+                             : RyJEToolAction::tr("Control bones made: %1. Bones skipped, as they have or are control "
+                                                  "bones of that prefix: %2.")
+                                   .arg(made)
+                                   .arg(skipped);
+    if (RyMainWindow *window = RyApp::getInterface())
+        window->showMessage(text);
+    RyMessageLog::global().info(text);
 }
 
 void RyJECreateControlBonesAction::executeAction()
