@@ -7,7 +7,7 @@
 #include "pluginsource/RyJointTools/dialogs/RyJECreateControlBonesDlg.h"
 #include "pluginsource/RyJointTools/ryjeaction/RyJECreationActions.h"
 #include "rycore/app/RyApp.h"
-#include "rycore/parametric/RyLegacyJoint.h"
+#include "rycore/figure/RyLegacyFigure.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -118,11 +118,14 @@ void RyControlBonesActionTest::refusesWhatIsNoBoneOfASkin()
     RyControlScene scene;
     auto *bare = new RySkeleton;
     RyBone *bareBone = RyToolScene::makeBone(bare, "bare", {0, 1, 0}, {0, 2, 0});
-    ryScene()->addNode(bare);
+    auto *parametric = new RyLegacyFigure;
+    RyBone *parametricBone = RyToolScene::makeBone(parametric, "parametric", {0, 1, 0}, {0, 2, 0});
+    for (RySkeleton *each : std::initializer_list<RySkeleton *>{bare, parametric})
+        ryScene()->addNode(each);
     RyJECreateControlBonesAction action;
     const QString before = scene.dump();
     for (RyNode *node : {static_cast<RyNode *>(nullptr), scene.prop, static_cast<RyNode *>(scene.figure),
-                         static_cast<RyNode *>(bareBone)}) {
+                         static_cast<RyNode *>(bareBone), static_cast<RyNode *>(parametricBone)}) {
         // The bone that was selected first would do.
         ryScene()->setSelection(node ? std::vector<RyNode *>{scene.lFoot, node} : std::vector<RyNode *>());
         RyMessageBoxes boxes;
