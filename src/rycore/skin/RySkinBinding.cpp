@@ -304,6 +304,45 @@ bool RySkinBinding::deform(RyShapePoints &points)
     return true;
 }
 
+bool RySkinBinding::deformBase(const std::vector<RyVec3> &positions, std::vector<RyVec3> &deformed,
+                               std::vector<RyMatrix3> *linear)
+{
+    RyShapePoints points;
+    points.positions = &positions;
+    if (!deform(points))
+        return false;
+    deformed = *points.positions;
+    if (linear)
+        *linear = linearParts(positions.size());
+    return true;
+}
+
+/// 1 + sum of w * (X - 1) over the channels that move each vertex, as the last `deform` had them.
+std::vector<RyMatrix3> RySkinBinding::linearParts(size_t vertexCount) const
+{
+    std::vector<RyMatrix3> parts(vertexCount);
+    std::vector<RySkinDeformer::Channel> channels;
+    for (size_t i = 0; i < m_bindings.size(); ++i) {
+        channels.clear();
+        if (m_mapSources[i].local)
+            RyLocalStages::appendChannels(*m_bindings[i], channels);
+        else
+            channels.push_back(RySkinDeformer::Channel::fromMap(m_bindings[i]->getWeights()));
+        for (size_t k = 0; k < channels.size(); ++k) {
+            const RyAffine &map = m_maps[size_t(m_mapSources[i].firstChannel) + k];
+            for (size_t e = 0; e < channels[k].vertices.size(); ++e) {
+                RyMatrix3 &part = parts[size_t(channels[k].vertices[e])];
+                for (int row = 0; row < 3; ++row) {
+                    for (int column = 0; column < 3; ++column)
+                        part[row][column] +=
+                            channels[k].weights[e] * float(map.m[row][column] - (row == column ? 1.0 : 0.0));
+                }
+            }
+        }
+    }
+    return parts;
+}
+
 std::vector<const RyElement *> RySkinBinding::parts() const
 {
     std::vector<const RyElement *> parts;

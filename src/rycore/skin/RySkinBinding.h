@@ -81,6 +81,10 @@ public:
 
     /// False when a map is for another number of vertices.
     bool deform(RyShapePoints &points) override;
+    /// Where the present pose brings such positions, one for each vertex. `linear` gets the linear part of the map of
+    /// each vertex, for what lies apart from it (bulges left aside). False as for `deform`, and nothing is done.
+    bool deformBase(const std::vector<RyVec3> &positions, std::vector<RyVec3> &deformed,
+                    std::vector<RyMatrix3> *linear = nullptr);
     std::vector<const RyElement *> parts() const override;
     /// Of each binding, in their order.
     std::vector<RyNode *> bones() const override;
@@ -118,6 +122,7 @@ private:
     bool updateInfluences(int vertexCount);
     void updateFurtherNormals(const RyShapeNormals *places);
     void updateMaps();
+    std::vector<RyMatrix3> linearParts(size_t vertexCount) const;
 
     /// What the maps of one binding were computed from.
     struct MapSource
