@@ -63,6 +63,41 @@ private slots:
         QVERIFY2(!RyNodeLookup::findProperty(stage.scene, "figure:frown=0.5", true, &value, &error), "it is no pose");
     }
 
+    void otherDeltasShowAndAreUndone()
+    {
+        Stage stage;
+        RyMorph *morph = stage.morph(1);
+        const QString before = stage.dump();
+        const std::vector<RyVec3> shown = stage.sheet.shape->getCurrentPositions();
+        const std::vector<RyVec3> deltas = morph->deltas();
+        int changes = 0;
+        const QObject context;
+        connect(stage.sheet.shape, &RyShape::geometryChanged, &context, [&changes] { ++changes; });
+        std::vector<RyVec3> turned;
+        for (const RyVec3 &delta : deltas)
+            turned.emplace_back(delta.y, -delta.x, 2 * delta.z + 1);
+        RyUndoStackHold hold;
+        morph->setDeltas(turned);
+        morph->setDeltas({RyVec3(1, 2, 3)}); // another number
+        morph->setDeltas(turned);
+        hold.accept("deltas");
+        QCOMPARE(changes, 1);
+        QVERIFY(morph->deltas() == turned);
+        const std::vector<RyVec3> now = stage.sheet.shape->getCurrentPositions();
+        for (size_t i = 0; i < turned.size(); ++i) {
+            const auto vertex = size_t(morph->vertices()[i]);
+            QVERIFY((now[vertex] - shown[vertex] - 0.25f * (turned[i] - deltas[i])).length() < 1e-4f);
+        }
+        const QString after = stage.dump();
+        QVERIFY(after != before);
+        ryUndoStack()->undo();
+        QCOMPARE(stage.dump(), before);
+        QVERIFY(stage.sheet.shape->getCurrentPositions() == shown);
+        ryUndoStack()->redo();
+        QCOMPARE(stage.dump(), after);
+        QVERIFY(stage.sheet.shape->getCurrentPositions() == now);
+    }
+
     void editsAreUndone()
     {
         Stage stage;

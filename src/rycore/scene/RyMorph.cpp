@@ -4,8 +4,19 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyShape.h"
+#include "rycore/undo/RyValueChange.h"
 
 #include <cmath>
+
+struct RyMorph::DeltasValue : RyValueOf<RyMorph, std::vector<RyVec3>>
+{
+    static const Value &get(const RyMorph &morph) { return morph.m_deltas; }
+    static void exchange(RyMorph &morph, Value &deltas)
+    {
+        morph.m_deltas.swap(deltas);
+        emit morph.deltasChanged();
+    }
+};
 
 RyMorph::RyMorph(const QString &name, std::vector<int> vertices, std::vector<RyVec3> deltas)
     : m_vertices(std::move(vertices)), m_deltas(std::move(deltas))
@@ -22,6 +33,15 @@ RyMorph::RyMorph(const QString &name, std::vector<int> vertices, std::vector<RyV
 RyMorph::~RyMorph()
 {
     moveControl(nullptr);
+}
+
+void RyMorph::setDeltas(std::vector<RyVec3> deltas)
+{
+    if (deltas.size() != m_deltas.size() || deltas == m_deltas)
+        return;
+    RyValueChange<DeltasValue>::record(this);
+    m_deltas = std::move(deltas);
+    emit deltasChanged();
 }
 
 void RyMorph::moveControl(RyPropertyGroup *group)

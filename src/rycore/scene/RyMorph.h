@@ -28,6 +28,8 @@ public:
 
     const std::vector<int> &vertices() const { return m_vertices; }
     const std::vector<RyVec3> &deltas() const { return m_deltas; }
+    /// Others for the same vertices, as many; undoable where a hold is open. Another number does nothing.
+    void setDeltas(std::vector<RyVec3> deltas);
     /// From 0 to 1 and clamped unless somebody gives it other limits. Null once somebody deleted it.
     RyFloatProperty *getValueControl() const { return m_control; }
     /// What a clip shows in place of the value; nothing for the value again. Not recorded; the value stays as it is.
@@ -45,10 +47,12 @@ public:
 
 signals:
     void shownValueChanged();
+    void deltasChanged();
 
 private:
     friend class RyObject;
     friend class RyShape;
+    struct DeltasValue;
     /// Takes the control out of the group it is in and puts it behind the properties of this one; null: it is kept
     /// here.
     void moveControl(RyPropertyGroup *group);

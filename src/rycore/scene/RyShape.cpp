@@ -111,6 +111,7 @@ void RyShape::insertMorph(RyMorph *morph, int index)
     morph->m_shape = this;
     m_morphs.insert(m_morphs.begin() + std::min(index, int(m_morphs.size())), morph);
     connect(morph, &RyMorph::shownValueChanged, this, &RyShape::geometryChanged);
+    connect(morph, &RyMorph::deltasChanged, this, &RyShape::announceDeltas);
     announceMorphs();
 }
 
@@ -128,5 +129,11 @@ void RyShape::announceMorphs()
 {
     m_positions.forgetMorphs();
     emit morphsChanged();
+    emit geometryChanged();
+}
+
+void RyShape::announceDeltas()
+{
+    m_positions.forgetMorphs();
     emit geometryChanged();
 }

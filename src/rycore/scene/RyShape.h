@@ -56,6 +56,7 @@ private:
     void insertMorph(RyMorph *morph, int index);
     void takeMorph(RyMorph *morph, int index);
     void announceMorphs();
+    void announceDeltas();
 
     RyObject *m_object = nullptr;
     std::vector<RyMorph *> m_morphs; // each counted once
