@@ -13,6 +13,28 @@ public:
     /// origin: `orientation^-1 (p - origin) + origin`. The transform is the identity.
     RyOrientedBox3 getOrientedBoundingBox() const override;
 
+    /// How the rest that a bone was read or made with was carried on by poses that became the rest: `map` moved the
+    /// vertices that follow this bone alone, figure space to figure space, `turn` its axes. Clips speak of the rest as
+    /// it was read, and so must who compares with that.
+    struct Carried
+    {
+        RyAffine map;
+        RyQuat turn;
+        bool operator==(const Carried &) const = default;
+    };
+    const Carried &getCarried() const { return m_carried; }
+    bool isCarried() const { return !(m_carried == Carried()); }
+    /// Once more, behind what there is. Undoable where a hold is open; announces nothing.
+    void carry(const Carried &further);
+    /// Takes that of a bone of which this one is to be a copy; unrecorded.
+    void copyCarried(const RyBone &from) { m_carried = from.m_carried; }
+
+    RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
+
 protected:
     RyNode *makeSameKind() const override { return new RyBone; }
+
+private:
+    struct CarriedValue;
+    Carried m_carried;
 };

@@ -10,6 +10,7 @@ RyBone *makeBoneLike(const RyBone *source, const RyVec3 &origin, const RyVec3 &e
     bone->setEndPoint(endPoint, true);
     bone->setRotationOrder(source->getRotationOrder());
     bone->setOrientation(source->getOrientation(), true);
+    bone->copyCarried(*source);
     const RySkeleton *skeleton = source->getSkeleton();
     bone->setName(skeleton->getUniqueBoneName(source->objectName()));
     bone->setLabel(skeleton->getUniqueBoneLabel(source->getLabel()));

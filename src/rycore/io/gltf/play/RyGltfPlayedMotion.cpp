@@ -24,6 +24,12 @@ RyAffine figureToWorld(const RyGltfOrigin &origin, const RyGltfFigureSource &fig
     return root != origin.nodes.end() ? root->figureToWorld : RyAffine();
 }
 
+RyAffine carriedMap(const RyNode &node)
+{
+    const auto *bone = qobject_cast<const RyBone *>(&node);
+    return bone ? bone->getCarried().map : RyAffine();
+}
+
 } // namespace
 
 RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfClips &clips, const RyGltfClip &clip,
@@ -41,6 +47,8 @@ RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfC
             addOther(origin, source);
     }
     addTakers(origin);
+    for (Played &played : m_played) // the file speaks of where its vertices were
+        played.before = carriedMap(*played.node).inverse() * played.before;
     for (const RyGltfDrivenMorph &driven : morphs) {
         const RyNode *node = driven.morph ? driven.morph->getNode() : nullptr;
         if (node && node->getScene() == &scene)
@@ -70,7 +78,7 @@ void RyGltfPlayedMotion::addOther(const RyGltfOrigin &origin, const RyGltfNodeSo
     if (!parent)
         add(source, -1, RyAffine::fromScale(origin.unit));
     else
-        add(source, source.parent, origin.findSource(parent)->bind);
+        add(source, source.parent, origin.findSource(parent)->bind * carriedMap(*parent));
 }
 
 void RyGltfPlayedMotion::add(const RyGltfNodeSource &source, int above, const RyAffine &behind)

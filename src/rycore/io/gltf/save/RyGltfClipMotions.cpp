@@ -26,7 +26,7 @@ void RyGltfClipMotions::findBases(const std::vector<RyGltfNodeMotion> &list)
             motions[motion.node] = &motion;
     }
     for (const auto &[node, edit] : m_patch.edits) {
-        if (!edit.source || (edit.source->loaded.samePoseControls(RyNodeValues::of(*edit.node)) &&
+        if (!edit.source || (edit.loaded().samePoseControls(RyNodeValues::of(*edit.node)) &&
                              edit.source->loaded.inheritScale == edit.node->inheritsScale()))
             continue;
         const auto motion = motions.find(node);
@@ -51,7 +51,7 @@ RyGltfClipMotions::Base RyGltfClipMotions::baseOf(int node, const RyGltfNodeMoti
     }
     const RyGltfParts edited = RyGltfParts::nearest(now, before.scale);
     const RyGltfScenePatch::Edit &edit = m_patch.edits.at(node);
-    const RyNodeValues &loaded = edit.source->loaded;
+    const RyNodeValues loaded = edit.loaded();
     const RyNodeValues values = RyNodeValues::of(*edit.node);
     const auto isEdited = [&](size_t from, size_t to) {
         return !std::equal(values.pose.begin() + long(from), values.pose.begin() + long(to),

@@ -15,8 +15,9 @@ RyGltfDeletedBones::RyGltfDeletedBones(const RyGltfScenePatch &patch)
     : m_patch(patch), m_before(patch.source.document->model())
 {
     for (const RyGltfNodeSource &node : patch.source.nodes) {
+        const auto *bone = qobject_cast<const RyBone *>(node.sceneNode.data());
         if (node.isBone)
-            m_toNode[node.node] = ryGltfColumns(node.bind).inverse();
+            m_toNode[node.node] = ryGltfColumns(bone ? node.bind * bone->getCarried().map : node.bind).inverse();
     }
     for (const RyGltfFigureSource &figure : patch.source.figures) {
         if (figure.sceneNode && figure.sceneNode->getScene() && !figure.skins.empty() && !figure.skins.front().rebound)

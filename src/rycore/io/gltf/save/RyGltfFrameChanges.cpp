@@ -10,6 +10,14 @@
 #include <algorithm>
 #include <cmath>
 
+RyNodeValues RyGltfScenePatch::Edit::loaded() const
+{
+    RyNodeValues values = source->loaded;
+    if (isCarried())
+        values.pose = {0, 0, 0, 0, 0, 0, 1, 1, 1, 1};
+    return values;
+}
+
 RyGltfFrameChanges::RyGltfFrameChanges(RyGltfScenePatch &patch, const RyGltfClips &clips)
     : m_patch(patch), m_clips(clips), m_isDriven(patch.source.document->model().nodes.size(), false)
 {
@@ -24,6 +32,8 @@ void RyGltfFrameChanges::apply()
 {
     for (auto &[index, edit] : m_patch.edits) {
         const RyNode &node = *edit.node;
+        if (const auto *bone = qobject_cast<const RyBone *>(&node))
+            edit.carried = bone->getCarried();
         if (!edit.source) {
             edit.bind = RyAffine::fromScale(scaleOfNew(node)) * RyAffine::fromRotation(node.getOrientation()) *
                         RyAffine::fromTranslation(node.getOrigin());
@@ -39,22 +49,55 @@ void RyGltfFrameChanges::apply()
                   m_keepRotation);
 }
 
-void RyGltfFrameChanges::compareRest(int index, Edit &edit)
+RyGltfFrameChanges::Rest RyGltfFrameChanges::restOf(const Edit &edit)
 {
     const RyNodeValues now = RyNodeValues::of(*edit.node);
-    const RyGltfNodeSource &source = *edit.source;
-    const bool isMoved = !now.sameOrigin(source.loaded);
-    bool isTurned = !now.sameOrientation(source.loaded);
-    if (isTurned && mustKeepRotation(index, edit)) {
-        isTurned = false;
+    const RyNodeValues &loaded = edit.source->loaded;
+    const RyVec3 origin = edit.node->getOrigin();
+    Rest rest{{origin.x, origin.y, origin.z}, edit.node->getOrientation(), false, false};
+    if (!edit.isCarried()) {
+        rest.isMoved = !now.sameOrigin(loaded);
+        rest.isTurned = !now.sameOrientation(loaded);
+        return rest;
+    }
+    // What single precision leaves of the way there and back is no edit.
+    const double placed[3] = {rest.origin[0], rest.origin[1], rest.origin[2]};
+    edit.carried.map.inverse().mapPoint(placed, rest.origin);
+    rest.orientation = rest.orientation * edit.carried.turn.inverse();
+    const RyVec3 before(loaded.rigging[0], loaded.rigging[1], loaded.rigging[2]);
+    double apart = 0.0;
+    for (int axis = 0; axis < 3; ++axis)
+        apart = std::max(apart, std::abs(rest.origin[axis] - double(before[axis])));
+    rest.isMoved = apart > 2e-6 * (m_reach.heightOf(*edit.node) + double(before.length() + origin.length()));
+    RyQuat turn =
+        rest.orientation * RyQuat::fromEulerXYZ({loaded.rigging[6], loaded.rigging[7], loaded.rigging[8]}).inverse();
+    rest.isTurned = RyVec3(turn.x, turn.y, turn.z).length() > 2e-5f;
+    return rest;
+}
+
+void RyGltfFrameChanges::compareRest(int index, Edit &edit)
+{
+    Rest now = restOf(edit);
+    if (now.isTurned && mustKeepRotation(index, edit, now.orientation)) {
+        now.isTurned = false;
         edit.keepsRotation = true;
         m_keepRotation.append(edit.node->getName());
     }
-    if (!isTurned && !isMoved)
-        return;
-    RyAffine frame; // the new frame seen from the old one
-    if (isTurned) {
-        edit.bind = source.stretch * RyAffine::fromRotation(edit.node->getOrientation());
+    if (now.isTurned || now.isMoved)
+        m_patch.frames[index] = frameOf(now, edit);
+    // A clip moves what was carried on together with the vertices as it did: to it nothing is another frame.
+    edit.restChanged = now.isTurned || now.isMoved || edit.isCarried();
+    if (edit.isCarried())
+        edit.bind = edit.bind * edit.carried.map;
+}
+
+/// Sets the rest frame of an edit, and gives it as seen from the old one.
+RyAffine RyGltfFrameChanges::frameOf(const Rest &now, Edit &edit)
+{
+    const RyGltfNodeSource &source = *edit.source;
+    RyAffine frame;
+    if (now.isTurned) {
+        edit.bind = source.stretch * RyAffine::fromRotation(now.orientation);
         for (int axis = 0; axis < 3; ++axis)
             edit.bind.m[3][axis] = source.bind.m[3][axis];
         RyAffine before = source.bind, linear = edit.bind;
@@ -62,23 +105,21 @@ void RyGltfFrameChanges::compareRest(int index, Edit &edit)
             before.m[3][axis] = linear.m[3][axis] = 0.0;
         frame = linear * before.inverse();
     }
-    if (isMoved) {
-        const RyVec3 origin = edit.node->getOrigin();
+    if (now.isMoved) {
         RyAffine shift = source.bind;
         for (int axis = 0; axis < 3; ++axis) {
-            edit.bind.m[3][axis] = double(origin[axis]);
+            edit.bind.m[3][axis] = now.origin[axis];
             shift.m[3][axis] = 0.0;
         }
         const double way[3] = {edit.bind.m[3][0] - source.bind.m[3][0], edit.bind.m[3][1] - source.bind.m[3][1],
                                edit.bind.m[3][2] - source.bind.m[3][2]};
         shift.inverse().mapPoint(way, frame.m[3]);
     }
-    edit.restChanged = true;
-    m_patch.frames[index] = frame;
+    return frame;
 }
 
 /// Whether a turn of the node's own frame would shear what clips do to it, or to what hangs on it.
-bool RyGltfFrameChanges::mustKeepRotation(int index, const Edit &edit)
+bool RyGltfFrameChanges::mustKeepRotation(int index, const Edit &edit, const RyQuat &orientation)
 {
     const double reach = m_reach.of(*edit.node);
     const double slack = ryGltfShearSlack(reach, m_reach.heightOf(*edit.node));
@@ -89,8 +130,8 @@ bool RyGltfFrameChanges::mustKeepRotation(int index, const Edit &edit)
     // Clips that move it otherwise say where a posed bone stands as well.
     if (!isDriven(index) && !(m_isRelated[size_t(index)] && !(edit.node->getLocalMap() == RyAffine())))
         return false;
-    const RyAffine turn = RyAffine::fromRotation(edit.node->getOrientation()) *
-                          (edit.source->stretch.inverse() * edit.source->bind).inverse();
+    const RyAffine turn =
+        RyAffine::fromRotation(orientation) * (edit.source->stretch.inverse() * edit.source->bind).inverse();
     return scaleSpread(index, ryGltfColumns(turn).linear()) > slack;
 }
 
@@ -133,7 +174,7 @@ void RyGltfFrameChanges::comparePose(Edit &edit) const
     const bool isSame = now.samePoseControls(edit.source->loaded) && node.getLocalMap() == RyAffine()
                             ? now.inheritScale == edit.source->loaded.inheritScale
                             : now.samePose(edit.source->loaded);
-    edit.poseChanged = !isSame || (edit.moved && !node.inheritsScale()) || ryGltfIsApart(node);
+    edit.poseChanged = !isSame || edit.isCarried() || (edit.moved && !node.inheritsScale()) || ryGltfIsApart(node);
 }
 
 /// A node that does not inherit scale holds its parent's against it: it changes with every pose above it.

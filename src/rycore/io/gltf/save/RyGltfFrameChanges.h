@@ -18,10 +18,19 @@ public:
 private:
     using Edit = RyGltfScenePatch::Edit;
 
+    /// Of a bone, before its rest was carried on.
+    struct Rest
+    {
+        double origin[3];
+        RyQuat orientation;
+        bool isMoved, isTurned; // against what was read
+    };
+    Rest restOf(const Edit &edit);
     void compareRest(int index, Edit &edit);
+    static RyAffine frameOf(const Rest &now, Edit &edit);
     void comparePose(Edit &edit) const;
     void spreadPoses();
-    bool mustKeepRotation(int index, const Edit &edit);
+    bool mustKeepRotation(int index, const Edit &edit, const RyQuat &orientation);
     static bool isStretched(const Edit &edit, double slack);
     double scaleSpread(int node, const Eigen::Matrix3d &turn) const;
     /// The uniform scale of the rest frame of a node that is new in the file, in centimetres: that of the bone above

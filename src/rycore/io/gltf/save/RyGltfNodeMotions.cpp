@@ -27,7 +27,7 @@ std::vector<RyGltfNodeMotion> RyGltfNodeMotions::find()
         const int giver = m_patch.nodeOf.of(bone);
         m_givers[node] = giver;
         const RyGltfNodeSource &source = *m_patch.edits.at(giver).source;
-        m_frames[node] = ryGltfColumns(m_patch.edits.at(node).bind * source.bind.inverse());
+        m_frames[node] = ryGltfColumns(m_patch.edits.at(node).uncarriedBind() * source.bind.inverse());
     }
     for (size_t node = 0; node < m_before.nodes.size(); ++node) {
         if (isThere(int(node)) && !isNew(int(node)))

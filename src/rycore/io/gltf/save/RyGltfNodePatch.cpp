@@ -85,8 +85,8 @@ RyAffine RyGltfNodePatch::localPoseNow(const Edit &edit) const
     if (!edit.poseChanged)
         return edit.source->localPose;
     const RyNodeValues now = RyNodeValues::of(node);
-    if (edit.source && !edit.moved && now.samePoseButForOrigin(edit.source->loaded) && node.inheritsScale() &&
-        !ryGltfIsApart(node))
+    if (edit.source && !edit.moved && !edit.isCarried() && now.samePoseButForOrigin(edit.source->loaded) &&
+        node.inheritsScale() && !ryGltfIsApart(node))
         return aboutOrigin(edit.source->localPose, edit.source->loaded, node);
     if (ryGltfIsApart(node))
         return node.worldMap() * shownMap(*node.getNodeParent()).inverse();
@@ -156,17 +156,18 @@ void RyGltfNodePatch::writeUnlistedChildren(int index, const Edit &edit)
     // Nodes of the file below a joint that do not stand in the scene keep their place; a node that marks the bone's end
     // follows it.
     const RyGltfModel &model = m_patch.source.document->model();
+    const RyAffine bind = edit.uncarriedBind();
     for (const int child : model.nodes[size_t(index)].children) {
         if (m_patch.edits.count(child) || model.nodes[size_t(child)].skin >= 0)
             continue;
-        RyAffine local = model.nodes[size_t(child)].transform.toAffine() * edit.source->bind * edit.bind.inverse();
+        RyAffine local = model.nodes[size_t(child)].transform.toAffine() * edit.source->bind * bind.inverse();
         if (ryGltfMarksEnd(model.nodes[size_t(child)].name)) {
             const RyVec3 end = edit.node->getEndPoint();
             const double at[3] = {end.x, end.y, end.z};
             edit.bind.inverse().mapPoint(at, local.m[3]);
-            m_patch.frames[child] = local * edit.bind * edit.source->bind.inverse() *
-                                    model.nodes[size_t(child)].transform.toAffine().inverse();
-        } else if (!edit.restChanged) {
+            m_patch.frames[child] =
+                local * bind * edit.source->bind.inverse() * model.nodes[size_t(child)].transform.toAffine().inverse();
+        } else if (!m_patch.frames.count(index)) {
             continue;
         }
         setLocal(child, local);

@@ -17,18 +17,37 @@ RyGltfRewrittenClip::RyGltfRewrittenClip(const Source &source, size_t clip)
     const std::vector<bool> isRelated = ryGltfRelatedNodes(before, isDriven);
     m_sizes = source.motions.sizesIn(m_clip);
     findDepths();
+    const std::set<int> figures = drivenFigures();
+    // What was carried on must not stand in the new rest where it stood in the old one.
+    const auto isCarriedAlong = [&](int node) {
+        const auto edit = source.patch.edits.find(node);
+        return edit != source.patch.edits.end() && edit->second.isCarried() && edit->second.source &&
+               figures.count(edit->second.source->figure) > 0;
+    };
     for (const RyGltfNodeMotion &node : source.nodes) {
         isRead = isRead && source.motions.isReadable(m_clip, node.source);
         if (!canRewrite(node))
             isRead = false;
         else
-            missed = std::max(missed, rewriteNode(node, isRelated[size_t(node.source)]));
+            missed = std::max(missed, rewriteNode(node, isRelated[size_t(node.source)] || isCarriedAlong(node.source)));
     }
     // A clip that drove nothing else than what is gone goes as well.
     const auto stays = [&source](const RyGltfChannel &channel) { return !source.patch.removed.count(channel.node); };
     if (!source.deleted.isEmpty() &&
         (!changes.empty() || std::any_of(m_clip.channels.begin(), m_clip.channels.end(), stays)))
         following = measureDeleted();
+}
+
+/// Places of those with bones that the clip drives.
+std::set<int> RyGltfRewrittenClip::drivenFigures() const
+{
+    std::set<int> figures;
+    for (const RyGltfChannel &channel : m_clip.channels) {
+        const auto edit = m_source.patch.edits.find(channel.node);
+        if (edit != m_source.patch.edits.end() && edit->second.source && edit->second.source->isBone)
+            figures.insert(edit->second.source->figure);
+    }
+    return figures;
 }
 
 /// Whether the clip moves a node so that keys of the same number do not say where it is now.

@@ -28,6 +28,7 @@ public:
     std::set<int> taken;        ///< nodes given as matrices that it drives
 
 private:
+    std::set<int> drivenFigures() const;
     bool isOff(const RyGltfNodeMotion &node) const;
     void findDepths();
     bool canRewrite(const RyGltfNodeMotion &node) const;

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/scene/RyBone.h"
 
 #include <QStringList>
 
@@ -22,6 +23,13 @@ struct RyGltfScenePatch
         bool poseChanged = false;
         bool moved = false;         // hangs on another node than in the file
         bool keepsRotation = false; // the rest frame keeps that of the file, although the orientation is another
+        RyBone::Carried carried;    // of a bone, since it was read or made
+
+        bool isCarried() const { return !(carried == RyBone::Carried()); }
+        /// The rest frame as it would be if the rest had not been carried on.
+        RyAffine uncarriedBind() const { return isCarried() ? bind * carried.map.inverse() : bind; }
+        /// What edits of a node of the file are told from: a pose that became the rest is none any more.
+        RyNodeValues loaded() const;
     };
 
     RyGltfScenePatch(const RyGltfOrigin &from, RyGltfDocument &to, QStringList *list)

@@ -61,13 +61,11 @@ void reportMeshes(const RyGltfOrigin &source, QStringList *messages)
             messages->append(
                 QStringLiteral("\"%1\" has other vertices than its mesh in the file, which is kept as it is")
                     .arg(node->getName()));
-        } else if (std::any_of(figure.parts.begin(), figure.parts.end(), hasMorphs)) {
-            const bool isRebound = !figure.skins.empty() && figure.skins.front().rebound;
-            const QString morphs =
-                isRebound
-                    ? QStringLiteral("its morphs are written for the new space of its mesh and move them as before")
-                    : QStringLiteral("its morphs in the file stay as they were");
-            messages->append(QStringLiteral("The vertices of \"%1\" were moved; %2").arg(node->getName(), morphs));
+        } else if (!figure.skins.empty() && figure.skins.front().rebound &&
+                   std::any_of(figure.parts.begin(), figure.parts.end(), hasMorphs)) {
+            messages->append(QStringLiteral("The vertices of \"%1\" were moved; its morphs are written for the new "
+                                            "space of its mesh and move them as before")
+                                 .arg(node->getName()));
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfSkinPatch.h"
 
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
+#include "rycore/io/gltf/save/RyGltfCarriedVertices.h"
 #include "rycore/io/gltf/save/RyGltfFigurePlanner.h"
 #include "rycore/io/gltf/save/RyGltfMeshPatch.h"
 #include "rycore/io/gltf/save/RyGltfMorphWriter.h"
@@ -113,7 +114,8 @@ void RyGltfSkinPatch::writeBinds(const Figure &figure)
                 continue;
             std::vector<float> sixteen;
             const auto frame = m_patch.frames.find(skin.joints[j]);
-            const bool isKnown = frame != m_patch.frames.end() && known.count(skin.joints[j]) > 0 && !figure.isRebuilt;
+            const bool isKnown = frame != m_patch.frames.end() && known.count(skin.joints[j]) > 0 &&
+                                 !figure.isRebuilt && !edit.isCarried();
             ryGltfAppendMatrix(isKnown ? ryGltfMatrixAt(values, j) * frame->second.inverse()
                                        : figure.meshToFigure(skin, m_patch.source.unit) * edit.bind.inverse(),
                                sixteen);
@@ -197,6 +199,8 @@ void RyGltfSkinPatch::writeInfluences(const Figure &figure)
 
 void RyGltfSkinPatch::writeVertices(const Figure &figure)
 {
+    const std::vector<RyGltfLinear> carried =
+        ryGltfCarriedLinear(*figure.source->sceneNode, figure.mesh->getNumVertices());
     for (const Skin &skin : figure.skins) {
         RyGltfVertexPatch vertices(m_patch.document, *figure.mesh, figure.meshToFigure(skin, m_patch.source.unit));
         std::set<std::pair<int, int>> done; // several nodes may show one mesh
@@ -207,16 +211,16 @@ void RyGltfSkinPatch::writeVertices(const Figure &figure)
                 parts.push_back({figure.meshes[p], part.primitive, &figure.parts->parts[p]});
         }
         vertices.write(parts);
-        if (figure.isRebuilt)
-            renewDirections(figure, skin);
+        if (figure.isRebuilt || !carried.empty())
+            renewDirections(figure, skin, carried);
     }
 }
 
-/// Tangents and morphs are in the space of the mesh, which is another now.
-void RyGltfSkinPatch::renewDirections(const Figure &figure, const Skin &skin)
+/// Tangents and morphs are in the space of the mesh, which is another now, or go with vertices that were carried on.
+void RyGltfSkinPatch::renewDirections(const Figure &figure, const Skin &skin, const std::vector<RyGltfLinear> &carried)
 {
     const RyAffine toFigure = figure.meshToFigure(skin, m_patch.source.unit);
-    const RyGltfSpaceChange change(m_patch.document, *figure.source, skin.source->toFigure, toFigure);
+    const RyGltfSpaceChange change(m_patch.document, *figure.source, skin.source->toFigure, toFigure, carried);
     RyGltfMorphWriter morphs(m_patch.document, *RyShape::getCurrentShapeForNode(figure.source->sceneNode), toFigure);
     std::set<std::pair<int, int>> done; // several nodes may show one mesh
     for (size_t p = 0; p < figure.source->parts.size(); ++p) {

@@ -25,7 +25,7 @@ private:
     void writeBinds(const Figure &figure);
     void writeInfluences(const Figure &figure);
     void writeVertices(const Figure &figure);
-    void renewDirections(const Figure &figure, const Skin &skin);
+    void renewDirections(const Figure &figure, const Skin &skin, const std::vector<RyGltfLinear> &carried);
     void separateProp(const RyGltfFigureSource &source);
     void writeProp(const RyGltfFigureSource &source, int mesh);
 

@@ -28,6 +28,14 @@ Eigen::Matrix3d linearOf(const RyAffine &map)
     return linear;
 }
 
+RyAffine mapOf(const RyGltfLinear &linear)
+{
+    RyAffine map;
+    for (size_t row = 0; row < 3; ++row)
+        std::copy(linear[row].begin(), linear[row].end(), map.m[row]);
+    return map;
+}
+
 /// Turns normals as the cross products of edges turn, which new normals of the mesh are.
 Eigen::Matrix3d cofactorOf(const Eigen::Matrix3d &linear)
 {
@@ -105,13 +113,12 @@ int RyGltfSpaceChange::attributeOf(int mesh, int primitive, const std::string &n
 /// From the mesh space of the file to the one in which the vertex is written.
 RyAffine RyGltfSpaceChange::changeOf(int vertex) const
 {
-    if (!m_figure.toNodePose)
-        return m_before * m_toMesh;
-    RyAffine pose;
-    const RyGltfLinear &linear = (*m_figure.toNodePose)[size_t(vertex)];
-    for (size_t row = 0; row < 3; ++row)
-        std::copy(linear[row].begin(), linear[row].end(), pose.m[row]);
-    return m_before * pose * m_toMesh;
+    RyAffine map = m_before;
+    if (m_figure.toNodePose)
+        map = map * mapOf((*m_figure.toNodePose)[size_t(vertex)]);
+    if (!m_carried.empty())
+        map = map * mapOf(m_carried[size_t(vertex)]);
+    return map * m_toMesh;
 }
 
 int RyGltfSpaceChange::replace(int accessor, const std::vector<float> &before, const std::vector<float> &now) const

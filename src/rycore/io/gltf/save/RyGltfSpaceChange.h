@@ -13,9 +13,10 @@ class RyGltfSpaceChange
 {
 public:
     /// `before`, `now`: from mesh space to figure space in centimetres.
+    /// `carried`: how each vertex was turned and scaled in figure space since it was read; empty where none was.
     RyGltfSpaceChange(RyGltfDocument &document, const RyGltfFigureSource &figure, const RyAffine &before,
-                      const RyAffine &now)
-        : m_document(document), m_figure(figure), m_before(before), m_toMesh(now.inverse())
+                      const RyAffine &now, const std::vector<RyGltfLinear> &carried = {})
+        : m_document(document), m_figure(figure), m_before(before), m_toMesh(now.inverse()), m_carried(carried)
     {}
 
     /// Of a primitive that has the vertices of a part of the figure.
@@ -33,4 +34,5 @@ private:
     const RyGltfFigureSource &m_figure;
     RyAffine m_before;
     RyAffine m_toMesh;
+    std::vector<RyGltfLinear> m_carried;
 };

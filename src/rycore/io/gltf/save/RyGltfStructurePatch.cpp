@@ -91,12 +91,12 @@ void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *
         if (known != sources.end()) {
             const RyGltfNodeSource &source = *known->second;
             m_patch.nodeOf.add(node, source.node);
-            m_patch.edits[source.node] = {node, &source, source.bind, false, false, false};
+            m_patch.edits[source.node] = {node, &source, source.bind, false, false, false, false, {}};
         } else {
             const int index = m_tree.addNodeInPlace(node->getName());
             m_patch.nodeOf.add(node, index);
             m_patch.added.emplace_back(node, index);
-            m_patch.edits[index] = {node, nullptr, RyAffine(), true, true, true};
+            m_patch.edits[index] = {node, nullptr, RyAffine(), true, true, true, false, {}};
         }
         m_order.push_back(node);
     }
