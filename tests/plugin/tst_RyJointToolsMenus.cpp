@@ -67,7 +67,6 @@ const char *const skeletonOrBoneReason = "Select a bone or a figure first.";
 const char *const boneReason = "Select a bone first.";
 const char *const figureReason = "Select a weight-mapped figure or a part of one first.";
 const char *const boneOfFigureReason = "Select a bone of a weight-mapped figure first.";
-const char *const notYetReason = "Not available yet in this version.";
 
 /// Whether an action is enabled with the selection: nothing, a prop, a skeleton that is no figure, its bone, a bone of
 /// a figure, a figure.
@@ -78,7 +77,7 @@ struct EnablingRow
     const char *reason; // while it is disabled
 };
 
-const EnablingRow working[] = {
+const EnablingRow enablingRows[] = {
     {"RyJETogglePropagateTranslationAction", "111111", ""},
     {"RyJEToggleViewBoneCreationAction", "111111", ""},
     {"RyJERotationOrderXYZAction", "011111", anyReason},
@@ -106,6 +105,7 @@ const EnablingRow working[] = {
     {"RyJEConvertFigureToPropAction", "111111", ""},
     {"RyJEDuplicateBonesAction", "011111", anyReason},
     {"RyJECreateControlBonesAction", "111111", ""},
+    {"RyJEBakeRotationsAction", "000011", figureReason},
     {"RyJEMemorizeFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
     {"RyJEMemorizeNodeRiggingPropertiesAction", "011111", anyReason},
     {"RyJERestoreFigureRiggingPropertiesAction", "001111", skeletonOrBoneReason},
@@ -113,12 +113,6 @@ const EnablingRow working[] = {
     {"RyJETransferWSRiggingAction", "111111", ""},
     {"RyJECreateDonorFigureAction", "111111", ""},
     {"RyJEMirrorAction", "001111", skeletonOrBoneReason},
-};
-
-/// What these will be once they do something. Until then they are disabled and say so; move a row up when its action is
-/// brought to life.
-const EnablingRow notYetWorking[] = {
-    {"RyJEBakeRotationsAction", "000011", figureReason},
 };
 
 } // namespace
@@ -220,10 +214,8 @@ void RyJointToolsMenusTest::enabling_data()
 {
     QTest::addColumn<QString>("enabled");
     QTest::addColumn<QString>("reason");
-    for (const EnablingRow &row : working)
+    for (const EnablingRow &row : enablingRows)
         QTest::newRow(row.action) << row.enabled << row.reason;
-    for (const EnablingRow &row : notYetWorking)
-        QTest::newRow(row.action) << "000000" << notYetReason;
 }
 
 void RyJointToolsMenusTest::enabling()
@@ -265,9 +257,7 @@ void RyJointToolsMenusTest::enabling()
 void RyJointToolsMenusTest::allActionsInTheTable()
 {
     QStringList rows;
-    for (const EnablingRow &row : working)
-        rows.append(QString::fromLatin1(row.action));
-    for (const EnablingRow &row : notYetWorking)
+    for (const EnablingRow &row : enablingRows)
         rows.append(QString::fromLatin1(row.action));
     QCOMPARE(rows.removeDuplicates(), 0);
     QCOMPARE(rows.size(), 35);

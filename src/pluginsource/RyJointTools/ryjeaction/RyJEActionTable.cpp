@@ -67,7 +67,7 @@ constexpr RyJEActionRow rows[] = {
      QT_TRANSLATE_NOOP("RyJEToolAction", "Mirror Joints..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Copies joint parameters from one side of the figure to the other."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "symmetrize symmetry flip left right copy side")},
-    {"RyJEBakeRotationsAction", "72a79d2e-ba49-47b6-a8cc-f9edb0dbdf09", notYet, command,
+    {"RyJEBakeRotationsAction", "72a79d2e-ba49-47b6-a8cc-f9edb0dbdf09", isOfFigure, command,
      QT_TRANSLATE_NOOP("RyJEToolAction", "Bake Joint Rotations..."),
      QT_TRANSLATE_NOOP("RyJEToolAction", "Bakes the current joint rotations of a single skin figure as the new "
                                          "geometry base, and replaces bones accordingly."),

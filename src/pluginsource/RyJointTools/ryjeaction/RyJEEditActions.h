@@ -15,9 +15,13 @@ public slots:
     void executeAction() override;
 };
 
+/// Leaves no step: older ones stay in the stack. What cannot be baked stays as it is, without a word.
 class RyJEBakeRotationsAction : public RyJEToolAction
 {
     Q_OBJECT
 public:
     RyJEBakeRotationsAction() : RyJEToolAction(staticMetaObject) {}
+
+public slots:
+    void executeAction() override;
 };
