@@ -23,6 +23,8 @@ void RyGltfClipReport::add(const QString &name, const RyGltfRewrittenClip &clip)
         m_sheared.append(withShare(name, clip.missed));
     if (clip.following > seen)
         m_following.append(withShare(name, clip.following));
+    if (clip.blended > seen)
+        m_blended.append(withShare(name, clip.blended));
 }
 
 void RyGltfClipReport::say() const
@@ -36,6 +38,9 @@ void RyGltfClipReport::say() const
     m_patch.sayOf(QStringLiteral("Vertices that followed deleted bones move with others in clips, by up to this share "
                                  "of the height elsewhere: %1"),
                   m_following);
+    m_patch.sayOf(QStringLiteral("Vertices between several joints are blended anew from the pose that became the rest; "
+                                 "clips put them off by up to this share of the height: %1"),
+                  m_blended);
     QStringList matrices;
     for (const int node : m_heldByMatrix)
         matrices.append(m_patch.document.model().nodes[size_t(node)].name);

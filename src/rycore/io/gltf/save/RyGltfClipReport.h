@@ -16,6 +16,6 @@ public:
 private:
     const RyGltfScenePatch &m_patch;
     std::set<int> m_heldByMatrix;
-    QStringList m_unreadable, m_vanishing; // names of clips
-    QStringList m_sheared, m_following;    // likewise, with how far vertices are off
+    QStringList m_unreadable, m_vanishing;         // names of clips
+    QStringList m_sheared, m_following, m_blended; // likewise, with how far vertices are off
 };

@@ -12,8 +12,9 @@ std::vector<RyGltfClipChange> RyGltfClipRewriter::rewrite() const
     const RyGltfDeletedBones deleted(m_patch);
     if (nodes.empty() && deleted.isEmpty())
         return {};
+    const RyGltfCarriedVertices carried(m_patch);
     const RyGltfClipMotions motions(m_patch, m_clips, nodes);
-    const RyGltfRewrittenClip::Source source{m_patch, m_clips, nodes, motions, deleted};
+    const RyGltfRewrittenClip::Source source{m_patch, m_clips, nodes, motions, deleted, carried};
     std::vector<std::optional<RyGltfRewrittenClip>> clips(m_clips.clips().size());
     RyParallel::forRanges(clips.size(), 1, [&](size_t begin, size_t end) {
         for (size_t clip = begin; clip < end; ++clip)

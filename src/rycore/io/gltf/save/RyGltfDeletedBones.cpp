@@ -12,7 +12,7 @@
 #include <cmath>
 
 RyGltfDeletedBones::RyGltfDeletedBones(const RyGltfScenePatch &patch)
-    : m_patch(patch), m_before(patch.source.document->model())
+    : RyGltfStrayVertices(patch.source.document->model()), m_patch(patch), m_before(patch.source.document->model())
 {
     for (const RyGltfNodeSource &node : patch.source.nodes) {
         const auto *bone = qobject_cast<const RyBone *>(node.sceneNode.data());
@@ -94,13 +94,13 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
         const bool isKnown = std::all_of(shares.begin(), shares.end(),
                                          [this](const Share &share) { return m_toNode.count(share.node) > 0; });
         if (!sharesNow.empty() && isKnown)
-            addPoint({position.x, position.y, position.z}, height, shares, sharesNow);
+            addVertex({position.x, position.y, position.z}, height, shares, sharesNow);
     }
 }
 
 /// `place`: at rest, in centimetres of the figure.
-void RyGltfDeletedBones::addPoint(const Eigen::Vector3d &place, double height, const std::vector<Share> &before,
-                                  const std::vector<Share> &now)
+void RyGltfDeletedBones::addVertex(const Eigen::Vector3d &place, double height, const std::vector<Share> &before,
+                                   const std::vector<Share> &now)
 {
     std::map<int, double> weights;
     for (const auto &[shares, sign] : {std::pair(&before, -1.0), std::pair(&now, 1.0)}) {
@@ -110,46 +110,10 @@ void RyGltfDeletedBones::addPoint(const Eigen::Vector3d &place, double height, c
         for (const Share &share : *shares)
             weights[share.node] += sign * share.weight / whole;
     }
-    Point point{height, {}};
+    std::map<int, Term> terms;
     for (const auto &[node, weight] : weights) {
         if (weight != 0.0)
-            point.pulls.push_back({linkOf(node), weight, weight * (m_toNode.at(node) * place)});
+            terms[node] = {weight, weight * (m_toNode.at(node) * place)};
     }
-    m_points.push_back(std::move(point));
-}
-
-size_t RyGltfDeletedBones::linkOf(int node)
-{
-    const auto known = m_linkOf.find(node);
-    if (known != m_linkOf.end())
-        return known->second;
-    const int above = m_before.nodes[size_t(node)].parent;
-    const int parent = above >= 0 ? int(linkOf(above)) : -1;
-    m_chain.push_back({node, parent});
-    return m_linkOf[node] = m_chain.size() - 1;
-}
-
-double RyGltfDeletedBones::measure(const std::vector<float> &times, const MotionOf &motionOf) const
-{
-    constexpr size_t enough = 24;
-    std::vector<RyGltfMotion> motions;
-    for (const Link &link : m_chain)
-        motions.push_back(motionOf(link.node));
-    std::vector<Eigen::Affine3d> worlds(m_chain.size());
-    double worst = 0.0;
-    for (size_t i = 0; i < times.size(); i += times.size() / enough + 1) {
-        const float behind = std::nextafter(times[i], std::numeric_limits<float>::infinity());
-        for (size_t link = 0; link < m_chain.size(); ++link) {
-            worlds[link] = RyGltfMotionPiece(motions[link], times[i], behind).map(double(times[i]));
-            if (m_chain[link].parent >= 0)
-                worlds[link] = worlds[size_t(m_chain[link].parent)] * worlds[link];
-        }
-        for (const Point &point : m_points) {
-            Eigen::Vector3d way = Eigen::Vector3d::Zero();
-            for (const Pull &pull : point.pulls)
-                way += worlds[pull.node].linear() * pull.place + pull.weight * worlds[pull.node].translation();
-            worst = std::max(worst, way.norm() / point.height);
-        }
-    }
-    return worst;
+    addPoint(height, terms);
 }

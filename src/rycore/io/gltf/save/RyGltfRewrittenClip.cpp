@@ -35,7 +35,9 @@ RyGltfRewrittenClip::RyGltfRewrittenClip(const Source &source, size_t clip)
     const auto stays = [&source](const RyGltfChannel &channel) { return !source.patch.removed.count(channel.node); };
     if (!source.deleted.isEmpty() &&
         (!changes.empty() || std::any_of(m_clip.channels.begin(), m_clip.channels.end(), stays)))
-        following = measureDeleted();
+        following = measure(source.deleted);
+    if (!source.carried.isEmpty() && !figures.empty())
+        blended = measure(source.carried);
 }
 
 /// Places of those with bones that the clip drives.
@@ -175,13 +177,13 @@ float RyGltfRewrittenClip::start() const
     return std::isfinite(start) ? start : 0.0f;
 }
 
-double RyGltfRewrittenClip::measureDeleted() const
+double RyGltfRewrittenClip::measure(const RyGltfStrayVertices &vertices) const
 {
     std::set<float> times;
     for (const RyGltfChannel &channel : m_clip.channels) {
         if (const auto &curve = m_source.clips.curve(channel))
             times.insert(curve->times.begin(), curve->times.end());
     }
-    return m_source.deleted.measure({times.begin(), times.end()},
-                                    [this](int node) { return m_source.motions.of(m_clip, node); });
+    return vertices.measure({times.begin(), times.end()},
+                            [this](int node) { return m_source.motions.of(m_clip, node); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/io/gltf/save/RyGltfCarriedVertices.h"
 #include "rycore/io/gltf/save/RyGltfClipMotions.h"
 #include "rycore/io/gltf/save/RyGltfClipWriter.h"
 #include "rycore/io/gltf/save/RyGltfDeletedBones.h"
@@ -16,6 +17,7 @@ public:
         const std::vector<RyGltfNodeMotion> &nodes;
         const RyGltfClipMotions &motions;
         const RyGltfDeletedBones &deleted;
+        const RyGltfCarriedVertices &carried;
     };
     /// `clip`: its place in the list.
     RyGltfRewrittenClip(const Source &source, size_t clip);
@@ -24,6 +26,7 @@ public:
     bool isRead = true;         ///< false where it drives what moves otherwise in a way that cannot be followed
     double missed = 0.0;        ///< how far something is put off its place, in heights of the figure; infinite for none
     double following = 0.0;     ///< how far vertices that followed deleted bones move elsewhere, likewise
+    double blended = 0.0;       ///< how far vertices between joints of another rest are blended elsewhere, likewise
     std::set<int> heldByMatrix; ///< nodes that should have got keys
     std::set<int> taken;        ///< nodes given as matrices that it drives
 
@@ -36,7 +39,7 @@ private:
     RyGltfMotionChange changeOf(const RyGltfNodeMotion &node) const;
     bool addKeys(const RyGltfNodeMotion &node, const RyGltfMotion &result, double tolerance);
     float start() const;
-    double measureDeleted() const;
+    double measure(const RyGltfStrayVertices &vertices) const;
 
     const Source &m_source;
     size_t m_place;
