@@ -2,9 +2,11 @@
 #include "ClipComparison.h"
 
 #include "pluginsource/RyJointTools/operations/bakePose.h"
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
 
@@ -65,7 +67,47 @@ private slots:
         QVERIFY2(worst < 1e-5, qPrintable(QStringLiteral("%1\n").arg(worst) + messages.join(QLatin1Char('\n'))));
     }
 
+    /// What plays in the scene is what played there, things on bones included.
+    void playTheSameWay_data()
+    {
+        QTest::addColumn<QString>("path");
+        for (const QString &path : bakeablePaths())
+            QTest::newRow(qPrintable(QFileInfo(path).fileName())) << path;
+    }
+    void playTheSameWay()
+    {
+        QFETCH(QString, path);
+        BakedCharacter character(path);
+        if (character.scene.getClips().empty() || character.figures().empty())
+            QSKIP("it has no clips of a weight-mapped figure");
+        character.pose(m_random);
+        auto *thing = new RyNode;
+        thing->setOrigin({3, 4, 5}, true);
+        character.scene.addNode(thing);
+        character.bones().back()->addNodeChild(thing);
+        thing->getXTransControl()->setValue(2);
+        thing->getYRotControl()->setValue(50);
+        const auto before = played(character);
+        for (RyFigure *figure : character.figures())
+            QVERIFY(bakePose(figure));
+        const auto after = played(character);
+        for (size_t frame = 0; frame < before.size(); ++frame)
+            QVERIFY(largestWay(before[frame], after[frame]) < 2e-5 * character.height);
+    }
+
 private:
+    static std::vector<std::vector<Eigen::Vector3d>> played(const BakedCharacter &character)
+    {
+        std::vector<std::vector<Eigen::Vector3d>> frames;
+        for (const auto &clip : character.scene.getClips()) {
+            for (const double share : {0.0, 0.3, 0.7}) {
+                character.scene.getClipPlayer()->show(clip, share * clip->length());
+                frames.push_back(character.joints());
+            }
+        }
+        character.scene.getClipPlayer()->stop();
+        return frames;
+    }
     /// Of the origins of joints and of vertices that follow one joint alone, at frames of all clips, in heights.
     static double largestWayOf(const GltfEvaluator &before, const GltfEvaluator &after, const std::set<int> &joints)
     {
