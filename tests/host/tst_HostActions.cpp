@@ -29,9 +29,6 @@ private slots:
     {
         QTest::addColumn<QString>("className");
         for (const RyAction *action : m_window->getActionMgr()->getActions()) {
-            // What is to come says so and cannot be run.
-            if (action->unavailableReason().startsWith(QLatin1String("Not available yet")))
-                continue;
             // The sample has no parametric figure; the command's own test has.
             if (action->objectName() != QLatin1String("RyFitZonesToBoneAction"))
                 QTest::newRow(action->metaObject()->className())

@@ -25,7 +25,6 @@ bool hasFigure(const RyNode *primary)
 
 // clang-format off
 const RySelectionRule always           = {allOf<>, nullptr, false};
-const RySelectionRule notYet           = {anyOf<>, QT_TRANSLATE_NOOP("RyJEToolAction", "Not available yet in this version."), false};
 const RySelectionRule isAnyNode        = {isThere, QT_TRANSLATE_NOOP("RyJEToolAction", "Select something in the scene first.")};
 const RySelectionRule isSkeletonOrBone = {anyOf<isA<RySkeleton>, isA<RyBone>>, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone or a figure first.")};
 const RySelectionRule isBone           = {isA<RyBone>, QT_TRANSLATE_NOOP("RyJEToolAction", "Select a bone first.")};

@@ -3,8 +3,6 @@
 #include "pluginsource/RyJointTools/ryjeaction/RySelectionRule.h"
 
 extern const RySelectionRule always;
-/// Of actions that do nothing in this version.
-extern const RySelectionRule notYet;
 extern const RySelectionRule isAnyNode;
 extern const RySelectionRule isSkeletonOrBone;
 extern const RySelectionRule isBone;
