@@ -3,6 +3,7 @@
 #include "FigureScene.h"
 #include "LimbSection.h"
 #include "rycore/base/RyERCLink.h"
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyMorph.h"
 #include "support/RyNear.h"
@@ -10,6 +11,7 @@
 #include "support/RyTest.h"
 #include "support/checkUndo.h"
 
+#include <QScopeGuard>
 #include <QSignalSpy>
 
 class RyShapeRiggingAdjusterTest : public QObject
@@ -24,6 +26,7 @@ private slots:
     void goesAlongWithAMovedMesh();
     void keepsPointsTogether();
     void movesMirroredBonesAlike();
+    void meansBothSidesByItself();
     void writesParentsFirstAndTellsOnce();
     void bringsLinkedValuesToTheirPlace();
     void cancelledChangesNothing();
@@ -287,6 +290,27 @@ void RyShapeRiggingAdjusterTest::movesMirroredBonesAlike()
     QVERIFY(isMirrored(tube.lHand->getEndPoint(), tube.rHand->getEndPoint()));
     QCOMPARE(std::abs(tube.hip->getOrigin().x) < 1e-5f, true);
     QVERIFY((tube.lHand->getOrigin() - tube.lHand->getOrigin(true)).length() > 1.0f);
+}
+
+/// Where one side stands as the shape wants it and only the other one is written, symmetric editing changes nothing.
+void RyShapeRiggingAdjusterTest::meansBothSidesByItself()
+{
+    Tube tube;
+    tube.addMorph([](const RyVec3 &p) { return p.x > 5 ? RyVec3(0.2f * p.x, 2, 0) : RyVec3(-1, 0, 0.1f * p.y); });
+    RyShapeRiggingAdjuster adjuster;
+    checkAdjusts(adjuster, tube.figure);
+    const QString wanted = rySceneDump(*ryScene());
+    tube.lArm->setEndPoint(tube.lArm->getEndPoint() + RyVec3(1, 2, 3));
+    tube.lHand->setOrigin(tube.lHand->getOrigin() + RyVec3(1, 2, 3));
+    tube.hip->setOrigin(tube.hip->getOrigin() + RyVec3(3, 2, 1));
+    ryUndoStack()->clearAll();
+    RySymmetricEditing::of(*ryScene()).setOn(true);
+    const auto off = qScopeGuard([] { RySymmetricEditing::of(*ryScene()).setOn(false); });
+    const QString before = rySceneDump(*ryScene());
+    checkAdjusts(adjuster, tube.figure);
+    QCOMPARE(rySceneDump(*ryScene()), wanted);
+    QCOMPARE(ryUndoStack()->count(), 1);
+    checkLastStep(before);
 }
 
 void RyShapeRiggingAdjusterTest::writesParentsFirstAndTellsOnce()

@@ -1,10 +1,10 @@
 #include "rycore/figure/RyShapeRiggingAdjuster.h"
 
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/moveWithSurface.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 namespace {
@@ -20,7 +20,7 @@ std::vector<RyBone *> bonesOf(const RyFigure &figure)
 /// The origin and the end point of each bone; true when one of them changed.
 bool writePoints(const std::vector<RyBone *> &bones, const std::vector<RyVec3> &points)
 {
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     bool hasMoved = false;
     for (size_t i = 0; i < bones.size(); ++i) {
         RyBone *bone = bones[i];

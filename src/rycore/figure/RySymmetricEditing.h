@@ -20,9 +20,10 @@ class RyScene;
 /// plane stay in it: their points along the axis at 0, one of their axes along it.
 ///
 /// Within a rig edit nothing follows. At its end bones whose opposites were not placed by the same work are followed;
-/// where both sides were, the work meant what it did, but for a bone in the plane that is being edited itself. Undo and
-/// redo swap both sides of a step by themselves. Bones are paired by the usual prefixes, anew when a name or the tree
-/// has changed; a step that changes one itself is not followed from there on.
+/// where both sides were, the work meant what it did, but for a bone in the plane that is being edited itself. A
+/// command that means exactly what it places opens a `RyExactRiggingEdit`. Undo and redo swap both sides of a step by
+/// themselves. Bones are paired by the usual prefixes, anew when a name or the tree has changed; a step that changes
+/// one itself is not followed from there on.
 class RySymmetricEditing : public QObject
 {
     Q_OBJECT

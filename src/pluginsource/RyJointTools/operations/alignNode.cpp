@@ -1,8 +1,8 @@
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/math/RyQuat.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RySkeleton.h"
 
 // Single precision, as the angle it is compared with.
@@ -36,7 +36,7 @@ bool alignBranch(RyNode *node)
 
 bool alignAllBones(const RySkeleton &skeleton)
 {
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     bool aligned = false;
     for (RyNode *child : skeleton.nodeChildrenIterator())
         aligned |= alignBranch(child);

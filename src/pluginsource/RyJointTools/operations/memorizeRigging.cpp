@@ -4,8 +4,8 @@
 #include "pluginsource/RyJointTools/operations/listRiggingProperties.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyRiggingEdit.h"
 
 void memorizeRigging(const std::vector<RyNode *> &nodes)
 {
@@ -17,7 +17,7 @@ void memorizeRigging(const std::vector<RyNode *> &nodes)
         for (RyFloatProperty *property : listRiggingProperties(*node))
             values.push_back({property, property->getValue()});
     }
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     for (const RyWantedValue &each : values) {
         if (each.property)
             each.property->setDefaultValue(each.value);

@@ -1,8 +1,7 @@
 #include "pluginsource/RyJointTools/operations/mirrorBones.h"
 
-#include "rycore/figure/RySymmetricEditing.h"
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <QSet>
@@ -76,8 +75,7 @@ MirrorReport mirrorBones(RyNode *primary, const MirrorOptions &options,
     MirrorReport report;
     report.offset = pairing.size() > 0.0f ? pairing.meanOffset() / pairing.size() : 0.0f;
     QSet<const RyNode *> written;
-    const RySymmetricEditing::Suspension suspension; // outlives the rig edit, at whose end others are told
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     for (RyNode *node : plan.nodes) {
         RyNode *target = pairing.oppositeOf(node, plan.side);
         if (target) {

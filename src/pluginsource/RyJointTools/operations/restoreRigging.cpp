@@ -4,8 +4,8 @@
 #include "pluginsource/RyJointTools/operations/listRiggingProperties.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyRiggingEdit.h"
 
 void restoreRigging(const std::vector<RyNode *> &nodes)
 {
@@ -16,6 +16,6 @@ void restoreRigging(const std::vector<RyNode *> &nodes)
         for (RyFloatProperty *property : listRiggingProperties(*node))
             defaults.push_back({property, property->getDefaultValue()});
     }
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     adjustValues(defaults);
 }

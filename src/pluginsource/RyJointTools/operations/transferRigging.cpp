@@ -3,10 +3,10 @@
 #include "pluginsource/RyJointTools/operations/adjustValues.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/math/RyAffine.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/skin/RySkinBinding.h"
 
 #include <QHash>
@@ -109,7 +109,7 @@ RyRiggingTransfer transferRigging(const RySkeleton &source, const RyFigure &targ
     const QHash<QString, const RyBone *> known = byName(bones);
     report.sourceOnly = int(std::count_if(sourceBones.begin(), sourceBones.end(),
                                           [&known](const RyBone *bone) { return !known.contains(bone->getName()); }));
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     adjustValues(transfer.wanted());
     return report;
 }
