@@ -186,19 +186,34 @@ void RyMirrorDialogTest::prefixesAreResetEachTime()
 void RyMirrorDialogTest::tells()
 {
     RySidedScene scene;
+    // Marked with a side whose other one it lacks.
+    RyBone *toe = RyToolScene::makeBone(scene.lFoot, "lToe", {11, 1, 9}, {11, 1, 14});
+    scene.addSkin({scene.lThigh, scene.rThigh, scene.lFoot});
     ryScene()->setSelection({scene.hip});
     RyMessageLog::global().clear();
     Dialog dialog(scene.tool);
     QVERIFY(dialog.accepts("Root Recursive", "Left to Right"));
-    QCOMPARE(scene.window->statusBar()->currentMessage(), QStringLiteral("Mirrored 3 bones; 2 have no opposite."));
+    QCOMPARE(scene.window->statusBar()->currentMessage(), QStringLiteral("Mirrored 3 bones; 3 have no opposite."));
     QCOMPARE(RyMessageLog::global().messages(),
-             QStringList({"Mirrored lThigh to rThigh (by the beginning of its name), without bulges: the skin does "
-                          "not bind both.",
+             QStringList({"Mirrored lThigh to rThigh (by the beginning of its name).",
                           "Mirrored lShin to rightShin (by the beginning of its name), without bulges: the skin does "
                           "not bind both.",
                           "Mirrored lFoot to rFoot (by the beginning of its name), without bulges: the skin does not "
                           "bind both.",
-                          "hip has no opposite.", "lowerJaw has no opposite."}));
+                          "hip has no opposite.", "lToe has no opposite.", "lowerJaw has no opposite."}));
+    // Nothing is missing where there is no skin.
+    scene.figure->setObject(nullptr);
+    RyMessageLog::global().clear();
+    QVERIFY(Dialog(scene.tool).accepts("Root Recursive", "Left to Right"));
+    QCOMPARE(RyMessageLog::global().messages().mid(1, 2),
+             QStringList({"Mirrored lShin to rightShin (by the beginning of its name).",
+                          "Mirrored lFoot to rFoot (by the beginning of its name)."}));
+    ryScene()->setSelection({toe});
+    QVERIFY(Dialog(scene.tool).accepts());
+    QCOMPARE(scene.window->statusBar()->currentMessage(), QStringLiteral("Mirrored 0 bones; 1 has no opposite."));
+    ryScene()->setSelection({scene.lFoot});
+    QVERIFY(Dialog(scene.tool).accepts("Selected Recursive", "Selected to Opposite"));
+    QCOMPARE(scene.window->statusBar()->currentMessage(), QStringLiteral("Mirrored 1 bone; 1 has no opposite."));
     // A figure that stands beside the plane.
     for (RyNode *node : scene.bones())
         node->setOrigin(node->getOrigin(true) + RyVec3(30, 0, 0), true);

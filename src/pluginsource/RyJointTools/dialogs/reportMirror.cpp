@@ -7,6 +7,7 @@
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/scene/RyNode.h"
+#include "rycore/skin/RySkinBinding.h"
 
 #include <cmath>
 
@@ -41,14 +42,20 @@ static QString summaryOf(const MirrorReport &report)
                         : Dialog::tr("%1; %2 have no opposite.").arg(done).arg(skipped);
 }
 
+/// What has no skin at all has no bulges to miss.
+static bool lacksBulges(const MirrorReport::Copied &copied)
+{
+    return copied.withoutBulges && RySkinBinding::findSkinFromNode(copied.source);
+}
+
 void reportMirror(const MirrorReport &report)
 {
     RyMessageLog &log = RyMessageLog::global();
     for (const MirrorReport::Copied &copied : report.copied) {
         const QString line = Dialog::tr("Mirrored %1 to %2 (%3)")
                                  .arg(copied.source->getName(), copied.target->getName(), tellStage(copied.stage));
-        log.info(copied.withoutBulges ? Dialog::tr("%1, without bulges: the skin does not bind both.").arg(line)
-                                      : Dialog::tr("%1.").arg(line));
+        log.info(lacksBulges(copied) ? Dialog::tr("%1, without bulges: the skin does not bind both.").arg(line)
+                                     : Dialog::tr("%1.").arg(line));
     }
     for (const RyNode *node : report.skipped)
         log.info(Dialog::tr("%1 has no opposite.").arg(node->getName()));
