@@ -13,6 +13,7 @@
 #include "ryhost/window/WindowFit.h"
 
 #include <QAction>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDialog>
 #include <QDockWidget>
@@ -70,6 +71,21 @@ private slots:
         const QWidget *bar = m_window->statusBar();
         QVERIFY(bar->isVisible());
         QVERIFY(screen.contains(QRect(bar->mapToGlobal(QPoint()), bar->size())));
+    }
+
+    void copiedTextOutlivesTheLibraries()
+    {
+        QClipboard *clipboard = QGuiApplication::clipboard();
+        for (const QClipboard::Mode mode : {QClipboard::Clipboard, QClipboard::Selection}) {
+            QString literal = QStringLiteral("right;r");
+            literal.detach();
+            clipboard->setText(QString::fromRawData(literal.constData(), literal.size()), mode);
+            m_window.reset();
+            literal.fill(QLatin1Char('?'));
+            QCOMPARE(clipboard->text(mode), QStringLiteral("right;r"));
+            clipboard->clear(mode);
+            QVERIFY(openAgain());
+        }
     }
 
     void theViewportKeepsItsSize()

@@ -3,6 +3,7 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyScriptSteps.h"
 #include "rycore/app/addScriptServices.h"
+#include "rycore/app/keepClipboard.h"
 #include "rycore/base/RyClassFactory.h"
 #include "rycore/base/RyPluginManager.h"
 #include "rycore/scene/RyScene.h"
@@ -129,6 +130,7 @@ void RyMainWindow::unloadPlugins()
 {
     if (!d->plugins)
         return;
+    keepClipboard();
     delete findChild<QWidget *>(QStringLiteral("ToolMenu"));
     d->actions->deleteActions();
     d->viewports->deleteTools();
