@@ -6,6 +6,7 @@
 #include "pluginsource/RyJointTools/operations/mirrorBones.h"
 #include "pluginsource/RyJointTools/operations/mirrorNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"
+#include "pluginsource/RyJointTools/tool/handles/RyHandleId.h"
 #include "rycore/app/RySymmetricEditingAction.h"
 #include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/io/RySceneFile.h"
@@ -266,7 +267,8 @@ void RySymmetricEditingTest::drags_data()
 void RySymmetricEditingTest::drags()
 {
     QFETCH(int, modes);
-    for (int id = 1; id <= 4; ++id) {
+    for (const int id : {HandleId::CenterPoint, HandleId::EndPoint, HandleId::OriginX, HandleId::OriginY,
+                         HandleId::EndPointX, HandleId::EndPointZ}) {
         SymmetricScene scene;
         scene.tool->setPropagateTranslation(modes & 1);
         scene.tool->setAutoSnapEndPoints(modes & 2);
