@@ -246,6 +246,21 @@ private slots:
         QCOMPARE(scene.facetShape()->getFacetMesh(), mesh);
     }
 
+    void meshStaysWhereNoVertexMoves()
+    {
+        BentScene scene;
+        for (RyBone *bone : scene.figure->getAllBones())
+            bone->setLocalTransform(RyVec3(), RyQuat(), RyMatrix3(), 1.0f);
+        scene.skin->removeBoneBinding(scene.binding(scene.lFoot));
+        scene.lFoot->getXRotControl()->setValue(30);
+        const RyFacetMesh *mesh = scene.facetShape()->getFacetMesh();
+        const std::vector<RyVec3> frames = scene.frames();
+        QVERIFY(bakePose(scene.figure));
+        QCOMPARE(scene.posed(), QStringList());
+        QVERIFY(ryLargestWay(scene.frames(), frames) < Slack);
+        QCOMPARE(scene.facetShape()->getFacetMesh(), mesh);
+    }
+
     void unposedBonesKeepTheirNumbers()
     {
         BentScene scene;

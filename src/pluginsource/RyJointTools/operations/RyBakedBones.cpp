@@ -77,8 +77,6 @@ void RyBakedBones::apply() const
         }
         bone.carry(record.carried);
         shiftLimits(bone);
-        for (const auto &[control, neutral] : neutralPoseOf(bone))
-            widenLimits(*control, neutral);
         bone.setLocalTransform(RyVec3(), RyQuat(), RyMatrix3(), 1.0f);
     }
 }

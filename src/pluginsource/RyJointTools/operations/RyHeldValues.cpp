@@ -28,6 +28,21 @@ bool isOther(float a, float b)
     return std::abs(a - b) > 1e-6f * std::max({1.0f, std::abs(a), std::abs(b)});
 }
 
+/// Limits of a clamped property are made to allow an own share.
+void widenLimits(RyFloatProperty &property, float raw)
+{
+    if (!property.isClamped() || (raw >= property.getMin() && raw <= property.getMax()))
+        return;
+    if (raw < property.getMin())
+        property.setMin(raw);
+    else
+        property.setMax(raw);
+    RyMessageLog::global().info(
+        QCoreApplication::translate("RyJEToolAction", "The limits of \"%1\" were widened to allow %2.")
+            .arg(property.getFullLabel())
+            .arg(double(raw)));
+}
+
 } // namespace
 
 void RyHeldValues::addControlledBy(const std::vector<RyBone *> &bones)
@@ -68,18 +83,4 @@ void RyHeldValues::apply() const
             changed = true;
         }
     }
-}
-
-void widenLimits(RyFloatProperty &property, float raw)
-{
-    if (!property.isClamped() || (raw >= property.getMin() && raw <= property.getMax()))
-        return;
-    if (raw < property.getMin())
-        property.setMin(raw);
-    else
-        property.setMax(raw);
-    RyMessageLog::global().info(
-        QCoreApplication::translate("RyJEToolAction", "The limits of \"%1\" were widened to allow %2.")
-            .arg(property.getFullLabel())
-            .arg(double(raw)));
 }

@@ -26,6 +26,3 @@ private:
     };
     std::vector<Value> m_values;
 };
-
-/// Widens the limits of a clamped property so that they allow an own share.
-void widenLimits(RyFloatProperty &property, float raw);
