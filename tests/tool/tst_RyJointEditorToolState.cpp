@@ -252,7 +252,8 @@ void RyJointEditorToolStateTest::signalsAndSlotsInOrder()
                                   "setStaticD(float,int)",
                                   "setBoneCreationActive(bool)",
                                   "boneCreationActive()",
-                                  "setBoneMode(int)"};
+                                  "setBoneMode(int)",
+                                  "mirrorPairs(int)"};
     const QMetaObject &metaObject = RyJointEditorTool::staticMetaObject;
     QStringList found;
     for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
