@@ -83,6 +83,7 @@ QVBoxLayout *RyCenterEndGeneralPage::makeColumn()
     area->setObjectName(QStringLiteral("JointEditorCenterEndGeneralScrollArea"));
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus); // what has the focus is scrolled into sight
     layout->addWidget(area);
     auto *contents = new QWidget(area);
     contents->setObjectName(QStringLiteral("JointEditorCenterEndGeneralScrollContentsWgt"));

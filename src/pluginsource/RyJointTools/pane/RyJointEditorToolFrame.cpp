@@ -19,7 +19,6 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QScrollArea>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -113,9 +112,6 @@ QWidget *RyJointEditorToolFrame::makeTop()
 /// From top to bottom, and only to what can be worked with keys.
 void RyJointEditorToolFrame::orderFocus(QWidget *top)
 {
-    // What has the focus is scrolled into sight.
-    for (QScrollArea *area : findChildren<QScrollArea *>())
-        area->setFocusPolicy(Qt::NoFocus);
     // The bar was made last.
     QWidget *last = getDividerBar();
     do

@@ -60,6 +60,7 @@ QVBoxLayout *RyJointParamPage::makeColumn(const QString &areaName, const QString
     area->setObjectName(areaName);
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus); // what has the focus is scrolled into sight
     auto *contents = new QWidget(area);
     contents->setObjectName(contentsName);
     area->setWidget(contents);
