@@ -13,6 +13,14 @@ struct RyGroupedScene : RyToolScene
 {
     RyGroupedScene()
     {
+        map = giveGroups(figure, hip, lThigh);
+        lThigh->setLabel(QStringLiteral("Left Upper Leg"));
+        pose();
+        ryUndoStack()->clearAll();
+    }
+    /// Six vertices.
+    static RySelectionMap *giveGroups(RyFigure *figure, RyBone *hip, RyBone *lThigh)
+    {
         auto *mesh = new RyFacetMesh;
         mesh->setPositions({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0, 0}, {2, 1, 0}});
         mesh->setFacets({{{0, 1, 2, -1}}, {{0, 2, 3, -1}}, {{1, 4, 5, 2}}});
@@ -22,14 +30,12 @@ struct RyGroupedScene : RyToolScene
         auto *object = new RyObject;
         object->addShape(new RyFacetShape(mesh));
         figure->setObject(object);
-        map = new RySelectionMap;
+        auto *map = new RySelectionMap;
         map->addPair(QStringLiteral("nobody's"), nullptr, false);
         map->addPair(QStringLiteral("lThigh"), lThigh, false);
         map->addPair(QStringLiteral("Pelvis"), hip, false);
         figure->setSelectionMap(map);
-        lThigh->setLabel(QStringLiteral("Left Upper Leg"));
-        pose();
-        ryUndoStack()->clearAll();
+        return map;
     }
     QString groupOf(const RyNode *node) const { return figure->getSelectionMap()->findGroupForNode(node); }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RyPaneTruth.h"
+#include "RyStepStates.h"
 #include "support/RyRandom.h"
 
 #include "pane/RyPaneScene.h"
@@ -16,12 +17,6 @@
 class RyParamSession
 {
 public:
-    RyParamSession()
-    {
-        QObject::connect(ryUndoStack(), &RyUndoStack::changed, &m_listener, [this] { forgetWhatWasUndone(); });
-    }
-    ~RyParamSession() { QObject::disconnect(ryUndoStack(), nullptr, &m_listener, nullptr); }
-
     RyBone *bone()
     {
         const std::vector<RyBone *> bones = scene.doll.figure->getAllBones();
@@ -66,30 +61,10 @@ public:
     }
 
     /// Says what is wrong afterwards.
-    QString undo() { return move(&RyUndoStack::undo); }
-    QString redo() { return move(&RyUndoStack::redo); }
-
+    QString undo() { return m_states.undo() + wrongTool(); }
+    QString redo() { return m_states.redo() + wrongTool(); }
     /// Keeps the state of a step that was made; empty when the history is as it must be.
-    QString account()
-    {
-        const RyUndoStack &stack = *ryUndoStack();
-        const QString dump = scene.wholeDump();
-        if (stack.isHoldOpen())
-            return QStringLiteral("a hold is open");
-        const auto index = size_t(stack.index());
-        m_dumps.resize(std::max(m_dumps.size(), index + 1));
-        if (m_dumps[index].isEmpty())
-            m_dumps[index] = content(dump);
-        return m_dumps[index] == content(dump) ? QString() : difference(m_dumps[index], content(dump));
-    }
-    QString compareNow() const
-    {
-        const size_t index = size_t(ryUndoStack()->index());
-        if (index >= m_dumps.size() || m_dumps[index].isEmpty())
-            return {};
-        const QString dump = content(scene.wholeDump());
-        return m_dumps[index] == dump ? QString() : difference(m_dumps[index], dump);
-    }
+    QString account() { return m_states.account(); }
     /// What the tool points at and what the pane shows.
     QString wrongTool() const
     {
@@ -134,21 +109,6 @@ public:
     std::set<int> draggedHandles; // ids of those that made a step
 
 private:
-    QString move(void (RyUndoStack::*way)())
-    {
-        m_isMoving = true;
-        (ryUndoStack()->*way)();
-        m_isMoving = false;
-        QCoreApplication::sendPostedEvents();
-        return compareNow() + wrongTool();
-    }
-    void forgetWhatWasUndone()
-    {
-        const int index = ryUndoStack()->index();
-        if (!m_isMoving && index > m_index)
-            m_dumps.resize(std::min(m_dumps.size(), size_t(m_index) + 1));
-        m_index = index;
-    }
     static const RyLegacyJointParam *find(const RyLegacyJoint *joint,
                                           const std::function<bool(const RyLegacyJointParam &)> &fits)
     {
@@ -167,29 +127,6 @@ private:
                  : tool.cachedAngleA() == 0.0f && tool.cachedAngleD() == 0.0f;
         return same ? QString() : QStringLiteral("other angles are cached");
     }
-    /// Without the selection, which is no part of a step.
-    static QString content(const QString &dump)
-    {
-        QStringList lines = dump.split(QLatin1Char('\n'));
-        for (QString &line : lines) {
-            if (line.startsWith(QLatin1String("selection")))
-                line = QStringLiteral("selection");
-        }
-        return lines.join(QLatin1Char('\n'));
-    }
-    static QString difference(const QString &expected, const QString &found)
-    {
-        const QStringList a = expected.split(QLatin1Char('\n'));
-        const QStringList b = found.split(QLatin1Char('\n'));
-        for (int i = 0; i < qMax(a.size(), b.size()); ++i) {
-            if (a.value(i) != b.value(i))
-                return QStringLiteral("expected %1\n  found    %2").arg(a.value(i), b.value(i));
-        }
-        return {};
-    }
 
-    QObject m_listener;
-    int m_index = 0; // of the stack when it last told
-    bool m_isMoving = false;
-    std::vector<QString> m_dumps; // by index of the stack; empty where nobody has seen the state
+    RyStepStates m_states;
 };

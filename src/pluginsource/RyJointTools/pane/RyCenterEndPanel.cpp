@@ -35,11 +35,14 @@ void RyCenterEndPanel::showNode(RyNode *node)
 
 void RyCenterEndPanel::updateNode(RyNode *node)
 {
-    disconnect(m_scene);
+    for (const QMetaObject::Connection &connection : m_scene)
+        disconnect(connection);
     m_node = node;
-    // A skin that comes or goes says nothing itself.
-    if (node && node->getScene())
-        m_scene = connect(node->getScene(), &RyScene::drawnDataChanged, this, &RyCenterEndPanel::followScene);
+    // A skin that comes or goes says nothing itself, nor does a bone that leaves its figure.
+    if (const RyScene *scene = node ? node->getScene() : nullptr) {
+        m_scene = {connect(scene, &RyScene::drawnDataChanged, this, &RyCenterEndPanel::followScene),
+                   connect(scene, &RyScene::nodeListChanged, this, &RyCenterEndPanel::followScene)};
+    }
     followSkin();
 }
 

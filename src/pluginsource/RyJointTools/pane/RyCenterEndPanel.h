@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <array>
+
 class RyBindingBulgeView;
 class RyCenterEndGeneralPage;
 class RyExtendedTabWidget;
@@ -33,7 +35,7 @@ private:
     QPointer<RyNode> m_node;
     QPointer<RySkinBinding> m_skin;
     QPointer<RyBoneBinding> m_binding; // whose bulges are shown
-    QMetaObject::Connection m_scene;
+    std::array<QMetaObject::Connection, 2> m_scene;
     RyExtendedTabWidget *m_tabs;
     RyCenterEndGeneralPage *m_general;
     RyBindingBulgeView *m_bulges;
