@@ -7,6 +7,7 @@
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyNumberField.h"
 #include "rycore/ui/RyScrubLabel.h"
+#include "rycore/ui/RyStandardMetrics.h"
 
 #include <QHeaderView>
 
@@ -90,6 +91,7 @@ void RyBindingBulgeView::addController(QTreeWidgetItem *above, const QString &ti
     item->setData(1, Qt::AccessibleTextRole, spoken);
     auto *field = new RyFloatPropertyWgt;
     field->setAutoFillBackground(true); // over the row's own drawing
+    field->setContentsMargins(0, 1, RyStandardMetrics::Spacing, 1);
     field->label()->hide();
     field->setFullLengthTextEdit(true);
     field->setStep(step);

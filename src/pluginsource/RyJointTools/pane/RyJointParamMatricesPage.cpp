@@ -82,7 +82,9 @@ QWidget *RyJointParamMatricesPage::makeSpheres(QWidget *parent)
     box->setObjectName(QStringLiteral("JointParamMatricesMatricesGrpBox"));
     box->setFlat(true);
     auto *rows = new QVBoxLayout(box);
-    rows->setSpacing(RyStandardMetrics::Margin);
+    const int margin = RyStandardMetrics::Margin;
+    rows->setContentsMargins(margin, margin, margin, margin);
+    rows->setSpacing(margin);
 
     auto *reset = new QPushButton(tr("Reset Matrices"), box);
     reset->setObjectName(QStringLiteral("JointParamMatricesResetBtn"));
@@ -121,6 +123,8 @@ QGroupBox *RyJointParamMatricesPage::makeGroup(const GroupRow &row, QWidget *par
         auto *restrict = new QCheckBox(tr("Restrict Axes (Compatibility Mode)"), box);
         restrict->setObjectName(QStringLiteral("JointParamMatricesRestrictRotationsCbx"));
         restrict->setToolTip(tr("A sphere turns about X or about Y, not about both."));
+        // Its end may be cut rather than that all scrolls sideways.
+        restrict->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         restrict->setChecked(tool()->display().restrictRotationAxes);
         connect(restrict, SIGNAL(toggled(bool)), tool(), SLOT(setRestrictRotationAxes(bool)));
         connect(restrict, SIGNAL(toggled(bool)), this, SLOT(restrictRotationAxesToggled(bool)));

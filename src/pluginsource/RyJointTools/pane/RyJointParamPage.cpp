@@ -91,8 +91,8 @@ RyFloatPropertyWgt *RyJointParamPage::addField(QBoxLayout *layout, const Row &ro
     });
     layout->addWidget(field);
     m_allFields.push_back(field);
-    constexpr int Reserve = 2; // eliding counts fractions of pixels
-    m_labelWidth = std::max(m_labelWidth, field->label()->fontMetrics().horizontalAdvance(row.label) + Reserve);
+    constexpr int reserve = RyStandardMetrics::Margin; // a gap, and eliding counts fractions of pixels
+    m_labelWidth = std::max(m_labelWidth, field->label()->fontMetrics().horizontalAdvance(row.label) + reserve);
     return field;
 }
 
