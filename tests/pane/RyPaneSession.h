@@ -6,6 +6,7 @@
 #include "tool_actions/RyPaneTruth.h"
 #include "tool_actions/RyStepStates.h"
 
+#include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScriptEngine.h"
 
 /// The pane with a scene of all kinds, random numbers, and what every step of the history looked like.
@@ -48,7 +49,14 @@ struct RyPaneSession
         else
             hold.accept(QStringLiteral("Edit"));
     }
-    static QScriptValue run(const QString &program) { return RyScriptEngine::current()->evaluate(program); }
+    /// Says nothing of errors.
+    static QScriptValue run(const QString &program)
+    {
+        RyMessageLog::global().setEcho(false);
+        const QScriptValue result = RyScriptEngine::current()->evaluate(program);
+        RyMessageLog::global().setEcho(true);
+        return result;
+    }
 
     QString wrongPane() const { return RyPaneTruth(scene).difference() + RyPaneListsTruth(scene).difference(); }
 

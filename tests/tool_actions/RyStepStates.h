@@ -25,12 +25,12 @@ public:
 
     static QString now()
     {
-        QStringList lines = rySceneDump(*ryScene()).split(QLatin1Char('\n'));
-        for (QString &line : lines) {
-            if (line.startsWith(QLatin1String("selection")))
-                line = QStringLiteral("selection");
-        }
-        return lines.join(QLatin1Char('\n'));
+        QString dump = rySceneDump(*ryScene());
+        const int selection =
+            dump.startsWith(QLatin1String("selection")) ? 0 : dump.indexOf(QLatin1String("\nselection"));
+        if (selection >= 0)
+            dump.remove(selection, dump.indexOf(QLatin1Char('\n'), selection + 1) - selection);
+        return dump;
     }
     /// Keeps the state of a step that was made; empty when the history is as it must be.
     QString account()
