@@ -321,6 +321,118 @@ private slots:
         QCOMPARE(ryUndoStack()->count(), 1);
     }
 
+    void aDragEndsWithItsField_data()
+    {
+        QTest::addColumn<std::function<void()>>("end");
+        const auto add = [](const char *name, const std::function<void()> &end) { QTest::newRow(name) << end; };
+        add("disabled", [this] { m_widget->setEnabled(false); });
+        add("hidden", [this] { m_widget->hide(); });
+        add("the other property goes", [this] { m_other.reset(); });
+    }
+    void aDragEndsWithItsField()
+    {
+        QFETCH(std::function<void()>, end);
+        setBoth(5);
+        QSignalSpy finished(m_widget.get(), &RyFloatPropertyWgt::editFinished);
+        press();
+        move(8);
+        move(40);
+        QVERIFY(ryUndoStack()->isHoldOpen());
+        const float dragged = m_first->getValue();
+        QVERIFY(dragged > 10.0f);
+        end();
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished[0][0].toBool(), true);
+        // The button that is still down drags nothing, also of a field that is back.
+        m_widget->setEnabled(true);
+        m_widget->show();
+        move(80);
+        release(80);
+        QCOMPARE(m_first->getValue(), dragged);
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        ryUndoStack()->undo();
+        QCOMPARE(m_first->getValue(), 5.0f);
+    }
+
+    void aDragEndsWithItsOnlyProperty()
+    {
+        m_widget->clearProperties();
+        m_widget->addProperty(m_second);
+        QSignalSpy finished(m_widget.get(), &RyFloatPropertyWgt::editFinished);
+        press();
+        move(40);
+        QVERIFY(ryUndoStack()->isHoldOpen());
+        m_other.reset();
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished[0][0].toBool(), false);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QVERIFY(!m_widget->isEnabled());
+    }
+
+    void aPressEndsWithItsField()
+    {
+        press();
+        m_widget->setEnabled(false);
+        m_widget->setEnabled(true);
+        move(40);
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(m_first->getValue(), 0.0f);
+    }
+
+    void whatChangesNothingLeavesNoStep_data()
+    {
+        QTest::addColumn<std::function<void()>>("edit");
+        const auto add = [](const char *name, const std::function<void()> &edit) { QTest::newRow(name) << edit; };
+        add("key", [this] { key(Qt::Key_Up); });
+        add("wheel", [this] { wheel(120); });
+        add("typed", [this] { type("50"); });
+    }
+    void whatChangesNothingLeavesNoStep()
+    {
+        QFETCH(std::function<void()>, edit);
+        for (RyFloatProperty *property : {m_first, m_second}) {
+            property->setIsClamped(true);
+            property->setMin(-2);
+            property->setMax(2);
+            property->setValue(1.5f);
+        }
+        type("2");
+        type("1");
+        ryUndoStack()->undo();
+        QCOMPARE(m_first->getValue(), 2.0f);
+        QSignalSpy finished(m_widget.get(), &RyFloatPropertyWgt::editFinished);
+        edit();
+        QCOMPARE(finished.count(), 1);
+        QCOMPARE(finished[0][0].toBool(), false);
+        QCOMPARE(field()->text(), QStringLiteral("2"));
+        QCOMPARE(m_second->getValue(), 2.0f);
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(ryUndoStack()->index(), 1);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        ryUndoStack()->redo();
+        QCOMPARE(m_first->getValue(), 1.0f);
+    }
+
+    void tooLargeForAFloat()
+    {
+        setBoth(5);
+        QSignalSpy messages(m_widget.get(), &RyFloatPropertyWgt::messagePosted);
+        for (const char *text : {"1e39", "-3.5e38"}) {
+            type(text);
+            QCOMPARE(m_first->getValue(), 5.0f);
+            QCOMPARE(field()->text(), QStringLiteral("5"));
+        }
+        QCOMPARE(messages.count(), 2);
+        QVERIFY(messages[0][0].toString().endsWith(QStringLiteral("not taken, the number is too large.")));
+        QCOMPARE(ryUndoStack()->count(), 0);
+        type("3e38");
+        QCOMPARE(m_first->getValue(), 3e38f);
+        QCOMPARE(messages.count(), 2);
+    }
+
     void finishingTakesTheText()
     {
         field()->setFocus();
@@ -447,18 +559,22 @@ private:
     /// Drags the label through these places, in pixels from the press.
     void drag(const std::vector<int> &places, bool cancel = false)
     {
-        RyScrubLabel *label = m_widget->label();
-        const auto send = [&](QEvent::Type type, int x, Qt::MouseButton button, Qt::MouseButtons buttons) {
-            QMouseEvent event(type, QPoint(10 + x, 5), label->mapToGlobal(QPoint(10 + x, 5)), button, buttons,
-                              Qt::NoModifier);
-            QCoreApplication::sendEvent(label, &event);
-        };
-        send(QEvent::MouseButtonPress, 0, Qt::LeftButton, Qt::LeftButton);
+        press();
         for (int x : places)
-            send(QEvent::MouseMove, x, Qt::NoButton, Qt::LeftButton);
+            move(x);
         if (cancel)
-            QTest::keyClick(label, Qt::Key_Escape);
-        send(QEvent::MouseButtonRelease, places.back(), Qt::LeftButton, Qt::NoButton);
+            QTest::keyClick(m_widget->label(), Qt::Key_Escape);
+        release(places.back());
+    }
+    void press() { send(QEvent::MouseButtonPress, 0, Qt::LeftButton, Qt::LeftButton); }
+    void move(int x) { send(QEvent::MouseMove, x, Qt::NoButton, Qt::LeftButton); }
+    void release(int x) { send(QEvent::MouseButtonRelease, x, Qt::LeftButton, Qt::NoButton); }
+    void send(QEvent::Type type, int x, Qt::MouseButton button, Qt::MouseButtons buttons)
+    {
+        RyScrubLabel *label = m_widget->label();
+        QMouseEvent event(type, QPoint(10 + x, 5), label->mapToGlobal(QPoint(10 + x, 5)), button, buttons,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(label, &event);
     }
     /// Drags the handle of the slider to these shares of its way.
     void dragSlider(const std::vector<double> &places)

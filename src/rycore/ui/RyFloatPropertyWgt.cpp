@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 constexpr int SliderSteps = 2000;
@@ -69,7 +70,7 @@ void RyFloatPropertyWgt::addProperty(RyFloatProperty *property)
     connect(property, &RyFloatProperty::currentValueChanged, this, &RyFloatPropertyWgt::refresh);
     connect(property, &RyFloatProperty::limitsChanged, this, &RyFloatPropertyWgt::refresh);
     connect(property, &RyElement::labelChanged, this, &RyFloatPropertyWgt::refresh);
-    connect(property, &QObject::destroyed, this, &RyFloatPropertyWgt::refresh);
+    connect(property, &QObject::destroyed, this, &RyFloatPropertyWgt::propertyGone);
     refresh();
 }
 
@@ -93,9 +94,24 @@ void RyFloatPropertyWgt::finishEdit()
 
 void RyFloatPropertyWgt::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::EnabledChange)
+    if (event->type() == QEvent::EnabledChange) {
         m_label->setEnabled(isEnabled());
+        if (!isEnabled())
+            endDrag(false);
+    }
     QWidget::changeEvent(event);
+}
+
+void RyFloatPropertyWgt::hideEvent(QHideEvent *event)
+{
+    endDrag(false);
+    QWidget::hideEvent(event);
+}
+
+void RyFloatPropertyWgt::propertyGone()
+{
+    endDrag(false);
+    refresh();
 }
 
 RyFloatProperty *RyFloatPropertyWgt::getFirstProperty() const
@@ -214,8 +230,17 @@ std::vector<float> RyFloatPropertyWgt::values() const
 {
     std::vector<float> values;
     for (const QPointer<RyFloatProperty> &property : m_properties)
-        values.push_back(property ? property->getValue() : 0.0f);
+        values.push_back(property ? property->getValue() : std::numeric_limits<float>::quiet_NaN());
     return values;
+}
+
+bool RyFloatPropertyWgt::differsFrom(const std::vector<float> &before) const
+{
+    for (size_t i = 0; i < std::min(before.size(), m_properties.size()); ++i) {
+        if (m_properties[i] && m_properties[i]->getValue() != before[i])
+            return true;
+    }
+    return false;
 }
 
 void RyFloatPropertyWgt::writeAll(float value)
@@ -237,11 +262,17 @@ void RyFloatPropertyWgt::applyValue(double value)
         return;
     }
     const QString text = caption();
+    const std::vector<float> before = values();
     RyUndoStackHold hold;
     emit editStarted();
     writeAll(float(value));
-    emit editFinished(true);
-    hold.accept(text);
+    const bool changed = differsFrom(before);
+    // A step that changes nothing would take the undone ones with it.
+    if (!changed)
+        hold.cancel();
+    emit editFinished(changed);
+    if (changed)
+        hold.accept(text);
     refresh();
 }
 
@@ -264,10 +295,11 @@ void RyFloatPropertyWgt::dragTo(double value)
 
 void RyFloatPropertyWgt::endDrag(bool cancelled)
 {
+    m_label->forgetPress();
     if (!m_dragHold)
         return;
     const QString text = caption();
-    const bool changed = !cancelled && values() != m_valuesAtPress;
+    const bool changed = !cancelled && differsFrom(m_valuesAtPress);
     const std::unique_ptr<RyUndoStackHold> hold = std::move(m_dragHold);
     // Values that are to be taken back are back before listeners look at them.
     if (!changed)

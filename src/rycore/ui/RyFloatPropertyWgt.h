@@ -16,6 +16,8 @@ class RyUndoStackHold;
 /// drags start from the first one. One edit is one undo step: a typed value, a key step, a whole drag of the slider or
 /// of the label.
 ///
+/// A drag ends as by its release when the field is disabled or hidden, or when one of the properties goes.
+///
 /// It is enabled when it gets its first property and disabled when it has none left; in between others may say.
 class RyFloatPropertyWgt : public QWidget
 {
@@ -49,7 +51,8 @@ public:
 
 signals:
     /// Around each edit, within its step: what listeners write becomes part of the step. Finished without a change: the
-    /// edit was cancelled and the values of before are back, or a drag came back to where it began.
+    /// edit was cancelled and the values of before are back, or a drag came back to where it began, or the limits let
+    /// nothing change. Such an edit leaves no step.
     void editStarted();
     void editFinished(bool changed);
     /// A typed text was not taken, and why.
@@ -60,6 +63,7 @@ public slots:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
     void applyValue(double value);
@@ -74,7 +78,11 @@ private:
     /// As it is shown; of the first one where they differ.
     QString shownValue() const;
     bool isMixed() const;
+    /// Of each property, NaN for one that is gone.
     std::vector<float> values() const;
+    /// Whether a property that is still there has another value.
+    bool differsFrom(const std::vector<float> &before) const;
+    void propertyGone();
 
     std::vector<QPointer<RyFloatProperty>> m_properties;
     RyScrubLabel *m_label;

@@ -6,6 +6,9 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
+#include <cmath>
+#include <limits>
+
 RyNumberField::RyNumberField(QWidget *parent) : QLineEdit(parent)
 {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -60,7 +63,11 @@ void RyNumberField::commitText()
         typed.prepend(QString::number(m_value, 'f', 9));
     double value = 0.0;
     QString reason;
-    const bool valid = RyNumberExpression::evaluate(typed, value, &reason);
+    bool valid = RyNumberExpression::evaluate(typed, value, &reason);
+    if (valid && std::abs(value) > double(std::numeric_limits<float>::max())) {
+        valid = false;
+        reason = tr("the number is too large");
+    }
     if (valid)
         m_blank = false;
     setModified(false);

@@ -3,7 +3,8 @@
 #include <QLineEdit>
 
 /// A text field for one number: takes arithmetic, also "*2" and "/2" of what it shows, steps with the arrow keys (Shift
-/// ten times, Ctrl a tenth of the step), shows at most four decimals. Nonsense puts the old value back and says why.
+/// ten times, Ctrl a tenth of the step), shows at most four decimals. Nonsense, and what a float cannot
+/// hold, puts the old value back and says why.
 class RyNumberField : public QLineEdit
 {
     Q_OBJECT

@@ -54,8 +54,12 @@ void RyScrubLabel::mouseMoveEvent(QMouseEvent *event)
             return;
         m_scrubbing = true;
         setFocus(Qt::MouseFocusReason);
-        emit scrubStarted();
+        if (m_scrubbing)
+            emit scrubStarted();
     }
+    // Who heard of the focus or of the start may have ended it.
+    if (!m_scrubbing)
+        return;
     m_lastX = event->globalX();
     m_pixels += moved * RyNumberField::stepFactor(event->modifiers());
     emit scrubbed(m_pixels);
@@ -75,11 +79,16 @@ void RyScrubLabel::keyPressEvent(QKeyEvent *event)
         QLabel::keyPressEvent(event);
 }
 
+void RyScrubLabel::forgetPress()
+{
+    m_pressed = false;
+    m_scrubbing = false;
+}
+
 void RyScrubLabel::finish(bool cancelled)
 {
     const bool wasScrubbing = m_scrubbing;
-    m_pressed = false;
-    m_scrubbing = false;
+    forgetPress();
     if (wasScrubbing)
         emit scrubFinished(cancelled);
 }

@@ -10,6 +10,8 @@ public:
     explicit RyScrubLabel(QWidget *parent = nullptr);
 
     void setFullText(const QString &text);
+    /// Forgets the press: a drag under way reports nothing more, not even its end.
+    void forgetPress();
 
 signals:
     void scrubStarted();
