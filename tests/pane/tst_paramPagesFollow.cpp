@@ -45,14 +45,65 @@ private slots:
         RyPaneScene scene;
         RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
         const QPointer<RyLegacyJointParam> guard(bend);
+        const float before = bend->controllers()[0]->getValue();
         emit scene.field(angleA)->label()->scrubStarted();
         emit scene.field(angleA)->label()->scrubbed(30);
         QVERIFY(ryUndoStack()->isHoldOpen());
         scene.tool->setParam(nullptr);
         QVERIFY(!ryUndoStack()->isHoldOpen());
         emit scene.field(angleA)->label()->scrubFinished(false);
-        QCOMPARE(ryUndoStack()->count(), 0);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        QCOMPARE(bend->controllers()[0]->getValue(), before + 15.0f);
+        ryUndoStack()->undo();
+        QCOMPARE(bend->controllers()[0]->getValue(), before);
         QVERIFY(guard);
+    }
+
+    /// The drag is a step before the one that the partner goes in, and takes nothing of that back.
+    void aPartnerThatGoesDuringADrag()
+    {
+        RyPaneScene scene;
+        RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
+        const RyRef<RyLegacyJointParam> partner(bend->findPartner());
+        const QString untouched = RyPaneScene::wholeDump();
+        const float before = bend->controllers()[0]->getValue();
+        emit scene.field(angleA)->label()->scrubStarted();
+        emit scene.field(angleA)->label()->scrubbed(30);
+        {
+            RyUndoStackHold hold;
+            scene.doll.joint(scene.doll.lArm)->removeJointParam(partner.get());
+            hold.accept("Remove");
+        }
+        QVERIFY(!partner->getJoint());
+        QVERIFY(!bend->findPartner());
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(bend->controllers()[0]->getValue(), before + 15.0f);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        QCOMPARE(ryUndoStack()->caption(0), QStringLiteral("Change Static A"));
+        QCOMPARE(ryUndoStack()->caption(1), QStringLiteral("Remove"));
+        ryUndoStack()->undo();
+        QCOMPARE(bend->findPartner(), partner.get());
+        QCOMPARE(bend->controllers()[0]->getValue(), before + 15.0f);
+        ryUndoStack()->undo();
+        QCOMPARE(RyPaneScene::wholeDump(), untouched);
+    }
+
+    void typedWhileAnotherBoneComes()
+    {
+        RyPaneScene scene;
+        const RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
+        const RyLegacyJointParam *other = scene.doll.param(scene.doll.rHand, "jointz");
+        const float others = other->controllers()[0]->getValue();
+        RyNumberField *number = scene.field(angleA)->numberField();
+        number->setFocus();
+        number->selectAll();
+        QTest::keyClicks(number, "12");
+        scene.select(scene.doll.rHand);
+        QCOMPARE(scene.field(angleA)->getFirstProperty(), other->controllers()[0]);
+        QCOMPARE(bend->controllers()[0]->getValue(), 12.0f);
+        QCOMPARE(other->controllers()[0]->getValue(), others);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Change Static A"));
     }
 
     /// What is typed goes to the parameter that was shown, also when another bone is chosen by the mouse meanwhile.

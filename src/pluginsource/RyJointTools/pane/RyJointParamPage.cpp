@@ -113,5 +113,7 @@ void RyJointParamPage::addValue(RyFloatPropertyWgt *field, RyFloatProperty *valu
 void RyJointParamPage::clearFields()
 {
     for (RyFloatPropertyWgt *field : m_allFields)
+        field->finishEdit();
+    for (RyFloatPropertyWgt *field : m_allFields)
         field->clearProperties();
 }

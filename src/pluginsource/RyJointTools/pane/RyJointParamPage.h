@@ -46,6 +46,7 @@ protected:
     RyFloatPropertyWgt *addField(QBoxLayout *layout, const Row &row);
     /// Fills the field with the value and with the partner's one, after what it has.
     void addValue(RyFloatPropertyWgt *field, RyFloatProperty *value) const;
+    /// What is being edited ends there, as a step of its own.
     void clearFields();
     /// After the last field: all labels as wide as the widest.
     void alignLabels();
