@@ -198,6 +198,42 @@ private slots:
         QVERIFY(!scene.hasBulges());
     }
 
+    /// A map without a name is told by its side.
+    void mapsWithoutNames()
+    {
+        Scene scene;
+        scene.thigh()->setBulgeBinding(0, Scene::makeBulge(0, "", nullptr));
+        scene.thigh()->setBulgeBinding(1, Scene::makeBulge(1, nullptr, ""));
+        scene.thigh()->setBulgeBinding(2, Scene::makeBulge(2, "", "inside"));
+        QCOMPARE(scene.rows(), QStringList({"X Axis", ".Left", "..Pos=0.25", "..Neg=-0.5", "Y Axis", ".Right",
+                                            "..Pos=0.75", "..Neg=1.5", "Z Axis", ".Left", "..Pos=0.25", "..Neg=-0.5",
+                                            ".inside", "..Pos=0.75", "..Neg=1.5"}));
+        QCOMPARE(scene.field(1, 0, 1)->numberField()->accessibleName(), QStringLiteral("Y Axis Right Neg"));
+    }
+
+    void followsTheNames()
+    {
+        Scene scene;
+        RyWeightMap *map = scene.thigh()->getBulgeBinding(2)->getRightWeights();
+        map->setName("hamstring");
+        QVERIFY(scene.rows().contains(".hamstring") && !scene.rows().contains(".inside"));
+        QCOMPARE(scene.field(2, 1, 0)->numberField()->accessibleName(), QStringLiteral("Z Axis hamstring Pos"));
+        map->setName("");
+        QVERIFY(scene.rows().contains(".Right"));
+        // What is not shown has no say.
+        scene.select(scene.lShin);
+        map->setName("again");
+        QCOMPARE(scene.rows(), QStringList());
+    }
+
+    void anotherMapOfTheSameName()
+    {
+        Scene scene;
+        scene.thigh()->getBulgeBinding(2)->setRightWeights(new RyWeightMap(QStringLiteral("inside")));
+        scene.thigh()->getBulgeBinding(2)->getRightWeights()->setName("hamstring");
+        QVERIFY(scene.rows().contains(".hamstring"));
+    }
+
     void followsBulges()
     {
         Scene scene;

@@ -34,12 +34,14 @@ std::vector<RyBindingBulgeView::Side> RyBindingBulgeView::sidesOf(const RyBoneBi
         const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
         if (!bulge)
             continue;
-        if (const RyWeightMap *map = bulge->getLeftWeights())
-            sides.push_back(
-                {axis, map, map->objectName(), bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController()});
-        if (const RyWeightMap *map = bulge->getRightWeights())
-            sides.push_back({axis, map, map->objectName(), bulge->getPosRightBulgeController(),
-                             bulge->getNegRightBulgeController()});
+        const auto add = [&](const RyWeightMap *map, const QString &side, RyFloatProperty *pos, RyFloatProperty *neg) {
+            if (map)
+                sides.push_back({axis, map, map->getName().isEmpty() ? side : map->getName(), pos, neg});
+        };
+        add(bulge->getLeftWeights(), tr("Left"), bulge->getPosLeftBulgeController(),
+            bulge->getNegLeftBulgeController());
+        add(bulge->getRightWeights(), tr("Right"), bulge->getPosRightBulgeController(),
+            bulge->getNegRightBulgeController());
     }
     return sides;
 }
@@ -49,12 +51,24 @@ void RyBindingBulgeView::showBinding(const RyBoneBinding *binding)
     const std::vector<Side> sides = binding ? sidesOf(*binding) : std::vector<Side>();
     if (sides == m_sides && (topLevelItemCount() > 0) == (binding != nullptr))
         return;
+    for (const Side &side : m_sides) {
+        if (side.map)
+            disconnect(side.map, nullptr, this, nullptr);
+    }
     clear();
+    m_binding = binding;
     m_sides = sides;
     m_lastField = this;
+    followNames();
     for (int axis = 0; binding && axis < 3; ++axis)
         addAxis(axis);
     expandAll();
+}
+
+void RyBindingBulgeView::followNames()
+{
+    for (const Side &side : m_sides)
+        connect(side.map, &RyBase::nameChanged, this, [this] { showBinding(m_binding); });
 }
 
 /// A title has both columns.

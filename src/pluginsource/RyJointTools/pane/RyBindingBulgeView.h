@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QTreeWidget>
 
 #include <vector>
@@ -16,7 +17,8 @@ class RyBindingBulgeView : public QTreeWidget
 public:
     explicit RyBindingBulgeView(QWidget *parent = nullptr);
 
-    /// Lists the bulges of a binding; nothing for null. What stays the same is left alone.
+    /// Lists the bulges of a binding, and follows the names of its maps; nothing for null. What stays the same is left
+    /// alone.
     void showBinding(const RyBoneBinding *binding);
 
 private:
@@ -24,17 +26,20 @@ private:
     struct Side
     {
         int axis;
-        const RyWeightMap *map; // compared, never followed
+        // Another one may lie where one was that is gone.
+        QPointer<const RyWeightMap> map;
         QString name;
-        RyFloatProperty *pos;
-        RyFloatProperty *neg;
+        QPointer<RyFloatProperty> pos;
+        QPointer<RyFloatProperty> neg;
         bool operator==(const Side &) const = default;
     };
     static std::vector<Side> sidesOf(const RyBoneBinding &binding);
+    void followNames();
     void addAxis(int axis);
     void addSide(QTreeWidgetItem *above, const Side &side);
     void addController(QTreeWidgetItem *above, const QString &title, RyFloatProperty *property);
 
+    QPointer<const RyBoneBinding> m_binding;
     std::vector<Side> m_sides;
     QWidget *m_lastField = nullptr; // while fields are made
 };
