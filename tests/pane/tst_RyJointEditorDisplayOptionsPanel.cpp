@@ -144,15 +144,16 @@ private slots:
 
     void followsWhatScriptsSwitch()
     {
-        auto *dynamic = m_panel->findChild<QCheckBox *>(QStringLiteral("JointEditorDynamicSphereCbx"));
-        auto *ghosts = m_panel->findChild<QCheckBox *>(QStringLiteral("JointEditorBoneGhostingCbx"));
-        tool()->setMatAVis(false);
-        QVERIFY(!dynamic->isChecked());
-        m_panel->hide();
-        const bool before = tool()->display().ghostBones;
-        tool()->setGhostBones(!before);
-        m_panel->show();
-        QCOMPARE(ghosts->isChecked(), !before);
+        for (const Box &box : boxes) {
+            const auto *widget = m_panel->findChild<QCheckBox *>(QLatin1String(box.name));
+            QSignalSpy toggles(widget, &QCheckBox::toggled);
+            const bool before = tool()->display().*box.flag;
+            for (const bool on : {!before, before, !before}) {
+                setFlag(box, on);
+                QVERIFY2(widget->isChecked() == on, box.name);
+            }
+            QCOMPARE(toggles.count(), 0);
+        }
     }
 
     void slotsAreFoundByName()

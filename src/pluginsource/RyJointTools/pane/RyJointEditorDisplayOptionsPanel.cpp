@@ -100,8 +100,7 @@ void RyJointEditorDisplayOptionsPanel::addBoxes(QGridLayout *grid)
         grid->addWidget(widget, 1 + place / 2, place % 2);
         m_boxes.push_back(widget);
     }
-    connect(m_tool, &RyJointEditorTool::matAVisChanged, this, &RyJointEditorDisplayOptionsPanel::updateBoxes);
-    connect(m_tool, &RyJointEditorTool::matBVisChanged, this, &RyJointEditorDisplayOptionsPanel::updateBoxes);
+    connect(m_tool, &RyViewTool::optionsChanged, this, &RyJointEditorDisplayOptionsPanel::updateBoxes);
 }
 
 void RyJointEditorDisplayOptionsPanel::updateBoxes()

@@ -13,32 +13,38 @@ void RyJointEditorTool::setEditMode(EditMode mode)
 
 void RyJointEditorTool::setWeightVis(bool onOff)
 {
-    m_display.change(&Display::weightVis, onOff);
+    m_display.change(&Display::weightVis, onOff, [&] { emit optionsChanged(); });
 }
 
 void RyJointEditorTool::setAngleVis(bool onOff)
 {
-    m_display.change(&Display::angleVis, onOff);
+    m_display.change(&Display::angleVis, onOff, [&] { emit optionsChanged(); });
 }
 
 void RyJointEditorTool::setTwistVis(bool onOff)
 {
-    m_display.change(&Display::twistVis, onOff);
+    m_display.change(&Display::twistVis, onOff, [&] { emit optionsChanged(); });
 }
 
 void RyJointEditorTool::setSmoothVis(bool onOff)
 {
-    m_display.change(&Display::smoothVis, onOff);
+    m_display.change(&Display::smoothVis, onOff, [&] { emit optionsChanged(); });
 }
 
 void RyJointEditorTool::setMatAVis(bool onOff)
 {
-    m_display.change(&Display::matAVis, onOff, [&] { emit matAVisChanged(onOff); });
+    m_display.change(&Display::matAVis, onOff, [&] {
+        emit matAVisChanged(onOff);
+        emit optionsChanged();
+    });
 }
 
 void RyJointEditorTool::setMatBVis(bool onOff)
 {
-    m_display.change(&Display::matBVis, onOff, [&] { emit matBVisChanged(onOff); });
+    m_display.change(&Display::matBVis, onOff, [&] {
+        emit matBVisChanged(onOff);
+        emit optionsChanged();
+    });
 }
 
 void RyJointEditorTool::setBoneDrawMode(BoneDrawMode mode)
@@ -117,11 +123,13 @@ void RyJointEditorTool::setBoneColoringStyle(int val)
 void RyJointEditorTool::setGhostBones(bool onOff)
 {
     m_display.setFlag(RyDisplaySettings::ghostBones, onOff);
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setShowManipulators(bool onOff)
 {
     m_display.setFlag(RyDisplaySettings::showManipulators, onOff);
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setRestrictRotationAxes(bool onOff)
@@ -136,11 +144,13 @@ void RyJointEditorTool::setRestrictRotationAxes(bool onOff)
 void RyJointEditorTool::setDrawMeshBoundaries(bool onOff)
 {
     m_display.setFlag(&Display::drawMeshBoundaries, onOff);
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setShowBoneHierarchy(bool onOff)
 {
     m_display.setFlag(&Display::showBoneHierarchy, onOff);
+    emit optionsChanged();
 }
 
 void RyJointEditorTool::setPushNeighborAngles(bool onOff)
