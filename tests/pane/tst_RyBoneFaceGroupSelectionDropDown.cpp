@@ -6,7 +6,9 @@
 #include "rycore/ui/RyPopUpWidget.h"
 #include "rycore/ui/RyStandardMetrics.h"
 
+#include <QComboBox>
 #include <QHeaderView>
+#include <QStyleOptionComboBox>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -178,6 +180,118 @@ private slots:
         QTest::keyClick(view(), Qt::Key_Space);
         QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("Pelvis"));
         QCOMPARE(ryUndoStack()->count(), 1);
+    }
+
+    void clicksElsewhereDisturbNobody()
+    {
+        open();
+        QSignalSpy holds(ryUndoStack(), &RyUndoStack::aboutToChange);
+        const QRect group = view()->visualRect(view()->model()->index(1, 0));
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, group.center());
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          view()->visualRect(view()->model()->index(3, 1)).center());
+        QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                          QPoint(view()->columnWidth(0) + checkBox(3).x(), checkBox(3).y()));
+        QTest::mouseClick(view()->viewport(), Qt::RightButton, Qt::NoModifier, checkBox(1));
+        QTest::keyClick(view(), Qt::Key_A);
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("lThigh"));
+        QCOMPARE(holds.count(), 0);
+        QCOMPARE(ryUndoStack()->count(), 0);
+    }
+
+    /// "None" is shown as checked, and checking it is all that can be done about the pair.
+    void aGroupThatTheMeshHasNot_data()
+    {
+        QTest::addColumn<bool>("byKey");
+        QTest::newRow("mouse") << false;
+        QTest::newRow("key") << true;
+    }
+    void aGroupThatTheMeshHasNot()
+    {
+        QFETCH(bool, byKey);
+        m_scene->map->addPair(QStringLiteral("gone"), m_scene->rThigh, true);
+        m_scene->select(m_scene->rThigh);
+        open();
+        QCOMPARE(view()->model()->index(0, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        QCOMPARE(m_button->text(), QStringLiteral("gone"));
+        const QString before = m_scene->dump();
+        for (int turn = 0; turn < 2; ++turn) { // the second time there is nothing left
+            if (byKey)
+                QTest::keyClick(view(), Qt::Key_Space);
+            else
+                QTest::mouseClick(view()->viewport(), Qt::LeftButton, Qt::NoModifier, checkBox(0));
+            QCOMPARE(m_scene->groupOf(m_scene->rThigh), QString());
+            QCOMPARE(m_button->text(), QStringLiteral("None"));
+            QCOMPARE(ryUndoStack()->count(), 1);
+        }
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Selection Group"));
+        checkLastStep(before);
+    }
+
+    void theOpenListFollowsThePrimaryBone()
+    {
+        open();
+        m_scene->select(m_scene->hip);
+        QVERIFY(popup());
+        QCOMPARE(view()->currentIndex().row(), 1);
+        QCOMPARE(view()->model()->index(1, 0).data(Qt::CheckStateRole).toInt(), int(Qt::Checked));
+        QVERIFY(!view()->selectionModel()->hasSelection());
+        checkByKey(3);
+        QCOMPARE(m_scene->groupOf(m_scene->hip), QStringLiteral("free patch"));
+        QCOMPARE(m_scene->groupOf(m_scene->lThigh), QStringLiteral("lThigh"));
+        QCOMPARE(m_button->text(), QStringLiteral("free patch"));
+    }
+
+    void aLongListShowsTheCurrentRow()
+    {
+        auto *mesh = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(m_scene->figure))->getFacetMesh();
+        for (int i = mesh->getNumFaceGroups(); i < 100; ++i)
+            mesh->createFaceGroup(QStringLiteral("group %1").arg(i));
+        m_scene->map->addPair(QStringLiteral("group 89"), m_scene->lThigh, true);
+        m_scene->map->addPair(QStringLiteral("group 40"), m_scene->rThigh, true);
+        const auto shows = [this](int row) {
+            const QRect place = view()->visualRect(view()->model()->index(row, 0));
+            return view()->currentIndex().row() == row && place.isValid() && view()->viewport()->rect().contains(place);
+        };
+        open();
+        QCOMPARE(view()->model()->rowCount(), 101);
+        QTRY_VERIFY(shows(90));
+        m_scene->select(m_scene->rThigh);
+        QTRY_VERIFY(shows(41));
+    }
+
+    /// A name that has no room is cut in the middle, left of an arrow as that of a combo box.
+    void arrowAndElision()
+    {
+        const auto picture = [](QWidget &widget) {
+            return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+        };
+        QComboBox combo;
+        combo.addItem(m_button->text());
+        const QSize size(180, RyStandardMetrics::DropDownHeight);
+        combo.resize(size);
+        m_button->clearFocus();
+        m_button->parentWidget()->layout()->setEnabled(false);
+        m_button->setGeometry(10, 10, size.width(), size.height());
+        QCursor::setPos(0, 0);
+        QTRY_VERIFY(!m_button->underMouse());
+        combo.setAttribute(Qt::WA_DontShowOnScreen);
+        combo.show();
+        combo.clearFocus();
+        QCOMPARE(picture(*m_button), picture(combo));
+        const QString longName(QStringLiteral("a name that is longer than the room beside the arrow: left thigh"));
+        QVERIFY(m_button->fontMetrics().horizontalAdvance(longName) > size.width());
+        m_scene->map->addPair(longName, m_scene->lThigh, true);
+        QCOMPARE(m_button->text(), longName);
+        QStyleOptionComboBox option;
+        option.initFrom(m_button);
+        const int room = m_button->style()
+                             ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, m_button)
+                             .width();
+        combo.setItemText(0, m_button->fontMetrics().elidedText(longName, Qt::ElideMiddle, room - 2));
+        QVERIFY(combo.currentText() != longName);
+        QCOMPARE(picture(*m_button), picture(combo));
+        QCOMPARE(m_button->sizeHint().width(), m_button->minimumSizeHint().width());
     }
 
     void opensByKeyAndClosesByEscape()

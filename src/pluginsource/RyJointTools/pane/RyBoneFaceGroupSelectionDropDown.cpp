@@ -62,6 +62,10 @@ void RyBoneFaceGroupSelectionDropDown::updateText()
     // Once: a button that is disabled for a moment loses the keyboard.
     setEnabled(isBone);
     showText(text);
+    if (m_view && m_model->bone() != primary) {
+        m_model->fill();
+        goToCurrentRow();
+    }
 }
 
 void RyBoneFaceGroupSelectionDropDown::showPopup()
@@ -106,12 +110,17 @@ void RyBoneFaceGroupSelectionDropDown::setupPopup(QWidget *widget)
     m_view->expandAll();
     m_view->clearSelection();
     layout->addWidget(m_view, 100);
-    if (m_model->rowCount() > 0 && ryScene()->getPrimarySelection()) {
-        // The keys start from the bone's row, which is not selected by that.
-        const QModelIndex row = m_model->index(m_model->currentRow(), 0);
-        m_view->selectionModel()->setCurrentIndex(row, QItemSelectionModel::NoUpdate);
-        m_view->scrollTo(row);
-    }
+    goToCurrentRow();
+}
+
+/// The keys start from the bone's row, which is not selected by that.
+void RyBoneFaceGroupSelectionDropDown::goToCurrentRow()
+{
+    if (m_model->rowCount() == 0 || !m_model->bone())
+        return;
+    const QModelIndex row = m_model->index(m_model->currentRow(), 0);
+    m_view->selectionModel()->setCurrentIndex(row, QItemSelectionModel::NoUpdate);
+    m_view->scrollTo(row);
 }
 
 void RyBoneFaceGroupSelectionDropDown::hidePopup()

@@ -11,7 +11,8 @@ class RySimpleSelectionMapModel;
 class RySkeleton;
 
 /// Shows which face group of its figure selects the primary bone, and opens a list of all groups to choose another one
-/// from: one undo step each. Disabled for what is no bone of a weight-mapped figure.
+/// from: one undo step each. The list that is open follows the primary bone. Disabled for what is no bone of a
+/// weight-mapped figure.
 class RyBoneFaceGroupSelectionDropDown : public RyStyledButton
 {
     Q_OBJECT
@@ -38,6 +39,7 @@ protected:
 
 private:
     void follow(RySkeleton *skeleton);
+    void goToCurrentRow();
 
     QPointer<RyPopUpWidget> m_popup;
     QPointer<QTreeView> m_view;

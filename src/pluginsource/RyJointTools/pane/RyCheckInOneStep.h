@@ -2,7 +2,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Checks rows as the view has it, each one as one undo step. The space bar checks a row in whatever column.
+/// Checks rows of a RySimpleSelectionMapModel, each one as one undo step: by a click on the box, or by the space bar in
+/// whatever column.
 class RyCheckInOneStep : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -13,5 +14,7 @@ public:
                      const QModelIndex &index) override;
 
 private:
+    bool asksForCheck(const QEvent &event, const QStyleOptionViewItem &option, const QModelIndex &index) const;
+
     QString m_caption;
 };

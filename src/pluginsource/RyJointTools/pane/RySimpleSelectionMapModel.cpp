@@ -107,6 +107,11 @@ bool RySimpleSelectionMapModel::setData(const QModelIndex &index, const QVariant
     return true;
 }
 
+bool RySimpleSelectionMapModel::changesPair(int row) const
+{
+    return row != m_currentRow || (row == 0 && m_map && m_map->findPair(m_bone) >= 0);
+}
+
 void RySimpleSelectionMapModel::pair(int row)
 {
     if (!m_map)

@@ -18,7 +18,12 @@ public:
     /// Reads the scene: the figure of the primary selection and, as the current bone, that selection itself. Without a
     /// figure that has facets there are no rows.
     void fill();
+    /// Null when it is gone.
+    RyNode *bone() const { return m_bone; }
     int currentRow() const { return m_currentRow; }
+    /// Whether checking that row would change a pair. "None" is checked for a bone whose group the mesh has not, and
+    /// then takes that away.
+    bool changesPair(int row) const;
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
