@@ -206,6 +206,29 @@ private slots:
         QCOMPARE(ryUndoStack()->count(), 0);
     }
 
+    /// All of it shows what the tool has already.
+    void aFrameForAToolAtWork()
+    {
+        RyPaneScene scene;
+        RyLegacyJointParam *bend = scene.choose(scene.doll.lHand, "jointz");
+        RyJointEditorToolFrame frame(nullptr, scene.tool);
+        const auto property = [&](const char *name) {
+            return frame.findChild<RyFloatPropertyWgt *>(QLatin1String(name))->getFirstProperty();
+        };
+        QCOMPARE(property("JointParamGeneralStaticAWgt"), bend->controllers()[0]);
+        QCOMPARE(property("JointParamMatricesMatrixPositionXWgt"),
+                 scene.field("JointParamMatricesMatrixPositionXWgt")->getFirstProperty());
+        QVERIFY(property("JointParamMatricesMatrixPositionXWgt"));
+        QCOMPARE(property("JointEditorOriginXWgt"), scene.doll.lHand->getOriginXControl());
+        for (const char *name : {"JointEditorParameterCmb", "JointEditorRotationOrderCmb"})
+            QCOMPARE(frame.findChild<QComboBox *>(QLatin1String(name))->currentText(),
+                     scene.find<QComboBox>(name)->currentText());
+        // And goes on with it.
+        QVERIFY(scene.choose(scene.doll.lHand, "jointy"));
+        QCOMPARE(property("JointParamGeneralStaticAWgt"),
+                 scene.doll.param(scene.doll.lHand, "jointy")->controllers()[0]);
+    }
+
     void scriptsChangeTheOrder()
     {
         RyPaneScene scene;

@@ -96,7 +96,7 @@ RyJointParamGeneralPage::RyJointParamGeneralPage(RyJointEditorTool *tool, QWidge
     }
     column->addStretch(1);
     alignLabels();
-    refresh();
+    updateParam(tool->currentParam());
     connect(tool, SIGNAL(paramChanged(RyLegacyJointParam *)), this, SLOT(updateParam(RyLegacyJointParam *)));
 }
 

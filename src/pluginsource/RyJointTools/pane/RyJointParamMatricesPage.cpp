@@ -71,7 +71,7 @@ RyJointParamMatricesPage::RyJointParamMatricesPage(RyJointEditorTool *tool, QWid
     column->addWidget(m_enable);
     column->addStretch(1);
     alignLabels();
-    refresh();
+    updateParam(tool->currentParam());
     connect(m_enable, SIGNAL(toggled(bool)), this, SLOT(applyMatrices(bool)));
     connect(tool, SIGNAL(paramChanged(RyLegacyJointParam *)), this, SLOT(updateParam(RyLegacyJointParam *)));
 }
