@@ -206,6 +206,32 @@ private slots:
         QCOMPARE(ryUndoStack()->count(), 0);
     }
 
+    void theSameOrderIsNoEdit()
+    {
+        RyPaneScene scene;
+        scene.select(scene.lShin);
+        const auto choose = [&](int order) {
+            return QMetaObject::invokeMethod(scene.pane, "setRotation", Q_ARG(int, order));
+        };
+        QVERIFY(choose(RyRotationOrder::ZXY));
+        QVERIFY(choose(RyRotationOrder::YXZ));
+        QCOMPARE(ryUndoStack()->count(), 2);
+        ryUndoStack()->undo();
+        QSignalSpy changes(ryUndoStack(), &RyUndoStack::aboutToChange);
+        for (const int order : {int(RyRotationOrder::ZXY), -1, 6, 1000})
+            QVERIFY(choose(order));
+        scene.select(nullptr);
+        changes.clear();
+        QVERIFY(choose(RyRotationOrder::XZY));
+        scene.select(scene.lShin);
+        QCOMPARE(scene.lShin->getRotationOrder().order(), int(RyRotationOrder::ZXY));
+        QCOMPARE(scene.find<QComboBox>("JointEditorRotationOrderCmb")->currentIndex(), int(RyRotationOrder::ZXY));
+        QCOMPARE(changes.count(), 0);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        ryUndoStack()->redo();
+        QCOMPARE(scene.lShin->getRotationOrder().order(), int(RyRotationOrder::YXZ));
+    }
+
     /// All of it shows what the tool has already.
     void aFrameForAToolAtWork()
     {

@@ -188,10 +188,12 @@ void RyJointEditorToolFrame::updateNode(RyNode *node)
 void RyJointEditorToolFrame::setRotation(int selection)
 {
     RyNode *node = m_tool->currentNode();
-    if (!node)
+    if (!node || selection < RyRotationOrder::XYZ || selection > RyRotationOrder::ZYX)
+        return;
+    // A step that changes nothing would take the undone ones with it.
+    if (node->getRotationOrder().order() == selection)
         return;
     RyUndoStackHold hold;
     m_tool->changeRotationOrder(node, RyRotationOrder(selection));
     hold.accept(tr("Rotation Order Change"));
-    updateParam(m_tool->currentParam());
 }
