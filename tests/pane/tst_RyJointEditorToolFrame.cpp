@@ -255,6 +255,22 @@ private slots:
                  scene.doll.param(scene.doll.lHand, "jointy")->controllers()[0]);
     }
 
+    /// Neither lists anything at first.
+    void anEmptyBindingInPlaceOfNone()
+    {
+        RyPaneScene scene;
+        scene.select(scene.doll.lHand);
+        const RyRef<RyLegacyBinding> kept(scene.doll.binding);
+        scene.doll.figure->getObject()->removeModifier(scene.doll.binding);
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        auto *binding = new RyLegacyBinding;
+        scene.doll.figure->getObject()->addModifier(binding);
+        QCOMPARE(items(scene), QStringList({"Center/EndPoint"}));
+        RyLegacyJointMaker(scene.doll.lHand, RyLegacyJointMaker::Side::ByEndPoint).make(scene.doll.lArm, true);
+        QVERIFY(binding->findJoint(scene.doll.lHand));
+        QVERIFY(items(scene).contains("jointz [ZRot]"));
+    }
+
     void scriptsChangeTheOrder()
     {
         RyPaneScene scene;

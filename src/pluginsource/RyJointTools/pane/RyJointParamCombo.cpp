@@ -91,6 +91,8 @@ void RyJointParamCombo::follow()
 {
     if (wantedEntries() != m_entries)
         fill();
+    else if (m_binding != RyLegacyBinding::bindingForChildOf(m_tool->currentNode()))
+        connectSources();
 }
 
 /// A figure has come or gone, among many bones perhaps.
@@ -119,10 +121,12 @@ void RyJointParamCombo::connectSources()
     for (const QMetaObject::Connection &source : m_sources)
         disconnect(source);
     m_sources.clear();
+    m_binding.clear();
     const RyNode *node = m_tool->currentNode();
     if (!node)
         return;
-    followSignal(RyLegacyBinding::bindingForChildOf(node), &RyLegacyBinding::bindingChanged);
+    m_binding = RyLegacyBinding::bindingForChildOf(node);
+    followSignal(m_binding.data(), &RyLegacyBinding::bindingChanged);
     followFigures(node->getScene());
     for (int axis = 0; axis < 3; ++axis)
         followSignal(rotationControl(*node, axis), &RyElement::labelChanged);

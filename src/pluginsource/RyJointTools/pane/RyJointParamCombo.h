@@ -8,6 +8,7 @@
 #include <vector>
 
 class RyJointEditorTool;
+class RyLegacyBinding;
 class RyScene;
 
 /// What of the tool's current node is edited: its points, or one of the parameters that it lists. The list follows what
@@ -44,4 +45,5 @@ private:
     const RyJointEditorTool *m_tool;
     std::vector<Entry> m_entries; // the first one has no parameter
     std::vector<QMetaObject::Connection> m_sources;
+    QPointer<const RyLegacyBinding> m_binding; // the one that is followed
 };
