@@ -7,6 +7,9 @@
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/undo/RyUndoStack.h"
 
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QSlider>
 #include <QWheelEvent>
@@ -137,6 +140,32 @@ private slots:
         QCOMPARE(field()->text(), QStringLiteral("0"));
         m_widget->setFocus();
         QCOMPARE(m_first->getValue(), 0.0f);
+    }
+
+    void anEditSurvivesItsMenu()
+    {
+        field()->setFocus();
+        field()->selectAll();
+        QTest::keyClicks(field(), QStringLiteral("12"));
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(5, 5), field()->mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(field(), &menu);
+        QWidget *opened = QApplication::activePopupWidget();
+        QVERIFY(opened);
+        QCOMPARE(field()->text(), QStringLiteral("12"));
+        QCOMPARE(m_first->getValue(), 0.0f);
+        opened->close();
+        QCOMPARE(m_first->getValue(), 0.0f);
+        QTest::keyClick(field(), Qt::Key_Return);
+        QCOMPARE(m_first->getValue(), 12.0f);
+        QCOMPARE(ryUndoStack()->count(), 1);
+        // Any other menu finds what was typed.
+        field()->selectAll();
+        QTest::keyClicks(field(), QStringLiteral("13"));
+        QMenu other;
+        other.addAction(QStringLiteral("Save"));
+        other.popup(m_widget->mapToGlobal(QPoint(0, 40)));
+        QCOMPARE(m_first->getValue(), 13.0f);
+        other.close();
     }
 
     void anEditSurvivesSignalsWhileTyping()

@@ -3,6 +3,7 @@
 #include "rycore/ui/RyNumberExpression.h"
 
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -134,8 +135,16 @@ void RyNumberField::focusInEvent(QFocusEvent *event)
 
 void RyNumberField::focusOutEvent(QFocusEvent *event)
 {
-    commitText();
+    // What is typed goes on behind its own menu.
+    if (!m_opensMenu)
+        commitText();
     QLineEdit::focusOutEvent(event);
+}
+
+void RyNumberField::contextMenuEvent(QContextMenuEvent *event)
+{
+    const QScopedValueRollback<bool> opening(m_opensMenu, true);
+    QLineEdit::contextMenuEvent(event);
 }
 
 void RyNumberField::wheelEvent(QWheelEvent *event)

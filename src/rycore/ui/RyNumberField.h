@@ -39,6 +39,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     void showValue();
@@ -48,4 +49,5 @@ private:
     double m_step = 1.0;
     QString m_suffix;
     bool m_blank = false;
+    bool m_opensMenu = false;
 };
