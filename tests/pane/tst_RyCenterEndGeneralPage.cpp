@@ -245,6 +245,25 @@ private slots:
         Scene::checkStep(before, QStringLiteral("Change End Point X Position"));
     }
 
+    void aFieldThatGoesFinishesTheEdit()
+    {
+        for (const bool hides : {true, false}) {
+            Scene scene;
+            const QString before = Scene::wholeDump();
+            QSignalSpy announced(scene.lShin, &RyNode::riggingChanged);
+            scene.startScrubbing();
+            QCOMPARE(scene.lShin->editLevel(), 1);
+            if (hides)
+                scene.page.hide();
+            else
+                scene.page.setEnabled(false);
+            QCOMPARE(scene.lShin->editLevel(), 0);
+            QCOMPARE(announced.count(), 1);
+            QVERIFY(!ryUndoStack()->isHoldOpen());
+            Scene::checkStep(before, QStringLiteral("Change End Point X Position"));
+        }
+    }
+
     void aTypedTextStaysWithItsNode()
     {
         Scene scene;
@@ -388,6 +407,82 @@ private slots:
         ryUndoStack()->undo();
         scene.select(scene.lShin);
         QCOMPARE(scene.field("JointEditorOriginXWgt")->getFirstProperty(), scene.lShin->getOriginXControl());
+    }
+
+    /// The edit is finished before the node goes, and stays the node's own.
+    void removalDuringAnEdit_data()
+    {
+        QTest::addColumn<bool>("types");
+        QTest::addColumn<bool>("inHold");
+        QTest::addColumn<QStringList>("captions");
+        const QString change = QStringLiteral("Change End Point X Position");
+        QTest::newRow("scrubbed") << false << false << QStringList{change};
+        QTest::newRow("scrubbed, in a hold") << false << true << QStringList{change, "Remove"};
+        QTest::newRow("typed") << true << false << QStringList{change};
+        QTest::newRow("typed, in a hold") << true << true << QStringList{"Remove"};
+    }
+    void removalDuringAnEdit()
+    {
+        QFETCH(bool, types);
+        QFETCH(bool, inHold);
+        Scene scene;
+        const RyRef<RyNode> kept(scene.lShin);
+        const QString before = Scene::wholeDump();
+        const float value = scene.lShin->getEndXControl()->getValue();
+        RyNumberField *number = scene.field("JointEditorEndPointXWgt")->numberField();
+        if (types) {
+            number->setFocus();
+            number->selectAll();
+            QTest::keyClicks(number, QStringLiteral("42"));
+        } else {
+            scene.startScrubbing();
+            QVERIFY(scene.lShin->getEndXControl()->getValue() > value + 10);
+        }
+        const float edited = types ? 42.0f : scene.lShin->getEndXControl()->getValue();
+        const auto remove = [&] { ryScene()->removeNode(scene.lShin); };
+        if (inHold) {
+            RyUndoStackHold hold;
+            remove();
+            hold.accept("Remove");
+        } else {
+            remove();
+        }
+        QVERIFY(!ryUndoStack()->isHoldOpen());
+        QCOMPARE(kept->editLevel(), 0);
+        QCOMPARE(kept->getEndXControl()->getValue(), edited);
+        for (const Row &row : rows)
+            QVERIFY(!scene.field(widgetOf(row))->getFirstProperty());
+        QCOMPARE(number->text(), QString());
+        QStringList captions;
+        for (int i = 0; i < ryUndoStack()->count(); ++i)
+            captions.append(ryUndoStack()->caption(i));
+        QTEST(captions, "captions");
+        if (!types)
+            scene.mouse(QEvent::MouseButtonRelease, 40);
+        QCOMPARE(ryUndoStack()->count(), captions.size());
+        while (ryUndoStack()->canUndo())
+            ryUndoStack()->undo();
+        QCOMPARE(kept->getEndXControl()->getValue(), value);
+        if (!inHold)
+            return;
+        scene.select(scene.lShin); // no step holds that
+        QCOMPARE(Scene::wholeDump(), before);
+    }
+
+    void leavesTheNodeOfBefore()
+    {
+        Scene scene;
+        const std::pair<const char *, const char *> links[] = {
+            {SIGNAL(aboutToBeRemoved()), SLOT(nodeRemoved())},
+            {SIGNAL(riggingChanged()), SLOT(refresh())},
+            {SIGNAL(inheritScaleChanged()), SLOT(updateInheritScaleFromNode())},
+            {SIGNAL(promoteSelectionChanged(bool)), SLOT(updatePromoteSelectionFromNode())},
+            {SIGNAL(hiddenChanged(bool)), SLOT(updateHiddenFromNode())}};
+        scene.select(scene.rThigh);
+        for (const auto &[signal, slot] : links) {
+            QVERIFY2(!QObject::disconnect(scene.lShin, signal, &scene.page, slot), signal);
+            QVERIFY2(QObject::disconnect(scene.rThigh, signal, &scene.page, slot), signal);
+        }
     }
 
     void aNodeThatGoesWhileItIsEdited()

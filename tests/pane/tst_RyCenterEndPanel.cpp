@@ -234,6 +234,29 @@ private slots:
         QVERIFY(scene.rows().contains(".hamstring"));
     }
 
+    /// Bulges are of weight-mapped figures.
+    void aSkeletonThatIsNoFigure()
+    {
+        Scene scene;
+        auto *skeleton = new RySkeleton;
+        skeleton->setObject(new RyObject);
+        auto *bone = new RyBone;
+        skeleton->addNodeChild(bone);
+        ryScene()->addNode(skeleton);
+        ryScene()->addNode(bone);
+        auto *skin = new RySkinBinding;
+        auto *binding = new RyBoneBinding;
+        binding->setBone(bone);
+        skin->addBoneBinding(binding);
+        binding->setBulgeBinding(1, Scene::makeBulge(1, "outside", "inside"));
+        skeleton->getObject()->addModifier(skin);
+        QCOMPARE(RySkinBinding::findSkinFromNode(bone), skin);
+        QVERIFY(binding->hasBulgeWeights());
+        scene.select(bone);
+        QVERIFY(!scene.hasBulges());
+        QCOMPARE(scene.rows(), QStringList());
+    }
+
     void followsBulges()
     {
         Scene scene;
