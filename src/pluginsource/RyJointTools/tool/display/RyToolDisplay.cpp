@@ -35,11 +35,6 @@ void RyToolDisplay::setFlag(bool RyJointToolDisplay::*flag, bool value)
     redraw();
 }
 
-void RyToolDisplay::change(bool RyJointToolDisplay::*flag, bool value)
-{
-    change(flag, value, [] {});
-}
-
 void RyToolDisplay::redraw() const
 {
     m_tool.drawnDataChanged();

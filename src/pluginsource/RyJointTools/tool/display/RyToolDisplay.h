@@ -31,7 +31,6 @@ public:
         announce();
         redraw();
     }
-    void change(bool RyJointToolDisplay::*flag, bool value);
 
 private:
     void redraw() const;
