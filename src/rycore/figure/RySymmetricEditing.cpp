@@ -2,9 +2,13 @@
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/math/RyQuat.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
+
+#include <QScopedValueRollback>
 
 #include <cmath>
 #include <utility>
@@ -18,6 +22,7 @@ constexpr int firstAngle = 6;
 
 // One for the process: code of plug-ins counts in it too.
 int suspensions = 0;
+int withoutSteps = 0;
 
 std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
 {
@@ -33,6 +38,13 @@ float reflected(float value, int control)
     return isAlong != (control >= firstAngle) ? 0.0f - value : value;
 }
 
+bool isAbove(const RyNode *above, const RyNode *node)
+{
+    while (node && node != above)
+        node = node->getNodeParent();
+    return node;
+}
+
 } // namespace
 
 RySymmetricEditing::Suspension::Suspension()
@@ -45,6 +57,16 @@ RySymmetricEditing::Suspension::~Suspension()
     --suspensions;
 }
 
+RySymmetricEditing::WithoutSteps::WithoutSteps()
+{
+    ++withoutSteps;
+}
+
+RySymmetricEditing::WithoutSteps::~WithoutSteps()
+{
+    --withoutSteps;
+}
+
 RySymmetricEditing &RySymmetricEditing::of(RyScene &scene)
 {
     auto *found = scene.findChild<RySymmetricEditing *>(QString(), Qt::FindDirectChildrenOnly);
@@ -54,6 +76,7 @@ RySymmetricEditing &RySymmetricEditing::of(RyScene &scene)
 RySymmetricEditing::RySymmetricEditing(RyScene &scene) : QObject(&scene), m_scene(scene)
 {
     connect(&scene, &RyScene::nodeListChanged, this, &RySymmetricEditing::forgetBones);
+    connect(&scene, &RyScene::nodeRemoved, this, &RySymmetricEditing::forget);
 }
 
 void RySymmetricEditing::setOn(bool onOff)
@@ -63,6 +86,16 @@ void RySymmetricEditing::setOn(bool onOff)
     m_isOn = onOff;
     forgetBones();
     emit toggled(onOff);
+}
+
+/// Of a node that goes nothing else may be told.
+void RySymmetricEditing::forget(RyNode *removed)
+{
+    for (QPointer<RyNode> &opposite : m_edited) {
+        if (opposite == removed)
+            opposite = nullptr;
+    }
+    forgetBones();
 }
 
 void RySymmetricEditing::forgetBones()
@@ -78,6 +111,7 @@ void RySymmetricEditing::forgetBones()
     m_turned.clear();
     m_told = nullptr;
     m_isReady = false;
+    m_isOutdated = false;
     // Every change is told before it is recorded: only who waits for the next step listens.
     const RyUndoStack *stack = ryUndoStack();
     if (m_isOn && stack)
@@ -86,12 +120,22 @@ void RySymmetricEditing::forgetBones()
         disconnect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare);
 }
 
+void RySymmetricEditing::renewBones()
+{
+    const RyUndoStack *stack = ryUndoStack();
+    if (std::exchange(m_isOutdated, true) || !stack)
+        return;
+    connect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare, Qt::UniqueConnection);
+}
+
 /// Before a step begins: the tree changes while nothing can be followed, often many times in a row.
 void RySymmetricEditing::prepare()
 {
     const RyUndoStack *stack = ryUndoStack();
-    if (!m_isOn || m_isReady || !stack || stack->isHoldOpen() || stack->isInUndoRedo())
+    if (!m_isOn || (m_isReady && !m_isOutdated) || !stack || stack->isHoldOpen() || stack->isInUndoRedo())
         return;
+    if (m_isOutdated)
+        forgetBones();
     disconnect(stack, &RyUndoStack::aboutToChange, this, &RySymmetricEditing::prepare);
     m_watch = std::make_unique<QObject>();
     m_isReady = true;
@@ -99,16 +143,20 @@ void RySymmetricEditing::prepare()
     for (const RySkeleton *skeleton : m_scene.getSkeletons()) {
         const RyBonePairing pairing(*skeleton, mirrorAxis);
         size = std::max(size, pairing.size());
-        for (const RyBonePairing::Pair &pair : pairing.pairs()) {
-            if (pairing.mutualOf(pair.first) != pair.second)
-                continue;
-            watch(pair.first, pair.second, false);
-            watch(pair.second, pair.first, false);
-        }
-        for (RyNode *node : pairing.alone())
-            watch(node, nullptr, pairing.isOnPlane(node));
+        watchFigure(pairing);
     }
     m_tolerance = toleranceShare * size;
+}
+
+void RySymmetricEditing::watchFigure(const RyBonePairing &pairing)
+{
+    for (RyNode *node : pairing.own()) {
+        RyNode *opposite = pairing.mutualOf(node);
+        if (opposite && (isAbove(node, opposite) || isAbove(opposite, node)))
+            opposite = nullptr;
+        if (opposite || qobject_cast<RyBone *>(node))
+            watch(node, opposite, pairing.isOnPlane(node));
+    }
 }
 
 void RySymmetricEditing::watch(RyNode *node, RyNode *opposite, bool isOnPlane)
@@ -123,13 +171,19 @@ void RySymmetricEditing::watch(RyNode *node, RyNode *opposite, bool isOnPlane)
         connect(bone.controls[size_t(i)], &RyFloatProperty::currentValueChanged, m_watch.get(),
                 [this, &bone, i] { valueChanged(bone, i); });
     }
+    for (int i = 0; i < firstAngle; ++i) {
+        connect(bone.controls[size_t(i)], &RyFloatProperty::defaultValueChanged, this, &RySymmetricEditing::renewBones,
+                Qt::UniqueConnection);
+    }
     connect(node, &RyNode::riggingChanged, m_watch.get(), [this, &bone] { settle(bone); });
 }
 
 bool RySymmetricEditing::isFollowing() const
 {
     const RyUndoStack *stack = ryUndoStack();
-    return suspensions == 0 && stack && stack->isRecording();
+    if (suspensions > 0 || !stack)
+        return false;
+    return stack->isRecording() || (withoutSteps > 0 && !stack->isHoldOpen() && !stack->isInUndoRedo());
 }
 
 RyVec3 RySymmetricEditing::held(const RyNode &node, RyVec3 point) const
@@ -141,12 +195,16 @@ RyVec3 RySymmetricEditing::held(const RyNode &node, RyVec3 point) const
 
 void RySymmetricEditing::valueChanged(const Bone &bone, int control)
 {
-    if (bone.controls[size_t(control)] == m_written || !isFollowing())
+    if (m_busy.contains(bone.controls[size_t(control)]) || !isFollowing())
         return;
-    if (m_scene.isInRiggingEdit())
+    if (m_scene.isInRiggingEdit()) {
         m_put.emplace_back(&bone, control);
-    else
-        follow(bone, control);
+        return;
+    }
+    const QPointer<RyNode> opposite = bone.opposite;
+    follow(bone, control);
+    if (opposite)
+        emit followed(opposite);
 }
 
 /// A bone announces its rigging when a row of changes is complete: the last one of a rig edit, and orientations, which
@@ -172,15 +230,24 @@ void RySymmetricEditing::followRiggingEdit()
 {
     const auto put = std::exchange(m_put, {});
     QSet<const RyNode *> placed;
-    bool areBothPlaced = false;
+    QSet<const RySkeleton *> figures; // in which both of a pair were placed
     for (const auto &[bone, control] : put) {
+        if (!bone->controls[size_t(control)]->getControllerLinks().empty())
+            continue;
         placed.insert(bone->node);
-        areBothPlaced |= placed.contains(bone->opposite);
+        if (placed.contains(bone->opposite))
+            figures.insert(bone->node->getSkeleton());
     }
+    const auto isMeant = [&](const Bone &bone) {
+        return bone.opposite ? placed.contains(bone.opposite)
+                             : figures.contains(bone.node->getSkeleton()) && bone.node->editLevel() == 0;
+    };
+    const QScopedValueRollback<QSet<const RyFloatProperty *>> busy(m_busy);
+    for (const auto &[bone, control] : put)
+        m_busy << bone->controls[size_t(control)] << bone->oppositeControls[size_t(control)];
+    const RyRiggingEdit edit;
     for (const auto &[bone, control] : put) {
-        const bool isMeant =
-            bone->opposite ? placed.contains(bone->opposite) : areBothPlaced && bone->node->editLevel() == 0;
-        if (!isMeant)
+        if (!isMeant(*bone))
             follow(*bone, control);
         if (!m_isReady) // a listener changed the tree: the bones are gone
             return;
@@ -191,18 +258,35 @@ void RySymmetricEditing::follow(const Bone &bone, int control)
 {
     if (bone.opposite) {
         m_told = nullptr;
-        if (bone.node->editLevel() > 0 && !m_edited.contains(bone.node)) {
-            bone.opposite->beginEdit();
-            m_edited.insert(bone.node, bone.opposite);
-        }
-        const float value = bone.controls[size_t(control)]->getValue();
-        write(*bone.oppositeControls[size_t(control)], reflected(value, control));
+        followOpposite(bone, control);
     } else if (bone.isOnPlane) {
         m_told = nullptr;
         keepOnPlane(bone, control);
     } else if (std::exchange(m_told, bone.node) != bone.node) {
         emit unmatchedEdited(bone.node);
     }
+}
+
+void RySymmetricEditing::followOpposite(const Bone &bone, int control)
+{
+    RyFloatProperty &edited = *bone.controls[size_t(control)];
+    RyFloatProperty &opposite = *bone.oppositeControls[size_t(control)];
+    const float value = edited.getValue();
+    const QScopedValueRollback<QSet<const RyFloatProperty *>> busy(m_busy);
+    m_busy << &edited << &opposite;
+    openEdit(bone);
+    write(opposite, reflected(value, control));
+    if (m_isReady && !edited.getControllerLinks().empty()) // the opposite may drive it
+        write(edited, value);
+}
+
+/// The opposite is edited as long as the bone, unless that one is edited as its opposite itself.
+void RySymmetricEditing::openEdit(const Bone &bone)
+{
+    if (bone.node->editLevel() == 0 || m_edited.contains(bone.node) || m_edited.value(bone.opposite) == bone.node)
+        return;
+    m_edited.insert(bone.node, bone.opposite);
+    bone.opposite->beginEdit();
 }
 
 void RySymmetricEditing::keepOnPlane(const Bone &bone, int control)
@@ -212,7 +296,14 @@ void RySymmetricEditing::keepOnPlane(const Bone &bone, int control)
     else if (control >= firstAngle)
         turnIntoPlane(*bone.node);
     else if (control % 3 == mirrorAxis)
-        write(*bone.controls[size_t(control)], 0.0f);
+        putOnPlane(*bone.controls[size_t(control)]);
+}
+
+void RySymmetricEditing::putOnPlane(RyFloatProperty &control)
+{
+    const QScopedValueRollback<QSet<const RyFloatProperty *>> busy(m_busy);
+    m_busy << &control;
+    write(control, 0.0f);
 }
 
 /// The least turn that lays the bone axis that is nearest to the mirror axis along it.
@@ -231,15 +322,14 @@ void RySymmetricEditing::turnIntoPlane(RyNode &node)
         return;
     RyQuat turned = orientation * wanted.getRotationTo(nearest);
     turned.makeClosest(orientation);
+    const QScopedValueRollback<QSet<const RyFloatProperty *>> busy(m_busy);
+    m_busy << node.getOrientXControl() << node.getOrientYControl() << node.getOrientZControl();
     node.adjustOrientation(turned);
     m_turned.remove(&node);
 }
 
 void RySymmetricEditing::write(RyFloatProperty &control, float value)
 {
-    if (std::abs(control.getValue() - value) <= std::min(m_tolerance, toleranceShare * std::abs(value)))
-        return;
-    const RyFloatProperty *outer = std::exchange(m_written, &control);
-    control.adjustValue(value);
-    m_written = outer;
+    if (std::abs(control.getValue() - value) > std::min(m_tolerance, toleranceShare * std::abs(value)))
+        control.adjustValue(value);
 }

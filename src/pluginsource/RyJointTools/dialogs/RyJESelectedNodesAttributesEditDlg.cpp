@@ -3,6 +3,7 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RyScene.h"
@@ -119,6 +120,8 @@ void RyJESelectedNodesAttributesEditDlg::accept()
 
 void RyJESelectedNodesAttributesEditDlg::writeValues() const
 {
+    // No step is opened here: who wants one opens it around.
+    const RySymmetricEditing::WithoutSteps followed; // outlives the rig edit, at whose end others are followed
     const RyRiggingEdit edit;
     const bool setMode = m_setMode->isChecked();
     for (const RyNode *node : ryScene()->selectedNodeListIterator()) {

@@ -191,6 +191,7 @@ private slots:
     void nodeRemoved();
     void centerPointChange();
     void endPointChange();
+    void oppositePlaced(RyNode *node);
     void updateParamConnections();
     void removeParamConnections();
     void dynamicMatrixChange();

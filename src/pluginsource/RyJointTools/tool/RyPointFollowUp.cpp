@@ -7,6 +7,7 @@
 #include "pluginsource/RyJointTools/tool/joint/RyToolOptions.h"
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -42,13 +43,21 @@ void RyPointFollowUp::endPointChanged()
         snapAndAlign();
 }
 
+void RyPointFollowUp::oppositePlaced(const RyNode *node) const
+{
+    if (m_joint.node && m_joint.node != node && m_joint.node->getNodeParent() == node->getNodeParent())
+        snapAndAlign();
+}
+
 void RyPointFollowUp::propagateOrigin(RyNode *node, const RyVec3 &origin, const RyVec3 &newOrigin)
 {
     if (!node)
         return;
+    // What hangs below must not go where this node may not.
+    const RyVec3 way = RySymmetricEditing::of(*ryScene()).held(*node, newOrigin - origin);
     placePoints([&] {
         if (!m_pointer.propagateOrigin(node, newOrigin))
-            propagateTranslation(node, newOrigin - origin);
+            propagateTranslation(node, way);
     });
 }
 

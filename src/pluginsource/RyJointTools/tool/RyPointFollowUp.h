@@ -19,6 +19,9 @@ public:
 
     void centerPointChanged();
     void endPointChanged();
+    /// Symmetric editing has placed a node on the other side of an edited one: what was snapped before is no mean of
+    /// it.
+    void oppositePlaced(const RyNode *node) const;
     /// Carries a change of a node's origin on. A drag that makes the change does it itself, from where all was placed
     /// at the press.
     void propagateOrigin(RyNode *node, const RyVec3 &origin, const RyVec3 &newOrigin);

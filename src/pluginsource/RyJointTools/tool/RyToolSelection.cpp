@@ -6,6 +6,7 @@
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RySymmetricEditing.h"
 #include "rycore/scene/RyScene.h"
 
 #include <QCoreApplication>
@@ -33,10 +34,13 @@ RyToolSelection::RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, R
 void RyToolSelection::start()
 {
     QObject::disconnect(ryScene(), nullptr, &m_tool, nullptr);
+    QObject::disconnect(&RySymmetricEditing::of(*ryScene()), nullptr, &m_tool, nullptr);
     const auto check = [this] { m_param.check(); };
     QObject::connect(ryScene(), &RyScene::nodeListChanged, &m_tool, check);
     QObject::connect(ryScene(), &RyScene::drawnDataChanged, &m_tool, check);
     QObject::connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode *)), &m_tool, SLOT(postSelectionChangeEvent()));
+    QObject::connect(&RySymmetricEditing::of(*ryScene()), SIGNAL(followed(RyNode *)), &m_tool,
+                     SLOT(oppositePlaced(RyNode *)));
     update(ryScene()->getPrimarySelection());
 }
 
@@ -44,6 +48,7 @@ void RyToolSelection::stop()
 {
     m_pointer.drop();
     QObject::disconnect(ryScene(), nullptr, &m_tool, nullptr);
+    QObject::disconnect(&RySymmetricEditing::of(*ryScene()), nullptr, &m_tool, nullptr);
     // An event that is already on its way would give the inactive tool a node.
     QCoreApplication::removePostedEvents(&m_tool, selectionEventType);
     m_pending = false;

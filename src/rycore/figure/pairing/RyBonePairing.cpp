@@ -3,19 +3,13 @@
 #include "rycore/figure/pairing/RyNameMarks.h"
 #include "rycore/scene/RyNode.h"
 
-static std::vector<RyNode *> nodesOf(const RyPairingRig &rig)
-{
-    std::vector<RyNode *> nodes;
-    for (const RyPairingRig::Member &member : rig.members)
-        nodes.push_back(member.node);
-    return nodes;
-}
-
 RyBonePairing::RyBonePairing(const RySkeleton &skeleton, int axis, const RySidePrefixes &prefixes)
-    : m_rig(skeleton, axis), m_prefixes(prefixes), m_lookup(nodesOf(m_rig), prefixes)
+    : m_rig(skeleton, axis), m_skeleton(&skeleton), m_prefixes(prefixes), m_lookup(prefixes)
 {
-    for (const RyPairingRig::Member &member : m_rig.members)
+    for (const RyPairingRig::Member &member : m_rig.members) {
         m_places.insert(member.node, int(m_places.size()));
+        m_lookup.add(*member.node, member.figure);
+    }
     pairByPrefixes();
     pairByMarks(m_rig);
     pairByPlace(m_rig);
@@ -25,7 +19,7 @@ RyBonePairing::RyBonePairing(const RySkeleton &skeleton, int axis, const RySideP
 void RyBonePairing::pairByPrefixes()
 {
     for (RyPairingRig::Member &member : m_rig.members) {
-        const int found = m_lookup.find(member.node->getName(), RySide::None);
+        const int found = m_lookup.find(member.node->getName(), member.figure, RySide::None);
         if (found < 0)
             continue;
         member.partner = found;
@@ -36,7 +30,20 @@ void RyBonePairing::pairByPrefixes()
 
 std::vector<RyNode *> RyBonePairing::nodes() const
 {
-    return nodesOf(m_rig);
+    std::vector<RyNode *> nodes;
+    for (const RyPairingRig::Member &member : m_rig.members)
+        nodes.push_back(member.node);
+    return nodes;
+}
+
+std::vector<RyNode *> RyBonePairing::own() const
+{
+    std::vector<RyNode *> nodes;
+    for (const RyPairingRig::Member &member : m_rig.members) {
+        if (member.figure == m_skeleton)
+            nodes.push_back(member.node);
+    }
+    return nodes;
 }
 
 std::vector<RyBonePairing::Pair> RyBonePairing::pairs() const
@@ -71,7 +78,7 @@ RyNode *RyBonePairing::oppositeOf(const RyNode *node, RySide side) const
     const RyPairingRig::Member &member = m_rig.members[size_t(place)];
     int found = -1;
     if (member.stage == int(Stage::Prefix) || member.stage == 0)
-        found = m_lookup.find(node->getName(), side);
+        found = m_lookup.find(node->getName(), member.figure, side);
     else if (side == RySide::None || side == member.side)
         found = member.partner;
     return found < 0 ? nullptr : m_rig.members[size_t(found)].node;

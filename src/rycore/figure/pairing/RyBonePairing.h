@@ -4,7 +4,8 @@
 
 /// Which bone of a skeleton is whose opposite through the plane of figure space's origin at right angles to an axis
 /// (0 to 2). Three stages, of which each looks only at bones that the earlier ones left: prefixes of the names, marks
-/// within them, places at rest. Nodes that are no bones have opposites by prefixes alone.
+/// within them, places at rest. Nodes that are no bones have opposites by prefixes alone, and so have those of a figure
+/// that hangs below: among its own.
 ///
 /// A picture of the moment at which it was made: it knows the nodes by address and follows no later change.
 class RyBonePairing
@@ -22,6 +23,8 @@ public:
 
     /// All below the skeleton, in pre-order.
     std::vector<RyNode *> nodes() const;
+    /// Those of them that are parts of the skeleton itself and not of one that hangs below.
+    std::vector<RyNode *> own() const;
     /// Each once, in order of the first of the two.
     std::vector<Pair> pairs() const;
     /// The skeleton's bones that are in no pair.
@@ -49,6 +52,7 @@ private:
     void pairByPrefixes();
 
     RyPairingRig m_rig;
+    const RySkeleton *m_skeleton;
     RySidePrefixes m_prefixes;
     RyPrefixLookup m_lookup;
     QHash<const RyNode *, int> m_places;

@@ -5,6 +5,7 @@
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
+#include <cmath>
 
 /// As a share of the size of the rig.
 static constexpr float middleShare = 0.001f;
@@ -19,7 +20,9 @@ RyPairingRig::RyPairingRig(const RySkeleton &skeleton, int mirrorAxis) : axis(mi
         const int place = int(members.size());
         places.insert(node, place);
         const bool isBone = qobject_cast<RyBone *>(node) && node->getSkeleton() == &skeleton;
-        members.push_back({node, isBone, places.value(node->getNodeParent(), -1), place, node->getOrigin(true)});
+        const RyNode *part = qobject_cast<RySkeleton *>(node) ? node->getNodeParent() : node;
+        members.push_back({node, isBone, part ? part->getSkeleton() : nullptr, places.value(node->getNodeParent(), -1),
+                           place, node->getOrigin(true)});
         if (isBone) {
             box.include(node->getOrigin(true));
             box.include(node->getEndPoint(true));

@@ -16,10 +16,11 @@ struct RyPairingRig
     struct Member
     {
         RyNode *node;
-        bool isBone;   // of this skeleton
-        int parent;    // -1 where that is no member
-        int lastBelow; // the last node of its branch
-        RyVec3 origin; // default
+        bool isBone;              // of this skeleton
+        const RySkeleton *figure; // that the node is a part of: this one, or one that hangs below
+        int parent;               // -1 where that is no member
+        int lastBelow;            // the last node of its branch
+        RyVec3 origin;            // default
         int partner = -1;
         int stage = 0; // 0 while the node has no partner
         RySide side = RySide::None;

@@ -26,31 +26,34 @@ RySide RySidePrefixes::sideOf(const QString &name) const
     return fitting(name, right).isNull() ? RySide::None : RySide::Right;
 }
 
-RyPrefixLookup::RyPrefixLookup(const std::vector<RyNode *> &nodes, const RySidePrefixes &prefixes)
-    : m_prefixes(prefixes)
+void RyPrefixLookup::add(const RyNode &node, const RySkeleton *figure)
 {
-    for (size_t i = nodes.size(); i-- > 0;)
-        m_firstOf.insert(RyNameMarks::folded(nodes[i]->getName()), int(i));
+    Names &names = m_firstOf[figure];
+    const QString name = RyNameMarks::folded(node.getName());
+    if (!names.contains(name))
+        names.insert(name, m_count);
+    ++m_count;
 }
 
-int RyPrefixLookup::find(const QString &name, RySide side) const
+int RyPrefixLookup::find(const QString &name, const RySkeleton *figure, RySide side) const
 {
     if (side == RySide::None)
         side = m_prefixes.sideOf(name);
-    if (side == RySide::None)
+    const auto names = m_firstOf.constFind(figure);
+    if (side == RySide::None || names == m_firstOf.constEnd())
         return -1;
-    return side == RySide::Left ? findBeyond(name, m_prefixes.left, m_prefixes.right)
-                                : findBeyond(name, m_prefixes.right, m_prefixes.left);
+    return side == RySide::Left ? findBeyond(*names, name, m_prefixes.left, m_prefixes.right)
+                                : findBeyond(*names, name, m_prefixes.right, m_prefixes.left);
 }
 
-int RyPrefixLookup::findBeyond(const QString &name, const QStringList &from, const QStringList &to) const
+int RyPrefixLookup::findBeyond(const Names &names, const QString &name, const QStringList &from, const QStringList &to)
 {
     const QString prefix = fitting(name, from);
     if (prefix.isNull())
         return -1;
     int first = -1;
     for (const QString &other : to) {
-        const int found = m_firstOf.value(RyNameMarks::folded(other + name.mid(prefix.length())), -1);
+        const int found = names.value(RyNameMarks::folded(other + name.mid(prefix.length())), -1);
         if (found >= 0 && (first < 0 || found < first))
             first = found;
     }

@@ -6,6 +6,7 @@
 #include <vector>
 
 class RyNode;
+class RySkeleton;
 
 enum class RySide { None, Left, Right };
 
@@ -21,19 +22,25 @@ struct RySidePrefixes
     RySide sideOf(const QString &name) const;
 };
 
-/// Finds opposites among nodes by prefixes of their names alone: "lForearm" belongs to "rForearm" or "rightForearm".
+/// Finds opposites among the nodes of one figure by prefixes of their names alone: "lForearm" belongs to "rForearm" or
+/// "rightForearm".
 class RyPrefixLookup
 {
 public:
-    RyPrefixLookup(const std::vector<RyNode *> &nodes, const RySidePrefixes &prefixes);
+    explicit RyPrefixLookup(const RySidePrefixes &prefixes) : m_prefixes(prefixes) {}
+    /// The next node of a list, and the figure that it is a part of.
+    void add(const RyNode &node, const RySkeleton *figure);
 
-    /// The first node, in the order of the list, whose name is a prefix of the other side and what the first fitting
-    /// prefix of `side` leaves of the name; by position, -1 for none. Without a side that of the name is taken.
-    int find(const QString &name, RySide side) const;
+    /// The first node of the figure, in the order of the list, whose name is a prefix of the other side and what the
+    /// first fitting prefix of `side` leaves of the name; by position, -1 for none. Without a side that of the name is
+    /// taken.
+    int find(const QString &name, const RySkeleton *figure, RySide side) const;
 
 private:
-    int findBeyond(const QString &name, const QStringList &from, const QStringList &to) const;
+    using Names = QHash<QString, int>; // folded
+    static int findBeyond(const Names &names, const QString &name, const QStringList &from, const QStringList &to);
 
     RySidePrefixes m_prefixes;
-    QHash<QString, int> m_firstOf; // by folded name
+    QHash<const RySkeleton *, Names> m_firstOf;
+    int m_count = 0;
 };

@@ -60,7 +60,6 @@ void RyPointDrag::apply(const Options &options)
 
 void RyPointDrag::place(const RyVec3 &wanted, bool propagate)
 {
-    // What hangs below must not go where this node may not.
     const RyVec3 value = RySymmetricEditing::of(*ryScene()).held(*m_node, wanted);
     if (m_point == Origin) {
         m_node->adjustOrigin(value);
@@ -70,7 +69,13 @@ void RyPointDrag::place(const RyVec3 &wanted, bool propagate)
     if (!propagate)
         return;
     const RyRiggingEdit edit;
-    m_branch.moveDescendants(value - m_start);
+    m_branch.moveDescendants(wayTo(value));
+}
+
+// What hangs below must not go where this node may not, nor when it starts beside the plane that it is put into.
+RyVec3 RyPointDrag::wayTo(const RyVec3 &value) const
+{
+    return RySymmetricEditing::of(*ryScene()).held(*m_node, value - m_start);
 }
 
 // A new orientation turns the pose with it, and the point away from the cursor.
@@ -92,7 +97,7 @@ bool RyPointDrag::propagateOrigin(RyNode *node, const RyVec3 &newOrigin)
 {
     if (m_point != Origin || !isOpen() || node != m_node)
         return false;
-    m_branch.followOrigin(newOrigin - m_start);
-    m_branch.moveDescendants(newOrigin - m_start);
+    m_branch.followOrigin(wayTo(newOrigin));
+    m_branch.moveDescendants(wayTo(newOrigin));
     return true;
 }

@@ -32,6 +32,7 @@ private:
     /// A value at the distance to the bone's other end that the point had at the press.
     RyVec3 atStartLength(const RyVec3 &moved) const;
     void place(const RyVec3 &wanted, bool propagate);
+    RyVec3 wayTo(const RyVec3 &value) const;
     /// Brings the point to a place in the world when the first value, asked of the map of the press, has not done so.
     void followTurnedPose(const RyVec3 &target, const Options &options);
 
