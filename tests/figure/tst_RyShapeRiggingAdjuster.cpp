@@ -22,6 +22,8 @@ private slots:
     void followsInOneStep();
     void leavesOtherFiguresAndPosesAlone();
     void doesNothingTheSecondTime();
+    void linkedBones();
+    void bonesThatGoMeanwhile();
     void comesBackWithTheShape();
     void goesAlongWithAMovedMesh();
     void keepsPointsTogether();
@@ -239,6 +241,46 @@ void RyShapeRiggingAdjusterTest::doesNothingTheSecondTime()
     checkAdjusts(adjuster, tube.figure);
     QCOMPARE(rySceneDump(*ryScene()), once);
     QCOMPARE(ryUndoStack()->count(), 2);
+}
+
+/// What is written later drives what was written before.
+void RyShapeRiggingAdjusterTest::linkedBones()
+{
+    Tube tube;
+    tube.addBend();
+    RyShapeRiggingAdjuster adjuster;
+    checkAdjusts(adjuster, tube.figure);
+    const RyVec3 wanted = tube.lArm->getOrigin();
+    ryUndoStack()->undo();
+    QVERIFY(RyERCLink::create(tube.rHand->getEndYControl(), tube.lArm->getOriginYControl()));
+    checkAdjusts(adjuster, tube.figure);
+    QVERIFY((tube.lArm->getOrigin() - wanted).length() < 1e-4f);
+    const QString once = rySceneDump(*ryScene());
+    checkAdjusts(adjuster, tube.figure);
+    QCOMPARE(rySceneDump(*ryScene()), once);
+}
+
+/// Who watches the progress may delete what is worked on.
+void RyShapeRiggingAdjusterTest::bonesThatGoMeanwhile()
+{
+    Tube tube;
+    tube.addBend();
+    RyShapeRiggingAdjuster adjuster;
+    adjuster.setProgress([&](double) {
+        delete tube.gem;
+        tube.gem = nullptr;
+        return true;
+    });
+    const RyVec3 before = tube.rArm->getOrigin();
+    checkAdjusts(adjuster, tube.figure);
+    QVERIFY(!tube.gem);
+    QVERIFY(tube.rArm->getOrigin() != before);
+    adjuster.setProgress([&](double) {
+        delete tube.figure;
+        return true;
+    });
+    ryUndoStack()->clearAll();
+    QCOMPARE(adjuster.adjustRiggingToShape(tube.figure).code(), int(RyError::UnusableObject));
 }
 
 void RyShapeRiggingAdjusterTest::comesBackWithTheShape()

@@ -5,6 +5,7 @@
 #include "pluginsource/RyJointTools/operations/listMirrorPairs.h"
 #include "pluginsource/RyJointTools/operations/mirrorBones.h"
 #include "pluginsource/RyJointTools/operations/mirrorNode.h"
+#include "rycore/base/RyERCLink.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ private slots:
     void plans_data();
     void plans();
     void writesEachPairOnce();
+    void linkedNodes();
     void opensOneRigEdit();
     void tellsOffset();
     void listsPairs();
@@ -106,6 +108,24 @@ void RyMirrorBonesTest::writesEachPairOnce()
         told << copied.source->getName() + (copied.withoutBulges ? "!" : "-") + copied.target->getName();
     QCOMPARE(told.join(' '), QStringLiteral("lThigh-rThigh lShin!rightShin lFoot-rFoot"));
     QCOMPARE(namesOf(report.skipped), QStringLiteral("hip lowerJaw"));
+}
+
+/// Bones that are written later drive those that were written before.
+void RyMirrorBonesTest::linkedNodes()
+{
+    RySidedScene scene;
+    RyERCLink::create(scene.rFoot->getOriginYControl(), scene.rThigh->getEndXControl());
+    RyERCLink::create(scene.rShin->getEndZControl(), scene.rThigh->getOriginYControl());
+    Options options;
+    options.nodes = Options::RootRecursive;
+    options.direction = Options::LeftToRight;
+    mirrorBones(scene.hip, options, [](RyNode *source, RyNode *target, int axis) {
+        mirrorNode(source, target, axis);
+        return true;
+    });
+    QVERIFY(reflectionError(scene.lThigh, scene.rThigh, 0, false, 100.0) < 1e-4);
+    QVERIFY(reflectionError(scene.lShin, scene.rShin, 0, false, 100.0) < 1e-4);
+    QVERIFY(reflectionError(scene.lFoot, scene.rFoot, 0, false, 100.0) < 1e-4);
 }
 
 void RyMirrorBonesTest::opensOneRigEdit()

@@ -18,6 +18,8 @@ private slots:
     void backAgain();
     void writesNoNegativeZero();
     void linkedValues();
+    void linkedWithinTarget();
+    void ontoItself();
     void bulges_data() { reflects_data(); }
     void bulges();
     void bulgeOnOneSideOnly();
@@ -94,6 +96,33 @@ void RyMirrorNodeTest::linkedValues()
     QVERIFY(driven->getValue() != driven->getRawValue());
     mirrorNode(scene.lThigh, scene.rThigh, 0);
     QVERIFY(std::abs(driven->getValue() - scene.lThigh->getOrigin()[1]) < 1e-4f);
+}
+
+/// What is written last drives what was written first.
+void RyMirrorNodeTest::linkedWithinTarget()
+{
+    RySidedScene scene;
+    RyERCLink::create(scene.rThigh->getEndZControl(), scene.rThigh->getOriginXControl());
+    mirrorNode(scene.lThigh, scene.rThigh, 0);
+    for (const bool byDefault : {false, true}) {
+        const double error = reflectionError(scene.lThigh, scene.rThigh, 0, byDefault, 100.0);
+        QVERIFY2(error < 1e-4, QByteArray::number(error));
+    }
+}
+
+/// Where prefixes of both sides are the same. Twice gives what was there.
+void RyMirrorNodeTest::ontoItself()
+{
+    RySidedScene scene;
+    scene.addSkin({scene.lThigh});
+    const auto bulge = RySidedScene::controlsOf(scene.skin->findBoneBinding(scene.lThigh)->getBulgeBinding(1));
+    const float positiveLeft = bulge[0]->getValue(), negativeRight = bulge[3]->getValue();
+    const QString before = scene.dump();
+    mirrorNode(scene.lThigh, scene.lThigh, 0);
+    QCOMPARE(bulge[0]->getValue(), negativeRight);
+    QCOMPARE(bulge[3]->getValue(), positiveLeft);
+    mirrorNode(scene.lThigh, scene.lThigh, 0);
+    QCOMPARE(scene.dump(), before);
 }
 
 void RyMirrorNodeTest::bulges()

@@ -136,6 +136,26 @@ private slots:
         QTest::newRow("Y") << 1;
         QTest::newRow("Z") << 2;
     }
+    void anglesOfMoreThanATurn()
+    {
+        ParametricScene scene;
+        scene.makeJoints();
+        int bends = 0;
+        for (const RyLegacyJointParam *from : scene.joint(scene.lHand)->params()) {
+            RyLegacyJointParam *to = scene.joint(scene.rHand)->findParam(from->getName());
+            if (!to || from->type() != RyLegacyJointParam::Bend || from->getAxis() != 1)
+                continue;
+            ++bends;
+            from->controllers()[3]->setValue(-400.0f);
+            from->controllers()[2]->setValue(0.0f);
+            to->controllers()[1]->setValue(1.0f);
+            RyLegacyMirror::mirrorJoint(scene.joint(scene.lHand), scene.joint(scene.rHand), 2);
+            QCOMPARE(to->controllers()[0]->getValue(), 40.0f);
+            QCOMPARE(to->controllers()[1]->getValue(), 0.0f);
+            QVERIFY(!std::signbit(to->controllers()[1]->getValue()));
+        }
+        QVERIFY(bends > 0);
+    }
     void reflects()
     {
         QFETCH(int, axis);

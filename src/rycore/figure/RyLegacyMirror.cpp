@@ -6,6 +6,7 @@
 #include "rycore/parametric/RyLegacySmoothScale.h"
 #include "rycore/scene/RyBone.h"
 
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -22,7 +23,8 @@ struct Pair
         property.setDefaultValue(byDefault);
         property.adjustValue(current);
     }
-    Pair negated() const { return {-current, -byDefault}; }
+    /// Never the negative zero.
+    Pair negated() const { return {0.0f - current, 0.0f - byDefault}; }
 };
 
 using Pairs = std::vector<Pair>;
@@ -46,14 +48,14 @@ void write(const Pairs &pairs, const Controls &controls)
 /// Degrees within (-180, 180].
 float wrapped(float degrees)
 {
-    return degrees > 180.0f ? degrees - 360.0f : degrees <= -180.0f ? degrees + 360.0f : degrees;
+    return degrees - 360.0f * std::ceil((degrees - 180.0f) / 360.0f);
 }
 
 /// The angle of the reflected ray. A ray about X starts at -Z and goes to Y, those about Y and Z start at X.
 float reflected(float degrees, int bendAxis, int mirrorAxis)
 {
     const int start = bendAxis == 0 ? 2 : 0;
-    return wrapped(mirrorAxis == start ? 180.0f - degrees : -degrees);
+    return wrapped(mirrorAxis == start ? 180.0f - degrees : 0.0f - degrees);
 }
 
 /// Controllers of a bend: A, B, C, D, then positive left and right, negative left and right bulges.
@@ -120,7 +122,7 @@ unsigned mirroredFlags(const RyLegacyJointParam &source, const RyLegacyJointPara
 
 void mirrorParam(const RyLegacyJointParam *source, RyLegacyJointParam *target, int mirrorAxis)
 {
-    if (!source || !target || source->type() != target->type())
+    if (!source || !target || source->type() != target->type() || source->getAxis() != target->getAxis())
         return;
     const Pairs values = mirroredValues(*source, mirrorAxis);
     target->beginEdit();

@@ -1,5 +1,7 @@
 #include "rycore/figure/RyShapeRiggingAdjuster.h"
 
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/adjustValues.h"
 #include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/moveWithSurface.h"
@@ -7,32 +9,51 @@
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <QPointer>
+
 namespace {
 
+/// Who is told of the progress may delete them.
+using Bones = std::vector<QPointer<RyBone>>;
+
 /// Parents first, without those of figures that hang below this one.
-std::vector<RyBone *> bonesOf(const RyFigure &figure)
+Bones bonesOf(const RyFigure &figure)
 {
-    std::vector<RyBone *> bones = figure.getAllBones();
-    std::erase_if(bones, [&](const RyBone *bone) { return bone->getSkeleton() != &figure; });
+    Bones bones;
+    for (RyBone *bone : figure.getAllBones()) {
+        if (bone->getSkeleton() == &figure)
+            bones.emplace_back(bone);
+    }
     return bones;
 }
 
-/// The origin and the end point of each bone; true when one of them changed.
-bool writePoints(const std::vector<RyBone *> &bones, const std::vector<RyVec3> &points)
+/// The origin and the end point of each bone, whatever links add to them; true when one of them changed.
+bool writePoints(const Bones &bones, const std::vector<RyVec3> &points)
 {
-    const RyExactRiggingEdit edit;
-    bool hasMoved = false;
+    std::vector<RyWantedValue> wanted;
     for (size_t i = 0; i < bones.size(); ++i) {
-        RyBone *bone = bones[i];
-        const RyVec3 origin = bone->getOrigin();
-        const RyVec3 end = bone->getEndPoint();
-        bone->beginEdit();
-        bone->adjustOrigin(points[2 * i]);
-        bone->adjustEndPoint(points[2 * i + 1]);
-        bone->finishEdit();
-        hasMoved = hasMoved || bone->getOrigin() != origin || bone->getEndPoint() != end;
+        const RyBone *bone = bones[i];
+        if (!bone)
+            continue;
+        const RyVec3 &origin = points[2 * i];
+        const RyVec3 &end = points[2 * i + 1];
+        wanted.insert(wanted.end(), {{bone->getOriginXControl(), origin.x},
+                                     {bone->getOriginYControl(), origin.y},
+                                     {bone->getOriginZControl(), origin.z},
+                                     {bone->getEndXControl(), end.x},
+                                     {bone->getEndYControl(), end.y},
+                                     {bone->getEndZControl(), end.z}});
     }
-    return hasMoved;
+    std::vector<float> before;
+    for (const RyWantedValue &each : wanted)
+        before.push_back(each.property->getValue());
+    const RyExactRiggingEdit edit;
+    adjustValues(wanted);
+    for (size_t i = 0; i < wanted.size(); ++i) {
+        if (wanted[i].property && wanted[i].property->getValue() != before[i])
+            return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -62,13 +83,17 @@ RyError RyShapeRiggingAdjuster::adjustRiggingToShape(RyFigure *figure)
     const std::vector<RyVec3> positions = shape->getCurrentPositions();
     if (positions == base)
         return fail(RyError::UnusableObject, tr("The figure has no shape that differs from its base."));
-    const std::vector<RyBone *> bones = bonesOf(*figure);
+    const Bones bones = bonesOf(*figure);
     std::vector<RyVec3> points;
-    for (const RyBone *bone : bones) {
+    for (const auto &bone : bones) {
         points.push_back(bone->getOrigin(true));
         points.push_back(bone->getEndPoint(true));
     }
-    const auto places = moveWithSurface(points, base, positions, shape->getFacetMesh()->getFacets(), m_progress);
+    const QPointer<RyFigure> guard(figure);
+    const std::vector<RyFacet> facets = shape->getFacetMesh()->getFacets(); // may go with the figure
+    const auto places = moveWithSurface(points, base, positions, facets, m_progress);
+    if (!guard)
+        return fail(RyError::UnusableObject, tr("There is no figure to adjust."));
     if (!places)
         return fail(Cancelled, tr("The rig was not adjusted: cancelled."));
     if (writePoints(bones, *places))

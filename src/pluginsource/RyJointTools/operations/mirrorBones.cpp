@@ -1,9 +1,14 @@
 #include "pluginsource/RyJointTools/operations/mirrorBones.h"
 
+#include "pluginsource/RyJointTools/operations/mirrorNode.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/adjustValues.h"
 #include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
+#include <QHash>
 #include <QSet>
 
 namespace {
@@ -44,6 +49,35 @@ RySide sideOf(RySide primary, MirrorOptions::Direction direction)
     return RySide::None;
 }
 
+/// What the values of a run result in, read before anything is written: links pass values on between the nodes of a
+/// run.
+class MirroredValues
+{
+public:
+    void take(const std::vector<MirroredControl> &controls)
+    {
+        std::vector<float> read;
+        for (const MirroredControl &each : controls)
+            read.push_back(each.reflected(m_values.value(each.from, each.from->getValue())));
+        for (size_t i = 0; i < controls.size(); ++i) {
+            if (!m_values.contains(controls[i].to))
+                m_order.push_back(controls[i].to);
+            m_values.insert(controls[i].to, read[i]);
+        }
+    }
+    std::vector<RyWantedValue> wanted() const
+    {
+        std::vector<RyWantedValue> wanted;
+        for (RyFloatProperty *property : m_order)
+            wanted.push_back({property, m_values.value(property)});
+        return wanted;
+    }
+
+private:
+    QHash<const RyFloatProperty *, float> m_values;
+    std::vector<RyFloatProperty *> m_order;
+};
+
 } // namespace
 
 MirrorPlan planMirror(RyNode *primary, const RyBonePairing &pairing, const MirrorOptions &options)
@@ -75,6 +109,11 @@ MirrorReport mirrorBones(RyNode *primary, const MirrorOptions &options,
     MirrorReport report;
     report.offset = pairing.size() > 0.0f ? pairing.meanOffset() / pairing.size() : 0.0f;
     QSet<const RyNode *> written;
+    MirroredValues values;
+    for (RyNode *node : plan.nodes) {
+        if (const RyNode *target = pairing.oppositeOf(node, plan.side))
+            values.take(mirroredControls(*node, *target, options.axis));
+    }
     const RyExactRiggingEdit edit;
     for (RyNode *node : plan.nodes) {
         RyNode *target = pairing.oppositeOf(node, plan.side);
@@ -87,5 +126,6 @@ MirrorReport mirrorBones(RyNode *primary, const MirrorOptions &options,
             report.skipped.push_back(node);
         }
     }
+    adjustValues(values.wanted()); // what a link passed on from a node that was written later
     return report;
 }

@@ -3,6 +3,7 @@
 #include "pluginsource/RyJointTools/operations/changeRotationOrder.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/adjustValues.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/RyLegacyMirror.h"
 #include "rycore/figure/pairing/RyNameMarks.h"
@@ -14,15 +15,6 @@
 
 namespace {
 
-void copyValue(const RyFloatProperty *from, RyFloatProperty *to, bool isNegated)
-{
-    // Never the negative zero, which would be another value to files and dumps.
-    const auto turned = [isNegated](float value) { return isNegated ? 0.0f - value : 0.0f + value; };
-    to->setDefaultValue(turned(from->getDefaultValue()));
-    if (to->getValue() != turned(from->getValue())) // links may round what they add
-        to->adjustValue(turned(from->getValue()));
-}
-
 std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
 {
     return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
@@ -32,46 +24,58 @@ std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
 
 /// Points lose their side along the axis. A turn about an axis (a, angle) becomes (a M, -angle), which in angles of
 /// fixed XYZ order reverses the two about the other axes and keeps the one about the mirror axis: to the bit.
-void mirrorRigging(const RyNode &source, RyNode &target, int axis)
+void mirrorRigging(const RyNode &source, const RyNode &target, int axis, std::vector<MirroredControl> &controls)
 {
     const auto from = riggingOf(source);
     const auto to = riggingOf(target);
-    target.beginEdit();
     for (size_t i = 0; i < from.size(); ++i) {
         const bool isAlong = int(i % 3) == axis;
         const bool isAngle = i >= 6;
         if (from[i] && to[i])
-            copyValue(from[i], to[i], isAngle != isAlong);
+            controls.push_back({from[i], to[i], isAngle != isAlong});
     }
-    target.finishEdit();
 }
 
 /// Turns about the other axes change their sign, so that positive and negative as well as left and right change places.
-void mirrorBulge(const RyBulgeBinding &source, const RyBulgeBinding &target, bool isAlong)
+void mirrorBulge(const RyBulgeBinding &source, const RyBulgeBinding &target, bool isAlong,
+                 std::vector<MirroredControl> &controls)
 {
     const std::array from = {source.getPosLeftBulgeController(), source.getNegLeftBulgeController(),
                              source.getPosRightBulgeController(), source.getNegRightBulgeController()};
     const std::array to = {target.getPosLeftBulgeController(), target.getNegLeftBulgeController(),
                            target.getPosRightBulgeController(), target.getNegRightBulgeController()};
     for (size_t i = 0; i < from.size(); ++i)
-        copyValue(from[isAlong ? i : 3 - i], to[i], false);
+        controls.push_back({from[isAlong ? i : 3 - i], to[i], false});
 }
 
-/// False where the skin does not bind both.
-bool mirrorBulges(const RyFigure &figure, const RyNode &source, const RyNode &target, int axis)
+/// False where the skin of a figure does not bind both.
+bool mirrorBulges(const RyNode &source, const RyNode &target, int axis, std::vector<MirroredControl> &controls)
 {
-    const RySkinBinding *skin = RySkinBinding::findSkin(&figure);
+    const auto *figure = qobject_cast<const RyFigure *>(source.getSkeleton());
+    const RySkinBinding *skin = figure ? RySkinBinding::findSkin(figure) : nullptr;
     const RyBoneBinding *from = skin ? skin->findBoneBinding(&source) : nullptr;
     const RyBoneBinding *to = skin ? skin->findBoneBinding(&target) : nullptr;
-    if (!from || !to)
-        return false;
-    for (int k = 0; k < 3; ++k) {
+    for (int k = 0; from && to && k < 3; ++k) {
         const RyBulgeBinding *bulge = from->getBulgeBinding(k);
         const RyBulgeBinding *other = to->getBulgeBinding(k);
         if (bulge && other)
-            mirrorBulge(*bulge, *other, k == axis);
+            mirrorBulge(*bulge, *other, k == axis, controls);
     }
-    return true;
+    return !figure || (from && to);
+}
+
+/// All is read before anything is written: links pass on what is, and a node may be its own opposite.
+void writeMirrored(const std::vector<MirroredControl> &controls)
+{
+    std::vector<float> defaults;
+    std::vector<RyWantedValue> wanted;
+    for (const MirroredControl &each : controls) {
+        defaults.push_back(each.reflected(each.from->getDefaultValue()));
+        wanted.push_back({each.to, each.reflected(each.from->getValue())});
+    }
+    for (size_t i = 0; i < controls.size(); ++i)
+        controls[i].to->setDefaultValue(defaults[i]);
+    adjustValues(wanted);
 }
 
 /// "Left Bend" on the one side is "Right Bend" on the other.
@@ -94,18 +98,29 @@ void mirrorLabels(const RyNode &source, const RyNode &target)
 
 } // namespace
 
+std::vector<MirroredControl> mirroredControls(const RyNode &source, const RyNode &target, int axis)
+{
+    std::vector<MirroredControl> controls;
+    mirrorRigging(source, target, axis, controls);
+    mirrorBulges(source, target, axis, controls);
+    return controls;
+}
+
 MirrorResult mirrorNode(const RyNode *source, RyNode *target, int axis)
 {
     if (!source || !target || axis < 0 || axis > 2)
         return MirrorResult::Done;
     changeRotationOrder(target, source->getRotationOrder());
-    mirrorRigging(*source, *target, axis);
-    if (const auto *figure = qobject_cast<const RyFigure *>(source->getSkeleton())) {
-        if (!mirrorBulges(*figure, *source, *target, axis))
-            return MirrorResult::WithoutBulges;
-    } else {
+    std::vector<MirroredControl> controls;
+    mirrorRigging(*source, *target, axis, controls);
+    const bool isComplete = mirrorBulges(*source, *target, axis, controls);
+    target->beginEdit();
+    writeMirrored(controls);
+    target->finishEdit();
+    if (!isComplete)
+        return MirrorResult::WithoutBulges;
+    if (!qobject_cast<const RyFigure *>(source->getSkeleton()))
         RyLegacyMirror::mirrorJoint(RyLegacyJoint::findJoint(source), RyLegacyJoint::findJoint(target), axis);
-    }
     target->setInheritScale(source->inheritsScale());
     mirrorLabels(*source, *target);
     return MirrorResult::Done;

@@ -1,6 +1,23 @@
 #pragma once
 
+#include <vector>
+
+class RyFloatProperty;
 class RyNode;
+
+/// A value of a node, and that of its opposite which it becomes.
+struct MirroredControl
+{
+    /// Never the negative zero, which would be another value to files and dumps.
+    float reflected(float value) const { return isNegated ? 0.0f - value : 0.0f + value; }
+
+    RyFloatProperty *from;
+    RyFloatProperty *to;
+    bool isNegated;
+};
+
+/// Points and angles of the rigging, and bulges where the skin of a figure binds both. The axis is 0 to 2.
+std::vector<MirroredControl> mirroredControls(const RyNode &source, const RyNode &target, int axis);
 
 /// What mirroring a node did.
 enum class MirrorResult {

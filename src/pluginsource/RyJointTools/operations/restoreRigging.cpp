@@ -1,9 +1,9 @@
 #include "pluginsource/RyJointTools/operations/restoreRigging.h"
 
-#include "pluginsource/RyJointTools/operations/adjustValues.h"
 #include "pluginsource/RyJointTools/operations/listRiggingProperties.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/adjustValues.h"
 #include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/scene/RyNode.h"
 

@@ -1,8 +1,7 @@
 #include "pluginsource/RyJointTools/operations/transferRigging.h"
 
-#include "pluginsource/RyJointTools/operations/adjustValues.h"
-
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/adjustValues.h"
 #include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/math/RyAffine.h"

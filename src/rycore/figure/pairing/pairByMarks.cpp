@@ -73,14 +73,14 @@ private:
     {
         Candidates found;
         const QString folded = RyNameMarks::folded(name);
-        for (const int other : m_byName.value(folded)) {
+        for (const int other : namesakes(m_byName, folded)) {
             if (!mayBe(bone, other))
                 continue;
             keepNearest(bone, other, found.exact);
             if (fits(bone, other))
                 keepNearest(bone, other, found.exactThatFits);
         }
-        for (const int other : m_byStem.value(RyNameMarks::withoutNumber(folded))) {
+        for (const int other : namesakes(m_byStem, RyNameMarks::withoutNumber(folded))) {
             if (!mayBe(bone, other))
                 continue;
             ++found.looseCount;
@@ -89,6 +89,14 @@ private:
                 keepNearest(bone, other, found.looseThatFits);
         }
         return found;
+    }
+
+    using Names = QHash<QString, std::vector<int>>;
+    static const std::vector<int> &namesakes(const Names &names, const QString &name)
+    {
+        static const std::vector<int> none;
+        const auto found = names.constFind(name);
+        return found == names.constEnd() ? none : *found;
     }
 
     bool mayBe(int bone, int other) const { return other != bone && m_rig.isFree(other); }

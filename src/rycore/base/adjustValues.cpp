@@ -1,4 +1,4 @@
-#include "pluginsource/RyJointTools/operations/adjustValues.h"
+#include "rycore/base/adjustValues.h"
 
 #include "rycore/base/RyFloatProperty.h"
 
