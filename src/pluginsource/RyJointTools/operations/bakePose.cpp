@@ -3,11 +3,11 @@
 #include "pluginsource/RyJointTools/operations/RyBakedBones.h"
 #include "pluginsource/RyJointTools/operations/RyHeldValues.h"
 
+#include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyMorph.h"
-#include "rycore/scene/RyRiggingEdit.h"
 #include "rycore/skin/RySkinBinding.h"
 
 namespace {
@@ -126,7 +126,7 @@ bool bakePose(RyFigure *figure)
     bones.hold(values);
     values.addControlledBy(bones.bones());
     const HungNodes hung(bones.bones());
-    const RyRiggingEdit edit;
+    const RyExactRiggingEdit edit;
     baked.install(*shape);
     bones.apply();
     values.apply();
