@@ -191,7 +191,6 @@ private slots:
     void nodeRemoved();
     void centerPointChange();
     void endPointChange();
-    void oppositePlaced(RyNode *node);
     void updateParamConnections();
     void removeParamConnections();
     void dynamicMatrixChange();
@@ -211,7 +210,7 @@ private:
     RyPointFollowUp m_followUp{m_joint, m_options, m_pointer};
     RyParamFollowUp m_paramFollowUp{*this, m_joint, m_options, m_display.values()};
     RyToolParam m_param{*this, m_joint, m_paramFollowUp, m_pointer};
-    RyToolSelection m_selection{*this, m_joint, m_param, m_pointer};
+    RyToolSelection m_selection{*this, m_joint, m_param, m_followUp, m_pointer};
 
     QPointer<QWidget> m_toolFrame;
     QPointer<QWidget> m_dividerBar;

@@ -277,11 +277,6 @@ void RyJointEditorTool::endPointChange()
     m_followUp.endPointChanged();
 }
 
-void RyJointEditorTool::oppositePlaced(RyNode *node)
-{
-    m_followUp.oppositePlaced(node);
-}
-
 void RyJointEditorTool::dynamicMatrixChange()
 {
     m_paramFollowUp.dynamicTurnChanged(sender());

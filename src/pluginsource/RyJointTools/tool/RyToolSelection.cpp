@@ -1,6 +1,7 @@
 #include "pluginsource/RyJointTools/tool/RyToolSelection.h"
 
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
+#include "pluginsource/RyJointTools/tool/RyPointFollowUp.h"
 #include "pluginsource/RyJointTools/tool/RyToolParam.h"
 #include "pluginsource/RyJointTools/tool/joint/RyJointState.h"
 #include "pluginsource/RyJointTools/tool/pointer/RyToolPointer.h"
@@ -27,8 +28,8 @@ static std::array<RyFloatProperty *, 3> endPointControls(const RyNode &node)
 }
 
 RyToolSelection::RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolParam &param,
-                                 RyToolPointer &pointer)
-    : m_tool(tool), m_joint(joint), m_param(param), m_pointer(pointer)
+                                 RyPointFollowUp &points, RyToolPointer &pointer)
+    : m_tool(tool), m_joint(joint), m_param(param), m_points(points), m_pointer(pointer)
 {}
 
 void RyToolSelection::start()
@@ -39,8 +40,8 @@ void RyToolSelection::start()
     QObject::connect(ryScene(), &RyScene::nodeListChanged, &m_tool, check);
     QObject::connect(ryScene(), &RyScene::drawnDataChanged, &m_tool, check);
     QObject::connect(ryScene(), SIGNAL(primarySelectionChanged(RyNode *)), &m_tool, SLOT(postSelectionChangeEvent()));
-    QObject::connect(&RySymmetricEditing::of(*ryScene()), SIGNAL(followed(RyNode *)), &m_tool,
-                     SLOT(oppositePlaced(RyNode *)));
+    QObject::connect(&RySymmetricEditing::of(*ryScene()), &RySymmetricEditing::followed, &m_tool,
+                     [this](const RyNode *node) { m_points.oppositePlaced(node); });
     update(ryScene()->getPrimarySelection());
 }
 

@@ -3,6 +3,7 @@
 class QEvent;
 class RyJointEditorTool;
 class RyNode;
+class RyPointFollowUp;
 class RyToolPointer;
 class RyToolParam;
 struct RyJointState;
@@ -12,7 +13,8 @@ struct RyJointState;
 class RyToolSelection
 {
 public:
-    RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolParam &param, RyToolPointer &pointer);
+    RyToolSelection(RyJointEditorTool &tool, RyJointState &joint, RyToolParam &param, RyPointFollowUp &points,
+                    RyToolPointer &pointer);
 
     /// Begins and ends to follow the scene.
     void start();
@@ -34,6 +36,7 @@ private:
     RyJointEditorTool &m_tool;
     RyJointState &m_joint;
     RyToolParam &m_param;
+    RyPointFollowUp &m_points;
     RyToolPointer &m_pointer;
     bool m_pending = false;
 };
