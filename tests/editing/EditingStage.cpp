@@ -67,12 +67,11 @@ void EditingStage::select(const std::vector<RyNode *> &nodes)
     QCoreApplication::sendPostedEvents();
 }
 
-QString EditingStage::run(const char *action, const QHash<QString, QString> &fields,
-                          const QHash<QString, QString> &answers)
+QString EditingStage::run(const char *action, const Fields &fields, const QHash<QString, QString> &answers)
 {
     RyDialogDriver driver;
-    for (auto field = fields.constBegin(); field != fields.constEnd(); ++field)
-        driver.setField(field.key(), field.value());
+    for (const auto &[name, value] : fields)
+        driver.setField(name, value);
     for (auto answer = answers.constBegin(); answer != answers.constEnd(); ++answer)
         driver.setAnswer(answer.key(), answer.value());
     const RyActionResult result = RyActionRunner(m_window->getActionMgr()).run(QString::fromLatin1(action), driver);

@@ -40,10 +40,11 @@ public:
     /// Selects in this order and lets the tool take the last one.
     void select(const std::vector<RyNode *> &nodes);
 
+    /// Object names and values, in the order in which they are filled: one may enable the next.
+    using Fields = std::vector<std::pair<QString, QString>>;
     /// Runs an action by its class name as a person would. `fields`: object names and values of its dialog. `answers`:
     /// titles of message boxes and buttons. Empty when it ran; otherwise why not.
-    QString run(const char *action, const QHash<QString, QString> &fields = {},
-                const QHash<QString, QString> &answers = {});
+    QString run(const char *action, const Fields &fields = {}, const QHash<QString, QString> &answers = {});
     /// Mouse work at a handle of the current node: press, moves to each point, release; or a right click in the middle.
     void drag(int handle, const std::vector<QPoint> &path, Qt::KeyboardModifiers modifiers, bool cancel);
     void controlClick(const QPoint &point);

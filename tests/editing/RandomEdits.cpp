@@ -90,7 +90,7 @@ QString RandomEdits::selectSome()
     return QStringLiteral("select");
 }
 
-QString RandomEdits::runAction(const char *action, const QHash<QString, QString> &fields,
+QString RandomEdits::runAction(const char *action, const EditingStage::Fields &fields,
                                const QHash<QString, QString> &answers)
 {
     const QString refusal = m_stage.run(action, fields, answers);
@@ -161,11 +161,11 @@ QString RandomEdits::edit()
     }
     if (kind < 97) {
         const QString row = QLatin1String(attributeRows[size_t(pick(int(std::size(attributeRows))))]);
-        QHash<QString, QString> fields = {
-            {QStringLiteral("NodeAttributesEdit%1SBox").arg(row), QString::number(pick(900) / 10.0)},
-            {QStringLiteral("NodeAttributesEdit%1Cbx").arg(row), QStringLiteral("true")}};
+        EditingStage::Fields fields = {
+            {QStringLiteral("NodeAttributesEdit%1Cbx").arg(row), QStringLiteral("true")},
+            {QStringLiteral("NodeAttributesEdit%1SBox").arg(row), QString::number(pick(900) / 10.0)}};
         if (chance(50))
-            fields.insert(QStringLiteral("NodeAttributesAdjustValueBtn"), QStringLiteral("true"));
+            fields.emplace_back(QStringLiteral("NodeAttributesAdjustValueBtn"), QStringLiteral("true"));
         return runAction("RyJESelectedNodesAttributesEditAction", fields);
     }
     m_stage.controlClick(QPoint(pick(800), pick(600)));

@@ -52,7 +52,7 @@ private:
     bool chance(int percent) { return pick(100) < percent; }
     QString edit();
     QString selectSome();
-    QString runAction(const char *action, const QHash<QString, QString> &fields = {},
+    QString runAction(const char *action, const EditingStage::Fields &fields = {},
                       const QHash<QString, QString> &answers = {});
     QString dragSomething();
     QString moveInHistory();

@@ -103,7 +103,7 @@ void ConversionsTest::thereAndBack()
     const QByteArray file = savedBytes();
     const std::vector<RyVec3> shown = shownInWorld(prop);
 
-    const QHash<QString, QString> fields = {
+    const EditingStage::Fields fields = {
         {QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"), QStringLiteral("false")},
         {QStringLiteral("ConvertPropToFigureRootBoneLEdit"), QStringLiteral("root")},
         {QStringLiteral("ConvertPropToFigure%1RBtn").arg(rigging), QStringLiteral("true")}};
