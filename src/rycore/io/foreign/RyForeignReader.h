@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+/// What the process that reads a foreign file asks of the library that knows foreign formats. That library is loaded
+/// by the reading process alone: the program itself neither starts slower by it nor goes down with it.
+struct RyForeignRequest
+{
+    QString path;
+    /// Told how much is done, from 0 to 1; false means that nobody wants the file any more.
+    std::function<bool(double done)> progress;
+};
+
+/// A foreign file as a glTF 2.0 binary with the extras of our own, in the file's own unit.
+struct RyForeignResult
+{
+    QByteArray glb;
+    /// What did not come along, and what came along changed; a sentence each, for people.
+    QStringList notes;
+    /// Why there is no `glb`, without the file's name.
+    QString error;
+};
+
+/// Reads `request.path`; false leaves `result.error`. May crash or hang on a damaged file.
+using RyForeignReadFunction = bool (*)(const RyForeignRequest &request, RyForeignResult &result);
+
+/// Under which name the library exports that function, and what the library's file is called, without ending.
+constexpr char RyForeignReadSymbol[] = "ryReadForeign";
+constexpr char RyForeignLibrary[] = "libryforeign";
