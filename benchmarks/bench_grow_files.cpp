@@ -1,5 +1,5 @@
 // How the time to open, save and report grows: OBJ files with a group for every facet, chains of bones as deep as they
-// are long, vertices at one place that only their weights tell apart.
+// are long, vertices at one place that only their weights tell apart, many parts whose weights change.
 #include "RyGrowth.h"
 
 #include "rycore/io/RySceneFile.h"
@@ -7,8 +7,11 @@
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RyBoneBinding.h"
+#include "rycore/skin/RySkinBinding.h"
 #include "ryhost/batch/BatchReport.h"
 
 #include <QApplication>
@@ -23,6 +26,7 @@ namespace {
 constexpr int Groups = 64000;
 constexpr int Bones = 16000;
 constexpr int Vertices = 40000;
+constexpr int Parts = 16000;
 
 QString groupName(int group)
 {
@@ -176,6 +180,60 @@ double reportChain(const QString &path, int bones)
                : -1.0;
 }
 
+/// Many small parts of one mesh, each with accessors of its own and weights that go from one joint to the other.
+bool writeParts(const QString &path, int parts)
+{
+    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
+    const int first = document->addNode(QStringLiteral("first"), RyGltfTransform(), -1);
+    const int second = document->addNode(QStringLiteral("second"), RyGltfTransform(), first);
+    const int skin = document->addSkin(QStringLiteral("parts"), {first, second}, -1, -1);
+    const int mesh = document->addMesh(QStringLiteral("parts"));
+    for (int part = 0; part < parts; ++part) {
+        const float x = float(part % 100) * 0.02f, y = float(part / 100) * 0.01f;
+        const std::vector<float> positions{x, y, 0.0f, x + 0.01f, y, 0.0f, x, y + 0.01f, 0.0f};
+        const std::vector<float> weights{1.0f, 0.0f, 0.0f, 0.0f, 0.25f, 0.75f, 0.0f, 0.0f, 0.75f, 0.25f, 0.0f, 0.0f};
+        const std::vector<std::uint32_t> joints{0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0};
+        document->addPrimitive(mesh,
+                               {{"POSITION", document->addFloatAccessor(positions, 3, 34962, true)},
+                                {"JOINTS_0", document->addUintAccessor(joints, 4, 5121, 34962)},
+                                {"WEIGHTS_0", document->addFloatAccessor(weights, 4, 34962)}},
+                               -1, -1);
+    }
+    document->setNodeMeshAndSkin(document->addNode(QStringLiteral("parts"), RyGltfTransform(), -1), mesh, skin);
+    return document->write(path, nullptr);
+}
+
+std::vector<float> weightsOf(int bone)
+{
+    const RySkeleton *figure = ryScene()->getSkeletons().front();
+    const RySkinBinding *binding = figure->getObject()->findModifier<RySkinBinding>();
+    const RyWeightMap *map = binding->findBoneBinding(figure->getAllBones()[size_t(bone)])->getWeights();
+    std::vector<float> weights;
+    for (int vertex = 0; vertex < map->getNumWeights(); ++vertex)
+        weights.push_back(map->getFloatWeight(vertex));
+    return weights;
+}
+
+/// Two bones change places in the skin, so that all influences are written anew.
+double saveParts(const QString &path, int parts)
+{
+    ryScene()->clear();
+    if (!writeParts(path, parts) || !RySceneFile::open(ryScene(), path, nullptr))
+        return -1.0;
+    const RySkeleton *figure = ryScene()->getSkeletons().front();
+    const std::vector<RyBone *> bones = figure->getAllBones();
+    const RySkinBinding *binding = figure->getObject()->findModifier<RySkinBinding>();
+    const RyRef<RyWeightMap> first(binding->findBoneBinding(bones[0])->getWeights());
+    const RyRef<RyWeightMap> second(binding->findBoneBinding(bones[1])->getWeights());
+    binding->findBoneBinding(bones[0])->setWeights(second.get());
+    binding->findBoneBinding(bones[1])->setWeights(first.get());
+    const std::vector<float> expected = weightsOf(0);
+    const double time = RyBenchmark::threadMilliseconds([&] { RySceneFile::save(ryScene(), path, nullptr); });
+    return RySceneFile::open(ryScene(), path, nullptr) && int(expected.size()) == 3 * parts && weightsOf(0) == expected
+               ? time
+               : -1.0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -191,6 +249,7 @@ int main(int argc, char **argv)
     growth.measure("open OBJ groups", Groups, on("groups.obj", openGroups));
     growth.measure("save OBJ groups", Groups, on("groups.obj", saveGroups));
     growth.measure("open vertices at one place", Vertices, on("knot.glb", openKnot));
+    growth.measure("save other weights of many parts", Parts, on("parts.glb", saveParts));
     growth.measure("open a chain of bones", Bones, on("chain.glb", openChain));
     growth.measure("save a chain of bones", Bones, on("chain.glb", saveChain));
     growth.measure("report on a chain of bones", Bones, on("chain.glb", reportChain));

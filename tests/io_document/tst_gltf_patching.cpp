@@ -1,4 +1,5 @@
 #include "GltfDocuments.h"
+#include "support/RyRandom.h"
 #include "support/RyTest.h"
 
 #include <nlohmann/json.hpp>
@@ -26,8 +27,12 @@ private slots:
     void replaceShared();
     void replaceInterleaved();
     void replaceExternal();
+    void usesFollowEdits();
     void treeAndRefresh();
     void cloneIsIndependent();
+
+private:
+    static std::vector<bool> placesOf(const RyGltfDocument &document, bool countedAnew);
 };
 
 void RyGltfPatchingTest::undoneChangesLeaveTheBytes()
@@ -304,6 +309,62 @@ void RyGltfPatchingTest::replaceExternal()
     QCOMPARE(again->readFloats(again->model().meshes[0].primitives[0].positions), values);
     // From then on it is ours.
     QCOMPARE(again->replaceFloats(accessor, std::vector<float>(12, 4.0f)), accessor);
+}
+
+/// Where numbers of every accessor would go, for each count of users that somebody may know of: into its own bytes, or
+/// elsewhere as there are more.
+std::vector<bool> RyGltfPatchingTest::placesOf(const RyGltfDocument &document, bool countedAnew)
+{
+    std::vector<bool> places;
+    const std::unique_ptr<RyGltfDocument> copy = document.clone();
+    for (int accessor = 0; accessor < int(document.model().accessors.size()); ++accessor) {
+        const std::vector<float> numbers = copy->readFloats(accessor);
+        for (int users = 0; users < 6 && !numbers.empty(); ++users) {
+            if (countedAnew)
+                copy->json();
+            places.push_back(copy->replaceFloats(accessor, numbers, users) == accessor);
+        }
+    }
+    return places;
+}
+
+void RyGltfPatchingTest::usesFollowEdits()
+{
+    const auto document = open();
+    RyRandom random;
+    std::vector<int> points, binds;
+    for (int i = 0; i < 6; ++i) {
+        points.push_back(document->addFloatAccessor(std::vector<float>(12, float(i)), 3, 34962, true));
+        binds.push_back(document->addFloatAccessor(std::vector<float>(32, float(i)), 16, 0));
+    }
+    const auto point = [&] { return points[std::size_t(random.integer(0, 5))]; };
+    const auto bind = [&] { return random.integer(0, 3) == 0 ? -1 : binds[std::size_t(random.integer(0, 5))]; };
+    for (int edit = 0; edit < 200; ++edit) {
+        QVERIFY(document->replaceFloats(points[0], std::vector<float>(12, 0.0f), 1000) == points[0]); // counts are known
+        const int primitives = int(document->model().meshes[0].primitives.size());
+        const int primitive = random.integer(0, primitives - 1);
+        switch (random.integer(0, 5)) {
+        case 0:
+            document->setPrimitiveAttribute(0, primitive, "NORMAL", random.integer(0, 2) == 0 ? -1 : point());
+            break;
+        case 1:
+            document->addPrimitive(0, {{"POSITION", point()}, {"NORMAL", point()}}, -1, -1);
+            break;
+        case 2:
+            document->setTargets(0, primitive, {{{"POSITION", point()}}, {{"POSITION", point()}, {"NORMAL", point()}}});
+            break;
+        case 3:
+            document->setTargets(0, primitive, {});
+            break;
+        case 4:
+            document->addSkin("another", {1}, bind(), -1);
+            break;
+        case 5:
+            document->setSkinInverseBindMatrices(random.integer(0, int(document->model().skins.size()) - 1), bind());
+            break;
+        }
+        QCOMPARE(placesOf(*document, false), placesOf(*document, true));
+    }
 }
 
 void RyGltfPatchingTest::treeAndRefresh()

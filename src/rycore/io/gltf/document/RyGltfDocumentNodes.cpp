@@ -1,4 +1,5 @@
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/document/RyGltfReferences.h"
 #include "rycore/io/gltf/document/RyGltfSpares.h"
 
 #include <algorithm>
@@ -181,18 +182,21 @@ void RyGltfDocument::addPrimitive(int mesh, const std::vector<std::pair<std::str
     setIndex(entry, "material", material);
     for (const auto &[name, accessor] : attributes)
         followAttribute(entry["attributes"], name, primitive);
+    for (const auto &[name, accessor] : entry["attributes"].items())
+        d->moveUse(nullptr, accessor.get<int>());
+    d->moveUse(nullptr, indices);
     d->model.meshes.at(std::size_t(mesh)).primitives.push_back(primitive);
     d->list("meshes")[std::size_t(mesh)]["primitives"].push_back(std::move(entry));
-    d->useCountsValid = false;
 }
 
 void RyGltfDocument::setPrimitiveAttribute(int mesh, int primitive, const std::string &name, int accessor)
 {
     RyGltfPrimitive &target = d->model.meshes.at(std::size_t(mesh)).primitives.at(std::size_t(primitive));
     Json &attributes = d->list("meshes")[std::size_t(mesh)]["primitives"][std::size_t(primitive)]["attributes"];
+    const auto before = attributes.find(name);
+    d->moveUse(before == attributes.end() ? nullptr : &*before, accessor);
     setIndex(attributes, name.c_str(), accessor);
     followAttribute(attributes, name, target);
-    d->useCountsValid = false;
 }
 
 void RyGltfDocument::setTargets(int mesh, int primitive,
@@ -206,15 +210,22 @@ void RyGltfDocument::setTargets(int mesh, int primitive,
         Json attributes = Json::object();
         for (const auto &[name, accessor] : target)
             attributes[name] = accessor;
+        for (const auto &[name, accessor] : attributes.items())
+            d->moveUse(nullptr, accessor.get<int>());
         positions.push_back(attribute(attributes, "POSITION"));
         entry.push_back(std::move(attributes));
     }
     Json &json = d->list("meshes")[std::size_t(mesh)]["primitives"][std::size_t(primitive)];
+    for (const Json &target : RyGltfReferences::listIn(json, "targets")) {
+        if (!target.is_object())
+            continue;
+        for (const auto &[name, accessor] : target.items())
+            d->moveUse(&accessor, -1);
+    }
     if (targets.empty())
         json.erase("targets");
     else
         json["targets"] = std::move(entry);
-    d->useCountsValid = false;
 }
 
 void RyGltfDocument::setInfluences(int mesh, int primitive, const std::vector<std::pair<std::string, int>> &attributes)
@@ -245,9 +256,9 @@ int RyGltfDocument::addSkin(const QString &name, const std::vector<int> &joints,
     setIndex(entry, "inverseBindMatrices", inverseBindMatrices);
     setIndex(entry, "skeleton", skeleton);
     entry["joints"] = joints;
+    d->moveUse(nullptr, inverseBindMatrices);
     d->list("skins").push_back(std::move(entry));
     d->model.skins.push_back(std::move(skin));
-    d->useCountsValid = false;
     return int(d->model.skins.size()) - 1;
 }
 
@@ -264,6 +275,8 @@ void RyGltfDocument::setNodeMeshAndSkin(int node, int mesh, int skin)
 void RyGltfDocument::setSkinInverseBindMatrices(int skin, int accessor)
 {
     d->model.skins.at(std::size_t(skin)).inverseBindMatrices = accessor;
-    setIndex(d->list("skins")[std::size_t(skin)], "inverseBindMatrices", accessor);
-    d->useCountsValid = false;
+    Json &entry = d->list("skins")[std::size_t(skin)];
+    const auto before = entry.find("inverseBindMatrices");
+    d->moveUse(before == entry.end() ? nullptr : &*before, accessor);
+    setIndex(entry, "inverseBindMatrices", accessor);
 }

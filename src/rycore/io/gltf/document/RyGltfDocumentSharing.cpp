@@ -46,6 +46,16 @@ const std::vector<int> &RyGltfDocument::Private::countUses() const
     return useCounts;
 }
 
+void RyGltfDocument::Private::moveUse(const Json *before, int after)
+{
+    if (!useCountsValid)
+        return;
+    if (before && RyGltfReferences::isIndex(*before) && before->get<std::uint64_t>() < useCounts.size())
+        --useCounts[before->get<std::size_t>()];
+    if (after >= 0 && std::size_t(after) < useCounts.size())
+        ++useCounts[std::size_t(after)];
+}
+
 bool RyGltfDocument::Private::sharesBytes(int accessor, int users) const
 {
     return countUses()[std::size_t(accessor)] > users || findShared()[std::size_t(accessor)];
