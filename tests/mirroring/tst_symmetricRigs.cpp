@@ -10,6 +10,7 @@
 
 #include <QCheckBox>
 #include <QDoubleSpinBox>
+#include <QRadioButton>
 
 namespace {
 
@@ -41,6 +42,8 @@ private slots:
     void rigEditOfTwoFigures();
     void outsideOfSteps();
     void attributesDialog();
+    void attributesOfBothSides_data();
+    void attributesOfBothSides();
     void snapsToBothSides_data();
     void snapsToBothSides();
     void besideThePlane_data();
@@ -242,6 +245,39 @@ void RySymmetricRigsTest::attributesDialog()
     dialog.accept();
     QCOMPARE(scene.lShin->getOrigin()[1], 66.0f);
     QCOMPARE(scene.rShin->getOrigin()[1], 66.0f);
+}
+
+void RySymmetricRigsTest::attributesOfBothSides_data()
+{
+    QTest::addColumn<bool>("leftFirst");
+    QTest::addColumn<bool>("adjusts");
+    for (int row = 0; row < 4; ++row)
+        QTest::addRow("%d", row) << bool(row & 1) << bool(row & 2);
+}
+
+/// Where both sides are selected each gets what was entered, and a bone of one side alone takes its opposite along.
+void RySymmetricRigsTest::attributesOfBothSides()
+{
+    QFETCH(bool, leftFirst);
+    QFETCH(bool, adjusts);
+    SymmetricScene scene;
+    if (leftFirst)
+        ryScene()->setSelection({scene.lShin, scene.rShin, scene.lFoot});
+    else
+        ryScene()->setSelection({scene.rShin, scene.lFoot, scene.lShin});
+    const float left = scene.lShin->getOrigin()[0], right = scene.rShin->getOrigin()[0];
+    const float foot = scene.lFoot->getOrigin()[0];
+    const RyVec3 end = scene.rShin->getEndPoint();
+    RyJESelectedNodesAttributesEditDlg dialog;
+    dialog.findChild<QRadioButton *>(adjusts ? "NodeAttributesAdjustValueBtn" : "NodeAttributesSetValueBtn")
+        ->setChecked(true);
+    dialog.findChild<QCheckBox *>("NodeAttributesEditCenterXCbx")->setChecked(true);
+    dialog.findChild<QDoubleSpinBox *>("NodeAttributesEditCenterXSBox")->setValue(7.5);
+    dialog.accept();
+    QCOMPARE(scene.lShin->getOrigin()[0], adjusts ? left + 7.5f : 7.5f);
+    QCOMPARE(scene.rShin->getOrigin()[0], adjusts ? right + 7.5f : 7.5f);
+    QCOMPARE(scene.rFoot->getOrigin()[0], adjusts ? -(foot + 7.5f) : -7.5f);
+    QCOMPARE(scene.rShin->getEndPoint(), end);
 }
 
 void RySymmetricRigsTest::snapsToBothSides_data()
