@@ -307,6 +307,20 @@ private slots:
         const QString odd = ryParamText(*scene.param(scene.rTip, "odd"));
         RyLegacyMirror::mirrorJoint(scene.joint(scene.lTip), scene.joint(scene.rTip), 0);
         QCOMPARE(ryParamText(*scene.param(scene.rTip, "odd")), odd);
+        // Values of a bend about another axis are angles of other rays.
+        auto *from = new RyLegacyBendParam("tilted", 1, scene.lTip);
+        auto *to = new RyLegacyBendParam("tilted", 2, scene.rTip);
+        from->setFlags(RyLegacyJointParam::ApplyAngles | RyLegacyJointParam::ApplyBulges);
+        from->controllers()[0]->setValue(33);
+        from->getStaticSphere()->controls()[0]->setValue(4);
+        scene.joint(scene.lTip)->addJointParam(from);
+        scene.joint(scene.rTip)->addJointParam(to);
+        const QString tilted = ryParamText(*to);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lTip), scene.joint(scene.rTip), 0);
+        QCOMPARE(ryParamText(*to), tilted);
+        from->setAxis(2);
+        RyLegacyMirror::mirrorJoint(scene.joint(scene.lTip), scene.joint(scene.rTip), 0);
+        QVERIFY(ryParamText(*to) != tilted);
         const QString before = rySceneDump(*ryScene());
         RyLegacyMirror::mirrorJoint(nullptr, scene.joint(scene.rTip), 0);
         RyLegacyMirror::mirrorJoint(scene.joint(scene.rTip), nullptr, 0);
