@@ -3,9 +3,44 @@
 #include "RyMessageBoxes.h"
 #include "RySkinnedScene.h"
 
+#include "rycore/app/RyApp.h"
 #include "rycore/app/RyMVCCageAdjustRigToShapeAction.h"
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/scene/RyMorph.h"
+
+#include <QChildEvent>
+#include <QGuiApplication>
+#include <QProgressDialog>
+#include <QPushButton>
+
+namespace {
+
+/// Presses the button of each progress dialog that opens below a widget, as soon as it has its name.
+class CancelledProgress : public QObject
+{
+public:
+    explicit CancelledProgress(QWidget *parent) { parent->installEventFilter(this); }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::ChildAdded) {
+            QObject *child = static_cast<QChildEvent *>(event)->child();
+            connect(child, &QObject::objectNameChanged, this, [this, child] {
+                auto *dialog = qobject_cast<QProgressDialog *>(child);
+                auto *button = dialog ? dialog->findChild<QPushButton *>() : nullptr;
+                if (!button)
+                    return;
+                said << dialog->labelText() + '|' + button->text();
+                button->click();
+            });
+        }
+        return false;
+    }
+
+    QStringList said;
+};
+
+} // namespace
 
 /// The command that lets the rig follow the shape, with the tool beside it.
 class RyAdjustRigActionTest : public QObject
@@ -86,6 +121,22 @@ private slots:
         QCOMPARE(scene.dump(), before);
         ryUndoStack()->redo();
         QCOMPARE(scene.dump(), after);
+    }
+
+    void canBeCancelled()
+    {
+        Scene scene;
+        scene.select(scene.lThigh);
+        const QString before = scene.dump();
+        CancelledProgress progress(RyApp::getDialogParent());
+        RyMessageBoxes boxes;
+        RyMVCCageAdjustRigToShapeAction().trigger();
+        QCOMPARE(progress.said, QStringList("Moving the bones with the surface|Cancel"));
+        QVERIFY(boxes.said.isEmpty()); // who cancels knows
+        QCOMPARE(scene.dump(), before);
+        QCOMPARE(ryUndoStack()->count(), 0);
+        QVERIFY(!QGuiApplication::overrideCursor());
+        QVERIFY(!RyApp::getDialogParent()->findChild<QProgressDialog *>());
     }
 
     void saysWhyItDoesNothing()
