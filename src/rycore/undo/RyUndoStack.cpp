@@ -21,6 +21,7 @@ struct RyUndoStack::Private
     std::unique_ptr<RyUndoObserver> observer;
     int index = 0;
     int lastHoldId = 0;
+    quint64 lastStepNumber = 0;
     int locks = 0;
     int cleanIndex = 0; // -1: no step leads back to the saved state
     bool lastClean = true;
@@ -352,6 +353,8 @@ void RyUndoStack::acceptHold(int id, const QString &caption)
     d->holds.erase(hold);
     // A copy of its own: the text may lie in the data of a library that is unloaded before the stack goes.
     step->caption = QString(caption.constData(), caption.size());
+    step->time = QDateTime::currentDateTime();
+    step->number = ++d->lastStepNumber;
     d->push(step);
     updateClean();
     emit changed();

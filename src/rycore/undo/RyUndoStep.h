@@ -2,6 +2,7 @@
 
 #include "rycore/undo/RyUndoItem.h"
 
+#include <QDateTime>
 #include <QHashFunctions>
 #include <QString>
 
@@ -37,6 +38,8 @@ public:
     int entryCount() const { return int(m_entries.size()); }
 
     QString caption;
+    QDateTime time;     // of its end
+    quint64 number = 0; // in the order in which steps end, never used again
 
 private:
     struct Entry

@@ -1,6 +1,7 @@
 #include "ryhost/menus/RestoreMenu.h"
 
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/undo/RyUndoHistory.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "ryhost/commands/menuText.h"
 
@@ -78,17 +79,9 @@ void RestoreMenu::fillHistory()
         action->setCheckable(true);
         action->setChecked(done == stack->index());
         connect(
-            action, &QAction::triggered, this, [this, done] { goTo(done); }, Qt::QueuedConnection);
+            action, &QAction::triggered, this, [done] { RyUndoHistory::walk(*ryUndoStack(), done); },
+            Qt::QueuedConnection);
     }
-}
-
-void RestoreMenu::goTo(int step)
-{
-    RyUndoStack *stack = ryUndoStack();
-    while (stack->index() > step && stack->canUndo())
-        stack->undo();
-    while (stack->index() < step && stack->canRedo())
-        stack->redo();
 }
 
 void RestoreMenu::restore(int index)

@@ -21,7 +21,6 @@ private:
     void fillPoints();
     void fillHistory();
     void restore(int index);
-    void goTo(int step);
     /// Tells how to take back what was just done.
     void announce();
 
