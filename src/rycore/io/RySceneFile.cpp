@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
+#include "rycore/io/gltf/extras/RyOwnExtras.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
@@ -57,14 +58,18 @@ void rename(RyNode &node, const QString &name)
     node.setName(name);
 }
 
+void empty(RyScene *scene)
+{
+    const RyUndoStackLock lock;
+    ryUndoStack()->clearAll();
+    scene->clear();
+}
+
 void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> origin,
                   bool merge)
 {
-    if (!merge) {
-        RyUndoStackLock lock;
-        ryUndoStack()->clearAll();
-        scene->clear();
-    }
+    if (!merge)
+        empty(scene);
     for (const RyRef<RyNode> &top : tops) {
         if (merge)
             rename(*top, freeTopLevelName(*scene, top->getName()));
@@ -79,6 +84,20 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
 void logFailure(const QString &path, const std::exception &failure)
 {
     RyMessageLog::global().warning(QStringLiteral("%1: %2").arg(path, QString::fromUtf8(failure.what())));
+}
+
+bool write(const RyGltfDocument &document, const QString &path, const RySceneFile::SaveOptions &options, QString *error)
+{
+    if (options.purpose != RySceneFile::Export)
+        return document.write(path, error);
+    // What the scene keeps goes on saying what is ours.
+    const std::unique_ptr<RyGltfDocument> bare = document.clone();
+    const QStringList without = RyOwnExtras::takeOut(*bare);
+    if (!bare->write(path, error))
+        return false;
+    if (options.withoutExtras)
+        *options.withoutExtras = without;
+    return true;
 }
 
 bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &origins, const QString &path,
@@ -96,10 +115,11 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
     }
     if (!document)
         return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
-    return document->write(path, error);
+    return write(*document, path, options, error);
 }
 
-bool saveAlone(const RyScene &scene, const QString &path, QString *error, QStringList *messages)
+bool saveAlone(const RyScene &scene, const QString &path, const RySceneFile::SaveOptions &options, QString *error,
+               QStringList *messages)
 {
     // What came from another format is written in metres, which is what other programs take a glTF unit for.
     constexpr double CentimetresPerMetre = 100.0;
@@ -107,7 +127,7 @@ bool saveAlone(const RyScene &scene, const QString &path, QString *error, QStrin
     const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene.getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return RyGltfNewNodes::writeScene(scene, unit, messages)->write(path, error);
+    return write(*RyGltfNewNodes::writeScene(scene, unit, messages), path, options, error);
 }
 
 void makeFits(const RyScene &scene, const RySceneFile::SaveOptions &options, QStringList *messages)
@@ -185,6 +205,12 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     return true;
 }
 
+void RySceneFile::close(RyScene *scene)
+{
+    empty(scene);
+    ryUndoStack()->setClean();
+}
+
 bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStringList *messages, QStringList *losses)
 {
     return save(scene, path, SaveOptions(), error, messages, losses);
@@ -204,13 +230,13 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
     if (ending != QLatin1String("obj"))
         makeFits(*scene, options, messages);
     const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
-                       : origins.empty()              ? saveAlone(*scene, path, error, messages)
+                       : origins.empty()              ? saveAlone(*scene, path, options, error, messages)
                                          : saveJoined(*scene, origins, path, options, error, messages, &leftOut);
     if (!saved)
         return false;
     if (losses)
         losses->append(leftOut);
-    if (leftOut.isEmpty())
+    if (leftOut.isEmpty() && options.purpose == Save)
         ryUndoStack()->setClean();
     return true;
 }
@@ -218,5 +244,5 @@ bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &o
 bool RySceneFile::saveWithoutSource(RyScene *scene, const QString &path, QString *error, QStringList *messages)
 {
     makeFits(*scene, SaveOptions(), messages);
-    return saveAlone(*scene, path, error, messages);
+    return saveAlone(*scene, path, SaveOptions(), error, messages);
 }

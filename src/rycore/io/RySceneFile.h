@@ -17,14 +17,23 @@ public:
         bool merge = false; ///< add to the scene instead of replacing it
     };
 
+    enum Purpose {
+        Save,
+        Copy,   ///< the scene counts as saved or unsaved as before
+        Export, ///< a copy whose extras say nothing of ours, for other programs
+    };
+
     struct SaveOptions
     {
+        Purpose purpose = Save;
         /// Clips are written as they were, and say the old rest of joints that were edited.
         bool jointsOnly = false;
         /// Told of the fits of parametric figures, which may take long.
         RyFigureFits::Progress progress;
         /// Gets how well they fit.
         std::vector<RyFigureFits::Fit> *fits = nullptr;
+        /// Gets what an export leaves out, for people; see `RyOwnExtras::takeOut`.
+        QStringList *withoutExtras = nullptr;
     };
 
     /// Reads the whole file before the scene is touched: on refusal the scene stays as it was, and the message names
@@ -32,6 +41,8 @@ public:
     static bool open(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
     static bool open(RyScene *scene, const QString &path, const Options &options, QString *error,
                      QStringList *messages = nullptr);
+    /// Leaves an empty scene without a file, which counts as saved and starts with an empty undo history.
+    static void close(RyScene *scene);
     /// Safe: the old file stays when anything fails. Marks the undo stack clean, unless `losses` gets what the format
     /// could hold and was left out all the same. What it cannot hold is a message.
     static bool save(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr,
