@@ -5,13 +5,13 @@
 #include "rycore/ui/RyNumberField.h"
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/ui/RyStandardMetrics.h"
+#include "rycore/ui/RyValueSlider.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
-#include <QSlider>
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +22,7 @@ constexpr int SliderSteps = 2000;
 }
 
 RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
-    : QWidget(parent), m_label(new RyScrubLabel(this)), m_slider(new QSlider(Qt::Horizontal, this)),
+    : QWidget(parent), m_label(new RyScrubLabel(this)), m_slider(new RyValueSlider(this)),
       m_field(new RyNumberField(this))
 {
     m_label->setObjectName(QStringLiteral("Label"));
@@ -57,10 +57,27 @@ RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
         else
             applyValue(value);
     });
+    connect(m_slider, &RyValueSlider::stepped, this, &RyFloatPropertyWgt::stepSlider);
+    connect(m_slider, &RyValueSlider::defaultAsked, this, &RyFloatPropertyWgt::restoreDefault);
+    connect(m_slider, &RyValueSlider::aboutToPress, this, [this] { m_indexAtPress = ryUndoStack()->index(); });
+    connect(m_slider, &RyValueSlider::doubleClicked, this, [this] {
+        takeBackClick();
+        restoreDefault();
+    });
+    connect(m_label, &RyScrubLabel::doubleClicked, this, [this] {
+        // Where there is no slider the default is a rest that another command brings back.
+        if (!m_fullLength)
+            restoreDefault();
+    });
     refresh();
 }
 
 RyFloatPropertyWgt::~RyFloatPropertyWgt() = default;
+
+QSlider *RyFloatPropertyWgt::slider() const
+{
+    return m_slider;
+}
 
 void RyFloatPropertyWgt::addProperty(RyFloatProperty *property)
 {
@@ -143,6 +160,7 @@ void RyFloatPropertyWgt::setSliderRange(float min, float max)
 void RyFloatPropertyWgt::setStep(float step)
 {
     m_field->setStep(double(step));
+    refresh();
 }
 
 void RyFloatPropertyWgt::setSuffix(const QString &suffix)
@@ -207,8 +225,15 @@ void RyFloatPropertyWgt::refresh()
     m_slider->setVisible(!m_fullLength && property && max > min);
     if (max > min) {
         const QSignalBlocker blocker(m_slider);
-        const double place = std::min(std::max((value - min) / (max - min), 0.0), 1.0);
-        m_slider->setValue(int(std::lround(place * SliderSteps)));
+        const auto placeOf = [min, max](double number) {
+            return int(std::lround(SliderSteps * std::min(std::max((number - min) / (max - min), 0.0), 1.0)));
+        };
+        m_slider->setZeroPlace(placeOf(0.0));
+        m_slider->setValue(placeOf(value));
+        m_slider->setToolTip(tr("Double click or Delete: back to %1")
+                                 .arg(RyNumberExpression::format(double(property ? property->getDefaultValue() : 0)) +
+                                      m_field->suffix()));
+        m_slider->setPageStep(std::max(1, placeOf(min + 10.0 * m_field->step())));
     }
 }
 
@@ -261,19 +286,58 @@ void RyFloatPropertyWgt::applyValue(double value)
         refresh();
         return;
     }
-    const QString text = caption();
+    edit(caption(), [this, value] { writeAll(float(value)); });
+}
+
+void RyFloatPropertyWgt::edit(const QString &caption, const std::function<void()> &write)
+{
     const std::vector<float> before = values();
     RyUndoStackHold hold;
     emit editStarted();
-    writeAll(float(value));
+    write();
     const bool changed = differsFrom(before);
     // A step that changes nothing would take the undone ones with it.
     if (!changed)
         hold.cancel();
     emit editFinished(changed);
     if (changed)
-        hold.accept(text);
+        hold.accept(caption);
     refresh();
+}
+
+void RyFloatPropertyWgt::stepSlider(double steps)
+{
+    const RyFloatProperty *property = getFirstProperty();
+    if (!property)
+        return;
+    m_field->commitText();
+    // A value beyond the slider's end stays there rather than being drawn in.
+    const double value = double(property->getValue());
+    const double least = std::min(value, double(sliderMin()));
+    const double most = std::max(value, double(sliderMax()));
+    applyValue(std::min(std::max(value + steps * m_field->step(), least), most));
+}
+
+void RyFloatPropertyWgt::restoreDefault()
+{
+    if (!getFirstProperty() || m_dragHold)
+        return;
+    m_field->setModified(false);
+    edit(tr("Restore %1").arg(spokenName()), [this] {
+        const std::vector<QPointer<RyFloatProperty>> properties(m_properties.rbegin(), m_properties.rend());
+        for (const QPointer<RyFloatProperty> &property : properties) {
+            if (property)
+                property->setValue(property->getDefaultValue());
+        }
+    });
+}
+
+void RyFloatPropertyWgt::takeBackClick()
+{
+    RyUndoStack *stack = ryUndoStack();
+    if (m_indexAtPress >= 0 && stack->index() == m_indexAtPress + 1 && stack->undoText() == caption())
+        stack->undo();
+    m_indexAtPress = -1;
 }
 
 void RyFloatPropertyWgt::beginDrag()

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -11,10 +12,11 @@ class RyFloatProperty;
 class RyNumberField;
 class RyScrubLabel;
 class RyUndoStackHold;
+class RyValueSlider;
 
 /// Shows the value of its float properties, "mixed" where they differ, and writes every edit to all of them; steps and
 /// drags start from the first one. One edit is one undo step: a typed value, a key step, a whole drag of the slider or
-/// of the label.
+/// of the label, a double click on either of them, which brings the default back.
 ///
 /// A drag ends as by its release when the field is disabled or hidden, or when one of the properties goes.
 ///
@@ -47,7 +49,7 @@ public:
     RyNumberField *numberField() const { return m_field; }
     /// May be put into a layout outside; it is enabled with this.
     RyScrubLabel *label() const { return m_label; }
-    QSlider *slider() const { return m_slider; }
+    QSlider *slider() const;
 
 signals:
     /// Around each edit, within its step: what listeners write becomes part of the step. Finished without a change: the
@@ -67,6 +69,12 @@ protected:
 
 private:
     void applyValue(double value);
+    /// Runs `write` as one edit: a step named `caption` when it changed something, nothing otherwise.
+    void edit(const QString &caption, const std::function<void()> &write);
+    void stepSlider(double steps);
+    void restoreDefault();
+    /// The first click of a double click may have moved the slider.
+    void takeBackClick();
     void writeAll(float value);
     void beginDrag();
     void dragTo(double value);
@@ -86,7 +94,8 @@ private:
 
     std::vector<QPointer<RyFloatProperty>> m_properties;
     RyScrubLabel *m_label;
-    QSlider *m_slider;
+    RyValueSlider *m_slider;
+    int m_indexAtPress = -1; // of the undo stack
     RyNumberField *m_field;
     std::unique_ptr<RyUndoStackHold> m_dragHold;
     double m_dragStart = 0.0; // of the first property

@@ -71,6 +71,13 @@ void RyScrubLabel::mouseReleaseEvent(QMouseEvent *event)
         finish(false);
 }
 
+void RyScrubLabel::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    // Its second press is none: a hand that shakes would scrub what was just restored.
+    if (event->button() == Qt::LeftButton && isEnabled())
+        emit doubleClicked();
+}
+
 void RyScrubLabel::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape && m_scrubbing)

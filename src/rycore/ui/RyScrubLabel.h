@@ -18,11 +18,13 @@ signals:
     /// Pixels since the press, weighed by the modifiers.
     void scrubbed(double pixels);
     void scrubFinished(bool cancelled);
+    void doubleClicked();
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 

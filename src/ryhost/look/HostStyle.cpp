@@ -2,6 +2,11 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <QVariant>
+#include <QWidget>
+
+#include <algorithm>
+#include <cstdlib>
 
 HostStyle::HostStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
@@ -27,4 +32,44 @@ void HostStyle::drawControl(ControlElement element, const QStyleOption *option, 
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(option->rect.adjusted(1, 1, -2, -2));
     painter->restore();
+}
+
+void HostStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                                   const QWidget *widget) const
+{
+    const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
+    const QVariant zero = widget ? widget->property("zeroPlace") : QVariant();
+    if (control == CC_Slider && slider && zero.isValid() && slider->orientation == Qt::Horizontal)
+        drawSlider(*slider, zero.toInt(), painter, widget);
+    else
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+void HostStyle::drawSlider(const QStyleOptionSlider &slider, int zeroPlace, QPainter *painter,
+                           const QWidget *widget) const
+{
+    // Fusion fills a groove from its beginning to the handle: one whose handle is at the beginning stays empty.
+    QStyleOptionSlider groove = slider;
+    groove.subControls = SC_SliderGroove;
+    groove.sliderPosition = groove.sliderValue = slider.minimum;
+    QProxyStyle::drawComplexControl(CC_Slider, &groove, painter, widget);
+
+    const auto middleAt = [&](int place) {
+        QStyleOptionSlider at = slider;
+        at.sliderPosition = at.sliderValue = place;
+        return subControlRect(CC_Slider, &at, SC_SliderHandle, widget).center().x();
+    };
+    const int zero = middleAt(std::min(std::max(zeroPlace, slider.minimum), slider.maximum));
+    const int here = middleAt(slider.sliderPosition);
+    if (zero != here) {
+        constexpr int Height = 4;
+        const QRect whole = subControlRect(CC_Slider, &slider, SC_SliderGroove, widget);
+        painter->fillRect(QRect(QPoint(std::min(zero, here), whole.center().y() - Height / 2 + 1),
+                                QSize(std::abs(here - zero), Height)),
+                          slider.palette.brush(QPalette::Highlight));
+    }
+
+    QStyleOptionSlider rest = slider;
+    rest.subControls &= ~SC_SliderGroove;
+    QProxyStyle::drawComplexControl(CC_Slider, &rest, painter, widget);
 }

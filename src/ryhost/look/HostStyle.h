@@ -2,7 +2,10 @@
 
 #include <QProxyStyle>
 
-/// Fusion with menus whose grey entries can be pointed at too, so that they can say why they are grey.
+class QStyleOptionSlider;
+
+/// Fusion with menus whose grey entries can be pointed at too, so that they can say why they are grey, and with sliders
+/// that are filled from zero on where they know their zero (`zeroPlace`).
 class HostStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -13,4 +16,9 @@ public:
                   QStyleHintReturn *returned) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
+                            const QWidget *widget) const override;
+
+private:
+    void drawSlider(const QStyleOptionSlider &slider, int zeroPlace, QPainter *painter, const QWidget *widget) const;
 };

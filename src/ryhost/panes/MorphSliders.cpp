@@ -69,7 +69,7 @@ RyFloatPropertyWgt *MorphSliders::row(size_t index)
     while (m_rows.size() <= index) {
         auto *widget = new RyFloatPropertyWgt(this);
         widget->setSliderRange(0, 1);
-        widget->setStep(0.1f);
+        widget->setStep(0.01f);
         connect(widget, &RyFloatPropertyWgt::messagePosted, this, &MorphSliders::messagePosted);
         m_column->addWidget(widget);
         m_rows.push_back(widget);

@@ -35,10 +35,10 @@ const Row Rows[] = {
      " cm"},
     {&RyNode::getZTransControl, "PoseZTranslate", QT_TRANSLATE_NOOP("ParametersPane", "Z Translate"), -100, 100, 1,
      " cm"},
-    {&RyNode::getScaleControl, "PoseScale", QT_TRANSLATE_NOOP("ParametersPane", "Scale"), 0, 2, 0.1f, ""},
-    {&RyNode::getXScaleControl, "PoseXScale", QT_TRANSLATE_NOOP("ParametersPane", "X Scale"), 0, 2, 0.1f, ""},
-    {&RyNode::getYScaleControl, "PoseYScale", QT_TRANSLATE_NOOP("ParametersPane", "Y Scale"), 0, 2, 0.1f, ""},
-    {&RyNode::getZScaleControl, "PoseZScale", QT_TRANSLATE_NOOP("ParametersPane", "Z Scale"), 0, 2, 0.1f, ""},
+    {&RyNode::getScaleControl, "PoseScale", QT_TRANSLATE_NOOP("ParametersPane", "Scale"), 0, 2, 0.01f, ""},
+    {&RyNode::getXScaleControl, "PoseXScale", QT_TRANSLATE_NOOP("ParametersPane", "X Scale"), 0, 2, 0.01f, ""},
+    {&RyNode::getYScaleControl, "PoseYScale", QT_TRANSLATE_NOOP("ParametersPane", "Y Scale"), 0, 2, 0.01f, ""},
+    {&RyNode::getZScaleControl, "PoseZScale", QT_TRANSLATE_NOOP("ParametersPane", "Z Scale"), 0, 2, 0.01f, ""},
 };
 
 } // namespace
