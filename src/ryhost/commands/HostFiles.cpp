@@ -1,39 +1,37 @@
 #include "ryhost/commands/HostFiles.h"
 
 #include "rycore/app/RyApp.h"
-#include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
+#include "ryhost/commands/RecentFiles.h"
+#include "ryhost/commands/writeScene.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QProgressDialog>
-#include <QStandardPaths>
+#include <QPushButton>
 
-#include <memory>
+#include <algorithm>
 
 namespace {
 
-constexpr int MostRecentFiles = 10;
-const char *const SettingsGroup = "Files";
-const char *const RecentKey = "Recent";
+const char *const DefaultEnding = "glb";
 
-QString filterOf(const QStringList &endings, const QString &title)
+bool isWritable(const QString &path)
 {
-    QStringList patterns;
-    for (const QString &ending : endings)
-        patterns.append(QStringLiteral("*.") + ending);
-    return QStringLiteral("%1 (%2)").arg(title, patterns.join(QLatin1Char(' ')));
+    return RySceneFile::writableEndings().contains(QFileInfo(path).suffix().toLower());
 }
 
 } // namespace
 
-HostFiles::HostFiles(RyScene *scene, QWidget *window) : QObject(window), m_scene(scene), m_window(window) {}
+HostFiles::HostFiles(RyScene *scene, QWidget *window)
+    : QObject(window), m_scene(scene), m_window(window), m_recent(new RecentFiles(this)), m_dialogs(window, m_recent)
+{
+    connect(scene, &RyScene::originChanged, this, &HostFiles::titleChanged);
+    connect(m_recent, &RecentFiles::changed, this, &HostFiles::titleChanged);
+}
 
 QString HostFiles::description() const
 {
@@ -43,29 +41,31 @@ QString HostFiles::description() const
     return tr("1 file unit = %1 cm").arg(origin->unitFactor(), 0, 'g', 6);
 }
 
+QString HostFiles::title() const
+{
+    const QString name = m_path.isEmpty() ? tr("Untitled")
+                         : m_isSample     ? QFileInfo(m_path).fileName()
+                                          : m_recent->labelOf(m_path);
+    const int merged = mergedFiles();
+    if (merged == 0)
+        return name;
+    return merged == 1 ? tr("%1 + 1 file").arg(name) : tr("%1 + %n files", nullptr, merged).arg(name);
+}
+
+int HostFiles::mergedFiles() const
+{
+    if (!m_scene)
+        return 0;
+    const RyScene::Origins &origins = m_scene->getOrigins();
+    return int(std::count_if(origins.begin(), origins.end(), [this](const std::shared_ptr<RySceneOrigin> &origin) {
+        return std::none_of(m_ownOrigins.begin(), m_ownOrigins.end(),
+                            [&origin](const auto &own) { return own.lock() == origin; });
+    }));
+}
+
 QStringList HostFiles::recentFiles() const
 {
-    return RyAppSettings(QString::fromLatin1(SettingsGroup))
-        .getStringValue(QString::fromLatin1(RecentKey), QString())
-        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
-
-void HostFiles::remember(const QString &path)
-{
-    QStringList files = recentFiles();
-    files.removeAll(path);
-    files.prepend(path);
-    while (files.size() > MostRecentFiles)
-        files.removeLast();
-    RyAppSettings(QString::fromLatin1(SettingsGroup))
-        .setStringValue(QString::fromLatin1(RecentKey), files.join(QLatin1Char('\n')));
-    emit recentChanged();
-}
-
-void HostFiles::clearRecent()
-{
-    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringValue(QString::fromLatin1(RecentKey), QString());
-    emit recentChanged();
+    return m_recent->paths();
 }
 
 bool HostFiles::isReadable(const QString &path)
@@ -73,19 +73,31 @@ bool HostFiles::isReadable(const QString &path)
     return RySceneFile::readableEndings().contains(QFileInfo(path).suffix().toLower());
 }
 
-QString HostFiles::folder() const
+QString HostFiles::unsavedChanges() const
 {
-    if (!m_path.isEmpty() && !m_isSample)
-        return QFileInfo(m_path).absolutePath();
-    const QStringList recent = recentFiles();
-    return recent.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)
-                            : QFileInfo(recent.first()).absolutePath();
+    return ryUndoStack() ? unsavedChangesText(*ryUndoStack(), m_savedState) : QString();
 }
 
-void HostFiles::setPath(const QString &path)
+std::pair<QDateTime, qint64> HostFiles::stampOf(const QString &path)
+{
+    const QFileInfo info(path);
+    return {info.lastModified(), info.size()};
+}
+
+void HostFiles::setFile(const QString &path, const SavedState &state, bool isSample)
 {
     m_path = path;
+    m_savedState = state;
+    m_isSample = isSample;
+    m_stamp = stampOf(path);
+    const RyScene::Origins &origins = m_scene->getOrigins();
+    m_ownOrigins.assign(origins.begin(), origins.end());
+    if (!ownPath().isEmpty()) {
+        m_recent->add(path);
+        m_dialogs.rememberFolderOf(path);
+    }
     emit pathChanged();
+    emit titleChanged();
 }
 
 bool HostFiles::load(const QString &path, bool merge)
@@ -146,10 +158,7 @@ bool HostFiles::open(const QString &path, bool isSample)
     if (!load(path, false))
         return false;
     setSavesJointsOnly(false);
-    m_isSample = isSample;
-    setPath(path);
-    if (!isSample)
-        remember(path);
+    setFile(path, SavedState::now(SavedState::Opened), isSample);
     emit opened();
     return true;
 }
@@ -164,6 +173,11 @@ bool HostFiles::openSample()
     return open(RyApp::getHomePath() + QStringLiteral("/samples/mannequin.glb"), true);
 }
 
+bool HostFiles::openSampleAsking()
+{
+    return confirmDiscard() && openSample();
+}
+
 bool HostFiles::openPathAsking(const QString &path)
 {
     return confirmDiscard() && openPath(path);
@@ -176,52 +190,146 @@ bool HostFiles::mergePath(const QString &path)
     const RyRestoreSpan span(RyRestoreSpan::Scope::Command, tr("Merge %1").arg(QFileInfo(path).fileName()));
     if (!load(absolute, true))
         return false;
+    m_dialogs.rememberFolderOf(absolute);
     emit opened();
+    return true;
+}
+
+bool HostFiles::newScene()
+{
+    if (!confirmDiscard())
+        return false;
+    RySceneFile::close(m_scene);
+    setSavesJointsOnly(false);
+    noteMessages(QString(), {});
+    setFile(QString(), SavedState::now(SavedState::Started), false);
+    emit messagePosted(tr("An empty scene. File > Merge adds files to it, File > Open replaces it."));
+    return true;
+}
+
+QString HostFiles::whyNotClosed() const
+{
+    return m_path.isEmpty() && m_scene->getNodes().empty() ? tr("No file is open.") : QString();
+}
+
+bool HostFiles::closeFile()
+{
+    const QString name = title();
+    if (!newScene())
+        return false;
+    emit messagePosted(tr("Closed %1. The scene is empty.").arg(name));
+    return true;
+}
+
+QString HostFiles::whyNotReverted() const
+{
+    if (m_path.isEmpty())
+        return tr("There is no file to go back to: the scene was neither opened nor saved.");
+    const QString name = QFileInfo(m_path).fileName();
+    if (!QFileInfo::exists(m_path))
+        return tr("%1 is not there any more.").arg(QDir::toNativeSeparators(m_path));
+    if (ryUndoStack()->isClean() && stampOf(m_path) == m_stamp)
+        return tr("Nothing has changed: the scene is as %1 is on the disk.").arg(name);
+    return {};
+}
+
+bool HostFiles::revert()
+{
+    const QString reason = whyNotReverted();
+    if (!reason.isEmpty()) {
+        emit messagePosted(reason);
+        return false;
+    }
+    QStringList lost;
+    if (!ryUndoStack()->isClean())
+        lost.append(tr("This is lost, and undo does not bring it back:\n%1").arg(unsavedChanges()));
+    if (const int merged = mergedFiles(); merged > 0)
+        lost.append(merged == 1 ? tr("What was merged from another file goes too.")
+                                : tr("What was merged from %n other files goes too.", nullptr, merged));
+    if (stampOf(m_path) != m_stamp)
+        lost.append(tr("The file on the disk is another one by now: another program has written it."));
+    QMessageBox box(QMessageBox::Question, tr("Revert"),
+                    tr("Open %1 again as it is on the disk?").arg(QFileInfo(m_path).fileName()), QMessageBox::Cancel,
+                    m_window);
+    box.setObjectName(QStringLiteral("RevertBox"));
+    box.setInformativeText(lost.join(QStringLiteral("\n\n")));
+    const QPushButton *revert = box.addButton(tr("Revert"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() != revert || !open(m_path, m_isSample))
+        return false;
+    emit messagePosted(tr("%1 is as it is on the disk.").arg(QFileInfo(m_path).fileName()));
     return true;
 }
 
 bool HostFiles::savePath(const QString &path)
 {
-    QString error;
-    QStringList messages, losses;
     RySceneFile::SaveOptions options;
     options.jointsOnly = m_jointsOnly;
-    std::unique_ptr<QProgressDialog> progress; // shown only where it takes long
-    options.progress = [this, &progress](const QString &figure, double done) {
-        if (!progress) {
-            progress = std::make_unique<QProgressDialog>(QString(), tr("Write Plain Weights"), 0, 1000, m_window);
-            progress->setObjectName(QStringLiteral("FitProgress"));
-            progress->setWindowModality(Qt::WindowModal);
-            progress->setMinimumDuration(1000);
-        }
-        progress->setLabelText(tr("Fitting weights to the joints of %1").arg(figure));
-        progress->setValue(int(1000 * done));
-        return !progress->wasCanceled();
-    };
-    RyApp::startBusyCursor();
-    const bool done = RySceneFile::save(m_scene, path, options, &error, &messages, &losses);
-    RyApp::endBusyCursor();
-    for (const QString &message : messages)
-        RyMessageLog::global().info(message);
-    if (!done) {
-        RyMessageLog::global().warning(error);
-        QMessageBox::warning(m_window, tr("Not Saved"), tr("%1\n\nThe file on disk is as it was before.").arg(error));
+    const WrittenScene written = writeScene(m_scene, m_window, path, options);
+    if (!written.done)
         return false;
-    }
-    m_isSample = false;
-    setPath(QFileInfo(path).absoluteFilePath());
-    remember(m_path);
-    if (!losses.isEmpty()) {
-        for (const QString &loss : qAsConst(losses))
-            RyMessageLog::global().warning(loss);
-        QMessageBox::warning(m_window, tr("Not All Saved"),
-                             tr("%1 was written without the following, and the scene still counts as unsaved:\n\n%2")
-                                 .arg(QFileInfo(m_path).fileName(), losses.join(QLatin1Char('\n'))));
-    }
-    noteMessages(m_path, messages);
-    emit messagePosted(messages.isEmpty() ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
-                                          : shortOf(tr("Saved %1").arg(QFileInfo(m_path).fileName()), messages));
+    // With losses the scene goes on counting from what it counted from.
+    setFile(QFileInfo(path).absoluteFilePath(),
+            written.losses.isEmpty() ? SavedState::now(SavedState::Saved) : m_savedState, false);
+    tellLosses(path, written.losses, true);
+    noteMessages(m_path, written.messages);
+    emit messagePosted(written.messages.isEmpty()
+                           ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
+                           : shortOf(tr("Saved %1").arg(QFileInfo(m_path).fileName()), written.messages));
     return true;
+}
+
+void HostFiles::tellLosses(const QString &path, const QStringList &losses, bool isSave)
+{
+    if (losses.isEmpty())
+        return;
+    const QString name = QFileInfo(path).fileName();
+    const QString text = isSave
+                             ? tr("%1 was written without the following, and the scene still counts as unsaved:\n\n%2")
+                             : tr("%1 was written without the following:\n\n%2");
+    QMessageBox::warning(m_window, tr("Not All Saved"), text.arg(name, losses.join(QLatin1Char('\n'))));
+}
+
+bool HostFiles::refuseOwnFile(const QString &path, const QString &title)
+{
+    if (m_path.isEmpty() || !QFileInfo::exists(path) || QFileInfo(path) != QFileInfo(m_path))
+        return false;
+    QMessageBox::warning(m_window, title,
+                         tr("%1 is the file that is open. Choose another name; File > Save writes the file itself.")
+                             .arg(QFileInfo(path).fileName()));
+    return true;
+}
+
+bool HostFiles::writeAside(const QString &path, bool isExport)
+{
+    RySceneFile::SaveOptions options;
+    options.jointsOnly = m_jointsOnly;
+    options.purpose = isExport ? RySceneFile::Export : RySceneFile::Copy;
+    const WrittenScene written = writeScene(m_scene, m_window, path, options);
+    if (!written.done)
+        return false;
+    m_dialogs.rememberFolderOf(path);
+    tellLosses(path, written.losses, false);
+    QStringList notes = written.messages;
+    if (!written.withoutExtras.isEmpty())
+        notes.prepend(
+            tr("Without our extras the file does not hold %1").arg(written.withoutExtras.join(QStringLiteral("; "))));
+    noteMessages(path, notes);
+    const QString name = QFileInfo(path).fileName();
+    const QString done = isExport ? tr("Exported %1") : tr("Saved a copy as %1");
+    emit messagePosted(notes.isEmpty() ? done.arg(QDir::toNativeSeparators(path)) : shortOf(done.arg(name), notes));
+    return true;
+}
+
+bool HostFiles::saveCopyTo(const QString &path)
+{
+    return !refuseOwnFile(path, tr("Save a Copy")) && writeAside(path, false);
+}
+
+bool HostFiles::exportTo(const QString &path)
+{
+    return !refuseOwnFile(path, tr("Export Without Extras")) && writeAside(path, true);
 }
 
 bool HostFiles::confirmDiscard()
@@ -233,7 +341,7 @@ bool HostFiles::confirmDiscard()
         tr("Save the changes to %1 first?").arg(m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName()),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
-    box.setInformativeText(tr("Without saving they are lost."));
+    box.setInformativeText(tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
     case QMessageBox::Save:
@@ -249,34 +357,52 @@ void HostFiles::openWithDialog()
 {
     if (!confirmDiscard())
         return;
-    const QString path = QFileDialog::getOpenFileName(
-        m_window, tr("Open"), folder(), filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    const QString path = m_dialogs.askForOpening(tr("Open"), ownPath());
     if (!path.isEmpty())
         openPath(path);
 }
 
 void HostFiles::mergeWithDialog()
 {
-    const QString path = QFileDialog::getOpenFileName(
-        m_window, tr("Merge"), folder(), filterOf(RySceneFile::readableEndings(), tr("Characters and props")));
+    const QString path = m_dialogs.askForOpening(tr("Merge"), ownPath());
     if (!path.isEmpty())
         mergePath(path);
 }
 
+QString HostFiles::suggestion(const QString &behind) const
+{
+    const QString base = m_path.isEmpty() ? tr("untitled") : QFileInfo(m_path).completeBaseName();
+    return QDir(m_dialogs.folderFor(ownPath()))
+        .filePath(base + behind + QLatin1Char('.') + QLatin1String(DefaultEnding));
+}
+
+QString HostFiles::whyNotSaved() const
+{
+    return m_scene->getNodes().empty() ? tr("The scene is empty: there is nothing to save.") : QString();
+}
+
 bool HostFiles::save()
 {
-    const bool writable = RySceneFile::writableEndings().contains(QFileInfo(m_path).suffix().toLower());
-    return m_path.isEmpty() || m_isSample || !writable ? saveAs() : savePath(m_path);
+    return m_path.isEmpty() || m_isSample || !isWritable(m_path) ? saveAs() : savePath(m_path);
 }
 
 bool HostFiles::saveAs()
 {
-    const QString suggestion = QDir(folder()).filePath(QFileInfo(m_path).completeBaseName() + QStringLiteral(".glb"));
-    QString path = QFileDialog::getSaveFileName(
-        m_window, tr("Save As"), suggestion, filterOf(RySceneFile::writableEndings(), tr("Files that can be written")));
-    if (path.isEmpty())
-        return false;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += QStringLiteral(".glb");
-    return savePath(path);
+    const QString path = m_dialogs.askForWriting(tr("Save As"), suggestion(QString()), RySceneFile::writableEndings());
+    return !path.isEmpty() && savePath(path);
+}
+
+bool HostFiles::saveCopy()
+{
+    const QString path =
+        m_dialogs.askForWriting(tr("Save a Copy"), suggestion(tr(" copy")), RySceneFile::writableEndings());
+    return !path.isEmpty() && saveCopyTo(path);
+}
+
+bool HostFiles::exportWithoutExtras()
+{
+    // An OBJ file has no extras.
+    const QString path = m_dialogs.askForWriting(tr("Export Without Extras"), suggestion(tr(" export")),
+                                                 {QStringLiteral("glb"), QStringLiteral("gltf")});
+    return !path.isEmpty() && exportTo(path);
 }

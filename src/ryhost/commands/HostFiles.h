@@ -1,13 +1,22 @@
 #pragma once
 
+#include "ryhost/commands/FileDialogs.h"
+#include "ryhost/commands/unsavedChanges.h"
+
+#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
 
-class QWidget;
-class RyScene;
+#include <memory>
+#include <vector>
 
-/// Opens and saves the scene for the window: dialogs, recent files, the question about unsaved changes, and messages
+class QWidget;
+class RecentFiles;
+class RyScene;
+class RySceneOrigin;
+
+/// Opens, saves and leaves the scene for the window: which file it is, questions about unsaved changes, and messages
 /// that name the file and the reason.
 class HostFiles : public QObject
 {
@@ -17,8 +26,12 @@ public:
 
     /// Path of the file on screen; empty for a scene without one.
     const QString &path() const { return m_path; }
+    /// The file's name, with as much of its path as tells it from other recent ones, and how many files were merged
+    /// into it since.
+    QString title() const;
     /// Where the scene came from and how large its units are, for people.
     QString description() const;
+    RecentFiles *recent() const { return m_recent; }
     QStringList recentFiles() const;
 
     /// Replaces the scene without asking; false with a message on the screen when the file is refused.
@@ -29,6 +42,10 @@ public:
     bool openPathAsking(const QString &path);
     bool mergePath(const QString &path);
     bool savePath(const QString &path);
+    /// Title, unsaved changes and undo history stay as they are. False with a message for the file that is open.
+    bool saveCopyTo(const QString &path);
+    /// Likewise, for other programs: nothing of ours in the extras. What that leaves out is said.
+    bool exportTo(const QString &path);
     /// False when the user would rather stay.
     bool confirmDiscard();
     static bool isReadable(const QString &path);
@@ -37,19 +54,35 @@ public:
     void setSavesJointsOnly(bool onOff);
     /// What there was to say about the file that was opened, merged or saved last.
     const QStringList &notes() const { return m_notes; }
+    /// What differs from the file, with since when; empty when nothing does.
+    QString unsavedChanges() const;
+    const SavedState &savedState() const { return m_savedState; }
+
+    // Why something cannot be done now, for the entry that would do it; empty when it can.
+    QString whyNotSaved() const;
+    QString whyNotClosed() const;
+    QString whyNotReverted() const;
 
 public slots:
+    /// An empty scene, once unsaved changes were asked about.
+    bool newScene();
+    bool closeFile();
+    /// Opens the file again, once it was said what is lost.
+    bool revert();
+    bool openSampleAsking();
     void openWithDialog();
     void mergeWithDialog();
     bool save();
     bool saveAs();
-    void clearRecent();
+    bool saveCopy();
+    bool exportWithoutExtras();
     /// All notes in a box.
     void showNotes();
 
 signals:
     void pathChanged();
-    void recentChanged();
+    /// The title, or what unsaved changes are counted from.
+    void titleChanged();
     void savesJointsOnlyChanged(bool onOff);
     void notesChanged();
     void opened();
@@ -58,17 +91,29 @@ signals:
 private:
     bool open(const QString &path, bool isSample);
     bool load(const QString &path, bool merge);
-    void setPath(const QString &path);
+    /// The scene is that of this file now, as it is on the disk.
+    void setFile(const QString &path, const SavedState &state, bool isSample);
+    bool writeAside(const QString &path, bool isExport);
+    bool refuseOwnFile(const QString &path, const QString &title);
+    void tellLosses(const QString &path, const QStringList &losses, bool isSave);
     static QString shortOf(const QString &what, const QStringList &notes);
     void noteMessages(const QString &path, const QStringList &notes);
-    void remember(const QString &path);
-    QString folder() const;
+    int mergedFiles() const;
+    /// In the folder of the file: a name of its own, with what is put behind it.
+    QString suggestion(const QString &behind) const;
+    QString ownPath() const { return m_isSample ? QString() : m_path; }
+    static std::pair<QDateTime, qint64> stampOf(const QString &path);
 
     QPointer<RyScene> m_scene;
     QWidget *m_window;
+    RecentFiles *m_recent;
+    FileDialogs m_dialogs;
     QString m_path;
     QStringList m_notes;
     QString m_notedFile;
+    SavedState m_savedState = SavedState::now(SavedState::Started);
+    std::vector<std::weak_ptr<RySceneOrigin>> m_ownOrigins; // what the scene came from when it was opened or saved
+    std::pair<QDateTime, qint64> m_stamp;                   // of the file then
     bool m_isSample = false;
     bool m_jointsOnly = false;
 };

@@ -1,7 +1,10 @@
 #include "ryhost/menus/FileMenu.h"
 
 #include "rycore/app/RyMainWindow.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStack.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/RecentFiles.h"
 #include "ryhost/commands/menuEntries.h"
 #include "ryhost/commands/menuText.h"
 
@@ -10,42 +13,93 @@
 #include <QMenu>
 #include <QMenuBar>
 
-FileMenu::FileMenu(RyMainWindow *window, HostFiles *files, QObject *parent) : QObject(parent), m_files(files)
+FileMenu::FileMenu(RyMainWindow *window, HostFiles *files, QObject *parent)
+    : QObject(parent), m_files(files), m_menu(window->menuBar()->addMenu(tr("&File")))
 {
-    QMenu *menu = window->menuBar()->addMenu(tr("&File"));
-    menu->setObjectName(QStringLiteral("FileMenu"));
-    connect(addMenuEntry(menu, "FileOpen", tr("&Open..."), tr("Open a character or a prop in place of this scene"),
-                         QKeySequence::Open, "open"),
-            &QAction::triggered, files, &HostFiles::openWithDialog);
-    m_recent = menu->addMenu(tr("Open &Recent"));
-    m_recent->setObjectName(QStringLiteral("RecentMenu"));
-    connect(m_recent, &QMenu::aboutToShow, this, &FileMenu::fillRecent);
-    connect(files, &HostFiles::recentChanged, this, &FileMenu::fillRecent);
-    fillRecent();
-    connect(addMenuEntry(menu, "FileMerge", tr("&Merge..."), tr("Add the contents of another file to this scene")),
-            &QAction::triggered, files, &HostFiles::mergeWithDialog);
-    menu->addSeparator();
-    connect(
-        addMenuEntry(menu, "FileSave", tr("&Save"), tr("Save to the file that was opened"), QKeySequence::Save, "save"),
-        &QAction::triggered, files, [files] { files->save(); });
-    connect(addMenuEntry(menu, "FileSaveAs", tr("Save &As..."), tr("Save to another file"),
-                         QKeySequence(QStringLiteral("Ctrl+Shift+S"))),
-            &QAction::triggered, files, [files] { files->saveAs(); });
-    QAction *jointsOnly =
-        addMenuEntry(menu, "FileJointsOnly", tr("Save &Joints Only"),
-                     tr("Leave clips as they are when saving; otherwise they are re-expressed for edited joints"));
-    jointsOnly->setCheckable(true);
-    connect(jointsOnly, &QAction::toggled, files, &HostFiles::setSavesJointsOnly);
-    connect(files, &HostFiles::savesJointsOnlyChanged, jointsOnly, &QAction::setChecked);
-    menu->addSeparator();
-    m_notes = addMenuEntry(menu, "FileNotes", tr("&Notes..."), QString());
+    m_menu->setObjectName(QStringLiteral("FileMenu"));
+    addOpening();
+    m_menu->addSeparator();
+    addSaving();
+    m_menu->addSeparator();
+    m_notes = addMenuEntry(m_menu, "FileNotes", tr("&Notes..."), QString());
     connect(m_notes, &QAction::triggered, files, &HostFiles::showNotes);
     connect(files, &HostFiles::notesChanged, this, &FileMenu::updateNotes);
     updateNotes();
-    menu->addSeparator();
-    connect(addMenuEntry(menu, "FileQuit", tr("&Quit"), tr("Close the window; unsaved changes are asked about"),
+    m_menu->addSeparator();
+    m_close = addMenuEntry(m_menu, "FileClose", tr("C&lose"), QString());
+    connect(m_close, &QAction::triggered, files, &HostFiles::closeFile);
+    connect(addMenuEntry(m_menu, "FileQuit", tr("&Quit"), tr("Close the window; unsaved changes are asked about"),
                          QKeySequence(QStringLiteral("Ctrl+Q"))),
             &QAction::triggered, window, &QWidget::close);
+    // Another program may have written the file, which nothing here hears of.
+    connect(m_menu, &QMenu::aboutToShow, this, &FileMenu::updateEntries);
+    connect(files, &HostFiles::titleChanged, this, &FileMenu::updateEntries);
+    connect(ryUndoStack(), &RyUndoStack::cleanChanged, this, &FileMenu::updateEntries);
+    connect(window->getScene(), &RyScene::nodeListChanged, this, [this, window] {
+        // Scenes announce every node; what can be saved differs with the first and the last one alone.
+        if (m_save->isEnabled() == window->getScene()->getNodes().empty())
+            updateEntries();
+    });
+    updateEntries();
+}
+
+void FileMenu::addOpening()
+{
+    connect(addMenuEntry(m_menu, "FileNew", tr("Ne&w"),
+                         tr("Start with an empty scene; unsaved changes are asked about"), QKeySequence::New),
+            &QAction::triggered, m_files, &HostFiles::newScene);
+    connect(addMenuEntry(m_menu, "FileOpen", tr("&Open..."), tr("Open a character or a prop in place of this scene"),
+                         QKeySequence::Open, "open"),
+            &QAction::triggered, m_files, &HostFiles::openWithDialog);
+    m_recent = m_menu->addMenu(tr("Open &Recent"));
+    m_recent->setObjectName(QStringLiteral("RecentMenu"));
+    m_recent->setToolTipsVisible(true);
+    connect(m_recent, &QMenu::aboutToShow, this, &FileMenu::fillRecent);
+    connect(m_files->recent(), &RecentFiles::changed, this, &FileMenu::fillRecent);
+    fillRecent();
+    connect(addMenuEntry(m_menu, "FileOpenSample", tr("Open Sample &Figure"),
+                         tr("Open the figure that comes with the program in place of this scene")),
+            &QAction::triggered, m_files, &HostFiles::openSampleAsking);
+    connect(addMenuEntry(m_menu, "FileMerge", tr("&Merge..."), tr("Add the contents of another file to this scene")),
+            &QAction::triggered, m_files, &HostFiles::mergeWithDialog);
+    m_revert = addMenuEntry(m_menu, "FileRevert", tr("Rever&t..."), QString());
+    connect(m_revert, &QAction::triggered, m_files, &HostFiles::revert);
+}
+
+void FileMenu::addSaving()
+{
+    m_save = addMenuEntry(m_menu, "FileSave", tr("&Save"), QString(), QKeySequence::Save, "save");
+    connect(m_save, &QAction::triggered, m_files, &HostFiles::save);
+    m_saveAs =
+        addMenuEntry(m_menu, "FileSaveAs", tr("Save &As..."), QString(), QKeySequence(QStringLiteral("Ctrl+Shift+S")));
+    connect(m_saveAs, &QAction::triggered, m_files, &HostFiles::saveAs);
+    m_saveCopy = addMenuEntry(m_menu, "FileSaveCopy", tr("Save a &Copy..."), QString());
+    connect(m_saveCopy, &QAction::triggered, m_files, &HostFiles::saveCopy);
+    m_export = addMenuEntry(m_menu, "FileExport", tr("&Export Without Extras..."), QString());
+    connect(m_export, &QAction::triggered, m_files, &HostFiles::exportWithoutExtras);
+    QAction *jointsOnly =
+        addMenuEntry(m_menu, "FileJointsOnly", tr("Save &Joints Only"),
+                     tr("Leave clips as they are when saving; otherwise they are re-expressed for edited joints"));
+    jointsOnly->setCheckable(true);
+    connect(jointsOnly, &QAction::toggled, m_files, &HostFiles::setSavesJointsOnly);
+    connect(m_files, &HostFiles::savesJointsOnlyChanged, jointsOnly, &QAction::setChecked);
+}
+
+void FileMenu::updateEntries()
+{
+    const auto update = [](QAction *action, const QString &reason, const QString &tip) {
+        setMenuEntryAvailable(action, reason.isEmpty(), reason, tip);
+    };
+    const QString notSaved = m_files->whyNotSaved();
+    update(m_save, notSaved, tr("Save to the file that was opened"));
+    update(m_saveAs, notSaved, tr("Save to another file, and go on with that"));
+    update(m_saveCopy, notSaved, tr("Save to another file, and go on with this one"));
+    update(
+        m_export, notSaved,
+        tr("Write a glTF file for other programs that says nothing beyond the format; what that leaves out is told"));
+    update(m_revert, m_files->whyNotReverted(),
+           tr("Open the file again as it is on the disk; says what is lost first"));
+    update(m_close, m_files->whyNotClosed(), tr("Leave the file for an empty scene; unsaved changes are asked about"));
 }
 
 void FileMenu::updateNotes()
@@ -59,8 +113,10 @@ void FileMenu::fillRecent()
 {
     m_recent->clear();
     const QStringList files = m_files->recentFiles();
-    for (const QString &path : files) {
-        QAction *action = m_recent->addAction(menuTextOf(QFileInfo(path).fileName()));
+    const QStringList labels = RecentFiles::labelsOf(files);
+    for (int i = 0; i < files.size(); ++i) {
+        const QString path = files[i];
+        QAction *action = m_recent->addAction(menuTextOf(labels[i]));
         setMenuEntryAvailable(action, QFileInfo::exists(path),
                               tr("%1 is not there any more.").arg(QDir::toNativeSeparators(path)),
                               QDir::toNativeSeparators(path));
@@ -75,5 +131,5 @@ void FileMenu::fillRecent()
     m_recent->addSeparator();
     QAction *clear = m_recent->addAction(tr("Clear List"));
     clear->setStatusTip(tr("Forget which files have been opened; the files stay"));
-    connect(clear, &QAction::triggered, m_files, &HostFiles::clearRecent, Qt::QueuedConnection);
+    connect(clear, &QAction::triggered, m_files->recent(), &RecentFiles::clear, Qt::QueuedConnection);
 }

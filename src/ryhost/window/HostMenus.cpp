@@ -28,10 +28,16 @@ constexpr struct
     const char *command;
     const char *words;
 } searchWords[] = {
+    {"FileNew", QT_TRANSLATE_NOOP("HostMenus", "empty blank clear scene")},
     {"FileOpen", QT_TRANSLATE_NOOP("HostMenus", "import load")},
     {"FileMerge", QT_TRANSLATE_NOOP("HostMenus", "import append add")},
-    {"FileSaveAs", QT_TRANSLATE_NOOP("HostMenus", "export copy")},
-    {"FileQuit", QT_TRANSLATE_NOOP("HostMenus", "exit close leave")},
+    {"FileOpenSample", QT_TRANSLATE_NOOP("HostMenus", "mannequin example demo")},
+    {"FileRevert", QT_TRANSLATE_NOOP("HostMenus", "reload reopen discard reset")},
+    {"FileSaveAs", QT_TRANSLATE_NOOP("HostMenus", "export rename")},
+    {"FileSaveCopy", QT_TRANSLATE_NOOP("HostMenus", "duplicate backup version")},
+    {"FileExport", QT_TRANSLATE_NOOP("HostMenus", "plain bare clean gltf glb strip")},
+    {"FileClose", QT_TRANSLATE_NOOP("HostMenus", "leave empty")},
+    {"FileQuit", QT_TRANSLATE_NOOP("HostMenus", "exit leave")},
     {"EditUndo", QT_TRANSLATE_NOOP("HostMenus", "back revert")},
     {"EditRedo", QT_TRANSLATE_NOOP("HostMenus", "repeat again")},
     {"EditSelectNone", QT_TRANSLATE_NOOP("HostMenus", "deselect unselect clear")},

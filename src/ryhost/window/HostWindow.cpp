@@ -17,9 +17,11 @@
 #include "ryhost/look/HostTheme.h"
 #include "ryhost/look/WheelGuard.h"
 #include "ryhost/panes/ClipPane.h"
+#include "ryhost/panes/HistoryPane.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/panes/ToolSettingsPane.h"
+#include "ryhost/panes/UnsavedButton.h"
 #include "ryhost/start/HostPlugins.h"
 #include "ryhost/window/HostMenus.h"
 #include "ryhost/window/ToolStrip.h"
@@ -28,11 +30,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTreeView>
 #include <QUrl>
 
 namespace {
@@ -74,7 +76,8 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
             connect(tool, &RyViewTool::statusTextChanged, this, &HostWindow::updateStatus, Qt::UniqueConnection);
         updateStatus();
     });
-    connect(m_files, &HostFiles::pathChanged, this, &HostWindow::updateTitle);
+    connect(m_files, &HostFiles::titleChanged, this, &HostWindow::updateTitle);
+    connect(m_files, &HostFiles::pathChanged, this, &HostWindow::updateStatus);
     connect(m_files, &HostFiles::opened, this, &HostWindow::fileOpened);
     connect(m_files, &HostFiles::messagePosted, this, &HostWindow::showMessage);
     connect(ryUndoStack(), &RyUndoStack::cleanChanged, this, &HostWindow::updateTitle);
@@ -134,7 +137,12 @@ void HostWindow::makePanes()
         addDock(tr("Parameters"), QStringLiteral("ParametersDock"), m_parametersPane, Qt::LeftDockWidgetArea);
     QDockWidget *settings =
         addDock(tr("Tool Settings"), QStringLiteral("ToolSettingsDock"), m_toolSettingsPane, Qt::RightDockWidgetArea);
+    m_historyPane = new HistoryPane(m_files);
+    connect(m_historyPane, &HistoryPane::messagePosted, this, &HostWindow::showMessage);
+    QDockWidget *history = addDock(tr("History"), QStringLiteral("HistoryDock"), m_historyPane, Qt::LeftDockWidgetArea);
     splitDockWidget(scene, parameters, Qt::Vertical);
+    tabifyDockWidget(scene, history);
+    history->hide();
     resizeDocks({scene, parameters}, {430, 330}, Qt::Vertical);
     resizeDocks({scene, settings}, {300, 350}, Qt::Horizontal);
     m_toolStrip = new ToolStrip(getViewportMgr(), this);
@@ -154,14 +162,16 @@ void HostWindow::makeStatusBar()
     m_undoStatus->setContentsMargins(12, 0, 12, 0);
     m_unitStatus->setContentsMargins(0, 0, 8, 0);
     statusBar()->addWidget(m_status, 1);
+    auto *unsaved = new UnsavedButton(m_files, this);
+    connect(unsaved, &QToolButton::clicked, this, &HostWindow::showHistory);
+    statusBar()->addPermanentWidget(unsaved);
     statusBar()->addPermanentWidget(m_undoStatus);
     statusBar()->addPermanentWidget(m_unitStatus);
 }
 
 void HostWindow::updateTitle()
 {
-    const QString name = m_files->path().isEmpty() ? tr("Untitled") : QFileInfo(m_files->path()).fileName();
-    setWindowTitle(tr("%1[*] - ryhost").arg(name));
+    setWindowTitle(tr("%1[*] - ryhost").arg(m_files->title().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))));
     setWindowModified(!ryUndoStack()->isClean());
     m_unitStatus->setText(m_files->description());
 }
@@ -170,7 +180,9 @@ void HostWindow::updateStatus()
 {
     const RyViewTool *tool = getViewportMgr()->getActiveTool();
     QString text = tool ? tool->getStatusText() : QString();
-    if (text.isEmpty() && tool) {
+    if (getScene()->getNodes().empty()) {
+        text = tr("The scene is empty. Open a file, drop one here, or start with File > Open Sample Figure.");
+    } else if (text.isEmpty() && tool) {
         const RyNode *node = getScene()->getPrimarySelection();
         text = !node ? tr("Click a part of the figure, or a name in the scene list, to see its joint and place it.")
                      : tr("%1: drag a handle to change its joint; Alt+drag or middle drag turns the view, the wheel "
@@ -215,6 +227,14 @@ void HostWindow::setWireframe(bool onOff)
     RyRenderOptions options = m_viewport->renderOptions();
     options.wireframe = onOff;
     m_viewport->setRenderOptions(options);
+}
+
+void HostWindow::showHistory()
+{
+    auto *dock = findChild<QDockWidget *>(QStringLiteral("HistoryDock"));
+    dock->show();
+    dock->raise();
+    m_historyPane->list()->setFocus();
 }
 
 void HostWindow::saveLayout()

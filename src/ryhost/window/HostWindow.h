@@ -4,6 +4,7 @@
 
 class ActionSearch;
 class HostFiles;
+class HistoryPane;
 class HostMenus;
 class ParametersPane;
 class QLabel;
@@ -23,6 +24,7 @@ public:
     Ry3DViewport *viewport() const { return m_viewport; }
     HostFiles *files() const { return m_files; }
     ScenePane *scenePane() const { return m_scenePane; }
+    HistoryPane *historyPane() const { return m_historyPane; }
     ToolSettingsPane *toolSettingsPane() const { return m_toolSettingsPane; }
     HostMenus *menus() const { return m_menus; }
     ActionSearch *actionSearch() const { return m_search; }
@@ -36,6 +38,7 @@ public:
 public slots:
     void setDark(bool dark);
     void setWireframe(bool onOff);
+    void showHistory();
     /// Brings docks and toolbars back to their first places.
     void resetLayout();
 
@@ -59,6 +62,7 @@ private:
     ScenePane *m_scenePane = nullptr;
     ParametersPane *m_parametersPane = nullptr;
     ToolSettingsPane *m_toolSettingsPane = nullptr;
+    HistoryPane *m_historyPane = nullptr;
     ToolStrip *m_toolStrip = nullptr;
     HostMenus *m_menus = nullptr;
     ActionSearch *m_search = nullptr;

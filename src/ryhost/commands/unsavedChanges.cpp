@@ -1,0 +1,131 @@
+#include "ryhost/commands/unsavedChanges.h"
+
+#include "rycore/undo/RyUndoHistory.h"
+#include "rycore/undo/RyUndoStack.h"
+
+#include <QCoreApplication>
+#include <QLocale>
+#include <QStringList>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+QString tr(const char *text, int number = -1)
+{
+    return QCoreApplication::translate("UnsavedChanges", text, nullptr, number);
+}
+
+constexpr int MostCaptions = 5;
+
+/// How the present state differs from the saved one.
+struct Difference
+{
+    std::vector<QString> captions; // of the steps done since, or taken back
+    bool areUndone = false;        // taken back
+    bool noWayBack = false;        // no step leads to the saved state
+
+    Difference(const RyUndoHistory &history, const SavedState &saved)
+        : areUndone(history.cleanIndex > history.index), noWayBack(history.cleanIndex < 0)
+    {
+        const int first = noWayBack ? 0 : std::min(history.cleanIndex, history.index);
+        for (int i = first; i < std::max(history.cleanIndex, history.index); ++i) {
+            const RyUndoHistory::Step &step = history.steps[size_t(i)];
+            if (!step.isEmpty && (!noWayBack || step.number > saved.lastStep))
+                captions.push_back(step.caption);
+        }
+    }
+};
+
+Difference differenceOf(const RyUndoStack &stack, const SavedState &saved)
+{
+    return {RyUndoHistory(stack), saved};
+}
+
+QString editsText(int count)
+{
+    return count == 1 ? tr("1 edit") : tr("%n edits", count);
+}
+
+/// "Bend, Move (2 times)": what follows itself is said once, of many the latest.
+QString captionsText(const std::vector<QString> &captions)
+{
+    std::vector<std::pair<QString, int>> runs;
+    for (const QString &caption : captions) {
+        if (runs.empty() || runs.back().first != caption)
+            runs.emplace_back(caption, 0);
+        ++runs.back().second;
+    }
+    QStringList texts;
+    int earlier = 0;
+    for (size_t i = 0; i < runs.size(); ++i) {
+        if (i + MostCaptions < runs.size())
+            earlier += runs[i].second;
+        else
+            texts.append(runs[i].second == 1 ? runs[i].first : tr("%1 (%n times)", runs[i].second).arg(runs[i].first));
+    }
+    if (earlier > 0)
+        texts.prepend(earlier == 1 ? tr("1 earlier") : tr("%n earlier", earlier));
+    return texts.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+QString timeTextOf(const QDateTime &time)
+{
+    const QLocale locale;
+    const QString clock = locale.toString(time.time(), QLocale::ShortFormat);
+    return time.date() == QDate::currentDate()
+               ? clock
+               : tr("%1, %2").arg(locale.toString(time.date(), QLocale::ShortFormat), clock);
+}
+
+SavedState SavedState::now(Kind kind)
+{
+    return {kind, QDateTime::currentDateTime(), ryUndoStack() ? RyUndoHistory(*ryUndoStack()).lastNumber() : 0};
+}
+
+QString SavedState::text() const
+{
+    const QString clock = timeTextOf(time);
+    switch (kind) {
+    case Started:
+        return tr("the empty scene of %1").arg(clock);
+    case Opened:
+        return tr("the opening at %1").arg(clock);
+    case Saved:
+        break;
+    }
+    return tr("the save of %1").arg(clock);
+}
+
+QString unsavedCountText(const RyUndoStack &stack, const SavedState &saved)
+{
+    if (stack.isClean())
+        return {};
+    const Difference difference = differenceOf(stack, saved);
+    if (difference.captions.empty())
+        return tr("changed");
+    const QString edits = editsText(int(difference.captions.size()));
+    if (difference.areUndone)
+        return tr("%1 taken back").arg(edits);
+    return difference.noWayBack ? tr("%1 and more").arg(edits) : edits;
+}
+
+QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
+{
+    if (stack.isClean())
+        return {};
+    const Difference difference = differenceOf(stack, saved);
+    const QString since = saved.text();
+    const QString edits = editsText(int(difference.captions.size()));
+    const QString captions = captionsText(difference.captions);
+    if (difference.captions.empty())
+        return tr("Changed since %1 by what leaves no undo step.").arg(since);
+    if (difference.areUndone)
+        return tr("%1 taken back since %2: %3.").arg(edits, since, captions);
+    if (difference.noWayBack)
+        return tr("%1 since %2: %3. No undo step leads back to it.").arg(edits, since, captions);
+    return tr("%1 since %2: %3.").arg(edits, since, captions);
+}

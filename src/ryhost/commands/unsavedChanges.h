@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+class RyUndoStack;
+struct RyUndoHistory;
+
+/// The state of the scene that the undo stack knows as the saved one: how it came to be, and when.
+struct SavedState
+{
+    enum Kind { Started, Opened, Saved };
+    Kind kind = Started;
+    QDateTime time;
+    quint64 lastStep = 0; // the largest number of a step then
+
+    static SavedState now(Kind kind);
+    /// "the save of 14:05"
+    QString text() const;
+};
+
+/// A time of today as that alone, an earlier one with its day.
+QString timeTextOf(const QDateTime &time);
+/// How many steps were made since, or taken back: "3 edits". Empty when nothing differs.
+QString unsavedCountText(const RyUndoStack &stack, const SavedState &saved);
+/// "3 edits since the save of 14:05: Bend, Move (2 times)." Empty when nothing differs.
+QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved);

@@ -1,0 +1,29 @@
+#include "ryhost/panes/UnsavedButton.h"
+
+#include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/HostFiles.h"
+
+UnsavedButton::UnsavedButton(HostFiles *files, QWidget *parent) : QToolButton(parent), m_files(files)
+{
+    setObjectName(QStringLiteral("UnsavedStatus"));
+    setAccessibleName(tr("Unsaved changes"));
+    setAutoRaise(true);
+    setFocusPolicy(Qt::TabFocus);
+    const RyUndoStack *stack = ryUndoStack();
+    connect(stack, &RyUndoStack::changed, this, &UnsavedButton::refresh);
+    connect(stack, &RyUndoStack::cleanChanged, this, &UnsavedButton::refresh);
+    connect(files, &HostFiles::titleChanged, this, &UnsavedButton::refresh);
+    refresh();
+}
+
+void UnsavedButton::refresh()
+{
+    const QString changes = m_files->unsavedChanges();
+    setVisible(!changes.isEmpty());
+    if (changes.isEmpty())
+        return;
+    setText(tr("* %1").arg(unsavedCountText(*ryUndoStack(), m_files->savedState())));
+    setToolTip(tr("%1\nClick to see the history.").arg(changes));
+    setStatusTip(changes);
+    setAccessibleDescription(changes);
+}
