@@ -5,6 +5,8 @@
 #include "ryhost/batch/BatchRunner.h"
 #include "ryhost/batch/ToolkitMessages.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/recovery/Autosave.h"
+#include "ryhost/recovery/recoverUnsavedWork.h"
 #include "ryhost/start/HostTranslations.h"
 #include "ryhost/window/HostWindow.h"
 
@@ -21,6 +23,10 @@ int runWindow(const CommandLine &line)
     HostWindow window(ryScene());
     window.start();
     window.show();
+    Autosave autosave(*ryScene(), *window.files());
+    QObject::connect(&autosave, &Autosave::messagePosted, &window, &HostWindow::showMessage);
+    if (offerUnsavedWork(*ryScene(), *window.files(), autosave, &window))
+        return QApplication::exec();
     bool opened = false;
     for (const QString &path : line.files)
         opened = (opened ? window.files()->mergePath(path) : window.files()->openPath(path)) || opened;

@@ -4,6 +4,7 @@
 #include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyPlainText.h"
+#include "rycore/ui/RyRunningAction.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
 
 #include <QPointer>
@@ -53,6 +54,7 @@ RyAction::RyAction(const QString &text, const QString &description) : QAction(te
         if (!leavesSceneAlone())
             ryScene()->getClipPlayer()->stop();
         // What undo does not take back can be gone back to before.
+        const RyRunningAction running;
         const ActionOfScript script;
         const RyRestoreSpan span(RyRestoreSpan::Scope::Command, captionOf(this));
         executeAction();

@@ -262,6 +262,14 @@ bool HostFiles::revert()
     return true;
 }
 
+void HostFiles::takeRecovered(const QString &path, bool isSample, bool jointsOnly, const QStringList &notes)
+{
+    setSavesJointsOnly(jointsOnly);
+    setFile(path, SavedState::now(SavedState::Recovered), isSample);
+    noteMessages(path, notes);
+    emit opened();
+}
+
 bool HostFiles::savePath(const QString &path)
 {
     RySceneFile::SaveOptions options;

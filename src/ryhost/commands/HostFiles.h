@@ -32,6 +32,8 @@ public:
     /// Where the scene came from and how large its units are, for people.
     QString description() const;
     RecentFiles *recent() const { return m_recent; }
+    /// Whether it is the figure that comes with the program.
+    bool isSample() const { return m_isSample; }
     QStringList recentFiles() const;
 
     /// Replaces the scene without asking; false with a message on the screen when the file is refused.
@@ -46,6 +48,8 @@ public:
     bool saveCopyTo(const QString &path);
     /// Likewise, for other programs: nothing of ours in the extras. What that leaves out is said.
     bool exportTo(const QString &path);
+    /// The scene holds unsaved work of the file at `path` that was brought back after a crash.
+    void takeRecovered(const QString &path, bool isSample, bool jointsOnly, const QStringList &notes);
     /// False when the user would rather stay.
     bool confirmDiscard();
     static bool isReadable(const QString &path);

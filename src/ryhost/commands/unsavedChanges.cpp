@@ -94,6 +94,8 @@ QString SavedState::text() const
         return tr("the empty scene of %1").arg(clock);
     case Opened:
         return tr("the opening at %1").arg(clock);
+    case Recovered:
+        return tr("the recovery at %1").arg(clock);
     case Saved:
         break;
     }
@@ -121,6 +123,8 @@ QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
     const QString since = saved.text();
     const QString edits = editsText(int(difference.captions.size()));
     const QString captions = captionsText(difference.captions);
+    if (difference.captions.empty() && saved.kind == SavedState::Recovered)
+        return tr("Unsaved work of before a crash, brought back at %1.").arg(timeTextOf(saved.time));
     if (difference.captions.empty())
         return tr("Changed since %1 by what leaves no undo step.").arg(since);
     if (difference.areUndone)

@@ -9,7 +9,7 @@ struct RyUndoHistory;
 /// The state of the scene that the undo stack knows as the saved one: how it came to be, and when.
 struct SavedState
 {
-    enum Kind { Started, Opened, Saved };
+    enum Kind { Started, Opened, Saved, Recovered };
     Kind kind = Started;
     QDateTime time;
     quint64 lastStep = 0; // the largest number of a step then

@@ -10,6 +10,7 @@
 #include "ryhost/commands/menuEntries.h"
 #include "ryhost/commands/menuText.h"
 #include "ryhost/menus/RestoreMenu.h"
+#include "ryhost/preferences/PreferencesDialog.h"
 
 #include <QMenu>
 #include <QMenuBar>
@@ -33,13 +34,17 @@ EditMenu::EditMenu(RyMainWindow *window, QObject *parent)
     connect(addMenuEntry(m_menu, "EditRestorePose", tr("Restore &Pose"), tr("Put every node back into its rest pose")),
             &QAction::triggered, this, &EditMenu::restorePose);
     m_menu->addSeparator();
+    m_preferences = m_menu->addSeparator();
+    connect(addMenuEntry(m_menu, "EditPreferences", tr("Pre&ferences..."),
+                         tr("Choose whether and where unsaved work is kept, for after a crash")),
+            &QAction::triggered, this, [window] { PreferencesDialog(window).exec(); });
 }
 
 void EditMenu::refresh()
 {
     for (const char *name : {"RyBindToNearestBonesAction", "RyFitZonesToBoneAction", "RySymmetricEditingAction"}) {
         if (RyAction *action = m_window->getActionMgr()->findAction(QLatin1String(name)))
-            m_menu->addAction(action);
+            m_menu->insertAction(m_preferences, action);
     }
 }
 

@@ -6,7 +6,7 @@ class QAction;
 class QMenu;
 class RyMainWindow;
 
-/// Undo, restore points, selection and rest pose.
+/// Undo, restore points, selection, rest pose and preferences.
 class EditMenu : public QObject
 {
     Q_OBJECT
@@ -24,4 +24,5 @@ private:
     QMenu *m_menu;
     QAction *m_undo;
     QAction *m_redo;
+    QAction *m_preferences; // what stands above them
 };

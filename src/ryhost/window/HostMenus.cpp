@@ -42,6 +42,7 @@ constexpr struct
     {"EditRedo", QT_TRANSLATE_NOOP("HostMenus", "repeat again")},
     {"EditSelectNone", QT_TRANSLATE_NOOP("HostMenus", "deselect unselect clear")},
     {"EditRestorePose", QT_TRANSLATE_NOOP("HostMenus", "clear transforms reset rest zero bind pose")},
+    {"EditPreferences", QT_TRANSLATE_NOOP("HostMenus", "settings options autosave recovery backup crash")},
     {"ViewFrameSelection", QT_TRANSLATE_NOOP("HostMenus", "focus zoom fit center selected")},
     {"ViewFrameAll", QT_TRANSLATE_NOOP("HostMenus", "home zoom fit everything")},
     {"ViewProjection", QT_TRANSLATE_NOOP("HostMenus", "ortho camera toggle")},

@@ -89,50 +89,63 @@ void RyGltfDocument::Private::readModel(QStringList *warningList)
     sharesValid = false;
 }
 
+/// What `read` gives, or null with the reason why there is none.
+template<typename Read>
+static std::unique_ptr<RyGltfDocument> readOrRefuse(const QString &path, QString *error, const Read &read)
+{
+    QString reason;
+    try {
+        return read();
+    } catch (const RyGltfError &refusal) {
+        reason = refusal.message;
+    } catch (const std::bad_alloc &) {
+        reason = QStringLiteral("there is not enough memory");
+    } catch (const std::exception &exception) {
+        reason = QString::fromUtf8(exception.what());
+    }
+    if (error)
+        *error = QStringLiteral("%1 cannot be opened: %2").arg(path, reason);
+    return nullptr;
+}
+
 std::unique_ptr<RyGltfDocument> RyGltfDocument::read(const QString &path, QString *error, QStringList *warnings)
 {
-    const auto refuse = [&path, error](const QString &reason) {
-        if (error)
-            *error = QStringLiteral("%1 cannot be opened: %2").arg(path, reason);
-        return nullptr;
-    };
-    try {
-        std::unique_ptr<RyGltfDocument> document(new RyGltfDocument);
-        Private &d = *document->d;
-        d.path = QFileInfo(path).absoluteFilePath();
-        d.file = RyGltfUri::readFile(path);
-        if (d.file.isEmpty())
-            return refuse(QStringLiteral("the file is empty"));
-        QByteArray chunk;
-        QStringList found;
-        if (RyGlbContainer::isContainer(d.file)) {
-            const RyGlbContainer container = RyGlbContainer::split(d.file, &found);
-            d.form = Private::BinaryForm;
-            d.jsonText = container.json;
-            d.otherChunks = container.others;
-            chunk = container.binary;
-        } else {
-            d.form = Private::TextForm;
-            d.jsonText = QByteArray::fromRawData(d.file.constData(), d.file.size());
-        }
-        d.tree = RyGltfJson::parse(viewOf(d.jsonText));
-        const RyGltfCursor root(d.tree);
-        checkAsset(root);
-        {
-            RyGltfWarnings bufferWarnings(&found);
-            RyGltfBufferReader(root, d.storage, bufferWarnings).readBuffers(d.file, chunk, d.folder());
-        }
-        d.readModel(&found);
-        if (warnings)
-            warnings->append(found);
-        return document;
-    } catch (const RyGltfError &refusal) {
-        return refuse(refusal.message);
-    } catch (const std::bad_alloc &) {
-        return refuse(QStringLiteral("there is not enough memory"));
-    } catch (const std::exception &exception) {
-        return refuse(QString::fromUtf8(exception.what()));
+    return readOrRefuse(path, error, [&] { return RyGltfWriter::reopen(path, RyGltfUri::readFile(path), warnings); });
+}
+
+std::unique_ptr<RyGltfDocument> RyGltfWriter::reopen(const QString &path, const QByteArray &bytes,
+                                                     QStringList *warnings)
+{
+    using Private = RyGltfDocument::Private;
+    std::unique_ptr<RyGltfDocument> document(new RyGltfDocument);
+    Private &d = *document->d;
+    d.path = path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();
+    d.file = bytes;
+    if (d.file.isEmpty())
+        throw RyGltfError{QStringLiteral("the file is empty")};
+    QByteArray chunk;
+    QStringList found;
+    if (RyGlbContainer::isContainer(d.file)) {
+        const RyGlbContainer container = RyGlbContainer::split(d.file, &found);
+        d.form = Private::BinaryForm;
+        d.jsonText = container.json;
+        d.otherChunks = container.others;
+        chunk = container.binary;
+    } else {
+        d.form = Private::TextForm;
+        d.jsonText = QByteArray::fromRawData(d.file.constData(), d.file.size());
     }
+    d.tree = RyGltfJson::parse(viewOf(d.jsonText));
+    const RyGltfCursor root(d.tree);
+    checkAsset(root);
+    {
+        RyGltfWarnings bufferWarnings(&found);
+        RyGltfBufferReader(root, d.storage, bufferWarnings).readBuffers(d.file, chunk, d.folder());
+    }
+    d.readModel(&found);
+    if (warnings)
+        warnings->append(found);
+    return document;
 }
 
 std::unique_ptr<RyGltfDocument> RyGltfDocument::create()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/io/gltf/document/RyGltfDocumentPrivate.h"
+#include "rycore/io/gltf/document/RyGltfParts.h"
 
 /// Turns a document into the bytes of a file. The document itself is not changed.
 class RyGltfWriter
@@ -11,6 +12,13 @@ public:
     /// `ending` is "glb" or "gltf", with or without a dot. `elsewhere`: the file goes to another folder than it came
     /// from, so files beside it are taken in. Empty with a message on failure.
     QByteArray toBytes(const QString &ending, bool elsewhere, QString *error) const;
+
+    /// What the document would be written from. Throws RyGltfError when the tree holds a text that is not UTF-8.
+    static RyGltfParts partsOf(const RyGltfDocument &document);
+    /// A document of these parts that is good for being written, and nothing else: without a model.
+    static std::unique_ptr<RyGltfDocument> assemble(const RyGltfParts &parts);
+    /// What a file with these bytes would be opened as at `path`. Throws RyGltfError and what the library throws.
+    static std::unique_ptr<RyGltfDocument> reopen(const QString &path, const QByteArray &bytes, QStringList *warnings);
 
 private:
     using Json = nlohmann::ordered_json;

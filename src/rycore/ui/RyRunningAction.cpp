@@ -1,0 +1,3 @@
+#include "rycore/ui/RyRunningAction.h"
+
+int RyRunningAction::s_count = 0;

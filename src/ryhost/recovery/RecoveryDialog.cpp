@@ -1,0 +1,140 @@
+#include "ryhost/recovery/RecoveryDialog.h"
+
+#include "rycore/io/snapshot/RySnapshotStore.h"
+
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QListWidget>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+RecoveryDialog::RecoveryDialog(const QStringList &folders, QWidget *parent)
+    : QDialog(parent), m_list(new QListWidget(this)), m_detail(new QLabel(this))
+{
+    setObjectName(QStringLiteral("RecoveryDialog"));
+    setWindowTitle(tr("Recover Unsaved Work"));
+    auto *layout = new QVBoxLayout(this);
+    auto *text = new QLabel(tr("The program ended before this was saved. What would you like to bring back?"), this);
+    text->setObjectName(QStringLiteral("RecoveryText"));
+    text->setWordWrap(true);
+    m_list->setObjectName(QStringLiteral("RecoveryList"));
+    m_list->setAccessibleName(tr("Unsaved work"));
+    m_detail->setObjectName(QStringLiteral("RecoveryDetail"));
+    m_detail->setWordWrap(true);
+    m_detail->setMinimumWidth(480);
+    auto *buttons = new QDialogButtonBox(this);
+    m_recover = buttons->addButton(tr("&Recover"), QDialogButtonBox::AcceptRole);
+    m_recover->setObjectName(QStringLiteral("RecoveryRecover"));
+    m_recover->setDefault(true);
+    QPushButton *remove = buttons->addButton(tr("&Delete..."), QDialogButtonBox::DestructiveRole);
+    remove->setObjectName(QStringLiteral("RecoveryDelete"));
+    QPushButton *later = buttons->addButton(tr("&Later"), QDialogButtonBox::RejectRole);
+    later->setObjectName(QStringLiteral("RecoveryLater"));
+    later->setToolTip(tr("Offer it again at the next start"));
+    layout->addWidget(text);
+    layout->addWidget(m_list);
+    layout->addWidget(m_detail);
+    layout->addWidget(buttons);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(remove, &QPushButton::clicked, this, &RecoveryDialog::deleteCurrent);
+    connect(m_list, &QListWidget::currentRowChanged, this, &RecoveryDialog::showCurrent);
+    fill(folders);
+    m_list->setCurrentRow(0);
+    showCurrent();
+}
+
+void RecoveryDialog::fill(const QStringList &folders)
+{
+    for (const QString &folder : folders) {
+        Entry entry;
+        entry.session = RecoverySession::adopt(folder);
+        if (!entry.session)
+            continue; // another program that starts offers it
+        const QByteArray info = RySnapshotStore::readPart(folder, RecoveryInfo::PartName, &entry.damage);
+        entry.info = RecoveryInfo::fromBytes(info);
+        m_entries.push_back(std::move(entry));
+    }
+    std::stable_sort(m_entries.begin(), m_entries.end(),
+                     [](const Entry &a, const Entry &b) { return a.info.time > b.info.time; });
+    for (const Entry &entry : m_entries)
+        addRow(entry);
+}
+
+void RecoveryDialog::addRow(const Entry &entry)
+{
+    m_list->addItem(entry.damage.isEmpty() ? tr("%1, as it was on %2").arg(entry.info.name(), entry.info.timeText())
+                                           : tr("Damaged: %1").arg(QDir::toNativeSeparators(entry.session->folder())));
+}
+
+int RecoveryDialog::current() const
+{
+    return m_list->currentRow();
+}
+
+QString RecoveryDialog::describe(const Entry &entry)
+{
+    if (!entry.damage.isEmpty())
+        return tr("This cannot be brought back: %1.").arg(entry.damage);
+    const RecoveryInfo &info = entry.info;
+    QStringList lines;
+    if (info.path.isEmpty() || info.isSample)
+        lines.append(tr("It was never saved; saving it asks where."));
+    else
+        lines.append(
+            tr("%1 is as it was and is replaced only when you save.").arg(QDir::toNativeSeparators(info.path)));
+    if (info.fileCount > 1)
+        lines.append(tr("%n file(s) were merged into it.", nullptr, info.fileCount - 1));
+    if (info.isOlderThanFile()) {
+        const QDateTime written = QFileInfo(info.path).lastModified();
+        lines.append(tr("That file was written later, on %1: compare the two before you save over it.")
+                         .arg(QLocale().toString(written, QLocale::ShortFormat)));
+    }
+    lines.append(tr("The undo history is gone."));
+    if (!info.losses.isEmpty())
+        lines.append(tr("Not kept: %1").arg(info.losses.join(QStringLiteral("; "))));
+    return lines.join(QLatin1Char('\n'));
+}
+
+void RecoveryDialog::showCurrent()
+{
+    const int row = current();
+    const bool isThere = row >= 0 && size_t(row) < m_entries.size();
+    m_detail->setText(isThere ? describe(m_entries[size_t(row)]) : QString());
+    m_recover->setEnabled(isThere && m_entries[size_t(row)].damage.isEmpty());
+}
+
+void RecoveryDialog::deleteCurrent()
+{
+    const int row = current();
+    if (row < 0)
+        return;
+    QMessageBox box(QMessageBox::Question, tr("Delete Unsaved Work"),
+                    tr("Delete what was not saved of %1?").arg(m_entries[size_t(row)].info.name()),
+                    QMessageBox::NoButton, this);
+    box.setObjectName(QStringLiteral("DeleteUnsavedWorkBox"));
+    box.setInformativeText(tr("It cannot be brought back afterwards. The file itself stays as it is."));
+    QPushButton *remove = box.addButton(tr("&Delete"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(box.addButton(QMessageBox::Cancel));
+    box.exec();
+    if (box.clickedButton() != remove)
+        return;
+    m_entries[size_t(row)].session->remove();
+    m_entries.erase(m_entries.begin() + row);
+    delete m_list->takeItem(row);
+    showCurrent();
+    if (m_entries.empty())
+        reject();
+}
+
+std::unique_ptr<RecoverySession> RecoveryDialog::takeChosen()
+{
+    const int row = current();
+    return row >= 0 && size_t(row) < m_entries.size() ? std::move(m_entries[size_t(row)].session) : nullptr;
+}

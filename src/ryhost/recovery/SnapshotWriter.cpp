@@ -1,0 +1,116 @@
+#include "ryhost/recovery/SnapshotWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <utility>
+
+void SnapshotWriter::Worker::use(std::unique_ptr<RecoverySession> other)
+{
+    if (session)
+        session->remove();
+    session = std::move(other);
+    store = session ? std::make_unique<RySnapshotStore>(session->folder()) : nullptr;
+    isAdopted = false;
+}
+
+bool SnapshotWriter::Worker::writeHere(const RySnapshotParts &parts, QString *error)
+{
+    return session && QFileInfo::exists(session->folder() + QStringLiteral("/lock")) && store->write(parts, error);
+}
+
+/// The folder above which it was written; what was written before is there until then.
+QString SnapshotWriter::Worker::write(const RySnapshotParts &parts, const QStringList &folders, QString *error)
+{
+    if (isAdopted && writeHere(parts, error))
+        return parent;
+    for (const QString &folder : folders) {
+        QString reason;
+        if (session && !isAdopted && parent == folder) {
+            if (writeHere(parts, &reason))
+                return parent;
+        }
+        if (reason.isEmpty()) {
+            std::unique_ptr<RecoverySession> other = RecoverySession::create(folder, &reason);
+            RySnapshotStore otherStore(other ? other->folder() : QString());
+            if (other && otherStore.write(parts, &reason)) {
+                use(std::move(other));
+                *store = std::move(otherStore);
+                parent = folder;
+                return parent;
+            }
+            if (other)
+                other->remove();
+        }
+        if (error->isEmpty())
+            *error = reason;
+    }
+    return {};
+}
+
+SnapshotWriter::SnapshotWriter(QObject *parent) : QObject(parent), m_worker(new Worker)
+{
+    m_worker->moveToThread(&m_thread);
+    connect(
+        &m_thread, &QThread::finished, m_worker,
+        [worker = m_worker] {
+            worker->use(nullptr);
+            delete worker;
+        },
+        Qt::DirectConnection);
+    m_thread.setObjectName(QStringLiteral("Autosave"));
+    m_thread.start();
+}
+
+SnapshotWriter::~SnapshotWriter()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void SnapshotWriter::adopt(std::unique_ptr<RecoverySession> session)
+{
+    const std::shared_ptr<RecoverySession *> passed(new RecoverySession *(session.release()),
+                                                    [](RecoverySession **each) {
+                                                        delete *each;
+                                                        delete each;
+                                                    });
+    QMetaObject::invokeMethod(
+        m_worker,
+        [worker = m_worker, passed] {
+            worker->use(std::unique_ptr<RecoverySession>(std::exchange(*passed, nullptr)));
+            worker->parent = QFileInfo(worker->session->folder()).path();
+            worker->isAdopted = true;
+        },
+        Qt::QueuedConnection);
+}
+
+void SnapshotWriter::write(RySnapshotParts parts, const QStringList &folders)
+{
+    ++m_jobs;
+    QMetaObject::invokeMethod(
+        m_worker,
+        [this, worker = m_worker, parts = std::move(parts), folders] {
+            QString error;
+            const QString folder = worker->write(parts, folders, &error);
+            QMetaObject::invokeMethod(
+                this,
+                [this, folder, error] {
+                    --m_jobs;
+                    emit written(folder, error);
+                },
+                Qt::QueuedConnection);
+        },
+        Qt::QueuedConnection);
+}
+
+void SnapshotWriter::drop()
+{
+    QMetaObject::invokeMethod(
+        m_worker,
+        [worker = m_worker] {
+            if (worker->store)
+                worker->store->clear();
+        },
+        Qt::QueuedConnection);
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+#include <memory>
+
+class Autosave;
+class HostFiles;
+class QWidget;
+class RecoverySession;
+class RyScene;
+
+/// Offers what programs that no longer run have left. True when some of it is in the scene now.
+bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, QWidget *window);
+
+/// Brings back the work of a session, which stays on the disk until there is something newer. On failure the scene is
+/// as it was, and the session stays too.
+bool recoverUnsavedWork(std::unique_ptr<RecoverySession> session, RyScene &scene, HostFiles &files, Autosave &autosave,
+                        QString *error);

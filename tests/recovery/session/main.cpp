@@ -1,0 +1,179 @@
+// An artist at work, to be killed. It opens a file, or what an earlier one left, and edits it with pauses until the
+// end.
+//
+// recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [recover]
+//   edits=N      ends in order after so many edits; 0: stays open and does nothing
+//   limit=BYTES  no file may grow beyond that, as if the disk were full
+//   recover      begins with what was left; FILE is opened where there is nothing
+//
+// Each finished edit is told as "edit TIME HASH": milliseconds since 1970 and the hash of the scene's dump. "late MS"
+// says by how much the machine kept the program waiting since the last edit; "message TEXT" what a person would read.
+#include "recovery/RandomEdits.h"
+
+#include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyMessageLog.h"
+#include "rycore/io/RySceneDump.h"
+#include "rycore/scene/RyScene.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
+#include "ryhost/commands/HostFiles.h"
+#include "ryhost/recovery/Autosave.h"
+#include "ryhost/recovery/AutosaveSettings.h"
+#include "ryhost/recovery/recoverUnsavedWork.h"
+
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyNode.h"
+
+#include <QApplication>
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QTimer>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+#include <sys/resource.h>
+
+namespace {
+
+constexpr int Beat = 10; // milliseconds
+
+std::atomic<int> lateness{0};
+std::atomic<bool> isEnding{false};
+
+/// Adds up by how much a thread without any work is woken too late.
+void beat()
+{
+    using Clock = std::chrono::steady_clock;
+    while (!isEnding) {
+        const auto start = Clock::now();
+        std::this_thread::sleep_for(std::chrono::milliseconds(Beat));
+        lateness += int(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count()) - Beat;
+    }
+}
+
+void tell(const char *what, const QString &text)
+{
+    std::printf("%s %s\n", what, qPrintable(text));
+    std::fflush(stdout);
+}
+
+class Artist
+{
+public:
+    Artist(RyScene &scene, unsigned seed, int count) : m_scene(scene), m_edits(scene, seed), m_left(count) {}
+
+    void begin()
+    {
+        tellState();
+        next();
+    }
+
+private:
+    void next()
+    {
+        if (m_left == 0)
+            return QCoreApplication::quit();
+        QTimer::singleShot(int(m_edits.random()() % 400), qApp, [this] { work(); });
+    }
+    void work()
+    {
+        --m_left;
+        if (m_edits.random()() % 6 == 0)
+            return drag();
+        m_edits.editOnce();
+        tellState();
+        next();
+    }
+    /// A hold that stays open for longer than work may stay unkept.
+    void drag()
+    {
+        m_hold = std::make_unique<RyUndoStackHold>();
+        QTimer::singleShot(int(m_edits.random()() % 2500), qApp, [this] {
+            RyNode *node = m_scene.getNodes().front();
+            node->getYRotControl()->setValue(float(m_edits.random()() % 90));
+            if (m_edits.random()() % 3 == 0)
+                m_hold->cancel();
+            else
+                m_hold->accept(QStringLiteral("Drag"));
+            m_hold.reset();
+            tellState();
+            next();
+        });
+        m_scene.getNodes().front()->getYRotControl()->setValue(float(m_edits.random()() % 90));
+    }
+    void tellState()
+    {
+        const qint64 time = QDateTime::currentMSecsSinceEpoch(); // what is worked out below is no part of the edit
+        const QByteArray hash = QCryptographicHash::hash(rySceneDump(m_scene).toUtf8(), QCryptographicHash::Sha1);
+        tell("late", QString::number(lateness.exchange(0)));
+        tell("edit", QStringLiteral("%1 %2").arg(time).arg(QString::fromLatin1(hash.toHex())));
+    }
+
+    RyScene &m_scene;
+    RandomEdits m_edits;
+    std::unique_ptr<RyUndoStackHold> m_hold;
+    int m_left;
+};
+
+bool recoverLatest(HostFiles &files, Autosave &autosave)
+{
+    for (const QString &folder : RecoverySession::leftBehind(AutosaveSettings::global().folders())) {
+        std::unique_ptr<RecoverySession> session = RecoverySession::adopt(folder);
+        QString error;
+        if (session && recoverUnsavedWork(std::move(session), *ryScene(), files, autosave, &error))
+            return true;
+        tell("message", error);
+    }
+    return false;
+}
+
+int run(const QStringList &arguments)
+{
+    int count = -1;
+    bool recovers = false;
+    for (const QString &argument : arguments.mid(4)) {
+        if (argument.startsWith(QLatin1String("edits=")))
+            count = argument.mid(6).toInt();
+        recovers = recovers || argument == QLatin1String("recover");
+        if (argument.startsWith(QLatin1String("limit="))) {
+            const rlim_t bytes = rlim_t(argument.mid(6).toULongLong());
+            const rlimit limit{bytes, bytes};
+            setrlimit(RLIMIT_FSIZE, &limit);
+        }
+    }
+    RyAppSettings::setSettingsPath(arguments.at(1));
+    RyMessageLog::global().setEcho(false);
+    HostFiles files(ryScene(), nullptr);
+    Autosave autosave(*ryScene(), files);
+    QObject::connect(&autosave, &Autosave::messagePosted, [](const QString &message) { tell("message", message); });
+    if (!(recovers && recoverLatest(files, autosave)) && !files.openPath(arguments.at(2)))
+        return 2;
+    Artist artist(*ryScene(), arguments.at(3).toUInt(), count);
+    if (count == 0)
+        tell("open", files.path());
+    else
+        artist.begin();
+    const int code = QApplication::exec();
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    if (argc < 4) {
+        std::puts("usage: recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [recover]");
+        return 2;
+    }
+    std::thread beating(beat);
+    const int code = run(QApplication::arguments());
+    isEnding = true;
+    beating.join();
+    RyUndoStack::destroyGlobal();
+    ryDestroyScene();
+    return code;
+}
