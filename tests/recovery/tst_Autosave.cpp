@@ -44,8 +44,8 @@ private slots:
         QTRY_VERIFY(isKept());
         const QString edited = dump();
         QCOMPARE(QFileInfo(kept().front()).path(), settings() + QStringLiteral("/autosave"));
-        QCOMPARE(AutosaveSettings::global().state(),
-                 QStringLiteral("Unsaved work is kept in %1/autosave.").arg(settings()));
+        QTRY_COMPARE(AutosaveSettings::global().state(),
+                     QStringLiteral("Unsaved work is kept in %1/autosave.").arg(settings()));
         // What is kept of a running program is its own.
         QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().folders()).isEmpty());
         QCOMPARE(bringBack(), edited);

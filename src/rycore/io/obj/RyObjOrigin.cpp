@@ -118,6 +118,35 @@ std::unique_ptr<RyObjOrigin> RyObjOrigin::read(const QString &path, double unit,
     return origin;
 }
 
+RyObjOrigin::Kept RyObjOrigin::keep(const RyScene &scene) const
+{
+    Kept kept{m_path, m_unit, m_file->toBytes(), m_companions, -1};
+    const std::vector<RyNode *> nodes = scene.getNodesInTreeOrder();
+    for (size_t i = 0; m_shape && i < nodes.size(); ++i) {
+        if (RyShape::getCurrentShapeForNode(nodes[i]) == m_shape)
+            kept.node = int(i);
+    }
+    return kept;
+}
+
+std::unique_ptr<RyObjOrigin> RyObjOrigin::makeAgain(const Kept &kept, const std::vector<RyNode *> &nodes)
+{
+    auto origin = std::make_unique<RyObjOrigin>();
+    QString error;
+    origin->m_file = RyObjFile::parse(kept.text, kept.path, &error);
+    if (!origin->m_file)
+        return nullptr;
+    origin->m_path = kept.path;
+    origin->m_unit = kept.unit;
+    origin->m_companions = kept.companions;
+    RyObjLooks noLooks(QString(), nullptr);
+    const std::unique_ptr<RyFacetShape> asRead(RyObjMeshBuilder(*origin->m_file, kept.unit, noLooks).makeShape());
+    origin->m_loadedPositions = asRead->getFacetMesh()->getPositions();
+    if (kept.node >= 0 && size_t(kept.node) < nodes.size())
+        origin->m_shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(nodes[size_t(kept.node)]));
+    return origin;
+}
+
 bool RyObjOrigin::save(const RyScene &scene, const QString &path, QString *error, QStringList *messages)
 {
     const QStringList lost = lostParts(scene);

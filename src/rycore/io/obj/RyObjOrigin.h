@@ -21,6 +21,19 @@ public:
     /// Null with a message when the file must be refused; otherwise `tops` gets the prop, not yet in a scene.
     static std::unique_ptr<RyObjOrigin> read(const QString &path, double unit, std::vector<RyRef<RyNode>> *tops,
                                              QString *error, QStringList *messages);
+    /// What it is made of, to be made again for a scene that was brought back.
+    struct Kept
+    {
+        QString path;
+        double unit = 1.0;
+        QByteArray text;
+        QStringList companions;
+        int node = -1; ///< which shows the mesh, in tree order; -1 when none does
+    };
+    Kept keep(const RyScene &scene) const;
+    /// `nodes` of the scene in tree order. Null when the text makes no sense.
+    static std::unique_ptr<RyObjOrigin> makeAgain(const Kept &kept, const std::vector<RyNode *> &nodes);
+
     /// Saves the rest meshes of all props and figures. Where the scene shows the mesh of an OBJ file, that file's text
     /// is kept, with the numbers of moved vertices replaced. What has no place in this format, a message says.
     static bool save(const RyScene &scene, const QString &path, QString *error, QStringList *messages);

@@ -76,7 +76,10 @@ std::optional<RySceneSnapshot> RySceneSnapshot::take(const RyScene &scene, bool 
         if (!document) {
             const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
             document = RyGltfNewNodes::writeScene(scene, source ? source->unitFactor() : CentimetresPerMetre);
+            snapshot.hasFile = false;
         }
+        if (const auto *obj = dynamic_cast<const RyObjOrigin *>(scene.getOrigin()))
+            snapshot.obj = obj->keep(scene);
         snapshot.document = RyGltfParts::of(*document);
         snapshot.values = RySnapshotState::valuesOf(scene);
         snapshot.selection = RySnapshotState::selectionOf(scene);
@@ -128,7 +131,11 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
     scene.clear();
     for (const RyRef<RyNode> &top : tops)
         scene.addNode(top.get());
-    scene.addOrigin(std::move(origin));
+    std::unique_ptr<RyObjOrigin> objOrigin = obj ? RyObjOrigin::makeAgain(*obj, nodes) : nullptr;
+    if (objOrigin)
+        scene.addOrigin(std::move(objOrigin));
+    if (hasFile)
+        scene.addOrigin(std::move(origin));
     RySnapshotState::applySelection(selection, scene);
     countAsUnsaved();
     return true;

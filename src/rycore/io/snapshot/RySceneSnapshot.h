@@ -1,6 +1,7 @@
 #pragma once
 
 #include "rycore/io/gltf/document/RyGltfParts.h"
+#include "rycore/io/obj/RyObjOrigin.h"
 #include "rycore/io/snapshot/RySnapshotPart.h"
 
 #include <QStringList>
@@ -16,8 +17,10 @@ struct RySceneSnapshot
     RyGltfParts document;
     QByteArray values;
     QByteArray selection;
-    std::vector<QByteArray> positions; ///< of the meshes, per node in tree order
-    QStringList losses;                ///< what a save of this scene would leave out
+    std::vector<QByteArray> positions;    ///< of the meshes, per node in tree order
+    bool hasFile = true;                  ///< the scene has a document of its own; otherwise one was made for this
+    std::optional<RyObjOrigin::Kept> obj; ///< the file that it came from first, where that is an OBJ file
+    QStringList losses;                   ///< what a save of this scene would leave out
 
     /// The scene stays as it is, the file that it came from and what is kept of it too. The weights of parametric
     /// figures are not fitted for it. `jointsOnly`: clips stay as they are. None with a reason where there is no

@@ -31,6 +31,11 @@ RySnapshotParts RySceneSnapshot::parts() const
     stream << FormatVersion << document.path << document.isBinary << document.layout << losses;
     stream << quint32(document.buffers.size()) << quint32(document.pictures.size())
            << quint32(document.otherChunks.size()) << quint32(positions.size());
+    stream << hasFile << obj.has_value();
+    if (obj) {
+        stream << obj->path << obj->unit << obj->companions << qint32(obj->node);
+        parts.push_back({"obj", obj->text, true, {}});
+    }
     for (size_t i = 0; i < document.buffers.size(); ++i) {
         const RyGltfParts::Buffer &buffer = document.buffers[i];
         stream << quint32(buffer.source) << buffer.isText;
@@ -69,6 +74,15 @@ std::optional<RySceneSnapshot> RySceneSnapshot::fromParts(const RySnapshotParts 
     }
     stream >> document.path >> document.isBinary >> document.layout >> snapshot.losses;
     stream >> buffers >> pictures >> chunks >> meshes;
+    bool hasObj = false;
+    stream >> snapshot.hasFile >> hasObj;
+    if (hasObj) {
+        qint32 node = -1;
+        snapshot.obj.emplace();
+        stream >> snapshot.obj->path >> snapshot.obj->unit >> snapshot.obj->companions >> node;
+        snapshot.obj->node = node;
+        snapshot.obj->text = rySnapshotBytes(parts, "obj");
+    }
     for (quint32 i = 0; i < buffers && stream.status() == QDataStream::Ok; ++i) {
         quint32 source = 0;
         RyGltfParts::Buffer buffer;
