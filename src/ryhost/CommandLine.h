@@ -7,7 +7,7 @@
 class CommandLine
 {
 public:
-    enum Mode { Window, Batch, Help, Wrong };
+    enum Mode { Window, Batch, Help, Version, Wrong };
 
     /// `arguments` without the program's name.
     static CommandLine parse(const QStringList &arguments);

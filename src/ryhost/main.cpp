@@ -2,17 +2,21 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/CommandLine.h"
-#include "ryhost/batch/BatchRunner.h"
+#include "ryhost/batch/BatchDocument.h"
+#include "ryhost/batch/BatchRuns.h"
+#include "ryhost/batch/ExitCode.h"
 #include "ryhost/batch/ToolkitMessages.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/recovery/Autosave.h"
 #include "ryhost/recovery/recoverUnsavedWork.h"
 #include "ryhost/start/HostTranslations.h"
+#include "ryhost/start/HostVersion.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QApplication>
 
 #include <cstdio>
+#include <functional>
 
 namespace {
 
@@ -35,12 +39,12 @@ int runWindow(const CommandLine &line)
     return QApplication::exec();
 }
 
-int runApplication(int &argc, char **argv, const CommandLine &line)
+int runApplication(int &argc, char **argv, const std::function<int()> &work)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ryhost"));
     RyApp::setDefaultHomePath(QStringLiteral(RY_RESOURCES_DIR));
-    const int code = line.mode == CommandLine::Batch ? runBatch(line.batchArguments) : runWindow(line);
+    const int code = work();
     RyUndoStack::destroyGlobal();
     ryDestroyScene();
     return code;
@@ -58,16 +62,19 @@ int main(int argc, char **argv)
     case CommandLine::Help:
         std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
         return int(ExitCode::Done);
+    case CommandLine::Version:
+        std::printf("ryhost %s\n", hostVersion().toLocal8Bit().constData());
+        return int(ExitCode::Done);
     case CommandLine::Wrong:
-        std::fprintf(stderr, "ryhost: %s\nTry ryhost --help.\n", line.error.toLocal8Bit().constData());
-        return int(ExitCode::WrongUse);
+        return refuseWrongUse(arguments, line.error);
     case CommandLine::Batch:
         // Nothing is shown, and a machine may have nothing to show it on.
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
         if (!line.isVerbose)
             ToolkitMessages::hide();
-        break;
+        return runBatch(line.batchArguments,
+                        [&argc, argv](const std::function<int()> &work) { return runApplication(argc, argv, work); });
     case CommandLine::Window:
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
             qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
@@ -78,5 +85,5 @@ int main(int argc, char **argv)
         QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
         break;
     }
-    return runApplication(argc, argv, line);
+    return runApplication(argc, argv, [&line] { return runWindow(line); });
 }

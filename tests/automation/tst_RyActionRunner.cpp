@@ -2,7 +2,7 @@
 
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/automation/RyTextDistance.h"
+#include "rycore/base/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"

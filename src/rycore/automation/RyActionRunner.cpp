@@ -2,7 +2,7 @@
 
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/automation/RyDialogVerdict.h"
-#include "rycore/automation/RyTextDistance.h"
+#include "rycore/base/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"

@@ -1,47 +1,17 @@
 #include "ryhost/batch/BatchArguments.h"
 
-#include <algorithm>
+#include "rycore/base/RyNearTexts.h"
+#include "rycore/io/RySceneFile.h"
+#include "ryhost/batch/BatchChecks.h"
+#include "ryhost/batch/BatchVerbs.h"
+
 #include <cmath>
-#include <iterator>
 
 namespace {
-
-enum class Value { None, Required, Optional };
-
-struct VerbRow
-{
-    const char *name;
-    BatchStep::Verb verb;
-    Value value;
-};
-
-constexpr VerbRow Verbs[] = {
-    {"--unit", BatchStep::Unit, Value::Required},     {"--merge", BatchStep::Merge, Value::Required},
-    {"--select", BatchStep::Select, Value::Required}, {"--property", BatchStep::Property, Value::Required},
-    {"--pose", BatchStep::Pose, Value::Required},     {"--clip", BatchStep::Clip, Value::Required},
-    {"--undo", BatchStep::Undo, Value::None},         {"--redo", BatchStep::Redo, Value::None},
-    {"--save", BatchStep::Save, Value::Required},     {"--screenshot", BatchStep::Screenshot, Value::Required},
-    {"--dump", BatchStep::Dump, Value::Optional},     {"--report", BatchStep::Report, Value::Optional},
-    {"--script", BatchStep::Script, Value::Required}, {"--run", BatchStep::Run, Value::Required},
-};
 
 bool isVerb(const QString &text)
 {
     return text.startsWith(QLatin1String("--"));
-}
-
-const QLatin1String JointsOnly("--joints-only");
-
-bool isPictureOption(const QString &name)
-{
-    return name == QLatin1String("--view") || name == QLatin1String("--size");
-}
-
-const QLatin1String Time("--time");
-
-bool isDialogOption(const QString &name)
-{
-    return name == QLatin1String("--set") || name == QLatin1String("--answer");
 }
 
 bool fail(QString *error, const QString &message)
@@ -54,48 +24,22 @@ bool fail(QString *error, const QString &message)
 
 bool BatchArguments::parse(const QStringList &arguments, QString *error)
 {
-    const int start = arguments.indexOf(QStringLiteral("--batch"));
-    if (start != 0)
+    QStringList words = arguments;
+    asJson = words.removeAll(QLatin1String(BatchVerbs::Json)) > 0;
+    if (words.indexOf(QStringLiteral("--batch")) != 0)
         return fail(error, QStringLiteral("--batch must be the first argument"));
-    if (arguments.size() < 2 || isVerb(arguments.at(1)))
-        return fail(error, QStringLiteral("--batch needs the name of a file"));
-    file = arguments.at(1);
-    for (int at = 2; at < arguments.size();) {
-        if (!parseVerb(arguments, at, error))
+    int at = 1;
+    while (at < words.size() && !isVerb(words.at(at)))
+        files.append(words.at(at++));
+    if (files.isEmpty())
+        return fail(error, QStringLiteral("--batch needs the name of a file, or - for standard input"));
+    if (files.contains(QString()))
+        return fail(error, QStringLiteral("--batch: the name of a file is empty"));
+    while (at < words.size()) {
+        if (!parseVerb(words, at, error))
             return false;
     }
-    if (!checkUnits(error))
-        return false;
-    int toStandardOutput = 0;
-    for (const BatchStep &step : qAsConst(steps))
-        toStandardOutput += (step.verb == BatchStep::Dump || step.verb == BatchStep::Report) && step.value.isEmpty();
-    if (toStandardOutput > 1)
-        return fail(
-            error,
-            QStringLiteral("only one of --dump and --report can go to standard output; name a file for the others"));
-    return true;
-}
-
-bool BatchArguments::isKnownVerb(const QString &name)
-{
-    const auto isIt = [&](const VerbRow &row) { return name == QLatin1String(row.name); };
-    return isPictureOption(name) || isDialogOption(name) || name == Time || name == JointsOnly ||
-           std::any_of(std::begin(Verbs), std::end(Verbs), isIt);
-}
-
-bool BatchArguments::checkUnits(QString *error) const
-{
-    int first = 0;
-    while (first < steps.size() && steps.at(first).verb == BatchStep::Unit)
-        ++first;
-    for (int i = first; i < steps.size(); ++i) {
-        const auto reads = [](const BatchStep &step) { return step.verb == BatchStep::Merge; };
-        if (steps.at(i).verb == BatchStep::Unit && std::none_of(steps.begin() + i, steps.end(), reads))
-            return fail(error,
-                        QStringLiteral(
-                            "--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
-    }
-    return true;
+    return checkBatch(*this, error);
 }
 
 bool BatchArguments::parsePictureOption(const QString &name, const QString &value, QString *error)
@@ -132,6 +76,22 @@ bool BatchArguments::parseTime(const QString &value, QString *error)
     return true;
 }
 
+bool BatchArguments::parseFormat(const QString &value, QString *error)
+{
+    const bool isOfInput = steps.isEmpty() && files.contains(QStringLiteral("-"));
+    const bool isOfMerge = !steps.isEmpty() && steps.last().verb == BatchStep::Merge && steps.last().value == "-";
+    const bool isOfSave = !steps.isEmpty() && steps.last().verb == BatchStep::Save && steps.last().value == "-";
+    if (!isOfInput && !isOfMerge && !isOfSave)
+        return fail(error, QStringLiteral("--format belongs after --batch -, --merge - or --save -; where a file has a "
+                                          "name, its ending says the format"));
+    const QStringList known = isOfSave ? RySceneFile::writableEndings() : RySceneFile::readableEndings();
+    if (!known.contains(value))
+        return fail(error,
+                    QStringLiteral("--format: \"%1\" is none of %2").arg(value, known.join(QStringLiteral(", "))));
+    (isOfInput ? inputFormat : steps.last().format) = value;
+    return true;
+}
+
 bool BatchArguments::parseDialogOption(const QString &name, const QString &value, QString *error)
 {
     if (steps.isEmpty() || (steps.last().verb != BatchStep::Run && steps.last().verb != BatchStep::Script))
@@ -148,51 +108,62 @@ bool BatchArguments::parseDialogOption(const QString &name, const QString &value
     return true;
 }
 
+bool BatchArguments::parseOption(const QString &name, const QString &value, QString *error)
+{
+    if (name == QLatin1String(BatchVerbs::Time))
+        return parseTime(value, error);
+    if (name == QLatin1String(BatchVerbs::Format))
+        return parseFormat(value, error);
+    return BatchVerbs::isPictureOption(name) ? parsePictureOption(name, value, error)
+                                             : parseDialogOption(name, value, error);
+}
+
 bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *error)
 {
     const QString &name = arguments.at(at);
-    if (isPictureOption(name) || isDialogOption(name) || name == Time) {
-        if (at + 1 >= arguments.size() || isVerb(arguments.at(at + 1)))
+    const bool hasValue = at + 1 < arguments.size() && !isVerb(arguments.at(at + 1));
+    if (BatchVerbs::isPictureOption(name) || BatchVerbs::isDialogOption(name) ||
+        name == QLatin1String(BatchVerbs::Time) || name == QLatin1String(BatchVerbs::Format)) {
+        if (!hasValue)
             return fail(error, QStringLiteral("%1 needs a value").arg(name));
-        const QString &value = arguments.at(at + 1);
         at += 2;
-        if (name == Time)
-            return parseTime(value, error);
-        return isPictureOption(name) ? parsePictureOption(name, value, error) : parseDialogOption(name, value, error);
+        return parseOption(name, arguments.at(at - 1), error);
     }
-    if (name == JointsOnly) {
-        if (steps.isEmpty() || steps.last().verb != BatchStep::Save)
-            return fail(error, QStringLiteral("%1 belongs after --save").arg(name));
+    if (name == QLatin1String(BatchVerbs::JointsOnly)) {
+        if (steps.isEmpty() || (steps.last().verb != BatchStep::Save && steps.last().verb != BatchStep::SaveTo))
+            return fail(error, QStringLiteral("%1 belongs after --save or --save-to").arg(name));
         steps.last().jointsOnly = true;
         ++at;
         return true;
     }
-    for (const VerbRow &row : Verbs) {
-        if (name != QLatin1String(row.name))
-            continue;
-        BatchStep step;
-        step.verb = row.verb;
-        ++at;
-        const bool hasValue = at < arguments.size() && !isVerb(arguments.at(at));
-        if (row.value == Value::Required && !hasValue)
-            return fail(error, QStringLiteral("%1 needs a value").arg(name));
-        if (row.value != Value::None && hasValue)
-            step.value = arguments.at(at++);
-        if (row.verb == BatchStep::Unit) {
-            bool isNumber = false;
-            step.number = step.value.toDouble(&isNumber);
-            if (!isNumber || !std::isfinite(step.number) || step.number < 1e-6 || step.number > 1e6) {
-                return fail(error, QStringLiteral(
-                                       "--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
-                                       .arg(step.value));
-            }
-        }
-        steps.append(step);
-        return true;
+    const BatchVerbs::Row *row = BatchVerbs::find(name);
+    if (!row && isVerb(name)) {
+        return fail(error, QStringLiteral("%1 is no verb of a batch run%2; --help lists them")
+                               .arg(name, ryDidYouMean(ryNearTexts(name, BatchVerbs::names()), QString())));
     }
-    if (isVerb(name))
-        return fail(error, QStringLiteral("%1 is no verb of a batch run; --help lists them").arg(name));
-    if (steps.isEmpty())
-        return fail(error, QStringLiteral("\"%1\" stands alone; to add a second file write --merge %1").arg(name));
-    return fail(error, QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it").arg(name));
+    if (!row)
+        return fail(error,
+                    QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it, and further "
+                                   "files stand before all verbs")
+                        .arg(name));
+    BatchStep step;
+    step.verb = row->verb;
+    ++at;
+    if (row->value == BatchVerbs::Value::Required && !hasValue)
+        return fail(error, QStringLiteral("%1 needs a value").arg(name));
+    if (row->value != BatchVerbs::Value::None && hasValue)
+        step.value = arguments.at(at++);
+    if (row->verb == BatchStep::Unit) {
+        bool isNumber = false;
+        step.number = step.value.toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(step.number) || step.number < 1e-6 || step.number > 1e6) {
+            return fail(error,
+                        QStringLiteral("--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
+                            .arg(step.value));
+        }
+    }
+    if (row->verb == BatchStep::SaveTo && (step.value.isEmpty() || step.value == QLatin1String("-")))
+        return fail(error, QStringLiteral("--save-to needs a folder; for standard output use --save -"));
+    steps.append(step);
+    return true;
 }

@@ -10,7 +10,6 @@
 
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace {
@@ -43,7 +42,7 @@ void addMesh(QJsonObject &entry, const RyNode &node)
 
 } // namespace
 
-QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
+QJsonObject batchReport(const RyScene &scene, const BatchEvents &events)
 {
     QJsonArray figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
@@ -91,5 +90,5 @@ QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
         report[QStringLiteral("file")] = QFileInfo(origin->path()).fileName();
         report[QStringLiteral("unit")] = origin->unitFactor();
     }
-    return QJsonDocument(report).toJson();
+    return report;
 }

@@ -20,13 +20,16 @@
 #include "rycore/undo/restore/RyRestoreSpan.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewportMgr.h"
-#include "ryhost/batch/BatchReport.h"
-#include "ryhost/start/HostPlugins.h"
+#include "ryhost/batch/BatchChecks.h"
+#include "ryhost/batch/BatchDocument.h"
+#include "ryhost/batch/BatchStreams.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
+#include <QDir>
 #include <QImage>
 #include <QImageWriter>
+#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -39,7 +42,8 @@ static ExitCode exitCodeOf(RyOutcome outcome)
     return outcome == RyOutcome::Refused ? ExitCode::ActionRefused : ExitCode::Done;
 }
 
-BatchRunner::BatchRunner(RyMainWindow &window) : m_window(window)
+BatchRunner::BatchRunner(RyMainWindow &window, const BatchArguments &arguments, BatchStreams &streams)
+    : m_window(window), m_arguments(arguments), m_streams(streams)
 {
     // For scripts, which can go back to them.
     ryRestorePoints()->setMost(MostPoints);
@@ -55,39 +59,91 @@ BatchRunner::~BatchRunner()
 
 void BatchRunner::print(const QString &message)
 {
-    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    m_progress.clear();
+    const bool isNamed = m_arguments.files.size() == 1 || message.contains(m_file);
+    std::fprintf(stderr, "%s\n",
+                 (isNamed ? message : m_file + QStringLiteral(": ") + message).toLocal8Bit().constData());
 }
 
 void BatchRunner::say(const QString &message)
 {
+    note(m_streams.named(message));
+    print(m_streams.named(message));
+}
+
+void BatchRunner::note(const QString &message)
+{
     m_events.messages.append(message);
-    print(message);
+    if (m_listener)
+        m_listener({{QStringLiteral("message"), message}});
 }
 
 ExitCode BatchRunner::fail(ExitCode code, const QString &message)
 {
+    if (m_error.isEmpty())
+        m_error = m_streams.named(message);
     say(message);
     return code;
 }
 
-ExitCode BatchRunner::run(const BatchArguments &arguments)
+void BatchRunner::begin(const QString &verb, int number)
 {
-    // The log prints by itself.
+    m_verb = verb;
+    if (m_listener)
+        m_listener({{QStringLiteral("verb"), verb}});
+    const QString place = m_arguments.files.size() > 1
+                              ? QStringLiteral("[%1/%2] ").arg(m_number + 1).arg(m_arguments.files.size())
+                              : QString();
+    m_progress.show(QStringLiteral("%1%2  %3/%4 %5")
+                        .arg(place, m_file)
+                        .arg(number)
+                        .arg(m_arguments.steps.size())
+                        .arg(m_streams.named(verb)));
+}
+
+ExitCode BatchRunner::run(int number, const Listener &listener)
+{
+    m_number = number;
+    m_file = m_arguments.files.at(number);
+    m_listener = listener;
+    // What the log says is printed here, so that it does not run into the line that shows the progress.
+    RyMessageLog::global().setEcho(false);
     const auto listening = QObject::connect(&RyMessageLog::global(), &RyMessageLog::messageAdded,
-                                            [this](const QString &message) { m_events.messages.append(message); });
+                                            [this](const QString &message, bool isWarning) {
+                                                note(message);
+                                                print(isWarning ? QStringLiteral("Warning: ") + message : message);
+                                            });
+    const ExitCode code = runSteps(m_file);
+    QObject::disconnect(listening);
+    RyMessageLog::global().setEcho(true);
+    m_progress.clear();
+    if (m_listener) {
+        QJsonObject entry = batchEntry(m_file, int(code), m_verb, m_error, m_events);
+        if (!m_report.isEmpty())
+            entry[QStringLiteral("report")] = m_report;
+        m_listener({{QStringLiteral("entry"), entry}});
+    }
+    return code;
+}
+
+ExitCode BatchRunner::runSteps(const QString &file)
+{
+    const QList<BatchStep> &steps = m_arguments.steps;
     // A unit that is said before anything else belongs to the file itself.
     int next = 0;
-    for (; next < arguments.steps.size() && arguments.steps.at(next).verb == BatchStep::Unit; ++next)
-        m_unit = arguments.steps.at(next).number;
-    ExitCode code = open(arguments.file, false);
+    for (; next < steps.size() && steps.at(next).verb == BatchStep::Unit; ++next)
+        m_unit = steps.at(next).number;
+    begin(QStringLiteral("--batch ") + file, next);
+    ExitCode code = open(file, m_arguments.inputFormat, false);
     m_unit = 0.0;
-    for (; next < arguments.steps.size() && code == ExitCode::Done; ++next)
-        code = runStep(arguments.steps.at(next));
-    for (; next < arguments.steps.size(); ++next) {
-        if (arguments.steps.at(next).verb == BatchStep::Report)
-            runStep(arguments.steps.at(next));
+    for (; next < steps.size() && code == ExitCode::Done; ++next) {
+        begin(steps.at(next).text(), next + 1);
+        code = runStep(steps.at(next));
     }
-    QObject::disconnect(listening);
+    for (; next < steps.size(); ++next) {
+        if (steps.at(next).verb == BatchStep::Report)
+            runStep(steps.at(next));
+    }
     return code;
 }
 
@@ -147,7 +203,7 @@ ExitCode BatchRunner::runStep(const BatchStep &step)
         say(QStringLiteral("%1: %2").arg(step.value, message));
     const ExitCode judged = exitCodeOf(verdict.outcome);
     if (judged != ExitCode::Done)
-        say(QStringLiteral("%1: %2").arg(step.value, verdict.reason));
+        fail(judged, QStringLiteral("%1: %2").arg(step.value, verdict.reason));
     return code != ExitCode::Done ? code : judged;
 }
 
@@ -158,7 +214,7 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
         m_unit = step.number;
         return ExitCode::Done;
     case BatchStep::Merge:
-        return open(step.value, true);
+        return open(step.value, step.format, true);
     case BatchStep::Select:
         return select(step.value);
     case BatchStep::Property:
@@ -173,12 +229,14 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
         return undoOrRedo(true);
     case BatchStep::Save:
         return save(step);
+    case BatchStep::SaveTo:
+        return saveTo(step);
     case BatchStep::Screenshot:
         return screenshot(step);
     case BatchStep::Dump:
-        return writeText(step.value, rySceneDump(*m_window.getScene()).toUtf8());
+        return writeBytes(step, rySceneDump(*m_window.getScene()).toUtf8());
     case BatchStep::Report:
-        return writeText(step.value, batchReport(*m_window.getScene(), m_events));
+        return report(step);
     case BatchStep::Script:
         return runScript(step.value);
     case BatchStep::Run:
@@ -187,9 +245,12 @@ ExitCode BatchRunner::runVerb(const BatchStep &step)
     return ExitCode::WrongUse;
 }
 
-ExitCode BatchRunner::open(const QString &path, bool merge)
+ExitCode BatchRunner::open(const QString &name, const QString &format, bool merge)
 {
     QString error;
+    const QString path = name == QLatin1String("-") ? m_streams.readInput(format, &error) : name;
+    if (path.isEmpty())
+        return fail(ExitCode::FileRefused, error);
     QStringList messages;
     RySceneFile::Options options;
     options.unit = m_unit;
@@ -283,24 +344,54 @@ void BatchRunner::note(const RyFigureFits::Fit &fit)
                                      {QStringLiteral("pose"), fit.report.pose}});
 }
 
-ExitCode BatchRunner::save(const BatchStep &step)
+bool BatchRunner::saveScene(const QString &path, bool jointsOnly, QStringList *losses, QString *error)
 {
-    const QString &path = step.value;
     RySceneFile::SaveOptions options;
-    options.jointsOnly = step.jointsOnly;
-    QString error;
-    QStringList messages, losses;
+    options.jointsOnly = jointsOnly;
+    QStringList messages;
     std::vector<RyFigureFits::Fit> fits;
     options.fits = &fits;
-    const bool saved = RySceneFile::save(m_window.getScene(), path, options, &error, &messages, &losses);
+    const bool saved = RySceneFile::save(m_window.getScene(), path, options, error, &messages, losses);
     for (const RyFigureFits::Fit &fit : fits)
         note(fit);
     for (const QString &message : qAsConst(messages))
         say(message);
-    if (saved && !losses.isEmpty())
-        error =
-            QStringLiteral("%1 was written, but not all of the scene: %2").arg(path, losses.join(QStringLiteral("; ")));
-    return saved && losses.isEmpty() ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+    if (saved)
+        m_events.written.append(m_streams.named(path));
+    return saved;
+}
+
+ExitCode BatchRunner::save(const BatchStep &step)
+{
+    QString error;
+    QStringList losses;
+    const bool toStream = step.writesStandardOutput();
+    const QString format = step.format.isEmpty() ? QStringLiteral("glb") : step.format;
+    const QString path = toStream ? m_streams.outputFile(format, &error) : step.value;
+    if ((toStream && path.isEmpty()) || !saveScene(path, step.jointsOnly, &losses, &error) ||
+        (toStream && !m_streams.sendFile(path, &error)))
+        return fail(ExitCode::CannotWrite, error);
+    if (losses.isEmpty())
+        return ExitCode::Done;
+    return fail(
+        ExitCode::CannotWrite,
+        QStringLiteral("%1 was written, but not all of the scene: %2").arg(path, losses.join(QStringLiteral("; "))));
+}
+
+ExitCode BatchRunner::saveTo(const BatchStep &step)
+{
+    const QDir folder(step.value);
+    if (!folder.mkpath(QStringLiteral("."))) {
+        return fail(
+            ExitCode::CannotWrite,
+            QStringLiteral("--save-to: the folder %1 is not there and cannot be made; a file may have its name, "
+                           "or the folder above be write-protected")
+                .arg(step.value));
+    }
+    BatchStep named = step;
+    named.verb = BatchStep::Save;
+    named.value = folder.filePath(batchTargetName(m_file));
+    return save(named);
 }
 
 ExitCode BatchRunner::screenshot(const BatchStep &step)
@@ -322,24 +413,37 @@ ExitCode BatchRunner::screenshot(const BatchStep &step)
     QImageWriter writer(&buffer, "png");
     if (!writer.write(picture))
         return fail(ExitCode::CannotWrite, QStringLiteral("%1: %2").arg(step.value, writer.errorString()));
-    QString error;
-    return RySafeFile::write(step.value, bytes, &error) ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+    return writeBytes(step, bytes);
 }
 
-ExitCode BatchRunner::writeText(const QString &path, const QByteArray &text)
+ExitCode BatchRunner::writeBytes(const BatchStep &step, const QByteArray &bytes)
 {
-    if (path.isEmpty()) {
-        const size_t written = std::fwrite(text.constData(), 1, size_t(text.size()), stdout);
-        if (written != size_t(text.size()) || std::fflush(stdout) != 0)
-            return fail(ExitCode::CannotWrite, QStringLiteral("standard output could not be written"));
-        return ExitCode::Done;
-    }
     QString error;
-    return RySafeFile::write(path, text, &error) ? ExitCode::Done : fail(ExitCode::CannotWrite, error);
+    const bool toStream = step.writesStandardOutput();
+    if (!(toStream ? m_streams.write(bytes, &error) : RySafeFile::write(step.value, bytes, &error)))
+        return fail(ExitCode::CannotWrite, error);
+    m_events.written.append(toStream ? QStringLiteral("standard output") : step.value);
+    return ExitCode::Done;
 }
 
-ExitCode BatchRunner::runScript(const QString &path)
+ExitCode BatchRunner::report(const BatchStep &step)
 {
+    QJsonObject report = batchReport(*m_window.getScene(), m_events);
+    if (!m_arguments.asJson || !step.writesStandardOutput())
+        return writeBytes(step, QJsonDocument(report).toJson());
+    // Its events stand in the document already.
+    for (const char *key : {"messages", "runs", "boxes", "fits"})
+        report.remove(QLatin1String(key));
+    m_report = report;
+    return ExitCode::Done;
+}
+
+ExitCode BatchRunner::runScript(const QString &name)
+{
+    QString error;
+    const QString path = name == QLatin1String("-") ? m_streams.readScript(&error) : name;
+    if (path.isEmpty())
+        return fail(ExitCode::ScriptFailed, error);
     activateTool();
     RyScript script{QString()};
     if (!script.loadFromFile(path, true))
@@ -349,17 +453,4 @@ ExitCode BatchRunner::runScript(const QString &path)
     return script.execute()
                ? ExitCode::Done
                : fail(ExitCode::ScriptFailed, QStringLiteral("%1: the script ended with an error").arg(path));
-}
-
-int runBatch(const QStringList &arguments)
-{
-    BatchArguments parsed;
-    QString error;
-    if (!parsed.parse(arguments, &error)) {
-        std::fprintf(stderr, "%s\n", error.toLocal8Bit().constData());
-        return int(ExitCode::WrongUse);
-    }
-    RyMainWindow window(ryScene());
-    loadHostPlugins(window);
-    return int(BatchRunner(window).run(parsed));
 }

@@ -1,6 +1,7 @@
 #include "rycore/scene/node/RyNodeLookup.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/base/RyNearTexts.h"
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
@@ -32,6 +33,26 @@ void collect(const RyPropertyGroup *group, std::vector<RyFloatProperty *> &prope
     }
 }
 
+/// The names that are near, or the paths where a path was written.
+QStringList nearNodes(const RyScene &scene, const QString &text)
+{
+    const bool isPath = text.contains(QLatin1Char('/'));
+    const QString name = text.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+    QStringList names, texts;
+    for (const RyNode *node : scene.getNodesInTreeOrder())
+        names.append(node->getName());
+    const QStringList near = ryNearTexts(name, names);
+    if (!isPath)
+        return near;
+    for (const QString &each : near) {
+        for (const RyNode *node : scene.getNodesInTreeOrder()) {
+            if (node->getName() == each)
+                texts.append(RyNodeLookup::pathOf(node));
+        }
+    }
+    return texts;
+}
+
 } // namespace
 
 QString RyNodeLookup::pathOf(const RyNode *node)
@@ -57,14 +78,7 @@ RyNode *RyNodeLookup::findNode(const RyScene &scene, const QString &text, QStrin
         }
     }
     if (found.empty()) {
-        QStringList near;
-        for (const RyNode *node : scene.getNodesInTreeOrder()) {
-            if (node->getName().compare(text, Qt::CaseInsensitive) == 0)
-                near.append(QLatin1Char('"') + node->getName() + QLatin1Char('"'));
-        }
-        *error = QStringLiteral("no node is called \"%1\"").arg(text);
-        if (!near.isEmpty())
-            *error += QStringLiteral(" (did you mean %1?)").arg(near.join(QStringLiteral(" or ")));
+        *error = QStringLiteral("no node is called \"%1\"").arg(text) + ryDidYouMean(nearNodes(scene, text));
         return nullptr;
     }
     if (found.size() > 1) {

@@ -11,8 +11,8 @@ class RyScene;
 /// Finds nodes and properties by what a person writes.
 namespace RyNodeLookup {
 
-/// A name, or the end of a path ("hip/abdomen"). Null with a message when there is none or more than one (their paths
-/// are listed).
+/// A name, or the end of a path ("hip/abdomen"). Null with a message when there is none (names that are near are
+/// offered) or more than one (their paths are listed).
 RyNode *findNode(const RyScene &scene, const QString &text, QString *error);
 /// Names from the top-level node down, parted by "/".
 QString pathOf(const RyNode *node);

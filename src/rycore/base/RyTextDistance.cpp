@@ -1,4 +1,4 @@
-#include "rycore/automation/RyTextDistance.h"
+#include "rycore/base/RyTextDistance.h"
 
 #include <algorithm>
 #include <numeric>

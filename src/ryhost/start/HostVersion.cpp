@@ -1,0 +1,6 @@
+#include "ryhost/start/HostVersion.h"
+
+QString hostVersion()
+{
+    return QStringLiteral(RY_VERSION);
+}
