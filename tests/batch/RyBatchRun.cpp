@@ -26,7 +26,7 @@ QString RyBatchRun::write(const QString &name, const QByteArray &content) const
     return target.open(QIODevice::WriteOnly) && target.write(content) == content.size() ? target.fileName() : QString();
 }
 
-RyBatchRun::Result RyBatchRun::run(const QStringList &arguments) const
+RyBatchRun::Result RyBatchRun::run(const QStringList &arguments, const QByteArray &input) const
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -39,6 +39,8 @@ RyBatchRun::Result RyBatchRun::run(const QStringList &arguments) const
         environment.insert(QStringLiteral("RYHOST_HOME"), m_home);
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
+    process.write(input);
+    process.closeWriteChannel();
     Result result;
     if (!process.waitForFinished(120000)) {
         process.kill();

@@ -30,7 +30,8 @@ public:
     /// Instead of the folder of scripts and samples in the source tree.
     void setHome(const QString &folder) { m_home = folder; }
 
-    Result run(const QStringList &arguments) const;
+    /// `input` comes by standard input, which ends with it.
+    Result run(const QStringList &arguments, const QByteArray &input = QByteArray()) const;
     /// With the sample figure.
     Result batch(const QStringList &verbs) const
     {

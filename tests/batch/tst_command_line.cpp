@@ -42,9 +42,10 @@ private slots:
         const Result help = run({QStringLiteral("--help")});
         QCOMPARE(help.code, 0);
         QVERIFY(help.out.count('\n') <= 50);
-        for (const char *verb : {"--batch", "--select", "--property", "--pose", "--undo", "--save", "--screenshot",
-                                 "--dump", "--run", "--set", "--answer", "--script", "--report", "--merge", "--unit",
-                                 "--redo", "--joints-only", "--clip", "--time"})
+        for (const char *verb : {"--batch",      "--select",  "--property", "--pose", "--undo",        "--save",
+                                 "--screenshot", "--dump",    "--run",      "--set",  "--answer",      "--script",
+                                 "--report",     "--merge",   "--unit",     "--redo", "--joints-only", "--clip",
+                                 "--time",       "--save-to", "--format",   "--json", "--verbose",     "--version"})
             QVERIFY2(help.out.contains(verb), verb);
     }
 
@@ -228,8 +229,7 @@ private slots:
         row("nothing to undo", {QStringLiteral("--undo")}, "nothing to undo");
         row("nothing of a merge to undo", {QStringLiteral("--merge"), sample(), QStringLiteral("--undo")},
             "--merge makes no step");
-        row("stray word", {QStringLiteral("lForearm")}, "\"lForearm\"");
-        row("second file", {QStringLiteral("b.glb")}, "--merge b.glb");
+        row("stray word", {QStringLiteral("--undo"), QStringLiteral("lForearm")}, "\"lForearm\" stands alone");
         row("no names", {QStringLiteral("--select"), QStringLiteral(",")}, "\",\" names no node");
         row("unit for nothing", {QStringLiteral("--undo"), QStringLiteral("--unit"), QStringLiteral("2")},
             "no file is read after it");

@@ -13,6 +13,9 @@
 #include <QSpinBox>
 #include <QVBoxLayout>
 
+#include <csignal>
+#include <cstdio>
+
 /// Opens a dialog whose numbers move the primary selection up.
 class RyTestRaiseAction : public RyAction
 {
@@ -72,6 +75,24 @@ public:
     }
 };
 
+/// Writes where only the program should.
+class RyTestPrintAction : public RyAction
+{
+    Q_OBJECT
+public:
+    RyTestPrintAction() : RyAction(QStringLiteral("Print"), QString()) {}
+    void executeAction() override { std::puts("printed by a library"); }
+};
+
+/// Brings the program down.
+class RyTestAbortAction : public RyAction
+{
+    Q_OBJECT
+public:
+    RyTestAbortAction() : RyAction(QStringLiteral("Abort"), QString()) {}
+    void executeAction() override { std::raise(SIGKILL); }
+};
+
 class RyTestDisabledAction : public RyAction
 {
     Q_OBJECT
@@ -92,9 +113,16 @@ static struct Factories
     RyTClassFactory<RyTestDisabledAction> disabled{
         &RyTestDisabledAction::staticMetaObject,
         RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA3"))};
+    RyTClassFactory<RyTestAbortAction> abort{
+        &RyTestAbortAction::staticMetaObject,
+        RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA4"))};
+    RyTClassFactory<RyTestPrintAction> print{
+        &RyTestPrintAction::staticMetaObject,
+        RyGuid::fromString(QStringLiteral("0A4E42A0-0000-4ca5-9863-850B40E01DA5"))};
     Factories()
     {
-        for (RyClassFactory *factory : std::initializer_list<RyClassFactory *>{&raise, &insist, &disabled})
+        for (RyClassFactory *factory :
+             std::initializer_list<RyClassFactory *>{&raise, &insist, &disabled, &abort, &print})
             plugin.addClassFactory(factory);
     }
 } factories;
