@@ -1,0 +1,10 @@
+# Many characters at once. What draws or loads drivers leaks: see the other programs with drivers in them.
+find_program(RY_PYTHON python3 REQUIRED)
+foreach(name farm farm_guide progress)
+  add_test(NAME farm_${name} COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_${name}.py $<TARGET_FILE:ryhost>)
+  set_tests_properties(farm_${name} PROPERTIES TIMEOUT 600 ENVIRONMENT ASAN_OPTIONS=detect_leaks=0)
+endforeach()
+foreach(script scripts/farm_array tools/try_slurm)
+  string(MAKE_C_IDENTIFIER ${script} name)
+  add_test(NAME farm_parse_${name} COMMAND bash -n ${CMAKE_SOURCE_DIR}/${script})
+endforeach()
