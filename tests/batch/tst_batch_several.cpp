@@ -187,6 +187,15 @@ private slots:
         QCOMPARE(QDir(out).entryList(QDir::Files), QStringList({"mesh.obj", "upper.case.GLB"}));
     }
 
+    /// What cannot be written under its own ending becomes .glb, where another may be already.
+    void newEndingsCountAmongNames()
+    {
+        const Result result =
+            m_run.run({"--batch", copy("a.glb"), m_run.file("a.dae"), "--save-to", m_run.file("both")});
+        QCOMPARE(result.code, 2);
+        QVERIFY2(result.says("a.dae would both be written as a.glb"), result.err.constData());
+    }
+
     void wrongUseRunsNothing_data()
     {
         QTest::addColumn<QStringList>("verbs");
