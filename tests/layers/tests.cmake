@@ -14,5 +14,7 @@ add_test(NAME layers_planted_calls COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_
 # The sanitizers add symbols of their own.
 if(TARGET RyJointTools AND NOT RY_SANITIZE)
   add_test(NAME layers_exports COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_exports.py
-           $<TARGET_FILE:RyJointTools>)
+           $<TARGET_FILE:RyJointTools> getPluginDefinition getSDKVersion)
+  add_test(NAME layers_foreign_exports COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_exports.py
+           $<TARGET_FILE:ryforeign> ryReadForeign)
 endif()

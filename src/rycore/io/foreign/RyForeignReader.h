@@ -11,11 +11,14 @@
 struct RyForeignRequest
 {
     QString path;
+    /// Centimetres in one unit of the file; 0: as the file says, or as its largest figure makes likely.
+    double unit = 0.0;
     /// Told how much is done, from 0 to 1; false means that nobody wants the file any more.
     std::function<bool(double done)> progress;
 };
 
-/// A foreign file as a glTF 2.0 binary with the extras of our own, in the file's own unit.
+/// A foreign file as a glTF 2.0 binary with the extras of our own: in metres, as that format has it, so that what is
+/// saved from it has its size in every program. Unit and axes of the file stand in the node above all.
 struct RyForeignResult
 {
     QByteArray glb;

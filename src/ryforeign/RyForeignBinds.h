@@ -1,0 +1,29 @@
+#pragma once
+
+#include "ryforeign/RyForeignInput.h"
+#include "ryforeign/RyForeignTree.h"
+
+struct aiBone;
+
+/// Where the joints stood when the meshes were bound: what a bone of a mesh says, and for joints that no mesh names how
+/// their nodes stand to those above. The tree is placed, its joints are marked.
+class RyForeignBinds
+{
+public:
+    RyForeignBinds(const RyForeignInput &input, const RyForeignTree &tree);
+
+    /// From joint space to the world, at rest; of a node that is no joint as it stands.
+    const RyAffine &of(int node) const { return m_binds[size_t(node)]; }
+    /// From the mesh space of a node to the space of a joint, at rest. `bone`: what that mesh says of it, or null.
+    RyAffine inverseBind(int meshNode, int joint, const aiBone *bone) const;
+
+private:
+    bool isNear(const RyAffine &a, const RyAffine &b, double tolerance) const;
+    void readBones();
+
+    const RyForeignInput &m_input;
+    const RyForeignTree &m_tree;
+    std::vector<RyAffine> m_binds; // per node
+    std::vector<bool> m_isSaid;
+    double m_reach = 0.0; // how far nodes stand apart
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ryforeign/RyForeignInput.h"
+#include "ryforeign/RyForeignTree.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <map>
+
+struct aiAnimation;
+struct aiMeshMorphAnim;
+struct aiNodeAnim;
+class RyGltfDocument;
+
+/// Writes the clips: the keys that the importers' library gives, straight lines between them.
+class RyForeignClips
+{
+public:
+    /// `nodeOf`: nodes of the document by those of the tree, -1 for none.
+    RyForeignClips(const RyForeignInput &input, const RyForeignTree &tree, const std::vector<int> &nodeOf,
+                   RyGltfDocument &document)
+        : m_input(input), m_tree(tree), m_nodeOf(nodeOf), m_document(document)
+    {}
+
+    void write();
+    /// Nodes of the tree that a clip drives.
+    static std::vector<bool> drivenNodes(const RyForeignInput &input, const RyForeignTree &tree);
+
+private:
+    using Json = nlohmann::ordered_json;
+
+    /// Keys of one channel: seconds and so many numbers each.
+    struct Keys
+    {
+        int components;
+        std::vector<float> times;
+        std::vector<float> values;
+        void add(double time, std::initializer_list<double> numbers);
+        bool isConstant() const;
+    };
+
+    void writeClip(const aiAnimation &clip, int number);
+    void writeNode(const aiNodeAnim &channel);
+    void writeMorphs(const aiMeshMorphAnim &channel);
+    void addChannel(int node, const char *path, Keys keys);
+    double seconds(double ticks) const { return ticks / m_ticks - m_start; }
+    int timesAccessor(const std::vector<float> &times);
+
+    const RyForeignInput &m_input;
+    const RyForeignTree &m_tree;
+    const std::vector<int> &m_nodeOf;
+    RyGltfDocument &m_document;
+    double m_ticks = 1.0; // a second, of the clip at hand
+    double m_start = 0.0; // seconds that it begins before 0
+    Json *m_clip = nullptr;
+    std::map<std::vector<float>, int> m_times; // accessors, of the clip at hand
+    QStringList m_unknown;                     // what is driven and is not there
+};

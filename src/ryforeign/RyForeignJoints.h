@@ -1,0 +1,34 @@
+#pragma once
+
+#include "ryforeign/RyForeignInput.h"
+#include "ryforeign/RyForeignTree.h"
+
+#include <QSet>
+
+/// Finds out which nodes are joints. A foreign file names as bones only what has a share in a mesh, some not even that;
+/// the others are told by where they stand: above, between and below.
+class RyForeignJoints
+{
+public:
+    /// `declared`: names of nodes that the file itself calls joints.
+    RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree, const QSet<QString> &declared);
+
+    void mark();
+
+private:
+    bool isNamed(size_t node) const { return m_isNamed[node]; }
+    void findNamed();
+    void findEnds();
+    void markBelow();
+    void markAbove();
+    bool isCameraOrLight(const RyForeignTree::Node &node) const;
+    bool isLimb(const RyForeignTree::Node &node) const;
+    bool mayBeJoint(const RyForeignTree::Node &node) const;
+
+    const RyForeignInput &m_input;
+    RyForeignTree &m_tree;
+    const QSet<QString> &m_declared;
+    std::vector<bool> m_isNamed; // by a bone of a mesh
+    std::vector<bool> m_isLeaf;
+    bool m_hasNamed = false;
+};

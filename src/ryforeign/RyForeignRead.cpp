@@ -1,0 +1,66 @@
+#include "ryforeign/RyForeignRead.h"
+
+#include "rycore/io/gltf/document/RyGltfDocument.h"
+#include "rycore/io/gltf/file/RyGltfError.h"
+#include "ryforeign/RyForeignConverter.h"
+#include "ryforeign/RyForeignFile.h"
+#include "ryforeign/RyForeignJoints.h"
+#include "ryforeign/RyForeignPlace.h"
+
+#include <assimp/scene.h>
+
+#include <exception>
+
+namespace {
+
+RyForeignInput::Kind kindOf(const QString &path)
+{
+    if (path.endsWith(QLatin1String(".dae"), Qt::CaseInsensitive))
+        return RyForeignInput::Collada;
+    return path.endsWith(QLatin1String(".bvh"), Qt::CaseInsensitive) ? RyForeignInput::Bvh : RyForeignInput::Fbx;
+}
+
+/// Reading takes this share of the time, roughly.
+constexpr double readingShare = 0.7;
+
+bool read(const RyForeignRequest &request, RyForeignResult &result)
+{
+    const auto tell = [&request](double done) { return !request.progress || request.progress(done); };
+    RyForeignFile file;
+    RyForeignInput input;
+    input.scene = file.read(
+        request.path, [&](double done) { return tell(readingShare * done); }, &result.error);
+    if (!input.scene)
+        return false;
+    input.kind = kindOf(request.path);
+    input.path = request.path;
+    input.notes = &result.notes;
+    RyForeignTree tree(*input.scene);
+    const QSet<QString> declared;
+    RyForeignJoints(input, tree, declared).mark();
+    const RyAffine top = ryForeignTop(input, tree, request.unit);
+    tree.place(top);
+    const std::unique_ptr<RyGltfDocument> document = RyForeignConverter(input, tree, top).convert([&](double done) {
+        return tell(readingShare + (0.95 - readingShare) * done);
+    });
+    if (!document || !tell(0.95)) {
+        result.error = QStringLiteral("reading was cancelled");
+        return false;
+    }
+    result.glb = document->toBytes(QStringLiteral("glb"), &result.error);
+    return !result.glb.isEmpty();
+}
+
+} // namespace
+
+bool ryReadForeign(const RyForeignRequest &request, RyForeignResult &result)
+{
+    try {
+        return read(request, result);
+    } catch (const RyGltfError &refusal) {
+        result.error = refusal.message;
+    } catch (const std::exception &failure) {
+        result.error = RyForeignFile::explain(QString::fromUtf8(failure.what()));
+    }
+    return false;
+}

@@ -1,0 +1,42 @@
+#include "ryforeign/RyForeignTree.h"
+
+#include "ryforeign/RyForeignText.h"
+
+#include <assimp/scene.h>
+
+RyForeignTree::RyForeignTree(const aiScene &scene)
+{
+    std::vector<std::pair<const aiNode *, int>> pending{{scene.mRootNode, -1}};
+    while (!pending.empty()) {
+        const auto [source, parent] = pending.back();
+        pending.pop_back();
+        const int place = int(nodes.size());
+        Node node;
+        node.source = source;
+        node.parent = parent;
+        node.name = ryForeignText(source->mName);
+        node.local = ryForeignMap(source->mTransformation);
+        node.hasMesh = source->mNumMeshes > 0;
+        nodes.push_back(node);
+        m_placeOf.emplace(std::string(source->mName.data, source->mName.length), place);
+        for (unsigned child = source->mNumChildren; child > 0; --child)
+            pending.emplace_back(source->mChildren[child - 1], place);
+    }
+    for (size_t i = nodes.size(); i-- > 1;) {
+        if (nodes[i].hasMesh)
+            nodes[size_t(nodes[i].parent)].hasMesh = true;
+    }
+    place(RyAffine());
+}
+
+void RyForeignTree::place(const RyAffine &top)
+{
+    for (Node &node : nodes)
+        node.world = node.local * (node.parent < 0 ? top : nodes[size_t(node.parent)].world);
+}
+
+int RyForeignTree::find(const aiString &name) const
+{
+    const auto found = m_placeOf.find(std::string(name.data, name.length));
+    return found == m_placeOf.end() ? -1 : found->second;
+}

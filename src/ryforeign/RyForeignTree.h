@@ -1,0 +1,41 @@
+#pragma once
+
+#include "rycore/math/RyAffine.h"
+
+#include <QString>
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+struct aiNode;
+struct aiScene;
+struct aiString;
+
+/// The nodes of a foreign file in pre-order.
+class RyForeignTree
+{
+public:
+    struct Node
+    {
+        const aiNode *source = nullptr;
+        int parent = -1;
+        QString name; // as it is written
+        RyAffine local;
+        RyAffine world; // node space to the world of the file that is written
+        bool isJoint = false;
+        bool isEnd = false;   // marks the end of the joint above it
+        bool hasMesh = false; // itself or below it
+    };
+
+    explicit RyForeignTree(const aiScene &scene);
+
+    std::vector<Node> nodes;
+    /// Places all nodes in the world; `top`: from the space above the tree.
+    void place(const RyAffine &top);
+    /// By the name that the importers' library uses; -1 for none.
+    int find(const aiString &name) const;
+
+private:
+    std::unordered_map<std::string, int> m_placeOf;
+};
