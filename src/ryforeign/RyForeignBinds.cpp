@@ -20,6 +20,7 @@ RyForeignBinds::RyForeignBinds(const RyForeignInput &input, const RyForeignTree 
     : m_input(input), m_tree(tree), m_binds(tree.nodes.size()), m_isSaid(tree.nodes.size(), false)
 {
     for (const RyForeignTree::Node &node : tree.nodes) {
+        m_meshToWorld.push_back(node.world);
         for (int axis = 0; axis < 3; ++axis)
             m_reach = std::max(m_reach, std::abs(node.world.m[3][axis] - tree.nodes.front().world.m[3][axis]));
     }
@@ -47,32 +48,61 @@ bool RyForeignBinds::isNear(const RyAffine &a, const RyAffine &b, double toleran
     return turned <= tolerance * size && moved <= tolerance * m_reach;
 }
 
+template<typename Work>
+void RyForeignBinds::forBonesOf(size_t node, const Work &work) const
+{
+    const aiNode &source = *m_tree.nodes[node].source;
+    for (unsigned m = 0; m < source.mNumMeshes; ++m) {
+        const aiMesh &mesh = *m_input.scene->mMeshes[source.mMeshes[m]];
+        for (unsigned b = 0; b < mesh.mNumBones; ++b) {
+            const int joint = m_tree.find(mesh.mBones[b]->mName);
+            RyAffine bind;
+            const RyAffine offset = ryForeignMap(mesh.mBones[b]->mOffsetMatrix);
+            if (joint >= 0 && m_tree.nodes[size_t(joint)].isJoint && offset.invert(bind))
+                work(size_t(joint), offset, bind);
+        }
+    }
+}
+
 void RyForeignBinds::readBones()
 {
-    for (const RyForeignTree::Node &node : m_tree.nodes) {
-        for (unsigned m = 0; m < node.source->mNumMeshes; ++m) {
-            const aiMesh &mesh = *m_input.scene->mMeshes[node.source->mMeshes[m]];
-            for (unsigned b = 0; b < mesh.mNumBones; ++b) {
-                const int joint = m_tree.find(mesh.mBones[b]->mName);
-                RyAffine bind;
-                if (joint < 0 || m_isSaid[size_t(joint)] || !m_tree.nodes[size_t(joint)].isJoint ||
-                    !ryForeignMap(mesh.mBones[b]->mOffsetMatrix).invert(bind)) {
-                    continue;
-                }
-                m_binds[size_t(joint)] = bind * node.world;
-                m_isSaid[size_t(joint)] = true;
-            }
+    for (size_t node = 0; node < m_tree.nodes.size(); ++node) {
+        // Collada binds a mesh where its skin says, not where its node stands; the other formats know no such place.
+        if (m_input.kind == RyForeignInput::Collada)
+            placeByAnchor(node);
+        forBonesOf(node, [&](size_t joint, const RyAffine &, const RyAffine &bind) {
+            if (m_isSaid[joint])
+                return;
+            m_binds[joint] = bind * m_meshToWorld[node];
+            m_isSaid[joint] = true;
+        });
+    }
+}
+
+/// The mesh stands where one of its joints has it: the first whose bind is known, otherwise the topmost as it stands.
+void RyForeignBinds::placeByAnchor(size_t node)
+{
+    size_t anchor = m_tree.nodes.size();
+    RyAffine offsetOfAnchor;
+    forBonesOf(node, [&](size_t joint, const RyAffine &offset, const RyAffine &) {
+        const auto rank = [this](size_t of) { return std::make_pair(of >= m_isSaid.size() || !m_isSaid[of], of); };
+        if (rank(joint) < rank(anchor)) {
+            anchor = joint;
+            offsetOfAnchor = offset;
         }
+    });
+    if (anchor < m_tree.nodes.size()) {
+        m_meshToWorld[node] = offsetOfAnchor * (m_isSaid[anchor] ? m_binds[anchor] : m_tree.nodes[anchor].world);
     }
 }
 
 RyAffine RyForeignBinds::inverseBind(int meshNode, int joint, const aiBone *bone) const
 {
-    const RyAffine &meshToWorld = m_tree.nodes[size_t(meshNode)].world;
+    const RyAffine &toWorld = m_meshToWorld[size_t(meshNode)];
     RyAffine own;
     if (bone && ryForeignMap(bone->mOffsetMatrix).invert(own) &&
-        !isNear(own * meshToWorld, m_binds[size_t(joint)], samePlace)) {
+        !isNear(own * toWorld, m_binds[size_t(joint)], samePlace)) {
         return ryForeignMap(bone->mOffsetMatrix);
     }
-    return meshToWorld * m_binds[size_t(joint)].inverse();
+    return toWorld * m_binds[size_t(joint)].inverse();
 }

@@ -155,7 +155,7 @@ void RyForeignConverter::addMesh(int node, RyForeignMeshWriter &writer)
     if (skin == m_skins.end())
         m_document->setNodeMeshAndSkin(showing, mesh, -1);
     else
-        m_document->setNodeMeshAndSkin(showing, mesh, writeSkin(*skin->second, entry.world));
+        m_document->setNodeMeshAndSkin(showing, mesh, writeSkin(*skin->second, m_binds.meshToWorld(node)));
 }
 
 int RyForeignConverter::writeSkin(const RyForeignSkin &skin, const RyAffine &toFigure)

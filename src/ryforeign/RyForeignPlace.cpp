@@ -69,11 +69,17 @@ Extent extentOf(const RyForeignInput &input, const RyForeignTree &tree, const Ry
             ofJoints.include(map.m[3]);
         for (unsigned m = 0; m < node.source->mNumMeshes; ++m) {
             const aiMesh &mesh = *input.scene->mMeshes[node.source->mMeshes[m]];
+            const int joint = mesh.mNumBones > 0 ? tree.find(mesh.mBones[0]->mName) : -1;
+            // Collada binds a mesh where its skin says.
+            const RyAffine bound =
+                input.kind == RyForeignInput::Collada && joint >= 0
+                    ? ryForeignMap(mesh.mBones[0]->mOffsetMatrix) * tree.nodes[size_t(joint)].world * top
+                    : map;
             const unsigned step = 1 + mesh.mNumVertices / 100000; // a sample is enough for a height
             for (unsigned v = 0; mesh.mNumBones > 0 && v < mesh.mNumVertices; v += step) {
                 const double from[3] = {mesh.mVertices[v].x, mesh.mVertices[v].y, mesh.mVertices[v].z};
                 double at[3];
-                map.mapPoint(from, at);
+                bound.mapPoint(from, at);
                 ofMeshes.include(at);
             }
         }

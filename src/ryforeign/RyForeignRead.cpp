@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/file/RyGltfError.h"
+#include "ryforeign/RyColladaText.h"
 #include "ryforeign/RyForeignConverter.h"
 #include "ryforeign/RyForeignFile.h"
 #include "ryforeign/RyForeignJoints.h"
@@ -36,9 +37,16 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     input.path = request.path;
     input.notes = &result.notes;
     RyForeignTree tree(*input.scene);
-    const QSet<QString> declared;
+    QSet<QString> declared;
+    double unit = request.unit;
+    if (input.kind == RyForeignInput::Collada) {
+        const RyColladaText text(request.path);
+        tree.rename(text.nameOf);
+        declared = text.joints;
+        unit /= text.metre; // the importers' library has made metres of it
+    }
     RyForeignJoints(input, tree, declared).mark();
-    const RyAffine top = ryForeignTop(input, tree, request.unit);
+    const RyAffine top = ryForeignTop(input, tree, unit);
     tree.place(top);
     const std::unique_ptr<RyGltfDocument> document = RyForeignConverter(input, tree, top).convert([&](double done) {
         return tell(readingShare + (0.95 - readingShare) * done);

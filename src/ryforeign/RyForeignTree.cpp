@@ -40,3 +40,9 @@ int RyForeignTree::find(const aiString &name) const
     const auto found = m_placeOf.find(std::string(name.data, name.length));
     return found == m_placeOf.end() ? -1 : found->second;
 }
+
+void RyForeignTree::rename(const QHash<QString, QString> &nameOf)
+{
+    for (Node &node : nodes)
+        node.name = nameOf.value(node.name, node.name);
+}

@@ -2,6 +2,7 @@
 
 #include "rycore/math/RyAffine.h"
 
+#include <QHash>
 #include <QString>
 
 #include <string>
@@ -33,6 +34,8 @@ public:
     std::vector<Node> nodes;
     /// Places all nodes in the world; `top`: from the space above the tree.
     void place(const RyAffine &top);
+    /// Names to be written in the place of those that the importers' library uses.
+    void rename(const QHash<QString, QString> &nameOf);
     /// By the name that the importers' library uses; -1 for none.
     int find(const aiString &name) const;
 

@@ -1,0 +1,122 @@
+#include "foreign_reader/ConvertedFile.h"
+#include "foreign_reader/JudgedFigure.h"
+#include "rycore/undo/RyUndoStack.h"
+#include "support/RyTest.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <iostream>
+
+/// Files of foreign formats say to us what they say to another program, whose figures are kept, or made where it is
+/// installed.
+class JudgedFilesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { ryUndoStack()->clearAll(); }
+    void characters_data();
+    void characters();
+    void exportedSample_data();
+    void exportedSample();
+
+private:
+    static QString runJudge(const QStringList &arguments);
+    static void check(const QString &file, const QString &figures, int bones, int frames, int morphs);
+
+    QTemporaryDir m_folder;
+};
+
+void JudgedFilesTest::check(const QString &file, const QString &figures, int bones, int frames, int morphs)
+{
+    const ConvertedFile converted(file);
+    QVERIFY2(converted.character, qPrintable(converted.reason));
+    JudgedFigure judged(figures, converted);
+    const JudgedFigure::Differences found = judged.compare();
+    std::cout << QFileInfo(file).fileName().toStdString() << ": heads " << found.heads << " ends " << found.ends
+              << " weights " << found.weights << " rest " << found.rest << " poses " << found.poses << " frames "
+              << found.frames << " morphs " << found.morphs << " of the height\n";
+    QCOMPARE(judged.missing, QStringList());
+    QCOMPARE(judged.bonesCompared, bones);
+    QCOMPARE(judged.framesCompared, frames);
+    QCOMPARE(judged.morphsCompared > 0, morphs > 0);
+    QVERIFY2(found.heads < 1e-4, qPrintable(QString::number(found.heads)));
+    QVERIFY2(found.ends < 1e-4, qPrintable(QString::number(found.ends)));
+    QVERIFY2(found.weights < 1e-3, qPrintable(QString::number(found.weights)));
+    QVERIFY2(found.rest < 1e-4, qPrintable(QString::number(found.rest) + found.farthest));
+    QVERIFY2(found.poses < 1e-3, qPrintable(QString::number(found.poses)));
+    QVERIFY2(found.frames < 1e-3, qPrintable(QString::number(found.frames)));
+    QVERIFY2(found.morphs < 1e-4, qPrintable(QString::number(found.morphs)));
+}
+
+void JudgedFilesTest::characters_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("bones");
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<int>("morphs");
+    QTest::newRow("arnaud") << QStringLiteral("arnaud.fbx") << 53 << 0 << 0;
+    QTest::newRow("two_armatures") << QStringLiteral("two_armatures.dae") << 4 << 0 << 0;
+    QTest::newRow("mh_clip_morph") << QStringLiteral("foreign/mh_clip_morph.fbx") << 31 << 10 << 1;
+    QTest::newRow("mh_clip") << QStringLiteral("foreign/mh_clip.bvh") << 31 << 10 << 0;
+}
+
+void JudgedFilesTest::characters()
+{
+    QFETCH(QString, file);
+    QFETCH(int, bones);
+    QFETCH(int, frames);
+    QFETCH(int, morphs);
+    const QString path = ryModel(file);
+    if (path.isEmpty())
+        QSKIP("this character is not there");
+    check(path, QStringLiteral(RY_SOURCE_DIR "/tests/foreign_reader/figures/%1.json").arg(QTest::currentDataTag()),
+          bones, frames, morphs);
+}
+
+QString JudgedFilesTest::runJudge(const QStringList &arguments)
+{
+    QProcess judge;
+    judge.setProcessChannelMode(QProcess::MergedChannels);
+    judge.start(QStringLiteral("blender"),
+                QStringList{"-b", "--factory-startup", "--python-exit-code", "1", "--python",
+                            QStringLiteral(RY_SOURCE_DIR "/tests/foreign_reader/blender_figures.py"), "--"} +
+                    arguments);
+    return judge.waitForFinished(300000) && judge.exitCode() == 0 ? QString()
+                                                                  : QString::fromUtf8(judge.readAll()).right(2000);
+}
+
+void JudgedFilesTest::exportedSample_data()
+{
+    QTest::addColumn<int>("morphs");
+    if (QStandardPaths::findExecutable(QStringLiteral("blender")).isEmpty()) {
+        QTest::newRow("the judge is not installed") << -1;
+        return;
+    }
+    for (const char *name : {"cm_leaves.fbx", "cm_plain.fbx", "m_leaves.fbx", "m_plain_z_up.fbx", "cm_plain_z_up.fbx"})
+        QTest::newRow(name) << 1;
+    QTest::newRow("z_up.dae") << 0; // the judge writes no morphs to this format
+}
+
+void JudgedFilesTest::exportedSample()
+{
+    QFETCH(int, morphs);
+    if (morphs < 0)
+        return;
+    const QString file = m_folder.filePath(QTest::currentDataTag());
+    if (!QFileInfo::exists(file)) {
+        const QString wrong =
+            runJudge({QStringLiteral("make"), QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb"),
+                      m_folder.path()});
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+    }
+    const QString figures = file + QStringLiteral(".json");
+    const QString wrong = runJudge({QStringLiteral("judge"), file, figures});
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+    check(file, figures, 51, 10, morphs);
+}
+
+RY_TEST(JudgedFilesTest)
+#include "tst_judged_files.moc"
