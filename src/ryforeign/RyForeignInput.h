@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -13,7 +15,9 @@ struct RyForeignInput
     const aiScene *scene = nullptr;
     Kind kind = Fbx;
     QString path;
-    QStringList *notes = nullptr; // for people, a sentence each
+    QSet<QString> joints;               // nodes that the file itself calls joints, where it does
+    QHash<QString, double> morphValues; // by names, 0 for others
+    QStringList *notes = nullptr;       // for people, a sentence each
 
     void say(const QString &note) const { notes->append(note); }
 };

@@ -5,9 +5,8 @@
 
 #include <assimp/scene.h>
 
-RyForeignJoints::RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree, const QSet<QString> &declared)
-    : m_input(input), m_tree(tree), m_declared(declared), m_isNamed(tree.nodes.size(), false),
-      m_isLeaf(tree.nodes.size(), true)
+RyForeignJoints::RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree)
+    : m_input(input), m_tree(tree), m_isNamed(tree.nodes.size(), false), m_isLeaf(tree.nodes.size(), true)
 {
     for (const RyForeignTree::Node &node : tree.nodes) {
         if (node.parent >= 0)
@@ -21,7 +20,8 @@ void RyForeignJoints::mark()
     findEnds();
     for (size_t i = 0; i < m_tree.nodes.size(); ++i) {
         RyForeignTree::Node &node = m_tree.nodes[i];
-        node.isJoint = isNamed(i) || (m_declared.contains(ryForeignText(node.source->mName)) && !node.isEnd);
+        // Every joint of a Collada file belongs to a skeleton; a limb of an FBX file may hold anything.
+        node.isJoint = isNamed(i) || (m_input.kind == RyForeignInput::Collada && isDeclared(node) && !node.isEnd);
         if (m_input.kind == RyForeignInput::Bvh)
             node.isJoint = !node.isEnd;
         else if (!m_hasNamed && m_input.kind == RyForeignInput::Fbx && m_input.scene->mNumMeshes == 0)
@@ -71,13 +71,21 @@ bool RyForeignJoints::isCameraOrLight(const RyForeignTree::Node &node) const
     return false;
 }
 
-/// Something of its own stands at the node and it is neither a mesh nor an empty place: in such a file a limb.
+bool RyForeignJoints::isDeclared(const RyForeignTree::Node &node) const
+{
+    return m_input.joints.contains(ryForeignText(node.source->mName));
+}
+
+/// Where the file does not say: something of its own stands at the node and it is neither a mesh nor an empty place: in
+/// such a file a limb.
 bool RyForeignJoints::isLimb(const RyForeignTree::Node &node) const
 {
     if (m_input.kind != RyForeignInput::Fbx || node.source->mNumMeshes > 0 || !node.source->mMetaData ||
         isCameraOrLight(node)) {
         return false;
     }
+    if (!m_input.joints.isEmpty())
+        return isDeclared(node);
     bool isNull = true;
     int attribute = -1;
     node.source->mMetaData->Get("IsNull", isNull);
@@ -89,6 +97,8 @@ bool RyForeignJoints::mayBeJoint(const RyForeignTree::Node &node) const
 {
     if (m_input.kind != RyForeignInput::Fbx || node.source->mNumMeshes > 0)
         return false;
+    if (!m_input.joints.isEmpty())
+        return isLimb(node);
     bool isNull = false;
     if (node.source->mMetaData)
         node.source->mMetaData->Get("IsNull", isNull);

@@ -3,15 +3,14 @@
 #include "ryforeign/RyForeignInput.h"
 #include "ryforeign/RyForeignTree.h"
 
-#include <QSet>
+#include <vector>
 
 /// Finds out which nodes are joints. A foreign file names as bones only what has a share in a mesh, some not even that;
 /// the others are told by where they stand: above, between and below.
 class RyForeignJoints
 {
 public:
-    /// `declared`: names of nodes that the file itself calls joints.
-    RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree, const QSet<QString> &declared);
+    RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree);
 
     void mark();
 
@@ -22,12 +21,12 @@ private:
     void markBelow();
     void markAbove();
     bool isCameraOrLight(const RyForeignTree::Node &node) const;
+    bool isDeclared(const RyForeignTree::Node &node) const;
     bool isLimb(const RyForeignTree::Node &node) const;
     bool mayBeJoint(const RyForeignTree::Node &node) const;
 
     const RyForeignInput &m_input;
     RyForeignTree &m_tree;
-    const QSet<QString> &m_declared;
     std::vector<bool> m_isNamed; // by a bone of a mesh
     std::vector<bool> m_isLeaf;
     bool m_hasNamed = false;

@@ -30,8 +30,12 @@ QStringList RyForeignMorphs::namesOf(const RyForeignInput &input, const aiNode &
 }
 
 RyForeignMorphs::RyForeignMorphs(const RyForeignInput &input, RyGltfDocument &document, const aiNode &node)
-    : m_input(input), m_document(document), m_names(namesOf(input, node)), m_values(size_t(m_names.size()), 0.0)
-{}
+    : m_input(input), m_document(document), m_names(namesOf(input, node))
+{
+    // The importers' library says 1 of every morph that is alone in its channel.
+    for (const QString &name : m_names)
+        m_values.push_back(input.morphValues.value(name, 0.0));
+}
 
 void RyForeignMorphs::writeTargets(int mesh, int primitive, const aiMesh &source,
                                    const std::vector<std::uint32_t> &firsts)

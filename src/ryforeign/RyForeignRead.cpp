@@ -3,6 +3,7 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/file/RyGltfError.h"
 #include "ryforeign/RyColladaText.h"
+#include "ryforeign/RyFbxObjects.h"
 #include "ryforeign/RyForeignConverter.h"
 #include "ryforeign/RyForeignFile.h"
 #include "ryforeign/RyForeignJoints.h"
@@ -37,15 +38,18 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     input.path = request.path;
     input.notes = &result.notes;
     RyForeignTree tree(*input.scene);
-    QSet<QString> declared;
     double unit = request.unit;
     if (input.kind == RyForeignInput::Collada) {
         const RyColladaText text(request.path);
         tree.rename(text.nameOf);
-        declared = text.joints;
+        input.joints = text.joints;
         unit /= text.metre; // the importers' library has made metres of it
+    } else if (input.kind == RyForeignInput::Fbx) {
+        const RyFbxObjects objects(request.path);
+        input.joints = objects.limbs;
+        input.morphValues = objects.morphs;
     }
-    RyForeignJoints(input, tree, declared).mark();
+    RyForeignJoints(input, tree).mark();
     const RyAffine top = ryForeignTop(input, tree, unit);
     tree.place(top);
     const std::unique_ptr<RyGltfDocument> document = RyForeignConverter(input, tree, top).convert([&](double done) {
