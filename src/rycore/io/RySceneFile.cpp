@@ -2,6 +2,7 @@
 
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
+#include "rycore/io/foreign/RyForeignImport.h"
 #include "rycore/io/gltf/extras/RyOwnExtras.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
@@ -65,8 +66,9 @@ void empty(RyScene *scene)
     scene->clear();
 }
 
+/// `isFile`: saving would write the file again.
 void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::unique_ptr<RySceneOrigin> origin,
-                  bool merge)
+                  bool merge, bool isFile = true)
 {
     if (!merge)
         empty(scene);
@@ -76,8 +78,25 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
         scene->addNode(top.get());
     }
     scene->addOrigin(std::move(origin));
-    if (!merge)
+    if (!merge && isFile)
         ryUndoStack()->setClean();
+}
+
+/// What a foreign file became, with the notes on it.
+std::unique_ptr<RyGltfDocument> readForeign(const QString &path, const RySceneFile::Options &options, QString *error,
+                                            QStringList *messages)
+{
+    std::unique_ptr<RyGltfDocument> document;
+    const auto use = [&](const QString &glb) {
+        QString reason;
+        document = RyGltfDocument::read(glb, &reason, messages);
+        if (!document)
+            RyMessageLog::global().warning(reason.replace(glb, path));
+        return document != nullptr;
+    };
+    if (!RyForeignImport::read(path, options.unit, options.progress, use, error, messages))
+        return nullptr;
+    return document;
 }
 
 /// What a library says of a failure that nobody foresaw is for the log: users can make nothing of it.
@@ -141,7 +160,13 @@ void makeFits(const RyScene &scene, const RySceneFile::SaveOptions &options, QSt
 
 QStringList RySceneFile::readableEndings()
 {
-    return {QStringLiteral("glb"), QStringLiteral("gltf"), QStringLiteral("obj")};
+    return QStringList{QStringLiteral("glb"), QStringLiteral("gltf"), QStringLiteral("obj")} +
+           RyForeignImport::endings();
+}
+
+bool RySceneFile::isForeign(const QString &path)
+{
+    return RyForeignImport::endings().contains(endingOf(path));
 }
 
 QStringList RySceneFile::writableEndings()
@@ -178,7 +203,9 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         putIntoScene(scene, tops, std::move(origin), options.merge);
         return true;
     }
-    std::unique_ptr<RyGltfDocument> document = RyGltfDocument::read(path, error, messages);
+    const bool foreign = isForeign(path);
+    std::unique_ptr<RyGltfDocument> document =
+        foreign ? readForeign(path, options, error, messages) : RyGltfDocument::read(path, error, messages);
     if (!document)
         return false;
     std::vector<RyRef<RyNode>> tops;
@@ -187,7 +214,8 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         RyUndoStackLock lock;
         QString reason;
         try {
-            RyGltfSceneReader reader(std::move(document), path, options.unit);
+            // The unit of a foreign file was its reader's to take.
+            RyGltfSceneReader reader(std::move(document), path, foreign ? 0.0 : options.unit);
             if (!reader.build(&reason, messages))
                 return refuse(error, reason);
             tops = reader.topLevelNodes();
@@ -201,7 +229,7 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
     }
     if (tops.empty())
         return refuse(error, QStringLiteral("%1: the file holds neither joints nor meshes").arg(path));
-    putIntoScene(scene, tops, std::move(origin), options.merge);
+    putIntoScene(scene, tops, std::move(origin), options.merge, !foreign);
     return true;
 }
 

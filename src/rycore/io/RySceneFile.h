@@ -5,9 +5,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 class RyScene;
 
-/// Opens and saves scenes; the format goes by the ending: .glb, .gltf, .obj.
+/// Opens and saves scenes; the format goes by the ending: .glb, .gltf, .obj. FBX, Collada and BVH (.fbx, .dae, .bvh)
+/// are opened only: they become scenes that no file holds yet, which count as unsaved, and are saved as glTF.
 class RySceneFile
 {
 public:
@@ -15,6 +18,8 @@ public:
     {
         double unit = 0.0;  ///< centimetres per file unit; 0: found from the file
         bool merge = false; ///< add to the scene instead of replacing it
+        /// Of a foreign file, which may take long: told often what is done, from 0 to 1; false cancels.
+        std::function<bool(double done)> progress;
     };
 
     enum Purpose {
@@ -53,5 +58,7 @@ public:
     static bool saveWithoutSource(RyScene *scene, const QString &path, QString *error, QStringList *messages = nullptr);
 
     static QStringList readableEndings();
+    /// Whether a file of that name can be opened and not be saved.
+    static bool isForeign(const QString &path);
     static QStringList writableEndings();
 };

@@ -5,6 +5,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
+#include "ryhost/commands/ImportProgress.h"
 #include "ryhost/commands/RecentFiles.h"
 #include "ryhost/commands/writeScene.h"
 
@@ -106,11 +107,22 @@ bool HostFiles::load(const QString &path, bool merge)
     QStringList messages;
     RySceneFile::Options options;
     options.merge = merge;
+    std::unique_ptr<ImportProgress> progress;
+    if (RySceneFile::isForeign(path)) {
+        progress = std::make_unique<ImportProgress>(QFileInfo(path).fileName(), m_window);
+        options.progress = [&progress](double done) { return progress->step(done); };
+    }
     RyApp::startBusyCursor();
     const bool done = RySceneFile::open(m_scene, path, options, &error, &messages);
     RyApp::endBusyCursor();
+    const bool cancelled = progress && progress->isCancelled();
+    progress.reset();
     for (const QString &message : messages)
         RyMessageLog::global().info(message);
+    if (!done && cancelled) {
+        emit messagePosted(tr("%1 was not opened: it was cancelled.").arg(QFileInfo(path).fileName()));
+        return false;
+    }
     if (!done) {
         RyMessageLog::global().warning(error);
         QMessageBox::warning(m_window, tr("Not Opened"), tr("%1\n\nThe scene is as it was before.").arg(error));
@@ -344,12 +356,15 @@ bool HostFiles::confirmDiscard()
 {
     if (!ryUndoStack() || ryUndoStack()->isClean())
         return true;
+    const QString name = m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName();
+    const bool isForeign = RySceneFile::isForeign(m_path);
     QMessageBox box(
         QMessageBox::Question, tr("Unsaved Changes"),
-        tr("Save the changes to %1 first?").arg(m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName()),
+        (isForeign ? tr("Save what was read from %1 as glTF first?") : tr("Save the changes to %1 first?")).arg(name),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
-    box.setInformativeText(tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
+    box.setInformativeText(isForeign ? tr("No file holds this scene yet; %1 itself stays as it is.").arg(name)
+                                     : tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
     case QMessageBox::Save:

@@ -1,0 +1,125 @@
+#include "rycore/io/foreign/RyForeignChild.h"
+
+#include "rycore/io/foreign/RyForeignProtocol.h"
+#include "rycore/io/foreign/RyForeignReader.h"
+
+#include <QFileInfo>
+#include <QLibrary>
+#include <QSaveFile>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr double LeastStep = 0.001; // of the progress that is worth a line
+
+int channel = STDOUT_FILENO;
+
+void sendBytes(const char *bytes, size_t size)
+{
+    while (size > 0) {
+        const ssize_t sent = ::write(channel, bytes, size);
+        if (sent <= 0)
+            std::_Exit(RyForeignProtocol::Refused); // nobody listens any more
+        bytes += sent;
+        size -= size_t(sent);
+    }
+}
+
+void send(const char *word, QString text)
+{
+    text.replace(QLatin1Char('\n'), QLatin1Char(' ')).remove(QLatin1Char('\r'));
+    const QByteArray line = word + text.toUtf8() + '\n';
+    sendBytes(line.constData(), size_t(line.size()));
+}
+
+/// Where memory ends nothing may be asked for any more, and libraries that go on without it only crash elsewhere.
+[[noreturn]] void endWithoutMemory()
+{
+    sendBytes(RyForeignProtocol::NoMemory, std::strlen(RyForeignProtocol::NoMemory));
+    sendBytes("\n", 1);
+    std::_Exit(RyForeignProtocol::OutOfMemory);
+}
+
+[[noreturn]] void refuse(const QString &reason)
+{
+    send(RyForeignProtocol::Refusal, reason);
+    std::_Exit(RyForeignProtocol::Refused);
+}
+
+RyForeignReadFunction loadReader()
+{
+    const QString path = RyForeignChild::libraryPath();
+    static QLibrary library(path); // stays to the end
+    if (!QFileInfo(path).isFile())
+        refuse(QStringLiteral("the library that reads such files, %1, is missing; installing the program anew brings "
+                              "it back")
+                   .arg(path));
+    const auto read = reinterpret_cast<RyForeignReadFunction>(library.resolve(RyForeignReadSymbol));
+    if (!read)
+        refuse(QStringLiteral("the library that reads such files cannot be used (%1); installing the program anew may "
+                              "help")
+                   .arg(library.errorString()));
+    return read;
+}
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(false);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        refuse(QStringLiteral("what was read of it could not be written to the folder for temporary files: %1")
+                   .arg(file.errorString()));
+}
+
+} // namespace
+
+QString RyForeignChild::libraryPath()
+{
+    const QString given = qEnvironmentVariable(RyForeignProtocol::LibraryVariable);
+    if (!given.isEmpty())
+        return given;
+    Dl_info info;
+    const bool isKnown = dladdr(reinterpret_cast<void *>(&RyForeignChild::libraryPath), &info) != 0;
+    const QString beside = isKnown ? QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() : QString();
+    return QStringLiteral("%1/%2.so").arg(beside, QLatin1String(RyForeignLibrary));
+}
+
+void RyForeignChild::run(const QString &in, const QString &out, double unit)
+{
+    // Libraries print what they like; the lines are for who asked.
+    channel = ::dup(STDOUT_FILENO);
+    ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    std::set_new_handler(endWithoutMemory);
+    const RyForeignReadFunction read = loadReader();
+    double told = 0.0;
+    RyForeignRequest request;
+    request.path = in;
+    request.unit = unit;
+    request.progress = [&told](double done) {
+        if (std::isfinite(done) && done >= told + LeastStep) {
+            told = done;
+            send(RyForeignProtocol::Progress, QString::number(done, 'f', 4));
+        }
+        return true; // who has lost interest ends this process
+    };
+    RyForeignResult result;
+    try {
+        if (!read(request, result))
+            refuse(result.error);
+    } catch (const std::bad_alloc &) {
+        endWithoutMemory();
+    } catch (const std::exception &failure) {
+        refuse(QStringLiteral("the library that reads such files gave up: %1").arg(QString::fromUtf8(failure.what())));
+    }
+    write(out, result.glb);
+    for (const QString &note : qAsConst(result.notes))
+        send(RyForeignProtocol::Note, note);
+    std::_Exit(RyForeignProtocol::Done);
+}

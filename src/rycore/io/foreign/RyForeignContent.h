@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// What a file is by its first bytes, whatever it is called.
+namespace RyForeignContent {
+
+constexpr int Needed = 4096; // bytes from the start of the file
+
+/// Why a file of that ending is not what its name says, and what helps; empty where it is, or where nobody can tell.
+QString findMismatch(const QString &ending, const QByteArray &start);
+
+} // namespace RyForeignContent

@@ -1,0 +1,130 @@
+#include "rycore/io/foreign/RyForeignImport.h"
+
+#include "rycore/io/foreign/RyForeignContent.h"
+#include "rycore/io/foreign/RyForeignProcess.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int Beat = 20; // milliseconds between two looks at the process
+const char *const FolderPrefix = "ryhost-import-";
+
+QString programPath;
+RyForeignImport::Limits limitsNow;
+
+QString program()
+{
+    return programPath.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("ryhost"))
+                                 : programPath;
+}
+
+/// A process that was killed leaves its folder.
+void removeLeftovers()
+{
+    const QDir temporary(QDir::tempPath());
+    const QString prefix = QLatin1String(FolderPrefix);
+    for (const QFileInfo &folder :
+         temporary.entryInfoList({prefix + QLatin1Char('*')}, QDir::Dirs | QDir::NoSymLinks | QDir::NoDotAndDotDot)) {
+        const QString process = folder.fileName().mid(prefix.size()).section(QLatin1Char('-'), 0, 0);
+        if (folder.ownerId() == getuid() && process.toInt() > 0 && !QFileInfo::exists("/proc/" + process))
+            QDir(folder.filePath()).removeRecursively();
+    }
+}
+
+/// Why the file need not be given to the reader; empty where it may be read.
+QString findObstacle(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return QStringLiteral("this is no file with a beginning and an end");
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("the file cannot be read: %1").arg(file.errorString());
+    if (file.size() == 0)
+        return QStringLiteral("the file is empty");
+    return RyForeignContent::findMismatch(QFileInfo(path).suffix().toLower(), file.read(RyForeignContent::Needed));
+}
+
+/// With a way out.
+QString refusal(const QString &path, const QString &reason)
+{
+    const QString told = QStringLiteral("%1 cannot be opened: %2").arg(path, reason);
+    // Some reasons say already what helps.
+    if (reason.contains(QLatin1String("glTF")))
+        return told;
+    return told + (told.endsWith(QLatin1Char('.')) ? QStringLiteral(" ") : QStringLiteral(". ")) +
+           QStringLiteral("Exported as glTF 2.0 (.glb) from the program that made it, it can be opened.");
+}
+
+} // namespace
+
+QStringList RyForeignImport::endings()
+{
+    return {QStringLiteral("fbx"), QStringLiteral("dae"), QStringLiteral("bvh")};
+}
+
+void RyForeignImport::setProgram(const QString &path)
+{
+    programPath = path;
+}
+
+void RyForeignImport::setLimits(const Limits &limits)
+{
+    limitsNow = limits;
+}
+
+bool RyForeignImport::read(const QString &path, double unit, const Progress &progress, const Use &use, QString *error,
+                           QStringList *notes)
+{
+    const auto refuse = [&path, error](const QString &reason) {
+        if (error)
+            *error = refusal(path, reason);
+        return false;
+    };
+    const QString obstacle = findObstacle(path);
+    if (!obstacle.isEmpty())
+        return refuse(obstacle);
+    removeLeftovers();
+    const QTemporaryDir folder(QStringLiteral("%1/%2%3-XXXXXX")
+                                   .arg(QDir::tempPath(), QLatin1String(FolderPrefix))
+                                   .arg(QCoreApplication::applicationPid()));
+    if (!folder.isValid())
+        return refuse(QStringLiteral("the folder for temporary files, %1, cannot be written").arg(QDir::tempPath()));
+    const QString glb = folder.filePath(QFileInfo(path).fileName());
+
+    RyForeignProcess process(limitsNow.memory);
+    if (!process.start(program(), QFileInfo(path).absoluteFilePath(), glb, unit))
+        return refuse(QStringLiteral("the program that reads such files, %1, cannot be started").arg(program()));
+    QElapsedTimer silence;
+    silence.start();
+    while (process.isRunning()) {
+        const double before = process.progress();
+        process.wait(Beat);
+        if (process.progress() > before)
+            silence.start();
+        if (progress && !progress(process.progress())) {
+            if (error)
+                *error = QStringLiteral("%1 was not opened: it was cancelled").arg(path);
+            return false;
+        }
+        if (process.isRunning() && silence.hasExpired(limitsNow.silence))
+            return refuse(
+                QStringLiteral("the reader of such files got no further for %1 seconds, which damaged files can cause")
+                    .arg(limitsNow.silence / 1000.0));
+    }
+    if (!process.isDone())
+        return refuse(process.reason());
+    if (QFileInfo(glb).size() == 0)
+        return refuse(QStringLiteral("the reader of such files ended without a result"));
+    if (!use(glb))
+        return refuse(QStringLiteral("what was read of it does not fit together"));
+    if (notes)
+        *notes = process.notes() + *notes;
+    return true;
+}

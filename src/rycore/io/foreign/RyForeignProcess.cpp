@@ -1,0 +1,129 @@
+#include "rycore/io/foreign/RyForeignProcess.h"
+
+#include "rycore/io/foreign/RyForeignProtocol.h"
+
+#include <QFile>
+#include <QThread>
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+constexpr int LongestLine = 1 << 16;
+constexpr int MostNotes = 200;
+constexpr qint64 OneMebibyte = 1 << 20;
+/// What the libraries of the process take of its memory, without what they ask for.
+constexpr qint64 RoomForLibraries = 64 * OneMebibyte;
+
+} // namespace
+
+RyForeignProcess::~RyForeignProcess()
+{
+    end();
+}
+
+bool RyForeignProcess::start(const QString &program, const QString &in, const QString &out, double unit)
+{
+    m_parent = int(getpid());
+    setStandardErrorFile(nullDevice());
+    QProcess::start(program, {QString::fromLatin1(RyForeignProtocol::Option), in, out, QString::number(unit, 'g', 17)},
+                    ReadOnly);
+    return waitForStarted();
+}
+
+/// Between fork and exec: system calls only.
+void RyForeignProcess::setupChildProcess()
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != m_parent)
+        _exit(RyForeignProtocol::Refused);
+    const rlimit none = {0, 0};
+    setrlimit(RLIMIT_CORE, &none);
+#if !defined(__SANITIZE_ADDRESS__)
+    // The address sanitizer asks for far more than it uses; there the watch over what is used has to do.
+    const rlim_t most = rlim_t(m_memory > 2 * RoomForLibraries ? m_memory - RoomForLibraries : m_memory);
+    const rlimit data = {most, most};
+    setrlimit(RLIMIT_DATA, &data);
+#endif
+}
+
+void RyForeignProcess::wait(int time)
+{
+    if (!waitForReadyRead(time) && isRunning() && !bytesAvailable())
+        QThread::msleep(1); // it has closed its output: no waiting helps
+    takeLines();
+    if (isRunning() && residentBytes() > m_memory) {
+        m_isOverMemory = true;
+        end();
+    }
+}
+
+void RyForeignProcess::end()
+{
+    if (!isRunning())
+        return;
+    kill();
+    waitForFinished(-1);
+}
+
+void RyForeignProcess::takeLines()
+{
+    const QByteArray bytes = readAllStandardOutput();
+    int from = 0;
+    for (int to = bytes.indexOf('\n'); to >= 0; to = bytes.indexOf('\n', from)) {
+        m_begun.append(bytes.mid(from, to - from));
+        if (!m_isTooLong)
+            takeLine(m_begun);
+        m_begun.clear();
+        m_isTooLong = false;
+        from = to + 1;
+    }
+    m_begun.append(bytes.mid(from));
+    if (m_begun.size() > LongestLine) {
+        m_isTooLong = true;
+        m_begun.clear();
+    }
+}
+
+void RyForeignProcess::takeLine(const QByteArray &line)
+{
+    const auto rest = [&line](const char *word) { return QString::fromUtf8(line.mid(int(qstrlen(word)))); };
+    if (line.startsWith(RyForeignProtocol::Progress))
+        m_progress = qBound(m_progress, rest(RyForeignProtocol::Progress).toDouble(), 1.0);
+    else if (line.startsWith(RyForeignProtocol::Note) && m_notes.size() < MostNotes)
+        m_notes.append(rest(RyForeignProtocol::Note));
+    else if (line.startsWith(RyForeignProtocol::Refusal))
+        m_refusal = rest(RyForeignProtocol::Refusal);
+    else if (line == RyForeignProtocol::NoMemory)
+        m_isOverMemory = true;
+}
+
+qint64 RyForeignProcess::residentBytes() const
+{
+    QFile file(QStringLiteral("/proc/%1/statm").arg(processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
+
+bool RyForeignProcess::isDone() const
+{
+    return !isRunning() && !m_isOverMemory && exitStatus() == NormalExit && exitCode() == RyForeignProtocol::Done;
+}
+
+QString RyForeignProcess::reason() const
+{
+    if (isRunning() || isDone())
+        return {};
+    if (m_isOverMemory)
+        return QStringLiteral("reading it takes more than %1 MB of memory").arg(m_memory / OneMebibyte);
+    if (exitStatus() != NormalExit)
+        return QStringLiteral("the reader of such files broke down over it, which damaged files can cause");
+    if (exitCode() == RyForeignProtocol::Refused && !m_refusal.isEmpty())
+        return m_refusal;
+    return QStringLiteral("the reader of such files ended without a result (exit code %1)").arg(exitCode());
+}

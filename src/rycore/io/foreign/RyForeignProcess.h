@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+
+/// The reading process as seen by the one that started it: its limits, what it said, how it ended. It goes when this
+/// object goes, and when the thread that started it does.
+class RyForeignProcess : private QProcess
+{
+public:
+    /// `memory`: the most that it may hold, in bytes.
+    explicit RyForeignProcess(qint64 memory) : m_memory(memory) {}
+    ~RyForeignProcess() override;
+
+    bool start(const QString &program, const QString &in, const QString &out, double unit);
+    /// Lets it run for some milliseconds, less when it has something to say.
+    void wait(int time);
+    bool isRunning() const { return state() != NotRunning; }
+    /// For good.
+    void end();
+
+    /// From 0 to 1; grows only.
+    double progress() const { return m_progress; }
+    const QStringList &notes() const { return m_notes; }
+    bool isOverMemory() const { return m_isOverMemory; }
+    bool isDone() const;
+    /// Why there is no result, as the end of a sentence; empty while it runs or when it is done.
+    QString reason() const;
+
+protected:
+    void setupChildProcess() override;
+
+private:
+    void takeLines();
+    void takeLine(const QByteArray &line);
+    qint64 residentBytes() const;
+
+    qint64 m_memory;
+    int m_parent = 0;
+    QByteArray m_begun; // of a line
+    bool m_isTooLong = false;
+    double m_progress = 0.0;
+    QStringList m_notes;
+    QString m_refusal;
+    bool m_isOverMemory = false;
+};
