@@ -1,0 +1,262 @@
+#include "foreign/ForeignStage.h"
+#include "support/RyTest.h"
+
+#include "rycore/io/foreign/RyForeignImport.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+
+/// The process that reads a foreign file: whatever becomes of it, whoever started it goes on and can say what it was.
+class ForeignImportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_stage = std::make_unique<ForeignStage>(); }
+    void cleanup()
+    {
+        const QStringList leftovers = m_stage->leftovers();
+        m_stage.reset();
+        QCOMPARE(leftovers, QStringList());
+        QCOMPARE(ForeignStage::childrenOf(getpid()), QList<int>());
+    }
+
+    void reads()
+    {
+        QByteArray wanted = bytesOf(ForeignStage::sample());
+        for (const char *name : {"a.fbx", "a.DAE", "a.bvh", "with blank \xc3\xa4.fbx"}) {
+            const QString file = m_stage->write(QString::fromUtf8(name), "take " + ForeignStage::sample().toUtf8());
+            QCOMPARE(read(file), wanted);
+            QCOMPARE(m_error, QString());
+            QCOMPARE(m_notes, QStringList{QStringLiteral("Two lights did not come along.")});
+        }
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("reason");
+        const auto row = [](const char *name, const QByteArray &content, const char *reason) {
+            QTest::newRow(name) << content << QString::fromUtf8(reason);
+        };
+        row("crash", "crash", "broke down over it");
+        row("abort", "abort", "broke down over it");
+        row("hang", "hang", "got no further for 0.4 seconds");
+        row("repeats itself", "stall", "got no further for 0.4 seconds");
+        row("eats", "eat", "takes more than 256 MB of memory");
+        row("exit", "exit 7", "ended without a result (exit code 7)");
+        row("exit as if done", "exit 0", "ended without a result");
+        row("exit as if refused", "exit 1", "ended without a result (exit code 1)");
+        row("throws", "throw", "an index is out of range");
+        row("refuses", "refuse it holds \xc3\xa4 only", "it holds \xc3\xa4 only");
+        row("gives nothing", "nothing", "ended without a result");
+        row("empty", "", "the file is empty");
+        row("a glTF binary", "glTF\x02", "renamed to end in .glb");
+        row("a glTF text", " {\"asset\": {\"version\": \"2.0\"}}", "renamed to end in .gltf");
+        row("a Collada file", "<?xml version=\"1.0\"?>\n<COLLADA xmlns=\"x\">", "renamed to end in .dae");
+        row("a BVH file", "HIERARCHY\nROOT hip", "renamed to end in .bvh");
+        row("packed", "PK\x03\x04", "unpack it");
+    }
+
+    void failures()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, reason);
+        const bool isSilent = reason.contains(QStringLiteral("no further"));
+        RyForeignImport::setLimits({isSilent ? 400 : 60000, qint64(256) << 20});
+        const QString file = m_stage->write(QStringLiteral("figure.fbx"), content);
+        QCOMPARE(read(file), QByteArray());
+        QVERIFY2(m_error.startsWith(file + QStringLiteral(" cannot be opened: ")), qPrintable(m_error));
+        QVERIFY2(m_error.contains(reason), qPrintable(m_error));
+        QVERIFY2(m_error.contains(QStringLiteral("glTF")), qPrintable(m_error)); // the way out
+        QVERIFY2(!m_error.contains(QStringLiteral("ryhost-import-")), qPrintable(m_error));
+        QCOMPARE(m_notes, QStringList());
+    }
+
+    void theWayOutIsToldOnce()
+    {
+        const QString file = m_stage->write(QStringLiteral("old.fbx"), "refuse this is FBX 6; export it as glTF 2.0");
+        read(file);
+        QCOMPARE(m_error, file + QStringLiteral(" cannot be opened: this is FBX 6; export it as glTF 2.0"));
+    }
+
+    void filesThatAreNone()
+    {
+        const QString folder = m_stage->path(QStringLiteral("folder.fbx"));
+        QVERIFY(QDir().mkdir(folder));
+        const QString pipe = m_stage->path(QStringLiteral("pipe.fbx"));
+        QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+        for (const QString &file : {folder, pipe, m_stage->path(QStringLiteral("nothing.fbx"))}) {
+            QCOMPARE(read(file), QByteArray());
+            QVERIFY2(m_error.startsWith(file + QStringLiteral(" cannot be opened: ")), qPrintable(m_error));
+        }
+    }
+
+    void withoutItsParts()
+    {
+        const QString file = m_stage->write(QStringLiteral("figure.fbx"), "take " + ForeignStage::sample().toUtf8());
+        const QString nowhere = m_stage->path(QStringLiteral("nowhere.so"));
+        qputenv("RYHOST_FOREIGN_LIBRARY", nowhere.toLocal8Bit());
+        read(file);
+        QVERIFY2(m_error.contains(nowhere) && m_error.contains(QStringLiteral("is missing")), qPrintable(m_error));
+        qputenv("RYHOST_FOREIGN_LIBRARY", file.toLocal8Bit());
+        read(file);
+        QVERIFY2(m_error.contains(QStringLiteral("cannot be used")), qPrintable(m_error));
+        RyForeignImport::setProgram(QStringLiteral("/nowhere/ryhost"));
+        read(file);
+        QVERIFY2(m_error.contains(QStringLiteral("/nowhere/ryhost, cannot be started")), qPrintable(m_error));
+        // A program that knows nothing of it.
+        RyForeignImport::setProgram(QStringLiteral("/bin/true"));
+        read(file);
+        QVERIFY2(m_error.contains(QStringLiteral("ended without a result")), qPrintable(m_error));
+    }
+
+    void whatTheLibraryPrintsCountsForNothing()
+    {
+        const QString file = m_stage->write(QStringLiteral("loud.fbx"), "print " + ForeignStage::sample().toUtf8());
+        double most = 0.0;
+        QCOMPARE(read(file,
+                      [&most](double done) {
+                          most = std::max(most, done);
+                          return true;
+                      }),
+                 bytesOf(ForeignStage::sample()));
+        QCOMPARE(most, 0.0);
+        QCOMPARE(m_error, QString());
+    }
+
+    void notesAreLinesAndNotEndless()
+    {
+        read(m_stage->write(QStringLiteral("talk.fbx"), "talk " + ForeignStage::sample().toUtf8()));
+        QCOMPARE(m_notes.size(), 200);
+        QCOMPARE(m_notes.at(3), QStringLiteral("note 3 in two lines"));
+    }
+
+    void progressGrows()
+    {
+        std::vector<double> steps;
+        read(m_stage->write(QStringLiteral("steps.fbx"), "steps " + ForeignStage::sample().toUtf8()),
+             [&steps](double done) {
+                 if (steps.empty() || steps.back() != done)
+                     steps.push_back(done);
+                 return true;
+             });
+        QVERIFY(steps.size() >= 3);
+        QVERIFY(std::is_sorted(steps.begin(), steps.end()));
+        QVERIFY(steps.back() > 0.7 && steps.back() <= 1.0);
+    }
+
+    /// Steps that come keep it alive for longer than one may take.
+    void progressIsNoSilence()
+    {
+        RyForeignImport::setLimits({250, qint64(1) << 30});
+        QCOMPARE(read(m_stage->write(QStringLiteral("steps.fbx"), "steps " + ForeignStage::sample().toUtf8())),
+                 bytesOf(ForeignStage::sample()));
+    }
+
+    void isCancelled()
+    {
+        const QString file = m_stage->write(QStringLiteral("slow.fbx"), "slow");
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(read(file, [](double done) { return done < 0.01; }), QByteArray());
+        QCOMPARE(m_error, file + QStringLiteral(" was not opened: it was cancelled"));
+        QVERIFY(timer.elapsed() < 8000); // it would take ten seconds
+    }
+
+    /// One GiB, as users have it.
+    void memoryIsBounded()
+    {
+        const QString file = m_stage->write(QStringLiteral("eater.fbx"), "eat");
+        read(file);
+        QVERIFY2(m_error.contains(QStringLiteral("more than 1024 MB")), qPrintable(m_error));
+        rusage used;
+        QCOMPARE(getrusage(RUSAGE_CHILDREN, &used), 0);
+        qInfo("the largest of all processes held %ld MB", used.ru_maxrss / 1024);
+        QVERIFY(used.ru_maxrss > 900 * 1024); // it was let to eat
+#if !defined(__SANITIZE_ADDRESS__)
+        QVERIFY(used.ru_maxrss <= 1024 * 1024);
+#endif
+    }
+
+    /// Who started a reading and is killed takes it along; the folder that stays goes with the next reading.
+    void diesWithItsParent()
+    {
+        const QString file = m_stage->write(QStringLiteral("slow.fbx"), "slow");
+        QProcess parent;
+        parent.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), {QStringLiteral("--batch"), file});
+        QVERIFY(parent.waitForStarted());
+        QList<int> readers;
+        QTRY_VERIFY_WITH_TIMEOUT(!(readers = ForeignStage::childrenOf(parent.processId())).isEmpty(), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(readers.first(), "--read-foreign"), 20000);
+        QCOMPARE(m_stage->leftovers().size(), 1);
+        parent.kill();
+        QVERIFY(parent.waitForFinished());
+        QTRY_VERIFY_WITH_TIMEOUT(!isRunning(readers.first(), "--read-foreign"), 5000);
+        QCOMPARE(m_stage->leftovers().size(), 1);
+        read(m_stage->write(QStringLiteral("next.fbx"), "take " + ForeignStage::sample().toUtf8()));
+        QCOMPARE(m_stage->leftovers(), QStringList());
+    }
+
+    void foldersOfOthersStay()
+    {
+        const QString temporary = QDir::tempPath();
+        const QString running = QStringLiteral("%1/ryhost-import-%2-abc").arg(temporary).arg(getpid());
+        const QString gone = temporary + QStringLiteral("/ryhost-import-99999999-abc");
+        const QString other = temporary + QStringLiteral("/ryhost-import-mine");
+        for (const QString &folder : {running, gone, other})
+            QVERIFY(QDir().mkpath(folder + QStringLiteral("/x")));
+        read(m_stage->write(QStringLiteral("x.fbx"), "refuse me"));
+        QVERIFY(QFileInfo::exists(running) && QFileInfo::exists(other));
+        QVERIFY(!QFileInfo::exists(gone));
+        QVERIFY(QDir(running).removeRecursively() && QDir(other).removeRecursively());
+    }
+
+    void withoutRoomForTemporaryFiles()
+    {
+        const QString file = m_stage->write(QStringLiteral("x.fbx"), "take " + ForeignStage::sample().toUtf8());
+        const QByteArray before = qgetenv("TMPDIR");
+        qputenv("TMPDIR", file.toLocal8Bit()); // no folder
+        read(file);
+        qputenv("TMPDIR", before);
+        QVERIFY2(m_error.contains(file + QStringLiteral(", cannot be written")), qPrintable(m_error));
+    }
+
+private:
+    static QByteArray bytesOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    static bool isRunning(int process, const char *word)
+    {
+        return bytesOf(QStringLiteral("/proc/%1/cmdline").arg(process)).contains(word);
+    }
+    QByteArray read(const QString &path, const RyForeignImport::Progress &progress = nullptr)
+    {
+        m_error.clear();
+        m_notes.clear();
+        QByteArray bytes;
+        const auto use = [&bytes](const QString &glb) {
+            bytes = bytesOf(glb);
+            return true;
+        };
+        const bool done = RyForeignImport::read(path, 0.0, progress, use, &m_error, &m_notes);
+        return done ? bytes : QByteArray();
+    }
+
+    std::unique_ptr<ForeignStage> m_stage;
+    QString m_error;
+    QStringList m_notes;
+};
+
+RY_TEST(ForeignImportTest)
+#include "tst_import.moc"
