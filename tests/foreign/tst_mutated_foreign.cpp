@@ -102,7 +102,7 @@ void MutatedForeignTest::files()
     const size_t small = 4;
     const Source &source = m_sources[below(8) > 0 ? below(small) : below(m_sources.size())];
     QByteArray bytes = source.bytes;
-    for (size_t i = 1 + below(6); i > 0; --i)
+    for (size_t i = 1 + below(3); i > 0; --i)
         damage(bytes);
     const QString path = m_stage->write(QStringLiteral("mutated.%1").arg(source.ending), bytes);
     RyScene scene;
@@ -136,19 +136,20 @@ void MutatedForeignTest::damage(QByteArray &bytes)
         return;
     const int at = int(below(size_t(bytes.size())));
     const int length = std::min(int(1 + below(200)), bytes.size() - at);
-    switch (below(8)) {
+    // Text holds together while only its numbers are others.
+    const bool isText = !bytes.contains('\0');
+    switch (below(isText ? 20 : 10)) {
     case 0:
     case 1:
         bytes[at] = char(m_random());
         break;
     case 2:
-    case 3: {
-        const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
-        const auto digit = std::find_if(bytes.begin() + at, bytes.end(), isDigit);
-        if (digit != bytes.end())
-            *digit = "0123456789-.e "[below(14)];
+    case 3:
+        if (below(4) == 0)
+            bytes.truncate(at);
+        else
+            bytes[at] = char(bytes[at] ^ (1 << below(8)));
         break;
-    }
     case 4: {
         const quint32 numbers[] = {0, 1, 0x7fffffff, 0x80000000, 0xffffffff, quint32(bytes.size()), 0x00ffffff};
         char little[4];
@@ -162,11 +163,13 @@ void MutatedForeignTest::damage(QByteArray &bytes)
     case 6:
         bytes.insert(int(below(size_t(bytes.size()))), bytes.mid(at, length));
         break;
-    default:
-        if (below(4) == 0)
-            bytes.truncate(at);
-        else
-            bytes[at] = char(bytes[at] ^ (1 << below(8)));
+    default: {
+        const auto isDigit = [](char byte) { return byte >= '0' && byte <= '9'; };
+        const auto digit = std::find_if(bytes.begin() + at, bytes.end(), isDigit);
+        if (digit != bytes.end())
+            *digit = below(8) > 0 ? char('0' + below(10)) : "-.e "[below(4)];
+        break;
+    }
     }
 }
 

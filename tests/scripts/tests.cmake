@@ -8,7 +8,8 @@ add_test(NAME scripts_try_changes COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_D
 add_test(NAME scripts_demo_session COMMAND ${CMAKE_SOURCE_DIR}/scripts/demo_session ${CMAKE_BINARY_DIR}
                                            ${CMAKE_CURRENT_BINARY_DIR}/demo_session)
 set_property(TEST scripts_demo_session PROPERTY TIMEOUT 300)
-set_property(TEST scripts_demo_session PROPERTY ENVIRONMENT ASAN_OPTIONS=detect_leaks=0)
+set_property(TEST scripts_demo_session PROPERTY ENVIRONMENT ASAN_OPTIONS=detect_leaks=0
+             DEMO_FBX=${RY_MODELS_PATH}/foreign/mh_clip_morph.fbx)
 foreach(script run test .ci/run scripts/build)
   string(MAKE_C_IDENTIFIER ${script} name)
   add_test(NAME scripts_parse_${name} COMMAND bash -n ${CMAKE_SOURCE_DIR}/${script})

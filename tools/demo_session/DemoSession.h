@@ -8,10 +8,14 @@
 class DemoSession
 {
 public:
-    DemoSession(HostWindow &window, const QString &folder) : m_stage(window, folder) {}
+    /// `foreign`: an FBX file for a session of its own, beside which a GLB is written; none where it is empty.
+    DemoSession(HostWindow &window, const QString &folder, const QString &foreign)
+        : m_stage(window, folder), m_foreign(foreign)
+    {}
     /// 0 when every step did what it should.
     int run();
 
 private:
     DemoStage m_stage;
+    QString m_foreign;
 };
