@@ -46,7 +46,6 @@ int runApplication(int &argc, char **argv, const std::function<int()> &work)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ryhost"));
-    RyApp::setDefaultHomePath(QStringLiteral(RY_RESOURCES_DIR));
     RyForeignImport::setProgram(QCoreApplication::applicationFilePath());
     const int code = work();
     RyUndoStack::destroyGlobal();

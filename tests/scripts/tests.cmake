@@ -10,7 +10,7 @@ add_test(NAME scripts_demo_session COMMAND ${CMAKE_SOURCE_DIR}/scripts/demo_sess
 set_property(TEST scripts_demo_session PROPERTY TIMEOUT 300)
 set_property(TEST scripts_demo_session PROPERTY ENVIRONMENT ASAN_OPTIONS=detect_leaks=0
              DEMO_FBX=${RY_MODELS_PATH}/foreign/mh_clip_morph.fbx)
-foreach(script run test .ci/run scripts/build)
+foreach(script run test .ci/run scripts/build tools/try_package)
   string(MAKE_C_IDENTIFIER ${script} name)
   add_test(NAME scripts_parse_${name} COMMAND bash -n ${CMAKE_SOURCE_DIR}/${script})
 endforeach()

@@ -15,8 +15,11 @@
 QString hostPluginFolder()
 {
     const QString chosen = qEnvironmentVariable("RYHOST_PLUGIN_PATH");
-    return chosen.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../plugins"))
-                            : chosen;
+    if (!chosen.isEmpty())
+        return chosen;
+    const QDir program(QCoreApplication::applicationDirPath());
+    const QString installed = program.filePath(QStringLiteral("../lib/ryhost/plugins"));
+    return QFileInfo(installed).isDir() ? installed : program.filePath(QStringLiteral("../plugins"));
 }
 
 /// Commands whose script is missing do nothing, and say nothing.
