@@ -1,5 +1,6 @@
 #include "demo_session/ChainStory.h"
 
+#include "demo_session/boneAxis.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/mesh/RyWeightMap.h"
@@ -14,20 +15,12 @@
 #include <QLineEdit>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 const QString JointEditor = QStringLiteral("Joint Editor");
 // From the crown up and back, in the plane through the middle of the figure.
 const RyVec3 Ends[] = {{0.0f, 188.0f, -1.5f}, {0.0f, 200.0f, -6.0f}, {0.0f, 208.0f, -16.0f}};
-
-bool isAlong(const RyBone &bone)
-{
-    const RyVec3 direction = (bone.getEndPoint() - bone.getOrigin()).normalized();
-    const RyVec3 axis = bone.getOrientation().multVec(RyVec3::axis(bone.getRotationOrder()[0]));
-    return std::abs(direction.dot(axis)) > 0.9999f;
-}
 
 } // namespace
 
@@ -50,6 +43,8 @@ void ChainStory::play()
     splitLastBone();
     deleteAndRestore();
     saveAndReopen();
+    // The mode belongs to the window, and the next story wants none of it.
+    m_stage.chooseFromMenu({JointEditor, QStringLiteral("Create"), QStringLiteral("Interactive Mode")});
 }
 
 bool ChainStory::lookAtTheHead()
@@ -136,7 +131,7 @@ void ChainStory::alignBones()
         const RyBone *bone = m_figure->findBone(QString::fromLatin1(name));
         if (m_stage.selectInTree(m_figure->findBone(QString::fromLatin1(name))) &&
             m_stage.chooseFromMenu({JointEditor, QStringLiteral("Align"), QStringLiteral("Align Node")}))
-            m_stage.check(isAlong(*bone), QStringLiteral("an axis of %1 lies along the bone").arg(bone->getName()));
+            m_stage.check(isAxisAlong(*bone), QStringLiteral("an axis of %1 lies along the bone").arg(bone->getName()));
     }
     m_stage.picture(QStringLiteral("chain-aligned"));
 }

@@ -11,7 +11,6 @@
 #include "ryhost/panes/ScenePane.h"
 #include "ryhost/window/HostWindow.h"
 
-#include <QLineEdit>
 #include <QSpinBox>
 
 #include <algorithm>
@@ -77,14 +76,8 @@ bool ClipStory::moveElbow()
 {
     HostWindow &window = m_stage.window();
     const RyNode *elbow = m_stage.node(Elbow);
-    const auto *number = window.findChild<QWidget *>(QStringLiteral("JointEditorOriginXWgt"));
-    auto *field = number ? number->findChild<QLineEdit *>() : nullptr;
-    if (!m_stage.check(elbow && field, QStringLiteral("the tool settings show the elbow's center point")))
+    if (!elbow || !m_stage.typeInto(QStringLiteral("JointEditorOriginXWgt"), QString::number(ElbowAt)))
         return false;
-    m_stage.pointer().click(field, field->rect().center());
-    m_stage.pointer().key(field, QStringLiteral("ctrl+a"));
-    m_stage.pointer().type(field, QString::number(ElbowAt));
-    m_stage.pointer().key(field, QStringLiteral("Return"));
     m_stage.check(!window.getScene()->getClipPlayer()->isShowing(), QStringLiteral("the edit puts the clip away"));
     return m_stage.check(elbow->getOrigin().x == float(ElbowAt), QStringLiteral("the elbow stands at %1").arg(ElbowAt));
 }

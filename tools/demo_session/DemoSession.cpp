@@ -3,6 +3,7 @@
 #include "demo_session/ChainStory.h"
 #include "demo_session/ClipStory.h"
 #include "demo_session/FirstSession.h"
+#include "demo_session/FixStory.h"
 #include "demo_session/ForeignStory.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/window/HostWindow.h"
@@ -26,8 +27,10 @@ int DemoSession::run()
         ChainStory(m_stage).play();
     if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens a third time")))
         ClipStory(m_stage).play();
+    if (m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens once more")))
+        FixStory(m_stage).play();
     if (!m_foreign.isEmpty() &&
-        m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens once more")))
+        m_stage.check(window.files()->openSample(), QStringLiteral("the sample figure opens another time")))
         ForeignStory(m_stage, m_foreign).play();
     std::printf("%s\n",
                 m_stage.failures() == 0 ? "The session went as it should." : "The session did not go as it should.");

@@ -2,9 +2,9 @@
 
 #include "demo_session/DemoStage.h"
 
-/// Plays sessions by itself, each on the sample figure as it comes: a first look, how a chain of bones is made, and a
-/// clip that an elbow was moved under. Leaves pictures and the saved files in a folder and says on standard output what
-/// happened.
+/// Plays sessions by itself, each on the sample figure as it comes: a first look, how a chain of bones is made, a clip
+/// that an elbow was moved under, and how an unfinished character is put right. Leaves pictures and the saved files in
+/// a folder and says on standard output what happened.
 class DemoSession
 {
 public:

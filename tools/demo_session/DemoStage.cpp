@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPointer>
@@ -23,6 +24,8 @@
 #include <cstdio>
 
 namespace {
+
+constexpr int SearchPixels = 40;
 
 QAction *findEntry(const QList<QAction *> &actions, const QString &text)
 {
@@ -84,6 +87,38 @@ bool DemoStage::selectInTree(RyNode *node)
     m_pointer.click(tree->viewport(), tree->visualRect(index).center());
     return check(m_window.getScene()->getPrimarySelection() == node,
                  QStringLiteral("a click in the scene list selects %1").arg(node->getLabel()));
+}
+
+bool DemoStage::typeInto(const QString &objectName, const QString &text)
+{
+    auto *place = m_window.findChild<QWidget *>(objectName);
+    auto *field = qobject_cast<QLineEdit *>(place);
+    if (place && !field)
+        field = place->findChild<QLineEdit *>();
+    if (!check(field && field->isVisible() && field->isEnabled(),
+               QStringLiteral("there is a field %1").arg(objectName)))
+        return false;
+    m_pointer.click(field, field->rect().center());
+    m_pointer.key(field, QStringLiteral("ctrl+a"));
+    m_pointer.type(field, text);
+    m_pointer.key(field, QStringLiteral("Return"));
+    return true;
+}
+
+bool DemoStage::findHandle(int id, const QPoint &near, QPoint &found) const
+{
+    for (int reach = 0; reach <= SearchPixels; ++reach) {
+        for (int dy = -reach; dy <= reach; ++dy) {
+            for (int dx = -reach; dx <= reach; ++dx) {
+                if (qMax(qAbs(dx), qAbs(dy)) != reach)
+                    continue;
+                found = near + QPoint(dx, dy);
+                if (m_window.viewport()->pickOnGizmo(found) == id)
+                    return true;
+            }
+        }
+    }
+    return false;
 }
 
 bool DemoStage::chooseFromMenu(const QStringList &texts, const QString &pictureName)

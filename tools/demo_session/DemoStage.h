@@ -29,6 +29,10 @@ public:
     /// Null, and a failure, when the scene has no such node.
     RyNode *node(const QString &name);
     bool selectInTree(RyNode *node);
+    /// Writes over what a field shows, which is a line edit or has one, and presses Return.
+    bool typeInto(const QString &objectName, const QString &text);
+    /// Where a click finds this handle: the place that shows it nearest to a point; false when it is nowhere near.
+    bool findHandle(int id, const QPoint &near, QPoint &found) const;
     /// Clicks through the menu bar by the texts of the entries ("Joint Editor", "Align", "Align Node"), which may end
     /// early: the first entry that begins so is taken. Takes a picture before the last click when it gets a name.
     bool chooseFromMenu(const QStringList &texts, const QString &pictureName = QString());

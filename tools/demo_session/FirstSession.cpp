@@ -15,7 +15,6 @@ namespace {
 
 constexpr int EndPointHandle = 2;
 constexpr int EndPointX = 44;
-constexpr int SearchPixels = 40;
 const char *const NodeName = "lForearm";
 const char *const HoveredNode = "lThigh";
 
@@ -62,22 +61,6 @@ void FirstSession::hoverPart()
     m_stage.picture(QStringLiteral("pointed"));
 }
 
-bool FirstSession::findHandle(int id, const QPoint &near, QPoint &found) const
-{
-    for (int reach = 0; reach <= SearchPixels; ++reach) {
-        for (int dy = -reach; dy <= reach; ++dy) {
-            for (int dx = -reach; dx <= reach; ++dx) {
-                if (qMax(qAbs(dx), qAbs(dy)) != reach)
-                    continue;
-                found = near + QPoint(dx, dy);
-                if (m_stage.window().viewport()->pickOnGizmo(found) == id)
-                    return true;
-            }
-        }
-    }
-    return false;
-}
-
 bool FirstSession::dragEndPoint(RyNode *node)
 {
     Ry3DViewport *viewport = m_stage.window().viewport();
@@ -87,8 +70,8 @@ bool FirstSession::dragEndPoint(RyNode *node)
     QPointF tip;
     QPoint handle;
     const bool visible =
-        viewport->project(node->getWSEndPoint(), tip) &&
-        (findHandle(EndPointHandle, tip.toPoint(), handle) || findHandle(EndPointX, tip.toPoint(), handle));
+        viewport->project(node->getWSEndPoint(), tip) && (m_stage.findHandle(EndPointHandle, tip.toPoint(), handle) ||
+                                                          m_stage.findHandle(EndPointX, tip.toPoint(), handle));
     if (!m_stage.check(visible, QStringLiteral("the end point of %1 has a handle on screen").arg(node->getLabel())))
         return false;
     m_stage.pointer().moveTo(viewport, handle - QPoint(30, 60));

@@ -13,8 +13,6 @@ public:
 private:
     void hoverPart();
     bool dragEndPoint(RyNode *node);
-    /// Where a click finds this handle: the place that shows it nearest to a point; false when it is nowhere near.
-    bool findHandle(int id, const QPoint &near, QPoint &found) const;
     void alignNode();
     void undoAndRedo(RyNode *node);
 

@@ -152,7 +152,8 @@ void PointerDriver::key(QWidget *widget, const QString &keys)
 void PointerDriver::type(QWidget *widget, const QString &text)
 {
     if (usesDisplayServer()) {
-        run({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("20"), text});
+        // A text may begin with a minus.
+        run({QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("20"), QStringLiteral("--"), text});
     } else {
         for (const QChar letter : text)
             sendKey(widget, letter.toUpper().unicode(), Qt::NoModifier, letter);
