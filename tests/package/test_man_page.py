@@ -13,8 +13,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 MAKER = ROOT / "packaging" / "make_man_page"
 SAMPLE = """# Title
 
-Runs `--a-b` and **stops**, see [there](there.md).
-Goes on.
+`ryhost [FILE...]` runs `--a-b` and **stops**, see [there](there.md).
+`ryhost --batch FILE` goes on.
 
 .Dots at the start; 'quotes' and back\\slash stay.
 
@@ -60,7 +60,8 @@ class ManPageTest(unittest.TestCase):
         text, complaints = show(page)
         self.assertEqual(complaints, "")
         self.assertIn("RyJointTools 1.2.3", text)
-        for paragraph in ("\nRuns --a-b and stops, see there. Goes on.\n\n.Dots at the start; 'quotes' and back\\slash stay.\n",
+        for paragraph in ("\nSYNOPSIS\nryhost [FILE...]\nryhost --batch FILE\n",
+                          "\nryhost [FILE...] runs --a-b and stops, see there. ryhost --batch FILE goes on.\n\n.Dots at the start; 'quotes' and back\\slash stay.\n",
                           "\nTABLES AND LISTS\n", "\n--set A=B, --none\nsets | or not\n", "first goes on\n", "second\n",
                           "\nryhost --batch 'in.glb'\n.hidden ~ ^\n", "\nAfter.\n"):
             self.assertIn(paragraph, text)
@@ -68,9 +69,15 @@ class ManPageTest(unittest.TestCase):
         self.assertNotIn("Title", text)
 
     def test_refuses_a_table_that_it_would_shorten(self):
-        done, page = make("# T\n\n| a | b | c |\n|---|---|---|\n| 1 | 2 | 3 |\n")
+        done, page = make("# T\n\nAs `ryhost x`.\n\n| a | b | c |\n|---|---|---|\n| 1 | 2 | 3 |\n")
         self.assertNotEqual(done.returncode, 0)
         self.assertIn("3 columns", done.stderr)
+        self.assertEqual(page, b"")
+
+    def test_wants_to_know_how_the_program_is_called(self):
+        done, page = make("# T\n\nNo word of it.\n\n## S\n\n`ryhost --late`\n")
+        self.assertNotEqual(done.returncode, 0)
+        self.assertIn("how the program is called", done.stderr)
         self.assertEqual(page, b"")
 
     def test_is_the_same_every_time(self):

@@ -27,7 +27,8 @@ class PackageTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-        made = run(CPACK, "-G", "DEB", "--config", BUILD / "CPackConfig.cmake", "-B", cls.folder / "made", cwd=cls.folder)
+        made = run(CPACK, "-G", "DEB", "--config", BUILD / "CPackConfig.cmake", "-B", cls.folder / "made", cwd=cls.folder,
+                   umask=0o077)
         if made.returncode:
             raise AssertionError(made.stdout + made.stderr)
         [cls.deb] = (cls.folder / "made").glob("*.deb")
