@@ -97,7 +97,9 @@ class PackageTest(unittest.TestCase):
             self.assertIn(rights[1:], ("rwxr-xr-x",) if runs else ("rw-r--r--",), name)
 
     def test_no_path_of_the_machine_that_built_it(self):
-        places = {str(place).encode() for folder in (ROOT, BUILD, self.folder) for place in (folder, folder.resolve())}
+        # Texts of the toolkit have two bytes for each letter.
+        places = {str(place).encode(code) for folder in (ROOT, BUILD, self.folder) for place in (folder, folder.resolve())
+                  for code in ("utf-8", "utf-16-le")}
         for name, path in self.files.items():
             content = path.read_bytes()
             if name.endswith(".gz"):
