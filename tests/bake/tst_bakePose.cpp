@@ -107,6 +107,102 @@ private slots:
         QVERIFY(scene.figure->isPosed());
     }
 
+    void whatBulgesBecomesPartOfTheMesh_data() { nothingMovesInTheWorld_data(); }
+    void whatBulgesBecomesPartOfTheMesh()
+    {
+        QFETCH(int, maps);
+        BentScene scene(static_cast<RySkinnedScene::Maps>(maps));
+        for (const int axis : {0, 2}) {
+            auto *bulge = new RyBulgeBinding(axis);
+            bulge->setLeftWeights(ryMapOf(std::vector<quint16>(60, 50000)));
+            bulge->adjustBulgeValues(0.5f, 0.4f, 0, 0);
+            scene.binding(scene.lShin)->setBulgeBinding(axis, bulge);
+        }
+        const RyBulgeBinding *bulge = scene.binding(scene.lShin)->getBulgeBinding(0);
+        scene.lShin->getXRotControl()->setValue(-50);
+        const std::vector<RyVec3> drawn = scene.shownInWorld(), frames = scene.frames();
+        const auto bulging = [&] {
+            const std::vector<RyVec3> with = scene.shown();
+            bulge->getPosLeftBulgeController()->setValue(0);
+            bulge->getNegLeftBulgeController()->setValue(0);
+            const float way = ryLargestWay(scene.shown(), with);
+            bulge->getPosLeftBulgeController()->setValue(0.5f);
+            bulge->getNegLeftBulgeController()->setValue(0.4f);
+            return way;
+        };
+        QVERIFY(bulging() > 1.0f);
+        QVERIFY(bakePose(scene.figure));
+        QVERIFY(ryLargestWay(scene.shownInWorld(), drawn) < Slack);
+        QVERIFY(ryLargestWay(scene.frames(), frames) < Slack);
+        // Nothing bulges at the new rest; from there on it does as before.
+        QCOMPARE(bulging(), 0.0f);
+        QCOMPARE(scene.binding(scene.lShin)->getBulgeBinding(0), bulge);
+        scene.lShin->getXRotControl()->setValue(25);
+        const float once = bulging();
+        scene.lShin->getXRotControl()->setValue(50);
+        QVERIFY(once > 0.5f);
+        // Local maps blend a bend in between, which stretches what was pushed.
+        QVERIFY(maps == RySkinnedScene::Local ? bulging() > once : std::abs(bulging() - 2.0f * once) < 0.01f);
+    }
+
+    void otherFiguresOnTheBonesStay_data()
+    {
+        QTest::addColumn<bool>("hasBone");
+        QTest::addColumn<bool>("isInner");
+        QTest::newRow("that has no bones of its own") << false << false;
+        QTest::newRow("with a bone of its own") << true << false;
+        QTest::newRow("with a bone of its own that is baked") << true << true;
+    }
+    /// A prop that became a figure may be moved by a bone of the skeleton on which it hung.
+    void otherFiguresOnTheBonesStay()
+    {
+        QFETCH(bool, hasBone);
+        QFETCH(bool, isInner);
+        BentScene scene;
+        auto *mesh = new RyFacetMesh;
+        mesh->setPositions({{0, 0, 0}, {10, 0, 0}, {0, 12, 0}, {3, 4, 15}});
+        mesh->setFacets({{{0, 1, 2, -1}, -1}});
+        auto *object = new RyObject;
+        object->addShape(new RyFacetShape(mesh));
+        object->getCurrentShape()->addMorph(new RyMorph(QStringLiteral("long"), {1, 3}, {{5, 1, 0}, {0, 0, 9}}));
+        scene.prop->setObject(object);
+        RyFigure *ring = RyFigure::convertPropToFigure(scene.prop, QStringLiteral("cuff"), false, true);
+        QVERIFY(ring && ring->getAllBones().empty());
+        RyBone *cuff = scene.figure->findBone(QStringLiteral("cuff"));
+        cuff->getYRotControl()->setValue(35);
+        object->getCurrentShape()->getMorphs().front()->getValueControl()->setValue(0.7f);
+        RyBone *own = nullptr;
+        if (hasBone) {
+            own = RyToolScene::makeBone(ring, "clasp", {5, 0, 0}, {9, 3, 0});
+            RySkinBinding *skin = ring->getSkinBinding();
+            skin->findBoneBinding(cuff)->setWeights(ryMapOf({65535, 30000, 0, 20000}));
+            auto *binding = new RyBoneBinding;
+            binding->setBone(own);
+            binding->setWeights(ryMapOf({0, 35535, 65535, 45535}));
+            skin->addBoneBinding(binding);
+            own->getZRotControl()->setValue(-30);
+            own->getScaleControl()->setValue(1.2f);
+        }
+        const auto shown = [&] {
+            std::vector<RyVec3> points = object->getDeformedPositions();
+            for (RyVec3 &point : points)
+                point = ring->worldMap().mapPoint(point);
+            return points;
+        };
+        const std::vector<RyVec3> drawn = scene.shownInWorld(), frames = scene.frames(), there = shown();
+        const RyVec3 tip = own ? own->getWSEndPoint() : RyVec3();
+        QVERIFY(bakePose(isInner ? ring : scene.figure));
+        QVERIFY(cuff->isPosed() == isInner);
+        QVERIFY(!own || own->isPosed() != isInner);
+        QVERIFY(ryLargestWay(shown(), there) < Slack);
+        QVERIFY(ryLargestWay(scene.shownInWorld(), drawn) < Slack);
+        QVERIFY(ryLargestWay(scene.frames(), frames) < Slack);
+        QVERIFY(!own || (own->getWSEndPoint() - tip).length() < Slack);
+        QVERIFY(bakePose(isInner ? scene.figure : ring));
+        QVERIFY(!cuff->isPosed() && !(own && own->isPosed()));
+        QVERIFY(ryLargestWay(shown(), there) < Slack);
+    }
+
     void bonesGetThePosedRestAsDefaultsToo()
     {
         BentScene scene;

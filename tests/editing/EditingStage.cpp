@@ -67,6 +67,11 @@ void EditingStage::select(const std::vector<RyNode *> &nodes)
     QCoreApplication::sendPostedEvents();
 }
 
+QStringList EditingStage::actionNames() const
+{
+    return RyActionRunner(m_window->getActionMgr()).names();
+}
+
 QString EditingStage::run(const char *action, const Fields &fields, const QHash<QString, QString> &answers)
 {
     RyDialogDriver driver;

@@ -40,6 +40,8 @@ public:
     /// Selects in this order and lets the tool take the last one.
     void select(const std::vector<RyNode *> &nodes);
 
+    /// Class names, in alphabetical order.
+    QStringList actionNames() const;
     /// Object names and values, in the order in which they are filled: one may enable the next.
     using Fields = std::vector<std::pair<QString, QString>>;
     /// Runs an action by its class name as a person would. `fields`: object names and values of its dialog. `answers`:

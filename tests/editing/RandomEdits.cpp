@@ -112,9 +112,14 @@ QString RandomEdits::dragSomething()
     return QStringLiteral("drag of handle %1%2").arg(handle).arg(cancel ? QStringLiteral(", cancelled") : QString());
 }
 
+bool RandomEdits::isCrowded() const
+{
+    return m_stage.bones().size() > size_t(MostBones);
+}
+
 QString RandomEdits::edit()
 {
-    const bool crowded = m_stage.bones().size() > size_t(MostBones);
+    const bool crowded = isCrowded();
     const int kind = pick(100);
     if (kind < 18)
         return selectSome();
@@ -126,13 +131,12 @@ QString RandomEdits::edit()
         return runAction(quietActions[size_t(pick(int(std::size(quietActions))))]);
     if (kind < 69)
         return runAction(switches[size_t(pick(int(std::size(switches))))]);
-    const QString name = QStringLiteral("bone_%1_").arg(++m_names);
+    const QString name = freshName();
     if (kind < 73) {
         return runAction("RyJERenameNodeAction", {{QStringLiteral("name"), name}, {QStringLiteral("label"), name}});
     }
     if (kind < 78 || crowded) {
-        const auto *bone = qobject_cast<RyBone *>(ryScene()->getPrimarySelection());
-        m_weightsMayGo = !RigChecks::receiverOf(bone);
+        expectToDelete(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
         return runAction(chance(90) ? "RyJEDeleteBoneAction" : "RyJEDeleteUnusedBonesAction");
     }
     if (kind < 82)
@@ -296,9 +300,15 @@ QString RandomEdits::next()
         ryRestorePoints()->clear();
         m_points.clear();
     }
-    if (chance(12)) {
+    // Figures that became props, or lost most of their bones, come back before long.
+    const bool isBare = m_stage.bones().size() < 4;
+    if (chance(isBare ? 40 : 12)) {
         m_present.clear();
         return moveInHistory();
+    }
+    if (!m_points.empty() && isBare && chance(30)) {
+        m_present.clear();
+        return restore(0);
     }
     if (!m_points.empty() && chance(4)) {
         m_present.clear();

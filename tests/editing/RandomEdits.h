@@ -18,6 +18,7 @@ class RandomEdits
 {
 public:
     RandomEdits(EditingStage &stage, unsigned seed);
+    virtual ~RandomEdits() = default;
 
     /// One edit, undo, redo or return to a restore point. Empty when all is as it must be; otherwise what was done and
     /// what is wrong.
@@ -35,6 +36,23 @@ public:
     int restored() const { return m_restored; }
     int refused() const { return m_refused; }
 
+protected:
+    int pick(int below) { return int(m_random() % unsigned(below)); }
+    bool chance(int percent) { return pick(100) < percent; }
+    /// One edit, and what it was called.
+    virtual QString edit();
+    QString selectSome();
+    QString runAction(const char *action, const EditingStage::Fields &fields = {},
+                      const QHash<QString, QString> &answers = {});
+    QString dragSomething();
+    /// So many bones that there had better not be more.
+    bool isCrowded() const;
+    QString freshName() { return QStringLiteral("bone_%1_").arg(++m_names); }
+    /// Called before a bone is deleted: its weights may have nowhere to go.
+    void expectToDelete(const RyBone *bone) { m_weightsMayGo = !RigChecks::receiverOf(bone); }
+
+    EditingStage &m_stage;
+
 private:
     struct History
     {
@@ -48,13 +66,6 @@ private:
         History history;
     };
 
-    int pick(int below) { return int(m_random() % unsigned(below)); }
-    bool chance(int percent) { return pick(100) < percent; }
-    QString edit();
-    QString selectSome();
-    QString runAction(const char *action, const EditingStage::Fields &fields = {},
-                      const QHash<QString, QString> &answers = {});
-    QString dragSomething();
     QString moveInHistory();
     QString restore(int point);
     QString compareAt(int index, const QString &doing) const;
@@ -64,7 +75,6 @@ private:
     static QString content(const QString &dump);
     static QString firstDifference(const QString &expected, const QString &found);
 
-    EditingStage &m_stage;
     std::mt19937 m_random;
     History m_history;
     std::vector<Point> m_points; // newest last, in step with the stack's restore points

@@ -28,6 +28,16 @@ const RyWeightMap *mapOf(const RyBoneBinding &binding, int kind)
     }
 }
 
+/// Whether a bone belongs to the skeleton or to one that this hangs on: a prop that became a figure may have joined
+/// that.
+bool isOfOrAbove(const RySkeleton &skeleton, const RyBone &bone)
+{
+    const RyNode *above = &skeleton;
+    while (above && above != bone.getSkeleton())
+        above = above->getNodeParent();
+    return above && bone.getScene();
+}
+
 } // namespace
 
 namespace RigChecks {
@@ -80,7 +90,7 @@ QString bindingsHaveBones(const RySkeleton &skeleton)
         const RyBone *bone = binding->getBone();
         if (!bone)
             return QStringLiteral("the binding \"%1\" has no bone").arg(binding->getName());
-        if (bone->getSkeleton() != &skeleton)
+        if (!isOfOrAbove(skeleton, *bone))
             return QStringLiteral("the bone \"%1\" of a binding is not in the figure").arg(bone->getName());
         if (bound.contains(bone))
             return QStringLiteral("the bone \"%1\" has two bindings").arg(bone->getName());
@@ -122,13 +132,13 @@ QString jointsHaveBones(const RySkeleton &skeleton)
     QSet<const RyNode *> jointed;
     for (RyLegacyJoint *joint : binding ? binding->joints() : std::vector<RyLegacyJoint *>()) {
         const RyBone *bone = joint->getBone();
-        if (!bone || bone->getSkeleton() != &skeleton)
+        if (!bone || !isOfOrAbove(skeleton, *bone))
             return QStringLiteral("the joint \"%1\" has no bone of the figure").arg(joint->getName());
         if (jointed.contains(bone) || RyLegacyJoint::findJoint(bone) != joint)
             return QStringLiteral("the bone \"%1\" has another joint").arg(bone->getName());
         jointed.insert(bone);
         for (const RyLegacyJointParam *param : joint->params()) {
-            if (!param->getDriver() || param->getDriver()->getSkeleton() != &skeleton)
+            if (!param->getDriver() || !isOfOrAbove(skeleton, *param->getDriver()))
                 return QStringLiteral("the parameter \"%1\" of \"%2\" has no driver of the figure")
                     .arg(param->getName(), joint->getName());
         }

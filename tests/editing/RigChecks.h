@@ -25,7 +25,7 @@ WeightSums weightSums(const RySkinBinding &skin);
 
 /// Sums are full weight, or zero where they were zero before.
 QString weightsAreWhole(const WeightSums &before, const WeightSums &after);
-/// Every binding has a bone of its skeleton, no bone two bindings.
+/// Every binding has a bone of its skeleton or of one that this hangs on, no bone two bindings.
 QString bindingsHaveBones(const RySkeleton &skeleton);
 /// Every pair of the selection map has a node of the figure.
 QString pairsHaveNodes(const RySkeleton &skeleton);

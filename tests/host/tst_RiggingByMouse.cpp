@@ -1,7 +1,7 @@
+#include "host/MenuPointer.h"
 #include "host/MenuStage.h"
 #include "support/RyTest.h"
 
-#include "pointer/PointerDriver.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
@@ -17,7 +17,6 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLineEdit>
-#include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -145,36 +144,11 @@ private:
         return true;
     }
 
-    /// Clicks from the menu bar to the entry of an action.
     bool chooseFromMenus(const QString &className)
     {
-        const QMenuBar *bar = m_window->menuBar();
-        const QList<QAction *> way = wayTo(bar->actions(), className);
-        if (way.isEmpty() || !way.last()->isEnabled())
-            return false;
-        m_pointer.click(m_window->menuBar(), bar->actionGeometry(way.first()).center());
-        for (int i = 1; i < way.size(); ++i) {
-            QMenu *menu = way[i - 1]->menu();
-            if (!QTest::qWaitFor([menu] { return menu->isVisible(); }))
-                return false;
-            PointerDriver::wait(50);
-            m_pointer.click(menu, menu->actionGeometry(way[i]).center());
-        }
+        const bool isChosen = MenuPointer(m_pointer).choose(m_window->menuBar(), className);
         settle();
-        return true;
-    }
-    static QList<QAction *> wayTo(const QList<QAction *> &entries, const QString &className)
-    {
-        for (QAction *entry : entries) {
-            if (className == QLatin1String(entry->metaObject()->className()))
-                return {entry};
-            if (!entry->menu() || !entry->isVisible())
-                continue;
-            const QList<QAction *> way = wayTo(entry->menu()->actions(), className);
-            if (!way.isEmpty())
-                return QList<QAction *>{entry} + way;
-        }
-        return {};
+        return isChosen;
     }
 
     bool fillMirrorDialog(QPointer<QDialog> dialog)

@@ -4,6 +4,7 @@
 #include "support/checkUndo.h"
 
 #include "pluginsource/RyJointTools/operations/createControlBones.h"
+#include "pluginsource/RyJointTools/operations/deleteBone.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ private slots:
     void controlsStayOnTheirBones();
     void limitsHoldForTheOwnShare();
     void faceGroupsMove();
+    void deletedControlsGiveTheirGroupsBack();
     void withoutASelectionMap();
     void bulgeNamesAreRefreshed();
     void skipped();
@@ -298,6 +300,27 @@ void RyCreateControlBonesTest::faceGroupsMove()
     QCOMPARE(map->findGroupForNode(scene.control(scene.lThigh)), QString()); // it had none
     QCOMPARE(map->findGroupForNode(scene.hip), QStringLiteral("group of hip"));
     QCOMPARE(map->getNumPairs(), 4);
+}
+
+void RyCreateControlBonesTest::deletedControlsGiveTheirGroupsBack()
+{
+    RyControlScene scene;
+    const RySelectionMap *map = scene.figure->getSelectionMap();
+    QCOMPARE(createControlBones({scene.lThigh, scene.lShin, scene.lFoot, scene.hip}, prefix), 4);
+    scene.figure->getSelectionMap()->addPair(QStringLiteral("sole"), scene.lFoot, false);
+    deleteBone(scene.control(scene.lShin));
+    QCOMPARE(map->findGroupForNode(scene.lShin), QStringLiteral("group of lShin"));
+    deleteBone(scene.control(scene.lFoot));
+    QCOMPARE(map->findGroupForNode(scene.lFoot), QStringLiteral("sole")); // it got another one meanwhile
+    deleteBone(scene.control(scene.lThigh));
+    QCOMPARE(map->findGroupForNode(scene.lThigh), QString()); // it had none
+    // What turns about one axis alone is no control bone.
+    RyBone *control = scene.control(scene.hip);
+    const RyFloatProperty *turn = scene.hip->getYRotControl();
+    RyERCLink::remove(turn->getControllerLinks().front());
+    deleteBone(control);
+    QCOMPARE(map->findGroupForNode(scene.hip), QString());
+    QCOMPARE(map->getNumPairs(), 3);
 }
 
 void RyCreateControlBonesTest::withoutASelectionMap()

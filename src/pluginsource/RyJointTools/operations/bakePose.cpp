@@ -1,68 +1,75 @@
 #include "pluginsource/RyJointTools/operations/bakePose.h"
 
 #include "pluginsource/RyJointTools/operations/RyBakedBones.h"
+#include "pluginsource/RyJointTools/operations/RyBakedShape.h"
 #include "pluginsource/RyJointTools/operations/RyHeldValues.h"
 
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyExactRiggingEdit.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyMorph.h"
+#include "rycore/scene/RyScene.h"
 #include "rycore/skin/RySkinBinding.h"
+
+#include <algorithm>
+#include <unordered_set>
 
 namespace {
 
-/// What a shape becomes: its mesh as it is drawn, without the morphs, which are turned with their vertices.
-struct BakedShape
+/// The shapes that follow some of the bones, in the order of their figures.
+class BakedShapes
 {
-    std::vector<RyVec3> positions;
-    std::vector<std::vector<RyVec3>> deltas; // of each morph
+public:
+    explicit BakedShapes(const std::vector<RyBone *> &bones) : m_cleared(bones.begin(), bones.end()) {}
 
-    /// False where the skin refuses.
-    bool take(const RyFacetShape &shape, RySkinBinding &skin)
+    /// False where a skin refuses.
+    bool take(RySkeleton *skeleton)
     {
-        const bool hasMorphs = !shape.getMorphs().empty();
-        std::vector<RyMatrix3> linear;
-        if (!skin.deformBase(shape.getCurrentPositions(), positions, hasMorphs ? &linear : nullptr))
+        RySkinBinding *skin = RySkinBinding::findSkin(skeleton);
+        RyBakedShape shape(qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(skeleton)), skin);
+        if (!shape.take())
             return false;
-        for (const RyMorph *morph : shape.getMorphs()) {
-            std::vector<RyVec3> turned;
-            for (size_t i = 0; i < morph->vertices().size(); ++i) {
-                const auto vertex = size_t(morph->vertices()[i]);
-                turned.push_back(vertex < linear.size() ? linear[vertex].multVec(morph->deltas()[i])
-                                                        : morph->deltas()[i]);
-                if (vertex < positions.size())
-                    positions[vertex] -= turned.back() * morph->shownValue();
-            }
-            deltas.push_back(std::move(turned));
+        const bool isCleared = isAll(*skin, true);
+        (isCleared ? m_cleaned : m_mixed).push_back(std::move(shape));
+        return true;
+    }
+    /// Those of other figures, which bones of this one move as well.
+    bool takeOthers(const RyFigure *figure)
+    {
+        const RyScene *scene = figure->getScene();
+        for (RySkeleton *other : scene ? scene->getSkeletons() : std::vector<RySkeleton *>()) {
+            const RySkinBinding *skin = other == figure ? nullptr : RySkinBinding::findSkin(other);
+            const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(other));
+            if (skin && shape && shape->getFacetMesh() && !isAll(*skin, false) && !take(other))
+                return false;
         }
-        if (hasMorphs)
-            keepUnmoved(shape, linear);
         return true;
     }
 
-    /// What no bone moves stays to the bit, whatever its morphs show.
-    void keepUnmoved(const RyFacetShape &shape, const std::vector<RyMatrix3> &linear)
+    void installBeforeBones()
     {
-        const std::vector<RyVec3> &base = shape.getBasePositions();
-        const float noise = 1e-6f;
-        for (size_t vertex = 0; vertex < positions.size(); ++vertex) {
-            const float slack = noise * (1.0f + base[vertex].length());
-            if (linear[vertex] == RyMatrix3() && (positions[vertex] - base[vertex]).length() < slack)
-                positions[vertex] = base[vertex];
-        }
+        for (RyBakedShape &shape : m_cleaned)
+            shape.installShown();
+    }
+    void installAfterBones()
+    {
+        for (RyBakedShape &shape : m_mixed)
+            shape.installBelowPose();
     }
 
-    void install(RyFacetShape &shape)
+private:
+    /// Whether all of its bones are, or none is, among those whose pose goes.
+    bool isAll(const RySkinBinding &skin, bool areCleared) const
     {
-        if (positions == shape.getBasePositions())
-            return;
-        const RyRef<RyFacetMesh> mesh(shape.getFacetMesh()->copy());
-        mesh->setPositions(std::move(positions));
-        shape.setFacetMesh(mesh.get());
-        for (size_t i = 0; i < deltas.size(); ++i)
-            shape.getMorphs()[i]->setDeltas(std::move(deltas[i]));
+        const std::vector<RyBoneBinding *> &bindings = skin.bindings();
+        return std::all_of(bindings.begin(), bindings.end(), [&](const RyBoneBinding *binding) {
+            return !binding->getBone() || (m_cleared.count(binding->getBone()) > 0) == areCleared;
+        });
     }
+
+    std::unordered_set<const RyBone *> m_cleared;
+    std::vector<RyBakedShape> m_cleaned, m_mixed;
 };
 
 /// What hangs on bones and is none, with where it stands in the world.
@@ -110,8 +117,8 @@ private:
 
 bool bakePose(RyFigure *figure)
 {
-    RySkinBinding *skin = figure ? figure->getSkinBinding() : nullptr;
-    auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(figure));
+    const RySkinBinding *skin = figure ? figure->getSkinBinding() : nullptr;
+    const auto *shape = qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(figure));
     if (!skin || !shape || !shape->getFacetMesh())
         return false;
     const RyBakedBones bones(*figure);
@@ -119,17 +126,18 @@ bool bakePose(RyFigure *figure)
         return false;
     if (!bones.isPosed())
         return true;
-    BakedShape baked;
-    if (!baked.take(*shape, *skin))
+    BakedShapes shapes(bones.bones());
+    if (!shapes.take(figure) || !shapes.takeOthers(figure))
         return false;
     RyHeldValues values;
     bones.hold(values);
     values.addControlledBy(bones.bones());
     const HungNodes hung(bones.bones());
     const RyExactRiggingEdit edit;
-    baked.install(*shape);
+    shapes.installBeforeBones();
     bones.apply();
     values.apply();
+    shapes.installAfterBones();
     hung.restore();
     return true;
 }

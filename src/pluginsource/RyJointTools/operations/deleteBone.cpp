@@ -3,6 +3,8 @@
 #include "pluginsource/RyJointTools/operations/findSkinsThatBind.h"
 #include "pluginsource/RyJointTools/operations/normalizeWeights.h"
 
+#include "rycore/base/RyERCLink.h"
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyLegacyBoneRemoval.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyScene.h"
@@ -83,6 +85,36 @@ void moveWeightsOfDeletedBone(RySkinBinding *skin, const RyBone *deleted, const 
     normalizeWeights(skin);
 }
 
+static bool poses(const RyFloatProperty *controller, const RyFloatProperty *controlled)
+{
+    const std::vector<RyERCLink *> links = controller->getControlledLinks();
+    return std::any_of(links.begin(), links.end(),
+                       [controlled](const RyERCLink *link) { return link->getControlled() == controlled; });
+}
+
+/// The bone of the same skeleton that turns with this one about all axes, null when there is none.
+static RyBone *findPosedBone(const RyBone *control)
+{
+    for (const RyERCLink *link : control->getXRotControl()->getControlledLinks()) {
+        auto *bone = qobject_cast<RyBone *>(link->getControlled()->getOwner());
+        if (bone && bone->getSkeleton() == control->getSkeleton() &&
+            poses(control->getXRotControl(), bone->getXRotControl()) &&
+            poses(control->getYRotControl(), bone->getYRotControl()) &&
+            poses(control->getZRotControl(), bone->getZRotControl()))
+            return bone;
+    }
+    return nullptr;
+}
+
+/// A control bone has the group of the bone that it poses, which would be left with none.
+static void giveGroupBack(RySelectionMap *map, const RyBone *control)
+{
+    const QString group = map->findGroupForNode(control);
+    RyBone *bone = group.isEmpty() ? nullptr : findPosedBone(control);
+    if (bone && map->findPair(bone) < 0)
+        map->addPair(group, bone, true);
+}
+
 static void removePairs(RySelectionMap *map, const RyBone *bone)
 {
     for (int pair = map->findPair(bone); pair >= 0; pair = map->findPair(bone))
@@ -96,8 +128,10 @@ void deleteBone(RyBone *bone)
     const RyRef<RyBone> guard(bone);
     RyNode *parent = bone->getNodeParent();
     const RySkeleton *skeleton = bone->getSkeleton();
-    if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr)
+    if (RySelectionMap *map = skeleton ? skeleton->getSelectionMap() : nullptr) {
+        giveGroupBack(map, bone);
         removePairs(map, bone);
+    }
     // Somebody may hold the bone, and what it moved would stay as it was left.
     RyNodeReplacement::cutLinks({bone});
     const std::vector<RySkinBinding *> skins = findSkinsThatBind(bone);

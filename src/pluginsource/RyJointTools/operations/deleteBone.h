@@ -6,8 +6,9 @@ class RySkinBinding;
 class RyWeightMap;
 
 /// Takes a bone out of the scene: its children go to the end of its parent's, its weights to a neighbour, its pairs of
-/// the selection map and its joint parameters go, and those of its children follow them. Children of a bone without a
-/// parent become top-level nodes. Leaves undo holds and the selection of other nodes alone. Nothing for null.
+/// the selection map and its joint parameters go, and those of its children follow them. The bone that a control bone
+/// poses gets its face group back where it has none of its own. Children of a bone without a parent become top-level
+/// nodes. Leaves undo holds and the selection of other nodes alone. Nothing for null.
 void deleteBone(RyBone *bone);
 
 /// Adds the weights of `source` to those of `target`, up to full weight, within an edit of it. Nothing unless both are
