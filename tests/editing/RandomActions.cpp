@@ -14,6 +14,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -48,7 +49,7 @@ void addBulges(RySkinBinding &skin)
 {
     int number = 0;
     for (RyBoneBinding *binding : skin.bindings()) {
-        if (!binding->getWeights() || ++number % 3 > 0)
+        if (!binding->getWeights() || number++ % 3 > 0)
             continue;
         auto *bulge = new RyBulgeBinding(number % 2);
         bulge->setLeftWeights(halfOf(*binding->getWeights(), true));
@@ -80,6 +81,7 @@ void addProp(RySkeleton &figure)
     mesh->setPositions({{0, 0, 0}, {6, 0, 0}, {0, 7, 0}, {1, 2, 8}});
     mesh->setFacets({{{0, 1, 2, -1}, -1}, {{0, 3, 1, -1}, -1}});
     auto *object = new RyObject;
+    object->setName(QStringLiteral("lantern"));
     object->addShape(new RyFacetShape(mesh));
     auto *prop = new RyNode;
     prop->setName(QStringLiteral("lantern"));
@@ -118,7 +120,7 @@ void RandomActions::addShapes()
 QString RandomActions::edit()
 {
     const int kind = pick(100);
-    if (!m_stage.bones().empty()) {
+    if (m_next.isEmpty() && !m_stage.bones().empty()) {
         if (kind < 12)
             return selectSome();
         if (kind < 24)
@@ -128,11 +130,17 @@ QString RandomActions::edit()
         if (kind < 40)
             return RandomEdits::edit();
     }
+    // What is selected for an action is an edit of its own: a restore point brings the selection back.
+    if (!m_next.isEmpty())
+        return runAny(std::exchange(m_next, QString()));
     const QStringList actions = allActions(m_stage);
-    const QString action = m_stage.bones().empty() && chance(70) ? QStringLiteral("RyJEConvertPropToFigureAction")
-                                                                 : actions.at(pick(actions.size()));
-    const bool grows = std::find(std::begin(growing), std::end(growing), action) != std::end(growing);
-    return runAny(grows && isCrowded() ? QStringLiteral("RyJEDeleteBoneAction") : action);
+    m_next = m_stage.bones().empty() && chance(70) ? QStringLiteral("RyJEConvertPropToFigureAction")
+                                                   : actions.at(pick(actions.size()));
+    const bool grows = std::find(std::begin(growing), std::end(growing), m_next) != std::end(growing);
+    if (grows && isCrowded())
+        m_next = QStringLiteral("RyJEDeleteBoneAction");
+    selectFor(m_next);
+    return QStringLiteral("select for %1").arg(m_next);
 }
 
 QString RandomActions::pose()
@@ -233,7 +241,6 @@ QHash<QString, QString> RandomActions::answersFor(const QString &action)
 
 QString RandomActions::runAny(const QString &action)
 {
-    selectFor(action);
     if (action == QLatin1String("RyJEDeleteBoneAction"))
         expectToDelete(qobject_cast<RyBone *>(ryScene()->getPrimarySelection()));
     const int refused = this->refused();

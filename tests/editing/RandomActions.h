@@ -30,5 +30,6 @@ private:
     QHash<QString, QString> answersFor(const QString &action);
     void selectOneOf(std::vector<RyNode *> nodes);
 
+    QString m_next; // to run on what is selected now
     QHash<QString, int> m_ran, m_turnedDown;
 };
