@@ -117,6 +117,8 @@ QString namesAreUnique(const RySkeleton &skeleton)
 {
     QSet<QString> names;
     for (const RyBone *bone : skeleton.getAllBones()) {
+        if (bone->getSkeleton() != &skeleton)
+            continue; // of a figure that hangs on this one
         if (bone->getName().isEmpty())
             return QStringLiteral("a bone has no name");
         if (names.contains(bone->getName()))

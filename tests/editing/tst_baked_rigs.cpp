@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <random>
 
 namespace {
@@ -61,12 +62,15 @@ float largestWay(const Points &a, const Points &b)
     return largest;
 }
 
+/// That of what lies flat: its largest side.
 float heightOf(const RyScene &scene)
 {
     RyBox3 box;
     for (const RyVec3 &point : shownIn(scene))
         box.include(point);
-    return box.getMax().y - box.getMin().y;
+    const RyVec3 size = box.getMax() - box.getMin();
+    const float most = std::max({size.x, size.y, size.z});
+    return size.y > 0.01f * most ? size.y : most;
 }
 
 /// Without its lines about bones' poses: the values of the bulges, and which maps they have.
@@ -163,17 +167,16 @@ private slots:
         const QString saved = folder.filePath(QStringLiteral("baked.glb"));
         QString error;
         QVERIFY2(RySceneFile::save(ryScene(), saved, &error), qPrintable(error));
-        {
-            const CharacterScene again(saved);
-            QVERIFY(sameDumps(rySceneDump(again.scene), baked));
-            QVERIFY2(largestWay(shownIn(again.scene), shown) < slack, far(largestWay(shownIn(again.scene), shown)));
-            QVERIFY2(largestWay(jointsIn(again.scene), joints) < slack, far(largestWay(jointsIn(again.scene), joints)));
-            // Other programs show the same: nothing bulges at rest.
-            QVERIFY(largestDistance(again.shown(), positionsOf(again.file, again.unit())) < double(slack));
-        }
         QVERIFY(ryRestorePoints()->restore(ryRestorePoints()->count() - 1)); // before the first bake
         QCOMPARE(stage.dump(), before);
         QVERIFY(largestWay(shownIn(*ryScene()), shown) == 0.0f);
+
+        const CharacterScene again(saved);
+        QVERIFY(sameDumps(rySceneDump(again.scene), baked));
+        QVERIFY2(largestWay(shownIn(again.scene), shown) < slack, far(largestWay(shownIn(again.scene), shown)));
+        QVERIFY2(largestWay(jointsIn(again.scene), joints) < slack, far(largestWay(jointsIn(again.scene), joints)));
+        // Other programs show the same: nothing bulges at rest.
+        QVERIFY(largestDistance(again.shown(), positionsOf(again.file, again.unit())) < double(slack));
     }
 
 private:
@@ -221,7 +224,7 @@ private:
         }
         ryUndoStack()->clearAll();
         ryRestorePoints()->clear();
-        ryRestorePoints()->setMost(int(ryScene()->getSkeletons().size()));
+        ryRestorePoints()->setMost(int(ryScene()->getSkeletons().size()) + 2);
     }
     /// By how much the vertices of the scene would lie elsewhere if nothing bulged; nothing is left changed.
     static float changesWithoutBulges(const Points &shown)
