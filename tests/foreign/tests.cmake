@@ -1,11 +1,11 @@
 # What goes wrong while a foreign file is read, and the way of such a file through the program.
 ry_test(foreign LIBS rycore_io ry_evaluator ry_test_core)
-add_library(tst_foreign_reader MODULE ${CMAKE_CURRENT_LIST_DIR}/reader/TestReader.cpp)
-target_include_directories(tst_foreign_reader PRIVATE ${CMAKE_SOURCE_DIR}/src)
-target_link_libraries(tst_foreign_reader PRIVATE ry_compile_options Qt5::Core)
-set_target_properties(tst_foreign_reader PROPERTIES PREFIX "" OUTPUT_NAME testreader
+add_library(bad_foreign_reader MODULE ${CMAKE_CURRENT_LIST_DIR}/reader/TestReader.cpp)
+target_include_directories(bad_foreign_reader PRIVATE ${CMAKE_SOURCE_DIR}/src)
+target_link_libraries(bad_foreign_reader PRIVATE ry_compile_options Qt5::Core)
+set_target_properties(bad_foreign_reader PROPERTIES PREFIX "" OUTPUT_NAME testreader
                       LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/testreaders)
-add_dependencies(tst_foreign ryhost tst_foreign_reader)
+add_dependencies(tst_foreign ryhost bad_foreign_reader)
 if(TARGET ryforeign)
   add_dependencies(tst_foreign ryforeign)
 endif()
