@@ -24,7 +24,7 @@ void RyBonePairing::pairByPrefixes()
             continue;
         member.partner = found;
         member.side = m_prefixes.sideOf(member.node->getName());
-        member.stage = m_rig.members[size_t(found)].stage = int(Stage::Prefix);
+        member.stage = m_rig.members[size_t(found)].stage = Stage::Prefix;
     }
 }
 
@@ -55,7 +55,7 @@ std::vector<RyBonePairing::Pair> RyBonePairing::pairs() const
             continue;
         const RyPairingRig::Member &other = m_rig.members[size_t(member.partner)];
         if (member.partner > i || other.partner != i)
-            pairs.push_back({member.node, other.node, Stage(member.stage)});
+            pairs.push_back({member.node, other.node, member.stage});
     }
     return pairs;
 }
@@ -64,7 +64,7 @@ std::vector<RyNode *> RyBonePairing::alone() const
 {
     std::vector<RyNode *> nodes;
     for (const RyPairingRig::Member &member : m_rig.members) {
-        if (member.isBone && member.stage == 0)
+        if (member.isBone && member.stage == Stage::None)
             nodes.push_back(member.node);
     }
     return nodes;
@@ -77,7 +77,7 @@ RyNode *RyBonePairing::oppositeOf(const RyNode *node, RySide side) const
         return nullptr;
     const RyPairingRig::Member &member = m_rig.members[size_t(place)];
     int found = -1;
-    if (member.stage == int(Stage::Prefix) || member.stage == 0)
+    if (member.stage == Stage::Prefix || member.stage == Stage::None)
         found = m_lookup.find(node->getName(), member.figure, side);
     else if (side == RySide::None || side == member.side)
         found = member.partner;
@@ -100,7 +100,7 @@ RySide RyBonePairing::sideOf(const RyNode *node) const
 RyBonePairing::Stage RyBonePairing::stageOf(const RyNode *node) const
 {
     const int place = placeOf(node);
-    return place < 0 ? Stage::None : Stage(m_rig.members[size_t(place)].stage);
+    return place < 0 ? Stage::None : m_rig.members[size_t(place)].stage;
 }
 
 RyNode *RyBonePairing::mutualOf(const RyNode *node) const

@@ -11,7 +11,7 @@
 class RyBonePairing
 {
 public:
-    enum class Stage { None, Prefix, Marks, Place };
+    using Stage = RyPairingRig::Stage;
     struct Pair
     {
         RyNode *first;

@@ -63,7 +63,7 @@ bool RyPairingRig::isOneAbove(int i, int j) const
     return below <= members[size_t(above)].lastBelow;
 }
 
-void RyPairingRig::join(int i, int j, int stage, RySide sideOfFirst)
+void RyPairingRig::join(int i, int j, Stage stage, RySide sideOfFirst)
 {
     const RySide other = sideOfFirst == RySide::Left    ? RySide::Right
                          : sideOfFirst == RySide::Right ? RySide::Left

@@ -13,6 +13,8 @@ struct RyPairingRig
 {
     RyPairingRig(const RySkeleton &skeleton, int axis);
 
+    /// Which stage found a pair.
+    enum class Stage { None, Prefix, Marks, Place };
     struct Member
     {
         RyNode *node;
@@ -22,17 +24,17 @@ struct RyPairingRig
         int lastBelow;            // the last node of its branch
         RyVec3 origin;            // default
         int partner = -1;
-        int stage = 0; // 0 while the node has no partner
+        Stage stage = Stage::None; // while the node has no partner
         RySide side = RySide::None;
     };
 
-    bool isFree(int i) const { return members[size_t(i)].isBone && members[size_t(i)].stage == 0; }
+    bool isFree(int i) const { return members[size_t(i)].isBone && members[size_t(i)].stage == Stage::None; }
     RyVec3 mirrored(const RyVec3 &point) const;
     /// Of a node's origin on the other side, to the origin of the other.
     float gap(int i, int j) const;
     bool isOffMiddle(const RyVec3 &point) const;
     bool isOneAbove(int i, int j) const;
-    void join(int i, int j, int stage, RySide sideOfFirst);
+    void join(int i, int j, Stage stage, RySide sideOfFirst);
 
     std::vector<Member> members;
     int axis;

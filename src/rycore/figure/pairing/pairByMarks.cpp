@@ -54,7 +54,7 @@ public:
                 const int found = partnerOf(bone, marks, which);
                 const auto &said = which == Which::Last ? marks.marks().back() : marks.marks().front();
                 if (found >= 0)
-                    m_rig.join(bone, found, 2, said.isLeft ? RySide::Left : RySide::Right);
+                    m_rig.join(bone, found, RyPairingRig::Stage::Marks, said.isLeft ? RySide::Left : RySide::Right);
             }
         }
     }

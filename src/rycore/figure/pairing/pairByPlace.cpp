@@ -48,6 +48,6 @@ void pairByPlace(RyPairingRig &rig)
         const bool isLeft = rig.members[size_t(bone)].origin[rig.axis] > 0.0f;
         const RySide side = rig.axis != 0 ? RySide::None : isLeft ? RySide::Left : RySide::Right;
         if (rig.isFree(bone))
-            rig.join(bone, nearest[bone], 3, side);
+            rig.join(bone, nearest[bone], RyPairingRig::Stage::Place, side);
     }
 }
