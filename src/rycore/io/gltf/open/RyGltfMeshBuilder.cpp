@@ -32,37 +32,44 @@ void RyGltfMeshBuilder::addPart(int meshIndex, int primitiveIndex, const QString
     const size_t firstFacet = facets.size();
     if (primitive.positions >= 0) {
         beginClass(weldClass);
-        const int firstVertex = int(positions.size());
-        m_classParts.push_back(
-            std::make_unique<RyGltfSplitVertices>(*m_document, meshIndex, primitiveIndex, bonesOfJoints));
-        const RyGltfSplitVertices &splits = *m_classParts.back();
-        growTable(splits.count());
-        result.vertexOfSplit.resize(splits.count());
-        // What large arrays need is taken by one thread: another one would not reuse what this one has freed.
-        std::vector<std::uint32_t> triangles;
-        RyParallel::both([&] { weld(splits, result); },
-                         [&] {
-                             readTexcoords(meshIndex, primitiveIndex, splits.count(), result);
-                             triangles = ryGltfReadTriangles(*m_document, primitive, splits.count());
-                         });
-        result.hasFans = primitive.hasFans;
-        const std::vector<int> firstCorners = RyTreeExtras::findFirstCorners(*m_document, meshIndex, primitiveIndex);
-        if (facets.empty()) {
-            facets.reserve(triangles.size() / 3);
-            RyLargePages::prefer(facets.data(), facets.capacity() * sizeof(RyFacet));
-        }
-        RyParallel::both([&] { addFacets(std::move(triangles), firstCorners, result); },
-                         [&] {
-                             findNormals(splits, primitive, firstVertex, result);
-                             addVertices(splits, firstVertex, toFigure);
-                         });
-        if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(*m_document, meshIndex, primitiveIndex)) {
-            result.normalSource =
-                std::make_shared<RyGltfNormalSource>(m_document, primitive.positions, primitive.normals, toFigure);
-        }
+        readGeometry(meshIndex, primitiveIndex, bonesOfJoints, toFigure, result);
     }
     result.facetCount = int(facets.size() - firstFacet);
     parts.parts.push_back(std::move(result));
+}
+
+void RyGltfMeshBuilder::readGeometry(int meshIndex, int primitiveIndex, const std::vector<int> &bonesOfJoints,
+                                     const RyAffine &toFigure, RyMeshPart &result)
+{
+    const RyGltfPrimitive &primitive = m_document->model().meshes[size_t(meshIndex)].primitives[size_t(primitiveIndex)];
+    const int firstVertex = int(positions.size());
+    m_classParts.push_back(
+        std::make_unique<RyGltfSplitVertices>(*m_document, meshIndex, primitiveIndex, bonesOfJoints));
+    const RyGltfSplitVertices &splits = *m_classParts.back();
+    growTable(splits.count());
+    result.vertexOfSplit.resize(splits.count());
+    // What large arrays need is taken by one thread: another one would not reuse what this one has freed.
+    std::vector<std::uint32_t> triangles;
+    RyParallel::both([&] { weld(splits, result); },
+                     [&] {
+                         readTexcoords(meshIndex, primitiveIndex, splits.count(), result);
+                         triangles = ryGltfReadTriangles(*m_document, primitive, splits.count());
+                     });
+    result.hasFans = primitive.hasFans;
+    const std::vector<int> firstCorners = RyTreeExtras::findFirstCorners(*m_document, meshIndex, primitiveIndex);
+    if (facets.empty()) {
+        facets.reserve(triangles.size() / 3);
+        RyLargePages::prefer(facets.data(), facets.capacity() * sizeof(RyFacet));
+    }
+    RyParallel::both([&] { addFacets(std::move(triangles), firstCorners, result); },
+                     [&] {
+                         findNormals(splits, primitive, firstVertex, result);
+                         addVertices(splits, firstVertex, toFigure);
+                     });
+    if (primitive.normals >= 0 && !RyTreeExtras::hasMadeNormals(*m_document, meshIndex, primitiveIndex)) {
+        result.normalSource =
+            std::make_shared<RyGltfNormalSource>(m_document, primitive.positions, primitive.normals, toFigure);
+    }
 }
 
 /// Only parts of one class weld: what the last one left is of no more use.

@@ -52,6 +52,9 @@ public:
     const std::vector<int> &strongestBones() const { return m_strongest; }
 
 private:
+    /// A primitive with positions.
+    void readGeometry(int mesh, int primitive, const std::vector<int> &bonesOfJoints, const RyAffine &toFigure,
+                      RyMeshPart &result);
     void beginClass(int weldClass);
     void growTable(size_t added);
     void weld(const RyGltfSplitVertices &splits, RyMeshPart &result);
