@@ -19,12 +19,8 @@ using Bones = std::vector<QPointer<RyBone>>;
 /// Parents first, without those of figures that hang below this one.
 Bones bonesOf(const RyFigure &figure)
 {
-    Bones bones;
-    for (RyBone *bone : figure.getAllBones()) {
-        if (bone->getSkeleton() == &figure)
-            bones.emplace_back(bone);
-    }
-    return bones;
+    const std::vector<RyBone *> bones = figure.ownBones();
+    return Bones(bones.begin(), bones.end());
 }
 
 /// The origin and the end point of each bone, whatever links add to them; true when one of them changed.
@@ -33,16 +29,8 @@ bool writePoints(const Bones &bones, const std::vector<RyVec3> &points)
     std::vector<RyWantedValue> wanted;
     for (size_t i = 0; i < bones.size(); ++i) {
         const RyBone *bone = bones[i];
-        if (!bone)
-            continue;
-        const RyVec3 &origin = points[2 * i];
-        const RyVec3 &end = points[2 * i + 1];
-        wanted.insert(wanted.end(), {{bone->getOriginXControl(), origin.x},
-                                     {bone->getOriginYControl(), origin.y},
-                                     {bone->getOriginZControl(), origin.z},
-                                     {bone->getEndXControl(), end.x},
-                                     {bone->getEndYControl(), end.y},
-                                     {bone->getEndZControl(), end.z}});
+        for (int k = 0; bone && k < RyNodeRigging::Orientation; ++k)
+            wanted.push_back({bone->riggingControls()[size_t(k)], points[2 * i + size_t(k / 3)][k % 3]});
     }
     std::vector<float> before;
     for (const RyWantedValue &each : wanted)

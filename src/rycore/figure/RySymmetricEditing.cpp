@@ -18,24 +18,15 @@ namespace {
 constexpr int mirrorAxis = 0;
 // Of the size of a rig; what differs by less is what numbers cannot hold.
 constexpr float toleranceShare = 1e-6f;
-constexpr int firstAngle = 6;
+constexpr int firstAngle = RyNodeRigging::Orientation;
 
 // One for the process: code of plug-ins counts in it too.
 int suspensions = 0;
 int withoutSteps = 0;
 
-std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
-{
-    return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-            node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-}
-
-/// Points change their sign along the axis, angles of fixed XYZ order about the other ones.
 float reflected(float value, int control)
 {
-    const bool isAlong = control % 3 == mirrorAxis;
-    return isAlong != (control >= firstAngle) ? 0.0f - value : value;
+    return RyNodeRigging::isReversedByMirror(control, mirrorAxis) ? 0.0f - value : value;
 }
 
 bool isAbove(const RyNode *above, const RyNode *node)
@@ -165,7 +156,8 @@ void RySymmetricEditing::watch(RyNode *node, RyNode *opposite, bool isOnPlane)
         return;
     if (isOnPlane)
         m_inPlane.insert(node);
-    m_bones.push_back({node, opposite, isOnPlane, riggingOf(*node), riggingOf(opposite ? *opposite : *node)});
+    m_bones.push_back(
+        {node, opposite, isOnPlane, node->riggingControls(), (opposite ? opposite : node)->riggingControls()});
     const Bone &bone = m_bones.back();
     for (int i = 0; i < int(bone.controls.size()); ++i) {
         connect(bone.controls[size_t(i)], &RyFloatProperty::currentValueChanged, m_watch.get(),

@@ -389,11 +389,8 @@ private:
             writeNamedMap("left", bulge->getLeftWeights());
             writeNamedMap("right", bulge->getRightWeights());
             m_out << '\n';
-            for (const RyFloatProperty *controller :
-                 {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(),
-                  bulge->getPosRightBulgeController(), bulge->getNegRightBulgeController()}) {
+            for (const RyFloatProperty *controller : bulge->controllers())
                 writeProperty(*controller, "        ");
-            }
         }
     }
 

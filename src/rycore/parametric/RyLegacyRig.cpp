@@ -15,15 +15,13 @@ namespace {
 
 RyLegacyControls controlsOfPose(const RyNode &bone)
 {
-    const RyFloatProperty *turns[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
-    const RyFloatProperty *moves[3] = {bone.getXTransControl(), bone.getYTransControl(), bone.getZTransControl()};
-    const RyFloatProperty *scales[3] = {bone.getXScaleControl(), bone.getYScaleControl(), bone.getZScaleControl()};
+    const RyNodePose::Controls &pose = bone.poseControls();
     const double general = bone.getScaleControl()->getValue();
     RyLegacyControls controls;
     for (size_t i = 0; i < 3; ++i) {
-        controls.turn[i] = double(turns[i]->getValue()) * RyFastMath::RadiansPerDegree;
-        controls.translation[i] = moves[i]->getValue();
-        controls.scale[i] = general * scales[i]->getValue();
+        controls.turn[i] = double(pose[RyNodePose::Rotation + i]->getValue()) * RyFastMath::RadiansPerDegree;
+        controls.translation[i] = pose[RyNodePose::Translation + i]->getValue();
+        controls.scale[i] = general * pose[RyNodePose::Scale + i]->getValue();
     }
     return controls;
 }

@@ -90,6 +90,8 @@ public:
     RyFloatProperty *getOrientXControl() const { return m_rigging.control(6); }
     RyFloatProperty *getOrientYControl() const { return m_rigging.control(7); }
     RyFloatProperty *getOrientZControl() const { return m_rigging.control(8); }
+    /// Those nine in this order, all null without rigging.
+    const RyNodeRigging::Controls &riggingControls() const { return m_rigging.controls(); }
 
     // --- Pose.
     RyFloatProperty *getXTransControl() const { return m_pose.control(0); }
@@ -102,6 +104,10 @@ public:
     RyFloatProperty *getXScaleControl() const { return m_pose.control(7); }
     RyFloatProperty *getYScaleControl() const { return m_pose.control(8); }
     RyFloatProperty *getZScaleControl() const { return m_pose.control(9); }
+    /// Those ten in this order.
+    const RyNodePose::Controls &poseControls() const { return m_pose.controls(); }
+    /// The one that turns about bone axis 0 (X), 1 (Y) or 2 (Z).
+    RyFloatProperty *rotationControl(int axis) const { return m_pose.control(RyNodePose::Rotation + axis); }
     RyRotationOrder getRotationOrder() const { return m_pose.order(); }
     /// Undoable. Centre, end, orientation and the numbers of the pose controls stay.
     void setRotationOrder(const RyRotationOrder &order);
@@ -120,6 +126,8 @@ public:
     /// The same for the resulting values: the inverse of `getLocalTransform`, also where links add to them.
     void adjustLocalTransform(const RyVec3 &position, const RyQuat &rotation, const RyMatrix3 &scale,
                               float generalScale);
+    /// Adjusts the pose controls so that `getLocalMap` becomes `local`, as far as they can say it.
+    void adjustLocalMap(const RyAffine &local);
 
     // --- World.
     /// Maps `p - origin` (figure axes, p in figure space) to the world: T(origin) * X. Unposed it is T(origin).

@@ -45,6 +45,13 @@ std::vector<RyBone *> RySkeleton::getAllBones() const
     return list;
 }
 
+std::vector<RyBone *> RySkeleton::ownBones() const
+{
+    std::vector<RyBone *> bones = getAllBones();
+    std::erase_if(bones, [this](const RyBone *bone) { return bone->getSkeleton() != this; });
+    return bones;
+}
+
 RyBone *RySkeleton::findBone(const QString &name) const
 {
     for (RyBone *bone : getAllBones()) {

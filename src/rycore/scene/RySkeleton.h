@@ -18,6 +18,8 @@ public:
     /// All bones below, pre-order in child order, the skeleton not included. Bone ids are positions in this list.
     void getAllBones(std::vector<RyBone *> &list) const;
     std::vector<RyBone *> getAllBones() const;
+    /// The same without those of skeletons that hang below this one.
+    std::vector<RyBone *> ownBones() const;
     /// Exact, case-sensitive; the first in getAllBones order, else null.
     RyBone *findBone(const QString &name) const;
     RyBone *findBoneByLabel(const QString &label) const;

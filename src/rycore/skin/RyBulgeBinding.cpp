@@ -25,7 +25,7 @@ RyBulgeBinding::RyBulgeBinding(int axis) : m_axis(axis < 0 || axis > 2 ? 0 : axi
 {
     RyPropertyGroup *group = createPublicGroups("Bulges");
     for (int i = 0; i < 4; ++i)
-        m_controllers[i] = group->addProperty(std::make_unique<RyFloatProperty>(this, controllerName(i)));
+        m_controllers[size_t(i)] = group->addProperty(std::make_unique<RyFloatProperty>(this, controllerName(i)));
 }
 
 void RyBulgeBinding::getBulgeValues(float &posLeft, float &negLeft, float &posRight, float &negRight) const
@@ -83,7 +83,7 @@ QString RyBulgeBinding::controllerName(int index) const
 void RyBulgeBinding::updatePropertyNames()
 {
     for (int i = 0; i < 4; ++i)
-        m_controllers[i]->setName(controllerName(i));
+        m_controllers[size_t(i)]->setName(controllerName(i));
 }
 
 RyBulgeBinding *RyBulgeBinding::copy(bool withMaps) const
@@ -91,8 +91,8 @@ RyBulgeBinding *RyBulgeBinding::copy(bool withMaps) const
     auto *bulge = new RyBulgeBinding(m_axis);
     bulge->setObjectName(objectName());
     for (int i = 0; i < 4; ++i) {
-        bulge->m_controllers[i]->setObjectName(m_controllers[i]->objectName());
-        bulge->m_controllers[i]->copyFrom(*m_controllers[i]);
+        bulge->m_controllers[size_t(i)]->setObjectName(m_controllers[size_t(i)]->objectName());
+        bulge->m_controllers[size_t(i)]->copyFrom(*m_controllers[size_t(i)]);
     }
     for (int side = 0; side < 2 && withMaps; ++side) {
         if (m_weights[side])

@@ -4,6 +4,8 @@
 #include "rycore/base/RyRefCounted.h"
 #include "rycore/mesh/RyWeightMap.h"
 
+#include <array>
+
 class RyBoneBinding;
 class RyFloatProperty;
 
@@ -25,6 +27,8 @@ public:
     RyFloatProperty *getNegLeftBulgeController() const { return m_controllers[1]; }
     RyFloatProperty *getPosRightBulgeController() const { return m_controllers[2]; }
     RyFloatProperty *getNegRightBulgeController() const { return m_controllers[3]; }
+    /// Those four in this order.
+    const std::array<RyFloatProperty *, 4> &controllers() const { return m_controllers; }
     /// The four current values.
     void getBulgeValues(float &posLeft, float &negLeft, float &posRight, float &negRight) const;
     /// Makes these the resulting current values, also where links add to them; defaults stay.
@@ -58,7 +62,7 @@ private:
 
     int m_axis;
     RyBoneBinding *m_binding = nullptr;
-    RyFloatProperty *m_controllers[4] = {};
+    std::array<RyFloatProperty *, 4> m_controllers = {};
     RyRef<RyWeightMap> m_weights[2];
     quint64 m_revision = 1;
 };

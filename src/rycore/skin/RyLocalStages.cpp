@@ -43,8 +43,7 @@ bool isScaled(const RyBone &bone)
 
 RyAffine rotationOfControl(const RyBone &bone, int axis)
 {
-    const RyFloatProperty *controls[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
-    const double angle = double(controls[axis]->getValue()) * RyFastMath::RadiansPerDegree;
+    const double angle = double(bone.rotationControl(axis)->getValue()) * RyFastMath::RadiansPerDegree;
     const double s = std::sin(angle);
     const double c = std::cos(angle);
     const int next = (axis + 1) % 3;

@@ -105,7 +105,6 @@ RySkinBulges::Push RySkinBulges::pushOf(const RyBoneBinding &binding)
         push.line[k] = double(end[k]) - double(origin[k]);
     }
     const double length = std::sqrt(dot(push.line, push.line));
-    const RyFloatProperty *turns[3] = {bone->getXRotControl(), bone->getYRotControl(), bone->getZRotControl()};
     bool isAny = false;
     for (int axis = 0; axis < 3; ++axis) {
         const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
@@ -113,7 +112,7 @@ RySkinBulges::Push RySkinBulges::pushOf(const RyBoneBinding &binding)
             continue;
         float posLeft, negLeft, posRight, negRight;
         bulge->getBulgeValues(posLeft, negLeft, posRight, negRight);
-        const double degrees = double(turns[axis]->getValue());
+        const double degrees = double(bone->rotationControl(axis)->getValue());
         const double size = length * std::fabs(degrees) / 90.0;
         push.lengths[2 * axis] = size * double(degrees > 0.0 ? posLeft : negLeft);
         push.lengths[2 * axis + 1] = size * double(degrees > 0.0 ? posRight : negRight);

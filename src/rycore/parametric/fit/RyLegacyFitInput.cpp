@@ -17,14 +17,13 @@ constexpr double Usual[3] = {60.0, 90.0, 120.0};
 
 RyLegacyFitInput::Limits limitsOf(const RyNode &bone)
 {
-    const RyFloatProperty *controls[3] = {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()};
     RyLegacyFitInput::Limits limits;
     for (int place = 0; place < 3; ++place) {
-        const size_t axis = size_t(bone.getRotationOrder()[place]);
-        const RyFloatProperty &control = *controls[axis];
+        const int axis = bone.getRotationOrder()[place];
+        const RyFloatProperty &control = *bone.rotationControl(axis);
         const double low = control.isClamped() ? std::clamp(double(control.getMin()), -180.0, 0.0) : -Usual[place];
         const double high = control.isClamped() ? std::clamp(double(control.getMax()), 0.0, 180.0) : Usual[place];
-        limits[axis] = {low * RyFastMath::RadiansPerDegree, high * RyFastMath::RadiansPerDegree};
+        limits[size_t(axis)] = {low * RyFastMath::RadiansPerDegree, high * RyFastMath::RadiansPerDegree};
     }
     return limits;
 }

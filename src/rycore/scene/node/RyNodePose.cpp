@@ -33,7 +33,7 @@ void RyNodePose::make(RyElement *owner, RyPropertyGroup *root)
             group = root->addChild(name);
         auto property = std::make_unique<RyFloatProperty>(owner, QLatin1String(controls[i].name), controls[i].value);
         property->setLabel(QLatin1String(controls[i].label));
-        m_controls[i] = group->addProperty(std::move(property));
+        m_controls[size_t(i)] = group->addProperty(std::move(property));
     }
 }
 
@@ -55,7 +55,7 @@ bool RyNodePose::isPosed() const
 
 RyVec3 RyNodePose::read(Control triple, bool byDefault) const
 {
-    return RyPropertyTriple::read(m_controls + triple, byDefault);
+    return RyPropertyTriple::read(begin() + triple, byDefault);
 }
 
 RyQuat RyNodePose::rotation(bool byDefault) const
@@ -119,7 +119,8 @@ void RyNodePose::writeTransform(const RyQuat &orientation, const RyVec3 &positio
     const RyVec3 degrees = rotation == RyQuat() ? RyVec3() : pose.toEuler(order);
     const bool unscaled = scale == RyMatrix3();
     const auto put = [&](int index, float value) {
-        RyFloatProperty *control = m_controls[index]; // g++ 12 checks a wrong index where this stands before ->*
+        RyFloatProperty *control =
+            m_controls[size_t(index)]; // g++ 12 checks a wrong index where this stands before ->*
         (control->*write)(value);
     };
     for (int axis = 0; axis < 3; ++axis) {

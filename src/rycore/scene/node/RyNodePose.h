@@ -4,6 +4,8 @@
 #include "rycore/math/RyMatrix3.h"
 #include "rycore/math/RyRotationOrder.h"
 
+#include <array>
+
 class RyElement;
 class RyFloatProperty;
 class RyPropertyGroup;
@@ -18,9 +20,11 @@ public:
 
     /// Adds the controls of `owner` below `root`.
     void make(RyElement *owner, RyPropertyGroup *root);
-    RyFloatProperty *control(int index) const { return m_controls[index]; }
-    RyFloatProperty *const *begin() const { return m_controls; }
-    RyFloatProperty *const *end() const { return m_controls + 10; }
+    using Controls = std::array<RyFloatProperty *, 10>;
+    const Controls &controls() const { return m_controls; }
+    RyFloatProperty *control(int index) const { return m_controls[size_t(index)]; }
+    RyFloatProperty *const *begin() const { return m_controls.data(); }
+    RyFloatProperty *const *end() const { return begin() + m_controls.size(); }
     bool contains(const RyFloatProperty *property) const;
     const RyRotationOrder &order() const { return m_order; }
     void setOrder(const RyRotationOrder &order) { m_order = order; }
@@ -52,6 +56,6 @@ private:
     RyVec3 read(Control triple, bool byDefault) const;
     RyQuat rotation(bool byDefault) const;
 
-    RyFloatProperty *m_controls[10] = {};
+    Controls m_controls = {};
     RyRotationOrder m_order;
 };

@@ -20,7 +20,7 @@ void RyNodeRigging::make(RyElement *owner, RyPropertyGroup *root)
             const QString name = QLatin1String(ids[triple]) + QLatin1Char(char('X' + axis));
             auto property = std::make_unique<RyFloatProperty>(owner, name);
             property->setLabel(QLatin1String(groups[triple].label) + QLatin1Char(' ') + QLatin1Char(char('X' + axis)));
-            m_controls[3 * triple + axis] = group->addProperty(std::move(property));
+            m_controls[size_t(3 * triple + axis)] = group->addProperty(std::move(property));
         }
     }
 }
@@ -32,12 +32,12 @@ bool RyNodeRigging::contains(const RyFloatProperty *property) const
 
 bool RyNodeRigging::isInMaps(const RyFloatProperty *property) const
 {
-    return std::find(m_controls + End, m_controls + Orientation, property) == m_controls + Orientation;
+    return std::find(begin() + End, begin() + Orientation, property) == begin() + Orientation;
 }
 
 RyVec3 RyNodeRigging::read(Triple triple, bool byDefault) const
 {
-    return exists() ? RyPropertyTriple::read(m_controls + triple, byDefault) : RyVec3();
+    return exists() ? RyPropertyTriple::read(begin() + triple, byDefault) : RyVec3();
 }
 
 RyQuat RyNodeRigging::orientation(bool byDefault) const
@@ -50,7 +50,7 @@ void RyNodeRigging::write(Triple triple, const RyVec3 &v, Write how)
     if (!exists())
         return;
     for (int axis = 0; axis < 3; ++axis) {
-        RyFloatProperty *control = m_controls[triple + axis];
+        RyFloatProperty *control = m_controls[size_t(triple + axis)];
         if (how == Write::DefaultAndCurrent)
             control->setDefaultValue(v[axis]);
         if (how == Write::Adjust)

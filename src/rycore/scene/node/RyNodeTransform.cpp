@@ -182,6 +182,11 @@ void RyNode::adjustLocalTransform(const RyVec3 &position, const RyQuat &rotation
     m_pose.writeTransform(getOrientation(), position, rotation, scale, generalScale, &RyFloatProperty::adjustValue);
 }
 
+void RyNode::adjustLocalMap(const RyAffine &local)
+{
+    m_pose.takeFrom(local, getOrigin(), getOrientation());
+}
+
 RyAffine RyNode::getLocalMap() const
 {
     return m_pose.localMap(getOrigin(), getOrientation(), false);

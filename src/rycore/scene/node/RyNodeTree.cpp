@@ -101,7 +101,7 @@ bool RyNodeTree::add(RyNode *child, bool keepWorld, int index)
         parent->m_tree.detach(child);
     attach(child, index < 0 ? int(m_children.size()) : std::min(index, int(m_children.size())));
     if (keepWorld)
-        child->m_pose.takeFrom(before * m_node.worldMap().inverse(), child->getOrigin(), child->getOrientation());
+        child->adjustLocalMap(before * m_node.worldMap().inverse());
     RyScene *scene = m_node.getScene() ? m_node.getScene() : child->getScene();
     if (scene)
         emit scene->nodeListChanged();
@@ -117,7 +117,7 @@ bool RyNodeTree::remove(RyNode *child, bool keepWorld)
     RyValueChange<ParentValue>::record(child);
     detach(child);
     if (keepWorld)
-        child->m_pose.takeFrom(before, child->getOrigin(), child->getOrientation());
+        child->adjustLocalMap(before);
     if (RyScene *scene = m_node.getScene())
         emit scene->nodeListChanged();
     return true;

@@ -97,8 +97,7 @@ std::vector<RyFloatProperty *> RyBulgeBindingPrototype::values() const
     const RyBulgeBinding *bulge = self<RyBulgeBinding>();
     if (!bulge)
         return {};
-    return {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(), bulge->getPosRightBulgeController(),
-            bulge->getNegRightBulgeController()};
+    return std::vector<RyFloatProperty *>(bulge->controllers().begin(), bulge->controllers().end());
 }
 
 RyFloatProperty *RyBulgeBindingPrototype::value(const QString &name) const

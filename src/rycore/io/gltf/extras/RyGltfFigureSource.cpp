@@ -34,9 +34,7 @@ private:
 std::vector<RyBone *> ryOwnBones(const RyNode &figure)
 {
     const auto *skeleton = qobject_cast<const RySkeleton *>(&figure);
-    std::vector<RyBone *> bones = skeleton ? skeleton->getAllBones() : std::vector<RyBone *>();
-    std::erase_if(bones, [skeleton](const RyBone *bone) { return bone->getSkeleton() != skeleton; });
-    return bones;
+    return skeleton ? skeleton->ownBones() : std::vector<RyBone *>();
 }
 
 quint64 ryPositionsHash(const RyNode &node)

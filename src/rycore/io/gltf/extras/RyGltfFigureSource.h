@@ -79,7 +79,7 @@ struct RyGltfFigureSource
     std::vector<const RyMorph *> newMorphs(const RyShape &shape) const;
 };
 
-/// Bones of a figure without those of figures that hang on it, in the order of the figure's list.
+/// The own bones of a skeleton; none for what is no skeleton.
 std::vector<RyBone *> ryOwnBones(const RyNode &figure);
 
 /// Of the positions of a node's mesh, to tell whether they were edited.

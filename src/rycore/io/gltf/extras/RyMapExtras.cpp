@@ -83,16 +83,10 @@ bool readMap(const Json *text, int vertexCount, const QString &name, RyRef<RyWei
     return true;
 }
 
-std::vector<RyFloatProperty *> controllersOf(const RyBulgeBinding &bulge)
-{
-    return {bulge.getPosLeftBulgeController(), bulge.getNegLeftBulgeController(), bulge.getPosRightBulgeController(),
-            bulge.getNegRightBulgeController()};
-}
-
 std::vector<std::string> propertyNames(const RyBulgeBinding &bulge)
 {
     std::vector<std::string> names;
-    for (const RyFloatProperty *property : controllersOf(bulge))
+    for (const RyFloatProperty *property : bulge.controllers())
         names.push_back(property->getName().toStdString());
     return names;
 }
@@ -114,7 +108,7 @@ Json bulgeJson(const RyBulgeBinding &bulge)
         entry["names"] = names;
     if (propertyNames(bulge) != propertyNames(*RyRef<RyBulgeBinding>(new RyBulgeBinding(bulge.getAxis()))))
         entry["properties"] = propertyNames(bulge);
-    for (const RyFloatProperty *property : controllersOf(bulge)) {
+    for (const RyFloatProperty *property : bulge.controllers()) {
         entry["values"].push_back(Json::array({property->getValue(), property->getDefaultValue(), property->getMin(),
                                                property->getMax(), property->isClamped()}));
     }
@@ -154,7 +148,7 @@ bool readBulge(const Json &entry, int axis, int vertexCount, RyRef<RyBulgeBindin
     }
     bulge->setLeftWeights(left.get());
     bulge->setRightWeights(right.get());
-    const std::vector<RyFloatProperty *> controllers = controllersOf(*bulge);
+    const auto &controllers = bulge->controllers();
     std::vector<QString> properties;
     for (const RyFloatProperty *controller : controllers)
         properties.push_back(controller->getName());

@@ -8,8 +8,6 @@
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBinding.h"
 
-#include <array>
-
 namespace {
 
 constexpr const char *BulgeNames[4] = {"PosLeft", "NegLeft", "PosRight", "NegRight"};
@@ -19,12 +17,6 @@ const RyBoneBinding *bindingOf(const RyNode &node)
     const RySkinBinding *skin =
         qobject_cast<const RyBone *>(&node) ? RySkinBinding::findSkin(node.getSkeleton()) : nullptr;
     return skin ? skin->findBoneBinding(&node) : nullptr;
-}
-
-std::array<RyFloatProperty *, 4> controllersOf(const RyBulgeBinding &bulge)
-{
-    return {bulge.getPosLeftBulgeController(), bulge.getNegLeftBulgeController(), bulge.getPosRightBulgeController(),
-            bulge.getNegRightBulgeController()};
 }
 
 /// Calls `work(parameter, property)` for the values of the parameters of a bone's joint.
@@ -53,7 +45,7 @@ RyNamedValues::RyNamedValues(const RyNode &node)
         const RyBulgeBinding *bulge = binding->getBulgeBinding(axis);
         for (size_t i = 0; bulge && i < 4; ++i)
             add(QStringLiteral("bulge%1%2").arg(QLatin1Char(char('X' + axis))).arg(BulgeNames[i]),
-                controllersOf(*bulge)[i]);
+                bulge->controllers()[i]);
     }
     forJointValues(node, [this](const RyLegacyJointParam &param, RyFloatProperty *property) {
         add(param.getName() + QLatin1Char('/') + property->getName(), property);
@@ -71,10 +63,8 @@ std::vector<RyFloatProperty *> RyNamedValues::propertiesOf(const RyNode &node)
     std::vector<RyFloatProperty *> properties = RyNodeLookup::values(node);
     const RyBoneBinding *binding = bindingOf(node);
     for (int axis = 0; binding && axis < 3; ++axis) {
-        if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis)) {
-            const std::array<RyFloatProperty *, 4> controllers = controllersOf(*bulge);
-            properties.insert(properties.end(), controllers.begin(), controllers.end());
-        }
+        if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis))
+            properties.insert(properties.end(), bulge->controllers().begin(), bulge->controllers().end());
     }
     forJointValues(
         node, [&properties](const RyLegacyJointParam &, RyFloatProperty *property) { properties.push_back(property); });

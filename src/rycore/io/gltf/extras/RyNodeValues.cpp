@@ -8,20 +8,15 @@
 RyNodeValues RyNodeValues::of(const RyNode &node)
 {
     RyNodeValues values;
-    const RyFloatProperty *rigging[9] = {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-                                         node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-                                         node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-    const RyFloatProperty *pose[10] = {node.getXTransControl(), node.getYTransControl(), node.getZTransControl(),
-                                       node.getXRotControl(),   node.getYRotControl(),   node.getZRotControl(),
-                                       node.getScaleControl(),  node.getXScaleControl(), node.getYScaleControl(),
-                                       node.getZScaleControl()};
-    for (size_t i = 0; i < 9; ++i) {
+    const RyNodeRigging::Controls &rigging = node.riggingControls();
+    const RyNodePose::Controls &pose = node.poseControls();
+    for (size_t i = 0; i < rigging.size(); ++i) {
         if (rigging[i]) {
             values.rigging[i] = rigging[i]->getValue();
             values.riggingDefaults[i] = rigging[i]->getDefaultValue();
         }
     }
-    for (size_t i = 0; i < 10; ++i)
+    for (size_t i = 0; i < pose.size(); ++i)
         values.pose[i] = pose[i]->getValue();
     values.rotationOrder = node.getRotationOrder().order();
     values.inheritScale = node.inheritsScale();

@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyPropertyTriple.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
@@ -15,26 +16,6 @@ using RyExtrasJson::vectorJson;
 using Json = RyExtrasJson::Json;
 
 namespace {
-
-std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
-{
-    return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-            node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-}
-
-std::array<RyFloatProperty *, 10> poseOf(const RyNode &node)
-{
-    return {node.getXTransControl(), node.getYTransControl(), node.getZTransControl(), node.getXRotControl(),
-            node.getYRotControl(),   node.getZRotControl(),   node.getScaleControl(),  node.getXScaleControl(),
-            node.getYScaleControl(), node.getZScaleControl()};
-}
-
-RyVec3 readTriple(RyFloatProperty *const *p, bool byDefault)
-{
-    return byDefault ? RyVec3(p[0]->getDefaultValue(), p[1]->getDefaultValue(), p[2]->getDefaultValue())
-                     : RyVec3(p[0]->getValue(), p[1]->getValue(), p[2]->getValue());
-}
 
 void writeTriple(RyFloatProperty *const *p, const RyVec3 &v, bool asDefault)
 {
@@ -81,7 +62,7 @@ static const Json *nodeExtras(const RyGltfDocument &document, int node)
 
 static void applyDefaults(const Json &ours, float scale, RyNode &sceneNode)
 {
-    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    const RyNodeRigging::Controls &rigging = sceneNode.riggingControls();
     const Json *defaults = find(ours, "defaults");
     RyVec3 v;
     if (defaults && readVector(find(*defaults, "origin"), v))
@@ -121,7 +102,7 @@ static bool isNumbers(const Json *list, size_t count)
 
 static void applyLimitsOf(const Json &ours, float scale, RyNode &sceneNode)
 {
-    const std::array<RyFloatProperty *, 10> pose = poseOf(sceneNode);
+    const RyNodePose::Controls &pose = sceneNode.poseControls();
     const Json *defaults = find(ours, "defaults");
     const Json *ofPose = defaults ? find(*defaults, "pose") : nullptr;
     for (size_t i = 0; isNumbers(ofPose, pose.size()) && i < pose.size(); ++i)
@@ -143,7 +124,7 @@ static void applyLimitsOf(const Json &ours, float scale, RyNode &sceneNode)
 static bool applyPoseOf(const Json &ours, float scale, RyNode &sceneNode)
 {
     const Json *pose = find(ours, "pose");
-    const std::array<RyFloatProperty *, 10> controls = poseOf(sceneNode);
+    const RyNodePose::Controls &controls = sceneNode.poseControls();
     if (!isNumbers(pose, controls.size()))
         return false;
     for (size_t i = 0; i < controls.size(); ++i)
@@ -158,7 +139,7 @@ bool RyRiggingExtras::applyToNode(const RyGltfDocument &document, int node, doub
     if (!ours)
         return false;
     const float scale = storedScale(document, unit);
-    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    const RyNodeRigging::Controls &rigging = sceneNode.riggingControls();
     RyVec3 origin, end, orientation;
     if (!rigging[0] || !readVector(find(*ours, "origin"), origin) || !readVector(find(*ours, "end"), end))
         return false;
@@ -251,7 +232,7 @@ void RyRiggingExtras::applyFigure(const Json &ours, double unit, bool withPlace,
     const double stored =
         find(ours, "unit") && find(ours, "unit")->is_number() ? find(ours, "unit")->get<double>() : unit;
     const float scale = float(unit / stored);
-    const std::array<RyFloatProperty *, 9> rigging = riggingOf(figure);
+    const RyNodeRigging::Controls &rigging = figure.riggingControls();
     RyVec3 v;
     applyTraits(ours, figure);
     if (rigging[0] && readVector(find(ours, "end"), v)) {
@@ -275,7 +256,7 @@ void RyRiggingExtras::applyFigure(const Json &ours, double unit, bool withPlace,
 }
 
 /// Whether the defaults of pose controls are others than those of a new node.
-static bool hasOtherDefaults(const std::array<RyFloatProperty *, 10> &pose)
+static bool hasOtherDefaults(const RyNodePose::Controls &pose)
 {
     for (size_t i = 0; i < pose.size(); ++i) {
         if (pose[i]->getDefaultValue() != (i < 6 ? 0.0f : 1.0f))
@@ -287,21 +268,21 @@ static bool hasOtherDefaults(const std::array<RyFloatProperty *, 10> &pose)
 Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
 {
     Json ours{{"version", RyExtrasJson::Version}};
-    const std::array<RyFloatProperty *, 9> rigging = riggingOf(sceneNode);
+    const RyNodeRigging::Controls &rigging = sceneNode.riggingControls();
     const char *const names[3] = {"origin", "end", "orient"};
     Json defaults = Json::object();
     for (int triple = 0; rigging[0] && triple < 3; ++triple) {
-        const RyVec3 current = readTriple(rigging.data() + 3 * triple, false);
-        const RyVec3 byDefault = readTriple(rigging.data() + 3 * triple, true);
+        const RyVec3 current = RyPropertyTriple::read(rigging.data() + 3 * triple, false);
+        const RyVec3 byDefault = RyPropertyTriple::read(rigging.data() + 3 * triple, true);
         ours[names[triple]] = vectorJson(current);
         if (byDefault != current)
             defaults[names[triple]] = vectorJson(byDefault);
     }
-    if (place && *place != readTriple(rigging.data(), false))
+    if (place && *place != RyPropertyTriple::read(rigging.data(), false))
         ours["place"] = vectorJson(*place);
-    const bool hasPoseDefaults = hasOtherDefaults(poseOf(sceneNode));
+    const bool hasPoseDefaults = hasOtherDefaults(sceneNode.poseControls());
     if (hasPoseDefaults) {
-        for (const RyFloatProperty *property : poseOf(sceneNode))
+        for (const RyFloatProperty *property : sceneNode.poseControls())
             defaults["pose"].push_back(property->getDefaultValue());
     }
     if (!defaults.empty())
@@ -309,7 +290,7 @@ Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
     ours["order"] = sceneNode.getRotationOrder().order();
     if (sceneNode.isPosed() || hasPoseDefaults) {
         Json pose = Json::array();
-        for (const RyFloatProperty *property : poseOf(sceneNode))
+        for (const RyFloatProperty *property : sceneNode.poseControls())
             pose.push_back(property->getValue());
         ours["pose"] = std::move(pose);
     }
@@ -330,7 +311,7 @@ Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
         ours["flags"] = std::move(flags);
     Json limits = Json::object();
     const RyFloatProperty plain(const_cast<RyNode *>(&sceneNode), QString()); // without limits of its own
-    for (const RyFloatProperty *property : poseOf(sceneNode)) {
+    for (const RyFloatProperty *property : sceneNode.poseControls()) {
         if (property->isClamped())
             limits[property->getName().toStdString()] = Json::array({property->getMin(), property->getMax()});
         else if (property->getMin() != plain.getMin() || property->getMax() != plain.getMax())
@@ -349,7 +330,7 @@ QString RyRiggingExtras::nodeText(const RyNode &node)
 void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place,
                                 const RyAffine *bind)
 {
-    if (!riggingOf(sceneNode)[0])
+    if (!sceneNode.riggingControls()[0])
         return;
     Json ours = nodeJson(sceneNode, place);
     RyAffine stretch;
