@@ -69,9 +69,7 @@ void storeFile(RyGltfDocument &document, double unit, const std::vector<const Ry
                const RyGltfNodeIndex &nodeOf, const std::set<int> &joints,
                const std::map<const RyNode *, QString> &keptParametric, QStringList *messages);
 
-/// The face groups of a mesh as the extras say them, to see whether they were edited.
-QString groupsText(const RyFacetMesh &mesh);
-/// Likewise the selection map of a skeleton; empty without one.
+/// The selection map of a skeleton, to see whether it was edited; empty without one.
 QString selectionText(const RyNode &node);
 
 } // namespace RyFigureExtras

@@ -4,6 +4,7 @@
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/extras/RyMeshExtras.h"
 #include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -159,7 +160,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
     figure.source.vertexCount = vertexCount;
     figure.source.parametricText = RyParametricExtras::text(*figure.figure);
-    figure.source.groupsText = RyFigureExtras::groupsText(*mesh);
+    figure.source.groupsText = RyMeshExtras::groupsText(*mesh);
     RyFigureExtras::applySelectionMap(*m_origin, figure.entry, *figure.figure);
     figure.source.selectionText = RyFigureExtras::selectionText(*figure.figure);
     figure.mesh.reset();

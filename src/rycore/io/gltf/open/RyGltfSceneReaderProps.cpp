@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 
+#include "rycore/io/gltf/extras/RyMeshExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/mesh/RyFacetMesh.h"
@@ -161,7 +162,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     source.sceneNode->setObject(object);
     figure.positionsHash = ryPositionsHash(*source.sceneNode);
     figure.vertexCount = mesh->getNumVertices();
-    figure.groupsText = RyFigureExtras::groupsText(*mesh);
+    figure.groupsText = RyMeshExtras::groupsText(*mesh);
     m_origin->figures.push_back(std::move(figure));
 }
 

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/save/RyGltfSceneWriter.h"
 
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
+#include "rycore/io/gltf/extras/RyMeshExtras.h"
 #include "rycore/io/gltf/extras/RyMorphExtras.h"
 #include "rycore/io/gltf/extras/RyParametricExtras.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
@@ -32,7 +33,7 @@ bool isFigureEdited(const RyGltfFigureSource &figure)
     if (figure.canWriteVertices())
         return true;
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
-    if (shape && shape->getFacetMesh() && RyFigureExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText)
+    if (shape && shape->getFacetMesh() && RyMeshExtras::groupsText(*shape->getFacetMesh()) != figure.groupsText)
         return true;
     if (shape && RyMorphExtras::text(*shape) != figure.morphsText)
         return true;
