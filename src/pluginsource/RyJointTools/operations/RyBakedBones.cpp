@@ -9,17 +9,15 @@
 
 static std::vector<std::pair<RyFloatProperty *, float>> neutralPoseOf(const RyBone &bone)
 {
-    return {{bone.getXTransControl(), 0.0f}, {bone.getYTransControl(), 0.0f}, {bone.getZTransControl(), 0.0f},
-            {bone.getXRotControl(), 0.0f},   {bone.getYRotControl(), 0.0f},   {bone.getZRotControl(), 0.0f},
-            {bone.getScaleControl(), 1.0f},  {bone.getXScaleControl(), 1.0f}, {bone.getYScaleControl(), 1.0f},
-            {bone.getZScaleControl(), 1.0f}};
+    std::vector<std::pair<RyFloatProperty *, float>> pose;
+    for (size_t i = 0; i < bone.poseControls().size(); ++i)
+        pose.emplace_back(bone.poseControls()[i], i < RyNodePose::GeneralScale ? 0.0f : 1.0f);
+    return pose;
 }
 
 RyBakedBones::RyBakedBones(const RySkeleton &figure)
 {
-    for (RyBone *bone : figure.getAllBones()) {
-        if (bone->getSkeleton() != &figure)
-            continue; // of a figure that hangs on this one
+    for (RyBone *bone : figure.ownBones()) {
         const RyNode *above = bone->getNodeParent();
         m_areConnected = m_areConnected && (above == &figure || qobject_cast<const RyBone *>(above));
         m_records.push_back(recordOf(bone));
@@ -56,7 +54,8 @@ bool RyBakedBones::isPosed() const
 
 void RyBakedBones::shiftLimits(const RyBone &bone)
 {
-    for (RyFloatProperty *control : {bone.getXRotControl(), bone.getYRotControl(), bone.getZRotControl()}) {
+    for (int axis = 0; axis < 3; ++axis) {
+        RyFloatProperty *control = bone.rotationControl(axis);
         const float value = control->getRawValue();
         if (!control->isClamped() || value == 0.0f)
             continue;
@@ -90,12 +89,9 @@ void RyBakedBones::hold(RyHeldValues &values) const
             values.add(control, neutral);
         if (record.carried == RyBone::Carried())
             continue;
-        RyFloatProperty *const origin[3] = {bone.getOriginXControl(), bone.getOriginYControl(),
-                                            bone.getOriginZControl()};
-        RyFloatProperty *const end[3] = {bone.getEndXControl(), bone.getEndYControl(), bone.getEndZControl()};
         for (int axis = 0; axis < 3; ++axis) {
-            values.add(origin[axis], record.origin[axis]);
-            values.add(end[axis], record.endPoint[axis]);
+            values.add(bone.riggingControls()[size_t(RyNodeRigging::Origin + axis)], record.origin[axis]);
+            values.add(bone.riggingControls()[size_t(RyNodeRigging::End + axis)], record.endPoint[axis]);
         }
     }
 }

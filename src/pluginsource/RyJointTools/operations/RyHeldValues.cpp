@@ -15,11 +15,9 @@ namespace {
 
 std::vector<RyFloatProperty *> controlsOf(const RyBone &bone)
 {
-    return {bone.getXTransControl(),  bone.getYTransControl(),  bone.getZTransControl(),  bone.getXRotControl(),
-            bone.getYRotControl(),    bone.getZRotControl(),    bone.getScaleControl(),   bone.getXScaleControl(),
-            bone.getYScaleControl(),  bone.getZScaleControl(),  bone.getOriginXControl(), bone.getOriginYControl(),
-            bone.getOriginZControl(), bone.getEndXControl(),    bone.getEndYControl(),    bone.getEndZControl(),
-            bone.getOrientXControl(), bone.getOrientYControl(), bone.getOrientZControl()};
+    std::vector<RyFloatProperty *> controls(bone.poseControls().begin(), bone.poseControls().end());
+    controls.insert(controls.end(), bone.riggingControls().begin(), bone.riggingControls().end());
+    return controls;
 }
 
 /// Whether it differs by more than the rounding of a sum.

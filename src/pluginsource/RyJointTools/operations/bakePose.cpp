@@ -89,19 +89,8 @@ public:
     /// Puts them back there, as far as their pose controls can say it.
     void restore() const
     {
-        for (const Hung &hung : m_nodes) {
-            const RyAffine local = hung.world * hung.node->getNodeParent()->worldMap().inverse();
-            const RyVec3 origin = hung.node->getOrigin();
-            RyAffine stretch;
-            RyQuat turn;
-            local.decomposePolar(stretch, turn);
-            RyMatrix3 scale;
-            for (int row = 0; row < 3; ++row) {
-                for (int column = 0; column < 3; ++column)
-                    scale[row][column] = float(stretch.m[row][column]);
-            }
-            hung.node->adjustLocalTransform(local.mapPoint(origin) - origin, turn, scale, 1.0f);
-        }
+        for (const Hung &hung : m_nodes)
+            hung.node->adjustLocalMap(hung.world * hung.node->getNodeParent()->worldMap().inverse());
     }
 
 private:

@@ -53,17 +53,10 @@ void copyRest(const RyBone *source, RyBone *control)
     control->setInheritScale(source->inheritsScale());
 }
 
-std::vector<RyFloatProperty *> poseControls(const RyNode *node)
-{
-    return {node->getXTransControl(), node->getYTransControl(), node->getZTransControl(), node->getXRotControl(),
-            node->getYRotControl(),   node->getZRotControl(),   node->getScaleControl(),  node->getXScaleControl(),
-            node->getYScaleControl(), node->getZScaleControl()};
-}
-
 void linkPoses(const RyBone *control, const RyBone *bone)
 {
-    const std::vector<RyFloatProperty *> controllers = poseControls(control);
-    const std::vector<RyFloatProperty *> controlled = poseControls(bone);
+    const RyNodePose::Controls &controllers = control->poseControls();
+    const RyNodePose::Controls &controlled = bone->poseControls();
     for (size_t i = 0; i < controllers.size(); ++i)
         RyERCLink::create(controllers[i], controlled[i]);
 }

@@ -11,12 +11,8 @@
 /// The values that show, which links may have added to; defaults stay.
 static void copyPose(const RyBone *source, const RyBone *target)
 {
-    for (auto control :
-         {&RyNode::getXTransControl, &RyNode::getYTransControl, &RyNode::getZTransControl, &RyNode::getXRotControl,
-          &RyNode::getYRotControl, &RyNode::getZRotControl, &RyNode::getScaleControl, &RyNode::getXScaleControl,
-          &RyNode::getYScaleControl, &RyNode::getZScaleControl}) {
-        (target->*control)()->setValue((source->*control)()->getValue());
-    }
+    for (size_t i = 0; i < source->poseControls().size(); ++i)
+        target->poseControls()[i]->setValue(source->poseControls()[i]->getValue());
 }
 
 RyBone *createSiblingBone(RyBone *source)

@@ -16,11 +16,11 @@ namespace {
 /// Current values as they result: the links that add to them do not come along.
 void copyRigging(const RyNode &source, RyNode &copy)
 {
-    for (const auto control : {&RyNode::getOriginXControl, &RyNode::getOriginYControl, &RyNode::getOriginZControl,
-                               &RyNode::getEndXControl, &RyNode::getEndYControl, &RyNode::getEndZControl,
-                               &RyNode::getOrientXControl, &RyNode::getOrientYControl, &RyNode::getOrientZControl}) {
-        (copy.*control)()->setDefaultValue((source.*control)()->getDefaultValue());
-        (copy.*control)()->adjustValue((source.*control)()->getValue());
+    const RyNodeRigging::Controls &from = source.riggingControls();
+    const RyNodeRigging::Controls &to = copy.riggingControls();
+    for (size_t i = 0; i < from.size(); ++i) {
+        to[i]->setDefaultValue(from[i]->getDefaultValue());
+        to[i]->adjustValue(from[i]->getValue());
     }
 }
 

@@ -22,11 +22,7 @@ static void addBulges(const RyBoneBinding &binding, std::vector<RyFloatProperty 
         const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
         if (!bulge)
             continue;
-        for (RyFloatProperty *controller : {bulge->getNegLeftBulgeController(), bulge->getNegRightBulgeController(),
-                                            bulge->getPosLeftBulgeController(), bulge->getPosRightBulgeController()}) {
-            if (controller)
-                list.push_back(controller);
-        }
+        list.insert(list.end(), bulge->controllers().begin(), bulge->controllers().end());
     }
 }
 

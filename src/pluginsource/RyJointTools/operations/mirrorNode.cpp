@@ -15,24 +15,13 @@
 
 namespace {
 
-std::array<RyFloatProperty *, 9> riggingOf(const RyNode &node)
-{
-    return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-            node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-}
-
-/// Points lose their side along the axis. A turn about an axis (a, angle) becomes (a M, -angle), which in angles of
-/// fixed XYZ order reverses the two about the other axes and keeps the one about the mirror axis: to the bit.
 void mirrorRigging(const RyNode &source, const RyNode &target, int axis, std::vector<MirroredControl> &controls)
 {
-    const auto from = riggingOf(source);
-    const auto to = riggingOf(target);
+    const RyNodeRigging::Controls &from = source.riggingControls();
+    const RyNodeRigging::Controls &to = target.riggingControls();
     for (size_t i = 0; i < from.size(); ++i) {
-        const bool isAlong = int(i % 3) == axis;
-        const bool isAngle = i >= 6;
         if (from[i] && to[i])
-            controls.push_back({from[i], to[i], isAngle != isAlong});
+            controls.push_back({from[i], to[i], RyNodeRigging::isReversedByMirror(int(i), axis)});
     }
 }
 
@@ -40,10 +29,8 @@ void mirrorRigging(const RyNode &source, const RyNode &target, int axis, std::ve
 void mirrorBulge(const RyBulgeBinding &source, const RyBulgeBinding &target, bool isAlong,
                  std::vector<MirroredControl> &controls)
 {
-    const std::array from = {source.getPosLeftBulgeController(), source.getNegLeftBulgeController(),
-                             source.getPosRightBulgeController(), source.getNegRightBulgeController()};
-    const std::array to = {target.getPosLeftBulgeController(), target.getNegLeftBulgeController(),
-                           target.getPosRightBulgeController(), target.getNegRightBulgeController()};
+    const auto &from = source.controllers();
+    const auto &to = target.controllers();
     for (size_t i = 0; i < from.size(); ++i)
         controls.push_back({from[isAlong ? i : 3 - i], to[i], false});
 }
@@ -81,14 +68,8 @@ void writeMirrored(const std::vector<MirroredControl> &controls)
 /// "Left Bend" on the one side is "Right Bend" on the other.
 void mirrorLabels(const RyNode &source, const RyNode &target)
 {
-    const auto controls = [](const RyNode &node) {
-        return std::array{node.getXTransControl(), node.getYTransControl(), node.getZTransControl(),
-                          node.getXRotControl(),   node.getYRotControl(),   node.getZRotControl(),
-                          node.getScaleControl(),  node.getXScaleControl(), node.getYScaleControl(),
-                          node.getZScaleControl()};
-    };
-    const auto from = controls(source);
-    const auto to = controls(target);
+    const RyNodePose::Controls &from = source.poseControls();
+    const RyNodePose::Controls &to = target.poseControls();
     for (size_t i = 0; i < from.size(); ++i) {
         const QString label = RyNameMarks(from[i]->getLabel()).exchanged(RyNameMarks::Which::All);
         if (to[i]->getLabel() != label)

@@ -14,13 +14,6 @@
 
 namespace {
 
-std::vector<RyBone *> ownBones(const RySkeleton &skeleton)
-{
-    std::vector<RyBone *> bones = skeleton.getAllBones();
-    std::erase_if(bones, [&skeleton](const RyBone *bone) { return bone->getSkeleton() != &skeleton; });
-    return bones;
-}
-
 /// Of several bones of one name the first.
 QHash<QString, const RyBone *> byName(const std::vector<RyBone *> &bones)
 {
@@ -53,11 +46,10 @@ public:
     void take(const RyBone &source, const RyBone &bone)
     {
         const RyAffine &map = source.figureMap();
-        want(map.mapPoint(source.getOrigin()), bone.getOriginXControl(), bone.getOriginYControl(),
-             bone.getOriginZControl());
-        want(map.mapPoint(source.getEndPoint()), bone.getEndXControl(), bone.getEndYControl(), bone.getEndZControl());
-        want(posedOrientation(source).toEulerXYZ(), bone.getOrientXControl(), bone.getOrientYControl(),
-             bone.getOrientZControl());
+        const RyNodeRigging::Controls &controls = bone.riggingControls();
+        want(map.mapPoint(source.getOrigin()), &controls[RyNodeRigging::Origin]);
+        want(map.mapPoint(source.getEndPoint()), &controls[RyNodeRigging::End]);
+        want(posedOrientation(source).toEulerXYZ(), &controls[RyNodeRigging::Orientation]);
         const RyBoneBinding *from = m_sourceSkin ? m_sourceSkin->findBoneBinding(&source) : nullptr;
         const RyBoneBinding *to = m_skin ? m_skin->findBoneBinding(&bone) : nullptr;
         for (int axis = 0; from && to && axis < 3; ++axis) {
@@ -68,18 +60,15 @@ public:
     const std::vector<RyWantedValue> &wanted() const { return m_wanted; }
 
 private:
-    void want(const RyVec3 &v, RyFloatProperty *x, RyFloatProperty *y, RyFloatProperty *z)
+    void want(const RyVec3 &v, RyFloatProperty *const *triple)
     {
-        m_wanted.insert(m_wanted.end(), {{x, v.x}, {y, v.y}, {z, v.z}});
+        for (int axis = 0; axis < 3; ++axis)
+            m_wanted.push_back({triple[axis], v[axis]});
     }
     void takeBulges(const RyBulgeBinding &from, const RyBulgeBinding &to)
     {
-        float posLeft, negLeft, posRight, negRight;
-        from.getBulgeValues(posLeft, negLeft, posRight, negRight);
-        m_wanted.push_back({to.getPosLeftBulgeController(), posLeft * m_bulgeFactor});
-        m_wanted.push_back({to.getNegLeftBulgeController(), negLeft * m_bulgeFactor});
-        m_wanted.push_back({to.getPosRightBulgeController(), posRight * m_bulgeFactor});
-        m_wanted.push_back({to.getNegRightBulgeController(), negRight * m_bulgeFactor});
+        for (size_t i = 0; i < from.controllers().size(); ++i)
+            m_wanted.push_back({to.controllers()[i], from.controllers()[i]->getValue() * m_bulgeFactor});
     }
 
     const RySkinBinding *m_sourceSkin;
@@ -94,8 +83,8 @@ RyRiggingTransfer transferRigging(const RySkeleton &source, const RyFigure &targ
 {
     RyRiggingTransfer report;
     Transfer transfer(source, target);
-    const std::vector<RyBone *> sourceBones = ownBones(source);
-    const std::vector<RyBone *> bones = ownBones(target);
+    const std::vector<RyBone *> sourceBones = source.ownBones();
+    const std::vector<RyBone *> bones = target.ownBones();
     const QHash<QString, const RyBone *> namesakes = byName(sourceBones);
     for (const RyBone *bone : bones) {
         if (const RyBone *namesake = namesakes.value(bone->getName())) {
