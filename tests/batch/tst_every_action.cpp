@@ -29,7 +29,8 @@ var fields = {
     RyJECreateBoneAction: {JointEditorCreateBoneNameLEdit: 'made', JointEditorCreateBoneLabelLEdit: 'Made'},
     RyJERenameNodeAction: {name: 'renamed', label: 'Renamed'},
     RyJESelectedNodesAttributesEditAction: {NodeAttributesEditCenterXCbx: 'true', NodeAttributesEditCenterXSBox: '7'},
-    RyJECreateControlBonesAction: {JointEditorControlBoneModeCmb: 'Selected and Children'}
+    RyJECreateControlBonesAction: {JointEditorControlBoneModeCmb: 'Selected and Children'},
+    RyJEMirrorAction: {JointEditorMirrorNodesCmb: 'Root Recursive', JointEditorMirrorDirectionCmb: 'Left to Right'}
 };
 var answers = {
     RyJEDeleteUnusedBonesAction: {'Remove Unused Bones': 'Yes'},
@@ -53,7 +54,7 @@ var before = {
         var target = Scene.getPrimarySelection(), count = Scene.getSkeletons().length;
         if (!Actions.run('RyJECreateDonorFigureAction').ran || Scene.getSkeletons().length !== count + 1)
             throw new Error('it gives no donor');
-        target.setValue('originX', target.getValue('originX') + 1);
+        Undo.step('Move', function () { target.setValue('originX', target.getValue('originX') + 1); });
         Scene.setSelection([Scene.getSkeletons()[count], target]);
     },
     RyJEReparentBoneAction: function () {
@@ -81,6 +82,8 @@ Actions.names().forEach(function (name) {
         bone.setOrigin({x: origin.x + 0.3, y: origin.y - 0.2, z: origin.z + 0.1});
         bone.setEndPoint({x: end.x - 0.1, y: end.y + 0.3, z: end.z + 0.2});
     }
+    if (name === 'RyJERotationOrder' + bone.getRotationOrder() + 'Action')
+        bone.setRotationOrder(bone.getRotationOrder() === 'XYZ' ? 'ZYX' : 'XYZ');
     var dump = Scene.dump(), steps = Undo.index(), points = RestorePoints.count();
     if (before[name])
         before[name]();
@@ -106,7 +109,15 @@ struct Idle
     const char *says;
 };
 const Idle idles[] = {
-    {"", "", ""},
+    {"", "RyJECustomColorsAction", "Joint Editor Drawing Options"},
+    {"", "RyJETogglePropagateTranslationAction", ""},
+    {"", "RyJEToggleViewBoneCreationAction", ""},
+    {"", "RyJEToggleAutoAlignNodeAction", ""},
+    {"", "RyJEToggleAutoSnapEndPointsAction", ""},
+    // The bone has no bones below.
+    {"RiggedSimple.gltf", "RyJESnapEndPointAction", ""},
+    {"quad_10_influences.glb", "RyJESnapEndPointAction", ""},
+    {"hand_flat_hierarchy.glb", "RyJESnapEndPointAction", ""},
 };
 
 } // namespace
