@@ -150,6 +150,26 @@ private slots:
         QCOMPARE(bringBack(), edited);
     }
 
+    /// The same for one edit after another, each of which has its snapshot already on the way when the next begins.
+    void beforeSomethingLongAgain()
+    {
+        start();
+        for (int round = 0; round < 3; ++round) {
+            edit();
+            QTRY_VERIFY(isKept() && m_autosave->isUpToDate());
+            edit();
+            QTest::qWait(150);
+            const QString edited = dump();
+            const qint64 before = keptAt();
+            RyUndoStackHold hold;
+            ryScene()->getNodes().back()->getYRotControl()->setValue(float(50 + round));
+            QTRY_VERIFY(keptAt() != before);
+            hold.cancel();
+            const QStringList folders = kept();
+            QCOMPARE(dumpOf(folders.front()), edited);
+        }
+    }
+
     /// A dialog that stands open for hours and changed nothing yet is no reason to wait.
     void behindADialog()
     {
@@ -262,7 +282,7 @@ private slots:
         const QString chosen = path(QStringLiteral("chosen place"));
         AutosaveSettings::global().set(true, chosen);
         QTRY_VERIFY(kept().size() == 1 && kept().front().startsWith(chosen));
-        QVERIFY(QDir(settings() + QStringLiteral("/autosave")).isEmpty());
+        QTRY_VERIFY(QDir(settings() + QStringLiteral("/autosave")).isEmpty());
     }
 
 private:
@@ -277,11 +297,12 @@ private:
                dump();
     }
     /// The dump of what is kept now, in the place of the scene.
-    QString bringBack()
+    QString bringBack() { return dumpOf(kept().front()); }
+    QString dumpOf(const QString &folder)
     {
         RySnapshotParts parts;
         QString error;
-        if (!RySnapshotStore::read(kept().front(), &parts, &error))
+        if (!RySnapshotStore::read(folder, &parts, &error))
             return error;
         const std::optional<RySceneSnapshot> snapshot = RySceneSnapshot::fromParts(parts, &error);
         if (!snapshot)

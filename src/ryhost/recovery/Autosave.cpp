@@ -60,7 +60,8 @@ void Autosave::adopt(std::unique_ptr<RecoverySession> session)
 void Autosave::noteChange()
 {
     // An edit that takes long may begin here, and a crash within it shall not cost what was done before.
-    if (m_isPending && m_isSettled && isIdle() && (!m_sinceTake.isValid() || m_sinceTake.elapsed() >= pause()))
+    const bool isSoon = m_sinceTake.isValid() && double(m_sinceTake.elapsed()) < PausePerBlock * m_latestBlock;
+    if (m_isPending && m_isSettled && isIdle() && !isSoon && !m_writer.isFull())
         take();
     m_isSettled = false;
     m_isOfAction = m_isOfAction || RyRunningAction::isAny();
@@ -117,7 +118,7 @@ void Autosave::takeWhenDue()
 
 void Autosave::take()
 {
-    if (m_writer.isBusy() || !isEdited() || !AutosaveSettings::global().isOn())
+    if (!isEdited() || !AutosaveSettings::global().isOn())
         return;
     QElapsedTimer block;
     block.start();

@@ -25,6 +25,8 @@ public:
     /// Removes what was written.
     void drop();
     bool isBusy() const { return m_jobs > 0; }
+    /// Another snapshot would wait for more than one.
+    bool isFull() const { return m_jobs > 1; }
 
 signals:
     /// `folder` is empty where nothing could be written, for the reason `error`; otherwise that says why an earlier one
