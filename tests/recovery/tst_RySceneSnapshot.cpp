@@ -121,7 +121,11 @@ private slots:
         QVERIFY2(RySceneFile::save(&scene, saved, &error), qPrintable(error));
         QVERIFY2(snapshot->restore(again, path, &error, nullptr), qPrintable(error));
         QVERIFY2(RySceneFile::save(&again, recovered, &error), qPrintable(error));
-        QVERIFY(bytesOf(recovered) == bytesOf(saved));
+        // Normals that a save works out are read back as those of the file, rounded.
+        if (QFileInfo(path).suffix() == QLatin1String("obj"))
+            QVERIFY(sameDumps(rySceneDump(CharacterScene(recovered).scene), rySceneDump(CharacterScene(saved).scene)));
+        else
+            QVERIFY(bytesOf(recovered) == bytesOf(saved));
     }
 
     /// An OBJ file of which only vertices moved keeps every other line.
