@@ -88,9 +88,15 @@ class FarmTest(unittest.TestCase):
         self.assertFalse(self.was_done("a.obj"))
 
     def test_what_failed_is_tried_again(self):
+        self.write("a.obj")
+        self.assertFalse(self.was_done("a.obj"))
+        # What was done before lies in the folder still.
         self.write("a.obj", "")
+        self.age("a.obj", 60)
         for _ in range(2):
             self.assertEqual(self.run_on("a.obj").returncode, 1)
+            self.age("out/reports/a.obj.json", 120)
+        self.assertTrue((self.folder / "out/a.obj").exists())
         self.write("a.obj")
         self.age("a.obj", -3600)
         self.assertFalse(self.was_done("a.obj"))

@@ -108,7 +108,7 @@ class FarmGuideTest(unittest.TestCase):
             time.sleep(0.02)
 
     def run_once(self, run):
-        """Runs the commands while the endless character is killed. """
+        """Runs the command while the endless character is killed. Gives what it said."""
         killed = threading.Event()
         killer = threading.Thread(target=self.kill_the_last, args=[killed])
         killer.start()
@@ -118,7 +118,10 @@ class FarmGuideTest(unittest.TestCase):
         finally:
             killed.set()
             killer.join()
-        self.assertEqual(processes_of(self.character(20)), {}, "the worker outlived what started it")
+            left = processes_of(self.character(20))
+            for process in left:
+                os.kill(process, signal.SIGKILL)
+        self.assertEqual(left, {}, "the worker outlived what started it")
         return said
 
     def table(self):

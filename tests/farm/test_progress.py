@@ -78,8 +78,9 @@ class ProgressTest(unittest.TestCase):
         code, text = run_on_terminal(["--batch", self.files[0], "--script", str(script), "--select", "lhand"])
         self.assertEqual(code, 2, text)
         lines = screen(text)
-        self.assertIn("said by the script", lines)
-        self.assertTrue(lines[-1].startswith("--select: no node is called"), lines)
+        self.assertEqual(len(lines), 2, lines)
+        self.assertEqual(lines[0], "said by the script")
+        self.assertTrue(lines[1].startswith("--select: no node is called"), lines)
 
     def test_a_long_line_does_not_wrap(self):
         self.long.write_bytes(SAMPLE.read_bytes())
