@@ -38,6 +38,7 @@ RyBatchRun::Result RyBatchRun::run(const QStringList &arguments, const QByteArra
     if (!m_home.isEmpty())
         environment.insert(QStringLiteral("RYHOST_HOME"), m_home);
     process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(m_folder.path());
     process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
     process.write(input);
     process.closeWriteChannel();
