@@ -58,7 +58,6 @@ QString CommandLine::helpText()
         "ryhost --batch FILE... [verb...]  works without a window; verbs run from left to right and may repeat; each "
         "file\n"
         "                                  gets a fresh scene and the same verbs; - is standard input\n"
-        "ryhost --version                  tells the version\n"
         "\n"
         "  --unit F                        centimetres in one unit of the file; first, or before --merge\n"
         "  --merge FILE                    adds another file\n"
@@ -99,5 +98,5 @@ QString CommandLine::helpText()
         "refused,\n"
         "4 something could not be written, 5 a script could not be read or failed. Several files: the highest of "
         "theirs.\n"
-        "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR.\n");
+        "Environment: RYHOST_PLUGIN_PATH, RYHOST_HOME, RYHOST_SETTINGS_DIR. ryhost --version tells the version.\n");
 }
