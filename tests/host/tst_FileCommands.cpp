@@ -257,7 +257,6 @@ private slots:
         there.close();
         RyDialogDriver driver;
         driver.setField(QStringLiteral("fileNameEdit"), file(QStringLiteral("there")));
-        driver.setAnswer(QStringLiteral("Save As"), QStringLiteral("No"));
         action("FileSaveAs")->trigger();
         QVERIFY2(!driver.boxes().empty() && driver.boxes().front().text.contains(QStringLiteral("there.glb")),
                  "nobody was asked");

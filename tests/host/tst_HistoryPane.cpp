@@ -32,7 +32,7 @@ private slots:
         QVERIFY(!dock()->isVisible());
         dock()->toggleViewAction()->trigger();
         settle();
-        QVERIFY(list()->isVisible());
+        QVERIFY2(list()->isVisible(), "it stands behind another pane");
     }
     void cleanup() { close(); }
 
@@ -47,7 +47,7 @@ private slots:
         QCOMPARE(text(0), QStringLiteral("Beginning"));
         QCOMPARE(text(2), QStringLiteral("Bend to 20"));
         for (int row : {1, 4, 0, 3, 3}) {
-            QTest::mouseClick(list()->viewport(), Qt::LeftButton, Qt::NoModifier, placeOf(row));
+            click(row);
             QCOMPARE(ryUndoStack()->index(), row);
             QCOMPARE(dump(), states[row]);
             checkPresent(row);
@@ -121,7 +121,7 @@ private slots:
         {
             RyUndoStackHold hold;
             forearm()->getZRotControl()->setValue(33);
-            QTest::mouseClick(list()->viewport(), Qt::LeftButton, Qt::NoModifier, placeOf(0));
+            click(0);
             QCOMPARE(forearm()->getZRotControl()->getValue(), 33.0f);
             QCOMPARE(m_window->statusBar()->currentMessage(),
                      QStringLiteral("Finish what the mouse is dragging first."));
@@ -219,7 +219,13 @@ private:
     QString text(int row) const { return at(row, HistoryModel::StepColumn).data().toString(); }
     QString time(int row) const { return at(row, HistoryModel::TimeColumn).data().toString(); }
     QString spoken(int row) const { return at(row, HistoryModel::StepColumn).data(Qt::AccessibleTextRole).toString(); }
-    QPoint placeOf(int row) const { return list()->visualRect(at(row, HistoryModel::StepColumn)).center(); }
+    void click(int row) const
+    {
+        list()->scrollTo(at(row, HistoryModel::StepColumn));
+        const QPoint place = list()->visualRect(at(row, HistoryModel::StepColumn)).center();
+        QVERIFY(list()->viewport()->rect().contains(place));
+        QTest::mouseClick(list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    }
     QString dump() const { return rySceneDump(*m_scene); }
     RyNode *forearm() const { return m_scene->findNode(QStringLiteral("lForearm")); }
     void bend(float degrees)

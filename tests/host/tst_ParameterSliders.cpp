@@ -54,7 +54,7 @@ private slots:
         QTest::addColumn<bool>("dark");
         for (bool dark : {true, false}) {
             const char *look = dark ? "dark" : "light";
-            for (float value : {0.0f, 90.0f, -90.0f, 180.0f, -180.0f, 20.0f}) {
+            for (float value : {0.0f, 90.0f, -90.0f, 180.0f, -180.0f, 60.0f}) {
                 QTest::newRow(qPrintable(QStringLiteral("%1, turn of %2").arg(QLatin1String(look)).arg(double(value))))
                     << QStringLiteral("PoseXRotate") << value << dark;
             }

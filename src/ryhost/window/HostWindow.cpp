@@ -27,6 +27,7 @@
 #include "ryhost/window/ToolStrip.h"
 #include "ryhost/window/WindowFit.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
@@ -119,6 +120,11 @@ QDockWidget *HostWindow::addDock(const QString &title, const QString &objectName
     dock->setObjectName(objectName);
     dock->setWidget(content);
     addDockWidget(area, dock);
+    // One that stands behind another would be shown without being seen.
+    connect(dock->toggleViewAction(), &QAction::triggered, dock, [dock](bool isShown) {
+        if (isShown)
+            dock->raise();
+    });
     m_docks.append(dock);
     return dock;
 }
