@@ -201,12 +201,15 @@ private slots:
     /// An old time says its day.
     void times()
     {
-        const QDateTime now = QDateTime::currentDateTime();
-        const QString today = QLocale().toString(now.time(), QLocale::ShortFormat);
-        QCOMPARE(timeTextOf(now), today);
-        const QDateTime before = now.addDays(-3);
-        QCOMPARE(timeTextOf(before), QLocale().toString(before.date(), QLocale::ShortFormat) + QStringLiteral(", ") +
-                                         QLocale().toString(before.time(), QLocale::ShortFormat));
+        QLocale::setDefault(QLocale::c());
+        const QDateTime today(QDate::currentDate(), QTime(14, 5, 33));
+        QCOMPARE(timeTextOf(today), QStringLiteral("14:05"));
+        const QDateTime before = today.addDays(-3);
+        QCOMPARE(timeTextOf(before),
+                 QLocale().toString(before.date(), QLocale::ShortFormat) + QStringLiteral(", 14:05"));
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QCOMPARE(timeTextOf(today), QStringLiteral("2:05 PM"));
+        QLocale::setDefault(QLocale::system());
     }
 
 private:

@@ -75,7 +75,9 @@ QString captionsText(const std::vector<QString> &captions)
 QString timeTextOf(const QDateTime &time)
 {
     const QLocale locale;
-    const QString clock = locale.toString(time.time(), QLocale::ShortFormat);
+    // The locale of programs that have none says seconds even in its short form.
+    const QString clock =
+        locale.toString(time.time(), locale.timeFormat(QLocale::ShortFormat).remove(QStringLiteral(":ss")));
     return time.date() == QDate::currentDate()
                ? clock
                : tr("%1, %2").arg(locale.toString(time.date(), QLocale::ShortFormat), clock);
