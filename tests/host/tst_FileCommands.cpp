@@ -54,6 +54,19 @@ private slots:
         QCOMPARE(driver.records().size(), size_t(2));
     }
 
+    /// What a plug-in or a script puts into an empty scene can be saved.
+    void savingComesWithTheFirstNode()
+    {
+        action("FileNew")->trigger();
+        QVERIFY(!action("FileSaveAs")->isEnabled());
+        auto *node = new RyNode;
+        m_scene->addNode(node);
+        QVERIFY(action("FileSaveAs")->isEnabled() && action("FileClose")->isEnabled());
+        m_scene->removeNode(node);
+        QVERIFY(!action("FileSaveAs")->isEnabled());
+        ryUndoStack()->setClean();
+    }
+
     void theSampleIsAskedForToo()
     {
         bend();
