@@ -174,6 +174,7 @@ private slots:
             for (const QLabel *label : dialog->findChildren<QLabel *>())
                 said.append(label->text());
             PointerDriver pointer;
+            QApplication::setActiveWindow(m_window.get()); // shortcuts are for the active window
             QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
             QTreeView *tree = m_window->scenePane()->tree();
             pointer.click(tree->viewport(), tree->viewport()->rect().center());
@@ -190,6 +191,7 @@ private slots:
         QCOMPARE(m_posted, QStringList{QStringLiteral("slow.fbx was not opened: it was cancelled.")});
         settle();
         // And takes it again afterwards.
+        QApplication::setActiveWindow(m_window.get());
         QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::ControlModifier);
         settle();
         QVERIFY(!ryUndoStack()->canUndo());

@@ -17,8 +17,8 @@
 
 namespace {
 
-const QString Elbow = QStringLiteral("LeftForeArm");
-constexpr float Step = 1.5f; // centimetres, away from the hand
+const QString Elbow = QStringLiteral("RightForeArm");
+constexpr float Step = 1.5f; // centimetres, towards the shoulder
 
 } // namespace
 
@@ -69,7 +69,7 @@ bool ForeignStory::moveElbow()
     auto *field = number ? number->findChild<QLineEdit *>() : nullptr;
     if (!m_stage.check(field, QStringLiteral("the tool settings show the elbow's center point")))
         return false;
-    m_place = std::round((elbow->getOrigin().x - Step) * 10) / 10;
+    m_place = std::round((elbow->getOrigin().x + Step) * 10) / 10;
     m_stage.pointer().click(field, field->rect().center());
     m_stage.pointer().key(field, QStringLiteral("ctrl+a"));
     m_stage.pointer().type(field, QString::number(double(m_place)));

@@ -6,7 +6,7 @@
 class ForeignStory
 {
 public:
-    /// `file`: a character with a bone called LeftForeArm.
+    /// `file`: a character with a bone called RightForeArm.
     ForeignStory(DemoStage &stage, const QString &file) : m_stage(stage), m_file(file) {}
     void play();
 
