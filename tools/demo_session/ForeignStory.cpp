@@ -18,7 +18,7 @@
 namespace {
 
 const QString Elbow = QStringLiteral("RightForeArm");
-constexpr float Step = 1.5f; // centimetres, towards the shoulder
+constexpr float Step = 1.5f; // centimetres, upwards
 
 } // namespace
 
@@ -65,18 +65,18 @@ bool ForeignStory::moveElbow()
     m_stage.pointer().key(window.viewport(), QStringLiteral("f"));
     PointerDriver::wait(600);
     m_stage.picture(QStringLiteral("fbx-joint"));
-    const auto *number = window.findChild<QWidget *>(QStringLiteral("JointEditorOriginXWgt"));
+    const auto *number = window.findChild<QWidget *>(QStringLiteral("JointEditorOriginYWgt"));
     auto *field = number ? number->findChild<QLineEdit *>() : nullptr;
     if (!m_stage.check(field, QStringLiteral("the tool settings show the elbow's center point")))
         return false;
-    m_place = std::round((elbow->getOrigin().x + Step) * 10) / 10;
+    m_place = std::round((elbow->getOrigin().y + Step) * 10) / 10;
     m_stage.pointer().click(field, field->rect().center());
     m_stage.pointer().key(field, QStringLiteral("ctrl+a"));
     m_stage.pointer().type(field, QString::number(double(m_place)));
     m_stage.pointer().key(field, QStringLiteral("Return"));
     PointerDriver::wait(600);
     m_stage.picture(QStringLiteral("fbx-moved"));
-    return m_stage.check(std::abs(elbow->getOrigin().x - m_place) < 1e-4f,
+    return m_stage.check(std::abs(elbow->getOrigin().y - m_place) < 1e-4f,
                          QStringLiteral("the elbow stands at %1").arg(double(m_place)));
 }
 
@@ -105,6 +105,6 @@ bool ForeignStory::saveAndReopen()
         !m_stage.check(window.files()->openPath(saved), QStringLiteral("it opens")))
         return false;
     const RyNode *elbow = m_stage.node(Elbow);
-    return m_stage.check(elbow && std::abs(elbow->getOrigin().x - m_place) < 1e-3f,
+    return m_stage.check(elbow && std::abs(elbow->getOrigin().y - m_place) < 1e-3f,
                          QStringLiteral("the elbow is where it was put"));
 }
