@@ -128,7 +128,8 @@ void RyFbxObjects::readObject(const Record &record)
     const QByteArray whole = textProperty(record, 1); // a name, two bytes and a class
     const QString name = QString::fromUtf8(whole.left(whole.indexOf('\0')));
     const QByteArray kind = textProperty(record, 2);
-    if (record.name == "Model" && (kind == "LimbNode" || kind == "Limb" || kind == "Root")) {
+    // "Root" is the place of a whole skeleton, often at the same point as its first limb.
+    if (record.name == "Model" && (kind == "LimbNode" || kind == "Limb")) {
         limbs.insert(name);
     } else if (record.name == "Geometry" && kind == "Shape") {
         m_shapes.insert(id, name);

@@ -51,7 +51,10 @@ const aiScene *RyForeignFile::read(const QString &path, const std::function<bool
         return nullptr;
     }
     if (!scene || !scene->mRootNode) {
-        *error = explain(QString::fromUtf8(m_importer->GetErrorString()));
+        QString reason = QString::fromUtf8(m_importer->GetErrorString());
+        reason.remove(path + QLatin1Char(':')); // whoever asked names the file
+        reason.remove(path);
+        *error = explain(reason);
         return nullptr;
     }
     return scene;

@@ -34,8 +34,10 @@ class TextFile
 {
 public:
     TextFile(const QString &name, const QByteArray &text);
-    QString path;
 
 private:
     QTemporaryDir m_folder;
+
+public:
+    QString path;
 };

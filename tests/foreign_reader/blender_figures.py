@@ -2,6 +2,8 @@
 
   blender -b --factory-startup --python blender_figures.py -- make SAMPLE.glb FOLDER
       exports the sample, with a morph added, in several ways; their names say how
+  blender -b --factory-startup --python blender_figures.py -- all SAMPLE.glb FOLDER
+      does so and judges them, to NAME.json beside each
   blender -b --factory-startup --python blender_figures.py -- judge FILE FIGURES.json [FILE FIGURES.json...]
       writes what Blender sees in each: heads of bones, and of some vertices their weights, where they stand at rest, in
       five poses, in ten frames of the first clip and with each morph
@@ -225,7 +227,12 @@ def main():
     if words[0] == "make":
         make(words[1], words[2])
         return
-    for source, target in zip(words[1::2], words[2::2]):
+    pairs = list(zip(words[1::2], words[2::2]))
+    if words[0] == "all":
+        make(words[1], words[2])
+        names = sorted(os.listdir(words[2]))
+        pairs = [(os.path.join(words[2], name), os.path.join(words[2], name + ".json")) for name in names]
+    for source, target in pairs:
         with open(target, "w", encoding="utf-8") as out:
             json.dump(judge(source), out, separators=(",", ":"))
             out.write("\n")
