@@ -144,6 +144,15 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(again.returncode, 0, again.stderr)
         self.assertRegex(again.stdout, r"\b70\b")
 
+    def test_reads_files_of_other_programs_where_it_can(self):
+        motion, out = self.folder / "motion.bvh", self.folder / "motion.glb"
+        motion.write_text("HIERARCHY\nROOT hip\n{\nOFFSET 0 90 0\nCHANNELS 3 Zrotation Xrotation Yrotation\nJOINT chest\n{\n"
+                          "OFFSET 0 30 0\nCHANNELS 3 Zrotation Xrotation Yrotation\nEnd Site\n{\nOFFSET 0 30 0\n}\n}\n}\n"
+                          "MOTION\nFrames: 2\nFrame Time: 0.1\n0 0 0 0 0 0\n0 0 0 30 0 0\n")
+        done = self.program("--batch", motion, "--save", out)
+        self.assertEqual(done.returncode, 0 if READER in self.files else 1, done.stderr)
+        self.assertEqual(out.exists(), READER in self.files)
+
     def test_the_plugin_is_the_installed_one(self):
         done = self.program("--batch", self.root / HOME / "samples/mannequin.glb", "--select", "lForearm", "--run",
                             "RyJEAlignNodeAction", plugins=self.folder / "nothing")
