@@ -15,13 +15,9 @@
 #include <algorithm>
 
 RySceneSelectionDropDown::RySceneSelectionDropDown(std::unique_ptr<RyNodeListFilter> filter, QWidget *parent)
-    : RyStyledButton(parent), m_filter(filter ? std::move(filter) : std::make_unique<RyNodeListFilter>())
+    : RyPopUpButton(QStringLiteral("SceneSelectionDropDownPopUpWgt"), parent),
+      m_filter(filter ? std::move(filter) : std::make_unique<RyNodeListFilter>())
 {
-    setShowArrow(true);
-    setElideText(true);
-    setMinimumWidthText(QStringLiteral("mmmmmmmm"));
-    setFixedHeight(RyStandardMetrics::DropDownHeight);
-    connect(this, &QAbstractButton::clicked, this, &RySceneSelectionDropDown::showPopup);
     connect(ryScene(), &RyScene::nodeSelectionListChanged, this, &RySceneSelectionDropDown::followPrimary);
     connect(ryScene(), &RyScene::nodeListChanged, this, &RySceneSelectionDropDown::followPrimary);
     followPrimary();
@@ -57,39 +53,22 @@ std::vector<RyNode *> RySceneSelectionDropDown::offeredNodes() const
     return nodes;
 }
 
-void RySceneSelectionDropDown::showPopup()
+QWidget *RySceneSelectionDropDown::fillPopup(RyPopUpWidget *popup)
 {
-    if (m_popup) {
-        hidePopup();
-        return;
-    }
-    m_popup = new RyPopUpWidget(this);
-    m_popup->setObjectName(QStringLiteral("SceneSelectionDropDownPopUpWgt"));
-    m_popup->setFixedSize(std::max(width(), RyStandardMetrics::PopUpWidth), RyStandardMetrics::PopUpHeight);
-    fillPopup();
-    connect(m_popup, &RyPopUpWidget::closed, this, &RySceneSelectionDropDown::hidePopup);
-    m_popup->positionPopUp(QRect(mapToGlobal(QPoint(0, 0)), size()));
-    m_popup->open(m_search);
-    if (m_tree->currentItem())
-        m_tree->scrollToItem(m_tree->currentItem(), QAbstractItemView::PositionAtCenter);
-}
-
-void RySceneSelectionDropDown::fillPopup()
-{
-    m_search = new QLineEdit(m_popup);
+    m_search = new QLineEdit(popup);
     m_search->setObjectName(QStringLiteral("SceneSelectionDropDownSearchLEdit"));
     m_search->setAccessibleName(tr("Search nodes"));
     m_search->setPlaceholderText(tr("Search by name or label..."));
     m_search->setClearButtonEnabled(true);
     m_search->installEventFilter(this);
-    m_tree = new RyNodeTreeWgt(m_popup);
+    m_tree = new RyNodeTreeWgt(popup);
     m_tree->setObjectName(QStringLiteral("SceneSelectionDropDownTree"));
     m_tree->setAccessibleName(tr("Nodes"));
     m_tree->setFrameStyle(QFrame::NoFrame);
     m_tree->setIndentation(fontMetrics().averageCharWidth() * 2);
     m_tree->installEventFilter(this);
     m_tree->setScene(ryScene(), m_filter.get());
-    auto *layout = new QVBoxLayout(m_popup);
+    auto *layout = new QVBoxLayout(popup);
     layout->setContentsMargins(RyStandardMetrics::Spacing, RyStandardMetrics::Spacing, RyStandardMetrics::Spacing,
                                RyStandardMetrics::Spacing);
     layout->setSpacing(RyStandardMetrics::Spacing);
@@ -97,22 +76,18 @@ void RySceneSelectionDropDown::fillPopup()
     layout->addWidget(m_tree, 1);
     connect(m_search, &QLineEdit::textChanged, m_tree, &RyNodeTreeWgt::filter);
     connect(m_tree, &QTreeWidget::itemClicked, this, &RySceneSelectionDropDown::chooseCurrent);
+    return m_search;
 }
 
-void RySceneSelectionDropDown::hidePopup()
+void RySceneSelectionDropDown::popupOpened()
 {
-    if (!m_popup)
-        return;
-    RyPopUpWidget *popup = m_popup;
-    m_popup.clear();
-    popup->disconnect(this);
-    popup->hide();
-    popup->deleteLater();
+    if (m_tree->currentItem())
+        m_tree->scrollToItem(m_tree->currentItem(), QAbstractItemView::PositionAtCenter);
 }
 
 void RySceneSelectionDropDown::chooseCurrent()
 {
-    const std::vector<RyNode *> picked = m_popup ? m_tree->getPickedNodes() : std::vector<RyNode *>();
+    const std::vector<RyNode *> picked = popup() ? m_tree->getPickedNodes() : std::vector<RyNode *>();
     RyNode *node = picked.empty() ? nullptr : picked.front();
     // An item that only shows the way to its children was clicked.
     if (!node)
@@ -147,13 +122,13 @@ void RySceneSelectionDropDown::keyPressEvent(QKeyEvent *event)
     else if (key == Qt::Key_Up || key == Qt::Key_Down)
         step(key == Qt::Key_Up ? -1 : 1);
     else
-        RyStyledButton::keyPressEvent(event);
+        RyPopUpButton::keyPressEvent(event);
 }
 
 bool RySceneSelectionDropDown::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() != QEvent::KeyPress || !m_popup)
-        return RyStyledButton::eventFilter(watched, event);
+    if (event->type() != QEvent::KeyPress || !popup())
+        return RyPopUpButton::eventFilter(watched, event);
     const int key = static_cast<QKeyEvent *>(event)->key();
     if (key == Qt::Key_Return || key == Qt::Key_Enter) {
         chooseCurrent();
@@ -164,17 +139,4 @@ bool RySceneSelectionDropDown::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_search && walks)
         return QCoreApplication::sendEvent(m_tree, event);
     return false;
-}
-
-void RySceneSelectionDropDown::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::EnabledChange && !isEnabled())
-        hidePopup();
-    RyStyledButton::changeEvent(event);
-}
-
-void RySceneSelectionDropDown::hideEvent(QHideEvent *event)
-{
-    hidePopup();
-    RyStyledButton::hideEvent(event);
 }

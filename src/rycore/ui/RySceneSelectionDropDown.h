@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/ui/RyStyledButton.h"
+#include "rycore/ui/RyPopUpButton.h"
 
 #include <QPointer>
 
@@ -11,12 +11,11 @@ class QLineEdit;
 class RyNode;
 class RyNodeListFilter;
 class RyNodeTreeWgt;
-class RyPopUpWidget;
 
 /// Shows the primary selection of the application's scene, and opens a list of nodes with a search line. Choosing one
 /// selects that node alone. Up and Down choose the node before and after, as in a combo box; Alt+Down, Space and Return
 /// open the list. There Up and Down go through it, Return chooses, Escape leaves the selection as it was.
-class RySceneSelectionDropDown : public RyStyledButton
+class RySceneSelectionDropDown : public RyPopUpButton
 {
     Q_OBJECT
 public:
@@ -27,28 +26,21 @@ public:
     /// What the list offers, in its order.
     std::vector<RyNode *> offeredNodes() const;
 
-public slots:
-    /// Closes the list when it is open.
-    void showPopup();
-    void hidePopup();
-
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void changeEvent(QEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    QWidget *fillPopup(RyPopUpWidget *popup) override;
+    void popupOpened() override;
 
 private:
     void followPrimary();
     void updateText();
-    void fillPopup();
     void chooseCurrent();
     void choose(RyNode *node);
     void step(int places);
 
     std::unique_ptr<RyNodeListFilter> m_filter;
     QPointer<RyNode> m_primary;
-    QPointer<RyPopUpWidget> m_popup;
     QLineEdit *m_search = nullptr; // both while the pop-up lives
     RyNodeTreeWgt *m_tree = nullptr;
 };

@@ -13,16 +13,12 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
-RyBoneFaceGroupSelectionDropDown::RyBoneFaceGroupSelectionDropDown(QWidget *parent) : RyStyledButton(parent)
+RyBoneFaceGroupSelectionDropDown::RyBoneFaceGroupSelectionDropDown(QWidget *parent)
+    : RyPopUpButton(QStringLiteral("SceneSelectionPopUpWgt"), parent)
 {
     setObjectName(QStringLiteral("JointEditorSelectionGroupBtn"));
-    setShowArrow(true);
-    setElideText(true);
-    setMinimumWidthText(QStringLiteral("mmmmmmmm"));
-    setFixedHeight(RyStandardMetrics::DropDownHeight);
     showText(tr("None"));
     setEnabled(false);
-    connect(this, SIGNAL(clicked(bool)), this, SLOT(showPopup()));
     connect(ryScene(), SIGNAL(nodeSelectionListChanged()), this, SLOT(updateText()));
     connect(ryScene(), SIGNAL(nodeListChanged()), this, SLOT(updateText()));
 }
@@ -62,27 +58,22 @@ void RyBoneFaceGroupSelectionDropDown::updateText()
     // Once: a button that is disabled for a moment loses the keyboard.
     setEnabled(isBone);
     showText(text);
-    if (m_view && m_model->bone() != primary) {
+    if (popup() && m_model->bone() != primary) {
         m_model->fill();
         goToCurrentRow();
     }
 }
 
-void RyBoneFaceGroupSelectionDropDown::showPopup()
+QWidget *RyBoneFaceGroupSelectionDropDown::fillPopup(RyPopUpWidget *popup)
 {
-    if (m_popup) {
-        hidePopup();
-        return;
-    }
-    m_popup = new RyPopUpWidget(this);
-    m_popup->setObjectName(QStringLiteral("SceneSelectionPopUpWgt"));
-    setupPopup(m_popup);
-    m_popup->setFixedSize(qMax(width(), RyStandardMetrics::PopUpWidth), RyStandardMetrics::PopUpHeight);
-    m_popup->installEventFilter(this);
-    connect(m_popup, SIGNAL(mouseLeave()), this, SLOT(mouseLeave()));
-    connect(m_popup, SIGNAL(closed()), this, SLOT(hidePopup()));
-    m_popup->positionPopUp(QRect(mapToGlobal(QPoint(0, 0)), size()));
-    m_popup->open(m_view);
+    setupPopup(popup);
+    popup->installEventFilter(this);
+    connect(popup, &RyPopUpWidget::mouseLeave, this, &RyBoneFaceGroupSelectionDropDown::mouseLeave);
+    return m_view;
+}
+
+void RyBoneFaceGroupSelectionDropDown::popupOpened()
+{
     m_view->scrollTo(m_view->currentIndex());
 }
 
@@ -123,28 +114,16 @@ void RyBoneFaceGroupSelectionDropDown::goToCurrentRow()
     m_view->scrollTo(row);
 }
 
-void RyBoneFaceGroupSelectionDropDown::hidePopup()
-{
-    if (!m_popup)
-        return;
-    RyPopUpWidget *popup = m_popup;
-    m_popup.clear();
-    m_view.clear();
-    popup->disconnect(this);
-    popup->hide();
-    popup->deleteLater();
-}
-
 void RyBoneFaceGroupSelectionDropDown::mouseLeave()
 {
     const bool isOverButton = rect().contains(mapFromGlobal(QCursor::pos()));
-    if (m_popup && !m_popup->isMouseOver() && !isOverButton)
+    if (popup() && !popup()->isMouseOver() && !isOverButton)
         hidePopup();
 }
 
 void RyBoneFaceGroupSelectionDropDown::leaveEvent(QEvent *event)
 {
-    RyStyledButton::leaveEvent(event);
+    RyPopUpButton::leaveEvent(event);
     mouseLeave();
 }
 
@@ -156,35 +135,22 @@ void RyBoneFaceGroupSelectionDropDown::keyPressEvent(QKeyEvent *event)
     if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Down)
         showPopup();
     else
-        RyStyledButton::keyPressEvent(event);
+        RyPopUpButton::keyPressEvent(event);
 }
 
 bool RyBoneFaceGroupSelectionDropDown::eventFilter(QObject *watched, QEvent *event)
 {
-    const bool isKey = event->type() == QEvent::KeyPress && (watched == m_popup || watched == m_view);
+    const bool isKey = event->type() == QEvent::KeyPress && popup() && (watched == popup() || watched == m_view);
     if (!isKey || static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape)
-        return RyStyledButton::eventFilter(watched, event);
+        return RyPopUpButton::eventFilter(watched, event);
     keyPressEvent(static_cast<QKeyEvent *>(event));
     return true;
 }
 
-void RyBoneFaceGroupSelectionDropDown::changeEvent(QEvent *event)
-{
-    if (event->type() == QEvent::EnabledChange && !isEnabled())
-        hidePopup();
-    RyStyledButton::changeEvent(event);
-}
-
 void RyBoneFaceGroupSelectionDropDown::showEvent(QShowEvent *event)
 {
-    RyStyledButton::showEvent(event);
+    RyPopUpButton::showEvent(event);
     updateText();
-    if (m_view)
+    if (popup())
         m_model->fill();
-}
-
-void RyBoneFaceGroupSelectionDropDown::hideEvent(QHideEvent *event)
-{
-    hidePopup();
-    RyStyledButton::hideEvent(event);
 }
