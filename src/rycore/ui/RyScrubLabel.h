@@ -10,6 +10,8 @@ public:
     explicit RyScrubLabel(QWidget *parent = nullptr);
 
     void setFullText(const QString &text);
+    /// Also where there is no room for all of it.
+    const QString &fullText() const { return m_fullText; }
     /// Forgets the press: a drag under way reports nothing more, not even its end.
     void forgetPress();
 

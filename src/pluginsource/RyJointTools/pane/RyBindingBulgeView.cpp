@@ -1,7 +1,7 @@
 #include "pluginsource/RyJointTools/pane/RyBindingBulgeView.h"
 
-#include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
+#include "pluginsource/RyJointTools/pane/layOutFields.h"
+
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
@@ -112,10 +112,7 @@ void RyBindingBulgeView::addController(QTreeWidgetItem *above, const QString &ti
     field->setLabelText(title);
     field->setSpokenName(spoken);
     field->addProperty(property);
-    connect(field, &RyFloatPropertyWgt::messagePosted, this, [](const QString &message) {
-        if (RyMainWindow *window = RyApp::getInterface())
-            window->showMessage(message);
-    });
+    showMessagesOf(field);
     setItemWidget(item, 1, field);
     setTabOrder(m_lastField, field->numberField());
     m_lastField = field->numberField();

@@ -2,10 +2,9 @@
 
 #include "pluginsource/RyJointTools/operations/alignNode.h"
 #include "pluginsource/RyJointTools/operations/snapPoints.h"
+#include "pluginsource/RyJointTools/pane/layOutFields.h"
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
-#include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyScrubLabel.h"
@@ -15,10 +14,7 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QScrollArea>
 #include <QSignalBlocker>
-
-#include <algorithm>
 
 namespace {
 
@@ -40,13 +36,6 @@ constexpr Group groups[] = {
 };
 #undef RY_TEXT
 
-std::array<RyFloatProperty *, 9> controlsOf(const RyNode &node)
-{
-    return {node.getOriginXControl(), node.getOriginYControl(), node.getOriginZControl(),
-            node.getEndXControl(),    node.getEndYControl(),    node.getEndZControl(),
-            node.getOrientXControl(), node.getOrientYControl(), node.getOrientZControl()};
-}
-
 /// Tells nobody.
 void setChecked(QCheckBox *box, bool checked)
 {
@@ -60,7 +49,8 @@ void setChecked(QCheckBox *box, bool checked)
 RyCenterEndGeneralPage::RyCenterEndGeneralPage(RyJointEditorTool *tool, QWidget *parent) : QWidget(parent), m_tool(tool)
 {
     setObjectName(QStringLiteral("JointEditorCenterEndGeneralPage"));
-    QVBoxLayout *column = makeColumn();
+    QVBoxLayout *column = makeScrollingColumn(this, QStringLiteral("JointEditorCenterEndGeneralScrollArea"),
+                                              QStringLiteral("JointEditorCenterEndGeneralScrollContentsWgt"));
     for (size_t group = 0; group < std::size(groups); ++group)
         addNumbers(column, group);
     alignLabels();
@@ -72,27 +62,6 @@ RyCenterEndGeneralPage::RyCenterEndGeneralPage(RyJointEditorTool *tool, QWidget 
 RyCenterEndGeneralPage::~RyCenterEndGeneralPage()
 {
     finishEdits();
-}
-
-QVBoxLayout *RyCenterEndGeneralPage::makeColumn()
-{
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    auto *area = new QScrollArea(this);
-    area->setObjectName(QStringLiteral("JointEditorCenterEndGeneralScrollArea"));
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus); // what has the focus is scrolled into sight
-    layout->addWidget(area);
-    auto *contents = new QWidget(area);
-    contents->setObjectName(QStringLiteral("JointEditorCenterEndGeneralScrollContentsWgt"));
-    area->setWidget(contents);
-    auto *column = new QVBoxLayout(contents);
-    const int margin = RyStandardMetrics::Margin;
-    column->setContentsMargins(margin, margin, margin, margin);
-    column->setSpacing(margin);
-    return column;
 }
 
 void RyCenterEndGeneralPage::addNumbers(QVBoxLayout *column, size_t group)
@@ -107,22 +76,12 @@ void RyCenterEndGeneralPage::addNumbers(QVBoxLayout *column, size_t group)
     grid->setColumnStretch(1, 1);
     for (int axis = 0; axis < 3; ++axis) {
         const QString axisName(QLatin1Char("XYZ"[axis]));
-        const QString label = tr(texts.rows).arg(axisName);
-        auto *number = new RyFloatPropertyWgt(box);
-        number->setObjectName(name + axisName + QLatin1String("Wgt"));
-        number->label()->setObjectName(name + axisName + QLatin1String("Lbl"));
-        number->setFullLengthTextEdit(true);
-        number->setSuffix(QString::fromUtf8(texts.unit));
-        number->setLabelText(label);
-        number->setSpokenName(tr(texts.spoken) + QLatin1Char(' ') + label);
+        RyFloatPropertyWgt *number = makeField(
+            box, {tr(texts.rows).arg(axisName), name + axisName, tr(texts.spoken), QString::fromUtf8(texts.unit)});
         grid->addWidget(number->label(), axis, 0);
         grid->addWidget(number, axis, 1);
         connect(number, SIGNAL(editStarted()), this, SLOT(startNodeEdit()));
         connect(number, &RyFloatPropertyWgt::editFinished, this, &RyCenterEndGeneralPage::finishNodeEdit);
-        connect(number, &RyFloatPropertyWgt::messagePosted, this, [](const QString &message) {
-            if (RyMainWindow *window = RyApp::getInterface())
-                window->showMessage(message);
-        });
         m_numbers[3 * group + size_t(axis)] = number;
     }
     column->addWidget(box);
@@ -131,11 +90,7 @@ void RyCenterEndGeneralPage::addNumbers(QVBoxLayout *column, size_t group)
 void RyCenterEndGeneralPage::alignLabels()
 {
     constexpr int Reserve = 2; // eliding counts fractions of pixels
-    int width = 0;
-    for (size_t i = 0; i < m_numbers.size(); ++i) {
-        const QString text = tr(groups[i / 3].rows).arg(QLatin1Char("XYZ"[i % 3]));
-        width = std::max(width, m_numbers[i]->label()->fontMetrics().horizontalAdvance(text) + Reserve);
-    }
+    const int width = widestLabel({m_numbers.begin(), m_numbers.end()}) + Reserve;
     for (RyFloatPropertyWgt *number : m_numbers) {
         number->label()->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
         number->label()->setFixedWidth(width);
@@ -177,7 +132,7 @@ void RyCenterEndGeneralPage::updateNode(RyNode *node)
     for (RyFloatPropertyWgt *number : m_numbers)
         number->clearProperties();
     if (node) {
-        const std::array<RyFloatProperty *, 9> controls = controlsOf(*node);
+        const RyNodeRigging::Controls &controls = node->riggingControls();
         for (size_t i = 0; i < m_numbers.size(); ++i)
             m_numbers[i]->addProperty(controls[i]);
         followNode();

@@ -43,7 +43,6 @@ private slots:
     void updateHiddenFromNode();
 
 private:
-    QVBoxLayout *makeColumn();
     void addNumbers(QVBoxLayout *column, size_t group);
     void addSwitches(QVBoxLayout *column);
     void alignLabels();

@@ -21,21 +21,6 @@ RyJointParamCombo::RyJointParamCombo(const RyJointEditorTool *tool, QWidget *par
     setMinimumContentsLength(4);
 }
 
-/// The control that turns a node about an axis, null for what is no axis.
-static const RyFloatProperty *rotationControl(const RyNode &node, int axis)
-{
-    switch (axis) {
-    case 0:
-        return node.getXRotControl();
-    case 1:
-        return node.getYRotControl();
-    case 2:
-        return node.getZRotControl();
-    default:
-        return nullptr;
-    }
-}
-
 QString RyJointParamCombo::textOf(const Param &param) const
 {
     const RyNode &node = *m_tool->currentNode();
@@ -43,8 +28,10 @@ QString RyJointParamCombo::textOf(const Param &param) const
         const bool isParents = param.getDriver() && param.getDriver() == node.getNodeParent();
         return param.objectName() + (isParents ? tr(" [Parent]") : tr(" [Child]"));
     }
-    const RyFloatProperty *control = rotationControl(node, param.getAxis());
-    return control ? param.objectName() + tr(" [%1]").arg(control->getLabel()) : param.objectName();
+    const int axis = param.getAxis();
+    if (axis < 0 || axis > 2) // a curve may follow what is no turn
+        return param.objectName();
+    return param.objectName() + tr(" [%1]").arg(node.rotationControl(axis)->getLabel());
 }
 
 std::vector<RyJointParamCombo::Entry> RyJointParamCombo::wantedEntries() const
@@ -129,7 +116,7 @@ void RyJointParamCombo::connectSources()
     followSignal(m_binding.data(), &RyLegacyBinding::bindingChanged);
     followFigures(node->getScene());
     for (int axis = 0; axis < 3; ++axis)
-        followSignal(rotationControl(*node, axis), &RyElement::labelChanged);
+        followSignal(node->rotationControl(axis), &RyElement::labelChanged);
     for (const Entry &entry : m_entries)
         followSignal(entry.param.data(), &RyBase::nameChanged);
 }

@@ -88,8 +88,8 @@ RyJointParamGeneralPage::RyJointParamGeneralPage(RyJointEditorTool *tool, QWidge
     : RyJointParamPage(tool, parent)
 {
     setObjectName(QStringLiteral("JointEditorParamGeneralPage"));
-    QVBoxLayout *column =
-        makeColumn(QStringLiteral("JointParamGeneralScrollArea"), QStringLiteral("JointParamGeneralScrollContentsWgt"));
+    QVBoxLayout *column = makeScrollingColumn(this, QStringLiteral("JointParamGeneralScrollArea"),
+                                              QStringLiteral("JointParamGeneralScrollContentsWgt"));
     for (int group = 0; group < GroupCount; ++group) {
         m_groups[size_t(group)] = makeGroup(group, column->parentWidget());
         column->addWidget(m_groups[size_t(group)]);

@@ -60,8 +60,8 @@ RyJointParamMatricesPage::RyJointParamMatricesPage(RyJointEditorTool *tool, QWid
     : RyJointParamPage(tool, parent)
 {
     setObjectName(QStringLiteral("JointEditorParamMatricesPage"));
-    QVBoxLayout *column = makeColumn(QStringLiteral("JointParamMatricesScrollArea"),
-                                     QStringLiteral("JointParamMatricesScrollContentsWgt"));
+    QVBoxLayout *column = makeScrollingColumn(this, QStringLiteral("JointParamMatricesScrollArea"),
+                                              QStringLiteral("JointParamMatricesScrollContentsWgt"));
     m_enable = new QGroupBox(tr("Enable Sphere Matrices"), column->parentWidget());
     m_enable->setObjectName(QStringLiteral("JointParamMatricesEnableSphereMatricesGrpBox"));
     m_enable->setCheckable(true);

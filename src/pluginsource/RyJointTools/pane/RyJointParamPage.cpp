@@ -2,18 +2,13 @@
 
 #include "pluginsource/RyJointTools/tool/RyJointEditorTool.h"
 
-#include "rycore/app/RyApp.h"
-#include "rycore/app/RyMainWindow.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/ui/RyStandardMetrics.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
-#include <QScrollArea>
-#include <QVBoxLayout>
-
-#include <algorithm>
+#include <QBoxLayout>
 
 RyJointParamPage::RyJointParamPage(RyJointEditorTool *tool, QWidget *parent) : QWidget(parent), m_tool(tool) {}
 
@@ -54,52 +49,21 @@ void RyJointParamPage::apply(RyLegacyJointParam::Flag flag, bool on, const QStri
     hold.accept(caption);
 }
 
-QVBoxLayout *RyJointParamPage::makeColumn(const QString &areaName, const QString &contentsName)
-{
-    auto *area = new QScrollArea(this);
-    area->setObjectName(areaName);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus); // what has the focus is scrolled into sight
-    auto *contents = new QWidget(area);
-    contents->setObjectName(contentsName);
-    area->setWidget(contents);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
-    auto *column = new QVBoxLayout(contents);
-    column->setContentsMargins(RyStandardMetrics::Margin, RyStandardMetrics::Margin, RyStandardMetrics::Margin,
-                               RyStandardMetrics::Margin);
-    column->setSpacing(RyStandardMetrics::Margin);
-    return column;
-}
-
 RyFloatPropertyWgt *RyJointParamPage::addField(QBoxLayout *layout, const Row &row)
 {
-    auto *field = new RyFloatPropertyWgt(layout->parentWidget());
-    field->setObjectName(row.name + QLatin1String("Wgt"));
-    field->label()->setObjectName(row.name + QLatin1String("Lbl"));
-    field->setFullLengthTextEdit(true);
-    field->setSuffix(row.suffix);
+    RyFloatPropertyWgt *field = makeField(layout->parentWidget(), row);
     field->setStep(row.step);
-    field->setLabelText(row.label);
-    if (!row.spoken.isEmpty())
-        field->setSpokenName(row.spoken + QLatin1Char(' ') + row.label);
-    connect(field, &RyFloatPropertyWgt::messagePosted, this, [](const QString &message) {
-        if (RyMainWindow *window = RyApp::getInterface())
-            window->showMessage(message);
-    });
     layout->addWidget(field);
     m_allFields.push_back(field);
-    constexpr int reserve = RyStandardMetrics::Margin; // a gap, and eliding counts fractions of pixels
-    m_labelWidth = std::max(m_labelWidth, field->label()->fontMetrics().horizontalAdvance(row.label) + reserve);
     return field;
 }
 
 void RyJointParamPage::alignLabels()
 {
+    constexpr int reserve = RyStandardMetrics::Margin; // a gap, and eliding counts fractions of pixels
+    const int width = widestLabel(m_allFields) + reserve;
     for (RyFloatPropertyWgt *field : m_allFields) {
-        field->label()->setMinimumWidth(m_labelWidth);
+        field->label()->setMinimumWidth(width);
         field->refresh();
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pluginsource/RyJointTools/pane/layOutFields.h"
+
 #include "rycore/parametric/RyLegacyParamPair.h"
 
 #include <QPointer>
@@ -8,7 +10,6 @@
 #include <vector>
 
 class QBoxLayout;
-class QVBoxLayout;
 class RyFloatPropertyWgt;
 class RyJointEditorTool;
 
@@ -21,14 +22,8 @@ public:
     RyJointParamPage(RyJointEditorTool *tool, QWidget *parent);
 
 protected:
-    /// A row of numbers. `name`: the object names are made from it. `spoken` goes before the label where that alone
-    /// does not say what it is.
-    struct Row
+    struct Row : RyFieldTexts
     {
-        QString label;
-        QString name;
-        QString spoken;
-        QString suffix;
         float step;
     };
 
@@ -41,8 +36,6 @@ protected:
     /// One step where the flag of the parameter or of its partner is another one, otherwise none.
     void apply(RyLegacyJointParam::Flag flag, bool on, const QString &caption);
 
-    /// A column that scrolls.
-    QVBoxLayout *makeColumn(const QString &areaName, const QString &contentsName);
     RyFloatPropertyWgt *addField(QBoxLayout *layout, const Row &row);
     /// Fills the field with the value and with the partner's one, after what it has.
     void addValue(RyFloatPropertyWgt *field, RyFloatProperty *value) const;
@@ -62,5 +55,4 @@ private:
     const RyLegacyJointParam *m_partner = nullptr; // the one shown; compared, never followed
     QMetaObject::Connection m_following;
     std::vector<RyFloatPropertyWgt *> m_allFields;
-    int m_labelWidth = 0;
 };
