@@ -127,3 +127,14 @@ QStringList bakeablePaths()
         paths.append(samples.filePath(name));
     return paths;
 }
+
+QStringList bakeablePaths(const std::function<bool(const BakedCharacter &)> &fits)
+{
+    QStringList paths;
+    for (const QString &path : bakeablePaths()) {
+        const BakedCharacter character(path);
+        if (!character.figures().empty() && fits(character))
+            paths.append(path);
+    }
+    return paths;
+}

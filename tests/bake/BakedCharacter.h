@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 class RyFigure;
 class RyNode;
 
@@ -29,5 +31,7 @@ public:
 
 /// Infinite for other counts.
 double largestWay(const std::vector<Eigen::Vector3d> &a, const std::vector<Eigen::Vector3d> &b);
-/// Characters and samples that hold figures, as paths.
+/// Characters and samples, as paths.
 QStringList bakeablePaths();
+/// Those with weight-mapped figures that have something more.
+QStringList bakeablePaths(const std::function<bool(const BakedCharacter &)> &fits);

@@ -26,7 +26,7 @@ private slots:
     {
         QTest::addColumn<QString>("path");
         QTest::addColumn<int>("pose");
-        for (const QString &path : bakeablePaths()) {
+        for (const QString &path : bakeablePaths([](const BakedCharacter &) { return true; })) {
             for (int pose = 0; pose < 5; ++pose)
                 QTest::addRow("%s %d", qPrintable(QFileInfo(path).fileName()), pose) << path << pose;
         }
@@ -36,8 +36,6 @@ private slots:
         QFETCH(QString, path);
         QFETCH(int, pose);
         BakedCharacter character(path);
-        if (character.figures().empty())
-            QSKIP("there is no weight-mapped figure in it");
         if (pose > 1)
             character.moveFigures();
         character.pose(m_random);
