@@ -1,10 +1,7 @@
 # A pose that becomes the rest: the operation, its action, and files with clips and morphs that were baked.
 if(TARGET ry_jointtools)
   ry_test(bake OFFSCREEN LIBS ry_jointtools rycore ry_evaluator SOURCES
-    ${CMAKE_SOURCE_DIR}/tests/clips/ClipComparison.cpp
-    ${CMAKE_SOURCE_DIR}/tests/clips/ClipStage.cpp
-    ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp
-    ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp
+    ${ry_clip_test_sources}
     ${CMAKE_SOURCE_DIR}/tests/morphs/MorphFile.cpp
     ${CMAKE_SOURCE_DIR}/tests/tool/RyToolScene.cpp
     ${CMAKE_SOURCE_DIR}/tests/tool/RyToolScene.h
