@@ -23,6 +23,7 @@ QVBoxLayout *makeScrollingColumn(QWidget *page, const QString &areaName, const Q
     area->setWidget(contents);
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     layout->addWidget(area);
     auto *column = new QVBoxLayout(contents);
     const int margin = RyStandardMetrics::Margin;
