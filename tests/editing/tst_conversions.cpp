@@ -9,7 +9,6 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
-#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -108,9 +107,7 @@ void ConversionsTest::thereAndBack()
         {QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"), QStringLiteral("false")},
         {QStringLiteral("ConvertPropToFigureRootBoneLEdit"), QStringLiteral("root")},
         {QStringLiteral("ConvertPropToFigure%1RBtn").arg(rigging), QStringLiteral("true")}};
-    const int points = ryRestorePoints()->count();
     QCOMPARE(stage.run("RyJEConvertPropToFigureAction", fields), QString());
-    QCOMPARE(ryRestorePoints()->count(), points); // undo takes all of it back
     auto *figure = qobject_cast<RySkeleton *>(carrier());
     QVERIFY(figure && figure->findBone(QStringLiteral("root")));
     QCOMPARE(figure->inherits("RyLegacyFigure"), rigging == QLatin1String("Legacy"));

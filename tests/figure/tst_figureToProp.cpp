@@ -1,4 +1,5 @@
 #include "FigureScene.h"
+#include "addProp.h"
 
 #include "rycore/base/RyERCLink.h"
 #include "rycore/io/RySceneDump.h"
@@ -10,6 +11,34 @@ class FigureToPropTest : public QObject
     Q_OBJECT
 
 private slots:
+    void propsThatJoinedBecomePropsAgain()
+    {
+        FigureScene scene;
+        RyBone *hip = scene.addBone("hip", scene.figure, 65535);
+        auto *mesh = new RyFacetMesh;
+        mesh->setPositions({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}});
+        mesh->setFacets({{{0, 1, 2, -1}, -1}});
+        RyFigure *joined = RyFigure::convertPropToFigure(addProp("ring", mesh, hip), "band", true, true);
+        QVERIFY(joined && joined->getAllBones().empty());
+        RyBone *band = scene.figure->findBone("band");
+        QVERIFY(band);
+        RyObject *object = joined->getObject();
+        ryUndoStack()->clearAll();
+        const QString dump = rySceneDump(*ryScene());
+        RyNode *prop = RySkeleton::convertFigureToProp(scene.figure, "statue");
+        QVERIFY(prop && !band->getScene() && !joined->getScene());
+        QVERIFY(ryScene()->getSkeletons().empty());
+        const RyNode *ring = ryScene()->findNode("ring");
+        QVERIFY(ring && ring->getObject() == object && ring->getNodeParent() == prop);
+        QVERIFY(object->getModifiers().empty());
+        QCOMPARE(ryUndoStack()->count(), 1);
+        const QString converted = rySceneDump(*ryScene());
+        ryUndoStack()->undo();
+        QCOMPARE(rySceneDump(*ryScene()), dump);
+        ryUndoStack()->redo();
+        QCOMPARE(rySceneDump(*ryScene()), converted);
+    }
+
     void becomesAPropWithTheGeometryAtRest()
     {
         FigureScene scene;

@@ -4,6 +4,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/skin/RySkinBinding.h"
+#include "rycore/undo/RyUndoStackLock.h"
 
 #include <numeric>
 
@@ -18,9 +19,10 @@ RyWeightMap *makeFullMap(const QString &name, int count)
     return map;
 }
 
-/// A skin by which one bone moves all vertices.
+/// A skin by which one bone moves all vertices. Nothing of it is recorded: it is new.
 RySkinBinding *makeSkin(RyBone *bone, int vertexCount, bool localMaps)
 {
+    const RyUndoStackLock lock;
     auto *binding = new RyBoneBinding;
     binding->setBone(bone);
     if (localMaps) {

@@ -8,6 +8,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
+#include "rycore/undo/RyUndoStackLock.h"
 
 bool RyLegacyFigure::mayJoinOuterSkeleton(const RyNode *prop)
 {
@@ -24,6 +25,8 @@ RyLegacyFigure *RyLegacyFigure::convertPropToFigure(RyNode *node, const QString 
             figure->getSelectionMap()->addPair(mesh.getFaceGroup(0)->getName(), root, false);
         auto *binding = new RyLegacyBinding;
         object->addModifier(binding);
+        // Nothing of the joint is recorded: it is new, as its bone is.
+        const RyUndoStackLock lock;
         RyLegacyJointMaker(root, RyLegacyJointMaker::Side::ByDirection).makeRoot(*binding);
     };
     return RyPropConversion::run(node, figure.get(), rootName, inherit, rig) ? figure.get() : nullptr;

@@ -6,6 +6,8 @@
 #include "rycore/scene/node/RyNodeReplacement.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <algorithm>
+
 namespace {
 
 /// The skeleton and its bones, which go, and what hangs on them and stays.
@@ -23,6 +25,28 @@ void sortNodes(RySkeleton *skeleton, std::vector<RyNode *> &going, std::vector<R
         const std::vector<RyNode *> children = node->nodeChildrenIterator();
         pending.insert(pending.end(), children.begin(), children.end());
     }
+}
+
+bool isMovedBy(const RyNode &node, const RySkeleton *skeleton)
+{
+    const std::vector<RyModifier *> modifiers =
+        node.getObject() ? node.getObject()->getModifiers() : std::vector<RyModifier *>();
+    return std::any_of(modifiers.begin(), modifiers.end(), [skeleton](const RyModifier *modifier) {
+        const std::vector<RyNode *> bones = modifier->bones();
+        return std::any_of(bones.begin(), bones.end(),
+                           [skeleton](const RyNode *bone) { return bone && bone->getSkeleton() == skeleton; });
+    });
+}
+
+/// Figures without bones of their own that this one's move: props that joined it.
+std::vector<RySkeleton *> figuresJoinedTo(const RySkeleton *skeleton, const RyScene *scene)
+{
+    std::vector<RySkeleton *> joined;
+    for (RySkeleton *other : scene ? scene->getSkeletons() : std::vector<RySkeleton *>()) {
+        if (other != skeleton && other->getAllBones().empty() && isMovedBy(*other, skeleton))
+            joined.push_back(other);
+    }
+    return joined;
 }
 
 /// The nodes, and what belongs to the modifiers of the skeleton's object.
@@ -46,6 +70,9 @@ RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &nam
     const RyRef<RySkeleton> guard(skeleton);
     RyUndoStackHold hold;
     RyScene *scene = skeleton->getScene();
+    // Without their bones they are props again.
+    for (RySkeleton *joined : figuresJoinedTo(skeleton, scene))
+        convertFigureToProp(joined, joined->getName());
     const std::vector<RyNode *> selection = RyNodeReplacement::rememberSelection(scene);
     std::vector<RyNode *> going;
     std::vector<RyNode *> staying;
