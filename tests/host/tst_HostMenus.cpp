@@ -36,14 +36,14 @@ private slots:
         QCOMPARE(titles, QStringList({"&File", "&Edit", "&View", "&Tools", "&Joint Editor", "&Scripts", "&Help"}));
     }
 
-    void editMenuEndsWithTheLibrarysActions()
+    void editMenuEndsWithTheLibrarysActionsAndPreferences()
     {
         const QList<QAction *> actions = m_window->findChild<QMenu *>(QStringLiteral("EditMenu"))->actions();
         QStringList names;
-        for (const QAction *action : actions.mid(actions.size() - 3))
-            names << action->objectName();
-        QCOMPARE(names,
-                 QStringList({"RyBindToNearestBonesAction", "RyFitZonesToBoneAction", "RySymmetricEditingAction"}));
+        for (const QAction *action : actions.mid(actions.size() - 5))
+            names << (action->isSeparator() ? QStringLiteral("-") : action->objectName());
+        QCOMPARE(names, QStringList({"RyBindToNearestBonesAction", "RyFitZonesToBoneAction", "RySymmetricEditingAction",
+                                     "-", "EditPreferences"}));
     }
 
     void theToolsMenuStandsInThreePlaces()

@@ -108,8 +108,9 @@ void RandomEdits::editOnce()
     case 4:
         return changeTree();
     case 5:
-        pickNode()->select(m_random() % 2);
-        return changeValue();
+        // Behind it: what is selected before an edit is no part of it, and may be kept without it.
+        changeValue();
+        return pickNode()->select(m_random() % 2);
     case 6:
     case 7:
     case 8:
