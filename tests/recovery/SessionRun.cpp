@@ -40,7 +40,7 @@ void SessionRun::read()
         if (line.startsWith("edit "))
             m_edits.push_back({line.split(' ').at(1).toLongLong(), line.split(' ').at(2)});
         if (line.startsWith("late "))
-            m_late = std::max(m_late, line.mid(5).toInt());
+            m_waits.push_back({line.split(' ').at(1).toLongLong(), line.split(' ').at(2).toInt()});
         if (line.startsWith("message "))
             m_messages.append(QString::fromLocal8Bit(line.mid(8)));
     }
@@ -89,12 +89,15 @@ QString SessionRun::checkRecovered(const QByteArray &hash, int limit) const
         return QStringLiteral("a state that never was, of %1 edits").arg(m_edits.size());
     for (size_t i = size_t(last) + 1; i < m_edits.size(); ++i) {
         const qint64 age = m_killed - m_edits[i].time;
-        if (age > limit + m_late)
+        qint64 late = 0;
+        for (const auto &[time, milliseconds] : m_waits)
+            late += time >= m_edits[i].time ? milliseconds : 0;
+        if (age > limit + late)
             return QStringLiteral("edit %1 of %2 is missing, which was finished %3 ms before the end (waited %4 ms)")
                 .arg(i)
                 .arg(m_edits.size())
                 .arg(age)
-                .arg(m_late);
+                .arg(late);
     }
     return {};
 }

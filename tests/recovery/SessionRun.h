@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
 /// A program that edits until it is killed, and what it told.
@@ -29,7 +30,7 @@ public:
     const std::vector<Edit> &edits() const { return m_edits; }
     const QStringList &messages() const { return m_messages; }
     /// Whether that state may be what is brought back: nothing that had been finished `limit` milliseconds before the
-    /// end is missing. Time during which the machine kept the program waiting does not count.
+    /// end is missing. Time during which the machine had no processor for the program does not count.
     QString checkRecovered(const QByteArray &hash, int limit = 1000) const;
 
 private:
@@ -43,5 +44,5 @@ private:
     std::vector<Edit> m_edits;
     QStringList m_messages;
     qint64 m_killed = 0;
-    int m_late = 0;
+    std::vector<std::pair<qint64, int>> m_waits; // when, and for how many milliseconds
 };

@@ -6,8 +6,9 @@
 //   limit=BYTES  no file may grow beyond that, as if the disk were full
 //   recover      begins with what was left; FILE is opened where there is nothing
 //
-// Each finished edit is told as "edit TIME HASH": milliseconds since 1970 and the hash of the scene's dump. "late MS"
-// says by how much the machine kept the program waiting since the last edit; "message TEXT" what a person would read.
+// Each finished edit is told as "edit TIME HASH": milliseconds since 1970 and the hash of the scene's dump. "late TIME
+// MS" says that the machine had no processor for the program for so long just before; "message TEXT" what a person
+// would read.
 #include "recovery/RandomEdits.h"
 
 #include "rycore/base/RyAppSettings.h"
@@ -27,6 +28,8 @@
 #include <QApplication>
 #include <QCryptographicHash>
 #include <QDateTime>
+#include <QDir>
+#include <QFile>
 #include <QTimer>
 
 #include <atomic>
@@ -38,26 +41,37 @@
 
 namespace {
 
-constexpr int Beat = 10; // milliseconds
+constexpr int Beat = 50; // milliseconds
 
-std::atomic<int> lateness{0};
 std::atomic<bool> isEnding{false};
-
-/// Adds up by how much a thread without any work is woken too late.
-void beat()
-{
-    using Clock = std::chrono::steady_clock;
-    while (!isEnding) {
-        const auto start = Clock::now();
-        std::this_thread::sleep_for(std::chrono::milliseconds(Beat));
-        lateness += int(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count()) - Beat;
-    }
-}
 
 void tell(const char *what, const QString &text)
 {
     std::printf("%s %s\n", what, qPrintable(text));
     std::fflush(stdout);
+}
+
+/// Milliseconds that threads of this process were ready to run and had no processor, as the system counts them.
+qint64 waited()
+{
+    qint64 nanoseconds = 0;
+    for (const QString &task : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(QStringLiteral("/proc/self/task/%1/schedstat").arg(task));
+        if (file.open(QIODevice::ReadOnly))
+            nanoseconds += file.readAll().split(' ').value(1).toLongLong();
+    }
+    return nanoseconds / 1000000;
+}
+
+void beat()
+{
+    for (qint64 told = waited(); !isEnding;) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(Beat));
+        const qint64 now = waited();
+        if (now > told)
+            tell("late", QStringLiteral("%1 %2").arg(QDateTime::currentMSecsSinceEpoch()).arg(now - told));
+        told = std::max(told, now);
+    }
 }
 
 class Artist
@@ -108,7 +122,6 @@ private:
     {
         const qint64 time = QDateTime::currentMSecsSinceEpoch(); // what is worked out below is no part of the edit
         const QByteArray hash = QCryptographicHash::hash(rySceneDump(m_scene).toUtf8(), QCryptographicHash::Sha1);
-        tell("late", QString::number(lateness.exchange(0)));
         tell("edit", QStringLiteral("%1 %2").arg(time).arg(QString::fromLatin1(hash.toHex())));
     }
 
