@@ -24,6 +24,7 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void wholeOnesOpen();
+    void oldOnesAreRefused();
     void files_data();
     void files();
 
@@ -83,6 +84,17 @@ void MutatedForeignTest::wholeOnesOpen()
         QVERIFY2(RySceneFile::open(&scene, file, &error), qPrintable(error));
         QVERIFY2(!scene.getSkeletons().empty(), qPrintable(file));
     }
+}
+
+void MutatedForeignTest::oldOnesAreRefused()
+{
+    const QString file = m_stage->write(QStringLiteral("old.fbx"), ForeignSketch::oldFbx());
+    RyScene scene;
+    QString error;
+    QVERIFY(!RySceneFile::open(&scene, file, &error));
+    QVERIFY2(error.startsWith(file) && error.contains(QStringLiteral("older")), qPrintable(error));
+    QVERIFY2(error.contains(QStringLiteral("export it as glTF 2.0")), qPrintable(error));
+    QVERIFY(scene.getNodes().empty());
 }
 
 void MutatedForeignTest::files_data()
