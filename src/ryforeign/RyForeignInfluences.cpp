@@ -28,34 +28,48 @@ RyForeignInfluences::RyForeignInfluences(const aiMesh &mesh, const std::vector<i
     normalize();
 }
 
+/// Few stand side by side, and mostly in order.
+template<typename Less>
+static void sortFew(RyForeignInfluences::Influence *first, RyForeignInfluences::Influence *end, const Less &less)
+{
+    for (auto *at = first; at < end; ++at) {
+        const RyForeignInfluences::Influence moved = *at;
+        auto *to = at;
+        for (; to > first && less(moved, to[-1]); --to)
+            *to = to[-1];
+        *to = moved;
+    }
+}
+
 void RyForeignInfluences::normalize()
 {
     for (size_t vertex = 0; vertex < m_count.size(); ++vertex) {
         Influence *first = m_all.data() + m_first[vertex];
+        if (m_count[vertex] == 0)
+            continue;
         Influence *end = first + m_count[vertex];
-        std::sort(first, end, [](const Influence &a, const Influence &b) { return a.joint < b.joint; });
+        sortFew(first, end, [](const Influence &a, const Influence &b) { return a.joint < b.joint; });
         Influence *last = first;
-        for (Influence *at = first; at != end; ++at) { // what is said twice counts together
-            if (at != first && at->joint == last->joint)
+        for (Influence *at = first + 1; at < end; ++at) { // what is said twice counts together
+            if (at->joint == last->joint)
                 last->weight += at->weight;
             else
-                *(at == first ? last : ++last) = *at;
+                *++last = *at;
         }
-        end = first == end ? end : last + 1;
+        end = last + 1;
         m_count[vertex] = unsigned(end - first);
         m_most = std::max(m_most, m_count[vertex]);
-        std::sort(first, end, [](const Influence &a, const Influence &b) {
+        sortFew(first, end, [](const Influence &a, const Influence &b) {
             return a.weight != b.weight ? a.weight > b.weight : a.joint < b.joint;
         });
         double sum = 0.0;
-        for (const Influence *at = first; at != end; ++at)
+        for (const Influence *at = first; at < end; ++at)
             sum += double(at->weight);
         double others = 0.0;
-        for (Influence *at = first; at != end; ++at) {
+        for (Influence *at = first + 1; at < end; ++at) {
             at->weight = float(double(at->weight) / sum);
-            others += at == first ? 0.0 : double(at->weight);
+            others += double(at->weight);
         }
-        if (first != end)
-            first->weight = float(1.0 - others);
+        first->weight = float(1.0 - others);
     }
 }

@@ -75,7 +75,7 @@ Extent extentOf(const RyForeignInput &input, const RyForeignTree &tree, const Ry
                 input.kind == RyForeignInput::Collada && joint >= 0
                     ? ryForeignMap(mesh.mBones[0]->mOffsetMatrix) * tree.nodes[size_t(joint)].world * top
                     : map;
-            const unsigned step = 1 + mesh.mNumVertices / 100000; // a sample is enough for a height
+            const unsigned step = 1 + mesh.mNumVertices / 10000; // a sample is enough for a height
             for (unsigned v = 0; mesh.mNumBones > 0 && v < mesh.mNumVertices; v += step) {
                 const double from[3] = {mesh.mVertices[v].x, mesh.mVertices[v].y, mesh.mVertices[v].z};
                 double at[3];
