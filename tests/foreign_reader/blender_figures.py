@@ -208,6 +208,9 @@ def make(sample, folder):
     morph = mesh.shape_key_add(name="Wide")
     for point in morph.data:
         point.co.x *= 1.25
+    for frame, value in ((scene.frame_start, 0.0), (scene.frame_end, 1.0)):
+        morph.value = value
+        morph.keyframe_insert("value", frame=frame)
     ways = {
         "cm_leaves": {"add_leaf_bones": True},
         "cm_plain": {"add_leaf_bones": False},

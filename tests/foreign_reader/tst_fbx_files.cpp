@@ -1,3 +1,4 @@
+#include "evaluator/GltfFileReader.h"
 #include "foreign_reader/ConvertedFile.h"
 #include "io/CharacterScene.h"
 #include "rycore/io/RySceneDump.h"
@@ -13,9 +14,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include <assimp/Importer.hpp>
+#include <assimp/scene.h>
+
 #include <QFile>
 
 #include <cstring>
+#include <set>
 
 /// FBX files: whole characters, and the same with bytes of them changed.
 class FbxFilesTest : public QObject
@@ -27,6 +32,7 @@ private slots:
     void cleanup() { ryUndoStack()->clearAll(); }
     void character_data();
     void character();
+    void surfaceStays();
     void polygonsStay();
     void bonesThatNoClusterNames();
     void morphStartsWhereTheFileSays();
@@ -61,8 +67,10 @@ void FbxFilesTest::character_data()
     QTest::addColumn<int>("clips");
     QTest::addColumn<QString>("figure");
     QTest::addColumn<float>("height");
-    QTest::newRow("arnaud.fbx") << 53 << 5 << 0 << QStringLiteral("Hips") << 184.8f;
-    QTest::newRow("foreign/mh_clip_morph.fbx") << 31 << 7 << 1 << QStringLiteral("Rig") << 167.0f;
+    QTest::addColumn<QString>("posedBones");
+    QTest::newRow("arnaud.fbx") << 53 << 5 << 0 << QStringLiteral("Hips") << 184.8f << QString();
+    QTest::newRow("foreign/mh_clip_morph.fbx") << 31 << 7 << 1 << QStringLiteral("Rig") << 167.0f
+                                               << QStringLiteral("LeftArm LeftForeArm Head RightArm RightForeArm");
 }
 
 void FbxFilesTest::character()
@@ -80,9 +88,46 @@ void FbxFilesTest::character()
     QCOMPARE(file.character->bones().front()->getSkeleton()->getName(), figure);
     QVERIFY2(std::abs(file.character->height - double(height)) < 5.0,
              qPrintable(QString::number(file.character->height)));
+    // What single precision leaves is no pose.
+    QStringList posed;
+    for (const RyBone *bone : file.character->bones()) {
+        if (bone->isPosed())
+            posed.append(bone->getName());
+    }
+    QFETCH(QString, posedBones);
+    QCOMPARE(posed.join(QLatin1Char(' ')), posedBones);
     QCOMPARE(file.character->messages, QStringList());
     const RyValidation validation = ryValidate(file.glb);
     QVERIFY2(validation.errors == 0, qPrintable(validation.report));
+}
+
+/// Normals, texture coordinates counted from above, colours and the material.
+void FbxFilesTest::surfaceStays()
+{
+    const ConvertedFile file(ryModel(QStringLiteral("arnaud.fbx")));
+    QVERIFY2(file.character, qPrintable(file.reason));
+    const nlohmann::json &tree = file.character->file.tree();
+    const nlohmann::json &primitive = tree["meshes"][0]["primitives"][0];
+    QStringList names;
+    for (const auto &[name, accessor] : primitive["attributes"].items())
+        names.append(QString::fromStdString(name));
+    QCOMPARE(names.join(QLatin1Char(' ')),
+             QStringLiteral("COLOR_0 JOINTS_0 JOINTS_1 NORMAL POSITION TEXCOORD_0 WEIGHTS_0 WEIGHTS_1"));
+    QCOMPARE(tree["materials"][primitive["material"].get<size_t>()]["name"].get<std::string>(),
+             std::string("lambert2"));
+    const std::vector<double> uvs =
+        file.character->file.accessorValues(primitive["attributes"]["TEXCOORD_0"].get<int>()).values;
+    // As the importers' library gives them, v turned: corner by corner, since joined ones have the same.
+    Assimp::Importer importer;
+    const aiScene *peer = importer.ReadFile(QFile::encodeName(ryModel(QStringLiteral("arnaud.fbx"))).constData(), 0);
+    std::set<std::pair<double, double>> expected, found;
+    for (unsigned corner = 0; corner < peer->mMeshes[0]->mNumVertices; ++corner) {
+        const aiVector3D &uv = peer->mMeshes[0]->mTextureCoords[0][corner];
+        expected.emplace(double(uv.x), double(1.0f - uv.y));
+    }
+    for (size_t i = 0; i < uvs.size(); i += 2)
+        found.emplace(uvs[i], uvs[i + 1]);
+    QVERIFY(found == expected);
 }
 
 void FbxFilesTest::polygonsStay()
