@@ -15,11 +15,20 @@
 
 #include <algorithm>
 #include <csignal>
+#include <ctime>
 
 namespace {
 
 constexpr int RetryPause = 100; // while something is in the middle of being edited
-constexpr double PausePerBlock = 4.0;
+constexpr double PausePerCost = 4.0;
+
+/// Milliseconds of this thread: what other programs do meanwhile shall not make snapshots rarer.
+double processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return 1e3 * double(time.tv_sec) + 1e-6 * double(time.tv_nsec);
+}
 
 } // namespace
 
@@ -60,7 +69,7 @@ void Autosave::adopt(std::unique_ptr<RecoverySession> session)
 void Autosave::noteChange()
 {
     // An edit that takes long may begin here, and a crash within it shall not cost what was done before.
-    const bool isSoon = m_sinceTake.isValid() && double(m_sinceTake.elapsed()) < PausePerBlock * m_latestBlock;
+    const bool isSoon = m_sinceTake.isValid() && double(m_sinceTake.elapsed()) < PausePerCost * m_cost;
     if (m_isPending && m_isSettled && isIdle() && !isSoon && !m_writer.isFull())
         take();
     m_isSettled = false;
@@ -95,7 +104,7 @@ bool Autosave::isIdle() const
 
 int Autosave::pause() const
 {
-    return std::clamp(int(PausePerBlock * m_latestBlock), Pause, LongestPause);
+    return std::clamp(int(PausePerCost * m_cost), Pause, LongestPause);
 }
 
 void Autosave::takeWhenDue()
@@ -120,8 +129,7 @@ void Autosave::take()
 {
     if (!isEdited() || !AutosaveSettings::global().isOn())
         return;
-    QElapsedTimer block;
-    block.start();
+    const double start = processorTime();
     m_timer.stop();
     m_isPending = false;
     QString error;
@@ -133,7 +141,7 @@ void Autosave::take()
         m_writer.write(std::move(parts), AutosaveSettings::global().folders());
         m_isKept = true;
     }
-    m_latestBlock = double(block.nsecsElapsed()) / 1e6;
+    m_cost = processorTime() - start;
     m_sinceTake.start();
     if (!snapshot)
         noteWritten(QString(), error);

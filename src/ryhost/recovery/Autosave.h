@@ -22,8 +22,6 @@ public:
 
     /// Goes on with what was recovered, which stays where it is until there is something newer.
     void adopt(std::unique_ptr<RecoverySession> session);
-    /// Milliseconds that the latest snapshot kept everything else waiting.
-    double latestBlock() const { return m_latestBlock; }
     /// Whether all that was edited is on the disk.
     bool isUpToDate() const { return !m_isPending && !m_writer.isBusy(); }
 
@@ -57,6 +55,6 @@ private:
     bool m_isSettled = false;  // and nothing is in the middle of changing
     bool m_isOfAction = false; // an action that still runs changed something
     bool m_isKept = false;     // there may be a snapshot on the disk
-    double m_latestBlock = 0.0;
-    QString m_problem; // the latest that was told
+    double m_cost = 0.0;       // of the latest snapshot, in milliseconds of the processor
+    QString m_problem;         // the latest that was told
 };
