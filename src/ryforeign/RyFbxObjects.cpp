@@ -2,8 +2,37 @@
 
 #include <QFile>
 
+#include <algorithm>
+#include <climits>
 #include <cmath>
 #include <cstring>
+
+namespace {
+
+/// Of letters and digits; empty where all of that length are taken.
+QByteArray freeName(int length, const QSet<QByteArray> &taken)
+{
+    static const QByteArray digits = "0123456789abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    QByteArray name(length, digits[0]);
+    for (qint64 number = taken.size(); length > 0 && number <= 2 * qint64(taken.size()) + digits.size(); ++number) {
+        qint64 rest = number;
+        for (int i = length; i-- > 0; rest /= digits.size())
+            name[i] = digits[int(rest % digits.size())];
+        if (rest == 0 && !taken.contains(name))
+            return name;
+    }
+    // Short names: from the start.
+    for (qint64 number = 0; length > 0 && length < 3 && number < qint64(digits.size()) * digits.size(); ++number) {
+        name[length - 1] = digits[int(number % digits.size())];
+        if (length == 2)
+            name[0] = digits[int(number / digits.size())];
+        if (!taken.contains(name))
+            return name;
+    }
+    return {};
+}
+
+} // namespace
 
 RyFbxObjects::RyFbxObjects(const QString &path)
 {
@@ -14,8 +43,15 @@ RyFbxObjects::RyFbxObjects(const QString &path)
         return;
     m_size = file.size();
     m_bytes = file.map(0, m_size);
-    if (!m_bytes || std::memcmp(m_bytes, "Kaydara FBX Binary  ", 20) != 0)
+    if (!m_bytes)
         return;
+    isText = std::memcmp(m_bytes, "Kaydara FBX Binary  ", 20) != 0;
+    if (isText) {
+        readText();
+        tellApart();
+        m_bytes = nullptr;
+        return;
+    }
     m_isWide = valueAt<quint32>(23) >= firstWide;
     forRecords(header, m_size, [this](const Record &top) {
         if (top.name == "Objects")
@@ -23,11 +59,8 @@ RyFbxObjects::RyFbxObjects(const QString &path)
         else if (top.name == "Connections")
             forRecords(top.childrenAt, top.end, [this](const Record &record) { readConnection(record); });
     });
-    for (auto shape = m_channelOf.cbegin(); shape != m_channelOf.cend(); ++shape) {
-        const double value = m_channels.value(shape.value(), 0.0) / 100.0;
-        if (m_shapes.contains(shape.key()) && std::isfinite(value) && value != 0.0)
-            morphs.insert(m_shapes.value(shape.key()), value);
-    }
+    tellApart();
+    findChannels();
     m_bytes = nullptr;
 }
 
@@ -125,19 +158,102 @@ void RyFbxObjects::readObject(const Record &record)
     if (idAt < 0 || valueAt<char>(idAt) != 'L')
         return;
     const auto id = valueAt<qint64>(idAt + 1);
-    const QByteArray whole = textProperty(record, 1); // a name, two bytes and a class
-    const QString name = QString::fromUtf8(whole.left(whole.indexOf('\0')));
     const QByteArray kind = textProperty(record, 2);
-    // "Root" is the place of a whole skeleton, often at the same point as its first limb.
-    if (record.name == "Model" && (kind == "LimbNode" || kind == "Limb")) {
-        limbs.insert(name);
-    } else if (record.name == "Geometry" && kind == "Shape") {
-        m_shapes.insert(id, name);
+    if (record.name == "Model") {
+        readModel(record, id);
+    } else if (record.name == "Geometry") {
+        (kind == "Shape" ? m_shapes : m_geometries).insert(id, {});
+    } else if (record.name == "Deformer" && kind == "BlendShape") {
+        m_deformers.insert(id, {});
     } else if (record.name == "Deformer" && kind == "BlendShapeChannel") {
-        forRecords(record.childrenAt, record.end, [this, id](const Record &below) {
+        double value = 0.0;
+        forRecords(record.childrenAt, record.end, [this, &value](const Record &below) {
             if (below.name == "DeformPercent")
-                m_channels.insert(id, numberProperty(below, 0));
+                value = numberProperty(below, 0) / 100.0;
         });
+        m_channels.insert(id, {std::isfinite(value) ? value : 0.0, 0});
+    }
+}
+
+void RyFbxObjects::readModel(const Record &record, qint64 id)
+{
+    const QByteArray whole = textProperty(record, 1); // a name, two bytes and a class
+    const QByteArray kind = textProperty(record, 2);
+    Model model;
+    model.id = id;
+    model.nameAt = findProperty(record, 1) + 5;
+    model.name = whole.left(whole.indexOf('\0'));
+    // "Root" is the place of a whole skeleton, often at the same point as its first limb.
+    model.isLimb = kind == "LimbNode" || kind == "Limb";
+    m_models.push_back(model);
+}
+
+/// Of lines like  Model: 12, "Model::Hips", "LimbNode" {
+void RyFbxObjects::readText()
+{
+    const QByteArray text =
+        QByteArray::fromRawData(reinterpret_cast<const char *>(m_bytes), int(std::min<qint64>(m_size, INT_MAX)));
+    const QByteArray before("\"Model::");
+    for (int at = text.indexOf(before); at >= 0; at = text.indexOf(before, at + 1)) {
+        const int line = text.lastIndexOf('\n', at) + 1;
+        const int nameAt = at + before.size();
+        const int end = text.indexOf('"', nameAt);
+        if (end < 0 || !text.mid(line, at - line).trimmed().startsWith("Model:"))
+            continue;
+        Model model;
+        model.nameAt = nameAt;
+        model.name = text.mid(nameAt, end - nameAt);
+        m_models.push_back(model);
+    }
+}
+
+/// The importers' library would take what is said of the second of two nodes for the first.
+void RyFbxObjects::tellApart()
+{
+    QSet<QByteArray> taken, seen;
+    for (const Model &model : m_models)
+        taken.insert(model.name);
+    for (Model &model : m_models) {
+        const QByteArray own = model.name;
+        if (!seen.contains(own)) {
+            seen.insert(own);
+        } else if (const QByteArray free = freeName(own.size(), taken); !free.isEmpty()) {
+            taken.insert(free);
+            nameOf.insert(QString::fromLatin1(free), QString::fromUtf8(own));
+            renamings.push_back({model.nameAt, free});
+            model.name = free;
+        } else if (!own.isEmpty()) {
+            ambiguous.append(QString::fromUtf8(own));
+        }
+        if (model.isLimb)
+            limbs.insert(QString::fromUtf8(model.name));
+    }
+}
+
+std::vector<qint64> RyFbxObjects::below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const
+{
+    std::vector<qint64> found;
+    for (const qint64 each : m_below.value(id)) {
+        if (kind.contains(each))
+            found.push_back(each);
+    }
+    return found;
+}
+
+void RyFbxObjects::findChannels()
+{
+    for (const Model &model : m_models) {
+        std::vector<RyForeignInput::Channels> geometries;
+        for (const qint64 geometry : below(model.id, m_geometries)) {
+            geometries.emplace_back();
+            for (const qint64 deformer : below(geometry, m_deformers)) {
+                for (const qint64 channel : below(deformer, m_channels))
+                    geometries.back().push_back(
+                        {m_channels.value(channel).value, int(below(channel, m_shapes).size())});
+            }
+        }
+        if (!geometries.empty())
+            channelsOf.insert(QString::fromUtf8(model.name), geometries);
     }
 }
 
@@ -148,6 +264,6 @@ void RyFbxObjects::readConnection(const Record &record)
     if (textProperty(record, 0) != "OO" || from < 0 || to < 0)
         return;
     const auto id = valueAt<qint64>(from + 1);
-    if (m_shapes.contains(id))
-        m_channelOf.insert(id, valueAt<qint64>(to + 1));
+    if (m_geometries.contains(id) || m_deformers.contains(id) || m_channels.contains(id) || m_shapes.contains(id))
+        m_below[valueAt<qint64>(to + 1)].push_back(id);
 }

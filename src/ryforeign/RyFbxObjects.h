@@ -1,19 +1,28 @@
 #pragma once
 
-#include <QHash>
-#include <QSet>
-#include <QString>
+#include "ryforeign/RyForeignInput.h"
 
-/// What a binary FBX file says of its objects and the importers' library does not pass on: which nodes are limbs of a
-/// skeleton, and how far its morphs are shown.
+/// What an FBX file says of its objects and the importers' library does not pass on: which nodes are limbs of a
+/// skeleton, how far its morphs are shown, and which nodes have the name of another.
 class RyFbxObjects
 {
 public:
-    /// As far as the file is whole; of an FBX file in text form nothing.
+    /// As far as the file is whole; of an FBX file in text form the names alone.
     explicit RyFbxObjects(const QString &path);
 
-    QSet<QString> limbs;           // names of nodes
-    QHash<QString, double> morphs; // values by names of shapes, where they are not 0
+    /// A name that stands in the way of another node's, for the importers' library a different one of the same length.
+    struct Renaming
+    {
+        qint64 at = 0; // in the file
+        QByteArray name;
+    };
+
+    bool isText = false;
+    QSet<QString> limbs;                                              // names of nodes, as they are after renaming
+    QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
+    std::vector<Renaming> renamings;
+    QHash<QString, QString> nameOf; // the file's own, where nodes are renamed
+    QStringList ambiguous;          // names that could not be told apart
 
 private:
     /// A record: a name, properties, records below it.
@@ -34,13 +43,26 @@ private:
     qint64 findProperty(const Record &record, int number) const;
     template<typename T>
     T valueAt(qint64 at) const;
+    void readText();
     void readObject(const Record &record);
+    void readModel(const Record &record, qint64 id);
+    void tellApart();
+    void findChannels();
+    std::vector<qint64> below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const;
     void readConnection(const Record &record);
 
     const uchar *m_bytes = nullptr;
     qint64 m_size = 0;
-    bool m_isWide = false;             // counts of eight bytes
-    QHash<qint64, QString> m_shapes;   // names by ids
-    QHash<qint64, double> m_channels;  // values by ids
-    QHash<qint64, qint64> m_channelOf; // of shapes, by ids
+    bool m_isWide = false; // counts of eight bytes
+    /// A node as it stands in the file.
+    struct Model
+    {
+        qint64 id = 0;
+        qint64 nameAt = 0;
+        QByteArray name;
+        bool isLimb = false;
+    };
+    std::vector<Model> m_models;
+    QHash<qint64, RyForeignInput::Channel> m_geometries, m_deformers, m_channels, m_shapes; // by ids
+    QHash<qint64, std::vector<qint64>> m_below; // what is connected to an object, in the order of the file
 };

@@ -1,5 +1,6 @@
 #include "ryforeign/RyForeignBinds.h"
 
+#include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "ryforeign/RyForeignText.h"
 
 #include <assimp/scene.h>
@@ -17,7 +18,8 @@ constexpr double samePlace = 1e-4;
 } // namespace
 
 RyForeignBinds::RyForeignBinds(const RyForeignInput &input, const RyForeignTree &tree)
-    : m_input(input), m_tree(tree), m_binds(tree.nodes.size()), m_isSaid(tree.nodes.size(), false)
+    : m_input(input), m_tree(tree), m_binds(tree.nodes.size()), m_isSaid(tree.nodes.size(), false),
+      m_holdsJoint(tree.nodes.size(), false)
 {
     for (const RyForeignTree::Node &node : tree.nodes) {
         m_meshToWorld.push_back(node.world);
@@ -25,6 +27,11 @@ RyForeignBinds::RyForeignBinds(const RyForeignInput &input, const RyForeignTree 
             m_reach = std::max(m_reach, std::abs(node.world.m[3][axis] - tree.nodes.front().world.m[3][axis]));
     }
     readBones();
+    for (size_t i = m_holdsJoint.size(); i-- > 0;) {
+        m_holdsJoint[i] = m_holdsJoint[i] || tree.nodes[i].isJoint;
+        if (tree.nodes[i].parent >= 0 && m_holdsJoint[i])
+            m_holdsJoint[size_t(tree.nodes[i].parent)] = true;
+    }
     // Parents stand before their children. Numbers that differ from how the node stands by nothing but noise are no
     // pose: all bones of a figure would be posed by next to nothing.
     for (size_t i = 0; i < m_binds.size(); ++i) {
@@ -32,7 +39,26 @@ RyForeignBinds::RyForeignBinds(const RyForeignInput &input, const RyForeignTree 
         const RyAffine standing = node.parent < 0 ? node.world : node.local * m_binds[size_t(node.parent)];
         if (!m_isSaid[i] || isNear(m_binds[i], standing, noise))
             m_binds[i] = standing;
+        RyAffine unused;
+        if (!m_binds[i].invert(unused))
+            m_binds[i] = withoutScale(i);
     }
+}
+
+/// Where a node would stand if it were not scaled to nothing: nothing can be bound there. Those above are repaired.
+RyAffine RyForeignBinds::withoutScale(size_t node) const
+{
+    const RyForeignTree::Node &entry = m_tree.nodes[node];
+    const RyAffine above = entry.parent < 0 ? RyAffine() : m_binds[size_t(entry.parent)];
+    bool isExact = true;
+    RyGltfTransform transform =
+        ryGltfTransformOf(entry.parent < 0 ? entry.world : entry.local, {1.0, 1.0, 1.0}, &isExact);
+    transform.scale = {1.0, 1.0, 1.0};
+    if (!std::all_of(transform.rotation.begin(), transform.rotation.end(), [](double q) { return std::isfinite(q); }))
+        transform.rotation = {0.0, 0.0, 0.0, 1.0};
+    if (m_holdsJoint[node])
+        m_input.say(QStringLiteral("\"%1\" is scaled to nothing; it rests without that scale").arg(entry.name));
+    return transform.toAffine() * above;
 }
 
 bool RyForeignBinds::isNear(const RyAffine &a, const RyAffine &b, double tolerance) const

@@ -24,6 +24,7 @@ private:
     template<typename Work>
     void forBonesOf(size_t node, const Work &work) const;
     void readBones();
+    RyAffine withoutScale(size_t node) const;
     void placeByAnchor(size_t node);
 
     const RyForeignInput &m_input;
@@ -31,5 +32,6 @@ private:
     std::vector<RyAffine> m_binds;       // per node
     std::vector<RyAffine> m_meshToWorld; // per node
     std::vector<bool> m_isSaid;
-    double m_reach = 0.0; // how far nodes stand apart
+    std::vector<bool> m_holdsJoint; // itself or below it
+    double m_reach = 0.0;           // how far nodes stand apart
 };

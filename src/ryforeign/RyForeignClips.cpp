@@ -1,7 +1,7 @@
 #include "ryforeign/RyForeignClips.h"
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
-#include "ryforeign/RyForeignMorphs.h"
+#include "ryforeign/RyForeignMorphPlan.h"
 #include "ryforeign/RyForeignText.h"
 
 #include <nlohmann/json.hpp>
@@ -10,15 +10,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
-/// The library calls what a morph's clip drives after its node and, behind a star, the number of its mesh.
-aiString nodeNameOf(const aiMeshMorphAnim &channel)
+/// The library calls what a morph's clip drives after its node and, behind a star, the number of its geometry.
+std::pair<aiString, unsigned> targetOf(const aiMeshMorphAnim &channel)
 {
     const std::string name(channel.mName.data, channel.mName.length);
     const size_t star = name.rfind('*');
-    return aiString(star == std::string::npos ? name : name.substr(0, star));
+    if (star == std::string::npos)
+        return {aiString(name), 0};
+    return {aiString(name.substr(0, star)), unsigned(std::strtoul(name.c_str() + star + 1, nullptr, 10))};
 }
 
 double firstTime(const aiAnimation &clip)
@@ -62,6 +65,17 @@ bool RyForeignClips::Keys::isConstant() const
     return true;
 }
 
+float RyForeignClips::Keys::at(float time) const
+{
+    const size_t next = size_t(std::upper_bound(times.begin(), times.end(), time) - times.begin());
+    if (next == 0)
+        return values.front();
+    if (next == times.size())
+        return values.back();
+    const float part = (time - times[next - 1]) / (times[next] - times[next - 1]);
+    return values[next - 1] + part * (values[next] - values[next - 1]);
+}
+
 std::vector<bool> RyForeignClips::drivenNodes(const RyForeignInput &input, const RyForeignTree &tree)
 {
     std::vector<bool> isDriven(tree.nodes.size(), false);
@@ -93,6 +107,8 @@ void RyForeignClips::writeClip(const aiAnimation &clip, int number)
     m_ticks = clip.mTicksPerSecond > 0.0 && std::isfinite(clip.mTicksPerSecond) ? clip.mTicksPerSecond : 25.0;
     m_start = firstTime(clip) / m_ticks; // the format knows no time before 0
     m_times.clear();
+    m_morphs.clear();
+    m_driven.clear();
     QString name = ryForeignText(clip.mName);
     if (name.isEmpty())
         name = QStringLiteral("Clip %1").arg(number + 1);
@@ -101,7 +117,9 @@ void RyForeignClips::writeClip(const aiAnimation &clip, int number)
     for (unsigned c = 0; c < clip.mNumChannels; ++c)
         writeNode(*clip.mChannels[c]);
     for (unsigned c = 0; c < clip.mNumMorphMeshChannels; ++c)
-        writeMorphs(*clip.mMorphMeshChannels[c]);
+        readMorphs(*clip.mMorphMeshChannels[c]);
+    for (const auto &[place, curves] : m_morphs)
+        writeMorphs(place, curves);
     m_clip = nullptr;
     if (entry["channels"].empty()) {
         m_input.say(QStringLiteral("The clip \"%1\" drives nothing and is left out").arg(name));
@@ -139,42 +157,50 @@ void RyForeignClips::writeNode(const aiNodeAnim &channel)
     addChannel(node, "scale", std::move(scales));
 }
 
-void RyForeignClips::writeMorphs(const aiMeshMorphAnim &channel)
+/// A key names the morphs only that have one at its time, so that each morph gets a curve of its own.
+void RyForeignClips::readMorphs(const aiMeshMorphAnim &channel)
 {
-    const int place = m_tree.find(nodeNameOf(channel));
-    const int node = place < 0 ? -1 : m_nodeOf[size_t(place)];
-    const aiNode *source = place < 0 ? nullptr : m_tree.nodes[size_t(place)].source;
-    if (node < 0 || source->mNumMeshes == 0) {
+    const auto [name, geometry] = targetOf(channel);
+    const int place = m_tree.find(name);
+    if (place < 0 || m_shownBy[size_t(place)] < 0) {
         m_unknown.append(ryForeignText(channel.mName));
         return;
     }
-    const aiMesh &mesh = *m_input.scene->mMeshes[source->mMeshes[0]];
-    const QStringList names = RyForeignMorphs::namesOf(m_input, *source);
-    if (names.isEmpty())
+    const RyForeignMorphPlan plan(m_input, *m_tree.nodes[size_t(place)].source);
+    if (plan.morphs.empty())
         return;
-    Keys keys{int(names.size()), {}, {}};
+    std::vector<Keys> &curves = m_morphs[place];
+    curves.resize(plan.morphs.size(), Keys{1, {}, {}});
     for (unsigned k = 0; k < channel.mNumKeys; ++k) {
         const aiMeshMorphKey &key = channel.mKeys[k];
-        const double time = seconds(key.mTime);
-        if (!std::isfinite(time) || (!keys.times.empty() && !(float(time) > keys.times.back())))
-            continue;
-        keys.times.push_back(float(time));
-        const size_t first = keys.values.size();
-        keys.values.resize(first + size_t(names.size()), 0.0f);
         for (unsigned i = 0; i < key.mNumValuesAndWeights; ++i) {
-            if (key.mValues[i] >= mesh.mNumAnimMeshes || !std::isfinite(key.mWeights[i]))
-                continue;
-            keys.values[first + size_t(names.indexOf(RyForeignMorphs::nameOf(mesh, key.mValues[i])))] =
-                float(key.mWeights[i]);
+            if (const int morph = plan.morphOf(geometry, key.mValues[i]); morph >= 0)
+                curves[size_t(morph)].add(seconds(key.mTime), {key.mWeights[i]});
         }
     }
-    addChannel(node, "weights", std::move(keys));
+}
+
+/// All morphs of a mesh are one channel: at all times at which one of them has a key.
+void RyForeignClips::writeMorphs(int place, const std::vector<Keys> &curves)
+{
+    const RyForeignMorphPlan plan(m_input, *m_tree.nodes[size_t(place)].source);
+    std::set<float> times;
+    for (const Keys &curve : curves)
+        times.insert(curve.times.begin(), curve.times.end());
+    Keys keys{int(curves.size()), {times.begin(), times.end()}, {}};
+    for (const float time : keys.times) {
+        for (size_t morph = 0; morph < curves.size(); ++morph)
+            keys.values.push_back(curves[morph].times.empty() ? float(plan.morphs[morph].value)
+                                                              : curves[morph].at(time));
+    }
+    addChannel(m_shownBy[size_t(place)], "weights", std::move(keys));
 }
 
 /// Numbers that stay the same need two keys, or one, however many the library made.
 void RyForeignClips::addChannel(int node, const char *path, Keys keys)
 {
-    if (keys.times.empty())
+    // The format wants one channel for what is driven.
+    if (keys.times.empty() || !m_driven.emplace(node, path).second)
         return;
     if (keys.times.size() > 2 && keys.isConstant()) {
         keys.times = {keys.times.front(), keys.times.back()};

@@ -6,6 +6,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <map>
+#include <set>
 
 struct aiAnimation;
 struct aiMeshMorphAnim;
@@ -16,10 +17,10 @@ class RyGltfDocument;
 class RyForeignClips
 {
 public:
-    /// `nodeOf`: nodes of the document by those of the tree, -1 for none.
+    /// Of the document by those of the tree, -1 for none: `nodeOf` nodes, `shownBy` nodes that show their meshes.
     RyForeignClips(const RyForeignInput &input, const RyForeignTree &tree, const std::vector<int> &nodeOf,
-                   RyGltfDocument &document)
-        : m_input(input), m_tree(tree), m_nodeOf(nodeOf), m_document(document)
+                   const std::vector<int> &shownBy, RyGltfDocument &document)
+        : m_input(input), m_tree(tree), m_nodeOf(nodeOf), m_shownBy(shownBy), m_document(document)
     {}
 
     void write();
@@ -37,11 +38,14 @@ private:
         std::vector<float> values;
         void add(double time, std::initializer_list<double> numbers);
         bool isConstant() const;
+        /// Of keys with one number each: on the straight line between two, before the first and after the last theirs.
+        float at(float time) const;
     };
 
     void writeClip(const aiAnimation &clip, int number);
     void writeNode(const aiNodeAnim &channel);
-    void writeMorphs(const aiMeshMorphAnim &channel);
+    void readMorphs(const aiMeshMorphAnim &channel);
+    void writeMorphs(int place, const std::vector<Keys> &curves);
     void addChannel(int node, const char *path, Keys keys);
     double seconds(double ticks) const { return ticks / m_ticks - m_start; }
     int timesAccessor(const std::vector<float> &times);
@@ -49,10 +53,13 @@ private:
     const RyForeignInput &m_input;
     const RyForeignTree &m_tree;
     const std::vector<int> &m_nodeOf;
+    const std::vector<int> &m_shownBy;
     RyGltfDocument &m_document;
     double m_ticks = 1.0; // a second, of the clip at hand
     double m_start = 0.0; // seconds that it begins before 0
     Json *m_clip = nullptr;
-    std::map<std::vector<float>, int> m_times; // accessors, of the clip at hand
-    QStringList m_unknown;                     // what is driven and is not there
+    std::map<int, std::vector<Keys>> m_morphs; // of the clip at hand: by nodes of the tree, of each of their morphs
+    std::set<std::pair<int, std::string>> m_driven; // of the clip at hand: nodes of the document and what of them
+    std::map<std::vector<float>, int> m_times;      // accessors, of the clip at hand
+    QStringList m_unknown;                          // what is driven and is not there
 };

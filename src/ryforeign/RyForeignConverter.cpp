@@ -19,7 +19,7 @@
 
 RyForeignConverter::RyForeignConverter(const RyForeignInput &input, const RyForeignTree &tree, const RyAffine &top)
     : m_input(input), m_tree(tree), m_top(top), m_binds(input, tree), m_document(RyGltfDocument::create()),
-      m_nodeOf(tree.nodes.size(), -1), m_figures(tree.nodes.size())
+      m_nodeOf(tree.nodes.size(), -1), m_shownBy(tree.nodes.size(), -1), m_figures(tree.nodes.size())
 {
     std::iota(m_figures.begin(), m_figures.end(), 0);
 }
@@ -33,7 +33,7 @@ std::unique_ptr<RyGltfDocument> RyForeignConverter::convert(const std::function<
     if (!addMeshes(progress))
         return nullptr;
     addSkeletonsWithoutMesh();
-    RyForeignClips(m_input, m_tree, m_nodeOf, *m_document).write();
+    RyForeignClips(m_input, m_tree, m_nodeOf, m_shownBy, *m_document).write();
     noteRest();
     using RyExtrasJson::Json;
     RyExtrasJson::store(m_document->json(), Json{{"version", RyExtrasJson::Version}, {"unit", 100.0}});
@@ -140,7 +140,8 @@ void RyForeignConverter::addMesh(int node, RyForeignMeshWriter &writer)
     if (skin == m_skins.end() && known != m_meshes.end()) {
         mesh = known->second;
     } else {
-        const QString own = ryForeignText(m_input.scene->mMeshes[source.mMeshes[0]]->mName);
+        const QString called = ryForeignText(m_input.scene->mMeshes[source.mMeshes[0]]->mName);
+        const QString own = m_input.nameOf.value(called, called); // a mesh without a name has its node's
         mesh = writer.write(source, own.isEmpty() ? entry.name : own,
                             skin == m_skins.end() ? nullptr : skin->second.get());
         if (skin == m_skins.end())
@@ -152,6 +153,7 @@ void RyForeignConverter::addMesh(int node, RyForeignMeshWriter &writer)
     int showing = m_nodeOf[size_t(node)];
     if (entry.isJoint)
         showing = addNode(entry.name, RyAffine(), showing, false);
+    m_shownBy[size_t(node)] = showing;
     if (skin == m_skins.end())
         m_document->setNodeMeshAndSkin(showing, mesh, -1);
     else

@@ -43,6 +43,7 @@ private:
     RyForeignBinds m_binds;
     std::unique_ptr<RyGltfDocument> m_document;
     std::vector<int> m_nodeOf;                             // of the document, by nodes of the tree
+    std::vector<int> m_shownBy;                            // of the document: what shows their meshes, -1 for none
     std::map<int, std::unique_ptr<RyForeignSkin>> m_skins; // by nodes with a skinned mesh
     std::vector<int> m_figures;                    // per node of the tree: a joint nearer to the figure's first top
     std::map<std::vector<unsigned>, int> m_meshes; // of the document, without a skin

@@ -40,11 +40,24 @@ RyForeignFile::RyForeignFile() : m_importer(std::make_unique<Assimp::Importer>()
 
 RyForeignFile::~RyForeignFile() = default;
 
-const aiScene *RyForeignFile::read(const QString &path, const std::function<bool(double)> &progress, QString *error)
+const aiScene *RyForeignFile::readRenamed(const QString &path, const std::vector<RyFbxObjects::Renaming> &renamings)
+{
+    QFile file(path);
+    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    for (const RyFbxObjects::Renaming &renaming : renamings) {
+        if (renaming.at + renaming.name.size() <= bytes.size())
+            bytes.replace(int(renaming.at), renaming.name.size(), renaming.name);
+    }
+    return m_importer->ReadFileFromMemory(bytes.constData(), size_t(bytes.size()), 0, "fbx");
+}
+
+const aiScene *RyForeignFile::read(const QString &path, const std::vector<RyFbxObjects::Renaming> &renamings,
+                                   const std::function<bool(double)> &progress, QString *error)
 {
     Progress handler(progress);
     m_importer->SetProgressHandler(&handler);
-    const aiScene *scene = m_importer->ReadFile(QFile::encodeName(path).constData(), 0);
+    const aiScene *scene =
+        renamings.empty() ? m_importer->ReadFile(QFile::encodeName(path).constData(), 0) : readRenamed(path, renamings);
     m_importer->SetProgressHandler(nullptr);
     if (!handler.isWanted()) {
         *error = QStringLiteral("reading was cancelled");

@@ -5,6 +5,8 @@
 
 #include <assimp/scene.h>
 
+#include <algorithm>
+
 RyForeignJoints::RyForeignJoints(const RyForeignInput &input, RyForeignTree &tree)
     : m_input(input), m_tree(tree), m_isNamed(tree.nodes.size(), false), m_isLeaf(tree.nodes.size(), true)
 {
@@ -29,6 +31,7 @@ void RyForeignJoints::mark()
     }
     markBelow();
     markAbove();
+    markUnbound();
     for (RyForeignTree::Node &node : m_tree.nodes)
         node.isEnd = node.isEnd && node.parent >= 0 && m_tree.nodes[size_t(node.parent)].isJoint;
 }
@@ -119,5 +122,35 @@ void RyForeignJoints::markAbove()
         const size_t above = size_t(m_tree.nodes[i].parent);
         if (m_tree.nodes[i].isJoint && above > 0 && isLimb(m_tree.nodes[above]))
             m_tree.nodes[above].isJoint = true;
+    }
+}
+
+/// Limbs that hang together and of which no mesh names one are a figure of their own.
+void RyForeignJoints::markUnbound()
+{
+    if (m_input.kind != RyForeignInput::Fbx)
+        return;
+    std::vector<int> topOf(m_tree.nodes.size(), -1);
+    std::vector<bool> hasJoint(m_tree.nodes.size(), false); // by tops
+    bool hasLimb = false;
+    for (size_t i = 0; i < m_tree.nodes.size(); ++i) {
+        const RyForeignTree::Node &node = m_tree.nodes[i];
+        const int above = node.parent < 0 ? -1 : topOf[size_t(node.parent)];
+        const bool isPart = isLimb(node);
+        if (isPart || node.isJoint)
+            topOf[i] = above < 0 ? int(i) : above;
+        if (node.isJoint)
+            hasJoint[size_t(topOf[i])] = true;
+        hasLimb = hasLimb || isPart;
+    }
+    if (m_input.joints.isEmpty()) {
+        if (hasLimb && std::find(hasJoint.begin(), hasJoint.end(), true) == hasJoint.end())
+            m_input.say(QStringLiteral("No mesh is bound to a bone, and of a file in text form nothing else says which "
+                                       "nodes are bones: they are plain nodes. Binary FBX says it"));
+        return;
+    }
+    for (size_t i = 0; i < m_tree.nodes.size(); ++i) {
+        if (topOf[i] >= 0 && !hasJoint[size_t(topOf[i])])
+            m_tree.nodes[i].isJoint = !m_tree.nodes[i].isEnd;
     }
 }

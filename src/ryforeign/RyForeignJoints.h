@@ -20,6 +20,7 @@ private:
     void findEnds();
     void markBelow();
     void markAbove();
+    void markUnbound();
     bool isCameraOrLight(const RyForeignTree::Node &node) const;
     bool isDeclared(const RyForeignTree::Node &node) const;
     bool isLimb(const RyForeignTree::Node &node) const;

@@ -71,10 +71,10 @@ int RyForeignMeshWriter::write(const aiNode &node, const QString &name, const Ry
             RyTreeExtras::storeFirstCorners(m_document, index, primitive, m_firstCorners);
         if (influences && !m_free.empty())
             RyTreeExtras::storeFree(m_document, index, primitive, m_free);
-        morphs.writeTargets(index, primitive, mesh, corners.firsts);
+        morphs.writeTargets(index, primitive, mesh, m, corners.firsts);
         ++primitive;
     }
-    morphs.writeNames(index);
+    morphs.writeNames(index, name);
     return index;
 }
 

@@ -25,30 +25,46 @@ RyForeignInput::Kind kindOf(const QString &path)
 /// Reading takes this share of the time, roughly.
 constexpr double readingShare = 0.7;
 
+std::vector<RyFbxObjects::Renaming> knowFbx(RyForeignInput &input)
+{
+    const RyFbxObjects objects(input.path);
+    input.joints = objects.limbs;
+    input.channelsOf = objects.channelsOf;
+    input.isText = objects.isText;
+    input.nameOf = objects.nameOf;
+    if (!objects.ambiguous.isEmpty()) {
+        input.say(
+            QStringLiteral("Nodes have one name and cannot be told apart; bones and clips of all of them are those "
+                           "of the first: %1. Other names in the program that made the file would help")
+                .arg(QStringList(objects.ambiguous.mid(0, 10)).join(QLatin1String(", "))));
+    }
+    return objects.renamings;
+}
+
 bool read(const RyForeignRequest &request, RyForeignResult &result)
 {
     const auto tell = [&request](double done) { return !request.progress || request.progress(done); };
     RyForeignFile file;
     RyForeignInput input;
-    input.scene = file.read(
-        request.path, [&](double done) { return tell(readingShare * done); }, &result.error);
-    if (!input.scene)
-        return false;
     input.kind = kindOf(request.path);
     input.path = request.path;
     input.notes = &result.notes;
+    std::vector<RyFbxObjects::Renaming> renamings;
+    if (input.kind == RyForeignInput::Fbx)
+        renamings = knowFbx(input);
+    input.scene = file.read(
+        request.path, renamings, [&](double done) { return tell(readingShare * done); }, &result.error);
+    if (!input.scene)
+        return false;
     RyForeignTree tree(*input.scene);
     double unit = request.unit;
     if (input.kind == RyForeignInput::Collada) {
         const RyColladaText text(request.path);
-        tree.rename(text.nameOf);
+        input.nameOf = text.nameOf;
         input.joints = text.joints;
         unit /= text.metre; // the importers' library has made metres of it
-    } else if (input.kind == RyForeignInput::Fbx) {
-        const RyFbxObjects objects(request.path);
-        input.joints = objects.limbs;
-        input.morphValues = objects.morphs;
     }
+    tree.rename(input.nameOf);
     RyForeignJoints(input, tree).mark();
     const RyAffine top = ryForeignTop(input, tree, unit);
     tree.place(top);

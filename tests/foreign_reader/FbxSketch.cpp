@@ -1,0 +1,159 @@
+#include "foreign_reader/FbxSketch.h"
+
+namespace {
+
+FbxRecord propertiesOf(const FbxSketch::Properties &all)
+{
+    FbxRecord list("Properties70");
+    for (const FbxRecord &each : all)
+        list.add(each);
+    return list;
+}
+
+FbxRecord wholeNumber(const char *name, int value)
+{
+    return FbxRecord("P").text(name).text("int").text("Integer").text("").number(value);
+}
+
+qint64 of(const std::vector<std::pair<qint64, qint64>> &pairs, qint64 key)
+{
+    for (const auto &[node, object] : pairs) {
+        if (node == key)
+            return object;
+    }
+    return 0;
+}
+
+} // namespace
+
+FbxRecord FbxSketch::vector(const char *name, double x, double y, double z)
+{
+    return FbxRecord("P").text(name).text(name).text("").text("A").real(x).real(y).real(z);
+}
+
+qint64 FbxSketch::add(const char *kind, const char *name, const char *label, const char *type,
+                      const std::vector<FbxRecord> &inside)
+{
+    FbxRecord record(kind);
+    record.id(++m_last).text(QByteArray(name) + QByteArray("\0\1", 2) + label).text(type);
+    for (const FbxRecord &each : inside)
+        record.add(each);
+    m_objects.add(record);
+    return m_last;
+}
+
+qint64 FbxSketch::addLimb(const char *name, qint64 parent, const Properties &properties)
+{
+    const qint64 limb =
+        add("Model", name, "Model", "LimbNode", {FbxRecord("Version").number(232), propertiesOf(properties)});
+    const qint64 attribute =
+        add("NodeAttribute", "", "NodeAttribute", "LimbNode", {FbxRecord("TypeFlags").text("Skeleton")});
+    connect(limb, parent);
+    connect(attribute, limb);
+    return limb;
+}
+
+qint64 FbxSketch::addSquare(const char *name, qint64 parent, const Properties &properties)
+{
+    const FbxRecord normals = FbxRecord("LayerElementNormal")
+                                  .number(0)
+                                  .add(FbxRecord("Version").number(101))
+                                  .add(FbxRecord("Name").text(""))
+                                  .add(FbxRecord("MappingInformationType").text("ByVertice"))
+                                  .add(FbxRecord("ReferenceInformationType").text("Direct"))
+                                  .add(FbxRecord("Normals").reals({0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1}));
+    const FbxRecord layer = FbxRecord("Layer")
+                                .number(0)
+                                .add(FbxRecord("Version").number(100))
+                                .add(FbxRecord("LayerElement")
+                                         .add(FbxRecord("Type").text("LayerElementNormal"))
+                                         .add(FbxRecord("TypedIndex").number(0)));
+    const qint64 node =
+        add("Model", name, "Model", "Mesh", {FbxRecord("Version").number(232), propertiesOf(properties)});
+    const qint64 geometry = add("Geometry", name, "Geometry", "Mesh",
+                                {FbxRecord("Vertices").reals({0, 0, 0, 160, 0, 0, 160, 160, 0, 0, 160, 0}),
+                                 FbxRecord("PolygonVertexIndex").numbers({0, 1, 2, ~3}),
+                                 FbxRecord("GeometryVersion").number(124), normals, layer});
+    connect(node, parent);
+    connect(geometry, node);
+    m_geometries.emplace_back(node, geometry);
+    return node;
+}
+
+qint64 FbxSketch::addMorph(qint64 node, const char *name, double percent)
+{
+    if (of(m_shapers, node) == 0) {
+        m_shapers.emplace_back(node, add("Deformer", "", "Deformer", "BlendShape", {FbxRecord("Version").number(100)}));
+        connect(m_shapers.back().second, of(m_geometries, node));
+    }
+    const qint64 morph = add("Deformer", name, "SubDeformer", "BlendShapeChannel",
+                             {FbxRecord("Version").number(100), FbxRecord("DeformPercent").real(percent),
+                              FbxRecord("FullWeights").reals({100.0})});
+    connect(morph, of(m_shapers, node));
+    return morph;
+}
+
+void FbxSketch::addShape(qint64 morph, const char *name, const Deltas &delta, const Deltas &normal)
+{
+    const qint64 shape = add("Geometry", name, "Geometry", "Shape",
+                             {FbxRecord("Version").number(100), FbxRecord("Indexes").numbers({3}),
+                              FbxRecord("Vertices").reals(delta), FbxRecord("Normals").reals(normal)});
+    connect(shape, morph);
+}
+
+void FbxSketch::bind(qint64 node, qint64 limb, double height, const std::vector<qint32> &corners)
+{
+    if (of(m_skins, node) == 0) {
+        m_skins.emplace_back(node, add("Deformer", "", "Deformer", "Skin", {FbxRecord("Version").number(101)}));
+        connect(m_skins.back().second, of(m_geometries, node));
+    }
+    const qint64 cluster =
+        add("Deformer", "", "SubDeformer", "Cluster",
+            {FbxRecord("Version").number(100), FbxRecord("Indexes").numbers(corners),
+             FbxRecord("Weights").reals(std::vector<double>(corners.size(), 1.0)),
+             FbxRecord("Transform").reals({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -height, 0, 1}),
+             FbxRecord("TransformLink").reals({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, height, 0, 1})});
+    connect(cluster, of(m_skins, node));
+    connect(limb, cluster);
+}
+
+void FbxSketch::addCurve(qint64 target, const char *property, const char *part, const std::vector<double> &seconds,
+                         const std::vector<float> &numbers)
+{
+    if (m_layer == 0) {
+        const qint64 stack = add("AnimationStack", "Clip", "AnimStack", "", {FbxRecord("Version").number(100)});
+        m_layer = add("AnimationLayer", "Base", "AnimLayer", "", {FbxRecord("Version").number(100)});
+        connect(m_layer, stack);
+    }
+    const qint64 node = add("AnimationCurveNode", "N", "AnimCurveNode", "", {FbxRecord("Version").number(100)});
+    connect(node, m_layer);
+    std::vector<qint64> times;
+    for (const double second : seconds)
+        times.push_back(qint64(second * 46186158000.0)); // of the format's clock
+    const qint64 curve =
+        add("AnimationCurve", "", "AnimCurve", "",
+            {FbxRecord("Default").real(0.0), FbxRecord("KeyVer").number(4008), FbxRecord("KeyTime").ids(times),
+             FbxRecord("KeyValueFloat").floats(numbers), FbxRecord("KeyAttrFlags").numbers({4}),
+             FbxRecord("KeyAttrDataFloat").floats({0, 0, 0, 0}),
+             FbxRecord("KeyAttrRefCount").numbers({qint32(seconds.size())})});
+    m_connections.add(FbxRecord("C").text("OP").id(node).id(target).text(property));
+    m_connections.add(FbxRecord("C").text("OP").id(curve).id(node).text(part));
+}
+
+QByteArray FbxSketch::bytes() const
+{
+    const FbxRecord head = FbxRecord("FBXHeaderExtension")
+                               .add(FbxRecord("FBXHeaderVersion").number(1003))
+                               .add(FbxRecord("FBXVersion").number(7400));
+    const FbxRecord settings =
+        FbxRecord("GlobalSettings")
+            .add(FbxRecord("Version").number(1000))
+            .add(propertiesOf(
+                {wholeNumber("UpAxis", 1), wholeNumber("UpAxisSign", 1), wholeNumber("FrontAxis", 2),
+                 wholeNumber("FrontAxisSign", 1), wholeNumber("CoordAxis", 0), wholeNumber("CoordAxisSign", 1),
+                 FbxRecord("P").text("UnitScaleFactor").text("double").text("Number").text("").real(1.0)}));
+    QByteArray all = FbxRecord::header(7400);
+    for (const FbxRecord &each : {head, settings, m_objects, m_connections})
+        all += each.bytes(all.size());
+    return all + FbxRecord::end();
+}
