@@ -220,7 +220,7 @@ void RyFbxObjects::tellApart()
         } else if (const QByteArray free = freeName(own.size(), taken); !free.isEmpty()) {
             taken.insert(free);
             nameOf.insert(QString::fromLatin1(free), QString::fromUtf8(own));
-            renamings.push_back({model.nameAt, free});
+            m_renamings.emplace_back(model.nameAt, free);
             model.name = free;
         } else if (!own.isEmpty()) {
             ambiguous.append(QString::fromUtf8(own));
@@ -228,6 +228,19 @@ void RyFbxObjects::tellApart()
         if (model.isLimb)
             limbs.insert(QString::fromUtf8(model.name));
     }
+}
+
+QByteArray RyFbxObjects::renamed(const QString &path) const
+{
+    QFile file(path);
+    if (m_renamings.empty() || !file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray bytes = file.readAll();
+    for (const auto &[at, name] : m_renamings) {
+        if (at + name.size() <= bytes.size())
+            bytes.replace(int(at), name.size(), name);
+    }
+    return bytes;
 }
 
 std::vector<qint64> RyFbxObjects::below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const

@@ -10,19 +10,15 @@ public:
     /// As far as the file is whole; of an FBX file in text form the names alone.
     explicit RyFbxObjects(const QString &path);
 
-    /// A name that stands in the way of another node's, for the importers' library a different one of the same length.
-    struct Renaming
-    {
-        qint64 at = 0; // in the file
-        QByteArray name;
-    };
-
     bool isText = false;
     QSet<QString> limbs;                                              // names of nodes, as they are after renaming
     QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
-    std::vector<Renaming> renamings;
-    QHash<QString, QString> nameOf; // the file's own, where nodes are renamed
-    QStringList ambiguous;          // names that could not be told apart
+    QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
+    QStringList ambiguous;                                            // names that could not be told apart
+
+    /// The file with a name of its own, of the same length, for each node that has that of another; empty where none
+    /// has.
+    QByteArray renamed(const QString &path) const;
 
 private:
     /// A record: a name, properties, records below it.
@@ -63,6 +59,7 @@ private:
         bool isLimb = false;
     };
     std::vector<Model> m_models;
+    std::vector<std::pair<qint64, QByteArray>> m_renamings;                                 // by places in the file
     QHash<qint64, RyForeignInput::Channel> m_geometries, m_deformers, m_channels, m_shapes; // by ids
     QHash<qint64, std::vector<qint64>> m_below; // what is connected to an object, in the order of the file
 };

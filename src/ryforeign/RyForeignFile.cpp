@@ -6,6 +6,7 @@
 #include <assimp/scene.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -40,24 +41,15 @@ RyForeignFile::RyForeignFile() : m_importer(std::make_unique<Assimp::Importer>()
 
 RyForeignFile::~RyForeignFile() = default;
 
-const aiScene *RyForeignFile::readRenamed(const QString &path, const std::vector<RyFbxObjects::Renaming> &renamings)
-{
-    QFile file(path);
-    QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    for (const RyFbxObjects::Renaming &renaming : renamings) {
-        if (renaming.at + renaming.name.size() <= bytes.size())
-            bytes.replace(int(renaming.at), renaming.name.size(), renaming.name);
-    }
-    return m_importer->ReadFileFromMemory(bytes.constData(), size_t(bytes.size()), 0, "fbx");
-}
-
-const aiScene *RyForeignFile::read(const QString &path, const std::vector<RyFbxObjects::Renaming> &renamings,
+const aiScene *RyForeignFile::read(const QString &path, const QByteArray &instead,
                                    const std::function<bool(double)> &progress, QString *error)
 {
     Progress handler(progress);
     m_importer->SetProgressHandler(&handler);
-    const aiScene *scene =
-        renamings.empty() ? m_importer->ReadFile(QFile::encodeName(path).constData(), 0) : readRenamed(path, renamings);
+    const aiScene *scene = instead.isEmpty()
+                               ? m_importer->ReadFile(QFile::encodeName(path).constData(), 0)
+                               : m_importer->ReadFileFromMemory(instead.constData(), size_t(instead.size()), 0,
+                                                                QFileInfo(path).suffix().toLatin1().constData());
     m_importer->SetProgressHandler(nullptr);
     if (!handler.isWanted()) {
         *error = QStringLiteral("reading was cancelled");

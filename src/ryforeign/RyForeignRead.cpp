@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/file/RyGltfError.h"
+#include "ryforeign/RyColladaMorphs.h"
 #include "ryforeign/RyColladaText.h"
 #include "ryforeign/RyFbxObjects.h"
 #include "ryforeign/RyForeignConverter.h"
@@ -25,7 +26,8 @@ RyForeignInput::Kind kindOf(const QString &path)
 /// Reading takes this share of the time, roughly.
 constexpr double readingShare = 0.7;
 
-std::vector<RyFbxObjects::Renaming> knowFbx(RyForeignInput &input)
+/// What is to be read in the place of the file, or nothing.
+QByteArray knowFbx(RyForeignInput &input)
 {
     const RyFbxObjects objects(input.path);
     input.joints = objects.limbs;
@@ -38,7 +40,19 @@ std::vector<RyFbxObjects::Renaming> knowFbx(RyForeignInput &input)
                            "of the first: %1. Other names in the program that made the file would help")
                 .arg(QStringList(objects.ambiguous.mid(0, 10)).join(QLatin1String(", "))));
     }
-    return objects.renamings;
+    return objects.renamed(input.path);
+}
+
+/// Likewise.
+QByteArray withoutMorphs(const RyForeignInput &input)
+{
+    const RyColladaMorphs morphs(input.path);
+    if (!morphs.meshes.isEmpty())
+        input.say(
+            QStringLiteral("The morphs of Collada files cannot be read; these meshes are there without: %1. Export "
+                           "glTF 2.0 or binary FBX from the program that made the file to keep them")
+                .arg(QStringList(morphs.meshes.mid(0, 10)).join(QLatin1String(", "))));
+    return morphs.text;
 }
 
 bool read(const RyForeignRequest &request, RyForeignResult &result)
@@ -49,11 +63,11 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     input.kind = kindOf(request.path);
     input.path = request.path;
     input.notes = &result.notes;
-    std::vector<RyFbxObjects::Renaming> renamings;
-    if (input.kind == RyForeignInput::Fbx)
-        renamings = knowFbx(input);
+    const QByteArray instead = input.kind == RyForeignInput::Fbx       ? knowFbx(input)
+                               : input.kind == RyForeignInput::Collada ? withoutMorphs(input)
+                                                                       : QByteArray();
     input.scene = file.read(
-        request.path, renamings, [&](double done) { return tell(readingShare * done); }, &result.error);
+        request.path, instead, [&](double done) { return tell(readingShare * done); }, &result.error);
     if (!input.scene)
         return false;
     RyForeignTree tree(*input.scene);

@@ -69,6 +69,8 @@ private slots:
     void unitAndAxes_data();
     void unitAndAxes();
     void weights();
+    void morphs_data();
+    void morphs();
 };
 
 void ColladaFilesTest::namesAndJoints()
@@ -130,6 +132,46 @@ void ColladaFilesTest::weights()
         }
         QCOMPARE(high, points[i].y() > 1.0 ? 0.75 : 0.0);
     }
+}
+
+void ColladaFilesTest::morphs_data()
+{
+    QTest::addColumn<QByteArray>("skinned");
+    QTest::addColumn<QByteArray>("shown");
+    QTest::newRow("below a skin") << QByteArray("#mo") << QByteArray("#c");
+    QTest::newRow("beside a skin") << QByteArray("#g") << QByteArray("#c");
+    QTest::newRow("alone") << QByteArray("#g") << QByteArray("#mo");
+}
+
+/// The importers' library leaves such meshes out or refuses the file; they are read without their morphs, which is
+/// said.
+void ColladaFilesTest::morphs()
+{
+    QFETCH(QByteArray, skinned);
+    QFETCH(QByteArray, shown);
+    QByteArray content = square("1", "Y_UP");
+    content.replace("<skin source=\"#g\">", "<skin source=\"" + skinned + "\">");
+    content.replace("<instance_controller url=\"#c\">", "<instance_controller url=\"" + shown + "\">");
+    content.replace("<library_controllers>",
+                    "<library_controllers><controller id=\"mo\" name=\"Wide\"><morph source=\"#g\" "
+                    "method=\"RELATIVE\"><source id=\"mt\"><IDREF_array id=\"mta\" count=\"1\">g</IDREF_array>"
+                    "<technique_common><accessor source=\"#mta\" count=\"1\" stride=\"1\"><param "
+                    "name=\"MORPH_TARGET\" type=\"IDREF\"/></accessor></technique_common></source><source id=\"mw\">"
+                    "<float_array id=\"mwa\" count=\"1\">0.25</float_array><technique_common><accessor "
+                    "source=\"#mwa\" count=\"1\" stride=\"1\"><param name=\"MORPH_WEIGHT\" type=\"float\"/>"
+                    "</accessor></technique_common></source><targets><input semantic=\"MORPH_TARGET\" "
+                    "source=\"#mt\"/><input semantic=\"MORPH_WEIGHT\" source=\"#mw\"/></targets></morph>"
+                    "</controller>");
+    const TextFile text(QStringLiteral("a.dae"), content);
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(file.character->bones().size(), size_t(3));
+    QCOMPARE(file.character->file.primitives().size(), size_t(1));
+    QCOMPARE(file.character->file.restPositions(file.character->file.primitives()[0]).size(), size_t(4));
+    QVERIFY2(file.notes.contains(QStringLiteral("The morphs of Collada files cannot be read; these meshes are there "
+                                                "without: g. Export glTF 2.0 or binary FBX from the program that made "
+                                                "the file to keep them")),
+             qPrintable(file.notes.join(QLatin1Char('\n'))));
 }
 
 RY_TEST(ColladaFilesTest)

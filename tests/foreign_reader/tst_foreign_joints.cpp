@@ -155,6 +155,7 @@ Connections:  {
     QVERIFY2(file.character, qPrintable(file.reason));
     QCOMPARE(file.boneNames(), QStringList(QStringLiteral("Bone")));
     QVERIFY((file.character->bones().front()->getOrigin() - RyVec3(0, 40, 0)).length() < 1e-3f);
+    QVERIFY(!file.character->bones().front()->isPosed()); // as the first would be
 }
 
 /// A bone without weights that the file hides by its scale.
