@@ -14,7 +14,7 @@ QByteArray attribute(const QByteArray &text, int at, const QByteArray &name)
     const QByteArray tag = text.mid(at, std::max(0, text.indexOf('>', at) - at));
     const QRegularExpression pattern(
         QStringLiteral("\\s%1\\s*=\\s*[\"']([^\"']*)[\"']").arg(QString::fromLatin1(name)));
-    return pattern.match(QString::fromUtf8(tag)).captured(1).toUtf8();
+    return pattern.match(QString::fromLatin1(tag)).captured(1).toLatin1(); // byte by byte
 }
 
 /// Start of the next element of this name; -1 for none.
