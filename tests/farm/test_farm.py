@@ -74,18 +74,33 @@ class FarmTest(unittest.TestCase):
         self.assertTrue(self.was_done("a.obj", "--script", "fix.rsx"))
         self.age("a.obj", 60)
         self.assertFalse(self.was_done("a.obj", "--script", "fix.rsx"))
-        self.age("out/reports/a.obj.json", 120)
         self.assertTrue(self.was_done("a.obj", "--script", "fix.rsx"))
         self.age("fix.rsx", 300)
         self.assertFalse(self.was_done("a.obj", "--script", "fix.rsx"))
-        self.age("out/reports/a.obj.json", 600)
         self.assertTrue(self.was_done("a.obj", "--script", "fix.rsx"))
+        # An older one that was put in its place is another one, too.
         self.age("a.obj", -60)
+        self.assertFalse(self.was_done("a.obj", "--script", "fix.rsx"))
         self.assertFalse(self.was_done("a.obj"))
         self.assertTrue(self.was_done("a.obj"))
         (self.folder / "out/a.obj").unlink()
         self.assertEqual(self.rows("a.obj")[0], [("a.obj", "missing", "-", "out/a.obj was written and is gone")])
         self.assertFalse(self.was_done("a.obj"))
+
+    def test_what_changed_during_the_work_is_not_done(self):
+        changing = self.folder / "changing"
+        for changed, more in (("a.obj", "# more"), ("fix.rsx", "// more")):
+            self.write("a.obj")
+            self.write("fix.rsx", "print('fixed')")
+            changing.write_text(f'#!/bin/bash\n"{RYHOST}" "$@"\necho "{more}" >>{changed}\nsleep 0.02\n')
+            changing.chmod(0o755)
+            arguments = ("a.obj", "--script", "fix.rsx")
+            # It was changed before the report was written, and after the program had read it.
+            self.assertEqual(self.run_on(*arguments, program=changing).returncode, 0)
+            report = self.folder / "out/reports/a.obj.json"
+            self.assertLess((self.folder / changed).stat().st_mtime_ns, report.stat().st_mtime_ns)
+            self.assertFalse(self.was_done(*arguments), changed)
+            self.assertTrue(self.was_done(*arguments), changed)
 
     def test_what_failed_is_tried_again(self):
         self.write("a.obj")
@@ -156,7 +171,7 @@ class FarmTest(unittest.TestCase):
             fcntl.flock(part, fcntl.LOCK_EX)
             second = self.run_on("a.obj")
             self.assertEqual(second.returncode, 2)
-            self.assertIn("a.obj is being worked on by another process", second.stderr)
+            self.assertIn("out/a.obj is being worked on by another process", second.stderr)
             self.assertFalse((self.folder / "out/a.obj").exists())
             self.assertEqual(self.rows("a.obj")[0], [("a.obj", "running", "-", "")])
         self.assertEqual(self.rows("a.obj")[0][0][1], "killed")
@@ -171,6 +186,41 @@ class FarmTest(unittest.TestCase):
         self.assertEqual((self.folder / "out/a.obj").read_text(), MESH)
         rows, _ = self.rows("one/a.obj", "two/a.obj")
         self.assertEqual([row[1] for row in rows], ["done", "missing"])
+
+    def test_two_that_would_become_one_file_are_refused(self):
+        """A file that cannot be written in its own format takes the name that another one has."""
+        joint = "HIERARCHY\nROOT hip\n{\nOFFSET 0 90 0\nCHANNELS 3 Zrotation Xrotation Yrotation\nEnd Site\n{\n" \
+                "OFFSET 0 30 0\n}\n}\nMOTION\nFrames: 1\nFrame Time: 0.1\n0 0 0\n"
+        self.write("hero.bvh", joint)
+        self.write("hero.glb", "")
+        first = self.run_on("hero.bvh")
+        second = self.run_on("hero.glb")
+        self.assertEqual(second.returncode, 2)
+        self.assertIn("out holds the results of hero.bvh, and hero.glb has the same name once it is saved (hero.glb)",
+                      second.stderr)
+        rows, _ = self.rows("hero.bvh", "hero.glb")
+        self.assertEqual([row[1] for row in rows], ["refused" if first.returncode else "done", "missing"])
+        self.assertEqual(rows[1][3], "the results under this name are those of hero.bvh")
+        # Nor while the first one is worked on.
+        (self.folder / "out/reports/hero.glb.json").unlink()
+        with open(self.folder / "out/reports/hero.glb.part", "wb") as part:
+            fcntl.flock(part, fcntl.LOCK_EX)
+            self.assertIn("out/hero.glb is being worked on by another process", self.run_on("hero.glb").stderr)
+
+    def test_a_torn_log_of_the_scheduler(self):
+        self.write("starter.obj")
+        self.write("b.obj")
+        for name in ("starter.obj", "b.obj"):
+            self.run_on(name, program=self.dying)
+        heading = "Seq\tHost\tStarttime\tJobRuntime\tSend\tReceive\tExitval\tSignal\tCommand\n"
+        whole = "1\t:\t1.000\t0.1\t0\t0\t0\t9\tfarm run out starter.obj\n"
+        for torn in ("2\t:\t1.0", "2\t:\t1.000\t0.1\t0\t0\t1", "nothing of the kind\n", "2\t\0\0\0\n"):
+            self.write("jobs.log", heading + whole + torn)
+            rows, done = self.rows("starter.obj", "b.obj", joblog=["--joblog", "jobs.log"])
+            self.assertEqual(rows[0][:3], ("starter.obj", "killed", "137"))
+            self.assertEqual(done.returncode, 1)
+            self.assertIn("line 3 of jobs.log is no whole line of a log of GNU parallel", done.stderr)
+            self.assertNotIn("Traceback", done.stderr)
 
     def test_names_with_blanks(self):
         self.write("a hero's.obj")
