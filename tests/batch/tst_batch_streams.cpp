@@ -195,6 +195,32 @@ private slots:
         QCOMPARE(left, QStringList());
     }
 
+    /// Nobody removes the folder of a run that is killed, but the next one.
+    void whatAKilledRunLeftGoesWithTheNext()
+    {
+        const QTemporaryDir folder;
+        qputenv("TMPDIR", folder.path().toLocal8Bit());
+        const auto left = [&folder] {
+            return QDir(folder.path()).entryList({"ryhost-stream-*"}, QDir::AllEntries | QDir::NoDotAndDotDot);
+        };
+        QProcess waiting;
+        waiting.start(RY_BINARY_DIR "/bin/ryhost", {"--batch", "-", "--dump"});
+        const bool hasBegun = QTest::qWaitFor([&left] { return left().size() == 1; }, 60000);
+        const Result beside = m_run.run({"--batch", "-", "--dump"}, sample());
+        const QStringList used = left();
+        waiting.kill();
+        const bool isKilled = waiting.waitForFinished(60000);
+        const QStringList abandoned = left();
+        const Result next = m_run.run({"--batch", "-", "--dump"}, sample());
+        qunsetenv("TMPDIR");
+        QVERIFY(hasBegun && isKilled);
+        QCOMPARE(beside.code, 0);
+        QCOMPARE(used.size(), 1); // that of the run that waited
+        QCOMPARE(abandoned, used);
+        QCOMPARE(next.code, 0);
+        QCOMPARE(left(), QStringList());
+    }
+
     void wrongUseIsExplained_data()
     {
         QTest::addColumn<QStringList>("arguments");

@@ -7,6 +7,8 @@
 #include <QElapsedTimer>
 #include <QProcess>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -213,12 +215,16 @@ private slots:
     void foldersOfOthersStay()
     {
         const QString temporary = QDir::tempPath();
-        const QString running = QStringLiteral("%1/ryhost-import-%2-abc").arg(temporary).arg(getpid());
-        const QString gone = temporary + QStringLiteral("/ryhost-import-99999999-abc");
+        // Whether a process is there cannot be told by its number, which containers that share a folder give twice.
+        const QString running = temporary + QStringLiteral("/ryhost-import-abcdef");
+        const QString gone = temporary + QStringLiteral("/ryhost-import-ghijkl");
         const QString other = temporary + QStringLiteral("/ryhost-import-mine");
         for (const QString &folder : {running, gone, other})
             QVERIFY(QDir().mkpath(folder + QStringLiteral("/x")));
+        const int lock = ::open(QFile::encodeName(running).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        QCOMPARE(::flock(lock, LOCK_EX | LOCK_NB), 0);
         read(m_stage->write(QStringLiteral("x.fbx"), "refuse me"));
+        ::close(lock);
         QVERIFY(QFileInfo::exists(running) && QFileInfo::exists(other));
         QVERIFY(!QFileInfo::exists(gone));
         QVERIFY(QDir(running).removeRecursively() && QDir(other).removeRecursively());

@@ -1,6 +1,7 @@
 #include "GltfFixture.h"
 #include "support/RyTest.h"
 
+#include "rycore/io/RyFileSystem.h"
 #include "rycore/io/RySafeFile.h"
 
 #include <QFileInfo>
@@ -235,13 +236,19 @@ void RySafeFileTest::leftovers()
     int status = 0;
     QCOMPARE(::waitpid(gone, &status, 0), gone);
     QTemporaryDir folder;
-    put(folder, QStringLiteral("ryhost-%1-1.rysave").arg(gone), "half");
-    QStringList others{QStringLiteral("ryhost-%1-999999.rysave").arg(::getpid()), // may be at work
-                       QStringLiteral("ryhost-1-1.rysave"),
-                       QStringLiteral("ryhost-%1-1.glb").arg(gone),
-                       QStringLiteral("my-ryhost-%1-1.rysave").arg(gone),
-                       QStringLiteral("ryhost-0-1.rysave"),
-                       QStringLiteral("ryhost-%1-1.rysave.glb").arg(gone)};
+    const QString machine = RyFileSystem::machineMark();
+    QCOMPARE(machine.size(), 16);
+    put(folder, QStringLiteral("ryhost-%1-%2-1.rysave").arg(machine).arg(gone), "half");
+    QStringList others{QStringLiteral("ryhost-%1-%2-999999.rysave").arg(machine).arg(::getpid()), // may be at work
+                       QStringLiteral("ryhost-%1-1-1.rysave").arg(machine),
+                       QStringLiteral("ryhost-%1-%2-1.glb").arg(machine).arg(gone),
+                       QStringLiteral("my-ryhost-%1-%2-1.rysave").arg(machine).arg(gone),
+                       QStringLiteral("ryhost-%1-0-1.rysave").arg(machine),
+                       QStringLiteral("ryhost-%1-99999999999999999999-1.rysave").arg(machine),
+                       QStringLiteral("ryhost-%1-%2-1.rysave.glb").arg(machine).arg(gone),
+                       // Processes of another machine that shares the folder, and of nobody knows where.
+                       QStringLiteral("ryhost-0123456789abcdef-%1-1.rysave").arg(gone),
+                       QStringLiteral("ryhost--%1-1.rysave").arg(gone), QStringLiteral("ryhost-%1-1.rysave").arg(gone)};
     for (const QString &other : others)
         put(folder, other, "other");
     QVERIFY(RySafeFile::write(folder.filePath("file"), "new", nullptr));

@@ -1,5 +1,7 @@
 #include "rycore/io/RySafeFile.h"
 
+#include "rycore/io/RyFileSystem.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,24 +11,16 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <limits>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+using RyFileSystem::isProtected;
+using RyFileSystem::lastReason;
+
 namespace {
-
-constexpr QFileDevice::Permissions anyWrite =
-    QFileDevice::WriteOwner | QFileDevice::WriteUser | QFileDevice::WriteGroup | QFileDevice::WriteOther;
-
-/// QFileInfo::permissions() also tells what the current user may do, and the superuser may do everything; the bits for
-/// owner, group and others are those of the file.
-bool isProtected(const QFileInfo &info)
-{
-    return !(info.permissions() & (anyWrite & ~QFileDevice::Permissions(QFileDevice::WriteUser)));
-}
 
 QString obstacle(const QFileInfo &info)
 {
@@ -60,37 +54,31 @@ void syncFolder(const QString &folder)
     }
 }
 
-/// "there is no space left on the device" and so on, for the last error of the system.
-QString systemReason()
-{
-    if (errno == ENOSPC || errno == EDQUOT)
-        return QStringLiteral("there is no space left on the device");
-    return QString::fromLocal8Bit(std::strerror(errno));
-}
-
 constexpr char temporaryEnding[] = ".rysave";
 
-/// A name that is free, or was ours: that of this process with a number.
+/// A name that is free, or was ours: that of this process, on its machine, with a number.
 QString temporaryName(const QString &folder)
 {
     static std::atomic<int> number{0};
-    return QStringLiteral("%1/ryhost-%2-%3%4")
-        .arg(folder)
+    return QStringLiteral("%1/ryhost-%2-%3-%4%5")
+        .arg(folder, RyFileSystem::machineMark())
         .arg(::getpid())
         .arg(++number)
         .arg(QLatin1String(temporaryEnding));
 }
 
-/// Removes what saves of processes that were killed have left in a folder.
+/// Removes what saves of processes that were killed have left in a folder. Of the processes of other machines that
+/// share the folder nobody here knows whether they are at work.
 void removeLeftovers(const QString &folder)
 {
-    static const QRegularExpression ours(QStringLiteral("^ryhost-(\\d+)-\\d+\\.rysave$"));
+    static const QRegularExpression ours(QStringLiteral("^ryhost-([0-9a-f]+)-(\\d+)-\\d+\\.rysave$"));
     const QStringList names = QDir(folder).entryList({QStringLiteral("ryhost-*-*.rysave")}, QDir::Files | QDir::Hidden);
     for (const QString &name : names) {
         const QRegularExpressionMatch match = ours.match(name);
-        bool isNumber = false;
-        const qlonglong process = match.hasMatch() ? match.captured(1).toLongLong(&isNumber) : 0;
-        const bool isGone = isNumber && process > 0 && process <= std::numeric_limits<pid_t>::max() &&
+        if (!match.hasMatch() || match.captured(1) != RyFileSystem::machineMark())
+            continue;
+        const qlonglong process = match.captured(2).toLongLong(); // 0 for numbers that no process has
+        const bool isGone = process > 0 && process <= std::numeric_limits<pid_t>::max() &&
                             ::kill(pid_t(process), 0) != 0 && errno == ESRCH;
         if (isGone)
             ::unlink(QFile::encodeName(folder + QLatin1Char('/') + name).constData());
@@ -191,17 +179,17 @@ bool RySafeFile::write(const QString &path, const QByteArray &bytes, QString *er
         TemporaryFile file(folder);
         if (!file.open(named)) {
             if (named)
-                return fail(systemReason());
+                return fail(lastReason());
             continue;
         }
         if (!file.fill(bytes, target))
-            return fail(systemReason());
+            return fail(lastReason());
         if (!file.giveName())
             continue; // without /proc, or where files cannot be linked
         if (!file.takePlaceOf(target))
-            return fail(systemReason());
+            return fail(lastReason());
         syncFolder(folder);
         return true;
     }
-    return fail(systemReason());
+    return fail(lastReason());
 }

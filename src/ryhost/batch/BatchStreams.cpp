@@ -1,18 +1,18 @@
 #include "ryhost/batch/BatchStreams.h"
 
+#include "rycore/io/RyFileSystem.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/RyTemporaryFolder.h"
 #include "ryhost/batch/BatchArguments.h"
 #include "ryhost/batch/StreamFormat.h"
 
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -36,11 +36,6 @@ bool usesOutput(const BatchArguments &arguments)
 {
     const auto writes = [](const BatchStep &step) { return step.writesStandardOutput(); };
     return arguments.asJson || std::any_of(arguments.steps.begin(), arguments.steps.end(), writes);
-}
-
-QString systemReason()
-{
-    return QString::fromLocal8Bit(std::strerror(errno));
 }
 
 /// False with the reason in errno.
@@ -67,7 +62,7 @@ bool readAll(QByteArray *bytes)
 BatchStreams::BatchStreams(const BatchArguments &arguments)
 {
     if (usesFiles(arguments))
-        m_folder = std::make_unique<QTemporaryDir>();
+        m_folder = std::make_unique<RyTemporaryFolder>(QStringLiteral("ryhost-stream"));
     if (usesOutput(arguments)) {
         // A reader that has gone is an error to be told of, not the end of the program.
         std::signal(SIGPIPE, SIG_IGN);
@@ -91,7 +86,7 @@ bool BatchStreams::write(const QByteArray &bytes, QString *error)
     for (int done = 0; done < bytes.size();) {
         const ssize_t count = ::write(m_output, bytes.constData() + done, size_t(bytes.size() - done));
         if (count < 0 && errno != EINTR) {
-            *error = QStringLiteral("standard output could not be written: %1").arg(systemReason());
+            *error = QStringLiteral("standard output could not be written: %1").arg(RyFileSystem::lastReason());
             return false;
         }
         done += int(std::max<ssize_t>(count, 0));
@@ -118,7 +113,7 @@ static bool readInputBytes(QByteArray *bytes, const QString &what, QString *erro
     if (::isatty(STDIN_FILENO))
         *error = QStringLiteral("standard input is a terminal; send %1 into the program by < or |").arg(what);
     else if (!readAll(bytes))
-        *error = QStringLiteral("standard input could not be read: %1").arg(systemReason());
+        *error = QStringLiteral("standard input could not be read: %1").arg(RyFileSystem::lastReason());
     else if (bytes->isEmpty())
         *error = QStringLiteral("standard input is empty; what was to send %1 sent nothing").arg(what);
     return error->isEmpty();

@@ -6,7 +6,7 @@
 #include <memory>
 
 class BatchArguments;
-class QTemporaryDir;
+class RyTemporaryFolder;
 
 /// Standard input and output of a batch run, for what is called "-". While it lives, what a run writes to standard
 /// output is alone there: whatever else the process prints to it goes to standard error.
@@ -37,5 +37,5 @@ private:
 
     int m_output = -1; // -1: nothing of this run goes there
     QByteArray m_input;
-    std::unique_ptr<QTemporaryDir> m_folder; // null where no stream stands for a file
+    std::unique_ptr<RyTemporaryFolder> m_folder; // null where no stream stands for a file
 };

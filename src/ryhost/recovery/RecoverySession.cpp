@@ -1,14 +1,12 @@
 #include "ryhost/recovery/RecoverySession.h"
 
+#include "rycore/io/RyFileSystem.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
 
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-
-#include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -18,11 +16,6 @@
 namespace {
 
 constexpr qint64 SecondsToStart = 60; // what takes longer was ended in the middle
-
-QString systemReason()
-{
-    return QString::fromLocal8Bit(std::strerror(errno));
-}
 
 /// The handle of the lock file, or -1 when somebody else has it.
 int lockIn(const QString &folder)
@@ -57,10 +50,7 @@ QString RecoverySession::obstacle(const QString &parent)
     const QFileInfo info = nearest(parent);
     if (!info.isDir())
         return tr("%1 is not a folder").arg(info.filePath());
-    constexpr QFileDevice::Permissions anyWrite =
-        QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
-    // The superuser may write everywhere; a folder that nobody may write to is meant to stay as it is all the same.
-    if (!(info.permissions() & anyWrite) || !info.isWritable())
+    if (RyFileSystem::isProtected(info) || !info.isWritable())
         return tr("the folder %1 is write-protected").arg(info.filePath());
     if (info.ownerId() != ::getuid() && QFileInfo(parent).exists())
         return tr("the folder %1 belongs to somebody else").arg(parent);
@@ -73,7 +63,7 @@ std::unique_ptr<RecoverySession> RecoverySession::create(const QString &parent, 
     if (!error->isEmpty())
         return nullptr;
     if (!QDir().mkpath(parent)) {
-        *error = tr("the folder %1 cannot be made: %2").arg(parent, systemReason());
+        *error = tr("the folder %1 cannot be made: %2").arg(parent, RyFileSystem::lastReason());
         return nullptr;
     }
     // Others look at folders of the final name only, and those are locked from the beginning.
@@ -81,12 +71,12 @@ std::unique_ptr<RecoverySession> RecoverySession::create(const QString &parent, 
     const QString first = QStringLiteral("%1/starting-%2").arg(parent, number);
     const QString last = QStringLiteral("%1/session-%2").arg(parent, number);
     if (::mkdir(QFile::encodeName(first).constData(), 0700) != 0) {
-        *error = tr("the folder %1 cannot be made: %2").arg(first, systemReason());
+        *error = tr("the folder %1 cannot be made: %2").arg(first, RyFileSystem::lastReason());
         return nullptr;
     }
     const int lock = lockIn(first);
     if (lock < 0 || ::rename(QFile::encodeName(first).constData(), QFile::encodeName(last).constData()) != 0) {
-        *error = tr("the folder %1 cannot be used: %2").arg(first, systemReason());
+        *error = tr("the folder %1 cannot be used: %2").arg(first, RyFileSystem::lastReason());
         if (lock >= 0)
             ::close(lock);
         QDir(first).removeRecursively();

@@ -1,5 +1,6 @@
 #include "rycore/io/foreign/RyForeignImport.h"
 
+#include "rycore/io/RyTemporaryFolder.h"
 #include "rycore/io/foreign/RyForeignContent.h"
 #include "rycore/io/foreign/RyForeignProcess.h"
 
@@ -7,14 +8,10 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <unistd.h>
 
 namespace {
 
 constexpr int Beat = 20; // milliseconds between two looks at the process
-const char *const FolderPrefix = "ryhost-import-";
 
 QString programPath;
 RyForeignImport::Limits limitsNow;
@@ -23,19 +20,6 @@ QString program()
 {
     return programPath.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("ryhost"))
                                  : programPath;
-}
-
-/// A process that was killed leaves its folder.
-void removeLeftovers()
-{
-    const QDir temporary(QDir::tempPath());
-    const QString prefix = QLatin1String(FolderPrefix);
-    for (const QFileInfo &folder :
-         temporary.entryInfoList({prefix + QLatin1Char('*')}, QDir::Dirs | QDir::NoSymLinks | QDir::NoDotAndDotDot)) {
-        const QString process = folder.fileName().mid(prefix.size()).section(QLatin1Char('-'), 0, 0);
-        if (folder.ownerId() == getuid() && process.toInt() > 0 && !QFileInfo::exists("/proc/" + process))
-            QDir(folder.filePath()).removeRecursively();
-    }
 }
 
 /// Why the file need not be given to the reader; empty where it may be read.
@@ -90,10 +74,7 @@ bool RyForeignImport::read(const QString &path, double unit, const Progress &pro
     const QString obstacle = findObstacle(path);
     if (!obstacle.isEmpty())
         return refuse(obstacle);
-    removeLeftovers();
-    const QTemporaryDir folder(QStringLiteral("%1/%2%3-XXXXXX")
-                                   .arg(QDir::tempPath(), QLatin1String(FolderPrefix))
-                                   .arg(QCoreApplication::applicationPid()));
+    const RyTemporaryFolder folder(QStringLiteral("ryhost-import"));
     if (!folder.isValid())
         return refuse(QStringLiteral("the folder for temporary files, %1, cannot be written").arg(QDir::tempPath()));
     const QString glb = folder.filePath(QFileInfo(path).fileName());

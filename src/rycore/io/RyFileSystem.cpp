@@ -1,0 +1,37 @@
+#include "rycore/io/RyFileSystem.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QSysInfo>
+
+#include <cerrno>
+#include <cstring>
+
+#include <sys/stat.h>
+
+QString RyFileSystem::lastReason()
+{
+    if (errno == ENOSPC || errno == EDQUOT)
+        return QStringLiteral("there is no space left on the device");
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+/// QFileInfo::permissions() also tells what the current user may do, and the superuser may do everything; the bits for
+/// owner, group and others are those of the file.
+bool RyFileSystem::isProtected(const QFileInfo &info)
+{
+    constexpr QFileDevice::Permissions anyWrite =
+        QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
+    return !(info.permissions() & anyWrite);
+}
+
+QString RyFileSystem::machineMark()
+{
+    QFile boot(QStringLiteral("/proc/sys/kernel/random/boot_id"));
+    struct stat processes; // containers of one machine number their processes each on its own
+    if (!boot.open(QIODevice::ReadOnly) || ::stat("/proc/self/ns/pid", &processes) != 0)
+        return {};
+    const QByteArray told =
+        QSysInfo::machineHostName().toUtf8() + '\n' + boot.readAll() + QByteArray::number(qulonglong(processes.st_ino));
+    return QString::fromLatin1(QCryptographicHash::hash(told, QCryptographicHash::Sha256).toHex().left(16));
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QFileInfo>
+#include <QString>
+
+/// What several writers of files ask of the system.
+namespace RyFileSystem {
+
+/// The last error of the system (errno) for people: "there is no space left on the device" and so on.
+QString lastReason();
+
+/// Whether nobody may write to the file or folder. The superuser may write everywhere; what nobody may write to is
+/// meant to stay as it is all the same.
+bool isProtected(const QFileInfo &info);
+
+/// Tells this run of the system, and the processes that it can see, from those of any other machine or container with
+/// which a folder may be shared: 16 letters and digits. Empty where the system does not tell.
+QString machineMark();
+
+} // namespace RyFileSystem
