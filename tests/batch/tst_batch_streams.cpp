@@ -70,6 +70,33 @@ private slots:
         QCOMPARE(wrongly.code, 1);
     }
 
+    void filesOfOtherProgramsMayComeByStandardInput_data()
+    {
+        QTest::addColumn<QString>("ending");
+        QTest::addColumn<QByteArray>("start");
+        const QByteArray collada =
+            R"(<?xml version="1.0"?><COLLADA xmlns="http://www.collada.org/2005/11/COLLADASchema" )";
+        QTest::newRow("FBX") << "fbx" << QByteArray("Kaydara FBX Binary  \0\x1a\0", 23);
+        QTest::newRow("FBX in text") << "fbx" << QByteArray("; FBX 7.4.0 project file\nv 0 0 0\n");
+        QTest::newRow("Collada") << "dae" << collada + "version=\"1.4.1\"></COLLADA>";
+        QTest::newRow("BVH") << "bvh" << QByteArray("HIERARCHY\nROOT hip\n");
+    }
+
+    /// Which reader is asked is seen by what the others make of it.
+    void filesOfOtherProgramsMayComeByStandardInput()
+    {
+        QFETCH(QString, ending);
+        QFETCH(QByteArray, start);
+        const Result sniffed = m_run.run({"--batch", "-", "--dump"}, start);
+        const Result told = m_run.run({"--batch", "-", "--format", ending, "--dump"}, start);
+        QCOMPARE(sniffed.code, 1);
+        QCOMPARE(sniffed.err, told.err);
+        const Result wrongly = m_run.run({"--batch", "-", "--format", ending == "bvh" ? "dae" : "bvh"}, start);
+        QCOMPARE(wrongly.code, 1);
+        QVERIFY2(wrongly.says(qPrintable("renamed to end in ." + ending)), wrongly.err.constData());
+        QCOMPARE(m_run.run({"--batch", RyBatchRun::sample(), "--save", "-", "--format", ending}).code, 2);
+    }
+
     void mergedFilesAndScriptsMayComeByStandardInput()
     {
         const Result merged = m_run.run({"--batch", RyBatchRun::sample(), "--merge", "-", "--report"}, sample());

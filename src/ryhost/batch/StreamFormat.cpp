@@ -1,5 +1,7 @@
 #include "ryhost/batch/StreamFormat.h"
 
+#include "rycore/io/foreign/RyForeignContent.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -51,6 +53,9 @@ QString streamFormatOf(const QByteArray &bytes)
     const QByteArray start = withoutByteOrderMark(bytes.left(LongestLookedAt));
     if (start.trimmed().startsWith('{'))
         return QStringLiteral("gltf");
+    const QString foreign = RyForeignContent::endingOf(bytes.left(RyForeignContent::Needed));
+    if (!foreign.isEmpty())
+        return foreign;
     return isObj(start) ? QStringLiteral("obj") : QString();
 }
 

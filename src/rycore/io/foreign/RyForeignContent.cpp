@@ -32,6 +32,12 @@ const Kind *kindOf(const QByteArray &start)
 
 } // namespace
 
+QString RyForeignContent::endingOf(const QByteArray &start)
+{
+    const Kind *kind = kindOf(start);
+    return kind ? QString::fromLatin1(kind->ending) : QString();
+}
+
 QString RyForeignContent::findMismatch(const QString &ending, const QByteArray &start)
 {
     if (start.startsWith("PK\x03\x04") || start.startsWith("\x1f\x8b"))
