@@ -17,6 +17,7 @@ PROGRAM = "usr/bin/ryhost"
 LIBRARIES = {"usr/lib/ryhost/librycore.so", "usr/lib/ryhost/plugins/RyJointTools.so"}
 READER = "usr/lib/ryhost/libryforeign.so"  # of other programs' files, where the build has it
 HOME = "usr/share/ryhost"
+FARM = {f"{HOME}/farm/farm", f"{HOME}/farm/farm_array"}
 
 
 def run(*command, **options):
@@ -64,6 +65,8 @@ class PackageTest(unittest.TestCase):
         self.assertGreater(len(text), 3)
         self.assertEqual([line for line in text if not line.startswith(" ") or len(line) > 80], [])
         self.assertGreater(int(self.control("Installed-Size")), 1000)
+        for name in ("FBX", "Collada", "BVH"):
+            self.assertEqual(name in " ".join(text), READER in self.files, name)
 
     def test_depends_on_what_it_is_linked_with(self):
         depends = self.control("Depends")
@@ -71,6 +74,7 @@ class PackageTest(unittest.TestCase):
         for name in ("libc6", "libqt5core5a", "libqt5gui5", "libqt5widgets5", "libqt5script5", "libqt5svg5", "libqt5opengl5",
                      "libopengl0", "libtbb12", "libgl1-mesa-dri"):
             self.assertIn(name, names)
+        self.assertEqual(any(name.startswith("libassimp") for name in names), READER in self.files)
         self.assertEqual([name for name in names if name.endswith("-dev") or "test" in name], [])
         self.assertRegex(depends, r"libqt5core5a \(>= 5\.15")
 
@@ -80,13 +84,13 @@ class PackageTest(unittest.TestCase):
         expected = {f"{HOME}/{path.relative_to(ROOT / 'resources')}" for path in (ROOT / "resources").rglob("*")
                     if path.is_file()}
         self.assertTrue(expected)
-        others = {name for name in self.files if not name.startswith(f"{HOME}/docs/")} - self.elf_files() - expected
+        others = {name for name in self.files if not name.startswith(f"{HOME}/docs/")} - self.elf_files() - expected - FARM
         self.assertEqual(others, {
             "usr/share/applications/ryhost.desktop", "usr/share/doc/ryhost/copyright",
             "usr/share/icons/hicolor/scalable/apps/ryhost.svg", "usr/share/man/man1/ryhost.1.gz",
             "usr/share/mime/packages/ryhost.xml"} |
             ({"usr/share/mime/packages/ryhost-foreign.xml"} if READER in self.files else set()))
-        self.assertLessEqual(expected, set(self.files))
+        self.assertLessEqual(expected | FARM, set(self.files))
 
     def test_owners_and_rights(self):
         entries = run("dpkg-deb", "-c", self.deb).stdout.splitlines()
@@ -94,7 +98,7 @@ class PackageTest(unittest.TestCase):
         for entry in entries:
             rights, owner, *_, name = entry.split()
             self.assertEqual(owner, "root/root", name)
-            runs = rights.startswith("d") or name == "./" + PROGRAM
+            runs = rights.startswith("d") or name[2:] in FARM | {PROGRAM}
             self.assertIn(rights[1:], ("rwxr-xr-x",) if runs else ("rw-r--r--",), name)
 
     def test_no_path_of_the_machine_that_built_it(self):
@@ -153,6 +157,18 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(done.returncode, 0 if READER in self.files else 1, done.stderr)
         self.assertEqual(out.exists(), READER in self.files)
 
+    def test_works_on_many_from_where_it_lies(self):
+        place = self.folder / "many"
+        place.mkdir()
+        shutil.copy(self.root / HOME / "samples/mannequin.glb", place / "a.glb")
+        (place / "list.txt").write_text("a.glb\n")
+        path = f"/usr/bin:/bin:{self.root / 'usr/bin'}:{self.root / HOME / 'farm'}"
+        environment = {"PATH": path, "HOME": str(place), "LANG": "C.UTF-8", "SLURM_ARRAY_TASK_ID": "1"}
+        done = run("farm_array", "list.txt", "out", "--select", "lForearm", env=environment, cwd=place)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        table = run("farm", "table", "out", "list.txt", env=environment, cwd=place)
+        self.assertEqual((table.returncode, table.stdout.splitlines()[1:]), (0, ["a.glb\tdone\t0\t"]))
+
     def test_the_plugin_is_the_installed_one(self):
         done = self.program("--batch", self.root / HOME / "samples/mannequin.glb", "--select", "lForearm", "--run",
                             "RyJEAlignNodeAction", plugins=self.folder / "nothing")
@@ -173,6 +189,8 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(icon, (ROOT / "resources/icons/app.svg").read_bytes())
         for key in ("Categories", "Keywords", "MimeType"):
             self.assertTrue(entry[key].endswith(";"), key)
+        for name in ("FBX", "Collada", "DAE", "BVH"):
+            self.assertEqual(name in entry["Keywords"].split(";"), READER in self.files, name)
         types = entry["MimeType"].strip(";").split(";")
         endings = self.endings_of_types()
         told = {pattern for mime_type in types for pattern in endings.get(mime_type, {})}
