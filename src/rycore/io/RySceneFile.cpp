@@ -2,7 +2,9 @@
 
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
+#include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/foreign/RyForeignImport.h"
+#include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyOwnExtras.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
@@ -11,6 +13,8 @@
 #include "rycore/io/obj/RyObjOrigin.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
+#include "rycore/scene/RyShape.h"
+#include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackLock.h"
@@ -19,6 +23,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <new>
 
@@ -105,7 +110,25 @@ void logFailure(const QString &path, const std::exception &failure)
     RyMessageLog::global().warning(QStringLiteral("%1: %2").arg(path, QString::fromUtf8(failure.what())));
 }
 
-bool write(const RyGltfDocument &document, const QString &path, const RySceneFile::SaveOptions &options, QString *error)
+/// Centimetres per unit that whoever opens the file takes it for when it does not say so.
+double guessUnit(const RyScene &scene, double unit)
+{
+    float largest = 0.0f;
+    for (const RySkeleton *skeleton : scene.getSkeletons()) {
+        RyBox3 box;
+        if (const RyShape *shape = RyShape::getCurrentShapeForNode(skeleton)) {
+            for (const RyVec3 &point : shape->getBasePositions())
+                box.include(point);
+        }
+        const RyVec3 extents = box.getExtents();
+        const float extent = std::max({extents.x, extents.y, extents.z});
+        largest = std::max(largest, extents.y > 0.01f * extent ? extents.y : extent);
+    }
+    return ryUnitFactor(100.0, double(largest) / unit);
+}
+
+bool write(const RyScene &scene, const RyGltfDocument &document, const QString &path,
+           const RySceneFile::SaveOptions &options, QString *error)
 {
     if (options.purpose != RySceneFile::Export)
         return document.write(path, error);
@@ -114,8 +137,15 @@ bool write(const RyGltfDocument &document, const QString &path, const RySceneFil
     const QStringList without = RyOwnExtras::takeOut(*bare);
     if (!bare->write(path, error))
         return false;
-    if (options.withoutExtras)
+    if (options.withoutExtras) {
         *options.withoutExtras = without;
+        const double unit = RyFigureExtras::storedUnit(document);
+        if (unit > 0.0 && std::abs(guessUnit(scene, unit) - unit) > 1e-6 * unit) {
+            options.withoutExtras->append(
+                QStringLiteral("that one unit of the file is %1 centimetres, which is not what it is taken for")
+                    .arg(unit));
+        }
+    }
     return true;
 }
 
@@ -134,7 +164,7 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
     }
     if (!document)
         return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
-    return write(*document, path, options, error);
+    return write(scene, *document, path, options, error);
 }
 
 bool saveAlone(const RyScene &scene, const QString &path, const RySceneFile::SaveOptions &options, QString *error,
@@ -146,7 +176,7 @@ bool saveAlone(const RyScene &scene, const QString &path, const RySceneFile::Sav
     const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene.getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return write(*RyGltfNewNodes::writeScene(scene, unit, messages), path, options, error);
+    return write(scene, *RyGltfNewNodes::writeScene(scene, unit, messages), path, options, error);
 }
 
 void makeFits(const RyScene &scene, const RySceneFile::SaveOptions &options, QStringList *messages)
