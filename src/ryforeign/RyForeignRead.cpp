@@ -73,7 +73,7 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     RyForeignTree tree(*input.scene);
     double unit = request.unit;
     if (input.kind == RyForeignInput::Collada) {
-        const RyColladaText text(request.path);
+        const RyColladaText text(request.path, *input.scene->mRootNode);
         input.nameOf = text.nameOf;
         input.joints = text.joints;
         unit /= text.metre; // the importers' library has made metres of it

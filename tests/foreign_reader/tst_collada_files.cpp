@@ -6,6 +6,10 @@
 #include "support/RyTest.h"
 #include "support/RyValidator.h"
 
+#include <nlohmann/json.hpp>
+
+#include <QRegularExpression>
+
 namespace {
 
 /// A square, 1.6 units high, that two of four joints move; two joints have one name. Beside the skeleton, a node that
@@ -71,6 +75,8 @@ private slots:
     void weights();
     void morphs_data();
     void morphs();
+    void nodesWithoutIds();
+    void onlyTheFilesOwnUnitCounts();
 };
 
 void ColladaFilesTest::namesAndJoints()
@@ -172,6 +178,43 @@ void ColladaFilesTest::morphs()
                                                 "without: g. Export glTF 2.0 or binary FBX from the program that made "
                                                 "the file to keep them")),
              qPrintable(file.notes.join(QLatin1Char('\n'))));
+}
+
+/// They are told apart by their places: names and joints stay, one that only an instance brings along too.
+void ColladaFilesTest::nodesWithoutIds()
+{
+    QByteArray content = square("1", "Y_UP");
+    content.replace("<node id=\"id-tip\" sid=\"tip\" name=\"Tip\"", "<node name=\"Tip\"");
+    content.replace("<node id=\"id-hook\" name=\"Hook\"/>",
+                    "<node/><node name=\"Hook\"><instance_node url=\"#lent\"/></node>");
+    content.replace("<library_visual_scenes>", "<library_nodes><node id=\"lent\" name=\"Lent\"><node name=\"Inner\"/>"
+                                               "</node></library_nodes><library_visual_scenes>");
+    const TextFile text(QStringLiteral("Banner.dae"), content);
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(file.boneNames(), (QStringList{QStringLiteral("Bone"), QStringLiteral("Bone2"), QStringLiteral("Tip")}));
+    QStringList nodes;
+    for (const nlohmann::json &node : file.character->file.tree()["nodes"])
+        nodes.append(QString::fromStdString(node["name"].get<std::string>()));
+    for (const char *name : {"Tip", "Hook", "Lent", "Inner"})
+        QVERIFY2(nodes.contains(QLatin1String(name)), qPrintable(nodes.join(QLatin1Char(' '))));
+    QCOMPARE(nodes.filter(QStringLiteral("$")), QStringList());
+    QCOMPARE(nodes.filter(QRegularExpression(QStringLiteral("^Node \\d+$"))).size(), 1);
+}
+
+/// A library's, an extra's and a second one do not.
+void ColladaFilesTest::onlyTheFilesOwnUnitCounts()
+{
+    QByteArray content = square("0.01", "Y_UP");
+    content.replace("</asset>", "<extra><unit meter=\"3\"/></extra></asset>");
+    content.replace("<library_controllers>", "<library_controllers><asset><unit meter=\"5\"/></asset>");
+    content.replace("<scene>", "<extra><technique profile=\"X\"><unit meter=\"7\"/><node name=\"None\"/></technique>"
+                               "</extra><scene>");
+    const TextFile text(QStringLiteral("a.dae"), content);
+    const ConvertedFile file(text.path, 30.0);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    const RyVec3 tip = file.bone(QStringLiteral("Tip"))->getOrigin();
+    QVERIFY2((tip - RyVec3(0, 48, 0)).length() < 1e-3f, qPrintable(QString::number(tip.y)));
 }
 
 RY_TEST(ColladaFilesTest)
