@@ -24,6 +24,17 @@ RyVec3 vectorOf(const aiVector3D &v)
     return {float(v.x), float(v.y), float(v.z)};
 }
 
+bool isFinite(const aiVector3D &v)
+{
+    return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+
+/// No reader takes a place that is none.
+RyVec3 placeOf(const aiVector3D &v)
+{
+    return isFinite(v) ? vectorOf(v) : RyVec3();
+}
+
 /// Of length 1; readers want that even where a file has none.
 RyVec3 direction(const aiVector3D &v)
 {
@@ -59,6 +70,7 @@ int RyForeignMeshWriter::write(const aiNode &node, const QString &name, const Ry
         addTriangles(mesh, corners);
         if (m_triangles.empty())
             continue;
+        noteStrangeNumbers(mesh, corners.firsts, name);
         Attributes attributes = addAttributes(mesh, corners.firsts);
         if (influences)
             addInfluences(*influences, corners.firsts, skin->joints.size(), attributes);
@@ -101,7 +113,7 @@ void RyForeignMeshWriter::addTriangles(const aiMesh &mesh, RyForeignCorners &cor
         }
         positions.clear();
         for (unsigned i = 0; i < face.mNumIndices; ++i)
-            positions.push_back(vectorOf(mesh.mVertices[face.mIndices[i]]));
+            positions.push_back(placeOf(mesh.mVertices[face.mIndices[i]]));
         const int first = int(fans.triangles.size() / 3);
         const int count = int(polygon.size());
         if (const int start = fans.add(polygon, positions); start != 0)
@@ -112,6 +124,28 @@ void RyForeignMeshWriter::addTriangles(const aiMesh &mesh, RyForeignCorners &cor
     m_triangles = std::move(fans.triangles);
     for (const unsigned copied : fans.copies)
         corners.firsts.push_back(corners.firsts[copied]);
+}
+
+void RyForeignMeshWriter::noteStrangeNumbers(const aiMesh &mesh, const std::vector<std::uint32_t> &firsts,
+                                             const QString &name) const
+{
+    int places = 0, coordinates = 0;
+    for (const std::uint32_t corner : firsts) {
+        places += !isFinite(mesh.mVertices[corner]);
+        for (unsigned set = 0; set < mesh.GetNumUVChannels(); ++set) {
+            const aiVector3D &uv = mesh.mTextureCoords[set][corner];
+            coordinates += !std::isfinite(uv.x) || !std::isfinite(uv.y);
+        }
+    }
+    if (places > 0)
+        m_input.say(QStringLiteral("Mesh \"%1\": the places of %2 vertices are no numbers; these vertices were put to "
+                                   "the origin of the mesh")
+                        .arg(name)
+                        .arg(places));
+    if (coordinates > 0)
+        m_input.say(QStringLiteral("Mesh \"%1\": %2 texture coordinates are no numbers; they were made 0")
+                        .arg(name)
+                        .arg(coordinates));
 }
 
 RyForeignMeshWriter::Attributes RyForeignMeshWriter::addAttributes(const aiMesh &mesh,
@@ -127,13 +161,16 @@ RyForeignMeshWriter::Attributes RyForeignMeshWriter::addAttributes(const aiMesh 
         attributes.emplace_back(name, m_document.addFloatAccessor(numbers, components, ForVertices, withBounds));
     };
     const auto addVector = [&numbers](const RyVec3 &v) { numbers.insert(numbers.end(), {v.x, v.y, v.z}); };
-    add("POSITION", 3, true, [&](std::uint32_t corner) { addVector(vectorOf(mesh.mVertices[corner])); });
+    add("POSITION", 3, true, [&](std::uint32_t corner) { addVector(placeOf(mesh.mVertices[corner])); });
     if (mesh.HasNormals())
         add("NORMAL", 3, false, [&](std::uint32_t corner) { addVector(direction(mesh.mNormals[corner])); });
     for (unsigned set = 0; set < mesh.GetNumUVChannels(); ++set) {
         add("TEXCOORD_" + std::to_string(set), 2, false, [&](std::uint32_t corner) {
             const aiVector3D &uv = mesh.mTextureCoords[set][corner];
-            numbers.insert(numbers.end(), {float(uv.x), 1.0f - float(uv.y)}); // counted from above
+            if (std::isfinite(uv.x) && std::isfinite(uv.y))
+                numbers.insert(numbers.end(), {float(uv.x), 1.0f - float(uv.y)}); // counted from above
+            else
+                numbers.insert(numbers.end(), {0.0f, 0.0f});
         });
     }
     for (unsigned set = 0; set < mesh.GetNumColorChannels(); ++set) {

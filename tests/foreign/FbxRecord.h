@@ -15,6 +15,7 @@ public:
     FbxRecord &id(qint64 value) { return property('L', raw(value)); }
     FbxRecord &real(double value) { return property('D', raw(value)); }
     FbxRecord &text(const QByteArray &value) { return property('S', raw(qint32(value.size())) + value); }
+    FbxRecord &data(const QByteArray &value) { return property('R', raw(qint32(value.size())) + value); }
     FbxRecord &reals(const std::vector<double> &values) { return array('d', values); }
     FbxRecord &floats(const std::vector<float> &values) { return array('f', values); }
     FbxRecord &numbers(const std::vector<qint32> &values) { return array('i', values); }

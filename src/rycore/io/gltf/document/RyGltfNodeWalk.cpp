@@ -1,5 +1,7 @@
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 
+#include <QRegularExpression>
+
 std::vector<int> ryGltfPreOrder(const RyGltfModel &model)
 {
     std::vector<int> order;
@@ -60,6 +62,8 @@ std::vector<bool> ryGltfRelatedNodes(const RyGltfModel &model, const std::vector
 
 bool ryGltfMarksEnd(const QString &name)
 {
-    return name.endsWith(QLatin1String("_end"), Qt::CaseInsensitive) || name.endsWith(QLatin1String("Nub")) ||
-           name.endsWith(QLatin1String("End Site"));
+    // Numbered where several have one name.
+    static const QRegularExpression marks(QStringLiteral("(_end|nub|end site)[._ ]?[0-9]*$"),
+                                          QRegularExpression::CaseInsensitiveOption);
+    return marks.match(name).hasMatch();
 }
