@@ -139,7 +139,8 @@ private slots:
     void notesAreLinesAndNotEndless()
     {
         read(m_stage->write(QStringLiteral("talk.fbx"), "talk " + ForeignStage::sample().toUtf8()));
-        QCOMPARE(m_notes.size(), 200);
+        QCOMPARE(m_notes.size(), 201);
+        QCOMPARE(m_notes.last(), QStringLiteral("And 99800 more of such notes"));
         QCOMPARE(m_notes.at(3), QStringLiteral("note 3 in two lines"));
     }
 
@@ -163,6 +164,28 @@ private slots:
         RyForeignImport::setLimits({250, qint64(1) << 30});
         QCOMPARE(read(m_stage->write(QStringLiteral("steps.fbx"), "steps " + ForeignStage::sample().toUtf8())),
                  bytesOf(ForeignStage::sample()));
+    }
+
+    /// A large file may take long between two steps; computing for ever ends all the same.
+    void workIsNoSilence()
+    {
+        RyForeignImport::setLimits({1000, qint64(1) << 30, 60000});
+        const QByteArray sample = ForeignStage::sample().toUtf8();
+        QCOMPARE(read(m_stage->write(QStringLiteral("large.fbx"), "compute 3000 " + sample)),
+                 bytesOf(ForeignStage::sample()));
+        QCOMPARE(m_error, QString());
+        RyForeignImport::setLimits({1000, qint64(1) << 30, 2000});
+        QCOMPARE(read(m_stage->write(QStringLiteral("endless.fbx"), "compute 0 " + sample)), QByteArray());
+        QVERIFY2(m_error.contains(QStringLiteral("got no further for 2 seconds")), qPrintable(m_error));
+    }
+
+    /// As long as file systems let it be.
+    void longNames()
+    {
+        const QString file = m_stage->write(QString(251, QLatin1Char('n')) + QStringLiteral(".fbx"),
+                                            "take " + ForeignStage::sample().toUtf8());
+        QCOMPARE(read(file), bytesOf(ForeignStage::sample()));
+        QCOMPARE(m_error, QString());
     }
 
     void isCancelled()

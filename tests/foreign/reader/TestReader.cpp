@@ -1,5 +1,6 @@
 #include "rycore/io/foreign/RyForeignReader.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QThread>
 
@@ -29,6 +30,14 @@ bool take(const QString &path, RyForeignResult &result)
     }
     result.glb = file.readAll();
     return true;
+}
+
+void compute(int time)
+{
+    QElapsedTimer timer;
+    timer.start();
+    for (volatile unsigned turns = 0; time == 0 || !timer.hasExpired(time);)
+        turns = turns + 1;
 }
 
 void eat()
@@ -65,6 +74,10 @@ extern "C" Q_DECL_EXPORT bool ryReadForeign(const RyForeignRequest &request, RyF
             request.progress(0.5);
             QThread::msleep(10);
         }
+    }
+    if (word == QLatin1String("compute")) { // without a word, for so many milliseconds; 0 for ever
+        compute(rest.section(QLatin1Char(' '), 0, 0).toInt());
+        return take(rest.section(QLatin1Char(' '), 1), result);
     }
     if (word == QLatin1String("eat"))
         eat();

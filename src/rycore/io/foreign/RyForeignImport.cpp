@@ -35,6 +35,34 @@ QString findObstacle(const QString &path)
     return RyForeignContent::findMismatch(QFileInfo(path).suffix().toLower(), file.read(RyForeignContent::Needed));
 }
 
+/// How long the process has told nothing. The library tells little on the way: while the process computes it may be
+/// at work on a large file, and is given longer.
+class Silence
+{
+public:
+    Silence() { m_time.start(); }
+    void end(const RyForeignProcess &process)
+    {
+        m_time.start();
+        m_computed = process.processorTime();
+    }
+    /// The limit that it has passed, in milliseconds; 0 for none.
+    int findExpired(const RyForeignProcess &process) const
+    {
+        if (m_time.hasExpired(limitsNow.work))
+            return limitsNow.work;
+        if (!m_time.hasExpired(limitsNow.silence))
+            return 0;
+        const bool isAtWork = process.processorTime() - m_computed > m_time.elapsed() / LeastShare;
+        return isAtWork ? 0 : limitsNow.silence;
+    }
+
+private:
+    static constexpr int LeastShare = 20; // of the time; other programs want the processor too
+    QElapsedTimer m_time;
+    qint64 m_computed = 0;
+};
+
 /// With a way out.
 QString refusal(const QString &path, const QString &reason)
 {
@@ -77,31 +105,33 @@ bool RyForeignImport::read(const QString &path, double unit, const Progress &pro
     const RyTemporaryFolder folder(QStringLiteral("ryhost-import"));
     if (!folder.isValid())
         return refuse(QStringLiteral("the folder for temporary files, %1, cannot be written").arg(QDir::tempPath()));
+    // The process appends to the name while it writes, for which a long one leaves no room.
+    const QString written = folder.filePath(QStringLiteral("read"));
     const QString glb = folder.filePath(QFileInfo(path).fileName());
 
     RyForeignProcess process(limitsNow.memory);
-    if (!process.start(program(), QFileInfo(path).absoluteFilePath(), glb, unit))
+    if (!process.start(program(), QFileInfo(path).absoluteFilePath(), written, unit))
         return refuse(QStringLiteral("the program that reads such files, %1, cannot be started").arg(program()));
-    QElapsedTimer silence;
-    silence.start();
+    Silence silence;
     while (process.isRunning()) {
         const double before = process.progress();
         process.wait(Beat);
         if (process.progress() > before)
-            silence.start();
+            silence.end(process);
         if (progress && !progress(process.progress())) {
             if (error)
                 *error = QStringLiteral("%1 was not opened: it was cancelled").arg(path);
             return false;
         }
-        if (process.isRunning() && silence.hasExpired(limitsNow.silence))
+        const int waited = process.isRunning() ? silence.findExpired(process) : 0;
+        if (waited > 0)
             return refuse(
                 QStringLiteral("the reader of such files got no further for %1 seconds, which damaged files can cause")
-                    .arg(limitsNow.silence / 1000.0));
+                    .arg(waited / 1000.0));
     }
     if (!process.isDone())
         return refuse(process.reason());
-    if (QFileInfo(glb).size() == 0)
+    if (QFileInfo(written).size() == 0 || (written != glb && !QFile::rename(written, glb)))
         return refuse(QStringLiteral("the reader of such files ended without a result"));
     if (!use(glb))
         return refuse(QStringLiteral("what was read of it does not fit together"));

@@ -15,6 +15,7 @@ public:
     {
         int silence = 60000;                ///< milliseconds without progress
         qint64 memory = qint64(1024) << 20; ///< bytes that the process may hold
+        int work = 600000;                  ///< milliseconds without progress while it computes all the time
     };
     /// Called many times a second with what is done, from 0 to 1; false cancels.
     using Progress = std::function<bool(double done)>;

@@ -94,12 +94,38 @@ void RyForeignProcess::takeLine(const QByteArray &line)
     const auto rest = [&line](const char *word) { return QString::fromUtf8(line.mid(int(qstrlen(word)))); };
     if (line.startsWith(RyForeignProtocol::Progress))
         m_progress = qBound(m_progress, rest(RyForeignProtocol::Progress).toDouble(), 1.0);
-    else if (line.startsWith(RyForeignProtocol::Note) && m_notes.size() < MostNotes)
-        m_notes.append(rest(RyForeignProtocol::Note));
+    else if (line.startsWith(RyForeignProtocol::Note))
+        takeNote(rest(RyForeignProtocol::Note));
     else if (line.startsWith(RyForeignProtocol::Refusal))
         m_refusal = rest(RyForeignProtocol::Refusal);
     else if (line == RyForeignProtocol::NoMemory)
         m_isOverMemory = true;
+}
+
+void RyForeignProcess::takeNote(const QString &note)
+{
+    if (m_notes.size() < MostNotes)
+        m_notes.append(note);
+    else
+        ++m_furtherNotes;
+}
+
+QStringList RyForeignProcess::notes() const
+{
+    if (m_furtherNotes == 0)
+        return m_notes;
+    return m_notes + QStringList(QStringLiteral("And %1 more of such notes").arg(m_furtherNotes));
+}
+
+qint64 RyForeignProcess::processorTime() const
+{
+    QFile file(QStringLiteral("/proc/%1/stat").arg(processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    // The name of the program, in parentheses, may hold anything; its times are the twelfth and thirteenth behind it.
+    const QByteArray text = file.readAll();
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    return (fields.value(11).toLongLong() + fields.value(12).toLongLong()) * 1000 / sysconf(_SC_CLK_TCK);
 }
 
 qint64 RyForeignProcess::residentBytes() const

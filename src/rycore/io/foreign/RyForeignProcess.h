@@ -22,7 +22,10 @@ public:
 
     /// From 0 to 1; grows only.
     double progress() const { return m_progress; }
-    const QStringList &notes() const { return m_notes; }
+    /// Not endlessly many; the last one counts those that are not there.
+    QStringList notes() const;
+    /// What it has taken so far, in milliseconds.
+    qint64 processorTime() const;
     bool isOverMemory() const { return m_isOverMemory; }
     bool isDone() const;
     /// Why there is no result, as the end of a sentence; empty while it runs or when it is done.
@@ -34,6 +37,7 @@ protected:
 private:
     void takeLines();
     void takeLine(const QByteArray &line);
+    void takeNote(const QString &note);
     qint64 residentBytes() const;
 
     qint64 m_memory;
@@ -42,6 +46,7 @@ private:
     bool m_isTooLong = false;
     double m_progress = 0.0;
     QStringList m_notes;
+    int m_furtherNotes = 0;
     QString m_refusal;
     bool m_isOverMemory = false;
 };
