@@ -32,7 +32,7 @@ int runWindow(const CommandLine &line)
     window.show();
     Autosave autosave(*ryScene(), *window.files());
     QObject::connect(&autosave, &Autosave::messagePosted, &window, &HostWindow::showMessage);
-    if (offerUnsavedWork(*ryScene(), *window.files(), autosave, &window))
+    if (offerUnsavedWork(*ryScene(), *window.files(), autosave, line.files, &window))
         return QApplication::exec();
     bool opened = false;
     for (const QString &path : line.files)

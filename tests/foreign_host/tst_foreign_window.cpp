@@ -23,6 +23,7 @@
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 /// The window while a foreign file is read, and what it says and asks about the scene that comes of it.
@@ -109,9 +110,38 @@ private slots:
             shown->button(QMessageBox::Cancel)->click();
         });
         QVERIFY(!m_window->close());
+        const QString read = QStringLiteral("Read from hero.fbx at %1, in no file yet")
+                                 .arg(timeTextOf(m_window->files()->savedState().time));
         QCOMPARE(box, (QStringList{QStringLiteral("Unsaved Changes"),
                                    QStringLiteral("Save what was read from hero.fbx as glTF first?"),
-                                   QStringLiteral("No file holds this scene yet; hero.fbx itself stays as it is.")}));
+                                   read + QStringLiteral(".\nhero.fbx itself stays as it is.")}));
+        // Hours of work are not passed over.
+        bend();
+        withDialog<QMessageBox>([&](QMessageBox *shown) {
+            box = QStringList{shown->informativeText()};
+            shown->button(QMessageBox::Cancel)->click();
+        });
+        QVERIFY(!m_window->close());
+        QCOMPARE(box, QStringList{read + QStringLiteral(", and 1 edit since: Bend.\nhero.fbx itself stays as it is.")});
+    }
+
+    /// What was only read has nothing to go back from, and says where it stands everywhere.
+    void unedited()
+    {
+        QVERIFY(m_window->files()->openPath(m_hero));
+        const QString read = QStringLiteral("Read from hero.fbx at %1, in no file yet.")
+                                 .arg(timeTextOf(m_window->files()->savedState().time));
+        QCOMPARE(m_window->files()->unsavedChanges(), read);
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("HistoryState"))->text(), read);
+        QCOMPARE(m_window->findChild<QToolButton *>(QStringLiteral("UnsavedStatus"))->text(),
+                 QStringLiteral("* unsaved"));
+        QCOMPARE(action("FileSave")->statusTip(), QStringLiteral("Save to a file; asks which"));
+        QVERIFY(!action("FileRevert")->isEnabled());
+        QVERIFY(!m_window->files()->revert());
+        bend();
+        QCOMPARE(m_window->files()->whyNotReverted(), QString());
+        ryUndoStack()->undo();
+        QVERIFY(!m_window->files()->whyNotReverted().isEmpty());
     }
 
     void mergesBeside()
@@ -132,7 +162,25 @@ private slots:
         QVERIFY(enter.isAccepted());
         QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_window.get(), &drop);
-        QCOMPARE(m_window->files()->path(), m_hero);
+        QVERIFY(m_window->files()->path() != m_hero);
+        QTRY_COMPARE(m_window->files()->path(), m_hero);
+    }
+
+    /// Dropped while another is still being read: one after the other.
+    void isDroppedTwice()
+    {
+        for (const QString &path :
+             {m_hero, m_stage->write(QStringLiteral("hero2.fbx"), "take " + ForeignStage::sample().toUtf8())}) {
+            QMimeData data;
+            data.setUrls({QUrl::fromLocalFile(path)});
+            QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_window.get(), &drop);
+        }
+        QStringList opened;
+        connect(m_window->files(), &HostFiles::opened, this,
+                [&] { opened.append(QFileInfo(m_window->files()->path()).fileName()); });
+        withDialog<QMessageBox>([&](QMessageBox *shown) { shown->button(QMessageBox::Discard)->click(); });
+        QTRY_COMPARE(opened, (QStringList{QStringLiteral("hero.fbx"), QStringLiteral("hero2.fbx")}));
     }
 
     void refusalIsABox()
@@ -155,11 +203,7 @@ private slots:
     /// The window paints and tells, and takes nothing that would change the scene.
     void livesMeanwhile()
     {
-        {
-            RyUndoStackHold hold;
-            m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->adjustValue(20);
-            hold.accept(QStringLiteral("Bend"));
-        }
+        bend();
         QApplication::setActiveWindow(m_window.get());
         const QString before = rySceneDump(*m_scene);
         RyNode *selected = m_scene->getPrimarySelection();
@@ -221,8 +265,12 @@ private slots:
     void closingCancels()
     {
         bool closed = true;
-        meanwhile(300, [&](QProgressDialog *) { closed = m_window->close(); });
+        meanwhile(300, [&](QProgressDialog *dialog) {
+            QCOMPARE(dialog->windowTitle(), QStringLiteral("Merge"));
+            closed = m_window->close();
+        });
         QVERIFY(!m_window->files()->mergePath(m_slow));
+        QCOMPARE(m_posted, QStringList{QStringLiteral("slow.fbx was not merged: it was cancelled.")});
         QVERIFY(!closed); // not under the feet of the reading
         QVERIFY(m_window->isVisible());
         settle();
@@ -230,6 +278,12 @@ private slots:
     }
 
 private:
+    void bend()
+    {
+        RyUndoStackHold hold;
+        m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->adjustValue(20);
+        hold.accept(QStringLiteral("Bend"));
+    }
     /// Once, while the file is read.
     void meanwhile(int after, const std::function<void(QProgressDialog *)> &use)
     {

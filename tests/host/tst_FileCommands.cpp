@@ -164,6 +164,50 @@ private slots:
                  QStringLiteral("There is no file to go back to: the scene was neither opened nor saved."));
     }
 
+    void askedBeforeAnotherProgramsWorkIsReplaced_data()
+    {
+        QTest::addColumn<QString>("answer");
+        QTest::newRow("stay") << QStringLiteral("Cancel");
+        QTest::newRow("replace") << QStringLiteral("Replace");
+        QTest::newRow("elsewhere") << QStringLiteral("Save As...");
+    }
+    /// Two programs on one file: the second to save is asked.
+    void askedBeforeAnotherProgramsWorkIsReplaced()
+    {
+        QFETCH(QString, answer);
+        const QString path = file(QStringLiteral("hero.glb")),
+                      mine = file(QStringLiteral("mine %1.glb").arg(answer[0]));
+        QVERIFY(files()->savePath(path));
+        bend();
+        RyDialogDriver driver;
+        QVERIFY(files()->save());
+        QVERIFY2(driver.records().empty(), "the program itself is no other one");
+        bend(30);
+        QFile other(path);
+        QVERIFY(other.open(QIODevice::Append));
+        other.write("    ");
+        other.close();
+        const QByteArray theirs = bytesOf(path);
+        driver.setAnswer(QStringLiteral("Written Meanwhile"), answer);
+        if (answer == QLatin1String("Save As..."))
+            driver.setField(QStringLiteral("fileNameEdit"), mine);
+        QCOMPARE(files()->save(), answer != QLatin1String("Cancel"));
+        QVERIFY2(driver.errors().isEmpty(), qPrintable(driver.errors().join(u'\n')));
+        const RyDialogRecord &box = driver.records().front();
+        QCOMPARE(box.text, QStringLiteral("Replace hero.glb, which another program has written since?"));
+        QCOMPARE(
+            box.informativeText,
+            QStringLiteral("It was written at %1. Replacing it loses what it holds now; Save As writes another file.")
+                .arg(timeTextOf(QDateTime::currentDateTime())));
+        QCOMPARE(QSet<QString>(box.buttons.begin(), box.buttons.end()),
+                 (QSet<QString>{QStringLiteral("Cancel"), QStringLiteral("Replace"), QStringLiteral("Save As...")}));
+        QCOMPARE(box.defaultButton, QStringLiteral("Cancel"));
+        QCOMPARE(bytesOf(path) == theirs, answer != QLatin1String("Replace"));
+        QCOMPARE(ryUndoStack()->isClean(), answer != QLatin1String("Cancel"));
+        QCOMPARE(files()->path(), answer == QLatin1String("Save As...") ? mine : path);
+        ryUndoStack()->setClean();
+    }
+
     void aCopyChangesNothing()
     {
         const QString path = file(QStringLiteral("hero.glb")), copy = file(QStringLiteral("hero copy.glb"));
@@ -278,6 +322,11 @@ private slots:
     }
 
 private:
+    static QByteArray bytesOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     HostFiles *files() const { return m_window->files(); }
     QString dump() const { return rySceneDump(*m_scene); }
     RyNode *forearm() const { return m_scene->findNode(QStringLiteral("lForearm")); }

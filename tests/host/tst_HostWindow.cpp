@@ -341,7 +341,10 @@ private slots:
         QCoreApplication::sendEvent(m_window.get(), &enter);
         QVERIFY(enter.isAccepted());
         QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        // The other program waits until the drop is taken, not until the file is open.
         QCoreApplication::sendEvent(m_window.get(), &drop);
+        QVERIFY(m_window->files()->path() != path);
+        settle();
         QCOMPARE(m_window->files()->path(), path);
         QMimeData other;
         other.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/picture.png"))});

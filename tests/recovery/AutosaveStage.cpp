@@ -57,7 +57,7 @@ void AutosaveStage::close()
 QStringList AutosaveStage::kept() const
 {
     QStringList found;
-    for (const QString &parent : AutosaveSettings::global().folders()) {
+    for (const QString &parent : AutosaveSettings::global().searchedFolders()) {
         for (const QFileInfo &each : QDir(parent).entryInfoList({QStringLiteral("session-*")}, QDir::Dirs)) {
             if (RySnapshotStore::hasSnapshot(each.filePath()))
                 found.append(each.filePath());

@@ -38,7 +38,11 @@ void SessionRun::read()
         const QByteArray line = m_line.left(end);
         m_line.remove(0, end + 1);
         if (line.startsWith("edit "))
-            m_edits.push_back({line.split(' ').at(1).toLongLong(), line.split(' ').at(2)});
+            m_edits.push_back({line.split(' ').at(1).toLongLong(), line.split(' ').at(2),
+                               QString::fromLocal8Bit(line.mid(line.indexOf('/'))), false, !m_isFull});
+        if (line.startsWith("saved ") && !m_edits.empty())
+            m_edits.back().isSaved = true;
+        m_isFull = m_isFull || line.startsWith("full ");
         if (line.startsWith("late "))
             m_waits.push_back({line.split(' ').at(1).toLongLong(), line.split(' ').at(2).toInt()});
         if (line.startsWith("message "))

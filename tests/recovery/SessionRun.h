@@ -14,6 +14,9 @@ public:
     {
         qint64 time; // milliseconds since 1970 at which it was finished
         QByteArray hash;
+        QString path; // of the file that it belongs to
+        bool isSaved = false;
+        bool isBeforeFull = true; // finished before the disk was full
     };
 
     SessionRun(const QString &settings, const QString &temporary) : m_settings(settings), m_temporary(temporary) {}
@@ -43,6 +46,7 @@ private:
     QByteArray m_line;
     std::vector<Edit> m_edits;
     QStringList m_messages;
+    bool m_isFull = false;
     qint64 m_killed = 0;
     std::vector<std::pair<qint64, int>> m_waits; // when, and for how many milliseconds
 };

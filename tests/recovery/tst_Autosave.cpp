@@ -1,8 +1,11 @@
+#include "recovery/AllocationFailure.h"
 #include "recovery/AutosaveStage.h"
 #include "recovery/RandomEdits.h"
 #include "support/RyTest.h"
 #include "support/ToyAction.h"
+#include "support/strangeFile.h"
 
+#include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
@@ -15,6 +18,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/RyUndoStackLock.h"
 #include "ryhost/recovery/AutosaveSettings.h"
+#include "ryhost/recovery/RecoveryInfo.h"
 #include "ryhost/recovery/RecoverySession.h"
 
 #include <QDialog>
@@ -69,15 +73,38 @@ private slots:
     void goesWhenItIsNotNeeded_data()
     {
         QTest::addColumn<QString>("how");
-        for (const char *how : {"save", "open", "quit", "off"})
-            QTest::newRow(how) << QString::fromLatin1(how);
+        QTest::addColumn<bool>("stays");
+        for (const char *how : {"save", "open", "quit", "off", "new", "close", "revert"})
+            QTest::newRow(how) << QString::fromLatin1(how) << false;
+        // What is written aside leaves the scene unsaved.
+        for (const char *how : {"copy", "export"})
+            QTest::newRow(how) << QString::fromLatin1(how) << true;
     }
     void goesWhenItIsNotNeeded()
     {
         QFETCH(QString, how);
+        QFETCH(bool, stays);
         start();
         edit();
         QTRY_VERIFY(isKept());
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Unsaved Changes"), QStringLiteral("Discard"));
+        driver.setAnswer(QStringLiteral("Revert"), QStringLiteral("Revert"));
+        if (how == QLatin1String("new"))
+            QVERIFY(m_files->newScene());
+        if (how == QLatin1String("close"))
+            QVERIFY(m_files->closeFile());
+        if (how == QLatin1String("revert"))
+            QVERIFY(m_files->revert());
+        if (how == QLatin1String("copy"))
+            QVERIFY(m_files->saveCopyTo(path(QStringLiteral("saved.glb"))));
+        if (how == QLatin1String("export"))
+            QVERIFY(m_files->exportTo(path(QStringLiteral("saved.glb"))));
+        if (stays) {
+            QTest::qWait(LongEnough);
+            QVERIFY(isKept());
+            return;
+        }
         if (how == QLatin1String("save"))
             QVERIFY(m_files->savePath(path(QStringLiteral("saved.glb"))));
         if (how == QLatin1String("open"))
@@ -285,7 +312,92 @@ private slots:
         QTRY_VERIFY(QDir(settings() + QStringLiteral("/autosave")).isEmpty());
     }
 
+    /// The same with work that was brought back, which lies where the crash left it.
+    void recoveredWorkMovesToo()
+    {
+        QString error;
+        std::unique_ptr<RecoverySession> left =
+            RecoverySession::create(settings() + QStringLiteral("/autosave"), &error);
+        QVERIFY2(left, qPrintable(error));
+        QVERIFY(
+            RySnapshotStore(left->folder()).write(RySceneSnapshot::take(*ryScene(), false, &error)->parts(), &error));
+        start();
+        m_autosave->adopt(std::move(left));
+        const QString chosen = path(QStringLiteral("chosen place"));
+        AutosaveSettings::global().set(true, chosen);
+        edit();
+        QTRY_VERIFY2(kept().size() == 1 && kept().front().startsWith(chosen), qPrintable(kept().join(u' ')));
+    }
+
+    /// What a crash left in a folder is found there after another was chosen, or none.
+    void formerFoldersAreSearched()
+    {
+        const QString first = path(QStringLiteral("first")), second = path(QStringLiteral("second"));
+        AutosaveSettings::global().set(true, first);
+        QString error;
+        {
+            const auto left = RecoverySession::create(first, &error);
+            QVERIFY2(left, qPrintable(error));
+            QVERIFY(RySnapshotStore(left->folder())
+                        .write(RySceneSnapshot::take(*ryScene(), false, &error)->parts(), &error));
+        }
+        for (const QString &next : {second, QString(), second}) {
+            AutosaveSettings::global().set(true, next);
+            QVERIFY(!AutosaveSettings::global().folders().contains(first));
+            QCOMPARE(AutosaveSettings::global().searchedFolders().count(first), 1);
+            QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).size(), 1);
+        }
+    }
+
+    /// A save that was not whole goes to another file all the same, and what is kept belongs to that.
+    void followsToTheNewFile()
+    {
+        QFile strange(path(QStringLiteral("strange.gltf")));
+        QVERIFY(strange.open(QIODevice::WriteOnly));
+        strange.write(strangeFile());
+        strange.close();
+        QVERIFY(m_files->mergePath(strange.fileName()));
+        start();
+        edit();
+        QTRY_VERIFY(isKept());
+        const QString before = m_files->path(), both = path(QStringLiteral("both.glb"));
+        QCOMPARE(keptInfo().path, before);
+        QCOMPARE(keptInfo().mergedFiles, 1);
+        RyDialogDriver driver;
+        QVERIFY(m_files->savePath(both));
+        QVERIFY(!ryUndoStack()->isClean());
+        QTRY_COMPARE(keptInfo().path, both);
+        QCOMPARE(keptInfo().stamp, HostFiles::stampOf(both));
+        QVERIFY(!keptInfo().jointsOnly);
+        m_files->setSavesJointsOnly(true);
+        QTRY_VERIFY(keptInfo().jointsOnly);
+    }
+
+    /// No memory for a snapshot is a thing to be told, and no end of the program.
+    void noMemory()
+    {
+        start();
+        AllocationFailure::failNextIn("Autosave");
+        edit();
+        QTRY_COMPARE(m_messages.size(), 1);
+        QVERIFY(AllocationFailure::hasFailed());
+        QCOMPARE(
+            m_messages.front(),
+            QStringLiteral("Unsaved work is not being kept: the scene needs more memory than this machine has. Save "
+                           "it; Edit > Preferences chooses another folder."));
+        edit();
+        QTRY_VERIFY(isKept());
+        QTRY_COMPARE(m_messages.size(), 2);
+        const QString edited = dump();
+        QCOMPARE(bringBack(), edited);
+    }
+
 private:
+    RecoveryInfo keptInfo() const
+    {
+        QString error;
+        return RecoveryInfo::fromBytes(RySnapshotStore::readPart(kept().value(0), RecoveryInfo::PartName, &error));
+    }
     static QString state()
     {
         const RyUndoStack *stack = ryUndoStack();

@@ -1,3 +1,4 @@
+#include "foreign/ForeignSketch.h"
 #include "recovery/AutosaveStage.h"
 #include "support/RyTest.h"
 
@@ -27,7 +28,7 @@ private slots:
     {
         start();
         RyDialogDriver driver;
-        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, nullptr));
+        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr));
         QVERIFY(driver.records().empty());
     }
 
@@ -42,7 +43,7 @@ private slots:
         driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Recover"));
         QStringList posted;
         connect(m_files.get(), &HostFiles::messagePosted, this, [&posted](const QString &each) { posted << each; });
-        QVERIFY(offerUnsavedWork(*ryScene(), *m_files, *m_autosave, nullptr));
+        QVERIFY(offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr));
         QCOMPARE(driver.errors(), QStringList());
         QCOMPARE(dump(), edited);
         QCOMPARE(m_files->path(), file);
@@ -63,11 +64,11 @@ private slots:
         const QString before = dump();
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Later"));
-        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, nullptr));
+        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr));
         QCOMPARE(dump(), before);
         m_autosave.reset();
         QVERIFY(isKept());
-        QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().folders()).size(), 1);
+        QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).size(), 1);
     }
 
     /// The newest comes first, each says what it is of, from when, and what to know before it is saved.
@@ -76,7 +77,9 @@ private slots:
         RecoveryInfo old = info();
         old.path = path(QStringLiteral("mannequin.glb"));
         old.time = QDateTime::currentDateTimeUtc().addDays(-2);
-        old.fileCount = 3;
+        old.mergedFiles = 2;
+        old.stamp = HostFiles::stampOf(old.path);
+        old.stamp.first = old.stamp.first.addDays(-2);
         leave(old);
         RecoveryInfo fresh = info();
         fresh.path.clear();
@@ -87,18 +90,127 @@ private slots:
         const auto *list = dialog.findChild<QListWidget *>(QStringLiteral("RecoveryList"));
         const auto *detail = dialog.findChild<QLabel *>(QStringLiteral("RecoveryDetail"));
         QCOMPARE(list->count(), 2);
-        QCOMPARE(list->item(0)->text(), QStringLiteral("Untitled, as it was on %1").arg(fresh.timeText()));
+        QCOMPARE(list->item(0)->text(), QStringLiteral("Untitled, as of %1").arg(fresh.timeText()));
         QCOMPARE(detail->text(), QStringLiteral("It was never saved; saving it asks where.\nThe undo history is "
                                                 "gone.\nNot kept: a clip"));
         const_cast<QListWidget *>(list)->setCurrentRow(1);
-        QCOMPARE(list->item(1)->text(), QStringLiteral("mannequin.glb, as it was on %1").arg(old.timeText()));
+        QCOMPARE(list->item(1)->text(), QStringLiteral("mannequin.glb, as of %1").arg(old.timeText()));
         const QStringList lines = detail->text().split(QLatin1Char('\n'));
         QCOMPARE(lines.size(), 4);
         QCOMPARE(lines[0], QStringLiteral("%1 is as it was and is replaced only when you save.").arg(old.path));
-        QCOMPARE(lines[1], QStringLiteral("2 file(s) were merged into it."));
-        QVERIFY(lines[2].startsWith(QStringLiteral("That file was written later, on ")) &&
-                lines[2].endsWith(QStringLiteral(": compare the two before you save over it.")));
+        QCOMPARE(lines[1], QStringLiteral("2 files were merged into it."));
+        QCOMPARE(lines[2],
+                 QStringLiteral("Another program has written that file since (%1): compare the two before you "
+                                "save over it.")
+                     .arg(timeTextOf(QFileInfo(old.path).lastModified())));
         QVERIFY(dialog.findChild<QPushButton *>(QStringLiteral("RecoveryRecover"))->isEnabled());
+    }
+
+    /// One file in words of its own; and of times that stamps say nothing of, nothing is said.
+    void oneMergedFile()
+    {
+        RecoveryInfo about = info();
+        about.mergedFiles = 1;
+        leave(about);
+        RecoveryDialog dialog(left());
+        QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("RecoveryDetail"))->text(),
+                 QStringLiteral("%1 is as it was and is replaced only when you save.\n1 file was merged into it.\nThe "
+                                "undo history is gone.")
+                     .arg(about.path));
+    }
+
+    /// Another program wrote the file in the middle of the session, before the latest snapshot: saving what is brought
+    /// back asks, as it would have without the crash.
+    void fileOfAnotherProgram()
+    {
+        RecoveryInfo about = info();
+        const QString file = about.path;
+        QFile other(file);
+        QVERIFY(other.open(QIODevice::Append));
+        other.write("    ");
+        other.close();
+        about.time = QDateTime::currentDateTimeUtc().addSecs(1);
+        leave(about);
+        reset();
+        QVERIFY(recoverOne().contains(QStringLiteral("Another program has written that file since")));
+        RyDialogDriver driver;
+        QVERIFY(!m_files->save());
+        QCOMPARE(driver.boxes().size(), size_t(1));
+        QCOMPARE(driver.boxes().front().title, QStringLiteral("Written Meanwhile"));
+    }
+
+    /// All of it is unsaved, not only what was done since; and what was merged is known still.
+    void saysWhatIsUnsaved()
+    {
+        RecoveryInfo about = info();
+        about.mergedFiles = 2;
+        leave(about);
+        reset();
+        recoverOne();
+        const QString all = QStringLiteral("Unsaved work of before a crash, brought back at %1")
+                                .arg(timeTextOf(m_files->savedState().time));
+        QCOMPARE(m_files->unsavedChanges(), all + QLatin1Char('.'));
+        QVERIFY2(m_files->title().endsWith(QStringLiteral("mannequin.glb + 2 files")), qPrintable(m_files->title()));
+        edit();
+        QCOMPARE(m_files->unsavedChanges(), all + QStringLiteral(", and 1 edit since: Turn."));
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Unsaved Changes"), QStringLiteral("Cancel"));
+        QVERIFY(!m_files->confirmDiscard());
+        QCOMPARE(driver.boxes().front().informativeText,
+                 all + QStringLiteral(", and 1 edit since: Turn.\nWithout saving all of it is lost."));
+        QVERIFY(!m_files->revert());
+        QVERIFY2(driver.boxes().back().informativeText.endsWith(
+                     QStringLiteral("What was merged from 2 other files goes too.")),
+                 qPrintable(driver.boxes().back().informativeText));
+        QVERIFY(m_files->savePath(path(QStringLiteral("saved.glb"))));
+        QVERIFY(m_files->title().endsWith(QStringLiteral("saved.glb")));
+    }
+
+    /// Who started the program with files sees the recovered work instead, and is told.
+    void namesWhatIsNotOpened()
+    {
+        leave(info());
+        reset();
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Recover"));
+        const QStringList asked{QStringLiteral("/a/hero.glb"), QStringLiteral("/b/prop.obj")};
+        QVERIFY(offerUnsavedWork(*ryScene(), *m_files, *m_autosave, asked, nullptr));
+        QCOMPARE(driver.boxes().size(), size_t(1));
+        QCOMPARE(driver.boxes().front().title, QStringLiteral("Not Opened"));
+        QCOMPARE(
+            driver.boxes().front().text,
+            QStringLiteral("The recovered work is on the screen, so this was not opened:\n\n/a/hero.glb\n/b/prop.obj"
+                           "\n\nSave the recovered work, then File > Open opens it."));
+        QCOMPARE(driver.boxes().front().buttons, QStringList{QStringLiteral("Ok")});
+    }
+
+    /// What was read from a foreign file is in no file: it is kept before the first edit, and the file is never
+    /// written.
+    void ofAForeignFile()
+    {
+        const QString foreign = path(QStringLiteral("arm.bvh"));
+        QFile file(foreign);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(ForeignSketch::bvh());
+        file.close();
+        start();
+        QVERIFY(m_files->openPath(foreign));
+        QTRY_VERIFY(isKept() && m_autosave->isUpToDate());
+        const QString read = dump();
+        RySnapshotParts parts;
+        QString error;
+        QVERIFY2(RySnapshotStore::read(kept().front(), &parts, &error), qPrintable(error));
+        reset();
+        leaveParts(parts);
+        QCOMPARE(recoverOne(),
+                 QStringLiteral("It was read from %1, which stays as it is, and never saved; saving it asks "
+                                "where.\nThe undo history is gone.")
+                     .arg(foreign));
+        QCOMPARE(dump(), read);
+        QCOMPARE(m_files->path(), foreign);
+        QCOMPARE(ryScene()->getOrigin()->path(), foreign);
+        QVERIFY(!m_files->savesInPlace());
+        QVERIFY(m_files->savePath(path(QStringLiteral("arm.glb"))));
     }
 
     void deletes_data()
@@ -152,7 +264,7 @@ private slots:
         const QString before = dump();
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Recover"));
-        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, nullptr));
+        QVERIFY(!offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr));
         QCOMPARE(driver.boxes().size(), size_t(1));
         QCOMPARE(driver.boxes().front().title, QStringLiteral("Not Recovered"));
         QVERIFY(driver.boxes().front().text.startsWith(QStringLiteral("The unsaved work cannot be brought back: ")));
@@ -175,18 +287,35 @@ private slots:
     }
 
 private:
-    static QStringList left() { return RecoverySession::leftBehind(AutosaveSettings::global().folders()); }
-    RecoveryInfo info() const { return RecoveryInfo::of(*ryScene(), *m_files, {}); }
+    static QStringList left() { return RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()); }
+    RecoveryInfo info() const { return RecoveryInfo::of(*m_files, {}); }
     /// What a program that was killed would leave of the present scene.
     void leave(const RecoveryInfo &about)
     {
         QString error;
-        const auto session = RecoverySession::create(settings() + QStringLiteral("/autosave"), &error);
-        QVERIFY2(session, qPrintable(error));
         RySnapshotParts parts = RySceneSnapshot::take(*ryScene(), false, &error)->parts();
         parts.push_back({RecoveryInfo::PartName, about.toBytes(), false, {}});
+        leaveParts(parts);
+    }
+    void leaveParts(const RySnapshotParts &parts)
+    {
+        QString error;
+        const auto session = RecoverySession::create(settings() + QStringLiteral("/autosave"), &error);
+        QVERIFY2(session, qPrintable(error));
         QVERIFY2(RySnapshotStore(session->folder()).write(parts, &error), qPrintable(error));
         QTest::qWait(2); // names are told apart by the millisecond
+    }
+    /// Brings back the only one; gives what was said of it.
+    QString recoverOne()
+    {
+        QString said;
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Recover"));
+        connect(&driver, &RyDialogDriver::opened, this, [&said](const QDialog *dialog) {
+            if (const auto *detail = dialog->findChild<QLabel *>(QStringLiteral("RecoveryDetail")))
+                said = detail->text();
+        });
+        return offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr) ? said : QStringLiteral("nothing");
     }
     /// The program as it starts.
     void reset()

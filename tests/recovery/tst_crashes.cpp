@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QDirIterator>
 
+#include <algorithm>
 #include <random>
 
 /// A program is killed in the middle of its work, and what it did is brought back.
@@ -104,13 +105,13 @@ private slots:
         QVERIFY(b.start(m_files->path(), unsigned(m_random())));
         a.letRun(2500);
         QCOMPARE(kept().size(), 2);
-        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().folders()).isEmpty());
+        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).isEmpty());
         a.kill();
-        QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().folders()).size(), 1);
+        QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).size(), 1);
         b.kill();
         checkFiles();
         QList<QByteArray> hashes;
-        for (const QString &folder : RecoverySession::leftBehind(AutosaveSettings::global().folders()))
+        for (const QString &folder : RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()))
             hashes.append(recover(folder));
         QCOMPARE(hashes.size(), 2);
         for (const SessionRun *run : {&a, &b}) {
@@ -136,7 +137,46 @@ private slots:
                  qPrintable(run.messages().front()));
         checkFiles();
         QVERIFY(!isKept());
-        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().folders()).isEmpty());
+        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).isEmpty());
+    }
+
+    /// The disk fills up in the middle of the work: what was kept before that is whole and comes back.
+    void diskFillsUp()
+    {
+        SessionRun run(settings(), temporary());
+        QVERIFY(run.start(m_files->path(), unsigned(m_random()), {QStringLiteral("full=20000")}));
+        QVERIFY(run.waitFor("full"));
+        QVERIFY(run.waitFor("message"));
+        run.letRun(2000);
+        run.kill();
+        QVERIFY2(run.messages().front().contains(QStringLiteral("File too large")), qPrintable(run.messages().front()));
+        QVERIFY(!run.edits().back().isBeforeFull);
+        checkFiles();
+        const QStringList folders = RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders());
+        QCOMPARE(folders.size(), 1);
+        const QByteArray hash = recover(folders.front());
+        QVERIFY2(std::any_of(run.edits().begin(), run.edits().end(),
+                             [&hash](const auto &edit) { return edit.isBeforeFull && edit.hash == hash; }),
+                 hash.constData());
+    }
+
+    /// Killed while it saves, saves elsewhere, opens and merges: whatever file there is opens, and between file and
+    /// snapshot nothing is missing.
+    void amongFiles()
+    {
+        const bool isLong = qEnvironmentVariableIsSet("RY_KILLS");
+        const int kills = isLong ? qEnvironmentVariableIntValue("RY_KILLS") : 6;
+        for (int i = 0; i < kills; ++i) {
+            QVERIFY(open());
+            SessionRun run(settings(), temporary());
+            QVERIFY(run.start(m_files->path(), unsigned(m_random()), {QStringLiteral("files")}));
+            run.letRun(2000 + int(m_random() % 4000));
+            run.kill();
+            checkFiles();
+            checkRecoveryAmongFiles(run);
+            if (QTest::currentTestFailed())
+                return;
+        }
     }
 
     /// Where the settings cannot be written, work is kept elsewhere and found there.
@@ -162,7 +202,7 @@ private slots:
         QVERIFY(!run.waitFor("nothing"));
         QVERIFY(run.edits().size() == 7);
         QVERIFY(!isKept());
-        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().folders()).isEmpty());
+        QVERIFY(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).isEmpty());
     }
 
 private:
@@ -183,7 +223,7 @@ private:
         QVERIFY(a.readAll() == b.readAll());
     }
     /// The hash of the dump of what is there, or the reason why it is not.
-    QByteArray recover(const QString &folder)
+    QByteArray recover(const QString &folder, QString *path = nullptr)
     {
         const QString file = m_files->path();
         HostFiles files(ryScene(), nullptr);
@@ -194,13 +234,15 @@ private:
             return "somebody else has it";
         if (!recoverUnsavedWork(std::move(session), *ryScene(), files, autosave, &error))
             return error.toUtf8();
-        if (ryUndoStack()->isClean() || ryUndoStack()->count() > 0 || files.path() != file)
+        if (path)
+            *path = files.path();
+        if (ryUndoStack()->isClean() || ryUndoStack()->count() > 0 || (!path && files.path() != file))
             return "the scene does not count as unsaved work of its file";
         return QCryptographicHash::hash(dump().toUtf8(), QCryptographicHash::Sha1).toHex();
     }
     void checkRecovery(const SessionRun &run)
     {
-        const QStringList folders = RecoverySession::leftBehind(AutosaveSettings::global().folders());
+        const QStringList folders = RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders());
         if (folders.isEmpty()) {
             // Nothing to bring back but what was opened, or the end came within the first second.
             QVERIFY2(run.checkRecovered(run.edits().front().hash).isEmpty(),
@@ -209,6 +251,26 @@ private:
         }
         QCOMPARE(folders.size(), 1);
         QCOMPARE(run.checkRecovered(recover(folders.front())), QString());
+    }
+
+    void checkRecoveryAmongFiles(const SessionRun &run)
+    {
+        const QStringList folders = RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders());
+        QVERIFY(folders.size() <= 1);
+        if (folders.isEmpty()) {
+            // All but what was done within the last second is in a file.
+            const auto saved = std::find_if(run.edits().rbegin(), run.edits().rend(),
+                                            [](const SessionRun::Edit &edit) { return edit.isSaved; });
+            QVERIFY(saved != run.edits().rend());
+            QCOMPARE(run.checkRecovered(saved->hash), QString());
+            return;
+        }
+        QString path;
+        const QByteArray hash = recover(folders.front(), &path);
+        QCOMPARE(run.checkRecovered(hash), QString());
+        QVERIFY2(std::any_of(run.edits().begin(), run.edits().end(),
+                             [&](const auto &edit) { return edit.hash == hash && edit.path == path; }),
+                 qPrintable(path));
     }
 
     std::mt19937 m_random;

@@ -58,10 +58,11 @@ int HostFiles::mergedFiles() const
     if (!m_scene)
         return 0;
     const RyScene::Origins &origins = m_scene->getOrigins();
-    return int(std::count_if(origins.begin(), origins.end(), [this](const std::shared_ptr<RySceneOrigin> &origin) {
+    const auto isMerged = [this](const std::shared_ptr<RySceneOrigin> &origin) {
         return std::none_of(m_ownOrigins.begin(), m_ownOrigins.end(),
                             [&origin](const auto &own) { return own.lock() == origin; });
-    }));
+    };
+    return m_mergedBefore + int(std::count_if(origins.begin(), origins.end(), isMerged));
 }
 
 QStringList HostFiles::recentFiles() const
@@ -79,18 +80,19 @@ QString HostFiles::unsavedChanges() const
     return ryUndoStack() ? unsavedChangesText(*ryUndoStack(), m_savedState) : QString();
 }
 
-std::pair<QDateTime, qint64> HostFiles::stampOf(const QString &path)
+HostFiles::Stamp HostFiles::stampOf(const QString &path)
 {
     const QFileInfo info(path);
     return {info.lastModified(), info.size()};
 }
 
-void HostFiles::setFile(const QString &path, const SavedState &state, bool isSample)
+void HostFiles::setFile(const QString &path, const SavedState &state, bool isSample, const Recovered *before)
 {
     m_path = path;
     m_savedState = state;
     m_isSample = isSample;
-    m_stamp = stampOf(path);
+    m_stamp = before && before->stamp.first.isValid() ? before->stamp : stampOf(path);
+    m_mergedBefore = before ? before->mergedFiles : 0;
     const RyScene::Origins &origins = m_scene->getOrigins();
     m_ownOrigins.assign(origins.begin(), origins.end());
     if (!ownPath().isEmpty()) {
@@ -109,7 +111,7 @@ bool HostFiles::load(const QString &path, bool merge)
     options.merge = merge;
     std::unique_ptr<ImportProgress> progress;
     if (RySceneFile::isForeign(path)) {
-        progress = std::make_unique<ImportProgress>(QFileInfo(path).fileName(), m_window);
+        progress = std::make_unique<ImportProgress>(QFileInfo(path).fileName(), merge, m_window);
         options.progress = [&progress](double done) { return progress->step(done); };
     }
     RyApp::startBusyCursor();
@@ -120,12 +122,15 @@ bool HostFiles::load(const QString &path, bool merge)
     for (const QString &message : messages)
         RyMessageLog::global().info(message);
     if (!done && cancelled) {
-        emit messagePosted(tr("%1 was not opened: it was cancelled.").arg(QFileInfo(path).fileName()));
+        emit messagePosted(
+            (merge ? tr("%1 was not merged: it was cancelled.") : tr("%1 was not opened: it was cancelled."))
+                .arg(QFileInfo(path).fileName()));
         return false;
     }
     if (!done) {
         RyMessageLog::global().warning(error);
-        QMessageBox::warning(m_window, tr("Not Opened"), tr("%1\n\nThe scene is as it was before.").arg(error));
+        QMessageBox::warning(m_window, merge ? tr("Not Merged") : tr("Not Opened"),
+                             tr("%1\n\nThe scene is as it was before.").arg(error));
         return false;
     }
     noteMessages(path, messages);
@@ -170,7 +175,9 @@ bool HostFiles::open(const QString &path, bool isSample)
     if (!load(path, false))
         return false;
     setSavesJointsOnly(false);
-    setFile(path, SavedState::now(SavedState::Opened), isSample);
+    SavedState state = SavedState::now(RySceneFile::isForeign(path) ? SavedState::Imported : SavedState::Opened);
+    state.file = QFileInfo(path).fileName();
+    setFile(path, state, isSample);
     emit opened();
     return true;
 }
@@ -240,7 +247,7 @@ QString HostFiles::whyNotReverted() const
     const QString name = QFileInfo(m_path).fileName();
     if (!QFileInfo::exists(m_path))
         return tr("%1 is not there any more.").arg(QDir::toNativeSeparators(m_path));
-    if (ryUndoStack()->isClean() && stampOf(m_path) == m_stamp)
+    if (!hasEdits(*ryUndoStack(), m_savedState) && stampOf(m_path) == m_stamp)
         return tr("Nothing has changed: the scene is as %1 is on the disk.").arg(name);
     return {};
 }
@@ -253,7 +260,7 @@ bool HostFiles::revert()
         return false;
     }
     QStringList lost;
-    if (!ryUndoStack()->isClean())
+    if (hasEdits(*ryUndoStack(), m_savedState))
         lost.append(tr("This is lost, and undo does not bring it back:\n%1").arg(unsavedChanges()));
     if (const int merged = mergedFiles(); merged > 0)
         lost.append(merged == 1 ? tr("What was merged from another file goes too.")
@@ -274,16 +281,40 @@ bool HostFiles::revert()
     return true;
 }
 
-void HostFiles::takeRecovered(const QString &path, bool isSample, bool jointsOnly, const QStringList &notes)
+void HostFiles::takeRecovered(const Recovered &work, const QStringList &notes)
 {
-    setSavesJointsOnly(jointsOnly);
-    setFile(path, SavedState::now(SavedState::Recovered), isSample);
-    noteMessages(path, notes);
+    setSavesJointsOnly(work.jointsOnly);
+    setFile(work.path, SavedState::now(SavedState::Recovered), work.isSample, &work);
+    noteMessages(work.path, notes);
     emit opened();
+}
+
+bool HostFiles::mayReplace(const QString &path, bool *savedElsewhere)
+{
+    if (m_path.isEmpty() || QFileInfo(path) != QFileInfo(m_path) || !QFileInfo::exists(path) ||
+        stampOf(m_path) == m_stamp)
+        return true;
+    QMessageBox box(QMessageBox::Warning, tr("Written Meanwhile"),
+                    tr("Replace %1, which another program has written since?").arg(QFileInfo(path).fileName()),
+                    QMessageBox::Cancel, m_window);
+    box.setObjectName(QStringLiteral("WrittenMeanwhileBox"));
+    box.setInformativeText(
+        tr("It was written at %1. Replacing it loses what it holds now; Save As writes another file.")
+            .arg(timeTextOf(QFileInfo(path).lastModified())));
+    const QPushButton *replace = box.addButton(tr("Replace"), QMessageBox::DestructiveRole);
+    const QPushButton *elsewhere = box.addButton(tr("Save As..."), QMessageBox::AcceptRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    if (box.clickedButton() == elsewhere)
+        *savedElsewhere = saveAs();
+    return box.clickedButton() == replace;
 }
 
 bool HostFiles::savePath(const QString &path)
 {
+    bool savedElsewhere = false;
+    if (!mayReplace(path, &savedElsewhere))
+        return savedElsewhere;
     RySceneFile::SaveOptions options;
     options.jointsOnly = m_jointsOnly;
     const WrittenScene written = writeScene(m_scene, m_window, path, options);
@@ -363,8 +394,10 @@ bool HostFiles::confirmDiscard()
         (isForeign ? tr("Save what was read from %1 as glTF first?") : tr("Save the changes to %1 first?")).arg(name),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
-    box.setInformativeText(isForeign ? tr("No file holds this scene yet; %1 itself stays as it is.").arg(name)
-                                     : tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
+    const bool isAllLost = m_savedState.kind == SavedState::Recovered || m_savedState.kind == SavedState::Imported;
+    box.setInformativeText(isForeign   ? tr("%1\n%2 itself stays as it is.").arg(unsavedChanges(), name)
+                           : isAllLost ? tr("%1\nWithout saving all of it is lost.").arg(unsavedChanges())
+                                       : tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
     case QMessageBox::Save:
@@ -404,9 +437,14 @@ QString HostFiles::whyNotSaved() const
     return m_scene->getNodes().empty() ? tr("The scene is empty: there is nothing to save.") : QString();
 }
 
+bool HostFiles::savesInPlace() const
+{
+    return !ownPath().isEmpty() && isWritable(m_path);
+}
+
 bool HostFiles::save()
 {
-    return m_path.isEmpty() || m_isSample || !isWritable(m_path) ? saveAs() : savePath(m_path);
+    return savesInPlace() ? savePath(m_path) : saveAs();
 }
 
 bool HostFiles::saveAs()

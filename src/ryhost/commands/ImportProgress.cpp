@@ -38,12 +38,12 @@ bool isInput(QEvent::Type type)
 
 } // namespace
 
-ImportProgress::ImportProgress(const QString &file, QWidget *window)
+ImportProgress::ImportProgress(const QString &file, bool merge, QWidget *window)
     : m_window(window),
       m_dialog(std::make_unique<QProgressDialog>(tr("Reading %1").arg(file), tr("Cancel"), 0, Steps, window))
 {
     m_dialog->setObjectName(QStringLiteral("ImportProgress"));
-    m_dialog->setWindowTitle(tr("Open"));
+    m_dialog->setWindowTitle(merge ? tr("Merge") : tr("Open"));
     m_dialog->setAutoClose(false);
     m_dialog->setAutoReset(false);
     m_dialog->setMinimumDuration(Patience);

@@ -14,7 +14,7 @@ class ImportProgress : public QObject
 {
     Q_OBJECT
 public:
-    ImportProgress(const QString &file, QWidget *window);
+    ImportProgress(const QString &file, bool merge, QWidget *window);
     ~ImportProgress() override;
 
     /// Lets the window live; false when nobody wants the file any more. `done` from 0 to 1.

@@ -85,7 +85,7 @@ QString timeTextOf(const QDateTime &time)
 
 SavedState SavedState::now(Kind kind)
 {
-    return {kind, QDateTime::currentDateTime(), ryUndoStack() ? RyUndoHistory(*ryUndoStack()).lastNumber() : 0};
+    return {kind, QDateTime::currentDateTime(), ryUndoStack() ? RyUndoHistory(*ryUndoStack()).lastNumber() : 0, {}};
 }
 
 QString SavedState::text() const
@@ -96,6 +96,8 @@ QString SavedState::text() const
         return tr("the empty scene of %1").arg(clock);
     case Opened:
         return tr("the opening at %1").arg(clock);
+    case Imported:
+        return tr("the reading of %1 at %2").arg(file, clock);
     case Recovered:
         return tr("the recovery at %1").arg(clock);
     case Saved:
@@ -104,13 +106,19 @@ QString SavedState::text() const
     return tr("the save of %1").arg(clock);
 }
 
+bool hasEdits(const RyUndoStack &stack, const SavedState &saved)
+{
+    return !stack.isClean() && (saved.kind != SavedState::Imported || !differenceOf(stack, saved).captions.empty());
+}
+
 QString unsavedCountText(const RyUndoStack &stack, const SavedState &saved)
 {
     if (stack.isClean())
         return {};
     const Difference difference = differenceOf(stack, saved);
     if (difference.captions.empty())
-        return tr("changed");
+        return saved.kind == SavedState::Imported || saved.kind == SavedState::Recovered ? tr("unsaved")
+                                                                                         : tr("changed");
     const QString edits = editsText(int(difference.captions.size()));
     if (difference.areUndone)
         return tr("%1 taken back").arg(edits);
@@ -125,8 +133,15 @@ QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
     const QString since = saved.text();
     const QString edits = editsText(int(difference.captions.size()));
     const QString captions = captionsText(difference.captions);
-    if (difference.captions.empty() && saved.kind == SavedState::Recovered)
-        return tr("Unsaved work of before a crash, brought back at %1.").arg(timeTextOf(saved.time));
+    // All of these is unsaved, not only the edits since.
+    if (saved.kind == SavedState::Recovered) {
+        const QString all = tr("Unsaved work of before a crash, brought back at %1").arg(timeTextOf(saved.time));
+        return difference.captions.empty() ? tr("%1.").arg(all) : tr("%1, and %2 since: %3.").arg(all, edits, captions);
+    }
+    if (saved.kind == SavedState::Imported) {
+        const QString all = tr("Read from %1 at %2, in no file yet").arg(saved.file, timeTextOf(saved.time));
+        return difference.captions.empty() ? tr("%1.").arg(all) : tr("%1, and %2 since: %3.").arg(all, edits, captions);
+    }
     if (difference.captions.empty())
         return tr("Changed since %1 by what leaves no undo step.").arg(since);
     if (difference.areUndone)

@@ -91,7 +91,8 @@ void FileMenu::updateEntries()
         setMenuEntryAvailable(action, reason.isEmpty(), reason, tip);
     };
     const QString notSaved = m_files->whyNotSaved();
-    update(m_save, notSaved, tr("Save to the file that was opened"));
+    update(m_save, notSaved,
+           m_files->savesInPlace() ? tr("Save to the file that was opened") : tr("Save to a file; asks which"));
     update(m_saveAs, notSaved, tr("Save to another file, and go on with that"));
     update(m_saveCopy, notSaved, tr("Save to another file, and go on with this one"));
     update(

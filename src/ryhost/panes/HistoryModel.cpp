@@ -54,6 +54,8 @@ QString HistoryModel::savedWord() const
         return tr("empty scene");
     case SavedState::Opened:
         return tr("as opened");
+    case SavedState::Imported:
+        return tr("as read");
     case SavedState::Recovered:
         return tr("as recovered");
     case SavedState::Saved:

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <csignal>
 #include <ctime>
+#include <new>
 
 namespace {
 
@@ -49,6 +50,9 @@ Autosave::Autosave(RyScene &scene, HostFiles &files, QObject *parent) : QObject(
         else
             noteChange();
     });
+    // It belongs to another file now, or is written otherwise.
+    connect(&files, &HostFiles::pathChanged, this, &Autosave::noteChange);
+    connect(&files, &HostFiles::savesJointsOnlyChanged, this, &Autosave::noteChange);
     connect(&m_writer, &SnapshotWriter::written, this, &Autosave::noteWritten);
     connect(&AutosaveSettings::global(), &AutosaveSettings::changed, this, &Autosave::applySettings);
 }
@@ -133,18 +137,29 @@ void Autosave::take()
     m_timer.stop();
     m_isPending = false;
     QString error;
-    const std::optional<RySceneSnapshot> snapshot = RySceneSnapshot::take(*m_scene, m_files.savesJointsOnly(), &error);
-    if (snapshot) {
-        RySnapshotParts parts = snapshot->parts();
-        parts.push_back(
-            {RecoveryInfo::PartName, RecoveryInfo::of(*m_scene, m_files, snapshot->losses).toBytes(), false, {}});
-        m_writer.write(std::move(parts), AutosaveSettings::global().folders());
-        m_isKept = true;
-    }
+    const bool isTaken = pass(&error);
     m_cost = processorTime() - start;
     m_sinceTake.start();
-    if (!snapshot)
+    if (!isTaken)
         noteWritten(QString(), error);
+}
+
+/// A snapshot to the one who writes it; false with a reason.
+bool Autosave::pass(QString *error)
+{
+    try {
+        const auto snapshot = RySceneSnapshot::take(*m_scene, m_files.savesJointsOnly(), error);
+        if (!snapshot)
+            return false;
+        RySnapshotParts parts = snapshot->parts();
+        parts.push_back({RecoveryInfo::PartName, RecoveryInfo::of(m_files, snapshot->losses).toBytes(), false, {}});
+        m_writer.write(std::move(parts), AutosaveSettings::global().folders());
+        m_isKept = true;
+        return true;
+    } catch (const std::bad_alloc &) {
+        *error = tr("the scene needs more memory than this machine has");
+    }
+    return false;
 }
 
 void Autosave::drop()

@@ -40,6 +40,7 @@ private:
     bool isIdle() const;
     int pause() const;
     void take();
+    bool pass(QString *error);
     void drop();
     void noteWritten(const QString &folder, const QString &error);
     void tell(const QString &problem, const QString &message);

@@ -9,10 +9,19 @@
 namespace {
 
 const char *const SettingsGroup = "Autosave";
+const char *const FormerKey = "FormerFolders";
 
 RyAppSettings settings()
 {
     return RyAppSettings(QString::fromLatin1(SettingsGroup));
+}
+
+QStringList formerFolders()
+{
+    QStringList folders =
+        settings().getStringValue(QLatin1String(FormerKey), QString()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    folders.removeDuplicates();
+    return folders;
 }
 
 } // namespace
@@ -35,6 +44,11 @@ QString AutosaveSettings::chosenFolder() const
 
 void AutosaveSettings::set(bool isOn, const QString &folder)
 {
+    // What a crash left there may still be waiting.
+    const QString former = chosenFolder();
+    if (!former.isEmpty() && former != folder)
+        settings().setStringValue(QLatin1String(FormerKey),
+                                  (formerFolders() << QDir(former).absolutePath()).join(QLatin1Char('\n')));
     settings().setBoolValue(QStringLiteral("On"), isOn);
     settings().setStringValue(QStringLiteral("Folder"), folder);
     emit changed();
@@ -55,6 +69,13 @@ QStringList AutosaveSettings::folders() const
     folders.append(QStringLiteral("%1/ryhost-autosave-%2").arg(QDir::tempPath()).arg(::getuid()));
     folders.removeDuplicates();
     return folders;
+}
+
+QStringList AutosaveSettings::searchedFolders() const
+{
+    QStringList all = folders() + formerFolders();
+    all.removeDuplicates();
+    return all;
 }
 
 void AutosaveSettings::setState(const QString &state)

@@ -17,9 +17,10 @@ public:
 
     /// Below the settings of the program.
     static QString ordinaryFolder();
-    /// Where unsaved work may lie, the wanted place first. The others are taken where that cannot be written, and all
-    /// are looked into at the start.
+    /// Where unsaved work is kept, the wanted place first. The others are taken where that cannot be written.
     QStringList folders() const;
+    /// Where unsaved work may lie: those, and all that were ever chosen.
+    QStringList searchedFolders() const;
 
     /// Where the latest state was kept, or why it could not be; empty before.
     QString state() const { return m_state; }

@@ -1,13 +1,14 @@
 #include "ryhost/recovery/RecoveryDialog.h"
 
+#include "rycore/io/RySceneFile.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
+#include "ryhost/commands/unsavedChanges.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
-#include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -69,7 +70,7 @@ void RecoveryDialog::fill(const QStringList &folders)
 
 void RecoveryDialog::addRow(const Entry &entry)
 {
-    m_list->addItem(entry.damage.isEmpty() ? tr("%1, as it was on %2").arg(entry.info.name(), entry.info.timeText())
+    m_list->addItem(entry.damage.isEmpty() ? tr("%1, as of %2").arg(entry.info.name(), entry.info.timeText())
                                            : tr("Damaged: %1").arg(QDir::toNativeSeparators(entry.session->folder())));
 }
 
@@ -84,17 +85,24 @@ QString RecoveryDialog::describe(const Entry &entry)
         return tr("This cannot be brought back: %1.").arg(entry.damage);
     const RecoveryInfo &info = entry.info;
     QStringList lines;
+    const bool isForeign = RySceneFile::isForeign(info.path);
     if (info.path.isEmpty() || info.isSample)
         lines.append(tr("It was never saved; saving it asks where."));
+    else if (isForeign)
+        lines.append(tr("It was read from %1, which stays as it is, and never saved; saving it asks where.")
+                         .arg(QDir::toNativeSeparators(info.path)));
     else
         lines.append(
             tr("%1 is as it was and is replaced only when you save.").arg(QDir::toNativeSeparators(info.path)));
-    if (info.fileCount > 1)
-        lines.append(tr("%n file(s) were merged into it.", nullptr, info.fileCount - 1));
-    if (info.isOlderThanFile()) {
-        const QDateTime written = QFileInfo(info.path).lastModified();
-        lines.append(tr("That file was written later, on %1: compare the two before you save over it.")
-                         .arg(QLocale().toString(written, QLocale::ShortFormat)));
+    if (info.mergedFiles > 0)
+        lines.append(info.mergedFiles == 1 ? tr("1 file was merged into it.")
+                                           : tr("%n files were merged into it.", nullptr, info.mergedFiles));
+    if (info.isFileWrittenSince()) {
+        const QString written = timeTextOf(QFileInfo(info.path).lastModified());
+        lines.append((isForeign ? tr("Another program has written that file since (%1); this is from before.")
+                                : tr("Another program has written that file since (%1): compare the two before you "
+                                     "save over it."))
+                         .arg(written));
     }
     lines.append(tr("The undo history is gone."));
     if (!info.losses.isEmpty())

@@ -1,21 +1,18 @@
 #include "ryhost/recovery/RecoveryInfo.h"
 
-#include "rycore/scene/RyScene.h"
-#include "ryhost/commands/HostFiles.h"
-
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLocale>
 
-RecoveryInfo RecoveryInfo::of(const RyScene &scene, const HostFiles &files, const QStringList &losses)
+RecoveryInfo RecoveryInfo::of(const HostFiles &files, const QStringList &losses)
 {
     RecoveryInfo info;
     info.path = files.path();
     info.isSample = files.isSample();
     info.jointsOnly = files.savesJointsOnly();
-    info.fileCount = int(scene.getOrigins().size());
+    info.mergedFiles = files.mergedFiles();
+    info.stamp = files.stamp();
     info.time = QDateTime::currentDateTimeUtc();
     info.losses = losses;
     return info;
@@ -26,7 +23,9 @@ QByteArray RecoveryInfo::toBytes() const
     const QJsonObject object{{QStringLiteral("path"), path},
                              {QStringLiteral("sample"), isSample},
                              {QStringLiteral("jointsOnly"), jointsOnly},
-                             {QStringLiteral("files"), fileCount},
+                             {QStringLiteral("merged"), mergedFiles},
+                             {QStringLiteral("written"), stamp.first.toUTC().toString(Qt::ISODateWithMs)},
+                             {QStringLiteral("size"), stamp.second},
                              {QStringLiteral("time"), time.toString(Qt::ISODateWithMs)},
                              {QStringLiteral("losses"), QJsonArray::fromStringList(losses)}};
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
@@ -39,7 +38,9 @@ RecoveryInfo RecoveryInfo::fromBytes(const QByteArray &bytes)
     info.path = object.value(QStringLiteral("path")).toString();
     info.isSample = object.value(QStringLiteral("sample")).toBool();
     info.jointsOnly = object.value(QStringLiteral("jointsOnly")).toBool();
-    info.fileCount = object.value(QStringLiteral("files")).toInt();
+    info.mergedFiles = object.value(QStringLiteral("merged")).toInt();
+    info.stamp = {QDateTime::fromString(object.value(QStringLiteral("written")).toString(), Qt::ISODateWithMs),
+                  qint64(object.value(QStringLiteral("size")).toDouble())};
     info.time = QDateTime::fromString(object.value(QStringLiteral("time")).toString(), Qt::ISODateWithMs);
     for (const QJsonValue &loss : object.value(QStringLiteral("losses")).toArray())
         info.losses.append(loss.toString());
@@ -53,11 +54,10 @@ QString RecoveryInfo::name() const
 
 QString RecoveryInfo::timeText() const
 {
-    return QLocale().toString(time.toLocalTime(), QLocale::ShortFormat);
+    return timeTextOf(time.toLocalTime());
 }
 
-bool RecoveryInfo::isOlderThanFile() const
+bool RecoveryInfo::isFileWrittenSince() const
 {
-    const QFileInfo file(path);
-    return !isSample && !path.isEmpty() && file.exists() && file.lastModified().toUTC() > time;
+    return !isSample && stamp.first.isValid() && QFileInfo::exists(path) && HostFiles::stampOf(path) != stamp;
 }

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "ryhost/commands/HostFiles.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
-
-class HostFiles;
-class RyScene;
 
 /// What a snapshot says of itself: of which scene, and from when.
 struct RecoveryInfo
@@ -19,11 +18,13 @@ public:
     QString path; ///< where the scene belongs; empty for one that was never saved
     bool isSample = false;
     bool jointsOnly = false;
-    int fileCount = 0; ///< how many files came into the scene
+    int mergedFiles = 0; ///< into the scene since it was opened or saved
+    /// When the file at `path` was written, and its size, as it was when the scene was opened or saved.
+    HostFiles::Stamp stamp;
     QDateTime time;
     QStringList losses; ///< what could not be kept
 
-    static RecoveryInfo of(const RyScene &scene, const HostFiles &files, const QStringList &losses);
+    static RecoveryInfo of(const HostFiles &files, const QStringList &losses);
     QByteArray toBytes() const;
     /// An invalid time where the bytes make no sense.
     static RecoveryInfo fromBytes(const QByteArray &bytes);
@@ -32,6 +33,6 @@ public:
     QString name() const;
     /// In the words of the user's country.
     QString timeText() const;
-    /// Whether the file on the disk was written after this.
-    bool isOlderThanFile() const;
+    /// Whether another program has written the file since it was opened or saved.
+    bool isFileWrittenSince() const;
 };

@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <exception>
+#include <new>
 #include <utility>
 
 void SnapshotWriter::Worker::use(std::unique_ptr<RecoverySession> other)
@@ -11,7 +13,6 @@ void SnapshotWriter::Worker::use(std::unique_ptr<RecoverySession> other)
         session->remove();
     session = std::move(other);
     store = session ? std::make_unique<RySnapshotStore>(session->folder()) : nullptr;
-    isAdopted = false;
 }
 
 bool SnapshotWriter::Worker::writeHere(const RySnapshotParts &parts, QString *error)
@@ -22,11 +23,9 @@ bool SnapshotWriter::Worker::writeHere(const RySnapshotParts &parts, QString *er
 /// The folder above which it was written; what was written before is there until then.
 QString SnapshotWriter::Worker::write(const RySnapshotParts &parts, const QStringList &folders, QString *error)
 {
-    if (isAdopted && writeHere(parts, error))
-        return parent;
     for (const QString &folder : folders) {
         QString reason;
-        if (session && !isAdopted && parent == folder) {
+        if (session && parent == folder) {
             if (writeHere(parts, &reason))
                 return parent;
         }
@@ -44,6 +43,21 @@ QString SnapshotWriter::Worker::write(const RySnapshotParts &parts, const QStrin
         }
         if (error->isEmpty())
             *error = reason;
+    }
+    // What was brought back may lie where nothing is chosen any more, and better there than nowhere.
+    QString reason;
+    return session && !folders.contains(parent) && writeHere(parts, &reason) ? parent : QString();
+}
+
+/// An exception that leaves the thread would end the program, and with it the work that is to be kept.
+QString SnapshotWriter::Worker::tryToWrite(const RySnapshotParts &parts, const QStringList &folders, QString *error)
+{
+    try {
+        return write(parts, folders, error);
+    } catch (const std::bad_alloc &) {
+        *error = tr("the scene needs more memory than this machine has");
+    } catch (const std::exception &failure) {
+        *error = QString::fromUtf8(failure.what());
     }
     return {};
 }
@@ -80,7 +94,6 @@ void SnapshotWriter::adopt(std::unique_ptr<RecoverySession> session)
         [worker = m_worker, passed] {
             worker->use(std::unique_ptr<RecoverySession>(std::exchange(*passed, nullptr)));
             worker->parent = QFileInfo(worker->session->folder()).path();
-            worker->isAdopted = true;
         },
         Qt::QueuedConnection);
 }
@@ -92,7 +105,7 @@ void SnapshotWriter::write(RySnapshotParts parts, const QStringList &folders)
         m_worker,
         [this, worker = m_worker, parts = std::move(parts), folders] {
             QString error;
-            const QString folder = worker->write(parts, folders, &error);
+            const QString folder = worker->tryToWrite(parts, folders, &error);
             QMetaObject::invokeMethod(
                 this,
                 [this, folder, error] {

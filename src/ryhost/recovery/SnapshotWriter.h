@@ -37,14 +37,15 @@ private:
     /// Lives in the thread.
     struct Worker : QObject
     {
+        /// Likewise where there is no memory for it.
+        QString tryToWrite(const RySnapshotParts &parts, const QStringList &folders, QString *error);
         QString write(const RySnapshotParts &parts, const QStringList &folders, QString *error);
         bool writeHere(const RySnapshotParts &parts, QString *error);
         void use(std::unique_ptr<RecoverySession> session);
 
         std::unique_ptr<RecoverySession> session;
         std::unique_ptr<RySnapshotStore> store;
-        QString parent;         // of the session
-        bool isAdopted = false; // it stays where it is
+        QString parent; // of the session
     };
 
     QThread m_thread;

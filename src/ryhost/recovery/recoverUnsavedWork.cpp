@@ -40,14 +40,15 @@ bool recoverUnsavedWork(std::unique_ptr<RecoverySession> session, RyScene &scene
     for (const QString &message : qAsConst(messages))
         RyMessageLog::global().info(message);
     autosave.adopt(std::move(session));
-    files.takeRecovered(info.path, info.isSample, info.jointsOnly, info.losses + messages);
+    files.takeRecovered({info.path, info.isSample, info.jointsOnly, info.mergedFiles, info.stamp},
+                        info.losses + messages);
     RySnapshotState::applySelection(snapshot->selection, scene); // a window selects something where nothing was
     return true;
 }
 
-bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, QWidget *window)
+bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, const QStringList &asked, QWidget *window)
 {
-    RecoveryDialog dialog(RecoverySession::leftBehind(AutosaveSettings::global().folders()), window);
+    RecoveryDialog dialog(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()), window);
     if (dialog.isEmpty() || dialog.exec() != QDialog::Accepted)
         return false;
     std::unique_ptr<RecoverySession> session = dialog.takeChosen();
@@ -68,5 +69,15 @@ bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, QWid
         return false;
     }
     emit files.messagePosted(Recovery::tr("Recovered unsaved work; its undo history is gone. Save to keep it."));
+    if (!asked.isEmpty()) {
+        QStringList names;
+        for (const QString &path : asked)
+            names.append(QDir::toNativeSeparators(path));
+        QMessageBox::information(
+            window, Recovery::tr("Not Opened"),
+            Recovery::tr("The recovered work is on the screen, so this was not opened:\n\n%1\n\nSave the recovered "
+                         "work, then File > Open opens it.")
+                .arg(names.join(QLatin1Char('\n'))));
+    }
     return true;
 }

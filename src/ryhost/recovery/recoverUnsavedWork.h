@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include <memory>
 
@@ -10,8 +10,9 @@ class QWidget;
 class RecoverySession;
 class RyScene;
 
-/// Offers what programs that no longer run have left. True when some of it is in the scene now.
-bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, QWidget *window);
+/// Offers what programs that no longer run have left. True when some of it is in the scene now; `asked`, the files
+/// that the program was started with, are named then, for they are not opened.
+bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, const QStringList &asked, QWidget *window);
 
 /// Brings back the work of a session, which stays on the disk until there is something newer. On failure the scene is
 /// as it was, and the session stays too.

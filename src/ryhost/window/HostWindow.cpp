@@ -34,7 +34,9 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScopedValueRollback>
 #include <QStatusBar>
+#include <QTimer>
 #include <QTreeView>
 #include <QUrl>
 
@@ -44,6 +46,7 @@ const char *const SettingsGroup = "Window";
 const char *const JointEditorTool = "RyJointEditorTool";
 constexpr QSize LeastViewport(400, 300);
 constexpr int MostUndoWidth = 420; // of the names of the steps in the status bar
+constexpr int DropPause = 200;     // milliseconds
 
 } // namespace
 
@@ -292,7 +295,20 @@ void HostWindow::dropEvent(QDropEvent *event)
             paths.append(url.toLocalFile());
     }
     event->acceptProposedAction();
-    if (paths.isEmpty() || !m_files->openPathAsking(paths.takeFirst()))
+    // The other program may wait until this returns, and reading takes as long as it takes.
+    if (!paths.isEmpty())
+        QMetaObject::invokeMethod(
+            this, [this, paths] { openDropped(paths); }, Qt::QueuedConnection);
+}
+
+void HostWindow::openDropped(QStringList paths)
+{
+    if (m_isOpening) { // the next drop came before this one was asked about or read
+        QTimer::singleShot(DropPause, this, [this, paths] { openDropped(paths); });
+        return;
+    }
+    const QScopedValueRollback<bool> opening(m_isOpening, true);
+    if (!m_files->openPathAsking(paths.takeFirst()))
         return;
     for (const QString &path : paths)
         m_files->mergePath(path);

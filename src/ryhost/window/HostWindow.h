@@ -56,6 +56,7 @@ private:
     void updateTitle();
     void updateStatus();
     void fileOpened();
+    void openDropped(QStringList paths);
 
     Ry3DViewport *m_viewport;
     HostFiles *m_files;
@@ -72,4 +73,5 @@ private:
     QLabel *m_unitStatus = nullptr;
     QByteArray m_firstLayout;
     bool m_dark = true;
+    bool m_isOpening = false; // what was dropped
 };

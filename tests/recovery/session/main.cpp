@@ -1,12 +1,16 @@
 // An artist at work, to be killed. It opens a file, or what an earlier one left, and edits it with pauses until the
 // end.
 //
-// recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [recover]
+// recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [full=BYTES] [files] [recover]
 //   edits=N      ends in order after so many edits; 0: stays open and does nothing
 //   limit=BYTES  no file may grow beyond that, as if the disk were full
+//   full=BYTES   likewise, from the first snapshot on, which is told as "full"
+//   files        saves now and then, under this name or another beside FILE, opens what it saved, and merges FILE;
+//                begins with a save under another name, so that FILE itself stays
 //   recover      begins with what was left; FILE is opened where there is nothing
 //
-// Each finished edit is told as "edit TIME HASH": milliseconds since 1970 and the hash of the scene's dump. "late TIME
+// Each finished edit is told as "edit TIME HASH PATH": milliseconds since 1970, the hash of the scene's dump, and the
+// file it belongs to; "saved" says that the latest one is in that file. "late TIME
 // MS" says that the machine had no processor for the program for so long just before; "message TEXT" what a person
 // would read.
 #include "recovery/RandomEdits.h"
@@ -14,6 +18,7 @@
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySceneDump.h"
+#include "rycore/io/snapshot/RySnapshotStore.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
@@ -30,8 +35,10 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTimer>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -42,6 +49,7 @@
 namespace {
 
 constexpr int Beat = 50; // milliseconds
+constexpr size_t MostNodes = 200;
 
 std::atomic<bool> isEnding{false};
 
@@ -77,10 +85,16 @@ void beat()
 class Artist
 {
 public:
-    Artist(RyScene &scene, unsigned seed, int count) : m_scene(scene), m_edits(scene, seed), m_left(count) {}
+    Artist(RyScene &scene, HostFiles &files, unsigned seed, int count)
+        : m_scene(scene), m_files(files), m_edits(scene, seed), m_left(count)
+    {}
 
-    void begin()
+    /// With a file: saves, opens and merges too.
+    void begin(const QString &file)
     {
+        m_file = file;
+        if (!m_file.isEmpty())
+            save(0);
         tellState();
         next();
     }
@@ -97,9 +111,46 @@ private:
         --m_left;
         if (m_edits.random()() % 6 == 0)
             return drag();
-        m_edits.editOnce();
+        if (!m_file.isEmpty() && m_edits.random()() % 5 == 0)
+            useFiles();
+        else
+            m_edits.editOnce();
         tellState();
         next();
+    }
+    void save(unsigned number)
+    {
+        const QString path = QFileInfo(m_file).dir().filePath(QStringLiteral("saved%1.glb").arg(number));
+        if (!m_files.savePath(path))
+            return tell("message", QStringLiteral("not saved"));
+        tellState();
+        tell("saved", path);
+    }
+    void useFiles()
+    {
+        switch (m_edits.random()() % 4) {
+        case 0:
+            return save(m_edits.random()() % 3);
+        case 1: {
+            const QString path = m_files.path();
+            save(m_edits.random()() % 3);
+            // Opened, it is what its file holds.
+            if (ryUndoStack()->isClean() && m_files.openPath(path)) {
+                tellState();
+                tell("saved", path);
+            }
+            return;
+        }
+        case 2:
+            if (m_scene.getNodes().size() < MostNodes)
+                m_files.mergePath(m_file);
+            return;
+        default:
+            if (m_files.savePath(m_files.path())) {
+                tellState();
+                tell("saved", m_files.path());
+            }
+        }
     }
     /// A hold that stays open for longer than work may stay unkept.
     void drag()
@@ -122,18 +173,36 @@ private:
     {
         const qint64 time = QDateTime::currentMSecsSinceEpoch(); // what is worked out below is no part of the edit
         const QByteArray hash = QCryptographicHash::hash(rySceneDump(m_scene).toUtf8(), QCryptographicHash::Sha1);
-        tell("edit", QStringLiteral("%1 %2").arg(time).arg(QString::fromLatin1(hash.toHex())));
+        tell("edit", QStringLiteral("%1 %2 %3").arg(time).arg(QString::fromLatin1(hash.toHex()), m_files.path()));
     }
 
     RyScene &m_scene;
+    HostFiles &m_files;
+    QString m_file;
     RandomEdits m_edits;
     std::unique_ptr<RyUndoStackHold> m_hold;
     int m_left;
 };
 
+void fillTheDisk(rlim_t bytes)
+{
+    const rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+bool isAnyKept()
+{
+    const QStringList folders = AutosaveSettings::global().folders();
+    return std::any_of(folders.begin(), folders.end(), [](const QString &parent) {
+        const QFileInfoList found = QDir(parent).entryInfoList({QStringLiteral("session-*")}, QDir::Dirs);
+        return std::any_of(found.begin(), found.end(),
+                           [](const QFileInfo &each) { return RySnapshotStore::hasSnapshot(each.filePath()); });
+    });
+}
+
 bool recoverLatest(HostFiles &files, Autosave &autosave)
 {
-    for (const QString &folder : RecoverySession::leftBehind(AutosaveSettings::global().folders())) {
+    for (const QString &folder : RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders())) {
         std::unique_ptr<RecoverySession> session = RecoverySession::adopt(folder);
         QString error;
         if (session && recoverUnsavedWork(std::move(session), *ryScene(), files, autosave, &error))
@@ -146,16 +215,17 @@ bool recoverLatest(HostFiles &files, Autosave &autosave)
 int run(const QStringList &arguments)
 {
     int count = -1;
-    bool recovers = false;
+    bool recovers = false, usesFiles = false;
+    rlim_t full = 0;
     for (const QString &argument : arguments.mid(4)) {
         if (argument.startsWith(QLatin1String("edits=")))
             count = argument.mid(6).toInt();
         recovers = recovers || argument == QLatin1String("recover");
-        if (argument.startsWith(QLatin1String("limit="))) {
-            const rlim_t bytes = rlim_t(argument.mid(6).toULongLong());
-            const rlimit limit{bytes, bytes};
-            setrlimit(RLIMIT_FSIZE, &limit);
-        }
+        usesFiles = usesFiles || argument == QLatin1String("files");
+        if (argument.startsWith(QLatin1String("limit=")))
+            fillTheDisk(rlim_t(argument.mid(6).toULongLong()));
+        if (argument.startsWith(QLatin1String("full=")))
+            full = rlim_t(argument.mid(5).toULongLong());
     }
     RyAppSettings::setSettingsPath(arguments.at(1));
     RyMessageLog::global().setEcho(false);
@@ -164,11 +234,21 @@ int run(const QStringList &arguments)
     QObject::connect(&autosave, &Autosave::messagePosted, [](const QString &message) { tell("message", message); });
     if (!(recovers && recoverLatest(files, autosave)) && !files.openPath(arguments.at(2)))
         return 2;
-    Artist artist(*ryScene(), arguments.at(3).toUInt(), count);
+    Artist artist(*ryScene(), files, arguments.at(3).toUInt(), count);
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&watch, full] {
+        if (!isAnyKept())
+            return;
+        fillTheDisk(full);
+        tell("full", QString::number(full));
+        watch.stop();
+    });
+    if (full > 0)
+        watch.start(10);
     if (count == 0)
         tell("open", files.path());
     else
-        artist.begin();
+        artist.begin(usesFiles ? arguments.at(2) : QString());
     const int code = QApplication::exec();
     return code;
 }
@@ -179,7 +259,7 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     if (argc < 4) {
-        std::puts("usage: recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [recover]");
+        std::puts("usage: recovery_session SETTINGS FILE SEED [edits=N] [limit=BYTES] [full=BYTES] [files] [recover]");
         return 2;
     }
     std::thread beating(beat);

@@ -81,6 +81,9 @@ std::optional<RySceneSnapshot> RySceneSnapshot::take(const RyScene &scene, bool 
         if (const auto *obj = dynamic_cast<const RyObjOrigin *>(scene.getOrigin()))
             snapshot.obj = obj->keep(scene);
         snapshot.document = RyGltfParts::of(*document);
+        // What was read from a foreign file came through another one that is gone by now.
+        if (const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(scene); !origins.empty())
+            snapshot.document.path = origins.front()->filePath;
         snapshot.values = RySnapshotState::valuesOf(scene);
         snapshot.selection = RySnapshotState::selectionOf(scene);
         for (const RyNode *node : scene.getNodesInTreeOrder())
@@ -104,6 +107,7 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
     std::vector<RyRef<RyNode>> tops;
     std::unique_ptr<RyGltfOrigin> origin;
     std::vector<RyNode *> nodes;
+    int inexact = 0;
     const RyUndoStackLock lock;
     try {
         RyGltfSceneReader reader(std::move(read), document.path.isEmpty() ? path : document.path, 0.0);
@@ -111,6 +115,12 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
             return false;
         tops = reader.topLevelNodes();
         origin = reader.takeOrigin();
+        for (const RyRef<RyNode> &top : tops)
+            addSubtree(*top, nodes);
+        inexact = RySnapshotState::applyValues(values, nodes);
+        for (size_t i = 0; i < nodes.size() && i < positions.size(); ++i)
+            RySnapshotState::applyPositions(positions[i], *nodes[i]);
+        forgetFits(nodes);
     } catch (const std::bad_alloc &) {
         *error = QStringLiteral("it needs more memory than this machine has");
         return false;
@@ -119,14 +129,8 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
         *error = QStringLiteral("its parts do not fit together");
         return false;
     }
-    for (const RyRef<RyNode> &top : tops)
-        addSubtree(*top, nodes);
-    const int inexact = RySnapshotState::applyValues(values, nodes);
     if (inexact > 0 && messages)
         messages->append(QStringLiteral("The values of %1 nodes may differ in their last digits").arg(inexact));
-    for (size_t i = 0; i < nodes.size() && i < positions.size(); ++i)
-        RySnapshotState::applyPositions(positions[i], *nodes[i]);
-    forgetFits(nodes);
     ryUndoStack()->clearAll();
     scene.clear();
     for (const RyRef<RyNode> &top : tops)
