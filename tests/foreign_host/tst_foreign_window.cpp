@@ -180,7 +180,7 @@ private slots:
         connect(m_window->files(), &HostFiles::opened, this,
                 [&] { opened.append(QFileInfo(m_window->files()->path()).fileName()); });
         withDialog<QMessageBox>([&](QMessageBox *shown) { shown->button(QMessageBox::Discard)->click(); });
-        QTRY_COMPARE(opened, (QStringList{QStringLiteral("hero.fbx"), QStringLiteral("hero2.fbx")}));
+        QTRY_COMPARE_WITH_TIMEOUT(opened.join(QLatin1Char(' ')), QStringLiteral("hero.fbx hero2.fbx"), 30000);
     }
 
     void refusalIsABox()

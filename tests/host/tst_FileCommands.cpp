@@ -190,7 +190,7 @@ private slots:
         const QByteArray theirs = bytesOf(path);
         driver.setAnswer(QStringLiteral("Written Meanwhile"), answer);
         if (answer == QLatin1String("Save As..."))
-            driver.setField(QStringLiteral("fileNameEdit"), mine);
+            driver.setField(QStringLiteral("FileDlg/fileNameEdit"), mine);
         QCOMPARE(files()->save(), answer != QLatin1String("Cancel"));
         QVERIFY2(driver.errors().isEmpty(), qPrintable(driver.errors().join(u'\n')));
         const RyDialogRecord &box = driver.records().front();

@@ -377,6 +377,9 @@ private slots:
     void noMemory()
     {
         start();
+        edit();
+        QTRY_VERIFY(isKept() && m_autosave->isUpToDate()); // the thread has what it needs by now
+        const QString before = dump();
         AllocationFailure::failNextIn("Autosave");
         edit();
         QTRY_COMPARE(m_messages.size(), 1);
@@ -385,8 +388,8 @@ private slots:
             m_messages.front(),
             QStringLiteral("Unsaved work is not being kept: the scene needs more memory than this machine has. Save "
                            "it; Edit > Preferences chooses another folder."));
+        QCOMPARE(bringBack(), before);
         edit();
-        QTRY_VERIFY(isKept());
         QTRY_COMPARE(m_messages.size(), 2);
         const QString edited = dump();
         QCOMPARE(bringBack(), edited);
