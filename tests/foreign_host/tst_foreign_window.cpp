@@ -166,23 +166,6 @@ private slots:
         QTRY_COMPARE(m_window->files()->path(), m_hero);
     }
 
-    /// Dropped while another is still being read: one after the other.
-    void isDroppedTwice()
-    {
-        for (const QString &path :
-             {m_hero, m_stage->write(QStringLiteral("hero2.fbx"), "take " + ForeignStage::sample().toUtf8())}) {
-            QMimeData data;
-            data.setUrls({QUrl::fromLocalFile(path)});
-            QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(m_window.get(), &drop);
-        }
-        QStringList opened;
-        connect(m_window->files(), &HostFiles::opened, this,
-                [&] { opened.append(QFileInfo(m_window->files()->path()).fileName()); });
-        withDialog<QMessageBox>([&](QMessageBox *shown) { shown->button(QMessageBox::Discard)->click(); });
-        QTRY_COMPARE_WITH_TIMEOUT(opened.join(QLatin1Char(' ')), QStringLiteral("hero.fbx hero2.fbx"), 30000);
-    }
-
     void refusalIsABox()
     {
         const QString bad = m_stage->write(QStringLiteral("bad.dae"), "crash");
