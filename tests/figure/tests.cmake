@@ -1,1 +1,6 @@
 ry_test(figure LIBS rycore_io ry_test_core)
+# Files of other programs are read by a process of the program.
+add_dependencies(tst_figure ryhost)
+if(TARGET ryforeign)
+  add_dependencies(tst_figure ryforeign)
+endif()
