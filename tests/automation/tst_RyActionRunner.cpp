@@ -2,8 +2,8 @@
 
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/base/RyTextDistance.h"
 #include "rycore/base/RyMessageLog.h"
+#include "rycore/base/RyTextDistance.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"

@@ -340,7 +340,8 @@ void RyGltfPatchingTest::usesFollowEdits()
     const auto point = [&] { return points[std::size_t(random.integer(0, 5))]; };
     const auto bind = [&] { return random.integer(0, 3) == 0 ? -1 : binds[std::size_t(random.integer(0, 5))]; };
     for (int edit = 0; edit < 200; ++edit) {
-        QVERIFY(document->replaceFloats(points[0], std::vector<float>(12, 0.0f), 1000) == points[0]); // counts are known
+        QVERIFY(document->replaceFloats(points[0], std::vector<float>(12, 0.0f), 1000) ==
+                points[0]); // counts are known
         const int primitives = int(document->model().meshes[0].primitives.size());
         const int primitive = random.integer(0, primitives - 1);
         switch (random.integer(0, 5)) {

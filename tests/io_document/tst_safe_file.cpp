@@ -1,7 +1,7 @@
 #include "GltfFixture.h"
 #include "support/RyTest.h"
 
-#include "rycore/io/RyFileSystem.h"
+#include "rycore/base/RyFileSystem.h"
 #include "rycore/io/RySafeFile.h"
 
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #include "GltfFixture.h"
 #include "support/RyTest.h"
 
-#include "rycore/io/RyTemporaryFolder.h"
+#include "rycore/base/RyTemporaryFolder.h"
 
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 #include "rycore/io/RySafeFile.h"
 
-#include "rycore/io/RyFileSystem.h"
+#include "rycore/base/RyFileSystem.h"
 
 #include <QDir>
 #include <QFile>

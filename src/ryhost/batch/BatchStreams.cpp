@@ -1,8 +1,8 @@
 #include "ryhost/batch/BatchStreams.h"
 
-#include "rycore/io/RyFileSystem.h"
+#include "rycore/base/RyFileSystem.h"
+#include "rycore/base/RyTemporaryFolder.h"
 #include "rycore/io/RySceneFile.h"
-#include "rycore/io/RyTemporaryFolder.h"
 #include "ryhost/batch/BatchArguments.h"
 #include "ryhost/batch/StreamFormat.h"
 

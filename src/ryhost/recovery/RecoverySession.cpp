@@ -1,6 +1,6 @@
 #include "ryhost/recovery/RecoverySession.h"
 
-#include "rycore/io/RyFileSystem.h"
+#include "rycore/base/RyFileSystem.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
 
 #include <QDateTime>

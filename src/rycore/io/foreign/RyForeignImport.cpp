@@ -1,6 +1,6 @@
 #include "rycore/io/foreign/RyForeignImport.h"
 
-#include "rycore/io/RyTemporaryFolder.h"
+#include "rycore/base/RyTemporaryFolder.h"
 #include "rycore/io/foreign/RyForeignContent.h"
 #include "rycore/io/foreign/RyForeignProcess.h"
 

@@ -53,8 +53,8 @@ struct RyGltfDocument::Private
     void readModel(QStringList *warnings);
     QString folder() const;
     const std::vector<int> &countUses() const;
-    /// Follows one use that goes from one accessor to another, so that nothing is counted anew. `before` may be null and
-    /// may be no index, `after` may be -1.
+    /// Follows one use that goes from one accessor to another, so that nothing is counted anew. `before` may be null
+    /// and may be no index, `after` may be -1.
     void moveUse(const Json *before, int after);
     struct Reader
     {

@@ -1,4 +1,4 @@
-#include "rycore/io/RyTemporaryFolder.h"
+#include "rycore/base/RyTemporaryFolder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "rycore/io/RyFileSystem.h"
+#include "rycore/base/RyFileSystem.h"
 
 #include <QCryptographicHash>
 #include <QFile>
