@@ -25,6 +25,10 @@ private slots:
     }
     void everyStateComesBack_data();
     void everyStateComesBack();
+
+private:
+    /// A file holds none.
+    static QString withoutSelection(const QString &dump) { return dump.section(QStringLiteral("\nselection"), 0, 0); }
 };
 
 void RandomEditingTest::everyStateComesBack_data()
@@ -72,7 +76,7 @@ void RandomEditingTest::everyStateComesBack()
         QVERIFY2(RySceneFile::save(ryScene(), saved, &error), qPrintable(error));
         RyScene again;
         QVERIFY2(RySceneFile::open(&again, saved, &error), qPrintable(error));
-        QCOMPARE(rySceneDump(again), rySceneDump(*ryScene()));
+        QCOMPARE(withoutSelection(rySceneDump(again)), withoutSelection(rySceneDump(*ryScene())));
     }
     const QString wrong = random.unwind();
     QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(ryTestSeed()).arg(wrong)));

@@ -22,7 +22,11 @@ static void addBulges(const RyBoneBinding &binding, std::vector<RyFloatProperty 
         const RyBulgeBinding *bulge = binding.getBulgeBinding(axis);
         if (!bulge)
             continue;
-        list.insert(list.end(), bulge->controllers().begin(), bulge->controllers().end());
+        for (RyFloatProperty *controller : {bulge->getNegLeftBulgeController(), bulge->getNegRightBulgeController(),
+                                            bulge->getPosLeftBulgeController(), bulge->getPosRightBulgeController()}) {
+            if (controller)
+                list.push_back(controller);
+        }
     }
 }
 
