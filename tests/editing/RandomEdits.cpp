@@ -158,6 +158,8 @@ QString RandomEdits::edit()
     }
     if (kind < 94) {
         const std::vector<RyBone *> bones = m_stage.bones();
+        if (bones.empty())
+            return {};
         const RyBone *parent = bones[size_t(pick(int(bones.size())))];
         return runAction(
             "RyJEReparentBoneAction", {{QStringLiteral("NodeDlgTree"), parent->getName()}},

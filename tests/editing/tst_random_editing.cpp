@@ -27,8 +27,13 @@ private slots:
     void everyStateComesBack();
 
 private:
-    /// A file holds none.
-    static QString withoutSelection(const QString &dump) { return dump.section(QStringLiteral("\nselection"), 0, 0); }
+    /// What a file holds: no selection, and of the object of a renamed node no name of its own.
+    static QString filed(QString dump)
+    {
+        dump.remove(
+            QRegularExpression(QStringLiteral("^(  object|selection).*\n?"), QRegularExpression::MultilineOption));
+        return dump.trimmed();
+    }
 };
 
 void RandomEditingTest::everyStateComesBack_data()
@@ -68,16 +73,13 @@ void RandomEditingTest::everyStateComesBack()
             QVERIFY2(shown.isEmpty(), qPrintable(QStringLiteral("edit %1: %2").arg(i).arg(shown)));
         }
     }
-    if (!path.endsWith(QLatin1String(".glb"))) {
-        // What came from another format becomes a glTF file that says the same.
-        const QTemporaryDir folder;
-        const QString saved = folder.filePath(QStringLiteral("saved.glb"));
-        QString error;
-        QVERIFY2(RySceneFile::save(ryScene(), saved, &error), qPrintable(error));
-        RyScene again;
-        QVERIFY2(RySceneFile::open(&again, saved, &error), qPrintable(error));
-        QCOMPARE(withoutSelection(rySceneDump(again)), withoutSelection(rySceneDump(*ryScene())));
-    }
+    // What came from another format becomes a glTF file that says the same.
+    const QTemporaryDir folder;
+    const QString saved =
+        path.endsWith(QLatin1String(".glb")) ? QString() : folder.filePath(QStringLiteral("saved.glb"));
+    const QString expected = filed(rySceneDump(*ryScene()));
+    QString error;
+    QVERIFY2(saved.isEmpty() || RySceneFile::save(ryScene(), saved, &error), qPrintable(error));
     const QString wrong = random.unwind();
     QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("seed %1: %2").arg(ryTestSeed()).arg(wrong)));
     qInfo("%d steps, %d restore points taken, %d gone back to, %d actions refused", random.steps(),
@@ -88,6 +90,11 @@ void RandomEditingTest::everyStateComesBack()
     QVERIFY(random.steps() > edits / 10);
     QVERIFY(random.pointsTaken() > edits / 50);
     QVERIFY(random.restored() > edits / 100);
+    if (!saved.isEmpty()) { // last, as opening clears the undo history
+        RyScene again;
+        QVERIFY2(RySceneFile::open(&again, saved, &error), qPrintable(error));
+        QCOMPARE(filed(rySceneDump(again)), expected);
+    }
 }
 
 RY_TEST(RandomEditingTest)
