@@ -15,6 +15,8 @@
 
 #include <QFileInfo>
 
+#include <QRegularExpression>
+
 #include <random>
 
 namespace {
@@ -112,6 +114,23 @@ private:
             bone->getZRotControl()->setValue(30.0f * number(random));
             bone->getYScaleControl()->setValue(1.0f + 0.2f * number(random));
         }
+    }
+    /// A joint that a clip drives cannot hold shear, which a pose scale may need; saving names it then. Only the pose
+    /// of those that it names may come back otherwise.
+    static QString withoutSheared(const QString &dump, const QStringList &said)
+    {
+        static const QRegularExpression node(QStringLiteral("^node #\\d+ (\"[^\"]*\")"));
+        static const QRegularExpression posed(QStringLiteral("^  \"[xyz](scale|rot)\""));
+        QStringList kept;
+        bool isSheared = false;
+        for (const QString &line : dump.split(QLatin1Char('\n'))) {
+            const QRegularExpressionMatch match = node.match(line);
+            if (match.hasMatch())
+                isSheared = !said.filter(match.captured(1) + QStringLiteral(" is animated and cannot hold")).isEmpty();
+            if (!isSheared || !posed.match(line).hasMatch())
+                kept.append(line);
+        }
+        return kept.join(QLatin1Char('\n'));
     }
     static void setModes(EditingStage &stage, bool on)
     {
@@ -229,11 +248,12 @@ void MemoryAndTransferTest::throughADonor()
     const QTemporaryDir folder;
     const QString saved = folder.filePath("saved.glb"), twice = folder.filePath("twice.glb");
     QString error;
-    QVERIFY2(RySceneFile::save(ryScene(), saved, &error), qPrintable(error));
+    QStringList said;
+    QVERIFY2(RySceneFile::save(ryScene(), saved, &error, &said), qPrintable(error));
     const QString dump = stage.dump();
     RyScene again;
     QVERIFY2(RySceneFile::open(&again, saved, &error), qPrintable(error));
-    QVERIFY(sameDumps(rySceneDump(again), dump));
+    QVERIFY(sameDumps(withoutSheared(rySceneDump(again), said), withoutSheared(dump, said)));
     QVERIFY2(RySceneFile::save(&again, twice, &error), qPrintable(error));
     QVERIFY(bytesOf(twice) == bytesOf(saved));
     const RyValidation valid = ryValidate(saved);
