@@ -8,6 +8,7 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/recovery/AutosaveSettings.h"
 #include "ryhost/recovery/RecoveryDialog.h"
+#include "ryhost/recovery/RecoverySession.h"
 #include "ryhost/recovery/recoverUnsavedWork.h"
 
 #include <QDateTime>
@@ -15,6 +16,10 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 class RecoveryDialogTest : public QObject, private AutosaveStage
 {
@@ -69,6 +74,48 @@ private slots:
         m_autosave.reset();
         QVERIFY(isKept());
         QCOMPARE(RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()).size(), 1);
+    }
+
+    /// Whoever can write beside our folders could make links that lead to the work of the one who starts the program.
+    void linksAreLetBe()
+    {
+        const QString parent = AutosaveSettings::global().folders().first();
+        const QString work = path(QStringLiteral("work"));
+        QVERIFY(QDir().mkpath(work + QStringLiteral("/models")));
+        QVERIFY(QDir().mkpath(parent));
+        for (const char *name : {"session-1-1", "starting-1-1"}) {
+            QVERIFY(QFile::link(work, parent + QLatin1Char('/') + QLatin1String(name)));
+            struct timespec old[2] = {{1000, 0}, {1000, 0}};
+            QCOMPARE(::utimensat(AT_FDCWD, QFile::encodeName(work).constData(), old, 0), 0);
+        }
+        QCOMPARE(left(), QStringList());
+        QVERIFY(QFileInfo::exists(work + QStringLiteral("/models")));
+        QVERIFY(!RecoverySession::adopt(parent + QStringLiteral("/session-1-1")));
+        // A folder of the same kind goes.
+        QVERIFY(QDir().mkpath(parent + QStringLiteral("/session-2-2/models")));
+        QCOMPARE(left(), QStringList());
+        QVERIFY(!QFileInfo::exists(parent + QStringLiteral("/session-2-2")));
+    }
+
+    /// In a folder for everybody's temporary files anybody can take our name first.
+    void foldersOfOthersAreLetBe()
+    {
+        if (::getuid() != 0)
+            return; // nobody else can give a folder away
+        const QString parent = path(QStringLiteral("theirs"));
+        const QString session = parent + QStringLiteral("/session-1-1");
+        QVERIFY(QDir().mkpath(session));
+        QCOMPARE(::chown(QFile::encodeName(parent).constData(), 65534, 65534), 0);
+        QVERIFY(RecoverySession::leftBehind({parent}).isEmpty());
+        QVERIFY(QFileInfo::exists(session));
+        QVERIFY(RecoverySession::obstacle(parent).contains(QStringLiteral("belongs to somebody else")));
+        // A link to a folder of ours, made by somebody else.
+        const QString ours = path(QStringLiteral("ours")), link = path(QStringLiteral("link"));
+        QVERIFY(QDir().mkpath(ours + QStringLiteral("/session-1-1")));
+        QVERIFY(QFile::link(ours, link));
+        QCOMPARE(::lchown(QFile::encodeName(link).constData(), 65534, 65534), 0);
+        QVERIFY(RecoverySession::leftBehind({link}).isEmpty());
+        QVERIFY(QFileInfo::exists(ours + QStringLiteral("/session-1-1")));
     }
 
     /// The newest comes first, each says what it is of, from when, and what to know before it is saved.

@@ -6,6 +6,23 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+namespace {
+
+class LayoutRequests : public QObject
+{
+public:
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::LayoutRequest;
+        return false;
+    }
+};
+
+} // namespace
+
 class RyDynamicDividerWgtTest : public QObject
 {
     Q_OBJECT
@@ -55,6 +72,23 @@ private slots:
         QCOMPARE(m_second->height(), m_second->minimumSizeHint().height());
         QCOMPARE(m_divider->minimumSizeHint().height(),
                  m_first->minimumSizeHint().height() + bar()->height() + m_second->height());
+    }
+
+    /// Nobody is asked to lay out again what lies as it should: an idle window sleeps.
+    void restsWhenArranged()
+    {
+        m_second->layout()->addWidget(new QLabel(QStringLiteral("more")));
+        QTest::qWait(50);
+        LayoutRequests requests;
+        m_divider->installEventFilter(&requests);
+        QTest::qWait(100);
+        QCOMPARE(requests.count, 0);
+        m_divider->setFolded(true);
+        QTRY_VERIFY(requests.count > 0);
+        QTest::qWait(50);
+        requests.count = 0;
+        QTest::qWait(100);
+        QCOMPARE(requests.count, 0);
     }
 
     void aClickFoldsAndUnfolds()

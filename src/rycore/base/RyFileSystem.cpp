@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 QString RyFileSystem::lastReason()
 {
@@ -23,6 +24,14 @@ bool RyFileSystem::isProtected(const QFileInfo &info)
     constexpr QFileDevice::Permissions anyWrite =
         QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
     return !(info.permissions() & anyWrite);
+}
+
+bool RyFileSystem::isOwn(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat named, meant;
+    return ::lstat(name.constData(), &named) == 0 && ::stat(name.constData(), &meant) == 0 &&
+           named.st_uid == ::getuid() && meant.st_uid == ::getuid();
 }
 
 QString RyFileSystem::machineMark()

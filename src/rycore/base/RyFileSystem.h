@@ -13,6 +13,10 @@ QString lastReason();
 /// meant to stay as it is all the same.
 bool isProtected(const QFileInfo &info);
 
+/// Whether the current user owns the file or folder, and the link that leads to it where there is one: nobody else can
+/// have put it there.
+bool isOwn(const QString &path);
+
 /// Tells this run of the system, and the processes that it can see, from those of any other machine or container with
 /// which a folder may be shared: 16 letters and digits. Empty where the system does not tell.
 QString machineMark();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include "rycore/base/RyFolderLock.h"
 
 #include <memory>
 
@@ -24,6 +24,6 @@ public:
     QString filePath(const QString &name) const;
 
 private:
+    RyFolderLock m_lock; // let go of when the folder has gone; not held where the file system knows no locks
     std::unique_ptr<QTemporaryDir> m_folder;
-    int m_lock = -1; // -1 where the file system knows no locks
 };

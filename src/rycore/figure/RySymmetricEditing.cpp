@@ -164,8 +164,8 @@ void RySymmetricEditing::watch(RyNode *node, RyNode *opposite, bool isOnPlane)
                 [this, &bone, i] { valueChanged(bone, i); });
     }
     for (int i = 0; i < firstAngle; ++i) {
-        connect(bone.controls[size_t(i)], &RyFloatProperty::defaultValueChanged, this, &RySymmetricEditing::renewBones,
-                Qt::UniqueConnection);
+        connect(bone.controls[size_t(i)], &RyFloatProperty::defaultValueChanged, m_watch.get(),
+                [this] { renewBones(); });
     }
     connect(node, &RyNode::riggingChanged, m_watch.get(), [this, &bone] { settle(bone); });
 }

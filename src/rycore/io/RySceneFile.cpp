@@ -153,15 +153,8 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
                 const RySceneFile::SaveOptions &options, QString *error, QStringList *messages, QStringList *leftOut)
 {
     QString reason;
-    std::shared_ptr<const RyGltfDocument> document;
-    try {
-        document = RyGltfSceneWriter(origins, options.jointsOnly).patch(scene, &reason, messages, leftOut);
-    } catch (const std::bad_alloc &) {
-        reason = QStringLiteral("the scene needs more memory than this machine has");
-    } catch (const std::exception &failure) {
-        logFailure(path, failure);
-        reason = QStringLiteral("the scene does not fit into its file; another format or a new scene may take it");
-    }
+    const std::shared_ptr<const RyGltfDocument> document =
+        RyGltfSceneWriter(origins, options.jointsOnly).patch(scene, &reason, messages, leftOut);
     if (!document)
         return refuse(error, QStringLiteral("%1: %2").arg(path, reason));
     return write(scene, *document, path, options, error);
@@ -274,24 +267,38 @@ bool RySceneFile::save(RyScene *scene, const QString &path, QString *error, QStr
     return save(scene, path, SaveOptions(), error, messages, losses);
 }
 
+/// What may throw of it, for want of memory for one.
+static bool saveWhole(RyScene *scene, const QString &path, const RySceneFile::SaveOptions &options, QString *error,
+                      QStringList *messages, QStringList *leftOut)
+{
+    if (!RySceneFile::writableEndings().contains(endingOf(path))) {
+        return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")
+                                 .arg(path, RySceneFile::writableEndings().join(QStringLiteral(", "))));
+    }
+    const RyClipPlayer::Aside aside(*scene);
+    if (endingOf(path) == QLatin1String("obj"))
+        return RyObjOrigin::save(*scene, path, error, messages);
+    makeFits(*scene, options, messages);
+    const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
+    return origins.empty() ? saveAlone(*scene, path, options, error, messages)
+                           : saveJoined(*scene, origins, path, options, error, messages, leftOut);
+}
+
 bool RySceneFile::save(RyScene *scene, const QString &path, const SaveOptions &options, QString *error,
                        QStringList *messages, QStringList *losses)
 {
-    const RyClipPlayer::Aside aside(*scene);
-    const QString ending = endingOf(path);
-    if (!writableEndings().contains(ending)) {
-        return refuse(error, QStringLiteral("%1: files of this kind cannot be written; the program saves %2")
-                                 .arg(path, writableEndings().join(QStringLiteral(", "))));
-    }
     QStringList leftOut;
-    const std::vector<const RyGltfOrigin *> origins = RyGltfJoin::liveOrigins(*scene);
-    if (ending != QLatin1String("obj"))
-        makeFits(*scene, options, messages);
-    const bool saved = ending == QLatin1String("obj") ? RyObjOrigin::save(*scene, path, error, messages)
-                       : origins.empty()              ? saveAlone(*scene, path, options, error, messages)
-                                         : saveJoined(*scene, origins, path, options, error, messages, &leftOut);
-    if (!saved)
-        return false;
+    try {
+        if (!saveWhole(scene, path, options, error, messages, &leftOut))
+            return false;
+    } catch (const std::bad_alloc &) {
+        return refuse(error, QStringLiteral("%1: the scene needs more memory than this machine has").arg(path));
+    } catch (const std::exception &failure) {
+        logFailure(path, failure);
+        return refuse(error, QStringLiteral("%1: the scene does not fit into its file; another format or a new scene "
+                                            "may take it")
+                                 .arg(path));
+    }
     if (losses)
         losses->append(leftOut);
     if (leftOut.isEmpty() && options.purpose == Save)

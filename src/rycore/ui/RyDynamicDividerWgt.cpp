@@ -88,7 +88,10 @@ void RyDynamicDividerWgt::arrange()
         const bool fixed = widget == keeper() && keeps;
         widget->setMinimumHeight(fixed ? getExtent() : 0);
         widget->setMaximumHeight(fixed ? getExtent() : QWIDGETSIZE_MAX);
-        m_layout->setStretchFactor(widget, widget == keeper() ? 0 : 1);
+        // A layout that is told its stretch asks to be laid out again, though nothing of it is new.
+        const int stretch = widget == keeper() ? 0 : 1;
+        if (m_layout->stretch(m_layout->indexOf(widget)) != stretch)
+            m_layout->setStretchFactor(widget, stretch);
     }
 }
 

@@ -8,31 +8,14 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <fcntl.h>
-#include <sys/file.h>
+#include <cstdio>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr qint64 SecondsToStart = 60; // what takes longer was ended in the middle
-
-/// The handle of the lock file, or -1 when somebody else has it.
-int lockIn(const QString &folder)
-{
-    const QByteArray path = QFile::encodeName(folder + QStringLiteral("/lock"));
-    const int handle = ::open(path.constData(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
-    if (handle < 0)
-        return -1;
-    struct stat held, found;
-    // Whoever had it may have removed it between opening and locking.
-    const bool isOurs = ::flock(handle, LOCK_EX | LOCK_NB) == 0 && ::fstat(handle, &held) == 0 &&
-                        ::stat(path.constData(), &found) == 0 && held.st_ino == found.st_ino;
-    if (isOurs)
-        return handle;
-    ::close(handle);
-    return -1;
-}
 
 /// That of the folder, or of the nearest above it that is there.
 QFileInfo nearest(const QString &folder)
@@ -41,6 +24,14 @@ QFileInfo nearest(const QString &folder)
     while (!info.exists() && !info.isRoot() && info.absolutePath() != info.absoluteFilePath())
         info.setFile(info.absolutePath());
     return info;
+}
+
+QStringList foldersIn(const QString &parent, const QString &pattern)
+{
+    QStringList found;
+    for (const QFileInfo &each : QDir(parent).entryInfoList({pattern}, QDir::Dirs | QDir::NoSymLinks))
+        found.append(each.filePath());
+    return found;
 }
 
 } // namespace
@@ -52,7 +43,7 @@ QString RecoverySession::obstacle(const QString &parent)
         return tr("%1 is not a folder").arg(info.filePath());
     if (RyFileSystem::isProtected(info) || !info.isWritable())
         return tr("the folder %1 is write-protected").arg(info.filePath());
-    if (info.ownerId() != ::getuid() && QFileInfo(parent).exists())
+    if (QFileInfo(parent).exists() && !RyFileSystem::isOwn(parent))
         return tr("the folder %1 belongs to somebody else").arg(parent);
     return {};
 }
@@ -74,48 +65,46 @@ std::unique_ptr<RecoverySession> RecoverySession::create(const QString &parent, 
         *error = tr("the folder %1 cannot be made: %2").arg(first, RyFileSystem::lastReason());
         return nullptr;
     }
-    const int lock = lockIn(first);
-    if (lock < 0 || ::rename(QFile::encodeName(first).constData(), QFile::encodeName(last).constData()) != 0) {
+    RyFolderLock lock;
+    if (lock.take(first) != RyFolderLock::Held ||
+        ::rename(QFile::encodeName(first).constData(), QFile::encodeName(last).constData()) != 0) {
         *error = tr("the folder %1 cannot be used: %2").arg(first, RyFileSystem::lastReason());
-        if (lock >= 0)
-            ::close(lock);
         QDir(first).removeRecursively();
         return nullptr;
     }
-    return std::unique_ptr<RecoverySession>(new RecoverySession(last, lock));
+    return std::unique_ptr<RecoverySession>(new RecoverySession(last, std::move(lock)));
 }
 
 std::unique_ptr<RecoverySession> RecoverySession::adopt(const QString &folder)
 {
-    const QFileInfo info(folder);
-    if (!info.isDir() || info.ownerId() != ::getuid())
+    RyFolderLock lock;
+    if (lock.take(folder) != RyFolderLock::Held)
         return nullptr;
-    const int lock = lockIn(folder);
-    return std::unique_ptr<RecoverySession>(lock < 0 ? nullptr : new RecoverySession(folder, lock));
+    return std::unique_ptr<RecoverySession>(new RecoverySession(folder, std::move(lock)));
 }
 
 QStringList RecoverySession::leftBehind(const QStringList &parents)
 {
     QStringList found;
     for (const QString &parent : parents) {
-        for (const QFileInfo &each : QDir(parent).entryInfoList({QStringLiteral("session-*")}, QDir::Dirs)) {
-            const std::unique_ptr<RecoverySession> session = adopt(each.filePath());
+        // Whoever owns it could put links there, or the work of others.
+        if (!RyFileSystem::isOwn(parent))
+            continue;
+        for (const QString &folder : foldersIn(parent, QStringLiteral("session-*"))) {
+            const std::unique_ptr<RecoverySession> session = adopt(folder);
             if (session && RySnapshotStore::hasSnapshot(session->folder()))
                 found.append(session->folder());
             else if (session)
                 session->remove();
         }
-        for (const QFileInfo &each : QDir(parent).entryInfoList({QStringLiteral("starting-*")}, QDir::Dirs)) {
-            if (each.lastModified().secsTo(QDateTime::currentDateTime()) > SecondsToStart)
-                QDir(each.filePath()).removeRecursively();
+        for (const QString &folder : foldersIn(parent, QStringLiteral("starting-*"))) {
+            if (QFileInfo(folder).lastModified().secsTo(QDateTime::currentDateTime()) <= SecondsToStart)
+                continue;
+            if (const std::unique_ptr<RecoverySession> session = adopt(folder))
+                session->remove();
         }
     }
     return found;
-}
-
-RecoverySession::~RecoverySession()
-{
-    ::close(m_lock);
 }
 
 void RecoverySession::remove()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rycore/base/RyFolderLock.h"
+
 #include <QCoreApplication>
 #include <QStringList>
 
@@ -15,12 +17,12 @@ public:
     static std::unique_ptr<RecoverySession> create(const QString &parent, QString *error);
     /// That of a program that no longer runs, from now on ours; null while another has it.
     static std::unique_ptr<RecoverySession> adopt(const QString &folder);
-    /// Folders with unsaved work of programs that no longer run. Those without any are removed.
+    /// Folders with unsaved work of programs that no longer run. Those without any are removed. What somebody else owns
+    /// and what a link leads to is let be.
     static QStringList leftBehind(const QStringList &parents);
     /// Why a new one could not be made there; empty when it could.
     static QString obstacle(const QString &parent);
 
-    ~RecoverySession();
     RecoverySession(const RecoverySession &) = delete;
     RecoverySession &operator=(const RecoverySession &) = delete;
 
@@ -29,8 +31,8 @@ public:
     void remove();
 
 private:
-    RecoverySession(const QString &folder, int lock) : m_folder(folder), m_lock(lock) {}
+    RecoverySession(const QString &folder, RyFolderLock lock) : m_folder(folder), m_lock(std::move(lock)) {}
 
     QString m_folder;
-    int m_lock;
+    RyFolderLock m_lock;
 };
