@@ -1,9 +1,22 @@
 #include "evaluator/GltfTransform.h"
 
+#include <Eigen/SVD>
 #include <nlohmann/json.hpp>
 
+#include <limits>
 #include <stdexcept>
 #include <vector>
+
+namespace {
+
+Eigen::Matrix3d nearestTurn(const Eigen::Matrix3d &map)
+{
+    const Eigen::JacobiSVD<Eigen::Matrix3d> svd(map, Eigen::ComputeFullU | Eigen::ComputeFullV);
+    const double last = (svd.matrixU() * svd.matrixV().transpose()).determinant() < 0 ? -1 : 1;
+    return svd.matrixU() * Eigen::Vector3d(1, 1, last).asDiagonal() * svd.matrixV().transpose();
+}
+
+} // namespace
 
 GltfTransform GltfTransform::ofNode(const nlohmann::json &node)
 {
@@ -17,6 +30,37 @@ GltfTransform GltfTransform::ofNode(const nlohmann::json &node)
     transform.rotation = Eigen::Map<const Eigen::Vector4d>(r.data());
     transform.scale = Eigen::Map<const Eigen::Vector3d>(s.data());
     return transform;
+}
+
+GltfTransform GltfTransform::nearestTo(const Eigen::Matrix4d &map)
+{
+    // For a turn the best factors are known, and for factors the best turn: by turns neither makes it worse. From many
+    // starts, since one may end beside the best.
+    const Eigen::Matrix3d linear = map.topLeftCorner<3, 3>();
+    GltfTransform best;
+    double least = std::numeric_limits<double>::infinity();
+    for (int start = 0; start < 27; ++start) {
+        const Eigen::Vector3d axes(start % 3 - 1, start / 3 % 3 - 1, start / 9 - 1);
+        Eigen::Matrix3d turn = nearestTurn(linear);
+        if (axes.norm() > 0)
+            turn = Eigen::AngleAxisd(1.0, axes.normalized()) * turn;
+        Eigen::Vector3d factors;
+        for (double change = 1; change > 1e-13;) {
+            factors = (turn.transpose() * linear).diagonal();
+            const Eigen::Matrix3d better = nearestTurn(linear * factors.asDiagonal());
+            change = (better - turn).norm();
+            turn = better;
+        }
+        factors = (turn.transpose() * linear).diagonal();
+        const double missed = (linear - turn * factors.asDiagonal()).norm();
+        if (missed < least - 1e-9 * linear.norm()) { // of equal ones the first
+            least = missed;
+            best.rotation = Eigen::Quaterniond(turn).coeffs();
+            best.scale = factors;
+        }
+    }
+    best.translation = map.topRightCorner<3, 1>();
+    return best;
 }
 
 Eigen::Matrix4d GltfTransform::matrix() const

@@ -13,6 +13,10 @@ struct GltfTransform
     /// Of a node that is not given as a matrix. Throws std::runtime_error where it has the wrong count of numbers.
     static GltfTransform ofNode(const nlohmann::json &node);
 
+    /// The one whose matrix differs least from a map for column vectors, by the sum of the squares of all numbers. Its
+    /// shift is that of the map.
+    static GltfTransform nearestTo(const Eigen::Matrix4d &map);
+
     /// For column vectors.
     Eigen::Matrix4d matrix() const;
 };

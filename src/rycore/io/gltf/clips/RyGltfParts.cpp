@@ -2,6 +2,7 @@
 
 #include <Eigen/SVD>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -13,6 +14,35 @@ Eigen::Vector3d signsFor(const Eigen::Affine3d &map, const Eigen::Vector3d &sign
     const Eigen::Vector3d sign = signs.unaryExpr([](double factor) { return factor < 0.0 ? -1.0 : 1.0; });
     const bool fits = map.linear().determinant() * sign.prod() >= 0.0;
     return fits ? sign : Eigen::Vector3d(-sign); // one factor stays one factor
+}
+
+/// Turns about one axis after the other until what is left of the map behind the turn, `rest`, misses its own diagonal
+/// by as little as it can. Of a sheared map the polar decomposition is only near to that.
+void settle(Eigen::Matrix3d &turn, Eigen::Matrix3d &rest)
+{
+    constexpr int MostRounds = 30; // two or three do for what a figure has
+    constexpr double Smallest = 1e-12;
+    double largest = 1.0;
+    for (int round = 0; round < MostRounds && largest > Smallest; ++round) {
+        largest = 0.0;
+        for (int i = 0; i < 3; ++i) {
+            const int j = (i + 1) % 3;
+            // The sum of the squares of the diagonal, by twice the angle.
+            const double across = rest(i, i) * rest(j, i) - rest(j, j) * rest(i, j);
+            const double along =
+                rest(i, i) * rest(i, i) + rest(j, j) * rest(j, j) - rest(j, i) * rest(j, i) - rest(i, j) * rest(i, j);
+            const double angle = 0.5 * std::atan2(2.0 * across, along);
+            if (!(std::abs(angle) > Smallest))
+                continue;
+            largest = std::max(largest, std::abs(angle));
+            Eigen::Matrix3d step = Eigen::Matrix3d::Identity();
+            step(i, i) = step(j, j) = std::cos(angle);
+            step(j, i) = std::sin(angle);
+            step(i, j) = -step(j, i);
+            turn = turn * step;
+            rest = step.transpose() * rest;
+        }
+    }
 }
 
 } // namespace
@@ -37,9 +67,10 @@ RyGltfParts RyGltfParts::nearest(const Eigen::Affine3d &map, const Eigen::Vector
     // Of a map that is flat, or nothing, the last direction is free: so that it makes no reflection.
     const double last = (svd.matrixU() * svd.matrixV().transpose()).determinant() < 0.0 ? -1.0 : 1.0;
     const Eigen::Vector3d free(1.0, 1.0, last);
-    const Eigen::Matrix3d turn = svd.matrixU() * free.asDiagonal() * svd.matrixV().transpose();
+    Eigen::Matrix3d turn = svd.matrixU() * free.asDiagonal() * svd.matrixV().transpose();
     const Eigen::Vector3d sizes = svd.singularValues().cwiseProduct(free);
-    const Eigen::Matrix3d stretch = svd.matrixV() * sizes.asDiagonal() * svd.matrixV().transpose();
+    Eigen::Matrix3d stretch = svd.matrixV() * sizes.asDiagonal() * svd.matrixV().transpose();
+    settle(turn, stretch);
     parts.rotation = Eigen::Quaterniond(turn).normalized();
     parts.scale = stretch.diagonal().cwiseProduct(sign);
     return parts;

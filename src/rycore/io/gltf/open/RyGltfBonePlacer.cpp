@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/open/RyGltfBonePlacer.h"
 
 #include "rycore/figure/RyFigure.h"
+#include "rycore/io/gltf/clips/RyGltfParts.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyRiggingExtras.h"
 #include "rycore/scene/RyBone.h"
@@ -35,6 +36,19 @@ RyRotationOrder orderAlong(const RyVec3 &inBone)
             first = axis;
     }
     return RyRotationOrder::fromAxes(first, (first + 1) % 3, (first + 2) % 3);
+}
+
+/// The nearest pose that a node of this orientation holds, which scales along its own axes; the same where it has no
+/// shear in them.
+RyAffine withoutShear(const RyAffine &linear, const RyQuat &orientation)
+{
+    const RyAffine axes = RyAffine::fromRotation(orientation);
+    const Eigen::Affine3d inAxes = ryGltfColumns(axes * linear * axes.inverse());
+    const RyGltfParts parts = RyGltfParts::nearest(inAxes);
+    if (ryGltfDistance(parts.map(), inAxes, 1.0) <= 1e-6 * inAxes.linear().norm())
+        return linear;
+    const RyGltfTransform held = parts.transform();
+    return axes.inverse() * held.toAffine() * axes;
 }
 
 /// A pose in the parts that a node holds.
@@ -170,11 +184,12 @@ void RyGltfBonePlacer::setPose(RyGltfNodeSource &source) const
     const RyAffine own = RyAffine::fromTranslation(-origin) * linear * RyAffine::fromTranslation(at[0], at[1], at[2]);
     if (RyRiggingExtras::applyPose(*m_origin.document, source.node, m_origin.unit, own, 1e-4f * m_height, *node))
         return;
-    const PoseParts pose({float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])}, linear, m_height);
+    const PoseParts pose({float(at[0] - from[0]), float(at[1] - from[1]), float(at[2] - from[2])},
+                         withoutShear(linear, node->getOrientation()), m_height);
     if (!pose.isPose)
         return;
     node->setLocalTransform(pose.translation, pose.rotation, pose.scale, 1.0f);
-    reportShear(*node, pose.scale * RyMatrix3(pose.rotation));
+    reportShear(*node, linear.toMatrix4().linear());
 }
 
 /// The linear part. What a node leaves out of its parent's map the file's node holds against it.
