@@ -18,6 +18,7 @@
 #include "ryhost/commands/HostFiles.h"
 
 #include <QFile>
+#include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QStatusBar>
@@ -60,6 +61,29 @@ private slots:
         close();
         QCOMPARE(ryRestorePoints()->count(), 0);
         QCOMPARE(ryRestorePoints()->most(), 0);
+    }
+
+    /// The status bar names what takes back the last thing, which is not always the last step.
+    void statusNamesTheWayBack()
+    {
+        const auto *status = m_window->findChild<QLabel *>(QStringLiteral("UndoStatus"));
+        QCOMPARE(status->text(), QString());
+        bend();
+        QCOMPARE(status->text(), QStringLiteral("undo: Bend"));
+        ToyAction command(QStringLiteral("Settle"), [this] {
+            const RyUndoStackLock lock;
+            bone()->setEndPoint(bone()->getEndPoint() + RyVec3(1, 0, 0));
+        });
+        command.trigger();
+        QCOMPARE(ryUndoStack()->undoText(), QStringLiteral("Bend"));
+        QCOMPARE(status->text(), QStringLiteral("Restore to before Settle"));
+        bone()->select(true);
+        QCOMPARE(status->text(), QStringLiteral("Restore to before Settle"));
+        QTest::qWait(2); // times of steps are milliseconds
+        bend(QStringLiteral("rForearm"));
+        QCOMPARE(status->text(), QStringLiteral("undo: Bend"));
+        ryUndoStack()->undo();
+        QCOMPARE(status->text(), QStringLiteral("Restore to before Settle   redo: Bend"));
     }
 
     void bringsBackADeletedBone()

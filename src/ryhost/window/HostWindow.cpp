@@ -7,7 +7,9 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/ui/RyActionMgr.h"
+#include "rycore/undo/RyUndoHistory.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RySelectTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -48,6 +50,18 @@ constexpr QSize LeastViewport(400, 300);
 constexpr int MostUndoWidth = 420; // of the names of the steps in the status bar
 constexpr int DropPause = 200;     // milliseconds
 
+/// What takes back the last thing that was done: undo, or where a command came after the last step and left a restore
+/// point, going back to that. Empty where nothing does.
+QString wayBack()
+{
+    const RyUndoHistory history(*ryUndoStack());
+    const RyRestorePoints *points = ryRestorePoints();
+    const bool hasStep = history.index > 0;
+    if (points && points->count() > 0 && (!hasStep || points->time(0) >= history.steps[size_t(history.index - 1)].time))
+        return points->text(0);
+    return ryUndoStack()->canUndo() ? HostWindow::tr("undo: %1").arg(ryUndoStack()->undoText()) : QString();
+}
+
 } // namespace
 
 HostWindow::HostWindow(RyScene *scene, QWidget *parent)
@@ -86,6 +100,8 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
     connect(m_files, &HostFiles::messagePosted, this, &HostWindow::showMessage);
     connect(ryUndoStack(), &RyUndoStack::cleanChanged, this, &HostWindow::updateTitle);
     connect(ryUndoStack(), &RyUndoStack::changed, this, &HostWindow::updateStatus);
+    if (RyRestorePoints *points = ryRestorePoints())
+        connect(points, &RyRestorePoints::changed, this, &HostWindow::updateStatus);
     connect(scene, &RyScene::primarySelectionChanged, this, &HostWindow::updateStatus);
     resize(1440, 900);
     m_firstLayout = saveState();
@@ -98,6 +114,8 @@ HostWindow::~HostWindow()
 {
     disconnect(getViewportMgr(), nullptr, this, nullptr);
     disconnect(ryUndoStack(), nullptr, this, nullptr);
+    if (RyRestorePoints *points = ryRestorePoints())
+        disconnect(points, nullptr, this, nullptr);
     disconnect(getScene(), nullptr, this, nullptr);
     // What shows actions, tools and panes of the plug-ins goes before they do.
     m_toolSettingsPane->showTool(nullptr);
@@ -203,8 +221,8 @@ void HostWindow::updateStatus()
     m_status->setText(text);
     const RyUndoStack *stack = ryUndoStack();
     QStringList steps;
-    if (stack->canUndo())
-        steps.append(tr("undo: %1").arg(stack->undoText()));
+    if (const QString back = wayBack(); !back.isEmpty())
+        steps.append(back);
     if (stack->canRedo())
         steps.append(tr("redo: %1").arg(stack->redoText()));
     const QString undo = steps.join(QStringLiteral("   "));
