@@ -330,6 +330,20 @@ QString RandomEdits::next()
     return broken.isEmpty() ? QString() : QStringLiteral("%1: %2").arg(doing, broken);
 }
 
+QString RandomEdits::run(int edits)
+{
+    for (int i = 0; i < edits; ++i) {
+        QString wrong = next();
+        for (const RySkeleton *figure : i % 20 == 0 ? ryScene()->getSkeletons() : std::vector<RySkeleton *>()) {
+            if (wrong.isEmpty())
+                wrong = RigChecks::deformsAsNew(*figure);
+        }
+        if (!wrong.isEmpty())
+            return QStringLiteral("edit %1: %2").arg(i).arg(wrong);
+    }
+    return {};
+}
+
 QString RandomEdits::unwind()
 {
     const auto undoAll = [this]() -> QString {

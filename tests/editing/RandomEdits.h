@@ -23,6 +23,9 @@ public:
     /// One edit, undo, redo or return to a restore point. Empty when all is as it must be; otherwise what was done and
     /// what is wrong.
     QString next();
+    /// So many of them, and at every twentieth a look whether parametric figures show what new ones would. Empty, or
+    /// which one it was and what is wrong.
+    QString run(int edits);
     /// Undoes everything that can be undone and goes back through all restore points, comparing each state.
     QString unwind();
 

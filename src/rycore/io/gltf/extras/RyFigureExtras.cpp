@@ -198,6 +198,13 @@ QString RyFigureExtras::storedFigureName(const RyGltfDocument &document, int fig
     return name && name->is_string() ? QString::fromStdString(name->get<std::string>()) : QString();
 }
 
+QString RyFigureExtras::objectName(const RyGltfDocument &document, int figure, const RyNode &node)
+{
+    const Json *stored = figureJson(document, figure);
+    const Json *name = stored ? find(*stored, "object") : nullptr;
+    return name && name->is_string() ? QString::fromStdString(name->get<std::string>()) : node.getName();
+}
+
 /// The bones of a figure's bindings, where they are not its joints in their order.
 static Json bindingsJson(const RySkinBinding &skin, const RySkeleton &skeleton, const RyGltfNodeIndex &nodeOf,
                          const std::set<int> &joints)
@@ -300,6 +307,9 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         const int of = nodeOf.of(bones.empty() ? figure : bones.front());
         if (of >= 0)
             entry["of"] = of;
+        const RyObject *object = figure ? figure->getObject() : nullptr;
+        if (object && object->getName() != figure->getName())
+            entry["object"] = object->getName().toStdString();
         if (const RyFacetMesh *mesh = figure ? meshOf(*figure) : nullptr)
             RyMeshExtras::store(*mesh, shapeOf(*figure)->getParts().get(), entry);
         const RyFacetShape *shape = figure ? shapeOf(*figure) : nullptr;

@@ -41,6 +41,8 @@ bool applyFaceGroups(const RyGltfDocument &document, int figure, RyFacetMesh &me
 void applySelectionMap(const RyGltfOrigin &origin, int figure, RyNode &skeleton);
 /// Name of a figure as it was saved; empty when none is stored.
 QString storedFigureName(const RyGltfDocument &document, int figure);
+/// Name of the object of a figure or prop: the stored one, else that of its node.
+QString objectName(const RyGltfDocument &document, int figure, const RyNode &node);
 /// Label, flags and, `withPlace`, place and limits of a figure.
 void applyToFigure(const RyGltfDocument &document, int figure, double unit, bool withPlace, RyNode &node);
 /// Nodes of the bones that have bindings, in their order, where they are not simply the joints.

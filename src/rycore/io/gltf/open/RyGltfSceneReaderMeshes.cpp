@@ -147,7 +147,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     auto *shape = new RyFacetShape(mesh);
     shape->setParts(parts);
     auto *object = new RyObject;
-    object->setName(figure.figure->getName());
+    object->setName(RyFigureExtras::objectName(*m_origin->document, figure.entry, *figure.figure));
     object->addShape(shape);
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, figure.entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
@@ -196,7 +196,7 @@ bool RyGltfSceneReader::attachSkin(Figure &figure)
     figure.source.weights = std::move(loaded);
     figure.source.mapsText = RyMapExtras::text(skin.get());
     auto *object = new RyObject;
-    object->setName(figure.figure->getName());
+    object->setName(RyFigureExtras::objectName(*m_origin->document, figure.entry, *figure.figure));
     object->addModifier(skin.release());
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);

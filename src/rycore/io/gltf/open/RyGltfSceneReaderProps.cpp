@@ -155,7 +155,7 @@ void RyGltfSceneReader::buildPropMesh(const RyGltfNodeSource &source)
     auto *shape = new RyFacetShape(mesh);
     shape->setParts(parts);
     auto *object = new RyObject;
-    object->setName(source.sceneNode->getName());
+    object->setName(RyFigureExtras::objectName(*m_origin->document, entry, *source.sceneNode));
     object->addShape(shape);
     figure.meshParts = parts;
     readMorphs(figure, *shape, entry, source.bind);
