@@ -9,6 +9,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySkeleton.h"
+#include "rycore/undo/restore/RyRestorePoints.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -99,6 +100,8 @@ void ConversionsTest::thereAndBack()
     prop->setOrigin(prop->getOrigin() + RyVec3(3, 4, 5));
     stage.select({prop});
     ryUndoStack()->clearAll();
+    ryUndoStack()->setClean();
+    const int points = ryRestorePoints()->count();
     const QString asProp = stage.dump();
     const QByteArray file = savedBytes();
     const std::vector<RyVec3> shown = shownInWorld(prop);
@@ -113,7 +116,11 @@ void ConversionsTest::thereAndBack()
     QCOMPARE(figure->inherits("RyLegacyFigure"), rigging == QLatin1String("Legacy"));
     QVERIFY(shownInWorld(figure) == shown);
     QCOMPARE(ryUndoStack()->count(), 1);
+    QCOMPARE(ryRestorePoints()->count(), points); // undo takes back all of it
     checkLastStep(asProp);
+    ryUndoStack()->undo();
+    QVERIFY(ryUndoStack()->isClean());
+    ryUndoStack()->redo();
 
     figure->findBone(QStringLiteral("root"))->getXRotControl()->setValue(35.0f); // it goes back to its rest
     stage.select({figure->findBone(QStringLiteral("root"))});
@@ -123,6 +130,7 @@ void ConversionsTest::thereAndBack()
     QVERIFY(!qobject_cast<RySkeleton *>(carrier()));
     QVERIFY(shownInWorld(carrier()) == shown);
     QCOMPARE(ryUndoStack()->count(), 2);
+    QCOMPARE(ryRestorePoints()->count(), points);
     checkLastStep(posed);
     ryScene()->setSelection({carrier()});
     QCOMPARE(stage.dump(), asProp);

@@ -4,7 +4,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/skin/RySkinBinding.h"
-#include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/RyUndoStackSilence.h"
 
 #include <numeric>
 
@@ -19,10 +19,11 @@ RyWeightMap *makeFullMap(const QString &name, int count)
     return map;
 }
 
-/// A skin by which one bone moves all vertices. Nothing of it is recorded: it is new.
+/// A skin by which one bone moves all vertices. Nothing of it is recorded, nor is it a change that no step holds: it is
+/// new, and comes and goes with the step.
 RySkinBinding *makeSkin(RyBone *bone, int vertexCount, bool localMaps)
 {
-    const RyUndoStackLock lock;
+    const RyUndoStackSilence silence;
     auto *binding = new RyBoneBinding;
     binding->setBone(bone);
     if (localMaps) {
@@ -42,7 +43,7 @@ RySkinBinding *makeSkin(RyBone *bone, int vertexCount, bool localMaps)
 
 RyFigure *RyFigure::convertPropToFigure(RyNode *node, const QString &rootName, bool localMaps, bool inherit)
 {
-    const RyRef<RyFigure> figure(new RyFigure);
+    const RyRef<RyFigure> figure(RyPropConversion::makeNew<RyFigure>());
     const auto rig = [localMaps](RyBone *root, RyObject *object, const RyFacetMesh &mesh) {
         object->addModifier(makeSkin(root, mesh.getNumVertices(), localMaps));
     };

@@ -8,7 +8,7 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
-#include "rycore/undo/RyUndoStackLock.h"
+#include "rycore/undo/RyUndoStackSilence.h"
 
 bool RyLegacyFigure::mayJoinOuterSkeleton(const RyNode *prop)
 {
@@ -19,14 +19,14 @@ RyLegacyFigure *RyLegacyFigure::convertPropToFigure(RyNode *node, const QString 
 {
     if (inherit && !mayJoinOuterSkeleton(node))
         return nullptr;
-    const RyRef<RyLegacyFigure> figure(new RyLegacyFigure);
+    const RyRef<RyLegacyFigure> figure(RyPropConversion::makeNew<RyLegacyFigure>());
     const auto rig = [&figure](RyBone *root, RyObject *object, const RyFacetMesh &mesh) {
         if (mesh.getNumFaceGroups() == 1)
             figure->getSelectionMap()->addPair(mesh.getFaceGroup(0)->getName(), root, false);
         auto *binding = new RyLegacyBinding;
         object->addModifier(binding);
-        // Nothing of the joint is recorded: it is new, as its bone is.
-        const RyUndoStackLock lock;
+        // Nothing of the joint is recorded: it is new, as its bone is, and comes and goes with the binding.
+        const RyUndoStackSilence silence;
         RyLegacyJointMaker(root, RyLegacyJointMaker::Side::ByDirection).makeRoot(*binding);
     };
     return RyPropConversion::run(node, figure.get(), rootName, inherit, rig) ? figure.get() : nullptr;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "rycore/undo/RyUndoStackSilence.h"
+
 #include <functional>
 
 class QString;
@@ -11,6 +13,14 @@ class RySkeleton;
 
 /// Makes a figure with one root bone of a prop, whatever kind of figure.
 namespace RyPropConversion {
+
+/// A figure for `run`, made before its step begins: what a constructor writes is no change of the document.
+template<typename Figure>
+Figure *makeNew()
+{
+    const RyUndoStackSilence silence;
+    return new Figure;
+}
 
 /// Gives the object what deforms it: it is the figure's already, and the bone has its place.
 using Rig = std::function<void(RyBone *root, RyObject *object, const RyFacetMesh &mesh)>;
