@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QFile>
+#include <QFileDialog>
 #include <QStatusBar>
 
 /// The entries of the File menu that leave a file, go back to it, or write beside it.
@@ -201,6 +202,59 @@ private slots:
         QCOMPARE(bytesOf(path) == theirs, answer != QLatin1String("Replace"));
         QCOMPARE(ryUndoStack()->isClean(), answer != QLatin1String("Cancel"));
         QCOMPARE(files()->path(), path);
+        ryUndoStack()->setClean();
+    }
+
+    /// Who would rather have both: the scene goes on in the new file, and what the other program wrote stays.
+    void savesBesideAnotherProgramsWork()
+    {
+        const QString path = file(QStringLiteral("hero.glb")), beside = file(QStringLiteral("mine.glb"));
+        QVERIFY(files()->savePath(path));
+        bend();
+        QFile other(path);
+        QVERIFY(other.open(QIODevice::Append));
+        other.write("    ");
+        other.close();
+        const QByteArray theirs = bytesOf(path);
+        const QString before = dump();
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Written Meanwhile"), QStringLiteral("Save As..."));
+        connect(&driver, &RyDialogDriver::opened, this, [&beside](QDialog *dialog) {
+            if (auto *chooser = qobject_cast<QFileDialog *>(dialog))
+                chooser->selectFile(beside);
+        });
+        action("FileSave")->trigger();
+        QVERIFY2(driver.errors().isEmpty(), qPrintable(driver.errors().join(u'\n')));
+        QCOMPARE(driver.records().size(), size_t(2));
+        QCOMPARE(driver.records()[1].title, QStringLiteral("Save As"));
+        QVERIFY(bytesOf(path) == theirs);
+        QCOMPARE(files()->path(), beside);
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("mine.glb[*] - ryhost"));
+        QVERIFY(!m_window->isWindowModified());
+        QCOMPARE(dump(), before);
+        QVERIFY(files()->openPath(beside));
+        QCOMPARE(qRound(forearm()->getZRotControl()->getValue()), 20);
+    }
+
+    /// Who changes their mind in the second box has saved nothing.
+    void savesNowhereWhenTheNameIsNotGiven()
+    {
+        const QString path = file(QStringLiteral("hero.glb"));
+        QVERIFY(files()->savePath(path));
+        bend();
+        QFile other(path);
+        QVERIFY(other.open(QIODevice::Append));
+        other.write("    ");
+        other.close();
+        const QByteArray theirs = bytesOf(path);
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Written Meanwhile"), QStringLiteral("Save As..."));
+        driver.setAnswer(QStringLiteral("Save As"), QStringLiteral("Cancel"));
+        QVERIFY(!files()->save());
+        QVERIFY2(driver.errors().isEmpty(), qPrintable(driver.errors().join(u'\n')));
+        QVERIFY(bytesOf(path) == theirs);
+        QCOMPARE(files()->path(), path);
+        QVERIFY(m_window->isWindowModified());
         ryUndoStack()->setClean();
     }
 
