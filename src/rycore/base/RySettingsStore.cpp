@@ -244,6 +244,17 @@ void RySettingsStore::apply(const Key &key, const std::optional<RySettingsValue>
     last->lines.insert(place, line);
 }
 
+/// Of a part that found room the next try tells why the rest did not.
+static bool writeAll(QIODevice &file, const QByteArray &bytes)
+{
+    for (qint64 done = 0, written = 0; done < bytes.size(); done += written) {
+        written = file.write(bytes.constData() + done, bytes.size() - done);
+        if (written <= 0)
+            return false;
+    }
+    return true;
+}
+
 bool RySettingsStore::write(QString *reason)
 {
     if (!m_readable) {
@@ -261,15 +272,17 @@ bool RySettingsStore::write(QString *reason)
     for (auto it = m_unwritten.cbegin(); it != m_unwritten.cend(); ++it)
         apply(it.key(), it.value());
 
+    QByteArray content;
+    for (const Section &section : m_sections) {
+        if (!section.header.isEmpty())
+            content += section.header + '\n';
+        for (const Line &line : section.lines)
+            content += line.raw + '\n';
+    }
+    // What a buffer holds is written when the file is closed, and nobody would hear that there was no room for it.
     QSaveFile file(m_loadedPath);
-    if (file.open(QIODevice::WriteOnly)) {
-        for (const Section &section : m_sections) {
-            if (!section.header.isEmpty())
-                file.write(section.header + '\n');
-            for (const Line &line : section.lines)
-                file.write(line.raw + '\n');
-        }
-        if (file.commit()) {
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        if (writeAll(file, content) && file.commit()) {
             const QFileInfo info(m_loadedPath);
             m_loadedSize = info.size();
             m_loadedTime = info.lastModified();

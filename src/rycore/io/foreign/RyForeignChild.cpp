@@ -73,7 +73,8 @@ void write(const QString &path, const QByteArray &bytes)
 {
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    // What a buffer holds is written when the file is closed, and nobody would hear that there was no room for it.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(bytes) != bytes.size() || !file.commit())
         refuse(QStringLiteral("what was read of it could not be written to the folder for temporary files: %1")
                    .arg(file.errorString()));
 }
