@@ -219,7 +219,7 @@ QString RyObjSceneWriter::writePicture(const QString &folder, const RyMaterialLo
         }
         name = stem + QLatin1Char('_') + QString::number(number) + ending;
     }
-    if (!RySafeFile::write(folder + QLatin1Char('/') + name, bytes, error))
+    if (!writeCompanion(folder + QLatin1Char('/') + name, bytes, error))
         return {};
     m_pictures.insert(bytes, name);
     return name;
@@ -259,7 +259,17 @@ bool RyObjSceneWriter::writeLibrary(const QString &path, QString *error)
     for (int number = 2; isForeign(); ++number)
         name = stem + QLatin1Char('_') + QString::number(number) + QStringLiteral(".mtl");
     m_file.materialLibraries.append(name);
-    return RySafeFile::write(folder + QLatin1Char('/') + name, text, error);
+    return writeCompanion(folder + QLatin1Char('/') + name, text, error);
+}
+
+bool RyObjSceneWriter::writeCompanion(const QString &path, const QByteArray &bytes, QString *error)
+{
+    const bool isNew = !QFileInfo::exists(path);
+    if (!RySafeFile::write(path, bytes, error))
+        return false;
+    if (isNew)
+        m_newCompanions.append(path);
+    return true;
 }
 
 bool RyObjSceneWriter::write(const RyScene &scene, const QString &path, QString *error)
@@ -274,7 +284,9 @@ bool RyObjSceneWriter::write(const RyScene &scene, const QString &path, QString 
             *error = QStringLiteral("%1: the scene holds no mesh, and this format nothing else").arg(path);
         return false;
     }
-    if (!m_materials.empty() && !writeLibrary(path, error))
-        return false;
-    return m_file.write(path, error);
+    if ((m_materials.empty() || writeLibrary(path, error)) && m_file.write(path, error))
+        return true;
+    for (const QString &companion : m_newCompanions)
+        QFile::remove(companion); // nothing names it
+    return false;
 }

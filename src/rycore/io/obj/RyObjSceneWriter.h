@@ -39,6 +39,8 @@ private:
     void addNormals(const RyPartNormals &shown, const RyMeshPart &part, std::vector<int> &places);
     int materialOf(const RyMeshParts &parts, int look);
     bool writeLibrary(const QString &path, QString *error);
+    /// A file beside the one that names it.
+    bool writeCompanion(const QString &path, const QByteArray &bytes, QString *error);
     QByteArray materialText(const QString &folder, const Material &material, QString *error);
     /// The name of a file in the folder that holds these bytes; empty when it cannot be written.
     QString writePicture(const QString &folder, const RyMaterialLook &look, QString *error);
@@ -51,4 +53,5 @@ private:
     QHash<QString, std::vector<int>> m_ofLookName; // places in it
     QSet<QString> m_materialNames;
     QHash<QByteArray, QString> m_pictures; // names by bytes
+    QStringList m_newCompanions;           // paths of files that were not there before
 };
