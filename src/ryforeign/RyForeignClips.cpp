@@ -80,13 +80,25 @@ std::vector<bool> RyForeignClips::drivenNodes(const RyForeignInput &input, const
 {
     std::vector<bool> isDriven(tree.nodes.size(), false);
     for (unsigned a = 0; a < input.scene->mNumAnimations; ++a) {
-        const aiAnimation &clip = *input.scene->mAnimations[a];
-        for (unsigned c = 0; c < clip.mNumChannels; ++c) {
-            if (const int node = tree.find(clip.mChannels[c]->mNodeName); node >= 0)
+        for (const int node : targetsOf(input, tree, *input.scene->mAnimations[a])) {
+            if (node >= 0)
                 isDriven[size_t(node)] = true;
         }
     }
     return isDriven;
+}
+
+std::vector<int> RyForeignClips::targetsOf(const RyForeignInput &input, const RyForeignTree &tree,
+                                           const aiAnimation &clip)
+{
+    std::map<std::string, size_t> counts; // of the channels so far, by what they drive
+    std::vector<int> targets;
+    for (unsigned c = 0; c < clip.mNumChannels; ++c) {
+        const aiString &name = clip.mChannels[c]->mNodeName;
+        const size_t number = input.kind == RyForeignInput::Bvh ? counts[name.C_Str()]++ : 0;
+        targets.push_back(tree.find(name, number));
+    }
+    return targets;
 }
 
 void RyForeignClips::write()
@@ -95,11 +107,15 @@ void RyForeignClips::write()
         writeClip(*m_input.scene->mAnimations[a], int(a));
     if (m_input.scene->mNumAnimations > 0 && m_input.kind != RyForeignInput::Bvh)
         m_input.say(QStringLiteral("The curves of clips were read as their keys, with straight lines between them"));
-    if (!m_unknown.isEmpty()) {
-        m_unknown.removeDuplicates();
-        m_input.say(QStringLiteral("Clips drive what is not in the file; these channels are left out: %1")
-                        .arg(QStringList(m_unknown.mid(0, 10)).join(QLatin1String(", "))));
-    }
+    const auto sayOf = [this](QStringList &names, const QString &text) {
+        names.removeDuplicates();
+        if (!names.isEmpty())
+            m_input.say(text.arg(QStringList(names.mid(0, 10)).join(QLatin1String(", "))));
+    };
+    sayOf(m_unknown, QStringLiteral("Clips drive what is not in the file; these channels are left out: %1"));
+    sayOf(m_twice,
+          QStringLiteral("A clip drives these more than once, as nodes that share a name do; the first channel "
+                         "of each was taken: %1"));
 }
 
 void RyForeignClips::writeClip(const aiAnimation &clip, int number)
@@ -114,8 +130,9 @@ void RyForeignClips::writeClip(const aiAnimation &clip, int number)
         name = QStringLiteral("Clip %1").arg(number + 1);
     Json entry{{"name", name.toStdString()}, {"channels", Json::array()}, {"samplers", Json::array()}};
     m_clip = &entry;
+    const std::vector<int> targets = targetsOf(m_input, m_tree, clip);
     for (unsigned c = 0; c < clip.mNumChannels; ++c)
-        writeNode(*clip.mChannels[c]);
+        writeNode(*clip.mChannels[c], targets[c]);
     for (unsigned c = 0; c < clip.mNumMorphMeshChannels; ++c)
         readMorphs(*clip.mMorphMeshChannels[c]);
     for (const auto &[place, curves] : m_morphs)
@@ -128,9 +145,8 @@ void RyForeignClips::writeClip(const aiAnimation &clip, int number)
     m_document.clips().push_back(std::move(entry));
 }
 
-void RyForeignClips::writeNode(const aiNodeAnim &channel)
+void RyForeignClips::writeNode(const aiNodeAnim &channel, int place)
 {
-    const int place = m_tree.find(channel.mNodeName);
     const int node = place < 0 ? -1 : m_nodeOf[size_t(place)];
     if (node < 0) {
         m_unknown.append(ryForeignText(channel.mNodeName));
@@ -152,9 +168,11 @@ void RyForeignClips::writeNode(const aiNodeAnim &channel)
         const aiVectorKey &key = channel.mScalingKeys[k];
         scales.add(seconds(key.mTime), {key.mValue.x, key.mValue.y, key.mValue.z});
     }
-    addChannel(node, "translation", std::move(positions));
-    addChannel(node, "rotation", std::move(rotations));
-    addChannel(node, "scale", std::move(scales));
+    bool isFirst = addChannel(node, "translation", std::move(positions));
+    isFirst = addChannel(node, "rotation", std::move(rotations)) && isFirst;
+    isFirst = addChannel(node, "scale", std::move(scales)) && isFirst;
+    if (!isFirst)
+        m_twice.append(m_tree.nodes[size_t(place)].name);
 }
 
 /// A key names the morphs only that have one at its time, so that each morph gets a curve of its own.
@@ -197,11 +215,12 @@ void RyForeignClips::writeMorphs(int place, const std::vector<Keys> &curves)
 }
 
 /// Numbers that stay the same need two keys, or one, however many the library made.
-void RyForeignClips::addChannel(int node, const char *path, Keys keys)
+bool RyForeignClips::addChannel(int node, const char *path, Keys keys)
 {
-    // The format wants one channel for what is driven.
-    if (keys.times.empty() || !m_driven.emplace(node, path).second)
-        return;
+    if (keys.times.empty())
+        return true;
+    if (!m_driven.emplace(node, path).second)
+        return false;
     if (keys.times.size() > 2 && keys.isConstant()) {
         keys.times = {keys.times.front(), keys.times.back()};
         keys.values.resize(2 * size_t(keys.components));
@@ -215,6 +234,7 @@ void RyForeignClips::addChannel(int node, const char *path, Keys keys)
     (*m_clip)["channels"].push_back(
         Json{{"sampler", samplers.size()}, {"target", Json{{"node", node}, {"path", path}}}});
     samplers.push_back(std::move(sampler));
+    return true;
 }
 
 int RyForeignClips::timesAccessor(const std::vector<float> &times)

@@ -43,10 +43,13 @@ private:
     };
 
     void writeClip(const aiAnimation &clip, int number);
-    void writeNode(const aiNodeAnim &channel);
+    /// Of each channel; -1 for none. Channels of a BVH file come in the order of its joints, which may share names.
+    static std::vector<int> targetsOf(const RyForeignInput &input, const RyForeignTree &tree, const aiAnimation &clip);
+    void writeNode(const aiNodeAnim &channel, int place);
     void readMorphs(const aiMeshMorphAnim &channel);
     void writeMorphs(int place, const std::vector<Keys> &curves);
-    void addChannel(int node, const char *path, Keys keys);
+    /// False when something drives it already: the format wants one channel for what is driven.
+    bool addChannel(int node, const char *path, Keys keys);
     double seconds(double ticks) const { return ticks / m_ticks - m_start; }
     int timesAccessor(const std::vector<float> &times);
 
@@ -62,4 +65,5 @@ private:
     std::set<std::pair<int, std::string>> m_driven; // of the clip at hand: nodes of the document and what of them
     std::map<std::vector<float>, int> m_times;      // accessors, of the clip at hand
     QStringList m_unknown;                          // what is driven and is not there
+    QStringList m_twice;                            // what is driven twice, as far as the names say
 };

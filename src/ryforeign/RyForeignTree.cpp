@@ -18,7 +18,7 @@ RyForeignTree::RyForeignTree(const aiScene &scene)
         node.local = ryForeignMap(source->mTransformation);
         node.hasMesh = source->mNumMeshes > 0;
         nodes.push_back(node);
-        m_placeOf.emplace(std::string(source->mName.data, source->mName.length), place);
+        m_placesOf[std::string(source->mName.data, source->mName.length)].push_back(place);
         for (unsigned child = source->mNumChildren; child > 0; --child)
             pending.emplace_back(source->mChildren[child - 1], place);
     }
@@ -35,10 +35,10 @@ void RyForeignTree::place(const RyAffine &top)
         node.world = node.local * (node.parent < 0 ? top : nodes[size_t(node.parent)].world);
 }
 
-int RyForeignTree::find(const aiString &name) const
+int RyForeignTree::find(const aiString &name, size_t number) const
 {
-    const auto found = m_placeOf.find(std::string(name.data, name.length));
-    return found == m_placeOf.end() ? -1 : found->second;
+    const auto found = m_placesOf.find(std::string(name.data, name.length));
+    return found == m_placesOf.end() || number >= found->second.size() ? -1 : found->second[number];
 }
 
 void RyForeignTree::rename(const QHash<QString, QString> &nameOf)

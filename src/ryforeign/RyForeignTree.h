@@ -36,9 +36,9 @@ public:
     void place(const RyAffine &top);
     /// Names to be written in the place of those that the importers' library uses.
     void rename(const QHash<QString, QString> &nameOf);
-    /// By the name that the importers' library uses; -1 for none.
-    int find(const aiString &name) const;
+    /// By the name that the importers' library uses, of several so many later; -1 for none.
+    int find(const aiString &name, size_t number = 0) const;
 
 private:
-    std::unordered_map<std::string, int> m_placeOf;
+    std::unordered_map<std::string, std::vector<int>> m_placesOf;
 };

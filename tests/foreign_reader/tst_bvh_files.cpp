@@ -45,6 +45,7 @@ private slots:
     void unitOfRequest();
     void zUpIsTold();
     void clip();
+    void jointsOfOneNameKeepTheirMotions();
 };
 
 void BvhFilesTest::skeletonIsFigure()
@@ -135,6 +136,29 @@ void BvhFilesTest::clip()
     const double c = 0.5, s = std::sqrt(0.75);
     const Eigen::Vector3d expected(0.10, 0.45 - 0.45 * c - 0.03 * s, 0.03 * c - 0.45 * s);
     QVERIFY2((end - expected).norm() < 1e-6, qPrintable(QString::number((end - expected).norm())));
+}
+
+void BvhFilesTest::jointsOfOneNameKeepTheirMotions()
+{
+    const TextFile text(QStringLiteral("a.bvh"), skeleton().replace("Knee", "Spine"));
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(file.notes, QStringList());
+    const GltfEvaluator &judged = file.character->file;
+    const GltfClipEvaluator clip(judged, 0);
+    const auto angleOf = [&](double height) {
+        for (int node = 0; node < judged.nodeCount(); ++node) {
+            const Eigen::Matrix4d rest = judged.worldMatrices()[size_t(node)];
+            if (judged.nodeName(node) == "Spine" && std::abs(rest(1, 3) - height) < 1e-6) {
+                const Eigen::Matrix4d moved = judged.worldMatrices(clip.pose(1.0))[size_t(node)];
+                const Eigen::Matrix3d turn = moved.block<3, 3>(0, 0) * rest.block<3, 3>(0, 0).inverse();
+                return std::acos((turn.trace() - 1.0) / 2.0) * 180.0 / M_PI;
+            }
+        }
+        return -1.0;
+    };
+    QVERIFY(std::abs(angleOf(1.00)) < 1e-3);
+    QVERIFY2(std::abs(angleOf(0.45) - 60.0) < 1e-3, qPrintable(QString::number(angleOf(0.45))));
 }
 
 RY_TEST(BvhFilesTest)
