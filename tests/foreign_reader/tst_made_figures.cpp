@@ -112,9 +112,10 @@ void MadeFiguresTest::places()
 void MadeFiguresTest::leaves_data()
 {
     QTest::addColumn<bool>("isEnd");
-    for (const char *name : {"bone1_end", "bone1_End", "bone1_end001", "bone1_end.002", "bone1Nub", "bone1nub2"})
+    for (const char *name : {"bone1_end", "bone1_End", "bone1_end001", "bone1_end.002", "bone1Nub", "bone1nub2",
+                             "headnub", "HEADNUB", "ToesNub", "tail nub"})
         QTest::newRow(name) << true;
-    for (const char *name : {"bender", "nubs", "bone1_end_b"})
+    for (const char *name : {"bender", "nubs", "bone1_end_b", "snub", "Snub.001", "nose_snub2", "LeftSnub"})
         QTest::newRow(name) << false;
 }
 

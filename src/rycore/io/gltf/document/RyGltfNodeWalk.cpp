@@ -62,8 +62,10 @@ std::vector<bool> ryGltfRelatedNodes(const RyGltfModel &model, const std::vector
 
 bool ryGltfMarksEnd(const QString &name)
 {
-    // Numbered where several have one name.
-    static const QRegularExpression marks(QStringLiteral("(_end|nub|end site)[._ ]?[0-9]*$"),
-                                          QRegularExpression::CaseInsensitiveOption);
+    // Numbered where several have one name. Whole names are written in small letters too, "headnub", but a snub is
+    // none.
+    static const QRegularExpression marks(
+        QStringLiteral("(_end|(?<!^s|[^a-z]s|(?-i:[a-z]S))nub|end site)[._ ]?[0-9]*$"),
+        QRegularExpression::CaseInsensitiveOption);
     return marks.match(name).hasMatch();
 }
