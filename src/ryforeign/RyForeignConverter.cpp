@@ -22,6 +22,11 @@ RyForeignConverter::RyForeignConverter(const RyForeignInput &input, const RyFore
       m_nodeOf(tree.nodes.size(), -1), m_shownBy(tree.nodes.size(), -1), m_figures(tree.nodes.size())
 {
     std::iota(m_figures.begin(), m_figures.end(), 0);
+    for (size_t i = 0; i < tree.nodes.size(); ++i) {
+        const int parent = tree.nodes[i].parent;
+        const int above = parent < 0 ? int(i) : m_tops[size_t(parent)];
+        m_tops.push_back(tree.nodes[size_t(above)].isJoint ? above : int(i));
+    }
 }
 
 RyForeignConverter::~RyForeignConverter() = default;
@@ -70,17 +75,6 @@ int RyForeignConverter::addNode(const QString &name, const RyAffine &local, int 
                         .arg(name));
     }
     return m_document->addNode(name, transform, parent);
-}
-
-/// The topmost joint of those that stand above one another without a gap.
-int RyForeignConverter::topOf(int joint) const
-{
-    int top = joint;
-    for (int at = joint; at >= 0; at = m_tree.nodes[size_t(at)].parent) {
-        if (m_tree.nodes[size_t(at)].isJoint)
-            top = at;
-    }
-    return top;
 }
 
 int RyForeignConverter::figureOf(int top)

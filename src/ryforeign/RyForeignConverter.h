@@ -29,7 +29,9 @@ private:
     void addNodes();
     int addNode(const QString &name, const RyAffine &local, int parent, bool isDriven);
     void planSkins();
-    int topOf(int joint) const;
+    /// The topmost joint above it, or itself: joints that hang below one another are one figure, also where plain nodes
+    /// stand between them.
+    int topOf(int joint) const { return m_tops[size_t(joint)]; }
     int figureOf(int top);
     bool addMeshes(const std::function<bool(double)> &progress);
     void addMesh(int node, RyForeignMeshWriter &writer);
@@ -45,6 +47,7 @@ private:
     std::vector<int> m_nodeOf;                             // of the document, by nodes of the tree
     std::vector<int> m_shownBy;                            // of the document: what shows their meshes, -1 for none
     std::map<int, std::unique_ptr<RyForeignSkin>> m_skins; // by nodes with a skinned mesh
+    std::vector<int> m_tops;                               // per node of the tree, see topOf
     std::vector<int> m_figures;                    // per node of the tree: a joint nearer to the figure's first top
     std::map<std::vector<unsigned>, int> m_meshes; // of the document, without a skin
     int m_lines = 0;
