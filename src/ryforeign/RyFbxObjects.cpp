@@ -84,7 +84,6 @@ bool RyFbxObjects::readRecord(qint64 at, qint64 end, Record &record) const
     if (nameAt > end)
         return false;
     record.end = count(0);
-    record.propertyCount = int(count(1));
     record.propertiesAt = nameAt + valueAt<quint8>(nameAt - 1);
     record.childrenAt = record.propertiesAt + count(2);
     if (count(2) < 0 || record.end <= at || record.end > end || record.childrenAt > record.end ||

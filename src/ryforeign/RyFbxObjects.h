@@ -27,7 +27,6 @@ private:
         qint64 propertiesAt = 0;
         qint64 childrenAt = 0;
         qint64 end = 0;
-        int propertyCount = 0;
         QByteArray name;
     };
 

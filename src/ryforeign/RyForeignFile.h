@@ -1,9 +1,9 @@
 #pragma once
 
-#include "rycore/io/foreign/RyForeignReader.h"
-
 #include <QByteArray>
+#include <QString>
 
+#include <functional>
 #include <memory>
 
 struct aiScene;

@@ -30,9 +30,7 @@ public:
 private:
     using Attributes = std::vector<std::pair<std::string, int>>;
 
-    bool writePrimitive(const aiMesh &mesh, int index, const RyForeignSkin *skin);
     void addTriangles(const aiMesh &mesh, RyForeignCorners &corners);
-    void addPolygon(const aiMesh &mesh, const unsigned *corners, unsigned count, const RyForeignCorners &joined);
     void noteStrangeNumbers(const aiMesh &mesh, const std::vector<std::uint32_t> &firsts, const QString &name) const;
     Attributes addAttributes(const aiMesh &mesh, const std::vector<std::uint32_t> &firsts) const;
     void addInfluences(const RyForeignInfluences &influences, const std::vector<std::uint32_t> &firsts,

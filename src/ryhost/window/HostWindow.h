@@ -24,7 +24,6 @@ public:
     Ry3DViewport *viewport() const { return m_viewport; }
     HostFiles *files() const { return m_files; }
     ScenePane *scenePane() const { return m_scenePane; }
-    HistoryPane *historyPane() const { return m_historyPane; }
     ToolSettingsPane *toolSettingsPane() const { return m_toolSettingsPane; }
     HostMenus *menus() const { return m_menus; }
     ActionSearch *actionSearch() const { return m_search; }
