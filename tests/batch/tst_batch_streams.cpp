@@ -110,6 +110,26 @@ private slots:
         QVERIFY2(bad.says("standard input: the script ended with an error"), bad.err.constData());
     }
 
+    /// A process each, and one stream.
+    void severalFilesGetAllOfStandardInput()
+    {
+        const QStringList files{"--batch", RyBatchRun::sample(), sampleAs("gltf")};
+        const Result scripts = m_run.run(files + QStringList{"--script", "-"}, "print('Hello ' + 'all');");
+        QVERIFY2(scripts.code == 0, scripts.err.constData());
+        QCOMPARE(scripts.err.count("Hello all"), 2);
+        QVERIFY(scripts.says("2 of 2 files done"));
+        const Result merged = m_run.run(files + QStringList{"--merge", "-", "--json", "--report"}, sample());
+        QVERIFY2(merged.code == 0, merged.err.constData());
+        for (const QJsonValue &entry : merged.json().value("files").toArray())
+            QCOMPARE(entry["report"]["figures"].toArray().size(), 2);
+        // The file that comes by it is the only one that takes it.
+        const Result one = m_run.run({"--batch", RyBatchRun::sample(), "-", "--select", "lHand"}, sample());
+        QVERIFY2(one.code == 0 && one.says("2 of 2 files done"), one.err.constData());
+        const Result none = m_run.run(files + QStringList{"--script", "-"});
+        QCOMPARE(none.code, 5);
+        QCOMPARE(none.err.count("standard input is empty; what was to send a script sent nothing"), 2);
+    }
+
     void whatStandardInputCannotBeIsExplained_data()
     {
         QTest::addColumn<QStringList>("options");

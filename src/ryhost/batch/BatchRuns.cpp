@@ -71,6 +71,8 @@ int runBatch(const QStringList &arguments, const ApplicationFrame &frame)
     if (parsed.files.size() == 1 && !parsed.asJson)
         return frame([&] { return runFile(parsed, streams, 0); });
 
+    if (parsed.files.size() > 1)
+        streams.readAhead(parsed);
     QJsonArray entries;
     int worst = 0;
     for (int number = 0; number < parsed.files.size(); ++number) {

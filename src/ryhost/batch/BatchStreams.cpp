@@ -22,6 +22,8 @@ namespace {
 constexpr ssize_t LargestInput = 2000000000; // one array holds it
 const QString InputName = QStringLiteral("stdin");
 const QString OutputName = QStringLiteral("stdout");
+const QString FileInput = QStringLiteral("a file");
+const QString ScriptInput = QStringLiteral("a script");
 
 bool usesFiles(const BatchArguments &arguments)
 {
@@ -55,6 +57,18 @@ bool readAll(QByteArray *bytes)
         else if (errno != EINTR)
             return false;
     }
+}
+
+/// Why there are none; empty when there are.
+QString readInputBytes(QByteArray *bytes, const QString &what)
+{
+    if (::isatty(STDIN_FILENO))
+        return QStringLiteral("standard input is a terminal; send %1 into the program by < or |").arg(what);
+    if (!readAll(bytes))
+        return QStringLiteral("standard input could not be read: %1").arg(RyFileSystem::lastReason());
+    if (bytes->isEmpty())
+        return QStringLiteral("standard input is empty; what was to send %1 sent nothing").arg(what);
+    return {};
 }
 
 } // namespace
@@ -108,21 +122,27 @@ QString BatchStreams::keepInput(const QString &ending, QString *error)
     return path;
 }
 
-static bool readInputBytes(QByteArray *bytes, const QString &what, QString *error)
+bool BatchStreams::readBytes(const QString &what, QString *error)
 {
-    if (::isatty(STDIN_FILENO))
-        *error = QStringLiteral("standard input is a terminal; send %1 into the program by < or |").arg(what);
-    else if (!readAll(bytes))
-        *error = QStringLiteral("standard input could not be read: %1").arg(RyFileSystem::lastReason());
-    else if (bytes->isEmpty())
-        *error = QStringLiteral("standard input is empty; what was to send %1 sent nothing").arg(what);
+    if (!m_isRead)
+        m_inputError = readInputBytes(&m_input, what);
+    m_isRead = true;
+    *error = m_inputError;
     return error->isEmpty();
+}
+
+void BatchStreams::readAhead(const BatchArguments &arguments)
+{
+    for (const BatchStep &step : arguments.steps) {
+        QString error;
+        if (step.readsStandardInput())
+            readBytes(step.verb == BatchStep::Script ? ScriptInput : FileInput, &error);
+    }
 }
 
 QString BatchStreams::readInput(const QString &format, QString *error)
 {
-    error->clear();
-    if (!readInputBytes(&m_input, QStringLiteral("a file"), error))
+    if (!readBytes(FileInput, error))
         return {};
     const QString ending = format.isEmpty() ? streamFormatOf(m_input) : format;
     if (ending.isEmpty()) {
@@ -143,9 +163,7 @@ QString BatchStreams::readInput(const QString &format, QString *error)
 
 QString BatchStreams::readScript(QString *error)
 {
-    error->clear();
-    return readInputBytes(&m_input, QStringLiteral("a script"), error) ? keepInput(QStringLiteral("rsx"), error)
-                                                                       : QString();
+    return readBytes(ScriptInput, error) ? keepInput(QStringLiteral("rsx"), error) : QString();
 }
 
 QString BatchStreams::outputFile(const QString &format, QString *error) const

@@ -24,6 +24,9 @@ public:
     QString readInput(const QString &format, QString *error);
     /// The same for a script.
     QString readScript(QString *error);
+    /// Reads standard input now where a verb needs it, for processes that are forked later: each then finds all of it,
+    /// or is told why there is none.
+    void readAhead(const BatchArguments &arguments);
     /// A path to write a scene to before it goes to standard output by `sendFile`; empty with a message for none.
     QString outputFile(const QString &format, QString *error) const;
     /// Sends what was written there. False with a message; also when other files had to be written beside it.
@@ -33,9 +36,12 @@ public:
     QString named(const QString &message) const;
 
 private:
+    bool readBytes(const QString &what, QString *error);
     QString keepInput(const QString &ending, QString *error);
 
     int m_output = -1; // -1: nothing of this run goes there
+    bool m_isRead = false;
     QByteArray m_input;
+    QString m_inputError; // why there is none
     std::unique_ptr<RyTemporaryFolder> m_folder; // null where no stream stands for a file
 };
