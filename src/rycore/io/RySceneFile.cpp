@@ -4,6 +4,7 @@
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/foreign/RyForeignImport.h"
+#include "rycore/io/gltf/document/RyGltfWriter.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyOwnExtras.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
@@ -92,11 +93,11 @@ std::unique_ptr<RyGltfDocument> readForeign(const QString &path, const RySceneFi
                                             QStringList *messages)
 {
     std::unique_ptr<RyGltfDocument> document;
-    const auto use = [&](const QString &glb) {
+    const auto use = [&](const QByteArray &glb) {
         QString reason;
-        document = RyGltfDocument::read(glb, &reason, messages);
+        document = RyGltfWriter::reopen(path, glb, &reason, messages);
         if (!document)
-            RyMessageLog::global().warning(reason.replace(glb, path));
+            RyMessageLog::global().warning(reason);
         return document != nullptr;
     };
     if (!RyForeignImport::read(path, options.unit, options.progress, use, error, messages))

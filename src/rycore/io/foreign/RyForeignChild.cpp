@@ -3,13 +3,15 @@
 #include "rycore/io/foreign/RyForeignProtocol.h"
 #include "rycore/io/foreign/RyForeignReader.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QLibrary>
-#include <QSaveFile>
 
 #include <dlfcn.h>
+#include <malloc.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -71,12 +73,31 @@ RyForeignReadFunction loadReader()
 
 void write(const QString &path, const QByteArray &bytes)
 {
-    QSaveFile file(path);
-    file.setDirectWriteFallback(false);
+    QFile file(path);
     // What a buffer holds is written when the file is closed, and nobody would hear that there was no room for it.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || file.write(bytes) != bytes.size() || !file.commit())
-        refuse(QStringLiteral("what was read of it could not be written to the folder for temporary files: %1")
-                   .arg(file.errorString()));
+    if (file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && file.write(bytes) == bytes.size())
+        return;
+    const QString reason = file.errorString();
+    if (QFileInfo(path).isFile() && !QFileInfo(path).isSymLink()) // and no device of the system
+        file.remove();                                            // no half of it
+    refuse(QStringLiteral("what was read of it could not be written: %1").arg(reason));
+}
+
+/// To the one who asked.
+[[noreturn]] void deliver(const QString &path, const RyForeignResult &result)
+{
+    write(path, result.glb);
+    for (const QString &note : result.notes)
+        send(RyForeignProtocol::Note, note);
+    std::_Exit(RyForeignProtocol::Done);
+}
+
+/// What is given back is soon asked for again, and the process is short of life: the system would take pages only to
+/// clear and hand them out anew.
+void keepFreedMemory()
+{
+    mallopt(M_MMAP_THRESHOLD, 32 << 20); // the largest that there is
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
 }
 
 } // namespace
@@ -98,6 +119,7 @@ void RyForeignChild::run(const QString &in, const QString &out, double unit)
     channel = ::dup(STDOUT_FILENO);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
     std::set_new_handler(endWithoutMemory);
+    keepFreedMemory();
     const RyForeignReadFunction read = loadReader();
     double told = 0.0;
     RyForeignRequest request;
@@ -110,6 +132,7 @@ void RyForeignChild::run(const QString &in, const QString &out, double unit)
         }
         return true; // who has lost interest ends this process
     };
+    request.finished = [&out](const RyForeignResult &result) { deliver(out, result); };
     RyForeignResult result;
     try {
         if (!read(request, result))
@@ -119,8 +142,5 @@ void RyForeignChild::run(const QString &in, const QString &out, double unit)
     } catch (const std::exception &failure) {
         refuse(QStringLiteral("the library that reads such files gave up: %1").arg(QString::fromUtf8(failure.what())));
     }
-    write(out, result.glb);
-    for (const QString &note : qAsConst(result.notes))
-        send(RyForeignProtocol::Note, note);
-    std::_Exit(RyForeignProtocol::Done);
+    deliver(out, result);
 }

@@ -1,8 +1,8 @@
 #include "rycore/io/foreign/RyForeignImport.h"
 
-#include "rycore/base/RyTemporaryFolder.h"
 #include "rycore/io/foreign/RyForeignContent.h"
 #include "rycore/io/foreign/RyForeignProcess.h"
+#include "rycore/io/foreign/RyUnnamedFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -102,15 +102,12 @@ bool RyForeignImport::read(const QString &path, double unit, const Progress &pro
     const QString obstacle = findObstacle(path);
     if (!obstacle.isEmpty())
         return refuse(obstacle);
-    const RyTemporaryFolder folder(QStringLiteral("ryhost-import"));
-    if (!folder.isValid())
-        return refuse(QStringLiteral("the folder for temporary files, %1, cannot be written").arg(QDir::tempPath()));
-    // The process appends to the name while it writes, for which a long one leaves no room.
-    const QString written = folder.filePath(QStringLiteral("read"));
-    const QString glb = folder.filePath(QFileInfo(path).fileName());
+    const RyUnnamedFile written;
+    if (!written.isValid())
+        return refuse(QStringLiteral("there is no memory for what is read of it; closing other programs may help"));
 
     RyForeignProcess process(limitsNow.memory);
-    if (!process.start(program(), QFileInfo(path).absoluteFilePath(), written, unit))
+    if (!process.start(program(), QFileInfo(path).absoluteFilePath(), written.handle(), unit))
         return refuse(QStringLiteral("the program that reads such files, %1, cannot be started").arg(program()));
     Silence silence;
     while (process.isRunning()) {
@@ -131,7 +128,8 @@ bool RyForeignImport::read(const QString &path, double unit, const Progress &pro
     }
     if (!process.isDone())
         return refuse(process.reason());
-    if (QFileInfo(written).size() == 0 || (written != glb && !QFile::rename(written, glb)))
+    const QByteArray glb = written.readAll();
+    if (glb.isEmpty())
         return refuse(QStringLiteral("the reader of such files ended without a result"));
     if (!use(glb))
         return refuse(QStringLiteral("what was read of it does not fit together"));

@@ -22,9 +22,8 @@ public:
 
     /// Of the files that it takes, lower case.
     static QStringList endings();
-    /// Gets the path of the glTF 2.0 binary that the file became, and is false when it cannot use it. It is called like
-    /// the foreign file, so that its name may be told; its folder is gone after the call.
-    using Use = std::function<bool(const QString &glb)>;
+    /// Gets the glTF 2.0 binary that the file became, and is false when it cannot use it.
+    using Use = std::function<bool(const QByteArray &glb)>;
 
     /// Has the file read, gives the result to `use` and the notes on what did not come along to `notes`. `unit`:
     /// centimetres per unit of the file, 0 to find it. False with a message that names the file, the reason and a way

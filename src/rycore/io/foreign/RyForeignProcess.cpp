@@ -3,8 +3,10 @@
 #include "rycore/io/foreign/RyForeignProtocol.h"
 
 #include <QFile>
+#include <QProcessEnvironment>
 #include <QThread>
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -18,6 +20,18 @@ constexpr int MostNotes = 200;
 constexpr qint64 OneMebibyte = 1 << 20;
 /// What the libraries of the process take of its memory, without what they ask for.
 constexpr qint64 RoomForLibraries = 64 * OneMebibyte;
+constexpr int WatchEvery = 20; // milliseconds
+
+/// A large file lies in many pages, and each that a process sees for the first time costs it more than what it reads
+/// into it. Only the loader of a new program takes this setting.
+QProcessEnvironment withLargePages(QProcessEnvironment environment)
+{
+    const QString name = QStringLiteral("GLIBC_TUNABLES");
+    const QString given = environment.value(name);
+    environment.insert(name,
+                       (given.isEmpty() ? given : given + QLatin1Char(':')) + QStringLiteral("glibc.malloc.hugetlb=1"));
+    return environment;
+}
 
 } // namespace
 
@@ -26,11 +40,16 @@ RyForeignProcess::~RyForeignProcess()
     end();
 }
 
-bool RyForeignProcess::start(const QString &program, const QString &in, const QString &out, double unit)
+bool RyForeignProcess::start(const QString &program, const QString &in, int out, double unit)
 {
     m_parent = int(getpid());
+    m_out = out;
     setStandardErrorFile(nullDevice());
-    QProcess::start(program, {QString::fromLatin1(RyForeignProtocol::Option), in, out, QString::number(unit, 'g', 17)},
+    setProcessEnvironment(withLargePages(QProcessEnvironment::systemEnvironment()));
+    m_sinceWatched.start();
+    QProcess::start(program,
+                    {QString::fromLatin1(RyForeignProtocol::Option), in, QStringLiteral("/proc/self/fd/%1").arg(out),
+                     QString::number(unit, 'g', 17)},
                     ReadOnly);
     return waitForStarted();
 }
@@ -41,6 +60,7 @@ void RyForeignProcess::setupChildProcess()
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != m_parent)
         _exit(RyForeignProtocol::Refused);
+    fcntl(m_out, F_SETFD, 0);
     const rlimit none = {0, 0};
     setrlimit(RLIMIT_CORE, &none);
 #if !defined(__SANITIZE_ADDRESS__)
@@ -56,7 +76,10 @@ void RyForeignProcess::wait(int time)
     if (!waitForReadyRead(time) && isRunning() && !bytesAvailable())
         QThread::msleep(1); // it has closed its output: no waiting helps
     takeLines();
-    if (isRunning() && residentBytes() > m_memory) {
+    if (!isRunning() || !m_sinceWatched.hasExpired(WatchEvery))
+        return;
+    m_sinceWatched.start();
+    if (residentBytes() > m_memory) {
         m_isOverMemory = true;
         end();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QStringList>
 
@@ -13,7 +14,8 @@ public:
     explicit RyForeignProcess(qint64 memory) : m_memory(memory) {}
     ~RyForeignProcess() override;
 
-    bool start(const QString &program, const QString &in, const QString &out, double unit);
+    /// `out`: handle of a file that it writes, of this process.
+    bool start(const QString &program, const QString &in, int out, double unit);
     /// Lets it run for some milliseconds, less when it has something to say.
     void wait(int time);
     bool isRunning() const { return state() != NotRunning; }
@@ -42,6 +44,8 @@ private:
 
     qint64 m_memory;
     int m_parent = 0;
+    int m_out = -1;
+    QElapsedTimer m_sinceWatched;
     QByteArray m_begun; // of a line
     bool m_isTooLong = false;
     double m_progress = 0.0;

@@ -15,6 +15,8 @@ struct RyForeignRequest
     double unit = 0.0;
     /// Told how much is done, from 0 to 1; false means that nobody wants the file any more.
     std::function<bool(double done)> progress;
+    /// Called with a result as soon as it is there, before what it was made from is tidied up; need not come back.
+    std::function<void(const struct RyForeignResult &result)> finished;
 };
 
 /// A foreign file as a glTF 2.0 binary with the extras of our own: in metres, as that format has it, so that what is

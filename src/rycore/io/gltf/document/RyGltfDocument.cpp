@@ -113,6 +113,12 @@ std::unique_ptr<RyGltfDocument> RyGltfDocument::read(const QString &path, QStrin
     return readOrRefuse(path, error, [&] { return RyGltfWriter::reopen(path, RyGltfUri::readFile(path), warnings); });
 }
 
+std::unique_ptr<RyGltfDocument> RyGltfWriter::reopen(const QString &path, const QByteArray &bytes, QString *error,
+                                                     QStringList *warnings)
+{
+    return readOrRefuse(path, error, [&] { return reopen(path, bytes, warnings); });
+}
+
 std::unique_ptr<RyGltfDocument> RyGltfWriter::reopen(const QString &path, const QByteArray &bytes,
                                                      QStringList *warnings)
 {

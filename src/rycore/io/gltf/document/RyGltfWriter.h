@@ -19,6 +19,9 @@ public:
     static std::unique_ptr<RyGltfDocument> assemble(const RyGltfParts &parts);
     /// What a file with these bytes would be opened as at `path`. Throws RyGltfError and what the library throws.
     static std::unique_ptr<RyGltfDocument> reopen(const QString &path, const QByteArray &bytes, QStringList *warnings);
+    /// Likewise; null with the message that `RyGltfDocument::read` would give.
+    static std::unique_ptr<RyGltfDocument> reopen(const QString &path, const QByteArray &bytes, QString *error,
+                                                  QStringList *warnings);
 
 private:
     using Json = nlohmann::ordered_json;
