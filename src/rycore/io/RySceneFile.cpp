@@ -3,6 +3,7 @@
 #include "rycore/base/RyMessageLog.h"
 #include "rycore/io/RySafeFile.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/RyWaiting.h"
 #include "rycore/io/foreign/RyForeignImport.h"
 #include "rycore/io/gltf/document/RyGltfWriter.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
@@ -88,19 +89,22 @@ void putIntoScene(RyScene *scene, const std::vector<RyRef<RyNode>> &tops, std::u
         ryUndoStack()->setClean();
 }
 
+constexpr double ForeignShare = 0.7; // of the time that the other process takes, roughly
+
 /// What a foreign file became, with the notes on it.
-std::unique_ptr<RyGltfDocument> readForeign(const QString &path, const RySceneFile::Options &options, QString *error,
-                                            QStringList *messages)
+std::unique_ptr<RyGltfDocument> readForeign(const QString &path, const RySceneFile::Options &options,
+                                            RyWaiting &waiting, QString *error, QStringList *messages)
 {
     std::unique_ptr<RyGltfDocument> document;
     const auto use = [&](const QByteArray &glb) {
         QString reason;
-        document = RyGltfWriter::reopen(path, glb, &reason, messages);
+        waiting.run([&] { document = RyGltfWriter::reopen(path, glb, &reason, messages); });
         if (!document)
             RyMessageLog::global().warning(reason);
         return document != nullptr;
     };
-    if (!RyForeignImport::read(path, options.unit, options.progress, use, error, messages))
+    const auto tell = [&options](double done) { return !options.progress || options.progress(ForeignShare * done); };
+    if (!RyForeignImport::read(path, options.unit, tell, use, error, messages))
         return nullptr;
     return document;
 }
@@ -228,10 +232,14 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         return true;
     }
     const bool foreign = isForeign(path);
+    RyWaiting waiting(options.progress, ForeignShare);
     std::unique_ptr<RyGltfDocument> document =
-        foreign ? readForeign(path, options, error, messages) : RyGltfDocument::read(path, error, messages);
+        foreign ? readForeign(path, options, waiting, error, messages) : RyGltfDocument::read(path, error, messages);
     if (!document)
         return false;
+    const QString cancelled = QStringLiteral("%1 was not opened: it was cancelled").arg(path);
+    if (!waiting.isWanted())
+        return refuse(error, cancelled);
     std::vector<RyRef<RyNode>> tops;
     std::unique_ptr<RyGltfOrigin> origin;
     {
@@ -240,8 +248,8 @@ bool RySceneFile::open(RyScene *scene, const QString &path, const Options &optio
         try {
             // The unit of a foreign file was its reader's to take.
             RyGltfSceneReader reader(std::move(document), path, foreign ? 0.0 : options.unit);
-            if (!reader.build(&reason, messages))
-                return refuse(error, reason);
+            if (!reader.build(&reason, messages, foreign ? &waiting : nullptr))
+                return refuse(error, waiting.isWanted() ? reason : cancelled);
             tops = reader.topLevelNodes();
             origin = reader.takeOrigin();
         } catch (const std::bad_alloc &) {

@@ -3,6 +3,7 @@
 #include "rycore/figure/RyFigure.h"
 #include "rycore/figure/RyLegacyFigure.h"
 #include "rycore/io/RyUnitFactor.h"
+#include "rycore/io/RyWaiting.h"
 #include "rycore/io/gltf/document/RyGltfFloats.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
@@ -46,9 +47,28 @@ void RyGltfSceneReader::say(const QString &message)
         m_messages->append(message);
 }
 
-bool RyGltfSceneReader::build(QString *error, QStringList *messages)
+/// Touches no node. False when nobody wants the scene any more.
+bool RyGltfSceneReader::doLong(const std::function<void()> &work)
+{
+    if (m_waiting)
+        m_waiting->run(work);
+    else
+        work();
+    return !m_waiting || m_waiting->isWanted();
+}
+
+/// Between two things that take a while.
+bool RyGltfSceneReader::isWanted()
+{
+    if (m_waiting)
+        m_waiting->tell();
+    return !m_waiting || m_waiting->isWanted();
+}
+
+bool RyGltfSceneReader::build(QString *error, QStringList *messages, RyWaiting *waiting)
 {
     m_messages = messages;
+    m_waiting = waiting;
     const RyGltfModel &model = m_origin->document->model();
     m_origin->unitWasChosen = m_origin->unit > 0.0;
     m_preOrder = ryGltfPreOrder(model);
@@ -65,7 +85,9 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
         m_origin->unit = RyFigureExtras::storedUnit(*m_origin->document);
     if (!(m_origin->unit > 0.0))
         m_origin->unit = findUnit();
-    const QString refusal = findUnusableNumbers();
+    QString refusal;
+    if (!doLong([&] { refusal = findUnusableNumbers(); }))
+        return false;
     if (!refusal.isEmpty()) {
         *error = QStringLiteral("%1 cannot be opened: %2").arg(m_origin->filePath, refusal);
         return false;
@@ -77,6 +99,8 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
         figuresAt[figure.carrier >= 0 ? figure.carrier : figure.joints.bones.front()].push_back(&figure);
     const std::vector<bool> isProp = findProps();
     for (const int node : m_preOrder) {
+        if (m_waiting && !m_waiting->isWanted())
+            return false;
         const auto figures = figuresAt.find(node);
         if (figures != figuresAt.end())
             std::for_each(figures->second.begin(), figures->second.end(), [this](Figure *each) { buildFigure(*each); });
@@ -91,6 +115,8 @@ bool RyGltfSceneReader::build(QString *error, QStringList *messages)
     std::move(props.begin(), props.end(), std::back_inserter(m_origin->figures));
     for (const RyRef<RyNode> &top : m_tops)
         m_origin->tops.emplace_back(top.get());
+    if (!isWanted())
+        return false;
     readLinks();
     noteFits();
     m_origin->recordTree();
@@ -266,9 +292,14 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
                 .arg(figure.rest.reason));
     }
     figure.entry = m_entries->find(figure.joints.bones, figure.place);
-    buildMesh(figure);
-    std::vector<RyGltfMeshBuilder::BoneWeights> weights = figure.mesh->boneWeights(int(figure.joints.bones.size()));
-    figure.mesh->finish();
+    std::vector<RyGltfMeshBuilder::BoneWeights> weights;
+    const auto makeMesh = [&] {
+        buildMesh(figure);
+        weights = figure.mesh->boneWeights(int(figure.joints.bones.size()));
+        figure.mesh->finish();
+    };
+    if (!doLong(makeMesh))
+        return;
     if (findParametric(figure, weights))
         figure.figure = new RyLegacyFigure;
     else
@@ -290,6 +321,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         figure.bones.push_back(bone);
         noteNode(node, *bone);
     }
+    isWanted();
     std::vector<RyGltfNodeSource> sources = RyGltfBonePlacer(*m_origin, figure, m_messages).place();
     if (figure.carrier >= 0)
         addSource(carrierSource(figure));

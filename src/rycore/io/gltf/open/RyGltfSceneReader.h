@@ -8,6 +8,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -15,6 +16,7 @@
 class RyFacetMesh;
 class RyModifier;
 class RySkinBinding;
+class RyWaiting;
 
 /// Makes the nodes of a scene from a glTF document. The scene itself is touched only by `commit`, when everything is
 /// there.
@@ -25,8 +27,9 @@ public:
     RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit);
     ~RyGltfSceneReader();
 
-    /// False with a reason when a figure of the file makes no sense.
-    bool build(QString *error, QStringList *messages);
+    /// False with a reason when a figure of the file makes no sense, without one when nobody wants the scene any more.
+    /// `waiting`: may be null.
+    bool build(QString *error, QStringList *messages, RyWaiting *waiting = nullptr);
     /// Top-level nodes, not yet in a scene.
     const std::vector<RyRef<RyNode>> &topLevelNodes() const { return m_tops; }
     std::unique_ptr<RyGltfOrigin> takeOrigin() { return std::move(m_origin); }
@@ -75,6 +78,8 @@ private:
     QString partName(int mesh, int primitive) const;
     RyGltfNames &namesBeside(RyNode *above);
     void say(const QString &message);
+    bool doLong(const std::function<void()> &work);
+    bool isWanted();
 
     std::unique_ptr<RyGltfOrigin> m_origin;
     std::vector<int> m_preOrder;
@@ -90,4 +95,5 @@ private:
     std::map<RyNode *, RyGltfNames> m_namesBelow;
     std::vector<RyMaterialLook> m_looks;
     QStringList *m_messages = nullptr;
+    RyWaiting *m_waiting = nullptr;
 };

@@ -152,10 +152,13 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     if (!RyFigureExtras::applyFaceGroups(*m_origin->document, figure.entry, *mesh, m_messages))
         addPartGroups(*mesh, *parts);
 
+    isWanted();
     object->addModifier(figure.parametric ? bindJoints(figure, std::move(weights))
                                           : bindBones(figure, vertexCount, std::move(weights)));
     figure.source.meshParts = parts;
+    isWanted();
     readMorphs(figure.source, *shape, figure.entry, RyAffine());
+    isWanted();
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
     figure.source.vertexCount = vertexCount;
