@@ -82,7 +82,8 @@ public:
     {
         m_target.bind();
         m_painter.scene().setScene(ryScene(), m_manager.sceneRevision());
-        m_painter.paint(view(), samples, [this] { drawTool([this] { m_tool->draw(&m_viewport, style()); }); });
+        m_painter.paint(view(), samples, toolDepth(),
+                        [this] { drawTool(m_tool->needsDepth(), [this] { m_tool->draw(&m_viewport, style()); }); });
         glFinish();
     }
     /// What is left of a frame when the tool draws nothing.
@@ -90,7 +91,7 @@ public:
     {
         m_target.bind();
         m_painter.scene().setScene(ryScene(), m_manager.sceneRevision());
-        m_painter.paint(view(), samples, [] {});
+        m_painter.paint(view(), samples, toolDepth(), [] {});
         glFinish();
     }
     /// Four samples, and bones and handles by the letter.
@@ -98,7 +99,7 @@ public:
     {
         const RyLiteralDrawing literal(RyLiteralDrawing::Pass::Normal, true);
         m_plain.drawFrame(m_target, [&] {
-            drawTool([&] {
+            drawTool(true, [&] {
                 literal.drawFromScene(*m_model.figure);
                 literal.drawHandles(*bone());
             });
@@ -122,6 +123,10 @@ private:
         return qobject_cast<RyFacetShape *>(RyShape::getCurrentShapeForNode(&node))->getFacetMesh();
     }
     RyBone *bone() const { return m_model.bone; }
+    RyViewPainter::Depth toolDepth() const
+    {
+        return m_tool->needsDepth() ? RyViewPainter::Depth::Cleared : RyViewPainter::Depth::Undefined;
+    }
     static RyDrawStyle style() { return RyDrawStyle(RyDrawStyle::Textured); }
     RySceneView view() const
     {
@@ -130,11 +135,11 @@ private:
         return view;
     }
     template<typename Draw>
-    void drawTool(const Draw &draw) const
+    void drawTool(bool withDepth, const Draw &draw) const
     {
         view().matrices.load();
         glPushAttrib(GL_ALL_ATTRIB_BITS);
-        glEnable(GL_DEPTH_TEST);
+        (withDepth ? glEnable : glDisable)(GL_DEPTH_TEST);
         glDepthFunc(GL_LEQUAL);
         glEnable(GL_BLEND);
         glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);

@@ -58,7 +58,7 @@ public:
     {
         m_target.bind();
         m_painter.scene().setScene(&m_scene, m_revision);
-        m_painter.paint(view(), samples, [] {});
+        m_painter.paint(view(), samples, RyViewPainter::Depth::Undefined, [] {});
         glFinish();
     }
     void uploadPlainly()

@@ -116,7 +116,7 @@ private slots:
         const RyFramebuffer target(400, 300, 0);
         const auto paint = [&](const RySceneView &seen) {
             target.bind();
-            painter.paint(seen, RyViewPainter::MostSamples, [] {});
+            painter.paint(seen, RyViewPainter::MostSamples, RyViewPainter::Depth::Cleared, [] {});
             return target.toImage();
         };
         const RySceneView front = view();

@@ -270,7 +270,9 @@ void Ry3DViewport::paintFrame(const RySceneView &view, int samples)
 {
     RyGLUtility::setDevicePixelRatio(view.options.pixelRatio);
     d->painter.scene().setScene(d->scene(), d->manager ? d->manager->sceneRevision() : 1);
-    d->painter.paint(view, samples, [&] { drawTool(view); });
+    const bool needsDepth = d->tool() && d->tool()->needsDepth();
+    d->painter.paint(view, samples, needsDepth ? RyViewPainter::Depth::Cleared : RyViewPainter::Depth::Undefined,
+                     [&] { drawTool(view); });
     view.matrices.load();
 }
 
@@ -281,8 +283,12 @@ void Ry3DViewport::drawTool(const RySceneView &view)
         return;
     view.matrices.load();
     glPushAttrib(GL_ALL_ATTRIB_BITS);
-    glEnable(GL_DEPTH_TEST);
-    glDepthFunc(GL_LEQUAL);
+    if (tool->needsDepth()) {
+        glEnable(GL_DEPTH_TEST);
+        glDepthFunc(GL_LEQUAL);
+    } else {
+        glDisable(GL_DEPTH_TEST);
+    }
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDisable(GL_LIGHTING);

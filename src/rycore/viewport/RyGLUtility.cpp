@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -44,6 +45,43 @@ private:
     std::vector<Turn> m_polar;
     std::vector<Turn> m_around;
 };
+
+/// How far an outline may run beside the circle that it stands for, in pixels.
+constexpr double outlineError = 1.0 / 32.0;
+
+/// The most parts around that a sphere about the origin shows: what more of them change is less than `outlineError`.
+int mostSlices(double radius)
+{
+    float modelview[16];
+    float projection[16];
+    GLint viewport[4];
+    glGetFloatv(GL_MODELVIEW_MATRIX, modelview);
+    glGetFloatv(GL_PROJECTION_MATRIX, projection);
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    double stretch = 0.0; // squared, never less than that of any direction
+    for (int i = 0; i < 3; ++i) {
+        double sum = 0.0;
+        for (int j = 0; j < 3; ++j) {
+            double product = 0.0;
+            for (int k = 0; k < 3; ++k)
+                product += double(modelview[4 * i + k]) * double(modelview[4 * j + k]);
+            sum += std::abs(product);
+        }
+        stretch = std::max(stretch, sum);
+    }
+    const double seenRadius = std::abs(radius) * std::sqrt(stretch);
+    const bool isPerspective = projection[11] != 0.0f;
+    const double nearest = isPerspective ? -double(modelview[14]) - seenRadius : 1.0;
+    const double perLength =
+        0.5 * std::max(std::abs(double(projection[0])) * viewport[2], std::abs(double(projection[5])) * viewport[3]);
+    const double pixels = seenRadius * perLength;
+    if (!(nearest > 0.0) || !std::isfinite(pixels))
+        return std::numeric_limits<int>::max();
+    if (pixels <= outlineError * nearest)
+        return 0;
+    const double slices = RyFastMath::Pi / std::acos(1.0 - outlineError * nearest / pixels);
+    return slices < 1e6 ? int(std::ceil(slices)) : std::numeric_limits<int>::max();
+}
 
 void sphereVertex(const RyVec3 &unit, float radius, float normalSign)
 {
@@ -85,8 +123,10 @@ void RyGLUtility::drawCircle(int segments, float radius, int axis, bool filled, 
 
 void RyGLUtility::drawSphere(int density, float radius, bool inside, bool solid)
 {
-    const int slices = std::max(density, 3);
-    const int stacks = std::max(density / 2, 2);
+    // Lines are seen one by one, the facets of a small ball are not.
+    const int shown = solid ? std::min(density, mostSlices(double(radius))) : density;
+    const int slices = std::max(shown, 3);
+    const int stacks = std::max(shown / 2, 2);
     const float sign = inside ? -1.0f : 1.0f;
     const UnitSphere sphere(stacks, slices);
     if (solid) {

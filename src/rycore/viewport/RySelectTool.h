@@ -11,5 +11,6 @@ public:
 
     int getToolPriority() const override;
     bool showsInsideFigures() const override { return false; }
+    bool needsDepth() const override { return getHighlightNode(); }
     QString getStatusText() const override;
 };

@@ -48,6 +48,9 @@ public:
     virtual void fillToolOptionsMenu(RyActionMenu *menu);
     /// Whether figures are drawn slightly see-through while this tool is active. True unless a tool says otherwise.
     virtual bool showsInsideFigures() const { return true; }
+    /// Whether something of what `draw` would draw now hides other parts of it by depth. Where nothing does, the
+    /// viewport draws the tool without depth, which saves clearing it. True unless a tool says otherwise.
+    virtual bool needsDepth() const { return true; }
     /// One line for the status bar on what the mouse will do now; empty for none.
     virtual QString getStatusText() const;
 

@@ -97,6 +97,13 @@ void RyJointEditorTool::draw(Ry3DViewport *viewport, const RyDrawStyle &style)
         m_drawing.draw(viewport, style.shadeStyle == RyDrawStyle::PickPass, m_joint, display(), hoveredId());
 }
 
+/// Bones and handles are drawn in their order; the patches of a highlight and the spheres of a parameter hide each
+/// other.
+bool RyJointEditorTool::needsDepth() const
+{
+    return getHighlightNode() || m_joint.param.get();
+}
+
 void RyJointEditorTool::mouseOver(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier)
 {
     m_pointer.hover(viewport, event, modifier);

@@ -56,6 +56,7 @@ public:
     void activated() override;
     void deactivated() override;
     void draw(Ry3DViewport *viewport, const RyDrawStyle &style) override;
+    bool needsDepth() const override;
     bool mousePress(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     bool mouseMove(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;
     bool mouseRelease(Ry3DViewport *viewport, QMouseEvent *event, RyViewMouseModifier modifier) override;

@@ -27,7 +27,7 @@ void RyViewPainter::abandon()
     m_frame.reset();
 }
 
-void RyViewPainter::paint(const RySceneView &view, int samples, const std::function<void()> &drawOver)
+void RyViewPainter::paint(const RySceneView &view, int samples, Depth depth, const std::function<void()> &drawOver)
 {
     GLint target = 0;
     glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &target);
@@ -47,8 +47,10 @@ void RyViewPainter::paint(const RySceneView &view, int samples, const std::funct
         scene.resolveInto(GLuint(target));
         glViewport(0, 0, view.width, view.height);
     }
-    glDepthMask(GL_TRUE);
-    glClear(GL_DEPTH_BUFFER_BIT);
+    if (depth == Depth::Cleared) {
+        glDepthMask(GL_TRUE);
+        glClear(GL_DEPTH_BUFFER_BIT);
+    }
     drawOver();
     if (samples > 1)
         m_frame->resolveInto(GLuint(target));

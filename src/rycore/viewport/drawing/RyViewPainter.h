@@ -10,6 +10,8 @@ class RyViewPainter
 {
 public:
     static constexpr int MostSamples = 4;
+    /// What is drawn over the scene finds a cleared depth, or one of anything.
+    enum class Depth { Cleared, Undefined };
 
     RyViewPainter();
     /// Makes no GL call: `release` with the context current comes first, or `abandon`.
@@ -18,8 +20,8 @@ public:
     RyScenePicture &scene() { return m_scene; }
     const RyScenePicture &scene() const { return m_scene; }
     /// Paints into the frame buffer that is bound, which has no samples of its own. `drawOver` finds the scene's
-    /// colors, a cleared depth and the viewport of the whole view.
-    void paint(const RySceneView &view, int samples, const std::function<void()> &drawOver);
+    /// colors, the depth that it asks for and the viewport of the whole view.
+    void paint(const RySceneView &view, int samples, Depth depth, const std::function<void()> &drawOver);
     void release();
     void abandon();
 
