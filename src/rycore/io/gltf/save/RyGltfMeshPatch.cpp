@@ -24,27 +24,26 @@ void RyGltfMeshPatch::writeInfluences(const std::vector<Part> &parts, const std:
     const std::vector<int> tags = tellApart(parts);
     std::set<std::pair<int, int>> done; // several nodes may show one mesh
     std::vector<Sharers> groups;
+    Places known;
     for (const Part &part : parts) {
         if (!part.isWritten || part.vertexOfSplit->empty() || !done.insert({part.mesh, part.primitive}).second)
             continue;
-        addToSharers(groups, part);
+        addToSharers(groups, known, part);
         writeTags(part, tags);
     }
     for (const Sharers &sharers : groups)
         writeSharers(sharers, influences);
 }
 
-void RyGltfMeshPatch::addToSharers(std::vector<Sharers> &groups, const Part &part) const
+void RyGltfMeshPatch::addToSharers(std::vector<Sharers> &groups, Places &known, const Part &part) const
 {
     const RyGltfPrimitive &primitive = m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
-    const auto known = std::find_if(groups.begin(), groups.end(), [&](const Sharers &sharers) {
-        return sharers.joints == primitive.joints && sharers.weights == primitive.weights &&
-               *sharers.parts.front().vertexOfSplit == *part.vertexOfSplit;
-    });
-    if (known != groups.end())
-        known->parts.push_back(part);
-    else
+    const auto [place, isNew] =
+        known.try_emplace(Places::key_type(primitive.joints, primitive.weights, *part.vertexOfSplit), groups.size());
+    if (isNew)
         groups.push_back({primitive.joints, primitive.weights, {part}});
+    else
+        groups[place->second].parts.push_back(part);
 }
 
 void RyGltfMeshPatch::writeSharers(const Sharers &sharers, RyGltfInfluenceWriter::Part influences)

@@ -3,6 +3,8 @@
 #include "rycore/io/gltf/save/RyGltfInfluenceWriter.h"
 #include "rycore/math/RyVec3.h"
 
+#include <map>
+#include <tuple>
 #include <vector>
 
 /// Writes influences into primitives of a document. Where two vertices of the scene would look alike to a reader, who
@@ -31,7 +33,9 @@ private:
         std::vector<int> joints, weights; // accessors
         std::vector<Part> parts;
     };
-    void addToSharers(std::vector<Sharers> &groups, const Part &part) const;
+    /// Where in a list of them those with the same joints, weights and vertices stand.
+    using Places = std::map<std::tuple<std::vector<int>, std::vector<int>, const std::vector<int> &>, size_t>;
+    void addToSharers(std::vector<Sharers> &groups, Places &known, const Part &part) const;
     void writeSharers(const Sharers &sharers, RyGltfInfluenceWriter::Part influences);
     std::vector<int> tellApart(const std::vector<Part> &parts) const;
     void writeTags(const Part &part, const std::vector<int> &tags);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <tuple>
 
 RyGltfVertexPatch::RyGltfVertexPatch(RyGltfDocument &document, const RyFacetMesh &mesh, const RyAffine &toFigure)
     : m_document(document), m_mesh(mesh), m_toFigure(toFigure), m_toMesh(toFigure.inverse())
@@ -22,20 +23,19 @@ std::vector<RyGltfVertexPatch::Sharers> RyGltfVertexPatch::sharersOf(const std::
 {
     const bool isPosition = qstrcmp(attribute, "POSITION") == 0;
     std::vector<Sharers> result;
+    std::map<std::tuple<int, const std::vector<int> &>, size_t> known; // where in the result
     for (const Part &part : parts) {
         const RyGltfPrimitive &primitive =
             m_document.model().meshes[size_t(part.mesh)].primitives[size_t(part.primitive)];
         const int accessor = isPosition ? primitive.positions : primitive.normals;
         if (accessor < 0)
             continue;
-        const auto known = std::find_if(result.begin(), result.end(), [&](const Sharers &sharers) {
-            return sharers.accessor == accessor &&
-                   sharers.parts.front().source->vertexOfSplit == part.source->vertexOfSplit;
-        });
-        if (known != result.end())
-            known->parts.push_back(part);
-        else
+        const auto [place, isNew] = known.try_emplace(
+            std::tuple<int, const std::vector<int> &>(accessor, part.source->vertexOfSplit), result.size());
+        if (isNew)
             result.push_back({accessor, {part}});
+        else
+            result[place->second].parts.push_back(part);
     }
     return result;
 }
