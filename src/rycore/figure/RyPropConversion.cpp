@@ -1,5 +1,6 @@
 #include "rycore/figure/RyPropConversion.h"
 
+#include "rycore/figure/RyBoneRelease.h"
 #include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -27,6 +28,40 @@ static void placeRootBone(RyBone *bone, const RyNode &prop, const RyBox3 &box)
     }
     bone->setOrigin(origin, true);
     bone->setEndPoint(end, true);
+}
+
+/// The bones of a skeleton that hang below a node of it.
+static std::vector<RyBone *> bonesBelow(const RyNode *node, const RySkeleton *skeleton)
+{
+    std::vector<RyBone *> bones;
+    for (RyBone *bone : skeleton->getAllBones()) {
+        if (bone->isDescendantOf(node))
+            bones.push_back(bone);
+    }
+    return bones;
+}
+
+/// Bones below a prop will be bones of the figure that it becomes, and no longer of the one that it hangs on.
+static void leaveOuterFigure(const RyNode *prop)
+{
+    const RySkeleton *outer = RyPropConversion::outerSkeleton(prop);
+    const std::vector<RyBone *> leaving = outer ? bonesBelow(prop, outer) : std::vector<RyBone *>();
+    if (leaving.empty())
+        return;
+    // The nearest above it takes over, or the first of the others.
+    RyNode *above = prop->getNodeParent();
+    while (above != outer && !qobject_cast<RyBone *>(above))
+        above = above->getNodeParent();
+    auto *receiver = qobject_cast<RyBone *>(above);
+    const std::vector<RyBone *> all = outer->getAllBones();
+    const auto stays = [prop](const RyBone *bone) { return !bone->isDescendantOf(prop); };
+    const auto first = std::find_if(all.begin(), all.end(), stays);
+    if (!receiver && first != all.end())
+        receiver = *first;
+    for (const RySkeleton *figure : prop->getScene() ? prop->getScene()->getSkeletons() : std::vector<RySkeleton *>{}) {
+        if (!figure->isDescendantOf(prop))
+            RyBoneRelease::release(*figure, leaving, receiver);
+    }
 }
 
 RySkeleton *RyPropConversion::outerSkeleton(const RyNode *prop)
@@ -63,6 +98,7 @@ bool RyPropConversion::run(RyNode *node, RySkeleton *figure, const QString &root
         outer->addNodeChild(figure);
         figure->setFollowTarget(outer);
     } else {
+        leaveOuterFigure(node);
         bone->setName(name);
         RyNodeReplacement::takePlace(node, figure);
         placeRootBone(bone.get(), *node, mesh->getBoundingBox());

@@ -1,14 +1,10 @@
-#include "rycore/figure/RyLegacyBoneRemoval.h"
-#include "rycore/mesh/ryAddWeights.h"
-#include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/figure/RyBoneRelease.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyModifier.h"
 #include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
-#include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/node/RyNodeReplacement.h"
-#include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <algorithm>
@@ -54,59 +50,6 @@ std::vector<RySkeleton *> figuresJoinedTo(const RySkeleton *skeleton, const RySc
     return joined;
 }
 
-/// The weights, but no bulges: these push away from the line of the bone that goes.
-void giveWeights(const RyBoneBinding &from, RyBoneBinding &to)
-{
-    const auto give = [](RyWeightMap *source, RyWeightMap *target, const auto &set) {
-        if (source && !target)
-            set(source->copy());
-        else
-            ryAddWeights(source, target);
-    };
-    give(from.getWeights(), to.getWeights(), [&to](RyWeightMap *map) { to.setWeights(map); });
-    give(from.getScaleWeights(), to.getScaleWeights(), [&to](RyWeightMap *map) { to.setScaleWeights(map); });
-    for (int axis = 0; axis < 3; ++axis) {
-        give(from.getLocalWeights(axis), to.getLocalWeights(axis),
-             [&to, axis](RyWeightMap *map) { to.setLocalWeights(map, axis); });
-    }
-}
-
-/// What bones of a figure held that goes, the first bone of its own holds from then on.
-void keepVertices(const RySkeleton &figure, const RySkeleton *going)
-{
-    RySkinBinding *skin = RySkinBinding::findSkin(&figure);
-    if (!skin)
-        return;
-    RyBone *own = figure.getAllBones().front();
-    RyBoneBinding *receiver = skin->findBoneBinding(own);
-    for (RyBoneBinding *binding : skin->boneBindingIterator()) {
-        if (!binding->getBone() || binding->getBone()->getSkeleton() != going)
-            continue;
-        if (!receiver) {
-            receiver = new RyBoneBinding;
-            receiver->setBone(own);
-            skin->addBoneBinding(receiver);
-        }
-        giveWeights(*binding, *receiver);
-        skin->removeBoneBinding(binding);
-    }
-    skin->normalize(0, RySkinBinding::AllWeights, false);
-}
-
-/// A figure with bones of its own stays one, without those that go.
-void releaseFigure(const RySkeleton &figure, const RySkeleton *going)
-{
-    keepVertices(figure, going);
-    const std::vector<RyBone *> bones = going->getAllBones();
-    for (RyBone *bone : RyLegacyBinding::findBinding(&figure) ? bones : std::vector<RyBone *>())
-        RyLegacyBoneRemoval(bone).removeLegacyJoint();
-    RySelectionMap *map = figure.getSelectionMap();
-    for (const RyBone *bone : map ? bones : std::vector<RyBone *>()) {
-        for (int pair = map->findPair(bone); pair >= 0; pair = map->findPair(bone))
-            map->removePair(pair);
-    }
-}
-
 /// The nodes, and what belongs to the modifiers of the skeleton's object.
 std::vector<const RyElement *> withParts(const RySkeleton &skeleton, const std::vector<RyNode *> &nodes)
 {
@@ -131,8 +74,8 @@ RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &nam
     for (RySkeleton *joined : figuresJoinedTo(skeleton, scene)) {
         if (joined->getAllBones().empty())
             convertFigureToProp(joined, joined->getName()); // without their bones they are props again
-        else
-            releaseFigure(*joined, skeleton);
+        else                                                // what they held, its own first bone holds
+            RyBoneRelease::release(*joined, skeleton->getAllBones(), joined->getAllBones().front());
     }
     const std::vector<RyNode *> selection = RyNodeReplacement::rememberSelection(scene);
     std::vector<RyNode *> going;

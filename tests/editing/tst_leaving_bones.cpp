@@ -1,0 +1,145 @@
+#include "support/RyTest.h"
+
+#include "EditingStage.h"
+#include "RigChecks.h"
+#include "support/checkUndo.h"
+
+#include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/parametric/RyLegacyBinding.h"
+#include "rycore/scene/RyBone.h"
+#include "rycore/scene/RyFacetShape.h"
+#include "rycore/scene/RyObject.h"
+#include "rycore/scene/RySelectionMap.h"
+#include "rycore/scene/RySkeleton.h"
+#include "rycore/skin/RySkinBinding.h"
+
+namespace {
+
+/// A lantern in the hand of a figure, and a bone of the figure that hangs on the lantern.
+struct LanternRig
+{
+    explicit LanternRig(const char *file)
+        : stage(QStringLiteral(RY_SOURCE_DIR "/resources/samples/%1.glb").arg(QLatin1String(file)))
+    {
+        figure = ryScene()->getSkeletons().front();
+        hand = figure->findBone(QStringLiteral("lHand"));
+        QVERIFY(hand);
+        lantern = new RyNode;
+        lantern->setName(QStringLiteral("lantern"));
+        auto *mesh = new RyFacetMesh;
+        mesh->setPositions({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
+        mesh->setFacets({{{0, 1, 2, 3}, -1}});
+        auto *object = new RyObject;
+        object->addShape(new RyFacetShape(mesh));
+        lantern->setObject(object);
+        hand->addNodeChild(lantern);
+        ryScene()->addNode(lantern);
+        lantern->getYRotControl()->setValue(20.0f);
+        stage.select({lantern});
+        QCOMPARE(stage.run("RyJECreateBoneAction",
+                           {{QStringLiteral("JointEditorCreateBoneNameLEdit"), QStringLiteral("flame")},
+                            {QStringLiteral("JointEditorCreateBoneLabelLEdit"), QStringLiteral("flame")}}),
+                 QString());
+        flame = figure->findBone(QStringLiteral("flame"));
+        QVERIFY(flame);
+    }
+    QString convert(bool inherits)
+    {
+        stage.select({lantern});
+        return stage.run("RyJEConvertPropToFigureAction",
+                         {{QStringLiteral("ConvertPropToFigureInheritParentSkeletonCbx"),
+                           inherits ? QStringLiteral("true") : QStringLiteral("false")},
+                          {QStringLiteral("ConvertPropToFigureGeneralRBtn"), QStringLiteral("true")}});
+    }
+
+    EditingStage stage;
+    RySkeleton *figure = nullptr;
+    RyBone *hand = nullptr, *flame = nullptr;
+    RyNode *lantern = nullptr;
+};
+
+int totalOf(const RyWeightMap *map)
+{
+    int total = 0;
+    for (int i = 0; map && i < map->getNumAffected(); ++i)
+        total += map->getAffectedWeights()[i];
+    return total;
+}
+
+} // namespace
+
+/// A prop that becomes a figure of its own takes the bones along that hang on it.
+class LeavingBonesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theHandHoldsWhatTheyHeld();
+    void parametricJointsGo();
+    void bonesOfAJoinedFigureStay();
+};
+
+void LeavingBonesTest::theHandHoldsWhatTheyHeld()
+{
+    LanternRig rig("mannequin");
+    RySkinBinding *skin = RySkinBinding::findSkin(rig.figure);
+    RyBoneBinding *flame = skin->findBoneBinding(rig.flame), *hand = skin->findBoneBinding(rig.hand);
+    QVERIFY(flame && hand);
+    // Half of what the hand holds.
+    RyWeightMap *ofHand = hand->getWeights();
+    QVERIFY(ofHand);
+    std::vector<int> indices(ofHand->getAffectedIndices(), ofHand->getAffectedIndices() + ofHand->getNumAffected());
+    std::vector<quint16> half, rest;
+    for (int i = 0; i < ofHand->getNumAffected(); ++i) {
+        half.push_back(ofHand->getAffectedWeights()[i] / 2);
+        rest.push_back(quint16(ofHand->getAffectedWeights()[i] - half.back()));
+    }
+    auto *given = new RyWeightMap;
+    given->setAffected(ofHand->getNumWeights(), indices, half);
+    const int before = totalOf(ofHand);
+    ofHand->beginEdit();
+    ofHand->setAffected(ofHand->getNumWeights(), indices, rest);
+    ofHand->finishEdit();
+    flame->setWeights(given);
+    rig.figure->getSelectionMap()->addPair(QStringLiteral("wick"), rig.flame, false);
+    ryUndoStack()->clearAll();
+    const QString dump = rig.stage.dump();
+
+    QCOMPARE(rig.convert(false), QString());
+    QVERIFY(rig.flame->getSkeleton() != rig.figure);
+    QVERIFY(!skin->findBoneBinding(rig.flame));
+    QCOMPARE(totalOf(skin->findBoneBinding(rig.hand)->getWeights()), before);
+    QCOMPARE(rig.figure->getSelectionMap()->findPair(rig.flame), -1);
+    for (const RySkeleton *figure : ryScene()->getSkeletons()) {
+        QCOMPARE(RigChecks::bindingsHaveBones(*figure), QString());
+        QCOMPARE(RigChecks::pairsHaveNodes(*figure), QString());
+    }
+    rig.stage.select({rig.lantern});
+    checkLastStep(dump);
+}
+
+void LeavingBonesTest::parametricJointsGo()
+{
+    LanternRig rig("parametric");
+    RyLegacyBinding *binding = RyLegacyBinding::findBinding(rig.figure);
+    QVERIFY(binding && binding->findJoint(rig.flame));
+    ryUndoStack()->clearAll();
+    const QString dump = rig.stage.dump();
+    QCOMPARE(rig.convert(false), QString());
+    QVERIFY(!binding->findJoint(rig.flame));
+    QVERIFY(binding->findJoint(rig.hand));
+    checkLastStep(dump);
+}
+
+void LeavingBonesTest::bonesOfAJoinedFigureStay()
+{
+    LanternRig rig("mannequin");
+    QVERIFY(RySkinBinding::findSkin(rig.figure)->findBoneBinding(rig.flame));
+    QCOMPARE(rig.convert(true), QString());
+    QCOMPARE(rig.flame->getSkeleton(), rig.figure);
+    QVERIFY(RySkinBinding::findSkin(rig.figure)->findBoneBinding(rig.flame));
+}
+
+RY_TEST(LeavingBonesTest)
+
+#include "tst_leaving_bones.moc"
