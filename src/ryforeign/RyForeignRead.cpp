@@ -13,6 +13,7 @@
 #include <assimp/scene.h>
 
 #include <exception>
+#include <optional>
 
 namespace {
 
@@ -43,16 +44,16 @@ QByteArray knowFbx(RyForeignInput &input)
     return objects.renamed(input.path);
 }
 
-/// Likewise.
-QByteArray withoutMorphs(const RyForeignInput &input)
+void addMorphs(const RyColladaMorphs &morphs, const RyForeignInput &input)
 {
-    const RyColladaMorphs morphs(input.path);
-    if (!morphs.meshes.isEmpty())
-        input.say(
-            QStringLiteral("The morphs of Collada files cannot be read; these meshes are there without: %1. Export "
-                           "glTF 2.0 or binary FBX from the program that made the file to keep them")
-                .arg(QStringList(morphs.meshes.mid(0, 10)).join(QLatin1String(", "))));
-    return morphs.text;
+    const RyColladaMorphs::Losses losses = morphs.addTo(*input.scene);
+    if (!losses.meshes.isEmpty())
+        input.say(QStringLiteral("Morphs of these meshes do not fit their polygons and are left out: %1. Export glTF "
+                                 "2.0 or binary FBX from the program that made the file to keep them")
+                      .arg(QStringList(losses.meshes.mid(0, 10)).join(QLatin1String(", "))));
+    if (losses.hasClips)
+        input.say(QStringLiteral("Clips of Collada files that drive morphs are left out. Export glTF 2.0 or binary FBX "
+                                 "from the program that made the file to keep them"));
 }
 
 bool read(const RyForeignRequest &request, RyForeignResult &result)
@@ -63,20 +64,24 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     input.kind = kindOf(request.path);
     input.path = request.path;
     input.notes = &result.notes;
-    const QByteArray instead = input.kind == RyForeignInput::Fbx       ? knowFbx(input)
-                               : input.kind == RyForeignInput::Collada ? withoutMorphs(input)
-                                                                       : QByteArray();
+    const std::optional<RyColladaMorphs> morphs =
+        input.kind == RyForeignInput::Collada ? std::make_optional<RyColladaMorphs>(input.path) : std::nullopt;
+    const QByteArray instead = input.kind == RyForeignInput::Fbx ? knowFbx(input)
+                               : morphs                          ? morphs->text
+                                                                 : QByteArray();
     input.scene = file.read(
         request.path, instead, [&](double done) { return tell(readingShare * done); }, &result.error);
     if (!input.scene)
         return false;
+    if (morphs && !morphs->text.isEmpty())
+        addMorphs(*morphs, input);
     RyForeignTree tree(*input.scene);
     double unit = request.unit;
     if (input.kind == RyForeignInput::Collada) {
         const RyColladaText text(request.path, *input.scene->mRootNode);
         input.nameOf = text.nameOf;
         input.joints = text.joints;
-        unit /= text.metre; // the importers' library has made metres of it
+                unit /= text.metre; // the importers' library has made metres of it
     }
     tree.rename(input.nameOf);
     RyForeignJoints(input, tree).mark();
@@ -90,7 +95,11 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
         return false;
     }
     result.glb = document->toBytes(QStringLiteral("glb"), &result.error);
-    return !result.glb.isEmpty();
+    if (result.glb.isEmpty())
+        return false;
+    if (request.finished)
+        request.finished(result);
+    return true;
 }
 
 } // namespace
