@@ -19,6 +19,14 @@ bool isShape(const QStringRef &element)
     return element == QLatin1String("node") || element == QLatin1String("visual_scene");
 }
 
+/// Libraries of physics and kinematics.
+bool isOfMachines(const QStringRef &element)
+{
+    return element.startsWith(QLatin1String("library_physics_")) ||
+           element.startsWith(QLatin1String("library_kinematics_")) || element == QLatin1String("library_joints") ||
+           element == QLatin1String("library_articulated_systems") || element == QLatin1String("library_force_fields");
+}
+
 QString withoutHash(const QStringRef &url)
 {
     return (url.startsWith(QLatin1Char('#')) ? url.mid(1) : url).toString();
@@ -53,9 +61,11 @@ void RyColladaText::read(QXmlStreamReader &reader)
         if (token != QXmlStreamReader::StartElement)
             continue;
         if (reader.name() == QLatin1String("extra")) { // what other programs keep there is theirs
-            reader.skipCurrentElement();
+            readExtra(reader);
             continue;
         }
+        if (isOfMachines(reader.name()))
+            leftOut.append(reader.name().toString());
         elements.append(reader.name().toString());
         const QXmlStreamAttributes attributes = reader.attributes();
         if (isShape(reader.name())) {
@@ -73,6 +83,15 @@ void RyColladaText::read(QXmlStreamReader &reader)
         } else if (reader.name() == QLatin1String("instance_visual_scene")) {
             m_scene = withoutHash(attributes.value(QLatin1String("url")));
         }
+    }
+}
+
+void RyColladaText::readExtra(QXmlStreamReader &reader)
+{
+    while (reader.readNextStartElement()) {
+        if (reader.name() == QLatin1String("technique"))
+            extras.append(reader.attributes().value(QLatin1String("profile")).toString());
+        reader.skipCurrentElement();
     }
 }
 

@@ -22,6 +22,8 @@ public:
     double metre = 1.0;             // length of the file's unit
     QHash<QString, QString> nameOf; // of nodes by their names in the library; those that are called so are not there
     QSet<QString> joints;           // likewise names of nodes that are joints
+    QStringList extras;             // whose words stand in extras: names of profiles
+    QStringList leftOut;            // libraries of physics and kinematics
 
 private:
     /// A node or a whole scene.
@@ -34,6 +36,7 @@ private:
     };
 
     void read(QXmlStreamReader &reader);
+    void readExtra(QXmlStreamReader &reader);
     void open(const QXmlStreamReader &reader, std::vector<int> &above);
     void match(const aiNode &node, int entry, int depth);
     std::vector<int> childrenOf(int entry) const;

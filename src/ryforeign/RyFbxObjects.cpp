@@ -160,6 +160,9 @@ void RyFbxObjects::readObject(const Record &record)
     const QByteArray kind = textProperty(record, 2);
     if (record.name == "Model") {
         readModel(record, id);
+    } else if (record.name == "Constraint") {
+        const QByteArray name = textProperty(record, 1);
+        constraints.append(QString::fromUtf8(name.left(name.indexOf('\0'))));
     } else if (record.name == "Geometry") {
         (kind == "Shape" ? m_shapes : m_geometries).insert(id, {});
     } else if (record.name == "Deformer" && kind == "BlendShape") {
@@ -185,25 +188,48 @@ void RyFbxObjects::readModel(const Record &record, qint64 id)
     // "Root" is the place of a whole skeleton, often at the same point as its first limb.
     model.isLimb = kind == "LimbNode" || kind == "Limb";
     m_models.push_back(model);
+    if (hasOwnProperties(record))
+        withOwnProperties.append(QString::fromUtf8(model.name));
+}
+
+/// Each property says a name, a type, a label and flags.
+bool RyFbxObjects::hasOwnProperties(const Record &model) const
+{
+    bool has = false;
+    forRecords(model.childrenAt, model.end, [this, &has](const Record &list) {
+        if (list.name != "Properties70")
+            return;
+        forRecords(list.childrenAt, list.end,
+                   [this, &has](const Record &property) { has = has || textProperty(property, 3).contains('U'); });
+    });
+    return has;
 }
 
 /// Of lines like  Model: 12, "Model::Hips", "LimbNode" {
-void RyFbxObjects::readText()
+template<typename Work>
+void RyFbxObjects::forNamesInText(const QByteArray &kind, const Work &work) const
 {
     const QByteArray text =
         QByteArray::fromRawData(reinterpret_cast<const char *>(m_bytes), int(std::min<qint64>(m_size, INT_MAX)));
-    const QByteArray before("\"Model::");
+    const QByteArray before = '"' + kind + "::";
     for (int at = text.indexOf(before); at >= 0; at = text.indexOf(before, at + 1)) {
         const int line = text.lastIndexOf('\n', at) + 1;
         const int nameAt = at + before.size();
         const int end = text.indexOf('"', nameAt);
-        if (end < 0 || !text.mid(line, at - line).trimmed().startsWith("Model:"))
-            continue;
+        if (end >= 0 && text.mid(line, at - line).trimmed().startsWith(kind + ':'))
+            work(nameAt, text.mid(nameAt, end - nameAt));
+    }
+}
+
+void RyFbxObjects::readText()
+{
+    forNamesInText("Model", [this](int nameAt, const QByteArray &name) {
         Model model;
         model.nameAt = nameAt;
-        model.name = text.mid(nameAt, end - nameAt);
+        model.name = name;
         m_models.push_back(model);
-    }
+    });
+    forNamesInText("Constraint", [this](int, const QByteArray &name) { constraints.append(QString::fromUtf8(name)); });
 }
 
 /// The importers' library would take what is said of the second of two nodes for the first.

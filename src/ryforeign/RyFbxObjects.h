@@ -15,6 +15,8 @@ public:
     QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
     QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
     QStringList ambiguous;                                            // names that could not be told apart
+    QStringList constraints;                                          // by names
+    QStringList withOwnProperties; // nodes with properties that somebody added; of binary files
 
     /// The file with a name of its own, of the same length, for each node that has that of another; empty where none
     /// has.
@@ -39,8 +41,11 @@ private:
     template<typename T>
     T valueAt(qint64 at) const;
     void readText();
+    template<typename Work>
+    void forNamesInText(const QByteArray &kind, const Work &work) const;
     void readObject(const Record &record);
     void readModel(const Record &record, qint64 id);
+    bool hasOwnProperties(const Record &model) const;
     void tellApart();
     void findChannels();
     std::vector<qint64> below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const;

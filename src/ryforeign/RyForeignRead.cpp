@@ -27,6 +27,18 @@ RyForeignInput::Kind kindOf(const QString &path)
 /// Reading takes this share of the time, roughly.
 constexpr double readingShare = 0.7;
 
+/// Of which things; a few names are enough to know what it is about.
+void sayLeftOut(const RyForeignInput &input, const QString &what, QStringList names)
+{
+    names.removeAll(QString());
+    names.removeDuplicates();
+    constexpr int most = 10;
+    if (!names.isEmpty())
+        input.say(QStringLiteral("%1: %2%3")
+                      .arg(what, QStringList(names.mid(0, most)).join(QLatin1String(", ")),
+                           names.size() > most ? QStringLiteral(" and %1 more").arg(names.size() - most) : QString()));
+}
+
 /// What is to be read in the place of the file, or nothing.
 QByteArray knowFbx(RyForeignInput &input)
 {
@@ -41,6 +53,9 @@ QByteArray knowFbx(RyForeignInput &input)
                            "of the first: %1. Other names in the program that made the file would help")
                 .arg(QStringList(objects.ambiguous.mid(0, 10)).join(QLatin1String(", "))));
     }
+    sayLeftOut(input, QStringLiteral("Constraints are left out; what they move stays where the file shows it"),
+               objects.constraints);
+    sayLeftOut(input, QStringLiteral("Properties that were added to nodes are left out"), objects.withOwnProperties);
     return objects.renamed(input.path);
 }
 
@@ -81,7 +96,9 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
         const RyColladaText text(request.path, *input.scene->mRootNode);
         input.nameOf = text.nameOf;
         input.joints = text.joints;
-                unit /= text.metre; // the importers' library has made metres of it
+        sayLeftOut(input, QStringLiteral("What these programs keep aside in a Collada file is left out"), text.extras);
+        sayLeftOut(input, QStringLiteral("These parts of the Collada file are left out"), text.leftOut);
+        unit /= text.metre; // the importers' library has made metres of it
     }
     tree.rename(input.nameOf);
     RyForeignJoints(input, tree).mark();

@@ -121,7 +121,8 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
                          const std::vector<float> &numbers)
 {
     if (m_layer == 0) {
-        const qint64 stack = add("AnimationStack", "Clip", "AnimStack", "", {FbxRecord("Version").number(100)});
+        const qint64 stack =
+            add("AnimationStack", m_clip.constData(), "AnimStack", "", {FbxRecord("Version").number(100)});
         m_layer = add("AnimationLayer", "Base", "AnimLayer", "", {FbxRecord("Version").number(100)});
         connect(m_layer, stack);
     }
@@ -138,6 +139,22 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
              FbxRecord("KeyAttrRefCount").numbers({qint32(seconds.size())})});
     m_connections.add(FbxRecord("C").text("OP").id(node).id(target).text(property));
     m_connections.add(FbxRecord("C").text("OP").id(curve).id(node).text(part));
+}
+
+void FbxSketch::startClip(const char *name)
+{
+    m_clip = name;
+    m_layer = 0;
+}
+
+void FbxSketch::addConstraint(const char *name)
+{
+    add("Constraint", name, "Constraint", "Parent-Child", {FbxRecord("Type").text("Parent-Child")});
+}
+
+FbxRecord FbxSketch::ownProperty(const char *name, double value)
+{
+    return FbxRecord("P").text(name).text("Number").text("").text("A+U").real(value);
 }
 
 QByteArray FbxSketch::bytes() const

@@ -25,6 +25,12 @@ public:
     void addCurve(qint64 target, const char *property, const char *part, const std::vector<double> &seconds,
                   const std::vector<float> &numbers);
 
+    /// The curves that follow are of another clip.
+    void startClip(const char *name);
+    void addConstraint(const char *name);
+    /// A property that somebody added to a node.
+    static FbxRecord ownProperty(const char *name, double value);
+
     QByteArray bytes() const;
 
 private:
@@ -36,5 +42,6 @@ private:
     FbxRecord m_connections{"Connections"};
     qint64 m_last = 0;
     qint64 m_layer = 0;
+    QByteArray m_clip = "Clip";
     std::vector<std::pair<qint64, qint64>> m_geometries, m_shapers, m_skins; // of nodes
 };
