@@ -3,7 +3,9 @@
 #include "support/RyMapOf.h"
 
 #include "rycore/base/RyFloatProperty.h"
+#include "rycore/figure/RyFigure.h"
 #include "rycore/mesh/RyFacetMesh.h"
+#include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyMorph.h"
@@ -14,6 +16,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
@@ -23,6 +26,23 @@ const char *const attributeRows[] = {"CenterX", "CenterY", "CenterZ", "EndX", "E
 const char *const growing[] = {"RyJECreateBoneAction",         "RyJECreateSiblingBoneAction",
                                "RyJESplitBoneAction",          "RyJEDuplicateBonesAction",
                                "RyJECreateControlBonesAction", "RyJECreateDonorFigureAction"};
+
+/// They refuse bones of parametric figures.
+const char *const weighted[] = {"RyJECreateSiblingBoneAction", "RyJEDuplicateBonesAction",
+                                "RyJECreateControlBonesAction", "RyJEReparentBoneAction", "RyJEBakeRotationsAction"};
+
+bool isOneOf(const QString &action, const char *const *begin, const char *const *end)
+{
+    return std::find(begin, end, action) != end;
+}
+
+std::vector<RyNode *> weightedBones(const std::vector<RyBone *> &bones)
+{
+    std::vector<RyNode *> weighted;
+    std::copy_if(bones.begin(), bones.end(), std::back_inserter(weighted),
+                 [](const RyBone *bone) { return RySkinBinding::findSkinFromNode(bone); });
+    return weighted;
+}
 
 /// What is no skeleton and no bone and has a shape.
 std::vector<RyNode *> propsOf(const RyScene &scene)
@@ -70,26 +90,27 @@ void addMorph(RyShape &shape, int vertexCount)
     shape.addMorph(new RyMorph(QStringLiteral("swollen"), vertices, deltas));
 }
 
-/// A small thing in the hand of a figure, for conversions.
-void addProp(RySkeleton &figure)
+/// A small thing in the hand of a figure, for conversions; null where nothing has a hand.
+RyNode *addProp(const RySkeleton &figure, const QString &name)
 {
     const std::vector<RyBone *> bones = figure.getAllBones();
     if (bones.empty())
-        return;
+        return nullptr;
     RyBone *hand = bones[bones.size() / 2];
     auto *mesh = new RyFacetMesh;
     mesh->setPositions({{0, 0, 0}, {6, 0, 0}, {0, 7, 0}, {1, 2, 8}});
     mesh->setFacets({{{0, 1, 2, -1}, -1}, {{0, 3, 1, -1}, -1}});
     auto *object = new RyObject;
-    object->setName(QStringLiteral("lantern"));
+    object->setName(name);
     object->addShape(new RyFacetShape(mesh));
     auto *prop = new RyNode;
-    prop->setName(QStringLiteral("lantern"));
+    prop->setName(name);
     prop->setObject(object);
     hand->addNodeChild(prop);
     ryScene()->addNode(prop);
     prop->getXTransControl()->setValue(hand->getOrigin().x);
     prop->getYRotControl()->setValue(30.0f);
+    return prop;
 }
 
 } // namespace
@@ -113,8 +134,13 @@ void RandomActions::addShapes()
         if (shape && shape->getMorphs().empty())
             addMorph(*shape, int(shape->getCurrentPositions().size()));
     }
-    if (!ryScene()->getSkeletons().empty())
-        addProp(*ryScene()->getSkeletons().front());
+    const RySkeleton *first = ryScene()->getSkeletons().empty() ? nullptr : ryScene()->getSkeletons().front();
+    if (first)
+        addProp(*first, QStringLiteral("lantern"));
+    // What parametric figures refuse finds a weight-mapped one there too.
+    RyNode *flag = first && RyLegacyBinding::findBinding(first) ? addProp(*first, QStringLiteral("flag")) : nullptr;
+    if (flag)
+        RyFigure::convertPropToFigure(flag, QStringLiteral("pole"), false, false);
 }
 
 QString RandomActions::edit()
@@ -136,8 +162,7 @@ QString RandomActions::edit()
     const QStringList actions = allActions(m_stage);
     m_next = m_stage.bones().empty() && chance(70) ? QStringLiteral("RyJEConvertPropToFigureAction")
                                                    : actions.at(pick(actions.size()));
-    const bool grows = std::find(std::begin(growing), std::end(growing), m_next) != std::end(growing);
-    if (grows && isCrowded())
+    if (isOneOf(m_next, std::begin(growing), std::end(growing)) && isCrowded())
         m_next = QStringLiteral("RyJEDeleteBoneAction");
     selectFor(m_next);
     return QStringLiteral("select for %1").arg(m_next);
@@ -183,6 +208,8 @@ void RandomActions::selectFor(const QString &action)
         const int target = (source + 1) % int(skeletons.size());
         return m_stage.select({skeletons[size_t(source)], skeletons[size_t(target)]});
     }
+    if (isOneOf(action, std::begin(weighted), std::end(weighted)) && chance(60))
+        return selectOneOf(weightedBones(m_stage.bones()));
     if (!ryScene()->getPrimarySelection() && !m_stage.bones().empty())
         selectSome();
 }

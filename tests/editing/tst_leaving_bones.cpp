@@ -4,6 +4,7 @@
 #include "RigChecks.h"
 #include "support/checkUndo.h"
 
+#include "rycore/base/RyFloatProperty.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
