@@ -12,6 +12,7 @@ int main(int argc, char **argv)
     Assimp::Importer importer;
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_REMOVE_EMPTY_BONES, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
     const bool isRead = argc == 2 && importer.ReadFile(argv[1], 0) != nullptr;
     std::_Exit(isRead ? 0 : 1);
 }

@@ -33,6 +33,7 @@ const aiScene *readPeer(Assimp::Importer &importer, const QString &path)
 {
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
     importer.SetPropertyBool(AI_CONFIG_IMPORT_REMOVE_EMPTY_BONES, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
     return importer.ReadFile(QFile::encodeName(path).constData(), 0);
 }
 
