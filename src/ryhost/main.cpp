@@ -18,6 +18,7 @@
 
 #include <QApplication>
 
+#include <csignal>
 #include <cstdio>
 #include <functional>
 
@@ -57,6 +58,8 @@ int runApplication(int &argc, char **argv, const std::function<int()> &work)
 
 int main(int argc, char **argv)
 {
+    // A limit on the size of files is a reason to be told like a full disk, not one to end the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));

@@ -4,15 +4,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include <pthread.h>
 
 namespace {
 
 std::atomic<const char *> failing{nullptr};
+thread_local int passing = -1;        // here, before the one that fails; -1 for ever
+thread_local std::size_t counted = 0; // from this size on
 
-bool fails()
+bool fails(std::size_t size)
 {
+    if (size >= counted && passing >= 0 && passing-- == 0)
+        return true;
     const char *wanted = failing.load();
     char name[16] = {};
     return wanted && pthread_getname_np(pthread_self(), name, sizeof(name)) == 0 && std::strcmp(name, wanted) == 0 &&
@@ -31,9 +36,20 @@ bool AllocationFailure::hasFailed()
     return !failing.load();
 }
 
+void AllocationFailure::failHere(int before, std::size_t size)
+{
+    counted = size;
+    passing = before;
+}
+
+int AllocationFailure::stopFailingHere()
+{
+    return std::exchange(passing, -1);
+}
+
 void *operator new(std::size_t size)
 {
-    void *memory = fails() ? nullptr : std::malloc(size > 0 ? size : 1);
+    void *memory = fails(size) ? nullptr : std::malloc(size > 0 ? size : 1);
     if (!memory)
         throw std::bad_alloc();
     return memory;

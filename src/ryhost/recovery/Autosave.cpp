@@ -14,7 +14,6 @@
 #include <QProgressDialog>
 
 #include <algorithm>
-#include <csignal>
 #include <ctime>
 #include <new>
 
@@ -35,8 +34,6 @@ double processorTime()
 
 Autosave::Autosave(RyScene &scene, HostFiles &files, QObject *parent) : QObject(parent), m_scene(&scene), m_files(files)
 {
-    // A limit on the size of files is a reason to be told like a full disk, not one to end the program.
-    std::signal(SIGXFSZ, SIG_IGN);
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
     m_settling.setSingleShot(true);
@@ -131,13 +128,18 @@ void Autosave::takeWhenDue()
 
 void Autosave::take()
 {
-    if (!isEdited() || !AutosaveSettings::global().isOn())
-        return;
-    const double start = processorTime();
-    m_timer.stop();
-    m_isPending = false;
     QString error;
-    const bool isTaken = pass(&error);
+    bool isTaken = false;
+    const double start = processorTime();
+    try {
+        if (!isEdited() || !AutosaveSettings::global().isOn())
+            return;
+        m_timer.stop();
+        m_isPending = false;
+        isTaken = pass(&error);
+    } catch (const std::bad_alloc &) {
+        error = tr("the scene needs more memory than this machine has");
+    }
     m_cost = processorTime() - start;
     m_sinceTake.start();
     if (!isTaken)
@@ -147,19 +149,14 @@ void Autosave::take()
 /// A snapshot to the one who writes it; false with a reason.
 bool Autosave::pass(QString *error)
 {
-    try {
-        const auto snapshot = RySceneSnapshot::take(*m_scene, m_files.savesJointsOnly(), error);
-        if (!snapshot)
-            return false;
-        RySnapshotParts parts = snapshot->parts();
-        parts.push_back({RecoveryInfo::PartName, RecoveryInfo::of(m_files, snapshot->losses).toBytes(), false, {}});
-        m_writer.write(std::move(parts), AutosaveSettings::global().folders());
-        m_isKept = true;
-        return true;
-    } catch (const std::bad_alloc &) {
-        *error = tr("the scene needs more memory than this machine has");
-    }
-    return false;
+    const auto snapshot = RySceneSnapshot::take(*m_scene, m_files.savesJointsOnly(), error);
+    if (!snapshot)
+        return false;
+    RySnapshotParts parts = snapshot->parts();
+    parts.push_back({RecoveryInfo::PartName, RecoveryInfo::of(m_files, snapshot->losses).toBytes(), false, {}});
+    m_writer.write(std::move(parts), AutosaveSettings::global().folders());
+    m_isKept = true;
+    return true;
 }
 
 void Autosave::drop()

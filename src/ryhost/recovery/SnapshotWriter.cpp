@@ -100,7 +100,6 @@ void SnapshotWriter::adopt(std::unique_ptr<RecoverySession> session)
 
 void SnapshotWriter::write(RySnapshotParts parts, const QStringList &folders)
 {
-    ++m_jobs;
     QMetaObject::invokeMethod(
         m_worker,
         [this, worker = m_worker, parts = std::move(parts), folders] {
@@ -115,6 +114,7 @@ void SnapshotWriter::write(RySnapshotParts parts, const QStringList &folders)
                 Qt::QueuedConnection);
         },
         Qt::QueuedConnection);
+    ++m_jobs; // where there was no memory to ask for it, nobody would tell of its end
 }
 
 void SnapshotWriter::drop()

@@ -15,6 +15,8 @@
 #include <QDir>
 #include <QMessageBox>
 
+#include <new>
+
 namespace {
 
 struct Recovery
@@ -22,10 +24,8 @@ struct Recovery
     Q_DECLARE_TR_FUNCTIONS(Recovery)
 };
 
-} // namespace
-
-bool recoverUnsavedWork(std::unique_ptr<RecoverySession> session, RyScene &scene, HostFiles &files, Autosave &autosave,
-                        QString *error)
+bool bringBack(std::unique_ptr<RecoverySession> session, RyScene &scene, HostFiles &files, Autosave &autosave,
+               QString *error)
 {
     RySnapshotParts parts;
     if (!RySnapshotStore::read(session->folder(), &parts, error))
@@ -39,11 +39,25 @@ bool recoverUnsavedWork(std::unique_ptr<RecoverySession> session, RyScene &scene
         return false;
     for (const QString &message : qAsConst(messages))
         RyMessageLog::global().info(message);
-    autosave.adopt(std::move(session));
     files.takeRecovered({info.path, info.isSample, info.jointsOnly, info.mergedFiles, info.stamp},
                         info.losses + messages);
     RySnapshotState::applySelection(snapshot->selection, scene); // a window selects something where nothing was
+    // Last: what is adopted goes with the next snapshot or the end of the program.
+    autosave.adopt(std::move(session));
     return true;
+}
+
+} // namespace
+
+bool recoverUnsavedWork(std::unique_ptr<RecoverySession> session, RyScene &scene, HostFiles &files, Autosave &autosave,
+                        QString *error)
+{
+    try {
+        return bringBack(std::move(session), scene, files, autosave, error);
+    } catch (const std::bad_alloc &) {
+        *error = Recovery::tr("it needs more memory than this machine has");
+    }
+    return false;
 }
 
 bool offerUnsavedWork(RyScene &scene, HostFiles &files, Autosave &autosave, const QStringList &asked, QWidget *window)

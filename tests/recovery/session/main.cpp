@@ -41,6 +41,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <thread>
 
@@ -186,6 +187,7 @@ private:
 
 void fillTheDisk(rlim_t bytes)
 {
+    std::signal(SIGXFSZ, SIG_IGN); // as the program does
     const rlimit limit{bytes, bytes};
     setrlimit(RLIMIT_FSIZE, &limit);
 }

@@ -39,6 +39,11 @@ std::shared_ptr<const RyGltfDocument> documentOf(const RyScene &scene, bool join
     return document;
 }
 
+QString noMemory()
+{
+    return QStringLiteral("it needs more memory than this machine has");
+}
+
 /// No history, and none that would lead to a saved state.
 void countAsUnsaved()
 {
@@ -101,15 +106,16 @@ std::optional<RySceneSnapshot> RySceneSnapshot::take(const RyScene &scene, bool 
 
 bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *error, QStringList *messages) const
 {
-    std::unique_ptr<RyGltfDocument> read = document.document(error, messages);
-    if (!read)
-        return false;
     std::vector<RyRef<RyNode>> tops;
     std::unique_ptr<RyGltfOrigin> origin;
+    std::unique_ptr<RyObjOrigin> objOrigin;
     std::vector<RyNode *> nodes;
     int inexact = 0;
     const RyUndoStackLock lock;
     try {
+        std::unique_ptr<RyGltfDocument> read = document.document(error, messages);
+        if (!read)
+            return false;
         RyGltfSceneReader reader(std::move(read), document.path.isEmpty() ? path : document.path, 0.0);
         if (!reader.build(error, messages))
             return false;
@@ -121,8 +127,9 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
         for (size_t i = 0; i < nodes.size() && i < positions.size(); ++i)
             RySnapshotState::applyPositions(positions[i], *nodes[i]);
         forgetFits(nodes);
+        objOrigin = obj ? RyObjOrigin::makeAgain(*obj, nodes) : nullptr;
     } catch (const std::bad_alloc &) {
-        *error = QStringLiteral("it needs more memory than this machine has");
+        *error = noMemory();
         return false;
     } catch (const std::exception &failure) {
         RyMessageLog::global().warning(QString::fromUtf8(failure.what()));
@@ -133,14 +140,19 @@ bool RySceneSnapshot::restore(RyScene &scene, const QString &path, QString *erro
         messages->append(QStringLiteral("The values of %1 nodes may differ in their last digits").arg(inexact));
     ryUndoStack()->clearAll();
     scene.clear();
-    for (const RyRef<RyNode> &top : tops)
-        scene.addNode(top.get());
-    std::unique_ptr<RyObjOrigin> objOrigin = obj ? RyObjOrigin::makeAgain(*obj, nodes) : nullptr;
-    if (objOrigin)
-        scene.addOrigin(std::move(objOrigin));
-    if (hasFile)
-        scene.addOrigin(std::move(origin));
-    RySnapshotState::applySelection(selection, scene);
-    countAsUnsaved();
+    try {
+        for (const RyRef<RyNode> &top : tops)
+            scene.addNode(top.get());
+        if (objOrigin)
+            scene.addOrigin(std::move(objOrigin));
+        if (hasFile)
+            scene.addOrigin(std::move(origin));
+        RySnapshotState::applySelection(selection, scene);
+        countAsUnsaved();
+    } catch (const std::bad_alloc &) {
+        scene.clear(); // rather than half of it, which somebody might save
+        *error = noMemory();
+        return false;
+    }
     return true;
 }

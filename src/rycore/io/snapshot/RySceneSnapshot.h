@@ -32,6 +32,7 @@ struct RySceneSnapshot
     static std::optional<RySceneSnapshot> fromParts(const RySnapshotParts &parts, QString *error);
 
     /// Replaces the scene, which then counts as unsaved and has no undo history. `path`: where the scene belongs, for
-    /// names and messages. False with a reason, and the scene as it was.
+    /// names and messages. False with a reason, and the scene as it was; empty where memory ran out while it was
+    /// replaced.
     bool restore(RyScene &scene, const QString &path, QString *error, QStringList *messages) const;
 };
