@@ -19,6 +19,10 @@
 #include <QActionGroup>
 #include <QDockWidget>
 #include <QMenuBar>
+#include <QShortcut>
+#include <QTreeView>
+
+#include <utility>
 
 namespace {
 
@@ -89,6 +93,7 @@ void HostMenus::makeViewMenu()
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(true); });
     connect(addMenuEntry(menu, "ViewFrameAll", tr("Frame &All\tA"), tr("Bring the whole scene into view")),
             &QAction::triggered, viewport, [viewport] { viewport->frameNodes(false); });
+    addKeysOfTheSceneList();
     menu->addSeparator();
     using View = Ry3DViewport::StandardView;
     const auto addView = [&](const char *name, const QString &text, View view, const QString &tip) {
@@ -133,6 +138,15 @@ void HostMenus::makeViewMenu()
     connect(
         addMenuEntry(menu, "ViewResetLayout", tr("Reset La&yout"), tr("Bring all panes back to their first places")),
         &QAction::triggered, m_window, &HostWindow::resetLayout);
+}
+
+/// Whoever looks for something there wants to see it; fields for text keep these letters.
+void HostMenus::addKeysOfTheSceneList()
+{
+    for (const auto &[key, command] :
+         {std::pair(Qt::Key_F, "ViewFrameSelection"), std::pair(Qt::Key_A, "ViewFrameAll")})
+        connect(new QShortcut(QKeySequence(key), m_window->scenePane()->tree(), nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, m_window->findChild<QAction *>(QString::fromLatin1(command)), &QAction::trigger);
 }
 
 void HostMenus::makeHelpMenu()

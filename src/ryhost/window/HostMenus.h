@@ -18,6 +18,7 @@ public:
 
 private:
     void makeViewMenu();
+    void addKeysOfTheSceneList();
     void makeHelpMenu();
 
     HostWindow *m_window;

@@ -25,6 +25,7 @@
 #include "ryhost/panes/ToolSettingsPane.h"
 #include "ryhost/panes/UnsavedButton.h"
 #include "ryhost/start/HostPlugins.h"
+#include "ryhost/window/DialogPlaces.h"
 #include "ryhost/window/HostMenus.h"
 #include "ryhost/window/ToolStrip.h"
 #include "ryhost/window/WindowFit.h"
@@ -82,6 +83,7 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
     getViewportMgr()->addTool(new RySelectTool);
 
     setCentralWidget(m_viewport);
+    new DialogPlaces(this, m_viewport);
     makePanes();
     makeStatusBar();
     m_menus = new HostMenus(this);
