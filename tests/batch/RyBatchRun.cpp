@@ -39,7 +39,15 @@ RyBatchRun::Result RyBatchRun::run(const QStringList &arguments, const QByteArra
         environment.insert(QStringLiteral("RYHOST_HOME"), m_home);
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_folder.path());
-    process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
+    const QString program = QStringLiteral(RY_BINARY_DIR "/bin/ryhost");
+    if (m_largestFile > 0)
+        process.start(QStringLiteral("/bin/sh"),
+                      QStringList{QStringLiteral("-c"),
+                                  QStringLiteral("ulimit -f %1; exec \"$0\" \"$@\"").arg(m_largestFile / 512),
+                                  program} +
+                          arguments);
+    else
+        process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
     Result result;

@@ -29,6 +29,8 @@ public:
 
     /// Instead of the folder of scripts and samples in the source tree.
     void setHome(const QString &folder) { m_home = folder; }
+    /// No file may grow beyond that, as if the disk were full; a multiple of 512.
+    void setLargestFile(int bytes) { m_largestFile = bytes; }
 
     /// `input` comes by standard input, which ends with it.
     Result run(const QStringList &arguments, const QByteArray &input = QByteArray()) const;
@@ -42,4 +44,5 @@ private:
     QTemporaryDir m_folder;
     QString m_plugins;
     QString m_home;
+    int m_largestFile = 0; // any
 };
