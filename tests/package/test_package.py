@@ -86,11 +86,21 @@ class PackageTest(unittest.TestCase):
         self.assertTrue(expected)
         others = {name for name in self.files if not name.startswith(f"{HOME}/docs/")} - self.elf_files() - expected - FARM
         self.assertEqual(others, {
-            "usr/share/applications/ryhost.desktop", "usr/share/doc/ryhost/copyright",
+            "usr/share/applications/ryhost.desktop", "usr/share/doc/ryhost/copyright", "usr/share/doc/ryhost/changelog.gz",
             "usr/share/icons/hicolor/scalable/apps/ryhost.svg", "usr/share/man/man1/ryhost.1.gz",
             "usr/share/mime/packages/ryhost.xml"} |
             ({"usr/share/mime/packages/ryhost-foreign.xml"} if READER in self.files else set()))
         self.assertLessEqual(expected | FARM, set(self.files))
+
+    def test_changelog(self):
+        packed = (self.root / "usr/share/doc/ryhost/changelog.gz").read_bytes()
+        self.assertEqual(packed[3:8], bytes(5), "neither a name nor a time, so that the same package comes out again")
+        self.assertEqual(packed[8], 2, "packed as tightly as can be")
+        told = run("dpkg-parsechangelog", "-l-", input=gzip.decompress(packed).decode())
+        self.assertEqual((told.returncode, told.stderr), (0, ""))
+        fields = dict(re.findall(r"^([A-Z]\w*): (.*)$", told.stdout, re.M))
+        self.assertEqual([fields[name] for name in ("Source", "Version", "Maintainer")],
+                         [self.control(name) for name in ("Package", "Version", "Maintainer")])
 
     def test_owners_and_rights(self):
         entries = run("dpkg-deb", "-c", self.deb).stdout.splitlines()
