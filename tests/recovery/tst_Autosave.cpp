@@ -226,6 +226,14 @@ private slots:
         QVERIFY2(kept >= 3, qPrintable(QString::number(kept)));
     }
 
+    /// Whatever snapshots cost, four fifths of the time are left for the work.
+    void leavesTimeForWork()
+    {
+        QCOMPARE(Autosave::pauseAfter(0.0), Autosave::Pause);
+        for (const double cost : {200.0, 1300.0, 3000.0, 60000.0})
+            QVERIFY2(Autosave::pauseAfter(cost) >= 4.0 * cost, qPrintable(QString::number(cost)));
+    }
+
     /// The same edits with snapshots and without leave the same scene, history, title and file.
     void nobodyNotices()
     {

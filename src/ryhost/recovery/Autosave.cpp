@@ -80,7 +80,8 @@ void Autosave::noteChange()
     if (m_isPending)
         return;
     m_isPending = true;
-    m_timer.start(m_sinceTake.isValid() ? std::max<int>(Pause, int(pause() - m_sinceTake.elapsed())) : Pause);
+    m_timer.start(m_sinceTake.isValid() ? std::max<int>(Pause, int(pauseAfter(m_cost) - m_sinceTake.elapsed()))
+                                        : Pause);
 }
 
 /// Whatever changed has come to an end, since events are handled again.
@@ -103,9 +104,9 @@ bool Autosave::isIdle() const
            !qobject_cast<QProgressDialog *>(QApplication::activeModalWidget());
 }
 
-int Autosave::pause() const
+int Autosave::pauseAfter(double cost)
 {
-    return std::clamp(int(PausePerCost * m_cost), Pause, LongestPause);
+    return std::max(int(PausePerCost * cost), Pause);
 }
 
 void Autosave::takeWhenDue()

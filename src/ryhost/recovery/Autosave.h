@@ -11,7 +11,8 @@ class HostFiles;
 class RyScene;
 
 /// Keeps the unsaved work of the window on the disk, for after a crash: half a second after an edit, when nothing is
-/// being edited, later where a snapshot takes long. The scene is only read. What was kept goes when the scene is saved
+/// being edited, later where a snapshot takes long: snapshots never take more than a fifth of the window's time. The
+/// scene is only read. What was kept goes when the scene is saved
 /// or the program ends in order.
 class Autosave : public QObject
 {
@@ -25,8 +26,9 @@ public:
     /// Whether all that was edited is on the disk.
     bool isUpToDate() const { return !m_isPending && !m_writer.isBusy(); }
 
-    static constexpr int Pause = 500;         ///< milliseconds after an edit
-    static constexpr int LongestPause = 5000; ///< where snapshots take long
+    static constexpr int Pause = 500; ///< milliseconds after an edit
+    /// Milliseconds after a snapshot that took `cost` of them.
+    static int pauseAfter(double cost);
 
 signals:
     /// For the person at the screen: that work is not being kept, and why; or that it is again.
@@ -38,7 +40,6 @@ private:
     void takeWhenDue();
     bool isEdited() const;
     bool isIdle() const;
-    int pause() const;
     void take();
     bool pass(QString *error);
     void drop();
