@@ -84,15 +84,12 @@ SnapshotWriter::~SnapshotWriter()
 
 void SnapshotWriter::adopt(std::unique_ptr<RecoverySession> session)
 {
-    const std::shared_ptr<RecoverySession *> passed(new RecoverySession *(session.release()),
-                                                    [](RecoverySession **each) {
-                                                        delete *each;
-                                                        delete each;
-                                                    });
+    // What the queue holds can be copied.
+    const auto passed = std::make_shared<std::unique_ptr<RecoverySession>>(std::move(session));
     QMetaObject::invokeMethod(
         m_worker,
         [worker = m_worker, passed] {
-            worker->use(std::unique_ptr<RecoverySession>(std::exchange(*passed, nullptr)));
+            worker->use(std::move(*passed));
             worker->parent = QFileInfo(worker->session->folder()).path();
         },
         Qt::QueuedConnection);
