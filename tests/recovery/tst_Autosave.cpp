@@ -407,7 +407,9 @@ private:
     RecoveryInfo keptInfo() const
     {
         QString error;
-        return RecoveryInfo::fromBytes(RySnapshotStore::readPart(kept().value(0), RecoveryInfo::PartName, &error));
+        RySnapshotParts parts;
+        RySnapshotStore::readOthers(kept().value(0), &parts, &error);
+        return RecoveryInfo::fromBytes(rySnapshotBytes(parts, RecoveryInfo::PartName));
     }
     static QString state()
     {

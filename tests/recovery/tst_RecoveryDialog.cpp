@@ -271,7 +271,8 @@ private slots:
     {
         QFETCH(QString, answer);
         QFETCH(int, count);
-        leave(info());
+        const RecoveryInfo about = info();
+        leave(about);
         {
             RecoveryDialog dialog(left());
             RyDialogDriver driver;
@@ -279,7 +280,8 @@ private slots:
             dialog.findChild<QPushButton *>(QStringLiteral("RecoveryDelete"))->click();
             QCOMPARE(driver.errors(), QStringList());
             QCOMPARE(driver.boxes().size(), size_t(1));
-            QCOMPARE(driver.boxes().front().text, QStringLiteral("Delete what was not saved of mannequin.glb?"));
+            QCOMPARE(driver.boxes().front().text,
+                     QStringLiteral("Delete what was not saved of mannequin.glb, as of %1?").arg(about.timeText()));
             QCOMPARE(driver.boxes().front().informativeText,
                      QStringLiteral("It cannot be brought back afterwards. The file itself stays as it is."));
             QCOMPARE(driver.boxes().front().defaultButton, QStringLiteral("Cancel"));
@@ -299,15 +301,69 @@ private slots:
         QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("RecoveryDetail"))->text(),
                  QStringLiteral("This cannot be brought back: %1 is damaged.").arg(file.fileName()));
         QVERIFY(isKept());
+        // Which of several it is.
+        QCOMPARE(dialog.findChild<QListWidget *>(QStringLiteral("RecoveryList"))->item(0)->text(),
+                 QStringLiteral("Damaged: %1").arg(kept().front()));
+        RyDialogDriver driver;
+        driver.setAnswer(QStringLiteral("Delete Unsaved Work"), QStringLiteral("Cancel"));
+        dialog.findChild<QPushButton *>(QStringLiteral("RecoveryDelete"))->click();
+        QCOMPARE(driver.boxes().front().text, QStringLiteral("Delete what is left in %1?").arg(kept().front()));
     }
 
-    /// A part of it that is gone only shows when it is read: the scene stays, and so does what there is.
-    void missingPart()
+    /// What cannot be brought back is not offered, though it is known what it was.
+    void cannotBeRead_data()
+    {
+        QTest::addColumn<QString>("what");
+        for (const char *what : {"missing part", "other version", "no word of it"})
+            QTest::newRow(what) << QString::fromLatin1(what);
+    }
+    void cannotBeRead()
+    {
+        QFETCH(QString, what);
+        const RecoveryInfo about = info();
+        leave(about);
+        QString reason = QStringLiteral("it was made by another version of the program");
+        RySnapshotParts parts;
+        QString error;
+        QVERIFY2(RySnapshotStore::read(kept().front(), &parts, &error), qPrintable(error));
+        if (what == QLatin1String("missing part")) {
+            const QStringList names = QDir(kept().front()).entryList({QStringLiteral("*.bytes")});
+            QVERIFY(!names.isEmpty());
+            reason = QStringLiteral("%1/%2 is not there").arg(kept().front(), names.front());
+            QVERIFY(QFile::remove(kept().front() + QLatin1Char('/') + names.front()));
+        } else {
+            const bool isOther = what == QLatin1String("other version");
+            if (!isOther)
+                reason = QStringLiteral("it does not say what it is of");
+            for (RySnapshotPart &part : parts) {
+                if (part.name == "scene" && isOther)
+                    part.bytes[3] = 2;
+                else if (part.name == RecoveryInfo::PartName && !isOther)
+                    part.bytes.clear();
+            }
+            QVERIFY2(RySnapshotStore(kept().front()).write(parts, &error), qPrintable(error));
+        }
+        RecoveryDialog dialog(left());
+        QVERIFY(!dialog.findChild<QPushButton *>(QStringLiteral("RecoveryRecover"))->isEnabled());
+        QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("RecoveryDetail"))->text(),
+                 QStringLiteral("This cannot be brought back: %1.").arg(reason));
+        QCOMPARE(dialog.findChild<QListWidget *>(QStringLiteral("RecoveryList"))->item(0)->text(),
+                 what == QLatin1String("no word of it")
+                     ? QStringLiteral("Damaged: %1").arg(kept().front())
+                     : QStringLiteral("mannequin.glb, as of %1").arg(about.timeText()));
+        QVERIFY(isKept());
+    }
+
+    /// A part of it that has changed only shows when it is read: the scene stays, and so does what there is.
+    void changedPart()
     {
         leave(info());
         reset();
-        for (const QString &name : QDir(kept().front()).entryList({QStringLiteral("*.bytes")}))
-            QVERIFY(QFile::remove(kept().front() + QLatin1Char('/') + name));
+        for (const QString &name : QDir(kept().front()).entryList({QStringLiteral("*.bytes")})) {
+            QFile part(kept().front() + QLatin1Char('/') + name);
+            QVERIFY(part.open(QIODevice::ReadWrite));
+            QCOMPARE(part.write("changed"), qint64(7));
+        }
         const QString before = dump();
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Recover Unsaved Work"), QStringLiteral("Recover"));

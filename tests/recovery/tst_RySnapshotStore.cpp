@@ -3,10 +3,14 @@
 #include "rycore/io/snapshot/RyByteDifference.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <limits>
 #include <random>
+
+#include <sys/mman.h>
 
 inline bool operator==(const RySnapshotPart &a, const RySnapshotPart &b)
 {
@@ -73,7 +77,9 @@ private slots:
         RySnapshotStore store(m_folder->path());
         QString error;
         QVERIFY(store.write({part("large", large(), true), part("info", "about", false)}, &error));
-        QCOMPARE(RySnapshotStore::readPart(m_folder->path(), "info", &error), QByteArray("about"));
+        RySnapshotParts others;
+        QVERIFY2(RySnapshotStore::readOthers(m_folder->path(), &others, &error), qPrintable(error));
+        QVERIFY(others == RySnapshotParts{part("info", "about", false)});
         for (const QString &path : {snapshot(), m_folder->filePath(baseFiles().front())}) {
             QFile file(path);
             QVERIFY(file.open(QIODevice::ReadWrite));
@@ -94,6 +100,42 @@ private slots:
             file.seek(0);
             file.write(whole);
         }
+    }
+
+    /// The hash is of what was written, and says nothing of what was not.
+    void entryThatIsCutOff()
+    {
+        RySnapshotStore store(m_folder->path());
+        QString error;
+        QVERIFY2(store.write({part("info", "about", false)}, &error), qPrintable(error));
+        QFile file(snapshot());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray bytes = file.readAll();
+        bytes.chop(20 + 2); // of the hash and of the last entry
+        bytes += QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
+        QVERIFY(file.resize(0) && file.seek(0));
+        QCOMPARE(file.write(bytes), qint64(bytes.size()));
+        file.close();
+        RySnapshotParts parts;
+        QVERIFY(!RySnapshotStore::read(m_folder->path(), &parts, &error));
+        QCOMPARE(error, QStringLiteral("%1 is damaged").arg(snapshot()));
+    }
+
+    /// Nobody is told that work is kept of which a part would be missing; and what was kept before stays.
+    void tooLarge()
+    {
+        RySnapshotStore store(m_folder->path());
+        const RySnapshotParts small{part("tree", "{}", false)};
+        QString error;
+        QVERIFY2(store.write(small, &error), qPrintable(error));
+        const int size = std::numeric_limits<int>::max() - 4096;
+        void *nothing = ::mmap(nullptr, size_t(size), PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+        QVERIFY(nothing != MAP_FAILED);
+        const QByteArray huge = QByteArray::fromRawData(static_cast<char *>(nothing), size);
+        QVERIFY(!store.write({part("info", QByteArray(8192, 'a'), false), part("tree", huge, false)}, &error));
+        QCOMPARE(error, QStringLiteral("the scene is larger than the 2 GB that can be kept"));
+        ::munmap(nothing, size_t(size));
+        QVERIFY(readBack() == small);
     }
 
     void clears()

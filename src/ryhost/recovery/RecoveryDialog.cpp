@@ -1,6 +1,7 @@
 #include "ryhost/recovery/RecoveryDialog.h"
 
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/snapshot/RySceneSnapshot.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
 #include "ryhost/commands/unsavedChanges.h"
 
@@ -58,20 +59,31 @@ void RecoveryDialog::fill(const QStringList &folders)
         entry.session = RecoverySession::adopt(folder);
         if (!entry.session)
             continue; // another program that starts offers it
-        const QByteArray info = RySnapshotStore::readPart(folder, RecoveryInfo::PartName, &entry.damage);
+        RySnapshotParts parts;
+        if (RySnapshotStore::readOthers(folder, &parts, &entry.damage))
+            RySceneSnapshot::isKnown(parts, &entry.damage);
+        const QByteArray info = rySnapshotBytes(parts, RecoveryInfo::PartName);
         entry.info = RecoveryInfo::fromBytes(info);
+        if (entry.damage.isEmpty() && info.isEmpty())
+            entry.damage = tr("it does not say what it is of");
         m_entries.push_back(std::move(entry));
     }
     std::stable_sort(m_entries.begin(), m_entries.end(),
                      [](const Entry &a, const Entry &b) { return a.info.time > b.info.time; });
     for (const Entry &entry : m_entries)
-        addRow(entry);
+        m_list->addItem(titleOf(entry));
 }
 
-void RecoveryDialog::addRow(const Entry &entry)
+/// What is damaged may still say what it is of.
+bool RecoveryDialog::isNamed(const Entry &entry)
 {
-    m_list->addItem(entry.damage.isEmpty() ? tr("%1, as of %2").arg(entry.info.name(), entry.info.timeText())
-                                           : tr("Damaged: %1").arg(QDir::toNativeSeparators(entry.session->folder())));
+    return entry.damage.isEmpty() || entry.info.time.isValid();
+}
+
+QString RecoveryDialog::titleOf(const Entry &entry)
+{
+    return isNamed(entry) ? tr("%1, as of %2").arg(entry.info.name(), entry.info.timeText())
+                          : tr("Damaged: %1").arg(QDir::toNativeSeparators(entry.session->folder()));
 }
 
 int RecoveryDialog::current() const
@@ -123,8 +135,11 @@ void RecoveryDialog::deleteCurrent()
     const int row = current();
     if (row < 0)
         return;
+    const Entry &entry = m_entries[size_t(row)];
     QMessageBox box(QMessageBox::Question, tr("Delete Unsaved Work"),
-                    tr("Delete what was not saved of %1?").arg(m_entries[size_t(row)].info.name()),
+                    isNamed(entry)
+                        ? tr("Delete what was not saved of %1?").arg(titleOf(entry))
+                        : tr("Delete what is left in %1?").arg(QDir::toNativeSeparators(entry.session->folder())),
                     QMessageBox::NoButton, this);
     box.setObjectName(QStringLiteral("DeleteUnsavedWorkBox"));
     box.setInformativeText(tr("It cannot be brought back afterwards. The file itself stays as it is."));
@@ -133,7 +148,7 @@ void RecoveryDialog::deleteCurrent()
     box.exec();
     if (box.clickedButton() != remove)
         return;
-    m_entries[size_t(row)].session->remove();
+    entry.session->remove();
     m_entries.erase(m_entries.begin() + row);
     delete m_list->takeItem(row);
     showCurrent();

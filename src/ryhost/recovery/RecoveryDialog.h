@@ -33,10 +33,11 @@ private:
         QString damage; // why it cannot be brought back
     };
     void fill(const QStringList &folders);
-    void addRow(const Entry &entry);
     int current() const;
     void showCurrent();
     void deleteCurrent();
+    static bool isNamed(const Entry &entry);
+    static QString titleOf(const Entry &entry);
     static QString describe(const Entry &entry);
 
     std::vector<Entry> m_entries; // as in the list

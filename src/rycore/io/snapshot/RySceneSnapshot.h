@@ -30,6 +30,8 @@ struct RySceneSnapshot
     /// For a file, and back; none with a reason when something is missing.
     RySnapshotParts parts() const;
     static std::optional<RySceneSnapshot> fromParts(const RySnapshotParts &parts, QString *error);
+    /// Whether this program reads what `parts` begin with, which need not be all; false with a reason.
+    static bool isKnown(const RySnapshotParts &parts, QString *error);
 
     /// Replaces the scene, which then counts as unsaved and has no undo history. `path`: where the scene belongs, for
     /// names and messages. False with a reason, and the scene as it was; empty where memory ran out while it was

@@ -60,19 +60,28 @@ RySnapshotParts RySceneSnapshot::parts() const
     return parts;
 }
 
+bool RySceneSnapshot::isKnown(const RySnapshotParts &parts, QString *error)
+{
+    QDataStream stream(rySnapshotBytes(parts, "scene"));
+    stream.setVersion(QDataStream::Qt_5_15);
+    quint32 version = 0;
+    stream >> version;
+    if (version == FormatVersion)
+        return true;
+    *error = QStringLiteral("it was made by another version of the program");
+    return false;
+}
+
 std::optional<RySceneSnapshot> RySceneSnapshot::fromParts(const RySnapshotParts &parts, QString *error)
 {
+    if (!isKnown(parts, error))
+        return {};
     RySceneSnapshot snapshot;
     RyGltfParts &document = snapshot.document;
     QDataStream stream(rySnapshotBytes(parts, "scene"));
     stream.setVersion(QDataStream::Qt_5_15);
     quint32 version = 0, buffers = 0, pictures = 0, chunks = 0, meshes = 0;
-    stream >> version;
-    if (version != FormatVersion) {
-        *error = QStringLiteral("it was made by another version of the program");
-        return {};
-    }
-    stream >> document.path >> document.isBinary >> document.layout >> snapshot.losses;
+    stream >> version >> document.path >> document.isBinary >> document.layout >> snapshot.losses;
     stream >> buffers >> pictures >> chunks >> meshes;
     bool hasObj = false;
     stream >> snapshot.hasFile >> hasObj;

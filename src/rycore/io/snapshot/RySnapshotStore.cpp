@@ -9,13 +9,15 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <limits>
 #include <set>
 
 namespace {
 
 constexpr char Magic[] = "ryhost snapshot 1\n";
 constexpr int HashSize = 20;
-constexpr int LeastBase = 1 << 16; // smaller ones are not worth a file
+constexpr int LeastBase = 1 << 16;                                         // smaller ones are not worth a file
+constexpr qint64 LargestSnapshot = std::numeric_limits<int>::max() - 1024; // one array holds it
 
 QByteArray hashOf(const QByteArray &bytes)
 {
@@ -69,7 +71,21 @@ bool readEntries(const QString &folder, std::vector<Entry> *entries, QString *er
         stream >> entry.name >> entry.base >> entry.difference;
         entries->push_back(std::move(entry));
     }
-    return true;
+    if (stream.status() == QDataStream::Ok)
+        return true;
+    *error = QStringLiteral("%1 is damaged").arg(path);
+    return false;
+}
+
+/// False when an array cannot hold that, too.
+bool add(const Entry &entry, QByteArray *bytes)
+{
+    if (qint64(bytes->size()) + entry.name.size() + entry.base.size() + entry.difference.size() > LargestSnapshot)
+        return false;
+    QDataStream stream(bytes, QIODevice::Append);
+    stream.setVersion(QDataStream::Qt_5_15);
+    stream << entry.name << entry.base << entry.difference;
+    return stream.status() == QDataStream::Ok;
 }
 
 } // namespace
@@ -93,23 +109,22 @@ bool RySnapshotStore::store(const RySnapshotPart &part, QString *error)
 bool RySnapshotStore::write(const RySnapshotParts &parts, QString *error)
 {
     QByteArray bytes(Magic);
-    {
-        QDataStream stream(&bytes, QIODevice::Append);
-        stream.setVersion(QDataStream::Qt_5_15);
-        std::set<QByteArray> lasting;
-        for (const RySnapshotPart &part : parts) {
-            if (!part.isLasting || part.bytes.size() < LeastBase) {
-                stream << part.name << QByteArray() << part.bytes;
-                continue;
-            }
+    std::set<QByteArray> lasting;
+    for (const RySnapshotPart &part : parts) {
+        Entry entry{part.name, {}, part.bytes};
+        if (part.isLasting && part.bytes.size() >= LeastBase) {
             if (!store(part, error))
                 return false;
             lasting.insert(part.name);
             const Base &base = m_bases[part.name];
-            stream << part.name << base.hash << RyByteDifference::between(base.bytes, part.bytes);
+            entry = {part.name, base.hash, RyByteDifference::between(base.bytes, part.bytes)};
         }
-        std::erase_if(m_bases, [&lasting](const auto &base) { return !lasting.count(base.first); });
+        if (!add(entry, &bytes)) {
+            *error = QStringLiteral("the scene is larger than the 2 GB that can be kept");
+            return false;
+        }
     }
+    std::erase_if(m_bases, [&lasting](const auto &base) { return !lasting.count(base.first); });
     bytes += hashOf(bytes);
     if (!RySafeFile::write(snapshotPath(m_folder), bytes, error))
         return false;
@@ -165,15 +180,20 @@ bool RySnapshotStore::read(const QString &folder, RySnapshotParts *parts, QStrin
     return true;
 }
 
-QByteArray RySnapshotStore::readPart(const QString &folder, const QByteArray &name, QString *error)
+bool RySnapshotStore::readOthers(const QString &folder, RySnapshotParts *parts, QString *error)
 {
     std::vector<Entry> entries;
     if (!readEntries(folder, &entries, error))
-        return {};
+        return false;
+    bool isWhole = true;
     for (const Entry &entry : entries) {
-        if (entry.name == name && entry.base.isEmpty())
-            return entry.difference;
+        const QString path = basePath(folder, entry.base);
+        if (entry.base.isEmpty()) {
+            parts->push_back({entry.name, entry.difference, false, {}});
+        } else if (isWhole && !QFileInfo::exists(path)) {
+            *error = QStringLiteral("%1 is not there").arg(path);
+            isWhole = false;
+        }
     }
-    *error = QStringLiteral("%1 is damaged").arg(snapshotPath(folder));
-    return {};
+    return isWhole;
 }

@@ -23,8 +23,9 @@ public:
     static bool hasSnapshot(const QString &folder);
     /// False with a reason when a file is missing or damaged.
     static bool read(const QString &folder, RySnapshotParts *parts, QString *error);
-    /// One part alone, which is no lasting one; empty with a reason.
-    static QByteArray readPart(const QString &folder, const QByteArray &name, QString *error);
+    /// The parts that stand in no files of their own, much sooner than all. False with a reason also when one of those
+    /// files is not there; what there is has been read.
+    static bool readOthers(const QString &folder, RySnapshotParts *parts, QString *error);
 
 private:
     struct Base
