@@ -1,7 +1,6 @@
 #include "rycore/io/RySceneFile.h"
 
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/io/RySafeFile.h"
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/RyWaiting.h"
 #include "rycore/io/foreign/RyForeignImport.h"
@@ -168,13 +167,9 @@ bool saveJoined(const RyScene &scene, const std::vector<const RyGltfOrigin *> &o
 bool saveAlone(const RyScene &scene, const QString &path, const RySceneFile::SaveOptions &options, QString *error,
                QStringList *messages)
 {
-    // What came from another format is written in metres, which is what other programs take a glTF unit for.
-    constexpr double CentimetresPerMetre = 100.0;
-    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
-    const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     if (scene.getTopLevelNodes().empty())
         return refuse(error, QStringLiteral("%1: there is nothing to save").arg(path));
-    return write(scene, *RyGltfNewNodes::writeScene(scene, unit, messages), path, options, error);
+    return write(scene, *RyGltfNewNodes::writeScene(scene, messages), path, options, error);
 }
 
 void makeFits(const RyScene &scene, const RySceneFile::SaveOptions &options, QStringList *messages)

@@ -73,14 +73,12 @@ void forgetFits(const std::vector<RyNode *> &nodes)
 
 std::optional<RySceneSnapshot> RySceneSnapshot::take(const RyScene &scene, bool jointsOnly, QString *error)
 {
-    constexpr double CentimetresPerMetre = 100.0;
     try {
         const RyClipPlayer::Aside aside(scene);
         RySceneSnapshot snapshot;
         std::shared_ptr<const RyGltfDocument> document = documentOf(scene, jointsOnly, &snapshot.losses);
         if (!document) {
-            const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
-            document = RyGltfNewNodes::writeScene(scene, source ? source->unitFactor() : CentimetresPerMetre);
+            document = RyGltfNewNodes::writeScene(scene);
             snapshot.hasFile = false;
         }
         if (const auto *obj = dynamic_cast<const RyObjOrigin *>(scene.getOrigin()))

@@ -65,8 +65,11 @@ RyAffine bindOf(const RyNode &node, double unit)
 
 } // namespace
 
-std::unique_ptr<RyGltfDocument> RyGltfNewNodes::writeScene(const RyScene &scene, double unit, QStringList *messages)
+std::unique_ptr<RyGltfDocument> RyGltfNewNodes::writeScene(const RyScene &scene, QStringList *messages)
 {
+    constexpr double CentimetresPerMetre = 100.0;
+    const auto *source = dynamic_cast<const RyGltfOrigin *>(scene.getOrigin());
+    const double unit = source ? source->unitFactor() : CentimetresPerMetre;
     std::unique_ptr<RyGltfDocument> document = RyGltfDocument::create();
     RyGltfNewNodes newNodes(*document, unit);
     for (const RyNode *top : scene.getTopLevelNodes())

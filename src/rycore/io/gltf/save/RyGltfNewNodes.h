@@ -43,8 +43,9 @@ public:
     /// Figures with their skins first, then props: the order in which they will be read.
     std::vector<const RyNode *> figures() const;
 
-    static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, double unit,
-                                                      QStringList *messages = nullptr);
+    /// The unit is that of the file that the scene came from first. What came from another format, or from nowhere, is
+    /// written in metres, which is what other programs take a glTF unit for.
+    static std::unique_ptr<RyGltfDocument> writeScene(const RyScene &scene, QStringList *messages = nullptr);
 
 private:
     void addNode(const RyNode &node, int parent, const RyAffine &parentBind);
