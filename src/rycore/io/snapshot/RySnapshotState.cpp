@@ -32,18 +32,14 @@ void addGroup(const RyPropertyGroup *group, Properties &properties)
     }
 }
 
-/// Of the muscles and joints of a figure.
+/// Of the muscles and joints of a figure: by its skin and not by its bones, which may be those of another figure.
 void addModifiers(const RyNode &node, Properties &properties)
 {
     if (const RySkinBinding *skin = RySkinBinding::findSkin(qobject_cast<const RySkeleton *>(&node))) {
         for (const RyBoneBinding *binding : skin->bindings()) {
             for (int axis = 0; axis < 3; ++axis) {
-                if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis)) {
-                    for (RyFloatProperty *each :
-                         {bulge->getPosLeftBulgeController(), bulge->getNegLeftBulgeController(),
-                          bulge->getPosRightBulgeController(), bulge->getNegRightBulgeController()})
-                        properties.push_back(each);
-                }
+                if (const RyBulgeBinding *bulge = binding->getBulgeBinding(axis))
+                    properties.insert(properties.end(), bulge->controllers().begin(), bulge->controllers().end());
             }
         }
     }
@@ -60,6 +56,7 @@ void addModifiers(const RyNode &node, Properties &properties)
     }
 }
 
+/// In the order in which snapshots have them, those of earlier programs too.
 Properties propertiesOf(const RyNode &node)
 {
     Properties properties;
