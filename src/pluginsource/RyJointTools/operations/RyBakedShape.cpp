@@ -25,7 +25,10 @@ void RyBakedShape::installBelowPose()
     const std::vector<RyVec3> &current = m_shape->getCurrentPositions();
     std::vector<RyVec3> posed;
     std::vector<RyMatrix3> back;
-    if (!m_skin->deformBase(current, posed, &back))
+    // The skin took as many vertices with the same weights before, and refuses for nothing else.
+    const bool isTaken = m_skin->deformBase(current, posed, &back);
+    Q_ASSERT(isTaken);
+    if (!isTaken)
         return;
     // Each vertex goes by an affine map, of which this takes back the linear part.
     const float flat = 1e-6f;
