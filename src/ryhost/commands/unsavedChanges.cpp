@@ -12,10 +12,10 @@
 
 namespace {
 
-QString tr(const char *text, int number = -1)
+struct Unsaved
 {
-    return QCoreApplication::translate("UnsavedChanges", text, nullptr, number);
-}
+    Q_DECLARE_TR_FUNCTIONS(UnsavedChanges)
+};
 
 constexpr int MostCaptions = 5;
 
@@ -45,7 +45,7 @@ Difference differenceOf(const RyUndoStack &stack, const SavedState &saved)
 
 QString editsText(int count)
 {
-    return count == 1 ? tr("1 edit") : tr("%n edits", count);
+    return count == 1 ? Unsaved::tr("1 edit") : Unsaved::tr("%n edits", nullptr, count);
 }
 
 /// "Bend, Move (2 times)": what follows itself is said once, of many the latest.
@@ -63,10 +63,12 @@ QString captionsText(const std::vector<QString> &captions)
         if (i + MostCaptions < runs.size())
             earlier += runs[i].second;
         else
-            texts.append(runs[i].second == 1 ? runs[i].first : tr("%1 (%n times)", runs[i].second).arg(runs[i].first));
+            texts.append(runs[i].second == 1
+                             ? runs[i].first
+                             : Unsaved::tr("%1 (%n times)", nullptr, runs[i].second).arg(runs[i].first));
     }
     if (earlier > 0)
-        texts.prepend(earlier == 1 ? tr("1 earlier") : tr("%n earlier", earlier));
+        texts.prepend(earlier == 1 ? Unsaved::tr("1 earlier") : Unsaved::tr("%n earlier", nullptr, earlier));
     return texts.join(QStringLiteral(", "));
 }
 
@@ -80,7 +82,7 @@ QString timeTextOf(const QDateTime &time)
         locale.toString(time.time(), locale.timeFormat(QLocale::ShortFormat).remove(QStringLiteral(":ss")));
     return time.date() == QDate::currentDate()
                ? clock
-               : tr("%1, %2").arg(locale.toString(time.date(), QLocale::ShortFormat), clock);
+               : Unsaved::tr("%1, %2").arg(locale.toString(time.date(), QLocale::ShortFormat), clock);
 }
 
 SavedState SavedState::now(Kind kind)
@@ -93,17 +95,17 @@ QString SavedState::text() const
     const QString clock = timeTextOf(time);
     switch (kind) {
     case Started:
-        return tr("the empty scene of %1").arg(clock);
+        return Unsaved::tr("the empty scene of %1").arg(clock);
     case Opened:
-        return tr("the opening at %1").arg(clock);
+        return Unsaved::tr("the opening at %1").arg(clock);
     case Imported:
-        return tr("the reading of %1 at %2").arg(file, clock);
+        return Unsaved::tr("the reading of %1 at %2").arg(file, clock);
     case Recovered:
-        return tr("the recovery at %1").arg(clock);
+        return Unsaved::tr("the recovery at %1").arg(clock);
     case Saved:
         break;
     }
-    return tr("the save of %1").arg(clock);
+    return Unsaved::tr("the save of %1").arg(clock);
 }
 
 bool hasEdits(const RyUndoStack &stack, const SavedState &saved)
@@ -117,12 +119,12 @@ QString unsavedCountText(const RyUndoStack &stack, const SavedState &saved)
         return {};
     const Difference difference = differenceOf(stack, saved);
     if (difference.captions.empty())
-        return saved.kind == SavedState::Imported || saved.kind == SavedState::Recovered ? tr("unsaved")
-                                                                                         : tr("changed");
+        return saved.kind == SavedState::Imported || saved.kind == SavedState::Recovered ? Unsaved::tr("unsaved")
+                                                                                         : Unsaved::tr("changed");
     const QString edits = editsText(int(difference.captions.size()));
     if (difference.areUndone)
-        return tr("%1 taken back").arg(edits);
-    return difference.noWayBack ? tr("%1 and more").arg(edits) : edits;
+        return Unsaved::tr("%1 taken back").arg(edits);
+    return difference.noWayBack ? Unsaved::tr("%1 and more").arg(edits) : edits;
 }
 
 QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
@@ -135,18 +137,21 @@ QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
     const QString captions = captionsText(difference.captions);
     // All of these is unsaved, not only the edits since.
     if (saved.kind == SavedState::Recovered) {
-        const QString all = tr("Unsaved work of before a crash, brought back at %1").arg(timeTextOf(saved.time));
-        return difference.captions.empty() ? tr("%1.").arg(all) : tr("%1, and %2 since: %3.").arg(all, edits, captions);
+        const QString all =
+            Unsaved::tr("Unsaved work of before a crash, brought back at %1").arg(timeTextOf(saved.time));
+        return difference.captions.empty() ? Unsaved::tr("%1.").arg(all)
+                                           : Unsaved::tr("%1, and %2 since: %3.").arg(all, edits, captions);
     }
     if (saved.kind == SavedState::Imported) {
-        const QString all = tr("Read from %1 at %2, in no file yet").arg(saved.file, timeTextOf(saved.time));
-        return difference.captions.empty() ? tr("%1.").arg(all) : tr("%1, and %2 since: %3.").arg(all, edits, captions);
+        const QString all = Unsaved::tr("Read from %1 at %2, in no file yet").arg(saved.file, timeTextOf(saved.time));
+        return difference.captions.empty() ? Unsaved::tr("%1.").arg(all)
+                                           : Unsaved::tr("%1, and %2 since: %3.").arg(all, edits, captions);
     }
     if (difference.captions.empty())
-        return tr("Changed since %1 by what leaves no undo step.").arg(since);
+        return Unsaved::tr("Changed since %1 by what leaves no undo step.").arg(since);
     if (difference.areUndone)
-        return tr("%1 taken back since %2: %3.").arg(edits, since, captions);
+        return Unsaved::tr("%1 taken back since %2: %3.").arg(edits, since, captions);
     if (difference.noWayBack)
-        return tr("%1 since %2: %3. No undo step leads back to it.").arg(edits, since, captions);
-    return tr("%1 since %2: %3.").arg(edits, since, captions);
+        return Unsaved::tr("%1 since %2: %3. No undo step leads back to it.").arg(edits, since, captions);
+    return Unsaved::tr("%1 since %2: %3.").arg(edits, since, captions);
 }

@@ -9,10 +9,14 @@
 
 #include <memory>
 
-static QString tr(const char *text)
+namespace {
+
+struct Writing
 {
-    return QCoreApplication::translate("HostFiles", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(HostFiles)
+};
+
+} // namespace
 
 WrittenScene writeScene(RyScene *scene, QWidget *window, const QString &path, RySceneFile::SaveOptions options)
 {
@@ -20,12 +24,13 @@ WrittenScene writeScene(RyScene *scene, QWidget *window, const QString &path, Ry
     std::unique_ptr<QProgressDialog> progress; // shown only where it takes long
     options.progress = [window, &progress](const QString &figure, double done) {
         if (!progress) {
-            progress = std::make_unique<QProgressDialog>(QString(), tr("Write Plain Weights"), 0, 1000, window);
+            progress =
+                std::make_unique<QProgressDialog>(QString(), Writing::tr("Write Plain Weights"), 0, 1000, window);
             progress->setObjectName(QStringLiteral("FitProgress"));
             progress->setWindowModality(Qt::WindowModal);
             progress->setMinimumDuration(1000);
         }
-        progress->setLabelText(tr("Fitting weights to the joints of %1").arg(figure));
+        progress->setLabelText(Writing::tr("Fitting weights to the joints of %1").arg(figure));
         progress->setValue(int(1000 * done));
         return !progress->wasCanceled();
     };
@@ -40,7 +45,8 @@ WrittenScene writeScene(RyScene *scene, QWidget *window, const QString &path, Ry
         RyMessageLog::global().warning(loss);
     if (!written.done) {
         RyMessageLog::global().warning(error);
-        QMessageBox::warning(window, tr("Not Saved"), tr("%1\n\nThe file on disk is as it was before.").arg(error));
+        QMessageBox::warning(window, Writing::tr("Not Saved"),
+                             Writing::tr("%1\n\nThe file on disk is as it was before.").arg(error));
     }
     return written;
 }
