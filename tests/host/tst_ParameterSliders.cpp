@@ -222,6 +222,18 @@ private slots:
         restore(*widget, where);
         QCOMPARE(dump(), after);
         QCOMPARE(ryUndoStack()->index(), 2);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        // Nor does it take away what can be redone.
+        ryUndoStack()->undo();
+        ryUndoStack()->undo();
+        const QString rest = dump();
+        restore(*widget, where);
+        QCOMPARE(dump(), rest);
+        QCOMPARE(ryUndoStack()->index(), 0);
+        QCOMPARE(ryUndoStack()->count(), 2);
+        ryUndoStack()->redo();
+        ryUndoStack()->redo();
+        QCOMPARE(dump(), after);
     }
 
     /// A default of its own, as memorized rigging has.

@@ -6,16 +6,20 @@
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/ui/RyStandardMetrics.h"
 #include "rycore/ui/RyValueSlider.h"
+#include "rycore/undo/RyUndoHistoryAccess.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 constexpr int SliderSteps = 2000;
@@ -59,7 +63,7 @@ RyFloatPropertyWgt::RyFloatPropertyWgt(QWidget *parent)
     });
     connect(m_slider, &RyValueSlider::stepped, this, &RyFloatPropertyWgt::stepSlider);
     connect(m_slider, &RyValueSlider::defaultAsked, this, &RyFloatPropertyWgt::restoreDefault);
-    connect(m_slider, &RyValueSlider::aboutToPress, this, [this] { m_indexAtPress = ryUndoStack()->index(); });
+    connect(m_slider, &RyValueSlider::aboutToPress, this, &RyFloatPropertyWgt::notePress);
     connect(m_slider, &RyValueSlider::doubleClicked, this, [this] {
         takeBackClick();
         restoreDefault();
@@ -332,12 +336,29 @@ void RyFloatPropertyWgt::restoreDefault()
     });
 }
 
+void RyFloatPropertyWgt::notePress()
+{
+    const RyUndoHistoryAccess access(ryUndoStack());
+    const auto history = std::make_shared<RyUndoHistoryAccess::History>(access.history());
+    m_takeBackPress = [this, history] {
+        RyUndoStack *stack = ryUndoStack();
+        if (stack->index() != history->index + 1 || stack->undoText() != caption())
+            return;
+        stack->undo();
+        if (stack->index() == history->index)
+            RyUndoHistoryAccess(stack).exchangeHistory(*history, [] {});
+    };
+    // Steps shall not live longer here than in the history.
+    QTimer::singleShot(2 * QApplication::doubleClickInterval(), this, [this, weak = std::weak_ptr(history)] {
+        if (!weak.expired()) // no later press has taken its place
+            m_takeBackPress = nullptr;
+    });
+}
+
 void RyFloatPropertyWgt::takeBackClick()
 {
-    RyUndoStack *stack = ryUndoStack();
-    if (m_indexAtPress >= 0 && stack->index() == m_indexAtPress + 1 && stack->undoText() == caption())
-        stack->undo();
-    m_indexAtPress = -1;
+    if (const std::function<void()> takeBack = std::exchange(m_takeBackPress, nullptr))
+        takeBack();
 }
 
 void RyFloatPropertyWgt::beginDrag()

@@ -73,8 +73,9 @@ private:
     void edit(const QString &caption, const std::function<void()> &write);
     void stepSlider(double steps);
     void restoreDefault();
-    /// The first click of a double click may have moved the slider.
+    /// The first click of a double click may have moved the slider: it is as if it had not been, in the history too.
     void takeBackClick();
+    void notePress();
     void writeAll(float value);
     void beginDrag();
     void dragTo(double value);
@@ -95,7 +96,7 @@ private:
     std::vector<QPointer<RyFloatProperty>> m_properties;
     RyScrubLabel *m_label;
     RyValueSlider *m_slider;
-    int m_indexAtPress = -1; // of the undo stack
+    std::function<void()> m_takeBackPress; // empty but for the time of a double click
     RyNumberField *m_field;
     std::unique_ptr<RyUndoStackHold> m_dragHold;
     double m_dragStart = 0.0; // of the first property
