@@ -14,10 +14,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyActionRunner", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyActionRunner)
+};
 
 /// "RyJEAlignNodeAction" is called alignnode by who forgets the rest.
 QString stem(const QString &className)
@@ -73,7 +73,7 @@ void trigger(RyAction *action, const RyDialogDriver &driver, RyActionResult &res
         result.notes.removeAll(failure);
     }
     if (result.outcome == RyOutcome::RanWithUnusedFields)
-        result.reason = tr("It ran, but: %1").arg(result.reason);
+        result.reason = Texts::tr("It ran, but: %1").arg(result.reason);
 }
 
 } // namespace
@@ -106,7 +106,7 @@ RyActionResult RyActionRunner::run(const QString &className, const RyDialogDrive
         result.outcome = RyOutcome::Refused;
         result.reason = action->unavailableReason();
         if (result.reason.isEmpty())
-            result.reason = tr("The action \"%1\" is disabled for what is selected.").arg(action->text());
+            result.reason = Texts::tr("The action \"%1\" is disabled for what is selected.").arg(action->text());
     } else {
         trigger(action, driver, result);
     }
@@ -128,8 +128,9 @@ QStringList RyActionRunner::names() const
 QString RyActionRunner::unknownReason(const QString &className) const
 {
     const QStringList near = nearNames(className);
-    return near.isEmpty() ? tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
-                          : tr("There is no action %1 (did you mean %2?).").arg(className, near.join(tr(" or ")));
+    return near.isEmpty()
+               ? Texts::tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
+               : Texts::tr("There is no action %1 (did you mean %2?).").arg(className, near.join(Texts::tr(" or ")));
 }
 
 QStringList RyActionRunner::nearNames(const QString &name) const

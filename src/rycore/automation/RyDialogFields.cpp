@@ -17,10 +17,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyDialogFields", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyDialogFields)
+};
 
 /// Not those in windows that this one is the parent of.
 QList<QWidget *> widgetsIn(const QWidget *window, const QString &name = QString())
@@ -42,17 +42,17 @@ bool isInternal(const QWidget *widget)
 QString takes(const QWidget *widget)
 {
     if (const auto *spin = qobject_cast<const QSpinBox *>(widget))
-        return tr("%1 to %2").arg(spin->minimum()).arg(spin->maximum());
+        return Texts::tr("%1 to %2").arg(spin->minimum()).arg(spin->maximum());
     if (const auto *real = qobject_cast<const QDoubleSpinBox *>(widget))
-        return tr("%1 to %2").arg(real->minimum()).arg(real->maximum());
+        return Texts::tr("%1 to %2").arg(real->minimum()).arg(real->maximum());
     if (const auto *slider = qobject_cast<const QAbstractSlider *>(widget))
-        return tr("%1 to %2").arg(slider->minimum()).arg(slider->maximum());
+        return Texts::tr("%1 to %2").arg(slider->minimum()).arg(slider->maximum());
     if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
-        return button->isCheckable() ? tr("true or false") : tr("a button");
+        return button->isCheckable() ? Texts::tr("true or false") : Texts::tr("a button");
     if (qobject_cast<const QGroupBox *>(widget))
-        return tr("true or false");
+        return Texts::tr("true or false");
     const QStringList choices = RyWidgetChoices::choices(widget);
-    return choices.isEmpty() ? tr("text") : choices.join(QStringLiteral(" | "));
+    return choices.isEmpty() ? Texts::tr("text") : choices.join(QStringLiteral(" | "));
 }
 
 } // namespace

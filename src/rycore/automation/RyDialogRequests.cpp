@@ -9,10 +9,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyDialogRequests", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyDialogRequests)
+};
 
 /// What is wrong with it, empty when the field was filled.
 QString fillField(QDialog *dialog, const QString &name, const QString &value)
@@ -23,8 +23,9 @@ QString fillField(QDialog *dialog, const QString &name, const QString &value)
         return error;
     }
     const QStringList fields = RyDialogFields::describe(dialog);
-    return fields.isEmpty() ? tr("there is no field %1, and no other").arg(name)
-                            : tr("there is no field %1; there is %2").arg(name, fields.join(QStringLiteral(", ")));
+    return fields.isEmpty()
+               ? Texts::tr("there is no field %1, and no other").arg(name)
+               : Texts::tr("there is no field %1; there is %2").arg(name, fields.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -59,7 +60,7 @@ QStringList RyDialogRequests::fillFields(QDialog *dialog)
         const QString value = m_fields[i].value;
         const QString error = fillField(dialog, name, value);
         if (!error.isEmpty() && guard)
-            errors.append(tr("In the dialog \"%1\": %2.").arg(dialog->windowTitle(), error));
+            errors.append(Texts::tr("In the dialog \"%1\": %2.").arg(dialog->windowTitle(), error));
     }
     return errors;
 }

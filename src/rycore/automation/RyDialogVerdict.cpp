@@ -6,10 +6,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyDialogVerdict", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyDialogVerdict)
+};
 
 QString unusedReason(const RyDialogDriver &driver)
 {
@@ -19,8 +19,9 @@ QString unusedReason(const RyDialogDriver &driver)
         if (record.kind == RyDialogRecord::Dialog)
             titles.append(QLatin1Char('"') + record.title + QLatin1Char('"'));
     }
-    return titles.isEmpty() ? tr("No dialog opened that could use %1.").arg(fields)
-                            : tr("No dialog used %1; there was %2.").arg(fields, titles.join(QStringLiteral(", ")));
+    return titles.isEmpty()
+               ? Texts::tr("No dialog opened that could use %1.").arg(fields)
+               : Texts::tr("No dialog used %1; there was %2.").arg(fields, titles.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -29,7 +30,7 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
 {
     RyDialogVerdict verdict;
     for (const QString &title : driver.unusedAnswers())
-        verdict.notes.append(tr("No message box \"%1\" asked for its answer.").arg(title));
+        verdict.notes.append(Texts::tr("No message box \"%1\" asked for its answer.").arg(title));
     if (!driver.errors().isEmpty()) {
         verdict.outcome = RyOutcome::WrongUse;
         verdict.reason = driver.errors().join(QLatin1Char(' '));
@@ -40,7 +41,7 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
             continue;
         verdict.outcome = RyOutcome::Refused;
         verdict.reason = record.isRejected()
-                             ? tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
+                             ? Texts::tr("The dialog \"%1\" was not accepted: %2").arg(record.title, record.reason)
                              : record.plainText();
         return verdict;
     }
@@ -48,7 +49,7 @@ RyDialogVerdict ryJudgeDialogs(const RyDialogDriver &driver)
         if (record.outcome != RyOutcome::Cancelled)
             continue;
         verdict.outcome = RyOutcome::Cancelled;
-        verdict.reason = tr("\"%1\" was answered with %2.").arg(record.title, record.answered);
+        verdict.reason = Texts::tr("\"%1\" was answered with %2.").arg(record.title, record.answered);
         break;
     }
     if (!driver.unusedFields().isEmpty()) {

@@ -11,10 +11,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyNumberFilling", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyNumberFilling)
+};
 
 bool fail(QString *error, const QString &message)
 {
@@ -26,9 +26,9 @@ template<typename Number>
 bool checkRange(double number, bool isNumber, Number low, Number high, const QString &value, QString *error)
 {
     if (!isNumber || !std::isfinite(number))
-        return fail(error, tr("takes a number, not \"%1\"").arg(value));
+        return fail(error, Texts::tr("takes a number, not \"%1\"").arg(value));
     return (number >= double(low) && number <= double(high)) ||
-           fail(error, tr("takes %1 to %2, not %3").arg(low).arg(high).arg(value));
+           fail(error, Texts::tr("takes %1 to %2, not %3").arg(low).arg(high).arg(value));
 }
 
 bool fillWholeNumber(const QString &value, int low, int high, int *number, QString *error)
@@ -42,7 +42,7 @@ bool fillWholeNumber(const QString &value, int low, int high, int *number, QStri
         isNumber = true;
     }
     if (!isNumber && isReal)
-        return fail(error, tr("takes whole numbers, not %1").arg(value));
+        return fail(error, Texts::tr("takes whole numbers, not %1").arg(value));
     return checkRange(double(*number), isNumber, low, high, value, error);
 }
 
@@ -51,7 +51,7 @@ bool fillWholeNumber(const QString &value, int low, int high, int *number, QStri
 bool RyNumberFilling::fillSpinBox(QAbstractSpinBox *box, const QString &value, QString *error)
 {
     if (box->isReadOnly())
-        return fail(error, tr("cannot be written"));
+        return fail(error, Texts::tr("cannot be written"));
     if (auto *whole = qobject_cast<QSpinBox *>(box)) {
         int number = 0;
         if (!fillWholeNumber(value, whole->minimum(), whole->maximum(), &number, error))
@@ -66,7 +66,7 @@ bool RyNumberFilling::fillSpinBox(QAbstractSpinBox *box, const QString &value, Q
         RyFocusEvents::enter(box);
         real->setValue(number);
     } else {
-        return fail(error, tr("cannot be filled"));
+        return fail(error, Texts::tr("cannot be filled"));
     }
     RyFocusEvents::leave(box);
     return true;

@@ -19,10 +19,10 @@ namespace {
 
 constexpr int MaxListed = 40;
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyWidgetChoices", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyWidgetChoices)
+};
 
 /// The place of a text, else of the only text that differs by case alone, else the place itself given as a number; -1.
 int findChoice(const QStringList &texts, const QString &value)
@@ -50,10 +50,10 @@ bool failList(QString *error, const QString &value, QStringList texts)
     if (texts.size() > MaxListed) {
         const int more = texts.size() - MaxListed;
         texts = texts.mid(0, MaxListed);
-        texts.append(tr("and %1 more").arg(more));
+        texts.append(Texts::tr("and %1 more").arg(more));
     }
-    *error = texts.isEmpty() ? tr("has no items to choose from, so not \"%1\" either").arg(value)
-                             : tr("has no item \"%1\"; it has %2").arg(value, texts.join(QStringLiteral(", ")));
+    *error = texts.isEmpty() ? Texts::tr("has no items to choose from, so not \"%1\" either").arg(value)
+                             : Texts::tr("has no item \"%1\"; it has %2").arg(value, texts.join(QStringLiteral(", ")));
     return false;
 }
 
@@ -161,7 +161,7 @@ bool RyWidgetChoices::fillCombo(QComboBox *combo, const QString &value, QString 
     if (index < 0)
         return failList(error, value, texts);
     if (!(combo->model()->index(index, combo->modelColumn(), combo->rootModelIndex()).flags() & Qt::ItemIsEnabled)) {
-        *error = tr("cannot take its item \"%1\", which is disabled").arg(texts.at(index));
+        *error = Texts::tr("cannot take its item \"%1\", which is disabled").arg(texts.at(index));
         return false;
     }
     combo->setCurrentIndex(index);
@@ -191,13 +191,13 @@ bool RyWidgetChoices::fillView(QAbstractItemView *view, const QString &value, QS
             QStringList paths;
             for (const Item &item : found)
                 paths.append(item.namePath);
-            *error = tr("has %1 items \"%2\"; write one of their paths: %3")
+            *error = Texts::tr("has %1 items \"%2\"; write one of their paths: %3")
                          .arg(found.size())
                          .arg(text, paths.join(QStringLiteral(", ")));
             return false;
         }
         if (!isChoosable(found.front().index)) {
-            *error = tr("cannot take its item \"%1\", which is disabled").arg(text);
+            *error = Texts::tr("cannot take its item \"%1\", which is disabled").arg(text);
             return false;
         }
         chosen.append(found.front().index);
@@ -219,7 +219,7 @@ bool RyWidgetChoices::fillTabs(QTabWidget *tabs, const QString &value, QString *
     if (index < 0)
         return failList(error, value, texts);
     if (!tabs->isTabEnabled(index)) {
-        *error = tr("cannot show its page \"%1\", which is disabled").arg(texts.at(index));
+        *error = Texts::tr("cannot show its page \"%1\", which is disabled").arg(texts.at(index));
         return false;
     }
     tabs->setCurrentIndex(index);

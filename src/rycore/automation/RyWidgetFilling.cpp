@@ -23,10 +23,10 @@
 
 namespace {
 
-QString tr(const char *text)
+struct Texts
 {
-    return QCoreApplication::translate("RyWidgetFilling", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyWidgetFilling)
+};
 
 bool fail(QString *error, const QString &message)
 {
@@ -37,12 +37,12 @@ bool fail(QString *error, const QString &message)
 bool fillLine(QLineEdit *edit, const QString &value, QString *error)
 {
     if (edit->isReadOnly())
-        return fail(error, tr("cannot be written"));
+        return fail(error, Texts::tr("cannot be written"));
     QString checked = value;
     int position = 0;
     if (value.size() > edit->maxLength() ||
         (edit->validator() && edit->validator()->validate(checked, position) == QValidator::Invalid)) {
-        return fail(error, tr("does not take the text \"%1\"").arg(value));
+        return fail(error, Texts::tr("does not take the text \"%1\"").arg(value));
     }
     RyFocusEvents::enter(edit);
     edit->selectAll();
@@ -55,7 +55,7 @@ template<typename TextEdit>
 bool fillText(TextEdit *edit, const QString &value, QString *error)
 {
     if (edit->isReadOnly())
-        return fail(error, tr("cannot be written"));
+        return fail(error, Texts::tr("cannot be written"));
     edit->setPlainText(value);
     return true;
 }
@@ -75,7 +75,7 @@ bool fillButton(QAbstractButton *button, const QString &value, QString *error)
 {
     bool on = false;
     if (!toFlag(value, &on))
-        return fail(error, tr("takes true or false, not \"%1\"").arg(value));
+        return fail(error, Texts::tr("takes true or false, not \"%1\"").arg(value));
     if (!button->isCheckable()) {
         if (on)
             button->click();
@@ -83,15 +83,15 @@ bool fillButton(QAbstractButton *button, const QString &value, QString *error)
     }
     if (button->isChecked() != on)
         button->click();
-    return button->isChecked() == on ||
-           fail(error, tr("cannot be switched %1; choose another of its group").arg(on ? tr("on") : tr("off")));
+    return button->isChecked() == on || fail(error, Texts::tr("cannot be switched %1; choose another of its group")
+                                                        .arg(on ? Texts::tr("on") : Texts::tr("off")));
 }
 
 bool fillGroupBox(QGroupBox *box, const QString &value, QString *error)
 {
     bool on = false;
     if (!toFlag(value, &on))
-        return fail(error, tr("takes true or false, not \"%1\"").arg(value));
+        return fail(error, Texts::tr("takes true or false, not \"%1\"").arg(value));
     if (box->isChecked() != on) {
         box->setChecked(on);
         emit box->clicked(on);
@@ -104,7 +104,7 @@ bool fillUserProperty(QWidget *widget, const QMetaProperty &property, const QStr
 {
     QVariant converted(value);
     if (!converted.convert(property.userType()) || !property.write(widget, converted))
-        return fail(error, tr("does not take \"%1\"").arg(value));
+        return fail(error, Texts::tr("does not take \"%1\"").arg(value));
     return true;
 }
 
@@ -123,7 +123,7 @@ bool isBasicKind(const QWidget *widget)
 bool fill(QWidget *widget, const QString &value, QString *error)
 {
     if (!widget->isEnabled())
-        return fail(error, tr("is disabled"));
+        return fail(error, Texts::tr("is disabled"));
     if (auto *edit = qobject_cast<QLineEdit *>(widget))
         return fillLine(edit, value, error);
     if (auto *button = qobject_cast<QAbstractButton *>(widget))
@@ -149,7 +149,7 @@ bool fill(QWidget *widget, const QString &value, QString *error)
     if (user.isValid() && user.isWritable())
         return fillUserProperty(widget, user, value, error);
     QWidget *part = ryFillablePart(widget);
-    return part ? fill(part, value, error) : fail(error, tr("cannot be filled"));
+    return part ? fill(part, value, error) : fail(error, Texts::tr("cannot be filled"));
 }
 
 } // namespace
@@ -179,7 +179,7 @@ bool ryFillWidget(QWidget *widget, const QString &value, QString *error)
     QString reason;
     if (fill(widget, value, &reason))
         return true;
-    *error =
-        QStringLiteral("%1 %2").arg(widget->objectName().isEmpty() ? tr("The field") : widget->objectName(), reason);
+    *error = QStringLiteral("%1 %2").arg(widget->objectName().isEmpty() ? Texts::tr("The field") : widget->objectName(),
+                                         reason);
     return false;
 }

@@ -17,10 +17,14 @@
 static constexpr int lockTimeoutMs = 2000;
 static const char *const knownTypes[] = {"bool", "int", "float", "string", "bytes"};
 
-static QString tr(const char *text)
+namespace {
+
+struct Texts
 {
-    return QCoreApplication::translate("RyAppSettings", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RyAppSettings)
+};
+
+} // namespace
 
 // Percent codes (two digits) for control characters, '%', blanks at the ends and what else the place does not allow.
 static QByteArray escape(const QString &text, const char *special)
@@ -137,8 +141,8 @@ void RySettingsStore::setValue(const QString &group, const QString &key, const s
     if (!write(&reason)) {
         apply(own, value);
         reportOnce(QStringLiteral("write"),
-                   tr("The settings file %1 cannot be written (group %2, key %3): %4. The settings "
-                      "last until the program ends.")
+                   Texts::tr("The settings file %1 cannot be written (group %2, key %3): %4. The settings "
+                             "last until the program ends.")
                        .arg(QDir::toNativeSeparators(m_loadedPath), group, key, reason));
     }
 }
@@ -174,7 +178,7 @@ void RySettingsStore::read()
             parse(file.readAll());
         } else {
             m_readable = false;
-            reportOnce(QStringLiteral("read"), tr("The settings file %1 cannot be read: %2.")
+            reportOnce(QStringLiteral("read"), Texts::tr("The settings file %1 cannot be read: %2.")
                                                    .arg(QDir::toNativeSeparators(m_loadedPath), file.errorString()));
         }
     }
@@ -202,7 +206,8 @@ void RySettingsStore::parse(const QByteArray &content)
             line.key = unescape(trimmed.left(equals).trimmed());
             line.value = parseValue(trimmed.mid(equals + 1).trimmed());
         } else if (!trimmed.isEmpty() && trimmed[0] != ';' && trimmed[0] != '#') {
-            reportNonsense(m_sections.back().group, QString::fromUtf8(trimmed.left(80)), tr("the line is no entry"));
+            reportNonsense(m_sections.back().group, QString::fromUtf8(trimmed.left(80)),
+                           Texts::tr("the line is no entry"));
         }
         m_sections.back().lines.push_back(line);
     }
@@ -258,12 +263,12 @@ static bool writeAll(QIODevice &file, const QByteArray &bytes)
 bool RySettingsStore::write(QString *reason)
 {
     if (!m_readable) {
-        *reason = tr("it cannot be read either");
+        *reason = Texts::tr("it cannot be read either");
         return false;
     }
     const QString dir = QFileInfo(m_loadedPath).absolutePath();
     if (!QDir().mkpath(dir)) {
-        *reason = tr("its folder cannot be made");
+        *reason = Texts::tr("its folder cannot be made");
         return false;
     }
     QLockFile lock(m_loadedPath + QStringLiteral(".lock"));
@@ -296,7 +301,7 @@ bool RySettingsStore::write(QString *reason)
 
 void RySettingsStore::reportNonsense(const QString &group, const QString &key, const QString &reason)
 {
-    reportOnce(group + QChar(0) + key, tr("Settings file %1, group \"%2\", key \"%3\": %4.")
+    reportOnce(group + QChar(0) + key, Texts::tr("Settings file %1, group \"%2\", key \"%3\": %4.")
                                            .arg(QDir::toNativeSeparators(m_loadedPath), group, key, reason));
 }
 
