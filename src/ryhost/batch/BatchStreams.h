@@ -42,6 +42,6 @@ private:
     int m_output = -1; // -1: nothing of this run goes there
     bool m_isRead = false;
     QByteArray m_input;
-    QString m_inputError; // why there is none
+    QString m_inputError;                        // why there is none
     std::unique_ptr<RyTemporaryFolder> m_folder; // null where no stream stands for a file
 };
