@@ -39,13 +39,14 @@ GltfTransform GltfTransform::nearestTo(const Eigen::Matrix4d &map)
     const Eigen::Matrix3d linear = map.topLeftCorner<3, 3>();
     GltfTransform best;
     double least = std::numeric_limits<double>::infinity();
-    for (int start = 0; start < 27; ++start) {
+    for (int start = 0; start < 27 && least > 1e-9 * linear.norm(); ++start) {
         const Eigen::Vector3d axes(start % 3 - 1, start / 3 % 3 - 1, start / 9 - 1);
         Eigen::Matrix3d turn = nearestTurn(linear);
         if (axes.norm() > 0)
             turn = Eigen::AngleAxisd(1.0, axes.normalized()) * turn;
         Eigen::Vector3d factors;
-        for (double change = 1; change > 1e-13;) {
+        double change = 1;
+        for (int step = 0; step < 300 && change > 1e-13; ++step) {
             factors = (turn.transpose() * linear).diagonal();
             const Eigen::Matrix3d better = nearestTurn(linear * factors.asDiagonal());
             change = (better - turn).norm();
