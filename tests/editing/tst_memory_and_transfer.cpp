@@ -2,8 +2,8 @@
 
 #include "EditingStage.h"
 #include "HeldPoses.h"
+#include "checkStates.h"
 #include "io/CharacterScene.h"
-#include "support/RyValidator.h"
 #include "support/checkUndo.h"
 
 #include "rycore/base/RyFloatProperty.h"
@@ -240,7 +240,7 @@ void MemoryAndTransferTest::throughADonor()
     // Saved with the donor it comes back, and the file is a good one.
     ryScene()->setSelection({});
     const QTemporaryDir folder;
-    const QString saved = folder.filePath("saved.glb"), twice = folder.filePath("twice.glb");
+    const QString saved = folder.filePath("saved.glb");
     QString error;
     QStringList said;
     QVERIFY2(RySceneFile::save(ryScene(), saved, &error, &said), qPrintable(error));
@@ -251,11 +251,7 @@ void MemoryAndTransferTest::throughADonor()
     QCOMPARE(held.firstDifference(), QString());
     held.applyTo(*ryScene());
     QVERIFY(sameDumps(rySceneDump(again.scene), stage.dump()));
-    QVERIFY2(RySceneFile::save(&again.scene, twice, &error), qPrintable(error));
-    QVERIFY(bytesOf(twice) == bytesOf(saved));
-    const RyValidation valid = ryValidate(saved);
-    if (valid.available)
-        QVERIFY2(valid.errors == 0, qPrintable(valid.report));
+    checkSavedFile(saved);
 }
 
 /// What comes after a restore point is taken back by it, the bones that a later command deleted included.
@@ -284,15 +280,7 @@ void MemoryAndTransferTest::acrossRestorePoints()
     }
     QCOMPARE(stage.run("RyJEMemorizeFigureRiggingPropertiesAction"), QString());
     QCOMPARE(stage.run("RyJEDeleteBoneAction"), QString());
-    const QString after = stage.dump();
-    QVERIFY(after != before);
-    int here = 0;
-    while (ryRestorePoints()->caption(here) != QStringLiteral("Here"))
-        ++here;
-    QVERIFY(ryRestorePoints()->restore(here));
-    QCOMPARE(stage.dump(), before);
-    QVERIFY(ryRestorePoints()->restore(0)); // and the way back
-    QCOMPARE(stage.dump(), after);
+    checkRestoring(QStringLiteral("Here"), before);
 }
 
 RY_TEST(MemoryAndTransferTest)
