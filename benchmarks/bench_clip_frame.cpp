@@ -103,7 +103,7 @@ public:
         m_target.bind();
         m_painter.scene().setScene(&m_scene, ++m_revision);
         RySceneView view{RyViewMatrices(*m_camera, width, height), {}, width, height};
-        m_painter.paint(view, 1, [] {});
+        m_painter.paint(view, 1, RyViewPainter::Depth::Cleared, [] {});
         glFinish();
     }
     int uploads() { return m_painter.scene().uploads(); }

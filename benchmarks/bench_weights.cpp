@@ -170,7 +170,7 @@ public:
         m_target.bind();
         m_painter.scene().setScene(ryScene(), m_manager.sceneRevision());
         const RySceneView view{RyViewMatrices(*m_camera, Width, Height), {}, Width, Height};
-        m_painter.paint(view, 1, [&] {
+        m_painter.paint(view, 1, RyViewPainter::Depth::Cleared, [&] {
             view.matrices.load();
             glPushAttrib(GL_ALL_ATTRIB_BITS);
             setState();
