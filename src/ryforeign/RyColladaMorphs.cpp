@@ -13,6 +13,9 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -25,33 +28,87 @@ QByteArray attribute(const QByteArray &text, int at, const QByteArray &name)
     return pattern.match(QString::fromLatin1(tag)).captured(1).toLatin1(); // byte by byte
 }
 
-/// Start of the next element of this name; -1 for none.
-int findElement(const QByteArray &text, const QByteArray &name, int from)
+/// Start of the next element of this name before `end`; -1 for none.
+int findElement(const QByteArray &text, const QByteArray &name, int from, int end)
 {
-    for (int at = text.indexOf('<' + name, from); at >= 0; at = text.indexOf('<' + name, at + 1)) {
-        const char next = at + 1 + name.size() < text.size() ? text[at + 1 + name.size()] : '\0';
+    const std::string_view range(text.constData(), size_t(end));
+    const std::string tag = '<' + name.toStdString();
+    for (size_t at = range.find(tag, size_t(from)); at != range.npos; at = range.find(tag, at + 1)) {
+        const char next = at + tag.size() < range.size() ? range[at + tag.size()] : '\0';
         if (next == '>' || next == '/' || next == ' ' || next == '\t' || next == '\r' || next == '\n')
-            return at;
+            return int(at);
     }
     return -1;
 }
 
+std::vector<int> elementsOf(const QByteArray &text, const QByteArray &name)
+{
+    std::vector<int> found;
+    for (int at = findElement(text, name, 0, text.size()); at >= 0; at = findElement(text, name, at + 1, text.size()))
+        found.push_back(at);
+    return found;
+}
+
+/// Another text for a range of the file's.
+struct Change
+{
+    int at;
+    int length;
+    QByteArray with;
+};
+
+/// In one pass, since files have hundreds of them and megabytes between them.
+QByteArray changed(const QByteArray &text, std::vector<Change> changes)
+{
+    std::sort(changes.begin(), changes.end(), [](const Change &a, const Change &b) { return a.at < b.at; });
+    QByteArray result;
+    result.reserve(text.size());
+    int copied = 0;
+    for (const Change &change : changes) {
+        if (change.at < copied)
+            continue; // within what has gone
+        result.append(text.constData() + copied, change.at - copied).append(change.with);
+        copied = change.at + change.length;
+    }
+    return result.append(text.constData() + copied, text.size() - copied);
+}
+
 /// Clips of what is not there any more, which the library may take for something else.
-void removeChannels(QByteArray &text, const QSet<QByteArray> &ids)
+void removeChannels(const QByteArray &text, const QSet<QByteArray> &ids, std::vector<Change> &changes)
 {
     const QByteArray close("</channel>");
-    for (int at = findElement(text, "channel", 0); at >= 0; at = findElement(text, "channel", at)) {
+    for (int at : elementsOf(text, "channel")) {
         const QByteArray target = attribute(text, at, "target");
+        if (!ids.contains(target.left(target.indexOf('/'))) && !ids.contains(target.left(target.indexOf('('))))
+            continue;
         const int tagEnd = text.indexOf('>', at);
         if (tagEnd < 0)
             return;
-        int end = tagEnd + 1;
-        if (text[tagEnd - 1] != '/' && text.indexOf(close, tagEnd) >= 0)
-            end = text.indexOf(close, tagEnd) + close.size();
-        if (ids.contains(target.left(target.indexOf('/'))) || ids.contains(target.left(target.indexOf('('))))
-            text.remove(at, end - at);
-        else
-            at = end;
+        const int closing = text[tagEnd - 1] == '/' ? -1 : text.indexOf(close, tagEnd);
+        const int end = closing < 0 ? tagEnd + 1 : closing + close.size();
+        changes.push_back({at, end - at, {}});
+    }
+}
+
+/// What follows a controller that morphs follows its base.
+void followBases(const QByteArray &text, const QHash<QByteArray, QByteArray> &baseOf, std::vector<Change> &changes)
+{
+    for (int at : elementsOf(text, "skin")) {
+        const QByteArray source = attribute(text, at, "source");
+        if (baseOf.contains(source))
+            changes.push_back({text.indexOf(source, at), source.size(), baseOf.value(source)});
+    }
+    const QByteArray name("instance_controller"), close("</instance_controller>");
+    for (int at : elementsOf(text, name)) {
+        const QByteArray url = attribute(text, at, "url");
+        if (!baseOf.contains(url))
+            continue;
+        const int tagEnd = text.indexOf('>', at);
+        changes.push_back({at + 1, name.size(), "instance_geometry"});
+        changes.push_back({text.indexOf(url, at), url.size(), baseOf.value(url)});
+        const int end = text[tagEnd - 1] == '/' ? -1 : text.indexOf(close, tagEnd);
+        if (end >= 0)
+            changes.push_back({end, close.size(), "</instance_geometry>"});
     }
 }
 
@@ -132,48 +189,29 @@ RyColladaMorphs::RyColladaMorphs(const QString &path) : m_path(path)
     if (!file.open(QIODevice::ReadOnly))
         return;
     const QByteArray whole = file.readAll();
-    if (findElement(whole, "morph", 0) < 0)
+    if (findElement(whole, "morph", 0, whole.size()) < 0)
         return;
-    text.reserve(whole.size());
     QHash<QByteArray, QByteArray> baseOf; // of controllers that morph, by references
     QSet<QByteArray> gone;                // ids
-    int copied = 0;
-    for (int at = findElement(whole, "controller", 0); at >= 0; at = findElement(whole, "controller", at + 1)) {
-        const int end = whole.indexOf("</controller>", at);
-        const int morph = findElement(whole, "morph", at);
-        if (end < 0 || morph < 0 || morph > end)
+    std::vector<Change> changes;
+    const QByteArray close("</controller>");
+    for (int at : elementsOf(whole, "controller")) {
+        const int end = whole.indexOf(close, at);
+        const int morph = end < 0 ? -1 : findElement(whole, "morph", at, end);
+        if (morph < 0)
             continue;
-        const QByteArray base = attribute(whole, morph, "source");
-        baseOf.insert('#' + attribute(whole, at, "id"), base);
+        baseOf.insert('#' + attribute(whole, at, "id"), attribute(whole, morph, "source"));
         gone.insert(attribute(whole, at, "id"));
-        for (int part = findElement(whole, "source", morph); part >= 0 && part < end;
-             part = findElement(whole, "source", part + 1))
+        for (int part = findElement(whole, "source", morph, end); part >= 0;
+             part = findElement(whole, "source", part + 1, end))
             gone.insert(attribute(whole, part, "id"));
-        text += whole.mid(copied, at - copied);
-        copied = end + int(qstrlen("</controller>"));
-    }
-    text += whole.mid(copied);
-    removeChannels(text, gone);
-    // What follows such a controller follows its base.
-    for (int at = findElement(text, "skin", 0); at >= 0; at = findElement(text, "skin", at + 1)) {
-        const QByteArray source = attribute(text, at, "source");
-        if (baseOf.contains(source))
-            text.replace(text.indexOf(source, at), source.size(), baseOf.value(source));
-    }
-    const QByteArray name("instance_controller"), close("</instance_controller>");
-    for (int at = findElement(text, name, 0); at >= 0; at = findElement(text, name, at + 1)) {
-        const QByteArray url = attribute(text, at, "url");
-        if (!baseOf.contains(url))
-            continue;
-        const int tagEnd = text.indexOf('>', at);
-        const int end = text.indexOf(close, at);
-        if (text[tagEnd - 1] != '/' && end >= 0)
-            text.replace(end, close.size(), "</instance_geometry>");
-        text.replace(text.indexOf(url, at), url.size(), baseOf.value(url));
-        text.replace(at + 1, name.size(), "instance_geometry");
+        changes.push_back({at, end + close.size() - at, {}});
     }
     if (baseOf.isEmpty())
-        text.clear();
+        return;
+    removeChannels(whole, gone, changes);
+    followBases(whole, baseOf, changes);
+    text = changed(whole, std::move(changes));
 }
 
 RyColladaMorphs::Losses RyColladaMorphs::addTo(const aiScene &scene) const

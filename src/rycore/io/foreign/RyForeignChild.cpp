@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -118,6 +119,8 @@ void RyForeignChild::run(const QString &in, const QString &out, double unit)
     // Libraries print what they like; the lines are for who asked.
     channel = ::dup(STDOUT_FILENO);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    // The program takes the user's locale; the library reads some numbers by it, and files are written with a point.
+    std::setlocale(LC_NUMERIC, "C");
     std::set_new_handler(endWithoutMemory);
     keepFreedMemory();
     const RyForeignReadFunction read = loadReader();
