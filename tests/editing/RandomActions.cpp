@@ -13,6 +13,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
+#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
 #include <algorithm>
@@ -141,6 +142,7 @@ void RandomActions::addShapes()
     RyNode *flag = first && RyLegacyBinding::findBinding(first) ? addProp(*first, QStringLiteral("flag")) : nullptr;
     if (flag)
         RyFigure::convertPropToFigure(flag, QStringLiteral("pole"), false, false);
+    ryUndoStack()->clearAll();
 }
 
 QString RandomActions::edit()

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr const char *LockFile = "lock";
-
 bool isSameFile(const struct stat &a, const struct stat &b)
 {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
@@ -25,7 +23,7 @@ RyFolderLock::Result lockIn(int folder, const QByteArray &path, int *handle)
     if (::fstat(folder, &opened) != 0 || opened.st_uid != ::getuid())
         return RyFolderLock::Impossible;
     // A file, since a folder cannot be locked everywhere: network file systems ask for a handle that may write.
-    *handle = ::openat(folder, LockFile, O_CREAT | O_RDWR | O_NOFOLLOW | O_CLOEXEC, 0600);
+    *handle = ::openat(folder, RyFolderLock::FileName, O_CREAT | O_RDWR | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (*handle < 0)
         return errno == ENOENT ? RyFolderLock::Others : RyFolderLock::Impossible;
     if (::flock(*handle, LOCK_EX | LOCK_NB) != 0)
@@ -33,7 +31,7 @@ RyFolderLock::Result lockIn(int folder, const QByteArray &path, int *handle)
     // Whoever had it may have removed the file, or the whole folder, between opening and locking.
     const bool isThere = ::lstat(path.constData(), &named) == 0 && isSameFile(opened, named) &&
                          ::fstat(*handle, &held) == 0 &&
-                         ::fstatat(folder, LockFile, &found, AT_SYMLINK_NOFOLLOW) == 0 && isSameFile(held, found);
+                         ::fstatat(folder, RyFolderLock::FileName, &found, AT_SYMLINK_NOFOLLOW) == 0 && isSameFile(held, found);
     return isThere ? RyFolderLock::Held : RyFolderLock::Others;
 }
 

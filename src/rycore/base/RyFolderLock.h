@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Holds a folder of one's own for this process, by a file "lock" in it. The system takes the lock away however the
+/// Holds a folder of one's own for this process, by a hidden file in it. The system takes the lock away however the
 /// process ends, so that who sweeps can tell what is in use from what was left behind. A link is never followed, and
 /// a folder of somebody else never held.
 class RyFolderLock
@@ -13,6 +13,8 @@ public:
         Others,    ///< another process holds it, or it went meanwhile
         Impossible ///< no folder of ours, or one whose file system knows no locks
     };
+
+    static constexpr const char *FileName = ".lock";
 
     RyFolderLock() = default;
     RyFolderLock(RyFolderLock &&other) noexcept;

@@ -34,7 +34,7 @@ static void placeRootBone(RyBone *bone, const RyNode &prop, const RyBox3 &box)
 static std::vector<RyBone *> bonesBelow(const RyNode *node, const RySkeleton *skeleton)
 {
     std::vector<RyBone *> bones;
-    for (RyBone *bone : skeleton->getAllBones()) {
+    for (RyBone *bone : skeleton->ownBones()) {
         if (bone->isDescendantOf(node))
             bones.push_back(bone);
     }
@@ -53,7 +53,7 @@ static void leaveOuterFigure(const RyNode *prop)
     while (above != outer && !qobject_cast<RyBone *>(above))
         above = above->getNodeParent();
     auto *receiver = qobject_cast<RyBone *>(above);
-    const std::vector<RyBone *> all = outer->getAllBones();
+    const std::vector<RyBone *> all = outer->ownBones();
     const auto stays = [prop](const RyBone *bone) { return !bone->isDescendantOf(prop); };
     const auto first = std::find_if(all.begin(), all.end(), stays);
     if (!receiver && first != all.end())

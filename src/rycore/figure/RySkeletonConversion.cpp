@@ -75,7 +75,7 @@ RyNode *RySkeleton::convertFigureToProp(RySkeleton *skeleton, const QString &nam
         if (joined->getAllBones().empty())
             convertFigureToProp(joined, joined->getName()); // without their bones they are props again
         else                                                // what they held, its own first bone holds
-            RyBoneRelease::release(*joined, skeleton->getAllBones(), joined->getAllBones().front());
+            RyBoneRelease::release(*joined, skeleton->ownBones(), joined->getAllBones().front());
     }
     const std::vector<RyNode *> selection = RyNodeReplacement::rememberSelection(scene);
     std::vector<RyNode *> going;

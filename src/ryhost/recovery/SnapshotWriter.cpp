@@ -1,5 +1,7 @@
 #include "ryhost/recovery/SnapshotWriter.h"
 
+#include "rycore/base/RyFolderLock.h"
+
 #include <QDir>
 #include <QFileInfo>
 
@@ -17,7 +19,10 @@ void SnapshotWriter::Worker::use(std::unique_ptr<RecoverySession> other)
 
 bool SnapshotWriter::Worker::writeHere(const RySnapshotParts &parts, QString *error)
 {
-    return session && QFileInfo::exists(session->folder() + QStringLiteral("/lock")) && store->write(parts, error);
+    const auto isThere = [](const QString &folder) {
+        return QFileInfo::exists(QStringLiteral("%1/%2").arg(folder, QLatin1String(RyFolderLock::FileName)));
+    };
+    return session && isThere(session->folder()) && store->write(parts, error);
 }
 
 /// The folder above which it was written; what was written before is there until then.

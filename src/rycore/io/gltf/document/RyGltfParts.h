@@ -10,8 +10,9 @@
 
 class RyGltfDocument;
 
-/// What a document would be written from, as bytes alone: shared where nobody changes them, so that taking them costs
-/// little more than the text of the tree, and safe to be read by another thread.
+/// What a document would be written from, as bytes alone, safe to be read by another thread. Buffers of their own are
+/// shared, so that taking those of a binary file costs little more than the text of the tree; data URIs and other
+/// chunks are copied.
 struct RyGltfParts
 {
     struct Buffer
