@@ -1,15 +1,14 @@
 #include "RandomActions.h"
 
+#include "addProp.h"
 #include "support/RyMapOf.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyFigure.h"
-#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyMorph.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -98,17 +97,7 @@ RyNode *addProp(const RySkeleton &figure, const QString &name)
     if (bones.empty())
         return nullptr;
     RyBone *hand = bones[bones.size() / 2];
-    auto *mesh = new RyFacetMesh;
-    mesh->setPositions({{0, 0, 0}, {6, 0, 0}, {0, 7, 0}, {1, 2, 8}});
-    mesh->setFacets({{{0, 1, 2, -1}, -1}, {{0, 3, 1, -1}, -1}});
-    auto *object = new RyObject;
-    object->setName(name);
-    object->addShape(new RyFacetShape(mesh));
-    auto *prop = new RyNode;
-    prop->setName(name);
-    prop->setObject(object);
-    hand->addNodeChild(prop);
-    ryScene()->addNode(prop);
+    RyNode *prop = ryAddProp(hand, name);
     prop->getXTransControl()->setValue(hand->getOrigin().x);
     prop->getYRotControl()->setValue(30.0f);
     return prop;

@@ -1,15 +1,13 @@
 #include "support/RyTest.h"
 
 #include "EditingStage.h"
+#include "addProp.h"
 #include "io/CharacterScene.h"
 #include "support/checkUndo.h"
 
 #include "rycore/io/RySceneFile.h"
-#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -25,16 +23,7 @@ struct JoinedRig
                     .arg(rigging == QLatin1String("Legacy") ? "parametric" : "mannequin"))
     {
         outer = ryScene()->getSkeletons().front();
-        auto *prop = new RyNode;
-        prop->setName(QStringLiteral("sleeve"));
-        auto *mesh = new RyFacetMesh;
-        mesh->setPositions({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
-        mesh->setFacets({{{0, 1, 2, 3}, -1}});
-        auto *object = new RyObject;
-        object->addShape(new RyFacetShape(mesh));
-        prop->setObject(object);
-        outer->getAllBones().back()->addNodeChild(prop);
-        ryScene()->addNode(prop);
+        RyNode *prop = ryAddProp(outer->getAllBones().back(), QStringLiteral("sleeve"));
         stage.select({prop});
         const QString why =
             stage.run("RyJEConvertPropToFigureAction",

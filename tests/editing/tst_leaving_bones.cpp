@@ -2,15 +2,13 @@
 
 #include "EditingStage.h"
 #include "RigChecks.h"
+#include "addProp.h"
 #include "support/checkUndo.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/figure/RyLegacyJointMaker.h"
-#include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/parametric/RyLegacyBinding.h"
 #include "rycore/scene/RyBone.h"
-#include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyObject.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -26,16 +24,7 @@ struct LanternRig
         figure = ryScene()->getSkeletons().front();
         hand = figure->findBone(QStringLiteral("lHand"));
         QVERIFY(hand);
-        lantern = new RyNode;
-        lantern->setName(QStringLiteral("lantern"));
-        auto *mesh = new RyFacetMesh;
-        mesh->setPositions({{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}});
-        mesh->setFacets({{{0, 1, 2, 3}, -1}});
-        auto *object = new RyObject;
-        object->addShape(new RyFacetShape(mesh));
-        lantern->setObject(object);
-        hand->addNodeChild(lantern);
-        ryScene()->addNode(lantern);
+        lantern = ryAddProp(hand, QStringLiteral("lantern"));
         lantern->getYRotControl()->setValue(20.0f);
         flame = new RyBone;
         flame->setName(QStringLiteral("flame"));

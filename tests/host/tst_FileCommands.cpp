@@ -182,11 +182,7 @@ private slots:
         QVERIFY(files()->save());
         QVERIFY2(driver.records().empty(), "the program itself is no other one");
         bend(30);
-        QFile other(path);
-        QVERIFY(other.open(QIODevice::Append));
-        other.write("    ");
-        other.close();
-        const QByteArray theirs = bytesOf(path);
+        const QByteArray theirs = writeMeanwhile(path);
         driver.setAnswer(QStringLiteral("Written Meanwhile"), answer);
         QCOMPARE(files()->save(), answer != QLatin1String("Cancel"));
         QVERIFY2(driver.errors().isEmpty(), qPrintable(driver.errors().join(u'\n')));
@@ -211,11 +207,7 @@ private slots:
         const QString path = file(QStringLiteral("hero.glb")), beside = file(QStringLiteral("mine.glb"));
         QVERIFY(files()->savePath(path));
         bend();
-        QFile other(path);
-        QVERIFY(other.open(QIODevice::Append));
-        other.write("    ");
-        other.close();
-        const QByteArray theirs = bytesOf(path);
+        const QByteArray theirs = writeMeanwhile(path);
         const QString before = dump();
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Written Meanwhile"), QStringLiteral("Save As..."));
@@ -242,11 +234,7 @@ private slots:
         const QString path = file(QStringLiteral("hero.glb"));
         QVERIFY(files()->savePath(path));
         bend();
-        QFile other(path);
-        QVERIFY(other.open(QIODevice::Append));
-        other.write("    ");
-        other.close();
-        const QByteArray theirs = bytesOf(path);
+        const QByteArray theirs = writeMeanwhile(path);
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Written Meanwhile"), QStringLiteral("Save As..."));
         driver.setAnswer(QStringLiteral("Save As"), QStringLiteral("Cancel"));
@@ -376,6 +364,15 @@ private:
     {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    /// As another program does; what the file then holds.
+    static QByteArray writeMeanwhile(const QString &path)
+    {
+        QFile other(path);
+        if (other.open(QIODevice::Append))
+            other.write("    ");
+        other.close();
+        return bytesOf(path);
     }
     HostFiles *files() const { return m_window->files(); }
     QString dump() const { return rySceneDump(*m_scene); }

@@ -44,6 +44,16 @@ void AutosaveStage::start()
                      [this](const QString &message) { m_messages.append(message); });
 }
 
+void AutosaveStage::reset()
+{
+    m_autosave.reset();
+    ryScene()->clear();
+    ryUndoStack()->clearAll();
+    ryUndoStack()->setClean();
+    m_files = std::make_unique<HostFiles>(ryScene(), nullptr);
+    start();
+}
+
 void AutosaveStage::close()
 {
     m_autosave.reset();

@@ -18,6 +18,8 @@ protected:
     /// Without the keeper of unsaved work; false when something could not be had.
     [[nodiscard]] bool open(const QString &file = QString());
     void start();
+    /// The program as it starts: an empty scene, and what was left behind still lies there.
+    void reset();
     /// Ends in order, as far as the disk is concerned.
     void close();
 

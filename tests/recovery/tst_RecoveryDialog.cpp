@@ -420,16 +420,6 @@ private:
         });
         return offerUnsavedWork(*ryScene(), *m_files, *m_autosave, {}, nullptr) ? said : QStringLiteral("nothing");
     }
-    /// The program as it starts.
-    void reset()
-    {
-        m_autosave.reset();
-        ryScene()->clear();
-        ryUndoStack()->clearAll();
-        ryUndoStack()->setClean();
-        m_files = std::make_unique<HostFiles>(ryScene(), nullptr);
-        start();
-    }
 };
 
 RY_TEST(RecoveryDialogTest)

@@ -139,16 +139,6 @@ private:
         QVERIFY2(session, qPrintable(error));
         QVERIFY2(RySnapshotStore(session->folder()).write(parts, &error), qPrintable(error));
     }
-    /// The program as it starts.
-    void reset()
-    {
-        m_autosave.reset();
-        ryScene()->clear();
-        ryUndoStack()->clearAll();
-        ryUndoStack()->setClean();
-        m_files = std::make_unique<HostFiles>(ryScene(), nullptr);
-        start();
-    }
 };
 
 RY_TEST(NoMemoryTest)

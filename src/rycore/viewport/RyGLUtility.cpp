@@ -49,31 +49,40 @@ private:
 /// How far an outline may run beside the circle that it stands for, in pixels.
 constexpr double outlineError = 1.0 / 32.0;
 
-/// The most parts around that a sphere about the origin shows: what more of them change is less than `outlineError`.
-int mostSlices(double radius)
+/// What the context has at the moment.
+struct CurrentView
 {
+    CurrentView()
+    {
+        glGetFloatv(GL_MODELVIEW_MATRIX, modelview);
+        glGetFloatv(GL_PROJECTION_MATRIX, projection);
+        glGetIntegerv(GL_VIEWPORT, viewport);
+    }
     float modelview[16];
     float projection[16];
     GLint viewport[4];
-    glGetFloatv(GL_MODELVIEW_MATRIX, modelview);
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
+};
+
+/// The most parts around that a sphere about the origin shows: what more of them change is less than `outlineError`.
+int mostSlices(double radius)
+{
+    const CurrentView view;
     double stretch = 0.0; // squared, never less than that of any direction
     for (int i = 0; i < 3; ++i) {
         double sum = 0.0;
         for (int j = 0; j < 3; ++j) {
             double product = 0.0;
             for (int k = 0; k < 3; ++k)
-                product += double(modelview[4 * i + k]) * double(modelview[4 * j + k]);
+                product += double(view.modelview[4 * i + k]) * double(view.modelview[4 * j + k]);
             sum += std::abs(product);
         }
         stretch = std::max(stretch, sum);
     }
     const double seenRadius = std::abs(radius) * std::sqrt(stretch);
-    const bool isPerspective = projection[11] != 0.0f;
-    const double nearest = isPerspective ? -double(modelview[14]) - seenRadius : 1.0;
-    const double perLength =
-        0.5 * std::max(std::abs(double(projection[0])) * viewport[2], std::abs(double(projection[5])) * viewport[3]);
+    const bool isPerspective = view.projection[11] != 0.0f;
+    const double nearest = isPerspective ? -double(view.modelview[14]) - seenRadius : 1.0;
+    const double perLength = 0.5 * std::max(std::abs(double(view.projection[0])) * view.viewport[2],
+                                            std::abs(double(view.projection[5])) * view.viewport[3]);
     const double pixels = seenRadius * perLength;
     if (!(nearest > 0.0) || !std::isfinite(pixels))
         return std::numeric_limits<int>::max();
@@ -93,15 +102,10 @@ void sphereVertex(const RyVec3 &unit, float radius, float normalSign)
 
 RyLine3 RyGLUtility::pixelToRay(const QPoint &point)
 {
-    float modelview[16];
-    float projection[16];
-    GLint viewport[4];
-    glGetFloatv(GL_MODELVIEW_MATRIX, modelview);
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    glGetIntegerv(GL_VIEWPORT, viewport);
-    const double x = 2.0 * point.x() * s_devicePixelRatio / std::max(viewport[2], 1) - 1.0;
-    const double y = 1.0 - 2.0 * point.y() * s_devicePixelRatio / std::max(viewport[3], 1);
-    return RyViewMatrices::unproject(modelview, projection, x, y);
+    const CurrentView view;
+    const double x = 2.0 * point.x() * s_devicePixelRatio / std::max(view.viewport[2], 1) - 1.0;
+    const double y = 1.0 - 2.0 * point.y() * s_devicePixelRatio / std::max(view.viewport[3], 1);
+    return RyViewMatrices::unproject(view.modelview, view.projection, x, y);
 }
 
 void RyGLUtility::drawCircle(int segments, float radius, int axis, bool filled, float offset)
