@@ -47,6 +47,17 @@ int AllocationFailure::stopFailingHere()
     return std::exchange(passing, -1);
 }
 
+// All of them, so that none is paired with one of the library or of a sanitizer. Who can do without never fails.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+{
+    return std::malloc(size > 0 ? size : 1);
+}
+
+void *operator new[](std::size_t size, const std::nothrow_t &tag) noexcept
+{
+    return operator new(size, tag);
+}
+
 void *operator new(std::size_t size)
 {
     void *memory = fails(size) ? nullptr : std::malloc(size > 0 ? size : 1);
@@ -55,12 +66,37 @@ void *operator new(std::size_t size)
     return memory;
 }
 
+void *operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
 void operator delete(void *memory) noexcept
 {
     std::free(memory);
 }
 
+void operator delete[](void *memory) noexcept
+{
+    std::free(memory);
+}
+
 void operator delete(void *memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void *memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void *memory, const std::nothrow_t &) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void *memory, const std::nothrow_t &) noexcept
 {
     std::free(memory);
 }
