@@ -187,7 +187,7 @@ QByteArray RySnapshotState::positionsOf(const RyNode &node)
 void RySnapshotState::applyPositions(const QByteArray &positions, const RyNode &node)
 {
     RyFacetMesh *mesh = meshOf(node);
-    if (!mesh || size_t(positions.size()) != mesh->getPositions().size() * sizeof(RyVec3))
+    if (!mesh || positions.isEmpty() || size_t(positions.size()) != mesh->getPositions().size() * sizeof(RyVec3))
         return;
     std::vector<RyVec3> exact(mesh->getPositions().size());
     std::memcpy(static_cast<void *>(exact.data()), positions.constData(), size_t(positions.size()));
