@@ -29,9 +29,9 @@ RyFolderLock::Result lockIn(int folder, const QByteArray &path, int *handle)
     if (::flock(*handle, LOCK_EX | LOCK_NB) != 0)
         return errno == EWOULDBLOCK ? RyFolderLock::Others : RyFolderLock::Impossible;
     // Whoever had it may have removed the file, or the whole folder, between opening and locking.
-    const bool isThere = ::lstat(path.constData(), &named) == 0 && isSameFile(opened, named) &&
-                         ::fstat(*handle, &held) == 0 &&
-                         ::fstatat(folder, RyFolderLock::FileName, &found, AT_SYMLINK_NOFOLLOW) == 0 && isSameFile(held, found);
+    const bool isThere =
+        ::lstat(path.constData(), &named) == 0 && isSameFile(opened, named) && ::fstat(*handle, &held) == 0 &&
+        ::fstatat(folder, RyFolderLock::FileName, &found, AT_SYMLINK_NOFOLLOW) == 0 && isSameFile(held, found);
     return isThere ? RyFolderLock::Held : RyFolderLock::Others;
 }
 
