@@ -278,7 +278,8 @@ private:
     void show()
     {
         m_dialog->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_dialog.get()));
+        m_dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_dialog.get())); // which may move the focus
     }
     QLineEdit *search() const { return m_dialog->findChild<QLineEdit *>(QStringLiteral("NodeDlgSearchLEdit")); }
     QTreeWidget *tree() const { return m_dialog->findChild<QTreeWidget *>(QStringLiteral("NodeDlgTree")); }
