@@ -12,8 +12,7 @@ class RyScene;
 
 /// Keeps the unsaved work of the window on the disk, for after a crash: half a second after an edit, when nothing is
 /// being edited, later where a snapshot takes long: snapshots never take more than a fifth of the window's time. The
-/// scene is only read. What was kept goes when the scene is saved
-/// or the program ends in order.
+/// scene is only read. What was kept goes when the scene is saved or the program ends in order.
 class Autosave : public QObject
 {
     Q_OBJECT
