@@ -1,5 +1,6 @@
 #include "RyPaneScene.h"
 
+#include "pluginsource/RyJointTools/operations/deleteBone.h"
 #include "rycore/ui/RyScrubLabel.h"
 
 #include <QTabWidget>
@@ -144,6 +145,36 @@ private slots:
         scene.type("JointParamGeneralPosLeftBulgeWgt", "0.25");
         QCOMPARE(bend->controllers()[4]->getValue(), 0.25f);
         QCOMPARE(partner->controllers()[4]->getValue(), 0.25f);
+    }
+
+    /// A bone above the driver is deleted: the partner goes, and comes back with the driver's new place in the tree.
+    void aPartnerThatComesBackWithinAStep()
+    {
+        RyPaneScene scene;
+        scene.doll.lArm->removeNodeChild(scene.doll.lHand);
+        scene.doll.rArm->addNodeChild(scene.doll.lHand);
+        scene.doll.rArm->getNodeParent()->removeNodeChild(scene.doll.rArm);
+        scene.doll.figure->addNodeChild(scene.doll.rArm);
+        scene.select(scene.doll.lArm);
+        scene.tool->setParam(scene.doll.param(scene.doll.lArm, "lHand_smoox"));
+        const RyLegacyJointParam *scale = scene.tool->currentParam();
+        const RyLegacyJointParam *partner = scene.tool->editedPartnerParam();
+        QVERIFY(scale && partner);
+        QCOMPARE(partner->getJoint()->getBone(), scene.doll.lHand);
+        static constexpr char end[] =
+            "JointParamGeneralSmoothHiStartWgt"; // the partner tells a zone from its other end
+        partner->controllers()[3]->setValue(scale->controllers()[0]->getValue() + 5.0f);
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(scene.shown(end), QString());
+        {
+            RyUndoStackHold hold;
+            deleteBone(scene.doll.rArm);
+            hold.accept("Delete");
+        }
+        QCoreApplication::sendPostedEvents();
+        QCOMPARE(scene.tool->currentParam(), scale);
+        QCOMPARE(scene.tool->editedPartnerParam(), partner);
+        QCOMPARE(scene.shown(end), QString());
     }
 
     void switchesByOtherHands()

@@ -30,6 +30,14 @@ void RyJointParamPage::follow(RyLegacyJointParam *param)
 
 void RyJointParamPage::jointChanged()
 {
+    // Many a change leads through other partners and back, and not each way back is a change of the joint.
+    if (pair().partner() != m_partner)
+        QMetaObject::invokeMethod(this, &RyJointParamPage::showPair, Qt::QueuedConnection);
+    showPair();
+}
+
+void RyJointParamPage::showPair()
+{
     const RyLegacyJointParam *partner = pair().partner();
     if (partner == m_partner) {
         showFlags();

@@ -49,6 +49,7 @@ protected:
 
 private:
     void jointChanged();
+    void showPair();
 
     RyJointEditorTool *m_tool;
     QPointer<RyLegacyJointParam> m_param;
