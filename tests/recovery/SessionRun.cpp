@@ -93,7 +93,8 @@ QString SessionRun::checkRecovered(const QByteArray &hash, int limit) const
         return QStringLiteral("a state that never was, of %1 edits").arg(m_edits.size());
     for (size_t i = size_t(last) + 1; i < m_edits.size(); ++i) {
         const qint64 age = m_killed - m_edits[i].time;
-        qint64 late = 0;
+        // The last word about waits is old where the program waited to give another.
+        qint64 late = m_waits.empty() ? 0 : m_killed - m_waits.back().first;
         for (const auto &[time, milliseconds] : m_waits)
             late += time >= m_edits[i].time ? milliseconds : 0;
         if (age > limit + late)

@@ -33,7 +33,8 @@ public:
     const std::vector<Edit> &edits() const { return m_edits; }
     const QStringList &messages() const { return m_messages; }
     /// Whether that state may be what is brought back: nothing that had been finished `limit` milliseconds before the
-    /// end is missing. Time during which the machine had no processor for the program does not count.
+    /// end is missing. Time during which the machine had no processor for the program, or the disk kept it waiting,
+    /// does not count.
     QString checkRecovered(const QByteArray &hash, int limit = 1000) const;
 
 private:

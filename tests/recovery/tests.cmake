@@ -10,6 +10,7 @@ if(TARGET ryforeign)
 endif()
 # A program that edits until it is killed.
 add_executable(recovery_session ${CMAKE_CURRENT_LIST_DIR}/session/main.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/session/DiskWaits.cpp
   ${CMAKE_CURRENT_LIST_DIR}/RandomEdits.cpp ${edits})
 target_include_directories(recovery_session PRIVATE ${CMAKE_SOURCE_DIR}/tests)
 target_link_libraries(recovery_session PRIVATE ry_compile_options ry_ryhost rycore)

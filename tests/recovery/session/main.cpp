@@ -11,9 +11,10 @@
 //
 // Each finished edit is told as "edit TIME HASH PATH": milliseconds since 1970, the hash of the scene's dump, and the
 // file it belongs to; "saved" says that the latest one is in that file. "late TIME
-// MS" says that the machine had no processor for the program for so long just before; "message TEXT" what a person
-// would read.
+// MS" says all the time that the machine had no processor for the program, or no answer of the disk, for so long just
+// before; "message TEXT" what a person would read.
 #include "recovery/RandomEdits.h"
+#include "recovery/session/DiskWaits.h"
 
 #include "rycore/base/RyAppSettings.h"
 #include "rycore/base/RyMessageLog.h"
@@ -61,7 +62,7 @@ void tell(const char *what, const QString &text)
 }
 
 /// Milliseconds that threads of this process were ready to run and had no processor, as the system counts them.
-qint64 waited()
+qint64 processorWaits()
 {
     qint64 nanoseconds = 0;
     for (const QString &task : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
@@ -74,12 +75,12 @@ qint64 waited()
 
 void beat()
 {
-    for (qint64 told = waited(); !isEnding;) {
+    const auto waits = [] { return processorWaits() + diskWaits(); };
+    for (qint64 told = waits(); !isEnding;) {
         std::this_thread::sleep_for(std::chrono::milliseconds(Beat));
-        const qint64 now = waited();
-        if (now > told)
-            tell("late", QStringLiteral("%1 %2").arg(QDateTime::currentMSecsSinceEpoch()).arg(now - told));
-        told = std::max(told, now);
+        const qint64 now = std::max(told, waits());
+        tell("late", QStringLiteral("%1 %2").arg(QDateTime::currentMSecsSinceEpoch()).arg(now - told));
+        told = now;
     }
 }
 
