@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 
+#include "rycore/math/RyBox3.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyFacetShape.h"
@@ -35,6 +36,16 @@ std::vector<RyBone *> ryOwnBones(const RyNode &figure)
 {
     const auto *skeleton = qobject_cast<const RySkeleton *>(&figure);
     return skeleton ? skeleton->ownBones() : std::vector<RyBone *>();
+}
+
+double ryMeshHeight(const std::vector<RyVec3> &positions)
+{
+    RyBox3 box;
+    for (const RyVec3 &position : positions)
+        box.include(position);
+    const RyVec3 extents = box.getExtents();
+    const float largest = std::max({extents.x, extents.y, extents.z});
+    return double(extents.y > 0.01f * largest ? extents.y : largest);
 }
 
 quint64 ryPositionsHash(const RyNode &node)

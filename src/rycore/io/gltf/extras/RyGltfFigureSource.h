@@ -53,6 +53,7 @@ struct RyGltfFigureSource
     quint64 positionsHash = 0;                    // of the mesh as it was read
     std::shared_ptr<const RyMeshParts> meshParts; // likewise
     int vertexCount = 0;
+    double height = 0.0; // of the mesh as it was read, in centimetres and the figure's space; 0 without one
     /// In the order of the bindings. Shared, for it is large and never changes.
     using Weights = std::vector<RyGltfLoadedWeights>;
     std::shared_ptr<const Weights> weights = std::make_shared<Weights>();
@@ -81,6 +82,9 @@ struct RyGltfFigureSource
 
 /// The own bones of a skeleton; none for what is no skeleton.
 std::vector<RyBone *> ryOwnBones(const RyNode &figure);
+
+/// Of what has its vertices there, along Y; the largest extent of what is flat.
+double ryMeshHeight(const std::vector<RyVec3> &positions);
 
 /// Of the positions of a node's mesh, to tell whether they were edited.
 quint64 ryPositionsHash(const RyNode &node);

@@ -17,16 +17,6 @@ RyAffine linearPart(RyAffine map)
     return map;
 }
 
-float heightOf(const std::vector<RyVec3> &positions)
-{
-    RyBox3 box;
-    for (const RyVec3 &p : positions)
-        box.include(p);
-    const RyVec3 extents = box.getExtents();
-    const float largest = std::max({extents.x, extents.y, extents.z});
-    return extents.y > 0.01f * largest ? extents.y : largest;
-}
-
 /// The bone turns first about the axis that runs along it.
 RyRotationOrder orderAlong(const RyVec3 &inBone)
 {
@@ -86,7 +76,7 @@ struct PoseParts
 
 RyGltfBonePlacer::RyGltfBonePlacer(const RyGltfOrigin &origin, const RyGltfFigureDraft &figure, QStringList *messages)
     : m_origin(origin), m_figure(figure), m_messages(messages), m_sources(figure.bones.size()),
-      m_guesses(figure.bones.size()), m_height(heightOf(figure.mesh->positions))
+      m_guesses(figure.bones.size()), m_height(float(ryMeshHeight(figure.mesh->positions)))
 {}
 
 std::vector<RyGltfNodeSource> RyGltfBonePlacer::place()

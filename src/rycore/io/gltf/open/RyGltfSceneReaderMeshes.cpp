@@ -162,6 +162,7 @@ void RyGltfSceneReader::attachMesh(Figure &figure, std::vector<RyGltfMeshBuilder
     figure.figure->setObject(object);
     figure.source.positionsHash = ryPositionsHash(*figure.figure);
     figure.source.vertexCount = vertexCount;
+    figure.source.height = ryMeshHeight(mesh->getPositions());
     figure.source.parametricText = RyParametricExtras::text(*figure.figure);
     figure.source.groupsText = RyMeshExtras::groupsText(*mesh);
     RyFigureExtras::applySelectionMap(*m_origin, figure.entry, *figure.figure);

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/document/RyGltfNodeWalk.h"
+#include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/extras/RyGltfWeightGiver.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
 #include "rycore/scene/RyBone.h"
@@ -122,6 +123,15 @@ void RyGltfNodeMotions::hangElsewhere(RyGltfNodeMotion &motion, int oldParent, i
     }
 }
 
+/// In the figure's space: of what is shown, or of what the file holds where that is less, since a pose that was baked
+/// may reach higher.
+double RyGltfNodeMotions::heightOf(const RyNode &figure)
+{
+    const double height = m_reach.heightOf(figure);
+    const RyGltfFigureSource *source = m_patch.source.findFigureSource(&figure);
+    return source && source->height > 0.0 ? std::min(height, source->height) : height;
+}
+
 void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
 {
     // Of the figure's height, over a whole limb, along which what may be off adds up: numbers that are rounded to
@@ -150,7 +160,7 @@ void RyGltfNodeMotions::setLimits(std::vector<RyGltfNodeMotion> &motions)
     for (RyGltfNodeMotion &motion : motions) {
         const RyNode *node = shown[size_t(motion.node)];
         const RyNode *figure = node ? node->getSkeleton() : nullptr;
-        const double height = figure ? m_reach.heightOf(*figure) : 100.0; // centimetres
+        const double height = figure ? heightOf(*figure) : 100.0; // centimetres
         const double reach = node && figure ? m_reach.of(*node) : height;
         motion.height = height * (figure ? ryGltfSize(figure->worldMap()) : 1.0) / m_patch.source.unit;
         motion.limit = share * motion.height;

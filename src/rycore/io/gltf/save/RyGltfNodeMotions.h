@@ -36,6 +36,7 @@ private:
     bool isNew(int node) const;
     bool isThere(int node) const;
     Eigen::Affine3d localNow(int node) const;
+    double heightOf(const RyNode &figure);
     void setLimits(std::vector<RyGltfNodeMotion> &motions);
 
     const RyGltfScenePatch &m_patch;
