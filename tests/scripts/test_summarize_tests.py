@@ -17,7 +17,8 @@ def section(name, output, verdict):
 GOOD = section("tst_a", "Totals: 5 passed, 0 failed, 1 skipped, 0 blacklisted, 3ms\n"
                         "SKIP   : A::b() no file\n   Loc: [a.cpp(1)]\nTotals: 2 passed, 0 failed, 0 skipped\n", "Test Passed.")
 SCRIPT_TEST = section("check", "fine\n", "Test Passed.")
-BAD = section("tst_c", "FAIL!  : C::d()\nTotals: 4 passed, 2 failed, 0 skipped\n", "Test Failed.")
+BAD = section("tst_c", "RY_SEED=17\nPASS   : C::c()\nFAIL!  : C::d() differ\n   Actual   : 1\n   Loc: [c.cpp(3)]\n"
+                       "QINFO  : C::d() more\nFAIL!  : C::e()\nTotals: 4 passed, 2 failed, 0 skipped\n", "Test Failed.")
 CRASHED = section("tst_e", "Totals: 3 passed, 0 failed, 0 skipped\nSegmentation fault\n", "Test Failed.")
 NEVER_RAN = "Unable to find executable: /gone\n" + section("tst_f", "", "Test Passed.")
 
@@ -41,10 +42,13 @@ class SummarizeTest(unittest.TestCase):
     def test_failures(self):
         code, lines = summarize(GOOD, BAD, failed=["tst_c"])
         self.assertEqual((code, lines[-1]), (1, "11 passed, 2 failed"))
+        self.assertEqual(lines[:5], ["tst_c failed RY_SEED=17", "    FAIL!  : C::d() differ", "       Actual   : 1",
+                                     "       Loc: [c.cpp(3)]", "    FAIL!  : C::e()"])
 
     def test_crash_counts_as_a_failure(self):
         code, lines = summarize(CRASHED, failed=["tst_e"])
         self.assertEqual((code, lines[-1]), (1, "3 passed, 1 failed"))
+        self.assertIn("    Segmentation fault", lines)
 
     def test_program_that_never_ran_counts_as_a_failure(self):
         code, lines = summarize(GOOD, NEVER_RAN, failed=["tst_f"])
