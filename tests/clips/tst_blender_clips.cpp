@@ -3,13 +3,12 @@
 #include "evaluator/GltfFileReader.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "support/RyBlender.h"
 #include "support/RyTest.h"
 
 #include <nlohmann/json.hpp>
 
 #include <QFile>
-#include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -64,14 +63,12 @@ std::vector<double> BlenderClipsTest::commonTimes(const GltfEvaluator &file, con
 json BlenderClipsTest::playedByBlender(const QString &path, const QStringList &clips)
 {
     const QString out = m_folder.filePath(QStringLiteral("heads.json"));
-    QProcess blender;
-    blender.setProcessChannelMode(QProcess::MergedChannels);
-    blender.start(QStringLiteral("blender"),
-                  QStringList{"-b", "--factory-startup", "--python-exit-code", "1", "--python",
-                              QStringLiteral(RY_SOURCE_DIR "/tests/clips/blender_heads.py"), "--", path, out} +
-                      clips);
-    if (!blender.waitForFinished(300000) || blender.exitCode() != 0)
-        throw std::runtime_error(blender.readAll().toStdString());
+    QString output;
+    if (!RyBlender::run(
+            QStringList{"--python", QStringLiteral(RY_SOURCE_DIR "/tests/clips/blender_heads.py"), "--", path, out} +
+                clips,
+            &output))
+        throw std::runtime_error(output.toStdString());
     QFile file(out);
     if (!file.open(QIODevice::ReadOnly))
         throw std::runtime_error("nothing was written");
@@ -83,8 +80,8 @@ void BlenderClipsTest::heads()
     QFETCH(QString, name);
     if (ryModel(name).isEmpty())
         QSKIP("the character is not here");
-    if (QStandardPaths::findExecutable(QStringLiteral("blender")).isEmpty())
-        QSKIP("Blender is not installed");
+    if (const QString reason = RyBlender::whyNot(); !reason.isEmpty())
+        QSKIP(qPrintable(reason));
     std::mt19937 random(ryTestSeed());
     CharacterScene character(ryModel(name));
     ClipChoice choice;

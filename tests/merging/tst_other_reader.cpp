@@ -4,14 +4,13 @@
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "support/RyBlender.h"
 #include "support/RyTest.h"
 
 #include <nlohmann/json.hpp>
 
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <map>
@@ -47,16 +46,15 @@ private:
     static void compareHeads(const json &report, const MergedScene &merged);
 
     QTemporaryDir m_folder;
-    QString m_program, m_script;
+    QString m_script;
     std::map<QString, json> m_reports; // on files that came
 };
 
 void OtherReaderTest::initTestCase()
 {
-    m_program = QStandardPaths::findExecutable(QStringLiteral("blender"));
     m_script = ryModelsPath() + QStringLiteral("/../tools/blender_report.py");
-    if (m_program.isEmpty())
-        QSKIP("there is no program \"blender\" on PATH");
+    if (const QString reason = RyBlender::whyNot(); !reason.isEmpty())
+        QSKIP(qPrintable(reason));
     if (!QFile::exists(m_script))
         QSKIP("the script that reports what Blender sees is not here");
 }
@@ -68,15 +66,11 @@ json OtherReaderTest::reportOn(const QString &file)
 {
     const QString out = m_folder.filePath(QStringLiteral("report.json"));
     QFile::remove(out);
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(m_program,
-                  {QStringLiteral("-b"), QStringLiteral("--factory-startup"), QStringLiteral("--python-exit-code"),
-                   QStringLiteral("1"), QStringLiteral("--python"), m_script, QStringLiteral("--python-expr"),
-                   QString::fromLatin1(CountPictures), QStringLiteral("--"), file, QStringLiteral("--out"), out});
-    constexpr int Milliseconds = 60000;
-    const bool isDone = process.waitForFinished(Milliseconds) && process.exitCode() == 0;
-    const QString said = QString::fromUtf8(process.readAll());
+    QString said;
+    const bool isDone =
+        RyBlender::run({QStringLiteral("--python"), m_script, QStringLiteral("--python-expr"),
+                        QString::fromLatin1(CountPictures), QStringLiteral("--"), file, QStringLiteral("--out"), out},
+                       &said);
     const QRegularExpressionMatch pictures =
         QRegularExpression(QStringLiteral("^PICTURES (\\d+)$"), QRegularExpression::MultilineOption).match(said);
     if (!isDone || !pictures.hasMatch())
