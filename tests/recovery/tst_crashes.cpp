@@ -50,7 +50,8 @@ private slots:
     {
         SessionRun first(settings(), temporary());
         QVERIFY(first.start(m_files->path(), unsigned(m_random())));
-        first.letRun(2500);
+        QVERIFY(letRunUntil(first, [this] { return kept().size() == 1; }));
+        first.letRun(int(m_random() % 1500));
         first.kill();
         QByteArray recovered;
         for (int i = 0; i < 3; ++i) {
@@ -78,7 +79,7 @@ private slots:
     {
         SessionRun first(settings(), temporary());
         QVERIFY(first.start(m_files->path(), unsigned(m_random())));
-        first.letRun(2500);
+        QVERIFY(letRunUntil(first, [this] { return kept().size() == 1; }));
         first.kill();
         QCOMPARE(kept().size(), 1);
         for (int i = 0; i < 5; ++i) {
@@ -183,7 +184,8 @@ private slots:
         QVERIFY(QFile::setPermissions(settings(), QFile::ReadOwner | QFile::ExeOwner));
         SessionRun run(settings(), temporary());
         QVERIFY(run.start(m_files->path(), unsigned(m_random())));
-        run.letRun(2500);
+        QVERIFY(letRunUntil(run, [&run] { return !run.messages().isEmpty(); }));
+        run.letRun(int(m_random() % 1500));
         run.kill();
         checkFiles();
         checkRecovery(run);
@@ -203,7 +205,8 @@ private slots:
     }
 
 private:
-    /// A drag may last for two and a half seconds, and a busy machine makes everything longer. False after twenty.
+    /// The first edit may be a drag of two and a half seconds, and a busy machine makes everything longer. False after
+    /// twenty.
     template<typename Done>
     static bool letRunUntil(SessionRun &run, const Done &done)
     {
