@@ -8,6 +8,8 @@
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
 
+#include <QProxyStyle>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTreeView>
 
@@ -213,6 +215,52 @@ private slots:
         pane.tree()->selectAll();
         QCOMPARE(m_scene->selectedNodeListIterator(), std::vector<RyNode *>{m_figure});
     }
+
+    /// Each row with rows below has its arrow beside the name, open or closed, and no level above it costs anything.
+    void arrows()
+    {
+        RyBone *deep = m_c;
+        for (int i = 0; i < 300; ++i)
+            deep = makeBone(deep, QStringLiteral("level%1").arg(i));
+        ScenePane pane(m_scene.get());
+        QTreeView &tree = *pane.tree();
+        Arrows arrows;
+        tree.setStyle(&arrows);
+        pane.resize(300, 400);
+        tree.collapse(tree.model()->match(tree.model()->index(0, 0), Qt::DisplayRole, QStringLiteral("level200"), 1,
+                                          Qt::MatchExactly | Qt::MatchRecursive)[0]);
+        for (const char *in : {"figure", "level200"}) {
+            tree.verticalScrollBar()->setValue(*in == 'f' ? 0 : tree.verticalScrollBar()->maximum());
+            arrows.drawn.clear();
+            tree.viewport()->grab();
+            std::vector<std::pair<QRect, bool>> wanted;
+            const int column = tree.treePosition();
+            for (QModelIndex row = tree.indexAt({0, 0});
+                 row.isValid() && tree.visualRect(row).top() < tree.viewport()->height(); row = tree.indexBelow(row)) {
+                const QRect name = tree.visualRect(row.siblingAtColumn(column));
+                if (tree.model()->hasChildren(row.siblingAtColumn(0)))
+                    wanted.push_back({{name.left() - tree.indentation(), name.top(), tree.indentation(), name.height()},
+                                      tree.isExpanded(row.siblingAtColumn(0))});
+            }
+            QVERIFY(wanted.size() > 5);
+            QVERIFY(arrows.drawn == wanted);
+        }
+        tree.setStyle(nullptr);
+    }
+
+private:
+    class Arrows : public QProxyStyle
+    {
+    public:
+        void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                           const QWidget *widget) const override
+        {
+            if (element == PE_IndicatorBranch)
+                drawn.push_back({option->rect, bool(option->state & State_Open)});
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+        }
+        mutable std::vector<std::pair<QRect, bool>> drawn;
+    };
 };
 
 RY_TEST(SceneModelTest)

@@ -104,6 +104,22 @@ void SceneTree::resizeEvent(QResizeEvent *event)
     fitColumn();
 }
 
+void SceneTree::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const
+{
+    if (!model()->hasChildren(index))
+        return;
+    QStyleOptionViewItem option = viewOptions();
+    option.rect = rect;
+    if (isRightToLeft())
+        option.rect.setRight(rect.left() + indentation() - 1);
+    else
+        option.rect.setLeft(rect.right() + 1 - indentation());
+    option.state.setFlag(QStyle::State_Item);
+    option.state.setFlag(QStyle::State_Children);
+    option.state.setFlag(QStyle::State_Open, isExpanded(index));
+    style()->drawPrimitive(QStyle::PE_IndicatorBranch, &option, painter, this);
+}
+
 void SceneTree::scrollTo(const QModelIndex &index, ScrollHint hint)
 {
     if (m_measuring->isActive())

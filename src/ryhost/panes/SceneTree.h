@@ -19,6 +19,8 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    /// The arrow of the row alone: the style has nothing to show for the levels above, and there may be thousands.
+    void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
 
 private:
     /// Measures the names when there is time.
