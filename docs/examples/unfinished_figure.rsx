@@ -3,7 +3,7 @@
 //
 //     ryhost --batch resources/samples/mannequin.glb --script docs/examples/unfinished_figure.rsx --save unfinished.glb
 //
-// The chapter "Fix a character in ten minutes" of the guide puts it right.
+// "Fix a character in ten minutes", one of the walk-throughs, puts it right.
 
 var LOWERED = 40; // degrees
 var ELBOW_AWAY = 0.3; // of the upper arm, towards the shoulder

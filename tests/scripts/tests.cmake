@@ -4,7 +4,7 @@ add_test(NAME scripts_summarize COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR
 add_test(NAME scripts_install COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_install_dependencies.py)
 add_test(NAME scripts_make_hand COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_make_hand.py)
 add_test(NAME scripts_try_changes COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_try_changes.py)
-# The sessions that the guide tells of go as it tells them. Fonts and drivers leak: see the other programs with drivers in them.
+# The sessions that the guide and the walk-throughs tell of go as they tell them. Fonts and drivers leak: see the other programs with drivers in them.
 add_test(NAME scripts_demo_session COMMAND ${CMAKE_SOURCE_DIR}/scripts/demo_session ${CMAKE_BINARY_DIR}
                                            ${CMAKE_CURRENT_BINARY_DIR}/demo_session)
 set_property(TEST scripts_demo_session PROPERTY TIMEOUT 300)
