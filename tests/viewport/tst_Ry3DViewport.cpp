@@ -1,4 +1,5 @@
 #include "support/RyTest.h"
+#include "viewport/ViewportStage.h"
 #include "viewport/ViewportTestScene.h"
 
 #include "player/ToyClip.h"
@@ -9,26 +10,21 @@
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySelectionMap.h"
 #include "rycore/scene/clips/RyClipPlayer.h"
 #include "rycore/skin/RySkinBinding.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
-#include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyViewportMgr.h"
 
 #include <cmath>
 
-class Ry3DViewportTest : public QObject
+class Ry3DViewportTest : public QObject, private ViewportStage
 {
     Q_OBJECT
 private slots:
     void init()
     {
-        m_scene = std::make_unique<RyScene>();
-        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
-        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
+        open();
         m_figure = addBoxFigure(*m_scene);
         m_tool = new SquareTool;
         m_tool->squares = {{RyVec3(20, 20, 0), 7}, {RyVec3(28, 20, 0), 46}, {RyVec3(-20, 20, 0), 200}};
@@ -43,12 +39,7 @@ private slots:
         ryUndoStack()->clearAll();
         ryUndoStack()->setClean();
     }
-    void cleanup()
-    {
-        m_viewport.reset();
-        m_manager.reset();
-        m_scene.reset();
-    }
+    void cleanup() { close(); }
 
     void projectsAndCastsRaysTheSameWay()
     {
@@ -481,9 +472,6 @@ private:
         return QPoint(int(pixel.x()), int(pixel.y()));
     }
 
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyViewportMgr> m_manager;
-    std::unique_ptr<Ry3DViewport> m_viewport;
     ViewportTestFigure m_figure;
     SquareTool *m_tool = nullptr;
 };

@@ -1,4 +1,5 @@
 #include "support/RyTest.h"
+#include "viewport/ViewportStage.h"
 #include "viewport/ViewportTestScene.h"
 
 #include "rycore/base/RyFloatProperty.h"
@@ -9,10 +10,7 @@
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyModifier.h"
 #include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/scene/RyShapePoints.h"
-#include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/drawing/RyFramebuffer.h"
 #include "rycore/viewport/drawing/RyViewPainter.h"
 
@@ -46,26 +44,19 @@ private:
 } // namespace
 
 /// Pictures and picks of a viewport that no display shows.
-class RyOffscreenContextTest : public QObject
+class RyOffscreenContextTest : public QObject, private ViewportStage
 {
     Q_OBJECT
 private slots:
     void init()
     {
-        m_scene = std::make_unique<RyScene>();
-        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
+        open();
         m_figure = addBoxFigure(*m_scene);
-        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
         m_viewport->resize(400, 300);
         m_viewport->setStandardView(Ry3DViewport::StandardView::Front);
         m_viewport->cameraController().frame(RyBox3(RyVec3(-40, -5, -5), RyVec3(40, 45, 5)), QSizeF(400, 300));
     }
-    void cleanup()
-    {
-        m_viewport.reset();
-        m_manager.reset();
-        m_scene.reset();
-    }
+    void cleanup() { close(); }
 
     void picturesShowFigureAndBackground()
     {
@@ -234,9 +225,6 @@ private:
         m_viewport->project(world, pixel);
         return QPoint(int(pixel.x()), int(pixel.y()));
     }
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyViewportMgr> m_manager;
-    std::unique_ptr<Ry3DViewport> m_viewport;
     ViewportTestFigure m_figure;
 };
 

@@ -1,22 +1,17 @@
 #include "parametric/ParamArm.h"
 
 #include "rycore/figure/RyLegacyFigure.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/viewport/Ry3DViewport.h"
-#include "rycore/viewport/RyViewportMgr.h"
 #include "rycore/viewport/ryFrameBox.h"
 #include "support/RyNear.h"
 #include "support/RyTest.h"
+#include "viewport/ViewportStage.h"
 
 /// A parametric figure is drawn, picked and framed as its pose has moved it.
-class ParametricFigureTest : public QObject
+class ParametricFigureTest : public QObject, private ViewportStage
 {
     Q_OBJECT
 
     std::unique_ptr<ParamArm> m_arm;
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyViewportMgr> m_manager;
-    std::unique_ptr<Ry3DViewport> m_viewport;
 
     RySkeleton *figure() const { return m_arm->skeleton.get(); }
     RyVec3 inWorld(const RyVec3 &p) const { return figure()->worldMap().mapPoint(p); }
@@ -60,17 +55,13 @@ private slots:
             bone->clearPose();
             bone->setOrientation(RyQuat(), true);
         }
-        m_scene = std::make_unique<RyScene>();
+        open();
         m_scene->addNode(figure());
-        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
-        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
         m_viewport->resize(400, 300);
     }
     void cleanup()
     {
-        m_viewport.reset();
-        m_manager.reset();
-        m_scene.reset();
+        close();
         m_arm.reset();
     }
 

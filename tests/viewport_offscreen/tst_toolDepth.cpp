@@ -1,14 +1,12 @@
 #include "rycore/viewport/RyGL.h"
 
 #include "support/RyTest.h"
+#include "viewport/ViewportStage.h"
 
 #include "rycore/scene/RyCamera.h"
 #include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyScene.h"
-#include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RySelectTool.h"
 #include "rycore/viewport/RyViewTool.h"
-#include "rycore/viewport/RyViewportMgr.h"
 
 namespace {
 
@@ -44,27 +42,20 @@ private:
 } // namespace
 
 /// What hides what in the drawing of a tool.
-class ToolDepthTest : public QObject
+class ToolDepthTest : public QObject, private ViewportStage
 {
     Q_OBJECT
 private slots:
     void init()
     {
-        m_scene = std::make_unique<RyScene>();
-        m_manager = std::make_unique<RyViewportMgr>(m_scene.get());
-        m_viewport = std::make_unique<Ry3DViewport>(m_manager.get());
+        open();
         m_viewport->resize(200, 150);
         m_viewport->getCamera()->lookAt({0, 0, 120}, {0, 0, 0});
         m_tool = new SheetTool;
         m_manager->addTool(m_tool);
         m_manager->setActiveTool(m_tool);
     }
-    void cleanup()
-    {
-        m_viewport.reset();
-        m_manager.reset();
-        m_scene.reset();
-    }
+    void cleanup() { close(); }
 
     void aToolFindsItsDepthCleared()
     {
@@ -104,9 +95,6 @@ private slots:
 private:
     QColor middle() const { return m_viewport->grabPicture(200, 150).pixelColor(100, 75); }
 
-    std::unique_ptr<RyScene> m_scene;
-    std::unique_ptr<RyViewportMgr> m_manager;
-    std::unique_ptr<Ry3DViewport> m_viewport;
     SheetTool *m_tool = nullptr;
 };
 
