@@ -101,8 +101,13 @@ QString FigureSketch::write(const QString &path) const
     const QByteArray encoded = QByteArray::fromStdString(m_data).toBase64();
     copy["buffers"] = {
         {{"byteLength", m_data.size()}, {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}};
+    return writeTree(copy, path);
+}
+
+QString writeTree(const nlohmann::json &tree, const QString &path)
+{
     QFile file(path);
-    const std::string text = copy.dump();
+    const std::string text = tree.dump();
     if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), qint64(text.size())) != qint64(text.size()))
         throw std::runtime_error("cannot write the file of the test");
     return path;

@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+/// Writes the text of a .gltf file; gives its path.
+QString writeTree(const nlohmann::json &tree, const QString &path);
+
 /// A small figure made by hand: a strip of points along +Y, two metres high, and two joints, `low` at the ground and
 /// `high` one metre above it. Points below follow low, points above high, those between both. Tests change the tree
 /// before writing it.

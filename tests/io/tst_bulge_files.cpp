@@ -1,3 +1,4 @@
+#include "FigureSketch.h"
 #include "LinkedFile.h"
 
 #include "rycore/base/RyERCLink.h"
@@ -208,10 +209,7 @@ private:
 
     void openDamaged(const json &tree, int &kept, int &dropped)
     {
-        QFile file(path("damaged"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(tree.dump()));
-        file.close();
+        writeTree(tree, path("damaged"));
         RyScene scene;
         QString error;
         m_messages.clear();

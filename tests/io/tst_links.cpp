@@ -1,3 +1,4 @@
+#include "FigureSketch.h"
 #include "LinkedFile.h"
 
 #include "rycore/base/RyERCLink.h"
@@ -17,7 +18,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -439,12 +439,7 @@ private:
             .value("RYHOST_rigging", json::object())
             .value("links", json());
     }
-    void write(const char *name, const json &tree) const
-    {
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(tree.dump()));
-    }
+    void write(const char *name, const json &tree) const { writeTree(tree, path(name)); }
     /// Of the bone "high" about Y; made where there is none.
     static RyBulgeBinding *bulgeOf(LinkedFile &linked)
     {

@@ -1,3 +1,4 @@
+#include "FigureSketch.h"
 #include "LinkedFile.h"
 
 #include "rycore/base/RyERCLink.h"
@@ -12,7 +13,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <functional>
@@ -167,9 +167,7 @@ private:
             auto &siblings = i < 2 ? nodes[size_t(2 + 2 * i)]["children"] : tree["scenes"][0]["nodes"];
             siblings.push_back(nodes.size() - 1);
         }
-        QFile file(path("plain"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(tree.dump()));
+        writeTree(tree, path("plain"));
     }
 
     void begin()

@@ -109,10 +109,7 @@ private slots:
         // Other weights in the file: the maps are left out, and a message says so.
         json tree = again.file.tree();
         tree["extras"]["RYHOST_rigging"]["figures"][0]["maps"]["weights"] = "12";
-        QFile file(path("foreign"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(tree.dump()));
-        file.close();
+        writeTree(tree, path("foreign"));
         CharacterScene foreign(path("foreign"));
         QVERIFY(!foreign.messages.filter(QStringLiteral("maps")).isEmpty());
         QVERIFY(!RySkinBinding::findSkinFromNode(foreign.bones()[0])->hasLocalMaps());

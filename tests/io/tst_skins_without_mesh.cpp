@@ -273,11 +273,7 @@ void SkinsWithoutMeshTest::damagedOnesAreLeftOut()
     QCOMPARE(stored["bindings"][1]["bone"], json(5)); // what one of the rows says twice
     stored["bindings"][0].merge_patch(json::parse(first.toStdString()));
     stored.merge_patch(json::parse(patch.toStdString()));
-    QFile file(path("damaged"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray::fromStdString(tree.dump()));
-    file.close();
-    CharacterScene scene(path("damaged"));
+    CharacterScene scene(writeTree(tree, path("damaged")));
     QCOMPARE(scene.messages,
              QStringList(QStringLiteral("The weights of \"loose\", which has no mesh, are damaged and left out")));
     QCOMPARE(int(findMeshless(scene)->getAllBones().size()), 2);
@@ -295,10 +291,7 @@ void SkinsWithoutMeshTest::meshThatCameLater()
     json tree = CharacterScene(path("loose")).file.tree();
     tree["nodes"].push_back({{"name", "new mesh"}, {"mesh", 0}, {"skin", 1}});
     tree["scenes"][0]["nodes"].push_back(int(tree["nodes"].size()) - 1);
-    QFile file(path("with_mesh"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray::fromStdString(tree.dump()));
-    file.close();
+    writeTree(tree, path("with_mesh"));
     CharacterScene scene(path("with_mesh"));
     QCOMPARE(scene.messages, QStringList(QStringLiteral(
                                  "The weights that \"loose\" was saved with are left out: it has a mesh by now")));

@@ -13,7 +13,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 using json = nlohmann::json;
@@ -144,11 +143,7 @@ private slots:
         json tree = json::parse(bytesOf(path("back")).constData());
         for (const json &number : {json(77), json("one"), json(-1)}) {
             tree["extras"]["RYHOST_rigging"]["figures"][0]["follows"] = number;
-            QFile file(path("broken"));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(QByteArray::fromStdString(tree.dump()));
-            file.close();
-            CharacterScene broken(path("broken"));
+            CharacterScene broken(writeTree(tree, path("broken")));
             QCOMPARE(broken.messages,
                      QStringList("\"root\" follows no figure any more: the stored one does not stand in "
                                  "the scene"));
