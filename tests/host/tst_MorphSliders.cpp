@@ -1,12 +1,8 @@
+#include "host/FaceProp.h"
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
 
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyMorph.h"
-#include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyNumberField.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -27,21 +23,11 @@ private slots:
     void init()
     {
         QVERIFY(open());
-        m_prop = new RyNode;
-        m_prop->setName(QStringLiteral("face"));
-        auto *mesh = new RyFacetMesh;
-        mesh->setPositions({{0, 100, 0}, {30, 100, 0}, {0, 130, 0}});
-        mesh->setFacets({{{0, 1, 2, -1}}});
-        m_shape = new RyFacetShape(mesh);
-        auto *object = new RyObject;
-        object->addShape(m_shape);
-        m_prop->setObject(object);
-        m_scene->addNode(m_prop);
-        m_scene->setSelection({m_prop});
+        m_face = std::make_unique<FaceProp>(m_scene);
     }
     void cleanup()
     {
-        m_scene->removeNode(m_prop);
+        m_face.reset();
         close();
     }
 
@@ -54,7 +40,7 @@ private slots:
         QCOMPARE(shownRows(), QStringList({"Morph mouth 0", "Morph mouth 1", "Morph mouth 2"}));
         QVERIFY(search()->isHidden());
         RyFloatPropertyWgt *row = sliders()->findChild<RyFloatPropertyWgt *>(QStringLiteral("Morph mouth 1"));
-        RyFloatProperty *control = m_shape->getMorphs()[1]->getValueControl();
+        RyFloatProperty *control = m_face->shape()->getMorphs()[1]->getValueControl();
         QCOMPARE(row->getFirstProperty(), control);
         ryUndoStack()->clearAll();
         row->numberField()->setFocus();
@@ -62,7 +48,7 @@ private slots:
         QTest::keyClicks(row->numberField(), QStringLiteral("0.25"));
         QTest::keyClick(row->numberField(), Qt::Key_Return);
         QCOMPARE(control->getValue(), 0.25f);
-        QCOMPARE(m_shape->getCurrentPositions()[0].y, 102.5f);
+        QCOMPARE(m_face->shape()->getCurrentPositions()[0].y, 102.5f);
         QCOMPARE(ryUndoStack()->count(), 1);
         ryUndoStack()->undo();
         QCOMPARE(control->getValue(), 0.0f);
@@ -71,8 +57,8 @@ private slots:
         m_scene->setSelection({m_scene->findNode(QStringLiteral("hip"))});
         settle();
         QVERIFY(sliders()->isHidden());
-        m_scene->setSelection({m_prop});
-        m_shape->removeMorph(m_shape->getMorphs()[0]);
+        m_scene->setSelection({m_face->node()});
+        m_face->shape()->removeMorph(m_face->shape()->getMorphs()[0]);
         settle();
         QCOMPARE(shownRows(), QStringList({"Morph mouth 1", "Morph mouth 2"}));
     }
@@ -93,7 +79,7 @@ private slots:
         QCOMPARE(shownRows().size(), 0);
         QVERIFY(rest->isVisible());
         search()->clear();
-        m_shape->getMorphs()[7]->getValueControl()->setLabel(QStringLiteral("Smile"));
+        m_face->shape()->getMorphs()[7]->getValueControl()->setLabel(QStringLiteral("Smile"));
         search()->setText(QStringLiteral("smi"));
         QCOMPARE(shownRows(), QStringList({"Morph mouth 7"}));
     }
@@ -101,27 +87,26 @@ private slots:
     void restoringLeavesThemAlone()
     {
         addMorphs(2);
-        RyFloatProperty *control = m_shape->getMorphs()[0]->getValueControl();
+        RyFloatProperty *control = m_face->shape()->getMorphs()[0]->getValueControl();
         control->setValue(0.5f);
-        m_prop->getXRotControl()->setValue(20);
+        m_face->node()->getXRotControl()->setValue(20);
         auto *restore = m_window->findChild<QPushButton *>(QStringLiteral("ParametersRestore"));
         QTest::mouseClick(restore, Qt::LeftButton);
-        QVERIFY(!m_prop->isPosed());
+        QVERIFY(!m_face->node()->isPosed());
         QCOMPARE(control->getValue(), 0.5f);
-        m_prop->getXRotControl()->setValue(20);
+        m_face->node()->getXRotControl()->setValue(20);
         QAction *all = action("EditRestorePose");
         QVERIFY(all);
         all->trigger();
-        QVERIFY(!m_prop->isPosed());
+        QVERIFY(!m_face->node()->isPosed());
         QCOMPARE(control->getValue(), 0.5f);
     }
 
 private:
     void addMorphs(int count)
     {
-        for (int i = 0; i < count; ++i) {
-            m_shape->addMorph(new RyMorph(QStringLiteral("mouth %1").arg(i), {0}, {{0, 10, 0}}));
-        }
+        for (int i = 0; i < count; ++i)
+            m_face->addMorph(QStringLiteral("mouth %1").arg(i));
     }
     MorphSliders *sliders() const { return m_window->findChild<MorphSliders *>(); }
     QLineEdit *search() const { return m_window->findChild<QLineEdit *>(QStringLiteral("ParametersSearchFld")); }
@@ -135,8 +120,7 @@ private:
         return names;
     }
 
-    RyNode *m_prop = nullptr;
-    RyFacetShape *m_shape = nullptr;
+    std::unique_ptr<FaceProp> m_face;
 };
 
 RY_TEST(MorphSlidersTest)

@@ -1,13 +1,9 @@
+#include "host/FaceProp.h"
 #include "host/WindowStage.h"
 #include "support/RyTest.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
-#include "rycore/scene/RyFacetShape.h"
-#include "rycore/scene/RyMorph.h"
-#include "rycore/scene/RyNode.h"
-#include "rycore/scene/RyObject.h"
-#include "rycore/scene/RyScene.h"
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyScrubLabel.h"
 #include "rycore/undo/RyUndoStack.h"
@@ -26,24 +22,14 @@ private slots:
     void init()
     {
         QVERIFY(open());
-        m_prop = new RyNode;
-        m_prop->setName(QStringLiteral("face"));
-        auto *mesh = new RyFacetMesh;
-        mesh->setPositions({{0, 100, 0}, {30, 100, 0}, {0, 130, 0}});
-        mesh->setFacets({{{0, 1, 2, -1}}});
-        auto *shape = new RyFacetShape(mesh);
-        auto *object = new RyObject;
-        object->addShape(shape);
-        m_prop->setObject(object);
-        shape->addMorph(new RyMorph(QStringLiteral("smile"), {0}, {{0, 10, 0}}));
-        m_scene->addNode(m_prop);
-        m_scene->setSelection({m_prop});
+        m_face = std::make_unique<FaceProp>(m_scene);
+        m_face->addMorph(QStringLiteral("smile"));
         ryUndoStack()->clearAll();
         settle();
     }
     void cleanup()
     {
-        m_scene->removeNode(m_prop);
+        m_face.reset();
         close();
     }
 
@@ -198,8 +184,8 @@ private slots:
         QFETCH(QString, where);
         RyFloatPropertyWgt *widget = rowOf(row);
         RyFloatProperty *property = widget->getFirstProperty();
-        m_prop->getYRotControl()->setValue(33);
-        m_prop->getYScaleControl()->setValue(1.5f);
+        m_face->node()->getYRotControl()->setValue(33);
+        m_face->node()->getYScaleControl()->setValue(1.5f);
         {
             RyUndoStackHold hold;
             property->setValue(0.4f);
@@ -208,8 +194,8 @@ private slots:
         const QString before = dump();
         restore(*widget, where);
         QCOMPARE(property->getValue(), property->getDefaultValue());
-        QCOMPARE(m_prop->getYRotControl()->getValue(), 33.0f);
-        QCOMPARE(m_prop->getYScaleControl()->getValue(), 1.5f);
+        QCOMPARE(m_face->node()->getYRotControl()->getValue(), 33.0f);
+        QCOMPARE(m_face->node()->getYScaleControl()->getValue(), 1.5f);
         QCOMPARE(ryUndoStack()->count(), 2);
         QVERIFY2(ryUndoStack()->undoText().startsWith(QStringLiteral("Restore ")),
                  qPrintable(ryUndoStack()->undoText()));
@@ -320,7 +306,7 @@ private:
         QCoreApplication::sendEvent(widget, &event);
     }
 
-    RyNode *m_prop = nullptr;
+    std::unique_ptr<FaceProp> m_face;
 };
 
 RY_TEST(ParameterSlidersTest)
