@@ -3,17 +3,13 @@
 #include "support/RyTest.h"
 
 #include "rycore/automation/RyDialogDriver.h"
-#include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/commands/HostFiles.h"
 
-#include <QDropEvent>
 #include <QFileInfo>
-#include <QMimeData>
 #include <QProgressDialog>
 #include <QTimer>
 
@@ -124,7 +120,7 @@ private slots:
         QTimer::singleShot(600, this, [&] {
             auto *progress = m_window->findChild<QProgressDialog *>(QStringLiteral("ImportProgress"));
             QVERIFY(progress);
-            isRefused = !enter({m_prop});
+            isRefused = !wouldTake({m_prop});
             drop({m_prop}); // a program that does not heed the refusal
             meanwhile = m_opened;
             progress->cancel();
@@ -157,36 +153,6 @@ private slots:
 
 private:
     QString path(const QString &name) const { return m_stage->path(name); }
-    void bend()
-    {
-        RyUndoStackHold hold;
-        m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->adjustValue(20);
-        hold.accept(QStringLiteral("Bend"));
-    }
-    static QList<QUrl> urlsOf(const QStringList &paths)
-    {
-        QList<QUrl> urls;
-        for (const QString &path : paths)
-            urls.append(QUrl::fromLocalFile(path));
-        return urls;
-    }
-    bool enter(const QStringList &paths)
-    {
-        QMimeData data;
-        data.setUrls(urlsOf(paths));
-        QDragEnterEvent event(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.ignore();
-        QCoreApplication::sendEvent(m_window.get(), &event);
-        return event.isAccepted();
-    }
-    void drop(const QStringList &paths)
-    {
-        enter(paths);
-        QMimeData data;
-        data.setUrls(urlsOf(paths));
-        QDropEvent event(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_window.get(), &event);
-    }
     /// How many boxes are open at once.
     void countBoxes(const RyDialogDriver &driver)
     {

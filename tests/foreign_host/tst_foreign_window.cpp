@@ -4,22 +4,18 @@
 
 #include "pointer/PointerDriver.h"
 #include "rycore/app/RyApp.h"
-#include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneDump.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/panes/ScenePane.h"
 
 #include <QAction>
-#include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
@@ -132,6 +128,7 @@ private slots:
         const QString read = QStringLiteral("Read from hero.fbx at %1, in no file yet.")
                                  .arg(timeTextOf(m_window->files()->savedState().time));
         QCOMPARE(m_window->files()->unsavedChanges(), read);
+        m_window->showHistory();
         QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("HistoryState"))->text(), read);
         QCOMPARE(m_window->findChild<QToolButton *>(QStringLiteral("UnsavedStatus"))->text(),
                  QStringLiteral("* unsaved"));
@@ -154,14 +151,8 @@ private slots:
 
     void isDropped()
     {
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(m_hero)});
-        QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        enter.ignore();
-        QCoreApplication::sendEvent(m_window.get(), &enter);
-        QVERIFY(enter.isAccepted());
-        QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(m_window.get(), &drop);
+        QVERIFY(wouldTake({m_hero}));
+        drop({m_hero});
         QVERIFY(m_window->files()->path() != m_hero);
         QTRY_COMPARE(m_window->files()->path(), m_hero);
     }
@@ -261,31 +252,12 @@ private slots:
     }
 
 private:
-    void bend()
-    {
-        RyUndoStackHold hold;
-        m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->adjustValue(20);
-        hold.accept(QStringLiteral("Bend"));
-    }
     /// Once, while the file is read.
     void meanwhile(int after, const std::function<void(QProgressDialog *)> &use)
     {
         QTimer::singleShot(after, this, [this, use] {
             use(m_window->findChild<QProgressDialog *>(QStringLiteral("ImportProgress")));
         });
-    }
-    template<class Dialog>
-    void withDialog(const std::function<void(Dialog *)> &use)
-    {
-        auto *timer = new QTimer(this);
-        connect(timer, &QTimer::timeout, this, [timer, use] {
-            if (auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget())) {
-                timer->deleteLater();
-                timer->stop();
-                use(dialog);
-            }
-        });
-        timer->start(20);
     }
 
     std::unique_ptr<ForeignStage> m_stage;

@@ -3,11 +3,16 @@
 #include "support/RyTest.h"
 
 #include "rycore/base/RyAppSettings.h"
+#include "rycore/base/RyFloatProperty.h"
+#include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/commands/HostFiles.h"
 
 #include <QAction>
+#include <QDropEvent>
+#include <QMimeData>
 
 WindowStage::WindowStage(Plugins plugins) : m_scene(ryScene()), m_plugins(plugins) {}
 
@@ -53,4 +58,43 @@ void WindowStage::settle()
         QCoreApplication::processEvents();
         QTest::qWait(2);
     }
+}
+
+RyNode *WindowStage::forearm() const
+{
+    return m_scene->findNode(QStringLiteral("lForearm"));
+}
+
+void WindowStage::bend(float degrees) const
+{
+    RyUndoStackHold hold;
+    forearm()->getZRotControl()->setValue(degrees);
+    hold.accept(QStringLiteral("Bend"));
+}
+
+static std::unique_ptr<QMimeData> dataOf(const QStringList &paths)
+{
+    auto data = std::make_unique<QMimeData>();
+    QList<QUrl> urls;
+    for (const QString &path : paths)
+        urls.append(QUrl::fromLocalFile(path));
+    data->setUrls(urls);
+    return data;
+}
+
+bool WindowStage::wouldTake(const QStringList &paths) const
+{
+    const auto data = dataOf(paths);
+    QDragEnterEvent event(QPoint(200, 200), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    event.ignore();
+    QCoreApplication::sendEvent(m_window.get(), &event);
+    return event.isAccepted();
+}
+
+void WindowStage::drop(const QStringList &paths) const
+{
+    static_cast<void>(wouldTake(paths));
+    const auto data = dataOf(paths);
+    QDropEvent event(QPointF(200, 200), Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(m_window.get(), &event);
 }

@@ -8,7 +8,6 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/commands/HostFiles.h"
 
 #include <QAction>
@@ -376,13 +375,6 @@ private:
     }
     HostFiles *files() const { return m_window->files(); }
     QString dump() const { return rySceneDump(*m_scene); }
-    RyNode *forearm() const { return m_scene->findNode(QStringLiteral("lForearm")); }
-    void bend(float degrees = 20)
-    {
-        RyUndoStackHold hold;
-        forearm()->getZRotControl()->setValue(degrees);
-        hold.accept(QStringLiteral("Bend"));
-    }
 };
 
 RY_TEST(FileCommandsTest)

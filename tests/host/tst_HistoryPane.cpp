@@ -230,7 +230,6 @@ private:
         QTest::mouseClick(list()->viewport(), Qt::LeftButton, Qt::NoModifier, place);
     }
     QString dump() const { return rySceneDump(*m_scene); }
-    RyNode *forearm() const { return m_scene->findNode(QStringLiteral("lForearm")); }
     void bend(float degrees)
     {
         RyUndoStackHold hold;

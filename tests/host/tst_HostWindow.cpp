@@ -9,7 +9,6 @@
 #include "rycore/ui/RyFloatPropertyWgt.h"
 #include "rycore/ui/RyNumberField.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/viewport/Ry3DViewport.h"
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
@@ -23,16 +22,13 @@
 #include "ryhost/window/ToolStrip.h"
 
 #include <QDockWidget>
-#include <QDropEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QMimeData>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
-#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -91,17 +87,16 @@ private slots:
 
     void selectionGoesBothWays()
     {
-        RyNode *forearm = m_scene->findNode(QStringLiteral("lForearm"));
         RyNode *hip = m_scene->findNode(QStringLiteral("hip"));
-        m_scene->setSelection({hip, forearm});
+        m_scene->setSelection({hip, forearm()});
         QCOMPARE(tree()->selectionModel()->selectedRows().size(), 2);
-        QCOMPARE(tree()->currentIndex(), indexOf(forearm));
+        QCOMPARE(tree()->currentIndex(), indexOf(forearm()));
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::NoModifier,
                           tree()->visualRect(indexOf(hip)).center());
         QCOMPARE(m_scene->selectedNodeListIterator(), std::vector<RyNode *>{hip});
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, Qt::ControlModifier,
-                          tree()->visualRect(indexOf(forearm)).center());
-        QCOMPARE(m_scene->getPrimarySelection(), forearm);
+                          tree()->visualRect(indexOf(forearm())).center());
+        QCOMPARE(m_scene->getPrimarySelection(), forearm());
         QCOMPARE(m_scene->getNumSelectedNodes(), 2);
         m_scene->selectAllNodes(false);
         QVERIFY(tree()->selectionModel()->selectedRows().isEmpty());
@@ -125,7 +120,7 @@ private slots:
     void theFilterKeepsTheWayToAMatch()
     {
         m_window->scenePane()->filter()->setText(QStringLiteral("LFOREARM"));
-        QVERIFY(indexOf(m_scene->findNode(QStringLiteral("lForearm"))).isValid());
+        QVERIFY(indexOf(forearm()).isValid());
         QVERIFY(indexOf(m_scene->findNode(QStringLiteral("hip"))).isValid());
         QVERIFY(!indexOf(m_scene->findNode(QStringLiteral("head"))).isValid());
         m_window->scenePane()->filter()->clear();
@@ -153,20 +148,19 @@ private slots:
 
     void poseSlidersWriteThePose()
     {
-        RyNode *forearm = m_scene->findNode(QStringLiteral("lForearm"));
-        m_scene->setSelection({forearm});
+        m_scene->setSelection({forearm()});
         auto *row = m_window->findChild<RyFloatPropertyWgt *>(QStringLiteral("PoseZRotate"));
-        QCOMPARE(row->getFirstProperty(), forearm->getZRotControl());
+        QCOMPARE(row->getFirstProperty(), forearm()->getZRotControl());
         row->numberField()->setFocus();
         row->numberField()->selectAll();
         QTest::keyClicks(row->numberField(), QStringLiteral("90/2"));
         QTest::keyClick(row->numberField(), Qt::Key_Return);
-        QCOMPARE(forearm->getZRotControl()->getValue(), 45.0f);
+        QCOMPARE(forearm()->getZRotControl()->getValue(), 45.0f);
         QCOMPARE(ryUndoStack()->count(), 1);
         auto *restore = m_window->findChild<QPushButton *>(QStringLiteral("ParametersRestore"));
         QVERIFY(restore->isEnabled());
         QTest::mouseClick(restore, Qt::LeftButton);
-        QCOMPARE(forearm->getZRotControl()->getValue(), 0.0f);
+        QCOMPARE(forearm()->getZRotControl()->getValue(), 0.0f);
         QVERIFY(!restore->isEnabled());
         m_scene->selectAllNodes(false);
         QCOMPARE(row->getFirstProperty(), nullptr);
@@ -177,7 +171,7 @@ private slots:
         QAction *undo = action("EditUndo");
         QAction *redo = action("EditRedo");
         QVERIFY(!undo->isEnabled() && !redo->isEnabled());
-        edit();
+        bend();
         QCOMPARE(undo->text(), QStringLiteral("&Undo Bend"));
         QVERIFY(
             m_window->findChild<QLabel *>(QStringLiteral("UndoStatus"))->text().contains(QStringLiteral("undo: Bend")));
@@ -190,9 +184,9 @@ private slots:
 
     void restorePoseIsOneStep()
     {
-        edit();
+        bend();
         action("EditRestorePose")->trigger();
-        QVERIFY(!m_scene->findNode(QStringLiteral("lForearm"))->isPosed());
+        QVERIFY(!forearm()->isPosed());
         QCOMPARE(ryUndoStack()->count(), 2);
         action("EditRestorePose")->trigger();
         QCOMPARE(ryUndoStack()->count(), 2);
@@ -200,7 +194,7 @@ private slots:
 
     void savesAndRemembers()
     {
-        edit();
+        bend();
         QVERIFY(m_window->isWindowModified());
         const QString path = file(QStringLiteral("saved.glb"));
         QVERIFY(m_window->files()->savePath(path));
@@ -208,7 +202,7 @@ private slots:
         QCOMPARE(m_window->windowTitle(), QStringLiteral("saved.glb[*] - ryhost"));
         QCOMPARE(m_window->files()->recentFiles(), QStringList{path});
         QVERIFY(m_window->files()->openPath(path));
-        QCOMPARE(qRound(m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->getValue()), 20);
+        QCOMPARE(qRound(forearm()->getZRotControl()->getValue()), 20);
         QVERIFY(m_window->files()->save());
     }
 
@@ -242,13 +236,13 @@ private slots:
         broken.write("this is no model");
         broken.close();
         QString text;
-        answer([&](QMessageBox *box) {
+        withDialog<QMessageBox>([&](QMessageBox *box) {
             text = box->text();
             box->accept();
         });
         QVERIFY(!m_window->files()->openPath(path));
         QVERIFY2(text.contains(QStringLiteral("broken.glb")), qPrintable(text));
-        QVERIFY(m_scene->findNode(QStringLiteral("lForearm")));
+        QVERIFY(forearm());
         QCOMPARE(m_window->windowTitle(), QStringLiteral("mannequin.glb[*] - ryhost"));
     }
 
@@ -263,7 +257,7 @@ private slots:
         QVERIFY(m_window->files()->mergePath(path));
         QVERIFY(m_scene->findNode(QStringLiteral("strange")));
         QStringList box;
-        answer([&](QMessageBox *shown) {
+        withDialog<QMessageBox>([&](QMessageBox *shown) {
             box = QStringList{shown->windowTitle(), shown->text()};
             shown->accept();
         });
@@ -294,7 +288,7 @@ private slots:
         QCOMPARE(posted.last().contains(QStringLiteral("more: File, Notes")), notes.size() > 1);
         QVERIFY(action("FileNotes")->isEnabled());
         QStringList box;
-        answer([&box](QMessageBox *shown) {
+        withDialog<QMessageBox>([&box](QMessageBox *shown) {
             box = QStringList{shown->windowTitle(), shown->text(), shown->informativeText()};
             shown->accept();
         });
@@ -322,11 +316,11 @@ private slots:
     void asksAboutUnsavedChanges()
     {
         QVERIFY(m_window->files()->confirmDiscard());
-        edit();
-        answer([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); });
+        bend();
+        withDialog<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Cancel)->click(); });
         QVERIFY(!m_window->close());
         QVERIFY(m_window->isVisible());
-        answer([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
+        withDialog<QMessageBox>([](QMessageBox *box) { box->button(QMessageBox::Discard)->click(); });
         QVERIFY(m_window->close());
     }
 
@@ -334,24 +328,13 @@ private slots:
     {
         const QString path = file(QStringLiteral("dropped.glb"));
         QVERIFY(QFile::copy(m_window->files()->path(), path));
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(path)});
-        QDragEnterEvent enter(QPoint(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        enter.ignore();
-        QCoreApplication::sendEvent(m_window.get(), &enter);
-        QVERIFY(enter.isAccepted());
-        QDropEvent drop(QPointF(200, 200), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QVERIFY(wouldTake({path}));
         // The other program waits until the drop is taken, not until the file is open.
-        QCoreApplication::sendEvent(m_window.get(), &drop);
+        drop({path});
         QVERIFY(m_window->files()->path() != path);
         settle();
         QCOMPARE(m_window->files()->path(), path);
-        QMimeData other;
-        other.setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/picture.png"))});
-        QDragEnterEvent refused(QPoint(200, 200), Qt::CopyAction, &other, Qt::LeftButton, Qt::NoModifier);
-        refused.ignore();
-        QCoreApplication::sendEvent(m_window.get(), &refused);
-        QVERIFY(!refused.isAccepted());
+        QVERIFY(!wouldTake({QStringLiteral("/tmp/picture.png")}));
     }
 
     void layoutAndLookAreRemembered()
@@ -407,25 +390,6 @@ private:
     {
         auto *proxy = qobject_cast<QSortFilterProxyModel *>(tree()->model());
         return proxy->mapFromSource(m_window->scenePane()->model()->indexOf(node));
-    }
-    void edit()
-    {
-        RyUndoStackHold hold;
-        m_scene->findNode(QStringLiteral("lForearm"))->getZRotControl()->setValue(20);
-        hold.accept(QStringLiteral("Bend"));
-    }
-    /// Acts on the next message box.
-    void answer(const std::function<void(QMessageBox *)> &act)
-    {
-        auto *timer = new QTimer(this);
-        connect(timer, &QTimer::timeout, this, [timer, act] {
-            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
-                timer->deleteLater();
-                timer->stop();
-                act(box);
-            }
-        });
-        timer->start(5);
     }
 };
 

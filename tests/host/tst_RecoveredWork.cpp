@@ -1,18 +1,14 @@
 #include "host/WindowStage.h"
+#include "recovery/leaveUnsaved.h"
 #include "support/RyTest.h"
 
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyFloatProperty.h"
-#include "rycore/io/snapshot/RySceneSnapshot.h"
-#include "rycore/io/snapshot/RySnapshotStore.h"
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
-#include "rycore/undo/RyUndoStackHold.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/recovery/Autosave.h"
-#include "ryhost/recovery/AutosaveSettings.h"
-#include "ryhost/recovery/RecoveryInfo.h"
 #include "ryhost/recovery/recoverUnsavedWork.h"
 
 #include <QAction>
@@ -132,25 +128,11 @@ private:
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    RyNode *forearm() const { return m_scene->findNode(QStringLiteral("lForearm")); }
-    void bend(float degrees)
-    {
-        RyUndoStackHold hold;
-        forearm()->getZRotControl()->setValue(degrees);
-        hold.accept(QStringLiteral("Bend"));
-    }
     /// An edit, the program's end without a word, the next start, and the answer of who wants the work back.
     void crashAndRecover()
     {
         bend(20);
-        QString error;
-        RySnapshotParts parts = RySceneSnapshot::take(*m_scene, false, &error)->parts();
-        parts.push_back({RecoveryInfo::PartName, RecoveryInfo::of(*m_window->files(), {}).toBytes(), false, {}});
-        {
-            const auto session = RecoverySession::create(AutosaveSettings::ordinaryFolder(), &error);
-            QVERIFY2(session, qPrintable(error));
-            QVERIFY2(RySnapshotStore(session->folder()).write(parts, &error), qPrintable(error));
-        }
+        QCOMPARE(leaveUnsaved(*m_scene, RecoveryInfo::of(*m_window->files(), {})), QString());
         close();
         QVERIFY(openAgain());
         m_autosave = std::make_unique<Autosave>(*m_scene, *m_window->files());

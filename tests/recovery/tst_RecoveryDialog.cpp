@@ -1,5 +1,6 @@
 #include "foreign/ForeignSketch.h"
 #include "recovery/AutosaveStage.h"
+#include "recovery/leaveUnsaved.h"
 #include "support/RyTest.h"
 
 #include "rycore/automation/RyDialogDriver.h"
@@ -248,7 +249,7 @@ private slots:
         QString error;
         QVERIFY2(RySnapshotStore::read(kept().front(), &parts, &error), qPrintable(error));
         reset();
-        leaveParts(parts);
+        QCOMPARE(leaveUnsaved(parts), QString());
         QCOMPARE(recoverOne(),
                  QStringLiteral("It was read from %1, which stays as it is, and never saved; saving it asks "
                                 "where.\nThe undo history is gone.")
@@ -395,17 +396,7 @@ private:
     /// What a program that was killed would leave of the present scene.
     void leave(const RecoveryInfo &about)
     {
-        QString error;
-        RySnapshotParts parts = RySceneSnapshot::take(*ryScene(), false, &error)->parts();
-        parts.push_back({RecoveryInfo::PartName, about.toBytes(), false, {}});
-        leaveParts(parts);
-    }
-    void leaveParts(const RySnapshotParts &parts)
-    {
-        QString error;
-        const auto session = RecoverySession::create(settings() + QStringLiteral("/autosave"), &error);
-        QVERIFY2(session, qPrintable(error));
-        QVERIFY2(RySnapshotStore(session->folder()).write(parts, &error), qPrintable(error));
+        QCOMPARE(leaveUnsaved(*ryScene(), about), QString());
         QTest::qWait(2); // names are told apart by the millisecond
     }
     /// Brings back the only one; gives what was said of it.

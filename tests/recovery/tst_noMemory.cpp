@@ -1,5 +1,6 @@
 #include "recovery/AllocationFailure.h"
 #include "recovery/AutosaveStage.h"
+#include "recovery/leaveUnsaved.h"
 #include "support/RyTest.h"
 
 #include "rycore/io/snapshot/RySceneSnapshot.h"
@@ -130,15 +131,7 @@ private:
     /// Each one at first, then ever fewer.
     static int next(int before) { return before + 1 + before / 8; }
     static QStringList left() { return RecoverySession::leftBehind(AutosaveSettings::global().searchedFolders()); }
-    void leave()
-    {
-        QString error;
-        RySnapshotParts parts = RySceneSnapshot::take(*ryScene(), false, &error)->parts();
-        parts.push_back({RecoveryInfo::PartName, RecoveryInfo::of(*m_files, {}).toBytes(), false, {}});
-        const auto session = RecoverySession::create(AutosaveSettings::ordinaryFolder(), &error);
-        QVERIFY2(session, qPrintable(error));
-        QVERIFY2(RySnapshotStore(session->folder()).write(parts, &error), qPrintable(error));
-    }
+    void leave() { QCOMPARE(leaveUnsaved(*ryScene(), RecoveryInfo::of(*m_files, {})), QString()); }
 };
 
 RY_TEST(NoMemoryTest)
