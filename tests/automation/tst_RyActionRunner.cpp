@@ -129,6 +129,11 @@ private slots:
         QTest::newRow("lower case") << QStringLiteral("ryjeplainaction") << QStringLiteral("RyJEPlainAction");
         QTest::newRow("a letter off") << QStringLiteral("RyJEReuseAction") << QStringLiteral("RyJERefuseAction");
         QTest::newRow("swapped") << QStringLiteral("RyJECuontAction") << QStringLiteral("RyJECountAction");
+        QTest::newRow("several") << QStringLiteral("RefusePlain")
+                                 << QStringLiteral(" (did you mean RyJERefuseAction or RyJEPlainAction?).");
+        // As far off as no other name would be offered.
+        QTest::newRow("two of five letters off")
+            << QStringLiteral("RyJECxyntAction") << QStringLiteral("; there is RyJEAskAction, RyJECountAction, ");
         QTest::newRow("nothing alike") << QStringLiteral("Frobnicate")
                                        << QStringLiteral(
                                               "RyJEAskAction, RyJECountAction, RyJEPlainAction, RyJERefuseAction");

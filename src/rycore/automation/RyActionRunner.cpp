@@ -3,14 +3,13 @@
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/automation/RyDialogVerdict.h"
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/base/RyTextDistance.h"
+#include "rycore/base/RyNearTexts.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
 #include "rycore/ui/RyActionMgr.h"
 
 #include <QCoreApplication>
-
-#include <algorithm>
+#include <QMultiMap>
 
 namespace {
 
@@ -130,24 +129,16 @@ QString RyActionRunner::unknownReason(const QString &className) const
     const QStringList near = nearNames(className);
     return near.isEmpty()
                ? Texts::tr("There is no action %1; there is %2.").arg(className, names().join(QStringLiteral(", ")))
-               : Texts::tr("There is no action %1 (did you mean %2?).").arg(className, near.join(Texts::tr(" or ")));
+               : Texts::tr("There is no action %1%2.").arg(className, ryDidYouMean(near, QString()));
 }
 
 QStringList RyActionRunner::nearNames(const QString &name) const
 {
-    constexpr int MostNear = 4;
-    const QString wanted = stem(name);
-    std::vector<std::pair<int, QString>> near;
-    for (const QString &className : names()) {
-        const QString known = stem(className);
-        const int distance = ryTextDistance(wanted, known);
-        const bool contained = wanted.size() > 2 && (known.contains(wanted) || wanted.contains(known));
-        if (contained || distance <= std::max(2, int(known.size()) / 4))
-            near.emplace_back(distance, className);
-    }
-    std::sort(near.begin(), near.end());
-    QStringList found;
-    for (size_t i = 0; i < near.size() && i < MostNear; ++i)
-        found.append(near[i].second);
-    return found;
+    QMultiMap<QString, QString> byStem;
+    for (const QString &className : names())
+        byStem.insert(stem(className), className);
+    QStringList near;
+    for (const QString &each : ryNearTexts(stem(name), byStem.uniqueKeys()))
+        near += byStem.values(each);
+    return near;
 }
