@@ -282,7 +282,7 @@ QByteArray RyForeignLooks::beside(const QString &name) const
         } catch (const RyGltfError &refusal) {
             if (way == path)
                 continue; // a path of another machine
-            m_input.say(QStringLiteral("The picture \"%1\" is left out: %2").arg(plain, refusal.message));
+            m_input.say(QStringLiteral("The picture \"%1\" is left out: %2").arg(plain, refusal.message()));
             return {};
         }
     }

@@ -126,7 +126,7 @@ bool ryReadForeign(const RyForeignRequest &request, RyForeignResult &result)
     try {
         return read(request, result);
     } catch (const RyGltfError &refusal) {
-        result.error = refusal.message;
+        result.error = refusal.message();
     } catch (const std::exception &failure) {
         result.error = RyForeignFile::explain(QString::fromUtf8(failure.what()));
     }

@@ -41,7 +41,7 @@ bool RyObjLooks::readFile(const QString &name, const QString &what, QByteArray &
             m_files.append(name);
         return true;
     } catch (const RyGltfError &refusal) {
-        say(QStringLiteral("The %1 \"%2\" is left out: %3").arg(what, name.left(200), refusal.message));
+        say(QStringLiteral("The %1 \"%2\" is left out: %3").arg(what, name.left(200), refusal.message()));
         return false;
     }
 }

@@ -1,7 +1,6 @@
 #include "rycore/io/snapshot/RySceneSnapshot.h"
 
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/io/gltf/file/RyGltfError.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
 #include "rycore/io/gltf/save/RyGltfJoin.h"
 #include "rycore/io/gltf/save/RyGltfNewNodes.h"
@@ -94,8 +93,6 @@ std::optional<RySceneSnapshot> RySceneSnapshot::take(const RyScene &scene, bool 
         return snapshot;
     } catch (const std::bad_alloc &) {
         *error = QStringLiteral("the scene needs more memory than this machine has");
-    } catch (const RyGltfError &refusal) {
-        *error = refusal.message;
     } catch (const std::exception &failure) {
         *error = QString::fromUtf8(failure.what());
     }

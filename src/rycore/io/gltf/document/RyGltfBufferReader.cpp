@@ -49,7 +49,7 @@ void RyGltfBufferReader::readBuffers(const QByteArray &owner, const QByteArray &
                 throw RyGltfError{QStringLiteral("has neither a URI nor a binary chunk")};
             }
         } catch (const RyGltfError &error) {
-            cursor.refuse(error.message);
+            cursor.refuse(error.message());
         }
         const std::uint64_t size = std::uint64_t(buffer.original.size());
         if (size < length)

@@ -96,8 +96,6 @@ static std::unique_ptr<RyGltfDocument> readOrRefuse(const QString &path, QString
     QString reason;
     try {
         return read();
-    } catch (const RyGltfError &refusal) {
-        reason = refusal.message;
     } catch (const std::bad_alloc &) {
         reason = QStringLiteral("there is not enough memory");
     } catch (const std::exception &exception) {
@@ -194,8 +192,6 @@ bool RyGltfDocument::refresh(QString *error)
             throw RyGltfError{QStringLiteral("buffers: were added or removed")};
         d->readModel(nullptr);
         return true;
-    } catch (const RyGltfError &refusal) {
-        reason = refusal.message;
     } catch (const std::exception &exception) {
         reason = QString::fromUtf8(exception.what());
     }

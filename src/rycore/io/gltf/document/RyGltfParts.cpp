@@ -162,8 +162,6 @@ std::unique_ptr<RyGltfDocument> RyGltfParts::document(QString *error, QStringLis
         const QByteArray bytes = RyGltfWriter(*whole).toBytes(ending, elsewhere, &reason);
         if (!bytes.isEmpty())
             return RyGltfWriter::reopen(path, bytes, warnings);
-    } catch (const RyGltfError &refusal) {
-        reason = refusal.message;
     } catch (const std::bad_alloc &) {
         reason = QStringLiteral("there is not enough memory");
     } catch (const std::exception &exception) {

@@ -1,6 +1,5 @@
 #include "rycore/io/gltf/document/RyGltfWriter.h"
 
-#include "rycore/io/gltf/file/RyGltfError.h"
 #include "rycore/io/gltf/file/RyGltfJson.h"
 #include "rycore/io/gltf/file/RyGltfUri.h"
 
@@ -36,8 +35,6 @@ QByteArray RyGltfWriter::toBytes(const QString &ending, bool elsewhere, QString 
         if (name == QLatin1String("gltf"))
             return compose(Private::TextForm, elsewhere);
         reason = QStringLiteral("\"%1\" is neither glb nor gltf").arg(ending);
-    } catch (const RyGltfError &refusal) {
-        reason = refusal.message;
     } catch (const std::bad_alloc &) {
         reason = QStringLiteral("there is not enough memory");
     } catch (const std::exception &exception) {
