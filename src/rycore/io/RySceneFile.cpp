@@ -4,7 +4,7 @@
 #include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/RyWaiting.h"
 #include "rycore/io/foreign/RyForeignImport.h"
-#include "rycore/io/gltf/document/RyGltfWriter.h"
+#include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/extras/RyFigureExtras.h"
 #include "rycore/io/gltf/extras/RyOwnExtras.h"
 #include "rycore/io/gltf/open/RyGltfSceneReader.h"
@@ -97,7 +97,7 @@ std::unique_ptr<RyGltfDocument> readForeign(const QString &path, const RySceneFi
     std::unique_ptr<RyGltfDocument> document;
     const auto use = [&](const QByteArray &glb) {
         QString reason;
-        waiting.run([&] { document = RyGltfWriter::reopen(path, glb, &reason, messages); });
+        waiting.run([&] { document = RyGltfDocument::fromBytes(path, glb, &reason, messages); });
         if (!document)
             RyMessageLog::global().warning(reason);
         return document != nullptr;

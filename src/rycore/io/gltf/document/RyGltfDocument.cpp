@@ -108,19 +108,18 @@ static std::unique_ptr<RyGltfDocument> readOrRefuse(const QString &path, QString
 
 std::unique_ptr<RyGltfDocument> RyGltfDocument::read(const QString &path, QString *error, QStringList *warnings)
 {
-    return readOrRefuse(path, error, [&] { return RyGltfWriter::reopen(path, RyGltfUri::readFile(path), warnings); });
+    return readOrRefuse(path, error, [&] { return parse(path, RyGltfUri::readFile(path), warnings); });
 }
 
-std::unique_ptr<RyGltfDocument> RyGltfWriter::reopen(const QString &path, const QByteArray &bytes, QString *error,
-                                                     QStringList *warnings)
+std::unique_ptr<RyGltfDocument> RyGltfDocument::fromBytes(const QString &path, const QByteArray &bytes, QString *error,
+                                                          QStringList *warnings)
 {
-    return readOrRefuse(path, error, [&] { return reopen(path, bytes, warnings); });
+    return readOrRefuse(path, error, [&] { return parse(path, bytes, warnings); });
 }
 
-std::unique_ptr<RyGltfDocument> RyGltfWriter::reopen(const QString &path, const QByteArray &bytes,
-                                                     QStringList *warnings)
+std::unique_ptr<RyGltfDocument> RyGltfDocument::parse(const QString &path, const QByteArray &bytes,
+                                                      QStringList *warnings)
 {
-    using Private = RyGltfDocument::Private;
     std::unique_ptr<RyGltfDocument> document(new RyGltfDocument);
     Private &d = *document->d;
     d.path = path.isEmpty() ? QString() : QFileInfo(path).absoluteFilePath();

@@ -29,6 +29,11 @@ public:
     /// Reads and checks a file. Null with a message that names what is wrong and where ("skins[0].joints[3]: node 99
     /// does not exist") when it must be refused; `warnings` gets what was repaired.
     static std::unique_ptr<RyGltfDocument> read(const QString &path, QString *error, QStringList *warnings = nullptr);
+    /// The same for bytes that a file at `path` would hold; an empty path for none.
+    static std::unique_ptr<RyGltfDocument> fromBytes(const QString &path, const QByteArray &bytes, QString *error,
+                                                     QStringList *warnings);
+    /// The same. Throws RyGltfError, and what the library of the tree throws, where `read` would refuse.
+    static std::unique_ptr<RyGltfDocument> parse(const QString &path, const QByteArray &bytes, QStringList *warnings);
     /// An empty document with asset, one scene and no nodes.
     static std::unique_ptr<RyGltfDocument> create();
     ~RyGltfDocument();

@@ -161,7 +161,7 @@ std::unique_ptr<RyGltfDocument> RyGltfParts::document(QString *error, QStringLis
         const QString ending = isBinary ? QStringLiteral("glb") : QStringLiteral("gltf");
         const QByteArray bytes = RyGltfWriter(*whole).toBytes(ending, elsewhere, &reason);
         if (!bytes.isEmpty())
-            return RyGltfWriter::reopen(path, bytes, warnings);
+            return RyGltfDocument::parse(path, bytes, warnings);
     } catch (const std::bad_alloc &) {
         reason = QStringLiteral("there is not enough memory");
     } catch (const std::exception &exception) {

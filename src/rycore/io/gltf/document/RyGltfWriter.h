@@ -17,11 +17,6 @@ public:
     static RyGltfParts partsOf(const RyGltfDocument &document);
     /// A document of these parts that is good for being written, and nothing else: without a model.
     static std::unique_ptr<RyGltfDocument> assemble(const RyGltfParts &parts);
-    /// What a file with these bytes would be opened as at `path`. Throws RyGltfError and what the library throws.
-    static std::unique_ptr<RyGltfDocument> reopen(const QString &path, const QByteArray &bytes, QStringList *warnings);
-    /// Likewise; null with the message that `RyGltfDocument::read` would give.
-    static std::unique_ptr<RyGltfDocument> reopen(const QString &path, const QByteArray &bytes, QString *error,
-                                                  QStringList *warnings);
 
 private:
     using Json = nlohmann::ordered_json;
