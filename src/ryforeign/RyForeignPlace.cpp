@@ -26,11 +26,7 @@ struct Extent
         }
     }
     double size(int axis) const { return std::max(0.0, high[axis] - low[axis]); }
-    double height() const
-    {
-        const double largest = std::max({size(0), size(1), size(2)});
-        return size(1) > 0.01 * largest ? size(1) : largest;
-    }
+    double height() const { return ryFigureHeight(size(0), size(1), size(2)); }
 };
 
 int stated(const aiScene &scene, const char *key, int otherwise)

@@ -117,7 +117,7 @@ void logFailure(const QString &path, const std::exception &failure)
 /// Centimetres per unit that whoever opens the file takes it for when it does not say so.
 double guessUnit(const RyScene &scene, double unit)
 {
-    float largest = 0.0f;
+    double largest = 0.0;
     for (const RySkeleton *skeleton : scene.getSkeletons()) {
         RyBox3 box;
         if (const RyShape *shape = RyShape::getCurrentShapeForNode(skeleton)) {
@@ -125,10 +125,9 @@ double guessUnit(const RyScene &scene, double unit)
                 box.include(point);
         }
         const RyVec3 extents = box.getExtents();
-        const float extent = std::max({extents.x, extents.y, extents.z});
-        largest = std::max(largest, extents.y > 0.01f * extent ? extents.y : extent);
+        largest = std::max(largest, ryFigureHeight(double(extents.x), double(extents.y), double(extents.z)));
     }
-    return ryUnitFactor(100.0, double(largest) / unit);
+    return ryUnitFactor(100.0, largest / unit);
 }
 
 bool write(const RyScene &scene, const RyGltfDocument &document, const QString &path,

@@ -1,5 +1,6 @@
 #include "rycore/io/RyUnitFactor.h"
 
+#include <algorithm>
 #include <cmath>
 
 double ryUnitFactor(double nominal, double height)
@@ -9,4 +10,10 @@ double ryUnitFactor(double nominal, double height)
         return nominal;
     const double power = std::round(std::log10(170.0 / height));
     return std::pow(10.0, power);
+}
+
+double ryFigureHeight(double x, double y, double z)
+{
+    const double largest = std::max({x, y, z});
+    return y > 0.01 * largest ? y : largest;
 }

@@ -32,8 +32,7 @@ double heightOf(const RyObjFile &file)
             high[axis] = std::max(high[axis], p[axis]);
         }
     }
-    const double largest = std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]});
-    return high[1] - low[1] > 0.01 * largest ? high[1] - low[1] : largest;
+    return ryFigureHeight(high[0] - low[0], high[1] - low[1], high[2] - low[2]);
 }
 
 /// Whether the mesh still has the facets and groups of the file.

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 
+#include "rycore/io/RyUnitFactor.h"
 #include "rycore/math/RyBox3.h"
 #include "rycore/mesh/RyVertexMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -44,8 +45,7 @@ double ryMeshHeight(const std::vector<RyVec3> &positions)
     for (const RyVec3 &position : positions)
         box.include(position);
     const RyVec3 extents = box.getExtents();
-    const float largest = std::max({extents.x, extents.y, extents.z});
-    return double(extents.y > 0.01f * largest ? extents.y : largest);
+    return ryFigureHeight(double(extents.x), double(extents.y), double(extents.z));
 }
 
 quint64 ryPositionsHash(const RyNode &node)

@@ -265,9 +265,7 @@ double RyGltfSceneReader::findUnit() const
                 }
             }
         }
-        const double extent = std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]});
-        if (extent > 0.0)
-            largest = std::max(largest, high[1] - low[1] > 0.01 * extent ? high[1] - low[1] : extent);
+        largest = std::max(largest, ryFigureHeight(high[0] - low[0], high[1] - low[1], high[2] - low[2]));
     }
     return ryUnitFactor(100.0, largest);
 }

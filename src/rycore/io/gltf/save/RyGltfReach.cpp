@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfReach.h"
 
+#include "rycore/io/RyUnitFactor.h"
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyGltfFigureSource.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
@@ -99,6 +100,5 @@ void RyGltfReach::measure(const RyNode &figure)
         }
     }
     const RyVec3 size = box.getExtents();
-    const float largest = std::max({size.x, size.y, size.z});
-    m_heights[&figure] = double(size.y > 0.01f * largest ? size.y : largest);
+    m_heights[&figure] = ryFigureHeight(double(size.x), double(size.y), double(size.z));
 }
