@@ -39,8 +39,9 @@ public:
     void setSelectionMap(RySelectionMap *map);
 
     /// Replaces a skeleton by a prop of that name with the same object, at rest; its bones go, what else hung on them
-    /// hangs on the prop and stays where it is in the world. Figures without bones of their own that its bones moved
-    /// become props likewise. The prop is selected where the skeleton was. One undo step of its own. Null for null.
+    /// hangs on the prop and stays where it is in the world. Of the figures that its bones moved, those without bones
+    /// of their own become props likewise; in the others their first own bone takes over what its bones held. The prop
+    /// is selected where the skeleton was. One undo step of its own. Null for null.
     static RyNode *convertFigureToProp(RySkeleton *skeleton, const QString &name);
 
     /// The followed skeleton and the face groups of duplicated bones, pointing at the duplicates.
