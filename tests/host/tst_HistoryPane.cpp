@@ -18,6 +18,7 @@
 #include <QAbstractItemModelTester>
 #include <QDockWidget>
 #include <QLabel>
+#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTreeView>
 
@@ -129,6 +130,32 @@ private slots:
             checkPresent(2);
         }
         checkPresent(2);
+    }
+
+    /// A long history costs nobody anything who does not look at it, and a way through it is one change.
+    void nothingIsListedUnseen()
+    {
+        bend(10);
+        dock()->close();
+        QSignalSpy listed(list()->model(), &QAbstractItemModel::dataChanged);
+        QSignalSpy inserted(list()->model(), &QAbstractItemModel::rowsInserted);
+        for (int i = 2; i <= 30; ++i)
+            bend(float(i * 3));
+        ryUndoStack()->undo();
+        QCOMPARE(listed.size(), 0);
+        QCOMPARE(inserted.size(), 0);
+        dock()->toggleViewAction()->trigger();
+        settle();
+        QCOMPARE(inserted.size(), 1);
+        QCOMPARE(list()->model()->rowCount(), 31);
+        QCOMPARE(state().left(9), QStringLiteral("29 edits "));
+        checkPresent(29);
+        listed.clear();
+        click(3);
+        QCOMPARE(ryUndoStack()->index(), 3);
+        QCOMPARE(listed.size(), 1);
+        QCOMPARE(inserted.size(), 1);
+        checkPresent(3);
     }
 
     void theSavedStateIsMarked()

@@ -1,8 +1,13 @@
 #include "support/RyTest.h"
 #include "undo/UndoToys.h"
 
-#include "rycore/undo/RyUndoHistory.h"
+#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
+
+#include <QDateTime>
+#include <QSignalSpy>
+
+#include <utility>
 
 /// What a list of the steps shows: where one is, which state is the saved one, what came after it and when.
 class UndoHistoryTest : public QObject
@@ -35,34 +40,73 @@ private slots:
     {
         addSteps(4);
         for (int index : {1, 4, 0, 3, 3}) {
-            QVERIFY(RyUndoHistory::walk(*stack, index));
+            QVERIFY(stack->goTo(index));
             QCOMPARE(stack->index(), index);
             QCOMPARE(toy.value, index);
             QCOMPARE(stack->count(), 4);
         }
-        QVERIFY(!RyUndoHistory::walk(*stack, -1));
-        QVERIFY(!RyUndoHistory::walk(*stack, 5));
+        QVERIFY(!stack->goTo(-1));
+        QVERIFY(!stack->goTo(5));
         QCOMPARE(toy.value, 3);
         RyUndoStackHold hold;
-        QVERIFY(!RyUndoHistory::walk(*stack, 0));
+        QVERIFY(!stack->goTo(0));
         QCOMPARE(toy.value, 3);
+    }
+
+    /// Who shows the steps shows them once, not once for each of them.
+    void announcesAWalkOnce()
+    {
+        addSteps(50);
+        QSignalSpy changes(stack, &RyUndoStack::changed), cleans(stack, &RyUndoStack::cleanChanged);
+        int index = -1;
+        const auto listening = connect(stack, &RyUndoStack::changed, this, [&] { index = stack->index(); });
+        QVERIFY(stack->goTo(3));
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(index, 3);
+        QCOMPARE(cleans.size(), 0);
+        QVERIFY(stack->goTo(0));
+        QCOMPARE(changes.size(), 2);
+        QCOMPARE(cleans, (QList<QVariantList>{{true}}));
+        QVERIFY(stack->goTo(0));
+        QVERIFY(!stack->goTo(51));
+        QCOMPARE(changes.size(), 2);
+        disconnect(listening);
+    }
+
+    /// Whoever takes hold of the scene on the way keeps it as it then is.
+    void aHoldEndsAWalk()
+    {
+        addSteps(4);
+        std::unique_ptr<RyUndoStackHold> hold;
+        bool isTaken = false; // a hold that opens is a change to come as well
+        const auto listening = connect(stack, &RyUndoStack::aboutToChange, this, [&] {
+            if (stack->index() == 2 && !std::exchange(isTaken, true))
+                hold = std::make_unique<RyUndoStackHold>();
+        });
+        QSignalSpy changes(stack, &RyUndoStack::changed);
+        QVERIFY(!stack->goTo(0));
+        disconnect(listening);
+        QCOMPARE(stack->index(), 2);
+        QCOMPARE(toy.value, 2);
+        QCOMPARE(changes.size(), 2); // the hold, and the walk
+        hold.reset();
+        QVERIFY(stack->goTo(0));
     }
 
     void knowsTheSavedState()
     {
-        QCOMPARE(RyUndoHistory(*stack).cleanIndex, 0);
+        QCOMPARE(stack->cleanIndex(), 0);
         addSteps(2);
-        QCOMPARE(RyUndoHistory(*stack).cleanIndex, 0);
+        QCOMPARE(stack->cleanIndex(), 0);
         stack->setClean();
-        QCOMPARE(RyUndoHistory(*stack).cleanIndex, 2);
+        QCOMPARE(stack->cleanIndex(), 2);
         addSteps(1);
-        QVERIFY(RyUndoHistory::walk(*stack, 1));
-        const RyUndoHistory history(*stack);
-        QCOMPARE(history.cleanIndex, 2);
-        QCOMPARE(history.index, 1);
-        QCOMPARE(history.steps.size(), size_t(3));
+        QVERIFY(stack->goTo(1));
+        QCOMPARE(stack->cleanIndex(), 2);
+        QCOMPARE(stack->index(), 1);
+        QCOMPARE(stack->count(), 3);
         addSteps(1);
-        QCOMPARE(RyUndoHistory(*stack).cleanIndex, -1);
+        QCOMPARE(stack->cleanIndex(), -1);
     }
 
     void anUnrecordedEditLeadsAway()
@@ -70,36 +114,37 @@ private slots:
         addSteps(1);
         stack->setClean();
         toy.set(50);
-        QCOMPARE(RyUndoHistory(*stack).cleanIndex, -1);
+        QCOMPARE(stack->cleanIndex(), -1);
         QVERIFY(!stack->isClean());
     }
 
     void stepsAreToldApart()
     {
-        QCOMPARE(RyUndoHistory(*stack).lastNumber(), quint64(0));
+        QCOMPARE(stack->number(-1), quint64(0));
+        QCOMPARE(stack->number(0), quint64(0));
+        QVERIFY(!stack->time(0).isValid());
         const QDateTime before = QDateTime::currentDateTime();
         addSteps(2);
         {
             RyUndoStackHold hold;
             hold.accept(QStringLiteral("nothing"));
         }
-        const RyUndoHistory first(*stack);
-        for (size_t i = 0; i < first.steps.size(); ++i) {
-            QVERIFY(first.steps[i].time >= before && first.steps[i].time <= QDateTime::currentDateTime());
-            QVERIFY(first.steps[i].number > (i > 0 ? first.steps[i - 1].number : 0));
+        for (int i = 0; i < stack->count(); ++i) {
+            QVERIFY(stack->time(i) >= before && stack->time(i) <= QDateTime::currentDateTime());
+            QVERIFY(stack->number(i) > stack->number(i - 1));
         }
-        QCOMPARE(first.steps[0].caption, QStringLiteral("step"));
-        QVERIFY(!first.steps[0].isEmpty && first.steps[2].isEmpty);
-        QCOMPARE(first.lastNumber(), first.steps[2].number);
+        QCOMPARE(stack->caption(0), QStringLiteral("step"));
+        QVERIFY(stack->entryCount(0) > 0 && stack->entryCount(2) == 0);
+        const quint64 second = stack->number(1), third = stack->number(2);
         stack->undo();
-        QCOMPARE(RyUndoHistory(*stack).steps[2].number, first.steps[2].number);
+        QCOMPARE(stack->number(2), third);
         addSteps(1);
-        const RyUndoHistory second(*stack);
-        QCOMPARE(second.steps[1].number, first.steps[1].number);
-        QVERIFY(second.steps[2].number > first.steps[2].number);
+        QCOMPARE(stack->number(1), second);
+        const quint64 last = stack->number(2);
+        QVERIFY(last > third);
         stack->clearAll();
         addSteps(1);
-        QVERIFY(RyUndoHistory(*stack).lastNumber() > second.lastNumber());
+        QVERIFY(stack->number(0) > last);
     }
 };
 

@@ -2,8 +2,8 @@
 
 #include "rycore/undo/RyUndoStack.h"
 
-/// Goes back where no step leads: takes the history of a stack and puts it in place again. For the stack's observer,
-/// which does not outlive it, and for lists of steps.
+/// Goes back where no step leads: takes the history of a stack and puts it in place again. For who does not
+/// outlive the stack.
 class RyUndoHistoryAccess
 {
 public:
@@ -14,7 +14,6 @@ public:
     /// Neither a hold is open nor a change being swapped or discarded.
     bool isIdle() const { return m_stack->isIdle(); }
     History history() const { return m_stack->history(); }
-    static History historyOf(const RyUndoStack &stack) { return stack.history(); }
     /// Runs `swapAll`, which leads to the state that the history belongs to, as undo runs, then puts the history in
     /// place.
     void exchangeHistory(const History &history, const std::function<void()> &swapAll)

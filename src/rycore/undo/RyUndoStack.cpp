@@ -215,26 +215,40 @@ void RyUndoStack::swapStep(RyUndoStep &step, bool done)
     aside.clear();
 }
 
+/// Redoes the step behind the present state, or undoes the one before it.
+void RyUndoStack::swapNext(bool done)
+{
+    const std::shared_ptr<RyUndoStep> step = d->steps[size_t(done ? d->index++ : --d->index)];
+    d->noteSwap(step, done);
+    swapStep(*step, done);
+}
+
 void RyUndoStack::undo()
 {
-    if (!canUndo())
-        return;
-    const std::shared_ptr<RyUndoStep> step = d->steps[size_t(--d->index)];
-    d->noteSwap(step, false);
-    swapStep(*step, false);
-    updateClean();
-    emit changed();
+    if (canUndo())
+        goTo(d->index - 1);
 }
 
 void RyUndoStack::redo()
 {
-    if (!canRedo())
-        return;
-    const std::shared_ptr<RyUndoStep> step = d->steps[size_t(d->index++)];
-    d->noteSwap(step, true);
-    swapStep(*step, true);
-    updateClean();
-    emit changed();
+    if (canRedo())
+        goTo(d->index + 1);
+}
+
+bool RyUndoStack::goTo(int index)
+{
+    if (index < 0 || index > count())
+        return false;
+    bool isSwapped = false;
+    for (; d->index > index && canUndo(); isSwapped = true)
+        swapNext(false);
+    for (; d->index < index && canRedo(); isSwapped = true)
+        swapNext(true);
+    if (isSwapped) {
+        updateClean();
+        emit changed();
+    }
+    return d->index == index;
 }
 
 bool RyUndoStack::canUndo() const
@@ -260,6 +274,16 @@ int RyUndoStack::index() const
 QString RyUndoStack::caption(int step) const
 {
     return step >= 0 && step < count() ? d->steps[size_t(step)]->caption : QString();
+}
+
+QDateTime RyUndoStack::time(int step) const
+{
+    return step >= 0 && step < count() ? d->steps[size_t(step)]->time : QDateTime();
+}
+
+quint64 RyUndoStack::number(int step) const
+{
+    return step >= 0 && step < count() ? d->steps[size_t(step)]->number : 0;
 }
 
 QString RyUndoStack::undoText() const
@@ -309,6 +333,11 @@ void RyUndoStack::setClean()
 bool RyUndoStack::isClean() const
 {
     return d->isClean();
+}
+
+int RyUndoStack::cleanIndex() const
+{
+    return d->cleanIndex;
 }
 
 void RyUndoStack::updateClean()

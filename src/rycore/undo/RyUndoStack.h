@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class QDateTime;
 class RyUndoObserver;
 class RyUndoStep;
 
@@ -49,10 +50,17 @@ public:
     void redo();
     bool canUndo() const;
     bool canRedo() const;
+    /// Undoes or redoes until so many steps are done, and announces that as one change. False when there are not so
+    /// many, and while undo and redo do nothing; a listener who opens a hold on the way ends it at the step reached.
+    bool goTo(int index);
     /// Number of steps, undone ones included; `index()` of them are done.
     int count() const;
     int index() const;
     QString caption(int step) const;
+    /// When a step was made; invalid for one that is not there.
+    QDateTime time(int step) const;
+    /// Tells a step from all others, dropped ones too, and grows from step to step; 0 for one that is not there.
+    quint64 number(int step) const;
     QString undoText() const;
     QString redoText() const;
     /// Number of changes in a step: what a drag of many moves is measured by.
@@ -65,6 +73,8 @@ public:
     /// recorded.
     void setClean();
     bool isClean() const;
+    /// How many steps are done in the saved state; -1 when none of them leads there.
+    int cleanIndex() const;
 
     /// At most one; it goes before the stack does.
     void setObserver(std::unique_ptr<RyUndoObserver> observer);
@@ -91,6 +101,7 @@ private:
         int cleanIndex = 0;
     };
     unsigned wants(const RyUndoKey &key);
+    void swapNext(bool done);
     void swapStep(RyUndoStep &step, bool done);
     void append(const RyUndoKey &key, std::shared_ptr<RyUndoItem> item, unsigned takers);
     // For RyUndoHistoryAccess, which documents them.

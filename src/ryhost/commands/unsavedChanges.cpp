@@ -1,6 +1,5 @@
 #include "ryhost/commands/unsavedChanges.h"
 
-#include "rycore/undo/RyUndoHistory.h"
 #include "rycore/undo/RyUndoStack.h"
 
 #include <QCoreApplication>
@@ -26,22 +25,16 @@ struct Difference
     bool areUndone = false;        // taken back
     bool noWayBack = false;        // no step leads to the saved state
 
-    Difference(const RyUndoHistory &history, const SavedState &saved)
-        : areUndone(history.cleanIndex > history.index), noWayBack(history.cleanIndex < 0)
+    Difference(const RyUndoStack &stack, const SavedState &saved)
+        : areUndone(stack.cleanIndex() > stack.index()), noWayBack(stack.cleanIndex() < 0)
     {
-        const int first = noWayBack ? 0 : std::min(history.cleanIndex, history.index);
-        for (int i = first; i < std::max(history.cleanIndex, history.index); ++i) {
-            const RyUndoHistory::Step &step = history.steps[size_t(i)];
-            if (!step.isEmpty && (!noWayBack || step.number > saved.lastStep))
-                captions.push_back(step.caption);
+        const int first = noWayBack ? 0 : std::min(stack.cleanIndex(), stack.index());
+        for (int i = first; i < std::max(stack.cleanIndex(), stack.index()); ++i) {
+            if (stack.entryCount(i) > 0 && (!noWayBack || stack.number(i) > saved.lastStep))
+                captions.push_back(stack.caption(i));
         }
     }
 };
-
-Difference differenceOf(const RyUndoStack &stack, const SavedState &saved)
-{
-    return {RyUndoHistory(stack), saved};
-}
 
 QString editsText(int count)
 {
@@ -87,7 +80,8 @@ QString timeTextOf(const QDateTime &time)
 
 SavedState SavedState::now(Kind kind)
 {
-    return {kind, QDateTime::currentDateTime(), ryUndoStack() ? RyUndoHistory(*ryUndoStack()).lastNumber() : 0, {}};
+    const RyUndoStack *stack = ryUndoStack();
+    return {kind, QDateTime::currentDateTime(), stack ? stack->number(stack->count() - 1) : 0, {}};
 }
 
 QString SavedState::text() const
@@ -110,14 +104,14 @@ QString SavedState::text() const
 
 bool hasEdits(const RyUndoStack &stack, const SavedState &saved)
 {
-    return !stack.isClean() && (saved.kind != SavedState::Imported || !differenceOf(stack, saved).captions.empty());
+    return !stack.isClean() && (saved.kind != SavedState::Imported || !Difference(stack, saved).captions.empty());
 }
 
 QString unsavedCountText(const RyUndoStack &stack, const SavedState &saved)
 {
     if (stack.isClean())
         return {};
-    const Difference difference = differenceOf(stack, saved);
+    const Difference difference(stack, saved);
     if (difference.captions.empty())
         return saved.kind == SavedState::Imported || saved.kind == SavedState::Recovered ? Unsaved::tr("unsaved")
                                                                                          : Unsaved::tr("changed");
@@ -131,7 +125,7 @@ QString unsavedChangesText(const RyUndoStack &stack, const SavedState &saved)
 {
     if (stack.isClean())
         return {};
-    const Difference difference = differenceOf(stack, saved);
+    const Difference difference(stack, saved);
     const QString since = saved.text();
     const QString edits = editsText(int(difference.captions.size()));
     const QString captions = captionsText(difference.captions);

@@ -4,7 +4,6 @@
 #include <QString>
 
 class RyUndoStack;
-struct RyUndoHistory;
 
 /// The state of the scene that the undo stack knows as the saved one: how it came to be, and when.
 struct SavedState
@@ -13,7 +12,7 @@ struct SavedState
     enum Kind { Started, Opened, Imported, Saved, Recovered };
     Kind kind = Started;
     QDateTime time;
-    quint64 lastStep = 0; // the largest number of a step then
+    quint64 lastStep = 0; // the number of the last step then
     QString file;         // the name of what was opened
 
     static SavedState now(Kind kind);

@@ -1,7 +1,7 @@
 #include "ryhost/menus/RestoreMenu.h"
 
 #include "rycore/app/RyMainWindow.h"
-#include "rycore/undo/RyUndoHistory.h"
+#include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "ryhost/commands/menuText.h"
 
@@ -79,8 +79,7 @@ void RestoreMenu::fillHistory()
         action->setCheckable(true);
         action->setChecked(done == stack->index());
         connect(
-            action, &QAction::triggered, this, [done] { RyUndoHistory::walk(*ryUndoStack(), done); },
-            Qt::QueuedConnection);
+            action, &QAction::triggered, this, [done] { ryUndoStack()->goTo(done); }, Qt::QueuedConnection);
     }
 }
 

@@ -12,7 +12,7 @@ HistoryModel::HistoryModel(RyUndoStack *stack, QObject *parent) : QAbstractTable
 
 int HistoryModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_shown.steps.size()) + 1;
+    return parent.isValid() ? 0 : int(m_steps.size()) + 1;
 }
 
 int HistoryModel::columnCount(const QModelIndex &parent) const
@@ -22,29 +22,30 @@ int HistoryModel::columnCount(const QModelIndex &parent) const
 
 void HistoryModel::refresh(const SavedState &saved)
 {
-    const RyUndoHistory fresh(*m_stack);
-    std::vector<RyUndoHistory::Step> &shown = m_shown.steps;
-    size_t same = 0;
-    while (same < std::min(fresh.steps.size(), shown.size()) && shown[same].number == fresh.steps[same].number)
+    int same = 0;
+    while (same < std::min(m_stack->count(), int(m_steps.size())) &&
+           m_steps[size_t(same)].number == m_stack->number(same))
         ++same;
-    if (same < shown.size()) {
-        beginRemoveRows(QModelIndex(), int(same) + 1, int(shown.size()));
-        shown.resize(same);
+    if (same < int(m_steps.size())) {
+        beginRemoveRows(QModelIndex(), same + 1, int(m_steps.size()));
+        m_steps.resize(size_t(same));
         endRemoveRows();
     }
-    if (same < fresh.steps.size()) {
-        beginInsertRows(QModelIndex(), int(same) + 1, int(fresh.steps.size()));
-        shown = fresh.steps;
+    if (same < m_stack->count()) {
+        beginInsertRows(QModelIndex(), same + 1, m_stack->count());
+        for (int step = same; step < m_stack->count(); ++step)
+            m_steps.push_back({m_stack->caption(step), m_stack->time(step), m_stack->number(step)});
         endInsertRows();
     }
-    m_shown = fresh;
+    m_index = m_stack->index();
+    m_cleanIndex = m_stack->cleanIndex();
     m_saved = saved;
     emit dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
 }
 
 QString HistoryModel::stepText(int row) const
 {
-    return row == 0 ? tr("Beginning") : m_shown.steps[size_t(row - 1)].caption;
+    return row == 0 ? tr("Beginning") : m_steps[size_t(row - 1)].caption;
 }
 
 QString HistoryModel::savedWord() const
@@ -66,8 +67,8 @@ QString HistoryModel::savedWord() const
 
 QString HistoryModel::timeText(int row) const
 {
-    const bool isSaved = row == m_shown.cleanIndex;
-    const QDateTime time = isSaved ? m_saved.time : row == 0 ? QDateTime() : m_shown.steps[size_t(row - 1)].time;
+    const bool isSaved = row == m_cleanIndex;
+    const QDateTime time = isSaved ? m_saved.time : row == 0 ? QDateTime() : m_steps[size_t(row - 1)].time;
     const QString text = time.isValid() ? timeTextOf(time) : QString();
     return isSaved ? tr("%1 %2").arg(savedWord(), text).trimmed() : text;
 }
@@ -75,11 +76,11 @@ QString HistoryModel::timeText(int row) const
 QString HistoryModel::spokenText(int row) const
 {
     QStringList parts{stepText(row)};
-    if (row == m_shown.index)
+    if (row == m_index)
         parts.append(tr("the present state"));
-    else if (row > m_shown.index)
+    else if (row > m_index)
         parts.append(tr("undone"));
-    if (row == m_shown.cleanIndex)
+    if (row == m_cleanIndex)
         parts.append(savedWord());
     return parts.join(QStringLiteral(", "));
 }
@@ -94,18 +95,17 @@ QVariant HistoryModel::data(const QModelIndex &index, int role) const
     case Qt::AccessibleTextRole:
         return index.column() == StepColumn ? spokenText(index.row()) : timeText(index.row());
     case Qt::ToolTipRole:
-        return index.row() == m_shown.index  ? tr("%1: the scene is here").arg(stepText(index.row()))
-               : index.row() < m_shown.index ? tr("%1: undoes everything after it").arg(stepText(index.row()))
-                                             : tr("%1: redoes up to here").arg(stepText(index.row()));
+        return index.row() == m_index  ? tr("%1: the scene is here").arg(stepText(index.row()))
+               : index.row() < m_index ? tr("%1: undoes everything after it").arg(stepText(index.row()))
+                                       : tr("%1: redoes up to here").arg(stepText(index.row()));
     case Qt::FontRole: {
         QFont font;
-        font.setBold(index.row() == m_shown.index);
+        font.setBold(index.row() == m_index);
         return font;
     }
     case Qt::ForegroundRole:
-        return index.row() > m_shown.index
-                   ? QVariant(QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text))
-                   : QVariant();
+        return index.row() > m_index ? QVariant(QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text))
+                                     : QVariant();
     default:
         return {};
     }

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "rycore/undo/RyUndoHistory.h"
 #include "ryhost/commands/unsavedChanges.h"
 
 #include <QAbstractTableModel>
+
+#include <vector>
 
 class RyUndoStack;
 
@@ -25,6 +26,12 @@ public:
     void refresh(const SavedState &saved);
 
 private:
+    struct Step
+    {
+        QString caption;
+        QDateTime time;
+        quint64 number = 0;
+    };
     QString stepText(int row) const;
     QString timeText(int row) const;
     QString savedWord() const;
@@ -32,6 +39,8 @@ private:
     QString spokenText(int row) const;
 
     RyUndoStack *m_stack;
-    RyUndoHistory m_shown;
+    std::vector<Step> m_steps;
+    int m_index = 0;      // how many of them are done
+    int m_cleanIndex = 0; // how many are in the saved state; -1 when none of them leads there
     SavedState m_saved;
 };

@@ -1,6 +1,5 @@
 #include "ryhost/panes/HistoryPane.h"
 
-#include "rycore/undo/RyUndoHistory.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/panes/HistoryModel.h"
@@ -40,7 +39,12 @@ HistoryPane::HistoryPane(HostFiles *files, QWidget *parent)
     connect(m_stack, &RyUndoStack::changed, this, &HistoryPane::refresh);
     connect(m_stack, &RyUndoStack::cleanChanged, this, &HistoryPane::refresh);
     connect(files, &HostFiles::titleChanged, this, &HistoryPane::refresh);
+}
+
+void HistoryPane::showEvent(QShowEvent *event)
+{
     refresh();
+    QWidget::showEvent(event);
 }
 
 void HistoryPane::goTo(int row)
@@ -49,7 +53,7 @@ void HistoryPane::goTo(int row)
     if (m_showing || row < 0 || row == m_stack->index())
         return;
     const QScopedValueRollback<bool> showing(m_showing, true);
-    if (RyUndoHistory::walk(*m_stack, row))
+    if (m_stack->goTo(row))
         return;
     emit messagePosted(tr("Finish what the mouse is dragging first."));
     // The list selects what was clicked once this returns.
@@ -58,6 +62,8 @@ void HistoryPane::goTo(int row)
 
 void HistoryPane::refresh()
 {
+    if (!isVisible())
+        return;
     const QString changes = m_files->unsavedChanges();
     m_state->setText(changes.isEmpty() ? tr("Nothing has changed since %1.").arg(m_files->savedState().text())
                                        : changes);

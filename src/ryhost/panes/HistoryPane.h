@@ -21,8 +21,12 @@ public:
 signals:
     void messagePosted(const QString &message);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void goTo(int row);
+    /// Nothing while it is hidden: it is made anew when it shows.
     void refresh();
 
     HostFiles *m_files;

@@ -7,7 +7,6 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/ui/RyActionMgr.h"
-#include "rycore/undo/RyUndoHistory.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "rycore/viewport/Ry3DViewport.h"
@@ -55,12 +54,12 @@ constexpr int DropPause = 200;     // milliseconds
 /// point, going back to that. Empty where nothing does.
 QString wayBack()
 {
-    const RyUndoHistory history(*ryUndoStack());
+    const RyUndoStack &stack = *ryUndoStack();
     const RyRestorePoints *points = ryRestorePoints();
-    const bool hasStep = history.index > 0;
-    if (points && points->count() > 0 && (!hasStep || points->time(0) >= history.steps[size_t(history.index - 1)].time))
+    const bool hasStep = stack.index() > 0;
+    if (points && points->count() > 0 && (!hasStep || points->time(0) >= stack.time(stack.index() - 1)))
         return points->text(0);
-    return ryUndoStack()->canUndo() ? HostWindow::tr("undo: %1").arg(ryUndoStack()->undoText()) : QString();
+    return stack.canUndo() ? HostWindow::tr("undo: %1").arg(stack.undoText()) : QString();
 }
 
 } // namespace
