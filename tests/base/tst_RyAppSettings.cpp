@@ -155,6 +155,43 @@ private slots:
         QCOMPARE(settings.getBoolValue("AxisHobble", true), false);
     }
 
+    void listsComeBackWhateverTheyHold()
+    {
+        RyAppSettings settings("G");
+        const QStringList list{"/a", "", "/line\nbreak", "[\"q\", %0a]", QString::fromUtf8(" \xC3\xA4\\ ")};
+        settings.setStringListValue("many", list);
+        settings.setStringListValue("none", {});
+        QCOMPARE(settings.getStringListValue("many"), list);
+        QCOMPARE(probe({"get", "G", "many", "list", "-"}), list.join('|').toUtf8().toHex());
+        QCOMPARE(settings.getStringListValue("none"), QStringList());
+        QCOMPARE(settings.getStringListValue("missing"), QStringList());
+        QCOMPARE(warnings(), QStringList());
+    }
+
+    void storedLists_data()
+    {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<int>("messages");
+        QTest::newRow("list") << QByteArray("list:[\"a\",\"b\"]") << QStringList({"a", "b"}) << 0;
+        QTest::newRow("lines of a text") << QByteArray("string:/a%0a/b c%0a") << QStringList({"/a", "/b c"}) << 0;
+        QTest::newRow("empty text") << QByteArray("string:") << QStringList() << 0;
+        QTest::newRow("untyped") << QByteArray("/a") << QStringList("/a") << 0;
+        QTest::newRow("numbers") << QByteArray("list:[1,2]") << QStringList() << 1;
+        QTest::newRow("no list") << QByteArray("list:{\"a\":1}") << QStringList() << 1;
+        QTest::newRow("cut off") << QByteArray("list:[\"a\",") << QStringList() << 1;
+        QTest::newRow("int") << QByteArray("int:7") << QStringList() << 1;
+    }
+    void storedLists()
+    {
+        QFETCH(QByteArray, stored);
+        QFETCH(QStringList, expected);
+        QFETCH(int, messages);
+        write("[G]\nkey=" + stored + "\n");
+        QCOMPARE(RyAppSettings("G").getStringListValue("key"), expected);
+        QCOMPARE(warnings().size(), messages);
+    }
+
     void nonsenseIsReportedOnceAndSurvives()
     {
         const QByteArray rubbish =
@@ -276,10 +313,11 @@ private slots:
         settings.setFloatValue("f", 1);
         settings.getStringValue("s", QString());
         settings.getBytesValue("b");
+        settings.getStringListValue("l");
         RyAppSettings::setObserver(nullptr);
         settings.getIntValue("i", 1);
-        QCOMPARE(seen,
-                 QStringList({"G/i/set/int", "G/i/get/bool", "G/f/set/float", "G/s/get/string", "G/b/get/bytes"}));
+        QCOMPARE(seen, QStringList({"G/i/set/int", "G/i/get/bool", "G/f/set/float", "G/s/get/string", "G/b/get/bytes",
+                                    "G/l/get/list"}));
     }
 };
 

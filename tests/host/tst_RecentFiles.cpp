@@ -64,6 +64,16 @@ private slots:
         QCOMPARE(m_window->windowTitle(), QStringLiteral("hero.glb[*] - ryhost"));
     }
 
+    /// Any name that a folder can have.
+    void aFolderWithALineBreak()
+    {
+        const QString first = save(QStringLiteral("first/hero.glb")), odd = save(QStringLiteral("two\nlines/hero.glb"));
+        QCOMPARE(files()->recentFiles(), QStringList({odd, first}));
+        QCOMPARE(files()->title(), QStringLiteral("two\nlines/hero.glb"));
+        files()->recent()->clear();
+        QCOMPARE(files()->recentFiles(), QStringList());
+    }
+
     /// An unsaved merge counts; a save holds everything.
     void titleAfterAMerge()
     {

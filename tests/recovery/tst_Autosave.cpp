@@ -340,7 +340,7 @@ private slots:
     /// What a crash left in a folder is found there after another was chosen, or none.
     void formerFoldersAreSearched()
     {
-        const QString first = path(QStringLiteral("first")), second = path(QStringLiteral("second"));
+        const QString first = path(QStringLiteral("first\nof all")), second = path(QStringLiteral("second"));
         AutosaveSettings::global().set(true, first);
         QString error;
         {

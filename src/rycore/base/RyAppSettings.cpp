@@ -4,6 +4,8 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 #include <cmath>
 #include <optional>
@@ -51,6 +53,23 @@ static std::optional<float> toFloat(const RySettingsValue &value)
 static std::optional<QString> toString(const RySettingsValue &value)
 {
     return isText(value) ? std::optional(value.text) : std::nullopt;
+}
+
+/// From a JSON array of texts, since entries may hold any character.
+static std::optional<QStringList> toStringList(const RySettingsValue &value)
+{
+    if (isText(value))
+        return value.text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QJsonDocument document = QJsonDocument::fromJson(value.text.toUtf8());
+    if (value.type != "list" || !document.isArray())
+        return std::nullopt;
+    QStringList list;
+    for (const QJsonValue &entry : document.array()) {
+        if (!entry.isString())
+            return std::nullopt;
+        list.append(entry.toString());
+    }
+    return list;
 }
 
 static std::optional<QByteArray> toBytes(const RySettingsValue &value)
@@ -106,6 +125,11 @@ QString RyAppSettings::getStringValue(const QString &key, const QString &default
     return read<QString>(m_group, key, defaultValue, "string", toString);
 }
 
+QStringList RyAppSettings::getStringListValue(const QString &key) const
+{
+    return read<QStringList>(m_group, key, QStringList(), "list", toStringList);
+}
+
 QByteArray RyAppSettings::getBytesValue(const QString &key) const
 {
     return read<QByteArray>(m_group, key, QByteArray(), "bytes", toBytes);
@@ -129,6 +153,12 @@ void RyAppSettings::setFloatValue(const QString &key, float value)
 void RyAppSettings::setStringValue(const QString &key, const QString &value)
 {
     write(m_group, key, "string", value);
+}
+
+void RyAppSettings::setStringListValue(const QString &key, const QStringList &value)
+{
+    const QJsonDocument document(QJsonArray::fromStringList(value));
+    write(m_group, key, "list", QString::fromUtf8(document.toJson(QJsonDocument::Compact)));
 }
 
 void RyAppSettings::setBytesValue(const QString &key, const QByteArray &value)

@@ -17,11 +17,14 @@ public:
     bool getBoolValue(const QString &key, bool defaultValue) const;
     float getFloatValue(const QString &key, float defaultValue) const;
     QString getStringValue(const QString &key, const QString &defaultValue) const;
+    /// Accepts a stored text too, a line for each entry. Empty without a value.
+    QStringList getStringListValue(const QString &key) const;
     QByteArray getBytesValue(const QString &key) const;
     void setIntValue(const QString &key, int value);
     void setBoolValue(const QString &key, bool value);
     void setFloatValue(const QString &key, float value);
     void setStringValue(const QString &key, const QString &value);
+    void setStringListValue(const QString &key, const QStringList &value);
     void setBytesValue(const QString &key, const QByteArray &value);
     bool contains(const QString &key) const;
     void remove(const QString &key);

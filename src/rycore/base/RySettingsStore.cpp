@@ -15,7 +15,7 @@
 #include <cstring>
 
 static constexpr int lockTimeoutMs = 2000;
-static const char *const knownTypes[] = {"bool", "int", "float", "string", "bytes"};
+static const char *const knownTypes[] = {"bool", "int", "float", "string", "list", "bytes"};
 
 namespace {
 

@@ -35,9 +35,7 @@ QString labelAmong(const QString &path, const QStringList &paths)
 
 QStringList RecentFiles::paths() const
 {
-    return RyAppSettings(QString::fromLatin1(SettingsGroup))
-        .getStringValue(QString::fromLatin1(RecentKey), QString())
-        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return RyAppSettings(QString::fromLatin1(SettingsGroup)).getStringListValue(QString::fromLatin1(RecentKey));
 }
 
 void RecentFiles::add(const QString &path)
@@ -47,14 +45,13 @@ void RecentFiles::add(const QString &path)
     files.prepend(path);
     while (files.size() > Most)
         files.removeLast();
-    RyAppSettings(QString::fromLatin1(SettingsGroup))
-        .setStringValue(QString::fromLatin1(RecentKey), files.join(QLatin1Char('\n')));
+    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringListValue(QString::fromLatin1(RecentKey), files);
     emit changed();
 }
 
 void RecentFiles::clear()
 {
-    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringValue(QString::fromLatin1(RecentKey), QString());
+    RyAppSettings(QString::fromLatin1(SettingsGroup)).setStringListValue(QString::fromLatin1(RecentKey), {});
     emit changed();
 }
 

@@ -18,8 +18,7 @@ RyAppSettings settings()
 
 QStringList formerFolders()
 {
-    QStringList folders =
-        settings().getStringValue(QLatin1String(FormerKey), QString()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList folders = settings().getStringListValue(QLatin1String(FormerKey));
     folders.removeDuplicates();
     return folders;
 }
@@ -47,8 +46,7 @@ void AutosaveSettings::set(bool isOn, const QString &folder)
     // What a crash left there may still be waiting.
     const QString former = chosenFolder();
     if (!former.isEmpty() && former != folder)
-        settings().setStringValue(QLatin1String(FormerKey),
-                                  (formerFolders() << QDir(former).absolutePath()).join(QLatin1Char('\n')));
+        settings().setStringListValue(QLatin1String(FormerKey), formerFolders() << QDir(former).absolutePath());
     settings().setBoolValue(QStringLiteral("On"), isOn);
     settings().setStringValue(QStringLiteral("Folder"), folder);
     emit changed();

@@ -28,6 +28,8 @@ int main(int argc, char **argv)
         read = settings.getBoolValue(key, value == QLatin1String("true")) ? "true" : "false";
     else if (type == QLatin1String("float"))
         read = QByteArray::number(double(settings.getFloatValue(key, value.toFloat())), 'g', 9);
+    else if (type == QLatin1String("list"))
+        read = settings.getStringListValue(key).join(QLatin1Char('|')).toUtf8().toHex();
     else if (type == QLatin1String("bytes"))
         read = settings.getBytesValue(key).toHex();
     else
