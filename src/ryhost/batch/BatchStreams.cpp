@@ -3,8 +3,9 @@
 #include "rycore/base/RyFileSystem.h"
 #include "rycore/base/RyTemporaryFolder.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/foreign/RyFileContent.h"
 #include "ryhost/batch/BatchArguments.h"
-#include "ryhost/batch/StreamFormat.h"
+#include "ryhost/batch/streamOutsideFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -144,7 +145,7 @@ QString BatchStreams::readInput(const QString &format, QString *error)
 {
     if (!readBytes(FileInput, error))
         return {};
-    const QString ending = format.isEmpty() ? streamFormatOf(m_input) : format;
+    const QString ending = format.isEmpty() ? RyFileContent::endingOf(m_input.left(RyFileContent::Needed)) : format;
     if (ending.isEmpty()) {
         *error = QStringLiteral("standard input: its first bytes do not tell the format; --format %1 says it")
                      .arg(RySceneFile::readableEndings().join(QStringLiteral(" or ")));

@@ -1,6 +1,6 @@
 #include "rycore/io/foreign/RyForeignImport.h"
 
-#include "rycore/io/foreign/RyForeignContent.h"
+#include "rycore/io/foreign/RyFileContent.h"
 #include "rycore/io/foreign/RyForeignProcess.h"
 #include "rycore/io/foreign/RyUnnamedFile.h"
 
@@ -32,7 +32,7 @@ QString findObstacle(const QString &path)
         return QStringLiteral("the file cannot be read: %1").arg(file.errorString());
     if (file.size() == 0)
         return QStringLiteral("the file is empty");
-    return RyForeignContent::findMismatch(QFileInfo(path).suffix().toLower(), file.read(RyForeignContent::Needed));
+    return RyFileContent::findMismatch(QFileInfo(path).suffix().toLower(), file.read(RyFileContent::Needed));
 }
 
 /// How long the process has told nothing. The library tells little on the way: while the process computes it may be

@@ -3,10 +3,6 @@
 #include <QByteArray>
 #include <QString>
 
-/// The ending of the format that the first bytes of a file are of: glb, gltf, obj, fbx, dae or bvh; empty when they do
-/// not tell.
-QString streamFormatOf(const QByteArray &bytes);
-
 /// The first buffer or image that a glTF file of that ending takes from another file; empty for none, and for bytes
 /// that cannot be understood, which is for the reader to say. Readers of other formats open a file without the pictures
 /// that lie beside it, and name each one that is left out.
