@@ -1,15 +1,13 @@
 #include "ryhost/CommandLine.h"
 
-#include "rycore/base/RyNearTexts.h"
 #include "ryhost/batch/BatchVerbs.h"
 
 static QString whyUnknown(const QString &option)
 {
-    const QStringList known = BatchVerbs::names() + QStringList{QStringLiteral("--batch"), QStringLiteral("--help"),
-                                                                QStringLiteral("--version")};
     if (BatchVerbs::names().contains(option))
         return QStringLiteral("%1 is for runs without a window: ryhost --batch FILE %1 ...").arg(option);
-    return QStringLiteral("there is no option %1%2").arg(option, ryDidYouMean(ryNearTexts(option, known), QString()));
+    const QStringList others{QStringLiteral("--batch"), QStringLiteral("--help"), QStringLiteral("--version")};
+    return QStringLiteral("there is no option %1%2").arg(option, BatchVerbs::didYouMean(option, others));
 }
 
 static CommandLine wrong(const QString &error)

@@ -1,9 +1,9 @@
 #include "ryhost/batch/BatchArguments.h"
 
-#include "rycore/base/RyNearTexts.h"
 #include "rycore/io/RySceneFile.h"
 #include "ryhost/batch/BatchChecks.h"
 #include "ryhost/batch/BatchVerbs.h"
+#include "ryhost/batch/batchMistake.h"
 
 #include <cmath>
 
@@ -14,12 +14,6 @@ bool isVerb(const QString &text)
     return text.startsWith(QLatin1String("--"));
 }
 
-bool fail(QString *error, const QString &message)
-{
-    *error = message;
-    return false;
-}
-
 } // namespace
 
 bool BatchArguments::parse(const QStringList &arguments, QString *error)
@@ -27,14 +21,14 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
     QStringList words = arguments;
     asJson = words.removeAll(QLatin1String(BatchVerbs::Json)) > 0;
     if (words.indexOf(QStringLiteral("--batch")) != 0)
-        return fail(error, QStringLiteral("--batch must be the first argument"));
+        return batchMistake(error, QStringLiteral("--batch must be the first argument"));
     int at = 1;
     while (at < words.size() && !isVerb(words.at(at)))
         files.append(words.at(at++));
     if (files.isEmpty())
-        return fail(error, QStringLiteral("--batch needs the name of a file, or - for standard input"));
+        return batchMistake(error, QStringLiteral("--batch needs the name of a file, or - for standard input"));
     if (files.contains(QString()))
-        return fail(error, QStringLiteral("--batch: the name of a file is empty"));
+        return batchMistake(error, QStringLiteral("--batch: the name of a file is empty"));
     while (at < words.size()) {
         if (!parseVerb(words, at, error))
             return false;
@@ -45,12 +39,13 @@ bool BatchArguments::parse(const QStringList &arguments, QString *error)
 bool BatchArguments::parsePictureOption(const QString &name, const QString &value, QString *error)
 {
     if (steps.isEmpty() || steps.last().verb != BatchStep::Screenshot)
-        return fail(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
+        return batchMistake(error, QStringLiteral("%1 belongs after --screenshot").arg(name));
     if (name == QLatin1String("--view")) {
         if (!QStringList{QStringLiteral("front"), QStringLiteral("side"), QStringLiteral("top"),
                          QStringLiteral("perspective")}
                  .contains(value)) {
-            return fail(error, QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
+            return batchMistake(error,
+                                QStringLiteral("--view: \"%1\" is none of front, side, top, perspective").arg(value));
         }
         steps.last().view = value;
         return true;
@@ -59,7 +54,8 @@ bool BatchArguments::parsePictureOption(const QString &name, const QString &valu
     const int width = parts.value(0).toInt();
     const int height = parts.value(1).toInt();
     if (parts.size() != 2 || width < 16 || height < 16 || width > 8192 || height > 8192)
-        return fail(error, QStringLiteral("--size: \"%1\" is no size such as 1280x900 (16 to 8192)").arg(value));
+        return batchMistake(error,
+                            QStringLiteral("--size: \"%1\" is no size such as 1280x900 (16 to 8192)").arg(value));
     steps.last().size = QSize(width, height);
     return true;
 }
@@ -67,11 +63,11 @@ bool BatchArguments::parsePictureOption(const QString &name, const QString &valu
 bool BatchArguments::parseTime(const QString &value, QString *error)
 {
     if (steps.isEmpty() || steps.last().verb != BatchStep::Clip)
-        return fail(error, QStringLiteral("--time belongs after --clip"));
+        return batchMistake(error, QStringLiteral("--time belongs after --clip"));
     bool isNumber = false;
     const double seconds = value.toDouble(&isNumber);
     if (!isNumber || !std::isfinite(seconds))
-        return fail(error, QStringLiteral("--time: \"%1\" is no number of seconds").arg(value));
+        return batchMistake(error, QStringLiteral("--time: \"%1\" is no number of seconds").arg(value));
     steps.last().time = seconds;
     return true;
 }
@@ -82,12 +78,13 @@ bool BatchArguments::parseFormat(const QString &value, QString *error)
     const bool isOfMerge = !steps.isEmpty() && steps.last().verb == BatchStep::Merge && steps.last().value == "-";
     const bool isOfSave = !steps.isEmpty() && steps.last().verb == BatchStep::Save && steps.last().value == "-";
     if (!isOfInput && !isOfMerge && !isOfSave)
-        return fail(error, QStringLiteral("--format belongs after --batch -, --merge - or --save -; where a file has a "
-                                          "name, its ending says the format"));
+        return batchMistake(
+            error, QStringLiteral("--format belongs after --batch -, --merge - or --save -; where a file has a "
+                                  "name, its ending says the format"));
     const QStringList known = isOfSave ? RySceneFile::writableEndings() : RySceneFile::readableEndings();
     if (!known.contains(value))
-        return fail(error,
-                    QStringLiteral("--format: \"%1\" is none of %2").arg(value, known.join(QStringLiteral(", "))));
+        return batchMistake(
+            error, QStringLiteral("--format: \"%1\" is none of %2").arg(value, known.join(QStringLiteral(", "))));
     (isOfInput ? inputFormat : steps.last().format) = value;
     return true;
 }
@@ -95,14 +92,16 @@ bool BatchArguments::parseFormat(const QString &value, QString *error)
 bool BatchArguments::parseDialogOption(const QString &name, const QString &value, QString *error)
 {
     if (steps.isEmpty() || (steps.last().verb != BatchStep::Run && steps.last().verb != BatchStep::Script))
-        return fail(error, QStringLiteral("%1 belongs after the --run or --script whose dialogs it is for").arg(name));
+        return batchMistake(error,
+                            QStringLiteral("%1 belongs after the --run or --script whose dialogs it is for").arg(name));
     // Values may hold an equals sign, and so may titles.
     const bool isField = name == QLatin1String("--set");
     const int equals = isField ? value.indexOf(QLatin1Char('=')) : value.lastIndexOf(QLatin1Char('='));
     if (equals <= 0) {
-        return fail(error, QStringLiteral("%1: \"%2\" does not have the form %3")
-                               .arg(name, value,
-                                    isField ? QStringLiteral("OBJECTNAME=VALUE") : QStringLiteral("TITLE=BUTTON")));
+        return batchMistake(
+            error,
+            QStringLiteral("%1: \"%2\" does not have the form %3")
+                .arg(name, value, isField ? QStringLiteral("OBJECTNAME=VALUE") : QStringLiteral("TITLE=BUTTON")));
     }
     (isField ? steps.last().fields : steps.last().answers).append({value.left(equals), value.mid(equals + 1)});
     return true;
@@ -125,45 +124,45 @@ bool BatchArguments::parseVerb(const QStringList &arguments, int &at, QString *e
     if (BatchVerbs::isPictureOption(name) || BatchVerbs::isDialogOption(name) ||
         name == QLatin1String(BatchVerbs::Time) || name == QLatin1String(BatchVerbs::Format)) {
         if (!hasValue)
-            return fail(error, QStringLiteral("%1 needs a value").arg(name));
+            return batchMistake(error, QStringLiteral("%1 needs a value").arg(name));
         at += 2;
         return parseOption(name, arguments.at(at - 1), error);
     }
     if (name == QLatin1String(BatchVerbs::JointsOnly)) {
         if (steps.isEmpty() || (steps.last().verb != BatchStep::Save && steps.last().verb != BatchStep::SaveTo))
-            return fail(error, QStringLiteral("%1 belongs after --save or --save-to").arg(name));
+            return batchMistake(error, QStringLiteral("%1 belongs after --save or --save-to").arg(name));
         steps.last().jointsOnly = true;
         ++at;
         return true;
     }
     const BatchVerbs::Row *row = BatchVerbs::find(name);
     if (!row && isVerb(name)) {
-        return fail(error, QStringLiteral("%1 is no verb of a batch run%2; --help lists them")
-                               .arg(name, ryDidYouMean(ryNearTexts(name, BatchVerbs::names()), QString())));
+        return batchMistake(error, QStringLiteral("%1 is no verb of a batch run%2; --help lists them")
+                                       .arg(name, BatchVerbs::didYouMean(name)));
     }
     if (!row)
-        return fail(error,
-                    QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it, and further "
-                                   "files stand before all verbs")
-                        .arg(name));
+        return batchMistake(
+            error, QStringLiteral("\"%1\" stands alone; a verb such as --select must come before it, and further "
+                                  "files stand before all verbs")
+                       .arg(name));
     BatchStep step;
     step.verb = row->verb;
     ++at;
     if (row->value == BatchVerbs::Value::Required && !hasValue)
-        return fail(error, QStringLiteral("%1 needs a value").arg(name));
+        return batchMistake(error, QStringLiteral("%1 needs a value").arg(name));
     if (row->value != BatchVerbs::Value::None && hasValue)
         step.value = arguments.at(at++);
     if (row->verb == BatchStep::Unit) {
         bool isNumber = false;
         step.number = step.value.toDouble(&isNumber);
         if (!isNumber || !std::isfinite(step.number) || step.number < 1e-6 || step.number > 1e6) {
-            return fail(error,
-                        QStringLiteral("--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
-                            .arg(step.value));
+            return batchMistake(
+                error, QStringLiteral("--unit: \"%1\" is no number of centimetres per file unit (0.000001 to 1000000)")
+                           .arg(step.value));
         }
     }
     if (row->verb == BatchStep::SaveTo && (step.value.isEmpty() || step.value == QLatin1String("-")))
-        return fail(error, QStringLiteral("--save-to needs a folder; for standard output use --save -"));
+        return batchMistake(error, QStringLiteral("--save-to needs a folder; for standard output use --save -"));
     steps.append(step);
     return true;
 }

@@ -3,6 +3,7 @@
 #include "rycore/io/RySceneFile.h"
 #include "ryhost/batch/BatchArguments.h"
 #include "ryhost/batch/BatchVerbs.h"
+#include "ryhost/batch/batchMistake.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -13,12 +14,6 @@ namespace {
 
 const QLatin1String Stream("-");
 
-bool fail(QString *error, const QString &message)
-{
-    *error = message;
-    return false;
-}
-
 bool checkUnits(const QList<BatchStep> &steps, QString *error)
 {
     int first = 0;
@@ -27,9 +22,9 @@ bool checkUnits(const QList<BatchStep> &steps, QString *error)
     for (int i = first; i < steps.size(); ++i) {
         const auto reads = [](const BatchStep &step) { return step.verb == BatchStep::Merge; };
         if (steps.at(i).verb == BatchStep::Unit && std::none_of(steps.begin() + i, steps.end(), reads))
-            return fail(error,
-                        QStringLiteral(
-                            "--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
+            return batchMistake(
+                error, QStringLiteral(
+                           "--unit: no file is read after it; it goes before all other verbs, or before a --merge"));
     }
     return true;
 }
@@ -39,8 +34,9 @@ bool checkInput(const BatchArguments &arguments, QString *error)
     int readers = arguments.files.count(Stream);
     for (const BatchStep &step : arguments.steps)
         readers += step.readsStandardInput();
-    return readers <= 1 || fail(error, QStringLiteral("standard input can be read once only; name a file instead of "
-                                                      "\"-\" in the other places"));
+    return readers <= 1 ||
+           batchMistake(error, QStringLiteral("standard input can be read once only; name a file instead of "
+                                              "\"-\" in the other places"));
 }
 
 bool checkOutput(const BatchArguments &arguments, QString *error)
@@ -52,11 +48,13 @@ bool checkOutput(const BatchArguments &arguments, QString *error)
     }
     if (writers.size() > 1) {
         const QString last = writers.takeLast();
-        return fail(error, QStringLiteral("only one of %1 and %2 can go to standard output; name a file for the others")
-                               .arg(writers.join(QStringLiteral(", ")), last));
+        return batchMistake(
+            error, QStringLiteral("only one of %1 and %2 can go to standard output; name a file for the others")
+                       .arg(writers.join(QStringLiteral(", ")), last));
     }
     if (arguments.asJson && !writers.isEmpty() && writers.first() != QLatin1String("--report"))
-        return fail(error, QStringLiteral("--json takes standard output; name a file for %1").arg(writers.first()));
+        return batchMistake(error,
+                            QStringLiteral("--json takes standard output; name a file for %1").arg(writers.first()));
     return true;
 }
 
@@ -68,13 +66,15 @@ bool checkTargets(const BatchArguments &arguments, QString *error)
     QHash<QString, QString> taken;
     for (const QString &file : arguments.files) {
         if (file == Stream)
-            return fail(error, QStringLiteral("--save-to keeps the names of files, and standard input has none; use "
-                                              "--save, or give the file by its name"));
+            return batchMistake(error,
+                                QStringLiteral("--save-to keeps the names of files, and standard input has none; use "
+                                               "--save, or give the file by its name"));
         const QString name = batchTargetName(file);
         if (taken.contains(name))
-            return fail(error, QStringLiteral("--save-to: %1 and %2 would both be written as %3; rename one of them, "
-                                              "or save them to different folders in two runs")
-                                   .arg(taken.value(name), file, name));
+            return batchMistake(error,
+                                QStringLiteral("--save-to: %1 and %2 would both be written as %3; rename one of them, "
+                                               "or save them to different folders in two runs")
+                                    .arg(taken.value(name), file, name));
         taken.insert(name, file);
     }
     return true;
@@ -95,10 +95,10 @@ bool checkSeveral(const BatchArguments &arguments, QString *error)
             : step.verb == BatchStep::Report ? QStringLiteral("with --json, --report without a file gives the report "
                                                               "of each")
                                              : QStringLiteral("run the program once for each file");
-        return fail(error, QStringLiteral("%1 writes to one place, and there are %2 files; %3")
-                               .arg(BatchVerbs::nameOf(step.verb))
-                               .arg(arguments.files.size())
-                               .arg(help));
+        return batchMistake(error, QStringLiteral("%1 writes to one place, and there are %2 files; %3")
+                                       .arg(BatchVerbs::nameOf(step.verb))
+                                       .arg(arguments.files.size())
+                                       .arg(help));
     }
     return true;
 }

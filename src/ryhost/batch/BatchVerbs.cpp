@@ -1,5 +1,7 @@
 #include "ryhost/batch/BatchVerbs.h"
 
+#include "rycore/base/RyNearTexts.h"
+
 namespace {
 
 using BatchVerbs::Value;
@@ -83,4 +85,9 @@ QString BatchStep::text() const
 {
     const QString name = BatchVerbs::nameOf(verb);
     return value.isEmpty() ? name : name + QLatin1Char(' ') + value;
+}
+
+QString BatchVerbs::didYouMean(const QString &name, const QStringList &others)
+{
+    return ryDidYouMean(ryNearTexts(name, names() + others), QString());
 }

@@ -33,5 +33,7 @@ constexpr char Verbose[] = "--verbose";
 
 /// Verbs, their options and those of the run.
 QStringList names();
+/// " (did you mean --save or --save-to?)" of those and the `others`; empty where none is near.
+QString didYouMean(const QString &name, const QStringList &others = {});
 
 } // namespace BatchVerbs
