@@ -13,12 +13,11 @@
 
 namespace {
 
-int runFile(const BatchArguments &arguments, BatchStreams &streams, int number,
-            const BatchRunner::Listener &listener = {})
+int runFile(const BatchArguments &arguments, BatchStreams &streams, int number, const BatchLog::Listener &listener = {})
 {
     RyMainWindow window(ryScene());
     loadHostPlugins(window);
-    return int(BatchRunner(window, arguments, streams).run(number, listener));
+    return int(BatchRunner(window, arguments, streams, number, listener).run());
 }
 
 /// What became of a file, told by its process or, where that did not live to tell, by what it told before.
@@ -76,7 +75,7 @@ int runBatch(const QStringList &arguments, const ApplicationFrame &frame)
     QJsonArray entries;
     int worst = 0;
     for (int number = 0; number < parsed.files.size(); ++number) {
-        const auto result = BatchProcess::run([&](const BatchRunner::Listener &listener) {
+        const auto result = BatchProcess::run([&](const BatchLog::Listener &listener) {
             return frame([&] { return runFile(parsed, streams, number, listener); });
         });
         entries.append(entryOf(parsed.files.at(number), result));
