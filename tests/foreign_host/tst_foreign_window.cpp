@@ -9,7 +9,9 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/FileNotes.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/panes/ScenePane.h"
 
 #include <QAction>
@@ -53,7 +55,7 @@ private slots:
         QVERIFY(m_window->isWindowModified());
         QVERIFY(m_scene->findNode(QStringLiteral("lForearm")));
         QCOMPARE(m_window->files()->recentFiles(), QStringList{m_hero});
-        QVERIFY(m_window->files()->notes().contains(QStringLiteral("Two lights did not come along.")));
+        QVERIFY(m_window->files()->notes()->texts().contains(QStringLiteral("Two lights did not come along.")));
         QVERIFY2(m_posted.last().startsWith(QStringLiteral("hero.fbx: ")), qPrintable(m_posted.last()));
         QVERIFY(!m_window->findChild<QProgressDialog *>(QStringLiteral("ImportProgress")));
     }
@@ -107,7 +109,7 @@ private slots:
         });
         QVERIFY(!m_window->close());
         const QString read = QStringLiteral("Read from hero.fbx at %1, in no file yet")
-                                 .arg(timeTextOf(m_window->files()->savedState().time));
+                                 .arg(timeTextOf(m_window->files()->file().savedState().time));
         QCOMPARE(box, (QStringList{QStringLiteral("Unsaved Changes"),
                                    QStringLiteral("Save what was read from hero.fbx as glTF first?"),
                                    read + QStringLiteral(".\nhero.fbx itself stays as it is.")}));
@@ -126,8 +128,8 @@ private slots:
     {
         QVERIFY(m_window->files()->openPath(m_hero));
         const QString read = QStringLiteral("Read from hero.fbx at %1, in no file yet.")
-                                 .arg(timeTextOf(m_window->files()->savedState().time));
-        QCOMPARE(m_window->files()->unsavedChanges(), read);
+                                 .arg(timeTextOf(m_window->files()->file().savedState().time));
+        QCOMPARE(m_window->files()->file().unsavedChanges(), read);
         m_window->showHistory();
         QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("HistoryState"))->text(), read);
         QCOMPARE(m_window->findChild<QToolButton *>(QStringLiteral("UnsavedStatus"))->text(),
@@ -136,9 +138,9 @@ private slots:
         QVERIFY(!action("FileRevert")->isEnabled());
         QVERIFY(!m_window->files()->revert());
         bend();
-        QCOMPARE(m_window->files()->whyNotReverted(), QString());
+        QCOMPARE(m_window->files()->file().whyNotReverted(), QString());
         ryUndoStack()->undo();
-        QVERIFY(!m_window->files()->whyNotReverted().isEmpty());
+        QVERIFY(!m_window->files()->file().whyNotReverted().isEmpty());
     }
 
     void mergesBeside()

@@ -8,7 +8,9 @@
 #include "rycore/scene/RyNode.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/FileNotes.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/timeText.h"
 
 #include <QAction>
 #include <QFile>
@@ -151,14 +153,14 @@ private slots:
     {
         const QString path = file(QStringLiteral("hero.glb"));
         QVERIFY(files()->savePath(path));
-        QCOMPARE(files()->whyNotReverted().isEmpty(), false);
+        QCOMPARE(files()->file().whyNotReverted().isEmpty(), false);
         QFile sample(path);
         QVERIFY(sample.open(QIODevice::Append));
         sample.write("    ");
         sample.close();
-        QCOMPARE(files()->whyNotReverted(), QString());
+        QCOMPARE(files()->file().whyNotReverted(), QString());
         QVERIFY(QFile::remove(path));
-        QCOMPARE(files()->whyNotReverted(), path + QStringLiteral(" is not there any more."));
+        QCOMPARE(files()->file().whyNotReverted(), path + QStringLiteral(" is not there any more."));
         action("FileNew")->trigger();
         QCOMPARE(action("FileRevert")->statusTip(),
                  QStringLiteral("There is no file to go back to: the scene was neither opened nor saved."));
@@ -250,7 +252,7 @@ private slots:
         const QString path = file(QStringLiteral("hero.glb")), copy = file(QStringLiteral("hero copy.glb"));
         QVERIFY(files()->savePath(path));
         bend();
-        const QString title = m_window->windowTitle(), changes = files()->unsavedChanges();
+        const QString title = m_window->windowTitle(), changes = files()->file().unsavedChanges();
         const QStringList recent = files()->recentFiles();
         RyDialogDriver driver;
         driver.setField(QStringLiteral("fileNameEdit"), copy);
@@ -260,7 +262,7 @@ private slots:
         QVERIFY(m_window->statusBar()->currentMessage().startsWith(QStringLiteral("Saved a copy as ")));
         QCOMPARE(m_window->windowTitle(), title);
         QCOMPARE(files()->path(), path);
-        QCOMPARE(files()->unsavedChanges(), changes);
+        QCOMPARE(files()->file().unsavedChanges(), changes);
         QCOMPARE(files()->recentFiles(), recent);
         QVERIFY(m_window->isWindowModified() && !ryUndoStack()->isClean());
         ryUndoStack()->undo();
@@ -302,9 +304,9 @@ private slots:
         QFile written(bare);
         QVERIFY(written.open(QIODevice::ReadOnly));
         QVERIFY(!written.readAll().contains("RYHOST"));
-        QVERIFY2(files()->notes().value(0).startsWith(QStringLiteral(
+        QVERIFY2(files()->notes()->texts().value(0).startsWith(QStringLiteral(
                      "Without our extras the file does not hold end points, rotation orders and orientations of ")),
-                 qPrintable(files()->notes().join(u'\n')));
+                 qPrintable(files()->notes()->texts().join(u'\n')));
         QVERIFY(m_window->statusBar()->currentMessage().startsWith(QStringLiteral("Exported bare.glb: Without ")));
         QCOMPARE(files()->path(), path);
         QVERIFY(!ryUndoStack()->isClean());
@@ -337,8 +339,8 @@ private slots:
         QVERIFY(files()->mergePath(strange.fileName()));
         RyDialogDriver driver;
         QVERIFY(files()->savePath(file(QStringLiteral("both.glb"))));
-        QCOMPARE(int(files()->savedState().kind), int(SavedState::Opened));
-        QVERIFY(!files()->unsavedChanges().isEmpty());
+        QCOMPARE(int(files()->file().savedState().kind), int(SavedState::Opened));
+        QVERIFY(!files()->file().unsavedChanges().isEmpty());
     }
 
     /// The ending is put behind the name before the question whether the file may be replaced.

@@ -11,6 +11,7 @@
 #include "rycore/undo/RyUndoStackHold.h"
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/panes/HistoryModel.h"
 #include "ryhost/panes/HistoryPane.h"
 #include "ryhost/panes/UnsavedButton.h"
@@ -244,7 +245,7 @@ private:
     QDockWidget *dock() const { return m_window->findChild<QDockWidget *>(QStringLiteral("HistoryDock")); }
     QTreeView *list() const { return m_window->findChild<QTreeView *>(QStringLiteral("HistoryList")); }
     QString state() const { return m_window->findChild<QLabel *>(QStringLiteral("HistoryState"))->text(); }
-    QString savedTime() const { return timeTextOf(files()->savedState().time); }
+    QString savedTime() const { return timeTextOf(files()->file().savedState().time); }
     QModelIndex at(int row, int column) const { return list()->model()->index(row, column); }
     QString text(int row) const { return at(row, HistoryModel::StepColumn).data().toString(); }
     QString time(int row) const { return at(row, HistoryModel::TimeColumn).data().toString(); }

@@ -13,6 +13,7 @@
 #include "rycore/viewport/RyViewTool.h"
 #include "rycore/viewport/RyViewportMgr.h"
 #include "ryhost/commands/ActionSearch.h"
+#include "ryhost/commands/FileNotes.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/panes/ParametersPane.h"
 #include "ryhost/panes/SceneModel.h"
@@ -281,7 +282,7 @@ private slots:
         connect(m_window->files(), &HostFiles::messagePosted, this,
                 [&posted](const QString &message) { posted.append(message); });
         QVERIFY(m_window->files()->savePath(file(QStringLiteral("bare.obj"))));
-        const QStringList notes = m_window->files()->notes();
+        const QStringList notes = m_window->files()->notes()->texts();
         QVERIFY(!notes.isEmpty());
         QVERIFY2(posted.last().startsWith(QStringLiteral("Saved bare.obj: ") + notes.first()),
                  qPrintable(posted.last()));

@@ -8,6 +8,7 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/recovery/Autosave.h"
 #include "ryhost/recovery/recoverUnsavedWork.h"
 
@@ -43,7 +44,7 @@ private slots:
         QCOMPARE(unsaved->text(), QStringLiteral("* unsaved"));
         QCOMPARE(unsaved->toolTip(),
                  QStringLiteral("Unsaved work of before a crash, brought back at %1.\nClick to see the history.")
-                     .arg(timeTextOf(m_window->files()->savedState().time)));
+                     .arg(timeTextOf(m_window->files()->file().savedState().time)));
         // No undo leads out of it.
         bend(40);
         ryUndoStack()->undo();

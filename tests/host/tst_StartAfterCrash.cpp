@@ -134,7 +134,7 @@ private:
         QVERIFY2(RySceneFile::open(ryScene(), m_file, &error), qPrintable(error));
         ryScene()->findNode(QStringLiteral("lForearm"))->getZRotControl()->setValue(20);
         m_about.path = m_file;
-        m_about.stamp = HostFiles::stampOf(m_file);
+        m_about.stamp = OpenedFile::stampOf(m_file);
         m_about.time = QDateTime::currentDateTimeUtc();
         QCOMPARE(leaveUnsaved(*ryScene(), m_about), QString());
     }

@@ -375,7 +375,7 @@ private slots:
         QVERIFY(m_files->savePath(both));
         QVERIFY(!ryUndoStack()->isClean());
         QTRY_COMPARE(keptInfo().path, both);
-        QCOMPARE(keptInfo().stamp, HostFiles::stampOf(both));
+        QCOMPARE(keptInfo().stamp, OpenedFile::stampOf(both));
         QVERIFY(!keptInfo().jointsOnly);
         m_files->setSavesJointsOnly(true);
         QTRY_VERIFY(keptInfo().jointsOnly);

@@ -7,6 +7,7 @@
 #include "rycore/io/snapshot/RySceneSnapshot.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/recovery/AutosaveSettings.h"
 #include "ryhost/recovery/RecoveryDialog.h"
 #include "ryhost/recovery/RecoverySession.h"
@@ -126,7 +127,7 @@ private slots:
         old.path = path(QStringLiteral("mannequin.glb"));
         old.time = QDateTime::currentDateTimeUtc().addDays(-2);
         old.mergedFiles = 2;
-        old.stamp = HostFiles::stampOf(old.path);
+        old.stamp = OpenedFile::stampOf(old.path);
         old.stamp.first = old.stamp.first.addDays(-2);
         leave(old);
         RecoveryInfo fresh = info();
@@ -196,11 +197,11 @@ private slots:
         reset();
         recoverOne();
         const QString all = QStringLiteral("Unsaved work of before a crash, brought back at %1")
-                                .arg(timeTextOf(m_files->savedState().time));
-        QCOMPARE(m_files->unsavedChanges(), all + QLatin1Char('.'));
+                                .arg(timeTextOf(m_files->file().savedState().time));
+        QCOMPARE(m_files->file().unsavedChanges(), all + QLatin1Char('.'));
         QVERIFY2(m_files->title().endsWith(QStringLiteral("mannequin.glb + 2 files")), qPrintable(m_files->title()));
         edit();
-        QCOMPARE(m_files->unsavedChanges(), all + QStringLiteral(", and 1 edit since: Turn."));
+        QCOMPARE(m_files->file().unsavedChanges(), all + QStringLiteral(", and 1 edit since: Turn."));
         RyDialogDriver driver;
         driver.setAnswer(QStringLiteral("Unsaved Changes"), QStringLiteral("Cancel"));
         QVERIFY(!m_files->confirmDiscard());
@@ -257,7 +258,7 @@ private slots:
         QCOMPARE(dump(), read);
         QCOMPARE(m_files->path(), foreign);
         QCOMPARE(ryScene()->getOrigin()->path(), foreign);
-        QVERIFY(!m_files->savesInPlace());
+        QVERIFY(!m_files->file().savesInPlace());
         QVERIFY(m_files->savePath(path(QStringLiteral("arm.glb"))));
     }
 

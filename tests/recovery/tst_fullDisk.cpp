@@ -87,7 +87,7 @@ private slots:
         }
         edit();
         const QMap<QString, QByteArray> before = files();
-        const QString scene = dump(), file = m_files->path(), changes = m_files->unsavedChanges();
+        const QString scene = dump(), file = m_files->path(), changes = m_files->file().unsavedChanges();
         RyDialogDriver driver;
         bool isDone = true;
         {
@@ -111,7 +111,7 @@ private slots:
         QVERIFY(files() == before);
         QCOMPARE(dump(), scene);
         QCOMPARE(m_files->path(), file);
-        QCOMPARE(m_files->unsavedChanges(), changes);
+        QCOMPARE(m_files->file().unsavedChanges(), changes);
         QVERIFY(!ryUndoStack()->isClean());
         // With room again nothing stands in the way.
         QVERIFY(m_files->savePath(target));

@@ -5,8 +5,10 @@
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/restore/RyRestoreSpan.h"
+#include "ryhost/commands/FileNotes.h"
 #include "ryhost/commands/ImportProgress.h"
 #include "ryhost/commands/RecentFiles.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/commands/writeScene.h"
 
 #include <QDir>
@@ -14,21 +16,11 @@
 #include <QMessageBox>
 #include <QPushButton>
 
-#include <algorithm>
-
-namespace {
-
-const char *const DefaultEnding = "glb";
-
-bool isWritable(const QString &path)
-{
-    return RySceneFile::writableEndings().contains(QFileInfo(path).suffix().toLower());
-}
-
-} // namespace
+static const char *const DefaultEnding = "glb";
 
 HostFiles::HostFiles(RyScene *scene, QWidget *window)
-    : QObject(window), m_scene(scene), m_window(window), m_recent(new RecentFiles(this)), m_dialogs(window, m_recent)
+    : QObject(window), m_scene(scene), m_window(window), m_recent(new RecentFiles(this)),
+      m_notes(new FileNotes(window)), m_dialogs(window, m_recent), m_file(scene)
 {
     connect(scene, &RyScene::originChanged, this, &HostFiles::titleChanged);
     connect(m_recent, &RecentFiles::changed, this, &HostFiles::titleChanged);
@@ -44,25 +36,13 @@ QString HostFiles::description() const
 
 QString HostFiles::title() const
 {
-    const QString name = m_path.isEmpty() ? tr("Untitled")
-                         : m_isSample     ? QFileInfo(m_path).fileName()
-                                          : m_recent->labelOf(m_path);
-    const int merged = mergedFiles();
+    const QString name = path().isEmpty()    ? tr("Untitled")
+                         : m_file.isSample() ? m_file.name()
+                                             : m_recent->labelOf(path());
+    const int merged = m_file.mergedFiles();
     if (merged == 0)
         return name;
     return merged == 1 ? tr("%1 + 1 file").arg(name) : tr("%1 + %n files", nullptr, merged).arg(name);
-}
-
-int HostFiles::mergedFiles() const
-{
-    if (!m_scene)
-        return 0;
-    const RyScene::Origins &origins = m_scene->getOrigins();
-    const auto isMerged = [this](const std::shared_ptr<RySceneOrigin> &origin) {
-        return std::none_of(m_ownOrigins.begin(), m_ownOrigins.end(),
-                            [&origin](const auto &own) { return own.lock() == origin; });
-    };
-    return m_mergedBefore + int(std::count_if(origins.begin(), origins.end(), isMerged));
 }
 
 QStringList HostFiles::recentFiles() const
@@ -75,27 +55,11 @@ bool HostFiles::isReadable(const QString &path)
     return RySceneFile::readableEndings().contains(QFileInfo(path).suffix().toLower());
 }
 
-QString HostFiles::unsavedChanges() const
+void HostFiles::setFile(const QString &path, const SavedState &state, bool isSample,
+                        const OpenedFile::Recovered *before)
 {
-    return ryUndoStack() ? unsavedChangesText(*ryUndoStack(), m_savedState) : QString();
-}
-
-HostFiles::Stamp HostFiles::stampOf(const QString &path)
-{
-    const QFileInfo info(path);
-    return {info.lastModified(), info.size()};
-}
-
-void HostFiles::setFile(const QString &path, const SavedState &state, bool isSample, const Recovered *before)
-{
-    m_path = path;
-    m_savedState = state;
-    m_isSample = isSample;
-    m_stamp = before && before->stamp.first.isValid() ? before->stamp : stampOf(path);
-    m_mergedBefore = before ? before->mergedFiles : 0;
-    const RyScene::Origins &origins = m_scene->getOrigins();
-    m_ownOrigins.assign(origins.begin(), origins.end());
-    if (!ownPath().isEmpty()) {
+    m_file.take(path, state, isSample, before);
+    if (!m_file.ownPath().isEmpty()) {
         m_recent->add(path);
         m_dialogs.rememberFolderOf(path);
     }
@@ -133,33 +97,10 @@ bool HostFiles::load(const QString &path, bool merge)
                              tr("%1\n\nThe scene is as it was before.").arg(error));
         return false;
     }
-    noteMessages(path, messages);
+    m_notes->take(path, messages);
     if (!messages.isEmpty())
-        emit messagePosted(shortOf(QFileInfo(path).fileName(), messages));
+        emit messagePosted(m_notes->shortText(QFileInfo(path).fileName()));
     return true;
-}
-
-/// The first note, and how many more there are.
-QString HostFiles::shortOf(const QString &what, const QStringList &notes)
-{
-    return notes.size() == 1
-               ? tr("%1: %2").arg(what, notes.first())
-               : tr("%1: %2 (and %n more: File, Notes)", nullptr, notes.size() - 1).arg(what, notes.first());
-}
-
-void HostFiles::noteMessages(const QString &path, const QStringList &notes)
-{
-    m_notes = notes;
-    m_notedFile = QFileInfo(path).fileName();
-    emit notesChanged();
-}
-
-void HostFiles::showNotes()
-{
-    QMessageBox box(QMessageBox::Information, tr("Notes"), tr("About %1:").arg(m_notedFile), QMessageBox::Ok, m_window);
-    box.setObjectName(QStringLiteral("NotesBox"));
-    box.setInformativeText(m_notes.join(QStringLiteral("\n\n")));
-    box.exec();
 }
 
 void HostFiles::setSavesJointsOnly(bool onOff)
@@ -220,15 +161,10 @@ bool HostFiles::newScene()
         return false;
     RySceneFile::close(m_scene);
     setSavesJointsOnly(false);
-    noteMessages(QString(), {});
+    m_notes->take(QString(), {});
     setFile(QString(), SavedState::now(SavedState::Started), false);
     emit messagePosted(tr("An empty scene. File > Merge adds files to it, File > Open replaces it."));
     return true;
-}
-
-QString HostFiles::whyNotClosed() const
-{
-    return m_path.isEmpty() && m_scene->getNodes().empty() ? tr("No file is open.") : QString();
 }
 
 bool HostFiles::closeFile()
@@ -240,59 +176,45 @@ bool HostFiles::closeFile()
     return true;
 }
 
-QString HostFiles::whyNotReverted() const
-{
-    if (m_path.isEmpty())
-        return tr("There is no file to go back to: the scene was neither opened nor saved.");
-    const QString name = QFileInfo(m_path).fileName();
-    if (!QFileInfo::exists(m_path))
-        return tr("%1 is not there any more.").arg(QDir::toNativeSeparators(m_path));
-    if (!hasEdits(*ryUndoStack(), m_savedState) && stampOf(m_path) == m_stamp)
-        return tr("Nothing has changed: the scene is as %1 is on the disk.").arg(name);
-    return {};
-}
-
 bool HostFiles::revert()
 {
-    const QString reason = whyNotReverted();
+    const QString reason = m_file.whyNotReverted();
     if (!reason.isEmpty()) {
         emit messagePosted(reason);
         return false;
     }
     QStringList lost;
-    if (hasEdits(*ryUndoStack(), m_savedState))
-        lost.append(tr("This is lost, and undo does not bring it back:\n%1").arg(unsavedChanges()));
-    if (const int merged = mergedFiles(); merged > 0)
+    if (m_file.hasEdits())
+        lost.append(tr("This is lost, and undo does not bring it back:\n%1").arg(m_file.unsavedChanges()));
+    if (const int merged = m_file.mergedFiles(); merged > 0)
         lost.append(merged == 1 ? tr("What was merged from another file goes too.")
                                 : tr("What was merged from %n other files goes too.", nullptr, merged));
-    if (stampOf(m_path) != m_stamp)
+    if (m_file.isWrittenSince())
         lost.append(tr("The file on the disk is another one by now: another program has written it."));
-    QMessageBox box(QMessageBox::Question, tr("Revert"),
-                    tr("Open %1 again as it is on the disk?").arg(QFileInfo(m_path).fileName()), QMessageBox::Cancel,
-                    m_window);
+    QMessageBox box(QMessageBox::Question, tr("Revert"), tr("Open %1 again as it is on the disk?").arg(m_file.name()),
+                    QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("RevertBox"));
     box.setInformativeText(lost.join(QStringLiteral("\n\n")));
     const QPushButton *revert = box.addButton(tr("Revert"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
-    if (box.clickedButton() != revert || !open(m_path, m_isSample))
+    if (box.clickedButton() != revert || !open(path(), m_file.isSample()))
         return false;
-    emit messagePosted(tr("%1 is as it is on the disk.").arg(QFileInfo(m_path).fileName()));
+    emit messagePosted(tr("%1 is as it is on the disk.").arg(m_file.name()));
     return true;
 }
 
-void HostFiles::takeRecovered(const Recovered &work, const QStringList &notes)
+void HostFiles::takeRecovered(const OpenedFile::Recovered &work, const QStringList &notes)
 {
     setSavesJointsOnly(work.jointsOnly);
     setFile(work.path, SavedState::now(SavedState::Recovered), work.isSample, &work);
-    noteMessages(work.path, notes);
+    m_notes->take(work.path, notes);
     emit opened();
 }
 
 bool HostFiles::mayReplace(const QString &path, bool *savedElsewhere)
 {
-    if (m_path.isEmpty() || QFileInfo(path) != QFileInfo(m_path) || !QFileInfo::exists(path) ||
-        stampOf(m_path) == m_stamp)
+    if (!m_file.isAt(path) || !m_file.isWrittenSince())
         return true;
     QMessageBox box(QMessageBox::Warning, tr("Written Meanwhile"),
                     tr("Replace %1, which another program has written since?").arg(QFileInfo(path).fileName()),
@@ -322,12 +244,11 @@ bool HostFiles::savePath(const QString &path)
         return false;
     // With losses the scene goes on counting from what it counted from.
     setFile(QFileInfo(path).absoluteFilePath(),
-            written.losses.isEmpty() ? SavedState::now(SavedState::Saved) : m_savedState, false);
+            written.losses.isEmpty() ? SavedState::now(SavedState::Saved) : m_file.savedState(), false);
     tellLosses(path, written.losses, true);
-    noteMessages(m_path, written.messages);
-    emit messagePosted(written.messages.isEmpty()
-                           ? tr("Saved %1").arg(QDir::toNativeSeparators(m_path))
-                           : shortOf(tr("Saved %1").arg(QFileInfo(m_path).fileName()), written.messages));
+    m_notes->take(this->path(), written.messages);
+    emit messagePosted(written.messages.isEmpty() ? tr("Saved %1").arg(QDir::toNativeSeparators(this->path()))
+                                                  : m_notes->shortText(tr("Saved %1").arg(m_file.name())));
     return true;
 }
 
@@ -344,7 +265,7 @@ void HostFiles::tellLosses(const QString &path, const QStringList &losses, bool 
 
 bool HostFiles::refuseOwnFile(const QString &path, const QString &title)
 {
-    if (m_path.isEmpty() || !QFileInfo::exists(path) || QFileInfo(path) != QFileInfo(m_path))
+    if (!m_file.isAt(path))
         return false;
     QMessageBox::warning(m_window, title,
                          tr("%1 is the file that is open. Choose another name; File > Save writes the file itself.")
@@ -366,10 +287,10 @@ bool HostFiles::writeAside(const QString &path, bool isExport)
     if (!written.withoutExtras.isEmpty())
         notes.prepend(
             tr("Without our extras the file does not hold %1").arg(written.withoutExtras.join(QStringLiteral("; "))));
-    noteMessages(path, notes);
+    m_notes->take(path, notes);
     const QString name = QFileInfo(path).fileName();
     const QString done = isExport ? tr("Exported %1") : tr("Saved a copy as %1");
-    emit messagePosted(notes.isEmpty() ? done.arg(QDir::toNativeSeparators(path)) : shortOf(done.arg(name), notes));
+    emit messagePosted(notes.isEmpty() ? done.arg(QDir::toNativeSeparators(path)) : m_notes->shortText(done.arg(name)));
     return true;
 }
 
@@ -387,17 +308,18 @@ bool HostFiles::confirmDiscard()
 {
     if (!ryUndoStack() || ryUndoStack()->isClean())
         return true;
-    const QString name = m_path.isEmpty() ? tr("the scene") : QFileInfo(m_path).fileName();
-    const bool isForeign = RySceneFile::isForeign(m_path);
+    const QString name = path().isEmpty() ? tr("the scene") : m_file.name();
+    const bool isForeign = RySceneFile::isForeign(path());
     QMessageBox box(
         QMessageBox::Question, tr("Unsaved Changes"),
         (isForeign ? tr("Save what was read from %1 as glTF first?") : tr("Save the changes to %1 first?")).arg(name),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, m_window);
     box.setObjectName(QStringLiteral("UnsavedChangesBox"));
-    const bool isAllLost = m_savedState.kind == SavedState::Recovered || m_savedState.kind == SavedState::Imported;
-    box.setInformativeText(isForeign   ? tr("%1\n%2 itself stays as it is.").arg(unsavedChanges(), name)
-                           : isAllLost ? tr("%1\nWithout saving all of it is lost.").arg(unsavedChanges())
-                                       : tr("%1\nWithout saving they are lost.").arg(unsavedChanges()));
+    const SavedState::Kind kind = m_file.savedState().kind;
+    const bool isAllLost = kind == SavedState::Recovered || kind == SavedState::Imported;
+    box.setInformativeText(isForeign   ? tr("%1\n%2 itself stays as it is.").arg(m_file.unsavedChanges(), name)
+                           : isAllLost ? tr("%1\nWithout saving all of it is lost.").arg(m_file.unsavedChanges())
+                                       : tr("%1\nWithout saving they are lost.").arg(m_file.unsavedChanges()));
     box.setDefaultButton(QMessageBox::Save);
     switch (box.exec()) {
     case QMessageBox::Save:
@@ -413,38 +335,28 @@ void HostFiles::openWithDialog()
 {
     if (!confirmDiscard())
         return;
-    const QString path = m_dialogs.askForOpening(tr("Open"), ownPath());
+    const QString path = m_dialogs.askForOpening(tr("Open"), m_file.ownPath());
     if (!path.isEmpty())
         openPath(path);
 }
 
 void HostFiles::mergeWithDialog()
 {
-    const QString path = m_dialogs.askForOpening(tr("Merge"), ownPath());
+    const QString path = m_dialogs.askForOpening(tr("Merge"), m_file.ownPath());
     if (!path.isEmpty())
         mergePath(path);
 }
 
 QString HostFiles::suggestion(const QString &behind) const
 {
-    const QString base = m_path.isEmpty() ? tr("untitled") : QFileInfo(m_path).completeBaseName();
-    return QDir(m_dialogs.folderFor(ownPath()))
+    const QString base = path().isEmpty() ? tr("untitled") : QFileInfo(path()).completeBaseName();
+    return QDir(m_dialogs.folderFor(m_file.ownPath()))
         .filePath(base + behind + QLatin1Char('.') + QLatin1String(DefaultEnding));
-}
-
-QString HostFiles::whyNotSaved() const
-{
-    return m_scene->getNodes().empty() ? tr("The scene is empty: there is nothing to save.") : QString();
-}
-
-bool HostFiles::savesInPlace() const
-{
-    return !ownPath().isEmpty() && isWritable(m_path);
 }
 
 bool HostFiles::save()
 {
-    return savesInPlace() ? savePath(m_path) : saveAs();
+    return m_file.savesInPlace() ? savePath(path()) : saveAs();
 }
 
 bool HostFiles::saveAs()

@@ -1,9 +1,10 @@
 #include "ryhost/commands/unsavedChanges.h"
 
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/SavedState.h"
+#include "ryhost/commands/timeText.h"
 
 #include <QCoreApplication>
-#include <QLocale>
 #include <QStringList>
 
 #include <algorithm>
@@ -66,41 +67,6 @@ QString captionsText(const std::vector<QString> &captions)
 }
 
 } // namespace
-
-QString timeTextOf(const QDateTime &time)
-{
-    const QLocale locale;
-    // The locale of programs that have none says seconds even in its short form.
-    const QString clock =
-        locale.toString(time.time(), locale.timeFormat(QLocale::ShortFormat).remove(QStringLiteral(":ss")));
-    return time.date() == QDate::currentDate()
-               ? clock
-               : Unsaved::tr("%1, %2").arg(locale.toString(time.date(), QLocale::ShortFormat), clock);
-}
-
-SavedState SavedState::now(Kind kind)
-{
-    const RyUndoStack *stack = ryUndoStack();
-    return {kind, QDateTime::currentDateTime(), stack ? stack->number(stack->count() - 1) : 0, {}};
-}
-
-QString SavedState::text() const
-{
-    const QString clock = timeTextOf(time);
-    switch (kind) {
-    case Started:
-        return Unsaved::tr("the empty scene of %1").arg(clock);
-    case Opened:
-        return Unsaved::tr("the opening at %1").arg(clock);
-    case Imported:
-        return Unsaved::tr("the reading of %1 at %2").arg(file, clock);
-    case Recovered:
-        return Unsaved::tr("the recovery at %1").arg(clock);
-    case Saved:
-        break;
-    }
-    return Unsaved::tr("the save of %1").arg(clock);
-}
 
 bool hasEdits(const RyUndoStack &stack, const SavedState &saved)
 {

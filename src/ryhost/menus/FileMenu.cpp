@@ -3,6 +3,7 @@
 #include "rycore/app/RyMainWindow.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/FileNotes.h"
 #include "ryhost/commands/HostFiles.h"
 #include "ryhost/commands/RecentFiles.h"
 #include "ryhost/commands/menuEntries.h"
@@ -22,8 +23,8 @@ FileMenu::FileMenu(RyMainWindow *window, HostFiles *files, QObject *parent)
     addSaving();
     m_menu->addSeparator();
     m_notes = addMenuEntry(m_menu, "FileNotes", tr("&Notes..."), QString());
-    connect(m_notes, &QAction::triggered, files, &HostFiles::showNotes);
-    connect(files, &HostFiles::notesChanged, this, &FileMenu::updateNotes);
+    connect(m_notes, &QAction::triggered, files->notes(), &FileNotes::show);
+    connect(files->notes(), &FileNotes::changed, this, &FileMenu::updateNotes);
     updateNotes();
     m_menu->addSeparator();
     m_close = addMenuEntry(m_menu, "FileClose", tr("C&lose"), QString());
@@ -90,22 +91,23 @@ void FileMenu::updateEntries()
     const auto update = [](QAction *action, const QString &reason, const QString &tip) {
         setMenuEntryAvailable(action, reason.isEmpty(), reason, tip);
     };
-    const QString notSaved = m_files->whyNotSaved();
+    const QString notSaved = m_files->file().whyNotSaved();
     update(m_save, notSaved,
-           m_files->savesInPlace() ? tr("Save to the file that was opened") : tr("Save to a file; asks which"));
+           m_files->file().savesInPlace() ? tr("Save to the file that was opened") : tr("Save to a file; asks which"));
     update(m_saveAs, notSaved, tr("Save to another file, and go on with that"));
     update(m_saveCopy, notSaved, tr("Save to another file, and go on with this one"));
     update(
         m_export, notSaved,
         tr("Write a glTF file for other programs that says nothing beyond the format; what that leaves out is told"));
-    update(m_revert, m_files->whyNotReverted(),
+    update(m_revert, m_files->file().whyNotReverted(),
            tr("Open the file again as it is on the disk; says what is lost first"));
-    update(m_close, m_files->whyNotClosed(), tr("Leave the file for an empty scene; unsaved changes are asked about"));
+    update(m_close, m_files->file().whyNotClosed(),
+           tr("Leave the file for an empty scene; unsaved changes are asked about"));
 }
 
 void FileMenu::updateNotes()
 {
-    setMenuEntryAvailable(m_notes, !m_files->notes().isEmpty(),
+    setMenuEntryAvailable(m_notes, !m_files->notes()->texts().isEmpty(),
                           tr("There is nothing to say about the file that was opened or saved last."),
                           tr("What there was to say about the file that was opened or saved last"));
 }

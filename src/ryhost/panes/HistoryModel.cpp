@@ -1,6 +1,7 @@
 #include "ryhost/panes/HistoryModel.h"
 
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/commands/timeText.h"
 
 #include <QFont>
 #include <QGuiApplication>

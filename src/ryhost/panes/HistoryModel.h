@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ryhost/commands/unsavedChanges.h"
+#include "ryhost/commands/SavedState.h"
 
 #include <QAbstractTableModel>
 

@@ -64,12 +64,12 @@ void HistoryPane::refresh()
 {
     if (!isVisible())
         return;
-    const QString changes = m_files->unsavedChanges();
-    m_state->setText(changes.isEmpty() ? tr("Nothing has changed since %1.").arg(m_files->savedState().text())
+    const QString changes = m_files->file().unsavedChanges();
+    m_state->setText(changes.isEmpty() ? tr("Nothing has changed since %1.").arg(m_files->file().savedState().text())
                                        : changes);
     const bool isWalking = m_showing;
     const QScopedValueRollback<bool> showing(m_showing, true);
-    m_model->refresh(m_files->savedState());
+    m_model->refresh(m_files->file().savedState());
     if (isWalking)
         return;
     const QModelIndex present = m_model->index(m_stack->index(), HistoryModel::StepColumn);

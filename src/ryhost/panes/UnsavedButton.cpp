@@ -2,6 +2,7 @@
 
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/commands/HostFiles.h"
+#include "ryhost/commands/unsavedChanges.h"
 
 UnsavedButton::UnsavedButton(HostFiles *files, QWidget *parent) : QToolButton(parent), m_files(files)
 {
@@ -18,11 +19,11 @@ UnsavedButton::UnsavedButton(HostFiles *files, QWidget *parent) : QToolButton(pa
 
 void UnsavedButton::refresh()
 {
-    const QString changes = m_files->unsavedChanges();
+    const QString changes = m_files->file().unsavedChanges();
     setVisible(!changes.isEmpty());
     if (changes.isEmpty())
         return;
-    setText(tr("* %1").arg(unsavedCountText(*ryUndoStack(), m_files->savedState())));
+    setText(tr("* %1").arg(unsavedCountText(*ryUndoStack(), m_files->file().savedState())));
     setToolTip(tr("%1\nClick to see the history.").arg(changes));
     setStatusTip(changes);
     setAccessibleDescription(changes);

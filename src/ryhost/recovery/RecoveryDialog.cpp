@@ -3,6 +3,7 @@
 #include "rycore/io/RySceneFile.h"
 #include "rycore/io/snapshot/RySceneSnapshot.h"
 #include "rycore/io/snapshot/RySnapshotStore.h"
+#include "ryhost/commands/timeText.h"
 #include "ryhost/commands/unsavedChanges.h"
 
 #include <QDialogButtonBox>

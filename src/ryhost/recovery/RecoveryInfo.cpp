@@ -1,4 +1,5 @@
 #include "ryhost/recovery/RecoveryInfo.h"
+#include "ryhost/commands/timeText.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -9,10 +10,10 @@ RecoveryInfo RecoveryInfo::of(const HostFiles &files, const QStringList &losses)
 {
     RecoveryInfo info;
     info.path = files.path();
-    info.isSample = files.isSample();
+    info.isSample = files.file().isSample();
     info.jointsOnly = files.savesJointsOnly();
-    info.mergedFiles = files.mergedFiles();
-    info.stamp = files.stamp();
+    info.mergedFiles = files.file().mergedFiles();
+    info.stamp = files.file().stamp();
     info.time = QDateTime::currentDateTimeUtc();
     info.losses = losses;
     return info;
@@ -59,5 +60,5 @@ QString RecoveryInfo::timeText() const
 
 bool RecoveryInfo::isFileWrittenSince() const
 {
-    return !isSample && stamp.first.isValid() && QFileInfo::exists(path) && HostFiles::stampOf(path) != stamp;
+    return !isSample && stamp.first.isValid() && QFileInfo::exists(path) && OpenedFile::stampOf(path) != stamp;
 }

@@ -20,7 +20,7 @@ public:
     bool jointsOnly = false;
     int mergedFiles = 0; ///< into the scene since it was opened or saved
     /// When the file at `path` was written, and its size, as it was when the scene was opened or saved.
-    HostFiles::Stamp stamp;
+    OpenedFile::Stamp stamp;
     QDateTime time;
     QStringList losses; ///< what could not be kept
 

@@ -200,7 +200,7 @@ void HostWindow::makeStatusBar()
 void HostWindow::updateTitle()
 {
     // As long as it is in no file.
-    const bool isRecovered = m_files->savedState().kind == SavedState::Recovered;
+    const bool isRecovered = m_files->file().savedState().kind == SavedState::Recovered;
     setWindowTitle((isRecovered ? tr("%1 (recovered)[*] - ryhost") : tr("%1[*] - ryhost"))
                        .arg(m_files->title().replace(QLatin1String("[*]"), QLatin1String("[*][*]"))));
     setWindowModified(!ryUndoStack()->isClean());
