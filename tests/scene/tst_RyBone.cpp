@@ -4,9 +4,11 @@
 #include "rycore/undo/restore/RyRestorePoints.h"
 #include "support/RyTest.h"
 
+#include <QPointer>
+
 #include <cmath>
 
-/// How a bone knows what became of its rest.
+/// How a bone knows what became of its rest, and where its weights came from.
 class RyBoneTest : public QObject
 {
     Q_OBJECT
@@ -66,6 +68,70 @@ private slots:
         RyElementDuplicateContext context(nullptr);
         const RyRef<RyBone> copy(qobject_cast<RyBone *>(bone->doDuplicateElement(&context)));
         QVERIFY(copy && copy->getCarried() == bone->getCarried());
+    }
+
+    void weightGiverIsUndone()
+    {
+        const RyRef<RyBone> giver(new RyBone), other(new RyBone), bone(new RyBone);
+        bone->setWeightGiver(other);
+        RyUndoStackHold hold;
+        bone->setWeightGiver(giver);
+        hold.accept(QStringLiteral("Give"));
+        QCOMPARE(bone->getWeightGiver(), giver.get());
+        ryUndoStack()->undo();
+        QCOMPARE(bone->getWeightGiver(), other.get());
+        ryUndoStack()->redo();
+        QCOMPARE(bone->getWeightGiver(), giver.get());
+    }
+
+    void weightGiverComesBackWithARestorePoint()
+    {
+        const RyRef<RyBone> giver(new RyBone), bone(new RyBone);
+        RyRestorePoints *points = ryRestorePoints();
+        points->setMost(3);
+        QVERIFY(points->take(QStringLiteral("Give")));
+        bone->setWeightGiver(giver);
+        QVERIFY(points->restore(0));
+        QVERIFY(!bone->getWeightGiver());
+        points->clear();
+        points->setMost(0);
+    }
+
+    /// A bone that was deleted is still who gave.
+    void weightGiverIsHeld()
+    {
+        QPointer<RyBone> giver(new RyBone);
+        RyRef<RyBone> bone(new RyBone);
+        bone->setWeightGiver(RyRef<RyBone>(giver));
+        QCOMPARE(bone->getWeightGiver(), giver.data());
+        QVERIFY(giver);
+        bone = nullptr;
+        QVERIFY(!giver);
+    }
+
+    void noTwoBonesHoldEachOther()
+    {
+        QPointer<RyBone> first(new RyBone), second(new RyBone), third(new RyBone);
+        {
+            const RyRef<RyBone> bones[] = {first.data(), second.data(), third.data()};
+            second->setWeightGiver(first);
+            third->setWeightGiver(second);
+            first->setWeightGiver(third);
+            first->setWeightGiver(first);
+            QVERIFY(!first->getWeightGiver());
+            QCOMPARE(third->getWeightGiver(), second.data());
+        }
+        QVERIFY(!first && !second && !third);
+    }
+
+    /// It may weigh nothing, and belongs to another figure or to none.
+    void duplicateHasNoWeightGiver()
+    {
+        const RyRef<RyBone> giver(new RyBone), bone(new RyBone);
+        bone->setWeightGiver(giver);
+        RyElementDuplicateContext context(nullptr);
+        const RyRef<RyBone> copy(qobject_cast<RyBone *>(bone->doDuplicateElement(&context)));
+        QVERIFY(copy && !copy->getWeightGiver());
     }
 
 private:

@@ -134,6 +134,8 @@ private slots:
         tube.place(2, tube.fixture.bones[1], 20, 30);
         tube.fixture.skin->findBoneBinding(tube.fixture.bones[2])
             ->setWeights(ryMapOf(std::vector<quint16>(size_t(tube.fixture.mesh->getNumVertices()), 65535)));
+        RyBone *taker = tube.fixture.bones[2];
+        taker->setWeightGiver(tube.fixture.bones[1]);
         const QString before = dumpWeights(tube.fixture.skin);
         {
             RyUndoStackHold hold;
@@ -142,11 +144,14 @@ private slots:
         }
         const QString after = dumpWeights(tube.fixture.skin);
         QVERIFY(after != before);
+        QVERIFY2(!taker->getWeightGiver(), "its weights are its own now");
         QCOMPARE(ryUndoStack()->count(), 1);
         ryUndoStack()->undo();
         QCOMPARE(dumpWeights(tube.fixture.skin), before);
+        QCOMPARE(taker->getWeightGiver(), tube.fixture.bones[1]);
         ryUndoStack()->redo();
         QCOMPARE(dumpWeights(tube.fixture.skin), after);
+        QVERIFY(!taker->getWeightGiver());
     }
 
     void nothingToBind()

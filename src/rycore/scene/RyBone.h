@@ -29,6 +29,12 @@ public:
     /// Takes that of a bone of which this one is to be a copy; unrecorded.
     void copyCarried(const RyBone &from) { m_carried = from.m_carried; }
 
+    /// The bone of which this one was made with a share of the weights, null for none. A clip of a file that knows only
+    /// that one moves both alike, wherever they hang. It is held: it may be deleted before this one is in a file.
+    RyBone *getWeightGiver() const { return m_weightGiver.get(); }
+    /// Undoable where a hold is open; announces nothing. Not for one that has its weights from this one.
+    void setWeightGiver(RyBone *giver);
+
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
 
 protected:
@@ -36,5 +42,7 @@ protected:
 
 private:
     struct CarriedValue;
+    struct GiverValue;
     Carried m_carried;
+    RyRef<RyBone> m_weightGiver;
 };

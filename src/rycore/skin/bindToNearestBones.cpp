@@ -83,6 +83,7 @@ bool bindToNearestBones(RySkinBinding &skin)
     }
     const bool local = skin.hasLocalMaps();
     for (size_t i = 0; i < bindings.size(); ++i) {
+        bindings[i]->getBone()->setWeightGiver(nullptr);
         for (RyWeightMap *map : mapsOf(bindings[i], local))
             map->setAffected(mesh->getNumVertices(), indices[i], values[i]);
     }

@@ -8,6 +8,7 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/skin/RySkinBinding.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -89,14 +90,17 @@ RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *s
     RyBoneBinding *binding = copyBoneBinding(skin, bone, source);
     if (!binding)
         return nullptr;
+    const RyBoneBinding *original = skin->findBoneBinding(source);
     // Two full copies would outweigh the other bones of a vertex, and normalizing would make that last.
-    const std::vector<RyWeightMap *> kept = skin->findBoneBinding(source)->getAllWeightMaps();
+    const std::vector<RyWeightMap *> kept = original->getAllWeightMaps();
     const std::vector<RyWeightMap *> given = binding->getAllWeightMaps();
     std::set<const RyWeightMap *> shared;
     for (size_t i = 0; i < kept.size(); ++i) {
         if (shared.insert(kept[i]).second)
             shareWeights(kept[i], given[i]);
     }
+    if (std::any_of(given.begin(), given.end(), [](const RyWeightMap *map) { return map->getNumAffected() > 0; }))
+        bone->setWeightGiver(original->getBone());
     normalizeWeights(skin);
     return binding;
 }

@@ -18,7 +18,7 @@ RyBoneBinding *addEmptyBoneBinding(RyBone *bone, const RyNode *parent);
 /// Returns the new binding; null for nulls and where the skin does not bind `source`.
 RyBoneBinding *copyBoneBinding(RySkinBinding *skin, RyBone *bone, const RyBone *source);
 /// The same, and then the two share what the one had, half each, so that vertices stay where they are as long as the
-/// bones move alike. Normalizes the skin.
+/// bones move alike. Where there was a weight to share, `bone` knows its giver from then on. Normalizes the skin.
 RyBoneBinding *bindWithHalfOf(RySkinBinding *skin, RyBone *bone, const RyBone *source);
 /// The same in every skin that binds `source`, those of other figures included.
 void bindWithHalfOf(RyBone *bone, const RyBone *source);
