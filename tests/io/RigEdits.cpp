@@ -27,7 +27,7 @@ RyBone *makeBone(RyScene &scene, const RyBone &like, RyNode *parent, const RyVec
     return bone;
 }
 
-void copyBinding(RyBone *bone, const RyBone &from, bool withWeights)
+void copyBinding(RyBone *bone, RyBone &from, bool withWeights)
 {
     RySkinBinding *skin = RySkinBinding::findSkinFromNode(bone);
     const RyBoneBinding *source = skin->findBoneBinding(&from);
@@ -41,6 +41,8 @@ void copyBinding(RyBone *bone, const RyBone &from, bool withWeights)
             map->getWeights()[source->getWeights()->getAffectedIndices()[i]] =
                 source->getWeights()->getAffectedWeights()[i];
         map->finishEdit();
+        if (map->getNumAffected() > 0)
+            bone->setWeightGiver(&from);
     }
     binding->setWeights(map);
     skin->addBoneBinding(binding);

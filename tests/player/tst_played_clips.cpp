@@ -3,6 +3,7 @@
 #include "ClipSketch.h"
 #include "MergedScene.h"
 #include "PlayedFile.h"
+#include "RigEdits.h"
 
 #include "rycore/base/RyFloatProperty.h"
 #include "rycore/io/RySceneFile.h"
@@ -101,6 +102,60 @@ private slots:
         player.show(clips[1], clips[1]->end());
         QVERIFY(!stick->isPlayed());
         player.stop();
+    }
+
+    void weightGivers_data()
+    {
+        QTest::addColumn<bool>("isHungElsewhere");
+        QTest::addColumn<bool>("isGiverDeleted");
+        for (const bool isHungElsewhere : {false, true}) {
+            for (const bool isGiverDeleted : {false, true})
+                QTest::addRow("%s, %s", isHungElsewhere ? "hung elsewhere" : "in place",
+                              isGiverDeleted ? "giver deleted" : "giver there")
+                    << isHungElsewhere << isGiverDeleted;
+        }
+    }
+    /// New bones go on as those that gave them their weights, wherever they hang and whether those are there or not.
+    void weightGivers()
+    {
+        QFETCH(bool, isHungElsewhere);
+        QFETCH(bool, isGiverDeleted);
+        ClipSketch sketch(m_random);
+        sketch.bind();
+        sketch.driveAll(sketch.addClip("all"), "LINEAR");
+        const QString path = sketch.write(m_folder.filePath(QStringLiteral("sketch.gltf")));
+        CharacterScene character(path), untouched(path);
+        const auto boneOf = [](const CharacterScene &scene, int node) {
+            const std::vector<RyBone *> bones = scene.bones();
+            return *std::find_if(bones.begin(), bones.end(), [&](RyBone *b) { return scene.nodeOf(b) == node; });
+        };
+        RyBone *sibling = RigEdits::addSibling(character.scene, boneOf(character, ClipSketch::LeftArm));
+        RyBone *outer = RigEdits::splitBone(character.scene, boneOf(character, ClipSketch::RightArm));
+        if (isHungElsewhere) {
+            RigEdits::reparent(sibling, boneOf(character, ClipSketch::RightHand), true);
+            RigEdits::reparent(outer, boneOf(character, ClipSketch::LeftHand), true);
+        }
+        if (isGiverDeleted) {
+            for (const int giver : {ClipSketch::LeftArm, ClipSketch::RightArm})
+                RigEdits::deleteBone(character.scene, boneOf(character, giver));
+        }
+        ryUndoStack()->clearAll();
+        const auto clip = character.scene.getClips().front();
+        const auto same = untouched.scene.getClips().front();
+        constexpr int Frames = 20;
+        for (int frame = 0; frame < Frames; ++frame) {
+            const double time = clip->start() + clip->length() * frame / (Frames - 1);
+            character.scene.getClipPlayer()->show(clip, time);
+            untouched.scene.getClipPlayer()->show(same, time);
+            for (const auto &[bone, giver] :
+                 {std::pair(sibling, ClipSketch::LeftArm), std::pair(outer, ClipSketch::RightArm)}) {
+                for (const RyVec3 &place : {RyVec3(0, 0, 0), RyVec3(100, 0, 0), RyVec3(0, 100, 0), RyVec3(0, 0, 100)}) {
+                    const RyVec3 shown = bone->worldMap().mapPoint(place);
+                    const RyVec3 wanted = boneOf(untouched, giver)->worldMap().mapPoint(place);
+                    QVERIFY2((shown - wanted).length() < 1e-3f, qPrintable(bone->getName()));
+                }
+            }
+        }
     }
 
     /// In the world a clip goes where its figure goes.

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
 
 #include <algorithm>
@@ -47,9 +48,21 @@ bool areShares(const RyGltfBindingWeights &a, const RyGltfBindingWeights &b)
     return true;
 }
 
-} // namespace
+/// The bone of the file that a bone has its weights from, directly or through other new ones.
+const RyGltfNodeSource *knownGiver(const RyGltfOrigin &origin, const RyNode &node)
+{
+    const auto *bone = qobject_cast<const RyBone *>(&node);
+    const RyGltfNodeSource *source = nullptr;
+    for (const RyBone *giver = bone ? bone->getWeightGiver() : nullptr; giver && !source;
+         giver = giver->getWeightGiver())
+        source = origin.findSource(giver);
+    const RyNode *figure = node.getSkeleton();
+    return source && source->isBone && figure && origin.figures[size_t(source->figure)].sceneNode == figure ? source
+                                                                                                            : nullptr;
+}
 
-const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
+/// The bone of the file that lost most of what a bone weighs, if it is beside that, or below such.
+const RyGltfNodeSource *likelyGiver(const RyGltfOrigin &origin, const RyNode &bone)
 {
     const RyGltfFigureSource *figure = origin.findFigureSource(bone.getSkeleton());
     const std::vector<RyGltfBoneWeights> all = ryGltfBoneWeights(bone.getSkeleton());
@@ -74,5 +87,29 @@ const RyNode *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
         }
     }
     const bool isBeside = giver && giver->isDescendantOf(bone.getNodeParent()) && !bone.isDescendantOf(giver);
-    return isBeside ? giver : nullptr;
+    return isBeside ? origin.findSource(giver) : nullptr;
+}
+
+} // namespace
+
+const RyGltfNodeSource *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone)
+{
+    const RyGltfNodeSource *known = knownGiver(origin, bone);
+    if (!known)
+        return likelyGiver(origin, bone);
+    return known != ryGltfMovingBone(origin, bone.getNodeParent()) ? known : nullptr;
+}
+
+const RyGltfNodeSource *ryGltfMovingBone(const RyGltfOrigin &origin, const RyNode *bone)
+{
+    for (; bone; bone = bone->getNodeParent()) {
+        const RyGltfNodeSource *source = origin.findSource(bone);
+        if (!source && qobject_cast<const RyBone *>(bone)) {
+            source = knownGiver(origin, *bone);
+            source = source ? source : likelyGiver(origin, *bone);
+        }
+        if (source && source->isBone)
+            return source;
+    }
+    return nullptr;
 }

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
-#include <unordered_map>
 
 namespace {
 
@@ -42,7 +41,7 @@ RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfC
         if (!source.sceneNode || source.sceneNode->getScene() != &scene)
             continue;
         if (source.isBone)
-            addBone(origin, source);
+            addBone(origin, source, *source.sceneNode);
         else
             addOther(origin, source);
     }
@@ -57,16 +56,16 @@ RyGltfPlayedMotion::RyGltfPlayedMotion(const RyGltfOrigin &origin, const RyGltfC
 }
 
 /// Relative to its figure, which may move as well.
-void RyGltfPlayedMotion::addBone(const RyGltfOrigin &origin, const RyGltfNodeSource &source)
+void RyGltfPlayedMotion::addBone(const RyGltfOrigin &origin, const RyGltfNodeSource &source, RyNode &bone)
 {
     const RyGltfFigureSource &figure = origin.figures[size_t(source.figure)];
-    if (!figure.sceneNode || source.sceneNode->getSkeleton() != figure.sceneNode)
+    if (!figure.sceneNode || bone.getSkeleton() != figure.sceneNode)
         return;
     if (const RyGltfNodeSource *carrier = origin.findSource(figure.sceneNode)) {
-        add(source, carrier->node, carrier->bind);
+        add(source, bone, carrier->node, carrier->bind);
         return;
     }
-    add(source, -1, RyAffine::fromScale(origin.unit) * figureToWorld(origin, figure).inverse());
+    add(source, bone, -1, RyAffine::fromScale(origin.unit) * figureToWorld(origin, figure).inverse());
 }
 
 /// A prop or a figure, relative to what it hangs on; one that hangs elsewhere follows that alone.
@@ -76,39 +75,33 @@ void RyGltfPlayedMotion::addOther(const RyGltfOrigin &origin, const RyGltfNodeSo
     if (parent != source.sceneParent || (source.parent >= 0) != (parent != nullptr))
         return;
     if (!parent)
-        add(source, -1, RyAffine::fromScale(origin.unit));
+        add(source, *source.sceneNode, -1, RyAffine::fromScale(origin.unit));
     else
-        add(source, source.parent, origin.findSource(parent)->bind * carriedMap(*parent));
+        add(source, *source.sceneNode, source.parent, origin.findSource(parent)->bind * carriedMap(*parent));
 }
 
-void RyGltfPlayedMotion::add(const RyGltfNodeSource &source, int above, const RyAffine &behind)
+void RyGltfPlayedMotion::add(const RyGltfNodeSource &source, RyNode &node, int above, const RyAffine &behind)
 {
-    Played played{source.sceneNode, -1, {}, behind};
+    Played played{&node, -1, {}, behind};
     if (!source.bind.invert(played.before))
         return;
     played.chain = m_chains.add(source.node, above);
     m_played.push_back(played);
 }
 
-/// New bones that took weights over from one beside them move as that one does.
+/// New bones that took weights over move as those that gave them do, or did while they were there.
 void RyGltfPlayedMotion::addTakers(const RyGltfOrigin &origin)
 {
-    std::unordered_map<const RyNode *, size_t> placeOf;
-    std::set<RyNode *> figures;
-    for (size_t i = 0; i < m_played.size(); ++i) {
-        placeOf[m_played[i].node] = i;
-        if (qobject_cast<RyBone *>(m_played[i].node))
-            figures.insert(m_played[i].node->getSkeleton());
+    std::set<const RyNode *> figures;
+    for (const Played &played : m_played) {
+        if (qobject_cast<const RyBone *>(played.node))
+            figures.insert(played.node->getSkeleton());
     }
     for (const RyNode *figure : figures) {
         for (RyBone *bone : ryOwnBones(*figure)) {
-            const RyNode *giver = origin.findSource(bone) ? nullptr : ryGltfWeightGiver(origin, *bone);
-            const auto place = placeOf.find(giver);
-            if (place == placeOf.end())
-                continue;
-            Played played = m_played[place->second];
-            played.node = bone;
-            m_played.push_back(played);
+            const RyGltfNodeSource *giver = origin.findSource(bone) ? nullptr : ryGltfWeightGiver(origin, *bone);
+            if (giver)
+                addBone(origin, *giver, *bone);
         }
     }
 }

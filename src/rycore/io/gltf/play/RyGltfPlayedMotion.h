@@ -26,9 +26,9 @@ private:
         int chain = -1;
         RyAffine before, behind;
     };
-    void addBone(const RyGltfOrigin &origin, const RyGltfNodeSource &source);
+    void addBone(const RyGltfOrigin &origin, const RyGltfNodeSource &source, RyNode &bone);
     void addOther(const RyGltfOrigin &origin, const RyGltfNodeSource &source);
-    void add(const RyGltfNodeSource &source, int above, const RyAffine &behind);
+    void add(const RyGltfNodeSource &source, RyNode &node, int above, const RyAffine &behind);
     void addTakers(const RyGltfOrigin &origin);
 
     RyGltfChains m_chains;

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
+#include "rycore/io/gltf/extras/RyGltfWeightGiver.h"
 #include "rycore/io/gltf/save/RyGltfReach.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -57,17 +58,6 @@ RyGltfDeletedBones::sharesBefore(const RyGltfFigureSource &figure) const
     return result;
 }
 
-/// The node of a bone, or of the nearest one above that the file knew.
-int RyGltfDeletedBones::knownAbove(const RyNode &bone) const
-{
-    for (const RyNode *at = &bone; at; at = at->getNodeParent()) {
-        const auto edit = m_patch.edits.find(m_patch.nodeOf.of(at));
-        if (edit != m_patch.edits.end() && edit->second.source && edit->second.source->isBone)
-            return edit->first;
-    }
-    return -1;
-}
-
 void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
 {
     constexpr size_t enough = 400; // to see how far a limb goes
@@ -77,6 +67,9 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
         return;
     const std::vector<RyVec3> &positions = shape->getFacetMesh()->getPositions();
     const RyGltfInfluences now(figure.sceneNode, int(positions.size()));
+    std::vector<const RyGltfNodeSource *> moving;
+    for (const RyNode *bone : now.bones())
+        moving.push_back(ryGltfMovingBone(m_patch.source, bone));
     const double size = ryGltfSize(figure.sceneNode->worldMap()) / m_patch.source.unit;
     const double height = RyGltfReach().heightOf(*figure.sceneNode) * size;
     const size_t step = before.size() / enough + 1;
@@ -87,9 +80,8 @@ void RyGltfDeletedBones::addFigure(const RyGltfFigureSource &figure)
         const RyVec3 &position = positions[size_t(vertex)];
         std::vector<Share> sharesNow;
         for (const RyGltfInfluences::Influence &influence : now.of(vertex)) {
-            const int node = knownAbove(*now.bones()[influence.bone]);
-            if (node >= 0)
-                sharesNow.push_back({node, double(influence.weight)});
+            if (const RyGltfNodeSource *source = moving[influence.bone])
+                sharesNow.push_back({source->node, double(influence.weight)});
         }
         const bool isKnown = std::all_of(shares.begin(), shares.end(),
                                          [this](const Share &share) { return m_toNode.count(share.node) > 0; });

@@ -18,7 +18,6 @@ private:
 
     void addFigure(const RyGltfFigureSource &figure);
     std::map<int, std::vector<Share>> sharesBefore(const RyGltfFigureSource &figure) const;
-    int knownAbove(const RyNode &bone) const;
     void addVertex(const Eigen::Vector3d &place, double height, const std::vector<Share> &before,
                    const std::vector<Share> &now);
 

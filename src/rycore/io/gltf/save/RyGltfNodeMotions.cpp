@@ -21,14 +21,12 @@ RyGltfNodeMotions::RyGltfNodeMotions(const RyGltfScenePatch &patch)
 std::vector<RyGltfNodeMotion> RyGltfNodeMotions::find()
 {
     for (const auto &[sceneNode, node] : m_patch.added) {
-        const RyNode *bone =
+        const RyGltfNodeSource *giver =
             qobject_cast<const RyBone *>(sceneNode) ? ryGltfWeightGiver(m_patch.source, *sceneNode) : nullptr;
-        if (!bone)
+        if (!giver)
             continue;
-        const int giver = m_patch.nodeOf.of(bone);
-        m_givers[node] = giver;
-        const RyGltfNodeSource &source = *m_patch.edits.at(giver).source;
-        m_frames[node] = ryGltfColumns(m_patch.edits.at(node).uncarriedBind() * source.bind.inverse());
+        m_givers[node] = giver->node;
+        m_frames[node] = ryGltfColumns(m_patch.edits.at(node).uncarriedBind() * giver->bind.inverse());
     }
     for (size_t node = 0; node < m_before.nodes.size(); ++node) {
         if (isThere(int(node)) && !isNew(int(node)))
