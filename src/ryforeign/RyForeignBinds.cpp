@@ -1,6 +1,6 @@
 #include "ryforeign/RyForeignBinds.h"
 
-#include "rycore/io/gltf/save/RyGltfNodePatch.h"
+#include "rycore/io/gltf/clips/RyGltfTransforms.h"
 #include "ryforeign/RyForeignText.h"
 
 #include <assimp/scene.h>

@@ -1,10 +1,10 @@
 #include "ryforeign/RyForeignConverter.h"
 
+#include "rycore/io/gltf/clips/RyGltfTransforms.h"
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/document/RyGltfMatrices.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyTreeExtras.h"
-#include "rycore/io/gltf/save/RyGltfNodePatch.h"
 #include "ryforeign/RyForeignClips.h"
 #include "ryforeign/RyForeignLooks.h"
 #include "ryforeign/RyForeignMeshWriter.h"

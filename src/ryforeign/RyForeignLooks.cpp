@@ -3,14 +3,13 @@
 #include "rycore/io/gltf/document/RyGltfDocument.h"
 #include "rycore/io/gltf/file/RyGltfError.h"
 #include "rycore/io/gltf/file/RyGltfUri.h"
-#include "rycore/io/gltf/open/RyImageDecoder.h"
+#include "ryforeign/RyForeignPng.h"
 #include "ryforeign/RyForeignText.h"
 
 #include <assimp/scene.h>
 
 #include <nlohmann/json.hpp>
 
-#include <QBuffer>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -20,14 +19,6 @@ namespace {
 
 constexpr qint64 LargestPicture = qint64(128) << 20;
 constexpr qint64 MostOfPictures = qint64(256) << 20;
-
-QByteArray pngOf(const QImage &image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    return !image.isNull() && image.save(&buffer, "PNG") ? bytes : QByteArray();
-}
 
 } // namespace
 
@@ -208,8 +199,7 @@ int RyForeignLooks::addPicture(const QString &name, QByteArray bytes)
         return -1;
     QString type = RyGltfUri::imageMimeType(bytes);
     if (type != QLatin1String("image/png") && type != QLatin1String("image/jpeg")) {
-        QStringList words;
-        bytes = pngOf(RyImageDecoder::decode(bytes, &words));
+        bytes = RyForeignPng::fromPicture(bytes);
         type = QStringLiteral("image/png");
     }
     if (bytes.isEmpty()) {
@@ -251,9 +241,8 @@ QByteArray RyForeignLooks::embedded(const aiTexture &texture, const QString &nam
         return {};
     if (texture.mHeight == 0)
         return QByteArray(reinterpret_cast<const char *>(texture.pcData), int(texture.mWidth));
-    const QImage texels(reinterpret_cast<const uchar *>(texture.pcData), int(texture.mWidth), int(texture.mHeight),
-                        int(4 * texture.mWidth), QImage::Format_ARGB32);
-    const QByteArray bytes = pngOf(texels);
+    const QByteArray bytes = RyForeignPng::fromTexels(reinterpret_cast<const uchar *>(texture.pcData),
+                                                      int(texture.mWidth), int(texture.mHeight));
     if (bytes.isEmpty())
         m_input.say(QStringLiteral("The picture \"%1\" cannot be read and is left out").arg(name));
     return bytes;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "rycore/io/foreign/RyForeignReader.h"
+#include "ryforeign/RyForeignReader.h"
 
-/// The entry point of the library: reads an FBX, Collada or BVH file, which its ending tells.
-extern "C" __attribute__((visibility("default"))) bool ryReadForeign(const RyForeignRequest &request,
-                                                                     RyForeignResult &result);
+/// Reads an FBX, Collada or BVH file, which its ending tells.
+bool ryReadForeign(const RyForeignRequest &request, RyForeignResult &result);

@@ -1,7 +1,4 @@
 #include "rycore/app/RyApp.h"
-#include "rycore/io/foreign/RyForeignChild.h"
-#include "rycore/io/foreign/RyForeignImport.h"
-#include "rycore/io/foreign/RyForeignProtocol.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryhost/CommandLine.h"
@@ -47,7 +44,6 @@ int runApplication(int &argc, char **argv, const std::function<int()> &work)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ryhost"));
-    RyForeignImport::setProgram(QCoreApplication::applicationFilePath());
     const int code = work();
     RyUndoStack::destroyGlobal();
     ryDestroyScene();
@@ -63,13 +59,6 @@ int main(int argc, char **argv)
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    // The program starts itself so; nobody else has a use for it.
-    if (arguments.value(0) == QLatin1String(RyForeignProtocol::Option)) {
-        if (arguments.size() != 4)
-            return RyForeignProtocol::WrongUse;
-        const QCoreApplication application(argc, argv);
-        RyForeignChild::run(arguments.at(1), arguments.at(2), arguments.at(3).toDouble());
-    }
     const CommandLine line = CommandLine::parse(arguments);
     switch (line.mode) {
     case CommandLine::Help:

@@ -209,7 +209,7 @@ private:
             if (!ryModel(QLatin1String(name)).isEmpty())
                 list.append(ryModel(QLatin1String(name)));
         }
-        if (!QFileInfo::exists(QStringLiteral(RY_BINARY_DIR "/lib/libryforeign.so")))
+        if (!QFileInfo::exists(QStringLiteral(RY_BINARY_DIR "/lib/ryforeign")))
             return list; // a build without the reader of such files
         for (const char *name :
              {"arnaud.fbx", "two_armatures.dae", "foreign/mh_clip_morph.fbx", "foreign/mh_clip.bvh"}) {

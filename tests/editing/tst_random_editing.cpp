@@ -44,7 +44,7 @@ void RandomEditingTest::everyStateComesBack_data()
     QTest::newRow("parametric") << QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb") << 1500 << true;
     QTest::newRow("Fox") << ryModel(QStringLiteral("Fox.glb")) << 3300 << false;
     QTest::newRow("CesiumMan") << ryModel(QStringLiteral("CesiumMan.glb")) << 3300 << false;
-    if (!QFile::exists(QStringLiteral(RY_BINARY_DIR "/lib/libryforeign.so")))
+    if (!QFile::exists(QStringLiteral(RY_BINARY_DIR "/lib/ryforeign")))
         return; // a build without the reader of such files
     for (const char *name : {"arnaud.fbx", "two_armatures.dae", "foreign/mh_clip_morph.fbx", "foreign/mh_clip.bvh"})
         QTest::newRow(name) << ryModel(QString::fromLatin1(name)) << 600 << false;

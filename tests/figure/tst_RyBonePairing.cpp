@@ -313,7 +313,7 @@ void RyBonePairingTest::models_data()
     QTest::newRow("hand_flat_hierarchy.glb") << 25 << 0 << 0 << 0;
     QTest::newRow("quad_10_influences.glb") << 10 << 0 << 0 << 0;
     QTest::newRow("tentacle_84_skins.glb") << 840 << 0 << 0 << 0;
-    if (!QFile::exists(QStringLiteral(RY_BINARY_DIR "/lib/libryforeign.so")))
+    if (!QFile::exists(QStringLiteral(RY_BINARY_DIR "/lib/ryforeign")))
         return; // a build without the reader of such files
     QTest::newRow("arnaud.fbx") << 53 << 40 << 0 << 0;
     QTest::newRow("two_armatures.dae") << 4 << 0 << 0 << 0;

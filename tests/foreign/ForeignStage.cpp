@@ -1,7 +1,5 @@
 #include "foreign/ForeignStage.h"
 
-#include "rycore/io/foreign/RyForeignImport.h"
-
 #include <QDir>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -11,15 +9,13 @@
 ForeignStage::ForeignStage(Reader reader)
 {
     if (reader == Reader::Test)
-        qputenv("RYHOST_FOREIGN_LIBRARY", readerPath().toLocal8Bit());
+        qputenv("RYHOST_FOREIGN_READER", readerPath().toLocal8Bit());
     qputenv("TMPDIR", m_temporary.path().toLocal8Bit());
 }
 
 ForeignStage::~ForeignStage()
 {
-    RyForeignImport::setLimits(RyForeignImport::Limits());
-    RyForeignImport::setProgram(QString());
-    qunsetenv("RYHOST_FOREIGN_LIBRARY");
+    qunsetenv("RYHOST_FOREIGN_READER");
     qunsetenv("TMPDIR");
 }
 
@@ -30,7 +26,7 @@ QString ForeignStage::sample()
 
 QString ForeignStage::readerPath()
 {
-    return QStringLiteral(RY_BINARY_DIR "/testreaders/testreader.so");
+    return QStringLiteral(RY_BINARY_DIR "/testreaders/testreader");
 }
 
 QString ForeignStage::write(const QString &name, const QByteArray &content) const
@@ -51,12 +47,17 @@ QStringList ForeignStage::leftovers() const
 
 ForeignStage::Run ForeignStage::run(const QStringList &arguments)
 {
+    return runProgram(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
+}
+
+ForeignStage::Run ForeignStage::runProgram(const QString &program, const QStringList &arguments)
+{
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         environment.remove(QString::fromLatin1(name));
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), arguments);
+    process.start(program, arguments);
     Run result;
     if (!process.waitForFinished(120000)) {
         process.kill();

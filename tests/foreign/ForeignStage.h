@@ -29,6 +29,7 @@ public:
     };
     /// The program as a person at a shell would run it, without a display.
     static Run run(const QStringList &arguments);
+    static Run runProgram(const QString &program, const QStringList &arguments);
     /// Processes that a process has at the moment.
     static QList<int> childrenOf(qint64 process);
 

@@ -21,7 +21,11 @@ class ForeignImportTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init() { m_stage = std::make_unique<ForeignStage>(); }
+    void init()
+    {
+        m_stage = std::make_unique<ForeignStage>();
+        m_limits = {};
+    }
     void cleanup()
     {
         const QStringList leftovers = m_stage->leftovers();
@@ -72,7 +76,7 @@ private slots:
         QFETCH(QByteArray, content);
         QFETCH(QString, reason);
         const bool isSilent = reason.contains(QStringLiteral("no further"));
-        RyForeignImport::setLimits({isSilent ? 400 : 60000, qint64(256) << 20});
+        m_limits = {isSilent ? 400 : 60000, qint64(256) << 20};
         const QString file = m_stage->write(QStringLiteral("figure.fbx"), content);
         QCOMPARE(read(file), QByteArray());
         QVERIFY2(m_error.startsWith(file + QStringLiteral(" cannot be opened: ")), qPrintable(m_error));
@@ -101,23 +105,40 @@ private slots:
         }
     }
 
-    void withoutItsParts()
+    void withoutItsProgram()
     {
         const QString file = m_stage->write(QStringLiteral("figure.fbx"), "take " + ForeignStage::sample().toUtf8());
-        const QString nowhere = m_stage->path(QStringLiteral("nowhere.so"));
-        qputenv("RYHOST_FOREIGN_LIBRARY", nowhere.toLocal8Bit());
-        read(file);
-        QVERIFY2(m_error.contains(nowhere) && m_error.contains(QStringLiteral("is missing")), qPrintable(m_error));
-        qputenv("RYHOST_FOREIGN_LIBRARY", file.toLocal8Bit());
-        read(file);
-        QVERIFY2(m_error.contains(QStringLiteral("cannot be used")), qPrintable(m_error));
-        RyForeignImport::setProgram(QStringLiteral("/nowhere/ryhost"));
-        read(file);
-        QVERIFY2(m_error.contains(QStringLiteral("/nowhere/ryhost, cannot be started")), qPrintable(m_error));
+        const auto readWith = [&](const QString &program) {
+            qputenv("RYHOST_FOREIGN_READER", program.toLocal8Bit());
+            read(file);
+            return m_error;
+        };
+        const auto told = [&file](const QString &rest) {
+            return QStringLiteral("%1 cannot be opened: %2. Exported as glTF 2.0 (.glb) from the program that made it, "
+                                  "it can be opened.")
+                .arg(file, rest);
+        };
+        const QString nowhere = m_stage->path(QStringLiteral("nowhere"));
+        QCOMPARE(readWith(nowhere), told(QStringLiteral("the program that reads such files, %1, is missing; installing "
+                                                        "the program anew brings it back")
+                                             .arg(nowhere)));
+        QCOMPARE(readWith(file), told(QStringLiteral("the program that reads such files, %1, cannot be started; "
+                                                     "installing the program anew may help")
+                                          .arg(file)));
         // A program that knows nothing of it.
-        RyForeignImport::setProgram(QStringLiteral("/bin/true"));
-        read(file);
-        QVERIFY2(m_error.contains(QStringLiteral("ended without a result")), qPrintable(m_error));
+        QVERIFY2(readWith(QStringLiteral("/bin/true")).contains(QStringLiteral("ended without a result")),
+                 qPrintable(m_error));
+    }
+
+    /// What a user of the library has: it lies beside that, wherever the program that uses it lies.
+    void isFoundBesideTheLibrary()
+    {
+        qunsetenv("RYHOST_FOREIGN_READER");
+        const QString file = m_stage->write(QStringLiteral("motion.bvh"),
+                                            "HIERARCHY\nROOT hip\n{\nOFFSET 0 90 0\nCHANNELS 3 Zrotation Xrotation "
+                                            "Yrotation\nEnd Site\n{\nOFFSET 0 30 0\n}\n}\nMOTION\nFrames: 1\nFrame "
+                                            "Time: 0.1\n0 0 0\n");
+        QVERIFY2(read(file).startsWith("glTF"), qPrintable(m_error));
     }
 
     void whatTheLibraryPrintsCountsForNothing()
@@ -159,7 +180,7 @@ private slots:
     /// Steps that come keep it alive for longer than one may take.
     void progressIsNoSilence()
     {
-        RyForeignImport::setLimits({250, qint64(1) << 30});
+        m_limits = {250, qint64(1) << 30};
         QCOMPARE(read(m_stage->write(QStringLiteral("steps.fbx"), "steps " + ForeignStage::sample().toUtf8())),
                  bytesOf(ForeignStage::sample()));
     }
@@ -167,12 +188,12 @@ private slots:
     /// A large file may take long between two steps; computing for ever ends all the same.
     void workIsNoSilence()
     {
-        RyForeignImport::setLimits({1000, qint64(1) << 30, 60000});
+        m_limits = {1000, qint64(1) << 30, 60000};
         const QByteArray sample = ForeignStage::sample().toUtf8();
         QCOMPARE(read(m_stage->write(QStringLiteral("large.fbx"), "compute 3000 " + sample)),
                  bytesOf(ForeignStage::sample()));
         QCOMPARE(m_error, QString());
-        RyForeignImport::setLimits({1000, qint64(1) << 30, 2000});
+        m_limits = {1000, qint64(1) << 30, 2000};
         QCOMPARE(read(m_stage->write(QStringLiteral("endless.fbx"), "compute 0 " + sample)), QByteArray());
         QVERIFY2(m_error.contains(QStringLiteral("got no further for 2 seconds")), qPrintable(m_error));
     }
@@ -220,10 +241,10 @@ private slots:
         QVERIFY(parent.waitForStarted());
         QList<int> readers;
         QTRY_VERIFY_WITH_TIMEOUT(!(readers = ForeignStage::childrenOf(parent.processId())).isEmpty(), 20000);
-        QTRY_VERIFY_WITH_TIMEOUT(isRunning(readers.first(), "--read-foreign"), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(isRunning(readers.first(), "testreader"), 20000);
         parent.kill();
         QVERIFY(parent.waitForFinished());
-        const bool isGone = QTest::qWaitFor([&] { return !isRunning(readers.first(), "--read-foreign"); }, 5000);
+        const bool isGone = QTest::qWaitFor([&] { return !isRunning(readers.first(), "testreader"); }, 5000);
         if (!isGone)
             ::kill(readers.first(), SIGKILL);
         QVERIFY(isGone);
@@ -244,10 +265,12 @@ private slots:
     {
         const QString file = m_stage->write(QStringLiteral("x.fbx"), "take " + ForeignStage::sample().toUtf8());
         const QString out = m_stage->path(QStringLiteral("out.glb"));
-        QCOMPARE(ForeignStage::run({QStringLiteral("--read-foreign"), file, out, QStringLiteral("0")}).code, 0);
+        const auto run = [&file](const QString &to) {
+            return ForeignStage::runProgram(ForeignStage::readerPath(), {file, to, QStringLiteral("0")});
+        };
+        QCOMPARE(run(out).code, 0);
         QCOMPARE(bytesOf(out), bytesOf(ForeignStage::sample()));
-        const ForeignStage::Run refused = ForeignStage::run(
-            {QStringLiteral("--read-foreign"), file, m_stage->path(QStringLiteral("no/out.glb")), QStringLiteral("0")});
+        const ForeignStage::Run refused = run(m_stage->path(QStringLiteral("no/out.glb")));
         QCOMPARE(refused.code, 1);
         QVERIFY2(refused.out.contains("error what was read of it could not be written: "), refused.out.constData());
     }
@@ -271,11 +294,12 @@ private:
             bytes = glb;
             return true;
         };
-        const bool done = RyForeignImport::read(path, 0.0, progress, use, &m_error, &m_notes);
+        const bool done = RyForeignImport::read(path, 0.0, progress, use, &m_error, &m_notes, m_limits);
         return done ? bytes : QByteArray();
     }
 
     std::unique_ptr<ForeignStage> m_stage;
+    RyForeignLimits m_limits;
     QString m_error;
     QStringList m_notes;
 };

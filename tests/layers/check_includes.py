@@ -14,7 +14,7 @@ The graph has one line for each layer and each room, written by the build:
   what belongs to no room puts the rooms together. Of a room on top it is the other way round.
 - Widgets and OpenGL are included where the layer says so.
 - The application includes the host library and itself; a plug-in the host library and itself.
-- So does the library that reads foreign formats, which nothing else includes.
+- So does the program that reads foreign formats, which nothing else includes.
 - The operations of a plug-in know neither its tool, actions, dialogs and pane, nor widgets.
 - Our own files are included by their full path from src.
 
@@ -126,9 +126,9 @@ class Checker:
         if is_ours and place[0] == "ryhost" and ours[0] == "pluginsource":
             return "the application knows plug-ins only when they are loaded"
         if is_ours and ours[0] == "ryforeign" and place[0] != "ryforeign":
-            return "the library that knows foreign formats is loaded, never linked"
+            return "the program that knows foreign formats is started, never linked"
         if is_ours and place[0] == "ryforeign" and ours[0] not in ("rycore", "ryforeign"):
-            return "the library that knows foreign formats knows the host library only"
+            return "the program that knows foreign formats knows the host library only"
         if place[0] == "pluginsource":
             return self.plugin_refusal(place, ours if is_ours else None, header)
         if is_ours and place[0] == "ryhost":

@@ -16,5 +16,8 @@ if(TARGET RyJointTools AND NOT RY_SANITIZE)
   add_test(NAME layers_exports COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_exports.py
            $<TARGET_FILE:RyJointTools> getPluginDefinition getSDKVersion)
   add_test(NAME layers_foreign_exports COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_exports.py
-           $<TARGET_FILE:ryforeign> ryReadForeign)
+           $<TARGET_FILE:ryforeignpictures> ryPngFromPicture ryPngFromTexels)
+  # Each library more is time that every foreign file takes longer to open.
+  add_test(NAME layers_foreign_libraries COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_libraries.py
+           $<TARGET_FILE:ryforeign> libQt5Core libassimp libstdc++ libm libgcc_s libc)
 endif()

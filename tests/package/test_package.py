@@ -15,7 +15,8 @@ import unittest
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 PROGRAM = "usr/bin/ryhost"
 LIBRARIES = {"usr/lib/ryhost/librycore.so", "usr/lib/ryhost/plugins/RyJointTools.so"}
-READER = "usr/lib/ryhost/libryforeign.so"  # of other programs' files, where the build has it
+READER = "usr/lib/ryhost/ryforeign"  # of other programs' files, where the build has it
+PICTURES = "usr/lib/ryhost/libryforeignpictures.so"  # of theirs
 HOME = "usr/share/ryhost"
 FARM = {f"{HOME}/farm/farm", f"{HOME}/farm/farm_array"}
 
@@ -79,8 +80,9 @@ class PackageTest(unittest.TestCase):
         self.assertRegex(depends, r"libqt5core5a \(>= 5\.15")
 
     def test_holds_what_is_needed_and_no_more(self):
-        self.assertEqual(self.elf_files() - {READER}, LIBRARIES | {PROGRAM})
-        self.assertEqual(READER in self.files, (BUILD / "lib/libryforeign.so").exists())
+        self.assertEqual(self.elf_files() - {READER, PICTURES}, LIBRARIES | {PROGRAM})
+        self.assertEqual(READER in self.files, (BUILD / "lib/ryforeign").exists())
+        self.assertEqual(PICTURES in self.files, READER in self.files)
         expected = {f"{HOME}/{path.relative_to(ROOT / 'resources')}" for path in (ROOT / "resources").rglob("*")
                     if path.is_file()}
         self.assertTrue(expected)
@@ -108,7 +110,7 @@ class PackageTest(unittest.TestCase):
         for entry in entries:
             rights, owner, *_, name = entry.split()
             self.assertEqual(owner, "root/root", name)
-            runs = rights.startswith("d") or name[2:] in FARM | {PROGRAM}
+            runs = rights.startswith("d") or name[2:] in FARM | {PROGRAM, READER}
             self.assertIn(rights[1:], ("rwxr-xr-x",) if runs else ("rw-r--r--",), name)
 
     def test_no_path_of_the_machine_that_built_it(self):

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,4 +44,11 @@ QString RyFileSystem::machineMark()
     const QByteArray told =
         QSysInfo::machineHostName().toUtf8() + '\n' + boot.readAll() + QByteArray::number(qulonglong(processes.st_ino));
     return QString::fromLatin1(QCryptographicHash::hash(told, QCryptographicHash::Sha256).toHex().left(16));
+}
+
+QString RyFileSystem::ownFolder()
+{
+    Dl_info info;
+    const bool isKnown = dladdr(reinterpret_cast<void *>(&RyFileSystem::ownFolder), &info) != 0;
+    return isKnown ? QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() : QString();
 }

@@ -21,4 +21,7 @@ bool isOwn(const QString &path);
 /// which a folder may be shared: 16 letters and digits. Empty where the system does not tell.
 QString machineMark();
 
+/// The folder of the host library, or of a program that has this code within. What belongs to it lies beside it.
+QString ownFolder();
+
 } // namespace RyFileSystem

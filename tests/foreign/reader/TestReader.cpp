@@ -1,4 +1,4 @@
-#include "rycore/io/foreign/RyForeignReader.h"
+#include "ryforeign/RyForeignChild.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -50,9 +50,7 @@ void eat()
     }
 }
 
-} // namespace
-
-extern "C" Q_DECL_EXPORT bool ryReadForeign(const RyForeignRequest &request, RyForeignResult &result)
+bool read(const RyForeignRequest &request, RyForeignResult &result)
 {
     QFile file(request.path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -125,4 +123,11 @@ extern "C" Q_DECL_EXPORT bool ryReadForeign(const RyForeignRequest &request, RyF
         return take(rest, result);
     }
     return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    RyForeignChild::run(argc, argv, read);
 }

@@ -1,25 +1,38 @@
 #include "rycore/io/foreign/RyForeignImport.h"
 
+#include "rycore/base/RyFileSystem.h"
 #include "rycore/io/foreign/RyFileContent.h"
 #include "rycore/io/foreign/RyForeignProcess.h"
+#include "rycore/io/foreign/RyForeignProtocol.h"
 #include "rycore/io/foreign/RyUnnamedFile.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int Beat = 20; // milliseconds between two looks at the process
 
-QString programPath;
-RyForeignImport::Limits limitsNow;
-
+/// The program that reads: what the environment names, else the one beside the library that this is part of.
 QString program()
 {
-    return programPath.isEmpty() ? QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("ryhost"))
-                                 : programPath;
+    const QString given = qEnvironmentVariable(RyForeignProtocol::ProgramVariable);
+    if (!given.isEmpty())
+        return given;
+    return QStringLiteral("%1/%2").arg(RyFileSystem::ownFolder(), QLatin1String(RyForeignProtocol::Program));
+}
+
+/// Why that program cannot be started.
+QString explainProgram()
+{
+    const QString path = program();
+    const bool isThere = QFileInfo(path).isFile();
+    return QStringLiteral("the program that reads such files, %1, %2; installing the program anew %3")
+        .arg(path, isThere ? QStringLiteral("cannot be started") : QStringLiteral("is missing"),
+             isThere ? QStringLiteral("may help") : QStringLiteral("brings it back"));
 }
 
 /// Why the file need not be given to the reader; empty where it may be read.
@@ -40,25 +53,27 @@ QString findObstacle(const QString &path)
 class Silence
 {
 public:
-    Silence() { m_time.start(); }
+    explicit Silence(const RyForeignLimits &limits) : m_limits(limits) { m_time.start(); }
     void end(const RyForeignProcess &process)
     {
         m_time.start();
-        m_computed = process.processorTime();
+        m_computed = std::max(m_computed, process.processorTime());
     }
     /// The limit that it has passed, in milliseconds; 0 for none.
     int findExpired(const RyForeignProcess &process) const
     {
-        if (m_time.hasExpired(limitsNow.work))
-            return limitsNow.work;
-        if (!m_time.hasExpired(limitsNow.silence))
+        if (m_time.hasExpired(m_limits.work))
+            return m_limits.work;
+        if (!m_time.hasExpired(m_limits.silence))
             return 0;
-        const bool isAtWork = process.processorTime() - m_computed > m_time.elapsed() / LeastShare;
-        return isAtWork ? 0 : limitsNow.silence;
+        const qint64 computed = process.processorTime();
+        const bool isAtWork = computed - m_computed > m_time.elapsed() / LeastShare;
+        return isAtWork || computed < 0 ? 0 : m_limits.silence;
     }
 
 private:
     static constexpr int LeastShare = 20; // of the time; other programs want the processor too
+    const RyForeignLimits m_limits;
     QElapsedTimer m_time;
     qint64 m_computed = 0;
 };
@@ -81,18 +96,8 @@ QStringList RyForeignImport::endings()
     return {QStringLiteral("fbx"), QStringLiteral("dae"), QStringLiteral("bvh")};
 }
 
-void RyForeignImport::setProgram(const QString &path)
-{
-    programPath = path;
-}
-
-void RyForeignImport::setLimits(const Limits &limits)
-{
-    limitsNow = limits;
-}
-
 bool RyForeignImport::read(const QString &path, double unit, const Progress &progress, const Use &use, QString *error,
-                           QStringList *notes)
+                           QStringList *notes, const RyForeignLimits &limits)
 {
     const auto refuse = [&path, error](const QString &reason) {
         if (error)
@@ -106,10 +111,10 @@ bool RyForeignImport::read(const QString &path, double unit, const Progress &pro
     if (!written.isValid())
         return refuse(QStringLiteral("there is no memory for what is read of it; closing other programs may help"));
 
-    RyForeignProcess process(limitsNow.memory);
+    RyForeignProcess process(limits.memory);
     if (!process.start(program(), QFileInfo(path).absoluteFilePath(), written.handle(), unit))
-        return refuse(QStringLiteral("the program that reads such files, %1, cannot be started").arg(program()));
-    Silence silence;
+        return refuse(explainProgram());
+    Silence silence(limits);
     while (process.isRunning()) {
         const double before = process.progress();
         process.wait(Beat);

@@ -47,9 +47,7 @@ bool RyForeignProcess::start(const QString &program, const QString &in, int out,
     setStandardErrorFile(nullDevice());
     setProcessEnvironment(withLargePages(QProcessEnvironment::systemEnvironment()));
     m_sinceWatched.start();
-    QProcess::start(program,
-                    {QString::fromLatin1(RyForeignProtocol::Option), in, QStringLiteral("/proc/self/fd/%1").arg(out),
-                     QString::number(unit, 'g', 17)},
+    QProcess::start(program, {in, QStringLiteral("/proc/self/fd/%1").arg(out), QString::number(unit, 'g', 17)},
                     ReadOnly);
     return waitForStarted();
 }
@@ -144,7 +142,7 @@ qint64 RyForeignProcess::processorTime() const
 {
     QFile file(QStringLiteral("/proc/%1/stat").arg(processId()));
     if (!file.open(QIODevice::ReadOnly))
-        return 0;
+        return -1;
     // The name of the program, in parentheses, may hold anything; its times are the twelfth and thirteenth behind it.
     const QByteArray text = file.readAll();
     const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');

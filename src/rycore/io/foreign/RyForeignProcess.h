@@ -26,7 +26,8 @@ public:
     double progress() const { return m_progress; }
     /// Not endlessly many; the last one counts those that are not there.
     QStringList notes() const;
-    /// What it has taken so far, in milliseconds.
+    /// What it has taken so far, in milliseconds; -1 when it has ended, which may be known here before `isRunning`
+    /// tells.
     qint64 processorTime() const;
     bool isOverMemory() const { return m_isOverMemory; }
     bool isDone() const;

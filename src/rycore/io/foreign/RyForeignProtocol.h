@@ -4,8 +4,10 @@
 /// standard output of the reading one, a word and what it is about.
 namespace RyForeignProtocol {
 
-constexpr char Option[] = "--read-foreign"; // of the program, followed by the file to read, the one to write and a unit
-constexpr char LibraryVariable[] = "RYHOST_FOREIGN_LIBRARY";
+// The reading program, beside the host library, unless the variable names another one. Its arguments are the file to
+// read, the one to write and a unit.
+constexpr char Program[] = "ryforeign";
+constexpr char ProgramVariable[] = "RYHOST_FOREIGN_READER";
 
 constexpr char Progress[] = "progress "; // how much is done, from 0 to 1
 constexpr char Note[] = "note ";

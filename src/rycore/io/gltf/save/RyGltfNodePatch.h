@@ -26,8 +26,3 @@ private:
     RyGltfScenePatch &m_patch;
     std::vector<bool> m_isAnimated;
 };
-
-RyGltfTransform ryGltfMatrixOf(const RyAffine &local);
-/// Translation, rotation and scale of a map, with `signs` of the scale where they fit its reflection. `exact` tells
-/// whether they can say it; otherwise they are the nearest.
-RyGltfTransform ryGltfTransformOf(const RyAffine &local, const std::array<double, 3> &signs, bool *exact);

@@ -6,8 +6,7 @@
 
 #include <functional>
 
-/// What the process that reads a foreign file asks of the library that knows foreign formats. That library is loaded
-/// by the reading process alone: the program itself neither starts slower by it nor goes down with it.
+/// What the process that reads a foreign file asks of what knows foreign formats.
 struct RyForeignRequest
 {
     QString path;
@@ -32,7 +31,3 @@ struct RyForeignResult
 
 /// Reads `request.path`; false leaves `result.error`. May crash or hang on a damaged file.
 using RyForeignReadFunction = bool (*)(const RyForeignRequest &request, RyForeignResult &result);
-
-/// Under which name the library exports that function, and what the library's file is called, without ending.
-constexpr char RyForeignReadSymbol[] = "ryReadForeign";
-constexpr char RyForeignLibrary[] = "libryforeign";

@@ -1,19 +1,18 @@
-#include "rycore/io/foreign/RyForeignChild.h"
+#include "ryforeign/RyForeignChild.h"
 
 #include "rycore/io/foreign/RyForeignProtocol.h"
-#include "rycore/io/foreign/RyForeignReader.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QLibrary>
 
-#include <dlfcn.h>
 #include <malloc.h>
 #include <unistd.h>
 
 #include <climits>
 #include <clocale>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -56,22 +55,6 @@ void send(const char *word, QString text)
     std::_Exit(RyForeignProtocol::Refused);
 }
 
-RyForeignReadFunction loadReader()
-{
-    const QString path = RyForeignChild::libraryPath();
-    static QLibrary library(path); // stays to the end
-    if (!QFileInfo(path).isFile())
-        refuse(QStringLiteral("the library that reads such files, %1, is missing; installing the program anew brings "
-                              "it back")
-                   .arg(path));
-    const auto read = reinterpret_cast<RyForeignReadFunction>(library.resolve(RyForeignReadSymbol));
-    if (!read)
-        refuse(QStringLiteral("the library that reads such files cannot be used (%1); installing the program anew may "
-                              "help")
-                   .arg(library.errorString()));
-    return read;
-}
-
 void write(const QString &path, const QByteArray &bytes)
 {
     QFile file(path);
@@ -103,31 +86,26 @@ void keepFreedMemory()
 
 } // namespace
 
-QString RyForeignChild::libraryPath()
+void RyForeignChild::run(int argc, char **argv, RyForeignReadFunction read)
 {
-    const QString given = qEnvironmentVariable(RyForeignProtocol::LibraryVariable);
-    if (!given.isEmpty())
-        return given;
-    Dl_info info;
-    const bool isKnown = dladdr(reinterpret_cast<void *>(&RyForeignChild::libraryPath), &info) != 0;
-    const QString beside = isKnown ? QFileInfo(QFile::decodeName(info.dli_fname)).absolutePath() : QString();
-    return QStringLiteral("%1/%2.so").arg(beside, QLatin1String(RyForeignLibrary));
-}
-
-void RyForeignChild::run(const QString &in, const QString &out, double unit)
-{
+    // A limit on the size of files is a reason to be told like a full disk, not one to end the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     // Libraries print what they like; the lines are for who asked.
     channel = ::dup(STDOUT_FILENO);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
-    // The program takes the user's locale; the library reads some numbers by it, and files are written with a point.
-    std::setlocale(LC_NUMERIC, "C");
     std::set_new_handler(endWithoutMemory);
     keepFreedMemory();
-    const RyForeignReadFunction read = loadReader();
+    const QCoreApplication application(argc, argv); // takes the user's locale, for names of files
+    // The importers' library reads some numbers by the locale, and files are written with a point.
+    std::setlocale(LC_NUMERIC, "C");
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 4)
+        std::_Exit(RyForeignProtocol::WrongUse);
+    const QString out = arguments.at(2);
     double told = 0.0;
     RyForeignRequest request;
-    request.path = in;
-    request.unit = unit;
+    request.path = arguments.at(1);
+    request.unit = arguments.at(3).toDouble();
     request.progress = [&told](double done) {
         if (std::isfinite(done) && done >= told + LeastStep) {
             told = done;
