@@ -188,21 +188,28 @@ void RyFbxObjects::readModel(const Record &record, qint64 id)
     // "Root" is the place of a whole skeleton, often at the same point as its first limb.
     model.isLimb = kind == "LimbNode" || kind == "Limb";
     m_models.push_back(model);
-    if (hasOwnProperties(record))
-        withOwnProperties.append(QString::fromUtf8(model.name));
+    readOwnProperties(record, QString::fromUtf8(model.name));
 }
 
 /// Each property says a name, a type, a label and flags.
-bool RyFbxObjects::hasOwnProperties(const Record &model) const
+void RyFbxObjects::readOwnProperties(const Record &model, const QString &node)
 {
-    bool has = false;
-    forRecords(model.childrenAt, model.end, [this, &has](const Record &list) {
-        if (list.name != "Properties70")
+    const auto take = [this, &node](const Record &property) {
+        if (!textProperty(property, 3).contains('U'))
             return;
-        forRecords(list.childrenAt, list.end,
-                   [this, &has](const Record &property) { has = has || textProperty(property, 3).contains('U'); });
+        const QString name = QString::fromUtf8(textProperty(property, 0));
+        const auto known = m_ownPropertyOf.constFind(name);
+        if (known != m_ownPropertyOf.constEnd()) {
+            ownProperties[*known].nodes.append(node);
+            return;
+        }
+        m_ownPropertyOf.insert(name, ownProperties.size());
+        ownProperties.push_back({name, {node}});
+    };
+    forRecords(model.childrenAt, model.end, [this, &take](const Record &list) {
+        if (list.name == "Properties70")
+            forRecords(list.childrenAt, list.end, take);
     });
-    return has;
 }
 
 /// Of lines like  Model: 12, "Model::Hips", "LimbNode" {

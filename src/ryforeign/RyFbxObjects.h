@@ -16,7 +16,13 @@ public:
     QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
     QStringList ambiguous;                                            // names that could not be told apart
     QStringList constraints;                                          // by names
-    QStringList withOwnProperties; // nodes with properties that somebody added; of binary files
+    /// Properties that somebody added to nodes, in the order of the file; of binary files.
+    struct OwnProperty
+    {
+        QString name;
+        QStringList nodes;
+    };
+    std::vector<OwnProperty> ownProperties;
 
     /// The file with a name of its own, of the same length, for each node that has that of another; empty where none
     /// has.
@@ -45,7 +51,7 @@ private:
     void forNamesInText(const QByteArray &kind, const Work &work) const;
     void readObject(const Record &record);
     void readModel(const Record &record, qint64 id);
-    bool hasOwnProperties(const Record &model) const;
+    void readOwnProperties(const Record &model, const QString &node);
     void tellApart();
     void findChannels();
     std::vector<qint64> below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const;
@@ -65,5 +71,6 @@ private:
     std::vector<Model> m_models;
     std::vector<std::pair<qint64, QByteArray>> m_renamings;                                 // by places in the file
     QHash<qint64, RyForeignInput::Channel> m_geometries, m_deformers, m_channels, m_shapes; // by ids
+    QHash<QString, size_t> m_ownPropertyOf;                                                 // by name
     QHash<qint64, std::vector<qint64>> m_below; // what is connected to an object, in the order of the file
 };

@@ -96,7 +96,7 @@ void RyForeignChild::run(int argc, char **argv, RyForeignReadFunction read)
     std::set_new_handler(endWithoutMemory);
     keepFreedMemory();
     const QCoreApplication application(argc, argv); // takes the user's locale, for names of files
-    // The importers' library reads some numbers by the locale, and files are written with a point.
+    // Numbers of files have a point, and a library may read and write them as the locale has it.
     std::setlocale(LC_NUMERIC, "C");
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 4)

@@ -55,7 +55,13 @@ QByteArray knowFbx(RyForeignInput &input)
     }
     sayLeftOut(input, QStringLiteral("Constraints are left out; what they move stays where the file shows it"),
                objects.constraints);
-    sayLeftOut(input, QStringLiteral("Properties that were added to nodes are left out"), objects.withOwnProperties);
+    QStringList properties;
+    for (const RyFbxObjects::OwnProperty &property : objects.ownProperties) {
+        properties.append(property.nodes.size() == 1
+                              ? QStringLiteral("%1 of %2").arg(property.name, property.nodes.front())
+                              : QStringLiteral("%1 of %2 nodes").arg(property.name).arg(property.nodes.size()));
+    }
+    sayLeftOut(input, QStringLiteral("Properties that were added to nodes are left out"), properties);
     return objects.renamed(input.path);
 }
 

@@ -3,6 +3,7 @@
 #include "foreign_reader/MadeFigure.h"
 #include "io/CharacterScene.h"
 #include "rycore/io/RySceneFile.h"
+#include "rycore/io/foreign/RyForeignImport.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
@@ -50,6 +51,20 @@ TextFile fileOf(const MadeFigure &figure)
 }
 
 /// The distance of each from the nearest of the others, at most.
+/// As the program has files read.
+QByteArray readByProcess(const QString &path)
+{
+    QByteArray bytes;
+    QString error;
+    const auto use = [&bytes](const QByteArray &glb) {
+        bytes = glb;
+        return true;
+    };
+    if (!RyForeignImport::read(path, 0.0, nullptr, use, &error, nullptr))
+        qWarning("%s", qPrintable(error));
+    return bytes;
+}
+
 double largestGap(const std::vector<RyVec3> &wanted, const CharacterScene::Positions &shown)
 {
     double largest = 0.0;
@@ -297,6 +312,10 @@ void MadeFiguresTest::pictures()
     const ConvertedFile file(text.path);
     QVERIFY2(file.character, qPrintable(file.reason));
     const nlohmann::json &tree = file.character->file.tree();
+    QFile whole(file.glb);
+    QVERIFY(whole.open(QIODevice::ReadOnly));
+    const QByteArray all = whole.readAll();
+    QCOMPARE(readByProcess(text.path), all); // which finds what decodes pictures, and has nothing else in the way
     QCOMPARE(file.notes.size(), note.isEmpty() ? 0 : 1);
     QCOMPARE(tree.contains("images"), note.isEmpty());
     QCOMPARE(ryValidate(file.glb).errors, 0);
@@ -306,9 +325,6 @@ void MadeFiguresTest::pictures()
     }
     QCOMPARE(tree["images"][0]["name"].get<std::string>(), std::string("skin"));
     const nlohmann::json &view = tree["bufferViews"][tree["images"][0]["bufferView"].get<size_t>()];
-    QFile whole(file.glb);
-    QVERIFY(whole.open(QIODevice::ReadOnly));
-    const QByteArray all = whole.readAll();
     const int binary = 28 + int(qFromLittleEndian<quint32>(all.constData() + 12)); // behind both heads and the tree
     const QByteArray kept = all.mid(binary + view.value("byteOffset", 0), view["byteLength"].get<int>());
     QCOMPARE(QImage::fromData(kept).convertToFormat(QImage::Format_RGB32), image);

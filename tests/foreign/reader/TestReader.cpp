@@ -114,6 +114,12 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
             result.notes.append(QStringLiteral("note %1\nin two lines").arg(i));
         return take(rest, result);
     }
+    if (word == QLatin1String("locale")) { // a number as the locale has it
+        char number[8];
+        std::snprintf(number, sizeof number, "%.1f", 1.5);
+        result.notes.append(QString::fromLatin1(number));
+        return take(rest, result);
+    }
     if (word == QLatin1String("unit")) {
         result.notes.append(QStringLiteral("unit %1").arg(request.unit, 0, 'g', 12));
         return take(rest, result);
