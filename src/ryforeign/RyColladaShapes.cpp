@@ -45,6 +45,19 @@ std::vector<T> numbersIn(const QByteArray &text)
     }
 }
 
+/// To the next element that starts within one of that name; false where that one ends.
+bool goToNext(QXmlStreamReader &reader, const QString &within)
+{
+    while (!reader.atEnd()) {
+        const QXmlStreamReader::TokenType token = reader.readNext();
+        if (token == QXmlStreamReader::EndElement && reader.name() == within)
+            return false;
+        if (token == QXmlStreamReader::StartElement)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 RyColladaShapes::RyColladaShapes(const QString &path)
@@ -84,12 +97,7 @@ void RyColladaShapes::readGeometry(QXmlStreamReader &reader)
     Geometry geometry;
     geometry.id = attribute(reader, "id");
     geometry.name = attribute(reader, "name");
-    while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement && reader.name() == QLatin1String("geometry"))
-            break;
-        if (token != QXmlStreamReader::StartElement)
-            continue;
+    while (goToNext(reader, QStringLiteral("geometry"))) {
         if (reader.name() == QLatin1String("source"))
             readSource(reader);
         else if (reader.name() == QLatin1String("extra"))
@@ -110,12 +118,7 @@ void RyColladaShapes::readPolygons(QXmlStreamReader &reader, Geometry &geometry)
     // The importers' library changes the order of strips.
     list.isKnown = !kind.endsWith(QLatin1String("strips"));
     size_t stride = 1, offset = 0;
-    while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement && reader.name() == kind)
-            break;
-        if (token != QXmlStreamReader::StartElement)
-            continue;
+    while (goToNext(reader, kind)) {
         if (reader.name() == QLatin1String("input")) {
             const size_t place = std::min(attribute(reader, "offset").toUInt(), 1000u);
             stride = std::max(stride, place + 1);
@@ -140,12 +143,7 @@ void RyColladaShapes::readMorphs(QXmlStreamReader &reader, const QString &id)
     all.base = reference(reader, "source");
     all.isRelative = attribute(reader, "method") == QLatin1String("RELATIVE");
     QString targets, weights;
-    while (!reader.atEnd()) {
-        const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::EndElement && reader.name() == QLatin1String("morph"))
-            break;
-        if (token != QXmlStreamReader::StartElement)
-            continue;
+    while (goToNext(reader, QStringLiteral("morph"))) {
         if (reader.name() == QLatin1String("source")) {
             readSource(reader);
         } else if (reader.name() == QLatin1String("input")) {
