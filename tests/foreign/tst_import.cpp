@@ -2,10 +2,12 @@
 #include "support/RyTest.h"
 
 #include "rycore/io/foreign/RyForeignImport.h"
+#include "rycore/io/foreign/RyForeignProcess.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QThread>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -196,6 +198,19 @@ private slots:
         m_limits = {1000, qint64(1) << 30, 2000};
         QCOMPARE(read(m_stage->write(QStringLiteral("endless.fbx"), "compute 0 " + sample)), QByteArray());
         QVERIFY2(m_error.contains(QStringLiteral("got no further for 2 seconds")), qPrintable(m_error));
+    }
+
+    /// Its times are gone before anybody hears that it has ended: that is no standing still.
+    void endingIsNoSilence()
+    {
+        RyForeignProcess process(qint64(1) << 30);
+        QVERIFY(process.start(QStringLiteral("/bin/true"), m_stage->path(QStringLiteral("x.fbx")), STDERR_FILENO, 0.0));
+        for (int i = 0; i < 1000 && !ForeignStage::childrenOf(getpid()).isEmpty(); ++i)
+            QThread::msleep(10);
+        QVERIFY(process.isRunning());
+        QCOMPARE(process.processorTime(), qint64(-1));
+        process.wait(10);
+        QVERIFY(!process.isRunning());
     }
 
     /// As long as file systems let it be.
