@@ -6,6 +6,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 #include <cmath>
 
 /// How a bone knows what became of its rest, and where its weights came from.
@@ -77,11 +79,11 @@ private slots:
         RyUndoStackHold hold;
         bone->setWeightGiver(giver);
         hold.accept(QStringLiteral("Give"));
-        QCOMPARE(bone->getWeightGiver(), giver.get());
+        QVERIFY(hasWeightsOf(*bone, *giver));
         ryUndoStack()->undo();
-        QCOMPARE(bone->getWeightGiver(), other.get());
+        QVERIFY(hasWeightsOf(*bone, *other));
         ryUndoStack()->redo();
-        QCOMPARE(bone->getWeightGiver(), giver.get());
+        QVERIFY(hasWeightsOf(*bone, *giver));
     }
 
     void weightGiverComesBackWithARestorePoint()
@@ -92,36 +94,28 @@ private slots:
         QVERIFY(points->take(QStringLiteral("Give")));
         bone->setWeightGiver(giver);
         QVERIFY(points->restore(0));
-        QVERIFY(!bone->getWeightGiver());
+        QVERIFY(bone->getWeightGivers().empty());
         points->clear();
         points->setMost(0);
     }
 
-    /// A bone that was deleted is still who gave.
-    void weightGiverIsHeld()
+    /// It is known, with those who gave to it, after it is gone, and holds nobody.
+    void weightGiverMayGo()
     {
-        QPointer<RyBone> giver(new RyBone);
-        RyRef<RyBone> bone(new RyBone);
-        bone->setWeightGiver(RyRef<RyBone>(giver));
-        QCOMPARE(bone->getWeightGiver(), giver.data());
-        QVERIFY(giver);
-        bone = nullptr;
-        QVERIFY(!giver);
-    }
-
-    void noTwoBonesHoldEachOther()
-    {
-        QPointer<RyBone> first(new RyBone), second(new RyBone), third(new RyBone);
+        const RyRef<RyBone> bone(new RyBone);
+        QPointer<RyBone> first(new RyBone), second(new RyBone);
+        const std::vector<quint64> serials{second->getSerial(), first->getSerial()};
+        QVERIFY(serials[0] != serials[1] && serials[1] != bone->getSerial());
         {
-            const RyRef<RyBone> bones[] = {first.data(), second.data(), third.data()};
+            const RyRef<RyBone> held[] = {first.data(), second.data()};
             second->setWeightGiver(first);
-            third->setWeightGiver(second);
-            first->setWeightGiver(third);
-            first->setWeightGiver(first);
-            QVERIFY(!first->getWeightGiver());
-            QCOMPARE(third->getWeightGiver(), second.data());
+            first->setWeightGiver(second);
+            second->setWeightGiver(first);
+            bone->setWeightGiver(second);
         }
-        QVERIFY(!first && !second && !third);
+        QVERIFY(!first && !second);
+        QVERIFY(bone->getWeightGivers().size() >= 2);
+        QVERIFY(std::equal(serials.begin(), serials.end(), bone->getWeightGivers().begin()));
     }
 
     /// It may weigh nothing, and belongs to another figure or to none.
@@ -131,10 +125,14 @@ private slots:
         bone->setWeightGiver(giver);
         RyElementDuplicateContext context(nullptr);
         const RyRef<RyBone> copy(qobject_cast<RyBone *>(bone->doDuplicateElement(&context)));
-        QVERIFY(copy && !copy->getWeightGiver());
+        QVERIFY(copy && copy->getWeightGivers().empty());
     }
 
 private:
+    static bool hasWeightsOf(const RyBone &bone, const RyBone &giver)
+    {
+        return bone.getWeightGivers() == std::vector<quint64>{giver.getSerial()};
+    }
     static RyBone::Carried shift() { return {RyAffine::fromTranslation(5, 0, 0), RyQuat()}; }
     static RyBone::Carried turn(const RyVec3 &axis)
     {

@@ -24,14 +24,15 @@ private slots:
         RyBone *bone = isSplit ? splitBone(scene.lShin) : createSiblingBone(scene.lShin);
         hold.accept(QStringLiteral("Make"));
         QVERIFY(bone);
-        QCOMPARE(bone->getWeightGiver(), scene.lShin);
-        QVERIFY(!scene.lShin->getWeightGiver());
+        QCOMPARE(bone->getWeightGivers(), std::vector<quint64>{scene.lShin->getSerial()});
+        QVERIFY(scene.lShin->getWeightGivers().empty());
         const RyRef<RyBone> guard(bone);
         ryUndoStack()->undo();
-        QVERIFY(!bone->getWeightGiver());
+        QVERIFY(bone->getWeightGivers().empty());
         ryUndoStack()->redo();
-        QCOMPARE(bone->getWeightGiver(), scene.lShin);
-        QCOMPARE((isSplit ? createSiblingBone(bone) : splitBone(bone))->getWeightGiver(), bone);
+        QCOMPARE(bone->getWeightGivers(), std::vector<quint64>{scene.lShin->getSerial()});
+        const RyBone *further = isSplit ? createSiblingBone(bone) : splitBone(bone);
+        QCOMPARE(further->getWeightGivers(), (std::vector<quint64>{bone->getSerial(), scene.lShin->getSerial()}));
     }
 
     void nothingWasGiven_data() { creations(); }
@@ -42,7 +43,7 @@ private slots:
         for (RyWeightMap *map : scene.binding(scene.rThigh)->getAllWeightMaps())
             map->setAffected(map->getNumWeights(), {}, {});
         RyBone *bone = isSplit ? splitBone(scene.rThigh) : createSiblingBone(scene.rThigh);
-        QVERIFY(bone && !bone->getWeightGiver());
+        QVERIFY(bone && bone->getWeightGivers().empty());
     }
 
     void childrenHaveNone()
@@ -50,7 +51,7 @@ private slots:
         RySkinnedScene scene;
         const QString name = QStringLiteral("child");
         const RyBone *child = createChildBone(scene.lShin, name, name, RyRotationOrder(0));
-        QVERIFY(child && !child->getWeightGiver());
+        QVERIFY(child && child->getWeightGivers().empty());
     }
 
 private:

@@ -2,19 +2,27 @@
 
 #include "rycore/undo/RyValueChange.h"
 
+#include <atomic>
+
 struct RyBone::CarriedValue : RyValueOf<RyBone, RyBone::Carried>
 {
     static const Value &get(const RyBone &bone) { return bone.m_carried; }
     static void put(RyBone &bone, const Value &carried) { bone.m_carried = carried; }
 };
 
-struct RyBone::GiverValue : RyValueOf<RyBone, RyRef<RyBone>>
+struct RyBone::GiversValue : RyValueOf<RyBone, std::vector<quint64>>
 {
-    static const Value &get(const RyBone &bone) { return bone.m_weightGiver; }
-    static void put(RyBone &bone, const Value &giver) { bone.m_weightGiver = giver; }
+    static const Value &get(const RyBone &bone) { return bone.m_weightGivers; }
+    static void put(RyBone &bone, const Value &givers) { bone.m_weightGivers = givers; }
 };
 
-RyBone::RyBone() = default;
+static quint64 nextSerial()
+{
+    static std::atomic<quint64> last{0};
+    return ++last;
+}
+
+RyBone::RyBone() : m_serial(nextSerial()) {}
 
 RyOrientedBox3 RyBone::getOrientedBoundingBox() const
 {
@@ -31,17 +39,17 @@ void RyBone::carry(const Carried &further)
     m_carried = {m_carried.map * further.map, (m_carried.turn * further.turn).normalized()};
 }
 
-void RyBone::setWeightGiver(RyBone *giver)
+void RyBone::setWeightGiver(const RyBone *giver)
 {
-    // Two that hold each other would never go.
-    for (const RyBone *bone = giver; bone; bone = bone->getWeightGiver()) {
-        if (bone == this)
-            return;
+    std::vector<quint64> givers;
+    if (giver) {
+        givers.push_back(giver->m_serial);
+        givers.insert(givers.end(), giver->m_weightGivers.begin(), giver->m_weightGivers.end());
     }
-    if (giver == getWeightGiver())
+    if (givers == m_weightGivers)
         return;
-    RyValueChange<GiverValue>::record(this);
-    m_weightGiver = giver;
+    RyValueChange<GiversValue>::record(this);
+    m_weightGivers = std::move(givers);
 }
 
 RyElement *RyBone::doDuplicateElement(RyElementDuplicateContext *context)

@@ -2,6 +2,8 @@
 
 #include "rycore/scene/RyNode.h"
 
+#include <vector>
+
 /// A joint of a skeleton with its bone to the end point.
 class RyBone : public RyNode
 {
@@ -29,11 +31,14 @@ public:
     /// Takes that of a bone of which this one is to be a copy; unrecorded.
     void copyCarried(const RyBone &from) { m_carried = from.m_carried; }
 
-    /// The bone of which this one was made with a share of the weights, null for none. A clip of a file that knows only
-    /// that one moves both alike, wherever they hang. It is held: it may be deleted before this one is in a file.
-    RyBone *getWeightGiver() const { return m_weightGiver.get(); }
-    /// Undoable where a hold is open; announces nothing. Not for one that has its weights from this one.
-    void setWeightGiver(RyBone *giver);
+    /// Tells this bone from all others that the process ever had.
+    quint64 getSerial() const { return m_serial; }
+    /// Serials of the bone of which this one was made with a share of the weights, of the one of which that one was,
+    /// and so on; empty for none. A clip of a file that knows only such a bone moves both alike, wherever they hang,
+    /// and also when that one is gone before this one is in a file.
+    const std::vector<quint64> &getWeightGivers() const { return m_weightGivers; }
+    /// Null for none. Undoable where a hold is open; announces nothing.
+    void setWeightGiver(const RyBone *giver);
 
     RyElement *doDuplicateElement(RyElementDuplicateContext *context) override;
 
@@ -42,7 +47,8 @@ protected:
 
 private:
     struct CarriedValue;
-    struct GiverValue;
+    struct GiversValue;
     Carried m_carried;
-    RyRef<RyBone> m_weightGiver;
+    const quint64 m_serial;
+    std::vector<quint64> m_weightGivers;
 };

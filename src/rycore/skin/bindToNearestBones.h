@@ -10,7 +10,7 @@ class RySkinBinding;
 /// four bones move a vertex; its weights sum to full weight. Rest mesh and current rigging values are what counts, the
 /// pose is not.
 ///
-/// No bone has its weights from another one afterwards (RyBone::getWeightGiver). All maps that a binding has get the
+/// No bone has its weights from another one afterwards (RyBone::getWeightGivers). All maps that a binding has get the
 /// same weights; a binding without any gets a general map or local and scale maps, as its skin has them. Undoable where
 /// a hold is open. False, and nothing done, without a mesh of facets or without a bone.
 bool bindToNearestBones(RySkinBinding &skin);

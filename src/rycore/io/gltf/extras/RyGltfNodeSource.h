@@ -24,6 +24,7 @@ struct RyGltfNodeSource
     /// The pose as the file says it: figure space to figure space in centimetres, relative to the parent's.
     RyAffine localPose;
     bool isBone = false;
+    quint64 serial = 0;           // of a bone, which may be gone by now
     int figure = -1;              // of a bone: its place in `figures`
     int parent = -1;              // node of the file that stands above it in the scene, -1 below a figure or nothing
     QPointer<RyNode> sceneParent; // the same in the scene, or the figure

@@ -64,6 +64,14 @@ const RyGltfNodeSource *RyGltfOrigin::findSource(const RyNode *node) const
     return place < 0 ? nullptr : &nodes[size_t(place)];
 }
 
+const RyGltfNodeSource *RyGltfOrigin::findBone(quint64 serial) const
+{
+    const auto found = std::find_if(nodes.begin(), nodes.end(), [serial](const RyGltfNodeSource &source) {
+        return source.isBone && source.serial == serial;
+    });
+    return found == nodes.end() ? nullptr : &*found;
+}
+
 const RyGltfFigureSource *RyGltfOrigin::findFigureSource(const RyNode *figure) const
 {
     const int place = m_placesOfFigures.find(figure, int(figures.size()),

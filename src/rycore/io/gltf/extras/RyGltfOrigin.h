@@ -29,6 +29,8 @@ public:
     /// Whether links of its nodes were made or removed since it was read, or figures follow others.
     bool isLinkedOtherwise() const;
     const RyGltfNodeSource *findSource(const RyNode *node) const;
+    /// Of the bone with that serial (RyBone::getSerial), also when it is gone; null for none.
+    const RyGltfNodeSource *findBone(quint64 serial) const;
     const RyGltfFigureSource *findFigureSource(const RyNode *figure) const;
 
     QString filePath;

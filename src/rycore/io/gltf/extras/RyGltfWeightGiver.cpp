@@ -53,9 +53,11 @@ const RyGltfNodeSource *knownGiver(const RyGltfOrigin &origin, const RyNode &nod
 {
     const auto *bone = qobject_cast<const RyBone *>(&node);
     const RyGltfNodeSource *source = nullptr;
-    for (const RyBone *giver = bone ? bone->getWeightGiver() : nullptr; giver && !source;
-         giver = giver->getWeightGiver())
-        source = origin.findSource(giver);
+    for (const quint64 serial : bone ? bone->getWeightGivers() : std::vector<quint64>()) {
+        source = origin.findBone(serial);
+        if (source)
+            break;
+    }
     const RyNode *figure = node.getSkeleton();
     return source && source->isBone && figure && origin.figures[size_t(source->figure)].sceneNode == figure ? source
                                                                                                             : nullptr;

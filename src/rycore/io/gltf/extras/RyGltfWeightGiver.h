@@ -5,7 +5,7 @@ class RyGltfOrigin;
 class RyNode;
 
 /// The bone of the file with which a new one moves in clips, although it does not hang on that: the one that the bone
-/// has its weights from (RyBone::getWeightGiver), which may be gone since; where nobody said so, the one of its figure
+/// has its weights from (RyBone::getWeightGivers), which may be gone since; where nobody said so, the one of its figure
 /// that lost most to it and stands beside it, or below such. Null for none: what is above a new bone moves it anyway.
 const RyGltfNodeSource *ryGltfWeightGiver(const RyGltfOrigin &origin, const RyNode &bone);
 

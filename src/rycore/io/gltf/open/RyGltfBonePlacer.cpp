@@ -100,6 +100,7 @@ void RyGltfBonePlacer::readRest()
         source.node = m_figure.joints.bones[i];
         source.sceneNode = m_figure.bones[i];
         source.isBone = true;
+        source.serial = m_figure.bones[i]->getSerial();
         source.figure = m_figure.place;
         source.bind = m_figure.rest.bind[i] * toCentimetres;
         source.localPose = toFileUnits * m_figure.rest.localPose[i] * toCentimetres;
