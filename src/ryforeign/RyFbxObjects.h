@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ryforeign/RyFbxRecords.h"
 #include "ryforeign/RyForeignInput.h"
 
 /// What an FBX file says of its objects and the importers' library does not pass on: which nodes are limbs of a
@@ -8,9 +9,8 @@ class RyFbxObjects
 {
 public:
     /// As far as the file is whole; of an FBX file in text form the names alone.
-    explicit RyFbxObjects(const QString &path);
+    explicit RyFbxObjects(const QByteArray &bytes);
 
-    bool isText = false;
     QSet<QString> limbs;                                              // names of nodes, as they are after renaming
     QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
     QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
@@ -24,28 +24,14 @@ public:
     };
     std::vector<OwnProperty> ownProperties;
 
-    /// The file with a name of its own, of the same length, for each node that has that of another; empty where none
-    /// has.
-    QByteArray renamed(const QString &path) const;
+    /// The file with a name of its own, of the same length, for each node that has that of another; the bytes that were
+    /// read where none has.
+    QByteArray renamed() const;
 
 private:
-    /// A record: a name, properties, records below it.
-    struct Record
-    {
-        qint64 propertiesAt = 0;
-        qint64 childrenAt = 0;
-        qint64 end = 0;
-        QByteArray name;
-    };
+    using Record = RyFbxRecords::Record;
 
-    bool readRecord(qint64 at, qint64 end, Record &record) const;
-    template<typename Work>
-    void forRecords(qint64 at, qint64 end, const Work &work) const;
-    QByteArray textProperty(const Record &record, int number) const;
-    double numberProperty(const Record &record, int number) const;
-    qint64 findProperty(const Record &record, int number) const;
-    template<typename T>
-    T valueAt(qint64 at) const;
+    void readRecords();
     void readText();
     template<typename Work>
     void forNamesInText(const QByteArray &kind, const Work &work) const;
@@ -57,9 +43,8 @@ private:
     std::vector<qint64> below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const;
     void readConnection(const Record &record);
 
-    const uchar *m_bytes = nullptr;
-    qint64 m_size = 0;
-    bool m_isWide = false; // counts of eight bytes
+    const QByteArray m_bytes;
+    const RyFbxRecords m_records;
     /// A node as it stands in the file.
     struct Model
     {

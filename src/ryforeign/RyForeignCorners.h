@@ -23,7 +23,7 @@ private:
     {
         const char *bytes;
         size_t stride;
-        size_t size; // that counts, a multiple of four
+        size_t size; // that counts, a multiple of four and at least eight
     };
 
     void findArrays(const aiMesh &mesh);

@@ -25,7 +25,6 @@ RyForeignInfluences::RyForeignInfluences(const aiMesh &mesh, const std::vector<i
     forAll([this](unsigned vertex, const Influence &influence) {
         m_all[m_first[vertex] + m_count[vertex]++] = influence;
     });
-    normalize();
 }
 
 /// Few stand side by side, and mostly in order.
@@ -41,9 +40,9 @@ static void sortFew(RyForeignInfluences::Influence *first, RyForeignInfluences::
     }
 }
 
-void RyForeignInfluences::normalize()
+void RyForeignInfluences::normalize(const std::vector<std::uint32_t> &vertices)
 {
-    for (size_t vertex = 0; vertex < m_count.size(); ++vertex) {
+    for (const std::uint32_t vertex : vertices) {
         Influence *first = m_all.data() + m_first[vertex];
         if (m_count[vertex] == 0)
             continue;

@@ -67,6 +67,8 @@ int RyForeignMeshWriter::write(const aiNode &node, const QString &name, const Ry
         if (skin)
             influences.emplace(mesh, skin->placesOf(mesh));
         RyForeignCorners corners(mesh, influences ? &*influences : nullptr);
+        if (influences)
+            influences->normalize(corners.firsts);
         addTriangles(mesh, corners);
         if (m_triangles.empty())
             continue;
@@ -153,31 +155,38 @@ RyForeignMeshWriter::Attributes RyForeignMeshWriter::addAttributes(const aiMesh 
 {
     Attributes attributes;
     std::vector<float> numbers;
-    const auto add = [&](const std::string &name, int components, bool withBounds, const auto &valueOf) {
-        numbers.clear();
-        numbers.reserve(firsts.size() * size_t(components));
-        for (const std::uint32_t corner : firsts)
-            valueOf(corner);
+    const auto add = [&](const std::string &name, int components, bool withBounds, const auto &write) {
+        numbers.resize(firsts.size() * size_t(components));
+        float *to = numbers.data();
+        for (const std::uint32_t corner : firsts) {
+            write(corner, to);
+            to += components;
+        }
         attributes.emplace_back(name, m_document.addFloatAccessor(numbers, components, ForVertices, withBounds));
     };
-    const auto addVector = [&numbers](const RyVec3 &v) { numbers.insert(numbers.end(), {v.x, v.y, v.z}); };
-    add("POSITION", 3, true, [&](std::uint32_t corner) { addVector(placeOf(mesh.mVertices[corner])); });
+    const auto writeVector = [](const RyVec3 &v, float *to) {
+        to[0] = v.x;
+        to[1] = v.y;
+        to[2] = v.z;
+    };
+    add("POSITION", 3, true,
+        [&](std::uint32_t corner, float *to) { writeVector(placeOf(mesh.mVertices[corner]), to); });
     if (mesh.HasNormals())
-        add("NORMAL", 3, false, [&](std::uint32_t corner) { addVector(direction(mesh.mNormals[corner])); });
+        add("NORMAL", 3, false,
+            [&](std::uint32_t corner, float *to) { writeVector(direction(mesh.mNormals[corner]), to); });
     for (unsigned set = 0; set < mesh.GetNumUVChannels(); ++set) {
-        add("TEXCOORD_" + std::to_string(set), 2, false, [&](std::uint32_t corner) {
+        add("TEXCOORD_" + std::to_string(set), 2, false, [&](std::uint32_t corner, float *to) {
             const aiVector3D &uv = mesh.mTextureCoords[set][corner];
-            if (std::isfinite(uv.x) && std::isfinite(uv.y))
-                numbers.insert(numbers.end(), {float(uv.x), 1.0f - float(uv.y)}); // counted from above
-            else
-                numbers.insert(numbers.end(), {0.0f, 0.0f});
+            const bool isNumber = std::isfinite(uv.x) && std::isfinite(uv.y);
+            to[0] = isNumber ? float(uv.x) : 0.0f;
+            to[1] = isNumber ? 1.0f - float(uv.y) : 0.0f; // counted from above
         });
     }
     for (unsigned set = 0; set < mesh.GetNumColorChannels(); ++set) {
-        add("COLOR_" + std::to_string(set), 4, false, [&](std::uint32_t corner) {
+        add("COLOR_" + std::to_string(set), 4, false, [&](std::uint32_t corner, float *to) {
             const aiColor4D &color = mesh.mColors[set][corner];
             for (const ai_real part : {color.r, color.g, color.b, color.a})
-                numbers.push_back(std::isfinite(part) ? std::clamp(float(part), 0.0f, 1.0f) : 1.0f);
+                *to++ = std::isfinite(part) ? std::clamp(float(part), 0.0f, 1.0f) : 1.0f;
         });
     }
     return attributes;

@@ -5,6 +5,7 @@
 #include "ryforeign/RyColladaMorphs.h"
 #include "ryforeign/RyColladaText.h"
 #include "ryforeign/RyFbxObjects.h"
+#include "ryforeign/RyFbxUnpacked.h"
 #include "ryforeign/RyForeignConverter.h"
 #include "ryforeign/RyForeignFile.h"
 #include "ryforeign/RyForeignJoints.h"
@@ -12,6 +13,9 @@
 
 #include <assimp/scene.h>
 
+#include <QFile>
+
+#include <climits>
 #include <exception>
 #include <optional>
 
@@ -39,13 +43,21 @@ void sayLeftOut(const RyForeignInput &input, const QString &what, QStringList na
                            names.size() > most ? QStringLiteral(" and %1 more").arg(names.size() - most) : QString()));
 }
 
+/// Nothing where it cannot be read: the importers' library says why.
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.size() < INT_MAX ? file.readAll() : QByteArray();
+}
+
 /// What is to be read in the place of the file, or nothing.
 QByteArray knowFbx(RyForeignInput &input)
 {
-    const RyFbxObjects objects(input.path);
+    const QByteArray bytes = bytesOf(input.path);
+    const RyFbxObjects objects(bytes);
     input.joints = objects.limbs;
     input.channelsOf = objects.channelsOf;
-    input.isText = objects.isText;
+    input.isText = !RyFbxRecords(bytes).isBinary();
     input.nameOf = objects.nameOf;
     if (!objects.ambiguous.isEmpty()) {
         input.say(
@@ -62,7 +74,9 @@ QByteArray knowFbx(RyForeignInput &input)
                               : QStringLiteral("%1 of %2 nodes").arg(property.name).arg(property.nodes.size()));
     }
     sayLeftOut(input, QStringLiteral("Properties that were added to nodes are left out"), properties);
-    return objects.renamed(input.path);
+    const QByteArray renamed = objects.renamed();
+    const QByteArray unpacked = ryFbxUnpacked(RyFbxRecords(renamed));
+    return unpacked.isEmpty() && renamed.constData() != bytes.constData() ? renamed : unpacked;
 }
 
 void addMorphs(const RyColladaMorphs &morphs, const RyForeignInput &input)

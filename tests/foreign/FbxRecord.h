@@ -9,6 +9,13 @@
 class FbxRecord
 {
 public:
+    /// The ways in which programs write the same.
+    struct Form
+    {
+        bool isWide = false;   // places of eight bytes
+        bool isPacked = false; // arrays
+    };
+
     explicit FbxRecord(const char *name) : m_name(name) {}
 
     FbxRecord &number(qint32 value) { return property('I', raw(value)); }
@@ -26,20 +33,27 @@ public:
         return *this;
     }
 
+    FbxRecord &flags(const QByteArray &values) { return property('b', values, values.size()); }
+
     /// With all that is below it, for a place in the file.
-    QByteArray bytes(int at) const
+    QByteArray bytes(int at) const { return bytes(at, Form()); }
+    QByteArray bytes(int at, const Form &form) const
     {
-        QByteArray inner = m_properties;
-        const int headSize = 13 + m_name.size();
+        QByteArray inner;
+        for (const Property &each : m_properties)
+            inner += each.kind + (each.count < 0 ? each.bytes : arrayBytes(each, form.isPacked));
+        const int propertiesSize = inner.size();
+        const int headSize = end(form).size() + m_name.size();
         for (const FbxRecord &child : m_children)
-            inner += child.bytes(at + headSize + inner.size());
+            inner += child.bytes(at + headSize + inner.size(), form);
         if (!m_children.empty())
-            inner += end();
-        return raw(qint32(at + headSize + inner.size())) + raw(m_count) + raw(qint32(m_properties.size())) +
-               char(m_name.size()) + m_name + inner;
+            inner += end(form);
+        return place(at + headSize + inner.size(), form) + place(int(m_properties.size()), form) +
+               place(propertiesSize, form) + char(m_name.size()) + m_name + inner;
     }
     /// What closes a list of records.
-    static QByteArray end() { return QByteArray(13, '\0'); }
+    static QByteArray end() { return end(Form()); }
+    static QByteArray end(const Form &form) { return QByteArray(form.isWide ? 25 : 13, '\0'); }
     static QByteArray header(qint32 version) { return QByteArray("Kaydara FBX Binary  \0\x1a\0", 23) + raw(version); }
 
 private:
@@ -50,23 +64,37 @@ private:
         qToLittleEndian(value, bytes);
         return QByteArray(bytes, int(sizeof value));
     }
+    static QByteArray place(int value, const Form &form)
+    {
+        return form.isWide ? raw(qint64(value)) : raw(qint32(value));
+    }
     template<class Value>
     FbxRecord &array(char kind, const std::vector<Value> &values)
     {
         QByteArray bytes;
         for (const Value value : values)
             bytes += raw(value);
-        return property(kind, raw(qint32(values.size())) + raw(qint32(0)) + raw(qint32(bytes.size())) + bytes);
+        return property(kind, bytes, int(values.size()));
     }
-    FbxRecord &property(char kind, const QByteArray &bytes)
+    FbxRecord &property(char kind, const QByteArray &bytes, int count = -1)
     {
-        m_properties += kind + bytes;
-        ++m_count;
+        m_properties.push_back({kind, count, bytes});
         return *this;
     }
 
+    struct Property
+    {
+        char kind;
+        int count; // of an array
+        QByteArray bytes;
+    };
+    static QByteArray arrayBytes(const Property &array, bool isPacked)
+    {
+        const QByteArray bytes = isPacked ? qCompress(array.bytes).mid(4) : array.bytes; // without the size, Qt's own
+        return raw(qint32(array.count)) + raw(qint32(isPacked)) + raw(qint32(bytes.size())) + bytes;
+    }
+
     QByteArray m_name;
-    QByteArray m_properties;
-    qint32 m_count = 0;
+    std::vector<Property> m_properties;
     std::vector<FbxRecord> m_children;
 };

@@ -157,7 +157,7 @@ FbxRecord FbxSketch::ownProperty(const char *name, double value)
     return FbxRecord("P").text(name).text("Number").text("").text("A+U").real(value);
 }
 
-QByteArray FbxSketch::bytes() const
+QByteArray FbxSketch::bytes(const FbxRecord::Form &form) const
 {
     const FbxRecord head = FbxRecord("FBXHeaderExtension")
                                .add(FbxRecord("FBXHeaderVersion").number(1003))
@@ -169,8 +169,8 @@ QByteArray FbxSketch::bytes() const
                 {wholeNumber("UpAxis", 1), wholeNumber("UpAxisSign", 1), wholeNumber("FrontAxis", 2),
                  wholeNumber("FrontAxisSign", 1), wholeNumber("CoordAxis", 0), wholeNumber("CoordAxisSign", 1),
                  FbxRecord("P").text("UnitScaleFactor").text("double").text("Number").text("").real(1.0)}));
-    QByteArray all = FbxRecord::header(7400);
+    QByteArray all = FbxRecord::header(form.isWide ? 7700 : 7400);
     for (const FbxRecord &each : {head, settings, m_objects, m_connections})
-        all += each.bytes(all.size());
-    return all + FbxRecord::end();
+        all += each.bytes(all.size(), form);
+    return all + FbxRecord::end(form);
 }

@@ -31,7 +31,7 @@ public:
     /// A property that somebody added to a node.
     static FbxRecord ownProperty(const char *name, double value);
 
-    QByteArray bytes() const;
+    QByteArray bytes(const FbxRecord::Form &form = FbxRecord::Form()) const;
 
 private:
     qint64 add(const char *kind, const char *name, const char *label, const char *type,

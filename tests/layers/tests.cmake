@@ -19,5 +19,5 @@ if(TARGET RyJointTools AND NOT RY_SANITIZE)
            $<TARGET_FILE:ryforeignpictures> ryPngFromPicture ryPngFromTexels)
   # Each library more is time that every foreign file takes longer to open.
   add_test(NAME layers_foreign_libraries COMMAND ${RY_PYTHON} -B ${CMAKE_CURRENT_LIST_DIR}/test_libraries.py
-           $<TARGET_FILE:ryforeign> libQt5Core libassimp libstdc++ libm libgcc_s libc)
+           $<TARGET_FILE:ryforeign> libQt5Core libassimp libdeflate libstdc++ libm libgcc_s libc)
 endif()

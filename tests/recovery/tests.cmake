@@ -4,10 +4,7 @@ ry_test(recovery OFFSCREEN LIBS ry_ryhost rycore ry_evaluator SOURCES ${edits}
   ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp
   ${CMAKE_SOURCE_DIR}/tests/parametric_files/LegacyArm.cpp ${CMAKE_SOURCE_DIR}/tests/foreign/ForeignSketch.cpp)
 # It reads foreign files.
-add_dependencies(tst_recovery ryhost)
-if(TARGET ryforeign)
-  add_dependencies(tst_recovery ryforeign)
-endif()
+add_dependencies(tst_recovery ryhost ryforeign)
 # A program that edits until it is killed.
 add_executable(recovery_session ${CMAKE_CURRENT_LIST_DIR}/session/main.cpp
   ${CMAKE_CURRENT_LIST_DIR}/session/DiskWaits.cpp

@@ -271,12 +271,22 @@ int RyGltfDocument::addUintAccessor(std::span<const std::uint32_t> values, int c
     const int stride = target == 34962 ? (elementSize + 3) & ~3 : elementSize;
     const std::size_t count = values.size() / std::size_t(componentCount);
     std::vector<char> bytes(count * std::size_t(stride), 0);
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        char *to = bytes.data() + (i / std::size_t(componentCount)) * std::size_t(stride) +
-                   (i % std::size_t(componentCount)) * std::size_t(size);
-        for (int byte = 0; byte < size; ++byte)
-            to[byte] = char(values[i] >> (8 * byte));
-    }
+    const auto write = [&]<typename T>(T) {
+        const std::uint32_t *from = values.data();
+        for (std::size_t i = 0; i < count; ++i) {
+            char *to = bytes.data() + i * std::size_t(stride);
+            for (int component = 0; component < componentCount; ++component, to += sizeof(T)) {
+                const T value = T(*from++);
+                std::memcpy(to, &value, sizeof value);
+            }
+        }
+    };
+    if (size == 1)
+        write(std::uint8_t());
+    else if (size == 2)
+        write(std::uint16_t());
+    else
+        write(std::uint32_t());
     const int view = d->appendView(bytes.data(), bytes.size(), target, stride != elementSize ? stride : 0);
     return view < 0 ? -1 : d->appendAccessor(view, componentType, componentCount, count, normalized);
 }
