@@ -30,6 +30,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
+#include <QStatusBar>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -61,6 +62,26 @@ private slots:
         QVERIFY(!ryUndoStack()->canUndo());
         // The sample is no file of the user's.
         QVERIFY(m_window->files()->recentFiles().isEmpty());
+    }
+
+    /// Not over the hint of the tool, though the button for unsaved work comes up with it and makes the bar higher.
+    void messageTakesThePlaceOfTheHint()
+    {
+        m_window = std::make_unique<HostWindow>(m_scene); // in which nothing was opened yet
+        m_window->start();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+        QStatusBar *bar = m_window->statusBar();
+        QVERIFY(m_window->statusLabel()->isVisible());
+        m_scene->findNode(QStringLiteral("head"))->getXRotControl()->setValue(20.0f);
+        m_window->showMessage(QStringLiteral("Something was done."));
+        QCoreApplication::processEvents();
+        QCoreApplication::processEvents(); // the layout's turn, and what it asked for
+        QVERIFY(m_window->isWindowModified());
+        QCOMPARE(bar->currentMessage(), QStringLiteral("Something was done."));
+        QVERIFY(!m_window->statusLabel()->isVisible());
+        bar->clearMessage();
+        QVERIFY(m_window->statusLabel()->isVisible());
     }
 
     void everyWidgetHasAName()

@@ -10,6 +10,9 @@ UnsavedButton::UnsavedButton(HostFiles *files, QWidget *parent) : QToolButton(pa
     setAccessibleName(tr("Unsaved changes"));
     setAutoRaise(true);
     setFocusPolicy(Qt::TabFocus);
+    // As high without a text as with one: a status bar that becomes higher shows all that it has, also what makes way
+    // for a message.
+    setText(tr("* %1").arg(QString()));
     const RyUndoStack *stack = ryUndoStack();
     connect(stack, &RyUndoStack::changed, this, &UnsavedButton::refresh);
     connect(stack, &RyUndoStack::cleanChanged, this, &UnsavedButton::refresh);
