@@ -3,7 +3,6 @@
 #include "rycore/automation/RyActionRunner.h"
 #include "rycore/automation/RyDialogDriver.h"
 #include "rycore/base/RyMessageLog.h"
-#include "rycore/base/RyTextDistance.h"
 #include "rycore/script/RyScript.h"
 #include "rycore/script/RyScriptEngine.h"
 #include "rycore/ui/RyAction.h"
@@ -124,28 +123,27 @@ private slots:
     void namesThatAreNot_data()
     {
         QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("meant");
-        QTest::newRow("short") << QStringLiteral("Plain") << QStringLiteral("RyJEPlainAction");
-        QTest::newRow("lower case") << QStringLiteral("ryjeplainaction") << QStringLiteral("RyJEPlainAction");
-        QTest::newRow("a letter off") << QStringLiteral("RyJEReuseAction") << QStringLiteral("RyJERefuseAction");
-        QTest::newRow("swapped") << QStringLiteral("RyJECuontAction") << QStringLiteral("RyJECountAction");
-        QTest::newRow("several") << QStringLiteral("RefusePlain")
-                                 << QStringLiteral(" (did you mean RyJERefuseAction or RyJEPlainAction?).");
+        QTest::addColumn<QString>("offered");
+        const auto didYouMean = [](const char *names) { return QStringLiteral(" (did you mean %1?).").arg(names); };
+        QTest::newRow("short") << QStringLiteral("Plain") << didYouMean("RyJEPlainAction");
+        QTest::newRow("lower case") << QStringLiteral("ryjeplainaction") << didYouMean("RyJEPlainAction");
+        QTest::newRow("a letter off") << QStringLiteral("RyJEReuseAction") << didYouMean("RyJERefuseAction");
+        QTest::newRow("swapped") << QStringLiteral("RyJECuontAction") << didYouMean("RyJECountAction");
+        QTest::newRow("several") << QStringLiteral("RefusePlain") << didYouMean("RyJERefuseAction or RyJEPlainAction");
         // As far off as no other name would be offered.
-        QTest::newRow("two of five letters off")
-            << QStringLiteral("RyJECxyntAction") << QStringLiteral("; there is RyJEAskAction, RyJECountAction, ");
-        QTest::newRow("nothing alike") << QStringLiteral("Frobnicate")
-                                       << QStringLiteral(
-                                              "RyJEAskAction, RyJECountAction, RyJEPlainAction, RyJERefuseAction");
+        const QString all =
+            QStringLiteral("; there is RyJEAskAction, RyJECountAction, RyJEPlainAction, RyJERefuseAction.");
+        QTest::newRow("two of five letters off") << QStringLiteral("RyJECxyntAction") << all;
+        QTest::newRow("nothing alike") << QStringLiteral("Frobnicate") << all;
     }
 
     void namesThatAreNot()
     {
         QFETCH(QString, name);
-        QFETCH(QString, meant);
+        QFETCH(QString, offered);
         const RyActionResult result = m_runner.run(name, RyDialogDriver());
         QCOMPARE(result.outcome, RyOutcome::WrongUse);
-        QVERIFY2(result.reason.contains(name) && result.reason.contains(meant), qPrintable(result.reason));
+        QCOMPARE(result.reason, QStringLiteral("There is no action %1%2").arg(name, offered));
     }
 
     void disabledActionsSayWhy()
@@ -245,19 +243,6 @@ private slots:
         const RyActionRunner none(nullptr);
         QCOMPARE(none.run(QStringLiteral("RyJEPlainAction"), RyDialogDriver()).outcome, RyOutcome::WrongUse);
         QVERIFY(none.names().isEmpty());
-    }
-
-    void distances()
-    {
-        const auto distance = [](const char *a, const char *b) {
-            return ryTextDistance(QLatin1String(a), QLatin1String(b));
-        };
-        QCOMPARE(distance("", ""), 0);
-        QCOMPARE(distance("", "abc"), 3);
-        QCOMPARE(distance("abc", "abc"), 0);
-        QCOMPARE(distance("bone", "bones"), 1);
-        QCOMPARE(distance("kitten", "sitting"), 3);
-        QCOMPARE(distance("align", "snap"), distance("snap", "align"));
     }
 
     void answersThatGiveUpAreNoRefusal()

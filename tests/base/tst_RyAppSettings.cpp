@@ -178,6 +178,7 @@ private slots:
         QTest::newRow("empty text") << QByteArray("string:") << QStringList() << 0;
         QTest::newRow("untyped") << QByteArray("/a") << QStringList("/a") << 0;
         QTest::newRow("numbers") << QByteArray("list:[1,2]") << QStringList() << 1;
+        QTest::newRow("of another type") << QByteArray("float:[\"a\"]") << QStringList() << 1;
         QTest::newRow("no list") << QByteArray("list:{\"a\":1}") << QStringList() << 1;
         QTest::newRow("cut off") << QByteArray("list:[\"a\",") << QStringList() << 1;
         QTest::newRow("int") << QByteArray("int:7") << QStringList() << 1;

@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/base/RyNearTexts.h"
+#include "rycore/base/RyTextDistance.h"
 
 class RyNearTextsTest : public QObject
 {
@@ -19,6 +20,24 @@ private slots:
         QCOMPARE(ryNearTexts("", bones), QStringList());
         QCOMPARE(ryNearTexts("h", bones), QStringList());
         QCOMPARE(ryNearTexts("hip", {"hip", "Hip", "hip"}), QStringList({"hip", "Hip"}));
+    }
+
+    void distances()
+    {
+        const auto distance = [](const char *a, const char *b) {
+            return ryTextDistance(QLatin1String(a), QLatin1String(b));
+        };
+        QCOMPARE(distance("", ""), 0);
+        QCOMPARE(distance("", "abc"), 3);
+        QCOMPARE(distance("abc", ""), 3);
+        QCOMPARE(distance("abc", "abc"), 0);
+        QCOMPARE(distance("bone", "bones"), 1);
+        QCOMPARE(distance("bone", "bnoe"), 1);
+        QCOMPARE(distance("ab", "ba"), 1);
+        QCOMPARE(distance("ca", "abc"), 3); // a swapped letter is not moved on
+        QCOMPARE(distance("upperarm", "puperamr"), 2);
+        QCOMPARE(distance("kitten", "sitting"), 3);
+        QCOMPARE(distance("align", "snap"), distance("snap", "align"));
     }
 
     void sentences()
