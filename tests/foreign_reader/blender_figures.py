@@ -4,6 +4,8 @@
       exports the sample, with a morph added, in several ways; their names say how
   blender -b --factory-startup --python blender_figures.py -- all SAMPLE.glb FOLDER
       does so and judges them, to NAME.json beside each
+  blender -b --factory-startup --python blender_figures.py -- store SAMPLE.glb exports
+      exports the sample with few vertices and frames, judges that, and packs it: what is kept for where Blender is not
   blender -b --factory-startup --python blender_figures.py -- judge FILE FIGURES.json [FILE FIGURES.json...]
       writes what Blender sees in each: heads of bones, and of some vertices their weights, where they stand at rest, in
       five poses, in ten frames of the first clip and with each morph
@@ -17,7 +19,10 @@ import json
 import math
 import os
 import random
+import struct
 import sys
+import tempfile
+import zlib
 
 import bpy
 import numpy
@@ -29,6 +34,17 @@ if "bool" not in numpy.__dict__:  # which the importer of glTF still says
 SAMPLES = 120
 POSES = 5
 FRAMES = 10
+KEPT_POLYGONS = 800
+KEPT_FRAMES = 19
+FBX_WAYS = {
+    "cm_leaves": {"add_leaf_bones": True},
+    "cm_plain": {"add_leaf_bones": False},
+    "m_leaves": {"add_leaf_bones": True, "apply_scale_options": "FBX_SCALE_UNITS"},
+    "m_plain_z_up": {"add_leaf_bones": False, "apply_scale_options": "FBX_SCALE_ALL", "axis_up": "Z",
+                     "axis_forward": "-Y"},
+    "cm_plain_z_up": {"add_leaf_bones": False, "axis_up": "Z", "axis_forward": "Y"},
+}
+KEPT_FBX = ("cm_leaves", "cm_plain_z_up", "m_leaves", "m_plain_z_up")
 
 
 def clear():
@@ -125,13 +141,14 @@ def judge(path):
             actions[each] = each.animation_data.action
         if each.animation_data:
             each.animation_data_clear()
-    keys = {}
+    keys, values = {}, {}
     for mesh, _ in skinned():
         blocks = mesh.data.shape_keys
         if blocks and blocks.animation_data:
             keys[mesh] = blocks.animation_data.action
             blocks.animation_data_clear()
         for block in blocks.key_blocks[1:] if blocks else []:
+            values[block] = block.value
             block.value = 0
     rest()
     chosen = {}
@@ -161,6 +178,8 @@ def judge(path):
         for (mesh, _), entry in zip(skinned(), result["meshes"]):
             entry["poses"].append(shown(mesh, chosen[mesh]))
     rest()
+    for block, value in values.items():
+        block.value = value
     if actions:
         judge_clip(result, actions, keys, chosen)
     return result
@@ -187,7 +206,8 @@ def judge_clip(result, actions, keys, chosen):
             of_mesh["frames"].append(shown(mesh, chosen[mesh]))
 
 
-def make(sample, folder):
+def prepare(sample):
+    """The sample with one clip; its mesh and the clip's first and last frame."""
     load(sample)
     # The importer's shapes of bones, and all clips but one.
     shapes = {bone.custom_shape for armature in armatures() for bone in armature.pose.bones if bone.custom_shape}
@@ -203,7 +223,19 @@ def make(sample, folder):
             bpy.data.actions.remove(action)
     scene = bpy.context.scene
     scene.frame_start, scene.frame_end = int(wanted.frame_range[0]), math.ceil(wanted.frame_range[1])
-    mesh = skinned()[0][0]
+    return skinned()[0][0], scene
+
+
+def thin(mesh, scene):
+    """Few vertices and frames, for files that are kept."""
+    modifier = mesh.modifiers.new("Thin", "DECIMATE")
+    modifier.ratio = KEPT_POLYGONS / len(mesh.data.polygons)
+    bpy.context.view_layer.objects.active = mesh
+    bpy.ops.object.modifier_apply(modifier=modifier.name)
+    scene.frame_end = scene.frame_start + KEPT_FRAMES - 1
+
+
+def add_morph(mesh, scene):
     mesh.shape_key_add(name="Basis")
     morph = mesh.shape_key_add(name="Wide")
     for point in morph.data:
@@ -211,18 +243,78 @@ def make(sample, folder):
     for frame, value in ((scene.frame_start, 0.0), (scene.frame_end, 1.0)):
         morph.value = value
         morph.keyframe_insert("value", frame=frame)
-    ways = {
-        "cm_leaves": {"add_leaf_bones": True},
-        "cm_plain": {"add_leaf_bones": False},
-        "m_leaves": {"add_leaf_bones": True, "apply_scale_options": "FBX_SCALE_UNITS"},
-        "m_plain_z_up": {"add_leaf_bones": False, "apply_scale_options": "FBX_SCALE_ALL", "axis_up": "Z",
-                         "axis_forward": "-Y"},
-        "cm_plain_z_up": {"add_leaf_bones": False, "axis_up": "Z", "axis_forward": "Y"},
-    }
-    for name, options in ways.items():
-        bpy.ops.export_scene.fbx(filepath=os.path.join(folder, name + ".fbx"), bake_anim_use_all_actions=False,
-                                 bake_anim_use_nla_strips=False, bake_anim_simplify_factor=0, **options)
-    bpy.ops.wm.collada_export(filepath=os.path.join(folder, "z_up.dae"))
+
+
+def make(sample, folder):
+    mesh, scene = prepare(sample)
+    add_morph(mesh, scene)
+    for name in FBX_WAYS:
+        export_fbx(folder, name)
+    export_collada(folder, "z_up", scene)
+
+
+def export_fbx(folder, name):
+    bpy.ops.export_scene.fbx(filepath=os.path.join(folder, name + ".fbx"), bake_anim_use_all_actions=False,
+                             bake_anim_use_nla_strips=False, bake_anim_simplify_factor=0, **FBX_WAYS[name])
+
+
+def export_collada(folder, name, scene, unit=1.0):
+    scene.unit_settings.scale_length = unit
+    scene.frame_set((scene.frame_start + scene.frame_end) // 2)  # morphs stay as they are then: clips leave them alone
+    bpy.ops.wm.collada_export(filepath=os.path.join(folder, name + ".dae"), include_shapekeys=True)
+    scene.unit_settings.scale_length = 1.0
+
+
+def transform(mesh, armature, turn, factor):
+    """The figure itself, not its nodes."""
+    for data in (mesh.data, armature.data):
+        data.transform(turn @ Matrix.Scale(factor, 4), **({"shape_keys": True} if data is mesh.data else {}))
+        data.update_tag()
+    for curve in armature.animation_data.action.fcurves:
+        if curve.data_path.endswith(".location"):
+            for key in curve.keyframe_points:
+                key.co.y *= factor
+                key.handle_left.y *= factor
+                key.handle_right.y *= factor
+
+
+def replace_text(path, old, new):
+    with open(path, encoding="utf-8") as file:
+        text = file.read()
+    assert text.count(old) == 1
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text.replace(old, new))
+
+
+def store(sample, folder):
+    mesh, scene = prepare(sample)
+    thin(mesh, scene)
+    add_morph(mesh, scene)
+    with tempfile.TemporaryDirectory() as made:
+        for name in KEPT_FBX:
+            export_fbx(made, name)
+        armature = armatures()[0]
+        bpy.context.view_layer.objects.active = armature
+        bpy.ops.export_anim.bvh(filepath=os.path.join(made, "m_z_up.bvh"), frame_start=scene.frame_start,
+                                frame_end=scene.frame_end)
+        export_collada(made, "m_z_up", scene)
+        # The same in centimetres. Blender writes no other axes: what stands so that Y points up is called so.
+        transform(mesh, armature, Matrix.Rotation(math.radians(-90), 4, "X"), 100)
+        export_collada(made, "cm_y_up", scene, unit=0.01)
+        replace_text(os.path.join(made, "cm_y_up.dae"), "<up_axis>Z_UP<", "<up_axis>Y_UP<")
+        for name in sorted(os.listdir(made)):
+            source = os.path.join(made, name)
+            with open(source, "rb") as file:
+                content = file.read()
+            with open(os.path.join(folder, name + ".z"), "wb") as out:  # the size first, as the toolkit unpacks it
+                out.write(struct.pack(">I", len(content)) + zlib.compress(content, 9))
+            write_figures(source, os.path.join(folder, name + ".json"))
+
+
+def write_figures(source, target):
+    with open(target, "w", encoding="utf-8") as out:
+        json.dump(judge(source), out, separators=(",", ":"))
+        out.write("\n")
 
 
 def main():
@@ -230,15 +322,16 @@ def main():
     if words[0] == "make":
         make(words[1], words[2])
         return
+    if words[0] == "store":
+        store(words[1], words[2])
+        return
     pairs = list(zip(words[1::2], words[2::2]))
     if words[0] == "all":
         make(words[1], words[2])
         names = sorted(os.listdir(words[2]))
         pairs = [(os.path.join(words[2], name), os.path.join(words[2], name + ".json")) for name in names]
     for source, target in pairs:
-        with open(target, "w", encoding="utf-8") as out:
-            json.dump(judge(source), out, separators=(",", ":"))
-            out.write("\n")
+        write_figures(source, target)
 
 
 main()

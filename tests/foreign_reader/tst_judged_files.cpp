@@ -2,11 +2,10 @@
 #include "foreign_reader/JudgedFigure.h"
 #include "io/CharacterScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "support/RyBlender.h"
 #include "support/RyTest.h"
 
 #include <QFileInfo>
-#include <QProcess>
-#include <QStandardPaths>
 
 #include <iostream>
 
@@ -20,11 +19,12 @@ private slots:
     void cleanup() { ryUndoStack()->clearAll(); }
     void characters_data();
     void characters();
+    void keptExports_data();
+    void keptExports();
     void exportedSample_data();
     void exportedSample();
 
 private:
-    static bool runJudge(const QStringList &arguments, QString *output);
     static void check(const QString &file, const QString &figures, int bones, int frames, int morphs);
 
     QTemporaryDir m_folder;
@@ -78,29 +78,38 @@ void JudgedFilesTest::characters()
           bones, frames, morphs);
 }
 
-bool JudgedFilesTest::runJudge(const QStringList &arguments, QString *output)
+void JudgedFilesTest::keptExports_data()
 {
-    QProcess judge;
-    judge.setProcessChannelMode(QProcess::MergedChannels);
-    judge.start(QStringLiteral("blender"),
-                QStringList{"-b", "--factory-startup", "--python-exit-code", "1"} + arguments);
-    const bool isDone = judge.waitForFinished(500000) && judge.exitCode() == 0;
-    *output = QString::fromUtf8(judge.readAll()).right(2000);
-    return isDone;
+    QTest::addColumn<int>("morphs");
+    for (const char *name :
+         {"cm_leaves.fbx", "m_leaves.fbx", "m_plain_z_up.fbx", "cm_plain_z_up.fbx", "cm_y_up.dae", "m_z_up.dae"}) {
+        QTest::newRow(name) << 1;
+    }
+    QTest::newRow("m_z_up.bvh") << 0;
+}
+
+/// The sample as another program exported it once: judged wherever the tests run.
+void JudgedFilesTest::keptExports()
+{
+    QFETCH(int, morphs);
+    const QString exports = QStringLiteral(RY_SOURCE_DIR "/tests/foreign_reader/exports/");
+    QFile packed(exports + QTest::currentDataTag() + QStringLiteral(".z"));
+    QVERIFY(packed.open(QIODevice::ReadOnly));
+    const QByteArray content = qUncompress(packed.readAll());
+    QVERIFY(!content.isEmpty());
+    const TextFile file(QTest::currentDataTag(), content);
+    check(file.path, exports + QTest::currentDataTag() + QStringLiteral(".json"), 51, 10, morphs);
 }
 
 /// Nothing to do where the judge is not installed, or lacks what its importer of glTF needs.
 void JudgedFilesTest::exportedSample_data()
 {
     QTest::addColumn<int>("morphs");
-    QString output;
-    if (QStandardPaths::findExecutable(QStringLiteral("blender")).isEmpty() ||
-        !runJudge({QStringLiteral("--python-expr"), QStringLiteral("import numpy")}, &output)) {
+    if (!RyBlender::whyNot().isEmpty())
         return;
-    }
     for (const char *name : {"cm_leaves.fbx", "cm_plain.fbx", "m_leaves.fbx", "m_plain_z_up.fbx", "cm_plain_z_up.fbx"})
         QTest::newRow(name) << 1;
-    QTest::newRow("z_up.dae") << 0; // the judge writes no morphs to this format
+    QTest::newRow("z_up.dae") << 1;
 }
 
 void JudgedFilesTest::exportedSample()
@@ -110,9 +119,9 @@ void JudgedFilesTest::exportedSample()
     const QString file = m_folder.filePath(QTest::currentDataTag());
     if (!QFileInfo::exists(file)) { // all at once: the judge takes long to start
         QString output;
-        QVERIFY2(runJudge({QStringLiteral("--python"), script, QStringLiteral("--"), QStringLiteral("all"),
-                           QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb"), m_folder.path()},
-                          &output),
+        QVERIFY2(RyBlender::run({QStringLiteral("--python"), script, QStringLiteral("--"), QStringLiteral("all"),
+                                 QStringLiteral(RY_SOURCE_DIR "/resources/samples/mannequin.glb"), m_folder.path()},
+                                &output),
                  qPrintable(output));
     }
     check(file, file + QStringLiteral(".json"), 51, 10, morphs);
