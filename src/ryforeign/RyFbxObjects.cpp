@@ -86,29 +86,47 @@ void RyFbxObjects::readModel(const Record &record, qint64 id)
     model.name = whole.left(whole.indexOf('\0'));
     // "Root" is the place of a whole skeleton, often at the same point as its first limb.
     model.isLimb = kind == "LimbNode" || kind == "Limb";
+    RyFbxTransform transform;
+    const auto read = [&](const Record &property) {
+        readOwnProperty(property, QString::fromUtf8(model.name));
+        readTransform(property, transform);
+    };
+    m_records.forEach(record.childrenAt, record.end, [&](const Record &list) {
+        if (list.name == "Properties70")
+            m_records.forEach(list.childrenAt, list.end, read);
+    });
+    if (transform.hasPivot())
+        model.pivot = transform.pivot();
+    for (const auto &change : transform.changes())
+        m_changes.push_back(change);
     m_models.push_back(model);
-    readOwnProperties(record, QString::fromUtf8(model.name));
 }
 
-/// Each property says a name, a type, a label and flags.
-void RyFbxObjects::readOwnProperties(const Record &model, const QString &node)
+/// Each says a name, a type, a label and flags, and behind them its numbers.
+void RyFbxObjects::readOwnProperty(const Record &property, const QString &node)
 {
-    const auto take = [this, &node](const Record &property) {
-        if (!m_records.text(property, 3).contains('U'))
-            return;
-        const QString name = QString::fromUtf8(m_records.text(property, 0));
-        const auto known = m_ownPropertyOf.constFind(name);
-        if (known != m_ownPropertyOf.constEnd()) {
-            ownProperties[*known].nodes.append(node);
-            return;
-        }
-        m_ownPropertyOf.insert(name, ownProperties.size());
-        ownProperties.push_back({name, {node}});
-    };
-    m_records.forEach(model.childrenAt, model.end, [this, &take](const Record &list) {
-        if (list.name == "Properties70")
-            m_records.forEach(list.childrenAt, list.end, take);
-    });
+    if (!m_records.text(property, 3).contains('U'))
+        return;
+    const QString name = QString::fromUtf8(m_records.text(property, 0));
+    const auto known = m_ownPropertyOf.constFind(name);
+    if (known != m_ownPropertyOf.constEnd()) {
+        ownProperties[*known].nodes.append(node);
+        return;
+    }
+    m_ownPropertyOf.insert(name, ownProperties.size());
+    ownProperties.push_back({name, {node}});
+}
+
+void RyFbxObjects::readTransform(const Record &property, RyFbxTransform &transform) const
+{
+    const qint64 at[] = {m_records.findProperty(property, 4), m_records.findProperty(property, 5), m_records.findProperty(property, 6)};
+    const auto isKind = [this](qint64 place, char kind) { return place >= 0 && m_records.value<char>(place) == kind; };
+    if (isKind(at[0], 'I'))
+        transform.add(m_records.text(property, 0), {double(m_records.value<qint32>(at[0] + 1)), 0.0, 0.0}, {at[0] + 1, 0, 0});
+    else if (isKind(at[0], 'D') && isKind(at[1], 'D') && isKind(at[2], 'D'))
+        transform.add(m_records.text(property, 0),
+                      {m_records.value<double>(at[0] + 1), m_records.value<double>(at[1] + 1), m_records.value<double>(at[2] + 1)},
+                      {at[0] + 1, at[1] + 1, at[2] + 1});
 }
 
 /// Of lines like  Model: 12, "Model::Hips", "LimbNode" {
@@ -149,22 +167,24 @@ void RyFbxObjects::tellApart()
         } else if (const QByteArray free = freeName(own.size(), taken); !free.isEmpty()) {
             taken.insert(free);
             nameOf.insert(QString::fromLatin1(free), QString::fromUtf8(own));
-            m_renamings.emplace_back(model.nameAt, free);
+            m_changes.emplace_back(model.nameAt, free);
             model.name = free;
         } else if (!own.isEmpty()) {
             ambiguous.append(QString::fromUtf8(own));
         }
+        if (model.pivot)
+            pivotOf.insert(QString::fromUtf8(model.name), *model.pivot);
         if (model.isLimb)
             limbs.insert(QString::fromUtf8(model.name));
     }
 }
 
-QByteArray RyFbxObjects::renamed() const
+QByteArray RyFbxObjects::changed() const
 {
     QByteArray bytes = m_bytes;
-    for (const auto &[at, name] : m_renamings) {
-        if (at + name.size() <= bytes.size())
-            bytes.replace(int(at), name.size(), name);
+    for (const auto &[at, change] : m_changes) {
+        if (at + change.size() <= bytes.size())
+            bytes.replace(int(at), change.size(), change);
     }
     return bytes;
 }

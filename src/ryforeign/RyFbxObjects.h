@@ -1,10 +1,13 @@
 #pragma once
 
 #include "ryforeign/RyFbxRecords.h"
+#include "ryforeign/RyFbxTransform.h"
 #include "ryforeign/RyForeignInput.h"
 
+#include <optional>
+
 /// What an FBX file says of its objects and the importers' library does not pass on: which nodes are limbs of a
-/// skeleton, how far its morphs are shown, and which nodes have the name of another.
+/// skeleton, how far its morphs are shown, about which points its nodes turn, and which have the name of another.
 class RyFbxObjects
 {
 public:
@@ -14,6 +17,7 @@ public:
     QSet<QString> limbs;                                              // names of nodes, as they are after renaming
     QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
     QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
+    QHash<QString, RyForeignPivot> pivotOf;                           // by nodes, likewise; of binary files
     QStringList ambiguous;                                            // names that could not be told apart
     QStringList constraints;                                          // by names
     /// Properties that somebody added to nodes, in the order of the file; of binary files.
@@ -24,9 +28,9 @@ public:
     };
     std::vector<OwnProperty> ownProperties;
 
-    /// The file with a name of its own, of the same length, for each node that has that of another; the bytes that were
-    /// read where none has.
-    QByteArray renamed() const;
+    /// The file with a name of its own, of the same length, for each node that has that of another, and with what the
+    /// importers' library takes otherwise than the format means it; the bytes that were read where there is nothing of it.
+    QByteArray changed() const;
 
 private:
     using Record = RyFbxRecords::Record;
@@ -37,7 +41,8 @@ private:
     void forNamesInText(const QByteArray &kind, const Work &work) const;
     void readObject(const Record &record);
     void readModel(const Record &record, qint64 id);
-    void readOwnProperties(const Record &model, const QString &node);
+    void readOwnProperty(const Record &property, const QString &node);
+    void readTransform(const Record &property, RyFbxTransform &transform) const;
     void tellApart();
     void findChannels();
     std::vector<qint64> below(qint64 id, const QHash<qint64, RyForeignInput::Channel> &kind) const;
@@ -52,9 +57,10 @@ private:
         qint64 nameAt = 0;
         QByteArray name;
         bool isLimb = false;
+        std::optional<RyForeignPivot> pivot;
     };
     std::vector<Model> m_models;
-    std::vector<std::pair<qint64, QByteArray>> m_renamings;                                 // by places in the file
+    std::vector<std::pair<qint64, QByteArray>> m_changes;                                   // by places in the file
     QHash<qint64, RyForeignInput::Channel> m_geometries, m_deformers, m_channels, m_shapes; // by ids
     QHash<QString, size_t> m_ownPropertyOf;                                                 // by name
     QHash<qint64, std::vector<qint64>> m_below; // what is connected to an object, in the order of the file

@@ -21,8 +21,9 @@ RyForeignBinds::RyForeignBinds(const RyForeignInput &input, const RyForeignTree 
     : m_input(input), m_tree(tree), m_binds(tree.nodes.size()), m_isSaid(tree.nodes.size(), false),
       m_holdsJoint(tree.nodes.size(), false)
 {
-    for (const RyForeignTree::Node &node : tree.nodes) {
-        m_meshToWorld.push_back(node.world);
+    for (size_t i = 0; i < tree.nodes.size(); ++i) {
+        const RyForeignTree::Node &node = tree.nodes[i];
+        m_meshToWorld.push_back(tree.meshToWorld(i));
         for (int axis = 0; axis < 3; ++axis)
             m_reach = std::max(m_reach, std::abs(node.world.m[3][axis] - tree.nodes.front().world.m[3][axis]));
     }
@@ -74,6 +75,12 @@ bool RyForeignBinds::isNear(const RyAffine &a, const RyAffine &b, double toleran
     return turned <= tolerance * size && moved <= tolerance * m_reach;
 }
 
+/// The importers' library says it of the node that shows the mesh.
+RyAffine RyForeignBinds::offsetOf(size_t meshNode, const aiBone &bone) const
+{
+    return m_tree.nodes[meshNode].pivot.geometric * ryForeignMap(bone.mOffsetMatrix);
+}
+
 template<typename Work>
 void RyForeignBinds::forBonesOf(size_t node, const Work &work) const
 {
@@ -83,7 +90,7 @@ void RyForeignBinds::forBonesOf(size_t node, const Work &work) const
         for (unsigned b = 0; b < mesh.mNumBones; ++b) {
             const int joint = m_tree.find(mesh.mBones[b]->mName);
             RyAffine bind;
-            const RyAffine offset = ryForeignMap(mesh.mBones[b]->mOffsetMatrix);
+            const RyAffine offset = offsetOf(node, *mesh.mBones[b]);
             if (joint >= 0 && m_tree.nodes[size_t(joint)].isJoint && offset.invert(bind))
                 work(size_t(joint), offset, bind);
         }
@@ -125,10 +132,9 @@ void RyForeignBinds::placeByAnchor(size_t node)
 RyAffine RyForeignBinds::inverseBind(int meshNode, int joint, const aiBone *bone) const
 {
     const RyAffine &toWorld = m_meshToWorld[size_t(meshNode)];
+    const RyAffine offset = bone ? offsetOf(size_t(meshNode), *bone) : RyAffine();
     RyAffine own;
-    if (bone && ryForeignMap(bone->mOffsetMatrix).invert(own) &&
-        !isNear(own * toWorld, m_binds[size_t(joint)], samePlace)) {
-        return ryForeignMap(bone->mOffsetMatrix);
-    }
+    if (bone && offset.invert(own) && !isNear(own * toWorld, m_binds[size_t(joint)], samePlace))
+        return offset;
     return toWorld * m_binds[size_t(joint)].inverse();
 }

@@ -23,6 +23,7 @@ private:
     bool isNear(const RyAffine &a, const RyAffine &b, double tolerance) const;
     template<typename Work>
     void forBonesOf(size_t node, const Work &work) const;
+    RyAffine offsetOf(size_t meshNode, const aiBone &bone) const;
     void readBones();
     RyAffine withoutScale(size_t node) const;
     void placeByAnchor(size_t node);

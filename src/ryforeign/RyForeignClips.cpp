@@ -43,39 +43,6 @@ double firstTime(const aiAnimation &clip)
 
 } // namespace
 
-/// Keys that are not finite, or not later than the one before, make no curve.
-void RyForeignClips::Keys::add(double time, std::initializer_list<double> numbers)
-{
-    const auto isFinite = [](double number) { return std::isfinite(number); };
-    if (!isFinite(time) || !std::all_of(numbers.begin(), numbers.end(), isFinite))
-        return;
-    if (!times.empty() && !(float(time) > times.back()))
-        return;
-    times.push_back(float(time));
-    for (const double number : numbers)
-        values.push_back(float(number));
-}
-
-bool RyForeignClips::Keys::isConstant() const
-{
-    for (size_t i = size_t(components); i < values.size(); ++i) {
-        if (values[i] != values[i % size_t(components)])
-            return false;
-    }
-    return true;
-}
-
-float RyForeignClips::Keys::at(float time) const
-{
-    const size_t next = size_t(std::upper_bound(times.begin(), times.end(), time) - times.begin());
-    if (next == 0)
-        return values.front();
-    if (next == times.size())
-        return values.back();
-    const float part = (time - times[next - 1]) / (times[next] - times[next - 1]);
-    return values[next - 1] + part * (values[next] - values[next - 1]);
-}
-
 std::vector<bool> RyForeignClips::drivenNodes(const RyForeignInput &input, const RyForeignTree &tree)
 {
     std::vector<bool> isDriven(tree.nodes.size(), false);
@@ -152,7 +119,7 @@ void RyForeignClips::writeNode(const aiNodeAnim &channel, int place)
         m_unknown.append(ryForeignText(channel.mNodeName));
         return;
     }
-    Keys positions{3, {}, {}}, rotations{4, {}, {}}, scales{3, {}, {}};
+    RyForeignKeys positions{3, {}, {}}, rotations{4, {}, {}}, scales{3, {}, {}};
     for (unsigned k = 0; k < channel.mNumPositionKeys; ++k) {
         const aiVectorKey &key = channel.mPositionKeys[k];
         positions.add(seconds(key.mTime), {key.mValue.x, key.mValue.y, key.mValue.z});
@@ -167,6 +134,15 @@ void RyForeignClips::writeNode(const aiNodeAnim &channel, int place)
     for (unsigned k = 0; k < channel.mNumScalingKeys; ++k) {
         const aiVectorKey &key = channel.mScalingKeys[k];
         scales.add(seconds(key.mTime), {key.mValue.x, key.mValue.y, key.mValue.z});
+    }
+    if (const RyForeignTree::Node &driven = m_tree.nodes[size_t(place)]; driven.pivot.hasPoints()) {
+        aiVector3D position, scale;
+        aiQuaternion rotation;
+        driven.source->mTransformation.Decompose(scale, rotation, position);
+        positions.addIfNone({position.x, position.y, position.z});
+        rotations.addIfNone({rotation.x, rotation.y, rotation.z, rotation.w});
+        scales.addIfNone({scale.x, scale.y, scale.z});
+        positions = ryPivotedKeys(driven.pivot, positions, rotations, scales);
     }
     bool isFirst = addChannel(node, "translation", std::move(positions));
     isFirst = addChannel(node, "rotation", std::move(rotations)) && isFirst;
@@ -187,8 +163,8 @@ void RyForeignClips::readMorphs(const aiMeshMorphAnim &channel)
     const RyForeignMorphPlan plan(m_input, *m_tree.nodes[size_t(place)].source);
     if (plan.morphs.empty())
         return;
-    std::vector<Keys> &curves = m_morphs[place];
-    curves.resize(plan.morphs.size(), Keys{1, {}, {}});
+    std::vector<RyForeignKeys> &curves = m_morphs[place];
+    curves.resize(plan.morphs.size(), RyForeignKeys{1, {}, {}});
     for (unsigned k = 0; k < channel.mNumKeys; ++k) {
         const aiMeshMorphKey &key = channel.mKeys[k];
         for (unsigned i = 0; i < key.mNumValuesAndWeights; ++i) {
@@ -199,23 +175,23 @@ void RyForeignClips::readMorphs(const aiMeshMorphAnim &channel)
 }
 
 /// All morphs of a mesh are one channel: at all times at which one of them has a key.
-void RyForeignClips::writeMorphs(int place, const std::vector<Keys> &curves)
+void RyForeignClips::writeMorphs(int place, const std::vector<RyForeignKeys> &curves)
 {
     const RyForeignMorphPlan plan(m_input, *m_tree.nodes[size_t(place)].source);
     std::set<float> times;
-    for (const Keys &curve : curves)
+    for (const RyForeignKeys &curve : curves)
         times.insert(curve.times.begin(), curve.times.end());
-    Keys keys{int(curves.size()), {times.begin(), times.end()}, {}};
+    RyForeignKeys keys{int(curves.size()), {times.begin(), times.end()}, {}};
     for (const float time : keys.times) {
         for (size_t morph = 0; morph < curves.size(); ++morph)
             keys.values.push_back(curves[morph].times.empty() ? float(plan.morphs[morph].value)
-                                                              : curves[morph].at(time));
+                                                              : float(curves[morph].at(time)[0]));
     }
     addChannel(m_shownBy[size_t(place)], "weights", std::move(keys));
 }
 
 /// Numbers that stay the same need two keys, or one, however many the library made.
-bool RyForeignClips::addChannel(int node, const char *path, Keys keys)
+bool RyForeignClips::addChannel(int node, const char *path, RyForeignKeys keys)
 {
     if (keys.times.empty())
         return true;

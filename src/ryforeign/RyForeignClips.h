@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ryforeign/RyForeignInput.h"
+#include "ryforeign/RyForeignKeys.h"
 #include "ryforeign/RyForeignTree.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -30,26 +31,14 @@ public:
 private:
     using Json = nlohmann::ordered_json;
 
-    /// Keys of one channel: seconds and so many numbers each.
-    struct Keys
-    {
-        int components;
-        std::vector<float> times;
-        std::vector<float> values;
-        void add(double time, std::initializer_list<double> numbers);
-        bool isConstant() const;
-        /// Of keys with one number each: on the straight line between two, before the first and after the last theirs.
-        float at(float time) const;
-    };
-
     void writeClip(const aiAnimation &clip, int number);
     /// Of each channel; -1 for none. Channels of a BVH file come in the order of its joints, which may share names.
     static std::vector<int> targetsOf(const RyForeignInput &input, const RyForeignTree &tree, const aiAnimation &clip);
     void writeNode(const aiNodeAnim &channel, int place);
     void readMorphs(const aiMeshMorphAnim &channel);
-    void writeMorphs(int place, const std::vector<Keys> &curves);
+    void writeMorphs(int place, const std::vector<RyForeignKeys> &curves);
     /// False when something drives it already: the format wants one channel for what is driven.
-    bool addChannel(int node, const char *path, Keys keys);
+    bool addChannel(int node, const char *path, RyForeignKeys keys);
     double seconds(double ticks) const { return ticks / m_ticks - m_start; }
     int timesAccessor(const std::vector<float> &times);
 
@@ -61,7 +50,8 @@ private:
     double m_ticks = 1.0; // a second, of the clip at hand
     double m_start = 0.0; // seconds that it begins before 0
     Json *m_clip = nullptr;
-    std::map<int, std::vector<Keys>> m_morphs; // of the clip at hand: by nodes of the tree, of each of their morphs
+    std::map<int, std::vector<RyForeignKeys>>
+        m_morphs; // of the clip at hand: by nodes of the tree, of each of their morphs
     std::set<std::pair<int, std::string>> m_driven; // of the clip at hand: nodes of the document and what of them
     std::map<std::vector<float>, int> m_times;      // accessors, of the clip at hand
     QStringList m_unknown;                          // what is driven and is not there

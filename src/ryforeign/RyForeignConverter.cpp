@@ -145,8 +145,9 @@ void RyForeignConverter::addMesh(int node, RyForeignMeshWriter &writer)
         return; // points and lines alone
     // A joint that shows a mesh itself would show it as a part of the figure.
     int showing = m_nodeOf[size_t(node)];
-    if (entry.isJoint)
-        showing = addNode(entry.name, RyAffine(), showing, false);
+    const bool isElsewhere = skin == m_skins.end() && !(entry.pivot.geometric == RyAffine());
+    if (entry.isJoint || isElsewhere)
+        showing = addNode(entry.name, isElsewhere ? entry.pivot.geometric : RyAffine(), showing, false);
     m_shownBy[size_t(node)] = showing;
     if (skin == m_skins.end())
         m_document->setNodeMeshAndSkin(showing, mesh, -1);

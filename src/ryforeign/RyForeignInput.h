@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ryforeign/RyForeignPivot.h"
+
 #include <QHash>
 #include <QSet>
 #include <QString>
@@ -28,6 +30,7 @@ struct RyForeignInput
     QSet<QString> joints;                             // nodes that the file itself calls joints, where it does
     QHash<QString, std::vector<Channels>> channelsOf; // by nodes, of each of their geometries, where it is known
     bool isText = false;                              // a form of which less is known
+    QHash<QString, RyForeignPivot> pivotOf;           // by nodes, what the importers' library knows nothing of
     QHash<QString, QString> nameOf;                   // of nodes, where the importers' library got others
     QStringList *notes = nullptr;                     // for people, a sentence each
 

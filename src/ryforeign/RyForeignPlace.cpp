@@ -60,7 +60,7 @@ Extent extentOf(const RyForeignInput &input, const RyForeignTree &tree, const Ry
 {
     Extent ofMeshes, ofJoints;
     for (const RyForeignTree::Node &node : tree.nodes) {
-        const RyAffine map = node.world * top;
+        const RyAffine map = node.world * top, shown = node.pivot.geometric * map;
         if (node.isJoint || node.isEnd)
             ofJoints.include(map.m[3]);
         for (unsigned m = 0; m < node.source->mNumMeshes; ++m) {
@@ -70,7 +70,7 @@ Extent extentOf(const RyForeignInput &input, const RyForeignTree &tree, const Ry
             const RyAffine bound =
                 input.kind == RyForeignInput::Collada && joint >= 0
                     ? ryForeignMap(mesh.mBones[0]->mOffsetMatrix) * tree.nodes[size_t(joint)].world * top
-                    : map;
+                    : shown;
             const unsigned step = 1 + mesh.mNumVertices / 10000; // a sample is enough for a height
             for (unsigned v = 0; mesh.mNumBones > 0 && v < mesh.mNumVertices; v += step) {
                 const double from[3] = {mesh.mVertices[v].x, mesh.mVertices[v].y, mesh.mVertices[v].z};

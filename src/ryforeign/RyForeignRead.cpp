@@ -59,6 +59,7 @@ QByteArray knowFbx(RyForeignInput &input)
     input.channelsOf = objects.channelsOf;
     input.isText = !RyFbxRecords(bytes).isBinary();
     input.nameOf = objects.nameOf;
+    input.pivotOf = objects.pivotOf;
     if (!objects.ambiguous.isEmpty()) {
         input.say(
             QStringLiteral("Nodes have one name and cannot be told apart; bones and clips of all of them are those "
@@ -74,9 +75,9 @@ QByteArray knowFbx(RyForeignInput &input)
                               : QStringLiteral("%1 of %2 nodes").arg(property.name).arg(property.nodes.size()));
     }
     sayLeftOut(input, QStringLiteral("Properties that were added to nodes are left out"), properties);
-    const QByteArray renamed = objects.renamed();
-    const QByteArray unpacked = ryFbxUnpacked(RyFbxRecords(renamed));
-    return unpacked.isEmpty() && renamed.constData() != bytes.constData() ? renamed : unpacked;
+    const QByteArray changed = objects.changed();
+    const QByteArray unpacked = ryFbxUnpacked(RyFbxRecords(changed));
+    return unpacked.isEmpty() && changed.constData() != bytes.constData() ? changed : unpacked;
 }
 
 void addMorphs(const RyColladaMorphs &morphs, const RyForeignInput &input)
@@ -110,7 +111,7 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
         return false;
     if (morphs && !morphs->text.isEmpty())
         addMorphs(*morphs, input);
-    RyForeignTree tree(*input.scene);
+    RyForeignTree tree(*input.scene, input.pivotOf);
     double unit = request.unit;
     if (input.kind == RyForeignInput::Collada) {
         const RyColladaText text(request.path, *input.scene->mRootNode);

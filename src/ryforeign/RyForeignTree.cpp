@@ -4,7 +4,7 @@
 
 #include <assimp/scene.h>
 
-RyForeignTree::RyForeignTree(const aiScene &scene)
+RyForeignTree::RyForeignTree(const aiScene &scene, const QHash<QString, RyForeignPivot> &pivotOf)
 {
     std::vector<std::pair<const aiNode *, int>> pending{{scene.mRootNode, -1}};
     while (!pending.empty()) {
@@ -15,7 +15,10 @@ RyForeignTree::RyForeignTree(const aiScene &scene)
         node.source = source;
         node.parent = parent;
         node.name = ryForeignText(source->mName);
+        node.pivot = pivotOf.value(node.name);
         node.local = ryForeignMap(source->mTransformation);
+        if (node.pivot.hasPoints())
+            node.local = node.pivot.placed(node.local);
         node.hasMesh = source->mNumMeshes > 0;
         nodes.push_back(node);
         m_placesOf[std::string(source->mName.data, source->mName.length)].push_back(place);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "rycore/math/RyAffine.h"
+#include "ryforeign/RyForeignPivot.h"
 
 #include <QHash>
 #include <QString>
@@ -24,14 +24,18 @@ public:
         QString name; // as it is written
         RyAffine local;
         RyAffine world; // node space to the world of the file that is written
+        RyForeignPivot pivot;
         bool isJoint = false;
         bool isEnd = false;   // marks the end of the joint above it
         bool hasMesh = false; // itself or below it
     };
 
-    explicit RyForeignTree(const aiScene &scene);
+    /// `pivotOf`: by the names that the importers' library uses.
+    explicit RyForeignTree(const aiScene &scene, const QHash<QString, RyForeignPivot> &pivotOf = {});
 
     std::vector<Node> nodes;
+    /// Of what a node shows, to the world.
+    RyAffine meshToWorld(size_t node) const { return nodes[node].pivot.geometric * nodes[node].world; }
     /// Places all nodes in the world; `top`: from the space above the tree.
     void place(const RyAffine &top);
     /// Names to be written in the place of those that the importers' library uses.

@@ -10,11 +10,6 @@ FbxRecord propertiesOf(const FbxSketch::Properties &all)
     return list;
 }
 
-FbxRecord wholeNumber(const char *name, int value)
-{
-    return FbxRecord("P").text(name).text("int").text("Integer").text("").number(value);
-}
-
 qint64 of(const std::vector<std::pair<qint64, qint64>> &pairs, qint64 key)
 {
     for (const auto &[node, object] : pairs) {
@@ -28,7 +23,20 @@ qint64 of(const std::vector<std::pair<qint64, qint64>> &pairs, qint64 key)
 
 FbxRecord FbxSketch::vector(const char *name, double x, double y, double z)
 {
-    return FbxRecord("P").text(name).text(name).text("").text("A").real(x).real(y).real(z);
+    const bool isOwnType = QByteArray(name).startsWith("Lcl"); // a type of its own
+    return FbxRecord("P")
+        .text(name)
+        .text(isOwnType ? name : "Vector3D")
+        .text(isOwnType ? "" : "Vector")
+        .text(isOwnType ? "A" : "")
+        .real(x)
+        .real(y)
+        .real(z);
+}
+
+FbxRecord FbxSketch::wholeNumber(const char *name, int value, const char *type)
+{
+    return FbxRecord("P").text(name).text(type).text(QByteArray(type) == "int" ? "Integer" : "").text("").number(value);
 }
 
 qint64 FbxSketch::add(const char *kind, const char *name, const char *label, const char *type,
@@ -103,16 +111,25 @@ void FbxSketch::addShape(qint64 morph, const char *name, const Deltas &delta, co
 
 void FbxSketch::bind(qint64 node, qint64 limb, double height, const std::vector<qint32> &corners)
 {
+    Eigen::Matrix4d link = Eigen::Matrix4d::Identity(), toLimb = link;
+    link(1, 3) = height;
+    toLimb(1, 3) = -height;
+    bind(node, limb, link, toLimb, corners);
+}
+
+void FbxSketch::bind(qint64 node, qint64 limb, const Eigen::Matrix4d &link, const Eigen::Matrix4d &toLimb,
+                     const std::vector<qint32> &corners)
+{
     if (of(m_skins, node) == 0) {
         m_skins.emplace_back(node, add("Deformer", "", "Deformer", "Skin", {FbxRecord("Version").number(101)}));
         connect(m_skins.back().second, of(m_geometries, node));
     }
+    const auto numbers = [](const Eigen::Matrix4d &m) { return std::vector<double>(m.data(), m.data() + 16); };
     const qint64 cluster =
         add("Deformer", "", "SubDeformer", "Cluster",
             {FbxRecord("Version").number(100), FbxRecord("Indexes").numbers(corners),
              FbxRecord("Weights").reals(std::vector<double>(corners.size(), 1.0)),
-             FbxRecord("Transform").reals({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -height, 0, 1}),
-             FbxRecord("TransformLink").reals({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, height, 0, 1})});
+             FbxRecord("Transform").reals(numbers(toLimb)), FbxRecord("TransformLink").reals(numbers(link))});
     connect(cluster, of(m_skins, node));
     connect(limb, cluster);
 }
@@ -126,8 +143,13 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
         m_layer = add("AnimationLayer", "Base", "AnimLayer", "", {FbxRecord("Version").number(100)});
         connect(m_layer, stack);
     }
-    const qint64 node = add("AnimationCurveNode", "N", "AnimCurveNode", "", {FbxRecord("Version").number(100)});
-    connect(node, m_layer);
+    const bool isFirst = m_curveNodes.count({target, property}) == 0;
+    qint64 &node = m_curveNodes[{target, property}];
+    if (isFirst) {
+        node = add("AnimationCurveNode", "N", "AnimCurveNode", "", {FbxRecord("Version").number(100)});
+        connect(node, m_layer);
+        m_connections.add(FbxRecord("C").text("OP").id(node).id(target).text(property));
+    }
     std::vector<qint64> times;
     for (const double second : seconds)
         times.push_back(qint64(second * 46186158000.0)); // of the format's clock
@@ -137,13 +159,13 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
              FbxRecord("KeyValueFloat").floats(numbers), FbxRecord("KeyAttrFlags").numbers({4}),
              FbxRecord("KeyAttrDataFloat").floats({0, 0, 0, 0}),
              FbxRecord("KeyAttrRefCount").numbers({qint32(seconds.size())})});
-    m_connections.add(FbxRecord("C").text("OP").id(node).id(target).text(property));
     m_connections.add(FbxRecord("C").text("OP").id(curve).id(node).text(part));
 }
 
 void FbxSketch::startClip(const char *name)
 {
     m_clip = name;
+    m_curveNodes.clear();
     m_layer = 0;
 }
 

@@ -2,6 +2,10 @@
 
 #include "foreign/FbxRecord.h"
 
+#include <Eigen/Core>
+
+#include <map>
+
 /// A small FBX file in binary form, object by object.
 class FbxSketch
 {
@@ -10,6 +14,7 @@ public:
     using Deltas = std::vector<double>;
 
     static FbxRecord vector(const char *name, double x, double y, double z);
+    static FbxRecord wholeNumber(const char *name, int value, const char *type = "int");
 
     /// A limb of a skeleton; `parent` 0: the scene.
     qint64 addLimb(const char *name, qint64 parent, const Properties &properties);
@@ -21,6 +26,9 @@ public:
     void addShape(qint64 morph, const char *name, const Deltas &delta, const Deltas &normal = {0, 0, 0});
     /// Binds all corners of a square to a limb that stands, at bind, `height` up.
     void bind(qint64 node, qint64 limb, double height, const std::vector<qint32> &corners = {0, 1, 2, 3});
+    /// The same by matrices, for column vectors: of the limb's space to the world, and of the node's to the limb's.
+    void bind(qint64 node, qint64 limb, const Eigen::Matrix4d &link, const Eigen::Matrix4d &toLimb,
+              const std::vector<qint32> &corners);
     /// A curve of straight lines through numbers at seconds; `path`: "Lcl Rotation" and "d|X" and the like.
     void addCurve(qint64 target, const char *property, const char *part, const std::vector<double> &seconds,
                   const std::vector<float> &numbers);
@@ -43,5 +51,6 @@ private:
     qint64 m_last = 0;
     qint64 m_layer = 0;
     QByteArray m_clip = "Clip";
+    std::map<std::pair<qint64, QByteArray>, qint64> m_curveNodes;            // of the clip at hand
     std::vector<std::pair<qint64, qint64>> m_geometries, m_shapers, m_skins; // of nodes
 };

@@ -1,0 +1,115 @@
+#include "ryforeign/RyFbxTransform.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Vector = RyForeignPivot::Vector;
+
+constexpr double degree = 0.017453292519943295;
+constexpr const char *names[] = {"RotationOffset",       "RotationPivot",     "ScalingOffset",    "ScalingPivot",
+                                 "GeometricTranslation", "GeometricRotation", "GeometricScaling", "PreRotation",
+                                 "PostRotation",         "Lcl Scaling",       "RotationActive",   "RotationOrder"};
+
+/// About X, then Y, then Z, in degrees.
+RyAffine turned(const Vector &angles)
+{
+    RyAffine all;
+    for (int axis = 0; axis < 3; ++axis) {
+        const double c = std::cos(angles[size_t(axis)] * degree), s = std::sin(angles[size_t(axis)] * degree);
+        const int next = (axis + 1) % 3, last = (axis + 2) % 3;
+        RyAffine one;
+        one.m[next][next] = one.m[last][last] = c;
+        one.m[next][last] = s;
+        one.m[last][next] = -s;
+        all = all * one;
+    }
+    return all;
+}
+
+/// The turn back, in the same order of axes.
+Vector turnedBack(const Vector &angles)
+{
+    const RyAffine back = turned(angles).inverse();
+    // Rows are where the axes go: the first is (cy cz, cy sz, -sy).
+    const double up = std::clamp(-back.m[0][2], -1.0, 1.0);
+    Vector all{0.0, std::asin(up) / degree, 0.0};
+    if (std::hypot(back.m[0][0], back.m[0][1]) > 1e-9) {
+        all[0] = std::atan2(back.m[1][2], back.m[2][2]) / degree;
+        all[2] = std::atan2(back.m[0][1], back.m[0][0]) / degree;
+    } else { // the turns about X and Z are about one axis
+        all[0] = std::atan2(-back.m[2][1], back.m[1][1]) / degree;
+    }
+    return all;
+}
+
+} // namespace
+
+void RyFbxTransform::add(const QByteArray &name, const Vector &value, const std::array<qint64, 3> &at)
+{
+    const bool isFinite = std::all_of(value.begin(), value.end(), [](double part) { return std::isfinite(part); });
+    if (isFinite && std::find(std::begin(names), std::end(names), name) != std::end(names))
+        m_properties.insert(name, {value, at});
+}
+
+Vector RyFbxTransform::valueOf(const char *name, double otherwise) const
+{
+    return m_properties.value(name, {{otherwise, otherwise, otherwise}, {}}).value;
+}
+
+RyForeignPivot RyFbxTransform::pivot() const
+{
+    RyForeignPivot pivot;
+    pivot.rotationOffset = valueOf("RotationOffset");
+    pivot.rotationPivot = valueOf("RotationPivot");
+    pivot.scalingOffset = valueOf("ScalingOffset");
+    pivot.scalingPivot = valueOf("ScalingPivot");
+    pivot.scaling = valueOf("Lcl Scaling", 1.0);
+    const Vector scale = valueOf("GeometricScaling", 1.0), move = valueOf("GeometricTranslation");
+    pivot.geometric = RyAffine::fromScale(scale[0], scale[1], scale[2]) * turned(valueOf("GeometricRotation")) *
+                      RyAffine::fromTranslation(move[0], move[1], move[2]);
+    return pivot;
+}
+
+bool RyFbxTransform::hasPivot() const
+{
+    const RyForeignPivot all = pivot();
+    return all.hasPoints() || !(all.geometric == RyAffine());
+}
+
+std::vector<std::pair<qint64, QByteArray>> RyFbxTransform::changes() const
+{
+    std::vector<std::pair<qint64, QByteArray>> all;
+    for (const char *name : {"RotationOffset", "RotationPivot", "ScalingOffset", "ScalingPivot", "GeometricTranslation",
+                             "GeometricRotation"}) {
+        change(name, {}, all);
+    }
+    change("GeometricScaling", {1.0, 1.0, 1.0}, all);
+    if (valueOf("RotationActive")[0] != 0.0) {
+        if (valueOf("PostRotation") != Vector{})
+            change("PostRotation", turnedBack(valueOf("PostRotation")), all);
+        return all;
+    }
+    for (const char *name : {"PreRotation", "PostRotation", "RotationOrder"})
+        change(name, {}, all);
+    return all;
+}
+
+void RyFbxTransform::change(const char *name, const Vector &to, std::vector<std::pair<qint64, QByteArray>> &all) const
+{
+    const auto found = m_properties.constFind(name);
+    if (found == m_properties.constEnd() || found->value == to)
+        return;
+    if (found->at[1] == 0) { // one whole number
+        all.emplace_back(found->at[0], QByteArray(sizeof(qint32), '\0'));
+        return;
+    }
+    for (size_t i = 0; i < 3; ++i) {
+        QByteArray bytes(sizeof(double), '\0');
+        qToLittleEndian(to[i], bytes.data());
+        all.emplace_back(found->at[i], bytes);
+    }
+}
