@@ -211,6 +211,21 @@ private slots:
         QCOMPARE(process.processorTime(), qint64(-1));
         process.wait(10);
         QVERIFY(!process.isRunning());
+        // The same on the way: it is gone, longer ago than it may be silent, before anybody looks again.
+        m_limits = {50, qint64(1) << 30};
+        bool isGone = false;
+        const auto watch = [&isGone](double) {
+            for (int i = 0; i < 1000 && !isGone; ++i) {
+                QThread::msleep(10);
+                isGone = ForeignStage::childrenOf(getpid()).isEmpty();
+            }
+            QThread::msleep(100);
+            return true;
+        };
+        QCOMPARE(read(m_stage->write(QStringLiteral("steps.fbx"), "steps " + ForeignStage::sample().toUtf8()), watch),
+                 bytesOf(ForeignStage::sample()));
+        QCOMPARE(m_error, QString());
+        QVERIFY(isGone);
     }
 
     /// As long as file systems let it be.
