@@ -59,6 +59,8 @@ void RyFbxObjects::readObject(const Record &record)
     const QByteArray kind = m_records.text(record, 2);
     if (record.name == "Model") {
         readModel(record, id);
+    } else if (record.name == "AnimationStack") {
+        forProperties(record, [this](const Record &property) { forgetRange(property); });
     } else if (record.name == "Constraint") {
         const QByteArray name = m_records.text(record, 1);
         constraints.append(QString::fromUtf8(name.left(name.indexOf('\0'))));
@@ -91,15 +93,31 @@ void RyFbxObjects::readModel(const Record &record, qint64 id)
         readOwnProperty(property, QString::fromUtf8(model.name));
         readTransform(property, transform);
     };
-    m_records.forEach(record.childrenAt, record.end, [&](const Record &list) {
-        if (list.name == "Properties70")
-            m_records.forEach(list.childrenAt, list.end, read);
-    });
+    forProperties(record, read);
     if (transform.hasPivot())
         model.pivot = transform.pivot();
     for (const auto &change : transform.changes())
         m_changes.push_back(change);
     m_models.push_back(model);
+}
+
+template<typename Work>
+void RyFbxObjects::forProperties(const Record &object, const Work &work) const
+{
+    m_records.forEach(object.childrenAt, object.end, [this, &work](const Record &list) {
+        if (list.name == "Properties70")
+            m_records.forEach(list.childrenAt, list.end, work);
+    });
+}
+
+/// The importers' library leaves out keys beyond the range of a take, and fails over a node that has none within.
+void RyFbxObjects::forgetRange(const Record &property)
+{
+    const QByteArray name = m_records.text(property, 0);
+    const qint64 at = m_records.findProperty(property, 4);
+    if ((name == "LocalStart" || name == "LocalStop") && at >= 0 && m_records.value<char>(at) == 'L' &&
+        m_records.value<qint64>(at + 1) != 0)
+        m_changes.emplace_back(at + 1, QByteArray(sizeof(qint64), '\0'));
 }
 
 /// Each says a name, a type, a label and flags, and behind them its numbers.
@@ -151,7 +169,26 @@ void RyFbxObjects::readText()
         model.name = name;
         m_models.push_back(model);
     });
+    forgetRangesInText();
     forNamesInText("Constraint", [this](int, const QByteArray &name) { constraints.append(QString::fromUtf8(name)); });
+}
+
+/// Of lines like  P: "LocalStart", "KTime", "Time", "",1924423250
+void RyFbxObjects::forgetRangesInText()
+{
+    const QByteArray text =
+        QByteArray::fromRawData(reinterpret_cast<const char *>(m_bytes), int(std::min<qint64>(m_size, INT_MAX)));
+    for (const char *name : {"\"LocalStart\"", "\"LocalStop\""}) {
+        for (int at = text.indexOf(name); at >= 0; at = text.indexOf(name, at + 1)) {
+            const int end = text.indexOf('\n', at);
+            const int comma = end < 0 ? -1 : text.lastIndexOf(',', end);
+            QByteArray number = comma < at ? QByteArray() : text.mid(comma + 1, end - comma - 1);
+            std::replace_if(
+                number.begin(), number.end(), [](char c) { return c == '-' || (c > '0' && c <= '9'); }, '0');
+            if (!number.isEmpty())
+                m_changes.emplace_back(comma + 1, number);
+        }
+    }
 }
 
 /// The importers' library would take what is said of the second of two nodes for the first.

@@ -41,6 +41,10 @@ private:
     void forNamesInText(const QByteArray &kind, const Work &work) const;
     void readObject(const Record &record);
     void readModel(const Record &record, qint64 id);
+    template<typename Work>
+    void forProperties(const Record &object, const Work &work) const;
+    void forgetRange(const Record &property);
+    void forgetRangesInText();
     void readOwnProperty(const Record &property, const QString &node);
     void readTransform(const Record &property, RyFbxTransform &transform) const;
     void tellApart();

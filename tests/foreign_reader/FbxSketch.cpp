@@ -10,6 +10,11 @@ FbxRecord propertiesOf(const FbxSketch::Properties &all)
     return list;
 }
 
+qint64 clockTime(double seconds)
+{
+    return qint64(seconds * 46186158000.0);
+}
+
 qint64 of(const std::vector<std::pair<qint64, qint64>> &pairs, qint64 key)
 {
     for (const auto &[node, object] : pairs) {
@@ -138,8 +143,13 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
                          const std::vector<float> &numbers)
 {
     if (m_layer == 0) {
-        const qint64 stack =
-            add("AnimationStack", m_clip.constData(), "AnimStack", "", {FbxRecord("Version").number(100)});
+        Properties properties;
+        const char *names[] = {"LocalStart", "LocalStop"};
+        for (size_t i = 0; i < m_range.size(); ++i)
+            properties.push_back(
+                FbxRecord("P").text(names[i]).text("KTime").text("Time").text("").id(clockTime(m_range[i])));
+        const qint64 stack = add("AnimationStack", m_clip.constData(), "AnimStack", "",
+                                 {FbxRecord("Version").number(100), propertiesOf(properties)});
         m_layer = add("AnimationLayer", "Base", "AnimLayer", "", {FbxRecord("Version").number(100)});
         connect(m_layer, stack);
     }
@@ -152,7 +162,7 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
     }
     std::vector<qint64> times;
     for (const double second : seconds)
-        times.push_back(qint64(second * 46186158000.0)); // of the format's clock
+        times.push_back(clockTime(second));
     const qint64 curve =
         add("AnimationCurve", "", "AnimCurve", "",
             {FbxRecord("Default").real(0.0), FbxRecord("KeyVer").number(4008), FbxRecord("KeyTime").ids(times),
@@ -162,9 +172,10 @@ void FbxSketch::addCurve(qint64 target, const char *property, const char *part, 
     m_connections.add(FbxRecord("C").text("OP").id(curve).id(node).text(part));
 }
 
-void FbxSketch::startClip(const char *name)
+void FbxSketch::startClip(const char *name, const std::vector<double> &range)
 {
     m_clip = name;
+    m_range = range;
     m_curveNodes.clear();
     m_layer = 0;
 }

@@ -33,8 +33,8 @@ public:
     void addCurve(qint64 target, const char *property, const char *part, const std::vector<double> &seconds,
                   const std::vector<float> &numbers);
 
-    /// The curves that follow are of another clip.
-    void startClip(const char *name);
+    /// The curves that follow are of another clip. `range`: its first and last second, where the file says them.
+    void startClip(const char *name, const std::vector<double> &range = {});
     void addConstraint(const char *name);
     /// A property that somebody added to a node.
     static FbxRecord ownProperty(const char *name, double value);
@@ -51,6 +51,7 @@ private:
     qint64 m_last = 0;
     qint64 m_layer = 0;
     QByteArray m_clip = "Clip";
+    std::vector<double> m_range;
     std::map<std::pair<qint64, QByteArray>, qint64> m_curveNodes;            // of the clip at hand
     std::vector<std::pair<qint64, qint64>> m_geometries, m_shapers, m_skins; // of nodes
 };

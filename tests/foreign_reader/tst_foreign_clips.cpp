@@ -63,6 +63,8 @@ bool isNear(const Numbers &a, const Numbers &b)
 
 } // namespace
 
+Q_DECLARE_METATYPE(Numbers)
+
 /// Clips of foreign files, and what of a file does not come along.
 class ForeignClipsTest : public QObject
 {
@@ -72,6 +74,10 @@ private slots:
     void cleanup() { ryUndoStack()->clearAll(); }
     void twoOfOneName();
     void scales();
+    void curvesOfTheirOwn();
+    void takesOfTheirOwn_data();
+    void takesOfTheirOwn();
+    void takeInText();
     void leftOut_data();
     void leftOut();
     void ownProperties();
@@ -115,6 +121,121 @@ void ForeignClipsTest::scales()
     const auto keys = keysOf(file, 0, "scale");
     QVERIFY(isNear(keys.first, {0.0, 0.5, 1.0}));
     QVERIFY(isNear(keys.second, {1, 1.5, 1, 2, 1.5, 1, 0.5, 1.5, 1}));
+}
+
+/// Of one node: before its first key and after its last one a curve has what stands there.
+void ForeignClipsTest::curvesOfTheirOwn()
+{
+    Figure figure;
+    figure.sketch.addCurve(figure.upper, "Lcl Translation", "d|X", {0.0, 1.0, 2.0}, {0, 10, 20});
+    figure.sketch.addCurve(figure.upper, "Lcl Translation", "d|Y", {0.5, 1.5}, {80, 90});
+    figure.sketch.addCurve(figure.upper, "Lcl Scaling", "d|X", {0.75, 1.25}, {1, 2});
+    const TextFile text(QStringLiteral("a.fbx"), figure.sketch.bytes());
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    const Numbers all{0.0, 0.5, 0.75, 1.0, 1.25, 1.5, 2.0};
+    const auto places = keysOf(file, 0, "translation"), scales = keysOf(file, 0, "scale");
+    QVERIFY(isNear(places.first, all));
+    QVERIFY(isNear(places.second, {0, 80, 0, 5, 80, 0, 7.5, 82.5, 0, 10, 85, 0, 12.5, 87.5, 0, 15, 90, 0, 20, 90, 0}));
+    QVERIFY(isNear(scales.first, all));
+    QVERIFY(isNear(scales.second, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1.5, 1, 1, 2, 1, 1, 2, 1, 1, 2, 1, 1}));
+}
+
+void ForeignClipsTest::takesOfTheirOwn_data()
+{
+    QTest::addColumn<Numbers>("seconds");
+    QTest::addColumn<Numbers>("range"); // none where the file says none
+    QTest::addColumn<Numbers>("times");
+    QTest::newRow("late") << Numbers{2.0, 3.5} << Numbers() << Numbers{0.0, 1.5};
+    QTest::newRow("before 0") << Numbers{-1.0, 0.5} << Numbers() << Numbers{0.0, 1.5};
+    QTest::newRow("late in its range") << Numbers{2.0, 3.5} << Numbers{1.5, 4.0} << Numbers{0.0, 1.5};
+    QTest::newRow("keys around its range") << Numbers{2.0, 3.5} << Numbers{3.0, 3.25} << Numbers{0.0, 1.5};
+}
+
+/// Each begins at 0 with its first key, and has all of them, whatever range the file says.
+void ForeignClipsTest::takesOfTheirOwn()
+{
+    QFETCH(Numbers, seconds);
+    QFETCH(Numbers, range);
+    QFETCH(Numbers, times);
+    Figure figure;
+    figure.sketch.startClip("First");
+    figure.sketch.addCurve(figure.upper, "Lcl Translation", "d|X", {0.0, 1.0}, {0, 10});
+    figure.sketch.startClip("Second", range);
+    figure.sketch.addCurve(figure.upper, "Lcl Translation", "d|X", seconds, {5, -30});
+    const TextFile text(QStringLiteral("a.fbx"), figure.sketch.bytes());
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QVERIFY(isNear(keysOf(file, 0, "translation").first, {0.0, 1.0}));
+    const auto keys = keysOf(file, 1, "translation");
+    QVERIFY(isNear(keys.first, times));
+    QVERIFY(isNear(keys.second, {5, 80, 0, -30, 80, 0}));
+}
+
+void ForeignClipsTest::takeInText()
+{
+    const TextFile text(QStringLiteral("a.fbx"), R"(; FBX 7.4.0 project file
+FBXHeaderExtension:  {
+	FBXHeaderVersion: 1003
+	FBXVersion: 7400
+}
+Objects:  {
+	Model: 5, "Model::Lower", "Null" {
+		Version: 232
+	}
+	Model: 6, "Model::Upper", "Mesh" {
+		Version: 232
+		Properties70:  {
+			P: "Lcl Translation", "Lcl Translation", "", "A",0,80,0
+		}
+	}
+	Geometry: 1, "Geometry::Upper", "Mesh" {
+		Vertices: *9 {
+			a: 0,0,0,10,0,0,0,160,0
+		}
+		PolygonVertexIndex: *3 {
+			a: 0,1,-3
+		}
+		GeometryVersion: 124
+	}
+	AnimationStack: 7, "AnimStack::Take", "" {
+		Properties70:  {
+			P: "LocalStart", "KTime", "Time", "",-92372316000
+			P: "LocalStop", "KTime", "Time", "",-46186158000
+		}
+	}
+	AnimationLayer: 8, "AnimLayer::Base", "" {
+		Version: 100
+	}
+	AnimationCurveNode: 9, "AnimCurveNode::T", "" {
+		Version: 100
+	}
+	AnimationCurve: 10, "AnimCurve::", "" {
+		Default: 0
+		KeyVer: 4008
+		KeyTime: *2 {
+			a: 46186158000,92372316000
+		}
+		KeyValueFloat: *2 {
+			a: 0,10
+		}
+	}
+}
+Connections:  {
+	C: "OO",5,0
+	C: "OO",6,5
+	C: "OO",1,6
+	C: "OO",8,7
+	C: "OO",9,8
+	C: "OP",9,6, "Lcl Translation"
+	C: "OP",10,9, "d|X"
+}
+)");
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    const auto keys = keysOf(file, 0, "translation");
+    QVERIFY(isNear(keys.first, {0.0, 1.0}));
+    QVERIFY(isNear(keys.second, {0, 80, 0, 10, 80, 0}));
 }
 
 void ForeignClipsTest::leftOut_data()
