@@ -1,4 +1,5 @@
 #include "evaluator/GltfFileReader.h"
+#include "foreign/ForeignSketch.h"
 #include "foreign_reader/ConvertedFile.h"
 #include "foreign_reader/FbxSketch.h"
 #include "io/CharacterScene.h"
@@ -34,14 +35,15 @@ struct Figure
     }
 };
 
-/// Times and numbers of the channel of a clip that drives the joint "Upper"; empty where there is none.
-std::pair<Numbers, Numbers> keysOf(const ConvertedFile &file, size_t clip, const char *path)
+/// Times and numbers of the channel of a clip that drives a joint; empty where there is none.
+std::pair<Numbers, Numbers> keysOf(const ConvertedFile &file, size_t clip, const char *path,
+                                   const char *joint = "Upper")
 {
     const GltfEvaluator &judged = file.character->file;
     const Json &animation = judged.tree().at("animations")[clip];
     for (const Json &channel : animation.at("channels")) {
         const Json &target = channel.at("target");
-        if (target.at("path") != path || judged.nodeName(target.at("node").get<int>()) != "Upper")
+        if (target.at("path") != path || judged.nodeName(target.at("node").get<int>()) != joint)
             continue;
         const Json &sampler = animation.at("samplers")[channel.at("sampler").get<size_t>()];
         return {judged.accessorValues(sampler.at("input").get<int>()).values,
@@ -78,6 +80,7 @@ private slots:
     void takesOfTheirOwn_data();
     void takesOfTheirOwn();
     void takeInText();
+    void curvesOfCollada();
     void leftOut_data();
     void leftOut();
     void ownProperties();
@@ -236,6 +239,28 @@ Connections:  {
     const auto keys = keysOf(file, 0, "translation");
     QVERIFY(isNear(keys.first, {0.0, 1.0}));
     QVERIFY(isNear(keys.second, {0, 80, 0, 10, 80, 0}));
+}
+
+/// As those of FBX: straight lines, and what stands at the first and the last key beyond them.
+void ForeignClipsTest::curvesOfCollada()
+{
+    QByteArray content = ForeignSketch::collada();
+    const int from = content.indexOf("<animation id="), to = content.indexOf("</library_animations>");
+    QByteArray bend = content.mid(from, to - from); // of 45 degrees, from 0 to 1
+    QByteArray rise = bend;
+    bend.replace("LINEAR LINEAR", "LINEAR STEP");
+    rise.replace("bend", "rise").replace("count=\"2\">0 1<", "count=\"2\">0.5 1.5<").replace(">0 45<", ">0.8 1<");
+    rise.replace("lower/turn.ANGLE", "lower/place.Y");
+    const TextFile text(QStringLiteral("a.dae"), content.replace(from, to - from, bend + rise));
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    const auto places = keysOf(file, 0, "translation", "lower"), turns = keysOf(file, 0, "rotation", "lower");
+    QVERIFY(isNear(places.first, {0.0, 0.5, 1.0, 1.5}));
+    QVERIFY(isNear(places.second, {0, 0.8, 0, 0, 0.8, 0, 0, 0.9, 0, 0, 1.0, 0}));
+    QVERIFY(isNear(turns.first, {0.0, 0.5, 1.0, 1.5}));
+    const double half = 22.5 * M_PI / 360.0, whole = 2.0 * half;
+    QVERIFY(isNear(turns.second, {0, 0, 0, 1, std::sin(half), 0, 0, std::cos(half), std::sin(whole), 0, 0,
+                                  std::cos(whole), std::sin(whole), 0, 0, std::cos(whole)}));
 }
 
 void ForeignClipsTest::leftOut_data()
