@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// One record of a binary FBX file: a name, properties of their kinds, records below it.
+/// One record of an FBX file: a name, properties of their kinds, records below it.
 class FbxRecord
 {
 public:
@@ -18,11 +18,18 @@ public:
 
     explicit FbxRecord(const char *name) : m_name(name) {}
 
-    FbxRecord &number(qint32 value) { return property('I', raw(value)); }
-    FbxRecord &id(qint64 value) { return property('L', raw(value)); }
-    FbxRecord &real(double value) { return property('D', raw(value)); }
-    FbxRecord &text(const QByteArray &value) { return property('S', raw(qint32(value.size())) + value); }
-    FbxRecord &data(const QByteArray &value) { return property('R', raw(qint32(value.size())) + value); }
+    FbxRecord &number(qint32 value) { return property('I', raw(value), QByteArray::number(value)); }
+    FbxRecord &id(qint64 value) { return property('L', raw(value), QByteArray::number(value)); }
+    FbxRecord &real(double value) { return property('D', raw(value), written(value)); }
+    /// The name of an object is one of its class as well, `name\0\1class`.
+    FbxRecord &text(const QByteArray &value)
+    {
+        const int end = value.indexOf('\0');
+        const QByteArray whole = end < 0 ? value : value.mid(end + 2) + "::" + value.left(end);
+        return property('S', raw(qint32(value.size())) + value, '"' + whole + '"');
+    }
+    /// Bytes, which the form as text has no place for.
+    FbxRecord &data(const QByteArray &value) { return property('R', raw(qint32(value.size())) + value, "\"\""); }
     FbxRecord &reals(const std::vector<double> &values) { return array('d', values); }
     FbxRecord &floats(const std::vector<float> &values) { return array('f', values); }
     FbxRecord &numbers(const std::vector<qint32> &values) { return array('i', values); }
@@ -33,7 +40,8 @@ public:
         return *this;
     }
 
-    FbxRecord &flags(const QByteArray &values) { return property('b', values, values.size()); }
+    /// In binary form.
+    FbxRecord &flags(const QByteArray &values) { return property('b', values, "\"\"", values.size()); }
 
     /// With all that is below it, for a place in the file.
     QByteArray bytes(int at) const { return bytes(at, Form()); }
@@ -50,6 +58,19 @@ public:
             inner += end(form);
         return place(at + headSize + inner.size(), form) + place(int(m_properties.size()), form) +
                place(propertiesSize, form) + char(m_name.size()) + m_name + inner;
+    }
+    /// The same as text.
+    QByteArray textForm(int depth = 0) const
+    {
+        const QByteArray indent(depth, '\t');
+        QByteArray all = indent + m_name + ": " + m_written;
+        if (!m_children.empty() || m_properties.empty()) {
+            all += " {\n";
+            for (const FbxRecord &child : m_children)
+                all += child.textForm(depth + 1);
+            all += indent + '}';
+        }
+        return all + '\n';
     }
     /// What closes a list of records.
     static QByteArray end() { return end(Form()); }
@@ -71,13 +92,21 @@ private:
     template<class Value>
     FbxRecord &array(char kind, const std::vector<Value> &values)
     {
-        QByteArray bytes;
-        for (const Value value : values)
+        QByteArray bytes, list;
+        for (const Value value : values) {
             bytes += raw(value);
-        return property(kind, bytes, int(values.size()));
+            list += (list.isEmpty() ? "" : ",") + written(value);
+        }
+        return property(kind, bytes, '*' + QByteArray::number(qint64(values.size())) + " {\na: " + list + "\n}",
+                        int(values.size()));
     }
-    FbxRecord &property(char kind, const QByteArray &bytes, int count = -1)
+    static QByteArray written(double value) { return QByteArray::number(value, 'g', 17); }
+    static QByteArray written(float value) { return QByteArray::number(double(value), 'g', 9); }
+    static QByteArray written(qint32 value) { return QByteArray::number(value); }
+    static QByteArray written(qint64 value) { return QByteArray::number(value); }
+    FbxRecord &property(char kind, const QByteArray &bytes, const QByteArray &asText, int count = -1)
     {
+        m_written += (m_properties.empty() ? "" : ", ") + asText;
         m_properties.push_back({kind, count, bytes});
         return *this;
     }
@@ -96,5 +125,6 @@ private:
 
     QByteArray m_name;
     std::vector<Property> m_properties;
+    QByteArray m_written; // as text
     std::vector<FbxRecord> m_children;
 };

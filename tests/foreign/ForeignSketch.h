@@ -11,7 +11,7 @@ QByteArray bvh();
 QByteArray collada();
 /// Binary, version 7.4, centimetres.
 QByteArray fbx();
-/// The start of one of version 6.1, which few programs read any more.
+/// The same said to be of version 6.1, which few programs read any more.
 QByteArray oldFbx();
 /// The same arm as text.
 QByteArray textFbx();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "foreign_reader/FbxSketch.h"
+#include "foreign/FbxSketch.h"
 
 #include <Eigen/Geometry>
 

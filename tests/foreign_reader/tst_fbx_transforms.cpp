@@ -54,8 +54,11 @@ struct Arm
         const qint64 high = sketch.addLimb("Upper", low, upper.properties());
         const qint64 square = sketch.addSquare("Sheet", 0, sheet.properties());
         const Eigen::Affine3d lowLink = lower.local(), highLink = lowLink * upper.local();
-        sketch.bind(square, low, lowLink.matrix(), (lowLink.inverse() * sheet.local()).matrix(), {0, 1});
-        sketch.bind(square, high, highLink.matrix(), (highLink.inverse() * sheet.local()).matrix(), {2, 3});
+        const auto asWritten = [](const Eigen::Affine3d &map) {
+            return FbxSketch::Deltas(map.data(), map.data() + 16);
+        };
+        sketch.bind(square, low, asWritten(lowLink), asWritten(lowLink.inverse() * sheet.local()), {0, 1});
+        sketch.bind(square, high, asWritten(highLink), asWritten(highLink.inverse() * sheet.local()), {2, 3});
         const auto addCurves = [&](const char *property, Vector Formula::*value) {
             const char *parts[] = {"d|X", "d|Y", "d|Z"};
             for (int axis = 0; axis < 3; ++axis) {

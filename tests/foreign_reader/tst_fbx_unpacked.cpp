@@ -1,6 +1,7 @@
 #include "foreign/FbxRecord.h"
+#include "foreign/FbxSketch.h"
 #include "foreign_reader/ConvertedFile.h"
-#include "foreign_reader/FbxSketch.h"
+
 #include "ryforeign/RyFbxRecords.h"
 #include "ryforeign/RyFbxUnpacked.h"
 #include "ryforeign/RyForeignRead.h"
@@ -134,7 +135,7 @@ void FbxUnpackedTest::sameCharacter()
     QSet<QByteArray> read;
     for (const bool isWide : {false, true}) {
         for (const bool isPacked : {false, true}) {
-            const TextFile file(QStringLiteral("a.fbx"), sketch.bytes({isWide, isPacked}));
+            const TextFile file(QStringLiteral("a.fbx"), sketch.bytes(isWide ? 7700 : 7400, {isWide, isPacked}));
             RyForeignRequest request;
             request.path = file.path;
             RyForeignResult result;

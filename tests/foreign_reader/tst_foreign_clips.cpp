@@ -1,7 +1,7 @@
 #include "evaluator/GltfFileReader.h"
+#include "foreign/FbxSketch.h"
 #include "foreign/ForeignSketch.h"
 #include "foreign_reader/ConvertedFile.h"
-#include "foreign_reader/FbxSketch.h"
 #include "io/CharacterScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "ryforeign/RyForeignRead.h"
@@ -177,63 +177,10 @@ void ForeignClipsTest::takesOfTheirOwn()
 
 void ForeignClipsTest::takeInText()
 {
-    const TextFile text(QStringLiteral("a.fbx"), R"(; FBX 7.4.0 project file
-FBXHeaderExtension:  {
-	FBXHeaderVersion: 1003
-	FBXVersion: 7400
-}
-Objects:  {
-	Model: 5, "Model::Lower", "Null" {
-		Version: 232
-	}
-	Model: 6, "Model::Upper", "Mesh" {
-		Version: 232
-		Properties70:  {
-			P: "Lcl Translation", "Lcl Translation", "", "A",0,80,0
-		}
-	}
-	Geometry: 1, "Geometry::Upper", "Mesh" {
-		Vertices: *9 {
-			a: 0,0,0,10,0,0,0,160,0
-		}
-		PolygonVertexIndex: *3 {
-			a: 0,1,-3
-		}
-		GeometryVersion: 124
-	}
-	AnimationStack: 7, "AnimStack::Take", "" {
-		Properties70:  {
-			P: "LocalStart", "KTime", "Time", "",-92372316000
-			P: "LocalStop", "KTime", "Time", "",-46186158000
-		}
-	}
-	AnimationLayer: 8, "AnimLayer::Base", "" {
-		Version: 100
-	}
-	AnimationCurveNode: 9, "AnimCurveNode::T", "" {
-		Version: 100
-	}
-	AnimationCurve: 10, "AnimCurve::", "" {
-		Default: 0
-		KeyVer: 4008
-		KeyTime: *2 {
-			a: 46186158000,92372316000
-		}
-		KeyValueFloat: *2 {
-			a: 0,10
-		}
-	}
-}
-Connections:  {
-	C: "OO",5,0
-	C: "OO",6,5
-	C: "OO",1,6
-	C: "OO",8,7
-	C: "OO",9,8
-	C: "OP",9,6, "Lcl Translation"
-	C: "OP",10,9, "d|X"
-}
-)");
+    Figure figure;
+    figure.sketch.startClip("Take", {-2.0, -1.0});
+    figure.sketch.addCurve(figure.upper, "Lcl Translation", "d|X", {1.0, 2.0}, {0, 10});
+    const TextFile text(QStringLiteral("a.fbx"), figure.sketch.text());
     const ConvertedFile file(text.path);
     QVERIFY2(file.character, qPrintable(file.reason));
     const auto keys = keysOf(file, 0, "translation");

@@ -1,6 +1,6 @@
 #include "evaluator/GltfFileReader.h"
+#include "foreign/FbxSketch.h"
 #include "foreign_reader/ConvertedFile.h"
-#include "foreign_reader/FbxSketch.h"
 #include "io/CharacterScene.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RySkeleton.h"
@@ -95,62 +95,11 @@ void ForeignJointsTest::sameNames()
 
 void ForeignJointsTest::sameNamesInText()
 {
-    const TextFile text(QStringLiteral("a.fbx"), R"(; FBX 7.4.0 project file
-FBXHeaderExtension:  {
-	FBXHeaderVersion: 1003
-	FBXVersion: 7400
-}
-Objects:  {
-	Model: 5, "Model::Bone", "LimbNode" {
-		Version: 232
-	}
-	Model: 6, "Model::Bone", "LimbNode" {
-		Version: 232
-		Properties70:  {
-			P: "Lcl Translation", "Lcl Translation", "", "A",0,40,0
-		}
-	}
-	Model: 2, "Model::Bar", "Mesh" {
-		Version: 232
-	}
-	Geometry: 1, "Geometry::Bar", "Mesh" {
-		Vertices: *9 {
-			a: 0,0,0,10,0,0,0,160,0
-		}
-		PolygonVertexIndex: *3 {
-			a: 0,1,-3
-		}
-		GeometryVersion: 124
-	}
-	Deformer: 7, "Deformer::", "Skin" {
-		Version: 101
-	}
-	Deformer: 9, "SubDeformer::", "Cluster" {
-		Version: 100
-		Indexes: *3 {
-			a: 0,1,2
-		}
-		Weights: *3 {
-			a: 1,1,1
-		}
-		Transform: *16 {
-			a: 1,0,0,0,0,1,0,0,0,0,1,0,0,-40,0,1
-		}
-		TransformLink: *16 {
-			a: 1,0,0,0,0,1,0,0,0,0,1,0,0,40,0,1
-		}
-	}
-}
-Connections:  {
-	C: "OO",2,0
-	C: "OO",1,2
-	C: "OO",5,0
-	C: "OO",6,0
-	C: "OO",7,1
-	C: "OO",9,7
-	C: "OO",6,9
-}
-)");
+    FbxSketch sketch;
+    sketch.addLimb("Bone", 0, {});
+    const qint64 bone = sketch.addLimb("Bone", 0, {place(0, 40, 0)});
+    sketch.bind(sketch.addSquare("Sheet", 0), bone, 40.0);
+    const TextFile text(QStringLiteral("a.fbx"), sketch.text());
     const ConvertedFile file(text.path);
     QVERIFY2(file.character, qPrintable(file.reason));
     QCOMPARE(file.boneNames(), QStringList(QStringLiteral("Bone")));

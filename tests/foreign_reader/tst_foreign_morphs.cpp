@@ -1,6 +1,6 @@
 #include "evaluator/GltfFileReader.h"
+#include "foreign/FbxSketch.h"
 #include "foreign_reader/ConvertedFile.h"
-#include "foreign_reader/FbxSketch.h"
 #include "io/CharacterScene.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "support/RyTest.h"
@@ -216,55 +216,9 @@ void ForeignMorphsTest::normals()
 /// Of which the values are not known; that is said.
 void ForeignMorphsTest::textForm()
 {
-    const TextFile text(QStringLiteral("a.fbx"), R"(; FBX 7.4.0 project file
-FBXHeaderExtension:  {
-	FBXHeaderVersion: 1003
-	FBXVersion: 7400
-}
-Objects:  {
-	Model: 2, "Model::Sheet", "Mesh" {
-		Version: 232
-	}
-	Geometry: 1, "Geometry::Sheet", "Mesh" {
-		Vertices: *9 {
-			a: 0,0,0,10,0,0,0,160,0
-		}
-		PolygonVertexIndex: *3 {
-			a: 0,1,-3
-		}
-		GeometryVersion: 124
-	}
-	Geometry: 3, "Geometry::Wide", "Shape" {
-		Version: 100
-		Indexes: *1 {
-			a: 2
-		}
-		Vertices: *3 {
-			a: 5,0,0
-		}
-		Normals: *3 {
-			a: 0,0,0
-		}
-	}
-	Deformer: 4, "Deformer::", "BlendShape" {
-		Version: 100
-	}
-	Deformer: 5, "SubDeformer::Wide", "BlendShapeChannel" {
-		Version: 100
-		DeformPercent: 40
-		FullWeights: *1 {
-			a: 100
-		}
-	}
-}
-Connections:  {
-	C: "OO",2,0
-	C: "OO",1,2
-	C: "OO",4,1
-	C: "OO",5,4
-	C: "OO",3,5
-}
-)");
+    FbxSketch sketch;
+    sketch.addShape(sketch.addMorph(sketch.addSquare("Sheet", 0), "Wide", 40.0), "Wide", {5, 0, 0});
+    const TextFile text(QStringLiteral("a.fbx"), sketch.text());
     const ConvertedFile file(text.path);
     QVERIFY2(file.character, qPrintable(file.reason));
     COMPARE_NUMBERS(meshNamed(file, "Sheet").at("weights").get<Numbers>(), {0.0});

@@ -2,7 +2,8 @@
 set(edits ${CMAKE_SOURCE_DIR}/tests/io/RigEdits.cpp)
 ry_test(recovery OFFSCREEN LIBS ry_ryhost rycore ry_evaluator SOURCES ${edits}
   ${CMAKE_SOURCE_DIR}/tests/io/CharacterScene.cpp ${CMAKE_SOURCE_DIR}/tests/io/FigureSketch.cpp
-  ${CMAKE_SOURCE_DIR}/tests/parametric_files/LegacyArm.cpp ${CMAKE_SOURCE_DIR}/tests/foreign/ForeignSketch.cpp)
+  ${CMAKE_SOURCE_DIR}/tests/parametric_files/LegacyArm.cpp ${CMAKE_SOURCE_DIR}/tests/foreign/ForeignSketch.cpp
+  ${CMAKE_SOURCE_DIR}/tests/foreign/FbxSketch.cpp)
 # It reads foreign files.
 add_dependencies(tst_recovery ryhost ryforeign)
 # A program that edits until it is killed.

@@ -1,4 +1,4 @@
-#include "foreign_reader/FbxSketch.h"
+#include "foreign/FbxSketch.h"
 
 namespace {
 
@@ -81,12 +81,20 @@ qint64 FbxSketch::addSquare(const char *name, qint64 parent, const Properties &p
                                 .add(FbxRecord("LayerElement")
                                          .add(FbxRecord("Type").text("LayerElementNormal"))
                                          .add(FbxRecord("TypedIndex").number(0)));
+    return addMesh(name, parent, properties, {0, 0, 0, 160, 0, 0, 160, 160, 0, 0, 160, 0}, {0, 1, 2, ~3},
+                   {normals, layer});
+}
+
+qint64 FbxSketch::addMesh(const char *name, qint64 parent, const Properties &properties,
+                          const std::vector<double> &points, const std::vector<qint32> &corners,
+                          const std::vector<FbxRecord> &layers)
+{
     const qint64 node =
         add("Model", name, "Model", "Mesh", {FbxRecord("Version").number(232), propertiesOf(properties)});
-    const qint64 geometry = add("Geometry", name, "Geometry", "Mesh",
-                                {FbxRecord("Vertices").reals({0, 0, 0, 160, 0, 0, 160, 160, 0, 0, 160, 0}),
-                                 FbxRecord("PolygonVertexIndex").numbers({0, 1, 2, ~3}),
-                                 FbxRecord("GeometryVersion").number(124), normals, layer});
+    std::vector<FbxRecord> inside{FbxRecord("Vertices").reals(points), FbxRecord("PolygonVertexIndex").numbers(corners),
+                                  FbxRecord("GeometryVersion").number(124)};
+    inside.insert(inside.end(), layers.begin(), layers.end());
+    const qint64 geometry = add("Geometry", name, "Geometry", "Mesh", inside);
     connect(node, parent);
     connect(geometry, node);
     m_geometries.emplace_back(node, geometry);
@@ -116,25 +124,22 @@ void FbxSketch::addShape(qint64 morph, const char *name, const Deltas &delta, co
 
 void FbxSketch::bind(qint64 node, qint64 limb, double height, const std::vector<qint32> &corners)
 {
-    Eigen::Matrix4d link = Eigen::Matrix4d::Identity(), toLimb = link;
-    link(1, 3) = height;
-    toLimb(1, 3) = -height;
-    bind(node, limb, link, toLimb, corners);
+    bind(node, limb, {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, height, 0, 1},
+         {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, -height, 0, 1}, corners);
 }
 
-void FbxSketch::bind(qint64 node, qint64 limb, const Eigen::Matrix4d &link, const Eigen::Matrix4d &toLimb,
-                     const std::vector<qint32> &corners)
+void FbxSketch::bind(qint64 node, qint64 limb, const Deltas &link, const Deltas &toLimb,
+                     const std::vector<qint32> &corners, const std::vector<double> &weights)
 {
     if (of(m_skins, node) == 0) {
         m_skins.emplace_back(node, add("Deformer", "", "Deformer", "Skin", {FbxRecord("Version").number(101)}));
         connect(m_skins.back().second, of(m_geometries, node));
     }
-    const auto numbers = [](const Eigen::Matrix4d &m) { return std::vector<double>(m.data(), m.data() + 16); };
     const qint64 cluster =
         add("Deformer", "", "SubDeformer", "Cluster",
             {FbxRecord("Version").number(100), FbxRecord("Indexes").numbers(corners),
-             FbxRecord("Weights").reals(std::vector<double>(corners.size(), 1.0)),
-             FbxRecord("Transform").reals(numbers(toLimb)), FbxRecord("TransformLink").reals(numbers(link))});
+             FbxRecord("Weights").reals(weights.empty() ? std::vector<double>(corners.size(), 1.0) : weights),
+             FbxRecord("Transform").reals(toLimb), FbxRecord("TransformLink").reals(link)});
     connect(cluster, of(m_skins, node));
     connect(limb, cluster);
 }
@@ -190,11 +195,11 @@ FbxRecord FbxSketch::ownProperty(const char *name, double value)
     return FbxRecord("P").text(name).text("Number").text("").text("A+U").real(value);
 }
 
-QByteArray FbxSketch::bytes(const FbxRecord::Form &form) const
+std::vector<FbxRecord> FbxSketch::records(qint32 version) const
 {
     const FbxRecord head = FbxRecord("FBXHeaderExtension")
                                .add(FbxRecord("FBXHeaderVersion").number(1003))
-                               .add(FbxRecord("FBXVersion").number(7400));
+                               .add(FbxRecord("FBXVersion").number(version));
     const FbxRecord settings =
         FbxRecord("GlobalSettings")
             .add(FbxRecord("Version").number(1000))
@@ -202,8 +207,21 @@ QByteArray FbxSketch::bytes(const FbxRecord::Form &form) const
                 {wholeNumber("UpAxis", 1), wholeNumber("UpAxisSign", 1), wholeNumber("FrontAxis", 2),
                  wholeNumber("FrontAxisSign", 1), wholeNumber("CoordAxis", 0), wholeNumber("CoordAxisSign", 1),
                  FbxRecord("P").text("UnitScaleFactor").text("double").text("Number").text("").real(1.0)}));
-    QByteArray all = FbxRecord::header(form.isWide ? 7700 : 7400);
-    for (const FbxRecord &each : {head, settings, m_objects, m_connections})
+    return {head, settings, m_objects, m_connections};
+}
+
+QByteArray FbxSketch::bytes(qint32 version, const FbxRecord::Form &form) const
+{
+    QByteArray all = FbxRecord::header(version);
+    for (const FbxRecord &each : records(version))
         all += each.bytes(all.size(), form);
     return all + FbxRecord::end(form);
+}
+
+QByteArray FbxSketch::text() const
+{
+    QByteArray all = "; FBX 7.4.0 project file\n";
+    for (const FbxRecord &each : records(7400))
+        all += each.textForm();
+    return all;
 }
