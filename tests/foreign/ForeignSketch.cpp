@@ -19,10 +19,13 @@ FbxSketch arm()
     const qint64 bar = sketch.addMesh("bar", 0, {FbxSketch::vector("GeometricTranslation", 0, 0, 1)}, points,
                                       {0, 1, 5, ~4, 1, 2, 6, ~5, 4, 5, 9, ~8, 5, 6, 10, ~9, 8, 9, ~10});
     const qint64 upper = sketch.addLimb("upper", 0, {FbxSketch::vector("Lcl Translation", 0, 0, 0)});
-    const qint64 lower = sketch.addLimb("lower", upper, {FbxSketch::vector("Lcl Translation", 0, 40, 0)});
+    const qint64 lower = sketch.addLimb(
+        "lower", upper,
+        {FbxSketch::vector("Lcl Translation", 0, 40, 0), FbxSketch::vector("RotationPivot", 1, 2, 3),
+         FbxSketch::vector("PostRotation", 0, 90, 5), FbxSketch::wholeNumber("RotationActive", 1, "bool")});
     sketch.bind(bar, upper, moved(0), moved(0), {0, 1, 2, 3, 4, 5, 6, 7}, {1, 1, 1, 1, 0.5, 0.5, 0.5, 0.5});
     sketch.bind(bar, lower, moved(40), moved(-40), {4, 5, 6, 7, 8, 9, 10, 11}, {0.5, 0.5, 0.5, 0.5, 1, 1, 1, 1});
-    sketch.startClip("Bend");
+    sketch.startClip("Bend", {0.0, 1.0});
     sketch.addCurve(lower, "Lcl Rotation", "d|X", {0.0, 0.5, 1.0}, {0.0f, 45.0f, 0.0f});
     return sketch;
 }
