@@ -1,5 +1,7 @@
 #include "ryforeign/RyFbxObjects.h"
 
+#include <QtEndian>
+
 #include <algorithm>
 #include <cmath>
 
@@ -89,15 +91,13 @@ void RyFbxObjects::readModel(const Record &record, qint64 id)
     // "Root" is the place of a whole skeleton, often at the same point as its first limb.
     model.isLimb = kind == "LimbNode" || kind == "Limb";
     RyFbxTransform transform;
+    PlacesOf placesOf;
     const auto read = [&](const Record &property) {
         readOwnProperty(property, QString::fromUtf8(model.name));
-        readTransform(property, transform);
+        readTransform(property, transform, placesOf);
     };
     forProperties(record, read);
-    if (transform.hasPivot())
-        model.pivot = transform.pivot();
-    for (const auto &change : transform.changes())
-        m_changes.push_back(change);
+    takeTransform(transform, placesOf, model);
     m_models.push_back(model);
 }
 
@@ -117,7 +117,7 @@ void RyFbxObjects::forgetRange(const Record &property)
     const qint64 at = m_records.findProperty(property, 4);
     if ((name == "LocalStart" || name == "LocalStop") && at >= 0 && m_records.value<char>(at) == 'L' &&
         m_records.value<qint64>(at + 1) != 0)
-        m_changes.emplace_back(at + 1, QByteArray(sizeof(qint64), '\0'));
+        m_changes.push_back({at + 1, int(sizeof(qint64)), QByteArray(sizeof(qint64), '\0')});
 }
 
 /// Each says a name, a type, a label and flags, and behind them its numbers.
@@ -135,16 +135,44 @@ void RyFbxObjects::readOwnProperty(const Record &property, const QString &node)
     ownProperties.push_back({name, {node}});
 }
 
-void RyFbxObjects::readTransform(const Record &property, RyFbxTransform &transform) const
+void RyFbxObjects::readTransform(const Record &property, RyFbxTransform &transform, PlacesOf &placesOf) const
 {
-    const qint64 at[] = {m_records.findProperty(property, 4), m_records.findProperty(property, 5), m_records.findProperty(property, 6)};
+    const QByteArray name = m_records.text(property, 0);
+    if (!RyFbxTransform::isKnown(name))
+        return;
+    const qint64 at[] = {m_records.findProperty(property, 4), m_records.findProperty(property, 5),
+                         m_records.findProperty(property, 6)};
     const auto isKind = [this](qint64 place, char kind) { return place >= 0 && m_records.value<char>(place) == kind; };
-    if (isKind(at[0], 'I'))
-        transform.add(m_records.text(property, 0), {double(m_records.value<qint32>(at[0] + 1)), 0.0, 0.0}, {at[0] + 1, 0, 0});
-    else if (isKind(at[0], 'D') && isKind(at[1], 'D') && isKind(at[2], 'D'))
-        transform.add(m_records.text(property, 0),
-                      {m_records.value<double>(at[0] + 1), m_records.value<double>(at[1] + 1), m_records.value<double>(at[2] + 1)},
-                      {at[0] + 1, at[1] + 1, at[2] + 1});
+    if (isKind(at[0], 'I')) {
+        transform.add(name, {double(m_records.value<qint32>(at[0] + 1)), 0.0, 0.0});
+        placesOf.insert(name, {{at[0] + 1, int(sizeof(qint32))}});
+    } else if (isKind(at[0], 'D') && isKind(at[1], 'D') && isKind(at[2], 'D')) {
+        RyFbxTransform::Vector value{};
+        Places places;
+        for (size_t i = 0; i < 3; ++i) {
+            value[i] = m_records.value<double>(at[i] + 1);
+            places.emplace_back(at[i] + 1, int(sizeof(double)));
+        }
+        transform.add(name, value);
+        placesOf.insert(name, places);
+    }
+}
+
+void RyFbxObjects::takeTransform(const RyFbxTransform &transform, const PlacesOf &placesOf, Model &model)
+{
+    if (transform.hasPivot())
+        model.pivot = transform.pivot();
+    for (const auto &[name, value] : transform.changes()) {
+        const Places places = placesOf.value(name);
+        for (size_t i = 0; i < places.size(); ++i) {
+            QByteArray bytes(places[i].second, '\0'); // a whole number becomes 0
+            if (!m_records.isBinary())
+                bytes = QByteArray::number(value[i], 'g', 17);
+            else if (places.size() == 3)
+                qToLittleEndian(value[i], bytes.data());
+            m_changes.push_back({places[i].first, places[i].second, bytes});
+        }
+    }
 }
 
 /// Of lines like  Model: 12, "Model::Hips", "LimbNode" {
@@ -169,6 +197,10 @@ void RyFbxObjects::readText()
         model.name = name;
         m_models.push_back(model);
     });
+    for (size_t i = 0; i < m_models.size(); ++i) {
+        const qint64 end = i + 1 < m_models.size() ? m_models[i + 1].nameAt : qint64(m_bytes.size());
+        readTransformInText(m_models[i].nameAt, end, m_models[i]);
+    }
     forgetRangesInText();
     forNamesInText("Constraint", [this](int, const QByteArray &name) { constraints.append(QString::fromUtf8(name)); });
 }
@@ -176,19 +208,45 @@ void RyFbxObjects::readText()
 /// Of lines like  P: "LocalStart", "KTime", "Time", "",1924423250
 void RyFbxObjects::forgetRangesInText()
 {
-    const QByteArray text =
-        QByteArray::fromRawData(reinterpret_cast<const char *>(m_bytes), int(std::min<qint64>(m_size, INT_MAX)));
     for (const char *name : {"\"LocalStart\"", "\"LocalStop\""}) {
-        for (int at = text.indexOf(name); at >= 0; at = text.indexOf(name, at + 1)) {
-            const int end = text.indexOf('\n', at);
-            const int comma = end < 0 ? -1 : text.lastIndexOf(',', end);
-            QByteArray number = comma < at ? QByteArray() : text.mid(comma + 1, end - comma - 1);
-            std::replace_if(
-                number.begin(), number.end(), [](char c) { return c == '-' || (c > '0' && c <= '9'); }, '0');
-            if (!number.isEmpty())
-                m_changes.emplace_back(comma + 1, number);
+        for (int at = m_bytes.indexOf(name); at >= 0; at = m_bytes.indexOf(name, at + 1)) {
+            const int end = m_bytes.indexOf('\n', at);
+            const int comma = end < 0 ? -1 : m_bytes.lastIndexOf(',', end);
+            if (comma > at)
+                m_changes.push_back({comma + 1, end - comma - 1, "0"});
         }
     }
+}
+
+/// Of lines like  P: "RotationPivot", "Vector3D", "Vector", "",0,12.5,0
+void RyFbxObjects::readTransformInText(qint64 from, qint64 to, Model &model)
+{
+    const QByteArray text = QByteArray::fromRawData(m_bytes.constData(), int(to));
+    RyFbxTransform transform;
+    PlacesOf placesOf;
+    for (int at = text.indexOf("P: \"", int(from)); at >= 0; at = text.indexOf("P: \"", at + 1)) {
+        const int nameAt = at + 4;
+        const QByteArray name = text.mid(nameAt, std::max(0, text.indexOf('"', nameAt) - nameAt));
+        if (!RyFbxTransform::isKnown(name))
+            continue;
+        int end = text.indexOf('\n', at);
+        end = end < 0 ? text.size() : end;
+        RyFbxTransform::Vector value{};
+        Places places;
+        int number = 0; // behind a type, a label and flags
+        for (int comma = text.indexOf(',', nameAt); comma >= 0 && comma < end && number < 7; ++number) {
+            int next = text.indexOf(',', comma + 1);
+            next = next < 0 || next > end ? end : next;
+            if (number >= 3 && places.size() < 3) {
+                value[places.size()] = text.mid(comma + 1, next - comma - 1).trimmed().toDouble();
+                places.emplace_back(comma + 1, next - comma - 1);
+            }
+            comma = next == end ? -1 : next;
+        }
+        transform.add(name, value);
+        placesOf.insert(name, places);
+    }
+    takeTransform(transform, placesOf, model);
 }
 
 /// The importers' library would take what is said of the second of two nodes for the first.
@@ -204,7 +262,7 @@ void RyFbxObjects::tellApart()
         } else if (const QByteArray free = freeName(own.size(), taken); !free.isEmpty()) {
             taken.insert(free);
             nameOf.insert(QString::fromLatin1(free), QString::fromUtf8(own));
-            m_changes.emplace_back(model.nameAt, free);
+            m_changes.push_back({model.nameAt, free.size(), free});
             model.name = free;
         } else if (!own.isEmpty()) {
             ambiguous.append(QString::fromUtf8(own));
@@ -218,11 +276,20 @@ void RyFbxObjects::tellApart()
 
 QByteArray RyFbxObjects::changed() const
 {
-    QByteArray bytes = m_bytes;
-    for (const auto &[at, change] : m_changes) {
-        if (at + change.size() <= bytes.size())
-            bytes.replace(int(at), change.size(), change);
+    if (m_changes.empty())
+        return m_bytes;
+    std::vector<Change> all = m_changes;
+    std::stable_sort(all.begin(), all.end(), [](const Change &a, const Change &b) { return a.at < b.at; });
+    QByteArray bytes;
+    bytes.reserve(m_bytes.size());
+    qint64 at = 0;
+    for (const Change &change : all) { // those of a text need not be as long as what they replace
+        if (change.at < at || change.at + change.size > m_bytes.size())
+            continue;
+        bytes.append(m_bytes.constData() + at, int(change.at - at)).append(change.bytes);
+        at = change.at + change.size;
     }
+    bytes.append(m_bytes.constData() + at, int(m_bytes.size() - at));
     return bytes;
 }
 

@@ -1,7 +1,5 @@
 #include "ryforeign/RyFbxTransform.h"
 
-#include <QtEndian>
-
 #include <algorithm>
 #include <cmath>
 
@@ -48,16 +46,20 @@ Vector turnedBack(const Vector &angles)
 
 } // namespace
 
-void RyFbxTransform::add(const QByteArray &name, const Vector &value, const std::array<qint64, 3> &at)
+bool RyFbxTransform::isKnown(const QByteArray &name)
 {
-    const bool isFinite = std::all_of(value.begin(), value.end(), [](double part) { return std::isfinite(part); });
-    if (isFinite && std::find(std::begin(names), std::end(names), name) != std::end(names))
-        m_properties.insert(name, {value, at});
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+void RyFbxTransform::add(const QByteArray &name, const Vector &value)
+{
+    if (std::all_of(value.begin(), value.end(), [](double part) { return std::isfinite(part); }))
+        m_values.insert(name, value);
 }
 
 Vector RyFbxTransform::valueOf(const char *name, double otherwise) const
 {
-    return m_properties.value(name, {{otherwise, otherwise, otherwise}, {}}).value;
+    return m_values.value(name, {otherwise, otherwise, otherwise});
 }
 
 RyForeignPivot RyFbxTransform::pivot() const
@@ -80,36 +82,24 @@ bool RyFbxTransform::hasPivot() const
     return all.hasPoints() || !(all.geometric == RyAffine());
 }
 
-std::vector<std::pair<qint64, QByteArray>> RyFbxTransform::changes() const
+std::vector<std::pair<QByteArray, Vector>> RyFbxTransform::changes() const
 {
-    std::vector<std::pair<qint64, QByteArray>> all;
+    std::vector<std::pair<QByteArray, Vector>> all;
+    const auto change = [&](const char *name, const Vector &to) {
+        if (m_values.value(name, to) != to)
+            all.emplace_back(name, to);
+    };
     for (const char *name : {"RotationOffset", "RotationPivot", "ScalingOffset", "ScalingPivot", "GeometricTranslation",
                              "GeometricRotation"}) {
-        change(name, {}, all);
+        change(name, {});
     }
-    change("GeometricScaling", {1.0, 1.0, 1.0}, all);
+    change("GeometricScaling", {1.0, 1.0, 1.0});
     if (valueOf("RotationActive")[0] != 0.0) {
         if (valueOf("PostRotation") != Vector{})
-            change("PostRotation", turnedBack(valueOf("PostRotation")), all);
+            change("PostRotation", turnedBack(valueOf("PostRotation")));
         return all;
     }
     for (const char *name : {"PreRotation", "PostRotation", "RotationOrder"})
-        change(name, {}, all);
+        change(name, {});
     return all;
-}
-
-void RyFbxTransform::change(const char *name, const Vector &to, std::vector<std::pair<qint64, QByteArray>> &all) const
-{
-    const auto found = m_properties.constFind(name);
-    if (found == m_properties.constEnd() || found->value == to)
-        return;
-    if (found->at[1] == 0) { // one whole number
-        all.emplace_back(found->at[0], QByteArray(sizeof(qint32), '\0'));
-        return;
-    }
-    for (size_t i = 0; i < 3; ++i) {
-        QByteArray bytes(sizeof(double), '\0');
-        qToLittleEndian(to[i], bytes.data());
-        all.emplace_back(found->at[i], bytes);
-    }
 }

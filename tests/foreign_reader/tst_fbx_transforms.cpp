@@ -47,7 +47,7 @@ struct Arm
         return at;
     }
 
-    QByteArray bytes() const
+    FbxSketch sketch() const
     {
         FbxSketch sketch;
         const qint64 low = sketch.addLimb("Lower", 0, lower.properties());
@@ -75,7 +75,7 @@ struct Arm
         addCurves("Lcl Rotation", &Formula::rotation);
         if (isScaled)
             addCurves("Lcl Scaling", &Formula::scaling);
-        return sketch.bytes();
+        return sketch;
     }
 
     std::vector<Vector> corners(const Formula &shown) const
@@ -190,8 +190,11 @@ std::vector<Row> FbxTransformsTest::rows()
 void FbxTransformsTest::stand_data()
 {
     QTest::addColumn<Arm>("arm");
-    for (const Row &row : rows())
-        QTest::newRow(row.name) << row.arm;
+    QTest::addColumn<bool>("isText");
+    for (const Row &row : rows()) {
+        QTest::newRow(row.name) << row.arm << false;
+        QTest::newRow((std::string(row.name) + ", as text").c_str()) << row.arm << true;
+    }
 }
 
 double FbxTransformsTest::largestGap(const std::vector<Vector> &wanted, const std::vector<Vector> &found)
@@ -205,7 +208,8 @@ double FbxTransformsTest::largestGap(const std::vector<Vector> &wanted, const st
 void FbxTransformsTest::stand()
 {
     QFETCH(Arm, arm);
-    const TextFile text(QStringLiteral("a.fbx"), arm.bytes());
+    QFETCH(bool, isText);
+    const TextFile text(QStringLiteral("a.fbx"), isText ? arm.sketch().text() : arm.sketch().bytes());
     const ConvertedFile file(text.path, 1.0);
     QVERIFY2(file.character, qPrintable(file.reason));
     QCOMPARE(ryValidate(file.glb).errors, 0);
@@ -297,7 +301,7 @@ void FbxTransformsTest::asSeenElsewhere()
                               QStringLiteral("--"), QStringLiteral("judge")};
         for (const Row &row : rows()) {
             QFile file(m_folder.filePath(QString::fromLatin1(row.name) + QStringLiteral(".fbx")));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(row.arm.bytes()) > 0);
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(row.arm.sketch().bytes()) > 0);
             arguments << file.fileName() << file.fileName() + QStringLiteral(".json");
         }
         QString output;
