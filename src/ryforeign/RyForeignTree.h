@@ -31,7 +31,7 @@ public:
     };
 
     /// `pivotOf`: by the names that the importers' library uses.
-    explicit RyForeignTree(const aiScene &scene, const QHash<QString, RyForeignPivot> &pivotOf = {});
+    explicit RyForeignTree(const aiScene &scene, const QHash<QString, RyForeignPivot> &pivotOf);
 
     std::vector<Node> nodes;
     /// Of what a node shows, to the world.
