@@ -108,6 +108,9 @@ RyForeignKeys ryPivotedKeys(const RyForeignPivot &pivot, const RyForeignKeys &po
 {
     constexpr double largestTurn = 0.05; // radians; a chord is within 0.0003 of the radius there
     constexpr int mostSteps = 128;
+    if (positions.times.empty() || rotations.times.empty() ||
+        scales.times.empty()) // as of a node that is scaled by no number
+        return positions;
     std::set<float> times;
     for (const RyForeignKeys *each : {&positions, &rotations, &scales})
         times.insert(each->times.begin(), each->times.end());

@@ -25,7 +25,7 @@ struct RyForeignKeys
 };
 
 /// Keys of the translation of a node that turns about points of its own, `pivot`, and is scaled about others. At all
-/// times of the three, each with a key at least, and between them wherever the node turns farther than a straight line
+/// times of the three and between them wherever the node turns farther than a straight line
 /// can follow.
 RyForeignKeys ryPivotedKeys(const RyForeignPivot &pivot, const RyForeignKeys &positions, const RyForeignKeys &rotations,
                             const RyForeignKeys &scales);

@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <iostream>
+#include <limits>
 
 namespace {
 
@@ -109,6 +110,8 @@ private slots:
     void stand_data();
     void stand();
     void propWithAnOffset();
+    void scaledToNothing_data();
+    void scaledToNothing();
     void asSeenElsewhere_data();
     void asSeenElsewhere();
 
@@ -278,6 +281,38 @@ void FbxTransformsTest::propWithAnOffset()
                             map * Vector(0, 160, 0)},
                            found) < 1e-4);
     }
+}
+
+void FbxTransformsTest::scaledToNothing_data()
+{
+    QTest::addColumn<double>("scale");
+    QTest::newRow("nothing") << 0.0;
+    QTest::newRow("no number") << std::numeric_limits<double>::quiet_NaN();
+}
+
+/// Nobody knows how such a node is turned; what its clip says of its place is kept.
+void FbxTransformsTest::scaledToNothing()
+{
+    QFETCH(double, scale);
+    Arm arm;
+    FbxSketch sketch;
+    const qint64 low = sketch.addLimb("Lower", 0, arm.lower.properties());
+    arm.upper.scaling = {scale, scale, scale};
+    arm.upper.rotationPivot = {1, 2, 3};
+    const qint64 high = sketch.addLimb("Upper", low, arm.upper.properties());
+    sketch.bind(sketch.addSquare("Sheet", 0), low, 0.0);
+    sketch.addCurve(high, "Lcl Translation", "d|X", {0.0, 1.0}, {0, 10});
+    const TextFile text(QStringLiteral("a.fbx"), sketch.bytes());
+    const ConvertedFile file(text.path, 1.0);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(ryValidate(file.glb).errors, 0);
+    const GltfClipEvaluator clip(file.character->file, 0);
+    QCOMPARE(clip.leftOut(), std::vector<std::string>());
+    const int upper = file.character->nodeOf(file.bone(QStringLiteral("Upper")));
+    const auto xAt = [&](double time) {
+        return file.character->file.worldMatrices(clip.pose(time))[size_t(upper)](0, 3);
+    };
+    QVERIFY(std::abs(xAt(1.0) - xAt(0.0)) > 0.01);
 }
 
 /// Nothing to do where the other program is not installed.
