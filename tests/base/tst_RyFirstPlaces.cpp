@@ -8,16 +8,17 @@ class RyFirstPlacesTest : public QObject
 {
     Q_OBJECT
 private:
-    int find(int key)
+    auto keyAt()
     {
-        return m_places.find(key, int(m_list.size()), [this](int place) {
+        return [this](int place) {
             ++m_read;
             return m_list[size_t(place)];
-        });
+        };
     }
+    int find(int key) { return m_places.find(key, int(m_list.size()), keyAt()); }
     void append(int key)
     {
-        m_places.append(key, int(m_list.size()));
+        m_places.append(key, int(m_list.size()), keyAt());
         m_list.push_back(key);
     }
 
@@ -94,6 +95,20 @@ private slots:
         append(6);
         for (int i = 0; i < 20; ++i)
             QCOMPARE(find(6), 3);
+    }
+
+    /// Each question reads the one key that it is about, of many that are multiples of the same.
+    void aKnownListIsReadWhereTheKeyStands()
+    {
+        constexpr int Count = 1 << 15;
+        for (int i = 0; i < Count; ++i)
+            append(i * 4096);
+        for (int i = 0; i < 20; ++i)
+            find(0);
+        m_read = 0;
+        for (int i = 0; i < Count; ++i)
+            QCOMPARE(find(i * 4096), i);
+        QCOMPARE(m_read, Count);
     }
 };
 

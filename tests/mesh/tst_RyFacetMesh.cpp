@@ -81,6 +81,7 @@ private slots:
     void trianglesAndQuads();
     void groupsAreFoundByName();
     void creatingAGroupTwiceDoesNothing();
+    void creatingGroupsAnnouncesThemOnce();
     void selectedFacetsMoveBetweenGroups();
     void wrongIndicesAreIgnored();
     void removingAGroupFreesItsFacets();
@@ -132,6 +133,33 @@ void RyFacetMeshTest::creatingAGroupTwiceDoesNothing()
     QCOMPARE(mesh->getNumFaceGroups(), 1);
     QCOMPARE(mesh->findFaceGroup("hip"), group);
     QCOMPARE(spy.count(), 1);
+}
+
+void RyFacetMeshTest::creatingGroupsAnnouncesThemOnce()
+{
+    const auto mesh = grid(2);
+    mesh->createFaceGroup("hip");
+    const RyFaceGroup *hip = mesh->findFaceGroup("hip");
+    QSignalSpy spy(mesh.get(), &RyFacetMesh::faceGroupsChanged);
+    const auto names = [&] {
+        QStringList all;
+        for (int group = 0; group < mesh->getNumFaceGroups(); ++group)
+            all.append(mesh->getFaceGroup(group)->getName());
+        return all;
+    };
+    RyUndoStackHold hold;
+    mesh->createFaceGroups({"tail", "hip", "head", "tail"});
+    hold.accept("groups");
+    QCOMPARE(names(), QStringList({"hip", "tail", "head"}));
+    QCOMPARE(mesh->findFaceGroup("hip"), hip);
+    QCOMPARE(mesh->findFaceGroupIndex("head"), 2);
+    QCOMPARE(spy.count(), 1);
+    mesh->createFaceGroups({"head", "hip"});
+    QCOMPARE(spy.count(), 1);
+    ryUndoStack()->undo();
+    QCOMPARE(names(), QStringList({"hip"}));
+    ryUndoStack()->redo();
+    QCOMPARE(names(), QStringList({"hip", "tail", "head"}));
 }
 
 void RyFacetMeshTest::selectedFacetsMoveBetweenGroups()

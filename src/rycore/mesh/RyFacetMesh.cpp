@@ -119,16 +119,27 @@ RyFaceGroup *RyFacetMesh::findFaceGroup(const QString &name) const
 
 int RyFacetMesh::findFaceGroupIndex(const QString &name) const
 {
-    return m_groupPlaces.find(name, getNumFaceGroups(), [this](int i) { return m_groups[size_t(i)]->getName(); });
+    return m_groupPlaces.find(name, getNumFaceGroups(), nameOfGroup());
 }
 
 void RyFacetMesh::createFaceGroup(const QString &name)
 {
-    if (findFaceGroup(name))
+    createFaceGroups({name});
+}
+
+void RyFacetMesh::createFaceGroups(const std::vector<QString> &names)
+{
+    const size_t before = m_groups.size();
+    for (const QString &name : names) {
+        if (findFaceGroup(name))
+            continue;
+        if (m_groups.size() == before)
+            recordGroups();
+        m_groupPlaces.append(name, getNumFaceGroups(), nameOfGroup());
+        m_groups.push_back(std::make_unique<RyFaceGroup>(name));
+    }
+    if (m_groups.size() == before)
         return;
-    recordGroups();
-    m_groupPlaces.append(name, getNumFaceGroups());
-    m_groups.push_back(std::make_unique<RyFaceGroup>(name));
     announceGroups();
     announceContent();
 }

@@ -44,6 +44,8 @@ public:
     int findFaceGroupIndex(const QString &name) const;
     /// Does nothing when the group exists; undoable where a hold is open.
     void createFaceGroup(const QString &name);
+    /// Those of them that do not exist, announced once.
+    void createFaceGroups(const std::vector<QString> &names);
     void removeFaceGroup(const QString &name);
     void deselectAllFacets();
     void selectFacetsByIndexList(const RyIndexList &facets, bool select);
@@ -82,6 +84,10 @@ private:
         bool operator==(const Grouping &) const = default;
     };
     QStringList groupNames() const;
+    auto nameOfGroup() const
+    {
+        return [this](int group) -> const QString & { return m_groups[size_t(group)]->getName(); };
+    }
     Grouping grouping() const;
     /// Groups that stay keep their objects.
     void restoreGrouping(const Grouping &grouping);

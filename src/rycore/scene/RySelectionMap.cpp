@@ -34,12 +34,12 @@ RyNode *RySelectionMap::getPairNode(int index) const
 
 int RySelectionMap::findPair(const QString &group) const
 {
-    return m_placesOfGroups.find(group, getNumPairs(), [this](int i) { return m_pairs[size_t(i)].group; });
+    return m_placesOfGroups.find(group, getNumPairs(), groupAt());
 }
 
 int RySelectionMap::findPair(const RyNode *node) const
 {
-    return node ? m_placesOfNodes.find(node, getNumPairs(), [this](int i) { return getPairNode(i); }) : -1;
+    return node ? m_placesOfNodes.find(node, getNumPairs(), nodeAt()) : -1;
 }
 
 QString RySelectionMap::findGroupForNode(const RyNode *node) const
@@ -56,9 +56,9 @@ bool RySelectionMap::addPair(const QString &group, RyNode *node, bool takeOver)
     const auto isTakenOver = [&](const Pair &pair) { return pair.group == group || (node && pair.node == node); };
     if (takeOver && std::erase_if(m_pairs, isTakenOver) > 0)
         forgetPlaces();
-    m_placesOfGroups.append(group, getNumPairs());
+    m_placesOfGroups.append(group, getNumPairs(), groupAt());
     if (node)
-        m_placesOfNodes.append(node, getNumPairs());
+        m_placesOfNodes.append(node, getNumPairs(), nodeAt());
     m_pairs.push_back({group, node});
     emit mapChanged();
     return true;

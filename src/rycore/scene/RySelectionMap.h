@@ -43,6 +43,14 @@ private:
     struct PairsValue;
     void recordPairs();
     void forgetPlaces();
+    auto groupAt() const
+    {
+        return [this](int pair) -> const QString & { return m_pairs[size_t(pair)].group; };
+    }
+    auto nodeAt() const
+    {
+        return [this](int pair) { return m_pairs[size_t(pair)].node.data(); };
+    }
 
     std::vector<Pair> m_pairs;
     RyFirstPlaces<QString> m_placesOfGroups;

@@ -29,8 +29,7 @@ RyFacetShape *RyObjMeshBuilder::makeShape()
     auto *mesh = new RyFacetMesh;
     mesh->setPositions(std::move(m_positions));
     mesh->setFacets(std::move(made.facets), std::move(made.polygons));
-    for (const QString &group : m_file.groups)
-        mesh->createFaceGroup(group);
+    mesh->createFaceGroups(m_file.groups);
     mesh->setGroupsOfFacets(made.groups);
     auto *shape = new RyFacetShape(mesh);
     if (m_parts) {

@@ -86,6 +86,8 @@ bool isUtf8(std::string_view text)
 
 QString decodedName(std::string_view text)
 {
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return QString::fromLatin1(text.data(), int(text.size()));
     return isUtf8(text) ? QString::fromUtf8(text.data(), int(text.size()))
                         : QString::fromLatin1(text.data(), int(text.size()));
 }
@@ -335,18 +337,17 @@ void RyObjParser::rememberUnit(std::string_view comment)
     }
 }
 
-void RyObjParser::rememberName(std::string_view line, std::vector<QString> &names, QHash<QString, int> &places,
+void RyObjParser::rememberName(std::string_view line, std::vector<QString> &names, RyFirstPlaces<QString> &places,
                                int &current)
 {
-    const QString name = decodedName(trimmed(line));
-    const auto found = places.constFind(name);
-    if (found != places.constEnd()) {
-        current = *found;
+    QString name = decodedName(trimmed(line));
+    const auto nameAt = [&names](int place) -> const QString & { return names[std::size_t(place)]; };
+    current = places.find(name, int(names.size()), nameAt);
+    if (current >= 0)
         return;
-    }
     current = int(names.size());
-    names.push_back(name);
-    places.insert(name, current);
+    places.append(name, current, nameAt);
+    names.push_back(std::move(name));
 }
 
 bool RyObjParser::checkCorners()

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "rycore/base/RyFirstPlaces.h"
 #include "rycore/io/obj/RyObjFile.h"
-
-#include <QHash>
 
 #include <array>
 #include <string_view>
@@ -31,7 +30,7 @@ private:
     bool readIndex(std::string_view text, std::size_t count, const char *what, int &index);
     /// The first comment that names a unit of length after the word unit or units.
     void rememberUnit(std::string_view comment);
-    void rememberName(std::string_view line, std::vector<QString> &names, QHash<QString, int> &places, int &current);
+    void rememberName(std::string_view line, std::vector<QString> &names, RyFirstPlaces<QString> &places, int &current);
     bool checkCorners();
     bool fail(const QString &reason);
     bool failAt(int line, const QString &reason);
@@ -45,9 +44,9 @@ private:
     int m_group = -1;
     int m_object = -1;
     int m_material = -1;
-    QHash<QString, int> m_groupPlaces;
-    QHash<QString, int> m_objectPlaces;
-    QHash<QString, int> m_materialPlaces;
+    RyFirstPlaces<QString> m_groupPlaces;
+    RyFirstPlaces<QString> m_objectPlaces;
+    RyFirstPlaces<QString> m_materialPlaces;
     std::vector<int> m_facetLines;
     QByteArray m_joined; // a line that was continued
     int m_warningCount = 0;

@@ -53,14 +53,13 @@ bool RyGltfOrigin::isLinkedOtherwise() const
 
 void RyGltfOrigin::addNode(RyGltfNodeSource source)
 {
-    m_placesOfNodes.append(source.sceneNode, int(nodes.size()));
+    m_placesOfNodes.append(source.sceneNode, int(nodes.size()), nodeAt());
     nodes.push_back(std::move(source));
 }
 
 const RyGltfNodeSource *RyGltfOrigin::findSource(const RyNode *node) const
 {
-    const int place =
-        m_placesOfNodes.find(node, int(nodes.size()), [this](int i) { return nodes[size_t(i)].sceneNode.data(); });
+    const int place = m_placesOfNodes.find(node, int(nodes.size()), nodeAt());
     return place < 0 ? nullptr : &nodes[size_t(place)];
 }
 

@@ -49,6 +49,10 @@ public:
 
 private:
     std::vector<RyLinkExtras::Link> linksNow() const;
+    auto nodeAt() const
+    {
+        return [this](int place) { return nodes[size_t(place)].sceneNode.data(); };
+    }
 
     RyFirstPlaces<const RyNode *> m_placesOfNodes; // asked for once reading is done
     RyFirstPlaces<const RyNode *> m_placesOfFigures;

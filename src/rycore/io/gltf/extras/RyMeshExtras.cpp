@@ -111,8 +111,7 @@ bool RyMeshExtras::applyFaceGroups(const Json &figure, RyFacetMesh &mesh, QStrin
             messages->append(QStringLiteral("The stored face groups do not fit the mesh and are left out"));
         return false;
     }
-    for (const QString &name : names)
-        mesh.createFaceGroup(name);
+    mesh.createFaceGroups({names.begin(), names.end()});
     std::vector<int> groupOfFacet;
     for (int facet = 0; facet < mesh.getNumFacets(); ++facet)
         groupOfFacet.push_back(groupOfTriangle[size_t(triangles[size_t(facet)])]);
