@@ -7,6 +7,7 @@
 #include "rycore/scene/RySkeleton.h"
 #include "ryhost/panes/SceneModel.h"
 #include "ryhost/panes/ScenePane.h"
+#include "ryhost/panes/SceneTree.h"
 
 #include <QProxyStyle>
 #include <QScrollBar>
@@ -248,7 +249,107 @@ private slots:
         tree.setStyle(nullptr);
     }
 
+    /// As the view itself would draw it.
+    void rows_data()
+    {
+        QTest::addColumn<bool>("rightToLeft");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<bool>("focused");
+        QTest::newRow("plain") << false << true << false;
+        QTest::newRow("from the right") << true << true << false;
+        QTest::newRow("disabled") << false << false << false;
+        QTest::newRow("with the keyboard") << false << true << true;
+        QTest::newRow("from the right, with the keyboard") << true << true << true;
+    }
+    void rows()
+    {
+        QFETCH(bool, rightToLeft);
+        QFETCH(bool, enabled);
+        QFETCH(bool, focused);
+        m_a->setHidden(true);
+        SceneModel model(m_scene.get());
+        SceneTree tree;
+        PlainTree plain;
+        std::vector<QImage> pictures;
+        for (SceneTree *each : {&tree, static_cast<SceneTree *>(&plain)}) {
+            each->setModel(&model);
+            each->expandAll();
+            each->collapse(model.indexOf(m_b));
+            each->resize(200, 150);
+            each->setLayoutDirection(rightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+            each->setEnabled(enabled);
+            each->show();
+            QVERIFY(QTest::qWaitForWindowExposed(each));
+            const QImage none = pictureOf(*each);
+            m_scene->setSelection({m_figure, m_b});
+            for (const RyNode *node : {static_cast<RyNode *>(m_figure), static_cast<RyNode *>(m_b)})
+                each->selectionModel()->select(model.indexOf(node),
+                                               QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            each->selectionModel()->setCurrentIndex(model.indexOf(m_b), QItemSelectionModel::NoUpdate);
+            if (focused) {
+                each->activateWindow();
+                each->setFocus();
+                QTRY_VERIFY(each->hasFocus());
+            }
+            pictures.push_back(pictureOf(*each));
+            QVERIFY(pictures.back() != none);
+            each->hide();
+            m_scene->setSelection({});
+        }
+        QVERIFY(pictures[0] == pictures[1]);
+    }
+
+    /// What is asked of the model for a picture does not grow with the selection.
+    void rowsOfADeepSelection()
+    {
+        std::vector<int> parentsAsked;
+        RyBone *deep = m_c;
+        for (const int levels : {100, 900}) {
+            for (int i = 0; i < levels; ++i)
+                deep = makeBone(deep, QStringLiteral("level%1_%2").arg(levels).arg(i));
+            CountingModel model(m_scene.get());
+            SceneTree tree;
+            tree.setModel(&model);
+            tree.expandAll();
+            tree.resize(200, 150);
+            m_scene->selectAllNodes(true);
+            tree.selectAll();
+            tree.scrollTo(model.indexOf(deep));
+            tree.viewport()->grab();
+            model.parentsAsked = 0;
+            tree.viewport()->grab();
+            parentsAsked.push_back(model.parentsAsked);
+        }
+        QVERIFY2(parentsAsked[1] <= parentsAsked[0] + 10,
+                 qPrintable(QStringLiteral("%1 and %2").arg(parentsAsked[0]).arg(parentsAsked[1])));
+    }
+
 private:
+    class PlainTree : public SceneTree
+    {
+        void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+        {
+            QTreeView::drawRow(painter, option, index);
+        }
+    };
+    class CountingModel : public SceneModel
+    {
+    public:
+        using SceneModel::SceneModel;
+        QModelIndex parent(const QModelIndex &index) const override
+        {
+            ++parentsAsked;
+            return SceneModel::parent(index);
+        }
+        mutable int parentsAsked = 0;
+    };
+    static QImage pictureOf(QTreeView &tree)
+    {
+        QImage picture(tree.viewport()->size(), QImage::Format_RGB32);
+        tree.viewport()->render(&picture);
+        return picture;
+    }
+
     class Arrows : public QProxyStyle
     {
     public:

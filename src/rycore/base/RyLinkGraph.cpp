@@ -1,10 +1,9 @@
 #include "rycore/base/RyLinkGraph.h"
 
 #include "rycore/base/RyERCLink.h"
+#include "rycore/base/RyPointerTable.h"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 
 namespace {
 
@@ -12,9 +11,9 @@ namespace {
 class Search
 {
 public:
-    Search(const RyFloatProperty *start, bool down) : m_down(down), m_found{start} { m_before.emplace(start, nullptr); }
+    Search(const RyFloatProperty *start, bool down) : m_down(down), m_found{start} { m_before.insert(start, nullptr); }
 
-    bool hasFound(const RyFloatProperty *property) const { return m_before.count(property) > 0; }
+    bool hasFound(const RyFloatProperty *property) const { return m_before.find(property); }
     bool isDone()
     {
         while (m_at < m_found.size() && m_link == links().size()) {
@@ -29,7 +28,7 @@ public:
         const RyFloatProperty *at = m_found[m_at];
         const RyERCLink *link = links()[m_link++];
         const RyFloatProperty *next = m_down ? link->getControlled() : link->getController();
-        if (m_before.emplace(next, at).second)
+        if (m_before.insertNew(next, at))
             m_found.push_back(next);
         return next;
     }
@@ -37,7 +36,7 @@ public:
     std::vector<const RyFloatProperty *> wayBack(const RyFloatProperty *property) const
     {
         std::vector<const RyFloatProperty *> way;
-        for (; property; property = m_before.at(property))
+        for (; property; property = *m_before.find(property))
             way.push_back(property);
         return way;
     }
@@ -50,7 +49,7 @@ private:
 
     bool m_down;
     std::vector<const RyFloatProperty *> m_found;
-    std::unordered_map<const RyFloatProperty *, const RyFloatProperty *> m_before;
+    RyPointerTable<const RyFloatProperty *> m_before;
     size_t m_at = 0;
     size_t m_link = 0;
 };
@@ -65,7 +64,8 @@ std::vector<RyFloatProperty *> RyLinkGraph::dependents(RyFloatProperty *property
         size_t left; // links that are still to be followed, the last ones first
     };
     std::vector<RyFloatProperty *> order;
-    std::unordered_set<const RyFloatProperty *> seen{property};
+    RyPointerTable<bool> seen;
+    seen.insert(property, true);
     std::vector<Visit> path{{property, property->getControlledLinks().size()}};
     while (!path.empty()) {
         Visit &visit = path.back();
@@ -75,7 +75,7 @@ std::vector<RyFloatProperty *> RyLinkGraph::dependents(RyFloatProperty *property
             continue;
         }
         RyFloatProperty *next = visit.property->getControlledLinks()[--visit.left]->getControlled();
-        if (seen.insert(next).second)
+        if (seen.insertNew(next, true))
             path.push_back({next, next->getControlledLinks().size()});
     }
     std::reverse(order.begin(), order.end());

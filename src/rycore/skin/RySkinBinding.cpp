@@ -121,15 +121,19 @@ void RySkinBinding::dropBone(RyBoneBinding *binding)
 
 RyBoneBinding *RySkinBinding::findBoneBinding(const RyNode *bone) const
 {
+    if (!bone)
+        return nullptr;
     // A bone that was deleted may have had the same address.
     const auto isOfBone = [bone](const RyBoneBinding *binding) { return binding->getBone() == bone; };
-    const auto [first, last] = m_bindingsOfBones.equal_range(bone);
-    const auto found = bone ? std::find_if(first, last, isOfBone) : last;
-    if (found == last)
-        return nullptr;
-    if (std::find_if(std::next(found), last, isOfBone) == last)
-        return *found;
-    return *std::find_if(m_bindings.begin(), m_bindings.end(), isOfBone);
+    RyBoneBinding *found = nullptr;
+    int count = 0;
+    m_bindingsOfBones.visit(bone, [&](RyBoneBinding *binding) {
+        if (!isOfBone(binding))
+            return;
+        found = binding;
+        ++count;
+    });
+    return count > 1 ? *std::find_if(m_bindings.begin(), m_bindings.end(), isOfBone) : found;
 }
 
 bool RySkinBinding::hasLocalMaps() const

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "rycore/base/RyPointerTable.h"
 #include "rycore/scene/RyModifier.h"
 #include "rycore/skin/RyBoneBinding.h"
 #include "rycore/skin/RySkinBulges.h"
 #include "rycore/skin/RySkinDeformer.h"
-
-#include <QMultiHash>
 
 class RyNode;
 class RyShapeNormals;
@@ -133,7 +132,7 @@ private:
         bool local = false;
     };
     std::vector<RyBoneBinding *> m_bindings; // each counted once
-    QMultiHash<const RyNode *, RyBoneBinding *> m_bindingsOfBones;
+    RyPointerTable<RyBoneBinding *> m_bindingsOfBones;
     quint64 m_listRevision = 1;
     bool m_localKind = false;
     bool m_generalKind = false;

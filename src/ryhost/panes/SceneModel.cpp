@@ -277,8 +277,10 @@ QVariant SceneModel::data(const QModelIndex &index, int role) const
     RyNode *node = nodeAt(index);
     if (!node)
         return {};
-    if (role == Qt::UserRole)
+    if (role == NodeRole)
         return QVariant::fromValue(QPointer<RyNode>(node));
+    if (role == SelectedRole)
+        return node->isSelected();
     return index.column() == LabelColumn ? labelData(*node, role) : visibleData(*node, role);
 }
 

@@ -19,6 +19,8 @@ class SceneModel : public QAbstractItemModel
     Q_OBJECT
 public:
     enum Column { LabelColumn = 0, VisibleColumn = 1, ColumnCount };
+    /// What `data` knows beside the roles of Qt: the node (QPointer<RyNode>), whether it is selected in the scene.
+    enum Role { NodeRole = Qt::UserRole, SelectedRole };
     explicit SceneModel(RyScene *scene, QObject *parent = nullptr);
     ~SceneModel() override;
 

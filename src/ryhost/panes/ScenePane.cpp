@@ -147,8 +147,11 @@ void ScenePane::showSelection()
     if (RyNode *primary = m_scene->getPrimarySelection()) {
         const QModelIndex index = indexOf(primary);
         if (index.isValid()) {
+            // A view that can be seen moves to a row that becomes current.
+            const bool movesByItself = m_tree->isVisible() && m_tree->currentIndex() != index;
             m_tree->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
-            m_tree->scrollTo(index);
+            if (!movesByItself)
+                m_tree->scrollTo(index);
         }
     }
 }

@@ -104,6 +104,32 @@ void SceneTree::resizeEvent(QResizeEvent *event)
     fitColumn();
 }
 
+void SceneTree::drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    cell.showDecorationSelected = true;
+    cell.viewItemPosition = QStyleOptionViewItem::OnlyOne;
+    cell.state.setFlag(QStyle::State_Selected, index.data(SceneModel::SelectedRole).toBool());
+    for (const SceneModel::Column column : {SceneModel::VisibleColumn, SceneModel::LabelColumn}) {
+        const QModelIndex at = index.siblingAtColumn(column);
+        cell.state.setFlag(QStyle::State_HasFocus, hasFocus() && at == currentIndex());
+        cell.rect.setLeft(columnViewportPosition(column));
+        cell.rect.setWidth(columnWidth(column));
+        if (column == SceneModel::LabelColumn) {
+            const QRect whole = cell.rect;
+            cell.rect.setWidth(whole.width() - visualRect(at).width());
+            if (isRightToLeft())
+                cell.rect.moveRight(whole.right());
+            if (style()->styleHint(QStyle::SH_ItemView_ShowDecorationSelected, nullptr, this))
+                style()->drawPrimitive(QStyle::PE_PanelItemViewRow, &cell, painter, this);
+            drawBranches(painter, cell.rect, index);
+            const int indentation = cell.rect.width();
+            cell.rect = isRightToLeft() ? whole.adjusted(0, 0, -indentation, 0) : whole.adjusted(indentation, 0, 0, 0);
+        }
+        itemDelegate(at)->paint(painter, cell, at);
+    }
+}
+
 void SceneTree::drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const
 {
     if (!model()->hasChildren(index))

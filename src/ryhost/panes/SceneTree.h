@@ -19,6 +19,9 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    /// Selected is what the scene says. The view would ask the selection for each cell, which has a range for each
+    /// level of a chain and looks all of them through.
+    void drawRow(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     /// The arrow of the row alone: the style has nothing to show for the levels above, and there may be thousands.
     void drawBranches(QPainter *painter, const QRect &rect, const QModelIndex &index) const override;
 
