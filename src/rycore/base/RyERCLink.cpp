@@ -93,7 +93,8 @@ void RyERCLink::remove(RyERCLink *link)
 
 float RyERCLink::contribution() const
 {
-    return m_controller ? m_controller->getValue() - m_controller->getDefaultValue() : 0.0f;
+    const RyFloatProperty *controller = getController();
+    return controller ? controller->getValue() - controller->getDefaultValue() : 0.0f;
 }
 
 void RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
@@ -110,6 +111,8 @@ void RyERCLink::attach(const std::shared_ptr<RyERCLink> &link)
 void RyERCLink::insert(const std::shared_ptr<RyERCLink> &link)
 {
     link->m_self = link;
+    link->m_attachedController = link->m_controller;
+    link->m_attachedControlled = link->m_controlled;
     const auto put = [&](std::vector<RyERCLink *> &links, size_t place) {
         links.insert(links.begin() + std::ptrdiff_t(std::min(place, links.size())), link.get());
     };
@@ -139,6 +142,8 @@ void RyERCLink::detach(bool announce)
     const std::shared_ptr<RyERCLink> keep = std::exchange(m_self, nullptr);
     if (!keep)
         return;
+    m_attachedController = nullptr;
+    m_attachedControlled = nullptr;
     const auto take = [this](std::vector<RyERCLink *> &links) {
         const auto place = std::find(links.begin(), links.end(), this);
         return size_t(links.erase(place) - links.begin());

@@ -32,8 +32,9 @@ public:
         Deletion &operator=(const Deletion &) = delete;
     };
 
-    RyFloatProperty *getController() const { return m_controller; }
-    RyFloatProperty *getControlled() const { return m_controlled; }
+    /// Null where it is gone, of a link that undo steps alone hold.
+    RyFloatProperty *getController() const { return isAttached() ? m_attachedController : m_controller.data(); }
+    RyFloatProperty *getControlled() const { return isAttached() ? m_attachedControlled : m_controlled.data(); }
     float contribution() const;
 
 private:
@@ -41,12 +42,15 @@ private:
     struct AttachedValue;
     RyERCLink(RyFloatProperty *controller, RyFloatProperty *controlled);
     ~RyERCLink() = default;
-    bool isAttached() const { return m_self != nullptr; }
+    bool isAttached() const { return m_attachedController; }
     /// Does nothing where the properties are gone or the link would repeat another or close a circle.
     static void attach(const std::shared_ptr<RyERCLink> &link);
     static void insert(const std::shared_ptr<RyERCLink> &link);
     void detach(bool announce = true);
 
+    // While attached it goes before its properties do. Walks along links ask for nothing else.
+    RyFloatProperty *m_attachedController = nullptr;
+    RyFloatProperty *m_attachedControlled = nullptr;
     QPointer<RyFloatProperty> m_controller;
     QPointer<RyFloatProperty> m_controlled;
     // Where it stood in the lists of the properties when it was detached; at first behind all.
