@@ -1,6 +1,7 @@
 #include "support/RyTest.h"
 
 #include "rycore/base/RyERCLink.h"
+#include "rycore/base/RyLinkGraph.h"
 #include "rycore/base/RyPropertyGroup.h"
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
@@ -24,7 +25,11 @@ class RyERCLinkTest : public QObject
 
 private slots:
     void init() { ryUndoStack()->clearAll(); }
-    void cleanup() { ryUndoStack()->clearAll(); }
+    void cleanup()
+    {
+        ryUndoStack()->clearAll();
+        QCOMPARE(RyLinkGraph::linkCount(), 0); // all properties of the test are gone
+    }
 
     void addsControllerMinusItsDefault()
     {
@@ -444,6 +449,7 @@ private slots:
                     QCOMPARE(heard[size_t(i)], property.getValue());
                 }
                 QCOMPARE(falseAlarms, 0);
+                QCOMPARE(RyLinkGraph::linkCount(), int(plain.links.size()));
             }
         }
         QVERIFY(refused > 100 && undone > 100);

@@ -113,6 +113,7 @@ void RyERCLink::insert(const std::shared_ptr<RyERCLink> &link)
     link->m_self = link;
     link->m_attachedController = link->m_controller;
     link->m_attachedControlled = link->m_controlled;
+    RyLinkGraph::addToLinkCount(1);
     const auto put = [&](std::vector<RyERCLink *> &links, size_t place) {
         links.insert(links.begin() + std::ptrdiff_t(std::min(place, links.size())), link.get());
     };
@@ -144,6 +145,7 @@ void RyERCLink::detach(bool announce)
         return;
     m_attachedController = nullptr;
     m_attachedControlled = nullptr;
+    RyLinkGraph::addToLinkCount(-1);
     const auto take = [this](std::vector<RyERCLink *> &links) {
         const auto place = std::find(links.begin(), links.end(), this);
         return size_t(links.erase(place) - links.begin());

@@ -56,6 +56,18 @@ private:
 
 } // namespace
 
+static int s_linkCount = 0;
+
+int RyLinkGraph::linkCount()
+{
+    return s_linkCount;
+}
+
+void RyLinkGraph::addToLinkCount(int links)
+{
+    s_linkCount += links;
+}
+
 std::vector<RyFloatProperty *> RyLinkGraph::dependents(RyFloatProperty *property)
 {
     struct Visit

@@ -14,4 +14,10 @@ std::vector<RyFloatProperty *> dependents(RyFloatProperty *property);
 /// as the end on which less hangs.
 std::vector<const RyFloatProperty *> findWay(const RyFloatProperty *from, const RyFloatProperty *to);
 
+/// How many links are in force, of all properties there are. Who looks for links among many properties need not look
+/// where there are none.
+int linkCount();
+/// Called by the links.
+void addToLinkCount(int links);
+
 } // namespace RyLinkGraph

@@ -1,6 +1,7 @@
 #include "rycore/io/gltf/extras/RyLinkExtras.h"
 
 #include "rycore/base/RyERCLink.h"
+#include "rycore/base/RyLinkGraph.h"
 #include "rycore/io/gltf/extras/RyExtrasJson.h"
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyNamedValues.h"
@@ -257,6 +258,8 @@ std::set<const RyNode *> Reader::apply()
 std::vector<RyLinkExtras::Link> RyLinkExtras::linksOf(const std::vector<const RyNode *> &nodes)
 {
     std::vector<Link> links;
+    if (RyLinkGraph::linkCount() == 0)
+        return links;
     for (const RyNode *node : nodes) {
         for (const RyFloatProperty *property : RyNamedValues::propertiesOf(*node)) {
             for (const RyERCLink *link : property->getControllerLinks())
@@ -269,6 +272,8 @@ std::vector<RyLinkExtras::Link> RyLinkExtras::linksOf(const std::vector<const Ry
 Json RyLinkExtras::toJson(const std::vector<const RyNode *> &figures, const RyGltfNodeIndex &nodeOf,
                           QStringList *messages)
 {
+    if (RyLinkGraph::linkCount() == 0)
+        return Json();
     const std::vector<Holder> holders = holdersOf(figures, nodeOf);
     if (std::none_of(holders.begin(), holders.end(), [](const Holder &holder) { return isLinked(*holder.node); }))
         return Json();
