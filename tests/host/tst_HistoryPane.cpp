@@ -34,7 +34,7 @@ private slots:
         QVERIFY(!dock()->isVisible());
         dock()->toggleViewAction()->trigger();
         settle();
-        QVERIFY2(!list()->visibleRegion().isEmpty(), "it stands behind another pane");
+        QVERIFY2(!list()->viewport()->visibleRegion().isEmpty(), "it stands behind another pane");
     }
     void cleanup() { close(); }
 

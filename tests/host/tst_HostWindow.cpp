@@ -29,6 +29,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSortFilterProxyModel>
 #include <QStatusBar>
 #include <QToolButton>
@@ -91,6 +92,29 @@ private slots:
         for (const char *name : {"SceneTree", "SceneFilter", "ParametersPane", "ToolSettingsPane", "Viewport",
                                  "ToolStrip", "StatusText", "ActionSearch", "PoseXRotate"})
             QVERIFY2(m_window->findChild<QWidget *>(QString::fromLatin1(name)), name);
+    }
+
+    void theStyleDrawsPlainFrames()
+    {
+        // A sheet would be matched with every widget whenever one gets a parent.
+        QVERIFY(qApp->styleSheet().isEmpty());
+        const QDockWidget *scene = m_window->docks().first();
+        const QRect title(0, 0, scene->width(), scene->widget()->y());
+        QRgb before = 0;
+        for (bool dark : {true, false}) {
+            m_window->setDark(dark);
+            settle();
+            const QImage picture = m_window->docks().first()->grab(title).toImage();
+            const QRgb ground = QApplication::palette().color(QPalette::Midlight).rgb();
+            QVERIFY(ground != before);
+            before = ground;
+            for (const QPoint &corner : {title.topLeft(), title.bottomLeft(), title.topRight(), title.bottomRight()})
+                QCOMPARE(picture.pixel(corner), ground);
+            for (const QTreeView *tree : m_window->findChildren<QTreeView *>(QRegularExpression(".*(Tree|List)")))
+                QVERIFY2(!tree->isVisible() || tree->frameWidth() == 0, qPrintable(tree->objectName()));
+            const QStyle *style = m_window->style();
+            QCOMPARE(style->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent, nullptr, m_window.get()), 4);
+        }
     }
 
     void clearButtonsAreMadeWithTheFirstText()

@@ -2,11 +2,19 @@
 
 #include <QPainter>
 #include <QStyleOption>
+#include <QTreeView>
 #include <QVariant>
 #include <QWidget>
 
 #include <algorithm>
 #include <cstdlib>
+
+namespace {
+
+constexpr int DockTitleMargin = 5;
+constexpr int DockTitleIndent = 8;
+
+} // namespace
 
 HostStyle::HostStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
 
@@ -18,9 +26,65 @@ int HostStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidg
     return QProxyStyle::styleHint(hint, option, widget, returned);
 }
 
+void HostStyle::polish(QWidget *widget)
+{
+    QProxyStyle::polish(widget);
+    if (auto *tree = qobject_cast<QTreeView *>(widget))
+        tree->setFrameShape(QFrame::NoFrame);
+}
+
+int HostStyle::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const
+{
+    switch (metric) {
+    case PM_DockWidgetTitleMargin:
+        return DockTitleMargin;
+    case PM_DockWidgetSeparatorExtent:
+    case PM_ToolTipLabelFrameWidth:
+        return 4;
+    case PM_ToolBarFrameWidth:
+    case PM_ToolBarItemSpacing:
+        return 3;
+    case PM_ToolBarItemMargin:
+        return 0;
+    default:
+        break;
+    }
+    return QProxyStyle::pixelMetric(metric, option, widget);
+}
+
+void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                              const QWidget *widget) const
+{
+    switch (element) {
+    case PE_PanelTipLabel:
+        painter->save();
+        painter->setPen(option->palette.color(QPalette::Light));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+        painter->restore();
+        return;
+    case PE_IndicatorDockWidgetResizeHandle:
+        painter->fillRect(option->rect, option->palette.color(QPalette::Mid));
+        return;
+    case PE_FrameStatusBarItem:
+        return;
+    default:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
 void HostStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                             const QWidget *widget) const
 {
+    switch (element) {
+    case CE_DockWidgetTitle:
+        drawDockTitle(*option, painter, widget);
+        return;
+    case CE_ToolBar:
+        return;
+    default:
+        break;
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
     const bool isGreyCurrent =
         element == CE_MenuItem && option->state.testFlag(State_Selected) && !option->state.testFlag(State_Enabled);
@@ -43,6 +107,19 @@ void HostStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
         drawSlider(*slider, zero.toInt(), painter, widget);
     else
         QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+void HostStyle::drawDockTitle(const QStyleOption &option, QPainter *painter, const QWidget *widget) const
+{
+    painter->fillRect(option.rect, option.palette.color(QPalette::Midlight));
+    const auto *dock = qstyleoption_cast<const QStyleOptionDockWidget *>(&option);
+    if (!dock)
+        return;
+    const QRect place = subElementRect(SE_DockWidgetTitleBarText, &option, widget)
+                            .adjusted(DockTitleIndent, DockTitleMargin, -DockTitleIndent, -DockTitleMargin);
+    drawItemText(painter, place, Qt::AlignLeft | Qt::TextShowMnemonic, dock->palette,
+                 dock->state.testFlag(State_Enabled),
+                 painter->fontMetrics().elidedText(dock->title, Qt::ElideRight, place.width()), QPalette::WindowText);
 }
 
 void HostStyle::drawSlider(const QStyleOptionSlider &slider, int zeroPlace, QPainter *painter,

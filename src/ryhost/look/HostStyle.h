@@ -4,8 +4,9 @@
 
 class QStyleOptionSlider;
 
-/// Fusion with menus whose grey entries can be pointed at too, so that they can say why they are grey, and with sliders
-/// that are filled from zero on where they know their zero (`zeroPlace`).
+/// Fusion with plainer frames, with menus whose grey entries can be pointed at too, so that they can say why they are
+/// grey, and with sliders that are filled from zero on where they know their zero (`zeroPlace`). A style sheet would do
+/// for the frames, but matches its rules with every widget, anew whenever one gets a parent.
 class HostStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -14,11 +15,17 @@ public:
 
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returned) const override;
+    using QProxyStyle::polish;
+    void polish(QWidget *widget) override;
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
                             const QWidget *widget) const override;
 
 private:
+    void drawDockTitle(const QStyleOption &option, QPainter *painter, const QWidget *widget) const;
     void drawSlider(const QStyleOptionSlider &slider, int zeroPlace, QPainter *painter, const QWidget *widget) const;
 };

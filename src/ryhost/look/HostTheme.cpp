@@ -55,14 +55,6 @@ void HostTheme::apply(bool dark)
     const QPalette palette = makePalette(dark);
     QApplication::setPalette(palette);
     QToolTip::setPalette(palette);
-    qApp->setStyleSheet(QStringLiteral("QToolTip { border: 1px solid %1; padding: 3px; }"
-                                       "QDockWidget::title { padding: 5px 8px; background: %2; text-align: left; }"
-                                       "QMainWindow::separator { width: 4px; height: 4px; background: %3; }"
-                                       "QStatusBar::item { border: none; }"
-                                       "QToolBar { border: none; spacing: 3px; padding: 3px; }"
-                                       "QTreeView { border: none; }")
-                            .arg(palette.color(QPalette::Light).name(), palette.color(QPalette::Midlight).name(),
-                                 palette.color(QPalette::Mid).name()));
 }
 
 RyRenderOptions HostTheme::viewportOptions(bool dark, RyRenderOptions options)
