@@ -1,6 +1,7 @@
 #include "rycore/app/RyApp.h"
 #include "rycore/scene/RyScene.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "rycore/viewport/RyGLHeadStart.h"
 #include "ryhost/CommandLine.h"
 #include "ryhost/batch/BatchDocument.h"
 #include "ryhost/batch/BatchRuns.h"
@@ -23,6 +24,7 @@ namespace {
 
 int runWindow(const CommandLine &line)
 {
+    RyGLHeadStart::begin();
     // Batch runs find menus, boxes and steps by their texts, and are the same everywhere.
     const HostTranslations translations(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());
     HostWindow window(ryScene());

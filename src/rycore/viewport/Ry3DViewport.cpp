@@ -6,6 +6,7 @@
 #include "rycore/undo/RyUndoStackSilence.h"
 #include "rycore/viewport/RyDrawStyle.h"
 #include "rycore/viewport/RyGLContext.h"
+#include "rycore/viewport/RyGLHeadStart.h"
 #include "rycore/viewport/RyGLUtility.h"
 #include "rycore/viewport/RyOffscreenContext.h"
 #include "rycore/viewport/RyViewTool.h"
@@ -28,6 +29,7 @@ constexpr int refiningDelay = 250;
 // Without samples: frames that want some are drawn aside.
 QGLFormat viewportFormat()
 {
+    RyGLHeadStart::finish(); // before the widget makes its context
     QGLFormat format;
     format.setDepth(true);
     format.setSampleBuffers(false);

@@ -65,12 +65,9 @@ QString wayBack()
 } // namespace
 
 HostWindow::HostWindow(RyScene *scene, QWidget *parent)
-    : RyMainWindow(scene, parent), m_viewport(new Ry3DViewport(getViewportMgr(), this)),
-      m_files(new HostFiles(scene, this))
+    : RyMainWindow(scene, parent), m_files(new HostFiles(scene, this))
 {
     setObjectName(QStringLiteral("HostWindow"));
-    m_viewport->setObjectName(QStringLiteral("Viewport"));
-    m_viewport->setMinimumSize(LeastViewport);
     qApp->installEventFilter(new WheelGuard(this));
     new WindowFit(this);
     setAcceptDrops(true);
@@ -78,13 +75,12 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
     m_dark = RyAppSettings(QString::fromLatin1(SettingsGroup)).getBoolValue(QStringLiteral("Dark"), true);
     HostTheme::apply(m_dark);
     setWindowIcon(HostIcons::icon(QStringLiteral("app")));
-    m_viewport->setRenderOptions(HostTheme::viewportOptions(m_dark, m_viewport->renderOptions()));
     getViewportMgr()->addTool(new RySelectTool);
 
-    setCentralWidget(m_viewport);
-    new DialogPlaces(this, m_viewport);
     makePanes();
     makeStatusBar();
+    makeViewport(); // after the panes, so that GL is being loaded while they are made
+    layOutPanes();
     m_menus = new HostMenus(this);
     m_search = new ActionSearch(this);
     menuBar()->setCornerWidget(m_search, Qt::TopRightCorner);
@@ -135,45 +131,61 @@ void HostWindow::start()
     updateStatus();
 }
 
-QDockWidget *HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content,
-                                 Qt::DockWidgetArea area)
+void HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content)
 {
     auto *dock = new QDockWidget(title, this);
     dock->setObjectName(objectName);
     dock->setWidget(content);
-    addDockWidget(area, dock);
     // One that stands behind another would be shown without being seen.
     connect(dock->toggleViewAction(), &QAction::triggered, dock, [dock](bool isShown) {
         if (isShown)
             dock->raise();
     });
     m_docks.append(dock);
-    return dock;
+}
+
+void HostWindow::makeViewport()
+{
+    m_viewport = new Ry3DViewport(getViewportMgr(), this);
+    m_viewport->setObjectName(QStringLiteral("Viewport"));
+    m_viewport->setMinimumSize(LeastViewport);
+    m_viewport->setRenderOptions(HostTheme::viewportOptions(m_dark, m_viewport->renderOptions()));
+    setCentralWidget(m_viewport);
+    new DialogPlaces(this, m_viewport);
 }
 
 void HostWindow::makePanes()
 {
-    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
-    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     m_scenePane = new ScenePane(getScene());
     m_parametersPane = new ParametersPane(getScene());
     m_toolSettingsPane = new ToolSettingsPane;
     connect(m_parametersPane, &ParametersPane::messagePosted, this, &HostWindow::showMessage);
     connect(m_scenePane->clips(), &ClipPane::messagePosted, this, &HostWindow::showMessage);
-    QDockWidget *scene = addDock(tr("Scene"), QStringLiteral("SceneDock"), m_scenePane, Qt::LeftDockWidgetArea);
-    QDockWidget *parameters =
-        addDock(tr("Parameters"), QStringLiteral("ParametersDock"), m_parametersPane, Qt::LeftDockWidgetArea);
-    QDockWidget *settings =
-        addDock(tr("Tool Settings"), QStringLiteral("ToolSettingsDock"), m_toolSettingsPane, Qt::RightDockWidgetArea);
     m_historyPane = new HistoryPane(m_files);
     connect(m_historyPane, &HistoryPane::messagePosted, this, &HostWindow::showMessage);
-    QDockWidget *history = addDock(tr("History"), QStringLiteral("HistoryDock"), m_historyPane, Qt::LeftDockWidgetArea);
+    addDock(tr("Scene"), QStringLiteral("SceneDock"), m_scenePane);
+    addDock(tr("Parameters"), QStringLiteral("ParametersDock"), m_parametersPane);
+    addDock(tr("Tool Settings"), QStringLiteral("ToolSettingsDock"), m_toolSettingsPane);
+    addDock(tr("History"), QStringLiteral("HistoryDock"), m_historyPane);
+    m_toolStrip = new ToolStrip(getViewportMgr(), this);
+}
+
+void HostWindow::layOutPanes()
+{
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    QDockWidget *const scene = m_docks.at(0);
+    QDockWidget *const parameters = m_docks.at(1);
+    QDockWidget *const settings = m_docks.at(2);
+    QDockWidget *const history = m_docks.at(3);
+    for (QDockWidget *dock : {scene, parameters, history})
+        addDockWidget(Qt::LeftDockWidgetArea, dock);
+    addDockWidget(Qt::RightDockWidgetArea, settings);
     splitDockWidget(scene, parameters, Qt::Vertical);
     tabifyDockWidget(scene, history);
     history->hide();
     resizeDocks({scene, parameters}, {430, 330}, Qt::Vertical);
     resizeDocks({scene, settings}, {300, 350}, Qt::Horizontal);
-    m_toolStrip = new ToolStrip(getViewportMgr(), this);
     addToolBar(Qt::LeftToolBarArea, m_toolStrip);
 }
 

@@ -47,8 +47,10 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    QDockWidget *addDock(const QString &title, const QString &objectName, QWidget *content, Qt::DockWidgetArea area);
+    void addDock(const QString &title, const QString &objectName, QWidget *content);
     void makePanes();
+    void makeViewport();
+    void layOutPanes();
     void makeStatusBar();
     void saveLayout();
     void restoreLayout();
@@ -57,7 +59,7 @@ private:
     void fileOpened();
     void openDropped(QStringList paths);
 
-    Ry3DViewport *m_viewport;
+    Ry3DViewport *m_viewport = nullptr;
     HostFiles *m_files;
     ScenePane *m_scenePane = nullptr;
     ParametersPane *m_parametersPane = nullptr;
