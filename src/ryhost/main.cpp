@@ -12,6 +12,7 @@
 #include "ryhost/recovery/recoverUnsavedWork.h"
 #include "ryhost/start/HostTranslations.h"
 #include "ryhost/start/HostVersion.h"
+#include "ryhost/start/startMemory.h"
 #include "ryhost/window/HostWindow.h"
 
 #include <QApplication>
@@ -28,7 +29,6 @@ int runWindow(const CommandLine &line)
     // Batch runs find menus, boxes and steps by their texts, and are the same everywhere.
     const HostTranslations translations(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());
     HostWindow window(ryScene());
-    window.start();
     window.show();
     Autosave autosave(*ryScene(), *window.files());
     QObject::connect(&autosave, &Autosave::messagePosted, &window, &HostWindow::showMessage);
@@ -80,6 +80,7 @@ int main(int argc, char **argv)
         return runBatch(line.batchArguments,
                         [&argc, argv](const std::function<int()> &work) { return runApplication(argc, argv, work); });
     case CommandLine::Window:
+        prepareStartMemory();
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
             qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
             std::fputs("ryhost: there is no display to open a window on. ryhost --batch works without one.\n", stderr);

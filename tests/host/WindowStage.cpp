@@ -28,7 +28,6 @@ bool WindowStage::openAgain()
     qputenv("RYHOST_PLUGIN_PATH",
             m_plugins == Plugins::All ? QByteArray(RY_BINARY_DIR) + "/plugins" : m_folder.path().toLocal8Bit());
     m_window = std::make_unique<HostWindow>(m_scene);
-    m_window->start();
     m_window->show();
     if (!m_folder.isValid() || !QTest::qWaitForWindowExposed(m_window.get()))
         return false;

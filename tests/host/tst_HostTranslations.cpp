@@ -28,7 +28,6 @@ class HostTranslationsTest : public QObject
     static QStringList menuTexts()
     {
         HostWindow window(ryScene());
-        window.start();
         QStringList texts;
         for (const QAction *menu : window.menuBar()->actions())
             texts.append(menu->text());
@@ -87,7 +86,6 @@ private slots:
                                       {"Rotation Order XYZ", QStringLiteral("Drehfolge XYZ")}}));
         const HostTranslations translations(m_folder->path(), QLocale(QStringLiteral("de_DE")));
         HostWindow window(ryScene());
-        window.start();
         RyAction *order = window.getActionMgr()->findAction(QStringLiteral("RyJERotationOrderXYZAction"));
         const RyAction *action = window.getActionMgr()->findAction(QStringLiteral("RyJEAlignNodeAction"));
         QVERIFY2(action, "the plug-in is built before this program and must be found");

@@ -69,7 +69,6 @@ private slots:
     void messageTakesThePlaceOfTheHint()
     {
         m_window = std::make_unique<HostWindow>(m_scene); // in which nothing was opened yet
-        m_window->start();
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
         QStatusBar *bar = m_window->statusBar();

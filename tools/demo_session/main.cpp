@@ -13,7 +13,6 @@ namespace {
 int playSession(const QString &folder, const QString &foreign)
 {
     HostWindow window(ryScene());
-    window.start();
     window.show();
     return DemoSession(window, folder, foreign).run();
 }

@@ -169,6 +169,7 @@ void ClipList::setFilter(const QString &text)
 
 QSize ClipList::sizeHint() const
 {
+    ensurePolished(); // the style takes the frame away
     constexpr int FewestRows = 3, MostRows = 8;
     const int rows = int(m_rows.size() + m_branches.size());
     const int height = std::clamp(rows, FewestRows, MostRows) * std::max(sizeHintForRow(0), fontMetrics().height());

@@ -79,18 +79,13 @@ HostWindow::HostWindow(RyScene *scene, QWidget *parent)
 
     makePanes();
     makeStatusBar();
-    makeViewport(); // after the panes, so that GL is being loaded while they are made
+    startPlugins();
+    makeViewport(); // last of what is large, so that GL is being loaded while the rest is made
     layOutPanes();
     m_menus = new HostMenus(this);
     m_search = new ActionSearch(this);
     menuBar()->setCornerWidget(m_search, Qt::TopRightCorner);
 
-    connect(getViewportMgr(), &RyViewportMgr::activeToolChanged, this, [this](RyViewTool *tool) {
-        m_toolSettingsPane->showTool(tool);
-        if (tool)
-            connect(tool, &RyViewTool::statusTextChanged, this, &HostWindow::updateStatus, Qt::UniqueConnection);
-        updateStatus();
-    });
     connect(m_files, &HostFiles::titleChanged, this, &HostWindow::updateTitle);
     connect(m_files, &HostFiles::pathChanged, this, &HostWindow::updateStatus);
     connect(m_files, &HostFiles::opened, this, &HostWindow::fileOpened);
@@ -121,14 +116,18 @@ HostWindow::~HostWindow()
     unloadPlugins();
 }
 
-void HostWindow::start()
+void HostWindow::startPlugins()
 {
-    loadHostPlugins(*this);
     RyViewportMgr *viewports = getViewportMgr();
+    connect(viewports, &RyViewportMgr::activeToolChanged, this, [this](RyViewTool *tool) {
+        m_toolSettingsPane->showTool(tool);
+        if (tool)
+            connect(tool, &RyViewTool::statusTextChanged, this, &HostWindow::updateStatus, Qt::UniqueConnection);
+        updateStatus();
+    });
+    loadHostPlugins(*this);
     RyViewTool *tool = viewports->findTool(QString::fromLatin1(JointEditorTool));
     viewports->setActiveTool(tool ? tool : viewports->findTool(QStringLiteral("RySelectTool")));
-    m_menus->refresh();
-    updateStatus();
 }
 
 void HostWindow::addDock(const QString &title, const QString &objectName, QWidget *content)

@@ -13,7 +13,7 @@ class ScenePane;
 class ToolSettingsPane;
 class ToolStrip;
 
-/// The window: the viewport with its panes about it.
+/// The window: the viewport with its panes about it, and the plug-ins.
 class HostWindow : public RyMainWindow
 {
     Q_OBJECT
@@ -30,8 +30,6 @@ public:
     QList<QDockWidget *> docks() const { return m_docks; }
     QLabel *statusLabel() const { return m_status; }
 
-    /// Loads the plug-ins and activates the joint editor where there is one.
-    void start();
     bool isDark() const { return m_dark; }
 
 public slots:
@@ -49,6 +47,8 @@ protected:
 private:
     void addDock(const QString &title, const QString &objectName, QWidget *content);
     void makePanes();
+    /// Activates the joint editor where there is one.
+    void startPlugins();
     void makeViewport();
     void layOutPanes();
     void makeStatusBar();

@@ -1,0 +1,28 @@
+#include "ryhost/start/startMemory.h"
+
+#include "rycore/math/RyLargePages.h"
+
+#include <cstdlib>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+void prepareStartMemory()
+{
+#ifdef __GLIBC__
+    // What the C library comes to by itself once large blocks were freed.
+    constexpr int LargestMapped = 32 << 20, MostKept = 64 << 20;
+    // What is never touched takes no memory.
+    constexpr int Start = 48 << 20, UsualPad = 128 << 10;
+    mallopt(M_MMAP_THRESHOLD, LargestMapped);
+    mallopt(M_TRIM_THRESHOLD, MostKept);
+    mallopt(M_TOP_PAD, Start);
+    constexpr std::size_t MoreThanIsLeft = std::size_t(1) << 20;
+    void *const first = std::malloc(MoreThanIsLeft);
+    mallopt(M_TOP_PAD, UsualPad);
+    if (first)
+        RyLargePages::prefer(first, std::size_t(Start));
+    std::free(first);
+#endif
+}
