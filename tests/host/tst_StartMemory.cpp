@@ -22,14 +22,21 @@ private slots:
         program.setProcessEnvironment(environment);
         program.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), QStringList());
         QVERIFY(program.waitForStarted());
-        bool isLarge = false;
-        QTRY_VERIFY((isLarge = heapHasLargePages(program.processId())) || program.state() != QProcess::Running);
+        QTRY_VERIFY(heapHasLargePages(program.processId()) == canHaveLargePages());
         program.kill();
         program.waitForFinished();
-        QVERIFY(isLarge);
     }
 
 private:
+    static bool canHaveLargePages()
+    {
+#ifdef __SANITIZE_ADDRESS__
+        return false; // it has a heap of its own
+#else
+        return QFile::exists(QStringLiteral("/sys/kernel/mm/transparent_hugepage/enabled"));
+#endif
+    }
+
     static bool heapHasLargePages(qint64 process)
     {
         QFile file(QStringLiteral("/proc/%1/smaps").arg(process));

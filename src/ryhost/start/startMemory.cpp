@@ -4,13 +4,15 @@
 
 #include <cstdlib>
 
-#ifdef __GLIBC__
+// The address sanitizer has a heap of its own.
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__)
+#define RY_HAS_LIBRARY_HEAP
 #include <malloc.h>
 #endif
 
 void prepareStartMemory()
 {
-#ifdef __GLIBC__
+#ifdef RY_HAS_LIBRARY_HEAP
     // What the C library comes to by itself once large blocks were freed.
     constexpr int LargestMapped = 32 << 20, MostKept = 64 << 20;
     // What is never touched takes no memory.
