@@ -9,7 +9,7 @@ class StartMemoryTest : public QObject
 {
     Q_OBJECT
 private slots:
-    /// A third of the time until the first picture went to faults of small pages.
+    /// A fifth of the time until the first picture went to page faults.
     void theHeapBeginsWithLargePages()
     {
         const QTemporaryDir folder;
