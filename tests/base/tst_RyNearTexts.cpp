@@ -17,6 +17,8 @@ private slots:
         QCOMPARE(ryNearTexts("rig:hip", bones), QStringList("hip"));
         QCOMPARE(ryNearTexts("hop", bones), QStringList("hip"));
         QCOMPARE(ryNearTexts("hats", bones), QStringList());
+        // Dashes are no letters.
+        QCOMPARE(ryNearTexts("--verison", {"--verbose", "--version"}), QStringList("--version"));
         QCOMPARE(ryNearTexts("", bones), QStringList());
         QCOMPARE(ryNearTexts("h", bones), QStringList());
         QCOMPARE(ryNearTexts("hip", {"hip", "Hip", "hip"}), QStringList({"hip", "Hip"}));

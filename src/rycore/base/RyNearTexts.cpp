@@ -22,11 +22,13 @@ bool isPart(const QString &part, const QString &whole)
 QStringList ryNearTexts(const QString &wanted, const QStringList &known)
 {
     const QString text = wanted.toLower();
+    const auto letters = std::count_if(text.begin(), text.end(), [](QChar c) { return c.isLetterOrNumber(); });
+    const int mostSlips = std::min(3, int(letters) / 3);
     std::vector<std::pair<int, QString>> near;
     for (const QString &each : known) {
         const QString other = each.toLower();
         const int distance = ryTextDistance(text, other);
-        if (isPart(text, other) || isPart(other, text) || distance <= std::min(3, int(text.size()) / 3))
+        if (isPart(text, other) || isPart(other, text) || distance <= mostSlips)
             near.emplace_back(distance, each);
     }
     std::stable_sort(near.begin(), near.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
