@@ -43,17 +43,20 @@ void sayLeftOut(const RyForeignInput &input, const QString &what, QStringList na
                            names.size() > most ? QStringLiteral(" and %1 more").arg(names.size() - most) : QString()));
 }
 
-/// Nothing where it cannot be read: the importers' library says why.
-QByteArray bytesOf(const QString &path)
+/// In place, while the file is open. Nothing where it cannot be read: the importers' library says why.
+QByteArray bytesOf(QFile &file)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.size() < INT_MAX ? file.readAll() : QByteArray();
+    if (!file.open(QIODevice::ReadOnly) || file.size() >= INT_MAX)
+        return {};
+    const uchar *bytes = file.map(0, file.size());
+    return bytes ? QByteArray::fromRawData(reinterpret_cast<const char *>(bytes), int(file.size())) : QByteArray();
 }
 
 /// What is to be read in the place of the file, or nothing.
 QByteArray knowFbx(RyForeignInput &input)
 {
-    const QByteArray bytes = bytesOf(input.path);
+    QFile file(input.path);
+    const QByteArray bytes = bytesOf(file);
     const RyFbxObjects objects(bytes);
     input.joints = objects.limbs;
     input.channelsOf = objects.channelsOf;
@@ -102,11 +105,10 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
     input.notes = &result.notes;
     const std::optional<RyColladaMorphs> morphs =
         input.kind == RyForeignInput::Collada ? std::make_optional<RyColladaMorphs>(input.path) : std::nullopt;
-    const QByteArray instead = input.kind == RyForeignInput::Fbx ? knowFbx(input)
-                               : morphs                          ? morphs->text
-                                                                 : QByteArray();
+    QByteArray instead = input.kind == RyForeignInput::Fbx ? knowFbx(input) : morphs ? morphs->text : QByteArray();
     input.scene = file.read(
         request.path, instead, [&](double done) { return tell(readingShare * done); }, &result.error);
+    instead.clear(); // its memory is soon wanted for other things
     if (!input.scene)
         return false;
     if (morphs && !morphs->text.isEmpty())
