@@ -30,6 +30,23 @@ QByteArray freeName(int length, const QSet<QByteArray> &taken)
     return {};
 }
 
+/// In text form no line that is looked for is longer, so that a file without line ends costs no more than others.
+constexpr int LongestLine = 4096;
+
+/// In place.
+QByteArray partOf(const QByteArray &text, int from, int to)
+{
+    from = std::max(0, from);
+    return QByteArray::fromRawData(text.constData() + from, std::max(0, std::min(to, text.size()) - from));
+}
+
+QByteArray restOfLine(const QByteArray &text, int at)
+{
+    const QByteArray rest = partOf(text, at, at + LongestLine);
+    const int end = rest.indexOf('\n');
+    return end < 0 ? rest : partOf(text, at, at + end);
+}
+
 } // namespace
 
 RyFbxObjects::RyFbxObjects(const QByteArray &bytes) : m_bytes(bytes), m_records(m_bytes)
@@ -181,11 +198,12 @@ void RyFbxObjects::forNamesInText(const QByteArray &kind, const Work &work) cons
 {
     const QByteArray before = '"' + kind + "::";
     for (int at = m_bytes.indexOf(before); at >= 0; at = m_bytes.indexOf(before, at + 1)) {
-        const int line = m_bytes.lastIndexOf('\n', at) + 1;
+        const QByteArray above = partOf(m_bytes, at - LongestLine, at);
+        const QByteArray line = above.mid(above.lastIndexOf('\n') + 1);
         const int nameAt = at + before.size();
-        const int end = m_bytes.indexOf('"', nameAt);
-        if (end >= 0 && m_bytes.mid(line, at - line).trimmed().startsWith(kind + ':'))
-            work(nameAt, m_bytes.mid(nameAt, end - nameAt));
+        const int length = partOf(m_bytes, nameAt, nameAt + LongestLine).indexOf('"');
+        if (length >= 0 && line.trimmed().startsWith(kind + ':'))
+            work(nameAt, m_bytes.mid(nameAt, length));
     }
 }
 
@@ -210,10 +228,10 @@ void RyFbxObjects::forgetRangesInText()
 {
     for (const char *name : {"\"LocalStart\"", "\"LocalStop\""}) {
         for (int at = m_bytes.indexOf(name); at >= 0; at = m_bytes.indexOf(name, at + 1)) {
-            const int end = m_bytes.indexOf('\n', at);
-            const int comma = end < 0 ? -1 : m_bytes.lastIndexOf(',', end);
-            if (comma > at)
-                m_changes.push_back({comma + 1, end - comma - 1, "0"});
+            const QByteArray line = restOfLine(m_bytes, at);
+            const int comma = line.lastIndexOf(',');
+            if (comma > 0)
+                m_changes.push_back({at + comma + 1, line.size() - comma - 1, "0"});
         }
     }
 }
@@ -226,22 +244,20 @@ void RyFbxObjects::readTransformInText(qint64 from, qint64 to, Model &model)
     PlacesOf placesOf;
     for (int at = text.indexOf("P: \"", int(from)); at >= 0; at = text.indexOf("P: \"", at + 1)) {
         const int nameAt = at + 4;
-        const QByteArray name = text.mid(nameAt, std::max(0, text.indexOf('"', nameAt) - nameAt));
+        const QByteArray line = restOfLine(text, nameAt);
+        const QByteArray name = line.left(line.indexOf('"'));
         if (!RyFbxTransform::isKnown(name))
             continue;
-        int end = text.indexOf('\n', at);
-        end = end < 0 ? text.size() : end;
+        const QList<QByteArray> parts = line.split(','); // a name, a type, a label, flags, then the numbers
         RyFbxTransform::Vector value{};
         Places places;
-        int number = 0; // behind a type, a label and flags
-        for (int comma = text.indexOf(',', nameAt); comma >= 0 && comma < end && number < 7; ++number) {
-            int next = text.indexOf(',', comma + 1);
-            next = next < 0 || next > end ? end : next;
-            if (number >= 3 && places.size() < 3) {
-                value[places.size()] = text.mid(comma + 1, next - comma - 1).trimmed().toDouble();
-                places.emplace_back(comma + 1, next - comma - 1);
+        int partAt = nameAt;
+        for (int i = 0; i < parts.size() && places.size() < value.size(); ++i) {
+            if (i >= 4) {
+                value[places.size()] = parts.at(i).trimmed().toDouble();
+                places.emplace_back(partAt, parts.at(i).size());
             }
-            comma = next == end ? -1 : next;
+            partAt += parts.at(i).size() + 1;
         }
         transform.add(name, value);
         placesOf.insert(name, places);

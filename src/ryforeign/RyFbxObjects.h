@@ -11,7 +11,7 @@
 class RyFbxObjects
 {
 public:
-    /// As far as the file is whole; of an FBX file in text form the names alone.
+    /// As far as the file is whole; of an FBX file in text form names, pivots and ranges alone.
     explicit RyFbxObjects(const QByteArray &bytes);
 
     QSet<QString> limbs;                                              // names of nodes, as they are after renaming

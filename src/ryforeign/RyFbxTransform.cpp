@@ -53,7 +53,8 @@ bool RyFbxTransform::isKnown(const QByteArray &name)
 
 void RyFbxTransform::add(const QByteArray &name, const Vector &value)
 {
-    if (std::all_of(value.begin(), value.end(), [](double part) { return std::isfinite(part); }))
+    constexpr double largest = 1e30; // the library has such numbers with four bytes
+    if (std::all_of(value.begin(), value.end(), [](double part) { return std::abs(part) <= largest; }))
         m_values.insert(name, value);
 }
 

@@ -48,6 +48,7 @@ private slots:
         QCOMPARE(m_window->windowTitle(), QStringLiteral("mannequin.glb[*] - ryhost"));
         QVERIFY(!m_window->isWindowModified());
         QVERIFY(m_window->getViewportMgr()->getActiveTool());
+        QCOMPARE(QApplication::focusWidget(), m_window->viewport()); // F frames, as the status bar says
         QVERIFY(!m_window->statusLabel()->text().isEmpty());
         QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("UnitStatus"))->text(),
                  QStringLiteral("1 file unit = 100 cm"));

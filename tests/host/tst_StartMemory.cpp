@@ -22,7 +22,10 @@ private slots:
         program.setProcessEnvironment(environment);
         program.start(QStringLiteral(RY_BINARY_DIR "/bin/ryhost"), QStringList());
         QVERIFY(program.waitForStarted());
-        QTRY_VERIFY(heapHasLargePages(program.processId()) == canHaveLargePages());
+        if (canHaveLargePages())
+            QTRY_VERIFY(heapHasLargePages(program.processId()));
+        else // of a sanitizer, which has a heap of its own, or without such pages it starts all the same
+            QVERIFY(!program.waitForFinished(2000));
         program.kill();
         program.waitForFinished();
     }

@@ -58,10 +58,11 @@ private:
         int place = -1;
     };
 
-    /// Hashes of numbers and pointers are often multiples of something.
+    /// Hashes of numbers and pointers are often multiples of something. The seed is of this process: no file can be
+    /// made of names that meet.
     static quint32 hashOf(const Key &key)
     {
-        quint32 hash = qHash(key);
+        quint32 hash = qHash(key, uint(qGlobalQHashSeed()));
         hash = (hash ^ (hash >> 16)) * 0x45d9f3bu;
         hash = (hash ^ (hash >> 16)) * 0x45d9f3bu;
         return hash ^ (hash >> 16);

@@ -15,10 +15,12 @@ RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float de
 
 RyFloatProperty::~RyFloatProperty()
 {
-    while (!m_incoming.empty())
-        m_incoming.back()->detach(false);
-    while (!m_outgoing.empty())
-        m_outgoing.back()->detach();
+    while (!m_incoming.empty() || !m_outgoing.empty()) { // who hears of one that goes may make another
+        while (!m_incoming.empty())
+            m_incoming.back()->detach(false);
+        if (!m_outgoing.empty())
+            m_outgoing.back()->detach();
+    }
 }
 
 float RyFloatProperty::linkedShare() const

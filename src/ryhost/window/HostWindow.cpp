@@ -151,6 +151,7 @@ void HostWindow::makeViewport()
     m_viewport->setRenderOptions(HostTheme::viewportOptions(m_dark, m_viewport->renderOptions()));
     setCentralWidget(m_viewport);
     new DialogPlaces(this, m_viewport);
+    m_viewport->setFocus(); // its keys work at once; the panes were made before it
 }
 
 void HostWindow::makePanes()
