@@ -104,6 +104,40 @@ private slots:
         QCOMPARE(dump(), before);
     }
 
+    /// A step is redone and undone where its lists have lost members; with these back, it puts all where it did.
+    void placesOfAStepOutliveShorterLists()
+    {
+        RyBone *parent = figure()->findBone(QStringLiteral("chest"));
+        const std::vector<RyNode *> siblings = parent->nodeChildrenIterator();
+        QVERIFY(siblings.size() > 1);
+        {
+            RyUndoStackHold hold;
+            addBoundBone(parent);
+            hold.accept(QStringLiteral("Add"));
+        }
+        const QString added = dump();
+        ryUndoStack()->undo();
+        const QString before = dump();
+        ToyAction action(QStringLiteral("Delete"), [&siblings] {
+            RyUndoStackLock lock;
+            for (RyNode *sibling : siblings) {
+                std::vector<RyNode *> nodes{sibling};
+                sibling->getNodeChildren(nodes, true);
+                for (RyNode *node : nodes)
+                    skin()->removeBoneBinding(skin()->findBoneBinding(node));
+                ryScene()->removeNode(sibling);
+            }
+        });
+        action.trigger();
+        ryUndoStack()->redo();
+        ryUndoStack()->undo();
+        QCOMPARE(ryRestorePoints()->count(), 1);
+        QVERIFY(ryRestorePoints()->restore(0));
+        QCOMPARE(dump(), before);
+        ryUndoStack()->redo();
+        QCOMPARE(dump(), added);
+    }
+
     void randomCommands();
 
 private:
@@ -125,6 +159,18 @@ private:
     {
         const auto &bindings = skin()->bindings();
         return bindings[m_random() % bindings.size()]->getWeights();
+    }
+    void addBoundBone(RyBone *parent)
+    {
+        auto *fresh = new RyBone;
+        fresh->setName(QStringLiteral("fresh%1").arg(++m_number));
+        parent->addNodeChild(fresh);
+        ryScene()->addNode(fresh);
+        auto *binding = new RyBoneBinding;
+        binding->setBone(fresh);
+        binding->setWeights(someMap()->copy());
+        skin()->addBoneBinding(binding);
+        skin()->normalize(0, RySkinBinding::GeneralWeights, false);
     }
     void editValues();
     void editStructure();
@@ -172,19 +218,9 @@ void RestoredFiguresTest::editStructure()
         if (figure()->getAllBones().size() > 4)
             deleteBone(bone);
         break;
-    case 1: {
-        auto *fresh = new RyBone;
-        fresh->setName(QStringLiteral("fresh%1").arg(++m_number));
-        bone->addNodeChild(fresh);
-        ryScene()->addNode(fresh);
-        auto *binding = new RyBoneBinding;
-        binding->setBone(fresh);
-        auto *map = someMap()->copy();
-        binding->setWeights(map);
-        skin()->addBoneBinding(binding);
-        skin()->normalize(0, RySkinBinding::GeneralWeights, false);
+    case 1:
+        addBoundBone(bone);
         break;
-    }
     case 2: {
         RyBone *other = someBone();
         if (other != bone && !other->isDescendantOf(bone))

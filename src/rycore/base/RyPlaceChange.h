@@ -35,10 +35,12 @@ public:
         const int now = List::has(*m_owner, *member) ? placeIn(List::of(*m_owner), member) : -1;
         if (now >= 0)
             List::take(*m_owner, member, now);
-        if (m_index >= 0)
-            List::insert(*m_owner, member, m_index);
-        m_lastPlace = m_index;
-        m_index = now;
+        const int wanted = m_index;
+        if (wanted >= 0)
+            List::insert(*m_owner, member, wanted);
+        m_index = now == m_lastPlace ? m_wanted : now;
+        m_wanted = wanted;
+        m_lastPlace = std::min(wanted, int(List::of(*m_owner).size()) - 1);
         List::moved(*m_owner);
     }
 
@@ -54,7 +56,10 @@ private:
     QPointer<Owner> m_owner;
     RyRef<Member> m_member;
     int m_index;
+    // Where the last swap put it. In a shorter list that is not where it was wanted, and a swap back and forth must not
+    // forget that: the next list may be the longer one again.
     int m_lastPlace = -1;
+    int m_wanted = -1;
 };
 
 /// What most lists have in common.

@@ -65,28 +65,57 @@ void RyNodeTree::forgetSkeleton()
     }
 }
 
-/// The parent of a node and its place among the siblings. It counts while a step may bring it back.
-struct RyNodeTree::ParentValue : RyOrderedValueOf<RyNode, std::pair<RyRef<RyNode>, int>, RyRef<RyNode>>
+namespace {
+
+/// A place in a tree. It counts the parent.
+struct Place
 {
-    static Value get(const RyNode &node)
+    RyRef<RyNode> parent;
+    int index = -1;
+    bool operator==(const Place &o) const { return parent.get() == o.parent.get() && index == o.index; }
+};
+
+/// Where undo puts a node, and, of the last time, where it was wanted and where it came to stand. Among fewer siblings
+/// the two differ, and going back and forth must not forget that: the next time there may be all of them.
+struct PlaceChange
+{
+    Place place;
+    Place wanted = {};
+    Place reached = {};
+};
+
+} // namespace
+
+/// The parent of a node and its place among the siblings.
+struct RyNodeTree::ParentValue : RyOrderedValueOf<RyNode, PlaceChange, RyRef<RyNode>>
+{
+    static Place placeOf(const RyNode &node)
     {
         RyNode *parent = node.m_tree.m_parent;
         if (!parent)
-            return {nullptr, -1};
+            return {};
         const std::vector<RyNode *> &siblings = parent->m_tree.m_children;
-        const auto place = std::find(siblings.begin(), siblings.end(), &node);
-        return {parent, int(place - siblings.begin())};
+        return {RyRef<RyNode>(parent), int(std::find(siblings.begin(), siblings.end(), &node) - siblings.begin())};
     }
-    static void put(RyNode &node, const Value &value)
+    static void moveTo(RyNode &node, const Place &place)
     {
-        const RyRef<RyNode> now(node.m_tree.m_parent);
-        RyNode *parent = value.first.get();
-        if (now)
-            now->m_tree.detach(&node);
+        const RyRef<RyNode> before(node.m_tree.m_parent);
+        RyNode *parent = place.parent.get();
+        if (before)
+            before->m_tree.detach(&node);
         if (parent && parent != &node && !parent->isDescendantOf(&node))
-            parent->m_tree.attach(&node, std::min(value.second, parent->getNumNodeChildren()));
+            parent->m_tree.attach(&node, std::min(place.index, parent->getNumNodeChildren()));
         if (RyScene *scene = node.getScene())
             emit scene->nodeListChanged();
+    }
+    static Value get(const RyNode &node) { return {placeOf(node)}; }
+    static void exchange(RyNode &node, Value &change)
+    {
+        Place before = placeOf(node);
+        if (before == change.reached)
+            before = std::move(change.wanted);
+        moveTo(node, change.place);
+        change = {std::move(before), std::move(change.place), placeOf(node)};
     }
 };
 
