@@ -12,6 +12,7 @@
 #include "ryhost/start/startMemory.h"
 #include "ryhost/window/HostWindow.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QGLWidget>
 #include <QProcess>
@@ -56,6 +57,7 @@ int showEmptyWidget(QApplication &application)
 /// What the program does without arguments.
 int showWindow(QApplication &application)
 {
+    QAccessible::isActive();
     RyGLHeadStart::begin();
     RyApp::setDefaultHomePath(QStringLiteral(RY_RESOURCES_DIR));
     HostWindow window(ryScene());

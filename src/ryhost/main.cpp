@@ -15,6 +15,7 @@
 #include "ryhost/start/startMemory.h"
 #include "ryhost/window/HostWindow.h"
 
+#include <QAccessible>
 #include <QApplication>
 
 #include <csignal>
@@ -25,6 +26,9 @@ namespace {
 
 int runWindow(const CommandLine &line)
 {
+    // Asks for the bus of the session, which starts a process where there is none: soonest done while this one is
+    // small.
+    QAccessible::isActive();
     RyGLHeadStart::begin();
     // Batch runs find menus, boxes and steps by their texts, and are the same everywhere.
     const HostTranslations translations(RyApp::getHomePath() + QStringLiteral("/translations"), QLocale::system());

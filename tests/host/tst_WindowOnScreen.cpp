@@ -27,6 +27,7 @@
 #include <QSortFilterProxyModel>
 #include <QSpinBox>
 #include <QStatusBar>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -222,10 +223,12 @@ private slots:
         // Held before, as menus, buttons and lists hold them.
         const QIcon menu = action("FileOpen")->icon();
         const QIcon strip = action("Tool_RyJointEditorTool")->icon();
+        // Of what has no room in the strip.
+        const QIcon more = m_window->findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button"))->icon();
         const QIcon list = indexOf(m_scene->findNode(QStringLiteral("hip"))).data(Qt::DecorationRole).value<QIcon>();
         for (bool dark : {true, false, true}) {
             m_window->setDark(dark);
-            for (const QIcon &icon : {menu, strip, list})
+            for (const QIcon &icon : {menu, strip, more, list})
                 QCOMPARE(lightnessOf(icon) > 128, dark);
         }
         // What the strip shows on the screen, not only what it holds.

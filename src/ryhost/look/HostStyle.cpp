@@ -1,5 +1,7 @@
 #include "ryhost/look/HostStyle.h"
 
+#include "ryhost/look/HostIcons.h"
+
 #include <QPainter>
 #include <QStyleOption>
 #include <QTreeView>
@@ -24,6 +26,18 @@ int HostStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidg
     if (hint == SH_Menu_AllowActiveAndDisabled)
         return 1;
     return QProxyStyle::styleHint(hint, option, widget, returned);
+}
+
+QIcon HostStyle::standardIcon(StandardPixmap which, const QStyleOption *option, const QWidget *widget) const
+{
+    switch (which) {
+    case SP_ToolBarHorizontalExtensionButton:
+        return HostIcons::icon(QStringLiteral("more-right"));
+    case SP_ToolBarVerticalExtensionButton:
+        return HostIcons::icon(QStringLiteral("more-down"));
+    default:
+        return QProxyStyle::standardIcon(which, option, widget);
+    }
 }
 
 void HostStyle::polish(QWidget *widget)
