@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace {
 
@@ -16,7 +17,9 @@ QByteArray freeName(int length, const QSet<QByteArray> &taken)
         qint64 rest = number;
         for (int i = length; i-- > 0; rest /= digits.size())
             name[i] = digits[int(rest % digits.size())];
-        if (rest == 0 && !taken.contains(name))
+        if (rest != 0)
+            break;
+        if (!taken.contains(name))
             return name;
     }
     // Short names: from the start.
@@ -30,21 +33,45 @@ QByteArray freeName(int length, const QSet<QByteArray> &taken)
     return {};
 }
 
-/// In text form no line that is looked for is longer, so that a file without line ends costs no more than others.
-constexpr int LongestLine = 4096;
+/// In text form no name or property that is looked for is longer, so that a prepared file costs no more than others.
+constexpr int LongestProperty = 4096;
+
+constexpr std::string_view Blanks = " \t\r\n";
 
 /// In place.
-QByteArray partOf(const QByteArray &text, int from, int to)
+std::string_view partOf(const QByteArray &text, qint64 from, qint64 to)
 {
-    from = std::max(0, from);
-    return QByteArray::fromRawData(text.constData() + from, std::max(0, std::min(to, text.size()) - from));
+    from = std::clamp(from, qint64(0), qint64(text.size()));
+    return {text.constData() + from, size_t(std::max(qint64(0), std::min(to, qint64(text.size())) - from))};
 }
 
-QByteArray restOfLine(const QByteArray &text, int at)
+QByteArray bytesOf(std::string_view part)
 {
-    const QByteArray rest = partOf(text, at, at + LongestLine);
-    const int end = rest.indexOf('\n');
-    return end < 0 ? rest : partOf(text, at, at + end);
+    return QByteArray(part.data(), int(part.size()));
+}
+
+/// The values of a property, in place: texts in quotes, and numbers, with commas between them. A line end means no more
+/// than a blank does: some programs write none.
+std::vector<std::string_view> valuesOf(std::string_view text, size_t most)
+{
+    std::vector<std::string_view> values;
+    const auto skipBlanks = [&text] { text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size())); };
+    for (skipBlanks(); values.size() < most; skipBlanks()) {
+        size_t size = std::min(text.find_first_of(" \t\r\n,;{}\""), text.size());
+        if (size == 0 && !text.empty() && text[0] == '"') {
+            const size_t end = text.find('"', 1);
+            if (end == text.npos)
+                break;
+            size = end + 1;
+        }
+        values.push_back(text.substr(0, size));
+        text.remove_prefix(size);
+        skipBlanks();
+        if (text.empty() || text[0] != ',')
+            break;
+        text.remove_prefix(1);
+    }
+    return values;
 }
 
 } // namespace
@@ -192,18 +219,24 @@ void RyFbxObjects::takeTransform(const RyFbxTransform &transform, const PlacesOf
     }
 }
 
-/// Of lines like  Model: 12, "Model::Hips", "LimbNode" {
+/// Of objects like  Model: 12, "Model::Hips", "LimbNode" {
 template<typename Work>
 void RyFbxObjects::forNamesInText(const QByteArray &kind, const Work &work) const
 {
-    const QByteArray before = '"' + kind + "::";
+    const QByteArray before = '"' + kind + "::", head = kind + ':';
+    const std::string_view wanted(head.constData(), size_t(head.size()));
     for (int at = m_bytes.indexOf(before); at >= 0; at = m_bytes.indexOf(before, at + 1)) {
-        const QByteArray above = partOf(m_bytes, at - LongestLine, at);
-        const QByteArray line = above.mid(above.lastIndexOf('\n') + 1);
+        std::string_view above = partOf(m_bytes, 0, at);
+        above = above.substr(0, above.find_last_not_of(" \t\r\n,-0123456789") + 1); // without the number
+        const size_t beforeHead = above.size() - std::min(above.size(), wanted.size());
+        const bool isObject =
+            above.ends_with(wanted) &&
+            (beforeHead == 0 || std::string_view(" \t\r\n{}").find(above[beforeHead - 1]) != above.npos);
         const int nameAt = at + before.size();
-        const int length = partOf(m_bytes, nameAt, nameAt + LongestLine).indexOf('"');
-        if (length >= 0 && line.trimmed().startsWith(kind + ':'))
-            work(nameAt, m_bytes.mid(nameAt, length));
+        const std::string_view name = partOf(m_bytes, nameAt, nameAt + LongestProperty);
+        const size_t length = name.find('"');
+        if (isObject && length != name.npos)
+            work(nameAt, bytesOf(name.substr(0, length)));
     }
 }
 
@@ -223,41 +256,35 @@ void RyFbxObjects::readText()
     forNamesInText("Constraint", [this](int, const QByteArray &name) { constraints.append(QString::fromUtf8(name)); });
 }
 
-/// Of lines like  P: "LocalStart", "KTime", "Time", "",1924423250
+/// Of properties like  P: "LocalStart", "KTime", "Time", "",1924423250
 void RyFbxObjects::forgetRangesInText()
 {
     for (const char *name : {"\"LocalStart\"", "\"LocalStop\""}) {
         for (int at = m_bytes.indexOf(name); at >= 0; at = m_bytes.indexOf(name, at + 1)) {
-            const QByteArray line = restOfLine(m_bytes, at);
-            const int comma = line.lastIndexOf(',');
-            if (comma > 0)
-                m_changes.push_back({at + comma + 1, line.size() - comma - 1, "0"});
+            const std::vector<std::string_view> values = valuesOf(partOf(m_bytes, at, at + LongestProperty), 5);
+            if (values.size() == 5)
+                m_changes.push_back({values[4].data() - m_bytes.constData(), int(values[4].size()), "0"});
         }
     }
 }
 
-/// Of lines like  P: "RotationPivot", "Vector3D", "Vector", "",0,12.5,0
+/// Of properties like  P: "RotationPivot", "Vector3D", "Vector", "",0,12.5,0
 void RyFbxObjects::readTransformInText(qint64 from, qint64 to, Model &model)
 {
     const QByteArray text = QByteArray::fromRawData(m_bytes.constData(), int(to));
     RyFbxTransform transform;
     PlacesOf placesOf;
     for (int at = text.indexOf("P: \"", int(from)); at >= 0; at = text.indexOf("P: \"", at + 1)) {
-        const int nameAt = at + 4;
-        const QByteArray line = restOfLine(text, nameAt);
-        const QByteArray name = line.left(line.indexOf('"'));
+        const std::string_view property = partOf(text, at + 3, at + 3 + LongestProperty);
+        const QByteArray name = bytesOf(property.substr(1, std::min(property.find('"', 1), property.size()) - 1));
         if (!RyFbxTransform::isKnown(name))
             continue;
-        const QList<QByteArray> parts = line.split(','); // a name, a type, a label, flags, then the numbers
+        const std::vector<std::string_view> values = valuesOf(property, 7); // a name, a type, a label, flags, numbers
         RyFbxTransform::Vector value{};
         Places places;
-        int partAt = nameAt;
-        for (int i = 0; i < parts.size() && places.size() < value.size(); ++i) {
-            if (i >= 4) {
-                value[places.size()] = parts.at(i).trimmed().toDouble();
-                places.emplace_back(partAt, parts.at(i).size());
-            }
-            partAt += parts.at(i).size() + 1;
+        for (size_t i = 4; i < values.size(); ++i) {
+            value[places.size()] = bytesOf(values[i]).toDouble();
+            places.emplace_back(values[i].data() - m_bytes.constData(), int(values[i].size()));
         }
         transform.add(name, value);
         placesOf.insert(name, places);
@@ -269,19 +296,24 @@ void RyFbxObjects::readTransformInText(qint64 from, qint64 to, Model &model)
 void RyFbxObjects::tellApart()
 {
     QSet<QByteArray> taken, seen;
+    QSet<int> full; // lengths of which no name is free, nor will be
     for (const Model &model : m_models)
         taken.insert(model.name);
     for (Model &model : m_models) {
         const QByteArray own = model.name;
-        if (!seen.contains(own)) {
+        const bool isKnown = seen.contains(own);
+        const QByteArray free = isKnown && !full.contains(own.size()) ? freeName(own.size(), taken) : QByteArray();
+        if (!isKnown) {
             seen.insert(own);
-        } else if (const QByteArray free = freeName(own.size(), taken); !free.isEmpty()) {
+        } else if (!free.isEmpty()) {
             taken.insert(free);
             nameOf.insert(QString::fromLatin1(free), QString::fromUtf8(own));
             m_changes.push_back({model.nameAt, free.size(), free});
             model.name = free;
-        } else if (!own.isEmpty()) {
-            ambiguous.append(QString::fromUtf8(own));
+        } else {
+            full.insert(own.size());
+            if (!own.isEmpty())
+                ambiguous.append(QString::fromUtf8(own));
         }
         if (model.pivot)
             pivotOf.insert(QString::fromUtf8(model.name), *model.pivot);
