@@ -11,7 +11,8 @@ constexpr qint64 VersionAt = 23;
 } // namespace
 
 RyFbxRecords::RyFbxRecords(const QByteArray &bytes)
-    : m_bytes(bytes.constData()), m_size(bytes.size()), m_isBinary(bytes.startsWith(Magic)),
+    : m_bytes(bytes.constData()), m_size(bytes.size()),
+      m_isBinary(bytes.size() >= HeaderSize && bytes.startsWith(Magic)),
       m_isWide(m_isBinary && value<quint32>(VersionAt) >= FirstWide)
 {}
 

@@ -92,10 +92,8 @@ private:
             return behind;
         }
         const qint64 size = width * m_records.value<quint32>(at + 1);
-        if (m_bytes.size() + ArrayHeader + size > MostBytes) {
-            m_isWhole = false;
+        if (!hasRoom(ArrayHeader + size))
             return end;
-        }
         m_hasPacked = true;
         copy(at, at + 5);
         append(AsTheyAre);
@@ -117,9 +115,13 @@ private:
 
     void copy(qint64 from, qint64 to)
     {
-        m_isWhole = m_isWhole && from <= to && m_bytes.size() + (to - from) <= MostBytes;
-        if (m_isWhole)
+        if (hasRoom(to - from))
             m_bytes.append(m_records.bytes() + from, int(to - from));
+    }
+    bool hasRoom(qint64 size)
+    {
+        m_isWhole = m_isWhole && m_bytes.size() + size <= MostBytes;
+        return m_isWhole;
     }
     void append(quint32 value) { m_bytes.append(reinterpret_cast<const char *>(&value), int(sizeof value)); }
     void setCount(int record, int number, qint64 value)

@@ -100,6 +100,13 @@ void FbxUnpackedTest::leftAlone_data()
     const QByteArray zeros(129 << 20, '\0');
     QTest::newRow("more than is worth its memory")
         << whole(FbxRecord("Zeros").flags(zeros).bytes(27, {false, true}), {});
+    const QByteArray plain = FbxRecord("Zeros").flags(zeros).bytes(27);
+    QTest::newRow("more than that of what is not packed")
+        << whole(plain + FbxRecord("Numbers").numbers({1, 2, 3}).bytes(27 + plain.size(), {false, true}), {});
+    QByteArray wrapped = whole(FbxRecord("Zeros").flags(zeros).bytes(27, {false, true}), {});
+    const int flags = wrapped.indexOf("Zeros") + 5;
+    wrapped.replace(flags, 5, QByteArray("d\1\0\0\x20", 5)); // eight bytes each: eight more than four bytes can count
+    QTest::newRow("more than can be counted") << wrapped;
     FbxRecord deep("Numbers");
     deep.numbers({1, 2, 3});
     for (int level = 0; level < 40; ++level)
@@ -119,8 +126,10 @@ void FbxUnpackedTest::cutOff()
     const QByteArray good = file({false, true});
     const int last = good.lastIndexOf("footer");
     const int end = last - FbxRecord::end().size(); // of the last record: nothing is missing
-    for (int size = 0; size < last; ++size)
+    for (int size = 0; size < last; ++size) {
+        QCOMPARE(RyFbxRecords(good.left(size)).isBinary(), size >= RyFbxRecords::HeaderSize);
         QVERIFY2(unpack(good.left(size)).isEmpty() == (size != end), qPrintable(QString::number(size)));
+    }
 }
 
 /// However a program writes it, it is the same character.
