@@ -88,7 +88,7 @@ void FbxTextTest::withoutEnd_data()
 {
     QTest::addColumn<QByteArray>("piece");
     QTest::newRow("names") << QByteArray("\"Model::");
-    QTest::newRow("nodes of one name") << QByteArray("Model: 1, \"Model::ab\"");
+    QTest::newRow("nodes of one name") << QByteArray("Model: 1, \"Model::ab\" ");
     QTest::newRow("numbers before a name") << QByteArray("1,");
     QTest::newRow("properties") << QByteArray("P: \"PreRotation\",");
     QTest::newRow("ranges") << QByteArray("\"LocalStart\",");

@@ -100,9 +100,9 @@ void FbxUnpackedTest::leftAlone_data()
     const QByteArray zeros(129 << 20, '\0');
     QTest::newRow("more than is worth its memory")
         << whole(FbxRecord("Zeros").flags(zeros).bytes(27, {false, true}), {});
-    const QByteArray plain = FbxRecord("Zeros").flags(zeros).bytes(27);
+    const QByteArray packed = FbxRecord("Numbers").numbers({1, 2, 3}).bytes(27, {false, true});
     QTest::newRow("more than that of what is not packed")
-        << whole(plain + FbxRecord("Numbers").numbers({1, 2, 3}).bytes(27 + plain.size(), {false, true}), {});
+        << whole(packed + FbxRecord("Zeros").flags(zeros).bytes(27 + packed.size()), {});
     QByteArray wrapped = whole(FbxRecord("Zeros").flags(zeros).bytes(27, {false, true}), {});
     const int flags = wrapped.indexOf("Zeros") + 5;
     wrapped.replace(flags, 5, QByteArray("d\1\0\0\x20", 5)); // eight bytes each: eight more than four bytes can count
