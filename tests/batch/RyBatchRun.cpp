@@ -3,7 +3,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QProcess>
 
 QJsonObject RyBatchRun::Result::json() const
 {
@@ -51,13 +50,6 @@ RyBatchRun::Result RyBatchRun::run(const QStringList &arguments, const QByteArra
     process.write(input);
     process.closeWriteChannel();
     Result result;
-    if (!process.waitForFinished(120000)) {
-        process.kill();
-        process.waitForFinished();
-        return result;
-    }
-    result.code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
+    result.waitFor(process);
     return result;
 }

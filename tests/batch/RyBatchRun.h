@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/RyEndedProgram.h"
+
 #include <QJsonObject>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -8,11 +10,8 @@
 class RyBatchRun
 {
 public:
-    struct Result
+    struct Result : RyEndedProgram
     {
-        int code = -1; // -2: crashed
-        QByteArray out;
-        QByteArray err;
         QJsonObject json() const;
         /// What the report says of the first action that was to run.
         QJsonObject firstRun() const;

@@ -1,7 +1,6 @@
 #include "foreign/ForeignStage.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QProcessEnvironment>
 
 #include <algorithm>
@@ -59,14 +58,7 @@ ForeignStage::Run ForeignStage::runProgram(const QString &program, const QString
     process.setProcessEnvironment(environment);
     process.start(program, arguments);
     Run result;
-    if (!process.waitForFinished(120000)) {
-        process.kill();
-        process.waitForFinished();
-        return result;
-    }
-    result.code = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    result.out = process.readAllStandardOutput();
-    result.err = process.readAllStandardError();
+    result.waitFor(process);
     return result;
 }
 

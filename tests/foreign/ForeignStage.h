@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/RyEndedProgram.h"
+
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -21,12 +23,7 @@ public:
     /// What the readings left behind.
     QStringList leftovers() const;
 
-    struct Run
-    {
-        int code = -1; // -2: it crashed
-        QByteArray out;
-        QByteArray err;
-    };
+    using Run = RyEndedProgram;
     /// The program as a person at a shell would run it, without a display.
     static Run run(const QStringList &arguments);
     static Run runProgram(const QString &program, const QStringList &arguments);

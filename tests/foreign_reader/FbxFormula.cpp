@@ -19,27 +19,29 @@ Eigen::Matrix3d turn(const Vector &degrees, int order)
 
 FbxSketch::Properties FbxFormula::properties() const
 {
-    FbxSketch::Properties all;
-    const auto add = [&all](const char *name, const Vector &v, const Vector &usual) {
-        if (v != usual)
-            all.push_back(FbxSketch::vector(name, v.x(), v.y(), v.z()));
+    const std::pair<const char *, Vector FbxFormula::*> vectors[] = {
+        {"Lcl Translation", &FbxFormula::translation},
+        {"Lcl Rotation", &FbxFormula::rotation},
+        {"Lcl Scaling", &FbxFormula::scaling},
+        {"RotationOffset", &FbxFormula::rotationOffset},
+        {"RotationPivot", &FbxFormula::rotationPivot},
+        {"PreRotation", &FbxFormula::preRotation},
+        {"PostRotation", &FbxFormula::postRotation},
+        {"ScalingOffset", &FbxFormula::scalingOffset},
+        {"ScalingPivot", &FbxFormula::scalingPivot},
+        {"GeometricTranslation", &FbxFormula::geometricTranslation},
+        {"GeometricRotation", &FbxFormula::geometricRotation},
+        {"GeometricScaling", &FbxFormula::geometricScaling},
     };
-    const Vector zero = Vector::Zero(), one = Vector::Ones();
-    all.push_back(FbxSketch::wholeNumber("RotationActive", isActive ? 1 : 0, "bool"));
-    all.push_back(FbxSketch::wholeNumber("InheritType", 1, "enum"));
-    all.push_back(FbxSketch::wholeNumber("RotationOrder", order, "enum"));
-    add("Lcl Translation", translation, zero);
-    add("Lcl Rotation", rotation, zero);
-    add("Lcl Scaling", scaling, one);
-    add("RotationOffset", rotationOffset, zero);
-    add("RotationPivot", rotationPivot, zero);
-    add("PreRotation", preRotation, zero);
-    add("PostRotation", postRotation, zero);
-    add("ScalingOffset", scalingOffset, zero);
-    add("ScalingPivot", scalingPivot, zero);
-    add("GeometricTranslation", geometricTranslation, zero);
-    add("GeometricRotation", geometricRotation, zero);
-    add("GeometricScaling", geometricScaling, one);
+    const FbxFormula usual;
+    FbxSketch::Properties all{FbxSketch::wholeNumber("RotationActive", isActive ? 1 : 0, "bool"),
+                              FbxSketch::wholeNumber("InheritType", 1, "enum"),
+                              FbxSketch::wholeNumber("RotationOrder", order, "enum")};
+    for (const auto &[name, member] : vectors) {
+        const Vector &value = this->*member;
+        if (value != usual.*member)
+            all.push_back(FbxSketch::vector(name, value.x(), value.y(), value.z()));
+    }
     return all;
 }
 
