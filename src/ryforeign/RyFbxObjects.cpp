@@ -206,6 +206,7 @@ void RyFbxObjects::takeTransform(const RyFbxTransform &transform, const PlacesOf
 {
     if (transform.hasPivot())
         model.pivot = transform.pivot();
+    model.scaling = transform.scaling();
     for (const auto &[name, value] : transform.changes()) {
         const Places places = placesOf.value(name);
         for (size_t i = 0; i < places.size(); ++i) {
@@ -317,6 +318,8 @@ void RyFbxObjects::tellApart()
         }
         if (model.pivot)
             pivotOf.insert(QString::fromUtf8(model.name), *model.pivot);
+        if (model.scaling != RyForeignScaling::Usual)
+            scalingOf.insert(QString::fromUtf8(model.name), model.scaling);
         if (model.isLimb)
             limbs.insert(QString::fromUtf8(model.name));
     }

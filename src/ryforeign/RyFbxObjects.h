@@ -18,6 +18,7 @@ public:
     QHash<QString, std::vector<RyForeignInput::Channels>> channelsOf; // by nodes, likewise
     QHash<QString, QString> nameOf;                                   // the file's own, where nodes are renamed
     QHash<QString, RyForeignPivot> pivotOf;                           // by nodes, likewise
+    QHash<QString, RyForeignScaling> scalingOf;                       // where it is none of the usual
     QStringList ambiguous;                                            // names that could not be told apart
     QStringList constraints;                                          // by names
     /// Properties that somebody added to nodes, in the order of the file; of binary files.
@@ -44,6 +45,7 @@ private:
         QByteArray name;
         bool isLimb = false;
         std::optional<RyForeignPivot> pivot;
+        RyForeignScaling scaling = RyForeignScaling::Usual;
     };
 
     void readRecords();

@@ -10,7 +10,8 @@ using Vector = RyForeignPivot::Vector;
 constexpr double degree = 0.017453292519943295;
 constexpr const char *names[] = {"RotationOffset",       "RotationPivot",     "ScalingOffset",    "ScalingPivot",
                                  "GeometricTranslation", "GeometricRotation", "GeometricScaling", "PreRotation",
-                                 "PostRotation",         "Lcl Scaling",       "RotationActive",   "RotationOrder"};
+                                 "PostRotation",         "Lcl Scaling",       "RotationActive",   "RotationOrder",
+                                 "InheritType"};
 
 /// About X, then Y, then Z, in degrees.
 RyAffine turned(const Vector &angles)
@@ -81,6 +82,14 @@ bool RyFbxTransform::hasPivot() const
 {
     const RyForeignPivot all = pivot();
     return all.hasPoints() || !(all.geometric == RyAffine());
+}
+
+RyForeignScaling RyFbxTransform::scaling() const
+{
+    const double type = valueOf("InheritType", 1.0)[0];
+    if (type == 0.0)
+        return RyForeignScaling::Apart;
+    return type == 2.0 ? RyForeignScaling::NotOfParent : RyForeignScaling::Usual;
 }
 
 std::vector<std::pair<QByteArray, Vector>> RyFbxTransform::changes() const

@@ -21,6 +21,8 @@ public:
     /// Points and the place of the meshes; none of them where it has none.
     RyForeignPivot pivot() const;
     bool hasPivot() const;
+    /// How it takes on the scale of what is above it.
+    RyForeignScaling scaling() const;
     /// Properties that the library has to get otherwise: points and the place of the meshes stand apart, it turns
     /// by PostRotation where the format turns back by it, and it obeys turns and an order that are switched off.
     std::vector<std::pair<QByteArray, Vector>> changes() const;

@@ -31,6 +31,7 @@ struct RyForeignInput
     QHash<QString, std::vector<Channels>> channelsOf; // by nodes, of each of their geometries, where it is known
     bool isText = false;                              // a form of which less is known
     QHash<QString, RyForeignPivot> pivotOf;           // by nodes, what the importers' library knows nothing of
+    QHash<QString, RyForeignScaling> scalingOf;       // by nodes, likewise
     QHash<QString, QString> nameOf;                   // of nodes, where the importers' library got others
     QStringList *notes = nullptr;                     // for people, a sentence each
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 
 namespace {
@@ -58,10 +59,10 @@ RyAffine turnOf(const RyForeignKeys::Numbers &q)
 
 } // namespace
 
-/// Keys that are not finite, or not later than the one before, make no curve.
+/// Keys that are not finite as a file holds them, or not later than the one before, make no curve.
 void RyForeignKeys::add(double time, std::initializer_list<double> numbers)
 {
-    const auto isFinite = [](double number) { return std::isfinite(number); };
+    const auto isFinite = [](double number) { return std::abs(number) <= double(std::numeric_limits<float>::max()); };
     if (!isFinite(time) || !std::all_of(numbers.begin(), numbers.end(), isFinite))
         return;
     if (!times.empty() && !(float(time) > times.back()))

@@ -4,6 +4,10 @@
 
 #include <array>
 
+/// How a node of an FBX file takes on the scale of the nodes above it: as a node of glTF does, along the axes of the
+/// node itself instead of those above, or not that of its parent.
+enum class RyForeignScaling { Usual, Apart, NotOfParent };
+
 /// Points of its own about which a node of an FBX file turns and is scaled, and where it holds its meshes. The
 /// importers' library drops clips of nodes that have such points, and the places of the meshes, so that it gets the
 /// file without.

@@ -46,6 +46,7 @@ private slots:
     void zUpIsTold();
     void clip();
     void jointsOfOneNameKeepTheirMotions();
+    void timesThatNoFileHolds();
 };
 
 void BvhFilesTest::skeletonIsFigure()
@@ -159,6 +160,18 @@ void BvhFilesTest::jointsOfOneNameKeepTheirMotions()
     };
     QVERIFY(std::abs(angleOf(1.00)) < 1e-3);
     QVERIFY2(std::abs(angleOf(0.45) - 60.0) < 1e-3, qPrintable(QString::number(angleOf(0.45))));
+}
+
+/// Keys at times that grow beyond what a number of the file can say are none.
+void BvhFilesTest::timesThatNoFileHolds()
+{
+    const TextFile text(QStringLiteral("a.bvh"), skeleton().replace("Frame Time: 0.5", "Frame Time: 3e38"));
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(ryValidate(file.glb).errors, 0);
+    const GltfClipEvaluator clip(file.character->file, 0);
+    QCOMPARE(clip.keyTimes().size(), size_t(2));
+    QVERIFY(std::abs(clip.keyTimes().back() / 3e38 - 1.0) < 1e-3);
 }
 
 RY_TEST(BvhFilesTest)

@@ -98,6 +98,7 @@ struct Row
 } // namespace
 
 Q_DECLARE_METATYPE(Arm)
+Q_DECLARE_METATYPE(Vector)
 
 /// Nodes of FBX files are turned and scaled about points of their own, in orders of their own, under clips too: where
 /// the format's formula says, there they stand.
@@ -112,6 +113,8 @@ private slots:
     void propWithAnOffset();
     void scaledToNothing_data();
     void scaledToNothing();
+    void scaledOtherwise_data();
+    void scaledOtherwise();
     void asSeenElsewhere_data();
     void asSeenElsewhere();
 
@@ -313,6 +316,45 @@ void FbxTransformsTest::scaledToNothing()
         return file.character->file.worldMatrices(clip.pose(time))[size_t(upper)](0, 3);
     };
     QVERIFY(std::abs(xAt(1.0) - xAt(0.0)) > 0.01);
+}
+
+void FbxTransformsTest::scaledOtherwise_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<Vector>("top"); // scale of the parent's parent
+    QTest::addColumn<Vector>("parent");
+    QTest::addColumn<bool>("isTold");
+    const Vector none = Vector::Ones(), even = Vector::Constant(2.0), uneven(1.0, 2.0, 1.0);
+    QTest::newRow("usual") << 1 << uneven << uneven << false;
+    QTest::newRow("not of the parent") << 2 << none << even << true;
+    QTest::newRow("not of the parent, which is not scaled") << 2 << uneven << none << false;
+    QTest::newRow("apart") << 0 << none << uneven << true;
+    QTest::newRow("apart from all above") << 0 << uneven << none << true;
+    QTest::newRow("apart, but alike along all axes") << 0 << even << even << false;
+}
+
+/// All are scaled along with what is above them; where the file means it otherwise, somebody is told.
+void FbxTransformsTest::scaledOtherwise()
+{
+    QFETCH(int, type);
+    QFETCH(Vector, top);
+    QFETCH(Vector, parent);
+    QFETCH(bool, isTold);
+    const auto scaling = [](const Vector &v) { return FbxSketch::vector("Lcl Scaling", v.x(), v.y(), v.z()); };
+    FbxSketch sketch;
+    const qint64 high = sketch.addLimb("Bone", 0, {FbxSketch::vector("Lcl Rotation", 10, 40, -30), scaling(top)});
+    const qint64 middle = sketch.addLimb("Middle", high, {scaling(parent)});
+    const qint64 low = sketch.addLimb("Bone", middle, {FbxSketch::wholeNumber("InheritType", type, "enum")});
+    sketch.bind(sketch.addSquare("Sheet", 0), low, 0.0);
+    const QString note = QStringLiteral("Nodes below scaled ones have ways of their own to take on that scale "
+                                        "(InheritType), and are scaled along like all others; applying the scales in "
+                                        "the program that made the file would help: Bone");
+    for (const QByteArray &content : {sketch.bytes(), sketch.text()}) {
+        const TextFile text(QStringLiteral("a.fbx"), content);
+        const ConvertedFile file(text.path, 1.0);
+        QVERIFY2(file.character, qPrintable(file.reason));
+        QCOMPARE(file.notes.filter(QStringLiteral("scale")), isTold ? QStringList(note) : QStringList());
+    }
 }
 
 /// Nothing to do where the other program is not installed.
