@@ -33,6 +33,13 @@ QByteArray freeName(int length, const QSet<QByteArray> &taken)
     return {};
 }
 
+/// Of an object: behind its name stand, as a rule, two bytes and its class.
+QByteArray nameIn(const QByteArray &whole)
+{
+    const int end = whole.indexOf('\0');
+    return end < 0 ? whole : whole.left(end);
+}
+
 /// In text form no name or property that is looked for is longer, so that a prepared file costs no more than others.
 constexpr int LongestProperty = 4096;
 
@@ -108,8 +115,7 @@ void RyFbxObjects::readObject(const Record &record)
     } else if (record.name == "AnimationStack") {
         forProperties(record, [this](const Record &property) { forgetRange(property); });
     } else if (record.name == "Constraint") {
-        const QByteArray name = m_records.text(record, 1);
-        constraints.append(QString::fromUtf8(name.left(name.indexOf('\0'))));
+        constraints.append(QString::fromUtf8(nameIn(m_records.text(record, 1))));
     } else if (record.name == "Geometry") {
         (kind == "Shape" ? m_shapes : m_geometries).insert(id, {});
     } else if (record.name == "Deformer" && kind == "BlendShape") {
@@ -126,12 +132,11 @@ void RyFbxObjects::readObject(const Record &record)
 
 void RyFbxObjects::readModel(const Record &record, qint64 id)
 {
-    const QByteArray whole = m_records.text(record, 1); // a name, two bytes and a class
     const QByteArray kind = m_records.text(record, 2);
     Model model;
     model.id = id;
     model.nameAt = m_records.findProperty(record, 1) + 5;
-    model.name = whole.left(whole.indexOf('\0'));
+    model.name = nameIn(m_records.text(record, 1));
     // "Root" is the place of a whole skeleton, often at the same point as its first limb.
     model.isLimb = kind == "LimbNode" || kind == "Limb";
     RyFbxTransform transform;

@@ -8,6 +8,8 @@
 #include "support/RyTest.h"
 #include "support/RyValidator.h"
 
+#include <cmath>
+
 namespace {
 
 FbxRecord place(double x, double y, double z)
@@ -28,6 +30,7 @@ private slots:
     void skeletonBesideFigure();
     void sameNames();
     void sameNamesInText();
+    void namesWithoutClass();
     void scaledToNothing();
 };
 
@@ -105,6 +108,31 @@ void ForeignJointsTest::sameNamesInText()
     QCOMPARE(file.boneNames(), QStringList(QStringLiteral("Bone")));
     QVERIFY((file.character->bones().front()->getOrigin() - RyVec3(0, 40, 0)).length() < 1e-3f);
     QVERIFY(!file.character->bones().front()->isPosed()); // as the first would be
+}
+
+/// As few programs write them: they are names all the same.
+void ForeignJointsTest::namesWithoutClass()
+{
+    FbxSketch sketch;
+    sketch.addLimb("Bone", 0, {});
+    const qint64 bone = sketch.addLimb("Bone", 0, {place(0, 40, 0)});
+    sketch.bind(sketch.addSquare("Sheet", 0), bone, 40.0);
+    sketch.addConstraint("Aim");
+    const QByteArray content = sketch.bytes()
+                                   .replace(QByteArray("Bone\0\1Model", 11), "Bone of him")
+                                   .replace(QByteArray("Aim\0\1Constraint", 15), "Aim at the moon");
+    const TextFile text(QStringLiteral("a.fbx"), content);
+    const ConvertedFile file(text.path);
+    QVERIFY2(file.character, qPrintable(file.reason));
+    QCOMPARE(file.boneNames(), (QStringList{QStringLiteral("Bone of him"), QStringLiteral("Bone of him")}));
+    float heights = 0.0f;
+    for (const RyBone *each : file.character->bones()) {
+        QVERIFY(!each->isPosed()); // as the first would be where it is taken for the second
+        heights += each->getOrigin().y;
+    }
+    QVERIFY(std::abs(heights - 40.0f) < 1e-3f);
+    QCOMPARE(file.notes.filter(QStringLiteral("Constraints")).join(QString()).section(QLatin1Char(' '), -4),
+             QStringLiteral("Aim at the moon"));
 }
 
 /// A bone without weights that the file hides by its scale.
