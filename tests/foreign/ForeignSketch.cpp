@@ -37,6 +37,11 @@ QByteArray ForeignSketch::fbx()
     return arm().bytes();
 }
 
+QByteArray ForeignSketch::packedFbx()
+{
+    return arm().bytes(7700, {true, true});
+}
+
 QByteArray ForeignSketch::oldFbx()
 {
     return arm().bytes(6100);
@@ -45,6 +50,12 @@ QByteArray ForeignSketch::oldFbx()
 QByteArray ForeignSketch::textFbx()
 {
     return arm().text();
+}
+
+QByteArray ForeignSketch::textFbxWithoutLineEnds()
+{
+    QByteArray text = textFbx();
+    return text.remove(0, text.indexOf('\n') + 1).replace('\n', ' '); // a comment would take the line
 }
 
 QByteArray ForeignSketch::bvh()

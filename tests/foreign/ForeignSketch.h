@@ -11,9 +11,13 @@ QByteArray bvh();
 QByteArray collada();
 /// Binary, version 7.4, centimetres.
 QByteArray fbx();
+/// The same of version 7.7, with packed arrays.
+QByteArray packedFbx();
 /// The same said to be of version 6.1, which few programs read any more.
 QByteArray oldFbx();
 /// The same arm as text.
 QByteArray textFbx();
+/// All of it on one line.
+QByteArray textFbxWithoutLineEnds();
 
 } // namespace ForeignSketch

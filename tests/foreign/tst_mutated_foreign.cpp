@@ -54,7 +54,9 @@ void MutatedForeignTest::initTestCase()
 {
     m_stage = std::make_unique<ForeignStage>(ForeignStage::Reader::Real);
     m_sources = {{QStringLiteral("fbx"), ForeignSketch::fbx()},
+                 {QStringLiteral("fbx"), ForeignSketch::packedFbx()},
                  {QStringLiteral("fbx"), ForeignSketch::textFbx()},
+                 {QStringLiteral("fbx"), ForeignSketch::textFbxWithoutLineEnds()},
                  {QStringLiteral("dae"), ForeignSketch::collada()},
                  {QStringLiteral("bvh"), ForeignSketch::bvh()}};
     for (const char *name : {"arnaud.fbx", "foreign/mh_clip_morph.fbx", "two_armatures.dae", "foreign/mh_clip.bvh"}) {
@@ -111,7 +113,7 @@ void MutatedForeignTest::files()
     QFETCH(unsigned, number);
     m_random.seed(ryTestSeed() + number);
     // The small ones can be damaged where it matters; a few large ones are enough.
-    const size_t small = 4;
+    const size_t small = 6;
     const Source &source = m_sources[below(8) > 0 ? below(small) : below(m_sources.size())];
     QByteArray bytes = source.bytes;
     for (size_t i = 1 + below(3); i > 0; --i)
