@@ -10,15 +10,13 @@
 #include "ryforeign/RyForeignFile.h"
 #include "ryforeign/RyForeignJoints.h"
 #include "ryforeign/RyForeignPlace.h"
+#include "ryforeign/RyForeignScales.h"
 
 #include <assimp/scene.h>
 
 #include <QFile>
 
-#include <algorithm>
-#include <array>
 #include <climits>
-#include <cmath>
 #include <exception>
 #include <optional>
 
@@ -99,38 +97,6 @@ void addMorphs(const RyColladaMorphs &morphs, const RyForeignInput &input)
                                  "from the program that made the file to keep them"));
 }
 
-/// Lengths of the axes.
-std::array<double, 3> scaleOf(const RyAffine &map)
-{
-    std::array<double, 3> scale{};
-    for (size_t axis = 0; axis < 3; ++axis)
-        scale[axis] = std::hypot(map.m[axis][0], map.m[axis][1], map.m[axis][2]);
-    return scale;
-}
-
-/// Every node is scaled along with those above it, which is not what all of a file are meant to be.
-void sayScaledOtherwise(const RyForeignInput &input, const RyForeignTree &tree)
-{
-    QStringList names;
-    for (const RyForeignTree::Node &node : tree.nodes) {
-        const RyForeignScaling scaling = input.scalingOf.value(node.name, RyForeignScaling::Usual);
-        if (scaling == RyForeignScaling::Usual || node.parent < 0)
-            continue;
-        const RyForeignTree::Node &parent = tree.nodes[size_t(node.parent)];
-        const bool isApart = scaling == RyForeignScaling::Apart;
-        const auto scale = scaleOf(isApart ? parent.world : parent.local);
-        const double usual = isApart ? scale[0] : 1.0; // alike along all axes it comes to the same
-        if (std::any_of(scale.begin(), scale.end(),
-                        [usual](double part) { return std::abs(part - usual) > 1e-4 * usual; }))
-            names.append(input.nameOf.value(node.name, node.name));
-    }
-    sayLeftOut(input,
-               QStringLiteral("Nodes below scaled ones have ways of their own to take on that scale (InheritType), and "
-                              "are scaled along like all others; applying the scales in the program that made the "
-                              "file would help"),
-               names);
-}
-
 bool read(const RyForeignRequest &request, RyForeignResult &result)
 {
     const auto tell = [&request](double done) { return !request.progress || request.progress(done); };
@@ -159,7 +125,11 @@ bool read(const RyForeignRequest &request, RyForeignResult &result)
         sayLeftOut(input, QStringLiteral("These parts of the Collada file are left out"), text.leftOut);
         unit /= text.metre; // the importers' library has made metres of it
     }
-    sayScaledOtherwise(input, tree);
+    sayLeftOut(input,
+               QStringLiteral("Nodes below scaled ones have ways of their own to take on that scale (InheritType), and "
+                              "are scaled along like all others; applying the scales in the program that made the "
+                              "file would help"),
+               ryScaledOtherwise(input, tree));
     tree.rename(input.nameOf);
     RyForeignJoints(input, tree).mark();
     const RyAffine top = ryForeignTop(input, tree, unit);

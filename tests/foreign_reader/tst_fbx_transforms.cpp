@@ -323,14 +323,17 @@ void FbxTransformsTest::scaledOtherwise_data()
     QTest::addColumn<int>("type");
     QTest::addColumn<Vector>("top"); // scale of the parent's parent
     QTest::addColumn<Vector>("parent");
+    QTest::addColumn<Vector>("inClip"); // of the parent
     QTest::addColumn<bool>("isTold");
     const Vector none = Vector::Ones(), even = Vector::Constant(2.0), uneven(1.0, 2.0, 1.0);
-    QTest::newRow("usual") << 1 << uneven << uneven << false;
-    QTest::newRow("not of the parent") << 2 << none << even << true;
-    QTest::newRow("not of the parent, which is not scaled") << 2 << uneven << none << false;
-    QTest::newRow("apart") << 0 << none << uneven << true;
-    QTest::newRow("apart from all above") << 0 << uneven << none << true;
-    QTest::newRow("apart, but alike along all axes") << 0 << even << even << false;
+    QTest::newRow("usual") << 1 << uneven << uneven << uneven << false;
+    QTest::newRow("not of the parent") << 2 << none << even << even << true;
+    QTest::newRow("not of the parent, which is not scaled") << 2 << uneven << none << none << false;
+    QTest::newRow("not of the parent, scaled by the clip") << 2 << none << none << even << true;
+    QTest::newRow("apart") << 0 << none << uneven << uneven << true;
+    QTest::newRow("apart from all above") << 0 << uneven << none << none << true;
+    QTest::newRow("apart, but alike along all axes") << 0 << even << even << none << false;
+    QTest::newRow("apart, uneven in the clip") << 0 << even << even << uneven << true;
 }
 
 /// All are scaled along with what is above them; where the file means it otherwise, somebody is told.
@@ -339,6 +342,7 @@ void FbxTransformsTest::scaledOtherwise()
     QFETCH(int, type);
     QFETCH(Vector, top);
     QFETCH(Vector, parent);
+    QFETCH(Vector, inClip);
     QFETCH(bool, isTold);
     const auto scaling = [](const Vector &v) { return FbxSketch::vector("Lcl Scaling", v.x(), v.y(), v.z()); };
     FbxSketch sketch;
@@ -346,6 +350,9 @@ void FbxTransformsTest::scaledOtherwise()
     const qint64 middle = sketch.addLimb("Middle", high, {scaling(parent)});
     const qint64 low = sketch.addLimb("Bone", middle, {FbxSketch::wholeNumber("InheritType", type, "enum")});
     sketch.bind(sketch.addSquare("Sheet", 0), low, 0.0);
+    const char *axes[] = {"d|X", "d|Y", "d|Z"};
+    for (int axis = 0; axis < 3; ++axis)
+        sketch.addCurve(middle, "Lcl Scaling", axes[axis], {0.0, 1.0}, {float(parent[axis]), float(inClip[axis])});
     const QString note = QStringLiteral("Nodes below scaled ones have ways of their own to take on that scale "
                                         "(InheritType), and are scaled along like all others; applying the scales in "
                                         "the program that made the file would help: Bone");
