@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -22,9 +23,16 @@ namespace {
 /// Of the start tag that begins at `at`.
 QByteArray attribute(const QByteArray &text, int at, const QByteArray &name)
 {
-    const QByteArray tag = text.mid(at, std::max(0, text.indexOf('>', at) - at));
-    const QRegularExpression pattern(
-        QStringLiteral("\\s%1\\s*=\\s*[\"']([^\"']*)[\"']").arg(QString::fromLatin1(name)));
+    constexpr int longestTag = 4096; // a prepared file may end none of thousands
+    const int size =
+        QByteArray::fromRawData(text.constData() + at, std::min(longestTag, text.size() - at)).indexOf('>');
+    if (size < 0)
+        return {};
+    const QByteArray tag = text.mid(at, size);
+    static QHash<QByteArray, QRegularExpression> patterns; // to make one takes far longer than to use it
+    QRegularExpression &pattern = patterns[name];
+    if (pattern.pattern().isEmpty())
+        pattern.setPattern(QStringLiteral("\\s%1\\s*=\\s*[\"']([^\"']*)[\"']").arg(QString::fromLatin1(name)));
     return pattern.match(QString::fromLatin1(tag)).captured(1).toLatin1(); // byte by byte
 }
 
@@ -48,6 +56,25 @@ std::vector<int> elementsOf(const QByteArray &text, const QByteArray &name)
         found.push_back(at);
     return found;
 }
+
+/// Looks for the same from one place after the other, and at every part of the text once.
+class Search
+{
+public:
+    Search(const QByteArray &text, const QByteArray &what) : m_text(text), m_what(what) {}
+
+    /// -1 for none. Places come in the order of the text.
+    int from(int at)
+    {
+        if (!m_found || (*m_found >= 0 && *m_found < at))
+            m_found = m_text.indexOf(m_what, at);
+        return *m_found;
+    }
+
+private:
+    const QByteArray m_text, m_what;
+    std::optional<int> m_found;
+};
 
 /// Another text for a range of the file's.
 struct Change
@@ -77,6 +104,7 @@ QByteArray changed(const QByteArray &text, std::vector<Change> changes)
 void removeChannels(const QByteArray &text, const QSet<QByteArray> &ids, std::vector<Change> &changes)
 {
     const QByteArray close("</channel>");
+    Search ends(text, close);
     for (int at : elementsOf(text, "channel")) {
         const QByteArray target = attribute(text, at, "target");
         if (!ids.contains(target.left(target.indexOf('/'))) && !ids.contains(target.left(target.indexOf('('))))
@@ -84,7 +112,7 @@ void removeChannels(const QByteArray &text, const QSet<QByteArray> &ids, std::ve
         const int tagEnd = text.indexOf('>', at);
         if (tagEnd < 0)
             return;
-        const int closing = text[tagEnd - 1] == '/' ? -1 : text.indexOf(close, tagEnd);
+        const int closing = text[tagEnd - 1] == '/' ? -1 : ends.from(tagEnd);
         const int end = closing < 0 ? tagEnd + 1 : closing + close.size();
         changes.push_back({at, end - at, {}});
     }
@@ -99,6 +127,7 @@ void followBases(const QByteArray &text, const QHash<QByteArray, QByteArray> &ba
             changes.push_back({text.indexOf(source, at), source.size(), baseOf.value(source)});
     }
     const QByteArray name("instance_controller"), close("</instance_controller>");
+    Search ends(text, close);
     for (int at : elementsOf(text, name)) {
         const QByteArray url = attribute(text, at, "url");
         if (!baseOf.contains(url))
@@ -106,7 +135,7 @@ void followBases(const QByteArray &text, const QHash<QByteArray, QByteArray> &ba
         const int tagEnd = text.indexOf('>', at);
         changes.push_back({at + 1, name.size(), "instance_geometry"});
         changes.push_back({text.indexOf(url, at), url.size(), baseOf.value(url)});
-        const int end = text[tagEnd - 1] == '/' ? -1 : text.indexOf(close, tagEnd);
+        const int end = text[tagEnd - 1] == '/' ? -1 : ends.from(tagEnd);
         if (end >= 0)
             changes.push_back({end, close.size(), "</instance_geometry>"});
     }
@@ -195,9 +224,12 @@ RyColladaMorphs::RyColladaMorphs(const QString &path) : m_path(path)
     QSet<QByteArray> gone;                // ids
     std::vector<Change> changes;
     const QByteArray close("</controller>");
+    Search ends(whole, close);
+    int last = 0; // end of the one before
     for (int at : elementsOf(whole, "controller")) {
-        const int end = whole.indexOf(close, at);
-        const int morph = end < 0 ? -1 : findElement(whole, "morph", at, end);
+        const int end = ends.from(at);
+        const int morph = end < 0 || at < last ? -1 : findElement(whole, "morph", at, end);
+        last = std::max(last, end);
         if (morph < 0)
             continue;
         baseOf.insert('#' + attribute(whole, at, "id"), attribute(whole, morph, "source"));

@@ -123,6 +123,8 @@ private slots:
     void comeAlong();
     void losses_data();
     void losses();
+    void withoutEnd_data();
+    void withoutEnd();
 };
 
 void ColladaMorphsTest::comeAlong_data()
@@ -198,6 +200,32 @@ void ColladaMorphsTest::losses()
     const Json &mesh = file.character->file.tree().at("meshes")[0];
     QCOMPARE(mesh.contains("weights") ? int(mesh.at("weights").size()) : 0, morphs);
     QVERIFY2(file.notes.contains(note), qPrintable(file.notes.join(QLatin1Char('\n'))));
+}
+
+void ColladaMorphsTest::withoutEnd_data()
+{
+    QTest::addColumn<QByteArray>("piece");
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<bool>("isRead");
+    QTest::newRow("tags") << QByteArray("<controller ") << QByteArray() << false;
+    QTest::newRow("controllers") << QByteArray("<controller>") << QByteArray() << false;
+    QTest::newRow("controllers in one another") << QByteArray("<controller>") << QByteArray("</controller>") << false;
+    // Those of the morphs are taken out.
+    QTest::newRow("channels") << QByteArray("<channel target=\"mo/a\">") << QByteArray() << true;
+    QTest::newRow("controllers that are shown")
+        << QByteArray("<instance_controller url=\"#mo\">") << QByteArray() << false;
+}
+
+/// What is begun thousands of times in a broken file is not looked for in all of it each time.
+void ColladaMorphsTest::withoutEnd()
+{
+    QFETCH(QByteArray, piece);
+    QFETCH(QByteArray, end);
+    QFETCH(bool, isRead);
+    const TextFile text(QStringLiteral("a.dae"), lips(false, false) + piece.repeated(400000) + end);
+    const ConvertedFile file(text.path);
+    QCOMPARE(bool(file.character), isRead);
+    QCOMPARE(file.reason.contains(QStringLiteral("it cannot be read (")), !isRead);
 }
 
 RY_TEST(ColladaMorphsTest)
