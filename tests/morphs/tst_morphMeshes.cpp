@@ -282,7 +282,9 @@ private slots:
         CharacterScene character(stage.path);
         RySkeleton *figure = stage.figureOf(character.scene);
         RyShape::getCurrentShapeForNode(figure)->addMorph(new RyMorph("added", {1}, {{1, 20, 3}}));
-        for (RyBone *bone : character.bones())
+        const std::vector<RyBone *> bones = character.bones();
+        const std::vector<RyRef<RyBone>> held(bones.begin(), bones.end()); // those below go along with the first one
+        for (RyBone *bone : bones)
             character.scene.removeNode(bone);
         QStringList losses;
         QString error;
