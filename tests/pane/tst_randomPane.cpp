@@ -8,6 +8,8 @@
 #include <QTabBar>
 #include <QTreeView>
 
+#include <algorithm>
+
 namespace {
 
 using Session = RyPaneSession;
@@ -133,9 +135,16 @@ void switchNode(Session &s)
     }
 }
 
+/// Few pages have a group that can be switched.
 void clickGroup(Session &s)
 {
-    if (auto *box = s.usable<QGroupBox>([](const QGroupBox &each) { return each.isCheckable(); }))
+    const auto find = [&s] { return s.usable<QGroupBox>([](const QGroupBox &each) { return each.isCheckable(); }); };
+    QGroupBox *box = find();
+    for (int page = 0; !box && page < 4; ++page) {
+        chooseParam(s);
+        box = find();
+    }
+    if (box)
         RyPaneScene::click(*box);
 }
 
@@ -302,6 +311,20 @@ void takeAway(Session &s)
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
 }
 
+/// What a redo took away again: otherwise all later edits would be of what is left.
+void bringBack(Session &s)
+{
+    const RyNode *nodes[] = {s.scene.prop, s.scene.stick, s.scene.doll.figure, s.scene.figure, s.scene.lShin};
+    const auto isAway = [](const RyNode *node) { return !node->getScene(); };
+    const auto isOneAway = [&] {
+        return std::any_of(std::begin(nodes), std::end(nodes), isAway) || !s.scene.lShin->getNodeParent();
+    };
+    while (isOneAway() && ryUndoStack()->canUndo()) {
+        const QString wrong = s.states.undo() + s.wrongPane();
+        QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
+    }
+}
+
 /// One row for each kind of edit.
 const std::vector<Kind> kinds = {
     {"undo or redo", 12, undoOrRedo},
@@ -324,6 +347,7 @@ const std::vector<Kind> kinds = {
     {"select by a script", 4, selectByScript},
     {"reparent", 2, reparent},
     {"take a node away", 2, takeAway},
+    {"bring back", 8, bringBack},
 };
 
 const Kind &pick(RyRandom &random)
