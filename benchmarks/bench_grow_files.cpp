@@ -171,8 +171,7 @@ double reportChain(const QString &path, int bones)
     if (openChain(path, bones) < 0.0)
         return -1.0;
     QByteArray report;
-    const double time =
-        RyBenchmark::threadMilliseconds([&] { report = QJsonDocument(batchReport(*ryScene(), {})).toJson(); });
+    const double time = RyBenchmark::threadMilliseconds([&] { report = batchReport(*ryScene(), {}); });
     const QJsonArray figures = QJsonDocument::fromJson(report).object().value(QStringLiteral("figures")).toArray();
     const QJsonArray listed = figures.first().toObject().value(QStringLiteral("bones")).toArray();
     return listed.size() == bones && listed.last().toObject().value(QStringLiteral("parent")).toString() ==

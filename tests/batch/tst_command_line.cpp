@@ -126,6 +126,30 @@ private slots:
         QCOMPARE(report.value(QStringLiteral("unit")).toDouble(), 100.0);
     }
 
+    /// Members in order, indents, numbers and letters as ever: people compare reports by the line.
+    void reportIsWrittenAsTheToolkitWrites()
+    {
+        const QStringList untidy{QStringLiteral("--select"), QStringLiteral("lForearm"),
+                                 QStringLiteral("--pose"),   QStringLiteral("lForearm:yrot=30"),
+                                 QStringLiteral("--run"),    QStringLiteral("RyJERenameNodeAction"),
+                                 QStringLiteral("--set"),    QStringLiteral("label=The \"arm\""),
+                                 QStringLiteral("--run"),    QStringLiteral("RyJEAlignNodeAction"),
+                                 QStringLiteral("--undo")};
+        const QByteArray text = batch(untidy + QStringList{QStringLiteral("--report")}).out;
+        const QJsonObject report = QJsonDocument::fromJson(text).object();
+        for (const char *key : {"boxes", "figures", "runs", "selection", "undoSteps"})
+            QVERIFY2(!report.value(QLatin1String(key)).toArray().isEmpty(), key);
+        QCOMPARE(text, QJsonDocument(report).toJson());
+        // Where it goes into the document about all files, without what that says itself.
+        QJsonObject rest = report;
+        for (const char *key : {"boxes", "messages", "runs"})
+            rest.remove(QLatin1String(key));
+        const QJsonObject document =
+            batch(untidy + QStringList{QStringLiteral("--json"), QStringLiteral("--report")}).json();
+        QCOMPARE(document.value(QStringLiteral("files")).toArray().at(0).toObject().value(QStringLiteral("report")),
+                 QJsonValue(rest));
+    }
+
     void pathsTellNodesApart()
     {
         QCOMPARE(batch({QStringLiteral("--select"), QStringLiteral("lForearm/lHand"), QStringLiteral("--report")}).code,

@@ -106,9 +106,10 @@ ExitCode BatchOutput::writeBytes(const BatchStep &step, const QByteArray &bytes)
 
 ExitCode BatchOutput::report(const BatchStep &step)
 {
-    QJsonObject report = batchReport(*m_window.getScene(), m_log.events());
+    const QByteArray text = batchReport(*m_window.getScene(), m_log.events());
     if (!m_asJson || !step.writesStandardOutput())
-        return writeBytes(step, QJsonDocument(report).toJson());
+        return writeBytes(step, text);
+    QJsonObject report = QJsonDocument::fromJson(text).object();
     // Its events stand in the document already.
     for (const char *key : {"messages", "runs", "boxes", "fits"})
         report.remove(QLatin1String(key));

@@ -7,88 +7,124 @@
 #include "rycore/scene/RySkeleton.h"
 #include "rycore/scene/node/RyNodeLookup.h"
 #include "rycore/undo/RyUndoStack.h"
+#include "ryhost/batch/JsonText.h"
 
 #include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonObject>
+#include <QJsonValue>
 
 namespace {
 
-QJsonArray vector(const RyVec3 &v)
+using Key = QLatin1String;
+
+// Keys are written in the order of the alphabet.
+
+void addVector(JsonText &json, Key key, const RyVec3 &v)
 {
-    return {double(v.x), double(v.y), double(v.z)};
+    json.key(key);
+    json.beginArray();
+    for (int axis = 0; axis < 3; ++axis)
+        json.add(double(v[axis]));
+    json.endArray();
 }
 
-void addMesh(QJsonObject &entry, const RyNode &node)
+void addTexts(JsonText &json, Key key, const QStringList &texts)
+{
+    json.key(key);
+    json.beginArray();
+    for (const QString &text : texts)
+        json.add(text);
+    json.endArray();
+}
+
+void addBones(JsonText &json, const RySkeleton &skeleton)
+{
+    json.key(Key("bones"));
+    json.beginArray();
+    for (const RyBone *bone : skeleton.getAllBones()) {
+        json.beginObject();
+        addVector(json, Key("endPoint"), bone->getEndPoint());
+        json.add(Key("name"), bone->getName());
+        addVector(json, Key("origin"), bone->getOrigin());
+        json.add(Key("parent"), bone->getNodeParent()->getName());
+        json.add(Key("rotationOrder"), bone->getRotationOrder().name());
+        json.endObject();
+    }
+    json.endArray();
+}
+
+/// A figure or a prop.
+void addNode(JsonText &json, const RyNode &node)
 {
     const auto *shape = qobject_cast<const RyFacetShape *>(RyShape::getCurrentShapeForNode(&node));
     const RyFacetMesh *mesh = shape ? shape->getFacetMesh() : nullptr;
-    if (!mesh)
-        return;
-    entry[QStringLiteral("vertices")] = mesh->getNumVertices();
-    entry[QStringLiteral("facets")] = mesh->getNumFacets();
-    if (shape->getParts()) {
+    json.beginObject();
+    if (const auto *skeleton = qobject_cast<const RySkeleton *>(&node))
+        addBones(json, *skeleton);
+    if (mesh) {
+        QStringList groups;
+        for (int g = 0; g < mesh->getNumFaceGroups(); ++g)
+            groups.append(mesh->getFaceGroup(g)->getName());
+        addTexts(json, Key("faceGroups"), groups);
+        json.add(Key("facets"), mesh->getNumFacets());
+    }
+    if (mesh && shape->getParts()) {
         int split = 0;
         for (const RyMeshPart &part : shape->getParts()->parts)
             split += int(part.vertexOfSplit.size());
-        entry[QStringLiteral("fileVertices")] = split;
+        json.add(Key("fileVertices"), split);
     }
-    QJsonArray groups;
-    for (int g = 0; g < mesh->getNumFaceGroups(); ++g)
-        groups.append(mesh->getFaceGroup(g)->getName());
-    entry[QStringLiteral("faceGroups")] = groups;
-    entry[QStringLiteral("size")] = vector(mesh->getBoundingBox().getExtents());
+    json.add(Key("name"), node.getName());
+    json.add(Key("path"), RyNodeLookup::pathOf(&node));
+    if (mesh) {
+        addVector(json, Key("size"), mesh->getBoundingBox().getExtents());
+        json.add(Key("vertices"), mesh->getNumVertices());
+    }
+    json.endObject();
+}
+
+void addNodes(JsonText &json, Key key, const std::vector<const RyNode *> &nodes)
+{
+    json.key(key);
+    json.beginArray();
+    for (const RyNode *node : nodes)
+        addNode(json, *node);
+    json.endArray();
 }
 
 } // namespace
 
-QJsonObject batchReport(const RyScene &scene, const BatchEvents &events)
+QByteArray batchReport(const RyScene &scene, const BatchEvents &events)
 {
-    QJsonArray figures, props;
+    std::vector<const RyNode *> figures, props;
     for (const RyNode *node : scene.getNodesInTreeOrder()) {
-        const auto *skeleton = qobject_cast<const RySkeleton *>(node);
-        if (!skeleton && !node->getObject())
-            continue;
-        QJsonObject entry{{QStringLiteral("name"), node->getName()},
-                          {QStringLiteral("path"), RyNodeLookup::pathOf(node)}};
-        if (skeleton) {
-            addMesh(entry, *node);
-            QJsonArray bones;
-            for (const RyBone *bone : skeleton->getAllBones()) {
-                bones.append(QJsonObject{{QStringLiteral("name"), bone->getName()},
-                                         {QStringLiteral("parent"), bone->getNodeParent()->getName()},
-                                         {QStringLiteral("origin"), vector(bone->getOrigin())},
-                                         {QStringLiteral("endPoint"), vector(bone->getEndPoint())},
-                                         {QStringLiteral("rotationOrder"), bone->getRotationOrder().name()}});
-            }
-            entry[QStringLiteral("bones")] = bones;
-            figures.append(entry);
-        } else {
-            addMesh(entry, *node);
-            props.append(entry);
-        }
+        if (qobject_cast<const RySkeleton *>(node))
+            figures.push_back(node);
+        else if (node->getObject())
+            props.push_back(node);
     }
-    QJsonArray selection, steps;
+    QStringList selection, steps;
     for (const RyNode *node : scene.selectedNodeListIterator())
         selection.append(RyNodeLookup::pathOf(node));
     for (int step = 0; step < ryUndoStack()->count(); ++step)
         steps.append(ryUndoStack()->caption(step));
-    QJsonObject report{
-        {QStringLiteral("figures"), figures},
-        {QStringLiteral("props"), props},
-        {QStringLiteral("selection"), selection},
-        {QStringLiteral("undoSteps"), steps},
-        {QStringLiteral("undoIndex"), ryUndoStack()->index()},
-        {QStringLiteral("unsaved"), !ryUndoStack()->isClean()},
-        {QStringLiteral("messages"), QJsonArray::fromStringList(events.messages)},
-        {QStringLiteral("runs"), QJsonArray::fromVariantList(events.runs)},
-        {QStringLiteral("boxes"), QJsonArray::fromVariantList(events.boxes)},
-    };
+    const RySceneOrigin *origin = scene.getOrigin();
+    JsonText json;
+    json.beginObject();
+    json.add(Key("boxes"), QJsonValue::fromVariant(events.boxes));
+    addNodes(json, Key("figures"), figures);
+    if (origin)
+        json.add(Key("file"), QFileInfo(origin->path()).fileName());
     if (!events.fits.isEmpty())
-        report[QStringLiteral("fits")] = QJsonArray::fromVariantList(events.fits);
-    if (const RySceneOrigin *origin = scene.getOrigin()) {
-        report[QStringLiteral("file")] = QFileInfo(origin->path()).fileName();
-        report[QStringLiteral("unit")] = origin->unitFactor();
-    }
-    return report;
+        json.add(Key("fits"), QJsonValue::fromVariant(events.fits));
+    addTexts(json, Key("messages"), events.messages);
+    addNodes(json, Key("props"), props);
+    json.add(Key("runs"), QJsonValue::fromVariant(events.runs));
+    addTexts(json, Key("selection"), selection);
+    json.add(Key("undoIndex"), ryUndoStack()->index());
+    addTexts(json, Key("undoSteps"), steps);
+    if (origin)
+        json.add(Key("unit"), origin->unitFactor());
+    json.add(Key("unsaved"), !ryUndoStack()->isClean());
+    json.endObject();
+    return json.takeText();
 }

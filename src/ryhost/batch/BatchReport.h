@@ -4,7 +4,6 @@
 #include <QStringList>
 #include <QVariantList>
 
-class QJsonObject;
 class RyScene;
 
 /// What happened in a batch run.
@@ -17,5 +16,6 @@ struct BatchEvents
     QVariantList boxes;  // dialogs and message boxes, each with the verb `during` which it opened
 };
 
-/// What a batch run says of the scene: JSON with figures, bones, undo steps, selection and the events of the run.
-QJsonObject batchReport(const RyScene &scene, const BatchEvents &events);
+/// What a batch run says of the scene: the text of a JSON document with figures, bones, undo steps, selection and the
+/// events of the run.
+QByteArray batchReport(const RyScene &scene, const BatchEvents &events);
