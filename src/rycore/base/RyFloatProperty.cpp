@@ -8,6 +8,40 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+/// A property that is announcing itself. Tells whether it was deleted meanwhile, as a QPointer would, but without
+/// something to be allocated and kept for each property that ever changed.
+class Announcing
+{
+public:
+    explicit Announcing(const RyFloatProperty *property) : m_property(property), m_outer(s_innermost)
+    {
+        s_innermost = this;
+    }
+    ~Announcing() { s_innermost = m_outer; }
+    Announcing(const Announcing &) = delete;
+    Announcing &operator=(const Announcing &) = delete;
+
+    bool isAlive() const { return m_property; }
+    static void forget(const RyFloatProperty *property)
+    {
+        for (Announcing *each = s_innermost; each; each = each->m_outer) {
+            if (each->m_property == property)
+                each->m_property = nullptr;
+        }
+    }
+
+private:
+    static Announcing *s_innermost;
+    const RyFloatProperty *m_property;
+    Announcing *const m_outer;
+};
+
+Announcing *Announcing::s_innermost = nullptr;
+
+} // namespace
+
 RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float defaultValue)
     : RyProperty(owner, name), m_raw(std::isfinite(defaultValue) ? defaultValue : 0.0f), m_value(m_raw),
       m_announced(m_raw), m_default(m_raw)
@@ -15,6 +49,7 @@ RyFloatProperty::RyFloatProperty(RyElement *owner, const QString &name, float de
 
 RyFloatProperty::~RyFloatProperty()
 {
+    Announcing::forget(this);
     while (!m_incoming.empty() || !m_outgoing.empty()) { // who hears of one that goes may make another
         while (!m_incoming.empty())
             m_incoming.back()->detach(false);
@@ -65,13 +100,18 @@ void RyFloatProperty::setDefaultValue(float value)
         return;
     recordChange();
     m_default = value;
-    const Dependents dependents = workOutDependents(true);
-    const QPointer<RyFloatProperty> guard(this);
+    const bool isAlone = m_outgoing.empty();
+    const Dependents dependents = isAlone ? Dependents() : workOutDependents(true);
+    if (isAlone)
+        workOut();
+    const Announcing announcing(this);
     if (RyElement *owner = getOwner())
         owner->propertyDefaultChanged(this);
-    if (guard)
+    if (announcing.isAlive())
         emit defaultValueChanged();
     announce(dependents);
+    if (isAlone && announcing.isAlive())
+        announceIfChanged();
 }
 
 void RyFloatProperty::setIsClamped(bool clamped)
@@ -173,10 +213,10 @@ void RyFloatProperty::announceIfChanged()
     if (m_value == m_announced)
         return;
     m_announced = m_value;
-    const QPointer<RyFloatProperty> guard(this);
+    const Announcing announcing(this);
     if (RyElement *owner = getOwner())
         owner->propertyChanged(this);
-    if (guard)
+    if (announcing.isAlive())
         emit currentValueChanged();
 }
 

@@ -11,6 +11,7 @@ void RyNodeEdit::begin(const RyNodeRigging &rigging, const RyNodePose &pose)
         m_values.push_back(property->getDefaultValue());
     };
     m_values.clear();
+    m_values.reserve(2 * (RyNodeRigging::Controls().size() + RyNodePose::Controls().size()));
     for (const RyFloatProperty *property : rigging)
         keep(property);
     for (const RyFloatProperty *property : pose)
@@ -20,7 +21,7 @@ void RyNodeEdit::begin(const RyNodeRigging &rigging, const RyNodePose &pose)
 
 void RyNodeEdit::finish()
 {
-    m_values.clear();
+    m_values = {}; // nothing is kept in each of the nodes that were ever edited
     m_riggingTouched = false;
 }
 

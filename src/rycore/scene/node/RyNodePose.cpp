@@ -8,31 +8,31 @@
 
 void RyNodePose::make(RyElement *owner, RyPropertyGroup *root)
 {
+    // The texts are shared by all nodes.
     static const struct
     {
-        const char *name;
-        const char *label;
-        const char *group;
+        QString name;
+        QString label;
+        QString group;
         float value;
     } controls[10] = {
-        {"xtran", "X Translate", "Translation", 0},
-        {"ytran", "Y Translate", "Translation", 0},
-        {"ztran", "Z Translate", "Translation", 0},
-        {"xrot", "X Rotate", "Rotation", 0},
-        {"yrot", "Y Rotate", "Rotation", 0},
-        {"zrot", "Z Rotate", "Rotation", 0},
-        {"scale", "Scale", "Scale", 1},
-        {"xscale", "X Scale", "Scale", 1},
-        {"yscale", "Y Scale", "Scale", 1},
-        {"zscale", "Z Scale", "Scale", 1},
+        {QStringLiteral("xtran"), QStringLiteral("X Translate"), QStringLiteral("Translation"), 0},
+        {QStringLiteral("ytran"), QStringLiteral("Y Translate"), QStringLiteral("Translation"), 0},
+        {QStringLiteral("ztran"), QStringLiteral("Z Translate"), QStringLiteral("Translation"), 0},
+        {QStringLiteral("xrot"), QStringLiteral("X Rotate"), QStringLiteral("Rotation"), 0},
+        {QStringLiteral("yrot"), QStringLiteral("Y Rotate"), QStringLiteral("Rotation"), 0},
+        {QStringLiteral("zrot"), QStringLiteral("Z Rotate"), QStringLiteral("Rotation"), 0},
+        {QStringLiteral("scale"), QStringLiteral("Scale"), QStringLiteral("Scale"), 1},
+        {QStringLiteral("xscale"), QStringLiteral("X Scale"), QStringLiteral("Scale"), 1},
+        {QStringLiteral("yscale"), QStringLiteral("Y Scale"), QStringLiteral("Scale"), 1},
+        {QStringLiteral("zscale"), QStringLiteral("Z Scale"), QStringLiteral("Scale"), 1},
     };
     RyPropertyGroup *group = nullptr;
     for (int i = 0; i < 10; ++i) {
-        const QLatin1String name(controls[i].group);
-        if (!group || group->getName() != name)
-            group = root->addChild(name);
-        auto property = std::make_unique<RyFloatProperty>(owner, QLatin1String(controls[i].name), controls[i].value);
-        property->setLabel(QLatin1String(controls[i].label));
+        if (!group || group->getName() != controls[i].group)
+            group = root->addChild(controls[i].group);
+        auto property = std::make_unique<RyFloatProperty>(owner, controls[i].name, controls[i].value);
+        property->setLabel(controls[i].label);
         m_controls[size_t(i)] = group->addProperty(std::move(property));
     }
 }

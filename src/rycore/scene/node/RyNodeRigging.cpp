@@ -6,21 +6,39 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Texts that all nodes share.
+struct Triples
+{
+    std::array<QString, 3> groups{QStringLiteral("Center Point"), QStringLiteral("End Point"),
+                                  QStringLiteral("Orientation")};
+    std::array<QString, 9> names;
+    std::array<QString, 9> labels;
+
+    Triples()
+    {
+        static const char *const ids[3] = {"origin", "end", "orient"};
+        static const char *const kinds[3] = {"Center", "End", "Orientation"};
+        for (size_t i = 0; i < names.size(); ++i) {
+            const QLatin1Char axis(char('X' + int(i % 3)));
+            names[i] = QLatin1String(ids[i / 3]) + axis;
+            labels[i] = QLatin1String(kinds[i / 3]) + QLatin1Char(' ') + axis;
+        }
+    }
+};
+
+} // namespace
+
 void RyNodeRigging::make(RyElement *owner, RyPropertyGroup *root)
 {
-    static const struct
-    {
-        const char *name;
-        const char *label;
-    } groups[3] = {{"Center Point", "Center"}, {"End Point", "End"}, {"Orientation", "Orientation"}};
-    static const char *const ids[3] = {"origin", "end", "orient"};
-    for (int triple = 0; triple < 3; ++triple) {
-        RyPropertyGroup *group = root->addChild(QLatin1String(groups[triple].name));
-        for (int axis = 0; axis < 3; ++axis) {
-            const QString name = QLatin1String(ids[triple]) + QLatin1Char(char('X' + axis));
-            auto property = std::make_unique<RyFloatProperty>(owner, name);
-            property->setLabel(QLatin1String(groups[triple].label) + QLatin1Char(' ') + QLatin1Char(char('X' + axis)));
-            m_controls[size_t(3 * triple + axis)] = group->addProperty(std::move(property));
+    static const Triples triples;
+    for (size_t triple = 0; triple < triples.groups.size(); ++triple) {
+        RyPropertyGroup *group = root->addChild(triples.groups[triple]);
+        for (size_t i = 3 * triple; i < 3 * triple + 3; ++i) {
+            auto property = std::make_unique<RyFloatProperty>(owner, triples.names[i]);
+            property->setLabel(triples.labels[i]);
+            m_controls[i] = group->addProperty(std::move(property));
         }
     }
 }
