@@ -91,7 +91,7 @@ void RyFigureExtras::applySelectionMap(const RyGltfOrigin &origin, int figure, R
             map->addPair(QString::fromStdString(pair[0].get<std::string>()),
                          target == nodes.end() ? nullptr : target->second, false);
         }
-    } else {
+    } else if (mesh->getNumFaceGroups() > 0) {
         // Without a stored map a group goes with the bone of its name.
         std::map<QString, RyNode *> bones;
         std::vector<RyNode *> below;

@@ -61,7 +61,7 @@ struct RyGltfFigureSource
     std::shared_ptr<const std::vector<RyGltfLinear>> toNodePose;
     QString mapsText;          // local, scale and bulge maps as the extras say them
     int firstRoot = -1;        // node of the first topmost bone
-    QString riggingText;       // of the figure itself, as that of nodes
+    QByteArray riggingState;   // of the figure itself, as that of nodes
     QString groupsText;        // face groups as they were read, in the text of the extras
     QString selectionText;     // likewise the selection map
     QPointer<RyNode> followed; // the figure that it follows

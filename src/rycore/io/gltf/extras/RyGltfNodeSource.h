@@ -4,6 +4,7 @@
 #include "rycore/math/RyAffine.h"
 #include "rycore/scene/RyNode.h"
 
+#include <QByteArray>
 #include <QPointer>
 
 /// Whether a node, or one above it in its figure, drops the scale above it. In the world that is the figure's own scale
@@ -29,5 +30,5 @@ struct RyGltfNodeSource
     int parent = -1;              // node of the file that stands above it in the scene, -1 below a figure or nothing
     QPointer<RyNode> sceneParent; // the same in the scene, or the figure
     RyAffine figureToWorld;       // of the figure above a topmost bone, in centimetres
-    QString riggingText;          // what the extras would hold, as it was read
+    QByteArray riggingState;      // of what the extras would hold, as it was read
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using RyExtrasJson::find;
 using RyExtrasJson::readVector;
@@ -265,16 +266,29 @@ static bool hasOtherDefaults(const RyNodePose::Controls &pose)
     return false;
 }
 
+/// Whether a control may become what those of a new node may.
+static bool hasPlainLimits(const RyFloatProperty &control)
+{
+    static const std::pair<float, float> plain = [] {
+        const RyFloatProperty fresh(nullptr, QString());
+        return std::pair(fresh.getMin(), fresh.getMax());
+    }();
+    return !control.isClamped() && control.getMin() == plain.first && control.getMax() == plain.second;
+}
+
 Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
 {
-    Json ours{{"version", RyExtrasJson::Version}};
+    Json ours = Json::object();
+    auto &members = ours.get_ref<Json::object_t &>();
+    members.reserve(8); // an object without room grows by copying what it holds
+    members.emplace_back("version", RyExtrasJson::Version);
     const RyNodeRigging::Controls &rigging = sceneNode.riggingControls();
     const char *const names[3] = {"origin", "end", "orient"};
     Json defaults = Json::object();
     for (int triple = 0; rigging[0] && triple < 3; ++triple) {
         const RyVec3 current = RyPropertyTriple::read(rigging.data() + 3 * triple, false);
         const RyVec3 byDefault = RyPropertyTriple::read(rigging.data() + 3 * triple, true);
-        ours[names[triple]] = vectorJson(current);
+        members.emplace_back(names[triple], vectorJson(current));
         if (byDefault != current)
             defaults[names[triple]] = vectorJson(byDefault);
     }
@@ -310,21 +324,57 @@ Json RyRiggingExtras::nodeJson(const RyNode &sceneNode, const RyVec3 *place)
     if (!flags.empty())
         ours["flags"] = std::move(flags);
     Json limits = Json::object();
-    const RyFloatProperty plain(const_cast<RyNode *>(&sceneNode), QString()); // without limits of its own
     for (const RyFloatProperty *property : sceneNode.poseControls()) {
-        if (property->isClamped())
-            limits[property->getName().toStdString()] = Json::array({property->getMin(), property->getMax()});
-        else if (property->getMin() != plain.getMin() || property->getMax() != plain.getMax())
-            limits[property->getName().toStdString()] = Json::array({property->getMin(), property->getMax(), false});
+        if (hasPlainLimits(*property))
+            continue;
+        Json &range = limits[property->getName().toStdString()];
+        range = Json::array({property->getMin(), property->getMax()});
+        if (!property->isClamped())
+            range.push_back(false);
     }
     if (!limits.empty())
         ours["limits"] = std::move(limits);
     return ours;
 }
 
-QString RyRiggingExtras::nodeText(const RyNode &node)
+// Every member begins with a letter that says which one it is, and has a length of its own.
+QByteArray RyRiggingExtras::nodeState(const RyNode &node)
 {
-    return QString::fromStdString(nodeJson(node, nullptr).dump());
+    QByteArray state;
+    state.reserve(64);
+    const auto add = [&state](char member, const auto &value) {
+        state += member;
+        state.append(reinterpret_cast<const char *>(&value), int(sizeof(value)));
+    };
+    const RyNodeRigging::Controls &rigging = node.riggingControls();
+    for (size_t triple = 0; rigging[0] && triple < 9; triple += 3) {
+        const RyVec3 current = RyPropertyTriple::read(rigging.data() + triple, false);
+        const RyVec3 byDefault = RyPropertyTriple::read(rigging.data() + triple, true);
+        add('r', current);
+        if (byDefault != current)
+            add('d', byDefault);
+    }
+    const RyNodePose::Controls &pose = node.poseControls();
+    const bool hasPoseDefaults = hasOtherDefaults(pose);
+    const bool hasPose = hasPoseDefaults || node.isPosed();
+    for (size_t i = 0; i < pose.size(); ++i) {
+        if (hasPoseDefaults)
+            add('D', pose[i]->getDefaultValue());
+        if (hasPose)
+            add('p', pose[i]->getValue());
+        if (hasPlainLimits(*pose[i]))
+            continue;
+        add(pose[i]->isClamped() ? 'c' : 'l', char(i));
+        add('<', pose[i]->getMin());
+        add('>', pose[i]->getMax());
+    }
+    add('o', char(node.getRotationOrder().order()));
+    const auto *skeleton = qobject_cast<const RySkeleton *>(&node);
+    add('f', char(int(node.isHidden()) | int(!node.isSelectable()) << 1 | int(node.isSelectionPromoted()) << 2 |
+                  int(!node.inheritsScale()) << 3 | int(skeleton && skeleton->drawsGLBones()) << 4));
+    if (node.hasOwnLabel())
+        state += 'n' + node.getLabel().toUtf8();
+    return state;
 }
 
 void RyRiggingExtras::storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place,

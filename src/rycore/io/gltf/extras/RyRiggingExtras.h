@@ -33,8 +33,8 @@ void applyFigure(const nlohmann::ordered_json &stored, double unit, bool withPla
 
 /// What is stored of a node. `place`: the origin as the file says it, where that is not the node's.
 nlohmann::ordered_json nodeJson(const RyNode &sceneNode, const RyVec3 *place);
-/// The same as a text, to see whether it was edited.
-QString nodeText(const RyNode &node);
+/// Bytes that differ where what is stored of a node does, to see whether it was edited; cheaper than the text of it.
+QByteArray nodeState(const RyNode &node);
 /// Writes it into a patched document. `bind`: the rest frame of a bone as the document has it; where the bone's
 /// orientation is another, the frame's is stored beside it.
 void storeNode(RyGltfDocument &document, int node, const RyNode &sceneNode, const RyVec3 *place = nullptr,

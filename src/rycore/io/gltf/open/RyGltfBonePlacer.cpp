@@ -160,7 +160,7 @@ void RyGltfBonePlacer::placeBone(size_t index, const RyVec3 &end)
     setPose(source);
     RyRiggingExtras::applyLimits(*m_origin.document, source.node, m_origin.unit, *bone);
     source.loaded = RyNodeValues::of(*bone);
-    source.riggingText = RyRiggingExtras::nodeText(*bone);
+    source.riggingState = RyRiggingExtras::nodeState(*bone);
 }
 
 /// Many values of the pose controls make one map: the stored ones where they do, otherwise the plainest.

@@ -140,7 +140,7 @@ void RyGltfSceneReader::readLinks()
         if (!linked.count(source.sceneNode))
             return;
         source.loaded = RyNodeValues::of(*source.sceneNode);
-        source.riggingText = RyRiggingExtras::nodeText(*source.sceneNode);
+        source.riggingState = RyRiggingExtras::nodeState(*source.sceneNode);
     };
     for (RyGltfNodeSource &source : m_origin->nodes)
         noteValues(source);
@@ -328,7 +328,7 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
     if (!attachSkin(figure))
         attachMesh(figure, std::move(weights));
     figure.source.loaded = RyNodeValues::of(*figure.figure);
-    figure.source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
+    figure.source.riggingState = RyRiggingExtras::nodeState(*figure.figure);
 }
 
 void RyGltfSceneReader::addSource(RyGltfNodeSource source)
@@ -376,7 +376,7 @@ RyGltfNodeSource RyGltfSceneReader::carrierSource(const Figure &figure) const
                   figure.figure->worldMap().inverse();
     source.localPose = figure.figure->getLocalMap();
     source.loaded = RyNodeValues::of(*figure.figure);
-    source.riggingText = RyRiggingExtras::nodeText(*figure.figure);
+    source.riggingState = RyRiggingExtras::nodeState(*figure.figure);
     return source;
 }
 

@@ -181,5 +181,5 @@ void RyGltfSceneReader::finishProp(RyGltfNodeSource &source)
     setPropPose(source);
     RyRiggingExtras::applyLimits(*m_origin->document, source.node, m_origin->unit, prop);
     source.loaded = RyNodeValues::of(prop);
-    source.riggingText = RyRiggingExtras::nodeText(prop);
+    source.riggingState = RyRiggingExtras::nodeState(prop);
 }

@@ -147,7 +147,7 @@ void Carriers::add(const RyGltfFigureSource &figure, const std::set<int> &tops)
     source.node = carrier;
     source.sceneNode = figure.sceneNode;
     source.loaded = figure.loaded;
-    source.riggingText = figure.riggingText;
+    source.riggingState = figure.riggingState;
     source.bind = parentToWorld * RyAffine::fromScale(m_origin.unit) * place.inverse();
     source.localPose = place;
     m_origin.addNode(std::move(source));

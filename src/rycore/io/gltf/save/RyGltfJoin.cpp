@@ -233,7 +233,7 @@ void RyGltfJoin::addCarrier(const RyGltfFigureSource &figure, int node, double u
     carrier.node = node;
     carrier.sceneNode = figure.sceneNode;
     carrier.loaded = figure.loaded;
-    carrier.riggingText = figure.riggingText;
+    carrier.riggingState = figure.riggingState;
     RyAffine place; // of the figure, as it was read
     for (RyGltfNodeSource &source : m_joined->nodes) {
         if (!source.isBone || source.sceneParent != figure.sceneNode)

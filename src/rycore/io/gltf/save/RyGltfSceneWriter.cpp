@@ -39,7 +39,7 @@ bool isFigureEdited(const RyGltfFigureSource &figure)
         return true;
     if (!qobject_cast<const RySkeleton *>(&node))
         return false;
-    return !(RyNodeValues::of(node) == figure.loaded) || RyRiggingExtras::nodeText(node) != figure.riggingText ||
+    return !(RyNodeValues::of(node) == figure.loaded) || RyRiggingExtras::nodeState(node) != figure.riggingState ||
            RyFigureExtras::selectionText(node) != figure.selectionText || ryGltfWeightsChanged(figure) ||
            RyMapExtras::text(RySkinBinding::findSkinFromNode(&node)) != figure.mapsText ||
            RyParametricExtras::text(node) != figure.parametricText;
@@ -144,7 +144,7 @@ bool RyGltfSceneWriter::isEdited(const RyScene &scene) const
     }
     for (const RyGltfNodeSource &node : source.nodes) {
         if (!(RyNodeValues::of(*node.sceneNode) == node.loaded) ||
-            RyRiggingExtras::nodeText(*node.sceneNode) != node.riggingText) {
+            RyRiggingExtras::nodeState(*node.sceneNode) != node.riggingState) {
             return true;
         }
     }
