@@ -47,6 +47,10 @@ void RyExtrasJson::store(Json &holder, Json value)
         return;
     }
     const bool hadExtras = holder.contains("extras");
+    if (const auto *members = holder.get_ptr<const Json::object_t *>();
+        !hadExtras && members && members->size() == members->capacity()) {
+        RyGltfJson::makeRoom(holder);
+    }
     Json &extras = holder["extras"];
     if (!extras.is_object()) {
         Json before = std::move(extras);

@@ -1,6 +1,9 @@
 #pragma once
 
-#include <map>
+#include "rycore/base/RyPointerTable.h"
+
+#include <utility>
+#include <vector>
 
 class RyNode;
 
@@ -8,18 +11,29 @@ class RyNode;
 class RyGltfNodeIndex
 {
 public:
+    using Entries = std::vector<std::pair<const RyNode *, int>>;
+
     /// A node that is there keeps its place.
-    void add(const RyNode *node, int place) { m_places.emplace(node, place); }
-    void add(const RyGltfNodeIndex &others) { m_places.insert(others.m_places.begin(), others.m_places.end()); }
+    void add(const RyNode *node, int place)
+    {
+        if (m_places.insertNew(node, place))
+            m_entries.emplace_back(node, place);
+    }
+    void add(const RyGltfNodeIndex &others)
+    {
+        for (const auto &[node, place] : others.m_entries)
+            add(node, place);
+    }
     /// -1 for none.
     int of(const RyNode *node) const
     {
-        const auto found = m_places.find(node);
-        return found == m_places.end() ? -1 : found->second;
+        const int *place = node ? m_places.find(node) : nullptr;
+        return place ? *place : -1;
     }
-    /// In no order that means anything.
-    const std::map<const RyNode *, int> &entries() const { return m_places; }
+    /// In the order in which they were added.
+    const Entries &entries() const { return m_entries; }
 
 private:
-    std::map<const RyNode *, int> m_places;
+    Entries m_entries;
+    RyPointerTable<int> m_places;
 };

@@ -1,5 +1,6 @@
 #include "rycore/io/gltf/save/RyGltfFigurePlanner.h"
 
+#include "rycore/base/RyPointerTable.h"
 #include "rycore/io/gltf/save/RyGltfWeightComparison.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyBone.h"
@@ -101,32 +102,41 @@ void RyGltfFigurePlanner::addJoints(Figure &figure) const
 {
     // What a reader would not take for a bone by itself: new bones, bones with weights, and bones that do not stand
     // between two joints.
-    std::set<const RyNode *> joints, bound, aboveJoints, belowJoints;
+    RyPointerTable<bool> joints, bound, aboveJoints, belowJoints; // those that have a value
     for (const Skin &skin : figure.skins) {
         for (const int joint : skin.joints)
-            joints.insert(m_patch.edits.at(joint).node);
+            joints.insertNew(m_patch.edits.at(joint).node, true);
     }
-    for (const RyGltfBoneWeights &each : ryGltfBoneWeights(figure.source->sceneNode))
-        bound.insert(each.bone);
-    for (const RyNode *joint : joints) {
-        for (const RyNode *above = joint->getNodeParent(); above && aboveJoints.insert(above).second;)
-            above = above->getNodeParent();
+    if (std::all_of(figure.bones.begin(), figure.bones.end(),
+                    [&joints](const RyBone *bone) { return joints.find(bone) != nullptr; })) {
+        return;
+    }
+    for (const RyGltfBoneWeights &each : ryGltfBoneWeights(figure.source->sceneNode)) {
+        if (each.bone)
+            bound.insertNew(each.bone, true);
+    }
+    for (const Skin &skin : figure.skins) {
+        for (const int joint : skin.joints) {
+            const RyNode *above = m_patch.edits.at(joint).node->getNodeParent();
+            for (; above && aboveJoints.insertNew(above, true);)
+                above = above->getNodeParent();
+        }
     }
     for (const RyBone *bone : figure.bones) {
-        if (joints.count(bone))
+        if (joints.find(bone))
             continue;
         const int index = m_patch.nodeOf.of(bone);
         bool isBelow = false;
         for (const RyNode *above = bone->getNodeParent(); above && !isBelow; above = above->getNodeParent())
-            isBelow = joints.count(above) > 0 || belowJoints.count(above) > 0;
+            isBelow = joints.find(above) || belowJoints.find(above);
         if (isBelow)
-            belowJoints.insert(bone);
-        if (m_patch.edits.at(index).source && !bound.count(bone) && isBelow && aboveJoints.count(bone))
+            belowJoints.insertNew(bone, true);
+        if (m_patch.edits.at(index).source && !bound.find(bone) && isBelow && aboveJoints.find(bone))
             continue;
         Skin &skin = skinFor(figure, *bone);
         skin.joints.push_back(index);
         skin.isOther = true;
-        joints.insert(bone);
+        joints.insertNew(bone, true);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "rycore/io/gltf/extras/RyGltfNodeIndex.h"
 #include "rycore/io/gltf/extras/RyGltfOrigin.h"
+#include "rycore/io/gltf/save/RyGltfByNode.h"
 #include "rycore/scene/RyBone.h"
 
 #include <QStringList>
@@ -40,8 +41,8 @@ struct RyGltfScenePatch
     RyGltfDocument &document;
     QStringList *messages;
 
-    std::map<int, Edit> edits; // by node of the patched document
-    RyGltfNodeIndex nodeOf;    // nodes of the patched document
+    RyGltfByNode<Edit> edits; // by node of the patched document
+    RyGltfNodeIndex nodeOf;   // nodes of the patched document
     std::vector<std::pair<const RyNode *, int>> added;
     std::set<int> removed;            // nodes of the file whose bone or prop is gone
     std::set<int> rewritten;          // nodes with another transform

@@ -41,10 +41,10 @@ bool RyGltfStructurePatch::isEdited(const RyGltfOrigin &source)
 
 bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
 {
-    std::map<const RyNode *, const RyGltfNodeSource *> sources;
+    RyPointerTable<const RyGltfNodeSource *> sources;
     for (const RyGltfNodeSource &source : m_patch.source.nodes) {
         if (isThere(source.sceneNode))
-            sources.emplace(source.sceneNode, &source);
+            sources.insertNew(source.sceneNode, &source);
     }
     for (const RyNode *top : scene.getTopLevelNodes())
         walk(*top, sources);
@@ -76,20 +76,20 @@ bool RyGltfStructurePatch::apply(const RyScene &scene, QString *error)
     return !m_tree.isChanged() || m_tree.finish(error);
 }
 
-void RyGltfStructurePatch::walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources)
+void RyGltfStructurePatch::walk(const RyNode &top, const RyPointerTable<const RyGltfNodeSource *> &sources)
 {
     std::vector<RyNode *> nodes;
     top.getNodeChildren(nodes, true);
     nodes.insert(nodes.begin(), const_cast<RyNode *>(&top));
     for (const RyNode *node : nodes) {
-        const auto known = sources.find(node);
+        const RyGltfNodeSource *const *known = sources.find(node);
         // A figure at the top that no node of the file carries has only its bones there.
-        const bool isPlaceless = known == sources.end() && node == &top && m_patch.source.findFigureSource(node) &&
-                                 qobject_cast<const RySkeleton *>(node);
+        const bool isPlaceless =
+            !known && node == &top && m_patch.source.findFigureSource(node) && qobject_cast<const RySkeleton *>(node);
         if (!node->getScene() || isPlaceless || qobject_cast<const RyCamera *>(node))
             continue;
-        if (known != sources.end()) {
-            const RyGltfNodeSource &source = *known->second;
+        if (known) {
+            const RyGltfNodeSource &source = **known;
             m_patch.nodeOf.add(node, source.node);
             m_patch.edits[source.node] = {node, &source, source.bind, false, false, false, false, {}};
         } else {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "rycore/base/RyPointerTable.h"
 #include "rycore/io/gltf/save/RyGltfScenePatch.h"
 #include "rycore/io/gltf/save/RyGltfTops.h"
 #include "rycore/io/gltf/save/RyGltfTreePatch.h"
@@ -21,7 +22,7 @@ public:
     static bool isEdited(const RyGltfOrigin &source);
 
 private:
-    void walk(const RyNode &top, const std::map<const RyNode *, const RyGltfNodeSource *> &sources);
+    void walk(const RyNode &top, const RyPointerTable<const RyGltfNodeSource *> &sources);
     void findRemoved();
     int parentNow(const RyNode &node, int index) const;
     int survivingAbove(int node) const;

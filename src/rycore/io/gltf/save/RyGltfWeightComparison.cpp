@@ -1,11 +1,11 @@
 #include "rycore/io/gltf/save/RyGltfWeightComparison.h"
 
+#include "rycore/base/RyPointerTable.h"
 #include "rycore/io/gltf/extras/RyGltfInfluences.h"
 #include "rycore/scene/RyBone.h"
 
 #include <algorithm>
 #include <climits>
-#include <map>
 
 namespace {
 
@@ -56,23 +56,26 @@ private:
 bool ryGltfWeightsChanged(const RyGltfFigureSource &figure, std::vector<bool> *changed)
 {
     Comparison comparison(changed);
-    std::map<const RyNode *, const RyGltfLoadedWeights *> loaded;
+    RyPointerTable<size_t> loaded;               // places in the list
     std::vector<const RyNode *> order, orderNow; // of bindings
+    std::vector<bool> isLeft;                    // of those, the ones that have no weights now
     for (const RyGltfLoadedWeights &weights : *figure.weights) {
+        isLeft.push_back(!weights.bone || loaded.insertNew(weights.bone, order.size()));
         order.push_back(weights.bone);
-        loaded.emplace(weights.bone, &weights);
     }
     for (const RyGltfBoneWeights &now : ryGltfBoneWeights(figure.sceneNode)) {
         orderNow.push_back(now.bone);
-        const auto before = loaded.find(now.bone);
-        if (before == loaded.end()) {
+        const size_t *before = loaded.find(now.bone);
+        if (!before || !isLeft[*before]) {
             comparison.markAll(now.weights.vertices);
             continue;
         }
-        comparison.compare(now.weights, *before->second);
-        loaded.erase(before);
+        comparison.compare(now.weights, (*figure.weights)[*before]);
+        isLeft[*before] = false;
     }
-    for (const auto &[bone, weights] : loaded)
-        comparison.markAll(weights->vertices);
+    for (size_t place = 0; place < isLeft.size(); ++place) {
+        if (isLeft[place])
+            comparison.markAll((*figure.weights)[place].vertices);
+    }
     return comparison.differs() || order != orderNow;
 }
