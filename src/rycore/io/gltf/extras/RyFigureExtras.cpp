@@ -303,8 +303,8 @@ void RyFigureExtras::storeFile(RyGltfDocument &document, double unit, const std:
         Json entry = Json::object();
         // By its node, or that of its first bone, it is found again.
         const auto *skeleton = qobject_cast<const RySkeleton *>(figure);
-        const std::vector<RyBone *> bones = figure ? ryOwnBones(*figure) : std::vector<RyBone *>();
-        const int of = nodeOf.of(bones.empty() ? figure : bones.front());
+        const RyNode *bone = figure ? ryFirstOwnBone(*figure) : nullptr;
+        const int of = nodeOf.of(bone ? bone : figure);
         if (of >= 0)
             entry["of"] = of;
         const RyObject *object = figure ? figure->getObject() : nullptr;

@@ -39,6 +39,27 @@ std::vector<RyBone *> ryOwnBones(const RyNode &figure)
     return skeleton ? skeleton->ownBones() : std::vector<RyBone *>();
 }
 
+RyBone *ryFirstOwnBone(const RyNode &figure)
+{
+    if (!qobject_cast<const RySkeleton *>(&figure))
+        return nullptr;
+    const auto reversed = [](const RyNode &node) {
+        std::vector<RyNode *> children = node.nodeChildrenIterator();
+        std::reverse(children.begin(), children.end());
+        return children;
+    };
+    std::vector<RyNode *> pending = reversed(figure);
+    while (!pending.empty()) {
+        RyNode *node = pending.back();
+        pending.pop_back();
+        if (auto *bone = qobject_cast<RyBone *>(node); bone && bone->getSkeleton() == &figure)
+            return bone;
+        const std::vector<RyNode *> below = reversed(*node);
+        pending.insert(pending.end(), below.begin(), below.end());
+    }
+    return nullptr;
+}
+
 double ryMeshHeight(const std::vector<RyVec3> &positions)
 {
     RyBox3 box;

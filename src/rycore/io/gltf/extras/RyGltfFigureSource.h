@@ -82,6 +82,8 @@ struct RyGltfFigureSource
 
 /// The own bones of a skeleton; none for what is no skeleton.
 std::vector<RyBone *> ryOwnBones(const RyNode &figure);
+/// The first of them, without looking for the others; null for none.
+RyBone *ryFirstOwnBone(const RyNode &figure);
 
 /// Of what has its vertices there, along Y; the largest extent of what is flat.
 double ryMeshHeight(const std::vector<RyVec3> &positions);

@@ -39,6 +39,7 @@ void RyGltfFrameChanges::apply()
                         RyAffine::fromTranslation(node.getOrigin());
             continue;
         }
+        edit.now = RyNodeValues::of(node);
         if (edit.source->isBone)
             compareRest(index, edit);
         comparePose(edit);
@@ -51,7 +52,7 @@ void RyGltfFrameChanges::apply()
 
 RyGltfFrameChanges::Rest RyGltfFrameChanges::restOf(const Edit &edit)
 {
-    const RyNodeValues now = RyNodeValues::of(*edit.node);
+    const RyNodeValues &now = edit.now;
     const RyNodeValues &loaded = edit.source->loaded;
     const RyVec3 origin = edit.node->getOrigin();
     Rest rest{{origin.x, origin.y, origin.z}, edit.node->getOrientation(), false, false};
@@ -169,7 +170,7 @@ bool ryGltfIsApart(const RyNode &node)
 void RyGltfFrameChanges::comparePose(Edit &edit) const
 {
     const RyNode &node = *edit.node;
-    const RyNodeValues now = RyNodeValues::of(node);
+    const RyNodeValues &now = edit.now;
     // A pose turns about the origin and the axes; where there is none the file's numbers stay with their noise.
     const bool isSame = now.samePoseControls(edit.source->loaded) && node.getLocalMap() == RyAffine()
                             ? now.inheritScale == edit.source->loaded.inheritScale

@@ -82,7 +82,7 @@ void RyGltfNewNodes::addTree(const RyNode &top)
 {
     if (qobject_cast<const RyCamera *>(&top))
         return;
-    if (!ryOwnBones(top).empty()) {
+    if (ryFirstOwnBone(top)) {
         // The figure node carries the figure's own transform, its joints stand in figure space.
         const RyAffine own = RyAffine::fromScale(m_unit) * top.worldMap() * RyAffine::fromScale(1.0 / m_unit);
         const int node = m_document.addNode(top.getName(), transformOf(own), -1);
@@ -99,7 +99,7 @@ void RyGltfNewNodes::addMeshes(const RyGltfScenePatch &patch)
 {
     m_nodeOf = patch.nodeOf;
     for (const auto &[node, index] : patch.added) {
-        if (!ryOwnBones(*node).empty())
+        if (ryFirstOwnBone(*node))
             addSkinnedMesh(*node);
         else if (meshOf(*node))
             addMeshOf(*node, index, patch.edits.at(index).bind);
@@ -126,7 +126,7 @@ void RyGltfNewNodes::addNode(const RyNode &root, int rootParent, const RyAffine 
         const int index = m_document.addNode(next.node->getName(),
                                              transformOf(bind * localPose * next.parentBind.inverse()), next.parent);
         m_nodeOf.add(next.node, index);
-        if (!ryOwnBones(*next.node).empty())
+        if (ryFirstOwnBone(*next.node))
             figures.push_back(next.node);
         else if (meshOf(*next.node))
             addMeshOf(*next.node, index, bind);
@@ -258,7 +258,7 @@ std::vector<const RyNode *> RyGltfNewNodes::figures() const
 void RyGltfNewNodes::storeExtras(QStringList *messages)
 {
     for (const auto &[node, index] : m_nodeOf.entries()) {
-        if (ryOwnBones(*node).empty())
+        if (!ryFirstOwnBone(*node))
             RyRiggingExtras::storeNode(m_document, index, *node);
         else
             RyTreeExtras::markFigure(m_document, index);

@@ -21,7 +21,7 @@ void RyGltfNodePatch::apply()
         writeNode(index, edit);
         if (!edit.source)
             continue;
-        const RyNodeValues now = RyNodeValues::of(*edit.node);
+        const RyNodeValues &now = edit.now;
         if (now.name != edit.source->loaded.name)
             m_patch.document.setNodeName(index, now.name);
         if (edit.restChanged || now.rigging != edit.source->loaded.rigging)

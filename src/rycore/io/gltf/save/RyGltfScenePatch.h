@@ -25,6 +25,7 @@ struct RyGltfScenePatch
         bool moved = false;         // hangs on another node than in the file
         bool keepsRotation = false; // the rest frame keeps that of the file, although the orientation is another
         RyBone::Carried carried;    // of a bone, since it was read or made
+        RyNodeValues now{};         // of a node of the file, from RyGltfFrameChanges on
 
         bool isCarried() const { return !(carried == RyBone::Carried()); }
         /// The rest frame as it would be if the rest had not been carried on.

@@ -106,7 +106,7 @@ std::map<const RyNode *, QString> parametricToKeep(const RyGltfScenePatch &patch
 void storeExtras(RyGltfScenePatch &patch, const std::vector<const RyNode *> &newFigures)
 {
     for (const auto &[index, edit] : patch.edits) {
-        if (!ryOwnBones(*edit.node).empty()) {
+        if (ryFirstOwnBone(*edit.node)) {
             RyTreeExtras::markFigure(patch.document, index);
             continue;
         }

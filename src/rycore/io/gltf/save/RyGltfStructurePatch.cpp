@@ -114,7 +114,7 @@ void RyGltfStructurePatch::findRemoved()
     // A skin is drawn only where its joints are: those of a figure that has no bones left stay for its mesh.
     std::set<int> stillDrawn;
     for (const RyGltfFigureSource &figure : m_patch.source.figures) {
-        if (!isThere(figure.sceneNode) || !ryOwnBones(*figure.sceneNode).empty())
+        if (!isThere(figure.sceneNode) || ryFirstOwnBone(*figure.sceneNode))
             continue;
         for (const RyGltfSkinSource &skin : figure.skins) {
             const std::vector<int> &joints = model.skins[size_t(skin.skin)].joints;
