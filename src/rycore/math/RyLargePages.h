@@ -10,6 +10,12 @@ namespace RyLargePages {
 /// Asks for large pages under memory that nobody has touched yet. A wish, which may do nothing.
 void prefer(void *begin, std::size_t bytes);
 
+/// Room in large pages for small things that are about to be made, at the end of the C library's heap, which goes on
+/// keeping what is freed there up to 64 MB. Does nothing where that heap is another.
+void growHeap(std::size_t bytes);
+/// The same with room for a few thousand nodes, where `latest`, made last, lies at the very end of the heap.
+void growHeapBehind(const void *latest);
+
 /// `values.resize(count)` for an empty vector.
 template<typename T>
 void resize(std::vector<T> &values, std::size_t count)

@@ -18,6 +18,7 @@
 #include "rycore/io/gltf/open/RyGltfNumberCheck.h"
 #include "rycore/io/gltf/open/RyImageDecoder.h"
 #include "rycore/io/gltf/play/RyGltfPlayedClip.h"
+#include "rycore/math/RyLargePages.h"
 #include "rycore/scene/RyBone.h"
 #include "rycore/scene/RyShape.h"
 #include "rycore/skin/RySkinBinding.h"
@@ -29,6 +30,9 @@
 #include <map>
 #include <set>
 #include <utility>
+
+/// A bone with its controls takes some 10 kB.
+static constexpr size_t ManyBones = 1000;
 
 RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
     : m_origin(std::make_unique<RyGltfOrigin>())
@@ -312,6 +316,8 @@ void RyGltfSceneReader::buildFigure(Figure &figure)
         const int node = figure.joints.bones[i];
         const QString &fileName = model.nodes[size_t(node)].name;
         auto *bone = new RyBone;
+        if (figure.joints.bones.size() >= ManyBones)
+            RyLargePages::growHeapBehind(bone);
         bone->setName(names.take(fileName.isEmpty() ? QStringLiteral("joint%1").arg(node) : fileName));
         const int parent = figure.joints.parents[i];
         RyNode *above = parent < 0 ? static_cast<RyNode *>(figure.figure) : figure.bones[size_t(parent)];
