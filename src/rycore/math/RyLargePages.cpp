@@ -1,5 +1,6 @@
 #include "rycore/math/RyLargePages.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
@@ -42,6 +43,7 @@ void RyLargePages::growHeap(std::size_t bytes)
     constexpr int UsualPad = 128 << 10;
     mallopt(M_MMAP_THRESHOLD, LargestMapped);
     mallopt(M_TRIM_THRESHOLD, MostKept);
+    bytes = std::min(bytes, std::size_t(MostKept));
     mallopt(M_TOP_PAD, int(bytes));
     void *const first = std::malloc(MoreThanIsLeft);
     mallopt(M_TOP_PAD, UsualPad);

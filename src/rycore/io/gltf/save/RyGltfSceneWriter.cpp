@@ -17,6 +17,7 @@
 #include "rycore/io/gltf/save/RyGltfStructurePatch.h"
 #include "rycore/io/gltf/save/RyGltfWeightComparison.h"
 #include "rycore/io/gltf/save/RyGltfWeightsPatch.h"
+#include "rycore/math/RyLargePages.h"
 #include "rycore/mesh/RyFacetMesh.h"
 #include "rycore/scene/RyFacetShape.h"
 #include "rycore/scene/RyObject.h"
@@ -179,6 +180,10 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
             *error = QStringLiteral("The scene cannot be written into its file: %1").arg(reason);
         return nullptr;
     };
+    // The copy of the tree and what is stored in it, 2 kB or so for each node.
+    constexpr size_t ManyNodes = 1000, BytesOfNode = 2048;
+    if (m_origins.front()->nodes.size() >= ManyNodes)
+        RyLargePages::growHeap(m_origins.front()->nodes.size() * BytesOfNode);
     const std::unique_ptr<RyGltfOrigin> source = joined(&reason, losses);
     if (!source)
         return refuse();
