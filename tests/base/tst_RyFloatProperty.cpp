@@ -5,7 +5,10 @@
 #include "rycore/undo/RyUndoStack.h"
 #include "rycore/undo/RyUndoStackHold.h"
 
+#include <array>
+#include <cstddef>
 #include <limits>
+#include <new>
 
 class RyFloatPropertyTest : public QObject
 {
@@ -19,6 +22,27 @@ class RyFloatPropertyTest : public QObject
     public:
         std::vector<RyFloatProperty *> told;
         void propertyChanged(RyFloatProperty *property) override { told.push_back(property); }
+    };
+
+    /// Puts another property where the one that changed was.
+    class Replacing : public RyElement
+    {
+    public:
+        RyFloatProperty *property = nullptr;
+        int replaced = 0;
+        int told = 0; // by the other one
+        void propertyChanged(RyFloatProperty *) override { replace(); }
+        void propertyDefaultChanged(RyFloatProperty *) override { replace(); }
+
+    private:
+        void replace()
+        {
+            ++replaced;
+            property->~RyFloatProperty();
+            property = new (property) RyFloatProperty(nullptr, "y", 7.0f);
+            connect(property, &RyFloatProperty::currentValueChanged, property, [this] { ++told; });
+            connect(property, &RyFloatProperty::defaultValueChanged, property, [this] { ++told; });
+        }
     };
 
 private slots:
@@ -224,6 +248,33 @@ private slots:
                 [&] { delete std::exchange(property, nullptr); });
         property->setValue(1);
         QVERIFY(!property);
+    }
+
+    void ownersMayDeleteTheProperty_data()
+    {
+        QTest::addColumn<bool>("byDefault");
+        QTest::newRow("value") << false;
+        QTest::newRow("default") << true;
+    }
+
+    /// Another property comes to stand in its memory: what was to be told of the first one would be told of that.
+    void ownersMayDeleteTheProperty()
+    {
+        QFETCH(bool, byDefault);
+        alignas(RyFloatProperty) std::array<std::byte, sizeof(RyFloatProperty)> place;
+        Replacing owner;
+        owner.property = new (place.data()) RyFloatProperty(&owner, "x");
+        RyFloatProperty *first = owner.property;
+        if (byDefault)
+            first->setDefaultValue(3.0f);
+        else
+            first->setValue(3.0f);
+        QCOMPARE(owner.replaced, 1);
+        QCOMPARE(owner.told, 0);
+        QCOMPARE(owner.property->getValue(), 7.0f);
+        owner.property->setValue(1.0f);
+        QCOMPARE(owner.told, 1);
+        owner.property->~RyFloatProperty();
     }
 
     void groupsAreATree()
