@@ -31,7 +31,7 @@
 #include <set>
 #include <utility>
 
-/// A bone with its controls takes some 10 kB.
+/// Bones from which on memory in small pages is what takes the time: each lies in dozens of pieces.
 static constexpr size_t ManyBones = 1000;
 
 RyGltfSceneReader::RyGltfSceneReader(std::unique_ptr<RyGltfDocument> document, const QString &path, double unit)
