@@ -225,6 +225,19 @@ void RyFbxObjects::takeTransform(const RyFbxTransform &transform, const PlacesOf
     }
 }
 
+/// Whether what comes next stands on a line that began as a comment.
+bool isInComment(std::string_view above)
+{
+    const size_t from = above.size() - std::min(above.size(), size_t(LongestProperty));
+    std::string_view line = above.substr(from);
+    const size_t end = line.find_last_of("\r\n");
+    if (end == line.npos && from > 0)
+        return false;
+    line.remove_prefix(end == line.npos ? 0 : end + 1);
+    const size_t first = line.find_first_not_of(Blanks);
+    return first != line.npos && line[first] == ';';
+}
+
 /// Of objects like  Model: 12, "Model::Hips", "LimbNode" {
 template<typename Work>
 void RyFbxObjects::forNamesInText(const QByteArray &kind, const Work &work) const
@@ -241,7 +254,7 @@ void RyFbxObjects::forNamesInText(const QByteArray &kind, const Work &work) cons
         const int nameAt = at + before.size();
         const std::string_view name = partOf(m_bytes, nameAt, nameAt + LongestProperty);
         const size_t length = name.find('"');
-        if (isObject && length != name.npos)
+        if (isObject && length != name.npos && !isInComment(above.substr(0, beforeHead)))
             work(nameAt, bytesOf(name.substr(0, length)));
     }
 }

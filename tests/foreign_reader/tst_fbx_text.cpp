@@ -13,6 +13,7 @@ private slots:
     void lineEnds_data();
     void lineEnds();
     void nothingButAComment();
+    void nodesInComments();
     void withoutEnd_data();
     void withoutEnd();
 
@@ -84,15 +85,23 @@ void FbxTextTest::nothingButAComment()
     QVERIFY2(result.error.contains(QStringLiteral("export it as glTF 2.0")), qPrintable(result.error));
 }
 
+/// What stands in a comment is no node, and takes no name from one.
+void FbxTextTest::nodesInComments()
+{
+    const QByteArray node = "Model: 1, \"Model::arm\", \"LimbNode\" { }\n";
+    for (const char *comment : {"; ", " \t;", ";;; once "})
+        QVERIFY2(RyFbxObjects(node + comment + node).nameOf.isEmpty(), comment);
+    for (const char *usual : {"", "  ", "a: 1;\n", "Text: \"; \" "})
+        QVERIFY2(!RyFbxObjects(node + usual + node).nameOf.isEmpty(), usual);
+}
+
 void FbxTextTest::withoutEnd_data()
 {
     QTest::addColumn<QByteArray>("piece");
     QTest::newRow("names") << QByteArray("\"Model::");
     QTest::newRow("nodes of one name") << QByteArray("Model: 1, \"Model::ab\" ");
-    QTest::newRow("numbers before a name") << QByteArray("1,");
     QTest::newRow("properties") << QByteArray("P: \"PreRotation\",");
     QTest::newRow("ranges") << QByteArray("\"LocalStart\",");
-    QTest::newRow("blanks") << QByteArray(" ");
 }
 
 /// What is found in a file of millions of them costs a share of the file each, not all of it.

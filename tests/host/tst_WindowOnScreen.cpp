@@ -224,7 +224,9 @@ private slots:
         const QIcon menu = action("FileOpen")->icon();
         const QIcon strip = action("Tool_RyJointEditorTool")->icon();
         // Of what has no room in the strip.
-        const QIcon more = m_window->findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button"))->icon();
+        const auto *button = m_window->findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button"));
+        QVERIFY(button);
+        const QIcon more = button->icon();
         const QIcon list = indexOf(m_scene->findNode(QStringLiteral("hip"))).data(Qt::DecorationRole).value<QIcon>();
         for (bool dark : {true, false, true}) {
             m_window->setDark(dark);

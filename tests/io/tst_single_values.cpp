@@ -5,6 +5,7 @@
 #include "rycore/io/RySceneDump.h"
 #include "rycore/io/RySceneFile.h"
 #include "rycore/scene/RyBone.h"
+#include "rycore/scene/RySkeleton.h"
 #include "support/RyTest.h"
 
 #include <QTemporaryDir>
@@ -34,6 +35,10 @@ private slots:
         row("most", [](RyBone &bone) { bone.poseControls()[4]->setMax(30.0f); });
         row("clamped", [](RyBone &bone) { bone.poseControls()[4]->setIsClamped(true); });
         row("default of a pose", [](RyBone &bone) { bone.poseControls()[4]->setDefaultValue(3.0f); });
+        row("bones are drawn", [](RyBone &bone) {
+            RySkeleton *figure = bone.getSkeleton();
+            figure->setDrawGLBones(!figure->drawsGLBones());
+        });
         row("default of an end", [](RyBone &bone) { bone.riggingControls()[4]->setDefaultValue(3.0f); });
     }
 

@@ -1,4 +1,5 @@
 #include "CharacterScene.h"
+#include "FigureSketch.h"
 #include "KeptClips.h"
 #include "RigEdits.h"
 
@@ -12,6 +13,9 @@
 #include "support/RyValidator.h"
 
 #include <nlohmann/json.hpp>
+
+#include <QFile>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <set>
@@ -55,6 +59,22 @@ private slots:
             RigEdits::kinds()[size_t(kind)].edit(character.scene, RigEdits::pick(character.bones(), m_random),
                                                  m_random);
         check(character, name, false);
+    }
+
+    /// A script can hang what it took out of the scene below a figure again, which does not bring it back.
+    void bonesOutsideTheScene()
+    {
+        const QTemporaryDir folder;
+        CharacterScene character(FigureSketch().write(folder.filePath(QStringLiteral("plain.gltf"))));
+        RySkeleton *figure = character.scene.getSkeletons().front();
+        const RyRef<RyBone> bone(character.bones()[1]);
+        character.scene.removeNode(bone.get());
+        figure->addNodeChild(bone.get());
+        const QString path = folder.filePath(QStringLiteral("saved.gltf"));
+        QString error;
+        QVERIFY(!RySceneFile::save(&character.scene, path, &error));
+        QVERIFY2(error.contains(QStringLiteral("the scene does not fit into its file")), qPrintable(error));
+        QVERIFY(!QFile::exists(path));
     }
 
     /// One after the other on the same bones, posed.

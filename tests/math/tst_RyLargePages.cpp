@@ -7,9 +7,7 @@
 #include <memory>
 #include <vector>
 
-#ifdef __linux__
 #include <unistd.h>
-#endif
 
 /// Room at the end of the heap, as the system sees it.
 class RyLargePagesTest : public QObject
@@ -64,7 +62,7 @@ private slots:
     void roomBehindTheLatest()
     {
         QFETCH(bool, isLatest);
-        static const char elsewhere = 0;
+        const char elsewhere = 0; // on the stack
         const char *latest = isLatest ? makeLatest() : &elsewhere;
         QVERIFY(latest);
         const quintptr before = heapEnd();

@@ -138,6 +138,32 @@ private slots:
         QCOMPARE(dump(), added);
     }
 
+    /// What came to stand behind the members of a step stays behind them.
+    void placesOfAStepAmongOthersThatCame()
+    {
+        RyBone *parent = figure()->findBone(QStringLiteral("chest"));
+        const std::vector<RyNode *> siblings = parent->nodeChildrenIterator();
+        {
+            RyUndoStackHold hold;
+            addBoundBone(parent);
+            hold.accept(QStringLiteral("Add"));
+        }
+        ryUndoStack()->undo();
+        {
+            RyUndoStackLock lock;
+            ryScene()->removeNode(siblings.front());
+        }
+        ryUndoStack()->redo();
+        {
+            RyUndoStackLock lock;
+            addBoundBone(parent);
+        }
+        const QString state = dump();
+        ryUndoStack()->undo();
+        ryUndoStack()->redo();
+        QCOMPARE(dump(), state);
+    }
+
     void randomCommands();
 
 private:

@@ -167,15 +167,20 @@ void RyFloatProperty::restore(const State &wanted)
     m_clamped = wanted.clamped;
 
     const bool defaultChanged = before.defaultValue != wanted.defaultValue;
-    const Dependents dependents = workOutDependents(defaultChanged);
-    const QPointer<RyFloatProperty> guard(this);
+    const bool isAlone = m_outgoing.empty();
+    const Dependents dependents = isAlone ? Dependents() : workOutDependents(defaultChanged);
+    if (isAlone)
+        workOut();
+    const Announcing announcing(this);
     if (before.min != wanted.min || before.max != wanted.max || before.clamped != wanted.clamped)
         emit limitsChanged();
-    if (guard && defaultChanged && getValue() == m_announced && getOwner())
+    if (announcing.isAlive() && defaultChanged && getValue() == m_announced && getOwner())
         getOwner()->propertyDefaultChanged(this);
-    if (guard && defaultChanged)
+    if (announcing.isAlive() && defaultChanged)
         emit defaultValueChanged();
     announce(dependents);
+    if (isAlone && announcing.isAlive())
+        announceIfChanged();
 }
 
 void RyFloatProperty::workOut()

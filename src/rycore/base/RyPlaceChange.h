@@ -33,12 +33,13 @@ public:
         if (!m_owner || !member || !List::mayMove(*m_owner, *member))
             return;
         const int now = List::has(*m_owner, *member) ? placeIn(List::of(*m_owner), member) : -1;
+        const bool isLast = now + 1 == int(List::of(*m_owner).size());
         if (now >= 0)
             List::take(*m_owner, member, now);
         const int wanted = m_index;
         if (wanted >= 0)
             List::insert(*m_owner, member, wanted);
-        m_index = now == m_lastPlace ? m_wanted : now;
+        m_index = now == m_lastPlace && isLast ? m_wanted : now;
         m_wanted = wanted;
         m_lastPlace = std::min(wanted, int(List::of(*m_owner).size()) - 1);
         List::moved(*m_owner);
@@ -56,8 +57,8 @@ private:
     QPointer<Owner> m_owner;
     RyRef<Member> m_member;
     int m_index;
-    // Where the last swap put it. In a shorter list that is not where it was wanted, and a swap back and forth must not
-    // forget that: the next list may be the longer one again.
+    // Where the last swap put it. A shorter list took it at its end and not where it was wanted, and a swap back and
+    // forth must not forget that as long as it is the last one there: the next list may be the longer one again.
     int m_lastPlace = -1;
     int m_wanted = -1;
 };

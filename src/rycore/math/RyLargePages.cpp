@@ -45,11 +45,14 @@ void RyLargePages::growHeap(std::size_t bytes)
     mallopt(M_TRIM_THRESHOLD, MostKept);
     bytes = std::min(bytes, std::size_t(MostKept));
     mallopt(M_TOP_PAD, int(bytes));
-    void *const first = std::malloc(MoreThanIsLeft);
+    const auto end = reinterpret_cast<std::uintptr_t>(sbrk(0));
+    void *volatile piece = std::malloc(MoreThanIsLeft); // which the compiler must not leave out
     mallopt(M_TOP_PAD, UsualPad);
-    if (first)
-        prefer(first, bytes);
-    std::free(first);
+    std::free(piece);
+    // Nothing where a freed piece had room for it.
+    const auto newEnd = reinterpret_cast<std::uintptr_t>(sbrk(0));
+    if (newEnd > end)
+        prefer(reinterpret_cast<void *>(end), newEnd - end);
 #else
     (void)bytes;
 #endif

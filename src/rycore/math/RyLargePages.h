@@ -10,8 +10,9 @@ namespace RyLargePages {
 /// Asks for large pages under memory that nobody has touched yet. A wish, which may do nothing.
 void prefer(void *begin, std::size_t bytes);
 
-/// Room in large pages for small things that are about to be made, at the end of the C library's heap, which goes on
-/// keeping what is freed there up to 64 MB. Does nothing where that heap is another.
+/// Room in large pages for small things that are about to be made, at the end of the C library's heap, unless that has
+/// a megabyte left. From then on the heap of the process keeps what is freed at its end, up to 64 MB. Does nothing
+/// where the heap is another.
 void growHeap(std::size_t bytes);
 /// The same with room for a few thousand nodes, where `latest`, made last, lies at the very end of the heap.
 void growHeapBehind(const void *latest);

@@ -2,6 +2,7 @@
 
 #include "ryhost/look/HostIcons.h"
 
+#include <QGuiApplication>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTreeView>
@@ -15,6 +16,11 @@ namespace {
 
 constexpr int DockTitleMargin = 5;
 constexpr int DockTitleIndent = 8;
+
+bool isMirrored(const QStyleOption *option)
+{
+    return (option ? option->direction : QGuiApplication::layoutDirection()) == Qt::RightToLeft;
+}
 
 } // namespace
 
@@ -32,7 +38,7 @@ QIcon HostStyle::standardIcon(StandardPixmap which, const QStyleOption *option, 
 {
     switch (which) {
     case SP_ToolBarHorizontalExtensionButton:
-        return HostIcons::icon(QStringLiteral("more-right"));
+        return HostIcons::icon(isMirrored(option) ? QStringLiteral("more-left") : QStringLiteral("more-right"));
     case SP_ToolBarVerticalExtensionButton:
         return HostIcons::icon(QStringLiteral("more-down"));
     default:

@@ -75,8 +75,9 @@ struct Place
     bool operator==(const Place &o) const { return parent.get() == o.parent.get() && index == o.index; }
 };
 
-/// Where undo puts a node, and, of the last time, where it was wanted and where it came to stand. Among fewer siblings
-/// the two differ, and going back and forth must not forget that: the next time there may be all of them.
+/// Where undo puts a node, and, of the last time, where it was wanted and where it came to stand. Fewer siblings took
+/// it at their end, and going back and forth must not forget that as long as it is the last of them: the next time
+/// there may be all of them.
 struct PlaceChange
 {
     Place place;
@@ -112,7 +113,8 @@ struct RyNodeTree::ParentValue : RyOrderedValueOf<RyNode, PlaceChange, RyRef<RyN
     static void exchange(RyNode &node, Value &change)
     {
         Place before = placeOf(node);
-        if (before == change.reached)
+        const bool isLast = !before.parent || before.index + 1 == before.parent->getNumNodeChildren();
+        if (before == change.reached && isLast)
             before = std::move(change.wanted);
         moveTo(node, change.place);
         change = {std::move(before), std::move(change.place), placeOf(node)};

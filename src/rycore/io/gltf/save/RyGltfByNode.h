@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -67,9 +68,9 @@ public:
     {
         return entry(node) ? Iterator<const Entry>{first() + node, last()} : end();
     }
-    /// Only for a node that has a value.
-    Value &at(int node) { return m_byNode[size_t(node)]->second; }
-    const Value &at(int node) const { return m_byNode[size_t(node)]->second; }
+    /// Throws std::out_of_range for a node that has no value.
+    Value &at(int node) { return known(node).second; }
+    const Value &at(int node) const { return known(node).second; }
     /// Where there is none yet, an empty one is made. `node` is not negative.
     Value &operator[](int node)
     {
@@ -82,6 +83,13 @@ public:
     }
 
 private:
+    Entry &known(int node) const
+    {
+        Entry *found = entry(node);
+        if (!found)
+            throw std::out_of_range("a node of the scene has no place in the file");
+        return *found;
+    }
     Entry *entry(int node) const
     {
         return node >= 0 && size_t(node) < m_byNode.size() ? m_byNode[size_t(node)] : nullptr;

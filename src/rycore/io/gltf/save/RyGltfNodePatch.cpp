@@ -55,7 +55,7 @@ RyAffine RyGltfNodePatch::localPoseNow(const Edit &edit) const
     const RyNode &node = *edit.node;
     if (!edit.poseChanged)
         return edit.source->localPose;
-    const RyNodeValues now = RyNodeValues::of(node);
+    const RyNodeValues &now = edit.now;
     if (edit.source && !edit.moved && !edit.isCarried() && now.samePoseButForOrigin(edit.source->loaded) &&
         node.inheritsScale() && !ryGltfIsApart(node))
         return aboutOrigin(edit.source->localPose, edit.source->loaded, node);

@@ -181,7 +181,7 @@ std::shared_ptr<const RyGltfDocument> RyGltfSceneWriter::patch(const RyScene &sc
         return nullptr;
     };
     // The copy of the tree and what is stored in it, 2 kB or so for each node.
-    constexpr size_t ManyNodes = 1000, BytesOfNode = 2048;
+    constexpr size_t ManyNodes = 2000, BytesOfNode = 2048;
     if (m_origins.front()->nodes.size() >= ManyNodes)
         RyLargePages::growHeap(m_origins.front()->nodes.size() * BytesOfNode);
     const std::unique_ptr<RyGltfOrigin> source = joined(&reason, losses);
