@@ -1,5 +1,6 @@
 #include "RyShownField.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QMenu>
@@ -28,6 +29,30 @@ private slots:
         QCOMPARE(field()->text(), QString());
         ryUndoStack()->redo();
         QCOMPARE(field()->text(), QStringLiteral("13"));
+    }
+
+    /// With the field still in use, as after Enter; while something is typed they are those of the text.
+    void undoAndRedoAreThoseOfTheScene()
+    {
+        QAction undo, redo;
+        undo.setShortcut(QKeySequence::Undo);
+        redo.setShortcut(QKeySequence::Redo);
+        connect(&undo, &QAction::triggered, this, [] { ryUndoStack()->undo(); });
+        connect(&redo, &QAction::triggered, this, [] { ryUndoStack()->redo(); });
+        m_widget->addActions({&undo, &redo});
+        setBoth(3);
+        type("12.5");
+        QCOMPARE(m_first->getValue(), 12.5f);
+        QVERIFY(field()->hasFocus());
+        QTest::keyClick(field(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_first->getValue(), 3.0f);
+        QTest::keyClick(field(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(m_first->getValue(), 12.5f);
+        QTest::keyClick(field(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(field(), QStringLiteral("7"));
+        QTest::keyClick(field(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(m_first->getValue(), 12.5f);
+        QCOMPARE(field()->text(), QStringLiteral("12.5"));
     }
 
     void showsThatValuesDiffer()

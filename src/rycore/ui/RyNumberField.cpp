@@ -92,6 +92,19 @@ void RyNumberField::stepBy(double steps)
     selectAll();
 }
 
+bool RyNumberField::event(QEvent *event)
+{
+    // A text field takes these keys whatever it has to undo; what was taken as a value is the scene's.
+    if (event->type() == QEvent::ShortcutOverride && !isModified()) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
+            event->ignore();
+            return false;
+        }
+    }
+    return QLineEdit::event(event);
+}
+
 void RyNumberField::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {

@@ -4,7 +4,7 @@
 
 /// A text field for one number: takes arithmetic, also "*2" and "/2" of what it shows, steps with the arrow keys (Shift
 /// ten times, Ctrl a tenth of the step), shows at most four decimals. Nonsense, and what a float cannot
-/// hold, puts the old value back and says why.
+/// hold, puts the old value back and says why. Undo and redo are its own only while something is being typed.
 class RyNumberField : public QLineEdit
 {
     Q_OBJECT
@@ -35,6 +35,7 @@ signals:
     void refused(const QString &reason);
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
